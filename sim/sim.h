@@ -1,0 +1,55 @@
+// A simulated target on a pseudo terminal, as a library for tests and benches and
+// behind vireo2-target. Written from the wire format alone: nothing of src/ is used.
+// A target runs on a thread of its own between SIM_Start and SIM_Stop.
+#ifndef SIM_SIM_H
+#define SIM_SIM_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+struct SIM_Options {
+    int baud = 0;          // 0 = as fast as the machine; else pace every character (11 bits)
+    bool echo = false;     // the line echoes what is sent (two-wire RS-485)
+    double drop = 0;       // share of answers that are not sent, 0..1
+    double corrupt = 0;    // share of answers with one damaged character, 0..1
+    int delayMs = 0;       // wait before each answer
+    long silentAfter = -1; // no answers after so many; -1 = never
+    uint32_t seed = 1;     // of the faults
+    bool demo = true;      // live demo variables and the TMS mailbox
+    bool mailbox = true;   // the TMS320 behind the station answers; false = stays busy
+    uint32_t stations = 0xFFFF; // bit n: station n answers
+    std::string link;      // symbolic link to the device, "" = none
+    std::string log;       // file that gets one line a request, "" = none
+};
+
+struct SIM_Target;
+
+// Null when no pseudo terminal can be had (message in *error).
+SIM_Target *SIM_Start(const SIM_Options &options, std::string *error);
+void SIM_Stop(SIM_Target *target); // also removes the link; frees target
+const char *SIM_DevicePath(const SIM_Target *target);
+
+// Memory of one station (16 MiB, byte addresses); safe while the target runs.
+void SIM_Poke(SIM_Target *target, int station, uint32_t address, const void *bytes, size_t count);
+void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, size_t count);
+// Memory of the TMS320 behind a station, by word address; 32-bit values.
+void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value);
+uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress);
+
+// Changes faults while running; only drop, corrupt, delayMs, silentAfter (counted from
+// now), echo, mailbox and stations are taken over.
+void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
+// Answers every request to `command` (0..15) with the target's own error code (65..255); 0 = off.
+void SIM_SetErrorCode(SIM_Target *target, int command, int code);
+
+struct SIM_Counters {
+    uint64_t requests = 0;  // well-formed requests to a station that exists
+    uint64_t answers = 0;   // sent undamaged
+    uint64_t dropped = 0;
+    uint64_t corrupted = 0;
+    uint64_t malformed = 0; // frames with a wrong check value or shape
+};
+SIM_Counters SIM_GetCounters(const SIM_Target *target);
+
+#endif

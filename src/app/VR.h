@@ -1,0 +1,96 @@
+// The chief header: process-wide settings that every module reads, and the spine
+// of the program (start-up, communication on and off, the main panel, shutdown).
+#ifndef APP_VR_H
+#define APP_VR_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+enum { CPU_C166 = 0, CPU_C167 = 1, CPU_F283XX = 10, CPU_F2803X = 11 };
+enum { PROTOCOL_MR166 = 1, PROTOCOL_MODBUS = 2 };
+enum { MODE_NORMAL = 0, MODE_CONFIGURATION = 1 };
+
+constexpr size_t PATH_MAX_CHARS = 260; // a path must be shorter
+constexpr int RECENT_MAX = 9;
+
+extern int32_t Procesor;        // CPU_...
+extern int16_t VR_nProtocol;    // PROTOCOL_...
+extern int32_t ncom;            // serial port number
+extern int32_t bRate;           // baud
+extern int32_t STATION;         // 0..15 (mr166), slave address (Modbus)
+extern int32_t Option_AutoOff;  // switch communication off after repeated errors
+extern int32_t Option_ComWin32; // 1 = Win32 driver, 0 = the run-time's RS-232 library
+extern int32_t VR_enAppMode;    // MODE_...
+extern std::string VR_szVersion;
+extern int32_t isTimer;         // communication switched on
+extern int32_t oldTimer;        // isTimer to restore when the console view is left
+extern int32_t oldHeight;       // last accepted height of the main panel
+extern int32_t IsDBGChange;     // the watch list has unsaved changes
+extern std::string szDebugFileName;
+extern std::array<std::string, RECENT_MAX> szaDebugFileNames; // newest first
+extern int32_t nDebugFileNames;
+extern std::string szMapFileName;
+extern int mainPanel, consolePanel; // handles, 0 before start-up
+
+// --- start and end ---------------------------------------------------------------
+// Everything up to the event loop. 0, or -1 when the run-time or a panel fails.
+int VR_StartUp(int argc, char **argv);
+// VR_StartUp, then the event loop. The program's exit code.
+int VR_Main(int argc, char **argv);
+// A script named on the command line: whether one was run, and its result.
+extern bool VR_isScriptRun;
+extern int VR_nScriptResult;
+
+int GetCmdLineOptions(int argc, char **argv); // index of the first non-option
+void GetVRVersion(const char *programPath);
+
+struct VR_DllFn {
+    const char *name;
+    void *address;
+};
+// 0 all resolved; -1 no such library; -2 no entry, or not every entry resolved.
+int VR_LoadDllFnTable(const char *dllName, int count, VR_DllFn *table);
+void *VR_GetDllFn(const char *name, int count, const VR_DllFn *table); // null when absent
+
+int ExitApplication(int panel); // 0; -1 when the user cancelled
+void DisplayHelp();
+
+// --- communication -----------------------------------------------------------------
+void Error(const std::string &message); // communication off, then a pop-up "Error"
+void VR_ComRequest();
+void VIR2_StartPeriodicASC();
+void VIR2_StopPeriodicASC();
+int Check_ASC_Open(int result);
+void VIR2_SetStation(int station);
+
+// --- main panel ----------------------------------------------------------------------
+void SetMainPanelTitle();
+void SetMainPanelStateLine();
+void SetMainPanelAttributes();
+void AddDebugFileName(const std::string &path);
+void VR_ShowMessage(const std::string &text); // message area of the main panel
+
+// --- settings file -------------------------------------------------------------------
+int OpenIniFile(int panel); // 0, or -2 when there is none
+int SaveIniFile();          // 0, or -1: the file that was there is untouched
+
+// --- callbacks -----------------------------------------------------------------------
+int PanelCB(int panel, int event, int data);
+int ConfigPanelCB(int panel, int event, int data); // in configuration mode its close ends the program
+int CommSwitchCB(int panel, int control, int event, int data);
+void WindowCB(int menuBar, int item);
+void ExitCB(int menuBar, int item);
+void HelpCB(int menuBar, int item);
+void AboutCB(int menuBar, int item);
+void ConnectCB(int menuBar, int item);
+void BRateCB(int menuBar, int item);
+void PortCB(int menuBar, int item);
+void StationCB(int menuBar, int item);
+void ProcesorCB(int menuBar, int item);
+void ProtocolCB(int menuBar, int item);
+void ComWin32CB(int menuBar, int item);
+void AutoOffCB(int menuBar, int item);
+void ClosePortCB(int menuBar, int item);
+
+#endif

@@ -1,0 +1,46 @@
+// What the program asks of the operating system besides serial ports: time, file
+// stamps, starting another program, shared libraries, folders.
+#ifndef PLATFORM_SYSTEM_H
+#define PLATFORM_SYSTEM_H
+
+#include <cstdint>
+#include <string>
+
+// Milliseconds of a steady clock; wraps after 2^32 ms.
+uint32_t PLT_TickMs();
+// The same clock in microseconds, for traces and benches.
+uint64_t PLT_TickUs();
+void PLT_SleepMs(unsigned ms);
+
+struct PLT_FileStamp {
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0; // local time
+};
+// Modification time of a file; 0, or -1 when it cannot be examined.
+int PLT_GetFileStamp(const std::string &path, PLT_FileStamp *stamp);
+
+struct PLT_Date {
+    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
+};
+void PLT_LocalTime(PLT_Date *now);
+
+// Starts a program with its arguments and does not wait for it. 0, or -1.
+int PLT_Launch(const std::string &commandLine);
+// Opens a text file for the user: $VISUAL, $EDITOR or the desktop's opener; on
+// Windows the system's text editor. 0, or -1 when nothing could be started.
+int PLT_OpenInEditor(const std::string &path);
+// Opens a document (the help text) in the user's viewer. 0, or -1.
+int PLT_OpenInViewer(const std::string &path);
+
+std::string PLT_CurrentDir();  // without a trailing separator; "" when unknown
+std::string PLT_ConfigDir();   // $XDG_CONFIG_HOME/vireo2, ~/.config/vireo2, or %APPDATA%\Vireo2
+std::string PLT_ProgramDir();  // folder of the running program; "" when unknown
+char PLT_PathSeparator();      // '/' or '\\'
+
+// Shared libraries, bound at run time. Null when not found.
+void *PLT_LoadLibrary(const std::string &name);
+void *PLT_GetSymbol(void *library, const char *name);
+
+// Moves `from` over `to` in one step: after a crash one of the two is whole. 0, or -1.
+int PLT_ReplaceFile(const std::string &from, const std::string &to);
+
+#endif

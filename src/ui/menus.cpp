@@ -1,0 +1,98 @@
+#include "ui/ui_table.h"
+
+#include "app/VR.h"
+#include "symbols/mapfile.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+const int UI_nMenuPanel = PANEL_MAIN;
+
+const UI_Menu UI_aMenus[] = {
+    {MENU_FILE, 0, "__File"},
+    {MENU_OPTIONS, 0, "__Options"},
+    {MENU_PORT, MENU_OPTIONS, "__Port"},
+    {MENU_BAUD, MENU_OPTIONS, "__Baud rate"},
+    {MENU_STATION, MENU_OPTIONS, "__Station"},
+    {MENU_PROCESSOR, MENU_OPTIONS, "P__rocessor"},
+    {MENU_PROTOCOL, MENU_OPTIONS, "Pro__tocol"},
+    {MENU_WINDOW, 0, "__Window"},
+    {MENU_HELP, 0, "__Help"},
+};
+const int UI_cnMenus = sizeof UI_aMenus / sizeof UI_aMenus[0];
+
+const UI_MenuItem UI_aMenuItems[] = {
+    {MENU_FILE, ITEM_OPEN, "__Open watch list...", KEY_CTRL | 'O', OpenDatCB},
+    {MENU_FILE, ITEM_SAVE, "__Save watch list", KEY_CTRL | 'S', SaveDbgCB},
+    {MENU_FILE, ITEM_SAVE_AS, "Save watch list __as...", KEY_CTRL | KEY_SHIFT | 'S', SaveDbgAsCB},
+    {MENU_FILE, ITEM_RELOAD, "__Reload watch list...", KEY_CTRL | 'R', ReloadDbgCB},
+    {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
+    {MENU_FILE, 0, "", 0, nullptr},
+    {MENU_FILE, ITEM_OPEN_MAP, "Open __map file...", KEY_CTRL | 'M', OpenMapCB},
+    {MENU_FILE, ITEM_RELOAD_MAP, "Re__load map file", KEY_F1 + 4, ReloadMapFile},
+    {MENU_FILE, 0, "", 0, nullptr},
+    {MENU_FILE, ITEM_RECENT_END, "", 0, nullptr},
+    {MENU_FILE, ITEM_EXIT, "E__xit", KEY_CTRL | 'Q', ExitCB},
+
+    {MENU_OPTIONS, ITEM_CONNECT, "__Communication", KEY_F1 + 8, ConnectCB},
+    {MENU_OPTIONS, ITEM_CLOSE_PORT, "C__lose port", 0, ClosePortCB},
+    {MENU_OPTIONS, 0, "", 0, nullptr},
+    {MENU_OPTIONS, ITEM_AUTO_OFF, "__Auto-off after errors", 0, AutoOffCB},
+    {MENU_OPTIONS, ITEM_COM_WIN32, "__Win32 services", 0, ComWin32CB},
+
+    {MENU_BAUD, ITEM_BAUD_FIRST, "__9600", 0, BRateCB},
+    {MENU_BAUD, ITEM_BAUD_FIRST + 1, "__19200", 0, BRateCB},
+    {MENU_BAUD, ITEM_BAUD_FIRST + 2, "__38400", 0, BRateCB},
+    {MENU_BAUD, ITEM_BAUD_FIRST + 3, "__57600", 0, BRateCB},
+    {MENU_BAUD, ITEM_BAUD_LAST, "1__15200", 0, BRateCB},
+
+    {MENU_PORT, ITEM_PORT_FIRST, "COM__1", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 1, "COM__2", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 2, "COM__3", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 3, "COM__4", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 4, "COM__5", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 5, "COM__6", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 6, "COM__7", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 7, "COM__8", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_FIRST + 8, "COM__9", 0, PortCB},
+    {MENU_PORT, ITEM_PORT_OTHER, "__Other...", 0, PortCB},
+
+    {MENU_STATION, ITEM_STATION_FIRST, "__0", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 1, "__1", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 2, "__2", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 3, "__3", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 4, "__4", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 5, "__5", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 6, "__6", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 7, "__7", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 8, "__8", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 9, "__9", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 10, "10 (__A)", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 11, "11 (__B)", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 12, "12 (__C)", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 13, "13 (__D)", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_FIRST + 14, "14 (__E)", 0, StationCB},
+    {MENU_STATION, ITEM_STATION_LAST, "15 (__F)", 0, StationCB},
+
+    {MENU_PROCESSOR, ITEM_CPU_C166, "__AC166", 0, ProcesorCB},
+    {MENU_PROCESSOR, ITEM_CPU_C167, "A__C167", 0, ProcesorCB},
+    {MENU_PROCESSOR, ITEM_CPU_F283XX, "__F283xx", 0, ProcesorCB},
+    {MENU_PROCESSOR, ITEM_CPU_F2803X, "F28__03x", 0, ProcesorCB},
+
+    {MENU_PROTOCOL, ITEM_MR166, "__mr166", 0, ProtocolCB},
+    {MENU_PROTOCOL, ITEM_MODBUS, "Mod__bus", 0, ProtocolCB},
+
+    {MENU_WINDOW, ITEM_WATCH_VIEW, "__Watch view", KEY_CTRL | 'W', WindowCB},
+    {MENU_WINDOW, ITEM_CONSOLE_VIEW, "__Console view", KEY_CTRL | 'K', WindowCB},
+    {MENU_WINDOW, 0, "", 0, nullptr},
+    {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
+    {MENU_WINDOW, ITEM_TERMINAL, "Service __terminal", 0, WindowCB},
+    {MENU_WINDOW, ITEM_SCOPE, "__Data scope", 0, WindowCB},
+    {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", 0, WindowCB},
+    {MENU_WINDOW, ITEM_DEBUGGER, "De__bugger", 0, WindowCB},
+    {MENU_WINDOW, ITEM_SIMULATOR, "S__imulator", 0, WindowCB},
+
+    {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},
+    {MENU_HELP, 0, "", 0, nullptr},
+    {MENU_HELP, ITEM_ABOUT, "__About", 0, AboutCB},
+};
+const int UI_cnMenuItems = sizeof UI_aMenuItems / sizeof UI_aMenuItems[0];

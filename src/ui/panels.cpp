@@ -1,0 +1,58 @@
+#include "ui/ui_table.h"
+
+#include "app/VR.h"
+#include "console/monitor.h"
+#include "symbols/mapfile.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+#include "watch/refresh.h"
+
+const UI_Panel UI_aPanels[] = {
+    {PANEL_MAIN, "main", "Vireo2", PanelCB},
+    {PANEL_VALUE, "value", "Value", nullptr},
+    {PANEL_MEMORY, "memory", "Memory", nullptr},
+    {PANEL_ITEM, "item", "Watch item", nullptr},
+    {PANEL_CONSOLE, "console", "Console", nullptr},
+    {PANEL_STATISTICS, "statistics", "Communication statistics", nullptr},
+    {PANEL_TRACE, "trace", "Wire trace", nullptr},
+    {PANEL_VAR_SELECTOR, "var_selector", "Variables", nullptr},
+    {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", nullptr},
+    {PANEL_SCOPE, "scope", "Data scope", nullptr},
+    {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
+    {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
+    {PANEL_CONFIG_EDIT, "config_edit", "Device configuration editor", nullptr},
+    {PANEL_DEBUGGER, "debugger", "Debugger", nullptr},
+    {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
+    {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
+};
+const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
+
+const UI_Control UI_aControls[] = {
+    {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", nullptr},
+    {PANEL_MAIN, MAIN_TIMER, UIK_TIMER, "timer", timerCB},
+    {PANEL_MAIN, MAIN_COMM, UIK_SWITCH, "comm", CommSwitchCB},
+    {PANEL_MAIN, MAIN_STOPPED, UIK_LED, "stopped", nullptr},
+    {PANEL_MAIN, MAIN_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_MAIN, MAIN_STATUS, UIK_TEXT, "status", nullptr},
+    {PANEL_MAIN, MAIN_LED_MAPFILE, UIK_LED, "ledMapFile", nullptr},
+    {PANEL_MAIN, MAIN_LED_MAPMEM, UIK_LED, "ledMapMemory", nullptr},
+    {PANEL_MAIN, MAIN_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_MAIN, MAIN_BTN_RELOAD, UIK_BUTTON, "reload", RldDbgBtnCB},
+    {PANEL_MAIN, MAIN_BTN_EDIT, UIK_BUTTON, "edit", DbgFileBtnCB},
+    {PANEL_MAIN, MAIN_BTN_MAP, UIK_BUTTON, "reloadMap", MapBtnCB},
+    {PANEL_MAIN, MAIN_BTN_SAVE, UIK_BUTTON, "save", SaveDbgBtnCB},
+    {PANEL_MAIN, MAIN_MEM_BOX, UIK_TEXTBOX, "memBox", nullptr},
+    {PANEL_MAIN, MAIN_MEM_SWITCH, UIK_SWITCH, "memSwitch", nullptr},
+    {PANEL_MAIN, MAIN_MEM_ADDR, UIK_STRING, "memAddress", nullptr},
+    {PANEL_MAIN, MAIN_MEM_TYPED, UIK_SWITCH, "memTyped", nullptr},
+    {PANEL_MAIN, MAIN_MEM_MODE, UIK_RING, "memMode", nullptr},
+    {PANEL_MAIN, MAIN_FM_SWITCH, UIK_SWITCH, "fmSwitch", nullptr},
+    {PANEL_MAIN, MAIN_FM_SAMPLES, UIK_NUMBER, "fmSamples", nullptr},
+    {PANEL_MAIN, MAIN_FM_FREQ, UIK_TEXT, "fmFrequency", nullptr},
+    {PANEL_MAIN, MAIN_FM_PERIOD, UIK_TEXT, "fmPeriod", nullptr},
+
+    {PANEL_CONSOLE, CONSOLE_BOX, UIK_TEXTBOX, "box", nullptr},
+    {PANEL_CONSOLE, CONSOLE_PROMPT, UIK_TEXT, "prompt", nullptr},
+    {PANEL_CONSOLE, CONSOLE_INPUT, UIK_STRING, "input", StrinCB},
+};
+const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];

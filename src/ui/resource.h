@@ -1,0 +1,114 @@
+// Resource numbers: panels, controls and menu items. The numbers are part of the
+// program's contract with its panels; names follow the panel they belong to.
+#ifndef UI_RESOURCE_H
+#define UI_RESOURCE_H
+
+enum {
+    PANEL_ITEM = 1,         // adding and editing a watch item
+    PANEL_CONFIG_EDIT = 2,  // device configuration editor
+    PANEL_VALUE = 4,        // value editor
+    PANEL_MEMORY = 5,       // second value editor: a range of memory
+    PANEL_STATISTICS = 6,   // communication statistics
+    PANEL_CONFIG = 8,       // device configuration
+    PANEL_DEBUGGER = 9,
+    PANEL_CONSOLE = 11,
+    PANEL_MAIN = 13,
+    PANEL_TRACE = 15,       // wire trace
+    PANEL_TERMINAL_ENTRY = 16,
+    PANEL_SCOPE = 17,
+    PANEL_STRUCT_SELECTOR = 18,
+    PANEL_VAR_SELECTOR = 19,
+    PANEL_SIMULATOR = 22,
+    PANEL_TERMINAL = 24,
+};
+
+// Main panel.
+enum {
+    MAIN_LIST = 1,          // the watch list
+    MAIN_TIMER = 2,
+    MAIN_COMM = 3,          // communication switch
+    MAIN_STOPPED = 4,       // indicator: communication is off
+    MAIN_STATE = 5,         // state line, two rows
+    MAIN_STATUS = 6,        // RUN, Error, Error TMS
+    MAIN_LED_MAPFILE = 7,
+    MAIN_LED_MAPMEM = 8,
+    MAIN_MESSAGE = 9,       // message area
+    MAIN_BTN_RELOAD = 10,   // reload the debug file
+    MAIN_BTN_EDIT = 11,     // debug file in the user's editor
+    MAIN_BTN_MAP = 12,      // reload the map file
+    MAIN_BTN_SAVE = 13,     // save the debug file
+    MAIN_MEM_BOX = 14,
+    MAIN_MEM_SWITCH = 15,
+    MAIN_MEM_ADDR = 16,     // hexadecimal
+    MAIN_MEM_TYPED = 17,    // 0 bytes, 1 typed by the selected item
+    MAIN_MEM_MODE = 18,     // 0 C166, 1 TMS320
+    MAIN_FM_SWITCH = 19,    // frequency meter
+    MAIN_FM_SAMPLES = 20,
+    MAIN_FM_FREQ = 21,
+    MAIN_FM_PERIOD = 22,
+};
+
+// Console panel.
+enum {
+    CONSOLE_BOX = 1,
+    CONSOLE_PROMPT = 2,
+    CONSOLE_INPUT = 3,
+};
+
+// Menus (bar and submenus).
+enum {
+    MENU_FILE = 2,
+    MENU_EDIT = 3,
+    MENU_OPTIONS = 4,
+    MENU_BAUD = 5,
+    MENU_PORT = 6,
+    MENU_STATION = 7,
+    MENU_PROCESSOR = 8,
+    MENU_PROTOCOL = 9,
+    MENU_WINDOW = 10,
+    MENU_HELP = 11,
+};
+
+// Menu items; a name space of their own.
+enum {
+    ITEM_OPEN = 1,
+    ITEM_RELOAD_MAP = 2,    // nothing to reload until a map was read
+    ITEM_SAVE = 3,
+    ITEM_SAVE_AS = 4,
+    ITEM_RELOAD = 5,
+    ITEM_EDIT_FILE = 6,
+    ITEM_OPEN_MAP = 7,
+    ITEM_OPEN_TYPE_MAP = 8,
+    ITEM_RECENT_END = 19,   // recent files stand before this separator
+    ITEM_EXIT = 20,
+    ITEM_CONNECT = 21,      // communication on or off
+    ITEM_BAUD_FIRST = 24,   // 9600, 19200, 38400, 57600, 115200
+    ITEM_BAUD_LAST = 28,
+    ITEM_PORT_FIRST = 31,   // COM1 to COM9
+    ITEM_PORT_OTHER = 40,
+    ITEM_STATION_FIRST = 43, // 0 to 15
+    ITEM_STATION_LAST = 58,
+    ITEM_CPU_C166 = 61,
+    ITEM_CPU_C167 = 62,
+    ITEM_CPU_F283XX = 63,
+    ITEM_CPU_F2803X = 64,
+    ITEM_MR166 = 67,
+    ITEM_MODBUS = 68,
+    ITEM_AUTO_OFF = 69,
+    ITEM_COM_WIN32 = 70,
+    ITEM_UNDO = 73,         // undo of the last removal; nothing to undo at start
+    ITEM_WATCH_VIEW = 74,
+    ITEM_CONSOLE_VIEW = 75,
+    ITEM_STATISTICS = 76,
+    ITEM_TERMINAL = 77,
+    ITEM_SCOPE = 78,
+    ITEM_CONFIG = 79,
+    ITEM_DEBUGGER = 80,
+    ITEM_SIMULATOR = 81,
+    ITEM_TRACE = 82,
+    ITEM_HELP = 85,
+    ITEM_ABOUT = 86,
+    ITEM_CLOSE_PORT = 87,   // no port is open at start
+};
+
+#endif

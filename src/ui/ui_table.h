@@ -1,0 +1,64 @@
+// The one table that ties panels, controls and menu items to numbers, names and
+// callbacks. Both faces read it: a wrong number fails in either.
+// To add a control: give it a number in resource.h, a row in panels.cpp and a widget
+// of that object name in panels/. To add a menu item: a number and a row in menus.cpp.
+#ifndef UI_UI_TABLE_H
+#define UI_UI_TABLE_H
+
+#include "runtime/userint.h"
+
+enum UI_Kind {
+    UIK_BUTTON,    // push button
+    UIK_SWITCH,    // toggle: 0 or 1
+    UIK_LED,       // indicator: 0 or 1
+    UIK_TEXT,      // a text the program shows
+    UIK_STRING,    // a one-line field
+    UIK_NUMBER,    // a number field
+    UIK_RING,      // a choice; value = the chosen entry's value
+    UIK_LIST,      // a list of lines with a selected one
+    UIK_TEXTBOX,   // many lines
+    UIK_TIMER,     // no widget
+    UIK_DECOR,     // a widget the program only shows, hides or renames
+};
+
+struct UI_Control {
+    int panel;
+    int control;
+    UI_Kind kind;
+    const char *name;      // object name in the panel's Designer file
+    CtrlCallback callback; // may be null
+};
+
+struct UI_Panel {
+    int panel;
+    const char *name;      // base name of the Designer file
+    const char *title;
+    PanelCallback callback; // may be null
+};
+
+struct UI_Menu {
+    int menu;
+    int parent;            // 0 = in the menu bar, else the menu it is a submenu of
+    const char *text;      // "__" marks the access key
+};
+
+struct UI_MenuItem {
+    int menu;
+    int item;              // 0 = separator
+    const char *text;
+    int shortcut;          // key code or 0
+    MenuCallback callback;
+};
+
+// Ends of the tables as counts. All five tables are constant data.
+extern const UI_Panel UI_aPanels[];
+extern const int UI_cnPanels;
+extern const UI_Control UI_aControls[];
+extern const int UI_cnControls;
+extern const UI_Menu UI_aMenus[];
+extern const int UI_cnMenus;
+extern const UI_MenuItem UI_aMenuItems[]; // in the order in which they stand in each menu
+extern const int UI_cnMenuItems;
+extern const int UI_nMenuPanel; // the panel whose menu bar they form
+
+#endif
