@@ -23,13 +23,13 @@ struct ScanCase {
 const ScanCase SCAN_CASES[] = {
     // quantifiers and their counts
     {"@@6#0-9A-F.", "00C0FFx", 6, "00C0FF"},
-    {"@@6#0-9A-F.", "00C0F", -1, ""},
+    {"@@6#0-9A-F.", "00C0F", -1, "00C0F"},
     {"@@6/1", "1111111", 6, "111111"},
     {"**3#0-9.", "12345", 3, "123"},
     {"**3#0-9.", "abc", 0, ""},
     {"*@3#0-9.", "abc", -1, ""},
     {"*@1#0-9.", "12", 1, "1"},
-    {"@*2#0-9.", "1x", -1, ""},
+    {"@*2#0-9.", "1x", -1, "1"},
     {"@*2#0-9.", "123", 3, "123"},
     {"@@0#0-9.", "123", -1, ""},
     {"@@#0-9.", "123", -1, ""},
@@ -96,10 +96,7 @@ TEST(Xscan, ConsumesAndCopiesWhatThePatternSays)
         EXPECT_EQ(result, c.result < 0 ? -1 : 0);
         EXPECT_EQ(cursor - c.text, c.result < 0 ? 0 : c.result);
         EXPECT_EQ(out - buffer, c.result < 0 ? 0 : c.result);
-        if (c.result >= 0)
-            EXPECT_STREQ(buffer, c.copied);
-        else // at most what the elements before the failing one took
-            EXPECT_EQ(std::strncmp(buffer, c.copied, std::strlen(buffer)), 0) << buffer;
+        EXPECT_STREQ(buffer, c.copied); // without a match: what was taken until then
         cursor = c.text;
         EXPECT_EQ(xscan1(c.pattern, &cursor, nullptr, c.flags), result);
     }

@@ -1,6 +1,7 @@
-// The scanner walks pattern and text once. An element is decoded when its turn comes:
-// a set that stands once is tested member by member, a set that repeats becomes a
-// table of 256 bits on the stack, so that a long run costs one look-up a character.
+// The scanner walks pattern and text once. What a call consumes is one stretch of the
+// text, so matching only finds its end and the copy to the output is made in one go.
+// A set is decoded when its turn comes: into two 64-bit masks that stay in registers,
+// so that a long run costs a shift and a test a character.
 #include "text/xscan.h"
 
 #include <climits>
@@ -9,300 +10,300 @@
 
 namespace {
 
-enum ElementKind : uint8_t {
-    ELEMENT_LITERAL,
-    ELEMENT_BLANK,
-    ELEMENT_SET,
-    ELEMENT_NOT_SET,
-    ELEMENT_ANY,
-    ELEMENT_END_OF_TEXT,
-    ELEMENT_NEVER
-};
+#define SCAN_INLINE inline __attribute__((always_inline))
 
-struct Element {
-    ElementKind kind;
-    unsigned char literal;
-    const char *members; // of a set: its first member
-    const char *next;    // what follows the element; null for a set until it is read
-};
-
-struct Quantifier {
-    int least;
-    int most;
-    bool present;
-};
-
-struct Bits256 {
-    uint64_t word[4] = {0, 0, 0, 0};
-};
-
+constexpr size_t UNBOUNDED = SIZE_MAX;
 constexpr unsigned CASE_DISTANCE = 'a' - 'A';
-constexpr uint64_t UPPER_LETTERS = 0x7FFFFFEull; // "A".."Z" in the second word of a table
+constexpr uint64_t UPPER_LETTERS = 0x7FFFFFEull; // "A".."Z" in the mask of 64..127
 constexpr uint64_t LOWER_LETTERS = UPPER_LETTERS << CASE_DISTANCE;
 
-inline unsigned char asciiUpper(unsigned char c)
-{
-    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - CASE_DISTANCE) : c;
-}
+// The characters of a set below 128 as masks; `wide` when it names others, which are
+// then looked for in the pattern itself.
+struct SetMasks {
+    uint64_t low = 0;  // characters 0..63
+    uint64_t high = 0; // characters 64..127
+    const char *next;  // what follows the set in the pattern
+    bool wide = false;
+};
 
-inline unsigned char asciiLower(unsigned char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + CASE_DISTANCE) : c;
-}
+struct Repeat {
+    size_t least;
+    size_t most;
+};
 
-inline unsigned char byteAt(const char *position)
+SCAN_INLINE unsigned char byteAt(const char *position)
 {
     return static_cast<unsigned char>(*position);
 }
 
-inline bool isBlank(unsigned char c)
+SCAN_INLINE unsigned char asciiUpper(unsigned char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - CASE_DISTANCE) : c;
+}
+
+SCAN_INLINE unsigned char asciiLower(unsigned char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + CASE_DISTANCE) : c;
+}
+
+template <bool FOLD> SCAN_INLINE unsigned char folded(unsigned char c)
+{
+    return FOLD ? asciiUpper(c) : c;
+}
+
+SCAN_INLINE bool isBlank(unsigned char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-// One member of a set, its escape taken off; false where the set ends.
-inline bool readMember(const char **position, unsigned char *member)
+// Calls visit(low, high) for each member or range of the set and returns what follows
+// it. A "-" just before the end of the set has nothing to range to and is a member.
+template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char *p, Visit visit)
 {
-    const char *p = *position;
-    if (*p == '/')
+    for (;;) {
+        unsigned char low = byteAt(p);
+        if (low <= '/') { // rarely more than a plain member
+            if (low == '.')
+                return p + 1;
+            if (low == '/')
+                low = byteAt(++p);
+            if (low == '\0')
+                return p;
+        }
+        low = folded<FOLD>(low);
         ++p;
-    else if (*p == '.')
-        return false;
-    if (*p == '\0') {
-        *position = p;
-        return false;
-    }
-    *member = byteAt(p);
-    *position = p + 1;
-    return true;
-}
-
-// Calls visit(low, high) for each member or range and returns what follows the set.
-// A "-" just before the end of the set has nothing to range to and is a member.
-template <typename Visit> inline const char *readSet(const char *p, bool fold, Visit visit)
-{
-    unsigned char low, high;
-    while (readMember(&p, &low)) {
-        if (fold)
-            low = asciiUpper(low);
         if (*p != '-' || p[1] == '.' || p[1] == '\0') {
             visit(low, low);
             continue;
         }
-        while (*p == '-' && p[1] != '.' && p[1] != '\0') {
+        do { // a further "-" ranges on from the bound reached
             ++p;
-            if (!readMember(&p, &high))
-                high = low;
-            if (fold)
-                high = asciiUpper(high);
+            if (*p == '/')
+                ++p;
+            const unsigned char high = *p != '\0' ? folded<FOLD>(byteAt(p++)) : low;
             visit(low, high);
             low = high;
-        }
+        } while (*p == '-' && p[1] != '.' && p[1] != '\0');
     }
-    return *p == '.' ? p + 1 : p;
 }
 
-// Whether a character that is not the end of the text belongs to the set.
-inline bool testSet(Element *element, unsigned char c, bool fold)
+SCAN_INLINE uint64_t maskBetween(unsigned low, unsigned high)
+{
+    return (~0ull >> (63 - (high - low))) << (low & 63);
+}
+
+template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
+{
+    SetMasks set;
+    set.next = readSet<FOLD>(members, [&set](unsigned low, unsigned high) {
+        if (low > high)
+            return;
+        set.wide |= high > 127;
+        if (high < 64) {
+            set.low |= maskBetween(low, high);
+        } else if (low >= 64 && high < 128) {
+            set.high |= maskBetween(low, high);
+        } else if (low < 64) {
+            set.low |= maskBetween(low, 63);
+            set.high |= maskBetween(64, high < 128 ? high : 127);
+        }
+    });
+    if (FOLD) // each lower-case letter answers as its upper-case one
+        set.high = (set.high & ~LOWER_LETTERS) | (set.high & UPPER_LETTERS) << CASE_DISTANCE;
+    return set;
+}
+
+// Whether one character that is not the end of the text is named by the set.
+template <bool FOLD>
+SCAN_INLINE bool isMember(const char *members, unsigned char c, const char **next)
 {
     bool found = false;
-    if (fold)
-        c = asciiUpper(c);
-    element->next = readSet(element->members, fold, [&](unsigned char low, unsigned char high) {
+    c = folded<FOLD>(c);
+    *next = readSet<FOLD>(members, [&found, c](unsigned char low, unsigned char high) {
         found |= c >= low && c <= high;
     });
     return found;
 }
 
-inline void setRange(Bits256 *bits, unsigned low, unsigned high)
+// Number of characters from `text` on, at most `most`, that satisfy `matches`, which
+// must refuse the end of the text.
+template <typename Matches>
+SCAN_INLINE size_t countWhile(const char *text, size_t most, Matches matches)
 {
-    if (low == high) {
-        bits->word[low >> 6] |= 1ull << (low & 63);
-        return;
-    }
-    if (low > high)
-        return;
-    for (unsigned word = low >> 6; word <= high >> 6; word++) {
-        uint64_t mask = ~0ull;
-        if (word == low >> 6)
-            mask &= ~0ull << (low & 63);
-        if (word == high >> 6)
-            mask &= ~0ull >> (63 - (high & 63));
-        bits->word[word] |= mask;
-    }
+    size_t count = 0;
+    while (count < most && matches(byteAt(text + count)))
+        ++count;
+    return count;
 }
 
-// The characters a set element matches, case folding and negation worked in: the end of
-// the text is never among them.
-inline void tabulateSet(Element *element, bool fold, Bits256 *bits)
+// Sets of one plain range, such as "0-9", are most of all sets.
+SCAN_INLINE bool isOneRange(const char *members)
 {
-    element->next = readSet(element->members, fold, [&](unsigned char low, unsigned char high) {
-        setRange(bits, low, high);
+    return members[0] > '/' && members[1] == '-' && members[2] > '/' && members[3] == '.';
+}
+
+template <bool FOLD>
+SCAN_INLINE size_t countSet(const char **pattern, const char *text, size_t most, bool negated)
+{
+    const char *members = *pattern + 1;
+    if (!negated && isOneRange(members)) {
+        const unsigned char low = folded<FOLD>(byteAt(members));
+        const unsigned char high = folded<FOLD>(byteAt(members + 2));
+        *pattern = members + 4;
+        return countWhile(text, most, [low, high](unsigned char c) {
+            return folded<FOLD>(c) >= low && folded<FOLD>(c) <= high;
+        });
+    }
+    if (isMember<FOLD>(members, byteAt(text), pattern) == negated || *text == '\0')
+        return 0; // often the end of it, and cheaper to find out than the masks
+    const SetMasks set = readMasks<FOLD>(members);
+    *pattern = set.next;
+    if (set.wide)
+        return countWhile(text, most, [members, negated](unsigned char c) {
+            const char *next;
+            return c != '\0' && isMember<FOLD>(members, c, &next) != negated;
+        });
+    const uint64_t flip = negated ? ~0ull : 0;
+    const uint64_t low = (set.low ^ flip) & ~1ull;
+    const uint64_t high = set.high ^ flip;
+    return countWhile(text, most, [low, high, negated](unsigned char c) {
+        const uint64_t mask = c < 64 ? low : high;
+        return c < 128 ? (mask >> (c & 63) & 1) != 0 : negated;
     });
-    if (fold) { // each lower-case letter answers as its upper-case one
-        uint64_t letters = bits->word[1];
-        bits->word[1] = (letters & ~LOWER_LETTERS) | ((letters & UPPER_LETTERS) << CASE_DISTANCE);
-    }
-    if (element->kind == ELEMENT_NOT_SET) {
-        for (uint64_t &word : bits->word)
-            word = ~word;
-    }
-    bits->word[0] &= ~1ull;
 }
 
-inline Element readElement(const char *p, bool fold)
+// Repetitions of the element at *pattern, which is advanced past it. The end of the text
+// never counts as one.
+template <bool FOLD>
+SCAN_INLINE size_t countElement(const char **pattern, const char *text, size_t most)
 {
-    Element element{ELEMENT_LITERAL, byteAt(p), nullptr, p + 1};
+    const char *p = *pattern;
+    unsigned char literal = folded<FOLD>(byteAt(p));
     switch (*p) {
-    case '/':
-        element.literal = byteAt(p + 1);
-        element.kind = element.literal != '\0' ? ELEMENT_LITERAL : ELEMENT_NEVER;
-        element.next = element.literal != '\0' ? p + 2 : p + 1;
-        break;
     case ' ':
-        element.kind = ELEMENT_BLANK;
-        break;
+        *pattern = p + 1;
+        return countWhile(text, most, isBlank);
     case '#':
     case '^':
-        element.members = p + 1;
         if (p[1] != '\0')
-            element.kind = *p == '#' ? ELEMENT_SET : ELEMENT_NOT_SET;
-        else
-            element.kind = *p == '#' ? ELEMENT_END_OF_TEXT : ELEMENT_ANY;
-        break;
-    default: // an escaped letter stays as written, a bare one is folded
-        if (fold)
-            element.literal = asciiUpper(element.literal);
-        break;
-    }
-    return element;
-}
-
-// Whether the element matches one character; the end of the text counts as one here.
-inline bool matchOne(Element *element, unsigned char c, bool fold)
-{
-    switch (element->kind) {
-    case ELEMENT_LITERAL:
-        return (fold ? asciiUpper(c) : c) == element->literal;
-    case ELEMENT_BLANK:
-        return isBlank(c);
-    case ELEMENT_SET:
-        return testSet(element, c, fold) && c != '\0';
-    case ELEMENT_NOT_SET:
-        return !testSet(element, c, fold) && c != '\0';
-    case ELEMENT_ANY:
-        return c != '\0';
-    case ELEMENT_END_OF_TEXT:
-        return c == '\0';
+            return countSet<FOLD>(pattern, text, most, *p == '^');
+        *pattern = p + 1;
+        return *p == '#' ? 0 : countWhile(text, most, [](unsigned char c) { return c != '\0'; });
+    case '/': // an escaped letter stays as written, a bare one is folded
+        literal = byteAt(++p);
+        if (literal == '\0') {
+            *pattern = p;
+            return 0;
+        }
+        [[fallthrough]];
     default:
-        return false;
-    }
-}
-
-// End of the run of matching characters from `text` on, at most `most` of them. The end
-// of the text never counts inside a repetition.
-inline const char *matchRun(Element *element, const char *text, int most, bool fold)
-{
-    // An unbounded run ends at the NUL at the latest, which no element accepts here.
-    const char *limit = nullptr;
-    if (most != INT_MAX) {
-        size_t left = strnlen(text, static_cast<size_t>(most));
-        limit = text + left;
-    }
-    switch (element->kind) {
-    case ELEMENT_LITERAL:
-        while (text != limit &&
-               (fold ? asciiUpper(byteAt(text)) : byteAt(text)) == element->literal)
-            ++text;
-        return text;
-    case ELEMENT_BLANK:
-        while (text != limit && isBlank(byteAt(text)))
-            ++text;
-        return text;
-    case ELEMENT_ANY:
-        return limit != nullptr ? limit : text + std::strlen(text);
-    case ELEMENT_SET:
-    case ELEMENT_NOT_SET: {
-        Bits256 bits;
-        tabulateSet(element, fold, &bits);
-        while (text != limit && (bits.word[byteAt(text) >> 6] >> (byteAt(text) & 63) & 1) != 0)
-            ++text;
-        return text;
-    }
-    default:
-        return text;
+        *pattern = p + 1;
+        return countWhile(text, most,
+                          [literal](unsigned char c) { return folded<FOLD>(c) == literal; });
     }
 }
 
 // The quantifier at *pattern, which is advanced past it. False when its count is missing or 0.
-inline bool readQuantifier(const char **pattern, Quantifier *quantifier)
+SCAN_INLINE bool readRepeat(const char **pattern, Repeat *repeat)
 {
-    const char *p = *pattern;
-    *quantifier = Quantifier{1, 1, false};
-    if (*p != '*' && *p != '@' && *p != '?')
+    const char first = *(*pattern)++;
+    const char second = **pattern;
+    *repeat = Repeat{first == '@' ? size_t{1} : size_t{0}, first == '?' ? size_t{1} : UNBOUNDED};
+    if (first == '?' || (second != '*' && second != '@'))
         return true;
-    quantifier->present = true;
-    const char first = *p++;
-    if (first != '@')
-        quantifier->least = 0;
-    if (first != '?')
-        quantifier->most = INT_MAX;
-    if (first != '?' && (*p == '*' || *p == '@')) {
-        const char second = *p++;
-        const int count = GetLimit(&p);
-        if (count < 1)
-            return false;
-        if (first == '*') { // "*@" at most but at least one, "**" at most
-            quantifier->most = count;
-            quantifier->least = second == '@' ? 1 : 0;
-        } else { // "@@" exactly, "@*" or more
-            quantifier->least = count;
-            quantifier->most = second == '@' ? count : INT_MAX;
-        }
-    }
-    *pattern = p;
+    ++*pattern;
+    const int limit = GetLimit(pattern);
+    if (limit < 1)
+        return false;
+    const size_t count = static_cast<size_t>(limit);
+    if (first == '*') // "*@" at most but at least one, "**" at most
+        *repeat = Repeat{second == '@' ? size_t{1} : size_t{0}, count};
+    else // "@@" exactly, "@*" or more
+        *repeat = Repeat{count, second == '@' ? count : UNBOUNDED};
     return true;
 }
 
-inline void copyOut(char **output, const char *from, const char *to, unsigned flags)
+// One element that stands without a quantifier.
+template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char **text)
 {
-    const size_t length = static_cast<size_t>(to - from);
-    char *out = *output;
-    if ((flags & (XSCAN_UPPER | XSCAN_LOWER)) == 0) {
-        std::memcpy(out, from, length);
-    } else {
-        for (size_t i = 0; i < length; i++) {
-            const unsigned char c = byteAt(from + i);
-            out[i] = static_cast<char>((flags & XSCAN_UPPER) != 0 ? asciiUpper(c) : asciiLower(c));
+    const char *p = *pattern;
+    const unsigned char c = byteAt(*text);
+    unsigned char literal = folded<FOLD>(byteAt(p));
+    switch (*p) {
+    case '#':
+    case '^':
+        if (p[1] != '\0') {
+            if (isMember<FOLD>(p + 1, c, pattern) == (*p == '^') || c == '\0')
+                return false;
+            ++*text;
+            return true;
+        }
+        *pattern = p + 1;
+        if ((c == '\0') == (*p == '^'))
+            return false;
+        *text += c != '\0' ? 1 : 0;
+        return true;
+    case '/':
+        literal = byteAt(++p);
+        if (literal == '\0')
+            return false;
+        [[fallthrough]];
+    default:
+        if (folded<FOLD>(c) != literal)
+            return false;
+        *pattern = p + 1;
+        ++*text;
+        return true;
+    }
+}
+
+// Matches the whole pattern; *text ends behind what was matched, on failure too.
+template <bool FOLD> bool matchPattern(const char *pattern, const char **text)
+{
+    const char *at = *text;
+    bool good = true;
+    while (good && *pattern != '\0') {
+        Repeat repeat{1, UNBOUNDED};
+        switch (*pattern) {
+        case '*':
+        case '@':
+        case '?':
+            if (!readRepeat(&pattern, &repeat)) {
+                good = false;
+                break;
+            }
+            if (*pattern == '\0') // nothing to repeat: the pattern ends here
+                break;
+            [[fallthrough]];
+        case ' ': { // a bare blank takes all blanks there are
+            const size_t count = countElement<FOLD>(&pattern, at, repeat.most);
+            at += count;
+            good = count >= repeat.least;
+            break;
+        }
+        default:
+            good = matchOne<FOLD>(&pattern, &at);
+            break;
         }
     }
-    out[length] = '\0';
-    *output = out + length;
+    *text = at;
+    return good;
 }
 
-// Matches one element with its quantifier: the end of what it took, or null.
-inline const char *matchElement(Element *element, Quantifier quantifier, const char *text,
-                                bool fold)
+char *copyOut(char *output, const char *from, const char *to, unsigned flags)
 {
-    if (!quantifier.present && element->kind == ELEMENT_BLANK) { // stands for all that follow, too
-        quantifier.present = true;
-        quantifier.most = INT_MAX;
+    for (; from != to; ++from, ++output) {
+        const unsigned char c = byteAt(from);
+        if ((flags & XSCAN_UPPER) != 0)
+            *output = static_cast<char>(asciiUpper(c));
+        else
+            *output = static_cast<char>((flags & XSCAN_LOWER) != 0 ? asciiLower(c) : c);
     }
-    if (!quantifier.present) {
-        if (!matchOne(element, byteAt(text), fold))
-            return nullptr;
-        return *text != '\0' ? text + 1 : text;
-    }
-    if (quantifier.most == 1) {
-        if (element->kind != ELEMENT_END_OF_TEXT && matchOne(element, byteAt(text), fold))
-            return text + 1;
-        return quantifier.least == 0 ? text : nullptr;
-    }
-    const char *end = matchRun(element, text, quantifier.most, fold);
-    return end - text >= quantifier.least ? end : nullptr;
+    *output = '\0';
+    return output;
 }
 
-inline int measure(const char *pattern, const char **cursor, char **output, unsigned flags)
+int measure(const char *pattern, const char **cursor, char **output, unsigned flags)
 {
     const char *start = *cursor;
     const int result = xscan1(pattern, cursor, output, flags);
@@ -327,29 +328,16 @@ int GetLimit(const char **position)
 
 int xscan1(const char *pattern, const char **cursor, char **output, unsigned flags)
 {
-    const bool fold = (flags & XSCAN_NOCASE) != 0;
-    const char *text = *cursor;
-    char *out = output != nullptr ? *output : nullptr;
-    if (out != nullptr)
-        *out = '\0';
-    while (*pattern != '\0') {
-        Quantifier quantifier;
-        if (!readQuantifier(&pattern, &quantifier))
-            return -1;
-        if (*pattern == '\0') // a quantifier with nothing to repeat ends the pattern
-            break;
-        Element element = readElement(pattern, fold);
-        const char *end = matchElement(&element, quantifier, text, fold);
-        if (out != nullptr && end != nullptr && end != text)
-            copyOut(&out, text, end, flags);
-        if (end == nullptr)
-            return -1;
-        text = end;
-        pattern = element.next;
-    }
-    *cursor = text;
+    const char *start = *cursor;
+    const char *end = start;
+    const bool matched = (flags & XSCAN_NOCASE) != 0 ? matchPattern<true>(pattern, &end)
+                                                     : matchPattern<false>(pattern, &end);
+    char *outputEnd = output != nullptr ? copyOut(*output, start, end, flags) : nullptr;
+    if (!matched)
+        return -1;
+    *cursor = end;
     if (output != nullptr)
-        *output = out;
+        *output = outputEnd;
     return 0;
 }
 
