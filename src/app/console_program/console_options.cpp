@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-const char CON_szUsage[] =
+const char CPG_szUsage[] =
     "Usage: vireo2-console [-1 ... -4] [-bBAUD] [-sSTATION] [-C] [options] [SCRIPT]\n"
     "\n"
     "With a script: runs it and ends. Otherwise each line of standard input is entered\n"
@@ -29,9 +29,9 @@ const char CON_szUsage[] =
 namespace {
 
 // Puts one option's value (null for a plain flag) into the record. False = bad value.
-typedef bool (*Apply)(CON_Options *options, const char *value);
+typedef bool (*Apply)(CPG_Options *options, const char *value);
 
-bool ApplySweeps(CON_Options *options, const char *value)
+bool ApplySweeps(CPG_Options *options, const char *value)
 {
     char *end = nullptr;
     errno = 0;
@@ -39,12 +39,12 @@ bool ApplySweeps(CON_Options *options, const char *value)
     return errno == 0 && end != value && *end == '\0' && options->sweeps > 0;
 }
 
-bool ApplyFormat(CON_Options *options, const char *value)
+bool ApplyFormat(CPG_Options *options, const char *value)
 {
-    const char *const NAMES[] = {"text", "csv", "json"}; // in the order of CON_Format
+    const char *const NAMES[] = {"text", "csv", "json"}; // in the order of CPG_Format
     for (int i = 0; i < 3; i++)
         if (std::strcmp(value, NAMES[i]) == 0) {
-            options->format = static_cast<CON_Format>(i);
+            options->format = static_cast<CPG_Format>(i);
             return true;
         }
     return false;
@@ -56,24 +56,24 @@ struct LongOption {
     Apply apply;
 };
 const LongOption LONG_OPTIONS[] = {
-    {"help", false, [](CON_Options *o, const char *) { return o->isHelp = true; }},
-    {"version", false, [](CON_Options *o, const char *) { return o->isVersion = true; }},
-    {"full", false, [](CON_Options *o, const char *) { return o->isFull = true; }},
+    {"help", false, [](CPG_Options *o, const char *) { return o->isHelp = true; }},
+    {"version", false, [](CPG_Options *o, const char *) { return o->isVersion = true; }},
+    {"full", false, [](CPG_Options *o, const char *) { return o->isFull = true; }},
     {"yes", false,
-     [](CON_Options *o, const char *) {
+     [](CPG_Options *o, const char *) {
          o->answer = HL_ANSWER_YES;
          return true;
      }},
     {"no", false,
-     [](CON_Options *o, const char *) {
+     [](CPG_Options *o, const char *) {
          o->answer = HL_ANSWER_NO;
          return true;
      }},
-    {"watch", true, [](CON_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
+    {"watch", true, [](CPG_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
     {"sweeps", true, ApplySweeps},
     {"format", true, ApplyFormat},
-    {"trace", true, [](CON_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
-    {"make-archive", true, [](CON_Options *o, const char *v) { return !(o->archive = v).empty(); }},
+    {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
+    {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
 
 const LongOption *FindOption(const std::string &name)
@@ -85,7 +85,7 @@ const LongOption *FindOption(const std::string &name)
 }
 
 // Takes the option at argv[*index]; *index ends on its last argument.
-int TakeOption(int argc, char **argv, int *index, CON_Options *options, std::string *message)
+int TakeOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
 {
     const char *text = argv[*index];
     const char *equals = std::strchr(text, '=');
@@ -109,9 +109,9 @@ int TakeOption(int argc, char **argv, int *index, CON_Options *options, std::str
     return 0;
 }
 
-int CheckTogether(int rest, const CON_Options &options, std::string *message)
+int CheckTogether(int rest, const CPG_Options &options, std::string *message)
 {
-    if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CON_TEXT))
+    if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
         *message = "--sweeps and --format go with --watch";
     else if (!options.watchFile.empty() && rest > 0)
         *message = "--watch and a script exclude each other";
@@ -132,7 +132,7 @@ int CountPlain(int argc, char **argv)
 
 } // namespace
 
-int CON_ParseOptions(int *argc, char **argv, CON_Options *options, std::string *message)
+int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message)
 {
     int kept = 1;
     for (int i = 1; i < *argc; i++) {

@@ -8,16 +8,16 @@
 
 #include "runtime/headless/headless.h"
 
-enum CON_Format { CON_TEXT, CON_CSV, CON_JSON };
+enum CPG_Format { CPG_TEXT, CPG_CSV, CPG_JSON };
 
-struct CON_Options {
+struct CPG_Options {
     bool isHelp = false;
     bool isVersion = false;
     bool isFull = false;
     HL_DefaultAnswer answer = HL_ANSWER_SAFE;
     std::string watchFile; // "" = do not watch
     long sweeps = 0;       // 0 = until interrupted
-    CON_Format format = CON_TEXT;
+    CPG_Format format = CPG_TEXT;
     std::string traceFile;
     std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
@@ -25,8 +25,8 @@ struct CON_Options {
 
 // Fills *options and leaves the other arguments in argc/argv. 0, or -1 and what is
 // wrong in *message.
-int CON_ParseOptions(int *argc, char **argv, CON_Options *options, std::string *message);
+int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message);
 
-extern const char CON_szUsage[];
+extern const char CPG_szUsage[];
 
 #endif

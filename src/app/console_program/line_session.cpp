@@ -57,7 +57,7 @@ void End()
 
 } // namespace
 
-int CON_RunSession()
+int CPG_RunSession()
 {
     const bool isTyped = LNE_IsTerminal();
     std::string line;
@@ -77,7 +77,7 @@ int CON_RunSession()
     return 0;
 }
 
-int CON_RunScript()
+int CPG_RunScript()
 {
     VIR2_StopPeriodicASC();
     return VR_nScriptResult < 0 ? 1 : 0;

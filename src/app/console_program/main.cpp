@@ -15,7 +15,7 @@ constexpr int EXIT_WRONG_OPTION = 2;
 
 int Drive()
 {
-    return VR_isScriptRun ? CON_RunScript() : CON_RunSession();
+    return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
 }
 
 // Written through at once: what was on the wire before a crash is what one looks for.
@@ -26,26 +26,26 @@ void WriteTrace(const std::string &text, void *context)
     std::fflush(file);
 }
 
-int Run(const CON_Options &options, int argc, char **argv)
+int Run(const CPG_Options &options, int argc, char **argv)
 {
     HL_SetDefaultAnswer(options.answer);
     HL_ShowProgress(LNE_IsErrorTerminal());
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
-    CON_SetOptions(options);
+    CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
-    HL_SetDriver(isWatch ? CON_RunWatch : Drive);
+    HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
     if (isWatch)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VR_Main(argc, argv);
     if (VR_isScriptRun)
-        code = CON_RunScript(); // "exit" in a script ends the loop before its driver
+        code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
     std::string message;
     if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && !message.empty())
         std::fprintf(stderr, "%s\n", message.c_str());
     return code < 0 ? 1 : code;
 }
 
-int RunTraced(const CON_Options &options, int argc, char **argv)
+int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
@@ -69,14 +69,14 @@ int RunTraced(const CON_Options &options, int argc, char **argv)
 
 int main(int argc, char **argv)
 {
-    CON_Options options;
+    CPG_Options options;
     std::string message;
-    if (CON_ParseOptions(&argc, argv, &options, &message) < 0) {
+    if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {
         std::fprintf(stderr, "vireo2-console: %s\nTry --help.\n", message.c_str());
         return EXIT_WRONG_OPTION;
     }
     if (options.isHelp) {
-        std::fputs(CON_szUsage, stdout);
+        std::fputs(CPG_szUsage, stdout);
         return 0;
     }
     if (options.isVersion) {

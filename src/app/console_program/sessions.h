@@ -5,9 +5,9 @@
 
 #include "app/console_program/console_options.h"
 
-void CON_SetOptions(const CON_Options &options); // before a driver runs
-int CON_RunScript();                             // a script was run at start: its result
-int CON_RunWatch();                              // the watch list, sweep by sweep
-int CON_RunSession();                            // lines from standard input to the console
+void CPG_SetOptions(const CPG_Options &options); // before a driver runs
+int CPG_RunScript();                             // a script was run at start: its result
+int CPG_RunWatch();                              // the watch list, sweep by sweep
+int CPG_RunSession();                            // lines from standard input to the console
 
 #endif

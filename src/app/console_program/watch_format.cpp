@@ -64,17 +64,17 @@ Row MakeRow(const LItem &item)
 
 std::string CsvLine(const Row &row, long sweep)
 {
-    return std::to_string(sweep) + ',' + CON_QuoteCsv(row.name) + ',' + row.address + ',' +
-           row.type + ',' + std::to_string(row.size) + ',' + CON_QuoteCsv(row.value) + ',' +
+    return std::to_string(sweep) + ',' + CPG_QuoteCsv(row.name) + ',' + row.address + ',' +
+           row.type + ',' + std::to_string(row.size) + ',' + CPG_QuoteCsv(row.value) + ',' +
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
 std::string JsonLine(const Row &row, long sweep)
 {
-    return "{\"sweep\":" + std::to_string(sweep) + ",\"name\":" + CON_QuoteJson(row.name) +
-           ",\"address\":" + CON_QuoteJson(row.address) +
-           ",\"type\":" + CON_QuoteJson(std::string(1, row.type)) +
-           ",\"size\":" + std::to_string(row.size) + ",\"value\":" + CON_QuoteJson(row.value) +
+    return "{\"sweep\":" + std::to_string(sweep) + ",\"name\":" + CPG_QuoteJson(row.name) +
+           ",\"address\":" + CPG_QuoteJson(row.address) +
+           ",\"type\":" + CPG_QuoteJson(std::string(1, row.type)) +
+           ",\"size\":" + std::to_string(row.size) + ",\"value\":" + CPG_QuoteJson(row.value) +
            ",\"raw\":" + (row.raw.empty() ? "null" : row.raw) +
            ",\"error\":" + (row.isError ? "1" : "0") + "}\n";
 }
@@ -123,7 +123,7 @@ size_t Utf8Length(const std::string &text, size_t at)
 
 } // namespace
 
-std::string CON_QuoteCsv(const std::string &text)
+std::string CPG_QuoteCsv(const std::string &text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos)
         return text;
@@ -133,7 +133,7 @@ std::string CON_QuoteCsv(const std::string &text)
     return quoted + '"';
 }
 
-std::string CON_QuoteJson(const std::string &text)
+std::string CPG_QuoteJson(const std::string &text)
 {
     std::string quoted = "\"";
     for (size_t i = 0; i < text.size();) {
@@ -154,22 +154,22 @@ std::string CON_QuoteJson(const std::string &text)
     return quoted + '"';
 }
 
-std::string CON_FormatHeader(CON_Format format)
+std::string CPG_FormatHeader(CPG_Format format)
 {
-    return format == CON_CSV ? "sweep,name,address,type,size,value,raw,error\n" : "";
+    return format == CPG_CSV ? "sweep,name,address,type,size,value,raw,error\n" : "";
 }
 
-std::string CON_FormatSweep(CON_Format format, long sweep)
+std::string CPG_FormatSweep(CPG_Format format, long sweep)
 {
     std::string text;
-    if (format == CON_TEXT)
+    if (format == CPG_TEXT)
         text = (sweep > 1 ? "\nSweep " : "Sweep ") + std::to_string(sweep) + '\n';
     const size_t width = NameWidth();
     for (int i = 0; i < nLItems; i++) {
         const Row row = MakeRow(aLItems[i]);
-        if (format == CON_CSV)
+        if (format == CPG_CSV)
             text += CsvLine(row, sweep);
-        else if (format == CON_JSON)
+        else if (format == CPG_JSON)
             text += JsonLine(row, sweep);
         else
             text += TextLine(row, width);

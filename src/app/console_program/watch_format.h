@@ -6,13 +6,13 @@
 
 #include "app/console_program/console_options.h"
 
-std::string CON_QuoteCsv(const std::string &text); // quoted only where CSV asks for it
+std::string CPG_QuoteCsv(const std::string &text); // quoted only where CSV asks for it
 // A JSON string with its quotes. Bytes that are no UTF-8 count as Latin-1.
-std::string CON_QuoteJson(const std::string &text);
+std::string CPG_QuoteJson(const std::string &text);
 
 // What stands once before the first sweep ("" for most formats).
-std::string CON_FormatHeader(CON_Format format);
+std::string CPG_FormatHeader(CPG_Format format);
 // All items as they are in aLItems now, one line each.
-std::string CON_FormatSweep(CON_Format format, long sweep);
+std::string CPG_FormatSweep(CPG_Format format, long sweep);
 
 #endif

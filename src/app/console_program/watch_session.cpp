@@ -11,7 +11,7 @@
 
 namespace {
 
-CON_Options options;
+CPG_Options options;
 volatile std::sig_atomic_t isInterrupted = 0;
 
 void OnSignal(int)
@@ -75,10 +75,10 @@ bool ReadAll()
 
 int Follow()
 {
-    if (!Print(CON_FormatHeader(options.format)))
+    if (!Print(CPG_FormatHeader(options.format)))
         return 1;
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
-        if (ReadAll() && !Print(CON_FormatSweep(options.format, sweep)))
+        if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
         if (IsInterrupted())
             return 0;
@@ -92,12 +92,12 @@ int Follow()
 
 } // namespace
 
-void CON_SetOptions(const CON_Options &newOptions)
+void CPG_SetOptions(const CPG_Options &newOptions)
 {
     options = newOptions;
 }
 
-int CON_RunWatch()
+int CPG_RunWatch()
 {
     std::signal(SIGINT, OnSignal);
     std::signal(SIGTERM, OnSignal);
