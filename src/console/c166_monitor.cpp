@@ -14,7 +14,6 @@
 #include "console/word.h"
 
 uint32_t dwAddr = 0;
-extern bool VR_isFullCommandSet;
 
 namespace {
 
