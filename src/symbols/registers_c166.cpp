@@ -7,9 +7,9 @@
     }
 
 static const RegisterRow commonRows[] = {
-    {"DPP0", 0xFE00}, {"DPP1", 0xFE02},  {"DPP2", 0xFE04},  {"DPP3", 0xFE06}, {"CSP", 0xFE08},
-    {"MDH", 0xFE0C},  {"MDL", 0xFE0E},   {"CP", 0xFE10},    {"SP", 0xFE12},   {"STKOV", 0xFE14},
-    {"STKUN", 0xFE16},
+    {"DPP0", 0xFE00}, {"DPP1", 0xFE02},  {"DPP2", 0xFE04},  {"DPP3", 0xFE06},
+    {"CSP", 0xFE08},  {"MDH", 0xFE0C},   {"MDL", 0xFE0E},   {"CP", 0xFE10},
+    {"SP", 0xFE12},   {"STKOV", 0xFE14}, {"STKUN", 0xFE16},
 };
 static const RegisterRow c166Rows[] = {{"MDC", 0xFF0E}};
 static const RegisterRow c167Rows[] = {{"MDC", 0xFF0E}};

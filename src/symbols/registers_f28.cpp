@@ -1,8 +1,8 @@
 // Peripheral registers of the TMS320F283xx and F2803x by 16-bit word address.
 #include "symbols/registers.h"
 
-static const RegisterRow timerRows[] = {{"TIM", 0}, {"TIMH", 1},  {"PRD", 2}, {"PRDH", 3},
-                                        {"TCR", 4}, {"TPR", 6}, {"TPRH", 7}};
+static const RegisterRow timerRows[] = {{"TIM", 0}, {"TIMH", 1}, {"PRD", 2}, {"PRDH", 3},
+                                        {"TCR", 4}, {"TPR", 6},  {"TPRH", 7}};
 #define TABLE_OF(rows)                                                                             \
     {                                                                                              \
         rows, static_cast<int>(sizeof rows / sizeof rows[0])                                       \
