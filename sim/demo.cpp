@@ -33,6 +33,8 @@ constexpr uint32_t CURVE_POINTS = 16;
 constexpr uint32_t TABLE_POINTER = 0x81C4;
 constexpr uint32_t FAR_LOG = 0x20000;
 constexpr uint32_t FAR_LOG_BYTES = 256;
+constexpr uint32_t GAMMA = 0x30000;
+constexpr uint32_t GAMMA_POINTS = 16;
 constexpr uint32_t DPP = 0xFE00;
 
 enum TmsWord : uint32_t {
@@ -143,6 +145,8 @@ void initArrays(SIM_Station *station, int number)
         SIM_SetValue(station, TABLE + 2 * i, 2, i * i);
     for (uint32_t i = 0; i < CURVE_POINTS; i++)
         SIM_SetFloat(station, CURVE + 4 * i, 0.25F * static_cast<float>(i));
+    for (uint32_t i = 0; i < GAMMA_POINTS; i++)
+        SIM_SetFloat(station, GAMMA + 4 * i, std::pow(static_cast<float>(i) / 15, 2.2F));
     for (uint32_t i = 0; i < FAR_LOG_BYTES; i++)
         SIM_SetValue(station, FAR_LOG + i, 1, i);
 }

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <fstream>
 #include <poll.h>
 #include <string>
 #include <unistd.h>
@@ -233,23 +234,35 @@ TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
                                  "100201005278\x03"); // stays busy
 }
 
+// Address of a public symbol in the example map, so that map and target stay together.
+uint32_t addressOf(const std::string &name)
+{
+    std::ifstream map(EXAMPLES_DIR "/demo.m66");
+    std::string line;
+    while (std::getline(map, line))
+        if (line.size() > 46 && line.substr(9, name.size() + 1) == name + " ")
+            return static_cast<uint32_t>(std::stoul(line, nullptr, 16));
+    ADD_FAILURE() << name << " is not in the map";
+    return 0;
+}
+
 TEST_F(SimTest, DemoVariablesMoveAndFollowTheirSetPoints)
 {
     start({});
     uint32_t first = 0, later = 0;
-    SIM_Peek(target, 0, 0x8004, &first, 4);
+    SIM_Peek(target, 0, addressOf("dwCount"), &first, 4);
     do
-        SIM_Peek(target, 0, 0x8004, &later, 4);
+        SIM_Peek(target, 0, addressOf("dwCount"), &later, 4);
     while (later == first);
     EXPECT_GT(later, first);
     const uint16_t gain = 0;
     const int16_t offset = -321;
     int16_t output = 0;
-    SIM_Poke(target, 3, 0x8100, &gain, 2);
-    SIM_Poke(target, 3, 0x810C, &offset, 2);
-    SIM_Peek(target, 3, 0x8034, &output, 2);
+    SIM_Poke(target, 3, addressOf("wGain"), &gain, 2);
+    SIM_Poke(target, 3, addressOf("nOffset"), &offset, 2);
+    SIM_Peek(target, 3, addressOf("nOutput"), &output, 2);
     EXPECT_EQ(output, offset);
-    SIM_Peek(target, 4, 0x810C, &output, 2); // another station keeps its own
+    SIM_Peek(target, 4, addressOf("nOffset"), &output, 2); // another station keeps its own
     EXPECT_EQ(output, 0);
     EXPECT_EQ(SIM_PeekTMS(target, 0, 0x404), 0x00400000U); // 1.5 in the TMS320's format
 }
