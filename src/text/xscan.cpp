@@ -87,30 +87,36 @@ template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char 
     }
 }
 
+// Bits low..high of one word; the upper power of two wraps to 0 above bit 63.
 SCAN_INLINE uint64_t maskBetween(unsigned low, unsigned high)
 {
-    return (~0ull >> (63 - (high - low))) << (low & 63);
+    return (2ull << (high & 63)) - (1ull << (low & 63));
 }
 
 template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
 {
     SetMasks set;
     set.next = readSet<FOLD>(members, [&set](unsigned low, unsigned high) {
-        if (low > high)
-            return;
-        set.wide |= high > 127;
-        if (high < 64) {
-            set.low |= maskBetween(low, high);
-        } else if (low >= 64 && high < 128) {
-            set.high |= maskBetween(low, high);
-        } else if (low < 64) {
-            set.low |= maskBetween(low, 63);
-            set.high |= maskBetween(64, high < 128 ? high : 127);
+        const uint64_t mask = maskBetween(low, high);
+        if (low <= high && high < 64) {
+            set.low |= mask;
+        } else if (low <= high && low >= 64 && high < 128) {
+            set.high |= mask;
+        } else if (low <= high) { // over the border between the masks, or beyond them
+            set.wide |= high > 127;
+            set.low |= low < 64 ? maskBetween(low, 63) : 0;
+            set.high |= low < 64 ? maskBetween(64, high < 128 ? high : 127) : 0;
         }
     });
     if (FOLD) // each lower-case letter answers as its upper-case one
         set.high = (set.high & ~LOWER_LETTERS) | (set.high & UPPER_LETTERS) << CASE_DISTANCE;
     return set;
+}
+
+// Sets of one plain range, such as "0-9", are most of all sets.
+SCAN_INLINE bool isOneRange(const char *members)
+{
+    return members[0] > '/' && members[1] == '-' && members[2] > '/' && members[3] == '.';
 }
 
 // Whether one character that is not the end of the text is named by the set.
@@ -119,6 +125,10 @@ SCAN_INLINE bool isMember(const char *members, unsigned char c, const char **nex
 {
     bool found = false;
     c = folded<FOLD>(c);
+    if (isOneRange(members)) {
+        *next = members + 4;
+        return c >= folded<FOLD>(byteAt(members)) && c <= folded<FOLD>(byteAt(members + 2));
+    }
     *next = readSet<FOLD>(members, [&found, c](unsigned char low, unsigned char high) {
         found |= c >= low && c <= high;
     });
@@ -136,37 +146,31 @@ SCAN_INLINE size_t countWhile(const char *text, size_t most, Matches matches)
     return count;
 }
 
-// Sets of one plain range, such as "0-9", are most of all sets.
-SCAN_INLINE bool isOneRange(const char *members)
-{
-    return members[0] > '/' && members[1] == '-' && members[2] > '/' && members[3] == '.';
-}
-
 template <bool FOLD>
-SCAN_INLINE size_t countSet(const char **pattern, const char *text, size_t most, bool negated)
+SCAN_INLINE size_t countSet(const char **pattern, const char *text, Repeat repeat, bool negated)
 {
     const char *members = *pattern + 1;
     if (!negated && isOneRange(members)) {
         const unsigned char low = folded<FOLD>(byteAt(members));
         const unsigned char high = folded<FOLD>(byteAt(members + 2));
         *pattern = members + 4;
-        return countWhile(text, most, [low, high](unsigned char c) {
+        return countWhile(text, repeat.most, [low, high](unsigned char c) {
             return folded<FOLD>(c) >= low && folded<FOLD>(c) <= high;
         });
     }
-    if (isMember<FOLD>(members, byteAt(text), pattern) == negated || *text == '\0')
-        return 0; // often the end of it, and cheaper to find out than the masks
+    if (repeat.least > 0 && isMember<FOLD>(members, byteAt(text), pattern) == negated)
+        return 0; // a failure is cheaper to find out than the masks
     const SetMasks set = readMasks<FOLD>(members);
     *pattern = set.next;
     if (set.wide)
-        return countWhile(text, most, [members, negated](unsigned char c) {
+        return countWhile(text, repeat.most, [members, negated](unsigned char c) {
             const char *next;
             return c != '\0' && isMember<FOLD>(members, c, &next) != negated;
         });
     const uint64_t flip = negated ? ~0ull : 0;
     const uint64_t low = (set.low ^ flip) & ~1ull;
     const uint64_t high = set.high ^ flip;
-    return countWhile(text, most, [low, high, negated](unsigned char c) {
+    return countWhile(text, repeat.most, [low, high, negated](unsigned char c) {
         const uint64_t mask = c < 64 ? low : high;
         return c < 128 ? (mask >> (c & 63) & 1) != 0 : negated;
     });
@@ -175,20 +179,21 @@ SCAN_INLINE size_t countSet(const char **pattern, const char *text, size_t most,
 // Repetitions of the element at *pattern, which is advanced past it. The end of the text
 // never counts as one.
 template <bool FOLD>
-SCAN_INLINE size_t countElement(const char **pattern, const char *text, size_t most)
+SCAN_INLINE size_t countElement(const char **pattern, const char *text, Repeat repeat)
 {
     const char *p = *pattern;
     unsigned char literal = folded<FOLD>(byteAt(p));
     switch (*p) {
     case ' ':
         *pattern = p + 1;
-        return countWhile(text, most, isBlank);
+        return countWhile(text, repeat.most, isBlank);
     case '#':
     case '^':
         if (p[1] != '\0')
-            return countSet<FOLD>(pattern, text, most, *p == '^');
+            return countSet<FOLD>(pattern, text, repeat, *p == '^');
         *pattern = p + 1;
-        return *p == '#' ? 0 : countWhile(text, most, [](unsigned char c) { return c != '\0'; });
+        return *p == '#' ? 0
+                         : countWhile(text, repeat.most, [](unsigned char c) { return c != '\0'; });
     case '/': // an escaped letter stays as written, a bare one is folded
         literal = byteAt(++p);
         if (literal == '\0') {
@@ -198,7 +203,7 @@ SCAN_INLINE size_t countElement(const char **pattern, const char *text, size_t m
         [[fallthrough]];
     default:
         *pattern = p + 1;
-        return countWhile(text, most,
+        return countWhile(text, repeat.most,
                           [literal](unsigned char c) { return folded<FOLD>(c) == literal; });
     }
 }
@@ -276,7 +281,7 @@ template <bool FOLD> bool matchPattern(const char *pattern, const char **text)
                 break;
             [[fallthrough]];
         case ' ': { // a bare blank takes all blanks there are
-            const size_t count = countElement<FOLD>(&pattern, at, repeat.most);
+            const size_t count = countElement<FOLD>(&pattern, at, repeat);
             at += count;
             good = count >= repeat.least;
             break;
