@@ -9,22 +9,28 @@
 #include <string>
 
 struct SIM_Options {
-    int baud = 0;          // 0 = as fast as the machine; else pace every character (11 bits)
-    bool echo = false;     // the line echoes what is sent (two-wire RS-485)
-    double drop = 0;       // share of answers that are not sent, 0..1
-    double corrupt = 0;    // share of answers with one damaged character, 0..1
-    int delayMs = 0;       // wait before each answer
-    long silentAfter = -1; // no answers after so many; -1 = never
-    uint32_t seed = 1;     // of the faults
-    bool demo = true;      // live demo variables and the TMS mailbox
-    bool mailbox = true;   // the TMS320 behind the station answers; false = stays busy
+    int baud = 0;               // 0 = as fast as the machine; else pace every character (11 bits)
+    bool echo = false;          // the line echoes what is sent (two-wire RS-485)
+    double drop = 0;            // share of answers that are not sent, 0..1
+    double corrupt = 0;         // share of answers with one damaged character, 0..1
+    int delayMs = 0;            // wait before each answer
+    long silentAfter = -1;      // no answers after so many; -1 = never
+    uint32_t seed = 1;          // of the faults
+    bool demo = true;           // live demo variables at the addresses of examples/demo.m66
+    bool mailbox = true;        // the TMS320 behind a station answers; false = stays busy
     uint32_t stations = 0xFFFF; // bit n: station n answers
-    std::string link;      // symbolic link to the device, "" = none
-    std::string log;       // file that gets one line a request, "" = none
+    std::string link;           // symbolic link to the device, "" = none
+    std::string log;            // file that gets one line a request, "" = none
 };
 
 struct SIM_Target;
 
+// Commands: 0 reads up to 64 bytes, 8 writes up to 16, 4 stores its word; 1 to 4 answer the
+// word that then stands at the address, the others answer without data. More bytes than
+// that are answered with error code 65. Frames with a wrong check value or shape (also a
+// write whose padding is not A5) and requests to absent stations are not answered. A write
+// of the command byte at 3C000h is carried out by the TMS320 before its answer.
+//
 // Null when no pseudo terminal can be had (message in *error).
 SIM_Target *SIM_Start(const SIM_Options &options, std::string *error);
 void SIM_Stop(SIM_Target *target); // also removes the link; frees target
@@ -44,9 +50,9 @@ void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
 void SIM_SetErrorCode(SIM_Target *target, int command, int code);
 
 struct SIM_Counters {
-    uint64_t requests = 0;  // well-formed requests to a station that exists
-    uint64_t answers = 0;   // sent undamaged
-    uint64_t dropped = 0;
+    uint64_t requests = 0; // well-formed requests to a station that exists
+    uint64_t answers = 0;  // sent undamaged
+    uint64_t dropped = 0;  // not sent, by chance or because the target fell silent
     uint64_t corrupted = 0;
     uint64_t malformed = 0; // frames with a wrong check value or shape
 };

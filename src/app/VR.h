@@ -23,15 +23,17 @@ extern int32_t Option_AutoOff;  // switch communication off after repeated error
 extern int32_t Option_ComWin32; // 1 = Win32 driver, 0 = the run-time's RS-232 library
 extern int32_t VR_enAppMode;    // MODE_...
 extern std::string VR_szVersion;
-extern int32_t isTimer;         // communication switched on
-extern int32_t oldTimer;        // isTimer to restore when the console view is left
-extern int32_t oldHeight;       // last accepted height of the main panel
-extern int32_t IsDBGChange;     // the watch list has unsaved changes
+extern int32_t isTimer;     // communication switched on
+extern int32_t oldTimer;    // isTimer to restore when the console view is left
+extern int32_t oldHeight;   // last accepted height of the main panel
+extern int32_t IsDBGChange; // the watch list has unsaved changes
 extern std::string szDebugFileName;
 extern std::array<std::string, RECENT_MAX> szaDebugFileNames; // newest first
 extern int32_t nDebugFileNames;
 extern std::string szMapFileName;
 extern int mainPanel, consolePanel; // handles, 0 before start-up
+extern bool VR_isFullCommandSet;    // every console command is admitted, not only the short list
+extern bool VR_isFullOnce;          // ... by an option of this run: not kept in the settings
 
 // --- start and end ---------------------------------------------------------------
 // Everything up to the event loop. 0, or -1 when the run-time or a panel fails.
@@ -43,7 +45,9 @@ extern bool VR_isScriptRun;
 extern int VR_nScriptResult;
 
 int GetCmdLineOptions(int argc, char **argv); // index of the first non-option
+// Fills VR_szVersion; "" when the version block cannot be read. The path is not used.
 void GetVRVersion(const char *programPath);
+const char *VR_GetBuildVersion(); // of this program: "1.2.3"
 
 struct VR_DllFn {
     const char *name;
@@ -55,6 +59,7 @@ void *VR_GetDllFn(const char *name, int count, const VR_DllFn *table); // null w
 
 int ExitApplication(int panel); // 0; -1 when the user cancelled
 void DisplayHelp();
+std::string VR_FindHelpFile(); // path of the help text, "" when it is not installed
 
 // --- communication -----------------------------------------------------------------
 void Error(const std::string &message); // communication off, then a pop-up "Error"
@@ -63,6 +68,10 @@ void VIR2_StartPeriodicASC();
 void VIR2_StopPeriodicASC();
 int Check_ASC_Open(int result);
 void VIR2_SetStation(int station);
+// Makes switch, indicator and menu show whether communication is on and the port open.
+void VR_ShowComState();
+// After a change of port, baud rate or the like: opens the link anew if communication is on.
+void VR_Reopen();
 
 // --- main panel ----------------------------------------------------------------------
 void SetMainPanelTitle();
@@ -70,6 +79,12 @@ void SetMainPanelStateLine();
 void SetMainPanelAttributes();
 void AddDebugFileName(const std::string &path);
 void VR_ShowMessage(const std::string &text); // message area of the main panel
+// Enables what has something to act on (items, a debug file, a map) and dims the rest.
+void VR_EnableControls();
+// Looks up every watch item's name again; items that no table knows stay as they are.
+void VR_ResolveWatchList();
+// Brings console panel, text box and input line to the main panel's height.
+void VR_SizeConsole(int height);
 
 // --- settings file -------------------------------------------------------------------
 int OpenIniFile(int panel); // 0, or -2 when there is none
@@ -77,7 +92,8 @@ int SaveIniFile();          // 0, or -1: the file that was there is untouched
 
 // --- callbacks -----------------------------------------------------------------------
 int PanelCB(int panel, int event, int data);
-int ConfigPanelCB(int panel, int event, int data); // in configuration mode its close ends the program
+int ConfigPanelCB(int panel, int event,
+                  int data); // in configuration mode its close ends the program
 int CommSwitchCB(int panel, int control, int event, int data);
 void WindowCB(int menuBar, int item);
 void ExitCB(int menuBar, int item);
@@ -92,5 +108,6 @@ void ProtocolCB(int menuBar, int item);
 void ComWin32CB(int menuBar, int item);
 void AutoOffCB(int menuBar, int item);
 void ClosePortCB(int menuBar, int item);
+void FullCommandsCB(int menuBar, int item);
 
 #endif

@@ -5,6 +5,7 @@
 #define COMM_UCM_H
 
 #include <cstdint>
+#include <string>
 
 enum {
     UCM_ERR_ARGUMENT = -20,   // bad argument, or the wrong protocol for the operation
@@ -41,7 +42,21 @@ int UCM_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t *
 // `data` is what command 8 writes, and receives nothing.
 int UCM_EmuCom166Msg(int station, int command, uint32_t address, uint16_t word, const void *data);
 // The same without waiting for a correct answer; mr166 only.
-int UCM_EmuCom166MsgNA(int station, int command, uint32_t address, uint16_t word,
-                       const void *data);
+int UCM_EmuCom166MsgNA(int station, int command, uint32_t address, uint16_t word, const void *data);
+
+// Why the last read, write, request or opening failed, in words for the user ("no answer",
+// "target error code 66", ...); "" when it did not fail.
+std::string UCM_LastErrorText();
+
+// What the line has been doing since the statistics were last reset.
+struct UCM_Statistics {
+    uint32_t answered = 0;              // messages answered correctly
+    uint32_t timeouts = 0;              // messages without an answer
+    uint32_t damaged = 0;               // answers refused: damaged, foreign, or a target error code
+    uint32_t repeated = 0;              // failed tries of blocks
+    uint16_t errors[UCM_COUNTERS] = {}; // as in UCM_Record
+};
+void UCM_GetStatistics(UCM_Statistics *statistics);
+void UCM_ResetStatistics(); // also clears the error counters
 
 #endif

@@ -21,11 +21,11 @@ enum SER_Result {
 
 struct SER_Settings {
     uint32_t baud = 19200;
-    int dataBits = 8;   // 5 to 8
-    char parity = 'n';  // 'n' none, 'e' even, 'o' odd
-    int stopBits = 1;   // 1 or 2
-    bool dtr = true;    // line on
-    bool rts = true;    // line on
+    int dataBits = 8;  // 5 to 8
+    char parity = 'n'; // 'n' none, 'e' even, 'o' odd
+    int stopBits = 1;  // 1 or 2
+    bool dtr = true;   // line on
+    bool rts = true;   // line on
 };
 
 // Device path of port number `port`. Windows: "\\.\COM<n>". Elsewhere, the first that
@@ -48,6 +48,10 @@ int SER_Write(SER_Handle handle, const void *bytes, size_t count);
 // Waits until `count` bytes came or the read time-out is over. Bytes read
 // (0 to count), or SER_ERR_IO when the port is gone and nothing was read.
 int SER_Read(SER_Handle handle, void *buffer, size_t count);
+
+// Reads what is there, at most `capacity` bytes; waits up to `waitMs` for the first one,
+// whatever the time-outs are. Bytes read (0 when none came), or SER_ERR_IO.
+int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs);
 
 // Bytes that can be read without waiting, or SER_ERR_IO.
 int SER_BytesWaiting(SER_Handle handle);

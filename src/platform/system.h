@@ -4,6 +4,7 @@
 #define PLATFORM_SYSTEM_H
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 
 // Milliseconds of a steady clock; wraps after 2^32 ms.
@@ -23,24 +24,34 @@ struct PLT_Date {
 };
 void PLT_LocalTime(PLT_Date *now);
 
-// Starts a program with its arguments and does not wait for it. 0, or -1.
+// Starts a program with its arguments and does not wait for it. Arguments are parted by
+// blanks; single and double quotes keep blanks together. No shell is involved: nothing
+// is expanded. The program gets no standard input or output. 0, or -1 when it could
+// not be started.
 int PLT_Launch(const std::string &commandLine);
-// Opens a text file for the user: $VISUAL, $EDITOR or the desktop's opener; on
-// Windows the system's text editor. 0, or -1 when nothing could be started.
+// Opens a text file for the user: $VISUAL, $EDITOR or the desktop's opener (an editor
+// that needs a terminal gets one when the system has x-terminal-emulator); on Windows
+// the system's text editor. 0, or -1 when nothing could be started.
 int PLT_OpenInEditor(const std::string &path);
 // Opens a document (the help text) in the user's viewer. 0, or -1.
 int PLT_OpenInViewer(const std::string &path);
 
-std::string PLT_CurrentDir();  // without a trailing separator; "" when unknown
-std::string PLT_ConfigDir();   // $XDG_CONFIG_HOME/vireo2, ~/.config/vireo2, or %APPDATA%\Vireo2
-std::string PLT_ProgramDir();  // folder of the running program; "" when unknown
-char PLT_PathSeparator();      // '/' or '\\'
+std::string PLT_CurrentDir(); // without a trailing separator; "" when unknown
+std::string PLT_ConfigDir();  // $XDG_CONFIG_HOME/vireo2, ~/.config/vireo2, or %APPDATA%\Vireo2
+std::string PLT_ProgramDir(); // folder of the running program; "" when unknown
+char PLT_PathSeparator();     // '/' or '\\'
 
 // Shared libraries, bound at run time. Null when not found.
 void *PLT_LoadLibrary(const std::string &name);
 void *PLT_GetSymbol(void *library, const char *name);
 
-// Moves `from` over `to` in one step: after a crash one of the two is whole. 0, or -1.
+// Moves `from` over `to` in one step: after a crash one of the two is whole. The new
+// file takes the permissions of the one it replaces. 0, or -1.
 int PLT_ReplaceFile(const std::string &from, const std::string &to);
+// The file that writing to `path` would change, behind links. 0 with *real (also when there
+// is no such file yet), or -1 when `path` is something else than a plain file.
+int PLT_ResolveFile(const std::string &path, std::string *real);
+int PLT_SyncFile(std::FILE *file); // waits until the disk has it. 0, or -1
+int PLT_ProcessId();
 
 #endif

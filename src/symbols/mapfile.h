@@ -3,12 +3,22 @@
 #ifndef SYMBOLS_MAPFILE_H
 #define SYMBOLS_MAPFILE_H
 
+#include <cstdint>
 #include <string>
 
-int ReadMap(const char *fileName);      // 0, or -2: cannot be opened
-int Read_TMS_Map(const char *fileName); // 0, or -2
-int map2node(const char *fileName);     // read, remember the name, resolve the watch list
+// Replaces aVarNode. 0, or -2: cannot be opened or read, and the loaded map stays. Symbols
+// beyond NODES_MAX are left out and counted in one message.
+int ReadMap(const char *fileName);
+// The same for the C28x format. While a processor of the C166 family is selected the map is
+// that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays.
+int Read_TMS_Map(const char *fileName);
+// Read, remember the name in mapFile, set openStruct, resolve the watch list.
+int map2node(const char *fileName);
 int TMSmap2node(const char *fileName);
+
+// One line of a map: true when it declares a symbol; the name begins at *name.
+bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
+bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
 
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);

@@ -1,0 +1,206 @@
+// vireo2-target: the simulated target as a program, for the demo and for users without
+// hardware. Prints the device to open first, then serves until it is told to end.
+#include "sim.h"
+
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include <getopt.h>
+
+namespace {
+
+constexpr int EXIT_USAGE = 2;
+constexpr int BAUD_MIN = 50; // slower than this no program waits for an answer
+constexpr int BAUD_MAX = 4000000;
+constexpr int DELAY_MAX_MS = 60000;
+constexpr int STATION_MAX = 15;
+
+const char HELP[] =
+    "Usage: vireo2-target [options]\n"
+    "A simulated target on a pseudo terminal. Prints the device to open, then serves\n"
+    "it until it gets SIGTERM or SIGINT.\n"
+    "  --link PATH        make PATH a symbolic link to the device\n"
+    "  --baud N           give every character its time on the wire (11 bits)\n"
+    "  --echo             echo what is received, as a two-wire line does\n"
+    "  --drop P           leave this share of the answers out (0 to 1)\n"
+    "  --corrupt P        damage one character in this share of the answers (0 to 1)\n"
+    "  --delay MS         wait before each answer\n"
+    "  --silent-after N   answer N requests, then no more\n"
+    "  --seed N           seed of the faults (default 1)\n"
+    "  --log FILE         write a line for each request to FILE\n"
+    "  --stations LIST    stations that answer, such as 0,2,5-7 (default all)\n"
+    "  --no-demo          no live variables, memory starts as zeros\n"
+    "  --help             this text\n";
+
+bool parseWhole(const char *text, long low, long high, long *value)
+{
+    char *end;
+    errno = 0;
+    *value = strtol(text, &end, 10);
+    return end != text && *end == 0 && errno == 0 && *value >= low && *value <= high;
+}
+
+bool parseShare(const char *text, double *value)
+{
+    char *end;
+    *value = strtod(text, &end);
+    return end != text && *end == 0 && *value >= 0 && *value <= 1;
+}
+
+// Numbers and ranges between commas, each 0..15.
+bool parseStations(const char *text, uint32_t *mask)
+{
+    *mask = 0;
+    for (;;) {
+        char *end;
+        const long first = strtol(text, &end, 10);
+        long last = first;
+        if (end == text)
+            return false;
+        if (*end == '-') {
+            text = end + 1;
+            last = strtol(text, &end, 10);
+            if (end == text)
+                return false;
+        }
+        if (first < 0 || last < first || last > STATION_MAX)
+            return false;
+        for (long i = first; i <= last; i++)
+            *mask |= 1U << i;
+        if (*end == 0)
+            return true;
+        if (*end != ',')
+            return false;
+        text = end + 1;
+    }
+}
+
+// One row an option; `apply` is null for those that only end the program.
+struct OptionRow {
+    option getopt;
+    bool (*apply)(const char *text, SIM_Options *options);
+};
+
+bool applyBaud(const char *text, SIM_Options *options)
+{
+    long value = 0;
+    const bool good = parseWhole(text, BAUD_MIN, BAUD_MAX, &value);
+    options->baud = static_cast<int>(value);
+    return good;
+}
+
+bool applyDelay(const char *text, SIM_Options *options)
+{
+    long value = 0;
+    const bool good = parseWhole(text, 0, DELAY_MAX_MS, &value);
+    options->delayMs = static_cast<int>(value);
+    return good;
+}
+
+bool applySeed(const char *text, SIM_Options *options)
+{
+    long value = 0;
+    const bool good = parseWhole(text, 0, UINT32_MAX, &value);
+    options->seed = static_cast<uint32_t>(value);
+    return good;
+}
+
+const OptionRow rows[] = {
+    {{"link", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) {
+         o->link = text;
+         return *text != 0;
+     }},
+    {{"baud", required_argument, nullptr, 0}, applyBaud},
+    {{"echo", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) { return o->echo = true; }},
+    {{"drop", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->drop); }},
+    {{"corrupt", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->corrupt); }},
+    {{"delay", required_argument, nullptr, 0}, applyDelay},
+    {{"silent-after", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) {
+         return parseWhole(text, 0, LONG_MAX, &o->silentAfter);
+     }},
+    {{"seed", required_argument, nullptr, 0}, applySeed},
+    {{"log", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) {
+         o->log = text;
+         return *text != 0;
+     }},
+    {{"stations", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); }},
+    {{"no-demo", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) {
+         o->demo = false;
+         return true;
+     }},
+    {{"help", no_argument, nullptr, 0}, nullptr},
+};
+constexpr size_t ROWS = sizeof rows / sizeof *rows;
+
+[[noreturn]] void refuse()
+{
+    fputs("Try 'vireo2-target --help'.\n", stderr);
+    exit(EXIT_USAGE);
+}
+
+void parseArguments(int argc, char **argv, SIM_Options *options)
+{
+    option table[ROWS + 1] = {};
+    for (size_t i = 0; i < ROWS; i++)
+        table[i] = rows[i].getopt;
+    int index = 0;
+    int got;
+    while ((got = getopt_long(argc, argv, "", table, &index)) == 0) {
+        const OptionRow &row = rows[index];
+        if (!row.apply) {
+            fputs(HELP, stdout);
+            exit(EXIT_SUCCESS);
+        }
+        if (!row.apply(optarg, options)) {
+            fprintf(stderr, "vireo2-target: bad value for --%s: %s\n", row.getopt.name, optarg);
+            refuse();
+        }
+    }
+    if (got != -1) // getopt has named the option
+        refuse();
+    if (optind < argc) {
+        fprintf(stderr, "vireo2-target: unexpected argument: %s\n", argv[optind]);
+        refuse();
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    SIM_Options options;
+    parseArguments(argc, argv, &options);
+
+    // Blocked before the target's thread exists, so that only this thread takes them.
+    sigset_t endings;
+    sigemptyset(&endings);
+    for (const int ending : {SIGTERM, SIGINT, SIGHUP})
+        sigaddset(&endings, ending);
+    pthread_sigmask(SIG_BLOCK, &endings, nullptr);
+    signal(SIGPIPE, SIG_IGN);
+
+    std::string error;
+    SIM_Target *target = SIM_Start(options, &error);
+    if (!target) {
+        fprintf(stderr, "vireo2-target: %s\n", error.c_str());
+        return EXIT_FAILURE;
+    }
+    printf("%s\n", SIM_DevicePath(target));
+    fflush(stdout);
+    int received;
+    sigwait(&endings, &received);
+    SIM_Stop(target);
+    return EXIT_SUCCESS;
+}

@@ -1,0 +1,188 @@
+// The target's thread: reads the line, carries out requests and answers them.
+#include "demo.h"
+#include "target.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr size_t READ_CHUNK = 512;
+constexpr int64_t NS_PER_MS = 1000000;
+
+struct Answer {
+    uint8_t frame[SIM_ANSWER_MAX];
+    size_t count = 0; // 0 = nothing is sent
+    bool echo = false;
+    int64_t delayNs = 0;
+};
+
+void readRequest(SIM_Target *target, const SIM_Request &request, uint8_t *data, size_t count)
+{
+    SIM_Station &station = target->stations[request.station];
+    if (target->options.demo)
+        SIM_UpdateDemo(&station, request.station, SIM_Elapsed(target), request.address, count);
+    SIM_ReadMemory(station, request.address, data, count);
+}
+
+void writeRequest(SIM_Target *target, const SIM_Request &request)
+{
+    SIM_Station &station = target->stations[request.station];
+    SIM_WriteMemory(&station, request.address, request.data, request.word);
+    if (!target->options.mailbox || !SIM_TouchesMailbox(request.address, request.word))
+        return;
+    if (target->options.demo)
+        SIM_UpdateDemoTms(&station, request.station, SIM_Elapsed(target));
+    SIM_ServeMailbox(&station);
+}
+
+// Carries the request out. Returns the number of data bytes of the answer or, negated, the
+// target's error code.
+int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
+{
+    constexpr int READ = 0, STORE_WORD = 4, LAST_WITH_DATA = 4;
+    if (target->errorCodes[request.command] != 0)
+        return -target->errorCodes[request.command];
+    if (request.command == SIM_WRITE_COMMAND) {
+        if (request.word < 1 || request.word > sizeof request.data)
+            return -SIM_ERROR_COUNT;
+        writeRequest(target, request);
+        return 0;
+    }
+    if (request.command == READ) {
+        if (request.word > SIM_DATA_MAX)
+            return -SIM_ERROR_COUNT;
+        readRequest(target, request, data, request.word);
+        return request.word;
+    }
+    if (request.command > LAST_WITH_DATA)
+        return 0;
+    // Of the word commands only 4 stores its word; each answers the word that stands there.
+    if (request.command == STORE_WORD)
+        SIM_SetValue(&target->stations[request.station], request.address, 2, request.word);
+    readRequest(target, request, data, 2);
+    return 2;
+}
+
+const char *applyFate(SIM_Target *target, Answer *answer)
+{
+    SIM_Fate fate = SIM_ApplyFaults(&target->random, target->options.drop, target->options.corrupt,
+                                    answer->frame, answer->count);
+    if (target->answersLeft == 0)
+        fate = SIM_DROPPED;
+    if (target->answersLeft > 0)
+        target->answersLeft--;
+    target->counters.requests++;
+    if (fate == SIM_DROPPED) {
+        target->counters.dropped++;
+        answer->count = 0;
+        return "dropped";
+    }
+    if (fate == SIM_CORRUPTED) {
+        target->counters.corrupted++;
+        return "corrupted";
+    }
+    target->counters.answers++;
+    return "answered";
+}
+
+void logRequest(SIM_Target *target, const SIM_Request &request, int result, const char *fate)
+{
+    if (!target->log)
+        return;
+    fprintf(target->log, "%12.6f station %d command %d address %06X ", SIM_Elapsed(target),
+            request.station, request.command, static_cast<unsigned>(request.address));
+    if (request.command == SIM_WRITE_COMMAND) {
+        fprintf(target->log, "data");
+        for (size_t i = 0; i < std::min<size_t>(request.word, sizeof request.data); i++)
+            fprintf(target->log, " %02X", request.data[i]);
+    } else {
+        fprintf(target->log, "word %u", request.word);
+    }
+    if (result < 0)
+        fprintf(target->log, " error %d", -result);
+    fprintf(target->log, " %s\n", fate);
+    fflush(target->log);
+}
+
+Answer prepareAnswer(SIM_Target *target, const SIM_Request &request)
+{
+    Answer answer;
+    const std::lock_guard<std::mutex> guard(target->lock);
+    answer.delayNs = target->options.delayMs * NS_PER_MS;
+    if (!(target->options.stations >> request.station & 1)) {
+        logRequest(target, request, 0, "absent");
+        return answer;
+    }
+    uint8_t data[SIM_DATA_MAX];
+    const int result = execute(target, request, data);
+    answer.count = SIM_BuildAnswer(request, result < 0 ? -result : 0, data,
+                                   static_cast<size_t>(std::max(result, 0)), answer.frame);
+    logRequest(target, request, result, applyFate(target, &answer));
+    return answer;
+}
+
+bool isEchoing(SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    return target->options.echo;
+}
+
+void countMalformed(SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    target->counters.malformed++;
+}
+
+bool sendAnswer(SIM_Target *target, const Answer &answer)
+{
+    if (answer.count == 0)
+        return true;
+    const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
+    return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
+}
+
+// Handles what one read brought. On an echoing line the characters come back first, as
+// they pass the wire. Returns false when the target is to end.
+bool serveBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes, size_t count)
+{
+    const bool echo = isEchoing(target);
+    size_t echoed = 0;
+    int64_t echoNs = target->line.receiveNs;
+    for (size_t i = 0; i < count; i++) {
+        SIM_Request request;
+        SIM_PassReceived(&target->line);
+        const SIM_Received got = SIM_ReceiveByte(receiver, bytes[i], &request);
+        if (got == SIM_RX_MALFORMED)
+            countMalformed(target);
+        const bool last = i + 1 == count;
+        if (echo && (got == SIM_RX_REQUEST || last)) {
+            if (!SIM_SendLine(&target->line, bytes + echoed, i + 1 - echoed, echoNs))
+                return false;
+            echoed = i + 1;
+            echoNs = target->line.receiveNs;
+        }
+        if (got == SIM_RX_REQUEST && !sendAnswer(target, prepareAnswer(target, request)))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+double SIM_Elapsed(const SIM_Target *target)
+{
+    return static_cast<double>(SIM_NowNs() - target->startNs) / 1e9;
+}
+
+void SIM_Serve(SIM_Target *target)
+{
+    SIM_Receiver receiver;
+    uint8_t bytes[READ_CHUNK];
+    for (;;) {
+        const int count = SIM_ReadLine(&target->line, bytes, sizeof bytes);
+        if (count < 0)
+            return;
+        if (!serveBytes(target, &receiver, bytes, static_cast<size_t>(count)))
+            return;
+    }
+}

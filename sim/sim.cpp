@@ -1,0 +1,128 @@
+// The library's face: starts and stops the target and reaches into it from other threads.
+#include "sim.h"
+
+#include "demo.h"
+#include "target.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+bool openLog(SIM_Target *target, std::string *error)
+{
+    if (target->options.log.empty())
+        return true;
+    target->log = fopen(target->options.log.c_str(), "w");
+    if (!target->log)
+        *error = "Cannot write the log " + target->options.log + ": " + strerror(errno);
+    return target->log != nullptr;
+}
+
+SIM_Station *stationOf(SIM_Target *target, int station)
+{
+    return station >= 0 && station < SIM_STATIONS ? &target->stations[station] : nullptr;
+}
+
+} // namespace
+
+SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
+{
+    std::string ignored;
+    auto *target = new SIM_Target;
+    target->options = options;
+    target->answersLeft = options.silentAfter;
+    target->random.seed(options.seed);
+    target->startNs = SIM_NowNs();
+    for (int i = 0; options.demo && i < SIM_STATIONS; i++)
+        SIM_InitDemo(&target->stations[i], i);
+    error = error ? error : &ignored;
+    if (!openLog(target, error) ||
+        !SIM_OpenLine(&target->line, options.baud, options.link, error)) {
+        if (target->log)
+            fclose(target->log);
+        delete target;
+        return nullptr;
+    }
+    target->thread = std::thread(SIM_Serve, target);
+    return target;
+}
+
+void SIM_Stop(SIM_Target *target)
+{
+    if (!target)
+        return;
+    SIM_WakeLine(&target->line);
+    target->thread.join();
+    SIM_CloseLine(&target->line);
+    if (target->log)
+        fclose(target->log);
+    delete target;
+}
+
+const char *SIM_DevicePath(const SIM_Target *target)
+{
+    return target->line.device.c_str();
+}
+
+void SIM_Poke(SIM_Target *target, int station, uint32_t address, const void *bytes, size_t count)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    if (SIM_Station *found = stationOf(target, station))
+        SIM_WriteMemory(found, address, bytes, count);
+}
+
+void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, size_t count)
+{
+    memset(bytes, 0, count);
+    const std::lock_guard<std::mutex> guard(target->lock);
+    SIM_Station *found = stationOf(target, station);
+    if (found && target->options.demo)
+        SIM_UpdateDemo(found, station, SIM_Elapsed(target), address, count);
+    if (found)
+        SIM_ReadMemory(*found, address, bytes, count);
+}
+
+void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    if (SIM_Station *found = stationOf(target, station))
+        found->tms[wordAddress] = value;
+}
+
+uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    SIM_Station *found = stationOf(target, station);
+    if (!found)
+        return 0;
+    if (target->options.demo)
+        SIM_UpdateDemoTms(found, station, SIM_Elapsed(target));
+    const auto word = found->tms.find(wordAddress);
+    return word == found->tms.end() ? 0 : word->second;
+}
+
+void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    target->options.drop = options.drop;
+    target->options.corrupt = options.corrupt;
+    target->options.delayMs = options.delayMs;
+    target->options.echo = options.echo;
+    target->options.mailbox = options.mailbox;
+    target->options.stations = options.stations;
+    target->answersLeft = options.silentAfter;
+}
+
+void SIM_SetErrorCode(SIM_Target *target, int command, int code)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    if (command >= 0 && command < SIM_COMMANDS)
+        target->errorCodes[command] = code;
+}
+
+SIM_Counters SIM_GetCounters(const SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    return target->counters;
+}

@@ -1,0 +1,42 @@
+// What one station holds: 16 MiB of byte memory, allocated a page at a time as it is
+// written, and the 32-bit words of the TMS320 behind it. Not locked: the target is.
+#ifndef SIM_STATION_H
+#define SIM_STATION_H
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <unordered_map>
+
+constexpr uint32_t SIM_MEMORY_SIZE = 0x1000000;
+constexpr uint32_t SIM_PAGE_SIZE = 0x10000;
+
+struct SIM_Station {
+    std::array<std::unique_ptr<uint8_t[]>, SIM_MEMORY_SIZE / SIM_PAGE_SIZE> pages;
+    std::unordered_map<uint32_t, uint32_t> tms; // by word address; absent words read 0
+    double temperature = 0;                     // state of the demo's slow variable
+    double updated = 0;                         // seconds at which it was last advanced
+};
+
+// Addresses wrap at the end of the memory. Pages never written read as zeros.
+void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, size_t count);
+void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, size_t count);
+
+// Little-endian values of 1..8 bytes.
+uint64_t SIM_GetValue(const SIM_Station &station, uint32_t address, size_t size);
+void SIM_SetValue(SIM_Station *station, uint32_t address, size_t size, uint64_t value);
+float SIM_GetFloat(const SIM_Station &station, uint32_t address);
+void SIM_SetFloat(SIM_Station *station, uint32_t address, float value);
+
+// True when the write of `count` bytes at `address` gives the mailbox a command.
+bool SIM_TouchesMailbox(uint32_t address, size_t count);
+// Carries out the command that stands in the mailbox and clears it: 1 reads the word of the
+// TMS320 into the data field, 2 writes the data field to it, others do nothing.
+void SIM_ServeMailbox(SIM_Station *station);
+
+// The number in the TMS320's 32-bit float format. Infinities and NaN are not expected.
+uint32_t SIM_TmsFloat(double value);
+double SIM_FromTmsFloat(uint32_t bits);
+
+#endif

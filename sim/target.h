@@ -1,0 +1,40 @@
+// The running target: what the caller's side (sim.cpp) and the target's own thread
+// (service.cpp) share. `lock` guards everything but the line.
+#ifndef SIM_TARGET_H
+#define SIM_TARGET_H
+
+#include "faults.h"
+#include "frame.h"
+#include "line.h"
+#include "sim.h"
+#include "station.h"
+
+#include <cstdio>
+#include <mutex>
+#include <thread>
+
+constexpr int SIM_STATIONS = 16;
+constexpr int SIM_COMMANDS = 16;
+
+struct SIM_Target {
+    SIM_Options options;
+    SIM_Line line;
+    std::thread thread;
+    FILE *log = nullptr;
+    int64_t startNs = 0;
+
+    mutable std::mutex lock;
+    SIM_Station stations[SIM_STATIONS];
+    SIM_Counters counters;
+    std::mt19937 random;
+    long answersLeft = -1; // until the target falls silent; -1 = never
+    int errorCodes[SIM_COMMANDS] = {0};
+};
+
+// The thread's body: serves requests until the line is woken.
+void SIM_Serve(SIM_Target *target);
+
+// Seconds since the start.
+double SIM_Elapsed(const SIM_Target *target);
+
+#endif

@@ -1,0 +1,117 @@
+// Communication on and off, the error report that always switches it off first, and
+// what the window shows of both.
+#include "app/VR.h"
+
+#include <cstdio>
+
+#include "comm/ucm.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+
+namespace {
+
+struct OpenReason {
+    int result;
+    const char *text;
+};
+constexpr OpenReason OPEN_REASONS[] = {
+    {-30, "(port is not available)"},
+    {-38, "(bad com number)"},
+};
+
+int OpenLink()
+{
+    return Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate));
+}
+
+} // namespace
+
+void Error(const std::string &message)
+{
+    VIR2_StopPeriodicASC();
+    MessagePopup("Error", message);
+}
+
+int Check_ASC_Open(int result)
+{
+    if (result >= 0)
+        return result;
+    char text[80];
+    std::snprintf(text, sizeof text, "Error opening serial port 'COM%d'.\n", ncom);
+    std::string message = text;
+    for (const OpenReason &reason : OPEN_REASONS)
+        if (reason.result == result)
+            message += reason.text;
+    Error(message);
+    return result;
+}
+
+void VR_ShowComState()
+{
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
+    SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
+    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
+    SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
+}
+
+void VIR2_StartPeriodicASC()
+{
+    if (OpenLink() < 0) {
+        VIR2_StopPeriodicASC();
+        return;
+    }
+    ResumeTimerCallbacks();
+    isTimer = 1;
+    VR_ShowComState();
+}
+
+// The timer is stopped before the link is closed under it.
+void VIR2_StopPeriodicASC()
+{
+    SuspendTimerCallbacks();
+    isTimer = 0;
+    UCM_Close();
+    VR_ShowComState();
+    SetCtrlVal(mainPanel, MAIN_STATUS, "");
+}
+
+void VR_Reopen()
+{
+    if (isTimer == 0)
+        return;
+    SuspendTimerCallbacks();
+    UCM_Close();
+    if (OpenLink() >= 0)
+        ResumeTimerCallbacks();
+    VR_ShowComState();
+}
+
+void VR_ComRequest()
+{
+    if (isTimer != 0 || ConfirmPopup("Message", "Enable communication?") == 0)
+        return;
+    SetCtrlVal(mainPanel, MAIN_COMM, 1);
+    VIR2_StartPeriodicASC();
+}
+
+void ConnectCB(int, int)
+{
+    if (isTimer != 0)
+        VIR2_StopPeriodicASC();
+    else
+        VIR2_StartPeriodicASC();
+}
+
+int CommSwitchCB(int panel, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    int isOn = 0;
+    GetCtrlVal(panel, control, &isOn);
+    if (isOn != 0)
+        VIR2_StartPeriodicASC();
+    else
+        VIR2_StopPeriodicASC();
+    return 0;
+}

@@ -1,0 +1,52 @@
+// Help text and about box.
+#include "app/VR.h"
+
+#include "platform/system.h"
+#include "runtime/userint.h"
+
+namespace {
+
+// Where the text stands relative to the program: beside it (Windows), installed, or
+// in the tree it was built in.
+constexpr const char *HELP_PLACES[] = {
+    "/vireo2.txt",
+    "/../share/vireo2/help.txt",
+    "/../../../docs/help.txt",
+};
+
+} // namespace
+
+std::string VR_FindHelpFile()
+{
+    for (const char *place : HELP_PLACES) {
+        PLT_FileStamp stamp;
+        const std::string path = PLT_ProgramDir() + place;
+        if (PLT_GetFileStamp(path, &stamp) == 0)
+            return path;
+    }
+    return "";
+}
+
+void DisplayHelp()
+{
+    const std::string path = VR_FindHelpFile();
+    if (path.empty())
+        MessagePopup("Help", "The help text is not installed.");
+    else if (PLT_OpenInViewer(path) < 0)
+        MessagePopup("Help", "No program was found to show the help text:\n" + path);
+}
+
+void HelpCB(int, int)
+{
+    DisplayHelp();
+}
+
+void AboutCB(int, int)
+{
+    std::string text = std::string("Vireo2 ") + VR_GetBuildVersion();
+    if (!VR_szVersion.empty() && VR_szVersion != VR_GetBuildVersion())
+        text += "\n" + VR_szVersion;
+    text += "\n\nService tool for C166/C167 and TMS320F28xx controllers.\n"
+            "Free software under the GNU General Public License, version 3 or later.";
+    MessagePopup("About Vireo2", text);
+}

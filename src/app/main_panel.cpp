@@ -1,0 +1,199 @@
+// What the main panel shows of the settings: title, state line, check marks, recent
+// files, and which controls have something to act on.
+#include "app/VR.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "runtime/userint.h"
+#include "symbols/mapfile.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+namespace {
+
+struct Choice {
+    int item;
+    int value;
+};
+constexpr Choice BAUD_ITEMS[] = {{ITEM_BAUD_FIRST, 9600},
+                                 {ITEM_BAUD_FIRST + 1, 19200},
+                                 {ITEM_BAUD_FIRST + 2, 38400},
+                                 {ITEM_BAUD_FIRST + 3, 57600},
+                                 {ITEM_BAUD_LAST, 115200}};
+constexpr Choice CPU_ITEMS[] = {{ITEM_CPU_C166, CPU_C166},
+                                {ITEM_CPU_C167, CPU_C167},
+                                {ITEM_CPU_F283XX, CPU_F283XX},
+                                {ITEM_CPU_F2803X, CPU_F2803X}};
+constexpr Choice PROTOCOL_ITEMS[] = {{ITEM_MR166, PROTOCOL_MR166}, {ITEM_MODBUS, PROTOCOL_MODBUS}};
+
+struct Name {
+    int value;
+    const char *text;
+};
+constexpr Name CPU_NAMES[] = {{CPU_C166, "CPU = AC166; "},
+                              {CPU_C167, "CPU = AC167; "},
+                              {CPU_F283XX, "CPU = F283xx; "},
+                              {CPU_F2803X, "CPU = F2803x; "}};
+constexpr Name PROTOCOL_NAMES[] = {{PROTOCOL_MR166, "prot = COM166; "},
+                                   {PROTOCOL_MODBUS, "prot = MODBUS; "}};
+
+template <size_t N> const char *NameOf(const Name (&names)[N], int value, const char *other)
+{
+    for (const Name &name : names)
+        if (name.value == value)
+            return name.text;
+    return other;
+}
+
+void Check(int item, bool isOn)
+{
+    SetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, ATTR_CHECKED, isOn);
+}
+
+template <size_t N> void CheckChoice(const Choice (&choices)[N], int value)
+{
+    for (const Choice &choice : choices)
+        Check(choice.item, choice.value == value);
+}
+
+void CheckOptions()
+{
+    CheckChoice(BAUD_ITEMS, bRate);
+    CheckChoice(PROTOCOL_ITEMS, VR_nProtocol);
+    CheckChoice(CPU_ITEMS, Procesor);
+    for (int port = 1; port <= 9; port++)
+        Check(ITEM_PORT_FIRST + port - 1, port == ncom);
+    Check(ITEM_PORT_OTHER, ncom > 9);
+    for (int item = ITEM_STATION_FIRST; item <= ITEM_STATION_LAST; item++)
+        Check(item, item - ITEM_STATION_FIRST == STATION);
+    Check(ITEM_AUTO_OFF, Option_AutoOff != 0);
+    Check(ITEM_COM_WIN32, Option_ComWin32 != 0);
+    Check(ITEM_FULL_COMMANDS, VR_isFullCommandSet);
+}
+
+void RefreshRecentItems()
+{
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    for (int &item : anRecentItems) {
+        if (item != 0)
+            DiscardMenuItem(menuBar, item);
+        item = 0;
+    }
+    for (int i = 0; i < nDebugFileNames; i++) {
+        const std::string &path = szaDebugFileNames[static_cast<size_t>(i)];
+        const std::string text = "__" + std::to_string(i + 1) + " " + path;
+        const int item = NewMenuItem(menuBar, MENU_FILE, text, ITEM_RECENT_END,
+                                     KEY_CTRL | ('1' + i), MenuReopenFileCB);
+        anRecentItems[i] = std::max(item, 0);
+        Check(item, path == szDebugFileName);
+    }
+}
+
+void EnableCtrl(int control, bool isOn)
+{
+    SetCtrlAttribute(mainPanel, control, ATTR_DIMMED, isOn ? 0 : 1);
+}
+
+void EnableItem(int item, bool isOn)
+{
+    SetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, ATTR_DIMMED, isOn ? 0 : 1);
+}
+
+std::string MapText()
+{
+    switch (openStruct) {
+    case OPEN_NONE:
+        return "Map not opened.";
+    case OPEN_MAP_FILE:
+        return "Map file: " + szMapFileName;
+    case OPEN_FROM_MEMORY:
+        return "Map loaded from memory.";
+    default:
+        return "Map ???";
+    }
+}
+
+} // namespace
+
+void SetMainPanelTitle()
+{
+    const std::string title =
+        IsDBGChange == 0 ? "Vireo2  " + szDebugFileName : "Vireo2 * " + szDebugFileName + " ";
+    SetPanelAttribute(mainPanel, ATTR_TITLE, title);
+}
+
+void SetMainPanelStateLine()
+{
+    char numbers[80];
+    std::snprintf(numbers, sizeof numbers, "st = %d; com = %d, brate = %d; ", STATION, ncom, bRate);
+    std::string text = NameOf(CPU_NAMES, Procesor, "CPU = ???; ");
+    text += NameOf(PROTOCOL_NAMES, VR_nProtocol, "prot = ???; ");
+    text += numbers;
+    text += Option_AutoOff != 0 ? "auto-off; " : "";
+    text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + MapText());
+    SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
+    SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
+}
+
+void VR_EnableControls()
+{
+    const bool hasItems = openLItems != 0 || nLItems > 0;
+    const bool hasFile = !szDebugFileName.empty();
+    const bool hasMap = !szMapFileName.empty();
+    for (const int control : {MAIN_BTN_SAVE, MAIN_MEM_SWITCH, MAIN_FM_SWITCH})
+        EnableCtrl(control, hasItems);
+    for (const int item : {ITEM_SAVE, ITEM_SAVE_AS})
+        EnableItem(item, hasItems);
+    for (const int control : {MAIN_BTN_RELOAD, MAIN_BTN_EDIT})
+        EnableCtrl(control, hasFile);
+    for (const int item : {ITEM_RELOAD, ITEM_EDIT_FILE})
+        EnableItem(item, hasFile);
+    EnableCtrl(MAIN_BTN_MAP, hasMap);
+    EnableItem(ITEM_RELOAD_MAP, hasMap);
+}
+
+void SetMainPanelAttributes()
+{
+    if (!szDebugFileName.empty())
+        AddDebugFileName(szDebugFileName);
+    RefreshRecentItems();
+    SetMainPanelTitle();
+    SetMainPanelStateLine();
+    CheckOptions();
+    VR_EnableControls();
+    VR_ShowComState();
+}
+
+void AddDebugFileName(const std::string &path)
+{
+    if (path.size() >= PATH_MAX_CHARS)
+        return;
+    const auto begin = szaDebugFileNames.begin();
+    auto place = std::find(begin, begin + nDebugFileNames, path);
+    if (place == begin + nDebugFileNames) {
+        if (nDebugFileNames < RECENT_MAX)
+            nDebugFileNames++;
+        else
+            place--; // the oldest falls off
+        *place = path;
+    }
+    std::rotate(begin, place, place + 1);
+}
+
+void VR_ShowMessage(const std::string &text)
+{
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, text);
+}
+
+void VR_ResolveWatchList()
+{
+    if (nLItems == 0)
+        return;
+    if (openStruct166 != OPEN_NONE)
+        completeLItems(aVarNode166, nNodes166);
+    if (openStruct != OPEN_NONE)
+        completeLItems(aVarNode, nNodes);
+}

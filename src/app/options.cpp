@@ -1,0 +1,128 @@
+// The Options menu: every item changes one setting while the program runs and, where
+// the link is concerned, opens it anew.
+#include "app/VR.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "comm/ucm.h"
+#include "runtime/userint.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+namespace {
+
+constexpr int BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
+constexpr int PROCESSORS[] = {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X};
+constexpr int PORT_MAX = 256;
+constexpr size_t PORT_TEXT_MAX = 20;
+
+const char NI_WARNING[] = "Use of NI COM services is supported for full backward compatibility\n"
+                          "as it makes possible RS485 echo cancellation.\n\n"
+                          "Win32 services should always be used with USB/COM adapters,\n"
+                          "otherwise the computer may become unstable.\n\n"
+                          "You can switch to Win32 services using the Options/Win32 menu.";
+
+// Communication ends without the timers being suspended: a tick finds isTimer clear.
+void CloseLink()
+{
+    UCM_Close();
+    isTimer = 0;
+    VR_ShowComState();
+}
+
+// False when the user gave no number.
+bool AskPort()
+{
+    std::string text = std::to_string(ncom);
+    if (PromptPopup("Prompt", "Enter COM number", &text, PORT_TEXT_MAX) < 0)
+        return false;
+    const long port = std::strtol(text.c_str(), nullptr, 10);
+    ncom = static_cast<int32_t>(std::clamp(port, 1L, static_cast<long>(PORT_MAX)));
+    return true;
+}
+
+} // namespace
+
+void BRateCB(int, int item)
+{
+    if (item >= ITEM_BAUD_FIRST && item <= ITEM_BAUD_LAST) {
+        bRate = BAUD_RATES[item - ITEM_BAUD_FIRST];
+        VR_Reopen();
+    }
+    SetMainPanelAttributes();
+}
+
+void PortCB(int, int item)
+{
+    if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + 9) {
+        ncom = item - ITEM_PORT_FIRST + 1;
+        VR_Reopen();
+    } else if (item == ITEM_PORT_OTHER && AskPort()) {
+        VR_Reopen();
+    }
+    SetMainPanelAttributes();
+}
+
+void VIR2_SetStation(int station)
+{
+    STATION = station;
+}
+
+void StationCB(int, int item)
+{
+    const bool isKnown = item >= ITEM_STATION_FIRST && item <= ITEM_STATION_LAST;
+    VIR2_SetStation(isKnown ? item - ITEM_STATION_FIRST : 1);
+    SetMainPanelAttributes();
+}
+
+void ProcesorCB(int, int item)
+{
+    const bool isKnown = item >= ITEM_CPU_C166 && item <= ITEM_CPU_F2803X;
+    if (isKnown && Procesor != PROCESSORS[item - ITEM_CPU_C166]) {
+        Procesor = PROCESSORS[item - ITEM_CPU_C166];
+        initRgMap(Procesor);
+        VR_ResolveWatchList();
+        VR_FillDebugItems();
+    }
+    SetMainPanelAttributes();
+}
+
+void ProtocolCB(int, int item)
+{
+    const int16_t protocol = item == ITEM_MODBUS ? PROTOCOL_MODBUS : PROTOCOL_MR166;
+    if (VR_nProtocol != protocol) {
+        VR_nProtocol = protocol;
+        CloseLink();
+    }
+    SetMainPanelAttributes();
+}
+
+void ComWin32CB(int, int)
+{
+    Option_ComWin32 = Option_ComWin32 == 0;
+    if (Option_ComWin32 == 0)
+        MessagePopup("(!) Warning", NI_WARNING);
+    Check_ASC_Open(UCM_UseWin32(Option_ComWin32));
+    SetMainPanelAttributes();
+}
+
+void AutoOffCB(int, int)
+{
+    Option_AutoOff = Option_AutoOff == 0;
+    SetMainPanelAttributes();
+}
+
+void ClosePortCB(int, int)
+{
+    CloseLink();
+    SetMainPanelAttributes();
+}
+
+void FullCommandsCB(int, int)
+{
+    VR_isFullCommandSet = !VR_isFullCommandSet;
+    VR_isFullOnce = false;
+    SetMainPanelAttributes();
+}

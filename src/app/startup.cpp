@@ -1,0 +1,124 @@
+// The program from its first line to the event loop, and its orderly end.
+#include "app/VR.h"
+
+#include "comm/ucm.h"
+#include "console/monitor.h"
+#include "console/script.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+bool VR_isScriptRun = false;
+int VR_nScriptResult = 0;
+
+namespace {
+
+struct PanelLoad {
+    int panel;
+    int parent;
+};
+constexpr PanelLoad PANELS[] = {
+    {PANEL_MAIN, 0},
+    {PANEL_VALUE, 0},
+    {PANEL_MEMORY, 0},
+    {PANEL_ITEM, 0},
+    {PANEL_CONSOLE, PANEL_MAIN},
+    {PANEL_STATISTICS, 0},
+    {PANEL_TRACE, 0},
+    {PANEL_VAR_SELECTOR, 0},
+    {PANEL_STRUCT_SELECTOR, 0},
+    {PANEL_SCOPE, 0},
+    {PANEL_TERMINAL_ENTRY, 0},
+    {PANEL_CONFIG, 0},
+    {PANEL_CONFIG_EDIT, 0},
+    {PANEL_DEBUGGER, 0},
+    {PANEL_SIMULATOR, 0},
+    {PANEL_TERMINAL, 0},
+};
+
+int LoadPanels()
+{
+    for (const PanelLoad &row : PANELS)
+        if (LoadPanel(row.parent, row.panel) < 0)
+            return -1;
+    mainPanel = PANEL_MAIN;
+    consolePanel = PANEL_CONSOLE;
+    return 0;
+}
+
+// Nothing to reload, to undo or to close yet. An item without a row answers with an
+// error, which is as good as dimmed.
+void PrepareMenu()
+{
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    for (const int item : {ITEM_RELOAD_MAP, ITEM_UNDO, ITEM_CLOSE_PORT})
+        SetMenuBarAttribute(menuBar, item, ATTR_DIMMED, 1);
+    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
+}
+
+// Without a settings file the driver must still be the one the state line names.
+void ReadSettings()
+{
+    if (OpenIniFile(mainPanel) < 0 && Option_ComWin32 != 0)
+        UCM_UseWin32(1);
+}
+
+void RunScript(const char *path)
+{
+    WindowCB(0, ITEM_CONSOLE_VIEW);
+    VR_isScriptRun = true;
+    VR_nScriptResult = ExecMonScript(path, consolePanel);
+    if (VR_nScriptResult == -1)
+        PrintMonStr("Could not open the script file.");
+    else if (VR_nScriptResult < -1)
+        PrintMonStr("Error in the script file on line " + std::to_string(-1 - VR_nScriptResult) +
+                    ".");
+}
+
+} // namespace
+
+int VR_StartUp(int argc, char **argv)
+{
+    GetVRVersion(argc > 0 ? argv[0] : "");
+    UCM_Init();
+    bRate = 19200;
+    if (InitCVIRTE(&argc, argv) < 0 || LoadPanels() < 0)
+        return -1;
+    PrepareMenu();
+    WindowCB(0, ITEM_CONSOLE_VIEW);
+    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
+    SuspendTimerCallbacks();
+    isTimer = 0;
+    GetCmdLineOptions(argc, argv);
+    ReadSettings();
+    const int script = GetCmdLineOptions(argc, argv);
+    SetMainPanelAttributes();
+    DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
+    if (script < argc)
+        RunScript(argv[script]);
+    return 0;
+}
+
+int VR_Main(int argc, char **argv)
+{
+    if (VR_StartUp(argc, argv) < 0)
+        return -1;
+    return RunUserInterface();
+}
+
+int ExitApplication(int)
+{
+    if (DbgChngSafety() < 0)
+        return -1;
+    VIR2_StopPeriodicASC();
+    QuitUserInterface(0);
+    SaveIniFile();
+    // Asked for twice: a pop-up that a save opened may have taken the first request.
+    QuitUserInterface(0);
+    return 0;
+}
+
+void ExitCB(int, int)
+{
+    ExitApplication(mainPanel);
+}

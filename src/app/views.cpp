@@ -1,0 +1,180 @@
+// Events of the main panel, its two views (watch list and console), and the windows
+// that the Window menu opens.
+#include "app/VR.h"
+
+#include "comm/ucm.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+namespace {
+
+// Pixels, device independent.
+constexpr int MAIN_WIDTH = 780;
+constexpr int WATCH_HEIGHT = 491;
+constexpr int MAIN_HEIGHT_MIN = 50;
+constexpr int CONSOLE_LEFT = 1;
+constexpr int CONSOLE_TOP = 21;
+constexpr int CONSOLE_BOX_LOSS = 43;  // main panel's height less the text box's
+constexpr int CONSOLE_LINE_LOSS = 42; // ... less the top of prompt and input
+
+void ScrollConsoleToEnd()
+{
+    int lines = 0;
+    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &lines);
+    if (lines > 0)
+        SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_FIRST_VISIBLE_LINE, lines - 1);
+}
+
+void CheckView(int shown, int hidden)
+{
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    SetMenuBarAttribute(menuBar, shown, ATTR_CHECKED, 1);
+    SetMenuBarAttribute(menuBar, hidden, ATTR_CHECKED, 0);
+}
+
+void ShowConsoleView()
+{
+    SetPanelPos(consolePanel, CONSOLE_TOP, CONSOLE_LEFT);
+    DisplayPanel(consolePanel);
+    oldTimer = 0;
+    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
+    CheckView(ITEM_CONSOLE_VIEW, ITEM_WATCH_VIEW);
+    VR_SizeConsole(oldHeight);
+    SetActiveCtrl(consolePanel, CONSOLE_INPUT);
+}
+
+void ShowWatchView()
+{
+    SetPanelAttribute(mainPanel, ATTR_HEIGHT, WATCH_HEIGHT);
+    SetPanelAttribute(mainPanel, ATTR_WIDTH, MAIN_WIDTH);
+    HidePanel(consolePanel);
+    CheckView(ITEM_WATCH_VIEW, ITEM_CONSOLE_VIEW);
+    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
+    if (oldTimer != 0) {
+        if (Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate)) < 0)
+            return;
+        isTimer = oldTimer;
+        ResumeTimerCallbacks();
+        VR_ShowComState();
+    }
+    DisplayPanel(mainPanel);
+}
+
+void ShowWindow(int panel)
+{
+    DisplayPanel(panel);
+    SetActivePanel(panel);
+}
+
+// Arrow keys move the watch list's selection wherever the focus is; a list that has
+// the focus has moved it already.
+void MoveSelection(int step)
+{
+    int row = -1;
+    GetCtrlIndex(mainPanel, MAIN_LIST, &row);
+    if (GetActiveCtrl(mainPanel) != MAIN_LIST)
+        row += step;
+    if (row >= 0 && row < nLItems)
+        SetCtrlIndex(mainPanel, MAIN_LIST, row);
+}
+
+int OnKey(int key)
+{
+    switch (key) {
+    case KEY_F1:
+        DisplayHelp();
+        return 1;
+    case KEY_DOWN:
+        MoveSelection(1);
+        return 0;
+    case KEY_UP:
+        MoveSelection(-1);
+        return 0;
+    case KEY_CTRL | 's':
+    case KEY_CTRL | 'S':
+        SaveDbg(mainPanel);
+        return 1;
+    default:
+        return 0;
+    }
+}
+
+void OnResize()
+{
+    int height = oldHeight;
+    int width = MAIN_WIDTH;
+    GetPanelAttribute(mainPanel, ATTR_HEIGHT, &height);
+    GetPanelAttribute(mainPanel, ATTR_WIDTH, &width);
+    if (width != MAIN_WIDTH)
+        SetPanelAttribute(mainPanel, ATTR_WIDTH, MAIN_WIDTH);
+    if (height < MAIN_HEIGHT_MIN) {
+        SetPanelAttribute(mainPanel, ATTR_HEIGHT, oldHeight);
+        return;
+    }
+    oldHeight = height;
+    VR_SizeConsole(height);
+}
+
+struct WindowItem {
+    int item;
+    int panel;
+};
+constexpr WindowItem WINDOW_ITEMS[] = {
+    {ITEM_STATISTICS, PANEL_STATISTICS}, {ITEM_TERMINAL, PANEL_TERMINAL},
+    {ITEM_SCOPE, PANEL_SCOPE},           {ITEM_CONFIG, PANEL_CONFIG},
+    {ITEM_DEBUGGER, PANEL_DEBUGGER},     {ITEM_SIMULATOR, PANEL_SIMULATOR},
+    {ITEM_TRACE, PANEL_TRACE},
+};
+
+} // namespace
+
+void VR_SizeConsole(int height)
+{
+    SetPanelAttribute(consolePanel, ATTR_WIDTH, MAIN_WIDTH);
+    SetPanelAttribute(consolePanel, ATTR_HEIGHT, height - CONSOLE_TOP);
+    SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT, height - CONSOLE_BOX_LOSS);
+    SetCtrlAttribute(consolePanel, CONSOLE_PROMPT, ATTR_TOP, height - CONSOLE_LINE_LOSS);
+    SetCtrlAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP, height - CONSOLE_LINE_LOSS);
+    ScrollConsoleToEnd();
+}
+
+int PanelCB(int panel, int event, int data)
+{
+    switch (event) {
+    case EVENT_KEYPRESS:
+        return OnKey(data);
+    case EVENT_CLOSE:
+        ExitApplication(panel);
+        return 0;
+    case EVENT_PANEL_SIZE:
+        OnResize();
+        return 0;
+    default:
+        return 0;
+    }
+}
+
+int ConfigPanelCB(int panel, int event, int)
+{
+    if (event != EVENT_CLOSE)
+        return 0;
+    if (VR_enAppMode == MODE_CONFIGURATION)
+        ExitApplication(panel);
+    else
+        HidePanel(panel);
+    return 0;
+}
+
+void WindowCB(int, int item)
+{
+    if (item == ITEM_CONSOLE_VIEW)
+        ShowConsoleView();
+    else if (item == ITEM_WATCH_VIEW)
+        ShowWatchView();
+    if (item == ITEM_SCOPE)
+        VR_ComRequest();
+    for (const WindowItem &row : WINDOW_ITEMS)
+        if (row.item == item)
+            ShowWindow(row.panel);
+}

@@ -1,0 +1,131 @@
+// The mr166 link in words: results for the user, requests and answers for the trace.
+#include "comm/mr166_driver.h"
+#include "comm/mr166_link.h"
+#include "comm/trace.h"
+
+#include <cstdio>
+
+namespace {
+
+struct ErrorText {
+    int code;
+    const char *text;
+};
+constexpr ErrorText ERROR_TEXTS[] = {
+    {0, "answered"},
+    {MR166_ERR_SHORT, "answer damaged (too short)"},
+    {MR166_ERR_START, "answer damaged (start character)"},
+    {MR166_ERR_END, "answer damaged (end character)"},
+    {MR166_ERR_HEX, "answer damaged (not hexadecimal)"},
+    {MR166_ERR_CHECK, "answer damaged (check value)"},
+    {MR166_ERR_STATION, "wrong station in the answer"},
+    {MR166_ERR_COMMAND, "wrong command in the answer"},
+    {MR166_ERR_LENGTH, "answer damaged (length)"},
+    {MR166_ERR_TIMEOUT, "no answer"},
+    {MR166_ERR_ARGUMENT, "bad station, command, address or count"},
+    {MR166_ERR_CLOSED, "port is not open"},
+    {MR166_ERR_OPEN_NI, "port is not available"},
+    {MR166_ERR_OPEN, "port is not available"},
+    {MR166_ERR_GET, "port settings could not be read"},
+    {MR166_ERR_SET, "port settings were refused"},
+    {MR166_ERR_PORT, "bad port number"},
+    {MR166_FAULT_GONE, "port is gone"},
+    {MR166_FAULT_SEND, "request could not be sent"},
+    {MR166_FAULT_ECHO, "echo of the request in place of an answer"},
+    {MR166_FAULT_COUNT, "answer has another number of bytes than asked for"},
+};
+
+TRC_Record current; // the exchange being recorded
+
+std::string HexList(const uint8_t *bytes, size_t count)
+{
+    std::string text = std::to_string(count) + (count == 1 ? " byte:" : " bytes:");
+    char digits[4];
+    for (size_t i = 0; i < count; ++i) {
+        std::snprintf(digits, sizeof digits, " %02X", static_cast<unsigned>(bytes[i]));
+        text += digits;
+    }
+    return text;
+}
+
+// What is written is taken back out of the request frame.
+std::string WrittenData()
+{
+    constexpr size_t FRAME_COUNT = 9, FRAME_DATA = 11;
+    uint8_t bytes[MR166_WRITE_MAX];
+    const size_t count = hexToByte(Mr166_abySnd + FRAME_COUNT);
+    for (size_t i = 0; i < count; ++i)
+        bytes[i] = hexToByte(Mr166_abySnd + FRAME_DATA + 2 * i);
+    return HexList(bytes, count);
+}
+
+std::string DescribeRequest()
+{
+    const unsigned station = Mr166_byStNo, command = Mr166_byCmd, word = Mr166_wData;
+    const auto address = static_cast<unsigned>(Mr166_dwAddr);
+    char text[96];
+    if (command == MR166_CMD_READ) {
+        std::snprintf(text, sizeof text, "station %u: read %u bytes at 0x%06X", station, word,
+                      address);
+    } else if (command == MR166_CMD_WRITE) {
+        std::snprintf(text, sizeof text, "station %u: write at 0x%06X ", station, address);
+        return text + WrittenData();
+    } else {
+        std::snprintf(text, sizeof text, "station %u: command %u at 0x%06X with 0x%04X", station,
+                      command, address, word);
+    }
+    return text;
+}
+
+} // namespace
+
+std::string MrASC_ErrorText(int code)
+{
+    for (const ErrorText &row : ERROR_TEXTS) {
+        if (row.code == code)
+            return row.text;
+    }
+    if (code <= -MR166_TARGET_ERROR_MIN)
+        return "target error code " + std::to_string(-code);
+    return "error " + std::to_string(code);
+}
+
+void MrTRC_Begin()
+{
+    current = TRC_Record();
+    PLT_LocalTime(&current.when);
+    current.request = DescribeRequest();
+    TRC_Append(&current.sent, Mr166_abySnd, cbSnd);
+    current.startUs = PLT_TickUs();
+}
+
+void MrTRC_Received(const void *bytes, size_t count)
+{
+    TRC_Append(&current.received, bytes, count);
+}
+
+void MrTRC_End(bool isAnswerChecked, bool isEchoSkipped)
+{
+    current.durationUs = static_cast<uint32_t>(PLT_TickUs() - current.startUs);
+    current.isGood = !isAnswerChecked || Mr166_nFault == 0;
+    current.result = isAnswerChecked ? MrASC_ErrorText(Mr166_nFault) : "sent, answer not checked";
+    if (isEchoSkipped)
+        current.result += " (echo of the request seen)";
+    if (isAnswerChecked && current.isGood && cnRcvData > 0)
+        current.answer = HexList(Mr166_abyRcvData, cnRcvData);
+    TRC_Add(current);
+}
+
+void MrTRC_Link(bool isOpening, int port, int baud, int result)
+{
+    TRC_Record record;
+    PLT_LocalTime(&record.when);
+    record.startUs = PLT_TickUs();
+    record.request = "COM" + std::to_string(port) + " at " + std::to_string(baud) + " baud, " +
+                     MrASC_Driver().name;
+    record.isGood = result == 0;
+    record.result = isOpening ? "opened" : "closed";
+    if (result != 0)
+        record.result = MrASC_ErrorText(result);
+    TRC_Add(record);
+}

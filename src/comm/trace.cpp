@@ -1,0 +1,153 @@
+// The ring of the wire trace and the text of a record.
+#include "comm/trace.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <vector>
+
+bool TRC_isOn = false;
+
+namespace {
+
+std::vector<TRC_Record> ring;
+size_t capacity = 0;
+size_t oldest = 0; // index in ring once it is full
+bool isStopped = false;
+uint64_t lastNumber = 0;
+TRC_Sink sinkCall = nullptr;
+void *sinkContext = nullptr;
+
+void UpdateFlag()
+{
+    TRC_isOn = (capacity > 0 && !isStopped) || sinkCall != nullptr;
+}
+
+void Keep(const TRC_Record &record)
+{
+    if (ring.size() < capacity) {
+        ring.push_back(record);
+        return;
+    }
+    ring[oldest] = record;
+    oldest = (oldest + 1) % capacity;
+}
+
+void AppendLine(std::string *text, const char *mark, const std::string &line)
+{
+    *text += "  ";
+    *text += mark;
+    *text += ' ';
+    *text += line;
+    *text += '\n';
+}
+
+std::string HeadLine(const TRC_Record &record)
+{
+    char stamp[64];
+    const PLT_Date &when = record.when;
+    std::snprintf(stamp, sizeof stamp, "#%llu %02d:%02d:%02d.%03d ",
+                  static_cast<unsigned long long>(record.number), when.hour, when.minute,
+                  when.second, when.millisecond);
+    std::string line = stamp + record.request + ": " + record.result;
+    if (record.sent.count > 0) {
+        std::snprintf(stamp, sizeof stamp, " (%u.%03u ms)", record.durationUs / 1000u,
+                      record.durationUs % 1000u);
+        line += stamp;
+    }
+    return line + "\n";
+}
+
+} // namespace
+
+void TRC_Enable(size_t wanted)
+{
+    capacity = wanted;
+    TRC_Clear();
+    ring.shrink_to_fit();
+    UpdateFlag();
+}
+
+void TRC_Clear()
+{
+    ring.clear();
+    oldest = 0;
+}
+
+void TRC_Pause(bool isPaused)
+{
+    isStopped = isPaused;
+    UpdateFlag();
+}
+
+bool TRC_IsPaused()
+{
+    return isStopped;
+}
+
+size_t TRC_Count()
+{
+    return ring.size();
+}
+
+const TRC_Record *TRC_Get(size_t index)
+{
+    return index < ring.size() ? &ring[(oldest + index) % ring.size()] : nullptr;
+}
+
+void TRC_SetSink(TRC_Sink sink, void *context)
+{
+    sinkCall = sink;
+    sinkContext = context;
+    UpdateFlag();
+}
+
+std::string TRC_FormatBytes(const TRC_Bytes &bytes)
+{
+    std::string hex, plain;
+    char digits[4];
+    for (size_t i = 0; i < bytes.count; ++i) {
+        const unsigned value = bytes.bytes[i];
+        std::snprintf(digits, sizeof digits, "%02X ", value);
+        hex += digits;
+        plain += value >= 0x20 && value < 0x7F ? static_cast<char>(value) : '.';
+    }
+    std::string text = hex + " |" + plain + "|";
+    if (bytes.lost > 0)
+        text += " and " + std::to_string(bytes.lost) + " more";
+    return text;
+}
+
+void TRC_Format(const TRC_Record &record, std::string *text)
+{
+    *text += HeadLine(record);
+    if (record.sent.count > 0)
+        AppendLine(text, ">", TRC_FormatBytes(record.sent));
+    if (record.received.count > 0)
+        AppendLine(text, "<", TRC_FormatBytes(record.received));
+    if (!record.answer.empty())
+        AppendLine(text, "=", record.answer);
+}
+
+void TRC_Add(const TRC_Record &record)
+{
+    TRC_Record numbered = record;
+    numbered.number = ++lastNumber;
+    if (capacity > 0 && !isStopped)
+        Keep(numbered);
+    if (sinkCall != nullptr) {
+        std::string text;
+        TRC_Format(numbered, &text);
+        sinkCall(text, sinkContext);
+    }
+}
+
+void TRC_Append(TRC_Bytes *to, const void *bytes, size_t count)
+{
+    const size_t room = TRC_BYTES_MAX - to->count;
+    const size_t kept = std::min(count, room);
+    std::memcpy(to->bytes + to->count, bytes, kept);
+    to->count = static_cast<uint16_t>(to->count + kept);
+    const size_t lost = std::min<size_t>(to->lost + (count - kept), UINT16_MAX);
+    to->lost = static_cast<uint16_t>(lost);
+}

@@ -1,0 +1,88 @@
+// The mr166 link as a protocol of the unified layer.
+#include "comm/mr166_link.h"
+#include "comm/ucm.h"
+#include "comm/ucm_protocol.h"
+
+namespace {
+
+constexpr int STATION_MAX = 15;
+
+void TakeTries()
+{
+    Mr166_CnBlkRpt = UCM_recS.tries;
+}
+
+bool IsStation(int station)
+{
+    return station >= 0 && station <= STATION_MAX;
+}
+
+int Open(int port, int baud)
+{
+    TakeTries();
+    return UCM_CountErr(MrASC_Open(port, baud));
+}
+
+int UseWin32(int flag)
+{
+    return UCM_CountErr(MrASC_UseWin32(flag));
+}
+
+int Read(int station, uint32_t address, uint32_t count, void *buffer)
+{
+    TakeTries();
+    return UCM_CountErr(Mr166_Read(station, address, count, buffer));
+}
+
+int Write(int station, uint32_t address, uint32_t count, const void *data)
+{
+    TakeTries();
+    return UCM_CountErr(Mr166_Write(station, address, count, data));
+}
+
+int ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buffer)
+{
+    TakeTries();
+    return UCM_CountErr(Mr166_ReadBg(station, address, count, buffer));
+}
+
+int WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data)
+{
+    TakeTries();
+    return UCM_CountErr(Mr166_WriteBg(station, address, count, data));
+}
+
+int Message(int station, int command, uint32_t address, uint16_t word, const void *data)
+{
+    if (!IsStation(station))
+        return UCM_CountErr(UCM_ERR_ARGUMENT);
+    return mr166Message(station, command, address, word, data);
+}
+
+int MessageNoAnswer(int station, int command, uint32_t address, uint16_t word, const void *data)
+{
+    if (!IsStation(station))
+        return UCM_CountErr(UCM_ERR_ARGUMENT);
+    TakeTries();
+    return UCM_CountErr(Mr166MessageW32NA(station, command, address, word, data));
+}
+
+std::string LastErrorText()
+{
+    return Mr166_nFault == 0 ? std::string() : MrASC_ErrorText(Mr166_nFault);
+}
+
+void AddCounts(UCM_Statistics *statistics)
+{
+    statistics->answered += EC_dwMsgOk;
+    statistics->timeouts += EC_wTimeErr;
+    statistics->damaged += EC_wFrameErr;
+    statistics->repeated += EC_dwBlkRpt;
+}
+
+} // namespace
+
+const UCM_Protocol UCM_PROTOCOL_MR166 = {
+    1,     0,      STATION_MAX, Open,    MrASC_Close,     MrASC_IsOpened, UseWin32,  Read,
+    Write, ReadBg, WriteBg,     Message, MessageNoAnswer, LastErrorText,  AddCounts,
+};

@@ -1,0 +1,317 @@
+// Serial ports on termios and poll. A handle is an index into a small table that
+// keeps the descriptor and its time-outs. The descriptor is always non-blocking:
+// every wait goes through poll with what is left of the time-out, so that neither a
+// silent target nor a device that vanished can hold the program.
+#include "platform/serial.h"
+
+#include "platform/system.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <termios.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int PORTS_MAX = 16;
+
+struct Port {
+    int fd = -1;
+    bool exclusive = false; // TIOCEXCL was set and must be taken back
+    unsigned readTotalMs = 0, writeTotalMs = 0;
+};
+Port ports[PORTS_MAX];
+
+struct BaudCode {
+    uint32_t baud;
+    speed_t code;
+};
+constexpr BaudCode BAUDS[] = {
+    {50, B50},           {75, B75},           {110, B110},         {134, B134},
+    {150, B150},         {200, B200},         {300, B300},         {600, B600},
+    {1200, B1200},       {1800, B1800},       {2400, B2400},       {4800, B4800},
+    {9600, B9600},       {19200, B19200},     {38400, B38400},     {57600, B57600},
+    {115200, B115200},   {230400, B230400},   {460800, B460800},   {500000, B500000},
+    {576000, B576000},   {921600, B921600},   {1000000, B1000000}, {1152000, B1152000},
+    {1500000, B1500000}, {2000000, B2000000}, {2500000, B2500000}, {3000000, B3000000},
+    {3500000, B3500000}, {4000000, B4000000},
+};
+
+Port *FindPort(SER_Handle handle)
+{
+    if (handle < 0 || handle >= PORTS_MAX || ports[handle].fd < 0)
+        return nullptr;
+    return &ports[handle];
+}
+
+bool FindBaud(uint32_t baud, speed_t *code)
+{
+    for (const BaudCode &row : BAUDS) {
+        if (row.baud == baud) {
+            *code = row.code;
+            return true;
+        }
+    }
+    return false;
+}
+
+uint64_t DeadlineUs(unsigned totalMs)
+{
+    return PLT_TickUs() + uint64_t{totalMs} * 1000u;
+}
+
+// Milliseconds left, rounded up so that a wait never ends before its time.
+int LeftMs(uint64_t deadlineUs)
+{
+    const uint64_t now = PLT_TickUs();
+    const uint64_t left = deadlineUs > now ? (deadlineUs - now + 999u) / 1000u : 0;
+    return left > INT_MAX ? INT_MAX : static_cast<int>(left);
+}
+
+// 1 ready (or gone, which the following read or write finds out), 0 time is over, negative error.
+int WaitFor(int fd, short events, int timeoutMs)
+{
+    struct pollfd item = {fd, events, 0};
+    const int result = poll(&item, 1, timeoutMs);
+    if (result > 0)
+        return (item.revents & POLLNVAL) != 0 ? -1 : 1;
+    return result < 0 && errno != EINTR ? -1 : 0;
+}
+
+// Bytes read, 0 when there were none, SER_ERR_IO. A terminal that hung up reads as end of file.
+int ReadNow(int fd, void *buffer, size_t count)
+{
+    const ssize_t got = read(fd, buffer, count);
+    if (got > 0)
+        return static_cast<int>(got);
+    if (got < 0 && (errno == EAGAIN || errno == EINTR))
+        return 0;
+    return count == 0 ? 0 : SER_ERR_IO;
+}
+
+// The kernel's own lock belongs to the terminal and outlives a killed program as long
+// as somebody else holds the terminal, which on a pseudo terminal its maker does. There
+// the lock on the file is enough: it dies with the process.
+bool IsPseudoTerminal(int fd)
+{
+    struct stat status;
+    if (fstat(fd, &status) != 0)
+        return false;
+    const unsigned number = major(status.st_rdev);
+    return number >= 136 && number <= 143;
+}
+
+bool LockDevice(Port *port)
+{
+    if (!isatty(port->fd) || flock(port->fd, LOCK_EX | LOCK_NB) != 0)
+        return false;
+    port->exclusive = !IsPseudoTerminal(port->fd);
+    return !port->exclusive || ioctl(port->fd, TIOCEXCL) == 0;
+}
+
+void SetFrame(struct termios *tio, const SER_Settings &settings)
+{
+    constexpr tcflag_t SIZES[] = {CS5, CS6, CS7, CS8};
+    cfmakeraw(tio);
+    // cfmakeraw leaves these: flow control, hang-up on close, modem control.
+    tio->c_iflag &= ~static_cast<tcflag_t>(IXOFF | IXANY | INPCK | IGNPAR | IUCLC);
+    tio->c_iflag |= IGNBRK;
+    tio->c_cflag &= ~static_cast<tcflag_t>(CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS | HUPCL);
+    tio->c_cflag |= CREAD | CLOCAL | SIZES[settings.dataBits - 5];
+    if (settings.stopBits == 2)
+        tio->c_cflag |= CSTOPB;
+    if (settings.parity != 'n')
+        tio->c_cflag |= PARENB;
+    if (settings.parity == 'o')
+        tio->c_cflag |= PARODD;
+    // With a minimum of one byte a read of nothing is "try again" and end of file means gone.
+    tio->c_cc[VMIN] = 1;
+    tio->c_cc[VTIME] = 0;
+}
+
+bool AreSettingsValid(const SER_Settings &settings)
+{
+    return settings.dataBits >= 5 && settings.dataBits <= 8 &&
+           (settings.stopBits == 1 || settings.stopBits == 2) &&
+           (settings.parity == 'n' || settings.parity == 'e' || settings.parity == 'o');
+}
+
+// Pseudo terminals have no such lines: the result is of no interest.
+void SetLine(int fd, int line, bool on)
+{
+    (void)ioctl(fd, on ? TIOCMBIS : TIOCMBIC, &line);
+}
+
+} // namespace
+
+std::string SER_DevicePath(int port)
+{
+    const std::string number = std::to_string(port);
+    const char *device = std::getenv(("VIREO2_COM" + number).c_str());
+    if (device != nullptr && *device != '\0')
+        return device;
+    // A link that points nowhere still decides: its device is unplugged, not another one.
+    const std::string link = PLT_ConfigDir() + "/ports/COM" + number;
+    struct stat status;
+    if (lstat(link.c_str(), &status) == 0)
+        return link;
+    return port > 0 ? "/dev/ttyS" + std::to_string(port - 1) : std::string();
+}
+
+int SER_Open(int port, SER_Handle *handle)
+{
+    *handle = SER_INVALID;
+    int slot = 0;
+    while (slot < PORTS_MAX && ports[slot].fd >= 0)
+        ++slot;
+    if (slot == PORTS_MAX)
+        return SER_ERR_OPEN;
+    Port fresh;
+    fresh.fd = open(SER_DevicePath(port).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+    if (fresh.fd < 0)
+        return SER_ERR_OPEN;
+    if (!LockDevice(&fresh)) {
+        close(fresh.fd);
+        return SER_ERR_OPEN;
+    }
+    ports[slot] = fresh;
+    *handle = slot;
+    return SER_OK;
+}
+
+int SER_Configure(SER_Handle handle, const SER_Settings &settings)
+{
+    const Port *port = FindPort(handle);
+    struct termios tio;
+    if (port == nullptr || tcgetattr(port->fd, &tio) != 0)
+        return SER_ERR_GET;
+    speed_t code = B0;
+    if (!AreSettingsValid(settings) || !FindBaud(settings.baud, &code))
+        return SER_ERR_SET;
+    SetFrame(&tio, settings);
+    if (cfsetispeed(&tio, code) != 0 || cfsetospeed(&tio, code) != 0 ||
+        tcsetattr(port->fd, TCSANOW, &tio) != 0)
+        return SER_ERR_SET;
+    // Setting succeeds when any part of it did: the speed is the part that must not differ.
+    struct termios now;
+    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code)
+        return SER_ERR_SET;
+    SetLine(port->fd, TIOCM_DTR, settings.dtr);
+    SetLine(port->fd, TIOCM_RTS, settings.rts);
+    return SER_OK;
+}
+
+int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
+{
+    Port *port = FindPort(handle);
+    if (port == nullptr)
+        return SER_ERR_IO;
+    port->readTotalMs = readTotalMs;
+    port->writeTotalMs = writeTotalMs;
+    return SER_OK;
+}
+
+int SER_Write(SER_Handle handle, const void *bytes, size_t count)
+{
+    const Port *port = FindPort(handle);
+    if (port == nullptr)
+        return SER_ERR_IO;
+    const uint64_t deadline = DeadlineUs(port->writeTotalMs);
+    const char *data = static_cast<const char *>(bytes);
+    size_t done = 0;
+    while (done < count) {
+        const ssize_t wrote = write(port->fd, data + done, count - done);
+        if (wrote > 0) {
+            done += static_cast<size_t>(wrote);
+            continue;
+        }
+        if (wrote < 0 && errno != EAGAIN && errno != EINTR)
+            return SER_ERR_IO;
+        const int left = LeftMs(deadline);
+        if (left == 0)
+            break;
+        if (WaitFor(port->fd, POLLOUT, left) < 0)
+            return SER_ERR_IO;
+    }
+    return static_cast<int>(done);
+}
+
+int SER_Read(SER_Handle handle, void *buffer, size_t count)
+{
+    const Port *port = FindPort(handle);
+    if (port == nullptr)
+        return SER_ERR_IO;
+    const uint64_t deadline = DeadlineUs(port->readTotalMs);
+    char *data = static_cast<char *>(buffer);
+    size_t done = 0;
+    int left = static_cast<int>(port->readTotalMs);
+    while (done < count) {
+        const int ready = WaitFor(port->fd, POLLIN, left);
+        const int got = ready > 0 ? ReadNow(port->fd, data + done, count - done) : ready;
+        if (got < 0)
+            return done > 0 ? static_cast<int>(done) : SER_ERR_IO;
+        done += static_cast<size_t>(got);
+        left = LeftMs(deadline);
+        if (left == 0 && got == 0)
+            break;
+    }
+    return static_cast<int>(done);
+}
+
+int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs)
+{
+    const Port *port = FindPort(handle);
+    if (port == nullptr)
+        return SER_ERR_IO;
+    const int ready =
+        WaitFor(port->fd, POLLIN, waitMs > INT_MAX ? INT_MAX : static_cast<int>(waitMs));
+    if (ready <= 0)
+        return ready < 0 ? SER_ERR_IO : 0;
+    return ReadNow(port->fd, buffer, capacity);
+}
+
+int SER_BytesWaiting(SER_Handle handle)
+{
+    const Port *port = FindPort(handle);
+    int count = 0;
+    if (port == nullptr || ioctl(port->fd, FIONREAD, &count) != 0)
+        return SER_ERR_IO;
+    return count;
+}
+
+int SER_DropInput(SER_Handle handle)
+{
+    const Port *port = FindPort(handle);
+    return port != nullptr && tcflush(port->fd, TCIFLUSH) == 0 ? SER_OK : SER_ERR_IO;
+}
+
+int SER_DropOutput(SER_Handle handle)
+{
+    const Port *port = FindPort(handle);
+    return port != nullptr && tcflush(port->fd, TCOFLUSH) == 0 ? SER_OK : SER_ERR_IO;
+}
+
+// A write has already handed its bytes to the driver, which sends them on its own;
+// draining would add a system call to every exchange and has no time-out.
+int SER_FlushOutput(SER_Handle handle)
+{
+    return FindPort(handle) != nullptr ? SER_OK : SER_ERR_IO;
+}
+
+void SER_Close(SER_Handle handle)
+{
+    Port *port = FindPort(handle);
+    if (port == nullptr)
+        return;
+    if (port->exclusive)
+        (void)ioctl(port->fd, TIOCNXCL);
+    close(port->fd);
+    *port = Port();
+}

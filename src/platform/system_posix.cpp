@@ -1,0 +1,164 @@
+// Time, files, folders and shared libraries on POSIX. Starting programs is in
+// launch_posix.cpp.
+#include "platform/system.h"
+
+#include <climits>
+#include <cstdlib>
+#include <ctime>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+std::string FolderOf(const std::string &path)
+{
+    const size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+std::string EnvText(const char *name)
+{
+    const char *value = std::getenv(name);
+    return value != nullptr ? value : "";
+}
+
+} // namespace
+
+uint64_t PLT_TickUs()
+{
+    struct timespec now;
+    clock_gettime(CLOCK_MONOTONIC, &now);
+    return static_cast<uint64_t>(now.tv_sec) * 1000000u +
+           static_cast<uint64_t>(now.tv_nsec) / 1000u;
+}
+
+uint32_t PLT_TickMs()
+{
+    return static_cast<uint32_t>(PLT_TickUs() / 1000u);
+}
+
+void PLT_SleepMs(unsigned ms)
+{
+    struct timespec left = {static_cast<time_t>(ms / 1000u),
+                            static_cast<long>(ms % 1000u) * 1000000};
+    while (nanosleep(&left, &left) != 0) {
+    }
+}
+
+int PLT_GetFileStamp(const std::string &path, PLT_FileStamp *stamp)
+{
+    struct stat status;
+    struct tm local;
+    if (stat(path.c_str(), &status) != 0 || localtime_r(&status.st_mtime, &local) == nullptr)
+        return -1;
+    *stamp = {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+              local.tm_hour,        local.tm_min,     local.tm_sec};
+    return 0;
+}
+
+void PLT_LocalTime(PLT_Date *now)
+{
+    struct timespec wall;
+    struct tm local;
+    clock_gettime(CLOCK_REALTIME, &wall);
+    localtime_r(&wall.tv_sec, &local);
+    *now = {local.tm_year + 1900,
+            local.tm_mon + 1,
+            local.tm_mday,
+            local.tm_hour,
+            local.tm_min,
+            local.tm_sec,
+            static_cast<int>(wall.tv_nsec / 1000000)};
+}
+
+std::string PLT_CurrentDir()
+{
+    char path[PATH_MAX];
+    return getcwd(path, sizeof path) != nullptr ? path : "";
+}
+
+std::string PLT_ConfigDir()
+{
+    std::string base = EnvText("XDG_CONFIG_HOME");
+    if (base.empty() || base[0] != '/')
+        base = EnvText("HOME") + "/.config";
+    return base + "/vireo2";
+}
+
+std::string PLT_ProgramDir()
+{
+    char path[PATH_MAX];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    if (length <= 0 || length >= static_cast<ssize_t>(sizeof path))
+        return "";
+    return FolderOf(std::string(path, static_cast<size_t>(length)));
+}
+
+char PLT_PathSeparator()
+{
+    return '/';
+}
+
+int PLT_MakeDirs(const std::string &path)
+{
+    for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        (void)mkdir(path.substr(0, end).c_str(), 0777);
+        if (end == std::string::npos)
+            break;
+    }
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode) ? 0 : -1;
+}
+
+void *PLT_LoadLibrary(const std::string &name)
+{
+    return dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
+}
+
+void *PLT_GetSymbol(void *library, const char *name)
+{
+    return library != nullptr ? dlsym(library, name) : nullptr;
+}
+
+int PLT_ReplaceFile(const std::string &from, const std::string &to)
+{
+    struct stat old;
+    if (stat(to.c_str(), &old) == 0)
+        (void)chmod(from.c_str(), old.st_mode & 07777);
+    if (std::rename(from.c_str(), to.c_str()) != 0)
+        return -1;
+    // The new name is safe only when the folder is on the disk too.
+    const int folder = open(FolderOf(to).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (folder >= 0) {
+        (void)fsync(folder);
+        close(folder);
+    }
+    return 0;
+}
+
+int PLT_ResolveFile(const std::string &path, std::string *real)
+{
+    struct stat status;
+    *real = path;
+    if (stat(path.c_str(), &status) != 0)
+        return 0;
+    char resolved[PATH_MAX];
+    if (!S_ISREG(status.st_mode) || realpath(path.c_str(), resolved) == nullptr)
+        return -1;
+    *real = resolved;
+    return 0;
+}
+
+int PLT_SyncFile(std::FILE *file)
+{
+    return fsync(fileno(file)) == 0 ? 0 : -1;
+}
+
+int PLT_ProcessId()
+{
+    return static_cast<int>(getpid());
+}

@@ -1,0 +1,84 @@
+// The headless face's own calls, beside runtime/userint.h: what a person would do
+// (click, type, answer a question) and what a person would see. The console program
+// drives the event loop through it; tests drive and examine the whole program.
+//
+// Results follow runtime/userint.h: 0 or positive good, negative a UI_Error code.
+#ifndef RUNTIME_HEADLESS_HEADLESS_H
+#define RUNTIME_HEADLESS_HEADLESS_H
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "runtime/userint.h"
+
+constexpr int HL_DIMMED = -1; // the control or item is dimmed: the user cannot reach it
+
+// --- for tests ----------------------------------------------------------------------
+// Forgets everything: panels unloaded, queues and logs empty, timers suspended, no
+// driver, both streams silent.
+void HL_Reset();
+// Loads every panel of the table as a window of its own. 0, or the first error.
+int HL_LoadAllPanels();
+
+// --- streams ------------------------------------------------------------------------
+// Where console lines (`out`) and everything for the eye (`err`) go; null = nowhere.
+// At program start they are standard output and standard error.
+void HL_SetStreams(std::FILE *out, std::FILE *err);
+// Whether progress boxes show as a line that is written over and over on `err`: for
+// a terminal. Off at start, so that a log file does not fill with it.
+void HL_ShowProgress(bool isShown);
+
+// --- event loop -----------------------------------------------------------------------
+// What RunUserInterface runs. The driver returns when it is done or HL_IsQuit() is
+// true; its result is the loop's unless QuitUserInterface gave one.
+void HL_SetDriver(int (*driver)());
+bool HL_IsQuit();
+// One tick of a timer: 1 fired, 0 timers are suspended.
+int HL_FireTimer(int panel, int control);
+// Sleeps for the timer's interval, then fires it. Ends early, unfired (0), once
+// `isStopped` (may be null) says so.
+int HL_WaitTimer(int panel, int control, bool (*isStopped)());
+
+// --- questions ------------------------------------------------------------------------
+enum HL_DefaultAnswer {
+    HL_ANSWER_SAFE, // no, cancel, no file
+    HL_ANSWER_YES,  // the first button; a question for a text is cancelled all the same
+    HL_ANSWER_NO,   // no, or the second button
+};
+// How questions are answered once the queue is empty.
+void HL_SetDefaultAnswer(HL_DefaultAnswer answer);
+// Queues the answer to the next question. `button`: 1 yes / OK / first button, 0 no /
+// closed; `text`: what is typed into the entry field, or the file chosen.
+void HL_PushAnswer(int button, const std::string &text = "");
+int HL_CountAnswers(); // answers nobody asked for yet
+// Every pop-up so far as "title: message" (questions too); HL_Reset empties it.
+const std::vector<std::string> &HL_GetPopups();
+// The user presses Cancel of the progress box at its n-th update from now; 0 = never.
+void HL_CancelProgressAt(int update);
+
+// --- what the user does -----------------------------------------------------------------
+int HL_ClickMenu(int item);
+int HL_CommitControl(int panel, int control);         // button pressed, field entered
+int HL_Toggle(int panel, int control);                // switch flipped, then EVENT_COMMIT
+int HL_SetUserVal(int panel, int control, int value); // then EVENT_VAL_CHANGED
+int HL_SetUserVal(int panel, int control, const std::string &text);
+int HL_SelectLine(int panel, int control, int index); // then EVENT_VAL_CHANGED
+// A key while `control` has the focus (0 = none): the control's callback, what the
+// control does by itself, the panel's callback, the menu shortcuts; until swallowed.
+int HL_Key(int panel, int control, int key);
+int HL_Event(int panel, int control, int event, int data); // any event, straight to the callback
+int HL_ClosePanel(int panel);
+int HL_ResizePanel(int panel, int height, int width);
+
+// --- what the user sees -----------------------------------------------------------------
+std::vector<std::string> HL_GetLabels(int panel, int control); // list or ring lines
+std::vector<std::string> HL_GetLines(int panel, int control);  // text box lines
+std::string HL_GetTip(int panel, int control, int index);      // tip of a list line
+std::vector<int> HL_GetMenuItems(int menu);                    // items from top to bottom
+std::string HL_GetMenuText(int item);
+int HL_GetShortcut(int item);
+const std::string &HL_GetClipboard();
+const std::vector<std::string> &HL_GetLaunched(); // command lines given to LaunchExecutable
+
+#endif

@@ -1,0 +1,49 @@
+#include "runtime/list_columns.h"
+
+#include <cstdlib>
+
+namespace {
+
+constexpr size_t DIGITS_MAX = 5;
+
+// The escape at `at`: its pixel and its length, or false.
+bool ParseEscape(const std::string &label, size_t at, int *pixels, size_t *length)
+{
+    if (label.compare(at, 2, "\033p") != 0)
+        return false;
+    const size_t first = at + 2;
+    const size_t end = label.find_first_not_of("0123456789", first);
+    if (end == std::string::npos || end == first || end - first > DIGITS_MAX || label[end] != 'l')
+        return false;
+    *pixels = std::atoi(label.substr(first, end - first).c_str());
+    *length = end + 1 - at;
+    return true;
+}
+
+} // namespace
+
+std::vector<UIC_Column> UIC_SplitColumns(const std::string &label)
+{
+    std::vector<UIC_Column> columns(1);
+    size_t at = 0;
+    while (at < label.size()) {
+        int pixels = 0;
+        size_t length = 0;
+        if (label[at] == '\033' && ParseEscape(label, at, &pixels, &length)) {
+            columns.push_back({pixels, ""});
+            at += length;
+        } else {
+            columns.back().text += label[at++];
+        }
+    }
+    return columns;
+}
+
+std::string UIC_JoinColumns(const std::string &label, const char *separator)
+{
+    const std::vector<UIC_Column> columns = UIC_SplitColumns(label);
+    std::string text = columns.front().text;
+    for (size_t i = 1; i < columns.size(); i++)
+        text += separator + columns[i].text;
+    return text;
+}

@@ -1,0 +1,109 @@
+// How the user opens and reloads maps: dialog, remembered file and time stamp, menu
+// and button callbacks.
+#include <cstdio>
+
+#include "app/VR.h"
+#include "platform/system.h"
+#include "runtime/userint.h"
+#include "symbols/mapfile.h"
+
+std::string szMapFileStamp;
+
+namespace {
+
+struct MapKind {
+    const char *pattern;
+    const char *title;
+    int (*load)(const char *fileName);
+};
+const MapKind mapKinds[] = {{"*.m66", "Open C166 map-file", map2node},
+                            {"*.m28xt", "Open C28x map-file", TMSmap2node}};
+const char MAP_TYPES[] = "*.m66;*.map;*.m28xt";
+
+bool IsTMSProcessor()
+{
+    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
+}
+
+int ModeOfProcessor()
+{
+    return IsTMSProcessor() ? LOADMAP_TMS : LOADMAP_C166;
+}
+
+bool CanOpen(const std::string &path)
+{
+    std::FILE *file = path.empty() ? nullptr : std::fopen(path.c_str(), "rb");
+    if (file != nullptr)
+        std::fclose(file);
+    return file != nullptr;
+}
+
+// Splits a remembered path into the dialog's folder and file; a bare name or none stays
+// in the current folder.
+bool AskForMap(const MapKind &kind, std::string *path)
+{
+    std::string folder = PLT_CurrentDir();
+    std::string spec = kind.pattern;
+    if (!szMapFileName.empty()) {
+        const size_t cut = szMapFileName.find_last_of("/\\");
+        spec = cut == std::string::npos ? szMapFileName : szMapFileName.substr(cut + 1);
+        if (cut != std::string::npos)
+            folder = szMapFileName.substr(0, cut + 1);
+    }
+    return FileSelectPopup(folder, spec, MAP_TYPES, kind.title, FILE_LOAD, path) !=
+           VAL_NO_FILE_SELECTED;
+}
+
+} // namespace
+
+int GetFileStamp(std::string *text, const char *fileName)
+{
+    PLT_FileStamp stamp;
+    if (PLT_GetFileStamp(fileName, &stamp) != 0)
+        return -1;
+    char buffer[80];
+    std::snprintf(buffer, sizeof buffer, "%4d-%02d-%02d/%02d:%02d:%02d", stamp.year, stamp.month,
+                  stamp.day, stamp.hour, stamp.minute, stamp.second);
+    *text = buffer;
+    return 0;
+}
+
+int LoadMap(int mode)
+{
+    const bool isTMS = (mode & LOADMAP_TMS) != 0;
+    const MapKind &kind = mapKinds[isTMS ? 1 : 0];
+    std::string path = szMapFileName;
+    const bool reload = (mode & LOADMAP_RELOAD) != 0 && CanOpen(path);
+    if (!reload && !AskForMap(kind, &path))
+        return -1;
+    const int result = kind.load(path.c_str());
+    if (result < 0) {
+        VR_ShowMessage("Error: Could not open MAP file.");
+        return result;
+    }
+    // A TMS320 map beside a C166 map is not the one that the reload key reads again.
+    if (!isTMS || IsTMSProcessor()) {
+        szMapFileName = path;
+        if (GetFileStamp(&szMapFileStamp, path.c_str()) != 0)
+            szMapFileStamp.clear();
+    }
+    SetMainPanelAttributes();
+    return 0;
+}
+
+void OpenMapCB(int, int)
+{
+    LoadMap(ModeOfProcessor());
+}
+
+void ReloadMapFile(int, int)
+{
+    LoadMap(ModeOfProcessor() | LOADMAP_RELOAD);
+}
+
+int MapBtnCB(int, int, int event, int)
+{
+    if (event == EVENT_COMMIT)
+        ReloadMapFile(0, 0);
+    return 0;
+}

@@ -1,0 +1,15 @@
+// Shared by the type map's own files: how members follow one another.
+#ifndef SYMBOLS_TYPEMAP_LAYOUT_H
+#define SYMBOLS_TYPEMAP_LAYOUT_H
+
+#include <cstdint>
+
+// Where a member goes that would start at `offset`. The padding is the offset modulo the
+// alignment: exact for alignments of 1 and 2, and for 4 at even offsets.
+int64_t TMF_PlaceMember(int64_t offset, int32_t alignment);
+// The tables have changed: sizes computed from them are forgotten.
+void TMF_ForgetLayouts();
+// The same for the name index.
+void TMF_ForgetNames();
+
+#endif

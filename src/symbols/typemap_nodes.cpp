@@ -1,0 +1,154 @@
+// The struct-variable nodes: every variable of a map and all its members with their
+// addresses, ordered by address.
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+#include "runtime/userint.h"
+#include "symbols/typemap.h"
+
+VarNode *TMF_paSVNode = nullptr;
+int32_t TMF_cnSVNode = 0;
+int32_t TMF_cnSVNodeAlloc = 0;
+int32_t *TMF_panSVIndex = nullptr;
+
+namespace {
+
+constexpr int32_t FIRST_SVNODES = 1024;
+
+bool IsRecord(uint32_t code)
+{
+    const uint32_t derivation = code & TMF_DERIVATION;
+    return derivation == TMF_UNION || derivation == TMF_STRUCT;
+}
+
+// Whether members are found below a chain.
+bool HasMembers(const uint32_t *chain)
+{
+    while ((chain[0] & TMF_DERIVATION) == TMF_ARRAY)
+        ++chain;
+    return IsRecord(chain[0]);
+}
+
+int AddParts(const std::string &path, const uint32_t *chain, uint32_t address);
+
+int AddMembers(const std::string &path, uint32_t code, uint32_t address)
+{
+    const TMF_Decl *decl = nullptr;
+    uint32_t offset = 0;
+    for (int i = 0; TMF_GetStructItemAt(code, i, &decl, &offset) == 0; ++i) {
+        const std::string member = path + "." + decl->name;
+        if (TMF_AddSVNode(member, address + offset) != 0 ||
+            AddParts(member, decl->chain, address + offset) != 0)
+            return -1;
+    }
+    return 0;
+}
+
+// Everything inside a variable of that type; plain arrays stay whole. A type that does not
+// resolve (a structure inside itself) has no parts, which bounds the recursion.
+int AddParts(const std::string &path, const uint32_t *chain, uint32_t address)
+{
+    uint32_t kind = 0, count = 0, stride = 0;
+    int32_t size = 0, elements = 0, alignment = 0;
+    if (!HasMembers(chain) ||
+        TMF_GetTypeInfo(chain, &kind, &size, &elements, &alignment, 0) != 0)
+        return 0;
+    if (IsRecord(chain[0]))
+        return AddMembers(path, chain[0], address);
+    if (TMF_GetArrayInfo(chain, &count, &stride) != 0)
+        return 0;
+    for (uint32_t i = 0; i < count; ++i)
+        if (AddParts(path + "[" + std::to_string(i) + "]", chain + 1, address + i * stride) != 0)
+            return -1;
+    return 0;
+}
+
+bool ReserveNode()
+{
+    if (TMF_cnSVNode < TMF_cnSVNodeAlloc)
+        return true;
+    const int32_t room = TMF_cnSVNodeAlloc == 0 ? FIRST_SVNODES : TMF_cnSVNodeAlloc * 2;
+    void *grown = std::realloc(static_cast<void *>(TMF_paSVNode),
+                               static_cast<size_t>(room) * sizeof(VarNode));
+    if (grown == nullptr)
+        return false;
+    TMF_paSVNode = static_cast<VarNode *>(grown);
+    TMF_cnSVNodeAlloc = room;
+    return true;
+}
+
+} // namespace
+
+int TMF_AddSVNode(const std::string &name, uint32_t address)
+{
+    if (TMF_cnSVNode >= TMF_SVNODES_MAX || !ReserveNode())
+        return -1;
+    char *copy = static_cast<char *>(std::malloc(name.size() + 1));
+    if (copy == nullptr)
+        return -1;
+    std::memcpy(copy, name.c_str(), name.size() + 1);
+    TMF_paSVNode[TMF_cnSVNode].name = copy;
+    TMF_paSVNode[TMF_cnSVNode].addr = address;
+    ++TMF_cnSVNode;
+    return 0;
+}
+
+int TMF_CreateSVIndex()
+{
+    std::free(TMF_panSVIndex);
+    TMF_panSVIndex = nullptr;
+    if (TMF_cnSVNode == 0)
+        return 0;
+    TMF_panSVIndex = static_cast<int32_t *>(
+        std::malloc(static_cast<size_t>(TMF_cnSVNode) * sizeof *TMF_panSVIndex));
+    if (TMF_panSVIndex == nullptr)
+        return -1;
+    for (int32_t i = 0; i < TMF_cnSVNode; ++i)
+        TMF_panSVIndex[i] = i;
+    std::stable_sort(TMF_panSVIndex, TMF_panSVIndex + TMF_cnSVNode, [](int32_t a, int32_t b) {
+        return TMF_paSVNode[a].addr < TMF_paSVNode[b].addr;
+    });
+    return 0;
+}
+
+int TMF_BuildSVNodes(const VarNode *nodes, int count)
+{
+    TMF_FreeSVNodes();
+    int result = 0;
+    for (int i = 0; i < count && result == 0; ++i)
+        result = TMF_AddSVNode(nodes[i].name, nodes[i].addr);
+    for (int i = 0; i < count && result == 0; ++i) {
+        const TMF_Decl *decl = TMF_FindVarDecl(nodes[i].name);
+        if (decl != nullptr)
+            result = AddParts(nodes[i].name, decl->chain, nodes[i].addr);
+    }
+    if (result != 0)
+        MessagePopup("Type map", "The variables have more than " +
+                                     std::to_string(TMF_SVNODES_MAX) +
+                                     " members. Addresses of the rest are shown without names.");
+    return TMF_CreateSVIndex() == 0 ? result : -1;
+}
+
+void TMF_FreeSVNodes()
+{
+    for (int32_t i = 0; i < TMF_cnSVNode; ++i)
+        std::free(TMF_paSVNode[i].name);
+    std::free(static_cast<void *>(TMF_paSVNode));
+    std::free(TMF_panSVIndex);
+    TMF_paSVNode = nullptr;
+    TMF_panSVIndex = nullptr;
+    TMF_cnSVNode = 0;
+    TMF_cnSVNodeAlloc = 0;
+}
+
+const VarNode *TMF_SVNodeAtOrAfter(uint32_t address)
+{
+    if (TMF_panSVIndex == nullptr)
+        return nullptr;
+    const int32_t *end = TMF_panSVIndex + TMF_cnSVNode;
+    const int32_t *found = std::lower_bound(
+        TMF_panSVIndex, end, address,
+        [](int32_t node, uint32_t wanted) { return TMF_paSVNode[node].addr < wanted; });
+    return found == end ? nullptr : &TMF_paSVNode[*found];
+}

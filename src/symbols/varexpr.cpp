@@ -1,0 +1,99 @@
+// Address expressions: a number, or a name with members, indexes and an offset, looked
+// up in a node table.
+#include <cstdlib>
+#include <cstring>
+
+#include "symbols/varnode.h"
+#include "text/xscan.h"
+
+namespace {
+
+constexpr uint32_t NOT_FOUND = 0xFFFFFFFFu;
+constexpr size_t EXPRESSION_MAX = 511; // characters; a longer text names nothing
+constexpr long STATION_MAX = 15;
+
+const char *SkipBlanks(const char *text)
+{
+    xscan("* ", &text);
+    return text;
+}
+
+// Past a station prefix ("3 : ") of a valid station, else where it was.
+const char *SkipStation(const char *text)
+{
+    const char *end = text;
+    if (xscan("* *#0-9.* /:", &end) < 0)
+        return text;
+    return std::strtol(text, nullptr, 10) <= STATION_MAX ? end : text;
+}
+
+// Station and "&" may stand in either order.
+const char *SkipPrefixes(const char *text)
+{
+    const char *rest = SkipBlanks(SkipStation(text));
+    if (*rest != '&')
+        return rest;
+    return SkipBlanks(rest == SkipBlanks(text) ? SkipStation(rest + 1) : rest + 1);
+}
+
+// "0x1F" or "0FA00H" at the cursor: the number, the cursor moved past it.
+bool ScanHexNumber(const char **cursor, uint32_t *value)
+{
+    const char *start = SkipBlanks(*cursor);
+    const char *end = start;
+    if (xscani("0x@#0-9A-F.", &end) < 0 && xscani("#0-9.*#0-9A-F.#H.", &end) < 0)
+        return false;
+    *value = static_cast<uint32_t>(std::strtoul(start, nullptr, 16));
+    *cursor = end;
+    return true;
+}
+
+// The offset text from its sign on. False when it is no number.
+bool ScanOffset(const char *text, uint32_t *offset)
+{
+    const bool negative = *text == '-';
+    *offset = 0;
+    xscan("?#+/-.* ", &text);
+    if (!ScanHexNumber(&text, offset)) {
+        const char *digits = text;
+        if (xscan("@#0-9.", &text) < 0)
+            return false;
+        *offset = static_cast<uint32_t>(std::strtoul(digits, nullptr, 10));
+    }
+    if (negative)
+        *offset = 0u - *offset;
+    return xscan("* #", &text) >= 0;
+}
+
+} // namespace
+
+uint32_t inStruct(const char *expression, const VarNode *table, int count)
+{
+    if (expression == nullptr || std::strlen(expression) > EXPRESSION_MAX)
+        return NOT_FOUND;
+    const char *text = SkipPrefixes(expression);
+    uint32_t number = 0;
+    const char *afterNumber = text;
+    if (ScanHexNumber(&afterNumber, &number))
+        return number;
+
+    char path[EXPRESSION_MAX + 1];
+    std::strcpy(path, text);
+    char name[EXPRESSION_MAX + 1];
+    const int nameLength = xscan_strcpy(name, path, "#_/?a-zA-Z.*#_/?0-9a-zA-Z.");
+    if (nameLength <= 0)
+        return NOT_FOUND;
+    uint32_t offset = 0;
+    if (char *sign = std::strpbrk(path + nameLength, "+-")) {
+        if (!ScanOffset(sign, &offset))
+            return NOT_FOUND;
+        *sign = '\0';
+    }
+    const int node = VRN_FindName(table, count, name);
+    if (node < 0)
+        return NOT_FOUND;
+    const char *follows = SkipBlanks(path + nameLength);
+    if (*follows == '.' || *follows == '[')
+        return NOT_FOUND;
+    return table[node].addr + offset;
+}

@@ -1,0 +1,378 @@
+// The scanner walks pattern and text once. What a call consumes is one stretch of the
+// text, so matching only finds its end and the copy to the output is made in one go.
+// A set is decoded when its turn comes: into two 64-bit masks that stay in registers,
+// so that a long run costs a shift and a test a character.
+#include "text/xscan.h"
+
+#include <climits>
+#include <cstdint>
+#include <cstring>
+
+namespace {
+
+#define SCAN_INLINE inline __attribute__((always_inline))
+
+constexpr size_t UNBOUNDED = SIZE_MAX;
+constexpr unsigned CASE_DISTANCE = 'a' - 'A';
+constexpr uint64_t UPPER_LETTERS = 0x7FFFFFEull; // "A".."Z" in the mask of 64..127
+constexpr uint64_t LOWER_LETTERS = UPPER_LETTERS << CASE_DISTANCE;
+
+// The characters of a set below 128 as masks; `wide` when it names others, which are
+// then looked for in the pattern itself.
+struct SetMasks {
+    uint64_t low = 0;  // characters 0..63
+    uint64_t high = 0; // characters 64..127
+    const char *next;  // what follows the set in the pattern
+    bool wide = false;
+};
+
+struct Repeat {
+    size_t least;
+    size_t most;
+};
+
+SCAN_INLINE unsigned char byteAt(const char *position)
+{
+    return static_cast<unsigned char>(*position);
+}
+
+SCAN_INLINE unsigned char asciiUpper(unsigned char c)
+{
+    return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - CASE_DISTANCE) : c;
+}
+
+SCAN_INLINE unsigned char asciiLower(unsigned char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + CASE_DISTANCE) : c;
+}
+
+template <bool FOLD> SCAN_INLINE unsigned char folded(unsigned char c)
+{
+    return FOLD ? asciiUpper(c) : c;
+}
+
+SCAN_INLINE bool isBlank(unsigned char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+// Calls visit(low, high) for each member or range of the set and returns what follows
+// it. A "-" just before the end of the set has nothing to range to and is a member.
+template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char *p, Visit visit)
+{
+    for (;;) {
+        unsigned char low = byteAt(p);
+        if (low <= '/') { // rarely more than a plain member
+            if (low == '.')
+                return p + 1;
+            if (low == '/')
+                low = byteAt(++p);
+            if (low == '\0')
+                return p;
+        }
+        low = folded<FOLD>(low);
+        ++p;
+        if (*p != '-' || p[1] == '.' || p[1] == '\0') {
+            visit(low, low);
+            continue;
+        }
+        do { // a further "-" ranges on from the bound reached
+            ++p;
+            if (*p == '/')
+                ++p;
+            const unsigned char high = *p != '\0' ? folded<FOLD>(byteAt(p++)) : low;
+            visit(low, high);
+            low = high;
+        } while (*p == '-' && p[1] != '.' && p[1] != '\0');
+    }
+}
+
+// Bits low..high of one word; the upper power of two wraps to 0 above bit 63.
+SCAN_INLINE uint64_t maskBetween(unsigned low, unsigned high)
+{
+    return (2ull << (high & 63)) - (1ull << (low & 63));
+}
+
+template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
+{
+    SetMasks set;
+    set.next = readSet<FOLD>(members, [&set](unsigned low, unsigned high) {
+        const uint64_t mask = maskBetween(low, high);
+        if (low <= high && high < 64) {
+            set.low |= mask;
+        } else if (low <= high && low >= 64 && high < 128) {
+            set.high |= mask;
+        } else if (low <= high) { // over the border between the masks, or beyond them
+            set.wide |= high > 127;
+            set.low |= low < 64 ? maskBetween(low, 63) : 0;
+            set.high |= low < 64 ? maskBetween(64, high < 128 ? high : 127) : 0;
+        }
+    });
+    if (FOLD) // each lower-case letter answers as its upper-case one
+        set.high = (set.high & ~LOWER_LETTERS) | (set.high & UPPER_LETTERS) << CASE_DISTANCE;
+    return set;
+}
+
+// Sets of one plain range, such as "0-9", are most of all sets.
+SCAN_INLINE bool isOneRange(const char *members)
+{
+    return members[0] > '/' && members[1] == '-' && members[2] > '/' && members[3] == '.';
+}
+
+// Whether one character that is not the end of the text is named by the set.
+template <bool FOLD>
+SCAN_INLINE bool isMember(const char *members, unsigned char c, const char **next)
+{
+    bool found = false;
+    c = folded<FOLD>(c);
+    if (isOneRange(members)) {
+        *next = members + 4;
+        return c >= folded<FOLD>(byteAt(members)) && c <= folded<FOLD>(byteAt(members + 2));
+    }
+    *next = readSet<FOLD>(members, [&found, c](unsigned char low, unsigned char high) {
+        found |= c >= low && c <= high;
+    });
+    return found;
+}
+
+// Number of characters from `text` on, at most `most`, that satisfy `matches`, which
+// must refuse the end of the text.
+template <typename Matches>
+SCAN_INLINE size_t countWhile(const char *text, size_t most, Matches matches)
+{
+    size_t count = 0;
+    while (count < most && matches(byteAt(text + count)))
+        ++count;
+    return count;
+}
+
+template <bool FOLD>
+SCAN_INLINE size_t countSet(const char **pattern, const char *text, Repeat repeat, bool negated)
+{
+    const char *members = *pattern + 1;
+    if (!negated && isOneRange(members)) {
+        const unsigned char low = folded<FOLD>(byteAt(members));
+        const unsigned char high = folded<FOLD>(byteAt(members + 2));
+        *pattern = members + 4;
+        return countWhile(text, repeat.most, [low, high](unsigned char c) {
+            return folded<FOLD>(c) >= low && folded<FOLD>(c) <= high;
+        });
+    }
+    if (repeat.least > 0 && isMember<FOLD>(members, byteAt(text), pattern) == negated)
+        return 0; // a failure is cheaper to find out than the masks
+    const SetMasks set = readMasks<FOLD>(members);
+    *pattern = set.next;
+    if (set.wide)
+        return countWhile(text, repeat.most, [members, negated](unsigned char c) {
+            const char *next;
+            return c != '\0' && isMember<FOLD>(members, c, &next) != negated;
+        });
+    const uint64_t flip = negated ? ~0ull : 0;
+    const uint64_t low = (set.low ^ flip) & ~1ull;
+    const uint64_t high = set.high ^ flip;
+    return countWhile(text, repeat.most, [low, high, negated](unsigned char c) {
+        const uint64_t mask = c < 64 ? low : high;
+        return c < 128 ? (mask >> (c & 63) & 1) != 0 : negated;
+    });
+}
+
+// Repetitions of the element at *pattern, which is advanced past it. The end of the text
+// never counts as one.
+template <bool FOLD>
+SCAN_INLINE size_t countElement(const char **pattern, const char *text, Repeat repeat)
+{
+    const char *p = *pattern;
+    unsigned char literal = folded<FOLD>(byteAt(p));
+    switch (*p) {
+    case ' ':
+        *pattern = p + 1;
+        return countWhile(text, repeat.most, isBlank);
+    case '#':
+    case '^':
+        if (p[1] != '\0')
+            return countSet<FOLD>(pattern, text, repeat, *p == '^');
+        *pattern = p + 1;
+        return *p == '#' ? 0
+                         : countWhile(text, repeat.most, [](unsigned char c) { return c != '\0'; });
+    case '/': // an escaped letter stays as written, a bare one is folded
+        literal = byteAt(++p);
+        if (literal == '\0') {
+            *pattern = p;
+            return 0;
+        }
+        [[fallthrough]];
+    default:
+        *pattern = p + 1;
+        return countWhile(text, repeat.most,
+                          [literal](unsigned char c) { return folded<FOLD>(c) == literal; });
+    }
+}
+
+// The quantifier at *pattern, which is advanced past it. False when its count is missing or 0.
+SCAN_INLINE bool readRepeat(const char **pattern, Repeat *repeat)
+{
+    const char first = *(*pattern)++;
+    const char second = **pattern;
+    *repeat = Repeat{first == '@' ? size_t{1} : size_t{0}, first == '?' ? size_t{1} : UNBOUNDED};
+    if (first == '?' || (second != '*' && second != '@'))
+        return true;
+    ++*pattern;
+    const int limit = GetLimit(pattern);
+    if (limit < 1)
+        return false;
+    const size_t count = static_cast<size_t>(limit);
+    if (first == '*') // "*@" at most but at least one, "**" at most
+        *repeat = Repeat{second == '@' ? size_t{1} : size_t{0}, count};
+    else // "@@" exactly, "@*" or more
+        *repeat = Repeat{count, second == '@' ? count : UNBOUNDED};
+    return true;
+}
+
+// One element that stands without a quantifier.
+template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char **text)
+{
+    const char *p = *pattern;
+    const unsigned char c = byteAt(*text);
+    unsigned char literal = folded<FOLD>(byteAt(p));
+    switch (*p) {
+    case '#':
+    case '^':
+        if (p[1] != '\0') {
+            if (isMember<FOLD>(p + 1, c, pattern) == (*p == '^') || c == '\0')
+                return false;
+            ++*text;
+            return true;
+        }
+        *pattern = p + 1;
+        if ((c == '\0') == (*p == '^'))
+            return false;
+        *text += c != '\0' ? 1 : 0;
+        return true;
+    case '/':
+        literal = byteAt(++p);
+        if (literal == '\0')
+            return false;
+        [[fallthrough]];
+    default:
+        if (folded<FOLD>(c) != literal)
+            return false;
+        *pattern = p + 1;
+        ++*text;
+        return true;
+    }
+}
+
+// Matches the whole pattern; *text ends behind what was matched, on failure too.
+template <bool FOLD> bool matchPattern(const char *pattern, const char **text)
+{
+    const char *at = *text;
+    bool good = true;
+    while (good && *pattern != '\0') {
+        Repeat repeat{1, UNBOUNDED};
+        switch (*pattern) {
+        case '*':
+        case '@':
+        case '?':
+            if (!readRepeat(&pattern, &repeat)) {
+                good = false;
+                break;
+            }
+            if (*pattern == '\0') // nothing to repeat: the pattern ends here
+                break;
+            [[fallthrough]];
+        case ' ': { // a bare blank takes all blanks there are
+            const size_t count = countElement<FOLD>(&pattern, at, repeat);
+            at += count;
+            good = count >= repeat.least;
+            break;
+        }
+        default:
+            good = matchOne<FOLD>(&pattern, &at);
+            break;
+        }
+    }
+    *text = at;
+    return good;
+}
+
+char *copyOut(char *output, const char *from, const char *to, unsigned flags)
+{
+    for (; from != to; ++from, ++output) {
+        const unsigned char c = byteAt(from);
+        if ((flags & XSCAN_UPPER) != 0)
+            *output = static_cast<char>(asciiUpper(c));
+        else
+            *output = static_cast<char>((flags & XSCAN_LOWER) != 0 ? asciiLower(c) : c);
+    }
+    *output = '\0';
+    return output;
+}
+
+int measure(const char *pattern, const char **cursor, char **output, unsigned flags)
+{
+    const char *start = *cursor;
+    const int result = xscan1(pattern, cursor, output, flags);
+    return result < 0 ? result : static_cast<int>(*cursor - start);
+}
+
+} // namespace
+
+int GetLimit(const char **position)
+{
+    const char *p = *position;
+    if (*p < '0' || *p > '9')
+        return -1;
+    int limit = 0;
+    for (; *p >= '0' && *p <= '9'; ++p) {
+        const int digit = *p - '0';
+        limit = limit > (INT_MAX - digit) / 10 ? INT_MAX : limit * 10 + digit;
+    }
+    *position = p;
+    return limit;
+}
+
+int xscan1(const char *pattern, const char **cursor, char **output, unsigned flags)
+{
+    const char *start = *cursor;
+    const char *end = start;
+    const bool matched = (flags & XSCAN_NOCASE) != 0 ? matchPattern<true>(pattern, &end)
+                                                     : matchPattern<false>(pattern, &end);
+    char *outputEnd = output != nullptr ? copyOut(*output, start, end, flags) : nullptr;
+    if (!matched)
+        return -1;
+    *cursor = end;
+    if (output != nullptr)
+        *output = outputEnd;
+    return 0;
+}
+
+int xscan(const char *pattern, const char **cursor, char **output)
+{
+    return measure(pattern, cursor, output, 0);
+}
+
+int xscani(const char *pattern, const char **cursor, char **output)
+{
+    return measure(pattern, cursor, output, XSCAN_NOCASE);
+}
+
+int xscaniu(const char *pattern, const char **cursor, char **output)
+{
+    return measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_UPPER);
+}
+
+int xscanil(const char *pattern, const char **cursor, char **output)
+{
+    return measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_LOWER);
+}
+
+int xscan_strcpy(char *destination, const char *source, const char *pattern)
+{
+    const char *cursor = source;
+    *destination = '\0';
+    if (xscan(pattern, &cursor) <= 0)
+        return 0;
+    cursor = source;
+    char *out = destination;
+    return xscan(pattern, &cursor, &out);
+}
