@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <QIcon>
+#include <QPalette>
 #include <QPixmap>
 #include <QStyleFactory>
 
@@ -45,12 +47,14 @@ QPushButton:focus { border: 2px solid #2A6DAF; padding: 3px 11px; }
 QPushButton:disabled { background: #F4F6F8; border-color: #D5DBE1; }
 QDialogButtonBox QPushButton, QMessageBox QPushButton { min-width: 64px; }
 QLineEdit { background: #FFFFFF; border: 1px solid #B9C3CD; border-radius: 3px; padding: 1px 4px; }
+QAbstractSpinBox QLineEdit, QComboBox QLineEdit { border: none; background: transparent; padding: 0px; }
 QLineEdit:focus { border: 1px solid #2A6DAF; }
 QLineEdit:disabled, QLineEdit:read-only { background: #F4F6F8; }
 QListView, QPlainTextEdit { border: 1px solid #C3CCD5; }
 QListView:focus, QPlainTextEdit:focus { border: 1px solid #2A6DAF; }
 QFrame#sidebar { background: #FFFFFF; border: 1px solid #D5DBE1; border-radius: 5px; }
-QLabel#caption, QLabel[caption="true"] { color: #5B6874; }
+QLabel#status { font-size: 16px; font-weight: bold; }
+QLabel[caption="true"] { color: #5B6874; }
 )";
 
 QPalette MakePalette()
