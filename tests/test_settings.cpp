@@ -85,6 +85,9 @@ TEST_F(Settings, EveryKeySurvives)
                             "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\n";
     EXPECT_EQ(all, Round(all));
     EXPECT_EQ("a.m66", szMapFileName);
+    VR_isFullOnce = true; // --full as well: what the file says stays
+    ASSERT_EQ(0, OpenIniFile(mainPanel));
+    EXPECT_FALSE(VR_isFullOnce);
     EXPECT_EQ(0xFA00u, aLItems[0].address);
     std::string stamp;
     EXPECT_EQ(0, GetFileStamp(&stamp, "a.m66"));
