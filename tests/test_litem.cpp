@@ -180,7 +180,7 @@ TEST_F(LItems, ChangeQuestion)
         const char *file; // "" = no folder to save in
         int result, isStillChanged;
     } cases[] = {
-        {1, "list.dbg", 0, 0}, {1, "no/such/list.dbg", -1, 1}, {2, "list.dbg", 0, 0},
+        {1, "list.dbg", 0, 0},  {1, "no/such/list.dbg", -1, 1}, {2, "list.dbg", 0, 0},
         {3, "list.dbg", -1, 1}, {0, "list.dbg", -1, 1},
     };
     for (const auto &c : cases) {
