@@ -1,6 +1,10 @@
 // Target memory by address text: numbers, variable names and station prefixes to
 // addresses; near pointers through the data page pointers; single values on the
 // C166 and, through the mailbox, on a TMS320 behind it.
+//
+// An address text is "$1F00", "0x1F00", "name" (a symbol of the loaded map or a
+// register, with member, index and offset) or "&name" (a TMS320 symbol), each with an
+// optional station prefix "3:". Blanks in front are skipped.
 #ifndef COMM_SYSADDR_H
 #define COMM_SYSADDR_H
 
@@ -10,8 +14,10 @@
 
 constexpr uint32_t ADDR_NONE = 0xFFFFFFFFu;
 constexpr uint32_t ADDR_LIMIT = 0x1000000u; // valid byte addresses are below
+constexpr int STATION_MAX = 15;             // last station that a prefix can select
 
 // Station number, the cursor moved past the colon; -1, cursor unchanged, without a prefix.
+// A colon without digits is station 0; the number is not checked against STATION_MAX.
 int GetStationModifier(const char **cursor);
 uint32_t GetSysAddrWk(const char *text);              // without station prefix; ADDR_NONE
 uint32_t GetSysAddr(const char *text);                // a station prefix is discarded
@@ -20,24 +26,35 @@ uint32_t GetAltSysAddr(const char *list);             // the first of "a,b,c" th
 uint32_t GetAltSysAddrM(const char *list, int *station);
 
 extern uint16_t awQRDPP[4]; // DPP0..DPP3 as last read
-int UpdateQuickDPP();       // 0, or -1
+int UpdateQuickDPP();       // 0, or -1 (unknown or unreadable; awQRDPP as it was)
 uint32_t QuickNearToHuge(uint16_t nearPointer);
-uint32_t QuickRefNearPtr(uint32_t address); // what the near pointer there designates, or ADDR_NONE
+// What the near pointer there designates, or ADDR_NONE. The page pointers are those of
+// the last UpdateQuickDPP: the caller refreshes them first.
+uint32_t QuickRefNearPtr(uint32_t address);
 uint32_t QuickRefNearPtrVar(const char *name);
 
+// One read or write of `size` bytes (target byte order) at a variable's address, always
+// on STATION: a station prefix of the name is ignored. -1 when the name does not
+// resolve, else the result of UCM_Read or UCM_Write.
 int ReadSysVar(const char *name, void *buffer, uint32_t size);
 int WriteSysVar(const char *name, const void *data, uint32_t size);
+// The same where the near pointer held by that variable points to.
 int ReadQuickSysNRef(const char *name, void *buffer, uint32_t size);
 int WriteQuickSysNRef(const char *name, const void *data, uint32_t size);
 
-// Watch items by index in aLItems.
+// Watch items by index in aLItems; implemented in watch/read_item.cpp.
 int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
-int readTMS(int index, uint32_t *value);               // 0, -1, -2
-int readValues(int index); // fills the item; 0, -1 C166 failed, -2 TMS320 failed, -4 bad index
+int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy
+// Fills the item, its reason included; 0, -1 C166 failed, -2 TMS320 failed, -4 bad index.
+// An item without an address fails without a request being sent.
+int readValues(int index);
 
 int IsWordAddressing(int processor); // 1 for the TMS320 family
 
-int RegAddrToName(uint32_t address, std::string *text); // 0, or -1
-int VarAddrToName(uint32_t address, std::string *text); // 0, or -1
+// Register "NAME", or "NAME+1" for the high byte of a word register. 0, or -1 and "".
+int RegAddrToName(uint32_t address, std::string *text);
+// "name" or "name+n" for an address in or shortly behind a variable, "0<hex>h (==name+n)"
+// further behind it. 0, or -1 and "" when no variable lies at or below the address.
+int VarAddrToName(uint32_t address, std::string *text);
 
 #endif

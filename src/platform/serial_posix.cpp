@@ -1,7 +1,8 @@
-// Serial ports on termios and poll. A handle is an index into a small table that
-// keeps the descriptor and its time-outs. The descriptor is always non-blocking:
-// every wait goes through poll with what is left of the time-out, so that neither a
-// silent target nor a device that vanished can hold the program.
+// Serial ports on termios and poll. A handle is an index into a small table that keeps
+// the device's descriptors and time-outs. The device is opened twice: one descriptor never
+// blocks, so that a line that takes nothing cannot hold a write; the other lets the
+// terminal itself do the waiting of a read, which saves an exchange the call of poll.
+// Every wait is bounded, for a silent target and for a device that vanished alike.
 #include "platform/serial.h"
 
 #include "platform/system.h"
@@ -22,9 +23,13 @@ namespace {
 
 constexpr int PORTS_MAX = 16;
 
+constexpr unsigned VTIME_UNIT_MS = 100, VTIME_MAX_MS = 25500;
+
 struct Port {
-    int fd = -1;
+    int fd = -1;            // never blocks
+    int readFd = -1;        // a read blocks for terminalMs
     bool exclusive = false; // TIOCEXCL was set and must be taken back
+    int terminalMs = 0;     // what a read of nothing waits by itself, 0 = not at all
     unsigned readTotalMs = 0, writeTotalMs = 0;
 };
 Port ports[PORTS_MAX];
@@ -85,15 +90,27 @@ int WaitFor(int fd, short events, int timeoutMs)
     return result < 0 && errno != EINTR ? -1 : 0;
 }
 
-// Bytes read, 0 when there were none, SER_ERR_IO. A terminal that hung up reads as end of file.
-int ReadNow(int fd, void *buffer, size_t count)
+bool IsGone(int fd)
 {
-    const ssize_t got = read(fd, buffer, count);
+    struct pollfd item = {fd, 0, 0};
+    return poll(&item, 1, 0) > 0;
+}
+
+// Waits up to `waitMs` for the first bytes. Bytes read, 0 when none came, SER_ERR_IO.
+int ReadWaiting(const Port &port, void *buffer, size_t count, int waitMs)
+{
+    if (waitMs != port.terminalMs) {
+        const int ready = WaitFor(port.readFd, POLLIN, waitMs);
+        if (ready <= 0)
+            return ready < 0 ? SER_ERR_IO : 0;
+    }
+    const ssize_t got = read(port.readFd, buffer, count);
     if (got > 0)
         return static_cast<int>(got);
-    if (got < 0 && (errno == EAGAIN || errno == EINTR))
-        return 0;
-    return count == 0 ? 0 : SER_ERR_IO;
+    if (got < 0)
+        return errno == EAGAIN || errno == EINTR ? 0 : SER_ERR_IO;
+    // A terminal that hung up reads as end of file, which looks like a time-out.
+    return IsGone(port.fd) ? SER_ERR_IO : 0;
 }
 
 // The kernel's own lock belongs to the terminal and outlives a killed program as long
@@ -106,6 +123,17 @@ bool IsPseudoTerminal(int fd)
         return false;
     const unsigned number = major(status.st_rdev);
     return number >= 136 && number <= 143;
+}
+
+bool OpenDevice(const std::string &path, Port *port)
+{
+    // Opening must not wait for a carrier; only afterwards may reads wait.
+    constexpr int FLAGS = O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+    port->fd = open(path.c_str(), O_RDWR | FLAGS);
+    if (port->fd < 0)
+        return false;
+    port->readFd = open(path.c_str(), O_RDONLY | FLAGS);
+    return port->readFd >= 0 && fcntl(port->readFd, F_SETFL, 0) == 0;
 }
 
 bool LockDevice(Port *port)
@@ -131,9 +159,33 @@ void SetFrame(struct termios *tio, const SER_Settings &settings)
         tio->c_cflag |= PARENB;
     if (settings.parity == 'o')
         tio->c_cflag |= PARODD;
-    // With a minimum of one byte a read of nothing is "try again" and end of file means gone.
-    tio->c_cc[VMIN] = 1;
+    // A read returns what there is, after the terminal's own wait when there is nothing.
+    tio->c_cc[VMIN] = 0;
     tio->c_cc[VTIME] = 0;
+}
+
+// The terminal waits in steps of 100 ms; any other time-out is left to poll.
+int SetTerminalWait(Port *port, unsigned waitMs)
+{
+    const bool isStep = waitMs % VTIME_UNIT_MS == 0 && waitMs <= VTIME_MAX_MS;
+    const unsigned terminalMs = isStep ? waitMs : 0;
+    struct termios tio;
+    if (tcgetattr(port->fd, &tio) != 0)
+        return SER_ERR_IO;
+    tio.c_cc[VMIN] = 0;
+    tio.c_cc[VTIME] = static_cast<cc_t>(terminalMs / VTIME_UNIT_MS);
+    if (tcsetattr(port->fd, TCSANOW, &tio) != 0)
+        return SER_ERR_IO;
+    port->terminalMs = static_cast<int>(terminalMs);
+    return SER_OK;
+}
+
+void CloseBoth(const Port &port)
+{
+    for (const int fd : {port.readFd, port.fd}) {
+        if (fd >= 0)
+            close(fd);
+    }
 }
 
 bool AreSettingsValid(const SER_Settings &settings)
@@ -174,11 +226,8 @@ int SER_Open(int port, SER_Handle *handle)
     if (slot == PORTS_MAX)
         return SER_ERR_OPEN;
     Port fresh;
-    fresh.fd = open(SER_DevicePath(port).c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-    if (fresh.fd < 0)
-        return SER_ERR_OPEN;
-    if (!LockDevice(&fresh)) {
-        close(fresh.fd);
+    if (!OpenDevice(SER_DevicePath(port), &fresh) || !LockDevice(&fresh)) {
+        CloseBoth(fresh);
         return SER_ERR_OPEN;
     }
     ports[slot] = fresh;
@@ -188,7 +237,7 @@ int SER_Open(int port, SER_Handle *handle)
 
 int SER_Configure(SER_Handle handle, const SER_Settings &settings)
 {
-    const Port *port = FindPort(handle);
+    Port *port = FindPort(handle);
     struct termios tio;
     if (port == nullptr || tcgetattr(port->fd, &tio) != 0)
         return SER_ERR_GET;
@@ -203,6 +252,7 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     struct termios now;
     if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code)
         return SER_ERR_SET;
+    port->terminalMs = 0;
     SetLine(port->fd, TIOCM_DTR, settings.dtr);
     SetLine(port->fd, TIOCM_RTS, settings.rts);
     return SER_OK;
@@ -215,7 +265,7 @@ int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotal
         return SER_ERR_IO;
     port->readTotalMs = readTotalMs;
     port->writeTotalMs = writeTotalMs;
-    return SER_OK;
+    return SetTerminalWait(port, readTotalMs);
 }
 
 int SER_Write(SER_Handle handle, const void *bytes, size_t count)
@@ -253,14 +303,13 @@ int SER_Read(SER_Handle handle, void *buffer, size_t count)
     size_t done = 0;
     int left = static_cast<int>(port->readTotalMs);
     while (done < count) {
-        const int ready = WaitFor(port->fd, POLLIN, left);
-        const int got = ready > 0 ? ReadNow(port->fd, data + done, count - done) : ready;
+        const int got = ReadWaiting(*port, data + done, count - done, left);
         if (got < 0)
             return done > 0 ? static_cast<int>(done) : SER_ERR_IO;
         done += static_cast<size_t>(got);
-        left = LeftMs(deadline);
-        if (left == 0 && got == 0)
+        if (done == count || (left == 0 && got == 0))
             break;
+        left = LeftMs(deadline);
     }
     return static_cast<int>(done);
 }
@@ -270,11 +319,8 @@ int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
-    const int ready =
-        WaitFor(port->fd, POLLIN, waitMs > INT_MAX ? INT_MAX : static_cast<int>(waitMs));
-    if (ready <= 0)
-        return ready < 0 ? SER_ERR_IO : 0;
-    return ReadNow(port->fd, buffer, capacity);
+    return ReadWaiting(*port, buffer, capacity,
+                       waitMs > INT_MAX ? INT_MAX : static_cast<int>(waitMs));
 }
 
 int SER_BytesWaiting(SER_Handle handle)
@@ -286,10 +332,13 @@ int SER_BytesWaiting(SER_Handle handle)
     return count;
 }
 
+// Asking is cheaper than discarding, which wakes the other side, and mostly there is nothing.
 int SER_DropInput(SER_Handle handle)
 {
-    const Port *port = FindPort(handle);
-    return port != nullptr && tcflush(port->fd, TCIFLUSH) == 0 ? SER_OK : SER_ERR_IO;
+    const int waiting = SER_BytesWaiting(handle);
+    if (waiting <= 0)
+        return waiting < 0 ? SER_ERR_IO : SER_OK;
+    return tcflush(ports[handle].fd, TCIFLUSH) == 0 ? SER_OK : SER_ERR_IO;
 }
 
 int SER_DropOutput(SER_Handle handle)
@@ -312,6 +361,6 @@ void SER_Close(SER_Handle handle)
         return;
     if (port->exclusive)
         (void)ioctl(port->fd, TIOCNXCL);
-    close(port->fd);
+    CloseBoth(*port);
     *port = Port();
 }

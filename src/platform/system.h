@@ -40,6 +40,8 @@ std::string PLT_CurrentDir(); // without a trailing separator; "" when unknown
 std::string PLT_ConfigDir();  // $XDG_CONFIG_HOME/vireo2, ~/.config/vireo2, or %APPDATA%\Vireo2
 std::string PLT_ProgramDir(); // folder of the running program; "" when unknown
 char PLT_PathSeparator();     // '/' or '\\'
+// Makes a folder and all that lead to it. 0 (also when it exists), or -1.
+int PLT_MakeDirs(const std::string &path);
 
 // Shared libraries, bound at run time. Null when not found.
 void *PLT_LoadLibrary(const std::string &name);

@@ -8,6 +8,7 @@
 
 #include "app/VR.h"
 #include "runtime/userint.h"
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "watch/litem.h"
@@ -82,11 +83,6 @@ bool ReadMagic(const char *fileName, std::string *magic)
     std::fclose(file);
     magic->assign(bytes, count);
     return readable;
-}
-
-bool IsTMSProcessor()
-{
-    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
 }
 
 typedef bool (*LineParser)(const char *line, uint32_t *address, const char **name);
@@ -202,7 +198,7 @@ int ReadMap(const char *fileName)
 
 int Read_TMS_Map(const char *fileName)
 {
-    if (IsTMSProcessor())
+    if (VRN_IsTMSProcessor())
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
     const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
     if (result == 0)
@@ -217,6 +213,7 @@ void TakeMap(const char *fileName)
 {
     mapFile = fileName;
     openStruct = OPEN_MAP_FILE;
+    TMF_Rebuild();
     VRN_RefreshVars();
 }
 
@@ -233,7 +230,7 @@ int map2node(const char *fileName)
 int TMSmap2node(const char *fileName)
 {
     const int result = Read_TMS_Map(fileName);
-    if (result == 0 && IsTMSProcessor())
+    if (result == 0 && VRN_IsTMSProcessor())
         TakeMap(fileName);
     else if (result == 0)
         completeTMSLItems(aVarTMSNode, nTMSNodes);

@@ -6,6 +6,7 @@
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "symbols/mapfile.h"
+#include "symbols/typemap.h"
 
 std::string szMapFileStamp;
 
@@ -20,14 +21,9 @@ const MapKind mapKinds[] = {{"*.m66", "Open C166 map-file", map2node},
                             {"*.m28xt", "Open C28x map-file", TMSmap2node}};
 const char MAP_TYPES[] = "*.m66;*.map;*.m28xt";
 
-bool IsTMSProcessor()
-{
-    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
-}
-
 int ModeOfProcessor()
 {
-    return IsTMSProcessor() ? LOADMAP_TMS : LOADMAP_C166;
+    return VRN_IsTMSProcessor() ? LOADMAP_TMS : LOADMAP_C166;
 }
 
 bool CanOpen(const std::string &path)
@@ -82,7 +78,7 @@ int LoadMap(int mode)
         return result;
     }
     // A TMS320 map beside a C166 map is not the one that the reload key reads again.
-    if (!isTMS || IsTMSProcessor()) {
+    if (!isTMS || VRN_IsTMSProcessor()) {
         szMapFileName = path;
         if (GetFileStamp(&szMapFileStamp, path.c_str()) != 0)
             szMapFileStamp.clear();
@@ -99,6 +95,23 @@ void OpenMapCB(int, int)
 void ReloadMapFile(int, int)
 {
     LoadMap(ModeOfProcessor() | LOADMAP_RELOAD);
+}
+
+void OpenTypeMapCB(int, int)
+{
+    std::string path;
+    if (FileSelectPopup(PLT_CurrentDir(), "*.tmf", "*.tmf", "Open type map-file", FILE_LOAD,
+                        &path) == VAL_NO_FILE_SELECTED)
+        return;
+    if (TMF_OpenMap(path.c_str()) != 0) {
+        const std::string where = TMF_nErrorLine > 0
+                                      ? " (line " + std::to_string(TMF_nErrorLine) + ")."
+                                      : std::string(".");
+        VR_ShowMessage("Error: Could not open type map file" + where);
+        return;
+    }
+    VR_ShowMessage("Type map: " + path + ", " + std::to_string(TMF_cnDefVars) + " variables.");
+    SetMainPanelAttributes();
 }
 
 int MapBtnCB(int, int, int event, int)

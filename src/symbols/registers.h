@@ -15,6 +15,11 @@ struct RegisterTable {
     int count;
 };
 
+template <int N> constexpr RegisterTable MakeRegisterTable(const RegisterRow (&rows)[N])
+{
+    return {rows, N};
+}
+
 // A group of equal peripherals: "<prefix><register>" at base + offset for each instance.
 struct RegisterBlock {
     const char *prefix;

@@ -34,11 +34,6 @@ struct StructCache {
 };
 StructCache cache;
 
-bool IsTMSProcessor()
-{
-    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
-}
-
 bool IsOneBit(uint32_t bits)
 {
     return bits != 0 && (bits & (bits - 1)) == 0;
@@ -228,7 +223,7 @@ bool TMF_IsTTypeOk(uint32_t code)
 
 int TMF_AlignmentRule(int size)
 {
-    if (IsTMSProcessor())
+    if (VRN_IsTMSProcessor())
         return size < 4 ? 2 : 4;
     return size < 2 ? 1 : 2;
 }
@@ -245,7 +240,7 @@ int TMF_GetTypeInfo(const uint32_t *chain, uint32_t *kind, int32_t *elementSize,
     *kind = 0;
     *elementSize = 0;
     *count = 0;
-    *alignment = IsTMSProcessor() ? 2 : 1;
+    *alignment = VRN_IsTMSProcessor() ? 2 : 1;
     Layout layout;
     if (!Resolve(chain, depth, &layout))
         return -1;

@@ -127,6 +127,8 @@ extern int32_t TMF_cnSVNodeAlloc;
 extern int32_t *TMF_panSVIndex; // node indexes by address
 // 0, or -1: out of memory, or more than TMF_SVNODES_MAX (those built stay; one message).
 int TMF_BuildSVNodes(const VarNode *nodes, int count);
+// The nodes for aVarNode as it is now; none while no type map is loaded.
+void TMF_Rebuild();
 int TMF_AddSVNode(const std::string &name, uint32_t address); // 0, or -1: full
 int TMF_CreateSVIndex();
 void TMF_FreeSVNodes();

@@ -203,6 +203,33 @@ int LoadStreamed(const char *fileName)
     return result;
 }
 
+struct Tables {
+    TMF_Decl *vars, *types;
+    TMF_Struct *structs;
+    int32_t varCount, typeCount, structCount;
+};
+
+// The tables leave the globals, or come back; whoever holds them owns them.
+void PutTables(const Tables &tables)
+{
+    TMF_paDefVars = tables.vars;
+    TMF_cnDefVars = tables.varCount;
+    TMF_paDefTypes = tables.types;
+    TMF_cnDefTypes = tables.typeCount;
+    TMF_paDefStructCts = tables.structs;
+    TMF_cnDefStructCts = tables.structCount;
+    TMF_ForgetLayouts();
+    TMF_ForgetNames();
+}
+
+Tables TakeTables()
+{
+    const Tables tables = {TMF_paDefVars, TMF_paDefTypes, TMF_paDefStructCts,
+                           TMF_cnDefVars, TMF_cnDefTypes, TMF_cnDefStructCts};
+    PutTables(Tables{});
+    return tables;
+}
+
 } // namespace
 
 bool TMF_IsVTLineOk(const char *line, int mode)
@@ -283,6 +310,23 @@ int TMF_LoadMap(const char *fileName)
     const int result = TMF_LoadMapFrw(handle);
     TXFRW_Close(handle);
     return result;
+}
+
+int TMF_OpenMap(const char *fileName)
+{
+    const Tables old = TakeTables();
+    const int result = TMF_LoadMap(fileName);
+    if (result != 0) {
+        PutTables(old);
+        return result;
+    }
+    const Tables loaded = TakeTables();
+    PutTables(old);
+    TMF_FreeTables();
+    PutTables(loaded);
+    TMF_Rebuild();
+    VRN_RefreshVars();
+    return 0;
 }
 
 void TMF_FreeTables()

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "runtime/userint.h"
-#include "symbols/typemap.h"
+#include "symbols/typemap_layout.h"
 
 VarNode *TMF_paSVNode = nullptr;
 int32_t TMF_cnSVNode = 0;
@@ -16,30 +16,26 @@ namespace {
 
 constexpr int32_t FIRST_SVNODES = 1024;
 
-bool IsRecord(uint32_t code)
-{
-    const uint32_t derivation = code & TMF_DERIVATION;
-    return derivation == TMF_UNION || derivation == TMF_STRUCT;
-}
-
 // Whether members are found below a chain.
 bool HasMembers(const uint32_t *chain)
 {
     while ((chain[0] & TMF_DERIVATION) == TMF_ARRAY)
         ++chain;
-    return IsRecord(chain[0]);
+    return TMF_IsRecord(chain[0]);
 }
 
 int AddParts(const std::string &path, const uint32_t *chain, uint32_t address);
 
 int AddMembers(const std::string &path, uint32_t code, uint32_t address)
 {
-    const TMF_Decl *decl = nullptr;
-    uint32_t offset = 0;
-    for (int i = 0; TMF_GetStructItemAt(code, i, &decl, &offset) == 0; ++i) {
-        const std::string member = path + "." + decl->name;
-        if (TMF_AddSVNode(member, address + offset) != 0 ||
-            AddParts(member, decl->chain, address + offset) != 0)
+    std::vector<uint32_t> offsets;
+    if (!TMF_MemberOffsets(code, &offsets))
+        return 0;
+    const TMF_Decl *members = TMF_paDefStructCts[(code & TMF_VALUE) - 1].paMembers;
+    for (size_t i = 0; i < offsets.size(); ++i) {
+        const std::string member = path + "." + members[i].name;
+        if (TMF_AddSVNode(member, address + offsets[i]) != 0 ||
+            AddParts(member, members[i].chain, address + offsets[i]) != 0)
             return -1;
     }
     return 0;
@@ -51,10 +47,9 @@ int AddParts(const std::string &path, const uint32_t *chain, uint32_t address)
 {
     uint32_t kind = 0, count = 0, stride = 0;
     int32_t size = 0, elements = 0, alignment = 0;
-    if (!HasMembers(chain) ||
-        TMF_GetTypeInfo(chain, &kind, &size, &elements, &alignment, 0) != 0)
+    if (!HasMembers(chain) || TMF_GetTypeInfo(chain, &kind, &size, &elements, &alignment, 0) != 0)
         return 0;
-    if (IsRecord(chain[0]))
+    if (TMF_IsRecord(chain[0]))
         return AddMembers(path, chain[0], address);
     if (TMF_GetArrayInfo(chain, &count, &stride) != 0)
         return 0;
@@ -124,10 +119,17 @@ int TMF_BuildSVNodes(const VarNode *nodes, int count)
             result = AddParts(nodes[i].name, decl->chain, nodes[i].addr);
     }
     if (result != 0)
-        MessagePopup("Type map", "The variables have more than " +
-                                     std::to_string(TMF_SVNODES_MAX) +
+        MessagePopup("Type map", "The variables have more than " + std::to_string(TMF_SVNODES_MAX) +
                                      " members. Addresses of the rest are shown without names.");
     return TMF_CreateSVIndex() == 0 ? result : -1;
+}
+
+void TMF_Rebuild()
+{
+    if (TMF_cnDefVars > 0)
+        TMF_BuildSVNodes(aVarNode, nNodes);
+    else
+        TMF_FreeSVNodes();
 }
 
 void TMF_FreeSVNodes()
@@ -146,9 +148,10 @@ const VarNode *TMF_SVNodeAtOrAfter(uint32_t address)
 {
     if (TMF_panSVIndex == nullptr)
         return nullptr;
-    const int32_t *end = TMF_panSVIndex + TMF_cnSVNode;
-    const int32_t *found = std::lower_bound(
-        TMF_panSVIndex, end, address,
-        [](int32_t node, uint32_t wanted) { return TMF_paSVNode[node].addr < wanted; });
+    const int32_t *begin = TMF_panSVIndex;
+    const int32_t *end = begin + TMF_cnSVNode;
+    const int32_t *found = std::lower_bound(begin, end, address, [](int32_t node, uint32_t wanted) {
+        return TMF_paSVNode[node].addr < wanted;
+    });
     return found == end ? nullptr : &TMF_paSVNode[*found];
 }

@@ -39,12 +39,6 @@ const NameIndex &Names()
     return names;
 }
 
-bool IsRecord(uint32_t code)
-{
-    const uint32_t derivation = code & TMF_DERIVATION;
-    return derivation == TMF_UNION || derivation == TMF_STRUCT;
-}
-
 bool SizeOf(const uint32_t *chain, int64_t *bytes, int32_t *alignment)
 {
     uint32_t kind = 0;
@@ -95,7 +89,7 @@ bool SelectElement(const char **cursor, Place *place)
 
 uint32_t RecordCode(const uint32_t *chain)
 {
-    return IsRecord(chain[0]) ? chain[0] : 0;
+    return TMF_IsRecord(chain[0]) ? chain[0] : 0;
 }
 
 } // namespace
@@ -137,36 +131,47 @@ const char *TMF_FindTypeName(uint32_t code)
 bool TMF_IsStructName(const char *typeName)
 {
     uint32_t chain[TMF_CHAIN_SIZE];
-    return TMF_TypeSubst(typeName, chain) == 0 && IsRecord(chain[0]);
+    return TMF_TypeSubst(typeName, chain) == 0 && TMF_IsRecord(chain[0]);
+}
+
+bool TMF_MemberOffsets(uint32_t code, std::vector<uint32_t> *offsets)
+{
+    if (!TMF_IsRecord(code) || !TMF_IsTTypeOk(code))
+        return false;
+    const TMF_Struct &record = TMF_paDefStructCts[(code & TMF_VALUE) - 1];
+    const bool isUnion = (code & TMF_DERIVATION) == TMF_UNION;
+    int64_t end = 0;
+    for (int i = 0; i < record.members; ++i) {
+        int64_t bytes = 0;
+        int32_t alignment = 1;
+        if (!SizeOf(record.paMembers[i].chain, &bytes, &alignment))
+            return false;
+        const int64_t start = isUnion ? 0 : TMF_PlaceMember(end, alignment);
+        end = start + bytes;
+        if (end > INT32_MAX)
+            return false;
+        offsets->push_back(static_cast<uint32_t>(start));
+    }
+    return true;
 }
 
 int TMF_GetStructItemAt(uint32_t code, int position, const TMF_Decl **decl, uint32_t *offset)
 {
-    if (!IsRecord(code) || !TMF_IsTTypeOk(code))
+    if (!TMF_IsRecord(code) || !TMF_IsTTypeOk(code))
         return -1;
     const TMF_Struct &record = TMF_paDefStructCts[(code & TMF_VALUE) - 1];
-    if (position < 0 || position >= record.members)
+    std::vector<uint32_t> offsets;
+    if (position < 0 || position >= record.members || !TMF_MemberOffsets(code, &offsets))
         return -1;
-    int64_t start = 0, end = 0;
-    for (int i = 0; i <= position; ++i) {
-        int64_t bytes = 0;
-        int32_t alignment = 1;
-        if (!SizeOf(record.paMembers[i].chain, &bytes, &alignment))
-            return -1;
-        start = (code & TMF_DERIVATION) == TMF_UNION ? 0 : TMF_PlaceMember(end, alignment);
-        end = start + bytes;
-        if (end > INT32_MAX)
-            return -1;
-    }
     *decl = &record.paMembers[position];
-    *offset = static_cast<uint32_t>(start);
+    *offset = offsets[static_cast<size_t>(position)];
     return 0;
 }
 
 int TMF_GetStructItemInfo(uint32_t code, const char *member, const TMF_Decl **decl,
                           uint32_t *offset)
 {
-    if (!IsRecord(code) || !TMF_IsTTypeOk(code))
+    if (!TMF_IsRecord(code) || !TMF_IsTTypeOk(code))
         return -1;
     const TMF_Struct &record = TMF_paDefStructCts[(code & TMF_VALUE) - 1];
     for (int i = 0; i < record.members; ++i)

@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
 
@@ -92,8 +93,11 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count)
     const int node = VRN_FindName(table, count, name);
     if (node < 0)
         return NOT_FOUND;
-    const char *follows = SkipBlanks(path + nameLength);
-    if (*follows == '.' || *follows == '[')
+    char *follows = path + nameLength;
+    follows += SkipBlanks(follows) - follows;
+    const bool hasSelection = *follows == '.' || *follows == '[';
+    uint32_t inside = 0;
+    if (TMF_GetEfType(path, nullptr, &inside) != 0 && hasSelection)
         return NOT_FOUND;
-    return table[node].addr + offset;
+    return table[node].addr + inside + offset;
 }

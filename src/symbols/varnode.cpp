@@ -8,6 +8,8 @@
 #include <queue>
 #include <vector>
 
+#include "app/VR.h"
+#include "symbols/typemap.h"
 #include "watch/litem.h"
 
 VarNode aVarNode[NODES_MAX];
@@ -257,7 +259,8 @@ int VRN_FindName(const VarNode *table, int count, const char *name)
 
 int MapAddrToId(std::string *name, uint32_t *address)
 {
-    const VarNode *node = NodeAtOrAfter(&mapIndex, aVarNode, nNodes, *address);
+    const VarNode *node = TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address)
+                                           : NodeAtOrAfter(&mapIndex, aVarNode, nNodes, *address);
     const VarNode *reg = NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, *address);
     if (reg != nullptr && (node == nullptr || reg->addr < node->addr))
         node = reg;
@@ -293,6 +296,11 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
     }
     *position = -1;
     return -1;
+}
+
+bool VRN_IsTMSProcessor()
+{
+    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
 }
 
 void VRN_RefreshVars()

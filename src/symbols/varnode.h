@@ -62,6 +62,8 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
                  int *position);
 // Forgets and resolves again every address of the watch list.
 void VRN_RefreshVars();
+// Whether the selected processor is of the TMS320 family.
+bool VRN_IsTMSProcessor();
 // Loads the register table of a processor code into aVarNode166.
 void initRgMap(int processor);
 

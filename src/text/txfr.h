@@ -1,5 +1,6 @@
 // Text files as a stream of lines, addressed by small handles (0 to 199). CR, LF,
-// CR LF and LF CR each end a line. Every call answers -1 for a bad handle.
+// CR LF and LF CR each end a line; a NUL ends the text of its line, the rest of which is
+// skipped. Every call answers -1 for a bad handle.
 #ifndef TEXT_TXFR_H
 #define TEXT_TXFR_H
 
@@ -9,13 +10,15 @@ constexpr int TXFR_MAX = 200;
 
 int TXFR_Open(const char *fileName); // handle, or -1
 // Length of the next line (without its end), or -1 at the end of the file, which
-// also closes the handle. A line that does not fit comes in pieces of size - 1.
+// also closes the handle. A line that does not fit comes in pieces of size - 1; one of
+// exactly size - 1 is followed by an empty piece. No buffer, or one below 2 characters,
+// closes the handle and answers -1.
 int TXFR_RdLine(int handle, char *buffer, int size);
 // The next line as a string: at most size - 1 characters, or whole with a negative size.
 int TXFR_RdNewLine(int handle, std::string *line, int size);
 int TXFR_IsBrokenLine(int handle); // 1: the last line returned goes on
 int TXFR_GetLineNo(int handle);    // number of the line last returned, from 1
-long TXFR_GetFilePos(int handle);  // characters consumed
+long TXFR_GetFilePos(int handle);  // characters of the lines returned, their ends included
 int TXFR_Close(int handle);
 
 #endif

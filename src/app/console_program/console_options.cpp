@@ -1,0 +1,151 @@
+#include "app/console_program/console_options.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+const char CPG_szUsage[] =
+    "Usage: vireo2-console [-1 ... -4] [-bBAUD] [-sSTATION] [-C] [options] [SCRIPT]\n"
+    "\n"
+    "With a script: runs it and ends. Otherwise each line of standard input is entered\n"
+    "at the console's prompt, until end of file or \"exit\".\n"
+    "\n"
+    "  -1 ... -4           serial port number\n"
+    "  -bBAUD              baud rate, for example -b115200\n"
+    "  -sSTATION           target station, 0 to 15\n"
+    "  -C                  configuration mode\n"
+    "  --watch FILE        print the values of a watch list, one table per sweep\n"
+    "  --sweeps N          end after N sweeps (default: until interrupted)\n"
+    "  --format FORMAT     text, csv or json\n"
+    "  --trace FILE        write every exchange with the target\n"
+    "  --full              admit every console command\n"
+    "  --make-archive OUT FILE...  pack project files into one archive\n"
+    "  --yes, --no         answer questions\n"
+    "  --help, --version\n"
+    "\n"
+    "Settings come from Vireo2.ini in the current folder; options win over it.\n"
+    "Ends with 0, with 1 after an error, with 2 after a wrong option.\n";
+
+namespace {
+
+// Puts one option's value (null for a plain flag) into the record. False = bad value.
+typedef bool (*Apply)(CPG_Options *options, const char *value);
+
+bool ApplySweeps(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    errno = 0;
+    options->sweeps = std::strtol(value, &end, 10);
+    return errno == 0 && end != value && *end == '\0' && options->sweeps > 0;
+}
+
+bool ApplyFormat(CPG_Options *options, const char *value)
+{
+    const char *const NAMES[] = {"text", "csv", "json"}; // in the order of CPG_Format
+    for (int i = 0; i < 3; i++)
+        if (std::strcmp(value, NAMES[i]) == 0) {
+            options->format = static_cast<CPG_Format>(i);
+            return true;
+        }
+    return false;
+}
+
+struct LongOption {
+    const char *name;
+    bool hasValue;
+    Apply apply;
+};
+const LongOption LONG_OPTIONS[] = {
+    {"help", false, [](CPG_Options *o, const char *) { return o->isHelp = true; }},
+    {"version", false, [](CPG_Options *o, const char *) { return o->isVersion = true; }},
+    {"full", false, [](CPG_Options *o, const char *) { return o->isFull = true; }},
+    {"yes", false,
+     [](CPG_Options *o, const char *) {
+         o->answer = HL_ANSWER_YES;
+         return true;
+     }},
+    {"no", false,
+     [](CPG_Options *o, const char *) {
+         o->answer = HL_ANSWER_NO;
+         return true;
+     }},
+    {"watch", true, [](CPG_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
+    {"sweeps", true, ApplySweeps},
+    {"format", true, ApplyFormat},
+    {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
+    {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
+};
+
+const LongOption *FindOption(const std::string &name)
+{
+    for (const LongOption &option : LONG_OPTIONS)
+        if (name == option.name)
+            return &option;
+    return nullptr;
+}
+
+// Takes the option at argv[*index]; *index ends on its last argument.
+int TakeOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
+{
+    const char *text = argv[*index];
+    const char *equals = std::strchr(text, '=');
+    const std::string name = equals ? std::string(text + 2, equals) : text + 2;
+    const LongOption *option = FindOption(name);
+    if (!option || (equals && !option->hasValue)) {
+        *message = "unknown option " + std::string(text);
+        return -1;
+    }
+    const char *value = equals ? equals + 1 : nullptr;
+    if (option->hasValue && !value)
+        value = *index + 1 < argc ? argv[++*index] : nullptr;
+    if (option->hasValue && !value) {
+        *message = "--" + name + " needs a value";
+        return -1;
+    }
+    if (!option->apply(options, value)) {
+        *message = "--" + name + ": bad value '" + value + "'";
+        return -1;
+    }
+    return 0;
+}
+
+int CheckTogether(int rest, const CPG_Options &options, std::string *message)
+{
+    if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
+        *message = "--sweeps and --format go with --watch";
+    else if (!options.watchFile.empty() && rest > 0)
+        *message = "--watch and a script exclude each other";
+    else if (!options.archive.empty() && options.archiveFiles.empty())
+        *message = "--make-archive needs the files to pack";
+    else
+        return 0;
+    return -1;
+}
+
+int CountPlain(int argc, char **argv)
+{
+    int count = 0;
+    for (int i = 1; i < argc; i++)
+        count += argv[i][0] != '-';
+    return count;
+}
+
+} // namespace
+
+int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message)
+{
+    int kept = 1;
+    for (int i = 1; i < *argc; i++) {
+        if (std::strncmp(argv[i], "--", 2) == 0) {
+            if (TakeOption(*argc, argv, &i, options, message) < 0)
+                return -1;
+        } else if (!options->archive.empty()) {
+            options->archiveFiles.push_back(argv[i]);
+        } else {
+            argv[kept++] = argv[i];
+        }
+    }
+    argv[kept] = nullptr;
+    *argc = kept;
+    return CheckTogether(CountPlain(kept, argv), *options, message);
+}

@@ -1,0 +1,32 @@
+// The console program's own options: they begin with "--" and are taken out of the
+// command line before the rest of the program sees it.
+#ifndef APP_CONSOLE_PROGRAM_CONSOLE_OPTIONS_H
+#define APP_CONSOLE_PROGRAM_CONSOLE_OPTIONS_H
+
+#include <string>
+#include <vector>
+
+#include "runtime/headless/headless.h"
+
+enum CPG_Format { CPG_TEXT, CPG_CSV, CPG_JSON };
+
+struct CPG_Options {
+    bool isHelp = false;
+    bool isVersion = false;
+    bool isFull = false;
+    HL_DefaultAnswer answer = HL_ANSWER_SAFE;
+    std::string watchFile; // "" = do not watch
+    long sweeps = 0;       // 0 = until interrupted
+    CPG_Format format = CPG_TEXT;
+    std::string traceFile;
+    std::string archive; // to be written from archiveFiles
+    std::vector<std::string> archiveFiles;
+};
+
+// Fills *options and leaves the other arguments in argc/argv. 0, or -1 and what is
+// wrong in *message.
+int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message);
+
+extern const char CPG_szUsage[];
+
+#endif

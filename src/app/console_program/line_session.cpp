@@ -1,0 +1,84 @@
+// Lines from standard input, typed into the console's input field and entered.
+#include <cstdio>
+
+#include "app/VR.h"
+#include "app/console_program/lineedit.h"
+#include "app/console_program/sessions.h"
+#include "ui/resource.h"
+
+namespace {
+
+constexpr size_t LINE_MAX_CHARS = 4000;
+
+// 1 a line, 0 end of file, -1 a line that is too long (skipped, with a message).
+int ReadPiped(std::string *line)
+{
+    line->clear();
+    int c = std::getchar();
+    if (c == EOF)
+        return 0;
+    size_t length = 0;
+    for (; c != EOF && c != '\n'; c = std::getchar(), length++)
+        if (length < LINE_MAX_CHARS)
+            line->push_back(static_cast<char>(c));
+    if (length > LINE_MAX_CHARS) {
+        std::fprintf(stderr, "Line of %zu characters refused (at most %zu).\n", length,
+                     LINE_MAX_CHARS);
+        return -1;
+    }
+    if (!line->empty() && line->back() == '\r')
+        line->pop_back();
+    return 1;
+}
+
+int ReadTyped(std::string *line)
+{
+    std::string prompt;
+    GetCtrlVal(consolePanel, CONSOLE_PROMPT, &prompt);
+    return LNE_ReadLine(prompt + " ", line);
+}
+
+bool IsExit(const std::string &line)
+{
+    const size_t first = line.find_first_not_of(" \t");
+    const size_t last = line.find_last_not_of(" \t");
+    return first != std::string::npos && line.substr(first, last - first + 1) == "exit";
+}
+
+// Nobody is left to ask: what the question at the end did not save is named.
+void End()
+{
+    if (HL_IsQuit() || ExitApplication(mainPanel) == 0)
+        return;
+    std::fprintf(stderr, "The changed watch list was not saved.\n");
+    IsDBGChange = 0;
+    ExitApplication(mainPanel);
+}
+
+} // namespace
+
+int CPG_RunSession()
+{
+    const bool isTyped = LNE_IsTerminal();
+    std::string line;
+    while (!HL_IsQuit()) {
+        ProcessSystemEvents();
+        const int result = isTyped ? ReadTyped(&line) : ReadPiped(&line);
+        if (result == 0)
+            break;
+        if (result < 0)
+            continue;
+        HL_SetUserVal(consolePanel, CONSOLE_INPUT, line);
+        HL_Key(consolePanel, CONSOLE_INPUT, KEY_ENTER);
+        if (IsExit(line))
+            break;
+    }
+    End();
+    return 0;
+}
+
+int CPG_RunScript()
+{
+    VIR2_StopPeriodicASC();
+    return VR_nScriptResult < 0 ? 1 : 0;
+}

@@ -1,0 +1,92 @@
+// The program without windows: takes its own options, picks what the event loop
+// does, and turns the outcome into an exit code.
+#include <cstdio>
+
+#include "app/VR.h"
+#include "app/console_program/console_options.h"
+#include "app/console_program/lineedit.h"
+#include "app/console_program/sessions.h"
+#include "comm/trace.h"
+#include "ui/resource.h"
+
+namespace {
+
+constexpr int EXIT_WRONG_OPTION = 2;
+
+int Drive()
+{
+    return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
+}
+
+// Written through at once: what was on the wire before a crash is what one looks for.
+void WriteTrace(const std::string &text, void *context)
+{
+    std::FILE *file = static_cast<std::FILE *>(context);
+    std::fputs(text.c_str(), file);
+    std::fflush(file);
+}
+
+int Run(const CPG_Options &options, int argc, char **argv)
+{
+    HL_SetDefaultAnswer(options.answer);
+    HL_ShowProgress(LNE_IsErrorTerminal());
+    VR_isFullCommandSet = VR_isFullOnce = options.isFull;
+    CPG_SetOptions(options);
+    const bool isWatch = !options.watchFile.empty();
+    HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
+    if (isWatch)
+        HL_SetStreams(stderr, stderr); // tables only on standard output
+    int code = VR_Main(argc, argv);
+    if (VR_isScriptRun)
+        code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && !message.empty())
+        std::fprintf(stderr, "%s\n", message.c_str());
+    return code < 0 ? 1 : code;
+}
+
+int RunTraced(const CPG_Options &options, int argc, char **argv)
+{
+    if (options.traceFile.empty())
+        return Run(options, argc, argv);
+    std::FILE *file = std::fopen(options.traceFile.c_str(), "w");
+    if (!file) {
+        std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
+        return 1;
+    }
+    TRC_SetSink(WriteTrace, file);
+    int code = Run(options, argc, argv);
+    TRC_SetSink(nullptr, nullptr);
+    const bool isBad = std::ferror(file) != 0;
+    if (std::fclose(file) != 0 || isBad) {
+        std::fprintf(stderr, "Error writing file '%s'.\n", options.traceFile.c_str());
+        code = 1;
+    }
+    return code;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    CPG_Options options;
+    std::string message;
+    if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {
+        std::fprintf(stderr, "vireo2-console: %s\nTry --help.\n", message.c_str());
+        return EXIT_WRONG_OPTION;
+    }
+    if (options.isHelp) {
+        std::fputs(CPG_szUsage, stdout);
+        return 0;
+    }
+    if (options.isVersion) {
+        std::printf("vireo2-console %s\n", VR_GetBuildVersion());
+        return 0;
+    }
+    const int code = RunTraced(options, argc, argv);
+    if (std::fflush(stdout) != 0) {
+        std::fprintf(stderr, "Cannot write to standard output.\n");
+        return 1;
+    }
+    return code;
+}

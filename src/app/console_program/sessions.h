@@ -1,0 +1,13 @@
+// What the console program does once the program proper has started: the drivers of
+// the event loop. Each returns the exit code.
+#ifndef APP_CONSOLE_PROGRAM_SESSIONS_H
+#define APP_CONSOLE_PROGRAM_SESSIONS_H
+
+#include "app/console_program/console_options.h"
+
+void CPG_SetOptions(const CPG_Options &options); // before a driver runs
+int CPG_RunScript();                             // a script was run at start: its result
+int CPG_RunWatch();                              // the watch list, sweep by sweep
+int CPG_RunSession();                            // lines from standard input to the console
+
+#endif

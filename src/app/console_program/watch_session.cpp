@@ -1,0 +1,112 @@
+// The live watch list for other programs: reads every item, prints a table, again.
+#include <csignal>
+#include <cstdio>
+
+#include "app/VR.h"
+#include "app/console_program/sessions.h"
+#include "app/console_program/watch_format.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+#include "watch/refresh.h"
+
+namespace {
+
+CPG_Options options;
+volatile std::sig_atomic_t isInterrupted = 0;
+
+void OnSignal(int)
+{
+    isInterrupted = 1;
+}
+
+bool IsInterrupted()
+{
+    return isInterrupted != 0;
+}
+
+bool LoadList()
+{
+    if (dat2litems(options.watchFile.c_str()) < 0) {
+        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    if (nLItems == 0) {
+        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    szDebugFileName = options.watchFile;
+    VR_FillDebugItems();
+    SetMainPanelAttributes();
+    return true;
+}
+
+bool Print(const std::string &text)
+{
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (std::fflush(stdout) == 0)
+        return true;
+    std::fprintf(stderr, "Cannot write to standard output.\n");
+    return false;
+}
+
+// A number of sweeps is wanted soon; one who follows wants the refresh period.
+bool Tick()
+{
+    if (IsInterrupted())
+        return false;
+    const int fired = options.sweeps > 0 ? HL_FireTimer(mainPanel, MAIN_TIMER)
+                                         : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
+    return fired == 1;
+}
+
+// The refresh reads what the list shows: scroll through it page by page. False when a
+// tick did not come: interrupted, or communication is off.
+bool ReadAll()
+{
+    for (int first = 0; first < nLItems; first += SWEEP_LINES) {
+        SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
+        UpdItem = 0;
+        for (int line = first; line < nLItems && line < first + SWEEP_LINES; line++)
+            if (!Tick())
+                return false;
+    }
+    return true;
+}
+
+int Follow()
+{
+    if (!Print(CPG_FormatHeader(options.format)))
+        return 1;
+    for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
+        if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
+            return 1;
+        if (IsInterrupted())
+            return 0;
+        if (isTimer == 0) {
+            std::fprintf(stderr, "Communication was switched off after errors.\n");
+            return 1;
+        }
+    }
+    return 0;
+}
+
+} // namespace
+
+void CPG_SetOptions(const CPG_Options &newOptions)
+{
+    options = newOptions;
+}
+
+int CPG_RunWatch()
+{
+    std::signal(SIGINT, OnSignal);
+    std::signal(SIGTERM, OnSignal);
+    if (!LoadList())
+        return 1;
+    VIR2_StartPeriodicASC();
+    if (isTimer == 0)
+        return 1;
+    const int result = Follow();
+    VIR2_StopPeriodicASC();
+    return result;
+}

@@ -1,0 +1,221 @@
+// Reading believes no size before the bytes are there: buffers grow with what has been
+// read, and a member shorter than its header says is as bad as one with a wrong check.
+#include "calendar/archive.h"
+
+#include "calendar/crc32.h"
+#include "platform/safe_file.h"
+#include "text/txfrw.h"
+#include "text/xscan.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+namespace {
+
+constexpr size_t FIRST_BLOCK = 4096;
+constexpr size_t HEADER_MAX = QAR_NAME_MAX + 100;
+constexpr int ERR_BAD_MEMBER = -2;
+
+struct OpenFile {
+    std::FILE *file;
+    explicit OpenFile(const char *name) : file(std::fopen(name, "rb"))
+    {
+    }
+    ~OpenFile()
+    {
+        if (file != nullptr)
+            std::fclose(file);
+    }
+    OpenFile(const OpenFile &) = delete;
+    OpenFile &operator=(const OpenFile &) = delete;
+};
+
+// A header's line without its end; false at the end of the file or when it does not end.
+bool readHeaderLine(std::FILE *file, std::string *line)
+{
+    line->clear();
+    for (int c = std::getc(file); c != EOF && line->size() <= HEADER_MAX; c = std::getc(file)) {
+        if (c == '\n')
+            return true;
+        line->push_back(static_cast<char>(c));
+    }
+    return false;
+}
+
+// A number behind `prefix`; false when it does not stand there or is too large to be one.
+bool readNumber(const char **cursor, const char *prefix, const char *digits, int base,
+                unsigned long long most, unsigned long long *number)
+{
+    if (xscan(prefix, cursor) < 0)
+        return false;
+    const char *start = *cursor;
+    if (xscan(digits, cursor) < 0)
+        return false;
+    *number = std::strtoull(start, nullptr, base); // saturates
+    return *number <= most;
+}
+
+bool parseHeader(const char *line, QarHeader *header)
+{
+    unsigned long long index, count, size, check;
+    if (!readNumber(&line, QAR_MAGIC "* ", "@#0-9.", 10, INT_MAX, &index) ||
+        !readNumber(&line, "* //* ", "@#0-9.", 10, INT_MAX, &count) ||
+        !readNumber(&line, "* ;* ", "@#0-9.", 10, INT_MAX, &size) ||
+        !readNumber(&line, "* ;* 0x", "@#0-9a-fA-F.", 16, UINT32_MAX, &check) ||
+        xscan("* ;* \"", &line) < 0)
+        return false;
+    const char *quote = std::strrchr(line, '"');
+    header->index = static_cast<long>(index);
+    header->count = static_cast<long>(count);
+    header->size = static_cast<long>(size);
+    header->check = static_cast<uint32_t>(check);
+    header->name = quote != nullptr ? std::string(line, quote) : std::string(line);
+    return true;
+}
+
+// Content of the member behind its header: 0, or -1 when it is not what the header says.
+int readMember(std::FILE *file, const QarHeader &header, std::string *content)
+{
+    uint32_t check;
+    const size_t size = static_cast<size_t>(header.size);
+    if (QAR_Read_content(file, size, content, &check) == 0 && content->size() == size &&
+        check == header.check)
+        return 0;
+    content->clear();
+    return -1;
+}
+
+// Steps from the first member to the wanted one; false when it is not there.
+bool findMember(std::FILE *file, const char *name, QarHeader *header)
+{
+    if (QAR_Get_file_header(file, header) != 0 || header->index != 1)
+        return false;
+    while (header->name != name) {
+        const long index = header->index, count = header->count;
+        if (index >= count || std::fseek(file, header->size, SEEK_CUR) != 0 ||
+            QAR_Get_file_header(file, header) != 0 || header->index != index + 1 ||
+            header->count != count)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+int QAR_Get_file_header(std::FILE *file, QarHeader *header)
+{
+    std::string line;
+    return file != nullptr && readHeaderLine(file, &line) && parseHeader(line.c_str(), header) ? 0
+                                                                                               : -1;
+}
+
+int QAR_Put_file_header(std::FILE *file, const QarHeader &header)
+{
+    if (file == nullptr || header.index < 1 || header.index > header.count || header.size < 0 ||
+        header.name.size() > QAR_NAME_MAX || header.name.find('\n') != std::string::npos)
+        return -1;
+    const int written =
+        std::fprintf(file, QAR_MAGIC "%ld/%ld;%ld;0x%08lx;\"%s\"\n", header.index, header.count,
+                     header.size, static_cast<unsigned long>(header.check), header.name.c_str());
+    return written > 0 ? 0 : -1;
+}
+
+int QAR_Read_content(std::FILE *file, size_t size, std::string *content, uint32_t *check)
+{
+    content->clear();
+    *check = 0;
+    try {
+        size_t room = FIRST_BLOCK;
+        for (size_t got = 1; got > 0 && content->size() < size; room += room / 4 + FIRST_BLOCK) {
+            const size_t before = content->size();
+            content->resize(std::min(size, room));
+            got = std::fread(&(*content)[before], 1, content->size() - before, file);
+            content->resize(before + got);
+            *check = Crc32_LSBNext(*check, content->data() + before, got, CRC32_POLYNOMIAL);
+        }
+    } catch (const std::bad_alloc &) {
+        content->clear();
+        return -1;
+    }
+    return std::ferror(file) != 0 ? -1 : 0;
+}
+
+int QAR_Read_file(const char *fileName, size_t limit, std::string *content, uint32_t *check)
+{
+    const OpenFile open(fileName);
+    return open.file != nullptr ? QAR_Read_content(open.file, limit, content, check) : -1;
+}
+
+int QAR_Add_file(std::FILE *archive, const char *fileName, long index, long count)
+{
+    std::string content;
+    QarHeader header;
+    // One byte more than a member may hold shows a file that would be cut.
+    if (QAR_Read_file(fileName, QAR_FILE_MAX + 1, &content, &header.check) != 0 ||
+        content.size() > QAR_FILE_MAX)
+        return -1;
+    header.index = index;
+    header.count = count;
+    header.size = static_cast<long>(content.size());
+    header.name = fileName;
+    if (QAR_Put_file_header(archive, header) != 0)
+        return -1;
+    return std::fwrite(content.data(), 1, content.size(), archive) == content.size() ? 0 : -1;
+}
+
+int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames)
+{
+    SafeFile safe;
+    if (fileNames.empty() || SAF_Open(&safe, archiveName, "wb") != 0)
+        return -1;
+    const long count = static_cast<long>(fileNames.size());
+    for (long i = 0; i < count; i++) {
+        if (QAR_Add_file(safe.file, fileNames[static_cast<size_t>(i)].c_str(), i + 1, count) != 0) {
+            SAF_Cancel(&safe);
+            return -1;
+        }
+    }
+    return SAF_Commit(&safe);
+}
+
+int QAR_Create_archiv(int argumentCount, const char *const *arguments)
+{
+    if (argumentCount < 4 || std::strcmp(arguments[1], "-a") != 0)
+        return -1;
+    return QAR_Make(arguments[2],
+                    std::vector<std::string>(arguments + 3, arguments + argumentCount));
+}
+
+int QAR_Extract_file(std::string *content, const char *archiveName, const char *memberName)
+{
+    content->clear();
+    const OpenFile open(archiveName);
+    QarHeader header;
+    if (open.file == nullptr || !findMember(open.file, memberName, &header))
+        return -1;
+    return readMember(open.file, header, content);
+}
+
+int QAR_Extract_txfrw(const char *archiveName, const char *memberName)
+{
+    std::string content;
+    if (QAR_Extract_file(&content, archiveName, memberName) != 0)
+        return -1;
+    return TXFRW_Create(memberName, "r", content.data(), content.size());
+}
+
+int QAR_Extract(std::string *content, std::string *name, std::FILE *archive)
+{
+    QarHeader header;
+    content->clear();
+    if (QAR_Get_file_header(archive, &header) != 0 || header.index < 1 ||
+        header.index > header.count)
+        return ERR_BAD_MEMBER;
+    *name = header.name;
+    if (readMember(archive, header, content) != 0)
+        return std::ferror(archive) != 0 ? ERR_BAD_MEMBER : -1;
+    return static_cast<int>(header.count - header.index);
+}

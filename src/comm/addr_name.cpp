@@ -1,0 +1,58 @@
+// The way back from an address to a name, for listings: registers and variables.
+#include <cstdio>
+
+#include "comm/sysaddr.h"
+#include "symbols/varnode.h"
+
+namespace {
+
+// Further behind its start an address is more likely no part of a variable.
+constexpr uint32_t NEAR_VARIABLE_BYTES = 0x100;
+
+// The node with the highest address at or below the given one; of several, the first.
+const VarNode *nodeBelow(uint32_t address, const VarNode *table, int count)
+{
+    const VarNode *best = nullptr;
+    for (int i = 0; i < count; ++i) {
+        if (table[i].addr <= address && (!best || table[i].addr > best->addr))
+            best = &table[i];
+    }
+    return best;
+}
+
+} // namespace
+
+int RegAddrToName(uint32_t address, std::string *text)
+{
+    text->clear();
+    const VarNode *node = openStruct166 ? nodeBelow(address, aVarNode166, nNodes166) : nullptr;
+    if (!node)
+        return -1;
+    const uint32_t offset = address - node->addr;
+    // Word registers begin at even addresses; only their second byte lies between two.
+    if (offset > 1 || (offset == 1 && node->addr % 2 != 0))
+        return -1;
+    *text = node->name;
+    if (offset == 1)
+        *text += "+1";
+    return 0;
+}
+
+int VarAddrToName(uint32_t address, std::string *text)
+{
+    text->clear();
+    const VarNode *node = openStruct ? nodeBelow(address, aVarNode, nNodes) : nullptr;
+    if (!node)
+        return -1;
+    const unsigned long offset = address - node->addr;
+    char buffer[NODE_NAME_MAX + 48];
+    if (offset == 0)
+        std::snprintf(buffer, sizeof buffer, "%s", node->name);
+    else if (offset < NEAR_VARIABLE_BYTES)
+        std::snprintf(buffer, sizeof buffer, "%s+%lu", node->name, offset);
+    else
+        std::snprintf(buffer, sizeof buffer, "0%lXh (==%s+%lu)",
+                      static_cast<unsigned long>(address), node->name, offset);
+    *text = buffer;
+    return 0;
+}

@@ -1,0 +1,37 @@
+// The mailbox through which a C166 station reaches the TMS320 behind it: three 32-bit
+// words in the station's memory (command and busy flag, TMS address, data). One 32-bit
+// word a transfer; every TMS320 access of the program goes through here.
+#ifndef COMM_TMS_MAILBOX_H
+#define COMM_TMS_MAILBOX_H
+
+#include <cstdint>
+
+// Byte addresses in the station's memory.
+constexpr uint32_t TMS_BOX_COMMAND = 0x3C000; // 1 read, 2 write; low byte 0 when done
+constexpr uint32_t TMS_BOX_ADDRESS = 0x3C004;
+constexpr uint32_t TMS_BOX_DATA = 0x3C008;
+
+// How often the busy flag is asked for before the TMS320 counts as silent.
+constexpr int TMS_POLLS_ITEM = 10;
+constexpr int TMS_POLLS_MEMORY = 20;
+constexpr int TMS_POLLS_WRITE = 20;
+
+enum TMS_Result {
+    TMS_OK = 0,
+    TMS_ERR_SEND = -1, // a word could not be put into the mailbox
+    TMS_ERR_POLL = -2, // the busy flag could not be read
+    TMS_ERR_BUSY = -3, // the TMS320 did not answer within the polls
+    TMS_ERR_DATA = -4, // the answer could not be fetched
+};
+
+// Reads the word at a TMS320 address. The request goes to `station`; the polls and the
+// answer use STATION whatever the item says. TMS_OK, or a TMS_ERR_ code.
+int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);
+
+// Writes one word on STATION. TMS_OK, TMS_ERR_SEND (*failedAt, which may be null: the
+// mailbox address concerned), TMS_ERR_POLL or TMS_ERR_BUSY.
+int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt);
+
+const char *TMS_ErrorText(int result); // "" for TMS_OK
+
+#endif

@@ -1,0 +1,116 @@
+// Keys: from Qt's codes to those of runtime/userint.h, and on their way to a widget
+// first past the callbacks of the focused control and of its panel.
+#include "runtime/qt/face.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+#include "runtime/qt/panel_window.h"
+
+namespace {
+
+struct KeyRow {
+    int qtKey;
+    int code;
+};
+
+const KeyRow keyRows[] = {
+    {Qt::Key_Return, KEY_ENTER},      {Qt::Key_Enter, KEY_ENTER},
+    {Qt::Key_Escape, KEY_ESC},        {Qt::Key_Tab, KEY_TAB},
+    {Qt::Key_Backtab, KEY_TAB},       {Qt::Key_Up, KEY_UP},
+    {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Left, KEY_LEFT},
+    {Qt::Key_Right, KEY_RIGHT},       {Qt::Key_PageUp, KEY_PAGE_UP},
+    {Qt::Key_PageDown, KEY_PAGE_DOWN}, {Qt::Key_Home, KEY_HOME},
+    {Qt::Key_End, KEY_END},           {Qt::Key_Insert, KEY_INSERT},
+    {Qt::Key_Delete, KEY_DELETE},     {Qt::Key_Backspace, KEY_BACKSPACE},
+};
+
+int SpecialKey(int qtKey)
+{
+    for (const KeyRow &row : keyRows)
+        if (row.qtKey == qtKey)
+            return row.code;
+    if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F24)
+        return KEY_F1 + (qtKey - Qt::Key_F1);
+    return 0;
+}
+
+bool IsPrintable(int code)
+{
+    return code >= 0x20 && code < 0x7F;
+}
+
+// Arrows would walk from button to button; in this program they belong to the list.
+bool IsArrowOnButton(const FaceControl *control, int code)
+{
+    return control && (control->row->kind == UIK_BUTTON || control->row->kind == UIK_SWITCH) &&
+           (code == KEY_UP || code == KEY_DOWN);
+}
+
+// Whether a callback swallowed the key.
+bool Offer(FacePanel *panel, const FaceControl *control, int code)
+{
+    if (control && FACE_Call(*control, EVENT_KEYPRESS, code) == 1)
+        return true;
+    if (FACE_Call(*panel, EVENT_KEYPRESS, code) == 1)
+        return true;
+    return IsArrowOnButton(control, code);
+}
+
+// Escape leaves every window but the main one, if nothing in it wanted the key.
+bool LeaveOnEscape(const FacePanel *panel, int code)
+{
+    if (code != KEY_ESC || panel->parent || panel->row->panel == UI_nMenuPanel)
+        return false;
+    panel->window->requestClose();
+    return true;
+}
+
+class KeyRouter : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *object, QEvent *event) override
+    {
+        auto *receiver = qobject_cast<QWidget *>(object);
+        if (event->type() != QEvent::KeyPress || !receiver || FACE_IsBusy())
+            return false;
+        // An ignored key climbs to the parents; it is offered on its first stop only.
+        if (receiver->focusWidget() && receiver->focusWidget() != receiver)
+            return false;
+        PanelWindow *window = PanelWindow::holding(receiver);
+        if (!window)
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        const int code = FACE_KeyCode(key->key(), key->modifiers(), key->text());
+        const FaceControl *control = FACE_ControlOf(receiver);
+        return code != 0 && (Offer(window->record(), control, code) ||
+                             LeaveOnEscape(window->record(), code));
+    }
+};
+
+} // namespace
+
+int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text)
+{
+    int flags = 0;
+    if (modifiers & Qt::ControlModifier)
+        flags |= KEY_CTRL;
+    if (modifiers & Qt::AltModifier)
+        flags |= KEY_ALT;
+    const int shift = modifiers & Qt::ShiftModifier ? KEY_SHIFT : 0;
+    const int special = SpecialKey(qtKey);
+    if (special != 0)
+        return special | flags | (qtKey == Qt::Key_Backtab ? KEY_SHIFT : shift);
+    if (flags != 0)
+        return IsPrintable(qtKey) ? qtKey | flags | shift : 0;
+    // What was typed already tells whether Shift was down.
+    const int typed = text.size() == 1 ? text.at(0).unicode() : 0;
+    return IsPrintable(typed) ? typed : 0;
+}
+
+void FACE_InstallKeyRouting()
+{
+    qApp->installEventFilter(new KeyRouter(qApp));
+}

@@ -1,0 +1,65 @@
+// Panel numbers to the code that uic makes of their Designer files.
+#include "runtime/qt/face.h"
+
+#include "ui/resource.h"
+#include "ui_config.h"
+#include "ui_config_edit.h"
+#include "ui_console.h"
+#include "ui_debugger.h"
+#include "ui_item.h"
+#include "ui_main.h"
+#include "ui_memory.h"
+#include "ui_scope.h"
+#include "ui_simulator.h"
+#include "ui_statistics.h"
+#include "ui_struct_selector.h"
+#include "ui_terminal.h"
+#include "ui_terminal_entry.h"
+#include "ui_trace.h"
+#include "ui_value.h"
+#include "ui_var_selector.h"
+
+namespace {
+
+template <class Form> void Setup(QWidget *window)
+{
+    Form form;
+    form.setupUi(window);
+}
+
+struct SetupRow {
+    int panel;
+    void (*setup)(QWidget *window);
+};
+
+const SetupRow setupRows[] = {
+    {PANEL_ITEM, Setup<Ui::ItemPanel>},
+    {PANEL_CONFIG_EDIT, Setup<Ui::ConfigEditPanel>},
+    {PANEL_VALUE, Setup<Ui::ValuePanel>},
+    {PANEL_MEMORY, Setup<Ui::MemoryPanel>},
+    {PANEL_STATISTICS, Setup<Ui::StatisticsPanel>},
+    {PANEL_CONFIG, Setup<Ui::ConfigPanel>},
+    {PANEL_DEBUGGER, Setup<Ui::DebuggerPanel>},
+    {PANEL_CONSOLE, Setup<Ui::ConsolePanel>},
+    {PANEL_MAIN, Setup<Ui::MainPanel>},
+    {PANEL_TRACE, Setup<Ui::TracePanel>},
+    {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},
+    {PANEL_SCOPE, Setup<Ui::ScopePanel>},
+    {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},
+    {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
+    {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
+    {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
+};
+
+} // namespace
+
+bool FACE_SetupPanel(int panel, QWidget *window)
+{
+    for (const SetupRow &row : setupRows) {
+        if (row.panel == panel) {
+            row.setup(window);
+            return true;
+        }
+    }
+    return false;
+}

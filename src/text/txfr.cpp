@@ -1,0 +1,192 @@
+// Each slot reads its file in blocks of its own: the line ends are this module's, and the
+// look-ahead makes one character of a two-character line end known before it is asked for.
+#include "text/txfr.h"
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+constexpr size_t BLOCK_SIZE = 8192;
+constexpr int END_OF_FILE = -1;
+constexpr int PIECE_SIZE = 160; // buffer of a line of any length, grown piece by piece
+
+struct Slot {
+    std::FILE *file = nullptr; // null: the slot is free
+    std::unique_ptr<unsigned char[]> block;
+    size_t blockLength = 0;
+    size_t blockPosition = 0;
+    int lookAhead = END_OF_FILE; // first character of the next line
+    bool firstRead = true;       // the look-ahead has still to be fetched
+    bool brokenLine = false;
+    int lineNo = 0;
+    long consumed = 0; // characters fetched, the look-ahead included
+};
+
+Slot slots[TXFR_MAX];
+
+Slot *slotOf(int handle)
+{
+    if (handle < 0 || handle >= TXFR_MAX || slots[handle].file == nullptr)
+        return nullptr;
+    return &slots[handle];
+}
+
+bool fillBlock(Slot *slot)
+{
+    slot->blockPosition = 0;
+    slot->blockLength = std::fread(slot->block.get(), 1, BLOCK_SIZE, slot->file);
+    return slot->blockLength > 0;
+}
+
+int nextCharacter(Slot *slot)
+{
+    if (slot->blockPosition == slot->blockLength && !fillBlock(slot))
+        return END_OF_FILE;
+    ++slot->consumed;
+    return slot->block[slot->blockPosition++];
+}
+
+void closeSlot(Slot *slot)
+{
+    std::fclose(slot->file);
+    *slot = Slot{};
+}
+
+// Steps over a line end of one or two characters; the next line's first character
+// becomes the look-ahead.
+void endLine(Slot *slot, int lineEnd)
+{
+    const int pair = lineEnd == '\r' ? '\n' : '\r';
+    int c = nextCharacter(slot);
+    if (c == pair)
+        c = nextCharacter(slot);
+    slot->lookAhead = c;
+}
+
+int breakLine(Slot *slot, int next, int length)
+{
+    slot->lookAhead = next;
+    slot->brokenLine = true;
+    --slot->lineNo; // the rest is still the same line
+    return length;
+}
+
+int endFile(int handle, int length)
+{
+    closeSlot(&slots[handle]);
+    return length > 0 ? length : -1;
+}
+
+// Collects one line. Behind a NUL the rest of the line is read and dropped, so that the
+// length returned is always that of the text.
+int collectLine(int handle, char *buffer, int size)
+{
+    Slot *slot = &slots[handle];
+    int c = slot->firstRead ? nextCharacter(slot) : slot->lookAhead;
+    slot->firstRead = false;
+    slot->brokenLine = false;
+    ++slot->lineNo;
+    bool dropping = false;
+    int length = 0;
+    for (;; c = nextCharacter(slot)) {
+        if (length == size - 1 && !dropping)
+            return breakLine(slot, c, length);
+        if (c == END_OF_FILE)
+            return endFile(handle, length);
+        if (c == '\r' || c == '\n') {
+            endLine(slot, c);
+            return length;
+        }
+        dropping = dropping || c == '\0';
+        if (!dropping)
+            buffer[length++] = static_cast<char>(c);
+    }
+}
+
+} // namespace
+
+int TXFR_Open(const char *fileName)
+{
+    int handle = 0;
+    while (handle < TXFR_MAX && slots[handle].file != nullptr)
+        ++handle;
+    if (handle == TXFR_MAX || fileName == nullptr)
+        return -1;
+    Slot *slot = &slots[handle];
+    slot->file = std::fopen(fileName, "rb");
+    if (slot->file == nullptr)
+        return -1;
+    slot->block = std::make_unique<unsigned char[]>(BLOCK_SIZE);
+    if (!fillBlock(slot) && std::ferror(slot->file)) { // a folder, say
+        closeSlot(slot);
+        return -1;
+    }
+    return handle;
+}
+
+int TXFR_RdLine(int handle, char *buffer, int size)
+{
+    if (slotOf(handle) == nullptr)
+        return -1;
+    if (buffer == nullptr || size < 2) { // no room for any text: no call would ever get on
+        TXFR_Close(handle);
+        return -1;
+    }
+    const int length = collectLine(handle, buffer, size);
+    buffer[length > 0 ? length : 0] = '\0';
+    return length;
+}
+
+int TXFR_RdNewLine(int handle, std::string *line, int size)
+{
+    line->clear();
+    if (size >= 0) {
+        std::unique_ptr<char[]> buffer(new char[static_cast<size_t>(size) + 1]);
+        const int length = TXFR_RdLine(handle, buffer.get(), size);
+        if (length > 0)
+            line->assign(buffer.get(), static_cast<size_t>(length));
+        return length;
+    }
+    char piece[PIECE_SIZE];
+    int length = TXFR_RdLine(handle, piece, PIECE_SIZE);
+    if (length < 0)
+        return length;
+    line->assign(piece, static_cast<size_t>(length));
+    while (TXFR_IsBrokenLine(handle) == 1) {
+        length = TXFR_RdLine(handle, piece, PIECE_SIZE);
+        if (length > 0)
+            line->append(piece, static_cast<size_t>(length));
+    }
+    return static_cast<int>(line->size());
+}
+
+int TXFR_IsBrokenLine(int handle)
+{
+    const Slot *slot = slotOf(handle);
+    return slot == nullptr ? -1 : slot->brokenLine ? 1 : 0;
+}
+
+int TXFR_GetLineNo(int handle)
+{
+    const Slot *slot = slotOf(handle);
+    return slot == nullptr ? -1 : slot->lineNo;
+}
+
+long TXFR_GetFilePos(int handle)
+{
+    const Slot *slot = slotOf(handle);
+    if (slot == nullptr)
+        return -1;
+    const bool ahead = !slot->firstRead && slot->lookAhead != END_OF_FILE;
+    return slot->consumed - (ahead ? 1 : 0);
+}
+
+int TXFR_Close(int handle)
+{
+    Slot *slot = slotOf(handle);
+    if (slot == nullptr)
+        return -1;
+    closeSlot(slot);
+    return 0;
+}

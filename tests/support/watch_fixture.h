@@ -1,0 +1,147 @@
+// A test with an empty watch list, empty symbol tables, all panels loaded headless and,
+// on demand, a connection to a simulated target.
+#ifndef WATCH_FIXTURE_H
+#define WATCH_FIXTURE_H
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "app/VR.h"
+#include "comm/ucm.h"
+#include "runtime/headless/headless.h"
+#include "support/sim_fixture.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/edit.h"
+#include "watch/litem.h"
+#include "watch/refresh.h"
+
+class WatchTest : public ::testing::Test {
+protected:
+    static constexpr int PORT = 4;
+
+    void SetUp() override
+    {
+        HL_Reset();
+        HL_LoadAllPanels();
+        mainPanel = PANEL_MAIN;
+        clearTables();
+        nLItems = openLItems = readLItems = 0;
+        UpdItem = eTMS = nErrors = 0;
+        IsDBGChange = isTimer = 0;
+        szDebugFileName.clear();
+        nDebugFileNames = 0;
+        EDT_ForgetUndo();
+        Procesor = CPU_C166;
+        Option_AutoOff = 1;
+        STATION = 1;
+        options.demo = false;
+    }
+
+    void TearDown() override
+    {
+        UCM_Close();
+        if (target)
+            SIMT_Stop(PORT, target);
+        clearTables();
+        nLItems = openLItems = 0;
+        szDebugFileName.clear();
+        IsDBGChange = 0;
+        if (!folder.empty())
+            std::filesystem::remove_all(folder);
+    }
+
+    bool connect()
+    {
+        target = SIMT_Start(PORT, options);
+        if (!target)
+            return false;
+        ncom = PORT;
+        VIR2_StartPeriodicASC();
+        return isTimer != 0;
+    }
+
+    // The target goes on, but nobody hears it; one try a block keeps the test short.
+    void silence()
+    {
+        options.stations = 0;
+        SIM_SetFaults(target, options);
+        UCM_recS.tries = 0;
+    }
+
+    void addSymbol(const char *name, uint32_t address)
+    {
+        ASSERT_EQ(VRN_AddNode(aVarNode, &nNodes, address, name, nullptr), 0);
+        VRN_SortByName(aVarNode, nNodes);
+        openStruct = OPEN_MAP_FILE;
+    }
+
+    void addRegister(const char *name, uint32_t address)
+    {
+        ASSERT_EQ(VRN_AddNode(aVarNode166, &nNodes166, address, name, nullptr), 0);
+        VRN_SortByName(aVarNode166, nNodes166);
+        openStruct166 = 1;
+    }
+
+    void addTmsSymbol(const char *name, uint32_t address)
+    {
+        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, address, name, nullptr), 0);
+        openTMSStruct = 1;
+    }
+
+    // One more item, written as a line of a debug file.
+    void addItem(const std::string &line)
+    {
+        content += line + "\n";
+        ASSERT_EQ(load(content), 0);
+    }
+
+    int load(const std::string &text)
+    {
+        return dat2litems(write("list.dbg", text).c_str());
+    }
+
+    std::string path(const std::string &name)
+    {
+        if (folder.empty()) {
+            std::string pattern =
+                (std::filesystem::temp_directory_path() / "vireo2-XXXXXX").string();
+            folder = mkdtemp(pattern.data());
+        }
+        return folder + "/" + name;
+    }
+
+    std::string write(const std::string &name, const std::string &text)
+    {
+        std::ofstream(path(name), std::ios::binary) << text;
+        return path(name);
+    }
+
+    static std::string read(const std::string &file)
+    {
+        std::ifstream in(file, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(in), {});
+    }
+
+    SIM_Target *target = nullptr;
+    SIM_Options options;
+    std::string folder;
+    std::string content;
+
+private:
+    void clearTables()
+    {
+        FreeNodes(aVarNode, &nNodes);
+        FreeNodes(aVarNode166, &nNodes166);
+        FreeNodes(aVarTMSNode, &nTMSNodes);
+        openStruct = openStruct166 = openTMSStruct = 0;
+        UCM_recS.tries = 3;
+    }
+};
+
+#endif

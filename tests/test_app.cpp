@@ -1,0 +1,428 @@
+// The program's spine as a user meets it: start-up, options, title and state line,
+// the menus' check marks, communication on and off, the two views, the end.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "app/VR.h"
+#include "comm/ucm.h"
+#include "platform/system.h"
+#include "runtime/headless/headless.h"
+#include "sim/sim.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/litem.h"
+
+namespace {
+
+// A program started in an empty folder of its own, with the globals as after a start.
+class App : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        home = std::filesystem::current_path();
+        folder =
+            std::filesystem::temp_directory_path() / ("vireo2-app-" + std::to_string(PLT_TickUs()));
+        std::filesystem::create_directories(folder);
+        std::filesystem::current_path(folder);
+        Forget();
+    }
+    void TearDown() override
+    {
+        VIR2_StopPeriodicASC();
+        unsetenv("VIREO2_COM1");
+        Forget();
+        std::filesystem::current_path(home);
+        std::filesystem::remove_all(folder);
+    }
+    static void Forget()
+    {
+        HL_Reset();
+        Procesor = CPU_C166;
+        VR_nProtocol = PROTOCOL_MR166;
+        ncom = STATION = Option_AutoOff = Option_ComWin32 = 1;
+        bRate = 19200;
+        VR_enAppMode = MODE_NORMAL;
+        isTimer = oldTimer = IsDBGChange = nDebugFileNames = openStruct = nLItems = openLItems = 0;
+        oldHeight = 491;
+        szDebugFileName.clear();
+        szMapFileName.clear();
+        VR_isScriptRun = VR_isFullCommandSet = VR_isFullOnce = false;
+        for (int &item : anRecentItems)
+            item = 0;
+    }
+    static int Start(std::vector<std::string> options = {})
+    {
+        std::vector<char *> argv = {const_cast<char *>("vireo2")};
+        for (std::string &option : options)
+            argv.push_back(option.data());
+        argv.push_back(nullptr);
+        return VR_StartUp(static_cast<int>(argv.size()) - 1, argv.data());
+    }
+    static std::string Text(int control)
+    {
+        std::string text;
+        EXPECT_EQ(0, GetCtrlVal(mainPanel, control, &text));
+        return text;
+    }
+    static int Value(int control)
+    {
+        int value = -1;
+        EXPECT_EQ(0, GetCtrlVal(mainPanel, control, &value));
+        return value;
+    }
+    static int Panel(int panel, int attribute)
+    {
+        int value = -1;
+        EXPECT_EQ(0, GetPanelAttribute(panel, attribute, &value));
+        return value;
+    }
+    static int Item(int item, int attribute)
+    {
+        int value = -1;
+        EXPECT_EQ(0, GetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, attribute, &value));
+        return value;
+    }
+    static std::vector<int> Checked(int menu)
+    {
+        std::vector<int> items;
+        for (const int item : HL_GetMenuItems(menu))
+            if (Item(item, ATTR_CHECKED) != 0)
+                items.push_back(item);
+        return items;
+    }
+    static void Connect(SIM_Target **target)
+    {
+        std::string error;
+        *target = SIM_Start(SIM_Options(), &error);
+        ASSERT_TRUE(*target) << error;
+        setenv("VIREO2_COM1", SIM_DevicePath(*target), 1);
+    }
+    std::filesystem::path home, folder;
+};
+
+TEST_F(App, CommandLine)
+{
+    const struct {
+        std::vector<std::string> options;
+        int port, baud, station, mode, rest;
+    } cases[] = {
+        {{"-7"}, 1, 19200, 1, 0, 2},
+        {{"-4"}, 4, 19200, 1, 0, 2},
+        {{"-0"}, 1, 19200, 1, 0, 2},
+        {{"-b"}, 1, 0, 1, 0, 2},
+        {{"-b-5"}, 1, 19200, 1, 0, 2},
+        {{"-b115200", "-s-2"}, 1, 115200, 0, 0, 3},
+        {{"-s15x"}, 1, 19200, 15, 0, 2},
+        {{"-C", "-3"}, 3, 19200, 1, 1, 3},
+        {{"f.scr", "-C"}, 1, 19200, 1, 0, 1},
+        {{"-", "-z9", "-2"}, 2, 19200, 1, 0, 4},
+        {{}, 1, 19200, 1, 0, 1},
+    };
+    for (const auto &c : cases) {
+        Forget();
+        std::vector<char *> argv = {nullptr};
+        for (const std::string &option : c.options)
+            argv.push_back(const_cast<char *>(option.c_str()));
+        EXPECT_EQ(c.rest, GetCmdLineOptions(static_cast<int>(argv.size()), argv.data()));
+        EXPECT_EQ(c.port, ncom);
+        EXPECT_EQ(c.baud, bRate);
+        EXPECT_EQ(c.station, STATION);
+        EXPECT_EQ(c.mode, VR_enAppMode);
+    }
+}
+
+TEST_F(App, StartShowsConsoleViewWithCommunicationOff)
+{
+    ASSERT_EQ(0, Start({"-2", "-s3"}));
+    EXPECT_EQ("CPU = AC166; prot = COM166; st = 3; com = 2, brate = 19200; auto-off; Win32Com; \n"
+              "Map not opened.",
+              Text(MAIN_STATE));
+    EXPECT_EQ(1, Panel(mainPanel, ATTR_VISIBLE));
+    EXPECT_EQ(1, Panel(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(0, Panel(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(0, Panel(mainPanel, ATTR_SIZABLE));
+    EXPECT_EQ(0, Value(MAIN_COMM));
+    EXPECT_EQ(1, Value(MAIN_STOPPED));
+    EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+    for (const int item : {ITEM_RELOAD_MAP, ITEM_CLOSE_PORT})
+        EXPECT_EQ(1, Item(item, ATTR_DIMMED)) << item;
+    EXPECT_EQ(0, Item(ITEM_CONNECT, ATTR_DIMMED));
+    EXPECT_TRUE(HL_GetPopups().empty());
+}
+
+TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
+{
+    ASSERT_EQ(0, Start({"-C"}));
+    EXPECT_EQ(0, Panel(mainPanel, ATTR_VISIBLE));
+    EXPECT_EQ(1, Panel(PANEL_CONFIG, ATTR_VISIBLE));
+    HL_ClosePanel(PANEL_CONFIG);
+    EXPECT_TRUE(HL_IsQuit());
+    EXPECT_TRUE(std::filesystem::exists("Vireo2Config.ini"));
+    EXPECT_FALSE(std::filesystem::exists("Vireo2.ini"));
+
+    Forget();
+    ASSERT_EQ(0, Start());
+    DisplayPanel(PANEL_CONFIG);
+    HL_ClosePanel(PANEL_CONFIG);
+    EXPECT_FALSE(HL_IsQuit());
+    EXPECT_EQ(0, Panel(PANEL_CONFIG, ATTR_VISIBLE));
+}
+
+TEST_F(App, StateLineNamesEverySetting)
+{
+    ASSERT_EQ(0, Start());
+    Procesor = 2;
+    VR_nProtocol = 7;
+    Option_AutoOff = Option_ComWin32 = 0;
+    openStruct = 9;
+    SetMainPanelStateLine();
+    EXPECT_EQ("CPU = ???; prot = ???; st = 1; com = 1, brate = 19200; NI_Com; \nMap ???",
+              Text(MAIN_STATE));
+    const struct {
+        int state, file, memory;
+        const char *text;
+    } maps[] = {{OPEN_MAP_FILE, 1, 0, "Map file: a.m66"},
+                {OPEN_FROM_MEMORY, 0, 1, "Map loaded from memory."}};
+    szMapFileName = "a.m66";
+    for (const auto &map : maps) {
+        openStruct = map.state;
+        SetMainPanelStateLine();
+        EXPECT_EQ(map.text, Text(MAIN_STATE).substr(Text(MAIN_STATE).find('\n') + 1));
+        EXPECT_EQ(map.file, Value(MAIN_LED_MAPFILE));
+        EXPECT_EQ(map.memory, Value(MAIN_LED_MAPMEM));
+    }
+    std::string title;
+    szDebugFileName = "w.dbg";
+    for (const auto &[change, expected] :
+         {std::pair(0, "Vireo2  w.dbg"), std::pair(1, "Vireo2 * w.dbg ")}) {
+        IsDBGChange = change;
+        SetMainPanelTitle();
+        GetPanelAttribute(mainPanel, ATTR_TITLE, &title);
+        EXPECT_EQ(expected, title);
+    }
+    IsDBGChange = 0;
+}
+
+TEST_F(App, OptionsMenusCheckExactlyWhatIsSet)
+{
+    ASSERT_EQ(0, Start());
+    const struct {
+        int click, menu, value;
+        int32_t *setting;
+    } cases[] = {
+        {ITEM_BAUD_FIRST, MENU_BAUD, 9600, &bRate},
+        {ITEM_BAUD_LAST, MENU_BAUD, 115200, &bRate},
+        {ITEM_PORT_FIRST + 8, MENU_PORT, 9, &ncom},
+        {ITEM_STATION_FIRST, MENU_STATION, 0, &STATION},
+        {ITEM_STATION_LAST, MENU_STATION, 15, &STATION},
+        {ITEM_CPU_C167, MENU_PROCESSOR, 1, &Procesor},
+        {ITEM_CPU_F283XX, MENU_PROCESSOR, 10, &Procesor},
+        {ITEM_CPU_F2803X, MENU_PROCESSOR, 11, &Procesor},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(0, HL_ClickMenu(c.click));
+        EXPECT_EQ(c.value, *c.setting);
+        EXPECT_EQ(std::vector<int>{c.click}, Checked(c.menu));
+    }
+    HL_ClickMenu(ITEM_MODBUS);
+    EXPECT_EQ(PROTOCOL_MODBUS, VR_nProtocol);
+    EXPECT_EQ(std::vector<int>{ITEM_MODBUS}, Checked(MENU_PROTOCOL));
+    HL_ClickMenu(ITEM_AUTO_OFF);
+    EXPECT_EQ(0, Item(ITEM_AUTO_OFF, ATTR_CHECKED));
+    HL_ClickMenu(ITEM_COM_WIN32);
+    EXPECT_EQ(0, Option_ComWin32);
+    EXPECT_EQ(0u, HL_GetPopups().back().find("(!) Warning: Use of NI COM services"));
+    StationCB(0, 999);
+    EXPECT_EQ(1, STATION);
+}
+
+TEST_F(App, PortByNumberIsClampedAndCancelKeepsIt)
+{
+    ASSERT_EQ(0, Start({"-3"}));
+    HL_ClickMenu(ITEM_PORT_OTHER);
+    EXPECT_EQ(3, ncom) << "cancelled";
+    for (const auto &[typed, port] : {std::pair("0", 1), std::pair("999", 256), std::pair("12", 12),
+                                      std::pair("x", 1), std::pair("99999999999999999999", 256)}) {
+        HL_PushAnswer(1, typed);
+        HL_ClickMenu(ITEM_PORT_OTHER);
+        EXPECT_EQ(port, ncom) << typed;
+    }
+    EXPECT_EQ(std::vector<int>{ITEM_PORT_OTHER}, Checked(MENU_PORT));
+}
+
+TEST_F(App, RecentFilesMoveToTheHead)
+{
+    for (int i = 1; i <= 10; i++)
+        AddDebugFileName("f" + std::to_string(i));
+    AddDebugFileName("f5");
+    AddDebugFileName(std::string(PATH_MAX_CHARS, 'x'));
+    ASSERT_EQ(9, nDebugFileNames);
+    const char *expected[] = {"f5", "f10", "f9", "f8", "f7", "f6", "f4", "f3", "f2"};
+    for (size_t i = 0; i < 9; i++)
+        EXPECT_EQ(expected[i], szaDebugFileNames[i]);
+
+    szDebugFileName = "f9";
+    ASSERT_EQ(0, Start());
+    SetMainPanelAttributes(); // items of the refresh before are gone
+    int found = 0;
+    for (const int item : HL_GetMenuItems(MENU_FILE))
+        if (item >= 1000) {
+            const size_t at = static_cast<size_t>(found++);
+            EXPECT_EQ("__" + std::to_string(found) + " " + szaDebugFileNames[at],
+                      HL_GetMenuText(item));
+            EXPECT_EQ(KEY_CTRL | ('0' + found), HL_GetShortcut(item));
+            EXPECT_EQ(found == 1, Item(item, ATTR_CHECKED) == 1);
+        }
+    EXPECT_EQ(9, found);
+    EXPECT_EQ("f9", szaDebugFileNames[0]);
+}
+
+TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
+{
+    setenv("VIREO2_COM1", (folder / "no-such-port").c_str(), 1);
+    ASSERT_EQ(0, Start());
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    ASSERT_EQ(1u, HL_GetPopups().size());
+    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(port is not available)",
+              HL_GetPopups()[0]);
+    EXPECT_EQ(0, isTimer);
+    EXPECT_EQ(0, Value(MAIN_COMM));
+    EXPECT_EQ(1, Value(MAIN_STOPPED));
+    EXPECT_EQ(-38, Check_ASC_Open(-38));
+    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(bad com number)", HL_GetPopups().back());
+    EXPECT_EQ(-22, Check_ASC_Open(-22));
+    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n", HL_GetPopups().back());
+}
+
+TEST_F(App, CommunicationGoesOnAndOffAndReopens)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    ASSERT_EQ(0, Start());
+    VR_ComRequest();
+    EXPECT_EQ("Message: Enable communication?", HL_GetPopups().back());
+    EXPECT_EQ(0, isTimer);
+    HL_PushAnswer(1);
+    VR_ComRequest();
+    EXPECT_EQ(1, isTimer);
+    EXPECT_EQ(1, Value(MAIN_COMM));
+    EXPECT_EQ(0, Value(MAIN_STOPPED));
+    EXPECT_EQ(1, Item(ITEM_CONNECT, ATTR_CHECKED));
+    EXPECT_EQ(0, Item(ITEM_CLOSE_PORT, ATTR_DIMMED));
+    EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+
+    HL_ClickMenu(ITEM_BAUD_LAST);
+    EXPECT_EQ(1, UCM_IsOpened());
+    EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+    HL_ClickMenu(ITEM_CLOSE_PORT);
+    EXPECT_EQ(0, UCM_IsOpened() + isTimer + Value(MAIN_COMM));
+    EXPECT_EQ(1, Item(ITEM_CLOSE_PORT, ATTR_DIMMED));
+
+    HL_Key(PANEL_MAIN, 0, KEY_F1 + 8);
+    EXPECT_EQ(1, isTimer);
+    setenv("VIREO2_COM2", (folder / "no-such-port").c_str(), 1);
+    HL_ClickMenu(ITEM_PORT_FIRST + 1);
+    EXPECT_EQ(0, isTimer) << "the new port cannot be opened";
+    EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+    unsetenv("VIREO2_COM2");
+    SIM_Stop(target);
+}
+
+TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    ASSERT_EQ(0, Start());
+    HL_ClickMenu(ITEM_CONNECT);
+    HL_ClickMenu(ITEM_CONSOLE_VIEW);
+    EXPECT_EQ(1, Panel(mainPanel, ATTR_SIZABLE));
+    EXPECT_EQ(std::vector<int>{ITEM_CONSOLE_VIEW}, Checked(MENU_WINDOW));
+    UCM_Close();
+    HL_ClickMenu(ITEM_WATCH_VIEW);
+    EXPECT_EQ(0, UCM_IsOpened());
+    EXPECT_EQ(0, Panel(mainPanel, ATTR_SIZABLE) + Panel(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(std::vector<int>{ITEM_WATCH_VIEW}, Checked(MENU_WINDOW));
+    oldTimer = 1;
+    HL_ClickMenu(ITEM_WATCH_VIEW);
+    EXPECT_EQ(1, UCM_IsOpened());
+    SIM_Stop(target);
+}
+
+TEST_F(App, HeightsBelowTheLeastAreRefused)
+{
+    ASSERT_EQ(0, Start());
+    HL_ResizePanel(mainPanel, 600, 900);
+    EXPECT_EQ(780, Panel(mainPanel, ATTR_WIDTH));
+    EXPECT_EQ(600 - 21, Panel(consolePanel, ATTR_HEIGHT));
+    int box = 0, line = 0;
+    GetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT, &box);
+    GetCtrlAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP, &line);
+    EXPECT_EQ(600 - 43, box);
+    EXPECT_EQ(600 - 42, line);
+    HL_ResizePanel(mainPanel, 49, 780);
+    EXPECT_EQ(600, Panel(mainPanel, ATTR_HEIGHT));
+    HL_ResizePanel(mainPanel, 50, 780);
+    EXPECT_EQ(50, oldHeight);
+}
+
+TEST_F(App, ArrowKeysMoveTheSelectionFromAnywhere)
+{
+    std::ofstream("w.dbg") << "[100],u2\n[102],u2\n[104],u2\n";
+    std::ofstream("Vireo2.ini") << "d0, w.dbg\n";
+    ASSERT_EQ(0, Start());
+    ASSERT_EQ(3, nLItems);
+    HL_SelectLine(mainPanel, MAIN_LIST, 1);
+    const struct {
+        int focus, key, row;
+    } keys[] = {{0, KEY_DOWN, 2},       {0, KEY_DOWN, 2},       {MAIN_COMM, KEY_UP, 1},
+                {MAIN_LIST, KEY_UP, 0}, {MAIN_LIST, KEY_UP, 0}, {MAIN_LIST, KEY_DOWN, 1}};
+    for (const auto &k : keys) {
+        int row = -1;
+        HL_Key(mainPanel, k.focus, k.key);
+        GetCtrlIndex(mainPanel, MAIN_LIST, &row);
+        EXPECT_EQ(k.row, row);
+    }
+}
+
+TEST_F(App, ScriptOnTheCommandLineRunsAfterTheSettings)
+{
+    std::ofstream("Vireo2.ini") << "s, 4\n";
+    std::ofstream("a.scr") << "station 7\nstation 99\n";
+    ASSERT_EQ(0, Start({"a.scr"}));
+    EXPECT_TRUE(VR_isScriptRun);
+    EXPECT_EQ(7, STATION);
+    EXPECT_LT(VR_nScriptResult, -1);
+    EXPECT_EQ("Error in the script file on line 3.", HL_GetLines(consolePanel, CONSOLE_BOX).back());
+}
+
+TEST_F(App, ExitAsksSavesAndQuits)
+{
+    ASSERT_EQ(0, Start());
+    IsDBGChange = 1;
+    HL_ClickMenu(ITEM_EXIT);
+    EXPECT_FALSE(HL_IsQuit()) << "cancelled";
+    EXPECT_FALSE(std::filesystem::exists("Vireo2.ini"));
+    HL_PushAnswer(2); // no
+    HL_ClosePanel(mainPanel);
+    EXPECT_TRUE(HL_IsQuit());
+    EXPECT_TRUE(std::filesystem::exists("Vireo2.ini"));
+}
+
+TEST_F(App, LibraryFunctionsAreResolvedByName)
+{
+    VR_DllFn table[] = {{"cos", nullptr}, {"sin", nullptr}, {"no_such_entry", nullptr}};
+    EXPECT_EQ(0, VR_LoadDllFnTable("libm.so.6", 2, table));
+    EXPECT_EQ(-2, VR_LoadDllFnTable("libm.so.6", 3, table));
+    EXPECT_EQ(-2, VR_LoadDllFnTable("libm.so.6", 0, table));
+    EXPECT_EQ(-1, VR_LoadDllFnTable("no-such-library.dll", 2, table));
+    EXPECT_EQ(table[1].address, VR_GetDllFn("sin", 3, table));
+    EXPECT_NE(nullptr, table[1].address);
+    EXPECT_EQ(nullptr, VR_GetDllFn("Sin", 3, table));
+    GetVRVersion("ignored");
+    EXPECT_EQ(VR_GetBuildVersion(), VR_szVersion);
+}
+
+} // namespace

@@ -1,0 +1,163 @@
+#include "calendar/archive.h"
+#include "calendar/crc32.h"
+#include "text/txfrw.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <string>
+
+namespace {
+
+class Archive : public testing::Test {
+protected:
+    std::string folder = testing::TempDir();
+    std::string archive = folder + "vireo2.qar";
+    std::string first = folder + "vireo2 first.bin", second = folder + "vireo2_\"second\".txt";
+    const std::string firstContent = std::string(100, '\0') + "QAR9/9;\n";
+
+    static void write(const std::string &path, const std::string &content)
+    {
+        std::ofstream(path, std::ios::binary) << content;
+    }
+    static std::string read(const std::string &path)
+    {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+    void SetUp() override
+    {
+        write(first, firstContent);
+        write(second, "line 1\nline 2\r\n");
+        ASSERT_EQ(QAR_Make(archive.c_str(), {first, second}), 0);
+    }
+    void TearDown() override
+    {
+        for (const std::string &path : {archive, first, second})
+            std::remove(path.c_str());
+    }
+    int extract(const std::string &member)
+    {
+        std::string content;
+        return QAR_Extract_file(&content, archive.c_str(), member.c_str());
+    }
+};
+
+TEST(Crc32Lsb, KnownValues)
+{
+    EXPECT_EQ(Crc32_LSB("", 0, CRC32_POLYNOMIAL), 0u);
+    EXPECT_EQ(Crc32_LSB("\0", 1, CRC32_POLYNOMIAL), 0u);
+    EXPECT_EQ(Crc32_LSB("\x01", 1, CRC32_POLYNOMIAL), 0x77073096u);
+}
+
+// zlib inverts before and after; started from all ones it starts our register from 0.
+TEST(Crc32Lsb, AgreesWithZlibAndWithTheShiftOfEveryPolynomial)
+{
+    std::mt19937 random(7);
+    std::string data(300, '\0');
+    for (char &c : data)
+        c = static_cast<char>(random());
+    for (size_t from = 0; from < 20; from++) {
+        for (const size_t length : {0u, 1u, 7u, 15u, 16u, 17u, 63u, 280u}) {
+            const auto *bytes = reinterpret_cast<const unsigned char *>(data.data()) + from;
+            const uint32_t peer =
+                ~static_cast<uint32_t>(crc32(0xFFFFFFFFu, bytes, static_cast<uInt>(length)));
+            EXPECT_EQ(Crc32_LSB(bytes, length, CRC32_POLYNOMIAL), peer);
+            uint32_t shifted = 0;
+            for (size_t bit = 0; bit < 8 * length; bit++) {
+                shifted ^= (bytes[bit / 8] >> (bit % 8)) & 1u;
+                shifted = (shifted >> 1) ^ ((shifted & 1) != 0 ? 0x82F63B78u : 0);
+            }
+            EXPECT_EQ(Crc32_LSB(bytes, length, 0x82F63B78u), shifted);
+        }
+    }
+}
+
+TEST_F(Archive, ComesBackByNameAndInOrder)
+{
+    EXPECT_EQ(read(archive).substr(0, 11), "QAR1/2;108;");
+    std::string content, name;
+    EXPECT_EQ(QAR_Extract_file(&content, archive.c_str(), first.c_str()), 0);
+    EXPECT_EQ(content, firstContent);
+    EXPECT_EQ(extract("vireo2 first.bin"), -1); // names are kept with their path
+    EXPECT_EQ(content, firstContent);
+    const int text = QAR_Extract_txfrw(archive.c_str(), second.c_str());
+    EXPECT_EQ(TXFRW_GetCnLines(text), 2);
+    EXPECT_STREQ(TXFRW_GetLinePtr(text, 1), "line 2");
+    EXPECT_EQ(second, TXFRW_GetFileNamePtr(text));
+    TXFRW_Close(text);
+    std::FILE *file = std::fopen(archive.c_str(), "rb");
+    EXPECT_EQ(QAR_Extract(&content, &name, file), 1);
+    EXPECT_EQ(QAR_Extract(&content, &name, file), 0);
+    EXPECT_EQ(name, second);
+    EXPECT_EQ(content, "line 1\nline 2\r\n");
+    EXPECT_EQ(QAR_Extract(&content, &name, file), -2);
+    std::fclose(file);
+}
+
+TEST_F(Archive, CreationRefusesWhatItCannotDo)
+{
+    const std::string before = read(archive);
+    const char *arguments[] = {"program", "-a", archive.c_str(), first.c_str(), "no/such/file"};
+    EXPECT_EQ(QAR_Create_archiv(3, arguments), -1);
+    EXPECT_EQ(QAR_Create_archiv(5, arguments), -1); // the second member fails
+    EXPECT_EQ(read(archive), before);
+    EXPECT_EQ(QAR_Create_archiv(4, arguments), 0);
+    EXPECT_EQ(read(archive).substr(0, 7), "QAR1/1;");
+    arguments[1] = "-b";
+    arguments[2] = "never_made.qar";
+    EXPECT_EQ(QAR_Create_archiv(5, arguments), -1);
+    EXPECT_EQ(std::fopen("never_made.qar", "rb"), nullptr);
+    QarHeader header;
+    header.index = 2, header.count = 1;
+    std::FILE *file = std::tmpfile();
+    EXPECT_EQ(QAR_Put_file_header(file, header), -1);
+    header.index = 1, header.name = "two\nlines";
+    EXPECT_EQ(QAR_Put_file_header(file, header), -1);
+    std::fclose(file);
+}
+
+TEST_F(Archive, DamageIsFound)
+{
+    const std::string whole = read(archive);
+    // Cut anywhere, the second member is never returned; the first one once it is complete.
+    const size_t firstEnd = whole.find("QAR2/2;");
+    for (size_t length = 0; length < whole.size(); length++) {
+        write(archive, whole.substr(0, length));
+        EXPECT_EQ(extract(second), -1) << length;
+        EXPECT_EQ(extract(first), length >= firstEnd ? 0 : -1) << length;
+    }
+    const struct {
+        const char *from, *to;
+        bool firstGood, secondGood;
+    } cases[] = {
+        {"QAR2/2;", "QAR2/3;", true, false},
+        {"QAR2/2;", "QAR3/2;", true, false},
+        {"QAR1/2;", "QAR2/2;", false, false},
+        {"QAR1/2;", "QAR1/1;", true, false},
+        {"QAR1/2;", "QXR1/2;", false, false},
+        {";108;", ";2147483647;", false, false},
+        {";108;", ";99999999999999999999;", false, false},
+        {";108;", ";-1;", false, false},
+        {";108;", ";107;", false, false},
+        {"line 1", "line 7", true, false},
+        {"txt\"\n", "txt\n", true, true}, // the quote of the name's own is the last one then
+        {"QAR2/2;", "QAR2 / 2 ; ", true, true},
+    };
+    for (const auto &c : cases) {
+        std::string damaged = whole;
+        damaged.replace(damaged.find(c.from), std::string(c.from).size(), c.to);
+        write(archive, damaged);
+        EXPECT_EQ(extract(first), c.firstGood ? 0 : -1) << c.from << " to " << c.to;
+        const bool quoteLost = std::string(c.to) == "txt\n";
+        const std::string wanted = quoteLost ? second.substr(0, second.rfind('"')) : second;
+        EXPECT_EQ(extract(wanted), c.secondGood ? 0 : -1) << c.from << " to " << c.to;
+    }
+    write(archive, "QAR1/1;4;0x00000000;\"zeros\"\n" + std::string(3, '\0'));
+    EXPECT_EQ(extract("zeros"), -1); // too short, though its check value fits
+}
+
+} // namespace

@@ -1,0 +1,205 @@
+// The console program as other programs meet it: the built binary, its exit codes,
+// what stands on which stream, and the watch tables.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <sys/wait.h>
+
+#include "platform/system.h"
+#include "sim/sim.h"
+
+namespace {
+
+struct Outcome {
+    int code = -1;
+    std::string out, err;
+};
+
+std::string ReadAll(const std::filesystem::path &path)
+{
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+}
+
+size_t CountLines(const std::string &text)
+{
+    return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+class ConsoleProgram : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        folder =
+            std::filesystem::temp_directory_path() / ("vireo2-con-" + std::to_string(PLT_TickUs()));
+        std::filesystem::create_directories(folder);
+    }
+    void TearDown() override
+    {
+        SIM_Stop(target);
+        unsetenv("VIREO2_COM1");
+        std::filesystem::remove_all(folder);
+    }
+    void StartTarget(const SIM_Options &options = {})
+    {
+        std::string error;
+        target = SIM_Start(options, &error);
+        ASSERT_TRUE(target) << error;
+        setenv("VIREO2_COM1", SIM_DevicePath(target), 1);
+    }
+    void Write(const std::string &name, const std::string &text)
+    {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    }
+    Outcome Run(const std::string &arguments, const std::string &input = "")
+    {
+        Write("in", input);
+        const std::string command = "cd '" + folder.string() +
+                                    "' && '" BINARY_DIR "/vireo2-console' " + arguments +
+                                    " <in >out 2>err";
+        const int status = std::system(command.c_str());
+        Outcome outcome;
+        outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        outcome.out = ReadAll(folder / "out");
+        outcome.err = ReadAll(folder / "err");
+        return outcome;
+    }
+    std::filesystem::path folder;
+    SIM_Target *target = nullptr;
+};
+
+TEST_F(ConsoleProgram, OptionsAreChecked)
+{
+    const struct {
+        const char *arguments, *says;
+    } wrong[] = {
+        {"--nonsense", "unknown option --nonsense"}, {"--yes=1", "unknown option --yes=1"},
+        {"--watch", "--watch needs a value"},        {"--watch a --sweeps 0", "bad value '0'"},
+        {"--watch a --sweeps 3x", "bad value '3x'"}, {"--watch a --format xml", "bad value 'xml'"},
+        {"--sweeps 3", "go with --watch"},           {"--watch a b.scr", "exclude each other"},
+        {"--make-archive out", "needs the files"},
+    };
+    for (const auto &c : wrong) {
+        const Outcome outcome = Run(c.arguments);
+        EXPECT_EQ(2, outcome.code) << c.arguments;
+        EXPECT_NE(std::string::npos, outcome.err.find(c.says)) << outcome.err;
+        EXPECT_EQ("", outcome.out);
+    }
+    EXPECT_EQ(0u, Run("--version").out.find("vireo2-console "));
+    EXPECT_EQ(0u, Run("--help").out.find("Usage: vireo2-console"));
+}
+
+TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
+{
+    const Outcome outcome = Run("-s3", "station 5\r\nnonsense\n  exit \nstation 7\n");
+    EXPECT_EQ(0, outcome.code);
+    EXPECT_NE(std::string::npos, outcome.out.find("station 5 -> OK!"));
+    EXPECT_NE(std::string::npos,
+              outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
+    EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
+    EXPECT_NE(std::string::npos, ReadAll(folder / "Vireo2.ini").find("s, 5\n"))
+        << "a session ends like the program in the window";
+    const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
+    EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
+    EXPECT_NE(std::string::npos, tooLong.out.find("station 6 -> OK!"));
+}
+
+TEST_F(ConsoleProgram, ScriptsEndWithTheirResult)
+{
+    Write("good.scr", "station 2\n");
+    Write("bad.scr", "station 2\nstation 77\n");
+    Write("ask.scr", "qst Go on?,No,Stop\nstation 4\nStop:\n");
+    EXPECT_EQ(0, Run("good.scr").code);
+    EXPECT_EQ(0, Run("good").code);
+    const Outcome bad = Run("bad.scr");
+    EXPECT_EQ(1, bad.code);
+    EXPECT_NE(std::string::npos, bad.out.find("Error in the script file on line 3."));
+    const Outcome missing = Run("missing.scr");
+    EXPECT_EQ(1, missing.code);
+    EXPECT_NE(std::string::npos, missing.out.find("Could not open the script file."));
+    EXPECT_NE(std::string::npos, Run("--yes ask.scr").out.find("station 4 -> OK!"));
+    EXPECT_EQ(std::string::npos, Run("--no ask.scr").out.find("station 4 -> OK!"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "Vireo2.ini"))
+        << "a script leaves the settings alone";
+}
+
+TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
+{
+    SIM_Options options;
+    options.demo = false;
+    StartTarget(options);
+    std::string list = "\"quoted\"|name,[2000],u8\n";
+    for (int i = 0; i < 30; i++) {
+        const uint16_t value = static_cast<uint16_t>(1000 + i);
+        SIM_Poke(target, 1, static_cast<uint32_t>(0x1000 + 2 * i), &value, 2);
+        list += "[" + std::to_string(1000 + 2 * i) + "],i2\n";
+    }
+    list.replace(list.rfind("[1058]"), 6, "[103A]"); // the last one, in hexadecimal
+    const uint64_t big = 0xFFFFFFFFFFFFFFFFu;
+    SIM_Poke(target, 1, 0x2000, &big, 8);
+    Write("w.dbg", list + "nowhere,x1\n");
+
+    const Outcome csv = Run("--watch w.dbg --sweeps 2 --format csv");
+    EXPECT_EQ(0, csv.code) << csv.err;
+    EXPECT_EQ(0u, csv.out.find("sweep,name,address,type,size,value,raw,error\n"));
+    EXPECT_EQ(1u + 2 * 32, CountLines(csv.out));
+    EXPECT_NE(std::string::npos,
+              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,18446744073709551615,"
+                           "18446744073709551615,0\n"));
+    EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x001000,i,2,1000,1000,0\n"));
+    EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x00103A,i,2,1029,1029,0\n"));
+    EXPECT_NE(std::string::npos, csv.out.find("\n2,nowhere,,x,1,,,1\n"));
+
+    const Outcome json = Run("--watch w.dbg --sweeps 1 --format json");
+    EXPECT_NE(
+        std::string::npos,
+        json.out.find("{\"sweep\":1,\"name\":\"\\\"quoted\\\"|name\",\"address\":\"0x002000\","
+                      "\"type\":\"u\",\"size\":8,\"value\":\"18446744073709551615\","
+                      "\"raw\":18446744073709551615,\"error\":0}\n"));
+    EXPECT_NE(std::string::npos,
+              json.out.find("\"nowhere\",\"address\":\"\",\"type\":\"x\",\"size\":1,"
+                            "\"value\":\"\",\"raw\":null,\"error\":1}\n"));
+    EXPECT_NE(std::string::npos, Run("--watch w.dbg --sweeps 1").out.find("0x001000  i2  1000\n"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "Vireo2.ini"));
+}
+
+TEST_F(ConsoleProgram, WatchEndsWithOneWhenTheTargetDoesNotAnswer)
+{
+    Write("w.dbg", "[1000],u2\n");
+    setenv("VIREO2_COM1", (folder / "no-port").c_str(), 1);
+    const Outcome noPort = Run("--watch w.dbg --sweeps 2");
+    EXPECT_EQ(1, noPort.code);
+    EXPECT_NE(std::string::npos, noPort.err.find("(port is not available)"));
+
+    SIM_Options silent;
+    silent.silentAfter = 0;
+    StartTarget(silent);
+    const Outcome quiet = Run("--watch w.dbg --sweeps 5 --format csv");
+    EXPECT_EQ(1, quiet.code);
+    EXPECT_NE(std::string::npos, quiet.out.find("1,,0x001000,u,2,,,1\n"));
+    EXPECT_NE(std::string::npos, quiet.err.find("switched off"));
+    EXPECT_EQ(1, Run("--watch missing.dbg --sweeps 1").code);
+    Write("empty.dbg", "; nothing\n");
+    EXPECT_EQ(1, Run("--watch empty.dbg --sweeps 1").code);
+    EXPECT_EQ(1, Run("--watch w.dbg --sweeps 1 --trace /nonexistent/t").code);
+}
+
+TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
+{
+    StartTarget();
+    Write("w.dbg", "[1000],u2\n");
+    const std::string program = "'" BINARY_DIR "/vireo2-console' --watch w.dbg --trace t";
+    Write("run", "cd '" + folder.string() + "'\n" + program +
+                     " >live &\npid=$!\n"
+                     "until grep -q 'Sweep 2' live; do sleep 0.05; kill -0 $pid || exit 9; done\n"
+                     "kill -INT $pid\nwait $pid\n");
+    // Shells start background programs with SIGINT ignored; bash -m does not.
+    EXPECT_EQ(0, WEXITSTATUS(std::system(("bash -m '" + (folder / "run").string() + "'").c_str())));
+    EXPECT_NE(std::string::npos, ReadAll(folder / "t").find("0x001000"));
+}
+
+} // namespace

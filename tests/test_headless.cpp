@@ -1,0 +1,215 @@
+// The headless face: what a wrong number answers, what each kind of control takes,
+// and that lists, text boxes, menus, questions and timers behave as in a window.
+#include <gtest/gtest.h>
+
+#include "runtime/headless/headless.h"
+#include "runtime/list_columns.h"
+#include "ui/resource.h"
+#include "ui/ui_table.h"
+
+namespace {
+
+class Headless : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        HL_Reset();
+        ASSERT_EQ(0, HL_LoadAllPanels());
+    }
+    void TearDown() override
+    {
+        HL_Reset();
+    }
+};
+
+TEST_F(Headless, TablesAreSound)
+{
+    for (int i = 0; i < UI_cnControls; i++) {
+        int visible = 0;
+        EXPECT_EQ(0, GetPanelAttribute(UI_aControls[i].panel, ATTR_VISIBLE, &visible))
+            << UI_aControls[i].name;
+        for (int j = 0; j < i; j++)
+            EXPECT_FALSE(UI_aControls[i].panel == UI_aControls[j].panel &&
+                         (UI_aControls[i].control == UI_aControls[j].control ||
+                          std::string(UI_aControls[i].name) == UI_aControls[j].name))
+                << UI_aControls[i].name;
+    }
+    for (int i = 0; i < UI_cnMenuItems; i++)
+        for (int j = 0; j < i; j++) {
+            EXPECT_TRUE(UI_aMenuItems[i].item == 0 ||
+                        UI_aMenuItems[i].item != UI_aMenuItems[j].item);
+            EXPECT_TRUE(UI_aMenuItems[i].shortcut == 0 ||
+                        UI_aMenuItems[i].shortcut != UI_aMenuItems[j].shortcut)
+                << UI_aMenuItems[i].text;
+        }
+}
+
+TEST_F(Headless, WrongNumbersAndKindsAreErrors)
+{
+    int number = 0;
+    double real = 0;
+    std::string text;
+    EXPECT_EQ(UIE_NO_PANEL, SetCtrlVal(99, 1, 1));
+    EXPECT_EQ(UIE_NO_CONTROL, SetCtrlVal(PANEL_MAIN, 99, 1));
+    EXPECT_EQ(UIE_BAD_TYPE, SetCtrlVal(PANEL_MAIN, MAIN_COMM, "x"));
+    EXPECT_EQ(UIE_BAD_TYPE, SetCtrlVal(PANEL_MAIN, MAIN_STATUS, 1));
+    EXPECT_EQ(UIE_BAD_TYPE, GetCtrlVal(PANEL_MAIN, MAIN_COMM, &real));
+    EXPECT_EQ(UIE_BAD_TYPE, GetCtrlVal(PANEL_MAIN, MAIN_LIST, &text));
+    EXPECT_EQ(UIE_BAD_TYPE, ClearListCtrl(PANEL_MAIN, MAIN_MEM_BOX));
+    EXPECT_EQ(UIE_BAD_TYPE, InsertTextBoxLine(PANEL_MAIN, MAIN_LIST, -1, "x"));
+    EXPECT_EQ(UIE_BAD_INDEX, InsertListItem(PANEL_MAIN, MAIN_LIST, 1, "x", 0));
+    EXPECT_EQ(UIE_BAD_INDEX, SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 0));
+    EXPECT_EQ(UIE_BAD_INDEX, GetTextBoxLine(PANEL_MAIN, MAIN_MEM_BOX, 0, &text));
+    EXPECT_EQ(UIE_BAD_ATTRIBUTE, SetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_INTERVAL, 1.0));
+    EXPECT_EQ(UIE_BAD_ATTRIBUTE, SetCtrlAttribute(PANEL_MAIN, MAIN_TIMER, ATTR_DIMMED, 1));
+    EXPECT_EQ(UIE_BAD_ATTRIBUTE, SetPanelAttribute(PANEL_MAIN, ATTR_CHECKED, 1));
+    EXPECT_EQ(UIE_NO_ITEM, SetMenuBarAttribute(PANEL_MAIN, 999, ATTR_CHECKED, 1));
+    EXPECT_EQ(UIE_NO_PANEL, SetMenuBarAttribute(PANEL_CONSOLE, ITEM_OPEN, ATTR_CHECKED, 1));
+    EXPECT_EQ(UIE_NO_ITEM, NewMenuItem(PANEL_MAIN, MENU_HELP, "x", ITEM_RECENT_END, 0, nullptr));
+    HL_Reset();
+    EXPECT_EQ(UIE_NOT_LOADED, GetCtrlVal(PANEL_MAIN, MAIN_COMM, &number));
+    EXPECT_EQ(UIE_NOT_LOADED, LoadPanel(PANEL_MAIN, PANEL_CONSOLE));
+}
+
+TEST_F(Headless, ListKeepsSelectionWhileLinesComeAndGo)
+{
+    for (int i = 0; i < 4; i++)
+        EXPECT_EQ(0, InsertListItem(PANEL_MAIN, MAIN_LIST, -1, std::string(1, char('a' + i)), i));
+    int index = 0, value = 0;
+    EXPECT_EQ(0, GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &index));
+    EXPECT_EQ(-1, index);
+    EXPECT_EQ(0, SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 2));
+    EXPECT_EQ(0, InsertListItem(PANEL_MAIN, MAIN_LIST, 0, "new", 9));
+    EXPECT_EQ(0, DeleteListItem(PANEL_MAIN, MAIN_LIST, 1, 1));
+    EXPECT_EQ((std::vector<std::string>{"new", "b", "c", "d"}),
+              HL_GetLabels(PANEL_MAIN, MAIN_LIST));
+    EXPECT_EQ(0, GetCtrlVal(PANEL_MAIN, MAIN_LIST, &index));
+    EXPECT_EQ(2, index);
+    EXPECT_EQ(0, GetValueFromIndex(PANEL_MAIN, MAIN_LIST, index, &value));
+    EXPECT_EQ(2, value);
+    EXPECT_EQ(0, SetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, 100));
+    EXPECT_EQ(0, GetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, &value));
+    EXPECT_EQ(3, value);
+    EXPECT_EQ(UIE_BAD_INDEX, DeleteListItem(PANEL_MAIN, MAIN_LIST, 2, 3));
+}
+
+TEST_F(Headless, ConsoleBoxPrintsWhatItShows)
+{
+    std::FILE *out = std::tmpfile();
+    HL_SetStreams(out, nullptr);
+    EXPECT_EQ(0, InsertTextBoxLine(PANEL_CONSOLE, CONSOLE_BOX, -1, "one\ntwo"));
+    EXPECT_EQ(0, SetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, "op"));
+    EXPECT_EQ(0, SetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, "en\n"));
+    EXPECT_EQ(0, InsertTextBoxLine(PANEL_MAIN, MAIN_MEM_BOX, -1, "elsewhere"));
+    EXPECT_EQ((std::vector<std::string>{"one", "two", "open"}),
+              HL_GetLines(PANEL_CONSOLE, CONSOLE_BOX));
+    std::rewind(out);
+    char text[64];
+    EXPECT_EQ("one\ntwo\nopen\n", std::string(text, std::fread(text, 1, sizeof text, out)));
+    HL_SetStreams(nullptr, nullptr);
+    std::fclose(out);
+}
+
+TEST_F(Headless, QuestionsTakeQueueThenStandingAnswer)
+{
+    std::string text = "proposal";
+    EXPECT_EQ(0, ConfirmPopup("T", "safe?"));
+    EXPECT_LT(PromptPopup("T", "text?", &text, 5), 0);
+    EXPECT_EQ("proposal", text);
+    EXPECT_EQ(0, GenericMessagePopup("T", "which?", {"__Yes", "__No"}, nullptr, 0));
+    EXPECT_EQ(VAL_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_SAVE, &text));
+
+    HL_PushAnswer(1);
+    HL_PushAnswer(1, "123456");
+    EXPECT_EQ(1, ConfirmPopup("T", "queued?"));
+    EXPECT_EQ(0, PromptPopup("T", "text?", &text, 5));
+    EXPECT_EQ("12345", text);
+    HL_PushAnswer(1, "/nonexistent/file");
+    EXPECT_EQ(VAL_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_LOAD, &text));
+    EXPECT_EQ(0, HL_CountAnswers());
+
+    HL_SetDefaultAnswer(HL_ANSWER_YES);
+    EXPECT_EQ(1, ConfirmPopup("T", "yes?"));
+    EXPECT_EQ(0, GenericMessagePopup("T", "again?", {"__Retry", "__Cancel"}, &text, 5))
+        << "a retry without a new text would never end";
+    HL_SetDefaultAnswer(HL_ANSWER_NO);
+    EXPECT_EQ(2, GenericMessagePopup("T", "which?", {"__Yes", "__No", "__Cancel"}, nullptr, 0));
+    EXPECT_EQ("T: safe?", HL_GetPopups().front());
+}
+
+int ticks;
+int nClicked;
+
+void CountClick(int, int item)
+{
+    nClicked = item;
+}
+
+TEST_F(Headless, MenuItemsComeGoAndRespectDimming)
+{
+    const int bar = GetPanelMenuBar(PANEL_MAIN);
+    const int first =
+        NewMenuItem(bar, MENU_FILE, "__1 a", ITEM_RECENT_END, KEY_CTRL | '1', CountClick);
+    const int second =
+        NewMenuItem(bar, MENU_FILE, "__2 b", ITEM_RECENT_END, KEY_CTRL | '2', CountClick);
+    ASSERT_GE(first, 1000);
+    const std::vector<int> items = HL_GetMenuItems(MENU_FILE);
+    const auto place = std::find(items.begin(), items.end(), first);
+    ASSERT_LT(place + 2, items.end());
+    EXPECT_EQ(second, place[1]);
+    EXPECT_EQ(ITEM_RECENT_END, place[2]);
+    HL_Key(PANEL_MAIN, 0, KEY_CTRL | '2');
+    EXPECT_EQ(second, nClicked);
+    EXPECT_EQ(0, SetMenuBarAttribute(bar, first, ATTR_DIMMED, 1));
+    EXPECT_EQ(HL_DIMMED, HL_ClickMenu(first));
+    EXPECT_EQ(0, DiscardMenuItem(bar, first));
+    EXPECT_EQ(UIE_NO_ITEM, DiscardMenuItem(bar, first));
+}
+
+TEST_F(Headless, LoopRunsItsDriverAndTimersWaitUntilResumed)
+{
+    EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER)) << "the program starts suspended";
+    EXPECT_EQ(UIE_BAD_TYPE, HL_FireTimer(PANEL_MAIN, MAIN_LIST));
+    ResumeTimerCallbacks();
+    EXPECT_EQ(0, SetCtrlAttribute(PANEL_MAIN, MAIN_TIMER, ATTR_INTERVAL, 0.001));
+    HL_SetDriver([] {
+        ticks = HL_WaitTimer(PANEL_MAIN, MAIN_TIMER, nullptr);
+        return 7;
+    });
+    EXPECT_EQ(7, RunUserInterface());
+    EXPECT_EQ(1, ticks);
+    EXPECT_EQ(0, HL_WaitTimer(PANEL_MAIN, MAIN_TIMER, [] { return true; }));
+    QuitUserInterface(3);
+    EXPECT_EQ(3, RunUserInterface()) << "a loop that was left before it began ends at once";
+}
+
+TEST_F(Headless, ProgressIsCancelledOnceAndForAll)
+{
+    const int dialog = CreateProgressDialog("Saving", "");
+    ASSERT_GT(dialog, 0);
+    HL_CancelProgressAt(2);
+    EXPECT_EQ(0, UpdateProgressDialog(dialog, 10, ""));
+    EXPECT_EQ(1, UpdateProgressDialog(dialog, 20, ""));
+    EXPECT_EQ(1, UpdateProgressDialog(dialog, 30, ""));
+    EXPECT_EQ(0, DiscardProgressDialog(dialog));
+    EXPECT_LT(UpdateProgressDialog(dialog, 40, ""), 0);
+}
+
+TEST(ListColumns, EscapesStartColumnsAndAnythingElseIsText)
+{
+    const struct {
+        const char *label, *joined;
+    } cases[] = {
+        {"name\033p300lFA00", "name|FA00"},
+        {"\033p1l\033p2lx", "||x"},
+        {"plain", "plain"},
+        {"a\033p300", "a\033p300"},
+        {"a\033pl", "a\033pl"},
+        {"a\033p123456lb", "a\033p123456lb"},
+    };
+    for (const auto &c : cases)
+        EXPECT_EQ(c.joined, UIC_JoinColumns(c.label, "|"));
+    EXPECT_EQ(300, UIC_SplitColumns("name\033p300lFA00")[1].left);
+}
+
+} // namespace

@@ -1,0 +1,242 @@
+// Serial ports on pseudo terminals, saving without loss, starting programs.
+#include "platform/safe_file.h"
+#include "platform/serial.h"
+#include "platform/system.h"
+
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int PORT = 71;
+constexpr int PATIENCE_MS = 5000;
+
+std::string Slurp(const std::string &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+struct TempDir {
+    std::string path = testing::TempDir() + "platform-XXXXXX";
+    TempDir()
+    {
+        EXPECT_NE(mkdtemp(path.data()), nullptr);
+    }
+    ~TempDir()
+    {
+        (void)!std::system(("rm -rf '" + path + "'").c_str());
+    }
+};
+
+// A pseudo terminal whose other end the test holds.
+struct Line : testing::Test {
+    int master = -1;
+    SER_Handle port = SER_INVALID;
+
+    void SetUp() override
+    {
+        master = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+        ASSERT_GE(master, 0);
+        ASSERT_EQ(grantpt(master), 0);
+        ASSERT_EQ(unlockpt(master), 0);
+        setenv("VIREO2_COM71", ptsname(master), 1);
+        ASSERT_EQ(SER_Open(PORT, &port), SER_OK);
+        ASSERT_EQ(SER_Configure(port, SER_Settings()), SER_OK);
+        ASSERT_EQ(SER_SetTimeouts(port, 100, 100), SER_OK);
+    }
+    void TearDown() override
+    {
+        SER_Close(port);
+        if (master >= 0)
+            close(master);
+        unsetenv("VIREO2_COM71");
+    }
+    void arrive(const std::string &bytes)
+    {
+        ASSERT_EQ(write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+        while (SER_BytesWaiting(port) < static_cast<int>(bytes.size()))
+            PLT_SleepMs(1);
+    }
+};
+
+TEST_F(Line, IsRawBothWays)
+{
+    const std::string all = std::string("\x00\x03\r\n\x11\x13\x1A\xFF", 8);
+    char got[8];
+    arrive(all);
+    EXPECT_EQ(SER_Read(port, got, 8), 8);
+    EXPECT_EQ(std::string(got, 8), all);
+    EXPECT_EQ(SER_Write(port, all.data(), 8), 8);
+    EXPECT_EQ(read(master, got, 8), 8);
+    EXPECT_EQ(std::string(got, 8), all);
+}
+
+TEST_F(Line, ReadsEndWithWhatCame)
+{
+    char got[8];
+    for (const unsigned total : {0u, 30u, 100u}) { // by poll and by the terminal itself
+        ASSERT_EQ(SER_SetTimeouts(port, total, 100), SER_OK);
+        EXPECT_EQ(SER_Read(port, got, 8), 0) << total;
+        arrive("abc");
+        EXPECT_EQ(SER_Read(port, got, 8), 3) << total;
+    }
+    arrive("old");
+    EXPECT_EQ(SER_DropInput(port), SER_OK);
+    arrive("new");
+    EXPECT_EQ(SER_ReadSome(port, got, 2, PATIENCE_MS), 2);
+    EXPECT_EQ(got[0], 'n');
+    EXPECT_EQ(SER_ReadSome(port, got, 8, 0), 1);
+    EXPECT_EQ(SER_ReadSome(port, got, 8, 0), 0);
+}
+
+TEST_F(Line, WriteToALineThatTakesNothingEnds)
+{
+    const std::string flood(1 << 20, 'x');
+    const int wrote = SER_Write(port, flood.data(), flood.size());
+    EXPECT_GT(wrote, 0);
+    EXPECT_LT(wrote, 1 << 20);
+}
+
+TEST_F(Line, IsExclusiveUntilClosed)
+{
+    SER_Handle second = SER_INVALID;
+    EXPECT_EQ(SER_Open(PORT, &second), SER_ERR_OPEN);
+    SER_Close(port);
+    EXPECT_EQ(SER_Open(PORT, &second), SER_OK);
+    SER_Close(second);
+    EXPECT_EQ(SER_Read(second, &second, 1), SER_ERR_IO);
+}
+
+TEST_F(Line, RefusesWhatNoUartDoes)
+{
+    SER_Settings settings;
+    for (const uint32_t baud : {0u, 1u, 12345u, 4294967295u}) {
+        settings.baud = baud;
+        EXPECT_EQ(SER_Configure(port, settings), SER_ERR_SET) << baud;
+    }
+    settings = SER_Settings();
+    settings.dataBits = 9;
+    EXPECT_EQ(SER_Configure(port, settings), SER_ERR_SET);
+}
+
+TEST_F(Line, SaysThatTheDeviceIsGone)
+{
+    char got[8];
+    arrive("x");
+    ASSERT_EQ(SER_SetTimeouts(port, 25000, 25000), SER_OK); // must not be waited out
+    close(master);
+    master = -1;
+    EXPECT_EQ(SER_Read(port, got, 8), SER_ERR_IO);
+    EXPECT_EQ(SER_ReadSome(port, got, 8, 600000), SER_ERR_IO);
+    EXPECT_EQ(SER_Write(port, got, 8), SER_ERR_IO);
+    EXPECT_LT(SER_BytesWaiting(port), 0);
+}
+
+TEST(DevicePath, EnvironmentThenLinkThenSystem)
+{
+    const TempDir dir;
+    setenv("XDG_CONFIG_HOME", dir.path.c_str(), 1);
+    EXPECT_EQ(SER_DevicePath(72), "/dev/ttyS71");
+    const std::string ports = PLT_ConfigDir() + "/ports";
+    ASSERT_EQ(PLT_MakeDirs(ports), 0);
+    ASSERT_EQ(symlink("/dev/unplugged", (ports + "/COM72").c_str()), 0);
+    EXPECT_EQ(SER_DevicePath(72), ports + "/COM72");
+    setenv("VIREO2_COM72", "/dev/elsewhere", 1);
+    EXPECT_EQ(SER_DevicePath(72), "/dev/elsewhere");
+    unsetenv("VIREO2_COM72");
+    SER_Handle port = 0;
+    EXPECT_EQ(SER_Open(72, &port), SER_ERR_OPEN);
+    setenv("VIREO2_COM72", "/dev/null", 1); // opens, but is no terminal
+    EXPECT_EQ(SER_Open(72, &port), SER_ERR_OPEN);
+    EXPECT_EQ(port, SER_INVALID);
+    unsetenv("VIREO2_COM72");
+    unsetenv("XDG_CONFIG_HOME");
+}
+
+int Save(const std::string &path, const std::string &text, bool isKept)
+{
+    SafeFile safe;
+    if (SAF_Open(&safe, path, "wb") != 0)
+        return -1;
+    std::fwrite(text.data(), 1, text.size(), safe.file);
+    if (isKept)
+        return SAF_Commit(&safe);
+    SAF_Cancel(&safe);
+    return 0;
+}
+
+TEST(SafeFile, OldOrNewButNeverHalf)
+{
+    const TempDir dir;
+    const std::string path = dir.path + "/list.dbg", link = dir.path + "/link";
+    ASSERT_EQ(Save(path, "one", true), 0);
+    ASSERT_EQ(chmod(path.c_str(), 0640), 0);
+    ASSERT_EQ(symlink("list.dbg", link.c_str()), 0);
+    EXPECT_EQ(Save(path, "dropped", false), 0);
+    EXPECT_EQ(Slurp(path), "one");
+    EXPECT_EQ(Save(link, "two", true), 0); // the file behind the link, which stays
+    struct stat status;
+    ASSERT_EQ(lstat(link.c_str(), &status), 0);
+    EXPECT_TRUE(S_ISLNK(status.st_mode));
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777u, 0640u);
+    EXPECT_EQ(Slurp(path), "two");
+    EXPECT_EQ(Save(dir.path, "x", true), -1);
+    EXPECT_EQ(Save("/dev/full", "x", true), -1);
+    EXPECT_EQ(Save(dir.path + "/none/list", "x", true), -1);
+    // A disk that fills up while writing: the stream is bad by the time of the commit.
+    SafeFile safe;
+    ASSERT_EQ(SAF_Open(&safe, path, "wb"), 0);
+    const std::string temp = safe.tempPath;
+    ASSERT_NE(std::freopen("/dev/full", "wb", safe.file), nullptr);
+    std::fputs("three", safe.file);
+    EXPECT_EQ(SAF_Commit(&safe), -1);
+    EXPECT_EQ(Slurp(path), "two");
+    EXPECT_NE(access(temp.c_str(), F_OK), 0);
+}
+
+TEST(Launch, KeepsArgumentsTogetherAndLeavesNothingBehind)
+{
+    const TempDir dir;
+    const std::string from = dir.path + "/a b;touch $HOME", to = dir.path + "/it's here";
+    std::ofstream(from) << "text";
+    EXPECT_EQ(PLT_Launch("cp '" + from + "' \"" + to + "\""), 0);
+    for (int ms = 0; ms < PATIENCE_MS && Slurp(to).empty(); ++ms)
+        PLT_SleepMs(1);
+    EXPECT_EQ(Slurp(to), "text");
+    EXPECT_EQ(PLT_Launch("no-such-program-anywhere x"), -1);
+    EXPECT_EQ(PLT_Launch(""), -1);
+    EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+    EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(Clock, StampsAndTicks)
+{
+    const TempDir dir;
+    PLT_FileStamp stamp;
+    PLT_Date before, after;
+    PLT_LocalTime(&before);
+    std::ofstream(dir.path + "/f") << 1;
+    ASSERT_EQ(PLT_GetFileStamp(dir.path + "/f", &stamp), 0);
+    PLT_LocalTime(&after);
+    EXPECT_TRUE(stamp.day == before.day || stamp.day == after.day);
+    EXPECT_TRUE(stamp.hour == before.hour || stamp.hour == after.hour);
+    EXPECT_EQ(PLT_GetFileStamp(dir.path + "/none", &stamp), -1);
+    const uint64_t start = PLT_TickUs();
+    PLT_SleepMs(3);
+    EXPECT_GE(PLT_TickUs() - start, 3000u);
+}
+
+} // namespace

@@ -1,0 +1,220 @@
+#include "text/txfr.h"
+#include "text/txfrw.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class TextFiles : public testing::Test {
+protected:
+    std::string path = testing::TempDir() + "vireo2_text_files.txt";
+
+    void write(const std::string &content)
+    {
+        std::ofstream(path, std::ios::binary) << content;
+    }
+    std::string read()
+    {
+        std::ifstream file(path, std::ios::binary);
+        return std::string(std::istreambuf_iterator<char>(file), {});
+    }
+    void TearDown() override
+    {
+        std::remove(path.c_str());
+    }
+    static Lines linesOf(int handle)
+    {
+        Lines lines;
+        for (int i = 0; i < TXFRW_GetCnLines(handle); i++)
+            lines.push_back(TXFRW_GetLinePtr(handle, i));
+        return lines;
+    }
+};
+
+TEST_F(TextFiles, EveryLineEndEndsALine)
+{
+    const struct {
+        std::string content;
+        Lines lines;
+    } cases[] = {
+        {"a\r\nb\n\rc", {"a", "b", "c"}},
+        {"a\r\rb\n\nc\n", {"a", "", "b", "", "c"}},
+        {"\r\n\r\n", {"", ""}},
+        {"", {}},
+        {"last", {"last"}},
+        {std::string("ab\0cd\nef\n\0\ngh", 13), {"ab", "ef", "", "gh"}},
+        {std::string("\0\0\0", 3), {}},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.content));
+        write(c.content);
+        const int handle = TXFR_Open(path.c_str());
+        ASSERT_EQ(handle, 0); // the slot is free again each time
+        Lines lines;
+        std::string line;
+        while (TXFR_RdNewLine(handle, &line, -1) >= 0)
+            lines.push_back(line);
+        EXPECT_EQ(lines, c.lines);
+        EXPECT_EQ(TXFR_GetLineNo(handle), -1);
+        EXPECT_EQ(TXFR_RdNewLine(handle, &line, 10), -1);
+        const int text = TXFRW_Create("name", "r", c.content.data(), c.content.size());
+        if (c.content.find("\n\r") == std::string::npos && c.content[0] != '\0') {
+            EXPECT_EQ(linesOf(text), c.lines); // cut from memory just the same
+        }
+        TXFRW_Close(text);
+    }
+}
+
+TEST_F(TextFiles, LongLinesComeInPieces)
+{
+    write(std::string(2000, 'x') + "\r\n" + std::string(999, 'y') + "\nend");
+    const int handle = TXFR_Open(path.c_str());
+    char buffer[1000];
+    const struct {
+        int length, broken, lineNo;
+        long position;
+    } pieces[] = {
+        {999, 1, 0, 999}, {999, 1, 0, 1998}, {2, 0, 1, 2002}, {999, 1, 1, 3001}, {0, 0, 2, 3002}};
+    for (const auto &piece : pieces) {
+        EXPECT_EQ(TXFR_RdLine(handle, buffer, sizeof buffer), piece.length);
+        EXPECT_EQ(std::strlen(buffer), static_cast<size_t>(piece.length));
+        EXPECT_EQ(TXFR_IsBrokenLine(handle), piece.broken);
+        EXPECT_EQ(TXFR_GetLineNo(handle), piece.lineNo);
+        EXPECT_EQ(TXFR_GetFilePos(handle), piece.position);
+    }
+    EXPECT_EQ(TXFR_RdLine(handle, buffer, 1), -1); // no room: closes
+    EXPECT_EQ(TXFR_Close(handle), -1);
+    EXPECT_EQ(TXFR_Open(testing::TempDir().c_str()), -1);
+}
+
+TEST_F(TextFiles, HandlesRunOut)
+{
+    write("a");
+    std::vector<int> readers, texts;
+    for (int handle; (handle = TXFR_Open(path.c_str())) >= 0;)
+        readers.push_back(handle);
+    for (int handle; (handle = TXFRW_Open(path.c_str(), "w")) >= 0;)
+        texts.push_back(handle);
+    EXPECT_EQ(readers.size(), 200u);
+    EXPECT_EQ(texts.size(), 10u);
+    for (int handle : readers)
+        EXPECT_EQ(TXFR_Close(handle), 0);
+    for (int handle : texts)
+        EXPECT_EQ(TXFRW_Close(handle), 0);
+    EXPECT_EQ(TXFRW_SetLine(texts[0], 0, "x"), -1);
+    EXPECT_EQ(TXFRW_GetLinePtr(texts[0], 0), nullptr);
+}
+
+TEST_F(TextFiles, ModesAndLimitsOfOpening)
+{
+    write("one");
+    const int handle = TXFRW_Open(path.c_str(), "w");
+    EXPECT_EQ(TXFRW_GetCnLines(handle), 0); // not read
+    const struct {
+        const char *mode;
+        int result;
+    } modes[] = {{"r", 1}, {"W", 2},  {"rw", 3},  {"Wr", 3},  {"rx", 1},
+                 {"", -1}, {"x", -1}, {"xr", -1}, {"rwr", -1}};
+    for (const auto &m : modes)
+        EXPECT_EQ(TXFRW_SetFileMode(handle, m.mode), m.result) << m.mode;
+    EXPECT_EQ(TXFRW_SetFileName(handle, std::string(2000, 'n').c_str()), -1);
+    EXPECT_STREQ(TXFRW_GetFileNamePtr(handle), path.c_str());
+    TXFRW_Close(handle);
+    EXPECT_EQ(TXFRW_Open("no/such/file", "r"), -1);
+    for (const size_t length : {998u, 999u, 2000u}) {
+        for (const char *end : {"", "\r\nb"}) {
+            write("a\n" + std::string(length, 'x') + end);
+            const int text = TXFRW_Open(path.c_str(), "r");
+            EXPECT_EQ(text, length == 998 ? 0 : -1) << length;
+            EXPECT_EQ(TXFRW_GetCnLines(text), length > 998 ? -1 : *end != '\0' ? 3 : 2);
+            EXPECT_EQ(TXFRW_IsCtsOnDisk(text), length == 998 ? 1 : -1);
+            TXFRW_Close(text);
+        }
+    }
+    const std::string many(12000, '\n');
+    const std::string wide = std::string(999, 'a') + "\n" + std::string(1000, 'b');
+    const int full = TXFRW_Create("many", "r", many.data(), many.size());
+    const int cut = TXFRW_Create("wide", "r", wide.data(), wide.size());
+    EXPECT_EQ(TXFRW_GetCnLines(full), 9999);
+    EXPECT_EQ(TXFRW_InsertLine(full, 0, "x"), -1);
+    TXFRW_SetWrkLineNo(full, 5);
+    EXPECT_EQ(TXFRW_printf(full, "x\n"), -1);
+    EXPECT_STREQ(TXFRW_GetLinePtr(full, 5), ""); // all of it or nothing
+    EXPECT_EQ(linesOf(cut), (Lines{std::string(999, 'a'), std::string(999, 'b'), "b"}));
+    TXFRW_Close(full);
+    TXFRW_Close(cut);
+}
+
+TEST_F(TextFiles, LinesAreEditedAndPrinted)
+{
+    const int handle = TXFRW_Create("edit", "rw", "", 0);
+    EXPECT_EQ(TXFRW_printf(handle, "x=%d\n", 5), 4);
+    EXPECT_EQ(linesOf(handle), (Lines{"x=5", ""}));
+    EXPECT_EQ(TXFRW_GetWrkLineNo(handle), 1);
+    EXPECT_EQ(TXFRW_printf(handle, "%s", "y\r\rz\r\n="), 7);
+    EXPECT_EQ(linesOf(handle), (Lines{"x=5", "y", "", "z", "="}));
+    EXPECT_EQ(TXFRW_printf(handle, "%01200d", 0), 999); // continues the line, cut
+    EXPECT_EQ(std::strlen(TXFRW_GetLinePtr(handle, 4)), 1000u);
+    EXPECT_EQ(TXFRW_DeleteLine(handle, 4), 0);
+    EXPECT_EQ(TXFRW_DeleteLine(handle, 4), -1);
+    EXPECT_EQ(TXFRW_SetLine(handle, 4, "end"), 0);
+    EXPECT_EQ(TXFRW_SetLine(handle, 6, "far"), -1);
+    EXPECT_EQ(TXFRW_SetLine(handle, 2, "mid"), 0);
+    EXPECT_EQ(TXFRW_InsertLine(handle, 6, "far"), -1);
+    EXPECT_EQ(TXFRW_InsertLine(handle, 5, "end2"), 0);
+    EXPECT_EQ(TXFRW_SetWrkLineNo(handle, -3), 0);
+    EXPECT_EQ(TXFRW_InsertLine(handle, -1, "0"), 0);
+    EXPECT_EQ(TXFRW_InsertLine(handle, -1, "1"), 0);
+    EXPECT_EQ(TXFRW_AppendLine(handle, "last"), 0);
+    EXPECT_EQ(linesOf(handle), (Lines{"0", "1", "x=5", "y", "mid", "z", "end", "end2", "last"}));
+    char buffer[4];
+    EXPECT_EQ(TXFRW_ReadLine(handle, buffer, 3), 2);
+    EXPECT_STREQ(buffer, "x=");
+    TXFRW_SetWrkLineNo(handle, 100);
+    EXPECT_EQ(TXFRW_ReadLine(handle, buffer, 3), -1);
+    EXPECT_EQ(TXFRW_GetWrkLineNo(handle), 9);
+    TXFRW_Close(handle);
+}
+
+TEST_F(TextFiles, SavingSeparatesLinesAndComesBackTheSame)
+{
+    const struct {
+        Lines lines;
+        const char *saved;
+    } cases[] = {
+        {{"a", "b"}, "a\r\nb"}, {{"a", ""}, "a\r\n"}, {{"a", "", "b"}, "a\r\n\r\nb"},
+        {{"", "b"}, "\r\nb"},   {{""}, ""},           {{}, ""},
+    };
+    for (const auto &c : cases) {
+        const int handle = TXFRW_Create(path.c_str(), "w", "", 0);
+        for (const std::string &line : c.lines)
+            TXFRW_AppendLine(handle, line.c_str());
+        std::remove(path.c_str());
+        EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), -1);
+        EXPECT_EQ(TXFRW_Save(handle), 0);
+        EXPECT_EQ(read(), c.saved);
+        EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), 1) << c.saved;
+        TXFRW_AppendLine(handle, "more");
+        EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), 0) << c.saved;
+        TXFRW_Close(handle);
+    }
+    write("old");
+    const int handle = TXFRW_Open(path.c_str(), "r");
+    TXFRW_AppendLine(handle, "new");
+    EXPECT_EQ(TXFRW_Save(handle), -1); // not open for writing
+    EXPECT_EQ(read(), "old");
+    TXFRW_SetFileMode(handle, "w");
+    TXFRW_SetFileName(handle, "no/such/folder/file");
+    EXPECT_EQ(TXFRW_Save(handle), -1);
+    TXFRW_Close(handle);
+}
+
+} // namespace
