@@ -155,6 +155,7 @@ void ReadDriver(const std::string &, const std::string &value)
 void ReadFullCommands(const std::string &, const std::string &)
 {
     VR_isFullCommandSet = true;
+    VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
 struct Key {

@@ -68,11 +68,8 @@ void RunScript(const char *path)
     WindowCB(0, ITEM_CONSOLE_VIEW);
     VR_isScriptRun = true;
     VR_nScriptResult = ExecMonScript(path, consolePanel);
-    if (VR_nScriptResult == -1)
-        PrintMonStr("Could not open the script file.");
-    else if (VR_nScriptResult < -1)
-        PrintMonStr("Error in the script file on line " + std::to_string(-1 - VR_nScriptResult) +
-                    ".");
+    if (VR_nScriptResult < 0)
+        PrintMonStr(SCR_GetResultText(VR_nScriptResult));
 }
 
 } // namespace
