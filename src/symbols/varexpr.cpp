@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/VR.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
@@ -66,6 +67,18 @@ bool ScanOffset(const char *text, uint32_t *offset)
     return xscan("* #", &text) >= 0;
 }
 
+// Where the type map says the path leads, from its variable on.
+bool OffsetInside(const char *path, const VarNode *table, uint32_t *offset)
+{
+    if (table != aVarTMSNode)
+        return TMF_GetEfType(path, nullptr, offset) == 0;
+    uint32_t bytes = 0;
+    if (TMF_GetEfTypeFor(CPU_F283XX, path, nullptr, &bytes) != 0 || bytes % 2 != 0)
+        return false;
+    *offset = bytes / 2;
+    return true;
+}
+
 } // namespace
 
 uint32_t inStruct(const char *expression, const VarNode *table, int count)
@@ -97,7 +110,7 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count)
     follows += SkipBlanks(follows) - follows;
     const bool hasSelection = *follows == '.' || *follows == '[';
     uint32_t inside = 0;
-    if (TMF_GetEfType(path, nullptr, &inside) != 0 && hasSelection)
+    if (!OffsetInside(path, table, &inside) && hasSelection)
         return NOT_FOUND;
     return table[node].addr + inside + offset;
 }
