@@ -10,10 +10,10 @@ TEST(Assignment, Casts)
     const struct {
         const char *text;
         int32_t code;
-    } cases[] = {{"(u1)", 0x06},     {"( byte )", 0x06}, {"(word)", 0x06}, {"(u2)x", 0x0A},
-                 {"(u4)", 0x12},     {"(i1)", 0x05},     {"(i2)", 0x09},   {"(i4)", 0x11},
-                 {"(float) ", 0x1000}, {"(f4)", -1},     {"(u2", -1},      {"u2)", -1},
-                 {"(u22)", -1},      {"()", -1},         {"", -1}};
+    } cases[] = {{"(u1)", 0x06},       {"( byte )", 0x06}, {"(word)", 0x06}, {"(u2)x", 0x0A},
+                 {"(u4)", 0x12},       {"(i1)", 0x05},     {"(i2)", 0x09},   {"(i4)", 0x11},
+                 {"(float) ", 0x1000}, {"(f4)", -1},       {"(u2", -1},      {"u2)", -1},
+                 {"(u22)", -1},        {"()", -1},         {"", -1}};
     for (const auto &c : cases)
         EXPECT_EQ(StrToATP(c.text), c.code) << c.text;
 }
@@ -23,12 +23,12 @@ TEST(Assignment, Prefixes)
     const struct {
         const char *name;
         int32_t code;
-    } cases[] = {{"", 0},          {"n", 0x09},       {"nCount", 0x09}, {"n_x", 0x09},
-                 {"fGain", 0x1000}, {"wStatus", 0x0A}, {"xPos", 0},      {"dwMask", 0x12},
-                 {"u4x", 0x12},    {"nnPos", 0x11},   {"i4x", 0x11},    {"byMode", 0x06},
-                 {"u1x", 0x06},    {"i2x", 0x09},     {"i1x", 0x05},    {"u2x", 0x0A},
-                 {"f4x", 0x1000},  {"flags", 0x1000}, {"rsName", 0x8800}, {"szName", 0x800},
-                 {"count", 0},     {"n1", 0}};
+    } cases[] = {{"", 0},           {"n", 0x09},       {"nCount", 0x09},   {"n_x", 0x09},
+                 {"fGain", 0x1000}, {"wStatus", 0x0A}, {"xPos", 0},        {"dwMask", 0x12},
+                 {"u4x", 0x12},     {"nnPos", 0x11},   {"i4x", 0x11},      {"byMode", 0x06},
+                 {"u1x", 0x06},     {"i2x", 0x09},     {"i1x", 0x05},      {"u2x", 0x0A},
+                 {"f4x", 0x1000},   {"flags", 0x1000}, {"rsName", 0x8800}, {"szName", 0x800},
+                 {"count", 0},      {"n1", 0}};
     for (const auto &c : cases)
         EXPECT_EQ(GetPfxType(c.name), c.code) << c.name;
     EXPECT_EQ(GetPfx2Type("drive.axis.wStatus[2] = 5"), 0x0A);
@@ -42,9 +42,9 @@ TEST(Assignment, SizesAndTexts)
         uint32_t code;
         int size;
         const char *text;
-    } cases[] = {{0x05, 1, "(i1)"},   {0x09, 2, "(i2)"},  {0x11, 4, "(i4)"},  {0x06, 1, "(u1)"},
-                 {0x0A, 2, "(u2)"},   {0x12, 4, "(u4)"},  {0x1000, 4, "(f4)"}, {0x800, 0, "(sz)"},
-                 {0x8800, 0, "(rs)"}, {0x25, 1, "(i1 ID)"}, {0x20, 0, "(ID)"}, {0, 0, "()"},
+    } cases[] = {{0x05, 1, "(i1)"},   {0x09, 2, "(i2)"},    {0x11, 4, "(i4)"},   {0x06, 1, "(u1)"},
+                 {0x0A, 2, "(u2)"},   {0x12, 4, "(u4)"},    {0x1000, 4, "(f4)"}, {0x800, 0, "(sz)"},
+                 {0x8800, 0, "(rs)"}, {0x25, 1, "(i1 ID)"}, {0x20, 0, "(ID)"},   {0, 0, "()"},
                  {0x100A, 2, "()"}};
     for (const auto &c : cases) {
         std::string text;

@@ -1,6 +1,6 @@
 // The console as a user meets it: transcripts of typed lines against a simulated
 // target, line entry, history, the word gate and the link.
-#include "console_rig.h"
+#include "support/console_rig.h"
 
 #include <filesystem>
 
@@ -70,7 +70,7 @@ TEST_P(Transcript, BoxShowsIt)
 INSTANTIATE_TEST_SUITE_P(Files, Transcript,
                          testing::Values("c166", "tms", "gate", "write", "arrays", "binary",
                                          "settings"),
-                         [](const auto &info) { return std::string(info.param); });
+                         [](const auto &name) { return std::string(name.param); });
 
 // --- line entry ----------------------------------------------------------------------------
 
@@ -82,8 +82,12 @@ TEST_F(Monitor, HistoryHoldsTenLinesAndRunsDownToTheOlder)
     const struct {
         int key;
         const char *field;
-    } steps[] = {{KEY_UP, ""},            {KEY_DOWN, "station 11"}, {KEY_DOWN, "station 10"},
-                 {KEY_DOWN, "station 9"}, {KEY_UP, "station 10"},   {KEY_ESC, ""},
+    } steps[] = {{KEY_UP, ""},
+                 {KEY_DOWN, "station 11"},
+                 {KEY_DOWN, "station 10"},
+                 {KEY_DOWN, "station 9"},
+                 {KEY_UP, "station 10"},
+                 {KEY_ESC, ""},
                  {KEY_DOWN, "station 11"}};
     for (const auto &step : steps) {
         HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, step.key);
@@ -136,7 +140,8 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         int start;
     } cases[] = {
         {"pro", "procesor", 0},
-        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3test l3write", 0},
+        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3test l3write",
+         0},
         {"!fi", "final.scr first.scr", 1},
         {"write 2, 5, n", "nCount", 12},
         {"dump awT", "awTable", 5},
@@ -202,11 +207,11 @@ TEST_F(Monitor, ValueEntryEndsOnFailure)
         const char *value;
         int mode; // afterwards
     } const cases[] = {
-        {"wi 8100", "32767", CMD_WRITE_C166}, {"wi 8100", "32768", CMD_C166},
+        {"wi 8100", "32767", CMD_WRITE_C166},  {"wi 8100", "32768", CMD_C166},
         {"wi 8100", "-32768", CMD_WRITE_C166}, {"wu 8100", "-1", CMD_C166},
-        {"wu 8100", "65535", CMD_WRITE_C166}, {"wx 8100", "10000", CMD_C166},
-        {"wf 8100", "1.5e", CMD_C166},        {"wf 8100", "1e40", CMD_C166},
-        {"wi 8100", "12 13", CMD_C166},       {"wi 8100", "0x10", CMD_WRITE_C166},
+        {"wu 8100", "65535", CMD_WRITE_C166},  {"wx 8100", "10000", CMD_C166},
+        {"wf 8100", "1.5e", CMD_C166},         {"wf 8100", "1e40", CMD_C166},
+        {"wi 8100", "12 13", CMD_C166},        {"wi 8100", "0x10", CMD_WRITE_C166},
     };
     for (const auto &c : cases) {
         command = CMD_C166;

@@ -17,7 +17,8 @@
 #include "console/monitor.h"
 #include "console/script.h"
 #include "runtime/headless/headless.h"
-#include "sim_fixture.h"
+#include "support/sim_fixture.h"
+#include "symbols/varnode.h"
 #include "ui/resource.h"
 
 constexpr int RIG_PORT = 7;
@@ -70,6 +71,8 @@ struct ConsoleRig : testing::Test {
         VR_isFullCommandSet = true;
         command = CMD_C166;
         nASC_Opened = 0;
+        FreeNodes(aVarNode, &nNodes);
+        openStruct = openTMSStruct = OPEN_NONE;
         aOldCommand.fill("");
         iOldCmd = iOldCmd2 = 0;
     }
@@ -135,7 +138,8 @@ struct ConsoleRig : testing::Test {
     {
         std::string text;
         for (const char *symbol : {"08140H   awTable", "08002H   nCount", "08102H   byMode"})
-            text += std::string(symbol) + std::string(46 - std::string(symbol).size(), ' ') + "NDATA\n";
+            text +=
+                std::string(symbol) + std::string(46 - std::string(symbol).size(), ' ') + "NDATA\n";
         WriteFile(name, text);
     }
 };
