@@ -113,15 +113,6 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
     return 0;
 }
 
-// A TMS320 behind a C166 station is asked for words by its own addresses, undoubled.
-bool ParseMailboxLine(const char *line, uint32_t *address, const char **name)
-{
-    if (!MAP_ParseTMSLine(line, address, name))
-        return false;
-    *address /= TMS_BYTES_PER_ADDRESS;
-    return true;
-}
-
 } // namespace
 
 bool IsHexAddr(const char *text)
@@ -211,7 +202,7 @@ int Read_TMS_Map(const char *fileName)
 {
     if (VRN_IsTMSProcessor())
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
-    const int result = ReadNodes(fileName, ParseMailboxLine, aVarTMSNode, &nTMSNodes);
+    const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
     if (result == 0)
         openTMSStruct = OPEN_MAP_FILE;
     return result;

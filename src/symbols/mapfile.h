@@ -10,8 +10,7 @@
 // beyond NODES_MAX are left out and counted in one message.
 int ReadMap(const char *fileName);
 // The same for the C28x format. While a processor of the C166 family is selected the map is
-// that of a TMS320 behind it: aVarTMSNode (with word addresses, as the mailbox takes them)
-// and openTMSStruct are filled, aVarNode stays.
+// that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays.
 int Read_TMS_Map(const char *fileName);
 // Read, remember the name in mapFile, set openStruct, resolve the watch list.
 int map2node(const char *fileName);
