@@ -220,7 +220,7 @@ TEST_F(Refresh, ListLines)
     EXPECT_EQ(line(2), "&\033p300l000400  f4: 1.5");
     EXPECT_EQ(status(), "RUN"); // an unknown name is no fault of the link
     EXPECT_NE(isTimer, 0);
-    EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1).find("Not resolved"), std::string::npos);
+    EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1).find("not resolved"), std::string::npos);
     Procesor = CPU_F283XX;
     sweep(3);
     EXPECT_EQ(line(0), "Var\033p300l001000.hi u1: 200");

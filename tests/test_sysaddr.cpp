@@ -215,7 +215,7 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     const uint64_t before = SIM_GetCounters(target).requests;
     EXPECT_EQ(readValues(1), -1);
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
-    EXPECT_NE(aLItems[1].reason.find("Not resolved"), std::string::npos);
+    EXPECT_NE(aLItems[1].reason.find("not resolved"), std::string::npos);
 
     aLItems[0].valueHigh = 5;
     failWith(0, 70);
