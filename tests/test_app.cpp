@@ -323,6 +323,10 @@ TEST_F(App, CommunicationGoesOnAndOffAndReopens)
 
     HL_Key(PANEL_MAIN, 0, KEY_F1 + 8);
     EXPECT_EQ(1, isTimer);
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
     setenv("VIREO2_COM2", (folder / "no-such-port").c_str(), 1);
     HL_ClickMenu(ITEM_PORT_FIRST + 1);
     EXPECT_EQ(0, isTimer) << "the new port cannot be opened";

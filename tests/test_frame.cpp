@@ -32,6 +32,11 @@ std::string WithTail(const std::string &head)
     return head + std::string(tail, 5);
 }
 
+std::string Ans(const std::string &digits)
+{
+    return WithTail('\x06' + digits);
+}
+
 int Check(const std::string &answer, int station, int command)
 {
     std::memcpy(Mr166_abyRcv, answer.data(), answer.size());
@@ -82,11 +87,9 @@ TEST(Frame, FieldsLeastSignificantByteFirst)
 TEST(Frame, ShortRequest)
 {
     makeSFrm(1, 0, 0x000100, 64);
-    EXPECT_EQ(Sent(), WithTail("\x02"
-                               "100001004000"));
+    EXPECT_EQ(Sent(), WithTail('\x02' + std::string("100001004000")));
     makeSFrm(15, 4, 0xFFFFFE, 0xABCD);
-    EXPECT_EQ(Sent(), WithTail("\x02"
-                               "F4FEFFFFCDAB"));
+    EXPECT_EQ(Sent(), WithTail('\x02' + std::string("F4FEFFFFCDAB")));
     EXPECT_EQ(cbSnd, 18);
 }
 
@@ -96,13 +99,9 @@ TEST(Frame, LongRequestIsPadded)
     for (int i = 0; i < 15; ++i)
         padding += "A5";
     ASSERT_EQ(makeLFrm(2, 8, 0x123456, 1, "\x7E"), 1);
-    EXPECT_EQ(Sent(), WithTail("\x1A"
-                               "28563412017E" +
-                               padding));
+    EXPECT_EQ(Sent(), WithTail('\x1A' + ("28563412017E" + padding)));
     ASSERT_EQ(makeLFrm(2, 8, 0, 16, "0123456789ABCDEF"), 1);
-    EXPECT_EQ(Sent(), WithTail("\x1A"
-                               "2800000010"
-                               "30313233343536373839414243444546"));
+    EXPECT_EQ(Sent(), WithTail('\x1A' + std::string("280000001030313233343536373839414243444546")));
     EXPECT_EQ(cbSnd, 48);
     EXPECT_EQ(makeLFrm(2, 8, 0, 0, "x"), 0);
     EXPECT_EQ(makeLFrm(2, 8, 0, 17, "0123456789ABCDEFG"), 0);
@@ -111,8 +110,7 @@ TEST(Frame, LongRequestIsPadded)
 
 TEST(Frame, AnswerCheckByItsFirstFailingTest)
 {
-    const std::string good = WithTail("\x06"
-                                      "10021234");
+    const std::string good = Ans("10021234");
     std::string badCheck = good, badHex = good, badEnd = good, badStart = good;
     badCheck[5] = '2';
     badHex[6] = 'a';
@@ -127,10 +125,7 @@ TEST(Frame, AnswerCheckByItsFirstFailingTest)
         int station, command, result;
     } cases[] = {
         {"sound", good, 1, 0, 2},
-        {"no data",
-         WithTail("\x06"
-                  "1000"),
-         1, 0, 0},
+        {"no data", Ans("1000"), 1, 0, 0},
         {"nine characters", good.substr(0, 9), 1, 0, -1},
         {"start before end and digits", everything, 1, 0, -2},
         {"start", badStart, 1, 0, -2},
@@ -139,30 +134,12 @@ TEST(Frame, AnswerCheckByItsFirstFailingTest)
         {"check value before station", badCheck, 2, 0, -5},
         {"station before command", good, 2, 1, -6},
         {"command", good, 1, 1, -7},
-        {"least error code",
-         WithTail("\x06"
-                  "1041"),
-         1, 0, -65},
-        {"error code before length",
-         WithTail("\x06"
-                  "10FF1234"),
-         1, 0, -255},
-        {"count above the data",
-         WithTail("\x06"
-                  "10031234"),
-         1, 0, -8},
-        {"count below the data",
-         WithTail("\x06"
-                  "10011234"),
-         1, 0, -8},
-        {"64 announced and missing",
-         WithTail("\x06"
-                  "1040"),
-         1, 0, -8},
-        {"odd digit",
-         WithTail("\x06"
-                  "100212345"),
-         1, 0, -8},
+        {"least error code", Ans("1041"), 1, 0, -65},
+        {"error code before length", Ans("10FF1234"), 1, 0, -255},
+        {"count above the data", Ans("10031234"), 1, 0, -8},
+        {"count below the data", Ans("10011234"), 1, 0, -8},
+        {"64 announced and missing", Ans("1040"), 1, 0, -8},
+        {"odd digit", Ans("100212345"), 1, 0, -8},
     };
     for (const auto &item : cases)
         EXPECT_EQ(Check(item.answer, item.station, item.command), item.result) << item.what;
@@ -174,11 +151,10 @@ TEST(Frame, AnswerCheckByItsFirstFailingTest)
 // One damaged bit anywhere must be noticed: a wrong value on the screen costs a machine.
 TEST(Frame, EverySingleDamagedBitIsNoticed)
 {
-    std::string head = "\x06"
-                       "1040";
+    std::string head = "1040";
     for (int i = 0; i < 64; ++i)
         head += "3C";
-    const std::string good = WithTail(head);
+    const std::string good = Ans(head);
     ASSERT_EQ(Check(good, 1, 0), 64);
     for (size_t place = 0; place < good.size(); ++place) {
         for (int bit = 0; bit < 8; ++bit) {

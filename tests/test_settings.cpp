@@ -82,9 +82,13 @@ TEST_F(Settings, EveryKeySurvives)
     Write("a.m66", MAP_LINE);
     Write("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
-                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\n";
+                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n";
     EXPECT_EQ(all, Round(all));
+    VR_isWatchView = false;
     EXPECT_EQ("a.m66", szMapFileName);
+    VR_isFullOnce = true; // --full as well: what the file says stays
+    ASSERT_EQ(0, OpenIniFile(mainPanel));
+    EXPECT_FALSE(VR_isFullOnce);
     EXPECT_EQ(0xFA00u, aLItems[0].address);
     std::string stamp;
     EXPECT_EQ(0, GetFileStamp(&stamp, "a.m66"));
@@ -141,7 +145,8 @@ TEST_F(Settings, HostileFilesKeepWhatIsValid)
     EXPECT_EQ(5, STATION);
     EXPECT_EQ(3, ncom);
     // The tail of a line that is too long is no line of its own.
-    EXPECT_EQ(DEFAULTS, Round(";" + std::string(510, 'x') + "b, 9600\n"));
+    for (const char *tail : {"b, 9600\n", " b, 9600\n"})
+        EXPECT_EQ(DEFAULTS, Round(";" + std::string(510, 'x') + tail));
     EXPECT_EQ(DEFAULTS,
               Round("d0, " + std::string(300, 'p') + "\nm, " + std::string(600, 'p') + "\n"));
 }

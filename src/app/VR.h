@@ -25,6 +25,7 @@ extern int32_t VR_enAppMode;    // MODE_...
 extern std::string VR_szVersion;
 extern int32_t isTimer;     // communication switched on
 extern int32_t oldTimer;    // isTimer to restore when the console view is left
+extern bool VR_isWatchView;      // the watch view is shown, not the console; kept in the settings
 extern int32_t oldHeight;   // last accepted height of the main panel
 extern int32_t IsDBGChange; // the watch list has unsaved changes
 extern std::string szDebugFileName;

@@ -68,11 +68,8 @@ void RunScript(const char *path)
     WindowCB(0, ITEM_CONSOLE_VIEW);
     VR_isScriptRun = true;
     VR_nScriptResult = ExecMonScript(path, consolePanel);
-    if (VR_nScriptResult == -1)
-        PrintMonStr("Could not open the script file.");
-    else if (VR_nScriptResult < -1)
-        PrintMonStr("Error in the script file on line " + std::to_string(-1 - VR_nScriptResult) +
-                    ".");
+    if (VR_nScriptResult < 0)
+        PrintMonStr(SCR_GetResultText(VR_nScriptResult));
 }
 
 } // namespace
@@ -94,6 +91,8 @@ int VR_StartUp(int argc, char **argv)
     const int script = GetCmdLineOptions(argc, argv);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
+    if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
+        WindowCB(0, ITEM_WATCH_VIEW);
     if (script < argc)
         RunScript(argv[script]);
     return 0;

@@ -40,6 +40,7 @@ void ShowConsoleView()
     SetPanelPos(consolePanel, CONSOLE_TOP, CONSOLE_LEFT);
     DisplayPanel(consolePanel);
     oldTimer = 0;
+    VR_isWatchView = false;
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     CheckView(ITEM_CONSOLE_VIEW, ITEM_WATCH_VIEW);
     VR_SizeConsole(oldHeight);
@@ -51,6 +52,7 @@ void ShowWatchView()
     SetPanelAttribute(mainPanel, ATTR_HEIGHT, WATCH_HEIGHT);
     SetPanelAttribute(mainPanel, ATTR_WIDTH, MAIN_WIDTH);
     HidePanel(consolePanel);
+    VR_isWatchView = true;
     CheckView(ITEM_WATCH_VIEW, ITEM_CONSOLE_VIEW);
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
     if (oldTimer != 0) {

@@ -78,9 +78,12 @@ bool ParseFloat(const char **cursor, ScrPar *par)
     if (xscan("?#+/-.@#0-9.?/.*#0-9.", cursor) < 0)
         return false;
     xscan("#eE.?#+/-.@#0-9.", cursor); // a lone "e" stays for the caller to refuse
-    par->fvalue = std::strtod(std::string(begin, *cursor).c_str(), nullptr);
+    const double value = std::strtod(std::string(begin, *cursor).c_str(), nullptr);
+    if (!std::isfinite(value))
+        return false;
+    par->fvalue = value;
     par->flags |= PAR_FLOAT;
-    return std::isfinite(par->fvalue);
+    return true;
 }
 
 bool ParseQuoted(const char **cursor, ScrPar *par)

@@ -10,6 +10,7 @@
 #include "runtime/userint.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
+#include "watch/litem.h"
 
 int SCR_enLanguage = LANGUAGE_CZ;
 bool SCR_bGotoCmd = false;
@@ -87,7 +88,8 @@ int SCR_Procesor(ScrPar *par)
         if (Procesor != cpu.processor) {
             Procesor = cpu.processor;
             initRgMap(Procesor);
-            VRN_RefreshVars();
+            VR_ResolveWatchList();
+            VR_FillDebugItems();
             SetMainPanelAttributes();
         }
         return 0;

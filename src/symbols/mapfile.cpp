@@ -181,6 +181,8 @@ bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
     if (!IsTMSHexAddr(line) || line[0] != '0' || std::strlen(line) <= TMS_NAME)
         return false;
     const char *start = line + TMS_NAME;
+    if (IsIdentifierChar(start[-1])) // a name that begins earlier, not one to cut in two
+        return false;
     if (!IsIdentifierChar(*start))
         ++start;
     const unsigned long words = std::strtoul(line, nullptr, 16);

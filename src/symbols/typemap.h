@@ -77,6 +77,8 @@ void TMF_CleanTables(); // the tables and the struct-variable nodes
 // As TMF_LoadMap for the user: a file that fails leaves the loaded type map as it was;
 // after success the struct-variable nodes are built and the watch list resolved again.
 int TMF_OpenMap(const char *fileName);
+// As TMF_LoadMapFrw, but a text that fails leaves the loaded type map as it was.
+int TMF_ReplaceMapFrw(int textHandle);
 
 enum { TMF_MODE_VARS = 0, TMF_MODE_TYPES = 1, TMF_MODE_MEMBER = 2 };
 bool TMF_IsVTLineOk(const char *line, int mode);

@@ -4,6 +4,7 @@
 #include "app/VR.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
+#include "console/monitor.h"
 #include "ui/resource.h"
 
 namespace {
@@ -38,13 +39,6 @@ int ReadTyped(std::string *line)
     return LNE_ReadLine(prompt + " ", line);
 }
 
-bool IsExit(const std::string &line)
-{
-    const size_t first = line.find_first_not_of(" \t");
-    const size_t last = line.find_last_not_of(" \t");
-    return first != std::string::npos && line.substr(first, last - first + 1) == "exit";
-}
-
 // Nobody is left to ask: what the question at the end did not save is named.
 void End()
 {
@@ -61,7 +55,7 @@ int CPG_RunSession()
 {
     const bool isTyped = LNE_IsTerminal();
     std::string line;
-    while (!HL_IsQuit()) {
+    while (!HL_IsQuit() && !CON_isExit) {
         ProcessSystemEvents();
         const int result = isTyped ? ReadTyped(&line) : ReadPiped(&line);
         if (result == 0)
@@ -70,8 +64,6 @@ int CPG_RunSession()
             continue;
         HL_SetUserVal(consolePanel, CONSOLE_INPUT, line);
         HL_Key(consolePanel, CONSOLE_INPUT, KEY_ENTER);
-        if (IsExit(line))
-            break;
     }
     End();
     return 0;

@@ -2,8 +2,33 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <editline/readline.h>
 #include <unistd.h>
+#include <vector>
+
+#include "console/completion.h"
+
+namespace {
+
+// What libedit wants: what all have in common, then the candidates, all from malloc.
+char **Complete(const char *, int, int end)
+{
+    std::vector<std::string> candidates;
+    CON_Complete(rl_line_buffer, static_cast<size_t>(end), &candidates);
+    rl_attempted_completion_over = 1; // no file names instead
+    if (candidates.empty())
+        return nullptr;
+    char **list = static_cast<char **>(std::calloc(candidates.size() + 2, sizeof(char *)));
+    if (!list)
+        return nullptr;
+    list[0] = strdup(CON_GetCommonStart(candidates).c_str());
+    for (size_t i = 0; i < candidates.size(); i++)
+        list[i + 1] = strdup(candidates[i].c_str());
+    return list;
+}
+
+} // namespace
 
 bool LNE_IsTerminal()
 {
@@ -18,6 +43,8 @@ bool LNE_IsErrorTerminal()
 int LNE_ReadLine(const std::string &prompt, std::string *line)
 {
     constexpr size_t ROW_CHARS = 80;
+    rl_attempted_completion_function = Complete;
+    rl_basic_word_break_characters = " \t,!";
     char *typed = readline(prompt.c_str());
     if (!typed) {
         std::putchar('\n');

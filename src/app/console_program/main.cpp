@@ -6,6 +6,7 @@
 #include "app/console_program/console_options.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
+#include "calendar/archive.h"
 #include "comm/trace.h"
 #include "ui/resource.h"
 
@@ -65,6 +66,15 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
     return code;
 }
 
+int MakeArchive(const CPG_Options &options)
+{
+    if (QAR_Make(options.archive.c_str(), options.archiveFiles) == 0)
+        return 0;
+    std::fprintf(stderr, "Cannot make archive '%s': a file cannot be read or written.\n",
+                 options.archive.c_str());
+    return 1;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -83,6 +93,8 @@ int main(int argc, char **argv)
         std::printf("vireo2-console %s\n", VR_GetBuildVersion());
         return 0;
     }
+    if (!options.archive.empty())
+        return MakeArchive(options);
     const int code = RunTraced(options, argc, argv);
     if (std::fflush(stdout) != 0) {
         std::fprintf(stderr, "Cannot write to standard output.\n");

@@ -15,7 +15,7 @@ constexpr size_t NAME_COLUMN_MAX = 40; // a longer name pushes its line to the r
 // An item without a good value has neither value nor raw: a number that was not read
 // must not look like one that was.
 struct Row {
-    std::string name, address, value, raw;
+    std::string name, address, value, raw, reason;
     char type = 'i';
     int size = 0;
     bool isError = false;
@@ -48,6 +48,7 @@ Row MakeRow(const LItem &item)
     row.name = item.name;
     row.type = item.type;
     row.size = item.size;
+    row.reason = item.reason;
     row.isError = item.readError != 0 || item.address == ADDR_NONE;
     if (item.address != ADDR_NONE) {
         char text[16];
@@ -89,7 +90,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
     if (row.address.empty())
         value = "Address?";
     else if (row.isError)
-        value = "(!)";
+        value = row.reason.empty() ? "(!)" : "(!) " + row.reason;
     return row.name + std::string(pad, ' ') + columns + value + '\n';
 }
 

@@ -25,6 +25,8 @@ QWidget *FirstInTabOrder(QWidget *panel)
 PanelWindow::PanelWindow(FacePanel *panelRecord, QWidget *parent)
     : QWidget(parent), m_record(panelRecord)
 {
+    setAutoFillBackground(true); // inside another panel it would be see-through
+    hide();                      // and shown along with that panel
 }
 
 PanelWindow *PanelWindow::holding(QWidget *widget)

@@ -1,0 +1,242 @@
+// The console as a user meets it: transcripts of typed lines against a simulated
+// target, line entry, history, the word gate and the link.
+#include "support/console_rig.h"
+
+#include <filesystem>
+
+#include "console/completion.h"
+#include "console/text_box.h"
+
+namespace {
+
+using Monitor = ConsoleRig;
+
+// --- transcripts -------------------------------------------------------------------------
+
+// A transcript holds typed lines ("> "), orders to the rig ("# "), and between them the
+// text the box must show.
+struct Transcript : ConsoleRig, testing::WithParamInterface<const char *> {
+    void Obey(const std::string &order)
+    {
+        std::istringstream words(order);
+        std::string verb;
+        words >> verb;
+        if (verb == "poke") {
+            uint32_t address = 0;
+            unsigned byte = 0;
+            words >> std::hex >> address;
+            std::vector<uint8_t> bytes;
+            while (words >> byte)
+                bytes.push_back(static_cast<uint8_t>(byte));
+            Poke(address, bytes);
+        } else if (verb == "tms") {
+            uint32_t address = 0;
+            uint32_t value = 0;
+            words >> std::hex >> address >> value;
+            SIM_PokeTMS(target, STATION, address, value);
+        } else if (verb == "gate") {
+            VR_isFullCommandSet = false;
+        } else {
+            ADD_FAILURE() << order;
+        }
+    }
+};
+
+std::string GetTranscriptPath(const std::string &name)
+{
+    const std::filesystem::path here(__FILE__);
+    return (here.parent_path() / "transcripts" / (name + ".txt")).string();
+}
+
+TEST_P(Transcript, BoxShowsIt)
+{
+    WriteMap("small.m66");
+    std::ifstream file(GetTranscriptPath(GetParam()));
+    ASSERT_TRUE(file.is_open());
+    std::string expected, shown, line;
+    while (std::getline(file, line)) {
+        expected += line + "\n";
+        if (line.compare(0, 2, "# ") == 0)
+            Obey(line.substr(2));
+        else if (line.compare(0, 2, "> ") == 0)
+            Type(line.substr(2));
+        else
+            continue;
+        shown += line + "\n" + NewText();
+    }
+    EXPECT_EQ(shown, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Transcript,
+                         testing::Values("c166", "tms", "gate", "write", "arrays", "binary",
+                                         "settings"),
+                         [](const auto &name) { return std::string(name.param); });
+
+// --- line entry ----------------------------------------------------------------------------
+
+TEST_F(Monitor, HistoryHoldsTenLinesAndRunsDownToTheOlder)
+{
+    for (int i = 1; i <= 11; i++)
+        Type("station " + std::to_string(i));
+    EXPECT_EQ(aOldCommand[0], "station 11");
+    const struct {
+        int key;
+        const char *field;
+    } steps[] = {{KEY_UP, ""},
+                 {KEY_DOWN, "station 11"},
+                 {KEY_DOWN, "station 10"},
+                 {KEY_DOWN, "station 9"},
+                 {KEY_UP, "station 10"},
+                 {KEY_ESC, ""},
+                 {KEY_DOWN, "station 11"}};
+    for (const auto &step : steps) {
+        HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, step.key);
+        EXPECT_EQ(Field(), step.field) << step.key;
+    }
+    // The oldest line that is still kept ends the way back.
+    for (int i = 0; i < 20; i++)
+        HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_DOWN);
+    EXPECT_EQ(Field(), "station 3");
+}
+
+TEST_F(Monitor, LongLines)
+{
+    const std::string fits = "msg " + std::string(200, 'x');
+    Type(fits);
+    EXPECT_EQ(aOldCommand[0], fits.substr(0, HISTORY_CHARS));
+    NewText();
+    const std::string tooLong(LINE_CHARS_MAX + 1, 'x');
+    Type(tooLong);
+    EXPECT_EQ(NewText(), "The line is longer than 500 characters and was not run.\n");
+    EXPECT_EQ(Field(), tooLong) << "the user may cut it";
+}
+
+TEST_F(Monitor, TextIsBoundedAndCanBeSavedAndCopied)
+{
+    for (int i = 0; i < CONSOLE_LINES_MAX + 600; i++)
+        PrintMonStr("line " + std::to_string(i));
+    const std::vector<std::string> lines = HL_GetLines(PANEL_CONSOLE, CONSOLE_BOX);
+    EXPECT_GE(lines.size(), static_cast<size_t>(CONSOLE_LINES_MAX));
+    EXPECT_LT(lines.size(), static_cast<size_t>(CONSOLE_LINES_MAX) + 300);
+    EXPECT_EQ(lines.back(), "line 5599");
+    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+    PrintMonStr("one\ntwo");
+    CON_CopyTextCB(PANEL_CONSOLE, 0, EVENT_COMMIT, 0);
+    EXPECT_EQ(HL_GetClipboard(), "one\ntwo");
+    EXPECT_EQ(CON_SaveText("text.txt"), 0);
+    EXPECT_EQ(ReadFile("text.txt"), "one\r\ntwo\r\n");
+    EXPECT_EQ(CON_SaveText("no/such/folder.txt"), -1);
+}
+
+TEST_F(Monitor, CompletesCommandsScriptsAndNames)
+{
+    WriteMap("small.m66");
+    Type("m small.m66");
+    WriteFile("first.scr", "");
+    WriteFile("final.scr", "");
+    const struct {
+        const char *line;
+        std::string candidates;
+        int start;
+    } cases[] = {
+        {"pro", "procesor", 0},
+        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3test l3write",
+         0},
+        {"!fi", "final.scr first.scr", 1},
+        {"write 2, 5, n", "nCount", 12},
+        {"dump awT", "awTable", 5},
+        {"zz", "", 0},
+    };
+    for (const auto &c : cases) {
+        std::vector<std::string> found;
+        EXPECT_EQ(CON_Complete(c.line, std::string(c.line).size(), &found), c.start) << c.line;
+        std::istringstream words(c.candidates);
+        std::vector<std::string> expected{std::istream_iterator<std::string>(words), {}};
+        std::sort(expected.begin(), expected.end());
+        EXPECT_EQ(found, expected) << c.line;
+    }
+    NewText();
+    HL_SetUserVal(PANEL_CONSOLE, CONSOLE_INPUT, "!f");
+    HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_TAB);
+    EXPECT_EQ(Field(), "!fi");
+    EXPECT_EQ(NewText(), " final.scr first.scr\n");
+}
+
+// --- the link ---------------------------------------------------------------------------------
+
+TEST_F(Monitor, AsksForAnotherPortAndUsesIt)
+{
+    ncom = 8; // nothing there
+    unsetenv("VIREO2_COM8");
+    HL_PushAnswer(1, "9");
+    HL_PushAnswer(1, std::to_string(RIG_PORT));
+    EXPECT_EQ(Run("write 2, 1234H, 8100H"), "write 2, 1234H, 8100H -> OK!\n");
+    EXPECT_EQ(HL_GetPopups().size(), 2u);
+    EXPECT_EQ(ncom, RIG_PORT);
+    EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{0x34, 0x12}));
+    EXPECT_FALSE(UCM_IsOpened()) << "held for the line only";
+}
+
+TEST_F(Monitor, CancelledQuestionReportsThePort)
+{
+    ncom = 8;
+    unsetenv("VIREO2_COM8");
+    HL_PushAnswer(0);
+    EXPECT_EQ(Run("write 2, 1, 8100H"), "Error opening serial port: COM8.\n\n");
+    EXPECT_EQ(nASC_Opened, 0);
+    // The TMS monitor does not ask, and can be left all the same.
+    command = CMD_TMS;
+    EXPECT_EQ(Run("d 400"), "Error opening serial port: COM8.\n\n");
+    Type("x");
+    EXPECT_EQ(command, CMD_C166);
+}
+
+TEST_F(Monitor, CommunicationSwitchedOnStaysOn)
+{
+    VIR2_StartPeriodicASC();
+    ASSERT_EQ(isTimer, 1);
+    EXPECT_EQ(Run("write 1, 7, 8100H"), "write 1, 7, 8100H -> OK!\n");
+    EXPECT_TRUE(UCM_IsOpened());
+    VIR2_StopPeriodicASC();
+}
+
+TEST_F(Monitor, ValueEntryEndsOnFailure)
+{
+    struct {
+        const char *enter;
+        const char *value;
+        int mode; // afterwards
+    } const cases[] = {
+        {"wi 8100", "32767", CMD_WRITE_C166},  {"wi 8100", "32768", CMD_C166},
+        {"wi 8100", "-32768", CMD_WRITE_C166}, {"wu 8100", "-1", CMD_C166},
+        {"wu 8100", "65535", CMD_WRITE_C166},  {"wx 8100", "10000", CMD_C166},
+        {"wf 8100", "1.5e", CMD_C166},         {"wf 8100", "1e40", CMD_C166},
+        {"wi 8100", "12 13", CMD_C166},        {"wi 8100", "0x10", CMD_WRITE_C166},
+    };
+    for (const auto &c : cases) {
+        command = CMD_C166;
+        Type(c.enter);
+        Type(c.value);
+        EXPECT_EQ(command, c.mode) << c.enter << " " << c.value;
+    }
+    // A TMS entry that fails leads to the C166 monitor.
+    SIM_Options silent;
+    silent.demo = false;
+    silent.mailbox = false;
+    SIM_SetFaults(target, silent);
+    command = CMD_TMS;
+    Type("wi 400");
+    NewText();
+    EXPECT_EQ(Run("5"), "\nHardware not responding.\n");
+    EXPECT_EQ(command, CMD_C166);
+    EXPECT_EQ(Prompt(), "S166 >");
+}
+
+TEST_F(Monitor, ExitLeavesTheMonitor)
+{
+    CON_isExit = false;
+    EXPECT_EQ(Run("exit"), "exit -> OK!\n");
+    EXPECT_TRUE(CON_isExit);
+}
+
+} // namespace

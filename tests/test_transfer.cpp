@@ -1,0 +1,244 @@
+// Arrays and memory between target and files: every format, every file that is not
+// what it should be, and targets and disks that fail on the way.
+#include "support/console_rig.h"
+
+#include <csignal>
+#include <cstring>
+#include <filesystem>
+#include <sys/resource.h>
+
+namespace {
+
+using Transfer = ConsoleRig;
+
+std::string Header(const std::string &type, int count)
+{
+    return "Ulozeni pole: '8000[" + std::to_string(count) + "]', typ: " + type + ".\n";
+}
+
+TEST_F(Transfer, SavedArraysLoadBack)
+{
+    const struct {
+        const char *type;
+        const char *upper;
+        std::vector<uint8_t> bytes;
+        const char *lines;
+    } cases[] = {
+        {"i1", "I1", {0x80, 0x7F, 0xFF, 0x00}, "-128\n127\n-1\n0\n"},
+        {"u1", "U1", {0x80, 0x7F, 0xFF, 0x00}, "128\n127\n255\n0\n"},
+        {"i2", "I2", {0x00, 0x80, 0xFF, 0x7F}, "-32768\n32767\n"},
+        {"u2", "U2", {0x00, 0x80, 0xFF, 0xFF}, "32768\n65535\n"},
+        {"i4", "I4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0x7F}, "-2147483648\n2147483647\n"},
+        {"u4", "U4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "2147483648\n4294967295\n"},
+        {"F4", "F4", {0, 0, 0x80, 0x3F, 0, 0, 0x20, 0xC1}, "1\n-10\n"},
+    };
+    for (const auto &c : cases) {
+        const int count = static_cast<int>(std::count(c.lines, c.lines + strlen(c.lines), '\n'));
+        const std::string arguments =
+            std::string(", ") + c.type + ", " + std::to_string(count) + ", a.txt";
+        Poke(0x8000, c.bytes);
+        Run("save 8000H" + arguments);
+        EXPECT_EQ(ReadFile("a.txt"), Header(c.upper, count) + c.lines);
+        Run("load 9000H" + arguments);
+        EXPECT_EQ(Peek(0x9000, c.bytes.size()), c.bytes) << c.type;
+    }
+}
+
+TEST_F(Transfer, BigArraysGoInBlocks)
+{
+    std::vector<uint8_t> bytes(1000);
+    for (size_t i = 0; i < bytes.size(); i++)
+        bytes[i] = static_cast<uint8_t>(i * 7);
+    Poke(0x8000, bytes);
+    Run("save 8000H, u2, 500, a.txt");
+    Run("load 9000H, u2, 500, a.txt");
+    EXPECT_EQ(Peek(0x9000, 1000), bytes);
+    Run("binsave 8000H, 1000, a.bin");
+    Run("binload 0A000H, 1000, a.bin");
+    EXPECT_EQ(Peek(0xA000, 1000), bytes);
+}
+
+TEST_F(Transfer, SaveCountsBytesInSixteenBits)
+{
+    Run("save 8000H, i2, 40000, a.txt");
+    const std::string text = ReadFile("a.txt");
+    EXPECT_EQ(text.substr(0, text.find('\n') + 1), Header("I2", 40000));
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + (80000 - 65536) / 2);
+}
+
+TEST_F(Transfer, HexLinesEndAtMultiplesOf16)
+{
+    Poke(0x1008, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
+    const struct {
+        const char *arguments;
+        const char *text;
+    } cases[] = {
+        {"1008H, 16", "001008 0102030405060708\r\n001010 090A000000000000"},
+        {"1000H, 16", "001000 00000000000000000102030405060708\r\n"},
+        {"100FH, 2", "00100F 08\r\n001010 09"},
+        {"1000H, 0", ""},
+    };
+    for (const auto &c : cases) {
+        Run(std::string("xsave ") + c.arguments + ", x.txt");
+        EXPECT_EQ(ReadFile("x.txt"), c.text) << c.arguments;
+    }
+}
+
+TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
+{
+    const std::string good = Header("U2", 2);
+    const struct {
+        const char *command;
+        std::string text;
+        const char *message;
+    } cases[] = {
+        {"load 9000H, u2, 2", "", "Load: Soubor 'f' ma neplatnou hlavicku."},
+        {"load 9000H, u2, 2", "Ulozeni pole 'a[2]', typ: U2.\n1\n2\n",
+         "Load: Soubor 'f' ma neplatnou hlavicku."},
+        {"load 9000H, u2, 2", "Ulozeni pole: 'a[02]', typ: U2.\n1\n2\n",
+         "Load: Soubor 'f' ma neplatnou hlavicku."},
+        {"load 9000H, u2, 2", "Ulozeni pole: 'a[2]', typ: U2\n1\n2\n",
+         "Load: Soubor 'f' ma neplatnou hlavicku."},
+        {"load 9000H, u2, 2", "Ulozeni pole: 'a[1000000]', typ: U2.\n1\n2\n",
+         "Load: Soubor 'f' deklaruje prilis mnoho prvku."},
+        {"load 9000H, u2, 2", Header("U2", 1) + "1\n2\n", "Load: Soubor 'f' deklaruje malo prvku."},
+        {"load 9000H, u2, 2", Header("I2", 2) + "1\n2\n",
+         "Load: typ ulozenych dat neodpovida parametrum prikazu."},
+        {"load 9000H, u2, 2", Header("F2", 2) + "1\n2\n",
+         "Load: typ ulozenych dat neodpovida parametrum prikazu."},
+        {"load 9000H, u2, 2", good + "1\n", "Load: Chyba pri cteni souboru 'f', (radek 3)."},
+        {"load 9000H, u2, 2", good + "1\n2,\n", "Load: chyba v souboru 'f', na radku 3."},
+        {"load 9000H, u2, 2", good + "1\n65536\n", "Load: chyba v souboru 'f', na radku 3."},
+        {"load 9000H, u2, 2", good + "-1\n2\n", "Load: chyba v souboru 'f', na radku 2."},
+        {"load 9000H, u2, 2", good + std::string(600, '1') + "\n2\n",
+         "Load: chyba v souboru 'f', na radku 2."},
+        {"loadcsv 9000H, i1, 2", "127\n\n", "LoadCSV: chyba pri cteni 'f' (radek 2)."},
+        {"loadcsv 9000H, i1, 2", "127\n128\n", "LoadCSV: chyba v souboru 'f', na radku 2."},
+        {"loadcsv 9000H, i1, 2", "-129\n1\n", "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {"loadcsv 9000H, i4, 1", "2147483648", "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {"loadcsv 9000H, u4, 1", "4294967296", "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {"loadcsv 9000H, u4, 1", "99999999999999999999",
+         "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {"loadcsv 9000H, f4, 1", "1e39", "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {"loadcsv 9000H, f4, 1", "1.5 e3", "LoadCSV: chyba pri cteni 'f' (radek 1)."},
+        {"loadcsv 9000H, f4, 1", "1e", "LoadCSV: chyba pri cteni 'f' (radek 1)."},
+        {"loadcsvn 9000H, i1, 4, 2", "", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
+        {"loadcsvn 9000H, i1, 4, 2", "x\n1\n", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
+        {"loadcsvn 9000H, i1, 4, 2", "1\n1\n",
+         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
+        {"loadcsvn 9000H, i1, 4, 2", "5\n1\n2\n3\n4\n5\n",
+         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
+        {"loadcsvn 9000H, i1, 4, 2", "99999999999\n",
+         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
+        {"loadcsvn 9000H, i1, 4, 2", "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."},
+    };
+    for (const auto &c : cases) {
+        WriteFile("f", c.text);
+        const std::string shown = Run(std::string(c.command) + ", f");
+        EXPECT_NE(shown.find(std::string("ERROR - ") + c.message + "\n"), std::string::npos)
+            << c.text << shown;
+        EXPECT_EQ(Peek(0x9000, 8), std::vector<uint8_t>(8, 0)) << c.text;
+    }
+}
+
+TEST_F(Transfer, GoodListsLoad)
+{
+    WriteFile("f", " +1 \r\n-2\r\n3\r\nnot read");
+    Run("loadcsv 9000H, i2, 3, f");
+    EXPECT_EQ(Peek(0x9000, 8), (std::vector<uint8_t>{1, 0, 0xFE, 0xFF, 3, 0, 0, 0}));
+    WriteFile("f", "2\n 1.5\n-25e-1 ");
+    Run("loadcsvn 9100H, f4, 8, 1, f");
+    EXPECT_EQ(Peek(0x9100, 8), (std::vector<uint8_t>{0, 0, 0xC0, 0x3F, 0, 0, 0x20, 0xC0}));
+    // Names with indexes of their own, as a quoted name leaves them in a header.
+    WriteFile("f", "Ulozeni pole: 'rec[2].a[1]', typ: U1.\r\n9\r\n");
+    EXPECT_EQ(Run("load 9200H, u1, 1, f"),
+              "Zapis do pole: '0x9200[1]'\n\nload 9200H, u1, 1, f -> OK!\n");
+    EXPECT_EQ(Peek(0x9200, 1)[0], 9);
+}
+
+TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
+{
+    UCM_recS.tries = 0; // one wait for the dead target is enough
+    WriteFile("in.bin", std::string(4096, 'x'));
+    WriteFile(
+        "in.txt", Header("U1", 1000) + [] {
+            std::string lines;
+            for (int i = 0; i < 1000; i++)
+                lines += "1\n";
+            return lines;
+        }());
+    const struct {
+        const char *command;
+        const char *linkMessage;
+        const char *cancelMessage;
+    } cases[] = {
+        {"save 8000H, u1, 4096, f", "Save: chyba v komunikaci", "Save: preruseno uzivatelem."},
+        {"dump 8000H, u1, 4096", "Save: chyba v komunikaci", "Dump: preruseno uzivatelem."},
+        {"binsave 8000H, 4096, f", "BinSave: communication failure.",
+         "BinSave: cancelled by the user."},
+        {"xsave 8000H, 4096, f", "XSave: communication failure.", "XSave: cancelled by the user."},
+        {"binload 8000H, 4096, in.bin", "BinLoad: communication failure.",
+         "BinLoad: cancelled by the user."},
+        {"load 8000H, u1, 1000, in.txt", "Load: chyba pri zapisu dat do systemu.",
+         "Load: preruseno uzivatelem."},
+    };
+    WriteFile("f", "old");
+    for (const auto &c : cases) {
+        SIM_Options dying;
+        dying.demo = false;
+        SIM_SetFaults(target, dying);
+        HL_CancelProgressAt(2);
+        const std::string cancelled = Run(c.command);
+        EXPECT_NE(cancelled.find(std::string("ERROR - ") + c.cancelMessage), std::string::npos)
+            << cancelled;
+        HL_CancelProgressAt(0);
+        dying.silentAfter = 5;
+        SIM_SetFaults(target, dying);
+        const std::string failed = Run(c.command);
+        EXPECT_NE(failed.find(std::string("ERROR - ") + c.linkMessage), std::string::npos)
+            << failed;
+        EXPECT_EQ(ReadFile("f"), "old") << c.command;
+    }
+    // Nothing is left beside the final names either.
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 3);
+}
+
+TEST_F(Transfer, FullDisk)
+{
+    const struct {
+        const char *command;
+        const char *message;
+    } cases[] = {
+        {"save 8000H, u1, 64, f", "ERROR - Save: chyba pri zapisu do souboru f."},
+        {"binsave 8000H, 4096, f", "ERROR - BinSave: file write failure."},
+        {"xsave 8000H, 64, f", "ERROR - XSave: file write failure."},
+        {"si 8000, f, 20", "Could not write f"},
+    };
+    WriteFile("f", "old");
+    // Files stop growing as on a full disk.
+    rlimit unlimited;
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
+    const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+    for (const auto &c : cases) {
+        const rlimit full = {10, unlimited.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &full);
+        const std::string shown = Run(c.command);
+        setrlimit(RLIMIT_FSIZE, &unlimited);
+        EXPECT_NE(shown.find(c.message), std::string::npos) << shown;
+        EXPECT_EQ(ReadFile("f"), "old") << c.command;
+    }
+    signal(SIGXFSZ, oldHandler);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator("."), {}), 1);
+}
+
+TEST_F(Transfer, FailedWriteSaysSo)
+{
+    SIM_SetErrorCode(target, 8, 100);
+    EXPECT_EQ(Run("write 2, 1, 8100H"),
+              "ERROR - write: Selhani komunikace.\nwrite 2, 1, 8100H ->Error\n");
+    EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
+    WriteFile("f", "int\n5\n");
+    EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
+}
+
+} // namespace

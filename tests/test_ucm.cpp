@@ -1,0 +1,148 @@
+// The unified layer: dispatch by protocol, error counters, reasons in words, statistics.
+#include "support/link_fixture.h"
+
+#include <cstring>
+
+namespace {
+
+uint32_t Counted()
+{
+    uint32_t sum = 0;
+    for (const uint16_t count : UCM_recS.errors)
+        sum += count;
+    return sum;
+}
+
+TEST_F(LinkTest, CounterOfEachResult)
+{
+    const struct {
+        int result, returned, counter; // counter 0: none
+    } cases[] = {{0, 0, 0},       {5, 5, 0},           {-1, -1, 1},      {-99, -99, 99},
+                 {-100, -100, 0}, {-32768, -32768, 0}, {0x1FFFF, -1, 1}, {32767, 32767, 0}};
+    for (const auto &item : cases) {
+        UCM_ClearErrorCounter();
+        EXPECT_EQ(UCM_CountErr(item.result), item.returned);
+        EXPECT_EQ(Counted(), item.counter ? 1u : 0u) << item.result;
+        EXPECT_EQ(UCM_recS.errors[item.counter], item.counter ? 1 : 0) << item.result;
+    }
+    UCM_recS.errors[1] = UINT16_MAX;
+    UCM_CountErr(-1);
+    EXPECT_EQ(UCM_recS.errors[1], 0);
+}
+
+TEST_F(LinkTest, OpeningRecordsAndCounts)
+{
+    plug();
+    EXPECT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
+    EXPECT_EQ(UCM_IsOpened(), 1);
+    EXPECT_EQ(UCM_recS.port, LINK_PORT);
+    EXPECT_EQ(UCM_Read(16, 0, 1, nullptr), -20);
+    EXPECT_EQ(UCM_recS.errors[20], 1);
+    EXPECT_EQ(UCM_Open(3, LINK_PORT, LINK_BAUD), -20); // closes, clears, records nothing
+    EXPECT_EQ(Counted(), 0u);
+    EXPECT_EQ(UCM_IsOpened(), 0);
+    EXPECT_EQ(MrASC_IsOpened(), 0);
+    EXPECT_EQ(UCM_recS.protocol, 1);
+    EXPECT_EQ(UCM_Open(1, 256, LINK_BAUD), -38);
+    EXPECT_EQ(UCM_recS.errors[38], 1);
+    EXPECT_EQ(UCM_IsOpened(), 0);
+    EXPECT_EQ(UCM_LastErrorText(), "bad port number");
+    EXPECT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
+    UCM_Close();
+    EXPECT_EQ(UCM_recS.port, 0);
+    EXPECT_EQ(MrASC_IsOpened(), 0);
+}
+
+TEST_F(LinkTest, StationsAndOperationsOfEachProtocol)
+{
+    plug();
+    uint8_t byte = 0, *to = &byte;
+    const uint8_t *from = &byte;
+    uint32_t address = 0, count = 1;
+    ASSERT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
+    EXPECT_EQ(UCM_Read(0, 0, 1, &byte), 0);
+    for (const int station : {-1, 16, 250}) {
+        EXPECT_EQ(UCM_Write(station, 0, 1, &byte), -20);
+        EXPECT_EQ(UCM_ReadBg(station, &address, &count, &to), -20);
+        EXPECT_EQ(UCM_WriteBg(station, &address, &count, &from), -20);
+        EXPECT_EQ(UCM_EmuCom166Msg(station, 4, 0, 1, nullptr), -20);
+        EXPECT_EQ(UCM_EmuCom166MsgNA(station, 4, 0, 1, nullptr), -20);
+    }
+    EXPECT_EQ(UCM_recS.errors[20], 15);
+    EXPECT_EQ(UCM_EmuCom166Msg(15, 4, 0x10, 0x1234, nullptr), 1);
+    EXPECT_EQ(UCM_Read(15, 0x10, 1, &byte), 0);
+    EXPECT_EQ(byte, 0x34);
+    EXPECT_EQ(UCM_ReadBg(15, &address, &count, &to), 1);
+
+    EXPECT_EQ(UCM_Open(2, LINK_PORT, LINK_BAUD), -22);
+    EXPECT_EQ(UCM_recS.errors[22], 1);
+    EXPECT_EQ(UCM_recS.protocol, 2);
+    EXPECT_EQ(MrASC_IsOpened(), 0);
+    EXPECT_EQ(UCM_Read(0, 0, 1, &byte), -20);
+    EXPECT_EQ(UCM_Read(251, 0, 1, &byte), -20);
+    EXPECT_EQ(UCM_recS.errors[20], 2);
+    EXPECT_LT(UCM_Read(250, 0, 1, &byte), 0);
+    EXPECT_EQ(UCM_UseWin32(0), -20);
+    EXPECT_EQ(MR166_isWin32, 1);
+    EXPECT_EQ(UCM_EmuCom166MsgNA(1, 4, 0, 1, nullptr), -20);
+    EXPECT_EQ(UCM_recS.errors[20], 2);
+    UCM_recS.protocol = 7;
+    EXPECT_EQ(UCM_Read(1, 0, 1, &byte), -20);
+    EXPECT_EQ(UCM_recS.errors[20], 2);
+}
+
+TEST_F(LinkTest, TriesReasonsAndStatistics)
+{
+    plug();
+    ASSERT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
+    ASSERT_EQ(SER_SetTimeouts(MR166_hCom, HASTY_MS * 10, PATIENT_MS), SER_OK);
+    UCM_ResetStatistics();
+    uint8_t bytes[8] = {};
+    EXPECT_EQ(UCM_Write(1, 0, 8, bytes), 0);
+    EXPECT_EQ(UCM_LastErrorText(), "");
+    UCM_recS.tries = 1;
+    const struct {
+        SIM_Options faults;
+        int code;
+        const char *reason;
+    } cases[] = {
+        {[] {
+             SIM_Options o;
+             o.silentAfter = 0;
+             return o;
+         }(),
+         0, "no answer"},
+        {[] {
+             SIM_Options o;
+             o.stations = 0;
+             return o;
+         }(),
+         0, "no answer"},
+        {SIM_Options(), 66, "target error code 66"},
+    };
+    for (const auto &item : cases) {
+        SIM_SetFaults(target, item.faults);
+        SIM_SetErrorCode(target, 0, item.code);
+        EXPECT_EQ(UCM_Read(1, 0, 8, bytes), -1);
+        EXPECT_EQ(UCM_LastErrorText(), item.reason);
+    }
+    UCM_Read(99, 0, 8, bytes);
+    EXPECT_EQ(UCM_LastErrorText(), "bad station number or protocol");
+    UCM_Statistics seen;
+    UCM_GetStatistics(&seen);
+    EXPECT_EQ(seen.answered, 1u);
+    EXPECT_EQ(seen.timeouts, 4u);
+    EXPECT_EQ(seen.damaged, 2u);
+    EXPECT_EQ(seen.repeated, 6u);
+    EXPECT_EQ(seen.errors[1], 3);
+    EXPECT_EQ(seen.errors[20], 1);
+    UCM_ResetStatistics();
+    UCM_GetStatistics(&seen);
+    EXPECT_EQ(seen.answered + seen.timeouts + seen.damaged + seen.repeated, 0u);
+    EXPECT_EQ(Counted(), 0u);
+    UCM_Close();
+    EXPECT_EQ(UCM_Read(1, 0, 8, bytes), -1);
+    EXPECT_EQ(UCM_LastErrorText(), "port is not open");
+}
+
+} // namespace
