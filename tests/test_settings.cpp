@@ -82,8 +82,9 @@ TEST_F(Settings, EveryKeySurvives)
     Write("a.m66", MAP_LINE);
     Write("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
-                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\n";
+                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n";
     EXPECT_EQ(all, Round(all));
+    VR_isWatchView = false;
     EXPECT_EQ("a.m66", szMapFileName);
     VR_isFullOnce = true; // --full as well: what the file says stays
     ASSERT_EQ(0, OpenIniFile(mainPanel));

@@ -25,6 +25,7 @@ extern int32_t VR_enAppMode;    // MODE_...
 extern std::string VR_szVersion;
 extern int32_t isTimer;     // communication switched on
 extern int32_t oldTimer;    // isTimer to restore when the console view is left
+extern bool VR_isWatchView;      // the watch view is shown, not the console; kept in the settings
 extern int32_t oldHeight;   // last accepted height of the main panel
 extern int32_t IsDBGChange; // the watch list has unsaved changes
 extern std::string szDebugFileName;
@@ -70,6 +71,9 @@ int Check_ASC_Open(int result);
 void VIR2_SetStation(int station);
 // Makes switch, indicator and menu show whether communication is on and the port open.
 void VR_ShowComState();
+// Brings open statistics and trace windows up to date where their timers do not run: when
+// communication was switched or a console line has used the link.
+void VR_ShowDiagnostics();
 // After a change of port, baud rate or the like: opens the link anew if communication is on.
 void VR_Reopen();
 

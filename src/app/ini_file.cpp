@@ -158,6 +158,12 @@ void ReadFullCommands(const std::string &, const std::string &)
     VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
+// Shown once the window is there.
+void ReadView(const std::string &, const std::string &value)
+{
+    VR_isWatchView = value == "watch";
+}
+
 struct Key {
     const char *key; // '#' stands for a digit from 1
     bool isPath;
@@ -171,6 +177,7 @@ constexpr Key KEYS[] = {
     {"d#", true, ReadRecent},    {"b", false, ReadBaud},
     {"p", false, ReadPort},      {"s", false, ReadStation},
     {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
+    {"view", false, ReadView},
 };
 
 const Key *FindKey(const std::string &text)
@@ -257,6 +264,8 @@ void WriteSettings(std::FILE *file)
     std::fprintf(file, "COM, %s\n", Option_ComWin32 != 0 ? "WIN32" : "NI");
     if (VR_isFullCommandSet && !VR_isFullOnce)
         std::fputs("full\n", file);
+    if (VR_isWatchView)
+        std::fputs("view, watch\n", file);
 }
 
 } // namespace

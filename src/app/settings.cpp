@@ -13,6 +13,7 @@ int32_t VR_enAppMode = MODE_NORMAL;
 std::string VR_szVersion;
 int32_t isTimer = 0;
 int32_t oldTimer = 0;
+bool VR_isWatchView = false;
 int32_t oldHeight = 491;
 int32_t IsDBGChange = 0;
 std::string szDebugFileName;

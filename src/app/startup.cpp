@@ -91,6 +91,8 @@ int VR_StartUp(int argc, char **argv)
     const int script = GetCmdLineOptions(argc, argv);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
+    if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
+        WindowCB(0, ITEM_WATCH_VIEW);
     if (script < argc)
         RunScript(argv[script]);
     return 0;

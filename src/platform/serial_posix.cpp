@@ -29,7 +29,7 @@ struct Port {
     int fd = -1;            // never blocks
     int readFd = -1;        // a read blocks for terminalMs
     bool exclusive = false; // TIOCEXCL was set and must be taken back
-    int terminalMs = 0;     // what a read of nothing waits by itself, 0 = not at all
+    int terminalMs = -1;    // what a read of nothing waits by itself; -1 until configured
     unsigned readTotalMs = 0, writeTotalMs = 0;
 };
 Port ports[PORTS_MAX];

@@ -230,6 +230,22 @@ Tables TakeTables()
     return tables;
 }
 
+// Loads into empty tables; those there were come back when the loader fails.
+template <class Loader> int ReplaceTables(Loader load)
+{
+    const Tables old = TakeTables();
+    const int result = load();
+    if (result != 0) {
+        PutTables(old);
+        return result;
+    }
+    const Tables loaded = TakeTables();
+    PutTables(old);
+    TMF_FreeTables();
+    PutTables(loaded);
+    return 0;
+}
+
 } // namespace
 
 bool TMF_IsVTLineOk(const char *line, int mode)
@@ -312,18 +328,16 @@ int TMF_LoadMap(const char *fileName)
     return result;
 }
 
+int TMF_ReplaceMapFrw(int textHandle)
+{
+    return ReplaceTables([textHandle] { return TMF_LoadMapFrw(textHandle); });
+}
+
 int TMF_OpenMap(const char *fileName)
 {
-    const Tables old = TakeTables();
-    const int result = TMF_LoadMap(fileName);
-    if (result != 0) {
-        PutTables(old);
+    const int result = ReplaceTables([fileName] { return TMF_LoadMap(fileName); });
+    if (result != 0)
         return result;
-    }
-    const Tables loaded = TakeTables();
-    PutTables(old);
-    TMF_FreeTables();
-    PutTables(loaded);
     TMF_Rebuild();
     VRN_RefreshVars();
     return 0;

@@ -1,0 +1,254 @@
+#include "symbols/flash_info.h"
+
+#include "app/VR.h"
+#include "calendar/archive.h"
+#include "calendar/crc32.h"
+#include "platform/safe_file.h"
+#include "symbols/flash_files.h"
+#include "symbols/flash_varmap.h"
+#include "symbols/typemap.h"
+#include "symbols/varnode.h"
+#include "symbols/zip_types.h"
+#include "text/txfrw.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+constexpr uint32_t ADDRESS_END = 0x1000000;
+constexpr uint32_t OLD_DIRECTORY = 0x1C000;
+constexpr uint32_t RESERVED_AT_END = 0x100; // start vector and passwords of the chip
+
+// Flash of the processors that carry project information, by byte address.
+struct FlashRange {
+    int processor;
+    uint32_t start;
+    uint32_t end;
+};
+constexpr FlashRange FLASH_RANGES[] = {{CPU_F283XX, 0x600000, 0x680000},
+                                       {CPU_F2803X, 0x7D0000, 0x7F0000}};
+
+struct ErrorText {
+    int result;
+    const char *text;
+};
+constexpr ErrorText ERROR_TEXTS[] = {
+    {FLASH_ERR_NO_MAP, "Error: Map of variables not found in memory."},
+    {FLASH_ERR_COMMUNICATION, "Communication error."},
+    {FLASH_ERR_CANCELLED, "Reading the flash was cancelled."},
+    {FLASH_ERR_ADDRESS, "The memory map contains invalid addresses (>24bits)."},
+    {FLASH_ERR_TYPES, "Error: The type map in memory is damaged."},
+};
+
+// What was last read from flash, as texts, for saving.
+std::string flashVarMap, flashTypeMap;
+
+// A text handle that closes itself.
+struct Text {
+    int handle;
+    explicit Text(int opened) : handle(opened)
+    {
+    }
+    ~Text()
+    {
+        TXFRW_Close(handle);
+    }
+    Text(const Text &) = delete;
+    Text &operator=(const Text &) = delete;
+};
+
+std::string contentOf(int handle)
+{
+    std::string content;
+    for (int i = 0; i < TXFRW_GetCnLines(handle); i++)
+        content += std::string(TXFRW_GetLinePtr(handle, i)) + "\r\n";
+    return content;
+}
+
+// Both maps or none: the types first, because after them nothing can fail any more.
+int takeMaps(int varMap, int typeMap)
+{
+    std::vector<FlashVariable> variables;
+    const int result = FLASH_ParseVarMap(varMap, &variables);
+    if (result != 0)
+        return result;
+    if (typeMap >= 0 && TMF_ReplaceMapFrw(typeMap) != 0)
+        return FLASH_ERR_TYPES;
+    const int count = FLASH_TakeVariables(variables, aVarNode, &nNodes);
+    TMF_Rebuild();
+    return count;
+}
+
+// The map of a TMS320 behind a C166 station; the type map stays that of the station.
+int takeTMSNodes(int varMap)
+{
+    std::vector<FlashVariable> variables;
+    const int result = FLASH_ParseVarMap(varMap, &variables);
+    if (result != 0)
+        return result;
+    openTMSStruct = OPEN_MAP_FILE;
+    return FLASH_TakeVariables(variables, aVarTMSNode, &nTMSNodes);
+}
+
+int loadFlashText(const char *name, uint32_t start, uint32_t end)
+{
+    const int handle = MFS_LoadFrw(name, start, end);
+    return handle == -1 ? FLASH_ERR_TYPES : handle;
+}
+
+// The type map as a text handle; FLASH_ERR_NO_MAP when the directory holds none.
+int openTypeMap(uint32_t start, uint32_t end, int varMap)
+{
+    int32_t length;
+    const int32_t whole = MFS_FindFile(FLASH_TYPE_MAP, start, end, &length);
+    if (whole >= 0 || whole != -1)
+        return whole >= 0 ? loadFlashText(FLASH_TYPE_MAP, start, end) : whole;
+    if (MFS_FindFile(FLASH_TYPE_DECLS, start, end, &length) == -1)
+        return FLASH_ERR_NO_MAP;
+    const Text declarations(loadFlashText(FLASH_TYPE_DECLS, start, end));
+    if (declarations.handle < 0)
+        return declarations.handle;
+    const Text structures(loadFlashText(FLASH_TYPE_STRUCTS, start, end));
+    if (structures.handle < 0)
+        return structures.handle;
+    const int output = TXFRW_Create(FLASH_TYPE_MAP, "rw", "", 0);
+    if (UnzipTMF(output, structures.handle, declarations.handle, varMap) == 0)
+        return output;
+    TXFRW_Close(output);
+    return FLASH_ERR_TYPES;
+}
+
+int openFlashVarMap(uint32_t start, uint32_t end)
+{
+    std::string content;
+    const int result = MFS_Load(FLASH_VAR_MAP, start, end, &content);
+    return result < 0 ? result : FLASH_OpenVarMap(FLASH_VAR_MAP, content);
+}
+
+// Byte range of the directory to read; 0, or a negative code when there is none.
+int findRange(int place, uint32_t *start, uint32_t *end)
+{
+    *start = OLD_DIRECTORY;
+    *end = ADDRESS_END;
+    if (place == FLASH_AT_1C000)
+        return 0;
+    for (const FlashRange &range : FLASH_RANGES) {
+        if (range.processor != Procesor)
+            continue;
+        *end = range.end - RESERVED_AT_END;
+        const int32_t found = MFS_FindDirectory(range.start, *end);
+        *start = static_cast<uint32_t>(found);
+        return found < 0 ? found : 0;
+    }
+    return FLASH_ERR_NO_MAP;
+}
+
+bool putMember(std::FILE *file, long index, const char *name, const std::string &content)
+{
+    QarHeader header;
+    header.index = index;
+    header.count = 2;
+    header.size = static_cast<long>(content.size());
+    header.check = Crc32_LSB(content.data(), content.size(), CRC32_POLYNOMIAL);
+    header.name = name;
+    return QAR_Put_file_header(file, header) == 0 &&
+           std::fwrite(content.data(), 1, content.size(), file) == content.size();
+}
+
+} // namespace
+
+const char *FLASH_GetErrorText(int result)
+{
+    for (const ErrorText &error : ERROR_TEXTS) {
+        if (error.result == result)
+            return error.text;
+    }
+    return "";
+}
+
+int LoadFrwVarMap283xx(int textHandle)
+{
+    return takeMaps(textHandle, -1);
+}
+
+int LoadFVarMap283xx(uint32_t start, uint32_t end)
+{
+    const Text varMap(openFlashVarMap(start, end));
+    return varMap.handle < 0 ? varMap.handle : LoadFrwVarMap283xx(varMap.handle);
+}
+
+int LoadFMap283xx(uint32_t start, uint32_t end)
+{
+    const Text varMap(openFlashVarMap(start, end));
+    if (varMap.handle < 0)
+        return varMap.handle;
+    const Text typeMap(openTypeMap(start, end, varMap.handle));
+    if (typeMap.handle < 0 && typeMap.handle != FLASH_ERR_NO_MAP)
+        return typeMap.handle;
+    const int count = takeMaps(varMap.handle, typeMap.handle);
+    if (count >= 0) {
+        flashVarMap = contentOf(varMap.handle);
+        flashTypeMap = contentOf(typeMap.handle);
+    }
+    return count;
+}
+
+int ReadMaps283xx(const char *archiveName)
+{
+    std::string content;
+    if (QAR_Extract_file(&content, archiveName, FLASH_VAR_MAP) != 0)
+        return FLASH_ERR_NO_MAP;
+    const Text varMap(FLASH_OpenVarMap(FLASH_VAR_MAP, content));
+    const Text typeMap(QAR_Extract_txfrw(archiveName, FLASH_TYPE_MAP));
+    if (varMap.handle < 0)
+        return FLASH_ERR_NO_MAP;
+    if (typeMap.handle < 0)
+        return FLASH_ERR_TYPES;
+    const int count = VRN_IsTMSProcessor() ? takeMaps(varMap.handle, typeMap.handle)
+                                           : takeTMSNodes(varMap.handle);
+    return count < 0 ? count : 0;
+}
+
+int Read_TMS_CombiMap(const char *archiveName)
+{
+    return ReadMaps283xx(archiveName);
+}
+
+int fl2node(int place)
+{
+    uint32_t start, end;
+    VR_ShowMessage("Reading memory map:");
+    int result = findRange(place, &start, &end);
+    if (result == 0)
+        result = LoadFMap283xx(start, end);
+    if (result < 0) {
+        VR_ShowMessage(FLASH_GetErrorText(result));
+        return result;
+    }
+    mapFile.clear();
+    openStruct = OPEN_FROM_MEMORY;
+    VRN_RefreshVars();
+    VR_ShowMessage("Reading memory map: " + std::to_string(result) + " vars");
+    return 0;
+}
+
+int LoadFlash()
+{
+    VR_ComRequest();
+    const int result = fl2node(FLASH_AT_END);
+    SetMainPanelAttributes();
+    return result;
+}
+
+int SaveFlash(const char *fileName)
+{
+    SafeFile safe;
+    if (flashVarMap.empty() || flashTypeMap.empty() || SAF_Open(&safe, fileName, "wb") != 0)
+        return -1;
+    if (putMember(safe.file, 1, FLASH_VAR_MAP, flashVarMap) &&
+        putMember(safe.file, 2, FLASH_TYPE_MAP, flashTypeMap))
+        return SAF_Commit(&safe);
+    SAF_Cancel(&safe);
+    return -1;
+}

@@ -1,0 +1,26 @@
+// Variable maps as the target's flash and archives carry them: see docs/formats.md. Used
+// by flash_info.cpp and by tests only.
+#ifndef SYMBOLS_FLASH_VARMAP_H
+#define SYMBOLS_FLASH_VARMAP_H
+
+#include "symbols/varnode.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct FlashVariable {
+    uint32_t address; // in bytes
+    std::string name;
+};
+
+// Variable map in any of its layouts to plain lines "HHHHHH name": a text handle, or
+// FLASH_ERR_NO_MAP. Lines beyond what such a text holds are left out.
+int FLASH_OpenVarMap(const char *name, const std::string &content);
+// Variables of such a text. 0 or a negative code of flash_info.h.
+int FLASH_ParseVarMap(int textHandle, std::vector<FlashVariable> *variables);
+// Replaces a table of nodes: the number taken over; what the table cannot hold is
+// reported to the user.
+int FLASH_TakeVariables(const std::vector<FlashVariable> &variables, VarNode *table, int *count);
+
+#endif
