@@ -77,6 +77,10 @@ void TMF_CleanTables(); // the tables and the struct-variable nodes
 // As TMF_LoadMap for the user: a file that fails leaves the loaded type map as it was;
 // after success the struct-variable nodes are built and the watch list resolved again.
 int TMF_OpenMap(const char *fileName);
+// The file that the loaded type map was read from; "" when it came another way.
+extern std::string TMF_szFileName;
+// "53 variables, 4 structures": what is loaded.
+std::string TMF_GetCountsText();
 // As TMF_LoadMapFrw, but a text that fails leaves the loaded type map as it was.
 int TMF_ReplaceMapFrw(int textHandle);
 
@@ -117,6 +121,8 @@ int TMF_GetIndexor(const char **cursor, uint32_t *index);
 // its byte offset in the variable. 0, or -1: unknown name or member, an index outside the
 // array, a selection that does not fit the type, or other text behind.
 int TMF_GetEfType(const char *expression, uint32_t *chain, uint32_t *offset);
+// The same with the sizes and alignments of another processor than the selected one.
+int TMF_GetEfTypeFor(int processor, const char *expression, uint32_t *chain, uint32_t *offset);
 // The structure or union code of a variable, or of the elements of an array variable; 0 = none.
 uint32_t TMF_GetRootStruct(const char *variable);
 uint32_t TMF_GetRootAStruct(const char *variable);

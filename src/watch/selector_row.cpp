@@ -59,6 +59,7 @@ void SEL_AddToWatch(const std::string &expression, int panel, int messageControl
         return;
     }
     const LItem &item = aLItems[line];
-    SetCtrlVal(panel, messageControl, "Added as line " + std::to_string(line + 1) + " of the watch list: " +
-                                          expression + ", " + item.type + std::to_string(item.size));
+    SetCtrlVal(panel, messageControl,
+               "Added as line " + std::to_string(line + 1) + " of the watch list: " + expression +
+                   ", " + item.type + std::to_string(item.size));
 }

@@ -94,8 +94,9 @@ bool buildLevel(const std::string &path, uint32_t first, Level *built)
 std::string rowLabel(const TMF_ListRow &row, uint32_t start)
 {
     char offset[16] = "";
+    const uint32_t unit = VRN_IsTMSProcessor() ? 2 : 1; // as addresses are shown
     if (!level.path.empty())
-        std::snprintf(offset, sizeof offset, "+%X", row.address - start);
+        std::snprintf(offset, sizeof offset, "+%X", (row.address - start) / unit);
     return lastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
            SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
            SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
@@ -185,13 +186,14 @@ void goUp()
 bool goTo(const std::string &text)
 {
     const size_t begin = text.find_first_not_of(' ');
-    const std::string path =
-        begin == std::string::npos ? "" : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+    const std::string path = begin == std::string::npos
+                                 ? ""
+                                 : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
     if (go(path, 0, ""))
         return true;
     uint32_t offset = 0;
-    const bool isMember =
-        lastSelection(path) != std::string::npos && TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
+    const bool isMember = lastSelection(path) != std::string::npos &&
+                          TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
     if (isMember && go(parentOf(path), pageOf(path), path))
         return true;
     SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
@@ -240,8 +242,7 @@ const ActionRow BUTTONS[] = {
     {STRSEL_PREVIOUS, [] { go(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
     {STRSEL_NEXT, [] { go(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
 };
-const ActionRow LIST_KEYS[] = {
-    {KEY_BACKSPACE, goUp}, {KEY_LEFT, goUp}, {KEY_RIGHT, openSelected}};
+const ActionRow LIST_KEYS[] = {{KEY_BACKSPACE, goUp}, {KEY_LEFT, goUp}, {KEY_RIGHT, openSelected}};
 
 template <size_t N> int actOn(const ActionRow (&rows)[N], int code)
 {

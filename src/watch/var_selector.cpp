@@ -151,15 +151,15 @@ void showSelected()
     if (row != nullptr)
         SetCtrlVal(PANEL, VARSEL_DETAIL, SEL_Describe(*row));
     else
-        SetCtrlVal(PANEL, VARSEL_DETAIL, selector.rows.empty() ? chosenSource().none
-                                                               : "No name matches the filter.");
+        SetCtrlVal(PANEL, VARSEL_DETAIL,
+                   selector.rows.empty() ? chosenSource().none : "No name matches the filter.");
 }
 
 void showCount()
 {
-    SetCtrlVal(PANEL, VARSEL_COUNT, std::to_string(selector.shown.size()) + " of " +
-                                        std::to_string(selector.rows.size()) + " " +
-                                        chosenSource().noun);
+    SetCtrlVal(PANEL, VARSEL_COUNT,
+               std::to_string(selector.shown.size()) + " of " +
+                   std::to_string(selector.rows.size()) + " " + chosenSource().noun);
 }
 
 // The line that was selected stays selected if the filter lets it through.
