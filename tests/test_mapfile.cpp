@@ -135,8 +135,13 @@ TEST_F(MapFiles, KeepsTMSSymbolsApartWhileAC166IsSelected)
     EXPECT_EQ(0xFA00u, Address("own"));
     EXPECT_EQ(NONE, Address("_far"));
     EXPECT_EQ(OPEN_MAP_FILE, openTMSStruct);
-    EXPECT_EQ(0x18004u, inStruct("&_far", aVarTMSNode, nTMSNodes));
-    EXPECT_EQ(0x18004u, aLItems[1].address);
+    EXPECT_EQ(0xC002u, inStruct("&_far", aVarTMSNode, nTMSNodes)); // the mailbox takes words
+    EXPECT_EQ(0xC002u, aLItems[1].address);
+    std::ofstream(path, std::ios::binary) << "## 1 VARS\n1: 'far' _@0x38000001\n## 0 TYPES\n"
+                                             "## 1 STRUCTS\n# 1 / 3:\n'a' _@0x122\n"
+                                             "'b' _@0x28000000_@0x1\n'c' _@0x122\n";
+    ASSERT_EQ(0, TMF_LoadMap(path.c_str()));
+    EXPECT_EQ(0xC006u, inStruct("&_far.c", aVarTMSNode, nTMSNodes)); // 4-byte pointers
 }
 
 TEST_F(MapFiles, AFileThatCannotBeReadChangesNothing)

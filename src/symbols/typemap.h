@@ -117,6 +117,8 @@ int TMF_GetIndexor(const char **cursor, uint32_t *index);
 // its byte offset in the variable. 0, or -1: unknown name or member, an index outside the
 // array, a selection that does not fit the type, or other text behind.
 int TMF_GetEfType(const char *expression, uint32_t *chain, uint32_t *offset);
+// The same with the sizes and alignments of another processor than the selected one.
+int TMF_GetEfTypeFor(int processor, const char *expression, uint32_t *chain, uint32_t *offset);
 // The structure or union code of a variable, or of the elements of an array variable; 0 = none.
 uint32_t TMF_GetRootStruct(const char *variable);
 uint32_t TMF_GetRootAStruct(const char *variable);

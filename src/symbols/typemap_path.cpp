@@ -5,6 +5,7 @@
 #include <string>
 #include <unordered_map>
 
+#include "app/VR.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_layout.h"
 #include "text/xscan.h"
@@ -230,6 +231,15 @@ int TMF_GetEfType(const char *expression, uint32_t *chain, uint32_t *offset)
             chain[i] = place.chain[i];
     }
     return 0;
+}
+
+int TMF_GetEfTypeFor(int processor, const char *expression, uint32_t *chain, uint32_t *offset)
+{
+    const int32_t selected = Procesor;
+    Procesor = processor;
+    const int result = TMF_GetEfType(expression, chain, offset);
+    Procesor = selected;
+    return result;
 }
 
 uint32_t TMF_GetRootStruct(const char *variable)

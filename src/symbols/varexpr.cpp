@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/VR.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
@@ -66,6 +67,24 @@ bool ScanOffset(const char *text, uint32_t *offset)
     return xscan("* #", &text) >= 0;
 }
 
+// A processor behind the station is asked for words, the nodes count bytes.
+uint32_t ToWords(uint32_t bytes)
+{
+    return bytes / 2;
+}
+
+// Where the type map says the path leads, from its variable on.
+bool OffsetInside(const char *path, bool isMailbox, uint32_t *offset)
+{
+    if (!isMailbox)
+        return TMF_GetEfType(path, nullptr, offset) == 0;
+    uint32_t bytes = 0;
+    if (TMF_GetEfTypeFor(CPU_F283XX, path, nullptr, &bytes) != 0 || bytes % 2 != 0)
+        return false;
+    *offset = ToWords(bytes);
+    return true;
+}
+
 } // namespace
 
 uint32_t inStruct(const char *expression, const VarNode *table, int count)
@@ -97,7 +116,9 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count)
     follows += SkipBlanks(follows) - follows;
     const bool hasSelection = *follows == '.' || *follows == '[';
     uint32_t inside = 0;
-    if (TMF_GetEfType(path, nullptr, &inside) != 0 && hasSelection)
+    const bool isMailbox = table == aVarTMSNode;
+    if (!OffsetInside(path, isMailbox, &inside) && hasSelection)
         return NOT_FOUND;
-    return table[node].addr + inside + offset;
+    const uint32_t start = table[node].addr;
+    return (isMailbox ? ToWords(start) : start) + inside + offset;
 }

@@ -53,6 +53,8 @@ bool VRN_IsWildcardMatch(const char *wildcard, const char *name);
 // Address an expression denotes ("name", "name + 0x10", "name.member[2]", "0x1F00"), or
 // 0xFFFFFFFF. A leading "&" and a station prefix ("3:") are taken off first. Text after
 // a blank that is no offset is ignored; an offset that is no number gives 0xFFFFFFFF.
+// For aVarTMSNode the result is a 16-bit word address, as the mailbox to that processor takes
+// it: offsets count words, and members lie as the TMS320 lays them out.
 uint32_t inStruct(const char *expression, const VarNode *table, int count);
 // Name of the nearest node at or after *address (registers and the map, members when a
 // type map is loaded) and its address; 0, or -1 with "" and 0xFFFFFFFF.
