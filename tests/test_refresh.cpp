@@ -220,7 +220,7 @@ TEST_F(Refresh, ListLines)
     EXPECT_EQ(line(2), "&\033p300l000400  f4: 1.5");
     EXPECT_EQ(status(), "RUN"); // an unknown name is no fault of the link
     EXPECT_NE(isTimer, 0);
-    EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1).find("Not resolved"), std::string::npos);
+    EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1).find("not resolved"), std::string::npos);
     Procesor = CPU_F283XX;
     sweep(3);
     EXPECT_EQ(line(0), "Var\033p300l001000.hi u1: 200");
@@ -231,24 +231,22 @@ TEST_F(Refresh, OneBadItemAmongGoodOnes)
 {
     ASSERT_TRUE(connect());
     Option_AutoOff = 0;
-    UCM_recS.tries = 0;
     poke(0x8000, 7, 2);
     addItem("[8000], u2");
     addItem("7:Bad, [8000], u2");
     addItem("[8000], u2");
-    options.stations = 1u << STATION;
-    SIM_SetFaults(target, options);
-    for (int i = 1; i <= 5; ++i) {
+    silenceOthers(1u << STATION);
+    nErrors = 2;
+    for (const int errors : {3, 4, 4}) {
         sweep(3);
         EXPECT_EQ(status(), "Error");
         EXPECT_EQ(line(1), "7:Bad\033p300l008000  u2: 65535 (!)");
         EXPECT_EQ(line(2), "\033p300l008000  u2:     7");
-        EXPECT_EQ(nErrors, std::min(i, 4));
+        EXPECT_EQ(nErrors, errors);
     }
     EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1), "");
     EXPECT_EQ(HL_GetTip(PANEL_MAIN, MAIN_LIST, 2), "");
-    options.stations = 0xFFFF;
-    SIM_SetFaults(target, options);
+    silenceOthers(0xFFFF);
     sweep(3);
     EXPECT_EQ(status(), "RUN");
     EXPECT_EQ(nErrors, 0);
@@ -260,7 +258,7 @@ TEST_F(Refresh, AutoOff)
     ASSERT_TRUE(connect());
     addItem("[8000], u2");
     sweep(1);
-    SIM_SetErrorCode(target, 0, 70);
+    failWith(0, 70);
     sweep(1);
     EXPECT_EQ(isTimer, 0);
     EXPECT_EQ(UCM_IsOpened(), 0);
@@ -270,7 +268,7 @@ TEST_F(Refresh, AutoOff)
     EXPECT_NE(message.find("switched off"), std::string::npos);
 
     // A silent TMS320 switches off only after more than three failed reads.
-    SIM_SetErrorCode(target, 0, 0);
+    failWith(0, 0);
     nErrors = 0;
     content.clear();
     addItem("&[400], u4");
@@ -461,9 +459,9 @@ TEST_F(Refresh, WritingValues)
     EXPECT_EQ(byte, 1);
     EXPECT_EQ(WRV_Write(2, "1", &message), WRV_ERR_ADDRESS);
     EXPECT_EQ(WRV_Write(3, "1", &message), WRV_ERR_INDEX);
-    SIM_SetErrorCode(target, 0, 70);
+    failWith(0, 70);
     EXPECT_EQ(WRV_Write(1, "2", &message), WRV_ERR_READ_BACK);
-    SIM_SetErrorCode(target, 8, 70);
+    failWith(8, 70);
     EXPECT_EQ(WRV_Write(1, "2", &message), WRV_ERR_WRITE);
     EXPECT_NE(message.find("not written"), std::string::npos);
 }

@@ -134,7 +134,7 @@ TEST_F(SysAddr, ReadsThroughPagePointers)
     EXPECT_EQ(read, written);
     EXPECT_EQ(ReadSysVar("Nothing", &read, 2), -1);
 
-    silence();
+    silenceOthers(0);
     EXPECT_EQ(UpdateQuickDPP(), -1);
     EXPECT_EQ(awQRDPP[3], 0x40); // as it was
     EXPECT_EQ(QuickRefNearPtrVar("pTable"), ADDR_NONE);
@@ -169,12 +169,12 @@ TEST_F(SysAddr, BusyMailboxEndsAfterItsPolls)
 TEST_F(SysAddr, MailboxNamesTheWordThatFailed)
 {
     ASSERT_TRUE(connect());
-    SIM_SetErrorCode(target, 8, 70);
+    failWith(8, 70);
     uint32_t failedAt = 0;
     EXPECT_EQ(TMS_WriteWord(0x400, 1, &failedAt), TMS_ERR_SEND);
     EXPECT_EQ(failedAt, TMS_BOX_ADDRESS);
-    SIM_SetErrorCode(target, 8, 0);
-    SIM_SetErrorCode(target, 0, 70);
+    failWith(8, 0);
+    failWith(0, 70);
     EXPECT_EQ(TMS_WriteWord(0x400, 1, &failedAt), TMS_ERR_POLL);
     addItem("&[400], u4");
     uint32_t value = 0;
@@ -215,16 +215,16 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     const uint64_t before = SIM_GetCounters(target).requests;
     EXPECT_EQ(readValues(1), -1);
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
-    EXPECT_NE(aLItems[1].reason.find("Not resolved"), std::string::npos);
+    EXPECT_NE(aLItems[1].reason.find("not resolved"), std::string::npos);
 
     aLItems[0].valueHigh = 5;
-    SIM_SetErrorCode(target, 0, 70);
+    failWith(0, 70);
     EXPECT_EQ(readValues(0), -1);
     EXPECT_EQ(aLItems[0].value, 0xFFFFFFFFu);
     EXPECT_EQ(aLItems[0].valueHigh, 0u);
     EXPECT_EQ(aLItems[0].readError, 1);
     EXPECT_NE(aLItems[0].reason.find("70"), std::string::npos) << aLItems[0].reason;
-    SIM_SetErrorCode(target, 0, 0);
+    failWith(0, 0);
     ASSERT_EQ(readValues(0), 0);
     EXPECT_EQ(aLItems[0].readError, 0);
     EXPECT_EQ(aLItems[0].reason, "");

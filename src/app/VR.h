@@ -71,6 +71,9 @@ int Check_ASC_Open(int result);
 void VIR2_SetStation(int station);
 // Makes switch, indicator and menu show whether communication is on and the port open.
 void VR_ShowComState();
+// Brings open statistics and trace windows up to date where their timers do not run: when
+// communication was switched or a console line has used the link.
+void VR_ShowDiagnostics();
 // After a change of port, baud rate or the like: opens the link anew if communication is on.
 void VR_Reopen();
 

@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "app/statistics_panel.h"
+#include "app/trace_panel.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
@@ -53,6 +55,13 @@ void VR_ShowComState()
     SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
+    VR_ShowDiagnostics();
+}
+
+void VR_ShowDiagnostics()
+{
+    STP_Refresh();
+    TRP_Refresh();
 }
 
 void VIR2_StartPeriodicASC()

@@ -2,6 +2,8 @@
 // that the Window menu opens.
 #include "app/VR.h"
 
+#include "app/statistics_panel.h"
+#include "app/trace_panel.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
@@ -63,12 +65,6 @@ void ShowWatchView()
     DisplayPanel(mainPanel);
 }
 
-void ShowWindow(int panel)
-{
-    DisplayPanel(panel);
-    SetActivePanel(panel);
-}
-
 // Arrow keys move the watch list's selection wherever the focus is; a list that has
 // the focus has moved it already.
 void MoveSelection(int step)
@@ -121,13 +117,25 @@ void OnResize()
 struct WindowItem {
     int item;
     int panel;
+    void (*opened)(); // may be null
 };
 constexpr WindowItem WINDOW_ITEMS[] = {
-    {ITEM_STATISTICS, PANEL_STATISTICS}, {ITEM_TERMINAL, PANEL_TERMINAL},
-    {ITEM_SCOPE, PANEL_SCOPE},           {ITEM_CONFIG, PANEL_CONFIG},
-    {ITEM_DEBUGGER, PANEL_DEBUGGER},     {ITEM_SIMULATOR, PANEL_SIMULATOR},
-    {ITEM_TRACE, PANEL_TRACE},
+    {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened},
+    {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
+    {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
+    {ITEM_SCOPE, PANEL_SCOPE, nullptr},
+    {ITEM_CONFIG, PANEL_CONFIG, nullptr},
+    {ITEM_DEBUGGER, PANEL_DEBUGGER, nullptr},
+    {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
 };
+
+void ShowWindow(const WindowItem &row)
+{
+    DisplayPanel(row.panel);
+    SetActivePanel(row.panel);
+    if (row.opened != nullptr)
+        row.opened();
+}
 
 } // namespace
 
@@ -178,5 +186,5 @@ void WindowCB(int, int item)
         VR_ComRequest();
     for (const WindowItem &row : WINDOW_ITEMS)
         if (row.item == item)
-            ShowWindow(row.panel);
+            ShowWindow(row);
 }

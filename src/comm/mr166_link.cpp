@@ -1,6 +1,7 @@
 // State of the mr166 link, opening and closing with either driver, block transfers.
 #include "comm/mr166_link.h"
 
+#include "comm/failures.h"
 #include "comm/mr166_driver.h"
 #include "comm/trace.h"
 #include "runtime/rs232.h"
@@ -92,6 +93,7 @@ bool ExchangeBlock(int station, int command, uint32_t address, uint16_t count, c
             if (command != MR166_CMD_READ || cnRcvData == count)
                 return true;
             Mr166_nFault = MR166_FAULT_COUNT;
+            FAIL_Note(MrASC_ErrorText(Mr166_nFault));
         }
         ++EC_dwBlkRpt;
     }
@@ -157,6 +159,8 @@ int MrASC_Open(int port, int baud)
         MrASC_nBaudRate = baud;
     }
     Mr166_nFault = result;
+    if (result != 0)
+        FAIL_Note(MrASC_ErrorText(result));
     if (TRC_isOn)
         MrTRC_Link(true, port, baud, result);
     return result;

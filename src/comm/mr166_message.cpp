@@ -1,6 +1,7 @@
 // One mr166 exchange with either driver. The Win32 driver reads the whole expected answer
 // with one bounded read; the run-time driver takes byte by byte and can so skip the echo
 // of a two-wire line.
+#include "comm/failures.h"
 #include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
@@ -219,7 +220,10 @@ int CollectAnswer(const Request &request)
 
 int mr166Message(int station, int command, uint32_t address, uint16_t word, const void *data)
 {
-    return MrASC_Driver().message(station, command, address, word, data);
+    const int result = MrASC_Driver().message(station, command, address, word, data);
+    if (result != 1)
+        FAIL_Note(MrASC_ErrorText(Mr166_nFault));
+    return result;
 }
 
 int mr166MessageWin32(int station, int command, uint32_t address, uint16_t word, const void *data)

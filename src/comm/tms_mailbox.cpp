@@ -67,18 +67,15 @@ int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt)
     return waitDone(TMS_POLLS_WRITE);
 }
 
-const char *TMS_ErrorText(int result)
+std::string TMS_ErrorText(int result)
 {
-    switch (result) {
-    case TMS_OK:
+    if (result == TMS_OK)
         return "";
-    case TMS_ERR_BUSY:
+    if (result == TMS_ERR_BUSY)
         return "the TMS320 does not answer (mailbox busy)";
-    case TMS_ERR_SEND:
-        return "request not accepted by the mailbox";
-    case TMS_ERR_POLL:
-        return "state of the mailbox not readable";
-    default:
-        return "answer in the mailbox not readable";
-    }
+    const std::string cause = UCM_LastErrorText();
+    const std::string where = result == TMS_ERR_SEND   ? "mailbox not writable"
+                              : result == TMS_ERR_POLL ? "state of the mailbox not readable"
+                                                       : "answer in the mailbox not readable";
+    return cause.empty() ? where : where + ": " + cause;
 }

@@ -5,6 +5,7 @@
 #define COMM_TMS_MAILBOX_H
 
 #include <cstdint>
+#include <string>
 
 // Byte addresses in the station's memory.
 constexpr uint32_t TMS_BOX_COMMAND = 0x3C000; // 1 read, 2 write; low byte 0 when done
@@ -32,6 +33,7 @@ int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);
 // mailbox address concerned), TMS_ERR_POLL or TMS_ERR_BUSY.
 int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt);
 
-const char *TMS_ErrorText(int result); // "" for TMS_OK
+// Why the last transfer failed, with the cause on the line where there is one; "" for TMS_OK.
+std::string TMS_ErrorText(int result);
 
 #endif

@@ -1,6 +1,7 @@
 // Dispatch of the unified layer by the recorded protocol, and its error counters.
 #include "comm/ucm.h"
 
+#include "comm/failures.h"
 #include "comm/ucm_protocol.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ constexpr const char *REFUSED_TEXT = "bad station number or protocol";
 
 bool isRefused = false;        // the last operation was refused before it reached a link
 UCM_Statistics statisticsBase; // what the links had counted at the last reset
+PLT_Date statisticsSince;      // of the last reset
 
 const UCM_Protocol *FindProtocol(int number)
 {
@@ -69,6 +71,8 @@ UCM_Statistics CountAll()
 void UCM_Init()
 {
     UCM_recS = UCM_Record();
+    if (statisticsSince.year == 0)
+        PLT_LocalTime(&statisticsSince);
 }
 
 void UCM_ClearErrorCounter()
@@ -184,6 +188,7 @@ void UCM_GetStatistics(UCM_Statistics *statistics)
     statistics->timeouts = static_cast<uint16_t>(now.timeouts - statisticsBase.timeouts);
     statistics->damaged = static_cast<uint16_t>(now.damaged - statisticsBase.damaged);
     statistics->repeated = now.repeated - statisticsBase.repeated;
+    statistics->since = statisticsSince;
     std::copy(std::begin(UCM_recS.errors), std::end(UCM_recS.errors),
               std::begin(statistics->errors));
 }
@@ -191,5 +196,7 @@ void UCM_GetStatistics(UCM_Statistics *statistics)
 void UCM_ResetStatistics()
 {
     statisticsBase = CountAll();
+    PLT_LocalTime(&statisticsSince);
+    FAIL_Reset();
     UCM_ClearErrorCounter();
 }

@@ -4,6 +4,8 @@
 #ifndef COMM_UCM_H
 #define COMM_UCM_H
 
+#include "platform/system.h"
+
 #include <cstdint>
 #include <string>
 
@@ -55,8 +57,9 @@ struct UCM_Statistics {
     uint32_t damaged = 0;               // answers refused: damaged, foreign, or a target error code
     uint32_t repeated = 0;              // failed tries of blocks
     uint16_t errors[UCM_COUNTERS] = {}; // as in UCM_Record
+    PLT_Date since;                     // local time of the last reset, or of UCM_Init
 };
 void UCM_GetStatistics(UCM_Statistics *statistics);
-void UCM_ResetStatistics(); // also clears the error counters
+void UCM_ResetStatistics(); // also clears the error counters and the causes of failures.h
 
 #endif

@@ -75,8 +75,10 @@ void CON_ReleaseLink()
     if (nASC_Opened > 0)
         nASC_Opened--;
     if (nASC_Opened == 0) {
-        if (!IsLinkKept())
+        if (!IsLinkKept()) {
             UCM_Close();
+            VR_ShowDiagnostics();
+        }
         return;
     }
     if (!UCM_IsOpened() && OpenLink() < 0) {
@@ -95,6 +97,7 @@ void CON_EndScript()
     nScripts--;
     if (nASC_Opened == 0 && !IsLinkKept())
         UCM_Close();
+    VR_ShowDiagnostics();
 }
 
 void CON_DropLink()

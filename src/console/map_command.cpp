@@ -5,9 +5,9 @@
 #include "app/VR.h"
 #include "comm/sysaddr.h"
 #include "console/monitor.h"
-#include "console/script_command.h"
 #include "console/text_box.h"
 #include "console/word.h"
+#include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 
@@ -72,12 +72,17 @@ int LoadOrReport(const MapKind &kind, const std::string &fileName)
     return kind.report();
 }
 
-// The loader that reads the target's flash announces itself and leaves openStruct at
-// OPEN_FROM_MEMORY.
-int LoadFromFlash(const char *form)
+int LoadFromFlash(bool isOldPlace)
 {
-    PrintMonStr(SCR_GetAbsentText(form));
-    return -1;
+    PrintMonStr(isOldPlace ? "Reading FLASH from 1C000H, wait for a while please ..."
+                           : "Reading FLASH from end, wait for a while please ...");
+    if (fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END) != 0) {
+        PrintMonStr("Error during flash read.");
+        return -1;
+    }
+    CON_Print("%d vars", nNodes);
+    SetMainPanelAttributes();
+    return 0;
 }
 
 } // namespace
@@ -102,6 +107,6 @@ int RdMapFile(int, const char *text)
     if (form == "t")
         return LoadOrReport(TMS_MAP, CON_Trim(text + 1));
     if (form == "f" || form == "fn" || form == "fo")
-        return LoadFromFlash(("m" + form).c_str());
+        return LoadFromFlash(form == "fo");
     return PrintSyntax();
 }

@@ -7,7 +7,9 @@
 #include <cstring>
 
 #include "app/VR.h"
+#include "calendar/archive.h"
 #include "runtime/userint.h"
+#include "symbols/flash_info.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
@@ -106,14 +108,19 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
-    if (refused > 0)
-        MessagePopup("Map file", "The map has " + std::to_string(refused) +
-                                     " symbols more than the table can hold (" +
-                                     std::to_string(NODES_MAX) + "). They were left out.");
+    MAP_ReportRefused(refused);
     return 0;
 }
 
 } // namespace
+
+void MAP_ReportRefused(int refused)
+{
+    if (refused > 0)
+        MessagePopup("Map file", "The map has " + std::to_string(refused) +
+                                     " symbols more than the table can hold (" +
+                                     std::to_string(NODES_MAX) + "). They were left out.");
+}
 
 bool IsHexAddr(const char *text)
 {
@@ -200,6 +207,9 @@ int ReadMap(const char *fileName)
 
 int Read_TMS_Map(const char *fileName)
 {
+    std::string magic;
+    if (ReadMagic(fileName, &magic) && magic == QAR_MAGIC)
+        return Read_TMS_CombiMap(fileName);
     if (VRN_IsTMSProcessor())
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
     const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);

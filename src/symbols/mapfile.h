@@ -10,7 +10,8 @@
 // beyond NODES_MAX are left out and counted in one message.
 int ReadMap(const char *fileName);
 // The same for the C28x format. While a processor of the C166 family is selected the map is
-// that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays.
+// that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays. A
+// combined archive brings the type map, too; one that is damaged gives a code of flash_info.h.
 int Read_TMS_Map(const char *fileName);
 // Read, remember the name in mapFile, set openStruct, resolve the watch list.
 int map2node(const char *fileName);
@@ -19,6 +20,9 @@ int TMSmap2node(const char *fileName);
 // One line of a map: true when it declares a symbol; the name begins at *name.
 bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
 bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
+
+// Tells the user how many symbols a full table did not take; nothing for 0.
+void MAP_ReportRefused(int refused);
 
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);

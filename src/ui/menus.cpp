@@ -86,6 +86,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_CONSOLE_VIEW, "__Console view", KEY_CTRL | 'K', WindowCB},
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
+    {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
     {MENU_WINDOW, ITEM_TERMINAL, "Service __terminal", 0, WindowCB},
     {MENU_WINDOW, ITEM_SCOPE, "__Data scope", 0, WindowCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", 0, WindowCB},

@@ -1,6 +1,8 @@
 #include "ui/ui_table.h"
 
 #include "app/VR.h"
+#include "app/statistics_panel.h"
+#include "app/trace_panel.h"
 #include "console/monitor.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
@@ -13,8 +15,8 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_MEMORY, "memory", "Memory", nullptr},
     {PANEL_ITEM, "item", "Watch item", nullptr},
     {PANEL_CONSOLE, "console", "Console", nullptr},
-    {PANEL_STATISTICS, "statistics", "Communication statistics", nullptr},
-    {PANEL_TRACE, "trace", "Wire trace", nullptr},
+    {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
+    {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
     {PANEL_VAR_SELECTOR, "var_selector", "Variables", nullptr},
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", nullptr},
     {PANEL_SCOPE, "scope", "Data scope", nullptr},
@@ -54,5 +56,30 @@ const UI_Control UI_aControls[] = {
     {PANEL_CONSOLE, CONSOLE_BOX, UIK_TEXTBOX, "box", nullptr},
     {PANEL_CONSOLE, CONSOLE_PROMPT, UIK_TEXT, "prompt", nullptr},
     {PANEL_CONSOLE, CONSOLE_INPUT, UIK_STRING, "input", StrinCB},
+
+    {PANEL_STATISTICS, STATISTICS_ANSWERED, UIK_TEXT, "answered", nullptr},
+    {PANEL_STATISTICS, STATISTICS_TIMEOUTS, UIK_TEXT, "timeouts", nullptr},
+    {PANEL_STATISTICS, STATISTICS_DAMAGED, UIK_TEXT, "damaged", nullptr},
+    {PANEL_STATISTICS, STATISTICS_REPEATED, UIK_TEXT, "repeated", nullptr},
+    {PANEL_STATISTICS, STATISTICS_SHARE, UIK_TEXT, "share", nullptr},
+    {PANEL_STATISTICS, STATISTICS_LAST, UIK_TEXT, "lastFailure", nullptr},
+    {PANEL_STATISTICS, STATISTICS_SINCE, UIK_TEXT, "since", nullptr},
+    {PANEL_STATISTICS, STATISTICS_ADVICE, UIK_TEXT, "advice", nullptr},
+    {PANEL_STATISTICS, STATISTICS_CAUSES, UIK_LIST, "causes", nullptr},
+    {PANEL_STATISTICS, STATISTICS_COUNTERS, UIK_LIST, "counters", nullptr},
+    {PANEL_STATISTICS, STATISTICS_RESET, UIK_BUTTON, "reset", STP_ResetCB},
+    {PANEL_STATISTICS, STATISTICS_COPY, UIK_BUTTON, "copy", STP_CopyCB},
+    {PANEL_STATISTICS, STATISTICS_TIMER, UIK_TIMER, "timer", STP_TimerCB},
+
+    {PANEL_TRACE, TRACE_LIST, UIK_LIST, "list", TRP_ListCB},
+    {PANEL_TRACE, TRACE_DETAIL, UIK_TEXTBOX, "detail", nullptr},
+    {PANEL_TRACE, TRACE_PAUSE, UIK_BUTTON, "pause", TRP_PauseCB},
+    {PANEL_TRACE, TRACE_CLEAR, UIK_BUTTON, "clear", TRP_ClearCB},
+    {PANEL_TRACE, TRACE_COPY, UIK_BUTTON, "copy", TRP_CopyCB},
+    {PANEL_TRACE, TRACE_COPY_ALL, UIK_BUTTON, "copyAll", TRP_CopyAllCB},
+    {PANEL_TRACE, TRACE_SAVE, UIK_BUTTON, "save", TRP_SaveCB},
+    {PANEL_TRACE, TRACE_FAILURES, UIK_SWITCH, "failuresOnly", TRP_FilterCB},
+    {PANEL_TRACE, TRACE_COUNT, UIK_TEXT, "count", nullptr},
+    {PANEL_TRACE, TRACE_TIMER, UIK_TIMER, "timer", TRP_TimerCB},
 };
 const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];

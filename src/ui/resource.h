@@ -55,6 +55,37 @@ enum {
     CONSOLE_INPUT = 3,
 };
 
+// Statistics panel.
+enum {
+    STATISTICS_ANSWERED = 1,
+    STATISTICS_TIMEOUTS = 2,
+    STATISTICS_DAMAGED = 3,
+    STATISTICS_REPEATED = 4,
+    STATISTICS_SHARE = 5,    // failed messages of all
+    STATISTICS_LAST = 6,     // last failure in words
+    STATISTICS_SINCE = 7,
+    STATISTICS_ADVICE = 8,
+    STATISTICS_CAUSES = 9,   // failed exchanges by cause
+    STATISTICS_COUNTERS = 10, // counters of the communication layer that are not 0
+    STATISTICS_RESET = 11,
+    STATISTICS_COPY = 12,
+    STATISTICS_TIMER = 13,
+};
+
+// Trace panel.
+enum {
+    TRACE_LIST = 1,
+    TRACE_DETAIL = 2,       // the selected exchange whole
+    TRACE_PAUSE = 3,
+    TRACE_CLEAR = 4,
+    TRACE_COPY = 5,         // the selected exchange
+    TRACE_COPY_ALL = 6,
+    TRACE_SAVE = 7,
+    TRACE_FAILURES = 8,     // only those that failed are listed
+    TRACE_COUNT = 9,
+    TRACE_TIMER = 10,
+};
+
 // Menus (bar and submenus).
 enum {
     MENU_FILE = 2,

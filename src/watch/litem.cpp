@@ -30,6 +30,12 @@ bool isAnonymous(const LItem &item)
     return item.name.empty() || item.name == "&";
 }
 
+// An item whose address is forgotten for now keeps the one it was given.
+uint32_t addressToKeep(const LItem &item)
+{
+    return item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
+}
+
 std::string trimmed(const char *begin, const char *end)
 {
     while (begin < end && isSpace(*begin))
@@ -253,19 +259,26 @@ bool LIT_HasAddress(const LItem &item)
     return item.address < ADDR_LIMIT;
 }
 
+std::string LIT_Label(const LItem &item)
+{
+    if (!isAnonymous(item))
+        return item.name;
+    char place[24];
+    std::snprintf(place, sizeof place, "[0x%X]", addressToKeep(item));
+    return item.name + place;
+}
+
 std::string LIT_FileLine(const LItem &item)
 {
-    // An item whose address is forgotten for now keeps the one it was given.
-    const uint32_t address = item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
-    char place[24] = "";
-    std::snprintf(place, sizeof place, "[0x%X], ", address);
-    std::string line = item.name;
-    if (isAnonymous(item))
+    std::string line = LIT_Label(item);
+    const bool isForgotten = item.address == LITEM_NO_ADDRESS;
+    if (!isAnonymous(item) &&
+        (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))) {
+        char place[24];
+        std::snprintf(place, sizeof place, ", [0x%X]", addressToKeep(item));
         line += place;
-    else if (item.explicitAddress || (item.address == LITEM_NO_ADDRESS && address != item.address))
-        line += std::string(", ") + place;
-    else
-        line += ", ";
+    }
+    line += ", ";
     line += item.type;
     if (item.type != 't' && item.type != 'f')
         line += std::to_string(item.size);

@@ -61,6 +61,7 @@ void CleanLItems(); // forgets every resolved address
 bool LIT_IsTMS(const LItem &item);
 // The item can be read at all: resolved, and below the limit of target addresses.
 bool LIT_HasAddress(const LItem &item);
+std::string LIT_Label(const LItem &item);    // its name, or "[0x1F00]" without one
 std::string LIT_FileLine(const LItem &item); // the item's line of the debug file, no line end
 
 int LoadDbgFile(int panel); // 0 loaded, -1 cancelled, -2 cannot be opened

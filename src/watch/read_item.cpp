@@ -10,8 +10,8 @@
 namespace {
 
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
-const char NOT_RESOLVED[] = "Not resolved: no such name in the loaded maps";
-const char OUT_OF_RANGE[] = "The address is outside the target's memory";
+const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
+const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 
 const LItem *itemAt(int index)
 {
@@ -38,13 +38,7 @@ std::string failureText(const LItem &item, int mailboxResult)
         return NOT_RESOLVED;
     if (!LIT_HasAddress(item))
         return OUT_OF_RANGE;
-    if (mailboxResult == TMS_ERR_BUSY)
-        return TMS_ErrorText(mailboxResult);
-    std::string text = mailboxResult != TMS_OK ? TMS_ErrorText(mailboxResult) : "";
-    const std::string cause = UCM_LastErrorText();
-    if (!text.empty() && !cause.empty())
-        text += ": ";
-    return text + cause;
+    return LIT_IsTMS(item) ? TMS_ErrorText(mailboxResult) : UCM_LastErrorText();
 }
 
 int readMailbox(const LItem &item, uint32_t *value)

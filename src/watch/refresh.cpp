@@ -57,7 +57,7 @@ void readItem(int index)
         eTMS = -2;
     ++nErrors;
     if (result != -4)
-        lastFailure = aLItems[index].name + ": " + aLItems[index].reason;
+        lastFailure = LIT_Label(aLItems[index]) + ": " + aLItems[index].reason;
 }
 
 void showStatus()

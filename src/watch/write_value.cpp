@@ -60,7 +60,7 @@ int writeBits(const LItem &item, uint64_t bits, std::string *message)
         return WRV_OK;
     if (cause.empty())
         cause = UCM_LastErrorText();
-    *message = "The value was not written: " + cause + ".";
+    *message = "The value was not written" + (cause.empty() ? "" : ": " + cause) + ".";
     return result;
 }
 

@@ -31,6 +31,8 @@ protected:
         HL_LoadAllPanels();
         mainPanel = PANEL_MAIN;
         clearTables();
+        UCM_Init();
+        UCM_UseWin32(1);
         nLItems = openLItems = readLItems = 0;
         UpdItem = eTMS = nErrors = 0;
         IsDBGChange = isTimer = 0;
@@ -46,6 +48,7 @@ protected:
     void TearDown() override
     {
         UCM_Close();
+        UCM_Init();
         if (target)
             SIMT_Stop(PORT, target);
         clearTables();
@@ -66,11 +69,18 @@ protected:
         return isTimer != 0;
     }
 
-    // The target goes on, but nobody hears it; one try a block keeps the test short.
-    void silence()
+    // From here on stations not in the mask are silent. No repetitions, to keep tests short.
+    void silenceOthers(uint32_t stations)
     {
-        options.stations = 0;
+        options.stations = stations;
         SIM_SetFaults(target, options);
+        UCM_recS.tries = 0;
+    }
+
+    // Requests to a command are answered with the target's error code; 0 = answered well.
+    void failWith(int command, int code)
+    {
+        SIM_SetErrorCode(target, command, code);
         UCM_recS.tries = 0;
     }
 
@@ -140,7 +150,6 @@ private:
         FreeNodes(aVarNode166, &nNodes166);
         FreeNodes(aVarTMSNode, &nTMSNodes);
         openStruct = openStruct166 = openTMSStruct = 0;
-        UCM_recS.tries = 3;
     }
 };
 

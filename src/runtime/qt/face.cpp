@@ -1,5 +1,6 @@
 #include "runtime/qt/face.h"
 
+#include <QApplication>
 #include <QWidget>
 
 #include "runtime/qt/panel_window.h"
@@ -77,6 +78,18 @@ FaceBusy::~FaceBusy()
 bool FACE_IsBusy()
 {
     return busyCount > 0;
+}
+
+QWidget *FACE_PopupParent()
+{
+    if (QWidget *active = QApplication::activeWindow())
+        return active;
+    for (int i = 0; i < UI_cnPanels; i++) {
+        QWidget *window = FACE_PanelRecord(UI_aPanels[i].panel)->window;
+        if (window && window->isWindow() && window->isVisible())
+            return window;
+    }
+    return nullptr;
 }
 
 int FACE_Call(const FaceControl &control, int event, int data)

@@ -53,6 +53,9 @@ struct FaceBusy {
     FaceBusy &operator=(const FaceBusy &) = delete;
 };
 bool FACE_IsBusy();
+// The window a pop-up belongs to: the one in use, else any panel that is on the
+// screen; null when there is none.
+QWidget *FACE_PopupParent();
 int FACE_Call(const FaceControl &control, int event, int data); // the callback's result, 0 without one
 int FACE_Call(const FacePanel &panel, int event, int data);
 

@@ -158,6 +158,13 @@ void LineList::setDraggable(bool isDraggable)
     setDragDropMode(isDraggable ? QAbstractItemView::InternalMove : QAbstractItemView::NoDragDrop);
 }
 
+// All rows are of one size: no reason to lay the whole list out and paint it again.
+void LineList::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
+                           const QList<int> &roles)
+{
+    QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
+}
+
 void LineList::selectionChanged(const QItemSelection &now, const QItemSelection &before)
 {
     QListView::selectionChanged(now, before);

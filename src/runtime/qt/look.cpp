@@ -45,6 +45,7 @@ QPushButton:hover { background: #F0F5FA; border-color: #8FA3B5; }
 QPushButton:pressed { background: #DCE8F3; }
 QPushButton:focus { border: 2px solid #2A6DAF; padding: 3px 11px; }
 QPushButton:disabled { background: #F4F6F8; border-color: #D5DBE1; }
+QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
 QDialogButtonBox QPushButton, QMessageBox QPushButton { min-width: 64px; }
 QLineEdit { background: #FFFFFF; border: 1px solid #B9C3CD; border-radius: 3px; padding: 1px 4px; }
 QAbstractSpinBox QLineEdit, QComboBox QLineEdit { border: none; background: transparent; padding: 0px; }

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <QTimer>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -12,8 +13,10 @@
 namespace {
 
 constexpr int EXIT_NO_SCREEN = 255; // what -1 becomes as an exit code
+constexpr int RETRY_MS = 20;        // how soon the end of the loop is tried again
 
 bool isQuit = false;
+bool isRunning = false;
 int quitCode = 0;
 
 // Qt ends the program with a core dump when it finds no screen; a plain message and
@@ -23,6 +26,16 @@ void ReportNoScreen(QtMsgType type, const QMessageLogContext &, const QString &m
     std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
     if (type == QtFatalMsg)
         std::_Exit(EXIT_NO_SCREEN);
+}
+
+// Not in the middle of a callback: a pop-up it still wants to show would be closed at
+// once, as if cancelled.
+void EndLoop()
+{
+    if (FACE_IsBusy())
+        QTimer::singleShot(RETRY_MS, qApp, EndLoop);
+    else
+        QCoreApplication::exit(quitCode);
 }
 
 } // namespace
@@ -47,17 +60,19 @@ int InitCVIRTE(int *argc, char **argv)
 
 int RunUserInterface()
 {
+    isRunning = true;
     if (!isQuit)
         QApplication::exec();
-    isQuit = false;
+    isRunning = isQuit = false;
     return quitCode;
 }
 
 int QuitUserInterface(int code)
 {
-    isQuit = true;
     quitCode = code;
-    QCoreApplication::exit(code);
+    if (isRunning && !isQuit)
+        QTimer::singleShot(0, qApp, EndLoop);
+    isQuit = true;
     return 0;
 }
 

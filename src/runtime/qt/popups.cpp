@@ -88,7 +88,7 @@ int Ask(const Question &question)
 {
     const FaceBusy busy;
     CloseMenus();
-    QDialog dialog(QApplication::activeWindow());
+    QDialog dialog(FACE_PopupParent());
     dialog.setWindowTitle(FACE_ToQt(question.title));
     auto *layout = new QVBoxLayout(&dialog);
     layout->setSizeConstraint(QLayout::SetFixedSize);
@@ -147,7 +147,7 @@ void PrepareFileDialog(QFileDialog *dialog, const QString &spec, const QString &
 int MessagePopup(const std::string &title, const std::string &message)
 {
     QMessageBox box(QMessageBox::NoIcon, FACE_ToQt(title), FACE_ToQt(message), QMessageBox::Ok,
-                    QApplication::activeWindow());
+                    FACE_PopupParent());
     box.setIcon(title == "Error" ? QMessageBox::Warning : QMessageBox::Information);
     RunMessageBox(&box);
     return 0;
@@ -156,7 +156,7 @@ int MessagePopup(const std::string &title, const std::string &message)
 int ConfirmPopup(const std::string &title, const std::string &message)
 {
     QMessageBox box(QMessageBox::Question, FACE_ToQt(title), FACE_ToQt(message),
-                    QMessageBox::Yes | QMessageBox::No, QApplication::activeWindow());
+                    QMessageBox::Yes | QMessageBox::No, FACE_PopupParent());
     box.setDefaultButton(QMessageBox::Yes);
     box.setEscapeButton(QMessageBox::No);
     return RunMessageBox(&box) == QMessageBox::Yes ? 1 : 0;
@@ -187,7 +187,7 @@ int FileSelectPopup(const std::string &directory, const std::string &spec,
 {
     const FaceBusy busy;
     CloseMenus();
-    QFileDialog dialog(QApplication::activeWindow(), FACE_ToQt(title), FACE_ToQt(directory));
+    QFileDialog dialog(FACE_PopupParent(), FACE_ToQt(title), FACE_ToQt(directory));
     PrepareFileDialog(&dialog, FACE_ToQt(spec), FACE_ToQt(types), mode);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return VAL_NO_FILE_SELECTED;

@@ -21,7 +21,7 @@ void LetEventsThrough()
 
 int CreateProgressDialog(const std::string &title, const std::string &text)
 {
-    auto *dialog = new QProgressDialog(QApplication::activeWindow());
+    auto *dialog = new QProgressDialog(FACE_PopupParent());
     dialog->setWindowTitle(FACE_ToQt(title));
     dialog->setLabelText(FACE_ToQt(text));
     dialog->setRange(0, 100);

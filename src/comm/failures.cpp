@@ -1,0 +1,73 @@
+#include "comm/failures.h"
+
+#include <algorithm>
+#include <vector>
+
+const char *const FAIL_OTHER_CAUSES = "other causes";
+
+namespace {
+
+std::vector<FAIL_Cause> causes;
+size_t latest = 0;
+
+size_t Find(const std::string &text)
+{
+    const auto isSame = [&text](const FAIL_Cause &cause) { return cause.text == text; };
+    return static_cast<size_t>(
+        std::distance(causes.begin(), std::find_if(causes.begin(), causes.end(), isSame)));
+}
+
+// The place of a cause, made when it is new; the last place is kept for the rest.
+size_t PlaceOf(const std::string &text)
+{
+    const size_t known = Find(text);
+    if (known < causes.size())
+        return known;
+    if (causes.size() >= FAIL_CAUSES_MAX)
+        return FAIL_CAUSES_MAX - 1;
+    FAIL_Cause cause;
+    cause.text = causes.size() == FAIL_CAUSES_MAX - 1 ? FAIL_OTHER_CAUSES : text;
+    causes.push_back(cause);
+    return causes.size() - 1;
+}
+
+} // namespace
+
+void FAIL_Note(const std::string &cause)
+{
+    latest = PlaceOf(cause);
+    FAIL_Cause &place = causes[latest];
+    if (place.count != UINT32_MAX)
+        ++place.count;
+    PLT_LocalTime(&place.last);
+}
+
+void FAIL_Reset()
+{
+    causes.clear();
+}
+
+size_t FAIL_Count()
+{
+    return causes.size();
+}
+
+const FAIL_Cause *FAIL_Get(size_t index)
+{
+    return index < causes.size() ? &causes[index] : nullptr;
+}
+
+const FAIL_Cause *FAIL_Last()
+{
+    return FAIL_Get(latest);
+}
+
+uint32_t FAIL_CountOf(const char *needle)
+{
+    uint32_t sum = 0;
+    for (const FAIL_Cause &cause : causes) {
+        if (cause.text.find(needle) != std::string::npos)
+            sum += cause.count;
+    }
+    return sum;
+}

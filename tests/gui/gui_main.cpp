@@ -1,0 +1,17 @@
+// The desktop tests' program: Qt's offscreen platform unless another one is asked for.
+#include <QByteArray>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "runtime/userint.h"
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    if (!std::getenv("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (InitCVIRTE(&argc, argv) < 0)
+        return 1;
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,120 @@
+#include "gui/gui_support.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <memory>
+
+std::vector<GuiEvent> guiEvents;
+std::function<int(const GuiEvent &)> guiAnswer;
+
+namespace {
+
+constexpr int POPUP_TRIES = 500; // at 10 ms
+
+int Note(const GuiEvent &event)
+{
+    guiEvents.push_back(event);
+    return guiAnswer ? guiAnswer(event) : 0;
+}
+
+int NoteControl(int panel, int control, int event, int data)
+{
+    return Note({panel, control, event, data});
+}
+
+int NotePanel(int panel, int event, int data)
+{
+    return Note({panel, 0, event, data});
+}
+
+void PutCallbacks(bool isNoting)
+{
+    for (int i = 0; i < UI_cnPanels; i++) {
+        FacePanel *panel = FACE_PanelRecord(UI_aPanels[i].panel);
+        panel->callback = isNoting && panel->row->callback ? NotePanel : panel->row->callback;
+        for (FaceControl &control : panel->controls)
+            control.callback = isNoting ? NoteControl : control.row->callback;
+    }
+}
+
+} // namespace
+
+std::ostream &operator<<(std::ostream &out, const GuiEvent &e)
+{
+    return out << "{panel " << e.panel << ", control " << e.control << ", event " << e.event
+               << ", data " << e.data << "}";
+}
+
+void FaceTest::SetUp()
+{
+    SuspendTimerCallbacks();
+    for (int i = 0; i < UI_cnPanels; i++) {
+        const int panel = UI_aPanels[i].panel;
+        ASSERT_EQ(LoadPanel(panel == PANEL_CONSOLE ? PANEL_MAIN : 0, panel), panel);
+    }
+    PutCallbacks(true);
+    guiEvents.clear();
+}
+
+void FaceTest::TearDown()
+{
+    guiAnswer = nullptr;
+    SuspendTimerCallbacks();
+    for (int i = 0; i < UI_cnPanels; i++)
+        HidePanel(UI_aPanels[i].panel);
+    ClearListCtrl(PANEL_MAIN, MAIN_LIST);
+    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+    GuiSettle();
+    PutCallbacks(false);
+}
+
+PanelWindow *GuiWindow(int panel)
+{
+    return FACE_PanelRecord(panel)->window;
+}
+
+void GuiShow(int panel)
+{
+    ASSERT_EQ(DisplayPanel(panel), 0);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(GuiWindow(panel)->window()));
+    GuiSettle();
+}
+
+void GuiSettle()
+{
+    for (int i = 0; i < 3; i++) {
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+}
+
+void GuiAnswerNext(std::function<void(QWidget *popup)> act)
+{
+    auto *timer = new QTimer(qApp);
+    auto tries = std::make_shared<int>(0);
+    QObject::connect(timer, &QTimer::timeout, [timer, tries, act] {
+        QWidget *popup = QApplication::activeModalWidget();
+        if (!popup && ++*tries < POPUP_TRIES)
+            return;
+        timer->deleteLater();
+        timer->stop();
+        if (popup)
+            act(popup);
+        else
+            ADD_FAILURE() << "no pop-up came";
+    });
+    timer->start(10);
+}
+
+void GuiClickButton(QWidget *popup, const QString &text)
+{
+    const QList<QAbstractButton *> buttons = popup->findChildren<QAbstractButton *>();
+    for (QAbstractButton *button : buttons) {
+        if (button->text().remove('&') == text) {
+            button->click();
+            return;
+        }
+    }
+    ADD_FAILURE() << "no button " << text.toStdString();
+    popup->close();
+}

@@ -1,0 +1,115 @@
+// The Windows console program under Wine, against the simulated target: the Win32
+// serial driver opens, sets up, writes and reads a port for real.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "platform/system.h"
+#include "sim/sim.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr uint32_t COUNTER_ADDRESS = 0x8000;
+constexpr uint32_t SETPOINT_ADDRESS = 0x8010;
+
+std::string ReadText(const fs::path &path)
+{
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    std::string all = text.str();
+    all.erase(std::remove(all.begin(), all.end(), '\r'), all.end());
+    return all;
+}
+
+// A Wine prefix is slow to make: one is kept in the build folder.
+std::string WinePrefix()
+{
+    return (fs::path(BINARY_DIR).parent_path() / "wine-prefix").string();
+}
+
+class WindowsProgram : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (std::system("command -v wine >/dev/null 2>&1") != 0)
+            GTEST_SKIP() << "Wine is not installed";
+        if (!fs::exists(WINDOWS_CONSOLE))
+            GTEST_SKIP() << "The windows preset has not been built";
+        setenv("WINEPREFIX", WinePrefix().c_str(), 1);
+        setenv("WINEDEBUG", "-all", 1);
+        setenv("WINEDLLOVERRIDES", "mscoree,mshtml=", 1);
+        unsetenv("DISPLAY");
+        if (!fs::exists(WinePrefix() + "/dosdevices"))
+            ASSERT_EQ(0, std::system("wineboot -i >/dev/null 2>&1"));
+        folder = fs::temp_directory_path() / ("vireo2-win-" + std::to_string(PLT_TickUs()));
+        fs::create_directories(folder);
+        std::string error;
+        SIM_Options options;
+        options.demo = false;
+        target = SIM_Start(options, &error);
+        ASSERT_TRUE(target) << error;
+        const fs::path port = WinePrefix() + "/dosdevices/com5";
+        fs::remove(port);
+        fs::create_symlink(SIM_DevicePath(target), port);
+        std::ofstream(folder / "Vireo2.ini") << "r, AC167\no-\np, 5\nb, 115200\ns, 1\nCOM, WIN32\n";
+    }
+    void TearDown() override
+    {
+        if (target)
+            SIM_Stop(target);
+        std::error_code ignored;
+        fs::remove_all(folder, ignored);
+    }
+    // Exit code of the program; what it said is left in `out` and `err`.
+    int Run(const std::string &arguments, const std::string &input = "")
+    {
+        std::ofstream(folder / "in") << input;
+        const std::string line = "cd '" + folder.string() + "' && wine '" WINDOWS_CONSOLE "' " +
+                                 arguments + " <in >out 2>err";
+        const int status = std::system(line.c_str());
+        out = ReadText(folder / "out");
+        err = ReadText(folder / "err");
+        return WEXITSTATUS(status);
+    }
+
+    fs::path folder;
+    SIM_Target *target = nullptr;
+    std::string out, err;
+};
+
+TEST_F(WindowsProgram, WatchesAndWritesThroughTheWin32Driver)
+{
+    const uint8_t counter[] = {0x39, 0x30};
+    SIM_Poke(target, 1, COUNTER_ADDRESS, counter, sizeof counter);
+    std::ofstream(folder / "list.dbg") << "[8000], u2\r\n2:[8000], u2\r\n[8000], x2\r\n";
+    ASSERT_EQ(0, Run("--watch list.dbg --sweeps 2 --format csv")) << err;
+    EXPECT_NE(std::string::npos, out.find("1,,0x008000,u,2,12345,12345,0\n")) << out << err;
+    EXPECT_NE(std::string::npos, out.find("2,,0x008000,x,2,3039h,12345,0\n")) << out;
+
+    ASSERT_EQ(0, Run("--full", "write 2, 4660, 0x8010\nbinsave 0x8000, 200, memory.bin\n")) << err;
+    uint8_t written[2] = {};
+    SIM_Peek(target, 1, SETPOINT_ADDRESS, written, sizeof written);
+    EXPECT_EQ(0x34, written[0]);
+    EXPECT_EQ(0x12, written[1]);
+    const std::string memory = ReadText(folder / "memory.bin");
+    ASSERT_EQ(200u, memory.size()) << out << err;
+    EXPECT_EQ(std::string("\x39\x30", 2), memory.substr(0, 2));
+    EXPECT_EQ(0u, SIM_GetCounters(target).malformed);
+}
+
+TEST_F(WindowsProgram, SaysThatAPortIsNotThere)
+{
+    std::ofstream(folder / "list.dbg") << "[8000], u2\r\n";
+    std::ofstream(folder / "Vireo2.ini") << "r, AC167\np, 77\nb, 115200\ns, 1\nCOM, WIN32\n";
+    EXPECT_EQ(1, Run("--watch list.dbg --sweeps 1"));
+    EXPECT_NE(std::string::npos,
+              err.find("Error opening serial port 'COM77'.\n(port is not available)"))
+        << out << err;
+}
+
+} // namespace
