@@ -98,10 +98,10 @@ protected:
         openStruct166 = 1;
     }
 
-    // By its word address; node tables count bytes.
+    // By its word address, as the mailbox takes it.
     void addTmsSymbol(const char *name, uint32_t words)
     {
-        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, 2 * words, name, nullptr), 0);
+        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, words, name, nullptr), 0);
         openTMSStruct = 1;
     }
 
