@@ -29,7 +29,7 @@ void TrimText()
         DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
 }
 
-std::string FormatList(const char *format, va_list arguments)
+__attribute__((format(printf, 1, 0))) std::string FormatList(const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
