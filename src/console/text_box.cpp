@@ -143,11 +143,8 @@ int CON_RunScriptCB(int panel, int, int event, int)
     if (event != EVENT_COMMIT || FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD,
                                                  &path) == VAL_NO_FILE_SELECTED)
         return 0;
-    const std::string line = "!" + path;
-    CON_Print(" %s > %s", VR1_GetCpuPrompt(), line.c_str());
-    const std::string text = SCR_GetResultText(ExecMonScript(path.c_str(), panel));
-    if (!text.empty())
-        PrintMonStr(text);
+    CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
+    SCR_RunAndReport(path, panel);
     CON_ScrollToEnd();
     return 0;
 }
