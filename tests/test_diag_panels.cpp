@@ -167,8 +167,11 @@ TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
         SCOPED_TRACE(fault.name);
         SIM_Options faults = options;
         fault.set(&faults);
-        SIM_SetFaults(target, faults);
         UCM_Close();
+        SIMT_Stop(PORT,
+                  target); // a late answer of the case before must not be taken for this one's
+        target = SIMT_Start(PORT, faults);
+        ASSERT_NE(nullptr, target);
         UCM_ResetStatistics();
         MrASC_UseWin32(fault.isWin32);
         HL_ClickMenu(ITEM_TRACE);

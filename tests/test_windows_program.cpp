@@ -2,10 +2,12 @@
 // serial driver opens, sets up, writes and reads a port for real.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <sys/wait.h>
 
 #include "platform/system.h"
 #include "sim/sim.h"
@@ -44,8 +46,8 @@ protected:
         setenv("WINEDEBUG", "-all", 1);
         setenv("WINEDLLOVERRIDES", "mscoree,mshtml=", 1);
         unsetenv("DISPLAY");
-        if (!fs::exists(WinePrefix() + "/dosdevices"))
-            ASSERT_EQ(0, std::system("wineboot -i >/dev/null 2>&1"));
+        const bool isPrefixMade = fs::exists(WinePrefix() + "/dosdevices");
+        ASSERT_TRUE(isPrefixMade || std::system("wineboot -i >/dev/null 2>&1") == 0);
         folder = fs::temp_directory_path() / ("vireo2-win-" + std::to_string(PLT_TickUs()));
         fs::create_directories(folder);
         std::string error;
@@ -91,7 +93,7 @@ TEST_F(WindowsProgram, WatchesAndWritesThroughTheWin32Driver)
     EXPECT_NE(std::string::npos, out.find("1,,0x008000,u,2,12345,12345,0\n")) << out << err;
     EXPECT_NE(std::string::npos, out.find("2,,0x008000,x,2,3039h,12345,0\n")) << out;
 
-    ASSERT_EQ(0, Run("--full", "write 2, 4660, 0x8010\nbinsave 0x8000, 200, memory.bin\n")) << err;
+    ASSERT_EQ(0, Run("--full", "write 2, 4660, 8010H\nbinsave 8000H, 200, memory.bin\n")) << err;
     uint8_t written[2] = {};
     SIM_Peek(target, 1, SETPOINT_ADDRESS, written, sizeof written);
     EXPECT_EQ(0x34, written[0]);

@@ -7,9 +7,11 @@
 
 #include "runtime/userint.h"
 #include "symbols/mapfile.h"
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
+#include "watch/selectors.h"
 
 namespace {
 
@@ -115,6 +117,13 @@ std::string MapText()
     }
 }
 
+std::string TypesText()
+{
+    if (TMF_cnDefVars == 0)
+        return "";
+    return "; types: " + TMF_GetCountsText();
+}
+
 } // namespace
 
 void SetMainPanelTitle()
@@ -133,7 +142,7 @@ void SetMainPanelStateLine()
     text += numbers;
     text += Option_AutoOff != 0 ? "auto-off; " : "";
     text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
-    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + MapText());
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + MapText() + TypesText());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
 }
@@ -142,7 +151,7 @@ void VR_EnableControls()
 {
     const bool hasItems = openLItems != 0 || nLItems > 0;
     const bool hasFile = !szDebugFileName.empty();
-    const bool hasMap = !szMapFileName.empty();
+    const bool hasMap = !szMapFileName.empty() || !TMF_szFileName.empty();
     for (const int control : {MAIN_BTN_SAVE, MAIN_MEM_SWITCH, MAIN_FM_SWITCH})
         EnableCtrl(control, hasItems);
     for (const int item : {ITEM_SAVE, ITEM_SAVE_AS})
@@ -165,6 +174,7 @@ void SetMainPanelAttributes()
     CheckOptions();
     VR_EnableControls();
     VR_ShowComState();
+    VSL_SymbolsChanged();
 }
 
 void AddDebugFileName(const std::string &path)

@@ -17,6 +17,9 @@ bool CON_isExit = false;
 namespace {
 
 constexpr int LAST_SLOT = HISTORY_LINES - 1;
+constexpr int KEY_RUN = KEY_F1 + 5;  // F6
+constexpr int KEY_SAVE = KEY_F1 + 6; // F7
+constexpr int KEY_COPY = KEY_F1 + 7; // F8
 
 void SetField(const std::string &text)
 {
@@ -161,31 +164,55 @@ void CompleteField(int panel, int control)
     SetField(line);
 }
 
+// Keys of their own beside Enter; none of them is a menu's shortcut.
+struct KeyAction {
+    int key;
+    void (*run)(int panel, int control, int key);
+};
+
+void HandleEscape(int, int, int)
+{
+    ClearField();
+}
+
+void HandleArrow(int, int, int key)
+{
+    BrowseHistory(key);
+}
+
+void HandleTab(int panel, int control, int)
+{
+    CompleteField(panel, control);
+}
+
+void HandleRun(int panel, int control, int)
+{
+    CON_RunScriptCB(panel, control, EVENT_COMMIT, 0);
+}
+
+void HandleSave(int panel, int control, int)
+{
+    CON_SaveTextCB(panel, control, EVENT_COMMIT, 0);
+}
+
+void HandleCopy(int panel, int control, int)
+{
+    CON_CopyTextCB(panel, control, EVENT_COMMIT, 0);
+}
+
+const KeyAction KEY_ACTIONS[] = {
+    {KEY_ESC, HandleEscape}, {KEY_UP, HandleArrow},  {KEY_DOWN, HandleArrow}, {KEY_TAB, HandleTab},
+    {KEY_RUN, HandleRun},    {KEY_SAVE, HandleSave}, {KEY_COPY, HandleCopy}};
+
 int HandleKey(int panel, int control, int key)
 {
-    switch (key) {
-    case KEY_ESC:
-        ClearField();
+    for (const KeyAction &row : KEY_ACTIONS) {
+        if (row.key != key)
+            continue;
+        row.run(panel, control, key);
         return 1;
-    case KEY_UP:
-    case KEY_DOWN:
-        BrowseHistory(key);
-        return 1;
-    case KEY_TAB:
-        CompleteField(panel, control);
-        return 1;
-    case KEY_CTRL | 'R':
-        CON_RunScriptCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    case KEY_CTRL | KEY_SHIFT | 'S':
-        CON_SaveTextCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    case KEY_CTRL | KEY_SHIFT | 'C':
-        CON_CopyTextCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    default:
-        return 0;
     }
+    return 0;
 }
 
 } // namespace

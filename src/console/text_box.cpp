@@ -29,7 +29,7 @@ void TrimText()
         DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
 }
 
-std::string FormatList(const char *format, va_list arguments)
+__attribute__((format(printf, 1, 0))) std::string FormatList(const char *format, va_list arguments)
 {
     va_list copy;
     va_copy(copy, arguments);
@@ -143,11 +143,8 @@ int CON_RunScriptCB(int panel, int, int event, int)
     if (event != EVENT_COMMIT || FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD,
                                                  &path) == VAL_NO_FILE_SELECTED)
         return 0;
-    const std::string line = "!" + path;
-    CON_Print(" %s > %s", VR1_GetCpuPrompt(), line.c_str());
-    const std::string text = SCR_GetResultText(ExecMonScript(path.c_str(), panel));
-    if (!text.empty())
-        PrintMonStr(text);
+    CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
+    SCR_RunAndReport(path, panel);
     CON_ScrollToEnd();
     return 0;
 }

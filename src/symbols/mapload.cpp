@@ -50,6 +50,18 @@ bool AskForMap(const MapKind &kind, std::string *path)
            VAL_NO_FILE_SELECTED;
 }
 
+void OpenTypes(const std::string &path)
+{
+    if (TMF_OpenMap(path.c_str()) == 0) {
+        SetMainPanelAttributes();
+        VR_ShowMessage("Type map: " + path + ", " + TMF_GetCountsText() + ".");
+        return;
+    }
+    const std::string line =
+        TMF_nErrorLine > 0 ? ", line " + std::to_string(TMF_nErrorLine) : std::string();
+    VR_ShowMessage("Error: Could not open type map file " + path + line + ".");
+}
+
 } // namespace
 
 int GetFileStamp(std::string *text, const char *fileName)
@@ -92,26 +104,23 @@ void OpenMapCB(int, int)
     LoadMap(ModeOfProcessor());
 }
 
+// The map and the type map belong together: one command reads both again.
 void ReloadMapFile(int, int)
 {
-    LoadMap(ModeOfProcessor() | LOADMAP_RELOAD);
+    const std::string types = TMF_szFileName; // a map may bring its own types
+    const bool isMap = !szMapFileName.empty() || types.empty();
+    if (isMap && LoadMap(ModeOfProcessor() | LOADMAP_RELOAD) != 0)
+        return;
+    if (!types.empty() && types == TMF_szFileName)
+        OpenTypes(types);
 }
 
 void OpenTypeMapCB(int, int)
 {
     std::string path;
     if (FileSelectPopup(PLT_CurrentDir(), "*.tmf", "*.tmf", "Open type map-file", FILE_LOAD,
-                        &path) == VAL_NO_FILE_SELECTED)
-        return;
-    if (TMF_OpenMap(path.c_str()) != 0) {
-        const std::string where = TMF_nErrorLine > 0
-                                      ? " (line " + std::to_string(TMF_nErrorLine) + ")."
-                                      : std::string(".");
-        VR_ShowMessage("Error: Could not open type map file" + where);
-        return;
-    }
-    VR_ShowMessage("Type map: " + path + ", " + std::to_string(TMF_cnDefVars) + " variables.");
-    SetMainPanelAttributes();
+                        &path) != VAL_NO_FILE_SELECTED)
+        OpenTypes(path);
 }
 
 int MapBtnCB(int, int, int event, int)

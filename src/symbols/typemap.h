@@ -77,6 +77,10 @@ void TMF_CleanTables(); // the tables and the struct-variable nodes
 // As TMF_LoadMap for the user: a file that fails leaves the loaded type map as it was;
 // after success the struct-variable nodes are built and the watch list resolved again.
 int TMF_OpenMap(const char *fileName);
+// The file that the loaded type map was read from; "" when it came another way.
+extern std::string TMF_szFileName;
+// "53 variables, 4 structures": what is loaded.
+std::string TMF_GetCountsText();
 // As TMF_LoadMapFrw, but a text that fails leaves the loaded type map as it was.
 int TMF_ReplaceMapFrw(int textHandle);
 

@@ -15,6 +15,7 @@ int32_t TMF_cnDefTypes = 0;
 TMF_Struct *TMF_paDefStructCts = nullptr;
 int32_t TMF_cnDefStructCts = 0;
 int TMF_nErrorLine = 0;
+std::string TMF_szFileName;
 
 namespace {
 
@@ -330,7 +331,10 @@ int TMF_LoadMap(const char *fileName)
 
 int TMF_ReplaceMapFrw(int textHandle)
 {
-    return ReplaceTables([textHandle] { return TMF_LoadMapFrw(textHandle); });
+    const int result = ReplaceTables([textHandle] { return TMF_LoadMapFrw(textHandle); });
+    if (result == 0)
+        TMF_szFileName.clear();
+    return result;
 }
 
 int TMF_OpenMap(const char *fileName)
@@ -338,9 +342,16 @@ int TMF_OpenMap(const char *fileName)
     const int result = ReplaceTables([fileName] { return TMF_LoadMap(fileName); });
     if (result != 0)
         return result;
+    TMF_szFileName = fileName;
     TMF_Rebuild();
     VRN_RefreshVars();
     return 0;
+}
+
+std::string TMF_GetCountsText()
+{
+    return std::to_string(TMF_cnDefVars) + " variables, " + std::to_string(TMF_cnDefStructCts) +
+           " structures";
 }
 
 void TMF_FreeTables()

@@ -4,6 +4,7 @@
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
+#include "watch/selectors.h"
 
 const int UI_nMenuPanel = PANEL_MAIN;
 
@@ -28,6 +29,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_OPEN_MAP, "Open __map file...", KEY_CTRL | 'M', OpenMapCB},
+    {MENU_FILE, ITEM_OPEN_TYPE_MAP, "Open __type map...", KEY_CTRL | 'T', OpenTypeMapCB},
     {MENU_FILE, ITEM_RELOAD_MAP, "Re__load map file", KEY_F1 + 4, ReloadMapFile},
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_RECENT_END, "", 0, nullptr},
@@ -84,6 +86,9 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_WINDOW, ITEM_WATCH_VIEW, "__Watch view", KEY_CTRL | 'W', WindowCB},
     {MENU_WINDOW, ITEM_CONSOLE_VIEW, "__Console view", KEY_CTRL | 'K', WindowCB},
+    {MENU_WINDOW, 0, "", 0, nullptr},
+    {MENU_WINDOW, ITEM_VARIABLES, "__Variables...", KEY_CTRL | 'L', VSL_OpenCB},
+    {MENU_WINDOW, ITEM_STRUCTURES, "Str__uctures...", KEY_CTRL | KEY_SHIFT | 'L', SSL_OpenCB},
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},

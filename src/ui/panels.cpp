@@ -8,6 +8,7 @@
 #include "ui/resource.h"
 #include "watch/litem.h"
 #include "watch/refresh.h"
+#include "watch/selectors.h"
 
 const UI_Panel UI_aPanels[] = {
     {PANEL_MAIN, "main", "Vireo2", PanelCB},
@@ -17,8 +18,8 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_CONSOLE, "console", "Console", nullptr},
     {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
     {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
-    {PANEL_VAR_SELECTOR, "var_selector", "Variables", nullptr},
-    {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", nullptr},
+    {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
+    {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", nullptr},
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
@@ -81,5 +82,27 @@ const UI_Control UI_aControls[] = {
     {PANEL_TRACE, TRACE_FAILURES, UIK_SWITCH, "failuresOnly", TRP_FilterCB},
     {PANEL_TRACE, TRACE_COUNT, UIK_TEXT, "count", nullptr},
     {PANEL_TRACE, TRACE_TIMER, UIK_TIMER, "timer", TRP_TimerCB},
+
+    {PANEL_VAR_SELECTOR, VARSEL_FILTER, UIK_STRING, "filter", VSL_FilterCB},
+    {PANEL_VAR_SELECTOR, VARSEL_LIST, UIK_LIST, "list", VSL_ListCB},
+    {PANEL_VAR_SELECTOR, VARSEL_SOURCE, UIK_RING, "source", VSL_SourceCB},
+    {PANEL_VAR_SELECTOR, VARSEL_ADD, UIK_BUTTON, "add", VSL_ButtonCB},
+    {PANEL_VAR_SELECTOR, VARSEL_MEMBERS, UIK_BUTTON, "members", VSL_ButtonCB},
+    {PANEL_VAR_SELECTOR, VARSEL_COPY, UIK_BUTTON, "copy", VSL_ButtonCB},
+    {PANEL_VAR_SELECTOR, VARSEL_CLOSE, UIK_BUTTON, "close", VSL_ButtonCB},
+    {PANEL_VAR_SELECTOR, VARSEL_DETAIL, UIK_TEXT, "detail", nullptr},
+    {PANEL_VAR_SELECTOR, VARSEL_COUNT, UIK_TEXT, "count", nullptr},
+
+    {PANEL_STRUCT_SELECTOR, STRSEL_PATH, UIK_STRING, "path", SSL_PathCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_LIST, UIK_LIST, "list", SSL_ListCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_UP, UIK_BUTTON, "up", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_ADD, UIK_BUTTON, "add", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_OPEN, UIK_BUTTON, "open", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_COPY, UIK_BUTTON, "copy", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_CLOSE, UIK_BUTTON, "close", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_DETAIL, UIK_TEXT, "detail", nullptr},
+    {PANEL_STRUCT_SELECTOR, STRSEL_COUNT, UIK_TEXT, "count", nullptr},
+    {PANEL_STRUCT_SELECTOR, STRSEL_PREVIOUS, UIK_BUTTON, "previous", SSL_ButtonCB},
+    {PANEL_STRUCT_SELECTOR, STRSEL_NEXT, UIK_BUTTON, "next", SSL_ButtonCB},
 };
 const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];

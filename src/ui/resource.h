@@ -86,6 +86,34 @@ enum {
     TRACE_TIMER = 10,
 };
 
+// Variable selector.
+enum {
+    VARSEL_FILTER = 1,
+    VARSEL_LIST = 2,
+    VARSEL_SOURCE = 3,      // map, registers or TMS320
+    VARSEL_ADD = 4,
+    VARSEL_MEMBERS = 5,
+    VARSEL_COPY = 6,
+    VARSEL_CLOSE = 7,
+    VARSEL_DETAIL = 8,      // the selected line whole, or what was done with it
+    VARSEL_COUNT = 9,
+};
+
+// Structure selector.
+enum {
+    STRSEL_PATH = 1,
+    STRSEL_LIST = 2,
+    STRSEL_UP = 3,
+    STRSEL_ADD = 4,
+    STRSEL_OPEN = 5,
+    STRSEL_COPY = 6,
+    STRSEL_CLOSE = 7,
+    STRSEL_DETAIL = 8,      // as in the variable selector
+    STRSEL_COUNT = 9,
+    STRSEL_PREVIOUS = 10,   // page of a large array
+    STRSEL_NEXT = 11,
+};
+
 // Menus (bar and submenus).
 enum {
     MENU_FILE = 2,
@@ -140,6 +168,8 @@ enum {
     ITEM_TRACE = 82,
     ITEM_HELP = 85,
     ITEM_ABOUT = 86,
+    ITEM_VARIABLES = 90,
+    ITEM_STRUCTURES = 91,
     ITEM_CLOSE_PORT = 87,   // no port is open at start
 };
 

@@ -133,11 +133,12 @@ struct ConsoleRig : testing::Test {
         text << file.rdbuf();
         return file ? text.str() : "<none>";
     }
-    // A small map: awTable at 8140H, nCount at 8002H, byMode at 8102H.
+    // A small map: awTable at 8140H, wEnd 3 bytes behind it, nCount at 8002H, byMode at 8102H.
     static void WriteMap(const std::string &name)
     {
         std::string text;
-        for (const char *symbol : {"08140H   awTable", "08002H   nCount", "08102H   byMode"})
+        for (const char *symbol :
+             {"08140H   awTable", "08143H   wEnd", "08002H   nCount", "08102H   byMode"})
             text +=
                 std::string(symbol) + std::string(46 - std::string(symbol).size(), ' ') + "NDATA\n";
         WriteFile(name, text);
