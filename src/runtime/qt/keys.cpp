@@ -15,14 +15,22 @@ struct KeyRow {
 };
 
 const KeyRow keyRows[] = {
-    {Qt::Key_Return, KEY_ENTER},      {Qt::Key_Enter, KEY_ENTER},
-    {Qt::Key_Escape, KEY_ESC},        {Qt::Key_Tab, KEY_TAB},
-    {Qt::Key_Backtab, KEY_TAB},       {Qt::Key_Up, KEY_UP},
-    {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Left, KEY_LEFT},
-    {Qt::Key_Right, KEY_RIGHT},       {Qt::Key_PageUp, KEY_PAGE_UP},
-    {Qt::Key_PageDown, KEY_PAGE_DOWN}, {Qt::Key_Home, KEY_HOME},
-    {Qt::Key_End, KEY_END},           {Qt::Key_Insert, KEY_INSERT},
-    {Qt::Key_Delete, KEY_DELETE},     {Qt::Key_Backspace, KEY_BACKSPACE},
+    {Qt::Key_Return, KEY_ENTER},
+    {Qt::Key_Enter, KEY_ENTER},
+    {Qt::Key_Escape, KEY_ESC},
+    {Qt::Key_Tab, KEY_TAB},
+    {Qt::Key_Backtab, KEY_TAB},
+    {Qt::Key_Up, KEY_UP},
+    {Qt::Key_Down, KEY_DOWN},
+    {Qt::Key_Left, KEY_LEFT},
+    {Qt::Key_Right, KEY_RIGHT},
+    {Qt::Key_PageUp, KEY_PAGE_UP},
+    {Qt::Key_PageDown, KEY_PAGE_DOWN},
+    {Qt::Key_Home, KEY_HOME},
+    {Qt::Key_End, KEY_END},
+    {Qt::Key_Insert, KEY_INSERT},
+    {Qt::Key_Delete, KEY_DELETE},
+    {Qt::Key_Backspace, KEY_BACKSPACE},
 };
 
 int SpecialKey(int qtKey)
@@ -66,8 +74,7 @@ bool LeaveOnEscape(const FacePanel *panel, int code)
     return true;
 }
 
-class KeyRouter : public QObject
-{
+class KeyRouter : public QObject {
 public:
     using QObject::QObject;
 
@@ -85,8 +92,8 @@ public:
         const auto *key = static_cast<QKeyEvent *>(event);
         const int code = FACE_KeyCode(key->key(), key->modifiers(), key->text());
         const FaceControl *control = FACE_ControlOf(receiver);
-        return code != 0 && (Offer(window->record(), control, code) ||
-                             LeaveOnEscape(window->record(), code));
+        return code != 0 &&
+               (Offer(window->record(), control, code) || LeaveOnEscape(window->record(), code));
     }
 };
 
