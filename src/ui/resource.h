@@ -126,6 +126,7 @@ enum {
     MENU_PROTOCOL = 9,
     MENU_WINDOW = 10,
     MENU_HELP = 11,
+    MENU_CONSOLE = 12,
 };
 
 // Menu items; a name space of their own.
@@ -171,6 +172,10 @@ enum {
     ITEM_VARIABLES = 90,
     ITEM_STRUCTURES = 91,
     ITEM_CLOSE_PORT = 87,   // no port is open at start
+    ITEM_RUN_SCRIPT = 120,
+    ITEM_SAVE_CONSOLE = 121,
+    ITEM_COPY_CONSOLE = 122,
+    ITEM_CLEAR_CONSOLE = 123,
 };
 
 #endif
