@@ -73,6 +73,7 @@ QAction *FACE_MenuAction(int item); // null when there is no such item
 // --- keys and looks -----------------------------------------------------------------------
 void FACE_InstallKeyRouting();
 int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text); // 0 = none
+int FACE_QtKey(int code); // Qt's code for a key without its modifiers; 0 = none
 void FACE_ApplyLook();
 
 // --- texts --------------------------------------------------------------------------------

@@ -9,6 +9,8 @@
 
 namespace {
 
+constexpr int KEY_MASK = 0xFFF; // a key code without its modifiers
+
 struct KeyRow {
     int qtKey;
     int code;
@@ -83,12 +85,14 @@ public:
         auto *receiver = qobject_cast<QWidget *>(object);
         if (event->type() != QEvent::KeyPress || !receiver || FACE_IsBusy())
             return false;
+        if (QApplication::activePopupWidget()) // an open ring or menu takes its keys itself
+            return false;
         // An ignored key climbs to the parents; it is offered on its first stop only.
         if (receiver->focusWidget() && receiver->focusWidget() != receiver)
             return false;
         PanelWindow *window = PanelWindow::holding(receiver);
-        if (!window)
-            return false;
+        if (!window || receiver->window() != window->window())
+            return false; // the list of an open ring has its keys to itself
         const auto *key = static_cast<QKeyEvent *>(event);
         const int code = FACE_KeyCode(key->key(), key->modifiers(), key->text());
         const FaceControl *control = FACE_ControlOf(receiver);
@@ -115,6 +119,17 @@ int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text
     // What was typed already tells whether Shift was down.
     const int typed = text.size() == 1 ? text.at(0).unicode() : 0;
     return IsPrintable(typed) ? typed : 0;
+}
+
+int FACE_QtKey(int code)
+{
+    const int key = code & KEY_MASK;
+    if (key >= KEY_F1)
+        return Qt::Key_F1 + (key - KEY_F1);
+    for (const KeyRow &row : keyRows)
+        if (row.code == key)
+            return row.qtKey;
+    return IsPrintable(key) ? key : 0;
 }
 
 void FACE_InstallKeyRouting()

@@ -92,6 +92,18 @@ void PanelWindow::setCoveredBy(PanelWindow *child)
         FirstInTabOrder(content)->setFocus();
 }
 
+// Reported once the event loop turns: a callback may want to ask a question.
+void PanelWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isWindow() || !isActiveWindow())
+        return;
+    QTimer::singleShot(0, this, [this] {
+        if (isActiveWindow() && !FACE_IsBusy())
+            FACE_Call(*m_record, EVENT_ACTIVATED, 0);
+    });
+}
+
 void PanelWindow::closeEvent(QCloseEvent *event)
 {
     event->ignore(); // whether the window goes is the program's decision
