@@ -30,8 +30,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     std::FILE *file = std::fopen(ScratchFile().c_str(), "wb");
     std::fwrite(data + 1, 1, size - 1, file);
     std::fclose(file);
-    const int result = Procesor == CPU_C167 ? ReadMap(ScratchFile().c_str())
-                                            : Read_TMS_Map(ScratchFile().c_str());
+    const int result =
+        Procesor == CPU_C167 ? ReadMap(ScratchFile().c_str()) : Read_TMS_Map(ScratchFile().c_str());
     std::remove(ScratchFile().c_str());
     Check(result <= 0 && nNodes >= 0 && nNodes <= NODES_MAX);
     for (int i = 0; i < nNodes; ++i) {

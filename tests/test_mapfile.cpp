@@ -75,7 +75,6 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
         {Columns({{0, "0FA00h"}, {9, "counter"}, {59, "?FD0?xyz"}}), "counter"},
         {Columns({{0, "0FA00H"}, {9, "counter"}, {46, "XDATA"}, {59, "?FD?xyz"}}), "counter"},
         {Columns({{0, "0FA00H"}, {9, "counter"}, {46, "NDATAX"}, {59, "?ND?xyz"}}), nullptr},
-        {Columns({{0, "0FA00H"}, {9, "counter"}, {46, "ndata"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "DPP0"}, {40, "word"}}), "DPP0"},
         {Columns({{0, "0FA00H"}, {9, "DPP0"}, {40, "NULL"}}), "DPP0"},
         {Columns({{0, "0FA00H"}, {9, "ZERO"}, {40, "bit"}}), nullptr},
@@ -87,7 +86,6 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
         {Columns({{0, "0FA00"}, {9, "counter"}, {46, "NDATA"}}), nullptr},
         {Columns({{0, "0FA00H"}, {10, "counter"}, {46, "NDATA"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "cou-nter"}, {46, "NDATA"}}), nullptr},
-        {Columns({{0, "0FA00H"}, {9, "9counter"}, {46, "NDATA"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "x"}}, 31), nullptr},
         {"", nullptr},
     };

@@ -51,7 +51,7 @@ protected:
         szaDebugFileNames = {};
         szDebugFileName.clear();
         szMapFileName.clear();
-        VR_isFullCommandSet = VR_isFullOnce = false;
+        VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
     }
     static void Write(const std::string &path, const std::string &text)
     {

@@ -141,7 +141,7 @@ struct Advice {
     const char *text;
 };
 constexpr Advice ADVICE[] = {
-    {NothingSent, "Nothing has been sent yet. Switch communication on."},
+    {NothingSent, "Nothing has been sent since then: is communication on?"},
     {NoFailure, "Every message was answered."},
     {Seen<NOT_AVAILABLE>, "The port could not be opened: wrong port number, another program has "
                           "it, or no permission to use it."},

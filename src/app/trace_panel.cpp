@@ -54,7 +54,7 @@ std::string Label(const TRC_Record &record)
     std::snprintf(clock, sizeof clock, "%02d:%02d:%02d.%03d", record.when.hour, record.when.minute,
                   record.when.second, record.when.millisecond);
     return std::string(clock) + "\033p90l" + record.result + (record.isGood ? "" : " (!)") +
-           "\033p320l" + record.request;
+           "\033p370l" + record.request;
 }
 
 // Returns how many lines went.
@@ -122,6 +122,15 @@ void ShowCount()
     std::snprintf(text, sizeof text, "%s%zu of at most %zu exchanges, %zu failed",
                   TRC_IsPaused() ? "Paused: " : "", TRC_Count(), TRACE_CAPACITY, failed);
     SetCtrlVal(PANEL_TRACE, TRACE_COUNT, text);
+}
+
+void ScrollToSelected()
+{
+    constexpr int LINES_ABOVE = 5; // kept in view
+    int index = 0;
+    GetCtrlIndex(PANEL_TRACE, TRACE_LIST, &index);
+    SetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE,
+                     std::max(0, index - LINES_ABOVE));
 }
 
 void EmptyList()
@@ -284,6 +293,7 @@ int TRP_FilterCB(int panel, int control, int event, int)
     isFailuresOnly = isOn != 0;
     EmptyList();
     TRP_Refresh();
+    ScrollToSelected(); // it stands at quite another place now
     return 0;
 }
 

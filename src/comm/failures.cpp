@@ -1,3 +1,4 @@
+// The table of causes: short, so a search from its front is quicker than anything clever.
 #include "comm/failures.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// The one table of element types, and everything that depends on a type's width or sign.
+// Target bytes come least significant first.
 #include "console/array_types.h"
 
 #include <cerrno>
@@ -25,6 +27,7 @@ const char FLOAT_LINE_HEAD[] = "* ?#+/-.@#0-9.?/.*#0-9.";
 const char FLOAT_LINE_EXPONENT[] = "#eE.?#+/-.@#0-9.";
 const char LINE_END[] = "* #";
 
+// The exponent is optional, and the scanner has no optional groups: two patterns.
 bool IsFloatLine(const char *line)
 {
     if (xscan(FLOAT_LINE_HEAD, &line) < 0)
@@ -57,6 +60,7 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
     return ARRAY_OK;
 }
 
+// A number stands for itself; it must be an address all the same.
 bool ResolveName(ScrPar *par)
 {
     if ((par->flags & PAR_NAME) && (par->flags & PAR_ADDRESS) && !(par->flags & PAR_LONG))

@@ -1,3 +1,5 @@
+// Types come from a cast, from the naming convention of the target's sources or from
+// the caller, in this order. The tables are searched from the top: the first row wins.
 #include "console/assignment.h"
 
 #include <cstring>

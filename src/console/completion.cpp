@@ -1,3 +1,5 @@
+// What may stand at the cursor decides: the first word is a command, a word behind "!"
+// a script, any other a name of the map.
 #include "console/completion.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Bytes are read one row, byte or word at a time: what was read before a failure stays
+// on the console.
 #include "console/dump.h"
 
 #include <algorithm>

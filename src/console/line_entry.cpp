@@ -161,31 +161,39 @@ void CompleteField(int panel, int control)
     SetField(line);
 }
 
+// Keys of their own beside Enter; none of them is a menu's shortcut.
+struct KeyAction {
+    int key;
+    void (*run)(int panel, int control, int key);
+};
+
+void HandleEscape(int, int, int)
+{
+    ClearField();
+}
+
+void HandleArrow(int, int, int key)
+{
+    BrowseHistory(key);
+}
+
+void HandleTab(int panel, int control, int)
+{
+    CompleteField(panel, control);
+}
+
+const KeyAction KEY_ACTIONS[] = {
+    {KEY_ESC, HandleEscape}, {KEY_UP, HandleArrow}, {KEY_DOWN, HandleArrow}, {KEY_TAB, HandleTab}};
+
 int HandleKey(int panel, int control, int key)
 {
-    switch (key) {
-    case KEY_ESC:
-        ClearField();
+    for (const KeyAction &row : KEY_ACTIONS) {
+        if (row.key != key)
+            continue;
+        row.run(panel, control, key);
         return 1;
-    case KEY_UP:
-    case KEY_DOWN:
-        BrowseHistory(key);
-        return 1;
-    case KEY_TAB:
-        CompleteField(panel, control);
-        return 1;
-    case KEY_CTRL | 'R':
-        CON_RunScriptCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    case KEY_CTRL | KEY_SHIFT | 'S':
-        CON_SaveTextCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    case KEY_CTRL | KEY_SHIFT | 'C':
-        CON_CopyTextCB(panel, control, EVENT_COMMIT, 0);
-        return 1;
-    default:
-        return 0;
     }
+    return 0;
 }
 
 } // namespace

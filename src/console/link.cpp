@@ -1,3 +1,5 @@
+// Who holds the link: nASC_Opened counts the lines that run inside each other (a script
+// started by a line adds its own lines), nScripts the scripts, isTimer is the user.
 #include "console/link.h"
 
 #include <cstdlib>
@@ -43,6 +45,7 @@ bool AskForPort()
     return true;
 }
 
+// Somebody wants the link beyond the present line.
 bool IsLinkKept()
 {
     return isTimer != 0 || nScripts > 0;
@@ -70,6 +73,7 @@ int CON_HoldLink(CON_LinkQuestion question)
     return 0;
 }
 
+// The count is 0 already when an inner line could not open the link again.
 void CON_ReleaseLink()
 {
     if (nASC_Opened > 0)

@@ -1,3 +1,5 @@
+// Storing and loading differ between a C166 and a TMS320 in how one item is moved and
+// how far the address steps; a Source and a Sink hold that difference.
 #include "console/memory_files.h"
 
 #include <cerrno>

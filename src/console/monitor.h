@@ -27,8 +27,8 @@ extern int iOldCmd2;
 
 // --- line entry ----------------------------------------------------------------------
 // The input field: Enter runs the line, Escape clears it, Down and Up walk the
-// history, Tab completes, Ctrl+R runs a script, Ctrl+Shift+S saves the console's
-// text, Ctrl+Shift+C copies it. 1 for a key that is swallowed.
+// history (Down to the older line), Tab completes, F6 runs a script, F7 saves and F8
+// copies the console's text. 1 for a key that is swallowed.
 int StrinCB(int panel, int control, int event, int data);
 // The command `exit` was given at the prompt (not in a script). StrinCB leaves it set
 // for a face without a watch view to leave to.

@@ -10,6 +10,8 @@ constexpr int SCRIPT_NOT_OPENED = -1;
 // 0 at the end of the file; -1 cannot be opened; -2 - k for an error on line k.
 // ".scr" is appended when the name as given cannot be opened.
 int ExecMonScript(const char *fileName, int panel);
+// The same for a user: STATION is what it was afterwards, a failure is printed.
+int SCR_RunAndReport(const std::string &fileName, int panel);
 // What the console says about a result of ExecMonScript; "" for 0.
 std::string SCR_GetResultText(int result);
 

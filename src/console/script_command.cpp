@@ -1,3 +1,5 @@
+// Looks a command up, fills its parameters by the codes of its row and calls it. Error
+// texts are left in szScrFnErrMsg: the caller decides whether they are printed.
 #include "console/script_command.h"
 
 #include <cstring>
@@ -34,6 +36,7 @@ int CallExtern(const ScrRow &row, const char *line)
     return CallCommand(row, &par);
 }
 
+// Every parameter of the row must be there: commands have no optional ones.
 int ParseParameters(const char *cursor, const ScrRow &row, ScrPar *par)
 {
     for (int i = 0; i < PARAMS_MAX && row.codes[i] != 0; i++) {

@@ -104,6 +104,7 @@ bool ExecuteLine(Script *script, int panel)
     return RunLine(*script, panel) >= 0 || SkipToLabel(script, "OnError");
 }
 
+// A command that asks the user leaves its jump here; false when the label is not found.
 bool TakeRequestedJump(Script *script)
 {
     if (!SCR_bGotoCmd)
@@ -112,6 +113,8 @@ bool TakeRequestedJump(Script *script)
     return SkipToLabel(script, SCR_szGotoLabel);
 }
 
+// Reading the last line may have closed the handle already. A line closes whatever it
+// opens, so the read behind it finds the end and nobody else's file.
 int RunScript(Script *script, int panel)
 {
     while (!SCR_isExit) {
@@ -127,6 +130,7 @@ int RunScript(Script *script, int panel)
     return 0;
 }
 
+// The name as given first: a script may well have another extension.
 int OpenScript(const std::string &fileName)
 {
     const int file = TXFR_Open(fileName.c_str());
@@ -153,6 +157,19 @@ int ExecMonScript(const char *fileName, int panel)
     CON_EndScript();
     nDepth--;
     TXFR_Close(script.file);
+    return result;
+}
+
+int SCR_RunAndReport(const std::string &fileName, int panel)
+{
+    const int32_t station = STATION;
+    const int result = ExecMonScript(fileName.c_str(), panel);
+    if (STATION != station) {
+        VIR2_SetStation(station);
+        SetMainPanelAttributes();
+    }
+    if (result < 0)
+        PrintMonStr(SCR_GetResultText(result));
     return result;
 }
 

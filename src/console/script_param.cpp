@@ -1,3 +1,6 @@
+// One branch a kind of parameter, in the order in which a code with several kinds is
+// tried: quoted text, raw text, integer, float, name. A number begins with a digit or a
+// sign and a name with neither, so that no kind has to be tried twice.
 #include "console/script_param.h"
 
 #include <cmath>
@@ -18,6 +21,7 @@ struct Width {
 const Width WIDTHS[] = {
     {PAR_BYTE, 0x7F, 0xFF}, {PAR_WORD, 0x7FFF, 0xFFFF}, {PAR_LONG, 0x7FFFFFFF, 0xFFFFFFFF}};
 
+// A code without a width is taken as 32 bits.
 const Width &FindWidth(uint32_t code)
 {
     for (const Width &width : WIDTHS)
@@ -48,6 +52,7 @@ bool ParseMagnitude(const char **cursor, uint32_t *value)
     return CON_ParseDecimal(cursor, value);
 }
 
+// Unsigned and signed reading are both allowed unless the code excludes one.
 bool IsInRange(uint32_t magnitude, bool isNegative, const Width &width, uint32_t code)
 {
     if (isNegative)

@@ -68,6 +68,7 @@ int SCR_Help(ScrPar *)
     return 0;
 }
 
+// The panels are refreshed only on a change: scripts set the same station often.
 int SCR_Station(ScrPar *par)
 {
     if (par[0].value > STATION_LAST)
@@ -156,6 +157,7 @@ int SCR_Msg(ScrPar *par)
     return 0;
 }
 
+// Closing the box is a "no": nothing dangerous happens by accident.
 int SCR_Qst(ScrPar *par)
 {
     if (GenericMessagePopup("Question", par[0].text, {"Yes", par[1].text}, nullptr, 0) != 1) {

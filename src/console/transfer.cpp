@@ -1,3 +1,4 @@
+// One loop for both directions: it knows the blocks and the meter, its caller the data.
 #include "console/transfer.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// Numbers are checked against the width they are written with: a value that does not
+// fit is refused, not cut.
 #include "console/value_entry.h"
 
 #include <cerrno>

@@ -1,3 +1,5 @@
+// The C library's character classes follow the user's language and take no plain char;
+// these do neither.
 #include "console/word.h"
 
 bool CON_IsBlank(char c)

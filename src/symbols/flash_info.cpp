@@ -88,7 +88,9 @@ int takeTMSNodes(int varMap)
     if (result != 0)
         return result;
     openTMSStruct = OPEN_MAP_FILE;
-    return FLASH_TakeVariables(variables, aVarTMSNode, &nTMSNodes);
+    const int taken = FLASH_TakeVariables(variables, aVarTMSNode, &nTMSNodes);
+    VRN_BytesToWords(aVarTMSNode, nTMSNodes);
+    return taken;
 }
 
 int loadFlashText(const char *name, uint32_t start, uint32_t end)

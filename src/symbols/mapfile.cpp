@@ -213,8 +213,10 @@ int Read_TMS_Map(const char *fileName)
     if (VRN_IsTMSProcessor())
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
     const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
-    if (result == 0)
+    if (result == 0) {
+        VRN_BytesToWords(aVarTMSNode, nTMSNodes);
         openTMSStruct = OPEN_MAP_FILE;
+    }
     return result;
 }
 

@@ -67,13 +67,8 @@ bool ScanOffset(const char *text, uint32_t *offset)
     return xscan("* #", &text) >= 0;
 }
 
-// A processor behind the station is asked for words, the nodes count bytes.
-uint32_t ToWords(uint32_t bytes)
-{
-    return bytes / 2;
-}
-
-// Where the type map says the path leads, from its variable on.
+// Where the type map says the path leads, from its variable on: in bytes, or in words for
+// a processor behind the station.
 bool OffsetInside(const char *path, bool isMailbox, uint32_t *offset)
 {
     if (!isMailbox)
@@ -81,7 +76,7 @@ bool OffsetInside(const char *path, bool isMailbox, uint32_t *offset)
     uint32_t bytes = 0;
     if (TMF_GetEfTypeFor(CPU_F283XX, path, nullptr, &bytes) != 0 || bytes % 2 != 0)
         return false;
-    *offset = ToWords(bytes);
+    *offset = bytes / 2;
     return true;
 }
 
@@ -116,9 +111,7 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count)
     follows += SkipBlanks(follows) - follows;
     const bool hasSelection = *follows == '.' || *follows == '[';
     uint32_t inside = 0;
-    const bool isMailbox = table == aVarTMSNode;
-    if (!OffsetInside(path, isMailbox, &inside) && hasSelection)
+    if (!OffsetInside(path, table == aVarTMSNode, &inside) && hasSelection)
         return NOT_FOUND;
-    const uint32_t start = table[node].addr;
-    return (isMailbox ? ToWords(start) : start) + inside + offset;
+    return table[node].addr + inside + offset;
 }

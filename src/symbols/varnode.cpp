@@ -234,6 +234,13 @@ void VRN_RemoveDuplicates(VarNode *table, int *count)
     ForgetAddressIndex(table);
 }
 
+void VRN_BytesToWords(VarNode *table, int count)
+{
+    for (int i = 0; i < count; ++i)
+        table[i].addr /= 2;
+    ForgetAddressIndex(table);
+}
+
 void SortMapNdxByAddr()
 {
     BuildAddressIndex(&mapIndex, aVarNode, nNodes);

@@ -22,7 +22,7 @@ extern int openStruct;                 // OPEN_...
 extern VarNode aVarNode166[NODES_MAX]; // registers of the selected processor
 extern int nNodes166;
 extern int openStruct166;
-extern VarNode aVarTMSNode[NODES_MAX]; // a TMS320 behind the station
+extern VarNode aVarTMSNode[NODES_MAX]; // a TMS320 behind the station; word addresses
 extern int nTMSNodes;
 extern int openTMSStruct;
 extern std::string mapFile; // name of the loaded map file
@@ -42,6 +42,8 @@ int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, 
 // Order of a selection sort that swaps the first smallest remaining name into place: equal
 // names may end up in another order than a stable sort gives them. O(n log n).
 void VRN_SortByName(VarNode *table, int count);
+// Turns byte into 16-bit word addresses: what aVarTMSNode holds.
+void VRN_BytesToWords(VarNode *table, int count);
 // Of neighbours with equal name and address the later one stays.
 void VRN_RemoveDuplicates(VarNode *table, int *count);
 // Index of the first node of that name in table order, or -1. A table sorted by
@@ -53,8 +55,8 @@ bool VRN_IsWildcardMatch(const char *wildcard, const char *name);
 // Address an expression denotes ("name", "name + 0x10", "name.member[2]", "0x1F00"), or
 // 0xFFFFFFFF. A leading "&" and a station prefix ("3:") are taken off first. Text after
 // a blank that is no offset is ignored; an offset that is no number gives 0xFFFFFFFF.
-// For aVarTMSNode the result is a 16-bit word address, as the mailbox to that processor takes
-// it: offsets count words, and members lie as the TMS320 lays them out.
+// For aVarTMSNode the result is a word address, as the mailbox to that processor takes it:
+// offsets count words, and members lie as the TMS320 lays them out.
 uint32_t inStruct(const char *expression, const VarNode *table, int count);
 // Name of the nearest node at or after *address (registers and the map, members when a
 // type map is loaded) and its address; 0, or -1 with "" and 0xFFFFFFFF.

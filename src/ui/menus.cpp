@@ -1,6 +1,7 @@
 #include "ui/ui_table.h"
 
 #include "app/VR.h"
+#include "console/text_box.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
 #include "watch/edit.h"
@@ -19,6 +20,7 @@ const UI_Menu UI_aMenus[] = {
     {MENU_STATION, MENU_OPTIONS, "__Station"},
     {MENU_PROCESSOR, MENU_OPTIONS, "P__rocessor"},
     {MENU_PROTOCOL, MENU_OPTIONS, "Pro__tocol"},
+    {MENU_CONSOLE, 0, "__Console"},
     {MENU_WINDOW, 0, "__Window"},
     {MENU_HELP, 0, "__Help"},
 };
@@ -101,6 +103,12 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_PROTOCOL, ITEM_MR166, "__mr166", 0, ProtocolCB},
     {MENU_PROTOCOL, ITEM_MODBUS, "Mod__bus", 0, ProtocolCB},
+
+    {MENU_CONSOLE, ITEM_RUN_SCRIPT, "__Run script...", KEY_F1 + 5, CON_RunScriptCB},
+    {MENU_CONSOLE, 0, "", 0, nullptr},
+    {MENU_CONSOLE, ITEM_SAVE_CONSOLE, "__Save text...", KEY_F1 + 6, CON_SaveTextCB},
+    {MENU_CONSOLE, ITEM_COPY_CONSOLE, "__Copy text", KEY_F1 + 7, CON_CopyTextCB},
+    {MENU_CONSOLE, ITEM_CLEAR_CONSOLE, "C__lear text", 0, CON_ClearTextCB},
 
     {MENU_WINDOW, ITEM_WATCH_VIEW, "__Watch view", KEY_CTRL | 'W', WindowCB},
     {MENU_WINDOW, ITEM_CONSOLE_VIEW, "__Console view", KEY_CTRL | 'K', WindowCB},

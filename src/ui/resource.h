@@ -172,6 +172,7 @@ enum {
     MENU_PROTOCOL = 9,
     MENU_WINDOW = 10,
     MENU_HELP = 11,
+    MENU_CONSOLE = 12,
 };
 
 // Menu items; a name space of their own.
@@ -227,6 +228,10 @@ enum {
     ITEM_COPY_LIST = 107,
     ITEM_COPY_MEMORY = 108,
     ITEM_SNAPSHOT = 109,
+    ITEM_RUN_SCRIPT = 120,
+    ITEM_SAVE_CONSOLE = 121,
+    ITEM_COPY_CONSOLE = 122,
+    ITEM_CLEAR_CONSOLE = 123,
 };
 
 #endif

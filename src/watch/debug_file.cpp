@@ -10,7 +10,7 @@
 namespace {
 
 const char FILE_TYPES[] = "*.dbg;*.dat";
-const char FILE_SPEC[] = "*.d*";
+const char FILE_PATTERN[] = "*.d*";
 
 struct FileTime {
     int hour, minute, second;
@@ -112,9 +112,9 @@ int SaveDbgAs(int panel)
     if (isListEmpty())
         return -1;
     std::string path;
-    const std::string spec = szDebugFileName.empty() ? FILE_SPEC : szDebugFileName;
-    if (FileSelectPopup(PLT_CurrentDir(), spec, FILE_TYPES, "Save Debug file", FILE_SAVE, &path) <=
-        VAL_NO_FILE_SELECTED)
+    const std::string proposal = szDebugFileName.empty() ? FILE_PATTERN : szDebugFileName;
+    if (FileSelectPopup(PLT_CurrentDir(), proposal, FILE_TYPES, "Save Debug file", FILE_SAVE,
+                        &path) <= VAL_NO_FILE_SELECTED)
         return 0;
     const std::string previousName = szDebugFileName;
     szDebugFileName = path;
@@ -128,8 +128,8 @@ int LoadDbgFile(int /*panel*/)
     const bool isNamed = !szDebugFileName.empty();
     std::string path;
     const int answer =
-        FileSelectPopup(isNamed ? "" : PLT_CurrentDir(), isNamed ? szDebugFileName : FILE_SPEC,
-                        isNamed ? FILE_SPEC : FILE_TYPES, "Open Icon", FILE_LOAD, &path);
+        FileSelectPopup(isNamed ? "" : PLT_CurrentDir(), isNamed ? szDebugFileName : FILE_PATTERN,
+                        isNamed ? FILE_PATTERN : FILE_TYPES, "Open Icon", FILE_LOAD, &path);
     return answer == VAL_EXISTING_FILE_SELECTED ? loadAsCurrent(path) : -1;
 }
 

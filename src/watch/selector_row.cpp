@@ -40,13 +40,18 @@ std::string SEL_TypeField(const std::string &expression)
     return type == 'f' ? "f" : type + std::to_string(size);
 }
 
+bool SEL_CanWatch(const TMF_ListRow &row)
+{
+    return !row.hasParts || !SEL_TypeField(row.expression).empty();
+}
+
 std::string SEL_Describe(const TMF_ListRow &row)
 {
     std::string text = row.expression;
     if (row.declaration != row.expression && !row.declaration.empty())
         text += ":  " + row.declaration;
     const std::string known = SEL_TypeField(row.expression);
-    if (known.empty() && row.hasParts)
+    if (!SEL_CanWatch(row))
         return text + "  (Enter shows its members)";
     return text + "  (adds as " + (known.empty() ? EDT_SuggestType(row.expression) : known) + ")";
 }

@@ -15,6 +15,8 @@ std::string SEL_Column(int pixel, const std::string &text);
 
 // Type field that the type map gives an expression ("u2"); "" when it knows none.
 std::string SEL_TypeField(const std::string &expression);
+// A structure has no value of its own to watch; an array stands for its first element.
+bool SEL_CanWatch(const TMF_ListRow &row);
 // What the row is and as which type it would be added.
 std::string SEL_Describe(const TMF_ListRow &row);
 // Adds an expression at the end of the watch list and says in a control what happened.

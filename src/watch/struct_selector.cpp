@@ -29,7 +29,6 @@ struct Level {
     std::vector<TMF_ListRow> rows;
     uint32_t first = 0;    // of the elements listed
     uint32_t elements = 0; // of an array in all, 0 for a structure
-    std::string type;      // of an element, "" for a structure
 };
 Level level;
 
@@ -83,7 +82,8 @@ bool buildLevel(const std::string &path, uint32_t first, Level *built)
     if (TMF_GetEfType(path.c_str(), chain, &offset) == 0 &&
         TMF_GetArrayInfo(chain, &next.elements, &stride) == 0) {
         next.first = first;
-        next.type = TMF_FormatDecl("", chain + 1);
+        for (TMF_ListRow &row : next.rows) // "int16_t [3]" would look like an array
+            row.declaration = TMF_FormatDecl("", chain + 1);
     } else {
         next.elements = 0;
     }
@@ -96,11 +96,11 @@ std::string rowLabel(const TMF_ListRow &row, uint32_t start)
     char offset[16] = "";
     const uint32_t unit = VRN_IsTMSProcessor() ? 2 : 1; // as addresses are shown
     if (!level.path.empty())
-        std::snprintf(offset, sizeof offset, "+%X", (row.address - start) / unit);
+        std::snprintf(offset, sizeof offset, "+0x%X", (row.address - start) / unit);
     return lastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
            SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
            SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
-           SEL_Column(DECLARATION_COLUMN, level.elements > 0 ? level.type : row.declaration);
+           SEL_Column(DECLARATION_COLUMN, row.declaration);
 }
 
 const TMF_ListRow *selectedRow()
@@ -115,10 +115,8 @@ const TMF_ListRow *selectedRow()
 void showSelected()
 {
     const TMF_ListRow *row = selectedRow();
-    for (const int button : {STRSEL_COPY, STRSEL_ADD})
-        SetCtrlAttribute(PANEL, button, ATTR_DIMMED, row == nullptr);
-    if (row != nullptr && row->hasParts && SEL_TypeField(row->expression).empty())
-        SetCtrlAttribute(PANEL, STRSEL_ADD, ATTR_DIMMED, 1);
+    SetCtrlAttribute(PANEL, STRSEL_COPY, ATTR_DIMMED, row == nullptr);
+    SetCtrlAttribute(PANEL, STRSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
     SetCtrlAttribute(PANEL, STRSEL_OPEN, ATTR_DIMMED, row == nullptr || !row->hasParts);
     if (row != nullptr)
         SetCtrlVal(PANEL, STRSEL_DETAIL, SEL_Describe(*row));

@@ -145,8 +145,8 @@ const TMF_ListRow *selectedRow()
 void showSelected()
 {
     const TMF_ListRow *row = selectedRow();
-    for (const int button : {VARSEL_ADD, VARSEL_COPY})
-        SetCtrlAttribute(PANEL, button, ATTR_DIMMED, row == nullptr);
+    SetCtrlAttribute(PANEL, VARSEL_COPY, ATTR_DIMMED, row == nullptr);
+    SetCtrlAttribute(PANEL, VARSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
     SetCtrlAttribute(PANEL, VARSEL_MEMBERS, ATTR_DIMMED, row == nullptr || !row->hasParts);
     if (row != nullptr)
         SetCtrlVal(PANEL, VARSEL_DETAIL, SEL_Describe(*row));
@@ -214,16 +214,15 @@ void openMembers()
         TMF_DisplayStructSelector(row->expression);
 }
 
-// A structure has no value of its own to watch: its members are shown instead.
 void addSelected()
 {
     const TMF_ListRow *row = selectedRow();
     if (row == nullptr)
         return;
-    if (row->hasParts && SEL_TypeField(row->expression).empty())
-        openMembers();
-    else
+    if (SEL_CanWatch(*row))
         SEL_AddToWatch(row->expression, PANEL, VARSEL_DETAIL);
+    else
+        openMembers();
 }
 
 void copySelected()

@@ -98,9 +98,10 @@ protected:
         openStruct166 = 1;
     }
 
-    void addTmsSymbol(const char *name, uint32_t address)
+    // By its word address, as the mailbox takes it.
+    void addTmsSymbol(const char *name, uint32_t words)
     {
-        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, address, name, nullptr), 0);
+        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, words, name, nullptr), 0);
         openTMSStruct = 1;
     }
 
