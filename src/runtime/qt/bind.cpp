@@ -29,11 +29,11 @@ struct ClassRow {
 };
 
 const ClassRow classRows[] = {
-    {UIK_BUTTON, &QPushButton::staticMetaObject}, {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
-    {UIK_LED, &LedLabel::staticMetaObject},       {UIK_TEXT, &QLabel::staticMetaObject},
-    {UIK_STRING, &QLineEdit::staticMetaObject},   {UIK_NUMBER, &QSpinBox::staticMetaObject},
+    {UIK_BUTTON, &QPushButton::staticMetaObject},    {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
+    {UIK_LED, &LedLabel::staticMetaObject},          {UIK_TEXT, &QLabel::staticMetaObject},
+    {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
     {UIK_NUMBER, &QDoubleSpinBox::staticMetaObject}, {UIK_RING, &QComboBox::staticMetaObject},
-    {UIK_LIST, &LineList::staticMetaObject},      {UIK_TEXTBOX, &TextBox::staticMetaObject},
+    {UIK_LIST, &LineList::staticMetaObject},         {UIK_TEXTBOX, &TextBox::staticMetaObject},
     {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
@@ -93,8 +93,8 @@ void Connect(FaceControl *control)
     switch (control->row->kind) {
     case UIK_BUTTON:
     case UIK_SWITCH:
-        QObject::connect(static_cast<QAbstractButton *>(control->widget),
-                         &QAbstractButton::clicked, Reporter(control, EVENT_COMMIT));
+        QObject::connect(static_cast<QAbstractButton *>(control->widget), &QAbstractButton::clicked,
+                         Reporter(control, EVENT_COMMIT));
         break;
     case UIK_STRING:
         ConnectField(control, static_cast<QLineEdit *>(control->widget));

@@ -29,9 +29,9 @@ struct FaceControl {
 
 struct FacePanel {
     const UI_Panel *row = nullptr;
-    PanelCallback callback = nullptr; // the row's; tests put their own here
-    PanelWindow *window = nullptr;    // null until loaded
-    FacePanel *parent = nullptr;      // null for a window of its own
+    PanelCallback callback = nullptr;  // the row's; tests put their own here
+    PanelWindow *window = nullptr;     // null until loaded
+    FacePanel *parent = nullptr;       // null for a window of its own
     std::vector<FaceControl> controls; // filled once, at loading: addresses stay valid
 };
 
@@ -57,7 +57,8 @@ bool FACE_IsBusy();
 // The window a pop-up belongs to: the one in use, else any panel that is on the
 // screen; null when there is none.
 QWidget *FACE_PopupParent();
-int FACE_Call(const FaceControl &control, int event, int data); // the callback's result, 0 without one
+int FACE_Call(const FaceControl &control, int event,
+              int data); // the callback's result, 0 without one
 int FACE_Call(const FacePanel &panel, int event, int data);
 
 // --- parts of loading -------------------------------------------------------------------

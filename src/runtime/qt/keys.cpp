@@ -85,6 +85,8 @@ public:
         auto *receiver = qobject_cast<QWidget *>(object);
         if (event->type() != QEvent::KeyPress || !receiver || FACE_IsBusy())
             return false;
+        if (QApplication::activePopupWidget()) // an open ring or menu takes its keys itself
+            return false;
         // An ignored key climbs to the parents; it is offered on its first stop only.
         if (receiver->focusWidget() && receiver->focusWidget() != receiver)
             return false;

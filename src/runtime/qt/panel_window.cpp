@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int RETRY_MS = 20; // how soon a report that came at a bad time is tried again
+constexpr int RETRY_MS = 20;           // how soon a report that came at a bad time is tried again
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
 // The first widget of the panel that takes the keyboard, in tab order.

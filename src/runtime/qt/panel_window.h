@@ -9,8 +9,7 @@
 struct FacePanel;
 class QMenuBar;
 
-class PanelWindow : public QWidget
-{
+class PanelWindow : public QWidget {
     Q_OBJECT
 
 public:
