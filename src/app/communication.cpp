@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
+#include "watch/refresh.h"
 
 namespace {
 
@@ -70,6 +71,9 @@ void VIR2_StartPeriodicASC()
         VIR2_StopPeriodicASC();
         return;
     }
+    // A sweep that was cut short is not carried on: its errors would stop this one.
+    UpdItem = 0;
+    eTMS = 0;
     ResumeTimerCallbacks();
     isTimer = 1;
     VR_ShowComState();
