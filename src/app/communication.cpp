@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
+#include "watch/refresh.h"
 
 namespace {
 
@@ -21,8 +22,11 @@ constexpr OpenReason OPEN_REASONS[] = {
     {-38, "(bad com number)"},
 };
 
+// What failed before, on another port or with the cable off, must not switch off again.
 int OpenLink()
 {
+    RFR_BeginSweep();
+    nErrors = 0;
     return Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate));
 }
 
