@@ -14,32 +14,30 @@
 
 namespace {
 
-constexpr int CALLS = 20000;
-constexpr int ROUNDS = 7; // the best one counts: the machine is not ours alone
+constexpr int CALLS = 2000;
+constexpr int ROUNDS = 60; // in turns, the best one counts: the machine is not ours alone
 
+constexpr double UNTIMED = 1e30;
+
+// Nanoseconds a call.
 struct Times {
-    double scan;
-    double interpreter;
-    double jit;
+    double scan = UNTIMED;
+    double interpreter = UNTIMED;
+    double jit = UNTIMED;
 };
 
 // Results are gathered here so that no call can be left out.
 volatile long sink;
 
-template <typename Call> double nanosecondsPerCall(Call call)
+template <typename Call> void time(Call call, double *best)
 {
-    double best = 1e30;
-    for (int round = 0; round < ROUNDS; round++) {
-        long sum = 0;
-        const auto start = std::chrono::steady_clock::now();
-        for (int i = 0; i < CALLS; i++)
-            sum += call();
-        const std::chrono::duration<double, std::nano> taken =
-            std::chrono::steady_clock::now() - start;
-        sink = sink + sum;
-        best = std::min(best, taken.count() / CALLS);
-    }
-    return best;
+    long sum = 0;
+    const auto start = std::chrono::steady_clock::now();
+    for (int i = 0; i < CALLS; i++)
+        sum += call();
+    const std::chrono::duration<double, std::nano> taken = std::chrono::steady_clock::now() - start;
+    sink = sink + sum;
+    *best = std::min(*best, taken.count() / CALLS);
 }
 
 pcre2_code *compile(const ScanPattern &pattern, bool jit)
@@ -55,30 +53,28 @@ pcre2_code *compile(const ScanPattern &pattern, bool jit)
     return code;
 }
 
-double timePcre2(const ScanPattern &pattern, const char *text, bool jit)
-{
-    pcre2_code *code = compile(pattern, jit);
-    pcre2_match_data *data = pcre2_match_data_create_from_pattern(code, nullptr);
-    const PCRE2_SPTR subject = reinterpret_cast<PCRE2_SPTR>(text);
-    const size_t length = std::strlen(text);
-    const double time = nanosecondsPerCall([&] {
-        return jit ? pcre2_jit_match(code, subject, length, 0, 0, data, nullptr)
-                   : pcre2_match(code, subject, length, 0, 0, data, nullptr);
-    });
-    pcre2_match_data_free(data);
-    pcre2_code_free(code);
-    return time;
-}
-
 Times timeAll(const ScanPattern &pattern, const char *text)
 {
-    Times times;
-    times.scan = nanosecondsPerCall([&] {
+    pcre2_code *plain = compile(pattern, false);
+    pcre2_code *compiled = compile(pattern, true);
+    pcre2_match_data *data = pcre2_match_data_create_from_pattern(plain, nullptr);
+    const PCRE2_SPTR subject = reinterpret_cast<PCRE2_SPTR>(text);
+    const size_t length = std::strlen(text);
+    const auto scan = [&] {
         const char *cursor = text;
         return xscan1(pattern.pattern, &cursor, nullptr, pattern.flags);
-    });
-    times.interpreter = timePcre2(pattern, text, false);
-    times.jit = timePcre2(pattern, text, true);
+    };
+    Times times;
+    for (int round = 0; round < ROUNDS; round++) {
+        time(scan, &times.scan);
+        time([&] { return pcre2_match(plain, subject, length, 0, 0, data, nullptr); },
+             &times.interpreter);
+        time([&] { return pcre2_jit_match(compiled, subject, length, 0, 0, data, nullptr); },
+             &times.jit);
+    }
+    pcre2_match_data_free(data);
+    pcre2_code_free(compiled);
+    pcre2_code_free(plain);
     return times;
 }
 
@@ -98,7 +94,7 @@ void print(const char *text)
 int main()
 {
     int slower = 0;
-    double worst = 1e30, worstJit = 1e30;
+    double worst = UNTIMED, worstJit = UNTIMED;
     std::printf("%5s %8s %8s %8s %7s %7s  pattern\n", "text", "xscan", "pcre2", "jit", "x pcre2",
                 "x jit");
     for (const ScanPattern &pattern : SCAN_PATTERNS) {

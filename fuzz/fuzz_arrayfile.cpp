@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <unistd.h>
 
@@ -19,7 +20,8 @@ const char *const TYPES[] = {"i1", "i2", "i4", "u1", "u2", "u4", "f4"};
 
 std::string WriteFile(const uint8_t *data, size_t size)
 {
-    static const std::string name = "/tmp/fuzz_arrayfile." + std::to_string(getpid());
+    static const std::string name =
+        std::filesystem::temp_directory_path() / ("fuzz_arrayfile." + std::to_string(getpid()));
     std::FILE *file = std::fopen(name.c_str(), "wb");
     if (!file)
         std::abort();

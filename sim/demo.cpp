@@ -15,6 +15,8 @@ constexpr double TEMPERATURE_LAG_S = 2;
 
 constexpr uint32_t LIVE_BEGIN = 0x8000;
 constexpr uint32_t LIVE_END = 0x8060;
+constexpr uint32_t DRIVE_BEGIN = 0x8200;
+constexpr uint32_t DRIVE_END = 0x8248;
 constexpr uint32_t FLAGS = 0x8001;
 constexpr uint32_t TEMPERATURE = 0x801C;
 constexpr uint32_t OUTPUT = 0x8034;
@@ -36,6 +38,24 @@ constexpr uint32_t FAR_LOG_BYTES = 256;
 constexpr uint32_t GAMMA = 0x30000;
 constexpr uint32_t GAMMA_POINTS = 16;
 constexpr uint32_t DPP = 0xFE00;
+
+// DRV_stParams and its members, see the type map of the examples.
+constexpr uint32_t PARAMS = 0x8222;
+constexpr uint32_t PARAMS_MODE = PARAMS + 4;
+constexpr uint32_t PARAMS_RAMP = PARAMS + 6; // two points of x and y
+constexpr uint32_t PARAMS_SCALE = PARAMS + 14;
+constexpr uint32_t PARAMS_LIMITS = PARAMS + 18; // low x, y, high x, y
+constexpr uint32_t PARAMS_PEAK = PARAMS + 26;
+
+// What the project information of an F283xx names: bytes, two for each of its words.
+constexpr uint32_t F28_BEGIN = 0x18200;
+constexpr uint32_t F28_SPEED_REF = F28_BEGIN + 2;
+constexpr uint32_t F28_TORQUE = F28_BEGIN + 8;
+constexpr uint32_t F28_MOTORS = F28_BEGIN + 0x10; // two, MOTOR_SIZE apart
+constexpr uint32_t F28_TRACE = F28_BEGIN + 0x30;
+constexpr uint32_t F28_TRACE_POINTS = 64;
+constexpr uint32_t F28_END = F28_TRACE + 2 * F28_TRACE_POINTS;
+constexpr uint32_t MOTOR_SIZE = 16;
 
 enum TmsWord : uint32_t {
     TMS_SPEED = 0x400,
@@ -90,14 +110,72 @@ const LiveInteger liveIntegers[] = {
     {0x8032, 2, [](double t) { return count(t, 137); }},                   // wPulses
 };
 
-void setIntegers(SIM_Station *station, double t)
+const LiveInteger driveIntegers[] = {
+    {0x8200, 2, [](double t) { return count(t, 0.5) % 4; }},             // DRV_wState
+    {0x8204, 2, [](double t) { return whole(1500 * triangle(t, 20)); }}, // DRV_nSpeedRef
+    {0x8210, 2, [](double t) { return count(t, 25); }},                  // DRV_nStepCount
+    {0x821C, 4, [](double t) { return count(t, 1); }},                   // DRV_dwOnTime
+    {0x8220, 1, [](double t) { return count(t, 4) % 6; }},               // DRV_byPhase
+    {0x8240, 2, [](double t) { return count(t, 40); }},                  // COM_wFrames
+    {0x8244, 4, [](double t) { return count(t, 640); }},                 // COM_dwBytes
+};
+
+const LiveInteger f28Integers[] = {
+    {F28_BEGIN, 2, [](double t) { return count(t, 0.5) % 4; }},  // _wState
+    {F28_BEGIN + 4, 4, [](double t) { return count(t, 1000); }}, // _dwTime
+};
+
+template <size_t N>
+void setIntegers(SIM_Station *station, const LiveInteger (&integers)[N], double t)
 {
-    for (const LiveInteger &live : liveIntegers)
+    for (const LiveInteger &live : integers)
         SIM_SetValue(station, live.address, live.size, live.value(t));
+}
+
+void setWave(SIM_Station *station, double t)
+{
     for (uint32_t i = 0; i < WAVE_POINTS; i++) {
         const double shifted = t + i * SINE_PERIOD_S / WAVE_POINTS;
         SIM_SetValue(station, WAVE + 2 * i, 2, whole(500 + 500 * sine(shifted)));
     }
+}
+
+// The integers, and in DRV_stParams two points of a ramp that run round a circle; the peak
+// is the highest of each axis.
+void setDrive(SIM_Station *station, double t)
+{
+    setIntegers(station, driveIntegers, t);
+    int16_t peak[2] = {0, 0};
+    for (uint32_t point = 0; point < 2; point++) {
+        const double angle = t + point * SINE_PERIOD_S / 3;
+        const double place[2] = {800 * sine(angle), 800 * sine(angle + SINE_PERIOD_S / 4)};
+        for (uint32_t axis = 0; axis < 2; axis++) {
+            const auto value = static_cast<int16_t>(std::lround(place[axis]));
+            SIM_SetValue(station, PARAMS_RAMP + 4 * point + 2 * axis, 2,
+                         static_cast<uint64_t>(static_cast<int64_t>(value)));
+            peak[axis] = std::max(peak[axis], value);
+        }
+    }
+    SIM_SetValue(station, PARAMS_PEAK, 2, static_cast<uint64_t>(peak[0]));
+    SIM_SetValue(station, PARAMS_PEAK + 2, 2, static_cast<uint64_t>(peak[1]));
+}
+
+// Speed, flags and current of each motor; its controller's set-points stay as written.
+void setF28(SIM_Station *station, double t)
+{
+    setIntegers(station, f28Integers, t);
+    const auto wanted = static_cast<int16_t>(SIM_GetValue(*station, F28_SPEED_REF, 2));
+    for (uint32_t i = 0; i < 2; i++) {
+        const uint32_t motor = F28_MOTORS + i * MOTOR_SIZE;
+        const double load = sine(t + i * SINE_PERIOD_S / 2);
+        SIM_SetValue(station, motor, 2, whole(wanted * (1 + 0.02 * load)));
+        SIM_SetValue(station, motor + 2, 2, load > 0 ? 3 : 1);
+        SIM_SetFloat(station, motor + 4, static_cast<float>(8 + 2 * load));
+    }
+    SIM_SetFloat(station, F28_TORQUE, static_cast<float>(12 * sine(t)));
+    for (uint32_t i = 0; i < F28_TRACE_POINTS; i++)
+        SIM_SetValue(station, F28_TRACE + 2 * i, 2,
+                     whole(500 + 500 * sine(t + i * SINE_PERIOD_S / F28_TRACE_POINTS)));
 }
 
 // nOutput: the sine times the gain in percent plus the offset, held within the limit.
@@ -151,6 +229,30 @@ void initArrays(SIM_Station *station, int number)
         SIM_SetValue(station, FAR_LOG + i, 1, i);
 }
 
+void initStructures(SIM_Station *station)
+{
+    SIM_SetValue(station, PARAMS, 2, 250);    // nKp
+    SIM_SetValue(station, PARAMS + 2, 2, 30); // nKi
+    SIM_SetValue(station, PARAMS_MODE, 2, 0x0102);
+    SIM_SetFloat(station, PARAMS_SCALE, 0.5F);
+    const int limits[] = {-1000, -1000, 1000, 1000};
+    for (uint32_t i = 0; i < 4; i++)
+        SIM_SetValue(station, PARAMS_LIMITS + 2 * i, 2,
+                     static_cast<uint64_t>(static_cast<int64_t>(limits[i])));
+    SIM_SetValue(station, F28_SPEED_REF, 2, 1500);
+    for (uint32_t i = 0; i < 2; i++) {
+        const uint32_t controller = F28_MOTORS + i * MOTOR_SIZE + 8;
+        SIM_SetValue(station, controller, 2, 120 + i);    // nKp
+        SIM_SetValue(station, controller + 2, 2, 15 + i); // nKi
+        SIM_SetValue(station, controller + 4, 4, 100000); // unLimit
+    }
+}
+
+bool touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
+{
+    return address < end && address + count > begin;
+}
+
 } // namespace
 
 void SIM_InitDemo(SIM_Station *station, int number)
@@ -164,6 +266,7 @@ void SIM_InitDemo(SIM_Station *station, int number)
     SIM_SetValue(station, 0x81C0, 2, static_cast<uint64_t>(number));                 // wStation
     SIM_SetValue(station, TABLE_POINTER, 2, TABLE);
     initArrays(station, number);
+    initStructures(station);
     for (uint32_t i = 0; i < 4; i++)
         SIM_SetValue(station, DPP + 2 * i, 2, i); // as after a reset: pages in order
     station->temperature = 20;
@@ -173,10 +276,15 @@ void SIM_InitDemo(SIM_Station *station, int number)
 void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t address,
                     size_t count)
 {
-    if (address >= LIVE_END || address + count <= LIVE_BEGIN)
-        return;
     const double t = seconds + STATION_PHASE_S * number;
-    setIntegers(station, t);
+    if (touches(address, count, F28_BEGIN, F28_END))
+        setF28(station, t);
+    if (touches(address, count, DRIVE_BEGIN, DRIVE_END))
+        setDrive(station, t);
+    if (!touches(address, count, LIVE_BEGIN, LIVE_END))
+        return;
+    setIntegers(station, liveIntegers, t);
+    setWave(station, t);
     SIM_SetFloat(station, 0x8018, static_cast<float>(sine(t))); // fSine
     setFlags(station, t, setOutput(station, t));
     setTemperature(station, seconds);

@@ -2,6 +2,7 @@
 // hardware. Prints the device to open first, then serves until it is told to end.
 #include "sim.h"
 
+#include <cctype>
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -18,6 +19,7 @@ constexpr int BAUD_MIN = 50; // slower than this no program waits for an answer
 constexpr int BAUD_MAX = 4000000;
 constexpr int DELAY_MAX_MS = 60000;
 constexpr int STATION_MAX = 15;
+constexpr unsigned long ADDRESS_END = 0x1000000;
 
 const char HELP[] =
     "Usage: vireo2-target [options]\n"
@@ -33,6 +35,7 @@ const char HELP[] =
     "  --seed N           seed of the faults (default 1)\n"
     "  --log FILE         write a line for each request to FILE\n"
     "  --stations LIST    stations that answer, such as 0,2,5-7 (default all)\n"
+    "  --flash FILE@HEX   put a file into every station's memory at a byte address\n"
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
@@ -109,6 +112,19 @@ bool applySeed(const char *text, SIM_Options *options)
     return good;
 }
 
+// "FILE@67F000": the address is hexadecimal; a file name may hold an "@" itself.
+bool applyFlash(const char *text, SIM_Options *options)
+{
+    const char *at = strrchr(text, '@');
+    if (!at || at == text || !isxdigit(static_cast<unsigned char>(at[1])))
+        return false;
+    char *end;
+    const unsigned long address = strtoul(at + 1, &end, 16);
+    options->flash.assign(text, at);
+    options->flashAddress = static_cast<uint32_t>(address);
+    return *end == 0 && address < ADDRESS_END;
+}
+
 const OptionRow rows[] = {
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
@@ -135,6 +151,7 @@ const OptionRow rows[] = {
      }},
     {{"stations", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); }},
+    {{"flash", required_argument, nullptr, 0}, applyFlash},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;

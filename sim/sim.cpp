@@ -6,6 +6,8 @@
 
 #include <cerrno>
 #include <cstring>
+#include <fstream>
+#include <iterator>
 
 namespace {
 
@@ -17,6 +19,23 @@ bool openLog(SIM_Target *target, std::string *error)
     if (!target->log)
         *error = "Cannot write the log " + target->options.log + ": " + strerror(errno);
     return target->log != nullptr;
+}
+
+bool loadFlash(SIM_Target *target, std::string *error)
+{
+    const SIM_Options &options = target->options;
+    if (options.flash.empty())
+        return true;
+    std::ifstream file(options.flash, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    if (!file.is_open() || file.bad() || bytes.empty())
+        *error = "Cannot read " + options.flash;
+    else if (options.flashAddress + bytes.size() > SIM_MEMORY_SIZE)
+        *error = options.flash + " reaches beyond the memory";
+    else
+        for (SIM_Station &station : target->stations)
+            SIM_WriteMemory(&station, options.flashAddress, bytes.data(), bytes.size());
+    return error->empty();
 }
 
 SIM_Station *stationOf(SIM_Target *target, int station)
@@ -37,7 +56,8 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     for (int i = 0; options.demo && i < SIM_STATIONS; i++)
         SIM_InitDemo(&target->stations[i], i);
     error = error ? error : &ignored;
-    if (!openLog(target, error) ||
+    error->clear();
+    if (!loadFlash(target, error) || !openLog(target, error) ||
         !SIM_OpenLine(&target->line, options.baud, options.link, error)) {
         if (target->log)
             fclose(target->log);

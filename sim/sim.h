@@ -19,6 +19,8 @@ struct SIM_Options {
     bool demo = true;           // live demo variables at the addresses of examples/demo.m66
     bool mailbox = true;        // the TMS320 behind a station answers; false = stays busy
     uint32_t stations = 0xFFFF; // bit n: station n answers
+    std::string flash;          // file whose bytes stand in every station's memory, "" = none
+    uint32_t flashAddress = 0;  // from this byte address on
     std::string link;           // symbolic link to the device, "" = none
     std::string log;            // file that gets one line a request, "" = none
 };
@@ -31,7 +33,7 @@ struct SIM_Target;
 // write whose padding is not A5) and requests to absent stations are not answered. A write
 // of the command byte at 3C000h is carried out by the TMS320 before its answer.
 //
-// Null when no pseudo terminal can be had (message in *error).
+// Null when no pseudo terminal can be had or a file cannot be used (message in *error).
 SIM_Target *SIM_Start(const SIM_Options &options, std::string *error);
 void SIM_Stop(SIM_Target *target); // also removes the link; frees target
 const char *SIM_DevicePath(const SIM_Target *target);

@@ -61,7 +61,7 @@ TEST(Crc32Lsb, AgreesWithZlibAndWithTheShiftOfEveryPolynomial)
     for (char &c : data)
         c = static_cast<char>(random());
     for (size_t from = 0; from < 20; from++) {
-        for (const size_t length : {0u, 1u, 7u, 15u, 16u, 17u, 63u, 280u}) {
+        for (const size_t length : {0u, 1u, 7u, 39u, 40u, 41u, 80u, 280u}) {
             const auto *bytes = reinterpret_cast<const unsigned char *>(data.data()) + from;
             const uint32_t peer =
                 ~static_cast<uint32_t>(crc32(0xFFFFFFFFu, bytes, static_cast<uInt>(length)));

@@ -121,7 +121,7 @@ TEST_F(Monitor, TextIsBoundedAndCanBeSavedAndCopied)
     EXPECT_EQ(lines.back(), "line 5599");
     ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
     PrintMonStr("one\ntwo");
-    CON_CopyTextCB(PANEL_CONSOLE, 0, EVENT_COMMIT, 0);
+    HL_ClickMenu(ITEM_COPY_CONSOLE);
     EXPECT_EQ(HL_GetClipboard(), "one\ntwo");
     EXPECT_EQ(CON_SaveText("text.txt"), 0);
     EXPECT_EQ(ReadFile("text.txt"), "one\r\ntwo\r\n");

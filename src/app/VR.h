@@ -65,6 +65,7 @@ std::string VR_FindHelpFile(); // path of the help text, "" when it is not insta
 // --- communication -----------------------------------------------------------------
 void Error(const std::string &message); // communication off, then a pop-up "Error"
 void VR_ComRequest();
+bool VR_EnsureCom(); // the same; whether communication is on then
 void VIR2_StartPeriodicASC();
 void VIR2_StopPeriodicASC();
 int Check_ASC_Open(int result);

@@ -108,6 +108,12 @@ void VR_ComRequest()
     VIR2_StartPeriodicASC();
 }
 
+bool VR_EnsureCom()
+{
+    VR_ComRequest();
+    return isTimer != 0;
+}
+
 void ConnectCB(int, int)
 {
     if (isTimer != 0)

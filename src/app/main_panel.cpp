@@ -10,6 +10,7 @@
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list_events.h"
 #include "watch/litem.h"
 #include "watch/selectors.h"
 
@@ -162,6 +163,7 @@ void VR_EnableControls()
         EnableItem(item, hasFile);
     EnableCtrl(MAIN_BTN_MAP, hasMap);
     EnableItem(ITEM_RELOAD_MAP, hasMap);
+    LEV_Enable();
 }
 
 void SetMainPanelAttributes()

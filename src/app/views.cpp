@@ -43,6 +43,7 @@ void ShowConsoleView()
     VR_isWatchView = false;
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     CheckView(ITEM_CONSOLE_VIEW, ITEM_WATCH_VIEW);
+    VR_EnableControls();
     VR_SizeConsole(oldHeight);
     SetActiveCtrl(consolePanel, CONSOLE_INPUT);
 }
@@ -54,6 +55,7 @@ void ShowWatchView()
     HidePanel(consolePanel);
     VR_isWatchView = true;
     CheckView(ITEM_WATCH_VIEW, ITEM_CONSOLE_VIEW);
+    VR_EnableControls();
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
     if (oldTimer != 0) {
         if (Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate)) < 0)
@@ -159,6 +161,9 @@ int PanelCB(int panel, int event, int data)
         return 0;
     case EVENT_PANEL_SIZE:
         OnResize();
+        return 0;
+    case EVENT_ACTIVATED: // an editor may have been in front
+        DBG_CheckReload(panel);
         return 0;
     default:
         return 0;

@@ -1,61 +1,103 @@
-// Sixteen bytes a step: table k holds what a byte does to the register when k more bytes
-// follow it, so that the look-ups of one step do not wait for each other.
+// Long data goes through five interleaved lanes of eight bytes: what a lane's word does to
+// the register is carried straight to the lane's next word, forty bytes on, so that the
+// look-ups of the lanes do not wait for each other. The last round brings them together.
 #include "calendar/crc32.h"
+
+#include <initializer_list>
 
 namespace {
 
-constexpr int STEP = 16;
-constexpr int BYTE_VALUES = 256;
+constexpr size_t WORD = 8;
+constexpr size_t LANES = 5;
+constexpr size_t ROUND = LANES * WORD;
+constexpr size_t BYTE_VALUES = 256;
+
+struct Table {
+    uint32_t value[BYTE_VALUES];
+};
 
 struct Tables {
-    uint32_t polynomial = 0; // which they were built for; 0: not built
-    uint32_t value[STEP][BYTE_VALUES];
+    bool isBuilt = false;
+    uint32_t polynomial = 0;
+    Table near[WORD]; // near[k]: what byte k of a word does to the register behind that word
+    Table far[WORD];  // far[k]: the same up to the lane's next word
 };
 
 Tables tables;
 
+uint32_t shiftByte(uint32_t value, uint32_t polynomial)
+{
+    for (int bit = 0; bit < 8; bit++)
+        value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
+    return value;
+}
+
 void buildTables(uint32_t polynomial)
 {
-    for (uint32_t byte = 0; byte < BYTE_VALUES; byte++) {
-        uint32_t value = byte;
-        for (int bit = 0; bit < 8; bit++)
-            value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
-        tables.value[0][byte] = value;
-    }
-    for (int k = 1; k < STEP; k++) {
-        for (int byte = 0; byte < BYTE_VALUES; byte++) {
-            const uint32_t before = tables.value[k - 1][byte];
-            tables.value[k][byte] = (before >> 8) ^ tables.value[0][before & 0xFF];
-        }
+    Table table; // what a byte does when `behind` more bytes follow it
+    for (size_t byte = 0; byte < BYTE_VALUES; byte++)
+        table.value[byte] = shiftByte(static_cast<uint32_t>(byte), polynomial);
+    const Table one = table;
+    for (size_t behind = 0; behind < ROUND; behind++) {
+        if (behind < WORD)
+            tables.near[WORD - 1 - behind] = table;
+        if (behind >= ROUND - WORD)
+            tables.far[ROUND - 1 - behind] = table;
+        for (uint32_t &value : table.value)
+            value = (value >> 8) ^ one.value[value & 0xFF];
     }
     tables.polynomial = polynomial;
+    tables.isBuilt = true;
 }
 
-inline uint32_t wordAt(const unsigned char *p)
+inline uint64_t wordAt(const unsigned char *p)
 {
-    return static_cast<uint32_t>(p[0]) | static_cast<uint32_t>(p[1]) << 8 |
-           static_cast<uint32_t>(p[2]) << 16 | static_cast<uint32_t>(p[3]) << 24;
+    uint64_t word = 0;
+    for (size_t k = 0; k < WORD; k++)
+        word |= static_cast<uint64_t>(p[k]) << (8 * k);
+    return word;
 }
 
-// What the four bytes of a word do when `behind` further bytes follow them in the step.
-inline uint32_t lookUp(uint32_t word, int behind)
+inline uint32_t lookUp(const Table *table, uint64_t word)
 {
-    return tables.value[behind + 3][word & 0xFF] ^ tables.value[behind + 2][word >> 8 & 0xFF] ^
-           tables.value[behind + 1][word >> 16 & 0xFF] ^ tables.value[behind][word >> 24];
+    return table[0].value[word & 0xFF] ^ table[1].value[word >> 8 & 0xFF] ^
+           table[2].value[word >> 16 & 0xFF] ^ table[3].value[word >> 24 & 0xFF] ^
+           table[4].value[word >> 32 & 0xFF] ^ table[5].value[word >> 40 & 0xFF] ^
+           table[6].value[word >> 48 & 0xFF] ^ table[7].value[word >> 56];
+}
+
+// Whole rounds of the data, at least one.
+uint32_t runLanes(uint32_t value, const unsigned char *p, size_t rounds)
+{
+    uint32_t a = value, b = 0, c = 0, d = 0, e = 0;
+    for (; rounds > 1; --rounds, p += ROUND) {
+        a = lookUp(tables.far, wordAt(p) ^ a);
+        b = lookUp(tables.far, wordAt(p + WORD) ^ b);
+        c = lookUp(tables.far, wordAt(p + 2 * WORD) ^ c);
+        d = lookUp(tables.far, wordAt(p + 3 * WORD) ^ d);
+        e = lookUp(tables.far, wordAt(p + 4 * WORD) ^ e);
+    }
+    value = 0;
+    for (const uint32_t lane : {a, b, c, d, e}) {
+        value = lookUp(tables.near, wordAt(p) ^ lane ^ value);
+        p += WORD;
+    }
+    return value;
 }
 
 } // namespace
 
 uint32_t Crc32_LSBNext(uint32_t value, const void *data, size_t length, uint32_t polynomial)
 {
-    if (tables.polynomial != polynomial || polynomial == 0)
+    if (!tables.isBuilt || tables.polynomial != polynomial)
         buildTables(polynomial);
     const unsigned char *p = static_cast<const unsigned char *>(data);
-    for (; length >= STEP; length -= STEP, p += STEP)
-        value = lookUp(wordAt(p) ^ value, 12) ^ lookUp(wordAt(p + 4), 8) ^
-                lookUp(wordAt(p + 8), 4) ^ lookUp(wordAt(p + 12), 0);
-    for (; length > 0; --length, ++p)
-        value = (value >> 8) ^ tables.value[0][(value ^ *p) & 0xFF];
+    const size_t rounds = length / ROUND;
+    if (rounds > 0)
+        value = runLanes(value, p, rounds);
+    p += rounds * ROUND;
+    for (length %= ROUND; length > 0; --length, ++p)
+        value = (value >> 8) ^ tables.near[WORD - 1].value[(value ^ *p) & 0xFF];
     return value;
 }
 

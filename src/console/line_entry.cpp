@@ -17,9 +17,6 @@ bool CON_isExit = false;
 namespace {
 
 constexpr int LAST_SLOT = HISTORY_LINES - 1;
-constexpr int KEY_RUN = KEY_F1 + 5;  // F6
-constexpr int KEY_SAVE = KEY_F1 + 6; // F7
-constexpr int KEY_COPY = KEY_F1 + 7; // F8
 
 void SetField(const std::string &text)
 {
@@ -185,24 +182,8 @@ void HandleTab(int panel, int control, int)
     CompleteField(panel, control);
 }
 
-void HandleRun(int panel, int control, int)
-{
-    CON_RunScriptCB(panel, control, EVENT_COMMIT, 0);
-}
-
-void HandleSave(int panel, int control, int)
-{
-    CON_SaveTextCB(panel, control, EVENT_COMMIT, 0);
-}
-
-void HandleCopy(int panel, int control, int)
-{
-    CON_CopyTextCB(panel, control, EVENT_COMMIT, 0);
-}
-
 const KeyAction KEY_ACTIONS[] = {
-    {KEY_ESC, HandleEscape}, {KEY_UP, HandleArrow},  {KEY_DOWN, HandleArrow}, {KEY_TAB, HandleTab},
-    {KEY_RUN, HandleRun},    {KEY_SAVE, HandleSave}, {KEY_COPY, HandleCopy}};
+    {KEY_ESC, HandleEscape}, {KEY_UP, HandleArrow}, {KEY_DOWN, HandleArrow}, {KEY_TAB, HandleTab}};
 
 int HandleKey(int panel, int control, int key)
 {

@@ -119,32 +119,34 @@ int CON_SaveText(const std::string &path)
     return SAF_Commit(&file);
 }
 
-int CON_CopyTextCB(int, int, int event, int)
+void CON_CopyTextCB(int, int)
 {
-    if (event == EVENT_COMMIT)
-        ClipboardPutText(CON_GetText());
-    return 0;
+    ClipboardPutText(CON_GetText());
 }
 
-int CON_SaveTextCB(int, int, int event, int)
+void CON_ClearTextCB(int, int)
+{
+    ResetTextBox(consolePanel, CONSOLE_BOX, "");
+}
+
+void CON_SaveTextCB(int, int)
 {
     std::string path;
-    if (event != EVENT_COMMIT || FileSelectPopup("", "*.txt", "*.txt", "Save console text",
-                                                 FILE_SAVE, &path) == VAL_NO_FILE_SELECTED)
-        return 0;
+    if (FileSelectPopup("", "*.txt", "*.txt", "Save console text", FILE_SAVE, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
     if (CON_SaveText(path) < 0)
         MessagePopup("Error", "Could not write the file " + path + ".");
-    return 0;
 }
 
-int CON_RunScriptCB(int panel, int, int event, int)
+void CON_RunScriptCB(int menuBar, int)
 {
     std::string path;
-    if (event != EVENT_COMMIT || FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD,
-                                                 &path) == VAL_NO_FILE_SELECTED)
-        return 0;
+    if (FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    WindowCB(menuBar, ITEM_CONSOLE_VIEW);
     CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
-    SCR_RunAndReport(path, panel);
+    SCR_RunAndReport(path, consolePanel);
     CON_ScrollToEnd();
-    return 0;
 }

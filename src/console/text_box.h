@@ -14,9 +14,10 @@ void CON_ShowModePrompt();                     // the prompt of the current mode
 std::string CON_GetText();                 // all lines, separated by "\n"
 int CON_SaveText(const std::string &path); // 0, or -1: the file that was there is untouched
 
-// For buttons and keys of the console panel; each asks what it needs to know.
-int CON_CopyTextCB(int panel, int control, int event, int data);
-int CON_SaveTextCB(int panel, int control, int event, int data);
-int CON_RunScriptCB(int panel, int control, int event, int data);
+// Menu items; each asks what it needs to know.
+void CON_RunScriptCB(int menuBar, int item); // shows the console view first
+void CON_SaveTextCB(int menuBar, int item);
+void CON_CopyTextCB(int menuBar, int item);
+void CON_ClearTextCB(int menuBar, int item);
 
 #endif

@@ -32,6 +32,7 @@ enum UI_Event {
     EVENT_CLOSE = 6,              // panel: the user asks the window to close
     EVENT_PANEL_SIZE = 7,         // panel: the user has resized the window
     EVENT_DROPPED = 8,            // list: a line was dragged; data = source * 65536 + target
+    EVENT_ACTIVATED = 9,          // panel: the user has turned to its window
     EVENT_TIMER_TICK = 15,
 };
 
@@ -61,6 +62,10 @@ enum UI_Attribute {
 typedef int (*PanelCallback)(int panel, int event, int data);
 typedef int (*CtrlCallback)(int panel, int control, int event, int data);
 typedef void (*MenuCallback)(int menuBar, int item);
+// Whole texts that may stand in the field in place of what has been typed so far, which
+// each of them contains.
+typedef std::vector<std::string> (*CompletionCallback)(int panel, int control,
+                                                       const std::string &typed);
 
 // --- start and event loop ---------------------------------------------------------
 // Takes the options the face knows out of argc/argv. 0, or negative when there is no screen.
@@ -103,6 +108,9 @@ int GetCtrlAttribute(int panel, int control, int attribute, double *value);
 int GetCtrlAttribute(int panel, int control, int attribute, std::string *text);
 int SetActiveCtrl(int panel, int control);
 int GetActiveCtrl(int panel); // the control with the keyboard focus, 0 when none
+// Offers completions while the user types into a one-line field; null ends it. A chosen
+// one is reported as EVENT_VAL_CHANGED, as if it had been typed.
+int SetCtrlCompletion(int panel, int control, CompletionCallback callback);
 
 // --- lists (also rings) -----------------------------------------------------------
 // A label may hold column escapes: ESC "p<pixels>l" starts a column at that pixel,
@@ -135,6 +143,9 @@ int GetMenuBarAttribute(int menuBar, int item, int attribute, int *value);
 int NewMenuItem(int menuBar, int menu, const std::string &text, int beforeItem, int shortcut,
                 MenuCallback callback);
 int DiscardMenuItem(int menuBar, int item);
+// Shows a menu of the bar at the mouse (or at the control with the focus when the mouse
+// is elsewhere) and returns; what the user then chooses calls the item's callback.
+int RunPopupMenu(int menuBar, int menu);
 
 // --- pop-ups: each blocks until it is answered -------------------------------------
 enum { VAL_NO_FILE_SELECTED = 0, VAL_EXISTING_FILE_SELECTED = 1, VAL_NEW_FILE_SELECTED = 2 };

@@ -1,6 +1,6 @@
 // The scanner walks pattern and text once. What a call consumes is one stretch of the
 // text, so matching only finds its end and the copy to the output is made in one go.
-// A set is decoded when its turn comes: into two 64-bit masks that stay in registers,
+// A set is decoded when its turn comes: into 64-bit masks,
 // so that a long run costs a shift and a test a character.
 #include "text/xscan.h"
 
@@ -56,13 +56,26 @@ SCAN_INLINE bool isBlank(unsigned char c)
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-// Calls visit(low, high) for each member or range of the set and returns what follows
-// it. A "-" just before the end of the set has nothing to range to and is a member.
+// The upper bound behind the "-" at *position, which is moved behind it. False when the
+// set ends there: the "-" has nothing to range to and is a member.
+SCAN_INLINE bool readBound(const char **position, unsigned char *bound)
+{
+    const char *p = *position + 1;
+    if (byteAt(p) <= '/') { // rarely more than a plain member
+        if (*p == '.' || *p == '\0' || (*p == '/' && *++p == '\0'))
+            return false;
+    }
+    *bound = byteAt(p);
+    *position = p + 1;
+    return true;
+}
+
+// Calls visit(low, high) for each member or range of the set and returns what follows it.
 template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char *p, Visit visit)
 {
     for (;;) {
-        unsigned char low = byteAt(p);
-        if (low <= '/') { // rarely more than a plain member
+        unsigned char low = byteAt(p), high;
+        if (low <= '/') {
             if (low == '.')
                 return p + 1;
             if (low == '/')
@@ -70,20 +83,15 @@ template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char 
             if (low == '\0')
                 return p;
         }
-        low = folded<FOLD>(low);
         ++p;
-        if (*p != '-' || p[1] == '.' || p[1] == '\0') {
-            visit(low, low);
+        if (*p != '-' || !readBound(&p, &high)) {
+            visit(folded<FOLD>(low), folded<FOLD>(low));
             continue;
         }
         do { // a further "-" ranges on from the bound reached
-            ++p;
-            if (*p == '/')
-                ++p;
-            const unsigned char high = *p != '\0' ? folded<FOLD>(byteAt(p++)) : low;
-            visit(low, high);
+            visit(folded<FOLD>(low), folded<FOLD>(high));
             low = high;
-        } while (*p == '-' && p[1] != '.' && p[1] != '\0');
+        } while (*p == '-' && readBound(&p, &high));
     }
 }
 
@@ -97,11 +105,11 @@ template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
 {
     SetMasks set;
     set.next = readSet<FOLD>(members, [&set](unsigned low, unsigned high) {
-        const uint64_t mask = maskBetween(low, high);
-        if (low <= high && high < 64) {
-            set.low |= mask;
-        } else if (low <= high && low >= 64 && high < 128) {
-            set.high |= mask;
+        const bool isOneMask = (low & 0xC0) == (high & 0xC0) && low <= high;
+        if (isOneMask && high < 64) {
+            set.low |= maskBetween(low, high);
+        } else if (isOneMask && high < 128) {
+            set.high |= maskBetween(low, high);
         } else if (low <= high) { // over the border between the masks, or beyond them
             set.wide |= high > 127;
             set.low |= low < 64 ? maskBetween(low, 63) : 0;
@@ -158,8 +166,12 @@ SCAN_INLINE size_t countSet(const char **pattern, const char *text, Repeat repea
             return folded<FOLD>(c) >= low && folded<FOLD>(c) <= high;
         });
     }
-    if (repeat.least > 0 && isMember<FOLD>(members, byteAt(text), pattern) == negated)
-        return 0; // a failure is cheaper to find out than the masks
+    // The first character alone often decides, and costs less than the masks.
+    if (repeat.least > 0 || repeat.most == 1) {
+        const bool isFirst = isMember<FOLD>(members, byteAt(text), pattern) != negated;
+        if (!isFirst || *text == '\0' || repeat.most == 1)
+            return isFirst && *text != '\0' ? 1 : 0;
+    }
     const SetMasks set = readMasks<FOLD>(members);
     *pattern = set.next;
     if (set.wide)
@@ -168,12 +180,9 @@ SCAN_INLINE size_t countSet(const char **pattern, const char *text, Repeat repea
             return c != '\0' && isMember<FOLD>(members, c, &next) != negated;
         });
     const uint64_t flip = negated ? ~0ull : 0;
-    const uint64_t low = (set.low ^ flip) & ~1ull;
-    const uint64_t high = set.high ^ flip;
-    return countWhile(text, repeat.most, [low, high, negated](unsigned char c) {
-        const uint64_t mask = c < 64 ? low : high;
-        return c < 128 ? (mask >> (c & 63) & 1) != 0 : negated;
-    });
+    const uint64_t masks[4] = {(set.low ^ flip) & ~1ull, set.high ^ flip, flip, flip};
+    return countWhile(text, repeat.most,
+                      [&masks](unsigned char c) { return (masks[c >> 6] >> (c & 63) & 1) != 0; });
 }
 
 // Repetitions of the element at *pattern, which is advanced past it. The end of the text
@@ -263,7 +272,7 @@ template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char 
 }
 
 // Matches the whole pattern; *text ends behind what was matched, on failure too.
-template <bool FOLD> bool matchPattern(const char *pattern, const char **text)
+template <bool FOLD> SCAN_INLINE bool matchPattern(const char *pattern, const char **text)
 {
     const char *at = *text;
     bool good = true;

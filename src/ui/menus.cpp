@@ -1,8 +1,11 @@
 #include "ui/ui_table.h"
 
 #include "app/VR.h"
+#include "console/text_box.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
+#include "watch/edit.h"
+#include "watch/list_events.h"
 #include "watch/litem.h"
 #include "watch/selectors.h"
 
@@ -10,12 +13,14 @@ const int UI_nMenuPanel = PANEL_MAIN;
 
 const UI_Menu UI_aMenus[] = {
     {MENU_FILE, 0, "__File"},
+    {MENU_EDIT, 0, "__Edit"},
     {MENU_OPTIONS, 0, "__Options"},
     {MENU_PORT, MENU_OPTIONS, "__Port"},
     {MENU_BAUD, MENU_OPTIONS, "__Baud rate"},
     {MENU_STATION, MENU_OPTIONS, "__Station"},
     {MENU_PROCESSOR, MENU_OPTIONS, "P__rocessor"},
     {MENU_PROTOCOL, MENU_OPTIONS, "Pro__tocol"},
+    {MENU_CONSOLE, 0, "__Console"},
     {MENU_WINDOW, 0, "__Window"},
     {MENU_HELP, 0, "__Help"},
 };
@@ -34,6 +39,21 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_RECENT_END, "", 0, nullptr},
     {MENU_FILE, ITEM_EXIT, "E__xit", KEY_CTRL | 'Q', ExitCB},
+
+    {MENU_EDIT, ITEM_ADD, "__Add item...", KEY_INSERT, LEV_AddCB},
+    {MENU_EDIT, ITEM_EDIT, "__Edit item...", KEY_F1 + 1, LEV_EditCB},
+    {MENU_EDIT, ITEM_REMOVE, "__Remove item", KEY_DELETE, LEV_RemoveCB},
+    {MENU_EDIT, ITEM_UNDO, "__Undo removal", KEY_CTRL | 'Z', UndoRemoveCB},
+    {MENU_EDIT, 0, "", 0, nullptr},
+    {MENU_EDIT, ITEM_MOVE_UP, "Move u__p", KEY_ALT | KEY_UP, LEV_MoveCB},
+    {MENU_EDIT, ITEM_MOVE_DOWN, "Move __down", KEY_ALT | KEY_DOWN, LEV_MoveCB},
+    {MENU_EDIT, 0, "", 0, nullptr},
+    {MENU_EDIT, ITEM_WRITE_VALUE, "__Write value...", KEY_CTRL | KEY_ENTER, LEV_WriteCB},
+    {MENU_EDIT, ITEM_MEMORY, "__Memory...", KEY_CTRL | KEY_SHIFT | 'M', LEV_MemoryCB},
+    {MENU_EDIT, 0, "", 0, nullptr},
+    {MENU_EDIT, ITEM_COPY_LIST, "__Copy list", KEY_CTRL | KEY_SHIFT | 'C', LEV_CopyListCB},
+    {MENU_EDIT, ITEM_COPY_MEMORY, "Copy memory __box", 0, LEV_CopyMemoryCB},
+    {MENU_EDIT, ITEM_SNAPSHOT, "__Save snapshot as CSV...", 0, LEV_SnapshotCB},
 
     {MENU_OPTIONS, ITEM_CONNECT, "__Communication", KEY_F1 + 8, ConnectCB},
     {MENU_OPTIONS, ITEM_CLOSE_PORT, "C__lose port", 0, ClosePortCB},
@@ -83,6 +103,12 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_PROTOCOL, ITEM_MR166, "__mr166", 0, ProtocolCB},
     {MENU_PROTOCOL, ITEM_MODBUS, "Mod__bus", 0, ProtocolCB},
+
+    {MENU_CONSOLE, ITEM_RUN_SCRIPT, "__Run script...", KEY_F1 + 5, CON_RunScriptCB},
+    {MENU_CONSOLE, 0, "", 0, nullptr},
+    {MENU_CONSOLE, ITEM_SAVE_CONSOLE, "__Save text...", KEY_F1 + 6, CON_SaveTextCB},
+    {MENU_CONSOLE, ITEM_COPY_CONSOLE, "__Copy text", KEY_F1 + 7, CON_CopyTextCB},
+    {MENU_CONSOLE, ITEM_CLEAR_CONSOLE, "C__lear text", 0, CON_ClearTextCB},
 
     {MENU_WINDOW, ITEM_WATCH_VIEW, "__Watch view", KEY_CTRL | 'W', WindowCB},
     {MENU_WINDOW, ITEM_CONSOLE_VIEW, "__Console view", KEY_CTRL | 'K', WindowCB},

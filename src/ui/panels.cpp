@@ -6,15 +6,19 @@
 #include "console/monitor.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
+#include "watch/item_panel.h"
+#include "watch/list_events.h"
 #include "watch/litem.h"
+#include "watch/memory_panel.h"
 #include "watch/refresh.h"
 #include "watch/selectors.h"
+#include "watch/value_panel.h"
 
 const UI_Panel UI_aPanels[] = {
     {PANEL_MAIN, "main", "Vireo2", PanelCB},
-    {PANEL_VALUE, "value", "Value", nullptr},
-    {PANEL_MEMORY, "memory", "Memory", nullptr},
-    {PANEL_ITEM, "item", "Watch item", nullptr},
+    {PANEL_VALUE, "value", "Write value", VLP_PanelCB},
+    {PANEL_MEMORY, "memory", "Memory", MMP_PanelCB},
+    {PANEL_ITEM, "item", "Watch item", ITP_PanelCB},
     {PANEL_CONSOLE, "console", "Console", nullptr},
     {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
     {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
@@ -31,7 +35,7 @@ const UI_Panel UI_aPanels[] = {
 const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
 
 const UI_Control UI_aControls[] = {
-    {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", nullptr},
+    {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", LEV_ListCB},
     {PANEL_MAIN, MAIN_TIMER, UIK_TIMER, "timer", timerCB},
     {PANEL_MAIN, MAIN_COMM, UIK_SWITCH, "comm", CommSwitchCB},
     {PANEL_MAIN, MAIN_STOPPED, UIK_LED, "stopped", nullptr},
@@ -57,6 +61,43 @@ const UI_Control UI_aControls[] = {
     {PANEL_CONSOLE, CONSOLE_BOX, UIK_TEXTBOX, "box", nullptr},
     {PANEL_CONSOLE, CONSOLE_PROMPT, UIK_TEXT, "prompt", nullptr},
     {PANEL_CONSOLE, CONSOLE_INPUT, UIK_STRING, "input", StrinCB},
+
+    {PANEL_ITEM, WITEM_NAME, UIK_STRING, "name", ITP_NameCB},
+    {PANEL_ITEM, WITEM_PLACE, UIK_TEXT, "place", nullptr},
+    {PANEL_ITEM, WITEM_TYPE, UIK_RING, "type", ITP_TypeCB},
+    {PANEL_ITEM, WITEM_SIZE, UIK_RING, "valueSize", ITP_TypeCB},
+    {PANEL_ITEM, WITEM_POSITION, UIK_RING, "position", ITP_RingCB},
+    {PANEL_ITEM, WITEM_ERROR, UIK_TEXT, "error", nullptr},
+    {PANEL_ITEM, WITEM_OK, UIK_BUTTON, "ok", ITP_OkCB},
+    {PANEL_ITEM, WITEM_CANCEL, UIK_BUTTON, "cancel", ITP_CancelCB},
+
+    {PANEL_VALUE, VALUE_NAME, UIK_TEXT, "name", nullptr},
+    {PANEL_VALUE, VALUE_ADDRESS, UIK_TEXT, "address", nullptr},
+    {PANEL_VALUE, VALUE_STATION, UIK_TEXT, "station", nullptr},
+    {PANEL_VALUE, VALUE_TYPE, UIK_TEXT, "type", nullptr},
+    {PANEL_VALUE, VALUE_SHOWN, UIK_TEXT, "shown", nullptr},
+    {PANEL_VALUE, VALUE_DECIMAL, UIK_TEXT, "decimal", nullptr},
+    {PANEL_VALUE, VALUE_HEX, UIK_TEXT, "hex", nullptr},
+    {PANEL_VALUE, VALUE_BINARY, UIK_TEXT, "binary", nullptr},
+    {PANEL_VALUE, VALUE_FLOAT, UIK_TEXT, "single", nullptr},
+    {PANEL_VALUE, VALUE_READ, UIK_BUTTON, "read", VLP_ReadCB},
+    {PANEL_VALUE, VALUE_NEW, UIK_STRING, "newValue", VLP_NewCB},
+    {PANEL_VALUE, VALUE_HINT, UIK_TEXT, "hint", nullptr},
+    {PANEL_VALUE, VALUE_WRITE, UIK_BUTTON, "write", VLP_WriteCB},
+    {PANEL_VALUE, VALUE_RESULT, UIK_TEXT, "result", nullptr},
+    {PANEL_VALUE, VALUE_CLOSE, UIK_BUTTON, "closePanel", VLP_CloseCB},
+    {PANEL_VALUE, VALUE_TIMER, UIK_TIMER, "timer", VLP_TimerCB},
+
+    {PANEL_MEMORY, MEMORY_ADDRESS, UIK_STRING, "address", MMP_AddressCB},
+    {PANEL_MEMORY, MEMORY_COUNT, UIK_NUMBER, "count", MMP_CountCB},
+    {PANEL_MEMORY, MEMORY_PLACE, UIK_TEXT, "place", nullptr},
+    {PANEL_MEMORY, MEMORY_READ, UIK_BUTTON, "read", MMP_ReadCB},
+    {PANEL_MEMORY, MEMORY_LIST, UIK_LIST, "list", MMP_ListCB},
+    {PANEL_MEMORY, MEMORY_LINE, UIK_STRING, "line", MMP_LineCB},
+    {PANEL_MEMORY, MEMORY_WRITE, UIK_BUTTON, "write", MMP_WriteCB},
+    {PANEL_MEMORY, MEMORY_RESULT, UIK_TEXT, "result", nullptr},
+    {PANEL_MEMORY, MEMORY_COPY, UIK_BUTTON, "copy", MMP_CopyCB},
+    {PANEL_MEMORY, MEMORY_CLOSE, UIK_BUTTON, "closePanel", MMP_CloseCB},
 
     {PANEL_STATISTICS, STATISTICS_ANSWERED, UIK_TEXT, "answered", nullptr},
     {PANEL_STATISTICS, STATISTICS_TIMEOUTS, UIK_TEXT, "timeouts", nullptr},

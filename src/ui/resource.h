@@ -55,6 +55,52 @@ enum {
     CONSOLE_INPUT = 3,
 };
 
+// Item panel.
+enum {
+    WITEM_NAME = 1,         // name or address
+    WITEM_PLACE = 2,        // what the name resolves to
+    WITEM_TYPE = 3,         // value = type letter
+    WITEM_SIZE = 4,         // value = bytes
+    WITEM_POSITION = 5,     // only when adding
+    WITEM_ERROR = 6,
+    WITEM_OK = 7,
+    WITEM_CANCEL = 8,
+};
+
+// Value editor.
+enum {
+    VALUE_NAME = 1,
+    VALUE_ADDRESS = 2,
+    VALUE_STATION = 3,
+    VALUE_TYPE = 4,
+    VALUE_SHOWN = 5,        // as the list shows it
+    VALUE_DECIMAL = 6,
+    VALUE_HEX = 7,
+    VALUE_BINARY = 8,
+    VALUE_FLOAT = 9,
+    VALUE_READ = 10,
+    VALUE_NEW = 11,
+    VALUE_HINT = 12,
+    VALUE_WRITE = 13,
+    VALUE_RESULT = 14,
+    VALUE_CLOSE = 15,
+    VALUE_TIMER = 16,
+};
+
+// Memory editor.
+enum {
+    MEMORY_ADDRESS = 1,
+    MEMORY_COUNT = 2,
+    MEMORY_PLACE = 3,       // what the address text designates
+    MEMORY_READ = 4,
+    MEMORY_LIST = 5,
+    MEMORY_LINE = 6,        // bytes of the selected line
+    MEMORY_WRITE = 7,
+    MEMORY_RESULT = 8,
+    MEMORY_COPY = 9,
+    MEMORY_CLOSE = 10,
+};
+
 // Statistics panel.
 enum {
     STATISTICS_ANSWERED = 1,
@@ -126,6 +172,7 @@ enum {
     MENU_PROTOCOL = 9,
     MENU_WINDOW = 10,
     MENU_HELP = 11,
+    MENU_CONSOLE = 12,
 };
 
 // Menu items; a name space of their own.
@@ -171,6 +218,20 @@ enum {
     ITEM_VARIABLES = 90,
     ITEM_STRUCTURES = 91,
     ITEM_CLOSE_PORT = 87,   // no port is open at start
+    ITEM_RUN_SCRIPT = 120,
+    ITEM_SAVE_CONSOLE = 121,
+    ITEM_COPY_CONSOLE = 122,
+    ITEM_CLEAR_CONSOLE = 123,
+    ITEM_ADD = 100,
+    ITEM_EDIT = 101,
+    ITEM_REMOVE = 102,
+    ITEM_MOVE_UP = 103,
+    ITEM_MOVE_DOWN = 104,
+    ITEM_WRITE_VALUE = 105,
+    ITEM_MEMORY = 106,
+    ITEM_COPY_LIST = 107,
+    ITEM_COPY_MEMORY = 108,
+    ITEM_SNAPSHOT = 109,
 };
 
 #endif

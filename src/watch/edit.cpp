@@ -7,6 +7,7 @@
 #include "app/VR.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "symbols/typemap_list.h"
 #include "ui/resource.h"
 #include "watch/list_view.h"
 #include "watch/litem.h"
@@ -123,6 +124,22 @@ int nameItem(LItem *item, const std::string &text)
     return 0;
 }
 
+int placeItem(LItem *item, uint32_t address, bool isTMS)
+{
+    if (address >= ADDR_LIMIT)
+        return EDT_ERR_ADDRESS;
+    item->name = isTMS ? "&" : "";
+    item->address = item->givenAddress = address;
+    return 0;
+}
+
+// As a user writes it: types of one size only go without.
+std::string typeFieldOf(const LItem &item)
+{
+    const bool isOneSize = std::strchr("bft", item.type) != nullptr;
+    return isOneSize ? std::string(1, item.type) : item.type + std::to_string(item.size);
+}
+
 // "[1F00]", "$1F00" and "0x1F00". Whether the text has one of these forms.
 bool isAddressText(std::string text, uint32_t *address)
 {
@@ -168,11 +185,14 @@ std::string EDT_SuggestType(const std::string &name)
     member = member.c_str();
     if (!member.empty() && member[0] == '&')
         member.erase(0, 1);
+    LItem known;
+    if (TMF_SuggestItem(member.c_str(), &known.type, &known.size) == 0)
+        return typeFieldOf(known);
     member.resize(std::min(member.find_first_of(" +-["), member.size()));
     const size_t dot = member.rfind('.');
     LItem item;
     DetectTypeByName(&item, member.c_str() + (dot == std::string::npos ? 0 : dot + 1));
-    return item.type == 'f' ? "f" : item.type + std::to_string(item.size);
+    return typeFieldOf(item);
 }
 
 int EDT_AddByName(const std::string &name, const std::string &typeField, int position)
@@ -186,23 +206,66 @@ int EDT_AddByName(const std::string &name, const std::string &typeField, int pos
 
 int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField, int position)
 {
-    if (address >= ADDR_LIMIT)
-        return EDT_ERR_ADDRESS;
     LItem item;
-    item.name = isTMS ? "&" : "";
-    item.address = item.givenAddress = address;
-    const int result = applyType(&item, typeField);
+    int result = placeItem(&item, address, isTMS);
+    if (result == 0)
+        result = applyType(&item, typeField);
     return result == 0 ? insertItem(item, position) : result;
+}
+
+int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
+{
+    const std::string what = trimmed(text);
+    const bool isTMS = !what.empty() && what[0] == '&';
+    LItem built;
+    uint32_t address;
+    int result = isAddressText(what.substr(isTMS), &address) ? placeItem(&built, address, isTMS)
+                                                             : nameItem(&built, what);
+    if (result == 0)
+        result = applyType(&built, typeField);
+    if (result == 0)
+        *item = built;
+    return result;
 }
 
 int EDT_AddText(const std::string &text, const std::string &typeField, int position)
 {
-    const std::string what = trimmed(text);
-    const bool isTMS = !what.empty() && what[0] == '&';
-    uint32_t address;
-    if (isAddressText(what.substr(isTMS), &address))
-        return EDT_AddByAddress(address, isTMS, typeField, position);
-    return EDT_AddByName(what, typeField, position);
+    LItem item;
+    const int result = EDT_Parse(text, typeField, &item);
+    return result == 0 ? insertItem(item, position) : result;
+}
+
+int EDT_Change(int index, const std::string &text, const std::string &typeField)
+{
+    if (!isIndex(index))
+        return EDT_ERR_INDEX;
+    if (trimmed(text) == LIT_Label(aLItems[index]))
+        return typeField == typeFieldOf(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
+    LItem item;
+    const int result = EDT_Parse(text, typeField, &item);
+    if (result != 0)
+        return result;
+    aLItems[index] = item;
+    changed(index);
+    return 0;
+}
+
+EDT_Reference EDT_Refer(int index)
+{
+    EDT_Reference reference;
+    if (isIndex(index))
+        reference = {index, LIT_Label(aLItems[index])};
+    return reference;
+}
+
+int EDT_Find(const EDT_Reference &reference)
+{
+    if (isIndex(reference.index) && LIT_Label(aLItems[reference.index]) == reference.label)
+        return reference.index;
+    for (int i = 0; i < nLItems; ++i)
+        if (LIT_Label(aLItems[i]) == reference.label)
+            return i;
+    return -1;
 }
 
 int EDT_Remove(int index)

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string>
 
+struct LItem;
+
 enum EDT_Result {
     EDT_ERR_INDEX = -1,   // no such line
     EDT_ERR_FULL = -2,    // the list holds LITEMS_MAX items
@@ -19,8 +21,9 @@ const char *EDT_ErrorText(int result); // one sentence; "" for 0 and above
 
 constexpr int EDT_AT_END = -1;
 
-// Type field for a name ("u2"), from its prefix; "i2" when that says nothing. Takes the
-// last member of a path; station prefix and "&" are skipped.
+// Type field for a name ("u2"): from the type map when it knows the name, else from the
+// name's prefix (the last member's of a path); "i2" when neither says anything. Station
+// prefix and "&" are skipped.
 std::string EDT_SuggestType(const std::string &name);
 
 // A type field is "b", "f", "t" or one of i u x p with 1, 2, 4 or 8. "" takes the
@@ -31,6 +34,20 @@ int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField,
 // What a user types: "$1F00", "0x1F00" or "[1F00]", each with "&" in front for the
 // TMS320, is an address; anything else a name.
 int EDT_AddText(const std::string &text, const std::string &typeField, int position);
+
+// The item that EDT_AddText would add, resolved. 0 or EDT_ERR_, *item untouched then.
+int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item);
+// Puts what the text stands for in place of an item; the item's own label changes its type
+// only. 0 or EDT_ERR_.
+int EDT_Change(int index, const std::string &text, const std::string &typeField);
+
+// Which item a window is about, while others may move, remove or load items.
+struct EDT_Reference {
+    int index = -1;
+    std::string label;
+};
+EDT_Reference EDT_Refer(int index);
+int EDT_Find(const EDT_Reference &reference); // the item's index now, -1 = it is gone
 
 int EDT_Remove(int index); // 0; the item is kept for one undo
 int EDT_UndoRemove();      // index of the item that is back, or EDT_ERR_

@@ -76,6 +76,7 @@ PanelWindow *GuiWindow(int panel)
 void GuiShow(int panel)
 {
     ASSERT_EQ(DisplayPanel(panel), 0);
+    QApplication::setActiveWindow(GuiWindow(panel)->window());
     ASSERT_TRUE(QTest::qWaitForWindowActive(GuiWindow(panel)->window()));
     GuiSettle();
 }
@@ -98,10 +99,12 @@ void GuiAnswerNext(std::function<void(QWidget *popup)> act)
             return;
         timer->deleteLater();
         timer->stop();
-        if (popup)
-            act(popup);
-        else
+        if (!popup) {
             ADD_FAILURE() << "no pop-up came";
+            return;
+        }
+        QApplication::setActiveWindow(popup);
+        act(popup);
     });
     timer->start(10);
 }

@@ -27,8 +27,7 @@ std::ostream &operator<<(std::ostream &out, const GuiEvent &event);
 extern std::vector<GuiEvent> guiEvents;
 extern std::function<int(const GuiEvent &)> guiAnswer; // may be empty: 0
 
-class FaceTest : public testing::Test
-{
+class FaceTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
@@ -37,7 +36,8 @@ protected:
 template <class W = QWidget> W *GuiWidget(int panel, int control)
 {
     FaceControl *found = nullptr;
-    return FACE_FindControl(panel, control, &found) < 0 ? nullptr : qobject_cast<W *>(found->widget);
+    return FACE_FindControl(panel, control, &found) < 0 ? nullptr
+                                                        : qobject_cast<W *>(found->widget);
 }
 PanelWindow *GuiWindow(int panel);
 // Shows a panel and waits until it has the keyboard.

@@ -63,11 +63,10 @@ TEST_F(FaceTest, ReportsWhatTheUserDoesAndNotWhatTheProgramDoes)
     QTest::mouseClick(GuiWidget(PANEL_MAIN, MAIN_BTN_SAVE), Qt::LeftButton);
     GuiWidget<QSpinBox>(PANEL_MAIN, MAIN_FM_SAMPLES)->stepUp();
     QTest::keyClicks(GuiWidget(PANEL_MAIN, MAIN_MEM_ADDR), "0");
-    const std::vector<GuiEvent> expected = {
-        {PANEL_MAIN, MAIN_COMM, EVENT_COMMIT, 0},
-        {PANEL_MAIN, MAIN_BTN_SAVE, EVENT_COMMIT, 0},
-        {PANEL_MAIN, MAIN_FM_SAMPLES, EVENT_VAL_CHANGED, 0},
-        {PANEL_MAIN, MAIN_MEM_ADDR, EVENT_VAL_CHANGED, 0}};
+    const std::vector<GuiEvent> expected = {{PANEL_MAIN, MAIN_COMM, EVENT_COMMIT, 0},
+                                            {PANEL_MAIN, MAIN_BTN_SAVE, EVENT_COMMIT, 0},
+                                            {PANEL_MAIN, MAIN_FM_SAMPLES, EVENT_VAL_CHANGED, 0},
+                                            {PANEL_MAIN, MAIN_MEM_ADDR, EVENT_VAL_CHANGED, 0}};
     guiEvents.erase(std::remove_if(guiEvents.begin(), guiEvents.end(),
                                    [](const GuiEvent &e) { return e.event == EVENT_KEYPRESS; }),
                     guiEvents.end());

@@ -105,7 +105,10 @@ TEST_F(FaceTest, FileSelectTellsNewFromExisting)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     const auto choose = [](const QString &name) {
         return [name](QWidget *popup) {
-            popup->findChild<QLineEdit *>("fileNameEdit")->setText(name);
+            auto *entry = popup->findChild<QLineEdit *>("fileNameEdit");
+            entry->setFocus();
+            entry->selectAll();
+            QTest::keyClicks(entry, name);
             static_cast<QDialog *>(popup)->accept();
         };
     };

@@ -122,9 +122,9 @@ TEST_F(FaceTest, OffersKeysToTheControlThenToThePanel)
     QWidget *field = GuiWidget(PANEL_MAIN, MAIN_MEM_ADDR);
     field->setFocus();
     QTest::keyClick(field, Qt::Key_Home);
-    EXPECT_EQ(guiEvents, (std::vector<GuiEvent>{
-                             {PANEL_MAIN, MAIN_MEM_ADDR, EVENT_KEYPRESS, KEY_HOME},
-                             {PANEL_MAIN, 0, EVENT_KEYPRESS, KEY_HOME}}));
+    EXPECT_EQ(guiEvents,
+              (std::vector<GuiEvent>{{PANEL_MAIN, MAIN_MEM_ADDR, EVENT_KEYPRESS, KEY_HOME},
+                                     {PANEL_MAIN, 0, EVENT_KEYPRESS, KEY_HOME}}));
     guiEvents.clear();
     guiAnswer = [](const GuiEvent &) { return 1; };
     SetCtrlVal(PANEL_MAIN, MAIN_MEM_ADDR, "");

@@ -5,6 +5,7 @@
 #define TESTS_SUPPORT_CONSOLE_RIG_H
 
 #include <cstdint>
+#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
@@ -31,13 +32,13 @@ struct ConsoleRig : testing::Test {
 
     void SetUp() override
     {
-        char buffer[] = "/tmp/consoleXXXXXX";
+        std::string scratch = std::filesystem::temp_directory_path() / "consoleXXXXXX";
         char current[PATH_MAX_CHARS];
-        ASSERT_NE(mkdtemp(buffer), nullptr);
+        ASSERT_NE(mkdtemp(&scratch[0]), nullptr);
         ASSERT_NE(getcwd(current, sizeof current), nullptr);
-        folder = buffer;
+        folder = scratch;
         oldFolder = current;
-        ASSERT_EQ(chdir(buffer), 0);
+        ASSERT_EQ(chdir(folder.c_str()), 0);
         HL_Reset();
         ASSERT_EQ(HL_LoadAllPanels(), 0);
         mainPanel = PANEL_MAIN;
@@ -54,7 +55,7 @@ struct ConsoleRig : testing::Test {
         if (target)
             SIMT_Stop(RIG_PORT, target);
         EXPECT_EQ(chdir(oldFolder.c_str()), 0);
-        EXPECT_EQ(system(("rm -rf " + folder).c_str()), 0);
+        std::filesystem::remove_all(folder);
         ResetSettings();
         HL_Reset();
     }

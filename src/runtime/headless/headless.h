@@ -69,6 +69,7 @@ int HL_SelectLine(int panel, int control, int index); // then EVENT_VAL_CHANGED
 int HL_Key(int panel, int control, int key);
 int HL_Event(int panel, int control, int event, int data); // any event, straight to the callback
 int HL_ClosePanel(int panel);
+int HL_ActivatePanel(int panel); // turns to the panel's window
 int HL_ResizePanel(int panel, int height, int width);
 
 // --- what the user sees -----------------------------------------------------------------
@@ -78,6 +79,9 @@ std::string HL_GetTip(int panel, int control, int index);      // tip of a list 
 std::vector<int> HL_GetMenuItems(int menu);                    // items from top to bottom
 std::string HL_GetMenuText(int item);
 int HL_GetShortcut(int item);
+int HL_GetPopupMenu();                                         // last menu shown at the mouse, 0 = none
+// What is offered for the text that stands in a field now.
+std::vector<std::string> HL_Complete(int panel, int control);
 const std::string &HL_GetClipboard();
 const std::vector<std::string> &HL_GetLaunched(); // command lines given to LaunchExecutable
 

@@ -261,3 +261,15 @@ int GetActiveCtrl(int panel)
     const HL_Panel *p = HL_FindPanel(panel, &error);
     return p ? p->focus : error;
 }
+
+int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
+{
+    int error = 0;
+    HL_Control *c = HL_FindControl(panel, control, &error);
+    if (!c)
+        return error;
+    if (c->row->kind != UIK_STRING)
+        return UIE_BAD_TYPE;
+    c->completion = callback;
+    return 0;
+}

@@ -88,3 +88,16 @@ int DiscardMenuItem(int menuBar, int item)
     state.items.erase(state.items.begin() + (found - state.items.data()));
     return 0;
 }
+
+int RunPopupMenu(int menuBar, int menu)
+{
+    if (menuBar != UI_nMenuPanel)
+        return UIE_NO_PANEL;
+    for (int i = 0; i < UI_cnMenus; i++) {
+        if (UI_aMenus[i].menu == menu) {
+            HL_GetState().popupMenu = menu;
+            return 0;
+        }
+    }
+    return UIE_NO_ITEM;
+}

@@ -34,6 +34,7 @@ struct HL_Control {
     bool isVisible = true;
     int color = 0;
     int mode = 1;
+    CompletionCallback completion = nullptr;
     HL_Rect rect;
     std::string label;
     std::string tooltip;
@@ -70,6 +71,7 @@ struct HL_State {
     std::vector<HL_Panel> panels;
     std::vector<HL_MenuItem> items; // in menu order
     int nextItem = 1000;
+    int popupMenu = 0;
     bool isSuspended = true;
     bool isQuit = false;
     int quitCode = 0;

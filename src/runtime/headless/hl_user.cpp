@@ -33,7 +33,8 @@ int OwnKeyAction(HL_Control *c, int key)
         c->selected = std::clamp(c->selected + (key == KEY_DOWN ? 1 : -1), std::min(0, last), last);
         return 0;
     }
-    if (key == KEY_ENTER && (c->row->kind == UIK_STRING || c->row->kind == UIK_NUMBER))
+    if (key == KEY_ENTER && (c->row->kind == UIK_STRING || c->row->kind == UIK_NUMBER ||
+                             c->row->kind == UIK_LIST))
         return HL_Event(panel, control, EVENT_COMMIT, 0);
     return 0;
 }
@@ -140,6 +141,11 @@ int HL_ClosePanel(int panel)
     return PanelEvent(panel, EVENT_CLOSE, 0);
 }
 
+int HL_ActivatePanel(int panel)
+{
+    return PanelEvent(panel, EVENT_ACTIVATED, 0);
+}
+
 int HL_ResizePanel(int panel, int height, int width)
 {
     int error = 0;
@@ -193,4 +199,18 @@ int HL_GetShortcut(int item)
 {
     const HL_MenuItem *found = HL_FindItem(item);
     return found ? found->shortcut : UIE_NO_ITEM;
+}
+
+int HL_GetPopupMenu()
+{
+    return HL_GetState().popupMenu;
+}
+
+std::vector<std::string> HL_Complete(int panel, int control)
+{
+    int error = 0;
+    const HL_Control *c = HL_FindControl(panel, control, &error);
+    if (!c || !c->completion)
+        return {};
+    return c->completion(panel, control, c->text);
 }

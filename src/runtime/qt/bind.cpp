@@ -29,11 +29,11 @@ struct ClassRow {
 };
 
 const ClassRow classRows[] = {
-    {UIK_BUTTON, &QPushButton::staticMetaObject}, {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
-    {UIK_LED, &LedLabel::staticMetaObject},       {UIK_TEXT, &QLabel::staticMetaObject},
-    {UIK_STRING, &QLineEdit::staticMetaObject},   {UIK_NUMBER, &QSpinBox::staticMetaObject},
+    {UIK_BUTTON, &QPushButton::staticMetaObject},    {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
+    {UIK_LED, &LedLabel::staticMetaObject},          {UIK_TEXT, &QLabel::staticMetaObject},
+    {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
     {UIK_NUMBER, &QDoubleSpinBox::staticMetaObject}, {UIK_RING, &QComboBox::staticMetaObject},
-    {UIK_LIST, &LineList::staticMetaObject},      {UIK_TEXTBOX, &TextBox::staticMetaObject},
+    {UIK_LIST, &LineList::staticMetaObject},         {UIK_TEXTBOX, &TextBox::staticMetaObject},
     {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
@@ -58,7 +58,10 @@ auto Reporter(FaceControl *control, int event)
 void ConnectField(FaceControl *control, QLineEdit *field)
 {
     QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
-    QObject::connect(field, &QLineEdit::returnPressed, Reporter(control, EVENT_COMMIT));
+    QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
+        if (!FACE_IsBusy() && !FACE_IsChoosing(field))
+            FACE_Call(*control, EVENT_COMMIT, 0);
+    });
 }
 
 void ConnectNumber(FaceControl *control)
@@ -90,8 +93,8 @@ void Connect(FaceControl *control)
     switch (control->row->kind) {
     case UIK_BUTTON:
     case UIK_SWITCH:
-        QObject::connect(static_cast<QAbstractButton *>(control->widget),
-                         &QAbstractButton::clicked, Reporter(control, EVENT_COMMIT));
+        QObject::connect(static_cast<QAbstractButton *>(control->widget), &QAbstractButton::clicked,
+                         Reporter(control, EVENT_COMMIT));
         break;
     case UIK_STRING:
         ConnectField(control, static_cast<QLineEdit *>(control->widget));

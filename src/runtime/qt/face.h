@@ -12,6 +12,7 @@
 
 class PanelWindow;
 class QAction;
+class QLineEdit;
 class QMenuBar;
 class QTimer;
 class QWidget;
@@ -28,9 +29,9 @@ struct FaceControl {
 
 struct FacePanel {
     const UI_Panel *row = nullptr;
-    PanelCallback callback = nullptr; // the row's; tests put their own here
-    PanelWindow *window = nullptr;    // null until loaded
-    FacePanel *parent = nullptr;      // null for a window of its own
+    PanelCallback callback = nullptr;  // the row's; tests put their own here
+    PanelWindow *window = nullptr;     // null until loaded
+    FacePanel *parent = nullptr;       // null for a window of its own
     std::vector<FaceControl> controls; // filled once, at loading: addresses stay valid
 };
 
@@ -56,7 +57,8 @@ bool FACE_IsBusy();
 // The window a pop-up belongs to: the one in use, else any panel that is on the
 // screen; null when there is none.
 QWidget *FACE_PopupParent();
-int FACE_Call(const FaceControl &control, int event, int data); // the callback's result, 0 without one
+int FACE_Call(const FaceControl &control, int event,
+              int data); // the callback's result, 0 without one
 int FACE_Call(const FacePanel &panel, int event, int data);
 
 // --- parts of loading -------------------------------------------------------------------
@@ -69,9 +71,14 @@ void FACE_StartTimer(FaceControl *timer); // obeys the suspension of timers
 QMenuBar *FACE_BuildMenuBar(QWidget *window);
 QAction *FACE_MenuAction(int item); // null when there is no such item
 
+// Whether the user is picking one of the completions of a field: Enter then takes it and
+// means nothing else.
+bool FACE_IsChoosing(const QLineEdit *field);
+
 // --- keys and looks -----------------------------------------------------------------------
 void FACE_InstallKeyRouting();
 int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text); // 0 = none
+int FACE_QtKey(int code); // Qt's code for a key without its modifiers; 0 = none
 void FACE_ApplyLook();
 
 // --- texts --------------------------------------------------------------------------------

@@ -9,20 +9,30 @@
 
 namespace {
 
+constexpr int KEY_MASK = 0xFFF; // a key code without its modifiers
+
 struct KeyRow {
     int qtKey;
     int code;
 };
 
 const KeyRow keyRows[] = {
-    {Qt::Key_Return, KEY_ENTER},      {Qt::Key_Enter, KEY_ENTER},
-    {Qt::Key_Escape, KEY_ESC},        {Qt::Key_Tab, KEY_TAB},
-    {Qt::Key_Backtab, KEY_TAB},       {Qt::Key_Up, KEY_UP},
-    {Qt::Key_Down, KEY_DOWN},         {Qt::Key_Left, KEY_LEFT},
-    {Qt::Key_Right, KEY_RIGHT},       {Qt::Key_PageUp, KEY_PAGE_UP},
-    {Qt::Key_PageDown, KEY_PAGE_DOWN}, {Qt::Key_Home, KEY_HOME},
-    {Qt::Key_End, KEY_END},           {Qt::Key_Insert, KEY_INSERT},
-    {Qt::Key_Delete, KEY_DELETE},     {Qt::Key_Backspace, KEY_BACKSPACE},
+    {Qt::Key_Return, KEY_ENTER},
+    {Qt::Key_Enter, KEY_ENTER},
+    {Qt::Key_Escape, KEY_ESC},
+    {Qt::Key_Tab, KEY_TAB},
+    {Qt::Key_Backtab, KEY_TAB},
+    {Qt::Key_Up, KEY_UP},
+    {Qt::Key_Down, KEY_DOWN},
+    {Qt::Key_Left, KEY_LEFT},
+    {Qt::Key_Right, KEY_RIGHT},
+    {Qt::Key_PageUp, KEY_PAGE_UP},
+    {Qt::Key_PageDown, KEY_PAGE_DOWN},
+    {Qt::Key_Home, KEY_HOME},
+    {Qt::Key_End, KEY_END},
+    {Qt::Key_Insert, KEY_INSERT},
+    {Qt::Key_Delete, KEY_DELETE},
+    {Qt::Key_Backspace, KEY_BACKSPACE},
 };
 
 int SpecialKey(int qtKey)
@@ -66,8 +76,7 @@ bool LeaveOnEscape(const FacePanel *panel, int code)
     return true;
 }
 
-class KeyRouter : public QObject
-{
+class KeyRouter : public QObject {
 public:
     using QObject::QObject;
 
@@ -76,17 +85,19 @@ public:
         auto *receiver = qobject_cast<QWidget *>(object);
         if (event->type() != QEvent::KeyPress || !receiver || FACE_IsBusy())
             return false;
+        if (QApplication::activePopupWidget()) // an open ring or menu takes its keys itself
+            return false;
         // An ignored key climbs to the parents; it is offered on its first stop only.
         if (receiver->focusWidget() && receiver->focusWidget() != receiver)
             return false;
         PanelWindow *window = PanelWindow::holding(receiver);
-        if (!window)
-            return false;
+        if (!window || receiver->window() != window->window())
+            return false; // the list of an open ring has its keys to itself
         const auto *key = static_cast<QKeyEvent *>(event);
         const int code = FACE_KeyCode(key->key(), key->modifiers(), key->text());
         const FaceControl *control = FACE_ControlOf(receiver);
-        return code != 0 && (Offer(window->record(), control, code) ||
-                             LeaveOnEscape(window->record(), code));
+        return code != 0 &&
+               (Offer(window->record(), control, code) || LeaveOnEscape(window->record(), code));
     }
 };
 
@@ -108,6 +119,17 @@ int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text
     // What was typed already tells whether Shift was down.
     const int typed = text.size() == 1 ? text.at(0).unicode() : 0;
     return IsPrintable(typed) ? typed : 0;
+}
+
+int FACE_QtKey(int code)
+{
+    const int key = code & KEY_MASK;
+    if (key >= KEY_F1)
+        return Qt::Key_F1 + (key - KEY_F1);
+    for (const KeyRow &row : keyRows)
+        if (row.code == key)
+            return row.qtKey;
+    return IsPrintable(key) ? key : 0;
 }
 
 void FACE_InstallKeyRouting()

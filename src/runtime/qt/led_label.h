@@ -6,8 +6,7 @@
 #include <QColor>
 #include <QLabel>
 
-class LedLabel : public QLabel
-{
+class LedLabel : public QLabel {
     Q_OBJECT
     Q_PROPERTY(bool on READ isOn WRITE setOn)
     Q_PROPERTY(QColor lamp READ lamp WRITE setLamp)

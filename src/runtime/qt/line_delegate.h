@@ -6,8 +6,7 @@
 #include <QFont>
 #include <QStyledItemDelegate>
 
-class LineDelegate : public QStyledItemDelegate
-{
+class LineDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
 public:

@@ -178,7 +178,8 @@ void LineList::selectionChanged(const QItemSelection &now, const QItemSelection 
 void LineList::focusInEvent(QFocusEvent *event)
 {
     QListView::focusInEvent(event);
-    if (m_selected < 0 && m_model->rowCount() > 0)
+    const bool isByMouse = event->reason() == Qt::MouseFocusReason; // the click selects a line
+    if (!isByMouse && m_selected < 0 && m_model->rowCount() > 0)
         setCurrentIndex(m_model->index(qBound(0, firstVisible(), m_model->rowCount() - 1)));
 }
 

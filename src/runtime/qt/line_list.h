@@ -18,8 +18,7 @@ struct ListLine {
     std::string tip;
 };
 
-class LineModel : public QAbstractListModel
-{
+class LineModel : public QAbstractListModel {
     Q_OBJECT
 
 public:
@@ -42,8 +41,7 @@ private:
     std::vector<ShownLine> m_shown;
 };
 
-class LineList : public QListView
-{
+class LineList : public QListView {
     Q_OBJECT
 
 public:

@@ -3,8 +3,8 @@
 #include "runtime/qt/face.h"
 
 #include <QApplication>
-#include <QPainter>
 #include <QIcon>
+#include <QPainter>
 #include <QPalette>
 #include <QPixmap>
 #include <QStyleFactory>
@@ -20,12 +20,18 @@ struct ColorRow {
 };
 
 const ColorRow colorRows[] = {
-    {QPalette::Window, 0xFFF1F4F7},        {QPalette::WindowText, 0xFF1E2A36},
-    {QPalette::Base, 0xFFFFFFFF},          {QPalette::AlternateBase, 0xFFF6F8FA},
-    {QPalette::Text, 0xFF1E2A36},          {QPalette::Button, 0xFFFBFCFD},
-    {QPalette::ButtonText, 0xFF1E2A36},    {QPalette::Highlight, 0xFF2A6DAF},
-    {QPalette::HighlightedText, 0xFFFFFFFF}, {QPalette::PlaceholderText, 0xFF7A8794},
-    {QPalette::ToolTipBase, 0xFFFFFFF2},   {QPalette::ToolTipText, 0xFF1E2A36},
+    {QPalette::Window, 0xFFF1F4F7},
+    {QPalette::WindowText, 0xFF1E2A36},
+    {QPalette::Base, 0xFFFFFFFF},
+    {QPalette::AlternateBase, 0xFFF6F8FA},
+    {QPalette::Text, 0xFF1E2A36},
+    {QPalette::Button, 0xFFFBFCFD},
+    {QPalette::ButtonText, 0xFF1E2A36},
+    {QPalette::Highlight, 0xFF2A6DAF},
+    {QPalette::HighlightedText, 0xFFFFFFFF},
+    {QPalette::PlaceholderText, 0xFF7A8794},
+    {QPalette::ToolTipBase, 0xFFFFFFF2},
+    {QPalette::ToolTipText, 0xFF1E2A36},
     {QPalette::Link, 0xFF2A6DAF},
 };
 
@@ -80,7 +86,8 @@ QIcon MakeIcon()
     painter.drawRoundedRect(4, 4, ICON_PIXELS - 8, ICON_PIXELS - 8, 22, 22);
     painter.setPen(QPen(QColor(0x6F, 0xE0, 0x9A), 9, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
     painter.setBrush(Qt::NoBrush);
-    const QPoint wave[] = {{20, 84}, {42, 84}, {42, 44}, {66, 44}, {66, 84}, {88, 84}, {88, 44}, {108, 44}};
+    const QPoint wave[] = {{20, 84}, {42, 84}, {42, 44}, {66, 44},
+                           {66, 84}, {88, 84}, {88, 44}, {108, 44}};
     painter.drawPolyline(wave, sizeof wave / sizeof wave[0]);
     return QIcon(pixmap);
 }

@@ -2,6 +2,8 @@
 #include "runtime/qt/face.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QCursor>
 #include <QHash>
 #include <QMenu>
 #include <QMenuBar>
@@ -19,11 +21,7 @@ int nextItem = FIRST_NEW_ITEM;
 
 QKeySequence Shortcut(int code)
 {
-    int key = code & 0xFFF;
-    if (key >= KEY_F1)
-        key = Qt::Key_F1 + (key - KEY_F1);
-    else if (key > 0x7E)
-        return QKeySequence(); // none of the menus' keys
+    const int key = FACE_QtKey(code);
     Qt::KeyboardModifiers modifiers;
     modifiers.setFlag(Qt::ControlModifier, code & KEY_CTRL);
     modifiers.setFlag(Qt::AltModifier, code & KEY_ALT);
@@ -97,6 +95,16 @@ int FindAction(int menuBar, int item, QAction **action)
         return UIE_NO_PANEL;
     *action = actions.value(item);
     return *action ? 0 : UIE_NO_ITEM;
+}
+
+// The mouse when it is in the control in use, else the place the keyboard is at there.
+QPoint PopupPlace()
+{
+    const QWidget *widget = QApplication::focusWidget();
+    if (!widget || widget->rect().contains(widget->mapFromGlobal(QCursor::pos())))
+        return QCursor::pos();
+    return widget->mapToGlobal(
+        widget->inputMethodQuery(Qt::ImCursorRectangle).toRect().bottomLeft());
 }
 
 } // namespace
@@ -194,5 +202,16 @@ int DiscardMenuItem(int menuBar, int item)
     actions.remove(item);
     action->setVisible(false);
     action->deleteLater(); // it may be the one whose callback is running
+    return 0;
+}
+
+int RunPopupMenu(int menuBar, int menu)
+{
+    if (menuBar != UI_nMenuPanel)
+        return UIE_NO_PANEL;
+    QMenu *found = menus.value(menu);
+    if (!found)
+        return UIE_NO_ITEM;
+    found->popup(PopupPlace());
     return 0;
 }

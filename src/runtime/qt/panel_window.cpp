@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int RETRY_MS = 20; // how soon a report that came at a bad time is tried again
+constexpr int RETRY_MS = 20;           // how soon a report that came at a bad time is tried again
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
 // The first widget of the panel that takes the keyboard, in tab order.
@@ -90,6 +90,18 @@ void PanelWindow::setCoveredBy(PanelWindow *child)
         m_focusBefore->setFocus();
     else
         FirstInTabOrder(content)->setFocus();
+}
+
+// Reported once the event loop turns: a callback may want to ask a question.
+void PanelWindow::changeEvent(QEvent *event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() != QEvent::ActivationChange || !isWindow() || !isActiveWindow())
+        return;
+    QTimer::singleShot(0, this, [this] {
+        if (isActiveWindow() && !FACE_IsBusy())
+            FACE_Call(*m_record, EVENT_ACTIVATED, 0);
+    });
 }
 
 void PanelWindow::closeEvent(QCloseEvent *event)

@@ -9,8 +9,7 @@
 struct FacePanel;
 class QMenuBar;
 
-class PanelWindow : public QWidget
-{
+class PanelWindow : public QWidget {
     Q_OBJECT
 
 public:
@@ -38,6 +37,7 @@ public:
     void requestClose();
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
 

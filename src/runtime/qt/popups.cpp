@@ -15,9 +15,9 @@
 
 namespace {
 
-constexpr int ENTRY_MIN_WIDTH = 320;        // pixels
+constexpr int ENTRY_MIN_WIDTH = 320; // pixels
 constexpr size_t BUTTONS_MAX = 3;
-constexpr size_t ENTRY_MAX_CHARS = 32767;   // what an entry field can hold at all
+constexpr size_t ENTRY_MAX_CHARS = 32767; // what an entry field can hold at all
 
 // An open menu would keep the mouse and the keyboard from the pop-up.
 void CloseMenus()
@@ -38,7 +38,8 @@ int RunMessageBox(QMessageBox *box)
 // A bound in bytes: characters outside ASCII take more than one.
 void KeepWithin(QLineEdit *entry, size_t maxLength)
 {
-    const size_t bound = maxLength == 0 || maxLength > ENTRY_MAX_CHARS ? ENTRY_MAX_CHARS : maxLength;
+    const size_t bound =
+        maxLength == 0 || maxLength > ENTRY_MAX_CHARS ? ENTRY_MAX_CHARS : maxLength;
     entry->setMaxLength(static_cast<int>(bound));
     QObject::connect(entry, &QLineEdit::textChanged, [entry, bound](const QString &now) {
         QString text = now;
@@ -181,9 +182,8 @@ int GenericMessagePopup(const std::string &title, const std::string &message,
     return Ask({title, message, buttons, text, maxLength});
 }
 
-int FileSelectPopup(const std::string &directory, const std::string &spec,
-                    const std::string &types, const std::string &title, int mode,
-                    std::string *path)
+int FileSelectPopup(const std::string &directory, const std::string &spec, const std::string &types,
+                    const std::string &title, int mode, std::string *path)
 {
     const FaceBusy busy;
     CloseMenus();

@@ -7,8 +7,7 @@
 
 #include <QPlainTextEdit>
 
-class TextBox : public QPlainTextEdit
-{
+class TextBox : public QPlainTextEdit {
     Q_OBJECT
 
 public:

@@ -57,8 +57,9 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     painter.setBrush(isDown() ? QColor(0xE6, 0xEE, 0xF5) : QColor(Qt::white));
     painter.drawEllipse(QRectF(left, track.top() + KNOB_INSET, knob, knob));
 
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled,
-                                   QPalette::WindowText));
-    const QRectF textRect(track.right() + TEXT_GAP, 0, width() - track.right() - TEXT_GAP, height());
+    painter.setPen(
+        palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
+    const QRectF textRect(track.right() + TEXT_GAP, 0, width() - track.right() - TEXT_GAP,
+                          height());
     painter.drawText(textRect, Qt::AlignVCenter | Qt::TextShowMnemonic, text());
 }

@@ -5,8 +5,7 @@
 
 #include <QCheckBox>
 
-class ToggleSwitch : public QCheckBox
-{
+class ToggleSwitch : public QCheckBox {
     Q_OBJECT
 
 public:
