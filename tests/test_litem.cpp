@@ -7,6 +7,7 @@
 #include "platform/system.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
+#include "symbols/typemap.h"
 #include "watch/snapshot.h"
 
 namespace {
@@ -165,6 +166,16 @@ TEST_F(LItems, AnotherMapShowsItsAddressesAtOnce)
     int selected = 0;
     GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
     EXPECT_EQ(selected, 1);
+
+    addTmsSymbol("Rec", 0x700);
+    ASSERT_EQ(load("&Rec.b, u4\n&Rec, u4\n"), 0);
+    EXPECT_EQ(aLItems[0].address, NONE);
+    const std::string types = "## 1 VARS\n1: 'Rec' _@0x38000001\n## 0 TYPES\n## 1 STRUCTS\n"
+                              "# 1 / 2:\n'a' _@0x222\n'b' _@0x222\n";
+    ASSERT_EQ(TMF_OpenMap(write("types.tmf", types).c_str()), 0);
+    EXPECT_EQ(aLItems[0].address, 0x702u); // members are found at once
+    EXPECT_EQ(aLItems[1].address, 0x700u);
+    TMF_CleanTables();
 }
 
 TEST_F(LItems, AnotherProcessorHasItsOwnRegisters)

@@ -30,6 +30,7 @@ struct LItem {
     // forgetting the resolved addresses when another map is loaded.
     uint32_t givenAddress = 0xFFFFFFFF;
     bool isValueGood = false; // `value` is from a good read
+    uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
 };
 
