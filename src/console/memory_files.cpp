@@ -23,8 +23,9 @@ namespace {
 
 constexpr int COMMAND_WRITE = 8;
 constexpr uint32_t ITEM_BYTES = 4;
-constexpr uint32_t STORE_LAST_ADDRESS = 0x3FFFF; // a store reaches the first 256 KiB
-constexpr int LINE_SIZE = 121;                   // characters of a file's line, and the end
+constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 KiB
+constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
+constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 
 // --- reading the target: one item, 0 or -1 -----------------------------------------------
 
@@ -59,17 +60,18 @@ double IeeeValue(uint32_t bits)
 
 struct Source {
     uint32_t step; // from item to item
+    uint32_t lastAddress;
     int (*read)(uint32_t address, bool isFloat, uint32_t *value);
     double (*toDouble)(uint32_t bits);
 };
-const Source C166_SOURCE = {ITEM_BYTES, ReadC166, IeeeValue};
-const Source TMS_SOURCE = {1, ReadTms, TMS_IEEE};
+const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue};
+const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE};
 
 int StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
 {
     std::fputs(request.isFloat ? "float\n" : "int\n", file);
     uint32_t address = request.address;
-    for (uint32_t i = 0; i < request.count && address <= STORE_LAST_ADDRESS; i++) {
+    for (uint32_t i = 0; i < request.count && address <= source.lastAddress; i++) {
         uint32_t value = 0;
         if (source.read(address, request.isFloat, &value) < 0)
             return -1;
