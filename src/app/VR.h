@@ -69,6 +69,9 @@ bool VR_EnsureCom(); // the same; whether communication is on then
 void VIR2_StartPeriodicASC();
 void VIR2_StopPeriodicASC();
 int Check_ASC_Open(int result);
+// Opens the link as the settings say, without a word to the user. 0 or negative.
+int VR_OpenLink();
+void VR_AutoOff(const std::string &why); // communication off after failed reads, and says so
 void VIR2_SetStation(int station);
 // Makes switch, indicator and menu show whether communication is on and the port open.
 void VR_ShowComState();

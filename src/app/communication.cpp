@@ -22,9 +22,19 @@ constexpr OpenReason OPEN_REASONS[] = {
     {-38, "(bad com number)"},
 };
 
+constexpr const char *AUTO_OFF = "Communication switched off: ";
+
 int OpenLink()
 {
-    return Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate));
+    return Check_ASC_Open(VR_OpenLink());
+}
+
+// What switched it off the last time is no news while it runs.
+void ClearAutoOff()
+{
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && message.rfind(AUTO_OFF, 0) == 0)
+        VR_ShowMessage("");
 }
 
 } // namespace
@@ -49,6 +59,14 @@ int Check_ASC_Open(int result)
     return result;
 }
 
+int VR_OpenLink()
+{
+    const int result = UCM_Open(VR_nProtocol, ncom, bRate);
+    // A driver chosen while the other protocol was in use reaches the link only now.
+    const int driver = VR_nProtocol == PROTOCOL_MR166 ? UCM_UseWin32(Option_ComWin32) : 0;
+    return result < 0 ? result : driver;
+}
+
 void VR_ShowComState()
 {
     const int menuBar = GetPanelMenuBar(mainPanel);
@@ -56,6 +74,8 @@ void VR_ShowComState()
     SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
+    if (isTimer == 0) // whatever switched it off, nothing runs and nothing fails now
+        SetCtrlVal(mainPanel, MAIN_STATUS, "");
     VR_ShowDiagnostics();
 }
 
@@ -76,6 +96,7 @@ void VIR2_StartPeriodicASC()
     eTMS = 0;
     ResumeTimerCallbacks();
     isTimer = 1;
+    ClearAutoOff();
     VR_ShowComState();
 }
 
@@ -86,7 +107,12 @@ void VIR2_StopPeriodicASC()
     isTimer = 0;
     UCM_Close();
     VR_ShowComState();
-    SetCtrlVal(mainPanel, MAIN_STATUS, "");
+}
+
+void VR_AutoOff(const std::string &why)
+{
+    VIR2_StopPeriodicASC();
+    VR_ShowMessage(AUTO_OFF + why);
 }
 
 void VR_Reopen()

@@ -37,12 +37,6 @@ void setPeriod(double seconds)
     SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
 }
 
-void autoOff(const std::string &why)
-{
-    VIR2_StopPeriodicASC();
-    VR_ShowMessage("Communication switched off: " + why);
-}
-
 // Which item failed last and why, for the message of auto-off.
 std::string lastFailure;
 
@@ -71,7 +65,7 @@ void showStatus()
     if (eTMS == 0)
         nErrors = 0;
     else if (eTMS == -1 && Option_AutoOff)
-        autoOff(lastFailure);
+        VR_AutoOff(lastFailure);
 }
 
 bool memoryBoxAddress(uint32_t *address)
@@ -110,7 +104,7 @@ void countErrors()
     }
     nErrors = 0;
     if (isTimer) // the end of the sweep may have switched off already
-        autoOff(lastFailure);
+        VR_AutoOff(lastFailure);
 }
 
 } // namespace

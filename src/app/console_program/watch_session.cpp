@@ -5,6 +5,7 @@
 #include "app/VR.h"
 #include "app/console_program/sessions.h"
 #include "app/console_program/watch_format.h"
+#include "comm/ucm.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
 #include "watch/refresh.h"
@@ -13,10 +14,13 @@ namespace {
 
 CPG_Options options;
 volatile std::sig_atomic_t isInterrupted = 0;
+bool isWaitingForPort = false;
 
-void OnSignal(int)
+// A second signal ends the program even where it waits for a reader of its output.
+void OnSignal(int signal)
 {
     isInterrupted = 1;
+    std::signal(signal, SIG_DFL);
 }
 
 bool IsInterrupted()
@@ -40,13 +44,11 @@ bool LoadList()
     return true;
 }
 
+// False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
 {
     std::fwrite(text.data(), 1, text.size(), stdout);
-    if (std::fflush(stdout) == 0)
-        return true;
-    std::fprintf(stderr, "Cannot write to standard output.\n");
-    return false;
+    return std::fflush(stdout) == 0;
 }
 
 // A number of sweeps is wanted soon; one who follows wants the refresh period.
@@ -54,8 +56,9 @@ bool Tick()
 {
     if (IsInterrupted())
         return false;
-    const int fired = options.sweeps > 0 ? HL_FireTimer(mainPanel, MAIN_TIMER)
-                                         : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
+    const bool isSoon = options.sweeps > 0 && !isWaitingForPort;
+    const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
+                             : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
     return fired == 1;
 }
 
@@ -73,6 +76,28 @@ bool ReadAll()
     return true;
 }
 
+// Where errors do not end the watch, a port that was unplugged is taken again once it is
+// back: nobody is there to switch communication on by hand.
+void FollowPort()
+{
+    if (UCM_IsOpened() != 0 && !UCM_IsGone())
+        return;
+    if (!isWaitingForPort)
+        std::fprintf(stderr, "COM%d is gone: waiting for it.\n", ncom);
+    isWaitingForPort = VR_OpenLink() < 0;
+    if (!isWaitingForPort)
+        std::fprintf(stderr, "COM%d is back.\n", ncom);
+}
+
+// Fewer sweeps than were asked for are no success.
+int EndEarly()
+{
+    if (options.sweeps == 0)
+        return 0;
+    std::fprintf(stderr, "Interrupted.\n");
+    return 1;
+}
+
 int Follow()
 {
     if (!Print(CPG_FormatHeader(options.format)))
@@ -81,11 +106,12 @@ int Follow()
         if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
         if (IsInterrupted())
-            return 0;
+            return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
             return 1;
         }
+        FollowPort();
     }
     return 0;
 }
