@@ -58,6 +58,9 @@ void FaceTest::SetUp()
         const int panel = UI_aPanels[i].panel;
         ASSERT_EQ(LoadPanel(panel == PANEL_CONSOLE ? PANEL_MAIN : 0, panel), panel);
     }
+    ClearListCtrl(PANEL_MAIN, MAIN_LIST);
+    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+    GuiSettle(); // a list that was seen empty has no selected line
     PutCallbacks(true);
     guiEvents.clear();
 }

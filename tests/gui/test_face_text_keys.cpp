@@ -215,4 +215,28 @@ TEST_F(FaceTest, PortMenuTellsWhatStandsBehindANumber)
     qunsetenv("VIREO2_COM4");
 }
 
+TEST_F(FaceTest, AssigningAPortReplacesItsLinkOrSaysWhyNot)
+{
+    QTemporaryDir folder;
+    QFile first(folder.filePath("first")), second(folder.filePath("second"));
+    ASSERT_TRUE(first.open(QIODevice::WriteOnly) && second.open(QIODevice::WriteOnly));
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
+    EXPECT_EQ(FACE_AssignPort(6, first.fileName()), 0);
+    EXPECT_EQ(FACE_DescribePort(6), QFileInfo(first).canonicalFilePath());
+    EXPECT_EQ(FACE_AssignPort(6, second.fileName()), 0);
+    EXPECT_EQ(FACE_DescribePort(6), QFileInfo(second).canonicalFilePath());
+
+    // A file where a folder is needed: nobody, not even root, can write there.
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(first.fileName()));
+    QString said;
+    GuiAnswerNext([&](QWidget *popup) {
+        said = popup->property("text").toString();
+        GuiClickButton(popup, "OK");
+    });
+    EXPECT_EQ(FACE_AssignPort(6, second.fileName()), -1);
+    EXPECT_TRUE(said.startsWith("Cannot write the link ")) << said.toStdString();
+    before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
+}
+
 } // namespace

@@ -31,6 +31,7 @@ protected:
         ASSERT_EQ(VR_StartUp(1, arguments), 0);
         GuiShow(PANEL_MAIN);
         WindowCB(0, ITEM_WATCH_VIEW);
+        ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
     }
     void TearDown() override
     {
