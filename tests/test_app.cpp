@@ -7,6 +7,7 @@
 #include <fstream>
 
 #include "app/VR.h"
+#include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
@@ -332,6 +333,56 @@ TEST_F(App, CommunicationGoesOnAndOffAndReopens)
     EXPECT_EQ(0, isTimer) << "the new port cannot be opened";
     EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
     unsetenv("VIREO2_COM2");
+    SIM_Stop(target);
+}
+
+// Whatever fails in between: nothing but the switch has to be flipped again.
+TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    ASSERT_EQ(0, Start());
+    std::ofstream("w.dbg") << "[8000], u2\n";
+    ASSERT_GE(dat2litems("w.dbg"), 0);
+    for (const bool isWin32 : {true, false}) {
+        Option_ComWin32 = isWin32;
+        HL_Toggle(PANEL_MAIN, MAIN_COMM);
+        EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+        EXPECT_EQ("RUN", Text(MAIN_STATUS));
+        EXPECT_EQ(isWin32, MR166_isWin32 != 0);
+        SIM_Stop(target);
+        EXPECT_TRUE(UCM_IsGone());
+        EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+        EXPECT_EQ("Communication switched off: [0x8000]: port is gone", Text(MAIN_MESSAGE));
+        EXPECT_EQ(0, isTimer + UCM_IsOpened() + Value(MAIN_COMM));
+        HL_Toggle(PANEL_MAIN, MAIN_COMM);
+        EXPECT_EQ(0, isTimer + UCM_IsOpened() + Value(MAIN_COMM)) << "it is not back yet";
+        EXPECT_EQ(1, Value(MAIN_STOPPED));
+        Connect(&target);
+        HL_Toggle(PANEL_MAIN, MAIN_COMM);
+        EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
+        EXPECT_EQ("RUN", Text(MAIN_STATUS));
+        EXPECT_EQ("", Text(MAIN_MESSAGE));
+        HL_ClickMenu(ITEM_CLOSE_PORT);
+        EXPECT_EQ("", Text(MAIN_STATUS));
+    }
+    SIM_Stop(target);
+}
+
+TEST_F(App, DriverChosenWhileModbusIsInUseIsTheOneThatOpens)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    ASSERT_EQ(0, Start());
+    HL_ClickMenu(ITEM_MODBUS);
+    UCM_Open(VR_nProtocol, 99, bRate);
+    HL_ClickMenu(ITEM_COM_WIN32);
+    HL_ClickMenu(ITEM_MR166);
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    EXPECT_NE(std::string::npos, Text(MAIN_STATE).find("NI_Com; "));
+    EXPECT_EQ(0, MR166_isWin32);
+    EXPECT_EQ(1, UCM_IsOpened());
+    VIR2_StopPeriodicASC();
     SIM_Stop(target);
 }
 

@@ -2,6 +2,7 @@
 // what stands on which stream, and the watch tables.
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -55,12 +56,13 @@ protected:
     {
         std::ofstream(folder / name, std::ios::binary) << text;
     }
-    Outcome Run(const std::string &arguments, const std::string &input = "")
+    Outcome Run(const std::string &arguments, const std::string &input = "",
+                const std::string &streams = "")
     {
         Write("in", input);
         const std::string command = "cd '" + folder.string() +
                                     "' && '" BINARY_DIR "/vireo2-console' " + arguments +
-                                    " <in >out 2>err";
+                                    " <in >out 2>err " + streams;
         const int status = std::system(command.c_str());
         Outcome outcome;
         outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
@@ -106,6 +108,22 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
     EXPECT_NE(std::string::npos, tooLong.out.find("station 6 -> OK!"));
+}
+
+// The descriptors' numbers must not be taken by the port or by a file either.
+TEST_F(ConsoleProgram, LostOutputIsNoSuccess)
+{
+    StartTarget();
+    Write("w.dbg", "[1000],u2\n");
+    Write("s.scr", "help\n");
+    for (const std::string where : {">/dev/full", ">&-", ">&- 2>&-"}) {
+        for (const char *arguments : {"--help", "--version", "", "s.scr", "-s2 --watch w.dbg"}) {
+            const Outcome outcome = Run(arguments, "help\nhelp\n", where);
+            EXPECT_EQ(1, outcome.code) << arguments << where;
+            const bool isSaid = outcome.err.find("Cannot write to standard output.") < 999;
+            EXPECT_EQ(where.find("2>") == std::string::npos, isSaid) << arguments << where;
+        }
+    }
 }
 
 TEST_F(ConsoleProgram, ScriptsEndWithTheirResult)
@@ -221,6 +239,45 @@ TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
                      "kill -INT $pid\nwait $pid\n");
     EXPECT_EQ(0, WEXITSTATUS(std::system(("sh '" + (folder / "run").string() + "'").c_str())));
     EXPECT_NE(std::string::npos, ReadAll(folder / "t").find("0x001000"));
+}
+
+// Without auto-off a watch outlives its target: the same link leads to another device later.
+TEST_F(ConsoleProgram, WatchTakesAPortAgainThatWasUnplugged)
+{
+    const auto plug = [this] {
+        StartTarget();
+        std::filesystem::remove(folder / "link");
+        std::filesystem::create_symlink(SIM_DevicePath(target), folder / "link");
+        setenv("VIREO2_COM1", (folder / "link").c_str(), 1);
+    };
+    const auto awaitText = [this](const char *file, const std::string &text) {
+        for (int i = 0; i < 2000; i++, PLT_SleepMs(5))
+            if (ReadAll(folder / file).find(text) != std::string::npos)
+                return;
+        ADD_FAILURE() << text << " did not come";
+    };
+    plug();
+    Write("w.dbg", "[8000],u2\n");
+    Write("Vireo2.ini", "o-\n");
+    Write("run", "cd '" + folder.string() +
+                     "'\n'" BINARY_DIR
+                     "/vireo2-console' --watch w.dbg --sweeps 999999 --format csv >live 2>err &\n"
+                     "echo $! >pid\nwait $!\necho $? >code\n");
+    ASSERT_EQ(0, std::system(("sh '" + (folder / "run").string() + "' &").c_str()));
+    awaitText("live", ",0\n");
+    SIM_Stop(target);
+    target = nullptr;
+    awaitText("err", "COM1 is gone");
+    plug();
+    awaitText("err", "COM1 is back");
+    const std::string before = ReadAll(folder / "live");
+    for (int i = 0; i < 2000 && CountLines(ReadAll(folder / "live")) < CountLines(before) + 3; i++)
+        PLT_SleepMs(5);
+    kill(std::stoi(ReadAll(folder / "pid")), SIGINT);
+    awaitText("code", "\n");
+    EXPECT_EQ("1\n", ReadAll(folder / "code")) << "not all sweeps that were asked for";
+    const std::string live = ReadAll(folder / "live");
+    EXPECT_EQ(",0\n", live.substr(live.size() - 3));
 }
 
 } // namespace

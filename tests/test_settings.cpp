@@ -124,6 +124,7 @@ TEST_F(Settings, LinesMeanWhatTheySay)
         {"s, 3", "s, 1", "s, 3"},
         {"d0, missing.dbg\nm, missing.m66\nmt, missing.m28xt\n", "", ""},
         {"d12, x\nd, \n;d1, x\n,\n,,\n", "", ""},
+        {"d1\nd2,\nd3, ; none\n", "", ""},
     };
     for (const auto &c : cases) {
         std::string expected = DEFAULTS;

@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
+#include "watch/refresh.h"
 
 namespace {
 
@@ -21,9 +22,22 @@ constexpr OpenReason OPEN_REASONS[] = {
     {-38, "(bad com number)"},
 };
 
+constexpr const char *AUTO_OFF = "Communication switched off: ";
+
+// What failed before, on another port or with the cable off, must not switch off again.
 int OpenLink()
 {
-    return Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate));
+    RFR_BeginSweep();
+    nErrors = 0;
+    return Check_ASC_Open(VR_OpenLink());
+}
+
+// What switched it off the last time is no news while it runs.
+void ClearAutoOff()
+{
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && message.rfind(AUTO_OFF, 0) == 0)
+        VR_ShowMessage("");
 }
 
 } // namespace
@@ -48,6 +62,14 @@ int Check_ASC_Open(int result)
     return result;
 }
 
+int VR_OpenLink()
+{
+    const int result = UCM_Open(VR_nProtocol, ncom, bRate);
+    // A driver chosen while the other protocol was in use reaches the link only now.
+    const int driver = VR_nProtocol == PROTOCOL_MR166 ? UCM_UseWin32(Option_ComWin32) : 0;
+    return result < 0 ? result : driver;
+}
+
 void VR_ShowComState()
 {
     const int menuBar = GetPanelMenuBar(mainPanel);
@@ -55,6 +77,8 @@ void VR_ShowComState()
     SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
+    if (isTimer == 0) // whatever switched it off, nothing runs and nothing fails now
+        SetCtrlVal(mainPanel, MAIN_STATUS, "");
     VR_ShowDiagnostics();
 }
 
@@ -72,6 +96,7 @@ void VIR2_StartPeriodicASC()
     }
     ResumeTimerCallbacks();
     isTimer = 1;
+    ClearAutoOff();
     VR_ShowComState();
 }
 
@@ -82,7 +107,28 @@ void VIR2_StopPeriodicASC()
     isTimer = 0;
     UCM_Close();
     VR_ShowComState();
-    SetCtrlVal(mainPanel, MAIN_STATUS, "");
+}
+
+void VR_FollowPort()
+{
+    static bool isWaiting = false;
+    if (UCM_IsOpened() != 0 && !UCM_IsGone()) {
+        isWaiting = false;
+        return;
+    }
+    const std::string port = "COM" + std::to_string(ncom);
+    const bool isBack = VR_OpenLink() >= 0;
+    if (isBack)
+        VR_ShowMessage(port + " is back.");
+    else if (!isWaiting)
+        VR_ShowMessage(port + " is gone: waiting for it.");
+    isWaiting = !isBack;
+}
+
+void VR_AutoOff(const std::string &why)
+{
+    VIR2_StopPeriodicASC();
+    VR_ShowMessage(AUTO_OFF + why);
 }
 
 void VR_Reopen()

@@ -126,6 +126,8 @@ void ReadDebugFile(const std::string &, const std::string &path)
 
 void ReadRecent(const std::string &, const std::string &path)
 {
+    if (path.empty()) // a bare key, or a path that is no path
+        return;
     if (nDebugFileNames < RECENT_READ_MAX)
         szaDebugFileNames[static_cast<size_t>(nDebugFileNames++)] = path;
     else
@@ -273,7 +275,8 @@ void WriteSettings(std::FILE *file)
 int OpenIniFile(int)
 {
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
-    iniPath = PLT_CurrentDir() + PLT_PathSeparator() + name;
+    const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
+    iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;
     std::FILE *file = std::fopen(iniPath.c_str(), "rt");
     if (!file)
         return -2;

@@ -4,7 +4,6 @@
 
 #include "app/statistics_panel.h"
 #include "app/trace_panel.h"
-#include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
@@ -58,7 +57,7 @@ void ShowWatchView()
     VR_EnableControls();
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
     if (oldTimer != 0) {
-        if (Check_ASC_Open(UCM_Open(VR_nProtocol, ncom, bRate)) < 0)
+        if (Check_ASC_Open(VR_OpenLink()) < 0)
             return;
         isTimer = oldTimer;
         ResumeTimerCallbacks();

@@ -118,6 +118,11 @@ int UCM_IsOpened()
     return UCM_recS.opened;
 }
 
+bool UCM_IsGone()
+{
+    return UCM_recS.opened && Current()->isGone();
+}
+
 int UCM_UseWin32(int flag)
 {
     const UCM_Protocol *protocol = Current();

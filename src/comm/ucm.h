@@ -30,6 +30,7 @@ int UCM_CountErr(int result);
 int UCM_Open(int protocol, int port, int baud);
 void UCM_Close();
 int UCM_IsOpened();
+bool UCM_IsGone(); // the open port is not there any more: unplugged
 int UCM_UseWin32(int flag);
 
 // Whole transfers. `count` bytes at a target byte address; target byte order.

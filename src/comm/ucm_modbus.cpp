@@ -52,6 +52,11 @@ std::string LastErrorText()
     return "Modbus is not available";
 }
 
+bool IsGone()
+{
+    return false;
+}
+
 void AddCounts(UCM_Statistics *)
 {
 }
@@ -60,5 +65,5 @@ void AddCounts(UCM_Statistics *)
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
     2,     SLAVE_MIN, SLAVE_MAX, Open,    Close,   IsOpened,      nullptr,   Read,
-    Write, ReadBg,    WriteBg,   Message, nullptr, LastErrorText, AddCounts,
+    Write, ReadBg,    WriteBg,   Message, nullptr, LastErrorText, AddCounts, IsGone,
 };

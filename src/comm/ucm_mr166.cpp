@@ -1,4 +1,5 @@
 // The mr166 link as a protocol of the unified layer.
+#include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
@@ -72,6 +73,11 @@ std::string LastErrorText()
     return Mr166_nFault == 0 ? std::string() : MrASC_ErrorText(Mr166_nFault);
 }
 
+bool IsGone()
+{
+    return MrASC_Driver().isGone();
+}
+
 void AddCounts(UCM_Statistics *statistics)
 {
     statistics->answered += EC_dwMsgOk;
@@ -84,5 +90,5 @@ void AddCounts(UCM_Statistics *statistics)
 
 const UCM_Protocol UCM_PROTOCOL_MR166 = {
     1,     0,      STATION_MAX, Open,    MrASC_Close,     MrASC_IsOpened, UseWin32,  Read,
-    Write, ReadBg, WriteBg,     Message, MessageNoAnswer, LastErrorText,  AddCounts,
+    Write, ReadBg, WriteBg,     Message, MessageNoAnswer, LastErrorText,  AddCounts, IsGone,
 };

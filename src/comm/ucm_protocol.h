@@ -25,6 +25,7 @@ struct UCM_Protocol {
                            const void *data);
     std::string (*lastErrorText)();                // "" when the last exchange did not fail
     void (*addCounts)(UCM_Statistics *statistics); // since the program started
+    bool (*isGone)();                              // the open port was unplugged
 };
 extern const UCM_Protocol UCM_PROTOCOL_MR166, UCM_PROTOCOL_MODBUS;
 

@@ -19,11 +19,6 @@ constexpr size_t PORT_CHARS_MAX = 5;
 
 int nScripts = 0; // scripts running, one inside the other
 
-int OpenLink()
-{
-    return UCM_Open(VR_nProtocol, ncom, bRate);
-}
-
 void ReportPort()
 {
     CON_Print("Error opening serial port: COM%i.\n", ncom);
@@ -62,7 +57,7 @@ bool IsLinkReady()
 int CON_HoldLink(CON_LinkQuestion question)
 {
     if (!IsLinkReady()) {
-        while (OpenLink() < 0) {
+        while (VR_OpenLink() < 0) {
             if (question == LINK_ASK_FOR_PORT && AskForPort())
                 continue;
             ReportPort();
@@ -85,7 +80,7 @@ void CON_ReleaseLink()
         }
         return;
     }
-    if (!UCM_IsOpened() && OpenLink() < 0) {
+    if (!UCM_IsOpened() && VR_OpenLink() < 0) {
         ReportPort();
         nASC_Opened = 0;
     }

@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include "app/VR.h"
-#include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
 #include "console/dump.h"
@@ -24,8 +23,9 @@ namespace {
 
 constexpr int COMMAND_WRITE = 8;
 constexpr uint32_t ITEM_BYTES = 4;
-constexpr uint32_t C166_LAST_ADDRESS = 0x3FFFF; // a store reaches the first 256 KiB
-constexpr int LINE_SIZE = 121;                  // characters of a file's line, and the end
+constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 KiB
+constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
+constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 
 // --- reading the target: one item, 0 or -1 -----------------------------------------------
 
@@ -59,13 +59,13 @@ double IeeeValue(uint32_t bits)
 }
 
 struct Source {
-    uint32_t step;        // from item to item
-    uint32_t lastAddress; // a store ends behind it
+    uint32_t step; // from item to item
+    uint32_t lastAddress;
     int (*read)(uint32_t address, bool isFloat, uint32_t *value);
     double (*toDouble)(uint32_t bits);
 };
-const Source C166_SOURCE = {ITEM_BYTES, C166_LAST_ADDRESS, ReadC166, IeeeValue};
-const Source TMS_SOURCE = {1, ADDR_LIMIT - 1, ReadTms, TMS_IEEE};
+const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue};
+const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE};
 
 int StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
 {

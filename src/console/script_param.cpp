@@ -39,9 +39,17 @@ bool SetText(ScrPar *par, const char *text, size_t length)
     return true;
 }
 
-// Decimal digits, or hexadecimal ones that begin with a digit and end in "H".
+// Decimal digits, or hexadecimal ones that begin with a digit and end in "H" or stand
+// behind "0x".
 bool ParseMagnitude(const char **cursor, uint32_t *value)
 {
+    const char *digits = *cursor;
+    if (xscan("0#xX.", &digits) > 0 && CON_IsHexDigit(*digits)) {
+        if (!CON_ParseHex(&digits, value))
+            return false;
+        *cursor = digits;
+        return true;
+    }
     const char *end = *cursor;
     if (xscan("#0-9.*#0-9a-fA-F.#hH.", &end) > 0) {
         if (!CON_ParseHex(cursor, value))

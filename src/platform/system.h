@@ -55,5 +55,9 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to);
 int PLT_ResolveFile(const std::string &path, std::string *real);
 int PLT_SyncFile(std::FILE *file); // waits until the disk has it. 0, or -1
 int PLT_ProcessId();
+// A program started with a closed standard stream would get that number for the next file
+// or port it opens, and print into it or read from it. Call first of all: what is closed
+// then fails on use instead.
+void PLT_GuardStandardStreams();
 
 #endif

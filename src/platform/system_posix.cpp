@@ -162,3 +162,12 @@ int PLT_ProcessId()
 {
     return static_cast<int>(getpid());
 }
+
+void PLT_GuardStandardStreams()
+{
+    for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        // Opened the wrong way round: reading or writing it is an error, not silence.
+        if (fcntl(fd, F_GETFD) < 0)
+            (void)!open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}

@@ -175,3 +175,8 @@ int PLT_ProcessId()
 {
     return static_cast<int>(GetCurrentProcessId());
 }
+
+// Ports are no file numbers here and the C library keeps the first three to itself.
+void PLT_GuardStandardStreams()
+{
+}

@@ -62,7 +62,8 @@ enum UI_Attribute {
 typedef int (*PanelCallback)(int panel, int event, int data);
 typedef int (*CtrlCallback)(int panel, int control, int event, int data);
 typedef void (*MenuCallback)(int menuBar, int item);
-// Whole texts that may stand in the field in place of what has been typed so far.
+// Whole texts that may stand in the field in place of what has been typed so far, which
+// each of them contains.
 typedef std::vector<std::string> (*CompletionCallback)(int panel, int control,
                                                        const std::string &typed);
 

@@ -15,6 +15,7 @@
 namespace {
 
 constexpr int PANEL = PANEL_ITEM;
+const char ANY_TYPE[] = "u4"; // where only the place counts
 
 bool isTypeChosen = false; // by the user: the name no longer suggests one
 bool isAdding = true;
@@ -74,7 +75,7 @@ void limitSize()
 {
     const TYN_Row *row = TYN_Find(static_cast<char>(ringValue(WITEM_TYPE)));
     LItem item;
-    const bool isTMS = EDT_Parse(typedName(), "x", &item) == 0 && LIT_IsTMS(item);
+    const bool isTMS = EDT_Parse(typedName(), ANY_TYPE, &item) == 0 && LIT_IsTMS(item);
     const int onlySize = isTMS ? 4 : row != nullptr ? row->onlySize : 0;
     if (onlySize != 0)
         SetCtrlVal(PANEL, WITEM_SIZE, onlySize);
@@ -102,7 +103,7 @@ std::string placeText()
     LItem item;
     if (typedName().find_first_not_of(' ') == std::string::npos)
         return "A name from the map, or an address such as $1F00; 3: in front for station 3.";
-    const int result = EDT_Parse(typedName(), "x", &item);
+    const int result = EDT_Parse(typedName(), ANY_TYPE, &item);
     if (result != 0)
         return EDT_ErrorText(result);
     if (item.address == LITEM_NO_ADDRESS)

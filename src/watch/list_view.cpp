@@ -98,6 +98,17 @@ void LSV_ShowValues()
     }
 }
 
+void LSV_ShowAddresses()
+{
+    if (nLItems == 0)
+        return;
+    const int selected = LSV_Selected();
+    const int first = LSV_FirstVisible();
+    fillNames();
+    LSV_Select(selected);
+    SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
+}
+
 void LSV_ShowNone()
 {
     std::string shown;

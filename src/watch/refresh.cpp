@@ -37,12 +37,6 @@ void setPeriod(double seconds)
     SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
 }
 
-void autoOff(const std::string &why)
-{
-    VIR2_StopPeriodicASC();
-    VR_ShowMessage("Communication switched off: " + why);
-}
-
 // Which item failed last and why, for the message of auto-off.
 std::string lastFailure;
 
@@ -71,7 +65,7 @@ void showStatus()
     if (eTMS == 0)
         nErrors = 0;
     else if (eTMS == -1 && Option_AutoOff)
-        autoOff(lastFailure);
+        VR_AutoOff(lastFailure);
 }
 
 bool memoryBoxAddress(uint32_t *address)
@@ -110,10 +104,16 @@ void countErrors()
     }
     nErrors = 0;
     if (isTimer) // the end of the sweep may have switched off already
-        autoOff(lastFailure);
+        VR_AutoOff(lastFailure);
 }
 
 } // namespace
+
+void RFR_BeginSweep()
+{
+    UpdItem = 0;
+    eTMS = 0;
+}
 
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
@@ -125,6 +125,8 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
         return updateListTextBox(0);
     }
     setPeriod(VR_fRefreshPeriod);
+    if (!readLItems) // another list: half a sweep of the old one says nothing about it
+        RFR_BeginSweep();
     const int first = LSV_FirstVisible();
     int index = first + UpdItem;
     if (index >= nLItems || UpdItem >= SWEEP_LINES) {
@@ -158,7 +160,10 @@ int updateListTextBox(int index)
         updateMemoryBox(selected);
     FM_Update(index, selected);
     countErrors();
-    if (isSweepEnd)
+    if (isSweepEnd) {
         eTMS = 0;
+        if (isTimer)
+            VR_FollowPort();
+    }
     return 0;
 }

@@ -8,6 +8,7 @@
 #include "app/console_program/sessions.h"
 #include "calendar/archive.h"
 #include "comm/trace.h"
+#include "platform/system.h"
 #include "ui/resource.h"
 
 namespace {
@@ -75,30 +76,40 @@ int MakeArchive(const CPG_Options &options)
     return 1;
 }
 
+int Dispatch(const CPG_Options &options, int argc, char **argv)
+{
+    if (options.isHelp)
+        std::fputs(CPG_szUsage, stdout);
+    else if (options.isVersion)
+        std::printf("vireo2-console %s\n", VR_GetBuildVersion());
+    else if (!options.archive.empty())
+        return MakeArchive(options);
+    else
+        return RunTraced(options, argc, argv);
+    return 0;
+}
+
+// Results that did not arrive are no success. An earlier failure has left the buffer
+// empty, so that the last flush alone would not notice it.
+int CheckOutput(int code)
+{
+    const bool isBad = std::ferror(stdout) != 0;
+    if (std::fflush(stdout) == 0 && !isBad)
+        return code;
+    std::fprintf(stderr, "Cannot write to standard output.\n");
+    return 1;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
+    PLT_GuardStandardStreams();
     CPG_Options options;
     std::string message;
     if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {
         std::fprintf(stderr, "vireo2-console: %s\nTry --help.\n", message.c_str());
         return EXIT_WRONG_OPTION;
     }
-    if (options.isHelp) {
-        std::fputs(CPG_szUsage, stdout);
-        return 0;
-    }
-    if (options.isVersion) {
-        std::printf("vireo2-console %s\n", VR_GetBuildVersion());
-        return 0;
-    }
-    if (!options.archive.empty())
-        return MakeArchive(options);
-    const int code = RunTraced(options, argc, argv);
-    if (std::fflush(stdout) != 0) {
-        std::fprintf(stderr, "Cannot write to standard output.\n");
-        return 1;
-    }
-    return code;
+    return CheckOutput(Dispatch(options, argc, argv));
 }

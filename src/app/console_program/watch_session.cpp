@@ -5,6 +5,7 @@
 #include "app/VR.h"
 #include "app/console_program/sessions.h"
 #include "app/console_program/watch_format.h"
+#include "comm/ucm.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
 #include "watch/refresh.h"
@@ -13,10 +14,13 @@ namespace {
 
 CPG_Options options;
 volatile std::sig_atomic_t isInterrupted = 0;
+bool isWaitingForPort = false;
 
-void OnSignal(int)
+// A second signal ends the program even where it waits for a reader of its output.
+void OnSignal(int signal)
 {
     isInterrupted = 1;
+    std::signal(signal, SIG_DFL);
 }
 
 bool IsInterrupted()
@@ -40,13 +44,11 @@ bool LoadList()
     return true;
 }
 
+// False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
 {
     std::fwrite(text.data(), 1, text.size(), stdout);
-    if (std::fflush(stdout) == 0)
-        return true;
-    std::fprintf(stderr, "Cannot write to standard output.\n");
-    return false;
+    return std::fflush(stdout) == 0;
 }
 
 // A number of sweeps is wanted soon; one who follows wants the refresh period.
@@ -54,8 +56,9 @@ bool Tick()
 {
     if (IsInterrupted())
         return false;
-    const int fired = options.sweeps > 0 ? HL_FireTimer(mainPanel, MAIN_TIMER)
-                                         : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
+    const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
+    const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
+                             : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
     return fired == 1;
 }
 
@@ -73,6 +76,28 @@ bool ReadAll()
     return true;
 }
 
+// What the window's message area would say: the port is gone, it is back, why it was
+// switched off.
+void RepeatMessage()
+{
+    static std::string shown;
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) < 0 || message == shown)
+        return;
+    shown = message;
+    if (!message.empty())
+        std::fprintf(stderr, "%s\n", message.c_str());
+}
+
+// Fewer sweeps than were asked for are no success.
+int EndEarly()
+{
+    if (options.sweeps == 0)
+        return 0;
+    std::fprintf(stderr, "Interrupted.\n");
+    return 1;
+}
+
 int Follow()
 {
     if (!Print(CPG_FormatHeader(options.format)))
@@ -80,8 +105,9 @@ int Follow()
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
         if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
+        RepeatMessage();
         if (IsInterrupted())
-            return 0;
+            return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
             return 1;

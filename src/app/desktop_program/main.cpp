@@ -1,7 +1,9 @@
 // The desktop program.
 #include "app/VR.h"
+#include "platform/system.h"
 
 int main(int argc, char **argv)
 {
+    PLT_GuardStandardStreams();
     return VR_Main(argc, argv);
 }

@@ -33,7 +33,8 @@ int OwnKeyAction(HL_Control *c, int key)
         c->selected = std::clamp(c->selected + (key == KEY_DOWN ? 1 : -1), std::min(0, last), last);
         return 0;
     }
-    if (key == KEY_ENTER && (c->row->kind == UIK_STRING || c->row->kind == UIK_NUMBER))
+    if (key == KEY_ENTER && (c->row->kind == UIK_STRING || c->row->kind == UIK_NUMBER ||
+                             c->row->kind == UIK_LIST))
         return HL_Event(panel, control, EVENT_COMMIT, 0);
     return 0;
 }

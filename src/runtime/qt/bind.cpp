@@ -58,7 +58,10 @@ auto Reporter(FaceControl *control, int event)
 void ConnectField(FaceControl *control, QLineEdit *field)
 {
     QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
-    QObject::connect(field, &QLineEdit::returnPressed, Reporter(control, EVENT_COMMIT));
+    QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
+        if (!FACE_IsBusy() && !FACE_IsChoosing(field))
+            FACE_Call(*control, EVENT_COMMIT, 0);
+    });
 }
 
 void ConnectNumber(FaceControl *control)

@@ -9,6 +9,7 @@
 namespace {
 
 constexpr int VISIBLE_LINES = 10;
+const char CHOOSING[] = "choosing"; // property of the field: a completion is marked
 
 QStringList Candidates(const FaceControl &control, CompletionCallback callback,
                        const QString &typed)
@@ -21,20 +22,28 @@ QStringList Candidates(const FaceControl &control, CompletionCallback callback,
     return texts;
 }
 
-// The field has taken the chosen text by the time the event loop turns.
-void ReportChosen(QCompleter *completer, FaceControl *control)
+// The field has taken the marked text by the time the event loop turns.
+void ReportChosen(QCompleter *completer, FaceControl *control, QLineEdit *field)
 {
     const auto report = [control] {
         if (!FACE_IsBusy())
             FACE_Call(*control, EVENT_VAL_CHANGED, 0);
     };
-    QObject::connect(completer, QOverload<const QString &>::of(&QCompleter::activated), completer,
-                     report, Qt::QueuedConnection);
-    QObject::connect(completer, QOverload<const QString &>::of(&QCompleter::highlighted), completer,
-                     report, Qt::QueuedConnection);
+    const auto highlighted = QOverload<const QString &>::of(&QCompleter::highlighted);
+    const auto activated = QOverload<const QString &>::of(&QCompleter::activated);
+    QObject::connect(completer, highlighted, field,
+                     [field] { field->setProperty(CHOOSING, true); });
+    QObject::connect(completer, highlighted, completer, report, Qt::QueuedConnection);
+    QObject::connect(completer, activated, completer, report, Qt::QueuedConnection);
 }
 
 } // namespace
+
+bool FACE_IsChoosing(const QLineEdit *field)
+{
+    const QCompleter *completer = field->completer();
+    return completer && completer->popup()->isVisible() && field->property(CHOOSING).toBool();
+}
 
 int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
 {
@@ -51,13 +60,15 @@ int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
     auto *completer = new QCompleter(field);
     auto *model = new QStringListModel(completer);
     completer->setModel(model);
-    completer->setCompletionMode(QCompleter::UnfilteredPopupCompletion);
+    completer->setCaseSensitivity(Qt::CaseInsensitive);
+    completer->setFilterMode(Qt::MatchContains);
     completer->setMaxVisibleItems(VISIBLE_LINES);
     field->setCompleter(completer);
     QObject::connect(field, &QLineEdit::textEdited, completer,
-                     [found, callback, model](const QString &typed) {
+                     [found, callback, model, field](const QString &typed) {
+                         field->setProperty(CHOOSING, false);
                          model->setStringList(Candidates(*found, callback, typed));
                      });
-    ReportChosen(completer, found);
+    ReportChosen(completer, found, field);
     return 0;
 }

@@ -12,6 +12,7 @@
 
 class PanelWindow;
 class QAction;
+class QLineEdit;
 class QMenuBar;
 class QTimer;
 class QWidget;
@@ -69,6 +70,10 @@ bool FACE_BindControl(FaceControl *control, QWidget *window);
 void FACE_StartTimer(FaceControl *timer); // obeys the suspension of timers
 QMenuBar *FACE_BuildMenuBar(QWidget *window);
 QAction *FACE_MenuAction(int item); // null when there is no such item
+
+// Whether the user is picking one of the completions of a field: Enter then takes it and
+// means nothing else.
+bool FACE_IsChoosing(const QLineEdit *field);
 
 // --- keys and looks -----------------------------------------------------------------------
 void FACE_InstallKeyRouting();

@@ -72,12 +72,26 @@ int ReadGeometry(const QWidget *window, int attribute, int *value)
     }
 }
 
+// A window that has no place of its own yet opens over the main one, not in a corner.
+void PlaceOverMain(QWidget *window)
+{
+    const FacePanel *main = FACE_PanelRecord(UI_nMenuPanel);
+    if (!main->window || main->window == window || !main->window->isVisible() ||
+        window->testAttribute(Qt::WA_Moved))
+        return;
+    const QRect around = main->window->frameGeometry();
+    const QSize spare = (around.size() - window->size()) / 2;
+    window->move(around.topLeft() + QPoint(qMax(0, spare.width()), qMax(0, spare.height())));
+}
+
 int Show(int panel, bool isVisible)
 {
     FacePanel *found = nullptr;
     const int error = FACE_FindPanel(panel, &found);
     if (error < 0)
         return error;
+    if (isVisible && !found->parent)
+        PlaceOverMain(found->window);
     found->window->setVisible(isVisible);
     if (found->parent) {
         found->parent->window->setCoveredBy(isVisible ? found->window : nullptr);

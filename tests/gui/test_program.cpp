@@ -1,0 +1,178 @@
+// The whole desktop program on the example project and a simulated target: what a user
+// clicks and types, and what then stands on the screen.
+#include <QAction>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <filesystem>
+
+#include "app/VR.h"
+#include "gui/gui_support.h"
+#include "support/sim_fixture.h"
+#include "watch/litem.h"
+
+namespace {
+
+constexpr int PATIENCE_MS = 60000; // never reached by a program that works
+
+class ProgramTest : public testing::Test {
+protected:
+    static constexpr int PORT = 1; // the one in the example's settings
+
+    void SetUp() override
+    {
+        const std::filesystem::path work = folder.path().toStdString();
+        std::filesystem::copy(EXAMPLES_DIR, work, std::filesystem::copy_options::recursive);
+        oldFolder = std::filesystem::current_path();
+        std::filesystem::current_path(work);
+        target = SIMT_Start(PORT, SIM_Options());
+        ASSERT_TRUE(target);
+        char name[] = "vireo2";
+        char *arguments[] = {name, nullptr};
+        ASSERT_EQ(VR_StartUp(1, arguments), 0);
+        GuiShow(PANEL_MAIN);
+        WindowCB(0, ITEM_WATCH_VIEW);
+        ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+    }
+    void TearDown() override
+    {
+        VIR2_StopPeriodicASC();
+        IsDBGChange = 0;
+        HidePanel(PANEL_MAIN);
+        unplug();
+        std::filesystem::current_path(oldFolder);
+    }
+    void unplug()
+    {
+        if (target)
+            SIMT_Stop(PORT, target);
+        target = nullptr;
+    }
+    void clickCommunication()
+    {
+        QTest::mouseClick(GuiWidget(PANEL_MAIN, MAIN_COMM), Qt::LeftButton);
+    }
+    static std::string text(int control)
+    {
+        std::string found;
+        GetCtrlVal(PANEL_MAIN, control, &found);
+        return found;
+    }
+    static int value(int control)
+    {
+        int found = -1;
+        GetCtrlVal(PANEL_MAIN, control, &found);
+        return found;
+    }
+    static std::string line(int index)
+    {
+        std::string label;
+        GetLabelFromIndex(PANEL_MAIN, MAIN_LIST, index, &label);
+        return label;
+    }
+    static bool waitForText(int control, const std::string &wanted)
+    {
+        return QTest::qWaitFor([&] { return text(control) == wanted; }, PATIENCE_MS);
+    }
+
+    QTemporaryDir folder;
+    std::filesystem::path oldFolder;
+    SIM_Target *target = nullptr;
+};
+
+TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
+{
+    ASSERT_GT(nLItems, 2);
+    EXPECT_EQ(value(MAIN_COMM), 0);
+    EXPECT_EQ(value(MAIN_STOPPED), 1);
+    EXPECT_EQ(value(MAIN_LED_MAPFILE), 1);
+
+    clickCommunication();
+    ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
+    EXPECT_EQ(value(MAIN_STOPPED), 0);
+    const std::string before = line(0);
+    EXPECT_NE(before.find("wRamp\033p300l"), std::string::npos);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return line(0) != before; }, PATIENCE_MS));
+    EXPECT_EQ(before.find("(!)"), std::string::npos);
+
+    Option_AutoOff = 1;
+    unplug();
+    EXPECT_TRUE(QTest::qWaitFor([] { return isTimer == 0; }, PATIENCE_MS));
+    EXPECT_EQ(value(MAIN_COMM), 0);
+    EXPECT_EQ(value(MAIN_STOPPED), 1);
+
+    setenv("VIREO2_COM1", "/nowhere/at/all", 1);
+    QString said;
+    GuiAnswerNext([&](QWidget *popup) {
+        said = popup->property("text").toString();
+        GuiClickButton(popup, "OK");
+    });
+    clickCommunication();
+    EXPECT_EQ(said, "Error opening serial port 'COM1'.\n(port is not available)");
+    EXPECT_EQ(value(MAIN_COMM), 0);
+
+    target = SIMT_Start(PORT, SIM_Options());
+    ASSERT_TRUE(target);
+    clickCommunication();
+    EXPECT_TRUE(waitForText(MAIN_STATUS, "RUN"));
+}
+
+TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
+{
+    SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 1);
+    const struct {
+        int focus, key, selected;
+    } steps[] = {{MAIN_LIST, Qt::Key_Down, 2},
+                 {MAIN_LIST, Qt::Key_Up, 1},
+                 {MAIN_COMM, Qt::Key_Down, 2},
+                 {MAIN_MEM_ADDR, Qt::Key_Down, 3},
+                 {MAIN_COMM, Qt::Key_Up, 2}};
+    for (const auto &step : steps) {
+        SetActiveCtrl(PANEL_MAIN, step.focus);
+        QTest::keyClick(GuiWidget(PANEL_MAIN, step.focus), Qt::Key(step.key));
+        int selected = -1;
+        GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
+        EXPECT_EQ(selected, step.selected) << step.focus;
+    }
+}
+
+TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
+{
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_K, Qt::ControlModifier);
+    auto *input = GuiWidget<QLineEdit>(PANEL_CONSOLE, CONSOLE_INPUT);
+    ASSERT_TRUE(input->isVisible());
+    EXPECT_EQ(GetActiveCtrl(PANEL_CONSOLE), CONSOLE_INPUT);
+    QTest::keyClicks(input, "station 2");
+    QTest::keyClick(input, Qt::Key_Return);
+    EXPECT_EQ(STATION, 2);
+    EXPECT_EQ(input->text(), "");
+    std::string shown;
+    GetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, &shown);
+    const std::string answer = "station 2 -> OK!";
+    EXPECT_EQ(shown.find(answer), shown.rfind(answer)) << "Enter counts once";
+    EXPECT_NE(shown.find(answer), std::string::npos);
+    QTest::keyClick(input, Qt::Key_Down);
+    EXPECT_EQ(input->text(), "station 2");
+    QTest::keyClick(input, Qt::Key_Escape);
+    EXPECT_EQ(input->text(), "");
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(input->isVisible());
+    EXPECT_EQ(GuiWindow(PANEL_MAIN)->size(), QSize(780, 491));
+}
+
+TEST_F(ProgramTest, AsksBeforeItEnds)
+{
+    IsDBGChange = 1;
+    GuiAnswerNext([](QWidget *popup) { GuiClickButton(popup, "Cancel"); });
+    GuiWindow(PANEL_MAIN)->close();
+    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
+    EXPECT_EQ(IsDBGChange, 1);
+
+    GuiShow(PANEL_MAIN);
+    QTimer::singleShot(
+        0, [] { QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier); });
+    GuiAnswerNext([](QWidget *popup) { GuiClickButton(popup, "No"); });
+    EXPECT_EQ(RunUserInterface(), 0);
+    EXPECT_EQ(IsDBGChange, 0);
+}
+
+} // namespace

@@ -1,0 +1,502 @@
+// The windows that edit the watch list and the target's memory, as a user works them:
+// what they show, what they refuse in which words, what reaches the simulated target.
+#include <gtest/gtest.h>
+
+#include "runtime/list_columns.h"
+#include "support/watch_fixture.h"
+#include "symbols/typemap.h"
+#include "watch/byte_text.h"
+#include "watch/item_panel.h"
+#include "watch/mem_box.h"
+#include "watch/name_completion.h"
+#include "watch/value_forms.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+class EditPanels : public WatchTest {
+protected:
+    void SetUp() override
+    {
+        WatchTest::SetUp();
+        VR_isWatchView = true;
+        VR_EnableControls();
+        addSymbol("wSpeed", 0x300);
+        addSymbol("nnCount", 0x304);
+        addSymbol("abyRing", 0x308);
+        addTmsSymbol("fCurrent", 0x700);
+    }
+
+    void TearDown() override
+    {
+        TMF_CleanTables();
+        VR_isWatchView = false;
+        WatchTest::TearDown();
+    }
+
+    static std::string text(int panel, int control)
+    {
+        std::string value;
+        EXPECT_EQ(GetCtrlVal(panel, control, &value), 0);
+        return value;
+    }
+
+    static int number(int panel, int control)
+    {
+        int value = 0;
+        EXPECT_EQ(GetCtrlVal(panel, control, &value), 0);
+        return value;
+    }
+
+    static bool isOpen(int panel)
+    {
+        int value = 0;
+        GetPanelAttribute(panel, ATTR_VISIBLE, &value);
+        return value != 0;
+    }
+
+    static bool isDimmed(int item)
+    {
+        int value = 0;
+        EXPECT_EQ(GetMenuBarAttribute(GetPanelMenuBar(PANEL_MAIN), item, ATTR_DIMMED, &value), 0);
+        return value != 0;
+    }
+
+    static bool isBlocked(int panel, int control)
+    {
+        int value = 0;
+        GetCtrlAttribute(panel, control, ATTR_DIMMED, &value);
+        return value != 0;
+    }
+
+    static std::string item(int index)
+    {
+        return LIT_FileLine(aLItems[index]);
+    }
+
+    static Texts items()
+    {
+        Texts lines;
+        for (int i = 0; i < nLItems; ++i)
+            lines.push_back(item(i));
+        return lines;
+    }
+
+    static void typeName(const std::string &name)
+    {
+        ASSERT_EQ(HL_SetUserVal(PANEL_ITEM, WITEM_NAME, name), 0);
+    }
+
+    static std::string suggested()
+    {
+        return static_cast<char>(number(PANEL_ITEM, WITEM_TYPE)) +
+               std::to_string(number(PANEL_ITEM, WITEM_SIZE));
+    }
+
+    void poke(uint32_t address, const std::vector<uint8_t> &bytes, int station = 1)
+    {
+        SIM_Poke(target, station, address, bytes.data(), bytes.size());
+    }
+
+    std::vector<uint8_t> peek(uint32_t address, size_t count, int station = 1)
+    {
+        std::vector<uint8_t> bytes(count);
+        SIM_Peek(target, station, address, bytes.data(), count);
+        return bytes;
+    }
+
+    static std::string writeValue(const std::string &value)
+    {
+        HL_SetUserVal(PANEL_VALUE, VALUE_NEW, value);
+        HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ENTER);
+        return text(PANEL_VALUE, VALUE_RESULT);
+    }
+
+    static std::string readMemory(const std::string &address, int count)
+    {
+        HL_SetUserVal(PANEL_MEMORY, MEMORY_COUNT, count);
+        HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, address);
+        HL_Key(PANEL_MEMORY, MEMORY_ADDRESS, KEY_ENTER);
+        return text(PANEL_MEMORY, MEMORY_RESULT);
+    }
+
+    static std::string writeLine(const std::string &bytes)
+    {
+        HL_SetUserVal(PANEL_MEMORY, MEMORY_LINE, bytes);
+        HL_Key(PANEL_MEMORY, MEMORY_LINE, KEY_ENTER);
+        return text(PANEL_MEMORY, MEMORY_RESULT);
+    }
+
+    static Texts memoryLines()
+    {
+        Texts lines;
+        for (const std::string &label : HL_GetLabels(PANEL_MEMORY, MEMORY_LIST))
+            lines.push_back(UIC_JoinColumns(label, "|"));
+        return lines;
+    }
+};
+
+TEST_F(EditPanels, MenuOffersWhatHasSomethingToActOn)
+{
+    for (const int item : {ITEM_EDIT, ITEM_REMOVE, ITEM_UNDO, ITEM_MOVE_UP, ITEM_WRITE_VALUE,
+                           ITEM_COPY_LIST, ITEM_COPY_MEMORY, ITEM_SNAPSHOT})
+        EXPECT_TRUE(isDimmed(item)) << item;
+    EXPECT_FALSE(isDimmed(ITEM_ADD));
+    addItem("wSpeed, u2");
+    ResetLItemsDisplay();
+    EXPECT_FALSE(isDimmed(ITEM_REMOVE));
+    EXPECT_TRUE(isDimmed(ITEM_MOVE_UP)) << "there is only one line";
+
+    HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_RIGHT_CLICK, 0);
+    EXPECT_EQ(HL_GetPopupMenu(), MENU_EDIT);
+    VR_isWatchView = false;
+    VR_EnableControls();
+    HL_Key(PANEL_MAIN, 0, KEY_DELETE);
+    EXPECT_EQ(nLItems, 1) << "nothing removes a line that is out of sight";
+}
+
+TEST_F(EditPanels, LinesMoveGoAndComeBack)
+{
+    load("wSpeed, u2\nnnCount, i4\nabyRing, u1\n");
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_ALT | KEY_UP);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_ALT | KEY_DOWN);
+    EXPECT_EQ(items(), (Texts{"nnCount, i4", "wSpeed, u2", "abyRing, u1"}));
+    HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_DROPPED, 2 * 65536 + 0);
+    EXPECT_EQ(items(), (Texts{"abyRing, u1", "nnCount, i4", "wSpeed, u2"}));
+    EXPECT_EQ(IsDBGChange, 1);
+
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_DELETE);
+    EXPECT_EQ(items(), (Texts{"abyRing, u1", "wSpeed, u2"}));
+    EXPECT_EQ(text(PANEL_MAIN, MAIN_MESSAGE), "Removed: nnCount. Ctrl+Z puts it back.");
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
+    EXPECT_EQ(items(), (Texts{"abyRing, u1", "nnCount, i4", "wSpeed, u2"}));
+    EXPECT_TRUE(isDimmed(ITEM_UNDO));
+}
+
+TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
+{
+    const std::string types = "## 1 VARS\n1: 'nnCount' _@0x20000004_@0x204\n## 0 TYPES\n"
+                              "## 1 STRUCTS\n# 1 / 1:\n'm' _@0x122\n";
+    ASSERT_EQ(TMF_LoadMap(write("types.tmf", types).c_str()), 0);
+    HL_ClickMenu(ITEM_ADD);
+    ASSERT_TRUE(isOpen(PANEL_ITEM));
+    const struct {
+        const char *name, *type, *place;
+    } cases[] = {
+        {"wSpeed", "u2", "Address 0x000300"},
+        {"nnCount+2", "i4", "Address 0x000306"},
+        {"nnCount[1]", "f4", "Address 0x000308"}, // the type map knows better
+        {"3:abyRing", "u1", "Address 0x000308 in station 3"},
+        {"&fCurrent", "f4", "TMS320 word address 0x700"},
+        {"&wWord", "u4",
+         "No loaded map knows this name. The item stays without an address until "
+         "one does."},
+        {"$1F00", "i2", "Address 0x001F00"},
+        {"$1000000", "i2", "The address must be a hexadecimal number below 0x1000000."},
+        {"", "i2", "A name from the map, or an address such as $1F00; 3: in front for station 3."},
+    };
+    for (const auto &row : cases) {
+        typeName(row.name);
+        EXPECT_EQ(suggested(), row.type) << row.name;
+        EXPECT_EQ(text(PANEL_ITEM, WITEM_PLACE), row.place) << row.name;
+    }
+    HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'b');
+    EXPECT_EQ(suggested(), "b1");
+    EXPECT_TRUE(isBlocked(PANEL_ITEM, WITEM_SIZE)) << "bits are one byte";
+    HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
+    HL_SetUserVal(PANEL_ITEM, WITEM_SIZE, 4);
+    typeName("wSpeed");
+    EXPECT_EQ(suggested(), "x4") << "what the user chose stays";
+    HL_Key(PANEL_ITEM, WITEM_NAME, KEY_ENTER);
+    EXPECT_FALSE(isOpen(PANEL_ITEM));
+    EXPECT_EQ(items(), (Texts{"wSpeed, x4"}));
+}
+
+TEST_F(EditPanels, AddingSaysWhatIsWrongAndKeepsItsPlace)
+{
+    load("wSpeed, u2\nnnCount, i4\n");
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_INSERT);
+    typeName("a;b");
+    HL_Key(PANEL_ITEM, WITEM_TYPE, KEY_ENTER);
+    EXPECT_TRUE(isOpen(PANEL_ITEM));
+    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_NAME));
+    EXPECT_TRUE(HL_GetPopups().empty());
+    typeName("[0x1F00]");
+    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), "");
+    HL_CommitControl(PANEL_ITEM, WITEM_OK);
+    EXPECT_EQ(items(), (Texts{"wSpeed, u2", "[0x1F00], i2", "nnCount, i4"}));
+    HL_ClickMenu(ITEM_ADD);
+    typeName("zzz");
+    EXPECT_EQ(HL_Key(PANEL_ITEM, WITEM_NAME, KEY_ESC), 1);
+    EXPECT_FALSE(isOpen(PANEL_ITEM));
+    EXPECT_EQ(nLItems, 3);
+}
+
+TEST_F(EditPanels, EditingChangesTheItemItWasOpenedFor)
+{
+    load("Known, [0x100], u1\nwSpeed, u2\n");
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 1);
+    EXPECT_EQ(text(PANEL_ITEM, WITEM_NAME), "Known");
+    EXPECT_EQ(suggested(), "u1");
+    HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
+    EDT_Move(0, 1); // as by drag and drop meanwhile
+    HL_CommitControl(PANEL_ITEM, WITEM_OK);
+    EXPECT_EQ(items(), (Texts{"wSpeed, u2", "Known, [0x100], x1"}));
+
+    HL_ClickMenu(ITEM_EDIT);
+    typeName("2:$200");
+    HL_CommitControl(PANEL_ITEM, WITEM_OK);
+    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), "") << text(PANEL_ITEM, WITEM_PLACE);
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_ClickMenu(ITEM_EDIT);
+    EDT_Remove(0);
+    HL_CommitControl(PANEL_ITEM, WITEM_OK);
+    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_INDEX));
+}
+
+TEST_F(EditPanels, NamesAreCompleted)
+{
+    addSymbol("wSpeedMax", 0x30A);
+    addSymbol("_wSpare", 0x30C);
+    addRegister("WDTCON", 0xFFAE);
+    const struct {
+        const char *typed;
+        Texts offered;
+    } cases[] = {
+        {"ws", {"_wSpare", "wSpeed", "wSpeedMax"}},
+        {"W", {"WDTCON", "_wSpare", "wSpeed", "wSpeedMax"}},
+        {"3: wSpeed", {"3: wSpeed", "3: wSpeedMax"}},
+        {"&f", {"&fCurrent"}},
+        {"nnCount", {}},
+        {"", {}},
+        {"3:", {}},
+    };
+    HL_ClickMenu(ITEM_ADD);
+    for (const auto &row : cases) {
+        typeName(row.typed);
+        EXPECT_EQ(HL_Complete(PANEL_ITEM, WITEM_NAME), row.offered) << row.typed;
+    }
+    for (int i = 0; i < 300; ++i)
+        addSymbol(("many" + std::to_string(i)).c_str(), 0x1000);
+    EXPECT_EQ(NCM_Complete("many").size(), COMPLETIONS_MAX);
+}
+
+TEST_F(EditPanels, ValueEditorShowsEveryForm)
+{
+    const struct {
+        const char *type;
+        uint32_t low, high;
+        const char *decimal, *hex, *binary, *single;
+    } cases[] = {
+        {"i1", 0xFE, 0, "-2", "0xFE", "1111 1110", "-"},
+        {"u2", 0xFFFE, 0, "65534", "0xFFFE", "1111 1111 1111 1110", "-"},
+        {"x4", 0xBF800000, 0, "3212836864", "0xBF800000", "1011 1111 1000 0000 0000 0000 0000 0000",
+         "-1"},
+        {"f", 0x3DCCCCCD, 0, "0.100000001", "0x3DCCCCCD", "0011 1101 1100 1100 1100 1100 1100 1101",
+         "0.100000001"},
+        {"i8", 1, 0x80000000, "-9223372036854775807", "0x8000000000000001",
+         "1000 0000 0000 0000 0000 0000 0000 0000\n0000 0000 0000 0000 0000 0000 0000 0001", "-"},
+    };
+    for (const auto &row : cases) {
+        LItem item;
+        LIT_SetType(&item, row.type);
+        EXPECT_EQ(VFM_Decimal(item), "-") << "not read yet";
+        item.value = row.low;
+        item.valueHigh = row.high;
+        item.isValueGood = true;
+        EXPECT_EQ(VFM_Decimal(item), row.decimal) << row.type;
+        EXPECT_EQ(VFM_Hex(item), row.hex) << row.type;
+        EXPECT_EQ(VFM_Binary(item), row.binary) << row.type;
+        EXPECT_EQ(VFM_Float(item), row.single) << row.type;
+    }
+}
+
+TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
+{
+    load("wSpeed, u2\n2:nnCount, i4\nNowhere, u2\n");
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_ENTER);
+    ASSERT_TRUE(isOpen(PANEL_VALUE));
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_SHOWN), "not read yet");
+    EXPECT_EQ(writeValue("70000"), "REFUSED: '70000' is out of range: 0 to 65535.");
+    EXPECT_TRUE(HL_GetPopups().empty()) << "no question for what cannot be written";
+    EXPECT_EQ(writeValue("7"), "REFUSED: The value was not written: communication is off.");
+    EXPECT_EQ(HL_GetPopups().back(), "Message: Enable communication?");
+
+    target = SIMT_Start(PORT, options);
+    ncom = PORT;
+    HL_PushAnswer(1);
+    EXPECT_EQ(writeValue("1000"), "OK: Written. The target holds 1000.");
+    EXPECT_EQ(peek(0x300, 2), (std::vector<uint8_t>{0xE8, 0x03}));
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_HEX), "0x03E8");
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_NEW), "") << "ready for the next one";
+
+    EDT_Move(0, 2);
+    EXPECT_EQ(writeValue("2"), "OK: Written. The target holds 2.");
+    EXPECT_EQ(aLItems[2].value, 2u);
+    poke(0x300, {0x34, 0x12});
+    HL_CommitControl(PANEL_VALUE, VALUE_READ);
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "4660");
+    poke(0x300, {0x35, 0x12});
+    for (int tick = 0; tick < 4; ++tick)
+        HL_FireTimer(PANEL_MAIN, MAIN_TIMER);
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "4661") << "live with the list";
+
+    EDT_Remove(2);
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "The item is no longer in the watch list.");
+    EXPECT_EQ(HL_CommitControl(PANEL_VALUE, VALUE_WRITE), HL_DIMMED);
+    EDT_UndoRemove();
+    EXPECT_FALSE(isBlocked(PANEL_VALUE, VALUE_WRITE));
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "");
+    EXPECT_EQ(HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC), 1);
+    EXPECT_FALSE(isOpen(PANEL_VALUE));
+}
+
+TEST_F(EditPanels, ValueEditorSaysWhyNothingWasWritten)
+{
+    load("2:nnCount, i4\nNowhere, u2\n");
+    ResetLItemsDisplay();
+    ASSERT_TRUE(connect());
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
+    HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_LEFT_DOUBLE_CLICK, 0);
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_STATION), "2");
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "0") << "read when opened";
+    failWith(8, 66);
+    EXPECT_EQ(writeValue("-5").rfind("FAILED: The value was not written: ", 0), 0u);
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_NEW), "-5") << "kept for another try";
+    failWith(8, 0);
+    EXPECT_EQ(writeValue("-5"), "OK: Written. The target holds -5.");
+    EXPECT_EQ(peek(0x304, 4, 2), (std::vector<uint8_t>{0xFB, 0xFF, 0xFF, 0xFF}));
+
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
+    HL_ClickMenu(ITEM_WRITE_VALUE);
+    EXPECT_TRUE(isBlocked(PANEL_VALUE, VALUE_WRITE));
+    EXPECT_EQ(writeValue("1"), "REFUSED: The value was not written: the item has no address.");
+}
+
+TEST_F(EditPanels, MemoryIsReadInLines)
+{
+    ASSERT_TRUE(connect());
+    poke(0x300, {'H', 'i', 0x00, 0xFF});
+    HL_ClickMenu(ITEM_MEMORY);
+    EXPECT_EQ(readMemory("wSpeed", 18), "Read 18 bytes from station 1.");
+    EXPECT_EQ(memoryLines(),
+              (Texts{"000300|48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00|Hi..............",
+                     "000310|00 00|.."}));
+    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_LINE), "48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00");
+    HL_CommitControl(PANEL_MEMORY, MEMORY_COPY);
+    EXPECT_EQ(HL_GetClipboard().substr(0, 13), "000300\t48 69 ");
+
+    Procesor = CPU_F283XX;
+    EXPECT_EQ(readMemory("3:$301", 2), "Read 2 bytes from station 3.");
+    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_PLACE),
+              "Byte address 0x000301, word address 0x000180.hi, station 3");
+    EXPECT_EQ(memoryLines(), (Texts{"000180.hi|00 00|.."}));
+
+    const struct {
+        const char *address;
+        int count;
+        const char *says;
+    } refused[] = {
+        {"nobody", 4, "'nobody' is no address, and no loaded map knows such a name."},
+        {"16:$300", 4, "Stations are 0 to 15."},
+        {"$FFFFF0", 17, "The range ends beyond the target's memory."},
+        {"$300", 1025, "The count must be 1 to 1024 bytes."},
+        {"&fCurrent", 4,
+         "The memory of a TMS320 behind a station is not bytes: use a watch item "
+         "or the memory box."},
+    };
+    for (const auto &row : refused)
+        EXPECT_EQ(readMemory(row.address, row.count), row.says);
+    EXPECT_EQ(memoryLines().size(), 1u) << "what was read stays";
+    silenceOthers(1u << 1);
+    EXPECT_EQ(readMemory("4:$300", 4), "Not read: no answer.");
+    EXPECT_TRUE(memoryLines().empty());
+    EXPECT_TRUE(isBlocked(PANEL_MEMORY, MEMORY_WRITE));
+}
+
+TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
+{
+    ASSERT_TRUE(connect());
+    poke(0x400, {1, 2, 3, 4, 5, 6});
+    HL_ClickMenu(ITEM_MEMORY);
+    readMemory("$400", 6);
+    poke(0x401, {0x22}); // the target goes on running
+    EXPECT_EQ(writeLine("0A 02 03 04 0E 0F"), "OK: Written and read back: 3 bytes.");
+    EXPECT_EQ(peek(0x400, 6), (std::vector<uint8_t>{0x0A, 0x22, 3, 4, 0x0E, 0x0F}));
+    EXPECT_EQ(memoryLines(), (Texts{"000400|0A 22 03 04 0E 0F|.\"...."}));
+    EXPECT_EQ(writeLine("0a22030 40e0f"), "REFUSED: '0 ' is no byte: two hexadecimal digits each.");
+    EXPECT_EQ(writeLine("0A 22 03"), "REFUSED: The line has 6 bytes, not 3.");
+    EXPECT_EQ(writeLine("0a2203040e0f"), "Nothing to write: the bytes are as they were read.");
+    failWith(8, 66);
+    EXPECT_EQ(writeLine("00 22 03 04 0E 0F").rfind("FAILED: Not written, or only in part: ", 0),
+              0u);
+    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_LINE), "00 22 03 04 0E 0F") << "kept for another try";
+}
+
+TEST_F(EditPanels, CopiesAndSnapshots)
+{
+    load("wSpeed, u2\n");
+    ResetLItemsDisplay();
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | KEY_SHIFT | 'C');
+    EXPECT_EQ(HL_GetClipboard(),
+              "Name\tAddress\tType\tValue\tState\nwSpeed\t0x000300\tu2\t\tnot read\n");
+    HL_PushAnswer(1, path("list.csv"));
+    HL_ClickMenu(ITEM_SNAPSHOT);
+    EXPECT_NE(read(path("list.csv")).find("\r\nwSpeed,0x000300,u,2,,,not read\r\n"),
+              std::string::npos);
+    HL_PushAnswer(1, path("no/such/list.csv"));
+    HL_ClickMenu(ITEM_SNAPSHOT);
+    EXPECT_EQ(HL_GetPopups().back(),
+              "Error: Could not write the file " + path("no/such/list.csv") + ".");
+
+    ASSERT_TRUE(connect());
+    poke(0x300, {'A', ' ', ' ', 'B'});
+    const struct {
+        int isTyped;
+        const char *tabbed;
+    } boxes[] = {
+        {0, "00000300( +0):\t41\t20\t20\t42\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
+            "A  B............\n"},
+        {1, "uns:\t2B\n000300 ( +0):\t8257\t000308 ( +8):\t0\n"},
+    };
+    for (const auto &row : boxes) {
+        SetCtrlVal(PANEL_MAIN, MAIN_MEM_TYPED, row.isTyped);
+        ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
+        ReadMemory(0x300, 0);
+        EXPECT_EQ(MBX_TabbedText().rfind(row.tabbed, 0), 0u) << MBX_TabbedText();
+    }
+    ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
+    aLItems[0].name = "&fCurrent";
+    readTMSMemory(0x700);
+    const std::string table = MBX_TabbedText();
+    EXPECT_EQ(table.substr(0, table.find('\n')), "ADDR:\thex:\tlong:\tunsign. long:\tTMS float:");
+}
+
+TEST_F(EditPanels, TurningToTheWindowAsksOnceAboutAChangedFile)
+{
+    const std::string file = write("list.dbg", "wSpeed, u2\n");
+    HL_PushAnswer(1, file);
+    LoadDbgFile(PANEL_MAIN);
+    HL_ActivatePanel(PANEL_MAIN);
+    EXPECT_EQ(HL_GetPopups().size(), 1u) << "the choice of the file only";
+    const auto other = std::filesystem::last_write_time(file) - std::chrono::seconds(7);
+    write("list.dbg", "nnCount, i4\n");
+    std::filesystem::last_write_time(file, other);
+    HL_PushAnswer(1);
+    HL_ActivatePanel(PANEL_MAIN);
+    HL_ActivatePanel(PANEL_MAIN);
+    EXPECT_EQ(HL_GetPopups().size(), 2u) << "the choice of the file, and one question";
+    EXPECT_EQ(items(), (Texts{"nnCount, i4"}));
+}
+
+} // namespace
