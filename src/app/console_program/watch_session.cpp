@@ -14,7 +14,6 @@ namespace {
 
 CPG_Options options;
 volatile std::sig_atomic_t isInterrupted = 0;
-bool isWaitingForPort = false;
 
 // A second signal ends the program even where it waits for a reader of its output.
 void OnSignal(int signal)
