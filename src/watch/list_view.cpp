@@ -72,7 +72,9 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     line += ": ";
     if (!isResolved)
         line += "Address?";
-    FormatLItemVal(&line, item);
+    // A line that was out of sight so far has no value, and no 0 to be taken for one.
+    if (item.isValueGood || item.readError != 0 || !isResolved)
+        FormatLItemVal(&line, item);
     if (item.readError == 1)
         line += " (!)";
     return line;
