@@ -145,6 +145,28 @@ TEST_F(ConsoleProgram, ScriptsEndWithTheirResult)
         << "a script leaves the settings alone";
 }
 
+TEST_F(ConsoleProgram, ExampleScriptsDoWhatTheySay)
+{
+    StartTarget();
+    std::filesystem::copy(EXAMPLES_DIR, folder, std::filesystem::copy_options::recursive);
+    for (const char *arguments : {"demo.scr", "--full demo.scr"}) {
+        const Outcome demo = Run(arguments);
+        EXPECT_EQ(0, demo.code);
+        EXPECT_EQ(std::string::npos, demo.out.find("ERROR")) << demo.out;
+        EXPECT_NE(std::string::npos, demo.out.find("write 2, 40, wGain -> OK!"));
+        EXPECT_EQ(std::string::npos, demo.out.find("write 2, 0, wGain"));
+    }
+    EXPECT_EQ("Question: Try out another table in station 1?\nmessage: Nothing was changed.\n",
+              Run("--full --no service.scr").err);
+    const Outcome service = Run("--full --yes service.scr");
+    EXPECT_NE(std::string::npos, service.err.find("message: A step failed")) << service.out;
+    EXPECT_NE(std::string::npos, service.out.find("008140[   0]    1234 04d2h       1 0001h"));
+    EXPECT_NE(std::string::npos, service.out.find("008140[   0]       0 0000h       1 0001h"));
+    EXPECT_EQ(256u, std::filesystem::file_size(folder / "log.bin"));
+    Write("curve.csv", "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15\n1.6e1\n");
+    EXPECT_NE(std::string::npos, Run("--full --yes service.scr").err.find("The curve is loaded."));
+}
+
 TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
 {
     SIM_Options options;

@@ -356,6 +356,7 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     EXPECT_EQ(HL_CommitControl(PANEL_VALUE, VALUE_WRITE), HL_DIMMED);
     EDT_UndoRemove();
     EXPECT_FALSE(isBlocked(PANEL_VALUE, VALUE_WRITE));
+    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "");
     EXPECT_EQ(HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC), 1);
     EXPECT_FALSE(isOpen(PANEL_VALUE));
 }

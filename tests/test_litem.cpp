@@ -6,6 +6,8 @@
 #include "app/VR.h"
 #include "platform/system.h"
 #include "support/watch_fixture.h"
+#include "symbols/mapfile.h"
+#include "symbols/typemap.h"
 #include "watch/snapshot.h"
 
 namespace {
@@ -151,6 +153,43 @@ TEST_F(LItems, AnotherMapKeepsGivenAddresses)
     EXPECT_EQ(aLItems[4].address, NONE);
     EXPECT_EQ(saved(), "Old, u1\r\n[0x1234], u2\r\nName, [0x50], u4\r\n&Speed, f\r\n"
                        "&[0x8000], x4\r\n");
+}
+
+TEST_F(LItems, AnotherMapShowsItsAddressesAtOnce)
+{
+    ASSERT_EQ(load("Other, u1\nOwn, u1\n"), 0);
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
+    const std::string map = "0FA00H   Own" + std::string(34, ' ') + "NDATA\n";
+    ASSERT_EQ(map2node(write("own.m66", map).c_str()), 0);
+    EXPECT_EQ(HL_GetLabels(PANEL_MAIN, MAIN_LIST).at(1), "Own\033p300lFA00");
+    int selected = 0;
+    GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
+    EXPECT_EQ(selected, 1);
+
+    addTmsSymbol("Rec", 0x700);
+    ASSERT_EQ(load("&Rec.b, u4\n&Rec, u4\n"), 0);
+    EXPECT_EQ(aLItems[0].address, NONE);
+    const std::string types = "## 1 VARS\n1: 'Rec' _@0x38000001\n## 0 TYPES\n## 1 STRUCTS\n"
+                              "# 1 / 2:\n'a' _@0x222\n'b' _@0x222\n";
+    ASSERT_EQ(TMF_OpenMap(write("types.tmf", types).c_str()), 0);
+    EXPECT_EQ(aLItems[0].address, 0x702u); // members are found at once
+    EXPECT_EQ(aLItems[1].address, 0x700u);
+    TMF_CleanTables();
+}
+
+TEST_F(LItems, AnotherProcessorHasItsOwnRegisters)
+{
+    addRegister("S1CON", 0xFFB8);
+    addTmsSymbol("Speed", 0x700);
+    ASSERT_EQ(load("S1CON, x\nS1CON, [0x50], x\n[0x60], x\n&Speed, f\n"), 0);
+    EXPECT_EQ(aLItems[1].address, 0xFFB8u);
+    FreeNodes(aVarNode166, &nNodes166);
+    openStruct166 = 0;
+    VR_ResolveWatchList();
+    EXPECT_EQ(aLItems[0].address, NONE); // nothing else lies there under that name
+    EXPECT_EQ(aLItems[2].address, 0x60u);
+    EXPECT_EQ(aLItems[3].address, 0x700u);
 }
 
 TEST_F(LItems, SavingRefusesWithOneMessageAndKeepsTheName)

@@ -135,6 +135,9 @@ TEST_F(MapFiles, KeepsTMSSymbolsApartWhileAC166IsSelected)
     EXPECT_EQ(OPEN_MAP_FILE, openTMSStruct);
     EXPECT_EQ(0xC002u, inStruct("&_far", aVarTMSNode, nTMSNodes)); // the mailbox takes words
     EXPECT_EQ(0xC002u, aLItems[1].address);
+    ASSERT_EQ(0, TMSmap2node(Write("0000C002   _other\n")));
+    EXPECT_EQ(NONE, aLItems[1].address); // not what stands there now
+    ASSERT_EQ(0, TMSmap2node(Write("0000C002   _far\n")));
     std::ofstream(path, std::ios::binary) << "## 1 VARS\n1: 'far' _@0x38000001\n## 0 TYPES\n"
                                              "## 1 STRUCTS\n# 1 / 3:\n'a' _@0x122\n"
                                              "'b' _@0x28000000_@0x1\n'c' _@0x122\n";

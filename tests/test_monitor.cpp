@@ -155,6 +155,10 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         std::sort(expected.begin(), expected.end());
         EXPECT_EQ(found, expected) << c.line;
     }
+    VR_isFullCommandSet = false;
+    std::vector<std::string> admitted;
+    CON_Complete("l", 1, &admitted);
+    EXPECT_EQ(admitted.size(), 5u) << "what the gate refuses is not offered";
     NewText();
     HL_SetUserVal(PANEL_CONSOLE, CONSOLE_INPUT, "!f");
     HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_TAB);

@@ -9,6 +9,7 @@
 
 #include "app/VR.h"
 #include "support/watch_fixture.h"
+#include "watch/freq_meter.h"
 #include "watch/write_value.h"
 
 namespace {
@@ -75,10 +76,16 @@ TEST_F(Refresh, ValueTexts)
         {'u', 4, 0xFFFFFFFF, "4294967295"},
         {'u', 8, UINT64_MAX, "18446744073709551615"},
         {'i', 1, 0x80, "-128"},
+        {'i', 1, 0xFF, "  -1"},
         {'i', 2, 0xFFFF, "    -1"},
+        {'i', 4, 0xFFFFFFFF, "         -1"},
+        {'i', 8, UINT64_MAX, "                   -1"},
         {'i', 4, 0x80000000, "-2147483648"},
         {'i', 8, 1ULL << 63, " -9223372036854775808"},
         {'f', 4, 0x3FC00000, "1.5"},
+        {'f', 4, 0xFF800000, "-inf"},
+        {'f', 4, 0x7FC00000, "nan"},
+        {'f', 4, 0x00000001, "1.4013e-45"},
         {'b', 1, 0x5C, "0101 1100 b"},
         {'t', 4, 0xFF000000 + 1501, "01d 01h 01m"},
         {'f', 2, 1, ""},
@@ -204,6 +211,29 @@ TEST_F(Refresh, SweepOfVisibleItems)
     GetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, &first);
     EXPECT_EQ(selected, 32);
     EXPECT_EQ(first, 30);
+
+    // Another list in the middle of a sweep, or communication off and on: the sweep begins
+    // anew, and what had failed in the old one is no failure of the new one.
+    for (const bool isReload : {true, false}) {
+        sweep(1);
+        failWith(0, 70);
+        sweep(1);
+        EXPECT_EQ(eTMS, -1);
+        failWith(0, 0);
+        if (isReload) {
+            ASSERT_EQ(load("[8000], u1\n[8010], u1\n[8020], u1\n"), 0);
+            ResetLItemsDisplay();
+        } else {
+            VIR2_StopPeriodicASC();
+            VIR2_StartPeriodicASC();
+            EXPECT_EQ(nErrors, 0);
+        }
+        for (LItem &item : aLItems)
+            item.isValueGood = false;
+        sweep(3);
+        EXPECT_EQ(status(), "RUN");
+        EXPECT_TRUE(aLItems[0].isValueGood && aLItems[1].isValueGood && aLItems[2].isValueGood);
+    }
 }
 
 TEST_F(Refresh, ListLines)
@@ -345,6 +375,12 @@ TEST_F(Refresh, FrequencyMeter)
     const double elapsedMs = 12 * 1000 / f; // 12 counts in at least 10 ms
     EXPECT_GE(elapsedMs, 9.99);
     EXPECT_NEAR(elapsedMs, std::round(elapsedMs), 0.05);
+    ASSERT_EQ(EDT_SetType(0, "u4"), 0); // its bytes above the old one are no counts
+    poke(0x8000, 0x500000008, 8);
+    sweep(2);
+    poke(0x8000, 0x50000000B, 8);
+    sweep(2);
+    EXPECT_EQ(FM_dwDelta, 3u);
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
     sweep(1);
     int isDimmed = 0;

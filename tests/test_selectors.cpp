@@ -139,7 +139,7 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
 {
     HL_ClickMenu(ITEM_VARIABLES);
     addRegister("T3CON", 0xFF42);
-    addTmsSymbol("_fSpeed", 0x400);
+    addTmsSymbol("_wSpeed", 0x400);
     HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_REGISTERS);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_SOURCE);
     EXPECT_EQ(names(PANEL_VAR_SELECTOR, VARSEL_LIST), "T3CON ");
@@ -148,9 +148,11 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_TMS);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_SOURCE);
     EXPECT_TRUE(isDimmed(PANEL_VAR_SELECTOR, VARSEL_MEMBERS));
+    EXPECT_EQ(textOf(PANEL_VAR_SELECTOR, VARSEL_DETAIL), "&_wSpeed  (adds as u4)");
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_ADD);
-    EXPECT_EQ(aLItems[1].name, "&_fSpeed");
+    EXPECT_EQ(aLItems[1].name, "&_wSpeed");
     EXPECT_EQ(aLItems[1].address, 0x400u);
+    EXPECT_EQ(lastItem(), "&_wSpeed, u4");
 
     // A full list is said where the user looks.
     while (nLItems < LITEMS_MAX)

@@ -228,7 +228,11 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     ASSERT_EQ(readValues(0), 0);
     EXPECT_EQ(aLItems[0].readError, 0);
     EXPECT_EQ(aLItems[0].reason, "");
-    // No rate from a value that was never read.
+    // No rate from a value that was never read, or so long ago that the tick came round.
+    EXPECT_EQ(aLItems[0].readTick, aLItems[0].previousReadTick);
+    aLItems[0].readTick = static_cast<uint16_t>(aLItems[0].readTick - 1000);
+    aLItems[0].lastReadMs -= 66536;
+    ASSERT_EQ(readValues(0), 0);
     EXPECT_EQ(aLItems[0].readTick, aLItems[0].previousReadTick);
 }
 

@@ -7,6 +7,8 @@
 #include <filesystem>
 #include <sys/resource.h>
 
+#include "symbols/mapfile.h"
+
 namespace {
 
 using Transfer = ConsoleRig;
@@ -113,6 +115,7 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
         {"load 9000H, u2, 2", good + std::string(600, '1') + "\n2\n",
          "Load: chyba v souboru 'f', na radku 2."},
         {"loadcsv 9000H, i1, 2", "127\n\n", "LoadCSV: chyba pri cteni 'f' (radek 2)."},
+        {"loadcsv 9000H, i1, 2", "1\n2\n\nx\n", "LoadCSV: chyba pri cteni 'f' (radek 4)."},
         {"loadcsv 9000H, i1, 2", "127\n128\n", "LoadCSV: chyba v souboru 'f', na radku 2."},
         {"loadcsv 9000H, i1, 2", "-129\n1\n", "LoadCSV: chyba v souboru 'f', na radku 1."},
         {"loadcsv 9000H, i4, 1", "2147483648", "LoadCSV: chyba v souboru 'f', na radku 1."},
@@ -143,7 +146,7 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
 
 TEST_F(Transfer, GoodListsLoad)
 {
-    WriteFile("f", " +1 \r\n-2\r\n3\r\nnot read");
+    WriteFile("f", " +1 \r\n-2\r\n3\r\n4\r\n\r\n");
     Run("loadcsv 9000H, i2, 3, f");
     EXPECT_EQ(Peek(0x9000, 8), (std::vector<uint8_t>{1, 0, 0xFE, 0xFF, 3, 0, 0, 0}));
     WriteFile("f", "2\n 1.5\n-25e-1 ");
@@ -239,6 +242,38 @@ TEST_F(Transfer, FailedWriteSaysSo)
     EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
     WriteFile("f", "int\n5\n");
     EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
+}
+
+TEST_F(Transfer, NumberFilesThatAreNone)
+{
+    const struct {
+        const char *text;
+        const char *shown;
+    } cases[] = {
+        {"int\n5\n\n7\n", "\nLoad ...\n"}, // the first line without a number ends it
+        {"int\n5\n3000000000\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
+        {"float\n1.5\nabc\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
+        {"float\n1e99\n", "\nLoad ...\nLine 2 of the file is not a value.\n"},
+    };
+    for (const auto &c : cases) {
+        WriteFile("f", c.text);
+        EXPECT_EQ(Run("l 8100, f"), c.shown) << c.text;
+    }
+}
+
+// An address of another memory must not be taken for one of this station's.
+TEST_F(Transfer, NamesElsewhereAreRefused)
+{
+    WriteMap("small.m66");
+    Run("m small.m66");
+    ASSERT_GE(TMSmap2node(EXAMPLES_DIR "/demo28.m28xt"), 0);
+    const char *const good[] = {"awTable", "\"1: awTable\"", "\"0x8140\""};
+    const char *const bad[] = {"&_fGain", "\"2:awTable\"", "\"2:0x8140\""};
+    for (const char *name : good)
+        EXPECT_NE(Run(std::string("dump ") + name + ", u1, 1").find("OK!"), std::string::npos);
+    for (const char *name : bad)
+        EXPECT_EQ(Run(std::string("write 1, 5, ") + name).find("ERROR - write: Neplatne"), 0u);
+    EXPECT_EQ(Peek(0x8140, 1)[0], 0);
 }
 
 } // namespace

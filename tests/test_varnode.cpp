@@ -107,6 +107,7 @@ TEST_F(VarNodes, ResolvesExpressions)
         {"1:9ah", 0x9A},         {"FA00H", NONE},           {"Speed", NONE},
         {"speed.x", NONE},       {"speed [1]", NONE},       {"speed->x", NONE},
         {"speed + 1F", NONE},    {"speed+", NONE},          {"", NONE},
+        {"0x100000010", NONE},   {"0100000010H", NONE},     {"speed + 4294967312", NONE},
     };
     for (const auto &row : cases)
         EXPECT_EQ(row.address, inStruct(row.text, aVarNode, nNodes)) << row.text;

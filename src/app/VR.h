@@ -25,7 +25,7 @@ extern int32_t VR_enAppMode;    // MODE_...
 extern std::string VR_szVersion;
 extern int32_t isTimer;     // communication switched on
 extern int32_t oldTimer;    // isTimer to restore when the console view is left
-extern bool VR_isWatchView;      // the watch view is shown, not the console; kept in the settings
+extern bool VR_isWatchView; // the watch view is shown, not the console; kept in the settings
 extern int32_t oldHeight;   // last accepted height of the main panel
 extern int32_t IsDBGChange; // the watch list has unsaved changes
 extern std::string szDebugFileName;
@@ -71,6 +71,8 @@ void VIR2_StopPeriodicASC();
 int Check_ASC_Open(int result);
 // Opens the link as the settings say, without a word to the user. 0 or negative.
 int VR_OpenLink();
+// Takes an unplugged port again once it is back, and says both in the message area.
+void VR_FollowPort();
 void VR_AutoOff(const std::string &why); // communication off after failed reads, and says so
 void VIR2_SetStation(int station);
 // Makes switch, indicator and menu show whether communication is on and the port open.
@@ -89,7 +91,9 @@ void AddDebugFileName(const std::string &path);
 void VR_ShowMessage(const std::string &text); // message area of the main panel
 // Enables what has something to act on (items, a debug file, a map) and dims the rest.
 void VR_EnableControls();
-// Looks up every watch item's name again; items that no table knows stay as they are.
+// After another processor was selected: looks up the C166 items' names again and places
+// the members of structures as that processor does. A register that it does not have is
+// not resolved any more.
 void VR_ResolveWatchList();
 // Brings console panel, text box and input line to the main panel's height.
 void VR_SizeConsole(int height);

@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
+#include "watch/refresh.h"
 
 namespace {
 
@@ -23,8 +24,11 @@ constexpr OpenReason OPEN_REASONS[] = {
 
 constexpr const char *AUTO_OFF = "Communication switched off: ";
 
+// What failed before, on another port or with the cable off, must not switch off again.
 int OpenLink()
 {
+    RFR_BeginSweep();
+    nErrors = 0;
     return Check_ASC_Open(VR_OpenLink());
 }
 
@@ -103,6 +107,22 @@ void VIR2_StopPeriodicASC()
     isTimer = 0;
     UCM_Close();
     VR_ShowComState();
+}
+
+void VR_FollowPort()
+{
+    static bool isWaiting = false;
+    if (UCM_IsOpened() != 0 && !UCM_IsGone()) {
+        isWaiting = false;
+        return;
+    }
+    const std::string port = "COM" + std::to_string(ncom);
+    const bool isBack = VR_OpenLink() >= 0;
+    if (isBack)
+        VR_ShowMessage(port + " is back.");
+    else if (!isWaiting)
+        VR_ShowMessage(port + " is gone: waiting for it.");
+    isWaiting = !isBack;
 }
 
 void VR_AutoOff(const std::string &why)

@@ -202,10 +202,6 @@ void VR_ShowMessage(const std::string &text)
 
 void VR_ResolveWatchList()
 {
-    if (nLItems == 0)
-        return;
-    if (openStruct166 != OPEN_NONE)
-        completeLItems(aVarNode166, nNodes166);
-    if (openStruct != OPEN_NONE)
-        completeLItems(aVarNode, nNodes);
+    TMF_Rebuild();
+    LIT_ResolveAll(false);
 }

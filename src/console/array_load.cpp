@@ -29,14 +29,14 @@ struct DataFile {
     char text[LINE_SIZE] = "";
 };
 
-// A line too long to be a number reads as an empty one. False at the end of the file.
+// A line too long to be a number reads as one that is none. False at the end of the file.
 bool ReadLine(DataFile *file)
 {
     file->line++;
     if (TXFR_RdLine(file->handle, file->text, LINE_SIZE) < 0)
         return false;
     if (TXFR_IsBrokenLine(file->handle) == 1)
-        file->text[0] = '\0';
+        std::strcpy(file->text, "?");
     return true;
 }
 
@@ -169,11 +169,24 @@ int FailCsvRead(const char *label, const char *fileName, int line)
     return SCR_Fail(CON_Format("%s: chyba pri cteni '%s' (radek %d).", label, fileName, line));
 }
 
+// What a file holds beyond the array must be values, too; empty lines may end it.
+LineFault CheckRest(DataFile *file, const ArrayType &type)
+{
+    uint8_t bytes[ELEMENT_BYTES_MAX];
+    LineFault fault = LINE_GOOD;
+    while (fault == LINE_GOOD || (fault == LINE_NO_VALUE && *CON_SkipBlanks(file->text) == '\0'))
+        fault = ReadValue(file, type, bytes);
+    return fault == LINE_MISSING ? LINE_GOOD : fault;
+}
+
 // Values from the file's present line on.
-int LoadList(DataFile *file, const char *label, const char *fileName, const ArrayRequest &request)
+int LoadList(DataFile *file, const char *label, const char *fileName, const ArrayRequest &request,
+             bool isWholeFile)
 {
     std::vector<uint8_t> bytes;
-    const LineFault fault = ReadValues(file, *request.type, request.count, &bytes);
+    LineFault fault = ReadValues(file, *request.type, request.count, &bytes);
+    if (fault == LINE_GOOD && isWholeFile)
+        fault = CheckRest(file, *request.type);
     if (fault == LINE_OUT_OF_RANGE)
         return SCR_Fail(
             CON_Format("%s: chyba v souboru '%s', na radku %d.", label, fileName, file->line));
@@ -195,7 +208,7 @@ int LoadCountedList(DataFile *file, const char *fileName, uint32_t minimum, Arra
         return SCR_Fail(CON_Format(
             "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru '%s'.", fileName));
     request->count = count;
-    return LoadList(file, "LoadCSVN", fileName, *request);
+    return LoadList(file, "LoadCSVN", fileName, *request, false);
 }
 
 } // namespace
@@ -223,7 +236,7 @@ int SCR_LoadCsv(ScrPar *par)
     file.handle = TXFR_Open(par[3].text);
     if (file.handle < 0)
         return FailOpen("LoadCSV", par[3].text);
-    const int result = LoadList(&file, "LoadCSV", par[3].text, request);
+    const int result = LoadList(&file, "LoadCSV", par[3].text, request, true);
     TXFR_Close(file.handle);
     return result;
 }

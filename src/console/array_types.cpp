@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/VR.h"
 #include "comm/sysaddr.h"
 #include "console/script_command.h"
 #include "console/text_box.h"
@@ -60,11 +61,22 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
     return ARRAY_OK;
 }
 
+// Transfers go to the memory of STATION. A name that lies elsewhere has no place in it:
+// one of another station, and one of the TMS320 behind a C166.
+uint32_t FindPlace(const char *name)
+{
+    const int station = GetStationModifier(&name);
+    name = CON_SkipBlanks(name);
+    const bool isOfStation = station < 0 || station == STATION;
+    const bool isTms = *name == '&' && !IsWordAddressing(Procesor);
+    return isOfStation && !isTms ? GetSysAddrWk(name) : ADDR_NONE;
+}
+
 // A number stands for itself; it must be an address all the same.
 bool ResolveName(ScrPar *par)
 {
     if ((par->flags & PAR_NAME) && (par->flags & PAR_ADDRESS) && !(par->flags & PAR_LONG))
-        par->value = GetSysAddr(par->text);
+        par->value = FindPlace(par->text);
     return !(par->flags & PAR_ADDRESS) || par->value < ADDR_LIMIT;
 }
 

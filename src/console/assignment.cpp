@@ -45,6 +45,8 @@ template <size_t N> int32_t FindPrefix(const TypeWord (&table)[N], const char *t
 
 const char *FindTypeName(uint32_t code)
 {
+    if (code == static_cast<uint32_t>(ATP_RS) || code == static_cast<uint32_t>(ATP_SZ))
+        return code == static_cast<uint32_t>(ATP_RS) ? "rs" : "sz";
     for (const TypeWord &row : TYPE_NAMES)
         if (static_cast<uint32_t>(row.code) == (code & ATP_MASK))
             return row.word;
@@ -143,10 +145,6 @@ int ATP_SizeOf(uint32_t code)
 
 void ATP_toStr(uint32_t code, std::string *text)
 {
-    if (code == static_cast<uint32_t>(ATP_RS) || code == static_cast<uint32_t>(ATP_SZ)) {
-        *text = code == static_cast<uint32_t>(ATP_RS) ? "(rs)" : "(sz)";
-        return;
-    }
     *text = std::string("(") + FindTypeName(code);
     if (code & PAR_NAME)
         *text += text->size() > 1 ? " ID" : "ID";

@@ -46,7 +46,7 @@ int DumpLetter(int panel, const char *argument)
         return dump_node(panel, CON_Trim(argument + 1));
     const bool isRaw = *argument == 'x';
     const char *cursor = CON_SkipBlanks(argument + (isRaw ? 1 : 0));
-    if (!CON_ParseHex(&cursor, &dwAddr) || *CON_SkipBlanks(cursor) != '\0')
+    if (!CON_ParseAddress(&cursor, &dwAddr) || *CON_SkipBlanks(cursor) != '\0')
         return SayTryHelp();
     return isRaw ? dump(panel, dwAddr) : dump_compl(panel, dwAddr);
 }
@@ -84,7 +84,7 @@ int TmsLetter(int, const char *)
 int WriteLetter(int panel, const char *argument)
 {
     const char *cursor = *argument == '\0' ? argument : CON_SkipBlanks(argument + 1);
-    if (!VAL_IsKind(*argument) || !CON_ParseHex(&cursor, &dwAddr) ||
+    if (!VAL_IsKind(*argument) || !CON_ParseAddress(&cursor, &dwAddr) ||
         *CON_SkipBlanks(cursor) != '\0')
         return SayTryHelp();
     return write_DPM(panel, dwAddr, *argument);
@@ -126,15 +126,6 @@ int RunLetter(int panel, const char *line)
 
 // --- the gate ---------------------------------------------------------------------------------
 
-bool IsGateWord(const char *line)
-{
-    const size_t length = CON_WordLength(line);
-    for (const char *word : GATE_WORDS)
-        if (std::strlen(word) == length && std::strncmp(word, line, length) == 0)
-            return true;
-    return false;
-}
-
 bool IsCommandStart(char c)
 {
     return CON_IsLetter(c) || c == '!';
@@ -145,7 +136,7 @@ bool IsCommandStart(char c)
 bool IsAdmitted(const char *line)
 {
     if (!VR_isFullCommandSet)
-        return IsGateWord(line);
+        return CON_IsGateWord(line);
     if (!IsCommandStart(*line) || FindLetter(*line))
         return true;
     return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
@@ -198,6 +189,15 @@ int InterpretLine(int panel, const char *line)
 }
 
 } // namespace
+
+bool CON_IsGateWord(const char *line)
+{
+    const size_t length = CON_WordLength(line);
+    for (const char *word : GATE_WORDS)
+        if (std::strlen(word) == length && std::strncmp(word, line, length) == 0)
+            return true;
+    return false;
+}
 
 int RunMonitor(int panel, const char *line)
 {

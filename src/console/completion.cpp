@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "app/VR.h"
 #include "console/monitor.h"
 #include "console/script_command.h"
 #include "console/word.h"
@@ -20,7 +21,8 @@ bool StartsWith(const std::string &text, const std::string &start)
 void AddCommands(const std::string &start, std::vector<std::string> *candidates)
 {
     for (int i = 0; i < SCR_cnTable; i++)
-        if (StartsWith(SCR_aTable[i].name, start))
+        if (StartsWith(SCR_aTable[i].name, start) &&
+            (VR_isFullCommandSet || CON_IsGateWord(SCR_aTable[i].name)))
             candidates->push_back(SCR_aTable[i].name);
 }
 

@@ -23,8 +23,9 @@ namespace {
 
 constexpr int COMMAND_WRITE = 8;
 constexpr uint32_t ITEM_BYTES = 4;
-constexpr uint32_t STORE_LAST_ADDRESS = 0x3FFFF; // a store reaches the first 256 KiB
-constexpr int LINE_SIZE = 121;                   // characters of a file's line, and the end
+constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 KiB
+constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
+constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 
 // --- reading the target: one item, 0 or -1 -----------------------------------------------
 
@@ -59,17 +60,18 @@ double IeeeValue(uint32_t bits)
 
 struct Source {
     uint32_t step; // from item to item
+    uint32_t lastAddress;
     int (*read)(uint32_t address, bool isFloat, uint32_t *value);
     double (*toDouble)(uint32_t bits);
 };
-const Source C166_SOURCE = {ITEM_BYTES, ReadC166, IeeeValue};
-const Source TMS_SOURCE = {1, ReadTms, TMS_IEEE};
+const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue};
+const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE};
 
 int StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
 {
     std::fputs(request.isFloat ? "float\n" : "int\n", file);
     uint32_t address = request.address;
-    for (uint32_t i = 0; i < request.count && address <= STORE_LAST_ADDRESS; i++) {
+    for (uint32_t i = 0; i < request.count && address <= source.lastAddress; i++) {
         uint32_t value = 0;
         if (source.read(address, request.isFloat, &value) < 0)
             return -1;
@@ -137,28 +139,38 @@ struct Sink {
 const Sink C166_SINK = {1, ITEM_BYTES, SendC166};
 const Sink TMS_SINK = {1, 1, SendTms};
 
-bool ParseNumber(const char *line, bool isFloat, uint32_t *value)
+enum NumberForm { NUMBER_GOOD, NUMBER_NONE, NUMBER_TOO_BIG };
+
+NumberForm ParseNumber(const char *line, bool isFloat, uint32_t *value)
 {
     char *end = nullptr;
     errno = 0;
+    bool isGood = false;
     if (isFloat) {
         const float number = std::strtof(line, &end);
         std::memcpy(value, &number, sizeof *value);
-        return end != line && std::isfinite(number);
+        isGood = std::isfinite(number);
+    } else {
+        const long long number = std::strtoll(line, &end, 10);
+        *value = static_cast<uint32_t>(number);
+        isGood = errno == 0 && number >= INT32_MIN && number <= INT32_MAX;
     }
-    const long long number = std::strtoll(line, &end, 10);
-    *value = static_cast<uint32_t>(number);
-    return end != line && errno == 0 && number >= INT32_MIN && number <= INT32_MAX;
+    if (end == line)
+        return NUMBER_NONE;
+    return isGood ? NUMBER_GOOD : NUMBER_TOO_BIG;
 }
 
 // An integer file ends at its first line that is no number; in a float file that is an error.
 int LoadItems(int panel, uint32_t address, const Sink &sink, int file, bool isFloat)
 {
     char line[LINE_SIZE];
-    while (TXFR_RdLine(file, line, LINE_SIZE) >= 0) {
+    for (int lineNo = 2; TXFR_RdLine(file, line, LINE_SIZE) >= 0; lineNo++) {
         uint32_t value = 0;
-        if (!ParseNumber(line, isFloat, &value))
-            return isFloat ? -1 : 0;
+        const NumberForm form = ParseNumber(line, isFloat, &value);
+        if (form == NUMBER_NONE && !isFloat)
+            return 0;
+        if (form != NUMBER_GOOD)
+            return MEM_Fail(CON_Format("Line %d of the file is not a value.", lineNo));
         if (sink.send(panel, address, isFloat, value) < 0)
             return -1;
         address += isFloat ? sink.floatStep : sink.integerStep;
@@ -199,7 +211,7 @@ bool MFL_ParseStore(const char *text, MemoryFileRequest *request)
         return false;
     request->isFloat = *text == 'f';
     const char *cursor = CON_SkipBlanks(text + 1);
-    return CON_ParseHex(&cursor, &request->address) && CON_SkipComma(&cursor) &&
+    return CON_ParseAddress(&cursor, &request->address) && CON_SkipComma(&cursor) &&
            ParseFileName(&cursor, &request->fileName) && CON_SkipComma(&cursor) &&
            CON_ParseDecimal(&cursor, &request->count) && *CON_SkipBlanks(cursor) == '\0';
 }
@@ -207,7 +219,7 @@ bool MFL_ParseStore(const char *text, MemoryFileRequest *request)
 bool MFL_ParseLoad(const char *text, MemoryFileRequest *request)
 {
     const char *cursor = CON_SkipBlanks(text);
-    return CON_ParseHex(&cursor, &request->address) && CON_SkipComma(&cursor) &&
+    return CON_ParseAddress(&cursor, &request->address) && CON_SkipComma(&cursor) &&
            ParseFileName(&cursor, &request->fileName) && *cursor == '\0';
 }
 

@@ -37,6 +37,7 @@ extern bool CON_isExit;
 // --- line interpreters: 0, or negative ---------------------------------------------------
 int RunMonitor(int panel, const char *line);
 int RunTMSMonitor(int panel, const char *line);
+bool CON_IsGateWord(const char *line);   // its first word passes without the full command set
 int WriteD(int panel, const char *text); // value entry, C166
 int WriteT(int panel, const char *text); // value entry, TMS
 int LoadMapFile(int panel, const char *name);

@@ -22,7 +22,7 @@ int RefuseArguments(int panel)
 int DumpLetter(int panel, const char *argument)
 {
     const char *cursor = argument;
-    if (!CON_ParseHex(&cursor, &dwAddr))
+    if (!CON_ParseAddress(&cursor, &dwAddr))
         return RefuseArguments(panel);
     uint32_t count = DUMP_WORDS;
     if (!CON_SkipComma(&cursor)) {
@@ -37,7 +37,7 @@ int DumpLetter(int panel, const char *argument)
 int WriteLetter(int panel, const char *argument)
 {
     const char *cursor = *argument == '\0' ? argument : CON_SkipBlanks(argument + 1);
-    if (!VAL_IsKind(*argument) || !CON_ParseHex(&cursor, &dwAddr) ||
+    if (!VAL_IsKind(*argument) || !CON_ParseAddress(&cursor, &dwAddr) ||
         *CON_SkipBlanks(cursor) != '\0')
         return RefuseArguments(panel);
     return write_addr(panel, dwAddr, *argument);

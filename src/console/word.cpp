@@ -98,6 +98,19 @@ bool CON_ParseHex(const char **cursor, uint32_t *value)
     return ParseDigits(cursor, 16, value);
 }
 
+bool CON_ParseAddress(const char **cursor, uint32_t *address)
+{
+    const char *c = *cursor;
+    if (*c == '$')
+        c++;
+    else if (*c == '0' && (c[1] == 'x' || c[1] == 'X'))
+        c += 2;
+    if (!CON_ParseHex(&c, address))
+        return false;
+    *cursor = c;
+    return true;
+}
+
 bool CON_ParseDecimal(const char **cursor, uint32_t *value)
 {
     return ParseDigits(cursor, 10, value);

@@ -20,6 +20,8 @@ bool CON_IsSameWord(const std::string &a, const char *b); // ignoring case
 
 // Hexadecimal digits at *cursor, which is moved past them; at most 32 bits.
 bool CON_ParseHex(const char **cursor, uint32_t *value);
+// The same behind the "$" or "0x" that addresses have elsewhere, or without.
+bool CON_ParseAddress(const char **cursor, uint32_t *address);
 // Decimal digits likewise.
 bool CON_ParseDecimal(const char **cursor, uint32_t *value);
 // Past a "," and the blanks around it; false when there is none.

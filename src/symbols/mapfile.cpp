@@ -13,6 +13,7 @@
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
+#include "watch/list_view.h"
 #include "watch/litem.h"
 
 namespace {
@@ -246,7 +247,9 @@ int TMSmap2node(const char *fileName)
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && VRN_IsTMSProcessor())
         TakeMap(fileName);
-    else if (result == 0)
-        completeTMSLItems(aVarTMSNode, nTMSNodes);
+    if (result == 0 && !VRN_IsTMSProcessor()) {
+        LIT_ResolveAll(true);
+        LSV_ShowAddresses();
+    }
     return result;
 }

@@ -75,7 +75,7 @@ int TMF_LoadStructTable(int streamHandle);
 void TMF_FreeTables();  // the three tables
 void TMF_CleanTables(); // the tables and the struct-variable nodes
 // As TMF_LoadMap for the user: a file that fails leaves the loaded type map as it was;
-// after success the struct-variable nodes are built and the watch list resolved again.
+// after success the struct-variable nodes are built and all watch items resolved again.
 int TMF_OpenMap(const char *fileName);
 // The file that the loaded type map was read from; "" when it came another way.
 extern std::string TMF_szFileName;

@@ -7,6 +7,8 @@
 #include "text/txfr.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
+#include "watch/list_view.h"
+#include "watch/litem.h"
 
 TMF_Decl *TMF_paDefVars = nullptr;
 int32_t TMF_cnDefVars = 0;
@@ -344,7 +346,9 @@ int TMF_OpenMap(const char *fileName)
         return result;
     TMF_szFileName = fileName;
     TMF_Rebuild();
-    VRN_RefreshVars();
+    LIT_ResolveAll(false);
+    LIT_ResolveAll(true); // their map is still the same
+    LSV_ShowAddresses();
     return 0;
 }
 

@@ -38,6 +38,13 @@ const char *SkipPrefixes(const char *text)
     return SkipBlanks(rest == SkipBlanks(text) ? SkipStation(rest + 1) : rest + 1);
 }
 
+// A number that 32 bits do not hold is no address that anybody meant.
+uint32_t ReadNumber(const char *digits, int base)
+{
+    const unsigned long long number = std::strtoull(digits, nullptr, base);
+    return number < NOT_FOUND ? static_cast<uint32_t>(number) : NOT_FOUND;
+}
+
 // "0x1F" or "0FA00H" at the cursor: the number, the cursor moved past it.
 bool ScanHexNumber(const char **cursor, uint32_t *value)
 {
@@ -45,7 +52,7 @@ bool ScanHexNumber(const char **cursor, uint32_t *value)
     const char *end = start;
     if (xscani("0x@#0-9A-F.", &end) < 0 && xscani("#0-9.*#0-9A-F.#H.", &end) < 0)
         return false;
-    *value = static_cast<uint32_t>(std::strtoul(start, nullptr, 16));
+    *value = ReadNumber(start, 16);
     *cursor = end;
     return true;
 }
@@ -60,8 +67,10 @@ bool ScanOffset(const char *text, uint32_t *offset)
         const char *digits = text;
         if (xscan("@#0-9.", &text) < 0)
             return false;
-        *offset = static_cast<uint32_t>(std::strtoul(digits, nullptr, 10));
+        *offset = ReadNumber(digits, 10);
     }
+    if (*offset == NOT_FOUND)
+        return false;
     if (negative)
         *offset = 0u - *offset;
     return xscan("* #", &text) >= 0;

@@ -10,6 +10,7 @@
 
 #include "app/VR.h"
 #include "symbols/typemap.h"
+#include "watch/list_view.h"
 #include "watch/litem.h"
 
 VarNode aVarNode[NODES_MAX];
@@ -317,4 +318,5 @@ void VRN_RefreshVars()
         completeLItems(aVarNode166, nNodes166);
     if (openStruct != OPEN_NONE)
         completeLItems(aVarNode, nNodes);
+    LSV_ShowAddresses();
 }

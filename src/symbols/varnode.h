@@ -64,7 +64,8 @@ int MapAddrToId(std::string *name, uint32_t *address);
 // Next name matching "abc*" from *position on; 0, or -1 at the end.
 int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, int count,
                  int *position);
-// Forgets and resolves again every address of the watch list.
+// Forgets and resolves again every address of the watch list, and shows them; the TMS320
+// items stay unresolved until the debug file is loaded again.
 void VRN_RefreshVars();
 // Whether the selected processor is of the TMS320 family.
 bool VRN_IsTMSProcessor();

@@ -353,6 +353,5 @@ int EDT_Rename(int index, const std::string &name)
 void UndoRemoveCB(int /*menuBar*/, int /*item*/)
 {
     const int result = EDT_UndoRemove();
-    if (result < 0)
-        VR_ShowMessage(EDT_ErrorText(result));
+    VR_ShowMessage(result < 0 ? EDT_ErrorText(result) : "Put back: " + LIT_Label(aLItems[result]));
 }

@@ -21,6 +21,7 @@ constexpr int NOTHING = -1;
 uint32_t startTick = 0;
 int meteredIndex = NOTHING; // item whose samples are being summed
 uint32_t meteredAddress = 0;
+int32_t meteredSize = 0;
 
 void dimResults(int isDimmed)
 {
@@ -83,10 +84,11 @@ void FM_Update(int index, int selected)
         return;
     const LItem &item = aLItems[index];
     const uint32_t now = PLT_TickMs();
-    if (meteredIndex != index || meteredAddress != item.address) {
+    if (meteredIndex != index || meteredAddress != item.address || meteredSize != item.size) {
         // The first sample only sets the start: there is nothing to compare it with.
         meteredIndex = index;
         meteredAddress = item.address;
+        meteredSize = item.size;
         startInterval(now);
     } else {
         addSample(item);

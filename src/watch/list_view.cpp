@@ -72,7 +72,9 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     line += ": ";
     if (!isResolved)
         line += "Address?";
-    FormatLItemVal(&line, item);
+    // A line that was out of sight so far has no value, and no 0 to be taken for one.
+    if (item.isValueGood || item.readError != 0 || !isResolved)
+        FormatLItemVal(&line, item);
     if (item.readError == 1)
         line += " (!)";
     return line;
@@ -96,6 +98,17 @@ void LSV_ShowValues()
         if (isNew || shownTips[i] != aLItems[i].reason)
             showTip(i);
     }
+}
+
+void LSV_ShowAddresses()
+{
+    if (nLItems == 0)
+        return;
+    const int selected = LSV_Selected();
+    const int first = LSV_FirstVisible();
+    fillNames();
+    LSV_Select(selected);
+    SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
 }
 
 void LSV_ShowNone()

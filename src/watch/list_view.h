@@ -12,6 +12,8 @@ std::string LSV_ValueLine(const LItem &item, int processor);
 
 // Brings every line and tip of the list up to date; touches only what differs.
 void LSV_ShowValues();
+// Every line without a value, after names were looked up again; selection and scroll stay.
+void LSV_ShowAddresses();
 void LSV_ShowNone(); // the single line of a program without a list
 
 // Selected line (0 when none) and first visible one, both inside 0..lines - 1.

@@ -215,8 +215,12 @@ int dat2litems(const char *path)
         takeLine(line);
     }
     openLItems = 1;
-    for (int i = 0; i < nLItems; ++i)
-        LIT_Resolve(&aLItems[i]);
+    if (openStruct166)
+        completeLItems(aVarNode166, nNodes166);
+    if (openStruct)
+        completeLItems(aVarNode, nNodes);
+    if (openTMSStruct)
+        completeTMSLItems(aVarTMSNode, nTMSNodes);
     readLItems = 0;
     return 0;
 }
@@ -229,6 +233,20 @@ void LIT_Resolve(LItem *item)
         resolve(item, aVarNode, nNodes);
     if (openTMSStruct && LIT_IsTMS(*item))
         resolve(item, aVarTMSNode, nTMSNodes);
+}
+
+void LIT_ResolveAll(bool isTMS)
+{
+    for (int i = 0; i < nLItems; ++i) {
+        LItem &item = aLItems[i];
+        if (LIT_IsTMS(item) != isTMS)
+            continue;
+        const uint32_t before = item.address;
+        item.address = item.givenAddress;
+        item.explicitAddress = item.address != LITEM_NO_ADDRESS && !isAnonymous(item);
+        LIT_Resolve(&item);
+        item.isValueGood &= item.address == before;
+    }
 }
 
 void completeLItems(const VarNode *nodes, int count)
@@ -246,6 +264,7 @@ void CleanLItems()
     for (int i = 0; i < nLItems; ++i) {
         aLItems[i].address = LITEM_NO_ADDRESS;
         aLItems[i].explicitAddress = 0;
+        aLItems[i].isValueGood = false; // what was read elsewhere gives no rate
     }
 }
 

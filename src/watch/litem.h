@@ -30,6 +30,7 @@ struct LItem {
     // forgetting the resolved addresses when another map is loaded.
     uint32_t givenAddress = 0xFFFFFFFF;
     bool isValueGood = false; // `value` is from a good read
+    uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
 };
 
@@ -56,6 +57,9 @@ void completeLItems(const struct VarNode *nodes, int count);
 void completeTMSLItems(const struct VarNode *nodes, int count);
 // Resolves one item against every table that is loaded and meant for it.
 void LIT_Resolve(LItem *item);
+// Looks up every C166 (or every TMS320) item as if its list had just been loaded: a name
+// that the tables no longer know loses the address it had from them.
+void LIT_ResolveAll(bool isTMS);
 void CleanLItems(); // forgets every resolved address
 
 bool LIT_IsTMS(const LItem &item);

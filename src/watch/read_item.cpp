@@ -94,10 +94,13 @@ int readValues(int index)
     item.valueHigh = 0;
     int mailboxResult = TMS_OK;
     const int result = readInto(&item, index, &mailboxResult);
-    item.readTick = static_cast<uint16_t>(PLT_TickMs());
+    const uint32_t now = PLT_TickMs();
+    const bool isLongAgo = now - item.lastReadMs > UINT16_MAX; // out of view for a while
+    item.lastReadMs = now;
+    item.readTick = static_cast<uint16_t>(now);
     item.readError = result != 0;
-    // A rate needs two good reads: equal ticks mark that there is none yet.
-    if (!item.isValueGood || result != 0)
+    // A rate needs two good reads within a turn of the tick: equal ticks mark that there is none.
+    if (!item.isValueGood || result != 0 || isLongAgo)
         item.previousReadTick = item.readTick;
     item.isValueGood = result == 0;
     if (result == 0) {

@@ -109,6 +109,12 @@ void countErrors()
 
 } // namespace
 
+void RFR_BeginSweep()
+{
+    UpdItem = 0;
+    eTMS = 0;
+}
+
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event != EVENT_TIMER_TICK || !isTimer)
@@ -119,6 +125,8 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
         return updateListTextBox(0);
     }
     setPeriod(VR_fRefreshPeriod);
+    if (!readLItems) // another list: half a sweep of the old one says nothing about it
+        RFR_BeginSweep();
     const int first = LSV_FirstVisible();
     int index = first + UpdItem;
     if (index >= nLItems || UpdItem >= SWEEP_LINES) {
@@ -152,7 +160,10 @@ int updateListTextBox(int index)
         updateMemoryBox(selected);
     FM_Update(index, selected);
     countErrors();
-    if (isSweepEnd)
+    if (isSweepEnd) {
         eTMS = 0;
+        if (isTimer)
+            VR_FollowPort();
+    }
     return 0;
 }

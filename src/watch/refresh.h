@@ -15,6 +15,8 @@ extern int eTMS;    // this sweep: 0 good, -1 a C166 read failed, -2 a TMS320 re
 extern int nErrors; // failed reads since the last good sweep
 extern double VR_fRefreshPeriod; // seconds between ticks
 
+// The next tick begins a sweep at the first visible line, whatever the last one found.
+void RFR_BeginSweep();
 // The main panel's timer: reads the next visible item while communication is on. Returns 0.
 int timerCB(int panel, int control, int event, int data);
 // Reads one item and, when it ends a sweep, redraws list, status and memory box. Returns 0.

@@ -50,10 +50,14 @@ std::string SEL_Describe(const TMF_ListRow &row)
     std::string text = row.expression;
     if (row.declaration != row.expression && !row.declaration.empty())
         text += ":  " + row.declaration;
-    const std::string known = SEL_TypeField(row.expression);
     if (!SEL_CanWatch(row))
         return text + "  (Enter shows its members)";
-    return text + "  (adds as " + (known.empty() ? EDT_SuggestType(row.expression) : known) + ")";
+    std::string field = SEL_TypeField(row.expression);
+    if (field.empty())
+        field = EDT_SuggestType(row.expression);
+    if (row.expression[0] == '&' && field.size() > 1)
+        field[1] = '4'; // whatever the name says
+    return text + "  (adds as " + field + ")";
 }
 
 void SEL_AddToWatch(const std::string &expression, int panel, int messageControl)

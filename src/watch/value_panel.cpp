@@ -59,10 +59,14 @@ bool isOpen()
 int currentIndex()
 {
     const int index = EDT_Find(shown);
+    std::string said;
+    GetCtrlVal(PANEL, VALUE_RESULT, &said);
+    if (index < 0)
+        say(ITEM_GONE, COLOR_BAD);
+    else if (said == ITEM_GONE)
+        say("", COLOR_PLAIN);
     if (index >= 0)
         shown.index = index;
-    else
-        say(ITEM_GONE, COLOR_BAD);
     return index;
 }
 

@@ -1,4 +1,5 @@
 // Panels and controls against the tables: numbers, values, attributes, windows.
+#include <QAction>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -24,6 +25,27 @@ TEST_F(FaceTest, LoadsEveryPanelWithEveryControlOfTheTable)
                 EXPECT_EQ(FACE_ControlOf(control->widget), control) << row.name;
         }
     }
+}
+
+TEST_F(FaceTest, GivesNoAccessKeyOfTheMainPanelTwice)
+{
+    QStringList texts;
+    const QList<QWidget *> widgets = GuiWindow(PANEL_MAIN)->findChildren<QWidget *>();
+    for (const QWidget *widget : widgets)
+        if (!GuiWindow(PANEL_CONSOLE)->isAncestorOf(widget) && !widget->inherits("QMenu"))
+            texts << widget->property("text").toString();
+    const QList<QAction *> menus = GuiWindow(PANEL_MAIN)->findChild<QMenuBar *>()->actions();
+    for (const QAction *menu : menus)
+        texts << menu->text();
+    QMap<QString, QString> owners;
+    for (const QString &text : texts) {
+        const QString key = QKeySequence::mnemonic(text).toString();
+        EXPECT_TRUE(key.isEmpty() || !owners.contains(key))
+            << key.toStdString() << ": " << text.toStdString() << " and "
+            << owners[key].toStdString();
+        owners[key] = text;
+    }
+    EXPECT_GT(owners.size(), menus.size());
 }
 
 TEST_F(FaceTest, AnswersWrongNumbersAndKindsWithCodes)

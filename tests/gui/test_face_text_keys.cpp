@@ -176,7 +176,7 @@ TEST_F(FaceTest, MenusTakeItemsInAndOut)
     clickedItems.clear();
     const int menuBar = GetPanelMenuBar(PANEL_MAIN);
     const int item = NewMenuItem(menuBar, MENU_FILE, "__1 /tmp/a__b&c.dbg", ITEM_RECENT_END,
-                                 KEY_CTRL | '1', NoteItem);
+                                 KEY_F1 + 10, NoteItem);
     ASSERT_GE(item, 1000);
     QAction *action = FACE_MenuAction(item);
     EXPECT_EQ(action->text(), "&1 /tmp/a__b&&c.dbg");
@@ -185,14 +185,14 @@ TEST_F(FaceTest, MenusTakeItemsInAndOut)
     EXPECT_EQ(items.indexOf(action) + 1, items.indexOf(FACE_MenuAction(ITEM_RECENT_END)));
 
     SetMenuBarAttribute(menuBar, item, ATTR_CHECKED, 1);
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_1, Qt::ControlModifier);
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_F11);
     EXPECT_EQ(clickedItems, std::vector<int>{item});
     int isChecked = 0;
     GetMenuBarAttribute(menuBar, item, ATTR_CHECKED, &isChecked);
     EXPECT_EQ(isChecked, 1) << "a click does not move the mark: the program does";
 
     SetMenuBarAttribute(menuBar, item, ATTR_DIMMED, 1);
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_1, Qt::ControlModifier);
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_F11);
     EXPECT_EQ(clickedItems.size(), 1u);
     EXPECT_EQ(DiscardMenuItem(menuBar, item), 0);
     EXPECT_EQ(DiscardMenuItem(menuBar, item), UIE_NO_ITEM);
@@ -213,6 +213,30 @@ TEST_F(FaceTest, PortMenuTellsWhatStandsBehindANumber)
     EXPECT_EQ(FACE_MenuAction(ITEM_PORT_FIRST + 3)->text(), "COM&4");
     qunsetenv("VIREO2_COM3");
     qunsetenv("VIREO2_COM4");
+}
+
+TEST_F(FaceTest, AssigningAPortReplacesItsLinkOrSaysWhyNot)
+{
+    QTemporaryDir folder;
+    QFile first(folder.filePath("first")), second(folder.filePath("second"));
+    ASSERT_TRUE(first.open(QIODevice::WriteOnly) && second.open(QIODevice::WriteOnly));
+    const QByteArray before = qgetenv("XDG_CONFIG_HOME");
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.path()));
+    EXPECT_EQ(FACE_AssignPort(6, first.fileName()), 0);
+    EXPECT_EQ(FACE_DescribePort(6), QFileInfo(first).canonicalFilePath());
+    EXPECT_EQ(FACE_AssignPort(6, second.fileName()), 0);
+    EXPECT_EQ(FACE_DescribePort(6), QFileInfo(second).canonicalFilePath());
+
+    // A file where a folder is needed: nobody, not even root, can write there.
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(first.fileName()));
+    QString said;
+    GuiAnswerNext([&](QWidget *popup) {
+        said = popup->property("text").toString();
+        GuiClickButton(popup, "OK");
+    });
+    EXPECT_EQ(FACE_AssignPort(6, second.fileName()), -1);
+    EXPECT_TRUE(said.startsWith("Cannot write the link ")) << said.toStdString();
+    before.isNull() ? qunsetenv("XDG_CONFIG_HOME") : qputenv("XDG_CONFIG_HOME", before);
 }
 
 } // namespace

@@ -31,6 +31,7 @@ protected:
         ASSERT_EQ(VR_StartUp(1, arguments), 0);
         GuiShow(PANEL_MAIN);
         WindowCB(0, ITEM_WATCH_VIEW);
+        ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
     }
     void TearDown() override
     {
@@ -112,9 +113,7 @@ TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
     target = SIMT_Start(PORT, SIM_Options());
     ASSERT_TRUE(target);
     clickCommunication();
-    fprintf(stderr,"comm %d timer %d\n", value(MAIN_COMM), isTimer);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return text(MAIN_STATUS) == "RUN"; }, 5000));
-    fprintf(stderr,"comm %d timer %d '%s'\n", value(MAIN_COMM), isTimer,text(MAIN_STATUS).c_str());
+    EXPECT_TRUE(waitForText(MAIN_STATUS, "RUN"));
 }
 
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)

@@ -14,7 +14,6 @@ namespace {
 
 CPG_Options options;
 volatile std::sig_atomic_t isInterrupted = 0;
-bool isWaitingForPort = false;
 
 // A second signal ends the program even where it waits for a reader of its output.
 void OnSignal(int signal)
@@ -56,7 +55,7 @@ bool Tick()
 {
     if (IsInterrupted())
         return false;
-    const bool isSoon = options.sweeps > 0 && !isWaitingForPort;
+    const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
     const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
                              : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
     return fired == 1;
@@ -76,17 +75,17 @@ bool ReadAll()
     return true;
 }
 
-// Where errors do not end the watch, a port that was unplugged is taken again once it is
-// back: nobody is there to switch communication on by hand.
-void FollowPort()
+// What the window's message area would say: the port is gone, it is back, why it was
+// switched off.
+void RepeatMessage()
 {
-    if (UCM_IsOpened() != 0 && !UCM_IsGone())
+    static std::string shown;
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) < 0 || message == shown)
         return;
-    if (!isWaitingForPort)
-        std::fprintf(stderr, "COM%d is gone: waiting for it.\n", ncom);
-    isWaitingForPort = VR_OpenLink() < 0;
-    if (!isWaitingForPort)
-        std::fprintf(stderr, "COM%d is back.\n", ncom);
+    shown = message;
+    if (!message.empty())
+        std::fprintf(stderr, "%s\n", message.c_str());
 }
 
 // Fewer sweeps than were asked for are no success.
@@ -105,13 +104,13 @@ int Follow()
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
         if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
+        RepeatMessage();
         if (IsInterrupted())
             return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
             return 1;
         }
-        FollowPort();
     }
     return 0;
 }

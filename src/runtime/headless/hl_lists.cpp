@@ -47,6 +47,7 @@ int ClearListCtrl(int panel, int control)
     if (list) {
         list->lines.clear();
         list->selected = -1;
+        list->firstVisible = 0;
     }
     return error;
 }

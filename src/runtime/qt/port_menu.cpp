@@ -42,25 +42,6 @@ bool AreLinksUsed()
     return PLT_PathSeparator() == '/' && !PLT_ConfigDir().empty();
 }
 
-void WriteLink(int port, const QString &device)
-{
-    const QString folder = FACE_ToQt(PLT_ConfigDir()) + "/ports";
-    const QString link = folder + QString("/COM%1").arg(port);
-    const QString fresh = link + ".new";
-    QFile::remove(fresh);
-    // The new link takes the old one's place in one step.
-    if (!QDir().mkpath(folder) || !QFile::link(device, fresh) ||
-        PLT_ReplaceFile(FACE_ToStd(fresh), FACE_ToStd(link)) < 0) {
-        QFile::remove(fresh);
-        MessagePopup("Error", FACE_ToStd("Cannot write the link " + link + "."));
-        return;
-    }
-    const std::string path = SER_DevicePath(port);
-    if (FACE_ToQt(path) != link && FACE_ToQt(path) != device)
-        MessagePopup("Message", "The environment variable VIREO2_COM" + std::to_string(port) +
-                                    " overrides this choice.");
-}
-
 void FillAssignMenu(QMenu *assign)
 {
     assign->clear();
@@ -72,7 +53,7 @@ void FillAssignMenu(QMenu *assign)
         const QString location = info.systemLocation();
         for (int port = 1; port <= PORTS_SHOWN; port++)
             device->addAction(QString("COM&%1").arg(port), device,
-                              [port, location] { WriteLink(port, location); });
+                              [port, location] { FACE_AssignPort(port, location); });
     }
     assign->menuAction()->setVisible(AreLinksUsed() && !assign->isEmpty());
 }
@@ -102,6 +83,26 @@ QString FACE_DescribePort(int port)
             return NameAndDescription(info);
     const QFileInfo file(path); // a pseudo terminal is not in the system's list
     return file.exists() ? file.canonicalFilePath() : QString();
+}
+
+int FACE_AssignPort(int port, const QString &device)
+{
+    const QString folder = FACE_ToQt(PLT_ConfigDir()) + "/ports";
+    const QString link = folder + QString("/COM%1").arg(port);
+    const QString fresh = link + ".new";
+    QFile::remove(fresh);
+    // The new link takes the old one's place in one step.
+    if (!QDir().mkpath(folder) || !QFile::link(device, fresh) ||
+        PLT_ReplaceFile(FACE_ToStd(fresh), FACE_ToStd(link)) < 0) {
+        QFile::remove(fresh);
+        MessagePopup("Error", FACE_ToStd("Cannot write the link " + link + "."));
+        return -1;
+    }
+    const QString used = FACE_ToQt(SER_DevicePath(port));
+    if (used != link && used != device)
+        MessagePopup("Message", "The environment variable VIREO2_COM" + std::to_string(port) +
+                                    " overrides this choice.");
+    return 0;
 }
 
 void FACE_EquipPortMenu(QMenu *menu)
