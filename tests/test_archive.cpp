@@ -5,16 +5,18 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <string>
+#include <unistd.h>
 
 namespace {
 
 class Archive : public testing::Test {
 protected:
-    std::string folder = testing::TempDir();
+    std::string folder = testing::TempDir() + std::to_string(getpid()) + "/";
     std::string archive = folder + "vireo2.qar";
     std::string first = folder + "vireo2 first.bin", second = folder + "vireo2_\"second\".txt";
     const std::string firstContent = std::string(100, '\0') + "QAR9/9;\n";
@@ -30,14 +32,14 @@ protected:
     }
     void SetUp() override
     {
+        std::filesystem::create_directory(folder);
         write(first, firstContent);
         write(second, "line 1\nline 2\r\n");
         ASSERT_EQ(QAR_Make(archive.c_str(), {first, second}), 0);
     }
     void TearDown() override
     {
-        for (const std::string &path : {archive, first, second})
-            std::remove(path.c_str());
+        std::filesystem::remove_all(folder);
     }
     int extract(const std::string &member)
     {

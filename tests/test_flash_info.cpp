@@ -20,6 +20,7 @@
 #include <fstream>
 #include <map>
 #include <random>
+#include <unistd.h>
 
 namespace {
 
@@ -309,7 +310,7 @@ TEST_F(FlashInfo, TargetsFlashAndSavedArchiveBringTheMaps)
     expectNodes(aVarNode, nNodes); // still those
     EXPECT_EQ(describe(), typesBefore);
 
-    const std::string path = testing::TempDir() + "vireo2_saved.qar";
+    const std::string path = testing::TempDir() + std::to_string(getpid()) + "saved.qar";
     ASSERT_EQ(SaveFlash(path.c_str()), 0);
     clear();
     EXPECT_EQ(TMSmap2node(path.c_str()), 0);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <unistd.h>
 
 #include "app/VR.h"
 #include "runtime/headless/headless.h"
@@ -60,7 +61,7 @@ protected:
     {
         return inStruct(name, aVarNode, nNodes);
     }
-    const std::string path = testing::TempDir() + "map_test.map";
+    const std::string path = testing::TempDir() + std::to_string(getpid()) + "test.map";
 };
 
 TEST_F(MapFiles, TakesC166LinesByTheirColumns)

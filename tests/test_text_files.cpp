@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -15,7 +16,7 @@ using Lines = std::vector<std::string>;
 
 class TextFiles : public testing::Test {
 protected:
-    std::string path = testing::TempDir() + "vireo2_text_files.txt";
+    std::string path = testing::TempDir() + std::to_string(getpid()) + "text_files.txt";
 
     void write(const std::string &content)
     {

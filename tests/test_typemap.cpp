@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "app/VR.h"
@@ -71,7 +72,7 @@ protected:
         std::string text = SHAPES;
         return text.replace(text.find(from), from.size(), to);
     }
-    const std::string path = testing::TempDir() + "typemap_test.tmf";
+    const std::string path = testing::TempDir() + std::to_string(getpid()) + "test.tmf";
 };
 
 TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
