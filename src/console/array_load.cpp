@@ -161,8 +161,7 @@ int LoadFile(DataFile *file, const char *fileName, const ArrayRequest &request)
     return WriteValues("Load", request.address, bytes);
 }
 
-// --- lists of numbers
-// -----------------------------------------------------------------------------
+// --- lists of numbers ------------------------------------------------------------------------
 
 int FailCsvRead(const char *label, const char *fileName, int line)
 {
@@ -211,46 +210,45 @@ int LoadCountedList(DataFile *file, const char *fileName, uint32_t minimum, Arra
     return LoadList(file, "LoadCSVN", fileName, *request, false);
 }
 
+// What differs between the commands once the array is known and the file is open.
+using LoadStep = int (*)(DataFile *file, const ScrPar *par, ArrayRequest *request);
+
+int LoadArray(ScrPar *par, const char *command, int fileAt, LoadStep load)
+{
+    ArrayRequest request;
+    if (ARR_Resolve(par, command, CON_Format("%s:", command).c_str(), &request) < 0)
+        return -1;
+    DataFile file;
+    file.handle = TXFR_Open(par[fileAt].text);
+    if (file.handle < 0)
+        return FailOpen(command, par[fileAt].text);
+    const int result = load(&file, par, &request);
+    TXFR_Close(file.handle);
+    return result;
+}
+
 } // namespace
 
 int SCR_Load(ScrPar *par)
 {
-    ArrayRequest request;
-    if (ARR_Resolve(par, "Load", "Load:", &request) < 0)
-        return -1;
-    DataFile file;
-    file.handle = TXFR_Open(par[3].text);
-    if (file.handle < 0)
-        return FailOpen("Load", par[3].text);
-    const int result = LoadFile(&file, par[3].text, request);
-    TXFR_Close(file.handle);
-    return result;
+    const LoadStep load = [](DataFile *file, const ScrPar *with, ArrayRequest *request) {
+        return LoadFile(file, with[3].text, *request);
+    };
+    return LoadArray(par, "Load", 3, load);
 }
 
 int SCR_LoadCsv(ScrPar *par)
 {
-    ArrayRequest request;
-    if (ARR_Resolve(par, "LoadCSV", "LoadCSV:", &request) < 0)
-        return -1;
-    DataFile file;
-    file.handle = TXFR_Open(par[3].text);
-    if (file.handle < 0)
-        return FailOpen("LoadCSV", par[3].text);
-    const int result = LoadList(&file, "LoadCSV", par[3].text, request, true);
-    TXFR_Close(file.handle);
-    return result;
+    const LoadStep load = [](DataFile *file, const ScrPar *with, ArrayRequest *request) {
+        return LoadList(file, "LoadCSV", with[3].text, *request, true);
+    };
+    return LoadArray(par, "LoadCSV", 3, load);
 }
 
 int SCR_LoadCsvN(ScrPar *par)
 {
-    ArrayRequest request;
-    if (ARR_Resolve(par, "LoadCSVN", "LoadCSVN:", &request) < 0)
-        return -1;
-    DataFile file;
-    file.handle = TXFR_Open(par[4].text);
-    if (file.handle < 0)
-        return FailOpen("LoadCSVN", par[4].text);
-    const int result = LoadCountedList(&file, par[4].text, par[3].value, &request);
-    TXFR_Close(file.handle);
-    return result;
+    const LoadStep load = [](DataFile *file, const ScrPar *with, ArrayRequest *request) {
+        return LoadCountedList(file, with[4].text, with[3].value, request);
+    };
+    return LoadArray(par, "LoadCSVN", 4, load);
 }

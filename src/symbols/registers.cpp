@@ -70,6 +70,7 @@ void initRg167()
 void initRg320F283xx()
 {
     FreeNodes(aVarNode166, &nNodes166);
+    AddBlocks(F28_COMMON_REGISTERS);
     AddBlocks(F283XX_REGISTERS);
     Finish();
 }
@@ -77,6 +78,7 @@ void initRg320F283xx()
 void initRg320F2803x()
 {
     FreeNodes(aVarNode166, &nNodes166);
+    AddBlocks(F28_COMMON_REGISTERS);
     AddBlocks(F2803X_REGISTERS);
     Finish();
 }

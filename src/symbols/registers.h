@@ -35,6 +35,7 @@ struct RegisterBlocks {
 extern const RegisterTable C166_COMMON_REGISTERS; // core, ports and peripherals both have
 extern const RegisterTable C166_ONLY_REGISTERS;
 extern const RegisterTable C167_ONLY_REGISTERS;
+extern const RegisterBlocks F28_COMMON_REGISTERS; // of both families below
 extern const RegisterBlocks F283XX_REGISTERS;
 extern const RegisterBlocks F2803X_REGISTERS;
 

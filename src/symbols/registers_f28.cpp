@@ -120,7 +120,8 @@ static const RegisterRow adc2803xRows[] = {
     {"ADCSOC14CTL", 0x2E},   {"ADCSOC15CTL", 0x2F},   {"ADCREFTRIM", 0x40},
     {"ADCOFFTRIM", 0x41}};
 
-static const RegisterBlock f283xxBlocks[] = {
+// What stands at the same place in both families, then what each has of its own.
+static const RegisterBlock commonBlocks[] = {
     {"TIMER0", 0x0C00, MakeRegisterTable(timerRows)},
     {"TIMER1", 0x0C08, MakeRegisterTable(timerRows)},
     {"TIMER2", 0x0C10, MakeRegisterTable(timerRows)},
@@ -133,41 +134,31 @@ static const RegisterBlock f283xxBlocks[] = {
     {"ePWM5_", 0x6900, MakeRegisterTable(pwmRows)},
     {"ePWM6_", 0x6940, MakeRegisterTable(pwmRows)},
     {"eCAP1_", 0x6A00, MakeRegisterTable(capRows)},
+    {"eQEP1_", 0x6B00, MakeRegisterTable(qepRows)},
+    {"GPA", 0x6F80, MakeRegisterTable(gpioPortRows)},
+    {"GPA", 0x6FC0, MakeRegisterTable(gpioDataRows)},
+    {"GPB", 0x6FC8, MakeRegisterTable(gpioDataRows)},
+    {"SPIA_", 0x7040, MakeRegisterTable(spiRows)},
+    {"SCIA_", 0x7050, MakeRegisterTable(sciRows)},
+};
+static const RegisterBlock f283xxBlocks[] = {
     {"eCAP2_", 0x6A20, MakeRegisterTable(capRows)},
     {"eCAP3_", 0x6A40, MakeRegisterTable(capRows)},
     {"eCAP4_", 0x6A60, MakeRegisterTable(capRows)},
     {"eCAP5_", 0x6A80, MakeRegisterTable(capRows)},
     {"eCAP6_", 0x6AA0, MakeRegisterTable(capRows)},
-    {"eQEP1_", 0x6B00, MakeRegisterTable(qepRows)},
     {"eQEP2_", 0x6B40, MakeRegisterTable(qepRows)},
-    {"GPA", 0x6F80, MakeRegisterTable(gpioPortRows)},
     {"GPB", 0x6F90, MakeRegisterTable(gpioPortRows)},
     {"GPC", 0x6FA6, MakeRegisterTable(gpioPortCRows)},
-    {"GPA", 0x6FC0, MakeRegisterTable(gpioDataRows)},
-    {"GPB", 0x6FC8, MakeRegisterTable(gpioDataRows)},
     {"GPC", 0x6FD0, MakeRegisterTable(gpioDataRows)},
     {"", 0x6FE0, MakeRegisterTable(gpioInt283xxRows)},
     {"", 0x7010, MakeRegisterTable(system283xxRows)},
-    {"SPIA_", 0x7040, MakeRegisterTable(spiRows)},
-    {"SCIA_", 0x7050, MakeRegisterTable(sciRows)},
     {"SCIB_", 0x7750, MakeRegisterTable(sciRows)},
     {"SCIC_", 0x7770, MakeRegisterTable(sciRows)},
     {"", 0x7070, MakeRegisterTable(xintRows)},
     {"", 0x7100, MakeRegisterTable(adc283xxRows)},
 };
-
 static const RegisterBlock f2803xBlocks[] = {
-    {"TIMER0", 0x0C00, MakeRegisterTable(timerRows)},
-    {"TIMER1", 0x0C08, MakeRegisterTable(timerRows)},
-    {"TIMER2", 0x0C10, MakeRegisterTable(timerRows)},
-    {"", 0x0CE0, MakeRegisterTable(pieRows)},
-    {"", 0x0B00, MakeRegisterTable(resultRows)},
-    {"ePWM1_", 0x6800, MakeRegisterTable(pwmRows)},
-    {"ePWM2_", 0x6840, MakeRegisterTable(pwmRows)},
-    {"ePWM3_", 0x6880, MakeRegisterTable(pwmRows)},
-    {"ePWM4_", 0x68C0, MakeRegisterTable(pwmRows)},
-    {"ePWM5_", 0x6900, MakeRegisterTable(pwmRows)},
-    {"ePWM6_", 0x6940, MakeRegisterTable(pwmRows)},
     {"ePWM7_", 0x6980, MakeRegisterTable(pwmRows)},
     {"ePWM1_", 0x6800, MakeRegisterTable(pwmExtraRows)},
     {"ePWM2_", 0x6840, MakeRegisterTable(pwmExtraRows)},
@@ -176,20 +167,19 @@ static const RegisterBlock f2803xBlocks[] = {
     {"ePWM5_", 0x6900, MakeRegisterTable(pwmExtraRows)},
     {"ePWM6_", 0x6940, MakeRegisterTable(pwmExtraRows)},
     {"ePWM7_", 0x6980, MakeRegisterTable(pwmExtraRows)},
-    {"eCAP1_", 0x6A00, MakeRegisterTable(capRows)},
-    {"eQEP1_", 0x6B00, MakeRegisterTable(qepRows)},
-    {"GPA", 0x6F80, MakeRegisterTable(gpioPortRows)},
     {"GPB", 0x6F90, MakeRegisterTable(gpioPortBRows)},
     {"AIO", 0x6F80, MakeRegisterTable(aioRows)},
-    {"GPA", 0x6FC0, MakeRegisterTable(gpioDataRows)},
-    {"GPB", 0x6FC8, MakeRegisterTable(gpioDataRows)},
     {"", 0x6FE0, MakeRegisterTable(gpioInt2803xRows)},
     {"", 0x7010, MakeRegisterTable(system2803xRows)},
-    {"SPIA_", 0x7040, MakeRegisterTable(spiRows)},
     {"SPIB_", 0x7740, MakeRegisterTable(spiRows)},
-    {"SCIA_", 0x7050, MakeRegisterTable(sciRows)},
     {"", 0x7100, MakeRegisterTable(adc2803xRows)},
 };
 
-const RegisterBlocks F283XX_REGISTERS = {f283xxBlocks, sizeof f283xxBlocks / sizeof *f283xxBlocks};
-const RegisterBlocks F2803X_REGISTERS = {f2803xBlocks, sizeof f2803xBlocks / sizeof *f2803xBlocks};
+template <int N> static constexpr RegisterBlocks MakeBlocks(const RegisterBlock (&blocks)[N])
+{
+    return {blocks, N};
+}
+
+const RegisterBlocks F28_COMMON_REGISTERS = MakeBlocks(commonBlocks);
+const RegisterBlocks F283XX_REGISTERS = MakeBlocks(f283xxBlocks);
+const RegisterBlocks F2803X_REGISTERS = MakeBlocks(f2803xBlocks);

@@ -6,6 +6,14 @@
 
 namespace {
 
+// What `use` answers for the control, or why there is none.
+template <class Use> int OnControl(int panel, int control, Use use)
+{
+    int error = 0;
+    HL_Control *c = HL_FindControl(panel, control, &error);
+    return c ? use(c) : error;
+}
+
 bool IsKind(const HL_Control &control, std::initializer_list<UI_Kind> kinds)
 {
     return std::find(kinds.begin(), kinds.end(), control.row->kind) != kinds.end();
@@ -81,169 +89,147 @@ std::string BoxText(const HL_Control &box)
 
 int SetCtrlVal(int panel, int control, int value)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    switch (c->row->kind) {
-    case UIK_SWITCH:
-    case UIK_LED:
-        c->value = value != 0;
-        return 0;
-    case UIK_NUMBER:
-        c->number = value;
-        return 0;
-    case UIK_RING:
-        return SetRing(c, value);
-    case UIK_LIST:
-        return SetCtrlIndex(panel, control, value);
-    default:
-        return UIE_BAD_TYPE;
-    }
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        switch (c->row->kind) {
+        case UIK_SWITCH:
+        case UIK_LED:
+            c->value = value != 0;
+            return 0;
+        case UIK_NUMBER:
+            c->number = value;
+            return 0;
+        case UIK_RING:
+            return SetRing(c, value);
+        case UIK_LIST:
+            return SetCtrlIndex(panel, control, value);
+        default:
+            return UIE_BAD_TYPE;
+        }
+    });
 }
 
 int SetCtrlVal(int panel, int control, double value)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind != UIK_NUMBER)
-        return UIE_BAD_TYPE;
-    c->number = value;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind != UIK_NUMBER)
+            return UIE_BAD_TYPE;
+        c->number = value;
+        return 0;
+    });
 }
 
 int GetCtrlVal(int panel, int control, int *value)
 {
-    int error = 0;
-    const HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (IsKind(*c, {UIK_SWITCH, UIK_LED, UIK_RING}))
-        *value = c->value;
-    else if (c->row->kind == UIK_NUMBER)
-        *value = static_cast<int>(c->number);
-    else if (c->row->kind == UIK_LIST)
-        *value = c->selected;
-    else
-        return UIE_BAD_TYPE;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (IsKind(*c, {UIK_SWITCH, UIK_LED, UIK_RING}))
+            *value = c->value;
+        else if (c->row->kind == UIK_NUMBER)
+            *value = static_cast<int>(c->number);
+        else if (c->row->kind == UIK_LIST)
+            *value = c->selected;
+        else
+            return UIE_BAD_TYPE;
+        return 0;
+    });
 }
 
 int GetCtrlVal(int panel, int control, double *value)
 {
-    int error = 0;
-    const HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind != UIK_NUMBER)
-        return UIE_BAD_TYPE;
-    *value = c->number;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind != UIK_NUMBER)
+            return UIE_BAD_TYPE;
+        *value = c->number;
+        return 0;
+    });
 }
 
 int GetCtrlVal(int panel, int control, std::string *text)
 {
-    int error = 0;
-    const HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (IsKind(*c, {UIK_TEXT, UIK_STRING}))
-        *text = c->text;
-    else if (c->row->kind == UIK_TEXTBOX)
-        *text = BoxText(*c);
-    else
-        return UIE_BAD_TYPE;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (IsKind(*c, {UIK_TEXT, UIK_STRING}))
+            *text = c->text;
+        else if (c->row->kind == UIK_TEXTBOX)
+            *text = BoxText(*c);
+        else
+            return UIE_BAD_TYPE;
+        return 0;
+    });
 }
 
 int SetCtrlAttribute(int panel, int control, int attribute, int value)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind == UIK_TIMER)
-        return UIE_BAD_ATTRIBUTE;
-    if (attribute == ATTR_FIRST_VISIBLE_LINE)
-        return SetFirstVisible(c, value);
-    if (bool *flag = FlagField(c, attribute))
-        *flag = value != 0;
-    else if (int *field = IntField(c, attribute))
-        *field = value;
-    else
-        return UIE_BAD_ATTRIBUTE;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind == UIK_TIMER)
+            return UIE_BAD_ATTRIBUTE;
+        if (attribute == ATTR_FIRST_VISIBLE_LINE)
+            return SetFirstVisible(c, value);
+        if (bool *flag = FlagField(c, attribute))
+            *flag = value != 0;
+        else if (int *field = IntField(c, attribute))
+            *field = value;
+        else
+            return UIE_BAD_ATTRIBUTE;
+        return 0;
+    });
 }
 
 int SetCtrlAttribute(int panel, int control, int attribute, double value)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind != UIK_TIMER || attribute != ATTR_INTERVAL)
-        return UIE_BAD_ATTRIBUTE;
-    c->number = value;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind != UIK_TIMER || attribute != ATTR_INTERVAL)
+            return UIE_BAD_ATTRIBUTE;
+        c->number = value;
+        return 0;
+    });
 }
 
 int SetCtrlAttribute(int panel, int control, int attribute, const std::string &text)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    std::string *field = TextField(c, attribute);
-    if (!field)
-        return UIE_BAD_ATTRIBUTE;
-    *field = text;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        std::string *field = TextField(c, attribute);
+        if (!field)
+            return UIE_BAD_ATTRIBUTE;
+        *field = text;
+        return 0;
+    });
 }
 
 int GetCtrlAttribute(int panel, int control, int attribute, int *value)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind == UIK_TIMER)
-        return UIE_BAD_ATTRIBUTE;
-    if (attribute == ATTR_FIRST_VISIBLE_LINE && IsKind(*c, {UIK_LIST, UIK_TEXTBOX}))
-        *value = c->firstVisible;
-    else if (const bool *flag = FlagField(c, attribute))
-        *value = *flag;
-    else if (const int *field = IntField(c, attribute))
-        *value = *field;
-    else
-        return UIE_BAD_ATTRIBUTE;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind == UIK_TIMER)
+            return UIE_BAD_ATTRIBUTE;
+        if (attribute == ATTR_FIRST_VISIBLE_LINE && IsKind(*c, {UIK_LIST, UIK_TEXTBOX}))
+            *value = c->firstVisible;
+        else if (const bool *flag = FlagField(c, attribute))
+            *value = *flag;
+        else if (const int *field = IntField(c, attribute))
+            *value = *field;
+        else
+            return UIE_BAD_ATTRIBUTE;
+        return 0;
+    });
 }
 
 int GetCtrlAttribute(int panel, int control, int attribute, double *value)
 {
-    int error = 0;
-    const HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind != UIK_TIMER || attribute != ATTR_INTERVAL)
-        return UIE_BAD_ATTRIBUTE;
-    *value = c->number;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind != UIK_TIMER || attribute != ATTR_INTERVAL)
+            return UIE_BAD_ATTRIBUTE;
+        *value = c->number;
+        return 0;
+    });
 }
 
 int GetCtrlAttribute(int panel, int control, int attribute, std::string *text)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    const std::string *field = TextField(c, attribute);
-    if (!field)
-        return UIE_BAD_ATTRIBUTE;
-    *text = *field;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        const std::string *field = TextField(c, attribute);
+        if (!field)
+            return UIE_BAD_ATTRIBUTE;
+        *text = *field;
+        return 0;
+    });
 }
 
 int SetActiveCtrl(int panel, int control)
@@ -264,12 +250,10 @@ int GetActiveCtrl(int panel)
 
 int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
 {
-    int error = 0;
-    HL_Control *c = HL_FindControl(panel, control, &error);
-    if (!c)
-        return error;
-    if (c->row->kind != UIK_STRING)
-        return UIE_BAD_TYPE;
-    c->completion = callback;
-    return 0;
+    return OnControl(panel, control, [&](HL_Control *c) -> int {
+        if (c->row->kind != UIK_STRING)
+            return UIE_BAD_TYPE;
+        c->completion = callback;
+        return 0;
+    });
 }

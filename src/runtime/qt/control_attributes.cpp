@@ -156,14 +156,12 @@ int GetLabel(QWidget *widget, std::string *text)
     return 0;
 }
 
-int FindWidget(int panel, int control, QWidget **widget)
+// Timers are controls without a widget: they have none of its attributes.
+template <class Use> int OnWidget(int panel, int control, Use use)
 {
-    FaceControl *found = nullptr;
-    const int error = FACE_FindControl(panel, control, &found);
-    if (error < 0)
-        return error;
-    *widget = found->widget;
-    return found->widget ? 0 : UIE_BAD_ATTRIBUTE;
+    return FACE_OnControl(panel, control, [&](FaceControl *found) -> int {
+        return found->widget ? use(found->widget) : UIE_BAD_ATTRIBUTE;
+    });
 }
 
 int FindTimer(int panel, int control, int attribute, FaceControl **timer)
@@ -178,31 +176,29 @@ int FindTimer(int panel, int control, int attribute, FaceControl **timer)
 
 int SetCtrlAttribute(int panel, int control, int attribute, int value)
 {
-    QWidget *widget = nullptr;
-    const int error = FindWidget(panel, control, &widget);
-    if (error < 0)
-        return error;
-    switch (attribute) {
-    case ATTR_DIMMED:
-        widget->setEnabled(value == 0);
-        return 0;
-    case ATTR_VISIBLE:
-        widget->setVisible(value != 0);
-        return 0;
-    case ATTR_TEXT_COLOR:
-        return SetColor(widget, value);
-    case ATTR_CTRL_MODE:
-        return SetReadOnly(widget, value == 0);
-    case ATTR_FIRST_VISIBLE_LINE:
-        return SetFirstVisible(widget, value);
-    case ATTR_LEFT:
-    case ATTR_TOP:
-    case ATTR_WIDTH:
-    case ATTR_HEIGHT:
-        return SetGeometry(widget, attribute, value);
-    default:
-        return UIE_BAD_ATTRIBUTE;
-    }
+    return OnWidget(panel, control, [&](QWidget *widget) -> int {
+        switch (attribute) {
+        case ATTR_DIMMED:
+            widget->setEnabled(value == 0);
+            return 0;
+        case ATTR_VISIBLE:
+            widget->setVisible(value != 0);
+            return 0;
+        case ATTR_TEXT_COLOR:
+            return SetColor(widget, value);
+        case ATTR_CTRL_MODE:
+            return SetReadOnly(widget, value == 0);
+        case ATTR_FIRST_VISIBLE_LINE:
+            return SetFirstVisible(widget, value);
+        case ATTR_LEFT:
+        case ATTR_TOP:
+        case ATTR_WIDTH:
+        case ATTR_HEIGHT:
+            return SetGeometry(widget, attribute, value);
+        default:
+            return UIE_BAD_ATTRIBUTE;
+        }
+    });
 }
 
 int SetCtrlAttribute(int panel, int control, int attribute, double value)
@@ -220,46 +216,42 @@ int SetCtrlAttribute(int panel, int control, int attribute, double value)
 
 int SetCtrlAttribute(int panel, int control, int attribute, const std::string &text)
 {
-    QWidget *widget = nullptr;
-    const int error = FindWidget(panel, control, &widget);
-    if (error < 0)
-        return error;
-    if (attribute == ATTR_LABEL_TEXT)
-        return SetLabel(widget, text);
-    if (attribute != ATTR_TOOLTIP_TEXT)
-        return UIE_BAD_ATTRIBUTE;
-    widget->setToolTip(FACE_ToQt(text));
-    return 0;
+    return OnWidget(panel, control, [&](QWidget *widget) -> int {
+        if (attribute == ATTR_LABEL_TEXT)
+            return SetLabel(widget, text);
+        if (attribute != ATTR_TOOLTIP_TEXT)
+            return UIE_BAD_ATTRIBUTE;
+        widget->setToolTip(FACE_ToQt(text));
+        return 0;
+    });
 }
 
 int GetCtrlAttribute(int panel, int control, int attribute, int *value)
 {
-    QWidget *widget = nullptr;
-    const int error = FindWidget(panel, control, &widget);
-    if (error < 0)
-        return error;
-    switch (attribute) {
-    case ATTR_DIMMED:
-        *value = !widget->isEnabledTo(PanelWindow::holding(widget));
-        return 0;
-    case ATTR_VISIBLE:
-        *value = !widget->isHidden();
-        return 0;
-    case ATTR_TEXT_COLOR:
-        *value = GetColor(widget);
-        return 0;
-    case ATTR_CTRL_MODE:
-        return GetMode(widget, value);
-    case ATTR_FIRST_VISIBLE_LINE:
-        return GetFirstVisible(widget, value);
-    case ATTR_LEFT:
-    case ATTR_TOP:
-    case ATTR_WIDTH:
-    case ATTR_HEIGHT:
-        return GetGeometry(widget, attribute, value);
-    default:
-        return UIE_BAD_ATTRIBUTE;
-    }
+    return OnWidget(panel, control, [&](QWidget *widget) -> int {
+        switch (attribute) {
+        case ATTR_DIMMED:
+            *value = !widget->isEnabledTo(PanelWindow::holding(widget));
+            return 0;
+        case ATTR_VISIBLE:
+            *value = !widget->isHidden();
+            return 0;
+        case ATTR_TEXT_COLOR:
+            *value = GetColor(widget);
+            return 0;
+        case ATTR_CTRL_MODE:
+            return GetMode(widget, value);
+        case ATTR_FIRST_VISIBLE_LINE:
+            return GetFirstVisible(widget, value);
+        case ATTR_LEFT:
+        case ATTR_TOP:
+        case ATTR_WIDTH:
+        case ATTR_HEIGHT:
+            return GetGeometry(widget, attribute, value);
+        default:
+            return UIE_BAD_ATTRIBUTE;
+        }
+    });
 }
 
 int GetCtrlAttribute(int panel, int control, int attribute, double *value)
@@ -273,14 +265,12 @@ int GetCtrlAttribute(int panel, int control, int attribute, double *value)
 
 int GetCtrlAttribute(int panel, int control, int attribute, std::string *text)
 {
-    QWidget *widget = nullptr;
-    const int error = FindWidget(panel, control, &widget);
-    if (error < 0)
-        return error;
-    if (attribute == ATTR_LABEL_TEXT)
-        return GetLabel(widget, text);
-    if (attribute != ATTR_TOOLTIP_TEXT)
-        return UIE_BAD_ATTRIBUTE;
-    *text = FACE_ToStd(widget->toolTip());
-    return 0;
+    return OnWidget(panel, control, [&](QWidget *widget) -> int {
+        if (attribute == ATTR_LABEL_TEXT)
+            return GetLabel(widget, text);
+        if (attribute != ATTR_TOOLTIP_TEXT)
+            return UIE_BAD_ATTRIBUTE;
+        *text = FACE_ToStd(widget->toolTip());
+        return 0;
+    });
 }

@@ -58,126 +58,112 @@ int GetRing(const UI_Control &row, int *value)
 
 int SetCtrlVal(int panel, int control, int value)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    switch (c->row->kind) {
-    case UIK_SWITCH:
-        static_cast<ToggleSwitch *>(c->widget)->setChecked(value != 0);
-        return 0;
-    case UIK_LED:
-        static_cast<LedLabel *>(c->widget)->setOn(value != 0);
-        return 0;
-    case UIK_NUMBER:
-        return SetNumber(c->widget, value);
-    case UIK_RING:
-        return SetRing(*c->row, value);
-    case UIK_LIST:
-        return SetCtrlIndex(panel, control, value);
-    default:
-        return UIE_BAD_TYPE;
-    }
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        switch (c->row->kind) {
+        case UIK_SWITCH:
+            static_cast<ToggleSwitch *>(c->widget)->setChecked(value != 0);
+            return 0;
+        case UIK_LED:
+            static_cast<LedLabel *>(c->widget)->setOn(value != 0);
+            return 0;
+        case UIK_NUMBER:
+            return SetNumber(c->widget, value);
+        case UIK_RING:
+            return SetRing(*c->row, value);
+        case UIK_LIST:
+            return SetCtrlIndex(panel, control, value);
+        default:
+            return UIE_BAD_TYPE;
+        }
+    });
 }
 
 int SetCtrlVal(int panel, int control, double value)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    return c->row->kind == UIK_NUMBER ? SetNumber(c->widget, value) : UIE_BAD_TYPE;
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        return c->row->kind == UIK_NUMBER ? SetNumber(c->widget, value) : UIE_BAD_TYPE;
+    });
 }
 
 int SetCtrlVal(int panel, int control, const std::string &text)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    switch (c->row->kind) {
-    case UIK_TEXT:
-        static_cast<QLabel *>(c->widget)->setText(FACE_ToQt(text));
-        return 0;
-    case UIK_STRING:
-        static_cast<QLineEdit *>(c->widget)->setText(FACE_ToQt(text));
-        return 0;
-    case UIK_TEXTBOX:
-        static_cast<TextBox *>(c->widget)->appendText(FACE_ToQt(text));
-        return 0;
-    default:
-        return UIE_BAD_TYPE;
-    }
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        switch (c->row->kind) {
+        case UIK_TEXT:
+            static_cast<QLabel *>(c->widget)->setText(FACE_ToQt(text));
+            return 0;
+        case UIK_STRING:
+            static_cast<QLineEdit *>(c->widget)->setText(FACE_ToQt(text));
+            return 0;
+        case UIK_TEXTBOX:
+            static_cast<TextBox *>(c->widget)->appendText(FACE_ToQt(text));
+            return 0;
+        default:
+            return UIE_BAD_TYPE;
+        }
+    });
 }
 
 int GetCtrlVal(int panel, int control, int *value)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    switch (c->row->kind) {
-    case UIK_SWITCH:
-        *value = static_cast<ToggleSwitch *>(c->widget)->isChecked();
-        return 0;
-    case UIK_LED:
-        *value = static_cast<LedLabel *>(c->widget)->isOn();
-        return 0;
-    case UIK_NUMBER:
-        *value = static_cast<int>(std::lround(GetNumber(c->widget)));
-        return 0;
-    case UIK_RING:
-        return GetRing(*c->row, value);
-    case UIK_LIST:
-        return GetCtrlIndex(panel, control, value);
-    default:
-        return UIE_BAD_TYPE;
-    }
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        switch (c->row->kind) {
+        case UIK_SWITCH:
+            *value = static_cast<ToggleSwitch *>(c->widget)->isChecked();
+            return 0;
+        case UIK_LED:
+            *value = static_cast<LedLabel *>(c->widget)->isOn();
+            return 0;
+        case UIK_NUMBER:
+            *value = static_cast<int>(std::lround(GetNumber(c->widget)));
+            return 0;
+        case UIK_RING:
+            return GetRing(*c->row, value);
+        case UIK_LIST:
+            return GetCtrlIndex(panel, control, value);
+        default:
+            return UIE_BAD_TYPE;
+        }
+    });
 }
 
 int GetCtrlVal(int panel, int control, double *value)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    if (c->row->kind != UIK_NUMBER)
-        return UIE_BAD_TYPE;
-    *value = GetNumber(c->widget);
-    return 0;
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        if (c->row->kind != UIK_NUMBER)
+            return UIE_BAD_TYPE;
+        *value = GetNumber(c->widget);
+        return 0;
+    });
 }
 
 int GetCtrlVal(int panel, int control, std::string *text)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    switch (c->row->kind) {
-    case UIK_TEXT:
-        *text = FACE_ToStd(static_cast<QLabel *>(c->widget)->text());
-        return 0;
-    case UIK_STRING:
-        *text = FACE_ToStd(static_cast<QLineEdit *>(c->widget)->text());
-        return 0;
-    case UIK_TEXTBOX:
-        *text = FACE_ToStd(static_cast<TextBox *>(c->widget)->allText());
-        return 0;
-    default:
-        return UIE_BAD_TYPE;
-    }
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        switch (c->row->kind) {
+        case UIK_TEXT:
+            *text = FACE_ToStd(static_cast<QLabel *>(c->widget)->text());
+            return 0;
+        case UIK_STRING:
+            *text = FACE_ToStd(static_cast<QLineEdit *>(c->widget)->text());
+            return 0;
+        case UIK_TEXTBOX:
+            *text = FACE_ToStd(static_cast<TextBox *>(c->widget)->allText());
+            return 0;
+        default:
+            return UIE_BAD_TYPE;
+        }
+    });
 }
 
 int SetActiveCtrl(int panel, int control)
 {
-    FaceControl *c = nullptr;
-    const int error = FACE_FindControl(panel, control, &c);
-    if (error < 0)
-        return error;
-    if (!c->widget || c->widget->focusPolicy() == Qt::NoFocus)
-        return UIE_BAD_TYPE;
-    c->widget->setFocus();
-    return 0;
+    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
+        if (!c->widget || c->widget->focusPolicy() == Qt::NoFocus)
+            return UIE_BAD_TYPE;
+        c->widget->setFocus();
+        return 0;
+    });
 }
 
 int GetActiveCtrl(int panel)

@@ -39,6 +39,19 @@ struct FacePanel {
 // 0 and the record, or UIE_NO_PANEL, UIE_NOT_LOADED, UIE_NO_CONTROL.
 int FACE_FindPanel(int panel, FacePanel **found);
 int FACE_FindControl(int panel, int control, FaceControl **found);
+// What `use` answers for the panel or control, or why there is none.
+template <class Use> int FACE_OnPanel(int panel, Use use)
+{
+    FacePanel *found = nullptr;
+    const int error = FACE_FindPanel(panel, &found);
+    return error < 0 ? error : use(found);
+}
+template <class Use> int FACE_OnControl(int panel, int control, Use use)
+{
+    FaceControl *found = nullptr;
+    const int error = FACE_FindControl(panel, control, &found);
+    return error < 0 ? error : use(found);
+}
 // The record of a number of the table, loaded or not; null when there is none.
 FacePanel *FACE_PanelRecord(int panel);
 // The control a widget is, or is part of; null when none.

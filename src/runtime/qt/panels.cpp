@@ -86,20 +86,18 @@ void PlaceOverMain(QWidget *window)
 
 int Show(int panel, bool isVisible)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    if (isVisible && !found->parent)
-        PlaceOverMain(found->window);
-    found->window->setVisible(isVisible);
-    if (found->parent) {
-        found->parent->window->setCoveredBy(isVisible ? found->window : nullptr);
-    } else if (isVisible) {
-        found->window->raise();
-        found->window->activateWindow();
-    }
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        if (isVisible && !found->parent)
+            PlaceOverMain(found->window);
+        found->window->setVisible(isVisible);
+        if (found->parent) {
+            found->parent->window->setCoveredBy(isVisible ? found->window : nullptr);
+        } else if (isVisible) {
+            found->window->raise();
+            found->window->activateWindow();
+        }
+        return 0;
+    });
 }
 
 } // namespace
@@ -137,91 +135,79 @@ int HidePanel(int panel)
 
 int SetActivePanel(int panel)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    found->window->raise();
-    found->window->activateWindow();
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        found->window->raise();
+        found->window->activateWindow();
+        return 0;
+    });
 }
 
 int SetPanelPos(int panel, int top, int left)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    found->window->move(left, top);
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        found->window->move(left, top);
+        return 0;
+    });
 }
 
 int SetPanelAttribute(int panel, int attribute, int value)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    PanelWindow *window = found->window;
-    switch (attribute) {
-    case ATTR_VISIBLE:
-        return Show(panel, value != 0);
-    case ATTR_LEFT:
-        window->move(value, window->y());
-        return 0;
-    case ATTR_TOP:
-        window->move(window->x(), value);
-        return 0;
-    case ATTR_WIDTH:
-        window->resizeByProgram(QSize(value, window->height()));
-        return 0;
-    case ATTR_HEIGHT:
-        window->resizeByProgram(QSize(window->width(), value));
-        return 0;
-    case ATTR_SIZABLE:
-        window->setSizable(value != 0);
-        return 0;
-    default:
-        return UIE_BAD_ATTRIBUTE;
-    }
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        PanelWindow *window = found->window;
+        switch (attribute) {
+        case ATTR_VISIBLE:
+            return Show(panel, value != 0);
+        case ATTR_LEFT:
+            window->move(value, window->y());
+            return 0;
+        case ATTR_TOP:
+            window->move(window->x(), value);
+            return 0;
+        case ATTR_WIDTH:
+            window->resizeByProgram(QSize(value, window->height()));
+            return 0;
+        case ATTR_HEIGHT:
+            window->resizeByProgram(QSize(window->width(), value));
+            return 0;
+        case ATTR_SIZABLE:
+            window->setSizable(value != 0);
+            return 0;
+        default:
+            return UIE_BAD_ATTRIBUTE;
+        }
+    });
 }
 
 int SetPanelAttribute(int panel, int attribute, const std::string &text)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    if (attribute != ATTR_TITLE)
-        return UIE_BAD_ATTRIBUTE;
-    // Qt would take "[*]" in a file name for its own mark of a changed document.
-    found->window->setWindowTitle(FACE_ToQt(text).replace("[*]", "[*][*]"));
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        if (attribute != ATTR_TITLE)
+            return UIE_BAD_ATTRIBUTE;
+        // Qt would take "[*]" in a file name for its own mark of a changed document.
+        found->window->setWindowTitle(FACE_ToQt(text).replace("[*]", "[*][*]"));
+        return 0;
+    });
 }
 
 int GetPanelAttribute(int panel, int attribute, int *value)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    if (attribute == ATTR_VISIBLE)
-        *value = !found->window->isHidden();
-    else if (attribute == ATTR_SIZABLE)
-        *value = found->window->isSizable();
-    else
-        return ReadGeometry(found->window, attribute, value);
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        if (attribute == ATTR_VISIBLE)
+            *value = !found->window->isHidden();
+        else if (attribute == ATTR_SIZABLE)
+            *value = found->window->isSizable();
+        else
+            return ReadGeometry(found->window, attribute, value);
+        return 0;
+    });
 }
 
 int GetPanelAttribute(int panel, int attribute, std::string *text)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    if (attribute != ATTR_TITLE)
-        return UIE_BAD_ATTRIBUTE;
-    *text = FACE_ToStd(found->window->windowTitle().replace("[*][*]", "[*]"));
-    return 0;
+    return FACE_OnPanel(panel, [&](FacePanel *found) -> int {
+        if (attribute != ATTR_TITLE)
+            return UIE_BAD_ATTRIBUTE;
+        *text = FACE_ToStd(found->window->windowTitle().replace("[*][*]", "[*]"));
+        return 0;
+    });
 }
