@@ -26,8 +26,7 @@ int CheckOne(ScrPar *par)
 const ScrRow ROWS[] = {
     {Check, "write", {0x6, 0x10, 0xB0}},   {Check, "save", {0xB0, 0x120, 0xA, 0x400}},
     {Check, "qst", {0x800, 0x800, 0x800}}, {Check, "set", {0x6020, 0x1000, 0x9, 0x5, 0x11}},
-    {CheckOne, "whole", {PAR_EXTERN}},     {Check, "none", {}},
-};
+    {CheckOne, "whole", {PAR_EXTERN}},     {Check, "none", {}}};
 
 } // namespace
 

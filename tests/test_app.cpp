@@ -109,19 +109,17 @@ TEST_F(App, CommandLine)
     const struct {
         std::vector<std::string> options;
         int port, baud, station, mode, rest;
-    } cases[] = {
-        {{"-7"}, 1, 19200, 1, 0, 2},
-        {{"-4"}, 4, 19200, 1, 0, 2},
-        {{"-0"}, 1, 19200, 1, 0, 2},
-        {{"-b"}, 1, 0, 1, 0, 2},
-        {{"-b-5"}, 1, 19200, 1, 0, 2},
-        {{"-b115200", "-s-2"}, 1, 115200, 0, 0, 3},
-        {{"-s15x"}, 1, 19200, 15, 0, 2},
-        {{"-C", "-3"}, 3, 19200, 1, 1, 3},
-        {{"f.scr", "-C"}, 1, 19200, 1, 0, 1},
-        {{"-", "-z9", "-2"}, 2, 19200, 1, 0, 4},
-        {{}, 1, 19200, 1, 0, 1},
-    };
+    } cases[] = {{{"-7"}, 1, 19200, 1, 0, 2},
+                 {{"-4"}, 4, 19200, 1, 0, 2},
+                 {{"-0"}, 1, 19200, 1, 0, 2},
+                 {{"-b"}, 1, 0, 1, 0, 2},
+                 {{"-b-5"}, 1, 19200, 1, 0, 2},
+                 {{"-b115200", "-s-2"}, 1, 115200, 0, 0, 3},
+                 {{"-s15x"}, 1, 19200, 15, 0, 2},
+                 {{"-C", "-3"}, 3, 19200, 1, 1, 3},
+                 {{"f.scr", "-C"}, 1, 19200, 1, 0, 1},
+                 {{"-", "-z9", "-2"}, 2, 19200, 1, 0, 4},
+                 {{}, 1, 19200, 1, 0, 1}};
     for (const auto &c : cases) {
         Forget();
         std::vector<char *> argv = {nullptr};
@@ -213,16 +211,14 @@ TEST_F(App, OptionsMenusCheckExactlyWhatIsSet)
     const struct {
         int click, menu, value;
         int32_t *setting;
-    } cases[] = {
-        {ITEM_BAUD_FIRST, MENU_BAUD, 9600, &bRate},
-        {ITEM_BAUD_LAST, MENU_BAUD, 115200, &bRate},
-        {ITEM_PORT_FIRST + 8, MENU_PORT, 9, &ncom},
-        {ITEM_STATION_FIRST, MENU_STATION, 0, &STATION},
-        {ITEM_STATION_LAST, MENU_STATION, 15, &STATION},
-        {ITEM_CPU_C167, MENU_PROCESSOR, 1, &Procesor},
-        {ITEM_CPU_F283XX, MENU_PROCESSOR, 10, &Procesor},
-        {ITEM_CPU_F2803X, MENU_PROCESSOR, 11, &Procesor},
-    };
+    } cases[] = {{ITEM_BAUD_FIRST, MENU_BAUD, 9600, &bRate},
+                 {ITEM_BAUD_LAST, MENU_BAUD, 115200, &bRate},
+                 {ITEM_PORT_FIRST + 8, MENU_PORT, 9, &ncom},
+                 {ITEM_STATION_FIRST, MENU_STATION, 0, &STATION},
+                 {ITEM_STATION_LAST, MENU_STATION, 15, &STATION},
+                 {ITEM_CPU_C167, MENU_PROCESSOR, 1, &Procesor},
+                 {ITEM_CPU_F283XX, MENU_PROCESSOR, 10, &Procesor},
+                 {ITEM_CPU_F2803X, MENU_PROCESSOR, 11, &Procesor}};
     for (const auto &c : cases) {
         EXPECT_EQ(0, HL_ClickMenu(c.click));
         EXPECT_EQ(c.value, *c.setting);

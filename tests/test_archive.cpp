@@ -147,8 +147,7 @@ TEST_F(Archive, DamageIsFound)
         {";108;", ";107;", false, false},
         {"line 1", "line 7", true, false},
         {"txt\"\n", "txt\n", true, true}, // the quote of the name's own is the last one then
-        {"QAR2/2;", "QAR2 / 2 ; ", true, true},
-    };
+        {"QAR2/2;", "QAR2 / 2 ; ", true, true}};
     for (const auto &c : cases) {
         std::string damaged = whole;
         damaged.replace(damaged.find(c.from), std::string(c.from).size(), c.to);

@@ -63,26 +63,24 @@ TEST(Assignment, Lines)
         const char *name;
         uint32_t type; // of the target
         uint32_t value;
-    } cases[] = {
-        {"wStatus = 5", ASSN_VALUE, "wStatus", 0x0A, 5},
-        {"nnCounter = -1", ASSN_VALUE, "nnCounter", 0x11, 0xFFFFFFFF},
-        {"dwMask = 0FFH", ASSN_VALUE, "dwMask", 0x12, 0xFF},
-        {" pos=32767 ", ASSN_VALUE, "pos", 0x09, 32767},
-        {"pos = 32768", ASSN_NONE, "", 0, 0}, // the default type is i2
-        {"(word) x = 300", ASSN_NONE, "", 0, 0},
-        {"(word) x = 255", ASSN_VALUE, "x", 0x06, 255},
-        {"(u1) x = -1", ASSN_NONE, "", 0, 0},
-        {"(bogus) x = 7", ASSN_VALUE, "x", 0x09, 7},
-        {"(u1 x = 7", ASSN_NONE, "", 0, 0},
-        {"Start :", ASSN_LABEL, "Start", 0, 0},
-        {"Start : now", ASSN_NONE, "", 0, 0},
-        {"(u2) Start :", ASSN_NONE, "", 0, 0},
-        {"wStatus 5", ASSN_NONE, "", 0, 0},
-        {"wStatus =", ASSN_NONE, "", 0, 0},
-        {"wStatus = 5 6", ASSN_NONE, "", 0, 0},
-        {"", ASSN_NONE, "", 0, 0},
-        {"= 5", ASSN_NONE, "", 0, 0},
-    };
+    } cases[] = {{"wStatus = 5", ASSN_VALUE, "wStatus", 0x0A, 5},
+                 {"nnCounter = -1", ASSN_VALUE, "nnCounter", 0x11, 0xFFFFFFFF},
+                 {"dwMask = 0FFH", ASSN_VALUE, "dwMask", 0x12, 0xFF},
+                 {" pos=32767 ", ASSN_VALUE, "pos", 0x09, 32767},
+                 {"pos = 32768", ASSN_NONE, "", 0, 0}, // the default type is i2
+                 {"(word) x = 300", ASSN_NONE, "", 0, 0},
+                 {"(word) x = 255", ASSN_VALUE, "x", 0x06, 255},
+                 {"(u1) x = -1", ASSN_NONE, "", 0, 0},
+                 {"(bogus) x = 7", ASSN_VALUE, "x", 0x09, 7},
+                 {"(u1 x = 7", ASSN_NONE, "", 0, 0},
+                 {"Start :", ASSN_LABEL, "Start", 0, 0},
+                 {"Start : now", ASSN_NONE, "", 0, 0},
+                 {"(u2) Start :", ASSN_NONE, "", 0, 0},
+                 {"wStatus 5", ASSN_NONE, "", 0, 0},
+                 {"wStatus =", ASSN_NONE, "", 0, 0},
+                 {"wStatus = 5 6", ASSN_NONE, "", 0, 0},
+                 {"", ASSN_NONE, "", 0, 0},
+                 {"= 5", ASSN_NONE, "", 0, 0}};
     for (const auto &c : cases) {
         ScrPar records[ASSN_RECORDS];
         ASSERT_EQ(ParseAssn2(c.line, records, i2), c.kind) << c.line;

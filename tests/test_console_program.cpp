@@ -83,8 +83,7 @@ TEST_F(ConsoleProgram, OptionsAreChecked)
         {"--watch", "--watch needs a value"},        {"--watch a --sweeps 0", "bad value '0'"},
         {"--watch a --sweeps 3x", "bad value '3x'"}, {"--watch a --format xml", "bad value 'xml'"},
         {"--sweeps 3", "go with --watch"},           {"--watch a b.scr", "exclude each other"},
-        {"--make-archive out", "needs the files"},
-    };
+        {"--make-archive out", "needs the files"}};
     for (const auto &c : wrong) {
         const Outcome outcome = Run(c.arguments);
         EXPECT_EQ(2, outcome.code) << c.arguments;

@@ -158,8 +158,7 @@ const FaultCase FAULT_CASES[] = {
     {"echo", [](SIM_Options *o) { o->echo = true; }, 1, 1, PATIENT_MS, false,
      "echo of the request in place of an answer (!)", "run-time driver skips the echo"},
     {"echo skipped", [](SIM_Options *o) { o->echo = true; }, 0, 1, PATIENT_MS, true,
-     "answered (echo of the request seen)", "Every message was answered"},
-};
+     "answered (echo of the request seen)", "Every message was answered"}};
 
 TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
 {

@@ -197,8 +197,7 @@ TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
          "one does."},
         {"$1F00", "i2", "Address 0x001F00"},
         {"$1000000", "i2", "The address must be a hexadecimal number below 0x1000000."},
-        {"", "i2", "A name from the map, or an address such as $1F00; 3: in front for station 3."},
-    };
+        {"", "i2", "A name from the map, or an address such as $1F00; 3: in front for station 3."}};
     for (const auto &row : cases) {
         typeName(row.name);
         EXPECT_EQ(suggested(), row.type) << row.name;
@@ -270,15 +269,13 @@ TEST_F(EditPanels, NamesAreCompleted)
     const struct {
         const char *typed;
         Texts offered;
-    } cases[] = {
-        {"ws", {"_wSpare", "wSpeed", "wSpeedMax"}},
-        {"W", {"WDTCON", "_wSpare", "wSpeed", "wSpeedMax"}},
-        {"3: wSpeed", {"3: wSpeed", "3: wSpeedMax"}},
-        {"&f", {"&fCurrent"}},
-        {"nnCount", {}},
-        {"", {}},
-        {"3:", {}},
-    };
+    } cases[] = {{"ws", {"_wSpare", "wSpeed", "wSpeedMax"}},
+                 {"W", {"WDTCON", "_wSpare", "wSpeed", "wSpeedMax"}},
+                 {"3: wSpeed", {"3: wSpeed", "3: wSpeedMax"}},
+                 {"&f", {"&fCurrent"}},
+                 {"nnCount", {}},
+                 {"", {}},
+                 {"3:", {}}};
     HL_ClickMenu(ITEM_ADD);
     for (const auto &row : cases) {
         typeName(row.typed);
@@ -303,8 +300,7 @@ TEST_F(EditPanels, ValueEditorShowsEveryForm)
         {"f", 0x3DCCCCCD, 0, "0.100000001", "0x3DCCCCCD", "0011 1101 1100 1100 1100 1100 1100 1101",
          "0.100000001"},
         {"i8", 1, 0x80000000, "-9223372036854775807", "0x8000000000000001",
-         "1000 0000 0000 0000 0000 0000 0000 0000\n0000 0000 0000 0000 0000 0000 0000 0001", "-"},
-    };
+         "1000 0000 0000 0000 0000 0000 0000 0000\n0000 0000 0000 0000 0000 0000 0000 0001", "-"}};
     for (const auto &row : cases) {
         LItem item;
         LIT_SetType(&item, row.type);
@@ -406,15 +402,13 @@ TEST_F(EditPanels, MemoryIsReadInLines)
         const char *address;
         int count;
         const char *says;
-    } refused[] = {
-        {"nobody", 4, "'nobody' is no address, and no loaded map knows such a name."},
-        {"16:$300", 4, "Stations are 0 to 15."},
-        {"$FFFFF0", 17, "The range ends beyond the target's memory."},
-        {"$300", 1025, "The count must be 1 to 1024 bytes."},
-        {"&fCurrent", 4,
-         "The memory of a TMS320 behind a station is not bytes: use a watch item "
-         "or the memory box."},
-    };
+    } refused[] = {{"nobody", 4, "'nobody' is no address, and no loaded map knows such a name."},
+                   {"16:$300", 4, "Stations are 0 to 15."},
+                   {"$FFFFF0", 17, "The range ends beyond the target's memory."},
+                   {"$300", 1025, "The count must be 1 to 1024 bytes."},
+                   {"&fCurrent", 4,
+                    "The memory of a TMS320 behind a station is not bytes: use a watch item "
+                    "or the memory box."}};
     for (const auto &row : refused)
         EXPECT_EQ(readMemory(row.address, row.count), row.says);
     EXPECT_EQ(memoryLines().size(), 1u) << "what was read stays";
@@ -464,11 +458,10 @@ TEST_F(EditPanels, CopiesAndSnapshots)
     const struct {
         int isTyped;
         const char *tabbed;
-    } boxes[] = {
-        {0, "00000300( +0):\t41\t20\t20\t42\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
-            "A  B............\n"},
-        {1, "uns:\t2B\n000300 ( +0):\t8257\t000308 ( +8):\t0\n"},
-    };
+    } boxes[] = {{0,
+                  "00000300( +0):\t41\t20\t20\t42\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
+                  "A  B............\n"},
+                 {1, "uns:\t2B\n000300 ( +0):\t8257\t000308 ( +8):\t0\n"}};
     for (const auto &row : boxes) {
         SetCtrlVal(PANEL_MAIN, MAIN_MEM_TYPED, row.isTyped);
         ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");

@@ -137,21 +137,19 @@ TEST(PackedNames, CodesAndForms)
         std::string source;
         int used;
         const char *name; // the name before is "_speed"
-    } cases[] = {
-        {0, std::string("\x82x\0y", 4), 3, "\x82x"},
-        {0, "no end", -1, ""},
-        {1, std::string("abc\0", 4), 4, "abc"},
-        {1, std::string("\x86_ref\0", 6), 6, "_speed_ref"},
-        {1, std::string("\xFFX\0", 3), 3, "_speedX"}, // no more than there is
-        {1, std::string("\x80X\0", 3), 3, "X"},
-        {1, "\x86", -1, ""},
-        {2, std::string("_\x81\0\0", 4), 4, "_AB"},
-        {2, std::string("\x82\x81\0\0", 4), 4, "_sAB"},
-        {2, std::string("\0zz", 3), 1, ""},
-        {2, std::string("_\x81\0", 3), -1, ""}, // two codes, neither the end
-        {2, "_\x81", -1, ""},
-        {2, "", -1, ""},
-    };
+    } cases[] = {{0, std::string("\x82x\0y", 4), 3, "\x82x"},
+                 {0, "no end", -1, ""},
+                 {1, std::string("abc\0", 4), 4, "abc"},
+                 {1, std::string("\x86_ref\0", 6), 6, "_speed_ref"},
+                 {1, std::string("\xFFX\0", 3), 3, "_speedX"}, // no more than there is
+                 {1, std::string("\x80X\0", 3), 3, "X"},
+                 {1, "\x86", -1, ""},
+                 {2, std::string("_\x81\0\0", 4), 4, "_AB"},
+                 {2, std::string("\x82\x81\0\0", 4), 4, "_sAB"},
+                 {2, std::string("\0zz", 3), 1, ""},
+                 {2, std::string("_\x81\0", 3), -1, ""}, // two codes, neither the end
+                 {2, "_\x81", -1, ""},
+                 {2, "", -1, ""}};
     for (const auto &c : cases) {
         name = "_speed";
         const int used = UnpackVarName(&name, bytes(c.source), c.source.size(), c.form);
@@ -176,35 +174,22 @@ TEST(ZipTypes, Declarations)
 {
     const struct {
         const char *source, *decoded; // null: refused
-    } cases[] = {
-        {"v\x82"
-         "BA",
-         "'v' _@0x2000040"},
-        {"abc\xA0"
-         "E\x80"
-         "Ei",
-         "'abc' _@0x20000004_@0x122"},
-        {"v\xFF"
-         "//////",
-         nullptr}, // more than 24 bits
-        {"v\xFF"
-         "////",
-         "'v' _@0x7FFFFFFF"},
-        {"v\x80"
-         "AAAAAB",
-         "'v' _@0x1"},
-        {"v\x80"
-         "AAAAAAB",
-         nullptr}, // a seventh digit
-        {"v\x80", nullptr},
-        {"v\x80"
-         ".",
-         nullptr},
-        {"v", nullptr},
-        {"\x80"
-         "B",
-         nullptr},
-    };
+    } cases[] = {{"v\202BA", "'v' _@0x2000040"},
+                 {"abc\240E\200Ei", "'abc' _@0x20000004_@0x122"},
+                 {"v\xFF"
+                  "//////",
+                  nullptr}, // more than 24 bits
+                 {"v\xFF"
+                  "////",
+                  "'v' _@0x7FFFFFFF"},
+                 {"v\200AAAAAB", "'v' _@0x1"},
+                 {"v\200AAAAAAB", nullptr}, // a seventh digit
+                 {"v\x80", nullptr},
+                 {"v\x80"
+                  ".",
+                  nullptr},
+                 {"v", nullptr},
+                 {"\200B", nullptr}};
     for (const auto &c : cases) {
         std::string decoded;
         EXPECT_EQ(DecodeZipVar(&decoded, c.source), c.decoded != nullptr ? 0 : -1) << c.source;
@@ -229,8 +214,7 @@ TEST_F(FlashInfo, HeadersAreChecked)
         {16, ".\xFF", false}, {16, "pr info", false},
         {31, "x", false},     {30, "x", true},
         {30, "xy", false},    {16, ".\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF\xFF", false},
-        {16, "\xFF", false},  {15, "A", true},
-    };
+        {16, "\xFF", false},  {15, "A", true}};
     for (const auto &c : cases) {
         std::string header = good, name = "before";
         header.replace(c.at, c.change.size(), c.change);
@@ -349,13 +333,9 @@ TEST_F(FlashInfo, DamageLeavesTheTablesAsTheyWere)
         {map + decls, FLASH_ERR_TYPES},
         {map + FLB_File(FLASH_TYPE_DECLS, "v\x80\n") + structs, FLASH_ERR_TYPES},
         {map + FLB_File(FLASH_TYPE_DECLS, std::string(8, '\n')) + structs, FLASH_ERR_TYPES},
-        {map + decls +
-             FLB_File(FLASH_TYPE_STRUCTS, "#2\nv\x81"
-                                          "A\n"),
-         FLASH_ERR_TYPES},
+        {map + decls + FLB_File(FLASH_TYPE_STRUCTS, "#2\nv\201A\n"), FLASH_ERR_TYPES},
         {map + FLB_File(FLASH_TYPE_MAP, "## 1 VARS\n"), FLASH_ERR_TYPES},
-        {map + FLB_File(FLASH_TYPE_MAP, TYPES), static_cast<int>(VARS.size())},
-    };
+        {map + FLB_File(FLASH_TYPE_MAP, TYPES), static_cast<int>(VARS.size())}};
     for (const auto &c : cases) {
         FreeNodes(aVarNode, &nNodes);
         AddMapVar(0x100, "before");

@@ -123,24 +123,22 @@ TEST(Frame, AnswerCheckByItsFirstFailingTest)
         const char *what;
         std::string answer;
         int station, command, result;
-    } cases[] = {
-        {"sound", good, 1, 0, 2},
-        {"no data", Ans("1000"), 1, 0, 0},
-        {"nine characters", good.substr(0, 9), 1, 0, -1},
-        {"start before end and digits", everything, 1, 0, -2},
-        {"start", badStart, 1, 0, -2},
-        {"end", badEnd, 1, 0, -3},
-        {"lower case", badHex, 1, 0, -4},
-        {"check value before station", badCheck, 2, 0, -5},
-        {"station before command", good, 2, 1, -6},
-        {"command", good, 1, 1, -7},
-        {"least error code", Ans("1041"), 1, 0, -65},
-        {"error code before length", Ans("10FF1234"), 1, 0, -255},
-        {"count above the data", Ans("10031234"), 1, 0, -8},
-        {"count below the data", Ans("10011234"), 1, 0, -8},
-        {"64 announced and missing", Ans("1040"), 1, 0, -8},
-        {"odd digit", Ans("100212345"), 1, 0, -8},
-    };
+    } cases[] = {{"sound", good, 1, 0, 2},
+                 {"no data", Ans("1000"), 1, 0, 0},
+                 {"nine characters", good.substr(0, 9), 1, 0, -1},
+                 {"start before end and digits", everything, 1, 0, -2},
+                 {"start", badStart, 1, 0, -2},
+                 {"end", badEnd, 1, 0, -3},
+                 {"lower case", badHex, 1, 0, -4},
+                 {"check value before station", badCheck, 2, 0, -5},
+                 {"station before command", good, 2, 1, -6},
+                 {"command", good, 1, 1, -7},
+                 {"least error code", Ans("1041"), 1, 0, -65},
+                 {"error code before length", Ans("10FF1234"), 1, 0, -255},
+                 {"count above the data", Ans("10031234"), 1, 0, -8},
+                 {"count below the data", Ans("10011234"), 1, 0, -8},
+                 {"64 announced and missing", Ans("1040"), 1, 0, -8},
+                 {"odd digit", Ans("100212345"), 1, 0, -8}};
     for (const auto &item : cases)
         EXPECT_EQ(Check(item.answer, item.station, item.command), item.result) << item.what;
     ASSERT_EQ(Check(good, 1, 0), 2);

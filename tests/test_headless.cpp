@@ -199,14 +199,12 @@ TEST(ListColumns, EscapesStartColumnsAndAnythingElseIsText)
 {
     const struct {
         const char *label, *joined;
-    } cases[] = {
-        {"name\033p300lFA00", "name|FA00"},
-        {"\033p1l\033p2lx", "||x"},
-        {"plain", "plain"},
-        {"a\033p300", "a\033p300"},
-        {"a\033pl", "a\033pl"},
-        {"a\033p123456lb", "a\033p123456lb"},
-    };
+    } cases[] = {{"name\033p300lFA00", "name|FA00"},
+                 {"\033p1l\033p2lx", "||x"},
+                 {"plain", "plain"},
+                 {"a\033p300", "a\033p300"},
+                 {"a\033pl", "a\033pl"},
+                 {"a\033p123456lb", "a\033p123456lb"}};
     for (const auto &c : cases)
         EXPECT_EQ(c.joined, UIC_JoinColumns(c.label, "|"));
     EXPECT_EQ(300, UIC_SplitColumns("name\033p300lFA00")[1].left);

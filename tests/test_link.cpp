@@ -63,11 +63,10 @@ TEST_P(BothDrivers, RefusesArgumentsBeforeAnythingIsSent)
         uint16_t word;
         int result;
         uint16_t state;
-    } cases[] = {
-        {16, 0, 0, 1, refused, 3},      {-1, 0, 0, 1, refused, 3}, {1, 16, 0, 1, refused, 3},
-        {1, 8, 0, 0, refused, 3},       {1, 8, 0, 17, refused, 3}, {1, 0, 0x1000000, 1, 0, 0x55},
-        {16, 0, 0x1000000, 1, 0, 0x55},
-    };
+    } cases[] = {{16, 0, 0, 1, refused, 3},     {-1, 0, 0, 1, refused, 3},
+                 {1, 16, 0, 1, refused, 3},     {1, 8, 0, 0, refused, 3},
+                 {1, 8, 0, 17, refused, 3},     {1, 0, 0x1000000, 1, 0, 0x55},
+                 {16, 0, 0x1000000, 1, 0, 0x55}};
     const char data[17] = "";
     for (const auto &item : cases) {
         wMr166State = 0x55;
@@ -346,25 +345,17 @@ TEST_F(LinkTest, StrangeAnswers)
         const char *what;
         std::string bytes;
         int isWin32, error, fault;
-    } cases[] = {
-        {"noise first", "?" + Answer("1001FF"), 0, -2, -2},
-        {"noise first", "?" + Answer("1001FF"), 1, -2, -2},
-        {"no end in sight", endless, 0, -3, -3},
-        {"no end in sight", endless, 1, -3, -3},
-        {"another station", foreign, 0, -6, -6},
-        {"another station", foreign, 1, -6, -6},
-        {"another command", Answer("1101FF"), 0, -7, -7},
-        {"fewer bytes than asked for", Answer("1000"), 0, 0, MR166_FAULT_COUNT},
-        {"more bytes than asked for", Answer("1002FFFF"), 0, 0, MR166_FAULT_COUNT},
-        {"half an answer",
-         "\x06"
-         "10",
-         0, -9, -9},
-        {"half an answer",
-         "\x06"
-         "10",
-         1, -1, -1},
-    };
+    } cases[] = {{"noise first", "?" + Answer("1001FF"), 0, -2, -2},
+                 {"noise first", "?" + Answer("1001FF"), 1, -2, -2},
+                 {"no end in sight", endless, 0, -3, -3},
+                 {"no end in sight", endless, 1, -3, -3},
+                 {"another station", foreign, 0, -6, -6},
+                 {"another station", foreign, 1, -6, -6},
+                 {"another command", Answer("1101FF"), 0, -7, -7},
+                 {"fewer bytes than asked for", Answer("1000"), 0, 0, MR166_FAULT_COUNT},
+                 {"more bytes than asked for", Answer("1002FFFF"), 0, 0, MR166_FAULT_COUNT},
+                 {"half an answer", "\00610", 0, -9, -9},
+                 {"half an answer", "\00610", 1, -1, -1}};
     Mr166_CnBlkRpt = 0;
     Mr166_nTimeoutMs = 200;
     for (const auto &item : cases) {

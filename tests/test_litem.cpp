@@ -29,38 +29,35 @@ TEST_F(LItems, LinesAndTheirSavedForm)
     addSymbol("Known", 0x300);
     addTmsSymbol("Speed", 0x700);
     const struct {
-        const char *line;
-        const char *name;
+        const char *line, *name;
         uint32_t address;
         char type;
         int size, station, isExplicit;
         const char *saved;
-    } cases[] = {
-        {"[12AB], x", "", 0x12AB, 'x', 2, -1, 0, "[0x12AB], x2"},
-        {"&Temp, f", "&Temp", NONE, 'f', 4, -1, 0, "&Temp, f"},
-        {"&Speed, u2", "&Speed", 0x700, 'u', 4, -1, 0, "&Speed, u4"},
-        {"&[8000], x", "&", 0x8000, 'x', 4, -1, 0, "&[0x8000], x4"},
-        {"&Temp, [0x10], i", "&Temp", 0x10, 'i', 4, -1, 1, "&Temp, [0x10], i4"},
-        {"Cnt, p8", "Cnt", NONE, 'p', 8, -1, 0, "Cnt, p8"},
-        {"Cnt, p3", "Cnt", NONE, 'p', 2, -1, 0, "Cnt, p2"},
-        {"Cnt, q", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
-        {"Cnt,", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
-        {"Cnt, b4", "Cnt", NONE, 'b', 1, -1, 0, "Cnt, b1"},
-        {"Cnt, t2 ; note, with, commas", "Cnt", NONE, 't', 4, -1, 0, "Cnt, t"},
-        {"\t 3 : Motor ,u2 ", "3 : Motor", NONE, 'u', 2, 3, 0, "3 : Motor, u2"},
-        {"3:Known, u2", "3:Known", 0x300, 'u', 2, 3, 0, "3:Known, u2"},
-        {"16:Motor, u2", "16:Motor", NONE, 'u', 2, -1, 0, "16:Motor, u2"},
-        {"Known, [0x100], u1", "Known", 0x300, 'u', 1, -1, 0, "Known, u1"},
-        {"Name, [0x100, u1", "Name", 0x100, 'u', 1, -1, 1, "Name, [0x100], u1"},
-        {"Name, [zz], u1", "Name", 0, 'u', 1, -1, 1, "Name, [0x0], u1"},
-        {"[123456789], u1", "", NONE, 'u', 1, -1, 0, "[0xFFFFFFFF], u1"},
-        {"Name", nullptr, 0, 0, 0, 0, 0, ""},
-        {"Name, u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
-        {"Name, [1], u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
-        {"[12AB]", nullptr, 0, 0, 0, 0, 0, ""},
-        {"[], u2", nullptr, 0, 0, 0, 0, 0, ""},
-        {" ; Name, u2", nullptr, 0, 0, 0, 0, 0, ""},
-    };
+    } cases[] = {{"[12AB], x", "", 0x12AB, 'x', 2, -1, 0, "[0x12AB], x2"},
+                 {"&Temp, f", "&Temp", NONE, 'f', 4, -1, 0, "&Temp, f"},
+                 {"&Speed, u2", "&Speed", 0x700, 'u', 4, -1, 0, "&Speed, u4"},
+                 {"&[8000], x", "&", 0x8000, 'x', 4, -1, 0, "&[0x8000], x4"},
+                 {"&Temp, [0x10], i", "&Temp", 0x10, 'i', 4, -1, 1, "&Temp, [0x10], i4"},
+                 {"Cnt, p8", "Cnt", NONE, 'p', 8, -1, 0, "Cnt, p8"},
+                 {"Cnt, p3", "Cnt", NONE, 'p', 2, -1, 0, "Cnt, p2"},
+                 {"Cnt, q", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
+                 {"Cnt,", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
+                 {"Cnt, b4", "Cnt", NONE, 'b', 1, -1, 0, "Cnt, b1"},
+                 {"Cnt, t2 ; note, with, commas", "Cnt", NONE, 't', 4, -1, 0, "Cnt, t"},
+                 {"\t 3 : Motor ,u2 ", "3 : Motor", NONE, 'u', 2, 3, 0, "3 : Motor, u2"},
+                 {"3:Known, u2", "3:Known", 0x300, 'u', 2, 3, 0, "3:Known, u2"},
+                 {"16:Motor, u2", "16:Motor", NONE, 'u', 2, -1, 0, "16:Motor, u2"},
+                 {"Known, [0x100], u1", "Known", 0x300, 'u', 1, -1, 0, "Known, u1"},
+                 {"Name, [0x100, u1", "Name", 0x100, 'u', 1, -1, 1, "Name, [0x100], u1"},
+                 {"Name, [zz], u1", "Name", 0, 'u', 1, -1, 1, "Name, [0x0], u1"},
+                 {"[123456789], u1", "", NONE, 'u', 1, -1, 0, "[0xFFFFFFFF], u1"},
+                 {"Name", nullptr, 0, 0, 0, 0, 0, ""},
+                 {"Name, u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
+                 {"Name, [1], u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
+                 {"[12AB]", nullptr, 0, 0, 0, 0, 0, ""},
+                 {"[], u2", nullptr, 0, 0, 0, 0, 0, ""},
+                 {" ; Name, u2", nullptr, 0, 0, 0, 0, 0, ""}};
     for (const auto &c : cases) {
         ASSERT_EQ(load(c.line), 0) << c.line;
         ASSERT_EQ(nLItems, c.name ? 1 : 0) << c.line;
@@ -94,18 +91,16 @@ TEST_F(LItems, ValidLinesOfBadFilesAreKept)
         std::string text;
         int items;
         const char *first;
-    } cases[] = {
-        {"empty", "", 0, ""},
-        {"only comments", ";a\r\n\r\n;b\r\n", 0, ""},
-        {"CR only", "A, u1\rB, u2\r", 2, "A"},
-        {"mixed ends, no last one", "A, u1\n\rB, u2\r\nC, u4", 3, "A"},
-        {"NUL bytes", std::string("A, u1\nB\0, u1\nC, u2\n", 19), 2, "A"},
-        {"binary", std::string("\xFF\xFE\x01\0\0\x80,\n", 8) + "A, u1\n", 1, "A"},
-        {"goes on as the next line", std::string(511, ' ') + "A, u1\n", 1, "A"},
-        {"name cut to a field", std::string(130, 'n') + ", u1\n", 1,
-         "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"
-         "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"},
-    };
+    } cases[] = {{"empty", "", 0, ""},
+                 {"only comments", ";a\r\n\r\n;b\r\n", 0, ""},
+                 {"CR only", "A, u1\rB, u2\r", 2, "A"},
+                 {"mixed ends, no last one", "A, u1\n\rB, u2\r\nC, u4", 3, "A"},
+                 {"NUL bytes", std::string("A, u1\nB\0, u1\nC, u2\n", 19), 2, "A"},
+                 {"binary", std::string("\xFF\xFE\x01\0\0\x80,\n", 8) + "A, u1\n", 1, "A"},
+                 {"goes on as the next line", std::string(511, ' ') + "A, u1\n", 1, "A"},
+                 {"name cut to a field", std::string(130, 'n') + ", u1\n", 1,
+                  "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"
+                  "nnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnnn"}};
     for (const auto &c : cases) {
         ASSERT_EQ(load(c.text), 0) << c.what;
         EXPECT_EQ(nLItems, c.items) << c.what;
@@ -218,10 +213,11 @@ TEST_F(LItems, ChangeQuestion)
         int button;
         const char *file; // "" = no folder to save in
         int result, isStillChanged;
-    } cases[] = {
-        {1, "list.dbg", 0, 0},  {1, "no/such/list.dbg", -1, 1}, {2, "list.dbg", 0, 0},
-        {3, "list.dbg", -1, 1}, {0, "list.dbg", -1, 1},
-    };
+    } cases[] = {{1, "list.dbg", 0, 0},
+                 {1, "no/such/list.dbg", -1, 1},
+                 {2, "list.dbg", 0, 0},
+                 {3, "list.dbg", -1, 1},
+                 {0, "list.dbg", -1, 1}};
     for (const auto &c : cases) {
         IsDBGChange = 1;
         szDebugFileName = path(c.file);
@@ -303,25 +299,23 @@ TEST_F(LItems, AddingItems)
         const char *text, *type;
         int result;
         const char *saved;
-    } cases[] = {
-        {" DLLD_wCount ", "", 0, "DLLD_wCount, u2"},
-        {"3:Rec.fSpeed", "", 0, "3:Rec.fSpeed, f"},
-        {"cnt", "", 0, "cnt, i2"},
-        {"&dwLoad", "u2", 0, "&dwLoad, u4"},
-        {"[1F00]", "x8", 0, "[0x1F00], x8"},
-        {"$1F00", "b", 0, "[0x1F00], b1"},
-        {"&0x1F00", "f", 0, "&[0x1F00], f"},
-        {"0x1000000", "u2", EDT_ERR_ADDRESS, ""},
-        {"[zz]", "u2", EDT_ERR_ADDRESS, ""},
-        {"", "u2", EDT_ERR_NAME, ""},
-        {"&", "u2", EDT_ERR_NAME, ""},
-        {"a,b", "u2", EDT_ERR_NAME, ""},
-        {"a;b", "u2", EDT_ERR_NAME, ""},
-        {"a\nb", "u2", EDT_ERR_NAME, ""},
-        {"Rec", "u3", EDT_ERR_TYPE, ""},
-        {"Rec", "f2", EDT_ERR_TYPE, ""},
-        {"&Rec", "b", EDT_ERR_TYPE, ""},
-    };
+    } cases[] = {{" DLLD_wCount ", "", 0, "DLLD_wCount, u2"},
+                 {"3:Rec.fSpeed", "", 0, "3:Rec.fSpeed, f"},
+                 {"cnt", "", 0, "cnt, i2"},
+                 {"&dwLoad", "u2", 0, "&dwLoad, u4"},
+                 {"[1F00]", "x8", 0, "[0x1F00], x8"},
+                 {"$1F00", "b", 0, "[0x1F00], b1"},
+                 {"&0x1F00", "f", 0, "&[0x1F00], f"},
+                 {"0x1000000", "u2", EDT_ERR_ADDRESS, ""},
+                 {"[zz]", "u2", EDT_ERR_ADDRESS, ""},
+                 {"", "u2", EDT_ERR_NAME, ""},
+                 {"&", "u2", EDT_ERR_NAME, ""},
+                 {"a,b", "u2", EDT_ERR_NAME, ""},
+                 {"a;b", "u2", EDT_ERR_NAME, ""},
+                 {"a\nb", "u2", EDT_ERR_NAME, ""},
+                 {"Rec", "u3", EDT_ERR_TYPE, ""},
+                 {"Rec", "f2", EDT_ERR_TYPE, ""},
+                 {"&Rec", "b", EDT_ERR_TYPE, ""}};
     for (const auto &c : cases) {
         nLItems = IsDBGChange = 0;
         EXPECT_EQ(EDT_AddText(c.text, c.type, EDT_AT_END), c.result) << c.text;

@@ -88,8 +88,7 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
         {Columns({{0, "0FA00H"}, {10, "counter"}, {46, "NDATA"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "cou-nter"}, {46, "NDATA"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "x"}}, 31), nullptr},
-        {"", nullptr},
-    };
+        {"", nullptr}};
     for (const auto &row : cases) {
         uint32_t address = 0;
         const char *name = nullptr;

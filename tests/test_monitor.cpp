@@ -145,8 +145,7 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         {"!fi", "final.scr first.scr", 1},
         {"write 2, 5, n", "nCount", 12},
         {"dump awT", "awTable", 5},
-        {"zz", "", 0},
-    };
+        {"zz", "", 0}};
     for (const auto &c : cases) {
         std::vector<std::string> found;
         EXPECT_EQ(CON_Complete(c.line, std::string(c.line).size(), &found), c.start) << c.line;
@@ -207,16 +206,13 @@ TEST_F(Monitor, CommunicationSwitchedOnStaysOn)
 TEST_F(Monitor, ValueEntryEndsOnFailure)
 {
     struct {
-        const char *enter;
-        const char *value;
+        const char *enter, *value;
         int mode; // afterwards
-    } const cases[] = {
-        {"wi 8100", "32767", CMD_WRITE_C166},  {"wi 8100", "32768", CMD_C166},
-        {"wi 8100", "-32768", CMD_WRITE_C166}, {"wu 8100", "-1", CMD_C166},
-        {"wu 8100", "65535", CMD_WRITE_C166},  {"wx 8100", "10000", CMD_C166},
-        {"wf 8100", "1.5e", CMD_C166},         {"wf 8100", "1e40", CMD_C166},
-        {"wi 8100", "12 13", CMD_C166},        {"wi 8100", "0x10", CMD_WRITE_C166},
-    };
+    } const cases[] = {{"wi 8100", "32767", CMD_WRITE_C166},  {"wi 8100", "32768", CMD_C166},
+                       {"wi 8100", "-32768", CMD_WRITE_C166}, {"wu 8100", "-1", CMD_C166},
+                       {"wu 8100", "65535", CMD_WRITE_C166},  {"wx 8100", "10000", CMD_C166},
+                       {"wf 8100", "1.5e", CMD_C166},         {"wf 8100", "1e40", CMD_C166},
+                       {"wi 8100", "12 13", CMD_C166},        {"wi 8100", "0x10", CMD_WRITE_C166}};
     for (const auto &c : cases) {
         command = CMD_C166;
         Type(c.enter);

@@ -66,33 +66,31 @@ TEST_F(Refresh, ValueTexts)
         int size;
         uint64_t value;
         const char *text;
-    } cases[] = {
-        {'x', 1, 0xFFA, "FAh"},
-        {'x', 2, 0xA, "000Ah"},
-        {'x', 4, 0xABCDEF01, "ABCDEF01h"},
-        {'x', 8, 0xABCDEF0122334455, "ABCDEF0122334455h"},
-        {'u', 1, 0x1FF, "255"},
-        {'u', 2, 7, "    7"},
-        {'u', 4, 0xFFFFFFFF, "4294967295"},
-        {'u', 8, UINT64_MAX, "18446744073709551615"},
-        {'i', 1, 0x80, "-128"},
-        {'i', 1, 0xFF, "  -1"},
-        {'i', 2, 0xFFFF, "    -1"},
-        {'i', 4, 0xFFFFFFFF, "         -1"},
-        {'i', 8, UINT64_MAX, "                   -1"},
-        {'i', 4, 0x80000000, "-2147483648"},
-        {'i', 8, 1ULL << 63, " -9223372036854775808"},
-        {'f', 4, 0x3FC00000, "1.5"},
-        {'f', 4, 0xFF800000, "-inf"},
-        {'f', 4, 0x7FC00000, "nan"},
-        {'f', 4, 0x00000001, "1.4013e-45"},
-        {'b', 1, 0x5C, "0101 1100 b"},
-        {'t', 4, 0xFF000000 + 1501, "01d 01h 01m"},
-        {'f', 2, 1, ""},
-        {'b', 4, 1, ""},
-        {'t', 1, 1, ""},
-        {'u', 3, 1, ""},
-    };
+    } cases[] = {{'x', 1, 0xFFA, "FAh"},
+                 {'x', 2, 0xA, "000Ah"},
+                 {'x', 4, 0xABCDEF01, "ABCDEF01h"},
+                 {'x', 8, 0xABCDEF0122334455, "ABCDEF0122334455h"},
+                 {'u', 1, 0x1FF, "255"},
+                 {'u', 2, 7, "    7"},
+                 {'u', 4, 0xFFFFFFFF, "4294967295"},
+                 {'u', 8, UINT64_MAX, "18446744073709551615"},
+                 {'i', 1, 0x80, "-128"},
+                 {'i', 1, 0xFF, "  -1"},
+                 {'i', 2, 0xFFFF, "    -1"},
+                 {'i', 4, 0xFFFFFFFF, "         -1"},
+                 {'i', 8, UINT64_MAX, "                   -1"},
+                 {'i', 4, 0x80000000, "-2147483648"},
+                 {'i', 8, 1ULL << 63, " -9223372036854775808"},
+                 {'f', 4, 0x3FC00000, "1.5"},
+                 {'f', 4, 0xFF800000, "-inf"},
+                 {'f', 4, 0x7FC00000, "nan"},
+                 {'f', 4, 0x00000001, "1.4013e-45"},
+                 {'b', 1, 0x5C, "0101 1100 b"},
+                 {'t', 4, 0xFF000000 + 1501, "01d 01h 01m"},
+                 {'f', 2, 1, ""},
+                 {'b', 4, 1, ""},
+                 {'t', 1, 1, ""},
+                 {'u', 3, 1, ""}};
     for (const auto &c : cases) {
         std::string text = "=";
         const int length = FormatLItemVal(&text, itemOf(c.type, c.size, c.value));
@@ -111,11 +109,11 @@ TEST_F(Refresh, Rates)
         uint32_t previous, value;
         uint16_t from, to;
         const char *text;
-    } cases[] = {
-        {1, 250, 4, 100, 200, "   100.000 Hz"},       {2, 65530, 10, 65500, 464, "    32.000 Hz"},
-        {4, 0xFFFFFFFF, 1, 0, 1000, "     2.000 Hz"}, {8, 0, 500, 0, 1000, "     0.000 Hz"},
-        {2, 0, 500, 77, 77, "  -999.000 Hz"},
-    };
+    } cases[] = {{1, 250, 4, 100, 200, "   100.000 Hz"},
+                 {2, 65530, 10, 65500, 464, "    32.000 Hz"},
+                 {4, 0xFFFFFFFF, 1, 0, 1000, "     2.000 Hz"},
+                 {8, 0, 500, 0, 1000, "     0.000 Hz"},
+                 {2, 0, 500, 77, 77, "  -999.000 Hz"}};
     for (const auto &c : cases) {
         LItem item = itemOf('p', c.size, c.value);
         item.previousValue = c.previous;
@@ -131,12 +129,11 @@ TEST_F(Refresh, TmsFloats)
 {
     const struct {
         uint32_t ieee, tms;
-    } cases[] = {
-        {bitsOf(1.0f), 0x00000000},     {bitsOf(-1.0f), 0xFF800000}, {bitsOf(0.0f), 0x80000000},
-        {bitsOf(-0.0f), 0x80000000},    {bitsOf(1.5f), 0x00400000},  {bitsOf(-1.5f), 0x00C00000},
-        {bitsOf(INFINITY), 0x7F7FFFFF}, {0xFF800000, 0x7F7FFFFF},    {0x7FC00000, 0x7F7FFFFF},
-        {0xFFC00000, 0x7F800000},
-    };
+    } cases[] = {{bitsOf(1.0f), 0x00000000},     {bitsOf(-1.0f), 0xFF800000},
+                 {bitsOf(0.0f), 0x80000000},     {bitsOf(-0.0f), 0x80000000},
+                 {bitsOf(1.5f), 0x00400000},     {bitsOf(-1.5f), 0x00C00000},
+                 {bitsOf(INFINITY), 0x7F7FFFFF}, {0xFF800000, 0x7F7FFFFF},
+                 {0x7FC00000, 0x7F7FFFFF},       {0xFFC00000, 0x7F800000}};
     for (const auto &c : cases)
         EXPECT_EQ(IEEE_TMS(c.ieee), c.tms) << std::hex << c.ieee;
     EXPECT_EQ(TMS_IEEE(0x80123456), 0.0);
@@ -392,51 +389,48 @@ TEST_F(Refresh, TypedValues)
 {
     constexpr uint64_t RANGE = 1ULL << 62, TEXT = RANGE + 1;
     const struct {
-        const char *type;
-        const char *text;
+        const char *type, *text;
         uint64_t bits; // or RANGE, TEXT
-    } cases[] = {
-        {"i2", "-32768", 0x8000},
-        {"i2", "-32769", RANGE},
-        {"i2", "32768", RANGE},
-        {"i2", " 0xFFFF ", 0xFFFF},
-        {"i2", "0FFh", 0xFF},
-        {"i2", "0x10000", RANGE},
-        {"i2", "0b101", 5},
-        {"i8", "-9223372036854775808", 1ULL << 63},
-        {"i8", "9223372036854775808", RANGE},
-        {"u1", "255", 255},
-        {"u1", "256", RANGE},
-        {"u1", "-1", RANGE},
-        {"u1", "1e2", TEXT},
-        {"u1", "", TEXT},
-        {"u1", "0x", TEXT},
-        {"u1", "12 3", TEXT},
-        {"u8", "18446744073709551615", UINT64_MAX},
-        {"u8", "18446744073709551616", RANGE},
-        {"u8", "18446744073709551616z", TEXT},
-        {"p4", "4294967295", 0xFFFFFFFF},
-        {"x2", "1F", 0x1F},
-        {"x2", "b", 0xB},
-        {"x2", "10000", RANGE},
-        {"b", "0101 1100 b", 0x5C},
-        {"b", "5Ch", 0x5C},
-        {"b", "12", TEXT},
-        {"b", "1 0000 0000", RANGE},
-        {"b", "b", TEXT},
-        {"f", "-1.5e0", 0xBFC00000},
-        {"f", "+2", 0x40000000},
-        {"f", "4e38", RANGE},
-        {"f", "1e999", RANGE},
-        {"f", "1,5", TEXT},
-        {"f", "nan", TEXT},
-        {"t", "1d 1h 1m", 1501},
-        {"t", "2h", 120},
-        {"t", "16777216", RANGE},
-        {"t", "20000d", RANGE},
-        {"t", "1h 5", TEXT},
-        {"t", "5m 1h", TEXT},
-    };
+    } cases[] = {{"i2", "-32768", 0x8000},
+                 {"i2", "-32769", RANGE},
+                 {"i2", "32768", RANGE},
+                 {"i2", " 0xFFFF ", 0xFFFF},
+                 {"i2", "0FFh", 0xFF},
+                 {"i2", "0x10000", RANGE},
+                 {"i2", "0b101", 5},
+                 {"i8", "-9223372036854775808", 1ULL << 63},
+                 {"i8", "9223372036854775808", RANGE},
+                 {"u1", "255", 255},
+                 {"u1", "256", RANGE},
+                 {"u1", "-1", RANGE},
+                 {"u1", "1e2", TEXT},
+                 {"u1", "", TEXT},
+                 {"u1", "0x", TEXT},
+                 {"u1", "12 3", TEXT},
+                 {"u8", "18446744073709551615", UINT64_MAX},
+                 {"u8", "18446744073709551616", RANGE},
+                 {"u8", "18446744073709551616z", TEXT},
+                 {"p4", "4294967295", 0xFFFFFFFF},
+                 {"x2", "1F", 0x1F},
+                 {"x2", "b", 0xB},
+                 {"x2", "10000", RANGE},
+                 {"b", "0101 1100 b", 0x5C},
+                 {"b", "5Ch", 0x5C},
+                 {"b", "12", TEXT},
+                 {"b", "1 0000 0000", RANGE},
+                 {"b", "b", TEXT},
+                 {"f", "-1.5e0", 0xBFC00000},
+                 {"f", "+2", 0x40000000},
+                 {"f", "4e38", RANGE},
+                 {"f", "1e999", RANGE},
+                 {"f", "1,5", TEXT},
+                 {"f", "nan", TEXT},
+                 {"t", "1d 1h 1m", 1501},
+                 {"t", "2h", 120},
+                 {"t", "16777216", RANGE},
+                 {"t", "20000d", RANGE},
+                 {"t", "1h 5", TEXT},
+                 {"t", "5m 1h", TEXT}};
     for (const auto &c : cases) {
         LItem item;
         LIT_SetType(&item, c.type);
@@ -468,12 +462,10 @@ TEST_F(Refresh, WritingValues)
         const char *line, *text;
         uint32_t requests;
         uint64_t memory; // 8 bytes at 0x8000 of station 1 afterwards
-    } cases[] = {
-        {"[8000], i2", "-2", 2, 0xAAAAAAAAAAAAFFFE},
-        {"[8000], t", "3", 2, 0xAAAAAAAAAA000003}, // the high byte is no minutes
-        {"[8000], u8", "1", 2, 1},
-        {"[8001], b", "1111 0000", 2, 0xF001},
-    };
+    } cases[] = {{"[8000], i2", "-2", 2, 0xAAAAAAAAAAAAFFFE},
+                 {"[8000], t", "3", 2, 0xAAAAAAAAAA000003}, // the high byte is no minutes
+                 {"[8000], u8", "1", 2, 1},
+                 {"[8001], b", "1111 0000", 2, 0xF001}};
     for (const auto &c : cases) {
         ASSERT_EQ(load(std::string(c.line) + "\n"), 0);
         std::string message;

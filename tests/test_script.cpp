@@ -13,46 +13,43 @@ TEST(ScriptParameter, Integers)
         const char *text;
         uint32_t code;
         int result;
-        uint32_t value;
-        uint32_t flags;
-    } cases[] = {
-        {"5", 0x4, 1, 5, 0x4},
-        {"5 , 6", 0x4, 0, 5, 0x4},
-        {"1FH", 0x4, 1, 0x1F, 0x4},
-        {"0ffh", 0x4, 1, 0xFF, 0x6},
-        {"0x1F", 0x4, 1, 0x1F, 0x4},
-        {"-0X80 ,", 0x4, 0, 0xFFFFFF80, 0x5},
-        {"0x80", 0x5, -1, 0, 0},
-        {"0x100000000", 0x10, -1, 0, 0},
-        {"0x", 0x4, 0, 0, 0x4}, // the "x" is left for the caller to refuse
-        {"127", 0x5, 1, 127, 0x4},
-        {"128", 0x5, -1, 0, 0},
-        {"-128", 0x4, 1, 0xFFFFFF80, 0x5},
-        {"-129", 0x4, -1, 0, 0},
-        {"255", 0x4, 1, 255, 0x6},
-        {"256", 0x4, -1, 0, 0},
-        {"-1", 0x6, -1, 0, 0},
-        {"32767", 0x9, 1, 32767, 0x8},
-        {"32768", 0x9, -1, 0, 0},
-        {"-32768", 0x8, 1, 0xFFFF8000, 0x9},
-        {"-8001H", 0x8, -1, 0, 0},
-        {"65535", 0xA, 1, 65535, 0xA},
-        {"65536", 0xA, -1, 0, 0},
-        {"2147483647", 0x11, 1, 0x7FFFFFFF, 0x10},
-        {"2147483648", 0x11, -1, 0, 0},
-        {"-2147483648", 0x10, 1, 0x80000000, 0x11},
-        {"-2147483649", 0x10, -1, 0, 0},
-        {"4294967295", 0x12, 1, 0xFFFFFFFF, 0x12},
-        {"4294967296", 0x10, -1, 0, 0},
-        {"99999999999999999999", 0x10, -1, 0, 0},
-        {"0FFFFFFFFH", 0x10, 1, 0xFFFFFFFF, 0x12},
-        {"0100000000H", 0x10, -1, 0, 0},
-        {"8000H", 0xB0, 1, 0x8000, 0x92},
-        {"", 0x10, -1, 0, 0},
-        {"-", 0x10, -1, 0, 0},
-        {"+5", 0x10, -1, 0, 0},
-        {"x", 0x10, -1, 0, 0},
-    };
+        uint32_t value, flags;
+    } cases[] = {{"5", 0x4, 1, 5, 0x4},
+                 {"5 , 6", 0x4, 0, 5, 0x4},
+                 {"1FH", 0x4, 1, 0x1F, 0x4},
+                 {"0ffh", 0x4, 1, 0xFF, 0x6},
+                 {"0x1F", 0x4, 1, 0x1F, 0x4},
+                 {"-0X80 ,", 0x4, 0, 0xFFFFFF80, 0x5},
+                 {"0x80", 0x5, -1, 0, 0},
+                 {"0x100000000", 0x10, -1, 0, 0},
+                 {"0x", 0x4, 0, 0, 0x4}, // the "x" is left for the caller to refuse
+                 {"127", 0x5, 1, 127, 0x4},
+                 {"128", 0x5, -1, 0, 0},
+                 {"-128", 0x4, 1, 0xFFFFFF80, 0x5},
+                 {"-129", 0x4, -1, 0, 0},
+                 {"255", 0x4, 1, 255, 0x6},
+                 {"256", 0x4, -1, 0, 0},
+                 {"-1", 0x6, -1, 0, 0},
+                 {"32767", 0x9, 1, 32767, 0x8},
+                 {"32768", 0x9, -1, 0, 0},
+                 {"-32768", 0x8, 1, 0xFFFF8000, 0x9},
+                 {"-8001H", 0x8, -1, 0, 0},
+                 {"65535", 0xA, 1, 65535, 0xA},
+                 {"65536", 0xA, -1, 0, 0},
+                 {"2147483647", 0x11, 1, 0x7FFFFFFF, 0x10},
+                 {"2147483648", 0x11, -1, 0, 0},
+                 {"-2147483648", 0x10, 1, 0x80000000, 0x11},
+                 {"-2147483649", 0x10, -1, 0, 0},
+                 {"4294967295", 0x12, 1, 0xFFFFFFFF, 0x12},
+                 {"4294967296", 0x10, -1, 0, 0},
+                 {"99999999999999999999", 0x10, -1, 0, 0},
+                 {"0FFFFFFFFH", 0x10, 1, 0xFFFFFFFF, 0x12},
+                 {"0100000000H", 0x10, -1, 0, 0},
+                 {"8000H", 0xB0, 1, 0x8000, 0x92},
+                 {"", 0x10, -1, 0, 0},
+                 {"-", 0x10, -1, 0, 0},
+                 {"+5", 0x10, -1, 0, 0},
+                 {"x", 0x10, -1, 0, 0}};
     for (const auto &c : cases) {
         const char *cursor = c.text;
         ScrPar par;
@@ -76,38 +73,35 @@ TEST(ScriptParameter, NamesTextsAndFloats)
         uint32_t code;
         int result;
         std::string parsed;
-        int index;
-        int offset;
+        int index, offset;
         std::string rest;
-    } cases[] = {
-        {"awTable , u2", 0xB0, 0, "awTable", 0, 0, " , u2"},
-        {"&rec.item", 0x20, 1, "&rec.item", 0, 0, ""},
-        {"@x", 0x20, 1, "@x", 0, 0, ""},
-        {"a[3]", 0x20, 0, "a", 0, 0, "[3]"},
-        {"a[ 3 ] - 10H", 0x6020, 1, "a", 3, -16, ""},
-        {"a[0x3]+0x10", 0x6020, 1, "a", 3, 16, ""},
-        {"a+0", 0x4020, 1, "a", 0, 0, ""},
-        {"a[3", 0x2020, -1, "", 0, 0, ""},
-        {"a[-1]", 0x2020, -1, "", 0, 0, ""},
-        {"a+", 0x4020, -1, "", 0, 0, ""},
-        {"a+2147483648", 0x4020, -1, "", 0, 0, ""},
-        {"1a", 0x20, -1, "", 0, 0, ""},
-        {"&", 0x20, -1, "", 0, 0, ""},
-        {"\"a b, c\",5", 0x20, 0, "a b, c", 0, 0, ",5"},
-        {"\"open", 0x20, -1, "", 0, 0, ""},
-        {"\"" + long239 + "\"", 0x20, 1, long239, 0, 0, ""},
-        {"\"" + long240 + "\"", 0x20, -1, "", 0, 0, ""},
-        {"\"" + long239, 0x400, -1, "", 0, 0, ""},
-        {"\"" + long240, 0x800, -1, "", 0, 0, ""},
-        {long239, 0x20, 1, long239, 0, 0, ""},
-        {long240, 0x20, -1, "", 0, 0, ""},
-        {long240, 0x400, -1, "", 0, 0, ""},
-        {" c:\\my file.txt  , 5", 0x400, 0, "c:\\my file.txt", 0, 0, ", 5"},
-        {"", 0x400, 1, "", 0, 0, ""},
-        {"'a, b',x", 0x800, 0, "a, b", 0, 0, ",x"},
-        {"'a", 0x400, 1, "'a", 0, 0, ""},
-        {"Really stop? ", 0x800, 1, "Really stop?", 0, 0, ""},
-    };
+    } cases[] = {{"awTable , u2", 0xB0, 0, "awTable", 0, 0, " , u2"},
+                 {"&rec.item", 0x20, 1, "&rec.item", 0, 0, ""},
+                 {"@x", 0x20, 1, "@x", 0, 0, ""},
+                 {"a[3]", 0x20, 0, "a", 0, 0, "[3]"},
+                 {"a[ 3 ] - 10H", 0x6020, 1, "a", 3, -16, ""},
+                 {"a[0x3]+0x10", 0x6020, 1, "a", 3, 16, ""},
+                 {"a+0", 0x4020, 1, "a", 0, 0, ""},
+                 {"a[3", 0x2020, -1, "", 0, 0, ""},
+                 {"a[-1]", 0x2020, -1, "", 0, 0, ""},
+                 {"a+", 0x4020, -1, "", 0, 0, ""},
+                 {"a+2147483648", 0x4020, -1, "", 0, 0, ""},
+                 {"1a", 0x20, -1, "", 0, 0, ""},
+                 {"&", 0x20, -1, "", 0, 0, ""},
+                 {"\"a b, c\",5", 0x20, 0, "a b, c", 0, 0, ",5"},
+                 {"\"open", 0x20, -1, "", 0, 0, ""},
+                 {"\"" + long239 + "\"", 0x20, 1, long239, 0, 0, ""},
+                 {"\"" + long240 + "\"", 0x20, -1, "", 0, 0, ""},
+                 {"\"" + long239, 0x400, -1, "", 0, 0, ""},
+                 {"\"" + long240, 0x800, -1, "", 0, 0, ""},
+                 {long239, 0x20, 1, long239, 0, 0, ""},
+                 {long240, 0x20, -1, "", 0, 0, ""},
+                 {long240, 0x400, -1, "", 0, 0, ""},
+                 {" c:\\my file.txt  , 5", 0x400, 0, "c:\\my file.txt", 0, 0, ", 5"},
+                 {"", 0x400, 1, "", 0, 0, ""},
+                 {"'a, b',x", 0x800, 0, "a, b", 0, 0, ",x"},
+                 {"'a", 0x400, 1, "'a", 0, 0, ""},
+                 {"Really stop? ", 0x800, 1, "Really stop?", 0, 0, ""}};
     for (const auto &c : cases) {
         const char *cursor = c.text.c_str();
         ScrPar par;
@@ -153,25 +147,23 @@ TEST(ScriptCommand, Refusals)
         std::string line;
         int result;
         const char *message;
-    } cases[] = {
-        {"; two 1", 0, ""},
-        {"", SCR_UNKNOWN, ""},
-        {"7", SCR_UNKNOWN, ""},
-        {"tw 1, a", SCR_UNKNOWN, ""},
-        {name78, SCR_UNKNOWN, ""},
-        {name78 + "n", SCR_ERR_LONG_NAME, "Error in ExecScrCmd: command too long."},
-        {"  TWO 1 , a", 7, ""},
-        {"two 1", SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter."},
-        {"two 1 a", SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter."},
-        {"two", SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type."},
-        {"two 256, a", SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type."},
-        {"two 1, a, b", SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters."},
-        {"none 1", SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters."},
-        {"none  ", 7, ""},
-        {"whole " + std::string(232, 'x'), 7, ""},
-        {"whole " + std::string(233, 'x'), SCR_ERR_LONG_LINE,
-         "Error in ExecScrCmd: extern command too long."},
-    };
+    } cases[] = {{"; two 1", 0, ""},
+                 {"", SCR_UNKNOWN, ""},
+                 {"7", SCR_UNKNOWN, ""},
+                 {"tw 1, a", SCR_UNKNOWN, ""},
+                 {name78, SCR_UNKNOWN, ""},
+                 {name78 + "n", SCR_ERR_LONG_NAME, "Error in ExecScrCmd: command too long."},
+                 {"  TWO 1 , a", 7, ""},
+                 {"two 1", SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter."},
+                 {"two 1 a", SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter."},
+                 {"two", SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type."},
+                 {"two 256, a", SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type."},
+                 {"two 1, a, b", SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters."},
+                 {"none 1", SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters."},
+                 {"none  ", 7, ""},
+                 {"whole " + std::string(232, 'x'), 7, ""},
+                 {"whole " + std::string(233, 'x'), SCR_ERR_LONG_LINE,
+                  "Error in ExecScrCmd: extern command too long."}};
     for (const auto &c : cases) {
         szScrFnErrMsg.clear();
         EXPECT_EQ(ExecScrCmd(c.line.c_str(), rows, 3), c.result) << c.line;
@@ -195,30 +187,28 @@ TEST_F(Script, RunsJumpsAndEnds)
         std::string text;
         int result;
         std::string shown;
-    } cases[] = {
-        {"empty", "", 0, ""},
-        {"comments and labels", " ; note\n\nLabel :\nEnd:\n\tstation 2\n", 0, ok},
-        {"any line end, none at the end", "station 2\r\n\r;\n\rstation 2", 0, ok + ok},
-        {"forward", "goto end\nstation 99\nend :\nstation 2\n", 0, ok},
-        {"no way back", "top:\nstation 2\ngoto top\nstation 2\n", -5, ok},
-        {"no label", "goto\t5\n", -3, ""},
-        {"error", "station 2\nstation 99\nstation 2\n", -4, ok + bad},
-        {"handled", "station 99\nstation 3\nOnError :\nstation 2\nstation 99\n", -7,
-         bad + ok + bad},
-        {"handled twice", "station 99\nOnError:\nstation 99\nOnError:\nstation 2\n", 0,
-         bad + bad + ok},
-        {"case of OnError", "station 99\nonerror:\nstation 2\n", -3, bad},
-        {"unknown words are no error", "nonsense\nstation 2\n", 0,
-         "Sorry, unknown or unsupported command ('nonsense').\n" + ok},
-        {"exit", "station 2\nexit\nstation 99\n", 0, ok + "exit -> OK!\n"},
-        {"500 characters", "msg " + longLine + "\n", -3,
-         "Error in ExecScrCmd: bad parameter type.\nmsg " + longLine + " -> Error!\n"},
-        {"501 characters", "msg x" + longLine + "\n", -3,
-         "The line is longer than 500 characters and was not run.\n"},
-        {"501 characters handled", "msg x" + longLine + longLine + "\nOnError:\nstation 2", 0,
-         "The line is longer than 500 characters and was not run.\n" + ok},
-        {"a long comment", ";" + longLine + longLine + "\nstation 2", 0, ok},
-    };
+    } cases[] = {{"empty", "", 0, ""},
+                 {"comments and labels", " ; note\n\nLabel :\nEnd:\n\tstation 2\n", 0, ok},
+                 {"any line end, none at the end", "station 2\r\n\r;\n\rstation 2", 0, ok + ok},
+                 {"forward", "goto end\nstation 99\nend :\nstation 2\n", 0, ok},
+                 {"no way back", "top:\nstation 2\ngoto top\nstation 2\n", -5, ok},
+                 {"no label", "goto\t5\n", -3, ""},
+                 {"error", "station 2\nstation 99\nstation 2\n", -4, ok + bad},
+                 {"handled", "station 99\nstation 3\nOnError :\nstation 2\nstation 99\n", -7,
+                  bad + ok + bad},
+                 {"handled twice", "station 99\nOnError:\nstation 99\nOnError:\nstation 2\n", 0,
+                  bad + bad + ok},
+                 {"case of OnError", "station 99\nonerror:\nstation 2\n", -3, bad},
+                 {"unknown words are no error", "nonsense\nstation 2\n", 0,
+                  "Sorry, unknown or unsupported command ('nonsense').\n" + ok},
+                 {"exit", "station 2\nexit\nstation 99\n", 0, ok + "exit -> OK!\n"},
+                 {"500 characters", "msg " + longLine + "\n", -3,
+                  "Error in ExecScrCmd: bad parameter type.\nmsg " + longLine + " -> Error!\n"},
+                 {"501 characters", "msg x" + longLine + "\n", -3,
+                  "The line is longer than 500 characters and was not run.\n"},
+                 {"501 characters handled", "msg x" + longLine + longLine + "\nOnError:\nstation 2",
+                  0, "The line is longer than 500 characters and was not run.\n" + ok},
+                 {"a long comment", ";" + longLine + longLine + "\nstation 2", 0, ok}};
     for (const auto &c : cases) {
         WriteFile("case.scr", c.text);
         NewText();
@@ -236,8 +226,7 @@ TEST_F(Script, QuestionsChooseTheWay)
     WriteFile("ask.scr", "qst 'Go on, now?', \"No, stop\", Stop\nstation 2\ngoto End\n"
                          "Stop :\nstation 5\nEnd:\nmsg done, \n");
     const struct {
-        int button;
-        int station;
+        int button, station;
     } answers[] = {{1, 2}, {0, 5}};
     for (const auto &answer : answers) {
         HL_PushAnswer(answer.button);

@@ -74,20 +74,18 @@ TEST(VariableFilter, PartsAndWildcards)
     const struct {
         const char *filter, *name;
         bool isMatch;
-    } cases[] = {
-        {"", "x", true},
-        {"speed", "DRV_nSpeedRef", true},
-        {"SPEEDS", "nSpeed", false},
-        {"n*", "nSpeed", true},
-        {"n*", "DRV_nSpeed", false},
-        {"*ref", "nSpeedRef", true},
-        {"*ref", "nRefs", false},
-        {"d*n*f", "DRV_nnNf", true},
-        {"d*n*f", "DRV_nnNfx", false},
-        {"*", "", true},
-        {"a*b", "ab", true},
-        {"**x", "y", false},
-    };
+    } cases[] = {{"", "x", true},
+                 {"speed", "DRV_nSpeedRef", true},
+                 {"SPEEDS", "nSpeed", false},
+                 {"n*", "nSpeed", true},
+                 {"n*", "DRV_nSpeed", false},
+                 {"*ref", "nSpeedRef", true},
+                 {"*ref", "nRefs", false},
+                 {"d*n*f", "DRV_nnNf", true},
+                 {"d*n*f", "DRV_nnNfx", false},
+                 {"*", "", true},
+                 {"a*b", "ab", true},
+                 {"**x", "y", false}};
     for (const auto &c : cases)
         EXPECT_EQ(VSL_IsMatch(c.filter, c.name), c.isMatch) << c.filter << " " << c.name;
 }
@@ -203,13 +201,11 @@ TEST_F(Selectors, StructuresAreWalkedDownAndUp)
 
     const struct {
         const char *typed, *path, *first; // the first line, or the selected one's expression
-    } expressions[] = {
-        {" DRV_stParams.stLimits ", "DRV_stParams.stLimits", "anLow"},
-        {"awTable[1]", "awTable[1]", "[0]"},
-        {"DRV_stParams.unMode.wAll", "DRV_stParams.unMode", "wAll"},
-        {"awTable[2]", "DRV_stParams.unMode", "wAll"}, // outside: nothing changes
-        {"nothing", "DRV_stParams.unMode", "wAll"},
-    };
+    } expressions[] = {{" DRV_stParams.stLimits ", "DRV_stParams.stLimits", "anLow"},
+                       {"awTable[1]", "awTable[1]", "[0]"},
+                       {"DRV_stParams.unMode.wAll", "DRV_stParams.unMode", "wAll"},
+                       {"awTable[2]", "DRV_stParams.unMode", "wAll"}, // outside: nothing changes
+                       {"nothing", "DRV_stParams.unMode", "wAll"}};
     for (const auto &c : expressions) {
         HL_SetUserVal(PANEL_STRUCT_SELECTOR, STRSEL_PATH, c.typed);
         HL_Key(PANEL_STRUCT_SELECTOR, STRSEL_PATH, KEY_ENTER);
@@ -231,13 +227,11 @@ TEST_F(Selectors, LargeArraysComeInPages)
     const struct {
         int button;
         const char *range, *first;
-    } steps[] = {
-        {STRSEL_PREVIOUS, "[0] to [999] of 2500", "[0]"}, // dimmed
-        {STRSEL_NEXT, "[1000] to [1999] of 2500", "[1000]"},
-        {STRSEL_NEXT, "[2000] to [2499] of 2500", "[2000]"},
-        {STRSEL_NEXT, "[2000] to [2499] of 2500", "[2000]"}, // dimmed
-        {STRSEL_PREVIOUS, "[1000] to [1999] of 2500", "[1000]"},
-    };
+    } steps[] = {{STRSEL_PREVIOUS, "[0] to [999] of 2500", "[0]"}, // dimmed
+                 {STRSEL_NEXT, "[1000] to [1999] of 2500", "[1000]"},
+                 {STRSEL_NEXT, "[2000] to [2499] of 2500", "[2000]"},
+                 {STRSEL_NEXT, "[2000] to [2499] of 2500", "[2000]"}, // dimmed
+                 {STRSEL_PREVIOUS, "[1000] to [1999] of 2500", "[1000]"}};
     for (const auto &step : steps) {
         HL_CommitControl(PANEL_STRUCT_SELECTOR, step.button);
         EXPECT_EQ(textOf(PANEL_STRUCT_SELECTOR, STRSEL_COUNT), step.range);

@@ -105,27 +105,25 @@ TEST_F(Settings, LinesMeanWhatTheySay)
 {
     const struct {
         const char *line, *changed, *to;
-    } cases[] = {
-        {"r, F2803x\n", "AC166", "F2803x"},
-        {"r, F28335\n", "", ""},
-        {"r,F283xx\r\n", "AC166", "F283xx"},
-        {"  b ,  9600 , ignored \n", "19200", "9600"},
-        {"b, 9600 ; slow\n", "19200", "9600"},
-        {"b, 1, 2, 3\n", "", ""},
-        {"b, fast\n", "19200", "0"},
-        {"b, 9600\nb, 38400\n", "19200", "38400"},
-        {"b, 99999999999999999999\n", "19200", "2147483647"},
-        {"B, 9600\n", "", ""},
-        {"COM, win32\n", "WIN32", "NI"},
-        {"t, modbus\n", "", ""},
-        {"o-\no+\no-\n", "o+", "o-"},
-        {"s, 3\rp, 2\r", "p, 1\ns, 1", "p, 2\ns, 3"},
-        {"\xEF\xBB\xBFs, 3\n", "s, 1", "s, 3"},
-        {"s, 3", "s, 1", "s, 3"},
-        {"d0, missing.dbg\nm, missing.m66\nmt, missing.m28xt\n", "", ""},
-        {"d12, x\nd, \n;d1, x\n,\n,,\n", "", ""},
-        {"d1\nd2,\nd3, ; none\n", "", ""},
-    };
+    } cases[] = {{"r, F2803x\n", "AC166", "F2803x"},
+                 {"r, F28335\n", "", ""},
+                 {"r,F283xx\r\n", "AC166", "F283xx"},
+                 {"  b ,  9600 , ignored \n", "19200", "9600"},
+                 {"b, 9600 ; slow\n", "19200", "9600"},
+                 {"b, 1, 2, 3\n", "", ""},
+                 {"b, fast\n", "19200", "0"},
+                 {"b, 9600\nb, 38400\n", "19200", "38400"},
+                 {"b, 99999999999999999999\n", "19200", "2147483647"},
+                 {"B, 9600\n", "", ""},
+                 {"COM, win32\n", "WIN32", "NI"},
+                 {"t, modbus\n", "", ""},
+                 {"o-\no+\no-\n", "o+", "o-"},
+                 {"s, 3\rp, 2\r", "p, 1\ns, 1", "p, 2\ns, 3"},
+                 {"\xEF\xBB\xBFs, 3\n", "s, 1", "s, 3"},
+                 {"s, 3", "s, 1", "s, 3"},
+                 {"d0, missing.dbg\nm, missing.m66\nmt, missing.m28xt\n", "", ""},
+                 {"d12, x\nd, \n;d1, x\n,\n,,\n", "", ""},
+                 {"d1\nd2,\nd3, ; none\n", "", ""}};
     for (const auto &c : cases) {
         std::string expected = DEFAULTS;
         if (*c.changed != '\0')

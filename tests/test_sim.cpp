@@ -58,45 +58,25 @@ struct SimTest : testing::Test {
     }
 };
 
-const char READ_NOTHING[] = "\x02"
-                            "100001000000136E\x03";
-const char NOTHING[] = "\x06"
-                       "100056B7\x03";
-const char WRITTEN[] = "\x06"
-                       "1800E5AF\x03";
+const char READ_NOTHING[] = "\002100001000000136E\x03";
+const char NOTHING[] = "\006100056B7\x03";
+const char WRITTEN[] = "\0061800E5AF\x03";
 
 TEST_F(SimTest, AnswersEachKindOfRequest)
 {
     const struct {
         const char *request, *answer;
-    } cases[] = {
-        {"\x1A"
-         "18DEBC0A021234A5A5A5A5A5A5A5A5A5A5A5A5A5A5D9D1\x03",
-         WRITTEN},
-        {"\x02"
-         "10DEBC0A04008C70\x03",
-         "\x06"
-         "1004123400003855\x03"},
-        {"\x02"
-         "100001004100DDF4\x03",
-         "\x06"
-         "1041D697\x03"}, // 65 bytes wanted
-        {READ_NOTHING, NOTHING},
-        {"\x02"
-         "1400020034128364\x03",
-         "\x06"
-         "14023412A571\x03"},
-        {"\x02"
-         "190002003412A551\x03",
-         "\x06"
-         "19007D6A\x03"},
-    };
+    } cases[] = {{"\03218DEBC0A021234A5A5A5A5A5A5A5A5A5A5A5A5A5A5D9D1\x03", WRITTEN},
+                 {"\00210DEBC0A04008C70\x03", "\0061004123400003855\x03"},
+                 {"\002100001004100DDF4\x03", "\0061041D697\x03"}, // 65 bytes wanted
+                 {READ_NOTHING, NOTHING},
+                 {"\0021400020034128364\x03", "\00614023412A571\x03"},
+                 {"\002190002003412A551\x03", "\00619007D6A\x03"}};
     start({});
     for (const auto &c : cases)
         EXPECT_EQ(ask(c.request), c.answer) << c.request;
     SIM_SetErrorCode(target, 0, 255);
-    EXPECT_EQ(ask(READ_NOTHING).substr(0, 5), "\x06"
-                                              "10FF");
+    EXPECT_EQ(ask(READ_NOTHING).substr(0, 5), "\00610FF");
 }
 
 TEST_F(SimTest, FindsFramesAmongGarbageAndStaysSilentOtherwise)
@@ -105,14 +85,10 @@ TEST_F(SimTest, FindsFramesAmongGarbageAndStaysSilentOtherwise)
     options.stations = 0xFFFF & ~(1U << 5);
     start(options);
     const std::string silent = std::string("noise\x03\x06") +
-                               "\x02"
-                               "5000010001005151\x03" // station 5 is absent
-                               "\x02"
-                               "100001000000136F\x03" // wrong check value
-                               "\x02"
-                               "10000100000013" // cut short
-                               "\x02"
-                               "100001000000136e\x03"; // lower case
+                               "\0025000010001005151\x03"  // station 5 is absent
+                               "\002100001000000136F\x03"  // wrong check value
+                               "\00210000100000013"        // cut short
+                               "\002100001000000136e\x03"; // lower case
     EXPECT_EQ(ask(silent + READ_NOTHING), NOTHING);
     const SIM_Counters counters = SIM_GetCounters(target);
     EXPECT_EQ(counters.requests, 1U);
@@ -200,18 +176,12 @@ TEST_F(SimTest, ACorruptedAnswerDiffersInOneCharacter)
     EXPECT_EQ(differences, 1);
 }
 
-const char MAILBOX_ADDRESS[] = "\x1A"
-                               "1804C0030410040000A5A5A5A5A5A5A5A5A5A5A5A5B67E\x03";
-const char MAILBOX_READ[] = "\x1A"
-                            "1800C0030401000000A5A5A5A5A5A5A5A5A5A5A5A55BCA\x03";
-const char MAILBOX_PUT[] = "\x1A"
-                           "1808C0030478563412A5A5A5A5A5A5A5A5A5A5A5A50CC6\x03";
-const char MAILBOX_WRITE[] = "\x1A"
-                             "1800C0030402000000A5A5A5A5A5A5A5A5A5A5A5A56B8F\x03";
-const char MAILBOX_POLL[] = "\x02"
-                            "1000C00302005240\x03";
-const char MAILBOX_GET[] = "\x02"
-                           "1008C0030400419E\x03";
+const char MAILBOX_ADDRESS[] = "\0321804C0030410040000A5A5A5A5A5A5A5A5A5A5A5A5B67E\x03";
+const char MAILBOX_READ[] = "\0321800C0030401000000A5A5A5A5A5A5A5A5A5A5A5A55BCA\x03";
+const char MAILBOX_PUT[] = "\0321808C0030478563412A5A5A5A5A5A5A5A5A5A5A5A50CC6\x03";
+const char MAILBOX_WRITE[] = "\0321800C0030402000000A5A5A5A5A5A5A5A5A5A5A5A56B8F\x03";
+const char MAILBOX_POLL[] = "\0021000C00302005240\x03";
+const char MAILBOX_GET[] = "\0021008C0030400419E\x03";
 
 TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
 {
@@ -219,10 +189,8 @@ TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
     SIM_PokeTMS(target, 1, 0x410, 0xDEADBEEF);
     EXPECT_EQ(ask(MAILBOX_ADDRESS), WRITTEN);
     EXPECT_EQ(ask(MAILBOX_READ), WRITTEN);
-    EXPECT_EQ(ask(MAILBOX_POLL), "\x06"
-                                 "10020000CABD\x03");
-    EXPECT_EQ(ask(MAILBOX_GET), "\x06"
-                                "1004EFBEADDE2C97\x03");
+    EXPECT_EQ(ask(MAILBOX_POLL), "\00610020000CABD\x03");
+    EXPECT_EQ(ask(MAILBOX_GET), "\0061004EFBEADDE2C97\x03");
     EXPECT_EQ(ask(MAILBOX_PUT), WRITTEN);
     EXPECT_EQ(ask(MAILBOX_WRITE), WRITTEN);
     EXPECT_EQ(SIM_PeekTMS(target, 1, 0x410), 0x12345678U);
@@ -230,8 +198,7 @@ TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
     dead.mailbox = false;
     SIM_SetFaults(target, dead);
     EXPECT_EQ(ask(MAILBOX_READ), WRITTEN);
-    EXPECT_EQ(ask(MAILBOX_POLL), "\x06"
-                                 "100201005278\x03"); // stays busy
+    EXPECT_EQ(ask(MAILBOX_POLL), "\006100201005278\x03"); // stays busy
 }
 
 // Address of a public symbol in the example map, so that map and target stay together.

@@ -33,29 +33,27 @@ TEST_F(SysAddr, AddressTexts)
         const char *text;
         uint32_t address;
         int station;
-    } cases[] = {
-        {"$1F00 ", 0x1F00, -1},
-        {"0x12G4", ADDR_NONE, -1},
-        {"0X12ab", 0x12AB, -1},
-        {"0x", ADDR_NONE, -1},
-        {"0x0x10", ADDR_NONE, -1},
-        {"0100", ADDR_NONE, -1},
-        {"0xFFFFFF", 0xFFFFFF, -1},
-        {"0x1000000", ADDR_NONE, -1},
-        {"0x112345678", ADDR_NONE, -1},
-        {"7:0x100", 0x100, 7},
-        {" 12 : Motor", 0x8000, 12},
-        {":Motor", 0x8000, 0},
-        {"7 0x100", ADDR_NONE, -1},
-        {"Motor", 0x8000, -1},
-        {"Motor + 4", 0x8004, -1},
-        {"DPP0", 0xFE00, -1},
-        {"&speed", 0x400, -1},
-        {"&Motor", ADDR_NONE, -1},
-        {"TooHigh", ADDR_NONE, -1},
-        {"", ADDR_NONE, -1},
-        {"99999999999999999999:Motor", 0x8000, INT32_MAX},
-    };
+    } cases[] = {{"$1F00 ", 0x1F00, -1},
+                 {"0x12G4", ADDR_NONE, -1},
+                 {"0X12ab", 0x12AB, -1},
+                 {"0x", ADDR_NONE, -1},
+                 {"0x0x10", ADDR_NONE, -1},
+                 {"0100", ADDR_NONE, -1},
+                 {"0xFFFFFF", 0xFFFFFF, -1},
+                 {"0x1000000", ADDR_NONE, -1},
+                 {"0x112345678", ADDR_NONE, -1},
+                 {"7:0x100", 0x100, 7},
+                 {" 12 : Motor", 0x8000, 12},
+                 {":Motor", 0x8000, 0},
+                 {"7 0x100", ADDR_NONE, -1},
+                 {"Motor", 0x8000, -1},
+                 {"Motor + 4", 0x8004, -1},
+                 {"DPP0", 0xFE00, -1},
+                 {"&speed", 0x400, -1},
+                 {"&Motor", ADDR_NONE, -1},
+                 {"TooHigh", ADDR_NONE, -1},
+                 {"", ADDR_NONE, -1},
+                 {"99999999999999999999:Motor", 0x8000, INT32_MAX}};
     for (const auto &c : cases) {
         int station = -7;
         EXPECT_EQ(GetSysAddrM(c.text, &station), c.address) << c.text;
@@ -190,12 +188,10 @@ TEST_F(SysAddr, ItemsReadTheirStationAndSize)
     const struct {
         const char *line;
         uint32_t low, high;
-    } cases[] = {
-        {"3:Far, u1", 0x11, 0},
-        {"3:Far, u2", 0x2211, 0},
-        {"3:Far, u4", 0x44332211, 0},
-        {"3:Far, u8", 0x44332211, 0x88776655},
-    };
+    } cases[] = {{"3:Far, u1", 0x11, 0},
+                 {"3:Far, u2", 0x2211, 0},
+                 {"3:Far, u4", 0x44332211, 0},
+                 {"3:Far, u8", 0x44332211, 0x88776655}};
     for (int i = 0; i < 4; ++i) {
         addItem(cases[i].line);
         ASSERT_EQ(readValues(i), 0) << cases[i].line;

@@ -45,15 +45,13 @@ TEST_F(TextFiles, EveryLineEndEndsALine)
     const struct {
         std::string content;
         Lines lines;
-    } cases[] = {
-        {"a\r\nb\n\rc", {"a", "b", "c"}},
-        {"a\r\rb\n\nc\n", {"a", "", "b", "", "c"}},
-        {"\r\n\r\n", {"", ""}},
-        {"", {}},
-        {"last", {"last"}},
-        {std::string("ab\0cd\nef\n\0\ngh", 13), {"ab", "ef", "", "gh"}},
-        {std::string("\0\0\0", 3), {}},
-    };
+    } cases[] = {{"a\r\nb\n\rc", {"a", "b", "c"}},
+                 {"a\r\rb\n\nc\n", {"a", "", "b", "", "c"}},
+                 {"\r\n\r\n", {"", ""}},
+                 {"", {}},
+                 {"last", {"last"}},
+                 {std::string("ab\0cd\nef\n\0\ngh", 13), {"ab", "ef", "", "gh"}},
+                 {std::string("\0\0\0", 3), {}}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.content));
         write(c.content);
@@ -190,10 +188,8 @@ TEST_F(TextFiles, SavingSeparatesLinesAndComesBackTheSame)
     const struct {
         Lines lines;
         const char *saved;
-    } cases[] = {
-        {{"a", "b"}, "a\r\nb"}, {{"a", ""}, "a\r\n"}, {{"a", "", "b"}, "a\r\n\r\nb"},
-        {{"", "b"}, "\r\nb"},   {{""}, ""},           {{}, ""},
-    };
+    } cases[] = {{{"a", "b"}, "a\r\nb"}, {{"a", ""}, "a\r\n"}, {{"a", "", "b"}, "a\r\n\r\nb"},
+                 {{"", "b"}, "\r\nb"},   {{""}, ""},           {{}, ""}};
     for (const auto &c : cases) {
         const int handle = TXFRW_Create(path.c_str(), "w", "", 0);
         for (const std::string &line : c.lines)

@@ -21,19 +21,16 @@ std::string Header(const std::string &type, int count)
 TEST_F(Transfer, SavedArraysLoadBack)
 {
     const struct {
-        const char *type;
-        const char *upper;
+        const char *type, *upper;
         std::vector<uint8_t> bytes;
         const char *lines;
-    } cases[] = {
-        {"i1", "I1", {0x80, 0x7F, 0xFF, 0x00}, "-128\n127\n-1\n0\n"},
-        {"u1", "U1", {0x80, 0x7F, 0xFF, 0x00}, "128\n127\n255\n0\n"},
-        {"i2", "I2", {0x00, 0x80, 0xFF, 0x7F}, "-32768\n32767\n"},
-        {"u2", "U2", {0x00, 0x80, 0xFF, 0xFF}, "32768\n65535\n"},
-        {"i4", "I4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0x7F}, "-2147483648\n2147483647\n"},
-        {"u4", "U4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "2147483648\n4294967295\n"},
-        {"F4", "F4", {0, 0, 0x80, 0x3F, 0, 0, 0x20, 0xC1}, "1\n-10\n"},
-    };
+    } cases[] = {{"i1", "I1", {0x80, 0x7F, 0xFF, 0x00}, "-128\n127\n-1\n0\n"},
+                 {"u1", "U1", {0x80, 0x7F, 0xFF, 0x00}, "128\n127\n255\n0\n"},
+                 {"i2", "I2", {0x00, 0x80, 0xFF, 0x7F}, "-32768\n32767\n"},
+                 {"u2", "U2", {0x00, 0x80, 0xFF, 0xFF}, "32768\n65535\n"},
+                 {"i4", "I4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0x7F}, "-2147483648\n2147483647\n"},
+                 {"u4", "U4", {0, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0xFF}, "2147483648\n4294967295\n"},
+                 {"F4", "F4", {0, 0, 0x80, 0x3F, 0, 0, 0x20, 0xC1}, "1\n-10\n"}};
     for (const auto &c : cases) {
         const int count = static_cast<int>(std::count(c.lines, c.lines + strlen(c.lines), '\n'));
         const std::string arguments =
@@ -72,14 +69,11 @@ TEST_F(Transfer, HexLinesEndAtMultiplesOf16)
 {
     Poke(0x1008, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10});
     const struct {
-        const char *arguments;
-        const char *text;
-    } cases[] = {
-        {"1008H, 16", "001008 0102030405060708\r\n001010 090A000000000000"},
-        {"1000H, 16", "001000 00000000000000000102030405060708\r\n"},
-        {"100FH, 2", "00100F 08\r\n001010 09"},
-        {"1000H, 0", ""},
-    };
+        const char *arguments, *text;
+    } cases[] = {{"1008H, 16", "001008 0102030405060708\r\n001010 090A000000000000"},
+                 {"1000H, 16", "001000 00000000000000000102030405060708\r\n"},
+                 {"100FH, 2", "00100F 08\r\n001010 09"},
+                 {"1000H, 0", ""}};
     for (const auto &c : cases) {
         Run(std::string("xsave ") + c.arguments + ", x.txt");
         EXPECT_EQ(ReadFile("x.txt"), c.text) << c.arguments;
@@ -133,8 +127,7 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
          "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
         {"loadcsvn 9000H, i1, 4, 2", "99999999999\n",
          "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
-        {"loadcsvn 9000H, i1, 4, 2", "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."},
-    };
+        {"loadcsvn 9000H, i1, 4, 2", "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."}};
     for (const auto &c : cases) {
         WriteFile("f", c.text);
         const std::string shown = Run(std::string(c.command) + ", f");
@@ -171,9 +164,7 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
             return lines;
         }());
     const struct {
-        const char *command;
-        const char *linkMessage;
-        const char *cancelMessage;
+        const char *command, *linkMessage, *cancelMessage;
     } cases[] = {
         {"save 8000H, u1, 4096, f", "Save: chyba v komunikaci", "Save: preruseno uzivatelem."},
         {"dump 8000H, u1, 4096", "Save: chyba v komunikaci", "Dump: preruseno uzivatelem."},
@@ -183,8 +174,7 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
         {"binload 8000H, 4096, in.bin", "BinLoad: communication failure.",
          "BinLoad: cancelled by the user."},
         {"load 8000H, u1, 1000, in.txt", "Load: chyba pri zapisu dat do systemu.",
-         "Load: preruseno uzivatelem."},
-    };
+         "Load: preruseno uzivatelem."}};
     WriteFile("f", "old");
     for (const auto &c : cases) {
         SIM_Options dying;
@@ -209,14 +199,11 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
 TEST_F(Transfer, FullDisk)
 {
     const struct {
-        const char *command;
-        const char *message;
-    } cases[] = {
-        {"save 8000H, u1, 64, f", "ERROR - Save: chyba pri zapisu do souboru f."},
-        {"binsave 8000H, 4096, f", "ERROR - BinSave: file write failure."},
-        {"xsave 8000H, 64, f", "ERROR - XSave: file write failure."},
-        {"si 8000, f, 20", "Could not write f"},
-    };
+        const char *command, *message;
+    } cases[] = {{"save 8000H, u1, 64, f", "ERROR - Save: chyba pri zapisu do souboru f."},
+                 {"binsave 8000H, 4096, f", "ERROR - BinSave: file write failure."},
+                 {"xsave 8000H, 64, f", "ERROR - XSave: file write failure."},
+                 {"si 8000, f, 20", "Could not write f"}};
     WriteFile("f", "old");
     // Files stop growing as on a full disk.
     rlimit unlimited;
@@ -247,14 +234,11 @@ TEST_F(Transfer, FailedWriteSaysSo)
 TEST_F(Transfer, NumberFilesThatAreNone)
 {
     const struct {
-        const char *text;
-        const char *shown;
-    } cases[] = {
-        {"int\n5\n\n7\n", "\nLoad ...\n"}, // the first line without a number ends it
-        {"int\n5\n3000000000\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
-        {"float\n1.5\nabc\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
-        {"float\n1e99\n", "\nLoad ...\nLine 2 of the file is not a value.\n"},
-    };
+        const char *text, *shown;
+    } cases[] = {{"int\n5\n\n7\n", "\nLoad ...\n"}, // the first line without a number ends it
+                 {"int\n5\n3000000000\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
+                 {"float\n1.5\nabc\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
+                 {"float\n1e99\n", "\nLoad ...\nLine 2 of the file is not a value.\n"}};
     for (const auto &c : cases) {
         WriteFile("f", c.text);
         EXPECT_EQ(Run("l 8100, f"), c.shown) << c.text;

@@ -89,27 +89,25 @@ TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
         const char *from;
         std::string to;
         int result;
-    } cases[] = {
-        {"## 9 VARS", "## 0 VARS", -1},
-        {"## 9 VARS", "## 09 VARS", -1},
-        {"## 9 VARS", "## 999999999 VARS", -1}, // a count that lies costs no memory
-        {"## 9 VARS", "##9VARS", 0},
-        {"## 2 TYPES", "## 2TYPES", -1},
-        {"## 4 STRUCTS", "## 5 STRUCTS", -1},
-        {"# 1 / 2:", "# 77 / 2:", 0},
-        {"# 1 / 2:", "# 1 / 3:", -1},
-        {"# 1 / 2:", "# 1 / 2: x", -1},
-        {"'pair'", "''", -1},
-        {"'pair'", "'2pair'", -1},
-        {"'pair'", "'" + name51 + "'", 0},
-        {"'pair'", "'" + name51 + "n'", -1},
-        {"_@0x242  \n", "_@0x242 x\n", -1},
-        {"_@0x242  \n", "_@0x242 _@0x1\n", -1},
-        {"_@0x242  \n", "_@242\n", -1},
-        {"2: 'pair'", "'pair'", -1},
-        {"3: 'grid'", "\n3: 'grid'", -1},
-        {" 'w' _@0x142", " 1: 'w' _@0x142", -1},
-    };
+    } cases[] = {{"## 9 VARS", "## 0 VARS", -1},
+                 {"## 9 VARS", "## 09 VARS", -1},
+                 {"## 9 VARS", "## 999999999 VARS", -1}, // a count that lies costs no memory
+                 {"## 9 VARS", "##9VARS", 0},
+                 {"## 2 TYPES", "## 2TYPES", -1},
+                 {"## 4 STRUCTS", "## 5 STRUCTS", -1},
+                 {"# 1 / 2:", "# 77 / 2:", 0},
+                 {"# 1 / 2:", "# 1 / 3:", -1},
+                 {"# 1 / 2:", "# 1 / 2: x", -1},
+                 {"'pair'", "''", -1},
+                 {"'pair'", "'2pair'", -1},
+                 {"'pair'", "'" + name51 + "'", 0},
+                 {"'pair'", "'" + name51 + "n'", -1},
+                 {"_@0x242  \n", "_@0x242 x\n", -1},
+                 {"_@0x242  \n", "_@0x242 _@0x1\n", -1},
+                 {"_@0x242  \n", "_@242\n", -1},
+                 {"2: 'pair'", "'pair'", -1},
+                 {"3: 'grid'", "\n3: 'grid'", -1},
+                 {" 'w' _@0x142", " 1: 'w' _@0x142", -1}};
     for (const auto &row : cases) {
         EXPECT_EQ(row.result, Load(With(row.from, row.to))) << row.from << " -> " << row.to;
         EXPECT_EQ(row.result == 0 ? 9 : 0, TMF_cnDefVars) << row.to;
@@ -204,8 +202,7 @@ TEST_F(TypeMaps, ComputesSizesAndAlignments)
         {CPU_C167, {0x38000005}, -1, 0, 0, 0, 1},
         {CPU_C167, {0x38000000}, -1, 0, 0, 0, 1},
         {CPU_C167, {0x27FFFFFF, 0x20000004, 0x442}, -1, 0, 0, 0, 1}, // larger than any memory
-        {CPU_C167, {0}, -1, 0, 0, 0, 1},
-    };
+        {CPU_C167, {0}, -1, 0, 0, 0, 1}};
     for (const auto &row : cases) {
         std::vector<uint32_t> chain = row.chain;
         chain.push_back(0);
@@ -276,37 +273,35 @@ TEST_F(TypeMaps, ResolvesMembersAndIndexes)
     const struct {
         const char *text;
         uint32_t address;
-    } cases[] = {
-        {"speed[3]", 0x1006},
-        {"speed[4]", NONE},
-        {"speed[0x2] + 4", 0x1008},
-        {"speed[-1]", NONE},
-        {"speed[]", NONE},
-        {"speed[4294967297]", NONE},
-        {"speed.x", NONE},
-        {"pair.w", 0x1002},
-        {"3:&pair.w-2", 0x1000},
-        {"pair . w", 0x1002},
-        {"pair.W", NONE},
-        {"pair.w.x", NONE},
-        {"pair[0]", NONE},
-        {"_grid[1][2]", 0x1014},
-        {"_grid[1]", 0x100C},
-        {"_grid[1][3]", NONE},
-        {"deep.items[2].w", 0x100C},
-        {"deep.items [ 1 ].b", 0x1006},
-        {"deep.items.b", NONE},
-        {"deep.u.part[5]", 0x1013},
-        {"deep.u.all", 0x100E},
-        {"loop", 0x1000},
-        {"loop.self", NONE},
-        {"row[0]", NONE}, // what a pointer points to is not known here
-        {"ptrs[1]", 0x1002},
-        {"ptrs[1].w", NONE},
-        {"plain", 0x1000},
-        {"plain.x", NONE},
-        {"plain[0]", NONE},
-    };
+    } cases[] = {{"speed[3]", 0x1006},
+                 {"speed[4]", NONE},
+                 {"speed[0x2] + 4", 0x1008},
+                 {"speed[-1]", NONE},
+                 {"speed[]", NONE},
+                 {"speed[4294967297]", NONE},
+                 {"speed.x", NONE},
+                 {"pair.w", 0x1002},
+                 {"3:&pair.w-2", 0x1000},
+                 {"pair . w", 0x1002},
+                 {"pair.W", NONE},
+                 {"pair.w.x", NONE},
+                 {"pair[0]", NONE},
+                 {"_grid[1][2]", 0x1014},
+                 {"_grid[1]", 0x100C},
+                 {"_grid[1][3]", NONE},
+                 {"deep.items[2].w", 0x100C},
+                 {"deep.items [ 1 ].b", 0x1006},
+                 {"deep.items.b", NONE},
+                 {"deep.u.part[5]", 0x1013},
+                 {"deep.u.all", 0x100E},
+                 {"loop", 0x1000},
+                 {"loop.self", NONE},
+                 {"row[0]", NONE}, // what a pointer points to is not known here
+                 {"ptrs[1]", 0x1002},
+                 {"ptrs[1].w", NONE},
+                 {"plain", 0x1000},
+                 {"plain.x", NONE},
+                 {"plain[0]", NONE}};
     for (const auto &row : cases)
         EXPECT_EQ(row.address, inStruct(row.text, aVarNode, nNodes)) << row.text;
     uint32_t chain[TMF_CHAIN_SIZE];
@@ -325,14 +320,12 @@ TEST_F(TypeMaps, DeclaresTypesAndSuggestsWatchItems)
         const char *name, *declaration;
         char type; // 0: none
         int size;
-    } cases[] = {
-        {"speed", "int16_t speed[4]", 'i', 2}, {"pair", "PAIR pair", 0, 0},
-        {"pair.b", "uint8_t pair.b", 'u', 1},  {"grid", "uint32_t grid[2][3]", 'u', 4},
-        {"deep", "struct #2 deep", 0, 0},      {"deep.u", "union #3 deep.u", 0, 0},
-        {"pfn", "void (*pfn)()", 'x', 2},      {"code", "void code()", 0, 0},
-        {"row", "float (*row)[8]", 'x', 2},    {"ptrs", "PAIR *ptrs[2]", 'x', 2},
-        {"ptrs[0]", "PAIR *ptrs[0]", 'x', 2},
-    };
+    } cases[] = {{"speed", "int16_t speed[4]", 'i', 2}, {"pair", "PAIR pair", 0, 0},
+                 {"pair.b", "uint8_t pair.b", 'u', 1},  {"grid", "uint32_t grid[2][3]", 'u', 4},
+                 {"deep", "struct #2 deep", 0, 0},      {"deep.u", "union #3 deep.u", 0, 0},
+                 {"pfn", "void (*pfn)()", 'x', 2},      {"code", "void code()", 0, 0},
+                 {"row", "float (*row)[8]", 'x', 2},    {"ptrs", "PAIR *ptrs[2]", 'x', 2},
+                 {"ptrs[0]", "PAIR *ptrs[0]", 'x', 2}};
     for (const auto &row : cases) {
         uint32_t chain[TMF_CHAIN_SIZE], offset = 0;
         char type = 0;

@@ -105,21 +105,19 @@ TEST_F(LinkTest, TriesReasonsAndStatistics)
         SIM_Options faults;
         int code;
         const char *reason;
-    } cases[] = {
-        {[] {
-             SIM_Options o;
-             o.silentAfter = 0;
-             return o;
-         }(),
-         0, "no answer"},
-        {[] {
-             SIM_Options o;
-             o.stations = 0;
-             return o;
-         }(),
-         0, "no answer"},
-        {SIM_Options(), 66, "target error code 66"},
-    };
+    } cases[] = {{[] {
+                      SIM_Options o;
+                      o.silentAfter = 0;
+                      return o;
+                  }(),
+                  0, "no answer"},
+                 {[] {
+                      SIM_Options o;
+                      o.stations = 0;
+                      return o;
+                  }(),
+                  0, "no answer"},
+                 {SIM_Options(), 66, "target error code 66"}};
     for (const auto &item : cases) {
         SIM_SetFaults(target, item.faults);
         SIM_SetErrorCode(target, 0, item.code);

@@ -98,17 +98,15 @@ TEST_F(VarNodes, ResolvesExpressions)
     const struct {
         const char *text;
         uint32_t address;
-    } cases[] = {
-        {"speed", 0x1000},       {"&speed + 0x10", 0x1010}, {"speed-4", 0xFFC},
-        {"speed + 10H", 0x1010}, {"speed + - 4", NONE},     {"speed+ 12 ", 0x100C},
-        {"3:speed", 0x1000},     {" 12 : & speed", 0x1000}, {"&3:speed", 0x1000},
-        {":speed", 0x1000},      {"16:speed", NONE},        {"_speed?x", 0x2000},
-        {"0x1F00", 0x1F00},      {"&0X1f00", 0x1F00},       {"0FA00H", 0xFA00},
-        {"1:9ah", 0x9A},         {"FA00H", NONE},           {"Speed", NONE},
-        {"speed.x", NONE},       {"speed [1]", NONE},       {"speed->x", NONE},
-        {"speed + 1F", NONE},    {"speed+", NONE},          {"", NONE},
-        {"0x100000010", NONE},   {"0100000010H", NONE},     {"speed + 4294967312", NONE},
-    };
+    } cases[] = {{"speed", 0x1000},       {"&speed + 0x10", 0x1010}, {"speed-4", 0xFFC},
+                 {"speed + 10H", 0x1010}, {"speed + - 4", NONE},     {"speed+ 12 ", 0x100C},
+                 {"3:speed", 0x1000},     {" 12 : & speed", 0x1000}, {"&3:speed", 0x1000},
+                 {":speed", 0x1000},      {"16:speed", NONE},        {"_speed?x", 0x2000},
+                 {"0x1F00", 0x1F00},      {"&0X1f00", 0x1F00},       {"0FA00H", 0xFA00},
+                 {"1:9ah", 0x9A},         {"FA00H", NONE},           {"Speed", NONE},
+                 {"speed.x", NONE},       {"speed [1]", NONE},       {"speed->x", NONE},
+                 {"speed + 1F", NONE},    {"speed+", NONE},          {"", NONE},
+                 {"0x100000010", NONE},   {"0100000010H", NONE},     {"speed + 4294967312", NONE}};
     for (const auto &row : cases)
         EXPECT_EQ(row.address, inStruct(row.text, aVarNode, nNodes)) << row.text;
     EXPECT_EQ(NONE, inStruct(std::string(5000, 's').c_str(), aVarNode, nNodes));

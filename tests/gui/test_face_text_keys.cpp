@@ -110,8 +110,7 @@ TEST_F(FaceTest, TranslatesKeys)
         {Qt::Key_Backtab, Qt::ShiftModifier, "", KEY_SHIFT | KEY_TAB},
         {Qt::Key_Up, Qt::ShiftModifier, "", KEY_SHIFT | KEY_UP},
         {Qt::Key_Shift, Qt::ShiftModifier, "", 0},
-        {Qt::Key_Aacute, Qt::NoModifier, "\xC3\xA1", 0},
-    };
+        {Qt::Key_Aacute, Qt::NoModifier, "\xC3\xA1", 0}};
     for (const auto &row : rows)
         EXPECT_EQ(FACE_KeyCode(row.qtKey, row.modifiers, row.text), row.code) << row.qtKey;
 }
