@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 
 #include "app/VR.h"
 #include "comm/mr166_link.h"
@@ -12,6 +10,8 @@
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
 #include "sim/sim.h"
+#include "support/scratch.h"
+#include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/litem.h"
@@ -23,11 +23,6 @@ class App : public testing::Test {
 protected:
     void SetUp() override
     {
-        home = std::filesystem::current_path();
-        folder =
-            std::filesystem::temp_directory_path() / ("vireo2-app-" + std::to_string(PLT_TickUs()));
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder);
         Forget();
     }
     void TearDown() override
@@ -35,8 +30,6 @@ protected:
         VIR2_StopPeriodicASC();
         unsetenv("VIREO2_COM1");
         Forget();
-        std::filesystem::current_path(home);
-        std::filesystem::remove_all(folder);
     }
     static void Forget()
     {
@@ -62,35 +55,11 @@ protected:
         argv.push_back(nullptr);
         return VR_StartUp(static_cast<int>(argv.size()) - 1, argv.data());
     }
-    static std::string Text(int control)
-    {
-        std::string text;
-        EXPECT_EQ(0, GetCtrlVal(mainPanel, control, &text));
-        return text;
-    }
-    static int Value(int control)
-    {
-        int value = -1;
-        EXPECT_EQ(0, GetCtrlVal(mainPanel, control, &value));
-        return value;
-    }
-    static int Panel(int panel, int attribute)
-    {
-        int value = -1;
-        EXPECT_EQ(0, GetPanelAttribute(panel, attribute, &value));
-        return value;
-    }
-    static int Item(int item, int attribute)
-    {
-        int value = -1;
-        EXPECT_EQ(0, GetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, attribute, &value));
-        return value;
-    }
     static std::vector<int> Checked(int menu)
     {
         std::vector<int> items;
         for (const int item : HL_GetMenuItems(menu))
-            if (Item(item, ATTR_CHECKED) != 0)
+            if (UiItemAttribute(item, ATTR_CHECKED) != 0)
                 items.push_back(item);
         return items;
     }
@@ -101,7 +70,7 @@ protected:
         ASSERT_TRUE(*target) << error;
         setenv("VIREO2_COM1", SIM_DevicePath(*target), 1);
     }
-    std::filesystem::path home, folder;
+    const ScratchFolder folder{true};
 };
 
 TEST_F(App, CommandLine)
@@ -138,25 +107,25 @@ TEST_F(App, StartShowsConsoleViewWithCommunicationOff)
     ASSERT_EQ(0, Start({"-2", "-s3"}));
     EXPECT_EQ("CPU = AC166; prot = COM166; st = 3; com = 2, brate = 19200; auto-off; Win32Com; \n"
               "Map not opened.",
-              Text(MAIN_STATE));
-    EXPECT_EQ(1, Panel(mainPanel, ATTR_VISIBLE));
-    EXPECT_EQ(1, Panel(consolePanel, ATTR_VISIBLE));
-    EXPECT_EQ(0, Panel(PANEL_CONFIG, ATTR_VISIBLE));
-    EXPECT_EQ(0, Panel(mainPanel, ATTR_SIZABLE));
-    EXPECT_EQ(0, Value(MAIN_COMM));
-    EXPECT_EQ(1, Value(MAIN_STOPPED));
+              UiText(mainPanel, MAIN_STATE));
+    EXPECT_EQ(1, UiPanelAttribute(mainPanel, ATTR_VISIBLE));
+    EXPECT_EQ(1, UiPanelAttribute(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_SIZABLE));
+    EXPECT_EQ(0, UiValue(mainPanel, MAIN_COMM));
+    EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
     EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
     for (const int item : {ITEM_RELOAD_MAP, ITEM_CLOSE_PORT})
-        EXPECT_EQ(1, Item(item, ATTR_DIMMED)) << item;
-    EXPECT_EQ(0, Item(ITEM_CONNECT, ATTR_DIMMED));
+        EXPECT_EQ(1, UiItemAttribute(item, ATTR_DIMMED)) << item;
+    EXPECT_EQ(0, UiItemAttribute(ITEM_CONNECT, ATTR_DIMMED));
     EXPECT_TRUE(HL_GetPopups().empty());
 }
 
 TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
 {
     ASSERT_EQ(0, Start({"-C"}));
-    EXPECT_EQ(0, Panel(mainPanel, ATTR_VISIBLE));
-    EXPECT_EQ(1, Panel(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_VISIBLE));
+    EXPECT_EQ(1, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
     HL_ClosePanel(PANEL_CONFIG);
     EXPECT_TRUE(HL_IsQuit());
     EXPECT_TRUE(std::filesystem::exists("Vireo2Config.ini"));
@@ -167,7 +136,7 @@ TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
     DisplayPanel(PANEL_CONFIG);
     HL_ClosePanel(PANEL_CONFIG);
     EXPECT_FALSE(HL_IsQuit());
-    EXPECT_EQ(0, Panel(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
 }
 
 TEST_F(App, StateLineNamesEverySetting)
@@ -179,7 +148,7 @@ TEST_F(App, StateLineNamesEverySetting)
     openStruct = 9;
     SetMainPanelStateLine();
     EXPECT_EQ("CPU = ???; prot = ???; st = 1; com = 1, brate = 19200; NI_Com; \nMap ???",
-              Text(MAIN_STATE));
+              UiText(mainPanel, MAIN_STATE));
     const struct {
         int state, file, memory;
         const char *text;
@@ -189,9 +158,11 @@ TEST_F(App, StateLineNamesEverySetting)
     for (const auto &map : maps) {
         openStruct = map.state;
         SetMainPanelStateLine();
-        EXPECT_EQ(map.text, Text(MAIN_STATE).substr(Text(MAIN_STATE).find('\n') + 1));
-        EXPECT_EQ(map.file, Value(MAIN_LED_MAPFILE));
-        EXPECT_EQ(map.memory, Value(MAIN_LED_MAPMEM));
+        EXPECT_EQ(
+            map.text,
+            UiText(mainPanel, MAIN_STATE).substr(UiText(mainPanel, MAIN_STATE).find('\n') + 1));
+        EXPECT_EQ(map.file, UiValue(mainPanel, MAIN_LED_MAPFILE));
+        EXPECT_EQ(map.memory, UiValue(mainPanel, MAIN_LED_MAPMEM));
     }
     std::string title;
     szDebugFileName = "w.dbg";
@@ -228,7 +199,7 @@ TEST_F(App, OptionsMenusCheckExactlyWhatIsSet)
     EXPECT_EQ(PROTOCOL_MODBUS, VR_nProtocol);
     EXPECT_EQ(std::vector<int>{ITEM_MODBUS}, Checked(MENU_PROTOCOL));
     HL_ClickMenu(ITEM_AUTO_OFF);
-    EXPECT_EQ(0, Item(ITEM_AUTO_OFF, ATTR_CHECKED));
+    EXPECT_EQ(0, UiItemAttribute(ITEM_AUTO_OFF, ATTR_CHECKED));
     HL_ClickMenu(ITEM_COM_WIN32);
     EXPECT_EQ(0, Option_ComWin32);
     EXPECT_EQ(0u, HL_GetPopups().back().find("(!) Warning: Use of NI COM services"));
@@ -271,7 +242,7 @@ TEST_F(App, RecentFilesMoveToTheHead)
             EXPECT_EQ("__" + std::to_string(found) + " " + szaDebugFileNames[at],
                       HL_GetMenuText(item));
             EXPECT_EQ(KEY_CTRL | ('0' + found), HL_GetShortcut(item));
-            EXPECT_EQ(found == 1, Item(item, ATTR_CHECKED) == 1);
+            EXPECT_EQ(found == 1, UiItemAttribute(item, ATTR_CHECKED) == 1);
         }
     EXPECT_EQ(9, found);
     EXPECT_EQ("f9", szaDebugFileNames[0]);
@@ -286,8 +257,8 @@ TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
     EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(port is not available)",
               HL_GetPopups()[0]);
     EXPECT_EQ(0, isTimer);
-    EXPECT_EQ(0, Value(MAIN_COMM));
-    EXPECT_EQ(1, Value(MAIN_STOPPED));
+    EXPECT_EQ(0, UiValue(mainPanel, MAIN_COMM));
+    EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
     EXPECT_EQ(-38, Check_ASC_Open(-38));
     EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(bad com number)", HL_GetPopups().back());
     EXPECT_EQ(-22, Check_ASC_Open(-22));
@@ -305,18 +276,18 @@ TEST_F(App, CommunicationGoesOnAndOffAndReopens)
     HL_PushAnswer(1);
     VR_ComRequest();
     EXPECT_EQ(1, isTimer);
-    EXPECT_EQ(1, Value(MAIN_COMM));
-    EXPECT_EQ(0, Value(MAIN_STOPPED));
-    EXPECT_EQ(1, Item(ITEM_CONNECT, ATTR_CHECKED));
-    EXPECT_EQ(0, Item(ITEM_CLOSE_PORT, ATTR_DIMMED));
+    EXPECT_EQ(1, UiValue(mainPanel, MAIN_COMM));
+    EXPECT_EQ(0, UiValue(mainPanel, MAIN_STOPPED));
+    EXPECT_EQ(1, UiItemAttribute(ITEM_CONNECT, ATTR_CHECKED));
+    EXPECT_EQ(0, UiItemAttribute(ITEM_CLOSE_PORT, ATTR_DIMMED));
     EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
 
     HL_ClickMenu(ITEM_BAUD_LAST);
     EXPECT_EQ(1, UCM_IsOpened());
     EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
     HL_ClickMenu(ITEM_CLOSE_PORT);
-    EXPECT_EQ(0, UCM_IsOpened() + isTimer + Value(MAIN_COMM));
-    EXPECT_EQ(1, Item(ITEM_CLOSE_PORT, ATTR_DIMMED));
+    EXPECT_EQ(0, UCM_IsOpened() + isTimer + UiValue(mainPanel, MAIN_COMM));
+    EXPECT_EQ(1, UiItemAttribute(ITEM_CLOSE_PORT, ATTR_DIMMED));
 
     HL_Key(PANEL_MAIN, 0, KEY_F1 + 8);
     EXPECT_EQ(1, isTimer);
@@ -338,29 +309,31 @@ TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
     SIM_Target *target = nullptr;
     Connect(&target);
     ASSERT_EQ(0, Start());
-    std::ofstream("w.dbg") << "[8000], u2\n";
+    WriteFileText("w.dbg", "[8000], u2\n");
     ASSERT_GE(dat2litems("w.dbg"), 0);
     for (const bool isWin32 : {true, false}) {
         Option_ComWin32 = isWin32;
         HL_Toggle(PANEL_MAIN, MAIN_COMM);
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
-        EXPECT_EQ("RUN", Text(MAIN_STATUS));
+        EXPECT_EQ("RUN", UiText(mainPanel, MAIN_STATUS));
         EXPECT_EQ(isWin32, MR166_isWin32 != 0);
         SIM_Stop(target);
         EXPECT_TRUE(UCM_IsGone());
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
-        EXPECT_EQ("Communication switched off: [0x8000]: port is gone", Text(MAIN_MESSAGE));
-        EXPECT_EQ(0, isTimer + UCM_IsOpened() + Value(MAIN_COMM));
+        EXPECT_EQ("Communication switched off: [0x8000]: port is gone",
+                  UiText(mainPanel, MAIN_MESSAGE));
+        EXPECT_EQ(0, isTimer + UCM_IsOpened() + UiValue(mainPanel, MAIN_COMM));
         HL_Toggle(PANEL_MAIN, MAIN_COMM);
-        EXPECT_EQ(0, isTimer + UCM_IsOpened() + Value(MAIN_COMM)) << "it is not back yet";
-        EXPECT_EQ(1, Value(MAIN_STOPPED));
+        EXPECT_EQ(0, isTimer + UCM_IsOpened() + UiValue(mainPanel, MAIN_COMM))
+            << "it is not back yet";
+        EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
         Connect(&target);
         HL_Toggle(PANEL_MAIN, MAIN_COMM);
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
-        EXPECT_EQ("RUN", Text(MAIN_STATUS));
-        EXPECT_EQ("", Text(MAIN_MESSAGE));
+        EXPECT_EQ("RUN", UiText(mainPanel, MAIN_STATUS));
+        EXPECT_EQ("", UiText(mainPanel, MAIN_MESSAGE));
         HL_ClickMenu(ITEM_CLOSE_PORT);
-        EXPECT_EQ("", Text(MAIN_STATUS));
+        EXPECT_EQ("", UiText(mainPanel, MAIN_STATUS));
     }
     SIM_Stop(target);
 }
@@ -375,7 +348,7 @@ TEST_F(App, DriverChosenWhileModbusIsInUseIsTheOneThatOpens)
     HL_ClickMenu(ITEM_COM_WIN32);
     HL_ClickMenu(ITEM_MR166);
     HL_Toggle(PANEL_MAIN, MAIN_COMM);
-    EXPECT_NE(std::string::npos, Text(MAIN_STATE).find("NI_Com; "));
+    EXPECT_NE(std::string::npos, UiText(mainPanel, MAIN_STATE).find("NI_Com; "));
     EXPECT_EQ(0, MR166_isWin32);
     EXPECT_EQ(1, UCM_IsOpened());
     VIR2_StopPeriodicASC();
@@ -389,12 +362,13 @@ TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
     ASSERT_EQ(0, Start());
     HL_ClickMenu(ITEM_CONNECT);
     HL_ClickMenu(ITEM_CONSOLE_VIEW);
-    EXPECT_EQ(1, Panel(mainPanel, ATTR_SIZABLE));
+    EXPECT_EQ(1, UiPanelAttribute(mainPanel, ATTR_SIZABLE));
     EXPECT_EQ(std::vector<int>{ITEM_CONSOLE_VIEW}, Checked(MENU_WINDOW));
     UCM_Close();
     HL_ClickMenu(ITEM_WATCH_VIEW);
     EXPECT_EQ(0, UCM_IsOpened());
-    EXPECT_EQ(0, Panel(mainPanel, ATTR_SIZABLE) + Panel(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_SIZABLE) +
+                     UiPanelAttribute(consolePanel, ATTR_VISIBLE));
     EXPECT_EQ(std::vector<int>{ITEM_WATCH_VIEW}, Checked(MENU_WINDOW));
     oldTimer = 1;
     HL_ClickMenu(ITEM_WATCH_VIEW);
@@ -406,42 +380,20 @@ TEST_F(App, HeightsBelowTheLeastAreRefused)
 {
     ASSERT_EQ(0, Start());
     HL_ResizePanel(mainPanel, 600, 900);
-    EXPECT_EQ(780, Panel(mainPanel, ATTR_WIDTH));
-    EXPECT_EQ(600 - 21, Panel(consolePanel, ATTR_HEIGHT));
-    int box = 0, line = 0;
-    GetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT, &box);
-    GetCtrlAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP, &line);
-    EXPECT_EQ(600 - 43, box);
-    EXPECT_EQ(600 - 42, line);
+    EXPECT_EQ(780, UiPanelAttribute(mainPanel, ATTR_WIDTH));
+    EXPECT_EQ(600 - 21, UiPanelAttribute(consolePanel, ATTR_HEIGHT));
+    EXPECT_EQ(600 - 43, UiAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT));
+    EXPECT_EQ(600 - 42, UiAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP));
     HL_ResizePanel(mainPanel, 49, 780);
-    EXPECT_EQ(600, Panel(mainPanel, ATTR_HEIGHT));
+    EXPECT_EQ(600, UiPanelAttribute(mainPanel, ATTR_HEIGHT));
     HL_ResizePanel(mainPanel, 50, 780);
     EXPECT_EQ(50, oldHeight);
 }
 
-TEST_F(App, ArrowKeysMoveTheSelectionFromAnywhere)
-{
-    std::ofstream("w.dbg") << "[100],u2\n[102],u2\n[104],u2\n";
-    std::ofstream("Vireo2.ini") << "d0, w.dbg\n";
-    ASSERT_EQ(0, Start());
-    ASSERT_EQ(3, nLItems);
-    HL_SelectLine(mainPanel, MAIN_LIST, 1);
-    const struct {
-        int focus, key, row;
-    } keys[] = {{0, KEY_DOWN, 2},       {0, KEY_DOWN, 2},       {MAIN_COMM, KEY_UP, 1},
-                {MAIN_LIST, KEY_UP, 0}, {MAIN_LIST, KEY_UP, 0}, {MAIN_LIST, KEY_DOWN, 1}};
-    for (const auto &k : keys) {
-        int row = -1;
-        HL_Key(mainPanel, k.focus, k.key);
-        GetCtrlIndex(mainPanel, MAIN_LIST, &row);
-        EXPECT_EQ(k.row, row);
-    }
-}
-
 TEST_F(App, ScriptOnTheCommandLineRunsAfterTheSettings)
 {
-    std::ofstream("Vireo2.ini") << "s, 4\n";
-    std::ofstream("a.scr") << "station 7\nstation 99\n";
+    WriteFileText("Vireo2.ini", "s, 4\n");
+    WriteFileText("a.scr", "station 7\nstation 99\n");
     ASSERT_EQ(0, Start({"a.scr"}));
     EXPECT_TRUE(VR_isScriptRun);
     EXPECT_EQ(7, STATION);

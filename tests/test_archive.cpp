@@ -1,45 +1,29 @@
 #include "calendar/archive.h"
 #include "calendar/crc32.h"
+#include "support/scratch.h"
 #include "text/txfrw.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
 class Archive : public testing::Test {
 protected:
-    std::string folder = testing::TempDir() + std::to_string(getpid()) + "/";
-    std::string archive = folder + "vireo2.qar";
-    std::string first = folder + "vireo2 first.bin", second = folder + "vireo2_\"second\".txt";
+    const ScratchFolder folder;
+    const std::string archive = folder.path + "/vireo2.qar";
+    const std::string first = folder.path + "/vireo2 first.bin",
+                      second = folder.path + "/vireo2_\"second\".txt";
     const std::string firstContent = std::string(100, '\0') + "QAR9/9;\n";
 
-    static void write(const std::string &path, const std::string &content)
-    {
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    static std::string read(const std::string &path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
     void SetUp() override
     {
-        std::filesystem::create_directory(folder);
-        write(first, firstContent);
-        write(second, "line 1\nline 2\r\n");
+        WriteFileText(first, firstContent);
+        WriteFileText(second, "line 1\nline 2\r\n");
         ASSERT_EQ(QAR_Make(archive.c_str(), {first, second}), 0);
-    }
-    void TearDown() override
-    {
-        std::filesystem::remove_all(folder);
     }
     int extract(const std::string &member)
     {
@@ -80,7 +64,7 @@ TEST(Crc32Lsb, AgreesWithZlibAndWithTheShiftOfEveryPolynomial)
 
 TEST_F(Archive, ComesBackByNameAndInOrder)
 {
-    EXPECT_EQ(read(archive).substr(0, 11), "QAR1/2;108;");
+    EXPECT_EQ(ReadFileText(archive).substr(0, 11), "QAR1/2;108;");
     std::string content, name;
     EXPECT_EQ(QAR_Extract_file(&content, archive.c_str(), first.c_str()), 0);
     EXPECT_EQ(content, firstContent);
@@ -102,13 +86,13 @@ TEST_F(Archive, ComesBackByNameAndInOrder)
 
 TEST_F(Archive, CreationRefusesWhatItCannotDo)
 {
-    const std::string before = read(archive);
+    const std::string before = ReadFileText(archive);
     const char *arguments[] = {"program", "-a", archive.c_str(), first.c_str(), "no/such/file"};
     EXPECT_EQ(QAR_Create_archiv(3, arguments), -1);
     EXPECT_EQ(QAR_Create_archiv(5, arguments), -1); // the second member fails
-    EXPECT_EQ(read(archive), before);
+    EXPECT_EQ(ReadFileText(archive), before);
     EXPECT_EQ(QAR_Create_archiv(4, arguments), 0);
-    EXPECT_EQ(read(archive).substr(0, 7), "QAR1/1;");
+    EXPECT_EQ(ReadFileText(archive).substr(0, 7), "QAR1/1;");
     arguments[1] = "-b";
     arguments[2] = "never_made.qar";
     EXPECT_EQ(QAR_Create_archiv(5, arguments), -1);
@@ -124,11 +108,11 @@ TEST_F(Archive, CreationRefusesWhatItCannotDo)
 
 TEST_F(Archive, DamageIsFound)
 {
-    const std::string whole = read(archive);
+    const std::string whole = ReadFileText(archive);
     // Cut anywhere, the second member is never returned; the first one once it is complete.
     const size_t firstEnd = whole.find("QAR2/2;");
     for (size_t length = 0; length < whole.size(); length++) {
-        write(archive, whole.substr(0, length));
+        WriteFileText(archive, whole.substr(0, length));
         EXPECT_EQ(extract(second), -1) << length;
         EXPECT_EQ(extract(first), length >= firstEnd ? 0 : -1) << length;
     }
@@ -151,13 +135,13 @@ TEST_F(Archive, DamageIsFound)
     for (const auto &c : cases) {
         std::string damaged = whole;
         damaged.replace(damaged.find(c.from), std::string(c.from).size(), c.to);
-        write(archive, damaged);
+        WriteFileText(archive, damaged);
         EXPECT_EQ(extract(first), c.firstGood ? 0 : -1) << c.from << " to " << c.to;
         const bool quoteLost = std::string(c.to) == "txt\n";
         const std::string wanted = quoteLost ? second.substr(0, second.rfind('"')) : second;
         EXPECT_EQ(extract(wanted), c.secondGood ? 0 : -1) << c.from << " to " << c.to;
     }
-    write(archive, "QAR1/1;4;0x00000000;\"zeros\"\n" + std::string(3, '\0'));
+    WriteFileText(archive, "QAR1/1;4;0x00000000;\"zeros\"\n" + std::string(3, '\0'));
     EXPECT_EQ(extract("zeros"), -1); // too short, though its check value fits
 }
 

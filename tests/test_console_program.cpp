@@ -4,13 +4,11 @@
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 
 #include "platform/system.h"
 #include "sim/sim.h"
+#include "support/scratch.h"
 
 namespace {
 
@@ -19,13 +17,6 @@ struct Outcome {
     std::string out, err;
 };
 
-std::string ReadAll(const std::filesystem::path &path)
-{
-    std::stringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    return text.str();
-}
-
 size_t CountLines(const std::string &text)
 {
     return static_cast<size_t>(std::count(text.begin(), text.end(), '\n'));
@@ -33,17 +24,10 @@ size_t CountLines(const std::string &text)
 
 class ConsoleProgram : public testing::Test {
 protected:
-    void SetUp() override
-    {
-        folder =
-            std::filesystem::temp_directory_path() / ("vireo2-con-" + std::to_string(PLT_TickUs()));
-        std::filesystem::create_directories(folder);
-    }
     void TearDown() override
     {
         SIM_Stop(target);
         unsetenv("VIREO2_COM1");
-        std::filesystem::remove_all(folder);
     }
     void StartTarget(const SIM_Options &options = {})
     {
@@ -54,23 +38,22 @@ protected:
     }
     void Write(const std::string &name, const std::string &text)
     {
-        std::ofstream(folder / name, std::ios::binary) << text;
+        WriteFileText(folder / name, text);
     }
     Outcome Run(const std::string &arguments, const std::string &input = "",
                 const std::string &streams = "")
     {
         Write("in", input);
-        const std::string command = "cd '" + folder.string() +
-                                    "' && '" BINARY_DIR "/vireo2-console' " + arguments +
-                                    " <in >out 2>err " + streams;
+        const std::string command = "cd '" + folder.path + "' && '" BINARY_DIR "/vireo2-console' " +
+                                    arguments + " <in >out 2>err " + streams;
         const int status = std::system(command.c_str());
         Outcome outcome;
         outcome.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        outcome.out = ReadAll(folder / "out");
-        outcome.err = ReadAll(folder / "err");
+        outcome.out = ReadFileText(folder / "out");
+        outcome.err = ReadFileText(folder / "err");
         return outcome;
     }
-    std::filesystem::path folder;
+    const ScratchFolder folder;
     SIM_Target *target = nullptr;
 };
 
@@ -102,7 +85,7 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     EXPECT_NE(std::string::npos,
               outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
     EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
-    EXPECT_NE(std::string::npos, ReadAll(folder / "Vireo2.ini").find("s, 5\n"))
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\n"))
         << "a session ends like the program in the window";
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
@@ -147,7 +130,7 @@ TEST_F(ConsoleProgram, ScriptsEndWithTheirResult)
 TEST_F(ConsoleProgram, ExampleScriptsDoWhatTheySay)
 {
     StartTarget();
-    std::filesystem::copy(EXAMPLES_DIR, folder, std::filesystem::copy_options::recursive);
+    std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
     for (const char *arguments : {"demo.scr", "--full demo.scr"}) {
         const Outcome demo = Run(arguments);
         EXPECT_EQ(0, demo.code);
@@ -232,12 +215,12 @@ TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
     StartTarget();
     Write("w.dbg", "[1000],u2\n");
     const std::string program = "'" BINARY_DIR "/vireo2-console' --watch w.dbg --trace t";
-    Write("run", "cd '" + folder.string() + "'\n" + program +
+    Write("run", "cd '" + folder.path + "'\n" + program +
                      " >live &\npid=$!\n"
                      "until grep -q 'Sweep 2' live; do sleep 0.05; kill -0 $pid || exit 9; done\n"
                      "kill -INT $pid\nwait $pid\n");
     EXPECT_EQ(0, WEXITSTATUS(std::system(("sh '" + (folder / "run").string() + "'").c_str())));
-    EXPECT_NE(std::string::npos, ReadAll(folder / "t").find("0x001000"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("0x001000"));
 }
 
 // Without auto-off a watch outlives its target: the same link leads to another device later.
@@ -251,14 +234,14 @@ TEST_F(ConsoleProgram, WatchTakesAPortAgainThatWasUnplugged)
     };
     const auto awaitText = [this](const char *file, const std::string &text) {
         for (int i = 0; i < 2000; i++, PLT_SleepMs(5))
-            if (ReadAll(folder / file).find(text) != std::string::npos)
+            if (ReadFileText(folder / file).find(text) != std::string::npos)
                 return;
         ADD_FAILURE() << text << " did not come";
     };
     plug();
     Write("w.dbg", "[8000],u2\n");
     Write("Vireo2.ini", "o-\n");
-    Write("run", "cd '" + folder.string() +
+    Write("run", "cd '" + folder.path +
                      "'\n'" BINARY_DIR
                      "/vireo2-console' --watch w.dbg --sweeps 999999 --format csv >live 2>err &\n"
                      "echo $! >pid\nwait $!\necho $? >code\n");
@@ -269,13 +252,14 @@ TEST_F(ConsoleProgram, WatchTakesAPortAgainThatWasUnplugged)
     awaitText("err", "COM1 is gone");
     plug();
     awaitText("err", "COM1 is back");
-    const std::string before = ReadAll(folder / "live");
-    for (int i = 0; i < 2000 && CountLines(ReadAll(folder / "live")) < CountLines(before) + 3; i++)
+    const std::string before = ReadFileText(folder / "live");
+    for (int i = 0; i < 2000 && CountLines(ReadFileText(folder / "live")) < CountLines(before) + 3;
+         i++)
         PLT_SleepMs(5);
-    kill(std::stoi(ReadAll(folder / "pid")), SIGINT);
+    kill(std::stoi(ReadFileText(folder / "pid")), SIGINT);
     awaitText("code", "\n");
-    EXPECT_EQ("1\n", ReadAll(folder / "code")) << "not all sweeps that were asked for";
-    const std::string live = ReadAll(folder / "live");
+    EXPECT_EQ("1\n", ReadFileText(folder / "code")) << "not all sweeps that were asked for";
+    const std::string live = ReadFileText(folder / "live");
     EXPECT_EQ(",0\n", live.substr(live.size() - 3));
 }
 

@@ -9,14 +9,12 @@
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
+#include "support/scratch.h"
 #include "support/sim_fixture.h"
+#include "support/ui_reading.h"
 #include "ui/resource.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -66,15 +64,9 @@ struct DiagPanels : testing::Test {
         uint8_t bytes[2];
         UCM_Read(station, 0x100, sizeof bytes, bytes);
     }
-    static std::string Text(int panel, int control)
-    {
-        std::string text;
-        EXPECT_EQ(0, GetCtrlVal(panel, control, &text));
-        return text;
-    }
     static std::string Figure(int control)
     {
-        return Text(PANEL_STATISTICS, control);
+        return UiText(PANEL_STATISTICS, control);
     }
     static std::vector<std::string> Lines(int panel, int control)
     {
@@ -82,12 +74,6 @@ struct DiagPanels : testing::Test {
         for (const std::string &label : HL_GetLabels(panel, control))
             lines.push_back(UIC_JoinColumns(label, "|"));
         return lines;
-    }
-    static int Selected()
-    {
-        int index = -2;
-        GetCtrlIndex(PANEL_TRACE, TRACE_LIST, &index);
-        return index;
     }
     static void Record(int count, bool isGood = true)
     {
@@ -183,8 +169,8 @@ TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
         EXPECT_NE(std::string::npos, lines[0].find("|opened|COM63 at 19200 baud")) << lines[0];
         EXPECT_NE(std::string::npos, lines[1].find(fault.result)) << lines[1];
         EXPECT_EQ(fault.isGood, lines[1].find("(!)") == std::string::npos);
-        EXPECT_EQ(1, Selected());
-        EXPECT_NE(std::string::npos, Text(PANEL_TRACE, TRACE_DETAIL).find("\n  > 02 "));
+        EXPECT_EQ(1, UiSelected(PANEL_TRACE, TRACE_LIST));
+        EXPECT_NE(std::string::npos, UiText(PANEL_TRACE, TRACE_DETAIL).find("\n  > 02 "));
         const std::string advice = Figure(STATISTICS_ADVICE);
         EXPECT_NE(std::string::npos, advice.find(fault.advice)) << advice;
         EXPECT_EQ(std::string::npos, advice.find('\n')) << "one advice, not several: " << advice;
@@ -208,7 +194,7 @@ TEST_F(DiagPanels, NothingIsRecordedWhileClosedAndTheLastFailureIsSeen)
     Exchange(1);
     HL_ClickMenu(ITEM_TRACE);
     EXPECT_TRUE(Lines(PANEL_TRACE, TRACE_LIST).empty());
-    EXPECT_EQ(0u, Text(PANEL_TRACE, TRACE_DETAIL).find("Nothing has gone over the line"));
+    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_DETAIL).find("Nothing has gone over the line"));
     EXPECT_EQ(HL_DIMMED, HL_CommitControl(PANEL_TRACE, TRACE_COPY));
 }
 
@@ -218,23 +204,22 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
     HL_ClickMenu(ITEM_TRACE);
     Record(capacity - 1);
     TRP_Refresh();
-    EXPECT_EQ(capacity - 2, Selected());
+    EXPECT_EQ(capacity - 2, UiSelected(PANEL_TRACE, TRACE_LIST));
 
     HL_SelectLine(PANEL_TRACE, TRACE_LIST, 100);
-    const std::string detail = Text(PANEL_TRACE, TRACE_DETAIL);
+    const std::string detail = UiText(PANEL_TRACE, TRACE_DETAIL);
     SetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE, 95);
     Record(41, false);
     TRP_Refresh();
     EXPECT_EQ(capacity, static_cast<int>(Lines(PANEL_TRACE, TRACE_LIST).size()));
-    EXPECT_EQ(60, Selected());
-    int top = -1;
-    GetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE, &top);
-    EXPECT_EQ(55, top);
-    EXPECT_EQ(detail, Text(PANEL_TRACE, TRACE_DETAIL));
+    EXPECT_EQ(60, UiSelected(PANEL_TRACE, TRACE_LIST));
+    EXPECT_EQ(55, UiAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE));
+    EXPECT_EQ(detail, UiText(PANEL_TRACE, TRACE_DETAIL));
     Record(61);
     TRP_Refresh();
-    EXPECT_EQ(0, Selected()) << "the selected exchange is gone: the oldest takes its place";
-    EXPECT_NE(detail, Text(PANEL_TRACE, TRACE_DETAIL));
+    EXPECT_EQ(0, UiSelected(PANEL_TRACE, TRACE_LIST))
+        << "the selected exchange is gone: the oldest takes its place";
+    EXPECT_NE(detail, UiText(PANEL_TRACE, TRACE_DETAIL));
 
     HL_Toggle(PANEL_TRACE, TRACE_FAILURES);
     EXPECT_EQ(41u, Lines(PANEL_TRACE, TRACE_LIST).size());
@@ -242,15 +227,15 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
     Record(1);
     Record(1, false);
     TRP_Refresh();
-    EXPECT_EQ(41, Selected());
+    EXPECT_EQ(41, UiSelected(PANEL_TRACE, TRACE_LIST));
     HL_Toggle(PANEL_TRACE, TRACE_FAILURES);
-    EXPECT_EQ(capacity - 1, Selected());
+    EXPECT_EQ(capacity - 1, UiSelected(PANEL_TRACE, TRACE_LIST));
 
     HL_CommitControl(PANEL_TRACE, TRACE_CLEAR);
     EXPECT_TRUE(Lines(PANEL_TRACE, TRACE_LIST).empty());
     Record(2);
     TRP_Refresh();
-    EXPECT_EQ(1, Selected());
+    EXPECT_EQ(1, UiSelected(PANEL_TRACE, TRACE_LIST));
 }
 
 TEST_F(DiagPanels, PauseCopyAndSave)
@@ -265,27 +250,23 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     Read();
     TRP_Refresh();
     EXPECT_EQ(2u, Lines(PANEL_TRACE, TRACE_LIST).size());
-    EXPECT_EQ(0u, Text(PANEL_TRACE, TRACE_COUNT).find("Paused: 2 of at most 2000"));
+    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 2 of at most 2000"));
 
     HL_CommitControl(PANEL_TRACE, TRACE_COPY);
-    EXPECT_EQ(Text(PANEL_TRACE, TRACE_DETAIL) + "\n", HL_GetClipboard());
+    EXPECT_EQ(UiText(PANEL_TRACE, TRACE_DETAIL) + "\n", HL_GetClipboard());
     HL_CommitControl(PANEL_TRACE, TRACE_COPY_ALL);
     EXPECT_EQ(TRP_Text(), HL_GetClipboard());
 
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("vireo2-trace-" + std::to_string(PLT_TickUs()));
-    std::filesystem::create_directories(folder);
+    const ScratchFolder folder;
     HL_PushAnswer(1, (folder / "t.txt").string());
     HL_CommitControl(PANEL_TRACE, TRACE_SAVE);
-    std::stringstream saved;
-    saved << std::ifstream(folder / "t.txt", std::ios::binary).rdbuf();
-    EXPECT_NE(std::string::npos, saved.str().find("station 1: read 2 bytes at 0x000100: answered"));
-    EXPECT_NE(std::string::npos, saved.str().find("\r\n  = 2 bytes: 00 00\r\n"));
-    HL_PushAnswer(1, (folder / "missing" / "t.txt").string());
+    const std::string saved = ReadFileText(folder / "t.txt");
+    EXPECT_NE(std::string::npos, saved.find("station 1: read 2 bytes at 0x000100: answered"));
+    EXPECT_NE(std::string::npos, saved.find("\r\n  = 2 bytes: 00 00\r\n"));
+    HL_PushAnswer(1, (folder / "missing/t.txt").string());
     HL_CommitControl(PANEL_TRACE, TRACE_SAVE);
-    EXPECT_EQ("Error: Could not write the file " + (folder / "missing" / "t.txt").string() + ".",
+    EXPECT_EQ("Error: Could not write the file " + (folder / "missing/t.txt").string() + ".",
               HL_GetPopups().back());
-    std::filesystem::remove_all(folder);
 
     HL_CommitControl(PANEL_TRACE, TRACE_PAUSE);
     Read();

@@ -35,41 +35,6 @@ protected:
         WatchTest::TearDown();
     }
 
-    static std::string text(int panel, int control)
-    {
-        std::string value;
-        EXPECT_EQ(GetCtrlVal(panel, control, &value), 0);
-        return value;
-    }
-
-    static int number(int panel, int control)
-    {
-        int value = 0;
-        EXPECT_EQ(GetCtrlVal(panel, control, &value), 0);
-        return value;
-    }
-
-    static bool isOpen(int panel)
-    {
-        int value = 0;
-        GetPanelAttribute(panel, ATTR_VISIBLE, &value);
-        return value != 0;
-    }
-
-    static bool isDimmed(int item)
-    {
-        int value = 0;
-        EXPECT_EQ(GetMenuBarAttribute(GetPanelMenuBar(PANEL_MAIN), item, ATTR_DIMMED, &value), 0);
-        return value != 0;
-    }
-
-    static bool isBlocked(int panel, int control)
-    {
-        int value = 0;
-        GetCtrlAttribute(panel, control, ATTR_DIMMED, &value);
-        return value != 0;
-    }
-
     static std::string item(int index)
     {
         return LIT_FileLine(aLItems[index]);
@@ -90,8 +55,8 @@ protected:
 
     static std::string suggested()
     {
-        return static_cast<char>(number(PANEL_ITEM, WITEM_TYPE)) +
-               std::to_string(number(PANEL_ITEM, WITEM_SIZE));
+        return static_cast<char>(UiValue(PANEL_ITEM, WITEM_TYPE)) +
+               std::to_string(UiValue(PANEL_ITEM, WITEM_SIZE));
     }
 
     void poke(uint32_t address, const std::vector<uint8_t> &bytes, int station = 1)
@@ -110,7 +75,7 @@ protected:
     {
         HL_SetUserVal(PANEL_VALUE, VALUE_NEW, value);
         HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ENTER);
-        return text(PANEL_VALUE, VALUE_RESULT);
+        return UiText(PANEL_VALUE, VALUE_RESULT);
     }
 
     static std::string readMemory(const std::string &address, int count)
@@ -118,14 +83,14 @@ protected:
         HL_SetUserVal(PANEL_MEMORY, MEMORY_COUNT, count);
         HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, address);
         HL_Key(PANEL_MEMORY, MEMORY_ADDRESS, KEY_ENTER);
-        return text(PANEL_MEMORY, MEMORY_RESULT);
+        return UiText(PANEL_MEMORY, MEMORY_RESULT);
     }
 
     static std::string writeLine(const std::string &bytes)
     {
         HL_SetUserVal(PANEL_MEMORY, MEMORY_LINE, bytes);
         HL_Key(PANEL_MEMORY, MEMORY_LINE, KEY_ENTER);
-        return text(PANEL_MEMORY, MEMORY_RESULT);
+        return UiText(PANEL_MEMORY, MEMORY_RESULT);
     }
 
     static Texts memoryLines()
@@ -141,12 +106,12 @@ TEST_F(EditPanels, MenuOffersWhatHasSomethingToActOn)
 {
     for (const int item : {ITEM_EDIT, ITEM_REMOVE, ITEM_UNDO, ITEM_MOVE_UP, ITEM_WRITE_VALUE,
                            ITEM_COPY_LIST, ITEM_COPY_MEMORY, ITEM_SNAPSHOT})
-        EXPECT_TRUE(isDimmed(item)) << item;
-    EXPECT_FALSE(isDimmed(ITEM_ADD));
+        EXPECT_TRUE(UiItemAttribute(item, ATTR_DIMMED)) << item;
+    EXPECT_FALSE(UiItemAttribute(ITEM_ADD, ATTR_DIMMED));
     addItem("wSpeed, u2");
     ResetLItemsDisplay();
-    EXPECT_FALSE(isDimmed(ITEM_REMOVE));
-    EXPECT_TRUE(isDimmed(ITEM_MOVE_UP)) << "there is only one line";
+    EXPECT_FALSE(UiItemAttribute(ITEM_REMOVE, ATTR_DIMMED));
+    EXPECT_TRUE(UiItemAttribute(ITEM_MOVE_UP, ATTR_DIMMED)) << "there is only one line";
 
     HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_RIGHT_CLICK, 0);
     EXPECT_EQ(HL_GetPopupMenu(), MENU_EDIT);
@@ -171,10 +136,10 @@ TEST_F(EditPanels, LinesMoveGoAndComeBack)
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_DELETE);
     EXPECT_EQ(items(), (Texts{"abyRing, u1", "wSpeed, u2"}));
-    EXPECT_EQ(text(PANEL_MAIN, MAIN_MESSAGE), "Removed: nnCount. Ctrl+Z puts it back.");
+    EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE), "Removed: nnCount. Ctrl+Z puts it back.");
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
     EXPECT_EQ(items(), (Texts{"abyRing, u1", "nnCount, i4", "wSpeed, u2"}));
-    EXPECT_TRUE(isDimmed(ITEM_UNDO));
+    EXPECT_TRUE(UiItemAttribute(ITEM_UNDO, ATTR_DIMMED));
 }
 
 TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
@@ -183,7 +148,7 @@ TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
                               "## 1 STRUCTS\n# 1 / 1:\n'm' _@0x122\n";
     ASSERT_EQ(TMF_LoadMap(write("types.tmf", types).c_str()), 0);
     HL_ClickMenu(ITEM_ADD);
-    ASSERT_TRUE(isOpen(PANEL_ITEM));
+    ASSERT_TRUE(UiPanelAttribute(PANEL_ITEM, ATTR_VISIBLE));
     const struct {
         const char *name, *type, *place;
     } cases[] = {
@@ -201,17 +166,17 @@ TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
     for (const auto &row : cases) {
         typeName(row.name);
         EXPECT_EQ(suggested(), row.type) << row.name;
-        EXPECT_EQ(text(PANEL_ITEM, WITEM_PLACE), row.place) << row.name;
+        EXPECT_EQ(UiText(PANEL_ITEM, WITEM_PLACE), row.place) << row.name;
     }
     HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'b');
     EXPECT_EQ(suggested(), "b1");
-    EXPECT_TRUE(isBlocked(PANEL_ITEM, WITEM_SIZE)) << "bits are one byte";
+    EXPECT_TRUE(UiAttribute(PANEL_ITEM, WITEM_SIZE, ATTR_DIMMED)) << "bits are one byte";
     HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
     HL_SetUserVal(PANEL_ITEM, WITEM_SIZE, 4);
     typeName("wSpeed");
     EXPECT_EQ(suggested(), "x4") << "what the user chose stays";
     HL_Key(PANEL_ITEM, WITEM_NAME, KEY_ENTER);
-    EXPECT_FALSE(isOpen(PANEL_ITEM));
+    EXPECT_FALSE(UiPanelAttribute(PANEL_ITEM, ATTR_VISIBLE));
     EXPECT_EQ(items(), (Texts{"wSpeed, x4"}));
 }
 
@@ -223,17 +188,17 @@ TEST_F(EditPanels, AddingSaysWhatIsWrongAndKeepsItsPlace)
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_INSERT);
     typeName("a;b");
     HL_Key(PANEL_ITEM, WITEM_TYPE, KEY_ENTER);
-    EXPECT_TRUE(isOpen(PANEL_ITEM));
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_NAME));
+    EXPECT_TRUE(UiPanelAttribute(PANEL_ITEM, ATTR_VISIBLE));
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_NAME));
     EXPECT_TRUE(HL_GetPopups().empty());
     typeName("[0x1F00]");
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), "");
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_ERROR), "");
     HL_CommitControl(PANEL_ITEM, WITEM_OK);
     EXPECT_EQ(items(), (Texts{"wSpeed, u2", "[0x1F00], i2", "nnCount, i4"}));
     HL_ClickMenu(ITEM_ADD);
     typeName("zzz");
     EXPECT_EQ(HL_Key(PANEL_ITEM, WITEM_NAME, KEY_ESC), 1);
-    EXPECT_FALSE(isOpen(PANEL_ITEM));
+    EXPECT_FALSE(UiPanelAttribute(PANEL_ITEM, ATTR_VISIBLE));
     EXPECT_EQ(nLItems, 3);
 }
 
@@ -243,7 +208,7 @@ TEST_F(EditPanels, EditingChangesTheItemItWasOpenedFor)
     ResetLItemsDisplay();
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 1);
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_NAME), "Known");
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_NAME), "Known");
     EXPECT_EQ(suggested(), "u1");
     HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
     EDT_Move(0, 1); // as by drag and drop meanwhile
@@ -253,12 +218,12 @@ TEST_F(EditPanels, EditingChangesTheItemItWasOpenedFor)
     HL_ClickMenu(ITEM_EDIT);
     typeName("2:$200");
     HL_CommitControl(PANEL_ITEM, WITEM_OK);
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), "") << text(PANEL_ITEM, WITEM_PLACE);
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_ERROR), "") << UiText(PANEL_ITEM, WITEM_PLACE);
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_ClickMenu(ITEM_EDIT);
     EDT_Remove(0);
     HL_CommitControl(PANEL_ITEM, WITEM_OK);
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_INDEX));
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_ERROR), EDT_ErrorText(EDT_ERR_INDEX));
 }
 
 TEST_F(EditPanels, NamesAreCompleted)
@@ -321,8 +286,8 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     ResetLItemsDisplay();
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_ENTER);
-    ASSERT_TRUE(isOpen(PANEL_VALUE));
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_SHOWN), "not read yet");
+    ASSERT_TRUE(UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE));
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_SHOWN), "not read yet");
     EXPECT_EQ(writeValue("70000"), "REFUSED: '70000' is out of range: 0 to 65535.");
     EXPECT_TRUE(HL_GetPopups().empty()) << "no question for what cannot be written";
     EXPECT_EQ(writeValue("7"), "REFUSED: The value was not written: communication is off.");
@@ -333,28 +298,28 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     HL_PushAnswer(1);
     EXPECT_EQ(writeValue("1000"), "OK: Written. The target holds 1000.");
     EXPECT_EQ(peek(0x300, 2), (std::vector<uint8_t>{0xE8, 0x03}));
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_HEX), "0x03E8");
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_NEW), "") << "ready for the next one";
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_HEX), "0x03E8");
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_NEW), "") << "ready for the next one";
 
     EDT_Move(0, 2);
     EXPECT_EQ(writeValue("2"), "OK: Written. The target holds 2.");
     EXPECT_EQ(aLItems[2].value, 2u);
     poke(0x300, {0x34, 0x12});
     HL_CommitControl(PANEL_VALUE, VALUE_READ);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "4660");
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_DECIMAL), "4660");
     poke(0x300, {0x35, 0x12});
     for (int tick = 0; tick < 4; ++tick)
         HL_FireTimer(PANEL_MAIN, MAIN_TIMER);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "4661") << "live with the list";
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_DECIMAL), "4661") << "live with the list";
 
     EDT_Remove(2);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "The item is no longer in the watch list.");
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "The item is no longer in the watch list.");
     EXPECT_EQ(HL_CommitControl(PANEL_VALUE, VALUE_WRITE), HL_DIMMED);
     EDT_UndoRemove();
-    EXPECT_FALSE(isBlocked(PANEL_VALUE, VALUE_WRITE));
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "");
+    EXPECT_FALSE(UiAttribute(PANEL_VALUE, VALUE_WRITE, ATTR_DIMMED));
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "");
     EXPECT_EQ(HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC), 1);
-    EXPECT_FALSE(isOpen(PANEL_VALUE));
+    EXPECT_FALSE(UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE));
 }
 
 TEST_F(EditPanels, ValueEditorSaysWhyNothingWasWritten)
@@ -364,18 +329,18 @@ TEST_F(EditPanels, ValueEditorSaysWhyNothingWasWritten)
     ASSERT_TRUE(connect());
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_LEFT_DOUBLE_CLICK, 0);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_STATION), "2");
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_DECIMAL), "0") << "read when opened";
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_STATION), "2");
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_DECIMAL), "0") << "read when opened";
     failWith(8, 66);
     EXPECT_EQ(writeValue("-5").rfind("FAILED: The value was not written: ", 0), 0u);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_NEW), "-5") << "kept for another try";
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_NEW), "-5") << "kept for another try";
     failWith(8, 0);
     EXPECT_EQ(writeValue("-5"), "OK: Written. The target holds -5.");
     EXPECT_EQ(peek(0x304, 4, 2), (std::vector<uint8_t>{0xFB, 0xFF, 0xFF, 0xFF}));
 
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
     HL_ClickMenu(ITEM_WRITE_VALUE);
-    EXPECT_TRUE(isBlocked(PANEL_VALUE, VALUE_WRITE));
+    EXPECT_TRUE(UiAttribute(PANEL_VALUE, VALUE_WRITE, ATTR_DIMMED));
     EXPECT_EQ(writeValue("1"), "REFUSED: The value was not written: the item has no address.");
 }
 
@@ -388,13 +353,13 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     EXPECT_EQ(memoryLines(),
               (Texts{"000300|48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00|Hi..............",
                      "000310|00 00|.."}));
-    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_LINE), "48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00");
+    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_LINE), "48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00");
     HL_CommitControl(PANEL_MEMORY, MEMORY_COPY);
     EXPECT_EQ(HL_GetClipboard().substr(0, 13), "000300\t48 69 ");
 
     Procesor = CPU_F283XX;
     EXPECT_EQ(readMemory("3:$301", 2), "Read 2 bytes from station 3.");
-    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_PLACE),
+    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_PLACE),
               "Byte address 0x000301, word address 0x000180.hi, station 3");
     EXPECT_EQ(memoryLines(), (Texts{"000180.hi|00 00|.."}));
 
@@ -415,7 +380,7 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     silenceOthers(1u << 1);
     EXPECT_EQ(readMemory("4:$300", 4), "Not read: no answer.");
     EXPECT_TRUE(memoryLines().empty());
-    EXPECT_TRUE(isBlocked(PANEL_MEMORY, MEMORY_WRITE));
+    EXPECT_TRUE(UiAttribute(PANEL_MEMORY, MEMORY_WRITE, ATTR_DIMMED));
 }
 
 TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
@@ -434,7 +399,7 @@ TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
     failWith(8, 66);
     EXPECT_EQ(writeLine("00 22 03 04 0E 0F").rfind("FAILED: Not written, or only in part: ", 0),
               0u);
-    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_LINE), "00 22 03 04 0E 0F") << "kept for another try";
+    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_LINE), "00 22 03 04 0E 0F") << "kept for another try";
 }
 
 TEST_F(EditPanels, CopiesAndSnapshots)
@@ -446,7 +411,7 @@ TEST_F(EditPanels, CopiesAndSnapshots)
               "Name\tAddress\tType\tValue\tState\nwSpeed\t0x000300\tu2\t\tnot read\n");
     HL_PushAnswer(1, path("list.csv"));
     HL_ClickMenu(ITEM_SNAPSHOT);
-    EXPECT_NE(read(path("list.csv")).find("\r\nwSpeed,0x000300,u,2,,,not read\r\n"),
+    EXPECT_NE(ReadFileText(path("list.csv")).find("\r\nwSpeed,0x000300,u,2,,,not read\r\n"),
               std::string::npos);
     HL_PushAnswer(1, path("no/such/list.csv"));
     HL_ClickMenu(ITEM_SNAPSHOT);

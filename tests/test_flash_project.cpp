@@ -1,6 +1,5 @@
 // The example project of an F283xx: packed into a flash image, put into the simulated
 // target and read back over the wire by the console's map commands.
-#include <fstream>
 #include <map>
 #include <tuple>
 
@@ -42,12 +41,6 @@ protected:
         return places;
     }
 
-    static std::string fileText(const std::string &path)
-    {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-
     static std::string packedImage()
     {
         FlashVars vars;
@@ -55,13 +48,6 @@ protected:
             vars.emplace_back(aVarNode[i].addr / 2, aVarNode[i].name);
         const std::string files = FLB_Directory(vars, 2);
         return std::string(0x67FF00 - FLASH_IMAGE_AT - files.size(), '\xFF') + files;
-    }
-
-    static bool isMemoryLampOn()
-    {
-        int value = 0;
-        GetCtrlVal(PANEL_MAIN, MAIN_LED_MAPMEM, &value);
-        return value != 0;
     }
 };
 
@@ -74,7 +60,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     EXPECT_EQ(packed.size(), 97u);
     const std::string image = packedImage();
     std::ofstream(testing::TempDir() + "f283xx.flash", std::ios::binary) << image;
-    EXPECT_TRUE(image == fileText(FLASH_PROJECT + "f283xx.flash"))
+    EXPECT_TRUE(image == ReadFileText(FLASH_PROJECT + "f283xx.flash"))
         << "packed anew: " << testing::TempDir() << "f283xx.flash";
 
     FreeNodes(aVarNode, &nNodes);
@@ -82,7 +68,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     openStruct = OPEN_NONE;
     EXPECT_NE(Run("mf").find("Error during flash read."), std::string::npos);
     EXPECT_NE(Run("mfx").find("the syntax is"), std::string::npos);
-    EXPECT_FALSE(isMemoryLampOn());
+    EXPECT_FALSE(UiValue(PANEL_MAIN, MAIN_LED_MAPMEM));
 
     SIMT_Stop(RIG_PORT, target); // the next one has the flash
     SIM_Options options;
@@ -103,11 +89,10 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
                   std::string::npos);
         EXPECT_EQ(text.find("Error"), std::string::npos) << text;
         EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
-        EXPECT_TRUE(isMemoryLampOn());
+        EXPECT_TRUE(UiValue(PANEL_MAIN, MAIN_LED_MAPMEM));
         EXPECT_EQ(everything(), packed);
     }
-    std::string state;
-    GetCtrlVal(PANEL_MAIN, MAIN_STATE, &state);
+    const std::string state = UiText(PANEL_MAIN, MAIN_STATE);
     EXPECT_EQ(state.substr(state.find('\n') + 1),
               "Map loaded from memory.; types: 8 variables, 3 structures");
     options.flash = FLASH_PROJECT + "missing";

@@ -20,7 +20,7 @@ protected:
     {
         szDebugFileName = path("saved.dbg");
         EXPECT_EQ(SaveDbg(mainPanel), 1);
-        return read(szDebugFileName);
+        return ReadFileText(szDebugFileName);
     }
 };
 
@@ -72,7 +72,7 @@ TEST_F(LItems, LinesAndTheirSavedForm)
         EXPECT_EQ(item.station, c.station) << c.line;
         EXPECT_EQ(item.explicitAddress, c.isExplicit) << c.line;
         // What was saved loads as the same item.
-        ASSERT_EQ(load(read(szDebugFileName)), 0);
+        ASSERT_EQ(load(ReadFileText(szDebugFileName)), 0);
         EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
     }
 }
@@ -158,9 +158,7 @@ TEST_F(LItems, AnotherMapShowsItsAddressesAtOnce)
     const std::string map = "0FA00H   Own" + std::string(34, ' ') + "NDATA\n";
     ASSERT_EQ(map2node(write("own.m66", map).c_str()), 0);
     EXPECT_EQ(HL_GetLabels(PANEL_MAIN, MAIN_LIST).at(1), "Own\033p300lFA00");
-    int selected = 0;
-    GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
-    EXPECT_EQ(selected, 1);
+    EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), 1);
 
     addTmsSymbol("Rec", 0x700);
     ASSERT_EQ(load("&Rec.b, u4\n&Rec, u4\n"), 0);
@@ -259,9 +257,7 @@ TEST_F(LItems, OpenReopenAndReload)
     HL_PushAnswer(2);
     HL_ClickMenu(anRecentItems[1]);
     EXPECT_EQ(szDebugFileName, first);
-    std::string message;
-    GetCtrlVal(PANEL_MAIN, MAIN_MESSAGE, &message);
-    EXPECT_EQ(message, "Cannot open file '" + second + "'.");
+    EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE), "Cannot open file '" + second + "'.");
 }
 
 TEST_F(LItems, FileChangedOnDisk)
@@ -352,9 +348,7 @@ TEST_F(LItems, OrderRemovalAndUndo)
     EXPECT_EQ(EDT_Remove(1), 0);
     EXPECT_EQ(EDT_Remove(2), 0);
     EXPECT_EQ(order(), "DC");
-    int line = -1;
-    GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &line);
-    EXPECT_EQ(line, 1); // the last one that is left
+    EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), 1); // the last one that is left
     EXPECT_EQ(EDT_UndoRemove(), 2);
     EXPECT_EQ(order(), "DCA");
     EXPECT_FALSE(EDT_CanUndo());
@@ -387,9 +381,9 @@ TEST_F(LItems, Snapshot)
     EXPECT_EQ(SNP_Text(), "Name\tAddress\tType\tValue\tState\n"
                           "A\t0x000010\tu1\t7\tok\n&B\"q\t\tx4\t\tno, answer\n");
     ASSERT_EQ(SNP_SaveCsv(path("list.csv")), 0);
-    EXPECT_EQ(read(path("list.csv")), "name,address,type,size,value,raw,state\r\n"
-                                      "A,0x000010,u,1,7,7,ok\r\n"
-                                      "\"&B\"\"q\",,x,4,,,\"no, answer\"\r\n");
+    EXPECT_EQ(ReadFileText(path("list.csv")), "name,address,type,size,value,raw,state\r\n"
+                                              "A,0x000010,u,1,7,7,ok\r\n"
+                                              "\"&B\"\"q\",,x,4,,,\"no, answer\"\r\n");
     EXPECT_EQ(SNP_SaveCsv(path("no/such/list.csv")), -1);
 }
 

@@ -132,8 +132,8 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
 {
     WriteMap("small.m66");
     Type("m small.m66");
-    WriteFile("first.scr", "");
-    WriteFile("final.scr", "");
+    WriteFileText("first.scr", "");
+    WriteFileText("final.scr", "");
     const struct {
         const char *line;
         std::string candidates;

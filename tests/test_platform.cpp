@@ -2,14 +2,13 @@
 #include "platform/safe_file.h"
 #include "platform/serial.h"
 #include "platform/system.h"
+#include "support/scratch.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -19,26 +18,6 @@ namespace {
 
 constexpr int PORT = 71;
 constexpr int PATIENCE_MS = 5000;
-
-std::string Slurp(const std::string &path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
-struct TempDir {
-    std::string path = testing::TempDir() + "platform-XXXXXX";
-    TempDir()
-    {
-        EXPECT_NE(mkdtemp(path.data()), nullptr);
-    }
-    ~TempDir()
-    {
-        (void)!std::system(("rm -rf '" + path + "'").c_str());
-    }
-};
 
 // A pseudo terminal whose other end the test holds.
 struct Line : testing::Test {
@@ -146,7 +125,7 @@ TEST_F(Line, SaysThatTheDeviceIsGone)
 
 TEST(DevicePath, EnvironmentThenLinkThenSystem)
 {
-    const TempDir dir;
+    const ScratchFolder dir;
     setenv("XDG_CONFIG_HOME", dir.path.c_str(), 1);
     EXPECT_EQ(SER_DevicePath(72), "/dev/ttyS71");
     const std::string ports = PLT_ConfigDir() + "/ports";
@@ -179,20 +158,20 @@ int Save(const std::string &path, const std::string &text, bool isKept)
 
 TEST(SafeFile, OldOrNewButNeverHalf)
 {
-    const TempDir dir;
+    const ScratchFolder dir;
     const std::string path = dir.path + "/list.dbg", link = dir.path + "/link";
     ASSERT_EQ(Save(path, "one", true), 0);
     ASSERT_EQ(chmod(path.c_str(), 0640), 0);
     ASSERT_EQ(symlink("list.dbg", link.c_str()), 0);
     EXPECT_EQ(Save(path, "dropped", false), 0);
-    EXPECT_EQ(Slurp(path), "one");
+    EXPECT_EQ(ReadFileText(path), "one");
     EXPECT_EQ(Save(link, "two", true), 0); // the file behind the link, which stays
     struct stat status;
     ASSERT_EQ(lstat(link.c_str(), &status), 0);
     EXPECT_TRUE(S_ISLNK(status.st_mode));
     ASSERT_EQ(stat(path.c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 0777u, 0640u);
-    EXPECT_EQ(Slurp(path), "two");
+    EXPECT_EQ(ReadFileText(path), "two");
     EXPECT_EQ(Save(dir.path, "x", true), -1);
     EXPECT_EQ(Save("/dev/full", "x", true), -1);
     EXPECT_EQ(Save(dir.path + "/none/list", "x", true), -1);
@@ -203,40 +182,23 @@ TEST(SafeFile, OldOrNewButNeverHalf)
     ASSERT_NE(std::freopen("/dev/full", "wb", safe.file), nullptr);
     std::fputs("three", safe.file);
     EXPECT_EQ(SAF_Commit(&safe), -1);
-    EXPECT_EQ(Slurp(path), "two");
+    EXPECT_EQ(ReadFileText(path), "two");
     EXPECT_NE(access(temp.c_str(), F_OK), 0);
 }
 
 TEST(Launch, KeepsArgumentsTogetherAndLeavesNothingBehind)
 {
-    const TempDir dir;
+    const ScratchFolder dir;
     const std::string from = dir.path + "/a b;touch $HOME", to = dir.path + "/it's here";
     std::ofstream(from) << "text";
     EXPECT_EQ(PLT_Launch("cp '" + from + "' \"" + to + "\""), 0);
-    for (int ms = 0; ms < PATIENCE_MS && Slurp(to).empty(); ++ms)
+    for (int ms = 0; ms < PATIENCE_MS && ReadFileText(to).empty(); ++ms)
         PLT_SleepMs(1);
-    EXPECT_EQ(Slurp(to), "text");
+    EXPECT_EQ(ReadFileText(to), "text");
     EXPECT_EQ(PLT_Launch("no-such-program-anywhere x"), -1);
     EXPECT_EQ(PLT_Launch(""), -1);
     EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
-}
-
-TEST(Clock, StampsAndTicks)
-{
-    const TempDir dir;
-    PLT_FileStamp stamp;
-    PLT_Date before, after;
-    PLT_LocalTime(&before);
-    std::ofstream(dir.path + "/f") << 1;
-    ASSERT_EQ(PLT_GetFileStamp(dir.path + "/f", &stamp), 0);
-    PLT_LocalTime(&after);
-    EXPECT_TRUE(stamp.day == before.day || stamp.day == after.day);
-    EXPECT_TRUE(stamp.hour == before.hour || stamp.hour == after.hour);
-    EXPECT_EQ(PLT_GetFileStamp(dir.path + "/none", &stamp), -1);
-    const uint64_t start = PLT_TickUs();
-    PLT_SleepMs(3);
-    EXPECT_GE(PLT_TickUs() - start, 3000u);
 }
 
 } // namespace

@@ -43,9 +43,7 @@ protected:
 
     std::string status()
     {
-        std::string text;
-        GetCtrlVal(PANEL_MAIN, MAIN_STATUS, &text);
-        return text;
+        return UiText(PANEL_MAIN, MAIN_STATUS);
     }
 
     void poke(uint32_t address, uint64_t value, int size)
@@ -203,11 +201,8 @@ TEST_F(Refresh, SweepOfVisibleItems)
     EXPECT_EQ(SIM_GetCounters(target).requests - before, 12u);
     for (int i = 0; i < 40; ++i)
         EXPECT_EQ(aLItems[i].isValueGood, i >= 30) << i;
-    int selected = 0, first = 0;
-    GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
-    GetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, &first);
-    EXPECT_EQ(selected, 32);
-    EXPECT_EQ(first, 30);
+    EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), 32);
+    EXPECT_EQ(UiAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE), 30);
 
     // Another list in the middle of a sweep, or communication off and on: the sweep begins
     // anew, and what had failed in the old one is no failure of the new one.
@@ -290,9 +285,7 @@ TEST_F(Refresh, AutoOff)
     EXPECT_EQ(isTimer, 0);
     EXPECT_EQ(UCM_IsOpened(), 0);
     EXPECT_EQ(line(0), "\033p300l008000  u2: 65535 (!)");
-    std::string message;
-    GetCtrlVal(PANEL_MAIN, MAIN_MESSAGE, &message);
-    EXPECT_NE(message.find("switched off"), std::string::npos);
+    EXPECT_NE(UiText(PANEL_MAIN, MAIN_MESSAGE).find("switched off"), std::string::npos);
 
     // A silent TMS320 switches off only after more than three failed reads.
     failWith(0, 0);
@@ -342,9 +335,7 @@ TEST_F(Refresh, MemoryBox)
     ASSERT_EQ(lines.size(), 6u);
     EXPECT_EQ(lines[3],
               " 00000401 ( +1):|  00400000        4194304         4194304             1.5");
-    int mode = 0;
-    GetCtrlVal(PANEL_MAIN, MAIN_MEM_MODE, &mode);
-    EXPECT_EQ(mode, 1);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_MEM_MODE), 1);
     EXPECT_EQ(ReadMemory(0xFFFFF2, 0), -1);
     EXPECT_EQ(ReadMemory(0x1000000, 1), -2);
 }
@@ -356,15 +347,13 @@ TEST_F(Refresh, FrequencyMeter)
     addItem("Nobody, u1");
     SetCtrlVal(PANEL_MAIN, MAIN_FM_SWITCH, 1);
     SetCtrlVal(PANEL_MAIN, MAIN_FM_SAMPLES, 3);
-    std::string frequency = "?", period;
     for (const int sample : {250, 254, 2, 6}) { // over the end of a byte, 4 each
-        GetCtrlVal(PANEL_MAIN, MAIN_FM_FREQ, &frequency);
-        EXPECT_EQ(frequency, "");
+        EXPECT_EQ(UiText(PANEL_MAIN, MAIN_FM_FREQ), "");
         poke(0x8000, static_cast<uint64_t>(sample), 1);
         sweep(2);
     }
-    GetCtrlVal(PANEL_MAIN, MAIN_FM_FREQ, &frequency);
-    GetCtrlVal(PANEL_MAIN, MAIN_FM_PERIOD, &period);
+    const std::string frequency = UiText(PANEL_MAIN, MAIN_FM_FREQ);
+    const std::string period = UiText(PANEL_MAIN, MAIN_FM_PERIOD);
     double f = 0, t = 0;
     ASSERT_EQ(std::sscanf(frequency.c_str(), "f = %lf Hz", &f), 1) << frequency;
     ASSERT_EQ(std::sscanf(period.c_str(), "T = %lf s", &t), 1) << period;
@@ -380,9 +369,7 @@ TEST_F(Refresh, FrequencyMeter)
     EXPECT_EQ(FM_dwDelta, 3u);
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
     sweep(1);
-    int isDimmed = 0;
-    GetCtrlAttribute(PANEL_MAIN, MAIN_FM_FREQ, ATTR_DIMMED, &isDimmed);
-    EXPECT_EQ(isDimmed, 1);
+    EXPECT_EQ(UiAttribute(PANEL_MAIN, MAIN_FM_FREQ, ATTR_DIMMED), 1);
 }
 
 TEST_F(Refresh, TypedValues)

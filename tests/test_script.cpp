@@ -210,7 +210,7 @@ TEST_F(Script, RunsJumpsAndEnds)
                   0, "The line is longer than 500 characters and was not run.\n" + ok},
                  {"a long comment", ";" + longLine + longLine + "\nstation 2", 0, ok}};
     for (const auto &c : cases) {
-        WriteFile("case.scr", c.text);
+        WriteFileText("case.scr", c.text);
         NewText();
         EXPECT_EQ(ExecMonScript("case", PANEL_CONSOLE), c.result) << c.what;
         EXPECT_EQ(NewText(), c.shown) << c.what;
@@ -223,8 +223,8 @@ TEST_F(Script, RunsJumpsAndEnds)
 
 TEST_F(Script, QuestionsChooseTheWay)
 {
-    WriteFile("ask.scr", "qst 'Go on, now?', \"No, stop\", Stop\nstation 2\ngoto End\n"
-                         "Stop :\nstation 5\nEnd:\nmsg done, \n");
+    WriteFileText("ask.scr", "qst 'Go on, now?', \"No, stop\", Stop\nstation 2\ngoto End\n"
+                             "Stop :\nstation 5\nEnd:\nmsg done, \n");
     const struct {
         int button, station;
     } answers[] = {{1, 2}, {0, 5}};
@@ -234,17 +234,17 @@ TEST_F(Script, QuestionsChooseTheWay)
         EXPECT_EQ(STATION, answer.station);
     }
     EXPECT_EQ(HL_GetPopups()[0], "Question: Go on, now?");
-    WriteFile("lost.scr", "qst a, b, Nowhere\nstation 1\n");
+    WriteFileText("lost.scr", "qst a, b, Nowhere\nstation 1\n");
     EXPECT_EQ(ExecMonScript("lost.scr", PANEL_CONSOLE), -3);
     EXPECT_EQ(STATION, 5) << "nothing ran past the jump";
-    WriteFile("say.scr", "msg Done.\n");
+    WriteFileText("say.scr", "msg Done.\n");
     EXPECT_EQ(ExecMonScript("say.scr", PANEL_CONSOLE), 0);
     EXPECT_EQ(HL_GetPopups().back(), "message: Done.");
 }
 
 TEST_F(Script, StartedFromTheConsoleKeepsStationAndLink)
 {
-    WriteFile("inner.scr", "station 4\nwrite 2, 7, 8100H\nwrite 2, 8, 8102H\n");
+    WriteFileText("inner.scr", "station 4\nwrite 2, 7, 8100H\nwrite 2, 8, 8102H\n");
     EXPECT_EQ(Run("!inner"),
               "station 4 -> OK!\nwrite 2, 7, 8100H -> OK!\nwrite 2, 8, 8102H -> OK!\n");
     EXPECT_EQ(STATION, 1);
@@ -258,8 +258,8 @@ TEST_F(Script, NewSettingsTakeEffectInTheMiddle)
 {
     // Port 8 does not exist: the line after compar fails, the one after the second works.
     unsetenv("VIREO2_COM8");
-    WriteFile("ports.scr", "write 1, 1, 8100H\ncompar 8, 9600\nwrite 1, 2, 8100H\nOnError:\n"
-                           "compar 7, 9600\nwrite 1, 3, 8100H\n");
+    WriteFileText("ports.scr", "write 1, 1, 8100H\ncompar 8, 9600\nwrite 1, 2, 8100H\nOnError:\n"
+                               "compar 7, 9600\nwrite 1, 3, 8100H\n");
     EXPECT_EQ(ExecMonScript("ports.scr", PANEL_CONSOLE), 0);
     EXPECT_EQ(bRate, 9600);
     EXPECT_EQ(Peek(0x8100, 1)[0], 3);
@@ -268,10 +268,10 @@ TEST_F(Script, NewSettingsTakeEffectInTheMiddle)
 
 TEST_F(Script, ScriptsThatStartThemselvesEnd)
 {
-    WriteFile("loop.scr", "!loop\n");
+    WriteFileText("loop.scr", "!loop\n");
     EXPECT_EQ(ExecMonScript("loop.scr", PANEL_CONSOLE), -3);
     EXPECT_EQ(NewText().substr(0, 40), "Too many scripts are started by scripts.");
-    WriteFile("good.scr", "station 2\n");
+    WriteFileText("good.scr", "station 2\n");
     EXPECT_EQ(ExecMonScript("good.scr", PANEL_CONSOLE), 0);
 }
 

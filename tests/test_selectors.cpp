@@ -8,27 +8,6 @@ namespace {
 
 const std::string EXAMPLES = EXAMPLES_DIR "/";
 
-std::string textOf(int panel, int control)
-{
-    std::string text;
-    GetCtrlVal(panel, control, &text);
-    return text;
-}
-
-bool isDimmed(int panel, int control)
-{
-    int value = 0;
-    GetCtrlAttribute(panel, control, ATTR_DIMMED, &value);
-    return value != 0;
-}
-
-bool isShown(int panel)
-{
-    int value = 0;
-    GetPanelAttribute(panel, ATTR_VISIBLE, &value);
-    return value != 0;
-}
-
 class Selectors : public WatchTest {
 protected:
     void SetUp() override
@@ -93,9 +72,9 @@ TEST(VariableFilter, PartsAndWildcards)
 TEST_F(Selectors, VariablesAreFoundAndAddedFromTheKeyboard)
 {
     HL_ClickMenu(ITEM_VARIABLES);
-    EXPECT_TRUE(isShown(PANEL_VAR_SELECTOR));
+    EXPECT_TRUE(UiPanelAttribute(PANEL_VAR_SELECTOR, ATTR_VISIBLE));
     EXPECT_EQ(GetActiveCtrl(PANEL_VAR_SELECTOR), VARSEL_FILTER);
-    EXPECT_EQ(textOf(PANEL_VAR_SELECTOR, VARSEL_COUNT), "62 of 62 variables");
+    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_COUNT), "62 of 62 variables");
     EXPECT_EQ(filtered("speed"), "DRV_nSpeedMax DRV_nSpeedRef ");
     EXPECT_EQ(filtered("aw*"), "awTable awWave ");
     EXPECT_EQ(HL_GetLabels(PANEL_VAR_SELECTOR, VARSEL_LIST)[0],
@@ -108,7 +87,7 @@ TEST_F(Selectors, VariablesAreFoundAndAddedFromTheKeyboard)
     EXPECT_EQ(lastItem(), "awWave, u2");
     EXPECT_EQ(aLItems[0].address, 0x8040u);
     HL_Key(PANEL_VAR_SELECTOR, VARSEL_LIST, KEY_BACKSPACE);
-    EXPECT_EQ(textOf(PANEL_VAR_SELECTOR, VARSEL_FILTER), "aw");
+    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_FILTER), "aw");
     HL_Key(PANEL_VAR_SELECTOR, VARSEL_LIST, 't');
     EXPECT_EQ(names(PANEL_VAR_SELECTOR, VARSEL_LIST), "awTable ");
     EXPECT_EQ(GetActiveCtrl(PANEL_VAR_SELECTOR), VARSEL_FILTER);
@@ -130,7 +109,7 @@ TEST_F(Selectors, VariablesAreFoundAndAddedFromTheKeyboard)
     HL_Key(PANEL_VAR_SELECTOR, VARSEL_FILTER, KEY_ENTER); // nothing to add
     EXPECT_EQ(nLItems, 7);
     HL_Key(PANEL_VAR_SELECTOR, VARSEL_LIST, KEY_ESC);
-    EXPECT_FALSE(isShown(PANEL_VAR_SELECTOR));
+    EXPECT_FALSE(UiPanelAttribute(PANEL_VAR_SELECTOR, ATTR_VISIBLE));
 }
 
 TEST_F(Selectors, OtherSourcesAndChangedMaps)
@@ -145,8 +124,8 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     EXPECT_EQ(aLItems[0].address, 0xFF42u);
     HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_TMS);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_SOURCE);
-    EXPECT_TRUE(isDimmed(PANEL_VAR_SELECTOR, VARSEL_MEMBERS));
-    EXPECT_EQ(textOf(PANEL_VAR_SELECTOR, VARSEL_DETAIL), "&_wSpeed  (adds as u4)");
+    EXPECT_TRUE(UiAttribute(PANEL_VAR_SELECTOR, VARSEL_MEMBERS, ATTR_DIMMED));
+    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL), "&_wSpeed  (adds as u4)");
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_ADD);
     EXPECT_EQ(aLItems[1].name, "&_wSpeed");
     EXPECT_EQ(aLItems[1].address, 0x400u);
@@ -156,7 +135,7 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     while (nLItems < LITEMS_MAX)
         ASSERT_GE(EDT_AddByName("wCount", "u2", EDT_AT_END), 0);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_ADD);
-    EXPECT_EQ(textOf(PANEL_VAR_SELECTOR, VARSEL_DETAIL), EDT_ErrorText(EDT_ERR_FULL));
+    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL), EDT_ErrorText(EDT_ERR_FULL));
 
     // Another map shows at once in the open window, and its absence, too.
     HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_MAP);
@@ -166,16 +145,16 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     EXPECT_EQ(names(PANEL_VAR_SELECTOR, VARSEL_LIST), "wNew ");
     FreeNodes(aVarNode, &nNodes);
     SetMainPanelAttributes();
-    EXPECT_NE(textOf(PANEL_VAR_SELECTOR, VARSEL_DETAIL).find("No map"), std::string::npos);
+    EXPECT_NE(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL).find("No map"), std::string::npos);
 }
 
 TEST_F(Selectors, StructuresAreWalkedDownAndUp)
 {
     HL_ClickMenu(ITEM_VARIABLES);
     filtered("stParams");
-    EXPECT_TRUE(isDimmed(PANEL_VAR_SELECTOR, VARSEL_ADD));
+    EXPECT_TRUE(UiAttribute(PANEL_VAR_SELECTOR, VARSEL_ADD, ATTR_DIMMED));
     HL_Key(PANEL_VAR_SELECTOR, VARSEL_FILTER, KEY_ENTER); // a structure opens
-    EXPECT_TRUE(isShown(PANEL_STRUCT_SELECTOR));
+    EXPECT_TRUE(UiPanelAttribute(PANEL_STRUCT_SELECTOR, ATTR_VISIBLE));
     EXPECT_EQ(nLItems, 0);
     EXPECT_EQ(names(PANEL_STRUCT_SELECTOR, STRSEL_LIST), "nKp nKi unMode astRamp fScale stLimits ");
     EXPECT_EQ(HL_GetLabels(PANEL_STRUCT_SELECTOR, STRSEL_LIST)[4],
@@ -191,13 +170,11 @@ TEST_F(Selectors, StructuresAreWalkedDownAndUp)
     const char *const paths[] = {"DRV_stParams.astRamp", "DRV_stParams", "", ""};
     for (const char *path : paths) {
         HL_Key(PANEL_STRUCT_SELECTOR, STRSEL_LIST, KEY_BACKSPACE);
-        EXPECT_EQ(textOf(PANEL_STRUCT_SELECTOR, STRSEL_PATH), path);
+        EXPECT_EQ(UiText(PANEL_STRUCT_SELECTOR, STRSEL_PATH), path);
     }
-    EXPECT_TRUE(isDimmed(PANEL_STRUCT_SELECTOR, STRSEL_UP));
-    int line = -1; // where one came from
-    GetCtrlIndex(PANEL_STRUCT_SELECTOR, STRSEL_LIST, &line);
+    EXPECT_TRUE(UiAttribute(PANEL_STRUCT_SELECTOR, STRSEL_UP, ATTR_DIMMED));
     EXPECT_EQ(names(PANEL_STRUCT_SELECTOR, STRSEL_LIST).substr(0, 13), "DRV_stParams ");
-    EXPECT_EQ(line, 0);
+    EXPECT_EQ(UiSelected(PANEL_STRUCT_SELECTOR, STRSEL_LIST), 0); // where one came from
 
     const struct {
         const char *typed, *path, *first; // the first line, or the selected one's expression
@@ -234,7 +211,7 @@ TEST_F(Selectors, LargeArraysComeInPages)
                  {STRSEL_PREVIOUS, "[1000] to [1999] of 2500", "[1000]"}};
     for (const auto &step : steps) {
         HL_CommitControl(PANEL_STRUCT_SELECTOR, step.button);
-        EXPECT_EQ(textOf(PANEL_STRUCT_SELECTOR, STRSEL_COUNT), step.range);
+        EXPECT_EQ(UiText(PANEL_STRUCT_SELECTOR, STRSEL_COUNT), step.range);
         const std::string label = HL_GetLabels(PANEL_STRUCT_SELECTOR, STRSEL_LIST)[0];
         EXPECT_EQ(label.substr(0, label.find('\033')), step.first);
     }
@@ -249,14 +226,14 @@ TEST_F(Selectors, TypeMapsAreOpenedAndReloadedFromTheMenu)
     const std::string bad = write("bad.tmf", "## 1 VARS\n1: 'x' nonsense\n");
     HL_PushAnswer(1, bad);
     HL_ClickMenu(ITEM_OPEN_TYPE_MAP);
-    EXPECT_EQ(textOf(PANEL_MAIN, MAIN_MESSAGE),
+    EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE),
               "Error: Could not open type map file " + bad + ", line 2.");
     EXPECT_EQ(TMF_cnDefVars, 53); // the loaded one stays
     HL_PushAnswer(1, EXAMPLES + "demo.tmf");
     HL_ClickMenu(ITEM_OPEN_TYPE_MAP);
-    const std::string good = textOf(PANEL_MAIN, MAIN_MESSAGE);
+    const std::string good = UiText(PANEL_MAIN, MAIN_MESSAGE);
     EXPECT_EQ(good, "Type map: " + EXAMPLES + "demo.tmf, 53 variables, 4 structures.");
-    EXPECT_NE(textOf(PANEL_MAIN, MAIN_STATE).find("; types: 53 variables, 4 structures"),
+    EXPECT_NE(UiText(PANEL_MAIN, MAIN_STATE).find("; types: 53 variables, 4 structures"),
               std::string::npos);
     // One key reads map and types again; a map that is gone does not take the types along.
     szMapFileName = EXAMPLES + "demo.m66";

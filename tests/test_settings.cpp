@@ -2,13 +2,11 @@
 // that a failed save leaves the old file alone.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-#include <sstream>
-
 #include "app/VR.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
+#include "support/scratch.h"
+#include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "watch/litem.h"
@@ -22,11 +20,6 @@ class Settings : public testing::Test {
 protected:
     void SetUp() override
     {
-        home = std::filesystem::current_path();
-        folder =
-            std::filesystem::temp_directory_path() / ("vireo2-set-" + std::to_string(PLT_TickUs()));
-        std::filesystem::create_directories(folder);
-        std::filesystem::current_path(folder);
         HL_Reset();
         ASSERT_EQ(0, HL_LoadAllPanels());
         mainPanel = 13;
@@ -35,9 +28,6 @@ protected:
     void TearDown() override
     {
         Forget();
-        std::filesystem::current_path(home);
-        std::filesystem::permissions(folder, std::filesystem::perms::owner_all);
-        std::filesystem::remove_all(folder);
         HL_Reset();
     }
     static void Forget()
@@ -53,34 +43,24 @@ protected:
         szMapFileName.clear();
         VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
     }
-    static void Write(const std::string &path, const std::string &text)
-    {
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    static std::string Read(const std::string &path)
-    {
-        std::stringstream text;
-        text << std::ifstream(path, std::ios::binary).rdbuf();
-        return text.str();
-    }
     // Reads settings and gives what a save makes of them.
     static std::string Round(const std::string &text)
     {
         Forget();
-        Write("Vireo2.ini", text);
+        WriteFileText("Vireo2.ini", text);
         EXPECT_EQ(0, OpenIniFile(mainPanel));
         EXPECT_EQ(0, SaveIniFile());
-        return Read("Vireo2.ini");
+        return ReadFileText("Vireo2.ini");
     }
-    std::filesystem::path home, folder;
+    const ScratchFolder folder{true};
 };
 
 const std::string DEFAULTS = "r, AC166\nt, COM166\no+\nm\nd\nb, 19200\np, 1\ns, 1\nCOM, WIN32\n";
 
 TEST_F(Settings, EveryKeySurvives)
 {
-    Write("a.m66", MAP_LINE);
-    Write("w.dbg", "counter, u2\n");
+    WriteFileText("a.m66", MAP_LINE);
+    WriteFileText("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
                             "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n";
     EXPECT_EQ(all, Round(all));
@@ -95,10 +75,10 @@ TEST_F(Settings, EveryKeySurvives)
     EXPECT_EQ(stamp, szMapFileStamp);
     VR_isFullOnce = true; // an option of one run
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ(std::string::npos, Read("Vireo2.ini").find("full"));
+    EXPECT_EQ(std::string::npos, ReadFileText("Vireo2.ini").find("full"));
     openStruct = OPEN_FROM_MEMORY;
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_NE(std::string::npos, Read("Vireo2.ini").find("\nm\n"));
+    EXPECT_NE(std::string::npos, ReadFileText("Vireo2.ini").find("\nm\n"));
 }
 
 TEST_F(Settings, LinesMeanWhatTheySay)
@@ -168,18 +148,18 @@ TEST_F(Settings, PathsWithSeparatorsAndGreatLengthAreFoundAgain)
     std::filesystem::create_directories(deep);
     for (const std::string &path :
          {std::string("a, b; c.dbg"), deep + "/" + std::string(100, 'w')}) {
-        Write(path, "[100], u2\n");
+        WriteFileText(path, "[100], u2\n");
         EXPECT_NE(std::string::npos, Round("d0, " + path + "\n").find("\nd0, " + path + "\n"));
         EXPECT_EQ(1, nLItems);
     }
-    Write("w.dbg", "[100], u2\n");
+    WriteFileText("w.dbg", "[100], u2\n");
     Round("d0, w.dbg, anything ; comment\n");
     EXPECT_EQ("w.dbg", szDebugFileName);
 }
 
 TEST_F(Settings, MapReaderIsThatOfTheProcessorSoFar)
 {
-    Write("t.map", "0000C002   _speed\n");
+    WriteFileText("t.map", "0000C002   _speed\n");
     Round("m, t.map\nr, F283xx\n");
     EXPECT_EQ(0, nNodes) << "read as a C166 map";
     Round("r, F283xx\nm, t.map\n");
@@ -194,21 +174,19 @@ TEST_F(Settings, MissingFileKeepsDefaultsAndIsMadeAtTheEnd)
     EXPECT_EQ(-2, OpenIniFile(mainPanel));
     EXPECT_TRUE(HL_GetPopups().empty());
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ(DEFAULTS, Read("Vireo2.ini"));
+    EXPECT_EQ(DEFAULTS, ReadFileText("Vireo2.ini"));
 }
 
 TEST_F(Settings, FailedSaveLeavesTheOldFile)
 {
-    Write("Vireo2.ini", "s, 9\n");
+    WriteFileText("Vireo2.ini", "s, 9\n");
     ASSERT_EQ(0, OpenIniFile(mainPanel));
     // The folder is gone: nothing can be written beside the old file.
-    std::filesystem::rename(folder, folder.string() + ".away");
+    std::filesystem::rename(folder.path, folder.path + ".away");
     EXPECT_EQ(-1, SaveIniFile());
-    std::string message;
-    EXPECT_EQ(0, GetCtrlVal(mainPanel, 9, &message));
-    EXPECT_EQ("Error open Ini file", message);
-    std::filesystem::rename(folder.string() + ".away", folder);
-    EXPECT_EQ("s, 9\n", Read("Vireo2.ini"));
+    EXPECT_EQ("Error open Ini file", UiText(mainPanel, 9));
+    std::filesystem::rename(folder.path + ".away", folder.path);
+    EXPECT_EQ("s, 9\n", ReadFileText("Vireo2.ini"));
 }
 
 } // namespace

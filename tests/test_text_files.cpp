@@ -1,13 +1,11 @@
+#include "support/scratch.h"
 #include "text/txfr.h"
 #include "text/txfrw.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <fstream>
-#include <iterator>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -16,21 +14,9 @@ using Lines = std::vector<std::string>;
 
 class TextFiles : public testing::Test {
 protected:
-    std::string path = testing::TempDir() + std::to_string(getpid()) + "text_files.txt";
+    const ScratchFolder folder;
+    const std::string path = folder.path + "/text_files.txt";
 
-    void write(const std::string &content)
-    {
-        std::ofstream(path, std::ios::binary) << content;
-    }
-    std::string read()
-    {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }
-    void TearDown() override
-    {
-        std::remove(path.c_str());
-    }
     static Lines linesOf(int handle)
     {
         Lines lines;
@@ -54,7 +40,7 @@ TEST_F(TextFiles, EveryLineEndEndsALine)
                  {std::string("\0\0\0", 3), {}}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.content));
-        write(c.content);
+        WriteFileText(path, c.content);
         const int handle = TXFR_Open(path.c_str());
         ASSERT_EQ(handle, 0); // the slot is free again each time
         Lines lines;
@@ -74,7 +60,7 @@ TEST_F(TextFiles, EveryLineEndEndsALine)
 
 TEST_F(TextFiles, LongLinesComeInPieces)
 {
-    write(std::string(2000, 'x') + "\r\n" + std::string(999, 'y') + "\nend");
+    WriteFileText(path, std::string(2000, 'x') + "\r\n" + std::string(999, 'y') + "\nend");
     const int handle = TXFR_Open(path.c_str());
     char buffer[1000];
     const struct {
@@ -96,7 +82,7 @@ TEST_F(TextFiles, LongLinesComeInPieces)
 
 TEST_F(TextFiles, HandlesRunOut)
 {
-    write("a");
+    WriteFileText(path, "a");
     std::vector<int> readers, texts;
     for (int handle; (handle = TXFR_Open(path.c_str())) >= 0;)
         readers.push_back(handle);
@@ -114,7 +100,7 @@ TEST_F(TextFiles, HandlesRunOut)
 
 TEST_F(TextFiles, ModesAndLimitsOfOpening)
 {
-    write("one");
+    WriteFileText(path, "one");
     const int handle = TXFRW_Open(path.c_str(), "w");
     EXPECT_EQ(TXFRW_GetCnLines(handle), 0); // not read
     const struct {
@@ -130,7 +116,7 @@ TEST_F(TextFiles, ModesAndLimitsOfOpening)
     EXPECT_EQ(TXFRW_Open("no/such/file", "r"), -1);
     for (const size_t length : {998u, 999u, 2000u}) {
         for (const char *end : {"", "\r\nb"}) {
-            write("a\n" + std::string(length, 'x') + end);
+            WriteFileText(path, "a\n" + std::string(length, 'x') + end);
             const int text = TXFRW_Open(path.c_str(), "r");
             EXPECT_EQ(text, length == 998 ? 0 : -1) << length;
             EXPECT_EQ(TXFRW_GetCnLines(text), length > 998 ? -1 : *end != '\0' ? 3 : 2);
@@ -197,17 +183,17 @@ TEST_F(TextFiles, SavingSeparatesLinesAndComesBackTheSame)
         std::remove(path.c_str());
         EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), -1);
         EXPECT_EQ(TXFRW_Save(handle), 0);
-        EXPECT_EQ(read(), c.saved);
+        EXPECT_EQ(ReadFileText(path), c.saved);
         EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), 1) << c.saved;
         TXFRW_AppendLine(handle, "more");
         EXPECT_EQ(TXFRW_IsCtsOnDisk(handle), 0) << c.saved;
         TXFRW_Close(handle);
     }
-    write("old");
+    WriteFileText(path, "old");
     const int handle = TXFRW_Open(path.c_str(), "r");
     TXFRW_AppendLine(handle, "new");
     EXPECT_EQ(TXFRW_Save(handle), -1); // not open for writing
-    EXPECT_EQ(read(), "old");
+    EXPECT_EQ(ReadFileText(path), "old");
     TXFRW_SetFileMode(handle, "w");
     TXFRW_SetFileName(handle, "no/such/folder/file");
     EXPECT_EQ(TXFRW_Save(handle), -1);

@@ -129,7 +129,7 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
          "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
         {"loadcsvn 9000H, i1, 4, 2", "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."}};
     for (const auto &c : cases) {
-        WriteFile("f", c.text);
+        WriteFileText("f", c.text);
         const std::string shown = Run(std::string(c.command) + ", f");
         EXPECT_NE(shown.find(std::string("ERROR - ") + c.message + "\n"), std::string::npos)
             << c.text << shown;
@@ -139,14 +139,14 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
 
 TEST_F(Transfer, GoodListsLoad)
 {
-    WriteFile("f", " +1 \r\n-2\r\n3\r\n4\r\n\r\n");
+    WriteFileText("f", " +1 \r\n-2\r\n3\r\n4\r\n\r\n");
     Run("loadcsv 9000H, i2, 3, f");
     EXPECT_EQ(Peek(0x9000, 8), (std::vector<uint8_t>{1, 0, 0xFE, 0xFF, 3, 0, 0, 0}));
-    WriteFile("f", "2\n 1.5\n-25e-1 ");
+    WriteFileText("f", "2\n 1.5\n-25e-1 ");
     Run("loadcsvn 9100H, f4, 8, 1, f");
     EXPECT_EQ(Peek(0x9100, 8), (std::vector<uint8_t>{0, 0, 0xC0, 0x3F, 0, 0, 0x20, 0xC0}));
     // Names with indexes of their own, as a quoted name leaves them in a header.
-    WriteFile("f", "Ulozeni pole: 'rec[2].a[1]', typ: U1.\r\n9\r\n");
+    WriteFileText("f", "Ulozeni pole: 'rec[2].a[1]', typ: U1.\r\n9\r\n");
     EXPECT_EQ(Run("load 9200H, u1, 1, f"),
               "Zapis do pole: '0x9200[1]'\n\nload 9200H, u1, 1, f -> OK!\n");
     EXPECT_EQ(Peek(0x9200, 1)[0], 9);
@@ -155,8 +155,8 @@ TEST_F(Transfer, GoodListsLoad)
 TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
 {
     UCM_recS.tries = 0; // one wait for the dead target is enough
-    WriteFile("in.bin", std::string(4096, 'x'));
-    WriteFile(
+    WriteFileText("in.bin", std::string(4096, 'x'));
+    WriteFileText(
         "in.txt", Header("U1", 1000) + [] {
             std::string lines;
             for (int i = 0; i < 1000; i++)
@@ -175,7 +175,7 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
          "BinLoad: cancelled by the user."},
         {"load 8000H, u1, 1000, in.txt", "Load: chyba pri zapisu dat do systemu.",
          "Load: preruseno uzivatelem."}};
-    WriteFile("f", "old");
+    WriteFileText("f", "old");
     for (const auto &c : cases) {
         SIM_Options dying;
         dying.demo = false;
@@ -204,7 +204,7 @@ TEST_F(Transfer, FullDisk)
                  {"binsave 8000H, 4096, f", "ERROR - BinSave: file write failure."},
                  {"xsave 8000H, 64, f", "ERROR - XSave: file write failure."},
                  {"si 8000, f, 20", "Could not write f"}};
-    WriteFile("f", "old");
+    WriteFileText("f", "old");
     // Files stop growing as on a full disk.
     rlimit unlimited;
     ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &unlimited), 0);
@@ -227,7 +227,7 @@ TEST_F(Transfer, FailedWriteSaysSo)
     EXPECT_EQ(Run("write 2, 1, 8100H"),
               "ERROR - write: Selhani komunikace.\nwrite 2, 1, 8100H ->Error\n");
     EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
-    WriteFile("f", "int\n5\n");
+    WriteFileText("f", "int\n5\n");
     EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
 }
 
@@ -240,7 +240,7 @@ TEST_F(Transfer, NumberFilesThatAreNone)
                  {"float\n1.5\nabc\n", "\nLoad ...\nLine 3 of the file is not a value.\n"},
                  {"float\n1e99\n", "\nLoad ...\nLine 2 of the file is not a value.\n"}};
     for (const auto &c : cases) {
-        WriteFile("f", c.text);
+        WriteFileText("f", c.text);
         EXPECT_EQ(Run("l 8100, f"), c.shown) << c.text;
     }
 }

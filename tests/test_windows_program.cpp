@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
 #include <sys/wait.h>
 
 #include "platform/system.h"
 #include "sim/sim.h"
+#include "support/scratch.h"
 
 namespace {
 
@@ -21,9 +21,7 @@ constexpr uint32_t SETPOINT_ADDRESS = 0x8010;
 
 std::string ReadText(const fs::path &path)
 {
-    std::stringstream text;
-    text << std::ifstream(path, std::ios::binary).rdbuf();
-    std::string all = text.str();
+    std::string all = ReadFileText(path);
     all.erase(std::remove(all.begin(), all.end(), '\r'), all.end());
     return all;
 }
@@ -48,8 +46,6 @@ protected:
         unsetenv("DISPLAY");
         const bool isPrefixMade = fs::exists(WinePrefix() + "/dosdevices");
         ASSERT_TRUE(isPrefixMade || std::system("wineboot -i >/dev/null 2>&1") == 0);
-        folder = fs::temp_directory_path() / ("vireo2-win-" + std::to_string(PLT_TickUs()));
-        fs::create_directories(folder);
         std::string error;
         SIM_Options options;
         options.demo = false;
@@ -64,14 +60,12 @@ protected:
     {
         if (target)
             SIM_Stop(target);
-        std::error_code ignored;
-        fs::remove_all(folder, ignored);
     }
     // Exit code of the program; what it said is left in `out` and `err`.
     int Run(const std::string &arguments, const std::string &input = "")
     {
         std::ofstream(folder / "in") << input;
-        const std::string line = "cd '" + folder.string() + "' && wine '" WINDOWS_CONSOLE "' " +
+        const std::string line = "cd '" + folder.path + "' && wine '" WINDOWS_CONSOLE "' " +
                                  arguments + " <in >out 2>err";
         const int status = std::system(line.c_str());
         out = ReadText(folder / "out");
@@ -79,7 +73,7 @@ protected:
         return WEXITSTATUS(status);
     }
 
-    fs::path folder;
+    const ScratchFolder folder;
     SIM_Target *target = nullptr;
     std::string out, err;
 };

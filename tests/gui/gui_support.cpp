@@ -1,5 +1,8 @@
 #include "gui/gui_support.h"
 
+#include "app/VR.h"
+#include "support/sim_fixture.h"
+
 #include <QAbstractButton>
 #include <QApplication>
 #include <memory>
@@ -75,6 +78,38 @@ void FaceTest::TearDown()
     ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
     GuiSettle();
     PutCallbacks(false);
+}
+
+void GuiProgramTest::SetUp()
+{
+    std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
+    target = SIMT_Start(PORT, SIM_Options());
+    ASSERT_TRUE(target);
+    char name[] = "vireo2";
+    char *arguments[] = {name, nullptr};
+    ASSERT_EQ(VR_StartUp(1, arguments), 0);
+    GuiShow(PANEL_MAIN);
+    WindowCB(0, ITEM_WATCH_VIEW);
+    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+}
+
+void GuiProgramTest::TearDown()
+{
+    VIR2_StopPeriodicASC();
+    IsDBGChange = 0;
+    szDebugFileName.clear();
+    nDebugFileNames = 0;
+    SetMainPanelAttributes(); // takes the recent files off the menu
+    for (const int panel : {PANEL_ITEM, PANEL_VALUE, PANEL_MEMORY, PANEL_MAIN})
+        HidePanel(panel);
+    unplug();
+}
+
+void GuiProgramTest::unplug()
+{
+    if (target)
+        SIMT_Stop(PORT, target);
+    target = nullptr;
 }
 
 PanelWindow *GuiWindow(int panel)

@@ -12,6 +12,9 @@
 #include "runtime/qt/line_list.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/text_box.h"
+#include "sim/sim.h"
+#include "support/scratch.h"
+#include "support/ui_reading.h"
 #include "ui/resource.h"
 
 struct GuiEvent {
@@ -31,6 +34,20 @@ class FaceTest : public testing::Test {
 protected:
     void SetUp() override;
     void TearDown() override;
+};
+
+// The whole program on the example project and a simulated target, its watch view shown.
+class GuiProgramTest : public testing::Test {
+protected:
+    static constexpr int PATIENCE_MS = 60000; // never reached by a program that works
+    static constexpr int PORT = 1;            // the one in the example's settings
+
+    void SetUp() override;
+    void TearDown() override;
+    void unplug();
+
+    const ScratchFolder folder{true};
+    SIM_Target *target = nullptr;
 };
 
 template <class W = QWidget> W *GuiWidget(int panel, int control)

@@ -5,53 +5,25 @@
 #include <QCompleter>
 #include <QLineEdit>
 #include <QMenu>
-#include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
 
 #include "app/VR.h"
 #include "gui/gui_support.h"
-#include "support/sim_fixture.h"
 #include "watch/litem.h"
 
 namespace {
 
-constexpr int PATIENCE_MS = 60000;         // never reached by a program that works
 constexpr uint32_t TABLE_ADDRESS = 0x8140; // awTable of the example's map
 
-class EditWindows : public testing::Test {
+class EditWindows : public GuiProgramTest {
 protected:
-    static constexpr int PORT = 1; // the one in the example's settings
-
     void SetUp() override
     {
-        const std::filesystem::path work = folder.path().toStdString();
-        std::filesystem::copy(EXAMPLES_DIR, work, std::filesystem::copy_options::recursive);
-        oldFolder = std::filesystem::current_path();
-        std::filesystem::current_path(work);
-        target = SIMT_Start(PORT, SIM_Options());
-        ASSERT_TRUE(target);
-        char name[] = "vireo2";
-        char *arguments[] = {name, nullptr};
-        ASSERT_EQ(VR_StartUp(1, arguments), 0);
-        GuiShow(PANEL_MAIN);
-        WindowCB(0, ITEM_WATCH_VIEW);
+        GuiProgramTest::SetUp();
         list = GuiWidget<LineList>(PANEL_MAIN, MAIN_LIST);
         SetActiveCtrl(PANEL_MAIN, MAIN_LIST);
         SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 0);
-    }
-    void TearDown() override
-    {
-        VIR2_StopPeriodicASC();
-        IsDBGChange = 0;
-        szDebugFileName.clear();
-        nDebugFileNames = 0;
-        SetMainPanelAttributes(); // takes the recent files off the menu
-        for (const int panel : {PANEL_ITEM, PANEL_VALUE, PANEL_MEMORY, PANEL_MAIN})
-            HidePanel(panel);
-        if (target)
-            SIMT_Stop(PORT, target);
-        std::filesystem::current_path(oldFolder);
     }
     static void press(QWidget *widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
     {
@@ -62,16 +34,6 @@ protected:
     {
         return QTest::qWaitForWindowActive(GuiWindow(panel));
     }
-    static std::string text(int panel, int control)
-    {
-        std::string found;
-        GetCtrlVal(panel, control, &found);
-        return found;
-    }
-
-    QTemporaryDir folder;
-    std::filesystem::path oldFolder;
-    SIM_Target *target = nullptr;
     LineList *list = nullptr;
 };
 
@@ -87,7 +49,7 @@ TEST_F(EditWindows, AnItemIsAddedFromItsCompletion)
     press(offered, Qt::Key_Return);
     EXPECT_EQ(name->text(), "awTable");
     ASSERT_TRUE(GuiWindow(PANEL_ITEM)->isVisible()) << "Enter took the completion only";
-    EXPECT_EQ(text(PANEL_ITEM, WITEM_PLACE), "Address 0x008140");
+    EXPECT_EQ(UiText(PANEL_ITEM, WITEM_PLACE), "Address 0x008140");
 
     auto *type = GuiWidget<QComboBox>(PANEL_ITEM, WITEM_TYPE);
     EXPECT_EQ(type->currentText(), "u   unsigned");
@@ -150,14 +112,14 @@ TEST_F(EditWindows, AValueIsWrittenAndReadBack)
     auto *value = GuiWidget<QLineEdit>(PANEL_VALUE, VALUE_NEW);
     QTest::keyClicks(value, "4711");
     press(value, Qt::Key_Return);
-    EXPECT_EQ(text(PANEL_VALUE, VALUE_RESULT), "OK: Written. The target holds 4711.");
+    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "OK: Written. The target holds 4711.");
     uint8_t held[2] = {};
     SIM_Peek(target, 1, TABLE_ADDRESS, held, sizeof held);
     EXPECT_EQ(held[0] | held[1] << 8, 4711);
     held[0] = 0;
     SIM_Poke(target, 1, TABLE_ADDRESS, held, sizeof held);
     EXPECT_TRUE(
-        QTest::qWaitFor([] { return text(PANEL_VALUE, VALUE_HEX) == "0x1200"; }, PATIENCE_MS))
+        QTest::qWaitFor([] { return UiText(PANEL_VALUE, VALUE_HEX) == "0x1200"; }, PATIENCE_MS))
         << "live with the list";
     press(value, Qt::Key_Escape);
     EXPECT_FALSE(GuiWindow(PANEL_VALUE)->isVisible());
@@ -172,14 +134,14 @@ TEST_F(EditWindows, MemoryIsChangedByTheByte)
     address->clear();
     QTest::keyClicks(address, "$8140");
     press(address, Qt::Key_Return);
-    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_RESULT), "Read 64 bytes from station 1.");
+    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_RESULT), "Read 64 bytes from station 1.");
     auto *bytes = GuiWidget<QLineEdit>(PANEL_MEMORY, MEMORY_LINE);
     ASSERT_EQ(bytes->text().size(), 16 * 3 - 1);
     bytes->setFocus();
     bytes->setSelection(0, 2);
     QTest::keyClicks(bytes, "A5");
     press(bytes, Qt::Key_Return);
-    EXPECT_EQ(text(PANEL_MEMORY, MEMORY_RESULT), "OK: Written and read back: 1 byte.");
+    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_RESULT), "OK: Written and read back: 1 byte.");
     uint8_t held = 0;
     SIM_Peek(target, 1, TABLE_ADDRESS, &held, 1);
     EXPECT_EQ(held, 0xA5);

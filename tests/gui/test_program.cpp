@@ -2,8 +2,6 @@
 // clicks and types, and what then stands on the screen.
 #include <QAction>
 #include <QLineEdit>
-#include <QTemporaryDir>
-#include <filesystem>
 
 #include "app/VR.h"
 #include "gui/gui_support.h"
@@ -12,56 +10,11 @@
 
 namespace {
 
-constexpr int PATIENCE_MS = 60000; // never reached by a program that works
-
-class ProgramTest : public testing::Test {
+class ProgramTest : public GuiProgramTest {
 protected:
-    static constexpr int PORT = 1; // the one in the example's settings
-
-    void SetUp() override
-    {
-        const std::filesystem::path work = folder.path().toStdString();
-        std::filesystem::copy(EXAMPLES_DIR, work, std::filesystem::copy_options::recursive);
-        oldFolder = std::filesystem::current_path();
-        std::filesystem::current_path(work);
-        target = SIMT_Start(PORT, SIM_Options());
-        ASSERT_TRUE(target);
-        char name[] = "vireo2";
-        char *arguments[] = {name, nullptr};
-        ASSERT_EQ(VR_StartUp(1, arguments), 0);
-        GuiShow(PANEL_MAIN);
-        WindowCB(0, ITEM_WATCH_VIEW);
-        ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
-    }
-    void TearDown() override
-    {
-        VIR2_StopPeriodicASC();
-        IsDBGChange = 0;
-        HidePanel(PANEL_MAIN);
-        unplug();
-        std::filesystem::current_path(oldFolder);
-    }
-    void unplug()
-    {
-        if (target)
-            SIMT_Stop(PORT, target);
-        target = nullptr;
-    }
     void clickCommunication()
     {
         QTest::mouseClick(GuiWidget(PANEL_MAIN, MAIN_COMM), Qt::LeftButton);
-    }
-    static std::string text(int control)
-    {
-        std::string found;
-        GetCtrlVal(PANEL_MAIN, control, &found);
-        return found;
-    }
-    static int value(int control)
-    {
-        int found = -1;
-        GetCtrlVal(PANEL_MAIN, control, &found);
-        return found;
     }
     static std::string line(int index)
     {
@@ -71,24 +24,20 @@ protected:
     }
     static bool waitForText(int control, const std::string &wanted)
     {
-        return QTest::qWaitFor([&] { return text(control) == wanted; }, PATIENCE_MS);
+        return QTest::qWaitFor([&] { return UiText(PANEL_MAIN, control) == wanted; }, PATIENCE_MS);
     }
-
-    QTemporaryDir folder;
-    std::filesystem::path oldFolder;
-    SIM_Target *target = nullptr;
 };
 
 TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
 {
     ASSERT_GT(nLItems, 2);
-    EXPECT_EQ(value(MAIN_COMM), 0);
-    EXPECT_EQ(value(MAIN_STOPPED), 1);
-    EXPECT_EQ(value(MAIN_LED_MAPFILE), 1);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_LED_MAPFILE), 1);
 
     clickCommunication();
     ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
-    EXPECT_EQ(value(MAIN_STOPPED), 0);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 0);
     const std::string before = line(0);
     EXPECT_NE(before.find("wRamp\033p300l"), std::string::npos);
     EXPECT_TRUE(QTest::qWaitFor([&] { return line(0) != before; }, PATIENCE_MS));
@@ -97,8 +46,8 @@ TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
     Option_AutoOff = 1;
     unplug();
     EXPECT_TRUE(QTest::qWaitFor([] { return isTimer == 0; }, PATIENCE_MS));
-    EXPECT_EQ(value(MAIN_COMM), 0);
-    EXPECT_EQ(value(MAIN_STOPPED), 1);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
 
     setenv("VIREO2_COM1", "/nowhere/at/all", 1);
     QString said;
@@ -108,7 +57,7 @@ TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
     });
     clickCommunication();
     EXPECT_EQ(said, "Error opening serial port 'COM1'.\n(port is not available)");
-    EXPECT_EQ(value(MAIN_COMM), 0);
+    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
 
     target = SIMT_Start(PORT, SIM_Options());
     ASSERT_TRUE(target);
@@ -129,9 +78,7 @@ TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
     for (const auto &step : steps) {
         SetActiveCtrl(PANEL_MAIN, step.focus);
         QTest::keyClick(GuiWidget(PANEL_MAIN, step.focus), Qt::Key(step.key));
-        int selected = -1;
-        GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &selected);
-        EXPECT_EQ(selected, step.selected) << step.focus;
+        EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), step.selected) << step.focus;
     }
 }
 
@@ -145,8 +92,7 @@ TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
     QTest::keyClick(input, Qt::Key_Return);
     EXPECT_EQ(STATION, 2);
     EXPECT_EQ(input->text(), "");
-    std::string shown;
-    GetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, &shown);
+    const std::string shown = UiText(PANEL_CONSOLE, CONSOLE_BOX);
     const std::string answer = "station 2 -> OK!";
     EXPECT_EQ(shown.find(answer), shown.rfind(answer)) << "Enter counts once";
     EXPECT_NE(shown.find(answer), std::string::npos);

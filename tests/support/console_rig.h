@@ -5,8 +5,6 @@
 #define TESTS_SUPPORT_CONSOLE_RIG_H
 
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
@@ -18,7 +16,9 @@
 #include "console/monitor.h"
 #include "console/script.h"
 #include "runtime/headless/headless.h"
+#include "support/scratch.h"
 #include "support/sim_fixture.h"
+#include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 
@@ -26,19 +26,11 @@ constexpr int RIG_PORT = 7;
 
 struct ConsoleRig : testing::Test {
     SIM_Target *target = nullptr;
-    std::string folder;
-    std::string oldFolder;
+    const ScratchFolder folder{true};
     size_t seen = 0; // lines of the text box already taken
 
     void SetUp() override
     {
-        std::string scratch = std::filesystem::temp_directory_path() / "consoleXXXXXX";
-        char current[PATH_MAX_CHARS];
-        ASSERT_NE(mkdtemp(&scratch[0]), nullptr);
-        ASSERT_NE(getcwd(current, sizeof current), nullptr);
-        folder = scratch;
-        oldFolder = current;
-        ASSERT_EQ(chdir(folder.c_str()), 0);
         HL_Reset();
         ASSERT_EQ(HL_LoadAllPanels(), 0);
         mainPanel = PANEL_MAIN;
@@ -54,8 +46,6 @@ struct ConsoleRig : testing::Test {
         UCM_Close();
         if (target)
             SIMT_Stop(RIG_PORT, target);
-        EXPECT_EQ(chdir(oldFolder.c_str()), 0);
-        std::filesystem::remove_all(folder);
         ResetSettings();
         HL_Reset();
     }
@@ -85,15 +75,11 @@ struct ConsoleRig : testing::Test {
     }
     std::string Field()
     {
-        std::string text;
-        GetCtrlVal(PANEL_CONSOLE, CONSOLE_INPUT, &text);
-        return text;
+        return UiText(PANEL_CONSOLE, CONSOLE_INPUT);
     }
     std::string Prompt()
     {
-        std::string text;
-        GetCtrlVal(PANEL_CONSOLE, CONSOLE_PROMPT, &text);
-        return text;
+        return UiText(PANEL_CONSOLE, CONSOLE_PROMPT);
     }
     // Lines the box got since the last call, each with a line feed.
     std::string NewText()
@@ -122,17 +108,10 @@ struct ConsoleRig : testing::Test {
         SIM_Peek(target, STATION, address, bytes.data(), count);
         return bytes;
     }
-    static void WriteFile(const std::string &name, const std::string &text)
-    {
-        std::ofstream(name, std::ios::binary) << text;
-    }
     // "<none>" when there is no such file.
     static std::string ReadFile(const std::string &name)
     {
-        std::ifstream file(name, std::ios::binary);
-        std::stringstream text;
-        text << file.rdbuf();
-        return file ? text.str() : "<none>";
+        return std::filesystem::exists(name) ? ReadFileText(name) : "<none>";
     }
     // A small map: awTable at 8140H, wEnd 3 bytes behind it, nCount at 8002H, byMode at 8102H.
     static void WriteMap(const std::string &name)
@@ -142,7 +121,7 @@ struct ConsoleRig : testing::Test {
              {"08140H   awTable", "08143H   wEnd", "08002H   nCount", "08102H   byMode"})
             text +=
                 std::string(symbol) + std::string(46 - std::string(symbol).size(), ' ') + "NDATA\n";
-        WriteFile(name, text);
+        WriteFileText(name, text);
     }
 };
 

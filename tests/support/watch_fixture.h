@@ -3,10 +3,6 @@
 #ifndef WATCH_FIXTURE_H
 #define WATCH_FIXTURE_H
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -14,7 +10,9 @@
 #include "app/VR.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "support/scratch.h"
 #include "support/sim_fixture.h"
+#include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/edit.h"
@@ -55,8 +53,6 @@ protected:
         nLItems = openLItems = 0;
         szDebugFileName.clear();
         IsDBGChange = 0;
-        if (!folder.empty())
-            std::filesystem::remove_all(folder);
     }
 
     bool connect()
@@ -119,29 +115,18 @@ protected:
 
     std::string path(const std::string &name)
     {
-        if (folder.empty()) {
-            std::string pattern =
-                (std::filesystem::temp_directory_path() / "vireo2-XXXXXX").string();
-            folder = mkdtemp(pattern.data());
-        }
-        return folder + "/" + name;
+        return (folder / name).string();
     }
 
     std::string write(const std::string &name, const std::string &text)
     {
-        std::ofstream(path(name), std::ios::binary) << text;
+        WriteFileText(path(name), text);
         return path(name);
-    }
-
-    static std::string read(const std::string &file)
-    {
-        std::ifstream in(file, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(in), {});
     }
 
     SIM_Target *target = nullptr;
     SIM_Options options;
-    std::string folder;
+    const ScratchFolder folder;
     std::string content;
 
 private:
