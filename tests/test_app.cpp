@@ -7,7 +7,6 @@
 #include "app/VR.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
-#include "platform/system.h"
 #include "runtime/headless/headless.h"
 #include "sim/sim.h"
 #include "support/scratch.h"

@@ -35,16 +35,11 @@ protected:
         WatchTest::TearDown();
     }
 
-    static std::string item(int index)
-    {
-        return LIT_FileLine(aLItems[index]);
-    }
-
     static Texts items()
     {
         Texts lines;
         for (int i = 0; i < nLItems; ++i)
-            lines.push_back(item(i));
+            lines.push_back(LIT_FileLine(aLItems[i]));
         return lines;
     }
 

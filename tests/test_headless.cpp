@@ -71,28 +71,6 @@ TEST_F(Headless, WrongNumbersAndKindsAreErrors)
     EXPECT_EQ(UIE_NOT_LOADED, LoadPanel(PANEL_MAIN, PANEL_CONSOLE));
 }
 
-TEST_F(Headless, ListKeepsSelectionWhileLinesComeAndGo)
-{
-    for (int i = 0; i < 4; i++)
-        EXPECT_EQ(0, InsertListItem(PANEL_MAIN, MAIN_LIST, -1, std::string(1, char('a' + i)), i));
-    int index = 0, value = 0;
-    EXPECT_EQ(0, GetCtrlIndex(PANEL_MAIN, MAIN_LIST, &index));
-    EXPECT_EQ(-1, index);
-    EXPECT_EQ(0, SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 2));
-    EXPECT_EQ(0, InsertListItem(PANEL_MAIN, MAIN_LIST, 0, "new", 9));
-    EXPECT_EQ(0, DeleteListItem(PANEL_MAIN, MAIN_LIST, 1, 1));
-    EXPECT_EQ((std::vector<std::string>{"new", "b", "c", "d"}),
-              HL_GetLabels(PANEL_MAIN, MAIN_LIST));
-    EXPECT_EQ(0, GetCtrlVal(PANEL_MAIN, MAIN_LIST, &index));
-    EXPECT_EQ(2, index);
-    EXPECT_EQ(0, GetValueFromIndex(PANEL_MAIN, MAIN_LIST, index, &value));
-    EXPECT_EQ(2, value);
-    EXPECT_EQ(0, SetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, 100));
-    EXPECT_EQ(0, GetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, &value));
-    EXPECT_EQ(3, value);
-    EXPECT_EQ(UIE_BAD_INDEX, DeleteListItem(PANEL_MAIN, MAIN_LIST, 2, 3));
-}
-
 TEST_F(Headless, ConsoleBoxPrintsWhatItShows)
 {
     std::FILE *out = std::tmpfile();
@@ -138,34 +116,6 @@ TEST_F(Headless, QuestionsTakeQueueThenStandingAnswer)
 }
 
 int ticks;
-int nClicked;
-
-void CountClick(int, int item)
-{
-    nClicked = item;
-}
-
-TEST_F(Headless, MenuItemsComeGoAndRespectDimming)
-{
-    const int bar = GetPanelMenuBar(PANEL_MAIN);
-    const int first =
-        NewMenuItem(bar, MENU_FILE, "__1 a", ITEM_RECENT_END, KEY_CTRL | '1', CountClick);
-    const int second =
-        NewMenuItem(bar, MENU_FILE, "__2 b", ITEM_RECENT_END, KEY_CTRL | '2', CountClick);
-    ASSERT_GE(first, 1000);
-    const std::vector<int> items = HL_GetMenuItems(MENU_FILE);
-    const auto place = std::find(items.begin(), items.end(), first);
-    ASSERT_LT(place + 2, items.end());
-    EXPECT_EQ(second, place[1]);
-    EXPECT_EQ(ITEM_RECENT_END, place[2]);
-    HL_Key(PANEL_MAIN, 0, KEY_CTRL | '2');
-    EXPECT_EQ(second, nClicked);
-    EXPECT_EQ(0, SetMenuBarAttribute(bar, first, ATTR_DIMMED, 1));
-    EXPECT_EQ(HL_DIMMED, HL_ClickMenu(first));
-    EXPECT_EQ(0, DiscardMenuItem(bar, first));
-    EXPECT_EQ(UIE_NO_ITEM, DiscardMenuItem(bar, first));
-}
-
 TEST_F(Headless, LoopRunsItsDriverAndTimersWaitUntilResumed)
 {
     EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER)) << "the program starts suspended";
@@ -181,18 +131,6 @@ TEST_F(Headless, LoopRunsItsDriverAndTimersWaitUntilResumed)
     EXPECT_EQ(0, HL_WaitTimer(PANEL_MAIN, MAIN_TIMER, [] { return true; }));
     QuitUserInterface(3);
     EXPECT_EQ(3, RunUserInterface()) << "a loop that was left before it began ends at once";
-}
-
-TEST_F(Headless, ProgressIsCancelledOnceAndForAll)
-{
-    const int dialog = CreateProgressDialog("Saving", "");
-    ASSERT_GT(dialog, 0);
-    HL_CancelProgressAt(2);
-    EXPECT_EQ(0, UpdateProgressDialog(dialog, 10, ""));
-    EXPECT_EQ(1, UpdateProgressDialog(dialog, 20, ""));
-    EXPECT_EQ(1, UpdateProgressDialog(dialog, 30, ""));
-    EXPECT_EQ(0, DiscardProgressDialog(dialog));
-    EXPECT_LT(UpdateProgressDialog(dialog, 40, ""), 0);
 }
 
 TEST(ListColumns, EscapesStartColumnsAndAnythingElseIsText)

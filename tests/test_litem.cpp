@@ -51,19 +51,11 @@ TEST_F(LItems, LinesAndTheirSavedForm)
                  {"Known, [0x100], u1", "Known", 0x300, 'u', 1, -1, 0, "Known, u1"},
                  {"Name, [0x100, u1", "Name", 0x100, 'u', 1, -1, 1, "Name, [0x100], u1"},
                  {"Name, [zz], u1", "Name", 0, 'u', 1, -1, 1, "Name, [0x0], u1"},
-                 {"[123456789], u1", "", NONE, 'u', 1, -1, 0, "[0xFFFFFFFF], u1"},
-                 {"Name", nullptr, 0, 0, 0, 0, 0, ""},
-                 {"Name, u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
-                 {"Name, [1], u1, u2", nullptr, 0, 0, 0, 0, 0, ""},
-                 {"[12AB]", nullptr, 0, 0, 0, 0, 0, ""},
-                 {"[], u2", nullptr, 0, 0, 0, 0, 0, ""},
-                 {" ; Name, u2", nullptr, 0, 0, 0, 0, 0, ""}};
+                 {"[123456789], u1", "", NONE, 'u', 1, -1, 0, "[0xFFFFFFFF], u1"}};
     for (const auto &c : cases) {
         ASSERT_EQ(load(c.line), 0) << c.line;
-        ASSERT_EQ(nLItems, c.name ? 1 : 0) << c.line;
-        EXPECT_EQ(saved(), *c.saved ? std::string(c.saved) + "\r\n" : "") << c.line;
-        if (!c.name)
-            continue;
+        ASSERT_EQ(nLItems, 1) << c.line;
+        EXPECT_EQ(saved(), std::string(c.saved) + "\r\n") << c.line;
         const LItem &item = aLItems[0];
         EXPECT_EQ(item.name, c.name);
         EXPECT_EQ(item.address, c.address) << c.line;
@@ -74,6 +66,12 @@ TEST_F(LItems, LinesAndTheirSavedForm)
         // What was saved loads as the same item.
         ASSERT_EQ(load(ReadFileText(szDebugFileName)), 0);
         EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
+    }
+    for (const char *line :
+         {"Name", "Name, u1, u2", "Name, [1], u1, u2", "[12AB]", "[], u2", " ; Name, u2"}) {
+        ASSERT_EQ(load(line), 0) << line;
+        EXPECT_EQ(nLItems, 0) << line;
+        EXPECT_EQ(saved(), "") << line;
     }
 }
 
@@ -293,38 +291,36 @@ TEST_F(LItems, AddingItems)
     addSymbol("Rec", 0x400);
     const struct {
         const char *text, *type;
-        int result;
         const char *saved;
-    } cases[] = {{" DLLD_wCount ", "", 0, "DLLD_wCount, u2"},
-                 {"3:Rec.fSpeed", "", 0, "3:Rec.fSpeed, f"},
-                 {"cnt", "", 0, "cnt, i2"},
-                 {"&dwLoad", "u2", 0, "&dwLoad, u4"},
-                 {"[1F00]", "x8", 0, "[0x1F00], x8"},
-                 {"$1F00", "b", 0, "[0x1F00], b1"},
-                 {"&0x1F00", "f", 0, "&[0x1F00], f"},
-                 {"0x1000000", "u2", EDT_ERR_ADDRESS, ""},
-                 {"[zz]", "u2", EDT_ERR_ADDRESS, ""},
-                 {"", "u2", EDT_ERR_NAME, ""},
-                 {"&", "u2", EDT_ERR_NAME, ""},
-                 {"a,b", "u2", EDT_ERR_NAME, ""},
-                 {"a;b", "u2", EDT_ERR_NAME, ""},
-                 {"a\nb", "u2", EDT_ERR_NAME, ""},
-                 {"Rec", "u3", EDT_ERR_TYPE, ""},
-                 {"Rec", "f2", EDT_ERR_TYPE, ""},
-                 {"&Rec", "b", EDT_ERR_TYPE, ""}};
+    } cases[] = {{" DLLD_wCount ", "", "DLLD_wCount, u2"},
+                 {"3:Rec.fSpeed", "", "3:Rec.fSpeed, f"},
+                 {"cnt", "", "cnt, i2"},
+                 {"&dwLoad", "u2", "&dwLoad, u4"},
+                 {"[1F00]", "x8", "[0x1F00], x8"},
+                 {"$1F00", "b", "[0x1F00], b1"},
+                 {"&0x1F00", "f", "&[0x1F00], f"}};
     for (const auto &c : cases) {
         nLItems = IsDBGChange = 0;
-        EXPECT_EQ(EDT_AddText(c.text, c.type, EDT_AT_END), c.result) << c.text;
-        EXPECT_EQ(IsDBGChange, c.result == 0) << c.text;
-        ASSERT_EQ(nLItems, c.result == 0 ? 1 : 0) << c.text;
-        if (c.result == 0) {
-            EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
-            ASSERT_EQ(load(std::string(c.saved) + "\n"), 0);
-            EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
-        } else {
-            EXPECT_STRNE(EDT_ErrorText(c.result), "");
-        }
+        EXPECT_EQ(EDT_AddText(c.text, c.type, EDT_AT_END), 0) << c.text;
+        EXPECT_EQ(IsDBGChange, 1) << c.text;
+        ASSERT_EQ(nLItems, 1) << c.text;
+        EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
+        ASSERT_EQ(load(std::string(c.saved) + "\n"), 0);
+        EXPECT_EQ(LIT_FileLine(aLItems[0]), c.saved);
     }
+    nLItems = IsDBGChange = 0;
+    const std::vector<std::tuple<int, const char *, std::vector<const char *>>> refused = {
+        {EDT_ERR_ADDRESS, "u2", {"0x1000000", "[zz]"}},
+        {EDT_ERR_NAME, "u2", {"", "&", "a,b", "a;b", "a\nb"}},
+        {EDT_ERR_TYPE, "u3", {"Rec"}},
+        {EDT_ERR_TYPE, "f2", {"Rec"}},
+        {EDT_ERR_TYPE, "b", {"&Rec"}}};
+    for (const auto &[error, type, texts] : refused)
+        for (const char *text : texts)
+            EXPECT_EQ(EDT_AddText(text, type, EDT_AT_END), error) << text;
+    for (const int error : {EDT_ERR_ADDRESS, EDT_ERR_NAME, EDT_ERR_TYPE})
+        EXPECT_STRNE(EDT_ErrorText(error), "");
+    EXPECT_EQ(nLItems + IsDBGChange, 0);
     nLItems = LITEMS_MAX;
     EXPECT_EQ(EDT_AddText("Rec", "u2", 0), EDT_ERR_FULL);
 }

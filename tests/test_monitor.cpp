@@ -232,11 +232,4 @@ TEST_F(Monitor, ValueEntryEndsOnFailure)
     EXPECT_EQ(Prompt(), "S166 >");
 }
 
-TEST_F(Monitor, ExitLeavesTheMonitor)
-{
-    CON_isExit = false;
-    EXPECT_EQ(Run("exit"), "exit -> OK!\n");
-    EXPECT_TRUE(CON_isExit);
-}
-
 } // namespace

@@ -228,6 +228,7 @@ TEST_F(Selectors, TypeMapsAreOpenedAndReloadedFromTheMenu)
     HL_ClickMenu(ITEM_OPEN_TYPE_MAP);
     EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE),
               "Error: Could not open type map file " + bad + ", line 2.");
+    EXPECT_EQ(TMF_OpenMap("no/such/file"), -1);
     EXPECT_EQ(TMF_cnDefVars, 53); // the loaded one stays
     HL_PushAnswer(1, EXAMPLES + "demo.tmf");
     HL_ClickMenu(ITEM_OPEN_TYPE_MAP);

@@ -96,16 +96,6 @@ TEST_F(SimTest, FindsFramesAmongGarbageAndStaysSilentOtherwise)
     EXPECT_EQ(counters.malformed, 3U);
 }
 
-TEST_F(SimTest, EchoesTheRequestBeforeTheAnswer)
-{
-    SIM_Options options;
-    options.echo = true;
-    options.baud = 115200;
-    start(options);
-    send(READ_NOTHING);
-    EXPECT_EQ(receive(2), std::string(READ_NOTHING) + NOTHING);
-}
-
 TEST_F(SimTest, AnswersNeverComeBeforeTheirTimeOnTheWire)
 {
     SIM_Options options;
@@ -159,21 +149,6 @@ TEST(SimFaults, FollowTheSeed)
     options.drop = options.corrupt = 0;
     options.silentAfter = 3;
     EXPECT_EQ(faultsOf(options, 7), "..." + std::string(197, '-'));
-}
-
-TEST_F(SimTest, ACorruptedAnswerDiffersInOneCharacter)
-{
-    SIM_Options options;
-    options.corrupt = 1;
-    start(options);
-    send(READ_NOTHING);
-    std::string got(10, 0);
-    for (size_t i = 0; i < got.size(); i++)
-        ASSERT_EQ(read(port, &got[i], 1), 1);
-    int differences = 0;
-    for (size_t i = 0; i < got.size(); i++)
-        differences += got[i] != NOTHING[i];
-    EXPECT_EQ(differences, 1);
 }
 
 const char MAILBOX_ADDRESS[] = "\0321804C0030410040000A5A5A5A5A5A5A5A5A5A5A5A5B67E\x03";

@@ -1,7 +1,6 @@
 // The wire trace: what a record says, the bounds of the ring, the sink.
 #include "support/link_fixture.h"
 
-#include <cstring>
 #include <regex>
 
 namespace {
@@ -51,35 +50,6 @@ TEST_F(LinkTest, TheSinkTellsEveryExchange)
 #N T COM61 at 9600 baud, run-time driver: closed
 #N T COM61 at 12345 baud, run-time driver: port is not available
 )");
-}
-
-TEST_F(LinkTest, TheRingIsBoundedAndOffMeansOff)
-{
-    plug();
-    ASSERT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
-    uint8_t got[64];
-    EXPECT_FALSE(TRC_isOn);
-    TRC_Enable(3);
-    for (uint32_t address = 0; address < 5; ++address)
-        UCM_Read(1, address, 1, got);
-    ASSERT_EQ(TRC_Count(), 3u);
-    for (size_t i = 0; i < 3; ++i)
-        EXPECT_NE(TRC_Get(i)->request.find("00000" + std::to_string(2 + i)), std::string::npos);
-    EXPECT_EQ(TRC_Get(2)->number - TRC_Get(0)->number, 2u);
-    EXPECT_EQ(TRC_Get(3), nullptr);
-    TRC_Pause(true);
-    EXPECT_FALSE(TRC_isOn);
-    UCM_Read(1, 9, 1, got);
-    EXPECT_NE(TRC_Get(2)->request.find("000004"), std::string::npos);
-    TRC_Pause(false);
-    UCM_Read(1, 8, 1, got);
-    EXPECT_NE(TRC_Get(2)->request.find("000008"), std::string::npos);
-    TRC_Clear();
-    EXPECT_EQ(TRC_Count(), 0u);
-    TRC_Enable(0);
-    EXPECT_FALSE(TRC_isOn);
-    UCM_Read(1, 0, 1, got);
-    EXPECT_EQ(TRC_Count(), 0u);
 }
 
 TEST(Trace, KeepsWhatFitsAndSaysWhatDoesNot)

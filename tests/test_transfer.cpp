@@ -82,36 +82,36 @@ TEST_F(Transfer, HexLinesEndAtMultiplesOf16)
 
 TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
 {
+    const char *const LOAD = "load 9000H, u2, 2", *const CSV = "loadcsv 9000H, i1, 2",
+                      *const CSVN = "loadcsvn 9000H, i1, 4, 2";
+    const char *const HEADER_FAULT = "Load: Soubor 'f' ma neplatnou hlavicku.";
+    const char *const TYPE_FAULT = "Load: typ ulozenych dat neodpovida parametrum prikazu.";
+    const char *const COUNT_FAULT =
+        "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'.";
     const std::string good = Header("U2", 2);
     const struct {
         const char *command;
         std::string text;
         const char *message;
     } cases[] = {
-        {"load 9000H, u2, 2", "", "Load: Soubor 'f' ma neplatnou hlavicku."},
-        {"load 9000H, u2, 2", "Ulozeni pole 'a[2]', typ: U2.\n1\n2\n",
-         "Load: Soubor 'f' ma neplatnou hlavicku."},
-        {"load 9000H, u2, 2", "Ulozeni pole: 'a[02]', typ: U2.\n1\n2\n",
-         "Load: Soubor 'f' ma neplatnou hlavicku."},
-        {"load 9000H, u2, 2", "Ulozeni pole: 'a[2]', typ: U2\n1\n2\n",
-         "Load: Soubor 'f' ma neplatnou hlavicku."},
-        {"load 9000H, u2, 2", "Ulozeni pole: 'a[1000000]', typ: U2.\n1\n2\n",
+        {LOAD, "", HEADER_FAULT},
+        {LOAD, "Ulozeni pole 'a[2]', typ: U2.\n1\n2\n", HEADER_FAULT},
+        {LOAD, "Ulozeni pole: 'a[02]', typ: U2.\n1\n2\n", HEADER_FAULT},
+        {LOAD, "Ulozeni pole: 'a[2]', typ: U2\n1\n2\n", HEADER_FAULT},
+        {LOAD, "Ulozeni pole: 'a[1000000]', typ: U2.\n1\n2\n",
          "Load: Soubor 'f' deklaruje prilis mnoho prvku."},
-        {"load 9000H, u2, 2", Header("U2", 1) + "1\n2\n", "Load: Soubor 'f' deklaruje malo prvku."},
-        {"load 9000H, u2, 2", Header("I2", 2) + "1\n2\n",
-         "Load: typ ulozenych dat neodpovida parametrum prikazu."},
-        {"load 9000H, u2, 2", Header("F2", 2) + "1\n2\n",
-         "Load: typ ulozenych dat neodpovida parametrum prikazu."},
-        {"load 9000H, u2, 2", good + "1\n", "Load: Chyba pri cteni souboru 'f', (radek 3)."},
-        {"load 9000H, u2, 2", good + "1\n2,\n", "Load: chyba v souboru 'f', na radku 3."},
-        {"load 9000H, u2, 2", good + "1\n65536\n", "Load: chyba v souboru 'f', na radku 3."},
-        {"load 9000H, u2, 2", good + "-1\n2\n", "Load: chyba v souboru 'f', na radku 2."},
-        {"load 9000H, u2, 2", good + std::string(600, '1') + "\n2\n",
-         "Load: chyba v souboru 'f', na radku 2."},
-        {"loadcsv 9000H, i1, 2", "127\n\n", "LoadCSV: chyba pri cteni 'f' (radek 2)."},
-        {"loadcsv 9000H, i1, 2", "1\n2\n\nx\n", "LoadCSV: chyba pri cteni 'f' (radek 4)."},
-        {"loadcsv 9000H, i1, 2", "127\n128\n", "LoadCSV: chyba v souboru 'f', na radku 2."},
-        {"loadcsv 9000H, i1, 2", "-129\n1\n", "LoadCSV: chyba v souboru 'f', na radku 1."},
+        {LOAD, Header("U2", 1) + "1\n2\n", "Load: Soubor 'f' deklaruje malo prvku."},
+        {LOAD, Header("I2", 2) + "1\n2\n", TYPE_FAULT},
+        {LOAD, Header("F2", 2) + "1\n2\n", TYPE_FAULT},
+        {LOAD, good + "1\n", "Load: Chyba pri cteni souboru 'f', (radek 3)."},
+        {LOAD, good + "1\n2,\n", "Load: chyba v souboru 'f', na radku 3."},
+        {LOAD, good + "1\n65536\n", "Load: chyba v souboru 'f', na radku 3."},
+        {LOAD, good + "-1\n2\n", "Load: chyba v souboru 'f', na radku 2."},
+        {LOAD, good + std::string(600, '1') + "\n2\n", "Load: chyba v souboru 'f', na radku 2."},
+        {CSV, "127\n\n", "LoadCSV: chyba pri cteni 'f' (radek 2)."},
+        {CSV, "1\n2\n\nx\n", "LoadCSV: chyba pri cteni 'f' (radek 4)."},
+        {CSV, "127\n128\n", "LoadCSV: chyba v souboru 'f', na radku 2."},
+        {CSV, "-129\n1\n", "LoadCSV: chyba v souboru 'f', na radku 1."},
         {"loadcsv 9000H, i4, 1", "2147483648", "LoadCSV: chyba v souboru 'f', na radku 1."},
         {"loadcsv 9000H, u4, 1", "4294967296", "LoadCSV: chyba v souboru 'f', na radku 1."},
         {"loadcsv 9000H, u4, 1", "99999999999999999999",
@@ -119,15 +119,12 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
         {"loadcsv 9000H, f4, 1", "1e39", "LoadCSV: chyba v souboru 'f', na radku 1."},
         {"loadcsv 9000H, f4, 1", "1.5 e3", "LoadCSV: chyba pri cteni 'f' (radek 1)."},
         {"loadcsv 9000H, f4, 1", "1e", "LoadCSV: chyba pri cteni 'f' (radek 1)."},
-        {"loadcsvn 9000H, i1, 4, 2", "", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
-        {"loadcsvn 9000H, i1, 4, 2", "x\n1\n", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
-        {"loadcsvn 9000H, i1, 4, 2", "1\n1\n",
-         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
-        {"loadcsvn 9000H, i1, 4, 2", "5\n1\n2\n3\n4\n5\n",
-         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
-        {"loadcsvn 9000H, i1, 4, 2", "99999999999\n",
-         "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru 'f'."},
-        {"loadcsvn 9000H, i1, 4, 2", "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."}};
+        {CSVN, "", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
+        {CSVN, "x\n1\n", "LoadCSVN: chyba pri cteni 'f' (radek 1)."},
+        {CSVN, "1\n1\n", COUNT_FAULT},
+        {CSVN, "5\n1\n2\n3\n4\n5\n", COUNT_FAULT},
+        {CSVN, "99999999999\n", COUNT_FAULT},
+        {CSVN, "3\n1\n2\n", "LoadCSVN: chyba pri cteni 'f' (radek 4)."}};
     for (const auto &c : cases) {
         WriteFileText("f", c.text);
         const std::string shown = Run(std::string(c.command) + ", f");

@@ -102,24 +102,18 @@ TEST_F(LinkTest, TriesReasonsAndStatistics)
     EXPECT_EQ(UCM_LastErrorText(), "");
     UCM_recS.tries = 1;
     const struct {
-        SIM_Options faults;
+        int silentAfter;
+        uint32_t stations;
         int code;
         const char *reason;
-    } cases[] = {{[] {
-                      SIM_Options o;
-                      o.silentAfter = 0;
-                      return o;
-                  }(),
-                  0, "no answer"},
-                 {[] {
-                      SIM_Options o;
-                      o.stations = 0;
-                      return o;
-                  }(),
-                  0, "no answer"},
-                 {SIM_Options(), 66, "target error code 66"}};
+    } cases[] = {{0, 0xFFFF, 0, "no answer"},
+                 {-1, 0, 0, "no answer"},
+                 {-1, 0xFFFF, 66, "target error code 66"}};
     for (const auto &item : cases) {
-        SIM_SetFaults(target, item.faults);
+        SIM_Options faults;
+        faults.silentAfter = item.silentAfter;
+        faults.stations = item.stations;
+        SIM_SetFaults(target, faults);
         SIM_SetErrorCode(target, 0, item.code);
         EXPECT_EQ(UCM_Read(1, 0, 8, bytes), -1);
         EXPECT_EQ(UCM_LastErrorText(), item.reason);

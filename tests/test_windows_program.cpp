@@ -8,7 +8,6 @@
 #include <fstream>
 #include <sys/wait.h>
 
-#include "platform/system.h"
 #include "sim/sim.h"
 #include "support/scratch.h"
 

@@ -125,28 +125,6 @@ TEST_F(EditWindows, AValueIsWrittenAndReadBack)
     EXPECT_FALSE(GuiWindow(PANEL_VALUE)->isVisible());
 }
 
-TEST_F(EditWindows, MemoryIsChangedByTheByte)
-{
-    QTest::mouseClick(GuiWidget(PANEL_MAIN, MAIN_COMM), Qt::LeftButton);
-    press(list, Qt::Key_M, Qt::ControlModifier | Qt::ShiftModifier);
-    ASSERT_TRUE(waitForWindow(PANEL_MEMORY));
-    auto *address = GuiWidget<QLineEdit>(PANEL_MEMORY, MEMORY_ADDRESS);
-    address->clear();
-    QTest::keyClicks(address, "$8140");
-    press(address, Qt::Key_Return);
-    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_RESULT), "Read 64 bytes from station 1.");
-    auto *bytes = GuiWidget<QLineEdit>(PANEL_MEMORY, MEMORY_LINE);
-    ASSERT_EQ(bytes->text().size(), 16 * 3 - 1);
-    bytes->setFocus();
-    bytes->setSelection(0, 2);
-    QTest::keyClicks(bytes, "A5");
-    press(bytes, Qt::Key_Return);
-    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_RESULT), "OK: Written and read back: 1 byte.");
-    uint8_t held = 0;
-    SIM_Peek(target, 1, TABLE_ADDRESS, &held, 1);
-    EXPECT_EQ(held, 0xA5);
-}
-
 TEST_F(EditWindows, TurningBackAsksAboutAFileThatAnEditorChanged)
 {
     press(list, Qt::Key_F2);

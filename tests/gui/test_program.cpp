@@ -49,16 +49,6 @@ TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
     EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
     EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
 
-    setenv("VIREO2_COM1", "/nowhere/at/all", 1);
-    QString said;
-    GuiAnswerNext([&](QWidget *popup) {
-        said = popup->property("text").toString();
-        GuiClickButton(popup, "OK");
-    });
-    clickCommunication();
-    EXPECT_EQ(said, "Error opening serial port 'COM1'.\n(port is not available)");
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
-
     target = SIMT_Start(PORT, SIM_Options());
     ASSERT_TRUE(target);
     clickCommunication();
@@ -103,22 +93,6 @@ TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(input->isVisible());
     EXPECT_EQ(GuiWindow(PANEL_MAIN)->size(), QSize(780, 491));
-}
-
-TEST_F(ProgramTest, AsksBeforeItEnds)
-{
-    IsDBGChange = 1;
-    GuiAnswerNext([](QWidget *popup) { GuiClickButton(popup, "Cancel"); });
-    GuiWindow(PANEL_MAIN)->close();
-    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
-    EXPECT_EQ(IsDBGChange, 1);
-
-    GuiShow(PANEL_MAIN);
-    QTimer::singleShot(
-        0, [] { QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier); });
-    GuiAnswerNext([](QWidget *popup) { GuiClickButton(popup, "No"); });
-    EXPECT_EQ(RunUserInterface(), 0);
-    EXPECT_EQ(IsDBGChange, 0);
 }
 
 } // namespace
