@@ -112,7 +112,7 @@ bool IsPattern(const QString &spec)
     return spec.contains('*') || spec.contains('?');
 }
 
-// "*.dbg;*.dat" as the dialog wants it, the spec's own pattern after it.
+// "*.dbg;*.dat" as the dialog wants it, the pattern that was asked for after it.
 QStringList NameFilters(const QString &spec, const QString &types)
 {
     QStringList filters;
