@@ -203,7 +203,9 @@ TEST_F(ConsoleProgram, WatchEndsWithOneWhenTheTargetDoesNotAnswer)
     const Outcome quiet = Run("--watch w.dbg --sweeps 5 --format csv");
     EXPECT_EQ(1, quiet.code);
     EXPECT_NE(std::string::npos, quiet.out.find("1,,0x001000,u,2,,,1\n"));
-    EXPECT_NE(std::string::npos, quiet.err.find("switched off"));
+    const size_t said = quiet.err.find("Communication switched off: ");
+    EXPECT_NE(std::string::npos, said);
+    EXPECT_EQ(said, quiet.err.rfind("Communication switched off: ")) << "once";
     EXPECT_EQ(1, Run("--watch missing.dbg --sweeps 1").code);
     Write("empty.dbg", "; nothing\n");
     EXPECT_EQ(1, Run("--watch empty.dbg --sweeps 1").code);

@@ -177,6 +177,33 @@ TEST_P(BothDrivers, SilenceIsTriedAgainAndCounted)
     }
 }
 
+// An answer says neither what it answers nor when it was asked for.
+TEST_P(BothDrivers, LateAnswersAreNotTakenForTheNextOnes)
+{
+    constexpr uint32_t TIMEOUT_MS = 100;
+    options.delayMs = 130;
+    plug();
+    uint8_t cells[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    SIM_Poke(target, 1, 0x8000, cells, sizeof cells);
+    open(TIMEOUT_MS);
+    const Counts before;
+    constexpr uint32_t SIZES[] = {2, 2, 4, 1, 1, 4};
+    for (uint32_t i = 0; i < 12; ++i) {
+        uint8_t got[4] = {};
+        const uint32_t place = i % 5, size = SIZES[i % 6];
+        if (Mr166_Read(1, 0x8000 + place, size, got) == 0) {
+            EXPECT_EQ(std::memcmp(got, cells + place, size), 0) << "read " << i;
+        }
+    }
+    EXPECT_GT(EC_wTimeErr, before.time) << "no answer was late";
+    EXPECT_GT(EC_dwMsgOk, before.ok);
+    options.delayMs = 0;
+    SIM_SetFaults(target, options);
+    uint8_t all[4] = {};
+    EXPECT_EQ(Mr166_Read(1, 0x8000, 4, all), 0);
+    EXPECT_EQ(std::memcmp(all, cells, sizeof all), 0);
+}
+
 TEST_P(BothDrivers, TargetErrorCodePassesThrough)
 {
     open(HASTY_MS * 10); // the one-read driver waits for the data that does not come

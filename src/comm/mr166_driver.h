@@ -13,6 +13,8 @@ struct Mr166_Driver {
     void (*dropQueues)(); // before a request: nothing old may be taken for its answer
     int (*frameOut)();
     bool (*isGone)(); // the open port's device is not there any more
+    // What has arrived, waiting up to `waitMs` for the first byte; negative when the port is gone.
+    int (*readSome)(char *buffer, size_t capacity, unsigned waitMs);
     int (*message)(int station, int command, uint32_t address, uint16_t word, const void *data);
 };
 const Mr166_Driver &MrASC_Driver(); // the selected one

@@ -3,6 +3,7 @@
 
 #include "comm/failures.h"
 #include "comm/mr166_driver.h"
+#include "comm/mr166_late.h"
 #include "comm/trace.h"
 #include "runtime/rs232.h"
 
@@ -62,11 +63,25 @@ bool IsGoneNI()
     return GetInQLen(portNI) < 0;
 }
 
+int ReadSomeWin32(char *buffer, size_t capacity, unsigned waitMs)
+{
+    return SER_ReadSome(MR166_hCom, buffer, capacity, waitMs);
+}
+
+int ReadSomeNI(char *buffer, size_t capacity, unsigned waitMs)
+{
+    const int waiting = WaitInQ(portNI, waitMs);
+    int count = 0;
+    while (count < waiting && static_cast<size_t>(count) < capacity)
+        buffer[count++] = static_cast<char>(ComRdByte(portNI));
+    return waiting < 0 ? waiting : count;
+}
+
 constexpr Mr166_Driver DRIVERS[] = {
-    {"run-time driver", MrASC_OpenNI, MrASC_CloseNI, DropQueuesNI, FrameOutNI, IsGoneNI,
+    {"run-time driver", MrASC_OpenNI, MrASC_CloseNI, DropQueuesNI, FrameOutNI, IsGoneNI, ReadSomeNI,
      mr166MessageNI},
     {"Win32 driver", MrASC_OpenWin32, MrASC_CloseWin32, DropQueuesWin32, FrameOutWin32, IsGoneWin32,
-     mr166MessageWin32},
+     ReadSomeWin32, mr166MessageWin32},
 };
 
 int ConfigureWin32(int baud)
@@ -92,6 +107,7 @@ bool ExchangeBlock(int station, int command, uint32_t address, uint16_t count, c
             // Fewer bytes than asked for must not be filled up with those of an older answer.
             if (command != MR166_CMD_READ || cnRcvData == count)
                 return true;
+            MrLATE_Missed();
             Mr166_nFault = MR166_FAULT_COUNT;
             FAIL_Note(MrASC_ErrorText(Mr166_nFault));
         }

@@ -3,6 +3,7 @@
 // of a two-wire line.
 #include "comm/failures.h"
 #include "comm/mr166_driver.h"
+#include "comm/mr166_late.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
 #include "runtime/rs232.h"
@@ -78,10 +79,13 @@ Sending SendRequest(const Request &request, uint16_t closedState)
     MrASC_Driver().dropQueues();
     if (BuildRequest(request) != 0)
         return Sending::BAD_ARGUMENT;
+    MrLATE_Settle();
     if (TRC_isOn)
         MrTRC_Begin();
-    if (MrFrameOut() >= 0)
+    if (MrFrameOut() >= 0) {
+        MrLATE_Sent();
         return Sending::DONE;
+    }
     Mr166_nFault = MrASC_Driver().isGone() ? MR166_FAULT_GONE : MR166_FAULT_SEND;
     if (TRC_isOn)
         MrTRC_End(true, false);
@@ -108,6 +112,10 @@ int Finish(int result, bool isEchoSkipped)
 int NoAnswer(bool isGone, bool isEchoSkipped)
 {
     ++EC_wTimeErr;
+    if (isGone)
+        MrLATE_Forget();
+    else
+        MrLATE_Missed();
     nMr166Err = MR166_ERR_TIMEOUT;
     Mr166_nFault = isGone ? MR166_FAULT_GONE : MR166_ERR_TIMEOUT;
     return Finish(0, isEchoSkipped);
@@ -118,10 +126,19 @@ bool IsEchoOfRequest()
     return cbRcv > 0 && std::memcmp(Mr166_abyRcv, Mr166_abySnd, std::min(cbRcv, cbSnd)) == 0;
 }
 
+// A frame of the wrong shape may be an older request's; noise leaves the shape alone.
+bool IsForeign(int code)
+{
+    return code > -static_cast<int>(MR166_TARGET_ERROR_MIN) && code != MR166_ERR_HEX &&
+           code != MR166_ERR_CHECK;
+}
+
 int CheckAnswer(const Request &request, bool isEchoSkipped)
 {
     const int count = chkAnsFrm(request.station, request.command);
     if (count < 0) {
+        if (IsForeign(count))
+            MrLATE_Missed();
         if (EC_wFrameErr != UINT16_MAX)
             ++EC_wFrameErr;
         Refuse(count);
@@ -129,6 +146,7 @@ int CheckAnswer(const Request &request, bool isEchoSkipped)
             Mr166_nFault = MR166_FAULT_ECHO;
         return Finish(0, isEchoSkipped);
     }
+    MrLATE_Answered();
     wMr166State = MR166_STATE_OK;
     cnRcvData = static_cast<uint16_t>(count);
     if (EC_dwMsgOk != UINT32_MAX)
@@ -187,6 +205,7 @@ Collect TakeWaiting(Collect state, int waiting, bool *isEchoSkipped)
 int WrongStart(bool isEchoSkipped)
 {
     ++EC_wFrameErr;
+    MrLATE_Missed();
     nMr166Err = MR166_ERR_START;
     Mr166_nFault = MR166_ERR_START;
     FlushOutQ(MrASC_PortNI());

@@ -9,7 +9,6 @@
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
-#include "ui/resource.h"
 
 namespace {
 
@@ -41,9 +40,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     int code = VR_Main(argc, argv);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
-    std::string message;
-    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && !message.empty())
-        std::fprintf(stderr, "%s\n", message.c_str());
+    CPG_RepeatMessage();
     return code < 0 ? 1 : code;
 }
 

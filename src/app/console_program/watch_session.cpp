@@ -75,19 +75,6 @@ bool ReadAll()
     return true;
 }
 
-// What the window's message area would say: the port is gone, it is back, why it was
-// switched off.
-void RepeatMessage()
-{
-    static std::string shown;
-    std::string message;
-    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) < 0 || message == shown)
-        return;
-    shown = message;
-    if (!message.empty())
-        std::fprintf(stderr, "%s\n", message.c_str());
-}
-
 // Fewer sweeps than were asked for are no success.
 int EndEarly()
 {
@@ -104,7 +91,7 @@ int Follow()
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
         if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
-        RepeatMessage();
+        CPG_RepeatMessage();
         if (IsInterrupted())
             return EndEarly();
         if (isTimer == 0) {
@@ -120,6 +107,17 @@ int Follow()
 void CPG_SetOptions(const CPG_Options &newOptions)
 {
     options = newOptions;
+}
+
+void CPG_RepeatMessage()
+{
+    static std::string shown;
+    std::string message;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) < 0 || message == shown)
+        return;
+    shown = message;
+    if (!message.empty())
+        std::fprintf(stderr, "%s\n", message.c_str());
 }
 
 int CPG_RunWatch()
