@@ -114,7 +114,7 @@ TEST_F(FaceTest, FileSelectTellsNewFromExisting)
     };
     const std::string directory = folder.path().toStdString();
     std::string path = "untouched";
-    GuiAnswerNext(PressEscape);
+    GuiAnswerNext([](QWidget *popup) { static_cast<QDialog *>(popup)->reject(); });
     EXPECT_EQ(FileSelectPopup(directory, "*.d*", "*.dbg;*.dat", "Open Icon", FILE_LOAD, &path),
               VAL_NO_FILE_SELECTED);
     EXPECT_EQ(path, "untouched");

@@ -1,11 +1,17 @@
 // The whole desktop program on the example project and a simulated target: what a user
 // clicks and types, and what then stands on the screen.
+#include <QAbstractItemView>
 #include <QAction>
+#include <QDialog>
+#include <QFile>
 #include <QLineEdit>
+#include <QScrollBar>
+#include <QTimer>
 
 #include "app/VR.h"
 #include "gui/gui_support.h"
 #include "support/sim_fixture.h"
+#include "watch/edit.h"
 #include "watch/litem.h"
 
 namespace {
@@ -93,6 +99,57 @@ TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(input->isVisible());
     EXPECT_EQ(GuiWindow(PANEL_MAIN)->size(), QSize(780, 491));
+}
+
+TEST_F(ProgramTest, ScrolledLinesAreReadAndTheListIsSavedAndReopened)
+{
+    clickCommunication();
+    ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
+    const int last = nLItems - 1;
+    EXPECT_FALSE(aLItems[last].isValueGood) << "out of sight";
+    auto *list = GuiWidget<QAbstractItemView>(PANEL_MAIN, MAIN_LIST);
+    list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum());
+    EXPECT_TRUE(QTest::qWaitFor([last] { return aLItems[last].isValueGood; }, PATIENCE_MS));
+
+    GuiAnswerNext([](QWidget *popup) {
+        popup->findChild<QLineEdit *>("fileNameEdit")->setText("copy.dbg");
+        static_cast<QDialog *>(popup)->accept();
+    });
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(QFile::exists("copy.dbg"));
+    EXPECT_NE(szDebugFileName.find("copy.dbg"), std::string::npos);
+    GuiShow(PANEL_MAIN);
+    EXPECT_EQ(szaDebugFileNames[1], "demo.dbg");
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_2, Qt::ControlModifier);
+    EXPECT_EQ(szDebugFileName, "demo.dbg");
+    EXPECT_EQ(nLItems, last + 1);
+}
+
+TEST_F(ProgramTest, AsksBeforeItEnds)
+{
+    const auto answer = [](const char *button) {
+        IsDBGChange = 1;
+        GuiShow(PANEL_MAIN);
+        GuiAnswerNext([button](QWidget *popup) { GuiClickButton(popup, button); });
+    };
+    answer("Cancel");
+    GuiWindow(PANEL_MAIN)->close();
+    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
+    EXPECT_EQ(IsDBGChange, 1);
+    const auto quit = [] {
+        QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
+    };
+    EDT_Remove(0);
+    const std::string comment = "; ";
+    for (const char *button : {"No", "Yes"}) {
+        answer(button);
+        QTimer::singleShot(0, quit);
+        EXPECT_EQ(RunUserInterface(), 0);
+        EXPECT_EQ(IsDBGChange, 0) << button;
+        const std::string saved = ReadFileText("demo.dbg");
+        EXPECT_EQ(saved.find(comment) == std::string::npos, button == std::string("Yes"))
+            << "a saved list has no comments";
+    }
 }
 
 } // namespace
