@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "console/completion.h"
-#include "console/text_box.h"
+#include "console/monitor/completion.h"
+#include "console/monitor/text_box.h"
 
 namespace {
 
