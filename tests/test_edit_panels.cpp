@@ -6,6 +6,8 @@
 #include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
+#include "watch/list/debug_file.h"
+#include "watch/list/list_view.h"
 #include "watch/main_window.h"
 #include "watch/value/byte_text.h"
 #include "watch/value/value_forms.h"

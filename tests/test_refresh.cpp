@@ -11,7 +11,12 @@
 #include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "watch/list/freq_meter.h"
+#include "watch/list/list_view.h"
+#include "watch/value/format.h"
+#include "watch/value/tms_float.h"
+#include "watch/value/type_by_name.h"
 #include "watch/value/write_value.h"
+#include "watch/windows/mem_box.h"
 
 namespace {
 

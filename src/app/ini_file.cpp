@@ -13,6 +13,8 @@
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
 #include "watch/main_window.h"

@@ -5,6 +5,7 @@
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"

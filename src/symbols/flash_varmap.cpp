@@ -1,8 +1,6 @@
 // The layouts of a variable map: plain lines, lines with shared names, packed records.
 #include "symbols/flash_varmap.h"
 
-#include "symbols/flash_info.h"
-#include "symbols/mapfile.h"
 #include "symbols/packed_names.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -40,7 +38,8 @@ bool unpackLines(const char *at, std::string *text)
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0)
             return false;
         const size_t size = std::strlen(cursor) + 1;
-        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) < 0 ||
+        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) <
+                0 ||
             name.size() > NODE_NAME_MAX)
             return false;
         appendMapLine(text, address, name);
@@ -100,7 +99,7 @@ int FLASH_TakeVariables(const std::vector<FlashVariable> &variables, VarNode *ta
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
-    MAP_ReportRefused(refused);
+    VRN_WarnRefused(refused);
     return taken;
 }
 
@@ -116,4 +115,3 @@ int FLASH_OpenVarMap(const char *name, const std::string &content)
                                                        content.size() - FORM_LINE_SIZE, &text);
     return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : FLASH_ERR_NO_MAP;
 }
-

@@ -107,19 +107,11 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
-    MAP_ReportRefused(refused);
+    VRN_WarnRefused(refused);
     return 0;
 }
 
 } // namespace
-
-void MAP_ReportRefused(int refused)
-{
-    if (refused > 0)
-        SYM_Warn("Map file", "The map has " + std::to_string(refused) +
-                                 " symbols more than the table can hold (" +
-                                 std::to_string(NODES_MAX) + "). They were left out.");
-}
 
 bool IsHexAddr(const char *text)
 {

@@ -20,9 +20,6 @@ int TMSmap2node(const char *fileName);
 bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
 bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
 
-// Tells the user how many symbols a full table did not take; nothing for 0.
-void MAP_ReportRefused(int refused);
-
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);
 bool isID166(const char *text);

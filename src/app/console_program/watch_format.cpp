@@ -6,7 +6,7 @@
 
 #include "comm/sysaddr.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/format.h"
 
 namespace {
 

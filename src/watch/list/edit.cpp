@@ -9,10 +9,11 @@
 #include "settings/settings.h"
 #include "symbols/typemap_list.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 #include "watch/main_window.h"
+#include "watch/value/type_by_name.h"
 
 namespace {
 

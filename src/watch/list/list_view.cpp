@@ -7,8 +7,8 @@
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 #include "watch/main_window.h"
+#include "watch/value/format.h"
 
 namespace {
 

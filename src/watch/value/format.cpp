@@ -1,9 +1,11 @@
 // The text of one value, by the item's type letter and size.
+#include "watch/value/format.h"
+
 #include <cstdio>
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 

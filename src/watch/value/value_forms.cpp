@@ -6,7 +6,7 @@
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 #include "watch/value/write_value.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
+#include "watch/value/format.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 char cMemBoxType = 'x';
 int nMemBoxItmSz = 2;

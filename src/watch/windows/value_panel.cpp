@@ -12,6 +12,7 @@
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
+#include "watch/value/format.h"
 #include "watch/value/type_names.h"
 #include "watch/value/value_forms.h"
 #include "watch/value/write_value.h"
