@@ -4,6 +4,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
+#include "watch/list/list_file.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"

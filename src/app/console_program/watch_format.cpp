@@ -6,7 +6,7 @@
 
 #include "comm/sysaddr.h"
 #include "watch/list/litem.h"
-#include "watch/value/format.h"
+#include "watch/value/value_types.h"
 
 namespace {
 

@@ -13,6 +13,7 @@
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "watch/list/litem.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -148,7 +149,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
 
 void getTypeLItem(int /*count*/, const char *typeField)
 {
-    LIT_SetType(&aLItems[nLItems], typeField);
+    VTY_SetFromField(&aLItems[nLItems], typeField);
 }
 
 int parseStationModifier(char *text)
@@ -219,4 +220,9 @@ int DBG_WriteFile(const std::string &path)
         return -2;
     }
     return SAF_Commit(&safe) == 0 ? 0 : -2;
+}
+
+std::string LIT_FileLine(const LItem &item)
+{
+    return LIT_LabelAndPlace(item) + ", " + VTY_Field(item);
 }

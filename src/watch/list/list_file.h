@@ -5,6 +5,8 @@
 
 #include <string>
 
+struct LItem;
+
 // Loads a debug file in place of the list and resolves its names. 0, also when the file
 // holds more than LITEMS_MAX items (message box; the first ones stay, unresolved);
 // -2: cannot be opened, list unchanged.
@@ -24,5 +26,7 @@ void DBG_RememberStamp(const std::string &path);
 // 0, -1 cannot be opened, -2 cannot be written.
 int DBG_WriteFile(const std::string &path);
 int IsDbgFileChanged(); // 1 when the file's time differs from the one last seen
+
+std::string LIT_FileLine(const LItem &item); // the item's line of the debug file, no line end
 
 #endif

@@ -8,7 +8,7 @@
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
-#include "watch/value/format.h"
+#include "watch/value/value_types.h"
 
 namespace {
 

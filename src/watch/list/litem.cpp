@@ -50,21 +50,6 @@ void complete(const VarNode *nodes, int count, bool isTMS)
 
 } // namespace
 
-void LIT_SetType(LItem *item, const char *typeField)
-{
-    item->type = 'i';
-    item->size = 2;
-    if (*typeField == '\0' || !std::strchr("bftiuxp", *typeField))
-        return;
-    item->type = *typeField;
-    if (item->type == 'b')
-        item->size = 1;
-    else if (item->type == 'f' || item->type == 't')
-        item->size = 4;
-    else if (typeField[1] != '\0' && std::strchr("1248", typeField[1]))
-        item->size = typeField[1] - '0';
-}
-
 void LIT_Resolve(LItem *item)
 {
     if (openStruct166 && !LIT_IsTMS(*item))
@@ -127,19 +112,14 @@ std::string LIT_Label(const LItem &item)
     return item.name + place;
 }
 
-std::string LIT_FileLine(const LItem &item)
+std::string LIT_LabelAndPlace(const LItem &item)
 {
-    std::string line = LIT_Label(item);
     const bool isForgotten = item.address == LITEM_NO_ADDRESS;
-    if (!isAnonymous(item) &&
-        (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))) {
-        char place[24];
-        std::snprintf(place, sizeof place, ", [0x%X]", addressToKeep(item));
-        line += place;
-    }
-    line += ", ";
-    line += item.type;
-    if (item.type != 't' && item.type != 'f')
-        line += std::to_string(item.size);
-    return line;
+    const bool isPlaceGiven =
+        item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS);
+    if (isAnonymous(item) || !isPlaceGiven)
+        return LIT_Label(item);
+    char place[24];
+    std::snprintf(place, sizeof place, ", [0x%X]", addressToKeep(item));
+    return LIT_Label(item) + place;
 }

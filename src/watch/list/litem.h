@@ -38,8 +38,6 @@ extern int nLItems;
 extern int openLItems; // a debug file has been loaded
 extern int readLItems; // a value has been read since
 
-// Type and size of an item from its type field ("u2", "f"); "i2" for what is none.
-void LIT_SetType(LItem *item, const char *typeField);
 // Resolves the C166 (TMS320) items against a table; the rest stays as it is.
 void completeLItems(const struct VarNode *nodes, int count);
 void completeTMSLItems(const struct VarNode *nodes, int count);
@@ -53,7 +51,8 @@ void CleanLItems(); // forgets every resolved address
 bool LIT_IsTMS(const LItem &item);
 // The item can be read at all: resolved, and below the limit of target addresses.
 bool LIT_HasAddress(const LItem &item);
-std::string LIT_Label(const LItem &item);    // its name, or "[0x1F00]" without one
-std::string LIT_FileLine(const LItem &item); // the item's line of the debug file, no line end
+std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
+// The same, and behind a name the address that was given with it.
+std::string LIT_LabelAndPlace(const LItem &item);
 
 #endif

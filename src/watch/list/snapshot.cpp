@@ -5,7 +5,7 @@
 
 #include "platform/safe_file.h"
 #include "watch/list/litem.h"
-#include "watch/value/format.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
