@@ -13,6 +13,7 @@
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -56,15 +57,6 @@ int32_t ToNumber(const std::string &text)
 {
     const long value = std::strtol(text.c_str(), nullptr, 10);
     return static_cast<int32_t>(std::clamp<long>(value, INT32_MIN, INT32_MAX));
-}
-
-std::string Trim(const std::string &text)
-{
-    const char *const BLANKS = " \t\r\n\v\f";
-    const size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
 }
 
 bool IsFile(const std::string &path)
@@ -205,9 +197,9 @@ std::string ReadPath(const std::string &line)
     if (comma == std::string::npos)
         return "";
     const std::string rest = line.substr(comma + 1);
-    const std::string whole = Trim(rest);
-    const std::string noComment = Trim(rest.substr(0, rest.find(';')));
-    std::string path = Trim(rest.substr(0, rest.find_first_of(",;")));
+    const std::string whole = WRD_Trim(rest);
+    const std::string noComment = WRD_Trim(rest.substr(0, rest.find(';')));
+    std::string path = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
     if (IsFile(whole))
         path = whole;
     else if (IsFile(noComment))
@@ -221,11 +213,11 @@ void ApplyLine(const std::string &line)
     std::string fields[FIELDS_MAX];
     int count = 0;
     const bool isSplit = parseLine(text.c_str(), FIELDS_MAX, &count, fields) == 1;
-    const Key *key = FindKey(Trim(text.substr(0, text.find(','))));
+    const Key *key = FindKey(WRD_Trim(text.substr(0, text.find(','))));
     if (!key)
         return;
     if (key->isPath)
-        key->read(Trim(text.substr(0, text.find(','))), ReadPath(line));
+        key->read(WRD_Trim(text.substr(0, text.find(','))), ReadPath(line));
     else if (isSplit && count > 0)
         key->read(fields[0], count > 1 ? fields[1] : "");
 }
