@@ -20,18 +20,18 @@ namespace {
 
 constexpr int LINE_FIELDS = 3;
 
-bool isSpace(char c)
+bool IsSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-std::string trimmed(const char *begin, const char *end)
+std::string Trimmed(const char *begin, const char *end)
 {
     return WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX);
 }
 
 // The hexadecimal number behind "["; 0 without a digit, which *isNumber tells.
-uint32_t bracketAddress(const std::string &field, bool *isNumber)
+uint32_t BracketAddress(const std::string &field, bool *isNumber)
 {
     const char *digits = field.c_str() + 1;
     char *end = nullptr;
@@ -48,7 +48,7 @@ struct LineFields {
     std::string field[LINE_FIELDS];
 };
 
-bool splitLine(std::string line, LineFields *fields)
+bool SplitLine(std::string line, LineFields *fields)
 {
     line.resize(line.find(';') == std::string::npos ? line.size() : line.find(';'));
     std::string copy = line; // the prefix stays part of the first field
@@ -62,7 +62,7 @@ bool splitLine(std::string line, LineFields *fields)
 }
 
 // Builds the item at nLItems from the fields. Whether the line gives an item.
-bool buildItem(const LineFields &line)
+bool BuildItem(const LineFields &line)
 {
     LItem &item = aLItems[nLItems];
     item = LItem();
@@ -70,7 +70,7 @@ bool buildItem(const LineFields &line)
     item.name = line.isTMS ? "&" : "";
     bool isNumber = false;
     if (line.field[0][0] == '[') {
-        item.givenAddress = bracketAddress(line.field[0], &isNumber);
+        item.givenAddress = BracketAddress(line.field[0], &isNumber);
         if (!isNumber)
             return false;
         getTypeLItem(line.count, line.field[1].c_str());
@@ -81,7 +81,7 @@ bool buildItem(const LineFields &line)
     if (line.count == 3) {
         if (line.field[1][0] != '[')
             return false;
-        item.givenAddress = bracketAddress(line.field[1], &isNumber);
+        item.givenAddress = BracketAddress(line.field[1], &isNumber);
         item.explicitAddress = 1;
         getTypeLItem(line.count, line.field[2].c_str());
     }
@@ -89,12 +89,12 @@ bool buildItem(const LineFields &line)
     return line.count >= 2;
 }
 
-void takeLine(const char *text)
+void TakeLine(const char *text)
 {
     LineFields line;
-    if (!splitLine(text, &line))
+    if (!SplitLine(text, &line))
         return;
-    if (buildItem(line))
+    if (BuildItem(line))
         ++nLItems;
     // Also for a TMS320 line that gave no item: it then marks the item before it, and
     // lists written with that in mind must keep their sizes.
@@ -107,7 +107,7 @@ struct FileTime {
 };
 FileTime lastSeen = {0, 0, 0};
 
-bool readTime(const std::string &path, FileTime *time)
+bool ReadTime(const std::string &path, FileTime *time)
 {
     PLT_FileStamp stamp;
     if (path.empty() || PLT_GetFileStamp(path, &stamp) != 0)
@@ -122,7 +122,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
 {
     int found = 0;
     const char *begin = line;
-    while (*begin != '\0' && isSpace(*begin))
+    while (*begin != '\0' && IsSpace(*begin))
         ++begin;
     if (*begin == '\0') {
         *count = 0;
@@ -132,7 +132,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
         const char *end = begin + std::strcspn(begin, ",");
         if (found == maxFields)
             return 0;
-        fields[found++] = trimmed(begin, end);
+        fields[found++] = Trimmed(begin, end);
         if (*end == '\0')
             break;
         begin = end + 1;
@@ -170,7 +170,7 @@ int dat2litems(const char *path)
             MessagePopup("Error", "Too many debug vars.");
             return 0;
         }
-        takeLine(line);
+        TakeLine(line);
     }
     openLItems = 1;
     if (openStruct166)
@@ -185,13 +185,13 @@ int dat2litems(const char *path)
 
 void DBG_RememberStamp(const std::string &path)
 {
-    readTime(path, &lastSeen);
+    ReadTime(path, &lastSeen);
 }
 
 int IsDbgFileChanged()
 {
     FileTime time;
-    if (!readTime(szDebugFileName, &time))
+    if (!ReadTime(szDebugFileName, &time))
         return 0;
     const bool isSame = time.hour == lastSeen.hour && time.minute == lastSeen.minute &&
                         time.second == lastSeen.second;
