@@ -67,7 +67,8 @@ struct VIEW_Panel {
 };
 
 enum VIEW_ControlMask : unsigned {
-    VIEW_CTRL_VALUE = 1, // value (switch, indicator, ring), number (number), text (text, field)
+    VIEW_CTRL_VALUE = 1, // value (switch, indicator), number (number), text (text, field); the
+                         // choice of a ring comes as the selection of its VIEW_List
     VIEW_CTRL_DIMMED = 2,
     VIEW_CTRL_VISIBLE = 4,
     VIEW_CTRL_COLOR = 8,
@@ -237,7 +238,9 @@ struct VIEW_Event {
     uint32_t seen = 0; // the door's stamp, whatever the poster writes
 };
 // Never waits. Values of one control that follow each other become one event. False when
-// the event was refused: the program is busy and VIEW_EVENTS_MAX others wait. Any thread.
+// the event was refused: the program is busy and VIEW_EVENTS_MAX others wait; what was
+// clicked goes back to what it was. Values, answers and urgent events are never refused.
+// Any thread.
 bool VIEW_Post(const VIEW_Event &event);
 constexpr size_t VIEW_EVENTS_MAX = 256;
 

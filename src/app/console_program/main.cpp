@@ -9,6 +9,7 @@
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
+#include "runtime/view.h"
 
 namespace {
 
@@ -37,7 +38,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
     if (isWatch)
         HL_SetStreams(stderr, stderr); // tables only on standard output
-    int code = VR_Main(argc, argv);
+    int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
     CPG_RepeatMessage();
