@@ -72,6 +72,15 @@ auto Reporter(QTV_Control *control, int event)
     };
 }
 
+// A click that was refused leaves the switch where it was.
+void ConnectSwitch(QTV_Control *control, ToggleSwitch *toggle)
+{
+    QObject::connect(toggle, &QAbstractButton::clicked, [control, toggle](bool isOn) {
+        if (!QTV_PostControl(*control, EVENT_COMMIT))
+            toggle->setChecked(!isOn);
+    });
+}
+
 void ConnectField(QTV_Control *control, QLineEdit *field)
 {
     QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
@@ -153,9 +162,11 @@ void Connect(QTV_Control *control)
     QWidget *widget = control->widget;
     switch (control->row->kind) {
     case UIK_BUTTON:
-    case UIK_SWITCH:
         QObject::connect(static_cast<QAbstractButton *>(widget), &QAbstractButton::clicked,
                          Reporter(control, EVENT_COMMIT));
+        break;
+    case UIK_SWITCH:
+        ConnectSwitch(control, static_cast<ToggleSwitch *>(widget));
         break;
     case UIK_STRING:
         ConnectField(control, static_cast<QLineEdit *>(widget));
@@ -195,9 +206,9 @@ bool QTV_BindControl(QTV_Control *control, QWidget *window)
     return true;
 }
 
-void QTV_Post(const VIEW_Event &event)
+bool QTV_Post(const VIEW_Event &event)
 {
-    QTV_postTo(event);
+    return QTV_postTo(event);
 }
 
 void QTV_PostPanel(int panel, int event, int value)
@@ -210,11 +221,11 @@ void QTV_PostPanel(int panel, int event, int value)
     QTV_Post(posted);
 }
 
-void QTV_PostControl(const QTV_Control &control, int event, int value)
+bool QTV_PostControl(const QTV_Control &control, int event, int value)
 {
     VIEW_Event posted = MakeEvent(control, VIEW_EVENT_CONTROL, event);
     FillValue(control, &posted);
     if (event == EVENT_KEYPRESS)
         posted.value = value;
-    QTV_Post(posted);
+    return QTV_Post(posted);
 }

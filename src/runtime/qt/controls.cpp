@@ -76,9 +76,11 @@ void DrawValue(const QTV_Control &control, const VIEW_Control &change)
     }
 }
 
+// The window's palette, not the parent's: when the desktop changes its colours the window
+// learns it before what is in it.
 void DrawColor(QWidget *widget, int color)
 {
-    const QPalette around = widget->parentWidget()->palette();
+    const QPalette around = widget->window()->palette();
     const QColor ground = around.color(QPalette::Window);
     const QColor meant = QColor::fromRgb(static_cast<QRgb>(color) | 0xFF000000u);
     const bool isPlain = LOOK_Contrast(meant, Qt::white) > PLAIN_CONTRAST;

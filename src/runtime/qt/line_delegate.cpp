@@ -1,7 +1,7 @@
 #include "runtime/qt/line_delegate.h"
 
 #include <QFontDatabase>
-#include <QFontMetrics>
+#include <QFontMetricsF>
 #include <QLineEdit>
 #include <QPainter>
 
@@ -57,7 +57,7 @@ void LineDelegate::measure(const ListCell &cell, int column) const
         return;
     QFont font = column == 0 ? m_list->font() : m_fixed;
     font.setBold(cell.style & UIS_BOLD);
-    const QFontMetrics metrics(font);
+    const QFontMetricsF metrics(font);
     cell.width = metrics.horizontalAdvance(cell.text);
     const qsizetype point = PointIndex(cell.text);
     cell.beforePoint = point < 0 ? -1 : metrics.horizontalAdvance(cell.text.left(point));
@@ -87,7 +87,7 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     painter->setPen(option.state & QStyle::State_Enabled ? m_colors.text[ground][ToneOf(cell)]
                                                          : m_colors.text[ground][LT_QUIET]);
     const QRect room = option.rect.adjusted(MARGIN, 0, -MARGIN, 0);
-    int left = room.left();
+    double left = room.left();
     const UI_Align align = model->columns()[static_cast<size_t>(column)].align;
     if (align == UIA_RIGHT)
         left = room.right() + 1 - cell.width;
@@ -103,7 +103,7 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     }
     const QFontMetrics metrics = painter->fontMetrics();
     const int baseline = room.top() + (room.height() - metrics.height()) / 2 + metrics.ascent();
-    painter->drawText(QPoint(left, baseline), cell.text);
+    painter->drawText(QPointF(left, baseline), cell.text);
 }
 
 QWidget *LineDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,

@@ -200,9 +200,8 @@ LineList::LineList(QWidget *parent) : QTableView(parent), m_model(new LineModel(
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &LineList::viewMoved);
-    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int section) {
-        const bool isByWindow = section == m_model->columnCount() - 1; // it takes the rest
-        if (!m_isOurs && !isByWindow)
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+        if (!m_isOurs)
             emit columnsDragged();
     });
 }
@@ -344,7 +343,7 @@ void LineList::keyboardSearch(const QString &typed)
     QTableView::keyboardSearch(typed);
 }
 
-int LineList::pointPlace(int row, int column) const
+double LineList::pointPlace(int row, int column) const
 {
     const size_t group = m_model->group(row, column);
     const auto known = m_points.constFind(group);
@@ -353,7 +352,7 @@ int LineList::pointPlace(int row, int column) const
     const auto *delegate = static_cast<LineDelegate *>(itemDelegate());
     const int first = firstVisible();
     const int end = qMin(first + linesInView() + 1, m_model->rowCount());
-    int widest = 0;
+    double widest = 0;
     for (int other = first; other < end; other++) {
         if (m_model->group(other, column) != group)
             continue;
@@ -408,6 +407,8 @@ bool LineList::editValue()
 
 void LineList::keyPressEvent(QKeyEvent *event)
 {
+    if (isEditing())
+        return; // what the cell's field has left over
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
     if (isPlain && (isEnter || event->key() == Qt::Key_F2) && editValue())
@@ -416,6 +417,19 @@ void LineList::keyPressEvent(QKeyEvent *event)
         emit lineCommitted();
     else
         QTableView::keyPressEvent(event);
+}
+
+// The keyboard walks from line to line; Home and End mean the whole list.
+QModelIndex LineList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const int column = qMax(0, currentIndex().column());
+    if (action == MoveHome)
+        return m_model->index(0, column);
+    if (action == MoveEnd)
+        return m_model->index(m_model->rowCount() - 1, column);
+    if (action == MoveLeft || action == MoveRight)
+        return currentIndex();
+    return QTableView::moveCursor(action, modifiers);
 }
 
 void LineList::focusInEvent(QFocusEvent *event)
@@ -468,6 +482,13 @@ void LineList::resizeEvent(QResizeEvent *event)
     QTableView::resizeEvent(event);
     showColumnsThatFit();
     emit viewMoved();
+}
+
+// The last column follows the window: nobody has dragged it.
+void LineList::updateGeometries()
+{
+    const QScopedValueRollback<bool> ours(m_isOurs, true);
+    QTableView::updateGeometries();
 }
 
 QSize LineList::sizeHint() const

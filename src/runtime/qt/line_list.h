@@ -28,9 +28,9 @@ struct ListCell {
     QString tip;
 
     // Kept by the table, -1 while not measured: how far the text reaches, in pixels, ...
-    mutable int width = -1;
-    mutable int beforePoint = -1; // ... and its part before the decimal point, -1 no number
-    qint64 changedAt = 0;         // milliseconds of the table's clock; 0 = long ago
+    mutable double width = -1;
+    mutable double beforePoint = -1; // ... and its part before the decimal point, -1 no number
+    qint64 changedAt = 0;            // milliseconds of the table's clock; 0 = long ago
     bool isSame(const ListCell &other) const
     {
         return text == other.text && style == other.style && tip == other.tip;
@@ -116,7 +116,7 @@ public:
     void abandonEdit();
     void keyboardSearch(const QString &typed) override;
     // The widest part before the point in the group, over the lines in view.
-    int pointPlace(int row, int column) const;
+    double pointPlace(int row, int column) const;
 
 signals:
     void selectedByUser();
@@ -133,11 +133,13 @@ protected:
     void dropEvent(QDropEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void selectionChanged(const QItemSelection &now, const QItemSelection &before) override;
     QSize sizeHint() const override;
+    void updateGeometries() override;
 
 private:
     bool editValue();
@@ -145,8 +147,8 @@ private:
 
     LineModel *m_model;
     QString m_titles;
-    bool m_isOurs = false;               // the program is moving the selection, not the user
-    mutable QHash<size_t, int> m_points; // by group; for one painting
+    bool m_isOurs = false;                  // the program is moving the selection, not the user
+    mutable QHash<size_t, double> m_points; // by group; for one painting
 };
 
 #endif

@@ -64,10 +64,10 @@ void QTV_UsePalette(QTV_Panel *panel); // colours the program gave, on the groun
 // --- what the user does -------------------------------------------------------------------
 // Hands an event in. `postTo` is the door; tests put their own here.
 extern bool (*QTV_postTo)(const VIEW_Event &event);
-void QTV_Post(const VIEW_Event &event);
+bool QTV_Post(const VIEW_Event &event); // false: refused, and nothing will come of it
 void QTV_PostPanel(int panel, int event, int value = 0);
 // `event` of a control together with what stands in it now.
-void QTV_PostControl(const QTV_Control &control, int event, int value = 0);
+bool QTV_PostControl(const QTV_Control &control, int event, int value = 0);
 void QTV_FillList(const LineList &list, VIEW_Event *event); // current and selected lines
 bool QTV_BindControl(QTV_Control *control, QWidget *window);
 QMenuBar *QTV_BuildMenuBar(QWidget *window);

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int LINES_AT_FIRST = 5; // what a box asks room for
+constexpr int LINES_AT_FIRST = 6; // what a box asks room for
 
 QString Clean(QString text)
 {
@@ -52,6 +52,19 @@ void TextBox::resetText(const QString &text)
     const QString shown = m_isLineOpen ? cleaned : cleaned.chopped(m_hasLines ? 1 : 0);
     if (shown != toPlainText())
         replaceAll(shown);
+}
+
+void TextBox::dropLines(int count)
+{
+    const int top = verticalScrollBar()->value();
+    const bool wasAtEnd = isAtEnd();
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor, count);
+    cursor.removeSelectedText();
+    if (wasAtEnd)
+        follow(true);
+    else
+        verticalScrollBar()->setValue(qMax(0, top - count));
 }
 
 void TextBox::replaceAll(const QString &text)

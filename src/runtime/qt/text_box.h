@@ -15,6 +15,7 @@ public:
     // A line feed at the end of `text` ends the line; without one more may follow it.
     void appendText(const QString &text);
     void resetText(const QString &text);
+    void dropLines(int count);          // from the top; what stays in view stays where it is
     void setFirstVisibleLine(int line); // as far as the text reaches
     QSize sizeHint() const override;
 

@@ -108,6 +108,8 @@ void DrawTextBox(const VIEW_TextBox &change)
         box->resetText(QTV_ToQt(change.text));
     else
         box->appendText(QTV_ToQt(change.text));
+    if (change.dropped > 0)
+        box->dropLines(change.dropped);
     if (change.firstVisible >= 0)
         box->setFirstVisibleLine(change.firstVisible);
 }
