@@ -43,7 +43,7 @@ struct VIEW_Rect {
 };
 
 // --- changes: to the view ---------------------------------------------------------------
-// `mask` says which members have changed; the others hold nothing of use.
+// `mask` says which members have changed; the others hold what they held before.
 
 enum VIEW_PanelMask : unsigned {
     VIEW_PANEL_LOADED = 1,  // parent
@@ -117,7 +117,7 @@ enum VIEW_ListMask : unsigned {
 struct VIEW_List {
     int panel = 0, control = 0;
     unsigned mask = 0;
-    int count = 0;                                  // lines from now on; those behind are gone
+    int count = 0;                                  // of lines; those behind are gone
     std::vector<std::pair<int, VIEW_Line>> changed; // by rising place; new and different lines
     std::vector<UI_Column> columns;
     int current = -1; // -1 = none

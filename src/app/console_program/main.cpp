@@ -20,6 +20,18 @@ int Drive()
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
 }
 
+// A person's answer to a question, from the terminal.
+bool ReadAnswer(std::string *line)
+{
+    line->clear();
+    int c = std::getchar();
+    if (c == EOF)
+        return false;
+    for (; c != EOF && c != '\n'; c = std::getchar())
+        line->push_back(static_cast<char>(c));
+    return true;
+}
+
 // Written through at once: what was on the wire before a crash is what one looks for.
 void WriteTrace(const std::string &text, void *context)
 {
@@ -32,6 +44,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
 {
     HL_SetDefaultAnswer(options.answer);
     HL_ShowProgress(LNE_IsErrorTerminal());
+    HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();

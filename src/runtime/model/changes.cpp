@@ -53,7 +53,6 @@ void KeepSelection(MDL_Control *list)
 
 void DiffLines(MDL_Control *list, VIEW_List *change)
 {
-    change->count = static_cast<int>(list->lines.size());
     for (size_t i = 0; i < list->lines.size(); i++) {
         const VIEW_Line &line = list->lines[i];
         if (i < list->shown.size() && IsEqual(line, list->shown[i]))
@@ -83,17 +82,16 @@ void TakeList(MDL_Control *list, VIEW_Batch *batch)
     change.control = list->row->control;
     change.mask = list->listMask;
     list->listMask = 0;
+    change.count = static_cast<int>(list->lines.size());
     if (change.mask & VIEW_LIST_LINES)
         DiffLines(list, &change);
     if (IsSelectionNew(*list))
         change.mask |= VIEW_LIST_SELECTION;
-    if (change.mask & VIEW_LIST_SELECTION) {
-        change.current = list->shownCurrent = list->current;
-        change.selected = list->shownSelected = list->selected;
+    if (change.mask & VIEW_LIST_SELECTION)
         list->stamp = ++MDL_GetState().stamp;
-    }
-    if (change.mask & VIEW_LIST_COLUMNS)
-        change.columns = list->columns;
+    change.current = list->shownCurrent = list->current;
+    change.selected = list->shownSelected = list->selected;
+    change.columns = list->columns;
     change.firstVisible = list->firstVisible;
     if (change.mask != 0)
         batch->lists.push_back(std::move(change));

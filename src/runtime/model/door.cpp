@@ -29,73 +29,18 @@ Door door;
 std::atomic<bool> hasEvents{false}, isInterrupted{false}, hasCancelled{false};
 std::atomic<int> urgentWaiting{0};
 
-template <class Record> Record *FindRecord(std::vector<Record> &records, int panel, int control)
-{
-    for (Record &record : records)
-        if (record.panel == panel && record.control == control)
-            return &record;
-    return nullptr;
-}
-
 // --- merging: what is newer wins ----------------------------------------------------------
+// A record holds the whole state of its thing, and a mask of what the view must look at.
 
-template <class Value> void Overwrite(unsigned mask, unsigned bit, Value *old, Value &fresh)
+template <class Record> void MergeWhole(Record *old, Record &fresh)
 {
-    if (mask & bit)
-        *old = std::move(fresh);
-}
-
-void MergePanel(VIEW_Panel *old, VIEW_Panel &fresh)
-{
-    const unsigned mask = fresh.mask;
-    old->mask |= mask;
-    Overwrite(mask, VIEW_PANEL_LOADED, &old->parent, fresh.parent);
-    Overwrite(mask, VIEW_PANEL_VISIBLE, &old->isVisible, fresh.isVisible);
-    Overwrite(mask, VIEW_PANEL_TITLE, &old->title, fresh.title);
-    Overwrite(mask, VIEW_PANEL_SIZABLE, &old->isSizable, fresh.isSizable);
-    Overwrite(mask, VIEW_PANEL_FOCUS, &old->focus, fresh.focus);
-    Overwrite(mask, VIEW_PANEL_PLACE, &old->rect.left, fresh.rect.left);
-    Overwrite(mask, VIEW_PANEL_PLACE, &old->rect.top, fresh.rect.top);
-    Overwrite(mask, VIEW_PANEL_SIZE, &old->rect.width, fresh.rect.width);
-    Overwrite(mask, VIEW_PANEL_SIZE, &old->rect.height, fresh.rect.height);
-}
-
-void MergePanels(std::vector<VIEW_Panel> *old, std::vector<VIEW_Panel> &fresh)
-{
-    for (VIEW_Panel &panel : fresh) {
-        const auto found = std::find_if(old->begin(), old->end(), [&](const VIEW_Panel &other) {
-            return other.panel == panel.panel;
-        });
-        if (found == old->end()) {
-            old->push_back(std::move(panel));
-            continue;
-        }
-        MergePanel(&*found, panel);
-        if (panel.mask & (VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED))
-            std::rotate(found, found + 1, old->end()); // shown last, drawn last
-    }
-}
-
-void MergeControl(VIEW_Control *old, VIEW_Control &fresh)
-{
-    const unsigned mask = fresh.mask;
-    old->mask |= mask;
-    Overwrite(mask, VIEW_CTRL_VALUE, &old->value, fresh.value);
-    Overwrite(mask, VIEW_CTRL_VALUE, &old->number, fresh.number);
-    Overwrite(mask, VIEW_CTRL_VALUE, &old->text, fresh.text);
-    Overwrite(mask, VIEW_CTRL_DIMMED, &old->isDimmed, fresh.isDimmed);
-    Overwrite(mask, VIEW_CTRL_VISIBLE, &old->isVisible, fresh.isVisible);
-    Overwrite(mask, VIEW_CTRL_COLOR, &old->color, fresh.color);
-    Overwrite(mask, VIEW_CTRL_LABEL, &old->label, fresh.label);
-    Overwrite(mask, VIEW_CTRL_TOOLTIP, &old->tooltip, fresh.tooltip);
-    Overwrite(mask, VIEW_CTRL_MODE, &old->canType, fresh.canType);
-    Overwrite(mask, VIEW_CTRL_COMPLETION, &old->hasCompletion, fresh.hasCompletion);
-    Overwrite(mask, VIEW_CTRL_RECT, &old->rect, fresh.rect);
+    fresh.mask |= old->mask;
+    *old = std::move(fresh);
 }
 
 typedef std::vector<std::pair<int, VIEW_Line>> ChangedLines;
 
-// Both by rising place.
+// Both by rising place; of lines behind the end nothing stays.
 ChangedLines MergeLines(ChangedLines &old, ChangedLines &fresh, int count)
 {
     ChangedLines merged;
@@ -117,16 +62,8 @@ ChangedLines MergeLines(ChangedLines &old, ChangedLines &fresh, int count)
 
 void MergeList(VIEW_List *old, VIEW_List &fresh)
 {
-    const unsigned mask = fresh.mask;
-    if (mask & VIEW_LIST_LINES) {
-        old->changed = MergeLines(old->changed, fresh.changed, fresh.count);
-        old->count = fresh.count;
-    }
-    old->mask |= mask;
-    Overwrite(mask, VIEW_LIST_COLUMNS, &old->columns, fresh.columns);
-    Overwrite(mask, VIEW_LIST_SELECTION, &old->current, fresh.current);
-    Overwrite(mask, VIEW_LIST_SELECTION, &old->selected, fresh.selected);
-    Overwrite(mask, VIEW_LIST_FIRST, &old->firstVisible, fresh.firstVisible);
+    fresh.changed = MergeLines(old->changed, fresh.changed, fresh.count);
+    MergeWhole(old, fresh);
 }
 
 // A window that does not fetch must not cost memory without end: what has scrolled out of
@@ -135,10 +72,9 @@ void BoundBox(VIEW_TextBox *box)
 {
     if (box->text.size() <= BOX_TEXT_MAX)
         return;
-    size_t from = box->text.size() - BOX_TEXT_MAX / 2;
-    const size_t feed = box->text.find('\n', from);
-    from = feed == std::string::npos ? from : feed + 1;
-    box->text.erase(0, from);
+    const size_t half = box->text.size() - BOX_TEXT_MAX / 2;
+    const size_t feed = box->text.find('\n', half);
+    box->text.erase(0, feed == std::string::npos ? half : feed + 1);
     box->isReset = true;
     box->dropped = 0;
 }
@@ -156,45 +92,49 @@ void MergeBox(VIEW_TextBox *old, VIEW_TextBox &fresh)
     BoundBox(old);
 }
 
-void MergeItems(std::vector<VIEW_MenuItem> *old, std::vector<VIEW_MenuItem> &fresh)
-{
-    for (VIEW_MenuItem &item : fresh) {
-        const auto found = std::find_if(old->begin(), old->end(), [&](const VIEW_MenuItem &other) {
-            return other.item == item.item;
-        });
-        if (found == old->end()) {
-            old->push_back(std::move(item));
-        } else if (found->isNew && item.isGone) {
-            old->erase(found); // the view never knew it
-        } else {
-            item.isNew = found->isNew || item.isNew;
-            *found = std::move(item);
-        }
-    }
-}
-
-void MergeProgress(std::vector<VIEW_Progress> *old, std::vector<VIEW_Progress> &fresh)
-{
-    for (VIEW_Progress &box : fresh) {
-        const auto found = std::find_if(old->begin(), old->end(), [&](const VIEW_Progress &other) {
-            return other.id == box.id;
-        });
-        if (found == old->end())
-            old->push_back(std::move(box));
-        else
-            *found = std::move(box);
-    }
-}
-
-template <class Record, class Merge>
-void MergeRecords(std::vector<Record> *old, std::vector<Record> &fresh, Merge merge)
+template <class Record, class IsSame, class Merge>
+void MergeAll(std::vector<Record> *old, std::vector<Record> &fresh, IsSame isSame, Merge merge)
 {
     for (Record &record : fresh) {
-        if (Record *found = FindRecord(*old, record.panel, record.control))
-            merge(found, record);
-        else
+        const auto found = std::find_if(old->begin(), old->end(),
+                                        [&](const Record &other) { return isSame(record, other); });
+        if (found == old->end())
             old->push_back(std::move(record));
+        else
+            merge(&*found, record);
     }
+}
+
+template <class Record> bool IsSameControl(const Record &one, const Record &other)
+{
+    return one.panel == other.panel && one.control == other.control;
+}
+
+void MergePanels(std::vector<VIEW_Panel> *old, std::vector<VIEW_Panel> &fresh)
+{
+    const auto isSame = [](const VIEW_Panel &a, const VIEW_Panel &b) { return a.panel == b.panel; };
+    MergeAll(old, fresh, isSame, [&](VIEW_Panel *was, VIEW_Panel &now) {
+        const bool isShown = now.mask & (VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED);
+        MergeWhole(was, now);
+        if (isShown) // last, drawn last
+            std::rotate(old->begin() + (was - old->data()), old->begin() + (was - old->data()) + 1,
+                        old->end());
+    });
+}
+
+void MergeItems(std::vector<VIEW_MenuItem> *old, std::vector<VIEW_MenuItem> &fresh)
+{
+    const auto isSame = [](const VIEW_MenuItem &a, const VIEW_MenuItem &b) {
+        return a.item == b.item;
+    };
+    MergeAll(old, fresh, isSame, [](VIEW_MenuItem *was, VIEW_MenuItem &now) {
+        now.isNew = was->isNew || now.isNew;
+        *was = std::move(now);
+    });
+    // One that came and went is nothing the view need know.
+    old->erase(std::remove_if(old->begin(), old->end(),
+                              [](const VIEW_MenuItem &item) { return item.isNew && item.isGone; }),
+               old->end());
 }
 
 void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
@@ -203,31 +143,30 @@ void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
         old->popupMenu = fresh.popupMenu;
     if (fresh.question.id != 0)
         old->question = std::move(fresh.question);
-    if (fresh.closedQuestion != 0) {
+    if (fresh.closedQuestion != 0)
         old->closedQuestion = fresh.closedQuestion;
-        if (old->question.id == fresh.closedQuestion)
-            old->question = VIEW_Question();
-    }
-    if (fresh.hasClipboard) {
-        old->hasClipboard = true;
+    if (old->question.id == old->closedQuestion)
+        old->question = VIEW_Question();
+    if (fresh.hasClipboard)
         old->clipboard = std::move(fresh.clipboard);
-    }
-    if (fresh.isEnded) {
-        old->isEnded = true;
+    old->hasClipboard |= fresh.hasClipboard;
+    if (fresh.isEnded)
         old->exitCode = fresh.exitCode;
-    }
+    old->isEnded |= fresh.isEnded;
 }
 
 void Merge(VIEW_Batch *old, VIEW_Batch &fresh)
 {
+    const auto replace = [](auto *was, auto &now) { *was = std::move(now); };
     MergePanels(&old->panels, fresh.panels);
     MergeItems(&old->items, fresh.items);
-    MergeRecords(&old->controls, fresh.controls, MergeControl);
-    MergeRecords(&old->lists, fresh.lists, MergeList);
-    MergeRecords(&old->boxes, fresh.boxes, MergeBox);
-    MergeRecords(&old->completions, fresh.completions,
-                 [](VIEW_Completion *was, VIEW_Completion &now) { *was = std::move(now); });
-    MergeProgress(&old->progress, fresh.progress);
+    MergeAll(&old->controls, fresh.controls, IsSameControl<VIEW_Control>, MergeWhole<VIEW_Control>);
+    MergeAll(&old->lists, fresh.lists, IsSameControl<VIEW_List>, MergeList);
+    MergeAll(&old->boxes, fresh.boxes, IsSameControl<VIEW_TextBox>, MergeBox);
+    MergeAll(&old->completions, fresh.completions, IsSameControl<VIEW_Completion>, replace);
+    MergeAll(
+        &old->progress, fresh.progress,
+        [](const VIEW_Progress &a, const VIEW_Progress &b) { return a.id == b.id; }, replace);
     MergeRest(old, fresh);
 }
 
@@ -457,9 +396,9 @@ void DOOR_EndUrgent(const VIEW_Event &event)
         urgentWaiting--;
 }
 
-void DOOR_EndInterrupt()
+bool DOOR_EndInterrupt()
 {
-    isInterrupted = false;
+    return isInterrupted.exchange(false);
 }
 
 void DOOR_OnSignal(bool isInterrupt)

@@ -31,7 +31,7 @@ void DOOR_ForgetCancel(int progress);
 // An urgent event waits, a progress box was cancelled, or an interrupt came.
 bool DOOR_IsBreakWished();
 void DOOR_EndUrgent(const VIEW_Event &event); // it has had its turn
-void DOOR_EndInterrupt();
+bool DOOR_EndInterrupt(); // whether there was one
 // From the thread that watches signals: an interrupt breaks what is running, or ends an
 // idle program; anything else ends it.
 void DOOR_OnSignal(bool isInterrupt);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/system.h"
 #include "runtime/model/door.h"
 
 namespace {
@@ -361,6 +362,7 @@ void MDL_EndCall()
     if (--MDL_GetState().depth > 0)
         return;
     DOOR_SetBusy(false);
-    DOOR_EndInterrupt();
+    if (DOOR_EndInterrupt())
+        PLT_SignalHeard(); // what it was to break has ended
     MDL_Flush();
 }

@@ -158,6 +158,7 @@ int MDL_FireTimer(MDL_Control *timer)
 int VIEW_RunProgram(int argc, char **argv, int (*program)(int argc, char **argv))
 {
     MDL_State &state = MDL_GetState();
+    PLT_WatchSignals(DOOR_OnSignal);
     // Until the loop runs everything is one callback: the first window comes up whole.
     state.isStarting = true;
     MDL_BeginCall();
