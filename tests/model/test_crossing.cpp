@@ -270,6 +270,44 @@ TEST_F(Crossing, TablesHaveCellsAndSeveralSelectedLines)
     EXPECT_EQ(UIE_BAD_INDEX, GetEditedCell(WINDOW, LIST, &number, &number, &text));
 }
 
+TEST_F(Crossing, PlacesAndScrollingAreTheUsers)
+{
+    int value = -1;
+    GetPanelAttribute(WINDOW, ATTR_IS_PLACED, &value);
+    EXPECT_EQ(0, value);
+    VIEW_Event event;
+    event.kind = VIEW_EVENT_PLACED;
+    event.panel = WINDOW;
+    event.rect = {10, 20, 300, 400};
+    VIEW_Post(event);
+    event.kind = VIEW_EVENT_SCROLLED;
+    event.control = LIST;
+    event.value = 1;
+    event.extra = 2;
+    VIEW_Post(event);
+    event.kind = VIEW_EVENT_FOCUS;
+    event.control = FIELD;
+    VIEW_Post(event);
+    GetPanelAttribute(WINDOW, ATTR_IS_PLACED, &value);
+    EXPECT_EQ(1, value);
+    GetPanelAttribute(WINDOW, ATTR_TOP, &value);
+    EXPECT_EQ(20, value);
+    GetCtrlAttribute(WINDOW, LIST, ATTR_LINES_IN_VIEW, &value);
+    EXPECT_EQ(2, value);
+    GetCtrlAttribute(WINDOW, LIST, ATTR_FIRST_VISIBLE_LINE, &value);
+    EXPECT_EQ(1, value);
+    EXPECT_EQ(FIELD, GetActiveCtrl(WINDOW));
+    Fill({"a", "b", "c"});
+    GetCtrlAttribute(WINDOW, LIST, ATTR_FIRST_VISIBLE_LINE, &value);
+    EXPECT_EQ(1, value) << "refilling keeps the place";
+    DeleteListItem(WINDOW, LIST, 0, 1);
+    GetCtrlAttribute(WINDOW, LIST, ATTR_FIRST_VISIBLE_LINE, &value);
+    EXPECT_EQ(0, value) << "all lines are in view";
+    VIEW_Batch batch = Fetch();
+    EXPECT_TRUE(batch.panels.empty()) << "what the user did is not done to the user again";
+    EXPECT_EQ(static_cast<unsigned>(VIEW_LIST_LINES), batch.lists[0].mask);
+}
+
 TEST_F(Crossing, ManyChangesAreOneAndABoxStaysBounded)
 {
     for (int i = 0; i < 1000; i++) {
