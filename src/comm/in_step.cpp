@@ -26,27 +26,32 @@ std::vector<STEP_Open>::const_iterator FindOpen(const STEP_Partner &partner, STE
                         [shape](const STEP_Open &item) { return item.shape == shape; });
 }
 
-// Books one answer that turned up. More than were asked for means that somebody on the line
+// More answers came than requests up to a certain one had gone out: somebody on the line
 // repeats, and everything accepted lately may have been a neighbour's.
-void CountAnswer(STEP_Line *line, STEP_Partner *partner, uint32_t answers)
+void CheckSurplus(STEP_Line *line, STEP_Partner *partner, uint32_t requests)
 {
-    partner->came += answers;
-    if (partner->came <= partner->sent)
+    if (partner->came <= requests)
         return;
-    partner->came = partner->sent;
+    partner->came = requests;
     if (partner->unknown > 0) // of the time before: nothing was accepted yet
         return;
     ++line->surplus;
     ++line->disturbed;
 }
 
-// Crosses out the oldest open answer of this shape and all before it. Of repetitions it may
-// have been the first, so the later ones stay open. Returns whether it was a probe's.
-bool CrossOut(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32_t nowMs)
+// Books an answer that turned up and crosses out the oldest open request of this shape with
+// all before it, whose answers are lost. Of repetitions it may have been the first, so the
+// later ones stay open. True when it was a probe's.
+bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32_t nowMs)
 {
+    ++partner->came;
     const auto found = FindOpen(*partner, shape);
-    if (found == partner->open.end())
+    if (found == partner->open.end()) {
+        CheckSurplus(line, partner, partner->sent);
         return false;
+    }
+    CheckSurplus(line, partner, found->number);
+    partner->came = found->number;
     const bool isProbe = found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
     if (isProbe) {
@@ -55,13 +60,9 @@ bool CrossOut(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32_t
         partner->calmAt = line->disturbed;
         partner->provenMs = nowMs;
     }
-    return isProbe;
-}
-
-void ForgetCounts(STEP_Partner *partner)
-{
     if (partner->open.empty())
         partner->sent = partner->came = 0;
+    return isProbe;
 }
 
 uint32_t NextRandom(STEP_Line *line)
@@ -119,17 +120,14 @@ void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
         book.open.clear();
         book.unknown = PROBES_FOR_UNKNOWN;
     }
-    book.open.push_back({shape, isProbe});
-    ++book.sent;
+    book.open.push_back({shape, isProbe, ++book.sent});
 }
 
 void STEP_Accepted(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
 {
     STEP_Partner &book = PartnerOf(line, partner);
-    CountAnswer(line, &book, 1);
-    if (!CrossOut(line, &book, shape, nowMs))
+    if (!BookAnswer(line, &book, shape, nowMs))
         book.isProofDue = true;
-    ForgetCounts(&book);
 }
 
 bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
@@ -138,11 +136,7 @@ bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
     if (FindOpen(book, shape) == book.open.end())
         ++line->disturbed;
     // Of a partner that nothing was accepted from, a repeated answer harms nobody.
-    if (!book.open.empty() || book.isProofDue)
-        CountAnswer(line, &book, 1);
-    const bool isProbe = CrossOut(line, &book, shape, nowMs);
-    ForgetCounts(&book);
-    return isProbe;
+    return (!book.open.empty() || book.isProofDue) && BookAnswer(line, &book, shape, nowMs);
 }
 
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
@@ -150,8 +144,8 @@ void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
     STEP_Partner &book = PartnerOf(line, partner);
     if (book.open.empty())
         ++line->disturbed;
-    if (answers > 0)
-        CountAnswer(line, &book, answers);
+    book.came += answers;
+    CheckSurplus(line, &book, book.sent);
 }
 
 void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)

@@ -21,12 +21,13 @@ typedef uint32_t STEP_Shape;
 struct STEP_Open {
     STEP_Shape shape;
     bool isProbe;
+    uint32_t number; // STEP_Partner::sent when it had gone out
 };
 
 struct STEP_Partner {
     std::vector<STEP_Open> open; // requests whose answers may still come, oldest first
     int unknown = 0;             // probes to be answered before nothing of an earlier time is left
-    uint32_t sent = 0, came = 0; // since nothing was open
+    uint32_t sent = 0, came = 0; // requests and answers since nothing was open
     uint32_t calmAt = 0;         // STEP_Line::disturbed at the last proof
     uint32_t provenMs = 0;       // tick of the last proof
     bool isProofDue = false;     // something was accepted and no probe answered since

@@ -66,23 +66,24 @@ Event EndDamaged(size_t chars)
     return chars > 0 ? Event::DAMAGED : Event::NONE;
 }
 
-// An answer's start character is in no other frame, so it always begins one. When it cuts
-// another frame off, that is told first.
+// Start characters are in no frame's text, so each begins a frame. When one cuts another
+// frame off, that is told first.
 Event SortByte(char byte)
 {
-    if (byte == MR166_START_ANSWER) {
+    const bool isAnswerStart = byte == MR166_START_ANSWER;
+    if (isAnswerStart || byte == MR166_START_SHORT || byte == MR166_START_LONG) {
         const Event cut = EndDamaged(sorter.count + sorter.noiseChars);
         sorter.frame[sorter.count++] = byte;
         return cut;
     }
-    if (sorter.count == 0 && byte != MR166_START_SHORT && byte != MR166_START_LONG) {
+    if (sorter.count == 0) {
         ++sorter.noiseChars;
         return byte == MR166_END ? EndDamaged(sorter.noiseChars) : Event::NONE;
     }
     sorter.frame[sorter.count++] = byte;
-    if (byte == MR166_END)
-        return sorter.frame[0] == MR166_START_ANSWER ? Event::ANSWER : Event::ECHO;
     const bool isAnswer = sorter.frame[0] == MR166_START_ANSWER;
+    if (byte == MR166_END)
+        return isAnswer ? Event::ANSWER : Event::ECHO;
     const size_t room = isAnswer ? MR166_ANSWER_ROOM : MR166_LONG_CHARS;
     return sorter.count == room ? EndDamaged(room) : Event::NONE;
 }
@@ -222,6 +223,8 @@ void ClearInput(const Mr166_Driver &driver, int station)
         STEP_Junk(&line, station, 0);
 }
 
+enum class Kind { REQUEST, REPETITION, PROBE };
+
 // --- results of a try -----------------------------------------------------------------
 
 int Refuse(int code)
@@ -255,7 +258,7 @@ int FailCheck(int code, int fault, bool isEchoSeen)
         ++EC_wFrameErr;
     Refuse(code);
     Mr166_nFault = fault;
-    Mr166_isEchoing = fault == MR166_FAULT_ECHO;
+    Mr166_isEchoing = Mr166_isEchoing || fault == MR166_FAULT_ECHO;
     return FailTry(isEchoSeen);
 }
 
@@ -293,7 +296,7 @@ struct Reading {
 
 // Sorts what comes until the answer is there or the time is over. A probe's wait ends with
 // any probe's answer, because that may be proof enough.
-Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, bool isProbe)
+Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kind sending)
 {
     const uint32_t start = PLT_TickMs();
     Reading reading;
@@ -322,12 +325,16 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, boo
                 reading.code = judgement.code;
             if (judgement.kind == Judgement::ECHO)
                 reading.isEchoSeen = true;
-            else if (judgement.kind != Judgement::PROOF || isProbe)
+            else if (judgement.kind != Judgement::PROOF || sending == Kind::PROBE)
                 reading.kind = judgement.kind;
         }
     }
-    // An answer behind an echo is awaited, so that it cannot be taken for the next try's.
-    if (reading.isEchoSeen && !driver.isEchoSkipped)
+    // A driver that cannot skip echoes gives no value on a line that has them. The answer
+    // behind an echo is awaited all the same, or it would be taken for the next try's. Of
+    // repetitions, an earlier one's answer may come before the echo.
+    const bool isEarlier = Mr166_isEchoing && sending == Kind::REPETITION;
+    const bool isAnswered = reading.kind == Judgement::ACCEPTED;
+    if (!driver.isEchoSkipped && (reading.isEchoSeen || (isEarlier && isAnswered)))
         reading.kind = Judgement::ECHO;
     return reading;
 }
@@ -380,7 +387,7 @@ int ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
     const bool isEcho = ending == Mr166_Ending::COMPLETE && StartsWithOwnEcho();
     SortLeftOver(Mr166_abyRcv, cbRcv, request.station);
     if (isEcho)
-        (void)ReadSorted(driver, request, false);
+        (void)ReadSorted(driver, request, Kind::REQUEST);
     if (ending == Mr166_Ending::TIME_OUT)
         return FailSilent(MR166_ERR_TIMEOUT, isEchoSeen);
     if (ending == Mr166_Ending::WRONG_START) {
@@ -489,7 +496,7 @@ int SendProbe(int station, STEP_Shape shape)
             ++failedProbes;
             return Mr166_nFault == MR166_FAULT_GONE ? -1 : 0;
         }
-        const Reading reading = ReadSorted(driver, probe, true);
+        const Reading reading = ReadSorted(driver, probe, Kind::PROBE);
         const bool isProof =
             reading.kind == Judgement::ACCEPTED || reading.kind == Judgement::PROOF;
         if (isProof || reading.kind == Judgement::REFUSED) {
@@ -497,8 +504,10 @@ int SendProbe(int station, STEP_Shape shape)
             if (TRC_isOn)
                 MrTRC_End(true, reading.isEchoSeen);
             Mr166_nFault = 0;
-            if (isProof)
+            if (isProof) {
+                Mr166_isEchoing = Mr166_isEchoing && reading.kind == Judgement::PROOF;
                 return 1;
+            }
             const bool isSecondRefusal = place->isZeroRefused;
             place->isZeroRefused = true;
             if (isSecondRefusal || !place->hasGood)
@@ -513,7 +522,7 @@ int SendProbe(int station, STEP_Shape shape)
 
 constexpr STEP_Prober PROBER = {PROBES, sizeof PROBES / sizeof PROBES[0], SendProbe};
 
-int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request)
+int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request, Kind sending)
 {
     if (!Send(driver, request, false))
         return 0;
@@ -521,7 +530,7 @@ int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request)
     wMr166State = MR166_STATE_WAITING;
     if (STEP_IsCalm(line, request.station, 1) && sorter.count == 0)
         return ReadInStep(driver, request);
-    return FinishSorted(request, ReadSorted(driver, request, false));
+    return FinishSorted(request, ReadSorted(driver, request, sending));
 }
 
 // What the first try and the repetitions have in common. `probes` is negative for the latter.
@@ -538,7 +547,7 @@ int Try(const Mr166_Driver &driver, const Mr166_Request &request, int probes)
     if (probes >= 0 && STEP_MakeSafe(&line, request.station, ShapeOfAnswerTo(request), probes,
                                      PROBER) != STEP_PROVEN)
         return 0;
-    return SendAndRead(driver, request);
+    return SendAndRead(driver, request, probes >= 0 ? Kind::REQUEST : Kind::REPETITION);
 }
 
 } // namespace

@@ -46,6 +46,7 @@ struct Tally {
         if (isRight)
             return;
         ++wrong;
+        if (std::getenv("DBG")) std::printf("WRONG %s\n", what.c_str());
         if (firstWrong.empty())
             firstWrong = what;
     }
@@ -157,6 +158,7 @@ Tally RunSeed(uint32_t seed)
     const VL_Schedule schedule = DrawSchedule();
     const int isWin32 = static_cast<int>(VL_Random(2));
     VL_Change(schedule);
+    if (std::getenv("DBG")) std::printf("win32 %d delay %g..%g loss %g damage %g dup %g stray %g cut %g foreign %g stall %g refuse %g echo %d zero %d\n", isWin32, schedule.delayMin, schedule.delayMax, schedule.loss, schedule.damage, schedule.duplicate, schedule.stray, schedule.cut, schedule.foreign, schedule.stall, schedule.refuse, schedule.isEcho, schedule.isZeroRefused);
     Open(isWin32);
     while (tally.operations < 250) {
         const uint32_t next = VL_Random(20);
@@ -172,7 +174,7 @@ Tally RunSeed(uint32_t seed)
     tally.requests = VL_counters.requests;
     if (schedule.isEcho && isWin32 != 0) {
         EXPECT_EQ(tally.good, 0u) << "a value from an echoing line, seed " << seed;
-        EXPECT_TRUE(UCM_IsEchoing() || schedule.loss + schedule.stall > 0);
+        EXPECT_TRUE(UCM_IsEchoing());
     }
     UCM_Close();
     return tally;
@@ -191,6 +193,11 @@ TEST_F(InStep, NoSchedulePassesOffAnAnswerForAnother)
         all.operations += tally.operations;
         all.requests += tally.requests;
     };
+    if (const char *one = std::getenv("VIREO2_STEP_SEED")) {
+        TRC_SetSink([](const std::string &text, void *) { std::printf("%s", text.c_str()); },
+                    nullptr);
+        return run(static_cast<uint32_t>(std::atol(one)));
+    }
     for (const uint32_t seed : KEPT_SEEDS)
         run(seed);
     const char *count = std::getenv("VIREO2_STEP_SEEDS");
