@@ -144,6 +144,8 @@ TEST_F(SysAddr, BusyMailboxEndsAfterItsPolls)
     SIM_SetFaults(target, options);
     addItem("&[400], u4");
     uint32_t value = 0;
+    uint8_t byte = 0;
+    ASSERT_EQ(UCM_Read(STATION, 0, 1, &byte), 0); // in step from here on
     uint64_t before = SIM_GetCounters(target).requests;
     EXPECT_EQ(readTMS(0, &value), -2);
     EXPECT_EQ(SIM_GetCounters(target).requests - before, 2u + 10u);

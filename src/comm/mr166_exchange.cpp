@@ -189,6 +189,8 @@ Judgement JudgeByte(char byte, const Mr166_Request *request, int station)
     }
     case Event::ECHO: {
         const bool isOwn = IsOwnEcho();
+        if (!isOwn) // an answer whose first character was damaged looks like this
+            STEP_Junk(&line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         sorter.count = 0;
         return {isOwn ? Judgement::ECHO : Judgement::WAIT, 0};
     }
@@ -300,6 +302,7 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
 {
     const uint32_t start = PLT_TickMs();
     Reading reading;
+    bool isAnythingRead = false;
     char bytes[CHUNK];
     while (reading.kind == Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
@@ -315,6 +318,7 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
         }
         if (TRC_isOn)
             MrTRC_Received(bytes, static_cast<size_t>(got));
+        isAnythingRead = isAnythingRead || got > 0;
         for (int i = 0; i < got; ++i) {
             const bool isWaiting = reading.kind == Judgement::WAIT;
             const Judgement judgement =
@@ -329,6 +333,11 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
                 reading.kind = judgement.kind;
         }
     }
+    // The driver that reads by length calls half an answer damaged, the other one none.
+    if (reading.kind == Judgement::WAIT && reading.code == 0 && !driver.isEchoSkipped &&
+        isAnythingRead && sorter.count > 0)
+        reading.code =
+            mr166CheckAnswer(sorter.frame, sorter.count, request.station, request.command);
     // A driver that cannot skip echoes gives no value on a line that has them. The answer
     // behind an echo is awaited all the same, or it would be taken for the next try's. Of
     // repetitions, an earlier one's answer may come before the echo.
@@ -528,7 +537,8 @@ int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request, Kind s
         return 0;
     wasSent = true;
     wMr166State = MR166_STATE_WAITING;
-    if (STEP_IsCalm(line, request.station, 1) && sorter.count == 0)
+    // What failed once is sorted: a stray character before each answer costs one try, not all.
+    if (sending == Kind::REQUEST && STEP_IsCalm(line, request.station, 1) && sorter.count == 0)
         return ReadInStep(driver, request);
     return FinishSorted(request, ReadSorted(driver, request, sending));
 }

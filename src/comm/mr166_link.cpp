@@ -191,7 +191,10 @@ int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer)
             return 0;
         if (count <= MR166_READ_MAX && !MrEXC_IsSuspicious(station))
             return 0;
-        if (MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1) < 0)
+        const uint32_t probesBefore = MrEXC_FailedProbes();
+        const int proven = MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1);
+        EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+        if (proven < 0)
             return -1;
         if (MrEXC_Surplus() == surplus)
             return 0;
