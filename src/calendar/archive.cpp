@@ -3,6 +3,7 @@
 #include "calendar/archive.h"
 
 #include "calendar/crc32.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -20,9 +21,10 @@ constexpr size_t HEADER_MAX = QAR_NAME_MAX + 100;
 constexpr int ERR_BAD_MEMBER = -2;
 
 struct OpenFile {
-    std::FILE *file;
-    explicit OpenFile(const char *name) : file(std::fopen(name, "rb"))
+    std::FILE *file = nullptr;
+    explicit OpenFile(const char *name)
     {
+        (void)PLF_Open(name, PLF_ANY_SIZE, &file);
     }
     ~OpenFile()
     {
