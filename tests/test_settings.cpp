@@ -37,6 +37,7 @@ protected:
         bRate = 19200;
         VR_enAppMode = MODE_NORMAL;
         nDebugFileNames = openStruct = nLItems = openLItems = 0;
+        FreeNodes(aVarNode, &nNodes);
         szaDebugFileNames = {};
         szDebugFileName.clear();
         szMapFileName.clear();

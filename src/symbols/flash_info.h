@@ -19,11 +19,13 @@ enum {
     FLASH_ERR_COMMUNICATION = -2,
     FLASH_ERR_CANCELLED = -3,
     FLASH_ERR_ADDRESS = -4, // a variable beyond 24 bits
-    FLASH_ERR_TYPES = -5    // the type map is damaged
+    FLASH_ERR_TYPES = -5,   // the type map is damaged
+    FLASH_ERR_TOO_MANY = -6 // the directory does not end
 };
 const char *FLASH_GetErrorText(int result); // one sentence, "" for a good result
 
-// Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of variables read, or a negative code.
+// Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of
+// variables read, or a negative code.
 int LoadFrwVarMap283xx(int textHandle);
 // The same from the flash directory between two byte addresses.
 int LoadFVarMap283xx(uint32_t start, uint32_t end);

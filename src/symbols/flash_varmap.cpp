@@ -40,7 +40,8 @@ bool unpackLines(const char *at, std::string *text)
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0)
             return false;
         const size_t size = std::strlen(cursor) + 1;
-        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) < 0 ||
+        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) <
+                0 ||
             name.size() > NODE_NAME_MAX)
             return false;
         appendMapLine(text, address, name);
@@ -72,7 +73,7 @@ bool unpackRecords(const uint8_t *at, size_t size, std::string *text)
 
 } // namespace
 
-int FLASH_ParseVarMap(int handle, std::vector<FlashVariable> *variables)
+int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
 {
     for (int i = 0; i < TXFRW_GetCnLines(handle); i++) {
         const char *line = TXFRW_GetLinePtr(handle, i);
@@ -89,18 +90,11 @@ int FLASH_ParseVarMap(int handle, std::vector<FlashVariable> *variables)
     return variables->empty() ? FLASH_ERR_NO_MAP : 0;
 }
 
-int FLASH_TakeVariables(const std::vector<FlashVariable> &variables, VarNode *table, int *count)
+int FLASH_TakeVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count)
 {
-    FreeNodes(table, count);
     int refused = 0;
-    for (const FlashVariable &variable : variables)
-        VRN_AddNode(table, count, variable.address, variable.name.c_str(), &refused);
-    const int taken = *count;
-    VRN_SortByName(table, *count);
-    VRN_RemoveDuplicates(table, count);
-    if (table == aVarNode)
-        SortMapNdxByAddr();
-    MAP_ReportRefused(refused);
+    const int taken = VRN_ReplaceNodes(table, count, variables, &refused);
+    MAP_ReportRefused(refused, 0);
     return taken;
 }
 
@@ -116,4 +110,3 @@ int FLASH_OpenVarMap(const char *name, const std::string &content)
                                                        content.size() - FORM_LINE_SIZE, &text);
     return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : FLASH_ERR_NO_MAP;
 }
-

@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <queue>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "settings/settings.h"
@@ -161,6 +163,25 @@ int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, 
     SetMark(table, -1);
     ForgetAddressIndex(table);
     return 0;
+}
+
+// Doubles are of no account until the table is full: which of two nodes of a name comes first
+// then hangs on all nodes as they stood in the map.
+int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+                     int *refused)
+{
+    FreeNodes(table, count);
+    const bool isTight = symbols.size() > NODES_MAX;
+    std::set<std::pair<std::string, uint32_t>> known;
+    for (const VRN_Symbol &symbol : symbols)
+        if (!isTight || known.insert({symbol.name, symbol.address}).second)
+            VRN_AddNode(table, count, symbol.address, symbol.name.c_str(), refused);
+    const int taken = *count;
+    VRN_SortByName(table, *count);
+    VRN_RemoveDuplicates(table, count);
+    if (table == aVarNode)
+        SortMapNdxByAddr();
+    return taken;
 }
 
 int AddMapVar(uint32_t address, const char *text)

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 constexpr int NODES_MAX = 5000;
 constexpr int NODE_NAME_MAX = 64;
@@ -39,6 +40,15 @@ void FreeNodes(VarNode *table, int *count);
 
 // The same for any of the three tables; `refused` (may be null) counts nodes beyond NODES_MAX.
 int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused);
+// Fills a table anew: sorted, without the doubles that maps list; names as for AddMapVar.
+// The number taken, doubles among them; *refused counts the different symbols for which the
+// table has no room.
+struct VRN_Symbol {
+    uint32_t address; // in bytes
+    std::string name;
+};
+int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+                     int *refused);
 // Order of a selection sort that swaps the first smallest remaining name into place: equal
 // names may end up in another order than a stable sort gives them. O(n log n).
 void VRN_SortByName(VarNode *table, int count);
