@@ -1,5 +1,6 @@
 // The program without windows: takes its own options, picks what the event loop
 // does, and turns the outcome into an exit code.
+#include <algorithm>
 #include <cstdio>
 
 #include "app/VR.h"
@@ -9,6 +10,7 @@
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
+#include "symbols/flash_info.h"
 
 namespace {
 
@@ -66,11 +68,20 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 
 int MakeArchive(const CPG_Options &options)
 {
-    if (QAR_Make(options.archive.c_str(), options.archiveFiles) == 0)
-        return 0;
-    std::fprintf(stderr, "Cannot make archive '%s': a file cannot be read or written.\n",
-                 options.archive.c_str());
-    return 1;
+    const std::vector<std::string> &members = options.archiveFiles;
+    std::string problem;
+    if (QAR_CheckMembers(members, &problem) == 0 && QAR_Make(options.archive.c_str(), members) != 0)
+        problem = "it cannot be written";
+    if (!problem.empty()) {
+        std::fprintf(stderr, "Cannot make archive '%s': %s.\n", options.archive.c_str(),
+                     problem.c_str());
+        return 1;
+    }
+    for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_MAP})
+        if (std::find(members.begin(), members.end(), name) == members.end())
+            std::fprintf(stderr, "Note: to open as a map, the archive needs a member '%s'.\n",
+                         name);
+    return 0;
 }
 
 int Dispatch(const CPG_Options &options, int argc, char **argv)
