@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"

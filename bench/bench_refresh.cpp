@@ -7,9 +7,10 @@
 #include <ctime>
 #include <string>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"

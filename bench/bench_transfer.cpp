@@ -1,10 +1,10 @@
 // `save` and `load` of 4,096 elements over a paced line against the time the characters
 // of their blocks take on the wire.
-#include "app/VR.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
 

@@ -7,11 +7,11 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/VR.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script_command.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 
 namespace {

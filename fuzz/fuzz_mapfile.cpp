@@ -6,7 +6,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
 #include "symbols/varnode.h"

@@ -3,13 +3,15 @@
 #include <gtest/gtest.h>
 
 #include "runtime/list_columns.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
+#include "watch/main_window.h"
 #include "watch/value/byte_text.h"
+#include "watch/value/value_forms.h"
 #include "watch/windows/item_panel.h"
 #include "watch/windows/mem_box.h"
 #include "watch/windows/name_completion.h"
-#include "watch/value/value_forms.h"
 
 namespace {
 

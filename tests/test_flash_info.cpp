@@ -1,9 +1,9 @@
 #include "support/flash_builder.h"
 
-#include "app/VR.h"
 #include "calendar/archive.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "support/sim_fixture.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_info.h"

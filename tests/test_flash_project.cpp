@@ -3,6 +3,7 @@
 #include <map>
 #include <tuple>
 
+#include "settings/settings.h"
 #include "support/console_rig.h"
 #include "support/flash_builder.h"
 #include "symbols/mapfile.h"

@@ -7,12 +7,13 @@
 #include <unistd.h>
 #include <vector>
 
-#include "app/VR.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 

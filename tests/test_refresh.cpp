@@ -7,7 +7,8 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
+#include "comm/communication.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "watch/list/freq_meter.h"
 #include "watch/value/write_value.h"

@@ -4,7 +4,7 @@
 #include <set>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/varnode.h"
 
 namespace {

@@ -6,8 +6,8 @@
 #include <unistd.h>
 #include <vector>
 
-#include "app/VR.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 

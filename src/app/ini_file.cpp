@@ -1,6 +1,6 @@
 // The settings file: one line a setting, key and value parted by a comma. Read once
 // at start, rewritten whole at shutdown. Each key is one row of a table.
-#include "app/VR.h"
+#include "app/ini_file.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -10,9 +10,13 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
+#include "watch/list/name_changes.h"
+#include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 

@@ -8,7 +8,6 @@
 
 #include "comm/ucm.h"
 #include "settings/settings.h"
-#include "symbols/varnode.h"
 
 uint16_t awQRDPP[4] = {0, 0, 0, 0};
 
@@ -29,6 +28,8 @@ const char *skipSpace(const char *text)
         ++text;
     return text;
 }
+
+ADR_Resolver nameResolver = nullptr;
 
 uint32_t limited(uint32_t address)
 {
@@ -51,14 +52,9 @@ uint32_t hexAddress(const char *digits)
     return number < ADDR_LIMIT ? static_cast<uint32_t>(number) : ADDR_NONE;
 }
 
-uint32_t namedAddress(const char *name)
+uint32_t namedAddress(const char *name, bool isTMS)
 {
-    uint32_t address = ADDR_NONE;
-    if (openStruct)
-        address = inStruct(name, aVarNode, nNodes);
-    if (address == ADDR_NONE && openStruct166)
-        address = inStruct(name, aVarNode166, nNodes166);
-    return limited(address);
+    return nameResolver != nullptr ? limited(nameResolver(name, isTMS)) : ADDR_NONE;
 }
 
 template <typename Resolve> uint32_t firstAlternative(const char *list, Resolve resolve)
@@ -77,6 +73,11 @@ template <typename Resolve> uint32_t firstAlternative(const char *list, Resolve 
 }
 
 } // namespace
+
+void ADR_SetResolver(ADR_Resolver resolver)
+{
+    nameResolver = resolver;
+}
 
 int GetStationModifier(const char **cursor)
 {
@@ -101,8 +102,8 @@ uint32_t GetSysAddrWk(const char *text)
     if (*text == '0')
         return text[1] == 'x' || text[1] == 'X' ? hexAddress(text + 2) : ADDR_NONE;
     if (*text == '&')
-        return openTMSStruct ? limited(inStruct(text + 1, aVarTMSNode, nTMSNodes)) : ADDR_NONE;
-    return namedAddress(text);
+        return namedAddress(text + 1, true);
+    return namedAddress(text, false);
 }
 
 uint32_t GetSysAddrM(const char *text, int *station)

@@ -1,7 +1,7 @@
 #include "symbols/flash_files.h"
+#include "symbols/listener.h"
 
 #include "comm/ucm.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -175,7 +175,7 @@ int WalkBack(uint32_t limit, uint32_t end, Walk *walk, uint32_t *start)
 }
 
 // Reads a found file block by block; the size was checked against the range.
-int loadBlocks(int dialog, const std::string &text, uint32_t address, std::string *content)
+int loadBlocks(const std::string &text, uint32_t address, std::string *content)
 {
     for (size_t done = 0; done < content->size();) {
         const size_t block = std::min<size_t>(content->size() - done, LOAD_BLOCK);
@@ -184,7 +184,7 @@ int loadBlocks(int dialog, const std::string &text, uint32_t address, std::strin
             return MFS_ERR_COMMUNICATION;
         done += block;
         const int percent = static_cast<int>(done * 100 / content->size());
-        if (UpdateProgressDialog(dialog, percent, text + ": " + std::to_string(percent) + " %") > 0)
+        if (!SYM_AdvanceProgress(percent, text + ": " + std::to_string(percent) + " %"))
             return MFS_ERR_CANCELLED;
     }
     return 0;
@@ -235,10 +235,10 @@ int MFS_Load(const char *name, uint32_t start, uint32_t end, std::string *conten
     if (address < 0)
         return address;
     const std::string text = std::string("Loading flash-file '") + name + "'";
-    const int dialog = CreateProgressDialog("Flash", text + ".");
+    SYM_BeginProgress("Flash", text + ".");
     content->resize(static_cast<size_t>(length));
-    const int result = loadBlocks(dialog, text, static_cast<uint32_t>(address), content);
-    DiscardProgressDialog(dialog);
+    const int result = loadBlocks(text, static_cast<uint32_t>(address), content);
+    SYM_EndProgress();
     if (result != 0)
         content->clear();
     return result;

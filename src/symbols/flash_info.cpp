@@ -1,11 +1,12 @@
 #include "symbols/flash_info.h"
 
-#include "app/VR.h"
 #include "calendar/archive.h"
 #include "calendar/crc32.h"
 #include "platform/safe_file.h"
+#include "settings/settings.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_varmap.h"
+#include "symbols/listener.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "symbols/zip_types.h"
@@ -221,27 +222,19 @@ int Read_TMS_CombiMap(const char *archiveName)
 int fl2node(int place)
 {
     uint32_t start, end;
-    VR_ShowMessage("Reading memory map:");
+    SYM_ShowMessage("Reading memory map:");
     int result = findRange(place, &start, &end);
     if (result == 0)
         result = LoadFMap283xx(start, end);
     if (result < 0) {
-        VR_ShowMessage(FLASH_GetErrorText(result));
+        SYM_ShowMessage(FLASH_GetErrorText(result));
         return result;
     }
     mapFile.clear();
     openStruct = OPEN_FROM_MEMORY;
-    VRN_RefreshVars();
-    VR_ShowMessage("Reading memory map: " + std::to_string(result) + " vars");
+    SYM_NamesChanged(SYM_MAP_LOADED);
+    SYM_ShowMessage("Reading memory map: " + std::to_string(result) + " vars");
     return 0;
-}
-
-int LoadFlash()
-{
-    VR_ComRequest();
-    const int result = fl2node(FLASH_AT_END);
-    SetMainPanelAttributes();
-    return result;
 }
 
 int SaveFlash(const char *fileName)

@@ -42,8 +42,6 @@ enum { FLASH_AT_END = 0, FLASH_AT_1C000 = 1 };
 // Reads the target's flash and makes its map the loaded one (OPEN_FROM_MEMORY); says in
 // the message area what was read or why not. 0 or a negative code.
 int fl2node(int place);
-// The user's command: offers to switch communication on, then reads from the end of flash.
-int LoadFlash();
 // Saves what was last read from flash as an archive that opens as a TMS map. 0, or -1:
 // nothing with types was read yet, or the file cannot be written.
 int SaveFlash(const char *fileName);

@@ -10,14 +10,12 @@
 
 #include "calendar/archive.h"
 #include "platform/plain_file.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
+#include "symbols/listener.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 
 namespace {
 
@@ -156,7 +154,7 @@ void MAP_ReportRefused(int refused, int longNames)
                 " characters: " + std::to_string(longNames) +
                 (longNames == 1 ? " symbol." : " symbols.");
     if (!text.empty())
-        MessagePopup("Map file", text);
+        SYM_Warn("Map file", text);
 }
 
 const char *MAP_ErrorText(int result)
@@ -280,7 +278,7 @@ void TakeMap(const char *fileName)
     mapFile = fileName;
     openStruct = OPEN_MAP_FILE;
     TMF_Rebuild();
-    VRN_RefreshVars();
+    SYM_NamesChanged(SYM_MAP_LOADED);
 }
 
 } // namespace
@@ -298,9 +296,7 @@ int TMSmap2node(const char *fileName)
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && IsWordAddressing(Procesor))
         TakeMap(fileName);
-    if (result == 0 && !IsWordAddressing(Procesor)) {
-        LIT_ResolveAll(true);
-        LSV_ShowAddresses();
-    }
+    if (result == 0 && !IsWordAddressing(Procesor))
+        SYM_NamesChanged(SYM_TMS_MAP_LOADED);
     return result;
 }

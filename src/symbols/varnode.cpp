@@ -12,8 +12,6 @@
 
 #include "settings/settings.h"
 #include "symbols/typemap.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 
 VarNode aVarNode[NODES_MAX];
 int nNodes = 0;
@@ -325,14 +323,4 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
     }
     *position = -1;
     return -1;
-}
-
-void VRN_RefreshVars()
-{
-    CleanLItems();
-    if (openStruct166)
-        completeLItems(aVarNode166, nNodes166);
-    if (openStruct != OPEN_NONE)
-        completeLItems(aVarNode, nNodes);
-    LSV_ShowAddresses();
 }

@@ -71,12 +71,17 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count);
 // Name of the nearest node at or after *address (registers and the map, members when a
 // type map is loaded) and its address; 0, or -1 with "" and 0xFFFFFFFF.
 int MapAddrToId(std::string *name, uint32_t *address);
+// Address of a name in the tables that are open: the map, then the registers; with isTMS
+// the TMS320 behind the station. ADDR_NONE of comm/sysaddr.h when no table knows it.
+uint32_t SYM_ResolveName(const char *name, bool isTMS);
+// Register "NAME", or "NAME+1" for the high byte of a word register. 0, or -1 and "".
+int RegAddrToName(uint32_t address, std::string *text);
+// "name" or "name+n" for an address in or shortly behind a variable, "0<hex>h (==name+n)"
+// further behind it. 0, or -1 and "" when no variable lies at or below the address.
+int VarAddrToName(uint32_t address, std::string *text);
 // Next name matching "abc*" from *position on; 0, or -1 at the end.
 int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, int count,
                  int *position);
-// Forgets and resolves again every address of the watch list, and shows them; the TMS320
-// items stay unresolved until the debug file is loaded again.
-void VRN_RefreshVars();
 // Loads the register table of a processor code into aVarNode166.
 void initRgMap(int processor);
 

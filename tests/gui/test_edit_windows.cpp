@@ -8,8 +8,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/VR.h"
 #include "gui/gui_support.h"
+#include "settings/settings.h"
 #include "watch/list/litem.h"
 
 namespace {

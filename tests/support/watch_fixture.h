@@ -7,9 +7,10 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/sim_fixture.h"
 #include "support/ui_reading.h"

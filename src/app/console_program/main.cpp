@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/VR.h"
 #include "app/console_program/console_options.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
+#include "app/startup.h"
+#include "app/version.h"
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
+#include "settings/settings.h"
 #include "symbols/flash_info.h"
 
 namespace {

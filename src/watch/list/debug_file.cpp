@@ -1,11 +1,14 @@
 #include "watch/list/debug_file.h"
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
+#include <algorithm>
 
 namespace {
 
@@ -279,4 +282,20 @@ int SaveDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
     if (event == EVENT_COMMIT)
         save(panel);
     return 0;
+}
+
+void AddDebugFileName(const std::string &path)
+{
+    if (path.size() >= PATH_MAX_CHARS)
+        return;
+    const auto begin = szaDebugFileNames.begin();
+    auto place = std::find(begin, begin + nDebugFileNames, path);
+    if (place == begin + nDebugFileNames) {
+        if (nDebugFileNames < RECENT_MAX)
+            nDebugFileNames++;
+        else
+            place--; // the oldest falls off
+        *place = path;
+    }
+    std::rotate(begin, place, place + 1);
 }

@@ -11,6 +11,9 @@ void DBG_RememberStamp(const std::string &path);
 // 0, -1 cannot be opened, -2 cannot be written.
 int DBG_WriteFile(const std::string &path);
 
+// Puts a path first among the recent debug files; the oldest of more than RECENT_MAX goes.
+void AddDebugFileName(const std::string &path);
+
 // Asks about unsaved changes, then loads a file as the current one. 0, -1 the user
 // cancelled, -2 cannot be opened (message area; list and name unchanged).
 int DBG_Open(const std::string &path);

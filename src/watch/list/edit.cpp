@@ -4,14 +4,15 @@
 #include <cctype>
 #include <cstring>
 
-#include "app/VR.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/typemap_list.h"
 #include "ui/resource.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/main_window.h"
 
 namespace {
 

@@ -1,16 +1,17 @@
 #include "watch/list/list_events.h"
 
-#include "app/VR.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
-#include "watch/windows/item_panel.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/snapshot.h"
+#include "watch/main_window.h"
+#include "watch/windows/item_panel.h"
 #include "watch/windows/mem_box.h"
 #include "watch/windows/memory_panel.h"
-#include "watch/list/snapshot.h"
 #include "watch/windows/value_panel.h"
 
 namespace {

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/VR.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/main_window.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 // Reading the value of one watch item: from the C166, or through the mailbox from the
 // TMS320, with the reason of a failure kept for the user.
+#include "watch/list/read_item.h"
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"

@@ -3,13 +3,16 @@
 #include <cctype>
 #include <cstdlib>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/freq_meter.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
+#include "watch/main_window.h"
 
 int UpdItem = 0;
 int eTMS = 0;

@@ -6,6 +6,7 @@
 #include "settings/settings.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
 
 namespace {

@@ -5,14 +5,15 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
-#include "watch/value/byte_text.h"
 #include "watch/list/litem.h"
+#include "watch/value/byte_text.h"
 #include "watch/windows/name_completion.h"
 #include "watch/windows/outcome_colors.h"
 #include "watch/windows/selector_row.h"

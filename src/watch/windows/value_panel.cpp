@@ -2,18 +2,20 @@
 
 #include <cstdio>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/windows/outcome_colors.h"
+#include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
 #include "watch/value/type_names.h"
 #include "watch/value/value_forms.h"
 #include "watch/value/write_value.h"
+#include "watch/windows/outcome_colors.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-// The way back from an address to a name, for listings: registers and variables.
+// Names to addresses for address texts, and the way back for listings.
 #include <cstdio>
 
 #include "comm/sysaddr.h"
@@ -21,6 +21,18 @@ const VarNode *nodeBelow(uint32_t address, const VarNode *table, int count)
 }
 
 } // namespace
+
+uint32_t SYM_ResolveName(const char *name, bool isTMS)
+{
+    if (isTMS)
+        return openTMSStruct ? inStruct(name, aVarTMSNode, nTMSNodes) : ADDR_NONE;
+    uint32_t address = ADDR_NONE;
+    if (openStruct)
+        address = inStruct(name, aVarNode, nNodes);
+    if (address == ADDR_NONE && openStruct166)
+        address = inStruct(name, aVarNode166, nNodes166);
+    return address;
+}
 
 int RegAddrToName(uint32_t address, std::string *text)
 {
