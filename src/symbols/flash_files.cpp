@@ -96,7 +96,7 @@ int findHeader(uint32_t *address, FileInfo *info)
 // 64 bytes of it.
 struct Walk {
     int files = 0;
-    int dialog = 0;
+    bool isShown = false;
 };
 
 // Counts one more file. 0, or a code: too many of them, or the user has cancelled.
@@ -107,16 +107,17 @@ int StepWalk(Walk *walk, uint32_t done, uint32_t all)
     if (walk->files < FILES_SHOWN_FROM)
         return 0;
     const std::string text = "Searching the flash directory: file " + std::to_string(walk->files);
-    if (walk->dialog == 0)
-        walk->dialog = CreateProgressDialog("Flash", text);
+    if (!walk->isShown)
+        SYM_BeginProgress("Flash", text);
+    walk->isShown = true;
     const int percent = static_cast<int>(static_cast<uint64_t>(done) * 100 / all);
-    return UpdateProgressDialog(walk->dialog, percent, text) > 0 ? MFS_ERR_CANCELLED : 0;
+    return SYM_AdvanceProgress(percent, text) ? 0 : MFS_ERR_CANCELLED;
 }
 
 void EndWalk(const Walk &walk)
 {
-    if (walk.dialog != 0)
-        DiscardProgressDialog(walk.dialog);
+    if (walk.isShown)
+        SYM_EndProgress();
 }
 
 // From file to file until the wanted one. 0 with the address of its data and its length, or
