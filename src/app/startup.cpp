@@ -20,6 +20,8 @@ int VR_nScriptResult = 0;
 
 namespace {
 
+constexpr int EXIT_UNSAVED = 1; // the settings could not be written
+
 struct PanelLoad {
     int panel;
     int parent;
@@ -63,13 +65,6 @@ void PrepareMenu()
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
 }
 
-// Without a settings file the driver must still be the one the state line names.
-void ReadSettings()
-{
-    if (OpenIniFile(mainPanel) < 0 && Option_ComWin32 != 0)
-        UCM_UseWin32(1);
-}
-
 void RunScript(const char *path)
 {
     WindowCB(0, ITEM_CONSOLE_VIEW);
@@ -95,7 +90,7 @@ int VR_StartUp(int argc, char **argv)
     SuspendTimerCallbacks();
     isTimer = 0;
     GetCmdLineOptions(argc, argv);
-    ReadSettings();
+    OpenIniFile(mainPanel);
     const int script = GetCmdLineOptions(argc, argv);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
@@ -119,9 +114,9 @@ int ExitApplication(int)
         return -1;
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
-    SaveIniFile();
+    const int code = SaveIniFile() < 0 ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.
-    QuitUserInterface(0);
+    QuitUserInterface(code);
     return 0;
 }
 

@@ -296,7 +296,9 @@ int TMSmap2node(const char *fileName)
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && IsWordAddressing(Procesor))
         TakeMap(fileName);
-    if (result == 0 && !IsWordAddressing(Procesor))
+    if (result == 0 && !IsWordAddressing(Procesor)) {
+        TMS_mapFile = fileName;
         SYM_NamesChanged(SYM_TMS_MAP_LOADED);
+    }
     return result;
 }

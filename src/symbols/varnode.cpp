@@ -23,6 +23,7 @@ VarNode aVarTMSNode[NODES_MAX];
 int nTMSNodes = 0;
 int openTMSStruct = 0;
 std::string mapFile;
+std::string TMS_mapFile;
 
 namespace {
 

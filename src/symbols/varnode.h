@@ -26,7 +26,8 @@ extern int openStruct166;
 extern VarNode aVarTMSNode[NODES_MAX]; // a TMS320 behind the station; word addresses
 extern int nTMSNodes;
 extern int openTMSStruct;
-extern std::string mapFile; // name of the loaded map file
+extern std::string mapFile;     // name of the loaded map file
+extern std::string TMS_mapFile; // the same of the TMS320 behind the station
 
 // Appends a node to aVarNode. The name is the run of letters, digits, "_" and "?" at the
 // start of `text`. 0, or -1: table full (counted), no name, or a name of more than 64.

@@ -20,6 +20,7 @@ constexpr int EXIT_WRONG_OPTION = 2;
 
 int Drive()
 {
+    CPG_RepeatMessage(); // what the settings could not have
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
 }
 

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "comm/sysaddr.h"
+#include "text/visible.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 
@@ -65,8 +66,8 @@ Row MakeRow(const LItem &item)
 
 std::string CsvLine(const Row &row, long sweep)
 {
-    return std::to_string(sweep) + ',' + CPG_QuoteCsv(row.name) + ',' + row.address + ',' +
-           row.type + ',' + std::to_string(row.size) + ',' + CPG_QuoteCsv(row.value) + ',' +
+    return std::to_string(sweep) + ',' + TXT_CsvCell(row.name) + ',' + row.address + ',' +
+           row.type + ',' + std::to_string(row.size) + ',' + TXT_CsvCell(row.value) + ',' +
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
@@ -91,7 +92,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
         value = "Address?";
     else if (row.isError)
         value = row.reason.empty() ? "(!)" : "(!) " + row.reason;
-    return row.name + std::string(pad, ' ') + columns + value + '\n';
+    return TXT_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
 }
 
 size_t NameWidth()
@@ -123,16 +124,6 @@ size_t Utf8Length(const std::string &text, size_t at)
 }
 
 } // namespace
-
-std::string CPG_QuoteCsv(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + '"';
-}
 
 std::string CPG_QuoteJson(const std::string &text)
 {

@@ -5,6 +5,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/visible.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
@@ -32,7 +33,7 @@ std::string nameLine(const LItem &item)
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return item.name + ADDRESS_COLUMN + address;
+    return TXT_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
 int lineCount()
@@ -63,7 +64,7 @@ void fillNames()
 
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
-    std::string line = item.name;
+    std::string line = TXT_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
     line += isResolved ? addressText(item.address, processor) : "??????  ";

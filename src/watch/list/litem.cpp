@@ -9,6 +9,7 @@
 #include "runtime/userint.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
+#include "text/visible.h"
 #include "watch/list/debug_file.h"
 
 LItem aLItems[LITEMS_MAX];
@@ -34,6 +35,13 @@ bool isAnonymous(const LItem &item)
 uint32_t addressToKeep(const LItem &item)
 {
     return item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
+}
+
+std::string bracketed(const LItem &item)
+{
+    char place[24];
+    std::snprintf(place, sizeof place, "[0x%X]", addressToKeep(item));
+    return place;
 }
 
 std::string trimmed(const char *begin, const char *end)
@@ -280,23 +288,17 @@ bool LIT_HasAddress(const LItem &item)
 
 std::string LIT_Label(const LItem &item)
 {
-    if (!isAnonymous(item))
-        return item.name;
-    char place[24];
-    std::snprintf(place, sizeof place, "[0x%X]", addressToKeep(item));
-    return item.name + place;
+    return isAnonymous(item) ? item.name + bracketed(item) : TXT_Visible(item.name);
 }
 
 std::string LIT_FileLine(const LItem &item)
 {
-    std::string line = LIT_Label(item);
+    std::string line = item.name;
     const bool isForgotten = item.address == LITEM_NO_ADDRESS;
-    if (!isAnonymous(item) &&
-        (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))) {
-        char place[24];
-        std::snprintf(place, sizeof place, ", [0x%X]", addressToKeep(item));
-        line += place;
-    }
+    if (isAnonymous(item))
+        line += bracketed(item);
+    else if (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))
+        line += ", " + bracketed(item);
     line += ", ";
     line += item.type;
     if (item.type != 't' && item.type != 'f')

@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "platform/safe_file.h"
+#include "text/visible.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 
@@ -46,23 +47,6 @@ std::string stateOf(const LItem &item)
     return item.reason.empty() ? "not read" : item.reason;
 }
 
-std::string oneLine(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
-    return text;
-}
-
-std::string quoted(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string result = "\"";
-    for (const char c : text)
-        result += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return result + '"';
-}
-
 } // namespace
 
 std::string SNP_Text()
@@ -70,8 +54,8 @@ std::string SNP_Text()
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += oneLine(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
-                valueOf(item) + '\t' + oneLine(stateOf(item)) + '\n';
+        text += TXT_Visible(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
+                valueOf(item) + '\t' + TXT_Visible(stateOf(item)) + '\n';
     }
     return text;
 }
@@ -81,9 +65,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += quoted(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + quoted(valueOf(item)) + ',' + rawOf(item) + ',' +
-                quoted(stateOf(item)) + "\r\n";
+        text += TXT_CsvCell(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + TXT_CsvCell(valueOf(item)) + ',' + rawOf(item) +
+                ',' + TXT_CsvCell(stateOf(item)) + "\r\n";
     }
     return text;
 }
