@@ -6,7 +6,9 @@
 #include <string>
 
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 

@@ -15,6 +15,7 @@
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ void fillList()
         LItem &item = aLItems[nLItems];
         item.name = "Module_Variable" + std::to_string(nLItems);
         item.address = item.givenAddress = LIVE_ADDRESS + static_cast<uint32_t>(nLItems % 8) * 4;
-        LIT_SetType(&item, types[nLItems % 8]);
+        VTY_SetFromField(&item, types[nLItems % 8]);
     }
 }
 

@@ -7,6 +7,7 @@
 
 #include "settings/settings.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 static const char TYPES_PATH[] = "bench_typemap.tmp";

@@ -7,7 +7,9 @@
 #include <unistd.h>
 
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 static const std::string &ScratchFile()

@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfrw.h"
 

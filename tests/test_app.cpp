@@ -19,6 +19,7 @@
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
 

@@ -104,7 +104,7 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     EXPECT_NE(std::string::npos,
               outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
     EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\n"))
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\r\n"))
         << "a session ends like the program in the window";
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));

@@ -10,6 +10,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/packed_names.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/zip_types.h"
 #include "text/txfrw.h"
 #include "watch/list/litem.h"

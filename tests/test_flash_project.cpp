@@ -9,6 +9,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 
 namespace {
 

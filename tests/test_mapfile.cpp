@@ -11,6 +11,7 @@
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
 #include "watch/windows/map_loading.h"

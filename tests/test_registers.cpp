@@ -5,6 +5,7 @@
 #include <string>
 
 #include "settings/settings.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {

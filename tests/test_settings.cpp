@@ -14,6 +14,7 @@
 #include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
 #include "watch/windows/map_loading.h"

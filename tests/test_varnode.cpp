@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {

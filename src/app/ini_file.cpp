@@ -19,6 +19,8 @@
 #include "symbols/varnode.h"
 #include "text/visible.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
 #include "watch/main_window.h"

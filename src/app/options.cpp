@@ -11,6 +11,7 @@
 #include "settings/settings.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
 #include "watch/main_window.h"

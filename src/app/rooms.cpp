@@ -7,6 +7,7 @@
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
 #include "text/visible.h"

@@ -12,6 +12,7 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
 

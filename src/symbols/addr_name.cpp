@@ -1,7 +1,10 @@
-// Names to addresses for address texts, and the way back for listings.
+#include "symbols/addr_name.h"
+
 #include <cstdio>
 
 #include "comm/sysaddr.h"
+#include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {
@@ -67,4 +70,16 @@ int VarAddrToName(uint32_t address, std::string *text)
                       static_cast<unsigned long>(address), node->name, offset);
     *text = buffer;
     return 0;
+}
+
+int MapAddrToId(std::string *name, uint32_t *address)
+{
+    const VarNode *node =
+        TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address) : VRN_MapNodeAtOrAfter(*address);
+    const VarNode *reg = VRN_RegisterAtOrAfter(*address);
+    if (reg != nullptr && (node == nullptr || reg->addr < node->addr))
+        node = reg;
+    *name = node != nullptr ? node->name : "";
+    *address = node != nullptr ? node->addr : 0xFFFFFFFFu;
+    return node != nullptr ? 0 : -1;
 }

@@ -8,20 +8,14 @@
 #include <cstdint>
 #include <string>
 
+#include "symbols/flash_varmap.h"
+
 // Names of the files, in the flash directory and in an archive.
 #define FLASH_VAR_MAP "prjinfo.map28x"
 #define FLASH_TYPE_MAP "prjinfo.tmf"      // as text, or else rebuilt from the two following
 #define FLASH_TYPE_DECLS "prjinfo.tmf1"   // compressed declarations of the map's variables
 #define FLASH_TYPE_STRUCTS "prjinfo.tmf3" // compressed structures
 
-enum {
-    FLASH_ERR_NO_MAP = -1, // none found, or one that is damaged
-    FLASH_ERR_COMMUNICATION = -2,
-    FLASH_ERR_CANCELLED = -3,
-    FLASH_ERR_ADDRESS = -4, // a variable beyond 24 bits
-    FLASH_ERR_TYPES = -5,   // the type map is damaged
-    FLASH_ERR_TOO_MANY = -6 // the directory does not end
-};
 const char *FLASH_GetErrorText(int result); // one sentence, "" for a good result
 
 // Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of

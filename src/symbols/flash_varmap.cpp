@@ -1,8 +1,6 @@
 // The layouts of a variable map: plain lines, lines with shared names, packed records.
 #include "symbols/flash_varmap.h"
 
-#include "symbols/flash_info.h"
-#include "symbols/mapfile.h"
 #include "symbols/packed_names.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -94,7 +92,7 @@ int FLASH_TakeVariables(const std::vector<VRN_Symbol> &variables, VarNode *table
 {
     int refused = 0;
     const int taken = VRN_ReplaceNodes(table, count, variables, &refused);
-    MAP_ReportRefused(refused, 0);
+    VRN_WarnRefused(refused, 0);
     return taken;
 }
 

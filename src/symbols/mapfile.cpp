@@ -135,27 +135,11 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
         return MAP_ERR_NO_SYMBOL;
     int refused = 0;
     VRN_ReplaceNodes(table, count, symbols, &refused);
-    MAP_ReportRefused(refused, static_cast<int>(longNames.size()));
+    VRN_WarnRefused(refused, static_cast<int>(longNames.size()));
     return 0;
 }
 
 } // namespace
-
-void MAP_ReportRefused(int refused, int longNames)
-{
-    std::string text;
-    if (refused > 0)
-        text = "The map has " + std::to_string(refused) +
-               " symbols more than the table can hold (" + std::to_string(NODES_MAX) +
-               "). They were left out.";
-    if (longNames > 0)
-        text += std::string(text.empty() ? "" : "\n") +
-                "Left out because their names have more than " + std::to_string(NODE_NAME_MAX) +
-                " characters: " + std::to_string(longNames) +
-                (longNames == 1 ? " symbol." : " symbols.");
-    if (!text.empty())
-        SYM_Warn("Map file", text);
-}
 
 const char *MAP_ErrorText(int result)
 {

@@ -28,10 +28,6 @@ enum { MAP_NO_SYMBOL = 0, MAP_SYMBOL = 1, MAP_LONG_NAME = 2 };
 int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
 int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
 
-// Tells the user how many symbols a full table did not take and how many names were too
-// long; nothing for 0.
-void MAP_ReportRefused(int refused, int longNames);
-
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);
 bool isID166(const char *text);

@@ -4,7 +4,6 @@
 
 #include "symbols/listener.h"
 #include "symbols/typemap.h"
-#include "symbols/typemap_layout.h"
 #include "text/txfr.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "symbols/listener.h"
-#include "symbols/typemap_layout.h"
+#include "symbols/typemap.h"
 
 VarNode *TMF_paSVNode = nullptr;
 int32_t TMF_cnSVNode = 0;

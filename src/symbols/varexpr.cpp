@@ -5,6 +5,7 @@
 
 #include "settings/settings.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
 

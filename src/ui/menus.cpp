@@ -6,6 +6,7 @@
 #include "app/startup.h"
 #include "console/monitor/text_box.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"

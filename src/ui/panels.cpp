@@ -6,6 +6,7 @@
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"

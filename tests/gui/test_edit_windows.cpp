@@ -10,6 +10,7 @@
 
 #include "gui/gui_support.h"
 #include "settings/settings.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 
 namespace {

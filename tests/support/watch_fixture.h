@@ -17,6 +17,7 @@
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 

@@ -7,7 +7,7 @@
 #include "comm/sysaddr.h"
 #include "text/visible.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 

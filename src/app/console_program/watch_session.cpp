@@ -8,6 +8,8 @@
 #include "comm/ucm.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"

@@ -12,8 +12,9 @@
 #include "console/monitor/text_box.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 

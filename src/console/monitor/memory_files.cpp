@@ -17,7 +17,7 @@
 #include "platform/safe_file.h"
 #include "settings/settings.h"
 #include "text/txfr.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 

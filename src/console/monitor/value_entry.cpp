@@ -16,7 +16,7 @@
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
 #include "settings/settings.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 

@@ -1,33 +1,21 @@
 #include "watch/list/debug_file.h"
 
+#include <algorithm>
+
 #include "comm/communication.h"
-#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "watch/list/edit.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
-#include <algorithm>
 
 namespace {
 
 const char FILE_TYPES[] = "*.dbg;*.dat";
 const char FILE_PATTERN[] = "*.d*";
-
-struct FileTime {
-    int hour, minute, second;
-};
-FileTime lastSeen = {0, 0, 0};
-
-bool readTime(const std::string &path, FileTime *time)
-{
-    PLT_FileStamp stamp;
-    if (path.empty() || PLT_GetFileStamp(path, &stamp) != 0)
-        return false;
-    *time = {stamp.hour, stamp.minute, stamp.second};
-    return true;
-}
 
 bool isListEmpty()
 {
@@ -57,39 +45,6 @@ int loadAsCurrent(const std::string &path)
 }
 
 } // namespace
-
-void DBG_RememberStamp(const std::string &path)
-{
-    readTime(path, &lastSeen);
-}
-
-int IsDbgFileChanged()
-{
-    FileTime time;
-    if (!readTime(szDebugFileName, &time))
-        return 0;
-    const bool isSame = time.hour == lastSeen.hour && time.minute == lastSeen.minute &&
-                        time.second == lastSeen.second;
-    lastSeen = time;
-    return isSame ? 0 : 1;
-}
-
-int DBG_WriteFile(const std::string &path)
-{
-    SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
-        return -1;
-    bool isWritten = true;
-    for (int i = 0; i < nLItems; ++i) {
-        const std::string line = LIT_FileLine(aLItems[i]) + "\r\n";
-        isWritten &= std::fwrite(line.data(), 1, line.size(), safe.file) == line.size();
-    }
-    if (!isWritten) {
-        SAF_Cancel(&safe);
-        return -2;
-    }
-    return SAF_Commit(&safe) == 0 ? 0 : -2;
-}
 
 int SaveDbg(int panel)
 {

@@ -9,10 +9,12 @@
 #include "settings/settings.h"
 #include "symbols/typemap_list.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 #include "watch/main_window.h"
+#include "watch/value/type_by_name.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -64,23 +66,13 @@ bool isName(const std::string &name)
     });
 }
 
-bool isTypeField(const std::string &field)
-{
-    if (field.empty())
-        return false;
-    if (std::strchr("bft", field[0]))
-        return field.size() == 1 ||
-               field == (field[0] == 'b' ? "b1" : std::string(1, field[0]) + "4");
-    return field.size() == 2 && std::strchr("iuxp", field[0]) && std::strchr("1248", field[1]);
-}
-
 int applyType(LItem *item, const std::string &typeField)
 {
     const std::string field = typeField.empty() ? EDT_SuggestType(item->name) : typeField;
     const bool isTMS = LIT_IsTMS(*item);
-    if (!isTypeField(field) || (isTMS && field[0] == 'b'))
+    if (!VTY_IsField(field) || (isTMS && !VTY_Find(field[0])->isForTMS))
         return EDT_ERR_TYPE;
-    LIT_SetType(item, field.c_str());
+    VTY_SetFromField(item, field.c_str());
     if (isTMS)
         item->size = 4;
     return 0;
@@ -339,7 +331,8 @@ int EDT_Rename(int index, const std::string &name)
         return EDT_ERR_INDEX;
     LItem item = aLItems[index];
     int result = nameItem(&item, name);
-    if (result == 0 && LIT_IsTMS(item) && item.type == 'b')
+    const VTY_Row *row = VTY_Find(item.type);
+    if (result == 0 && LIT_IsTMS(item) && row != nullptr && !row->isForTMS)
         result = EDT_ERR_TYPE;
     if (result != 0)
         return result;

@@ -8,8 +8,8 @@
 #include "text/visible.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 #include "watch/main_window.h"
+#include "watch/value/value_types.h"
 
 namespace {
 

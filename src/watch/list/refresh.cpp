@@ -13,6 +13,7 @@
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
+#include "watch/windows/mem_box.h"
 
 int UpdItem = 0;
 int eTMS = 0;

@@ -6,7 +6,7 @@
 #include "platform/safe_file.h"
 #include "text/visible.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 

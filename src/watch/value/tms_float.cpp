@@ -1,8 +1,8 @@
 // The TMS320's own 32-bit float: an 8-bit two's-complement exponent, a sign and a 23-bit
 // fraction of a two's-complement mantissa with an implied leading bit.
-#include <cstring>
+#include "watch/value/tms_float.h"
 
-#include "watch/list/refresh.h"
+#include <cstring>
 
 namespace {
 

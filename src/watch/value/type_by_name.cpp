@@ -1,10 +1,11 @@
 // The type of a variable from the prefix of its name: names follow a convention with a
 // short type prefix behind an optional module prefix ("DLLD_wCount", "abyBuf").
+#include "watch/value/type_by_name.h"
+
 #include <cctype>
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 
 namespace {
 

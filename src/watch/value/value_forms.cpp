@@ -6,7 +6,8 @@
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -49,9 +50,11 @@ std::string VFM_Decimal(const LItem &item)
 {
     if (!item.isValueGood)
         return NO_VALUE;
-    if (item.type == 'f')
+    const VTY_Row *row = VTY_Find(item.type);
+    if (row != nullptr && row->plainForm == 'f')
         return VFM_Float(item);
-    return item.type == 'i' ? std::to_string(signedOf(item)) : std::to_string(bitsOf(item));
+    return row != nullptr && row->plainForm == 'i' ? std::to_string(signedOf(item))
+                                                   : std::to_string(bitsOf(item));
 }
 
 std::string VFM_Hex(const LItem &item)

@@ -7,24 +7,27 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
 constexpr int MSG_WRITE = 8;
-constexpr uint32_t MINUTES_MASK = 0xFFFFFF;
-constexpr int MINUTES_BYTES = 3;
 
-// Bytes to send: the high byte of a duration is none of its minutes and stays as it is.
-int bytesToWrite(const LItem &item)
+int BytesToWrite(const LItem &item)
 {
-    return item.type == 't' ? MINUTES_BYTES : item.size;
+    const VTY_Row *row = VTY_Find(item.type);
+    return row != nullptr && row->bytesWritten != 0 ? row->bytesWritten : item.size;
+}
+
+uint64_t MaskOfWritten(const LItem &item)
+{
+    return UINT64_MAX >> (64 - 8 * BytesToWrite(item));
 }
 
 int writeC166(const LItem &item, uint64_t bits)
 {
     uint8_t bytes[8];
-    const int count = bytesToWrite(item);
+    const int count = BytesToWrite(item);
     for (int i = 0; i < count; ++i)
         bytes[i] = static_cast<uint8_t>(bits >> 8 * i);
     const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
@@ -36,16 +39,18 @@ int writeC166(const LItem &item, uint64_t bits)
     return result > 0 ? WRV_OK : WRV_ERR_WRITE;
 }
 
-// The mailbox moves whole words: the high byte of a duration is read first.
+// The mailbox moves whole words: the bytes that stay as they are, as a duration's fourth, are read
+// first.
 int writeTMS(const LItem &item, uint32_t word, std::string *cause)
 {
-    if (item.type == 't') {
+    const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
+    if (mask != UINT32_MAX) {
         uint32_t before = 0;
         const int result = TMS_ReadWord(STATION, item.address, TMS_POLLS_MEMORY, &before);
         *cause = TMS_ErrorText(result);
         if (result != TMS_OK)
             return WRV_ERR_WRITE;
-        word |= before & ~MINUTES_MASK;
+        word |= before & ~mask;
     }
     const int result = TMS_WriteWord(item.address, word, nullptr);
     *cause = TMS_ErrorText(result);
@@ -68,8 +73,8 @@ int writeBits(const LItem &item, uint64_t bits, std::string *message)
 std::string heldText(const LItem &item)
 {
     LItem shown = item;
-    if (shown.type == 'p')
-        shown.type = 'u'; // what was written, not how fast it changes
+    if (const VTY_Row *row = VTY_Find(item.type))
+        shown.type = row->writtenAs; // of a rate the value, not how fast it changes
     std::string text;
     FormatLItemVal(&text, shown);
     const size_t begin = text.find_first_not_of(' ');
@@ -79,13 +84,29 @@ std::string heldText(const LItem &item)
 // Whether the value just read is the one that was written.
 bool isHeld(const LItem &item, uint64_t bits)
 {
-    uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    if (item.type == 't')
-        held &= MINUTES_MASK;
-    return held == bits;
+    const uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
+    return (held & MaskOfWritten(item)) == bits;
 }
 
 } // namespace
+
+std::string WRV_Hint(const LItem &item)
+{
+    const VTY_Row *row = VTY_Find(item.type);
+    return row ? std::string(row->form) + "; " + row->range(item) : "";
+}
+
+int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::string *message)
+{
+    const VTY_Row *row = VTY_Find(item.type);
+    const std::string value = PRS_Normal(text);
+    const int result = !row || value.empty() ? WRV_ERR_TEXT : row->parse(item, value, bits);
+    if (result == WRV_ERR_RANGE)
+        *message = "'" + text + "' is out of range: " + row->range(item) + ".";
+    else if (result == WRV_ERR_TEXT)
+        *message = "'" + text + "' is not a value of this item: " + WRV_Hint(item) + ".";
+    return result;
+}
 
 int WRV_Write(int index, const std::string &text, std::string *message)
 {

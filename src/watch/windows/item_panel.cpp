@@ -8,7 +8,7 @@
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/value/type_names.h"
+#include "watch/value/value_types.h"
 #include "watch/windows/name_completion.h"
 
 namespace {
@@ -47,7 +47,7 @@ int ringValue(int control)
 std::string typeField()
 {
     const char type = static_cast<char>(ringValue(WITEM_TYPE));
-    const TYN_Row *row = TYN_Find(type);
+    const VTY_Row *row = VTY_Find(type);
     const bool hasSize = row != nullptr && row->onlySize == 0;
     return hasSize ? type + std::to_string(ringValue(WITEM_SIZE)) : std::string(1, type);
 }
@@ -58,10 +58,10 @@ void fillRings()
     GetNumListItems(PANEL, WITEM_TYPE, &count);
     if (count > 0)
         return;
-    for (int i = 0; i < TYN_cnRows; ++i)
+    for (int i = 0; i < VTY_cnRows; ++i)
         InsertListItem(PANEL, WITEM_TYPE, -1,
-                       std::string(1, TYN_aRows[i].type) + "   " + TYN_aRows[i].name,
-                       TYN_aRows[i].type);
+                       std::string(1, VTY_aRows[i].letter) + "   " + VTY_aRows[i].name,
+                       VTY_aRows[i].letter);
     for (const int size : {1, 2, 4, 8})
         InsertListItem(PANEL, WITEM_SIZE, -1,
                        std::to_string(size) + (size == 1 ? " byte" : " bytes"), size);
@@ -72,7 +72,7 @@ void fillRings()
 // Sizes that the type, or a TMS320 item, does not leave open.
 void limitSize()
 {
-    const TYN_Row *row = TYN_Find(static_cast<char>(ringValue(WITEM_TYPE)));
+    const VTY_Row *row = VTY_Find(static_cast<char>(ringValue(WITEM_TYPE)));
     LItem item;
     const bool isTMS = EDT_Parse(typedName(), ANY_TYPE, &item) == 0 && LIT_IsTMS(item);
     const int onlySize = isTMS ? 4 : row != nullptr ? row->onlySize : 0;
@@ -93,7 +93,7 @@ void suggestType()
     if (isTypeChosen)
         return;
     LItem item;
-    LIT_SetType(&item, EDT_SuggestType(typedName()).c_str());
+    VTY_SetFromField(&item, EDT_SuggestType(typedName()).c_str());
     showType(item.type, item.size);
 }
 

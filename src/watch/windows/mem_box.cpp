@@ -13,7 +13,8 @@
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
+#include "watch/value/value_types.h"
 
 char cMemBoxType = 'x';
 int nMemBoxItmSz = 2;
@@ -82,14 +83,13 @@ std::string typedValue(const uint8_t *bytes)
     const int unusedBits = 64 - 8 * nMemBoxItmSz;
     std::string text;
     float number;
-    switch (cMemBoxType) {
+    const VTY_Row *row = VTY_Find(cMemBoxType);
+    switch (row != nullptr ? row->plainForm : 'x') {
     case 'i':
         appendf(&text, "%10lld",
                 static_cast<long long>(static_cast<int64_t>(value << unusedBits) >> unusedBits));
         break;
     case 'u':
-    case 't':
-    case 'p':
         appendf(&text, "%15llu", static_cast<unsigned long long>(value));
         break;
     case 'f':
@@ -104,17 +104,11 @@ std::string typedValue(const uint8_t *bytes)
 
 std::string typedHeader()
 {
-    static const struct {
-        char type;
-        const char *label;
-    } labels[] = {{'x', "hex:  "}, {'i', "int:  "}, {'u', "uns:  "},
-                  {'t', "uns t:"}, {'p', "uns p:"}, {'b', "hex:  "}};
-    for (const auto &row : labels) {
-        if (row.type == cMemBoxType)
-            return std::string(" ") + row.label + " " + std::to_string(nMemBoxItmSz) +
-                   "B\n ------------";
-    }
-    return " float:\n ------------";
+    const VTY_Row *row = VTY_Find(cMemBoxType);
+    if (row == nullptr || row->plainForm == 'f') // a float's size is no news
+        return " float:\n ------------";
+    return std::string(" ") + row->memoryLabel + " " + std::to_string(nMemBoxItmSz) +
+           "B\n ------------";
 }
 
 std::string typedText(uint32_t address, const uint8_t *bytes)

@@ -10,6 +10,7 @@
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/windows/selector_row.h"

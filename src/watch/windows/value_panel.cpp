@@ -12,8 +12,8 @@
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
-#include "watch/value/type_names.h"
 #include "watch/value/value_forms.h"
+#include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
 #include "watch/windows/outcome_colors.h"
 
@@ -96,7 +96,7 @@ std::string stationText(const LItem &item)
 
 std::string typeText(const LItem &item)
 {
-    const TYN_Row *row = TYN_Find(item.type);
+    const VTY_Row *row = VTY_Find(item.type);
     return std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
            (item.size == 1 ? " byte" : " bytes");
 }
