@@ -13,11 +13,12 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
@@ -33,7 +34,7 @@ constexpr int FIELDS_MAX = 3;
 constexpr int RECENT_READ_MAX = 8; // one more only ever takes the ninth place, uncounted
 constexpr int64_t FILE_SIZE_MAX = 1 << 20;
 constexpr int PORT_MAX = 256;
-constexpr int MR166_STATION_MAX = 15, MODBUS_STATION_MAX = 247;
+constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
 std::string iniPath; // read at start, written at shutdown
@@ -88,15 +89,6 @@ int32_t ToNumber(const std::string &text)
     return static_cast<int32_t>(std::clamp<long>(value, INT32_MIN, INT32_MAX));
 }
 
-std::string Trim(const std::string &text)
-{
-    const char *const BLANKS = " \t\r\n\v\f";
-    const size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
-}
-
 bool IsFile(const std::string &path)
 {
     PLT_FileStamp stamp;
@@ -110,7 +102,7 @@ bool IsLoaded(const char *what, const std::string &path, int result, std::string
         return true;
     const char *reason =
         result == MAP_ERR_NO_SYMBOL ? MAP_ErrorText(result) : PLF_WhyUnreadable(path);
-    problems.push_back(std::string(what) + " '" + TXT_Visible(path) + "' " + reason + ".");
+    problems.push_back(std::string(what) + " '" + WRD_Visible(path) + "' " + reason + ".");
     *keptLine = lineValue;
     return false;
 }
@@ -267,9 +259,9 @@ std::string ReadPath(const std::string &line)
     if (comma == std::string::npos)
         return "";
     const std::string rest = line.substr(comma + 1);
-    const std::string whole = Trim(rest);
-    const std::string noComment = Trim(rest.substr(0, rest.find(';')));
-    std::string path = Trim(rest.substr(0, rest.find_first_of(",;")));
+    const std::string whole = WRD_Trim(rest);
+    const std::string noComment = WRD_Trim(rest.substr(0, rest.find(';')));
+    std::string path = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
     if (IsFile(whole))
         path = whole;
     else if (IsFile(noComment))
@@ -284,16 +276,16 @@ std::string ReadPath(const std::string &line)
 void ApplyLine(const std::string &line)
 {
     const size_t comma = line.find(',');
-    lineValue = comma == std::string::npos ? "" : Trim(line.substr(comma + 1));
+    lineValue = comma == std::string::npos ? "" : WRD_Trim(line.substr(comma + 1));
     const std::string text = line.substr(0, line.find(';'));
     std::string fields[FIELDS_MAX];
     int count = 0;
     const bool isSplit = parseLine(text.c_str(), FIELDS_MAX, &count, fields) == 1;
-    const Key *key = FindKey(Trim(text.substr(0, text.find(','))));
+    const Key *key = FindKey(WRD_Trim(text.substr(0, text.find(','))));
     if (!key)
         return;
     if (key->isPath)
-        key->read(Trim(text.substr(0, text.find(','))), ReadPath(line));
+        key->read(WRD_Trim(text.substr(0, text.find(','))), ReadPath(line));
     else if (isSplit && count > 0)
         key->read(fields[0], count > 1 ? fields[1] : "");
 }
@@ -437,7 +429,7 @@ int OpenIniFile(int)
 
 std::string INI_GetRangeProblem()
 {
-    const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : MR166_STATION_MAX;
+    const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : STATION_MAX;
     std::string text;
     for (const std::string &problem : {RangeText(baudLine, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
                                        RangeText(portLine, ncom, "port", 1, PORT_MAX),

@@ -10,7 +10,7 @@
 #include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/name_changes.h"
 #include "watch/list/refresh.h"
@@ -46,7 +46,7 @@ void Warn(const std::string &title, const std::string &text)
 
 bool MayReplace(const std::string &path)
 {
-    return ConfirmPopup("Vireo2", "The file '" + TXT_Visible(path) +
+    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
                                       "' is write-protected. Replace it all the same?") == 1;
 }
 

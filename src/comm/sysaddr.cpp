@@ -8,6 +8,7 @@
 
 #include "comm/ucm.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 
 uint16_t awQRDPP[4] = {0, 0, 0, 0};
 
@@ -141,7 +142,7 @@ int UpdateQuickDPP()
     if (ReadSysVar("DPP0", bytes, sizeof bytes) < 0)
         return -1;
     for (int i = 0; i < 4; ++i)
-        awQRDPP[i] = static_cast<uint16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        awQRDPP[i] = static_cast<uint16_t>(BYT_GetLittle(bytes + 2 * i, 2));
     return 0;
 }
 
@@ -156,7 +157,7 @@ uint32_t QuickRefNearPtr(uint32_t address)
     uint8_t bytes[2];
     if (address >= ADDR_LIMIT || UCM_Read(STATION, address, sizeof bytes, bytes) < 0)
         return ADDR_NONE;
-    return limited(QuickNearToHuge(static_cast<uint16_t>(bytes[0] | bytes[1] << 8)));
+    return limited(QuickNearToHuge(static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes))));
 }
 
 uint32_t QuickRefNearPtrVar(const char *name)

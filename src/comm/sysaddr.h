@@ -12,9 +12,9 @@
 #include <cstdint>
 #include <string>
 
+#include "settings/limits.h"
+
 constexpr uint32_t ADDR_NONE = 0xFFFFFFFFu;
-constexpr uint32_t ADDR_LIMIT = 0x1000000u; // valid byte addresses are below
-constexpr int STATION_MAX = 15;             // last station that a prefix can select
 
 // Where names come from: the address of a name, or ADDR_NONE. With isTMS the name is one of
 // the TMS320 behind the station. Without a resolver no name has an address.

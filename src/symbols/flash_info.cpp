@@ -3,6 +3,7 @@
 #include "calendar/archive.h"
 #include "calendar/crc32.h"
 #include "platform/safe_file.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_varmap.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr uint32_t ADDRESS_END = 0x1000000;
 constexpr uint32_t OLD_DIRECTORY = 0x1C000;
 constexpr uint32_t RESERVED_AT_END = 0x100; // start vector and passwords of the chip
 
@@ -134,7 +134,7 @@ int openFlashVarMap(uint32_t start, uint32_t end)
 int findRange(int place, uint32_t *start, uint32_t *end)
 {
     *start = OLD_DIRECTORY;
-    *end = ADDRESS_END;
+    *end = ADDR_LIMIT;
     if (place == FLASH_AT_1C000)
         return 0;
     for (const FlashRange &range : FLASH_RANGES) {

@@ -1,7 +1,9 @@
 // The layouts of a variable map: plain lines, lines with shared names, packed records.
 #include "symbols/flash_varmap.h"
 
+#include "settings/limits.h"
 #include "symbols/packed_names.h"
+#include "text/bytes.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
 
@@ -13,8 +15,7 @@
 namespace {
 
 constexpr uint32_t BYTES_PER_ADDRESS = 2; // a variable map counts 16-bit words
-constexpr uint32_t ADDRESS_END = 0x1000000;
-constexpr size_t FORM_LINE_SIZE = 3; // "#1" or "#2" and a line feed
+constexpr size_t FORM_LINE_SIZE = 3;      // "#1" or "#2" and a line feed
 constexpr size_t RECORD_ADDRESS_SIZE = 4;
 
 void appendMapLine(std::string *text, uint32_t address, const std::string &name)
@@ -53,9 +54,7 @@ bool unpackRecords(const uint8_t *at, size_t size, std::string *text)
 {
     std::string name;
     for (int lines = 0; size > RECORD_ADDRESS_SIZE && lines < TXFRW_LINES_MAX; lines++) {
-        const uint32_t address = static_cast<uint32_t>(at[0]) | static_cast<uint32_t>(at[1]) << 8 |
-                                 static_cast<uint32_t>(at[2]) << 16 |
-                                 static_cast<uint32_t>(at[3]) << 24;
+        const uint32_t address = static_cast<uint32_t>(BYT_GetLittle(at, RECORD_ADDRESS_SIZE));
         const int used = UnpackVarName(&name, at + RECORD_ADDRESS_SIZE, size - RECORD_ADDRESS_SIZE,
                                        NAME_SHARED_6BIT);
         if (used < 0 || name.size() > NODE_NAME_MAX)
@@ -81,7 +80,7 @@ int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0 || *cursor == '\0')
             return FLASH_ERR_NO_MAP;
         const unsigned long long words = std::strtoull(line, nullptr, 16);
-        if (words >= ADDRESS_END / BYTES_PER_ADDRESS)
+        if (words >= ADDR_LIMIT / BYTES_PER_ADDRESS)
             return FLASH_ERR_ADDRESS;
         variables->push_back({static_cast<uint32_t>(words) * BYTES_PER_ADDRESS, cursor});
     }

@@ -2,7 +2,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "ui/resource.h"
 
 namespace {
@@ -36,12 +36,12 @@ void MWN_ShowView(int item)
 
 void SetMainPanelTitle()
 {
-    const std::string name = TXT_Visible(szDebugFileName);
+    const std::string name = WRD_Visible(szDebugFileName);
     const std::string title = IsDBGChange == 0 ? "Vireo2  " + name : "Vireo2 * " + name + " ";
     SetPanelAttribute(mainPanel, ATTR_TITLE, title);
 }
 
 void VR_ShowMessage(const std::string &text)
 {
-    SetCtrlVal(mainPanel, MAIN_MESSAGE, TXT_VisibleLines(text));
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, WRD_VisibleLines(text));
 }

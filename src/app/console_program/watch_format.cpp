@@ -5,7 +5,7 @@
 #include <cstdio>
 
 #include "comm/sysaddr.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -21,13 +21,6 @@ struct Row {
     int size = 0;
     bool isError = false;
 };
-
-std::string Trim(const std::string &text)
-{
-    const size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? ""
-                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 uint64_t RawValue(const LItem &item)
 {
@@ -58,7 +51,7 @@ Row MakeRow(const LItem &item)
     }
     if (!row.isError) {
         FormatLItemVal(&row.value, item);
-        row.value = Trim(row.value);
+        row.value = WRD_Trim(row.value);
         row.raw = std::to_string(RawValue(item));
     }
     return row;
@@ -66,8 +59,8 @@ Row MakeRow(const LItem &item)
 
 std::string CsvLine(const Row &row, long sweep)
 {
-    return std::to_string(sweep) + ',' + TXT_CsvCell(row.name) + ',' + row.address + ',' +
-           row.type + ',' + std::to_string(row.size) + ',' + TXT_CsvCell(row.value) + ',' +
+    return std::to_string(sweep) + ',' + WRD_QuoteCsv(row.name) + ',' + row.address + ',' +
+           row.type + ',' + std::to_string(row.size) + ',' + WRD_QuoteCsv(row.value) + ',' +
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
@@ -92,7 +85,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
         value = "Address?";
     else if (row.isError)
         value = row.reason.empty() ? "(!)" : "(!) " + row.reason;
-    return TXT_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
+    return WRD_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
 }
 
 size_t NameWidth()

@@ -8,6 +8,7 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/typemap_list.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
@@ -43,15 +44,6 @@ void changed(int line)
         ResetLItemsDisplay();
     VR_EnableControls();
     LSV_Select(line);
-}
-
-std::string trimmed(const std::string &text)
-{
-    const char blanks[] = " \t\r\n\v\f";
-    const size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string::npos)
-        return "";
-    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
 }
 
 // A name must survive a debug file: one field, no comment, no address form.
@@ -105,7 +97,7 @@ int insertItem(const LItem &item, int position)
 
 int nameItem(LItem *item, const std::string &text)
 {
-    const std::string name = trimmed(text);
+    const std::string name = WRD_Trim(text);
     if (!isName(name))
         return EDT_ERR_NAME;
     item->name = name;
@@ -208,7 +200,7 @@ int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField,
 
 int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
 {
-    const std::string what = trimmed(text);
+    const std::string what = WRD_Trim(text);
     const bool isTMS = !what.empty() && what[0] == '&';
     LItem built;
     uint32_t address;
@@ -232,7 +224,7 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
 {
     if (!isIndex(index))
         return EDT_ERR_INDEX;
-    if (trimmed(text) == LIT_Label(aLItems[index]))
+    if (WRD_Trim(text) == LIT_Label(aLItems[index]))
         return typeField == typeFieldOf(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
     LItem item;
     const int result = EDT_Parse(text, typeField, &item);

@@ -12,6 +12,7 @@
 #include "settings/settings.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -26,14 +27,7 @@ bool isSpace(char c)
 
 std::string trimmed(const char *begin, const char *end)
 {
-    while (begin < end && isSpace(*begin))
-        ++begin;
-    while (begin < end && isSpace(end[-1]))
-        --end;
-    std::string field(begin, static_cast<size_t>(end - begin));
-    if (field.size() > LITEM_FIELD_MAX)
-        field.resize(LITEM_FIELD_MAX);
-    return field;
+    return WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX);
 }
 
 // The hexadecimal number behind "["; 0 without a digit, which *isNumber tells.

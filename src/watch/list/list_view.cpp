@@ -5,7 +5,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
@@ -33,7 +33,7 @@ std::string nameLine(const LItem &item)
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return TXT_Visible(item.name) + ADDRESS_COLUMN + address;
+    return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
 int lineCount()
@@ -64,7 +64,7 @@ void fillNames()
 
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
-    std::string line = TXT_Visible(item.name);
+    std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
     line += isResolved ? addressText(item.address, processor) : "??????  ";

@@ -6,7 +6,7 @@
 #include "comm/sysaddr.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
-#include "text/visible.h"
+#include "text/words.h"
 
 LItem aLItems[LITEMS_MAX];
 int nLItems = 0;
@@ -113,7 +113,7 @@ bool LIT_HasAddress(const LItem &item)
 
 std::string LIT_Label(const LItem &item)
 {
-    return isAnonymous(item) ? item.name + bracketed(item) : TXT_Visible(item.name);
+    return isAnonymous(item) ? item.name + bracketed(item) : WRD_Visible(item.name);
 }
 
 std::string LIT_LabelAndPlace(const LItem &item)

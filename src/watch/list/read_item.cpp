@@ -6,6 +6,7 @@
 #include "comm/ucm.h"
 #include "platform/system.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "watch/list/litem.h"
 
 namespace {
@@ -22,14 +23,6 @@ const LItem *itemAt(int index)
 int stationOf(const LItem &item)
 {
     return item.station >= 0 && item.station <= STATION_MAX ? item.station : STATION;
-}
-
-uint32_t littleEndian(const uint8_t *bytes, int count)
-{
-    uint32_t value = 0;
-    for (int i = 0; i < count; ++i)
-        value |= static_cast<uint32_t>(bytes[i]) << 8 * i;
-    return value;
 }
 
 // The text of a failed read, from the layer that failed.
@@ -69,8 +62,9 @@ int read166(int index, uint32_t *low, uint32_t *high)
     if (item->size < 1 || item->size > 8 ||
         UCM_Read(stationOf(*item), item->address, static_cast<uint32_t>(item->size), bytes) < 0)
         return -1;
-    *low = littleEndian(bytes, item->size < 4 ? item->size : 4);
-    *high = item->size == 8 ? littleEndian(bytes + 4, 4) : 0;
+    const size_t lowBytes = item->size < 4 ? static_cast<size_t>(item->size) : 4;
+    *low = static_cast<uint32_t>(BYT_GetLittle(bytes, lowBytes));
+    *high = item->size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
     return 0;
 }
 

@@ -4,7 +4,7 @@
 #include <cstdio>
 
 #include "platform/safe_file.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -54,8 +54,8 @@ std::string SNP_Text()
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += TXT_Visible(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
-                valueOf(item) + '\t' + TXT_Visible(stateOf(item)) + '\n';
+        text += WRD_Visible(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
+                valueOf(item) + '\t' + WRD_Visible(stateOf(item)) + '\n';
     }
     return text;
 }
@@ -65,9 +65,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += TXT_CsvCell(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + TXT_CsvCell(valueOf(item)) + ',' + rawOf(item) +
-                ',' + TXT_CsvCell(stateOf(item)) + "\r\n";
+        text += WRD_QuoteCsv(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(valueOf(item)) + ',' + rawOf(item) +
+                ',' + WRD_QuoteCsv(stateOf(item)) + "\r\n";
     }
     return text;
 }

@@ -3,15 +3,15 @@
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
 #include "watch/value/value_types.h"
 
 namespace {
-
-constexpr int MSG_WRITE = 8;
 
 int BytesToWrite(const LItem &item)
 {
@@ -28,14 +28,13 @@ int writeC166(const LItem &item, uint64_t bits)
 {
     uint8_t bytes[8];
     const int count = BytesToWrite(item);
-    for (int i = 0; i < count; ++i)
-        bytes[i] = static_cast<uint8_t>(bits >> 8 * i);
+    BYT_PutLittle(bytes, static_cast<size_t>(count), bits);
     const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
     const int station = hasStation ? item.station : STATION;
     if (count == 8)
         return UCM_Write(station, item.address, 8, bytes) < 0 ? WRV_ERR_WRITE : WRV_OK;
     const int result =
-        UCM_EmuCom166Msg(station, MSG_WRITE, item.address, static_cast<uint16_t>(count), bytes);
+        UCM_EmuCom166Msg(station, TARGET_WRITE, item.address, static_cast<uint16_t>(count), bytes);
     return result > 0 ? WRV_OK : WRV_ERR_WRITE;
 }
 

@@ -10,7 +10,7 @@
 #include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
-#include "text/visible.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 
 std::string szMapFileStamp;
@@ -92,7 +92,7 @@ int LoadMap(int mode)
         return -1;
     const int result = kind.load(path.c_str());
     if (result < 0) {
-        VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + TXT_Visible(path) +
+        VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + WRD_Visible(path) +
                                                          "' " + MAP_ErrorText(result) + "."
                                                    : "Error: Could not open MAP file.");
         return result;

@@ -11,6 +11,7 @@
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/value/tms_float.h"
@@ -52,14 +53,6 @@ int failed(int result, const std::string &cause)
     return result;
 }
 
-uint64_t littleEndian(const uint8_t *bytes, int count)
-{
-    uint64_t value = 0;
-    for (int i = 0; i < count; ++i)
-        value |= static_cast<uint64_t>(bytes[i]) << 8 * i;
-    return value;
-}
-
 std::string rawText(uint32_t address, const uint8_t *bytes)
 {
     std::string text;
@@ -79,7 +72,7 @@ std::string rawText(uint32_t address, const uint8_t *bytes)
 // One item of a typed row: its value only; place and spacing are the caller's.
 std::string typedValue(const uint8_t *bytes)
 {
-    const uint64_t value = littleEndian(bytes, nMemBoxItmSz);
+    const uint64_t value = BYT_GetLittle(bytes, static_cast<size_t>(nMemBoxItmSz));
     const int unusedBits = 64 - 8 * nMemBoxItmSz;
     std::string text;
     float number;

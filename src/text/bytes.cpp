@@ -1,4 +1,4 @@
-#include "watch/value/byte_text.h"
+#include "text/bytes.h"
 
 #include <cctype>
 #include <cstdio>

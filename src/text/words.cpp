@@ -1,9 +1,11 @@
-#include "text/visible.h"
+#include "text/words.h"
 
 #include <algorithm>
 #include <cstdlib>
 
 namespace {
+
+const char WHITE[] = " \t\r\n\v\f";
 
 bool IsControl(char c)
 {
@@ -34,26 +36,34 @@ bool IsFormula(const std::string &text)
 
 } // namespace
 
-std::string TXT_Visible(std::string text)
+std::string WRD_Trim(const std::string &text)
 {
-    std::replace_if(text.begin(), text.end(), IsControl, '.');
-    return text;
+    const size_t begin = text.find_first_not_of(WHITE);
+    if (begin == std::string::npos)
+        return "";
+    return text.substr(begin, text.find_last_not_of(WHITE) - begin + 1);
 }
 
-std::string TXT_VisibleLines(std::string text)
-{
-    const auto isHidden = [](char c) { return IsControl(c) && c != '\n'; };
-    std::replace_if(text.begin(), text.end(), isHidden, '.');
-    return text;
-}
-
-std::string TXT_CsvCell(const std::string &text)
+std::string WRD_QuoteCsv(const std::string &text)
 {
     const std::string cell = (IsFormula(text) ? "'" : "") + text;
-    if (cell.find_first_of(",;\"\r\n") == std::string::npos)
+    if (cell.find_first_of(",\"\r\n") == std::string::npos)
         return cell;
     std::string quoted = "\"";
     for (const char c : cell)
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     return quoted + '"';
+}
+
+std::string WRD_Visible(std::string text)
+{
+    std::replace_if(text.begin(), text.end(), IsControl, '.');
+    return text;
+}
+
+std::string WRD_VisibleLines(std::string text)
+{
+    const auto isHidden = [](char c) { return IsControl(c) && c != '\n'; };
+    std::replace_if(text.begin(), text.end(), isHidden, '.');
+    return text;
 }
