@@ -7,6 +7,7 @@
 #include <ctime>
 #include <string>
 
+#include "app/rooms.h"
 #include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
@@ -90,6 +91,7 @@ int main()
         return 1;
     }
     setenv("VIREO2_COM4", SIM_DevicePath(target), 1);
+    VR_ConnectRooms();
     HL_Reset();
     HL_LoadAllPanels();
     mainPanel = PANEL_MAIN;

@@ -1,6 +1,7 @@
 // What a script line costs beyond reading it and printing its report: scripts of 10,000
 // lines that touch no target, against the same lines read and the same number of lines
 // printed without running anything. Rounds alternate; medians count.
+#include "app/rooms.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
@@ -92,6 +93,7 @@ void Compare(const Kind &kind)
 
 int main()
 {
+    VR_ConnectRooms();
     HL_Reset();
     if (HL_LoadAllPanels() < 0)
         Fail("a panel could not be loaded");

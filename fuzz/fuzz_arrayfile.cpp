@@ -7,6 +7,7 @@
 #include <string>
 #include <unistd.h>
 
+#include "app/rooms.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script_command.h"
@@ -41,6 +42,7 @@ void Run(const std::string &line)
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
+    VR_ConnectRooms();
     HL_Reset();
     HL_LoadAllPanels();
     HL_SetStreams(nullptr, nullptr);

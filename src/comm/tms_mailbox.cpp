@@ -15,7 +15,7 @@ struct BoxWord {
     uint32_t word;
 };
 
-int sendWord(int station, const BoxWord &entry)
+int SendWord(int station, const BoxWord &entry)
 {
     uint8_t bytes[4];
     BYT_PutLittle(bytes, sizeof bytes, entry.word);
@@ -23,7 +23,7 @@ int sendWord(int station, const BoxWord &entry)
     return result > 0 ? TMS_OK : TMS_ERR_SEND; // a refused argument is no success either
 }
 
-int waitDone(int maxPolls)
+int WaitDone(int maxPolls)
 {
     for (int poll = 0; poll < maxPolls; ++poll) {
         uint8_t flag[2];
@@ -39,10 +39,10 @@ int waitDone(int maxPolls)
 
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value)
 {
-    if (sendWord(station, {TMS_BOX_ADDRESS, address}) != TMS_OK ||
-        sendWord(station, {TMS_BOX_COMMAND, BOX_READ}) != TMS_OK)
+    if (SendWord(station, {TMS_BOX_ADDRESS, address}) != TMS_OK ||
+        SendWord(station, {TMS_BOX_COMMAND, BOX_READ}) != TMS_OK)
         return TMS_ERR_SEND;
-    const int result = waitDone(maxPolls);
+    const int result = WaitDone(maxPolls);
     if (result != TMS_OK)
         return result;
     uint8_t bytes[4];
@@ -57,13 +57,13 @@ int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt)
     const BoxWord entries[] = {
         {TMS_BOX_ADDRESS, address}, {TMS_BOX_DATA, value}, {TMS_BOX_COMMAND, BOX_WRITE}};
     for (const BoxWord &entry : entries) {
-        if (sendWord(STATION, entry) == TMS_OK)
+        if (SendWord(STATION, entry) == TMS_OK)
             continue;
         if (failedAt)
             *failedAt = entry.address;
         return TMS_ERR_SEND;
     }
-    return waitDone(TMS_POLLS_WRITE);
+    return WaitDone(TMS_POLLS_WRITE);
 }
 
 std::string TMS_ErrorText(int result)

@@ -92,6 +92,15 @@ int SAF_Open(SafeFile *safe, const std::string &path, const char *mode)
     return SAF_ERR_OPEN;
 }
 
+void SAF_PutText(std::FILE *file, const std::string &text)
+{
+    for (const char c : text) {
+        if (c == '\n')
+            std::fputc('\r', file);
+        std::fputc(c, file);
+    }
+}
+
 int SAF_Commit(SafeFile *safe)
 {
     if (safe->file == nullptr)

@@ -18,6 +18,9 @@ enum { SAF_ERR_OPEN = -1, SAF_ERR_READ_ONLY = -2 };
 // Opens a new file beside `path` for binary writing ("wb"). 0, or SAF_ERR_OPEN, or
 // SAF_ERR_READ_ONLY: the file is write-protected and is to stay. Nothing is created then.
 int SAF_Open(SafeFile *safe, const std::string &path, const char *mode);
+// Writes text whose line feeds become CR LF, as text files have them on every system. A write
+// that fails shows at the commit.
+void SAF_PutText(std::FILE *file, const std::string &text);
 // Flushes, closes and renames. 0, or -1: the old file is untouched and the new one removed.
 int SAF_Commit(SafeFile *safe);
 // Gives up: the old file stays as it was.

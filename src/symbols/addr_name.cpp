@@ -13,7 +13,7 @@ namespace {
 constexpr uint32_t NEAR_VARIABLE_BYTES = 0x100;
 
 // The node with the highest address at or below the given one; of several, the first.
-const VarNode *nodeBelow(uint32_t address, const VarNode *table, int count)
+const VarNode *NodeBelow(uint32_t address, const VarNode *table, int count)
 {
     const VarNode *best = nullptr;
     for (int i = 0; i < count; ++i) {
@@ -40,7 +40,7 @@ uint32_t SYM_ResolveName(const char *name, bool isTMS)
 int RegAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct166 ? nodeBelow(address, aVarNode166, nNodes166) : nullptr;
+    const VarNode *node = openStruct166 ? NodeBelow(address, aVarNode166, nNodes166) : nullptr;
     if (!node)
         return -1;
     const uint32_t offset = address - node->addr;
@@ -56,7 +56,7 @@ int RegAddrToName(uint32_t address, std::string *text)
 int VarAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct ? nodeBelow(address, aVarNode, nNodes) : nullptr;
+    const VarNode *node = openStruct ? NodeBelow(address, aVarNode, nNodes) : nullptr;
     if (!node)
         return -1;
     const unsigned long offset = address - node->addr;

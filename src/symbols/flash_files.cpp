@@ -23,7 +23,7 @@ constexpr uint8_t ERASED = 0xFF;
 constexpr uint32_t LOAD_BLOCK = 1024; // bytes between two signs of progress
 constexpr int FILES_SHOWN_FROM = 8;   // a walk that takes longer shows its progress
 
-int readTarget(uint32_t address, uint32_t count, void *buffer)
+int ReadTarget(uint32_t address, uint32_t count, void *buffer)
 {
     return UCM_Read(STATION, address, count, buffer);
 }
@@ -34,12 +34,12 @@ struct FileInfo {
     uint8_t flags = MFS_FLAGS_BAD;
 };
 
-bool isSame(const FileInfo &a, const FileInfo &b)
+bool IsSame(const FileInfo &a, const FileInfo &b)
 {
     return a.name == b.name && a.length == b.length;
 }
 
-bool parseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
+bool ParseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
 {
     char text[MFS_HEADER_SIZE + 1]; // the scanner needs its NUL
     std::memcpy(text, bytes, MFS_HEADER_SIZE);
@@ -66,16 +66,16 @@ bool parseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
 }
 
 // Reads and checks one header or trailer. 0 or a negative code.
-int readInfo(uint32_t address, const char *signature, FileInfo *info)
+int ReadInfo(uint32_t address, const char *signature, FileInfo *info)
 {
     uint8_t bytes[MFS_HEADER_SIZE];
     if (MFS_reader(address, MFS_HEADER_SIZE, bytes) < 0)
         return MFS_ERR_COMMUNICATION;
-    return parseInfo(bytes, signature, info) ? 0 : -1;
+    return ParseInfo(bytes, signature, info) ? 0 : -1;
 }
 
 // The next header at or shortly behind *address, which is set to where it stands.
-int findHeader(uint32_t *address, FileInfo *info)
+int FindHeader(uint32_t *address, FileInfo *info)
 {
     uint8_t bytes[PROBE_SIZE];
     if (MFS_reader(*address, PROBE_SIZE, bytes) < 0)
@@ -87,8 +87,8 @@ int findHeader(uint32_t *address, FileInfo *info)
         return -1;
     *address += static_cast<uint32_t>(found - bytes);
     if (found + MFS_HEADER_SIZE <= end)
-        return parseInfo(found, SIGNATURE, info) ? 0 : -1;
-    return readInfo(*address, SIGNATURE, info);
+        return ParseInfo(found, SIGNATURE, info) ? 0 : -1;
+    return ReadInfo(*address, SIGNATURE, info);
 }
 
 // How far a walk over a directory has come. Real directories hold a handful of files; one
@@ -130,7 +130,7 @@ int WalkToFile(const char *name, uint32_t start, uint32_t end, Walk *walk, uint3
         FileInfo header, trailer;
         int result = StepWalk(walk, address - start, end - start);
         if (result == 0)
-            result = findHeader(&address, &header);
+            result = FindHeader(&address, &header);
         if (result != 0)
             return result;
         *data = address + MFS_HEADER_SIZE;
@@ -142,8 +142,8 @@ int WalkToFile(const char *name, uint32_t start, uint32_t end, Walk *walk, uint3
             continue;
         if (end - address < MFS_HEADER_SIZE)
             return -1;
-        result = readInfo(address, TRAILER_SIGNATURE, &trailer);
-        if (result != 0 || !isSame(header, trailer))
+        result = ReadInfo(address, TRAILER_SIGNATURE, &trailer);
+        if (result != 0 || !IsSame(header, trailer))
             return std::min(result, -1);
         *length = header.length;
         return 0;
@@ -159,13 +159,13 @@ int WalkBack(uint32_t limit, uint32_t end, Walk *walk, uint32_t *start)
         FileInfo header, trailer;
         int result = StepWalk(walk, end - *start, end - limit);
         if (result == 0)
-            result = readInfo(*start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
+            result = ReadInfo(*start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
         if (result == 0) {
             const uint32_t size = 2 * MFS_HEADER_SIZE + static_cast<uint32_t>(trailer.length);
             if (size > *start - limit)
                 return 0;
-            result = readInfo(*start - size, SIGNATURE, &header);
-            if (result == 0 && isSame(header, trailer)) {
+            result = ReadInfo(*start - size, SIGNATURE, &header);
+            if (result == 0 && IsSame(header, trailer)) {
                 *start -= size;
                 continue;
             }
@@ -176,7 +176,7 @@ int WalkBack(uint32_t limit, uint32_t end, Walk *walk, uint32_t *start)
 }
 
 // Reads a found file block by block; the size was checked against the range.
-int loadBlocks(const std::string &text, uint32_t address, std::string *content)
+int LoadBlocks(const std::string &text, uint32_t address, std::string *content)
 {
     for (size_t done = 0; done < content->size();) {
         const size_t block = std::min<size_t>(content->size() - done, LOAD_BLOCK);
@@ -193,12 +193,12 @@ int loadBlocks(const std::string &text, uint32_t address, std::string *content)
 
 } // namespace
 
-MFS_Reader MFS_reader = readTarget;
+MFS_Reader MFS_reader = ReadTarget;
 
 int GetHeaderInfo(const uint8_t *header, std::string *name, int32_t *length, uint8_t *flags)
 {
     FileInfo info;
-    const bool isValid = parseInfo(header, SIGNATURE, &info);
+    const bool isValid = ParseInfo(header, SIGNATURE, &info);
     *name = info.name;
     *length = info.length;
     *flags = info.flags;
@@ -238,7 +238,7 @@ int MFS_Load(const char *name, uint32_t start, uint32_t end, std::string *conten
     const std::string text = std::string("Loading flash-file '") + name + "'";
     SYM_BeginProgress("Flash", text + ".");
     content->resize(static_cast<size_t>(length));
-    const int result = loadBlocks(text, static_cast<uint32_t>(address), content);
+    const int result = LoadBlocks(text, static_cast<uint32_t>(address), content);
     SYM_EndProgress();
     if (result != 0)
         content->clear();

@@ -18,7 +18,7 @@ constexpr uint32_t BYTES_PER_ADDRESS = 2; // a variable map counts 16-bit words
 constexpr size_t FORM_LINE_SIZE = 3;      // "#1" or "#2" and a line feed
 constexpr size_t RECORD_ADDRESS_SIZE = 4;
 
-void appendMapLine(std::string *text, uint32_t address, const std::string &name)
+void AppendMapLine(std::string *text, uint32_t address, const std::string &name)
 {
     char line[16];
     std::snprintf(line, sizeof line, "%06" PRIX32 " ", address);
@@ -26,7 +26,7 @@ void appendMapLine(std::string *text, uint32_t address, const std::string &name)
 }
 
 // Lines whose names share their beginning with the line before.
-bool unpackLines(const char *at, std::string *text)
+bool UnpackLines(const char *at, std::string *text)
 {
     std::string name;
     for (int lines = 0; *at != '\0' && lines < TXFRW_LINES_MAX; lines++) {
@@ -43,14 +43,14 @@ bool unpackLines(const char *at, std::string *text)
                 0 ||
             name.size() > NODE_NAME_MAX)
             return false;
-        appendMapLine(text, address, name);
+        AppendMapLine(text, address, name);
         at = end;
     }
     return true;
 }
 
 // Records of a 32-bit address, low byte first, and a packed name.
-bool unpackRecords(const uint8_t *at, size_t size, std::string *text)
+bool UnpackRecords(const uint8_t *at, size_t size, std::string *text)
 {
     std::string name;
     for (int lines = 0; size > RECORD_ADDRESS_SIZE && lines < TXFRW_LINES_MAX; lines++) {
@@ -61,7 +61,7 @@ bool unpackRecords(const uint8_t *at, size_t size, std::string *text)
             return false;
         if (name.empty()) // fills up to an even length
             return true;
-        appendMapLine(text, address, name);
+        AppendMapLine(text, address, name);
         at += RECORD_ADDRESS_SIZE + static_cast<size_t>(used);
         size -= RECORD_ADDRESS_SIZE + static_cast<size_t>(used);
     }
@@ -102,8 +102,8 @@ int FLASH_OpenVarMap(const char *name, const std::string &content)
         return TXFRW_Create(name, "r", content.data(), content.size());
     std::string text;
     const char *packed = content.c_str() + FORM_LINE_SIZE;
-    const bool isGood = form == "#1\n" ? unpackLines(packed, &text)
-                                       : unpackRecords(reinterpret_cast<const uint8_t *>(packed),
+    const bool isGood = form == "#1\n" ? UnpackLines(packed, &text)
+                                       : UnpackRecords(reinterpret_cast<const uint8_t *>(packed),
                                                        content.size() - FORM_LINE_SIZE, &text);
     return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : FLASH_ERR_NO_MAP;
 }

@@ -31,14 +31,14 @@ struct Slot {
 
 Slot slots[TXFR_MAX];
 
-Slot *slotOf(int handle)
+Slot *SlotOf(int handle)
 {
     if (handle < 0 || handle >= TXFR_MAX || !slots[handle].isOpen)
         return nullptr;
     return &slots[handle];
 }
 
-bool fillBlock(Slot *slot)
+bool FillBlock(Slot *slot)
 {
     // A file that grows while it is read ends where it would not have been opened.
     if (slot->file == nullptr || slot->consumed >= PLF_SIZE_MAX)
@@ -48,15 +48,15 @@ bool fillBlock(Slot *slot)
     return slot->blockLength > 0;
 }
 
-int nextCharacter(Slot *slot)
+int NextCharacter(Slot *slot)
 {
-    if (slot->blockPosition == slot->blockLength && !fillBlock(slot))
+    if (slot->blockPosition == slot->blockLength && !FillBlock(slot))
         return END_OF_FILE;
     ++slot->consumed;
     return slot->block[slot->blockPosition++];
 }
 
-void closeSlot(Slot *slot)
+void CloseSlot(Slot *slot)
 {
     if (slot->file != nullptr)
         std::fclose(slot->file);
@@ -65,16 +65,16 @@ void closeSlot(Slot *slot)
 
 // Steps over a line end of one or two characters; the next line's first character
 // becomes the look-ahead.
-void endLine(Slot *slot, int lineEnd)
+void EndLine(Slot *slot, int lineEnd)
 {
     const int pair = lineEnd == '\r' ? '\n' : '\r';
-    int c = nextCharacter(slot);
+    int c = NextCharacter(slot);
     if (c == pair)
-        c = nextCharacter(slot);
+        c = NextCharacter(slot);
     slot->lookAhead = c;
 }
 
-int breakLine(Slot *slot, int next, int length)
+int BreakLine(Slot *slot, int next, int length)
 {
     slot->lookAhead = next;
     slot->brokenLine = true;
@@ -99,30 +99,30 @@ void SkipByteOrderMark(Slot *slot)
     slot->consumed = static_cast<long>(size);
 }
 
-int endFile(int handle, int length)
+int EndFile(int handle, int length)
 {
-    closeSlot(&slots[handle]);
+    CloseSlot(&slots[handle]);
     return length > 0 ? length : -1;
 }
 
 // Collects one line. Behind a NUL the rest of the line is read and dropped, so that the
 // length returned is always that of the text; what is dropped fills the buffer all the same,
 // so that no line keeps its reader longer than a buffer's worth.
-int collectLine(int handle, char *buffer, int size)
+int CollectLine(int handle, char *buffer, int size)
 {
     Slot *slot = &slots[handle];
-    int c = slot->firstRead ? nextCharacter(slot) : slot->lookAhead;
+    int c = slot->firstRead ? NextCharacter(slot) : slot->lookAhead;
     slot->firstRead = false;
     slot->brokenLine = false;
     ++slot->lineNo;
     int length = 0;
-    for (int taken = 0;; ++taken, c = nextCharacter(slot)) {
+    for (int taken = 0;; ++taken, c = NextCharacter(slot)) {
         if (taken == size - 1)
-            return breakLine(slot, c, length);
+            return BreakLine(slot, c, length);
         if (c == END_OF_FILE)
-            return endFile(handle, length);
+            return EndFile(handle, length);
         if (c == '\r' || c == '\n') {
-            endLine(slot, c);
+            EndLine(slot, c);
             slot->dropping = false;
             return length;
         }
@@ -144,8 +144,8 @@ int TXFR_Open(const char *fileName)
         return -1;
     slot->isOpen = true;
     slot->block = std::make_unique<unsigned char[]>(BLOCK_SIZE);
-    if (!fillBlock(slot) && std::ferror(slot->file)) {
-        closeSlot(slot);
+    if (!FillBlock(slot) && std::ferror(slot->file)) {
+        CloseSlot(slot);
         return -1;
     }
     SkipByteOrderMark(slot);
@@ -169,13 +169,13 @@ int TXFR_OpenMemory(const char *text, size_t length)
 
 int TXFR_RdLine(int handle, char *buffer, int size)
 {
-    if (slotOf(handle) == nullptr)
+    if (SlotOf(handle) == nullptr)
         return -1;
     if (buffer == nullptr || size < 2) { // no room for any text: no call would ever get on
         TXFR_Close(handle);
         return -1;
     }
-    const int length = collectLine(handle, buffer, size);
+    const int length = CollectLine(handle, buffer, size);
     buffer[length > 0 ? length : 0] = '\0';
     return length;
 }
@@ -205,19 +205,19 @@ int TXFR_RdNewLine(int handle, std::string *line, int size)
 
 int TXFR_IsBrokenLine(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     return slot == nullptr ? -1 : slot->brokenLine ? 1 : 0;
 }
 
 int TXFR_GetLineNo(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     return slot == nullptr ? -1 : slot->lineNo;
 }
 
 long TXFR_GetFilePos(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     if (slot == nullptr)
         return -1;
     const bool ahead = !slot->firstRead && slot->lookAhead != END_OF_FILE;
@@ -226,9 +226,9 @@ long TXFR_GetFilePos(int handle)
 
 int TXFR_Close(int handle)
 {
-    Slot *slot = slotOf(handle);
+    Slot *slot = SlotOf(handle);
     if (slot == nullptr)
         return -1;
-    closeSlot(slot);
+    CloseSlot(slot);
     return 0;
 }

@@ -10,6 +10,7 @@
 #include "app/version.h"
 #include "calendar/archive.h"
 #include "comm/trace.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
@@ -28,7 +29,7 @@ int Drive()
 void WriteTrace(const std::string &text, void *context)
 {
     std::FILE *file = static_cast<std::FILE *>(context);
-    std::fputs(text.c_str(), file);
+    SAF_PutText(file, text);
     std::fflush(file);
 }
 
@@ -53,7 +54,7 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
-    std::FILE *file = std::fopen(options.traceFile.c_str(), "w");
+    std::FILE *file = std::fopen(options.traceFile.c_str(), "wb");
     if (!file) {
         std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
         return 1;

@@ -19,7 +19,7 @@ namespace {
 const char FILE_TYPES[] = "*.dbg;*.dat";
 const char FILE_PATTERN[] = "*.d*";
 
-bool isListEmpty()
+bool IsListEmpty()
 {
     if (openLItems || nLItems > 0)
         return false;
@@ -27,19 +27,19 @@ bool isListEmpty()
     return true;
 }
 
-std::string cannotOpen(const std::string &path)
+std::string CannotOpen(const std::string &path)
 {
     return "Cannot open file '" + path + "'.";
 }
 
 // " It is a folder, device or pipe."; nothing for a file that is simply not there.
-std::string whyNot(const std::string &path)
+std::string WhyNot(const std::string &path)
 {
     const std::string why = PLF_WhyUnreadable(path);
     return why == PLF_ErrorText(PLF_ERR_OPEN) ? "" : " It " + why + ".";
 }
 
-bool mayEmptyList(const std::string &path)
+bool MayEmptyList(const std::string &path)
 {
     return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
                                       "' holds no watch item. Replace the list of " +
@@ -47,11 +47,11 @@ bool mayEmptyList(const std::string &path)
 }
 
 // Loads a file as the current one. 0, or -2 with a message and nothing changed.
-int loadAsCurrent(const std::string &path)
+int LoadAsCurrent(const std::string &path)
 {
-    const int result = DBG_LoadFile(path, mayEmptyList);
+    const int result = DBG_LoadFile(path, MayEmptyList);
     if (result == DBG_ERR_OPEN)
-        VR_ShowMessage(cannotOpen(path) + whyNot(path));
+        VR_ShowMessage(CannotOpen(path) + WhyNot(path));
     if (result != 0)
         return -2;
     szDebugFileName = path;
@@ -65,13 +65,13 @@ int loadAsCurrent(const std::string &path)
 
 int SaveDbg(int panel)
 {
-    if (isListEmpty())
+    if (IsListEmpty())
         return -1;
     if (szDebugFileName.empty())
         return SaveDbgAs(panel);
     const int result = DBG_WriteFile(szDebugFileName);
     if (result != 0) {
-        Error(result == -1 ? cannotOpen(szDebugFileName)
+        Error(result == -1 ? CannotOpen(szDebugFileName)
                            : "Cannot write file '" + szDebugFileName + "'.");
         return -1;
     }
@@ -84,7 +84,7 @@ int SaveDbg(int panel)
 
 int SaveDbgAs(int panel)
 {
-    if (isListEmpty())
+    if (IsListEmpty())
         return -1;
     std::string path;
     const std::string proposal = szDebugFileName.empty() ? FILE_PATTERN : szDebugFileName;
@@ -105,7 +105,7 @@ int LoadDbgFile(int /*panel*/)
     const int answer =
         FileSelectPopup(isNamed ? "" : PLT_CurrentDir(), isNamed ? szDebugFileName : FILE_PATTERN,
                         isNamed ? FILE_PATTERN : FILE_TYPES, "Open Icon", FILE_LOAD, &path);
-    return answer == VAL_EXISTING_FILE_SELECTED ? loadAsCurrent(path) : -1;
+    return answer == VAL_EXISTING_FILE_SELECTED ? LoadAsCurrent(path) : -1;
 }
 
 int DbgChngSafety()
@@ -143,7 +143,7 @@ int DBG_CheckReload(int /*panel*/)
     isAsking = false;
     if (isWanted != 1)
         return 0;
-    if (loadAsCurrent(std::string(szDebugFileName)) != 0)
+    if (LoadAsCurrent(std::string(szDebugFileName)) != 0)
         return -2;
     ResetLItemsDisplay();
     return 1;
@@ -153,7 +153,7 @@ int DBG_Open(const std::string &path)
 {
     if (DbgChngSafety() != 0)
         return -1;
-    return loadAsCurrent(path);
+    return LoadAsCurrent(path);
 }
 
 int anRecentItems[RECENT_MAX] = {};
@@ -161,26 +161,26 @@ int anRecentItems[RECENT_MAX] = {};
 namespace {
 
 // After a load or save under another name: the recent files and what hangs on the name.
-void showName()
+void ShowName()
 {
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     SetMainPanelAttributes();
 }
 
-void showLoaded()
+void ShowLoaded()
 {
     ResetLItemsDisplay();
-    showName();
+    ShowName();
 }
 
-void openWithDialog(int panel)
+void OpenWithDialog(int panel)
 {
     if (DbgChngSafety() == 0 && LoadDbgFile(panel) == 0)
-        showLoaded();
+        ShowLoaded();
 }
 
-void editInEditor()
+void EditInEditor()
 {
     if (szDebugFileName.empty())
         VR_ShowMessage("There is no debug file to edit.");
@@ -188,39 +188,39 @@ void editInEditor()
         VR_ShowMessage("The editor could not be started.");
 }
 
-void save(int panel)
+void SaveAndShowName(int panel)
 {
     const std::string nameBefore = szDebugFileName;
     if (SaveDbg(panel) == 1 && szDebugFileName != nameBefore)
-        showName();
+        ShowName();
 }
 
 } // namespace
 
 void OpenDatCB(int /*menuBar*/, int /*item*/)
 {
-    openWithDialog(mainPanel);
+    OpenWithDialog(mainPanel);
 }
 
 void SaveDbgCB(int /*menuBar*/, int /*item*/)
 {
-    save(mainPanel);
+    SaveAndShowName(mainPanel);
 }
 
 void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 {
     if (SaveDbgAs(mainPanel) == 1)
-        showName();
+        ShowName();
 }
 
 void ReloadDbgCB(int /*menuBar*/, int /*item*/)
 {
-    openWithDialog(mainPanel);
+    OpenWithDialog(mainPanel);
 }
 
 void EditDbgCB(int /*menuBar*/, int /*item*/)
 {
-    editInEditor();
+    EditInEditor();
 }
 
 void MenuReopenFileCB(int /*menuBar*/, int item)
@@ -230,7 +230,7 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
             continue;
         const std::string path = szaDebugFileNames[static_cast<size_t>(i)];
         if (DBG_Open(path) == 0)
-            showLoaded();
+            ShowLoaded();
         return;
     }
 }
@@ -238,21 +238,21 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
 int RldDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        openWithDialog(panel);
+        OpenWithDialog(panel);
     return 0;
 }
 
 int DbgFileBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        editInEditor();
+        EditInEditor();
     return 0;
 }
 
 int SaveDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        save(panel);
+        SaveAndShowName(panel);
     return 0;
 }
 

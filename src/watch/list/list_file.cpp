@@ -28,12 +28,12 @@ constexpr int LINE_FIELDS = 3;
 constexpr int64_t FILE_SIZE_MAX = 4 << 20;
 constexpr size_t BAD_LINES_NAMED = 10;
 
-bool isSpace(char c)
+bool IsSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-std::string trimmed(const char *begin, const char *end)
+std::string Trimmed(const char *begin, const char *end)
 {
     return WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX);
 }
@@ -203,7 +203,7 @@ struct FileTime {
 };
 FileTime lastSeen = {0, 0, 0};
 
-bool readTime(const std::string &path, FileTime *time)
+bool ReadTime(const std::string &path, FileTime *time)
 {
     PLT_FileStamp stamp;
     if (path.empty() || PLT_GetFileStamp(path, &stamp) != 0)
@@ -218,7 +218,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
 {
     int found = 0;
     const char *begin = line;
-    while (*begin != '\0' && isSpace(*begin))
+    while (*begin != '\0' && IsSpace(*begin))
         ++begin;
     if (*begin == '\0') {
         *count = 0;
@@ -228,7 +228,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
         const char *end = begin + std::strcspn(begin, ",");
         if (found == maxFields)
             return 0;
-        fields[found++] = trimmed(begin, end);
+        fields[found++] = Trimmed(begin, end);
         if (*end == '\0')
             break;
         begin = end + 1;
@@ -283,13 +283,13 @@ int dat2litems(const char *path)
 
 void DBG_RememberStamp(const std::string &path)
 {
-    readTime(path, &lastSeen);
+    ReadTime(path, &lastSeen);
 }
 
 int IsDbgFileChanged()
 {
     FileTime time;
-    if (!readTime(szDebugFileName, &time))
+    if (!ReadTime(szDebugFileName, &time))
         return 0;
     const bool isSame = time.hour == lastSeen.hour && time.minute == lastSeen.minute &&
                         time.second == lastSeen.second;

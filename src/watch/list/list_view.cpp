@@ -18,7 +18,7 @@ const char ADDRESS_COLUMN[] = "\033p300l"; // the column escape: 300 pixels, lef
 std::string shownTips[LITEMS_MAX]; // what the list has as tips, to leave equal ones alone
 
 // Address as the processor counts: bytes, or the halves of 16-bit words.
-std::string addressText(uint32_t address, int processor)
+std::string AddressText(uint32_t address, int processor)
 {
     char text[24];
     if (!IsWordAddressing(processor))
@@ -28,7 +28,7 @@ std::string addressText(uint32_t address, int processor)
     return text;
 }
 
-std::string nameLine(const LItem &item)
+std::string NameLine(const LItem &item)
 {
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
@@ -36,25 +36,25 @@ std::string nameLine(const LItem &item)
     return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
-int lineCount()
+int LineCount()
 {
     int count = 0;
     GetNumListItems(mainPanel, MAIN_LIST, &count);
     return count;
 }
 
-void showTip(int index)
+void ShowTip(int index)
 {
     const std::string &reason = aLItems[index].reason;
     SetListItemTip(mainPanel, MAIN_LIST, index, reason);
     shownTips[index] = reason;
 }
 
-void fillNames()
+void FillNames()
 {
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
-        InsertListItem(mainPanel, MAIN_LIST, -1, nameLine(aLItems[i]), i);
+        InsertListItem(mainPanel, MAIN_LIST, -1, NameLine(aLItems[i]), i);
         shownTips[i].clear();
     }
     VR_EnableControls();
@@ -67,7 +67,7 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    line += isResolved ? addressText(item.address, processor) : "??????  ";
+    line += isResolved ? AddressText(item.address, processor) : "??????  ";
     line += item.type;
     line += static_cast<char>('0' + item.size % 10);
     line += ": ";
@@ -83,7 +83,7 @@ std::string LSV_ValueLine(const LItem &item, int processor)
 
 void LSV_ShowValues()
 {
-    const bool isRefill = lineCount() != nLItems;
+    const bool isRefill = LineCount() != nLItems;
     if (isRefill)
         ClearListCtrl(mainPanel, MAIN_LIST);
     std::string shown;
@@ -97,7 +97,7 @@ void LSV_ShowValues()
             isNew = true;
         }
         if (isNew || shownTips[i] != aLItems[i].reason)
-            showTip(i);
+            ShowTip(i);
     }
 }
 
@@ -107,7 +107,7 @@ void LSV_ShowAddresses()
         return;
     const int selected = LSV_Selected();
     const int first = LSV_FirstVisible();
-    fillNames();
+    FillNames();
     LSV_Select(selected);
     SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
 }
@@ -115,7 +115,7 @@ void LSV_ShowAddresses()
 void LSV_ShowNone()
 {
     std::string shown;
-    if (lineCount() == 1 && GetLabelFromIndex(mainPanel, MAIN_LIST, 0, &shown) >= 0 &&
+    if (LineCount() == 1 && GetLabelFromIndex(mainPanel, MAIN_LIST, 0, &shown) >= 0 &&
         shown == "none")
         return;
     ClearListCtrl(mainPanel, MAIN_LIST);
@@ -140,7 +140,7 @@ int LSV_FirstVisible()
 
 void LSV_Select(int line)
 {
-    const int last = lineCount() - 1;
+    const int last = LineCount() - 1;
     if (last >= 0)
         SetCtrlIndex(mainPanel, MAIN_LIST, std::clamp(line, 0, last));
 }
@@ -148,10 +148,10 @@ void LSV_Select(int line)
 void VR_FillDebugItems()
 {
     if (openLItems)
-        fillNames();
+        FillNames();
 }
 
 void ResetLItemsDisplay()
 {
-    fillNames();
+    FillNames();
 }

@@ -15,27 +15,27 @@ int readLItems = 0;
 
 namespace {
 
-bool isAnonymous(const LItem &item)
+bool IsAnonymous(const LItem &item)
 {
     return item.name.empty() || item.name == "&";
 }
 
 // An item whose address is forgotten for now keeps the one it was given.
-uint32_t addressToKeep(const LItem &item)
+uint32_t AddressToKeep(const LItem &item)
 {
     return item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
 }
 
-std::string bracketed(const LItem &item)
+std::string Bracketed(const LItem &item)
 {
     char place[24];
-    std::snprintf(place, sizeof place, "[0x%X]", addressToKeep(item));
+    std::snprintf(place, sizeof place, "[0x%X]", AddressToKeep(item));
     return place;
 }
 
 // Looks a name up in one table. A found name replaces an address that was given; an
 // address that was forgotten comes back when the table does not know the name.
-void resolve(LItem *item, const VarNode *nodes, int count)
+void Resolve(LItem *item, const VarNode *nodes, int count)
 {
     const uint32_t address = inStruct(item->name.c_str(), nodes, count);
     if (address != LITEM_NO_ADDRESS) {
@@ -44,15 +44,15 @@ void resolve(LItem *item, const VarNode *nodes, int count)
         item->givenAddress = LITEM_NO_ADDRESS;
     } else if (item->address == LITEM_NO_ADDRESS && item->givenAddress != LITEM_NO_ADDRESS) {
         item->address = item->givenAddress;
-        item->explicitAddress = !isAnonymous(*item);
+        item->explicitAddress = !IsAnonymous(*item);
     }
 }
 
-void complete(const VarNode *nodes, int count, bool isTMS)
+void Complete(const VarNode *nodes, int count, bool isTMS)
 {
     for (int i = 0; i < nLItems; ++i) {
         if (LIT_IsTMS(aLItems[i]) == isTMS)
-            resolve(&aLItems[i], nodes, count);
+            Resolve(&aLItems[i], nodes, count);
     }
 }
 
@@ -61,11 +61,11 @@ void complete(const VarNode *nodes, int count, bool isTMS)
 void LIT_Resolve(LItem *item)
 {
     if (openStruct166 && !LIT_IsTMS(*item))
-        resolve(item, aVarNode166, nNodes166);
+        Resolve(item, aVarNode166, nNodes166);
     if (openStruct && !LIT_IsTMS(*item))
-        resolve(item, aVarNode, nNodes);
+        Resolve(item, aVarNode, nNodes);
     if (openTMSStruct && LIT_IsTMS(*item))
-        resolve(item, aVarTMSNode, nTMSNodes);
+        Resolve(item, aVarTMSNode, nTMSNodes);
 }
 
 void LIT_ResolveAll(bool isTMS)
@@ -76,7 +76,7 @@ void LIT_ResolveAll(bool isTMS)
             continue;
         const uint32_t before = item.address;
         item.address = item.givenAddress;
-        item.explicitAddress = item.address != LITEM_NO_ADDRESS && !isAnonymous(item);
+        item.explicitAddress = item.address != LITEM_NO_ADDRESS && !IsAnonymous(item);
         LIT_Resolve(&item);
         item.isValueGood &= item.address == before;
     }
@@ -84,12 +84,12 @@ void LIT_ResolveAll(bool isTMS)
 
 void completeLItems(const VarNode *nodes, int count)
 {
-    complete(nodes, count, false);
+    Complete(nodes, count, false);
 }
 
 void completeTMSLItems(const VarNode *nodes, int count)
 {
-    complete(nodes, count, true);
+    Complete(nodes, count, true);
 }
 
 void CleanLItems()
@@ -113,15 +113,15 @@ bool LIT_HasAddress(const LItem &item)
 
 std::string LIT_Label(const LItem &item)
 {
-    return isAnonymous(item) ? item.name + bracketed(item) : WRD_Visible(item.name);
+    return IsAnonymous(item) ? item.name + Bracketed(item) : WRD_Visible(item.name);
 }
 
 std::string LIT_LabelAndPlace(const LItem &item)
 {
     const bool isForgotten = item.address == LITEM_NO_ADDRESS;
-    if (isAnonymous(item))
-        return item.name + bracketed(item);
+    if (IsAnonymous(item))
+        return item.name + Bracketed(item);
     if (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))
-        return item.name + ", " + bracketed(item);
+        return item.name + ", " + Bracketed(item);
     return item.name;
 }

@@ -10,7 +10,7 @@
 
 namespace {
 
-std::string addressOf(const LItem &item)
+std::string AddressOf(const LItem &item)
 {
     if (item.address == LITEM_NO_ADDRESS)
         return "";
@@ -19,13 +19,13 @@ std::string addressOf(const LItem &item)
     return text;
 }
 
-std::string typeOf(const LItem &item)
+std::string TypeOf(const LItem &item)
 {
     return item.type + std::to_string(item.size);
 }
 
 // A value that was never read, or not the last time, is no value.
-std::string valueOf(const LItem &item)
+std::string ValueOf(const LItem &item)
 {
     std::string text;
     if (item.isValueGood)
@@ -34,13 +34,13 @@ std::string valueOf(const LItem &item)
     return begin == std::string::npos ? "" : text.substr(begin);
 }
 
-std::string rawOf(const LItem &item)
+std::string RawOf(const LItem &item)
 {
     const uint64_t raw = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
     return item.isValueGood ? std::to_string(raw) : "";
 }
 
-std::string stateOf(const LItem &item)
+std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
         return "ok";
@@ -54,8 +54,8 @@ std::string SNP_Text()
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += WRD_Visible(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
-                valueOf(item) + '\t' + WRD_Visible(stateOf(item)) + '\n';
+        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
+                ValueOf(item) + '\t' + WRD_Visible(StateOf(item)) + '\n';
     }
     return text;
 }
@@ -65,9 +65,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += WRD_QuoteCsv(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + WRD_QuoteCsv(valueOf(item)) + ',' + rawOf(item) +
-                ',' + WRD_QuoteCsv(stateOf(item)) + "\r\n";
+        text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) +
+                ',' + WRD_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }

@@ -11,22 +11,22 @@ namespace {
 
 constexpr double NO_RATE = -999.0;
 
-uint64_t wholeValue(const LItem &item)
+uint64_t WholeValue(const LItem &item)
 {
     return static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
 }
 
-uint32_t maskOf(int size)
+uint32_t MaskOf(int size)
 {
     return size == 4 ? 0xFFFFFFFFu : (1u << 8 * size) - 1;
 }
 
-bool isWordSize(int size)
+bool IsWordSize(int size)
 {
     return size == 1 || size == 2 || size == 4;
 }
 
-int32_t signExtended(uint32_t value, int size)
+int32_t SignExtended(uint32_t value, int size)
 {
     if (size == 1)
         return static_cast<int8_t>(value);
@@ -35,7 +35,7 @@ int32_t signExtended(uint32_t value, int size)
     return static_cast<int32_t>(value);
 }
 
-int widthFor(int size, int one, int two, int four)
+int WidthFor(int size, int one, int two, int four)
 {
     return size == 1 ? one : size == 2 ? two : four;
 }
@@ -46,28 +46,28 @@ void FMT_Hex(char *text, const LItem &item)
 {
     if (item.size == 8)
         std::snprintf(text, FMT_TEXT_MAX, "%llXh",
-                      static_cast<unsigned long long>(wholeValue(item)));
-    else if (isWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%0*Xh", 2 * item.size, item.value & maskOf(item.size));
+                      static_cast<unsigned long long>(WholeValue(item)));
+    else if (IsWordSize(item.size))
+        std::snprintf(text, FMT_TEXT_MAX, "%0*Xh", 2 * item.size, item.value & MaskOf(item.size));
 }
 
 void FMT_Unsigned(char *text, const LItem &item)
 {
     if (item.size == 8)
         std::snprintf(text, FMT_TEXT_MAX, "%20llu",
-                      static_cast<unsigned long long>(wholeValue(item)));
-    else if (isWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%*u", widthFor(item.size, 3, 5, 10),
-                      item.value & maskOf(item.size));
+                      static_cast<unsigned long long>(WholeValue(item)));
+    else if (IsWordSize(item.size))
+        std::snprintf(text, FMT_TEXT_MAX, "%*u", WidthFor(item.size, 3, 5, 10),
+                      item.value & MaskOf(item.size));
 }
 
 void FMT_Signed(char *text, const LItem &item)
 {
     if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%21lld", static_cast<long long>(wholeValue(item)));
-    else if (isWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%*d", widthFor(item.size, 4, 6, 11),
-                      signExtended(item.value, item.size));
+        std::snprintf(text, FMT_TEXT_MAX, "%21lld", static_cast<long long>(WholeValue(item)));
+    else if (IsWordSize(item.size))
+        std::snprintf(text, FMT_TEXT_MAX, "%*d", WidthFor(item.size, 4, 6, 11),
+                      SignExtended(item.value, item.size));
 }
 
 void FMT_Float(char *text, const LItem &item)
@@ -103,11 +103,11 @@ void FMT_Duration(char *text, const LItem &item)
 
 void FMT_Rate(char *text, const LItem &item)
 {
-    if (item.size != 8 && !isWordSize(item.size))
+    if (item.size != 8 && !IsWordSize(item.size))
         return;
     const uint16_t elapsedMs = static_cast<uint16_t>(item.readTick - item.previousReadTick);
     const uint32_t delta =
-        item.size == 8 ? 0 : (item.value - item.previousValue) & maskOf(item.size);
+        item.size == 8 ? 0 : (item.value - item.previousValue) & MaskOf(item.size);
     const double rate = elapsedMs == 0 ? NO_RATE : delta * 1000.0 / elapsedMs;
     std::snprintf(text, FMT_TEXT_MAX, "%10.3f Hz", rate);
 }

@@ -22,7 +22,7 @@ struct Number {
     uint64_t amount = 0;
 };
 
-int digitsToAmount(const std::string &digits, int base, uint64_t *amount)
+int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
 {
     const char *const end = digits.data() + digits.size();
     const auto [stop, error] = std::from_chars(digits.data(), end, *amount, base);
@@ -33,7 +33,7 @@ int digitsToAmount(const std::string &digits, int base, uint64_t *amount)
 }
 
 // Takes the mark of the base off; the base.
-int takeBase(std::string *text, int plainBase)
+int TakeBase(std::string *text, int plainBase)
 {
     if (text->rfind("0x", 0) == 0) {
         text->erase(0, 2);
@@ -50,41 +50,41 @@ int takeBase(std::string *text, int plainBase)
     return plainBase;
 }
 
-int parseNumber(std::string text, int plainBase, Number *number)
+int ParseNumber(std::string text, int plainBase, Number *number)
 {
     if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
         number->isNegative = text[0] == '-';
         text.erase(0, 1);
     }
-    const int base = takeBase(&text, plainBase);
+    const int base = TakeBase(&text, plainBase);
     number->isPattern = base != 10;
-    return digitsToAmount(text, base, &number->amount);
+    return DigitsToAmount(text, base, &number->amount);
 }
 
-uint64_t largest(int size)
+uint64_t Largest(int size)
 {
     return size == 8 ? UINT64_MAX : (uint64_t{1} << 8 * size) - 1;
 }
 
-int toUnsigned(const Number &number, int size, uint64_t *bits)
+int ToUnsigned(const Number &number, int size, uint64_t *bits)
 {
-    if ((number.isNegative && number.amount != 0) || number.amount > largest(size))
+    if ((number.isNegative && number.amount != 0) || number.amount > Largest(size))
         return PRS_ERR_RANGE;
     *bits = number.amount;
     return PRS_OK;
 }
 
-int toSigned(const Number &number, int size, uint64_t *bits)
+int ToSigned(const Number &number, int size, uint64_t *bits)
 {
-    const uint64_t half = largest(size) / 2;
-    const uint64_t limit = number.isNegative ? half + 1 : number.isPattern ? largest(size) : half;
+    const uint64_t half = Largest(size) / 2;
+    const uint64_t limit = number.isNegative ? half + 1 : number.isPattern ? Largest(size) : half;
     if (number.amount > limit)
         return PRS_ERR_RANGE;
-    *bits = (number.isNegative ? 0 - number.amount : number.amount) & largest(size);
+    *bits = (number.isNegative ? 0 - number.amount : number.amount) & Largest(size);
     return PRS_OK;
 }
 
-std::string hexDigits(uint64_t value)
+std::string HexDigits(uint64_t value)
 {
     char digits[17];
     const auto end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
@@ -110,11 +110,11 @@ std::string PRS_Normal(const std::string &text)
 int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)
 {
     Number number;
-    const int result = parseNumber(text, item.type == 'x' ? 16 : 10, &number);
+    const int result = ParseNumber(text, item.type == 'x' ? 16 : 10, &number);
     if (result != PRS_OK)
         return result;
-    return item.type == 'i' ? toSigned(number, item.size, bits)
-                            : toUnsigned(number, item.size, bits);
+    return item.type == 'i' ? ToSigned(number, item.size, bits)
+                            : ToUnsigned(number, item.size, bits);
 }
 
 int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
@@ -125,8 +125,8 @@ int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
         text.pop_back();
     text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
     Number number;
-    const int result = parseNumber(text, 2, &number);
-    return result == PRS_OK ? toUnsigned(number, item.size, bits) : result;
+    const int result = ParseNumber(text, 2, &number);
+    return result == PRS_OK ? ToUnsigned(number, item.size, bits) : result;
 }
 
 int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
@@ -166,7 +166,7 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
         if (end == std::string::npos)
             continue;
         uint64_t amount;
-        const int result = digitsToAmount(PRS_Normal(text.substr(at, end - at)), 10, &amount);
+        const int result = DigitsToAmount(PRS_Normal(text.substr(at, end - at)), 10, &amount);
         if (result != PRS_OK)
             return result;
         if (amount > MINUTES_MAX)
@@ -175,7 +175,7 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
         at = end + 1;
     }
     if (at == 0) {
-        const int result = digitsToAmount(text, 10, &total);
+        const int result = DigitsToAmount(text, 10, &total);
         if (result != PRS_OK)
             return result;
     } else if (at != text.size()) {
@@ -189,18 +189,18 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
 
 std::string PRS_UnsignedRange(const LItem &item)
 {
-    return "0 to " + std::to_string(largest(item.size));
+    return "0 to " + std::to_string(Largest(item.size));
 }
 
 std::string PRS_SignedRange(const LItem &item)
 {
-    const uint64_t half = largest(item.size) / 2;
+    const uint64_t half = Largest(item.size) / 2;
     return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
 }
 
 std::string PRS_HexRange(const LItem &item)
 {
-    return "0h to " + hexDigits(largest(item.size)) + "h";
+    return "0h to " + HexDigits(Largest(item.size)) + "h";
 }
 
 std::string PRS_BitRange(const LItem & /*item*/)

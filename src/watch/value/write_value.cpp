@@ -24,7 +24,7 @@ uint64_t MaskOfWritten(const LItem &item)
     return UINT64_MAX >> (64 - 8 * BytesToWrite(item));
 }
 
-int writeC166(const LItem &item, uint64_t bits)
+int WriteC166(const LItem &item, uint64_t bits)
 {
     uint8_t bytes[8];
     const int count = BytesToWrite(item);
@@ -40,7 +40,7 @@ int writeC166(const LItem &item, uint64_t bits)
 
 // The mailbox moves whole words: the bytes that stay as they are, as a duration's fourth, are read
 // first.
-int writeTMS(const LItem &item, uint32_t word, std::string *cause)
+int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
 {
     const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
     if (mask != UINT32_MAX) {
@@ -56,11 +56,11 @@ int writeTMS(const LItem &item, uint32_t word, std::string *cause)
     return result == TMS_OK ? WRV_OK : WRV_ERR_WRITE;
 }
 
-int writeBits(const LItem &item, uint64_t bits, std::string *message)
+int WriteBits(const LItem &item, uint64_t bits, std::string *message)
 {
     std::string cause;
-    const int result = LIT_IsTMS(item) ? writeTMS(item, static_cast<uint32_t>(bits), &cause)
-                                       : writeC166(item, bits);
+    const int result = LIT_IsTMS(item) ? WriteTMS(item, static_cast<uint32_t>(bits), &cause)
+                                       : WriteC166(item, bits);
     if (result == WRV_OK)
         return WRV_OK;
     if (cause.empty())
@@ -69,7 +69,7 @@ int writeBits(const LItem &item, uint64_t bits, std::string *message)
     return result;
 }
 
-std::string heldText(const LItem &item)
+std::string HeldText(const LItem &item)
 {
     LItem shown = item;
     if (const VTY_Row *row = VTY_Find(item.type))
@@ -81,7 +81,7 @@ std::string heldText(const LItem &item)
 }
 
 // Whether the value just read is the one that was written.
-bool isHeld(const LItem &item, uint64_t bits)
+bool IsHeld(const LItem &item, uint64_t bits)
 {
     const uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
     return (held & MaskOfWritten(item)) == bits;
@@ -121,7 +121,7 @@ int WRV_Write(int index, const std::string &text, std::string *message)
     uint64_t bits = 0;
     int result = WRV_Parse(item, text, &bits, message);
     if (result == WRV_OK)
-        result = writeBits(item, bits, message);
+        result = WriteBits(item, bits, message);
     if (result != WRV_OK)
         return result;
     const int readResult = readValues(index);
@@ -131,8 +131,8 @@ int WRV_Write(int index, const std::string &text, std::string *message)
         *message = "Written, but the target's value could not be read: " + item.reason + ".";
         return WRV_ERR_READ_BACK;
     }
-    const bool isSame = isHeld(item, bits);
+    const bool isSame = IsHeld(item, bits);
     *message = (isSame ? "Written. The target holds " : "Written, but the target now holds ") +
-               heldText(item) + ".";
+               HeldText(item) + ".";
     return isSame ? WRV_OK : WRV_DIFFERENT;
 }
