@@ -68,8 +68,10 @@ TEST_F(ListFiles, SavingLeavesTheUsersWorkAlone)
         EXPECT_EQ(round(expected), expected) << c.what;
     }
     // Bytes that are no text stay when no item stands in them.
-    const std::string odd("A, u1\n;\0\xFF\0\n\0\n", 13);
-    EXPECT_EQ(round(odd), odd);
+    for (const std::string &odd :
+         {std::string("A, u1\n;\0\xFF\0\n\0\n", 13), std::string("A, u1\n\0\0", 8),
+          std::string("\0", 1), std::string("\xEF\xBB\xBF")})
+        EXPECT_EQ(round(odd), odd);
     // Long lines go on as the next one and mean the same after saving.
     for (const std::string &text :
          {std::string(511, ' ') + "A, u1\nB, u2\n", "A,u1;" + std::string(506, 'c') + "\nB, u2\n",

@@ -159,8 +159,11 @@ int ReadDebugFile(const std::string &path, ReadFile *file)
         const size_t begin = static_cast<size_t>(TXFR_GetFilePos(reader));
         const bool isRest = TXFR_IsBrokenLine(reader) == 1;
         const int length = TXFR_RdLine(reader, text, sizeof text);
-        if (length < 0)
+        if (length < 0) {
+            if (begin < content.size()) // dropped bytes behind the last line
+                file->layout.lines.push_back({begin, content.size(), LAY_OTHER});
             break;
+        }
         file->isFull = file->isFull || file->items.size() >= LITEMS_MAX;
         const LAY_Kind kind = file->isFull ? LAY_OTHER : TakeLine(text, number, file);
         const long position = TXFR_GetFilePos(reader); // negative: the file ends here

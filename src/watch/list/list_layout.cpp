@@ -145,7 +145,7 @@ std::string LAY_Compose(LAY_ItemText itemText)
     Output out;
     out.usualEnd = UsualEnd();
     out.itemText = itemText;
-    const size_t start = layout.lines.empty() ? 0 : layout.lines[0].begin;
+    const size_t start = layout.lines.empty() ? layout.content.size() : layout.lines[0].begin;
     out.text = layout.content.substr(0, start); // a byte order mark
     size_t next = 0;                            // item to write
     // Items that have no line of their own stand behind the item before them, or in front of
