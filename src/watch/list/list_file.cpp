@@ -35,7 +35,8 @@ bool IsSpace(char c)
 
 std::string Trimmed(const char *begin, const char *end)
 {
-    return WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX);
+    // Once more behind the cut: what is saved must be read as the same field.
+    return WRD_Trim(WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
 }
 
 // The hexadecimal number behind "["; 0 without a digit, which *isNumber tells. *isGood: it is

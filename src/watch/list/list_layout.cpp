@@ -100,32 +100,37 @@ struct Output {
     bool isTorn = false; // the next line is the rest of a comment
 };
 
-void PutItem(Output *out, const LItem &item, int line)
+// `mayGoOn`: the line that follows is the one that followed when the file was read.
+void PutItem(Output *out, const LItem &item, int line, bool mayGoOn)
 {
     const std::string comment = CommentOf(line), words = out->itemText(item);
     std::string end = line < 0 ? "" : LineEnd(layout.lines[static_cast<size_t>(line)]);
     // A comment so long that its rest came as the next line: it still does, or begins anew.
-    const bool isBroken =
-        end.empty() && !comment.empty() && static_cast<size_t>(line) + 1 < layout.lines.size();
-    out->isTorn = isBroken && words.size() + comment.size() != LITEM_LINE_MAX;
+    const size_t size = words.size() + comment.size();
+    const bool isBroken = end.empty() && !comment.empty() && mayGoOn;
+    out->isTorn = isBroken && size != LITEM_LINE_MAX;
     if (end.empty() && (!isBroken || out->isTorn))
         end = out->usualEnd;
     // Together they must still be one line when they are read again.
-    if (words.size() + comment.size() > LITEM_LINE_MAX)
+    if (size > LITEM_LINE_MAX)
         out->text += comment.substr(comment.find(';')) + end + words + end;
     else
         out->text += words + comment + end;
     out->lastItem = &item;
 }
 
-// A line that is no item's, as it stands. One that would widen another item than it did is
-// kept as a comment.
+// A line that is no item's, as it stands. The rest of a torn comment, and a line that would
+// widen another item than it did, become comments.
 void PutOther(Output *out, const LAY_File::Line &line)
 {
+    std::string text = layout.content.substr(line.begin, line.end - line.begin);
     const bool isHarmful =
         line.kind == LAY_WIDENER && out->lastItem != nullptr && out->lastItem->size != 4;
-    out->text += (isHarmful || out->isTorn ? "; " : "") +
-                 layout.content.substr(line.begin, line.end - line.begin);
+    if ((isHarmful || out->isTorn) && LineText(line).size() + 2 <= LITEM_LINE_MAX)
+        text = "; " + text;
+    else if (isHarmful) // as long as a line may be
+        text[text.find('&')] = ';';
+    out->text += text;
     out->isTorn = false;
 }
 
@@ -152,7 +157,7 @@ std::string LAY_Compose(LAY_ItemText itemText)
     // the first one that has.
     const auto putUpTo = [&](bool isLast) {
         for (; next < lines.size() && (isLast || !isInPlace[next]); ++next)
-            PutItem(&out, aLItems[next], lines[next]);
+            PutItem(&out, aLItems[next], lines[next], false);
     };
     for (size_t i = 0; i < layout.lines.size(); ++i) {
         const LAY_File::Line &line = layout.lines[i];
@@ -165,7 +170,9 @@ std::string LAY_Compose(LAY_ItemText itemText)
         if (owner == lines.end() || !isInPlace[item])
             continue; // removed, or standing elsewhere now
         putUpTo(false);
-        PutItem(&out, aLItems[next], lines[next]);
+        const bool isNextInPlace = next + 1 >= lines.size() || isInPlace[next + 1];
+        const bool isRestNext = i + 1 < layout.lines.size() && layout.lines[i + 1].kind != LAY_ITEM;
+        PutItem(&out, aLItems[next], lines[next], isNextInPlace && isRestNext);
         ++next;
         putUpTo(false);
     }
@@ -173,5 +180,7 @@ std::string LAY_Compose(LAY_ItemText itemText)
         std::string(LINE_ENDS).find(out.text.back()) == std::string::npos)
         out.text += out.usualEnd; // the file's last line had none
     putUpTo(true);
-    return out.text;
+    // A name that begins like a byte order mark must not be taken for one at the start.
+    const bool isMisread = start == 0 && out.text.compare(0, 3, "\xEF\xBB\xBF") == 0;
+    return (isMisread ? "\xEF\xBB\xBF" : "") + out.text;
 }
