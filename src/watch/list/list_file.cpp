@@ -170,7 +170,7 @@ int ReadDebugFile(const std::string &path, ReadFile *file)
         const long position = TXFR_GetFilePos(reader); // negative: the file ends here
         const size_t end = position < 0 ? content.size() : static_cast<size_t>(position);
         const bool isBroken = TXFR_IsBrokenLine(reader) == 1;
-        if (isRest && length == 0 && !isBroken) // only the line's end was left
+        if (isRest && length == 0) // the line's end alone, or what a NUL in it drops
             file->layout.lines.back().end = end;
         else
             file->layout.lines.push_back({begin, end, kind});
