@@ -161,7 +161,9 @@ int ReadDebugFile(const std::string &path, ReadFile *file)
         const bool isRest = TXFR_IsBrokenLine(reader) == 1;
         const int length = TXFR_RdLine(reader, text, sizeof text);
         if (length < 0) {
-            if (begin < content.size()) // dropped bytes behind the last line
+            if (isRest && begin < content.size()) // dropped bytes at the end
+                file->layout.lines.back().end = content.size();
+            else if (begin < content.size())
                 file->layout.lines.push_back({begin, content.size(), LAY_OTHER});
             break;
         }
