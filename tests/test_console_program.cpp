@@ -77,6 +77,25 @@ TEST_F(ConsoleProgram, OptionsAreChecked)
     EXPECT_EQ(0u, Run("--help").out.find("Usage: vireo2-console"));
 }
 
+TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
+{
+    Write("prjinfo.map28x", "00C002 _speed\n");
+    Write("prjinfo.tmf", "## 1 VARS\n0: 'speed' _@0x122\n## 0 TYPES\n## 1 STRUCTS\n"
+                         "# 1 / 1:\n'x' _@0x122\n");
+    const Outcome path = Run("--make-archive p.qar ./prjinfo.map28x prjinfo.tmf");
+    EXPECT_EQ(1, path.code);
+    EXPECT_NE(std::string::npos, path.err.find("a reader looks for 'prjinfo.map28x'"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "p.qar"));
+    const Outcome half = Run("--make-archive p.qar prjinfo.map28x");
+    EXPECT_EQ(0, half.code);
+    EXPECT_EQ("Note: to open as a map, the archive needs a member 'prjinfo.tmf'.\n", half.err);
+    const Outcome whole = Run("--make-archive p.qar prjinfo.map28x prjinfo.tmf");
+    EXPECT_EQ(0, whole.code);
+    EXPECT_EQ("", whole.err + whole.out);
+    Write("Vireo2.ini", "r, F283xx\n");
+    EXPECT_NE(std::string::npos, Run("--full", "mt p.qar\n").out.find("Nodes:       1"));
+}
+
 TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
 {
     const Outcome outcome = Run("-s3", "station 5\r\nnonsense\n  exit \nstation 7\n");
@@ -85,7 +104,7 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     EXPECT_NE(std::string::npos,
               outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
     EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\n"))
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\r\n"))
         << "a session ends like the program in the window";
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));

@@ -5,6 +5,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
@@ -32,7 +33,7 @@ std::string NameLine(const LItem &item)
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return item.name + ADDRESS_COLUMN + address;
+    return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
 int LineCount()
@@ -63,7 +64,7 @@ void FillNames()
 
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
-    std::string line = item.name;
+    std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
     line += isResolved ? AddressText(item.address, processor) : "??????  ";

@@ -31,6 +31,7 @@ struct LItem {
     bool isValueGood = false; // `value` is from a good read
     uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
+    int32_t fileLine = -1;    // line of the debug file it came from, for saving; -1: a new item
 };
 
 extern LItem aLItems[LITEMS_MAX];
@@ -52,7 +53,7 @@ bool LIT_IsTMS(const LItem &item);
 // The item can be read at all: resolved, and below the limit of target addresses.
 bool LIT_HasAddress(const LItem &item);
 std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
-// The same, and behind a name the address that was given with it.
+// Its name as it is in the file, and behind it the address that was given with it.
 std::string LIT_LabelAndPlace(const LItem &item);
 
 #endif

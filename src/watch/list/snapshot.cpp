@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "platform/safe_file.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -46,23 +47,6 @@ std::string StateOf(const LItem &item)
     return item.reason.empty() ? "not read" : item.reason;
 }
 
-std::string OneLine(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
-    return text;
-}
-
-std::string Quoted(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string result = "\"";
-    for (const char c : text)
-        result += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return result + '"';
-}
-
 } // namespace
 
 std::string SNP_Text()
@@ -70,8 +54,8 @@ std::string SNP_Text()
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += OneLine(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
-                ValueOf(item) + '\t' + OneLine(StateOf(item)) + '\n';
+        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
+                ValueOf(item) + '\t' + WRD_Visible(StateOf(item)) + '\n';
     }
     return text;
 }
@@ -81,9 +65,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += Quoted(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + Quoted(ValueOf(item)) + ',' + RawOf(item) + ',' +
-                Quoted(StateOf(item)) + "\r\n";
+        text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) +
+                ',' + WRD_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }
