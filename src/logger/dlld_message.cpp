@@ -110,7 +110,10 @@ uint32_t DLLD_GetStamp(const DLLD_Msg &msg)
 
 uint16_t DLLD_GetWord(const DLLD_Msg &msg, int32_t index)
 {
-    return index < msg.length ? DLLD_GetZR_W(msg.words[index], DLLD_GetZ(msg)) : uint16_t(0);
+    if (index >= msg.length)
+        return 0;
+    return index < DLLD_HEAD_WORDS ? msg.words[index]
+                                   : DLLD_GetZR_W(msg.words[index], DLLD_GetZ(msg));
 }
 
 uint32_t DLLD_GetDWord(const DLLD_Msg &msg, int32_t index)

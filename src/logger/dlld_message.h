@@ -46,8 +46,8 @@ struct DLLD_Msg {
 uint8_t DLLD_GetType(const DLLD_Msg &msg);
 uint8_t DLLD_GetZ(const DLLD_Msg &msg);
 uint32_t DLLD_GetStamp(const DLLD_Msg &msg); // 0 for a message too short to have one
-// Word `index` of the message with its zeros back. Behind the message's end stands the zero
-// that ends it.
+// Word `index` of the message, of its content with the zeros back. Behind the message's end
+// stands the zero that ends it.
 uint16_t DLLD_GetWord(const DLLD_Msg &msg, int32_t index);
 uint32_t DLLD_GetDWord(const DLLD_Msg &msg, int32_t index); // low word first
 // The message at or behind *index, which is moved behind it. False at the end of the log.
