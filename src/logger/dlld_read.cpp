@@ -13,7 +13,6 @@
 namespace {
 
 constexpr uint32_t BLOCK_BYTES = 1024;
-constexpr uint32_t HEADER_BYTES = 2 * DLLD_HEADER_WORDS;
 constexpr uint32_t RECID_BYTES = 8;
 constexpr uint16_t SIGNATURE[] = {0x4F4C, 0x4F47, 0x3A53}; // "LOGOS:"
 constexpr int TRIES = 2;
