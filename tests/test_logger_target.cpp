@@ -22,6 +22,7 @@ constexpr uint32_t BUFFER = 0x1A000;
 struct LogTarget : ConsoleRig {
     static inline std::function<void(uint32_t done, uint32_t total)> onProgress;
     static inline std::vector<std::string> errors;
+    static inline bool isCancelWished;
 
     void SetUp() override
     {
@@ -81,8 +82,9 @@ struct LogTarget : ConsoleRig {
         host.showProgress = [](uint32_t done, uint32_t total, const char *) {
             if (onProgress)
                 onProgress(done, total);
-            return false;
+            return isCancelWished;
         };
+        isCancelWished = false;
         DLLD_SetHost(host);
         ASSERT_EQ(VR_OpenLink(), 0);
     }
@@ -316,6 +318,15 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
     EXPECT_EQ(SIM_GetCounters(target).requests - before, 4u);
     Poke(BUFFER + 9, {'O'});
     EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), 0);
+    // Cancelling is no error, and ends with the reading that was cancelled.
+    errors.clear();
+    isCancelWished = true;
+    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), -1);
+    EXPECT_TRUE(DLLD_IsCancelled());
+    EXPECT_TRUE(errors.empty());
+    isCancelWished = false;
+    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), 0);
+    EXPECT_FALSE(DLLD_IsCancelled());
 }
 
 TEST_F(LogTarget, SaveLogTakesANameOrAnAddress)
