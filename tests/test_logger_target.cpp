@@ -85,6 +85,7 @@ struct LogTarget : ConsoleRig {
             return isCancelWished;
         };
         isCancelWished = false;
+        onProgress = nullptr;
         DLLD_SetHost(host);
         ASSERT_EQ(VR_OpenLink(), 0);
     }
