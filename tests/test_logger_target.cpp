@@ -10,6 +10,7 @@
 
 #include <csignal>
 #include <functional>
+#include <iterator>
 #include <sys/resource.h>
 
 namespace {
@@ -123,56 +124,56 @@ TEST_F(LogTarget, GetLogWritesBothFiles)
 
 TEST_F(LogTarget, GetLogSaysOnceWhyItFailed)
 {
-    struct Case {
-        const char *line;
-        std::function<void()> spoil;
-        const char *error;
-        const char *popups;
-    };
-    const Case cases[] = {
-        {"getlog '',out", [] {}, "Invalid parameters.", ""},
-        {"getlog DL_log,", [] {}, "Invalid parameters.", ""},
-        {"getlog DL_log,out", [] { Procesor = CPU_F2803X; },
-         "Could not read log type list (DL_arecId).", "Error: Unsupported CPU.|"},
-        {"getlog DL_log,out", [&] { PutRecIds(256, {}); },
-         "Could not read log type list (DL_arecId).", "Error: Data integrity.|"},
-        {"getlog DL_log,out", [&] { PutRecIds(-1, {}); },
-         "Could not read log type list (DL_arecId).", "Error: Data integrity.|"},
-        {"getlog nothing,out", [] {}, "Could not read the log (nothing).",
-         "Error: Variable 'nothing' not found|"},
-        {"getlog nSpeedRef,out", [] {}, "Could not read the log (nSpeedRef).",
-         "Error: Variable 'nSpeedRef.dwLogAddr' not found|"},
-        {"getlog '2:DL_log',out", [] {}, "Could not read the log (2:DL_log).",
-         "Error: Variable '2:DL_log' not found|"},
-        {"getlog DL_log,out", [&] { Poke(BUFFER + 8, {'l'}); }, "Could not read the log (DL_log).",
-         "Read error: Bad log header (DL_log).|"},
-        {"getlog DL_log,out", [&] { PutLong(VARIABLE + 4, 524289); },
-         "Could not read the log (DL_log).", "Read error: Bad log header (DL_log).|"},
-        {"getlog DL_log,out", [&] { PutLong(VARIABLE, 0x7FFFFE); },
-         "Could not read the log (DL_log).",
+    const std::string types = "Could not read log type list (DL_arecId).", log = "(DL_log).";
+    const struct {
+        const char *arguments;
+        uint32_t spoiled; // address, 0 = nothing
+        std::vector<uint8_t> bytes;
+        std::string error, popups;
+    } cases[] = {
+        {"'',out", 0, {}, "Invalid parameters.", ""},
+        {"DL_log,", 0, {}, "Invalid parameters.", ""},
+        {"DL_log,out", COUNT, {0, 1}, types, "Error: Data integrity.|"}, // 256
+        {"DL_log,out", COUNT, {255, 255}, types, "Error: Data integrity.|"},
+        {"x,out", 0, {}, "Could not read the log (x).", "Error: Variable 'x' not found|"},
+        {"nSpeedRef,out", 0, {}, "", "Error: Variable 'nSpeedRef.dwLogAddr' not found|"},
+        {"'2:DL_log',out", 0, {}, "", "Error: Variable '2:DL_log' not found|"},
+        {"DL_log,out", BUFFER + 8, {'l'}, log, "Read error: Bad log header (DL_log).|"},
+        {"DL_log,out", VARIABLE + 4, {1, 0, 8}, log, "Read error: Bad log header (DL_log).|"},
+        {"DL_log,out",
+         VARIABLE,
+         {254, 255, 127},
+         log,
          "Read error: Data read error (16 bytes at address FFFFFCh).|"},
-        {"getlog DL_log,out", [] { HL_CancelProgressAt(2); }, "cancelled by the user.", ""},
-        {"getlog DL_log,none/out", [] {}, "Couldn't open output file 'none/out.bin'.", ""},
+        {"DL_log,no/out", 0, {}, "Couldn't open output file 'no/out.bin'.", ""},
     };
-    for (const Case &c : cases) {
+    const auto check = [&](const char *arguments, const std::string &error,
+                           const std::string &popups) {
+        const size_t before = HL_GetPopups().size();
+        const std::string text = Run(std::string("getlog ") + arguments);
+        const size_t at = text.find("ERROR - getlog: ");
+        ASSERT_NE(at, std::string::npos) << text;
+        EXPECT_NE(text.find(error + "\n", at), std::string::npos) << text;
+        EXPECT_EQ(text.find("ERROR", at + 1), std::string::npos) << text;
+        EXPECT_EQ(Popups(before), popups);
+        EXPECT_EQ(ReadFile("out.bin") + ReadFile("out.slog"), "<none><none>") << text;
+    };
+    for (const auto &c : cases) {
         PutRecIds(0, {});
         PutLog(Sample());
-        Procesor = CPU_F283XX;
-        c.spoil();
-        const size_t before = HL_GetPopups().size();
-        const std::string text = Run(c.line);
-        HL_CancelProgressAt(0);
-        EXPECT_NE(text.find(std::string("ERROR - getlog: ") + c.error + "\n"), std::string::npos)
-            << c.error << "\n"
-            << text;
-        EXPECT_EQ(Popups(before), c.popups) << c.error;
-        EXPECT_EQ(ReadFile("out.bin") + ReadFile("out.slog"), "<none><none>") << c.error;
+        Poke(c.spoiled, c.bytes);
+        check(c.arguments, c.error, c.popups);
     }
+    PutLog(Sample());
+    HL_CancelProgressAt(2);
+    check("DL_log,out", "cancelled by the user.", "");
+    Procesor = CPU_F2803X;
+    check("DL_log,out", types, "Error: Unsupported CPU.|");
+    Procesor = CPU_F283XX;
     SIM_Options dead;
     dead.stations = 0;
     SIM_SetFaults(target, dead);
-    EXPECT_NE(Run("getlog DL_log,out").find("type list"), std::string::npos);
-    EXPECT_EQ(HL_GetPopups().back(), "Read error: Data read error (2 bytes at address  182D0h).");
+    check("DL_log,out", types, "Read error: Data read error (2 bytes at address  182D0h).|");
 }
 
 TEST_F(LogTarget, FullDiskBehindTheRawFile)
@@ -191,27 +192,19 @@ TEST_F(LogTarget, FullDiskBehindTheRawFile)
     const std::string text = Run("getlog DL_log,out");
     setrlimit(RLIMIT_FSIZE, &unlimited);
     std::signal(SIGXFSZ, SIG_DFL);
-    const std::string error = "ERROR - getlog: Couldn't save output file.\n";
-    const size_t at = text.find(error);
-    ASSERT_NE(at, std::string::npos) << text;
-    EXPECT_EQ(text.find("ERROR", at + 1), std::string::npos);
+    EXPECT_NE(text.find("ERROR - getlog: Couldn't save output file.\n"), std::string::npos) << text;
     EXPECT_EQ(ReadFile("out.bin").size(), 4000u);
     EXPECT_EQ(ReadFile("out.slog"), "old");
-    size_t files = 0;
-    for (const auto &entry : std::filesystem::directory_iterator(folder.path))
-        files += entry.path().filename().string().find("out.") == 0;
-    EXPECT_EQ(files, 2u); // nothing half-written is left
+    const std::filesystem::directory_iterator entries(folder.path), none;
+    EXPECT_EQ(std::distance(entries, none), 2); // nothing half-written is left
 }
 
 TEST_F(LogTarget, ReadsTheRecordTable)
 {
-    std::string endless(126, 'x');
-    PutRecIds(6, {{0x20, "Rec;a:u2"},
-                  {0x21, endless},
-                  {0x22, ""},
-                  {0x23, "Bad;a"},
-                  {-1, "x"},
-                  {0x24, "Never"}});
+    const std::string endless(126, 'x');
+    const std::vector<std::pair<int, std::string>> entries = {
+        {0x20, "Rec;a:u2"}, {0x21, endless}, {0x22, ""}, {0x23, "Bad;a"}, {-1, "x"}, {0x24, "No"}};
+    PutRecIds(6, entries);
     UseOwnHost();
     ASSERT_EQ(DLLD_ReadARecId(), 0);
     EXPECT_EQ(DLLD_nDimARecId, 4);
@@ -226,9 +219,8 @@ TEST_F(LogTarget, ReadsTheRecordTable)
                           {"Read error: Data read error (126 bytes at address FFFFE0h)."}));
     // One character a word, and the highest count there may be.
     Poke(TEXTS, {'W', 0, ';', 0, 'a', 0, ':', 0, 'u', 0, '1', 0, 0, 0});
-    std::vector<std::pair<int, std::string>> many;
     PutLong(TABLE + 4, TEXTS / 2);
-    PutRecIds(255, many);
+    PutRecIds(255, {});
     ASSERT_EQ(DLLD_ReadARecId(), 0);
     EXPECT_EQ(DLLD_paRecId[0].text, "W;a:u1");
     char byte = 0;
@@ -239,74 +231,48 @@ TEST_F(LogTarget, ReadsTheRecordTable)
     EXPECT_EQ(errors.size(), 4u);
 }
 
-// What happens on the target while the log is read, at each progress step of each try.
+// What happens on the target once the first block has been read.
 TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
 {
     const uint32_t end = BUFFER + 2 * static_cast<uint32_t>(Sample().log.size());
-    const auto append = [&] { Poke(end, {0x02, 0xEE, 0x55, 0x27, 0x29, 0x0F, 'n', 'e'}); };
-    struct Case {
+    const std::string changes = "Read error: The log changes while it is read (DL_log).";
+    const struct {
         const char *what;
-        std::function<void(int tries)> change;
-        int result, tries; // that got as far as the log itself
-        const char *error;
+        uint32_t address;
+        std::vector<uint8_t> bytes;
+        bool isEveryTime;
+        int tries; // that got as far as the log itself
+        std::string error;
+    } cases[] = {
+        {"nothing", BUFFER, {}, true, 1, ""},
+        {"a message behind the newest", end, {2, 9, 0x55, 0x27, 0x29, 15, 'n'}, true, 1, ""},
+        {"the newest goes on", end - 2, {1, 1}, false, 2, ""},
+        {"the newest is another", end - 4, {9}, false, 2, ""},
+        {"the newest has a head", end - 14, {1, 1}, false, 2, ""},
+        {"the reserved word", BUFFER + 14, {1}, false, 2, ""},
+        {"the same, every time", BUFFER + 14, {0}, true, 2, changes},
+        {"another place", BUFFER, {0x34, 0x12}, false, 1, "Read error: Bad log header (DL_log)."},
     };
-    const Case cases[] = {
-        {"nothing", [](int) {}, 0, 1, ""},
-        {"a message behind the newest", [&](int) { append(); }, 0, 1, ""},
-        {"the newest goes on",
-         [&](int n) {
-             if (n == 1)
-                 Poke(end - 2, {1, 1});
-         },
-         0, 2, ""},
-        {"the newest is another",
-         [&](int n) {
-             if (n == 1)
-                 Poke(end - 4, {9});
-         },
-         0, 2, ""},
-        {"the newest has a head",
-         [&](int n) {
-             if (n == 1)
-                 Poke(end - 14, {1, 1});
-         },
-         0, 2, ""},
-        {"the reserved word",
-         [&](int n) {
-             if (n == 1)
-                 Poke(BUFFER + 14, {1});
-         },
-         0, 2, ""},
-        {"every time", [&](int n) { Poke(BUFFER + 14, {static_cast<uint8_t>(n)}); }, -1, 2,
-         "Read error: The log changes while it is read (DL_log)."},
-        {"another place",
-         [&](int n) {
-             if (n == 1)
-                 PutLong(BUFFER, 0x1234);
-         },
-         -1, 1, "Read error: Bad log header (DL_log)."},
-    };
-    for (const Case &c : cases) {
-        // The change comes when the first block has been read already.
+    for (const auto &c : cases) {
         PutLog(Sample());
-        Poke(BUFFER + 14, {0});
         UseOwnHost();
         errors.clear();
         int tries = 0;
         onProgress = [&](uint32_t done, uint32_t) {
-            if (done == 1024)
-                c.change(++tries);
+            if (done != 1024 || (tries++ > 0 && !c.isEveryTime))
+                return;
+            std::vector<uint8_t> bytes = c.bytes;
+            if (c.address == BUFFER + 14)
+                bytes[0] = static_cast<uint8_t>(tries);
+            Poke(c.address, bytes);
         };
         DLLD_Log log = {1, 2, 3};
-        EXPECT_EQ(DLLD_ReadLog("DL_log", &log), c.result) << c.what;
+        EXPECT_EQ(DLLD_ReadLog("DL_log", &log), c.error.empty() ? 0 : -1) << c.what;
         EXPECT_EQ(tries, c.tries) << c.what;
-        EXPECT_EQ(errors.size(), c.result < 0 ? 1u : 0u) << c.what;
-        if (c.result < 0) {
-            EXPECT_EQ(errors.back(), c.error);
-            EXPECT_EQ(log, DLLD_Log({1, 2, 3}));
-        } else {
-            EXPECT_EQ(log.size(), 2000u);
-        }
+        EXPECT_EQ(errors,
+                  c.error.empty() ? std::vector<std::string>() : std::vector<std::string>{c.error})
+            << c.what;
+        EXPECT_EQ(log.size(), c.error.empty() ? 2000u : 3u);
     }
     // A damaged header is asked for once more: two requests a try.
     PutLog(Sample());
