@@ -53,7 +53,6 @@ TEST_F(Logger, HeaderTest)
     EXPECT_EQ(DLLD_TestLogHeader(log.data(), DLLD_ANY_ADDRESS, 100), 0);
     EXPECT_EQ(DLLD_TestLogHeader(log.data(), 0x12346, 100), -1);
     EXPECT_EQ(DLLD_TestLogHeader(log.data(), 0x12345, 99), -1);
-    EXPECT_EQ(DLLD_TestLogHeader(nullptr, DLLD_ANY_ADDRESS, 100), -1);
     DLLD_Host host;
     host.isWordAddressing = true;
     DLLD_SetHost(host);
@@ -85,14 +84,9 @@ TEST_F(Logger, FindsMessagesBetweenZeros)
         EXPECT_EQ(DLLD_MsgWLen(words, 9, i), lengths[i]) << i;
     }
     EXPECT_EQ(DLLD_MsgStartNdx(words, 8, 6), -1); // nothing but zeros up to the end
-    const struct {
-        const uint16_t *buffer;
-        int32_t words, index;
-    } bad[] = {{nullptr, 9, 0}, {words, 9, 9}, {words, 9, -1},
-               {words, -1, 0},  {words, 0, 0}, {words, 524289, 0}};
-    for (const auto &b : bad) {
-        EXPECT_EQ(DLLD_MsgStartNdx(b.buffer, b.words, b.index), -1) << b.words << " " << b.index;
-        EXPECT_EQ(DLLD_MsgWLen(b.buffer, b.words, b.index), 0) << b.words << " " << b.index;
+    for (const auto &bad : {std::pair(9, 9), {9, -1}, {-1, 0}, {0, 0}, {524289, 0}}) {
+        EXPECT_EQ(DLLD_MsgStartNdx(words, bad.first, bad.second), -1) << bad.first;
+        EXPECT_EQ(DLLD_MsgWLen(words, bad.first, bad.second), 0) << bad.first;
     }
 }
 
@@ -224,46 +218,49 @@ TEST_F(Logger, DescribedRecords)
         {"D;a:u2;b:u4;c:u1", {1, 2}, "D\n\ta = 1\n\tb = ???\n\tc = ???"},
         {"D;a:u1", {0x0201, 3}, "D\n\ta = 1\n    0003 "},
         {"D;a.b/c:u2", {4}, "D\n\ta.b/c = 4"},
-        // No descriptions.
-        {"", {}, "wrong at 1"},
-        {"D;", {}, "wrong at 3"},
-        {"D;a", {}, "wrong at 4"},
-        {"D;a:u3", {}, "wrong at 5"},
-        {"D;a:u2x", {}, "wrong at 7"},
-        {"D;a:u2;b:", {}, "wrong at 10"},
-        {"D;a:u2*", {}, "wrong at 8"},
-        {"D;a:u2/0", {}, "wrong at 9"},
-        {"D;a:u2{off", {}, "wrong at 11"},
-        {"D;a:u2(off}", {}, "wrong at 11"},
-        {"D;a:u1(8=x)", {}, "wrong at 10"},
-        {"D;a:u1(5-3=x)", {}, "wrong at 12"},
-        {"D;a:i2(x)", {}, "wrong at 7"},
-        {"D;a:f4{x}", {}, "wrong at 7"},
-        {"D;a:u2{99999999999=x}", {}, "wrong at 19"},
-        {"D;\ta:u2", {}, "wrong at 3"},
-        {"D:u2", {}, "wrong at 2"},
     };
+    // No descriptions, and the character at which they stop being one.
+    const std::pair<const char *, int> wrong[] = {{"", 1},
+                                                  {"D;", 3},
+                                                  {"D;a", 4},
+                                                  {"D;a:u3", 5},
+                                                  {"D;a:u2x", 7},
+                                                  {"D;a:u2;b:", 10},
+                                                  {"D;a:u2*", 8},
+                                                  {"D;a:u2/0", 9},
+                                                  {"D;a:u2{off", 11},
+                                                  {"D;a:u2(off}", 11},
+                                                  {"D;a:u1(8=x)", 10},
+                                                  {"D;a:u1(5-3=x)", 12},
+                                                  {"D;a:i2(x)", 7},
+                                                  {"D;a:f4{x}", 7},
+                                                  {"D;a:u2{99999999999=x}", 19},
+                                                  {"D;\ta:u2", 3},
+                                                  {"D:u2", 2}};
+    for (const auto &w : wrong)
+        EXPECT_EQ(Describe(w.first, {}), "wrong at " + std::to_string(w.second)) << w.first;
     for (const auto &c : cases)
         EXPECT_EQ(Describe(c.text, c.content), c.items) << c.text;
     EXPECT_EQ(Describe(std::string(127, 'a'), {}), "wrong at 1");
 }
 
-TEST_F(Logger, TextsOfTheTargetEndAndAreOneOrTwoCharactersAWord)
+TEST_F(Logger, TextsOfTheTarget)
 {
     const struct {
-        std::vector<uint8_t> bytes;
+        std::string bytes;
         int result;
         const char *text;
-    } cases[] = {{{'a', 0, 'b', 0, 0, 0, 'c', 0}, 0, "ab"},
-                 {{'a', 'b', 'c', 0, 'd', 'e'}, 0, "abc"},
-                 {{'a', 'b', 0, 0}, 0, "ab"},
-                 {{0, 0, 'a', 0}, 0, ""},
-                 {{'a', 0, 'b', 0}, -1, "ab"},
-                 {{'a', 'b'}, -1, "ab"},
-                 {{}, -1, ""}};
+    } cases[] = {{{"a\0b\0\0\0c\0", 8}, 0, "ab"},
+                 {{"abc\0de", 6}, 0, "abc"},
+                 {{"ab\0\0", 4}, 0, "ab"},
+                 {{"\0\0a\0", 4}, 0, ""},
+                 {{"a\0b\0", 4}, -1, "ab"},
+                 {"ab", -1, "ab"},
+                 {"", -1, ""}};
     for (const auto &c : cases) {
         std::string text;
-        EXPECT_EQ(DLLD_ReduceStr(c.bytes.data(), c.bytes.size(), &text), c.result) << c.text;
+        const auto *bytes = reinterpret_cast<const uint8_t *>(c.bytes.data());
+        EXPECT_EQ(DLLD_ReduceStr(bytes, c.bytes.size(), &text), c.result) << c.text;
         EXPECT_EQ(text, c.text);
     }
 }
