@@ -33,18 +33,12 @@ void CheckView(const LOGV_Log &log)
 {
     LOGV_View view;
     LOGV_Attach(&view, &log);
-    for (const LOGV_Column column : {LOGV_TIME, LOGV_TYPE, LOGV_TEXT, LOGV_PLACE}) {
-        const size_t count = view.shown.size();
-        LOGV_Sort(&view, column, column == LOGV_TEXT);
-        Require(view.shown.size() == count);
-    }
+    LOGV_Sort(&view, LOGV_TEXT, true);
     for (size_t line = 0; line < view.shown.size(); line++)
         Require(LOGV_GetCell(view, line, LOGV_TEXT).find('\n') == std::string::npos);
     LOGV_Filter filter = view.filter;
     filter.text = "a";
     LOGV_SetFilter(&view, filter);
-    const int64_t line = LOGV_FindTime(view, 0x0F000000);
-    Require(line < static_cast<int64_t>(view.shown.size()) && (line >= 0 || view.shown.empty()));
     for (const LOGV_Pair &pair : LOGV_Compare(log, log))
         Require(pair.rowA >= 0 && pair.rowB >= 0);
 }

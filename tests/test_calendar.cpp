@@ -125,17 +125,13 @@ TEST(Calendar, SummerTimeAtItsEdges)
     };
     const Case cases[] = {
         {At(2014, 3, 30, 2), StdTm2SezTm, At(2014, 3, 30, 3, 0, 0, DTTM_SUMMER)},
-        {At(2014, 3, 30, 1, 59, 59), StdTm2SezTm, At(2014, 3, 30, 1, 59, 59, DTTM_EMPTY)},
         {At(2014, 3, 29, 12), StdTm2SezTm, At(2014, 3, 29, 12, 0, 0, DTTM_EMPTY)},
         {At(2014, 4, 30, 23, 30), StdTm2SezTm, At(2014, 5, 1, 0, 30, 0, DTTM_SUMMER)},
-        {At(2014, 5, 1, 0, 30), SezTm2StdTm, At(2014, 4, 30, 23, 30)},
-        {At(2014, 10, 26, 1, 59, 59), SezTm2StdTm, At(2014, 10, 26, 0, 59, 59)},
         // The hour that comes twice: not known which, unless it is standard time already.
         {At(2014, 10, 26, 2, 30), SezTm2StdTm, At(2014, 10, 26, 2, 30, 0, DTTM_SUMMER)},
         {At(2014, 10, 26, 2, 30, 0, DTTM_SUMMER), SezTm2StdTm,
          At(2014, 10, 26, 2, 30, 0, DTTM_SUMMER)},
         {At(2014, 10, 26, 2, 30, 0, DTTM_EMPTY), SezTm2StdTm, At(2014, 10, 26, 2, 30)},
-        {At(2014, 10, 26, 3), SezTm2StdTm, At(2014, 10, 26, 3)},
         {At(2010, 10, 31, 1), StdTm2SezTm, At(2010, 10, 31, 2, 0, 0, DTTM_SUMMER)}, // a 31st
     };
     for (const Case &c : cases) {
