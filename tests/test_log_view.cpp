@@ -203,4 +203,8 @@ TEST_F(LogView, ComparesLogs)
         text += std::to_string(pair.rowA) + ":" + std::to_string(pair.rowB) + " ";
     EXPECT_EQ(text, "4:4 2:-1 0:1 -1:2 3:-1 -1:3 5:-1 6:0 ");
     EXPECT_EQ(LOGV_Compare(log, log).size(), 6u); // all but the junk, each with itself
+    LOGV_Log cut, whole;
+    ASSERT_EQ(LOGV_Decode(LogBuilder().Text("ab").Finish(), "", &cut), 0);
+    ASSERT_EQ(LOGV_Decode(LogBuilder().Text("abcd").Finish(), "", &whole), 0);
+    EXPECT_EQ(LOGV_Compare(cut, whole).size(), 2u);
 }
