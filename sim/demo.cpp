@@ -1,5 +1,7 @@
 #include "demo.h"
 
+#include "datalog.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -267,6 +269,7 @@ void SIM_InitDemo(SIM_Station *station, int number)
     SIM_SetValue(station, TABLE_POINTER, 2, TABLE);
     initArrays(station, number);
     initStructures(station);
+    SIM_InitDataLogs(station, number);
     for (uint32_t i = 0; i < 4; i++)
         SIM_SetValue(station, DPP + 2 * i, 2, i); // as after a reset: pages in order
     station->temperature = 20;
@@ -277,6 +280,7 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
                     size_t count)
 {
     const double t = seconds + STATION_PHASE_S * number;
+    SIM_UpdateDataLogs(station, number, seconds, address, count);
     if (touches(address, count, F28_BEGIN, F28_END))
         setF28(station, t);
     if (touches(address, count, DRIVE_BEGIN, DRIVE_END))

@@ -24,7 +24,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Load, "load", {PLACE, TYPE, COUNT, PATH}},
     {SCR_LoadCsv, "loadcsv", {PLACE, TYPE, COUNT, PATH}},
     {SCR_LoadCsvN, "loadcsvn", {PLACE, TYPE, COUNT, COUNT, PATH}}, // count, minimum
-    {nullptr, "savelog", {PLACE, PATH}},
+    {ScrFnSaveLog, "savelog", {PLACE, PATH}},
     {SCR_Dump, "dump", {PLACE, TYPE, COUNT}},
     {SCR_BinSave, "binsave", {PLACE, LENGTH, PATH}},
     {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
@@ -36,8 +36,8 @@ const ScrRow SCR_aTable[] = {
     {nullptr, "l3test", {}},
     {nullptr, "l3erase", {}},
     {nullptr, "l3write", {PATH}},
-    {nullptr, "getlog", {TEXT, PATH}},
-    {nullptr, "dlldtst", {INT16}},
+    {ScrFnGetLog, "getlog", {TEXT, PATH}},
+    {SCR_DlldTst, "dlldtst", {INT16}},
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},

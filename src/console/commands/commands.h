@@ -18,6 +18,10 @@ int SCR_Dump(ScrPar *par);
 int SCR_BinSave(ScrPar *par);
 int SCR_XSave(ScrPar *par);
 int SCR_BinLoad(ScrPar *par);
+// The data logger.
+int ScrFnGetLog(ScrPar *par);
+int ScrFnSaveLog(ScrPar *par);
+int SCR_DlldTst(ScrPar *par);
 // Settings and the monitor itself.
 int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
