@@ -47,13 +47,13 @@ bool AdvanceMeter(Meter *meter, int textFile)
     return LDR_Step(meter->progress, static_cast<uint32_t>(percent), 100, "");
 }
 
-// Keeps the cause for the user, with the line the reader is at.
+// Keeps the cause for the user, with the block or else the line (0 = neither) it is about.
 int Stop(int result, int line, const char *what, const IHEX167_Block *block)
 {
-    char text[96];
+    char text[40] = "";
     if (block != nullptr)
         std::snprintf(text, sizeof text, "block at 0x%06X: ", block->address);
-    else
+    else if (line > 0)
         std::snprintf(text, sizeof text, "line %d: ", line);
     cause = std::string(text) + what;
     return result;
@@ -116,10 +116,10 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
 {
     cause.clear();
     if (!wMrOpenFlag)
-        return Stop(HEXS_ERR_CLOSED, 1, "port is not open", nullptr);
+        return Stop(HEXS_ERR_CLOSED, 0, "port is not open", nullptr);
     const int textFile = TXFR_Open(path.c_str());
     if (textFile < 0)
-        return Stop(HEXS_ERR_OPEN, 1, "the file cannot be opened", nullptr);
+        return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
     LD167U_SetTimeouts();
     Meter meter = OpenMeter(path, progress);
     const int result = WriteLines(textFile, &meter);
@@ -132,7 +132,7 @@ int HEXS_Load(const std::string &path, int station, const LDR_Progress &progress
     cause.clear();
     const int textFile = TXFR_Open(path.c_str());
     if (textFile < 0)
-        return Stop(HEXS_ERR_OPEN, 1, "the file cannot be opened", nullptr);
+        return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
     Meter meter = OpenMeter(path, progress);
     const int result = LoadLines(textFile, station, &meter);
     TXFR_Close(textFile);
