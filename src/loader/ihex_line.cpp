@@ -12,7 +12,7 @@ namespace {
 
 constexpr int LINE_SIZE = 256; // buffer of a line with its end
 // ":" count(2) offset(4) type(2) data check(2)
-constexpr size_t COUNT_AT = 1, OFFSET_AT = 3, TYPE_AT = 7, DATA_AT = 9, FRAME_CHARS = 11;
+constexpr size_t COUNT_AT = 1, OFFSET_AT = 3, TYPE_AT = 7, FRAME_CHARS = 11;
 constexpr uint32_t FRAME_BYTES = 5; // count, offset, type, check
 constexpr uint32_t TYPE_DATA = 0, TYPE_END = 1, TYPE_SEGMENT = 2, TYPE_LINEAR = 4;
 constexpr uint8_t NO_DIGIT = 0xFF;

@@ -290,7 +290,7 @@ std::string LD167U_GetFaultText()
 {
     std::string text = FAULT_TEXTS[LD167U_enFault];
     if (LD167U_enFault == L3_FAULT_ANSWER && wrongAnswer >= 0) {
-        char value[8];
+        char value[16];
         std::snprintf(value, sizeof value, " 0x%02X", static_cast<unsigned>(wrongAnswer));
         text += value;
     }

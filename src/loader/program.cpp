@@ -15,7 +15,6 @@ namespace {
 
 // A target cut off in the middle of a command takes the next request for the rest of it.
 constexpr int TEST_TRIES = 3;
-constexpr uint8_t ERASED_BYTE = 0xFF;
 // Even, for a flash that is written in words.
 constexpr uint16_t SPLIT_BYTES = 128;
 
