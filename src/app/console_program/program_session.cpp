@@ -49,11 +49,11 @@ bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
     const LDR_Job &job = *screen->job;
     if (screen->isTerminal)
         std::fputc('\r', stderr);
+    std::fputs(text, stderr);
     if (total > 0)
-        std::fprintf(stderr, "%s: %u %%, %u bytes/s, %u s left", text, percent, job.bytesPerSecond,
-                     job.secondsLeft);
-    else
-        std::fputs(text, stderr);
+        std::fprintf(stderr, ": %u %%", percent);
+    if (total > 0 && job.bytesPerSecond > 0)
+        std::fprintf(stderr, ", %u bytes/s, %u s left", job.bytesPerSecond, job.secondsLeft);
     std::fputs(screen->isTerminal ? "        " : "\n", stderr);
     std::fflush(stderr);
     screen->isLineOpen = screen->isTerminal;
