@@ -6,6 +6,7 @@
 #include "comm/mr166_link.h"
 #include "loader/borrow.h"
 #include "loader/l3_protocol.h"
+#include "loader/plan.h"
 #include "platform/system.h"
 
 #include <algorithm>
@@ -15,8 +16,6 @@ namespace {
 
 // A target cut off in the middle of a command takes the next request for the rest of it.
 constexpr int TEST_TRIES = 3;
-// Even, for a flash that is written in words.
-constexpr uint16_t SPLIT_BYTES = 128;
 
 struct Run {
     LDR_Job *job;
@@ -25,12 +24,6 @@ struct Run {
     uint32_t startMs = 0;
     uint32_t timedBytes = 0; // moved since startMs
     bool isCancelled = false;
-};
-
-// A run of blocks without gaps, small enough to be read back by one command.
-struct Group {
-    size_t first = 0, end = 0;
-    IHEX167_Block wanted;
 };
 
 void Log(const Run &run, const std::string &line)
@@ -76,40 +69,8 @@ bool Advance(Run *run, uint32_t bytes, const char *text)
     return run->isCancelled;
 }
 
-Group GetGroup(const LDR_Job &job, size_t first)
-{
-    Group group;
-    group.first = group.end = first;
-    IHEX167_Block block;
-    while (group.end < job.plan.size()) {
-        HEX_GetBlock(job.file, job.plan[group.end], &block);
-        if (IHEX167_Join_block(&group.wanted, &block) < 0)
-            break;
-        ++group.end;
-    }
-    return group;
-}
-
-uint32_t CountBytes(const LDR_Job &job, size_t first, size_t end)
-{
-    uint32_t count = 0;
-    for (size_t i = first; i < end; ++i)
-        count += job.plan[i].length;
-    return count;
-}
-
-bool FindDifference(const IHEX167_Block &wanted, const IHEX167_Block &found, LDR_Difference *at)
-{
-    for (uint16_t i = 0; i < wanted.length; ++i)
-        if (wanted.data[i] != found.data[i]) {
-            *at = {wanted.address + i, wanted.data[i], found.data[i]};
-            return true;
-        }
-    return false;
-}
-
 // What came unasked, after a fault say, must not be taken for the next answer.
-int ReadGroup(Run *run, const Group &group, IHEX167_Block *found)
+int ReadGroup(Run *run, const LDR_Group &group, IHEX167_Block *found)
 {
     found->address = group.wanted.address;
     found->length = group.wanted.length;
@@ -156,18 +117,9 @@ int Erase(Run *run)
     return Advance(run, 0, "Erased") ? LDR_ERR_CANCELLED : 0;
 }
 
-// Whether the block can become what is wanted; programming only clears bits.
-bool CanBecome(const IHEX167_Block &wanted, const IHEX167_Block &found, size_t at, size_t count)
-{
-    for (size_t i = at; i < at + count; ++i)
-        if ((found.data[i] & wanted.data[i]) != wanted.data[i])
-            return false;
-    return true;
-}
-
 // Judges the blocks of a group that was read. What was verified before must still be there,
 // else this is another flash; a write that was damaged on its way must have arrived here.
-int JudgeGroup(Run *run, const Group &group, const IHEX167_Block &found)
+int JudgeGroup(Run *run, const LDR_Group &group, const IHEX167_Block &found)
 {
     LDR_Job *job = run->job;
     size_t at = 0;
@@ -176,9 +128,9 @@ int JudgeGroup(Run *run, const Group &group, const IHEX167_Block &found)
         const bool isEqual = std::memcmp(group.wanted.data + at, found.data + at, count) == 0;
         const bool isNeeded = i < job->verified || (job->isStrayPossible && i == job->written);
         run->isThere[i] = isEqual;
-        if (isEqual || (!isNeeded && CanBecome(group.wanted, found, at, count)))
+        if (isEqual || (!isNeeded && LDR_CanBecome(group.wanted, found, at, count)))
             continue;
-        FindDifference(group.wanted, found, &job->difference);
+        LDR_FindDifference(group.wanted, found, &job->difference);
         job->flash = job->flash == LDR_FLASH_UNTOUCHED ? job->flash : LDR_FLASH_UNUSABLE;
         return LDR_ERR_NEEDS_ERASE;
     }
@@ -192,7 +144,7 @@ int Look(Run *run, size_t end)
     SetStep(run, LDR_STEP_ERASE, LDR_LEFT_OUT);
     Log(*run, "Reading what the flash holds.");
     for (size_t i = 0; i < end;) {
-        const Group group = GetGroup(*job, i);
+        const LDR_Group group = LDR_GetGroup(*job, i);
         IHEX167_Block found;
         int result = ReadGroup(run, group, &found);
         if (result == 0)
@@ -220,13 +172,13 @@ int WriteBlock(Run *run, size_t index)
     return Fail(run, LDR_ERR_WRITE, block.address);
 }
 
-int VerifyGroup(Run *run, const Group &group)
+int VerifyGroup(Run *run, const LDR_Group &group)
 {
     IHEX167_Block found;
     const int result = ReadGroup(run, group, &found);
     if (result < 0)
         return result;
-    return FindDifference(group.wanted, found, &run->job->difference) ? LDR_ERR_DIFFERENT : 0;
+    return LDR_FindDifference(group.wanted, found, &run->job->difference) ? LDR_ERR_DIFFERENT : 0;
 }
 
 // Nothing is left that a wish to stop could save.
@@ -235,7 +187,7 @@ bool IsEnd(const LDR_Job &job)
     return (job.isVerify ? job.verified : job.written) == job.plan.size();
 }
 
-int ProgramGroup(Run *run, const Group &group)
+int ProgramGroup(Run *run, const LDR_Group &group)
 {
     LDR_Job *job = run->job;
     bool isWritten = false;
@@ -274,7 +226,7 @@ int Program(Run *run)
     job->written = job->verified = 0;
     BeginClock(run);
     for (size_t i = 0; i < job->plan.size();) {
-        const Group group = GetGroup(*job, i);
+        const LDR_Group group = LDR_GetGroup(*job, i);
         const int result = ProgramGroup(run, group);
         if (result < 0)
             return result;
@@ -293,7 +245,8 @@ void CountTotal(Run *run, size_t lookEnd)
     LDR_Job *job = run->job;
     const uint32_t passes = job->isVerify ? 2 : 1;
     job->bytesDone = 0;
-    job->bytesTotal = CountBytes(*job, 0, lookEnd) + passes * CountBytes(*job, 0, job->plan.size());
+    job->bytesTotal =
+        LDR_CountBytes(*job, 0, lookEnd) + passes * LDR_CountBytes(*job, 0, job->plan.size());
 }
 
 // What is there already need not be written.
@@ -348,24 +301,6 @@ void EndSteps(LDR_Job *job)
             step = LDR_FAILED;
 }
 
-// Cuts what is too long for one command.
-void MakePlan(LDR_Job *job)
-{
-    job->plan.clear();
-    for (const HEX_Record &record : job->file.records) {
-        HEX_Record rest = record;
-        while (rest.length > LD167U_WRITE_DATA_MAX) {
-            HEX_Record part = rest;
-            part.length = SPLIT_BYTES;
-            job->plan.push_back(part);
-            rest.address += SPLIT_BYTES;
-            rest.dataAt += SPLIT_BYTES;
-            rest.length = static_cast<uint16_t>(rest.length - SPLIT_BYTES);
-        }
-        job->plan.push_back(rest);
-    }
-}
-
 } // namespace
 
 int LDR_Prepare(LDR_Job *job, const std::string &path)
@@ -379,7 +314,7 @@ int LDR_Prepare(LDR_Job *job, const std::string &path)
     job->flash = isUsed ? LDR_FLASH_UNUSABLE : before.flash;
     const int result = HEX_Read(path, &job->file);
     if (result == 0)
-        MakePlan(job);
+        LDR_MakePlan(job);
     job->result = result == 0 ? LDR_OK : result == HEX_ERR_OPEN ? LDR_ERR_OPEN : LDR_ERR_PROBLEMS;
     job->steps[LDR_STEP_FILE] = result == 0 ? LDR_DONE : LDR_FAILED;
     return job->result;
@@ -429,11 +364,11 @@ int LDR_Verify(LDR_Job *job, const LDR_Progress &progress)
     Run run = {job, &progress, {}, 0, 0, false};
     job->cause.clear();
     job->bytesDone = 0;
-    job->bytesTotal = CountBytes(*job, 0, job->plan.size());
+    job->bytesTotal = LDR_CountBytes(*job, 0, job->plan.size());
     job->result = FindTarget(&run);
     BeginClock(&run);
     for (size_t i = 0; i < job->plan.size() && job->result == 0;) {
-        const Group group = GetGroup(*job, i);
+        const LDR_Group group = LDR_GetGroup(*job, i);
         job->result = VerifyGroup(&run, group);
         i = group.end;
         if (job->result == 0 && Advance(&run, group.wanted.length, "Comparing") &&
