@@ -8,7 +8,7 @@ constexpr uint8_t WRITE = 0x03, READ = 0x04, ERASE = 0x5E;
 constexpr size_t HEAD = 5; // command, length, address low byte first
 constexpr uint8_t ERASE_TAIL[] = {0xAA, 0x55, 0xAA};
 constexpr uint8_t REFUSAL = 0x80; // flipped in the sum of a block that was not taken
-constexpr size_t CORRUPT_WITHIN = 40;
+constexpr size_t CORRUPT_WITHIN = 12; // mostly in the head, where it does the most harm
 
 bool chance(SIM_Loader *loader, double share)
 {

@@ -126,6 +126,11 @@ TEST(HexFile, FaultsAreNamedWithTheirLines)
         EXPECT_EQ(file.fatal > 0 ? HEX_ERR_PROBLEMS : 0, result) << c.text;
     }
     EXPECT_EQ(HEX_PROBLEMS_MAX, file.problems.size());
+    WriteFileText(path, data + end);
+    HEX_Read(path, &file);
+    EXPECT_EQ(1, HEX_IsUnchanged(file));
+    WriteFileText(path, ":020011001234A7\n" + end);
+    EXPECT_EQ(0, HEX_IsUnchanged(file)) << "the same data elsewhere";
     std::filesystem::remove(path);
     EXPECT_EQ(HEX_ERR_OPEN, HEX_Read(path, &file));
 }

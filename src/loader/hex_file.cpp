@@ -164,8 +164,8 @@ void Arrange(HEX_File *file)
             AddProblem(file, std::max(record.line, highest->line), true,
                        Format("0x%06X is also in line %d", record.address,
                               std::min(record.line, highest->line)));
-        if (last > range.last || record.address > range.last) {
-            range.last = std::max(last, range.last);
+        if (last > range.last) {
+            range.last = last;
             highest = &record;
         }
     }

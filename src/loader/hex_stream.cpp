@@ -59,14 +59,11 @@ int Stop(int result, int line, const char *what, const IHEX167_Block *block)
     return result;
 }
 
-int WriteKept(IHEX167_Block *kept)
+int WriteKept(const IHEX167_Block &kept)
 {
-    if (kept->length == 0)
+    if (kept.length == 0 || LD167U_L3CmdWriteBlock(&kept) == 0)
         return 0;
-    if (LD167U_L3CmdWriteBlock(kept) < 0)
-        return Stop(HEXS_ERR_WRITE, 0, LD167U_GetFaultText().c_str(), kept);
-    kept->length = 0;
-    return 0;
+    return Stop(HEXS_ERR_WRITE, 0, LD167U_GetFaultText().c_str(), &kept);
 }
 
 // Until the end of the file. The data of a record waits until the next line has been read.
@@ -79,7 +76,7 @@ int WriteLines(int textFile, Meter *meter)
             return Stop(HEXS_ERR_CANCELLED, line, "cancelled by the user", nullptr);
         const int result = IHEX167_Parse_line(&block, textFile, &base);
         if (result == IHEX_FILE_END || result == IHEX_END)
-            return WriteKept(&kept);
+            return WriteKept(kept);
         if (result == IHEX_BASE)
             continue;
         if (result != IHEX_DATA)
@@ -87,7 +84,7 @@ int WriteLines(int textFile, Meter *meter)
         if (!IHEX167_Is_block_ok(&block) || block.address >= IHEX167_ADDRESS_END)
             return Stop(HEXS_ERR_BLOCK, line, "no data, or an address outside of the target",
                         nullptr);
-        if (WriteKept(&kept) < 0)
+        if (WriteKept(kept) < 0)
             return HEXS_ERR_WRITE;
         kept = block;
     }

@@ -169,6 +169,8 @@ int WriteBlock(Run *run, size_t index)
         return 0;
     // The target answers with the sum of what it took: it took something else.
     job->isStrayPossible = LD167U_enFault == L3_FAULT_CHECKSUM;
+    if (job->isStrayPossible)
+        job->verified = 0; // it may have hit what had been good
     return Fail(run, LDR_ERR_WRITE, block.address);
 }
 

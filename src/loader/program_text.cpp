@@ -36,18 +36,19 @@ std::string FormatSuccess(const LDR_Job &job)
 
 std::string FormatPart(const LDR_Job &job)
 {
-    std::string text = "Nothing of the file is complete in the flash yet.";
-    const size_t count = job.verified > 0 ? job.verified : job.written;
-    if (count > 0) {
-        const HEX_Record &block = job.plan[count - 1];
-        text =
-            Format("The flash holds the file up to 0x%06X, %s.", block.address + block.length - 1u,
-                   job.verified > 0 ? "read back and equal" : "not read back");
-    }
     if (job.isStrayPossible)
-        return text + " A block damaged on its way may stand at a wrong address: unless it is"
-                      " found where it belongs, the flash must be erased.";
-    return text + " What lies behind may be there in part. Programming can go on from there.";
+        return "The flash holds a part of the file, and a block damaged on its way may stand at a"
+               " wrong address. Going on looks for it; unless it is found where it belongs, the"
+               " flash must be erased.";
+    const size_t count = job.verified > 0 ? job.verified : job.written;
+    if (count == 0)
+        return "Nothing of the file is complete in the flash yet. Programming can go on.";
+    const HEX_Record &block = job.plan[count - 1];
+    return Format(
+        "The flash holds the file up to 0x%06X, %s. What lies behind may be there in part."
+        " Programming can go on from there.",
+        block.address + block.length - 1u,
+        job.verified > 0 ? "read back and equal" : "not read back");
 }
 
 } // namespace
