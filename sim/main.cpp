@@ -18,6 +18,7 @@ constexpr int EXIT_USAGE = 2;
 constexpr int BAUD_MIN = 50; // slower than this no program waits for an answer
 constexpr int BAUD_MAX = 4000000;
 constexpr int DELAY_MAX_MS = 60000;
+constexpr int ERASE_MAX_S = 60, ERASE_DEFAULT_S = 2;
 constexpr int STATION_MAX = 15;
 constexpr unsigned long ADDRESS_END = 0x1000000;
 
@@ -36,6 +37,9 @@ const char HELP[] =
     "  --log FILE         write a line for each request to FILE\n"
     "  --stations LIST    stations that answer, such as 0,2,5-7 (default all)\n"
     "  --flash FILE@HEX   put a file into every station's memory at a byte address\n"
+    "  --loader           run the boot-strap loader of a flash of 512 KiB instead\n"
+    "  --erase-seconds N  time that erasing takes (default 2)\n"
+    "  --flash-image FILE write the loader's flash to FILE at the end\n"
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
@@ -104,6 +108,14 @@ bool applyDelay(const char *text, SIM_Options *options)
     return good;
 }
 
+bool applyEraseSeconds(const char *text, SIM_Options *options)
+{
+    long value = 0;
+    const bool good = parseWhole(text, 0, ERASE_MAX_S, &value);
+    options->eraseSeconds = static_cast<int>(value);
+    return good;
+}
+
 bool applySeed(const char *text, SIM_Options *options)
 {
     long value = 0;
@@ -152,6 +164,14 @@ const OptionRow rows[] = {
     {{"stations", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); }},
     {{"flash", required_argument, nullptr, 0}, applyFlash},
+    {{"loader", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) { return o->loader = true; }},
+    {{"erase-seconds", required_argument, nullptr, 0}, applyEraseSeconds},
+    {{"flash-image", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) {
+         o->flashImage = text;
+         return *text != 0;
+     }},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;
@@ -198,6 +218,7 @@ void parseArguments(int argc, char **argv, SIM_Options *options)
 int main(int argc, char **argv)
 {
     SIM_Options options;
+    options.eraseSeconds = ERASE_DEFAULT_S;
     parseArguments(argc, argv, &options);
 
     // Blocked before the target's thread exists, so that only this thread takes them.
@@ -218,6 +239,9 @@ int main(int argc, char **argv)
     fflush(stdout);
     int received;
     sigwait(&endings, &received);
-    SIM_Stop(target);
+    if (!SIM_Stop(target, &error)) {
+        fprintf(stderr, "vireo2-target: %s\n", error.c_str());
+        return EXIT_FAILURE;
+    }
     return EXIT_SUCCESS;
 }

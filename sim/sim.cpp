@@ -55,6 +55,14 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     target->startNs = SIM_NowNs();
     for (int i = 0; options.demo && i < SIM_STATIONS; i++)
         SIM_InitDemo(&target->stations[i], i);
+    if (options.loader) {
+        SIM_InitLoader(&target->loader, options.seed);
+        SIM_LoaderFaults &faults = target->loader.faults;
+        faults.eraseZeros = options.eraseSeconds; // a sign of life each second
+        faults.drop = options.drop;
+        faults.corrupt = options.corrupt;
+        faults.silentAfter = options.silentAfter;
+    }
     error = error ? error : &ignored;
     error->clear();
     if (!loadFlash(target, error) || !openLog(target, error) ||
@@ -64,20 +72,24 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
         delete target;
         return nullptr;
     }
-    target->thread = std::thread(SIM_Serve, target);
+    target->thread = std::thread(options.loader ? SIM_ServeLoader : SIM_Serve, target);
     return target;
 }
 
-void SIM_Stop(SIM_Target *target)
+bool SIM_Stop(SIM_Target *target, std::string *error)
 {
     if (!target)
-        return;
+        return true;
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
     if (target->log)
         fclose(target->log);
+    std::string ignored;
+    const bool saved = !target->options.loader || target->options.flashImage.empty() ||
+                       SIM_SaveFlash(target, error ? error : &ignored);
     delete target;
+    return saved;
 }
 
 const char *SIM_DevicePath(const SIM_Target *target)
@@ -139,6 +151,12 @@ void SIM_SetErrorCode(SIM_Target *target, int command, int code)
     const std::lock_guard<std::mutex> guard(target->lock);
     if (command >= 0 && command < SIM_COMMANDS)
         target->errorCodes[command] = code;
+}
+
+void SIM_WithLoader(SIM_Target *target, const std::function<void(SIM_Loader *)> &change)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    change(&target->loader);
 }
 
 SIM_Counters SIM_GetCounters(const SIM_Target *target)

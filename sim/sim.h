@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 
 struct SIM_Options {
@@ -21,11 +22,15 @@ struct SIM_Options {
     uint32_t stations = 0xFFFF; // bit n: station n answers
     std::string flash;          // file whose bytes stand in every station's memory, "" = none
     uint32_t flashAddress = 0;  // from this byte address on
+    bool loader = false;        // runs its boot-strap loader in place of its program
+    int eraseSeconds = 0;       // time the loader's erase takes
+    std::string flashImage;     // file that gets the loader's flash at the end, "" = none
     std::string link;           // symbolic link to the device, "" = none
     std::string log;            // file that gets one line a request, "" = none
 };
 
 struct SIM_Target;
+struct SIM_Loader;
 
 // Commands: 0 reads up to 64 bytes, 8 writes up to 16, 4 stores its word; 1 to 4 answer the
 // word that then stands at the address, the others answer without data. More bytes than
@@ -35,7 +40,9 @@ struct SIM_Target;
 //
 // Null when no pseudo terminal can be had or a file cannot be used (message in *error).
 SIM_Target *SIM_Start(const SIM_Options &options, std::string *error);
-void SIM_Stop(SIM_Target *target); // also removes the link; frees target
+// Also removes the link, writes the flash image; frees target. False with a message when the
+// image could not be written.
+bool SIM_Stop(SIM_Target *target, std::string *error = nullptr);
 const char *SIM_DevicePath(const SIM_Target *target);
 
 // Memory of one station (16 MiB, byte addresses); safe while the target runs.
@@ -50,6 +57,10 @@ uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress);
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
 // Answers every request to `command` (0..15) with the target's own error code (65..255); 0 = off.
 void SIM_SetErrorCode(SIM_Target *target, int command, int code);
+
+// Calls `change` with the loader while the target's thread stands still: look into its flash,
+// set its faults (sim/loader.h).
+void SIM_WithLoader(SIM_Target *target, const std::function<void(SIM_Loader *)> &change);
 
 struct SIM_Counters {
     uint64_t requests = 0; // well-formed requests to a station that exists

@@ -17,6 +17,9 @@ const char CPG_szUsage[] =
     "  --watch FILE        print the values of a watch list, one table per sweep\n"
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
+    "  --program FILE.hex  program a HEX file into the target's flash and read it back\n"
+    "  --no-erase          do not erase; write only what the flash does not hold yet\n"
+    "  --no-verify         do not read back\n"
     "  --trace FILE        write every exchange with the target\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -72,6 +75,9 @@ const LongOption LONG_OPTIONS[] = {
     {"watch", true, [](CPG_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
     {"sweeps", true, ApplySweeps},
     {"format", true, ApplyFormat},
+    {"program", true, [](CPG_Options *o, const char *v) { return !(o->programFile = v).empty(); }},
+    {"no-erase", false, [](CPG_Options *o, const char *) { return o->isNoErase = true; }},
+    {"no-verify", false, [](CPG_Options *o, const char *) { return o->isNoVerify = true; }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -115,6 +121,10 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--sweeps and --format go with --watch";
     else if (!options.watchFile.empty() && rest > 0)
         *message = "--watch and a script exclude each other";
+    else if (options.programFile.empty() && (options.isNoErase || options.isNoVerify))
+        *message = "--no-erase and --no-verify go with --program";
+    else if (!options.programFile.empty() && (rest > 0 || !options.watchFile.empty()))
+        *message = "--program excludes --watch and a script";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else

@@ -18,6 +18,9 @@ struct CPG_Options {
     std::string watchFile; // "" = do not watch
     long sweeps = 0;       // 0 = until interrupted
     CPG_Format format = CPG_TEXT;
+    std::string programFile; // HEX file to program into the target's flash, "" = none
+    bool isNoErase = false;
+    bool isNoVerify = false;
     std::string traceFile;
     std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;

@@ -54,7 +54,8 @@ int Run(const CPG_Options &options, int argc, char **argv)
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
-    HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
+    const bool isProgram = !options.programFile.empty();
+    HL_SetDriver(isWatch ? CPG_RunWatch : isProgram ? CPG_RunProgram : Drive);
     if (isWatch)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VIEW_Main(argc, argv, VR_Main);

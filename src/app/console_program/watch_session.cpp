@@ -111,6 +111,7 @@ int Follow()
 void CPG_SetOptions(const CPG_Options &newOptions)
 {
     options = newOptions;
+    CPG_SetProgramOptions(newOptions);
 }
 
 void CPG_RepeatMessage()

@@ -22,6 +22,13 @@ int SCR_BinLoad(ScrPar *par);
 int ScrFnGetLog(ScrPar *par);
 int ScrFnSaveLog(ScrPar *par);
 int SCR_DlldTst(ScrPar *par);
+// HEX files and the flash loader.
+int SCR_HexLoad(ScrPar *par);
+int SCR_L3Test(ScrPar *par);
+int SCR_L3Erase(ScrPar *par);
+int SCR_L3Write(ScrPar *par);
+int SCR_L3Verify(ScrPar *par);
+int SCR_L3Read(ScrPar *par);
 // Settings and the monitor itself.
 int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
