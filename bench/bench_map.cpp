@@ -5,8 +5,10 @@
 #include <cstdio>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 

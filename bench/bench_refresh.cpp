@@ -7,13 +7,16 @@
 #include <ctime>
 #include <string>
 
-#include "app/VR.h"
+#include "app/rooms.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -35,7 +38,7 @@ void fillList()
         LItem &item = aLItems[nLItems];
         item.name = "Module_Variable" + std::to_string(nLItems);
         item.address = item.givenAddress = LIVE_ADDRESS + static_cast<uint32_t>(nLItems % 8) * 4;
-        LIT_SetType(&item, types[nLItems % 8]);
+        VTY_SetFromField(&item, types[nLItems % 8]);
     }
 }
 
@@ -88,6 +91,7 @@ int main()
         return 1;
     }
     setenv("VIREO2_COM4", SIM_DevicePath(target), 1);
+    VR_ConnectRooms();
     HL_Reset();
     HL_LoadAllPanels();
     mainPanel = PANEL_MAIN;

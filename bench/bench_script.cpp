@@ -1,12 +1,13 @@
 // What a script line costs beyond reading it and printing its report: scripts of 10,000
 // lines that touch no target, against the same lines read and the same number of lines
 // printed without running anything. Rounds alternate; medians count.
-#include "app/VR.h"
+#include "app/rooms.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "text/txfr.h"
 #include "ui/resource.h"
 
@@ -92,6 +93,7 @@ void Compare(const Kind &kind)
 
 int main()
 {
+    VR_ConnectRooms();
     HL_Reset();
     if (HL_LoadAllPanels() < 0)
         Fail("a panel could not be loaded");

@@ -1,10 +1,11 @@
 // `save` and `load` of 4,096 elements over a paced line against the time the characters
 // of their blocks take on the wire.
-#include "app/VR.h"
+#include "app/rooms.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
 
@@ -73,6 +74,7 @@ int main()
     if (target == nullptr)
         Fail(error.c_str());
     setenv(("VIREO2_COM" + std::to_string(PORT)).c_str(), SIM_DevicePath(target), 1);
+    VR_ConnectRooms();
     HL_Reset();
     if (HL_LoadAllPanels() < 0)
         Fail("a panel could not be loaded");

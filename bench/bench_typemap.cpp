@@ -5,8 +5,9 @@
 #include <cstdio>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 static const char TYPES_PATH[] = "bench_typemap.tmp";

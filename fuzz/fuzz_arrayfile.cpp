@@ -7,11 +7,12 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/VR.h"
+#include "app/rooms.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script_command.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 
 namespace {
@@ -41,6 +42,7 @@ void Run(const std::string &line)
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
+    VR_ConnectRooms();
     HL_Reset();
     HL_LoadAllPanels();
     HL_SetStreams(nullptr, nullptr);

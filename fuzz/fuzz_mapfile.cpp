@@ -6,8 +6,10 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/VR.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 static const std::string &ScratchFile()

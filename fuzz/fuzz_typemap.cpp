@@ -4,9 +4,10 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfrw.h"
 

@@ -4,16 +4,24 @@
 
 #include <cstdlib>
 
-#include "app/VR.h"
+#include "app/main_panel.h"
+#include "app/options.h"
+#include "app/startup.h"
+#include "app/version.h"
+#include "comm/communication.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "support/scratch.h"
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 
 namespace {
 

@@ -1,14 +1,15 @@
 // The statistics and trace windows as a user sees them, against a simulated target with
 // faults: the right figures and words at once, nothing recorded while closed.
-#include "app/VR.h"
-#include "diagnostics/statistics_panel.h"
-#include "diagnostics/trace_panel.h"
+#include "comm/communication.h"
 #include "comm/failures.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
 #include "comm/ucm.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
+#include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/sim_fixture.h"
 #include "support/ui_reading.h"
@@ -120,7 +121,8 @@ TEST_F(DiagPanels, StatisticsShowFiguresAtOnceAndReset)
 
     HL_ClosePanel(PANEL_STATISTICS);
     Exchange(1);
-    VR_ShowDiagnostics();
+    STP_Refresh();
+    TRP_Refresh();
     EXPECT_EQ("0", Figure(STATISTICS_ANSWERED)) << "nothing is done for a closed window";
 }
 

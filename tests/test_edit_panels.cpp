@@ -3,13 +3,19 @@
 #include <gtest/gtest.h>
 
 #include "runtime/list_columns.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
-#include "watch/value/byte_text.h"
+#include "text/bytes.h"
+#include "watch/list/debug_file.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
+#include "watch/main_window.h"
+#include "watch/value/value_forms.h"
+#include "watch/value/value_types.h"
 #include "watch/windows/item_panel.h"
 #include "watch/windows/mem_box.h"
 #include "watch/windows/name_completion.h"
-#include "watch/value/value_forms.h"
 
 namespace {
 
@@ -263,7 +269,7 @@ TEST_F(EditPanels, ValueEditorShowsEveryForm)
          "1000 0000 0000 0000 0000 0000 0000 0000\n0000 0000 0000 0000 0000 0000 0000 0001", "-"}};
     for (const auto &row : cases) {
         LItem item;
-        LIT_SetType(&item, row.type);
+        VTY_SetFromField(&item, row.type);
         EXPECT_EQ(VFM_Decimal(item), "-") << "not read yet";
         item.value = row.low;
         item.valueHigh = row.high;

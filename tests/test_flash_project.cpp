@@ -3,11 +3,13 @@
 #include <map>
 #include <tuple>
 
+#include "settings/settings.h"
 #include "support/console_rig.h"
 #include "support/flash_builder.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 
 namespace {
 

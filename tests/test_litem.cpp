@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
 #include "platform/system.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "watch/list/debug_file.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
+#include "watch/list/name_changes.h"
 #include "watch/list/snapshot.h"
 
 namespace {

@@ -5,12 +5,14 @@
 #include <string>
 #include <unistd.h>
 
-#include "app/VR.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 

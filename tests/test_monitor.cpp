@@ -4,8 +4,10 @@
 
 #include <filesystem>
 
+#include "comm/communication.h"
 #include "console/monitor/completion.h"
 #include "console/monitor/text_box.h"
+#include "settings/settings.h"
 
 namespace {
 

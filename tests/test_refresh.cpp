@@ -7,10 +7,16 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
+#include "comm/communication.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "watch/list/freq_meter.h"
+#include "watch/list/list_view.h"
+#include "watch/value/tms_float.h"
+#include "watch/value/type_by_name.h"
+#include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
+#include "watch/windows/mem_box.h"
 
 namespace {
 
@@ -383,7 +389,7 @@ TEST_F(Refresh, TypedValues)
                  {"t", "2h", 120}};
     for (const auto &c : cases) {
         LItem item;
-        LIT_SetType(&item, c.type);
+        VTY_SetFromField(&item, c.type);
         EXPECT_EQ(WRV_Parse(item, c.text, &bits, &message), WRV_OK) << c.type << ' ' << c.text;
         EXPECT_EQ(bits, c.bits) << c.type << ' ' << c.text;
     }
@@ -407,7 +413,7 @@ TEST_F(Refresh, TypedValues)
     for (const auto &c : refused)
         for (const char *text : c.texts) {
             LItem item;
-            LIT_SetType(&item, c.type);
+            VTY_SetFromField(&item, c.type);
             message.clear();
             EXPECT_EQ(WRV_Parse(item, text, &bits, &message), c.result) << c.type << ' ' << text;
             EXPECT_NE(message, "") << text;

@@ -3,7 +3,8 @@
 #include <set>
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {

@@ -2,6 +2,7 @@
 #include "support/console_rig.h"
 
 #include "console/script/script_command.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -1,7 +1,12 @@
 // The selectors as a user drives them, on the example project.
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
+#include "watch/list/list_file.h"
+#include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"
 
 namespace {

@@ -2,13 +2,15 @@
 // that a failed save leaves the old file alone.
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
+#include "app/ini_file.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 

@@ -6,10 +6,12 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
 #include "comm/tms_mailbox.h"
+#include "settings/settings.h"
 #include "support/watch_fixture.h"
+#include "symbols/addr_name.h"
 #include "symbols/varnode.h"
+#include "watch/list/read_item.h"
 
 namespace {
 

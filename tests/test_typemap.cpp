@@ -6,11 +6,13 @@
 #include <unistd.h>
 #include <vector>
 
-#include "app/VR.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "watch/list/litem.h"

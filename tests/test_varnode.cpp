@@ -6,8 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "app/VR.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {

@@ -1,10 +1,12 @@
 // Command line options. They are parsed twice: before the settings file, because they
 // choose it, and after it, because they win over it.
-#include "settings/settings.h"
+#include "app/startup.h"
 
 #include <cctype>
 #include <climits>
 #include <cstdlib>
+
+#include "settings/settings.h"
 
 namespace {
 

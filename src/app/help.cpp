@@ -1,8 +1,11 @@
 // Help text and about box.
-#include "app/VR.h"
+#include "app/help.h"
+
+#include "app/version.h"
 
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The settings file: one line a setting, key and value parted by a comma. Read once
 // at start, rewritten whole at shutdown. Each key is one row of a table.
-#include "app/VR.h"
+#include "app/ini_file.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -10,9 +10,16 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/name_changes.h"
+#include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 
@@ -50,15 +57,6 @@ int32_t ToNumber(const std::string &text)
 {
     const long value = std::strtol(text.c_str(), nullptr, 10);
     return static_cast<int32_t>(std::clamp<long>(value, INT32_MIN, INT32_MAX));
-}
-
-std::string Trim(const std::string &text)
-{
-    const char *const BLANKS = " \t\r\n\v\f";
-    const size_t first = text.find_first_not_of(BLANKS);
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(BLANKS) - first + 1);
 }
 
 bool IsFile(const std::string &path)
@@ -199,9 +197,9 @@ std::string ReadPath(const std::string &line)
     if (comma == std::string::npos)
         return "";
     const std::string rest = line.substr(comma + 1);
-    const std::string whole = Trim(rest);
-    const std::string noComment = Trim(rest.substr(0, rest.find(';')));
-    std::string path = Trim(rest.substr(0, rest.find_first_of(",;")));
+    const std::string whole = WRD_Trim(rest);
+    const std::string noComment = WRD_Trim(rest.substr(0, rest.find(';')));
+    std::string path = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
     if (IsFile(whole))
         path = whole;
     else if (IsFile(noComment))
@@ -215,11 +213,11 @@ void ApplyLine(const std::string &line)
     std::string fields[FIELDS_MAX];
     int count = 0;
     const bool isSplit = parseLine(text.c_str(), FIELDS_MAX, &count, fields) == 1;
-    const Key *key = FindKey(Trim(text.substr(0, text.find(','))));
+    const Key *key = FindKey(WRD_Trim(text.substr(0, text.find(','))));
     if (!key)
         return;
     if (key->isPath)
-        key->read(Trim(text.substr(0, text.find(','))), ReadPath(line));
+        key->read(WRD_Trim(text.substr(0, text.find(','))), ReadPath(line));
     else if (isSplit && count > 0)
         key->read(fields[0], count > 1 ? fields[1] : "");
 }

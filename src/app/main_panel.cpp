@@ -1,17 +1,23 @@
 // What the main panel shows of the settings: title, state line, check marks, recent
 // files, and which controls have something to act on.
-#include "app/VR.h"
+#include "app/main_panel.h"
 
 #include <algorithm>
 #include <cstdio>
 
+#include "comm/ucm.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 #include "watch/windows/selectors.h"
 
 namespace {
@@ -127,13 +133,6 @@ std::string TypesText()
 
 } // namespace
 
-void SetMainPanelTitle()
-{
-    const std::string title =
-        IsDBGChange == 0 ? "Vireo2  " + szDebugFileName : "Vireo2 * " + szDebugFileName + " ";
-    SetPanelAttribute(mainPanel, ATTR_TITLE, title);
-}
-
 void SetMainPanelStateLine()
 {
     char numbers[80];
@@ -148,7 +147,7 @@ void SetMainPanelStateLine()
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
 }
 
-void VR_EnableControls()
+void VR_DimControls()
 {
     const bool hasItems = openLItems != 0 || nLItems > 0;
     const bool hasFile = !szDebugFileName.empty();
@@ -166,7 +165,7 @@ void VR_EnableControls()
     LEV_Enable();
 }
 
-void SetMainPanelAttributes()
+void VR_ShowSettings()
 {
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
@@ -174,34 +173,20 @@ void SetMainPanelAttributes()
     SetMainPanelTitle();
     SetMainPanelStateLine();
     CheckOptions();
-    VR_EnableControls();
+    VR_DimControls();
     VR_ShowComState();
     VSL_SymbolsChanged();
 }
 
-void AddDebugFileName(const std::string &path)
+void VR_ShowComState()
 {
-    if (path.size() >= PATH_MAX_CHARS)
-        return;
-    const auto begin = szaDebugFileNames.begin();
-    auto place = std::find(begin, begin + nDebugFileNames, path);
-    if (place == begin + nDebugFileNames) {
-        if (nDebugFileNames < RECENT_MAX)
-            nDebugFileNames++;
-        else
-            place--; // the oldest falls off
-        *place = path;
-    }
-    std::rotate(begin, place, place + 1);
-}
-
-void VR_ShowMessage(const std::string &text)
-{
-    SetCtrlVal(mainPanel, MAIN_MESSAGE, text);
-}
-
-void VR_ResolveWatchList()
-{
-    TMF_Rebuild();
-    LIT_ResolveAll(false);
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
+    SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
+    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
+    SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
+    if (isTimer == 0) // whatever switched it off, nothing runs and nothing fails now
+        SetCtrlVal(mainPanel, MAIN_STATUS, "");
+    STP_Refresh();
+    TRP_Refresh();
 }

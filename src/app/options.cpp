@@ -1,15 +1,20 @@
 // The Options menu: every item changes one setting while the program runs and, where
 // the link is concerned, opens it anew.
-#include "app/VR.h"
+#include "app/options.h"
 
 #include <algorithm>
 #include <cstdlib>
 
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/name_changes.h"
+#include "watch/main_window.h"
 
 namespace {
 
@@ -29,7 +34,7 @@ void CloseLink()
 {
     UCM_Close();
     isTimer = 0;
-    VR_ShowComState();
+    COM_TellState();
 }
 
 // False when the user gave no number.
@@ -63,11 +68,6 @@ void PortCB(int, int item)
         VR_Reopen();
     }
     SetMainPanelAttributes();
-}
-
-void VIR2_SetStation(int station)
-{
-    STATION = station;
 }
 
 void StationCB(int, int item)
@@ -125,4 +125,25 @@ void FullCommandsCB(int, int)
     VR_isFullCommandSet = !VR_isFullCommandSet;
     VR_isFullOnce = false;
     SetMainPanelAttributes();
+}
+
+void ConnectCB(int, int)
+{
+    if (isTimer != 0)
+        VIR2_StopPeriodicASC();
+    else
+        VIR2_StartPeriodicASC();
+}
+
+int CommSwitchCB(int panel, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    int isOn = 0;
+    GetCtrlVal(panel, control, &isOn);
+    if (isOn != 0)
+        VIR2_StartPeriodicASC();
+    else
+        VIR2_StopPeriodicASC();
+    return 0;
 }

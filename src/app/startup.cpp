@@ -1,12 +1,20 @@
 // The program from its first line to the event loop, and its orderly end.
-#include "app/VR.h"
+#include "app/startup.h"
 
+#include "app/ini_file.h"
+#include "app/main_panel.h"
+#include "app/rooms.h"
+#include "app/version.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 
 bool VR_isScriptRun = false;
 int VR_nScriptResult = 0;
@@ -76,6 +84,7 @@ void RunScript(const char *path)
 
 int VR_StartUp(int argc, char **argv)
 {
+    VR_ConnectRooms();
     GetVRVersion(argc > 0 ? argv[0] : "");
     UCM_Init();
     bRate = 19200;

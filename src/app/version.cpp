@@ -1,13 +1,14 @@
 // The version text: on Windows the description of the device configuration tool,
 // read through the system's version library, which is bound at run time; where that
 // library does not exist, the program's own version.
-#include "app/VR.h"
+#include "app/version.h"
 
 #include <cstdio>
 #include <cstring>
 #include <vector>
 
 #include "platform/system.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -1,12 +1,18 @@
 // Events of the main panel, its two views (watch list and console), and the windows
 // that the Window menu opens.
-#include "app/VR.h"
+#include "app/help.h"
+#include "app/main_panel.h"
+#include "app/startup.h"
+#include "comm/communication.h"
 
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 
 namespace {
 
@@ -61,7 +67,7 @@ void ShowWatchView()
             return;
         isTimer = oldTimer;
         ResumeTimerCallbacks();
-        VR_ShowComState();
+        COM_TellState();
     }
     DisplayPanel(mainPanel);
 }
@@ -180,12 +186,17 @@ int ConfigPanelCB(int panel, int event, int)
     return 0;
 }
 
-void WindowCB(int, int item)
+void VR_ShowView(int item)
 {
     if (item == ITEM_CONSOLE_VIEW)
         ShowConsoleView();
     else if (item == ITEM_WATCH_VIEW)
         ShowWatchView();
+}
+
+void WindowCB(int, int item)
+{
+    VR_ShowView(item);
     if (item == ITEM_SCOPE)
         VR_ComRequest();
     for (const WindowItem &row : WINDOW_ITEMS)

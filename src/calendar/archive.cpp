@@ -34,7 +34,7 @@ struct OpenFile {
 };
 
 // A header's line without its end; false at the end of the file or when it does not end.
-bool readHeaderLine(std::FILE *file, std::string *line)
+bool ReadHeaderLine(std::FILE *file, std::string *line)
 {
     line->clear();
     for (int c = std::getc(file); c != EOF && line->size() <= HEADER_MAX; c = std::getc(file)) {
@@ -46,7 +46,7 @@ bool readHeaderLine(std::FILE *file, std::string *line)
 }
 
 // A number behind `prefix`; false when it does not stand there or is too large to be one.
-bool readNumber(const char **cursor, const char *prefix, const char *digits, int base,
+bool ReadNumber(const char **cursor, const char *prefix, const char *digits, int base,
                 unsigned long long most, unsigned long long *number)
 {
     if (xscan(prefix, cursor) < 0)
@@ -58,13 +58,13 @@ bool readNumber(const char **cursor, const char *prefix, const char *digits, int
     return *number <= most;
 }
 
-bool parseHeader(const char *line, QarHeader *header)
+bool ParseHeader(const char *line, QarHeader *header)
 {
     unsigned long long index, count, size, check;
-    if (!readNumber(&line, QAR_MAGIC "* ", "@#0-9.", 10, INT_MAX, &index) ||
-        !readNumber(&line, "* //* ", "@#0-9.", 10, INT_MAX, &count) ||
-        !readNumber(&line, "* ;* ", "@#0-9.", 10, INT_MAX, &size) ||
-        !readNumber(&line, "* ;* 0x", "@#0-9a-fA-F.", 16, UINT32_MAX, &check) ||
+    if (!ReadNumber(&line, QAR_MAGIC "* ", "@#0-9.", 10, INT_MAX, &index) ||
+        !ReadNumber(&line, "* //* ", "@#0-9.", 10, INT_MAX, &count) ||
+        !ReadNumber(&line, "* ;* ", "@#0-9.", 10, INT_MAX, &size) ||
+        !ReadNumber(&line, "* ;* 0x", "@#0-9a-fA-F.", 16, UINT32_MAX, &check) ||
         xscan("* ;* \"", &line) < 0)
         return false;
     const char *quote = std::strrchr(line, '"');
@@ -77,7 +77,7 @@ bool parseHeader(const char *line, QarHeader *header)
 }
 
 // Content of the member behind its header: 0, or -1 when it is not what the header says.
-int readMember(std::FILE *file, const QarHeader &header, std::string *content)
+int ReadMember(std::FILE *file, const QarHeader &header, std::string *content)
 {
     uint32_t check;
     const size_t size = static_cast<size_t>(header.size);
@@ -89,7 +89,7 @@ int readMember(std::FILE *file, const QarHeader &header, std::string *content)
 }
 
 // Steps from the first member to the wanted one; false when it is not there.
-bool findMember(std::FILE *file, const char *name, QarHeader *header)
+bool FindMember(std::FILE *file, const char *name, QarHeader *header)
 {
     if (QAR_Get_file_header(file, header) != 0 || header->index != 1)
         return false;
@@ -108,7 +108,7 @@ bool findMember(std::FILE *file, const char *name, QarHeader *header)
 int QAR_Get_file_header(std::FILE *file, QarHeader *header)
 {
     std::string line;
-    return file != nullptr && readHeaderLine(file, &line) && parseHeader(line.c_str(), header) ? 0
+    return file != nullptr && ReadHeaderLine(file, &line) && ParseHeader(line.c_str(), header) ? 0
                                                                                                : -1;
 }
 
@@ -194,9 +194,9 @@ int QAR_Extract_file(std::string *content, const char *archiveName, const char *
     content->clear();
     const OpenFile open(archiveName);
     QarHeader header;
-    if (open.file == nullptr || !findMember(open.file, memberName, &header))
+    if (open.file == nullptr || !FindMember(open.file, memberName, &header))
         return -1;
-    return readMember(open.file, header, content);
+    return ReadMember(open.file, header, content);
 }
 
 int QAR_Extract_txfrw(const char *archiveName, const char *memberName)
@@ -215,7 +215,7 @@ int QAR_Extract(std::string *content, std::string *name, std::FILE *archive)
         header.index > header.count)
         return ERR_BAD_MEMBER;
     *name = header.name;
-    if (readMember(archive, header, content) != 0)
+    if (ReadMember(archive, header, content) != 0)
         return std::ferror(archive) != 0 ? ERR_BAD_MEMBER : -1;
     return static_cast<int>(header.count - header.index);
 }

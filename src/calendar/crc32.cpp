@@ -25,18 +25,18 @@ struct Tables {
 
 Tables tables;
 
-uint32_t shiftByte(uint32_t value, uint32_t polynomial)
+uint32_t ShiftByte(uint32_t value, uint32_t polynomial)
 {
     for (int bit = 0; bit < 8; bit++)
         value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
     return value;
 }
 
-void buildTables(uint32_t polynomial)
+void BuildTables(uint32_t polynomial)
 {
     Table table; // what a byte does when `behind` more bytes follow it
     for (size_t byte = 0; byte < BYTE_VALUES; byte++)
-        table.value[byte] = shiftByte(static_cast<uint32_t>(byte), polynomial);
+        table.value[byte] = ShiftByte(static_cast<uint32_t>(byte), polynomial);
     const Table one = table;
     for (size_t behind = 0; behind < ROUND; behind++) {
         if (behind < WORD)
@@ -50,7 +50,7 @@ void buildTables(uint32_t polynomial)
     tables.isBuilt = true;
 }
 
-inline uint64_t wordAt(const unsigned char *p)
+inline uint64_t WordAt(const unsigned char *p)
 {
     uint64_t word = 0;
     for (size_t k = 0; k < WORD; k++)
@@ -58,7 +58,7 @@ inline uint64_t wordAt(const unsigned char *p)
     return word;
 }
 
-inline uint32_t lookUp(const Table *table, uint64_t word)
+inline uint32_t LookUp(const Table *table, uint64_t word)
 {
     return table[0].value[word & 0xFF] ^ table[1].value[word >> 8 & 0xFF] ^
            table[2].value[word >> 16 & 0xFF] ^ table[3].value[word >> 24 & 0xFF] ^
@@ -67,19 +67,19 @@ inline uint32_t lookUp(const Table *table, uint64_t word)
 }
 
 // Whole rounds of the data, at least one.
-uint32_t runLanes(uint32_t value, const unsigned char *p, size_t rounds)
+uint32_t RunLanes(uint32_t value, const unsigned char *p, size_t rounds)
 {
     uint32_t a = value, b = 0, c = 0, d = 0, e = 0;
     for (; rounds > 1; --rounds, p += ROUND) {
-        a = lookUp(tables.far, wordAt(p) ^ a);
-        b = lookUp(tables.far, wordAt(p + WORD) ^ b);
-        c = lookUp(tables.far, wordAt(p + 2 * WORD) ^ c);
-        d = lookUp(tables.far, wordAt(p + 3 * WORD) ^ d);
-        e = lookUp(tables.far, wordAt(p + 4 * WORD) ^ e);
+        a = LookUp(tables.far, WordAt(p) ^ a);
+        b = LookUp(tables.far, WordAt(p + WORD) ^ b);
+        c = LookUp(tables.far, WordAt(p + 2 * WORD) ^ c);
+        d = LookUp(tables.far, WordAt(p + 3 * WORD) ^ d);
+        e = LookUp(tables.far, WordAt(p + 4 * WORD) ^ e);
     }
     value = 0;
     for (const uint32_t lane : {a, b, c, d, e}) {
-        value = lookUp(tables.near, wordAt(p) ^ lane ^ value);
+        value = LookUp(tables.near, WordAt(p) ^ lane ^ value);
         p += WORD;
     }
     return value;
@@ -90,11 +90,11 @@ uint32_t runLanes(uint32_t value, const unsigned char *p, size_t rounds)
 uint32_t Crc32_LSBNext(uint32_t value, const void *data, size_t length, uint32_t polynomial)
 {
     if (!tables.isBuilt || tables.polynomial != polynomial)
-        buildTables(polynomial);
+        BuildTables(polynomial);
     const unsigned char *p = static_cast<const unsigned char *>(data);
     const size_t rounds = length / ROUND;
     if (rounds > 0)
-        value = runLanes(value, p, rounds);
+        value = RunLanes(value, p, rounds);
     p += rounds * ROUND;
     for (length %= ROUND; length > 0; --length, ++p)
         value = (value >> 8) ^ tables.near[WORD - 1].value[(value ^ *p) & 0xFF];

@@ -8,7 +8,7 @@
 
 #include "comm/ucm.h"
 #include "settings/settings.h"
-#include "symbols/varnode.h"
+#include "text/bytes.h"
 
 uint16_t awQRDPP[4] = {0, 0, 0, 0};
 
@@ -18,26 +18,28 @@ constexpr size_t ALTERNATIVE_MAX = 998; // characters of one name in a list
 constexpr uint32_t NEAR_OFFSET_MASK = 0x3FFF;
 constexpr int NEAR_PAGE_SHIFT = 14;
 
-bool isSpace(char c)
+bool IsSpace(char c)
 {
     return std::isspace(static_cast<unsigned char>(c)) != 0;
 }
 
-const char *skipSpace(const char *text)
+const char *SkipSpace(const char *text)
 {
-    while (isSpace(*text))
+    while (IsSpace(*text))
         ++text;
     return text;
 }
 
-uint32_t limited(uint32_t address)
+ADR_Resolver nameResolver = nullptr;
+
+uint32_t Limited(uint32_t address)
 {
     return address < ADDR_LIMIT ? address : ADDR_NONE;
 }
 
 // Digits up to the end of the text or white space. No digits is no address: a
 // half-typed "0x" must not reach address 0.
-uint32_t hexAddress(const char *digits)
+uint32_t HexAddress(const char *digits)
 {
     if (!std::isxdigit(static_cast<unsigned char>(*digits)))
         return ADDR_NONE;
@@ -46,22 +48,17 @@ uint32_t hexAddress(const char *digits)
     const unsigned long long number = std::strtoull(digits, &end, 16);
     // "0x" may not follow the prefix a second time.
     const bool isDoublePrefix = std::tolower(static_cast<unsigned char>(digits[1])) == 'x';
-    if (errno != 0 || isDoublePrefix || (*end != '\0' && !isSpace(*end)))
+    if (errno != 0 || isDoublePrefix || (*end != '\0' && !IsSpace(*end)))
         return ADDR_NONE;
     return number < ADDR_LIMIT ? static_cast<uint32_t>(number) : ADDR_NONE;
 }
 
-uint32_t namedAddress(const char *name)
+uint32_t NamedAddress(const char *name, bool isTMS)
 {
-    uint32_t address = ADDR_NONE;
-    if (openStruct)
-        address = inStruct(name, aVarNode, nNodes);
-    if (address == ADDR_NONE && openStruct166)
-        address = inStruct(name, aVarNode166, nNodes166);
-    return limited(address);
+    return nameResolver != nullptr ? Limited(nameResolver(name, isTMS)) : ADDR_NONE;
 }
 
-template <typename Resolve> uint32_t firstAlternative(const char *list, Resolve resolve)
+template <typename Resolve> uint32_t FirstAlternative(const char *list, Resolve resolve)
 {
     while (true) {
         const size_t length = std::strcspn(list, ",");
@@ -78,13 +75,18 @@ template <typename Resolve> uint32_t firstAlternative(const char *list, Resolve 
 
 } // namespace
 
+void ADR_SetResolver(ADR_Resolver resolver)
+{
+    nameResolver = resolver;
+}
+
 int GetStationModifier(const char **cursor)
 {
-    const char *text = skipSpace(*cursor);
+    const char *text = SkipSpace(*cursor);
     int number = 0;
     for (; *text >= '0' && *text <= '9'; ++text)
         number = number > (INT_MAX - 9) / 10 ? INT_MAX : number * 10 + (*text - '0');
-    text = skipSpace(text);
+    text = SkipSpace(text);
     if (*text != ':')
         return -1;
     *cursor = text + 1;
@@ -93,16 +95,16 @@ int GetStationModifier(const char **cursor)
 
 uint32_t GetSysAddrWk(const char *text)
 {
-    text = skipSpace(text);
+    text = SkipSpace(text);
     if (*text == '\0')
         return ADDR_NONE;
     if (*text == '$')
-        return hexAddress(text + 1);
+        return HexAddress(text + 1);
     if (*text == '0')
-        return text[1] == 'x' || text[1] == 'X' ? hexAddress(text + 2) : ADDR_NONE;
+        return text[1] == 'x' || text[1] == 'X' ? HexAddress(text + 2) : ADDR_NONE;
     if (*text == '&')
-        return openTMSStruct ? limited(inStruct(text + 1, aVarTMSNode, nTMSNodes)) : ADDR_NONE;
-    return namedAddress(text);
+        return NamedAddress(text + 1, true);
+    return NamedAddress(text, false);
 }
 
 uint32_t GetSysAddrM(const char *text, int *station)
@@ -119,13 +121,13 @@ uint32_t GetSysAddr(const char *text)
 
 uint32_t GetAltSysAddr(const char *list)
 {
-    return firstAlternative(list, GetSysAddr);
+    return FirstAlternative(list, GetSysAddr);
 }
 
 uint32_t GetAltSysAddrM(const char *list, int *station)
 {
     *station = -1;
-    return firstAlternative(list, [station](const char *name) {
+    return FirstAlternative(list, [station](const char *name) {
         int found;
         const uint32_t address = GetSysAddrM(name, &found);
         if (address != ADDR_NONE)
@@ -140,7 +142,7 @@ int UpdateQuickDPP()
     if (ReadSysVar("DPP0", bytes, sizeof bytes) < 0)
         return -1;
     for (int i = 0; i < 4; ++i)
-        awQRDPP[i] = static_cast<uint16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+        awQRDPP[i] = static_cast<uint16_t>(BYT_GetLittle(bytes + 2 * i, 2));
     return 0;
 }
 
@@ -155,7 +157,7 @@ uint32_t QuickRefNearPtr(uint32_t address)
     uint8_t bytes[2];
     if (address >= ADDR_LIMIT || UCM_Read(STATION, address, sizeof bytes, bytes) < 0)
         return ADDR_NONE;
-    return limited(QuickNearToHuge(static_cast<uint16_t>(bytes[0] | bytes[1] << 8)));
+    return Limited(QuickNearToHuge(static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes))));
 }
 
 uint32_t QuickRefNearPtrVar(const char *name)

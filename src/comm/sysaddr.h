@@ -12,9 +12,14 @@
 #include <cstdint>
 #include <string>
 
+#include "settings/limits.h"
+
 constexpr uint32_t ADDR_NONE = 0xFFFFFFFFu;
-constexpr uint32_t ADDR_LIMIT = 0x1000000u; // valid byte addresses are below
-constexpr int STATION_MAX = 15;             // last station that a prefix can select
+
+// Where names come from: the address of a name, or ADDR_NONE. With isTMS the name is one of
+// the TMS320 behind the station. Without a resolver no name has an address.
+typedef uint32_t (*ADR_Resolver)(const char *name, bool isTMS);
+void ADR_SetResolver(ADR_Resolver resolver);
 
 // Station number, the cursor moved past the colon; -1, cursor unchanged, without a prefix.
 // A colon without digits is station 0; the number is not checked against STATION_MAX.
@@ -41,18 +46,5 @@ int WriteSysVar(const char *name, const void *data, uint32_t size);
 // The same where the near pointer held by that variable points to.
 int ReadQuickSysNRef(const char *name, void *buffer, uint32_t size);
 int WriteQuickSysNRef(const char *name, const void *data, uint32_t size);
-
-// Watch items by index in aLItems; implemented in watch/list/read_item.cpp.
-int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
-int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy
-// Fills the item, its reason included; 0, -1 C166 failed, -2 TMS320 failed, -4 bad index.
-// An item without an address fails without a request being sent.
-int readValues(int index);
-
-// Register "NAME", or "NAME+1" for the high byte of a word register. 0, or -1 and "".
-int RegAddrToName(uint32_t address, std::string *text);
-// "name" or "name+n" for an address in or shortly behind a variable, "0<hex>h (==name+n)"
-// further behind it. 0, or -1 and "" when no variable lies at or below the address.
-int VarAddrToName(uint32_t address, std::string *text);
 
 #endif

@@ -5,6 +5,7 @@
 #include "scope/scope_v3.h"
 #include "text/csv_row.h"
 #include "text/txfr.h"
+#include "text/words.h"
 
 #include <algorithm>
 #include <charconv>
@@ -32,16 +33,6 @@ bool ParseCell(const std::string &cell, double *value)
     const char *end = cell.data() + cell.size();
     const auto result = std::from_chars(cell.data(), end, *value);
     return cell.empty() || (result.ec == std::errc() && result.ptr == end && std::isfinite(*value));
-}
-
-std::string CsvCell(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string cell = "\"";
-    for (const char c : text)
-        cell += c == '"' ? "\"\"" : std::string(1, c);
-    return cell + '"';
 }
 
 std::string Now()
@@ -81,7 +72,7 @@ std::string Head(const SCP_Capture &capture)
     }
     head += "sample,time";
     for (const SCP_Trace &trace : capture.traces)
-        head += "," + CsvCell(trace.name);
+        head += "," + WRD_QuoteCsv(trace.name);
     return head + "\r\n";
 }
 

@@ -2,6 +2,7 @@
 
 #include "comm/ucm.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,7 +112,7 @@ int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progr
         if (UCM_Read(STATION, address + done, step, bytes.data()) < 0)
             return -2;
         for (uint32_t i = 0; i < step; i += 2)
-            *words++ = static_cast<uint16_t>(bytes[i] | bytes[i + 1] << 8);
+            *words++ = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
         done += step;
     }
     return 0;

@@ -3,6 +3,7 @@
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,13 +46,14 @@ int ReadWord(const char *suffix, uint16_t *value)
     uint8_t bytes[2];
     const int result = S2_RdOscVar(suffix, sizeof bytes, bytes);
     if (result == 0)
-        *value = static_cast<uint16_t>(bytes[0] | bytes[1] << 8);
+        *value = static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes));
     return result;
 }
 
 int WriteWord(const std::string &suffix, uint16_t value)
 {
-    const uint8_t bytes[2] = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)};
+    uint8_t bytes[2];
+    BYT_PutLittle(bytes, sizeof bytes, value);
     return S2_WrOscVar(suffix.c_str(), sizeof bytes, bytes);
 }
 
@@ -65,9 +67,7 @@ int ReadFrequency()
     uint8_t bytes[4];
     if (S2_RdOscVar("fFreq", sizeof bytes, bytes) < 0)
         return -1;
-    uint32_t bits = 0;
-    for (int i = 3; i >= 0; --i)
-        bits = bits << 8 | bytes[i];
+    const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
     float frequency = 0;
     std::memcpy(&frequency, &bits, sizeof frequency);
     SX_ffFscp = static_cast<double>(frequency);

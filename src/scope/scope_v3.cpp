@@ -3,6 +3,7 @@
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 
 #include <algorithm>
 #include <cmath>
@@ -42,7 +43,7 @@ int ReadWord(uint32_t offset, uint16_t *value)
     uint8_t bytes[2];
     const int result = S3_RdOscVar(offset, sizeof bytes, bytes);
     if (result == 0)
-        *value = static_cast<uint16_t>(bytes[0] | bytes[1] << 8);
+        *value = static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes));
     return result;
 }
 
@@ -50,25 +51,22 @@ int ReadLong(uint32_t offset, uint32_t *value)
 {
     uint8_t bytes[4];
     const int result = S3_RdOscVar(offset, sizeof bytes, bytes);
-    if (result < 0)
-        return result;
-    *value = 0;
-    for (int i = 3; i >= 0; --i)
-        *value = *value << 8 | bytes[i];
-    return 0;
+    if (result == 0)
+        *value = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
+    return result;
 }
 
 int WriteWord(uint32_t offset, uint16_t value)
 {
-    const uint8_t bytes[2] = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)};
+    uint8_t bytes[2];
+    BYT_PutLittle(bytes, sizeof bytes, value);
     return S3_WrOscVar(offset, sizeof bytes, bytes);
 }
 
 int WriteLong(uint32_t offset, uint32_t value)
 {
     uint8_t bytes[4];
-    for (int i = 0; i < 4; ++i)
-        bytes[i] = static_cast<uint8_t>(value >> 8 * i);
+    BYT_PutLittle(bytes, sizeof bytes, value);
     return S3_WrOscVar(offset, sizeof bytes, bytes);
 }
 

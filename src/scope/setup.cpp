@@ -3,6 +3,7 @@
 #include "comm/sysaddr.h"
 #include "platform/safe_file.h"
 #include "text/txfr.h"
+#include "text/words.h"
 
 #include <algorithm>
 #include <charconv>
@@ -14,21 +15,13 @@ namespace {
 constexpr int SUB_PERIOD_MAX = 65535;
 constexpr size_t TEXT_MAX_CHARS = 120; // place, id, unit
 
-std::string Trim(const std::string &text)
-{
-    const size_t first = text.find_first_not_of(" \t");
-    return first == std::string::npos
-               ? ""
-               : text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
-
 std::vector<std::string> SplitFields(const std::string &line)
 {
     std::vector<std::string> fields;
     const std::string text = line.substr(0, line.find(';'));
     for (size_t begin = 0; begin <= text.size();) {
         const size_t comma = std::min(text.find(',', begin), text.size());
-        fields.push_back(Trim(text.substr(begin, comma - begin)));
+        fields.push_back(WRD_Trim(text.substr(begin, comma - begin)));
         begin = comma + 1;
     }
     return fields;

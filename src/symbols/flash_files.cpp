@@ -1,7 +1,7 @@
 #include "symbols/flash_files.h"
+#include "symbols/listener.h"
 
 #include "comm/ucm.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -22,7 +22,7 @@ constexpr uint32_t RANGE_MIN = 65;
 constexpr uint8_t ERASED = 0xFF;
 constexpr uint32_t LOAD_BLOCK = 1024; // bytes between two signs of progress
 
-int readTarget(uint32_t address, uint32_t count, void *buffer)
+int ReadTarget(uint32_t address, uint32_t count, void *buffer)
 {
     return UCM_Read(STATION, address, count, buffer);
 }
@@ -33,12 +33,12 @@ struct FileInfo {
     uint8_t flags = MFS_FLAGS_BAD;
 };
 
-bool isSame(const FileInfo &a, const FileInfo &b)
+bool IsSame(const FileInfo &a, const FileInfo &b)
 {
     return a.name == b.name && a.length == b.length;
 }
 
-bool parseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
+bool ParseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
 {
     char text[MFS_HEADER_SIZE + 1]; // the scanner needs its NUL
     std::memcpy(text, bytes, MFS_HEADER_SIZE);
@@ -65,16 +65,16 @@ bool parseInfo(const uint8_t *bytes, const char *signature, FileInfo *info)
 }
 
 // Reads and checks one header or trailer. 0 or a negative code.
-int readInfo(uint32_t address, const char *signature, FileInfo *info)
+int ReadInfo(uint32_t address, const char *signature, FileInfo *info)
 {
     uint8_t bytes[MFS_HEADER_SIZE];
     if (MFS_reader(address, MFS_HEADER_SIZE, bytes) < 0)
         return MFS_ERR_COMMUNICATION;
-    return parseInfo(bytes, signature, info) ? 0 : -1;
+    return ParseInfo(bytes, signature, info) ? 0 : -1;
 }
 
 // The next header at or shortly behind *address, which is set to where it stands.
-int findHeader(uint32_t *address, FileInfo *info)
+int FindHeader(uint32_t *address, FileInfo *info)
 {
     uint8_t bytes[PROBE_SIZE];
     if (MFS_reader(*address, PROBE_SIZE, bytes) < 0)
@@ -86,12 +86,12 @@ int findHeader(uint32_t *address, FileInfo *info)
         return -1;
     *address += static_cast<uint32_t>(found - bytes);
     if (found + MFS_HEADER_SIZE <= end)
-        return parseInfo(found, SIGNATURE, info) ? 0 : -1;
-    return readInfo(*address, SIGNATURE, info);
+        return ParseInfo(found, SIGNATURE, info) ? 0 : -1;
+    return ReadInfo(*address, SIGNATURE, info);
 }
 
 // Reads a found file block by block; the size was checked against the range.
-int loadBlocks(int dialog, const std::string &text, uint32_t address, std::string *content)
+int LoadBlocks(const std::string &text, uint32_t address, std::string *content)
 {
     for (size_t done = 0; done < content->size();) {
         const size_t block = std::min<size_t>(content->size() - done, LOAD_BLOCK);
@@ -100,7 +100,7 @@ int loadBlocks(int dialog, const std::string &text, uint32_t address, std::strin
             return MFS_ERR_COMMUNICATION;
         done += block;
         const int percent = static_cast<int>(done * 100 / content->size());
-        if (UpdateProgressDialog(dialog, percent, text + ": " + std::to_string(percent) + " %") > 0)
+        if (!SYM_AdvanceProgress(percent, text + ": " + std::to_string(percent) + " %"))
             return MFS_ERR_CANCELLED;
     }
     return 0;
@@ -108,12 +108,12 @@ int loadBlocks(int dialog, const std::string &text, uint32_t address, std::strin
 
 } // namespace
 
-MFS_Reader MFS_reader = readTarget;
+MFS_Reader MFS_reader = ReadTarget;
 
 int GetHeaderInfo(const uint8_t *header, std::string *name, int32_t *length, uint8_t *flags)
 {
     FileInfo info;
-    const bool isValid = parseInfo(header, SIGNATURE, &info);
+    const bool isValid = ParseInfo(header, SIGNATURE, &info);
     *name = info.name;
     *length = info.length;
     *flags = info.flags;
@@ -128,7 +128,7 @@ int32_t MFS_FindFile(const char *name, uint32_t start, uint32_t end, int32_t *le
     uint32_t address = start;
     while (address < end - PROBE_SIZE) {
         FileInfo header, trailer;
-        int result = findHeader(&address, &header);
+        int result = FindHeader(&address, &header);
         if (result != 0)
             return result;
         const uint32_t data = address + MFS_HEADER_SIZE;
@@ -140,8 +140,8 @@ int32_t MFS_FindFile(const char *name, uint32_t start, uint32_t end, int32_t *le
             continue;
         if (end - address < MFS_HEADER_SIZE)
             return -1;
-        result = readInfo(address, TRAILER_SIGNATURE, &trailer);
-        if (result != 0 || !isSame(header, trailer))
+        result = ReadInfo(address, TRAILER_SIGNATURE, &trailer);
+        if (result != 0 || !IsSame(header, trailer))
             return std::min(result, -1);
         *length = header.length;
         return static_cast<int32_t>(data);
@@ -155,12 +155,12 @@ int32_t MFS_FindDirectory(uint32_t limit, uint32_t end)
     int result = 0;
     while (result == 0 && start >= limit && start - limit >= 2 * MFS_HEADER_SIZE) {
         FileInfo header, trailer;
-        result = readInfo(start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
+        result = ReadInfo(start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
         const uint32_t size = 2 * MFS_HEADER_SIZE + static_cast<uint32_t>(trailer.length);
         if (result != 0 || size > start - limit)
             break;
-        result = readInfo(start - size, SIGNATURE, &header);
-        if (result != 0 || !isSame(header, trailer))
+        result = ReadInfo(start - size, SIGNATURE, &header);
+        if (result != 0 || !IsSame(header, trailer))
             break;
         start -= size;
     }
@@ -177,10 +177,10 @@ int MFS_Load(const char *name, uint32_t start, uint32_t end, std::string *conten
     if (address < 0)
         return address;
     const std::string text = std::string("Loading flash-file '") + name + "'";
-    const int dialog = CreateProgressDialog("Flash", text + ".");
+    SYM_BeginProgress("Flash", text + ".");
     content->resize(static_cast<size_t>(length));
-    const int result = loadBlocks(dialog, text, static_cast<uint32_t>(address), content);
-    DiscardProgressDialog(dialog);
+    const int result = LoadBlocks(text, static_cast<uint32_t>(address), content);
+    SYM_EndProgress();
     if (result != 0)
         content->clear();
     return result;

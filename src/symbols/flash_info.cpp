@@ -1,11 +1,13 @@
 #include "symbols/flash_info.h"
 
-#include "app/VR.h"
 #include "calendar/archive.h"
 #include "calendar/crc32.h"
 #include "platform/safe_file.h"
+#include "settings/limits.h"
+#include "settings/settings.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_varmap.h"
+#include "symbols/listener.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "symbols/zip_types.h"
@@ -16,7 +18,6 @@
 
 namespace {
 
-constexpr uint32_t ADDRESS_END = 0x1000000;
 constexpr uint32_t OLD_DIRECTORY = 0x1C000;
 constexpr uint32_t RESERVED_AT_END = 0x100; // start vector and passwords of the chip
 
@@ -58,7 +59,7 @@ struct Text {
     Text &operator=(const Text &) = delete;
 };
 
-std::string contentOf(int handle)
+std::string ContentOf(int handle)
 {
     std::string content;
     for (int i = 0; i < TXFRW_GetCnLines(handle); i++)
@@ -67,7 +68,7 @@ std::string contentOf(int handle)
 }
 
 // Both maps or none: the types first, because after them nothing can fail any more.
-int takeMaps(int varMap, int typeMap)
+int TakeMaps(int varMap, int typeMap)
 {
     std::vector<FlashVariable> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
@@ -81,7 +82,7 @@ int takeMaps(int varMap, int typeMap)
 }
 
 // The map of a TMS320 behind a C166 station; the type map stays that of the station.
-int takeTMSNodes(int varMap)
+int TakeTMSNodes(int varMap)
 {
     std::vector<FlashVariable> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
@@ -93,25 +94,25 @@ int takeTMSNodes(int varMap)
     return taken;
 }
 
-int loadFlashText(const char *name, uint32_t start, uint32_t end)
+int LoadFlashText(const char *name, uint32_t start, uint32_t end)
 {
     const int handle = MFS_LoadFrw(name, start, end);
     return handle == -1 ? FLASH_ERR_TYPES : handle;
 }
 
 // The type map as a text handle; FLASH_ERR_NO_MAP when the directory holds none.
-int openTypeMap(uint32_t start, uint32_t end, int varMap)
+int OpenTypeMap(uint32_t start, uint32_t end, int varMap)
 {
     int32_t length;
     const int32_t whole = MFS_FindFile(FLASH_TYPE_MAP, start, end, &length);
     if (whole >= 0 || whole != -1)
-        return whole >= 0 ? loadFlashText(FLASH_TYPE_MAP, start, end) : whole;
+        return whole >= 0 ? LoadFlashText(FLASH_TYPE_MAP, start, end) : whole;
     if (MFS_FindFile(FLASH_TYPE_DECLS, start, end, &length) == -1)
         return FLASH_ERR_NO_MAP;
-    const Text declarations(loadFlashText(FLASH_TYPE_DECLS, start, end));
+    const Text declarations(LoadFlashText(FLASH_TYPE_DECLS, start, end));
     if (declarations.handle < 0)
         return declarations.handle;
-    const Text structures(loadFlashText(FLASH_TYPE_STRUCTS, start, end));
+    const Text structures(LoadFlashText(FLASH_TYPE_STRUCTS, start, end));
     if (structures.handle < 0)
         return structures.handle;
     const int output = TXFRW_Create(FLASH_TYPE_MAP, "rw", "", 0);
@@ -121,7 +122,7 @@ int openTypeMap(uint32_t start, uint32_t end, int varMap)
     return FLASH_ERR_TYPES;
 }
 
-int openFlashVarMap(uint32_t start, uint32_t end)
+int OpenFlashVarMap(uint32_t start, uint32_t end)
 {
     std::string content;
     const int result = MFS_Load(FLASH_VAR_MAP, start, end, &content);
@@ -129,10 +130,10 @@ int openFlashVarMap(uint32_t start, uint32_t end)
 }
 
 // Byte range of the directory to read; 0, or a negative code when there is none.
-int findRange(int place, uint32_t *start, uint32_t *end)
+int FindRange(int place, uint32_t *start, uint32_t *end)
 {
     *start = OLD_DIRECTORY;
-    *end = ADDRESS_END;
+    *end = ADDR_LIMIT;
     if (place == FLASH_AT_1C000)
         return 0;
     for (const FlashRange &range : FLASH_RANGES) {
@@ -146,7 +147,7 @@ int findRange(int place, uint32_t *start, uint32_t *end)
     return FLASH_ERR_NO_MAP;
 }
 
-bool putMember(std::FILE *file, long index, const char *name, const std::string &content)
+bool PutMember(std::FILE *file, long index, const char *name, const std::string &content)
 {
     QarHeader header;
     header.index = index;
@@ -171,27 +172,27 @@ const char *FLASH_GetErrorText(int result)
 
 int LoadFrwVarMap283xx(int textHandle)
 {
-    return takeMaps(textHandle, -1);
+    return TakeMaps(textHandle, -1);
 }
 
 int LoadFVarMap283xx(uint32_t start, uint32_t end)
 {
-    const Text varMap(openFlashVarMap(start, end));
+    const Text varMap(OpenFlashVarMap(start, end));
     return varMap.handle < 0 ? varMap.handle : LoadFrwVarMap283xx(varMap.handle);
 }
 
 int LoadFMap283xx(uint32_t start, uint32_t end)
 {
-    const Text varMap(openFlashVarMap(start, end));
+    const Text varMap(OpenFlashVarMap(start, end));
     if (varMap.handle < 0)
         return varMap.handle;
-    const Text typeMap(openTypeMap(start, end, varMap.handle));
+    const Text typeMap(OpenTypeMap(start, end, varMap.handle));
     if (typeMap.handle < 0 && typeMap.handle != FLASH_ERR_NO_MAP)
         return typeMap.handle;
-    const int count = takeMaps(varMap.handle, typeMap.handle);
+    const int count = TakeMaps(varMap.handle, typeMap.handle);
     if (count >= 0) {
-        flashVarMap = contentOf(varMap.handle);
-        flashTypeMap = contentOf(typeMap.handle);
+        flashVarMap = ContentOf(varMap.handle);
+        flashTypeMap = ContentOf(typeMap.handle);
     }
     return count;
 }
@@ -207,8 +208,8 @@ int ReadMaps283xx(const char *archiveName)
         return FLASH_ERR_NO_MAP;
     if (typeMap.handle < 0)
         return FLASH_ERR_TYPES;
-    const int count = IsWordAddressing(Procesor) ? takeMaps(varMap.handle, typeMap.handle)
-                                                 : takeTMSNodes(varMap.handle);
+    const int count = IsWordAddressing(Procesor) ? TakeMaps(varMap.handle, typeMap.handle)
+                                                 : TakeTMSNodes(varMap.handle);
     return count < 0 ? count : 0;
 }
 
@@ -220,27 +221,19 @@ int Read_TMS_CombiMap(const char *archiveName)
 int fl2node(int place)
 {
     uint32_t start, end;
-    VR_ShowMessage("Reading memory map:");
-    int result = findRange(place, &start, &end);
+    SYM_ShowMessage("Reading memory map:");
+    int result = FindRange(place, &start, &end);
     if (result == 0)
         result = LoadFMap283xx(start, end);
     if (result < 0) {
-        VR_ShowMessage(FLASH_GetErrorText(result));
+        SYM_ShowMessage(FLASH_GetErrorText(result));
         return result;
     }
     mapFile.clear();
     openStruct = OPEN_FROM_MEMORY;
-    VRN_RefreshVars();
-    VR_ShowMessage("Reading memory map: " + std::to_string(result) + " vars");
+    SYM_NamesChanged(SYM_MAP_LOADED);
+    SYM_ShowMessage("Reading memory map: " + std::to_string(result) + " vars");
     return 0;
-}
-
-int LoadFlash()
-{
-    VR_ComRequest();
-    const int result = fl2node(FLASH_AT_END);
-    SetMainPanelAttributes();
-    return result;
 }
 
 int SaveFlash(const char *fileName)
@@ -248,8 +241,8 @@ int SaveFlash(const char *fileName)
     SafeFile safe;
     if (flashVarMap.empty() || flashTypeMap.empty() || SAF_Open(&safe, fileName, "wb") != 0)
         return -1;
-    if (putMember(safe.file, 1, FLASH_VAR_MAP, flashVarMap) &&
-        putMember(safe.file, 2, FLASH_TYPE_MAP, flashTypeMap))
+    if (PutMember(safe.file, 1, FLASH_VAR_MAP, flashVarMap) &&
+        PutMember(safe.file, 2, FLASH_TYPE_MAP, flashTypeMap))
         return SAF_Commit(&safe);
     SAF_Cancel(&safe);
     return -1;

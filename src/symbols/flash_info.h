@@ -8,22 +8,18 @@
 #include <cstdint>
 #include <string>
 
+#include "symbols/flash_varmap.h"
+
 // Names of the files, in the flash directory and in an archive.
 #define FLASH_VAR_MAP "prjinfo.map28x"
 #define FLASH_TYPE_MAP "prjinfo.tmf"      // as text, or else rebuilt from the two following
 #define FLASH_TYPE_DECLS "prjinfo.tmf1"   // compressed declarations of the map's variables
 #define FLASH_TYPE_STRUCTS "prjinfo.tmf3" // compressed structures
 
-enum {
-    FLASH_ERR_NO_MAP = -1, // none found, or one that is damaged
-    FLASH_ERR_COMMUNICATION = -2,
-    FLASH_ERR_CANCELLED = -3,
-    FLASH_ERR_ADDRESS = -4, // a variable beyond 24 bits
-    FLASH_ERR_TYPES = -5    // the type map is damaged
-};
 const char *FLASH_GetErrorText(int result); // one sentence, "" for a good result
 
-// Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of variables read, or a negative code.
+// Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of
+// variables read, or a negative code.
 int LoadFrwVarMap283xx(int textHandle);
 // The same from the flash directory between two byte addresses.
 int LoadFVarMap283xx(uint32_t start, uint32_t end);
@@ -40,8 +36,6 @@ enum { FLASH_AT_END = 0, FLASH_AT_1C000 = 1 };
 // Reads the target's flash and makes its map the loaded one (OPEN_FROM_MEMORY); says in
 // the message area what was read or why not. 0 or a negative code.
 int fl2node(int place);
-// The user's command: offers to switch communication on, then reads from the end of flash.
-int LoadFlash();
 // Saves what was last read from flash as an archive that opens as a TMS map. 0, or -1:
 // nothing with types was read yet, or the file cannot be written.
 int SaveFlash(const char *fileName);

@@ -1,9 +1,9 @@
 // The layouts of a variable map: plain lines, lines with shared names, packed records.
 #include "symbols/flash_varmap.h"
 
-#include "symbols/flash_info.h"
-#include "symbols/mapfile.h"
+#include "settings/limits.h"
 #include "symbols/packed_names.h"
+#include "text/bytes.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
 
@@ -15,11 +15,10 @@
 namespace {
 
 constexpr uint32_t BYTES_PER_ADDRESS = 2; // a variable map counts 16-bit words
-constexpr uint32_t ADDRESS_END = 0x1000000;
-constexpr size_t FORM_LINE_SIZE = 3; // "#1" or "#2" and a line feed
+constexpr size_t FORM_LINE_SIZE = 3;      // "#1" or "#2" and a line feed
 constexpr size_t RECORD_ADDRESS_SIZE = 4;
 
-void appendMapLine(std::string *text, uint32_t address, const std::string &name)
+void AppendMapLine(std::string *text, uint32_t address, const std::string &name)
 {
     char line[16];
     std::snprintf(line, sizeof line, "%06" PRIX32 " ", address);
@@ -27,7 +26,7 @@ void appendMapLine(std::string *text, uint32_t address, const std::string &name)
 }
 
 // Lines whose names share their beginning with the line before.
-bool unpackLines(const char *at, std::string *text)
+bool UnpackLines(const char *at, std::string *text)
 {
     std::string name;
     for (int lines = 0; *at != '\0' && lines < TXFRW_LINES_MAX; lines++) {
@@ -40,30 +39,29 @@ bool unpackLines(const char *at, std::string *text)
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0)
             return false;
         const size_t size = std::strlen(cursor) + 1;
-        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) < 0 ||
+        if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) <
+                0 ||
             name.size() > NODE_NAME_MAX)
             return false;
-        appendMapLine(text, address, name);
+        AppendMapLine(text, address, name);
         at = end;
     }
     return true;
 }
 
 // Records of a 32-bit address, low byte first, and a packed name.
-bool unpackRecords(const uint8_t *at, size_t size, std::string *text)
+bool UnpackRecords(const uint8_t *at, size_t size, std::string *text)
 {
     std::string name;
     for (int lines = 0; size > RECORD_ADDRESS_SIZE && lines < TXFRW_LINES_MAX; lines++) {
-        const uint32_t address = static_cast<uint32_t>(at[0]) | static_cast<uint32_t>(at[1]) << 8 |
-                                 static_cast<uint32_t>(at[2]) << 16 |
-                                 static_cast<uint32_t>(at[3]) << 24;
+        const uint32_t address = static_cast<uint32_t>(BYT_GetLittle(at, RECORD_ADDRESS_SIZE));
         const int used = UnpackVarName(&name, at + RECORD_ADDRESS_SIZE, size - RECORD_ADDRESS_SIZE,
                                        NAME_SHARED_6BIT);
         if (used < 0 || name.size() > NODE_NAME_MAX)
             return false;
         if (name.empty()) // fills up to an even length
             return true;
-        appendMapLine(text, address, name);
+        AppendMapLine(text, address, name);
         at += RECORD_ADDRESS_SIZE + static_cast<size_t>(used);
         size -= RECORD_ADDRESS_SIZE + static_cast<size_t>(used);
     }
@@ -82,7 +80,7 @@ int FLASH_ParseVarMap(int handle, std::vector<FlashVariable> *variables)
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0 || *cursor == '\0')
             return FLASH_ERR_NO_MAP;
         const unsigned long long words = std::strtoull(line, nullptr, 16);
-        if (words >= ADDRESS_END / BYTES_PER_ADDRESS)
+        if (words >= ADDR_LIMIT / BYTES_PER_ADDRESS)
             return FLASH_ERR_ADDRESS;
         variables->push_back({static_cast<uint32_t>(words) * BYTES_PER_ADDRESS, cursor});
     }
@@ -100,7 +98,7 @@ int FLASH_TakeVariables(const std::vector<FlashVariable> &variables, VarNode *ta
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
-    MAP_ReportRefused(refused);
+    VRN_WarnRefused(refused);
     return taken;
 }
 
@@ -111,9 +109,8 @@ int FLASH_OpenVarMap(const char *name, const std::string &content)
         return TXFRW_Create(name, "r", content.data(), content.size());
     std::string text;
     const char *packed = content.c_str() + FORM_LINE_SIZE;
-    const bool isGood = form == "#1\n" ? unpackLines(packed, &text)
-                                       : unpackRecords(reinterpret_cast<const uint8_t *>(packed),
+    const bool isGood = form == "#1\n" ? UnpackLines(packed, &text)
+                                       : UnpackRecords(reinterpret_cast<const uint8_t *>(packed),
                                                        content.size() - FORM_LINE_SIZE, &text);
     return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : FLASH_ERR_NO_MAP;
 }
-

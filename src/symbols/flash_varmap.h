@@ -9,6 +9,15 @@
 #include <string>
 #include <vector>
 
+// Results of reading project information, here and in flash_info.h.
+enum {
+    FLASH_ERR_NO_MAP = -1, // none found, or one that is damaged
+    FLASH_ERR_COMMUNICATION = -2,
+    FLASH_ERR_CANCELLED = -3,
+    FLASH_ERR_ADDRESS = -4, // a variable beyond 24 bits
+    FLASH_ERR_TYPES = -5    // the type map is damaged
+};
+
 struct FlashVariable {
     uint32_t address; // in bytes
     std::string name;
@@ -17,7 +26,7 @@ struct FlashVariable {
 // Variable map in any of its layouts to plain lines "HHHHHH name": a text handle, or
 // FLASH_ERR_NO_MAP. Lines beyond what such a text holds are left out.
 int FLASH_OpenVarMap(const char *name, const std::string &content);
-// Variables of such a text. 0 or a negative code of flash_info.h.
+// Variables of such a text. 0 or FLASH_ERR_.
 int FLASH_ParseVarMap(int textHandle, std::vector<FlashVariable> *variables);
 // Replaces a table of nodes: the number taken over; what the table cannot hold is
 // reported to the user.

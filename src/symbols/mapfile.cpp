@@ -7,14 +7,12 @@
 #include <cstring>
 
 #include "calendar/archive.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
+#include "symbols/listener.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 
 namespace {
 
@@ -109,19 +107,11 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
-    MAP_ReportRefused(refused);
+    VRN_WarnRefused(refused);
     return 0;
 }
 
 } // namespace
-
-void MAP_ReportRefused(int refused)
-{
-    if (refused > 0)
-        MessagePopup("Map file", "The map has " + std::to_string(refused) +
-                                     " symbols more than the table can hold (" +
-                                     std::to_string(NODES_MAX) + "). They were left out.");
-}
 
 bool IsHexAddr(const char *text)
 {
@@ -229,7 +219,7 @@ void TakeMap(const char *fileName)
     mapFile = fileName;
     openStruct = OPEN_MAP_FILE;
     TMF_Rebuild();
-    VRN_RefreshVars();
+    SYM_NamesChanged(SYM_MAP_LOADED);
 }
 
 } // namespace
@@ -247,9 +237,7 @@ int TMSmap2node(const char *fileName)
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && IsWordAddressing(Procesor))
         TakeMap(fileName);
-    if (result == 0 && !IsWordAddressing(Procesor)) {
-        LIT_ResolveAll(true);
-        LSV_ShowAddresses();
-    }
+    if (result == 0 && !IsWordAddressing(Procesor))
+        SYM_NamesChanged(SYM_TMS_MAP_LOADED);
     return result;
 }

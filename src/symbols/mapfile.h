@@ -1,5 +1,4 @@
-// Linker map files: the C166 format (".m66") and the TMS320C28x format (".m28xt"),
-// and how the user loads them.
+// Linker map files: the C166 format (".m66") and the TMS320C28x format (".m28xt").
 #ifndef SYMBOLS_MAPFILE_H
 #define SYMBOLS_MAPFILE_H
 
@@ -13,16 +12,13 @@ int ReadMap(const char *fileName);
 // that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays. A
 // combined archive brings the type map, too; one that is damaged gives a code of flash_info.h.
 int Read_TMS_Map(const char *fileName);
-// Read, remember the name in mapFile, set openStruct, resolve the watch list.
+// Read, remember the name in mapFile, set openStruct, tell the listener.
 int map2node(const char *fileName);
 int TMSmap2node(const char *fileName);
 
 // One line of a map: true when it declares a symbol; the name begins at *name.
 bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
 bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
-
-// Tells the user how many symbols a full table did not take; nothing for 0.
-void MAP_ReportRefused(int refused);
 
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);
@@ -31,18 +27,5 @@ bool cmp_sz2szID(const char *text, const char *word);
 bool cmp_sz2szID_Start(const char *text, const char *word);
 bool cmp_sz2aszKeyword(const char *text, const char *const *table, int count);
 bool cmp_sz2aszKwdStart(const char *text, const char *const *table, int count);
-
-enum { LOADMAP_C166 = 0, LOADMAP_TMS = 1, LOADMAP_RELOAD = 0x1000 };
-int LoadMap(int mode); // 0 loaded, negative not
-
-// "2015-03-07/14:05:09"; 0, or -1 when the file cannot be examined.
-int GetFileStamp(std::string *text, const char *fileName);
-extern std::string szMapFileStamp; // of the last map file loaded
-
-// Menu and button callbacks.
-void OpenMapCB(int menuBar, int item);
-void ReloadMapFile(int menuBar, int item);
-void OpenTypeMapCB(int menuBar, int item);
-int MapBtnCB(int panel, int control, int event, int data);
 
 #endif

@@ -10,7 +10,7 @@ constexpr unsigned CODE_BITS = 6;
 constexpr unsigned CODES = 64;
 constexpr uint8_t SHARED_FLAG = 0x80;
 
-int appendPlain(std::string *name, const uint8_t *source, size_t size)
+int AppendPlain(std::string *name, const uint8_t *source, size_t size)
 {
     const void *end = size > 0 ? std::memchr(source, '\0', size) : nullptr;
     if (end == nullptr)
@@ -20,7 +20,7 @@ int appendPlain(std::string *name, const uint8_t *source, size_t size)
     return static_cast<int>(length) + 1;
 }
 
-int append6b(std::string *name, const uint8_t *packed, size_t size)
+int Append6b(std::string *name, const uint8_t *packed, size_t size)
 {
     unsigned bits = 0, count = 0;
     for (size_t used = 0; used < size;) {
@@ -46,7 +46,7 @@ char Decode6b(unsigned code)
 int DecodeStr6b(std::string *destination, const uint8_t *packed, size_t size)
 {
     destination->clear();
-    return append6b(destination, packed, size);
+    return Append6b(destination, packed, size);
 }
 
 int UnpackVarName(std::string *destination, const uint8_t *source, size_t size, int form)
@@ -58,12 +58,12 @@ int UnpackVarName(std::string *destination, const uint8_t *source, size_t size, 
     const size_t shared = isShared ? first & ~SHARED_FLAG & 0xFFu : 0u;
     destination->resize(std::min(shared, destination->size()));
     if (form != NAME_SHARED_6BIT && !isShared)
-        return appendPlain(destination, source, size);
+        return AppendPlain(destination, source, size);
     if (!isShared && first == 0)
         return 1; // the empty name
     if (!isShared)
         destination->push_back(static_cast<char>(first));
-    const int rest = form == NAME_SHARED_6BIT ? append6b(destination, source + 1, size - 1)
-                                              : appendPlain(destination, source + 1, size - 1);
+    const int rest = form == NAME_SHARED_6BIT ? Append6b(destination, source + 1, size - 1)
+                                              : AppendPlain(destination, source + 1, size - 1);
     return rest < 0 ? -1 : rest + 1;
 }

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "settings/settings.h"
-#include "symbols/typemap_layout.h"
 
 namespace {
 

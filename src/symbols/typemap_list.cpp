@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <cctype>
 
-#include "symbols/typemap_layout.h"
+#include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {

@@ -2,13 +2,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "symbols/listener.h"
 #include "symbols/typemap.h"
-#include "symbols/typemap_layout.h"
 #include "text/txfr.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 
 TMF_Decl *TMF_paDefVars = nullptr;
 int32_t TMF_cnDefVars = 0;
@@ -346,9 +344,7 @@ int TMF_OpenMap(const char *fileName)
         return result;
     TMF_szFileName = fileName;
     TMF_Rebuild();
-    LIT_ResolveAll(false);
-    LIT_ResolveAll(true); // their map is still the same
-    LSV_ShowAddresses();
+    SYM_NamesChanged(SYM_TYPES_LOADED);
     return 0;
 }
 

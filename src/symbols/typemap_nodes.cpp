@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "runtime/userint.h"
-#include "symbols/typemap_layout.h"
+#include "symbols/listener.h"
+#include "symbols/typemap.h"
 
 VarNode *TMF_paSVNode = nullptr;
 int32_t TMF_cnSVNode = 0;
@@ -119,8 +119,8 @@ int TMF_BuildSVNodes(const VarNode *nodes, int count)
             result = AddParts(nodes[i].name, decl->chain, nodes[i].addr);
     }
     if (result != 0)
-        MessagePopup("Type map", "The variables have more than " + std::to_string(TMF_SVNODES_MAX) +
-                                     " members. Addresses of the rest are shown without names.");
+        SYM_Warn("Type map", "The variables have more than " + std::to_string(TMF_SVNODES_MAX) +
+                                 " members. Addresses of the rest are shown without names.");
     return TMF_CreateSVIndex() == 0 ? result : -1;
 }
 

@@ -7,7 +7,6 @@
 
 #include "settings/settings.h"
 #include "symbols/typemap.h"
-#include "symbols/typemap_layout.h"
 #include "text/xscan.h"
 
 namespace {

@@ -3,8 +3,10 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
 
@@ -12,7 +14,6 @@ namespace {
 
 constexpr uint32_t NOT_FOUND = 0xFFFFFFFFu;
 constexpr size_t EXPRESSION_MAX = 511; // characters; a longer text names nothing
-constexpr long STATION_MAX = 15;
 
 const char *SkipBlanks(const char *text)
 {

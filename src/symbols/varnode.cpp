@@ -1,6 +1,7 @@
 // The node tables: adding, sorting, freeing and searching by name, by address and by
 // wildcard. Expressions over them are in varexpr.cpp.
 #include "symbols/varnode.h"
+#include "symbols/listener.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -9,9 +10,6 @@
 #include <vector>
 
 #include "settings/settings.h"
-#include "symbols/typemap.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 
 VarNode aVarNode[NODES_MAX];
 int nNodes = 0;
@@ -265,16 +263,22 @@ int VRN_FindName(const VarNode *table, int count, const char *name)
     return -1;
 }
 
-int MapAddrToId(std::string *name, uint32_t *address)
+const VarNode *VRN_MapNodeAtOrAfter(uint32_t address)
 {
-    const VarNode *node = TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address)
-                                           : NodeAtOrAfter(&mapIndex, aVarNode, nNodes, *address);
-    const VarNode *reg = NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, *address);
-    if (reg != nullptr && (node == nullptr || reg->addr < node->addr))
-        node = reg;
-    *name = node != nullptr ? node->name : "";
-    *address = node != nullptr ? node->addr : 0xFFFFFFFFu;
-    return node != nullptr ? 0 : -1;
+    return NodeAtOrAfter(&mapIndex, aVarNode, nNodes, address);
+}
+
+const VarNode *VRN_RegisterAtOrAfter(uint32_t address)
+{
+    return NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, address);
+}
+
+void VRN_WarnRefused(int refused)
+{
+    if (refused > 0)
+        SYM_Warn("Map file", "The map has " + std::to_string(refused) +
+                                 " symbols more than the table can hold (" +
+                                 std::to_string(NODES_MAX) + "). They were left out.");
 }
 
 bool VRN_IsWildcardMatch(const char *wildcard, const char *name)
@@ -304,14 +308,4 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
     }
     *position = -1;
     return -1;
-}
-
-void VRN_RefreshVars()
-{
-    CleanLItems();
-    if (openStruct166)
-        completeLItems(aVarNode166, nNodes166);
-    if (openStruct != OPEN_NONE)
-        completeLItems(aVarNode, nNodes);
-    LSV_ShowAddresses();
 }

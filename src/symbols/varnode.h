@@ -49,24 +49,17 @@ void VRN_RemoveDuplicates(VarNode *table, int *count);
 // Index of the first node of that name in table order, or -1. A table sorted by
 // VRN_SortByName and changed only through the calls above is searched by halving.
 int VRN_FindName(const VarNode *table, int count, const char *name);
+// The node at or after an address: of the loaded map, or of the registers; null when none.
+const VarNode *VRN_MapNodeAtOrAfter(uint32_t address);
+const VarNode *VRN_RegisterAtOrAfter(uint32_t address);
+// Tells the user how many symbols a full table did not take; nothing for 0.
+void VRN_WarnRefused(int refused);
 // Whether a name matches: characters agree up to a "*" (any rest) or the end of both.
 bool VRN_IsWildcardMatch(const char *wildcard, const char *name);
 
-// Address an expression denotes ("name", "name + 0x10", "name.member[2]", "0x1F00"), or
-// 0xFFFFFFFF. A leading "&" and a station prefix ("3:") are taken off first. Text after
-// a blank that is no offset is ignored; an offset that is no number gives 0xFFFFFFFF.
-// For aVarTMSNode the result is a word address, as the mailbox to that processor takes it:
-// offsets count words, and members lie as the TMS320 lays them out.
-uint32_t inStruct(const char *expression, const VarNode *table, int count);
-// Name of the nearest node at or after *address (registers and the map, members when a
-// type map is loaded) and its address; 0, or -1 with "" and 0xFFFFFFFF.
-int MapAddrToId(std::string *name, uint32_t *address);
 // Next name matching "abc*" from *position on; 0, or -1 at the end.
 int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, int count,
                  int *position);
-// Forgets and resolves again every address of the watch list, and shows them; the TMS320
-// items stay unresolved until the debug file is loaded again.
-void VRN_RefreshVars();
 // Loads the register table of a processor code into aVarNode166.
 void initRgMap(int processor);
 

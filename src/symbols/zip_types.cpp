@@ -15,19 +15,19 @@ constexpr unsigned char CODE_FLAG = 0x80;
 constexpr unsigned HIGH_BITS_SHIFT = 24;
 constexpr uint32_t LOW_BITS = 0x00FFFFFF;
 
-bool isCodeByte(char c)
+bool IsCodeByte(char c)
 {
     return (static_cast<unsigned char>(c) & CODE_FLAG) != 0;
 }
 
-const char *skipName(const char *source)
+const char *SkipName(const char *source)
 {
-    while (*source != '\0' && !isCodeByte(*source))
+    while (*source != '\0' && !IsCodeByte(*source))
         ++source;
     return source;
 }
 
-uint32_t digitValue(char c)
+uint32_t DigitValue(char c)
 {
     if (c >= 'A' && c <= 'Z')
         return static_cast<uint32_t>(c - 'A');
@@ -38,13 +38,13 @@ uint32_t digitValue(char c)
     return c == '+' ? 62 : 63;
 }
 
-bool appendLine(int output, const std::string &line)
+bool AppendLine(int output, const std::string &line)
 {
     return TXFRW_AppendLine(output, line.c_str()) == 0;
 }
 
 // The name of a variable map line behind its hexadecimal address and a blank, or "".
-std::string nameOfMapLine(const char *line)
+std::string NameOfMapLine(const char *line)
 {
     if (xscan("@#0-9a-fA-F. ", &line) < 0)
         return "";
@@ -56,20 +56,20 @@ std::string nameOfMapLine(const char *line)
 }
 
 // Writes one structure from line *line on, which is moved behind it.
-bool decodeStruct(int output, int structures, int number, int *line)
+bool DecodeStruct(int output, int structures, int number, int *line)
 {
     const char *heading = TXFRW_GetLinePtr(structures, (*line)++);
     const char *cursor = heading;
     if (heading == nullptr || xscan("/##1-9.**4#0-9.* #", &cursor) < 0)
         return false;
     const int members = std::atoi(heading + 1);
-    if (!appendLine(output, "#" + std::to_string(number) + "/" + std::to_string(members) + ":"))
+    if (!AppendLine(output, "#" + std::to_string(number) + "/" + std::to_string(members) + ":"))
         return false;
     for (int i = 0; i < members; i++) {
         const char *member = TXFRW_GetLinePtr(structures, (*line)++);
         std::string decoded;
         if (member == nullptr || DecodeZipVar(&decoded, member) != 0 ||
-            !appendLine(output, decoded))
+            !AppendLine(output, decoded))
             return false;
     }
     return true;
@@ -84,19 +84,19 @@ int Base64ToUint32(const char **cursor, uint32_t *value)
         return -1;
     *value = 0;
     for (; digit != *cursor; ++digit)
-        *value = *value << 6 | digitValue(*digit);
+        *value = *value << 6 | DigitValue(*digit);
     return 0;
 }
 
 int DecodeZipDecl(std::string *destination, const char *source)
 {
-    source = skipName(source);
+    source = SkipName(source);
     if (*source == '\0')
         return -1;
     while (*source != '\0') {
         const uint32_t high = static_cast<unsigned char>(*source) & ~CODE_FLAG & 0xFFu;
         uint32_t low = 0;
-        if (!isCodeByte(*source++) || Base64ToUint32(&source, &low) != 0 || low > LOW_BITS)
+        if (!IsCodeByte(*source++) || Base64ToUint32(&source, &low) != 0 || low > LOW_BITS)
             return -1;
         char code[16];
         std::snprintf(code, sizeof code, "_@0x%" PRIX32, high << HIGH_BITS_SHIFT | low);
@@ -107,7 +107,7 @@ int DecodeZipDecl(std::string *destination, const char *source)
 
 int DecodeZipVar(std::string *destination, const char *source)
 {
-    const char *end = skipName(source);
+    const char *end = SkipName(source);
     if (end == source)
         return -1;
     *destination += "'" + std::string(source, end) + "' ";
@@ -124,11 +124,11 @@ int DecodeZipVars(int output, int declarations, int variableMap)
         const char *declaration = TXFRW_GetLinePtr(declarations, i);
         if (*declaration == '\0') // a symbol without a type
             continue;
-        const std::string name = nameOfMapLine(TXFRW_GetLinePtr(variableMap, i));
+        const std::string name = NameOfMapLine(TXFRW_GetLinePtr(variableMap, i));
         if (name.size() >= TMF_NAME_SIZE) // a type map cannot name it
             continue;
         std::string line = std::to_string(i) + ":'" + name + "' ";
-        if (name.empty() || DecodeZipDecl(&line, declaration) != 0 || !appendLine(output, line))
+        if (name.empty() || DecodeZipDecl(&line, declaration) != 0 || !AppendLine(output, line))
             return -1;
         ++variables;
     }
@@ -140,7 +140,7 @@ int DecodeZipStructFrw(int output, int structures)
     const int lines = TXFRW_GetCnLines(structures);
     int count = 0;
     for (int line = 0; line < lines; count++) {
-        if (!decodeStruct(output, structures, count + 1, &line))
+        if (!DecodeStruct(output, structures, count + 1, &line))
             return -1;
     }
     return lines < 0 ? -1 : count;

@@ -25,29 +25,29 @@ struct Slot {
 
 Slot slots[TXFR_MAX];
 
-Slot *slotOf(int handle)
+Slot *SlotOf(int handle)
 {
     if (handle < 0 || handle >= TXFR_MAX || slots[handle].file == nullptr)
         return nullptr;
     return &slots[handle];
 }
 
-bool fillBlock(Slot *slot)
+bool FillBlock(Slot *slot)
 {
     slot->blockPosition = 0;
     slot->blockLength = std::fread(slot->block.get(), 1, BLOCK_SIZE, slot->file);
     return slot->blockLength > 0;
 }
 
-int nextCharacter(Slot *slot)
+int NextCharacter(Slot *slot)
 {
-    if (slot->blockPosition == slot->blockLength && !fillBlock(slot))
+    if (slot->blockPosition == slot->blockLength && !FillBlock(slot))
         return END_OF_FILE;
     ++slot->consumed;
     return slot->block[slot->blockPosition++];
 }
 
-void closeSlot(Slot *slot)
+void CloseSlot(Slot *slot)
 {
     std::fclose(slot->file);
     *slot = Slot{};
@@ -55,16 +55,16 @@ void closeSlot(Slot *slot)
 
 // Steps over a line end of one or two characters; the next line's first character
 // becomes the look-ahead.
-void endLine(Slot *slot, int lineEnd)
+void EndLine(Slot *slot, int lineEnd)
 {
     const int pair = lineEnd == '\r' ? '\n' : '\r';
-    int c = nextCharacter(slot);
+    int c = NextCharacter(slot);
     if (c == pair)
-        c = nextCharacter(slot);
+        c = NextCharacter(slot);
     slot->lookAhead = c;
 }
 
-int breakLine(Slot *slot, int next, int length)
+int BreakLine(Slot *slot, int next, int length)
 {
     slot->lookAhead = next;
     slot->brokenLine = true;
@@ -72,30 +72,30 @@ int breakLine(Slot *slot, int next, int length)
     return length;
 }
 
-int endFile(int handle, int length)
+int EndFile(int handle, int length)
 {
-    closeSlot(&slots[handle]);
+    CloseSlot(&slots[handle]);
     return length > 0 ? length : -1;
 }
 
 // Collects one line. Behind a NUL the rest of the line is read and dropped, so that the
 // length returned is always that of the text.
-int collectLine(int handle, char *buffer, int size)
+int CollectLine(int handle, char *buffer, int size)
 {
     Slot *slot = &slots[handle];
-    int c = slot->firstRead ? nextCharacter(slot) : slot->lookAhead;
+    int c = slot->firstRead ? NextCharacter(slot) : slot->lookAhead;
     slot->firstRead = false;
     slot->brokenLine = false;
     ++slot->lineNo;
     bool dropping = false;
     int length = 0;
-    for (;; c = nextCharacter(slot)) {
+    for (;; c = NextCharacter(slot)) {
         if (length == size - 1 && !dropping)
-            return breakLine(slot, c, length);
+            return BreakLine(slot, c, length);
         if (c == END_OF_FILE)
-            return endFile(handle, length);
+            return EndFile(handle, length);
         if (c == '\r' || c == '\n') {
-            endLine(slot, c);
+            EndLine(slot, c);
             return length;
         }
         dropping = dropping || c == '\0';
@@ -118,8 +118,8 @@ int TXFR_Open(const char *fileName)
     if (slot->file == nullptr)
         return -1;
     slot->block = std::make_unique<unsigned char[]>(BLOCK_SIZE);
-    if (!fillBlock(slot) && std::ferror(slot->file)) { // a folder, say
-        closeSlot(slot);
+    if (!FillBlock(slot) && std::ferror(slot->file)) { // a folder, say
+        CloseSlot(slot);
         return -1;
     }
     return handle;
@@ -127,13 +127,13 @@ int TXFR_Open(const char *fileName)
 
 int TXFR_RdLine(int handle, char *buffer, int size)
 {
-    if (slotOf(handle) == nullptr)
+    if (SlotOf(handle) == nullptr)
         return -1;
     if (buffer == nullptr || size < 2) { // no room for any text: no call would ever get on
         TXFR_Close(handle);
         return -1;
     }
-    const int length = collectLine(handle, buffer, size);
+    const int length = CollectLine(handle, buffer, size);
     buffer[length > 0 ? length : 0] = '\0';
     return length;
 }
@@ -163,19 +163,19 @@ int TXFR_RdNewLine(int handle, std::string *line, int size)
 
 int TXFR_IsBrokenLine(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     return slot == nullptr ? -1 : slot->brokenLine ? 1 : 0;
 }
 
 int TXFR_GetLineNo(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     return slot == nullptr ? -1 : slot->lineNo;
 }
 
 long TXFR_GetFilePos(int handle)
 {
-    const Slot *slot = slotOf(handle);
+    const Slot *slot = SlotOf(handle);
     if (slot == nullptr)
         return -1;
     const bool ahead = !slot->firstRead && slot->lookAhead != END_OF_FILE;
@@ -184,9 +184,9 @@ long TXFR_GetFilePos(int handle)
 
 int TXFR_Close(int handle)
 {
-    Slot *slot = slotOf(handle);
+    Slot *slot = SlotOf(handle);
     if (slot == nullptr)
         return -1;
-    closeSlot(slot);
+    CloseSlot(slot);
     return 0;
 }

@@ -49,15 +49,15 @@ namespace {
 
 constexpr size_t PRINT_SIZE = 1000; // formatted text of one call, its NUL included
 
-int lineCount(const TxfrwSlot *slot)
+int LineCount(const TxfrwSlot *slot)
 {
     return static_cast<int>(slot->lines.size());
 }
 
 // Inserts before `line`, which lies within 0 .. line count.
-int insertCopy(TxfrwSlot *slot, int line, const char *text, size_t length)
+int InsertCopy(TxfrwSlot *slot, int line, const char *text, size_t length)
 {
-    if (lineCount(slot) >= TXFRW_LINES_MAX)
+    if (LineCount(slot) >= TXFRW_LINES_MAX)
         return -1;
     TxfrwLine copy = TXFRW_CopyLine(text, length);
     if (copy == nullptr)
@@ -70,7 +70,7 @@ int insertCopy(TxfrwSlot *slot, int line, const char *text, size_t length)
     return 0;
 }
 
-int appendToWorkingLine(TxfrwSlot *slot, const char *text, size_t length)
+int AppendToWorkingLine(TxfrwSlot *slot, const char *text, size_t length)
 {
     TxfrwLine &line = slot->lines[static_cast<size_t>(slot->workingLine)];
     const size_t before = std::strlen(line.get());
@@ -85,7 +85,7 @@ int appendToWorkingLine(TxfrwSlot *slot, const char *text, size_t length)
 }
 
 // Number of line ends in the text; CR LF is one.
-int countLineEnds(const char *text)
+int CountLineEnds(const char *text)
 {
     int ends = 0;
     for (; *text != '\0'; ++text)
@@ -93,23 +93,23 @@ int countLineEnds(const char *text)
     return ends;
 }
 
-int printText(TxfrwSlot *slot, const char *text)
+int PrintText(TxfrwSlot *slot, const char *text)
 {
-    slot->workingLine = std::min(slot->workingLine, lineCount(slot));
-    const bool isNewLine = slot->workingLine == lineCount(slot);
-    if (lineCount(slot) + countLineEnds(text) + (isNewLine ? 1 : 0) > TXFRW_LINES_MAX)
+    slot->workingLine = std::min(slot->workingLine, LineCount(slot));
+    const bool isNewLine = slot->workingLine == LineCount(slot);
+    if (LineCount(slot) + CountLineEnds(text) + (isNewLine ? 1 : 0) > TXFRW_LINES_MAX)
         return -1; // before anything is changed
-    if (isNewLine && insertCopy(slot, slot->workingLine, "", 0) != 0)
+    if (isNewLine && InsertCopy(slot, slot->workingLine, "", 0) != 0)
         return -1;
     for (;;) {
         const size_t length = std::strcspn(text, "\r\n");
-        if (length > 0 && appendToWorkingLine(slot, text, length) != 0)
+        if (length > 0 && AppendToWorkingLine(slot, text, length) != 0)
             return -1;
         text += length;
         if (*text == '\0')
             return 0;
         text += text[0] == '\r' && text[1] == '\n' ? 2 : 1;
-        if (insertCopy(slot, slot->workingLine + 1, "", 0) != 0)
+        if (InsertCopy(slot, slot->workingLine + 1, "", 0) != 0)
             return -1;
         ++slot->workingLine;
     }
@@ -149,7 +149,7 @@ const char *TXFRW_GetFileNamePtr(int handle)
 int TXFRW_GetCnLines(int handle)
 {
     const TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    return slot == nullptr ? -1 : lineCount(slot);
+    return slot == nullptr ? -1 : LineCount(slot);
 }
 
 int TXFRW_IsOpened(int handle)
@@ -160,7 +160,7 @@ int TXFRW_IsOpened(int handle)
 const char *TXFRW_GetLinePtr(int handle, int line)
 {
     const TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    if (slot == nullptr || line < 0 || line >= lineCount(slot))
+    if (slot == nullptr || line < 0 || line >= LineCount(slot))
         return nullptr;
     return slot->lines[static_cast<size_t>(line)].get();
 }
@@ -168,10 +168,10 @@ const char *TXFRW_GetLinePtr(int handle, int line)
 int TXFRW_SetLine(int handle, int line, const char *text)
 {
     TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    if (slot == nullptr || text == nullptr || line < 0 || line > lineCount(slot))
+    if (slot == nullptr || text == nullptr || line < 0 || line > LineCount(slot))
         return -1;
-    if (line == lineCount(slot))
-        return insertCopy(slot, line, text, std::strlen(text));
+    if (line == LineCount(slot))
+        return InsertCopy(slot, line, text, std::strlen(text));
     TxfrwLine copy = TXFRW_CopyLine(text, std::strlen(text));
     if (copy == nullptr)
         return -1;
@@ -187,12 +187,12 @@ int TXFRW_AppendLine(int handle, const char *text)
 int TXFRW_InsertLine(int handle, int line, const char *text)
 {
     TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    if (slot == nullptr || text == nullptr || line > lineCount(slot))
+    if (slot == nullptr || text == nullptr || line > LineCount(slot))
         return -1;
     if (line >= 0)
-        return insertCopy(slot, line, text, std::strlen(text));
-    const int at = std::min(slot->workingLine, lineCount(slot));
-    if (insertCopy(slot, at, text, std::strlen(text)) != 0)
+        return InsertCopy(slot, line, text, std::strlen(text));
+    const int at = std::min(slot->workingLine, LineCount(slot));
+    if (InsertCopy(slot, at, text, std::strlen(text)) != 0)
         return -1;
     slot->workingLine = at + 1;
     return 0;
@@ -201,7 +201,7 @@ int TXFRW_InsertLine(int handle, int line, const char *text)
 int TXFRW_DeleteLine(int handle, int line)
 {
     TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    if (slot == nullptr || line < 0 || line >= lineCount(slot))
+    if (slot == nullptr || line < 0 || line >= LineCount(slot))
         return -1;
     slot->lines.erase(slot->lines.begin() + line);
     return 0;
@@ -230,7 +230,7 @@ int TXFRW_ReadLine(int handle, char *buffer, int size)
     const char *line = TXFRW_GetLinePtr(handle, slot->workingLine);
     buffer[0] = '\0';
     if (line == nullptr) {
-        slot->workingLine = lineCount(slot);
+        slot->workingLine = LineCount(slot);
         return -1;
     }
     const size_t length = std::min(std::strlen(line), static_cast<size_t>(size) - 1);
@@ -250,7 +250,7 @@ int TXFRW_printf(int handle, const char *format, ...)
     va_start(arguments, format);
     const int length = std::vsnprintf(text, sizeof text, format, arguments);
     va_end(arguments);
-    if (length < 0 || printText(slot, text) != 0)
+    if (length < 0 || PrintText(slot, text) != 0)
         return -1;
     return std::min(length, static_cast<int>(PRINT_SIZE) - 1);
 }

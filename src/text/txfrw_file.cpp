@@ -18,7 +18,7 @@ constexpr size_t MEMORY_LINE_MAX = 999; // characters of a line taken from memor
 enum ReadResult { READ_LINE, READ_END, READ_TOO_LONG };
 
 // Next line of a file. One that just fills the buffer is whole when nothing follows it.
-ReadResult readLine(int reader, char *buffer)
+ReadResult ReadLine(int reader, char *buffer)
 {
     if (TXFR_RdLine(reader, buffer, LINE_SIZE) < 0)
         return READ_END;
@@ -29,7 +29,7 @@ ReadResult readLine(int reader, char *buffer)
     return length <= 0 ? READ_LINE : READ_TOO_LONG;
 }
 
-int addLine(TxfrwSlot *slot, const char *text, size_t length)
+int AddLine(TxfrwSlot *slot, const char *text, size_t length)
 {
     TxfrwLine line = TXFRW_CopyLine(text, length);
     if (line == nullptr)
@@ -38,7 +38,7 @@ int addLine(TxfrwSlot *slot, const char *text, size_t length)
     return 0;
 }
 
-int loadFile(TxfrwSlot *slot)
+int LoadFile(TxfrwSlot *slot)
 {
     const int reader = TXFR_Open(slot->fileName.c_str());
     if (reader < 0)
@@ -46,24 +46,24 @@ int loadFile(TxfrwSlot *slot)
     char buffer[LINE_SIZE];
     int result = 0;
     while (result == 0 && slot->lines.size() < TXFRW_LINES_MAX) {
-        const ReadResult read = readLine(reader, buffer);
+        const ReadResult read = ReadLine(reader, buffer);
         if (read == READ_END)
             break;
-        result = read == READ_LINE ? addLine(slot, buffer, std::strlen(buffer)) : -1;
+        result = read == READ_LINE ? AddLine(slot, buffer, std::strlen(buffer)) : -1;
     }
     TXFR_Close(reader); // already closed at the end of the file
     return result;
 }
 
 // One line of a text in memory, cut where it is too long; false when the table is full.
-bool addPieces(TxfrwSlot *slot, const char *text, size_t length)
+bool AddPieces(TxfrwSlot *slot, const char *text, size_t length)
 {
     const void *nul = length > 0 ? std::memchr(text, '\0', length) : nullptr;
     if (nul != nullptr)
         length = static_cast<size_t>(static_cast<const char *>(nul) - text);
     do {
         const size_t piece = std::min(length, MEMORY_LINE_MAX);
-        if (slot->lines.size() >= TXFRW_LINES_MAX || addLine(slot, text, piece) != 0)
+        if (slot->lines.size() >= TXFRW_LINES_MAX || AddLine(slot, text, piece) != 0)
             return false;
         text += piece;
         length -= piece;
@@ -71,14 +71,14 @@ bool addPieces(TxfrwSlot *slot, const char *text, size_t length)
     return true;
 }
 
-void loadMemory(TxfrwSlot *slot, const char *buffer, size_t length)
+void LoadMemory(TxfrwSlot *slot, const char *buffer, size_t length)
 {
     const char *const end = buffer + length;
     const char *line = buffer;
     while (line != end) {
         const char *lineEnd =
             std::find_if(line, end, [](char c) { return c == '\r' || c == '\n'; });
-        if (!addPieces(slot, line, static_cast<size_t>(lineEnd - line)) || lineEnd == end)
+        if (!AddPieces(slot, line, static_cast<size_t>(lineEnd - line)) || lineEnd == end)
             return;
         const bool isPair = *lineEnd == '\r' && lineEnd + 1 != end && lineEnd[1] == '\n';
         line = lineEnd + (isPair ? 2 : 1);
@@ -91,7 +91,7 @@ int TXFRW_Open(const char *fileName, const char *mode)
 {
     const int handle = TXFRW_NewSlot(fileName, mode);
     TxfrwSlot *slot = TXFRW_SlotOf(handle);
-    if (slot != nullptr && (slot->mode & TXFRW_MODE_READ) != 0 && loadFile(slot) != 0) {
+    if (slot != nullptr && (slot->mode & TXFRW_MODE_READ) != 0 && LoadFile(slot) != 0) {
         TXFRW_Close(handle);
         return -1;
     }
@@ -102,7 +102,7 @@ int TXFRW_Create(const char *fileName, const char *mode, const char *buffer, siz
 {
     const int handle = TXFRW_NewSlot(fileName, mode);
     if (handle >= 0 && length > 0)
-        loadMemory(TXFRW_SlotOf(handle), buffer, length);
+        LoadMemory(TXFRW_SlotOf(handle), buffer, length);
     return handle;
 }
 
@@ -115,7 +115,7 @@ int TXFRW_IsCtsOnDisk(int handle)
     char buffer[LINE_SIZE];
     size_t line = 0;
     ReadResult read = READ_LINE;
-    while ((read = readLine(reader, buffer)) == READ_LINE && line < slot->lines.size() &&
+    while ((read = ReadLine(reader, buffer)) == READ_LINE && line < slot->lines.size() &&
            std::strcmp(buffer, slot->lines[line].get()) == 0)
         ++line;
     TXFR_Close(reader);

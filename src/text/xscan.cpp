@@ -31,89 +31,89 @@ struct Repeat {
     size_t most;
 };
 
-SCAN_INLINE unsigned char byteAt(const char *position)
+SCAN_INLINE unsigned char ByteAt(const char *position)
 {
     return static_cast<unsigned char>(*position);
 }
 
-SCAN_INLINE unsigned char asciiUpper(unsigned char c)
+SCAN_INLINE unsigned char AsciiUpper(unsigned char c)
 {
     return c >= 'a' && c <= 'z' ? static_cast<unsigned char>(c - CASE_DISTANCE) : c;
 }
 
-SCAN_INLINE unsigned char asciiLower(unsigned char c)
+SCAN_INLINE unsigned char AsciiLower(unsigned char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<unsigned char>(c + CASE_DISTANCE) : c;
 }
 
-template <bool FOLD> SCAN_INLINE unsigned char folded(unsigned char c)
+template <bool FOLD> SCAN_INLINE unsigned char Folded(unsigned char c)
 {
-    return FOLD ? asciiUpper(c) : c;
+    return FOLD ? AsciiUpper(c) : c;
 }
 
-SCAN_INLINE bool isBlank(unsigned char c)
+SCAN_INLINE bool IsBlank(unsigned char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 // The upper bound behind the "-" at *position, which is moved behind it. False when the
 // set ends there: the "-" has nothing to range to and is a member.
-SCAN_INLINE bool readBound(const char **position, unsigned char *bound)
+SCAN_INLINE bool ReadBound(const char **position, unsigned char *bound)
 {
     const char *p = *position + 1;
-    if (byteAt(p) <= '/') { // rarely more than a plain member
+    if (ByteAt(p) <= '/') { // rarely more than a plain member
         if (*p == '.' || *p == '\0' || (*p == '/' && *++p == '\0'))
             return false;
     }
-    *bound = byteAt(p);
+    *bound = ByteAt(p);
     *position = p + 1;
     return true;
 }
 
 // Calls visit(low, high) for each member or range of the set and returns what follows it.
-template <bool FOLD, typename Visit> SCAN_INLINE const char *readSet(const char *p, Visit visit)
+template <bool FOLD, typename Visit> SCAN_INLINE const char *ReadSet(const char *p, Visit visit)
 {
     for (;;) {
-        unsigned char low = byteAt(p), high;
+        unsigned char low = ByteAt(p), high;
         if (low <= '/') {
             if (low == '.')
                 return p + 1;
             if (low == '/')
-                low = byteAt(++p);
+                low = ByteAt(++p);
             if (low == '\0')
                 return p;
         }
         ++p;
-        if (*p != '-' || !readBound(&p, &high)) {
-            visit(folded<FOLD>(low), folded<FOLD>(low));
+        if (*p != '-' || !ReadBound(&p, &high)) {
+            visit(Folded<FOLD>(low), Folded<FOLD>(low));
             continue;
         }
         do { // a further "-" ranges on from the bound reached
-            visit(folded<FOLD>(low), folded<FOLD>(high));
+            visit(Folded<FOLD>(low), Folded<FOLD>(high));
             low = high;
-        } while (*p == '-' && readBound(&p, &high));
+        } while (*p == '-' && ReadBound(&p, &high));
     }
 }
 
 // Bits low..high of one word; the upper power of two wraps to 0 above bit 63.
-SCAN_INLINE uint64_t maskBetween(unsigned low, unsigned high)
+SCAN_INLINE uint64_t MaskBetween(unsigned low, unsigned high)
 {
     return (2ull << (high & 63)) - (1ull << (low & 63));
 }
 
-template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
+template <bool FOLD> SCAN_INLINE SetMasks ReadMasks(const char *members)
 {
     SetMasks set;
-    set.next = readSet<FOLD>(members, [&set](unsigned low, unsigned high) {
+    set.next = ReadSet<FOLD>(members, [&set](unsigned low, unsigned high) {
         const bool isOneMask = (low & 0xC0) == (high & 0xC0) && low <= high;
         if (isOneMask && high < 64) {
-            set.low |= maskBetween(low, high);
+            set.low |= MaskBetween(low, high);
         } else if (isOneMask && high < 128) {
-            set.high |= maskBetween(low, high);
+            set.high |= MaskBetween(low, high);
         } else if (low <= high) { // over the border between the masks, or beyond them
             set.wide |= high > 127;
-            set.low |= low < 64 ? maskBetween(low, 63) : 0;
-            set.high |= low < 64 ? maskBetween(64, high < 128 ? high : 127) : 0;
+            set.low |= low < 64 ? MaskBetween(low, 63) : 0;
+            set.high |= low < 64 ? MaskBetween(64, high < 128 ? high : 127) : 0;
         }
     });
     if (FOLD) // each lower-case letter answers as its upper-case one
@@ -122,22 +122,22 @@ template <bool FOLD> SCAN_INLINE SetMasks readMasks(const char *members)
 }
 
 // Sets of one plain range, such as "0-9", are most of all sets.
-SCAN_INLINE bool isOneRange(const char *members)
+SCAN_INLINE bool IsOneRange(const char *members)
 {
     return members[0] > '/' && members[1] == '-' && members[2] > '/' && members[3] == '.';
 }
 
 // Whether one character that is not the end of the text is named by the set.
 template <bool FOLD>
-SCAN_INLINE bool isMember(const char *members, unsigned char c, const char **next)
+SCAN_INLINE bool IsMember(const char *members, unsigned char c, const char **next)
 {
     bool found = false;
-    c = folded<FOLD>(c);
-    if (isOneRange(members)) {
+    c = Folded<FOLD>(c);
+    if (IsOneRange(members)) {
         *next = members + 4;
-        return c >= folded<FOLD>(byteAt(members)) && c <= folded<FOLD>(byteAt(members + 2));
+        return c >= Folded<FOLD>(ByteAt(members)) && c <= Folded<FOLD>(ByteAt(members + 2));
     }
-    *next = readSet<FOLD>(members, [&found, c](unsigned char low, unsigned char high) {
+    *next = ReadSet<FOLD>(members, [&found, c](unsigned char low, unsigned char high) {
         found |= c >= low && c <= high;
     });
     return found;
@@ -146,65 +146,65 @@ SCAN_INLINE bool isMember(const char *members, unsigned char c, const char **nex
 // Number of characters from `text` on, at most `most`, that satisfy `matches`, which
 // must refuse the end of the text.
 template <typename Matches>
-SCAN_INLINE size_t countWhile(const char *text, size_t most, Matches matches)
+SCAN_INLINE size_t CountWhile(const char *text, size_t most, Matches matches)
 {
     size_t count = 0;
-    while (count < most && matches(byteAt(text + count)))
+    while (count < most && matches(ByteAt(text + count)))
         ++count;
     return count;
 }
 
 template <bool FOLD>
-SCAN_INLINE size_t countSet(const char **pattern, const char *text, Repeat repeat, bool negated)
+SCAN_INLINE size_t CountSet(const char **pattern, const char *text, Repeat repeat, bool negated)
 {
     const char *members = *pattern + 1;
-    if (!negated && isOneRange(members)) {
-        const unsigned char low = folded<FOLD>(byteAt(members));
-        const unsigned char high = folded<FOLD>(byteAt(members + 2));
+    if (!negated && IsOneRange(members)) {
+        const unsigned char low = Folded<FOLD>(ByteAt(members));
+        const unsigned char high = Folded<FOLD>(ByteAt(members + 2));
         *pattern = members + 4;
-        return countWhile(text, repeat.most, [low, high](unsigned char c) {
-            return folded<FOLD>(c) >= low && folded<FOLD>(c) <= high;
+        return CountWhile(text, repeat.most, [low, high](unsigned char c) {
+            return Folded<FOLD>(c) >= low && Folded<FOLD>(c) <= high;
         });
     }
     // The first character alone often decides, and costs less than the masks.
     if (repeat.least > 0 || repeat.most == 1) {
-        const bool isFirst = isMember<FOLD>(members, byteAt(text), pattern) != negated;
+        const bool isFirst = IsMember<FOLD>(members, ByteAt(text), pattern) != negated;
         if (!isFirst || *text == '\0' || repeat.most == 1)
             return isFirst && *text != '\0' ? 1 : 0;
     }
-    const SetMasks set = readMasks<FOLD>(members);
+    const SetMasks set = ReadMasks<FOLD>(members);
     *pattern = set.next;
     if (set.wide)
-        return countWhile(text, repeat.most, [members, negated](unsigned char c) {
+        return CountWhile(text, repeat.most, [members, negated](unsigned char c) {
             const char *next;
-            return c != '\0' && isMember<FOLD>(members, c, &next) != negated;
+            return c != '\0' && IsMember<FOLD>(members, c, &next) != negated;
         });
     const uint64_t flip = negated ? ~0ull : 0;
     const uint64_t masks[4] = {(set.low ^ flip) & ~1ull, set.high ^ flip, flip, flip};
-    return countWhile(text, repeat.most,
+    return CountWhile(text, repeat.most,
                       [&masks](unsigned char c) { return (masks[c >> 6] >> (c & 63) & 1) != 0; });
 }
 
 // Repetitions of the element at *pattern, which is advanced past it. The end of the text
 // never counts as one.
 template <bool FOLD>
-SCAN_INLINE size_t countElement(const char **pattern, const char *text, Repeat repeat)
+SCAN_INLINE size_t CountElement(const char **pattern, const char *text, Repeat repeat)
 {
     const char *p = *pattern;
-    unsigned char literal = folded<FOLD>(byteAt(p));
+    unsigned char literal = Folded<FOLD>(ByteAt(p));
     switch (*p) {
     case ' ':
         *pattern = p + 1;
-        return countWhile(text, repeat.most, isBlank);
+        return CountWhile(text, repeat.most, IsBlank);
     case '#':
     case '^':
         if (p[1] != '\0')
-            return countSet<FOLD>(pattern, text, repeat, *p == '^');
+            return CountSet<FOLD>(pattern, text, repeat, *p == '^');
         *pattern = p + 1;
         return *p == '#' ? 0
-                         : countWhile(text, repeat.most, [](unsigned char c) { return c != '\0'; });
+                         : CountWhile(text, repeat.most, [](unsigned char c) { return c != '\0'; });
     case '/': // an escaped letter stays as written, a bare one is folded
-        literal = byteAt(++p);
+        literal = ByteAt(++p);
         if (literal == '\0') {
             *pattern = p;
             return 0;
@@ -212,13 +212,13 @@ SCAN_INLINE size_t countElement(const char **pattern, const char *text, Repeat r
         [[fallthrough]];
     default:
         *pattern = p + 1;
-        return countWhile(text, repeat.most,
-                          [literal](unsigned char c) { return folded<FOLD>(c) == literal; });
+        return CountWhile(text, repeat.most,
+                          [literal](unsigned char c) { return Folded<FOLD>(c) == literal; });
     }
 }
 
 // The quantifier at *pattern, which is advanced past it. False when its count is missing or 0.
-SCAN_INLINE bool readRepeat(const char **pattern, Repeat *repeat)
+SCAN_INLINE bool ReadRepeat(const char **pattern, Repeat *repeat)
 {
     const char first = *(*pattern)++;
     const char second = **pattern;
@@ -238,16 +238,16 @@ SCAN_INLINE bool readRepeat(const char **pattern, Repeat *repeat)
 }
 
 // One element that stands without a quantifier.
-template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char **text)
+template <bool FOLD> SCAN_INLINE bool MatchOne(const char **pattern, const char **text)
 {
     const char *p = *pattern;
-    const unsigned char c = byteAt(*text);
-    unsigned char literal = folded<FOLD>(byteAt(p));
+    const unsigned char c = ByteAt(*text);
+    unsigned char literal = Folded<FOLD>(ByteAt(p));
     switch (*p) {
     case '#':
     case '^':
         if (p[1] != '\0') {
-            if (isMember<FOLD>(p + 1, c, pattern) == (*p == '^') || c == '\0')
+            if (IsMember<FOLD>(p + 1, c, pattern) == (*p == '^') || c == '\0')
                 return false;
             ++*text;
             return true;
@@ -258,12 +258,12 @@ template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char 
         *text += c != '\0' ? 1 : 0;
         return true;
     case '/':
-        literal = byteAt(++p);
+        literal = ByteAt(++p);
         if (literal == '\0')
             return false;
         [[fallthrough]];
     default:
-        if (folded<FOLD>(c) != literal)
+        if (Folded<FOLD>(c) != literal)
             return false;
         *pattern = p + 1;
         ++*text;
@@ -272,7 +272,7 @@ template <bool FOLD> SCAN_INLINE bool matchOne(const char **pattern, const char 
 }
 
 // Matches the whole pattern; *text ends behind what was matched, on failure too.
-template <bool FOLD> SCAN_INLINE bool matchPattern(const char *pattern, const char **text)
+template <bool FOLD> SCAN_INLINE bool MatchPattern(const char *pattern, const char **text)
 {
     const char *at = *text;
     bool good = true;
@@ -282,7 +282,7 @@ template <bool FOLD> SCAN_INLINE bool matchPattern(const char *pattern, const ch
         case '*':
         case '@':
         case '?':
-            if (!readRepeat(&pattern, &repeat)) {
+            if (!ReadRepeat(&pattern, &repeat)) {
                 good = false;
                 break;
             }
@@ -290,13 +290,13 @@ template <bool FOLD> SCAN_INLINE bool matchPattern(const char *pattern, const ch
                 break;
             [[fallthrough]];
         case ' ': { // a bare blank takes all blanks there are
-            const size_t count = countElement<FOLD>(&pattern, at, repeat);
+            const size_t count = CountElement<FOLD>(&pattern, at, repeat);
             at += count;
             good = count >= repeat.least;
             break;
         }
         default:
-            good = matchOne<FOLD>(&pattern, &at);
+            good = MatchOne<FOLD>(&pattern, &at);
             break;
         }
     }
@@ -304,20 +304,20 @@ template <bool FOLD> SCAN_INLINE bool matchPattern(const char *pattern, const ch
     return good;
 }
 
-char *copyOut(char *output, const char *from, const char *to, unsigned flags)
+char *CopyOut(char *output, const char *from, const char *to, unsigned flags)
 {
     for (; from != to; ++from, ++output) {
-        const unsigned char c = byteAt(from);
+        const unsigned char c = ByteAt(from);
         if ((flags & XSCAN_UPPER) != 0)
-            *output = static_cast<char>(asciiUpper(c));
+            *output = static_cast<char>(AsciiUpper(c));
         else
-            *output = static_cast<char>((flags & XSCAN_LOWER) != 0 ? asciiLower(c) : c);
+            *output = static_cast<char>((flags & XSCAN_LOWER) != 0 ? AsciiLower(c) : c);
     }
     *output = '\0';
     return output;
 }
 
-int measure(const char *pattern, const char **cursor, char **output, unsigned flags)
+int Measure(const char *pattern, const char **cursor, char **output, unsigned flags)
 {
     const char *start = *cursor;
     const int result = xscan1(pattern, cursor, output, flags);
@@ -344,9 +344,9 @@ int xscan1(const char *pattern, const char **cursor, char **output, unsigned fla
 {
     const char *start = *cursor;
     const char *end = start;
-    const bool matched = (flags & XSCAN_NOCASE) != 0 ? matchPattern<true>(pattern, &end)
-                                                     : matchPattern<false>(pattern, &end);
-    char *outputEnd = output != nullptr ? copyOut(*output, start, end, flags) : nullptr;
+    const bool matched = (flags & XSCAN_NOCASE) != 0 ? MatchPattern<true>(pattern, &end)
+                                                     : MatchPattern<false>(pattern, &end);
+    char *outputEnd = output != nullptr ? CopyOut(*output, start, end, flags) : nullptr;
     if (!matched)
         return -1;
     *cursor = end;
@@ -357,22 +357,22 @@ int xscan1(const char *pattern, const char **cursor, char **output, unsigned fla
 
 int xscan(const char *pattern, const char **cursor, char **output)
 {
-    return measure(pattern, cursor, output, 0);
+    return Measure(pattern, cursor, output, 0);
 }
 
 int xscani(const char *pattern, const char **cursor, char **output)
 {
-    return measure(pattern, cursor, output, XSCAN_NOCASE);
+    return Measure(pattern, cursor, output, XSCAN_NOCASE);
 }
 
 int xscaniu(const char *pattern, const char **cursor, char **output)
 {
-    return measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_UPPER);
+    return Measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_UPPER);
 }
 
 int xscanil(const char *pattern, const char **cursor, char **output)
 {
-    return measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_LOWER);
+    return Measure(pattern, cursor, output, XSCAN_NOCASE | XSCAN_LOWER);
 }
 
 int xscan_strcpy(char *destination, const char *source, const char *pattern)

@@ -1,12 +1,16 @@
 #include "ui/ui_table.h"
 
-#include "app/VR.h"
+#include "app/help.h"
+#include "app/main_panel.h"
+#include "app/options.h"
+#include "app/startup.h"
 #include "console/monitor/text_box.h"
-#include "symbols/mapfile.h"
 #include "ui/resource.h"
+#include "watch/list/debug_file.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
+#include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"
 
 const int UI_nMenuPanel = PANEL_MAIN;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "app/rooms.h"
 #include "runtime/userint.h"
 
 // The font library keeps a little memory for itself at exit; not ours to free.
@@ -20,5 +21,6 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     if (InitCVIRTE(&argc, argv) < 0)
         return 1;
+    VR_ConnectRooms();
     return RUN_ALL_TESTS();
 }

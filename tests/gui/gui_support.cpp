@@ -1,7 +1,11 @@
 #include "gui/gui_support.h"
 
-#include "app/VR.h"
+#include "app/main_panel.h"
+#include "app/startup.h"
+#include "comm/communication.h"
+#include "settings/settings.h"
 #include "support/sim_fixture.h"
+#include "watch/main_window.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -8,8 +8,9 @@
 #include <filesystem>
 #include <fstream>
 
-#include "app/VR.h"
 #include "gui/gui_support.h"
+#include "settings/settings.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 
 namespace {

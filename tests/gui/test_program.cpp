@@ -8,8 +8,8 @@
 #include <QScrollBar>
 #include <QTimer>
 
-#include "app/VR.h"
 #include "gui/gui_support.h"
+#include "settings/settings.h"
 #include "support/sim_fixture.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"

@@ -10,11 +10,11 @@
 #include <string>
 #include <vector>
 
-#include "app/VR.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/sim_fixture.h"
 #include "support/ui_reading.h"

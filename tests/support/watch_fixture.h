@@ -7,15 +7,17 @@
 
 #include <gtest/gtest.h>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/sim_fixture.h"
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
+#include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 

@@ -1,10 +1,12 @@
 // Lines from standard input, typed into the console's input field and entered.
 #include <cstdio>
 
-#include "app/VR.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
+#include "app/startup.h"
+#include "comm/communication.h"
 #include "console/monitor/monitor.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 
 namespace {

@@ -2,13 +2,15 @@
 // does, and turns the outcome into an exit code.
 #include <cstdio>
 
-#include "app/VR.h"
 #include "app/console_program/console_options.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
+#include "app/startup.h"
+#include "app/version.h"
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
+#include "settings/settings.h"
 
 namespace {
 

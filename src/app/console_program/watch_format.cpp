@@ -5,8 +5,9 @@
 #include <cstdio>
 
 #include "comm/sysaddr.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -20,13 +21,6 @@ struct Row {
     int size = 0;
     bool isError = false;
 };
-
-std::string Trim(const std::string &text)
-{
-    const size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? ""
-                                      : text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 uint64_t RawValue(const LItem &item)
 {
@@ -57,7 +51,7 @@ Row MakeRow(const LItem &item)
     }
     if (!row.isError) {
         FormatLItemVal(&row.value, item);
-        row.value = Trim(row.value);
+        row.value = WRD_Trim(row.value);
         row.raw = std::to_string(RawValue(item));
     }
     return row;
@@ -65,8 +59,8 @@ Row MakeRow(const LItem &item)
 
 std::string CsvLine(const Row &row, long sweep)
 {
-    return std::to_string(sweep) + ',' + CPG_QuoteCsv(row.name) + ',' + row.address + ',' +
-           row.type + ',' + std::to_string(row.size) + ',' + CPG_QuoteCsv(row.value) + ',' +
+    return std::to_string(sweep) + ',' + WRD_QuoteCsv(row.name) + ',' + row.address + ',' +
+           row.type + ',' + std::to_string(row.size) + ',' + WRD_QuoteCsv(row.value) + ',' +
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
@@ -123,16 +117,6 @@ size_t Utf8Length(const std::string &text, size_t at)
 }
 
 } // namespace
-
-std::string CPG_QuoteCsv(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return quoted + '"';
-}
 
 std::string CPG_QuoteJson(const std::string &text)
 {

@@ -6,7 +6,6 @@
 
 #include "app/console_program/console_options.h"
 
-std::string CPG_QuoteCsv(const std::string &text); // quoted only where CSV asks for it
 // A JSON string with its quotes. Bytes that are no UTF-8 count as Latin-1.
 std::string CPG_QuoteJson(const std::string &text);
 

@@ -2,13 +2,17 @@
 #include <csignal>
 #include <cstdio>
 
-#include "app/VR.h"
 #include "app/console_program/sessions.h"
 #include "app/console_program/watch_format.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/main_window.h"
 
 namespace {
 

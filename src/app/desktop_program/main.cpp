@@ -1,5 +1,5 @@
 // The desktop program.
-#include "app/VR.h"
+#include "app/startup.h"
 #include "platform/system.h"
 
 int main(int argc, char **argv)

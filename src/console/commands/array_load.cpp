@@ -6,11 +6,11 @@
 
 #include "console/commands/array_types.h"
 #include "console/commands/commands.h"
-#include "console/monitor/monitor.h"
-#include "console/script/script_command.h"
-#include "console/monitor/text_box.h"
 #include "console/commands/transfer.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "console/script/script_command.h"
 #include "text/txfr.h"
 #include "text/xscan.h"
 

@@ -12,6 +12,7 @@
 #include "console/monitor/word.h"
 #include "console/script/script_command.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "text/xscan.h"
 
 const ArrayType ARR_aTypes[ARRAY_TYPES] = {
@@ -42,12 +43,6 @@ bool IsIntegerLine(const ArrayType &type, const char *line)
     return xscan(type.isSigned ? SIGNED_LINE : UNSIGNED_LINE, &line) >= 0;
 }
 
-void PutBytes(uint32_t bits, uint32_t size, uint8_t *bytes)
-{
-    for (uint32_t i = 0; i < size; i++)
-        bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
-}
-
 ArrayParse ParseFloat(const char *line, uint8_t *bytes)
 {
     if (!IsFloatLine(line))
@@ -57,7 +52,7 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
         return ARRAY_OUT_OF_RANGE;
     uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
-    PutBytes(bits, sizeof bits, bytes);
+    BYT_PutLittle(bytes, sizeof bits, bits);
     return ARRAY_OK;
 }
 
@@ -123,9 +118,7 @@ std::string ARR_FormatPlace(const ArrayRequest &request, const char *addressPref
 
 uint32_t ARR_GetElement(const ArrayType &type, const uint8_t *bytes)
 {
-    uint32_t bits = 0;
-    for (uint32_t i = 0; i < type.size; i++)
-        bits |= uint32_t(bytes[i]) << (8 * i);
+    const uint32_t bits = static_cast<uint32_t>(BYT_GetLittle(bytes, type.size));
     const uint32_t sign = 1u << (8 * type.size - 1);
     return type.isSigned && (bits & sign) ? bits | ~(2 * sign - 1) : bits;
 }
@@ -154,6 +147,6 @@ ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *by
     const long long low = type.isSigned ? -span / 2 : 0;
     if (errno != 0 || value < low || value >= low + span)
         return ARRAY_OUT_OF_RANGE;
-    PutBytes(static_cast<uint32_t>(value), type.size, bytes);
+    BYT_PutLittle(bytes, type.size, static_cast<uint32_t>(value));
     return ARRAY_OK;
 }

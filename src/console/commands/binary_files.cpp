@@ -6,10 +6,10 @@
 #include "comm/sysaddr.h"
 #include "console/commands/array_types.h"
 #include "console/commands/commands.h"
-#include "console/monitor/monitor.h"
-#include "console/script/script_command.h"
-#include "console/monitor/text_box.h"
 #include "console/commands/transfer.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
+#include "console/script/script_command.h"
 #include "platform/safe_file.h"
 
 namespace {

@@ -1,16 +1,20 @@
 // Commands that change the program's settings, talk to the user or end the monitor.
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "console/commands/commands.h"
 #include "console/monitor/link.h"
 #include "console/monitor/monitor.h"
-#include "console/script/script.h"
-#include "console/script/script_command.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "console/script/script.h"
+#include "console/script/script_command.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/name_changes.h"
+#include "watch/main_window.h"
 
 int SCR_enLanguage = LANGUAGE_CZ;
 bool SCR_bGotoCmd = false;

@@ -2,16 +2,16 @@
 // then the letter commands. The link is held for every line past the first half.
 #include <cstring>
 
-#include "app/VR.h"
 #include "console/monitor/dump.h"
 #include "console/monitor/link.h"
 #include "console/monitor/memory_files.h"
 #include "console/monitor/monitor.h"
-#include "console/script/script.h"
-#include "console/script/script_command.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/value_entry.h"
 #include "console/monitor/word.h"
+#include "console/script/script.h"
+#include "console/script/script_command.h"
+#include "settings/settings.h"
 
 uint32_t dwAddr = 0;
 

@@ -12,8 +12,10 @@
 #include "console/monitor/text_box.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
-#include "watch/list/refresh.h"
+#include "text/bytes.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 
@@ -27,11 +29,6 @@ constexpr size_t WORDS_RULE = 74;
 constexpr size_t NODE_RULE = 40;
 constexpr char NO_ANSWER[] = "\nMessage not succesful.";
 
-uint32_t CollectLong(const uint8_t *bytes)
-{
-    return bytes[0] | uint32_t(bytes[1]) << 8 | uint32_t(bytes[2]) << 16 | uint32_t(bytes[3]) << 24;
-}
-
 std::string FormatByte(uint8_t byte)
 {
     return CON_Format("   %02X     %6d     %6u", byte, static_cast<int8_t>(byte), byte);
@@ -39,7 +36,7 @@ std::string FormatByte(uint8_t byte)
 
 std::string FormatFloat(const uint8_t *bytes)
 {
-    const uint32_t bits = CollectLong(bytes);
+    const uint32_t bits = static_cast<uint32_t>(BYT_GetLittle(bytes, 4));
     float value = 0;
     std::memcpy(&value, &bits, sizeof value);
     return CON_Format("      %6g (0x%08X)", static_cast<double>(value), bits);

@@ -1,12 +1,13 @@
 // The input field: what each key does, the history, and which interpreter gets the
 // line in which mode.
-#include "app/VR.h"
 #include "console/monitor/completion.h"
 #include "console/monitor/monitor.h"
-#include "console/script/script.h"
 #include "console/monitor/text_box.h"
+#include "console/script/script.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/main_window.h"
 
 int32_t command = CMD_C166;
 std::array<std::string, HISTORY_LINES> aOldCommand;
@@ -111,7 +112,7 @@ void LeaveMonitor()
 {
     SCR_isExit = false;
     CON_isExit = true;
-    WindowCB(0, ITEM_WATCH_VIEW);
+    MWN_ShowView(ITEM_WATCH_VIEW);
 }
 
 int EnterLine(int panel, int control)

@@ -5,11 +5,15 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
+#include "watch/main_window.h"
 
 int32_t nASC_Opened = 0;
 
@@ -46,6 +50,13 @@ bool IsLinkKept()
     return isTimer != 0 || nScripts > 0;
 }
 
+// The diagnostics' own timers do not run while communication is off.
+void ShowDiagnostics()
+{
+    STP_Refresh();
+    TRP_Refresh();
+}
+
 // A link nobody keeps is opened for each line anew: the settings may have changed.
 bool IsLinkReady()
 {
@@ -76,7 +87,7 @@ void CON_ReleaseLink()
     if (nASC_Opened == 0) {
         if (!IsLinkKept()) {
             UCM_Close();
-            VR_ShowDiagnostics();
+            ShowDiagnostics();
         }
         return;
     }
@@ -96,7 +107,7 @@ void CON_EndScript()
     nScripts--;
     if (nASC_Opened == 0 && !IsLinkKept())
         UCM_Close();
-    VR_ShowDiagnostics();
+    ShowDiagnostics();
 }
 
 void CON_DropLink()

@@ -2,13 +2,14 @@
 // project's own map from the target's flash.
 #include <string>
 
-#include "app/VR.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "settings/settings.h"
 #include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "watch/main_window.h"
 
 namespace {
 

@@ -15,24 +15,20 @@
 #include "console/monitor/value_entry.h"
 #include "console/monitor/word.h"
 #include "platform/safe_file.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "text/txfr.h"
-#include "watch/list/refresh.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 
-constexpr int COMMAND_WRITE = 8;
 constexpr uint32_t ITEM_BYTES = 4;
 constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 KiB
 constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
 constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 
 // --- reading the target: one item, 0 or -1 -----------------------------------------------
-
-uint32_t CollectLong(const uint8_t *bytes)
-{
-    return bytes[0] | uint32_t(bytes[1]) << 8 | uint32_t(bytes[2]) << 16 | uint32_t(bytes[3]) << 24;
-}
 
 // A float is fetched byte by byte, an integer at once: a counter must not change halfway.
 int ReadC166(uint32_t address, bool isFloat, uint32_t *value)
@@ -42,7 +38,7 @@ int ReadC166(uint32_t address, bool isFloat, uint32_t *value)
     for (uint32_t i = 0; i < ITEM_BYTES; i += step)
         if (UCM_Read(STATION, address + i, step, bytes + i) < 0)
             return -1;
-    *value = CollectLong(bytes);
+    *value = static_cast<uint32_t>(BYT_GetLittle(bytes, 4));
     return 0;
 }
 
@@ -110,7 +106,7 @@ int StoreFile(const MemoryFileRequest &request, const Source &source)
 
 int SendBytes(uint32_t address, const uint8_t *bytes, uint16_t count)
 {
-    if (UCM_EmuCom166Msg(STATION, COMMAND_WRITE, address, count, bytes) > 0)
+    if (UCM_EmuCom166Msg(STATION, TARGET_WRITE, address, count, bytes) > 0)
         return 0;
     return MEM_Fail(CON_Format("Message not succesful (Address %06x).", address));
 }

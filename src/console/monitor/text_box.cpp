@@ -6,12 +6,13 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/VR.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/main_window.h"
 
 namespace {
 
@@ -139,13 +140,13 @@ void CON_SaveTextCB(int, int)
         MessagePopup("Error", "Could not write the file " + path + ".");
 }
 
-void CON_RunScriptCB(int menuBar, int)
+void CON_RunScriptCB(int, int)
 {
     std::string path;
     if (FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD, &path) ==
         VAL_NO_FILE_SELECTED)
         return;
-    WindowCB(menuBar, ITEM_CONSOLE_VIEW);
+    MWN_ShowView(ITEM_CONSOLE_VIEW);
     CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
     SCR_RunAndReport(path, consolePanel);
     CON_ScrollToEnd();

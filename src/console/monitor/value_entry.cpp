@@ -15,12 +15,13 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
-#include "watch/list/refresh.h"
+#include "text/bytes.h"
+#include "watch/value/tms_float.h"
 
 namespace {
 
-constexpr int COMMAND_WRITE = 8;      // link command that writes memory
 constexpr uint16_t INTEGER_BYTES = 2; // what a C166 integer, unsigned and hex value takes
 constexpr uint16_t FLOAT_BYTES = 4;
 
@@ -101,9 +102,8 @@ void EndEntry(int32_t mode)
 int SendC166Value(uint32_t value, const Kind &kind)
 {
     uint8_t bytes[4];
-    for (int i = 0; i < 4; i++)
-        bytes[i] = static_cast<uint8_t>(value >> (8 * i));
-    if (UCM_EmuCom166Msg(STATION, COMMAND_WRITE, dwAddr, kind.bytes, bytes) > 0)
+    BYT_PutLittle(bytes, sizeof bytes, value);
+    if (UCM_EmuCom166Msg(STATION, TARGET_WRITE, dwAddr, kind.bytes, bytes) > 0)
         return 0;
     MEM_Fail(CON_Format("Message not succesful (Address %06x).", dwAddr));
     return -1;

@@ -2,13 +2,15 @@
 // go forward. An error is reported as the number of the line it happened on.
 #include <string>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "console/monitor/link.h"
 #include "console/monitor/monitor.h"
-#include "console/script/script.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "console/script/script.h"
+#include "settings/settings.h"
 #include "text/txfr.h"
+#include "watch/main_window.h"
 
 namespace {
 

@@ -1,32 +1,23 @@
 #include "watch/list/debug_file.h"
 
-#include "app/VR.h"
-#include "platform/safe_file.h"
+#include <algorithm>
+
+#include "comm/communication.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "watch/list/edit.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 
 namespace {
 
 const char FILE_TYPES[] = "*.dbg;*.dat";
 const char FILE_PATTERN[] = "*.d*";
 
-struct FileTime {
-    int hour, minute, second;
-};
-FileTime lastSeen = {0, 0, 0};
-
-bool readTime(const std::string &path, FileTime *time)
-{
-    PLT_FileStamp stamp;
-    if (path.empty() || PLT_GetFileStamp(path, &stamp) != 0)
-        return false;
-    *time = {stamp.hour, stamp.minute, stamp.second};
-    return true;
-}
-
-bool isListEmpty()
+bool IsListEmpty()
 {
     if (openLItems || nLItems > 0)
         return false;
@@ -34,16 +25,16 @@ bool isListEmpty()
     return true;
 }
 
-std::string cannotOpen(const std::string &path)
+std::string CannotOpen(const std::string &path)
 {
     return "Cannot open file '" + path + "'.";
 }
 
 // Loads a file as the current one. 0, or -2 with a message and nothing changed.
-int loadAsCurrent(const std::string &path)
+int LoadAsCurrent(const std::string &path)
 {
     if (dat2litems(path.c_str()) != 0) {
-        VR_ShowMessage(cannotOpen(path));
+        VR_ShowMessage(CannotOpen(path));
         return -2;
     }
     szDebugFileName = path;
@@ -55,48 +46,15 @@ int loadAsCurrent(const std::string &path)
 
 } // namespace
 
-void DBG_RememberStamp(const std::string &path)
-{
-    readTime(path, &lastSeen);
-}
-
-int IsDbgFileChanged()
-{
-    FileTime time;
-    if (!readTime(szDebugFileName, &time))
-        return 0;
-    const bool isSame = time.hour == lastSeen.hour && time.minute == lastSeen.minute &&
-                        time.second == lastSeen.second;
-    lastSeen = time;
-    return isSame ? 0 : 1;
-}
-
-int DBG_WriteFile(const std::string &path)
-{
-    SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
-        return -1;
-    bool isWritten = true;
-    for (int i = 0; i < nLItems; ++i) {
-        const std::string line = LIT_FileLine(aLItems[i]) + "\r\n";
-        isWritten &= std::fwrite(line.data(), 1, line.size(), safe.file) == line.size();
-    }
-    if (!isWritten) {
-        SAF_Cancel(&safe);
-        return -2;
-    }
-    return SAF_Commit(&safe) == 0 ? 0 : -2;
-}
-
 int SaveDbg(int panel)
 {
-    if (isListEmpty())
+    if (IsListEmpty())
         return -1;
     if (szDebugFileName.empty())
         return SaveDbgAs(panel);
     const int result = DBG_WriteFile(szDebugFileName);
     if (result != 0) {
-        Error(result == -1 ? cannotOpen(szDebugFileName)
+        Error(result == -1 ? CannotOpen(szDebugFileName)
                            : "Cannot write file '" + szDebugFileName + "'.");
         return -1;
     }
@@ -109,7 +67,7 @@ int SaveDbg(int panel)
 
 int SaveDbgAs(int panel)
 {
-    if (isListEmpty())
+    if (IsListEmpty())
         return -1;
     std::string path;
     const std::string proposal = szDebugFileName.empty() ? FILE_PATTERN : szDebugFileName;
@@ -130,7 +88,7 @@ int LoadDbgFile(int /*panel*/)
     const int answer =
         FileSelectPopup(isNamed ? "" : PLT_CurrentDir(), isNamed ? szDebugFileName : FILE_PATTERN,
                         isNamed ? FILE_PATTERN : FILE_TYPES, "Open Icon", FILE_LOAD, &path);
-    return answer == VAL_EXISTING_FILE_SELECTED ? loadAsCurrent(path) : -1;
+    return answer == VAL_EXISTING_FILE_SELECTED ? LoadAsCurrent(path) : -1;
 }
 
 int DbgChngSafety()
@@ -168,7 +126,7 @@ int DBG_CheckReload(int /*panel*/)
     isAsking = false;
     if (isWanted != 1)
         return 0;
-    if (loadAsCurrent(std::string(szDebugFileName)) != 0)
+    if (LoadAsCurrent(std::string(szDebugFileName)) != 0)
         return -2;
     ResetLItemsDisplay();
     return 1;
@@ -178,7 +136,7 @@ int DBG_Open(const std::string &path)
 {
     if (DbgChngSafety() != 0)
         return -1;
-    return loadAsCurrent(path);
+    return LoadAsCurrent(path);
 }
 
 int anRecentItems[RECENT_MAX] = {};
@@ -186,26 +144,26 @@ int anRecentItems[RECENT_MAX] = {};
 namespace {
 
 // After a load or save under another name: the recent files and what hangs on the name.
-void showName()
+void ShowName()
 {
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     SetMainPanelAttributes();
 }
 
-void showLoaded()
+void ShowLoaded()
 {
     ResetLItemsDisplay();
-    showName();
+    ShowName();
 }
 
-void openWithDialog(int panel)
+void OpenWithDialog(int panel)
 {
     if (DbgChngSafety() == 0 && LoadDbgFile(panel) == 0)
-        showLoaded();
+        ShowLoaded();
 }
 
-void editInEditor()
+void EditInEditor()
 {
     if (szDebugFileName.empty())
         VR_ShowMessage("There is no debug file to edit.");
@@ -213,39 +171,39 @@ void editInEditor()
         VR_ShowMessage("The editor could not be started.");
 }
 
-void save(int panel)
+void SaveAndShowName(int panel)
 {
     const std::string nameBefore = szDebugFileName;
     if (SaveDbg(panel) == 1 && szDebugFileName != nameBefore)
-        showName();
+        ShowName();
 }
 
 } // namespace
 
 void OpenDatCB(int /*menuBar*/, int /*item*/)
 {
-    openWithDialog(mainPanel);
+    OpenWithDialog(mainPanel);
 }
 
 void SaveDbgCB(int /*menuBar*/, int /*item*/)
 {
-    save(mainPanel);
+    SaveAndShowName(mainPanel);
 }
 
 void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 {
     if (SaveDbgAs(mainPanel) == 1)
-        showName();
+        ShowName();
 }
 
 void ReloadDbgCB(int /*menuBar*/, int /*item*/)
 {
-    openWithDialog(mainPanel);
+    OpenWithDialog(mainPanel);
 }
 
 void EditDbgCB(int /*menuBar*/, int /*item*/)
 {
-    editInEditor();
+    EditInEditor();
 }
 
 void MenuReopenFileCB(int /*menuBar*/, int item)
@@ -255,7 +213,7 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
             continue;
         const std::string path = szaDebugFileNames[static_cast<size_t>(i)];
         if (DBG_Open(path) == 0)
-            showLoaded();
+            ShowLoaded();
         return;
     }
 }
@@ -263,20 +221,36 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
 int RldDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        openWithDialog(panel);
+        OpenWithDialog(panel);
     return 0;
 }
 
 int DbgFileBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        editInEditor();
+        EditInEditor();
     return 0;
 }
 
 int SaveDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        save(panel);
+        SaveAndShowName(panel);
     return 0;
+}
+
+void AddDebugFileName(const std::string &path)
+{
+    if (path.size() >= PATH_MAX_CHARS)
+        return;
+    const auto begin = szaDebugFileNames.begin();
+    auto place = std::find(begin, begin + nDebugFileNames, path);
+    if (place == begin + nDebugFileNames) {
+        if (nDebugFileNames < RECENT_MAX)
+            nDebugFileNames++;
+        else
+            place--; // the oldest falls off
+        *place = path;
+    }
+    std::rotate(begin, place, place + 1);
 }

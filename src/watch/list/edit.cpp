@@ -4,33 +4,37 @@
 #include <cctype>
 #include <cstring>
 
-#include "app/VR.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/typemap_list.h"
+#include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/main_window.h"
+#include "watch/value/type_by_name.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
 LItem removedItem;
 int removedFrom = -1; // -1 = nothing to undo
 
-bool isIndex(int index)
+bool IsIndex(int index)
 {
     return index >= 0 && index < nLItems;
 }
 
-void setRemovedFrom(int index)
+void SetRemovedFrom(int index)
 {
     removedFrom = index;
     const int menuBar = GetPanelMenuBar(mainPanel);
     SetMenuBarAttribute(menuBar, ITEM_UNDO, ATTR_DIMMED, index < 0);
 }
 
-void changed(int line)
+void Changed(int line)
 {
     IsDBGChange = 1;
     SetMainPanelTitle();
@@ -42,17 +46,8 @@ void changed(int line)
     LSV_Select(line);
 }
 
-std::string trimmed(const std::string &text)
-{
-    const char blanks[] = " \t\r\n\v\f";
-    const size_t begin = text.find_first_not_of(blanks);
-    if (begin == std::string::npos)
-        return "";
-    return text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
 // A name must survive a debug file: one field, no comment, no address form.
-bool isName(const std::string &name)
+bool IsName(const std::string &name)
 {
     const size_t start = !name.empty() && name[0] == '&';
     if (name.size() <= start || name.size() > LITEM_FIELD_MAX || name[start] == '[' ||
@@ -63,30 +58,20 @@ bool isName(const std::string &name)
     });
 }
 
-bool isTypeField(const std::string &field)
-{
-    if (field.empty())
-        return false;
-    if (std::strchr("bft", field[0]))
-        return field.size() == 1 ||
-               field == (field[0] == 'b' ? "b1" : std::string(1, field[0]) + "4");
-    return field.size() == 2 && std::strchr("iuxp", field[0]) && std::strchr("1248", field[1]);
-}
-
-int applyType(LItem *item, const std::string &typeField)
+int ApplyType(LItem *item, const std::string &typeField)
 {
     const std::string field = typeField.empty() ? EDT_SuggestType(item->name) : typeField;
     const bool isTMS = LIT_IsTMS(*item);
-    if (!isTypeField(field) || (isTMS && field[0] == 'b'))
+    if (!VTY_IsField(field) || (isTMS && !VTY_Find(field[0])->isForTMS))
         return EDT_ERR_TYPE;
-    LIT_SetType(item, field.c_str());
+    VTY_SetFromField(item, field.c_str());
     if (isTMS)
         item->size = 4;
     return 0;
 }
 
 // Values of another type or variable say nothing about this one.
-void forgetValue(LItem *item)
+void ForgetValue(LItem *item)
 {
     item->value = item->valueHigh = item->previousValue = 0;
     item->readTick = item->previousReadTick = 0;
@@ -95,7 +80,7 @@ void forgetValue(LItem *item)
     item->reason.clear();
 }
 
-int insertItem(const LItem &item, int position)
+int InsertItem(const LItem &item, int position)
 {
     if (nLItems >= LITEMS_MAX)
         return EDT_ERR_FULL;
@@ -106,14 +91,14 @@ int insertItem(const LItem &item, int position)
     std::move_backward(aLItems + position, aLItems + nLItems, aLItems + nLItems + 1);
     aLItems[position] = item;
     ++nLItems;
-    changed(position);
+    Changed(position);
     return position;
 }
 
-int nameItem(LItem *item, const std::string &text)
+int NameItem(LItem *item, const std::string &text)
 {
-    const std::string name = trimmed(text);
-    if (!isName(name))
+    const std::string name = WRD_Trim(text);
+    if (!IsName(name))
         return EDT_ERR_NAME;
     item->name = name;
     std::string prefix = name;
@@ -124,7 +109,7 @@ int nameItem(LItem *item, const std::string &text)
     return 0;
 }
 
-int placeItem(LItem *item, uint32_t address, bool isTMS)
+int PlaceItem(LItem *item, uint32_t address, bool isTMS)
 {
     if (address >= ADDR_LIMIT)
         return EDT_ERR_ADDRESS;
@@ -134,14 +119,14 @@ int placeItem(LItem *item, uint32_t address, bool isTMS)
 }
 
 // As a user writes it: types of one size only go without.
-std::string typeFieldOf(const LItem &item)
+std::string TypeFieldOf(const LItem &item)
 {
     const bool isOneSize = std::strchr("bft", item.type) != nullptr;
     return isOneSize ? std::string(1, item.type) : item.type + std::to_string(item.size);
 }
 
 // "[1F00]", "$1F00" and "0x1F00". Whether the text has one of these forms.
-bool isAddressText(std::string text, uint32_t *address)
+bool IsAddressText(std::string text, uint32_t *address)
 {
     if (text.empty() || !std::strchr("[$0", text[0]))
         return false;
@@ -187,42 +172,42 @@ std::string EDT_SuggestType(const std::string &name)
         member.erase(0, 1);
     LItem known;
     if (TMF_SuggestItem(member.c_str(), &known.type, &known.size) == 0)
-        return typeFieldOf(known);
+        return TypeFieldOf(known);
     member.resize(std::min(member.find_first_of(" +-["), member.size()));
     const size_t dot = member.rfind('.');
     LItem item;
     DetectTypeByName(&item, member.c_str() + (dot == std::string::npos ? 0 : dot + 1));
-    return typeFieldOf(item);
+    return TypeFieldOf(item);
 }
 
 int EDT_AddByName(const std::string &name, const std::string &typeField, int position)
 {
     LItem item;
-    int result = nameItem(&item, name);
+    int result = NameItem(&item, name);
     if (result == 0)
-        result = applyType(&item, typeField);
-    return result == 0 ? insertItem(item, position) : result;
+        result = ApplyType(&item, typeField);
+    return result == 0 ? InsertItem(item, position) : result;
 }
 
 int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField, int position)
 {
     LItem item;
-    int result = placeItem(&item, address, isTMS);
+    int result = PlaceItem(&item, address, isTMS);
     if (result == 0)
-        result = applyType(&item, typeField);
-    return result == 0 ? insertItem(item, position) : result;
+        result = ApplyType(&item, typeField);
+    return result == 0 ? InsertItem(item, position) : result;
 }
 
 int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
 {
-    const std::string what = trimmed(text);
+    const std::string what = WRD_Trim(text);
     const bool isTMS = !what.empty() && what[0] == '&';
     LItem built;
     uint32_t address;
-    int result = isAddressText(what.substr(isTMS), &address) ? placeItem(&built, address, isTMS)
-                                                             : nameItem(&built, what);
+    int result = IsAddressText(what.substr(isTMS), &address) ? PlaceItem(&built, address, isTMS)
+                                                             : NameItem(&built, what);
     if (result == 0)
-        result = applyType(&built, typeField);
+        result = ApplyType(&built, typeField);
     if (result == 0)
         *item = built;
     return result;
@@ -232,35 +217,35 @@ int EDT_AddText(const std::string &text, const std::string &typeField, int posit
 {
     LItem item;
     const int result = EDT_Parse(text, typeField, &item);
-    return result == 0 ? insertItem(item, position) : result;
+    return result == 0 ? InsertItem(item, position) : result;
 }
 
 int EDT_Change(int index, const std::string &text, const std::string &typeField)
 {
-    if (!isIndex(index))
+    if (!IsIndex(index))
         return EDT_ERR_INDEX;
-    if (trimmed(text) == LIT_Label(aLItems[index]))
-        return typeField == typeFieldOf(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
+    if (WRD_Trim(text) == LIT_Label(aLItems[index]))
+        return typeField == TypeFieldOf(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
     LItem item;
     const int result = EDT_Parse(text, typeField, &item);
     if (result != 0)
         return result;
     aLItems[index] = item;
-    changed(index);
+    Changed(index);
     return 0;
 }
 
 EDT_Reference EDT_Refer(int index)
 {
     EDT_Reference reference;
-    if (isIndex(index))
+    if (IsIndex(index))
         reference = {index, LIT_Label(aLItems[index])};
     return reference;
 }
 
 int EDT_Find(const EDT_Reference &reference)
 {
-    if (isIndex(reference.index) && LIT_Label(aLItems[reference.index]) == reference.label)
+    if (IsIndex(reference.index) && LIT_Label(aLItems[reference.index]) == reference.label)
         return reference.index;
     for (int i = 0; i < nLItems; ++i)
         if (LIT_Label(aLItems[i]) == reference.label)
@@ -270,13 +255,13 @@ int EDT_Find(const EDT_Reference &reference)
 
 int EDT_Remove(int index)
 {
-    if (!isIndex(index))
+    if (!IsIndex(index))
         return EDT_ERR_INDEX;
     removedItem = aLItems[index];
     std::move(aLItems + index + 1, aLItems + nLItems, aLItems + index);
     aLItems[--nLItems] = LItem();
-    setRemovedFrom(index);
-    changed(index);
+    SetRemovedFrom(index);
+    Changed(index);
     return 0;
 }
 
@@ -284,9 +269,9 @@ int EDT_UndoRemove()
 {
     if (removedFrom < 0)
         return EDT_ERR_NOTHING;
-    const int result = insertItem(removedItem, std::min(removedFrom, nLItems));
+    const int result = InsertItem(removedItem, std::min(removedFrom, nLItems));
     if (result >= 0) {
-        setRemovedFrom(-1);
+        SetRemovedFrom(-1);
         removedItem = LItem();
     }
     return result;
@@ -299,13 +284,13 @@ bool EDT_CanUndo()
 
 void EDT_ForgetUndo()
 {
-    setRemovedFrom(-1);
+    SetRemovedFrom(-1);
     removedItem = LItem();
 }
 
 int EDT_Move(int from, int to)
 {
-    if (!isIndex(from) || !isIndex(to))
+    if (!IsIndex(from) || !IsIndex(to))
         return EDT_ERR_INDEX;
     if (from == to)
         return 0;
@@ -314,39 +299,40 @@ int EDT_Move(int from, int to)
         std::rotate(begin + from, begin + from + 1, begin + to + 1);
     else
         std::rotate(begin + to, begin + from, begin + from + 1);
-    changed(to);
+    Changed(to);
     return 0;
 }
 
 int EDT_SetType(int index, const std::string &typeField)
 {
-    if (!isIndex(index))
+    if (!IsIndex(index))
         return EDT_ERR_INDEX;
     LItem item = aLItems[index];
-    const int result = applyType(&item, typeField);
+    const int result = ApplyType(&item, typeField);
     if (result != 0)
         return result;
-    forgetValue(&item);
+    ForgetValue(&item);
     aLItems[index] = item;
-    changed(index);
+    Changed(index);
     return 0;
 }
 
 int EDT_Rename(int index, const std::string &name)
 {
-    if (!isIndex(index))
+    if (!IsIndex(index))
         return EDT_ERR_INDEX;
     LItem item = aLItems[index];
-    int result = nameItem(&item, name);
-    if (result == 0 && LIT_IsTMS(item) && item.type == 'b')
+    int result = NameItem(&item, name);
+    const VTY_Row *row = VTY_Find(item.type);
+    if (result == 0 && LIT_IsTMS(item) && row != nullptr && !row->isForTMS)
         result = EDT_ERR_TYPE;
     if (result != 0)
         return result;
     if (LIT_IsTMS(item))
         item.size = 4;
-    forgetValue(&item);
+    ForgetValue(&item);
     aLItems[index] = item;
-    changed(index);
+    Changed(index);
     return 0;
 }
 

@@ -23,13 +23,13 @@ int meteredIndex = NOTHING; // item whose samples are being summed
 uint32_t meteredAddress = 0;
 int32_t meteredSize = 0;
 
-void dimResults(int isDimmed)
+void DimResults(int isDimmed)
 {
     SetCtrlAttribute(mainPanel, MAIN_FM_FREQ, ATTR_DIMMED, isDimmed);
     SetCtrlAttribute(mainPanel, MAIN_FM_PERIOD, ATTR_DIMMED, isDimmed);
 }
 
-bool isMeasurable(int selected)
+bool IsMeasurable(int selected)
 {
     int isOn = 0;
     if (GetCtrlVal(mainPanel, MAIN_FM_SWITCH, &isOn) < 0 || !isOn)
@@ -39,14 +39,14 @@ bool isMeasurable(int selected)
            !aLItems[selected].readError;
 }
 
-void startInterval(uint32_t now)
+void StartInterval(uint32_t now)
 {
     FM_nPeriod = 0;
     FM_dwDelta = 0;
     startTick = now;
 }
 
-void addSample(const LItem &item)
+void AddSample(const LItem &item)
 {
     const uint32_t delta = item.value - FM_dwPrevValue;
     if (item.size == 1)
@@ -60,7 +60,7 @@ void addSample(const LItem &item)
     ++FM_nPeriod;
 }
 
-void showResult(uint32_t now)
+void ShowResult(uint32_t now)
 {
     const double elapsedMs = std::max(now - startTick, ELAPSED_MIN_MS);
     const double counts = FM_dwDelta * 1000.0;
@@ -75,8 +75,8 @@ void showResult(uint32_t now)
 
 void FM_Update(int index, int selected)
 {
-    if (!isMeasurable(selected)) {
-        dimResults(1);
+    if (!IsMeasurable(selected)) {
+        DimResults(1);
         meteredIndex = NOTHING;
         return;
     }
@@ -89,16 +89,16 @@ void FM_Update(int index, int selected)
         meteredIndex = index;
         meteredAddress = item.address;
         meteredSize = item.size;
-        startInterval(now);
+        StartInterval(now);
     } else {
-        addSample(item);
+        AddSample(item);
     }
     FM_dwPrevValue = item.value;
-    dimResults(0);
+    DimResults(0);
     int samples = 1;
     GetCtrlVal(mainPanel, MAIN_FM_SAMPLES, &samples);
     if (FM_nPeriod < std::max(samples, 1))
         return;
-    showResult(now);
-    startInterval(now);
+    ShowResult(now);
+    StartInterval(now);
 }

@@ -1,16 +1,17 @@
 #include "watch/list/list_events.h"
 
-#include "app/VR.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
-#include "watch/windows/item_panel.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/snapshot.h"
+#include "watch/main_window.h"
+#include "watch/windows/item_panel.h"
 #include "watch/windows/mem_box.h"
 #include "watch/windows/memory_panel.h"
-#include "watch/list/snapshot.h"
 #include "watch/windows/value_panel.h"
 
 namespace {
@@ -18,42 +19,42 @@ namespace {
 constexpr int DROP_FACTOR = 65536; // what a drop reports: source * DROP_FACTOR + target
 
 // The line that an action is about; -1 while the list is empty.
-int actedOn()
+int ActedOn()
 {
     return nLItems > 0 ? LSV_Selected() : -1;
 }
 
-bool always()
+bool Always()
 {
     return true;
 }
 
-bool isInView()
+bool IsInView()
 {
     return VR_isWatchView;
 }
 
-bool hasLine()
+bool HasLine()
 {
     return VR_isWatchView && nLItems > 0;
 }
 
-bool hasTwoLines()
+bool HasTwoLines()
 {
     return VR_isWatchView && nLItems > 1;
 }
 
-bool hasItems()
+bool HasItems()
 {
     return nLItems > 0;
 }
 
-bool hasRemoved()
+bool HasRemoved()
 {
     return VR_isWatchView && EDT_CanUndo();
 }
 
-bool hasMemory()
+bool HasMemory()
 {
     int lines = 0;
     return GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &lines) >= 0 && lines > 0;
@@ -64,13 +65,13 @@ struct EnableRow {
     bool (*isOn)();
 };
 const EnableRow enableRows[] = {
-    {ITEM_ADD, isInView},          {ITEM_EDIT, hasLine},        {ITEM_REMOVE, hasLine},
-    {ITEM_UNDO, hasRemoved},       {ITEM_MOVE_UP, hasTwoLines}, {ITEM_MOVE_DOWN, hasTwoLines},
-    {ITEM_WRITE_VALUE, hasLine},   {ITEM_MEMORY, always},       {ITEM_COPY_LIST, hasItems},
-    {ITEM_COPY_MEMORY, hasMemory}, {ITEM_SNAPSHOT, hasItems},
+    {ITEM_ADD, IsInView},          {ITEM_EDIT, HasLine},        {ITEM_REMOVE, HasLine},
+    {ITEM_UNDO, HasRemoved},       {ITEM_MOVE_UP, HasTwoLines}, {ITEM_MOVE_DOWN, HasTwoLines},
+    {ITEM_WRITE_VALUE, HasLine},   {ITEM_MEMORY, Always},       {ITEM_COPY_LIST, HasItems},
+    {ITEM_COPY_MEMORY, HasMemory}, {ITEM_SNAPSHOT, HasItems},
 };
 
-void report(int result)
+void Report(int result)
 {
     if (result < 0)
         VR_ShowMessage(EDT_ErrorText(result));
@@ -98,7 +99,7 @@ int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
         RunPopupMenu(GetPanelMenuBar(mainPanel), MENU_EDIT);
         break;
     case EVENT_DROPPED:
-        report(EDT_Move(data / DROP_FACTOR, data % DROP_FACTOR));
+        Report(EDT_Move(data / DROP_FACTOR, data % DROP_FACTOR));
         break;
     default:
         break;
@@ -113,39 +114,39 @@ void LEV_AddCB(int /*menuBar*/, int /*item*/)
 
 void LEV_EditCB(int /*menuBar*/, int /*item*/)
 {
-    if (actedOn() >= 0)
-        ITP_OpenEdit(actedOn());
+    if (ActedOn() >= 0)
+        ITP_OpenEdit(ActedOn());
 }
 
 void LEV_RemoveCB(int /*menuBar*/, int /*item*/)
 {
-    const int index = actedOn();
+    const int index = ActedOn();
     if (index < 0)
         return;
     const std::string label = LIT_Label(aLItems[index]);
     const int result = EDT_Remove(index);
-    report(result);
+    Report(result);
     if (result == 0)
         VR_ShowMessage("Removed: " + label + ". Ctrl+Z puts it back.");
 }
 
 void LEV_MoveCB(int /*menuBar*/, int item)
 {
-    const int from = actedOn();
+    const int from = ActedOn();
     const int to = item == ITEM_MOVE_UP ? from - 1 : from + 1;
     if (from >= 0 && to >= 0 && to < nLItems)
-        report(EDT_Move(from, to));
+        Report(EDT_Move(from, to));
 }
 
 void LEV_WriteCB(int /*menuBar*/, int /*item*/)
 {
-    if (actedOn() >= 0)
-        VLP_Open(actedOn());
+    if (ActedOn() >= 0)
+        VLP_Open(ActedOn());
 }
 
 void LEV_MemoryCB(int /*menuBar*/, int /*item*/)
 {
-    MMP_Open(actedOn());
+    MMP_Open(ActedOn());
 }
 
 void LEV_CopyListCB(int /*menuBar*/, int /*item*/)

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "app/VR.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/main_window.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
@@ -16,7 +17,7 @@ const char ADDRESS_COLUMN[] = "\033p300l"; // the column escape: 300 pixels, lef
 std::string shownTips[LITEMS_MAX]; // what the list has as tips, to leave equal ones alone
 
 // Address as the processor counts: bytes, or the halves of 16-bit words.
-std::string addressText(uint32_t address, int processor)
+std::string AddressText(uint32_t address, int processor)
 {
     char text[24];
     if (!IsWordAddressing(processor))
@@ -26,7 +27,7 @@ std::string addressText(uint32_t address, int processor)
     return text;
 }
 
-std::string nameLine(const LItem &item)
+std::string NameLine(const LItem &item)
 {
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
@@ -34,25 +35,25 @@ std::string nameLine(const LItem &item)
     return item.name + ADDRESS_COLUMN + address;
 }
 
-int lineCount()
+int LineCount()
 {
     int count = 0;
     GetNumListItems(mainPanel, MAIN_LIST, &count);
     return count;
 }
 
-void showTip(int index)
+void ShowTip(int index)
 {
     const std::string &reason = aLItems[index].reason;
     SetListItemTip(mainPanel, MAIN_LIST, index, reason);
     shownTips[index] = reason;
 }
 
-void fillNames()
+void FillNames()
 {
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
-        InsertListItem(mainPanel, MAIN_LIST, -1, nameLine(aLItems[i]), i);
+        InsertListItem(mainPanel, MAIN_LIST, -1, NameLine(aLItems[i]), i);
         shownTips[i].clear();
     }
     VR_EnableControls();
@@ -65,7 +66,7 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     std::string line = item.name;
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    line += isResolved ? addressText(item.address, processor) : "??????  ";
+    line += isResolved ? AddressText(item.address, processor) : "??????  ";
     line += item.type;
     line += static_cast<char>('0' + item.size % 10);
     line += ": ";
@@ -81,7 +82,7 @@ std::string LSV_ValueLine(const LItem &item, int processor)
 
 void LSV_ShowValues()
 {
-    const bool isRefill = lineCount() != nLItems;
+    const bool isRefill = LineCount() != nLItems;
     if (isRefill)
         ClearListCtrl(mainPanel, MAIN_LIST);
     std::string shown;
@@ -95,7 +96,7 @@ void LSV_ShowValues()
             isNew = true;
         }
         if (isNew || shownTips[i] != aLItems[i].reason)
-            showTip(i);
+            ShowTip(i);
     }
 }
 
@@ -105,7 +106,7 @@ void LSV_ShowAddresses()
         return;
     const int selected = LSV_Selected();
     const int first = LSV_FirstVisible();
-    fillNames();
+    FillNames();
     LSV_Select(selected);
     SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
 }
@@ -113,7 +114,7 @@ void LSV_ShowAddresses()
 void LSV_ShowNone()
 {
     std::string shown;
-    if (lineCount() == 1 && GetLabelFromIndex(mainPanel, MAIN_LIST, 0, &shown) >= 0 &&
+    if (LineCount() == 1 && GetLabelFromIndex(mainPanel, MAIN_LIST, 0, &shown) >= 0 &&
         shown == "none")
         return;
     ClearListCtrl(mainPanel, MAIN_LIST);
@@ -138,7 +139,7 @@ int LSV_FirstVisible()
 
 void LSV_Select(int line)
 {
-    const int last = lineCount() - 1;
+    const int last = LineCount() - 1;
     if (last >= 0)
         SetCtrlIndex(mainPanel, MAIN_LIST, std::clamp(line, 0, last));
 }
@@ -146,10 +147,10 @@ void LSV_Select(int line)
 void VR_FillDebugItems()
 {
     if (openLItems)
-        fillNames();
+        FillNames();
 }
 
 void ResetLItemsDisplay()
 {
-    fillNames();
+    FillNames();
 }

@@ -21,4 +21,7 @@ int LSV_Selected();
 int LSV_FirstVisible();
 void LSV_Select(int line); // clamped to the last line
 
+void VR_FillDebugItems(); // only once a debug file has been loaded
+void ResetLItemsDisplay();
+
 #endif

@@ -3,13 +3,17 @@
 #include <cctype>
 #include <cstdlib>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/freq_meter.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
+#include "watch/main_window.h"
+#include "watch/windows/mem_box.h"
 
 int UpdItem = 0;
 int eTMS = 0;
@@ -32,7 +36,7 @@ const StatusRow statusRows[] = {
     {0, "RUN", 0x008000},
 };
 
-void setPeriod(double seconds)
+void SetPeriod(double seconds)
 {
     SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
 }
@@ -40,7 +44,7 @@ void setPeriod(double seconds)
 // Which item failed last and why, for the message of auto-off.
 std::string lastFailure;
 
-void readItem(int index)
+void ReadItem(int index)
 {
     const int result = readValues(index);
     if (result == 0 || (result != -4 && !LIT_HasAddress(aLItems[index])))
@@ -54,7 +58,7 @@ void readItem(int index)
         lastFailure = LIT_Label(aLItems[index]) + ": " + aLItems[index].reason;
 }
 
-void showStatus()
+void ShowStatus()
 {
     for (const StatusRow &row : statusRows) {
         if (row.state != eTMS)
@@ -68,7 +72,7 @@ void showStatus()
         VR_AutoOff(lastFailure);
 }
 
-bool memoryBoxAddress(uint32_t *address)
+bool MemoryBoxAddress(uint32_t *address)
 {
     int isOn = 0;
     if (GetCtrlVal(mainPanel, MAIN_MEM_SWITCH, &isOn) < 0 || !isOn)
@@ -85,16 +89,16 @@ bool memoryBoxAddress(uint32_t *address)
     return true;
 }
 
-void updateMemoryBox(int selected)
+void UpdateMemoryBox(int selected)
 {
     uint32_t address;
-    if (!memoryBoxAddress(&address))
+    if (!MemoryBoxAddress(&address))
         return;
     ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
     ReadMemory(address, selected);
 }
 
-void countErrors()
+void CountErrors()
 {
     if (nErrors <= ERRORS_MAX)
         return;
@@ -120,11 +124,11 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     if (event != EVENT_TIMER_TICK || !isTimer)
         return 0;
     if (!openLItems && nLItems == 0) {
-        setPeriod(IDLE_PERIOD_S);
+        SetPeriod(IDLE_PERIOD_S);
         UpdItem = 0;
         return updateListTextBox(0);
     }
-    setPeriod(VR_fRefreshPeriod);
+    SetPeriod(VR_fRefreshPeriod);
     if (!readLItems) // another list: half a sweep of the old one says nothing about it
         RFR_BeginSweep();
     const int first = LSV_FirstVisible();
@@ -146,10 +150,10 @@ int updateListTextBox(int index)
     }
     const int selected = LSV_Selected();
     const int first = LSV_FirstVisible();
-    readItem(index);
+    ReadItem(index);
     const bool isSweepEnd = index == nLItems - 1 || index - first == SWEEP_LINES - 1;
     if (isSweepEnd) {
-        showStatus();
+        ShowStatus();
         LSV_ShowValues();
         VR_EnableControls();
         LSV_Select(selected);
@@ -157,9 +161,9 @@ int updateListTextBox(int index)
     }
     readLItems = 1;
     if (isSweepEnd && isTimer)
-        updateMemoryBox(selected);
+        UpdateMemoryBox(selected);
     FM_Update(index, selected);
-    countErrors();
+    CountErrors();
     if (isSweepEnd) {
         eTMS = 0;
         if (isTimer)

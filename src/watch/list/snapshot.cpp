@@ -5,11 +5,11 @@
 
 #include "platform/safe_file.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
-std::string addressOf(const LItem &item)
+std::string AddressOf(const LItem &item)
 {
     if (item.address == LITEM_NO_ADDRESS)
         return "";
@@ -18,13 +18,13 @@ std::string addressOf(const LItem &item)
     return text;
 }
 
-std::string typeOf(const LItem &item)
+std::string TypeOf(const LItem &item)
 {
     return item.type + std::to_string(item.size);
 }
 
 // A value that was never read, or not the last time, is no value.
-std::string valueOf(const LItem &item)
+std::string ValueOf(const LItem &item)
 {
     std::string text;
     if (item.isValueGood)
@@ -33,27 +33,27 @@ std::string valueOf(const LItem &item)
     return begin == std::string::npos ? "" : text.substr(begin);
 }
 
-std::string rawOf(const LItem &item)
+std::string RawOf(const LItem &item)
 {
     const uint64_t raw = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
     return item.isValueGood ? std::to_string(raw) : "";
 }
 
-std::string stateOf(const LItem &item)
+std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
         return "ok";
     return item.reason.empty() ? "not read" : item.reason;
 }
 
-std::string oneLine(std::string text)
+std::string OneLine(std::string text)
 {
     std::replace_if(
         text.begin(), text.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
     return text;
 }
 
-std::string quoted(const std::string &text)
+std::string Quoted(const std::string &text)
 {
     if (text.find_first_of(",\"\r\n") == std::string::npos)
         return text;
@@ -70,8 +70,8 @@ std::string SNP_Text()
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += oneLine(item.name) + '\t' + addressOf(item) + '\t' + typeOf(item) + '\t' +
-                valueOf(item) + '\t' + oneLine(stateOf(item)) + '\n';
+        text += OneLine(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
+                ValueOf(item) + '\t' + OneLine(StateOf(item)) + '\n';
     }
     return text;
 }
@@ -81,9 +81,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += quoted(item.name) + ',' + addressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + quoted(valueOf(item)) + ',' + rawOf(item) + ',' +
-                quoted(stateOf(item)) + "\r\n";
+        text += Quoted(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + Quoted(ValueOf(item)) + ',' + RawOf(item) + ',' +
+                Quoted(StateOf(item)) + "\r\n";
     }
     return text;
 }

@@ -1,8 +1,8 @@
 // The TMS320's own 32-bit float: an 8-bit two's-complement exponent, a sign and a 23-bit
 // fraction of a two's-complement mantissa with an implied leading bit.
-#include <cstring>
+#include "watch/value/tms_float.h"
 
-#include "watch/list/refresh.h"
+#include <cstring>
 
 namespace {
 
@@ -15,7 +15,7 @@ constexpr uint32_t TMS_LOWEST = 0x7F800000;
 constexpr int IEEE_BIAS = 127;
 constexpr uint32_t IEEE_SPECIAL = 255; // exponent of infinities and NaNs
 
-double ieeeValue(uint32_t bits)
+double IeeeValue(uint32_t bits)
 {
     float number;
     std::memcpy(&number, &bits, sizeof number);
@@ -58,5 +58,5 @@ double TMS_IEEE(uint32_t bits)
         exponent += fraction >> 23; // the carry of a zero fraction
         fraction &= FRACTION_MASK;
     }
-    return ieeeValue(static_cast<uint32_t>(isNegative) << 31 | exponent << 23 | fraction);
+    return IeeeValue(static_cast<uint32_t>(isNegative) << 31 | exponent << 23 | fraction);
 }

@@ -1,10 +1,11 @@
 // The type of a variable from the prefix of its name: names follow a convention with a
 // short type prefix behind an optional module prefix ("DLLD_wCount", "abyBuf").
+#include "watch/value/type_by_name.h"
+
 #include <cctype>
 #include <cstring>
 
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
 
 namespace {
 
@@ -26,32 +27,32 @@ const TypeGroup groups[] = {
     {{"f", "af", "f4", "af4"}, 'f', "", 4},
 };
 
-bool isUpper(char c)
+bool IsUpper(char c)
 {
     return std::isupper(static_cast<unsigned char>(c)) != 0;
 }
 
-bool isLower(char c)
+bool IsLower(char c)
 {
     return std::islower(static_cast<unsigned char>(c)) != 0;
 }
 
 // Where the type prefix begins: a lower-case letter at the start or right after an
 // underscore. Null when the module prefix ends elsewhere.
-const char *typePrefix(const char *name)
+const char *TypePrefix(const char *name)
 {
     const char *c = name;
     for (; *c != '\0'; ++c) {
         const bool isFirst = c == name || c[-1] == '_';
-        const bool isInRun = isUpper(*c) || std::isdigit(static_cast<unsigned char>(*c)) ||
-                             *c == '_' || (isLower(*c) && !isFirst);
+        const bool isInRun = IsUpper(*c) || std::isdigit(static_cast<unsigned char>(*c)) ||
+                             *c == '_' || (IsLower(*c) && !isFirst);
         if (!isInRun)
             break;
     }
     return c == name || c[-1] == '_' ? c : nullptr;
 }
 
-bool isInGroup(const TypeGroup &group, const char *name)
+bool IsInGroup(const TypeGroup &group, const char *name)
 {
     for (const char *prefix : group.prefixes) {
         if (prefix && is_id_type(name, prefix))
@@ -65,17 +66,17 @@ bool isInGroup(const TypeGroup &group, const char *name)
 int is_id_type(const char *name, const char *prefix)
 {
     const size_t length = std::strlen(prefix);
-    const char *start = typePrefix(name);
+    const char *start = TypePrefix(name);
     if (!start || length == 0 || std::strncmp(start, prefix, length) != 0)
         return 0;
     const char next = start[length];
-    return next == '\0' || next == '_' || isUpper(next);
+    return next == '\0' || next == '_' || IsUpper(next);
 }
 
 int DetectTypeByName(LItem *item, const char *name)
 {
     for (const TypeGroup &group : groups) {
-        if (!isInGroup(group, name))
+        if (!IsInGroup(group, name))
             continue;
         if (!std::strchr(group.keptTypes, item->type))
             item->type = group.type;

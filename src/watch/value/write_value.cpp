@@ -3,59 +3,64 @@
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
+#include "text/bytes.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/refresh.h"
+#include "watch/list/read_item.h"
+#include "watch/value/value_types.h"
 
 namespace {
 
-constexpr int MSG_WRITE = 8;
-constexpr uint32_t MINUTES_MASK = 0xFFFFFF;
-constexpr int MINUTES_BYTES = 3;
-
-// Bytes to send: the high byte of a duration is none of its minutes and stays as it is.
-int bytesToWrite(const LItem &item)
+int BytesToWrite(const LItem &item)
 {
-    return item.type == 't' ? MINUTES_BYTES : item.size;
+    const VTY_Row *row = VTY_Find(item.type);
+    return row != nullptr && row->bytesWritten != 0 ? row->bytesWritten : item.size;
 }
 
-int writeC166(const LItem &item, uint64_t bits)
+uint64_t MaskOfWritten(const LItem &item)
+{
+    return UINT64_MAX >> (64 - 8 * BytesToWrite(item));
+}
+
+int WriteC166(const LItem &item, uint64_t bits)
 {
     uint8_t bytes[8];
-    const int count = bytesToWrite(item);
-    for (int i = 0; i < count; ++i)
-        bytes[i] = static_cast<uint8_t>(bits >> 8 * i);
+    const int count = BytesToWrite(item);
+    BYT_PutLittle(bytes, static_cast<size_t>(count), bits);
     const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
     const int station = hasStation ? item.station : STATION;
     if (count == 8)
         return UCM_Write(station, item.address, 8, bytes) < 0 ? WRV_ERR_WRITE : WRV_OK;
     const int result =
-        UCM_EmuCom166Msg(station, MSG_WRITE, item.address, static_cast<uint16_t>(count), bytes);
+        UCM_EmuCom166Msg(station, TARGET_WRITE, item.address, static_cast<uint16_t>(count), bytes);
     return result > 0 ? WRV_OK : WRV_ERR_WRITE;
 }
 
-// The mailbox moves whole words: the high byte of a duration is read first.
-int writeTMS(const LItem &item, uint32_t word, std::string *cause)
+// The mailbox moves whole words: the bytes that stay as they are, as a duration's fourth, are read
+// first.
+int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
 {
-    if (item.type == 't') {
+    const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
+    if (mask != UINT32_MAX) {
         uint32_t before = 0;
         const int result = TMS_ReadWord(STATION, item.address, TMS_POLLS_MEMORY, &before);
         *cause = TMS_ErrorText(result);
         if (result != TMS_OK)
             return WRV_ERR_WRITE;
-        word |= before & ~MINUTES_MASK;
+        word |= before & ~mask;
     }
     const int result = TMS_WriteWord(item.address, word, nullptr);
     *cause = TMS_ErrorText(result);
     return result == TMS_OK ? WRV_OK : WRV_ERR_WRITE;
 }
 
-int writeBits(const LItem &item, uint64_t bits, std::string *message)
+int WriteBits(const LItem &item, uint64_t bits, std::string *message)
 {
     std::string cause;
-    const int result = LIT_IsTMS(item) ? writeTMS(item, static_cast<uint32_t>(bits), &cause)
-                                       : writeC166(item, bits);
+    const int result = LIT_IsTMS(item) ? WriteTMS(item, static_cast<uint32_t>(bits), &cause)
+                                       : WriteC166(item, bits);
     if (result == WRV_OK)
         return WRV_OK;
     if (cause.empty())
@@ -64,11 +69,11 @@ int writeBits(const LItem &item, uint64_t bits, std::string *message)
     return result;
 }
 
-std::string heldText(const LItem &item)
+std::string HeldText(const LItem &item)
 {
     LItem shown = item;
-    if (shown.type == 'p')
-        shown.type = 'u'; // what was written, not how fast it changes
+    if (const VTY_Row *row = VTY_Find(item.type))
+        shown.type = row->writtenAs; // of a rate the value, not how fast it changes
     std::string text;
     FormatLItemVal(&text, shown);
     const size_t begin = text.find_first_not_of(' ');
@@ -76,15 +81,31 @@ std::string heldText(const LItem &item)
 }
 
 // Whether the value just read is the one that was written.
-bool isHeld(const LItem &item, uint64_t bits)
+bool IsHeld(const LItem &item, uint64_t bits)
 {
-    uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    if (item.type == 't')
-        held &= MINUTES_MASK;
-    return held == bits;
+    const uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
+    return (held & MaskOfWritten(item)) == bits;
 }
 
 } // namespace
+
+std::string WRV_Hint(const LItem &item)
+{
+    const VTY_Row *row = VTY_Find(item.type);
+    return row ? std::string(row->form) + "; " + row->range(item) : "";
+}
+
+int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::string *message)
+{
+    const VTY_Row *row = VTY_Find(item.type);
+    const std::string value = PRS_Normal(text);
+    const int result = !row || value.empty() ? WRV_ERR_TEXT : row->parse(item, value, bits);
+    if (result == WRV_ERR_RANGE)
+        *message = "'" + text + "' is out of range: " + row->range(item) + ".";
+    else if (result == WRV_ERR_TEXT)
+        *message = "'" + text + "' is not a value of this item: " + WRV_Hint(item) + ".";
+    return result;
+}
 
 int WRV_Write(int index, const std::string &text, std::string *message)
 {
@@ -100,7 +121,7 @@ int WRV_Write(int index, const std::string &text, std::string *message)
     uint64_t bits = 0;
     int result = WRV_Parse(item, text, &bits, message);
     if (result == WRV_OK)
-        result = writeBits(item, bits, message);
+        result = WriteBits(item, bits, message);
     if (result != WRV_OK)
         return result;
     const int readResult = readValues(index);
@@ -110,8 +131,8 @@ int WRV_Write(int index, const std::string &text, std::string *message)
         *message = "Written, but the target's value could not be read: " + item.reason + ".";
         return WRV_ERR_READ_BACK;
     }
-    const bool isSame = isHeld(item, bits);
+    const bool isSame = IsHeld(item, bits);
     *message = (isSame ? "Written. The target holds " : "Written, but the target now holds ") +
-               heldText(item) + ".";
+               HeldText(item) + ".";
     return isSame ? WRV_OK : WRV_DIFFERENT;
 }

@@ -6,17 +6,19 @@
 #include <cstdint>
 #include <string>
 
+#include "watch/value/parse.h"
+
 struct LItem;
 
 enum WRV_Result {
-    WRV_OK = 0,
-    WRV_DIFFERENT = 1,      // written, but the target holds another value now
-    WRV_ERR_INDEX = -1,     // no such item
-    WRV_ERR_TEXT = -2,      // not a value of the item's type
-    WRV_ERR_RANGE = -3,     // out of range for type and size
-    WRV_ERR_ADDRESS = -4,   // the item has no address
-    WRV_ERR_WRITE = -5,     // the target did not take it; it may or may not hold it
-    WRV_ERR_READ_BACK = -6, // written, but what the target holds could not be read
+    WRV_OK = PRS_OK,
+    WRV_DIFFERENT = 1,             // written, but the target holds another value now
+    WRV_ERR_INDEX = -1,            // no such item
+    WRV_ERR_TEXT = PRS_ERR_TEXT,   // not a value of the item's type
+    WRV_ERR_RANGE = PRS_ERR_RANGE, // out of range for type and size
+    WRV_ERR_ADDRESS = -4,          // the item has no address
+    WRV_ERR_WRITE = -5,            // the target did not take it; it may or may not hold it
+    WRV_ERR_READ_BACK = -6,        // written, but what the target holds could not be read
 };
 
 // What may be typed for an item and its range, in one line.

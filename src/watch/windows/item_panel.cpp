@@ -8,7 +8,7 @@
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/value/type_names.h"
+#include "watch/value/value_types.h"
 #include "watch/windows/name_completion.h"
 
 namespace {
@@ -30,38 +30,38 @@ const PositionRow positionRows[] = {
     {ITP_AT_END, "at the end"},
 };
 
-std::string typedName()
+std::string TypedName()
 {
     std::string text;
     GetCtrlVal(PANEL, WITEM_NAME, &text);
     return text;
 }
 
-int ringValue(int control)
+int RingValue(int control)
 {
     int value = 0;
     GetCtrlVal(PANEL, control, &value);
     return value;
 }
 
-std::string typeField()
+std::string TypeField()
 {
-    const char type = static_cast<char>(ringValue(WITEM_TYPE));
-    const TYN_Row *row = TYN_Find(type);
+    const char type = static_cast<char>(RingValue(WITEM_TYPE));
+    const VTY_Row *row = VTY_Find(type);
     const bool hasSize = row != nullptr && row->onlySize == 0;
-    return hasSize ? type + std::to_string(ringValue(WITEM_SIZE)) : std::string(1, type);
+    return hasSize ? type + std::to_string(RingValue(WITEM_SIZE)) : std::string(1, type);
 }
 
-void fillRings()
+void FillRings()
 {
     int count = 0;
     GetNumListItems(PANEL, WITEM_TYPE, &count);
     if (count > 0)
         return;
-    for (int i = 0; i < TYN_cnRows; ++i)
+    for (int i = 0; i < VTY_cnRows; ++i)
         InsertListItem(PANEL, WITEM_TYPE, -1,
-                       std::string(1, TYN_aRows[i].type) + "   " + TYN_aRows[i].name,
-                       TYN_aRows[i].type);
+                       std::string(1, VTY_aRows[i].letter) + "   " + VTY_aRows[i].name,
+                       VTY_aRows[i].letter);
     for (const int size : {1, 2, 4, 8})
         InsertListItem(PANEL, WITEM_SIZE, -1,
                        std::to_string(size) + (size == 1 ? " byte" : " bytes"), size);
@@ -70,39 +70,39 @@ void fillRings()
 }
 
 // Sizes that the type, or a TMS320 item, does not leave open.
-void limitSize()
+void LimitSize()
 {
-    const TYN_Row *row = TYN_Find(static_cast<char>(ringValue(WITEM_TYPE)));
+    const VTY_Row *row = VTY_Find(static_cast<char>(RingValue(WITEM_TYPE)));
     LItem item;
-    const bool isTMS = EDT_Parse(typedName(), ANY_TYPE, &item) == 0 && LIT_IsTMS(item);
+    const bool isTMS = EDT_Parse(TypedName(), ANY_TYPE, &item) == 0 && LIT_IsTMS(item);
     const int onlySize = isTMS ? 4 : row != nullptr ? row->onlySize : 0;
     if (onlySize != 0)
         SetCtrlVal(PANEL, WITEM_SIZE, onlySize);
     SetCtrlAttribute(PANEL, WITEM_SIZE, ATTR_DIMMED, onlySize != 0);
 }
 
-void showType(char type, int size)
+void ShowType(char type, int size)
 {
     SetCtrlVal(PANEL, WITEM_TYPE, type);
     SetCtrlVal(PANEL, WITEM_SIZE, size);
-    limitSize();
+    LimitSize();
 }
 
-void suggestType()
+void SuggestType()
 {
     if (isTypeChosen)
         return;
     LItem item;
-    LIT_SetType(&item, EDT_SuggestType(typedName()).c_str());
-    showType(item.type, item.size);
+    VTY_SetFromField(&item, EDT_SuggestType(TypedName()).c_str());
+    ShowType(item.type, item.size);
 }
 
-std::string placeText()
+std::string PlaceText()
 {
     LItem item;
-    if (typedName().find_first_not_of(' ') == std::string::npos)
+    if (TypedName().find_first_not_of(' ') == std::string::npos)
         return "A name from the map, or an address such as $1F00; 3: in front for station 3.";
-    const int result = EDT_Parse(typedName(), ANY_TYPE, &item);
+    const int result = EDT_Parse(TypedName(), ANY_TYPE, &item);
     if (result != 0)
         return EDT_ErrorText(result);
     if (item.address == LITEM_NO_ADDRESS)
@@ -120,39 +120,39 @@ std::string placeText()
     return item.station < 0 ? text : text + (" in station " + std::to_string(item.station));
 }
 
-void nameChanged()
+void NameChanged()
 {
-    SetCtrlVal(PANEL, WITEM_PLACE, placeText());
+    SetCtrlVal(PANEL, WITEM_PLACE, PlaceText());
     SetCtrlVal(PANEL, WITEM_ERROR, "");
-    suggestType();
-    limitSize();
+    SuggestType();
+    LimitSize();
 }
 
-void open(const std::string &name, const char *title, const char *button)
+void Open(const std::string &name, const char *title, const char *button)
 {
     SetPanelAttribute(PANEL, ATTR_TITLE, title);
     SetCtrlAttribute(PANEL, WITEM_OK, ATTR_LABEL_TEXT, button);
     SetCtrlAttribute(PANEL, WITEM_POSITION, ATTR_DIMMED, !isAdding);
     SetCtrlVal(PANEL, WITEM_NAME, name);
     SetCtrlCompletion(PANEL, WITEM_NAME, NCM_CompleteCB);
-    nameChanged();
+    NameChanged();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, WITEM_NAME);
 }
 
-int addPosition()
+int AddPosition()
 {
-    const int position = ringValue(WITEM_POSITION);
+    const int position = RingValue(WITEM_POSITION);
     if (nLItems == 0 || position == ITP_AT_END)
         return EDT_AT_END;
     return LSV_Selected() + (position == ITP_AFTER ? 1 : 0);
 }
 
-void accept()
+void Accept()
 {
-    const int result = isAdding ? EDT_AddText(typedName(), typeField(), addPosition())
-                                : EDT_Change(EDT_Find(edited), typedName(), typeField());
+    const int result = isAdding ? EDT_AddText(TypedName(), TypeField(), AddPosition())
+                                : EDT_Change(EDT_Find(edited), TypedName(), TypeField());
     if (result >= 0) {
         HidePanel(PANEL);
         return;
@@ -161,7 +161,7 @@ void accept()
     SetActiveCtrl(PANEL, WITEM_NAME);
 }
 
-bool isEnter(int event, int data)
+bool IsEnter(int event, int data)
 {
     return event == EVENT_KEYPRESS && data == KEY_ENTER;
 }
@@ -170,24 +170,24 @@ bool isEnter(int event, int data)
 
 void ITP_OpenAdd()
 {
-    fillRings();
+    FillRings();
     isAdding = true;
     isTypeChosen = false;
     SetCtrlVal(PANEL, WITEM_POSITION, nLItems > 0 ? ITP_AFTER : ITP_AT_END);
-    open("", "Add watch item", "__Add");
+    Open("", "Add watch item", "__Add");
 }
 
 void ITP_OpenEdit(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
-    fillRings();
+    FillRings();
     isAdding = false;
     isTypeChosen = true;
     edited = EDT_Refer(index);
     SetCtrlVal(PANEL, WITEM_NAME, edited.label);
-    showType(aLItems[index].type, aLItems[index].size);
-    open(edited.label, "Edit watch item", "C__hange");
+    ShowType(aLItems[index].type, aLItems[index].size);
+    Open(edited.label, "Edit watch item", "C__hange");
 }
 
 int ITP_PanelCB(int panel, int event, int data)
@@ -201,9 +201,9 @@ int ITP_PanelCB(int panel, int event, int data)
 int ITP_NameCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED)
-        nameChanged();
+        NameChanged();
     else if (event == EVENT_COMMIT)
-        accept();
+        Accept();
     return 0;
 }
 
@@ -212,30 +212,30 @@ int ITP_TypeCB(int panel, int control, int event, int data)
     if (event == EVENT_COMMIT || event == EVENT_VAL_CHANGED) {
         isTypeChosen = true;
         SetCtrlVal(PANEL, WITEM_ERROR, "");
-        limitSize();
+        LimitSize();
     }
     return ITP_RingCB(panel, control, event, data);
 }
 
 int ITP_RingCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (!isEnter(event, data))
+    if (!IsEnter(event, data))
         return 0;
-    accept();
+    Accept();
     return 1;
 }
 
 int ITP_OkCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (event != EVENT_COMMIT && !isEnter(event, data))
+    if (event != EVENT_COMMIT && !IsEnter(event, data))
         return 0;
-    accept();
+    Accept();
     return 1;
 }
 
 int ITP_CancelCB(int panel, int /*control*/, int event, int data)
 {
-    if (event != EVENT_COMMIT && !isEnter(event, data))
+    if (event != EVENT_COMMIT && !IsEnter(event, data))
         return 0;
     HidePanel(panel);
     return 1;

@@ -1,8 +1,18 @@
-// The memory box under the watch list as a table for other programs.
+// The memory box under the watch list: memory around the selected item, its bytes or typed
+// items, or words of the TMS320's through the mailbox; and its text for other programs.
 #ifndef WATCH_WINDOWS_MEM_BOX_H
 #define WATCH_WINDOWS_MEM_BOX_H
 
+#include <cstdint>
 #include <string>
+
+// Fills the memory box for the selected item: from the TMS320's memory (word addresses)
+// when its name begins with "&", else from the C166's. 0, -1 C166 failed, -2 TMS320 failed.
+int ReadMemory(uint32_t address, int index);
+int read166Memory(uint32_t address); // 0, or -1
+int readTMSMemory(uint32_t address); // 0, or TMS_ERR_ of the mailbox
+extern char cMemBoxType;             // of the typed memory box: the selected item's
+extern int nMemBoxItmSz;             // bytes
 
 // What the box shows, a line a row, its cells separated by tabs: of raw memory every byte
 // and the characters, of typed or TMS320 memory every column.

@@ -5,13 +5,14 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
+#include "text/bytes.h"
 #include "ui/resource.h"
-#include "watch/value/byte_text.h"
 #include "watch/list/litem.h"
 #include "watch/windows/name_completion.h"
 #include "watch/windows/outcome_colors.h"
@@ -35,13 +36,13 @@ struct Range {
 };
 Range range;
 
-void say(const std::string &text, int color)
+void Say(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, MEMORY_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, MEMORY_RESULT, text);
 }
 
-std::string lastCause()
+std::string LastCause()
 {
     const std::string cause = UCM_LastErrorText();
     return (cause.empty() ? "no answer" : cause) + ".";
@@ -49,21 +50,21 @@ std::string lastCause()
 
 // --- lines ------------------------------------------------------------------------------
 
-size_t lineBytes(size_t first)
+size_t LineBytes(size_t first)
 {
     return std::min<size_t>(MEMORY_LINE_BYTES, range.bytes.size() - first);
 }
 
-std::string lineLabel(size_t first)
+std::string LineLabel(size_t first)
 {
     const uint8_t *bytes = range.bytes.data() + first;
     const uint32_t address = range.start + static_cast<uint32_t>(first);
-    return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, lineBytes(first))) +
-           SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, lineBytes(first)));
+    return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, LineBytes(first))) +
+           SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, LineBytes(first)));
 }
 
 // Index of the selected line's first byte, or -1.
-int selectedByte()
+int SelectedByte()
 {
     int line = -1;
     GetCtrlIndex(PANEL, MEMORY_LIST, &line);
@@ -71,33 +72,33 @@ int selectedByte()
     return line >= 0 && first < static_cast<int>(range.bytes.size()) ? first : -1;
 }
 
-void showSelected()
+void ShowSelected()
 {
-    const int first = selectedByte();
+    const int first = SelectedByte();
     const size_t at = static_cast<size_t>(std::max(first, 0));
     SetCtrlVal(PANEL, MEMORY_LINE,
-               first < 0 ? "" : BYT_Hex(range.bytes.data() + at, lineBytes(at)));
+               first < 0 ? "" : BYT_Hex(range.bytes.data() + at, LineBytes(at)));
     for (const int control : {MEMORY_LINE, MEMORY_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, first < 0);
     SetCtrlAttribute(PANEL, MEMORY_COPY, ATTR_DIMMED, range.bytes.empty());
 }
 
-void showRange()
+void ShowRange()
 {
     int line = 0;
     GetCtrlIndex(PANEL, MEMORY_LIST, &line);
     ClearListCtrl(PANEL, MEMORY_LIST);
     int lines = 0;
     for (size_t first = 0; first < range.bytes.size(); first += MEMORY_LINE_BYTES, ++lines)
-        InsertListItem(PANEL, MEMORY_LIST, -1, lineLabel(first), lines);
+        InsertListItem(PANEL, MEMORY_LIST, -1, LineLabel(first), lines);
     if (lines > 0)
         SetCtrlIndex(PANEL, MEMORY_LIST, std::clamp(line, 0, lines - 1));
-    showSelected();
+    ShowSelected();
 }
 
 // --- reading ----------------------------------------------------------------------------
 
-std::string typedAddress()
+std::string TypedAddress()
 {
     std::string text;
     GetCtrlVal(PANEL, MEMORY_ADDRESS, &text);
@@ -105,9 +106,9 @@ std::string typedAddress()
 }
 
 // Where the typed range begins. False, and why in *message, when that is nowhere.
-bool findStart(uint32_t *address, int *station, std::string *message)
+bool FindStart(uint32_t *address, int *station, std::string *message)
 {
-    const std::string text = typedAddress();
+    const std::string text = TypedAddress();
     *message = "A name from the map, or an address such as $1F00; 3: in front for station 3.";
     if (text.find_first_not_of(' ') == std::string::npos)
         return false;
@@ -125,12 +126,12 @@ bool findStart(uint32_t *address, int *station, std::string *message)
     return *station <= STATION_MAX;
 }
 
-void showPlace()
+void ShowPlace()
 {
     uint32_t address = 0;
     int station = -1;
     std::string text;
-    if (findStart(&address, &station, &text)) {
+    if (FindStart(&address, &station, &text)) {
         char place[80];
         std::snprintf(place, sizeof place, "Byte address 0x%06X", address);
         text = place;
@@ -142,21 +143,21 @@ void showPlace()
 }
 
 // The range that is typed, into *wanted; false, with the reason said, when it is none.
-bool takeTyped(Range *wanted)
+bool TakeTyped(Range *wanted)
 {
     std::string message;
     int count = 0, station = -1;
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
-    if (!findStart(&wanted->start, &station, &message)) {
-        say(message, COLOR_BAD);
+    if (!FindStart(&wanted->start, &station, &message)) {
+        Say(message, COLOR_BAD);
         return false;
     }
     if (count < 1 || count > MEMORY_BYTES_MAX) {
-        say("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.", COLOR_BAD);
+        Say("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.", COLOR_BAD);
         return false;
     }
     if (static_cast<uint32_t>(count) > ADDR_LIMIT - wanted->start) {
-        say("The range ends beyond the target's memory.", COLOR_BAD);
+        Say("The range ends beyond the target's memory.", COLOR_BAD);
         return false;
     }
     wanted->station = station < 0 ? STATION : station;
@@ -165,35 +166,35 @@ bool takeTyped(Range *wanted)
 }
 
 // What could not be read is not left on the screen as if it had been.
-void read()
+void ReadAndShow()
 {
     Range wanted;
-    if (!takeTyped(&wanted))
+    if (!TakeTyped(&wanted))
         return;
     if (!VR_EnsureCom()) {
-        say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        Say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
         return;
     }
     const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
     const bool isRead = UCM_Read(wanted.station, wanted.start, count, wanted.bytes.data()) >= 0;
-    const std::string cause = isRead ? "" : lastCause();
+    const std::string cause = isRead ? "" : LastCause();
     if (!isRead)
         wanted.bytes.clear();
     range = wanted;
-    showRange();
+    ShowRange();
     if (isRead)
-        say("Read " + std::to_string(count) + " bytes from station " +
+        Say("Read " + std::to_string(count) + " bytes from station " +
                 std::to_string(range.station) + ".",
             COLOR_PLAIN);
     else
-        say("Not read: " + cause, COLOR_BAD);
+        Say("Not read: " + cause, COLOR_BAD);
 }
 
 // --- writing ----------------------------------------------------------------------------
 
 // Writes each run of changed bytes with one message and nothing between them: the target
 // may have changed a neighbour since it was read. False when a message failed.
-bool writeChanged(uint32_t address, const Bytes &before, const Bytes &wanted)
+bool WriteChanged(uint32_t address, const Bytes &before, const Bytes &wanted)
 {
     for (size_t begin = 0; begin < wanted.size();) {
         size_t end = begin;
@@ -208,7 +209,7 @@ bool writeChanged(uint32_t address, const Bytes &before, const Bytes &wanted)
 }
 
 // What the target holds now against what was wanted, of the bytes that were written.
-void compare(uint32_t address, const Bytes &before, const Bytes &wanted, const Bytes &held)
+void Compare(uint32_t address, const Bytes &before, const Bytes &wanted, const Bytes &held)
 {
     for (size_t i = 0; i < wanted.size(); ++i) {
         if (wanted[i] == before[i] || wanted[i] == held[i])
@@ -216,65 +217,65 @@ void compare(uint32_t address, const Bytes &before, const Bytes &wanted, const B
         char text[80];
         std::snprintf(text, sizeof text, " 0x%06X: wrote %02X, the target holds %02X.",
                       address + static_cast<uint32_t>(i), wanted[i], held[i]);
-        say(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
+        Say(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
         return;
     }
     size_t changed = 0;
     for (size_t i = 0; i < wanted.size(); ++i)
         changed += wanted[i] != before[i];
-    say("OK: Written and read back: " + std::to_string(changed) +
+    Say("OK: Written and read back: " + std::to_string(changed) +
             (changed == 1 ? " byte." : " bytes."),
         COLOR_GOOD);
 }
 
-void writeLine(size_t first, const Bytes &before, const Bytes &wanted)
+void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
 {
     const uint32_t address = range.start + static_cast<uint32_t>(first);
-    const bool isWritten = writeChanged(address, before, wanted);
-    const std::string cause = isWritten ? "" : lastCause();
+    const bool isWritten = WriteChanged(address, before, wanted);
+    const std::string cause = isWritten ? "" : LastCause();
     Bytes held(before.size());
     const bool isRead =
         UCM_Read(range.station, address, static_cast<uint32_t>(held.size()), held.data()) >= 0;
     if (!isWritten) {
-        say("FAILED: Not written, or only in part: " + cause, COLOR_BAD);
+        Say("FAILED: Not written, or only in part: " + cause, COLOR_BAD);
     } else if (!isRead) {
-        say("NOT VERIFIED: Written, but the line could not be read: " + lastCause(), COLOR_WARN);
+        Say("NOT VERIFIED: Written, but the line could not be read: " + LastCause(), COLOR_WARN);
     }
     if (!isRead)
         return;
     std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
     ReplaceListItem(PANEL, MEMORY_LIST, static_cast<int>(first) / MEMORY_LINE_BYTES,
-                    lineLabel(first), 0);
+                    LineLabel(first), 0);
     if (!isWritten)
         return;
-    showSelected();
-    compare(address, before, wanted, held);
+    ShowSelected();
+    Compare(address, before, wanted, held);
 }
 
-void write()
+void WriteAndShow()
 {
-    const int selected = selectedByte();
+    const int selected = SelectedByte();
     if (selected < 0)
         return;
     const size_t first = static_cast<size_t>(selected);
     const auto begin = range.bytes.begin() + selected;
-    const Bytes before(begin, begin + static_cast<long>(lineBytes(first)));
+    const Bytes before(begin, begin + static_cast<long>(LineBytes(first)));
     Bytes wanted;
     std::string text;
     GetCtrlVal(PANEL, MEMORY_LINE, &text);
     const std::string error = BYT_Parse(text, before.size(), &wanted);
     if (!error.empty())
-        say("REFUSED: " + error, COLOR_BAD);
+        Say("REFUSED: " + error, COLOR_BAD);
     else if (wanted == before)
-        say("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
+        Say("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
     else if (!VR_EnsureCom())
-        say(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
+        Say(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
     else
-        writeLine(first, before, wanted);
+        WriteLine(first, before, wanted);
 }
 
 // The item's name when it says where the item is, else its address.
-std::string placeOf(const LItem &item)
+std::string PlaceOf(const LItem &item)
 {
     if (GetSysAddr(item.name.c_str()) == item.address)
         return item.name;
@@ -283,7 +284,7 @@ std::string placeOf(const LItem &item)
     return (item.station < 0 ? "" : std::to_string(item.station) + ":") + place;
 }
 
-void copyLines()
+void CopyLines()
 {
     int count = 0;
     GetNumListItems(PANEL, MEMORY_LIST, &count);
@@ -292,17 +293,17 @@ void copyLines()
         if (GetLabelFromIndex(PANEL, MEMORY_LIST, i, &label) >= 0)
             text += UIC_JoinColumns(label, "\t") + "\n";
     if (ClipboardPutText(text) == 0)
-        say("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
+        Say("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
 }
 
-bool isPressed(int event, int data)
+bool IsPressed(int event, int data)
 {
     return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
 }
 
-int press(int event, int data, void (*act)())
+int Press(int event, int data, void (*act)())
 {
-    if (!isPressed(event, data))
+    if (!IsPressed(event, data))
         return 0;
     act();
     return 1;
@@ -319,16 +320,16 @@ void MMP_Open(int index)
     const bool hasPlace = index >= 0 && index < nLItems && LIT_HasAddress(aLItems[index]) &&
                           !LIT_IsTMS(aLItems[index]);
     if (hasPlace)
-        SetCtrlVal(PANEL, MEMORY_ADDRESS, placeOf(aLItems[index]));
+        SetCtrlVal(PANEL, MEMORY_ADDRESS, PlaceOf(aLItems[index]));
     SetCtrlCompletion(PANEL, MEMORY_ADDRESS, NCM_CompleteCB);
-    showPlace();
-    showSelected();
+    ShowPlace();
+    ShowSelected();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, MEMORY_ADDRESS);
-    say("", COLOR_PLAIN);
+    Say("", COLOR_PLAIN);
     if (hasPlace && isTimer)
-        read();
+        ReadAndShow();
 }
 
 int MMP_PanelCB(int panel, int event, int data)
@@ -342,28 +343,28 @@ int MMP_PanelCB(int panel, int event, int data)
 int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED)
-        showPlace();
+        ShowPlace();
     else if (event == EVENT_COMMIT)
-        read();
+        ReadAndShow();
     return 0;
 }
 
 int MMP_CountCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        read();
+        ReadAndShow();
     return 0;
 }
 
 int MMP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    return press(event, data, read);
+    return Press(event, data, ReadAndShow);
 }
 
 int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED)
-        showSelected();
+        ShowSelected();
     else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
         SetActiveCtrl(PANEL, MEMORY_LINE);
     return 0;
@@ -372,23 +373,23 @@ int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 int MMP_LineCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        write();
+        WriteAndShow();
     return 0;
 }
 
 int MMP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    return press(event, data, write);
+    return Press(event, data, WriteAndShow);
 }
 
 int MMP_CopyCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    return press(event, data, copyLines);
+    return Press(event, data, CopyLines);
 }
 
 int MMP_CloseCB(int panel, int /*control*/, int event, int data)
 {
-    if (isPressed(event, data))
+    if (IsPressed(event, data))
         HidePanel(panel);
-    return isPressed(event, data);
+    return IsPressed(event, data);
 }

@@ -9,7 +9,7 @@
 
 namespace {
 
-bool startsWithNoCase(const char *name, const std::string &start)
+bool StartsWithNoCase(const char *name, const std::string &start)
 {
     for (const char c : start) {
         if (std::tolower(static_cast<unsigned char>(c)) !=
@@ -21,25 +21,25 @@ bool startsWithNoCase(const char *name, const std::string &start)
 }
 
 // Compilers put a "_" in front of names; who types without it means them too.
-void addNames(const VarNode *table, int count, const std::string &start,
+void AddNames(const VarNode *table, int count, const std::string &start,
               std::vector<std::string> *names)
 {
     for (int i = 0; i < count; ++i) {
         const char *name = table[i].name;
-        if (startsWithNoCase(name, start) || (*name == '_' && startsWithNoCase(name + 1, start)))
+        if (StartsWithNoCase(name, start) || (*name == '_' && StartsWithNoCase(name + 1, start)))
             names->push_back(name);
     }
 }
 
-void collect(const std::string &start, bool isTMS, std::vector<std::string> *names)
+void Collect(const std::string &start, bool isTMS, std::vector<std::string> *names)
 {
     if (isTMS) {
-        addNames(aVarTMSNode, nTMSNodes, start, names);
+        AddNames(aVarTMSNode, nTMSNodes, start, names);
     } else if (start.find_first_of(".[") != std::string::npos) {
-        addNames(TMF_paSVNode, TMF_cnSVNode, start, names);
+        AddNames(TMF_paSVNode, TMF_cnSVNode, start, names);
     } else {
-        addNames(aVarNode, nNodes, start, names);
-        addNames(aVarNode166, nNodes166, start, names);
+        AddNames(aVarNode, nNodes, start, names);
+        AddNames(aVarNode166, nNodes166, start, names);
     }
 }
 
@@ -56,7 +56,7 @@ std::vector<std::string> NCM_Complete(const std::string &typed)
     const std::string prefix = typed.substr(0, typed.size() - start.size());
     std::vector<std::string> names;
     if (!start.empty())
-        collect(start, isTMS, &names);
+        Collect(start, isTMS, &names);
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     if (names.size() > COMPLETIONS_MAX)

@@ -10,6 +10,7 @@
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/windows/selector_row.h"
@@ -34,34 +35,34 @@ struct Level {
 Level level;
 
 // Where the last selection ("[3]" or ".member") of a path begins; npos = none.
-size_t lastSelection(const std::string &path)
+size_t LastSelection(const std::string &path)
 {
     return path.find_last_of(".[");
 }
 
-std::string parentOf(const std::string &path)
+std::string ParentOf(const std::string &path)
 {
-    const size_t at = lastSelection(path);
+    const size_t at = LastSelection(path);
     return at == std::string::npos ? "" : path.substr(0, at);
 }
 
-std::string lastPart(const std::string &path)
+std::string LastPart(const std::string &path)
 {
-    const size_t at = lastSelection(path);
+    const size_t at = LastSelection(path);
     return at == std::string::npos ? path : path.substr(path[at] == '.' ? at + 1 : at);
 }
 
 // First element of the page on which a path's last index stands.
-uint32_t pageOf(const std::string &path)
+uint32_t PageOf(const std::string &path)
 {
-    const size_t at = lastSelection(path);
+    const size_t at = LastSelection(path);
     if (at == std::string::npos || path[at] != '[')
         return 0;
     const auto index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
     return index - index % TMF_LIST_ELEMENTS_MAX;
 }
 
-std::vector<TMF_ListRow> variablesWithParts()
+std::vector<TMF_ListRow> VariablesWithParts()
 {
     std::vector<TMF_ListRow> rows = TMF_ListVariables("");
     rows.erase(std::remove_if(rows.begin(), rows.end(),
@@ -71,11 +72,11 @@ std::vector<TMF_ListRow> variablesWithParts()
 }
 
 // False, and *built as it was, when the path has no parts.
-bool buildLevel(const std::string &path, uint32_t first, Level *built)
+bool BuildLevel(const std::string &path, uint32_t first, Level *built)
 {
     Level next;
     next.path = path;
-    next.rows = path.empty() ? variablesWithParts() : TMF_ListParts(path.c_str(), first);
+    next.rows = path.empty() ? VariablesWithParts() : TMF_ListParts(path.c_str(), first);
     if (next.rows.empty() && !path.empty())
         return false;
     uint32_t chain[TMF_CHAIN_SIZE];
@@ -92,19 +93,19 @@ bool buildLevel(const std::string &path, uint32_t first, Level *built)
     return true;
 }
 
-std::string rowLabel(const TMF_ListRow &row, uint32_t start)
+std::string RowLabel(const TMF_ListRow &row, uint32_t start)
 {
     char offset[16] = "";
     const uint32_t unit = IsWordAddressing(Procesor) ? 2 : 1; // as addresses are shown
     if (!level.path.empty())
         std::snprintf(offset, sizeof offset, "+0x%X", (row.address - start) / unit);
-    return lastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
+    return LastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
            SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
            SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
            SEL_Column(DECLARATION_COLUMN, row.declaration);
 }
 
-const TMF_ListRow *selectedRow()
+const TMF_ListRow *SelectedRow()
 {
     int line = -1;
     GetCtrlIndex(PANEL, STRSEL_LIST, &line);
@@ -113,9 +114,9 @@ const TMF_ListRow *selectedRow()
     return &level.rows[static_cast<size_t>(line)];
 }
 
-void showSelected()
+void ShowSelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     SetCtrlAttribute(PANEL, STRSEL_COPY, ATTR_DIMMED, row == nullptr);
     SetCtrlAttribute(PANEL, STRSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
     SetCtrlAttribute(PANEL, STRSEL_OPEN, ATTR_DIMMED, row == nullptr || !row->hasParts);
@@ -127,7 +128,7 @@ void showSelected()
                                       : "No variable of the map has members.");
 }
 
-void showRange()
+void ShowRange()
 {
     const auto count = static_cast<uint32_t>(level.rows.size());
     const bool isPaged = level.elements > TMF_LIST_ELEMENTS_MAX;
@@ -144,7 +145,7 @@ void showRange()
 }
 
 // Shows `level` with the row of an expression, else the first one, selected.
-void showLevel(const std::string &selected)
+void ShowLevel(const std::string &selected)
 {
     const uint32_t start = inStruct(level.path.c_str(), aVarNode, nNodes);
     SetCtrlVal(PANEL, STRSEL_PATH, level.path);
@@ -153,7 +154,7 @@ void showLevel(const std::string &selected)
     int line = 0;
     for (size_t i = 0; i < level.rows.size(); ++i) {
         const int at = static_cast<int>(i);
-        InsertListItem(PANEL, STRSEL_LIST, -1, rowLabel(level.rows[i], origin), at);
+        InsertListItem(PANEL, STRSEL_LIST, -1, RowLabel(level.rows[i], origin), at);
         if (level.rows[i].expression == selected)
             line = at;
     }
@@ -162,68 +163,68 @@ void showLevel(const std::string &selected)
         if (line == 0)
             SetCtrlAttribute(PANEL, STRSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
-    showRange();
-    showSelected();
+    ShowRange();
+    ShowSelected();
 }
 
-bool go(const std::string &path, uint32_t first, const std::string &selected)
+bool Go(const std::string &path, uint32_t first, const std::string &selected)
 {
-    if (!buildLevel(path, first, &level))
+    if (!BuildLevel(path, first, &level))
         return false;
-    showLevel(selected);
+    ShowLevel(selected);
     return true;
 }
 
-void goUp()
+void GoUp()
 {
     const std::string from = level.path;
     if (!from.empty())
-        go(parentOf(from), pageOf(from), from);
+        Go(ParentOf(from), PageOf(from), from);
 }
 
 // What a user typed: a level, or a plain member, which is then selected on its level.
-bool goTo(const std::string &text)
+bool GoTo(const std::string &text)
 {
     const size_t begin = text.find_first_not_of(' ');
     const std::string path = begin == std::string::npos
                                  ? ""
                                  : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
-    if (go(path, 0, ""))
+    if (Go(path, 0, ""))
         return true;
     uint32_t offset = 0;
-    const bool isMember = lastSelection(path) != std::string::npos &&
+    const bool isMember = LastSelection(path) != std::string::npos &&
                           TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
-    if (isMember && go(parentOf(path), pageOf(path), path))
+    if (isMember && Go(ParentOf(path), PageOf(path), path))
         return true;
     SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
     return false;
 }
 
-void openSelected()
+void OpenSelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && row->hasParts)
-        go(std::string(row->expression), 0, "");
+        Go(std::string(row->expression), 0, "");
 }
 
-void addSelected()
+void AddSelected()
 {
-    if (const TMF_ListRow *row = selectedRow())
+    if (const TMF_ListRow *row = SelectedRow())
         SEL_AddToWatch(row->expression, PANEL, STRSEL_DETAIL);
 }
 
-void openOrAdd()
+void OpenOrAdd()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && row->hasParts)
-        openSelected();
+        OpenSelected();
     else
-        addSelected();
+        AddSelected();
 }
 
-void copySelected()
+void CopySelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && ClipboardPutText(row->expression) == 0)
         SetCtrlVal(PANEL, STRSEL_DETAIL, "Copied: " + row->expression);
 }
@@ -233,17 +234,17 @@ struct ActionRow {
     void (*act)();
 };
 const ActionRow BUTTONS[] = {
-    {STRSEL_UP, goUp},
-    {STRSEL_ADD, addSelected},
-    {STRSEL_OPEN, openSelected},
-    {STRSEL_COPY, copySelected},
+    {STRSEL_UP, GoUp},
+    {STRSEL_ADD, AddSelected},
+    {STRSEL_OPEN, OpenSelected},
+    {STRSEL_COPY, CopySelected},
     {STRSEL_CLOSE, [] { HidePanel(PANEL); }},
-    {STRSEL_PREVIOUS, [] { go(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
-    {STRSEL_NEXT, [] { go(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
+    {STRSEL_PREVIOUS, [] { Go(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
+    {STRSEL_NEXT, [] { Go(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
 };
-const ActionRow LIST_KEYS[] = {{KEY_BACKSPACE, goUp}, {KEY_LEFT, goUp}, {KEY_RIGHT, openSelected}};
+const ActionRow LIST_KEYS[] = {{KEY_BACKSPACE, GoUp}, {KEY_LEFT, GoUp}, {KEY_RIGHT, OpenSelected}};
 
-template <size_t N> int actOn(const ActionRow (&rows)[N], int code)
+template <size_t N> int ActOn(const ActionRow (&rows)[N], int code)
 {
     for (const ActionRow &row : rows) {
         if (row.code != code)
@@ -258,16 +259,16 @@ template <size_t N> int actOn(const ActionRow (&rows)[N], int code)
 
 void TMF_CreateStructSelector()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     const std::string selected = row != nullptr ? row->expression : "";
-    if (!go(std::string(level.path), level.first, selected))
-        go("", 0, "");
+    if (!Go(std::string(level.path), level.first, selected))
+        Go("", 0, "");
 }
 
 int TMF_DisplayStructSelector(const std::string &expression)
 {
     TMF_CreateStructSelector();
-    const bool isFound = goTo(expression);
+    const bool isFound = GoTo(expression);
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, level.rows.empty() ? STRSEL_PATH : STRSEL_LIST);
@@ -292,7 +293,7 @@ int SSL_PathCB(int, int, int event, int data)
     if (event == EVENT_COMMIT) {
         std::string text;
         GetCtrlVal(PANEL, STRSEL_PATH, &text);
-        if (goTo(text))
+        if (GoTo(text))
             SetActiveCtrl(PANEL, STRSEL_LIST);
     } else if (event == EVENT_KEYPRESS && data == KEY_DOWN) {
         SetActiveCtrl(PANEL, STRSEL_LIST);
@@ -304,17 +305,17 @@ int SSL_PathCB(int, int, int event, int data)
 int SSL_ListCB(int, int, int event, int data)
 {
     if (event == EVENT_KEYPRESS)
-        return actOn(LIST_KEYS, data);
+        return ActOn(LIST_KEYS, data);
     if (event == EVENT_VAL_CHANGED)
-        showSelected();
+        ShowSelected();
     else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
-        openOrAdd();
+        OpenOrAdd();
     return 0;
 }
 
 int SSL_ButtonCB(int, int control, int event, int)
 {
     if (event == EVENT_COMMIT)
-        actOn(BUTTONS, control);
+        ActOn(BUTTONS, control);
     return 0;
 }

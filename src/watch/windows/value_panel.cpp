@@ -2,18 +2,20 @@
 
 #include <cstdio>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/windows/outcome_colors.h"
+#include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
-#include "watch/value/type_names.h"
 #include "watch/value/value_forms.h"
+#include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
+#include "watch/windows/outcome_colors.h"
 
 namespace {
 
@@ -35,7 +37,7 @@ const OutcomeRow outcomeRows[] = {
 };
 const OutcomeRow refusedRow = {WRV_ERR_TEXT, "REFUSED: ", COLOR_BAD};
 
-const OutcomeRow &outcomeOf(int result)
+const OutcomeRow &OutcomeOf(int result)
 {
     for (const OutcomeRow &row : outcomeRows)
         if (row.result == result)
@@ -43,34 +45,34 @@ const OutcomeRow &outcomeOf(int result)
     return refusedRow;
 }
 
-void say(const std::string &text, int color)
+void Say(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, VALUE_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, VALUE_RESULT, text);
 }
 
-bool isOpen()
+bool IsOpen()
 {
     int isVisible = 0;
     return GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
 }
 
 // The item's index now; -1, said in the window, when it is gone.
-int currentIndex()
+int CurrentIndex()
 {
     const int index = EDT_Find(shown);
     std::string said;
     GetCtrlVal(PANEL, VALUE_RESULT, &said);
     if (index < 0)
-        say(ITEM_GONE, COLOR_BAD);
+        Say(ITEM_GONE, COLOR_BAD);
     else if (said == ITEM_GONE)
-        say("", COLOR_PLAIN);
+        Say("", COLOR_PLAIN);
     if (index >= 0)
         shown.index = index;
     return index;
 }
 
-std::string addressText(const LItem &item)
+std::string AddressText(const LItem &item)
 {
     char text[80];
     if (item.address == LITEM_NO_ADDRESS)
@@ -85,22 +87,22 @@ std::string addressText(const LItem &item)
     return text;
 }
 
-std::string stationText(const LItem &item)
+std::string StationText(const LItem &item)
 {
     if (item.station >= 0 && item.station <= STATION_MAX)
         return std::to_string(item.station);
     return std::to_string(STATION) + " (the selected one)";
 }
 
-std::string typeText(const LItem &item)
+std::string TypeText(const LItem &item)
 {
-    const TYN_Row *row = TYN_Find(item.type);
+    const VTY_Row *row = VTY_Find(item.type);
     return std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
            (item.size == 1 ? " byte" : " bytes");
 }
 
 // As the list shows it, or why it cannot.
-std::string listText(const LItem &item)
+std::string ListText(const LItem &item)
 {
     if (!item.isValueGood)
         return item.reason.empty() ? "not read yet" : item.reason;
@@ -111,42 +113,42 @@ std::string listText(const LItem &item)
 }
 
 // Goes over the screen four times a second: what is the same stays untouched.
-void put(int control, const std::string &text)
+void Put(int control, const std::string &text)
 {
     std::string before;
     if (GetCtrlVal(PANEL, control, &before) < 0 || before != text)
         SetCtrlVal(PANEL, control, text);
 }
 
-void showItem(const LItem &item)
+void ShowItem(const LItem &item)
 {
-    put(VALUE_NAME, LIT_Label(item));
-    put(VALUE_ADDRESS, addressText(item));
-    put(VALUE_STATION, stationText(item));
-    put(VALUE_TYPE, typeText(item));
-    put(VALUE_SHOWN, listText(item));
-    put(VALUE_DECIMAL, VFM_Decimal(item));
-    put(VALUE_HEX, VFM_Hex(item));
-    put(VALUE_BINARY, VFM_Binary(item));
-    put(VALUE_FLOAT, VFM_Float(item));
-    put(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
+    Put(VALUE_NAME, LIT_Label(item));
+    Put(VALUE_ADDRESS, AddressText(item));
+    Put(VALUE_STATION, StationText(item));
+    Put(VALUE_TYPE, TypeText(item));
+    Put(VALUE_SHOWN, ListText(item));
+    Put(VALUE_DECIMAL, VFM_Decimal(item));
+    Put(VALUE_HEX, VFM_Hex(item));
+    Put(VALUE_BINARY, VFM_Binary(item));
+    Put(VALUE_FLOAT, VFM_Float(item));
+    Put(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
     SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR,
                      item.isValueGood || item.reason.empty() ? COLOR_PLAIN : COLOR_BAD);
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, !LIT_HasAddress(item));
 }
 
-void showGone()
+void ShowGone()
 {
     for (const int control :
          {VALUE_SHOWN, VALUE_DECIMAL, VALUE_HEX, VALUE_BINARY, VALUE_FLOAT, VALUE_HINT})
-        put(control, "-");
+        Put(control, "-");
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
 
 // Reads the item and shows it; false when it could not be read.
-bool readItem(int index)
+bool ReadItem(int index)
 {
     const bool isGood = readValues(index) == 0;
     if (readLItems)
@@ -155,25 +157,25 @@ bool readItem(int index)
     return isGood;
 }
 
-void read()
+void ReadAndShow()
 {
-    const int index = currentIndex();
+    const int index = CurrentIndex();
     if (index < 0)
         return;
     if (!VR_EnsureCom()) {
-        say("Not read: communication is off.", COLOR_BAD);
+        Say("Not read: communication is off.", COLOR_BAD);
         return;
     }
-    if (readItem(index))
-        say("", COLOR_PLAIN);
+    if (ReadItem(index))
+        Say("", COLOR_PLAIN);
     else
-        say("Not read: " + aLItems[index].reason + ".", COLOR_BAD);
+        Say("Not read: " + aLItems[index].reason + ".", COLOR_BAD);
 }
 
 // What cannot be a value is refused before anybody is asked about communication.
-void write()
+void WriteAndShow()
 {
-    const int index = currentIndex();
+    const int index = CurrentIndex();
     if (index < 0)
         return;
     std::string text, message;
@@ -181,26 +183,26 @@ void write()
     uint64_t bits = 0;
     int result = WRV_Parse(aLItems[index], text, &bits, &message);
     if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
-        say("REFUSED: The value was not written: communication is off.", COLOR_BAD);
+        Say("REFUSED: The value was not written: communication is off.", COLOR_BAD);
         return;
     }
     if (result == WRV_OK)
         result = WRV_Write(index, text, &message);
     VLP_Refresh();
-    say(outcomeOf(result).word + message, outcomeOf(result).color);
+    Say(OutcomeOf(result).word + message, OutcomeOf(result).color);
     if (result == WRV_OK)
         SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
     SetActiveCtrl(PANEL, VALUE_NEW);
 }
 
 // The sweep reads only what is in view.
-bool isSwept(int index)
+bool IsSwept(int index)
 {
     const int first = LSV_FirstVisible();
     return index >= first && index < first + SWEEP_LINES;
 }
 
-bool isPressed(int event, int data)
+bool IsPressed(int event, int data)
 {
     return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
 }
@@ -212,26 +214,26 @@ void VLP_Open(int index)
     if (index < 0 || index >= nLItems)
         return;
     shown = EDT_Refer(index);
-    say("", COLOR_PLAIN);
+    Say("", COLOR_PLAIN);
     SetCtrlVal(PANEL, VALUE_NEW, "");
     SetCtrlAttribute(PANEL, VALUE_TIMER, ATTR_INTERVAL, VALUE_PERIOD_S);
-    showItem(aLItems[index]);
+    ShowItem(aLItems[index]);
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, VALUE_NEW);
     if (isTimer && LIT_HasAddress(aLItems[index]))
-        readItem(index);
+        ReadItem(index);
 }
 
 void VLP_Refresh()
 {
-    if (!isOpen())
+    if (!IsOpen())
         return;
-    const int index = currentIndex();
+    const int index = CurrentIndex();
     if (index >= 0)
-        showItem(aLItems[index]);
+        ShowItem(aLItems[index]);
     else
-        showGone();
+        ShowGone();
 }
 
 int VLP_PanelCB(int panel, int event, int data)
@@ -245,29 +247,29 @@ int VLP_PanelCB(int panel, int event, int data)
 int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        write();
+        WriteAndShow();
     return 0;
 }
 
 int VLP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (!isPressed(event, data))
+    if (!IsPressed(event, data))
         return 0;
-    read();
+    ReadAndShow();
     return 1;
 }
 
 int VLP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (!isPressed(event, data))
+    if (!IsPressed(event, data))
         return 0;
-    write();
+    WriteAndShow();
     return 1;
 }
 
 int VLP_CloseCB(int panel, int /*control*/, int event, int data)
 {
-    if (!isPressed(event, data))
+    if (!IsPressed(event, data))
         return 0;
     HidePanel(panel);
     return 1;
@@ -275,10 +277,10 @@ int VLP_CloseCB(int panel, int /*control*/, int event, int data)
 
 int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event != EVENT_TIMER_TICK || !isOpen() || !isTimer)
+    if (event != EVENT_TIMER_TICK || !IsOpen() || !isTimer)
         return 0;
     const int index = EDT_Find(shown);
-    if (index >= 0 && !isSwept(index) && LIT_HasAddress(aLItems[index]))
+    if (index >= 0 && !IsSwept(index) && LIT_HasAddress(aLItems[index]))
         readValues(index);
     VLP_Refresh();
     return 0;

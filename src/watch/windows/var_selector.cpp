@@ -43,7 +43,7 @@ struct Selector {
 };
 Selector selector;
 
-std::string lowerCase(std::string text)
+std::string LowerCase(std::string text)
 {
     for (char &c : text)
         c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -51,7 +51,7 @@ std::string lowerCase(std::string text)
 }
 
 // "*" stands for any run of characters; on a mismatch the last one takes one more.
-bool isGlobMatch(const char *pattern, const char *name)
+bool IsGlobMatch(const char *pattern, const char *name)
 {
     const char *star = nullptr, *resume = nullptr;
     while (*name != '\0') {
@@ -74,14 +74,14 @@ bool isGlobMatch(const char *pattern, const char *name)
 }
 
 // Both in lower case.
-bool isFoldedMatch(const std::string &filter, const std::string &name)
+bool IsFoldedMatch(const std::string &filter, const std::string &name)
 {
     if (filter.find('*') != std::string::npos)
-        return isGlobMatch(filter.c_str(), name.c_str());
+        return IsGlobMatch(filter.c_str(), name.c_str());
     return name.find(filter) != std::string::npos;
 }
 
-const SourceRow &chosenSource()
+const SourceRow &ChosenSource()
 {
     int value = VSL_MAP;
     GetCtrlVal(PANEL, VARSEL_SOURCE, &value);
@@ -91,7 +91,7 @@ const SourceRow &chosenSource()
     return SOURCES[0];
 }
 
-void appendNodes(const VarNode *table, int count, const char *prefix,
+void AppendNodes(const VarNode *table, int count, const char *prefix,
                  std::vector<TMF_ListRow> *rows)
 {
     for (int i = 0; i < count; ++i) {
@@ -102,28 +102,28 @@ void appendNodes(const VarNode *table, int count, const char *prefix,
     }
 }
 
-void collectRows()
+void CollectRows()
 {
     selector.rows.clear();
-    switch (chosenSource().source) {
+    switch (ChosenSource().source) {
     case VSL_MAP:
         selector.rows = TMF_ListVariables("");
         break;
     case VSL_REGISTERS:
-        appendNodes(aVarNode166, nNodes166, "", &selector.rows);
+        AppendNodes(aVarNode166, nNodes166, "", &selector.rows);
         break;
     case VSL_TMS:
-        appendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
+        AppendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
         break;
     }
     selector.names.clear();
     for (const TMF_ListRow &row : selector.rows)
-        selector.names.push_back(lowerCase(row.expression));
+        selector.names.push_back(LowerCase(row.expression));
     selector.isStale = false;
 }
 
 // A TMS320 behind a station counts words whatever the station counts.
-std::string rowLabel(const TMF_ListRow &row)
+std::string RowLabel(const TMF_ListRow &row)
 {
     const bool isTMS = row.expression[0] == '&';
     const uint32_t scale = isTMS && IsWordAddressing(Procesor) ? 2 : 1;
@@ -133,7 +133,7 @@ std::string rowLabel(const TMF_ListRow &row)
            SEL_Column(DECLARATION_COLUMN, hasType ? row.declaration : "");
 }
 
-const TMF_ListRow *selectedRow()
+const TMF_ListRow *SelectedRow()
 {
     int line = -1;
     GetCtrlIndex(PANEL, VARSEL_LIST, &line);
@@ -142,9 +142,9 @@ const TMF_ListRow *selectedRow()
     return &selector.rows[static_cast<size_t>(selector.shown[static_cast<size_t>(line)])];
 }
 
-void showSelected()
+void ShowSelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     SetCtrlAttribute(PANEL, VARSEL_COPY, ATTR_DIMMED, row == nullptr);
     SetCtrlAttribute(PANEL, VARSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
     SetCtrlAttribute(PANEL, VARSEL_MEMBERS, ATTR_DIMMED, row == nullptr || !row->hasParts);
@@ -152,52 +152,52 @@ void showSelected()
         SetCtrlVal(PANEL, VARSEL_DETAIL, SEL_Describe(*row));
     else
         SetCtrlVal(PANEL, VARSEL_DETAIL,
-                   selector.rows.empty() ? chosenSource().none : "No name matches the filter.");
+                   selector.rows.empty() ? ChosenSource().none : "No name matches the filter.");
 }
 
-void showCount()
+void ShowCount()
 {
     SetCtrlVal(PANEL, VARSEL_COUNT,
                std::to_string(selector.shown.size()) + " of " +
-                   std::to_string(selector.rows.size()) + " " + chosenSource().noun);
+                   std::to_string(selector.rows.size()) + " " + ChosenSource().noun);
 }
 
 // The line that was selected stays selected if the filter lets it through.
-void fillList()
+void FillList()
 {
-    const TMF_ListRow *before = selectedRow();
+    const TMF_ListRow *before = SelectedRow();
     const std::string kept = before != nullptr ? before->expression : "";
     if (selector.isStale)
-        collectRows();
+        CollectRows();
     GetCtrlVal(PANEL, VARSEL_FILTER, &selector.filter);
-    const std::string filter = lowerCase(selector.filter);
+    const std::string filter = LowerCase(selector.filter);
     selector.shown.clear();
     ClearListCtrl(PANEL, VARSEL_LIST);
     int line = 0;
     for (size_t i = 0; i < selector.rows.size(); ++i) {
-        if (!isFoldedMatch(filter, selector.names[i]))
+        if (!IsFoldedMatch(filter, selector.names[i]))
             continue;
         if (selector.rows[i].expression == kept)
             line = static_cast<int>(selector.shown.size());
         selector.shown.push_back(static_cast<int>(i));
-        InsertListItem(PANEL, VARSEL_LIST, -1, rowLabel(selector.rows[i]), static_cast<int>(i));
+        InsertListItem(PANEL, VARSEL_LIST, -1, RowLabel(selector.rows[i]), static_cast<int>(i));
     }
     if (!selector.shown.empty()) {
         SetCtrlIndex(PANEL, VARSEL_LIST, line);
         if (line == 0)
             SetCtrlAttribute(PANEL, VARSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
-    showCount();
-    showSelected();
+    ShowCount();
+    ShowSelected();
 }
 
-void setFilter(const std::string &text)
+void SetFilter(const std::string &text)
 {
     SetCtrlVal(PANEL, VARSEL_FILTER, text);
-    fillList();
+    FillList();
 }
 
-void fillSources()
+void FillSources()
 {
     int count = 0;
     GetNumListItems(PANEL, VARSEL_SOURCE, &count);
@@ -207,51 +207,51 @@ void fillSources()
         InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
 }
 
-void openMembers()
+void OpenMembers()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && row->hasParts)
         TMF_DisplayStructSelector(row->expression);
 }
 
-void addSelected()
+void AddSelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row == nullptr)
         return;
     if (SEL_CanWatch(*row))
         SEL_AddToWatch(row->expression, PANEL, VARSEL_DETAIL);
     else
-        openMembers();
+        OpenMembers();
 }
 
-void copySelected()
+void CopySelected()
 {
-    const TMF_ListRow *row = selectedRow();
+    const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && ClipboardPutText(row->expression) == 0)
         SetCtrlVal(PANEL, VARSEL_DETAIL, "Copied: " + row->expression);
 }
 
-int selectedLine()
+int SelectedLine()
 {
     int line = -1;
     GetCtrlIndex(PANEL, VARSEL_LIST, &line);
     return line;
 }
 
-void enterList()
+void EnterList()
 {
     if (selector.shown.empty())
         return;
-    SetCtrlIndex(PANEL, VARSEL_LIST, std::max(selectedLine(), 0));
+    SetCtrlIndex(PANEL, VARSEL_LIST, std::max(SelectedLine(), 0));
     SetActiveCtrl(PANEL, VARSEL_LIST);
 }
 
 // 1 when the key was for the filter.
-int onListKey(int key)
+int OnListKey(int key)
 {
     std::string filter = selector.filter;
-    if (key == KEY_UP && selectedLine() <= 0) {
+    if (key == KEY_UP && SelectedLine() <= 0) {
         SetActiveCtrl(PANEL, VARSEL_FILTER);
         return 1;
     }
@@ -262,7 +262,7 @@ int onListKey(int key)
     else
         return 0;
     SetActiveCtrl(PANEL, VARSEL_FILTER);
-    setFilter(filter);
+    SetFilter(filter);
     return 1;
 }
 
@@ -271,13 +271,13 @@ struct ButtonRow {
     void (*act)();
 };
 const ButtonRow BUTTONS[] = {
-    {VARSEL_ADD, addSelected},
-    {VARSEL_MEMBERS, openMembers},
-    {VARSEL_COPY, copySelected},
+    {VARSEL_ADD, AddSelected},
+    {VARSEL_MEMBERS, OpenMembers},
+    {VARSEL_COPY, CopySelected},
     {VARSEL_CLOSE, [] { HidePanel(PANEL); }},
 };
 
-bool isVisible(int panel)
+bool IsVisible(int panel)
 {
     int value = 0;
     return GetPanelAttribute(panel, ATTR_VISIBLE, &value) >= 0 && value != 0;
@@ -287,22 +287,22 @@ bool isVisible(int panel)
 
 bool VSL_IsMatch(const std::string &filter, const std::string &name)
 {
-    return isFoldedMatch(lowerCase(filter), lowerCase(name));
+    return IsFoldedMatch(LowerCase(filter), LowerCase(name));
 }
 
 void VSL_SymbolsChanged()
 {
     selector.isStale = true;
-    if (isVisible(PANEL))
-        fillList();
-    if (isVisible(PANEL_STRUCT_SELECTOR))
+    if (IsVisible(PANEL))
+        FillList();
+    if (IsVisible(PANEL_STRUCT_SELECTOR))
         TMF_CreateStructSelector();
 }
 
 void VSL_OpenCB(int, int)
 {
-    fillSources();
-    setFilter("");
+    FillSources();
+    SetFilter("");
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, VARSEL_FILTER);
@@ -319,22 +319,22 @@ int VSL_PanelCB(int panel, int event, int data)
 int VSL_FilterCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
-        fillList();
+        FillList();
     else if (event == EVENT_COMMIT)
-        addSelected();
+        AddSelected();
     else if (event == EVENT_KEYPRESS && data == KEY_DOWN)
-        enterList();
+        EnterList();
     return event == EVENT_KEYPRESS && data == KEY_DOWN;
 }
 
 int VSL_ListCB(int, int, int event, int data)
 {
     if (event == EVENT_KEYPRESS)
-        return onListKey(data);
+        return OnListKey(data);
     if (event == EVENT_VAL_CHANGED)
-        showSelected();
+        ShowSelected();
     else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
-        addSelected();
+        AddSelected();
     return 0;
 }
 
@@ -342,7 +342,7 @@ int VSL_SourceCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT) {
         selector.isStale = true;
-        fillList();
+        FillList();
     }
     return 0;
 }

@@ -1,11 +1,11 @@
-#include "watch/value/byte_text.h"
+#include "text/bytes.h"
 
 #include <cctype>
 #include <cstdio>
 
 namespace {
 
-int hexDigit(char c)
+int HexDigit(char c)
 {
     if (!std::isxdigit(static_cast<unsigned char>(c)))
         return -1;
@@ -41,8 +41,8 @@ std::string BYT_Parse(const std::string &text, size_t count, std::vector<uint8_t
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == ' ')
             continue;
-        const int high = hexDigit(text[i]);
-        const int low = i + 1 < text.size() ? hexDigit(text[i + 1]) : -1;
+        const int high = HexDigit(text[i]);
+        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
         if (high < 0 || low < 0)
             return "'" + text.substr(i, 2) + "' is no byte: two hexadecimal digits each.";
         bytes->push_back(static_cast<uint8_t>(high << 4 | low));

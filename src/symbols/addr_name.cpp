@@ -1,7 +1,10 @@
-// The way back from an address to a name, for listings: registers and variables.
+#include "symbols/addr_name.h"
+
 #include <cstdio>
 
 #include "comm/sysaddr.h"
+#include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {
@@ -10,7 +13,7 @@ namespace {
 constexpr uint32_t NEAR_VARIABLE_BYTES = 0x100;
 
 // The node with the highest address at or below the given one; of several, the first.
-const VarNode *nodeBelow(uint32_t address, const VarNode *table, int count)
+const VarNode *NodeBelow(uint32_t address, const VarNode *table, int count)
 {
     const VarNode *best = nullptr;
     for (int i = 0; i < count; ++i) {
@@ -22,10 +25,22 @@ const VarNode *nodeBelow(uint32_t address, const VarNode *table, int count)
 
 } // namespace
 
+uint32_t SYM_ResolveName(const char *name, bool isTMS)
+{
+    if (isTMS)
+        return openTMSStruct ? inStruct(name, aVarTMSNode, nTMSNodes) : ADDR_NONE;
+    uint32_t address = ADDR_NONE;
+    if (openStruct)
+        address = inStruct(name, aVarNode, nNodes);
+    if (address == ADDR_NONE && openStruct166)
+        address = inStruct(name, aVarNode166, nNodes166);
+    return address;
+}
+
 int RegAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct166 ? nodeBelow(address, aVarNode166, nNodes166) : nullptr;
+    const VarNode *node = openStruct166 ? NodeBelow(address, aVarNode166, nNodes166) : nullptr;
     if (!node)
         return -1;
     const uint32_t offset = address - node->addr;
@@ -41,7 +56,7 @@ int RegAddrToName(uint32_t address, std::string *text)
 int VarAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct ? nodeBelow(address, aVarNode, nNodes) : nullptr;
+    const VarNode *node = openStruct ? NodeBelow(address, aVarNode, nNodes) : nullptr;
     if (!node)
         return -1;
     const unsigned long offset = address - node->addr;
@@ -55,4 +70,16 @@ int VarAddrToName(uint32_t address, std::string *text)
                       static_cast<unsigned long>(address), node->name, offset);
     *text = buffer;
     return 0;
+}
+
+int MapAddrToId(std::string *name, uint32_t *address)
+{
+    const VarNode *node =
+        TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address) : VRN_MapNodeAtOrAfter(*address);
+    const VarNode *reg = VRN_RegisterAtOrAfter(*address);
+    if (reg != nullptr && (node == nullptr || reg->addr < node->addr))
+        node = reg;
+    *name = node != nullptr ? node->name : "";
+    *address = node != nullptr ? node->addr : 0xFFFFFFFFu;
+    return node != nullptr ? 0 : -1;
 }

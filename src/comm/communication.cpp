@@ -1,15 +1,10 @@
-// Communication on and off, the error report that always switches it off first, and
-// what the window shows of both.
-#include "app/VR.h"
+#include "comm/communication.h"
 
 #include <cstdio>
 
-#include "diagnostics/statistics_panel.h"
-#include "diagnostics/trace_panel.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
-#include "ui/resource.h"
-#include "watch/list/refresh.h"
+#include "settings/settings.h"
 
 namespace {
 
@@ -24,23 +19,35 @@ constexpr OpenReason OPEN_REASONS[] = {
 
 constexpr const char *AUTO_OFF = "Communication switched off: ";
 
-// What failed before, on another port or with the cable off, must not switch off again.
+COM_Listener listener = {};
+std::string autoOffMessage; // shown last
+
+void ShowMessage(const std::string &text)
+{
+    if (listener.showMessage != nullptr)
+        listener.showMessage(text);
+}
+
 int OpenLink()
 {
-    RFR_BeginSweep();
-    nErrors = 0;
+    // What failed before, on another port or with the cable off, must not switch off again.
+    if (listener.opening != nullptr)
+        listener.opening();
     return Check_ASC_Open(VR_OpenLink());
 }
 
-// What switched it off the last time is no news while it runs.
-void ClearAutoOff()
+} // namespace
+
+void COM_SetListener(const COM_Listener &newListener)
 {
-    std::string message;
-    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &message) == 0 && message.rfind(AUTO_OFF, 0) == 0)
-        VR_ShowMessage("");
+    listener = newListener;
 }
 
-} // namespace
+void COM_TellState()
+{
+    if (listener.stateChanged != nullptr)
+        listener.stateChanged();
+}
 
 void Error(const std::string &message)
 {
@@ -70,24 +77,6 @@ int VR_OpenLink()
     return result < 0 ? result : driver;
 }
 
-void VR_ShowComState()
-{
-    const int menuBar = GetPanelMenuBar(mainPanel);
-    SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
-    SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
-    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
-    SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
-    if (isTimer == 0) // whatever switched it off, nothing runs and nothing fails now
-        SetCtrlVal(mainPanel, MAIN_STATUS, "");
-    VR_ShowDiagnostics();
-}
-
-void VR_ShowDiagnostics()
-{
-    STP_Refresh();
-    TRP_Refresh();
-}
-
 void VIR2_StartPeriodicASC()
 {
     if (OpenLink() < 0) {
@@ -96,8 +85,11 @@ void VIR2_StartPeriodicASC()
     }
     ResumeTimerCallbacks();
     isTimer = 1;
-    ClearAutoOff();
-    VR_ShowComState();
+    // What switched it off the last time is no news while it runs.
+    if (!autoOffMessage.empty() && listener.withdrawMessage != nullptr)
+        listener.withdrawMessage(autoOffMessage);
+    autoOffMessage.clear();
+    COM_TellState();
 }
 
 // The timer is stopped before the link is closed under it.
@@ -106,7 +98,7 @@ void VIR2_StopPeriodicASC()
     SuspendTimerCallbacks();
     isTimer = 0;
     UCM_Close();
-    VR_ShowComState();
+    COM_TellState();
 }
 
 void VR_FollowPort()
@@ -119,16 +111,22 @@ void VR_FollowPort()
     const std::string port = "COM" + std::to_string(ncom);
     const bool isBack = VR_OpenLink() >= 0;
     if (isBack)
-        VR_ShowMessage(port + " is back.");
+        ShowMessage(port + " is back.");
     else if (!isWaiting)
-        VR_ShowMessage(port + " is gone: waiting for it.");
+        ShowMessage(port + " is gone: waiting for it.");
     isWaiting = !isBack;
 }
 
 void VR_AutoOff(const std::string &why)
 {
     VIR2_StopPeriodicASC();
-    VR_ShowMessage(AUTO_OFF + why);
+    autoOffMessage = AUTO_OFF + why;
+    ShowMessage(autoOffMessage);
+}
+
+void VIR2_SetStation(int station)
+{
+    STATION = station;
 }
 
 void VR_Reopen()
@@ -139,40 +137,17 @@ void VR_Reopen()
     UCM_Close();
     if (OpenLink() >= 0)
         ResumeTimerCallbacks();
-    VR_ShowComState();
+    COM_TellState();
 }
 
 void VR_ComRequest()
 {
-    if (isTimer != 0 || ConfirmPopup("Message", "Enable communication?") == 0)
-        return;
-    SetCtrlVal(mainPanel, MAIN_COMM, 1);
-    VIR2_StartPeriodicASC();
+    if (isTimer == 0 && ConfirmPopup("Message", "Enable communication?") != 0)
+        VIR2_StartPeriodicASC();
 }
 
 bool VR_EnsureCom()
 {
     VR_ComRequest();
     return isTimer != 0;
-}
-
-void ConnectCB(int, int)
-{
-    if (isTimer != 0)
-        VIR2_StopPeriodicASC();
-    else
-        VIR2_StartPeriodicASC();
-}
-
-int CommSwitchCB(int panel, int control, int event, int)
-{
-    if (event != EVENT_COMMIT)
-        return 0;
-    int isOn = 0;
-    GetCtrlVal(panel, control, &isOn);
-    if (isOn != 0)
-        VIR2_StartPeriodicASC();
-    else
-        VIR2_StopPeriodicASC();
-    return 0;
 }

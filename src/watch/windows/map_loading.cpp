@@ -1,12 +1,15 @@
-// How the user opens and reloads maps: dialog, remembered file and time stamp, menu
-// and button callbacks.
+#include "watch/windows/map_loading.h"
+
 #include <cstdio>
 
-#include "app/VR.h"
+#include "comm/communication.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
+#include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "watch/main_window.h"
 
 std::string szMapFileStamp;
 
@@ -97,6 +100,14 @@ int LoadMap(int mode)
     }
     SetMainPanelAttributes();
     return 0;
+}
+
+int LoadFlash()
+{
+    VR_ComRequest();
+    const int result = fl2node(FLASH_AT_END);
+    SetMainPanelAttributes();
+    return result;
 }
 
 void OpenMapCB(int, int)

@@ -1,0 +1,18 @@
+// Callbacks of the switch and of the Options menu: each changes one setting while the
+// program runs and, where the link is concerned, opens it anew.
+#ifndef APP_OPTIONS_H
+#define APP_OPTIONS_H
+
+int CommSwitchCB(int panel, int control, int event, int data);
+void ConnectCB(int menuBar, int item);
+void BRateCB(int menuBar, int item);
+void PortCB(int menuBar, int item);
+void StationCB(int menuBar, int item);
+void ProcesorCB(int menuBar, int item);
+void ProtocolCB(int menuBar, int item);
+void ComWin32CB(int menuBar, int item);
+void AutoOffCB(int menuBar, int item);
+void ClosePortCB(int menuBar, int item);
+void FullCommandsCB(int menuBar, int item);
+
+#endif

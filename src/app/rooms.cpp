@@ -1,0 +1,82 @@
+#include "app/rooms.h"
+
+#include "app/main_panel.h"
+#include "comm/communication.h"
+#include "comm/sysaddr.h"
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
+#include "symbols/listener.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/list/name_changes.h"
+#include "watch/list/refresh.h"
+#include "watch/main_window.h"
+
+namespace {
+
+int progressDialog = -1;
+
+// A new link starts with a clean count at the first visible line.
+void BeginRun()
+{
+    RFR_BeginSweep();
+    nErrors = 0;
+}
+
+// Takes a message away unless another one has replaced it since.
+void WithdrawMessage(const std::string &text)
+{
+    std::string shown;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &shown) == 0 && shown == text)
+        VR_ShowMessage("");
+}
+
+void Warn(const std::string &title, const std::string &text)
+{
+    MessagePopup(title, text);
+}
+
+void BeginProgress(const std::string &title, const std::string &text)
+{
+    progressDialog = CreateProgressDialog(title, text);
+}
+
+bool AdvanceProgress(int percent, const std::string &text)
+{
+    return UpdateProgressDialog(progressDialog, percent, text) <= 0;
+}
+
+void EndProgress()
+{
+    DiscardProgressDialog(progressDialog);
+}
+
+} // namespace
+
+void VR_ConnectRooms()
+{
+    COM_Listener link = {};
+    link.opening = BeginRun;
+    link.stateChanged = VR_ShowComState;
+    link.showMessage = VR_ShowMessage;
+    link.withdrawMessage = WithdrawMessage;
+    COM_SetListener(link);
+
+    ADR_SetResolver(SYM_ResolveName);
+
+    SYM_Listener names = {};
+    names.namesChanged = NCH_NamesChanged;
+    names.showMessage = VR_ShowMessage;
+    names.warn = Warn;
+    names.beginProgress = BeginProgress;
+    names.advanceProgress = AdvanceProgress;
+    names.endProgress = EndProgress;
+    SYM_SetListener(names);
+
+    MWN_Host window = {};
+    window.showSettings = VR_ShowSettings;
+    window.enableControls = VR_DimControls;
+    window.showView = VR_ShowView;
+    MWN_SetHost(window);
+}

@@ -1,0 +1,32 @@
+// Bytes to numbers and back, and as people read and type them.
+#ifndef TEXT_BYTES_H
+#define TEXT_BYTES_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// The number in `count` (at most 8) bytes, the least significant first, as targets store it.
+inline uint64_t BYT_GetLittle(const uint8_t *bytes, size_t count)
+{
+    uint64_t value = 0;
+    for (size_t i = 0; i < count; ++i)
+        value |= static_cast<uint64_t>(bytes[i]) << 8 * i;
+    return value;
+}
+
+// The way back; bits beyond `count` bytes are left out.
+inline void BYT_PutLittle(uint8_t *bytes, size_t count, uint64_t value)
+{
+    for (size_t i = 0; i < count; ++i)
+        bytes[i] = static_cast<uint8_t>(value >> 8 * i);
+}
+
+std::string BYT_Hex(const uint8_t *bytes, size_t count);   // "01 AB"
+std::string BYT_Plain(const uint8_t *bytes, size_t count); // printable ASCII, else "."
+// `count` bytes of two hexadecimal digits each, blanks between them as one likes. "" and the
+// bytes, or what is wrong with the text.
+std::string BYT_Parse(const std::string &text, size_t count, std::vector<uint8_t> *bytes);
+
+#endif

@@ -1,0 +1,46 @@
+#include "watch/main_window.h"
+
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "ui/resource.h"
+
+namespace {
+
+MWN_Host host = {};
+
+} // namespace
+
+void MWN_SetHost(const MWN_Host &newHost)
+{
+    host = newHost;
+}
+
+void SetMainPanelAttributes()
+{
+    if (host.showSettings != nullptr)
+        host.showSettings();
+}
+
+void VR_EnableControls()
+{
+    if (host.enableControls != nullptr)
+        host.enableControls();
+}
+
+void MWN_ShowView(int item)
+{
+    if (host.showView != nullptr)
+        host.showView(item);
+}
+
+void SetMainPanelTitle()
+{
+    const std::string title =
+        IsDBGChange == 0 ? "Vireo2  " + szDebugFileName : "Vireo2 * " + szDebugFileName + " ";
+    SetPanelAttribute(mainPanel, ATTR_TITLE, title);
+}
+
+void VR_ShowMessage(const std::string &text)
+{
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, text);
+}
