@@ -17,6 +17,9 @@ const char CPG_szUsage[] =
     "  --watch FILE        print the values of a watch list, one table per sweep\n"
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
+    "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
+    "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
+    "  --snap              record at once\n"
     "  --trace FILE        write every exchange with the target\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -37,6 +40,13 @@ bool ApplySweeps(CPG_Options *options, const char *value)
     errno = 0;
     options->sweeps = std::strtol(value, &end, 10);
     return errno == 0 && end != value && *end == '\0' && options->sweeps > 0;
+}
+
+bool ApplyWait(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    options->scopeWait = std::strtod(value, &end);
+    return end != value && *end == '\0' && options->scopeWait >= 0 && options->scopeWait < 1e6;
 }
 
 bool ApplyFormat(CPG_Options *options, const char *value)
@@ -72,6 +82,10 @@ const LongOption LONG_OPTIONS[] = {
     {"watch", true, [](CPG_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
     {"sweeps", true, ApplySweeps},
     {"format", true, ApplyFormat},
+    {"scope", true, [](CPG_Options *o, const char *v) { return !(o->scopeFile = v).empty(); }},
+    {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
+    {"wait", true, ApplyWait},
+    {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -115,6 +129,10 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--sweeps and --format go with --watch";
     else if (!options.watchFile.empty() && rest > 0)
         *message = "--watch and a script exclude each other";
+    else if (options.scopeFile.empty() != options.csvFile.empty())
+        *message = "--scope and --csv go together";
+    else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
+        *message = "--scope goes without a script and without --watch";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else

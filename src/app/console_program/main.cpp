@@ -16,6 +16,13 @@ namespace {
 
 constexpr int EXIT_WRONG_OPTION = 2;
 
+CPG_Options scopeOptions;
+
+int RecordScope()
+{
+    return CPG_RunScope(scopeOptions);
+}
+
 int Drive()
 {
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
@@ -36,8 +43,10 @@ int Run(const CPG_Options &options, int argc, char **argv)
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
-    HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
-    if (isWatch)
+    const bool isScope = !options.scopeFile.empty();
+    scopeOptions = options;
+    HL_SetDriver(isWatch ? CPG_RunWatch : isScope ? RecordScope : Drive);
+    if (isWatch || isScope)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VR_Main(argc, argv);
     if (VR_isScriptRun)

@@ -11,6 +11,7 @@ void CPG_SetOptions(const CPG_Options &options); // before a driver runs
 void CPG_RepeatMessage();
 int CPG_RunScript();  // a script was run at start: its result
 int CPG_RunWatch();   // the watch list, sweep by sweep
+int CPG_RunScope(const CPG_Options &options); // one recording of the target's scope
 int CPG_RunSession(); // lines from standard input to the console
 
 #endif
