@@ -1,7 +1,9 @@
 // vireo2-target: the simulated target as a program, for the demo and for users without
 // hardware. Prints the device to open first, then serves until it is told to end.
+#include "scope.h"
 #include "sim.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -40,6 +42,7 @@ const char HELP[] =
     "  --loader           run the boot-strap loader of a flash of 512 KiB instead\n"
     "  --erase-seconds N  time that erasing takes (default 2)\n"
     "  --flash-image FILE write the loader's flash to FILE at the end\n"
+    "  --scope LIST       sampling scopes of the demo: 2, 3, 3c166, none (default all)\n"
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
@@ -124,6 +127,26 @@ bool applySeed(const char *text, SIM_Options *options)
     return good;
 }
 
+bool applyScope(const char *text, SIM_Options *options)
+{
+    const std::string list = text;
+    options->scopes = 0;
+    for (size_t begin = 0; begin <= list.size();) {
+        const size_t comma = std::min(list.find(',', begin), list.size());
+        const std::string name = list.substr(begin, comma - begin);
+        begin = comma + 1;
+        if (name == "2")
+            options->scopes |= SIM_SCOPE_2;
+        else if (name == "3")
+            options->scopes |= SIM_SCOPE_3;
+        else if (name == "3c166")
+            options->scopes |= SIM_SCOPE_3C166;
+        else if (name != "none")
+            return false;
+    }
+    return true;
+}
+
 // "FILE@67F000": the address is hexadecimal; a file name may hold an "@" itself.
 bool applyFlash(const char *text, SIM_Options *options)
 {
@@ -172,6 +195,7 @@ const OptionRow rows[] = {
          o->flashImage = text;
          return *text != 0;
      }},
+    {{"scope", required_argument, nullptr, 0}, applyScope},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;

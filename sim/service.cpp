@@ -1,5 +1,6 @@
 // The target's thread: reads the line, carries out requests and answers them.
 #include "demo.h"
+#include "scope.h"
 #include "target.h"
 
 #include <algorithm>
@@ -19,14 +20,21 @@ struct Answer {
 void readRequest(SIM_Target *target, const SIM_Request &request, uint8_t *data, size_t count)
 {
     SIM_Station &station = target->stations[request.station];
-    if (target->options.demo)
-        SIM_UpdateDemo(&station, request.station, SIM_Elapsed(target), request.address, count);
+    if (target->options.demo) {
+        const double now = SIM_Elapsed(target);
+        SIM_UpdateScopes(&station, request.station, now, request.address, count);
+        SIM_UpdateDemo(&station, request.station, now, request.address, count);
+    }
     SIM_ReadMemory(station, request.address, data, count);
 }
 
 void writeRequest(SIM_Target *target, const SIM_Request &request)
 {
     SIM_Station &station = target->stations[request.station];
+    // A scope samples up to now as it was set before.
+    if (target->options.demo)
+        SIM_UpdateScopes(&station, request.station, SIM_Elapsed(target), request.address,
+                         request.word);
     SIM_WriteMemory(&station, request.address, request.data, request.word);
     if (!target->options.mailbox || !SIM_TouchesMailbox(request.address, request.word))
         return;

@@ -2,6 +2,7 @@
 #include "sim.h"
 
 #include "demo.h"
+#include "scope.h"
 #include "target.h"
 
 #include <cerrno>
@@ -53,8 +54,10 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     target->answersLeft = options.silentAfter;
     target->random.seed(options.seed);
     target->startNs = SIM_NowNs();
-    for (int i = 0; options.demo && i < SIM_STATIONS; i++)
+    for (int i = 0; options.demo && i < SIM_STATIONS; i++) {
         SIM_InitDemo(&target->stations[i], i);
+        SIM_InitScopes(&target->stations[i], options.scopes);
+    }
     if (options.loader) {
         SIM_InitLoader(&target->loader, options.seed);
         SIM_LoaderFaults &faults = target->loader.faults;

@@ -19,6 +19,7 @@ struct SIM_Options {
     uint32_t seed = 1;          // of the faults
     bool demo = true;           // live demo variables at the addresses of examples/demo.m66
     bool mailbox = true;        // the TMS320 behind a station answers; false = stays busy
+    unsigned scopes = 7;        // scopes of the demo, SIM_SCOPE_... of scope.h
     uint32_t stations = 0xFFFF; // bit n: station n answers
     std::string flash;          // file whose bytes stand in every station's memory, "" = none
     uint32_t flashAddress = 0;  // from this byte address on

@@ -20,6 +20,9 @@ const char CPG_szUsage[] =
     "  --program FILE.hex  program a HEX file into the target's flash and read it back\n"
     "  --no-erase          do not erase; write only what the flash does not hold yet\n"
     "  --no-verify         do not read back\n"
+    "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
+    "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
+    "  --snap              record at once\n"
     "  --trace FILE        write every exchange with the target\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -40,6 +43,13 @@ bool ApplySweeps(CPG_Options *options, const char *value)
     errno = 0;
     options->sweeps = std::strtol(value, &end, 10);
     return errno == 0 && end != value && *end == '\0' && options->sweeps > 0;
+}
+
+bool ApplyWait(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    options->scopeWait = std::strtod(value, &end);
+    return end != value && *end == '\0' && options->scopeWait >= 0 && options->scopeWait < 1e6;
 }
 
 bool ApplyFormat(CPG_Options *options, const char *value)
@@ -78,6 +88,10 @@ const LongOption LONG_OPTIONS[] = {
     {"program", true, [](CPG_Options *o, const char *v) { return !(o->programFile = v).empty(); }},
     {"no-erase", false, [](CPG_Options *o, const char *) { return o->isNoErase = true; }},
     {"no-verify", false, [](CPG_Options *o, const char *) { return o->isNoVerify = true; }},
+    {"scope", true, [](CPG_Options *o, const char *v) { return !(o->scopeFile = v).empty(); }},
+    {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
+    {"wait", true, ApplyWait},
+    {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -125,6 +139,10 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--no-erase and --no-verify go with --program";
     else if (!options.programFile.empty() && (rest > 0 || !options.watchFile.empty()))
         *message = "--program excludes --watch and a script";
+    else if (options.scopeFile.empty() != options.csvFile.empty())
+        *message = "--scope and --csv go together";
+    else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
+        *message = "--scope goes without a script and without --watch";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else

@@ -54,9 +54,12 @@ int Run(const CPG_Options &options, int argc, char **argv)
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
-    const bool isProgram = !options.programFile.empty();
-    HL_SetDriver(isWatch ? CPG_RunWatch : isProgram ? CPG_RunProgram : Drive);
-    if (isWatch)
+    const bool isScope = !options.scopeFile.empty();
+    HL_SetDriver(isWatch                        ? CPG_RunWatch
+                 : isScope                      ? CPG_RunScope
+                 : !options.programFile.empty() ? CPG_RunProgram
+                                                : Drive);
+    if (isWatch || isScope)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
