@@ -33,6 +33,7 @@ struct SIM_Target {
 
 // The thread's body: serves requests until the line is woken.
 void SIM_Serve(SIM_Target *target);
+void SIM_ServeModbus(SIM_Target *target);
 
 // Seconds since the start.
 double SIM_Elapsed(const SIM_Target *target);

@@ -244,13 +244,19 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     speed_t code = B0;
     if (!AreSettingsValid(settings) || !FindBaud(settings.baud, &code))
         return SER_ERR_SET;
-    SetFrame(&tio, settings);
+    // A pseudo terminal has no parity, and asking for it fails when nothing else changes.
+    SER_Settings possible = settings;
+    if (IsPseudoTerminal(port->fd))
+        possible.parity = 'n';
+    SetFrame(&tio, possible);
     if (cfsetispeed(&tio, code) != 0 || cfsetospeed(&tio, code) != 0 ||
         tcsetattr(port->fd, TCSANOW, &tio) != 0)
         return SER_ERR_SET;
-    // Setting succeeds when any part of it did: the speed is the part that must not differ.
+    // Setting succeeds when any part of it did: speed and parity are what must not differ.
+    constexpr tcflag_t PARITY = PARENB | PARODD;
     struct termios now;
-    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code)
+    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code ||
+        (now.c_cflag & PARITY) != (tio.c_cflag & PARITY))
         return SER_ERR_SET;
     port->terminalMs = 0;
     SetLine(port->fd, TIOCM_DTR, settings.dtr);
