@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr int SLAVE_MIN = 1, SLAVE_MAX = 250;
 constexpr uint32_t BLOCK_BYTES = 216, WRITE_BLOCK_MAX = 246;
 constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then the data
 constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
@@ -29,18 +28,6 @@ void PutAddress(uint32_t address, uint16_t *registers)
     registers[1] = static_cast<uint16_t>(address);
 }
 
-// One block, with its tries; what each brings is counted.
-int Exchange(int function, int slave, const MBM_Part *from, const MBM_Part *to)
-{
-    int result = MBM_FAILED;
-    for (int left = UCM_recS.tries; left > 0 && result < 0; --left) {
-        result = UCM_CountErr(MBM_MasterFN(function, slave, from, to));
-        if (result < 0)
-            ++cnRepeated;
-    }
-    return result;
-}
-
 int Open(int port, int baud)
 {
     return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
@@ -53,7 +40,7 @@ int IsOpened()
 
 int Message(int slave, int command, uint32_t address, uint16_t word, const void *data)
 {
-    if (slave < SLAVE_MIN || slave > SLAVE_MAX) {
+    if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX) {
         MBM_Refuse(MBM_FAULT_SLAVE);
         (void)UCM_CountErr(UCM_ERR_ARGUMENT);
         return 0;
@@ -78,6 +65,17 @@ void AddCounts(UCM_Statistics *statistics)
 
 } // namespace
 
+int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Part *to)
+{
+    int result = MBM_FAILED;
+    for (int left = UCM_recS.tries; left > 0 && result < 0; --left) {
+        result = UCM_CountErr(MBM_MasterFN(function, slave, from, to));
+        if (result < 0)
+            ++cnRepeated;
+    }
+    return result;
+}
+
 int UCM_WriteBlkMBM(int slave, uint32_t address, uint32_t count, const void *data)
 {
     if (count < 1 || count > WRITE_BLOCK_MAX)
@@ -91,7 +89,7 @@ int UCM_WriteBlkMBM(int slave, uint32_t address, uint32_t count, const void *dat
             static_cast<uint16_t>(i % 2 == 0 ? bytes[i] : bytes[i] << 8);
     const auto quantity = static_cast<uint16_t>(ADDRESS_REGISTERS + (count + 1) / 2);
     const MBM_Part to = {TunnelOf(count), quantity, registers};
-    return Exchange(MBM_FN_WRITE, slave, nullptr, &to);
+    return UCM_ExchangeMBM(MBM_FN_WRITE, slave, nullptr, &to);
 }
 
 int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
@@ -102,7 +100,7 @@ int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
     const MBM_Part to = {TunnelOf(count), ADDRESS_REGISTERS, target};
     const MBM_Part from = {DATA_START, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
                            registers};
-    const int result = Exchange(MBM_FN_READ_WRITE, slave, &from, &to);
+    const int result = UCM_ExchangeMBM(MBM_FN_READ_WRITE, slave, &from, &to);
     uint8_t *bytes = static_cast<uint8_t *>(buffer);
     for (uint32_t i = 0; result >= 0 && i < count; ++i)
         bytes[i] = static_cast<uint8_t>(i % 2 == 0 ? registers[i / 2] : registers[i / 2] >> 8);
@@ -176,8 +174,8 @@ int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word,
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
     2,
-    SLAVE_MIN,
-    SLAVE_MAX,
+    UCM_SLAVE_MIN,
+    UCM_SLAVE_MAX,
     Open,
     MBM_Close,
     IsOpened,

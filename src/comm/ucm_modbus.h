@@ -3,8 +3,15 @@
 #ifndef COMM_UCM_MODBUS_H
 #define COMM_UCM_MODBUS_H
 
+#include "comm/modbus.h"
+
 #include <cstdint>
 
+constexpr int UCM_SLAVE_MIN = 1, UCM_SLAVE_MAX = 250;
+
+// MBM_MasterFN, repeated after a failure as often as UCM_recS.tries says; every failure
+// is counted.
+int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Part *to);
 // One block of 1 to 246 bytes, UCM_ERR_ARGUMENT beyond; of a read at most 250 are possible.
 int UCM_WriteBlkMBM(int slave, uint32_t address, uint32_t count, const void *data);
 int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer);

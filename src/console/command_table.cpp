@@ -38,6 +38,8 @@ const ScrRow SCR_aTable[] = {
     {nullptr, "l3write", {PATH}},
     {nullptr, "getlog", {TEXT, PATH}},
     {nullptr, "dlldtst", {INT16}},
+    {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
+    {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},

@@ -18,6 +18,9 @@ int SCR_Dump(ScrPar *par);
 int SCR_BinSave(ScrPar *par);
 int SCR_XSave(ScrPar *par);
 int SCR_BinLoad(ScrPar *par);
+// Registers of any Modbus slave; the parameter is the whole line.
+int SCR_MbRead(ScrPar *par);
+int SCR_MbWrite(ScrPar *par);
 // Settings and the monitor itself.
 int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
