@@ -12,8 +12,8 @@
 #include "runtime/headless/headless.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
-#include "watch/refresh.h"
+#include "watch/list/litem.h"
+#include "watch/list/refresh.h"
 
 namespace {
 

@@ -3,8 +3,8 @@
 // printed without running anything. Rounds alternate; medians count.
 #include "app/VR.h"
 #include "comm/ucm.h"
-#include "console/monitor.h"
-#include "console/script.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
 #include "text/txfr.h"

@@ -2,7 +2,7 @@
 // of their blocks take on the wire.
 #include "app/VR.h"
 #include "comm/ucm.h"
-#include "console/monitor.h"
+#include "console/monitor/monitor.h"
 #include "platform/system.h"
 #include "runtime/headless/headless.h"
 #include "sim/sim.h"

@@ -9,8 +9,8 @@
 
 #include "app/VR.h"
 #include "comm/ucm.h"
-#include "console/monitor.h"
-#include "console/script_command.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script_command.h"
 #include "runtime/headless/headless.h"
 #include "ui/resource.h"
 

@@ -5,8 +5,8 @@
 #include <cstring>
 #include <string>
 
-#include "console/script_command.h"
-#include "console/script_param.h"
+#include "console/script/script_command.h"
+#include "console/script/script_param.h"
 
 namespace {
 

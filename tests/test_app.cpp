@@ -13,7 +13,7 @@
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Assignment lines, labels and type codes.
-#include "console/assignment.h"
+#include "console/script/assignment.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 // The statistics and trace windows as a user sees them, against a simulated target with
 // faults: the right figures and words at once, nothing recorded while closed.
 #include "app/VR.h"
-#include "app/statistics_panel.h"
-#include "app/trace_panel.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "comm/failures.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"

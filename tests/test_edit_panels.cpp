@@ -5,11 +5,11 @@
 #include "runtime/list_columns.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
-#include "watch/byte_text.h"
-#include "watch/item_panel.h"
-#include "watch/mem_box.h"
-#include "watch/name_completion.h"
-#include "watch/value_forms.h"
+#include "watch/value/byte_text.h"
+#include "watch/windows/item_panel.h"
+#include "watch/windows/mem_box.h"
+#include "watch/windows/name_completion.h"
+#include "watch/value/value_forms.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "symbols/typemap.h"
 #include "symbols/zip_types.h"
 #include "text/txfrw.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The debug file read and written, the change question, and editing of the list.
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
-#include "watch/snapshot.h"
+#include "watch/list/snapshot.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

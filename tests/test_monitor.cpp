@@ -4,8 +4,8 @@
 
 #include <filesystem>
 
-#include "console/completion.h"
-#include "console/text_box.h"
+#include "console/monitor/completion.h"
+#include "console/monitor/text_box.h"
 
 namespace {
 
@@ -46,8 +46,7 @@ struct Transcript : ConsoleRig, testing::WithParamInterface<const char *> {
 
 std::string GetTranscriptPath(const std::string &name)
 {
-    const std::filesystem::path here(__FILE__);
-    return (here.parent_path() / "transcripts" / (name + ".txt")).string();
+    return TRANSCRIPTS_DIR "/" + name + ".txt";
 }
 
 TEST_P(Transcript, BoxShowsIt)

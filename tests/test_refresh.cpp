@@ -1,6 +1,6 @@
 // What the user sees of a value: formats, list lines, status, memory box and frequency
 // meter over sweeps on the simulated target; and values written to it.
-#include "watch/refresh.h"
+#include "watch/list/refresh.h"
 
 #include <cmath>
 #include <cstring>
@@ -9,8 +9,8 @@
 
 #include "app/VR.h"
 #include "support/watch_fixture.h"
-#include "watch/freq_meter.h"
-#include "watch/write_value.h"
+#include "watch/list/freq_meter.h"
+#include "watch/value/write_value.h"
 
 namespace {
 

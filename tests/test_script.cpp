@@ -1,7 +1,7 @@
 // Parameters, the command engine and script files.
 #include "support/console_rig.h"
 
-#include "console/script_command.h"
+#include "console/script/script_command.h"
 
 namespace {
 

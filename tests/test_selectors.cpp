@@ -2,7 +2,7 @@
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
-#include "watch/selectors.h"
+#include "watch/windows/selectors.h"
 
 namespace {
 

@@ -8,7 +8,7 @@
 #include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

@@ -13,7 +13,7 @@
 #include "symbols/typemap_list.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Command line options. They are parsed twice: before the settings file, because they
 // choose it, and after it, because they win over it.
-#include "app/VR.h"
+#include "settings/settings.h"
 
 #include <cctype>
 #include <climits>

@@ -4,12 +4,12 @@
 
 #include <cstdio>
 
-#include "app/statistics_panel.h"
-#include "app/trace_panel.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
-#include "watch/refresh.h"
+#include "watch/list/refresh.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include "runtime/userint.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 
@@ -98,7 +98,7 @@ void ReadMapFile(const std::string &, const std::string &path)
 {
     if (path.empty())
         return;
-    const bool isTms = Procesor == CPU_F283XX || Procesor == CPU_F2803X;
+    const bool isTms = IsWordAddressing(Procesor);
     const int result = isTms ? TMSmap2node(path.c_str()) : map2node(path.c_str());
     if (!IsLoaded("Map file", path, result))
         return;

@@ -10,9 +10,9 @@
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
-#include "watch/list_events.h"
-#include "watch/litem.h"
-#include "watch/selectors.h"
+#include "watch/list/list_events.h"
+#include "watch/list/litem.h"
+#include "watch/windows/selectors.h"
 
 namespace {
 

@@ -9,7 +9,7 @@
 #include "runtime/userint.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 #include "app/VR.h"
 
 #include "comm/ucm.h"
-#include "console/monitor.h"
-#include "console/script.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 bool VR_isScriptRun = false;
 int VR_nScriptResult = 0;

@@ -2,11 +2,11 @@
 // that the Window menu opens.
 #include "app/VR.h"
 
-#include "app/statistics_panel.h"
-#include "app/trace_panel.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
 #include "runtime/userint.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "app/VR.h"
 #include "comm/ucm.h"
+#include "settings/settings.h"
 #include "symbols/varnode.h"
 
 uint16_t awQRDPP[4] = {0, 0, 0, 0};
@@ -185,9 +185,4 @@ int WriteQuickSysNRef(const char *name, const void *data, uint32_t size)
 {
     const uint32_t address = QuickRefNearPtrVar(name);
     return address == ADDR_NONE ? -1 : UCM_Write(STATION, address, size, data);
-}
-
-int IsWordAddressing(int processor)
-{
-    return processor == CPU_F283XX || processor == CPU_F2803X;
 }

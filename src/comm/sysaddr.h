@@ -42,14 +42,12 @@ int WriteSysVar(const char *name, const void *data, uint32_t size);
 int ReadQuickSysNRef(const char *name, void *buffer, uint32_t size);
 int WriteQuickSysNRef(const char *name, const void *data, uint32_t size);
 
-// Watch items by index in aLItems; implemented in watch/read_item.cpp.
+// Watch items by index in aLItems; implemented in watch/list/read_item.cpp.
 int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
 int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy
 // Fills the item, its reason included; 0, -1 C166 failed, -2 TMS320 failed, -4 bad index.
 // An item without an address fails without a request being sent.
 int readValues(int index);
-
-int IsWordAddressing(int processor); // 1 for the TMS320 family
 
 // Register "NAME", or "NAME+1" for the high byte of a word register. 0, or -1 and "".
 int RegAddrToName(uint32_t address, std::string *text);

@@ -1,7 +1,7 @@
 #include "comm/tms_mailbox.h"
 
-#include "app/VR.h"
 #include "comm/ucm.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "symbols/flash_files.h"
 
-#include "app/VR.h"
 #include "comm/ucm.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
 

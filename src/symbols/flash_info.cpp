@@ -207,8 +207,8 @@ int ReadMaps283xx(const char *archiveName)
         return FLASH_ERR_NO_MAP;
     if (typeMap.handle < 0)
         return FLASH_ERR_TYPES;
-    const int count = VRN_IsTMSProcessor() ? takeMaps(varMap.handle, typeMap.handle)
-                                           : takeTMSNodes(varMap.handle);
+    const int count = IsWordAddressing(Procesor) ? takeMaps(varMap.handle, typeMap.handle)
+                                                 : takeTMSNodes(varMap.handle);
     return count < 0 ? count : 0;
 }
 

@@ -6,15 +6,15 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "app/VR.h"
 #include "calendar/archive.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "symbols/flash_info.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
-#include "watch/list_view.h"
-#include "watch/litem.h"
+#include "watch/list/list_view.h"
+#include "watch/list/litem.h"
 
 namespace {
 
@@ -211,7 +211,7 @@ int Read_TMS_Map(const char *fileName)
     std::string magic;
     if (ReadMagic(fileName, &magic) && magic == QAR_MAGIC)
         return Read_TMS_CombiMap(fileName);
-    if (VRN_IsTMSProcessor())
+    if (IsWordAddressing(Procesor))
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
     const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
     if (result == 0) {
@@ -245,9 +245,9 @@ int map2node(const char *fileName)
 int TMSmap2node(const char *fileName)
 {
     const int result = Read_TMS_Map(fileName);
-    if (result == 0 && VRN_IsTMSProcessor())
+    if (result == 0 && IsWordAddressing(Procesor))
         TakeMap(fileName);
-    if (result == 0 && !VRN_IsTMSProcessor()) {
+    if (result == 0 && !IsWordAddressing(Procesor)) {
         LIT_ResolveAll(true);
         LSV_ShowAddresses();
     }

@@ -23,7 +23,7 @@ const char MAP_TYPES[] = "*.m66;*.map;*.m28xt";
 
 int ModeOfProcessor()
 {
-    return VRN_IsTMSProcessor() ? LOADMAP_TMS : LOADMAP_C166;
+    return IsWordAddressing(Procesor) ? LOADMAP_TMS : LOADMAP_C166;
 }
 
 bool CanOpen(const std::string &path)
@@ -90,7 +90,7 @@ int LoadMap(int mode)
         return result;
     }
     // A TMS320 map beside a C166 map is not the one that the reload key reads again.
-    if (!isTMS || VRN_IsTMSProcessor()) {
+    if (!isTMS || IsWordAddressing(Procesor)) {
         szMapFileName = path;
         if (GetFileStamp(&szMapFileStamp, path.c_str()) != 0)
             szMapFileStamp.clear();

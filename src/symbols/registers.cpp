@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/varnode.h"
 
 namespace {

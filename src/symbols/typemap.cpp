@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap_layout.h"
 
 namespace {
@@ -223,7 +223,7 @@ bool TMF_IsTTypeOk(uint32_t code)
 
 int TMF_AlignmentRule(int size)
 {
-    if (VRN_IsTMSProcessor())
+    if (IsWordAddressing(Procesor))
         return size < 4 ? 2 : 4;
     return size < 2 ? 1 : 2;
 }
@@ -240,7 +240,7 @@ int TMF_GetTypeInfo(const uint32_t *chain, uint32_t *kind, int32_t *elementSize,
     *kind = 0;
     *elementSize = 0;
     *count = 0;
-    *alignment = VRN_IsTMSProcessor() ? 2 : 1;
+    *alignment = IsWordAddressing(Procesor) ? 2 : 1;
     Layout layout;
     if (!Resolve(chain, depth, &layout))
         return -1;

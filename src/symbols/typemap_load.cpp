@@ -7,8 +7,8 @@
 #include "text/txfr.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
-#include "watch/list_view.h"
-#include "watch/litem.h"
+#include "watch/list/list_view.h"
+#include "watch/list/litem.h"
 
 TMF_Decl *TMF_paDefVars = nullptr;
 int32_t TMF_cnDefVars = 0;

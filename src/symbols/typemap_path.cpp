@@ -5,7 +5,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_layout.h"
 #include "text/xscan.h"

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/xscan.h"

@@ -8,10 +8,10 @@
 #include <queue>
 #include <vector>
 
-#include "app/VR.h"
+#include "settings/settings.h"
 #include "symbols/typemap.h"
-#include "watch/list_view.h"
-#include "watch/litem.h"
+#include "watch/list/list_view.h"
+#include "watch/list/litem.h"
 
 VarNode aVarNode[NODES_MAX];
 int nNodes = 0;
@@ -304,11 +304,6 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
     }
     *position = -1;
     return -1;
-}
-
-bool VRN_IsTMSProcessor()
-{
-    return Procesor == CPU_F283XX || Procesor == CPU_F2803X;
 }
 
 void VRN_RefreshVars()

@@ -67,8 +67,6 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
 // Forgets and resolves again every address of the watch list, and shows them; the TMS320
 // items stay unresolved until the debug file is loaded again.
 void VRN_RefreshVars();
-// Whether the selected processor is of the TMS320 family.
-bool VRN_IsTMSProcessor();
 // Loads the register table of a processor code into aVarNode166.
 void initRgMap(int processor);
 

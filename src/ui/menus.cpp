@@ -1,13 +1,13 @@
 #include "ui/ui_table.h"
 
 #include "app/VR.h"
-#include "console/text_box.h"
+#include "console/monitor/text_box.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
-#include "watch/edit.h"
-#include "watch/list_events.h"
-#include "watch/litem.h"
-#include "watch/selectors.h"
+#include "watch/list/edit.h"
+#include "watch/list/list_events.h"
+#include "watch/list/litem.h"
+#include "watch/windows/selectors.h"
 
 const int UI_nMenuPanel = PANEL_MAIN;
 

@@ -1,18 +1,18 @@
 #include "ui/ui_table.h"
 
 #include "app/VR.h"
-#include "app/statistics_panel.h"
-#include "app/trace_panel.h"
-#include "console/monitor.h"
+#include "diagnostics/statistics_panel.h"
+#include "diagnostics/trace_panel.h"
+#include "console/monitor/monitor.h"
 #include "symbols/mapfile.h"
 #include "ui/resource.h"
-#include "watch/item_panel.h"
-#include "watch/list_events.h"
-#include "watch/litem.h"
-#include "watch/memory_panel.h"
-#include "watch/refresh.h"
-#include "watch/selectors.h"
-#include "watch/value_panel.h"
+#include "watch/windows/item_panel.h"
+#include "watch/list/list_events.h"
+#include "watch/list/litem.h"
+#include "watch/windows/memory_panel.h"
+#include "watch/list/refresh.h"
+#include "watch/windows/selectors.h"
+#include "watch/windows/value_panel.h"
 
 const UI_Panel UI_aPanels[] = {
     {PANEL_MAIN, "main", "Vireo2", PanelCB},

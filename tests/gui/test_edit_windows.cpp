@@ -10,7 +10,7 @@
 
 #include "app/VR.h"
 #include "gui/gui_support.h"
-#include "watch/litem.h"
+#include "watch/list/litem.h"
 
 namespace {
 

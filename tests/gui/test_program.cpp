@@ -11,8 +11,8 @@
 #include "app/VR.h"
 #include "gui/gui_support.h"
 #include "support/sim_fixture.h"
-#include "watch/edit.h"
-#include "watch/litem.h"
+#include "watch/list/edit.h"
+#include "watch/list/litem.h"
 
 namespace {
 

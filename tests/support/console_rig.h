@@ -12,8 +12,8 @@
 
 #include "app/VR.h"
 #include "comm/ucm.h"
-#include "console/monitor.h"
-#include "console/script.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
 #include "runtime/headless/headless.h"
 #include "support/scratch.h"
 #include "support/sim_fixture.h"

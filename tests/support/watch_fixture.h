@@ -15,9 +15,9 @@
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
-#include "watch/edit.h"
-#include "watch/litem.h"
-#include "watch/refresh.h"
+#include "watch/list/edit.h"
+#include "watch/list/litem.h"
+#include "watch/list/refresh.h"
 
 class WatchTest : public ::testing::Test {
 protected:

@@ -4,7 +4,7 @@
 #include "app/VR.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
-#include "console/monitor.h"
+#include "console/monitor/monitor.h"
 #include "ui/resource.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "console/completion.h"
+#include "console/monitor/completion.h"
 
 namespace {
 

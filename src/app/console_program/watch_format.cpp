@@ -5,8 +5,8 @@
 #include <cstdio>
 
 #include "comm/sysaddr.h"
-#include "watch/litem.h"
-#include "watch/refresh.h"
+#include "watch/list/litem.h"
+#include "watch/list/refresh.h"
 
 namespace {
 

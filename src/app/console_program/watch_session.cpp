@@ -7,8 +7,8 @@
 #include "app/console_program/watch_format.h"
 #include "comm/ucm.h"
 #include "ui/resource.h"
-#include "watch/litem.h"
-#include "watch/refresh.h"
+#include "watch/list/litem.h"
+#include "watch/list/refresh.h"
 
 namespace {
 

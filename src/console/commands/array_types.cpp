@@ -1,0 +1,159 @@
+// The one table of element types, and everything that depends on a type's width or sign.
+// Target bytes come least significant first.
+#include "console/commands/array_types.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "comm/sysaddr.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "console/script/script_command.h"
+#include "settings/settings.h"
+#include "text/xscan.h"
+
+const ArrayType ARR_aTypes[ARRAY_TYPES] = {
+    {"i1", "I1", 1, true, false},  {"i2", "I2", 2, true, false},  {"i4", "I4", 4, true, false},
+    {"u1", "U1", 1, false, false}, {"u2", "U2", 2, false, false}, {"u4", "U4", 4, false, false},
+    {"f4", "F4", 4, false, true},
+};
+
+namespace {
+
+const char SIGNED_LINE[] = "* ?#+/-.@#0-9.* #";
+const char UNSIGNED_LINE[] = "* @#0-9.* #";
+const char FLOAT_LINE_HEAD[] = "* ?#+/-.@#0-9.?/.*#0-9.";
+const char FLOAT_LINE_EXPONENT[] = "#eE.?#+/-.@#0-9.";
+const char LINE_END[] = "* #";
+
+// The exponent is optional, and the scanner has no optional groups: two patterns.
+bool IsFloatLine(const char *line)
+{
+    if (xscan(FLOAT_LINE_HEAD, &line) < 0)
+        return false;
+    xscan(FLOAT_LINE_EXPONENT, &line);
+    return xscan(LINE_END, &line) >= 0;
+}
+
+bool IsIntegerLine(const ArrayType &type, const char *line)
+{
+    return xscan(type.isSigned ? SIGNED_LINE : UNSIGNED_LINE, &line) >= 0;
+}
+
+void PutBytes(uint32_t bits, uint32_t size, uint8_t *bytes)
+{
+    for (uint32_t i = 0; i < size; i++)
+        bytes[i] = static_cast<uint8_t>(bits >> (8 * i));
+}
+
+ArrayParse ParseFloat(const char *line, uint8_t *bytes)
+{
+    if (!IsFloatLine(line))
+        return ARRAY_NO_VALUE;
+    const float value = std::strtof(line, nullptr);
+    if (!std::isfinite(value))
+        return ARRAY_OUT_OF_RANGE;
+    uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    PutBytes(bits, sizeof bits, bytes);
+    return ARRAY_OK;
+}
+
+// Transfers go to the memory of STATION. A name that lies elsewhere has no place in it:
+// one of another station, and one of the TMS320 behind a C166.
+uint32_t FindPlace(const char *name)
+{
+    const int station = GetStationModifier(&name);
+    name = CON_SkipBlanks(name);
+    const bool isOfStation = station < 0 || station == STATION;
+    const bool isTms = *name == '&' && !IsWordAddressing(Procesor);
+    return isOfStation && !isTms ? GetSysAddrWk(name) : ADDR_NONE;
+}
+
+// A number stands for itself; it must be an address all the same.
+bool ResolveName(ScrPar *par)
+{
+    if ((par->flags & PAR_NAME) && (par->flags & PAR_ADDRESS) && !(par->flags & PAR_LONG))
+        par->value = FindPlace(par->text);
+    return !(par->flags & PAR_ADDRESS) || par->value < ADDR_LIMIT;
+}
+
+} // namespace
+
+const ArrayType *ARR_FindType(const std::string &name)
+{
+    for (const ArrayType &type : ARR_aTypes)
+        if (CON_IsSameWord(name, type.name))
+            return &type;
+    return nullptr;
+}
+
+bool ExecPar(ScrPar *par, int count)
+{
+    for (int i = 0; i < count; i++)
+        if (!ResolveName(&par[i]))
+            return false;
+    return true;
+}
+
+int ARR_Resolve(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request)
+{
+    if (!ExecPar(par, 3))
+        return SCR_Fail(CON_Format("%s: Neplatne parametry skriptu.", label));
+    request->type = ARR_FindType(par[1].text);
+    if (!request->type)
+        return SCR_Fail(
+            CON_Format("%s Podporovane typy jsou: i1, u1, i2, u2, i4, u4, f4.", typeLabel));
+    request->place = (par[0].flags & PAR_NAME) ? par[0].text : "";
+    request->address = par[0].value;
+    request->count = par[2].value;
+    if (request->count * request->type->size > ADDR_LIMIT - request->address)
+        return SCR_Fail(CON_Format("%s: Neplatne parametry skriptu.", label));
+    return 0;
+}
+
+std::string ARR_FormatPlace(const ArrayRequest &request, const char *addressPrefix)
+{
+    if (!request.place.empty())
+        return CON_Format("'%s[%u]'", request.place.c_str(), request.count);
+    return CON_Format("'%s%x[%u]'", addressPrefix, request.address, request.count);
+}
+
+uint32_t ARR_GetElement(const ArrayType &type, const uint8_t *bytes)
+{
+    uint32_t bits = 0;
+    for (uint32_t i = 0; i < type.size; i++)
+        bits |= uint32_t(bytes[i]) << (8 * i);
+    const uint32_t sign = 1u << (8 * type.size - 1);
+    return type.isSigned && (bits & sign) ? bits | ~(2 * sign - 1) : bits;
+}
+
+std::string ARR_FormatElement(const ArrayType &type, const uint8_t *bytes)
+{
+    const uint32_t bits = ARR_GetElement(type, bytes);
+    if (type.isFloat) {
+        float value = 0;
+        std::memcpy(&value, &bits, sizeof value);
+        return CON_Format("%g\n", static_cast<double>(value));
+    }
+    return type.isSigned ? CON_Format("%d\n", static_cast<int32_t>(bits))
+                         : CON_Format("%u\n", bits);
+}
+
+ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes)
+{
+    if (type.isFloat)
+        return ParseFloat(line, bytes);
+    if (!IsIntegerLine(type, line))
+        return ARRAY_NO_VALUE;
+    errno = 0;
+    const long long value = std::strtoll(line, nullptr, 10);
+    const long long span = 1LL << (8 * type.size);
+    const long long low = type.isSigned ? -span / 2 : 0;
+    if (errno != 0 || value < low || value >= low + span)
+        return ARRAY_OUT_OF_RANGE;
+    PutBytes(static_cast<uint32_t>(value), type.size, bytes);
+    return ARRAY_OK;
+}

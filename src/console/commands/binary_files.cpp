@@ -1,0 +1,137 @@
+// Stretches of target memory as raw bytes or hexadecimal text.
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "comm/sysaddr.h"
+#include "console/commands/array_types.h"
+#include "console/commands/commands.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script_command.h"
+#include "console/monitor/text_box.h"
+#include "console/commands/transfer.h"
+#include "platform/safe_file.h"
+
+namespace {
+
+constexpr uint32_t BLOCK_BYTES = 1024;
+constexpr uint32_t HEX_LINE_BYTES = 16;
+
+int Resolve(ScrPar *par, const char *message, ArrayRequest *request)
+{
+    if (!ExecPar(par, 1) || par[1].value > ADDR_LIMIT - par[0].value)
+        return SCR_Fail(message);
+    request->address = par[0].value;
+    request->count = par[1].value;
+    return 0;
+}
+
+int FailTransfer(TransferResult result, const char *label)
+{
+    const char *text = "communication failure.";
+    if (result == TRANSFER_TAKER)
+        text = "file write failure.";
+    else if (result == TRANSFER_CANCELLED)
+        text = "cancelled by the user.";
+    return SCR_Fail(CON_Format("%s: %s", label, text));
+}
+
+bool PutBytes(std::FILE *file, const uint8_t *bytes, uint32_t count)
+{
+    return std::fwrite(bytes, 1, count, file) == count;
+}
+
+// Lines end where the address is a multiple of 16, so that only the first and the last
+// may be short.
+bool PutHex(std::FILE *file, uint32_t start, uint32_t address, const uint8_t *bytes, uint32_t count)
+{
+    for (uint32_t i = 0; i < count; i++, address++) {
+        if (address == start || address % HEX_LINE_BYTES == 0)
+            std::fprintf(file, "%06X ", address);
+        std::fprintf(file, "%02X", bytes[i]);
+        if ((address + 1) % HEX_LINE_BYTES == 0)
+            std::fputs("\r\n", file);
+    }
+    return std::ferror(file) == 0;
+}
+
+typedef bool (*BlockWriter)(std::FILE *file, uint32_t start, uint32_t address, const uint8_t *bytes,
+                            uint32_t count);
+
+bool PutRaw(std::FILE *file, uint32_t, uint32_t, const uint8_t *bytes, uint32_t count)
+{
+    return PutBytes(file, bytes, count);
+}
+
+int SaveMemory(const ArrayRequest &request, const char *fileName, const char *label,
+               BlockWriter write)
+{
+    SafeFile file;
+    if (SAF_Open(&file, fileName, "wb") < 0)
+        return SCR_Fail(CON_Format("%s: Can't open file '%s' for write.", label, fileName));
+    const TransferPlan plan = {request.address, request.count, BLOCK_BYTES, TRF_METER_BINARY};
+    const TransferResult result =
+        TRF_Read(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
+            return write(file.file, request.address, address, bytes, count);
+        });
+    if (result != TRANSFER_DONE) {
+        SAF_Cancel(&file);
+        return FailTransfer(result, label);
+    }
+    return SAF_Commit(&file) < 0 ? FailTransfer(TRANSFER_TAKER, label) : 0;
+}
+
+// At most `limit` bytes of the file; false when it cannot be read.
+bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes)
+{
+    std::FILE *file = std::fopen(fileName, "rb");
+    if (!file)
+        return false;
+    uint8_t block[BLOCK_BYTES];
+    for (;;) {
+        const size_t room = std::min(sizeof block, limit - bytes->size());
+        const size_t count = std::fread(block, 1, room, file);
+        bytes->insert(bytes->end(), block, block + count);
+        if (count == 0)
+            break;
+    }
+    const bool isGood = std::ferror(file) == 0;
+    std::fclose(file);
+    return isGood;
+}
+
+} // namespace
+
+int SCR_BinSave(ScrPar *par)
+{
+    ArrayRequest request;
+    if (Resolve(par, "BinSave: Invalid script parameters.", &request) < 0)
+        return -1;
+    return SaveMemory(request, par[2].text, "BinSave", PutRaw);
+}
+
+int SCR_XSave(ScrPar *par)
+{
+    ArrayRequest request;
+    if (Resolve(par, "XSave: Invalid script parameters.", &request) < 0)
+        return -1;
+    return SaveMemory(request, par[2].text, "XSave", PutHex);
+}
+
+int SCR_BinLoad(ScrPar *par)
+{
+    ArrayRequest request;
+    if (Resolve(par, "BinLoad: invalid script parameters.", &request) < 0)
+        return -1;
+    std::vector<uint8_t> bytes;
+    if (!ReadFile(par[2].text, request.count, &bytes))
+        return SCR_Fail(CON_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
+    const TransferPlan plan = {request.address, static_cast<uint32_t>(bytes.size()), BLOCK_BYTES,
+                               TRF_METER_BINARY};
+    uint32_t written = 0;
+    const TransferResult result = TRF_Write(plan, bytes.data(), &written);
+    if (result != TRANSFER_DONE)
+        return FailTransfer(result, "BinLoad");
+    CON_Print("%u bytes written.", written);
+    return 0;
+}

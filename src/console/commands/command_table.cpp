@@ -1,0 +1,59 @@
+// The commands of console and scripts. To add a command is to add a row; a row without
+// a function answers that this version cannot do it.
+#include "console/commands/commands.h"
+#include "console/script/script_command.h"
+
+namespace {
+
+constexpr uint32_t BYTE = PAR_BYTE | PAR_UNSIGNED;  // 0 to 0xFF
+constexpr uint32_t COUNT = PAR_WORD | PAR_UNSIGNED; // 0 to 0xFFFF
+constexpr uint32_t LENGTH = PAR_LONG | PAR_UNSIGNED;
+constexpr uint32_t INT16 = PAR_WORD | PAR_SIGNED;
+constexpr uint32_t PLACE = PAR_ADDRESS | PAR_NAME | PAR_LONG; // a name or an address
+constexpr uint32_t TYPE = PAR_TYPE | PAR_NAME;
+constexpr uint32_t PATH = PAR_RAW;
+constexpr uint32_t TEXT = PAR_TEXT;
+
+} // namespace
+
+const ScrRow SCR_aTable[] = {
+    // These need the link.
+    {SCR_Write, "write", {BYTE, PAR_LONG, PLACE}}, // size, value, where
+    {SCR_WriteNA, "writeNA", {BYTE, PAR_LONG, PLACE}},
+    {SCR_Save, "save", {PLACE, TYPE, COUNT, PATH}},
+    {SCR_Load, "load", {PLACE, TYPE, COUNT, PATH}},
+    {SCR_LoadCsv, "loadcsv", {PLACE, TYPE, COUNT, PATH}},
+    {SCR_LoadCsvN, "loadcsvn", {PLACE, TYPE, COUNT, COUNT, PATH}}, // count, minimum
+    {nullptr, "savelog", {PLACE, PATH}},
+    {SCR_Dump, "dump", {PLACE, TYPE, COUNT}},
+    {SCR_BinSave, "binsave", {PLACE, LENGTH, PATH}},
+    {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
+    {SCR_BinLoad, "binload", {PLACE, LENGTH, PATH}},
+    {nullptr, "dis", {PLACE, BYTE}},
+    {nullptr, "upload", {PATH, PATH}},
+    {nullptr, "download", {PATH, PATH, BYTE}},
+    {nullptr, "hexload", {PATH}},
+    {nullptr, "l3test", {}},
+    {nullptr, "l3erase", {}},
+    {nullptr, "l3write", {PATH}},
+    {nullptr, "getlog", {TEXT, PATH}},
+    {nullptr, "dlldtst", {INT16}},
+    {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
+    {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
+    // These do not.
+    {SCR_Help, "h", {}},
+    {SCR_Help, "help", {}},
+    {nullptr, "term166", {}},
+    {SCR_Station, "station", {BYTE}},
+    {SCR_Procesor, "procesor", {COUNT}},
+    {SCR_ListVars, "listvars", {TEXT}},
+    {nullptr, "ldx2vldx", {PATH, PATH, PATH}},
+    {nullptr, "ldcmpldx", {PATH}},
+    {nullptr, "mkcmpvldx", {PATH, PATH}},
+    {SCR_Language, "language", {TEXT}},
+    {SCR_Exit, "exit", {}},
+    {SCR_ComPar, "compar", {BYTE, COUNT}}, // port, baud rate
+    {SCR_Msg, "msg", {TEXT}},
+    {SCR_Qst, "qst", {TEXT, TEXT, TEXT}}, // question, second button, label
+};
+static_assert(sizeof SCR_aTable / sizeof SCR_aTable[0] == SCR_cnTable, "rows of the table");

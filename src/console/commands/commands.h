@@ -1,0 +1,39 @@
+// The functions behind the command table. Each takes its row's parameters and answers
+// 0, or -1 with its reason in szScrFnErrMsg.
+#ifndef CONSOLE_COMMANDS_COMMANDS_H
+#define CONSOLE_COMMANDS_COMMANDS_H
+
+#include "console/script/script_param.h"
+
+// Single values.
+int SCR_Write(ScrPar *par);
+int SCR_WriteNA(ScrPar *par);
+// Arrays as text.
+int SCR_Save(ScrPar *par);
+int SCR_Load(ScrPar *par);
+int SCR_LoadCsv(ScrPar *par);
+int SCR_LoadCsvN(ScrPar *par);
+int SCR_Dump(ScrPar *par);
+// Memory as bytes.
+int SCR_BinSave(ScrPar *par);
+int SCR_XSave(ScrPar *par);
+int SCR_BinLoad(ScrPar *par);
+// Registers of any Modbus slave; the parameter is the whole line.
+int SCR_MbRead(ScrPar *par);
+int SCR_MbWrite(ScrPar *par);
+// Settings and the monitor itself.
+int SCR_Help(ScrPar *par);
+int SCR_Station(ScrPar *par);
+int SCR_Procesor(ScrPar *par);
+int SCR_ListVars(ScrPar *par);
+int SCR_Language(ScrPar *par);
+int SCR_Exit(ScrPar *par);
+int SCR_ComPar(ScrPar *par);
+int SCR_Msg(ScrPar *par);
+int SCR_Qst(ScrPar *par);
+
+// Language of listings, chosen by the command `language`.
+enum { LANGUAGE_CZ = 0, LANGUAGE_EN = 1, LANGUAGE_RU = 2 };
+extern int SCR_enLanguage;
+
+#endif

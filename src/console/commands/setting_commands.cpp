@@ -1,0 +1,168 @@
+// Commands that change the program's settings, talk to the user or end the monitor.
+#include "app/VR.h"
+#include "console/commands/commands.h"
+#include "console/monitor/link.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
+#include "console/script/script_command.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "runtime/userint.h"
+#include "symbols/varnode.h"
+#include "text/xscan.h"
+#include "watch/list/litem.h"
+
+int SCR_enLanguage = LANGUAGE_CZ;
+bool SCR_bGotoCmd = false;
+std::string SCR_szGotoLabel;
+bool SCR_isExit = false;
+
+namespace {
+
+constexpr uint32_t STATION_LAST = 15;
+
+struct Choice {
+    const char *name;
+    int value;
+};
+const Choice LANGUAGES[] = {{"CZ", LANGUAGE_CZ}, {"EN", LANGUAGE_EN}, {"RU", LANGUAGE_RU}};
+
+struct CpuNumber {
+    uint32_t number;
+    int32_t processor;
+};
+const CpuNumber CPUS[] = {{166, CPU_C166}, {167, CPU_C167}, {28335, CPU_F283XX}};
+
+const uint32_t BAUD_RATES[] = {9600, 19200, 38400, 57600};
+
+struct CpuPrompt {
+    int32_t processor;
+    const char *prompt;
+};
+const CpuPrompt CPU_PROMPTS[] = {{CPU_C166, "C166"},
+                                 {CPU_C167, "C167"},
+                                 {2, "C269"},
+                                 {CPU_F283XX, "F28335"},
+                                 {CPU_F2803X, "F2803"}};
+
+void PrintComParUsage()
+{
+    PrintMonStr("use: compar com, baudrate");
+    PrintMonStr("     com ... number of the serial port (1 to 255)");
+    PrintMonStr("     baudrate ... 9600, 19200, 38400 or 57600");
+}
+
+} // namespace
+
+const char *VR1_GetCpuPrompt()
+{
+    for (const CpuPrompt &row : CPU_PROMPTS)
+        if (row.processor == Procesor)
+            return row.prompt;
+    return "VIR2";
+}
+
+int SCR_Help(ScrPar *)
+{
+    PrintCmdHelp(consolePanel);
+    return 0;
+}
+
+// The panels are refreshed only on a change: scripts set the same station often.
+int SCR_Station(ScrPar *par)
+{
+    if (par[0].value > STATION_LAST)
+        return SCR_Fail("station: cislo stanice ma byt od 0 do 15.");
+    const int32_t station = static_cast<int32_t>(par[0].value);
+    if (station != STATION) {
+        VIR2_SetStation(station);
+        SetMainPanelAttributes();
+    }
+    return 0;
+}
+
+int SCR_Procesor(ScrPar *par)
+{
+    for (const CpuNumber &cpu : CPUS) {
+        if (cpu.number != par[0].value)
+            continue;
+        if (Procesor != cpu.processor) {
+            Procesor = cpu.processor;
+            initRgMap(Procesor);
+            VR_ResolveWatchList();
+            VR_FillDebugItems();
+            SetMainPanelAttributes();
+        }
+        return 0;
+    }
+    return SCR_Fail("station: cislo procesoru ma byt 166, 167 nebo 28335.");
+}
+
+int SCR_ListVars(ScrPar *par)
+{
+    if (!openStruct)
+        return SCR_Fail("listvars: musi byt nactena mapa promennych.");
+    const char *mask = par[0].text;
+    if (*mask == '\0' || xscan("*#_/?a-zA-Z0-9.?/*#", &mask) < 0)
+        return SCR_Fail("listvars: neplatna maska promenne.");
+    const char *name = nullptr;
+    int position = 0;
+    while (RdTblVarName(par[0].text, &name, aVarNode, nNodes, &position) == 0)
+        CON_Print(" %06x  %s", aVarNode[position - 1].addr, name);
+    return 0;
+}
+
+int SCR_Language(ScrPar *par)
+{
+    for (const Choice &language : LANGUAGES) {
+        if (CON_IsSameWord(par[0].text, language.name)) {
+            SCR_enLanguage = language.value;
+            return 0;
+        }
+    }
+    return SCR_Fail("language: available languages are CZ, EN and RU.");
+}
+
+int SCR_Exit(ScrPar *)
+{
+    SCR_isExit = true;
+    return 0;
+}
+
+int SCR_ComPar(ScrPar *par)
+{
+    const uint32_t port = par[0].value;
+    const uint32_t rate = par[1].value;
+    if (port == 0 && rate == 0) {
+        PrintComParUsage();
+        return 0;
+    }
+    if (port == 0)
+        return SCR_Fail("compar: cislo COM smi byt od 1 do 255.");
+    for (uint32_t allowed : BAUD_RATES) {
+        if (allowed != rate)
+            continue;
+        ncom = static_cast<int32_t>(port);
+        bRate = static_cast<int32_t>(rate);
+        SetMainPanelAttributes();
+        CON_DropLink();
+        return 0;
+    }
+    return SCR_Fail("compar: rychlost smi byt 9600, 19200, 38400 nebo 57600.");
+}
+
+int SCR_Msg(ScrPar *par)
+{
+    MessagePopup("message", par[0].text);
+    return 0;
+}
+
+// Closing the box is a "no": nothing dangerous happens by accident.
+int SCR_Qst(ScrPar *par)
+{
+    if (GenericMessagePopup("Question", par[0].text, {"Yes", par[1].text}, nullptr, 0) != 1) {
+        SCR_bGotoCmd = true;
+        SCR_szGotoLabel = par[2].text;
+    }
+    return 0;
+}

@@ -1,0 +1,210 @@
+// The C166 line interpreter: the word gate, then the command table in its two halves,
+// then the letter commands. The link is held for every line past the first half.
+#include <cstring>
+
+#include "app/VR.h"
+#include "console/monitor/dump.h"
+#include "console/monitor/link.h"
+#include "console/monitor/memory_files.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
+#include "console/script/script_command.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/value_entry.h"
+#include "console/monitor/word.h"
+
+uint32_t dwAddr = 0;
+
+namespace {
+
+// The first words the gate lets through.
+const char *const GATE_WORDS[] = {"compar",   "download", "exit",    "goto",   "h",     "help",
+                                  "language", "ldx2vldx", "m",       "mf",     "msg",   "procesor",
+                                  "qst",      "station",  "term166", "upload", "write", "writeNA",
+                                  "hexload",  "l3test",   "l3erase", "l3write"};
+
+constexpr int LETTER_BAD_ARGUMENT = -2;
+
+int SayTryHelp()
+{
+    PrintMonStr("Try 'h' for help.");
+    return -1;
+}
+
+int RefuseArguments(int panel)
+{
+    PrintTmsCmdHelp(panel);
+    return LETTER_BAD_ARGUMENT;
+}
+
+// --- letter commands: `argument` is what follows the letter, blanks skipped ----------------
+
+// "n" and "x" are no hexadecimal digits, so that they cannot be part of an address.
+int DumpLetter(int panel, const char *argument)
+{
+    if (*argument == 'n')
+        return dump_node(panel, CON_Trim(argument + 1));
+    const bool isRaw = *argument == 'x';
+    const char *cursor = CON_SkipBlanks(argument + (isRaw ? 1 : 0));
+    if (!CON_ParseAddress(&cursor, &dwAddr) || *CON_SkipBlanks(cursor) != '\0')
+        return SayTryHelp();
+    return isRaw ? dump(panel, dwAddr) : dump_compl(panel, dwAddr);
+}
+
+int ScriptLetter(int panel, const char *argument)
+{
+    return SCR_RunAndReport(CON_Trim(argument), panel);
+}
+
+int StoreLetter(int panel, const char *argument)
+{
+    MemoryFileRequest request;
+    if (!MFL_ParseStore(argument, &request))
+        return RefuseArguments(panel);
+    dwAddr = request.address;
+    return store(panel, request);
+}
+
+int LoadLetter(int panel, const char *argument)
+{
+    MemoryFileRequest request;
+    if (!MFL_ParseLoad(argument, &request))
+        return RefuseArguments(panel);
+    dwAddr = request.address;
+    return load(panel, request);
+}
+
+int TmsLetter(int, const char *)
+{
+    command = CMD_TMS;
+    CON_ShowModePrompt();
+    return 0;
+}
+
+int WriteLetter(int panel, const char *argument)
+{
+    const char *cursor = *argument == '\0' ? argument : CON_SkipBlanks(argument + 1);
+    if (!VAL_IsKind(*argument) || !CON_ParseAddress(&cursor, &dwAddr) ||
+        *CON_SkipBlanks(cursor) != '\0')
+        return SayTryHelp();
+    return write_DPM(panel, dwAddr, *argument);
+}
+
+int HelpLetter(int panel, const char *)
+{
+    PrintCmdHelp(panel);
+    return 0;
+}
+
+struct Letter {
+    char letter;
+    int (*run)(int panel, const char *argument);
+    bool areBlanksKept; // the argument begins right behind the letter
+};
+const Letter LETTERS[] = {{'d', DumpLetter, false},  {'!', ScriptLetter, false},
+                          {'s', StoreLetter, false}, {'t', TmsLetter, false},
+                          {'w', WriteLetter, false}, {'h', HelpLetter, false},
+                          {'l', LoadLetter, false},  {'m', RdMapFile, true}};
+
+const Letter *FindLetter(char letter)
+{
+    for (const Letter &row : LETTERS)
+        if (row.letter == letter)
+            return &row;
+    return nullptr;
+}
+
+int RunLetter(int panel, const char *line)
+{
+    const Letter *letter = FindLetter(*line);
+    if (!letter) {
+        PrintMonStr("Unknown command. Try 'h' for help.");
+        return -1;
+    }
+    return letter->run(panel, letter->areBlanksKept ? line + 1 : CON_SkipBlanks(line + 1));
+}
+
+// --- the gate ---------------------------------------------------------------------------------
+
+bool IsCommandStart(char c)
+{
+    return CON_IsLetter(c) || c == '!';
+}
+
+// Whoever tests these words tests their case: "HELP" is refused here although the table
+// would know it. With the full command set the gate only stops what nothing below would know.
+bool IsAdmitted(const char *line)
+{
+    if (!VR_isFullCommandSet)
+        return CON_IsGateWord(line);
+    if (!IsCommandStart(*line) || FindLetter(*line))
+        return true;
+    return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
+}
+
+// --- the steps of a line ------------------------------------------------------------------------
+
+// Tells how a command of the table ended; `failure` is the wording of its half.
+int ReportCommand(int result, const char *line, const char *failure)
+{
+    if (result >= 0) {
+        CON_Print("%s -> OK!", line);
+        return result;
+    }
+    if (!szScrFnErrMsg.empty())
+        PrintMonStr(szScrFnErrMsg);
+    CON_Print("%s %s", line, failure);
+    return result;
+}
+
+int RunOnLink(int panel, const char *line)
+{
+    szScrFnErrMsg.clear();
+    const int result = ExecScrCmd(line, SCR_aTable, SCR_cnTarget);
+    if (result == SCR_UNKNOWN)
+        return RunLetter(panel, line);
+    return ReportCommand(result, line, "->Error");
+}
+
+// The order matters: commands that need no link run even when no port can be opened.
+int InterpretLine(int panel, const char *line)
+{
+    if (!IsAdmitted(line)) {
+        CON_Print("Sorry, unknown or unsupported command ('%s').", line);
+        return 0;
+    }
+    if (!IsCommandStart(*line)) {
+        PrintCmdHelp(panel);
+        return -1;
+    }
+    szScrFnErrMsg.clear();
+    int result = ExecScrCmd(line, SCR_aTable + SCR_cnTarget, SCR_cnTable - SCR_cnTarget);
+    if (result != SCR_UNKNOWN)
+        return ReportCommand(result, line, "-> Error!");
+    if (CON_HoldLink(LINK_ASK_FOR_PORT) < 0)
+        return -1;
+    result = RunOnLink(panel, line);
+    CON_ReleaseLink();
+    return result;
+}
+
+} // namespace
+
+bool CON_IsGateWord(const char *line)
+{
+    const size_t length = CON_WordLength(line);
+    for (const char *word : GATE_WORDS)
+        if (std::strlen(word) == length && std::strncmp(word, line, length) == 0)
+            return true;
+    return false;
+}
+
+int RunMonitor(int panel, const char *line)
+{
+    line = CON_SkipBlanks(line);
+    if (*line == '\0')
+        return 0;
+    const int result = InterpretLine(panel, line);
+    CON_ScrollToEnd();
+    return result;
+}

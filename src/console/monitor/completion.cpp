@@ -1,0 +1,110 @@
+// What may stand at the cursor decides: the first word is a command, a word behind "!"
+// a script, any other a name of the map.
+#include "console/monitor/completion.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "console/monitor/monitor.h"
+#include "console/monitor/word.h"
+#include "console/script/script_command.h"
+#include "settings/settings.h"
+#include "symbols/varnode.h"
+
+namespace {
+
+bool StartsWith(const std::string &text, const std::string &start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+void AddCommands(const std::string &start, std::vector<std::string> *candidates)
+{
+    for (int i = 0; i < SCR_cnTable; i++)
+        if (StartsWith(SCR_aTable[i].name, start) &&
+            (VR_isFullCommandSet || CON_IsGateWord(SCR_aTable[i].name)))
+            candidates->push_back(SCR_aTable[i].name);
+}
+
+void AddNames(const std::string &start, std::vector<std::string> *candidates)
+{
+    for (int i = 0; i < nNodes; i++)
+        if (StartsWith(aVarNode[i].name, start))
+            candidates->push_back(aVarNode[i].name);
+}
+
+// Scripts of the folder that stands before the name, or of the current one.
+void AddScripts(const std::string &start, std::vector<std::string> *candidates)
+{
+    const size_t cut = start.find_last_of("/\\");
+    const std::string folder = cut == std::string::npos ? "" : start.substr(0, cut + 1);
+    std::error_code error;
+    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string name = folder + entry->path().filename().string();
+        if (entry->path().extension() == ".scr" && StartsWith(name, start))
+            candidates->push_back(name);
+    }
+}
+
+// Where the last word begins: behind a blank or a "," and behind the "!" of a script.
+size_t FindWordStart(const std::string &line)
+{
+    const size_t cut = line.find_last_of(" \t,");
+    const size_t start = cut == std::string::npos ? 0 : cut + 1;
+    return start < line.size() && line[start] == '!' ? start + 1 : start;
+}
+
+} // namespace
+
+int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string> *candidates)
+{
+    candidates->clear();
+    const std::string before = line.substr(0, cursor);
+    const size_t start = FindWordStart(before);
+    const std::string word = before.substr(start);
+    const std::string ahead = CON_Trim(before.substr(0, start));
+    if (ahead == "!")
+        AddScripts(word, candidates);
+    else if (ahead.empty() && command == CMD_C166)
+        AddCommands(word, candidates);
+    else if (!word.empty())
+        AddNames(word, candidates);
+    std::sort(candidates->begin(), candidates->end());
+    candidates->erase(std::unique(candidates->begin(), candidates->end()), candidates->end());
+    if (candidates->size() > CANDIDATES_MAX)
+        candidates->resize(CANDIDATES_MAX);
+    return static_cast<int>(start);
+}
+
+std::string CON_GetCommonStart(const std::vector<std::string> &candidates)
+{
+    if (candidates.empty())
+        return "";
+    std::string common = candidates.front();
+    for (const std::string &candidate : candidates) {
+        size_t length = 0;
+        while (length < common.size() && length < candidate.size() &&
+               common[length] == candidate[length])
+            length++;
+        common.resize(length);
+    }
+    return common;
+}
+
+void CON_CompleteLine(std::string *line)
+{
+    std::vector<std::string> candidates;
+    const int start = CON_Complete(*line, line->size(), &candidates);
+    if (candidates.empty())
+        return;
+    *line = line->substr(0, static_cast<size_t>(start)) + CON_GetCommonStart(candidates);
+    if (candidates.size() == 1) {
+        *line += ' ';
+        return;
+    }
+    std::string row;
+    for (const std::string &candidate : candidates)
+        row += " " + candidate;
+    PrintMonStr(row);
+}

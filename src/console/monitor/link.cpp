@@ -1,0 +1,110 @@
+// Who holds the link: nASC_Opened counts the lines that run inside each other (a script
+// started by a line adds its own lines), nScripts the scripts, isTimer is the user.
+#include "console/monitor/link.h"
+
+#include <cstdlib>
+#include <string>
+
+#include "app/VR.h"
+#include "comm/ucm.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
+#include "runtime/userint.h"
+
+int32_t nASC_Opened = 0;
+
+namespace {
+
+constexpr size_t PORT_CHARS_MAX = 5;
+
+int nScripts = 0; // scripts running, one inside the other
+
+void ReportPort()
+{
+    CON_Print("Error opening serial port: COM%i.\n", ncom);
+}
+
+// True when the user gave another port to try; it may be the same number again.
+bool AskForPort()
+{
+    std::string text = std::to_string(ncom);
+    const std::string message = CON_Format(
+        "Error opening serial port: COM%i.\nEnter alternative COM number, please.", ncom);
+    if (GenericMessagePopup("Error", message, {"Retry", "Cancel"}, &text, PORT_CHARS_MAX) != 1)
+        return false;
+    const int port = std::atoi(text.c_str());
+    if (port > 0) {
+        ncom = port;
+        SetMainPanelAttributes();
+    }
+    return true;
+}
+
+// Somebody wants the link beyond the present line.
+bool IsLinkKept()
+{
+    return isTimer != 0 || nScripts > 0;
+}
+
+// A link nobody keeps is opened for each line anew: the settings may have changed.
+bool IsLinkReady()
+{
+    return (nASC_Opened > 0 || IsLinkKept()) && UCM_IsOpened();
+}
+
+} // namespace
+
+int CON_HoldLink(CON_LinkQuestion question)
+{
+    if (!IsLinkReady()) {
+        while (VR_OpenLink() < 0) {
+            if (question == LINK_ASK_FOR_PORT && AskForPort())
+                continue;
+            ReportPort();
+            return -1;
+        }
+    }
+    nASC_Opened++;
+    return 0;
+}
+
+// The count is 0 already when an inner line could not open the link again.
+void CON_ReleaseLink()
+{
+    if (nASC_Opened > 0)
+        nASC_Opened--;
+    if (nASC_Opened == 0) {
+        if (!IsLinkKept()) {
+            UCM_Close();
+            VR_ShowDiagnostics();
+        }
+        return;
+    }
+    if (!UCM_IsOpened() && VR_OpenLink() < 0) {
+        ReportPort();
+        nASC_Opened = 0;
+    }
+}
+
+void CON_BeginScript()
+{
+    nScripts++;
+}
+
+void CON_EndScript()
+{
+    nScripts--;
+    if (nASC_Opened == 0 && !IsLinkKept())
+        UCM_Close();
+    VR_ShowDiagnostics();
+}
+
+void CON_DropLink()
+{
+    if (isTimer) {
+        VIR2_StopPeriodicASC();
+        VIR2_StartPeriodicASC();
+        return;
+    }
+    UCM_Close();
+}

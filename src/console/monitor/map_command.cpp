@@ -1,0 +1,111 @@
+// The map commands of the console: which map is open, opening another, reading the
+// project's own map from the target's flash.
+#include <string>
+
+#include "app/VR.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "symbols/flash_info.h"
+#include "symbols/mapfile.h"
+#include "symbols/varnode.h"
+
+namespace {
+
+std::string tmsMapFile; // of the TMS320 behind a station
+
+int PrintSyntax()
+{
+    PrintMonStr(" Error: the syntax is \"m [file]\", \"mt [file]\", \"mf\", \"mfn\" or \"mfo\".\n");
+    return -1;
+}
+
+int ReportC166Map()
+{
+    if (!openStruct) {
+        PrintMonStr("The S166 map file is not opened. Try \"m filename\".\n");
+        return 0;
+    }
+    CON_Print("S166 MapFile: %s", mapFile.c_str());
+    CON_Print("Nodes:        %d\n", nNodes);
+    return 0;
+}
+
+// While a TMS320 is the selected processor its map is the loaded one.
+int ReportTmsMap()
+{
+    const bool isOwnMap = !IsWordAddressing(Procesor);
+    if (!(isOwnMap ? openTMSStruct : openStruct)) {
+        PrintMonStr("The TMS map file is not opened. Try \"mt filename\".\n");
+        return 0;
+    }
+    CON_Print("TMS MapFile: %s", isOwnMap ? tmsMapFile.c_str() : mapFile.c_str());
+    CON_Print("Nodes:       %d\n", isOwnMap ? nTMSNodes : nNodes);
+    return 0;
+}
+
+int LoadTmsMap(const char *fileName)
+{
+    const int result = TMSmap2node(fileName);
+    if (result >= 0)
+        tmsMapFile = fileName;
+    return result;
+}
+
+struct MapKind {
+    int (*load)(const char *fileName);
+    int (*report)();
+};
+const MapKind C166_MAP = {map2node, ReportC166Map};
+const MapKind TMS_MAP = {LoadTmsMap, ReportTmsMap};
+
+int LoadOrReport(const MapKind &kind, const std::string &fileName)
+{
+    if (fileName.empty())
+        return kind.report();
+    if (kind.load(fileName.c_str()) < 0) {
+        PrintMonStr(" Error: the MAP file doesn't exist.\n");
+        return -1;
+    }
+    SetMainPanelAttributes();
+    return kind.report();
+}
+
+int LoadFromFlash(bool isOldPlace)
+{
+    PrintMonStr(isOldPlace ? "Reading FLASH from 1C000H, wait for a while please ..."
+                           : "Reading FLASH from end, wait for a while please ...");
+    if (fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END) != 0) {
+        PrintMonStr("Error during flash read.");
+        return -1;
+    }
+    CON_Print("%d vars", nNodes);
+    SetMainPanelAttributes();
+    return 0;
+}
+
+} // namespace
+
+int LoadMapFile(int, const char *name)
+{
+    if (map2node(name) < 0) {
+        PrintMonStr("Error in open MAP file (don't exist)\n");
+        return -1;
+    }
+    CON_Print("MapFile: %s", mapFile.c_str());
+    CON_Print("Nodes:     %d", nNodes);
+    SetMainPanelAttributes();
+    return 0;
+}
+
+int RdMapFile(int, const char *text)
+{
+    const std::string form(text, CON_WordLength(text));
+    if (form.empty())
+        return LoadOrReport(C166_MAP, CON_Trim(text));
+    if (form == "t")
+        return LoadOrReport(TMS_MAP, CON_Trim(text + 1));
+    if (form == "f" || form == "fn" || form == "fo")
+        return LoadFromFlash(form == "fo");
+    return PrintSyntax();
+}

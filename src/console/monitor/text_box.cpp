@@ -1,0 +1,152 @@
+// Everything the console prints goes through PrintMonStr, the one place that knows
+// the text box and keeps it from growing without end.
+#include "console/monitor/text_box.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <vector>
+
+#include "app/VR.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
+#include "platform/safe_file.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+
+namespace {
+
+constexpr int TRIM_STEP = 250; // lines printed between two looks at the bound
+
+void TrimText()
+{
+    static int printed = 0;
+    if (++printed < TRIM_STEP)
+        return;
+    printed = 0;
+    int count = 0;
+    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &count);
+    if (count > CONSOLE_LINES_MAX)
+        DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
+}
+
+__attribute__((format(printf, 1, 0))) std::string FormatList(const char *format, va_list arguments)
+{
+    va_list copy;
+    va_copy(copy, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
+    if (length < 0)
+        return "";
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    std::vsnprintf(&text[0], text.size(), format, arguments);
+    text.pop_back();
+    return text;
+}
+
+} // namespace
+
+std::string CON_Format(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = FormatList(format, arguments);
+    va_end(arguments);
+    return text;
+}
+
+void CON_Print(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    PrintMonStr(FormatList(format, arguments));
+    va_end(arguments);
+}
+
+void PrintMonStr(const std::string &text)
+{
+    size_t begin = 0;
+    for (;;) {
+        const size_t end = text.find('\n', begin);
+        InsertTextBoxLine(consolePanel, CONSOLE_BOX, -1, text.substr(begin, end - begin));
+        TrimText();
+        if (end == std::string::npos)
+            return;
+        begin = end + 1;
+    }
+}
+
+void CON_ScrollToEnd()
+{
+    int count = 0;
+    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &count);
+    if (count > 0)
+        SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_FIRST_VISIBLE_LINE, count - 1);
+}
+
+void CON_SetPrompt(const std::string &prompt)
+{
+    SetCtrlVal(consolePanel, CONSOLE_PROMPT, prompt);
+}
+
+void CON_ShowModePrompt()
+{
+    CON_SetPrompt(command == CMD_TMS ? "S166\\TMS >" : "S166 >");
+}
+
+std::string CON_GetText()
+{
+    int count = 0;
+    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &count);
+    std::string text;
+    for (int i = 0; i < count; i++) {
+        std::string line;
+        GetTextBoxLine(consolePanel, CONSOLE_BOX, i, &line);
+        text += i == 0 ? line : "\n" + line;
+    }
+    return text;
+}
+
+int CON_SaveText(const std::string &path)
+{
+    SafeFile file;
+    if (SAF_Open(&file, path, "wb") < 0)
+        return -1;
+    for (char c : CON_GetText() + "\n") {
+        if (c == '\n')
+            std::fputc('\r', file.file);
+        std::fputc(c, file.file);
+    }
+    return SAF_Commit(&file);
+}
+
+void CON_CopyTextCB(int, int)
+{
+    ClipboardPutText(CON_GetText());
+}
+
+void CON_ClearTextCB(int, int)
+{
+    ResetTextBox(consolePanel, CONSOLE_BOX, "");
+}
+
+void CON_SaveTextCB(int, int)
+{
+    std::string path;
+    if (FileSelectPopup("", "*.txt", "*.txt", "Save console text", FILE_SAVE, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    if (CON_SaveText(path) < 0)
+        MessagePopup("Error", "Could not write the file " + path + ".");
+}
+
+void CON_RunScriptCB(int menuBar, int)
+{
+    std::string path;
+    if (FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    WindowCB(menuBar, ITEM_CONSOLE_VIEW);
+    CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
+    SCR_RunAndReport(path, consolePanel);
+    CON_ScrollToEnd();
+}

@@ -1,0 +1,219 @@
+// Numbers are checked against the width they are written with: a value that does not
+// fit is refused, not cut.
+#include "console/monitor/value_entry.h"
+
+#include <cerrno>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+
+#include "comm/tms_mailbox.h"
+#include "comm/ucm.h"
+#include "console/monitor/dump.h"
+#include "console/monitor/link.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "settings/settings.h"
+#include "watch/list/refresh.h"
+
+namespace {
+
+constexpr int COMMAND_WRITE = 8;      // link command that writes memory
+constexpr uint16_t INTEGER_BYTES = 2; // what a C166 integer, unsigned and hex value takes
+constexpr uint16_t FLOAT_BYTES = 4;
+
+struct Kind {
+    char kind;
+    int base; // 0: decimal, or by a leading "0x" or "0"
+    bool isSigned;
+    uint16_t bytes; // on the C166
+};
+const Kind KINDS[] = {{'i', 0, true, INTEGER_BYTES},
+                      {'u', 10, false, INTEGER_BYTES},
+                      {'x', 16, false, INTEGER_BYTES},
+                      {'f', 0, true, FLOAT_BYTES}};
+
+char valueKind = 'i';
+
+const Kind *FindKind(char kind)
+{
+    for (const Kind &row : KINDS)
+        if (row.kind == kind)
+            return &row;
+    return nullptr;
+}
+
+bool IsWholeText(const char *text, const char *end)
+{
+    return end != text && *CON_SkipBlanks(end) == '\0';
+}
+
+// `bits` is the number's width on the target; what does not fit is no number.
+bool ParseInteger(const char *text, const Kind &kind, int bits, uint32_t *value)
+{
+    char *end = nullptr;
+    errno = 0;
+    const long long number = std::strtoll(text, &end, kind.base);
+    if (!IsWholeText(text, end) || errno != 0)
+        return false;
+    const long long half = 1LL << (bits - 1);
+    const long long low = kind.isSigned ? -half : 0;
+    const long long high = kind.isSigned ? half - 1 : 2 * half - 1;
+    if (number < low || number > high)
+        return false;
+    *value = static_cast<uint32_t>(number);
+    return true;
+}
+
+bool ParseFloatBits(const char *text, uint32_t *bits)
+{
+    char *end = nullptr;
+    const float value = std::strtof(text, &end);
+    if (!IsWholeText(text, end) || !std::isfinite(value))
+        return false;
+    std::memcpy(bits, &value, sizeof *bits);
+    return true;
+}
+
+bool ParseValue(const char *text, const Kind &kind, int bits, uint32_t *value)
+{
+    return kind.kind == 'f' ? ParseFloatBits(text, value) : ParseInteger(text, kind, bits, value);
+}
+
+void ShowC166Prompt()
+{
+    CON_SetPrompt(CON_Format(" %06x:  ", dwAddr));
+}
+
+void ShowTmsPrompt()
+{
+    CON_SetPrompt(CON_Format(" %08x:  ", dwAddr));
+}
+
+void EndEntry(int32_t mode)
+{
+    command = mode;
+    CON_ShowModePrompt();
+}
+
+int SendC166Value(uint32_t value, const Kind &kind)
+{
+    uint8_t bytes[4];
+    for (int i = 0; i < 4; i++)
+        bytes[i] = static_cast<uint8_t>(value >> (8 * i));
+    if (UCM_EmuCom166Msg(STATION, COMMAND_WRITE, dwAddr, kind.bytes, bytes) > 0)
+        return 0;
+    MEM_Fail(CON_Format("Message not succesful (Address %06x).", dwAddr));
+    return -1;
+}
+
+// The link is open for one value only: a user may take his time between two.
+int EnterValue(int panel, const char *text, int (*write)(int panel, const char *text))
+{
+    if (CON_HoldLink(LINK_NO_QUESTION) < 0)
+        return -1;
+    const int result = write(panel, text);
+    CON_ReleaseLink();
+    return result;
+}
+
+} // namespace
+
+bool VAL_IsKind(char kind)
+{
+    return FindKind(kind) != nullptr;
+}
+
+int write_DPM(int, uint32_t address, char kind)
+{
+    PrintMonStr("Write ...");
+    dwAddr = address;
+    valueKind = kind;
+    command = CMD_WRITE_C166;
+    ShowC166Prompt();
+    return 0;
+}
+
+int write_addr(int, uint32_t address, char kind)
+{
+    PrintMonStr("Write TMS memory...");
+    dwAddr = address;
+    valueKind = kind;
+    command = CMD_WRITE_TMS;
+    ShowTmsPrompt();
+    return 0;
+}
+
+int write_DPM2(int, const char *text)
+{
+    const Kind &kind = *FindKind(valueKind);
+    uint32_t value = 0;
+    if (!ParseValue(text, kind, 8 * kind.bytes, &value)) {
+        CON_Print("'%s' is not a value of this kind.", text);
+        EndEntry(CMD_C166);
+        return -1;
+    }
+    if (SendC166Value(value, kind) < 0) {
+        EndEntry(CMD_C166);
+        return -1;
+    }
+    dwAddr += kind.bytes;
+    ShowC166Prompt();
+    return 0;
+}
+
+int write_addrTMS(int, uint32_t address, uint32_t value)
+{
+    uint32_t failedAt = 0;
+    switch (TMS_WriteWord(address, value, &failedAt)) {
+    case TMS_OK:
+        return 0;
+    case TMS_ERR_SEND:
+        return MEM_Fail(CON_Format("Message not succesful (Address %06x).", failedAt));
+    case TMS_ERR_BUSY:
+        return MEM_Fail("\nHardware not responding.");
+    default:
+        return MEM_Fail("\nMessage not succesful.");
+    }
+}
+
+// Whatever ends this entry leads to the C166 monitor, not back to the TMS monitor.
+int write_addr2(int panel, const char *text)
+{
+    const Kind &kind = *FindKind(valueKind);
+    uint32_t value = 0;
+    if (!ParseValue(text, kind, 32, &value)) {
+        CON_Print("'%s' is not a value of this kind.", text);
+        EndEntry(CMD_C166);
+        return -1;
+    }
+    if (kind.kind == 'f')
+        value = IEEE_TMS(value);
+    if (write_addrTMS(panel, dwAddr, value) < 0) {
+        EndEntry(CMD_C166);
+        return -1;
+    }
+    dwAddr++;
+    ShowTmsPrompt();
+    return 0;
+}
+
+int WriteD(int panel, const char *text)
+{
+    CON_Print(" %06x:  %s", dwAddr, text);
+    if (*CON_SkipBlanks(text) != '\0')
+        return EnterValue(panel, text, write_DPM2);
+    EndEntry(CMD_C166);
+    return 0;
+}
+
+int WriteT(int panel, const char *text)
+{
+    CON_Print(" %08x:  %s", dwAddr, text);
+    if (*CON_SkipBlanks(text) != '\0')
+        return EnterValue(panel, text, write_addr2);
+    EndEntry(CMD_TMS);
+    return 0;
+}

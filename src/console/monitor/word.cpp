@@ -1,0 +1,126 @@
+// The C library's character classes follow the user's language and take no plain char;
+// these do neither.
+#include "console/monitor/word.h"
+
+bool CON_IsBlank(char c)
+{
+    return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool CON_IsLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
+}
+
+bool CON_IsNameChar(char c)
+{
+    return CON_IsLetter(c) || (c >= '0' && c <= '9');
+}
+
+bool CON_IsHexDigit(char c)
+{
+    return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
+char CON_ToLower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+const char *CON_SkipBlanks(const char *text)
+{
+    while (CON_IsBlank(*text))
+        text++;
+    return text;
+}
+
+size_t CON_WordLength(const char *text)
+{
+    size_t length = 0;
+    while (text[length] != '\0' && !CON_IsBlank(text[length]))
+        length++;
+    return length;
+}
+
+size_t CON_NameLength(const char *text)
+{
+    if (!CON_IsLetter(*text))
+        return 0;
+    size_t length = 1;
+    while (CON_IsNameChar(text[length]))
+        length++;
+    return length;
+}
+
+std::string CON_Trim(const std::string &text)
+{
+    size_t begin = 0;
+    size_t end = text.size();
+    while (begin < end && CON_IsBlank(text[begin]))
+        begin++;
+    while (end > begin && CON_IsBlank(text[end - 1]))
+        end--;
+    return text.substr(begin, end - begin);
+}
+
+bool CON_IsSameWord(const std::string &a, const char *b)
+{
+    size_t i = 0;
+    while (i < a.size() && CON_ToLower(a[i]) == CON_ToLower(b[i]))
+        i++;
+    return i == a.size() && b[i] == '\0';
+}
+
+static uint32_t DigitValue(char c)
+{
+    return static_cast<uint32_t>(c <= '9' ? c - '0' : CON_ToLower(c) - 'a' + 10);
+}
+
+// Fails, with the cursor where it was, without a digit and beyond 32 bits.
+static bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
+{
+    const char *c = *cursor;
+    uint64_t number = 0;
+    for (; CON_IsHexDigit(*c) && DigitValue(*c) < base; c++) {
+        number = number * base + DigitValue(*c);
+        if (number > UINT32_MAX)
+            return false;
+    }
+    if (c == *cursor)
+        return false;
+    *cursor = c;
+    *value = static_cast<uint32_t>(number);
+    return true;
+}
+
+bool CON_ParseHex(const char **cursor, uint32_t *value)
+{
+    return ParseDigits(cursor, 16, value);
+}
+
+bool CON_ParseAddress(const char **cursor, uint32_t *address)
+{
+    const char *c = *cursor;
+    if (*c == '$')
+        c++;
+    else if (*c == '0' && (c[1] == 'x' || c[1] == 'X'))
+        c += 2;
+    if (!CON_ParseHex(&c, address))
+        return false;
+    *cursor = c;
+    return true;
+}
+
+bool CON_ParseDecimal(const char **cursor, uint32_t *value)
+{
+    return ParseDigits(cursor, 10, value);
+}
+
+bool CON_SkipComma(const char **cursor)
+{
+    const char *c = CON_SkipBlanks(*cursor);
+    if (*c != ',')
+        return false;
+    *cursor = CON_SkipBlanks(c + 1);
+    return true;
+}

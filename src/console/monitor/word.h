@@ -1,0 +1,30 @@
+// Small text helpers of the console's parsers. ASCII only: target names and commands
+// do not depend on the user's language.
+#ifndef CONSOLE_MONITOR_WORD_H
+#define CONSOLE_MONITOR_WORD_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+bool CON_IsBlank(char c);
+bool CON_IsLetter(char c);   // a letter or "_"
+bool CON_IsNameChar(char c); // a letter, "_" or a digit
+bool CON_IsHexDigit(char c);
+char CON_ToLower(char c);
+const char *CON_SkipBlanks(const char *text);
+size_t CON_WordLength(const char *text); // up to a blank or the end
+size_t CON_NameLength(const char *text); // of the name that starts here, 0 when none does
+std::string CON_Trim(const std::string &text);
+bool CON_IsSameWord(const std::string &a, const char *b); // ignoring case
+
+// Hexadecimal digits at *cursor, which is moved past them; at most 32 bits.
+bool CON_ParseHex(const char **cursor, uint32_t *value);
+// The same behind the "$" or "0x" that addresses have elsewhere, or without.
+bool CON_ParseAddress(const char **cursor, uint32_t *address);
+// Decimal digits likewise.
+bool CON_ParseDecimal(const char **cursor, uint32_t *value);
+// Past a "," and the blanks around it; false when there is none.
+bool CON_SkipComma(const char **cursor);
+
+#endif

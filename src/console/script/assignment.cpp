@@ -1,0 +1,187 @@
+// Types come from a cast, from the naming convention of the target's sources or from
+// the caller, in this order. The tables are searched from the top: the first row wins.
+#include "console/script/assignment.h"
+
+#include <cstring>
+
+#include "console/monitor/monitor.h"
+#include "console/monitor/word.h"
+
+namespace {
+
+struct TypeWord {
+    const char *word;
+    int32_t code;
+};
+
+// "word" is one byte: old files use it so.
+const TypeWord CASTS[] = {{"u1", ATP_U1}, {"byte", ATP_U1}, {"word", ATP_U1},
+                          {"u2", ATP_U2}, {"u4", ATP_U4},   {"i1", ATP_I1},
+                          {"i2", ATP_I2}, {"i4", ATP_I4},   {"float", ATP_F4}};
+
+const TypeWord PREFIXES[] = {{"dw", ATP_U4}, {"u4", ATP_U4}, {"nn", ATP_I4}, {"i4", ATP_I4},
+                             {"by", ATP_U1}, {"u1", ATP_U1}, {"i2", ATP_I2}, {"i1", ATP_I1},
+                             {"u2", ATP_U2}, {"f4", ATP_F4}, {"f", ATP_F4},  {"rs", ATP_RS},
+                             {"sz", ATP_SZ}};
+
+const TypeWord LETTER_PREFIXES[] = {{"n", ATP_I2}, {"f", ATP_F4}, {"w", ATP_U2}};
+
+const TypeWord TYPE_NAMES[] = {{"i1", ATP_I1}, {"i2", ATP_I2}, {"i4", ATP_I4}, {"u1", ATP_U1},
+                               {"u2", ATP_U2}, {"u4", ATP_U4}, {"f4", ATP_F4}};
+
+struct TypeSize {
+    uint32_t bit;
+    int size;
+};
+const TypeSize SIZES[] = {{PAR_BYTE, 1}, {PAR_WORD, 2}, {PAR_LONG, 4}, {PAR_FLOAT, 4}};
+
+template <size_t N> int32_t FindPrefix(const TypeWord (&table)[N], const char *text)
+{
+    for (const TypeWord &row : table)
+        if (std::strncmp(text, row.word, std::strlen(row.word)) == 0)
+            return row.code;
+    return 0;
+}
+
+const char *FindTypeName(uint32_t code)
+{
+    if (code == static_cast<uint32_t>(ATP_RS) || code == static_cast<uint32_t>(ATP_SZ))
+        return code == static_cast<uint32_t>(ATP_RS) ? "rs" : "sz";
+    for (const TypeWord &row : TYPE_NAMES)
+        if (static_cast<uint32_t>(row.code) == (code & ATP_MASK))
+            return row.word;
+    return "";
+}
+
+// Past the ")" that closes the "(" at the cursor; false when there is none.
+bool SkipCast(const char **cursor)
+{
+    int depth = 0;
+    for (const char *c = *cursor; *c != '\0'; c++) {
+        depth += *c == '(' ? 1 : *c == ')' ? -1 : 0;
+        if (depth == 0) {
+            *cursor = CON_SkipBlanks(c + 1);
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IsLabelEnd(const char *cursor)
+{
+    cursor = CON_SkipBlanks(cursor);
+    return *cursor == ':' && *CON_SkipBlanks(cursor + 1) == '\0';
+}
+
+// A name first; what is none must be a number of the line's type.
+bool ParseValue(const char **cursor, ScrPar *value, int32_t type)
+{
+    const char *begin = *cursor;
+    if (ScrGetPar(cursor, value, PAR_NAME | PAR_OFFSET) >= 0)
+        return true;
+    *cursor = begin;
+    ClrScrPar(value, 1);
+    return ScrGetPar(cursor, value, static_cast<uint32_t>(type)) >= 0;
+}
+
+bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
+{
+    ClrScrPar(records, ASSN_RECORDS);
+    if (ScrGetPar(&cursor, &records[0], PAR_NAME | PAR_INDEX | PAR_OFFSET) < 0)
+        return false;
+    records[0].flags |= static_cast<uint32_t>(type);
+    cursor = CON_SkipBlanks(cursor);
+    if (*cursor != '=')
+        return false;
+    cursor = CON_SkipBlanks(cursor + 1);
+    return ParseValue(&cursor, &records[1], type) && *CON_SkipBlanks(cursor) == '\0';
+}
+
+} // namespace
+
+int32_t StrToATP(const char *text)
+{
+    if (*text != '(')
+        return -1;
+    text = CON_SkipBlanks(text + 1);
+    for (const TypeWord &row : CASTS) {
+        const size_t length = std::strlen(row.word);
+        if (std::strncmp(text, row.word, length) == 0 && *CON_SkipBlanks(text + length) == ')')
+            return row.code;
+    }
+    return -1;
+}
+
+int32_t GetPfxType(const char *name)
+{
+    if (*name == '\0')
+        return 0;
+    const char second = name[1];
+    const bool isLetterPrefix =
+        (second >= 'A' && second <= 'Z') || second == '_' || !CON_IsNameChar(second);
+    return isLetterPrefix ? FindPrefix(LETTER_PREFIXES, name) : FindPrefix(PREFIXES, name);
+}
+
+int32_t GetPfx2Type(const char *text)
+{
+    if (*text == '(')
+        return StrToATP(text);
+    if (*text == '&' || *text == '@')
+        text++;
+    const char *component = text;
+    for (; CON_IsNameChar(*text) || *text == '.'; text++)
+        if (*text == '.')
+            component = text + 1;
+    return GetPfxType(component);
+}
+
+int ATP_SizeOf(uint32_t code)
+{
+    for (const TypeSize &row : SIZES)
+        if (code & row.bit)
+            return row.size;
+    return 0;
+}
+
+void ATP_toStr(uint32_t code, std::string *text)
+{
+    *text = std::string("(") + FindTypeName(code);
+    if (code & PAR_NAME)
+        *text += text->size() > 1 ? " ID" : "ID";
+    *text += ")";
+}
+
+void PrintType(uint32_t code)
+{
+    std::string text = FindTypeName(code);
+    if (text == "f4")
+        text = "float";
+    if (!text.empty())
+        text += " ";
+    if (code & PAR_NAME)
+        text += "ID ";
+    PrintMonStr(text);
+}
+
+int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)
+{
+    ClrScrPar(records, ASSN_RECORDS);
+    const char *cursor = CON_SkipBlanks(line);
+    int32_t type = GetPfx2Type(cursor);
+    if (type < 1)
+        type = defaultType;
+    const bool isCast = *cursor == '(';
+    if (isCast && !SkipCast(&cursor))
+        return ASSN_NONE;
+    const char *name = cursor;
+    if (ScrGetPar(&cursor, &records[0], PAR_NAME) < 0)
+        return ASSN_NONE;
+    if (!isCast && IsLabelEnd(cursor))
+        return ASSN_LABEL;
+    return ParseTargetAndValue(name, records, type) ? ASSN_VALUE : ASSN_NONE;
+}
+
+int ParseAssn(const char *line, ScrPar *records, int32_t defaultType)
+{
+    return ParseAssn2(line, records, defaultType);
+}

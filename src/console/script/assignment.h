@@ -1,0 +1,39 @@
+// Lines that assign a value to a target variable, or are labels; the type codes such
+// lines share with command parameters. Used by the readers of every format built of
+// assignments.
+#ifndef CONSOLE_SCRIPT_ASSIGNMENT_H
+#define CONSOLE_SCRIPT_ASSIGNMENT_H
+
+#include <cstdint>
+#include <string>
+
+#include "console/script/script_param.h"
+
+// Assignment type codes: sums of PAR_ bits.
+constexpr int32_t ATP_I1 = 0x05;
+constexpr int32_t ATP_I2 = 0x09;
+constexpr int32_t ATP_I4 = 0x11;
+constexpr int32_t ATP_U1 = 0x06;
+constexpr int32_t ATP_U2 = 0x0A;
+constexpr int32_t ATP_U4 = 0x12;
+constexpr int32_t ATP_F4 = 0x1000;
+constexpr int32_t ATP_SZ = 0x800;
+constexpr int32_t ATP_RS = 0x8800;
+constexpr uint32_t ATP_MASK = 0x121F; // bits that make out a named type
+
+enum { ASSN_NONE = -1, ASSN_VALUE = 1, ASSN_LABEL = 2 };
+constexpr int ASSN_RECORDS = 2; // the target, then the value
+
+int32_t StrToATP(const char *text);    // code of the cast "(type)" the text starts with, or -1
+int32_t GetPfxType(const char *name);  // type that the name's prefix implies, 0 when none
+int32_t GetPfx2Type(const char *text); // the cast, or the prefix type of the last component
+int ATP_SizeOf(uint32_t code);         // bytes, 0 for texts
+void ATP_toStr(uint32_t code, std::string *text); // "(u2 ID)"
+void PrintType(uint32_t code);                    // the same words on the console
+
+// Parses one line into two records. ASSN_VALUE, ASSN_LABEL (the name is in the first
+// record) or ASSN_NONE. The default type counts when the line shows none.
+int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType);
+int ParseAssn(const char *line, ScrPar *records, int32_t defaultType);
+
+#endif

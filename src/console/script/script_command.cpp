@@ -1,0 +1,92 @@
+// Looks a command up, fills its parameters by the codes of its row and calls it. Error
+// texts are left in szScrFnErrMsg: the caller decides whether they are printed.
+#include "console/script/script_command.h"
+
+#include <cstring>
+
+#include "console/monitor/monitor.h"
+#include "console/monitor/word.h"
+
+std::string szScrFnErrMsg;
+
+namespace {
+
+int FailLine(int result, const char *text)
+{
+    szScrFnErrMsg = text;
+    return result;
+}
+
+int CallCommand(const ScrRow &row, ScrPar *par)
+{
+    if (!row.run) {
+        szScrFnErrMsg = SCR_GetAbsentText(row.name);
+        return -1;
+    }
+    return row.run(par);
+}
+
+int CallExtern(const ScrRow &row, const char *line)
+{
+    const size_t length = std::strlen(line);
+    if (length > EXTERN_LINE_CHARS)
+        return FailLine(SCR_ERR_LONG_LINE, "Error in ExecScrCmd: extern command too long.");
+    ScrPar par;
+    std::memcpy(par.text, line, length + 1);
+    return CallCommand(row, &par);
+}
+
+// Every parameter of the row must be there: commands have no optional ones.
+int ParseParameters(const char *cursor, const ScrRow &row, ScrPar *par)
+{
+    for (int i = 0; i < PARAMS_MAX && row.codes[i] != 0; i++) {
+        if (i > 0 && !CON_SkipComma(&cursor))
+            return FailLine(SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter.");
+        if (ScrGetPar(&cursor, &par[i], row.codes[i]) < 0)
+            return FailLine(SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type.");
+    }
+    if (*CON_SkipBlanks(cursor) != '\0')
+        return FailLine(SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters.");
+    return 0;
+}
+
+} // namespace
+
+const ScrRow *SCR_Find(const std::string &name, const ScrRow *table, int count)
+{
+    for (int i = 0; i < count; i++)
+        if (CON_IsSameWord(name, table[i].name))
+            return &table[i];
+    return nullptr;
+}
+
+int ExecScrCmd(const char *line, const ScrRow *table, int count)
+{
+    line = CON_SkipBlanks(line);
+    if (*line == ';')
+        return 0;
+    const size_t length = CON_NameLength(line);
+    if (length == 0)
+        return SCR_UNKNOWN;
+    if (length > COMMAND_NAME_CHARS)
+        return FailLine(SCR_ERR_LONG_NAME, "Error in ExecScrCmd: command too long.");
+    const ScrRow *row = SCR_Find(std::string(line, length), table, count);
+    if (!row)
+        return SCR_UNKNOWN;
+    if (row->codes[0] == PAR_EXTERN)
+        return CallExtern(*row, line);
+    ScrPar par[PARAMS_MAX];
+    const int result = ParseParameters(line + length, *row, par);
+    return result < 0 ? result : CallCommand(*row, par);
+}
+
+int SCR_Fail(const std::string &text)
+{
+    szScrFnErrMsg = "ERROR - " + text;
+    return -1;
+}
+
+std::string SCR_GetAbsentText(const std::string &name)
+{
+    return "ERROR - " + name + ": this version has no such function yet.";
+}

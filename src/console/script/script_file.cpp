@@ -1,0 +1,184 @@
+// Runs a script file line by line through the C166 line interpreter. Jumps only ever
+// go forward. An error is reported as the number of the line it happened on.
+#include <string>
+
+#include "app/VR.h"
+#include "console/monitor/link.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "text/txfr.h"
+
+namespace {
+
+constexpr int COUNTER_START = -2;
+constexpr int BUFFER_CHARS =
+    static_cast<int>(LINE_CHARS_MAX) + 2; // one more than allowed, and the end
+
+struct Script {
+    int file = -1;
+    int counter = COUNTER_START; // -2 - k on line k
+    std::string line;            // without blanks at its begin
+    bool isTooLong = false;
+};
+
+int nDepth = 0;
+
+// Reads one line whole, of which an over-long one keeps its beginning only. False at
+// the end of the file.
+bool ReadLine(Script *script)
+{
+    char buffer[BUFFER_CHARS];
+    if (TXFR_RdLine(script->file, buffer, BUFFER_CHARS) < 0)
+        return false;
+    script->line = CON_SkipBlanks(buffer);
+    script->isTooLong = std::char_traits<char>::length(buffer) > LINE_CHARS_MAX;
+    while (TXFR_IsBrokenLine(script->file) == 1) {
+        if (TXFR_RdLine(script->file, buffer, BUFFER_CHARS) < 0)
+            break;
+    }
+    return true;
+}
+
+// The label a line defines, or "".
+std::string GetLabel(const std::string &line)
+{
+    const char *cursor = line.c_str();
+    const size_t length = CON_NameLength(cursor);
+    if (length == 0 || *CON_SkipBlanks(cursor + length) != ':')
+        return "";
+    return line.substr(0, length);
+}
+
+// The lines read on the way count only when the label is found.
+bool SkipToLabel(Script *script, const std::string &label)
+{
+    int passed = 0;
+    while (ReadLine(script)) {
+        passed++;
+        if (GetLabel(script->line) == label) {
+            script->counter -= passed;
+            return true;
+        }
+    }
+    return false;
+}
+
+bool IsGoto(const std::string &line)
+{
+    return line.compare(0, 4, "goto") == 0 && line.size() > 4 && CON_IsBlank(line[4]);
+}
+
+std::string GetGotoLabel(const std::string &line)
+{
+    const char *cursor = CON_SkipBlanks(line.c_str() + 4);
+    return std::string(cursor, CON_NameLength(cursor));
+}
+
+bool IsComment(const std::string &line)
+{
+    return line.empty() || line[0] == ';';
+}
+
+int RunLine(const Script &script, int panel)
+{
+    if (!script.isTooLong)
+        return RunMonitor(panel, script.line.c_str());
+    CON_Print("The line is longer than %d characters and was not run.",
+              static_cast<int>(LINE_CHARS_MAX));
+    return -1;
+}
+
+// False when the script ends here with an error.
+bool ExecuteLine(Script *script, int panel)
+{
+    if (IsComment(script->line))
+        return true;
+    if (IsGoto(script->line)) {
+        const std::string label = GetGotoLabel(script->line);
+        return !label.empty() && SkipToLabel(script, label);
+    }
+    if (!GetLabel(script->line).empty())
+        return true;
+    return RunLine(*script, panel) >= 0 || SkipToLabel(script, "OnError");
+}
+
+// A command that asks the user leaves its jump here; false when the label is not found.
+bool TakeRequestedJump(Script *script)
+{
+    if (!SCR_bGotoCmd)
+        return true;
+    SCR_bGotoCmd = false;
+    return SkipToLabel(script, SCR_szGotoLabel);
+}
+
+// Reading the last line may have closed the handle already. A line closes whatever it
+// opens, so the read behind it finds the end and nobody else's file.
+int RunScript(Script *script, int panel)
+{
+    while (!SCR_isExit) {
+        if (!TakeRequestedJump(script))
+            return script->counter;
+        if (!ReadLine(script))
+            return 0;
+        script->counter--;
+        if (!ExecuteLine(script, panel))
+            return script->counter;
+    }
+    SCR_isExit = false;
+    return 0;
+}
+
+// The name as given first: a script may well have another extension.
+int OpenScript(const std::string &fileName)
+{
+    const int file = TXFR_Open(fileName.c_str());
+    return file >= 0 ? file : TXFR_Open((fileName + ".scr").c_str());
+}
+
+} // namespace
+
+int ExecMonScript(const char *fileName, int panel)
+{
+    if (nDepth >= SCRIPT_DEPTH_MAX) {
+        PrintMonStr("Too many scripts are started by scripts.");
+        return SCRIPT_NOT_OPENED;
+    }
+    Script script;
+    script.file = OpenScript(fileName);
+    if (script.file < 0)
+        return SCRIPT_NOT_OPENED;
+    SCR_bGotoCmd = false;
+    SCR_isExit = false;
+    nDepth++;
+    CON_BeginScript();
+    const int result = RunScript(&script, panel);
+    CON_EndScript();
+    nDepth--;
+    TXFR_Close(script.file);
+    return result;
+}
+
+int SCR_RunAndReport(const std::string &fileName, int panel)
+{
+    const int32_t station = STATION;
+    const int result = ExecMonScript(fileName.c_str(), panel);
+    if (STATION != station) {
+        VIR2_SetStation(station);
+        SetMainPanelAttributes();
+    }
+    if (result < 0)
+        PrintMonStr(SCR_GetResultText(result));
+    return result;
+}
+
+std::string SCR_GetResultText(int result)
+{
+    if (result == 0)
+        return "";
+    if (result == SCRIPT_NOT_OPENED)
+        return "Could not open the script file.";
+    // One more than the failing line's number: users and service notes know it so.
+    return CON_Format("Error in the script file on line %d.", -1 - result);
+}

@@ -1,0 +1,284 @@
+// The figures of the statistics window, and the advice drawn from them.
+#include "diagnostics/statistics_panel.h"
+
+#include "comm/failures.h"
+#include "comm/mr166_link.h"
+#include "comm/ucm.h"
+#include "runtime/list_columns.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+struct Figures {
+    UCM_Statistics counts;
+    uint64_t failed = 0;  // messages that were not answered, or not soundly
+    uint64_t damaged = 0; // answers that came damaged on the way
+};
+
+Figures Measure()
+{
+    Figures figures;
+    UCM_GetStatistics(&figures.counts);
+    figures.failed = uint64_t{figures.counts.timeouts} + figures.counts.damaged;
+    figures.damaged = FAIL_CountOf("answer damaged");
+    return figures;
+}
+
+// --- texts -----------------------------------------------------------------------------
+
+std::string ShareText(const Figures &figures)
+{
+    const uint64_t total = figures.counts.answered + figures.failed;
+    if (total == 0)
+        return "-";
+    char text[32];
+    std::snprintf(text, sizeof text, "%.2f %%",
+                  100.0 * static_cast<double>(figures.failed) / static_cast<double>(total));
+    return text;
+}
+
+std::string DateText(const PLT_Date &date)
+{
+    char text[96];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month,
+                  date.day, date.hour, date.minute, date.second);
+    return text;
+}
+
+std::string LastFailureText()
+{
+    const FAIL_Cause *last = FAIL_Last();
+    return last == nullptr ? "none" : last->text + ", " + DateText(last->last);
+}
+
+struct Row {
+    int panelControl;
+    const char *name;
+    std::string value;
+};
+
+std::vector<Row> Rows(const Figures &figures)
+{
+    const UCM_Statistics &counts = figures.counts;
+    return {
+        {STATISTICS_ANSWERED, "Messages answered", std::to_string(counts.answered)},
+        {STATISTICS_TIMEOUTS, "Time-outs", std::to_string(counts.timeouts)},
+        {STATISTICS_DAMAGED, "Damaged or refused frames", std::to_string(counts.damaged)},
+        {STATISTICS_REPEATED, "Repeated blocks", std::to_string(counts.repeated)},
+        {STATISTICS_SHARE, "Error share", ShareText(figures)},
+        {STATISTICS_LAST, "Last failure", LastFailureText()},
+        {STATISTICS_SINCE, "Counted since", DateText(counts.since)},
+    };
+}
+
+struct ResultText {
+    int result;
+    const char *text;
+};
+constexpr ResultText RESULT_TEXTS[] = {
+    {-1, "transfer failed, every try of a block"},
+    {UCM_ERR_ARGUMENT, "bad station, address or count, or not in this protocol"},
+};
+
+// What a result of the unified layer means; the rest are those of opening a port.
+std::string MeaningOf(int result)
+{
+    for (const ResultText &row : RESULT_TEXTS)
+        if (row.result == result)
+            return row.text;
+    return MrASC_ErrorText(result);
+}
+
+// --- advice ----------------------------------------------------------------------------
+
+bool NothingSent(const Figures &f)
+{
+    return f.counts.answered == 0 && f.failed == 0 && FAIL_Count() == 0;
+}
+
+bool NoFailure(const Figures &f)
+{
+    return f.counts.answered > 0 && FAIL_Count() == 0;
+}
+
+bool NeverAnswered(const Figures &f)
+{
+    return f.counts.timeouts > 0 && f.counts.answered == 0 && f.counts.damaged == 0;
+}
+
+bool SometimesSilent(const Figures &f)
+{
+    return f.counts.timeouts > 0 && f.counts.answered > 0;
+}
+
+bool AlwaysDamaged(const Figures &f)
+{
+    return f.damaged > 0 && f.counts.answered == 0;
+}
+
+bool SometimesDamaged(const Figures &f)
+{
+    return f.damaged > 0 && f.counts.answered > 0;
+}
+
+template <const char *const &Cause> bool Seen(const Figures &)
+{
+    return FAIL_CountOf(Cause) > 0;
+}
+
+constexpr const char *ECHO_SEEN = "echo of the request";
+constexpr const char *WRONG_STATION = "wrong station";
+constexpr const char *TARGET_ERROR = "target error code";
+constexpr const char *NOT_AVAILABLE = "port is not available";
+constexpr const char *IS_GONE = "port is gone";
+
+struct Advice {
+    bool (*applies)(const Figures &figures);
+    const char *text;
+};
+constexpr Advice ADVICE[] = {
+    {NothingSent, "Nothing has been sent since then: is communication on?"},
+    {NoFailure, "Every message was answered."},
+    {Seen<NOT_AVAILABLE>, "The port could not be opened: wrong port number, another program has "
+                          "it, or no permission to use it."},
+    {Seen<IS_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
+    {Seen<ECHO_SEEN>, "The line echoes what is sent (two-wire RS-485). Switch \"Win32 services\" "
+                      "off in the Options menu: the run-time driver skips the echo."},
+    {NeverAnswered, "There was never an answer: check port, cable and supply of the target, then "
+                    "station and baud rate."},
+    {AlwaysDamaged, "Every answer is damaged: most likely the wrong baud rate, else the cable."},
+    {SometimesDamaged, "Some answers are damaged: check cable, shield and ground; try a lower "
+                       "baud rate."},
+    {SometimesSilent, "Some requests get no answer: an item may name a station that is not there; "
+                      "else a loose contact or a busy target."},
+    {Seen<WRONG_STATION>, "An answer came from another station than asked: check the station "
+                          "numbers on the bus."},
+    {Seen<TARGET_ERROR>, "The target refuses some requests: the line is good, the address or "
+                         "command is not."},
+};
+
+std::string AdviceText(const Figures &figures)
+{
+    std::string text;
+    for (const Advice &advice : ADVICE) {
+        if (advice.applies(figures))
+            text += std::string(text.empty() ? "" : "\n") + advice.text;
+    }
+    return text;
+}
+
+// --- tables ----------------------------------------------------------------------------
+
+std::string Label(const std::string &first, const std::string &second, const std::string &third)
+{
+    return first + "\033p76l" + second + "\033p160l" + third;
+}
+
+std::vector<std::string> CauseLines()
+{
+    std::vector<std::string> lines;
+    char clock[48];
+    for (size_t i = 0; const FAIL_Cause *cause = FAIL_Get(i); ++i) {
+        std::snprintf(clock, sizeof clock, "%02d:%02d:%02d", cause->last.hour, cause->last.minute,
+                      cause->last.second);
+        lines.push_back(Label(std::to_string(cause->count), clock, cause->text));
+    }
+    return lines;
+}
+
+std::vector<std::string> CounterLines(const UCM_Statistics &counts)
+{
+    std::vector<std::string> lines;
+    for (int k = 1; k < UCM_COUNTERS; ++k) {
+        if (counts.errors[k] != 0)
+            lines.push_back(
+                Label(std::to_string(counts.errors[k]), std::to_string(-k), MeaningOf(-k)));
+    }
+    return lines;
+}
+
+void FillList(int control, const std::vector<std::string> &lines)
+{
+    ClearListCtrl(PANEL_STATISTICS, control);
+    for (const std::string &line : lines)
+        InsertListItem(PANEL_STATISTICS, control, -1, line, 0);
+}
+
+void AppendTable(std::string *text, const char *heading, const std::vector<std::string> &lines)
+{
+    *text += std::string("\n") + heading + "\n";
+    for (const std::string &line : lines)
+        *text += UIC_JoinColumns(line, "\t") + "\n";
+}
+
+bool IsOpen()
+{
+    int isVisible = 0;
+    return GetPanelAttribute(PANEL_STATISTICS, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
+}
+
+} // namespace
+
+void STP_Opened()
+{
+    SetCtrlAttribute(PANEL_STATISTICS, STATISTICS_TIMER, ATTR_INTERVAL, STATISTICS_PERIOD_S);
+    STP_Refresh();
+}
+
+void STP_Refresh()
+{
+    if (!IsOpen())
+        return;
+    const Figures figures = Measure();
+    for (const Row &row : Rows(figures))
+        SetCtrlVal(PANEL_STATISTICS, row.panelControl, row.value);
+    SetCtrlVal(PANEL_STATISTICS, STATISTICS_ADVICE, AdviceText(figures));
+    FillList(STATISTICS_CAUSES, CauseLines());
+    FillList(STATISTICS_COUNTERS, CounterLines(figures.counts));
+}
+
+std::string STP_Text()
+{
+    const Figures figures = Measure();
+    std::string text;
+    for (const Row &row : Rows(figures))
+        text += std::string(row.name) + "\t" + row.value + "\n";
+    AppendTable(&text, "Count\tLast\tFailed exchanges by cause", CauseLines());
+    AppendTable(&text, "Count\tCode\tFailed operations since the port was opened",
+                CounterLines(figures.counts));
+    return text + "\n" + AdviceText(figures) + "\n";
+}
+
+int STP_PanelCB(int panel, int event, int)
+{
+    if (event == EVENT_CLOSE)
+        HidePanel(panel);
+    return 0;
+}
+
+int STP_ResetCB(int, int, int event, int)
+{
+    if (event == EVENT_COMMIT) {
+        UCM_ResetStatistics();
+        STP_Refresh();
+    }
+    return 0;
+}
+
+int STP_CopyCB(int, int, int event, int)
+{
+    if (event == EVENT_COMMIT)
+        ClipboardPutText(STP_Text());
+    return 0;
+}
+
+int STP_TimerCB(int, int, int event, int)
+{
+    if (event == EVENT_TIMER_TICK)
+        STP_Refresh();
+    return 0;
+}

@@ -1,0 +1,394 @@
+#include "watch/windows/memory_panel.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+#include "app/VR.h"
+#include "comm/sysaddr.h"
+#include "comm/ucm.h"
+#include "runtime/list_columns.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+#include "watch/value/byte_text.h"
+#include "watch/list/litem.h"
+#include "watch/windows/name_completion.h"
+#include "watch/windows/outcome_colors.h"
+#include "watch/windows/selector_row.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_MEMORY;
+constexpr int DEFAULT_COUNT = 64;
+// Pixels; the captions above the list stand at the same places.
+constexpr int HEX_COLUMN = 80;
+constexpr int TEXT_COLUMN = 436;
+const char COM_OFF[] = "communication is off.";
+
+typedef std::vector<uint8_t> Bytes;
+
+struct Range {
+    uint32_t start = 0;
+    int station = 0;
+    Bytes bytes; // empty: nothing has been read
+};
+Range range;
+
+void say(const std::string &text, int color)
+{
+    SetCtrlAttribute(PANEL, MEMORY_RESULT, ATTR_TEXT_COLOR, color);
+    SetCtrlVal(PANEL, MEMORY_RESULT, text);
+}
+
+std::string lastCause()
+{
+    const std::string cause = UCM_LastErrorText();
+    return (cause.empty() ? "no answer" : cause) + ".";
+}
+
+// --- lines ------------------------------------------------------------------------------
+
+size_t lineBytes(size_t first)
+{
+    return std::min<size_t>(MEMORY_LINE_BYTES, range.bytes.size() - first);
+}
+
+std::string lineLabel(size_t first)
+{
+    const uint8_t *bytes = range.bytes.data() + first;
+    const uint32_t address = range.start + static_cast<uint32_t>(first);
+    return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, lineBytes(first))) +
+           SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, lineBytes(first)));
+}
+
+// Index of the selected line's first byte, or -1.
+int selectedByte()
+{
+    int line = -1;
+    GetCtrlIndex(PANEL, MEMORY_LIST, &line);
+    const int first = line * MEMORY_LINE_BYTES;
+    return line >= 0 && first < static_cast<int>(range.bytes.size()) ? first : -1;
+}
+
+void showSelected()
+{
+    const int first = selectedByte();
+    const size_t at = static_cast<size_t>(std::max(first, 0));
+    SetCtrlVal(PANEL, MEMORY_LINE,
+               first < 0 ? "" : BYT_Hex(range.bytes.data() + at, lineBytes(at)));
+    for (const int control : {MEMORY_LINE, MEMORY_WRITE})
+        SetCtrlAttribute(PANEL, control, ATTR_DIMMED, first < 0);
+    SetCtrlAttribute(PANEL, MEMORY_COPY, ATTR_DIMMED, range.bytes.empty());
+}
+
+void showRange()
+{
+    int line = 0;
+    GetCtrlIndex(PANEL, MEMORY_LIST, &line);
+    ClearListCtrl(PANEL, MEMORY_LIST);
+    int lines = 0;
+    for (size_t first = 0; first < range.bytes.size(); first += MEMORY_LINE_BYTES, ++lines)
+        InsertListItem(PANEL, MEMORY_LIST, -1, lineLabel(first), lines);
+    if (lines > 0)
+        SetCtrlIndex(PANEL, MEMORY_LIST, std::clamp(line, 0, lines - 1));
+    showSelected();
+}
+
+// --- reading ----------------------------------------------------------------------------
+
+std::string typedAddress()
+{
+    std::string text;
+    GetCtrlVal(PANEL, MEMORY_ADDRESS, &text);
+    return text;
+}
+
+// Where the typed range begins. False, and why in *message, when that is nowhere.
+bool findStart(uint32_t *address, int *station, std::string *message)
+{
+    const std::string text = typedAddress();
+    *message = "A name from the map, or an address such as $1F00; 3: in front for station 3.";
+    if (text.find_first_not_of(' ') == std::string::npos)
+        return false;
+    *address = GetSysAddrM(text.c_str(), station);
+    const char *name = text.c_str();
+    GetStationModifier(&name);
+    while (*name == ' ')
+        ++name;
+    *message = *name == '&' ? "The memory of a TMS320 behind a station is not bytes: use a watch "
+                              "item or the memory box."
+                            : "'" + text + "' is no address, and no loaded map knows such a name.";
+    if (*address == ADDR_NONE || *name == '&')
+        return false;
+    *message = "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
+    return *station <= STATION_MAX;
+}
+
+void showPlace()
+{
+    uint32_t address = 0;
+    int station = -1;
+    std::string text;
+    if (findStart(&address, &station, &text)) {
+        char place[80];
+        std::snprintf(place, sizeof place, "Byte address 0x%06X", address);
+        text = place;
+        if (IsWordAddressing(Procesor))
+            text += ", word address 0x" + SEL_AddressText(address);
+        text += ", station " + std::to_string(station < 0 ? STATION : station);
+    }
+    SetCtrlVal(PANEL, MEMORY_PLACE, text);
+}
+
+// The range that is typed, into *wanted; false, with the reason said, when it is none.
+bool takeTyped(Range *wanted)
+{
+    std::string message;
+    int count = 0, station = -1;
+    GetCtrlVal(PANEL, MEMORY_COUNT, &count);
+    if (!findStart(&wanted->start, &station, &message)) {
+        say(message, COLOR_BAD);
+        return false;
+    }
+    if (count < 1 || count > MEMORY_BYTES_MAX) {
+        say("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.", COLOR_BAD);
+        return false;
+    }
+    if (static_cast<uint32_t>(count) > ADDR_LIMIT - wanted->start) {
+        say("The range ends beyond the target's memory.", COLOR_BAD);
+        return false;
+    }
+    wanted->station = station < 0 ? STATION : station;
+    wanted->bytes.resize(static_cast<size_t>(count));
+    return true;
+}
+
+// What could not be read is not left on the screen as if it had been.
+void read()
+{
+    Range wanted;
+    if (!takeTyped(&wanted))
+        return;
+    if (!VR_EnsureCom()) {
+        say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        return;
+    }
+    const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
+    const bool isRead = UCM_Read(wanted.station, wanted.start, count, wanted.bytes.data()) >= 0;
+    const std::string cause = isRead ? "" : lastCause();
+    if (!isRead)
+        wanted.bytes.clear();
+    range = wanted;
+    showRange();
+    if (isRead)
+        say("Read " + std::to_string(count) + " bytes from station " +
+                std::to_string(range.station) + ".",
+            COLOR_PLAIN);
+    else
+        say("Not read: " + cause, COLOR_BAD);
+}
+
+// --- writing ----------------------------------------------------------------------------
+
+// Writes each run of changed bytes with one message and nothing between them: the target
+// may have changed a neighbour since it was read. False when a message failed.
+bool writeChanged(uint32_t address, const Bytes &before, const Bytes &wanted)
+{
+    for (size_t begin = 0; begin < wanted.size();) {
+        size_t end = begin;
+        while (end < wanted.size() && wanted[end] != before[end])
+            ++end;
+        if (end > begin && UCM_Write(range.station, address + static_cast<uint32_t>(begin),
+                                     static_cast<uint32_t>(end - begin), &wanted[begin]) < 0)
+            return false;
+        begin = std::max(end, begin + 1);
+    }
+    return true;
+}
+
+// What the target holds now against what was wanted, of the bytes that were written.
+void compare(uint32_t address, const Bytes &before, const Bytes &wanted, const Bytes &held)
+{
+    for (size_t i = 0; i < wanted.size(); ++i) {
+        if (wanted[i] == before[i] || wanted[i] == held[i])
+            continue;
+        char text[80];
+        std::snprintf(text, sizeof text, " 0x%06X: wrote %02X, the target holds %02X.",
+                      address + static_cast<uint32_t>(i), wanted[i], held[i]);
+        say(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
+        return;
+    }
+    size_t changed = 0;
+    for (size_t i = 0; i < wanted.size(); ++i)
+        changed += wanted[i] != before[i];
+    say("OK: Written and read back: " + std::to_string(changed) +
+            (changed == 1 ? " byte." : " bytes."),
+        COLOR_GOOD);
+}
+
+void writeLine(size_t first, const Bytes &before, const Bytes &wanted)
+{
+    const uint32_t address = range.start + static_cast<uint32_t>(first);
+    const bool isWritten = writeChanged(address, before, wanted);
+    const std::string cause = isWritten ? "" : lastCause();
+    Bytes held(before.size());
+    const bool isRead =
+        UCM_Read(range.station, address, static_cast<uint32_t>(held.size()), held.data()) >= 0;
+    if (!isWritten) {
+        say("FAILED: Not written, or only in part: " + cause, COLOR_BAD);
+    } else if (!isRead) {
+        say("NOT VERIFIED: Written, but the line could not be read: " + lastCause(), COLOR_WARN);
+    }
+    if (!isRead)
+        return;
+    std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
+    ReplaceListItem(PANEL, MEMORY_LIST, static_cast<int>(first) / MEMORY_LINE_BYTES,
+                    lineLabel(first), 0);
+    if (!isWritten)
+        return;
+    showSelected();
+    compare(address, before, wanted, held);
+}
+
+void write()
+{
+    const int selected = selectedByte();
+    if (selected < 0)
+        return;
+    const size_t first = static_cast<size_t>(selected);
+    const auto begin = range.bytes.begin() + selected;
+    const Bytes before(begin, begin + static_cast<long>(lineBytes(first)));
+    Bytes wanted;
+    std::string text;
+    GetCtrlVal(PANEL, MEMORY_LINE, &text);
+    const std::string error = BYT_Parse(text, before.size(), &wanted);
+    if (!error.empty())
+        say("REFUSED: " + error, COLOR_BAD);
+    else if (wanted == before)
+        say("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
+    else if (!VR_EnsureCom())
+        say(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
+    else
+        writeLine(first, before, wanted);
+}
+
+// The item's name when it says where the item is, else its address.
+std::string placeOf(const LItem &item)
+{
+    if (GetSysAddr(item.name.c_str()) == item.address)
+        return item.name;
+    char place[40];
+    std::snprintf(place, sizeof place, "$%X", item.address);
+    return (item.station < 0 ? "" : std::to_string(item.station) + ":") + place;
+}
+
+void copyLines()
+{
+    int count = 0;
+    GetNumListItems(PANEL, MEMORY_LIST, &count);
+    std::string text, label;
+    for (int i = 0; i < count; ++i)
+        if (GetLabelFromIndex(PANEL, MEMORY_LIST, i, &label) >= 0)
+            text += UIC_JoinColumns(label, "\t") + "\n";
+    if (ClipboardPutText(text) == 0)
+        say("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
+}
+
+bool isPressed(int event, int data)
+{
+    return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
+}
+
+int press(int event, int data, void (*act)())
+{
+    if (!isPressed(event, data))
+        return 0;
+    act();
+    return 1;
+}
+
+} // namespace
+
+void MMP_Open(int index)
+{
+    int count = 0;
+    GetCtrlVal(PANEL, MEMORY_COUNT, &count);
+    if (count < 1)
+        SetCtrlVal(PANEL, MEMORY_COUNT, DEFAULT_COUNT);
+    const bool hasPlace = index >= 0 && index < nLItems && LIT_HasAddress(aLItems[index]) &&
+                          !LIT_IsTMS(aLItems[index]);
+    if (hasPlace)
+        SetCtrlVal(PANEL, MEMORY_ADDRESS, placeOf(aLItems[index]));
+    SetCtrlCompletion(PANEL, MEMORY_ADDRESS, NCM_CompleteCB);
+    showPlace();
+    showSelected();
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    SetActiveCtrl(PANEL, MEMORY_ADDRESS);
+    say("", COLOR_PLAIN);
+    if (hasPlace && isTimer)
+        read();
+}
+
+int MMP_PanelCB(int panel, int event, int data)
+{
+    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_VAL_CHANGED)
+        showPlace();
+    else if (event == EVENT_COMMIT)
+        read();
+    return 0;
+}
+
+int MMP_CountCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_COMMIT)
+        read();
+    return 0;
+}
+
+int MMP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
+{
+    return press(event, data, read);
+}
+
+int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_VAL_CHANGED)
+        showSelected();
+    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
+        SetActiveCtrl(PANEL, MEMORY_LINE);
+    return 0;
+}
+
+int MMP_LineCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_COMMIT)
+        write();
+    return 0;
+}
+
+int MMP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
+{
+    return press(event, data, write);
+}
+
+int MMP_CopyCB(int /*panel*/, int /*control*/, int event, int data)
+{
+    return press(event, data, copyLines);
+}
+
+int MMP_CloseCB(int panel, int /*control*/, int event, int data)
+{
+    if (isPressed(event, data))
+        HidePanel(panel);
+    return isPressed(event, data);
+}

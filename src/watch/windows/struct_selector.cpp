@@ -1,0 +1,320 @@
+// The structure selector: the members of one structure or the elements of one array at a
+// time, named by a path. Enter goes a level down, Backspace a level up; the path field
+// takes any expression. The top level, with an empty path, lists what has parts.
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "symbols/typemap.h"
+#include "symbols/typemap_list.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/windows/selector_row.h"
+#include "watch/windows/selectors.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_STRUCT_SELECTOR;
+// Pixels; the captions above the list stand at the same places.
+constexpr int OFFSET_COLUMN = 180;
+constexpr int ADDRESS_COLUMN = 248;
+constexpr int SIZE_COLUMN = 324;
+constexpr int DECLARATION_COLUMN = 384;
+
+// What one level shows.
+struct Level {
+    std::string path; // "" = every variable with parts
+    std::vector<TMF_ListRow> rows;
+    uint32_t first = 0;    // of the elements listed
+    uint32_t elements = 0; // of an array in all, 0 for a structure
+};
+Level level;
+
+// Where the last selection ("[3]" or ".member") of a path begins; npos = none.
+size_t lastSelection(const std::string &path)
+{
+    return path.find_last_of(".[");
+}
+
+std::string parentOf(const std::string &path)
+{
+    const size_t at = lastSelection(path);
+    return at == std::string::npos ? "" : path.substr(0, at);
+}
+
+std::string lastPart(const std::string &path)
+{
+    const size_t at = lastSelection(path);
+    return at == std::string::npos ? path : path.substr(path[at] == '.' ? at + 1 : at);
+}
+
+// First element of the page on which a path's last index stands.
+uint32_t pageOf(const std::string &path)
+{
+    const size_t at = lastSelection(path);
+    if (at == std::string::npos || path[at] != '[')
+        return 0;
+    const auto index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
+    return index - index % TMF_LIST_ELEMENTS_MAX;
+}
+
+std::vector<TMF_ListRow> variablesWithParts()
+{
+    std::vector<TMF_ListRow> rows = TMF_ListVariables("");
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [](const TMF_ListRow &row) { return !row.hasParts; }),
+               rows.end());
+    return rows;
+}
+
+// False, and *built as it was, when the path has no parts.
+bool buildLevel(const std::string &path, uint32_t first, Level *built)
+{
+    Level next;
+    next.path = path;
+    next.rows = path.empty() ? variablesWithParts() : TMF_ListParts(path.c_str(), first);
+    if (next.rows.empty() && !path.empty())
+        return false;
+    uint32_t chain[TMF_CHAIN_SIZE];
+    uint32_t offset = 0, stride = 0;
+    if (TMF_GetEfType(path.c_str(), chain, &offset) == 0 &&
+        TMF_GetArrayInfo(chain, &next.elements, &stride) == 0) {
+        next.first = first;
+        for (TMF_ListRow &row : next.rows) // "int16_t [3]" would look like an array
+            row.declaration = TMF_FormatDecl("", chain + 1);
+    } else {
+        next.elements = 0;
+    }
+    *built = next;
+    return true;
+}
+
+std::string rowLabel(const TMF_ListRow &row, uint32_t start)
+{
+    char offset[16] = "";
+    const uint32_t unit = IsWordAddressing(Procesor) ? 2 : 1; // as addresses are shown
+    if (!level.path.empty())
+        std::snprintf(offset, sizeof offset, "+0x%X", (row.address - start) / unit);
+    return lastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
+           SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
+           SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
+           SEL_Column(DECLARATION_COLUMN, row.declaration);
+}
+
+const TMF_ListRow *selectedRow()
+{
+    int line = -1;
+    GetCtrlIndex(PANEL, STRSEL_LIST, &line);
+    if (line < 0 || line >= static_cast<int>(level.rows.size()))
+        return nullptr;
+    return &level.rows[static_cast<size_t>(line)];
+}
+
+void showSelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    SetCtrlAttribute(PANEL, STRSEL_COPY, ATTR_DIMMED, row == nullptr);
+    SetCtrlAttribute(PANEL, STRSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
+    SetCtrlAttribute(PANEL, STRSEL_OPEN, ATTR_DIMMED, row == nullptr || !row->hasParts);
+    if (row != nullptr)
+        SetCtrlVal(PANEL, STRSEL_DETAIL, SEL_Describe(*row));
+    else
+        SetCtrlVal(PANEL, STRSEL_DETAIL,
+                   TMF_cnDefVars == 0 ? "No type map is loaded: File, Open type map."
+                                      : "No variable of the map has members.");
+}
+
+void showRange()
+{
+    const auto count = static_cast<uint32_t>(level.rows.size());
+    const bool isPaged = level.elements > TMF_LIST_ELEMENTS_MAX;
+    std::string text = std::to_string(count) + (level.path.empty() ? " variables" : " members");
+    if (level.elements > 0)
+        text = "[" + std::to_string(level.first) + "] to [" +
+               std::to_string(level.first + count - 1) + "] of " + std::to_string(level.elements);
+    SetCtrlVal(PANEL, STRSEL_COUNT, text);
+    for (const int button : {STRSEL_PREVIOUS, STRSEL_NEXT})
+        SetCtrlAttribute(PANEL, button, ATTR_VISIBLE, isPaged);
+    SetCtrlAttribute(PANEL, STRSEL_PREVIOUS, ATTR_DIMMED, level.first == 0);
+    SetCtrlAttribute(PANEL, STRSEL_NEXT, ATTR_DIMMED, level.first + count >= level.elements);
+    SetCtrlAttribute(PANEL, STRSEL_UP, ATTR_DIMMED, level.path.empty());
+}
+
+// Shows `level` with the row of an expression, else the first one, selected.
+void showLevel(const std::string &selected)
+{
+    const uint32_t start = inStruct(level.path.c_str(), aVarNode, nNodes);
+    SetCtrlVal(PANEL, STRSEL_PATH, level.path);
+    ClearListCtrl(PANEL, STRSEL_LIST);
+    const uint32_t origin = level.path.empty() ? 0 : start;
+    int line = 0;
+    for (size_t i = 0; i < level.rows.size(); ++i) {
+        const int at = static_cast<int>(i);
+        InsertListItem(PANEL, STRSEL_LIST, -1, rowLabel(level.rows[i], origin), at);
+        if (level.rows[i].expression == selected)
+            line = at;
+    }
+    if (!level.rows.empty()) {
+        SetCtrlIndex(PANEL, STRSEL_LIST, line);
+        if (line == 0)
+            SetCtrlAttribute(PANEL, STRSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
+    }
+    showRange();
+    showSelected();
+}
+
+bool go(const std::string &path, uint32_t first, const std::string &selected)
+{
+    if (!buildLevel(path, first, &level))
+        return false;
+    showLevel(selected);
+    return true;
+}
+
+void goUp()
+{
+    const std::string from = level.path;
+    if (!from.empty())
+        go(parentOf(from), pageOf(from), from);
+}
+
+// What a user typed: a level, or a plain member, which is then selected on its level.
+bool goTo(const std::string &text)
+{
+    const size_t begin = text.find_first_not_of(' ');
+    const std::string path = begin == std::string::npos
+                                 ? ""
+                                 : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+    if (go(path, 0, ""))
+        return true;
+    uint32_t offset = 0;
+    const bool isMember = lastSelection(path) != std::string::npos &&
+                          TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
+    if (isMember && go(parentOf(path), pageOf(path), path))
+        return true;
+    SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
+    return false;
+}
+
+void openSelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row != nullptr && row->hasParts)
+        go(std::string(row->expression), 0, "");
+}
+
+void addSelected()
+{
+    if (const TMF_ListRow *row = selectedRow())
+        SEL_AddToWatch(row->expression, PANEL, STRSEL_DETAIL);
+}
+
+void openOrAdd()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row != nullptr && row->hasParts)
+        openSelected();
+    else
+        addSelected();
+}
+
+void copySelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row != nullptr && ClipboardPutText(row->expression) == 0)
+        SetCtrlVal(PANEL, STRSEL_DETAIL, "Copied: " + row->expression);
+}
+
+struct ActionRow {
+    int code; // control or key
+    void (*act)();
+};
+const ActionRow BUTTONS[] = {
+    {STRSEL_UP, goUp},
+    {STRSEL_ADD, addSelected},
+    {STRSEL_OPEN, openSelected},
+    {STRSEL_COPY, copySelected},
+    {STRSEL_CLOSE, [] { HidePanel(PANEL); }},
+    {STRSEL_PREVIOUS, [] { go(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
+    {STRSEL_NEXT, [] { go(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
+};
+const ActionRow LIST_KEYS[] = {{KEY_BACKSPACE, goUp}, {KEY_LEFT, goUp}, {KEY_RIGHT, openSelected}};
+
+template <size_t N> int actOn(const ActionRow (&rows)[N], int code)
+{
+    for (const ActionRow &row : rows) {
+        if (row.code != code)
+            continue;
+        row.act();
+        return 1;
+    }
+    return 0;
+}
+
+} // namespace
+
+void TMF_CreateStructSelector()
+{
+    const TMF_ListRow *row = selectedRow();
+    const std::string selected = row != nullptr ? row->expression : "";
+    if (!go(std::string(level.path), level.first, selected))
+        go("", 0, "");
+}
+
+int TMF_DisplayStructSelector(const std::string &expression)
+{
+    TMF_CreateStructSelector();
+    const bool isFound = goTo(expression);
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    SetActiveCtrl(PANEL, level.rows.empty() ? STRSEL_PATH : STRSEL_LIST);
+    return isFound ? 0 : -1;
+}
+
+void SSL_OpenCB(int, int)
+{
+    TMF_DisplayStructSelector("");
+}
+
+int SSL_PanelCB(int panel, int event, int data)
+{
+    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int SSL_PathCB(int, int, int event, int data)
+{
+    if (event == EVENT_COMMIT) {
+        std::string text;
+        GetCtrlVal(PANEL, STRSEL_PATH, &text);
+        if (goTo(text))
+            SetActiveCtrl(PANEL, STRSEL_LIST);
+    } else if (event == EVENT_KEYPRESS && data == KEY_DOWN) {
+        SetActiveCtrl(PANEL, STRSEL_LIST);
+        return 1;
+    }
+    return 0;
+}
+
+int SSL_ListCB(int, int, int event, int data)
+{
+    if (event == EVENT_KEYPRESS)
+        return actOn(LIST_KEYS, data);
+    if (event == EVENT_VAL_CHANGED)
+        showSelected();
+    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
+        openOrAdd();
+    return 0;
+}
+
+int SSL_ButtonCB(int, int control, int event, int)
+{
+    if (event == EVENT_COMMIT)
+        actOn(BUTTONS, control);
+    return 0;
+}

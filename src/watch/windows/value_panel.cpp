@@ -1,0 +1,285 @@
+#include "watch/windows/value_panel.h"
+
+#include <cstdio>
+
+#include "app/VR.h"
+#include "comm/sysaddr.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+#include "watch/list/edit.h"
+#include "watch/list/list_view.h"
+#include "watch/list/litem.h"
+#include "watch/windows/outcome_colors.h"
+#include "watch/list/refresh.h"
+#include "watch/value/type_names.h"
+#include "watch/value/value_forms.h"
+#include "watch/value/write_value.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_VALUE;
+const char ITEM_GONE[] = "The item is no longer in the watch list.";
+
+EDT_Reference shown;
+
+struct OutcomeRow {
+    int result; // of WRV_Write
+    const char *word;
+    int color;
+};
+const OutcomeRow outcomeRows[] = {
+    {WRV_OK, "OK: ", COLOR_GOOD},
+    {WRV_DIFFERENT, "DIFFERENT: ", COLOR_WARN},
+    {WRV_ERR_READ_BACK, "NOT VERIFIED: ", COLOR_WARN},
+    {WRV_ERR_WRITE, "FAILED: ", COLOR_BAD},
+};
+const OutcomeRow refusedRow = {WRV_ERR_TEXT, "REFUSED: ", COLOR_BAD};
+
+const OutcomeRow &outcomeOf(int result)
+{
+    for (const OutcomeRow &row : outcomeRows)
+        if (row.result == result)
+            return row;
+    return refusedRow;
+}
+
+void say(const std::string &text, int color)
+{
+    SetCtrlAttribute(PANEL, VALUE_RESULT, ATTR_TEXT_COLOR, color);
+    SetCtrlVal(PANEL, VALUE_RESULT, text);
+}
+
+bool isOpen()
+{
+    int isVisible = 0;
+    return GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
+}
+
+// The item's index now; -1, said in the window, when it is gone.
+int currentIndex()
+{
+    const int index = EDT_Find(shown);
+    std::string said;
+    GetCtrlVal(PANEL, VALUE_RESULT, &said);
+    if (index < 0)
+        say(ITEM_GONE, COLOR_BAD);
+    else if (said == ITEM_GONE)
+        say("", COLOR_PLAIN);
+    if (index >= 0)
+        shown.index = index;
+    return index;
+}
+
+std::string addressText(const LItem &item)
+{
+    char text[80];
+    if (item.address == LITEM_NO_ADDRESS)
+        return "not resolved: no such name in the loaded maps";
+    if (LIT_IsTMS(item))
+        std::snprintf(text, sizeof text, "0x%X, a word address of the TMS320", item.address);
+    else if (IsWordAddressing(Procesor))
+        std::snprintf(text, sizeof text, "word 0x%06X%s (byte address 0x%06X)", item.address / 2,
+                      item.address % 2 ? ", upper half" : "", item.address);
+    else
+        std::snprintf(text, sizeof text, "0x%06X", item.address);
+    return text;
+}
+
+std::string stationText(const LItem &item)
+{
+    if (item.station >= 0 && item.station <= STATION_MAX)
+        return std::to_string(item.station);
+    return std::to_string(STATION) + " (the selected one)";
+}
+
+std::string typeText(const LItem &item)
+{
+    const TYN_Row *row = TYN_Find(item.type);
+    return std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
+           (item.size == 1 ? " byte" : " bytes");
+}
+
+// As the list shows it, or why it cannot.
+std::string listText(const LItem &item)
+{
+    if (!item.isValueGood)
+        return item.reason.empty() ? "not read yet" : item.reason;
+    std::string text;
+    FormatLItemVal(&text, item);
+    const size_t begin = text.find_first_not_of(' ');
+    return begin == std::string::npos ? "" : text.substr(begin);
+}
+
+// Goes over the screen four times a second: what is the same stays untouched.
+void put(int control, const std::string &text)
+{
+    std::string before;
+    if (GetCtrlVal(PANEL, control, &before) < 0 || before != text)
+        SetCtrlVal(PANEL, control, text);
+}
+
+void showItem(const LItem &item)
+{
+    put(VALUE_NAME, LIT_Label(item));
+    put(VALUE_ADDRESS, addressText(item));
+    put(VALUE_STATION, stationText(item));
+    put(VALUE_TYPE, typeText(item));
+    put(VALUE_SHOWN, listText(item));
+    put(VALUE_DECIMAL, VFM_Decimal(item));
+    put(VALUE_HEX, VFM_Hex(item));
+    put(VALUE_BINARY, VFM_Binary(item));
+    put(VALUE_FLOAT, VFM_Float(item));
+    put(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
+    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR,
+                     item.isValueGood || item.reason.empty() ? COLOR_PLAIN : COLOR_BAD);
+    for (const int control : {VALUE_READ, VALUE_WRITE})
+        SetCtrlAttribute(PANEL, control, ATTR_DIMMED, !LIT_HasAddress(item));
+}
+
+void showGone()
+{
+    for (const int control :
+         {VALUE_SHOWN, VALUE_DECIMAL, VALUE_HEX, VALUE_BINARY, VALUE_FLOAT, VALUE_HINT})
+        put(control, "-");
+    for (const int control : {VALUE_READ, VALUE_WRITE})
+        SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
+}
+
+// Reads the item and shows it; false when it could not be read.
+bool readItem(int index)
+{
+    const bool isGood = readValues(index) == 0;
+    if (readLItems)
+        LSV_ShowValues();
+    VLP_Refresh();
+    return isGood;
+}
+
+void read()
+{
+    const int index = currentIndex();
+    if (index < 0)
+        return;
+    if (!VR_EnsureCom()) {
+        say("Not read: communication is off.", COLOR_BAD);
+        return;
+    }
+    if (readItem(index))
+        say("", COLOR_PLAIN);
+    else
+        say("Not read: " + aLItems[index].reason + ".", COLOR_BAD);
+}
+
+// What cannot be a value is refused before anybody is asked about communication.
+void write()
+{
+    const int index = currentIndex();
+    if (index < 0)
+        return;
+    std::string text, message;
+    GetCtrlVal(PANEL, VALUE_NEW, &text);
+    uint64_t bits = 0;
+    int result = WRV_Parse(aLItems[index], text, &bits, &message);
+    if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
+        say("REFUSED: The value was not written: communication is off.", COLOR_BAD);
+        return;
+    }
+    if (result == WRV_OK)
+        result = WRV_Write(index, text, &message);
+    VLP_Refresh();
+    say(outcomeOf(result).word + message, outcomeOf(result).color);
+    if (result == WRV_OK)
+        SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
+    SetActiveCtrl(PANEL, VALUE_NEW);
+}
+
+// The sweep reads only what is in view.
+bool isSwept(int index)
+{
+    const int first = LSV_FirstVisible();
+    return index >= first && index < first + SWEEP_LINES;
+}
+
+bool isPressed(int event, int data)
+{
+    return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
+}
+
+} // namespace
+
+void VLP_Open(int index)
+{
+    if (index < 0 || index >= nLItems)
+        return;
+    shown = EDT_Refer(index);
+    say("", COLOR_PLAIN);
+    SetCtrlVal(PANEL, VALUE_NEW, "");
+    SetCtrlAttribute(PANEL, VALUE_TIMER, ATTR_INTERVAL, VALUE_PERIOD_S);
+    showItem(aLItems[index]);
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    SetActiveCtrl(PANEL, VALUE_NEW);
+    if (isTimer && LIT_HasAddress(aLItems[index]))
+        readItem(index);
+}
+
+void VLP_Refresh()
+{
+    if (!isOpen())
+        return;
+    const int index = currentIndex();
+    if (index >= 0)
+        showItem(aLItems[index]);
+    else
+        showGone();
+}
+
+int VLP_PanelCB(int panel, int event, int data)
+{
+    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_COMMIT)
+        write();
+    return 0;
+}
+
+int VLP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
+{
+    if (!isPressed(event, data))
+        return 0;
+    read();
+    return 1;
+}
+
+int VLP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
+{
+    if (!isPressed(event, data))
+        return 0;
+    write();
+    return 1;
+}
+
+int VLP_CloseCB(int panel, int /*control*/, int event, int data)
+{
+    if (!isPressed(event, data))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event != EVENT_TIMER_TICK || !isOpen() || !isTimer)
+        return 0;
+    const int index = EDT_Find(shown);
+    if (index >= 0 && !isSwept(index) && LIT_HasAddress(aLItems[index]))
+        readValues(index);
+    VLP_Refresh();
+    return 0;
+}

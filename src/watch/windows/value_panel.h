@@ -1,0 +1,19 @@
+// The value editor: one watch item's value in several forms, live with the list, and a
+// field for a new one, which is written, read back and compared. It stays open for the
+// next value and follows its item when the list is changed under it.
+#ifndef WATCH_WINDOWS_VALUE_PANEL_H
+#define WATCH_WINDOWS_VALUE_PANEL_H
+
+constexpr double VALUE_PERIOD_S = 0.25;
+
+void VLP_Open(int index);
+void VLP_Refresh(); // shows the item as it is now; nothing when the window is not open
+
+int VLP_PanelCB(int panel, int event, int data);
+int VLP_NewCB(int panel, int control, int event, int data);
+int VLP_ReadCB(int panel, int control, int event, int data);
+int VLP_WriteCB(int panel, int control, int event, int data);
+int VLP_CloseCB(int panel, int control, int event, int data);
+int VLP_TimerCB(int panel, int control, int event, int data);
+
+#endif

@@ -1,0 +1,356 @@
+// The variable selector. Typing goes to the filter wherever the focus is, Down moves into
+// the list, Enter adds. The rows of a source are collected once; a change of the filter
+// only picks from them.
+#include <algorithm>
+#include <cctype>
+#include <vector>
+
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "symbols/typemap_list.h"
+#include "symbols/varnode.h"
+#include "ui/resource.h"
+#include "watch/windows/selector_row.h"
+#include "watch/windows/selectors.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_VAR_SELECTOR;
+// Pixels; the captions above the list stand at the same places.
+constexpr int ADDRESS_COLUMN = 240;
+constexpr int SIZE_COLUMN = 316;
+constexpr int DECLARATION_COLUMN = 376;
+
+struct SourceRow {
+    VSL_Source source;
+    const char *label;
+    const char *noun; // of what is counted
+    const char *none; // shown when there is nothing
+};
+const SourceRow SOURCES[] = {
+    {VSL_MAP, "Map variables", "variables", "No map is loaded: File, Open map file."},
+    {VSL_REGISTERS, "Processor registers", "registers", "No registers for this processor."},
+    {VSL_TMS, "TMS320 variables", "variables",
+     "No TMS320 map is loaded beside the map: console command \"mt file\"."},
+};
+
+struct Selector {
+    std::vector<TMF_ListRow> rows;
+    std::vector<std::string> names; // of the rows, in lower case
+    std::vector<int> shown;         // rows that the filter lets through
+    std::string filter;             // that `shown` was picked with
+    bool isStale = true;            // rows are not those of the tables
+};
+Selector selector;
+
+std::string lowerCase(std::string text)
+{
+    for (char &c : text)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+}
+
+// "*" stands for any run of characters; on a mismatch the last one takes one more.
+bool isGlobMatch(const char *pattern, const char *name)
+{
+    const char *star = nullptr, *resume = nullptr;
+    while (*name != '\0') {
+        if (*pattern == '*') {
+            star = pattern++;
+            resume = name;
+        } else if (*pattern == *name) {
+            ++pattern;
+            ++name;
+        } else if (star != nullptr) {
+            pattern = star + 1;
+            name = ++resume;
+        } else {
+            return false;
+        }
+    }
+    while (*pattern == '*')
+        ++pattern;
+    return *pattern == '\0';
+}
+
+// Both in lower case.
+bool isFoldedMatch(const std::string &filter, const std::string &name)
+{
+    if (filter.find('*') != std::string::npos)
+        return isGlobMatch(filter.c_str(), name.c_str());
+    return name.find(filter) != std::string::npos;
+}
+
+const SourceRow &chosenSource()
+{
+    int value = VSL_MAP;
+    GetCtrlVal(PANEL, VARSEL_SOURCE, &value);
+    for (const SourceRow &row : SOURCES)
+        if (row.source == value)
+            return row;
+    return SOURCES[0];
+}
+
+void appendNodes(const VarNode *table, int count, const char *prefix,
+                 std::vector<TMF_ListRow> *rows)
+{
+    for (int i = 0; i < count; ++i) {
+        TMF_ListRow row;
+        row.expression = std::string(prefix) + table[i].name;
+        row.address = table[i].addr;
+        rows->push_back(row);
+    }
+}
+
+void collectRows()
+{
+    selector.rows.clear();
+    switch (chosenSource().source) {
+    case VSL_MAP:
+        selector.rows = TMF_ListVariables("");
+        break;
+    case VSL_REGISTERS:
+        appendNodes(aVarNode166, nNodes166, "", &selector.rows);
+        break;
+    case VSL_TMS:
+        appendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
+        break;
+    }
+    selector.names.clear();
+    for (const TMF_ListRow &row : selector.rows)
+        selector.names.push_back(lowerCase(row.expression));
+    selector.isStale = false;
+}
+
+// A TMS320 behind a station counts words whatever the station counts.
+std::string rowLabel(const TMF_ListRow &row)
+{
+    const bool isTMS = row.expression[0] == '&';
+    const uint32_t scale = isTMS && IsWordAddressing(Procesor) ? 2 : 1;
+    const bool hasType = row.declaration != row.expression;
+    return row.expression + SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address * scale)) +
+           SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
+           SEL_Column(DECLARATION_COLUMN, hasType ? row.declaration : "");
+}
+
+const TMF_ListRow *selectedRow()
+{
+    int line = -1;
+    GetCtrlIndex(PANEL, VARSEL_LIST, &line);
+    if (line < 0 || line >= static_cast<int>(selector.shown.size()))
+        return nullptr;
+    return &selector.rows[static_cast<size_t>(selector.shown[static_cast<size_t>(line)])];
+}
+
+void showSelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    SetCtrlAttribute(PANEL, VARSEL_COPY, ATTR_DIMMED, row == nullptr);
+    SetCtrlAttribute(PANEL, VARSEL_ADD, ATTR_DIMMED, row == nullptr || !SEL_CanWatch(*row));
+    SetCtrlAttribute(PANEL, VARSEL_MEMBERS, ATTR_DIMMED, row == nullptr || !row->hasParts);
+    if (row != nullptr)
+        SetCtrlVal(PANEL, VARSEL_DETAIL, SEL_Describe(*row));
+    else
+        SetCtrlVal(PANEL, VARSEL_DETAIL,
+                   selector.rows.empty() ? chosenSource().none : "No name matches the filter.");
+}
+
+void showCount()
+{
+    SetCtrlVal(PANEL, VARSEL_COUNT,
+               std::to_string(selector.shown.size()) + " of " +
+                   std::to_string(selector.rows.size()) + " " + chosenSource().noun);
+}
+
+// The line that was selected stays selected if the filter lets it through.
+void fillList()
+{
+    const TMF_ListRow *before = selectedRow();
+    const std::string kept = before != nullptr ? before->expression : "";
+    if (selector.isStale)
+        collectRows();
+    GetCtrlVal(PANEL, VARSEL_FILTER, &selector.filter);
+    const std::string filter = lowerCase(selector.filter);
+    selector.shown.clear();
+    ClearListCtrl(PANEL, VARSEL_LIST);
+    int line = 0;
+    for (size_t i = 0; i < selector.rows.size(); ++i) {
+        if (!isFoldedMatch(filter, selector.names[i]))
+            continue;
+        if (selector.rows[i].expression == kept)
+            line = static_cast<int>(selector.shown.size());
+        selector.shown.push_back(static_cast<int>(i));
+        InsertListItem(PANEL, VARSEL_LIST, -1, rowLabel(selector.rows[i]), static_cast<int>(i));
+    }
+    if (!selector.shown.empty()) {
+        SetCtrlIndex(PANEL, VARSEL_LIST, line);
+        if (line == 0)
+            SetCtrlAttribute(PANEL, VARSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
+    }
+    showCount();
+    showSelected();
+}
+
+void setFilter(const std::string &text)
+{
+    SetCtrlVal(PANEL, VARSEL_FILTER, text);
+    fillList();
+}
+
+void fillSources()
+{
+    int count = 0;
+    GetNumListItems(PANEL, VARSEL_SOURCE, &count);
+    if (count > 0)
+        return;
+    for (const SourceRow &row : SOURCES)
+        InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
+}
+
+void openMembers()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row != nullptr && row->hasParts)
+        TMF_DisplayStructSelector(row->expression);
+}
+
+void addSelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row == nullptr)
+        return;
+    if (SEL_CanWatch(*row))
+        SEL_AddToWatch(row->expression, PANEL, VARSEL_DETAIL);
+    else
+        openMembers();
+}
+
+void copySelected()
+{
+    const TMF_ListRow *row = selectedRow();
+    if (row != nullptr && ClipboardPutText(row->expression) == 0)
+        SetCtrlVal(PANEL, VARSEL_DETAIL, "Copied: " + row->expression);
+}
+
+int selectedLine()
+{
+    int line = -1;
+    GetCtrlIndex(PANEL, VARSEL_LIST, &line);
+    return line;
+}
+
+void enterList()
+{
+    if (selector.shown.empty())
+        return;
+    SetCtrlIndex(PANEL, VARSEL_LIST, std::max(selectedLine(), 0));
+    SetActiveCtrl(PANEL, VARSEL_LIST);
+}
+
+// 1 when the key was for the filter.
+int onListKey(int key)
+{
+    std::string filter = selector.filter;
+    if (key == KEY_UP && selectedLine() <= 0) {
+        SetActiveCtrl(PANEL, VARSEL_FILTER);
+        return 1;
+    }
+    if (key >= ' ' && key < 0x7F)
+        filter += static_cast<char>(key);
+    else if (key == KEY_BACKSPACE && !filter.empty())
+        filter.pop_back();
+    else
+        return 0;
+    SetActiveCtrl(PANEL, VARSEL_FILTER);
+    setFilter(filter);
+    return 1;
+}
+
+struct ButtonRow {
+    int control;
+    void (*act)();
+};
+const ButtonRow BUTTONS[] = {
+    {VARSEL_ADD, addSelected},
+    {VARSEL_MEMBERS, openMembers},
+    {VARSEL_COPY, copySelected},
+    {VARSEL_CLOSE, [] { HidePanel(PANEL); }},
+};
+
+bool isVisible(int panel)
+{
+    int value = 0;
+    return GetPanelAttribute(panel, ATTR_VISIBLE, &value) >= 0 && value != 0;
+}
+
+} // namespace
+
+bool VSL_IsMatch(const std::string &filter, const std::string &name)
+{
+    return isFoldedMatch(lowerCase(filter), lowerCase(name));
+}
+
+void VSL_SymbolsChanged()
+{
+    selector.isStale = true;
+    if (isVisible(PANEL))
+        fillList();
+    if (isVisible(PANEL_STRUCT_SELECTOR))
+        TMF_CreateStructSelector();
+}
+
+void VSL_OpenCB(int, int)
+{
+    fillSources();
+    setFilter("");
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    SetActiveCtrl(PANEL, VARSEL_FILTER);
+}
+
+int VSL_PanelCB(int panel, int event, int data)
+{
+    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int VSL_FilterCB(int, int, int event, int data)
+{
+    if (event == EVENT_VAL_CHANGED)
+        fillList();
+    else if (event == EVENT_COMMIT)
+        addSelected();
+    else if (event == EVENT_KEYPRESS && data == KEY_DOWN)
+        enterList();
+    return event == EVENT_KEYPRESS && data == KEY_DOWN;
+}
+
+int VSL_ListCB(int, int, int event, int data)
+{
+    if (event == EVENT_KEYPRESS)
+        return onListKey(data);
+    if (event == EVENT_VAL_CHANGED)
+        showSelected();
+    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
+        addSelected();
+    return 0;
+}
+
+int VSL_SourceCB(int, int, int event, int)
+{
+    if (event == EVENT_COMMIT) {
+        selector.isStale = true;
+        fillList();
+    }
+    return 0;
+}
+
+int VSL_ButtonCB(int, int control, int event, int)
+{
+    for (const ButtonRow &row : BUTTONS)
+        if (event == EVENT_COMMIT && row.control == control)
+            row.act();
+    return 0;
+}
