@@ -3,22 +3,22 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/VR.h"
 #include "comm/modbus.h"
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
 #include "comm/ucm_modbus.h"
-#include "console/commands.h"
-#include "console/monitor.h"
-#include "console/script_command.h"
-#include "console/text_box.h"
-#include "console/word.h"
+#include "console/commands/commands.h"
+#include "console/monitor/monitor.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "console/script/script_command.h"
+#include "settings/settings.h"
 
 namespace {
 
 constexpr uint32_t ADDRESSES = 0x10000;
 constexpr uint32_t NUMBER = PAR_WORD | PAR_UNSIGNED, VALUE = PAR_WORD; // -32768 to 65535
-constexpr uint32_t BITS_AT_ONCE = 248; // whole bytes; the master checks 8 bits of a count
+constexpr uint32_t BITS_AT_ONCE = 240; // whole rows; the master checks 8 bits of a count
 constexpr uint32_t BITS_A_ROW = 16;
 constexpr char READ_USE[] = "mbread [slave:]function, start, quantity (function 1 to 4)";
 constexpr char WRITE_USE[] = "mbwrite [slave:]start, value [, value ...] (up to 123 values)";
