@@ -3,6 +3,7 @@
 #include "comm/failures.h"
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
+#include "comm/modbus_step.h"
 #include "comm/trace.h"
 
 #include <algorithm>
@@ -27,21 +28,29 @@ int Succeed(int result)
     MBM_nFault = 0;
     if (MBM_cnOk != UINT32_MAX)
         ++MBM_cnOk;
+    MBMSTEP_Answered();
     if (TRC_isOn)
-        MBMTRC_End(isEchoSkipped);
+        MBMTRC_End(isEchoSkipped, 0);
     return result;
 }
 
-// `code` is what MBM_byExCode says; `fault` says the same, or more.
-int Fail(int code, int fault)
+// A failed check of the answer: `fault` says why; `code` is the coarse reason where the fault
+// is none itself.
+int Fail(int fault, int code)
 {
-    MBM_byExCode = static_cast<uint8_t>(code);
-    MBM_nFault = fault;
-    ++(code == MBM_EX_SILENT ? MBM_cnSilent : MBM_cnRefused);
-    FAIL_Note(MBM_ErrorText(fault));
+    if (fault >= MBM_FAULT_EXCEPTION)
+        MBMSTEP_Answered();
+    else if (fault == MBM_EX_FOREIGN || fault == MBM_EX_COUNT || fault == MBM_FAULT_ECHO ||
+             fault == MBM_FAULT_NO_ECHO)
+        MBMSTEP_Strange();
     if (TRC_isOn)
-        MBMTRC_End(isEchoSkipped);
-    return MBM_FAILED;
+        MBMTRC_End(isEchoSkipped, fault);
+    return MBM_Fail(fault, code);
+}
+
+int Fail(int fault)
+{
+    return Fail(fault, fault);
 }
 
 // The head of the answer is that of the request: nobody answered, the line did.
@@ -56,8 +65,8 @@ bool IsEcho(int got)
 int DrainAndFail(int code)
 {
     const int rest = MBM_Read(HEAD_BYTES, DRAIN_BYTES);
-    return Fail(code,
-                IsEcho(HEAD_BYTES + std::max(rest, 0)) ? static_cast<int>(MBM_FAULT_ECHO) : code);
+    return Fail(IsEcho(HEAD_BYTES + std::max(rest, 0)) ? static_cast<int>(MBM_FAULT_ECHO) : code,
+                code);
 }
 
 // Reads the request back from a line that echoes. 0, or MBM_FAILED when it did not come
@@ -69,15 +78,16 @@ int SkipEcho()
         return 0;
     const int got = MBM_Read(0, MBM_cnLastSend);
     if (got < MBM_cnLastSend)
-        return Fail(MBM_EX_SILENT, got < 0    ? MBM_FAULT_GONE
-                                   : got == 0 ? MBM_EX_SILENT
-                                              : MBM_FAULT_NO_ECHO);
+        return Fail(got < 0    ? MBM_FAULT_GONE
+                    : got == 0 ? MBM_EX_SILENT
+                               : MBM_FAULT_NO_ECHO,
+                    MBM_EX_SILENT);
     isEchoSkipped = true;
     if (std::memcmp(MBM_abyRcv, MBM_abySnd, static_cast<size_t>(got)) == 0)
         return 0;
     // Somebody else talked: what follows cannot be told apart from it.
     (void)MBM_Read(0, DRAIN_ALL_BYTES);
-    return Fail(MBM_EX_FOREIGN, MBM_FAULT_NO_ECHO);
+    return Fail(MBM_FAULT_NO_ECHO, MBM_EX_FOREIGN);
 }
 
 int ReadHead()
@@ -85,7 +95,7 @@ int ReadHead()
     const int got = MBM_Read(0, HEAD_BYTES);
     if (got == HEAD_BYTES)
         return 0;
-    return Fail(MBM_EX_SILENT, got < 0 ? MBM_FAULT_GONE : got == 0 ? MBM_EX_SILENT : MBM_FAULT_CUT);
+    return Fail(got < 0 ? MBM_FAULT_GONE : got == 0 ? MBM_EX_SILENT : MBM_FAULT_CUT, MBM_EX_SILENT);
 }
 
 // The `count` bytes behind the head. Whether all came and the CRC over all is right.
@@ -105,7 +115,7 @@ int ReceiveBits()
     if (MBM_abyRcv[2] != count)
         return DrainAndFail(MBM_EX_COUNT);
     if (!ReadRest(count))
-        return Fail(MBM_EX_PART, MBM_EX_PART);
+        return Fail(MBM_EX_PART);
     const uint8_t *bytes = MBM_abyRcv + 3;
     for (int i = 0; i < count; i += 2)
         MBM_awRcvData[i / 2] =
@@ -119,7 +129,7 @@ int ReceiveRegisters()
     if (MBM_abyRcv[2] != 2 * quantity)
         return DrainAndFail(MBM_EX_COUNT);
     if (!ReadRest(2 * quantity))
-        return Fail(MBM_EX_PART, MBM_EX_PART);
+        return Fail(MBM_EX_PART);
     for (int i = 0; i < quantity; ++i)
         MBM_awRcvData[i] = WordAt(MBM_abyRcv + 3 + 2 * i);
     return Succeed(quantity);
@@ -134,7 +144,7 @@ int ReceiveConfirmation()
                                             WordAt(MBM_abyRcv + 4) == MBM_expected.quantity);
     if (isSound && isSame)
         return Succeed(0);
-    return Fail(MBM_EX_PART, IsEcho(HEAD_BYTES + 3) ? MBM_FAULT_ECHO : MBM_EX_PART);
+    return Fail(IsEcho(HEAD_BYTES + 3) ? MBM_FAULT_ECHO : MBM_EX_PART, MBM_EX_PART);
 }
 
 struct Receiver {
@@ -200,6 +210,15 @@ void CopyReceived(int function, const MBM_Part &from, const MBM_Part *to)
 
 } // namespace
 
+int MBM_Fail(int fault, int code)
+{
+    MBM_byExCode = static_cast<uint8_t>(code);
+    MBM_nFault = fault;
+    ++(fault == MBM_EX_SILENT || fault == MBM_FAULT_GONE ? MBM_cnSilent : MBM_cnRefused);
+    FAIL_Note(MBM_ErrorText(fault));
+    return MBM_FAILED;
+}
+
 int MBM_ReceiveFN()
 {
     if (!MBM_isOpen)
@@ -220,7 +239,7 @@ int MBM_ReceiveFN()
         return receiver->receive();
     if (!MBM_IsRcvCRC_Ok(HEAD_BYTES))
         return DrainAndFail(MBM_EX_CRC);
-    return Fail(MBM_abyRcv[2], MBM_FAULT_EXCEPTION + MBM_abyRcv[2]);
+    return Fail(MBM_FAULT_EXCEPTION + MBM_abyRcv[2]);
 }
 
 int MBM_MasterFN(int function, int slave, const MBM_Part *readPart, const MBM_Part *writePart)

@@ -13,6 +13,7 @@ struct MBM_Line {
     int (*readSome)(void *buffer, size_t capacity, unsigned waitMs);
     int (*waiting)();
     int (*drop)(); // what arrived and was not read
+    uint32_t (*nowMs)();
 };
 // The serial port, unless a test has put a line of its own here.
 extern const MBM_Line *MBM_line;
@@ -27,11 +28,13 @@ extern MBM_Expected MBM_expected;
 
 // Notes a failure that happened before anything was sent. Always MBM_FAILED.
 int MBM_Refuse(int fault);
+// Counts and notes a try that failed; `code` is for MBM_byExCode. Always MBM_FAILED.
+int MBM_Fail(int fault, int code);
 
 // Called only while TRC_isOn. A record begins with a request and ends with its answer.
-void MBMTRC_Begin();
+void MBMTRC_Begin(const uint8_t *frame, size_t count, bool isProbe);
 void MBMTRC_Received(const void *bytes, size_t count);
-void MBMTRC_End(bool isEchoSkipped);
+void MBMTRC_End(bool isEchoSkipped, int fault);
 void MBMTRC_Link(bool isOpening, int port, int result);
 
 #endif

@@ -2,7 +2,9 @@
 #include "comm/failures.h"
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
+#include "comm/modbus_step.h"
 #include "comm/trace.h"
+#include "platform/system.h"
 
 int32_t MBM_isOpen = 0;
 SER_Handle MBM_hCom = SER_INVALID;
@@ -68,6 +70,7 @@ const MBM_Line MBM_SERIAL_LINE = {
     },
     [] { return SER_BytesWaiting(MBM_hCom); },
     [] { return SER_DropInput(MBM_hCom); },
+    PLT_TickMs,
 };
 const MBM_Line *MBM_line = &MBM_SERIAL_LINE;
 
@@ -92,6 +95,7 @@ int MBM_Open(int port, int baud, int parity)
     MBM_dwBaudrate = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
     if (result == 0)
         MBM_isOpen = 1;
+    MBMSTEP_Opened();
     if (TRC_isOn)
         MBMTRC_Link(true, port, result);
     return result;
@@ -140,14 +144,20 @@ int MBM_SendFrame(int length)
     MBM_abySnd[count] = static_cast<uint8_t>(crc);
     MBM_abySnd[count + 1] = static_cast<uint8_t>(crc >> 8);
     MBM_cnLastSend = length + CRC_BYTES;
+    const int unready = MBMSTEP_Ready();
+    if (unready != 0) {
+        MBM_cnLastSend = 0;
+        return MBM_Fail(unready, MBM_EX_SILENT);
+    }
     if (TRC_isOn)
-        MBMTRC_Begin();
+        MBMTRC_Begin(MBM_abySnd, count + CRC_BYTES, false);
+    MBMSTEP_Sent(); // also when only a part goes out: it may be answered
     if (MBM_line->write(MBM_abySnd, count + CRC_BYTES) == MBM_cnLastSend)
         return 0;
+    MBM_cnLastSend = 0;
     MBM_Refuse(MBM_IsGone() ? MBM_FAULT_GONE : MBM_FAULT_SEND);
     if (TRC_isOn)
-        MBMTRC_End(false);
-    MBM_cnLastSend = 0;
+        MBMTRC_End(false, MBM_nFault);
     return MBM_FAILED;
 }
 

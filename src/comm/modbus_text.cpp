@@ -187,35 +187,35 @@ std::string MBM_ErrorText(int fault)
     return text;
 }
 
-void MBMTRC_Begin()
+void MBMTRC_Begin(const uint8_t *frame, size_t count, bool isProbe)
 {
     current = TRC_Record();
     PLT_LocalTime(&current.when);
-    const auto count = static_cast<size_t>(MBM_cnLastSend);
     current.startUs = PLT_TickUs();
-    current.request = DescribeRequest(MBM_abySnd, count - 2) + ", " + CrcText(MBM_abySnd, count);
+    current.request = (isProbe ? "probe of the line, " : "") + DescribeRequest(frame, count - 2) +
+                      ", " + CrcText(frame, count);
     if (lastEndUs != 0)
         current.request += ", gap " + GapText(static_cast<int64_t>(current.startUs - lastEndUs));
-    TRC_Append(&current.sent, MBM_abySnd, count);
+    TRC_Append(&current.sent, frame, count);
     firstByteUs = 0;
 }
 
 void MBMTRC_Received(const void *bytes, size_t count)
 {
     TRC_Append(&current.received, bytes, count);
-    if (firstByteUs == 0 && current.received.count > MBM_cnLastSend * (MBM_isEcho ? 1 : 0)) {
+    if (firstByteUs == 0 && current.received.count > (MBM_isEcho ? current.sent.count : 0)) {
         firstByteUs = PLT_TickUs();
         firstBytes = current.received.count;
     }
 }
 
-void MBMTRC_End(bool isEchoSkipped)
+void MBMTRC_End(bool isEchoSkipped, int fault)
 {
     lastEndUs = PLT_TickUs();
     current.durationUs = static_cast<uint32_t>(lastEndUs - current.startUs);
-    current.isGood = MBM_nFault == 0;
-    current.result = MBM_ErrorText(MBM_nFault);
-    const size_t echo = isEchoSkipped ? static_cast<size_t>(MBM_cnLastSend) : 0;
+    current.isGood = fault == 0;
+    current.result = MBM_ErrorText(fault);
+    const size_t echo = isEchoSkipped ? current.sent.count : 0u;
     if (isEchoSkipped)
         current.result += " (echo of the request seen)";
     if (current.received.count >= echo + 5) {

@@ -214,8 +214,8 @@ template <typename Slave> void CheckPeer(ModbusPeers *test)
     const Slave slave(cable.Path(1));
     ASSERT_TRUE(slave.isConnected);
     test->connect(cable.Path(0));
-    CheckFunctions();
     CheckMemory();
+    CheckFunctions();
 }
 
 TEST_F(ModbusPeers, Libmodbus)
