@@ -4,6 +4,7 @@
 
 #include "comm/failures.h"
 #include "comm/modbus.h"
+#include "comm/modbus_step.h"
 #include "comm/trace.h"
 #include "comm/ucm.h"
 #include "comm/ucm_modbus.h"

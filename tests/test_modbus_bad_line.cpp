@@ -1,0 +1,124 @@
+// Modbus over bad lines, in virtual time: whatever happens to requests and answers, no wrong
+// value is read, no write is reported that did not happen, and every failure is counted.
+#include "support/modbus_fixture.h"
+#include "support/modbus_virtual_line.h"
+
+namespace {
+
+constexpr uint32_t MEMORY_BYTES = 4096;
+
+struct ModbusBadLine : ModbusTest {
+    void Start(const VirtualFaults &faults, uint32_t seed)
+    {
+        virtualLine = std::make_unique<VirtualLine>();
+        virtualLine->target.options.demo = false;
+        virtualLine->random.seed(seed);
+        virtualLine->faults = faults;
+        MBM_line = &VIRTUAL_LINE;
+        MBM_nTimeoutMs = 400;
+        MBM_isEcho = faults.isEcho;
+        MBM_isOpen = 1;
+        MBMSTEP_Opened();
+        UCM_recS.protocol = 2;
+        UCM_recS.opened = 1;
+        UCM_ResetStatistics();
+        // Every byte tells its address and its station: a neighbour's value is seen as such.
+        for (int slave = 1; slave <= 3; slave++)
+            for (uint32_t a = 0; a < MEMORY_BYTES; a++) {
+                shadow[slave][a] = static_cast<uint8_t>(a * 13 + (a >> 8) * 7 + 31u * slave);
+                SIM_SetValue(&virtualLine->target.stations[slave], a, 1, shadow[slave][a]);
+            }
+    }
+    ~ModbusBadLine() override
+    {
+        MBM_isOpen = 0;
+        UCM_recS.opened = 0;
+        MBM_line = &MBM_SERIAL_LINE;
+        virtualLine.reset();
+    }
+    uint32_t Draw(uint32_t count)
+    {
+        return static_cast<uint32_t>(order() % count);
+    }
+    // One read or write somewhere. 1 it was right, 0 it failed; a wrong value fails the test.
+    int Exchange()
+    {
+        constexpr uint32_t SIZES[] = {1, 2, 2, 4, 4, 8, 64, 200, 216};
+        const int slave = static_cast<int>(Draw(3)) + 1;
+        const uint32_t size = SIZES[Draw(9)], address = 256 + Draw(MEMORY_BYTES - 256 - size);
+        uint8_t bytes[216];
+        if (Draw(4) != 0) {
+            if (UCM_Read(slave, address, size, bytes) < 0)
+                return 0;
+            EXPECT_EQ(memcmp(bytes, shadow[slave] + address, size), 0)
+                << "slave " << slave << " address " << address << " size " << size;
+            return 1;
+        }
+        for (uint32_t i = 0; i < size; i++)
+            bytes[i] = static_cast<uint8_t>(order());
+        const bool isDone = UCM_Write(slave, address, size, bytes) >= 0;
+        std::vector<uint8_t> stored(size);
+        SIM_ReadMemory(virtualLine->target.stations[slave], address, stored.data(), size);
+        const bool isStored = memcmp(stored.data(), bytes, size) == 0;
+        EXPECT_TRUE(isStored || !isDone) << "a write that did not happen";
+        memcpy(shadow[slave] + address, stored.data(), size);
+        return isDone ? 1 : 0;
+    }
+    int Run(int exchanges)
+    {
+        int good = 0;
+        for (int i = 0; i < exchanges && !HasFailure(); i++)
+            good += Exchange();
+        return good;
+    }
+
+    std::mt19937 order{5};
+    uint8_t shadow[4][MEMORY_BYTES];
+};
+
+TEST_F(ModbusBadLine, EveryValueIsRightAndEveryFailureCounted)
+{
+    VirtualFaults faults;
+    faults.loss = faults.damage = faults.refusal = 0.05;
+    Start(faults, 1);
+    const int good = Run(10000);
+    EXPECT_GT(good, 9900);
+    UCM_Statistics seen;
+    UCM_GetStatistics(&seen);
+    const VirtualLine &line = *virtualLine;
+    EXPECT_GE(seen.timeouts + seen.damaged, line.lost + line.damaged + line.refused);
+    EXPECT_EQ(FAIL_CountOf("exception 6"), line.refused);
+    EXPECT_EQ(seen.errors[1], static_cast<uint16_t>(seen.repeated));
+}
+
+TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
+{
+    const struct {
+        const char *name;
+        VirtualFaults faults;
+        int goodOf1000; // at least
+    } cases[] = {
+        {"healthy", {0, 0, 0, 0, 0, 0, 1, 2, false}, 1000},
+        {"lost and damaged", {.1, .1, 0, 0, 0, 0, 1, 2, false}, 950},
+        {"late now and then", {0, 0, 0, 0, 0, 0, 1, 450, false}, 900},
+        {"always late", {0, 0, 0, 0, 0, 0, 450, 400, false}, 300},
+        {"very late", {0, 0, 0, 0, 0, 0, 0, 1200, false}, 100},
+        {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 200},
+        {"stray bytes", {0, 0, 0, 0, .1, 0, 1, 2, false}, 700},
+        {"other slaves talk", {0, 0, 0, 0, 0, .1, 1, 2, false}, 900},
+        {"echo", {.05, .05, 0, 0, 0, 0, 1, 2, true}, 900},
+    };
+    for (const auto &item : cases) {
+        int good = 0;
+        for (uint32_t seed = 1; seed <= 10 && !HasFailure(); seed++) {
+            SCOPED_TRACE(item.name + std::string(", seed ") + std::to_string(seed));
+            order.seed(seed);
+            Start(item.faults, seed);
+            good += Run(1000);
+        }
+        EXPECT_GE(good / 10, item.goodOf1000) << item.name;
+        std::printf("%-26s %d of 1000 good\n", item.name, good / 10);
+    }
+}
+
+} // namespace
