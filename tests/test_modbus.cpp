@@ -130,6 +130,7 @@ TEST_F(ModbusLineTest, EachAnswerGetsItsResultAndReason)
     const uint16_t values[] = {9, 9, 9};
     for (const auto &item : cases) {
         scripted = ScriptedLine();
+        MBMSTEP_Opened();
         scripted.answers = {FromHex(item.answer)};
         MBM_byExCode = 0;
         std::fill_n(registersOut, 4, uint16_t{0xAAAA});
@@ -183,6 +184,7 @@ TEST_F(ModbusLineTest, AnEchoIsReadBeforeTheAnswerAndOnlyThen)
     };
     for (const auto &item : cases) {
         scripted = ScriptedLine();
+        MBMSTEP_Opened();
         scripted.answers = {item.line};
         EXPECT_EQ(Ask(MBM_FN_HOLDING, 1, 0x10, 3), item.result);
         EXPECT_EQ(MBM_nFault, item.fault);
@@ -281,9 +283,11 @@ TEST_F(ModbusLineTest, ExceptionEndsATransferWithItsReasonAndSilenceCostsEachTry
     EXPECT_EQ(scripted.sent.size(), 4u * 17);
     EXPECT_EQ(UCM_recS.errors[1], 3);
     EXPECT_EQ(scripted.reads, 0);
+    scripted.nowMs = 0;
     EXPECT_EQ(UCM_Read(2, 0x100, 1, bytes), -1);
     EXPECT_EQ(UCM_LastErrorText(), "no answer");
-    EXPECT_EQ(scripted.reads, 3); // tries, each with one time-out
+    // Tries, each with one time-out.
+    EXPECT_EQ(static_cast<uint32_t>(scripted.reads) + scripted.nowMs / MBM_nTimeoutMs, 3u);
     UCM_Statistics seen;
     UCM_GetStatistics(&seen);
     EXPECT_EQ(seen.answered, 1u);

@@ -87,7 +87,7 @@ TEST_F(ModbusBadLine, EveryValueIsRightAndEveryFailureCounted)
     UCM_GetStatistics(&seen);
     const VirtualLine &line = *virtualLine;
     EXPECT_GE(seen.timeouts + seen.damaged, line.lost + line.damaged + line.refused);
-    EXPECT_EQ(FAIL_CountOf("exception 6"), line.refused);
+    EXPECT_EQ(seen.timeouts + seen.damaged, seen.repeated); // once each
     EXPECT_EQ(seen.errors[1], static_cast<uint16_t>(seen.repeated));
 }
 
@@ -99,14 +99,14 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
         int goodOf1000; // at least
     } cases[] = {
         {"healthy", {0, 0, 0, 0, 0, 0, 1, 2, false}, 1000},
-        {"lost and damaged", {.1, .1, 0, 0, 0, 0, 1, 2, false}, 950},
-        {"late now and then", {0, 0, 0, 0, 0, 0, 1, 450, false}, 900},
-        {"always late", {0, 0, 0, 0, 0, 0, 450, 400, false}, 300},
-        {"very late", {0, 0, 0, 0, 0, 0, 0, 1200, false}, 100},
-        {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 200},
-        {"stray bytes", {0, 0, 0, 0, .1, 0, 1, 2, false}, 700},
-        {"other slaves talk", {0, 0, 0, 0, 0, .1, 1, 2, false}, 900},
-        {"echo", {.05, .05, 0, 0, 0, 0, 1, 2, true}, 900},
+        {"lost and damaged", {.1, .1, 0, 0, 0, 0, 1, 2, false}, 980},
+        {"late now and then", {0, 0, 0, 0, 0, 0, 1, 450, false}, 990},
+        {"always late", {0, 0, 0, 0, 0, 0, 450, 400, false}, 950},
+        {"very late", {0, 0, 0, 0, 0, 0, 0, 1200, false}, 900},
+        {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 900},
+        {"stray bytes", {0, 0, 0, 0, .1, 0, 1, 2, false}, 980},
+        {"other slaves talk", {0, 0, 0, 0, 0, .1, 1, 2, false}, 990},
+        {"echo", {.05, .05, 0, 0, 0, 0, 1, 2, true}, 990},
     };
     for (const auto &item : cases) {
         int good = 0;
@@ -117,7 +117,6 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
             good += Run(1000);
         }
         EXPECT_GE(good / 10, item.goodOf1000) << item.name;
-        std::printf("%-26s %d of 1000 good\n", item.name, good / 10);
     }
 }
 

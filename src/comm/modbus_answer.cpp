@@ -22,6 +22,8 @@ constexpr uint8_t EXCEPTION_BIT = 0x80;
 constexpr uint16_t ODD_TUNNEL = 0xFFFB; // the last register carries one byte
 
 bool isEchoSkipped = false;
+int cnFound = 0;    // bytes of the answer when it was picked out of the line already
+int cnReceived = 0; // bytes of it that the line has brought
 
 int Succeed(int result)
 {
@@ -39,10 +41,9 @@ int Succeed(int result)
 int Fail(int fault, int code)
 {
     if (fault >= MBM_FAULT_EXCEPTION)
-        MBMSTEP_Answered();
-    else if (fault == MBM_EX_FOREIGN || fault == MBM_EX_COUNT || fault == MBM_FAULT_ECHO ||
-             fault == MBM_FAULT_NO_ECHO)
-        MBMSTEP_Strange();
+        MBMSTEP_Refused();
+    else if (cnReceived > 0 && cnFound == 0)
+        MBMSTEP_Odd(MBM_abyRcv, static_cast<size_t>(cnReceived));
     if (TRC_isOn)
         MBMTRC_End(isEchoSkipped, fault);
     return MBM_Fail(fault, code);
@@ -61,10 +62,20 @@ bool IsEcho(int got)
            std::memcmp(MBM_abyRcv, MBM_abySnd, static_cast<size_t>(compared)) == 0;
 }
 
+// As MBM_Read, but an answer that was picked out of the line stands in the buffer already.
+int ReadAnswer(int offset, int count)
+{
+    if (cnFound > 0)
+        return std::clamp(cnFound - offset, 0, count);
+    const int got = MBM_Read(offset, count);
+    cnReceived = offset + std::max(got, 0);
+    return got;
+}
+
 // Reads the rest of what cannot be an answer, so that the next exchange finds an idle line.
 int DrainAndFail(int code)
 {
-    const int rest = MBM_Read(HEAD_BYTES, DRAIN_BYTES);
+    const int rest = ReadAnswer(HEAD_BYTES, DRAIN_BYTES);
     return Fail(IsEcho(HEAD_BYTES + std::max(rest, 0)) ? static_cast<int>(MBM_FAULT_ECHO) : code,
                 code);
 }
@@ -76,23 +87,38 @@ int SkipEcho()
     isEchoSkipped = false;
     if (!MBM_isEcho)
         return 0;
-    const int got = MBM_Read(0, MBM_cnLastSend);
+    const int got = ReadAnswer(0, MBM_cnLastSend);
     if (got < MBM_cnLastSend)
         return Fail(got < 0    ? MBM_FAULT_GONE
                     : got == 0 ? MBM_EX_SILENT
                                : MBM_FAULT_NO_ECHO,
                     MBM_EX_SILENT);
     isEchoSkipped = true;
-    if (std::memcmp(MBM_abyRcv, MBM_abySnd, static_cast<size_t>(got)) == 0)
+    if (std::memcmp(MBM_abyRcv, MBM_abySnd, static_cast<size_t>(got)) == 0) {
+        cnReceived = 0;
         return 0;
+    }
     // Somebody else talked: what follows cannot be told apart from it.
-    (void)MBM_Read(0, DRAIN_ALL_BYTES);
+    (void)ReadAnswer(got, DRAIN_BYTES);
     return Fail(MBM_FAULT_NO_ECHO, MBM_EX_FOREIGN);
+}
+
+// Picks the answer out of a line that is not in step, where older ones may come first.
+int FindAnswer()
+{
+    int fault = 0;
+    const int found = MBMSTEP_Find(MBM_abyRcv, MBM_FRAME_ROOM, &fault);
+    isEchoSkipped = MBM_isEcho != 0;
+    if (found > 0) {
+        cnFound = found;
+        return 0;
+    }
+    return Fail(fault, fault > 0 ? fault : static_cast<int>(MBM_EX_SILENT));
 }
 
 int ReadHead()
 {
-    const int got = MBM_Read(0, HEAD_BYTES);
+    const int got = ReadAnswer(0, HEAD_BYTES);
     if (got == HEAD_BYTES)
         return 0;
     return Fail(got < 0 ? MBM_FAULT_GONE : got == 0 ? MBM_EX_SILENT : MBM_FAULT_CUT, MBM_EX_SILENT);
@@ -101,7 +127,7 @@ int ReadHead()
 // The `count` bytes behind the head. Whether all came and the CRC over all is right.
 bool ReadRest(int count)
 {
-    return MBM_Read(HEAD_BYTES, count) == count && MBM_IsRcvCRC_Ok(HEAD_BYTES + count);
+    return ReadAnswer(HEAD_BYTES, count) == count && MBM_IsRcvCRC_Ok(HEAD_BYTES + count);
 }
 
 uint16_t WordAt(const uint8_t *bytes)
@@ -223,11 +249,12 @@ int MBM_ReceiveFN()
 {
     if (!MBM_isOpen)
         return MBM_Refuse(MBM_FAULT_CLOSED);
-    if (SkipEcho() != 0)
+    cnFound = cnReceived = 0;
+    if ((MBMSTEP_IsCalm() ? SkipEcho() : FindAnswer()) != 0)
         return MBM_FAILED;
     const Receiver *receiver = FindReceiver(MBM_nFnCode);
     if (receiver == nullptr) {
-        (void)MBM_Read(0, DRAIN_ALL_BYTES);
+        (void)ReadAnswer(0, DRAIN_ALL_BYTES);
         return MBM_FAILED;
     }
     if (ReadHead() != 0)

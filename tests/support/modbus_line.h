@@ -33,6 +33,7 @@ struct ScriptedLine {
     std::string sent;                // all requests
     std::deque<std::string> answers; // one for each request; none = silence
     std::string input;               // arrived and not read
+    uint32_t nowMs = 0;
     int reads = 0;                   // that found less than they wanted: each cost a time-out
 };
 inline ScriptedLine scripted;
@@ -72,7 +73,8 @@ inline const MBM_Line SCRIPTED_LINE = {
         scripted.reads += got < count;
         return static_cast<int>(got);
     },
-    [](void *buffer, size_t capacity, unsigned) {
+    [](void *buffer, size_t capacity, unsigned waitMs) {
+        scripted.nowMs += scripted.input.empty() ? waitMs : 0;
         const size_t got = std::min(capacity, scripted.input.size());
         memcpy(buffer, scripted.input.data(), got);
         scripted.input.erase(0, got);
@@ -83,7 +85,7 @@ inline const MBM_Line SCRIPTED_LINE = {
         scripted.input.clear();
         return 0;
     },
-    [] { return uint32_t{0}; },
+    [] { return scripted.nowMs; },
 };
 
 #endif
