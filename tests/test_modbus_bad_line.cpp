@@ -64,6 +64,28 @@ struct ModbusBadLine : ModbusTest {
         memcpy(shadow[slave] + address, stored.data(), size);
         return isDone ? 1 : 0;
     }
+    // Sweeps of single values as a watch list reads them: shown when they are proven.
+    int RunSweeps(int sweeps)
+    {
+        constexpr int ITEMS = 13;
+        int shown = 0;
+        for (int sweep = 0; sweep < sweeps; sweep++) {
+            uint8_t values[ITEMS][2];
+            uint32_t places[ITEMS];
+            bool isRead[ITEMS];
+            for (int i = 0; i < ITEMS; i++) {
+                places[i] = 256 + Draw(MEMORY_BYTES - 258);
+                isRead[i] = UCM_Read(1, places[i], 2, values[i]) >= 0;
+            }
+            if (UCM_Prove() != UCM_PROVEN)
+                continue;
+            for (int i = 0; i < ITEMS; i++) {
+                EXPECT_TRUE(!isRead[i] || memcmp(values[i], shadow[1] + places[i], 2) == 0);
+                shown += isRead[i];
+            }
+        }
+        return shown;
+    }
     int Run(int exchanges)
     {
         int good = 0;
@@ -88,7 +110,7 @@ TEST_F(ModbusBadLine, EveryValueIsRightAndEveryFailureCounted)
     const VirtualLine &line = *virtualLine;
     EXPECT_GE(seen.timeouts + seen.damaged, line.lost + line.damaged + line.refused);
     EXPECT_EQ(seen.timeouts + seen.damaged, seen.repeated); // once each
-    EXPECT_EQ(seen.errors[1], static_cast<uint16_t>(seen.repeated));
+    EXPECT_GE(seen.errors[1], seen.repeated); // and proofs that failed
 }
 
 TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
@@ -103,7 +125,7 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
         {"late now and then", {0, 0, 0, 0, 0, 0, 1, 450, false}, 990},
         {"always late", {0, 0, 0, 0, 0, 0, 450, 400, false}, 950},
         {"very late", {0, 0, 0, 0, 0, 0, 0, 1200, false}, 900},
-        {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 900},
+        {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 800},
         {"stray bytes", {0, 0, 0, 0, .1, 0, 1, 2, false}, 980},
         {"other slaves talk", {0, 0, 0, 0, 0, .1, 1, 2, false}, 990},
         {"echo", {.05, .05, 0, 0, 0, 0, 1, 2, true}, 990},
@@ -118,6 +140,19 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
         }
         EXPECT_GE(good / 10, item.goodOf1000) << item.name;
     }
+}
+
+TEST_F(ModbusBadLine, ARepeatedAnswerIsNeverShown)
+{
+    VirtualFaults faults;
+    faults.doubled = 0.05;
+    int shown = 0;
+    for (uint32_t seed = 1; seed <= 20 && !HasFailure(); seed++) {
+        order.seed(seed);
+        Start(faults, seed);
+        shown += RunSweeps(100);
+    }
+    EXPECT_GT(shown, 20 * 100 * 13 / 5);
 }
 
 } // namespace

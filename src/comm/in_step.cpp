@@ -154,6 +154,14 @@ void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
         CountAnswer(line, &book, answers);
 }
 
+void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)
+{
+    STEP_Partner &book = PartnerOf(line, partner);
+    book = STEP_Partner();
+    book.calmAt = line->disturbed;
+    book.provenMs = nowMs;
+}
+
 STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes, size_t count)
 {
     const STEP_Partner &book = PartnerOf(line, partner);

@@ -62,6 +62,9 @@ bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
 // They may be the damaged answer of something open, so nothing is crossed out.
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers);
 
+// Nothing came for a whole time-out: the proof that is left when no probe is answered.
+void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs);
+
 // A probe that no open answer and no recent probe can be taken for, out of `count`
 // shapes. When all are in use the one used longest ago.
 STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes, size_t count);

@@ -19,6 +19,7 @@ constexpr size_t HEARD_MAX = 4096; // of one wait: a line that never stops talki
 constexpr uint8_t EXCEPTION_BIT = 0x80;
 constexpr int TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB;
 constexpr int FUNCTION_SHIFT = 24;
+constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
 constexpr int SLOW_ATTEMPTS = 4;     // time-outs that the proof of a slow slave may take
 constexpr int SILENCE_WAITS_MAX = 8; // time-outs after which a chattering line is given up
 
@@ -27,6 +28,14 @@ Bytes lastFrames[STEP_PARTNERS]; // the last request to each slave
 bool isSlow[STEP_PARTNERS];      // it answered after its time-out
 Bytes heard;                     // bytes of the present wait, not yet sorted into frames
 int probeFault = 0;              // why the prober gave up
+
+uint32_t disturbedSeen = 0, suspiciousSinceMs = 0; // when something odd was last noticed
+bool isSuspicious = false;
+
+STEP_Partner &PartnerOf(int slave)
+{
+    return book.partners[static_cast<size_t>(slave)];
+}
 
 unsigned WordAt(const uint8_t *bytes)
 {
@@ -292,6 +301,18 @@ int Probe(int slave, STEP_Shape shape)
 
 const STEP_Prober PROBER = {PROBE_SHAPES, sizeof PROBE_SHAPES / sizeof *PROBE_SHAPES, Probe};
 
+// Books what waits before a request goes out: the line's way of saying that it is out of step.
+int SortWaiting(int slave)
+{
+    int waiting = MBM_line->waiting();
+    for (; waiting > 0; waiting = MBM_line->waiting()) {
+        if (Hear(0) <= 0)
+            break;
+        BookAll(slave);
+    }
+    return waiting < 0 ? static_cast<int>(MBM_FAULT_GONE) : 0;
+}
+
 // One time-out in which nothing comes; then nothing is open any more.
 int ProveBySilence(int slave)
 {
@@ -302,7 +323,7 @@ int ProveBySilence(int slave)
             return MBM_FAULT_GONE;
         if (got > 0)
             continue;
-        STEP_Partner &partner = book.partners[static_cast<size_t>(slave)];
+        STEP_Partner &partner = PartnerOf(slave);
         partner = STEP_Partner();
         partner.calmAt = book.disturbed;
         partner.provenMs = MBM_line->nowMs();
@@ -330,7 +351,7 @@ bool IsTunnel(const uint8_t *frame)
 bool IsRepetition(int slave)
 {
     const Bytes &last = lastFrames[slave];
-    const STEP_Partner &partner = book.partners[static_cast<size_t>(slave)];
+    const STEP_Partner &partner = PartnerOf(slave);
     return partner.unknown == 0 && !partner.open.empty() && last.size() > CRC_BYTES &&
            last.size() == static_cast<size_t>(MBM_cnLastSend) &&
            std::equal(last.begin(), last.end(), MBM_abySnd);
@@ -345,19 +366,16 @@ void MBMSTEP_Opened()
     for (Bytes &frame : lastFrames)
         frame.clear();
     heard.clear();
+    disturbedSeen = 0;
+    isSuspicious = false;
 }
 
 int MBMSTEP_Ready()
 {
     const int slave = MBM_abySnd[0];
-    int waiting = MBM_line->waiting();
-    for (; waiting > 0; waiting = MBM_line->waiting()) {
-        if (Hear(0) <= 0)
-            break;
-        BookAll(slave);
-    }
-    if (waiting < 0)
-        return MBM_FAULT_GONE;
+    const int gone = SortWaiting(slave);
+    if (gone != 0)
+        return gone;
     const STEP_Shape shape = ShapeOfRequest(MBM_abySnd);
     if (STEP_IsSafe(book, slave, shape) || IsRepetition(slave))
         return 0;
@@ -403,8 +421,12 @@ int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault)
 void MBMSTEP_Answered()
 {
     const int slave = MBM_abySnd[0];
-    isSlow[slave] = book.partners[MBM_abySnd[0]].open.size() > 1;
+    isSlow[slave] = PartnerOf(slave).open.size() > 1;
+    const bool wasDue = PartnerOf(slave).isProofDue;
     STEP_Accepted(&book, slave, ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
+    // A device without memory to probe has no proof but its being in step.
+    if (!IsTunnel(MBM_abySnd))
+        PartnerOf(slave).isProofDue = wasDue;
 }
 
 void MBMSTEP_Refused()
@@ -418,11 +440,37 @@ void MBMSTEP_Odd(const uint8_t *bytes, size_t count)
     BookAll(MBM_abySnd[0]);
 }
 
-int MBMSTEP_ProveBehind(int slave)
+bool MBMSTEP_IsProofDue(int slave)
 {
-    if (slave < 0 || slave >= STEP_PARTNERS)
-        return 0;
-    return FaultOfProof(slave, STEP_ProveBehind(&book, slave, 1, PROBER));
+    return slave >= 0 && slave < STEP_PARTNERS && !book.partners.empty() &&
+           PartnerOf(slave).isProofDue;
+}
+
+bool MBMSTEP_IsSuspicious(int slave)
+{
+    const uint32_t now = MBM_line->nowMs();
+    if (book.disturbed != disturbedSeen) {
+        disturbedSeen = book.disturbed;
+        suspiciousSinceMs = now;
+        isSuspicious = true;
+    }
+    isSuspicious = isSuspicious && now - suspiciousSinceMs < SUSPICION_MS;
+    return isSuspicious || now - PartnerOf(slave).provenMs >= PROOF_PERIOD_MS;
+}
+
+int MBMSTEP_ProveBehind(int slave, int attempts)
+{
+    if (!MBM_isOpen)
+        return MBM_FAULT_CLOSED;
+    const int fault = SortWaiting(slave);
+    if (fault != 0)
+        return fault;
+    return FaultOfProof(slave, STEP_ProveBehind(&book, slave, attempts, PROBER));
+}
+
+void MBMSTEP_GiveUpProof(int slave)
+{
+    PartnerOf(slave).isProofDue = false;
 }
 
 uint32_t MBMSTEP_Surplus()

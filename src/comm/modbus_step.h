@@ -24,8 +24,14 @@ void MBMSTEP_Answered();                              // a good answer
 void MBMSTEP_Refused();                               // a sound exception answer
 void MBMSTEP_Odd(const uint8_t *bytes, size_t count); // what came was not the answer
 
-// Proves that nothing older is left behind what was read from this slave. 0, or a fault.
-int MBMSTEP_ProveBehind(int slave);
+// Whether memory was read from this slave and nothing proves yet that it was not a repeated
+// older answer; and whether that should be proven at once, because something odd was seen
+// lately or the last proof is a second old.
+bool MBMSTEP_IsProofDue(int slave);
+bool MBMSTEP_IsSuspicious(int slave);
+// 0, or a fault; at most `attempts` probes may stay unanswered.
+int MBMSTEP_ProveBehind(int slave, int attempts);
+void MBMSTEP_GiveUpProof(int slave);
 uint32_t MBMSTEP_Surplus(); // grows when more answers came than were asked for
 
 #endif

@@ -3,6 +3,7 @@
 #include "comm/ucm_modbus.h"
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
+#include "comm/modbus_step.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
 
@@ -15,7 +16,10 @@ constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then t
 constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
 constexpr uint16_t ADDRESS_REGISTERS = 2;
 
+constexpr int ROUNDS_MAX = 3; // of a transfer during which more answers came than were asked for
+
 uint32_t cnRepeated = 0; // failed tries of blocks
+uint32_t surplusAtProof = 0;
 
 uint16_t TunnelOf(uint32_t count)
 {
@@ -26,6 +30,28 @@ void PutAddress(uint32_t address, uint16_t *registers)
 {
     registers[0] = static_cast<uint16_t>(address >> 16);
     registers[1] = static_cast<uint16_t>(address);
+}
+
+// Blocks in address order, up to the first that fails. The last one's result; 0 for none.
+int WriteBlocks(int slave, uint32_t address, uint32_t count, const uint8_t *bytes)
+{
+    int result = 0;
+    while (count > 0 && result >= 0)
+        result = std::min(UCM_WriteBlkBgMBM(slave, &address, &count, &bytes), 0);
+    return result;
+}
+
+int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
+{
+    int result = 0;
+    while (count > 0 && result >= 0) {
+        const uint32_t block = std::min(count, BLOCK_BYTES);
+        result = UCM_ReadBlkMBM(slave, address, block, bytes);
+        address += block;
+        bytes += block;
+        count -= block;
+    }
+    return result;
 }
 
 int Open(int port, int baud)
@@ -48,6 +74,32 @@ int Message(int slave, int command, uint32_t address, uint16_t word, const void 
     // Only a read writes to the data, and whoever asks for one passes a buffer.
     void *buffer = const_cast<void *>(data);
     return UCM_EmuCom166MsgMBM(slave, command, address, word, buffer) >= 0 ? 1 : 0;
+}
+
+// Every slave that something was read from since its last proof; a slave that does not
+// answer is asked once and then given up, so that the next sweep does not wait for it.
+int Prove()
+{
+    int fault = 0;
+    for (int slave = UCM_SLAVE_MIN; slave <= UCM_SLAVE_MAX; ++slave) {
+        if (!MBMSTEP_IsProofDue(slave))
+            continue;
+        if (fault == 0)
+            fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
+        MBMSTEP_GiveUpProof(slave);
+    }
+    const bool isSurplus = MBMSTEP_Surplus() != surplusAtProof;
+    surplusAtProof = MBMSTEP_Surplus();
+    if (fault != 0) {
+        MBM_Refuse(fault);
+        return UCM_NOT_PROVEN;
+    }
+    return isSurplus ? UCM_READ_AGAIN : UCM_PROVEN;
+}
+
+bool IsEchoing()
+{
+    return MBM_nFault == MBM_FAULT_ECHO;
 }
 
 std::string LastErrorText()
@@ -131,30 +183,31 @@ int UCM_ReadBlkBgMBM(int slave, uint32_t *address, uint32_t *count, uint8_t **bu
 
 int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
 {
-    const uint8_t *bytes = static_cast<const uint8_t *>(data);
-    int result = 0;
-    while (count > 0 && result >= 0) {
-        const uint32_t block = std::min(count, BLOCK_BYTES);
-        result = UCM_WriteBlkMBM(slave, address, block, bytes);
-        address += block;
-        bytes += block;
-        count -= block;
+    // Of several blocks, one's confirmation may have come twice in place of the next one's.
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t surplus = MBMSTEP_Surplus();
+        const int result = WriteBlocks(slave, address, count, static_cast<const uint8_t *>(data));
+        if (result < 0 || count <= BLOCK_BYTES || MBMSTEP_Surplus() == surplus)
+            return result;
     }
-    return result;
+    return MBM_Refuse(MBM_FAULT_STEP);
 }
 
 int UCM_ReadMBM(int slave, uint32_t address, uint32_t count, void *buffer)
 {
-    uint8_t *bytes = static_cast<uint8_t *>(buffer);
-    int result = 0;
-    while (count > 0 && result >= 0) {
-        const uint32_t block = std::min(count, BLOCK_BYTES);
-        result = UCM_ReadBlkMBM(slave, address, block, bytes);
-        address += block;
-        bytes += block;
-        count -= block;
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t surplus = MBMSTEP_Surplus();
+        const int result = ReadBlocks(slave, address, count, static_cast<uint8_t *>(buffer));
+        if (result < 0 || !MBMSTEP_IsProofDue(slave) ||
+            (count <= BLOCK_BYTES && !MBMSTEP_IsSuspicious(slave)))
+            return result;
+        const int fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
+        if (fault != 0)
+            return UCM_CountErr(MBM_Refuse(fault));
+        if (MBMSTEP_Surplus() == surplus)
+            return result;
     }
-    return result;
+    return MBM_Refuse(MBM_FAULT_STEP);
 }
 
 int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word, void *data)
@@ -186,6 +239,8 @@ const UCM_Protocol UCM_PROTOCOL_MODBUS = {
     UCM_WriteBlkBgMBM,
     Message,
     nullptr,
+    Prove,
+    IsEchoing,
     LastErrorText,
     AddCounts,
     MBM_IsGone,

@@ -122,17 +122,19 @@ public:
         close(out[1]);
         char line[16] = {};
         isConnected = read(out[0], line, sizeof line - 1) > 0 && strncmp(line, "ready", 5) == 0;
-        close(out[0]);
+        pipe = out[0]; // stays open: its writer must not fail
     }
     ~PymodbusSlave()
     {
         kill(child, SIGTERM);
         waitpid(child, nullptr, 0);
+        close(pipe);
     }
     bool isConnected = false;
 
 private:
     pid_t child = -1;
+    int pipe = -1;
 };
 
 // --- what both must bear

@@ -18,6 +18,7 @@ const char CPG_szUsage[] =
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
     "  --yes, --no         answer questions\n"
@@ -58,6 +59,11 @@ struct LongOption {
 const LongOption LONG_OPTIONS[] = {
     {"help", false, [](CPG_Options *o, const char *) { return o->isHelp = true; }},
     {"version", false, [](CPG_Options *o, const char *) { return o->isVersion = true; }},
+    {"echo", false,
+     [](CPG_Options *o, const char *) {
+         o->isEcho = true;
+         return true;
+     }},
     {"full", false, [](CPG_Options *o, const char *) { return o->isFull = true; }},
     {"yes", false,
      [](CPG_Options *o, const char *) {

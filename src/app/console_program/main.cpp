@@ -7,6 +7,7 @@
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
 #include "calendar/archive.h"
+#include "comm/modbus.h"
 #include "comm/trace.h"
 #include "platform/system.h"
 
@@ -32,6 +33,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_SetDefaultAnswer(options.answer);
     HL_ShowProgress(LNE_IsErrorTerminal());
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
+    MBM_isEcho = options.isEcho ? 1 : 0;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
