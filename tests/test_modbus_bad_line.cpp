@@ -110,7 +110,7 @@ TEST_F(ModbusBadLine, EveryValueIsRightAndEveryFailureCounted)
     const VirtualLine &line = *virtualLine;
     EXPECT_GE(seen.timeouts + seen.damaged, line.lost + line.damaged + line.refused);
     EXPECT_EQ(seen.timeouts + seen.damaged, seen.repeated); // once each
-    EXPECT_GE(seen.errors[1], seen.repeated); // and proofs that failed
+    EXPECT_GE(seen.errors[1], seen.repeated);               // and proofs that failed
 }
 
 TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
@@ -127,18 +127,20 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
         {"very late", {0, 0, 0, 0, 0, 0, 0, 1200, false}, 900},
         {"late, lost and damaged", {.05, .2, .02, 0, 0, 0, 0, 700, false}, 800},
         {"stray bytes", {0, 0, 0, 0, .1, 0, 1, 2, false}, 980},
+        {"stray bytes at every answer", {0, 0, 0, 0, 1, 0, 1, 2, false}, 0},
         {"other slaves talk", {0, 0, 0, 0, 0, .1, 1, 2, false}, 990},
         {"echo", {.05, .05, 0, 0, 0, 0, 1, 2, true}, 990},
     };
+    constexpr int SEEDS = 5;
     for (const auto &item : cases) {
         int good = 0;
-        for (uint32_t seed = 1; seed <= 10 && !HasFailure(); seed++) {
+        for (uint32_t seed = 1; seed <= uint32_t{SEEDS} && !HasFailure(); seed++) {
             SCOPED_TRACE(item.name + std::string(", seed ") + std::to_string(seed));
             order.seed(seed);
             Start(item.faults, seed);
-            good += Run(1000);
+            good += Run(item.goodOf1000 > 0 ? 1000 : 20);
         }
-        EXPECT_GE(good / 10, item.goodOf1000) << item.name;
+        EXPECT_GE(good / SEEDS, item.goodOf1000) << item.name;
     }
 }
 

@@ -21,12 +21,14 @@ constexpr int TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB;
 constexpr int FUNCTION_SHIFT = 24;
 constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
 constexpr int SLOW_ATTEMPTS = 4;     // time-outs that the proof of a slow slave may take
+constexpr int PROBES_MAX = 16;       // on a line that adds a byte to every answer there is no end
 constexpr int SILENCE_WAITS_MAX = 8; // time-outs after which a chattering line is given up
 
 STEP_Line book;
 Bytes lastFrames[STEP_PARTNERS]; // the last request to each slave
 bool isSlow[STEP_PARTNERS];      // it answered after its time-out
 Bytes heard;                     // bytes of the present wait, not yet sorted into frames
+int probesLeft = 0;              // of one proof
 int probeFault = 0;              // why the prober gave up
 
 uint32_t disturbedSeen = 0, suspiciousSinceMs = 0; // when something odd was last noticed
@@ -277,6 +279,10 @@ int FaultOf(Wait wait)
 // Any probe's answer will do: an earlier one may be proof enough.
 int Probe(int slave, STEP_Shape shape)
 {
+    if (probesLeft-- <= 0) {
+        probeFault = MBM_FAULT_STEP;
+        return -1;
+    }
     const Bytes frame = BuildProbe(slave, shape);
     if (TRC_isOn)
         MBMTRC_Begin(frame.data(), frame.size(), true);
@@ -382,6 +388,7 @@ int MBMSTEP_Ready()
     if (!IsTunnel(MBM_abySnd))
         return ProveBySilence(slave);
     const int attempts = isSlow[slave] ? SLOW_ATTEMPTS : 1;
+    probesLeft = PROBES_MAX;
     return FaultOfProof(slave, STEP_MakeSafe(&book, slave, shape, attempts, PROBER));
 }
 
@@ -465,6 +472,7 @@ int MBMSTEP_ProveBehind(int slave, int attempts)
     const int fault = SortWaiting(slave);
     if (fault != 0)
         return fault;
+    probesLeft = PROBES_MAX;
     return FaultOfProof(slave, STEP_ProveBehind(&book, slave, attempts, PROBER));
 }
 
