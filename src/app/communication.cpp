@@ -19,7 +19,6 @@ struct OpenReason {
 };
 constexpr OpenReason OPEN_REASONS[] = {
     {-30, "(port is not available)"},
-    {-22, "(port is not available)"}, // Modbus, and the run-time driver
     {-38, "(bad com number)"},
 };
 
