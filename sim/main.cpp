@@ -28,6 +28,8 @@ const char HELP[] =
     "Usage: vireo2-target [options]\n"
     "A simulated target on a pseudo terminal. Prints the device to open, then serves\n"
     "it until it gets SIGTERM or SIGINT.\n"
+    "  --modbus           a Modbus RTU slave: stations 1 to 15 are slaves 1 to 15\n"
+    "  --refuse P         answer this share of the Modbus requests with an exception\n"
     "  --link PATH        make PATH a symbolic link to the device\n"
     "  --baud N           give every character its time on the wire (11 bits)\n"
     "  --echo             echo what is received, as a two-wire line does\n"
@@ -161,6 +163,10 @@ bool applyFlash(const char *text, SIM_Options *options)
 }
 
 const OptionRow rows[] = {
+    {{"modbus", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) { return o->modbus = true; }},
+    {{"refuse", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->refuse); }},
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->link = text;

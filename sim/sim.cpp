@@ -75,7 +75,10 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
         delete target;
         return nullptr;
     }
-    target->thread = std::thread(options.loader ? SIM_ServeLoader : SIM_Serve, target);
+    target->thread = std::thread(options.loader   ? SIM_ServeLoader
+                                 : options.modbus ? SIM_ServeModbus
+                                                  : SIM_Serve,
+                                 target);
     return target;
 }
 
@@ -140,6 +143,7 @@ uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
+    target->options.refuse = options.refuse;
     target->options.drop = options.drop;
     target->options.corrupt = options.corrupt;
     target->options.delayMs = options.delayMs;

@@ -10,6 +10,8 @@
 #include <string>
 
 struct SIM_Options {
+    bool modbus = false;        // a Modbus RTU slave instead, see below
+    double refuse = 0;          // share of Modbus requests answered with an exception, 0..1
     int baud = 0;               // 0 = as fast as the machine; else pace every character (11 bits)
     bool echo = false;          // the line echoes what is sent (two-wire RS-485)
     double drop = 0;            // share of answers that are not sent, 0..1
@@ -39,6 +41,15 @@ struct SIM_Loader;
 // write whose padding is not A5) and requests to absent stations are not answered. A write
 // of the command byte at 3C000h is carried out by the TMS320 before its answer.
 //
+// As a Modbus RTU slave, station n is slave n (slave 0 is nobody). Functions 1, 2, 3, 4, 6, 16
+// and 23 are known. Writing an address to the registers FFFDh (even number of bytes) or FFFBh
+// (odd, the last register holds one) reaches memory: function 16 carries the data behind the
+// address, function 23 reads it back from FF00h on. Below FF00h stand plain data: holding
+// register r is the word at byte address 2 r, input register r the one at 20000h + 2 r, coil c
+// bit c % 8 of the byte at 40000h + c / 8, discrete input d likewise from 42000h on. What
+// cannot be served is answered with exception 1 (function), 2 (address) or 3 (quantity); the
+// share `refuse` with 4 or 6. Frames with a wrong CRC are not answered.
+//
 // Null when no pseudo terminal can be had or a file cannot be used (message in *error).
 SIM_Target *SIM_Start(const SIM_Options &options, std::string *error);
 // Also removes the link, writes the flash image; frees target. False with a message when the
@@ -53,7 +64,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value);
 uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress);
 
-// Changes faults while running; only drop, corrupt, delayMs, silentAfter (counted from
+// Changes faults while running; only refuse, drop, corrupt, delayMs, silentAfter (counted from
 // now), echo, mailbox and stations are taken over.
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
 // Answers every request to `command` (0..15) with the target's own error code (65..255); 0 = off.

@@ -35,6 +35,7 @@ struct SIM_Target {
 
 // The thread's body: serves requests until the line is woken.
 void SIM_Serve(SIM_Target *target);
+void SIM_ServeModbus(SIM_Target *target);
 void SIM_ServeLoader(SIM_Target *target); // of a target that runs its boot-strap loader
 
 // Writes the loader's flash to its file. Only when the thread has ended.

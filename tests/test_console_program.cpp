@@ -244,6 +244,39 @@ TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
     EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("0x001000"));
 }
 
+// The other protocol, on a line that echoes: watch list, console, files and registers.
+TEST_F(ConsoleProgram, SpeaksModbus)
+{
+    SIM_Options options;
+    options.demo = false;
+    options.modbus = options.echo = true;
+    StartTarget(options);
+    const uint8_t counter[] = {0x39, 0x30};
+    SIM_Poke(target, 1, 0x8000, counter, sizeof counter);
+    Write("w.dbg", "[8000],u2\n2:[8000],x4\n");
+    Write("Vireo2.ini", "t, MODBUS\no-\nb, 115200\ns, 1\n");
+    const Outcome watch = Run("--echo --watch w.dbg --sweeps 2 --format csv --trace t");
+    EXPECT_EQ(0, watch.code) << watch.err;
+    EXPECT_NE(std::string::npos, watch.out.find("2,,0x008000,u,2,12345,12345,0\n")) << watch.out;
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("memory read of 2 bytes at "));
+    const Outcome lines = Run("--echo --full", "write 2, 4660, 8010H\nbinsave 8000H, 433, m\n"
+                                               "mbread 3, 16384, 1\nmbwrite 2:5, 7\n");
+    EXPECT_EQ(0, lines.code) << lines.err;
+    uint8_t written[2] = {};
+    SIM_Peek(target, 1, 0x8010, written, 2);
+    EXPECT_EQ(0x34, written[0]);
+    EXPECT_EQ(std::string("\x39\x30", 2), ReadFileText(folder / "m").substr(0, 2));
+    EXPECT_EQ(433u, ReadFileText(folder / "m").size());
+    EXPECT_NE(std::string::npos, lines.out.find("3039h   12345     12345\n")) << lines.out;
+    SIM_Peek(target, 2, 10, written, 1);
+    EXPECT_EQ(7, written[0]);
+    // Without the option such a line gives no value, and says what to do.
+    const Outcome echo = Run("--full", "mbwrite 2:5, 8\n");
+    EXPECT_NE(std::string::npos, echo.out.find("switch two-wire line echoes on")) << echo.out;
+    SIM_Peek(target, 2, 10, written, 1);
+    EXPECT_EQ(7, written[0]) << "the echo was taken for a confirmation";
+}
+
 // Without auto-off a watch outlives its target: the same link leads to another device later.
 TEST_F(ConsoleProgram, WatchTakesAPortAgainThatWasUnplugged)
 {

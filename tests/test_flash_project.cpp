@@ -1,5 +1,6 @@
 // The example project of an F283xx: packed into a flash image, put into the simulated
 // target and read back over the wire by the console's map commands.
+#include <cstring>
 #include <map>
 #include <tuple>
 
@@ -82,11 +83,17 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     EXPECT_NE(Run("mfo").find("Reading FLASH from 1C000H, wait for a while please ...\n"
                               "Error during flash read."),
               std::string::npos);
-    for (const char *form : {"mf", "mfn"}) {
+    for (const char *form : {"mf", "mfn", "mf over Modbus"}) {
+        if (form[2] == ' ') { // the same flash by the other protocol
+            SIMT_Stop(RIG_PORT, target);
+            options.modbus = true;
+            target = SIMT_Start(RIG_PORT, options);
+            VR_nProtocol = PROTOCOL_MODBUS;
+        }
         FreeNodes(aVarNode, &nNodes);
         TMF_CleanTables();
         openStruct = OPEN_NONE;
-        const std::string text = Run(form);
+        const std::string text = Run(std::string(form, std::strcspn(form, " ")));
         EXPECT_NE(text.find("Reading FLASH from end, wait for a while please ..."),
                   std::string::npos);
         EXPECT_EQ(text.find("Error"), std::string::npos) << text;

@@ -74,7 +74,7 @@ TEST_F(LinkTest, StationsAndOperationsOfEachProtocol)
     EXPECT_EQ(byte, 0x34);
     EXPECT_EQ(UCM_ReadBg(15, &address, &count, &to), 1);
 
-    EXPECT_EQ(UCM_Open(2, LINK_PORT, LINK_BAUD), -22);
+    EXPECT_EQ(UCM_Open(2, 256, LINK_BAUD), -22);
     EXPECT_EQ(UCM_recS.errors[22], 1);
     EXPECT_EQ(UCM_recS.protocol, 2);
     EXPECT_EQ(MrASC_IsOpened(), 0);

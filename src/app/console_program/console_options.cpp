@@ -24,6 +24,7 @@ const char CPG_szUsage[] =
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
     "  --yes, --no         answer questions\n"
@@ -71,6 +72,11 @@ struct LongOption {
 const LongOption LONG_OPTIONS[] = {
     {"help", false, [](CPG_Options *o, const char *) { return o->isHelp = true; }},
     {"version", false, [](CPG_Options *o, const char *) { return o->isVersion = true; }},
+    {"echo", false,
+     [](CPG_Options *o, const char *) {
+         o->isEcho = true;
+         return true;
+     }},
     {"full", false, [](CPG_Options *o, const char *) { return o->isFull = true; }},
     {"yes", false,
      [](CPG_Options *o, const char *) {

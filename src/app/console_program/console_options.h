@@ -14,6 +14,7 @@ struct CPG_Options {
     bool isHelp = false;
     bool isVersion = false;
     bool isFull = false;
+    bool isEcho = false; // the line echoes what is sent
     HL_DefaultAnswer answer = HL_ANSWER_SAFE;
     std::string watchFile; // "" = do not watch
     long sweeps = 0;       // 0 = until interrupted

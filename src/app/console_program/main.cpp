@@ -9,6 +9,7 @@
 #include "app/startup.h"
 #include "app/version.h"
 #include "calendar/archive.h"
+#include "comm/modbus.h"
 #include "comm/trace.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
@@ -52,6 +53,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_ShowProgress(LNE_IsErrorTerminal());
     HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
+    MBM_isEcho = options.isEcho ? 1 : 0;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     const bool isScope = !options.scopeFile.empty();

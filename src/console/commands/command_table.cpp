@@ -40,6 +40,8 @@ const ScrRow SCR_aTable[] = {
     {SCR_L3Read, "l3read", {PLACE, LENGTH, PATH}},
     {ScrFnGetLog, "getlog", {TEXT, PATH}},
     {SCR_DlldTst, "dlldtst", {INT16}},
+    {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
+    {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},

@@ -29,6 +29,9 @@ int SCR_L3Erase(ScrPar *par);
 int SCR_L3Write(ScrPar *par);
 int SCR_L3Verify(ScrPar *par);
 int SCR_L3Read(ScrPar *par);
+// Registers of any Modbus slave; the parameter is the whole line.
+int SCR_MbRead(ScrPar *par);
+int SCR_MbWrite(ScrPar *par);
 // Settings and the monitor itself.
 int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
