@@ -140,7 +140,7 @@ const FaultCase FAULT_CASES[] = {
     {"good", [](SIM_Options *) {}, 1, 1, PATIENT_MS, true, "answered|station 1: read 2 bytes at",
      "Every message was answered"},
     {"silent", [](SIM_Options *) {}, 1, OTHER_STATION, HASTY_MS, false,
-     "no answer (!)|station 7: read", "never an answer"},
+     "no answer (!)|station 7: ", "never an answer"},
     {"damaged", [](SIM_Options *o) { o->corrupt = 1; }, 1, 1, PATIENT_MS, false, "answer damaged (",
      "Every answer is damaged"},
     {"echo", [](SIM_Options *o) { o->echo = true; }, 1, 1, PATIENT_MS, false,

@@ -151,6 +151,12 @@ void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
     CheckSurplus(line, &book, book.sent);
 }
 
+bool STEP_HaveAllCome(const STEP_Line &line, int partner)
+{
+    const STEP_Partner &book = line.partners[static_cast<size_t>(partner)];
+    return book.came >= book.sent;
+}
+
 void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)
 {
     STEP_Partner &book = PartnerOf(line, partner);

@@ -121,7 +121,7 @@ STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 
 // How the waiting for an answer goes on after a frame.
 struct Judgement {
-    enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO } kind = WAIT;
+    enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO, UNSOUND } kind = WAIT;
     int code = 0; // of the answer check, of a frame that was none's answer
 };
 
@@ -148,13 +148,10 @@ Judgement JudgeAnswer(const Mr166_Request *request, int station)
 {
     const int command = request != nullptr ? request->command : MR166_CMD_READ;
     const int code = mr166CheckAnswer(sorter.frame, sorter.count, station, command);
-    if (code < 0 && code > MR166_ERR_STATION) {
+    if ((code < 0 && code > MR166_ERR_STATION) || code == MR166_ERR_LENGTH) {
         STEP_Junk(&line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
-        return {Judgement::WAIT, code};
-    }
-    if (code == MR166_ERR_LENGTH) {
-        STEP_Junk(&line, station, 1);
-        return {Judgement::WAIT, code};
+        const bool isLast = STEP_HaveAllCome(line, station);
+        return {isLast ? Judgement::UNSOUND : Judgement::WAIT, code};
     }
     if (request == nullptr || code == MR166_ERR_STATION || code == MR166_ERR_COMMAND)
         return BookOther(code);
@@ -192,7 +189,7 @@ Judgement JudgeByte(char byte, const Mr166_Request *request, int station)
         if (!isOwn) // an answer whose first character was damaged looks like this
             STEP_Junk(&line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         sorter.count = 0;
-        return {isOwn ? Judgement::ECHO : Judgement::WAIT, 0};
+        return {isOwn ? Judgement::ECHO : Judgement::WAIT, isOwn ? 0 : MR166_ERR_START};
     }
     case Event::DAMAGED:
         STEP_Junk(&line, station, sorter.damagedChars >= JUNK_ANSWER_CHARS ? 1 : 0);

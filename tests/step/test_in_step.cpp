@@ -304,6 +304,18 @@ TEST_P(BothDrivers, AnEchoIsSkippedOrExplained)
     }
 }
 
+TEST_P(BothDrivers, AnAnswerHalfThereBeforeTheRequestIsNotItsAnswer)
+{
+    VL_Schedule line;
+    line.delayMin = line.delayMax = VL_TIMEOUT_MS * 0.5;
+    start(line);
+    ASSERT_TRUE(isRead(0x1000, 2));
+    const std::string other = VL_Answer(1, 0, -1, {0x12, 0x34});
+    VL_Inject(other.substr(0, 6), 0);
+    VL_Inject(other.substr(6), 3);
+    EXPECT_TRUE(isRead(0x1000, 2));
+}
+
 TEST_P(BothDrivers, ALateAcknowledgementIsOfNoOtherWrite)
 {
     VL_Schedule late;
@@ -379,6 +391,9 @@ TEST_P(BothDrivers, BreaksOffAtTheNextTryAndSaysForWhomItWaits)
     EXPECT_EQ(nMr166Err, MR166_FAULT_CANCELLED);
     EXPECT_LT(VL_NowUs() - before, 3 * VL_TIMEOUT_MS * 1000u);
     EXPECT_EQ(waitedFor.substr(0, 4), "1 9 ");
+    askedBreak = 100;
+    EXPECT_LT(UCM_Read(1, 0x1000, sizeof bytes, bytes), 0);
+    EXPECT_EQ(askedBreak, 101) << "no further tries";
 }
 
 } // namespace

@@ -245,10 +245,10 @@ void VL_SendRead(int station, uint32_t address, unsigned count)
         Receive(byte);
 }
 
-void VL_Inject(const std::string &characters)
+void VL_Inject(const std::string &characters, double afterMs)
 {
     for (const char byte : characters)
-        Arrive(nowUs, byte);
+        Arrive(nowUs + static_cast<uint64_t>(afterMs * 1000), byte);
 }
 
 // --- the port and the clock ---------------------------------------------------------------

@@ -44,8 +44,8 @@ extern uint8_t VL_epoch;
 
 // A request as another program would have sent it; nobody reads its answer.
 void VL_SendRead(int station, uint32_t address, unsigned count);
-// Characters that stand in the input as if they had come from the line.
-void VL_Inject(const std::string &characters);
+// Characters that come from the line after a while.
+void VL_Inject(const std::string &characters, double afterMs);
 std::string VL_Answer(int station, int command, int count, const std::vector<uint8_t> &data);
 
 struct VL_Counters {
