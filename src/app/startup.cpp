@@ -95,7 +95,7 @@ int VR_StartUp(int argc, char **argv)
     SetEndCallback(EndAtOnce);
     PrepareMenu();
     WindowCB(0, ITEM_CONSOLE_VIEW);
-    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
+    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     SuspendTimerCallbacks();
     isTimer = 0;
     GetCmdLineOptions(argc, argv);
