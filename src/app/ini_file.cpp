@@ -212,6 +212,12 @@ void ReadFullCommands(const std::string &, const std::string &)
     VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
+void ReadEcho(const std::string &, const std::string &)
+{
+    Option_Echo = 1;
+    VR_isEchoOnce = false; // kept, whatever this run's options say
+}
+
 // Shown once the window is there.
 void ReadView(const std::string &, const std::string &value)
 {
@@ -232,7 +238,7 @@ constexpr Key KEYS[] = {
     {"p", false, ReadPort},      {"s", false, ReadStation},
     {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
     {"view", false, ReadView},   {"m2", true, ReadSecondMap},
-    {"tm", true, ReadTypes},
+    {"tm", true, ReadTypes},     {"echo", false, ReadEcho},
 };
 
 const Key *FindKey(const std::string &text)
@@ -387,6 +393,8 @@ std::string SettingsText()
         AddLine(&text, "view", "watch");
     AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : kept.tmsMap, nullptr);
     AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
+    if (Option_Echo != 0 && !VR_isEchoOnce)
+        text += std::string("echo") + END_OF_LINE;
     return text;
 }
 

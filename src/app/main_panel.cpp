@@ -80,6 +80,7 @@ void CheckOptions()
         Check(item, item - ITEM_STATION_FIRST == STATION);
     Check(ITEM_AUTO_OFF, Option_AutoOff != 0);
     Check(ITEM_COM_WIN32, Option_ComWin32 != 0);
+    Check(ITEM_ECHO, Option_Echo != 0);
     Check(ITEM_FULL_COMMANDS, VR_isFullCommandSet);
 }
 

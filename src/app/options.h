@@ -14,5 +14,6 @@ void ComWin32CB(int menuBar, int item);
 void AutoOffCB(int menuBar, int item);
 void ClosePortCB(int menuBar, int item);
 void FullCommandsCB(int menuBar, int item);
+void EchoCB(int menuBar, int item);
 
 #endif

@@ -11,6 +11,7 @@ namespace {
 // like two chosen by lot, one right behind the other.
 constexpr int PROBES_FOR_UNKNOWN = 2;
 constexpr size_t RECENT_PROBES_MAX = 16;
+constexpr int PROBES_MAX = 16; // for one proof
 
 STEP_Listener listener;
 int lastPartner = -1;
@@ -79,8 +80,9 @@ uint32_t NextRandom(STEP_Line *line)
 template <typename IsDone>
 int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &prober, IsDone isDone)
 {
-    while (!isDone()) {
-        if (attempts <= 0)
+    // A line that adds characters to every answer is never calm: answered probes end too.
+    for (int probes = 0; !isDone(); ++probes) {
+        if (attempts <= 0 || probes == PROBES_MAX)
             return STEP_ERR_SILENT;
         const STEP_Shape shape = STEP_PickProbe(line, partner, prober.shapes, prober.count);
         const int result = prober.probe(partner, shape);

@@ -203,6 +203,7 @@ enum {
     ITEM_AUTO_OFF = 69,
     ITEM_COM_WIN32 = 70,
     ITEM_FULL_COMMANDS = 71, // every console command is admitted
+    ITEM_ECHO = 72,          // the two-wire line echoes what is sent (Modbus)
     ITEM_UNDO = 73,         // undo of the last removal; nothing to undo at start
     ITEM_WATCH_VIEW = 74,
     ITEM_CONSOLE_VIEW = 75,
