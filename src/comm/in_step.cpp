@@ -11,6 +11,7 @@ namespace {
 // like two chosen by lot, one right behind the other.
 constexpr int PROBES_FOR_UNKNOWN = 2;
 constexpr size_t RECENT_PROBES_MAX = 16;
+constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
 
 STEP_Listener listener;
 int lastPartner = -1;
@@ -79,15 +80,16 @@ uint32_t NextRandom(STEP_Line *line)
 template <typename IsDone>
 int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &prober, IsDone isDone)
 {
-    while (!isDone()) {
-        if (attempts <= 0)
+    int left = attempts;
+    for (int sent = 0; !isDone(); ++sent) {
+        if (left <= 0 || sent == PROBES_MAX)
             return STEP_ERR_SILENT;
         const STEP_Shape shape = STEP_PickProbe(line, partner, prober.shapes, prober.count);
         const int result = prober.probe(partner, shape);
         if (result < 0)
             return STEP_ERR_ENDED;
-        if (result == 0)
-            --attempts;
+        // A slow partner that has answered one probe will answer the next as well.
+        left = result > 0 ? attempts : left - 1;
     }
     return STEP_PROVEN;
 }

@@ -86,7 +86,7 @@ enum {
     STEP_ERR_SILENT = -1, // no probe was answered
     STEP_ERR_ENDED = -2,  // the prober gave up
 };
-// Sends probes until a request of this shape is safe; at most `attempts` may stay
+// Sends probes until a request of this shape is safe; at most `attempts` in a row may stay
 // unanswered. Costs nothing when it is safe already.
 int STEP_MakeSafe(STEP_Line *line, int partner, STEP_Shape shape, int attempts,
                   const STEP_Prober &prober);

@@ -122,7 +122,8 @@ STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 // How the waiting for an answer goes on after a frame.
 struct Judgement {
     enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO, UNSOUND } kind = WAIT;
-    int code = 0; // of the answer check, of a frame that was none's answer
+    int code = 0;         // of the answer check, of a frame that was none's answer
+    bool isOlder = false; // an answer to an older request: the partner works them off
 };
 
 // Books a sound answer that is not the one waited for.
@@ -140,6 +141,7 @@ Judgement BookOther(int code)
     judgement.kind = isProof ? Judgement::PROOF : Judgement::WAIT;
     const bool isError = count >= MR166_TARGET_ERROR_MIN;
     judgement.code = isError || line.disturbed != before ? code : 0;
+    judgement.isOlder = line.disturbed == before;
     return judgement;
 }
 
@@ -297,17 +299,16 @@ struct Reading {
 // any probe's answer, because that may be proof enough.
 Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kind sending)
 {
-    const uint32_t start = PLT_TickMs();
+    uint32_t start = PLT_TickMs(), limitMs = Mr166_nTimeoutMs;
     Reading reading;
     bool isAnythingRead = false;
     char bytes[CHUNK];
     while (reading.kind == Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
         const bool isEndless = Mr166_wComDbg && driver.isEchoSkipped;
-        if (passed >= Mr166_nTimeoutMs && !isEndless)
+        if (passed >= limitMs && !isEndless)
             break;
-        const uint32_t wait =
-            passed < Mr166_nTimeoutMs ? Mr166_nTimeoutMs - passed : Mr166_nTimeoutMs;
+        const uint32_t wait = passed < limitMs ? limitMs - passed : limitMs;
         const int got = driver.readSome(bytes, sizeof bytes, wait);
         if (got < 0) {
             reading.isGone = true;
@@ -322,6 +323,10 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
                 JudgeByte(bytes[i], isWaiting ? &request : nullptr, request.station);
             if (!isWaiting)
                 continue;
+            if (judgement.isOlder) { // it is slow, and ours is in the queue behind
+                start = PLT_TickMs();
+                limitMs = Mr166_nTimeoutMs * (static_cast<uint32_t>(Mr166_CnBlkRpt) + 1);
+            }
             if (reading.code == 0 || judgement.kind == Judgement::REFUSED)
                 reading.code = judgement.code;
             if (judgement.kind == Judgement::ECHO)
