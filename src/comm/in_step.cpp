@@ -8,8 +8,8 @@
 namespace {
 
 // What an earlier program left behind may by chance look like a probe's answer, but hardly
-// like two chosen by lot, one right behind the other.
-constexpr int PROBES_FOR_UNKNOWN = 2;
+// like three chosen by lot, one right behind the other.
+constexpr int PROBES_FOR_UNKNOWN = 3;
 constexpr size_t RECENT_PROBES_MAX = 16;
 constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
 

@@ -384,7 +384,7 @@ TEST_P(BothDrivers, BreaksOffAtTheNextTryAndSaysForWhomItWaits)
     askedBreak = 0;
     waitedFor.clear();
     UCM_Listener listener;
-    listener.isBreak = [] { return ++askedBreak > 6; };
+    listener.isBreak = [] { return ++askedBreak > 8; };
     listener.waiting = [](int station) { waitedFor += std::to_string(station) + " "; };
     UCM_SetListener(listener);
     ASSERT_TRUE(isRead(0x1000, 2));

@@ -190,7 +190,7 @@ void VL_Start(const VL_Schedule &wanted, uint32_t seed)
     line.clear();
     request.clear();
     written.clear();
-    lastUs = nowUs;
+    nowUs = lastUs = 1000000; // the probes are drawn by the clock: a seed must be all there is
     VL_counters = VL_Counters();
 }
 
