@@ -42,8 +42,10 @@ void CheckSurplus(STEP_Line *line, STEP_Partner *partner, uint32_t requests)
 
 // Books an answer that turned up and crosses out the oldest open request of this shape with
 // all before it, whose answers are lost. Of repetitions it may have been the first, so the
-// later ones stay open. True when it was a probe's.
-bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32_t nowMs)
+// later ones stay open. True when it was a probe's and `isKnown` to be: a refusal has no length
+// to know it by and proves nothing.
+bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool isKnown,
+                uint32_t nowMs)
 {
     ++partner->came;
     const auto found = FindOpen(*partner, shape);
@@ -56,7 +58,7 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32
         newest = open.shape == shape ? open.number : newest;
     CheckSurplus(line, partner, newest);
     partner->came = std::max(partner->came, found->number);
-    const bool isProbe = found->isProbe;
+    const bool isProbe = isKnown && found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
     if (isProbe) {
         partner->isProofDue = false;
@@ -131,7 +133,7 @@ void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
 void STEP_Accepted(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
 {
     STEP_Partner &book = PartnerOf(line, partner);
-    if (!BookAnswer(line, &book, shape, nowMs))
+    if (!BookAnswer(line, &book, shape, true, nowMs))
         book.isProofDue = true;
 }
 
@@ -141,7 +143,12 @@ bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
     if (FindOpen(book, shape) == book.open.end())
         ++line->disturbed;
     // Of a partner that nothing was accepted from, a repeated answer harms nobody.
-    return (!book.open.empty() || book.isProofDue) && BookAnswer(line, &book, shape, nowMs);
+    return (!book.open.empty() || book.isProofDue) && BookAnswer(line, &book, shape, true, nowMs);
+}
+
+void STEP_Refused(STEP_Line *line, int partner, STEP_Shape shape)
+{
+    (void)BookAnswer(line, &PartnerOf(line, partner), shape, false, 0);
 }
 
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)

@@ -132,16 +132,19 @@ Judgement BookOther(int code)
     const int echoed = hexToByte(sorter.frame + 1);
     const int station = echoed >> 4, command = echoed & 15;
     const unsigned count = hexToByte(sorter.frame + 3);
-    STEP_Shape shape = ShapeOf(command, count);
-    if (count >= MR166_TARGET_ERROR_MIN)
-        shape = OldestOfCommand(station, command, shape);
+    const STEP_Shape shape = ShapeOf(command, count);
+    const bool isError = count >= MR166_TARGET_ERROR_MIN;
+    const STEP_Shape refused = OldestOfCommand(station, command, shape);
     const uint32_t before = line.disturbed;
-    const bool isProof = STEP_Passed(&line, station, shape, PLT_TickMs());
+    bool isProof = false;
+    if (isError && refused != shape)
+        STEP_Refused(&line, station, refused);
+    else
+        isProof = STEP_Passed(&line, station, shape, PLT_TickMs());
     Judgement judgement;
     judgement.kind = isProof ? Judgement::PROOF : Judgement::WAIT;
-    const bool isError = count >= MR166_TARGET_ERROR_MIN;
-    judgement.code = isError || line.disturbed != before ? code : 0;
     judgement.isOlder = line.disturbed == before;
+    judgement.code = isError || !judgement.isOlder ? code : 0;
     return judgement;
 }
 
@@ -160,7 +163,7 @@ Judgement JudgeAnswer(const Mr166_Request *request, int station)
     const STEP_Shape shape = ShapeOfAnswerTo(*request);
     const bool isError = code <= -MR166_TARGET_ERROR_MIN;
     if (isError && OldestOfCommand(station, command, shape) == shape) {
-        STEP_Passed(&line, station, shape, PLT_TickMs());
+        STEP_Refused(&line, station, shape);
         return {Judgement::REFUSED, code};
     }
     if (isError || ShapeOf(command, static_cast<unsigned>(code)) != shape)
@@ -392,7 +395,7 @@ int ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
         return Succeed(request, isEchoSeen);
     }
     if (ending == Mr166_Ending::COMPLETE && count <= -MR166_TARGET_ERROR_MIN) {
-        STEP_Passed(&line, request.station, shape, PLT_TickMs());
+        STEP_Refused(&line, request.station, shape);
         return FailCheck(count, count, isEchoSeen);
     }
     const bool isEcho = ending == Mr166_Ending::COMPLETE && StartsWithOwnEcho();
