@@ -59,6 +59,7 @@ protected:
         FreeNodes(aVarNode166, &nNodes166);
         openTMSStruct = openStruct166 = OPEN_NONE;
         VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
+        Option_Echo = 0;
         SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
     }
     // Reads settings and gives what a save makes of them.
