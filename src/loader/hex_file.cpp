@@ -38,7 +38,8 @@ std::string DescribeLength(const char *line, size_t length)
 {
     uint32_t count = 0;
     IHEX167_GetUHEXN(line + 1, 2, &count);
-    return Format("%zu characters, but a record of %u bytes has %u", length, count, 11 + 2 * count);
+    return Format("%u characters, but a record of %u bytes has %u", static_cast<unsigned>(length),
+                  count, 11 + 2 * count);
 }
 
 std::string DescribeSum(const char *line, size_t length)

@@ -62,7 +62,8 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_OPEN:
         return "The file cannot be read.";
     case LDR_ERR_PROBLEMS:
-        return Format("The file cannot be programmed: problems found: %zu.", job.file.fatal);
+        return Format("The file cannot be programmed: problems found: %u.",
+                      static_cast<unsigned>(job.file.fatal));
     case LDR_ERR_PORT:
         return "The port cannot be used: " + job.cause + ".";
     case LDR_ERR_TARGET:
@@ -112,7 +113,8 @@ std::string LDR_GetQuestion(const LDR_Job &job, int port)
     text += job.file.path + "\n";
     if (!job.file.ranges.empty()) {
         const HEX_Range all = {job.file.ranges.front().first, job.file.ranges.back().last};
-        text += Format("to 0x%06X-0x%06X (%zu bytes)?", all.first, all.last, job.file.data.size());
+        text += Format("to 0x%06X-0x%06X (%u bytes)?", all.first, all.last,
+                       static_cast<unsigned>(job.file.data.size()));
     }
     return text;
 }

@@ -2,22 +2,22 @@
 // borrows the port for its time, so that communication goes on as before.
 #include <cstdio>
 
-#include "settings/settings.h"
-#include "watch/main_window.h"
 #include "comm/mr166_link.h"
 #include "comm/sysaddr.h"
 #include "console/commands/array_types.h"
 #include "console/commands/commands.h"
-#include "console/script/script_command.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
+#include "console/script/script_command.h"
 #include "loader/borrow.h"
 #include "loader/hex_stream.h"
 #include "loader/l3_protocol.h"
 #include "loader/program.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/main_window.h"
 
 namespace {
 
@@ -75,7 +75,8 @@ void PrintProblems(const HEX_File &file)
     for (const HEX_Problem &problem : file.problems)
         CON_Print("%s", HEX_FormatProblem(problem).c_str());
     if (file.fatal + file.remarks > file.problems.size())
-        CON_Print("... and %zu more", file.fatal + file.remarks - file.problems.size());
+        CON_Print("... and %u more",
+                  static_cast<unsigned>(file.fatal + file.remarks - file.problems.size()));
 }
 
 int SaveBytes(const char *path, const std::vector<uint8_t> &bytes)
@@ -157,7 +158,7 @@ int SCR_L3Verify(ScrPar *par)
         StopMeter(meter);
         if (result < 0)
             return FailAs(result, "l3verify: " + LDR_GetResultText(job));
-        CON_Print(" OK, %zu bytes are equal.", job.file.data.size());
+        CON_Print(" OK, %u bytes are equal.", static_cast<unsigned>(job.file.data.size()));
         return result;
     });
 }
