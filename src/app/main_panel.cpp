@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "app/connect_page.h"
+#include "app/window_places.h"
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
@@ -125,6 +127,9 @@ std::string MapText()
     }
 }
 
+const char ECHO_TEXT[] = "The line echoes what is sent: switch Win32 services off. ";
+bool isEchoShown = false;
+
 std::string TypesText()
 {
     if (TMF_cnDefVars == 0)
@@ -143,7 +148,10 @@ void SetMainPanelStateLine()
     text += numbers;
     text += Option_AutoOff != 0 ? "auto-off; " : "";
     text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
-    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + MapText() + TypesText());
+    isEchoShown = UCM_IsEchoing();
+    // In front of paths, which may be longer than the window is wide.
+    const std::string echo = isEchoShown ? ECHO_TEXT : "";
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + echo + MapText() + TypesText());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
 }
@@ -159,11 +167,13 @@ void VR_DimControls()
         EnableItem(item, hasItems);
     for (const int control : {MAIN_BTN_RELOAD, MAIN_BTN_EDIT})
         EnableCtrl(control, hasFile);
-    for (const int item : {ITEM_RELOAD, ITEM_EDIT_FILE})
+    for (const int item : {ITEM_RELOAD, ITEM_RELOAD_NOW, ITEM_EDIT_FILE})
         EnableItem(item, hasFile);
     EnableCtrl(MAIN_BTN_MAP, hasMap);
     EnableItem(ITEM_RELOAD_MAP, hasMap);
     LEV_Enable();
+    if (UCM_IsEchoing() != isEchoShown) // called at the end of each sweep
+        SetMainPanelStateLine();
 }
 
 void VR_ShowSettings()
@@ -177,6 +187,8 @@ void VR_ShowSettings()
     VR_DimControls();
     VR_ShowComState();
     VSL_SymbolsChanged();
+    WPL_ApplyColumns();
+    CNP_Refresh();
 }
 
 void VR_ShowComState()

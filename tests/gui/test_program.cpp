@@ -7,6 +7,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 
+#include "comm/mr166_link.h"
 #include "gui/gui_support.h"
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/toggle_switch.h"
@@ -161,6 +162,38 @@ TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
         EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
         ASSERT_TRUE(settle());
     }
+}
+
+// Off is off at the next exchange, not after the four tries of a block; until then the
+// window says for whom it waits.
+TEST_F(ProgramTest, SwitchingOffDoesNotWaitForASilentTarget)
+{
+    SIM_Options silent;
+    silent.stations = 0;
+    unplug();
+    plug(silent);
+    onProgram([] {
+        Option_AutoOff = 0;
+        Mr166_nTimeoutMs = 1000;
+        STATION = 9;
+    });
+    clickCommunication();
+    VIEW_Busy busy;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            VIEW_GetBusy(&busy);
+            return busy.isBusy && busy.text == "waiting for station 9";
+        },
+        PATIENCE_MS));
+    const int before = EC_wTimeErr;
+    clickCommunication();
+    ASSERT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS));
+    EXPECT_LE(EC_wTimeErr - before, 1);
+    onProgram([] {
+        EXPECT_EQ(0, isTimer);
+        Mr166_nTimeoutMs = 400;
+        STATION = 1;
+    });
 }
 
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)

@@ -218,6 +218,12 @@ void ReloadDbgCB(int /*menuBar*/, int /*item*/)
     OpenWithDialog(mainPanel);
 }
 
+void ReloadNowCB(int /*menuBar*/, int /*item*/)
+{
+    if (!szDebugFileName.empty() && DBG_Open(std::string(szDebugFileName)) == 0)
+        ShowLoaded();
+}
+
 void EditDbgCB(int /*menuBar*/, int /*item*/)
 {
     EditInEditor();
