@@ -1,6 +1,8 @@
 #include "app/connect_page.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "app/options.h"
 #include "comm/communication.h"
@@ -9,12 +11,9 @@
 #include "platform/serial.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
-#include "symbols/mapfile.h"
-#include "symbols/typemap.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
-#include "watch/list/litem.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 

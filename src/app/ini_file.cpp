@@ -152,7 +152,7 @@ void ReadTmsMapFile(const std::string &, const std::string &path)
 
 void ReadDebugFile(const std::string &, const std::string &path)
 {
-    if (path.empty() || !IsLoaded("Debug file", path, dat2litems(path.c_str()), &kept.debugFile))
+    if (path.empty() || !IsLoaded("Watch list", path, dat2litems(path.c_str()), &kept.debugFile))
         return;
     szDebugFileName = path;
     SetMainPanelTitle();

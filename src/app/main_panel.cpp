@@ -137,6 +137,32 @@ std::string TypesText()
     return "; types: " + TMF_GetCountsText();
 }
 
+struct Meaning {
+    int value;
+    const char *text;
+};
+constexpr Meaning CPU_MEANINGS[] = {{CPU_C166, "C166"},
+                                    {CPU_C167, "C167"},
+                                    {CPU_F283XX, "TMS320F283xx"},
+                                    {CPU_F2803X, "TMS320F2803x"}};
+
+// What the state line says, in plain words.
+std::string StateTip()
+{
+    std::string text = "Processor: unknown";
+    for (const Meaning &row : CPU_MEANINGS)
+        if (row.value == Procesor)
+            text = std::string("Processor: ") + row.text;
+    text += VR_nProtocol == PROTOCOL_MODBUS ? "\nModbus RTU, slave " : "\nmr166 frames, station ";
+    text += std::to_string(STATION) + "\nPort " + WRD_Visible(UCM_PortName(ncom)) + " at " +
+            std::to_string(bRate) + " baud";
+    text += Option_ComWin32 != 0 ? "\nEchoes of a two-wire line are not skipped (Win32 services)"
+                                 : "\nEchoes of a two-wire line are skipped (run-time services)";
+    text += Option_AutoOff != 0 ? "\nCommunication goes off after repeated errors"
+                                : "\nCommunication stays on whatever fails";
+    return text + "\n" + MapText();
+}
+
 } // namespace
 
 void SetMainPanelStateLine()
@@ -152,6 +178,7 @@ void SetMainPanelStateLine()
     // In front of paths, which may be longer than the window is wide.
     const std::string echo = isEchoShown ? ECHO_TEXT : "";
     SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + echo + MapText() + TypesText());
+    SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
 }

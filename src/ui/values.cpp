@@ -26,6 +26,8 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_CONSOLE, CONSOLE_INPUT, KEY_UP, KEY_DOWN, true}, // earlier lines
 
     {PANEL_CONNECT, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_STATISTICS, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_TRACE, 0, KEY_ESC, KEY_ESC, true},
 
     {PANEL_ITEM, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_ITEM, WITEM_TYPE, KEY_ENTER, KEY_ENTER, true},
