@@ -286,6 +286,24 @@ TEST_F(App, RecentFilesMoveToTheHead)
     EXPECT_EQ("f9", szaDebugFileNames[0]);
 }
 
+TEST_F(App, TheWatchListIsReadAgainWithoutADialog)
+{
+    WriteFileText("list.dbg", "[0x1000], u2\r\n");
+    WriteFileText("Vireo2.ini", "d0, list.dbg\r\n");
+    ASSERT_EQ(0, Start());
+    ASSERT_EQ(1, nLItems);
+    WriteFileText("list.dbg", "[0x1000], u2\r\n[0x1002], u2\r\n");
+    HL_ClickMenu(ITEM_RELOAD_NOW);
+    EXPECT_EQ(2, nLItems);
+    EXPECT_TRUE(HL_GetPopups().empty());
+    // Unsaved changes are asked about all the same; cancelled, nothing is read.
+    IsDBGChange = 1;
+    WriteFileText("list.dbg", "[0x1000], u2\r\n");
+    HL_ClickMenu(ITEM_RELOAD_NOW);
+    EXPECT_EQ(1u, HL_GetPopups().size());
+    EXPECT_EQ(2, nLItems);
+}
+
 TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
 {
     setenv("VIREO2_COM1", (folder / "no-such-port").c_str(), 1);

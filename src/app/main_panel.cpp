@@ -127,7 +127,9 @@ std::string MapText()
     }
 }
 
+// Only the run-time driver of mr166 can skip an echo.
 const char ECHO_TEXT[] = "The line echoes what is sent: switch Win32 services off. ";
+const char MODBUS_ECHO_TEXT[] = "The line echoes what is sent. ";
 bool isEchoShown = false;
 
 std::string TypesText()
@@ -176,7 +178,8 @@ void SetMainPanelStateLine()
     text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
     isEchoShown = UCM_IsEchoing();
     // In front of paths, which may be longer than the window is wide.
-    const std::string echo = isEchoShown ? ECHO_TEXT : "";
+    const char *advice = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_ECHO_TEXT : ECHO_TEXT;
+    const std::string echo = isEchoShown ? advice : "";
     SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + echo + MapText() + TypesText());
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
