@@ -223,7 +223,7 @@ TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
     EXPECT_FALSE(text->textCursor().hasSelection());
     onProgram([] { ShowHelpText("no-such-file.md"); });
     EXPECT_TRUE(text->toPlainText().contains("cannot be read"));
-    QTest::keyClick(help, Qt::Key_Escape);
+    QTest::keyClick(search, Qt::Key_Escape);
     EXPECT_TRUE(QTest::qWaitFor([help] { return !help->isVisible(); }, PATIENCE_MS));
 }
 

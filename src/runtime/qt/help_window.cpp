@@ -3,6 +3,7 @@
 #include "runtime/qt/qt_view.h"
 
 #include <QFile>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
@@ -47,7 +48,6 @@ public:
             m_search->setFocus();
             m_search->selectAll();
         });
-        connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     }
 
     void show(const QString &path)
@@ -66,6 +66,15 @@ public:
         raise();
         activateWindow();
         m_search->setFocus();
+    }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape)
+            close();
+        else
+            QWidget::keyPressEvent(event);
     }
 
 private:
