@@ -12,6 +12,7 @@
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
+#include "runtime/view.h"
 #include "settings/settings.h"
 #include "sim/sim.h"
 #include "support/scratch.h"
@@ -228,6 +229,36 @@ TEST_F(App, PortByNumberIsClampedAndCancelKeepsIt)
     EXPECT_EQ(std::vector<int>{ITEM_PORT_OTHER}, Checked(MENU_PORT));
 }
 
+TEST_F(App, DevicePathTakesThePlaceOfANumber)
+{
+    setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
+    ASSERT_EQ(0, Start());
+    std::string error;
+    SIM_Target *target = SIM_Start(SIM_Options(), &error);
+    ASSERT_TRUE(target) << error;
+    const std::string device = SIM_DevicePath(target);
+    HL_PushAnswer(1, " " + device + " ");
+    HL_ClickMenu(ITEM_PORT_OTHER);
+    const int given = ncom;
+    EXPECT_GE(given, 1);
+    HL_PushAnswer(1, "/no/such/device");
+    HL_ClickMenu(ITEM_PORT_OTHER);
+    EXPECT_EQ("Error: There is no device '/no/such/device'.", HL_GetPopups().back());
+    EXPECT_EQ(given, ncom);
+    HL_PushAnswer(1, "77");
+    HL_ClickMenu(ITEM_PORT_OTHER);
+    EXPECT_EQ(77, ncom);
+    // The same device keeps its number, and the number leads to it.
+    HL_PushAnswer(1, device);
+    HL_ClickMenu(ITEM_PORT_OTHER);
+    EXPECT_EQ(given, ncom);
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    EXPECT_EQ(1, isTimer);
+    VIR2_StopPeriodicASC();
+    SIM_Stop(target);
+    unsetenv("XDG_CONFIG_HOME");
+}
+
 TEST_F(App, RecentFilesMoveToTheHead)
 {
     for (int i = 1; i <= 10; i++)
@@ -255,21 +286,39 @@ TEST_F(App, RecentFilesMoveToTheHead)
     EXPECT_EQ("f9", szaDebugFileNames[0]);
 }
 
+TEST_F(App, TheWatchListIsReadAgainWithoutADialog)
+{
+    WriteFileText("list.dbg", "[0x1000], u2\r\n");
+    WriteFileText("Vireo2.ini", "d0, list.dbg\r\n");
+    ASSERT_EQ(0, Start());
+    ASSERT_EQ(1, nLItems);
+    WriteFileText("list.dbg", "[0x1000], u2\r\n[0x1002], u2\r\n");
+    HL_ClickMenu(ITEM_RELOAD_NOW);
+    EXPECT_EQ(2, nLItems);
+    EXPECT_TRUE(HL_GetPopups().empty());
+    // Unsaved changes are asked about all the same; cancelled, nothing is read.
+    IsDBGChange = 1;
+    WriteFileText("list.dbg", "[0x1000], u2\r\n");
+    HL_ClickMenu(ITEM_RELOAD_NOW);
+    EXPECT_EQ(1u, HL_GetPopups().size());
+    EXPECT_EQ(2, nLItems);
+}
+
 TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
 {
     setenv("VIREO2_COM1", (folder / "no-such-port").c_str(), 1);
     ASSERT_EQ(0, Start());
     HL_Toggle(PANEL_MAIN, MAIN_COMM);
     ASSERT_EQ(1u, HL_GetPopups().size());
-    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(port is not available)",
+    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(port is not available)\n"
+              "COM1 (" +
+                  (folder / "no-such-port").string() + "): port is not available: no such device",
               HL_GetPopups()[0]);
     EXPECT_EQ(0, isTimer);
     EXPECT_EQ(0, UiValue(mainPanel, MAIN_COMM));
     EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
     EXPECT_EQ(-38, Check_ASC_Open(-38));
     EXPECT_EQ("Error: Error opening serial port 'COM1'.\n(bad com number)", HL_GetPopups().back());
-    EXPECT_EQ(-22, Check_ASC_Open(-22));
-    EXPECT_EQ("Error: Error opening serial port 'COM1'.\n", HL_GetPopups().back());
 }
 
 TEST_F(App, CommunicationGoesOnAndOffAndReopens)
@@ -311,6 +360,53 @@ TEST_F(App, CommunicationGoesOnAndOffAndReopens)
 }
 
 // Whatever fails in between: nothing but the switch has to be flipped again.
+// What the user wishes to end is ended at the next try, and is no failure that switches off.
+TEST_F(App, SwitchingOffBreaksATransferAtTheNextTry)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    ASSERT_EQ(0, Start());
+    HL_ClickMenu(ITEM_CONNECT);
+    ASSERT_EQ(1, isTimer);
+    uint8_t bytes[640];
+    ASSERT_EQ(0, UCM_Read(STATION, 0x1000, sizeof bytes, bytes));
+    const uint64_t asked = SIM_GetCounters(target).requests;
+    VIEW_Event off;
+    off.kind = VIEW_EVENT_MENU;
+    off.item = ITEM_CONNECT;
+    off.value = 1;
+    ASSERT_TRUE(VIEW_Post(off));
+    EXPECT_LT(UCM_Read(STATION, 0x1000, sizeof bytes, bytes), 0);
+    EXPECT_EQ("cancelled", UCM_LastErrorText());
+    EXPECT_EQ(asked, SIM_GetCounters(target).requests);
+    VR_AutoOff("wRamp: cancelled");
+    EXPECT_EQ(1, isTimer) << "the toggle would switch it on again";
+    EXPECT_EQ(HL_CommitControl(PANEL_MAIN, MAIN_BTN_MAP), HL_DIMMED); // any event brings its turn
+    EXPECT_EQ(0, isTimer);
+    SIM_Stop(target);
+}
+
+TEST_F(App, AnEchoIsSaidInTheStateLineWhileItLasts)
+{
+    SIM_Target *target = nullptr;
+    Connect(&target);
+    SIM_Options echo;
+    echo.echo = true;
+    SIM_SetFaults(target, echo);
+    ASSERT_EQ(0, Start());
+    HL_Toggle(PANEL_MAIN, MAIN_COMM);
+    uint8_t byte = 0;
+    EXPECT_LT(UCM_Read(STATION, 0, 1, &byte), 0);
+    VR_EnableControls(); // as at the end of a sweep
+    const std::string advice = "\nThe line echoes what is sent: switch Win32 services off. Map not";
+    EXPECT_NE(std::string::npos, UiText(mainPanel, MAIN_STATE).find(advice));
+    HL_ClickMenu(ITEM_COM_WIN32);
+    EXPECT_EQ(0, UCM_Read(STATION, 0, 1, &byte));
+    VR_EnableControls();
+    EXPECT_EQ(std::string::npos, UiText(mainPanel, MAIN_STATE).find("echoes"));
+    SIM_Stop(target);
+}
+
 TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
 {
     SIM_Target *target = nullptr;

@@ -212,7 +212,7 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
     const std::string kept = "r, AC166\nt, COM166\no+\nm, missing.m66\nd0, x, y ; z.dbg\n"
                              "b, 19200\np, 1\ns, 1\nCOM, WIN32\nm2, missing.map\ntm, missing.tmf\n";
     EXPECT_EQ(kept, Round(kept));
-    EXPECT_EQ("Map file 'missing.m66' cannot be opened. Debug file 'x' cannot be opened. "
+    EXPECT_EQ("Map file 'missing.m66' cannot be opened. Watch list 'x' cannot be opened. "
               "Map file 'missing.map' cannot be opened. "
               "Type map file 'missing.tmf' cannot be opened.",
               Message());
@@ -238,7 +238,7 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
     EXPECT_EQ(0, nNodes);
     Round("m, /dev/zero\nd0, .\nm2, a\033]0;b\n");
     EXPECT_EQ(
-        "Map file '/dev/zero' is a folder, device or pipe. Debug file '.' is a folder, device or "
+        "Map file '/dev/zero' is a folder, device or pipe. Watch list '.' is a folder, device or "
         "pipe. Map file 'a.]0' cannot be opened.",
         Message());
 }

@@ -12,9 +12,9 @@ namespace {
 // Where the text stands relative to the program: beside it (Windows), installed, or
 // in the tree it was built in.
 constexpr const char *HELP_PLACES[] = {
-    "/vireo2.txt",
-    "/../share/vireo2/help.txt",
-    "/../../../docs/help.txt",
+    "/vireo2.md",
+    "/../share/vireo2/help.md",
+    "/../../../docs/help.md",
 };
 
 } // namespace
@@ -35,8 +35,8 @@ void DisplayHelp()
     const std::string path = VR_FindHelpFile();
     if (path.empty())
         MessagePopup("Help", "The help text is not installed.");
-    else if (PLT_OpenInViewer(path) < 0)
-        MessagePopup("Help", "No program was found to show the help text:\n" + path);
+    else
+        ShowHelpText(path);
 }
 
 void HelpCB(int, int)

@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <vector>
 
+#include "app/window_places.h"
 #include "comm/ucm.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
@@ -39,6 +40,7 @@ constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
 std::string iniPath; // read at start, written at shutdown
 bool isUnreadable;   // there is a file, and it is not ours to write over
+bool isMissing;      // at start
 
 // The line being read, for what is said about it.
 int lineNumber;
@@ -150,7 +152,7 @@ void ReadTmsMapFile(const std::string &, const std::string &path)
 
 void ReadDebugFile(const std::string &, const std::string &path)
 {
-    if (path.empty() || !IsLoaded("Debug file", path, dat2litems(path.c_str()), &kept.debugFile))
+    if (path.empty() || !IsLoaded("Watch list", path, dat2litems(path.c_str()), &kept.debugFile))
         return;
     szDebugFileName = path;
     SetMainPanelTitle();
@@ -224,21 +226,32 @@ void ReadView(const std::string &, const std::string &value)
     VR_isWatchView = value == "watch";
 }
 
+void ReadWindow(const std::string &, const std::string &)
+{
+    WPL_ReadWindow(lineValue);
+}
+
+void ReadColumns(const std::string &, const std::string &)
+{
+    WPL_ReadColumns(lineValue);
+}
+
 struct Key {
     const char *key; // '#' stands for a digit from 1
     bool isPath;
     void (*read)(const std::string &key, const std::string &value);
 };
 constexpr Key KEYS[] = {
-    {"r", false, ReadProcessor}, {"t", false, ReadProtocol},
-    {"o+", false, ReadAutoOff},  {"o-", false, ReadAutoOff},
-    {"m", true, ReadMapFile},    {"mt", true, ReadTmsMapFile},
-    {"d", true, ReadDebugFile},  {"d0", true, ReadDebugFile},
-    {"d#", true, ReadRecent},    {"b", false, ReadBaud},
-    {"p", false, ReadPort},      {"s", false, ReadStation},
-    {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
-    {"view", false, ReadView},   {"m2", true, ReadSecondMap},
-    {"tm", true, ReadTypes},     {"echo", false, ReadEcho},
+    {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
+    {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
+    {"m", true, ReadMapFile},        {"mt", true, ReadTmsMapFile},
+    {"d", true, ReadDebugFile},      {"d0", true, ReadDebugFile},
+    {"d#", true, ReadRecent},        {"b", false, ReadBaud},
+    {"p", false, ReadPort},          {"s", false, ReadStation},
+    {"COM", false, ReadDriver},      {"full", false, ReadFullCommands},
+    {"view", false, ReadView},       {"m2", true, ReadSecondMap},
+    {"tm", true, ReadTypes},         {"window", false, ReadWindow},
+    {"columns", false, ReadColumns},  {"echo", false, ReadEcho},
 };
 
 const Key *FindKey(const std::string &text)
@@ -395,7 +408,7 @@ std::string SettingsText()
     AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
-    return text;
+    return text + WPL_Lines("window", "columns", END_OF_LINE);
 }
 
 // Whether the file on disk already says the same: then there is nothing to save, and a
@@ -414,12 +427,14 @@ int OpenIniFile(int)
     const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
     iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;
     kept = KeptFiles();
+    WPL_Forget();
     baudLine = portLine = stationLine = NumberLine();
     problems.clear();
     std::FILE *file = nullptr;
     const int result = PLF_Open(iniPath, FILE_SIZE_MAX, &file);
     PLT_FileStamp stamp;
     isUnreadable = result != PLF_OK && PLT_GetFileStamp(iniPath, &stamp) == 0;
+    isMissing = result != PLF_OK && !isUnreadable;
     if (file != nullptr) {
         ReadLines(file);
         std::fclose(file);
@@ -433,6 +448,11 @@ int OpenIniFile(int)
     VR_ResolveWatchList();
     ShowProblems();
     return result == PLF_OK ? 0 : -2;
+}
+
+bool INI_IsMissing()
+{
+    return isMissing;
 }
 
 std::string INI_GetRangeProblem()

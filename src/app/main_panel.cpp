@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "app/connect_page.h"
+#include "app/window_places.h"
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
@@ -126,11 +128,42 @@ std::string MapText()
     }
 }
 
+// Only the run-time driver of mr166 can skip an echo.
+const char ECHO_TEXT[] = "The line echoes what is sent: switch Win32 services off. ";
+const char MODBUS_ECHO_TEXT[] = "The line echoes what is sent. ";
+bool isEchoShown = false;
+
 std::string TypesText()
 {
     if (TMF_cnDefVars == 0)
         return "";
     return "; types: " + TMF_GetCountsText();
+}
+
+struct Meaning {
+    int value;
+    const char *text;
+};
+constexpr Meaning CPU_MEANINGS[] = {{CPU_C166, "C166"},
+                                    {CPU_C167, "C167"},
+                                    {CPU_F283XX, "TMS320F283xx"},
+                                    {CPU_F2803X, "TMS320F2803x"}};
+
+// What the state line says, in plain words.
+std::string StateTip()
+{
+    std::string text = "Processor: unknown";
+    for (const Meaning &row : CPU_MEANINGS)
+        if (row.value == Procesor)
+            text = std::string("Processor: ") + row.text;
+    text += VR_nProtocol == PROTOCOL_MODBUS ? "\nModbus RTU, slave " : "\nmr166 frames, station ";
+    text += std::to_string(STATION) + "\nPort " + WRD_Visible(UCM_PortName(ncom)) + " at " +
+            std::to_string(bRate) + " baud";
+    text += Option_ComWin32 != 0 ? "\nEchoes of a two-wire line are not skipped (Win32 services)"
+                                 : "\nEchoes of a two-wire line are skipped (run-time services)";
+    text += Option_AutoOff != 0 ? "\nCommunication goes off after repeated errors"
+                                : "\nCommunication stays on whatever fails";
+    return text + "\n" + MapText();
 }
 
 } // namespace
@@ -144,7 +177,12 @@ void SetMainPanelStateLine()
     text += numbers;
     text += Option_AutoOff != 0 ? "auto-off; " : "";
     text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
-    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + MapText() + TypesText());
+    isEchoShown = UCM_IsEchoing();
+    // In front of paths, which may be longer than the window is wide.
+    const char *advice = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_ECHO_TEXT : ECHO_TEXT;
+    const std::string echo = isEchoShown ? advice : "";
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + echo + MapText() + TypesText());
+    SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
 }
@@ -160,11 +198,13 @@ void VR_DimControls()
         EnableItem(item, hasItems);
     for (const int control : {MAIN_BTN_RELOAD, MAIN_BTN_EDIT})
         EnableCtrl(control, hasFile);
-    for (const int item : {ITEM_RELOAD, ITEM_EDIT_FILE})
+    for (const int item : {ITEM_RELOAD, ITEM_RELOAD_NOW, ITEM_EDIT_FILE})
         EnableItem(item, hasFile);
     EnableCtrl(MAIN_BTN_MAP, hasMap);
     EnableItem(ITEM_RELOAD_MAP, hasMap);
     LEV_Enable();
+    if (UCM_IsEchoing() != isEchoShown) // called at the end of each sweep
+        SetMainPanelStateLine();
 }
 
 void VR_ShowSettings()
@@ -178,6 +218,8 @@ void VR_ShowSettings()
     VR_DimControls();
     VR_ShowComState();
     VSL_SymbolsChanged();
+    WPL_ApplyColumns();
+    CNP_Refresh();
 }
 
 void VR_ShowComState()

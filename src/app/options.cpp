@@ -3,13 +3,16 @@
 #include "app/options.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 
 #include "comm/communication.h"
 #include "comm/ucm.h"
+#include "platform/port_list.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -20,8 +23,7 @@ namespace {
 
 constexpr int BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
 constexpr int PROCESSORS[] = {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X};
-constexpr int PORT_MAX = 256;
-constexpr size_t PORT_TEXT_MAX = 20;
+const char PORT_QUESTION[] = "Enter COM number or the path of a device";
 
 const char NI_WARNING[] = "Use of NI COM services is supported for full backward compatibility\n"
                           "as it makes possible RS485 echo cancellation.\n\n"
@@ -37,18 +39,56 @@ void CloseLink()
     COM_TellState();
 }
 
-// False when the user gave no number.
-bool AskPort()
+// "/dev/ttyUSB0", "COM3": what a device is called, and no number.
+bool IsDeviceName(const std::string &text)
 {
-    std::string text = std::to_string(ncom);
-    if (PromptPopup("Prompt", "Enter COM number", &text, PORT_TEXT_MAX) < 0)
-        return false;
-    const long port = std::strtol(text.c_str(), nullptr, 10);
-    ncom = static_cast<int32_t>(std::clamp(port, 1L, static_cast<long>(PORT_MAX)));
-    return true;
+    return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
+           text.find_first_of("/\\mM") != std::string::npos;
+}
+
+int UseDevice(const std::string &device)
+{
+    int number = 0;
+    switch (PTL_Use(device, &number)) {
+    case 0:
+        ncom = number;
+        return 0;
+    case PTL_ERR_MISSING:
+        MessagePopup("Error", "There is no device '" + WRD_Visible(device) + "'.");
+        return -1;
+    default:
+        MessagePopup("Error", "The device '" + WRD_Visible(device) +
+                                  "' cannot be given a number: the folder of the links cannot be "
+                                  "written, or no number is left.");
+        return -1;
+    }
 }
 
 } // namespace
+
+int OPT_UsePort(const std::string &text)
+{
+    const std::string name = WRD_Trim(text);
+    if (IsDeviceName(name)) {
+        if (UseDevice(name) < 0)
+            return -1;
+    } else {
+        const long port = std::strtol(name.c_str(), nullptr, 10);
+        ncom = static_cast<int32_t>(std::clamp(port, 1L, static_cast<long>(PTL_NUMBER_MAX)));
+    }
+    VR_Reopen();
+    return 0;
+}
+
+void OPT_UseProcessor(int processor)
+{
+    if (Procesor == processor)
+        return;
+    Procesor = processor;
+    initRgMap(Procesor);
+    VR_ResolveWatchList();
+    VR_FillDebugItems();
+}
 
 void BRateCB(int, int item)
 {
@@ -64,8 +104,10 @@ void PortCB(int, int item)
     if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + 9) {
         ncom = item - ITEM_PORT_FIRST + 1;
         VR_Reopen();
-    } else if (item == ITEM_PORT_OTHER && AskPort()) {
-        VR_Reopen();
+    } else if (item == ITEM_PORT_OTHER) {
+        std::string text = std::to_string(ncom);
+        if (PromptPopup("Prompt", PORT_QUESTION, &text, PATH_MAX_CHARS - 1) >= 0)
+            OPT_UsePort(text);
     }
     SetMainPanelAttributes();
 }
@@ -80,12 +122,8 @@ void StationCB(int, int item)
 void ProcesorCB(int, int item)
 {
     const bool isKnown = item >= ITEM_CPU_C166 && item <= ITEM_CPU_F2803X;
-    if (isKnown && Procesor != PROCESSORS[item - ITEM_CPU_C166]) {
-        Procesor = PROCESSORS[item - ITEM_CPU_C166];
-        initRgMap(Procesor);
-        VR_ResolveWatchList();
-        VR_FillDebugItems();
-    }
+    if (isKnown)
+        OPT_UseProcessor(PROCESSORS[item - ITEM_CPU_C166]);
     SetMainPanelAttributes();
 }
 

@@ -3,6 +3,13 @@
 #ifndef APP_OPTIONS_H
 #define APP_OPTIONS_H
 
+#include <string>
+
+// A port by number ("12") or by the path of its device, which gets a number when it has
+// none. 0, or -1 with a message and nothing changed.
+int OPT_UsePort(const std::string &text);
+void OPT_UseProcessor(int processor); // names and watch list follow
+
 int CommSwitchCB(int panel, int control, int event, int data);
 void ConnectCB(int menuBar, int item);
 void BRateCB(int menuBar, int item);

@@ -4,6 +4,7 @@
 #include "app/main_panel.h"
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
+#include "comm/ucm.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -44,6 +45,12 @@ void Warn(const std::string &title, const std::string &text)
     MessagePopup(title, text);
 }
 
+// While the line is silent the window says for whom the program waits.
+void ShowWaiting(int station)
+{
+    SetBusyText("waiting for station " + std::to_string(station));
+}
+
 bool MayReplace(const std::string &path)
 {
     return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
@@ -75,6 +82,11 @@ void VR_ConnectRooms()
     link.showMessage = VR_ShowMessage;
     link.withdrawMessage = WithdrawMessage;
     COM_SetListener(link);
+
+    UCM_Listener exchange;
+    exchange.isBreak = IsBreakWished;
+    exchange.waiting = ShowWaiting;
+    UCM_SetListener(exchange);
 
     ADR_SetResolver(SYM_ResolveName);
 

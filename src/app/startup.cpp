@@ -44,6 +44,7 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_DEBUGGER, 0},
     {PANEL_SIMULATOR, 0},
     {PANEL_TERMINAL, 0},
+    {PANEL_CONNECT, PANEL_MAIN},
 };
 
 int LoadPanels()

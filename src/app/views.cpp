@@ -41,6 +41,7 @@ void CheckView(int shown, int hidden)
 
 void ShowConsoleView()
 {
+    HidePanel(PANEL_CONNECT);
     SetPanelPos(consolePanel, CONSOLE_TOP, CONSOLE_LEFT);
     DisplayPanel(consolePanel);
     oldTimer = 0;
@@ -53,6 +54,7 @@ void ShowConsoleView()
 
 void ShowWatchView()
 {
+    HidePanel(PANEL_CONNECT);
     HidePanel(consolePanel);
     VR_isWatchView = true;
     CheckView(ITEM_WATCH_VIEW, ITEM_CONSOLE_VIEW);
@@ -117,6 +119,7 @@ struct WindowItem {
     int panel;
     void (*opened)(); // may be null
 };
+// The last five rooms are empty yet and have no item in the menu.
 constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened},
     {ITEM_TRACE, PANEL_TRACE, TRP_Opened},

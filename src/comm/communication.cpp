@@ -10,13 +10,15 @@
 
 namespace {
 
+constexpr int BAD_NUMBER = -38; // such a port has no device
+
 struct OpenReason {
     int result;
     const char *text;
 };
 constexpr OpenReason OPEN_REASONS[] = {
     {-30, "(port is not available)"},
-    {-38, "(bad com number)"},
+    {BAD_NUMBER, "(bad com number)"},
 };
 
 constexpr const char *AUTO_OFF = "Communication switched off: ";
@@ -67,6 +69,9 @@ int Check_ASC_Open(int result)
     for (const OpenReason &reason : OPEN_REASONS)
         if (reason.result == result)
             message += reason.text;
+    const std::string cause = UCM_LastErrorText();
+    if (result != BAD_NUMBER && !cause.empty())
+        message += "\n" + UCM_PortName(ncom) + ": " + cause;
     Error(message);
     return result;
 }
@@ -122,6 +127,10 @@ void VR_FollowPort()
 
 void VR_AutoOff(const std::string &why)
 {
+    // The reads failed because the user broke them off. What was wished has its turn next,
+    // and a toggle must find communication as the user saw it.
+    if (IsBreakWished())
+        return;
     VIR2_StopPeriodicASC();
     autoOffMessage = AUTO_OFF + why;
     ShowMessage(autoOffMessage);

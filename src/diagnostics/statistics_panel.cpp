@@ -255,7 +255,7 @@ std::string STP_Text()
 
 int STP_PanelCB(int panel, int event, int)
 {
-    if (event == EVENT_CLOSE)
+    if (event == EVENT_CLOSE || event == EVENT_KEYPRESS) // Esc is the only key it has
         HidePanel(panel);
     return 0;
 }

@@ -209,7 +209,7 @@ std::string TRP_Text()
 
 int TRP_PanelCB(int, int event, int)
 {
-    if (event == EVENT_CLOSE)
+    if (event == EVENT_CLOSE || event == EVENT_KEYPRESS) // Esc is the only key it has
         Close();
     return 0;
 }

@@ -228,6 +228,9 @@ int DiscardProgressDialog(int dialog);
 
 // --- the desktop --------------------------------------------------------------------
 int LaunchExecutable(const std::string &commandLine);
+// Shows a Markdown file in the help window, which has contents and a search of its own; a
+// terminal is told where it is.
+int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
 
 #endif

@@ -192,6 +192,7 @@ struct VIEW_Batch {
     int closedQuestion = 0; // id of a question that needs no answer any more; 0 = none
     bool hasClipboard = false;
     std::string clipboard;
+    std::string helpFile; // Markdown, to be shown in a window of the view's own; "" = none
     bool isEnded = false; // the program has ended: leave
     int exitCode = 0;
 };

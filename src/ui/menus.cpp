@@ -1,5 +1,6 @@
 #include "ui/ui_table.h"
 
+#include "app/connect_page.h"
 #include "app/help.h"
 #include "app/main_panel.h"
 #include "app/options.h"
@@ -35,6 +36,8 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_SAVE, "__Save watch list", KEY_CTRL | 'S', SaveDbgCB},
     {MENU_FILE, ITEM_SAVE_AS, "Save watch list __as...", KEY_CTRL | KEY_SHIFT | 'S', SaveDbgAsCB},
     {MENU_FILE, ITEM_RELOAD, "__Reload watch list...", KEY_CTRL | 'R', ReloadDbgCB},
+    {MENU_FILE, ITEM_RELOAD_NOW, "Reload without as__king", KEY_CTRL | KEY_SHIFT | 'R',
+     ReloadNowCB},
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_OPEN_MAP, "Open __map file...", KEY_CTRL | 'M', OpenMapCB},
@@ -59,6 +62,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_EDIT, ITEM_COPY_MEMORY, "Copy memory __box", 0, LEV_CopyMemoryCB},
     {MENU_EDIT, ITEM_SNAPSHOT, "__Save snapshot as CSV...", 0, LEV_SnapshotCB},
 
+    {MENU_OPTIONS, ITEM_CONNECT_PAGE, "Co__nnect...", 0, ConnectPageCB},
     {MENU_OPTIONS, ITEM_CONNECT, "__Communication", KEY_F1 + 8, ConnectCB},
     {MENU_OPTIONS, ITEM_CLOSE_PORT, "C__lose port", 0, ClosePortCB},
     {MENU_OPTIONS, 0, "", 0, nullptr},
@@ -123,11 +127,6 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
-    {MENU_WINDOW, ITEM_TERMINAL, "Service __terminal", 0, WindowCB},
-    {MENU_WINDOW, ITEM_SCOPE, "__Data scope", 0, WindowCB},
-    {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", 0, WindowCB},
-    {MENU_WINDOW, ITEM_DEBUGGER, "De__bugger", 0, WindowCB},
-    {MENU_WINDOW, ITEM_SIMULATOR, "S__imulator", 0, WindowCB},
 
     {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},
     {MENU_HELP, 0, "", 0, nullptr},

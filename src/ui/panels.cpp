@@ -1,5 +1,6 @@
 #include "ui/ui_table.h"
 
+#include "app/connect_page.h"
 #include "app/main_panel.h"
 #include "app/options.h"
 #include "console/monitor/monitor.h"
@@ -33,6 +34,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_DEBUGGER, "debugger", "Debugger", nullptr},
     {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
     {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
+    {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
 };
 const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
 
@@ -63,6 +65,20 @@ const UI_Control UI_aControls[] = {
     {PANEL_CONSOLE, CONSOLE_BOX, UIK_TEXTBOX, "box", nullptr},
     {PANEL_CONSOLE, CONSOLE_PROMPT, UIK_TEXT, "prompt", nullptr},
     {PANEL_CONSOLE, CONSOLE_INPUT, UIK_STRING, "input", StrinCB},
+
+    {PANEL_CONNECT, CONNECT_PORT, UIK_RING, "port", CNP_PortCB},
+    {PANEL_CONNECT, CONNECT_BAUD, UIK_RING, "baud", CNP_SettingCB},
+    {PANEL_CONNECT, CONNECT_PROTOCOL, UIK_RING, "protocol", CNP_SettingCB},
+    {PANEL_CONNECT, CONNECT_STATION, UIK_NUMBER, "station", CNP_SettingCB},
+    {PANEL_CONNECT, CONNECT_PROCESSOR, UIK_RING, "processor", CNP_SettingCB},
+    {PANEL_CONNECT, CONNECT_TEST, UIK_BUTTON, "test", CNP_ButtonCB},
+    {PANEL_CONNECT, CONNECT_RESULT, UIK_TEXT, "result", nullptr},
+    {PANEL_CONNECT, CONNECT_MAP, UIK_BUTTON, "map", CNP_ButtonCB},
+    {PANEL_CONNECT, CONNECT_MAP_NAME, UIK_TEXT, "mapName", nullptr},
+    {PANEL_CONNECT, CONNECT_LIST, UIK_BUTTON, "watchList", CNP_ButtonCB},
+    {PANEL_CONNECT, CONNECT_LIST_NAME, UIK_TEXT, "watchListName", nullptr},
+    {PANEL_CONNECT, CONNECT_START, UIK_BUTTON, "start", CNP_ButtonCB},
+    {PANEL_CONNECT, CONNECT_CLOSE, UIK_BUTTON, "closePage", CNP_ButtonCB},
 
     {PANEL_ITEM, WITEM_NAME, UIK_STRING, "name", ITP_NameCB},
     {PANEL_ITEM, WITEM_PLACE, UIK_TEXT, "place", nullptr},

@@ -20,6 +20,7 @@ enum {
     PANEL_VAR_SELECTOR = 19,
     PANEL_SIMULATOR = 22,
     PANEL_TERMINAL = 24,
+    PANEL_CONNECT = 25,     // first steps, inside the main panel
 };
 
 // Main panel.
@@ -53,6 +54,23 @@ enum {
     CONSOLE_BOX = 1,
     CONSOLE_PROMPT = 2,
     CONSOLE_INPUT = 3,
+};
+
+// Connect page.
+enum {
+    CONNECT_PORT = 1,
+    CONNECT_BAUD = 2,
+    CONNECT_PROTOCOL = 3,
+    CONNECT_STATION = 4,
+    CONNECT_PROCESSOR = 5,
+    CONNECT_TEST = 6,
+    CONNECT_RESULT = 7,     // what answered, in words
+    CONNECT_MAP = 8,
+    CONNECT_MAP_NAME = 9,
+    CONNECT_LIST = 10,
+    CONNECT_LIST_NAME = 11,
+    CONNECT_START = 12,
+    CONNECT_CLOSE = 13,
 };
 
 // Item panel.
@@ -233,6 +251,8 @@ enum {
     ITEM_COPY_LIST = 107,
     ITEM_COPY_MEMORY = 108,
     ITEM_SNAPSHOT = 109,
+    ITEM_CONNECT_PAGE = 130,
+    ITEM_RELOAD_NOW = 131,  // the same file again, without asking
 };
 
 #endif

@@ -12,6 +12,7 @@ const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 const UI_Number UI_aNumbers[] = {
     {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},
     {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
+    {PANEL_CONNECT, CONNECT_STATION, 0, 250, 1},
 };
 const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
 
@@ -23,6 +24,10 @@ const UI_KeyRow UI_aKeys[] = {
 
     {PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC, KEY_TAB, true},
     {PANEL_CONSOLE, CONSOLE_INPUT, KEY_UP, KEY_DOWN, true}, // earlier lines
+
+    {PANEL_CONNECT, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_STATISTICS, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_TRACE, 0, KEY_ESC, KEY_ESC, true},
 
     {PANEL_ITEM, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_ITEM, WITEM_TYPE, KEY_ENTER, KEY_ENTER, true},

@@ -69,7 +69,8 @@ void ViewTest::SetUp()
     for (int i = 0; i < UI_cnPanels; i++) {
         VIEW_Panel panel;
         panel.panel = UI_aPanels[i].panel;
-        panel.parent = panel.panel == PANEL_CONSOLE ? PANEL_MAIN : 0;
+        const bool isInside = panel.panel == PANEL_CONSOLE || panel.panel == PANEL_CONNECT;
+        panel.parent = isInside ? PANEL_MAIN : 0;
         panel.mask = VIEW_PANEL_LOADED;
         batch.panels.push_back(panel);
     }

@@ -153,7 +153,7 @@ TEST_F(EditWindows, TurningBackAsksAboutAFileThatAnEditorChanged)
     QDialog *question = GuiDialog();
     ASSERT_TRUE(question);
     const QString text = question->property("text").toString();
-    EXPECT_TRUE(text.startsWith("The debug file has changed on disk.")) << qPrintable(text);
+    EXPECT_TRUE(text.startsWith("The watch list has changed on disk.")) << qPrintable(text);
     GuiClickButton(question, "Yes");
     EXPECT_TRUE(QTest::qWaitFor([this] { return count() == 1; }, PATIENCE_MS));
 }

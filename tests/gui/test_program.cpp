@@ -3,10 +3,14 @@
 #include <QAction>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QScrollBar>
+#include <QTextBlock>
+#include <QTextBrowser>
 
+#include "comm/mr166_link.h"
 #include "gui/gui_support.h"
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/toggle_switch.h"
@@ -161,6 +165,66 @@ TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
         EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
         ASSERT_TRUE(settle());
     }
+}
+
+// Off is off at the next exchange, not after the four tries of a block; until then the
+// window says for whom it waits.
+TEST_F(ProgramTest, SwitchingOffDoesNotWaitForASilentTarget)
+{
+    SIM_Options silent;
+    silent.stations = 0;
+    unplug();
+    plug(silent);
+    onProgram([] {
+        Option_AutoOff = 0;
+        Mr166_nTimeoutMs = 1000;
+        STATION = 9;
+    });
+    clickCommunication();
+    VIEW_Busy busy;
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] {
+            VIEW_GetBusy(&busy);
+            return busy.isBusy && busy.text == "waiting for station 9";
+        },
+        PATIENCE_MS));
+    const int before = EC_wTimeErr;
+    clickCommunication();
+    ASSERT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS));
+    EXPECT_LE(EC_wTimeErr - before, 1);
+    onProgram([] {
+        EXPECT_EQ(0, isTimer);
+        Mr166_nTimeoutMs = 400;
+        STATION = 1;
+    });
+}
+
+// F1 is answered inside the program; the reader finds chapters and words.
+TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
+{
+    WriteFileText("help.md", "# Vireo2 help\n\nFirst words.\n\n## Keys\n\nF9 begins.\n\n"
+                             "```\n  F1  this help\n```\n\n## Last\n\nF9 again.\n");
+    press(GuiWindow(PANEL_MAIN), Qt::Key_F1);
+    auto *help = GuiWindow(PANEL_MAIN)->findChild<QWidget *>("help");
+    ASSERT_TRUE(help && help->isVisible());
+    EXPECT_GT(help->findChild<QListWidget *>("contents")->count(), 10) << "the program's own";
+    onProgram([] { ShowHelpText("help.md"); });
+    auto *contents = help->findChild<QListWidget *>("contents");
+    auto *text = help->findChild<QTextBrowser *>("text");
+    auto *search = help->findChild<QLineEdit *>("search");
+    ASSERT_EQ(contents->count(), 3);
+    contents->setCurrentRow(2);
+    EXPECT_EQ(text->textCursor().block().text(), "Last");
+    QTest::keyClicks(search, "f9"); // behind the last one found, then from the beginning
+    EXPECT_EQ(text->textCursor().block().text(), "F9 again.");
+    QTest::keyClick(search, Qt::Key_Return);
+    EXPECT_EQ(text->textCursor().block().text(), "F9 begins.");
+    QTest::keyClicks(search, "9");
+    EXPECT_FALSE(text->textCursor().hasSelection());
+    onProgram([] { ShowHelpText("no-such-file.md"); });
+    EXPECT_TRUE(text->toPlainText().contains("cannot be read"));
+    QTest::keyClick(search, Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([help] { return !help->isVisible(); }, PATIENCE_MS));
 }
 
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)

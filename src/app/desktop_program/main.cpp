@@ -1,10 +1,51 @@
 // The desktop program.
+#include <cstdio>
+#include <cstring>
+
+#include "app/connect_page.h"
+#include "app/ini_file.h"
 #include "app/startup.h"
+#include "app/version.h"
 #include "platform/system.h"
+#include "runtime/userint.h"
 #include "runtime/view.h"
+#include "settings/settings.h"
+
+namespace {
+
+const char USAGE[] = "vireo2 [-1 ... -4] [-bBAUD] [-sSTATION] [-C] [SCRIPT]\n"
+                     "\n"
+                     "  -1 to -4    serial port\n"
+                     "  -bBAUD      baud rate\n"
+                     "  -sSTATION   station\n"
+                     "  -C          configuration mode\n"
+                     "  SCRIPT      a console script to run at start\n"
+                     "  --help      this text\n"
+                     "  --version   the version\n"
+                     "\n"
+                     "Options win over what Vireo2.ini in the current folder says.\n"
+                     "vireo2-console is the same program for a terminal.\n";
+
+int RunDesktop(int argc, char **argv)
+{
+    if (VR_StartUp(argc, argv) < 0)
+        return -1;
+    // Without settings nothing could be reached yet.
+    if (INI_IsMissing() && VR_enAppMode == MODE_NORMAL && !VR_isScriptRun)
+        CNP_Open();
+    return RunUserInterface();
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
-    return VIEW_Main(argc, argv, VR_Main);
+    for (int i = 1; i < argc; i++) {
+        if (std::strcmp(argv[i], "--help") == 0)
+            return std::fputs(USAGE, stdout) < 0 ? 1 : 0;
+        if (std::strcmp(argv[i], "--version") == 0)
+            return std::printf("vireo2 %s\n", VR_GetBuildVersion()) < 0 ? 1 : 0;
+    }
+    return VIEW_Main(argc, argv, RunDesktop);
 }

@@ -211,6 +211,8 @@ void OnBatch(const VIEW_Batch &batch)
     }
     if (batch.popupMenu != 0)
         headless.popupMenu = batch.popupMenu;
+    if (!batch.helpFile.empty())
+        Say("The help text is " + batch.helpFile + "\n");
     if (batch.hasClipboard)
         headless.clipboard = batch.clipboard;
     if (batch.question.id != 0)

@@ -151,6 +151,8 @@ void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
     if (fresh.hasClipboard)
         old->clipboard = std::move(fresh.clipboard);
     old->hasClipboard |= fresh.hasClipboard;
+    if (!fresh.helpFile.empty())
+        old->helpFile = std::move(fresh.helpFile);
     if (fresh.isEnded)
         old->exitCode = fresh.exitCode;
     old->isEnded |= fresh.isEnded;

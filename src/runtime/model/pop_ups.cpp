@@ -189,6 +189,15 @@ int LaunchExecutable(const std::string &commandLine)
     return state.isLaunchHeld ? 0 : PLT_Launch(commandLine);
 }
 
+int ShowHelpText(const std::string &path)
+{
+    MDL_State &state = MDL_GetState();
+    state.extra.helpFile = path;
+    if (state.depth == 0)
+        MDL_Flush();
+    return 0;
+}
+
 int ClipboardPutText(const std::string &text)
 {
     MDL_State &state = MDL_GetState();

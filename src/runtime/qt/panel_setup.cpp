@@ -4,6 +4,7 @@
 #include "ui/resource.h"
 #include "ui_config.h"
 #include "ui_config_edit.h"
+#include "ui_connect.h"
 #include "ui_console.h"
 #include "ui_debugger.h"
 #include "ui_item.h"
@@ -41,6 +42,7 @@ const SetupRow setupRows[] = {
     {PANEL_CONFIG, Setup<Ui::ConfigPanel>},
     {PANEL_DEBUGGER, Setup<Ui::DebuggerPanel>},
     {PANEL_CONSOLE, Setup<Ui::ConsolePanel>},
+    {PANEL_CONNECT, Setup<Ui::ConnectPanel>},
     {PANEL_MAIN, Setup<Ui::MainPanel>},
     {PANEL_TRACE, Setup<Ui::TracePanel>},
     {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},

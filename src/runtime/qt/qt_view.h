@@ -60,6 +60,7 @@ void QTV_DrawProgress(const VIEW_Progress &change);
 void QTV_OpenQuestion(const VIEW_Question &question);
 void QTV_CloseQuestion(int id);
 void QTV_OpenPopupMenu(int menu);
+void QTV_ShowHelp(const std::string &path);
 void QTV_UsePalette(QTV_Panel *panel); // colours the program gave, on the ground there is now
 
 // --- what the user does -------------------------------------------------------------------

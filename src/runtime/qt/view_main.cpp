@@ -208,6 +208,8 @@ void QTV_Draw(const VIEW_Batch &batch)
         QTV_OpenQuestion(batch.question);
     if (batch.popupMenu != 0)
         QTV_OpenPopupMenu(batch.popupMenu);
+    if (!batch.helpFile.empty())
+        QTV_ShowHelp(batch.helpFile);
     if (batch.hasClipboard)
         QGuiApplication::clipboard()->setText(QTV_ToQt(batch.clipboard));
     isDrawing = false;

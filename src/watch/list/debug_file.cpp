@@ -136,7 +136,7 @@ int DBG_CheckReload(int /*panel*/)
     if (isAsking || !IsDbgFileChanged())
         return 0;
     isAsking = true;
-    std::string question = "The debug file has changed on disk. Load it again?";
+    std::string question = "The watch list has changed on disk. Load it again?";
     if (IsDBGChange)
         question += "\nUnsaved changes of the watch list will be lost.";
     const int isWanted = ConfirmPopup("Vireo2", question);
@@ -183,7 +183,7 @@ void OpenWithDialog(int panel)
 void EditInEditor()
 {
     if (szDebugFileName.empty())
-        VR_ShowMessage("There is no debug file to edit.");
+        VR_ShowMessage("There is no watch list file to edit.");
     else if (PLT_OpenInEditor(szDebugFileName) != 0)
         VR_ShowMessage("The editor could not be started.");
 }
@@ -216,6 +216,12 @@ void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 void ReloadDbgCB(int /*menuBar*/, int /*item*/)
 {
     OpenWithDialog(mainPanel);
+}
+
+void ReloadNowCB(int /*menuBar*/, int /*item*/)
+{
+    if (!szDebugFileName.empty() && DBG_Open(std::string(szDebugFileName)) == 0)
+        ShowLoaded();
 }
 
 void EditDbgCB(int /*menuBar*/, int /*item*/)

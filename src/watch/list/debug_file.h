@@ -26,6 +26,7 @@ void OpenDatCB(int menuBar, int item);
 void SaveDbgCB(int menuBar, int item);
 void SaveDbgAsCB(int menuBar, int item);
 void ReloadDbgCB(int menuBar, int item);
+void ReloadNowCB(int menuBar, int item); // the same file, without the dialog
 void EditDbgCB(int menuBar, int item);
 void MenuReopenFileCB(int menuBar, int item);
 int RldDbgBtnCB(int panel, int control, int event, int data);

@@ -24,7 +24,7 @@ struct MapKind {
 };
 const MapKind mapKinds[] = {{"*.m66", "Open C166 map-file", map2node},
                             {"*.m28xt", "Open C28x map-file", TMSmap2node}};
-const char MAP_TYPES[] = "*.m66;*.map;*.m28xt";
+const char MAP_TYPES[] = "*.m66;*.map;*.m28xt;*.qar";
 
 int ModeOfProcessor()
 {

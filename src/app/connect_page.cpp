@@ -1,0 +1,231 @@
+#include "app/connect_page.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "app/options.h"
+#include "comm/communication.h"
+#include "diagnostics/line_test.h"
+#include "platform/port_list.h"
+#include "platform/serial.h"
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "text/words.h"
+#include "ui/resource.h"
+#include "watch/list/debug_file.h"
+#include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
+
+namespace {
+
+constexpr int OTHER_PORT = 0; // the entry that asks for a number or a path
+constexpr int32_t BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
+
+struct Choice {
+    int control;
+    const char *label;
+    int value;
+};
+constexpr Choice CHOICES[] = {
+    {CONNECT_PROTOCOL, "mr166", PROTOCOL_MR166}, {CONNECT_PROTOCOL, "Modbus RTU", PROTOCOL_MODBUS},
+    {CONNECT_PROCESSOR, "AC166", CPU_C166},      {CONNECT_PROCESSOR, "AC167", CPU_C167},
+    {CONNECT_PROCESSOR, "F283xx", CPU_F283XX},   {CONNECT_PROCESSOR, "F2803x", CPU_F2803X},
+};
+
+std::vector<PTL_Port> ports; // as listed when the page was opened
+
+// The value is the port's number; what has none yet is named by its place, below zero.
+void AddPort(size_t index)
+{
+    const PTL_Port &port = ports[index];
+    std::string label = port.number > 0 ? "COM" + std::to_string(port.number) : "-";
+    label += ": " + port.device;
+    if (!port.description.empty())
+        label += ", " + port.description;
+    InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, WRD_Visible(label),
+                   -1 - static_cast<int>(index));
+}
+
+// The port in use stands in the list even when nothing is plugged in there.
+int FindPort()
+{
+    for (size_t i = 0; i < ports.size(); i++)
+        if (ports[i].number == ncom)
+            return static_cast<int>(i);
+    PTL_Port absent;
+    absent.number = ncom;
+    absent.device = SER_DevicePath(ncom);
+    absent.description = "not there";
+    ports.push_back(absent);
+    return static_cast<int>(ports.size()) - 1;
+}
+
+void FillPorts()
+{
+    ports = PTL_List();
+    const int used = FindPort();
+    ClearListCtrl(PANEL_CONNECT, CONNECT_PORT);
+    for (size_t i = 0; i < ports.size(); i++)
+        AddPort(i);
+    InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, "Other...", OTHER_PORT);
+    SetCtrlIndex(PANEL_CONNECT, CONNECT_PORT, used);
+}
+
+// Those of the menu, and the one in use when it is another.
+void FillBauds()
+{
+    ClearListCtrl(PANEL_CONNECT, CONNECT_BAUD);
+    bool isKnown = false;
+    for (const int32_t baud : BAUD_RATES) {
+        InsertListItem(PANEL_CONNECT, CONNECT_BAUD, -1, std::to_string(baud), baud);
+        isKnown = isKnown || baud == bRate;
+    }
+    if (!isKnown)
+        InsertListItem(PANEL_CONNECT, CONNECT_BAUD, -1, std::to_string(bRate), bRate);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_BAUD, bRate);
+}
+
+void FillChoices()
+{
+    for (const int control : {CONNECT_PROTOCOL, CONNECT_PROCESSOR})
+        ClearListCtrl(PANEL_CONNECT, control);
+    for (const Choice &choice : CHOICES)
+        InsertListItem(PANEL_CONNECT, choice.control, -1, choice.label, choice.value);
+}
+
+std::string NameOr(const std::string &path, const char *none)
+{
+    return path.empty() ? none : WRD_Visible(path);
+}
+
+bool IsShown()
+{
+    int isVisible = 0;
+    return GetPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
+}
+
+void Close()
+{
+    MWN_ShowView(VR_isWatchView ? ITEM_WATCH_VIEW : ITEM_CONSOLE_VIEW);
+}
+
+// The link is free for the test; communication that was on goes on afterwards.
+void Test()
+{
+    const bool wasOn = isTimer != 0;
+    if (wasOn)
+        VIR2_StopPeriodicASC();
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "Asking...");
+    SetBusyText("waiting for station " + std::to_string(STATION));
+    std::string text;
+    LNT_Test(&text);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, WRD_Visible(text));
+    if (wasOn)
+        VIR2_StartPeriodicASC();
+}
+
+// Values first: there is no use in a list that stands still.
+void Start()
+{
+    MWN_ShowView(ITEM_WATCH_VIEW);
+    if (isTimer == 0)
+        VIR2_StartPeriodicASC();
+}
+
+} // namespace
+
+void CNP_Refresh()
+{
+    if (!IsShown())
+        return;
+    FillPorts();
+    FillBauds();
+    SetCtrlVal(PANEL_CONNECT, CONNECT_PROTOCOL, VR_nProtocol);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_PROCESSOR, Procesor);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_STATION, STATION);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_MAP_NAME, NameOr(szMapFileName, "none: by address only"));
+    SetCtrlVal(PANEL_CONNECT, CONNECT_LIST_NAME, NameOr(szDebugFileName, "none: an empty list"));
+}
+
+void CNP_Open()
+{
+    HidePanel(consolePanel);
+    DisplayPanel(PANEL_CONNECT);
+    FillChoices();
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
+    CNP_Refresh();
+    SetActiveCtrl(PANEL_CONNECT, CONNECT_PORT);
+}
+
+void ConnectPageCB(int, int)
+{
+    CNP_Open();
+}
+
+int CNP_PortCB(int, int, int event, int)
+{
+    int value = OTHER_PORT;
+    if (event != EVENT_COMMIT || GetCtrlVal(PANEL_CONNECT, CONNECT_PORT, &value) < 0)
+        return 0;
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
+    const size_t index = static_cast<size_t>(-1 - value);
+    if (value == OTHER_PORT)
+        PortCB(0, ITEM_PORT_OTHER);
+    else if (index < ports.size())
+        OPT_UsePort(ports[index].number == ncom ? std::to_string(ncom) : ports[index].device);
+    SetMainPanelAttributes();
+    return 0;
+}
+
+int CNP_SettingCB(int, int control, int event, int)
+{
+    int value = 0;
+    const bool isMeant = event == EVENT_COMMIT || control == CONNECT_STATION;
+    if (!isMeant || GetCtrlVal(PANEL_CONNECT, control, &value) < 0)
+        return 0;
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
+    if (control == CONNECT_BAUD && value != bRate) {
+        bRate = value;
+        VR_Reopen();
+    } else if (control == CONNECT_PROTOCOL) {
+        ProtocolCB(0, value == PROTOCOL_MODBUS ? ITEM_MODBUS : ITEM_MR166);
+    } else if (control == CONNECT_PROCESSOR) {
+        OPT_UseProcessor(value);
+    } else if (control == CONNECT_STATION) {
+        VIR2_SetStation(value);
+    }
+    SetMainPanelAttributes();
+    return 0;
+}
+
+int CNP_ButtonCB(int, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    switch (control) {
+    case CONNECT_TEST:
+        Test();
+        break;
+    case CONNECT_MAP:
+        OpenMapCB(0, ITEM_OPEN_MAP);
+        break;
+    case CONNECT_LIST:
+        OpenDatCB(0, ITEM_OPEN);
+        break;
+    case CONNECT_START:
+        Start();
+        break;
+    default:
+        Close();
+        break;
+    }
+    return 0;
+}
+
+int CNP_PanelCB(int, int event, int data)
+{
+    if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC))
+        Close();
+    return event == EVENT_KEYPRESS && data == KEY_ESC ? 1 : 0;
+}

@@ -1,0 +1,162 @@
+#include "app/window_places.h"
+
+#include <map>
+#include <sstream>
+#include <vector>
+
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "ui/resource.h"
+
+namespace {
+
+constexpr int PANELS_MAX = 32, CONTROLS_MAX = 32;  // all numbers are below
+constexpr int PLACE_MAX = 32767;                   // pixels, either way
+constexpr int WINDOW_MIN = 50, WINDOW_MAX = 16384; // pixels
+constexpr int COLUMN_MAX = 4096;                   // pixels
+constexpr size_t COLUMNS_MAX = 16;
+
+typedef std::vector<int> Numbers;
+
+std::map<int, Numbers> readPlaces;                  // by panel: left, top, width, height
+std::map<std::pair<int, int>, Numbers> readWidths;  // not applied yet
+std::map<std::pair<int, int>, Numbers> firstWidths; // as the program gave them
+
+// All numbers of a text; none when anything else stands in it.
+Numbers ToNumbers(const std::string &text)
+{
+    std::istringstream stream(text);
+    Numbers numbers;
+    for (int number = 0; stream >> number;)
+        numbers.push_back(number);
+    return stream.eof() ? numbers : Numbers();
+}
+
+bool IsWithin(int value, int least, int most)
+{
+    return value >= least && value <= most;
+}
+
+Numbers PlaceNow(int panel)
+{
+    constexpr int ATTRIBUTES[] = {ATTR_LEFT, ATTR_TOP, ATTR_WIDTH, ATTR_HEIGHT};
+    Numbers place;
+    for (const int attribute : ATTRIBUTES) {
+        int value = 0;
+        GetPanelAttribute(panel, attribute, &value);
+        place.push_back(value);
+    }
+    return place;
+}
+
+Numbers WidthsNow(int panel, int control)
+{
+    std::vector<UI_Column> columns;
+    Numbers widths;
+    if (GetListColumns(panel, control, &columns) < 0)
+        return widths;
+    for (const UI_Column &column : columns)
+        widths.push_back(column.width);
+    return widths;
+}
+
+void ApplyWidths(int panel, int control, const Numbers &widths)
+{
+    std::vector<UI_Column> columns;
+    GetListColumns(panel, control, &columns);
+    if (columns.size() != widths.size()) // of another version of the program
+        return;
+    for (size_t i = 0; i < columns.size(); i++)
+        columns[i].width = widths[i];
+    SetListColumns(panel, control, columns);
+}
+
+std::string Line(const char *key, const Numbers &numbers, const char *endOfLine)
+{
+    std::string text = std::string(key) + ",";
+    for (const int number : numbers)
+        text += " " + std::to_string(number);
+    return text + endOfLine;
+}
+
+Numbers Join(Numbers front, const Numbers &back)
+{
+    front.insert(front.end(), back.begin(), back.end());
+    return front;
+}
+
+} // namespace
+
+void WPL_Forget()
+{
+    readPlaces.clear();
+    readWidths.clear();
+    firstWidths.clear();
+}
+
+void WPL_ReadWindow(const std::string &value)
+{
+    const Numbers numbers = ToNumbers(value);
+    if (numbers.size() != 5 || !IsWithin(numbers[0], 1, PANELS_MAX - 1) ||
+        !IsWithin(numbers[1], -PLACE_MAX, PLACE_MAX) ||
+        !IsWithin(numbers[2], -PLACE_MAX, PLACE_MAX) ||
+        !IsWithin(numbers[3], WINDOW_MIN, WINDOW_MAX) ||
+        !IsWithin(numbers[4], WINDOW_MIN, WINDOW_MAX))
+        return;
+    const int panel = numbers[0];
+    readPlaces[panel] = Numbers(numbers.begin() + 1, numbers.end());
+    SetPanelPos(panel, numbers[2], numbers[1]);
+    SetPanelAttribute(panel, ATTR_WIDTH, numbers[3]);
+    SetPanelAttribute(panel, ATTR_HEIGHT, numbers[4]);
+    if (panel == mainPanel)
+        oldHeight = numbers[4];
+}
+
+void WPL_ReadColumns(const std::string &value)
+{
+    const Numbers numbers = ToNumbers(value);
+    if (numbers.size() < 3 || numbers.size() > COLUMNS_MAX + 2)
+        return;
+    for (size_t i = 2; i < numbers.size(); i++)
+        if (!IsWithin(numbers[i], 0, COLUMN_MAX))
+            return;
+    readWidths[{numbers[0], numbers[1]}] = Numbers(numbers.begin() + 2, numbers.end());
+}
+
+void WPL_ApplyColumns()
+{
+    for (int panel = 1; panel < PANELS_MAX; panel++)
+        for (int control = 1; control < CONTROLS_MAX; control++) {
+            const std::pair<int, int> place = {panel, control};
+            const Numbers widths = WidthsNow(panel, control);
+            if (widths.empty() || firstWidths.count(place) != 0)
+                continue;
+            firstWidths[place] = widths;
+            if (readWidths.count(place) != 0)
+                ApplyWidths(panel, control, readWidths[place]);
+        }
+}
+
+std::string WPL_Lines(const char *windowKey, const char *columnsKey, const char *endOfLine)
+{
+    std::map<int, Numbers> places = readPlaces;
+    std::map<std::pair<int, int>, Numbers> widths = readWidths;
+    for (int panel = 1; panel < PANELS_MAX; panel++) {
+        int isPlaced = 0;
+        if (GetPanelAttribute(panel, ATTR_IS_PLACED, &isPlaced) >= 0 && isPlaced != 0)
+            places[panel] = PlaceNow(panel);
+    }
+    for (const auto &[place, first] : firstWidths) {
+        const Numbers now = WidthsNow(place.first, place.second);
+        if (now != first)
+            widths[place] = now;
+        else
+            widths.erase(place);
+    }
+    std::string text;
+    for (const auto &[panel, place] : places)
+        text += Line(windowKey, Join({panel}, place), endOfLine);
+    for (const auto &[place, list] : widths)
+        text += Line(columnsKey, Join({place.first, place.second}, list), endOfLine);
+    return text;
+}

@@ -1,0 +1,18 @@
+// Where the user's windows stand and how wide the columns of their lists are, from one run
+// to the next: lines of the settings file. What the user never touched has no line, and a
+// line whose window was not opened in this run is kept as it was.
+#ifndef APP_WINDOW_PLACES_H
+#define APP_WINDOW_PLACES_H
+
+#include <string>
+
+void WPL_Forget(); // before a settings file is read
+// The values of the two keys, as they stand in the file; what makes no sense is ignored.
+void WPL_ReadWindow(const std::string &value);  // "PANEL LEFT TOP WIDTH HEIGHT", pixels
+void WPL_ReadColumns(const std::string &value); // "PANEL CONTROL WIDTH WIDTH ...", pixels
+// Gives lists that have got their columns since the last call the widths read for them.
+void WPL_ApplyColumns();
+// The lines to be written, each behind its key and ended by `endOfLine`.
+std::string WPL_Lines(const char *windowKey, const char *columnsKey, const char *endOfLine);
+
+#endif

@@ -1,0 +1,86 @@
+#include "diagnostics/line_test.h"
+
+#include "comm/communication.h"
+#include "comm/failures.h"
+#include "comm/ucm.h"
+#include "settings/settings.h"
+
+#include <cstdint>
+
+namespace {
+
+// Failures that mean: bytes came. Parts of what FAIL_Note is given.
+constexpr const char *BYTES_CAME[] = {"damaged", "wrong station", "wrong command", "another"};
+// ... and: a station has understood and refuses.
+constexpr const char *REFUSALS[] = {"target error code", "exception"};
+
+std::string Who()
+{
+    return (VR_nProtocol == PROTOCOL_MODBUS ? "Slave " : "Station ") + std::to_string(STATION);
+}
+
+uint32_t CountBytesCame()
+{
+    uint32_t sum = 0;
+    for (const char *cause : BYTES_CAME)
+        sum += FAIL_CountOf(cause);
+    return sum;
+}
+
+bool IsRefusal(const std::string &cause)
+{
+    for (const char *refusal : REFUSALS)
+        if (cause.compare(0, std::string(refusal).size(), refusal) == 0)
+            return true;
+    return false;
+}
+
+LNT_Result Ask(std::string *text)
+{
+    const uint32_t before = CountBytesCame();
+    uint8_t byte = 0;
+    const int result = UCM_Read(STATION, 0, 1, &byte);
+    if (result >= 0 && UCM_Prove() == UCM_PROVEN) {
+        *text = Who() + " answers.";
+        return LNT_ANSWERS;
+    }
+    const std::string cause = UCM_LastErrorText();
+    if (result == UCM_ERR_ARGUMENT) {
+        *text = Who() + ": " + cause + ".";
+        return LNT_BAD_STATION;
+    }
+    if (IsRefusal(cause)) {
+        *text = Who() + " answers: " + cause + ".";
+        return LNT_ANSWERS;
+    }
+    if (UCM_IsEchoing()) {
+        *text = VR_nProtocol == PROTOCOL_MODBUS
+                    ? "The line echoes what is sent."
+                    : "The line echoes what is sent: switch Win32 services off.";
+        return LNT_ECHO;
+    }
+    if (cause == "cancelled") {
+        *text = "Cancelled.";
+        return LNT_CANCELLED;
+    }
+    if (CountBytesCame() != before) {
+        *text = "Bytes arrive but no frames: wrong baud rate? (" + cause + ")";
+        return LNT_NO_FRAMES;
+    }
+    *text = "Nothing answers: check cable and supply, then station and baud rate.";
+    return LNT_SILENT;
+}
+
+} // namespace
+
+LNT_Result LNT_Test(std::string *text)
+{
+    if (VR_OpenLink() < 0) {
+        *text = UCM_PortName(ncom) + ": " + UCM_LastErrorText() + ".";
+        UCM_Close();
+        return LNT_NO_PORT;
+    }
+    const LNT_Result result = Ask(text);
+    UCM_Close();
+    return result;
+}
