@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "comm/sysaddr.h"
+#include "settings/settings.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
@@ -70,7 +71,9 @@ void LIT_ResolveAll(bool isTMS)
         item.address = item.givenAddress;
         item.explicitAddress = item.address != LITEM_NO_ADDRESS && !IsAnonymous(item);
         LIT_Resolve(&item);
-        item.isValueGood &= item.address == before;
+        const bool isSamePlace = item.address == before;
+        item.isValueGood &= isSamePlace;
+        item.isHeld &= isSamePlace;
     }
 }
 
@@ -90,6 +93,7 @@ void CleanLItems()
         aLItems[i].address = LITEM_NO_ADDRESS;
         aLItems[i].explicitAddress = 0;
         aLItems[i].isValueGood = false; // what was read elsewhere gives no rate
+        aLItems[i].isHeld = false;
     }
 }
 
@@ -101,6 +105,23 @@ bool LIT_IsTMS(const LItem &item)
 bool LIT_HasAddress(const LItem &item)
 {
     return item.address < ADDR_LIMIT;
+}
+
+int LIT_Station(const LItem &item)
+{
+    return item.station >= 0 && item.station <= STATION_MAX ? item.station : STATION;
+}
+
+bool LIT_HasNumber(const LItem &item)
+{
+    const bool isRateless = item.type == 'p' && item.readTick == item.previousReadTick;
+    return item.isValueGood && !isRateless;
+}
+
+uint64_t LIT_Bits(const LItem &item)
+{
+    const uint64_t whole = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
+    return item.size >= 8 ? whole : whole & ((uint64_t{1} << 8 * item.size) - 1);
 }
 
 std::string LIT_Label(const LItem &item)
