@@ -371,7 +371,6 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     } refused[] = {{"nobody", 4, "'nobody' is no address, and no loaded map knows such a name."},
                    {"16:$300", 4, "Stations are 0 to 15."},
                    {"$FFFFF0", 17, "The range ends beyond the target's memory."},
-                   {"$300", 1025, "The count must be 1 to 1024 bytes."},
                    {"&fCurrent", 4,
                     "The memory of a TMS320 behind a station is not bytes: use a watch item "
                     "or the memory box."}};

@@ -1,9 +1,11 @@
-// The headless face: what a wrong number answers, what each kind of control takes,
-// and that lists, text boxes, menus, questions and timers behave as in a window.
+// The model seen from a terminal: what a wrong number answers, what each kind of control
+// takes, and that keys, questions and timers behave as in a window.
 #include <gtest/gtest.h>
 
+#include "settings/settings.h"
 #include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
+#include "support/ui_reading.h"
 #include "ui/resource.h"
 #include "ui/ui_table.h"
 
@@ -42,6 +44,93 @@ TEST_F(Headless, TablesAreSound)
                         UI_aMenuItems[i].shortcut != UI_aMenuItems[j].shortcut)
                 << UI_aMenuItems[i].text;
         }
+}
+
+const UI_Control *FindControl(int panel, int control)
+{
+    for (int i = 0; i < UI_cnControls; i++)
+        if (UI_aControls[i].panel == panel && UI_aControls[i].control == control)
+            return &UI_aControls[i];
+    return nullptr;
+}
+
+TEST_F(Headless, RowsOfTheOtherTablesMeanSomething)
+{
+    for (int i = 0; i < UI_cnKeys; i++) {
+        const UI_KeyRow &row = UI_aKeys[i];
+        const UI_Control *control = FindControl(row.panel, row.control);
+        EXPECT_LE(row.first, row.last) << i;
+        EXPECT_TRUE(row.control == 0 || (control && control->callback)) << i;
+        for (int j = 0; j < i; j++) // the first would hide the second
+            EXPECT_FALSE(row.panel == UI_aKeys[j].panel && row.control == UI_aKeys[j].control &&
+                         row.first <= UI_aKeys[j].last && row.last >= UI_aKeys[j].first)
+                << i;
+    }
+    for (int i = 0; i < UI_cnRingEntries; i++)
+        EXPECT_EQ(UIK_RING,
+                  FindControl(UI_aRingEntries[i].panel, UI_aRingEntries[i].control)->kind);
+    for (int i = 0; i < UI_cnNumbers; i++)
+        EXPECT_EQ(UIK_NUMBER, FindControl(UI_aNumbers[i].panel, UI_aNumbers[i].control)->kind);
+    for (int i = 0; i < UI_cnUrgent; i++) {
+        const UI_Urgent &row = UI_aUrgent[i];
+        int value = 0;
+        EXPECT_TRUE(row.control == 0 || FindControl(row.panel, row.control)) << i;
+        EXPECT_TRUE(row.item == 0 ||
+                    GetMenuBarAttribute(UI_nMenuPanel, row.item, ATTR_DIMMED, &value) == 0)
+            << i;
+    }
+    EXPECT_EQ(UIK_TEXTBOX, FindControl(UI_nPrintPanel, UI_nPrintControl)->kind);
+}
+
+TEST_F(Headless, KeysGoToTheControlThenToThePanelThenToTheMenu)
+{
+    consolePanel = PANEL_CONSOLE;
+    SetCtrlVal(PANEL_CONSOLE, CONSOLE_INPUT, "half a line");
+    EXPECT_EQ(1, HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC));
+    EXPECT_EQ("", UiText(PANEL_CONSOLE, CONSOLE_INPUT)) << "the control's";
+    EXPECT_EQ(CONSOLE_INPUT, GetActiveCtrl(PANEL_CONSOLE));
+    DisplayPanel(PANEL_VALUE);
+    EXPECT_EQ(1, HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC));
+    EXPECT_EQ(0, UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE)) << "the panel's";
+    SetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, "text");
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 7);
+    EXPECT_EQ("text", HL_GetClipboard()) << "the menu's";
+    SetCtrlAttribute(PANEL_CONSOLE, CONSOLE_INPUT, ATTR_DIMMED, 1);
+    EXPECT_EQ(HL_DIMMED, HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC));
+    EXPECT_EQ(HL_DIMMED, HL_SetUserVal(PANEL_CONSOLE, CONSOLE_INPUT, "x"));
+}
+
+bool TypeLine(std::string *line)
+{
+    static const std::vector<std::string> LINES = {"perhaps", "n", "7", "", "."};
+    static size_t next = 0;
+    *line = LINES[next++ % LINES.size()];
+    return true;
+}
+
+TEST_F(Headless, QuestionsAreAskedAtATerminalAndNamedInAPipe)
+{
+    std::FILE *err = std::tmpfile();
+    HL_SetStreams(nullptr, err);
+    EXPECT_EQ(0, ConfirmPopup("T", "piped?"));
+    HL_SetAsker(TypeLine);
+    EXPECT_EQ(2, GenericMessagePopup("T", "which?", {"__Yes", "__No"}, nullptr, 0)) << "asks again";
+    std::string text = "3";
+    EXPECT_EQ(1, GenericMessagePopup("T", "port?", {"Retry", "Cancel"}, &text, 5));
+    EXPECT_EQ("7", text);
+    EXPECT_EQ(0, PromptPopup("T", "keep?", &text, 5));
+    EXPECT_EQ("7", text);
+    EXPECT_LT(PromptPopup("T", "cancel?", &text, 5), 0);
+    HL_SetDefaultAnswer(HL_ANSWER_YES);
+    EXPECT_EQ(1, ConfirmPopup("T", "standing?")) << "asks nobody";
+    std::rewind(err);
+    char shown[512];
+    EXPECT_EQ("T: piped?\n(answered: No)\nT: which?\n(1 Yes, 2 No) (1 Yes, 2 No) "
+              "T: port?\n[3] (a single point cancels) T: keep?\n[7] (a single point cancels) "
+              "T: cancel?\n[7] (a single point cancels) T: standing?\n",
+              std::string(shown, std::fread(shown, 1, sizeof shown, err)));
+    HL_SetStreams(nullptr, nullptr);
+    std::fclose(err);
 }
 
 TEST_F(Headless, WrongNumbersAndKindsAreErrors)

@@ -71,6 +71,14 @@ void ReadSettings()
         UCM_UseWin32(1);
 }
 
+// Nobody is there any more to be asked: what was set is kept, a changed list is not saved.
+void EndAtOnce()
+{
+    VIR2_StopPeriodicASC();
+    SaveIniFile();
+    QuitUserInterface(0);
+}
+
 void RunScript(const char *path)
 {
     WindowCB(0, ITEM_CONSOLE_VIEW);
@@ -90,6 +98,7 @@ int VR_StartUp(int argc, char **argv)
     bRate = 19200;
     if (InitCVIRTE(&argc, argv) < 0 || LoadPanels() < 0)
         return -1;
+    SetEndCallback(EndAtOnce);
     PrepareMenu();
     WindowCB(0, ITEM_CONSOLE_VIEW);
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);

@@ -55,6 +55,11 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to);
 int PLT_ResolveFile(const std::string &path, std::string *real);
 int PLT_SyncFile(std::FILE *file); // waits until the disk has it. 0, or -1
 int PLT_ProcessId();
+// From now on `notify` is called, on a thread of its own, when the program is asked to end:
+// Ctrl-C (isInterrupt), a terminate or hang-up signal, the end of the session. A second
+// request before PLT_SignalHeard ends the program at once. 0, or -1.
+int PLT_WatchSignals(void (*notify)(bool isInterrupt));
+void PLT_SignalHeard(); // the last request has been acted on
 // A program started with a closed standard stream would get that number for the next file
 // or port it opens, and print into it or read from it. Call first of all: what is closed
 // then fails on use instead.

@@ -1,5 +1,5 @@
 // List labels with columns: ESC "p<pixels>l" starts a column at that pixel,
-// left-aligned. Shared by the faces and by whoever needs the plain text of a line.
+// left-aligned. Shared by the views and by whoever needs the plain text of a line.
 #ifndef RUNTIME_LIST_COLUMNS_H
 #define RUNTIME_LIST_COLUMNS_H
 

@@ -1,6 +1,5 @@
 // The run-time's RS-232 library on top of platform/serial.h: ports addressed by
-// number, an input queue that is filled while nobody reads. Both faces share it.
-// Results are negative on failure.
+// number, an input queue that is filled while nobody reads. Results are negative on failure.
 #ifndef RUNTIME_RS232_H
 #define RUNTIME_RS232_H
 

@@ -1,6 +1,7 @@
 // The run-time services the program is written against: numbered panels, numbered
-// controls, blocking pop-ups, timers and the event loop. Two faces implement this
-// header (headless and Qt); the linker decides which one a program gets.
+// controls, blocking pop-ups, timers and the event loop. The model (runtime/model) keeps
+// all of it as plain state and belongs to the program's thread, on which alone these calls
+// are made; a view (runtime/view.h) shows it, and the linker decides which.
 //
 // A panel handle is the panel's resource number. Every call returns 0 or a positive
 // value on success and a negative code for an unknown panel, control, menu item or
@@ -28,11 +29,12 @@ enum UI_Event {
     EVENT_VAL_CHANGED = 2,        // value or selection changed by the user
     EVENT_LEFT_DOUBLE_CLICK = 3,
     EVENT_RIGHT_CLICK = 4,
-    EVENT_KEYPRESS = 5,           // data = key code below; result 1 swallows the key
+    EVENT_KEYPRESS = 5,           // data = key code below, of those in the panel's key table
     EVENT_CLOSE = 6,              // panel: the user asks the window to close
     EVENT_PANEL_SIZE = 7,         // panel: the user has resized the window
     EVENT_DROPPED = 8,            // list: a line was dragged; data = source * 65536 + target
     EVENT_ACTIVATED = 9,          // panel: the user has turned to its window
+    EVENT_CELL_EDITED = 10,       // list: see GetEditedCell; data = column
     EVENT_TIMER_TICK = 15,
 };
 
@@ -57,6 +59,8 @@ enum UI_Attribute {
     ATTR_LABEL_TEXT = 13,     // control; text of its label or button
     ATTR_CTRL_MODE = 14,      // text or number field; 1 the user may type, 0 shows only
     ATTR_TOOLTIP_TEXT = 15,   // control; text
+    ATTR_IS_PLACED = 16,      // panel, reading only; 1 once its place and size are the user's
+    ATTR_LINES_IN_VIEW = 17,  // list, text box, reading only; 0 while the view has not said
 };
 
 typedef int (*PanelCallback)(int panel, int event, int data);
@@ -68,13 +72,23 @@ typedef std::vector<std::string> (*CompletionCallback)(int panel, int control,
                                                        const std::string &typed);
 
 // --- start and event loop ---------------------------------------------------------
-// Takes the options the face knows out of argc/argv. 0, or negative when there is no screen.
-int InitCVIRTE(int *argc, char **argv);
+int InitCVIRTE(int *argc, char **argv); // the view has taken its options out by now. 0
 int RunUserInterface();          // the code given to QuitUserInterface
 int QuitUserInterface(int code); // the loop ends after the running callback; may be called twice
-int ProcessSystemEvents();       // repaints; user input is held back
+int ProcessSystemEvents();       // shows what has changed; user input is held back
 int SuspendTimerCallbacks();     // the program starts with timers suspended
 int ResumeTimerCallbacks();
+// What the program is waiting for, for whoever watches: "waiting for station 9". "" ends
+// it, and so does the end of the callback.
+int SetBusyText(const std::string &text);
+// Whether the user wants what is running to end: a cancelled progress box, communication
+// off, exit, an interrupt. Cheap; to be polled wherever the program waits, and shows on the
+// way what has changed. True until the wish itself is handled or the callback ends.
+bool IsBreakWished();
+// Who is called, between callbacks and with no question to be asked any more, when the
+// system wants the program to end (a signal, the end of the session). It saves what must be
+// saved and calls QuitUserInterface. Without one the loop just ends.
+int SetEndCallback(void (*callback)());
 
 // --- panels -----------------------------------------------------------------------
 int LoadPanel(int parentPanel, int resource); // handle > 0; parent 0 = a window of its own
@@ -127,7 +141,47 @@ int GetLabelFromIndex(int panel, int control, int index, std::string *label);
 int GetValueFromIndex(int panel, int control, int index, int *value);
 int SetListItemTip(int panel, int control, int index, const std::string &tip);
 
+// --- lists as tables ----------------------------------------------------------------
+// A list with columns is drawn as a table; its labels stay what they are underneath. The
+// cells of a line are the columns of its label until SetListCells gives others, and again
+// after the line's label has been replaced. Several lines can be selected; the one with the
+// keyboard is GetCtrlIndex's.
+enum UI_Align { UIA_LEFT, UIA_RIGHT, UIA_CENTER, UIA_POINT /* decimal points in one line */ };
+struct UI_Column {
+    std::string title;
+    int width = 0; // pixels; 0 = as wide as its texts
+    UI_Align align = UIA_LEFT;
+    bool isEditable = false; // Enter, F2 or a double click edits a cell: EVENT_CELL_EDITED
+    bool isSpare = false;    // shown only where the window is wide enough
+};
+// What a cell's text means; the view has the colour for it. Flags.
+enum UI_CellStyle : unsigned {
+    UIS_NORMAL = 0,
+    UIS_DIM = 1,     // old or of no use
+    UIS_WARNING = 2, // red
+    UIS_GOOD = 4,    // green
+    UIS_STRUCK = 8,  // struck through: no longer true
+    UIS_BOLD = 16,
+    UIS_CHANGED = 32, // marked for a moment
+};
+struct UI_Cell {
+    std::string text;
+    unsigned style = UIS_NORMAL;
+    std::string tip;
+};
+int SetListColumns(int panel, int control, const std::vector<UI_Column> &columns);
+// As they are now: with the widths the user has given them.
+int GetListColumns(int panel, int control, std::vector<UI_Column> *columns);
+int SetListCells(int panel, int control, int index, const std::vector<UI_Cell> &cells);
+int GetListCells(int panel, int control, int index, std::vector<UI_Cell> *cells);
+int SetListSelection(int panel, int control, const std::vector<int> &indices);
+int GetListSelection(int panel, int control, std::vector<int> *indices); // by rising index
+// During EVENT_CELL_EDITED: what the user typed and where. The cell itself is unchanged.
+int GetEditedCell(int panel, int control, int *index, int *column, std::string *text);
+
 // --- text boxes -------------------------------------------------------------------
+// A box keeps at most this many lines; what goes beyond leaves it at the top.
+constexpr int UI_BOX_LINES_MAX = 20000;
 int ResetTextBox(int panel, int control, const std::string &text);
 int InsertTextBoxLine(int panel, int control, int line, const std::string &text); // -1 = end
 int DeleteTextBoxLines(int panel, int control, int line, int count);

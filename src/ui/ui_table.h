@@ -1,5 +1,6 @@
 // The one table that ties panels, controls and menu items to numbers, names and
-// callbacks. Both faces read it: a wrong number fails in either.
+// callbacks. The model and the views read it: a wrong number fails in a test without a
+// window as it would in one.
 // To add a control: give it a number in resource.h, a row in panels.cpp and a widget
 // of that object name in panels/. To add a menu item: a number and a row in menus.cpp.
 #ifndef UI_UI_TABLE_H
@@ -50,7 +51,37 @@ struct UI_MenuItem {
     MenuCallback callback;
 };
 
-// Ends of the tables as counts. All five tables are constant data.
+// What a ring offers from the start: entries the program never changes.
+struct UI_RingEntry {
+    int panel, control;
+    const char *label;
+    int value;
+};
+
+// Bounds and first value of a number field.
+struct UI_Number {
+    int panel, control;
+    double min, max, value;
+};
+
+// A key, or a range of keys, that a callback wants (EVENT_KEYPRESS). A swallowed one means
+// nothing else then: neither to the widget nor to the panel nor as a menu's shortcut.
+struct UI_KeyRow {
+    int panel;
+    int control; // with the keyboard; 0 = the panel, whatever has the keyboard in it
+    int first, last;
+    bool isSwallowed;
+};
+
+// What the user does to stop what is running. It is seen at once, before its turn.
+struct UI_Urgent {
+    int panel;
+    int control; // its EVENT_COMMIT; 0 = the panel's EVENT_CLOSE, or the item
+    int item;    // 0 = not a menu item
+    int value;   // only with this value (switch, check mark); -1 = with any
+};
+
+// Ends of the tables as counts. All tables are constant data.
 extern const UI_Panel UI_aPanels[];
 extern const int UI_cnPanels;
 extern const UI_Control UI_aControls[];
@@ -60,5 +91,17 @@ extern const int UI_cnMenus;
 extern const UI_MenuItem UI_aMenuItems[]; // in the order in which they stand in each menu
 extern const int UI_cnMenuItems;
 extern const int UI_nMenuPanel; // the panel whose menu bar they form
+extern const UI_RingEntry UI_aRingEntries[];
+extern const int UI_cnRingEntries;
+extern const UI_Number UI_aNumbers[];
+extern const int UI_cnNumbers;
+extern const UI_KeyRow UI_aKeys[];
+extern const int UI_cnKeys;
+extern const UI_Urgent UI_aUrgent[];
+extern const int UI_cnUrgent;
+extern const int UI_nPrintPanel, UI_nPrintControl; // the text box a terminal shows
+
+// The row for a key of a control (0: of the panel alone); null when nobody wants it.
+const UI_KeyRow *UI_FindKey(int panel, int control, int key);
 
 #endif

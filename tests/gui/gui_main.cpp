@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "app/rooms.h"
-#include "runtime/userint.h"
+#include "runtime/qt/qt_view.h"
 
 // The font library keeps a little memory for itself at exit; not ours to free.
 extern "C" const char *__lsan_default_suppressions();
@@ -19,7 +19,7 @@ int main(int argc, char **argv)
     testing::InitGoogleTest(&argc, argv);
     if (!std::getenv("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (InitCVIRTE(&argc, argv) < 0)
+    if (QTV_StartApplication(&argc, argv) < 0)
         return 1;
     VR_ConnectRooms();
     return RUN_ALL_TESTS();

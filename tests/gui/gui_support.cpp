@@ -3,110 +3,152 @@
 #include "app/main_panel.h"
 #include "app/startup.h"
 #include "comm/communication.h"
+#include "runtime/model/model.h"
 #include "settings/settings.h"
 #include "support/sim_fixture.h"
+#include "watch/list/litem.h"
 #include "watch/main_window.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <memory>
+#include <QContextMenuEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <atomic>
+#include <mutex>
 
-std::vector<GuiEvent> guiEvents;
-std::function<int(const GuiEvent &)> guiAnswer;
+std::vector<VIEW_Event> guiEvents;
 
 namespace {
 
-constexpr int POPUP_TRIES = 500; // at 10 ms
+constexpr int DIALOG_PATIENCE_MS = 20000;
+constexpr int FIRST_NEW_ITEM = 1000;
+constexpr int NEW_ITEMS_MAX = 40;
 
-// Which window is in use changes with every pop-up: not what these tests are about.
-int Note(const GuiEvent &event)
+bool Note(const VIEW_Event &event)
 {
-    if (event.event == EVENT_ACTIVATED)
-        return 0;
-    guiEvents.push_back(event);
-    return guiAnswer ? guiAnswer(event) : 0;
+    const bool isPlace = event.kind == VIEW_EVENT_FOCUS || event.kind == VIEW_EVENT_PLACED;
+    // Which window is in front is the window system's affair.
+    const bool isActivation = event.kind == VIEW_EVENT_PANEL && event.event == EVENT_ACTIVATED;
+    if (!isPlace && !isActivation)
+        guiEvents.push_back(event);
+    return true;
 }
 
-int NoteControl(int panel, int control, int event, int data)
-{
-    return Note({panel, control, event, data});
-}
+// Jobs of a test, called by a menu item that nobody sees.
+std::mutex jobMutex;
+std::function<void()> job;
+std::atomic<int> jobsDone{0};
+std::atomic<int> jobItem{0};
 
-// Which window is in front is the window system's affair: it would make every test differ.
-int NotePanel(int panel, int event, int data)
+void RunJob(int, int)
 {
-    if (event == EVENT_ACTIVATED)
-        return 0;
-    return Note({panel, 0, event, data});
-}
-
-void PutCallbacks(bool isNoting)
-{
-    for (int i = 0; i < UI_cnPanels; i++) {
-        FacePanel *panel = FACE_PanelRecord(UI_aPanels[i].panel);
-        panel->callback = isNoting && panel->row->callback ? NotePanel : panel->row->callback;
-        for (FaceControl &control : panel->controls)
-            control.callback = isNoting ? NoteControl : control.row->callback;
+    std::function<void()> mine;
+    {
+        const std::lock_guard<std::mutex> lock(jobMutex);
+        mine.swap(job);
     }
+    if (mine)
+        mine();
+    jobsDone++;
+}
+
+int RunTestedProgram(int argc, char **argv)
+{
+    if (VR_StartUp(argc, argv) < 0)
+        return -1;
+    WindowCB(0, ITEM_WATCH_VIEW);
+    jobItem = NewMenuItem(GetPanelMenuBar(PANEL_MAIN), MENU_HELP, "", ITEM_ABOUT, 0, RunJob);
+    return RunUserInterface();
+}
+
+void RemoveNewItems()
+{
+    VIEW_Batch batch;
+    for (int i = 0; i < NEW_ITEMS_MAX; i++) {
+        VIEW_MenuItem gone;
+        gone.item = FIRST_NEW_ITEM + i;
+        gone.isGone = true;
+        batch.items.push_back(gone);
+    }
+    QTV_Draw(batch);
 }
 
 } // namespace
 
-std::ostream &operator<<(std::ostream &out, const GuiEvent &e)
+void ViewTest::SetUp()
 {
-    return out << "{panel " << e.panel << ", control " << e.control << ", event " << e.event
-               << ", data " << e.data << "}";
-}
-
-void FaceTest::SetUp()
-{
-    SuspendTimerCallbacks();
+    QTV_postTo = Note;
+    VIEW_Batch batch;
     for (int i = 0; i < UI_cnPanels; i++) {
-        const int panel = UI_aPanels[i].panel;
-        ASSERT_EQ(LoadPanel(panel == PANEL_CONSOLE ? PANEL_MAIN : 0, panel), panel);
+        VIEW_Panel panel;
+        panel.panel = UI_aPanels[i].panel;
+        panel.parent = panel.panel == PANEL_CONSOLE ? PANEL_MAIN : 0;
+        panel.mask = VIEW_PANEL_LOADED;
+        batch.panels.push_back(panel);
     }
-    ClearListCtrl(PANEL_MAIN, MAIN_LIST);
-    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
-    GuiSettle(); // a list that was seen empty has no selected line
-    PutCallbacks(true);
+    std::stable_partition(batch.panels.begin(), batch.panels.end(),
+                          [](const VIEW_Panel &panel) { return panel.panel == PANEL_MAIN; });
+    QTV_Draw(batch);
+    GuiDrawPanel(PANEL_MAIN, VIEW_PANEL_SIZE, [](VIEW_Panel &panel) {
+        panel.rect.width = 780;
+        panel.rect.height = 491;
+    });
     guiEvents.clear();
 }
 
-void FaceTest::TearDown()
+void ViewTest::TearDown()
 {
-    guiAnswer = nullptr;
-    SuspendTimerCallbacks();
     for (int i = 0; i < UI_cnPanels; i++)
-        HidePanel(UI_aPanels[i].panel);
-    ClearListCtrl(PANEL_MAIN, MAIN_LIST);
-    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+        GuiDrawPanel(UI_aPanels[i].panel, VIEW_PANEL_VISIBLE,
+                     [](VIEW_Panel &panel) { panel.isVisible = false; });
+    GuiDrawList(PANEL_MAIN, MAIN_LIST, VIEW_LIST_LINES, [](VIEW_List &list) { list.count = 0; });
+    GuiDrawText(PANEL_CONSOLE, CONSOLE_BOX, "", true);
+    RemoveNewItems();
     GuiSettle();
-    PutCallbacks(false);
+    QTV_postTo = VIEW_Post;
 }
 
 void GuiProgramTest::SetUp()
 {
     std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
-    target = SIMT_Start(PORT, SIM_Options());
+    plug();
     ASSERT_TRUE(target);
-    char name[] = "vireo2";
-    char *arguments[] = {name, nullptr};
-    ASSERT_EQ(VR_StartUp(1, arguments), 0);
+    MDL_Reset();
+    jobItem = 0;
+    program = std::thread([] {
+        static char name[] = "vireo2";
+        char *arguments[] = {name, nullptr};
+        VIEW_RunProgram(1, arguments, RunTestedProgram);
+    });
+    ASSERT_TRUE(QTest::qWaitFor([] { return jobItem > 0; }, PATIENCE_MS));
+    ASSERT_TRUE(settle());
     GuiShow(PANEL_MAIN);
-    WindowCB(0, ITEM_WATCH_VIEW);
-    ResetTextBox(PANEL_CONSOLE, CONSOLE_BOX, "");
+    ASSERT_TRUE(settle());
 }
 
 void GuiProgramTest::TearDown()
 {
-    VIR2_StopPeriodicASC();
-    IsDBGChange = 0;
+    startOnProgram([] {
+        VIR2_StopPeriodicASC();
+        IsDBGChange = 0;
+        QuitUserInterface(0);
+    });
+    program.join();
     szDebugFileName.clear();
     nDebugFileNames = 0;
-    SetMainPanelAttributes(); // takes the recent files off the menu
-    for (const int panel : {PANEL_ITEM, PANEL_VALUE, PANEL_MEMORY, PANEL_MAIN})
-        HidePanel(panel);
     unplug();
+    MDL_Reset();
+    for (int i = 0; i < UI_cnPanels; i++)
+        if (PanelWindow *window = GuiWindow(UI_aPanels[i].panel))
+            window->setShown(false);
+    RemoveNewItems();
+    GuiSettle();
+}
+
+void GuiProgramTest::plug(const SIM_Options &options)
+{
+    target = SIMT_Start(PORT, options);
 }
 
 void GuiProgramTest::unplug()
@@ -116,14 +158,53 @@ void GuiProgramTest::unplug()
     target = nullptr;
 }
 
+void GuiProgramTest::startOnProgram(std::function<void()> next)
+{
+    {
+        const std::lock_guard<std::mutex> lock(jobMutex);
+        job = std::move(next);
+    }
+    VIEW_Event event;
+    event.kind = VIEW_EVENT_MENU;
+    event.item = jobItem;
+    VIEW_Post(event);
+}
+
+void GuiProgramTest::onProgram(std::function<void()> next)
+{
+    const int before = jobsDone;
+    startOnProgram(std::move(next));
+    ASSERT_TRUE(QTest::qWaitFor([before] { return jobsDone > before; }, PATIENCE_MS));
+    GuiSettle();
+}
+
+bool GuiProgramTest::settle()
+{
+    return QTest::qWaitFor(
+        [] {
+            QTV_DrawChanges();
+            VIEW_Counters counters;
+            VIEW_GetCounters(&counters);
+            return counters.handled == counters.posted && !QTV_DrawChanges();
+        },
+        PATIENCE_MS);
+}
+
 PanelWindow *GuiWindow(int panel)
 {
-    return FACE_PanelRecord(panel)->window;
+    return QTV_FindPanel(panel)->window;
+}
+
+QString GuiText(int panel, int control)
+{
+    return GuiWidget(panel, control)->property("text").toString();
 }
 
 void GuiShow(int panel)
 {
-    ASSERT_EQ(DisplayPanel(panel), 0);
+    if (QTV_postTo != VIEW_Post)
+        GuiDrawPanel(panel, VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED,
+                     [](VIEW_Panel &change) { change.isVisible = true; });
     QApplication::setActiveWindow(GuiWindow(panel)->window());
     ASSERT_TRUE(QTest::qWaitForWindowActive(GuiWindow(panel)->window()));
     GuiSettle();
@@ -137,29 +218,25 @@ void GuiSettle()
     }
 }
 
-void GuiAnswerNext(std::function<void(QWidget *popup)> act)
+QDialog *GuiDialog()
 {
-    auto *timer = new QTimer(qApp);
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(timer, &QTimer::timeout, [timer, tries, act] {
-        QWidget *popup = QApplication::activeModalWidget();
-        if (!popup && ++*tries < POPUP_TRIES)
-            return;
-        timer->deleteLater();
-        timer->stop();
-        if (!popup) {
-            ADD_FAILURE() << "no pop-up came";
-            return;
-        }
-        QApplication::setActiveWindow(popup);
-        act(popup);
-    });
-    timer->start(10);
+    const auto isUp = [] { return qobject_cast<QDialog *>(QApplication::activeModalWidget()); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isUp() != nullptr; }, DIALOG_PATIENCE_MS));
+    QDialog *dialog = isUp();
+    if (dialog)
+        QApplication::setActiveWindow(dialog);
+    return dialog;
 }
 
-void GuiClickButton(QWidget *popup, const QString &text)
+void GuiRightClick(QAbstractScrollArea *view, const QPoint &at)
 {
-    const QList<QAbstractButton *> buttons = popup->findChildren<QAbstractButton *>();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, view->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(view->viewport(), &event);
+}
+
+void GuiClickButton(QWidget *dialog, const QString &text)
+{
+    const QList<QAbstractButton *> buttons = dialog->findChildren<QAbstractButton *>();
     for (QAbstractButton *button : buttons) {
         if (button->text().remove('&') == text) {
             button->click();
@@ -167,5 +244,61 @@ void GuiClickButton(QWidget *popup, const QString &text)
         }
     }
     ADD_FAILURE() << "no button " << text.toStdString();
-    popup->close();
+    dialog->close();
+}
+
+void GuiDraw(int panel, int control, unsigned mask, const std::function<void(VIEW_Control &)> &set)
+{
+    VIEW_Batch batch;
+    batch.controls.resize(1);
+    VIEW_Control &change = batch.controls.front();
+    change.panel = panel;
+    change.control = control;
+    change.mask = mask;
+    set(change);
+    QTV_Draw(batch);
+}
+
+void GuiDrawList(int panel, int control, unsigned mask, const std::function<void(VIEW_List &)> &set)
+{
+    VIEW_Batch batch;
+    batch.lists.resize(1);
+    VIEW_List &change = batch.lists.front();
+    change.panel = panel;
+    change.control = control;
+    change.mask = mask;
+    set(change);
+    QTV_Draw(batch);
+}
+
+void GuiDrawText(int panel, int control, const std::string &text, bool isReset)
+{
+    VIEW_Batch batch;
+    batch.boxes.resize(1);
+    VIEW_TextBox &change = batch.boxes.front();
+    change.panel = panel;
+    change.control = control;
+    change.text = text;
+    change.isReset = isReset;
+    QTV_Draw(batch);
+}
+
+void GuiDrawPanel(int panel, unsigned mask, const std::function<void(VIEW_Panel &)> &set)
+{
+    VIEW_Batch batch;
+    batch.panels.resize(1);
+    VIEW_Panel &change = batch.panels.front();
+    change.panel = panel;
+    change.mask = mask;
+    set(change);
+    QTV_Draw(batch);
+}
+
+std::vector<VIEW_Event> GuiEventsOf(int panel, int control, int event)
+{
+    std::vector<VIEW_Event> found;
+    for (const VIEW_Event &one : guiEvents)
+        if (one.panel == panel && one.control == control && one.event == event)
+            found.push_back(one);
+    return found;
 }

@@ -1,16 +1,16 @@
-// The whole desktop program on the example project and a simulated target: what a user
-// clicks and types, and what then stands on the screen.
-#include <QAbstractItemView>
+// The whole desktop program on the example project and a simulated target, the program on
+// its own thread: what a user clicks and types, and what then stands in the window.
 #include <QAction>
-#include <QDialog>
-#include <QFile>
+#include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QScrollBar>
-#include <QTimer>
 
 #include "gui/gui_support.h"
+#include "runtime/qt/led_label.h"
+#include "runtime/qt/toggle_switch.h"
 #include "settings/settings.h"
-#include "support/sim_fixture.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"
 
@@ -18,138 +18,235 @@ namespace {
 
 class ProgramTest : public GuiProgramTest {
 protected:
-    void clickCommunication()
+    void SetUp() override
+    {
+        GuiProgramTest::SetUp();
+        list = GuiWidget<LineList>(PANEL_MAIN, MAIN_LIST);
+    }
+    static void clickCommunication()
     {
         QTest::mouseClick(GuiWidget(PANEL_MAIN, MAIN_COMM), Qt::LeftButton);
     }
-    static std::string line(int index)
+    // The line as it stands in the window: all its cells.
+    QString line(int row) const
     {
-        std::string label;
-        GetLabelFromIndex(PANEL_MAIN, MAIN_LIST, index, &label);
-        return label;
+        QString text;
+        for (int i = 0; i < list->lines()->columnCount(); i++)
+            text += list->lines()->cell(row, i).text + "|";
+        return text;
     }
-    static bool waitForText(int control, const std::string &wanted)
+    static bool waitForText(int control, const QString &wanted)
     {
-        return QTest::qWaitFor([&] { return UiText(PANEL_MAIN, control) == wanted; }, PATIENCE_MS);
+        return QTest::qWaitFor([&] { return GuiText(PANEL_MAIN, control) == wanted; }, PATIENCE_MS);
     }
+    static bool isOn(int control)
+    {
+        return GuiWidget<LedLabel>(PANEL_MAIN, control)->isOn();
+    }
+    static void press(QWidget *widget, Qt::Key key, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::keyClick(widget, key, modifiers);
+        ASSERT_TRUE(settle());
+    }
+
+    LineList *list = nullptr;
 };
 
 TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
 {
-    ASSERT_GT(nLItems, 2);
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_LED_MAPFILE), 1);
-
+    ASSERT_GT(list->lines()->rowCount(), 2);
+    EXPECT_TRUE(isOn(MAIN_STOPPED));
+    EXPECT_TRUE(isOn(MAIN_LED_MAPFILE));
     clickCommunication();
     ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 0);
-    const std::string before = line(0);
-    EXPECT_NE(before.find("wRamp\033p300l"), std::string::npos);
+    EXPECT_FALSE(isOn(MAIN_STOPPED));
+    const QString before = line(0);
+    EXPECT_TRUE(before.startsWith("wRamp|")) << before.toStdString();
     EXPECT_TRUE(QTest::qWaitFor([&] { return line(0) != before; }, PATIENCE_MS));
-    EXPECT_EQ(before.find("(!)"), std::string::npos);
+    EXPECT_FALSE(before.contains("(!)"));
 
-    Option_AutoOff = 1;
+    onProgram([] { Option_AutoOff = 1; });
     unplug();
-    EXPECT_TRUE(QTest::qWaitFor([] { return isTimer == 0; }, PATIENCE_MS));
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_COMM), 0);
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
-
-    target = SIMT_Start(PORT, SIM_Options());
-    ASSERT_TRUE(target);
+    EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS));
+    EXPECT_FALSE(GuiWidget<ToggleSwitch>(PANEL_MAIN, MAIN_COMM)->isChecked());
+    if (QDialog *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
+        dialog->reject();
+    ASSERT_TRUE(settle());
+    plug();
     clickCommunication();
     EXPECT_TRUE(waitForText(MAIN_STATUS, "RUN"));
 }
 
+// The program is held in a callback for as long as the test wants: whatever the window
+// does meanwhile it does without the program.
+TEST_F(ProgramTest, TheWindowNeverWaitsForTheProgram)
+{
+    std::atomic<bool> isHeld{false}, isReleased{false};
+    startOnProgram([&] {
+        SetBusyText("waiting for station 9");
+        isHeld = true;
+        while (!isReleased)
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isHeld.load(); }, PATIENCE_MS));
+    VIEW_Busy before, after;
+    VIEW_GetBusy(&before);
+    list->select({0}, 0);
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_Down);
+    EXPECT_EQ(list->currentRow(), 1);
+    list->verticalScrollBar()->setValue(2);
+    EXPECT_EQ(list->firstVisible(), qMin(2, list->verticalScrollBar()->maximum()));
+    auto *address = GuiWidget<QLineEdit>(PANEL_MAIN, MAIN_MEM_ADDR);
+    address->setFocus();
+    QTest::keyClicks(address, "12AB");
+    EXPECT_EQ(address->text(), "12AB");
+    auto *comm = GuiWidget<ToggleSwitch>(PANEL_MAIN, MAIN_COMM);
+    QTest::mouseClick(comm, Qt::LeftButton);
+    EXPECT_TRUE(comm->isChecked());
+    GuiWindow(PANEL_MAIN)->resize(900, 620);
+    auto *bar = GuiWindow(PANEL_MAIN)->findChild<QMenuBar *>();
+    QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(bar->actions()[0]).center());
+    GuiSettle();
+    ASSERT_TRUE(QApplication::activePopupWidget());
+    QApplication::activePopupWidget()->close();
+    auto *busy = GuiWindow(PANEL_MAIN)->findChild<QLabel *>("busy");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return busy->text().startsWith("waiting for station 9"); },
+                                PATIENCE_MS));
+
+    VIEW_GetBusy(&after);
+    EXPECT_TRUE(after.isBusy && after.sinceMs == before.sinceMs) << "in the same callback still";
+    isReleased = true;
+    ASSERT_TRUE(settle());
+    EXPECT_TRUE(waitForText(MAIN_STATUS, "RUN")) << "what was clicked meanwhile happens now";
+    std::string typed;
+    onProgram([&] { GetCtrlVal(PANEL_MAIN, MAIN_MEM_ADDR, &typed); });
+    EXPECT_EQ(typed, "12AB");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return busy->text().isEmpty(); }, PATIENCE_MS));
+    GuiWindow(PANEL_MAIN)->resize(780, 491);
+}
+
+// The same with a target: one that never answers, and one that does late.
+TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
+{
+    SIM_Options late, silent;
+    late.delayMs = 350;
+    silent.stations = 0;
+    const struct {
+        const char *name;
+        SIM_Options options;
+    } targets[] = {{"silent", silent}, {"late", late}};
+    for (const auto &kind : targets) {
+        unplug();
+        plug(kind.options);
+        ASSERT_TRUE(target) << kind.name;
+        clickCommunication();
+        // Until the program waits for the target inside a callback.
+        VIEW_Busy busy;
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] {
+                VIEW_GetBusy(&busy);
+                return busy.isBusy;
+            },
+            PATIENCE_MS))
+            << kind.name;
+        const int wanted = list->lines()->rowCount() - 1;
+        list->select({0}, 0);
+        list->setFocus();
+        for (int i = 0; i < wanted; i++) {
+            QTest::keyClick(list, Qt::Key_Down);
+            EXPECT_EQ(list->currentRow(), qMin(i + 1, wanted)) << kind.name << ": drawn at once";
+        }
+        clickCommunication();
+        EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
+        ASSERT_TRUE(settle());
+    }
+}
+
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
 {
-    SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 1);
+    onProgram([] { SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 1); });
     const struct {
-        int focus, key, selected;
+        int focus;
+        Qt::Key key;
+        int selected;
     } steps[] = {{MAIN_LIST, Qt::Key_Down, 2},
                  {MAIN_LIST, Qt::Key_Up, 1},
                  {MAIN_COMM, Qt::Key_Down, 2},
                  {MAIN_MEM_ADDR, Qt::Key_Down, 3},
                  {MAIN_COMM, Qt::Key_Up, 2}};
     for (const auto &step : steps) {
-        SetActiveCtrl(PANEL_MAIN, step.focus);
-        QTest::keyClick(GuiWidget(PANEL_MAIN, step.focus), Qt::Key(step.key));
-        EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), step.selected) << step.focus;
+        GuiWidget(PANEL_MAIN, step.focus)->setFocus();
+        press(GuiWidget(PANEL_MAIN, step.focus), step.key);
+        EXPECT_EQ(list->currentRow(), step.selected) << step.focus;
     }
 }
 
 TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
 {
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_K, Qt::ControlModifier);
+    press(GuiWindow(PANEL_MAIN), Qt::Key_K, Qt::ControlModifier);
     auto *input = GuiWidget<QLineEdit>(PANEL_CONSOLE, CONSOLE_INPUT);
     ASSERT_TRUE(input->isVisible());
-    EXPECT_EQ(GetActiveCtrl(PANEL_CONSOLE), CONSOLE_INPUT);
+    EXPECT_TRUE(input->hasFocus());
     QTest::keyClicks(input, "station 2");
-    QTest::keyClick(input, Qt::Key_Return);
-    EXPECT_EQ(STATION, 2);
+    press(input, Qt::Key_Return);
     EXPECT_EQ(input->text(), "");
-    const std::string shown = UiText(PANEL_CONSOLE, CONSOLE_BOX);
-    const std::string answer = "station 2 -> OK!";
-    EXPECT_EQ(shown.find(answer), shown.rfind(answer)) << "Enter counts once";
-    EXPECT_NE(shown.find(answer), std::string::npos);
-    QTest::keyClick(input, Qt::Key_Down);
+    const QString shown = GuiWidget<QPlainTextEdit>(PANEL_CONSOLE, CONSOLE_BOX)->toPlainText();
+    EXPECT_EQ(shown.count("station 2 -> OK!"), 1) << "Enter counts once";
+    EXPECT_TRUE(GuiText(PANEL_MAIN, MAIN_STATE).contains("st = 2;")) << "seen from the console too";
+    press(input, Qt::Key_Down);
     EXPECT_EQ(input->text(), "station 2");
-    QTest::keyClick(input, Qt::Key_Escape);
+    press(input, Qt::Key_Escape);
     EXPECT_EQ(input->text(), "");
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
+    press(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
     EXPECT_FALSE(input->isVisible());
-    EXPECT_EQ(GuiWindow(PANEL_MAIN)->size(), QSize(780, 491));
+    EXPECT_TRUE(list->isVisible());
 }
 
 TEST_F(ProgramTest, ScrolledLinesAreReadAndTheListIsSavedAndReopened)
 {
     clickCommunication();
     ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
-    const int last = nLItems - 1;
-    EXPECT_FALSE(aLItems[last].isValueGood) << "out of sight";
-    auto *list = GuiWidget<QAbstractItemView>(PANEL_MAIN, MAIN_LIST);
+    const int last = list->lines()->rowCount() - 1;
+    ASSERT_GT(last, list->linesInView());
+    const QString unread = line(last);
     list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum());
-    EXPECT_TRUE(QTest::qWaitFor([last] { return aLItems[last].isValueGood; }, PATIENCE_MS));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return line(last) != unread; }, PATIENCE_MS));
+    EXPECT_FALSE(line(last).contains("(!)"));
 
-    GuiAnswerNext([](QWidget *popup) {
-        popup->findChild<QLineEdit *>("fileNameEdit")->setText("copy.dbg");
-        static_cast<QDialog *>(popup)->accept();
-    });
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
+    QDialog *dialog = GuiDialog();
+    ASSERT_TRUE(dialog);
+    dialog->findChild<QLineEdit *>("fileNameEdit")->setText("copy.dbg");
+    dialog->accept();
+    ASSERT_TRUE(settle());
     EXPECT_TRUE(QFile::exists("copy.dbg"));
-    EXPECT_NE(szDebugFileName.find("copy.dbg"), std::string::npos);
+    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->windowTitle().contains("copy.dbg"));
     GuiShow(PANEL_MAIN);
-    EXPECT_EQ(szaDebugFileNames[1], "demo.dbg");
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_2, Qt::ControlModifier);
-    EXPECT_EQ(szDebugFileName, "demo.dbg");
-    EXPECT_EQ(nLItems, last + 1);
+    press(GuiWindow(PANEL_MAIN), Qt::Key_2, Qt::ControlModifier);
+    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->windowTitle().contains("demo.dbg"));
+    EXPECT_EQ(list->lines()->rowCount(), last + 1);
 }
 
 TEST_F(ProgramTest, AsksBeforeItEnds)
 {
-    const auto answer = [](const char *button) {
-        IsDBGChange = 1;
-        GuiShow(PANEL_MAIN);
-        GuiAnswerNext([button](QWidget *popup) { GuiClickButton(popup, button); });
-    };
-    answer("Cancel");
+    onProgram([] { EDT_Remove(0); });
     GuiWindow(PANEL_MAIN)->close();
+    QDialog *dialog = GuiDialog();
+    ASSERT_TRUE(dialog);
+    GuiClickButton(dialog, "Cancel");
+    ASSERT_TRUE(settle());
     EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
-    EXPECT_EQ(IsDBGChange, 1);
-    const auto quit = [] {
-        QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
-    };
-    EDT_Remove(0);
+    GuiShow(PANEL_MAIN);
     const std::string comment = "; ";
-    for (const char *button : {"No", "Yes"}) {
-        answer(button);
-        QTimer::singleShot(0, quit);
-        EXPECT_EQ(RunUserInterface(), 0);
-        EXPECT_EQ(IsDBGChange, 0) << button;
-        const std::string saved = ReadFileText("demo.dbg");
-        EXPECT_EQ(saved.find(comment) == std::string::npos, button == std::string("Yes"))
-            << "a saved list has no comments";
-    }
+    EXPECT_NE(ReadFileText("demo.dbg").find(comment), std::string::npos);
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
+    dialog = GuiDialog();
+    ASSERT_TRUE(dialog);
+    GuiClickButton(dialog, "Yes");
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return ReadFileText("demo.dbg").find(comment) == std::string::npos; }, PATIENCE_MS))
+        << "a saved list has no comments";
 }
 
 } // namespace

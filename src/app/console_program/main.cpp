@@ -10,6 +10,7 @@
 #include "calendar/archive.h"
 #include "comm/trace.h"
 #include "platform/system.h"
+#include "runtime/view.h"
 #include "settings/settings.h"
 
 namespace {
@@ -19,6 +20,18 @@ constexpr int EXIT_WRONG_OPTION = 2;
 int Drive()
 {
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
+}
+
+// A person's answer to a question, from the terminal.
+bool ReadAnswer(std::string *line)
+{
+    line->clear();
+    int c = std::getchar();
+    if (c == EOF)
+        return false;
+    for (; c != EOF && c != '\n'; c = std::getchar())
+        line->push_back(static_cast<char>(c));
+    return true;
 }
 
 // Written through at once: what was on the wire before a crash is what one looks for.
@@ -33,13 +46,14 @@ int Run(const CPG_Options &options, int argc, char **argv)
 {
     HL_SetDefaultAnswer(options.answer);
     HL_ShowProgress(LNE_IsErrorTerminal());
+    HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
     if (isWatch)
         HL_SetStreams(stderr, stderr); // tables only on standard output
-    int code = VR_Main(argc, argv);
+    int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
     CPG_RepeatMessage();

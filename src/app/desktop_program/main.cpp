@@ -1,9 +1,10 @@
 // The desktop program.
 #include "app/startup.h"
 #include "platform/system.h"
+#include "runtime/view.h"
 
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
-    return VR_Main(argc, argv);
+    return VIEW_Main(argc, argv, VR_Main);
 }

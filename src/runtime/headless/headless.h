@@ -1,8 +1,11 @@
-// The headless face's own calls, beside runtime/userint.h: what a person would do
-// (click, type, answer a question) and what a person would see. The console program
-// drives the event loop through it; tests drive and examine the whole program.
+// The view of a terminal and of the tests, on the program's own thread: prints what is
+// meant for a reader, answers questions from a queue, at a terminal, or safely. Beside it
+// what a person would do (click, type) and see: the console program drives the program
+// through it, tests drive and examine it. What a person does is posted through the same
+// queue as a window's events (runtime/view.h), and handled before the call returns.
 //
-// Results follow runtime/userint.h: 0 or positive good, negative a UI_Error code.
+// Results follow runtime/userint.h: 0 or positive good, negative a UI_Error code, HL_DIMMED
+// when the control or item cannot be reached.
 #ifndef RUNTIME_HEADLESS_HEADLESS_H
 #define RUNTIME_HEADLESS_HEADLESS_H
 
@@ -12,11 +15,11 @@
 
 #include "runtime/userint.h"
 
-constexpr int HL_DIMMED = -1; // the control or item is dimmed: the user cannot reach it
+constexpr int HL_DIMMED = -1;
 
 // --- for tests ----------------------------------------------------------------------
 // Forgets everything: panels unloaded, queues and logs empty, timers suspended, no
-// driver, both streams silent.
+// driver, both streams silent, no program is started.
 void HL_Reset();
 // Loads every panel of the table as a window of its own. 0, or the first error.
 int HL_LoadAllPanels();
@@ -37,7 +40,7 @@ bool HL_IsQuit();
 // One tick of a timer: 1 fired, 0 timers are suspended.
 int HL_FireTimer(int panel, int control);
 // Sleeps for the timer's interval, then fires it. Ends early, unfired (0), once
-// `isStopped` (may be null) says so.
+// `isStopped` (may be null) says so or the loop is to end.
 int HL_WaitTimer(int panel, int control, bool (*isStopped)());
 
 // --- questions ------------------------------------------------------------------------
@@ -48,6 +51,9 @@ enum HL_DefaultAnswer {
 };
 // How questions are answered once the queue is empty.
 void HL_SetDefaultAnswer(HL_DefaultAnswer answer);
+// A line a person types as an answer; false at the end of input. With one set, questions
+// without a standing answer are really asked: for a terminal. Null = nobody is there.
+void HL_SetAsker(bool (*readLine)(std::string *line));
 // Queues the answer to the next question. `button`: 1 yes / OK / first button, 0 no /
 // closed; `text`: what is typed into the entry field, or the file chosen.
 void HL_PushAnswer(int button, const std::string &text = "");
@@ -64,10 +70,12 @@ int HL_Toggle(int panel, int control);                // switch flipped, then EV
 int HL_SetUserVal(int panel, int control, int value); // then EVENT_VAL_CHANGED
 int HL_SetUserVal(int panel, int control, const std::string &text);
 int HL_SelectLine(int panel, int control, int index); // then EVENT_VAL_CHANGED
-// A key while `control` has the focus (0 = none): the control's callback, what the
-// control does by itself, the panel's callback, the menu shortcuts; until swallowed.
+int HL_SelectLines(int panel, int control, const std::vector<int> &indices);
+int HL_EditCell(int panel, int control, int index, int column, const std::string &text);
+// A key while `control` has the focus (0 = none): as the key table says to the control and
+// the panel, else what the widget does by itself, else the menu shortcut.
 int HL_Key(int panel, int control, int key);
-int HL_Event(int panel, int control, int event, int data); // any event, straight to the callback
+int HL_Event(int panel, int control, int event, int data); // any event of userint.h
 int HL_ClosePanel(int panel);
 int HL_ActivatePanel(int panel); // turns to the panel's window
 int HL_ResizePanel(int panel, int height, int width);
@@ -79,7 +87,7 @@ std::string HL_GetTip(int panel, int control, int index);      // tip of a list 
 std::vector<int> HL_GetMenuItems(int menu);                    // items from top to bottom
 std::string HL_GetMenuText(int item);
 int HL_GetShortcut(int item);
-int HL_GetPopupMenu();                                         // last menu shown at the mouse, 0 = none
+int HL_GetPopupMenu(); // last menu shown at the mouse, 0 = none
 // What is offered for the text that stands in a field now.
 std::vector<std::string> HL_Complete(int panel, int control);
 const std::string &HL_GetClipboard();

@@ -1,34 +1,31 @@
-// Ties the rows of the control table to the widgets of the Designer files: class
-// check, timers, and the signals that stand for the user's actions.
-#include "runtime/qt/face.h"
+// Ties the rows of the control table to the widgets of the Designer files: class check,
+// and the signals that stand for the user's actions, each of which becomes one event.
+#include "runtime/qt/qt_view.h"
 
 #include <QComboBox>
 #include <QDoubleSpinBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSpinBox>
-#include <QTimer>
-#include <cmath>
 #include <cstdio>
 
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/line_list.h"
-#include "runtime/qt/panel_window.h"
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
 
-namespace {
+bool (*QTV_postTo)(const VIEW_Event &event) = VIEW_Post;
 
-constexpr double DEFAULT_INTERVAL_S = 1.0;
-bool areTimersSuspended = true;
+namespace {
 
 struct ClassRow {
     UI_Kind kind;
     const QMetaObject *widgetClass;
 };
 
-const ClassRow classRows[] = {
+const ClassRow CLASS_ROWS[] = {
     {UIK_BUTTON, &QPushButton::staticMetaObject},    {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
     {UIK_LED, &LedLabel::staticMetaObject},          {UIK_TEXT, &QLabel::staticMetaObject},
     {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
@@ -39,32 +36,61 @@ const ClassRow classRows[] = {
 
 bool IsOfKind(const QWidget *widget, UI_Kind kind)
 {
-    for (const ClassRow &row : classRows)
+    for (const ClassRow &row : CLASS_ROWS)
         if (row.kind == kind && row.widgetClass->cast(widget))
             return true;
     return false;
 }
 
-// A slot that calls the control's callback. A signal that is not the user's (it comes
-// while the program is at work) never gets there.
-auto Reporter(FaceControl *control, int event)
+// What stands in the control now.
+void FillValue(const QTV_Control &control, VIEW_Event *event)
+{
+    QWidget *widget = control.widget;
+    if (auto *button = qobject_cast<ToggleSwitch *>(widget)) {
+        event->value = button->isChecked();
+    } else if (auto *whole = qobject_cast<QSpinBox *>(widget)) {
+        event->value = whole->value();
+        event->number = whole->value();
+    } else if (auto *real = qobject_cast<QDoubleSpinBox *>(widget)) {
+        event->number = real->value();
+    } else if (auto *field = qobject_cast<QLineEdit *>(widget)) {
+        event->text = field->text().toStdString();
+    } else if (auto *ring = qobject_cast<QComboBox *>(widget)) {
+        const QVariant value = ring->currentData();
+        event->value = value.isValid() ? value.toInt() : ring->currentIndex();
+    } else if (auto *list = qobject_cast<LineList *>(widget)) {
+        QTV_FillList(*list, event);
+    }
+}
+
+// A slot that posts an event of the control with its value.
+auto Reporter(QTV_Control *control, int event)
 {
     return [control, event] {
-        if (!FACE_IsBusy())
-            FACE_Call(*control, event, 0);
+        if (!QTV_IsDrawing())
+            QTV_PostControl(*control, event);
     };
 }
 
-void ConnectField(FaceControl *control, QLineEdit *field)
+// A click that was refused leaves the switch where it was.
+void ConnectSwitch(QTV_Control *control, ToggleSwitch *toggle)
 {
-    QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
-    QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
-        if (!FACE_IsBusy() && !FACE_IsChoosing(field))
-            FACE_Call(*control, EVENT_COMMIT, 0);
+    QObject::connect(toggle, &QAbstractButton::clicked, [control, toggle](bool isOn) {
+        if (!QTV_PostControl(*control, EVENT_COMMIT))
+            toggle->setChecked(!isOn);
     });
 }
 
-void ConnectNumber(FaceControl *control)
+void ConnectField(QTV_Control *control, QLineEdit *field)
+{
+    QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
+    QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
+        if (!QTV_IsChoosing(field))
+            QTV_PostControl(*control, EVENT_COMMIT);
+    });
+}
+
+void ConnectNumber(QTV_Control *control)
 {
     QWidget *widget = control->widget;
     if (auto *whole = qobject_cast<QSpinBox *>(widget))
@@ -75,74 +101,101 @@ void ConnectNumber(FaceControl *control)
         QObject::connect(field, &QLineEdit::returnPressed, Reporter(control, EVENT_COMMIT));
 }
 
-void ConnectList(FaceControl *control, LineList *list)
+VIEW_Event MakeEvent(const QTV_Control &control, VIEW_EventKind kind, int event)
 {
-    QObject::connect(list, &LineList::lineSelected, Reporter(control, EVENT_VAL_CHANGED));
+    VIEW_Event made;
+    made.kind = kind;
+    made.event = event;
+    made.panel = control.row->panel;
+    made.control = control.row->control;
+    return made;
+}
+
+void ConnectList(QTV_Control *control, LineList *list)
+{
+    QObject::connect(list, &LineList::selectedByUser, Reporter(control, EVENT_VAL_CHANGED));
     QObject::connect(list, &LineList::lineCommitted, Reporter(control, EVENT_COMMIT));
     QObject::connect(list, &LineList::lineDoubleClicked,
                      Reporter(control, EVENT_LEFT_DOUBLE_CLICK));
     QObject::connect(list, &LineList::contextRequested, Reporter(control, EVENT_RIGHT_CLICK));
-    QObject::connect(list, &LineList::lineDropped, [control](int source, int target) {
-        FACE_Call(*control, EVENT_DROPPED, source * 65536 + target);
+    QObject::connect(list, &LineList::lineDropped, [control, list](int source, int target) {
+        VIEW_Event event = MakeEvent(*control, VIEW_EVENT_CONTROL, EVENT_DROPPED);
+        event.line = {source, list->lines()->id(source)};
+        event.target = {target, list->lines()->id(target)};
+        QTV_Post(event);
     });
-    list->setDraggable(control->callback != nullptr);
+    QObject::connect(list->lines(), &LineModel::cellEdited,
+                     [control, list](int row, int column, const QString &text) {
+                         VIEW_Event event =
+                             MakeEvent(*control, VIEW_EVENT_CONTROL, EVENT_CELL_EDITED);
+                         event.line = {row, list->lines()->id(row)};
+                         event.column = column;
+                         event.text = text.toStdString();
+                         QTV_Post(event);
+                     });
+    QObject::connect(list, &LineList::viewMoved, [control, list] {
+        VIEW_Event event = MakeEvent(*control, VIEW_EVENT_SCROLLED, 0);
+        event.value = list->firstVisible();
+        event.extra = list->linesInView();
+        QTV_Post(event);
+    });
+    QObject::connect(list, &LineList::columnsDragged, [control, list] {
+        VIEW_Event event = MakeEvent(*control, VIEW_EVENT_COLUMNS, 0);
+        event.widths = list->columnWidths();
+        QTV_Post(event);
+    });
+    list->setDraggable(control->row->callback != nullptr);
 }
 
-void Connect(FaceControl *control)
+void ConnectBox(QTV_Control *control, TextBox *box)
 {
+    QObject::connect(box->verticalScrollBar(), &QScrollBar::valueChanged, [control, box](int top) {
+        VIEW_Event event = MakeEvent(*control, VIEW_EVENT_SCROLLED, 0);
+        event.value = top;
+        event.extra = box->verticalScrollBar()->pageStep();
+        QTV_Post(event);
+    });
+}
+
+void Connect(QTV_Control *control)
+{
+    QWidget *widget = control->widget;
     switch (control->row->kind) {
     case UIK_BUTTON:
-    case UIK_SWITCH:
-        QObject::connect(static_cast<QAbstractButton *>(control->widget), &QAbstractButton::clicked,
+        QObject::connect(static_cast<QAbstractButton *>(widget), &QAbstractButton::clicked,
                          Reporter(control, EVENT_COMMIT));
         break;
+    case UIK_SWITCH:
+        ConnectSwitch(control, static_cast<ToggleSwitch *>(widget));
+        break;
     case UIK_STRING:
-        ConnectField(control, static_cast<QLineEdit *>(control->widget));
+        ConnectField(control, static_cast<QLineEdit *>(widget));
         break;
     case UIK_NUMBER:
         ConnectNumber(control);
         break;
     case UIK_RING:
-        QObject::connect(static_cast<QComboBox *>(control->widget), &QComboBox::activated,
+        QObject::connect(static_cast<QComboBox *>(widget), &QComboBox::activated,
                          Reporter(control, EVENT_COMMIT));
         break;
     case UIK_LIST:
-        ConnectList(control, static_cast<LineList *>(control->widget));
+        ConnectList(control, static_cast<LineList *>(widget));
+        break;
+    case UIK_TEXTBOX:
+        ConnectBox(control, static_cast<TextBox *>(widget));
         break;
     default: // the user cannot act on the rest
         break;
     }
 }
 
-void BindTimer(FaceControl *control, QWidget *window)
-{
-    control->timer = new QTimer(window);
-    control->timer->setTimerType(Qt::PreciseTimer);
-    control->interval = DEFAULT_INTERVAL_S;
-    // A tick that falls into a callback or a pop-up is left out: the link is in use.
-    QObject::connect(control->timer, &QTimer::timeout, Reporter(control, EVENT_TIMER_TICK));
-    FACE_StartTimer(control);
-}
-
-void RefreshAllTimers()
-{
-    for (int i = 0; i < UI_cnControls; i++) {
-        FaceControl *control = nullptr;
-        const UI_Control &row = UI_aControls[i];
-        if (row.kind == UIK_TIMER && FACE_FindControl(row.panel, row.control, &control) == 0)
-            FACE_StartTimer(control);
-    }
-}
-
 } // namespace
 
-bool FACE_BindControl(FaceControl *control, QWidget *window)
+bool QTV_BindControl(QTV_Control *control, QWidget *window)
 {
     const UI_Control *row = control->row;
-    if (row->kind == UIK_TIMER) {
-        BindTimer(control, window);
+    if (row->kind == UIK_TIMER)
         return true;
-    }
     control->widget = window->findChild<QWidget *>(row->name);
     if (!control->widget || !IsOfKind(control->widget, row->kind)) {
         std::fprintf(stderr, "panel %d, control %d: %s '%s'\n", row->panel, row->control,
@@ -153,27 +206,26 @@ bool FACE_BindControl(FaceControl *control, QWidget *window)
     return true;
 }
 
-void FACE_StartTimer(FaceControl *control)
+bool QTV_Post(const VIEW_Event &event)
 {
-    const int ms = static_cast<int>(std::lround(control->interval * 1000.0));
-    if (control->timer->interval() != ms) // setting it anew would delay the next tick
-        control->timer->setInterval(ms);
-    if (areTimersSuspended)
-        control->timer->stop();
-    else if (!control->timer->isActive())
-        control->timer->start();
+    return QTV_postTo(event);
 }
 
-int SuspendTimerCallbacks()
+void QTV_PostPanel(int panel, int event, int value)
 {
-    areTimersSuspended = true;
-    RefreshAllTimers();
-    return 0;
+    VIEW_Event posted;
+    posted.kind = VIEW_EVENT_PANEL;
+    posted.event = event;
+    posted.panel = panel;
+    posted.value = value;
+    QTV_Post(posted);
 }
 
-int ResumeTimerCallbacks()
+bool QTV_PostControl(const QTV_Control &control, int event, int value)
 {
-    areTimersSuspended = false;
-    RefreshAllTimers();
-    return 0;
+    VIEW_Event posted = MakeEvent(control, VIEW_EVENT_CONTROL, event);
+    FillValue(control, &posted);
+    if (event == EVENT_KEYPRESS)
+        posted.value = value;
+    return QTV_Post(posted);
 }

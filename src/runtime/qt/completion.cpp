@@ -1,5 +1,6 @@
-// Completion of one-line fields: a list under the field while the user types.
-#include "runtime/qt/face.h"
+// Completion of one-line fields: a list under the field while the user types. What it
+// offers comes from the program some time after the typing, and only if it still fits.
+#include "runtime/qt/qt_view.h"
 
 #include <QAbstractItemView>
 #include <QCompleter>
@@ -11,24 +12,10 @@ namespace {
 constexpr int VISIBLE_LINES = 10;
 const char CHOOSING[] = "choosing"; // property of the field: a completion is marked
 
-QStringList Candidates(const FaceControl &control, CompletionCallback callback,
-                       const QString &typed)
-{
-    const FaceBusy busy;
-    QStringList texts;
-    for (const std::string &text :
-         callback(control.row->panel, control.row->control, FACE_ToStd(typed)))
-        texts << FACE_ToQt(text);
-    return texts;
-}
-
 // The field has taken the marked text by the time the event loop turns.
-void ReportChosen(QCompleter *completer, FaceControl *control, QLineEdit *field)
+void ReportChosen(QCompleter *completer, const QTV_Control *control, QLineEdit *field)
 {
-    const auto report = [control] {
-        if (!FACE_IsBusy())
-            FACE_Call(*control, EVENT_VAL_CHANGED, 0);
-    };
+    const auto report = [control] { QTV_PostControl(*control, EVENT_VAL_CHANGED); };
     const auto highlighted = QOverload<const QString &>::of(&QCompleter::highlighted);
     const auto activated = QOverload<const QString &>::of(&QCompleter::activated);
     QObject::connect(completer, highlighted, field,
@@ -39,36 +26,46 @@ void ReportChosen(QCompleter *completer, FaceControl *control, QLineEdit *field)
 
 } // namespace
 
-bool FACE_IsChoosing(const QLineEdit *field)
+bool QTV_IsChoosing(const QLineEdit *field)
 {
     const QCompleter *completer = field->completer();
     return completer && completer->popup()->isVisible() && field->property(CHOOSING).toBool();
 }
 
-int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
+void QTV_SetCompletion(const QTV_Control &control, bool isOn)
 {
-    FaceControl *found = nullptr;
-    const int error = FACE_FindControl(panel, control, &found);
-    if (error < 0)
-        return error;
-    auto *field = qobject_cast<QLineEdit *>(found->widget);
-    if (!field)
-        return UIE_BAD_TYPE;
+    auto *field = qobject_cast<QLineEdit *>(control.widget);
+    if (!field || isOn == (field->completer() != nullptr))
+        return;
     field->setCompleter(nullptr); // an earlier one goes with all its connections
-    if (!callback)
-        return 0;
+    if (!isOn)
+        return;
     auto *completer = new QCompleter(field);
-    auto *model = new QStringListModel(completer);
-    completer->setModel(model);
+    completer->setModel(new QStringListModel(completer));
     completer->setCaseSensitivity(Qt::CaseInsensitive);
     completer->setFilterMode(Qt::MatchContains);
     completer->setMaxVisibleItems(VISIBLE_LINES);
     field->setCompleter(completer);
     QObject::connect(field, &QLineEdit::textEdited, completer,
-                     [found, callback, model, field](const QString &typed) {
-                         field->setProperty(CHOOSING, false);
-                         model->setStringList(Candidates(*found, callback, typed));
-                     });
-    ReportChosen(completer, found, field);
-    return 0;
+                     [field] { field->setProperty(CHOOSING, false); });
+    ReportChosen(completer, &control, field);
+}
+
+void QTV_DrawCompletion(const VIEW_Completion &change)
+{
+    const QTV_Control *control = QTV_FindControl(change.panel, change.control);
+    auto *field = control ? qobject_cast<QLineEdit *>(control->widget) : nullptr;
+    QCompleter *completer = field ? field->completer() : nullptr;
+    if (!completer || QTV_IsChoosing(field) || field->text() != QTV_ToQt(change.typed))
+        return; // more has been typed, or one been picked: the answer came too late
+    QStringList texts;
+    for (const std::string &text : change.candidates)
+        texts << QTV_ToQt(text);
+    static_cast<QStringListModel *>(completer->model())->setStringList(texts);
+    if (texts.isEmpty()) {
+        completer->popup()->hide();
+    } else if (field->hasFocus()) {
+        completer->setCompletionPrefix(field->text());
+        completer->complete();
+    }
 }

@@ -1,177 +1,169 @@
-// Controls: their values and the keyboard focus. Each kind answers only the calls
-// that make sense for it.
-#include "runtime/qt/face.h"
+// Controls: drawing what the program has changed of them.
+#include "runtime/qt/qt_view.h"
 
+#include <QAbstractSpinBox>
 #include <QComboBox>
 #include <QDoubleSpinBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPushButton>
 #include <QSignalBlocker>
 #include <QSpinBox>
 #include <cmath>
 
 #include "runtime/qt/led_label.h"
+#include "runtime/qt/look.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
 
 namespace {
 
-int SetNumber(QWidget *widget, double value)
+constexpr double PLAIN_CONTRAST = 12; // so dark on a light ground is meant as plain text
+
+void DrawNumber(QWidget *widget, double value)
 {
     const QSignalBlocker quiet(widget);
     if (auto *whole = qobject_cast<QSpinBox *>(widget))
         whole->setValue(static_cast<int>(std::lround(value)));
-    else
-        static_cast<QDoubleSpinBox *>(widget)->setValue(value);
-    return 0;
+    else if (auto *real = qobject_cast<QDoubleSpinBox *>(widget))
+        real->setValue(value);
 }
 
-double GetNumber(const QWidget *widget)
+void DrawRingValue(QComboBox *ring, int value)
 {
-    if (const auto *whole = qobject_cast<const QSpinBox *>(widget))
-        return whole->value();
-    return static_cast<const QDoubleSpinBox *>(widget)->value();
+    const int found = ring->findData(value);
+    ring->setCurrentIndex(found >= 0 ? found : value);
 }
 
-int SetRing(const UI_Control &row, int value)
+// The cursor stays where it is as far as the new text goes.
+void DrawField(QLineEdit *field, const QString &text)
 {
-    int count = 0;
-    GetNumListItems(row.panel, row.control, &count);
-    for (int i = 0; i < count; i++) {
-        int entry = 0;
-        GetValueFromIndex(row.panel, row.control, i, &entry);
-        if (entry == value)
-            return SetCtrlIndex(row.panel, row.control, i);
+    if (field->text() == text)
+        return;
+    const int cursor = field->cursorPosition();
+    const bool wasAtEnd = cursor == field->text().size();
+    field->setText(text);
+    if (!wasAtEnd)
+        field->setCursorPosition(cursor);
+}
+
+void DrawValue(const QTV_Control &control, const VIEW_Control &change)
+{
+    QWidget *widget = control.widget;
+    switch (control.row->kind) {
+    case UIK_SWITCH:
+        static_cast<ToggleSwitch *>(widget)->setChecked(change.value != 0);
+        break;
+    case UIK_LED:
+        static_cast<LedLabel *>(widget)->setOn(change.value != 0);
+        break;
+    case UIK_NUMBER:
+        DrawNumber(widget, change.number);
+        break;
+    case UIK_RING:
+        DrawRingValue(static_cast<QComboBox *>(widget), change.value);
+        break;
+    case UIK_TEXT:
+        static_cast<QLabel *>(widget)->setText(QTV_ToQt(change.text));
+        break;
+    case UIK_STRING:
+        DrawField(static_cast<QLineEdit *>(widget), QTV_ToQt(change.text));
+        break;
+    default: // lists and text boxes have changes of their own
+        break;
     }
-    return UIE_BAD_INDEX;
 }
 
-int GetRing(const UI_Control &row, int *value)
+// The window's palette, not the parent's: when the desktop changes its colours the window
+// learns it before what is in it.
+void DrawColor(QWidget *widget, int color)
 {
-    int index = -1;
-    GetCtrlIndex(row.panel, row.control, &index);
-    return GetValueFromIndex(row.panel, row.control, index, value);
+    const QPalette around = widget->window()->palette();
+    const QColor ground = around.color(QPalette::Window);
+    const QColor meant = QColor::fromRgb(static_cast<QRgb>(color) | 0xFF000000u);
+    const bool isPlain = LOOK_Contrast(meant, Qt::white) > PLAIN_CONTRAST;
+    const QColor pen = isPlain ? around.color(QPalette::WindowText) : LOOK_Readable(meant, ground);
+    QPalette palette = widget->palette();
+    for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Active, role, pen);
+        palette.setColor(QPalette::Inactive, role, pen);
+    }
+    widget->setPalette(palette);
+}
+
+void DrawMode(QWidget *widget, bool canType)
+{
+    if (auto *field = qobject_cast<QLineEdit *>(widget))
+        field->setReadOnly(!canType);
+    else if (auto *number = qobject_cast<QAbstractSpinBox *>(widget))
+        number->setReadOnly(!canType);
+}
+
+// The widget that shows a control's label: itself, or the label whose buddy it is.
+QWidget *LabelOf(QWidget *widget)
+{
+    if (qobject_cast<QAbstractButton *>(widget) || qobject_cast<LedLabel *>(widget) ||
+        qobject_cast<QGroupBox *>(widget))
+        return widget;
+    const QList<QLabel *> labels = widget->window()->findChildren<QLabel *>();
+    for (QLabel *label : labels)
+        if (label->buddy() == widget)
+            return label;
+    return qobject_cast<QLabel *>(widget);
+}
+
+void DrawLabel(QWidget *widget, const QString &text)
+{
+    QWidget *label = LabelOf(widget);
+    if (label)
+        label->setProperty(qobject_cast<QGroupBox *>(label) ? "title" : "text", text);
 }
 
 } // namespace
 
-int SetCtrlVal(int panel, int control, int value)
+void QTV_DrawControl(const VIEW_Control &change)
 {
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        switch (c->row->kind) {
-        case UIK_SWITCH:
-            static_cast<ToggleSwitch *>(c->widget)->setChecked(value != 0);
-            return 0;
-        case UIK_LED:
-            static_cast<LedLabel *>(c->widget)->setOn(value != 0);
-            return 0;
-        case UIK_NUMBER:
-            return SetNumber(c->widget, value);
-        case UIK_RING:
-            return SetRing(*c->row, value);
-        case UIK_LIST:
-            return SetCtrlIndex(panel, control, value);
-        default:
-            return UIE_BAD_TYPE;
-        }
-    });
+    QTV_Control *control = QTV_FindControl(change.panel, change.control);
+    if (!control || !control->widget)
+        return;
+    QWidget *widget = control->widget;
+    if (change.mask & VIEW_CTRL_VALUE)
+        DrawValue(*control, change);
+    if (change.mask & VIEW_CTRL_DIMMED)
+        widget->setEnabled(!change.isDimmed);
+    if (change.mask & VIEW_CTRL_VISIBLE)
+        widget->setVisible(change.isVisible);
+    if (change.mask & VIEW_CTRL_COLOR) {
+        control->color = change.color;
+        DrawColor(widget, change.color);
+    }
+    if (change.mask & VIEW_CTRL_LABEL)
+        DrawLabel(widget, QTV_AccessText(change.label));
+    if (change.mask & VIEW_CTRL_TOOLTIP)
+        widget->setToolTip(QTV_ToQt(change.tooltip));
+    if (change.mask & VIEW_CTRL_MODE)
+        DrawMode(widget, change.canType);
+    if (change.mask & VIEW_CTRL_COMPLETION)
+        QTV_SetCompletion(*control, change.hasCompletion);
 }
 
-int SetCtrlVal(int panel, int control, double value)
+void QTV_UsePalette(QTV_Panel *panel)
 {
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        return c->row->kind == UIK_NUMBER ? SetNumber(c->widget, value) : UIE_BAD_TYPE;
-    });
-}
-
-int SetCtrlVal(int panel, int control, const std::string &text)
-{
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        switch (c->row->kind) {
-        case UIK_TEXT:
-            static_cast<QLabel *>(c->widget)->setText(FACE_ToQt(text));
-            return 0;
-        case UIK_STRING:
-            static_cast<QLineEdit *>(c->widget)->setText(FACE_ToQt(text));
-            return 0;
-        case UIK_TEXTBOX:
-            static_cast<TextBox *>(c->widget)->appendText(FACE_ToQt(text));
-            return 0;
-        default:
-            return UIE_BAD_TYPE;
-        }
-    });
-}
-
-int GetCtrlVal(int panel, int control, int *value)
-{
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        switch (c->row->kind) {
-        case UIK_SWITCH:
-            *value = static_cast<ToggleSwitch *>(c->widget)->isChecked();
-            return 0;
-        case UIK_LED:
-            *value = static_cast<LedLabel *>(c->widget)->isOn();
-            return 0;
-        case UIK_NUMBER:
-            *value = static_cast<int>(std::lround(GetNumber(c->widget)));
-            return 0;
-        case UIK_RING:
-            return GetRing(*c->row, value);
-        case UIK_LIST:
-            return GetCtrlIndex(panel, control, value);
-        default:
-            return UIE_BAD_TYPE;
-        }
-    });
-}
-
-int GetCtrlVal(int panel, int control, double *value)
-{
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        if (c->row->kind != UIK_NUMBER)
-            return UIE_BAD_TYPE;
-        *value = GetNumber(c->widget);
-        return 0;
-    });
-}
-
-int GetCtrlVal(int panel, int control, std::string *text)
-{
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        switch (c->row->kind) {
-        case UIK_TEXT:
-            *text = FACE_ToStd(static_cast<QLabel *>(c->widget)->text());
-            return 0;
-        case UIK_STRING:
-            *text = FACE_ToStd(static_cast<QLineEdit *>(c->widget)->text());
-            return 0;
-        case UIK_TEXTBOX:
-            *text = FACE_ToStd(static_cast<TextBox *>(c->widget)->allText());
-            return 0;
-        default:
-            return UIE_BAD_TYPE;
-        }
-    });
-}
-
-int SetActiveCtrl(int panel, int control)
-{
-    return FACE_OnControl(panel, control, [&](FaceControl *c) -> int {
-        if (!c->widget || c->widget->focusPolicy() == Qt::NoFocus)
-            return UIE_BAD_TYPE;
-        c->widget->setFocus();
-        return 0;
-    });
-}
-
-int GetActiveCtrl(int panel)
-{
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    const FaceControl *focused = FACE_ControlOf(found->window->window()->focusWidget());
-    return focused && focused->row->panel == panel ? focused->row->control : 0;
+    if (!panel->window)
+        return;
+    const QPalette around = panel->window->palette();
+    const QColor quiet = LOOK_Quiet(around, around.color(QPalette::Window));
+    const QList<QLabel *> labels = panel->window->findChildren<QLabel *>();
+    for (QLabel *label : labels) {
+        if (!label->property("caption").toBool() || label->window() != panel->window)
+            continue;
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, quiet);
+        label->setPalette(palette);
+    }
+    for (const QTV_Control &control : panel->controls)
+        if (control.color >= 0 && control.widget)
+            DrawColor(control.widget, control.color);
 }

@@ -1,6 +1,6 @@
-// Keys: from Qt's codes to those of runtime/userint.h, and on their way to a widget
-// first past the callbacks of the focused control and of its panel.
-#include "runtime/qt/face.h"
+// Keys: from Qt's codes to those of runtime/userint.h, and on their way to a widget first
+// past the key table, which says who wants them and what remains of them for the widget.
+#include "runtime/qt/qt_view.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -51,29 +51,42 @@ bool IsPrintable(int code)
 }
 
 // Arrows would walk from button to button; in this program they belong to the list.
-bool IsArrowOnButton(const FaceControl *control, int code)
+bool IsArrowOnButton(const QTV_Control *control, int code)
 {
     return control && (control->row->kind == UIK_BUTTON || control->row->kind == UIK_SWITCH) &&
            (code == KEY_UP || code == KEY_DOWN);
 }
 
-// Whether a callback swallowed the key.
-bool Offer(FacePanel *panel, const FaceControl *control, int code)
+// Posts the key to those the table names. Whether it is swallowed there.
+bool Offer(const QTV_Panel &panel, const QTV_Control *control, int code)
 {
-    if (control && FACE_Call(*control, EVENT_KEYPRESS, code) == 1)
-        return true;
-    if (FACE_Call(*panel, EVENT_KEYPRESS, code) == 1)
-        return true;
-    return IsArrowOnButton(control, code);
+    const int number = panel.row->panel;
+    if (control) {
+        const UI_KeyRow *row = UI_FindKey(number, control->row->control, code);
+        if (row)
+            QTV_PostControl(*control, EVENT_KEYPRESS, code);
+        if (row && row->isSwallowed)
+            return true;
+    }
+    const UI_KeyRow *row = UI_FindKey(number, 0, code);
+    if (row)
+        QTV_PostPanel(number, EVENT_KEYPRESS, code);
+    return (row && row->isSwallowed) || IsArrowOnButton(control, code);
 }
 
 // Escape leaves every window but the main one, if nothing in it wanted the key.
-bool LeaveOnEscape(const FacePanel *panel, int code)
+bool LeaveOnEscape(const QTV_Panel &panel, int code)
 {
-    if (code != KEY_ESC || panel->parent || panel->row->panel == UI_nMenuPanel)
+    if (code != KEY_ESC || panel.parent || panel.row->panel == UI_nMenuPanel)
         return false;
-    panel->window->requestClose();
+    QTV_PostPanel(panel.row->panel, EVENT_CLOSE);
     return true;
+}
+
+// A field that edits a cell of a list has its keys to itself.
+bool IsCellEditor(const QWidget *widget, const QTV_Control *control)
+{
+    return control && control->row->kind == UIK_LIST && widget->inherits("QLineEdit");
 }
 
 class KeyRouter : public QObject {
@@ -82,8 +95,10 @@ public:
 
     bool eventFilter(QObject *object, QEvent *event) override
     {
+        if (event->type() != QEvent::KeyPress)
+            return false;
         auto *receiver = qobject_cast<QWidget *>(object);
-        if (event->type() != QEvent::KeyPress || !receiver || FACE_IsBusy())
+        if (!receiver)
             return false;
         if (QApplication::activePopupWidget()) // an open ring or menu takes its keys itself
             return false;
@@ -93,17 +108,19 @@ public:
         PanelWindow *window = PanelWindow::holding(receiver);
         if (!window || receiver->window() != window->window())
             return false; // the list of an open ring has its keys to itself
+        const QTV_Control *control = QTV_ControlOf(receiver);
+        if (IsCellEditor(receiver, control))
+            return false;
         const auto *key = static_cast<QKeyEvent *>(event);
-        const int code = FACE_KeyCode(key->key(), key->modifiers(), key->text());
-        const FaceControl *control = FACE_ControlOf(receiver);
+        const int code = QTV_KeyCode(key->key(), key->modifiers(), key->text());
         return code != 0 &&
-               (Offer(window->record(), control, code) || LeaveOnEscape(window->record(), code));
+               (Offer(*window->record(), control, code) || LeaveOnEscape(*window->record(), code));
     }
 };
 
 } // namespace
 
-int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text)
+int QTV_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text)
 {
     int flags = 0;
     if (modifiers & Qt::ControlModifier)
@@ -121,7 +138,7 @@ int FACE_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text
     return IsPrintable(typed) ? typed : 0;
 }
 
-int FACE_QtKey(int code)
+int QTV_QtKey(int code)
 {
     const int key = code & KEY_MASK;
     if (key >= KEY_F1)
@@ -132,7 +149,7 @@ int FACE_QtKey(int code)
     return IsPrintable(key) ? key : 0;
 }
 
-void FACE_InstallKeyRouting()
+void QTV_InstallKeyRouting()
 {
     qApp->installEventFilter(new KeyRouter(qApp));
 }

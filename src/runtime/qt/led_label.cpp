@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+#include "runtime/qt/look.h"
+
 namespace {
 
 constexpr int LAMP_SIZE = 11;
@@ -35,9 +37,11 @@ void LedLabel::paintEvent(QPaintEvent *event)
     QLabel::paintEvent(event);
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    const QColor dark(0xDD, 0xE3, 0xE8);
-    painter.setPen(QPen(m_isOn ? m_lamp.darker(125) : QColor(0xA9, 0xB4, 0xBE), 1));
-    painter.setBrush(m_isOn && isEnabled() ? m_lamp : dark);
+    const QColor ground = palette().color(QPalette::Window);
+    const QColor rim = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.5);
+    const bool isLit = m_isOn && isEnabled();
+    painter.setPen(QPen(isLit ? LOOK_Readable(m_lamp, ground) : rim, 1));
+    painter.setBrush(isLit ? LOOK_Readable(m_lamp, ground) : LOOK_Blend(rim, ground, 0.2));
     painter.drawEllipse(
         QRectF(LAMP_LEFT + 0.5, (height() - LAMP_SIZE) / 2.0 + 0.5, LAMP_SIZE - 1, LAMP_SIZE - 1));
 }

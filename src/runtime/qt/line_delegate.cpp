@@ -1,73 +1,134 @@
 #include "runtime/qt/line_delegate.h"
 
 #include <QFontDatabase>
+#include <QFontMetricsF>
+#include <QLineEdit>
 #include <QPainter>
 
-#include "runtime/qt/face.h"
 #include "runtime/qt/line_list.h"
 
 namespace {
 
-constexpr int MARGIN_LEFT = 6;
-constexpr int COLUMN_GAP = 8;
+constexpr int MARGIN = 6; // pixels between a column's edge and its text
 
-const QColor selectedNoFocus(0xD5, 0xE3, 0xF0);
-const QColor striped(0xF6, 0xF8, 0xFA);
-const QColor warning(0xC0, 0x1C, 0x28);
-// How the watch list marks a value that could not be read: not to be overlooked.
-const QLatin1String warningSuffix(" (!)");
-
-QColor Background(const QStyleOptionViewItem &option, int row)
+// Where the whole part of a number ends; -1 for what is no decimal number.
+qsizetype PointIndex(const QString &text)
 {
-    if (!(option.state & QStyle::State_Selected))
-        return row % 2 ? striped : option.palette.color(QPalette::Base);
-    const bool isActive = option.state & QStyle::State_HasFocus;
-    return isActive ? option.palette.color(QPalette::Highlight) : selectedNoFocus;
+    qsizetype at = 0;
+    while (at < text.size() && (text[at] == ' ' || text[at] == '-' || text[at] == '+'))
+        at++;
+    const qsizetype first = at;
+    while (at < text.size() && text[at].isDigit())
+        at++;
+    const bool isHexadecimal = at == first + 1 && at < text.size() && text[at].toLower() == 'x';
+    return at == first || isHexadecimal ? -1 : at;
 }
 
-QColor Foreground(const QStyleOptionViewItem &option, const QString &text)
+// How the watch list marks a value that could not be read: not to be overlooked.
+const QLatin1String FAILED_SUFFIX(" (!)");
+
+LOOK_Tone ToneOf(const ListCell &cell)
 {
-    if (!(option.state & QStyle::State_Enabled))
-        return option.palette.color(QPalette::Disabled, QPalette::Text);
-    const bool isInverse =
-        (option.state & QStyle::State_Selected) && (option.state & QStyle::State_HasFocus);
-    if (isInverse)
-        return option.palette.color(QPalette::HighlightedText);
-    return text.endsWith(warningSuffix) ? warning : option.palette.color(QPalette::Text);
+    if ((cell.style & UIS_WARNING) || cell.text.endsWith(FAILED_SUFFIX))
+        return LT_BAD;
+    if (cell.style & UIS_GOOD)
+        return LT_GOOD;
+    return cell.style & (UIS_DIM | UIS_STRUCK) ? LT_QUIET : LT_PLAIN;
 }
 
 } // namespace
 
-LineDelegate::LineDelegate(QObject *parent)
-    : QStyledItemDelegate(parent), m_fixed(QFontDatabase::systemFont(QFontDatabase::FixedFont))
+LineDelegate::LineDelegate(LineList *list)
+    : QStyledItemDelegate(list), m_list(list),
+      m_fixed(QFontDatabase::systemFont(QFontDatabase::FixedFont))
 {
+    m_fixed.setPixelSize(list->font().pixelSize());
+    usePalette(list->palette());
 }
 
+void LineDelegate::usePalette(const QPalette &palette)
+{
+    m_colors = LOOK_MakeLines(palette);
+}
+
+void LineDelegate::measure(const ListCell &cell, int column) const
+{
+    if (cell.width >= 0)
+        return;
+    QFont font = column == 0 ? m_list->font() : m_fixed;
+    font.setBold(cell.style & UIS_BOLD);
+    const QFontMetricsF metrics(font);
+    cell.width = metrics.horizontalAdvance(cell.text);
+    const qsizetype point = PointIndex(cell.text);
+    cell.beforePoint = point < 0 ? -1 : metrics.horizontalAdvance(cell.text.left(point));
+}
+
+// Called for every cell of a sweep: no more than a filled rectangle and one run of glyphs.
 void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
 {
-    const auto *model = static_cast<const LineModel *>(index.model());
-    const std::vector<UIC_Column> &columns = model->columns(index.row());
-    painter->save();
-    painter->fillRect(option.rect, Background(option, index.row()));
-    QFont fixed = m_fixed;
-    fixed.setPixelSize(option.font.pixelSize());
-    for (size_t i = 0; i < columns.size(); i++) {
-        const QString text = FACE_ToQt(columns[i].text);
-        const int left = option.rect.left() + MARGIN_LEFT + columns[i].left;
-        const int right = i + 1 < columns.size()
-                              ? option.rect.left() + MARGIN_LEFT + columns[i + 1].left - COLUMN_GAP
-                              : option.rect.right();
-        painter->setFont(i == 0 ? option.font : fixed);
-        painter->setPen(Foreground(option, text));
-        const QRect cell(left, option.rect.top(), right - left, option.rect.height());
-        painter->drawText(cell, Qt::AlignVCenter | Qt::AlignLeft | Qt::TextSingleLine,
-                          painter->fontMetrics().elidedText(text, Qt::ElideRight, cell.width()));
+    const LineModel *model = m_list->lines();
+    const int column = index.column();
+    const ListCell &cell = model->cell(index.row(), column);
+    const bool isSelected = option.state & QStyle::State_Selected;
+    const LOOK_Ground ground = isSelected ? (m_list->hasFocus() ? LG_ACTIVE : LG_SELECTED)
+                               : model->isFresh(cell) ? LG_FRESH
+                               : index.row() % 2      ? LG_STRIPED
+                                                      : LG_BASE;
+    if (ground != LG_BASE)
+        painter->fillRect(option.rect, m_colors.ground[ground]);
+    if (cell.text.isEmpty())
+        return;
+    measure(cell, column);
+    QFont font = column == 0 ? m_list->font() : m_fixed;
+    font.setStrikeOut(cell.style & UIS_STRUCK);
+    font.setBold(cell.style & UIS_BOLD);
+    painter->setFont(font);
+    painter->setPen(option.state & QStyle::State_Enabled ? m_colors.text[ground][ToneOf(cell)]
+                                                         : m_colors.text[ground][LT_QUIET]);
+    const QRect room = option.rect.adjusted(MARGIN, 0, -MARGIN, 0);
+    double left = room.left();
+    const UI_Align align = model->columns()[static_cast<size_t>(column)].align;
+    if (align == UIA_RIGHT)
+        left = room.right() + 1 - cell.width;
+    else if (align == UIA_CENTER)
+        left += (room.width() - cell.width) / 2;
+    else if (align == UIA_POINT && cell.beforePoint >= 0)
+        left += m_list->pointPlace(index.row(), column) - cell.beforePoint;
+    if (left < room.left() || left + cell.width > room.right() + 1) {
+        const QFontMetrics metrics(font);
+        painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine,
+                          metrics.elidedText(cell.text, Qt::ElideRight, room.width()));
+        return;
     }
-    painter->restore();
+    const QFontMetrics metrics = painter->fontMetrics();
+    const int baseline = room.top() + (room.height() - metrics.height()) / 2 + metrics.ascent();
+    painter->drawText(QPointF(left, baseline), cell.text);
 }
 
-QSize LineDelegate::sizeHint(const QStyleOptionViewItem &, const QModelIndex &) const
+QWidget *LineDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
+                                    const QModelIndex &) const
 {
-    return QSize(1, ROW_HEIGHT);
+    auto *field = new QLineEdit(parent);
+    field->setFont(m_fixed);
+    field->setFrame(false);
+    field->setTextMargins(MARGIN - 2, 0, 0, 0);
+    return field;
+}
+
+// Once, when the field opens: a refresh must not take away what is being typed.
+void LineDelegate::setEditorData(QWidget *editor, const QModelIndex &index) const
+{
+    auto *field = static_cast<QLineEdit *>(editor);
+    if (field->property("filled").toBool())
+        return;
+    field->setProperty("filled", true);
+    field->setText(m_list->lines()->cell(index.row(), index.column()).text.trimmed());
+    field->selectAll();
+}
+
+void LineDelegate::setModelData(QWidget *editor, QAbstractItemModel *model,
+                                const QModelIndex &index) const
+{
+    model->setData(index, static_cast<QLineEdit *>(editor)->text(), Qt::EditRole);
 }

@@ -2,38 +2,101 @@
 
 #include <QContextMenuEvent>
 #include <QDropEvent>
+#include <QHeaderView>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QTimer>
+#include <algorithm>
 
-#include "runtime/qt/face.h"
 #include "runtime/qt/line_delegate.h"
+
+namespace {
+
+constexpr int ROW_HEIGHT = 18;    // pixels
+constexpr int ROWS_AT_FIRST = 13; // what a list asks room for
+constexpr int FRESH_MS = 700;     // how long a changed value is marked
+constexpr int COLUMN_MIN = 24;    // pixels a column can be dragged to
+constexpr int HEADER_EXTRA = 16;  // pixels around a title
+
+} // namespace
+
+LineModel::LineModel(QObject *parent) : QAbstractTableModel(parent), m_columns(1)
+{
+    m_clock.start();
+    m_fading.setSingleShot(true);
+    m_fading.setInterval(FRESH_MS);
+    connect(&m_fading, &QTimer::timeout, this, &LineModel::fadeMarks);
+}
 
 int LineModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_shown.size());
+    return parent.isValid() ? 0 : static_cast<int>(m_lines.size());
 }
 
-const std::vector<UIC_Column> &LineModel::columns(int row) const
+int LineModel::columnCount(const QModelIndex &parent) const
 {
-    return m_shown[static_cast<size_t>(row)].columns;
+    return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
+}
+
+const ListCell &LineModel::cell(int row, int column) const
+{
+    static const ListCell NOTHING;
+    const std::vector<ListCell> &cells = m_lines[static_cast<size_t>(row)].cells;
+    return static_cast<size_t>(column) < cells.size() ? cells[static_cast<size_t>(column)]
+                                                      : NOTHING;
+}
+
+uint32_t LineModel::id(int row) const
+{
+    return m_lines[static_cast<size_t>(row)].id;
+}
+
+size_t LineModel::group(int row, int column) const
+{
+    const size_t seed = static_cast<size_t>(column);
+    return column == 0 ? seed : qHash(cell(row, column - 1).text, seed);
 }
 
 QVariant LineModel::data(const QModelIndex &index, int role) const
 {
     if (!index.isValid() || index.row() >= rowCount())
         return QVariant();
-    const ListLine &line = m_shown[static_cast<size_t>(index.row())].line;
+    const ListCell &shown = cell(index.row(), index.column());
     if (role == Qt::DisplayRole) // what type-ahead search and screen readers see
-        return FACE_ToQt(UIC_JoinColumns(line.label, "  "));
-    if (role == Qt::ToolTipRole && !line.tip.empty())
-        return FACE_ToQt(line.tip);
+        return shown.text;
+    if (role == Qt::ToolTipRole) {
+        const QString &line = m_lines[static_cast<size_t>(index.row())].tip;
+        const QString tip = shown.tip.isEmpty() ? line : shown.tip;
+        return tip.isEmpty() ? QVariant() : QVariant(tip);
+    }
+    return QVariant();
+}
+
+// The line keeps its text until the program has taken the new one.
+bool LineModel::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (role == Qt::EditRole)
+        emit cellEdited(index.row(), index.column(), value.toString());
+    return false;
+}
+
+QVariant LineModel::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    const bool isTitle = orientation == Qt::Horizontal && section < columnCount();
+    if (isTitle && role == Qt::DisplayRole)
+        return m_columns[static_cast<size_t>(section)].title;
+    if (isTitle && role == Qt::TextAlignmentRole)
+        return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
     return QVariant();
 }
 
 Qt::ItemFlags LineModel::flags(const QModelIndex &index) const
 {
-    return QAbstractListModel::flags(index) | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled;
+    Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled |
+                          Qt::ItemIsDropEnabled | Qt::ItemNeverHasChildren;
+    const auto column = static_cast<size_t>(index.column());
+    if (index.isValid() && column < m_columns.size() && m_columns[column].isEditable)
+        flags |= Qt::ItemIsEditable;
+    return flags;
 }
 
 Qt::DropActions LineModel::supportedDropActions() const
@@ -41,176 +104,369 @@ Qt::DropActions LineModel::supportedDropActions() const
     return Qt::MoveAction;
 }
 
-void LineModel::show(const std::vector<ListLine> &lines)
+void LineModel::setColumns(const std::vector<ListColumn> &columns)
 {
-    const int before = rowCount(), now = static_cast<int>(lines.size());
-    if (now < before) {
-        beginRemoveRows(QModelIndex(), now, before - 1);
-        m_shown.resize(lines.size());
+    beginResetModel();
+    m_columns = columns;
+    if (m_columns.empty())
+        m_columns.resize(1);
+    endResetModel();
+}
+
+void LineModel::setLineCount(int count)
+{
+    const int before = rowCount();
+    if (count < before) {
+        beginRemoveRows(QModelIndex(), count, before - 1);
+        m_lines.resize(static_cast<size_t>(count));
         endRemoveRows();
-    }
-    for (size_t i = 0; i < m_shown.size(); i++) {
-        ShownLine &shown = m_shown[i];
-        shown.line.value = lines[i].value; // not shown: no reason to repaint
-        if (shown.line.label == lines[i].label && shown.line.tip == lines[i].tip)
-            continue;
-        shown = {lines[i], UIC_SplitColumns(lines[i].label)};
-        const QModelIndex changed = index(static_cast<int>(i));
-        emit dataChanged(changed, changed);
-    }
-    if (now > before) {
-        beginInsertRows(QModelIndex(), before, now - 1);
-        for (size_t i = m_shown.size(); i < lines.size(); i++)
-            m_shown.push_back({lines[i], UIC_SplitColumns(lines[i].label)});
+    } else if (count > before) {
+        beginInsertRows(QModelIndex(), before, count - 1);
+        m_lines.resize(static_cast<size_t>(count));
         endInsertRows();
     }
 }
 
-LineList::LineList(QWidget *parent) : QListView(parent), m_model(new LineModel(this))
+void LineModel::setLine(int row, ListLine line)
+{
+    ListLine &shown = m_lines[static_cast<size_t>(row)];
+    shown.id = line.id; // not shown: no reason to repaint
+    bool isChanged = shown.cells.size() != line.cells.size() || shown.tip != line.tip;
+    for (size_t i = 0; i < line.cells.size(); i++) {
+        ListCell &fresh = line.cells[i];
+        const ListCell *old = i < shown.cells.size() ? &shown.cells[i] : nullptr;
+        if (old && fresh.isSame(*old)) {
+            fresh = *old; // with what was measured of it
+            continue;
+        }
+        isChanged = true;
+        if (!(fresh.style & UIS_CHANGED))
+            continue;
+        fresh.changedAt = m_clock.elapsed() + 1;
+        if (!m_fading.isActive())
+            m_fading.start();
+    }
+    if (!isChanged)
+        return;
+    shown = std::move(line);
+    emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+}
+
+bool LineModel::isFresh(const ListCell &cell) const
+{
+    return cell.changedAt != 0 && m_clock.elapsed() - cell.changedAt < FRESH_MS;
+}
+
+void LineModel::fadeMarks()
+{
+    bool isAnyFresh = false;
+    for (size_t row = 0; row < m_lines.size(); row++) {
+        for (size_t i = 0; i < m_lines[row].cells.size(); i++) {
+            ListCell &cell = m_lines[row].cells[i];
+            if (cell.changedAt == 0)
+                continue;
+            if (isFresh(cell)) {
+                isAnyFresh = true;
+                continue;
+            }
+            cell.changedAt = 0;
+            const QModelIndex at = index(static_cast<int>(row), static_cast<int>(i));
+            emit dataChanged(at, at);
+        }
+    }
+    if (isAnyFresh)
+        m_fading.start();
+}
+
+LineList::LineList(QWidget *parent) : QTableView(parent), m_model(new LineModel(this))
 {
     setModel(m_model);
     setItemDelegate(new LineDelegate(this));
-    setUniformItemSizes(true);
+    setSelectionBehavior(QAbstractItemView::SelectRows);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setShowGrid(false);
+    setWordWrap(false);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setTabKeyNavigation(false);
+    setCornerButtonEnabled(false);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(ROW_HEIGHT);
+    verticalHeader()->setDefaultSectionSize(ROW_HEIGHT);
+    horizontalHeader()->hide();
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setMinimumSectionSize(COLUMN_MIN);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSectionsClickable(false);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &LineList::viewMoved);
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
+        if (!m_isOurs)
+            emit columnsDragged();
+    });
 }
 
-void LineList::markPending()
+void LineList::setTitles(const QString &titles)
 {
-    if (m_isPending)
-        return;
-    m_isPending = true;
-    QTimer::singleShot(0, this, &LineList::applyPending);
+    m_titles = titles;
+    std::vector<ListColumn> columns;
+    std::vector<int> lefts;
+    const QStringList parts = titles.split('|', Qt::SkipEmptyParts);
+    for (const QString &part : parts) {
+        ListColumn column;
+        column.title = part.section('@', 0, 0);
+        columns.push_back(column);
+        lefts.push_back(part.section('@', 1, 1).toInt());
+    }
+    for (size_t i = 0; i + 1 < columns.size(); i++)
+        columns[i].width = lefts[i + 1] - lefts[i];
+    setColumns(columns);
 }
 
-void LineList::applyPending()
+void LineList::setColumns(const std::vector<ListColumn> &columns)
 {
-    if (!m_isPending)
-        return;
-    m_isPending = false;
     const QScopedValueRollback<bool> ours(m_isOurs, true);
-    const int top = verticalScrollBar()->value();
-    m_model->show(m_lines);
-    if (m_selected >= m_model->rowCount())
-        m_selected = -1;
-    if (m_selected < 0)
-        clearSelection();
-    executeDelayedItemsLayout();
-    verticalScrollBar()->setValue(top);
+    std::vector<ListColumn> measured = columns;
+    bool hasTitles = false;
+    for (ListColumn &column : measured) {
+        if (column.width <= 0)
+            column.width = fontMetrics().horizontalAdvance(column.title) + HEADER_EXTRA;
+        hasTitles = hasTitles || !column.title.isEmpty();
+    }
+    m_model->setColumns(measured);
+    for (size_t i = 0; i < measured.size(); i++)
+        setColumnWidth(static_cast<int>(i), measured[i].width);
+    horizontalHeader()->setVisible(hasTitles);
+    showColumnsThatFit();
 }
 
-void LineList::clearLines()
+// Spare columns are for wide windows only, from left to right as far as they go.
+void LineList::showColumnsThatFit()
 {
-    m_lines.clear();
-    markPending();
+    const std::vector<ListColumn> &columns = m_model->columns();
+    int needed = 0;
+    for (const ListColumn &column : columns)
+        needed += column.isSpare ? 0 : column.width;
+    const QScopedValueRollback<bool> ours(m_isOurs, true);
+    for (size_t i = 0; i < columns.size(); i++) {
+        if (!columns[i].isSpare)
+            continue;
+        needed += columns[i].width;
+        setColumnHidden(static_cast<int>(i), needed > viewport()->width());
+    }
 }
 
-void LineList::insertLine(int index, const ListLine &line)
+std::vector<int> LineList::columnWidths() const
 {
-    m_lines.insert(m_lines.begin() + index, line);
-    markPending();
+    std::vector<int> widths;
+    for (int i = 0; i < m_model->columnCount(); i++)
+        widths.push_back(columnWidth(i));
+    return widths;
 }
 
-void LineList::setLine(int index, const ListLine &line)
+std::vector<int> LineList::selectedRows() const
 {
-    m_lines[static_cast<size_t>(index)] = line;
-    markPending();
+    std::vector<int> rows;
+    const QModelIndexList chosen = selectionModel()->selectedRows();
+    for (const QModelIndex &index : chosen)
+        rows.push_back(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
-void LineList::deleteLines(int index, int count)
+int LineList::currentRow() const
 {
-    m_lines.erase(m_lines.begin() + index, m_lines.begin() + index + count);
-    markPending();
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && selectionModel()->isRowSelected(current.row()))
+        return current.row();
+    const std::vector<int> rows = selectedRows();
+    return rows.empty() ? -1 : rows.front();
 }
 
-int LineList::selected() const
+void LineList::select(const std::vector<int> &rows, int current)
 {
-    return m_selected < static_cast<int>(m_lines.size()) ? m_selected : -1;
-}
-
-void LineList::select(int index)
-{
-    applyPending();
-    if (index == m_selected)
+    if (rows == selectedRows() && current == currentRow())
         return; // setting it anew would scroll it into view
     const QScopedValueRollback<bool> ours(m_isOurs, true);
-    setCurrentIndex(m_model->index(index));
-    m_selected = index;
+    QItemSelection chosen;
+    for (const int row : rows)
+        chosen.select(m_model->index(row, 0), m_model->index(row, m_model->columnCount() - 1));
+    const QModelIndex to = m_model->index(current, 0);
+    selectionModel()->setCurrentIndex(to, QItemSelectionModel::NoUpdate);
+    selectionModel()->select(chosen, QItemSelectionModel::ClearAndSelect);
+    if (to.isValid())
+        scrollTo(to);
 }
 
-int LineList::firstVisible()
+int LineList::firstVisible() const
 {
-    applyPending();
     return verticalScrollBar()->value();
 }
 
-void LineList::setFirstVisible(int line)
+void LineList::setFirstVisible(int row)
 {
-    applyPending();
     executeDelayedItemsLayout();
-    verticalScrollBar()->setValue(line);
+    updateGeometries();
+    verticalScrollBar()->setValue(row);
+}
+
+int LineList::linesInView() const
+{
+    return qMax(1, viewport()->height() / ROW_HEIGHT);
 }
 
 void LineList::setDraggable(bool isDraggable)
 {
     setDragDropMode(isDraggable ? QAbstractItemView::InternalMove : QAbstractItemView::NoDragDrop);
+    setDragDropOverwriteMode(false);
 }
 
-// All rows are of one size: no reason to lay the whole list out and paint it again.
-void LineList::dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
-                           const QList<int> &roles)
+bool LineList::isEditing() const
 {
-    QAbstractItemView::dataChanged(topLeft, bottomRight, roles);
+    return state() == QAbstractItemView::EditingState;
+}
+
+void LineList::abandonEdit()
+{
+    if (!isEditing())
+        return;
+    if (QWidget *editor = indexWidget(currentIndex()))
+        closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
+}
+
+// The search goes through the column the keyboard is in: always the names here.
+void LineList::keyboardSearch(const QString &typed)
+{
+    if (currentIndex().column() > 0)
+        selectionModel()->setCurrentIndex(currentIndex().siblingAtColumn(0),
+                                          QItemSelectionModel::NoUpdate);
+    QTableView::keyboardSearch(typed);
+}
+
+double LineList::pointPlace(int row, int column) const
+{
+    const size_t group = m_model->group(row, column);
+    const auto known = m_points.constFind(group);
+    if (known != m_points.constEnd())
+        return *known;
+    const auto *delegate = static_cast<LineDelegate *>(itemDelegate());
+    const int first = firstVisible();
+    const int end = qMin(first + linesInView() + 1, m_model->rowCount());
+    double widest = 0;
+    for (int other = first; other < end; other++) {
+        if (m_model->group(other, column) != group)
+            continue;
+        const ListCell &cell = m_model->cell(other, column);
+        delegate->measure(cell, column);
+        widest = qMax(widest, cell.beforePoint);
+    }
+    m_points.insert(group, widest);
+    return widest;
+}
+
+void LineList::paintEvent(QPaintEvent *event)
+{
+    m_points.clear();
+    QTableView::paintEvent(event);
 }
 
 void LineList::selectionChanged(const QItemSelection &now, const QItemSelection &before)
 {
-    QListView::selectionChanged(now, before);
-    if (m_isOurs)
-        return;
-    const QModelIndexList chosen = selectedIndexes();
-    m_selected = chosen.isEmpty() ? -1 : chosen.first().row();
-    emit lineSelected();
+    QTableView::selectionChanged(now, before);
+    if (!m_isOurs)
+        emit selectedByUser();
 }
 
-void LineList::focusInEvent(QFocusEvent *event)
+bool LineList::event(QEvent *event)
 {
-    QListView::focusInEvent(event);
-    const bool isByMouse = event->reason() == Qt::MouseFocusReason; // the click selects a line
-    if (!isByMouse && m_selected < 0 && m_model->rowCount() > 0)
-        setCurrentIndex(m_model->index(qBound(0, firstVisible(), m_model->rowCount() - 1)));
+    if (event->type() == QEvent::PaletteChange)
+        static_cast<LineDelegate *>(itemDelegate())->usePalette(palette());
+    // F2 edits the value here, whatever a menu would do with the key elsewhere.
+    if (event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->key() == Qt::Key_F2 && currentRow() >= 0)
+        for (const ListColumn &column : m_model->columns())
+            if (column.isEditable)
+                event->accept();
+    return QTableView::event(event);
+}
+
+bool LineList::editValue()
+{
+    const int row = currentRow();
+    const std::vector<ListColumn> &columns = m_model->columns();
+    for (size_t i = 0; row >= 0 && i < columns.size(); i++) {
+        if (!columns[i].isEditable)
+            continue;
+        const QModelIndex cell = m_model->index(row, static_cast<int>(i));
+        selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+        edit(cell);
+        return isEditing();
+    }
+    return false;
 }
 
 void LineList::keyPressEvent(QKeyEvent *event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+    if (isEditing())
+        return; // what the cell's field has left over
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
+    if (isPlain && (isEnter || event->key() == Qt::Key_F2) && editValue())
+        return;
+    if (isEnter)
         emit lineCommitted();
     else
-        QListView::keyPressEvent(event);
+        QTableView::keyPressEvent(event);
+}
+
+// The keyboard walks from line to line; Home and End mean the whole list.
+QModelIndex LineList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const int column = qMax(0, currentIndex().column());
+    if (action == MoveHome)
+        return m_model->index(0, column);
+    if (action == MoveEnd)
+        return m_model->index(m_model->rowCount() - 1, column);
+    if (action == MoveLeft || action == MoveRight)
+        return currentIndex();
+    return QTableView::moveCursor(action, modifiers);
+}
+
+void LineList::focusInEvent(QFocusEvent *event)
+{
+    QTableView::focusInEvent(event);
+    const bool isByMouse = event->reason() == Qt::MouseFocusReason; // the click selects a line
+    if (!isByMouse && currentRow() < 0 && m_model->rowCount() > 0)
+        setCurrentIndex(m_model->index(qBound(0, firstVisible(), m_model->rowCount() - 1), 0));
 }
 
 void LineList::mouseDoubleClickEvent(QMouseEvent *event)
 {
-    QListView::mouseDoubleClickEvent(event);
-    if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid())
+    QTableView::mouseDoubleClickEvent(event);
+    if (event->button() != Qt::LeftButton || !indexAt(event->pos()).isValid())
+        return;
+    const QModelIndex under = indexAt(event->pos());
+    if (m_model->columns()[static_cast<size_t>(under.column())].isEditable)
+        editValue();
+    else
         emit lineDoubleClicked();
 }
 
+// Several selected lines stay selected when the pointer is on one of them.
 void LineList::contextMenuEvent(QContextMenuEvent *event)
 {
     const QModelIndex under = indexAt(event->pos());
-    if (event->reason() == QContextMenuEvent::Mouse && under.isValid())
+    if (event->reason() == QContextMenuEvent::Mouse && under.isValid() &&
+        !selectionModel()->isRowSelected(under.row()))
         setCurrentIndex(under);
     emit contextRequested();
     event->accept();
 }
 
-// The program moves the lines itself: the view only says which line went where.
+// The program moves the lines itself: the table only says which line went where.
 void LineList::dropEvent(QDropEvent *event)
 {
-    const int source = m_selected;
+    const int source = currentRow();
     const QModelIndex under = indexAt(event->position().toPoint());
     const int target = under.isValid() ? under.row() : m_model->rowCount() - 1;
     stopAutoScroll();
@@ -219,4 +475,24 @@ void LineList::dropEvent(QDropEvent *event)
     event->accept();
     if (event->source() == this && source >= 0 && target >= 0 && source != target)
         emit lineDropped(source, target);
+}
+
+void LineList::resizeEvent(QResizeEvent *event)
+{
+    QTableView::resizeEvent(event);
+    showColumnsThatFit();
+    emit viewMoved();
+}
+
+// The last column follows the window: nobody has dragged it.
+void LineList::updateGeometries()
+{
+    const QScopedValueRollback<bool> ours(m_isOurs, true);
+    QTableView::updateGeometries();
+}
+
+QSize LineList::sizeHint() const
+{
+    const int header = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();
+    return QSize(400, ROWS_AT_FIRST * ROW_HEIGHT + header + 2 * frameWidth());
 }

@@ -1,92 +1,154 @@
-// The list control: the lines the program wrote, the model that shows them, and the
-// view. Writing touches only the program's lines; the model takes them over once the
-// event loop turns and changes nothing but the rows that differ, so that a list that
-// is cleared and refilled every second does not flicker, scroll or lose its selection.
+// The list control: a table of the lines the program hands over. Only the rows that
+// differ are repainted, so that a list refilled every second neither flickers nor
+// scrolls nor loses its selection; a cell whose value has changed is marked for a moment.
+// What the user does is told by signals; nothing here asks the program anything.
 #ifndef RUNTIME_QT_LINE_LIST_H
 #define RUNTIME_QT_LINE_LIST_H
 
-#include <QAbstractListModel>
-#include <QListView>
-#include <string>
+#include <QAbstractTableModel>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QTableView>
+#include <QTimer>
 #include <vector>
 
-#include "runtime/list_columns.h"
+#include "runtime/userint.h"
 
-struct ListLine {
-    std::string label; // with column escapes
-    int value = 0;
-    std::string tip;
+struct ListColumn {
+    QString title;
+    int width = 0; // pixels at first; 0 = as the title needs. The last column takes the rest
+    UI_Align align = UIA_LEFT;
+    bool isEditable = false;
+    bool isSpare = false; // hidden where there is no room for it
 };
 
-class LineModel : public QAbstractListModel {
+struct ListCell {
+    QString text;
+    unsigned style = UIS_NORMAL;
+    QString tip;
+
+    // Kept by the table, -1 while not measured: how far the text reaches, in pixels, ...
+    mutable double width = -1;
+    mutable double beforePoint = -1; // ... and its part before the decimal point, -1 no number
+    qint64 changedAt = 0;            // milliseconds of the table's clock; 0 = long ago
+    bool isSame(const ListCell &other) const
+    {
+        return text == other.text && style == other.style && tip == other.tip;
+    }
+};
+
+struct ListLine {
+    uint32_t id = 0;
+    std::vector<ListCell> cells;
+    QString tip; // of the whole line
+};
+
+class LineModel : public QAbstractTableModel {
     Q_OBJECT
 
 public:
-    using QAbstractListModel::QAbstractListModel;
-
+    explicit LineModel(QObject *parent);
     int rowCount(const QModelIndex &parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex &parent = QModelIndex()) const override;
     QVariant data(const QModelIndex &index, int role) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role) override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     Qt::DropActions supportedDropActions() const override;
-    const std::vector<UIC_Column> &columns(int row) const;
-    // Takes the lines over: one dataChanged for each row that differs, rows added or
-    // removed at the end only.
-    void show(const std::vector<ListLine> &lines);
+
+    const std::vector<ListColumn> &columns() const
+    {
+        return m_columns;
+    }
+    void setColumns(const std::vector<ListColumn> &columns);
+    // Rows are added and removed at the end; the lines themselves follow by setLine.
+    void setLineCount(int count);
+    // One dataChanged when anything of the line differs.
+    void setLine(int row, ListLine line);
+    const ListCell &cell(int row, int column) const; // an empty one where a line is shorter
+    uint32_t id(int row) const;
+    // Numbers of one group have their decimal points below each other: those whose cell
+    // before them, where the watch list has the type, says the same.
+    size_t group(int row, int column) const;
+    // Whether the cell was given another text a moment ago.
+    bool isFresh(const ListCell &cell) const;
+
+signals:
+    void cellEdited(int row, int column, const QString &text); // by the user
 
 private:
-    struct ShownLine {
-        ListLine line;
-        std::vector<UIC_Column> columns;
-    };
-    std::vector<ShownLine> m_shown;
+    void fadeMarks();
+
+    std::vector<ListColumn> m_columns;
+    std::vector<ListLine> m_lines;
+    QElapsedTimer m_clock;
+    QTimer m_fading; // runs while a mark is to be taken away
 };
 
-class LineList : public QListView {
+class LineList : public QTableView {
     Q_OBJECT
+    // "Title@pixels|Title@pixels": titles of a list whose lines say the rest.
+    Q_PROPERTY(QString columns READ titles WRITE setTitles)
 
 public:
     explicit LineList(QWidget *parent = nullptr);
-
-    const std::vector<ListLine> &lines() const
+    LineModel *lines() const
     {
-        return m_lines;
+        return m_model;
     }
-    void clearLines();
-    void insertLine(int index, const ListLine &line); // index within 0..count
-    void setLine(int index, const ListLine &line);
-    void deleteLines(int index, int count);
-    int selected() const; // -1 when nothing is selected
-    void select(int index);
-    int firstVisible();
-    void setFirstVisible(int line); // as far as the list reaches
+    QString titles() const
+    {
+        return m_titles;
+    }
+    void setTitles(const QString &titles);
+    void setColumns(const std::vector<ListColumn> &columns);
+    std::vector<int> columnWidths() const;
+    std::vector<int> selectedRows() const; // ascending
+    int currentRow() const;                // -1 when no line is selected
+    // The program's own selecting and scrolling: no signal.
+    void select(const std::vector<int> &rows, int current);
+    void setFirstVisible(int row); // as far as the list reaches
+    int firstVisible() const;
+    int linesInView() const;
     void setDraggable(bool isDraggable);
-    void applyPending(); // shows what was written
+    bool isEditing() const;
+    // Lines have changed places: what is being edited is not there any more.
+    void abandonEdit();
+    void keyboardSearch(const QString &typed) override;
+    // The widest part before the point in the group, over the lines in view.
+    double pointPlace(int row, int column) const;
 
 signals:
-    void lineSelected();  // by the user
+    void selectedByUser();
     void lineCommitted(); // Enter
     void lineDoubleClicked();
     void contextRequested(); // the line under the pointer has been selected
     void lineDropped(int source, int target);
+    void viewMoved();      // scrolled, or another number of lines is in view
+    void columnsDragged(); // by the user
 
 protected:
-    void dataChanged(const QModelIndex &topLeft, const QModelIndex &bottomRight,
-                     const QList<int> &roles = QList<int>()) override;
+    bool event(QEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     void dropEvent(QDropEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void selectionChanged(const QItemSelection &now, const QItemSelection &before) override;
+    QSize sizeHint() const override;
+    void updateGeometries() override;
 
 private:
-    void markPending();
+    bool editValue();
+    void showColumnsThatFit();
 
     LineModel *m_model;
-    std::vector<ListLine> m_lines;
-    int m_selected = -1;
-    bool m_isPending = false;
-    bool m_isOurs = false; // the program is moving the selection, not the user
+    QString m_titles;
+    bool m_isOurs = false;                  // the program is moving the selection, not the user
+    mutable QHash<size_t, double> m_points; // by group; for one painting
 };
 
 #endif

@@ -1,184 +1,132 @@
-// The list calls of runtime/userint.h, for lists and for rings.
-#include "runtime/qt/face.h"
+// Lists and rings: what the program says of them, and their lines in events.
+#include "runtime/qt/qt_view.h"
 
 #include <QComboBox>
 #include <QSignalBlocker>
 
+#include "runtime/list_columns.h"
 #include "runtime/qt/line_list.h"
 
 namespace {
 
-// One of the two is set; a ring keeps its lines in the combo box itself.
-struct Lines {
-    LineList *list = nullptr;
-    QComboBox *ring = nullptr;
-};
-
-int FindLines(int panel, int control, Lines *lines)
+ListLine ToListLine(const VIEW_Line &line)
 {
-    FaceControl *found = nullptr;
-    const int error = FACE_FindControl(panel, control, &found);
-    if (error < 0)
-        return error;
-    lines->list = qobject_cast<LineList *>(found->widget);
-    lines->ring = qobject_cast<QComboBox *>(found->widget);
-    return lines->list || lines->ring ? 0 : UIE_BAD_TYPE;
+    ListLine shown;
+    shown.id = line.id;
+    shown.tip = QTV_ToQt(line.tip);
+    for (const UI_Cell &cell : line.cells)
+        shown.cells.push_back({QTV_ToQt(cell.text), cell.style, QTV_ToQt(cell.tip)});
+    if (!line.cells.empty())
+        return shown;
+    for (const UIC_Column &column : UIC_SplitColumns(line.label))
+        shown.cells.push_back({QTV_ToQt(column.text), UIS_NORMAL, QString()});
+    return shown;
 }
 
-int Count(const Lines &lines)
+std::vector<ListColumn> ToListColumns(const std::vector<UI_Column> &columns)
 {
-    return lines.ring ? lines.ring->count() : static_cast<int>(lines.list->lines().size());
+    std::vector<ListColumn> shown;
+    for (const UI_Column &column : columns)
+        shown.push_back({QTV_ToQt(column.title), column.width, column.align, column.isEditable,
+                         column.isSpare});
+    return shown;
 }
 
-int FindLine(int panel, int control, int index, Lines *lines)
+// A list without columns of its own gets as many as its labels have, at their pixels.
+void FollowLabel(LineList *list, const VIEW_Line &line)
 {
-    const int error = FindLines(panel, control, lines);
-    if (error < 0)
-        return error;
-    return index >= 0 && index < Count(*lines) ? 0 : UIE_BAD_INDEX;
+    const std::vector<UIC_Column> parts = UIC_SplitColumns(line.label);
+    if (static_cast<int>(parts.size()) <= list->lines()->columnCount())
+        return;
+    std::vector<ListColumn> columns = list->lines()->columns();
+    columns.resize(parts.size());
+    for (size_t i = 0; i + 1 < parts.size(); i++)
+        columns[i].width = parts[i + 1].left - parts[i].left;
+    list->setColumns(columns);
 }
 
-// The entries of the Designer file have no value of their own: theirs is the index.
-int RingValue(const QComboBox *ring, int index)
+// Whether the line that is being edited is not where it was any more.
+bool HasMoved(const LineList &list, const VIEW_List &change)
 {
-    const QVariant value = ring->itemData(index);
-    return value.isValid() ? value.toInt() : index;
+    const int row = list.currentRow();
+    if (row < 0 || row >= change.count)
+        return true;
+    for (const std::pair<int, VIEW_Line> &line : change.changed)
+        if (line.first == row)
+            return line.second.id != list.lines()->id(row);
+    return false;
+}
+
+void DrawLines(LineList *list, const VIEW_List &change)
+{
+    if (list->isEditing() && HasMoved(*list, change))
+        list->abandonEdit();
+    if (list->currentRow() >= change.count)
+        list->select({}, -1); // or Qt would select a neighbour of the line that goes
+    list->lines()->setLineCount(change.count);
+    for (const std::pair<int, VIEW_Line> &line : change.changed) {
+        if (line.second.cells.empty())
+            FollowLabel(list, line.second);
+        list->lines()->setLine(line.first, ToListLine(line.second));
+    }
+}
+
+void DrawRing(QComboBox *ring, const VIEW_List &change)
+{
+    const QSignalBlocker quiet(ring);
+    if (change.mask & VIEW_LIST_LINES) {
+        while (ring->count() > change.count)
+            ring->removeItem(ring->count() - 1);
+        while (ring->count() < change.count)
+            ring->addItem("");
+        for (const std::pair<int, VIEW_Line> &line : change.changed) {
+            ring->setItemText(line.first, QTV_ToQt(line.second.label));
+            ring->setItemData(line.first, line.second.value);
+            ring->setItemData(line.first, QTV_ToQt(line.second.tip), Qt::ToolTipRole);
+        }
+    }
+    if (change.mask & VIEW_LIST_SELECTION)
+        ring->setCurrentIndex(change.current);
 }
 
 } // namespace
 
-int ClearListCtrl(int panel, int control)
+void QTV_DrawList(const VIEW_List &change)
 {
-    Lines lines;
-    const int error = FindLines(panel, control, &lines);
-    if (error < 0)
-        return error;
-    if (lines.list) {
-        lines.list->clearLines();
-    } else {
-        const QSignalBlocker quiet(lines.ring);
-        lines.ring->clear();
+    QTV_Control *control = QTV_FindControl(change.panel, change.control);
+    if (!control)
+        return;
+    if (auto *ring = qobject_cast<QComboBox *>(control->widget)) {
+        DrawRing(ring, change);
+        return;
     }
-    return 0;
-}
-
-int InsertListItem(int panel, int control, int index, const std::string &label, int value)
-{
-    Lines lines;
-    const int error = FindLines(panel, control, &lines);
-    if (error < 0)
-        return error;
-    if (index < -1 || index > Count(lines))
-        return UIE_BAD_INDEX;
-    const int at = index == -1 ? Count(lines) : index;
-    if (lines.list) {
-        lines.list->insertLine(at, {label, value, ""});
-    } else {
-        const QSignalBlocker quiet(lines.ring);
-        lines.ring->insertItem(at, FACE_ToQt(label), value);
+    auto *list = qobject_cast<LineList *>(control->widget);
+    if (!list)
+        return;
+    const int top = list->firstVisible();
+    if ((change.mask & VIEW_LIST_COLUMNS) && !change.columns.empty()) {
+        list->setColumns(ToListColumns(change.columns));
+        list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     }
-    return 0;
+    if (change.mask & VIEW_LIST_LINES)
+        DrawLines(list, change);
+    if (change.mask & VIEW_LIST_SELECTION)
+        list->select(change.selected.empty() && change.current >= 0
+                         ? std::vector<int>{change.current}
+                         : change.selected,
+                     change.current);
+    if (change.mask & VIEW_LIST_FIRST)
+        list->setFirstVisible(change.firstVisible);
+    else if ((change.mask & VIEW_LIST_LINES) && !(change.mask & VIEW_LIST_SELECTION))
+        list->setFirstVisible(top);
 }
 
-int ReplaceListItem(int panel, int control, int index, const std::string &label, int value)
+void QTV_FillList(const LineList &list, VIEW_Event *event)
 {
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    if (lines.list) {
-        const std::string tip = lines.list->lines()[static_cast<size_t>(index)].tip;
-        lines.list->setLine(index, {label, value, tip});
-    } else {
-        lines.ring->setItemText(index, FACE_ToQt(label));
-        lines.ring->setItemData(index, value);
-    }
-    return 0;
-}
-
-int DeleteListItem(int panel, int control, int index, int count)
-{
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    if (count < 0 || count > Count(lines) - index)
-        return UIE_BAD_INDEX;
-    if (lines.list) {
-        lines.list->deleteLines(index, count);
-    } else {
-        const QSignalBlocker quiet(lines.ring);
-        for (int i = 0; i < count; i++)
-            lines.ring->removeItem(index);
-    }
-    return 0;
-}
-
-int GetNumListItems(int panel, int control, int *count)
-{
-    Lines lines;
-    const int error = FindLines(panel, control, &lines);
-    if (error == 0)
-        *count = Count(lines);
-    return error;
-}
-
-int GetCtrlIndex(int panel, int control, int *index)
-{
-    Lines lines;
-    const int error = FindLines(panel, control, &lines);
-    if (error == 0)
-        *index = lines.list ? lines.list->selected() : lines.ring->currentIndex();
-    return error;
-}
-
-int SetCtrlIndex(int panel, int control, int index)
-{
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    if (lines.list)
-        lines.list->select(index);
-    else
-        lines.ring->setCurrentIndex(index);
-    return 0;
-}
-
-int GetLabelFromIndex(int panel, int control, int index, std::string *label)
-{
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    *label = lines.list ? lines.list->lines()[static_cast<size_t>(index)].label
-                        : FACE_ToStd(lines.ring->itemText(index));
-    return 0;
-}
-
-int GetValueFromIndex(int panel, int control, int index, int *value)
-{
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    *value = lines.list ? lines.list->lines()[static_cast<size_t>(index)].value
-                        : RingValue(lines.ring, index);
-    return 0;
-}
-
-int SetListItemTip(int panel, int control, int index, const std::string &tip)
-{
-    Lines lines;
-    const int error = FindLine(panel, control, index, &lines);
-    if (error < 0)
-        return error;
-    if (lines.list) {
-        ListLine line = lines.list->lines()[static_cast<size_t>(index)];
-        line.tip = tip;
-        lines.list->setLine(index, line);
-    } else {
-        lines.ring->setItemData(index, FACE_ToQt(tip), Qt::ToolTipRole);
-    }
-    return 0;
+    const auto reference = [&list](int row) {
+        return VIEW_LineRef{row, row < 0 ? 0 : list.lines()->id(row)};
+    };
+    event->line = reference(list.currentRow());
+    for (const int row : list.selectedRows())
+        event->selected.push_back(reference(row));
 }

@@ -1,6 +1,4 @@
-// The program's looks: one style, one palette, one font size on every system, because
-// the main panel has a fixed size in pixels.
-#include "runtime/qt/face.h"
+#include "runtime/qt/look.h"
 
 #include <QApplication>
 #include <QIcon>
@@ -8,70 +6,24 @@
 #include <QPalette>
 #include <QPixmap>
 #include <QStyleFactory>
+#include <cmath>
 
 namespace {
 
-constexpr int FONT_PIXELS = 12;
+constexpr int FONT_PIXELS = 12; // the main window shows 13 list lines at its first size
 constexpr int ICON_PIXELS = 128;
+constexpr int LIGHTNESS_STEPS = 64;
 
-struct ColorRow {
-    QPalette::ColorRole role;
-    QRgb color;
-};
-
-const ColorRow colorRows[] = {
-    {QPalette::Window, 0xFFF1F4F7},
-    {QPalette::WindowText, 0xFF1E2A36},
-    {QPalette::Base, 0xFFFFFFFF},
-    {QPalette::AlternateBase, 0xFFF6F8FA},
-    {QPalette::Text, 0xFF1E2A36},
-    {QPalette::Button, 0xFFFBFCFD},
-    {QPalette::ButtonText, 0xFF1E2A36},
-    {QPalette::Highlight, 0xFF2A6DAF},
-    {QPalette::HighlightedText, 0xFFFFFFFF},
-    {QPalette::PlaceholderText, 0xFF7A8794},
-    {QPalette::ToolTipBase, 0xFFFFFFF2},
-    {QPalette::ToolTipText, 0xFF1E2A36},
-    {QPalette::Link, 0xFF2A6DAF},
-};
-
-const ColorRow disabledRows[] = {
-    {QPalette::WindowText, 0xFF97A2AD},
-    {QPalette::Text, 0xFF97A2AD},
-    {QPalette::ButtonText, 0xFF97A2AD},
-};
-
-const char styleSheet[] = R"(
-QMenuBar { background: #FFFFFF; border-bottom: 1px solid #D5DBE1; }
-QMenuBar::item { padding: 2px 9px; background: transparent; }
-QMenuBar::item:selected { background: #DCE8F3; border-radius: 3px; }
-QPushButton { background: #FFFFFF; border: 1px solid #B9C3CD; border-radius: 4px;
-    padding: 4px 12px; min-height: 16px; }
-QPushButton:hover { background: #F0F5FA; border-color: #8FA3B5; }
-QPushButton:pressed { background: #DCE8F3; }
-QPushButton:focus { border: 2px solid #2A6DAF; padding: 3px 11px; }
-QPushButton:disabled { background: #F4F6F8; border-color: #D5DBE1; }
-QDialogButtonBox { dialogbuttonbox-buttons-have-icons: 0; }
-QDialogButtonBox QPushButton, QMessageBox QPushButton { min-width: 64px; }
-QLineEdit { background: #FFFFFF; border: 1px solid #B9C3CD; border-radius: 3px; padding: 1px 4px; }
-QAbstractSpinBox QLineEdit, QComboBox QLineEdit { border: none; background: transparent; padding: 0px; }
-QLineEdit:focus { border: 1px solid #2A6DAF; }
-QLineEdit:disabled, QLineEdit:read-only { background: #F4F6F8; }
-QListView, QPlainTextEdit { border: 1px solid #C3CCD5; }
-QListView:focus, QPlainTextEdit:focus { border: 1px solid #2A6DAF; }
-QFrame#sidebar { background: #FFFFFF; border: 1px solid #D5DBE1; border-radius: 5px; }
-QLabel#status { font-size: 16px; font-weight: bold; }
-QLabel[caption="true"] { color: #5B6874; }
-)";
-
-QPalette MakePalette()
+// Share of light a channel gives off: screens raise its number to a power.
+double Linear(double channel)
 {
-    QPalette palette;
-    for (const ColorRow &row : colorRows)
-        palette.setColor(row.role, QColor::fromRgba(row.color));
-    for (const ColorRow &row : disabledRows)
-        palette.setColor(QPalette::Disabled, row.role, QColor::fromRgba(row.color));
-    return palette;
+    return channel <= 0.03928 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+double Luminance(const QColor &color)
+{
+    return 0.2126 * Linear(color.redF()) + 0.7152 * Linear(color.greenF()) +
+           0.0722 * Linear(color.blueF());
 }
 
 // A square wave on a dark screen.
@@ -94,13 +46,69 @@ QIcon MakeIcon()
 
 } // namespace
 
-void FACE_ApplyLook()
+double LOOK_Contrast(const QColor &one, const QColor &other)
+{
+    const double a = Luminance(one), b = Luminance(other);
+    return (qMax(a, b) + 0.05) / (qMin(a, b) + 0.05);
+}
+
+QColor LOOK_Readable(const QColor &wanted, const QColor &ground)
+{
+    if (LOOK_Contrast(wanted, ground) >= LOOK_CONTRAST_MIN)
+        return wanted;
+    // Away from the ground, towards whichever end gives more contrast in the end.
+    const QColor end = LOOK_Contrast(Qt::white, ground) > LOOK_Contrast(Qt::black, ground)
+                           ? QColor(Qt::white)
+                           : QColor(Qt::black);
+    for (int step = 1; step < LIGHTNESS_STEPS; step++) {
+        const QColor tried = LOOK_Blend(end, wanted, static_cast<double>(step) / LIGHTNESS_STEPS);
+        if (LOOK_Contrast(tried, ground) >= LOOK_CONTRAST_MIN)
+            return tried;
+    }
+    return end;
+}
+
+QColor LOOK_Quiet(const QPalette &palette, const QColor &ground)
+{
+    return LOOK_Readable(LOOK_Blend(palette.color(QPalette::Text), ground, 0.6), ground);
+}
+
+QColor LOOK_Blend(const QColor &over, const QColor &ground, double share)
+{
+    const auto mix = [share](int a, int b) {
+        return static_cast<int>(std::lround(a * share + b * (1.0 - share)));
+    };
+    return QColor(mix(over.red(), ground.red()), mix(over.green(), ground.green()),
+                  mix(over.blue(), ground.blue()));
+}
+
+LOOK_Lines LOOK_MakeLines(const QPalette &palette)
+{
+    const QColor base = palette.color(QPalette::Base), text = palette.color(QPalette::Text);
+    const QColor marked = palette.color(QPalette::Highlight);
+    LOOK_Lines lines;
+    lines.ground[LG_BASE] = base;
+    lines.ground[LG_STRIPED] = LOOK_Blend(text, base, 0.035);
+    lines.ground[LG_FRESH] = LOOK_Blend(QColor(0xF5, 0xB0, 0x00), base, 0.28);
+    lines.ground[LG_SELECTED] = LOOK_Blend(marked, base, 0.22);
+    lines.ground[LG_ACTIVE] = marked;
+    for (int i = 0; i < LG_COUNT; i++) {
+        const QColor &ground = lines.ground[i];
+        const QColor plain = i == LG_ACTIVE ? palette.color(QPalette::HighlightedText) : text;
+        lines.text[i][LT_PLAIN] = LOOK_Readable(plain, ground);
+        lines.text[i][LT_QUIET] = LOOK_Readable(LOOK_Blend(plain, ground, 0.6), ground);
+        lines.text[i][LT_GOOD] = LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
+        lines.text[i][LT_WARNING] = LOOK_Readable(QColor(0xB3, 0x5C, 0x00), ground);
+        lines.text[i][LT_BAD] = LOOK_Readable(QColor(0xC0, 0x1C, 0x28), ground);
+    }
+    return lines;
+}
+
+void LOOK_Apply()
 {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
-    QApplication::setPalette(MakePalette());
     QFont font = QApplication::font();
     font.setPixelSize(FONT_PIXELS);
     QApplication::setFont(font);
-    qApp->setStyleSheet(styleSheet);
     QApplication::setWindowIcon(MakeIcon());
 }

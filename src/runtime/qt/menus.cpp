@@ -1,5 +1,5 @@
 // The menu bar, built from the menu tables, and its items by number.
-#include "runtime/qt/face.h"
+#include "runtime/qt/qt_view.h"
 
 #include <QAction>
 #include <QApplication>
@@ -13,15 +13,12 @@
 
 namespace {
 
-constexpr int FIRST_NEW_ITEM = 1000; // items the program adds are numbered from here
-
 QHash<int, QMenu *> menus;
 QHash<int, QAction *> actions;
-int nextItem = FIRST_NEW_ITEM;
 
 QKeySequence Shortcut(int code)
 {
-    const int key = FACE_QtKey(code);
+    const int key = QTV_QtKey(code);
     Qt::KeyboardModifiers modifiers;
     modifiers.setFlag(Qt::ControlModifier, code & KEY_CTRL);
     modifiers.setFlag(Qt::AltModifier, code & KEY_ALT);
@@ -37,19 +34,19 @@ void KeepCheckMark(QAction *action)
         action->setChecked(!action->isChecked());
 }
 
-QAction *MakeAction(QWidget *owner, int item, const std::string &text, int shortcut,
-                    MenuCallback callback)
+QAction *MakeAction(QWidget *owner, int item, const std::string &text, int shortcut)
 {
-    auto *action = new QAction(FACE_AccessText(text), owner);
+    auto *action = new QAction(QTV_AccessText(text), owner);
     if (text.empty())
         action->setSeparator(true);
     action->setShortcut(Shortcut(shortcut));
-    QObject::connect(action, &QAction::triggered, [action, item, callback] {
+    QObject::connect(action, &QAction::triggered, [action, item] {
         KeepCheckMark(action);
-        if (FACE_IsBusy() || !callback)
-            return;
-        const FaceBusy busy;
-        callback(UI_nMenuPanel, item);
+        VIEW_Event event;
+        event.kind = VIEW_EVENT_MENU;
+        event.item = item;
+        event.value = action->isChecked();
+        QTV_Post(event);
     });
     if (item != 0)
         actions.insert(item, action);
@@ -61,7 +58,7 @@ void AddItems(QMenu *menu, int number)
     for (int i = 0; i < UI_cnMenuItems; i++) {
         const UI_MenuItem &row = UI_aMenuItems[i];
         if (row.menu == number)
-            menu->addAction(MakeAction(menu, row.item, row.text, row.shortcut, row.callback));
+            menu->addAction(MakeAction(menu, row.item, row.text, row.shortcut));
     }
 }
 
@@ -89,14 +86,6 @@ void SeparateSubmenus(QMenu *parent)
     }
 }
 
-int FindAction(int menuBar, int item, QAction **action)
-{
-    if (menuBar != UI_nMenuPanel)
-        return UIE_NO_PANEL;
-    *action = actions.value(item);
-    return *action ? 0 : UIE_NO_ITEM;
-}
-
 // The mouse when it is in the control in use, else the place the keyboard is at there.
 QPoint PopupPlace()
 {
@@ -109,14 +98,14 @@ QPoint PopupPlace()
 
 } // namespace
 
-QMenuBar *FACE_BuildMenuBar(QWidget *window)
+QMenuBar *QTV_BuildMenuBar(QWidget *window)
 {
     auto *bar = new QMenuBar(window);
-    bar->setNativeMenuBar(false); // panel coordinates count from above the bar
+    bar->setNativeMenuBar(false); // it belongs to the window, beside its other parts
     for (int i = 0; i < UI_cnMenus; i++) {
         const UI_Menu &row = UI_aMenus[i];
         QMenu *parent = menus.value(row.parent);
-        auto *menu = new QMenu(FACE_AccessText(row.text), parent ? parent : window);
+        auto *menu = new QMenu(QTV_AccessText(row.text), parent ? parent : window);
         menu->setToolTipsVisible(true);
         menus.insert(row.menu, menu);
         AddItems(menu, row.menu);
@@ -129,89 +118,39 @@ QMenuBar *FACE_BuildMenuBar(QWidget *window)
         if (UI_aMenus[i].parent == 0)
             SeparateSubmenus(menus.value(UI_aMenus[i].menu));
     if (QMenu *ports = menus.value(MENU_PORT))
-        FACE_EquipPortMenu(ports);
+        QTV_EquipPortMenu(ports);
     return bar;
 }
 
-QAction *FACE_MenuAction(int item)
+QAction *QTV_MenuAction(int item)
 {
     return actions.value(item);
 }
 
-int GetPanelMenuBar(int panel)
+void QTV_DrawMenuItem(const VIEW_MenuItem &change)
 {
-    FacePanel *found = nullptr;
-    const int error = FACE_FindPanel(panel, &found);
-    if (error < 0)
-        return error;
-    return panel == UI_nMenuPanel ? panel : UIE_NO_ITEM;
-}
-
-int SetMenuBarAttribute(int menuBar, int item, int attribute, int value)
-{
-    QAction *action = nullptr;
-    const int error = FindAction(menuBar, item, &action);
-    if (error < 0)
-        return error;
-    if (attribute == ATTR_DIMMED) {
-        action->setEnabled(value == 0);
-    } else if (attribute == ATTR_CHECKED) {
-        action->setCheckable(true);
-        action->setChecked(value != 0);
-    } else {
-        return UIE_BAD_ATTRIBUTE;
+    QAction *action = actions.value(change.item);
+    if (change.isGone) {
+        actions.remove(change.item);
+        delete action;
+        return;
     }
-    return 0;
+    QMenu *menu = menus.value(change.menu);
+    if (!action && change.isNew && menu) {
+        action = MakeAction(menu, change.item, change.text, change.shortcut);
+        menu->insertAction(actions.value(change.before), action);
+    }
+    if (!action)
+        return;
+    action->setText(QTV_AccessText(change.text));
+    action->setEnabled(!change.isDimmed);
+    action->setCheckable(change.isCheckable);
+    action->setChecked(change.isChecked);
 }
 
-int GetMenuBarAttribute(int menuBar, int item, int attribute, int *value)
+void QTV_OpenPopupMenu(int menu)
 {
-    QAction *action = nullptr;
-    const int error = FindAction(menuBar, item, &action);
-    if (error < 0)
-        return error;
-    if (attribute == ATTR_DIMMED)
-        *value = !action->isEnabled();
-    else if (attribute == ATTR_CHECKED)
-        *value = action->isChecked();
-    else
-        return UIE_BAD_ATTRIBUTE;
-    return 0;
-}
-
-int NewMenuItem(int menuBar, int menu, const std::string &text, int beforeItem, int shortcut,
-                MenuCallback callback)
-{
-    QAction *before = nullptr;
-    const int error = FindAction(menuBar, beforeItem, &before);
-    if (error < 0)
-        return error;
-    QMenu *target = menus.value(menu);
-    if (!target || !target->actions().contains(before))
-        return UIE_NO_ITEM;
-    target->insertAction(before, MakeAction(target, nextItem, text, shortcut, callback));
-    return nextItem++;
-}
-
-int DiscardMenuItem(int menuBar, int item)
-{
-    QAction *action = nullptr;
-    const int error = FindAction(menuBar, item, &action);
-    if (error < 0)
-        return error;
-    actions.remove(item);
-    action->setVisible(false);
-    action->deleteLater(); // it may be the one whose callback is running
-    return 0;
-}
-
-int RunPopupMenu(int menuBar, int menu)
-{
-    if (menuBar != UI_nMenuPanel)
-        return UIE_NO_PANEL;
     QMenu *found = menus.value(menu);
-    if (!found)
-        return UIE_NO_ITEM;
-    found->popup(PopupPlace());
-    return 0;
+    if (found && !QApplication::activeModalWidget())
+        found->popup(PopupPlace());
 }

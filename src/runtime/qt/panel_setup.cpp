@@ -1,5 +1,5 @@
 // Panel numbers to the code that uic makes of their Designer files.
-#include "runtime/qt/face.h"
+#include "runtime/qt/qt_view.h"
 
 #include "ui/resource.h"
 #include "ui_config.h"
@@ -53,7 +53,7 @@ const SetupRow setupRows[] = {
 
 } // namespace
 
-bool FACE_SetupPanel(int panel, QWidget *window)
+bool QTV_SetupPanel(int panel, QWidget *window)
 {
     for (const SetupRow &row : setupRows) {
         if (row.panel == panel) {

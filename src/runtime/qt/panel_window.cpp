@@ -1,14 +1,17 @@
 #include "runtime/qt/panel_window.h"
 
 #include <QCloseEvent>
+#include <QGuiApplication>
+#include <QLayout>
 #include <QMenuBar>
-#include <QTimer>
+#include <QScreen>
 
-#include "runtime/qt/face.h"
+#include "runtime/qt/qt_view.h"
 
 namespace {
 
-constexpr int RETRY_MS = 20;           // how soon a report that came at a bad time is tried again
+constexpr int REPORT_MS = 50;
+constexpr int GRIP = 60;               // pixels of a window that must be on a screen
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
 // The first widget of the panel that takes the keyboard, in tab order.
@@ -20,13 +23,31 @@ QWidget *FirstInTabOrder(QWidget *panel)
     return panel;
 }
 
+// A remembered place may be on a screen that is gone.
+bool IsOnScreen(const QPoint &corner)
+{
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        if (screen->availableGeometry().adjusted(-GRIP, 0, -GRIP, -GRIP).contains(corner))
+            return true;
+    return false;
+}
+
 } // namespace
 
-PanelWindow::PanelWindow(FacePanel *panelRecord, QWidget *parent)
-    : QWidget(parent), m_record(panelRecord)
+PanelWindow::PanelWindow(QTV_Panel *panelRecord, QWidget *owner, bool isInside)
+    : QWidget(owner, isInside ? Qt::Widget : Qt::Window), m_record(panelRecord)
 {
     setAutoFillBackground(true); // inside another panel it would be see-through
     hide();                      // and shown along with that panel
+    if (isInside && owner->layout()) {
+        auto *rows = static_cast<QBoxLayout *>(owner->layout());
+        auto *content = owner->findChild<QWidget *>(CONTENT_NAME, Qt::FindDirectChildrenOnly);
+        rows->insertWidget(rows->indexOf(content) + 1, this, 1);
+    }
+    m_reporting.setSingleShot(true);
+    m_reporting.setInterval(REPORT_MS);
+    connect(&m_reporting, &QTimer::timeout, this, &PanelWindow::report);
 }
 
 PanelWindow *PanelWindow::holding(QWidget *widget)
@@ -39,40 +60,69 @@ PanelWindow *PanelWindow::holding(QWidget *widget)
     return nullptr;
 }
 
-void PanelWindow::rememberLimits()
-{
-    m_minimum = minimumSize();
-    m_maximum = maximumSize();
-    m_knownSize = size();
-}
-
 void PanelWindow::setMenuBar(QMenuBar *bar)
 {
-    m_menuBar = bar;
-    m_menuBar->setGeometry(0, 0, width(), FACE_MENU_BAR_HEIGHT);
+    layout()->setMenuBar(bar);
 }
 
 void PanelWindow::setSizable(bool isSizable)
 {
-    m_isSizable = isSizable;
-    if (isSizable) {
-        setMinimumSize(m_minimum);
-        setMaximumSize(m_maximum);
-    } else {
-        setFixedSize(size());
+    if (!m_minimum.isValid()) {
+        m_minimum = minimumSize();
+        m_maximum = maximumSize();
     }
+    setMinimumSize(isSizable ? m_minimum : size());
+    setMaximumSize(isSizable ? m_maximum : size());
+}
+
+void PanelWindow::placeByProgram(const QPoint &corner)
+{
+    if (!isWindow() || !IsOnScreen(corner))
+        return;
+    m_hasPlace = true;
+    move(corner);
 }
 
 void PanelWindow::resizeByProgram(const QSize &newSize)
 {
-    m_knownSize = newSize;
-    if (m_isSizable)
-        resize(newSize);
-    else
+    if (!isWindow() || newSize.isEmpty())
+        return;
+    const bool isFixed = minimumSize() == maximumSize();
+    if (isFixed)
         setFixedSize(newSize);
+    else
+        resize(newSize);
     m_knownSize = size();
 }
 
+// A window that has no place of its own yet opens over the main one, not in a corner.
+void PanelWindow::placeOverMain()
+{
+    const PanelWindow *main = QTV_MainWindow();
+    if (m_hasPlace || !main || main == this || !main->isVisible())
+        return;
+    const QRect around = main->frameGeometry();
+    const QSize spare = (around.size() - size()) / 2;
+    move(around.topLeft() + QPoint(qMax(0, spare.width()), qMax(0, spare.height())));
+}
+
+void PanelWindow::setShown(bool isShown)
+{
+    if (isWindow()) {
+        if (isShown && !isVisible()) {
+            placeOverMain();
+            m_knownSize = size();
+        }
+        setVisible(isShown);
+        return;
+    }
+    setVisible(isShown);
+    if (m_record->parent && m_record->parent->window)
+        m_record->parent->window->setCoveredBy(isShown ? this : nullptr);
+}
+
+// A panel shown inside this one hides what it covers, so that the keyboard cannot wander
+// there; null shows it again.
 void PanelWindow::setCoveredBy(PanelWindow *child)
 {
     auto *content = findChild<QWidget *>(CONTENT_NAME, Qt::FindDirectChildrenOnly);
@@ -92,63 +142,56 @@ void PanelWindow::setCoveredBy(PanelWindow *child)
         FirstInTabOrder(content)->setFocus();
 }
 
-// Reported once the event loop turns: a callback may want to ask a question.
 void PanelWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() != QEvent::ActivationChange || !isWindow() || !isActiveWindow())
-        return;
-    QTimer::singleShot(0, this, [this] {
-        if (isActiveWindow() && !FACE_IsBusy())
-            FACE_Call(*m_record, EVENT_ACTIVATED, 0);
-    });
+    if (event->type() == QEvent::PaletteChange)
+        QTV_UsePalette(m_record);
+    if (event->type() == QEvent::ActivationChange && isWindow() && isActiveWindow())
+        QTV_PostPanel(m_record->row->panel, EVENT_ACTIVATED);
 }
 
 void PanelWindow::closeEvent(QCloseEvent *event)
 {
-    event->ignore(); // whether the window goes is the program's decision
-    requestClose();
+    event->ignore();
+    QTV_PostPanel(m_record->row->panel, EVENT_CLOSE);
 }
 
-void PanelWindow::requestClose()
+void PanelWindow::moveEvent(QMoveEvent *event)
 {
-    if (!m_record->callback) {
-        hide();
-        return;
-    }
-    if (!FACE_IsBusy()) {
-        m_isClosePending = false;
-        FACE_Call(*m_record, EVENT_CLOSE, 0);
-    } else if (!m_isClosePending) {
-        m_isClosePending = true;
-        QTimer::singleShot(RETRY_MS, this, [this] {
-            m_isClosePending = false;
-            requestClose();
-        });
-    }
+    QWidget::moveEvent(event);
+    if (isWindow() && isVisible())
+        m_reporting.start();
 }
 
 void PanelWindow::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    if (m_menuBar)
-        m_menuBar->setGeometry(0, 0, width(), FACE_MENU_BAR_HEIGHT);
     if (isWindow() && isVisible())
-        reportResize();
+        m_reporting.start();
 }
 
-void PanelWindow::reportResize()
+void PanelWindow::showEvent(QShowEvent *event)
 {
+    QWidget::showEvent(event);
+    if (isWindow())
+        m_reporting.start();
+}
+
+void PanelWindow::report()
+{
+    if (!isVisible())
+        return;
+    m_hasPlace = true;
+    VIEW_Event report;
+    report.kind = VIEW_EVENT_PLACED;
+    report.panel = m_record->row->panel;
+    report.rect = {pos().x(), pos().y(), width(), height()};
+    QTV_Post(report);
     if (size() == m_knownSize)
         return;
-    if (!FACE_IsBusy()) {
-        m_knownSize = size();
-        FACE_Call(*m_record, EVENT_PANEL_SIZE, 0);
-    } else if (!m_isResizePending) {
-        m_isResizePending = true;
-        QTimer::singleShot(RETRY_MS, this, [this] {
-            m_isResizePending = false;
-            reportResize();
-        });
-    }
+    m_knownSize = size();
+    report.kind = VIEW_EVENT_PANEL;
+    report.event = EVENT_PANEL_SIZE;
+    QTV_Post(report);
 }

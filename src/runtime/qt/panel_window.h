@@ -1,57 +1,55 @@
-// The window of one panel, on its own or inside another panel. Reports closing and
-// resizing by the user to the panel's callback; a window without a callback hides.
+// The window of one panel, on its own or inside another panel. Tells the program by events
+// that the user closes, resizes, moves or turns to it; whether it goes is the program's
+// decision.
 #ifndef RUNTIME_QT_PANEL_WINDOW_H
 #define RUNTIME_QT_PANEL_WINDOW_H
 
 #include <QPointer>
+#include <QTimer>
 #include <QWidget>
 
-struct FacePanel;
+struct QTV_Panel;
 class QMenuBar;
 
 class PanelWindow : public QWidget {
     Q_OBJECT
 
 public:
-    PanelWindow(FacePanel *panelRecord, QWidget *parent);
+    // A window of its own stays in front of `owner`, which it belongs to.
+    PanelWindow(QTV_Panel *panelRecord, QWidget *owner, bool isInside);
 
-    FacePanel *record() const
+    QTV_Panel *record() const
     {
         return m_record;
     }
     // The innermost panel that holds `widget`; null when it is in none.
     static PanelWindow *holding(QWidget *widget);
 
-    // Remembers the limits the Designer file gives: a sizable window keeps to them.
-    void rememberLimits();
     void setMenuBar(QMenuBar *bar);
-    bool isSizable() const
-    {
-        return m_isSizable;
-    }
     void setSizable(bool isSizable);
-    void resizeByProgram(const QSize &size); // no report to the callback
-    // A panel shown inside this one hides what it covers, so that the keyboard
-    // cannot wander there; null shows it again.
-    void setCoveredBy(PanelWindow *child);
-    void requestClose();
+    // By the program: not reported. The place is brought onto a screen there is.
+    void placeByProgram(const QPoint &corner);
+    void resizeByProgram(const QSize &size);
+    void setShown(bool isShown);
 
 protected:
     void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
-    void reportResize();
+    void setCoveredBy(PanelWindow *child);
+    void placeOverMain();
+    void report();
 
-    FacePanel *m_record;
-    QMenuBar *m_menuBar = nullptr;
+    QTV_Panel *m_record;
     QPointer<QWidget> m_focusBefore;
-    QSize m_knownSize; // the last size the program set or was told of
+    QTimer m_reporting; // one report for many small moves
+    QSize m_knownSize;  // the last size the program set or was told of
     QSize m_minimum, m_maximum;
-    bool m_isSizable = true;
-    bool m_isClosePending = false;
-    bool m_isResizePending = false;
+    bool m_hasPlace = false; // of its own: the program's or the user's
 };
 
 #endif

@@ -4,11 +4,12 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QMenu>
+#include <QMessageBox>
 #include <QSerialPortInfo>
 
 #include "platform/serial.h"
 #include "platform/system.h"
-#include "runtime/qt/face.h"
+#include "runtime/qt/qt_view.h"
 #include "ui/resource.h"
 
 namespace {
@@ -49,35 +50,19 @@ void FillAssignMenu(QMenu *assign)
     for (const QSerialPortInfo &info : infos) {
         if (!IsReal(info))
             continue;
-        QMenu *device = assign->addMenu(FACE_AccessText(FACE_ToStd(NameAndDescription(info))));
+        QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(info).toStdString()));
         const QString location = info.systemLocation();
         for (int port = 1; port <= PORTS_SHOWN; port++)
             device->addAction(QString("COM&%1").arg(port), device,
-                              [port, location] { FACE_AssignPort(port, location); });
+                              [port, location] { QTV_AssignPort(port, location); });
     }
     assign->menuAction()->setVisible(AreLinksUsed() && !assign->isEmpty());
 }
 
-void RefreshItems()
+// What the menu shows behind "COM<n>": "" when there is no such device.
+QString Describe(int port, const QList<QSerialPortInfo> &infos)
 {
-    for (int port = 1; port <= PORTS_SHOWN; port++) {
-        QAction *action = FACE_MenuAction(ITEM_PORT_FIRST + port - 1);
-        if (!action)
-            continue;
-        const QString found = FACE_DescribePort(port);
-        const QString name = QString("COM__%1").arg(port);
-        action->setText(FACE_AccessText(
-            FACE_ToStd(found.isEmpty() ? name : name + QString::fromUtf8(" \u2014 ") + found)));
-        action->setToolTip(FACE_ToQt(SER_DevicePath(port)));
-    }
-}
-
-} // namespace
-
-QString FACE_DescribePort(int port)
-{
-    const QString path = FACE_ToQt(SER_DevicePath(port));
-    const QList<QSerialPortInfo> infos = QSerialPortInfo::availablePorts();
+    const QString path = QTV_ToQt(SER_DevicePath(port));
     for (const QSerialPortInfo &info : infos)
         if (IsDevice(info, path))
             return NameAndDescription(info);
@@ -85,27 +70,58 @@ QString FACE_DescribePort(int port)
     return file.exists() ? file.canonicalFilePath() : QString();
 }
 
-int FACE_AssignPort(int port, const QString &device)
+void RefreshItems()
 {
-    const QString folder = FACE_ToQt(PLT_ConfigDir()) + "/ports";
+    const QList<QSerialPortInfo> infos = QSerialPortInfo::availablePorts();
+    for (int port = 1; port <= PORTS_SHOWN; port++) {
+        QAction *action = QTV_MenuAction(ITEM_PORT_FIRST + port - 1);
+        if (!action)
+            continue;
+        QString found = Describe(port, infos);
+        found.replace('&', "&&");
+        const QString name = QString("COM&%1").arg(port);
+        action->setText(found.isEmpty() ? name : name + QString::fromUtf8(" \u2014 ") + found);
+        action->setToolTip(QTV_ToQt(SER_DevicePath(port)));
+    }
+}
+
+// Of the window alone: the program has no part in it and waits for nothing.
+void Tell(QMessageBox::Icon icon, const QString &title, const QString &message)
+{
+    auto *box = new QMessageBox(icon, title, message, QMessageBox::Ok, QTV_DialogParent());
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setTextFormat(Qt::PlainText);
+    box->open();
+}
+
+} // namespace
+
+QString QTV_DescribePort(int port)
+{
+    return Describe(port, QSerialPortInfo::availablePorts());
+}
+
+int QTV_AssignPort(int port, const QString &device)
+{
+    const QString folder = QTV_ToQt(PLT_ConfigDir()) + "/ports";
     const QString link = folder + QString("/COM%1").arg(port);
     const QString fresh = link + ".new";
     QFile::remove(fresh);
     // The new link takes the old one's place in one step.
     if (!QDir().mkpath(folder) || !QFile::link(device, fresh) ||
-        PLT_ReplaceFile(FACE_ToStd(fresh), FACE_ToStd(link)) < 0) {
+        PLT_ReplaceFile(fresh.toStdString(), link.toStdString()) < 0) {
         QFile::remove(fresh);
-        MessagePopup("Error", FACE_ToStd("Cannot write the link " + link + "."));
+        Tell(QMessageBox::Warning, "Error", "Cannot write the link " + link + ".");
         return -1;
     }
-    const QString used = FACE_ToQt(SER_DevicePath(port));
+    const QString used = QTV_ToQt(SER_DevicePath(port));
     if (used != link && used != device)
-        MessagePopup("Message", "The environment variable VIREO2_COM" + std::to_string(port) +
-                                    " overrides this choice.");
+        Tell(QMessageBox::Information, "Message",
+             QString("The environment variable VIREO2_COM%1 overrides this choice.").arg(port));
     return 0;
 }
 
-void FACE_EquipPortMenu(QMenu *menu)
+void QTV_EquipPortMenu(QMenu *menu)
 {
     menu->addSeparator();
     QMenu *assign = menu->addMenu("&Assign");

@@ -7,10 +7,10 @@ class QMenu;
 class QString;
 
 // The menu looks the ports up each time it opens.
-void FACE_EquipPortMenu(QMenu *menu);
+void QTV_EquipPortMenu(QMenu *menu);
 // Makes `device` stand behind "COM<n>" from now on; says so when it cannot. 0, or -1.
-int FACE_AssignPort(int port, const QString &device);
+int QTV_AssignPort(int port, const QString &device);
 // What the menu shows behind "COM<n>": "" when there is no such device.
-QString FACE_DescribePort(int port);
+QString QTV_DescribePort(int port);
 
 #endif

@@ -2,9 +2,12 @@
 
 #include <QScrollBar>
 #include <QTextBlock>
-#include <QTimer>
+
+#include "runtime/userint.h"
 
 namespace {
+
+constexpr int LINES_AT_FIRST = 6; // what a box asks room for
 
 QString Clean(QString text)
 {
@@ -19,26 +22,19 @@ TextBox::TextBox(QWidget *parent) : QPlainTextEdit(parent)
     setReadOnly(true);
     setUndoRedoEnabled(false);
     setLineWrapMode(QPlainTextEdit::NoWrap);
-    setMaximumBlockCount(MAX_LINES);
+    setMaximumBlockCount(UI_BOX_LINES_MAX);
     setTabChangesFocus(true);
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
 void TextBox::appendText(const QString &text)
 {
-    if (m_isPending)
-        m_pending += Clean(text);
-    else
-        append(Clean(text));
-}
-
-void TextBox::append(const QString &text)
-{
-    if (text.isEmpty())
+    const QString cleaned = Clean(text);
+    if (cleaned.isEmpty())
         return;
     const bool wasAtEnd = isAtEnd();
-    QString added = m_hasLines && !m_isLineOpen ? '\n' + text : text;
-    m_isLineOpen = !text.endsWith('\n');
+    QString added = m_hasLines && !m_isLineOpen ? '\n' + cleaned : cleaned;
+    m_isLineOpen = !cleaned.endsWith('\n');
     if (!m_isLineOpen)
         added.chop(1);
     m_hasLines = true;
@@ -50,26 +46,25 @@ void TextBox::append(const QString &text)
 
 void TextBox::resetText(const QString &text)
 {
-    m_pending = Clean(text);
-    if (m_isPending)
-        return;
-    m_isPending = true;
-    QTimer::singleShot(0, this, &TextBox::applyPending);
-}
-
-void TextBox::applyPending()
-{
-    if (!m_isPending)
-        return;
-    m_isPending = false;
-    QString text;
-    text.swap(m_pending);
-    const bool isLineOpen = !text.endsWith('\n');
-    const QString shown = isLineOpen ? text : text.chopped(1);
-    m_hasLines = !text.isEmpty();
-    m_isLineOpen = m_hasLines && isLineOpen;
+    const QString cleaned = Clean(text);
+    m_hasLines = !cleaned.isEmpty();
+    m_isLineOpen = m_hasLines && !cleaned.endsWith('\n');
+    const QString shown = m_isLineOpen ? cleaned : cleaned.chopped(m_hasLines ? 1 : 0);
     if (shown != toPlainText())
         replaceAll(shown);
+}
+
+void TextBox::dropLines(int count)
+{
+    const int top = verticalScrollBar()->value();
+    const bool wasAtEnd = isAtEnd();
+    QTextCursor cursor(document());
+    cursor.movePosition(QTextCursor::NextBlock, QTextCursor::KeepAnchor, count);
+    cursor.removeSelectedText();
+    if (wasAtEnd)
+        follow(true);
+    else
+        verticalScrollBar()->setValue(qMax(0, top - count));
 }
 
 void TextBox::replaceAll(const QString &text)
@@ -77,6 +72,7 @@ void TextBox::replaceAll(const QString &text)
     const QTextCursor before = textCursor();
     const int anchor = before.anchor(), position = before.position();
     const int top = verticalScrollBar()->value(), left = horizontalScrollBar()->value();
+    const bool wasAtEnd = isAtEnd();
     setPlainText(text);
     const int last = document()->characterCount() - 1;
     QTextCursor cursor(document());
@@ -85,78 +81,19 @@ void TextBox::replaceAll(const QString &text)
     setTextCursor(cursor);
     verticalScrollBar()->setValue(top);
     horizontalScrollBar()->setValue(left);
-}
-
-bool TextBox::insertLine(int line, const QString &text)
-{
-    applyPending();
-    const int count = lineCount();
-    if (line < -1 || line > count)
-        return false;
-    if (line == -1 || line == count) {
-        m_isLineOpen = false;
-        append(Clean(text) + '\n');
-        return true;
-    }
-    QTextCursor cursor(document()->findBlockByNumber(line));
-    cursor.insertText(Clean(text) + '\n');
-    return true;
-}
-
-bool TextBox::deleteLines(int line, int count)
-{
-    const int total = lineCount();
-    if (line < 0 || line >= total)
-        return false;
-    const int end = count < 0 || count > total - line ? total : line + count;
-    if (line == 0 && end == total) {
-        clear();
-        m_hasLines = m_isLineOpen = false;
-        return true;
-    }
-    QTextCursor cursor(document()->findBlockByNumber(line));
-    if (end < total) {
-        cursor.setPosition(document()->findBlockByNumber(end).position(), QTextCursor::KeepAnchor);
-    } else {
-        cursor.movePosition(QTextCursor::PreviousCharacter); // the feed before the first of them
-        cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
-        m_isLineOpen = false;
-    }
-    cursor.removeSelectedText();
-    return true;
-}
-
-int TextBox::lineCount()
-{
-    applyPending();
-    return m_hasLines ? document()->blockCount() : 0;
-}
-
-QString TextBox::lineText(int line)
-{
-    if (line < 0 || line >= lineCount())
-        return QString();
-    const QString text = document()->findBlockByNumber(line).text();
-    return text.isNull() ? QString("") : text;
-}
-
-QString TextBox::allText()
-{
-    applyPending();
-    return toPlainText();
-}
-
-int TextBox::firstVisibleLine()
-{
-    applyPending();
-    return verticalScrollBar()->value();
+    if (wasAtEnd && top > 0)
+        follow(true);
 }
 
 void TextBox::setFirstVisibleLine(int line)
 {
-    applyPending();
     verticalScrollBar()->setValue(line);
     m_follows = isAtEnd();
+}
+
+QSize TextBox::sizeHint() const
+{
+    return QSize(400, LINES_AT_FIRST * fontMetrics().lineSpacing() + 2 * frameWidth() + 8);
 }
 
 bool TextBox::isAtEnd() const

@@ -2,6 +2,8 @@
 
 #include <QPainter>
 
+#include "runtime/qt/look.h"
+
 namespace {
 
 constexpr int TRACK_WIDTH = 30;
@@ -11,8 +13,6 @@ constexpr int TEXT_GAP = 7;
 constexpr int FRAME = 3; // room for the focus ring around the track
 
 const QColor colorOn(0x1F, 0x8A, 0x4C);
-const QColor colorOff(0x9A, 0xA6, 0xB2);
-const QColor colorDisabled(0xD3, 0xDA, 0xE0);
 
 } // namespace
 
@@ -49,12 +49,16 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
         painter.drawRoundedRect(track.adjusted(-2, -2, 2, 2), radius + 2, radius + 2);
     }
     painter.setPen(Qt::NoPen);
-    painter.setBrush(!isEnabled() ? colorDisabled : isChecked() ? colorOn : colorOff);
+    const QColor ground = palette().color(QPalette::Window);
+    const QColor off = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.45);
+    painter.setBrush(!isEnabled()  ? LOOK_Blend(off, ground, 0.4)
+                     : isChecked() ? LOOK_Readable(colorOn, ground)
+                                   : off);
     painter.drawRoundedRect(track, radius, radius);
 
     const double knob = TRACK_HEIGHT - 2.0 * KNOB_INSET;
     const double left = isChecked() ? track.right() - KNOB_INSET - knob : track.left() + KNOB_INSET;
-    painter.setBrush(isDown() ? QColor(0xE6, 0xEE, 0xF5) : QColor(Qt::white));
+    painter.setBrush(isDown() ? LOOK_Blend(off, ground, 0.3) : ground);
     painter.drawEllipse(QRectF(left, track.top() + KNOB_INSET, knob, knob));
 
     painter.setPen(

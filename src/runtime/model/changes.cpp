@@ -1,0 +1,188 @@
+// From the marks in the model to a batch for the view.
+#include "runtime/model/model.h"
+
+#include <algorithm>
+
+#include "platform/system.h"
+#include "runtime/model/door.h"
+
+namespace {
+
+constexpr uint64_t FLUSH_EVERY_US = 30000;
+
+bool IsEqual(const UI_Cell &one, const UI_Cell &other)
+{
+    return one.text == other.text && one.style == other.style && one.tip == other.tip;
+}
+
+bool IsEqual(const VIEW_Line &one, const VIEW_Line &other)
+{
+    return one.id == other.id && one.label == other.label && one.value == other.value &&
+           one.tip == other.tip &&
+           std::equal(one.cells.begin(), one.cells.end(), other.cells.begin(), other.cells.end(),
+                      [](const UI_Cell &a, const UI_Cell &b) { return IsEqual(a, b); });
+}
+
+int PlaceOf(const MDL_Control &list, uint32_t id)
+{
+    for (size_t i = 0; i < list.lines.size(); i++)
+        if (list.lines[i].id == id)
+            return static_cast<int>(i);
+    return -1;
+}
+
+// A list that was emptied and filled again keeps the selection on the lines that are
+// there again, unless the program has said otherwise.
+void KeepSelection(MDL_Control *list)
+{
+    if (!list->isLoose)
+        return;
+    list->isLoose = false;
+    const auto again = [&](int index) {
+        const bool wasShown = index >= 0 && index < static_cast<int>(list->shown.size());
+        return wasShown ? PlaceOf(*list, list->shown[static_cast<size_t>(index)].id) : -1;
+    };
+    list->selected.clear();
+    for (const int index : list->shownSelected)
+        if (again(index) >= 0)
+            list->selected.push_back(again(index));
+    if (again(list->shownCurrent) >= 0)
+        list->current = again(list->shownCurrent);
+    std::sort(list->selected.begin(), list->selected.end());
+}
+
+void DiffLines(MDL_Control *list, VIEW_List *change)
+{
+    for (size_t i = 0; i < list->lines.size(); i++) {
+        const VIEW_Line &line = list->lines[i];
+        if (i < list->shown.size() && IsEqual(line, list->shown[i]))
+            continue;
+        change->changed.emplace_back(static_cast<int>(i), line);
+        if (i < list->shown.size())
+            list->shown[i] = line;
+        else
+            list->shown.push_back(line);
+    }
+    const bool isShorter = list->shown.size() > list->lines.size();
+    list->shown.resize(list->lines.size());
+    if (change->changed.empty() && !isShorter)
+        change->mask &= ~static_cast<unsigned>(VIEW_LIST_LINES);
+}
+
+bool IsSelectionNew(const MDL_Control &list)
+{
+    return list.current != list.shownCurrent || list.selected != list.shownSelected;
+}
+
+void TakeList(MDL_Control *list, VIEW_Batch *batch)
+{
+    KeepSelection(list);
+    VIEW_List change;
+    change.panel = list->row->panel;
+    change.control = list->row->control;
+    change.mask = list->listMask;
+    list->listMask = 0;
+    change.count = static_cast<int>(list->lines.size());
+    if (change.mask & VIEW_LIST_LINES)
+        DiffLines(list, &change);
+    if (IsSelectionNew(*list))
+        change.mask |= VIEW_LIST_SELECTION;
+    if (change.mask & VIEW_LIST_SELECTION)
+        list->stamp = ++MDL_GetState().stamp;
+    change.current = list->shownCurrent = list->current;
+    change.selected = list->shownSelected = list->selected;
+    change.columns = list->columns;
+    change.firstVisible = list->firstVisible;
+    if (change.mask != 0)
+        batch->lists.push_back(std::move(change));
+}
+
+void TakeBox(MDL_Control *control, VIEW_Batch *batch)
+{
+    control->boxChange.panel = control->row->panel;
+    control->boxChange.control = control->row->control;
+    batch->boxes.push_back(std::move(control->boxChange));
+    control->boxChange = VIEW_TextBox();
+    control->isBoxChanged = false;
+}
+
+void TakeControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
+{
+    if (control->state.mask != 0) {
+        batch->controls.push_back(control->state);
+        control->state.mask = 0;
+    }
+    if (hasLists && (control->listMask != 0 || control->isLoose || IsSelectionNew(*control)))
+        TakeList(control, batch);
+    if (control->isBoxChanged)
+        TakeBox(control, batch);
+}
+
+void TakePanels(MDL_State *state, VIEW_Batch *batch)
+{
+    const auto take = [&](MDL_Panel &panel) {
+        if (panel.state.mask != 0)
+            batch->panels.push_back(panel.state);
+        panel.state.mask = 0;
+    };
+    int error = 0;
+    for (MDL_Panel &panel : state->panels) // those that were not shown or hidden
+        if (!std::count(state->shownOrder.begin(), state->shownOrder.end(), panel.row->panel))
+            take(panel);
+    for (const int number : state->shownOrder)
+        if (MDL_Panel *panel = MDL_FindPanel(number, &error))
+            take(*panel);
+    state->shownOrder.clear();
+}
+
+void TakeItems(MDL_State *state, VIEW_Batch *batch)
+{
+    for (MDL_Item &item : state->items) {
+        if (item.isChanged)
+            batch->items.push_back(item.state);
+        item.isChanged = item.state.isNew = false;
+    }
+    for (const MDL_Item &gone : state->goneItems)
+        batch->items.push_back(gone.state);
+    state->goneItems.clear();
+}
+
+bool IsEmpty(const VIEW_Batch &batch)
+{
+    return batch.panels.empty() && batch.items.empty() && batch.controls.empty() &&
+           batch.lists.empty() && batch.boxes.empty() && batch.completions.empty() &&
+           batch.progress.empty() && batch.popupMenu == 0 && batch.question.id == 0 &&
+           batch.closedQuestion == 0 && !batch.hasClipboard && !batch.isEnded;
+}
+
+} // namespace
+
+void MDL_MarkValue(MDL_Control *control)
+{
+    control->state.mask |= VIEW_CTRL_VALUE;
+    control->stamp = ++MDL_GetState().stamp;
+    MDL_FlushNowAndThen();
+}
+
+void MDL_Flush(bool hasLists)
+{
+    MDL_State &state = MDL_GetState();
+    VIEW_Batch batch = std::move(state.extra);
+    state.extra = VIEW_Batch();
+    TakePanels(&state, &batch);
+    TakeItems(&state, &batch);
+    for (MDL_Panel &panel : state.panels)
+        if (panel.isLoaded)
+            for (MDL_Control &control : panel.controls)
+                TakeControl(&control, hasLists, &batch);
+    state.flushedUs = PLT_TickUs();
+    if (!IsEmpty(batch))
+        DOOR_Put(std::move(batch), state.stamp);
+}
+
+void MDL_FlushNowAndThen()
+{
+    const MDL_State &state = MDL_GetState();
+    if (state.depth == 0 || PLT_TickUs() - state.flushedUs >= FLUSH_EVERY_US)
+        MDL_Flush(false);
+}

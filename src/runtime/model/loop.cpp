@@ -1,0 +1,173 @@
+// Start, the event loop and the timers.
+#include "runtime/model/model.h"
+
+#include <algorithm>
+
+#include "platform/system.h"
+#include "runtime/model/door.h"
+
+namespace {
+
+constexpr uint64_t WAIT_MAX_US = 60000000; // nothing is due: look again after a minute
+
+uint64_t IntervalUs(const MDL_Control &timer)
+{
+    return static_cast<uint64_t>(timer.interval * 1e6);
+}
+
+template <class Use> void ForEachTimer(Use use)
+{
+    for (MDL_Panel &panel : MDL_GetState().panels)
+        for (MDL_Control &control : panel.controls)
+            if (panel.isLoaded && control.row->kind == UIK_TIMER)
+                use(&control);
+}
+
+// When the next timer is due; sets the clock of those that start to count.
+uint64_t NextDue(uint64_t now)
+{
+    uint64_t next = now + WAIT_MAX_US;
+    if (MDL_GetState().isSuspended)
+        return next;
+    ForEachTimer([&](MDL_Control *timer) {
+        if (timer->dueUs == 0)
+            timer->dueUs = now + IntervalUs(*timer);
+        next = std::min(next, timer->dueUs);
+    });
+    return next;
+}
+
+// One tick at most, so that an event that came meanwhile has its turn between two.
+void FireDue(uint64_t now)
+{
+    MDL_Control *first = nullptr;
+    ForEachTimer([&](MDL_Control *timer) {
+        if (timer->dueUs != 0 && timer->dueUs <= now && (!first || timer->dueUs < first->dueUs))
+            first = timer;
+    });
+    if (!first)
+        return;
+    // Ticks that were missed are left out.
+    first->dueUs = std::max(first->dueUs + IntervalUs(*first), now);
+    MDL_FireTimer(first);
+}
+
+int RunLoop()
+{
+    MDL_State &state = MDL_GetState();
+    MDL_Flush();
+    while (!state.isQuit) {
+        if (MDL_HandleNext())
+            continue;
+        const uint64_t now = PLT_TickUs();
+        const uint64_t due = NextDue(now);
+        if (due <= now)
+            FireDue(now);
+        else
+            DOOR_WaitEvent(due);
+    }
+    return 0;
+}
+
+} // namespace
+
+int InitCVIRTE(int *, char **)
+{
+    MDL_GetState();
+    return 0;
+}
+
+int RunUserInterface()
+{
+    MDL_State &state = MDL_GetState();
+    if (state.isStarting)
+        MDL_EndCall();
+    state.isStarting = false;
+    int result = 0;
+    if (!state.isQuit)
+        result = state.driver ? state.driver() : RunLoop();
+    MDL_Flush();
+    return state.isQuit ? state.quitCode : result;
+}
+
+int QuitUserInterface(int code)
+{
+    MDL_GetState().isQuit = true;
+    MDL_GetState().quitCode = code;
+    return 0;
+}
+
+int ProcessSystemEvents()
+{
+    MDL_State &state = MDL_GetState();
+    MDL_CatchUp();
+    const bool isEnd =
+        std::any_of(state.queue.begin(), state.queue.end(),
+                    [](const VIEW_Event &event) { return event.kind == VIEW_EVENT_END; });
+    // A driver that reads lines never comes back to the loop: the end cannot wait for that.
+    while (isEnd && state.depth == 0 && !state.isQuit && MDL_HandleNext()) {
+    }
+    MDL_Flush();
+    return 0;
+}
+
+int SuspendTimerCallbacks()
+{
+    MDL_GetState().isSuspended = true;
+    ForEachTimer([](MDL_Control *timer) { timer->dueUs = 0; });
+    return 0;
+}
+
+int ResumeTimerCallbacks()
+{
+    MDL_GetState().isSuspended = false;
+    return 0;
+}
+
+int SetBusyText(const std::string &text)
+{
+    DOOR_SetBusyText(text);
+    MDL_FlushNowAndThen();
+    return 0;
+}
+
+bool IsBreakWished()
+{
+    MDL_FlushNowAndThen();
+    return DOOR_IsBreakWished();
+}
+
+int SetEndCallback(void (*callback)())
+{
+    MDL_GetState().endCallback = callback;
+    return 0;
+}
+
+int MDL_FireTimer(MDL_Control *timer)
+{
+    if (timer->row->kind != UIK_TIMER || !timer->row->callback)
+        return UIE_BAD_TYPE;
+    if (MDL_GetState().isSuspended)
+        return 0;
+    MDL_BeginCall();
+    timer->row->callback(timer->row->panel, timer->row->control, EVENT_TIMER_TICK, 0);
+    MDL_EndCall();
+    return 1;
+}
+
+int VIEW_RunProgram(int argc, char **argv, int (*program)(int argc, char **argv))
+{
+    MDL_State &state = MDL_GetState();
+    PLT_WatchSignals(DOOR_OnSignal);
+    // Until the loop runs everything is one callback: the first window comes up whole.
+    state.isStarting = true;
+    MDL_BeginCall();
+    const int code = program(argc, argv);
+    if (state.isStarting)
+        MDL_EndCall();
+    state.isStarting = false;
+    state.extra.isEnded = true;
+    state.extra.exitCode = code;
+    MDL_Flush();
+    return code;
+}

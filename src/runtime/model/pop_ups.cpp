@@ -1,0 +1,200 @@
+// Pop-ups, progress boxes and the desktop's services.
+#include "runtime/model/model.h"
+
+#include "platform/system.h"
+#include "runtime/model/door.h"
+
+namespace {
+
+constexpr size_t BUTTONS_MAX = 3;
+constexpr uint64_t WAIT_US = 60000000;
+
+// 1 and the answer, 0 while there is none, -1 when nobody will answer any more.
+int FindAnswer(MDL_State *state, int id, VIEW_Event *answer)
+{
+    MDL_CatchUp();
+    for (size_t i = 0; i < state->queue.size(); i++) {
+        if (state->queue[i].kind == VIEW_EVENT_END)
+            return -1;
+        if (state->queue[i].kind != VIEW_EVENT_ANSWER || state->queue[i].id != id)
+            continue;
+        *answer = state->queue[i];
+        state->queue.erase(state->queue.begin() + static_cast<std::ptrdiff_t>(i));
+        state->isCaught.erase(state->isCaught.begin() + static_cast<std::ptrdiff_t>(i));
+        DOOR_CountHandled();
+        return 1;
+    }
+    return 0;
+}
+
+// Number of the button, 0 when it was closed. Everything else that the user does meanwhile
+// waits; the program is not busy: it is the user who is asked.
+int Ask(VIEW_Question question, std::string *text)
+{
+    MDL_State &state = MDL_GetState();
+    if (state.isEndWished)
+        return 0;
+    question.id = state.nextQuestion++;
+    state.extra.question = question;
+    VIEW_Busy busy;
+    VIEW_GetBusy(&busy);
+    DOOR_SetBusy(false);
+    state.depth++; // no callback and no timer starts
+    MDL_Flush();
+    VIEW_Event answer;
+    int found = 0;
+    while ((found = FindAnswer(&state, question.id, &answer)) == 0)
+        DOOR_WaitEvent(PLT_TickUs() + WAIT_US);
+    state.depth--;
+    DOOR_SetBusy(busy.isBusy);
+    if (found < 0) {
+        state.isEndWished = true;
+        state.extra.closedQuestion = question.id;
+        MDL_Flush();
+        return 0;
+    }
+    if (text && answer.button > 0)
+        *text = question.maxLength > 0 ? answer.text.substr(0, question.maxLength) : answer.text;
+    return answer.button;
+}
+
+VIEW_Question MakeQuestion(VIEW_QuestionKind kind, const std::string &title,
+                           const std::string &message)
+{
+    VIEW_Question question;
+    question.kind = kind;
+    question.title = title;
+    question.message = message;
+    return question;
+}
+
+void Equip(VIEW_Question *question, const std::string &text, size_t maxLength)
+{
+    question->hasEntry = true;
+    question->text = text;
+    question->maxLength = maxLength;
+}
+
+VIEW_Progress *FindProgress(int id)
+{
+    for (VIEW_Progress &box : MDL_GetState().progress)
+        if (box.id == id)
+            return &box;
+    return nullptr;
+}
+
+void Show(const VIEW_Progress &box)
+{
+    MDL_GetState().extra.progress.push_back(box);
+    MDL_Flush(false);
+}
+
+} // namespace
+
+int MessagePopup(const std::string &title, const std::string &message)
+{
+    Ask(MakeQuestion(VIEW_MESSAGE, title, message), nullptr);
+    return 0;
+}
+
+int ConfirmPopup(const std::string &title, const std::string &message)
+{
+    return Ask(MakeQuestion(VIEW_CONFIRM, title, message), nullptr) == 1;
+}
+
+int PromptPopup(const std::string &title, const std::string &message, std::string *text,
+                size_t maxLength)
+{
+    VIEW_Question question = MakeQuestion(VIEW_PROMPT, title, message);
+    Equip(&question, *text, maxLength);
+    std::string entered;
+    if (Ask(question, &entered) != 1)
+        return -1;
+    *text = entered;
+    return 0;
+}
+
+int GenericMessagePopup(const std::string &title, const std::string &message,
+                        const std::vector<std::string> &buttons, std::string *text,
+                        size_t maxLength)
+{
+    if (buttons.empty() || buttons.size() > BUTTONS_MAX)
+        return UIE_BAD_TYPE;
+    VIEW_Question question = MakeQuestion(VIEW_GENERIC, title, message);
+    question.buttons = buttons;
+    if (text)
+        Equip(&question, *text, maxLength);
+    return Ask(question, text);
+}
+
+int FileSelectPopup(const std::string &directory, const std::string &spec, const std::string &types,
+                    const std::string &title, int mode, std::string *path)
+{
+    VIEW_Question question = MakeQuestion(VIEW_FILE, title, "");
+    question.directory = directory;
+    question.spec = spec;
+    question.types = types;
+    question.mode = mode;
+    std::string chosen;
+    if (Ask(question, &chosen) != 1 || chosen.empty())
+        return VAL_NO_FILE_SELECTED;
+    PLT_FileStamp stamp;
+    const bool exists = PLT_GetFileStamp(chosen, &stamp) == 0;
+    if (!exists && mode == FILE_LOAD)
+        return VAL_NO_FILE_SELECTED;
+    *path = chosen;
+    return exists ? VAL_EXISTING_FILE_SELECTED : VAL_NEW_FILE_SELECTED;
+}
+
+int CreateProgressDialog(const std::string &title, const std::string &text)
+{
+    MDL_State &state = MDL_GetState();
+    VIEW_Progress box;
+    box.id = state.nextProgress++;
+    box.title = title;
+    box.text = text;
+    state.progress.push_back(box);
+    Show(box);
+    return box.id;
+}
+
+int UpdateProgressDialog(int dialog, int percent, const std::string &text)
+{
+    VIEW_Progress *box = FindProgress(dialog);
+    if (!box)
+        return UIE_NO_CONTROL;
+    box->percent = percent < 0 ? 0 : percent > 100 ? 100 : percent;
+    box->text = text;
+    Show(*box);
+    return DOOR_IsCancelled(dialog) ? 1 : 0;
+}
+
+int DiscardProgressDialog(int dialog)
+{
+    VIEW_Progress *box = FindProgress(dialog);
+    if (!box)
+        return UIE_NO_CONTROL;
+    box->isGone = true;
+    Show(*box);
+    MDL_State &state = MDL_GetState();
+    state.progress.erase(state.progress.begin() + (box - state.progress.data()));
+    DOOR_ForgetCancel(dialog);
+    return 0;
+}
+
+int LaunchExecutable(const std::string &commandLine)
+{
+    MDL_State &state = MDL_GetState();
+    state.launched.push_back(commandLine);
+    return state.isLaunchHeld ? 0 : PLT_Launch(commandLine);
+}
+
+int ClipboardPutText(const std::string &text)
+{
+    MDL_State &state = MDL_GetState();
+    state.extra.hasClipboard = true;
+    state.extra.clipboard = text;
+    if (state.depth == 0)
+        MDL_Flush();
+    return 0;
+}

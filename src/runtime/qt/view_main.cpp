@@ -1,0 +1,244 @@
+// The window's thread: start, the rate of drawing, what the program is busy with, the end.
+#include "runtime/qt/qt_view.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSessionManager>
+#include <QTimer>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <thread>
+
+#include "platform/system.h"
+#include "runtime/qt/line_list.h"
+#include "runtime/qt/look.h"
+#include "runtime/qt/panel_window.h"
+#include "runtime/qt/text_box.h"
+
+namespace {
+
+constexpr int EXIT_NO_SCREEN = 255;        // what -1 becomes as an exit code
+constexpr int FRAME_MS = 16;               // changes are drawn at most 60 times a second
+constexpr int BUSY_LOOK_MS = 100;          // how often the program's work is looked at
+constexpr uint32_t SECONDS_FROM_MS = 2000; // from here on the time is said too
+
+bool isDrawing = false;
+
+// Qt ends the program with a core dump when it finds no screen; a plain message and an
+// exit code do.
+void ReportNoScreen(QtMsgType type, const QMessageLogContext &, const QString &message)
+{
+    std::fprintf(stderr, "%s\n", message.toLocal8Bit().constData());
+    if (type == QtFatalMsg)
+        std::_Exit(EXIT_NO_SCREEN);
+}
+
+// Turns the program's wake-ups into drawings, no more of them than the eye needs.
+class Drawer : public QObject {
+public:
+    explicit Drawer(QObject *parent) : QObject(parent)
+    {
+        m_timer.setSingleShot(true);
+        m_timer.setTimerType(Qt::PreciseTimer);
+        connect(&m_timer, &QTimer::timeout, this, [this] {
+            m_since.start();
+            QTV_DrawChanges();
+        });
+    }
+    bool event(QEvent *event) override
+    {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        if (!m_timer.isActive()) {
+            const qint64 passed = m_since.isValid() ? m_since.elapsed() : FRAME_MS;
+            m_timer.start(static_cast<int>(qMax<qint64>(0, FRAME_MS - passed)));
+        }
+        return true;
+    }
+
+private:
+    QTimer m_timer;
+    QElapsedTimer m_since; // the last drawing
+};
+Drawer *drawer = nullptr; // set before the program starts, never taken away
+
+void DrawPanel(const VIEW_Panel &change)
+{
+    if ((change.mask & VIEW_PANEL_LOADED) && !QTV_LoadPanel(change.panel, change.parent))
+        return;
+    QTV_Panel *panel = QTV_FindPanel(change.panel);
+    if (!panel || !panel->window)
+        return;
+    PanelWindow *window = panel->window;
+    if (change.mask & VIEW_PANEL_TITLE) // Qt would take "[*]" for its mark of a changed file
+        window->setWindowTitle(QTV_ToQt(change.title).replace("[*]", "[*][*]"));
+    if (change.mask & VIEW_PANEL_SIZABLE)
+        window->setSizable(change.isSizable);
+    if (change.mask & VIEW_PANEL_SIZE)
+        window->resizeByProgram(QSize(change.rect.width, change.rect.height));
+    if (change.mask & VIEW_PANEL_PLACE)
+        window->placeByProgram(QPoint(change.rect.left, change.rect.top));
+    if (change.mask & VIEW_PANEL_VISIBLE)
+        window->setShown(change.isVisible);
+    if ((change.mask & VIEW_PANEL_RAISED) && window->isWindow()) {
+        window->raise();
+        window->activateWindow();
+    }
+}
+
+// After everything else: a control may have been made able to take the keyboard just now.
+void DrawFocus(const VIEW_Panel &change)
+{
+    const QTV_Control *control = QTV_FindControl(change.panel, change.focus);
+    if ((change.mask & VIEW_PANEL_FOCUS) && control && control->widget &&
+        control->widget->focusPolicy() != Qt::NoFocus)
+        control->widget->setFocus();
+}
+
+void DrawTextBox(const VIEW_TextBox &change)
+{
+    const QTV_Control *control = QTV_FindControl(change.panel, change.control);
+    auto *box = control ? qobject_cast<TextBox *>(control->widget) : nullptr;
+    if (!box)
+        return;
+    if (change.isReset)
+        box->resetText(QTV_ToQt(change.text));
+    else
+        box->appendText(QTV_ToQt(change.text));
+    if (change.dropped > 0)
+        box->dropLines(change.dropped);
+    if (change.firstVisible >= 0)
+        box->setFirstVisibleLine(change.firstVisible);
+}
+
+// Where the keyboard is, for the program's GetActiveCtrl.
+void ReportFocus(QWidget *, QWidget *now)
+{
+    const PanelWindow *window = PanelWindow::holding(now);
+    if (!window)
+        return;
+    const QTV_Control *control = QTV_ControlOf(now);
+    VIEW_Event event;
+    event.kind = VIEW_EVENT_FOCUS;
+    event.panel = window->record()->row->panel;
+    event.control = control ? control->row->control : 0;
+    QTV_Post(event);
+}
+
+void PostEnd()
+{
+    VIEW_Event event;
+    event.kind = VIEW_EVENT_END;
+    QTV_Post(event);
+}
+
+} // namespace
+
+int QTV_StartApplication(int *argc, char **argv)
+{
+    static int argumentCount; // Qt keeps a reference to it for the program's life
+    argumentCount = *argc;
+    const QtMessageHandler usual = qInstallMessageHandler(ReportNoScreen);
+    static QApplication *application = new QApplication(argumentCount, argv);
+    qInstallMessageHandler(usual);
+    *argc = argumentCount;
+    std::setlocale(LC_NUMERIC, "C"); // numbers in files and on the wire have a point
+    application->setApplicationName("Vireo2");
+    application->setQuitOnLastWindowClosed(false); // the program says when it ends
+    QObject::connect(application, &QApplication::focusChanged, ReportFocus);
+    QObject::connect(application, &QGuiApplication::commitDataRequest, application, PostEnd,
+                     Qt::DirectConnection);
+    LOOK_Apply();
+    QTV_InstallKeyRouting();
+    drawer = new Drawer(application);
+    auto *busyTimer = new QTimer(application);
+    QObject::connect(busyTimer, &QTimer::timeout, QTV_ShowBusy);
+    busyTimer->start(BUSY_LOOK_MS);
+    return 0;
+}
+
+bool QTV_IsDrawing()
+{
+    return isDrawing;
+}
+
+bool QTV_DrawChanges()
+{
+    VIEW_Batch batch;
+    if (!VIEW_Fetch(&batch))
+        return false;
+    QTV_Draw(batch);
+    return true;
+}
+
+void QTV_Draw(const VIEW_Batch &batch)
+{
+    isDrawing = true;
+    for (const VIEW_Panel &panel : batch.panels)
+        DrawPanel(panel);
+    for (const VIEW_MenuItem &item : batch.items)
+        QTV_DrawMenuItem(item);
+    for (const VIEW_List &list : batch.lists)
+        QTV_DrawList(list);
+    for (const VIEW_Control &control : batch.controls) // a ring's value after its entries
+        QTV_DrawControl(control);
+    for (const VIEW_TextBox &box : batch.boxes)
+        DrawTextBox(box);
+    for (const VIEW_Completion &completion : batch.completions)
+        QTV_DrawCompletion(completion);
+    for (const VIEW_Panel &panel : batch.panels)
+        DrawFocus(panel);
+    for (const VIEW_Progress &progress : batch.progress)
+        QTV_DrawProgress(progress);
+    if (batch.closedQuestion != 0)
+        QTV_CloseQuestion(batch.closedQuestion);
+    if (batch.question.id != 0)
+        QTV_OpenQuestion(batch.question);
+    if (batch.popupMenu != 0)
+        QTV_OpenPopupMenu(batch.popupMenu);
+    if (batch.hasClipboard)
+        QGuiApplication::clipboard()->setText(QTV_ToQt(batch.clipboard));
+    isDrawing = false;
+    if (batch.isEnded)
+        QCoreApplication::exit(batch.exitCode);
+}
+
+void QTV_ShowBusy()
+{
+    PanelWindow *main = QTV_MainWindow();
+    auto *label = main ? main->findChild<QLabel *>("busy") : nullptr;
+    if (!label)
+        return;
+    VIEW_Busy busy;
+    VIEW_GetBusy(&busy);
+    const uint32_t passedMs = PLT_TickMs() - busy.sinceMs;
+    QString text;
+    if (busy.isBusy && passedMs >= QTV_BUSY_MS) {
+        text = busy.text.empty() ? QString("working") : QTV_ToQt(busy.text);
+        if (passedMs >= SECONDS_FROM_MS)
+            text += QString(", %1 s").arg(passedMs / 1000);
+    }
+    if (label->text() != text)
+        label->setText(text);
+}
+
+void VIEW_Wake()
+{
+    if (drawer)
+        QCoreApplication::postEvent(drawer, new QEvent(QEvent::User));
+}
+
+int VIEW_Main(int argc, char **argv, int (*program)(int argc, char **argv))
+{
+    if (QTV_StartApplication(&argc, argv) < 0)
+        return -1;
+    int code = 0;
+    std::thread runner(
+        [&code, argc, argv, program] { code = VIEW_RunProgram(argc, argv, program); });
+    QApplication::exec();
+    runner.join();
+    return code;
+}

@@ -1,0 +1,76 @@
+// What the controls hold from the start, the keys they want, and what stops the program.
+#include "ui/ui_table.h"
+
+#include "ui/resource.h"
+
+const UI_RingEntry UI_aRingEntries[] = {
+    {PANEL_MAIN, MAIN_MEM_MODE, "C166", 0},
+    {PANEL_MAIN, MAIN_MEM_MODE, "TMS320", 1},
+};
+const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
+
+const UI_Number UI_aNumbers[] = {
+    {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},
+    {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
+};
+const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
+
+const UI_KeyRow UI_aKeys[] = {
+    {PANEL_MAIN, 0, KEY_F1, KEY_F1, true},
+    {PANEL_MAIN, 0, KEY_UP, KEY_DOWN, false}, // move the list's selection from anywhere
+    {PANEL_MAIN, 0, KEY_CTRL | 's', KEY_CTRL | 's', true},
+    {PANEL_MAIN, 0, KEY_CTRL | 'S', KEY_CTRL | 'S', true},
+
+    {PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC, KEY_TAB, true},
+    {PANEL_CONSOLE, CONSOLE_INPUT, KEY_UP, KEY_DOWN, true}, // earlier lines
+
+    {PANEL_ITEM, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_ITEM, WITEM_TYPE, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_ITEM, WITEM_SIZE, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_ITEM, WITEM_POSITION, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_ITEM, WITEM_OK, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_ITEM, WITEM_CANCEL, KEY_ENTER, KEY_ENTER, true},
+
+    {PANEL_VALUE, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_VALUE, VALUE_READ, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_VALUE, VALUE_WRITE, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_VALUE, VALUE_CLOSE, KEY_ENTER, KEY_ENTER, true},
+
+    {PANEL_MEMORY, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_MEMORY, MEMORY_READ, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_MEMORY, MEMORY_WRITE, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
+    {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
+
+    {PANEL_VAR_SELECTOR, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_VAR_SELECTOR, VARSEL_FILTER, KEY_DOWN, KEY_DOWN, true},
+    {PANEL_VAR_SELECTOR, VARSEL_LIST, ' ', '~', true}, // goes on typing in the filter
+    {PANEL_VAR_SELECTOR, VARSEL_LIST, KEY_BACKSPACE, KEY_BACKSPACE, true},
+    {PANEL_VAR_SELECTOR, VARSEL_LIST, KEY_UP, KEY_UP, false}, // from the first line to the filter
+
+    {PANEL_STRUCT_SELECTOR, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_STRUCT_SELECTOR, STRSEL_PATH, KEY_DOWN, KEY_DOWN, true},
+    {PANEL_STRUCT_SELECTOR, STRSEL_LIST, KEY_BACKSPACE, KEY_BACKSPACE, true},
+    {PANEL_STRUCT_SELECTOR, STRSEL_LIST, KEY_LEFT, KEY_RIGHT, true},
+};
+const int UI_cnKeys = sizeof UI_aKeys / sizeof UI_aKeys[0];
+
+const UI_Urgent UI_aUrgent[] = {
+    {PANEL_MAIN, MAIN_COMM, 0, 0},    // switched off
+    {PANEL_MAIN, 0, ITEM_CONNECT, 1}, // was on
+    {PANEL_MAIN, 0, ITEM_CLOSE_PORT, -1},
+    {PANEL_MAIN, 0, ITEM_EXIT, -1},
+    {PANEL_MAIN, 0, 0, -1}, // the main window is closed
+};
+const int UI_cnUrgent = sizeof UI_aUrgent / sizeof UI_aUrgent[0];
+
+const int UI_nPrintPanel = PANEL_CONSOLE;
+const int UI_nPrintControl = CONSOLE_BOX;
+
+const UI_KeyRow *UI_FindKey(int panel, int control, int key)
+{
+    for (const UI_KeyRow &row : UI_aKeys)
+        if (row.panel == panel && row.control == control && key >= row.first && key <= row.last)
+            return &row;
+    return nullptr;
+}
