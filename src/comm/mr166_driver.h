@@ -1,30 +1,63 @@
-// What the files of the mr166 link share among themselves: the two drivers as rows of a
-// table, and the hooks by which an exchange reports to the wire trace.
+// What the files of the mr166 link share among themselves: the two drivers as rows, one
+// exchange with its being in step, and the wire trace's hooks. Calls go one way: link (port,
+// blocks) to exchange to driver.
 #ifndef COMM_MR166_DRIVER_H
 #define COMM_MR166_DRIVER_H
 
 #include <cstddef>
 #include <cstdint>
 
+enum class Mr166_Ending {
+    COMPLETE,    // something came that may be the answer, in Mr166_abyRcv
+    WRONG_START, // its first character is no answer's, in Mr166_abyRcv
+    TIME_OUT,    // not in time; what came of it is in Mr166_abyRcv
+    GONE,        // the device is not there any more
+};
+
 struct Mr166_Driver {
     const char *name;
+    int badArgument;    // result of a message with one
+    bool isEchoSkipped; // whether the line may echo what is sent
     int (*open)(int port, int baud);
     void (*close)();
-    void (*dropQueues)(); // before a request: nothing old may be taken for its answer
-    int (*frameOut)();
-    bool (*isGone)(); // the open port's device is not there any more
+    void (*clearOutput)(); // before a request
+    int (*waiting)();      // bytes that have arrived; negative when the port is gone
+    int (*frameOut)();     // the send buffer; negative on failure
     // What has arrived, waiting up to `waitMs` for the first byte; negative when the port is gone.
     int (*readSome)(char *buffer, size_t capacity, unsigned waitMs);
-    int (*message)(int station, int command, uint32_t address, uint16_t word, const void *data);
+    // The answer of `expected` characters on a line that is in step. Sets cbRcv.
+    Mr166_Ending (*readAnswer)(size_t expected, bool *isEchoSeen);
 };
+extern const Mr166_Driver MR166_DRIVER_WIN32, MR166_DRIVER_RUNTIME;
 const Mr166_Driver &MrASC_Driver(); // the selected one
-int MrASC_PortNI();                 // port the run-time driver has open
 
-// Called only while TRC_isOn. An exchange is recorded when it is over; the request is in
-// the send buffer, the last-exchange fields are set.
-void MrTRC_Begin();
+// --- one exchange (mr166_exchange.cpp) ------------------------------------------------
+struct Mr166_Request {
+    int station, command;
+    uint32_t address;
+    uint16_t word; // count of commands 0 and 8, else the value sent
+    const void *data;
+};
+void MrEXC_Opened(); // whatever comes now answers nothing of ours
+// One try. The first one of a request proves the line to be in step where it must; up to
+// `probes` of them may stay unanswered. 1 answered, 0 failed, or the driver's badArgument.
+int MrEXC_FirstTry(const Mr166_Driver &driver, const Mr166_Request &request, int probes);
+// The same request again: an answer to any of its tries will do.
+int MrEXC_Repeat(const Mr166_Driver &driver, const Mr166_Request &request);
+bool MrEXC_WasSent();                 // whether the last first try came to sending its request
+uint32_t MrEXC_FailedProbes();        // since the program started
+uint32_t MrEXC_Surplus();             // changes when what was read lately must be read again
+bool MrEXC_IsProofDue(int station);   // something was read there and not proven since
+bool MrEXC_IsSuspicious(int station); // ... and it should be before it is used
+// Puts a proof behind everything read from the station. 0, negative: it was not answered.
+int MrEXC_ProveBehind(int station, int probes);
+void MrEXC_GiveUpProof(int station); // what was read there is not used
+
+// --- called only while TRC_isOn (mr166_trace.cpp) --------------------------------------
+// An exchange is recorded when it is over; its frame is in the send buffer.
+void MrTRC_Begin(const Mr166_Request &request, bool isProbe);
 void MrTRC_Received(const void *bytes, size_t count);
-void MrTRC_End(bool isAnswerChecked, bool isEchoSkipped);
+void MrTRC_End(bool isAnswerChecked, bool isEchoSeen);
 void MrTRC_Link(bool isOpening, int port, int baud, int result);
 
 #endif

@@ -163,29 +163,34 @@ int makeLFrm(int station, int command, uint32_t address, unsigned count, const v
     return 1;
 }
 
-int chkAnsFrm(int station, int command)
+int mr166CheckAnswer(const char *answer, size_t length, int station, int command)
 {
-    if (cbRcv < MR166_ANSWER_MIN_CHARS)
+    if (length < MR166_ANSWER_MIN_CHARS)
         return MR166_ERR_SHORT;
-    if (Mr166_abyRcv[0] != MR166_START_ANSWER)
+    if (answer[0] != MR166_START_ANSWER)
         return MR166_ERR_START;
-    if (Mr166_abyRcv[cbRcv - 1] != MR166_END)
+    if (answer[length - 1] != MR166_END)
         return MR166_ERR_END;
-    if (!chkHexArea(cbRcv - 2u, Mr166_abyRcv + 1))
+    if (!chkHexArea(length - 2, answer + 1))
         return MR166_ERR_HEX;
-    const auto checked = static_cast<uint16_t>(cbRcv - TAIL_CHARS);
-    if (getCRC16(Mr166_abyRcv, checked) != hexToWord(Mr166_abyRcv + checked))
+    const auto checked = static_cast<uint16_t>(length - TAIL_CHARS);
+    if (getCRC16(answer, checked) != hexToWord(answer + checked))
         return MR166_ERR_CHECK;
-    const int echoed = hexToByte(Mr166_abyRcv + 1);
+    const int echoed = hexToByte(answer + 1);
     if (echoed >> 4 != station)
         return MR166_ERR_STATION;
     if ((echoed & 15) != command)
         return MR166_ERR_COMMAND;
-    const int count = hexToByte(Mr166_abyRcv + ANSWER_COUNT);
+    const int count = hexToByte(answer + ANSWER_COUNT);
     if (count >= MR166_TARGET_ERROR_MIN)
         return -count;
-    if (cbRcv - MR166_ANSWER_MIN_CHARS != 2 * count)
-        return MR166_ERR_LENGTH;
+    return length == MR166_ANSWER_MIN_CHARS + 2u * static_cast<unsigned>(count) ? count
+                                                                                : MR166_ERR_LENGTH;
+}
+
+int chkAnsFrm(int station, int command)
+{
+    const int count = mr166CheckAnswer(Mr166_abyRcv, cbRcv, station, command);
     for (int i = 0; i < count; ++i)
         Mr166_abyRcvData[i] = hexToByte(Mr166_abyRcv + ANSWER_DATA + 2 * i);
     return count;

@@ -54,6 +54,9 @@ void makeSFrm(int station, int command, uint32_t address, uint16_t word);
 // 1; 0 when `count` is not 1 to 16 (nothing usable built).
 int makeLFrm(int station, int command, uint32_t address, unsigned count, const void *data);
 
+// Checks an answer of `length` characters against the request. Its count byte (0 to 64), or a
+// negative code above. Codes -6, -7 and -65 on are those of answers that are sound.
+int mr166CheckAnswer(const char *answer, size_t length, int station, int command);
 // Checks the answer buffer against the request. Number of data bytes (0 to 64) left in
 // Mr166_abyRcvData, or a negative code above.
 int chkAnsFrm(int station, int command);

@@ -22,10 +22,16 @@ enum {
     MR166_ERR_SET = -32,      // its settings could not be written
     MR166_ERR_PORT = -38,     // port number out of range
     // Finer causes, in Mr166_nFault only:
-    MR166_FAULT_GONE = -40,  // the device vanished during the exchange
-    MR166_FAULT_SEND = -41,  // the request could not be sent whole
-    MR166_FAULT_ECHO = -42,  // the request itself came back in place of an answer
-    MR166_FAULT_COUNT = -43, // a sound answer with another number of bytes than asked for
+    MR166_FAULT_GONE = -40,      // the device vanished during the exchange
+    MR166_FAULT_SEND = -41,      // the request could not be sent whole
+    MR166_FAULT_ECHO = -42,      // the request itself came back in place of an answer
+    MR166_FAULT_COUNT = -43,     // a sound answer with another number of bytes than asked for
+    MR166_FAULT_CANCELLED = -44, // the user broke off; also in nMr166Err
+    MR166_FAULT_SURPLUS = -45,   // answers come more than once: what was read proves nothing
+    MR166_FAULT_MISSING = -46,   // opening: no such device
+    MR166_FAULT_BUSY = -47,      // opening: another program has it
+    MR166_FAULT_ACCESS = -48,    // opening: no permission
+    MR166_FAULT_BAUD = -49,      // opening: the device does not do this baud rate
 };
 
 // wMr166State
@@ -54,6 +60,8 @@ extern uint16_t wMr166State;
 extern uint16_t cnRcvData;   // data bytes of the last answer
 extern int32_t Mr166_nFault; // like nMr166Err but set by every failure, and with finer causes
 
+extern bool Mr166_isEchoing; // Win32 driver: the last try read its own request
+
 // Counted since the program started and never reset here.
 extern uint32_t EC_dwMsgOk;   // answered correctly; stops at the maximum
 extern uint16_t EC_wTimeErr;  // not answered; wraps
@@ -70,11 +78,14 @@ void MrASC_Close();
 void MrASC_CloseWin32();
 void MrASC_CloseNI();
 int MrASC_IsOpened();
+bool MrASC_IsGone(); // the open port's device is not there any more
 
 // Sends the send buffer. Negative on failure.
 int MrFrameOut();
 
-// One exchange. 1 answered correctly, data in Mr166_abyRcvData; 0 failed, cause in
+// One exchange. When the line is not in step, a probe goes out first (see
+// docs/architecture.md), which is in the trace but not in the counters unless it fails like
+// a try. 1 answered correctly, data in Mr166_abyRcvData; 0 failed, cause in
 // nMr166Err. The run-time driver answers a bad station, command or write count with
 // MR166_ERR_ARGUMENT. `word` is the count for commands 0 and 8, else the value sent;
 // `data` is read for command 8 only.
@@ -84,9 +95,16 @@ int mr166MessageNI(int station, int command, uint32_t address, uint16_t word, co
 // One request whose answer, if any, is not looked at. 1 sent, 0 not, MR166_ERR_ARGUMENT.
 int Mr166MessageW32NA(int station, int command, uint32_t address, uint16_t word, const void *data);
 
-// Whole transfers in blocks, each tried Mr166_CnBlkRpt + 1 times. 0, or -1.
+// Whole transfers in blocks, each tried Mr166_CnBlkRpt + 1 times. 0, or -1. A read of
+// several blocks, or one on a suspicious line, is proven behind its last block and read
+// again when it must; any other waits for Mr166_Prove.
 int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer);
 int Mr166_Write(int station, uint32_t address, uint32_t count, const void *data);
+// Proves whatever was read since the last call: 0 all of it is good; MR166_READ_AGAIN more
+// answers came than were asked for, so any of it may be a neighbour's; -1 no proof was to
+// be had. One exchange for each station that was read since its last proof.
+constexpr int MR166_READ_AGAIN = -2;
+int Mr166_Prove();
 // One block a call, the three values advanced by it. 1 complete, 0 more remains, -1 failed.
 // A count that is a multiple of the block size needs one more call, for no bytes: reading
 // none succeeds when the target answers, writing none fails.

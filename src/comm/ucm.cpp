@@ -2,7 +2,9 @@
 #include "comm/ucm.h"
 
 #include "comm/failures.h"
+#include "comm/in_step.h"
 #include "comm/ucm_protocol.h"
+#include "platform/serial.h"
 
 #include <algorithm>
 #include <iterator>
@@ -121,6 +123,31 @@ int UCM_IsOpened()
 bool UCM_IsGone()
 {
     return UCM_recS.opened && Current()->isGone();
+}
+
+std::string UCM_PortName(int port)
+{
+    return "COM" + std::to_string(port) + " (" + SER_DevicePath(port) + ")";
+}
+
+int UCM_Prove()
+{
+    const UCM_Protocol *protocol = Current();
+    isRefused = false;
+    return protocol != nullptr ? protocol->prove() : UCM_PROVEN;
+}
+
+bool UCM_IsEchoing()
+{
+    return Current() != nullptr && Current()->isEchoing();
+}
+
+void UCM_SetListener(const UCM_Listener &listener)
+{
+    STEP_Listener wanted;
+    wanted.isBreak = listener.isBreak;
+    wanted.waiting = listener.waiting;
+    STEP_SetListener(wanted);
 }
 
 int UCM_UseWin32(int flag)

@@ -33,7 +33,37 @@ int UCM_IsOpened();
 bool UCM_IsGone(); // the open port is not there any more: unplugged
 int UCM_UseWin32(int flag);
 
+// The name of a port for a message: "COM3 (/dev/ttyS2)".
+std::string UCM_PortName(int port);
+
+// What a value read is worth. Equipment on the line may repeat answers, and then a value may
+// be a neighbour's. Proof comes behind the reads: show, save and compare what was read only
+// when UCM_Prove says so, at the end of a sweep, of a transfer or of a command, and at least
+// once a second while sampling. A UCM_Read of more than one block (64 bytes with mr166)
+// proves itself, as does any read on a line where something odd was seen in the last
+// ten seconds and the first one of each second; a single value otherwise waits for this.
+// One exchange for each station read since its last proof, nothing when there is none.
+enum {
+    UCM_PROVEN = 0,      // what was read since the last call is good
+    UCM_NOT_PROVEN = -1, // no proof to be had: none of it may be shown; UCM_LastErrorText
+    UCM_READ_AGAIN = -2  // more answers came than were asked for: read all of it again
+};
+int UCM_Prove();
+// The last try read its own request back: the line echoes, the driver cannot skip that.
+bool UCM_IsEchoing();
+
+// Who is asked and told while the link works; all of it on the caller's thread, inside of the
+// call. Entries may be null. Neither may use the link.
+struct UCM_Listener {
+    // Asked before every try: true ends the transfer with the reason "cancelled".
+    bool (*isBreak)() = nullptr;
+    // Told before an exchange with another station than the last, or after a failed one.
+    void (*waiting)(int station) = nullptr;
+};
+void UCM_SetListener(const UCM_Listener &listener);
+
 // Whole transfers. `count` bytes at a target byte address; target byte order.
+// A write that is reported as done was acknowledged, and not by an older answer.
 int UCM_Read(int station, uint32_t address, uint32_t count, void *buffer);
 int UCM_Write(int station, uint32_t address, uint32_t count, const void *data);
 

@@ -47,6 +47,16 @@ int Message(int, int, uint32_t, uint16_t, const void *)
     return 0;
 }
 
+int Prove()
+{
+    return 0;
+}
+
+bool IsEchoing()
+{
+    return false;
+}
+
 std::string LastErrorText()
 {
     return "Modbus is not available";
@@ -64,6 +74,6 @@ void AddCounts(UCM_Statistics *)
 } // namespace
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,     SLAVE_MIN, SLAVE_MAX, Open,    Close,   IsOpened,      nullptr,   Read,
-    Write, ReadBg,    WriteBg,   Message, nullptr, LastErrorText, AddCounts, IsGone,
+    2,      SLAVE_MIN, SLAVE_MAX, Open,    Close, IsOpened,  nullptr,       Read,      Write,
+    ReadBg, WriteBg,   Message,   nullptr, Prove, IsEchoing, LastErrorText, AddCounts, IsGone,
 };

@@ -1,5 +1,4 @@
 // The mr166 link as a protocol of the unified layer.
-#include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
@@ -73,9 +72,15 @@ std::string LastErrorText()
     return Mr166_nFault == 0 ? std::string() : MrASC_ErrorText(Mr166_nFault);
 }
 
-bool IsGone()
+int Prove()
 {
-    return MrASC_Driver().isGone();
+    TakeTries();
+    return Mr166_Prove();
+}
+
+bool IsEchoing()
+{
+    return Mr166_isEchoing;
 }
 
 void AddCounts(UCM_Statistics *statistics)
@@ -89,6 +94,22 @@ void AddCounts(UCM_Statistics *statistics)
 } // namespace
 
 const UCM_Protocol UCM_PROTOCOL_MR166 = {
-    1,     0,      STATION_MAX, Open,    MrASC_Close,     MrASC_IsOpened, UseWin32,  Read,
-    Write, ReadBg, WriteBg,     Message, MessageNoAnswer, LastErrorText,  AddCounts, IsGone,
+    1,
+    0,
+    STATION_MAX,
+    Open,
+    MrASC_Close,
+    MrASC_IsOpened,
+    UseWin32,
+    Read,
+    Write,
+    ReadBg,
+    WriteBg,
+    Message,
+    MessageNoAnswer,
+    Prove,
+    IsEchoing,
+    LastErrorText,
+    AddCounts,
+    MrASC_IsGone,
 };

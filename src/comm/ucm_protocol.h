@@ -23,6 +23,8 @@ struct UCM_Protocol {
     // The same without awaiting an answer; null: the protocol has no such thing.
     int (*messageNoAnswer)(int station, int command, uint32_t address, uint16_t word,
                            const void *data);
+    int (*prove)();                                // as UCM_Prove
+    bool (*isEchoing)();                           // as UCM_IsEchoing
     std::string (*lastErrorText)();                // "" when the last exchange did not fail
     void (*addCounts)(UCM_Statistics *statistics); // since the program started
     bool (*isGone)();                              // the open port was unplugged

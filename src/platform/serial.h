@@ -19,6 +19,16 @@ enum SER_Result {
     SER_ERR_IO = -4,   // the device is gone or broken
 };
 
+// Why the last SER_Open or SER_Configure failed, finer than its result.
+enum SER_Why {
+    SER_WHY_OTHER,
+    SER_WHY_MISSING, // no such device
+    SER_WHY_BUSY,    // somebody else has it
+    SER_WHY_ACCESS,  // no permission to use it
+    SER_WHY_BAUD,    // it does not do the baud rate
+};
+SER_Why SER_LastReason();
+
 struct SER_Settings {
     uint32_t baud = 19200;
     int dataBits = 8;  // 5 to 8

@@ -33,6 +33,7 @@ struct Port {
     unsigned readTotalMs = 0, writeTotalMs = 0;
 };
 Port ports[PORTS_MAX];
+SER_Why lastReason = SER_WHY_OTHER;
 
 struct BaudCode {
     uint32_t baud;
@@ -201,7 +202,34 @@ void SetLine(int fd, int line, bool on)
     (void)ioctl(fd, on ? TIOCMBIS : TIOCMBIC, &line);
 }
 
+// A number without a device, a device that is unplugged and one that is no serial port are
+// the same to a user: there is no such port.
+SER_Why WhyNotOpened(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ENODEV:
+    case ENXIO:
+    case ENOTTY:
+    case EIO:
+        return SER_WHY_MISSING;
+    case EBUSY:
+    case EWOULDBLOCK:
+        return SER_WHY_BUSY;
+    case EACCES:
+    case EPERM:
+        return SER_WHY_ACCESS;
+    default:
+        return SER_WHY_OTHER;
+    }
+}
+
 } // namespace
+
+SER_Why SER_LastReason()
+{
+    return lastReason;
+}
 
 std::string SER_DevicePath(int port)
 {
@@ -220,13 +248,16 @@ std::string SER_DevicePath(int port)
 int SER_Open(int port, SER_Handle *handle)
 {
     *handle = SER_INVALID;
+    lastReason = SER_WHY_OTHER;
     int slot = 0;
     while (slot < PORTS_MAX && ports[slot].fd >= 0)
         ++slot;
     if (slot == PORTS_MAX)
         return SER_ERR_OPEN;
     Port fresh;
+    errno = 0;
     if (!OpenDevice(SER_DevicePath(port), &fresh) || !LockDevice(&fresh)) {
+        lastReason = WhyNotOpened(errno);
         CloseBoth(fresh);
         return SER_ERR_OPEN;
     }
@@ -242,7 +273,8 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     if (port == nullptr || tcgetattr(port->fd, &tio) != 0)
         return SER_ERR_GET;
     speed_t code = B0;
-    if (!AreSettingsValid(settings) || !FindBaud(settings.baud, &code))
+    lastReason = FindBaud(settings.baud, &code) ? SER_WHY_OTHER : SER_WHY_BAUD;
+    if (!AreSettingsValid(settings) || code == B0)
         return SER_ERR_SET;
     SetFrame(&tio, settings);
     if (cfsetispeed(&tio, code) != 0 || cfsetospeed(&tio, code) != 0 ||
@@ -250,8 +282,10 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
         return SER_ERR_SET;
     // Setting succeeds when any part of it did: the speed is the part that must not differ.
     struct termios now;
-    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code)
+    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code) {
+        lastReason = SER_WHY_BAUD;
         return SER_ERR_SET;
+    }
     port->terminalMs = 0;
     SetLine(port->fd, TIOCM_DTR, settings.dtr);
     SetLine(port->fd, TIOCM_RTS, settings.rts);

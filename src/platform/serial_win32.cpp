@@ -20,6 +20,7 @@ struct Timeouts {
     DWORD readNowMs = 0; // what the driver has at the moment
 };
 Timeouts timeouts[PORTS_MAX];
+SER_Why lastReason = SER_WHY_OTHER;
 
 HANDLE ToHandle(SER_Handle handle)
 {
@@ -88,7 +89,28 @@ void FillControlBlock(DCB *dcb, const SER_Settings &settings)
     dcb->EvtChar = 0;
 }
 
+// The system refuses a port that is in use with "access denied", like one without permission;
+// on a desktop it is practically always the former.
+SER_Why WhyNotOpened(DWORD error)
+{
+    switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+        return SER_WHY_MISSING;
+    case ERROR_ACCESS_DENIED:
+    case ERROR_SHARING_VIOLATION:
+        return SER_WHY_BUSY;
+    default:
+        return SER_WHY_OTHER;
+    }
+}
+
 } // namespace
+
+SER_Why SER_LastReason()
+{
+    return lastReason;
+}
 
 std::string SER_DevicePath(int port)
 {
@@ -98,13 +120,16 @@ std::string SER_DevicePath(int port)
 int SER_Open(int port, SER_Handle *handle)
 {
     *handle = SER_INVALID;
+    lastReason = SER_WHY_OTHER;
     Timeouts *entry = FindTimeouts(SER_INVALID);
     if (entry == nullptr)
         return SER_ERR_OPEN;
     const HANDLE device = CreateFileA(SER_DevicePath(port).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
-    if (device == INVALID_HANDLE_VALUE)
+    if (device == INVALID_HANDLE_VALUE) {
+        lastReason = WhyNotOpened(GetLastError());
         return SER_ERR_OPEN;
+    }
     *handle = reinterpret_cast<SER_Handle>(device);
     *entry = Timeouts();
     entry->handle = *handle;
@@ -120,7 +145,11 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     if (handle == SER_INVALID || !GetCommState(ToHandle(handle), &dcb))
         return SER_ERR_GET;
     FillControlBlock(&dcb, settings);
-    return SetCommState(ToHandle(handle), &dcb) ? SER_OK : SER_ERR_SET;
+    if (SetCommState(ToHandle(handle), &dcb))
+        return SER_OK;
+    // The system does not say which setting it was; the frame is one that every port does.
+    lastReason = SER_WHY_BAUD;
+    return SER_ERR_SET;
 }
 
 int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)

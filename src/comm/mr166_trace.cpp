@@ -31,11 +31,18 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {MR166_ERR_PORT, "bad port number"},
     {MR166_FAULT_GONE, "port is gone"},
     {MR166_FAULT_SEND, "request could not be sent"},
-    {MR166_FAULT_ECHO, "echo of the request in place of an answer"},
+    {MR166_FAULT_ECHO, "The line echoes what is sent: switch Win32 services off."},
     {MR166_FAULT_COUNT, "answer has another number of bytes than asked for"},
+    {MR166_FAULT_CANCELLED, "cancelled"},
+    {MR166_FAULT_SURPLUS, "answers come more than once"},
+    {MR166_FAULT_MISSING, "port is not available: no such device"},
+    {MR166_FAULT_BUSY, "port is not available: another program has it"},
+    {MR166_FAULT_ACCESS, "port is not available: no permission to use it"},
+    {MR166_FAULT_BAUD, "baud rate is not supported by the device"},
 };
 
-TRC_Record current; // the exchange being recorded
+TRC_Record current;        // the exchange being recorded
+bool isAnswerShown = true; // a probe's bytes are of no interest
 
 std::string HexList(const uint8_t *bytes, size_t count)
 {
@@ -59,12 +66,17 @@ std::string WrittenData()
     return HexList(bytes, count);
 }
 
-std::string DescribeRequest()
+std::string DescribeRequest(const Mr166_Request &request, bool isProbe)
 {
-    const unsigned station = Mr166_byStNo, command = Mr166_byCmd, word = Mr166_wData;
-    const auto address = static_cast<unsigned>(Mr166_dwAddr);
+    const auto station = static_cast<unsigned>(request.station);
+    const auto command = static_cast<unsigned>(request.command);
+    const auto address = static_cast<unsigned>(request.address);
+    const unsigned word = request.word;
     char text[96];
-    if (command == MR166_CMD_READ) {
+    if (isProbe) {
+        std::snprintf(text, sizeof text, "station %u: is it in step? read %u bytes at 0x%06X",
+                      station, word, address);
+    } else if (command == MR166_CMD_READ) {
         std::snprintf(text, sizeof text, "station %u: read %u bytes at 0x%06X", station, word,
                       address);
     } else if (command == MR166_CMD_WRITE) {
@@ -90,11 +102,12 @@ std::string MrASC_ErrorText(int code)
     return "error " + std::to_string(code);
 }
 
-void MrTRC_Begin()
+void MrTRC_Begin(const Mr166_Request &request, bool isProbe)
 {
     current = TRC_Record();
     PLT_LocalTime(&current.when);
-    current.request = DescribeRequest();
+    current.request = DescribeRequest(request, isProbe);
+    isAnswerShown = !isProbe;
     TRC_Append(&current.sent, Mr166_abySnd, cbSnd);
     current.startUs = PLT_TickUs();
 }
@@ -104,14 +117,14 @@ void MrTRC_Received(const void *bytes, size_t count)
     TRC_Append(&current.received, bytes, count);
 }
 
-void MrTRC_End(bool isAnswerChecked, bool isEchoSkipped)
+void MrTRC_End(bool isAnswerChecked, bool isEchoSeen)
 {
     current.durationUs = static_cast<uint32_t>(PLT_TickUs() - current.startUs);
     current.isGood = !isAnswerChecked || Mr166_nFault == 0;
     current.result = isAnswerChecked ? MrASC_ErrorText(Mr166_nFault) : "sent, answer not checked";
-    if (isEchoSkipped)
+    if (isEchoSeen)
         current.result += " (echo of the request seen)";
-    if (isAnswerChecked && current.isGood && cnRcvData > 0)
+    if (isAnswerChecked && isAnswerShown && current.isGood && cnRcvData > 0)
         current.answer = HexList(Mr166_abyRcvData, cnRcvData);
     TRC_Add(current);
 }

@@ -1,0 +1,93 @@
+// The Win32 driver of the mr166 link: one write and one bounded read of the whole expected
+// answer. It cannot tell an echo from an answer, so an echoing line gives no value here.
+#include "comm/mr166_driver.h"
+#include "comm/mr166_link.h"
+#include "comm/trace.h"
+
+SER_Handle MR166_hCom = SER_INVALID;
+
+namespace {
+
+constexpr int PORT_MAX = 255;
+constexpr int DATA_BITS = 8, STOP_BITS = 2;
+
+int Configure(int baud)
+{
+    SER_Settings settings;
+    settings.baud = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
+    settings.dataBits = DATA_BITS;
+    settings.stopBits = STOP_BITS;
+    switch (SER_Configure(MR166_hCom, settings)) {
+    case SER_OK:
+        return 0;
+    case SER_ERR_GET:
+        return MR166_ERR_GET;
+    default:
+        return MR166_ERR_SET;
+    }
+}
+
+void ClearOutput()
+{
+    SER_FlushOutput(MR166_hCom);
+}
+
+int Waiting()
+{
+    return SER_BytesWaiting(MR166_hCom);
+}
+
+int FrameOut()
+{
+    if (!wMrOpenFlag)
+        return -1;
+    return SER_Write(MR166_hCom, Mr166_abySnd, cbSnd) == cbSnd ? 0 : -1;
+}
+
+int ReadSome(char *buffer, size_t capacity, unsigned waitMs)
+{
+    return SER_ReadSome(MR166_hCom, buffer, capacity, waitMs);
+}
+
+Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
+{
+    const int got = SER_Read(MR166_hCom, Mr166_abyRcv, expected);
+    cbRcv = static_cast<uint16_t>(got > 0 ? got : 0);
+    if (got <= 0)
+        return got < 0 ? Mr166_Ending::GONE : Mr166_Ending::TIME_OUT;
+    if (TRC_isOn)
+        MrTRC_Received(Mr166_abyRcv, cbRcv);
+    return Mr166_Ending::COMPLETE;
+}
+
+} // namespace
+
+const Mr166_Driver MR166_DRIVER_WIN32 = {
+    "Win32 driver", 0,       false,    MrASC_OpenWin32, MrASC_CloseWin32,
+    ClearOutput,    Waiting, FrameOut, ReadSome,        ReadAnswer,
+};
+
+int MrASC_OpenWin32(int port, int baud)
+{
+    if (wMrOpenFlag)
+        MrASC_Close();
+    if (port < 0 || port > PORT_MAX)
+        return MR166_ERR_PORT;
+    if (SER_Open(port, &MR166_hCom) != SER_OK)
+        return MR166_ERR_OPEN;
+    const int result = Configure(baud);
+    if (result != 0) {
+        MrASC_CloseWin32();
+        return result;
+    }
+    SER_SetTimeouts(MR166_hCom, Mr166_nTimeoutMs, Mr166_nTimeoutMs);
+    wMrOpenFlag = 1;
+    return 0;
+}
+
+void MrASC_CloseWin32()
+{
+    wMrOpenFlag = 0;
+    SER_Close(MR166_hCom);
+    MR166_hCom = SER_INVALID;
+}
