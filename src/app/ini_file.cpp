@@ -18,6 +18,7 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
+#include "watch/list/refresh.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
@@ -26,6 +27,8 @@ namespace {
 constexpr size_t LINE_MAX_CHARS = 511;
 constexpr int FIELDS_MAX = 3;
 constexpr int RECENT_READ_MAX = 8; // one more only ever takes the ninth place, uncounted
+
+const char RATE_FAST[] = "fast";     // sweeps a second: as the line allows
 
 std::string iniPath; // read at start, written at shutdown
 
@@ -158,6 +161,15 @@ void ReadFullCommands(const std::string &, const std::string &)
     VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
+void ReadSweepRate(const std::string &, const std::string &value)
+{
+    const int32_t rate = ToNumber(value);
+    if (value == RATE_FAST)
+        Option_nSweepRate = 0;
+    else if (rate > 0 && RFR_IsRate(rate))
+        Option_nSweepRate = rate;
+}
+
 // Shown once the window is there.
 void ReadView(const std::string &, const std::string &value)
 {
@@ -177,7 +189,7 @@ constexpr Key KEYS[] = {
     {"d#", true, ReadRecent},    {"b", false, ReadBaud},
     {"p", false, ReadPort},      {"s", false, ReadStation},
     {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
-    {"view", false, ReadView},
+    {"view", false, ReadView},   {"rate", false, ReadSweepRate},
 };
 
 const Key *FindKey(const std::string &text)
@@ -266,6 +278,9 @@ void WriteSettings(std::FILE *file)
         std::fputs("full\n", file);
     if (VR_isWatchView)
         std::fputs("view, watch\n", file);
+    if (Option_nSweepRate != 1)
+        WriteWord(file, "rate",
+                  Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate).c_str());
 }
 
 } // namespace

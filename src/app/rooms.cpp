@@ -9,6 +9,7 @@
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/name_changes.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
@@ -21,6 +22,7 @@ int progressDialog = -1;
 void BeginRun()
 {
     RFR_BeginSweep();
+    AGE_EndRun(); // perhaps another port, and another target on it
     nErrors = 0;
 }
 

@@ -173,6 +173,7 @@ enum {
     MENU_WINDOW = 10,
     MENU_HELP = 11,
     MENU_CONSOLE = 12,
+    MENU_RATE = 16,
 };
 
 // Menu items; a name space of their own.
@@ -203,7 +204,11 @@ enum {
     ITEM_AUTO_OFF = 69,
     ITEM_COM_WIN32 = 70,
     ITEM_FULL_COMMANDS = 71, // every console command is admitted
-    ITEM_UNDO = 73,         // undo of the last removal; nothing to undo at start
+    ITEM_UNDO = 73,         // of an edit of the list; nothing to undo at start
+    ITEM_REDO = 110,
+    ITEM_OTHER_BASE = 111,  // the selected lines in hexadecimal or decimal
+    ITEM_RATE_FIRST = 240,  // sweeps a second: 1, 2, 5, 10, as fast as the line allows
+    ITEM_RATE_LAST = 244,
     ITEM_WATCH_VIEW = 74,
     ITEM_CONSOLE_VIEW = 75,
     ITEM_STATISTICS = 76,

@@ -38,7 +38,7 @@ protected:
         IsDBGChange = isTimer = 0;
         szDebugFileName.clear();
         nDebugFileNames = 0;
-        EDT_ForgetUndo();
+        EDT_ForgetEdits();
         Procesor = CPU_C166;
         Option_AutoOff = 1;
         STATION = 1;

@@ -39,7 +39,7 @@ int LoadAsCurrent(const std::string &path)
     }
     szDebugFileName = path;
     IsDBGChange = 0;
-    EDT_ForgetUndo();
+    EDT_ForgetEdits();
     SetMainPanelTitle();
     return 0;
 }

@@ -61,20 +61,22 @@ void LIT_Resolve(LItem *item)
         Resolve(item, aVarTMSNode, nTMSNodes);
 }
 
+void LIT_ResolveAnew(LItem *item)
+{
+    const uint32_t before = item->address;
+    item->address = item->givenAddress;
+    item->explicitAddress = item->address != LITEM_NO_ADDRESS && !IsAnonymous(*item);
+    LIT_Resolve(item);
+    const bool isSamePlace = item->address == before;
+    item->isValueGood &= isSamePlace;
+    item->isHeld &= isSamePlace;
+}
+
 void LIT_ResolveAll(bool isTMS)
 {
-    for (int i = 0; i < nLItems; ++i) {
-        LItem &item = aLItems[i];
-        if (LIT_IsTMS(item) != isTMS)
-            continue;
-        const uint32_t before = item.address;
-        item.address = item.givenAddress;
-        item.explicitAddress = item.address != LITEM_NO_ADDRESS && !IsAnonymous(item);
-        LIT_Resolve(&item);
-        const bool isSamePlace = item.address == before;
-        item.isValueGood &= isSamePlace;
-        item.isHeld &= isSamePlace;
-    }
+    for (int i = 0; i < nLItems; ++i)
+        if (LIT_IsTMS(aLItems[i]) == isTMS)
+            LIT_ResolveAnew(&aLItems[i]);
 }
 
 void completeLItems(const VarNode *nodes, int count)

@@ -61,6 +61,9 @@ void completeLItems(const struct VarNode *nodes, int count);
 void completeTMSLItems(const struct VarNode *nodes, int count);
 // Resolves one item against every table that is loaded and meant for it.
 void LIT_Resolve(LItem *item);
+// The same from the start, as if the item had just been loaded: a name that the tables no
+// longer know loses the address it had from them, and its value with it.
+void LIT_ResolveAnew(LItem *item);
 // Looks up every C166 (or every TMS320) item as if its list had just been loaded: a name
 // that the tables no longer know loses the address it had from them.
 void LIT_ResolveAll(bool isTMS);

@@ -13,7 +13,6 @@
 namespace {
 
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
-constexpr int PROOF_ROUNDS_MAX = 3;  // reads of the same items before giving up
 constexpr int ITEMS_PER_PROOF = 32;  // of a read of the whole list: about a second's worth
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
@@ -109,12 +108,6 @@ std::vector<int> FailHeld(const std::string &reason)
     return held;
 }
 
-std::string WhyUnproven(int proof)
-{
-    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
-    return cause.empty() ? NO_PROOF : cause;
-}
-
 // As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
 // were told to read again concerns that reading too.
 int ProveLine()
@@ -179,7 +172,7 @@ std::vector<int> RDI_Prove()
 {
     std::vector<int> failed;
     int result = UCM_PROVEN;
-    for (int round = 0; round < PROOF_ROUNDS_MAX; ++round) {
+    for (int round = 0; round < RDI_ROUNDS_MAX; ++round) {
         const std::vector<int> held = HeldItems();
         if (held.empty())
             return failed;
@@ -195,7 +188,7 @@ std::vector<int> RDI_Prove()
             if (readValues(index) != 0)
                 failed.push_back(index);
     }
-    const std::vector<int> unproven = FailHeld(WhyUnproven(result));
+    const std::vector<int> unproven = FailHeld(RDI_WhyUnproven(result));
     failed.insert(failed.end(), unproven.begin(), unproven.end());
     return failed;
 }
@@ -214,7 +207,7 @@ int RDI_ReadNow(int index)
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
 {
     int result = UCM_READ_AGAIN;
-    for (int round = 0; round < PROOF_ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
+    for (int round = 0; round < RDI_ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
         if (UCM_Read(station, address, count, buffer) < 0) {
             *cause = UCM_LastErrorText();
             return -1;
@@ -222,8 +215,14 @@ int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, s
         result = UCM_Prove();
     }
     if (result != UCM_PROVEN)
-        *cause = WhyUnproven(result);
+        *cause = RDI_WhyUnproven(result);
     return result == UCM_PROVEN ? 0 : -1;
+}
+
+std::string RDI_WhyUnproven(int proof)
+{
+    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
+    return cause.empty() ? NO_PROOF : cause;
 }
 
 void RDI_DropHeld()

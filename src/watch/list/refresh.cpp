@@ -15,6 +15,7 @@
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
 #include "watch/windows/mem_box.h"
+#include "watch/windows/value_panel.h"
 
 int UpdItem = 0;
 int eTMS = 0;
@@ -129,6 +130,7 @@ void NoticePause()
         return;
     AGE_EndRun();
     LSV_ShowValues();
+    MBX_ShowOld();
 }
 
 } // namespace
@@ -165,14 +167,16 @@ void RFR_ShowCommunication()
     SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
     SetCtrlAttribute(mainPanel, MAIN_STOPPED, ATTR_VISIBLE, isTimer == 0);
     SetCtrlAttribute(mainPanel, MAIN_STATUS, ATTR_VISIBLE, isTimer != 0);
-    if (isTimer != 0)
-        return;
-    SetCtrlVal(mainPanel, MAIN_STATUS, ""); // nothing runs and nothing fails now
-    RDI_DropHeld();
-    AGE_EndRun();
+    if (isTimer == 0) { // whatever switched it off, nothing runs and nothing fails now
+        SetCtrlVal(mainPanel, MAIN_STATUS, "");
+        RDI_DropHeld();
+        AGE_EndRun();
+    }
+    // Also for another station, from which nothing has been read yet.
     if (readLItems)
         LSV_ShowValues();
     MBX_ShowOld();
+    VLP_Refresh();
 }
 
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)

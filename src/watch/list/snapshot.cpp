@@ -4,6 +4,8 @@
 #include <cstdio>
 
 #include "platform/safe_file.h"
+#include "text/words.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -27,22 +29,20 @@ std::string TypeOf(const LItem &item)
 std::string ValueOf(const LItem &item)
 {
     std::string text;
-    if (item.isValueGood)
+    if (LIT_HasNumber(item))
         FormatLItemVal(&text, item);
-    const size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin);
+    return WRD_Trim(text);
 }
 
 std::string RawOf(const LItem &item)
 {
-    const uint64_t raw = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    return item.isValueGood ? std::to_string(raw) : "";
+    return item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
 }
 
 std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
-        return "ok";
+        return AGE_IsOld(item) ? AGE_Tip(item) : "ok";
     return item.reason.empty() ? "not read" : item.reason;
 }
 
@@ -53,23 +53,13 @@ std::string OneLine(std::string text)
     return text;
 }
 
-std::string Quoted(const std::string &text)
-{
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
-    std::string result = "\"";
-    for (const char c : text)
-        result += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return result + '"';
-}
-
 } // namespace
 
-std::string SNP_Text()
+std::string SNP_Text(const std::vector<int> &lines)
 {
     std::string text = "Name\tAddress\tType\tValue\tState\n";
-    for (int i = 0; i < nLItems; ++i) {
-        const LItem &item = aLItems[i];
+    for (const int index : lines) {
+        const LItem &item = aLItems[index];
         text += OneLine(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
                 ValueOf(item) + '\t' + OneLine(StateOf(item)) + '\n';
     }
@@ -81,9 +71,9 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        text += Quoted(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + Quoted(ValueOf(item)) + ',' + RawOf(item) + ',' +
-                Quoted(StateOf(item)) + "\r\n";
+        text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) + ',' +
+                WRD_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }

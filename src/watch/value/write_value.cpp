@@ -29,8 +29,7 @@ int WriteC166(const LItem &item, uint64_t bits)
     uint8_t bytes[8];
     const int count = BytesToWrite(item);
     BYT_PutLittle(bytes, static_cast<size_t>(count), bits);
-    const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
-    const int station = hasStation ? item.station : STATION;
+    const int station = LIT_Station(item);
     if (count == 8)
         return UCM_Write(station, item.address, 8, bytes) < 0 ? WRV_ERR_WRITE : WRV_OK;
     const int result =
@@ -83,8 +82,7 @@ std::string HeldText(const LItem &item)
 // Whether the value just read is the one that was written.
 bool IsHeld(const LItem &item, uint64_t bits)
 {
-    const uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    return (held & MaskOfWritten(item)) == bits;
+    return (LIT_Bits(item) & MaskOfWritten(item)) == bits;
 }
 
 } // namespace
@@ -124,7 +122,7 @@ int WRV_Write(int index, const std::string &text, std::string *message)
         result = WriteBits(item, bits, message);
     if (result != WRV_OK)
         return result;
-    const int readResult = readValues(index);
+    const int readResult = RDI_ReadNow(index);
     if (readLItems)
         LSV_ShowValues();
     if (readResult != 0) {
