@@ -316,7 +316,7 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     EDT_Remove(2);
     EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "The item is no longer in the watch list.");
     EXPECT_EQ(HL_CommitControl(PANEL_VALUE, VALUE_WRITE), HL_DIMMED);
-    EDT_UndoRemove();
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
     EXPECT_FALSE(UiAttribute(PANEL_VALUE, VALUE_WRITE, ATTR_DIMMED));
     EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "");
     EXPECT_EQ(HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC), 1);
