@@ -55,9 +55,9 @@ void walkDirectory(const uint8_t *data, size_t size)
 void readVarMap(const std::string &content)
 {
     const int handle = FLASH_OpenVarMap("map", content);
-    std::vector<FlashVariable> variables;
+    std::vector<VRN_Symbol> variables;
     if (handle >= 0 && FLASH_ParseVarMap(handle, &variables) == 0) {
-        for (const FlashVariable &variable : variables)
+        for (const VRN_Symbol &variable : variables)
             require(variable.address < 0x1000000 && !variable.name.empty());
     }
     TXFRW_Close(handle);

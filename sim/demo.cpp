@@ -1,5 +1,7 @@
 #include "demo.h"
 
+#include "datalog.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
@@ -54,7 +56,9 @@ constexpr uint32_t F28_TORQUE = F28_BEGIN + 8;
 constexpr uint32_t F28_MOTORS = F28_BEGIN + 0x10; // two, MOTOR_SIZE apart
 constexpr uint32_t F28_TRACE = F28_BEGIN + 0x30;
 constexpr uint32_t F28_TRACE_POINTS = 64;
-constexpr uint32_t F28_END = F28_TRACE + 2 * F28_TRACE_POINTS;
+constexpr uint32_t F28_PHASES = F28_TRACE + 2 * F28_TRACE_POINTS; // three words
+constexpr uint32_t F28_BUS = F28_PHASES + 8;                      // float
+constexpr uint32_t F28_END = F28_BUS + 4;
 constexpr uint32_t MOTOR_SIZE = 16;
 
 enum TmsWord : uint32_t {
@@ -88,6 +92,13 @@ uint64_t count(double t, double perSecond)
     return static_cast<uint64_t>(t * perSecond);
 }
 
+// A distorted 50 Hz, of 1000: what only a scope in the target can see.
+double mains(double t, int phase)
+{
+    const double angle = 2 * PI * (50 * t - phase / 3.0);
+    return 900 * std::sin(angle) + 100 * std::sin(3 * angle);
+}
+
 // Live integers: where they stand and what they show at time t.
 struct LiveInteger {
     uint32_t address;
@@ -96,18 +107,20 @@ struct LiveInteger {
 };
 
 const LiveInteger liveIntegers[] = {
-    {0x8000, 1, [](double t) { return count(t, 100); }},                   // byTick
-    {0x8002, 2, [](double t) { return count(t, 1000); }},                  // wCount
-    {0x8004, 4, [](double t) { return count(t, 1000); }},                  // dwCount
-    {0x8008, 8, [](double t) { return PAST_32_BITS + count(t, 1e6); }},    // qwCount
-    {0x8010, 2, [](double t) { return whole(1000 * sine(t)); }},           // nSine
-    {0x8012, 2, [](double t) { return count(t, 500) % 10000; }},           // wRamp
-    {0x8014, 4, [](double t) { return whole(100000 + 50000 * sine(t)); }}, // dwSine
-    {0x8020, 4, [](double t) { return 1501 + count(t, 1); }},              // dwRunTime
-    {0x8024, 4, [](double t) { return whole(100000 * triangle(t, 20)); }}, // nnPosition
-    {0x8028, 8, [](double t) { return whole(-5e12 * sine(t)); }},          // qnEnergy
-    {0x8030, 1, [](double t) { return whole(50 * triangle(t, 8)); }},      // cTrim
-    {0x8032, 2, [](double t) { return count(t, 137); }},                   // wPulses
+    {0x8000, 1, [](double t) { return count(t, 100); }},                     // byTick
+    {0x8002, 2, [](double t) { return count(t, 1000); }},                    // wCount
+    {0x8004, 4, [](double t) { return count(t, 1000); }},                    // dwCount
+    {0x8008, 8, [](double t) { return PAST_32_BITS + count(t, 1e6); }},      // qwCount
+    {0x8010, 2, [](double t) { return whole(1000 * sine(t)); }},             // nSine
+    {0x8012, 2, [](double t) { return count(t, 500) % 10000; }},             // wRamp
+    {0x8014, 4, [](double t) { return whole(100000 + 50000 * sine(t)); }},   // dwSine
+    {0x8020, 4, [](double t) { return 1501 + count(t, 1); }},                // dwRunTime
+    {0x8024, 4, [](double t) { return whole(100000 * triangle(t, 20)); }},   // nnPosition
+    {0x8028, 8, [](double t) { return whole(-5e12 * sine(t)); }},            // qnEnergy
+    {0x8030, 1, [](double t) { return whole(50 * triangle(t, 8)); }},        // cTrim
+    {0x8032, 2, [](double t) { return count(t, 137); }},                     // wPulses
+    {0x8036, 2, [](double t) { return whole(mains(t, 0)); }},                // nFast
+    {0x8038, 2, [](double t) { return count(t, 200) % 4 == 0 ? uint64_t{3000} : 0; }}, // wPwm
 };
 
 const LiveInteger driveIntegers[] = {
@@ -121,8 +134,11 @@ const LiveInteger driveIntegers[] = {
 };
 
 const LiveInteger f28Integers[] = {
-    {F28_BEGIN, 2, [](double t) { return count(t, 0.5) % 4; }},  // _wState
-    {F28_BEGIN + 4, 4, [](double t) { return count(t, 1000); }}, // _dwTime
+    {F28_BEGIN, 2, [](double t) { return count(t, 0.5) % 4; }},       // _wState
+    {F28_BEGIN + 4, 4, [](double t) { return count(t, 1000); }},      // _dwTime
+    {F28_PHASES, 2, [](double t) { return whole(mains(t, 0)); }},     // _nPhaseA
+    {F28_PHASES + 2, 2, [](double t) { return whole(mains(t, 1)); }}, // _nPhaseB
+    {F28_PHASES + 4, 2, [](double t) { return whole(mains(t, 2)); }}, // _nPhaseC
 };
 
 template <size_t N>
@@ -173,6 +189,7 @@ void setF28(SIM_Station *station, double t)
         SIM_SetFloat(station, motor + 4, static_cast<float>(8 + 2 * load));
     }
     SIM_SetFloat(station, F28_TORQUE, static_cast<float>(12 * sine(t)));
+    SIM_SetFloat(station, F28_BUS, static_cast<float>(560 + 0.01 * std::fabs(mains(t, 0))));
     for (uint32_t i = 0; i < F28_TRACE_POINTS; i++)
         SIM_SetValue(station, F28_TRACE + 2 * i, 2,
                      whole(500 + 500 * sine(t + i * SINE_PERIOD_S / F28_TRACE_POINTS)));
@@ -206,11 +223,12 @@ void setFlags(SIM_Station *station, double t, bool limited)
 void setTemperature(SIM_Station *station, double seconds)
 {
     const double target = static_cast<double>(SIM_GetFloat(*station, TEMPERATURE_SET));
-    if (std::isfinite(target)) {
+    // A scope samples times that have passed already.
+    if (std::isfinite(target) && seconds > station->updated) {
         const double share = 1 - std::exp((station->updated - seconds) / TEMPERATURE_LAG_S);
         station->temperature += (target - station->temperature) * share;
     }
-    station->updated = seconds;
+    station->updated = std::max(station->updated, seconds);
     SIM_SetFloat(station, TEMPERATURE, static_cast<float>(station->temperature));
 }
 
@@ -267,6 +285,7 @@ void SIM_InitDemo(SIM_Station *station, int number)
     SIM_SetValue(station, TABLE_POINTER, 2, TABLE);
     initArrays(station, number);
     initStructures(station);
+    SIM_InitDataLogs(station, number);
     for (uint32_t i = 0; i < 4; i++)
         SIM_SetValue(station, DPP + 2 * i, 2, i); // as after a reset: pages in order
     station->temperature = 20;
@@ -277,6 +296,7 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
                     size_t count)
 {
     const double t = seconds + STATION_PHASE_S * number;
+    SIM_UpdateDataLogs(station, number, seconds, address, count);
     if (touches(address, count, F28_BEGIN, F28_END))
         setF28(station, t);
     if (touches(address, count, DRIVE_BEGIN, DRIVE_END))
@@ -285,7 +305,8 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
         return;
     setIntegers(station, liveIntegers, t);
     setWave(station, t);
-    SIM_SetFloat(station, 0x8018, static_cast<float>(sine(t))); // fSine
+    SIM_SetFloat(station, 0x8018, static_cast<float>(sine(t)));            // fSine
+    SIM_SetFloat(station, 0x803C, static_cast<float>(mains(t, 0) / 1000)); // fFast
     setFlags(station, t, setOutput(station, t));
     setTemperature(station, seconds);
 }

@@ -1,7 +1,9 @@
 // vireo2-target: the simulated target as a program, for the demo and for users without
 // hardware. Prints the device to open first, then serves until it is told to end.
+#include "scope.h"
 #include "sim.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
@@ -18,6 +20,7 @@ constexpr int EXIT_USAGE = 2;
 constexpr int BAUD_MIN = 50; // slower than this no program waits for an answer
 constexpr int BAUD_MAX = 4000000;
 constexpr int DELAY_MAX_MS = 60000;
+constexpr int ERASE_MAX_S = 60, ERASE_DEFAULT_S = 2;
 constexpr int STATION_MAX = 15;
 constexpr unsigned long ADDRESS_END = 0x1000000;
 
@@ -25,10 +28,13 @@ const char HELP[] =
     "Usage: vireo2-target [options]\n"
     "A simulated target on a pseudo terminal. Prints the device to open, then serves\n"
     "it until it gets SIGTERM or SIGINT.\n"
+    "  --modbus           a Modbus RTU slave: stations 1 to 15 are slaves 1 to 15\n"
+    "  --refuse P         answer this share of the Modbus requests with an exception\n"
     "  --link PATH        make PATH a symbolic link to the device\n"
     "  --baud N           give every character its time on the wire (11 bits)\n"
     "  --echo             echo what is received, as a two-wire line does\n"
     "  --drop P           leave this share of the answers out (0 to 1)\n"
+    "  --repeat P         send this share of the answers twice (0 to 1)\n"
     "  --corrupt P        damage one character in this share of the answers (0 to 1)\n"
     "  --delay MS         wait before each answer\n"
     "  --silent-after N   answer N requests, then no more\n"
@@ -36,6 +42,10 @@ const char HELP[] =
     "  --log FILE         write a line for each request to FILE\n"
     "  --stations LIST    stations that answer, such as 0,2,5-7 (default all)\n"
     "  --flash FILE@HEX   put a file into every station's memory at a byte address\n"
+    "  --loader           run the boot-strap loader of a flash of 512 KiB instead\n"
+    "  --erase-seconds N  time that erasing takes (default 2)\n"
+    "  --flash-image FILE write the loader's flash to FILE at the end\n"
+    "  --scope LIST       sampling scopes of the demo: 2, 3, 3c166, none (default all)\n"
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
@@ -104,12 +114,40 @@ bool applyDelay(const char *text, SIM_Options *options)
     return good;
 }
 
+bool applyEraseSeconds(const char *text, SIM_Options *options)
+{
+    long value = 0;
+    const bool good = parseWhole(text, 0, ERASE_MAX_S, &value);
+    options->eraseSeconds = static_cast<int>(value);
+    return good;
+}
+
 bool applySeed(const char *text, SIM_Options *options)
 {
     long value = 0;
     const bool good = parseWhole(text, 0, UINT32_MAX, &value);
     options->seed = static_cast<uint32_t>(value);
     return good;
+}
+
+bool applyScope(const char *text, SIM_Options *options)
+{
+    const std::string list = text;
+    options->scopes = 0;
+    for (size_t begin = 0; begin <= list.size();) {
+        const size_t comma = std::min(list.find(',', begin), list.size());
+        const std::string name = list.substr(begin, comma - begin);
+        begin = comma + 1;
+        if (name == "2")
+            options->scopes |= SIM_SCOPE_2;
+        else if (name == "3")
+            options->scopes |= SIM_SCOPE_3;
+        else if (name == "3c166")
+            options->scopes |= SIM_SCOPE_3C166;
+        else if (name != "none")
+            return false;
+    }
+    return true;
 }
 
 // "FILE@67F000": the address is hexadecimal; a file name may hold an "@" itself.
@@ -126,6 +164,10 @@ bool applyFlash(const char *text, SIM_Options *options)
 }
 
 const OptionRow rows[] = {
+    {{"modbus", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) { return o->modbus = true; }},
+    {{"refuse", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->refuse); }},
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->link = text;
@@ -136,6 +178,8 @@ const OptionRow rows[] = {
      [](const char *, SIM_Options *o) { return o->echo = true; }},
     {{"drop", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseShare(text, &o->drop); }},
+    {{"repeat", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->repeat); }},
     {{"corrupt", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseShare(text, &o->corrupt); }},
     {{"delay", required_argument, nullptr, 0}, applyDelay},
@@ -152,6 +196,15 @@ const OptionRow rows[] = {
     {{"stations", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); }},
     {{"flash", required_argument, nullptr, 0}, applyFlash},
+    {{"loader", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *o) { return o->loader = true; }},
+    {{"erase-seconds", required_argument, nullptr, 0}, applyEraseSeconds},
+    {{"flash-image", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) {
+         o->flashImage = text;
+         return *text != 0;
+     }},
+    {{"scope", required_argument, nullptr, 0}, applyScope},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;
@@ -198,6 +251,7 @@ void parseArguments(int argc, char **argv, SIM_Options *options)
 int main(int argc, char **argv)
 {
     SIM_Options options;
+    options.eraseSeconds = ERASE_DEFAULT_S;
     parseArguments(argc, argv, &options);
 
     // Blocked before the target's thread exists, so that only this thread takes them.
@@ -218,6 +272,9 @@ int main(int argc, char **argv)
     fflush(stdout);
     int received;
     sigwait(&endings, &received);
-    SIM_Stop(target);
+    if (!SIM_Stop(target, &error)) {
+        fprintf(stderr, "vireo2-target: %s\n", error.c_str());
+        return EXIT_FAILURE;
+    }
     return EXIT_SUCCESS;
 }

@@ -1,6 +1,5 @@
 // The target's thread: reads the line, carries out requests and answers them.
-#include "demo.h"
-#include "target.h"
+#include "access.h"
 
 #include <algorithm>
 
@@ -16,25 +15,6 @@ struct Answer {
     int64_t delayNs = 0;
 };
 
-void readRequest(SIM_Target *target, const SIM_Request &request, uint8_t *data, size_t count)
-{
-    SIM_Station &station = target->stations[request.station];
-    if (target->options.demo)
-        SIM_UpdateDemo(&station, request.station, SIM_Elapsed(target), request.address, count);
-    SIM_ReadMemory(station, request.address, data, count);
-}
-
-void writeRequest(SIM_Target *target, const SIM_Request &request)
-{
-    SIM_Station &station = target->stations[request.station];
-    SIM_WriteMemory(&station, request.address, request.data, request.word);
-    if (!target->options.mailbox || !SIM_TouchesMailbox(request.address, request.word))
-        return;
-    if (target->options.demo)
-        SIM_UpdateDemoTms(&station, request.station, SIM_Elapsed(target));
-    SIM_ServeMailbox(&station);
-}
-
 // Carries the request out. Returns the number of data bytes of the answer or, negated, the
 // target's error code.
 int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
@@ -45,13 +25,13 @@ int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
     if (request.command == SIM_WRITE_COMMAND) {
         if (request.word < 1 || request.word > sizeof request.data)
             return -SIM_ERROR_COUNT;
-        writeRequest(target, request);
+        SIM_WriteTarget(target, request.station, request.address, request.data, request.word);
         return 0;
     }
     if (request.command == READ) {
         if (request.word > SIM_DATA_MAX)
             return -SIM_ERROR_COUNT;
-        readRequest(target, request, data, request.word);
+        SIM_ReadTarget(target, request.station, request.address, data, request.word);
         return request.word;
     }
     if (request.command > LAST_WITH_DATA)
@@ -59,7 +39,7 @@ int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
     // Of the word commands only 4 stores its word; each answers the word that stands there.
     if (request.command == STORE_WORD)
         SIM_SetValue(&target->stations[request.station], request.address, 2, request.word);
-    readRequest(target, request, data, 2);
+    SIM_ReadTarget(target, request.station, request.address, data, 2);
     return 2;
 }
 
@@ -82,6 +62,9 @@ const char *applyFate(SIM_Target *target, Answer *answer)
         return "corrupted";
     }
     target->counters.answers++;
+    // Drawn only when asked for: the other faults stay where they are by their seed.
+    answer->isRepeated = target->options.repeat > 0 &&
+                         target->random() / 4294967296.0 < target->options.repeat;
     return "answered";
 }
 
@@ -138,7 +121,10 @@ bool sendAnswer(SIM_Target *target, const Answer &answer)
     if (answer.count == 0)
         return true;
     const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
-    return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
+    for (int copy = 0; copy < (answer.isRepeated ? 2 : 1); copy++)
+        if (!SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs))
+            return false;
+    return true;
 }
 
 // Handles what one read brought. On an echoing line the characters come back first, as

@@ -2,6 +2,7 @@
 #include "sim.h"
 
 #include "demo.h"
+#include "scope.h"
 #include "target.h"
 
 #include <cerrno>
@@ -53,8 +54,18 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     target->answersLeft = options.silentAfter;
     target->random.seed(options.seed);
     target->startNs = SIM_NowNs();
-    for (int i = 0; options.demo && i < SIM_STATIONS; i++)
+    for (int i = 0; options.demo && i < SIM_STATIONS; i++) {
         SIM_InitDemo(&target->stations[i], i);
+        SIM_InitScopes(&target->stations[i], options.scopes);
+    }
+    if (options.loader) {
+        SIM_InitLoader(&target->loader, options.seed);
+        SIM_LoaderFaults &faults = target->loader.faults;
+        faults.eraseZeros = options.eraseSeconds; // a sign of life each second
+        faults.drop = options.drop;
+        faults.corrupt = options.corrupt;
+        faults.silentAfter = options.silentAfter;
+    }
     error = error ? error : &ignored;
     error->clear();
     if (!loadFlash(target, error) || !openLog(target, error) ||
@@ -64,20 +75,27 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
         delete target;
         return nullptr;
     }
-    target->thread = std::thread(SIM_Serve, target);
+    target->thread = std::thread(options.loader   ? SIM_ServeLoader
+                                 : options.modbus ? SIM_ServeModbus
+                                                  : SIM_Serve,
+                                 target);
     return target;
 }
 
-void SIM_Stop(SIM_Target *target)
+bool SIM_Stop(SIM_Target *target, std::string *error)
 {
     if (!target)
-        return;
+        return true;
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
     if (target->log)
         fclose(target->log);
+    std::string ignored;
+    const bool saved = !target->options.loader || target->options.flashImage.empty() ||
+                       SIM_SaveFlash(target, error ? error : &ignored);
     delete target;
+    return saved;
 }
 
 const char *SIM_DevicePath(const SIM_Target *target)
@@ -125,8 +143,10 @@ uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
+    target->options.refuse = options.refuse;
     target->options.drop = options.drop;
     target->options.corrupt = options.corrupt;
+    target->options.repeat = options.repeat;
     target->options.delayMs = options.delayMs;
     target->options.echo = options.echo;
     target->options.mailbox = options.mailbox;
@@ -139,6 +159,12 @@ void SIM_SetErrorCode(SIM_Target *target, int command, int code)
     const std::lock_guard<std::mutex> guard(target->lock);
     if (command >= 0 && command < SIM_COMMANDS)
         target->errorCodes[command] = code;
+}
+
+void SIM_WithLoader(SIM_Target *target, const std::function<void(SIM_Loader *)> &change)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    change(&target->loader);
 }
 
 SIM_Counters SIM_GetCounters(const SIM_Target *target)

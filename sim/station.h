@@ -12,11 +12,29 @@
 constexpr uint32_t SIM_MEMORY_SIZE = 0x1000000;
 constexpr uint32_t SIM_PAGE_SIZE = 0x10000;
 
+// Where a data log of the demo goes on.
+struct SIM_DataLog {
+    uint32_t next = 0;    // word of the buffer
+    uint32_t written = 0; // messages
+};
+constexpr size_t SIM_DATA_LOGS = 2;
+constexpr size_t SIM_SCOPES = 3, SIM_SCOPE_CHANNELS = 16;
+
+// What a sampling scope of the firmware keeps beside its variables, see scope.h.
+struct SIM_ScopeState {
+    bool isPresent = false;
+    double sampled = 0;  // seconds since the start up to which samples are taken
+    double previous = 0; // channel 1 at the sample before
+};
+
 struct SIM_Station {
     std::array<std::unique_ptr<uint8_t[]>, SIM_MEMORY_SIZE / SIM_PAGE_SIZE> pages;
     std::unordered_map<uint32_t, uint32_t> tms; // by word address; absent words read 0
     double temperature = 0;                     // state of the demo's slow variable
     double updated = 0;                         // seconds at which it was last advanced
+    SIM_DataLog logs[SIM_DATA_LOGS];
+    int64_t logStart = 0; // the logs' time at the start, in seconds as time() counts
+    SIM_ScopeState scopes[SIM_SCOPES];
 };
 
 // Addresses wrap at the end of the memory. Pages never written read as zeros.

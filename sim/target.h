@@ -6,6 +6,7 @@
 #include "faults.h"
 #include "frame.h"
 #include "line.h"
+#include "loader.h"
 #include "sim.h"
 #include "station.h"
 
@@ -29,10 +30,16 @@ struct SIM_Target {
     std::mt19937 random;
     long answersLeft = -1; // until the target falls silent; -1 = never
     int errorCodes[SIM_COMMANDS] = {0};
+    SIM_Loader loader; // in use with options.loader
 };
 
 // The thread's body: serves requests until the line is woken.
 void SIM_Serve(SIM_Target *target);
+void SIM_ServeModbus(SIM_Target *target);
+void SIM_ServeLoader(SIM_Target *target); // of a target that runs its boot-strap loader
+
+// Writes the loader's flash to its file. Only when the thread has ended.
+bool SIM_SaveFlash(SIM_Target *target, std::string *error);
 
 // Seconds since the start.
 double SIM_Elapsed(const SIM_Target *target);

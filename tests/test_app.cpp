@@ -118,7 +118,7 @@ TEST_F(App, StartShowsConsoleViewWithCommunicationOff)
     EXPECT_EQ(1, UiPanelAttribute(mainPanel, ATTR_VISIBLE));
     EXPECT_EQ(1, UiPanelAttribute(consolePanel, ATTR_VISIBLE));
     EXPECT_EQ(0, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
-    EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_SIZABLE));
+    EXPECT_EQ(1, UiPanelAttribute(mainPanel, ATTR_SIZABLE));
     EXPECT_EQ(0, UiValue(mainPanel, MAIN_COMM));
     EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
     EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
@@ -368,14 +368,15 @@ TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
     Connect(&target);
     ASSERT_EQ(0, Start());
     HL_ClickMenu(ITEM_CONNECT);
+    HL_ResizePanel(mainPanel, 600, 900);
     HL_ClickMenu(ITEM_CONSOLE_VIEW);
-    EXPECT_EQ(1, UiPanelAttribute(mainPanel, ATTR_SIZABLE));
     EXPECT_EQ(std::vector<int>{ITEM_CONSOLE_VIEW}, Checked(MENU_WINDOW));
     UCM_Close();
     HL_ClickMenu(ITEM_WATCH_VIEW);
     EXPECT_EQ(0, UCM_IsOpened());
-    EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_SIZABLE) +
-                     UiPanelAttribute(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiPanelAttribute(consolePanel, ATTR_VISIBLE));
+    EXPECT_EQ(900, UiPanelAttribute(mainPanel, ATTR_WIDTH)) << "the user's size in both views";
+    EXPECT_EQ(600, UiPanelAttribute(mainPanel, ATTR_HEIGHT));
     EXPECT_EQ(std::vector<int>{ITEM_WATCH_VIEW}, Checked(MENU_WINDOW));
     oldTimer = 1;
     HL_ClickMenu(ITEM_WATCH_VIEW);
@@ -387,7 +388,7 @@ TEST_F(App, HeightsBelowTheLeastAreRefused)
 {
     ASSERT_EQ(0, Start());
     HL_ResizePanel(mainPanel, 600, 900);
-    EXPECT_EQ(780, UiPanelAttribute(mainPanel, ATTR_WIDTH));
+    EXPECT_EQ(900, UiPanelAttribute(consolePanel, ATTR_WIDTH));
     EXPECT_EQ(600 - 21, UiPanelAttribute(consolePanel, ATTR_HEIGHT));
     EXPECT_EQ(600 - 43, UiAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT));
     EXPECT_EQ(600 - 42, UiAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP));

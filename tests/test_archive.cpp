@@ -8,6 +8,7 @@
 
 #include <random>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -104,6 +105,41 @@ TEST_F(Archive, CreationRefusesWhatItCannotDo)
     header.index = 1, header.name = "two\nlines";
     EXPECT_EQ(QAR_Put_file_header(file, header), -1);
     std::fclose(file);
+}
+
+TEST_F(Archive, MembersOfAUserAreChecked)
+{
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.path);
+    std::filesystem::create_directory("sub");
+    WriteFileText("a", "a");
+    WriteFileText("two\nlines", "a");
+    WriteFileText("sub/prjinfo.tmf", "a");
+    WriteFileText("large", "");
+    std::filesystem::resize_file("large", QAR_FILE_MAX + 1);
+    const struct {
+        std::vector<std::string> names;
+        const char *says; // null: good
+    } cases[] = {{{"a", "large"}, "'large' has more than 128 MiB"},
+                 {{"a", "sub/prjinfo.tmf"}, "looks for 'prjinfo.tmf'"},
+                 {{"C:prjinfo.tmf"}, "looks for 'prjinfo.tmf'"},
+                 {{"sub\\prjinfo.tmf"}, "looks for 'prjinfo.tmf'"},
+                 {{"./a"}, "looks for 'a'"},
+                 {{"a", "sub"}, "'sub' is a folder, device or pipe"},
+                 {{"none"}, "'none' cannot be opened"},
+                 {{"a", "two\nlines"}, "name of member 2"},
+                 {{"a", "a"}, "'a' is given twice"},
+                 {{"a"}, nullptr}};
+    for (const auto &c : cases) {
+        std::string message;
+        EXPECT_EQ(QAR_CheckMembers(c.names, &message), c.says != nullptr ? -1 : 0);
+        EXPECT_NE(message.find(c.says != nullptr ? c.says : ""), std::string::npos) << message;
+    }
+    std::filesystem::resize_file("large", QAR_FILE_MAX); // still fits
+    std::string message;
+    EXPECT_EQ(QAR_CheckMembers({"large"}, &message), 0);
+    EXPECT_EQ(QAR_Make("out.qar", {"sub"}), -1); // whoever asks
+    std::filesystem::current_path(before);
 }
 
 TEST_F(Archive, DamageIsFound)

@@ -77,6 +77,25 @@ TEST_F(ConsoleProgram, OptionsAreChecked)
     EXPECT_EQ(0u, Run("--help").out.find("Usage: vireo2-console"));
 }
 
+TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
+{
+    Write("prjinfo.map28x", "00C002 _speed\n");
+    Write("prjinfo.tmf", "## 1 VARS\n0: 'speed' _@0x122\n## 0 TYPES\n## 1 STRUCTS\n"
+                         "# 1 / 1:\n'x' _@0x122\n");
+    const Outcome path = Run("--make-archive p.qar ./prjinfo.map28x prjinfo.tmf");
+    EXPECT_EQ(1, path.code);
+    EXPECT_NE(std::string::npos, path.err.find("a reader looks for 'prjinfo.map28x'"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "p.qar"));
+    const Outcome half = Run("--make-archive p.qar prjinfo.map28x");
+    EXPECT_EQ(0, half.code);
+    EXPECT_EQ("Note: to open as a map, the archive needs a member 'prjinfo.tmf'.\n", half.err);
+    const Outcome whole = Run("--make-archive p.qar prjinfo.map28x prjinfo.tmf");
+    EXPECT_EQ(0, whole.code);
+    EXPECT_EQ("", whole.err + whole.out);
+    Write("Vireo2.ini", "r, F283xx\n");
+    EXPECT_NE(std::string::npos, Run("--full", "mt p.qar\n").out.find("Nodes:       1"));
+}
+
 TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
 {
     const Outcome outcome = Run("-s3", "station 5\r\nnonsense\n  exit \nstation 7\n");
@@ -85,7 +104,7 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     EXPECT_NE(std::string::npos,
               outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
     EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\n"))
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\r\n"))
         << "a session ends like the program in the window";
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
@@ -161,7 +180,7 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
         list += "[" + std::to_string(1000 + 2 * i) + "],i2\n";
     }
     list.replace(list.rfind("[1058]"), 6, "[103A]"); // the last one, in hexadecimal
-    const uint64_t big = 0xFFFFFFFFFFFFFFFFu;
+    const uint64_t big = 0x8877665544332211u; // either half in the wrong place shows
     SIM_Poke(target, 1, 0x2000, &big, 8);
     Write("w.dbg", list + "nowhere,x1\n");
 
@@ -170,8 +189,8 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
     EXPECT_EQ(0u, csv.out.find("sweep,name,address,type,size,value,raw,error\n"));
     EXPECT_EQ(1u + 2 * 32, CountLines(csv.out));
     EXPECT_NE(std::string::npos,
-              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,18446744073709551615,"
-                           "18446744073709551615,0\n"));
+              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,9833440827789222417,"
+                           "9833440827789222417,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x001000,i,2,1000,1000,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x00103A,i,2,1029,1029,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,nowhere,,x,1,,,1\n"));
@@ -180,8 +199,8 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
     EXPECT_NE(
         std::string::npos,
         json.out.find("{\"sweep\":1,\"name\":\"\\\"quoted\\\"|name\",\"address\":\"0x002000\","
-                      "\"type\":\"u\",\"size\":8,\"value\":\"18446744073709551615\","
-                      "\"raw\":18446744073709551615,\"error\":0}\n"));
+                      "\"type\":\"u\",\"size\":8,\"value\":\"9833440827789222417\","
+                      "\"raw\":9833440827789222417,\"error\":0}\n"));
     EXPECT_NE(std::string::npos,
               json.out.find("\"nowhere\",\"address\":\"\",\"type\":\"x\",\"size\":1,"
                             "\"value\":\"\",\"raw\":null,\"error\":1}\n"));
@@ -223,6 +242,39 @@ TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
                      "kill -INT $pid\nwait $pid\n");
     EXPECT_EQ(0, WEXITSTATUS(std::system(("sh '" + (folder / "run").string() + "'").c_str())));
     EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("0x001000"));
+}
+
+// The other protocol, on a line that echoes: watch list, console, files and registers.
+TEST_F(ConsoleProgram, SpeaksModbus)
+{
+    SIM_Options options;
+    options.demo = false;
+    options.modbus = options.echo = true;
+    StartTarget(options);
+    const uint8_t counter[] = {0x39, 0x30};
+    SIM_Poke(target, 1, 0x8000, counter, sizeof counter);
+    Write("w.dbg", "[8000],u2\n2:[8000],x4\n");
+    Write("Vireo2.ini", "t, MODBUS\no-\nb, 115200\ns, 1\n");
+    const Outcome watch = Run("--echo --watch w.dbg --sweeps 2 --format csv --trace t");
+    EXPECT_EQ(0, watch.code) << watch.err;
+    EXPECT_NE(std::string::npos, watch.out.find("2,,0x008000,u,2,12345,12345,0\n")) << watch.out;
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("memory read of 2 bytes at "));
+    const Outcome lines = Run("--echo --full", "write 2, 4660, 8010H\nbinsave 8000H, 433, m\n"
+                                               "mbread 3, 16384, 1\nmbwrite 2:5, 7\n");
+    EXPECT_EQ(0, lines.code) << lines.err;
+    uint8_t written[2] = {};
+    SIM_Peek(target, 1, 0x8010, written, 2);
+    EXPECT_EQ(0x34, written[0]);
+    EXPECT_EQ(std::string("\x39\x30", 2), ReadFileText(folder / "m").substr(0, 2));
+    EXPECT_EQ(433u, ReadFileText(folder / "m").size());
+    EXPECT_NE(std::string::npos, lines.out.find("3039h   12345     12345\n")) << lines.out;
+    SIM_Peek(target, 2, 10, written, 1);
+    EXPECT_EQ(7, written[0]);
+    // Without the option such a line gives no value, and says what to do.
+    const Outcome echo = Run("--full", "mbwrite 2:5, 8\n");
+    EXPECT_NE(std::string::npos, echo.out.find("switch two-wire line echoes on")) << echo.out;
+    SIM_Peek(target, 2, 10, written, 1);
+    EXPECT_EQ(7, written[0]) << "the echo was taken for a confirmation";
 }
 
 // Without auto-off a watch outlives its target: the same link leads to another device later.

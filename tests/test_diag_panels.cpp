@@ -140,11 +140,12 @@ const FaultCase FAULT_CASES[] = {
     {"good", [](SIM_Options *) {}, 1, 1, PATIENT_MS, true, "answered|station 1: read 2 bytes at",
      "Every message was answered"},
     {"silent", [](SIM_Options *) {}, 1, OTHER_STATION, HASTY_MS, false,
-     "no answer (!)|station 7: read", "never an answer"},
+     "no answer (!)|station 7: ", "never an answer"},
     {"damaged", [](SIM_Options *o) { o->corrupt = 1; }, 1, 1, PATIENT_MS, false, "answer damaged (",
      "Every answer is damaged"},
     {"echo", [](SIM_Options *o) { o->echo = true; }, 1, 1, PATIENT_MS, false,
-     "echo of the request in place of an answer (!)", "run-time driver skips the echo"},
+     "The line echoes what is sent: switch Win32 services off. (!)",
+     "run-time driver skips the echo"},
     {"echo skipped", [](SIM_Options *o) { o->echo = true; }, 0, 1, PATIENT_MS, true,
      "answered (echo of the request seen)", "Every message was answered"}};
 
@@ -167,11 +168,11 @@ TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
         HL_ClickMenu(ITEM_STATISTICS);
 
         const std::vector<std::string> lines = Lines(PANEL_TRACE, TRACE_LIST);
-        ASSERT_EQ(2u, lines.size());
+        ASSERT_GE(lines.size(), 2u); // a line that answers is proven to be in step first
         EXPECT_NE(std::string::npos, lines[0].find("|opened|COM63 at 19200 baud")) << lines[0];
-        EXPECT_NE(std::string::npos, lines[1].find(fault.result)) << lines[1];
-        EXPECT_EQ(fault.isGood, lines[1].find("(!)") == std::string::npos);
-        EXPECT_EQ(1, UiSelected(PANEL_TRACE, TRACE_LIST));
+        EXPECT_NE(std::string::npos, lines.back().find(fault.result)) << lines.back();
+        EXPECT_EQ(fault.isGood, lines.back().find("(!)") == std::string::npos);
+        EXPECT_EQ(static_cast<int>(lines.size()) - 1, UiSelected(PANEL_TRACE, TRACE_LIST));
         EXPECT_NE(std::string::npos, UiText(PANEL_TRACE, TRACE_DETAIL).find("\n  > 02 "));
         const std::string advice = Figure(STATISTICS_ADVICE);
         EXPECT_NE(std::string::npos, advice.find(fault.advice)) << advice;
@@ -189,7 +190,8 @@ TEST_F(DiagPanels, NothingIsRecordedWhileClosedAndTheLastFailureIsSeen)
     VIR2_StartPeriodicASC();
     Exchange(1);
     VIR2_StopPeriodicASC(); // no timer will tick any more
-    EXPECT_EQ(5u, Lines(PANEL_TRACE, TRACE_LIST).size()) << "twice opened and closed, one read";
+    EXPECT_EQ(7u, Lines(PANEL_TRACE, TRACE_LIST).size())
+        << "twice opened and closed, two probes, one read";
     HL_ClosePanel(PANEL_TRACE);
     EXPECT_FALSE(TRC_isOn);
     EXPECT_EQ(0u, TRC_Count());
@@ -251,8 +253,8 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     EXPECT_FALSE(TRC_isOn);
     Read();
     TRP_Refresh();
-    EXPECT_EQ(2u, Lines(PANEL_TRACE, TRACE_LIST).size());
-    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 2 of at most 2000"));
+    EXPECT_EQ(4u, Lines(PANEL_TRACE, TRACE_LIST).size());
+    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 4 of at most 2000"));
 
     HL_CommitControl(PANEL_TRACE, TRACE_COPY);
     EXPECT_EQ(UiText(PANEL_TRACE, TRACE_DETAIL) + "\n", HL_GetClipboard());
@@ -273,7 +275,7 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     HL_CommitControl(PANEL_TRACE, TRACE_PAUSE);
     Read();
     TRP_Refresh();
-    EXPECT_EQ(3u, Lines(PANEL_TRACE, TRACE_LIST).size());
+    EXPECT_EQ(5u, Lines(PANEL_TRACE, TRACE_LIST).size());
 }
 
 TEST(Failures, ManyCausesAreCountedTogetherAtTheEnd)

@@ -256,6 +256,51 @@ TEST_F(FlashInfo, DirectoryIsWalked)
     EXPECT_EQ(MFS_FindFile("c", BASE - 1, BASE + 100000, &length), MFS_ERR_COMMUNICATION);
 }
 
+int reads;
+int readCounted(uint32_t address, uint32_t count, void *buffer)
+{
+    ++reads;
+    return readImage(address, count, buffer);
+}
+
+// A flash full of empty files is left after a bounded number of exchanges, both ways, and
+// before that whenever the user says so.
+TEST_F(FlashInfo, WalksAreBoundedAndCanBeCancelled)
+{
+    const std::string empty = FLB_File("e", "", '\xFE');
+    image.clear();
+    for (int i = 0; i < 3 * MFS_FILES_MAX; i++)
+        image += empty;
+    const uint32_t end = BASE + static_cast<uint32_t>(image.size());
+    MFS_reader = readCounted;
+    int32_t length;
+    const struct {
+        int cancelAt, result, most; // most exchanges
+    } cases[] = {{0, MFS_ERR_TOO_MANY, 2 * MFS_FILES_MAX},
+                 {1, MFS_ERR_CANCELLED, 20},
+                 {20, MFS_ERR_CANCELLED, 60}};
+    for (const auto &c : cases) {
+        for (const bool isBack : {false, true}) {
+            reads = 0;
+            HL_CancelProgressAt(c.cancelAt);
+            const int result =
+                isBack ? MFS_FindDirectory(BASE, end) : MFS_FindFile("x", BASE, end, &length);
+            EXPECT_EQ(result, c.result) << isBack;
+            EXPECT_GT(reads, c.cancelAt) << isBack;
+            EXPECT_LE(reads, c.most) << isBack;
+        }
+    }
+    HL_CancelProgressAt(0);
+    EXPECT_EQ(LoadFMap283xx(BASE, end), FLASH_ERR_TOO_MANY);
+    EXPECT_STRNE(FLASH_GetErrorText(FLASH_ERR_TOO_MANY), "");
+    // Not one file fewer is found than the bound allows.
+    image = image.substr(0, empty.size() * (MFS_FILES_MAX - 1)) + FLB_File("x", "text") +
+            std::string(64, '\xFF');
+    const uint32_t last = BASE + static_cast<uint32_t>(image.size());
+    EXPECT_GT(MFS_FindFile("x", BASE, last, &length), 0);
+    EXPECT_EQ(MFS_FindDirectory(BASE, last - 64), static_cast<int32_t>(BASE));
+}
+
 TEST_F(FlashInfo, MapsComeBackAsPacked)
 {
     for (int form = 0; form < 3; form++) {
@@ -272,28 +317,45 @@ TEST_F(FlashInfo, MapsComeBackAsPacked)
     }
 }
 
+// Each chip has its flash elsewhere, and each station its own.
 TEST_F(FlashInfo, TargetsFlashAndSavedArchiveBringTheMaps)
 {
-    const std::string directory = FLB_Directory(VARS, 2);
+    const std::string directory = FLB_Directory(VARS, 2), other = FLB_File("b", "other");
     SIM_Options options;
     options.demo = false;
     SIM_Target *target = SIMT_Start(7, options);
     ASSERT_NE(target, nullptr);
-    const uint32_t at = 0x67FF00 - static_cast<uint32_t>(directory.size());
-    SIM_Poke(target, 0, at, directory.data(), directory.size());
-    STATION = 0;
+    const struct {
+        int processor, station;
+        uint32_t end; // of the files
+    } chips[] = {{CPU_F283XX, 0, 0x67FF00}, {CPU_F2803X, 3, 0x7EFF00}};
+    for (const auto &chip : chips) {
+        const int elsewhere = chip.station == 0 ? 3 : 0;
+        SIM_Poke(target, chip.station, chip.end - static_cast<uint32_t>(directory.size()),
+                 directory.data(), directory.size());
+        SIM_Poke(target, elsewhere, chip.end - static_cast<uint32_t>(other.size()), other.data(),
+                 other.size());
+    }
     MFS_reader = targetReader;
-    ASSERT_EQ(UCM_Open(PROTOCOL_MR166, 7, 115200), 0);
-    clear();
-    EXPECT_EQ(fl2node(FLASH_AT_1C000), FLASH_ERR_NO_MAP);
-    EXPECT_EQ(openStruct, OPEN_NONE);
-    EXPECT_EQ(fl2node(FLASH_AT_END), 0);
-    EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
-    UCM_Close();
-    EXPECT_EQ(fl2node(FLASH_AT_END), FLASH_ERR_COMMUNICATION);
+    for (const auto &chip : chips) {
+        Procesor = chip.processor;
+        STATION = chip.station;
+        ASSERT_EQ(UCM_Open(PROTOCOL_MR166, 7, 115200), 0);
+        clear();
+        EXPECT_EQ(fl2node(FLASH_AT_1C000), FLASH_ERR_NO_MAP);
+        EXPECT_EQ(openStruct, OPEN_NONE);
+        STATION = chip.station == 0 ? 3 : 0;
+        EXPECT_EQ(fl2node(FLASH_AT_END), FLASH_ERR_NO_MAP);
+        STATION = chip.station;
+        EXPECT_EQ(fl2node(FLASH_AT_END), 0) << chip.processor;
+        EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
+        UCM_Close();
+        EXPECT_EQ(fl2node(FLASH_AT_END), FLASH_ERR_COMMUNICATION);
+        expectNodes(aVarNode, nNodes); // still those
+        EXPECT_EQ(describe(), typesBefore);
+    }
+    STATION = 1;
     SIMT_Stop(7, target);
-    expectNodes(aVarNode, nNodes); // still those
-    EXPECT_EQ(describe(), typesBefore);
 
     const std::string path = testing::TempDir() + std::to_string(getpid()) + "saved.qar";
     ASSERT_EQ(SaveFlash(path.c_str()), 0);

@@ -1,5 +1,6 @@
 // The example project of an F283xx: packed into a flash image, put into the simulated
 // target and read back over the wire by the console's map commands.
+#include <cstring>
 #include <map>
 #include <tuple>
 
@@ -59,7 +60,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     ASSERT_EQ(TMSmap2node((FLASH_PROJECT + "f283xx.qar").c_str()), 0);
     const std::map<std::string, Place> packed = everything();
     EXPECT_EQ(packed.at("_astMotor[1].stPid.unLimit.awPart[1]"), Place(0x18200 + 0x2E, 2, 'u', 2));
-    EXPECT_EQ(packed.size(), 97u);
+    EXPECT_EQ(packed.size(), 126u);
     const std::string image = packedImage();
     std::ofstream(testing::TempDir() + "f283xx.flash", std::ios::binary) << image;
     EXPECT_TRUE(image == ReadFileText(FLASH_PROJECT + "f283xx.flash"))
@@ -82,11 +83,17 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     EXPECT_NE(Run("mfo").find("Reading FLASH from 1C000H, wait for a while please ...\n"
                               "Error during flash read."),
               std::string::npos);
-    for (const char *form : {"mf", "mfn"}) {
+    for (const char *form : {"mf", "mfn", "mf over Modbus"}) {
+        if (form[2] == ' ') { // the same flash by the other protocol
+            SIMT_Stop(RIG_PORT, target);
+            options.modbus = true;
+            target = SIMT_Start(RIG_PORT, options);
+            VR_nProtocol = PROTOCOL_MODBUS;
+        }
         FreeNodes(aVarNode, &nNodes);
         TMF_CleanTables();
         openStruct = OPEN_NONE;
-        const std::string text = Run(form);
+        const std::string text = Run(std::string(form, std::strcspn(form, " ")));
         EXPECT_NE(text.find("Reading FLASH from end, wait for a while please ..."),
                   std::string::npos);
         EXPECT_EQ(text.find("Error"), std::string::npos) << text;
@@ -96,7 +103,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     }
     const std::string state = UiText(PANEL_MAIN, MAIN_STATE);
     EXPECT_EQ(state.substr(state.find('\n') + 1),
-              "Map loaded from memory.; types: 8 variables, 3 structures");
+              "Map loaded from memory.; types: 11 variables, 5 structures");
     options.flash = FLASH_PROJECT + "missing";
     std::string error;
     EXPECT_EQ(SIM_Start(options, &error), nullptr);

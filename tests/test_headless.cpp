@@ -84,20 +84,16 @@ TEST_F(Headless, RowsOfTheOtherTablesMeanSomething)
 
 TEST_F(Headless, KeysGoToTheControlThenToThePanelThenToTheMenu)
 {
-    consolePanel = PANEL_CONSOLE;
-    SetCtrlVal(PANEL_CONSOLE, CONSOLE_INPUT, "half a line");
-    EXPECT_EQ(1, HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC));
-    EXPECT_EQ("", UiText(PANEL_CONSOLE, CONSOLE_INPUT)) << "the control's";
-    EXPECT_EQ(CONSOLE_INPUT, GetActiveCtrl(PANEL_CONSOLE));
+    EXPECT_EQ(1, HL_Key(PANEL_STRUCT_SELECTOR, STRSEL_PATH, KEY_DOWN));
+    EXPECT_EQ(STRSEL_LIST, GetActiveCtrl(PANEL_STRUCT_SELECTOR)) << "the control's";
     DisplayPanel(PANEL_VALUE);
     EXPECT_EQ(1, HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC));
     EXPECT_EQ(0, UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE)) << "the panel's";
-    SetCtrlVal(PANEL_CONSOLE, CONSOLE_BOX, "text");
-    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 7);
-    EXPECT_EQ("text", HL_GetClipboard()) << "the menu's";
-    SetCtrlAttribute(PANEL_CONSOLE, CONSOLE_INPUT, ATTR_DIMMED, 1);
-    EXPECT_EQ(HL_DIMMED, HL_Key(PANEL_CONSOLE, CONSOLE_INPUT, KEY_ESC));
-    EXPECT_EQ(HL_DIMMED, HL_SetUserVal(PANEL_CONSOLE, CONSOLE_INPUT, "x"));
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | KEY_SHIFT | 'M');
+    EXPECT_EQ(1, UiPanelAttribute(PANEL_MEMORY, ATTR_VISIBLE)) << "the menu's";
+    SetCtrlAttribute(PANEL_STRUCT_SELECTOR, STRSEL_PATH, ATTR_DIMMED, 1);
+    EXPECT_EQ(HL_DIMMED, HL_Key(PANEL_STRUCT_SELECTOR, STRSEL_PATH, KEY_DOWN));
+    EXPECT_EQ(HL_DIMMED, HL_SetUserVal(PANEL_STRUCT_SELECTOR, STRSEL_PATH, "x"));
 }
 
 bool TypeLine(std::string *line)

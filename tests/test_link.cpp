@@ -106,11 +106,12 @@ TEST_P(BothDrivers, CommandsAndTheirAnswers)
 TEST_P(BothDrivers, BlocksOfATransfer)
 {
     open();
+    prove(2);
     const struct {
         uint32_t count;
-        unsigned writes, reads;
-    } cases[] = {{0, 0, 0},  {1, 1, 1},  {16, 1, 1},  {17, 2, 1},
-                 {64, 4, 1}, {65, 5, 2}, {300, 19, 5}};
+        unsigned writes, reads; // several blocks have a proof behind them
+    } cases[] = {{0, 0, 0},  {1, 1, 1},      {16, 1, 1},      {17, 2, 1},
+                 {64, 4, 1}, {65, 5, 2 + 1}, {300, 19, 5 + 1}};
     for (const auto &item : cases) {
         std::vector<uint8_t> out(item.count + 1, 0x5A), in(item.count + 1, 0xEE);
         const uint64_t before = requests();
@@ -130,6 +131,8 @@ TEST_P(BothDrivers, StepwiseTransfersEndWithOneMoreStepForNothing)
     uint8_t got[200] = {};
     uint8_t *to = got;
     uint32_t address = 0, count = 128;
+    prove(1);
+    const uint64_t asked = requests();
     EXPECT_EQ(Mr166_ReadBg(1, &address, &count, &to), 0);
     EXPECT_EQ(Mr166_ReadBg(1, &address, &count, &to), 0);
     EXPECT_EQ(count, 0u);
@@ -139,7 +142,7 @@ TEST_P(BothDrivers, StepwiseTransfersEndWithOneMoreStepForNothing)
     count = 63;
     EXPECT_EQ(Mr166_ReadBg(1, &address, &count, &to), 1);
     EXPECT_EQ(std::memcmp(got, memory.data(), 191), 0);
-    EXPECT_EQ(requests(), 4u);
+    EXPECT_EQ(requests() - asked, 4u);
 
     const uint8_t *from = memory.data();
     address = 0x900, count = 17;
@@ -281,7 +284,8 @@ TEST_P(BothDrivers, TenThousandReadsOverABadLine)
     const SIM_Counters seen = SIM_GetCounters(target);
     const uint32_t time = EC_wTimeErr - before.time, frame = EC_wFrameErr - before.frame;
     EXPECT_GT(seen.corrupted + seen.dropped, 5u);
-    EXPECT_EQ(EC_dwMsgOk - before.ok, static_cast<uint32_t>(READS));
+    EXPECT_GE(EC_dwMsgOk - before.ok, static_cast<uint32_t>(READS));
+    EXPECT_LT(EC_dwMsgOk - before.ok, READS + 100u) << "read again, but rarely";
     EXPECT_EQ(time + frame, seen.corrupted + seen.dropped);
     EXPECT_EQ(EC_dwBlkRpt - before.repeat, time + frame);
     if (GetParam()) {
@@ -325,7 +329,9 @@ TEST_F(LinkTest, RequestsWithoutAnAwaitedAnswer)
 
 // --- answers that no sound target gives ------------------------------------------------
 
-// Answers every request (its end character) with the same bytes until it is closed.
+std::string Answer(const std::string &digits);
+
+// Answers every read of one byte with the same characters and others as a target should.
 struct FixedReplier {
     int master = posix_openpt(O_RDWR | O_NOCTTY);
     int stop[2] = {-1, -1};
@@ -339,9 +345,17 @@ struct FixedReplier {
         thread = std::thread([this, answer, slave] {
             char c = 0;
             struct pollfd fds[2] = {{stop[0], POLLIN, 0}, {master, POLLIN, 0}};
+            std::string request;
             while (poll(fds, 2, -1) > 0 && fds[0].revents == 0 && read(master, &c, 1) == 1) {
-                if (c == MR166_END)
-                    (void)!write(master, answer.data(), answer.size());
+                request += c;
+                if (c != MR166_END)
+                    continue;
+                const unsigned count = hexToByte(request.c_str() + 9);
+                const std::string probed = Answer(request.substr(1, 2) + request.substr(9, 2) +
+                                                  std::string(2 * count, '0'));
+                const std::string &sent = count == 1 ? answer : probed;
+                (void)!write(master, sent.data(), sent.size());
+                request.clear();
             }
             close(slave);
         });

@@ -49,7 +49,7 @@ TEST_F(LItems, LinesAndTheirSavedForm)
                  {"Cnt, q", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
                  {"Cnt,", "Cnt", NONE, 'i', 2, -1, 0, "Cnt, i2"},
                  {"Cnt, b4", "Cnt", NONE, 'b', 1, -1, 0, "Cnt, b1"},
-                 {"Cnt, t2 ; note, with, commas", "Cnt", NONE, 't', 4, -1, 0, "Cnt, t"},
+                 {"Cnt, t2", "Cnt", NONE, 't', 4, -1, 0, "Cnt, t"},
                  {"\t 3 : Motor ,u2 ", "3 : Motor", NONE, 'u', 2, 3, 0, "3 : Motor, u2"},
                  {"3:Known, u2", "3:Known", 0x300, 'u', 2, 3, 0, "3:Known, u2"},
                  {"16:Motor, u2", "16:Motor", NONE, 'u', 2, -1, 0, "16:Motor, u2"},
@@ -76,7 +76,7 @@ TEST_F(LItems, LinesAndTheirSavedForm)
          {"Name", "Name, u1, u2", "Name, [1], u1, u2", "[12AB]", "[], u2", " ; Name, u2"}) {
         ASSERT_EQ(load(line), 0) << line;
         EXPECT_EQ(nLItems, 0) << line;
-        EXPECT_EQ(saved(), "") << line;
+        EXPECT_EQ(saved(), line); // the user's all the same
     }
 }
 
@@ -149,8 +149,7 @@ TEST_F(LItems, AnotherMapKeepsGivenAddresses)
     EXPECT_EQ(aLItems[2].explicitAddress, 1);
     EXPECT_EQ(aLItems[3].address, NONE); // until the debug file is loaded again
     EXPECT_EQ(aLItems[4].address, NONE);
-    EXPECT_EQ(saved(), "Old, u1\r\n[0x1234], u2\r\nName, [0x50], u4\r\n&Speed, f\r\n"
-                       "&[0x8000], x4\r\n");
+    EXPECT_EQ(saved(), "Old, u1\n[0x1234], u2\nName, [0x50], u4\n&Speed, f\n&[0x8000], x4\n");
 }
 
 TEST_F(LItems, AnotherMapShowsItsAddressesAtOnce)
@@ -194,7 +193,7 @@ TEST_F(LItems, SavingRefusesWithOneMessageAndKeepsTheName)
     EXPECT_EQ(SaveDbgAs(mainPanel), -1);
     EXPECT_EQ(HL_GetPopups().back(), "Error: Error: debug file empty.");
     ASSERT_EQ(load(";nothing\n"), 0);
-    EXPECT_EQ(saved(), ""); // an empty list that was loaded may be saved
+    EXPECT_EQ(saved(), ";nothing\n"); // an empty list that was loaded may be saved
     IsDBGChange = 1;
     const std::string name = path("no/such/folder.dbg");
     HL_PushAnswer(1, name);

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
@@ -94,12 +96,13 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
     for (const auto &row : cases) {
         uint32_t address = 0;
         const char *name = nullptr;
-        ASSERT_EQ(0, ReadMap(Write(row.line + "\r\n"))) << row.line;
-        ASSERT_EQ(row.name != nullptr ? 1 : 0, nNodes) << row.line;
+        const int expected = row.name != nullptr ? 0 : MAP_ERR_NO_SYMBOL;
+        ASSERT_EQ(expected, ReadMap(Write(row.line + "\r\n"))) << row.line;
         if (row.name == nullptr)
             continue;
+        ASSERT_EQ(1, nNodes) << row.line;
         EXPECT_STREQ(row.name, aVarNode[0].name) << row.line;
-        ASSERT_TRUE(MAP_ParseC166Line(row.line.c_str(), &address, &name));
+        ASSERT_EQ(MAP_SYMBOL, MAP_ParseC166Line(row.line.c_str(), &address, &name));
         EXPECT_EQ(aVarNode[0].addr, address);
     }
     EXPECT_TRUE(isID166(name64.c_str()));
@@ -122,6 +125,32 @@ TEST_F(MapFiles, TakesTMSLinesByTheirColumns)
     ASSERT_EQ(2, nNodes);
     EXPECT_EQ(0x18004u, Address("_speed"));
     EXPECT_EQ(0x18008u, Address("_ramp"));
+}
+
+// Newer linkers write the page in front.
+TEST_F(MapFiles, TakesTMSLinesWithPages)
+{
+    Procesor = CPU_F2803X;
+    const std::string text = "GLOBAL SYMBOLS: SORTED ALPHABETICALLY BY Name\r\n\r\n"
+                             "page  address   name                \r\n"
+                             "----  -------   ----                \r\n"
+                             "1     00000bc0  AdcMirror           \r\n"
+                             "0     003f4000  C$$EXIT             \r\n"
+                             "abs   00000400  __STACK_END         \r\n"
+                             "12    0000c002 _speed\r\n"
+                             "1     8000c004  _far\r\n"
+                             "abs   ffffffff  ___binit__\r\n"
+                             "1234  0000c006  _no_page\r\n"
+                             "bss   0000c008  _no_word\r\n"
+                             "0     0000c00a  00000d67  main.obj (.text)\r\n"
+                             "0     0000c00c0 _nine\r\n"
+                             "1     0000c00e\r\n"
+                             "1     00000bc0  AdcMirror           \r\n";
+    ASSERT_EQ(0, Read_TMS_Map(Write(text)));
+    ASSERT_EQ(3, nNodes);
+    EXPECT_EQ(0x1780u, Address("AdcMirror"));
+    EXPECT_EQ(0x800u, Address("__STACK_END"));
+    EXPECT_EQ(0x18004u, Address("_speed"));
 }
 
 TEST_F(MapFiles, KeepsTMSSymbolsApartWhileAC166IsSelected)
@@ -150,26 +179,81 @@ TEST_F(MapFiles, KeepsTMSSymbolsApartWhileAC166IsSelected)
 TEST_F(MapFiles, AFileThatCannotBeReadChangesNothing)
 {
     ASSERT_EQ(0, map2node(Write(Columns({{0, "0FA00H"}, {9, "own"}, {46, "NDATA"}}))));
-    EXPECT_EQ(-2, map2node("no/such/file"));
-    EXPECT_EQ(-2, map2node(testing::TempDir().c_str())); // a folder
-    EXPECT_EQ(0xFA00u, Address("own"));
-    EXPECT_EQ(path, mapFile);
-    EXPECT_EQ(OPEN_MAP_FILE, openStruct);
-    // What opens but holds no symbol is an empty map; binary and endless lines do no harm.
-    EXPECT_EQ(0, map2node(Write(std::string(3000, '\0') + std::string(9000, 'H'))));
-    EXPECT_EQ(0, nNodes);
+    const struct {
+        int processor, result;
+        std::string file; // a name without blanks, or a text
+    } cases[] = {
+        {CPU_C167, MAP_ERR_OPEN, "no/such/file"},
+        {CPU_C167, MAP_ERR_OPEN, testing::TempDir()}, // a folder
+        {CPU_C167, MAP_ERR_OPEN, "/dev/zero"},
+        {CPU_F283XX, MAP_ERR_OPEN, "/dev/zero"},
+        {CPU_C167, MAP_ERR_NO_SYMBOL, " "},
+        {CPU_C167, MAP_ERR_NO_SYMBOL, "speed, u2 ; a list\n[0FA00H], u2\n"},
+        {CPU_C167, MAP_ERR_NO_SYMBOL, "0000C002   _other_processors\n"},
+        {CPU_F2803X, MAP_ERR_NO_SYMBOL, Columns({{0, "0FA00H"}, {9, "c"}, {46, "NDATA"}})},
+        {CPU_C167, MAP_ERR_NO_SYMBOL, std::string(3000, '\0') + " " + std::string(9000, 'H')}};
+    for (const auto &c : cases) {
+        const bool isText = c.file.find(' ') != std::string::npos;
+        Procesor = c.processor;
+        const std::string file = isText ? Write(c.file) : c.file;
+        const int result =
+            c.processor != CPU_C167 ? TMSmap2node(file.c_str()) : map2node(file.c_str());
+        EXPECT_EQ(c.result, result) << c.file;
+        EXPECT_EQ(0xFA00u, Address("own"));
+        EXPECT_EQ(path, mapFile);
+        EXPECT_EQ(OPEN_MAP_FILE, openStruct);
+    }
+    // A map behind the station is not lost either, and no reader keeps its file open.
+    Procesor = CPU_C167;
+    ASSERT_EQ(0, TMSmap2node(Write("0000C002   _far\n")));
+    for (int i = 0; i < 250; ++i)
+        ASSERT_EQ(MAP_ERR_NO_SYMBOL, TMSmap2node(Write("no map")));
+    ASSERT_EQ(0, map2node(Write(Columns({{0, "0FA02H"}, {9, "own"}, {46, "NDATA"}}))));
+    EXPECT_EQ(0xC002u, inStruct("&_far", aVarTMSNode, nTMSNodes));
 }
 
-TEST_F(MapFiles, CountsWhatDoesNotFitInOneMessage)
+// A TMS320 map lists its symbols by name and again by address.
+TEST_F(MapFiles, CountsWhatDoesNotFitInOneMessageAndDoublesNot)
 {
-    std::string text;
-    for (int i = 0; i < NODES_MAX + 12; ++i)
-        text +=
-            Columns({{0, "0FA00H"}, {9, ("v" + std::to_string(i)).c_str()}, {46, "NDATA"}}) + "\n";
-    ASSERT_EQ(0, ReadMap(Write(text)));
-    EXPECT_EQ(NODES_MAX, nNodes);
+    const struct {
+        int symbols, lists, longNames;
+        std::vector<std::string> parts; // of the one message
+    } cases[] = {{3000, 2, 0, {}},
+                 {NODES_MAX, 3, 0, {}},
+                 {NODES_MAX + 12, 2, 0, {"has 12 symbols more than the table can hold (5000)"}},
+                 {1, 2, 1, {"more than 64 characters: 1 symbol."}},
+                 {NODES_MAX + 1, 2, 3, {"has 1 symbols more", "characters: 3 symbols."}}};
+    Procesor = CPU_F283XX;
+    for (const auto &c : cases) {
+        HL_Reset();
+        std::string text;
+        for (int i = 0; i < c.symbols * c.lists; ++i) {
+            char line[40];
+            std::snprintf(line, sizeof line, "%08X   v%d\n", 0xC000 + i % c.symbols, i % c.symbols);
+            text += line;
+        }
+        for (int i = 0; i < c.longNames * 2; ++i)
+            text +=
+                "0000C002   " + std::string(static_cast<size_t>(65 + i % c.longNames), 'n') + "\n";
+        ASSERT_EQ(0, Read_TMS_Map(Write(text)));
+        EXPECT_EQ(std::min(c.symbols, NODES_MAX), nNodes);
+        EXPECT_EQ(2u * (0xC000u + static_cast<uint32_t>(c.symbols - 1) % NODES_MAX),
+                  Address(("v" + std::to_string((c.symbols - 1) % NODES_MAX)).c_str()));
+        ASSERT_EQ(c.parts.empty() ? 0u : 1u, HL_GetPopups().size());
+        for (const std::string &part : c.parts)
+            EXPECT_NE(std::string::npos, HL_GetPopups()[0].find(part)) << HL_GetPopups()[0];
+    }
+    // The names at the end of C166 lines are the only ones that can be too long there.
+    Procesor = CPU_C167;
+    const std::string name(70, 'n');
+    Write(Columns({{0, "0FA00H"}, {9, "own"}, {46, "NDATA"}}) + "\n" +
+          Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "float"}, {31, name.c_str()}}) + "\n" +
+          Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "label"}, {31, name.c_str()}}) + "\n");
+    HL_Reset();
+    ASSERT_EQ(0, ReadMap(path.c_str()));
+    EXPECT_EQ(1, nNodes);
     ASSERT_EQ(1u, HL_GetPopups().size());
-    EXPECT_NE(std::string::npos, HL_GetPopups()[0].find("has 12 symbols more"));
+    EXPECT_NE(std::string::npos, HL_GetPopups()[0].find("characters: 1 symbol."));
 }
 
 TEST_F(MapFiles, LoadsByDialogAndReloadsWithout)

@@ -36,6 +36,8 @@ struct Transcript : ConsoleRig, testing::WithParamInterface<const char *> {
             uint32_t value = 0;
             words >> std::hex >> address >> value;
             SIM_PokeTMS(target, STATION, address, value);
+        } else if (verb == "modbus") {
+            ChangeProtocol();
         } else if (verb == "gate") {
             VR_isFullCommandSet = false;
         } else {
@@ -70,7 +72,7 @@ TEST_P(Transcript, BoxShowsIt)
 
 INSTANTIATE_TEST_SUITE_P(Files, Transcript,
                          testing::Values("c166", "tms", "gate", "write", "arrays", "binary",
-                                         "settings"),
+                                         "settings", "modbus"),
                          [](const auto &name) { return std::string(name.param); });
 
 // --- line entry ----------------------------------------------------------------------------
@@ -141,7 +143,8 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         int start;
     } cases[] = {
         {"pro", "procesor", 0},
-        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3test l3write",
+        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3read l3test l3verify "
+         "l3write",
          0},
         {"!fi", "final.scr first.scr", 1},
         {"write 2, 5, n", "nCount", 12},

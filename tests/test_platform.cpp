@@ -13,6 +13,7 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <vector>
 
 namespace {
 
@@ -184,6 +185,127 @@ TEST(SafeFile, OldOrNewButNeverHalf)
     EXPECT_EQ(SAF_Commit(&safe), -1);
     EXPECT_EQ(ReadFileText(path), "two");
     EXPECT_NE(access(temp.c_str(), F_OK), 0);
+}
+
+TEST(SafeFile, TemporaryFilesAreMadeAnewAndCleanedUp)
+{
+    const ScratchFolder dir;
+    const std::string path = dir.path + "/list.dbg", victim = dir.path + "/victim";
+    const std::string own = path + "." + std::to_string(PLT_ProcessId());
+    const auto exists = [](const std::string &name) { return access(name.c_str(), F_OK) == 0; };
+    // A link that waits where the new text goes is not written through, nor removed.
+    WriteFileText(victim, "precious");
+    ASSERT_EQ(symlink("victim", (own + ".tmp").c_str()), 0);
+    ASSERT_EQ(Save(path, "one", true), 0);
+    EXPECT_EQ(ReadFileText(path), "one");
+    EXPECT_EQ(ReadFileText(victim), "precious");
+    EXPECT_EQ(unlink((own + ".tmp").c_str()), 0);
+
+    // What a dead process has left goes, also one that had our number; another file's and a
+    // living process's stay, and so does one that is being written.
+    const pid_t child = fork();
+    if (child == 0)
+        _exit(0);
+    ASSERT_EQ(waitpid(child, nullptr, 0), child);
+    const std::string dead = "." + std::to_string(child) + ".tmp";
+    const std::vector<std::string> stale = {path + dead, own + ".tmp", own + "-3.tmp"};
+    const std::vector<std::string> others = {dir.path + "/list.dbg2" + dead,
+                                             path + ".1.tmp",
+                                             path + "..tmp",
+                                             path + ".x1.tmp",
+                                             path + "." + std::to_string(child) + "-.tmp",
+                                             path + dead + ".txt"};
+    for (const std::string &name : stale)
+        WriteFileText(name, "half");
+    for (const std::string &name : others)
+        WriteFileText(name, "mine");
+    SafeFile open;
+    ASSERT_EQ(SAF_Open(&open, path, "wb"), 0);
+    const std::string held = open.tempPath;
+    ASSERT_EQ(Save(path, "two", true), 0);
+    EXPECT_EQ(ReadFileText(path), "two");
+    for (const std::string &name : stale)
+        EXPECT_TRUE(name == held || !exists(name)) << name;
+    for (const std::string &name : others)
+        EXPECT_EQ(ReadFileText(name), "mine") << name;
+    std::fputs("three", open.file);
+    EXPECT_EQ(SAF_Commit(&open), 0);
+    EXPECT_EQ(ReadFileText(path), "three");
+    EXPECT_FALSE(exists(held));
+}
+
+TEST(SafeFile, LongNamesAreSavedAndCleanedUpToo)
+{
+    const ScratchFolder dir;
+    const std::string first = dir.path + "/" + std::string(254, 'n') + "1";
+    const std::string second = dir.path + "/" + std::string(254, 'n') + "2";
+    SafeFile one, two;
+    ASSERT_EQ(SAF_Open(&one, first, "wb"), 0);
+    ASSERT_EQ(SAF_Open(&two, second, "wb"), 0);
+    EXPECT_NE(one.tempPath, two.tempPath);
+    std::fputs("1", one.file);
+    std::fputs("2", two.file);
+    EXPECT_EQ(SAF_Commit(&one) + SAF_Commit(&two), 0);
+    EXPECT_EQ(ReadFileText(first) + ReadFileText(second), "12");
+    EXPECT_EQ(Save(dir.path + "/" + std::string(256, 'n'), "x", true), -1); // the system's limit
+}
+
+TEST(SafeFile, WriteProtectedFilesAreReplacedOnlyOnDemand)
+{
+    const ScratchFolder dir;
+    const std::string path = dir.path + "/list.dbg";
+    static int asked;
+    static bool answer;
+    WriteFileText(path, "kept");
+    ASSERT_EQ(chmod(path.c_str(), 0444), 0);
+    EXPECT_EQ(Save(path, "new", true), -1); // nobody to ask
+    SAF_SetQuestion([](const std::string &name) {
+        asked += name.find("list.dbg") != std::string::npos;
+        return answer;
+    });
+    for (const bool yes : {false, true}) {
+        answer = yes;
+        EXPECT_EQ(Save(path, "new", true), yes ? 0 : -1);
+        EXPECT_EQ(ReadFileText(path), yes ? "new" : "kept");
+    }
+    SAF_SetQuestion(nullptr);
+    EXPECT_EQ(asked, 2);
+    struct stat status;
+    ASSERT_EQ(stat(path.c_str(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777u, 0444u);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir.path), {}), 1);
+}
+
+// Names come from foreign project folders: none may act as an option of the program that
+// is to show the file.
+TEST(Launch, FileNamesAreNeverOptions)
+{
+    const ScratchFolder dir(true);
+    WriteFileText("show", "#!/bin/sh\nprintf '%s\\n' \"$@\" > out.part; mv out.part out\n");
+    ASSERT_EQ(chmod("show", 0755), 0);
+    WriteFileText("xdg-open", ReadFileText("show"));
+    ASSERT_EQ(chmod("xdg-open", 0755), 0);
+    setenv("DISPLAY", ":none", 1);
+    setenv("VISUAL", (dir.path + "/show --wait").c_str(), 1);
+    const std::string path = std::getenv("PATH");
+    setenv("PATH", (dir.path + ":" + path).c_str(), 1);
+    const struct {
+        int (*open)(const std::string &);
+        const char *name, *given;
+    } cases[] = {{PLT_OpenInEditor, "-c:!touch owned", "--wait\n./-c:!touch owned\n"},
+                 {PLT_OpenInEditor, "+1", "--wait\n./+1\n"},
+                 {PLT_OpenInEditor, "/abs", "--wait\n/abs\n"},
+                 {PLT_OpenInViewer, "http://x", "./http://x\n"}};
+    for (const auto &c : cases) {
+        std::filesystem::remove("out");
+        EXPECT_EQ(c.open(c.name), 0);
+        for (int ms = 0; ms < PATIENCE_MS && ReadFileText("out").empty(); ++ms)
+            PLT_SleepMs(1);
+        EXPECT_EQ(ReadFileText("out"), c.given);
+    }
+    setenv("PATH", path.c_str(), 1);
+    unsetenv("VISUAL");
+    unsetenv("DISPLAY");
 }
 
 TEST(Launch, KeepsArgumentsTogetherAndLeavesNothingBehind)

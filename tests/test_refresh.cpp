@@ -437,6 +437,8 @@ TEST_F(Refresh, WritingValues)
                  {"[8000], t", "3", 2, 0xAAAAAAAAAA000003}, // the high byte is no minutes
                  {"[8000], u8", "1", 2, 1},
                  {"[8001], b", "1111 0000", 2, 0xF001}};
+    uint8_t first = 0;
+    ASSERT_EQ(UCM_Read(STATION, 0, 1, &first), 0); // in step from here on
     for (const auto &c : cases) {
         ASSERT_EQ(load(std::string(c.line) + "\n"), 0);
         std::string message;

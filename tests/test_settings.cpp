@@ -1,13 +1,20 @@
 // The settings file: every key read and written, files that are odd or hostile, and
 // that a failed save leaves the old file alone.
+#include <cstring>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "app/ini_file.h"
+#include "app/rooms.h"
+#include "app/startup.h"
+#include "comm/communication.h"
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
 #include "support/scratch.h"
 #include "support/ui_reading.h"
 #include "symbols/mapfile.h"
+#include "symbols/typemap.h"
+#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "watch/list/litem.h"
 #include "watch/windows/map_loading.h"
@@ -16,6 +23,8 @@ namespace {
 
 // The storage class stands in column 46.
 const std::string MAP_LINE = "0FA00H   counter" + std::string(30, ' ') + "NDATA\n";
+const char TYPES[] = "## 1 VARS\n1: 'counter' _@0x122\n## 0 TYPES\n## 1 STRUCTS\n# 1 / 1:\n"
+                     "'x' _@0x122\n";
 
 class Settings : public testing::Test {
 protected:
@@ -39,10 +48,18 @@ protected:
         bRate = 19200;
         VR_enAppMode = MODE_NORMAL;
         nDebugFileNames = openStruct = nLItems = openLItems = 0;
+        FreeNodes(aVarNode, &nNodes);
         szaDebugFileNames = {};
         szDebugFileName.clear();
         szMapFileName.clear();
+        TMS_mapFile.clear();
+        TMF_szFileName.clear();
+        TMF_CleanTables();
+        FreeNodes(aVarTMSNode, &nTMSNodes);
+        FreeNodes(aVarNode166, &nNodes166);
+        openTMSStruct = openStruct166 = OPEN_NONE;
         VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
+        SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
     }
     // Reads settings and gives what a save makes of them.
     static std::string Round(const std::string &text)
@@ -51,7 +68,21 @@ protected:
         WriteFileText("Vireo2.ini", text);
         EXPECT_EQ(0, OpenIniFile(mainPanel));
         EXPECT_EQ(0, SaveIniFile());
-        return ReadFileText("Vireo2.ini");
+        return Saved();
+    }
+    // The file, each of whose lines must end in CR LF, without the CRs.
+    static std::string Saved()
+    {
+        std::string text = ReadFileText("Vireo2.ini");
+        for (size_t i = text.find('\n'); i != std::string::npos; i = text.find('\n', i)) {
+            EXPECT_TRUE(i > 0 && text[i - 1] == '\r') << text;
+            text.erase(i - 1, 1);
+        }
+        return text;
+    }
+    static std::string Message()
+    {
+        return UiText(mainPanel, MAIN_MESSAGE);
     }
     const ScratchFolder folder{true};
 };
@@ -63,10 +94,16 @@ TEST_F(Settings, EveryKeySurvives)
     WriteFileText("a.m66", MAP_LINE);
     WriteFileText("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
-                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n";
+                            "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n"
+                            "m2, t.map\ntm, t.tmf\n";
+    WriteFileText("t.map", "0000C002   _speed\n");
+    WriteFileText("t.tmf", TYPES);
     EXPECT_EQ(all, Round(all));
     VR_isWatchView = false;
     EXPECT_EQ("a.m66", szMapFileName);
+    EXPECT_EQ(0xC002u, inStruct("&_speed", aVarTMSNode, nTMSNodes));
+    EXPECT_EQ(1, TMF_cnDefVars);
+    EXPECT_EQ("", Message());
     VR_isFullOnce = true; // --full as well: what the file says stays
     ASSERT_EQ(0, OpenIniFile(mainPanel));
     EXPECT_FALSE(VR_isFullOnce);
@@ -76,10 +113,10 @@ TEST_F(Settings, EveryKeySurvives)
     EXPECT_EQ(stamp, szMapFileStamp);
     VR_isFullOnce = true; // an option of one run
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ(std::string::npos, ReadFileText("Vireo2.ini").find("full"));
+    EXPECT_EQ(std::string::npos, Saved().find("full"));
     openStruct = OPEN_FROM_MEMORY;
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_NE(std::string::npos, ReadFileText("Vireo2.ini").find("\nm\n"));
+    EXPECT_NE(std::string::npos, Saved().find("\nm\n"));
 }
 
 TEST_F(Settings, LinesMeanWhatTheySay)
@@ -104,7 +141,6 @@ TEST_F(Settings, LinesMeanWhatTheySay)
         EXPECT_EQ(expected, Round(c.line)) << c.line;
     }
     for (const char *line : {"r, F28335\n", "b, 1, 2, 3\n", "B, 9600\n", "t, modbus\n",
-                             "d0, missing.dbg\nm, missing.m66\nmt, missing.m28xt\n",
                              "d12, x\nd, \n;d1, x\n,\n,,\n", "d1\nd2,\nd3, ; none\n"})
         EXPECT_EQ(DEFAULTS, Round(line)) << line;
 }
@@ -159,11 +195,120 @@ TEST_F(Settings, MapReaderIsThatOfTheProcessorSoFar)
     WriteFileText("t.map", "0000C002   _speed\n");
     Round("m, t.map\nr, F283xx\n");
     EXPECT_EQ(0, nNodes) << "read as a C166 map";
+    EXPECT_EQ("Map file 't.map' holds no symbol for the selected processor.", Message());
     Round("r, F283xx\nm, t.map\n");
     ASSERT_EQ(1, nNodes);
     EXPECT_EQ(0x18004u, aVarNode[0].addr);
     Round("mt, t.map\n");
     EXPECT_EQ("t.map", szMapFileName);
+}
+
+// A drive that is not plugged in must not cost the user the names on it; both are said, and
+// the second does not hide the first.
+TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
+{
+    const std::string kept = "r, AC166\nt, COM166\no+\nm, missing.m66\nd0, x, y ; z.dbg\n"
+                             "b, 19200\np, 1\ns, 1\nCOM, WIN32\nm2, missing.map\ntm, missing.tmf\n";
+    EXPECT_EQ(kept, Round(kept));
+    EXPECT_EQ("Map file 'missing.m66' cannot be opened. Debug file 'x' cannot be opened. "
+              "Map file 'missing.map' cannot be opened. "
+              "Type map file 'missing.tmf' cannot be opened.",
+              Message());
+    EXPECT_EQ(kept, Round(Saved()));
+    EXPECT_EQ("", szMapFileName + szDebugFileName + TMS_mapFile + TMF_szFileName);
+    // What takes the place replaces the name; what was there before comes back by itself.
+    WriteFileText("a.m66", MAP_LINE);
+    WriteFileText("w.dbg", "counter, u2\n");
+    WriteFileText("t.map", "0000C002   _speed\n");
+    WriteFileText("t.tmf", TYPES);
+    ASSERT_EQ(0, map2node("a.m66"));
+    szMapFileName = "a.m66";
+    szDebugFileName = "w.dbg";
+    ASSERT_EQ(0, TMSmap2node("t.map"));
+    ASSERT_EQ(0, TMF_OpenMap("t.tmf"));
+    ASSERT_EQ(0, SaveIniFile());
+    EXPECT_EQ(std::string::npos, Saved().find("missing"));
+    EXPECT_NE(std::string::npos, Saved().find("\nm2, t.map\ntm, t.tmf\n"));
+    // The second map waits while a TMS320 is selected.
+    const std::string waiting = "r, F283xx\nm2, t.map\n";
+    EXPECT_NE(std::string::npos, Round(waiting).find("\nm2, t.map\n"));
+    EXPECT_EQ("", Message());
+    EXPECT_EQ(0, nNodes);
+    Round("m, /dev/zero\nd0, .\nm2, a\033]0;b\n");
+    EXPECT_EQ(
+        "Map file '/dev/zero' is a folder, device or pipe. Debug file '.' is a folder, device or "
+        "pipe. Map file 'a.]0' cannot be opened.",
+        Message());
+}
+
+TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
+{
+    const struct {
+        const char *text, *says;
+    } cases[] = {{"s, 15\nb, 110\np, 256\n", ""},
+                 {"s, 0\nb, 4000000\np, 1\n", ""},
+                 {"s, 16\n", "Vireo2.ini, line 1: station 16 is outside 0 to 15."},
+                 {"\ns, -1\n", "Vireo2.ini, line 2: station -1 is outside 0 to 15."},
+                 {"s, 247\nt, MODBUS\n", ""},
+                 {"t, MODBUS\ns, 248\n", "Vireo2.ini, line 2: station 248 is outside 0 to 247."},
+                 {"s, 99\ns, 3\n", ""},
+                 {";\n\nb, fast\np, 0\n",
+                  "Vireo2.ini, line 3: baud rate 0 is outside 110 to 4000000. "
+                  "Vireo2.ini, line 4: port 0 is outside 1 to 256."}};
+    for (const auto &c : cases) {
+        Round(c.text);
+        EXPECT_EQ(c.says, Message()) << c.text;
+        EXPECT_EQ(c.says, INI_GetRangeProblem());
+    }
+    STATION = 3; // changed by the user since
+    ncom = 4;
+    EXPECT_EQ("Vireo2.ini, line 3: baud rate 0 is outside 110 to 4000000.", INI_GetRangeProblem());
+    // Said again when communication is switched on.
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
+    VR_ConnectRooms();
+    VIR2_StartPeriodicASC();
+    VIR2_StopPeriodicASC();
+    EXPECT_EQ(INI_GetRangeProblem(), Message());
+}
+
+TEST_F(Settings, WithoutAFileTheRegistersAreKnown)
+{
+    Procesor = CPU_C167;
+    EXPECT_EQ(-2, OpenIniFile(mainPanel));
+    EXPECT_EQ(0xFF12u, inStruct("SYSCON", aVarNode166, nNodes166));
+    EXPECT_EQ("", Message());
+    EXPECT_EQ(0, SaveIniFile());
+    EXPECT_EQ("r, AC167\n", Saved().substr(0, 9));
+}
+
+// What could not be read is not written over, and what says the same already is not written.
+TEST_F(Settings, SavingTouchesNoFileItDoesNotKnow)
+{
+    WriteFileText("Vireo2.ini", "s, 9\n");
+    std::filesystem::resize_file("Vireo2.ini", 1 << 21);
+    EXPECT_EQ(-2, OpenIniFile(mainPanel));
+    EXPECT_NE(std::string::npos, Message().find("is too large: the settings will not be saved."));
+    EXPECT_EQ(1, STATION);
+    EXPECT_EQ(-1, SaveIniFile());
+    EXPECT_EQ("Error open Ini file", Message());
+    EXPECT_EQ("s, 9\n", ReadFileText("Vireo2.ini").substr(0, 5));
+    std::filesystem::remove("Vireo2.ini");
+    ASSERT_EQ(0, mkfifo("Vireo2.ini", 0600));
+    EXPECT_EQ(-2, OpenIniFile(mainPanel)); // at once
+    EXPECT_EQ(-1, SaveIniFile());
+    std::filesystem::remove("Vireo2.ini");
+
+    Round("s, 9\n");
+    ASSERT_EQ(0, chmod("Vireo2.ini", 0444));
+    EXPECT_EQ(0, SaveIniFile());
+    STATION = 8; // a write-protected file: the user says no, then yes
+    VR_ConnectRooms();
+    HL_PushAnswer(0);
+    EXPECT_EQ(-1, SaveIniFile());
+    HL_PushAnswer(1);
+    EXPECT_EQ(0, SaveIniFile());
+    EXPECT_NE(std::string::npos, Saved().find("\ns, 8\n"));
+    EXPECT_EQ(2u, HL_GetPopups().size());
 }
 
 TEST_F(Settings, FailedSaveLeavesTheOldFile)
@@ -174,8 +319,23 @@ TEST_F(Settings, FailedSaveLeavesTheOldFile)
     std::filesystem::rename(folder.path, folder.path + ".away");
     EXPECT_EQ(-1, SaveIniFile());
     EXPECT_EQ("Error open Ini file", UiText(mainPanel, 9));
+    // A program that ends so says it to those who started it.
+    QuitUserInterface(0);
+    EXPECT_EQ(0, ExitApplication(mainPanel));
+    EXPECT_EQ(1, RunUserInterface());
     std::filesystem::rename(folder.path + ".away", folder.path);
     EXPECT_EQ("s, 9\n", ReadFileText("Vireo2.ini"));
+    ASSERT_EQ(0, ExitApplication(mainPanel));
+    EXPECT_EQ(0, RunUserInterface());
+    EXPECT_NE(std::string::npos, Saved().find("\ns, 9\n"));
+    // Written whole beside the old file, never in place: who reads it meanwhile has a whole one.
+    std::FILE *reader = std::fopen("Vireo2.ini", "rb");
+    STATION = 5;
+    ASSERT_EQ(0, SaveIniFile());
+    char old[400] = "";
+    EXPECT_GT(std::fread(old, 1, sizeof old - 1, reader), 0u);
+    EXPECT_NE(nullptr, std::strstr(old, "\ns, 9\r\n"));
+    std::fclose(reader);
 }
 
 } // namespace

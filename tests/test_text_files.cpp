@@ -1,3 +1,4 @@
+#include "platform/plain_file.h"
 #include "support/scratch.h"
 #include "text/txfr.h"
 #include "text/txfrw.h"
@@ -6,6 +7,7 @@
 
 #include <cstring>
 #include <string>
+#include <sys/stat.h>
 #include <vector>
 
 namespace {
@@ -37,6 +39,10 @@ TEST_F(TextFiles, EveryLineEndEndsALine)
                  {"", {}},
                  {"last", {"last"}},
                  {std::string("ab\0cd\nef\n\0\ngh", 13), {"ab", "ef", "", "gh"}},
+                 {"\xEF\xBB\xBF"
+                  "a\n",
+                  {"a"}},
+                 {"a\n\xEF\xBB\xBF", {"a", "\xEF\xBB\xBF"}}, // only at the start
                  {std::string("\0\0\0", 3), {}}};
     for (const auto &c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.content));
@@ -78,6 +84,61 @@ TEST_F(TextFiles, LongLinesComeInPieces)
     EXPECT_EQ(TXFR_RdLine(handle, buffer, 1), -1); // no room: closes
     EXPECT_EQ(TXFR_Close(handle), -1);
     EXPECT_EQ(TXFR_Open(testing::TempDir().c_str()), -1);
+}
+
+// A line that goes on behind a NUL is dropped in pieces no longer than the buffer: the next
+// call comes soon, and the text of the next line is whole.
+TEST_F(TextFiles, DroppedBytesFillTheBufferToo)
+{
+    const std::string content = "ab" + std::string(3000, '\0') + "cd\nnext\n";
+    WriteFileText(path, content);
+    for (const int handle :
+         {TXFR_Open(path.c_str()), TXFR_OpenMemory(content.data(), content.size())}) {
+        char buffer[1000];
+        EXPECT_EQ(TXFR_RdLine(handle, buffer, sizeof buffer), 2);
+        EXPECT_EQ(TXFR_IsBrokenLine(handle), 1);
+        EXPECT_EQ(TXFR_GetFilePos(handle), 999);
+        int pieces = 1;
+        for (; TXFR_IsBrokenLine(handle) == 1; ++pieces)
+            EXPECT_EQ(TXFR_RdLine(handle, buffer, sizeof buffer), 0);
+        EXPECT_EQ(pieces, 4);
+        EXPECT_EQ(TXFR_RdLine(handle, buffer, sizeof buffer), 4);
+        EXPECT_STREQ(buffer, "next");
+        EXPECT_EQ(TXFR_Close(handle), 0);
+    }
+    EXPECT_EQ(TXFRW_Open(path.c_str(), "r"), -1); // too long, though its text is not
+}
+
+// What has no end, or blocks whoever opens it, is refused before a byte of it is read.
+TEST_F(TextFiles, OnlyPlainFilesAreOpened)
+{
+    const std::string pipe = folder.path + "/pipe", large = folder.path + "/large";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    WriteFileText(large, "");
+    const struct {
+        std::string name;
+        int result;
+    } cases[] = {{pipe, PLF_ERR_SPECIAL},        {folder.path, PLF_ERR_SPECIAL},
+                 {"/dev/zero", PLF_ERR_SPECIAL}, {large, PLF_ERR_LARGE},
+                 {"no/such", PLF_ERR_OPEN},      {"", PLF_ERR_OPEN}};
+    std::filesystem::resize_file(large, PLF_SIZE_MAX + 1); // full of nothing
+    for (const auto &c : cases) {
+        std::string text = "old";
+        EXPECT_EQ(PLF_ReadAll(c.name, PLF_SIZE_MAX, &text), c.result) << c.name;
+        EXPECT_EQ(text, "");
+        EXPECT_STREQ(PLF_WhyUnreadable(c.name), PLF_ErrorText(c.result));
+        EXPECT_EQ(TXFR_Open(c.name.c_str()), -1) << c.name;
+        EXPECT_EQ(TXFRW_Open(c.name.c_str(), "r"), -1) << c.name;
+    }
+    std::filesystem::resize_file(large, PLF_SIZE_MAX);
+    const int handle = TXFR_Open(large.c_str());
+    EXPECT_EQ(handle, 0); // no slot was lost on the way
+    EXPECT_EQ(TXFR_Close(handle), 0);
+    std::string some;
+    EXPECT_EQ(PLF_ReadAll(path, 3, &some), PLF_ERR_OPEN);
+    WriteFileText(path, "abc");
+    EXPECT_EQ(PLF_ReadAll(path, 3, &some), PLF_OK);
+    EXPECT_EQ(some, "abc");
 }
 
 TEST_F(TextFiles, HandlesRunOut)

@@ -18,6 +18,15 @@ std::string Header(const std::string &type, int count)
     return "Ulozeni pole: '8000[" + std::to_string(count) + "]', typ: " + type + ".\n";
 }
 
+// As it stands in a file.
+std::string CrLf(const std::string &text)
+{
+    std::string lines;
+    for (const char c : text)
+        lines += c == '\n' ? std::string("\r\n") : std::string(1, c);
+    return lines;
+}
+
 TEST_F(Transfer, SavedArraysLoadBack)
 {
     const struct {
@@ -37,7 +46,7 @@ TEST_F(Transfer, SavedArraysLoadBack)
             std::string(", ") + c.type + ", " + std::to_string(count) + ", a.txt";
         Poke(0x8000, c.bytes);
         Run("save 8000H" + arguments);
-        EXPECT_EQ(ReadFile("a.txt"), Header(c.upper, count) + c.lines);
+        EXPECT_EQ(ReadFile("a.txt"), CrLf(Header(c.upper, count) + c.lines));
         Run("load 9000H" + arguments);
         EXPECT_EQ(Peek(0x9000, c.bytes.size()), c.bytes) << c.type;
     }
@@ -61,7 +70,7 @@ TEST_F(Transfer, SaveCountsBytesInSixteenBits)
 {
     Run("save 8000H, i2, 40000, a.txt");
     const std::string text = ReadFile("a.txt");
-    EXPECT_EQ(text.substr(0, text.find('\n') + 1), Header("I2", 40000));
+    EXPECT_EQ(text.substr(0, text.find('\n') + 1), CrLf(Header("I2", 40000)));
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 1 + (80000 - 65536) / 2);
 }
 

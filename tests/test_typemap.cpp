@@ -81,7 +81,7 @@ TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
 {
     ASSERT_EQ(0, Load(SHAPES));
     EXPECT_EQ(9, TMF_cnDefVars);
-    const std::string name51(51, 'n');
+    const std::string name64(64, 'n');
     const struct {
         const char *from;
         std::string to;
@@ -97,8 +97,8 @@ TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
                  {"# 1 / 2:", "# 1 / 2: x", -1},
                  {"'pair'", "''", -1},
                  {"'pair'", "'2pair'", -1},
-                 {"'pair'", "'" + name51 + "'", 0},
-                 {"'pair'", "'" + name51 + "n'", -1},
+                 {"'pair'", "'" + name64 + "'", 0},
+                 {"'pair'", "'" + name64 + "n'", -1},
                  {"_@0x242  \n", "_@0x242 x\n", -1},
                  {"_@0x242  \n", "_@0x242 _@0x1\n", -1},
                  {"_@0x242  \n", "_@242\n", -1},

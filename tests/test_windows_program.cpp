@@ -97,6 +97,33 @@ TEST_F(WindowsProgram, WatchesWritesAndMissesAPortThroughTheWin32Driver)
     EXPECT_EQ(0u, SIM_GetCounters(target).malformed);
 
     // In the same test: two at a time would take each other's port from the Wine prefix.
+    // Wine sets a pseudo terminal's parity once only: a new one for each opening.
+    const auto plugModbus = [&] {
+        SIM_Stop(target);
+        SIM_Options options;
+        options.demo = false;
+        options.modbus = true;
+        std::string error;
+        target = SIM_Start(options, &error);
+        ASSERT_TRUE(target) << error;
+        fs::remove(WinePrefix() + "/dosdevices/com5");
+        fs::create_symlink(SIM_DevicePath(target), WinePrefix() + "/dosdevices/com5");
+        SIM_Poke(target, 1, COUNTER_ADDRESS, counter, sizeof counter);
+    };
+    plugModbus();
+    std::ofstream(folder / "Vireo2.ini") << "r, AC167\nt, MODBUS\no-\np, 5\nb, 115200\ns, 1\n";
+    ASSERT_EQ(0, Run("--watch list.dbg --sweeps 2 --format csv")) << err;
+    EXPECT_NE(std::string::npos, out.find("2,,0x008000,u,2,12345,12345,0\n")) << out << err;
+    plugModbus();
+    std::ofstream(folder / "job.scr") << "write 2, 4660, 8010H\nbinsave 8000H, 433, memory.bin\n"
+                                         "mbread 3, 16384, 1\n";
+    ASSERT_EQ(0, Run("--full job.scr")) << out << err;
+    SIM_Peek(target, 1, SETPOINT_ADDRESS, written, sizeof written);
+    EXPECT_EQ(0x12, written[1]);
+    EXPECT_EQ(433u, ReadText(folder / "memory.bin").size());
+    EXPECT_NE(std::string::npos, out.find("3039h   12345     12345\n")) << out;
+    EXPECT_EQ(0u, SIM_GetCounters(target).malformed);
+
     std::ofstream(folder / "Vireo2.ini") << "r, AC167\np, 77\nb, 115200\ns, 1\nCOM, WIN32\n";
     EXPECT_EQ(1, Run("--watch list.dbg --sweeps 1"));
     EXPECT_NE(std::string::npos,

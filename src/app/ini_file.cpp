@@ -1,19 +1,25 @@
 // The settings file: one line a setting, key and value parted by a comma. Read once
-// at start, rewritten whole at shutdown. Each key is one row of a table.
+// at start, rewritten whole at shutdown. Each key is one row of a table. What the file names
+// but cannot be had now (a drive that is not plugged in) keeps its place in it.
 #include "app/ini_file.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <vector>
 
 #include "comm/ucm.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/words.h"
+#include "ui/resource.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -27,10 +33,34 @@ namespace {
 constexpr size_t LINE_MAX_CHARS = 511;
 constexpr int FIELDS_MAX = 3;
 constexpr int RECENT_READ_MAX = 8; // one more only ever takes the ninth place, uncounted
+constexpr int64_t FILE_SIZE_MAX = 1 << 20;
+constexpr int PORT_MAX = 256;
+constexpr int MODBUS_STATION_MAX = 247;
+constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
 const char RATE_FAST[] = "fast";     // sweeps a second: as the line allows
 
 std::string iniPath; // read at start, written at shutdown
+bool isUnreadable;   // there is a file, and it is not ours to write over
+
+// The line being read, for what is said about it.
+int lineNumber;
+std::string lineValue; // all that stands behind the key, as it stands
+std::vector<std::string> problems;
+
+// Files that could not be opened, as their lines had them: written again unless another
+// file has taken the place.
+struct KeptFiles {
+    std::string map, tmsMap, types, debugFile;
+};
+KeptFiles kept;
+
+// A number and the line that gave it; the menus may have changed it since.
+struct NumberLine {
+    int line = 0; // 0: no line
+    int32_t value = 0;
+};
+NumberLine baudLine, portLine, stationLine;
 
 struct Word {
     const char *text;
@@ -68,11 +98,16 @@ bool IsFile(const std::string &path)
     return !path.empty() && PLT_GetFileStamp(path, &stamp) == 0;
 }
 
-bool IsLoaded(const char *what, const std::string &path, int result)
+// Whether a file was read. One that was not is named with the reason, and its line kept.
+bool IsLoaded(const char *what, const std::string &path, int result, std::string *keptLine)
 {
-    if (result < 0)
-        VR_ShowMessage(std::string(what) + " '" + path + "' could not be opened.");
-    return result >= 0;
+    if (result >= 0)
+        return true;
+    const char *reason =
+        result == MAP_ERR_NO_SYMBOL ? MAP_ErrorText(result) : PLF_WhyUnreadable(path);
+    problems.push_back(std::string(what) + " '" + WRD_Visible(path) + "' " + reason + ".");
+    *keptLine = lineValue;
+    return false;
 }
 
 // --- keys ---------------------------------------------------------------------------
@@ -101,7 +136,7 @@ void ReadMapFile(const std::string &, const std::string &path)
         return;
     const bool isTms = IsWordAddressing(Procesor);
     const int result = isTms ? TMSmap2node(path.c_str()) : map2node(path.c_str());
-    if (!IsLoaded("Map file", path, result))
+    if (!IsLoaded("Map file", path, result, &kept.map))
         return;
     szMapFileName = path;
     GetFileStamp(&szMapFileStamp, path.c_str());
@@ -110,7 +145,7 @@ void ReadMapFile(const std::string &, const std::string &path)
 // The stamp is that of the map named before: a reload then sees the new one as changed.
 void ReadTmsMapFile(const std::string &, const std::string &path)
 {
-    if (path.empty() || !IsLoaded("Map file", path, TMSmap2node(path.c_str())))
+    if (path.empty() || !IsLoaded("Map file", path, TMSmap2node(path.c_str()), &kept.map))
         return;
     GetFileStamp(&szMapFileStamp, szMapFileName.c_str());
     szMapFileName = path;
@@ -118,11 +153,27 @@ void ReadTmsMapFile(const std::string &, const std::string &path)
 
 void ReadDebugFile(const std::string &, const std::string &path)
 {
-    if (path.empty() || !IsLoaded("Debug file", path, dat2litems(path.c_str())))
+    if (path.empty() || !IsLoaded("Debug file", path, dat2litems(path.c_str()), &kept.debugFile))
         return;
     szDebugFileName = path;
     SetMainPanelTitle();
     VR_FillDebugItems();
+}
+
+// The map of a TMS320 behind the station. With a TMS320 selected it has no use now: its line
+// waits for the C166.
+void ReadSecondMap(const std::string &, const std::string &path)
+{
+    if (IsWordAddressing(Procesor))
+        kept.tmsMap = lineValue;
+    else if (!path.empty())
+        (void)IsLoaded("Map file", path, TMSmap2node(path.c_str()), &kept.tmsMap);
+}
+
+void ReadTypes(const std::string &, const std::string &path)
+{
+    if (!path.empty())
+        (void)IsLoaded("Type map file", path, TMF_OpenMap(path.c_str()), &kept.types);
 }
 
 void ReadRecent(const std::string &, const std::string &path)
@@ -138,16 +189,19 @@ void ReadRecent(const std::string &, const std::string &path)
 void ReadBaud(const std::string &, const std::string &value)
 {
     bRate = ToNumber(value);
+    baudLine = {lineNumber, bRate};
 }
 
 void ReadPort(const std::string &, const std::string &value)
 {
     ncom = ToNumber(value);
+    portLine = {lineNumber, ncom};
 }
 
 void ReadStation(const std::string &, const std::string &value)
 {
     STATION = ToNumber(value);
+    stationLine = {lineNumber, STATION};
 }
 
 void ReadDriver(const std::string &, const std::string &value)
@@ -189,7 +243,8 @@ constexpr Key KEYS[] = {
     {"d#", true, ReadRecent},    {"b", false, ReadBaud},
     {"p", false, ReadPort},      {"s", false, ReadStation},
     {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
-    {"view", false, ReadView},   {"rate", false, ReadSweepRate},
+    {"view", false, ReadView},   {"m2", true, ReadSecondMap},
+    {"tm", true, ReadTypes},     {"rate", false, ReadSweepRate},
 };
 
 const Key *FindKey(const std::string &text)
@@ -199,6 +254,13 @@ const Key *FindKey(const std::string &text)
         if (text == key.key || (isRecent && std::string("d#") == key.key))
             return &key;
     return nullptr;
+}
+
+std::string LineText(int line)
+{
+    const size_t cut = iniPath.find_last_of("/\\");
+    return iniPath.substr(cut == std::string::npos ? 0 : cut + 1) + ", line " +
+           std::to_string(line) + ": ";
 }
 
 // A path may hold what otherwise ends it. The longest reading that names a file wins;
@@ -216,11 +278,17 @@ std::string ReadPath(const std::string &line)
         path = whole;
     else if (IsFile(noComment))
         path = noComment;
-    return path.size() < PATH_MAX_CHARS ? path : "";
+    if (path.size() < PATH_MAX_CHARS)
+        return path;
+    problems.push_back(LineText(lineNumber) + "the path has more than " +
+                       std::to_string(PATH_MAX_CHARS - 1) + " characters.");
+    return "";
 }
 
 void ApplyLine(const std::string &line)
 {
+    const size_t comma = line.find(',');
+    lineValue = comma == std::string::npos ? "" : WRD_Trim(line.substr(comma + 1));
     const std::string text = line.substr(0, line.find(';'));
     std::string fields[FIELDS_MAX];
     int count = 0;
@@ -249,38 +317,100 @@ bool ReadLine(std::FILE *file, std::string *line)
     return true;
 }
 
-void WriteWord(std::FILE *file, const char *key, const char *word)
+// "LINE: what value is outside a to b." when a number of the file is still in force and
+// cannot be meant.
+std::string RangeText(const NumberLine &number, int32_t now, const char *what, int least, int most)
 {
-    if (word)
-        std::fprintf(file, "%s, %s\n", key, word);
+    if (number.line == 0 || number.value != now || (now >= least && now <= most))
+        return "";
+    return LineText(number.line) + what + " " + std::to_string(now) + " is outside " +
+           std::to_string(least) + " to " + std::to_string(most) + ".";
 }
 
-void WritePath(std::FILE *file, const char *key, const std::string &path, const char *bareKey)
+void ReadLines(std::FILE *file)
 {
-    if (path.empty())
-        std::fprintf(file, "%s\n", bareKey);
-    else
-        WriteWord(file, key, path.c_str());
+    std::string line;
+    for (lineNumber = 1; ReadLine(file, &line); ++lineNumber) {
+        const bool isMarked = lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
+        ApplyLine(isMarked ? line.substr(3) : line);
+    }
 }
 
-void WriteSettings(std::FILE *file)
+// Behind what the loaded files had to say themselves.
+void ShowProblems()
 {
-    WriteWord(file, "r", WordOf(PROCESSORS, Procesor));
-    WriteWord(file, "t", WordOf(PROTOCOLS, VR_nProtocol));
-    std::fprintf(file, "%s\n", Option_AutoOff != 0 ? "o+" : "o-");
-    WritePath(file, "m", openStruct == OPEN_MAP_FILE ? szMapFileName : "", "m");
-    WritePath(file, "d0", szDebugFileName, "d");
+    const std::string range = INI_GetRangeProblem();
+    if (!range.empty())
+        problems.push_back(range);
+    std::string text;
+    for (const std::string &problem : problems)
+        text += (text.empty() ? "" : " ") + problem;
+    if (text.empty())
+        return;
+    std::string before;
+    if (GetCtrlVal(mainPanel, MAIN_MESSAGE, &before) == 0 && !before.empty())
+        text = before + " " + text;
+    VR_ShowMessage(text);
+}
+
+const char END_OF_LINE[] = "\r\n";
+
+void AddLine(std::string *text, const std::string &key, const std::string &value)
+{
+    *text += key + ", " + value + END_OF_LINE;
+}
+
+// A path that would break its line is left out; so is none, or only its key is written.
+void AddPath(std::string *text, const char *key, const std::string &path, const char *bareKey)
+{
+    if (!path.empty() && path.find_first_of("\r\n") == std::string::npos)
+        AddLine(text, key, path);
+    else if (bareKey != nullptr)
+        *text += std::string(bareKey) + END_OF_LINE;
+}
+
+std::string MapToWrite()
+{
+    if (openStruct == OPEN_MAP_FILE)
+        return szMapFileName;
+    return openStruct == OPEN_NONE ? kept.map : "";
+}
+
+std::string SettingsText()
+{
+    std::string text;
+    if (const char *word = WordOf(PROCESSORS, Procesor))
+        AddLine(&text, "r", word);
+    if (const char *word = WordOf(PROTOCOLS, VR_nProtocol))
+        AddLine(&text, "t", word);
+    text += std::string(Option_AutoOff != 0 ? "o+" : "o-") + END_OF_LINE;
+    AddPath(&text, "m", MapToWrite(), "m");
+    AddPath(&text, "d0", szDebugFileName.empty() ? kept.debugFile : szDebugFileName, "d");
     for (int i = 0; i < nDebugFileNames; i++)
-        std::fprintf(file, "d%i, %s\n", i + 1, szaDebugFileNames[static_cast<size_t>(i)].c_str());
-    std::fprintf(file, "b, %i\np, %i\ns, %i\n", bRate, ncom, STATION);
-    std::fprintf(file, "COM, %s\n", Option_ComWin32 != 0 ? "WIN32" : "NI");
+        AddPath(&text, ("d" + std::to_string(i + 1)).c_str(),
+                szaDebugFileNames[static_cast<size_t>(i)], nullptr);
+    AddLine(&text, "b", std::to_string(bRate));
+    AddLine(&text, "p", std::to_string(ncom));
+    AddLine(&text, "s", std::to_string(STATION));
+    AddLine(&text, "COM", Option_ComWin32 != 0 ? "WIN32" : "NI");
     if (VR_isFullCommandSet && !VR_isFullOnce)
-        std::fputs("full\n", file);
+        text += std::string("full") + END_OF_LINE;
     if (VR_isWatchView)
-        std::fputs("view, watch\n", file);
+        AddLine(&text, "view", "watch");
+    AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : kept.tmsMap, nullptr);
+    AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
     if (Option_nSweepRate != 1)
-        WriteWord(file, "rate",
-                  Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate).c_str());
+        AddLine(&text, "rate",
+                Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));
+    return text;
+}
+
+// Whether the file on disk already says the same: then there is nothing to save, and a
+// write-protected file is no failure.
+bool IsOnDisk(const std::string &text)
+{
+    std::string content;
+    return PLF_ReadAll(iniPath, FILE_SIZE_MAX, &content) == PLF_OK && content == text;
 }
 
 } // namespace
@@ -290,27 +420,50 @@ int OpenIniFile(int)
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
     const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
     iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;
-    std::FILE *file = std::fopen(iniPath.c_str(), "rt");
-    if (!file)
-        return -2;
-    std::string line;
-    bool isFirst = true;
-    for (; ReadLine(file, &line); isFirst = false)
-        ApplyLine(isFirst && line.compare(0, 3, "\xEF\xBB\xBF") == 0 ? line.substr(3) : line);
+    kept = KeptFiles();
+    baudLine = portLine = stationLine = NumberLine();
+    problems.clear();
+    std::FILE *file = nullptr;
+    const int result = PLF_Open(iniPath, FILE_SIZE_MAX, &file);
+    PLT_FileStamp stamp;
+    isUnreadable = result != PLF_OK && PLT_GetFileStamp(iniPath, &stamp) == 0;
+    if (file != nullptr) {
+        ReadLines(file);
+        std::fclose(file);
+    } else if (isUnreadable) {
+        problems.push_back("Settings file '" + iniPath + "' " + PLF_ErrorText(result) +
+                           ": the settings will not be saved.");
+    }
     if (Option_ComWin32 != 0)
         UCM_UseWin32(1);
     initRgMap(Procesor);
     VR_ResolveWatchList();
-    std::fclose(file);
-    return 0;
+    ShowProblems();
+    return result == PLF_OK ? 0 : -2;
+}
+
+std::string INI_GetRangeProblem()
+{
+    const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : STATION_MAX;
+    std::string text;
+    for (const std::string &problem : {RangeText(baudLine, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
+                                       RangeText(portLine, ncom, "port", 1, PORT_MAX),
+                                       RangeText(stationLine, STATION, "station", 0, stations)})
+        text += (text.empty() || problem.empty() ? "" : " ") + problem;
+    return text;
 }
 
 int SaveIniFile()
 {
+    const std::string text = SettingsText();
     SafeFile safe;
-    if (SAF_Open(&safe, iniPath, "wt") == 0) {
-        WriteSettings(safe.file);
-        if (SAF_Commit(&safe) == 0)
+    if (!isUnreadable && IsOnDisk(text))
+        return 0;
+    if (!isUnreadable && SAF_Open(&safe, iniPath, "wb") == 0) {
+        const bool isWritten = std::fwrite(text.data(), 1, text.size(), safe.file) == text.size();
+        if (!isWritten)
+            SAF_Cancel(&safe);
+        else if (SAF_Commit(&safe) == 0)
             return 0;
     }
     VR_ShowMessage("Error open Ini file");

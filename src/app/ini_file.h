@@ -2,7 +2,15 @@
 #ifndef APP_INI_FILE_H
 #define APP_INI_FILE_H
 
-int OpenIniFile(int panel); // 0, or -2 when there is none
-int SaveIniFile();          // 0, or -1: the file that was there is untouched
+#include <string>
+
+// Applies every line. What cannot be read or meant is said once, in the message area: all of
+// it together. 0, or -2 when there is no file; the register names are known either way.
+int OpenIniFile(int panel);
+// 0, also when the file says all that already; or -1: it is untouched, and a message says so.
+int SaveIniFile();
+// Baud rate, port or station that the file gave, that are still in force and that cannot be
+// meant, with their lines; "" when all is well.
+std::string INI_GetRangeProblem();
 
 #endif

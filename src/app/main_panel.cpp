@@ -13,6 +13,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -95,7 +96,7 @@ void RefreshRecentItems()
     }
     for (int i = 0; i < nDebugFileNames; i++) {
         const std::string &path = szaDebugFileNames[static_cast<size_t>(i)];
-        const std::string text = "__" + std::to_string(i + 1) + " " + path;
+        const std::string text = "__" + std::to_string(i + 1) + " " + WRD_Visible(path);
         const int item = NewMenuItem(menuBar, MENU_FILE, text, ITEM_RECENT_END,
                                      KEY_CTRL | ('1' + i), MenuReopenFileCB);
         anRecentItems[i] = std::max(item, 0);
@@ -119,7 +120,7 @@ std::string MapText()
     case OPEN_NONE:
         return "Map not opened.";
     case OPEN_MAP_FILE:
-        return "Map file: " + szMapFileName;
+        return "Map file: " + WRD_Visible(szMapFileName);
     case OPEN_FROM_MEMORY:
         return "Map loaded from memory.";
     default:

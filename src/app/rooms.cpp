@@ -1,13 +1,16 @@
 #include "app/rooms.h"
 
+#include "app/ini_file.h"
 #include "app/main_panel.h"
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
+#include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/age.h"
 #include "watch/list/name_changes.h"
@@ -18,9 +21,13 @@ namespace {
 
 int progressDialog = -1;
 
-// A new link starts with a clean count at the first visible line.
+// A new link starts with a clean count at the first visible line, and with a word about
+// settings that cannot work.
 void BeginRun()
 {
+    const std::string problem = INI_GetRangeProblem();
+    if (!problem.empty())
+        VR_ShowMessage(problem);
     RFR_BeginSweep();
     AGE_EndRun(); // perhaps another port, and another target on it
     nErrors = 0;
@@ -37,6 +44,12 @@ void WithdrawMessage(const std::string &text)
 void Warn(const std::string &title, const std::string &text)
 {
     MessagePopup(title, text);
+}
+
+bool MayReplace(const std::string &path)
+{
+    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
+                                      "' is write-protected. Replace it all the same?") == 1;
 }
 
 void BeginProgress(const std::string &title, const std::string &text)
@@ -75,6 +88,8 @@ void VR_ConnectRooms()
     names.advanceProgress = AdvanceProgress;
     names.endProgress = EndProgress;
     SYM_SetListener(names);
+
+    SAF_SetQuestion(MayReplace);
 
     MWN_Host window = {};
     window.showSettings = VR_ShowSettings;

@@ -21,6 +21,8 @@ int VR_nScriptResult = 0;
 
 namespace {
 
+constexpr int EXIT_UNSAVED = 1; // the settings could not be written
+
 struct PanelLoad {
     int panel;
     int parent;
@@ -64,19 +66,11 @@ void PrepareMenu()
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
 }
 
-// Without a settings file the driver must still be the one the state line names.
-void ReadSettings()
-{
-    if (OpenIniFile(mainPanel) < 0 && Option_ComWin32 != 0)
-        UCM_UseWin32(1);
-}
-
 // Nobody is there any more to be asked: what was set is kept, a changed list is not saved.
 void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
-    SaveIniFile();
-    QuitUserInterface(0);
+    QuitUserInterface(SaveIniFile() < 0 ? EXIT_UNSAVED : 0);
 }
 
 void RunScript(const char *path)
@@ -101,11 +95,11 @@ int VR_StartUp(int argc, char **argv)
     SetEndCallback(EndAtOnce);
     PrepareMenu();
     WindowCB(0, ITEM_CONSOLE_VIEW);
-    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
+    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     SuspendTimerCallbacks();
     isTimer = 0;
     GetCmdLineOptions(argc, argv);
-    ReadSettings();
+    OpenIniFile(mainPanel);
     const int script = GetCmdLineOptions(argc, argv);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
@@ -129,9 +123,9 @@ int ExitApplication(int)
         return -1;
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
-    SaveIniFile();
+    const int code = SaveIniFile() < 0 ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.
-    QuitUserInterface(0);
+    QuitUserInterface(code);
     return 0;
 }
 

@@ -18,7 +18,6 @@ namespace {
 
 // Pixels, device independent.
 constexpr int MAIN_WIDTH = 780;
-constexpr int WATCH_HEIGHT = 491;
 constexpr int MAIN_HEIGHT_MIN = 50;
 constexpr int CONSOLE_LEFT = 1;
 constexpr int CONSOLE_TOP = 21;
@@ -46,7 +45,6 @@ void ShowConsoleView()
     DisplayPanel(consolePanel);
     oldTimer = 0;
     VR_isWatchView = false;
-    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     CheckView(ITEM_CONSOLE_VIEW, ITEM_WATCH_VIEW);
     VR_EnableControls();
     VR_SizeConsole(oldHeight);
@@ -55,13 +53,10 @@ void ShowConsoleView()
 
 void ShowWatchView()
 {
-    SetPanelAttribute(mainPanel, ATTR_HEIGHT, WATCH_HEIGHT);
-    SetPanelAttribute(mainPanel, ATTR_WIDTH, MAIN_WIDTH);
     HidePanel(consolePanel);
     VR_isWatchView = true;
     CheckView(ITEM_WATCH_VIEW, ITEM_CONSOLE_VIEW);
     VR_EnableControls();
-    SetPanelAttribute(mainPanel, ATTR_SIZABLE, 0);
     if (oldTimer != 0) {
         if (Check_ASC_Open(VR_OpenLink()) < 0)
             return;
@@ -108,11 +103,7 @@ int OnKey(int key)
 void OnResize()
 {
     int height = oldHeight;
-    int width = MAIN_WIDTH;
     GetPanelAttribute(mainPanel, ATTR_HEIGHT, &height);
-    GetPanelAttribute(mainPanel, ATTR_WIDTH, &width);
-    if (width != MAIN_WIDTH)
-        SetPanelAttribute(mainPanel, ATTR_WIDTH, MAIN_WIDTH);
     if (height < MAIN_HEIGHT_MIN) {
         SetPanelAttribute(mainPanel, ATTR_HEIGHT, oldHeight);
         return;
@@ -148,7 +139,9 @@ void ShowWindow(const WindowItem &row)
 
 void VR_SizeConsole(int height)
 {
-    SetPanelAttribute(consolePanel, ATTR_WIDTH, MAIN_WIDTH);
+    int width = MAIN_WIDTH;
+    GetPanelAttribute(mainPanel, ATTR_WIDTH, &width);
+    SetPanelAttribute(consolePanel, ATTR_WIDTH, width);
     SetPanelAttribute(consolePanel, ATTR_HEIGHT, height - CONSOLE_TOP);
     SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT, height - CONSOLE_BOX_LOSS);
     SetCtrlAttribute(consolePanel, CONSOLE_PROMPT, ATTR_TOP, height - CONSOLE_LINE_LOSS);

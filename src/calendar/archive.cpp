@@ -3,6 +3,7 @@
 #include "calendar/archive.h"
 
 #include "calendar/crc32.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "text/txfrw.h"
 #include "text/xscan.h"
@@ -20,9 +21,10 @@ constexpr size_t HEADER_MAX = QAR_NAME_MAX + 100;
 constexpr int ERR_BAD_MEMBER = -2;
 
 struct OpenFile {
-    std::FILE *file;
-    explicit OpenFile(const char *name) : file(std::fopen(name, "rb"))
+    std::FILE *file = nullptr;
+    explicit OpenFile(const char *name)
     {
+        (void)PLF_Open(name, PLF_ANY_SIZE, &file);
     }
     ~OpenFile()
     {
@@ -32,6 +34,11 @@ struct OpenFile {
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;
 };
+
+bool IsControl(char c)
+{
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
+}
 
 // A header's line without its end; false at the end of the file or when it does not end.
 bool ReadHeaderLine(std::FILE *file, std::string *line)
@@ -164,6 +171,34 @@ int QAR_Add_file(std::FILE *archive, const char *fileName, long index, long coun
     if (QAR_Put_file_header(archive, header) != 0)
         return -1;
     return std::fwrite(content.data(), 1, content.size(), archive) == content.size() ? 0 : -1;
+}
+
+int QAR_CheckMembers(const std::vector<std::string> &fileNames, std::string *message)
+{
+    for (size_t i = 0; i < fileNames.size(); ++i) {
+        const std::string &name = fileNames[i];
+        const size_t path = name.find_last_of("/\\:");
+        std::FILE *file = nullptr;
+        const int result = PLF_Open(name, QAR_FILE_MAX, &file);
+        if (file != nullptr)
+            std::fclose(file);
+        if (path != std::string::npos)
+            *message = "member '" + name + "' has a path, but a reader looks for '" +
+                       name.substr(path + 1) + "': name it so, in its own folder";
+        else if (result == PLF_ERR_LARGE)
+            *message = "member '" + name + "' has more than 128 MiB";
+        else if (result != PLF_OK)
+            *message = "member '" + name + "' " + PLF_ErrorText(result);
+        else if (std::any_of(name.begin(), name.end(), IsControl) || name.size() > QAR_NAME_MAX)
+            *message = "the name of member " + std::to_string(i + 1) + " does not fit a header";
+        else if (std::find(fileNames.begin(), fileNames.begin() + static_cast<long>(i), name) !=
+                 fileNames.begin() + static_cast<long>(i))
+            *message = "member '" + name + "' is given twice";
+        else
+            continue;
+        return -1;
+    }
+    return 0;
 }
 
 int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames)

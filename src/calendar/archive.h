@@ -35,6 +35,10 @@ int QAR_Read_content(std::FILE *file, size_t size, std::string *content, uint32_
 
 // Appends a file as member `index` of `count`. 0 or -1.
 int QAR_Add_file(std::FILE *archive, const char *fileName, long index, long count);
+// Whether a user's files can be members: plain files of at most QAR_FILE_MAX bytes with
+// different names and no path, because a reader looks for a bare name. 0, or -1 with a
+// sentence that says what is wrong with which of them.
+int QAR_CheckMembers(const std::vector<std::string> &fileNames, std::string *message);
 // Makes an archive of the files in their order. 0, or -1: an existing archive is untouched.
 int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames);
 // The same with arguments PROGRAM -a ARCHIVE FILE...; -1 for fewer than four.

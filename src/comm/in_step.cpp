@@ -50,8 +50,11 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32
         CheckSurplus(line, partner, partner->sent);
         return false;
     }
-    CheckSurplus(line, partner, found->number);
-    partner->came = found->number;
+    uint32_t newest = found->number; // of the requests it may answer
+    for (const STEP_Open &open : partner->open)
+        newest = open.shape == shape ? open.number : newest;
+    CheckSurplus(line, partner, newest);
+    partner->came = std::max(partner->came, found->number);
     const bool isProbe = found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
     if (isProbe) {
@@ -146,6 +149,12 @@ void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
         ++line->disturbed;
     book.came += answers;
     CheckSurplus(line, &book, book.sent);
+}
+
+bool STEP_HaveAllCome(const STEP_Line &line, int partner)
+{
+    const STEP_Partner &book = line.partners[static_cast<size_t>(partner)];
+    return book.came >= book.sent;
 }
 
 void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)

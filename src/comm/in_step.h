@@ -63,6 +63,9 @@ bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
 // They may be the damaged answer of something open, so nothing is crossed out.
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers);
 
+// As many answers have come, damaged ones included, as requests went out: to wait for more
+// is of little use.
+bool STEP_HaveAllCome(const STEP_Line &line, int partner);
 // Nothing came for a whole time-out: the proof that is left when no probe is answered.
 void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs);
 

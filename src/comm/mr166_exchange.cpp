@@ -121,7 +121,7 @@ STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 
 // How the waiting for an answer goes on after a frame.
 struct Judgement {
-    enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO } kind = WAIT;
+    enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO, UNSOUND } kind = WAIT;
     int code = 0; // of the answer check, of a frame that was none's answer
 };
 
@@ -148,13 +148,10 @@ Judgement JudgeAnswer(const Mr166_Request *request, int station)
 {
     const int command = request != nullptr ? request->command : MR166_CMD_READ;
     const int code = mr166CheckAnswer(sorter.frame, sorter.count, station, command);
-    if (code < 0 && code > MR166_ERR_STATION) {
+    if ((code < 0 && code > MR166_ERR_STATION) || code == MR166_ERR_LENGTH) {
         STEP_Junk(&line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
-        return {Judgement::WAIT, code};
-    }
-    if (code == MR166_ERR_LENGTH) {
-        STEP_Junk(&line, station, 1);
-        return {Judgement::WAIT, code};
+        const bool isLast = STEP_HaveAllCome(line, station);
+        return {isLast ? Judgement::UNSOUND : Judgement::WAIT, code};
     }
     if (request == nullptr || code == MR166_ERR_STATION || code == MR166_ERR_COMMAND)
         return BookOther(code);
@@ -189,8 +186,10 @@ Judgement JudgeByte(char byte, const Mr166_Request *request, int station)
     }
     case Event::ECHO: {
         const bool isOwn = IsOwnEcho();
+        if (!isOwn) // an answer whose first character was damaged looks like this
+            STEP_Junk(&line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         sorter.count = 0;
-        return {isOwn ? Judgement::ECHO : Judgement::WAIT, 0};
+        return {isOwn ? Judgement::ECHO : Judgement::WAIT, isOwn ? 0 : MR166_ERR_START};
     }
     case Event::DAMAGED:
         STEP_Junk(&line, station, sorter.damagedChars >= JUNK_ANSWER_CHARS ? 1 : 0);
@@ -300,6 +299,7 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
 {
     const uint32_t start = PLT_TickMs();
     Reading reading;
+    bool isAnythingRead = false;
     char bytes[CHUNK];
     while (reading.kind == Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
@@ -315,6 +315,7 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
         }
         if (TRC_isOn)
             MrTRC_Received(bytes, static_cast<size_t>(got));
+        isAnythingRead = isAnythingRead || got > 0;
         for (int i = 0; i < got; ++i) {
             const bool isWaiting = reading.kind == Judgement::WAIT;
             const Judgement judgement =
@@ -329,6 +330,11 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
                 reading.kind = judgement.kind;
         }
     }
+    // The driver that reads by length calls half an answer damaged, the other one none.
+    if (reading.kind == Judgement::WAIT && reading.code == 0 && !driver.isEchoSkipped &&
+        isAnythingRead && sorter.count > 0)
+        reading.code =
+            mr166CheckAnswer(sorter.frame, sorter.count, request.station, request.command);
     // A driver that cannot skip echoes gives no value on a line that has them. The answer
     // behind an echo is awaited all the same, or it would be taken for the next try's. Of
     // repetitions, an earlier one's answer may come before the echo.
@@ -528,7 +534,8 @@ int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request, Kind s
         return 0;
     wasSent = true;
     wMr166State = MR166_STATE_WAITING;
-    if (STEP_IsCalm(line, request.station, 1) && sorter.count == 0)
+    // What failed once is sorted: a stray character before each answer costs one try, not all.
+    if (sending == Kind::REQUEST && STEP_IsCalm(line, request.station, 1) && sorter.count == 0)
         return ReadInStep(driver, request);
     return FinishSorted(request, ReadSorted(driver, request, sending));
 }

@@ -106,6 +106,15 @@ bool WriteBlocks(int station, uint32_t address, uint32_t count, const uint8_t *b
     return true;
 }
 
+bool IsAnyProofDue()
+{
+    for (int station = 0; station < STATIONS; ++station) {
+        if (MrEXC_IsProofDue(station))
+            return true;
+    }
+    return false;
+}
+
 int GiveUpSurplus()
 {
     nMr166Err = MR166_FAULT_SURPLUS;
@@ -183,6 +192,8 @@ int MrFrameOut()
 
 int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
+    const bool isAllProven = !IsAnyProofDue();
+    const uint32_t surplusBefore = MrEXC_Surplus();
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MrEXC_Surplus();
         if (!ReadBlocks(station, address, count, static_cast<uint8_t *>(buffer)))
@@ -191,10 +202,17 @@ int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer)
             return 0;
         if (count <= MR166_READ_MAX && !MrEXC_IsSuspicious(station))
             return 0;
-        if (MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1) < 0)
+        const uint32_t probesBefore = MrEXC_FailedProbes();
+        const int proven = MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1);
+        EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+        if (proven < 0)
             return -1;
-        if (MrEXC_Surplus() == surplus)
-            return 0;
+        if (MrEXC_Surplus() != surplus)
+            continue;
+        // What was repeated on the way here can have touched nothing that was proven before.
+        if (isAllProven)
+            surplusAtProof += MrEXC_Surplus() - surplusBefore;
+        return 0;
     }
     return GiveUpSurplus();
 }

@@ -1,79 +1,247 @@
-// The Modbus master's row in the unified layer. There is no master in this build yet: a
-// port cannot be opened, and whoever goes on without one is told that it failed.
+// Target memory over Modbus: reads and writes are carried through reserved registers, in
+// blocks; the link's commands are emulated. The Modbus row of the unified layer.
+#include "comm/ucm_modbus.h"
+#include "comm/modbus.h"
+#include "comm/modbus_line.h"
+#include "comm/modbus_step.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
 
+#include <algorithm>
+
 namespace {
 
-constexpr int SLAVE_MIN = 1, SLAVE_MAX = 250;
-constexpr int FAILED = -1;
+constexpr uint32_t BLOCK_BYTES = 216, WRITE_BLOCK_MAX = 246;
+constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then the data
+constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
+constexpr uint16_t ADDRESS_REGISTERS = 2;
 
-int Open(int, int)
+constexpr int ROUNDS_MAX = 3; // of a transfer during which more answers came than were asked for
+
+uint32_t cnRepeated = 0; // failed tries of blocks
+uint32_t surplusAtProof = 0;
+
+uint16_t TunnelOf(uint32_t count)
 {
-    return UCM_CountErr(UCM_ERR_MODBUS_OPEN);
+    return count % 2 != 0 ? TUNNEL_ODD : TUNNEL_EVEN;
 }
 
-void Close()
+void PutAddress(uint32_t address, uint16_t *registers)
 {
+    registers[0] = static_cast<uint16_t>(address >> 16);
+    registers[1] = static_cast<uint16_t>(address);
+}
+
+// Blocks in address order, up to the first that fails. The last one's result; 0 for none.
+int WriteBlocks(int slave, uint32_t address, uint32_t count, const uint8_t *bytes)
+{
+    int result = 0;
+    while (count > 0 && result >= 0)
+        result = std::min(UCM_WriteBlkBgMBM(slave, &address, &count, &bytes), 0);
+    return result;
+}
+
+int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
+{
+    int result = 0;
+    while (count > 0 && result >= 0) {
+        const uint32_t block = std::min(count, BLOCK_BYTES);
+        result = UCM_ReadBlkMBM(slave, address, block, bytes);
+        address += block;
+        bytes += block;
+        count -= block;
+    }
+    return result;
+}
+
+int Open(int port, int baud)
+{
+    return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
 }
 
 int IsOpened()
 {
-    return 0;
+    return MBM_isOpen ? 1 : 0;
 }
 
-int Read(int, uint32_t, uint32_t, void *)
+int Message(int slave, int command, uint32_t address, uint16_t word, const void *data)
 {
-    return UCM_CountErr(FAILED);
+    if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX) {
+        MBM_Refuse(MBM_FAULT_SLAVE);
+        (void)UCM_CountErr(UCM_ERR_ARGUMENT);
+        return 0;
+    }
+    // Only a read writes to the data, and whoever asks for one passes a buffer.
+    void *buffer = const_cast<void *>(data);
+    return UCM_EmuCom166MsgMBM(slave, command, address, word, buffer) >= 0 ? 1 : 0;
 }
 
-int Write(int, uint32_t, uint32_t, const void *)
-{
-    return UCM_CountErr(FAILED);
-}
-
-int ReadBg(int, uint32_t *, uint32_t *, uint8_t **)
-{
-    return UCM_CountErr(FAILED);
-}
-
-int WriteBg(int, uint32_t *, uint32_t *, const uint8_t **)
-{
-    return UCM_CountErr(FAILED);
-}
-
-int Message(int, int, uint32_t, uint16_t, const void *)
-{
-    return 0;
-}
-
+// Every slave that something was read from since its last proof; a slave that does not
+// answer is asked once and then given up, so that the next sweep does not wait for it.
 int Prove()
 {
-    return 0;
+    int fault = 0;
+    for (int slave = UCM_SLAVE_MIN; slave <= UCM_SLAVE_MAX; ++slave) {
+        if (!MBMSTEP_IsProofDue(slave))
+            continue;
+        if (fault == 0)
+            fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
+        MBMSTEP_GiveUpProof(slave);
+    }
+    const bool isSurplus = MBMSTEP_Surplus() != surplusAtProof;
+    surplusAtProof = MBMSTEP_Surplus();
+    if (fault != 0) {
+        MBM_Refuse(fault);
+        return UCM_NOT_PROVEN;
+    }
+    return isSurplus ? UCM_READ_AGAIN : UCM_PROVEN;
 }
 
 bool IsEchoing()
 {
-    return false;
+    return MBM_nFault == MBM_FAULT_ECHO;
 }
 
 std::string LastErrorText()
 {
-    return "Modbus is not available";
+    return MBM_nFault == 0 ? std::string() : MBM_ErrorText(MBM_nFault);
 }
 
-bool IsGone()
+void AddCounts(UCM_Statistics *statistics)
 {
-    return false;
-}
-
-void AddCounts(UCM_Statistics *)
-{
+    statistics->answered += MBM_cnOk;
+    statistics->timeouts += MBM_cnSilent;
+    statistics->damaged += MBM_cnRefused;
+    statistics->repeated += cnRepeated;
 }
 
 } // namespace
 
+int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Part *to)
+{
+    int result = MBM_FAILED;
+    for (int left = UCM_recS.tries; left > 0 && result < 0; --left) {
+        result = UCM_CountErr(MBM_MasterFN(function, slave, from, to));
+        if (result < 0)
+            ++cnRepeated;
+    }
+    return result;
+}
+
+int UCM_WriteBlkMBM(int slave, uint32_t address, uint32_t count, const void *data)
+{
+    if (count < 1 || count > WRITE_BLOCK_MAX)
+        return UCM_ERR_ARGUMENT;
+    // The byte that comes first is a register's low half; the last one may stand alone.
+    const uint8_t *bytes = static_cast<const uint8_t *>(data);
+    uint16_t registers[ADDRESS_REGISTERS + (WRITE_BLOCK_MAX + 1) / 2] = {};
+    PutAddress(address, registers);
+    for (uint32_t i = 0; i < count; ++i)
+        registers[ADDRESS_REGISTERS + i / 2] |=
+            static_cast<uint16_t>(i % 2 == 0 ? bytes[i] : bytes[i] << 8);
+    const auto quantity = static_cast<uint16_t>(ADDRESS_REGISTERS + (count + 1) / 2);
+    const MBM_Part to = {TunnelOf(count), quantity, registers};
+    return UCM_ExchangeMBM(MBM_FN_WRITE, slave, nullptr, &to);
+}
+
+int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
+{
+    uint16_t target[ADDRESS_REGISTERS], registers[MBM_READ_MAX] = {};
+    PutAddress(address, target);
+    const uint32_t quantity = (count + 1) / 2;
+    const MBM_Part to = {TunnelOf(count), ADDRESS_REGISTERS, target};
+    const MBM_Part from = {DATA_START, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
+                           registers};
+    const int result = UCM_ExchangeMBM(MBM_FN_READ_WRITE, slave, &from, &to);
+    uint8_t *bytes = static_cast<uint8_t *>(buffer);
+    for (uint32_t i = 0; result >= 0 && i < count; ++i)
+        bytes[i] = static_cast<uint8_t>(i % 2 == 0 ? registers[i / 2] : registers[i / 2] >> 8);
+    return result;
+}
+
+int UCM_WriteBlkBgMBM(int slave, uint32_t *address, uint32_t *count, const uint8_t **data)
+{
+    const uint32_t block = std::min(*count, BLOCK_BYTES), place = *address;
+    const uint8_t *bytes = *data;
+    *address += block;
+    *data += block;
+    *count -= block;
+    const int result = UCM_WriteBlkMBM(slave, place, block, bytes);
+    return result < 0 ? result : *count == 0 ? 1 : 0;
+}
+
+int UCM_ReadBlkBgMBM(int slave, uint32_t *address, uint32_t *count, uint8_t **buffer)
+{
+    const uint32_t block = std::min(*count, BLOCK_BYTES), place = *address;
+    uint8_t *bytes = *buffer;
+    *address += block;
+    *buffer += block;
+    *count -= block;
+    const int result = UCM_ReadBlkMBM(slave, place, block, bytes);
+    return result < 0 ? result : *count == 0 ? 1 : 0;
+}
+
+int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
+{
+    // Of several blocks, one's confirmation may have come twice in place of the next one's.
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t surplus = MBMSTEP_Surplus();
+        const int result = WriteBlocks(slave, address, count, static_cast<const uint8_t *>(data));
+        if (result < 0 || count <= BLOCK_BYTES || MBMSTEP_Surplus() == surplus)
+            return result;
+    }
+    return MBM_Refuse(MBM_FAULT_STEP);
+}
+
+int UCM_ReadMBM(int slave, uint32_t address, uint32_t count, void *buffer)
+{
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t surplus = MBMSTEP_Surplus();
+        const int result = ReadBlocks(slave, address, count, static_cast<uint8_t *>(buffer));
+        if (result < 0 || !MBMSTEP_IsProofDue(slave) ||
+            (count <= BLOCK_BYTES && !MBMSTEP_IsSuspicious(slave)))
+            return result;
+        const int fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
+        if (fault != 0)
+            return UCM_CountErr(MBM_Refuse(fault));
+        if (MBMSTEP_Surplus() == surplus)
+            return result;
+    }
+    return MBM_Refuse(MBM_FAULT_STEP);
+}
+
+int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word, void *data)
+{
+    constexpr int READ = 0, STORE_WORD = 4, WRITE = 8;
+    if (command == WRITE)
+        return UCM_WriteMBM(slave, address, word, data);
+    if (command == STORE_WORD) {
+        const uint8_t bytes[] = {static_cast<uint8_t>(word), static_cast<uint8_t>(word >> 8)};
+        return UCM_WriteMBM(slave, address, sizeof bytes, bytes);
+    }
+    if (command == READ)
+        return UCM_ReadMBM(slave, address, word, data);
+    MBM_Refuse(MBM_FAULT_ARGUMENT);
+    return UCM_ERR_ARGUMENT;
+}
+
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,      SLAVE_MIN, SLAVE_MAX, Open,    Close, IsOpened,  nullptr,       Read,      Write,
-    ReadBg, WriteBg,   Message,   nullptr, Prove, IsEchoing, LastErrorText, AddCounts, IsGone,
+    2,
+    UCM_SLAVE_MIN,
+    UCM_SLAVE_MAX,
+    Open,
+    MBM_Close,
+    IsOpened,
+    nullptr,
+    UCM_ReadMBM,
+    UCM_WriteMBM,
+    UCM_ReadBlkBgMBM,
+    UCM_WriteBlkBgMBM,
+    Message,
+    nullptr,
+    Prove,
+    IsEchoing,
+    LastErrorText,
+    AddCounts,
+    MBM_IsGone,
 };

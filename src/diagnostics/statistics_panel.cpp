@@ -130,7 +130,7 @@ template <const char *const &Cause> bool Seen(const Figures &)
     return FAIL_CountOf(Cause) > 0;
 }
 
-constexpr const char *ECHO_SEEN = "echo of the request";
+constexpr const char *ECHO_SEEN = "The line echoes";
 constexpr const char *WRONG_STATION = "wrong station";
 constexpr const char *TARGET_ERROR = "target error code";
 constexpr const char *NOT_AVAILABLE = "port is not available";
@@ -146,8 +146,8 @@ constexpr Advice ADVICE[] = {
     {Seen<NOT_AVAILABLE>, "The port could not be opened: wrong port number, another program has "
                           "it, or no permission to use it."},
     {Seen<IS_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
-    {Seen<ECHO_SEEN>, "The line echoes what is sent (two-wire RS-485). Switch \"Win32 services\" "
-                      "off in the Options menu: the run-time driver skips the echo."},
+    {Seen<ECHO_SEEN>, "The line echoes what is sent: switch Win32 services off. (Options menu; the "
+                      "run-time driver skips the echo of a two-wire line.)"},
     {NeverAnswered, "There was never an answer: check port, cable and supply of the target, then "
                     "station and baud rate."},
     {AlwaysDamaged, "Every answer is damaged: most likely the wrong baud rate, else the cable."},

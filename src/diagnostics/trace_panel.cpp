@@ -162,11 +162,7 @@ int WriteFile(const std::string &path, const std::string &text)
     SafeFile file;
     if (SAF_Open(&file, path, "wb") != 0)
         return -1;
-    for (const char c : text) {
-        if (c == '\n')
-            std::fputc('\r', file.file);
-        std::fputc(c, file.file);
-    }
+    SAF_PutText(file.file, text);
     return SAF_Commit(&file);
 }
 

@@ -126,7 +126,7 @@ int StartEditor(const char *variable, const std::string &path)
         return -1;
     if (NeedsTerminal(words[0]))
         words.insert(words.begin(), {"x-terminal-emulator", "-e"});
-    words.push_back(path);
+    words.push_back(PLT_PathArgument(path));
     return StartDetached(words);
 }
 
@@ -143,10 +143,10 @@ int PLT_OpenInEditor(const std::string &path)
         return -1;
     if (StartEditor("VISUAL", path) == 0 || StartEditor("EDITOR", path) == 0)
         return 0;
-    return StartDetached({"xdg-open", path});
+    return StartDetached({"xdg-open", PLT_PathArgument(path)});
 }
 
 int PLT_OpenInViewer(const std::string &path)
 {
-    return HasDesktop() ? StartDetached({"xdg-open", path}) : -1;
+    return HasDesktop() ? StartDetached({"xdg-open", PLT_PathArgument(path)}) : -1;
 }

@@ -1,5 +1,6 @@
 // Saving a file so that a crash or a full disk never loses the old one: the new
-// text is written beside the target and renamed over it only when it is whole.
+// text is written beside the target and renamed over it only when it is whole. What a
+// program that was killed left beside the target goes at the next save of that file.
 #ifndef PLATFORM_SAFE_FILE_H
 #define PLATFORM_SAFE_FILE_H
 
@@ -12,11 +13,22 @@ struct SafeFile {
     std::string tempPath;      // name while being written
 };
 
-// Opens a new file beside `path` ("wb" or "wt"). 0, or -1 (nothing created).
+enum { SAF_ERR_OPEN = -1, SAF_ERR_READ_ONLY = -2 };
+
+// Opens a new file beside `path` for binary writing ("wb"). 0, or SAF_ERR_OPEN, or
+// SAF_ERR_READ_ONLY: the file is write-protected and is to stay. Nothing is created then.
 int SAF_Open(SafeFile *safe, const std::string &path, const char *mode);
+// Writes text whose line feeds become CR LF, as text files have them on every system. A write
+// that fails shows at the commit.
+void SAF_PutText(std::FILE *file, const std::string &text);
 // Flushes, closes and renames. 0, or -1: the old file is untouched and the new one removed.
 int SAF_Commit(SafeFile *safe);
 // Gives up: the old file stays as it was.
 void SAF_Cancel(SafeFile *safe);
+
+// Who asks the user whether a write-protected file may be replaced; without one (null) it
+// never is. Set at start-up by whoever can show a question.
+typedef bool (*SAF_Question)(const std::string &path);
+void SAF_SetQuestion(SAF_Question question);
 
 #endif

@@ -276,14 +276,24 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     lastReason = FindBaud(settings.baud, &code) ? SER_WHY_OTHER : SER_WHY_BAUD;
     if (!AreSettingsValid(settings) || code == B0)
         return SER_ERR_SET;
-    SetFrame(&tio, settings);
+    // A pseudo terminal has no parity, and asking for it fails when nothing else changes.
+    SER_Settings possible = settings;
+    if (IsPseudoTerminal(port->fd))
+        possible.parity = 'n';
+    SetFrame(&tio, possible);
     if (cfsetispeed(&tio, code) != 0 || cfsetospeed(&tio, code) != 0 ||
         tcsetattr(port->fd, TCSANOW, &tio) != 0)
         return SER_ERR_SET;
-    // Setting succeeds when any part of it did: the speed is the part that must not differ.
+    // Setting succeeds when any part of it did: speed and parity are what must not differ.
+    constexpr tcflag_t PARITY = PARENB | PARODD;
     struct termios now;
-    if (tcgetattr(port->fd, &now) != 0 || cfgetospeed(&now) != code) {
+    const bool isKnown = tcgetattr(port->fd, &now) == 0;
+    if (!isKnown || cfgetospeed(&now) != code) {
         lastReason = SER_WHY_BAUD;
+        return SER_ERR_SET;
+    }
+    if ((now.c_cflag & PARITY) != (tio.c_cflag & PARITY)) {
+        lastReason = SER_WHY_OTHER;
         return SER_ERR_SET;
     }
     port->terminalMs = 0;

@@ -31,11 +31,14 @@ void PLT_LocalTime(PLT_Date *now);
 int PLT_Launch(const std::string &commandLine);
 // Opens a text file for the user: $VISUAL, $EDITOR or the desktop's opener (an editor
 // that needs a terminal gets one when the system has x-terminal-emulator); on Windows
-// the system's text editor. 0, or -1 when nothing could be started.
+// the system's text editor. 0, or -1 when nothing could be started. However the file is
+// named, its name reaches the program as a path and never as an option.
 int PLT_OpenInEditor(const std::string &path);
-// Opens a document (the help text) in the user's viewer. 0, or -1.
+// Opens a document (the help text) in the user's viewer. 0, or -1. Paths as above.
 int PLT_OpenInViewer(const std::string &path);
 
+// The path as another program may be given it: absolute, or with "./" in front.
+std::string PLT_PathArgument(const std::string &path);
 std::string PLT_CurrentDir(); // without a trailing separator; "" when unknown
 std::string PLT_ConfigDir();  // $XDG_CONFIG_HOME/vireo2, ~/.config/vireo2, or %APPDATA%\Vireo2
 std::string PLT_ProgramDir(); // folder of the running program; "" when unknown
@@ -54,7 +57,18 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to);
 // is no such file yet), or -1 when `path` is something else than a plain file.
 int PLT_ResolveFile(const std::string &path, std::string *real);
 int PLT_SyncFile(std::FILE *file); // waits until the disk has it. 0, or -1
+// Opens a plain file for binary reading without waiting for anything. 0 with its size in
+// bytes, -1: cannot be opened, -2: a folder, device or pipe.
+int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size);
+// Makes a file that must not exist yet, not even as a link, and keeps it locked while it is
+// open. `mode` as for fopen. 0, or -1.
+int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file);
+// Removes a plain file that was made by PLT_CreateExclusive and that nobody has open any
+// more. 0, or -1: it stays.
+int PLT_RemoveAbandoned(const std::string &path);
+bool PLT_IsReadOnly(const std::string &path); // an existing file that is write-protected
 int PLT_ProcessId();
+bool PLT_IsProcessAlive(long processId); // also when it is somebody else's
 // From now on `notify` is called, on a thread of its own, when the program is asked to end:
 // Ctrl-C (isInterrupt), a terminate or hang-up signal, the end of the session. A second
 // request before PLT_SignalHeard ends the program at once. 0, or -1.

@@ -2,11 +2,14 @@
 // launch_posix.cpp.
 #include "platform/system.h"
 
+#include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -158,9 +161,74 @@ int PLT_SyncFile(std::FILE *file)
     return fsync(fileno(file)) == 0 ? 0 : -1;
 }
 
+// Opening without waiting: a pipe that nobody writes would keep its reader for ever.
+int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
+{
+    *file = nullptr;
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    struct stat status;
+    if (fd < 0)
+        return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode) ? -2 : -1;
+    const bool isKnown = fstat(fd, &status) == 0;
+    if (isKnown && S_ISREG(status.st_mode))
+        *file = fdopen(fd, "rb");
+    if (*file == nullptr) {
+        close(fd);
+        return isKnown && !S_ISREG(status.st_mode) ? -2 : -1;
+    }
+    *size = status.st_size;
+    return 0;
+}
+
+int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)
+{
+    *file = nullptr;
+    const int fd = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666);
+    if (fd < 0)
+        return -1;
+    (void)flock(fd, LOCK_EX | LOCK_NB); // a file system without locks does without
+    *file = fdopen(fd, mode);
+    if (*file != nullptr)
+        return 0;
+    close(fd);
+    (void)unlink(path.c_str());
+    return -1;
+}
+
+int PLT_RemoveAbandoned(const std::string &path)
+{
+    const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
+    struct stat status;
+    if (fd < 0)
+        return -1;
+    const bool isOurs = fstat(fd, &status) == 0 && S_ISREG(status.st_mode) &&
+                        (flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK);
+    const int result = isOurs ? unlink(path.c_str()) : -1;
+    close(fd);
+    return result;
+}
+
+// By its permission bits: the superuser may write everything, and still did not mean to.
+bool PLT_IsReadOnly(const std::string &path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 &&
+           ((status.st_mode & 0222) == 0 || (access(path.c_str(), W_OK) != 0 && errno == EACCES));
+}
+
 int PLT_ProcessId()
 {
     return static_cast<int>(getpid());
+}
+
+bool PLT_IsProcessAlive(long processId)
+{
+    return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
+}
+
+std::string PLT_PathArgument(const std::string &path)
+{
+    return path.empty() || path[0] == '/' ? path : "./" + path;
 }
 
 void PLT_GuardStandardStreams()

@@ -3,8 +3,10 @@
 
 #include <windows.h>
 
+#include <fcntl.h>
 #include <io.h>
 #include <shellapi.h>
+#include <sys/stat.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -85,13 +87,13 @@ int PLT_Launch(const std::string &commandLine)
 
 int PLT_OpenInEditor(const std::string &path)
 {
-    return PLT_Launch("notepad.exe \"" + path + "\"");
+    return PLT_Launch("notepad.exe \"" + PLT_PathArgument(path) + "\"");
 }
 
 int PLT_OpenInViewer(const std::string &path)
 {
-    const HINSTANCE result =
-        ShellExecuteA(nullptr, "open", path.c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    const HINSTANCE result = ShellExecuteA(nullptr, "open", PLT_PathArgument(path).c_str(), nullptr,
+                                           nullptr, SW_SHOWNORMAL);
     return reinterpret_cast<INT_PTR>(result) > 32 ? 0 : -1; // up to 32 are error codes
 }
 
@@ -154,7 +156,14 @@ void *PLT_GetSymbol(void *library, const char *name)
 int PLT_ReplaceFile(const std::string &from, const std::string &to)
 {
     const DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    return MoveFileExA(from.c_str(), to.c_str(), how) ? 0 : -1;
+    const DWORD kind = GetFileAttributesA(to.c_str());
+    const bool isReadOnly = PLT_IsReadOnly(to); // asked for already; the call would refuse
+    if (isReadOnly)
+        (void)SetFileAttributesA(to.c_str(), kind & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    const bool isMoved = MoveFileExA(from.c_str(), to.c_str(), how) != 0;
+    if (isReadOnly)
+        (void)SetFileAttributesA(to.c_str(), kind);
+    return isMoved ? 0 : -1;
 }
 
 int PLT_ResolveFile(const std::string &path, std::string *real)
@@ -171,9 +180,73 @@ int PLT_SyncFile(std::FILE *file)
     return _commit(_fileno(file)) == 0 ? 0 : -1;
 }
 
+int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
+{
+    *file = nullptr;
+    const DWORD kind = GetFileAttributesA(path.c_str());
+    if (kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0)
+        return -2;
+    const int fd = _open(path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    if (fd < 0)
+        return -1;
+    // A reserved name ("CON", "COM3") opens like a file and is a device.
+    const bool isPlain =
+        GetFileType(reinterpret_cast<HANDLE>(_get_osfhandle(fd))) == FILE_TYPE_DISK;
+    *size = isPlain ? _filelengthi64(fd) : 0;
+    *file = isPlain ? _fdopen(fd, "rb") : nullptr;
+    if (*file != nullptr)
+        return 0;
+    _close(fd);
+    return isPlain ? -1 : -2;
+}
+
+// An open file cannot be deleted here: that is the lock.
+int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)
+{
+    *file = nullptr;
+    const int fd =
+        _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    if (fd < 0)
+        return -1;
+    *file = _fdopen(fd, mode);
+    if (*file != nullptr)
+        return 0;
+    _close(fd);
+    (void)DeleteFileA(path.c_str());
+    return -1;
+}
+
+int PLT_RemoveAbandoned(const std::string &path)
+{
+    return DeleteFileA(path.c_str()) ? 0 : -1;
+}
+
+bool PLT_IsReadOnly(const std::string &path)
+{
+    const DWORD kind = GetFileAttributesA(path.c_str());
+    return kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_READONLY) != 0;
+}
+
 int PLT_ProcessId()
 {
     return static_cast<int>(GetCurrentProcessId());
+}
+
+bool PLT_IsProcessAlive(long processId)
+{
+    const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(processId));
+    if (process == nullptr)
+        return GetLastError() == ERROR_ACCESS_DENIED;
+    const bool isAlive = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;
+    CloseHandle(process);
+    return isAlive;
+}
+
+std::string PLT_PathArgument(const std::string &path)
+{
+    char full[MAX_PATH];
+    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
+    return length > 0 && length < sizeof full ? std::string(full, length) : ".\\" + path;
 }
 
 // Ports are no file numbers here and the C library keeps the first three to itself.

@@ -21,6 +21,7 @@ constexpr uint32_t PROBE_SIZE = 48; // a trailer and what follows it
 constexpr uint32_t RANGE_MIN = 65;
 constexpr uint8_t ERASED = 0xFF;
 constexpr uint32_t LOAD_BLOCK = 1024; // bytes between two signs of progress
+constexpr int FILES_SHOWN_FROM = 8;   // a walk that takes longer shows its progress
 
 int ReadTarget(uint32_t address, uint32_t count, void *buffer)
 {
@@ -90,6 +91,90 @@ int FindHeader(uint32_t *address, FileInfo *info)
     return ReadInfo(*address, SIGNATURE, info);
 }
 
+// How far a walk over a directory has come. Real directories hold a handful of files; one
+// that does not end (empty files as far as the flash goes) would cost an exchange for every
+// 64 bytes of it.
+struct Walk {
+    int files = 0;
+    bool isShown = false;
+};
+
+// Counts one more file. 0, or a code: too many of them, or the user has cancelled.
+int StepWalk(Walk *walk, uint32_t done, uint32_t all)
+{
+    if (++walk->files > MFS_FILES_MAX)
+        return MFS_ERR_TOO_MANY;
+    if (walk->files < FILES_SHOWN_FROM)
+        return 0;
+    const std::string text = "Searching the flash directory: file " + std::to_string(walk->files);
+    if (!walk->isShown)
+        SYM_BeginProgress("Flash", text);
+    walk->isShown = true;
+    const int percent = static_cast<int>(static_cast<uint64_t>(done) * 100 / all);
+    return SYM_AdvanceProgress(percent, text) ? 0 : MFS_ERR_CANCELLED;
+}
+
+void EndWalk(const Walk &walk)
+{
+    if (walk.isShown)
+        SYM_EndProgress();
+}
+
+// From file to file until the wanted one. 0 with the address of its data and its length, or
+// a negative code.
+int WalkToFile(const char *name, uint32_t start, uint32_t end, Walk *walk, uint32_t *data,
+               int32_t *length)
+{
+    uint32_t address = start;
+    while (address < end - PROBE_SIZE) {
+        FileInfo header, trailer;
+        int result = StepWalk(walk, address - start, end - start);
+        if (result == 0)
+            result = FindHeader(&address, &header);
+        if (result != 0)
+            return result;
+        *data = address + MFS_HEADER_SIZE;
+        const uint32_t size = static_cast<uint32_t>(header.length);
+        if (*data > end || size > end - *data)
+            return -1;
+        address = *data + size;
+        if ((header.flags & MFS_FLAG_VALID) == 0 || header.name != name)
+            continue;
+        if (end - address < MFS_HEADER_SIZE)
+            return -1;
+        result = ReadInfo(address, TRAILER_SIGNATURE, &trailer);
+        if (result != 0 || !IsSame(header, trailer))
+            return std::min(result, -1);
+        *length = header.length;
+        return 0;
+    }
+    return -1;
+}
+
+// From the last trailer back to the first header. 0 with *start, or a negative code.
+int WalkBack(uint32_t limit, uint32_t end, Walk *walk, uint32_t *start)
+{
+    *start = end;
+    while (*start >= limit && *start - limit >= 2 * MFS_HEADER_SIZE) {
+        FileInfo header, trailer;
+        int result = StepWalk(walk, end - *start, end - limit);
+        if (result == 0)
+            result = ReadInfo(*start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
+        if (result == 0) {
+            const uint32_t size = 2 * MFS_HEADER_SIZE + static_cast<uint32_t>(trailer.length);
+            if (size > *start - limit)
+                return 0;
+            result = ReadInfo(*start - size, SIGNATURE, &header);
+            if (result == 0 && IsSame(header, trailer)) {
+                *start -= size;
+                continue;
+            }
+        }
+        return result < -1 ? result : 0; // something else stands here: the directory begins
+    }
+    return 0;
+}
+
 // Reads a found file block by block; the size was checked against the range.
 int LoadBlocks(const std::string &text, uint32_t address, std::string *content)
 {
@@ -125,46 +210,20 @@ int32_t MFS_FindFile(const char *name, uint32_t start, uint32_t end, int32_t *le
     *length = -1;
     if (end < start || end - start < RANGE_MIN)
         return -1;
-    uint32_t address = start;
-    while (address < end - PROBE_SIZE) {
-        FileInfo header, trailer;
-        int result = FindHeader(&address, &header);
-        if (result != 0)
-            return result;
-        const uint32_t data = address + MFS_HEADER_SIZE;
-        const uint32_t size = static_cast<uint32_t>(header.length);
-        if (data > end || size > end - data)
-            return -1;
-        address = data + size;
-        if ((header.flags & MFS_FLAG_VALID) == 0 || header.name != name)
-            continue;
-        if (end - address < MFS_HEADER_SIZE)
-            return -1;
-        result = ReadInfo(address, TRAILER_SIGNATURE, &trailer);
-        if (result != 0 || !IsSame(header, trailer))
-            return std::min(result, -1);
-        *length = header.length;
-        return static_cast<int32_t>(data);
-    }
-    return -1;
+    Walk walk;
+    uint32_t data = 0;
+    const int result = WalkToFile(name, start, end, &walk, &data, length);
+    EndWalk(walk);
+    return result != 0 ? result : static_cast<int32_t>(data);
 }
 
 int32_t MFS_FindDirectory(uint32_t limit, uint32_t end)
 {
+    Walk walk;
     uint32_t start = end;
-    int result = 0;
-    while (result == 0 && start >= limit && start - limit >= 2 * MFS_HEADER_SIZE) {
-        FileInfo header, trailer;
-        result = ReadInfo(start - MFS_HEADER_SIZE, TRAILER_SIGNATURE, &trailer);
-        const uint32_t size = 2 * MFS_HEADER_SIZE + static_cast<uint32_t>(trailer.length);
-        if (result != 0 || size > start - limit)
-            break;
-        result = ReadInfo(start - size, SIGNATURE, &header);
-        if (result != 0 || !IsSame(header, trailer))
-            break;
-        start -= size;
-    }
-    if (result == MFS_ERR_COMMUNICATION)
+    const int result = WalkBack(limit, end, &walk, &start);
+    EndWalk(walk);
+    if (result != 0)
         return result;
     return start != end ? static_cast<int32_t>(start) : -1;
 }

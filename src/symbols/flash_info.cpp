@@ -40,6 +40,7 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {FLASH_ERR_CANCELLED, "Reading the flash was cancelled."},
     {FLASH_ERR_ADDRESS, "The memory map contains invalid addresses (>24bits)."},
     {FLASH_ERR_TYPES, "Error: The type map in memory is damaged."},
+    {FLASH_ERR_TOO_MANY, "Error: The flash directory has more than 1000 files."},
 };
 
 // What was last read from flash, as texts, for saving.
@@ -70,7 +71,7 @@ std::string ContentOf(int handle)
 // Both maps or none: the types first, because after them nothing can fail any more.
 int TakeMaps(int varMap, int typeMap)
 {
-    std::vector<FlashVariable> variables;
+    std::vector<VRN_Symbol> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
     if (result != 0)
         return result;
@@ -84,7 +85,7 @@ int TakeMaps(int varMap, int typeMap)
 // The map of a TMS320 behind a C166 station; the type map stays that of the station.
 int TakeTMSNodes(int varMap)
 {
-    std::vector<FlashVariable> variables;
+    std::vector<VRN_Symbol> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
     if (result != 0)
         return result;

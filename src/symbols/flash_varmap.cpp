@@ -70,7 +70,7 @@ bool UnpackRecords(const uint8_t *at, size_t size, std::string *text)
 
 } // namespace
 
-int FLASH_ParseVarMap(int handle, std::vector<FlashVariable> *variables)
+int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
 {
     for (int i = 0; i < TXFRW_GetCnLines(handle); i++) {
         const char *line = TXFRW_GetLinePtr(handle, i);
@@ -87,18 +87,11 @@ int FLASH_ParseVarMap(int handle, std::vector<FlashVariable> *variables)
     return variables->empty() ? FLASH_ERR_NO_MAP : 0;
 }
 
-int FLASH_TakeVariables(const std::vector<FlashVariable> &variables, VarNode *table, int *count)
+int FLASH_TakeVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count)
 {
-    FreeNodes(table, count);
     int refused = 0;
-    for (const FlashVariable &variable : variables)
-        VRN_AddNode(table, count, variable.address, variable.name.c_str(), &refused);
-    const int taken = *count;
-    VRN_SortByName(table, *count);
-    VRN_RemoveDuplicates(table, count);
-    if (table == aVarNode)
-        SortMapNdxByAddr();
-    VRN_WarnRefused(refused);
+    const int taken = VRN_ReplaceNodes(table, count, variables, &refused);
+    VRN_WarnRefused(refused, 0);
     return taken;
 }
 

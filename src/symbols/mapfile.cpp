@@ -5,8 +5,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <set>
+#include <vector>
 
 #include "calendar/archive.h"
+#include "platform/plain_file.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
 #include "symbols/listener.h"
@@ -17,7 +20,6 @@
 namespace {
 
 constexpr int LINE_SIZE = 512; // a longer line goes on as the next one
-constexpr int CANNOT_OPEN = -2;
 
 // Columns of a C166 map line, from 0.
 constexpr size_t C166_LINE_MIN = 32;
@@ -31,6 +33,8 @@ constexpr size_t C166_SECTION = 59;
 
 // Columns of a TMS map line: address, name (some linkers indent it by one more).
 constexpr size_t TMS_NAME = 11;
+constexpr size_t TMS_NAME_PAGED = 9; // at or behind: after the address and a blank
+constexpr size_t PAGE_MAX = 3;       // characters of a page in front of it
 constexpr uint32_t TMS_ADDRESS_LIMIT = 0x80000000u;
 constexpr uint32_t TMS_BYTES_PER_ADDRESS = 2;
 
@@ -72,11 +76,32 @@ bool IsDataLine(const char *line, size_t length)
     return length > C166_SECTION && cmp_sz2aszKwdStart(line + C166_SECTION, aszMClass4, 2);
 }
 
+// A name like those of isID166, but of more characters than a node holds.
+bool IsLongName(const char *text)
+{
+    if (!IsIdentifierChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
+        return false;
+    const char *end = text;
+    while (IsIdentifierChar(*end))
+        ++end;
+    return end - text > NODE_NAME_MAX && EndsWord(*end);
+}
+
+// Newer linkers write the page of a symbol ("0", "1", "abs") in front of its address.
+const char *SkipPage(const char *line)
+{
+    size_t length = std::strspn(line, "0123456789");
+    if (length == 0 && cmp_sz2szID(line, "abs"))
+        length = 3;
+    const size_t blanks = std::strspn(line + length, " ");
+    return length >= 1 && length <= PAGE_MAX && blanks > 0 ? line + length + blanks : line;
+}
+
 // The first bytes of a file; false when it cannot be opened or read (a folder).
 bool ReadMagic(const char *fileName, std::string *magic)
 {
-    std::FILE *file = std::fopen(fileName, "rb");
-    if (file == nullptr)
+    std::FILE *file = nullptr;
+    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) != PLF_OK)
         return false;
     char bytes[3];
     const size_t count = std::fread(bytes, 1, sizeof bytes, file);
@@ -86,32 +111,42 @@ bool ReadMagic(const char *fileName, std::string *magic)
     return readable;
 }
 
-typedef bool (*LineParser)(const char *line, uint32_t *address, const char **name);
+typedef int (*LineParser)(const char *line, uint32_t *address, const char **name);
 
+// The symbols first and the table then: what turns out to be no map changes nothing.
 int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count)
 {
-    std::string magic;
-    const int handle = ReadMagic(fileName, &magic) ? TXFR_Open(fileName) : -1;
+    const int handle = TXFR_Open(fileName);
     if (handle < 0)
-        return CANNOT_OPEN;
-    FreeNodes(table, count);
+        return MAP_ERR_OPEN;
+    std::vector<VRN_Symbol> symbols;
+    std::set<std::string> longNames; // a map may list a symbol twice
     char line[LINE_SIZE];
-    int refused = 0;
     while (TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
         uint32_t address = 0;
         const char *name = nullptr;
-        if (parse(line, &address, &name))
-            VRN_AddNode(table, count, address, name, &refused);
+        const int kind = parse(line, &address, &name);
+        if (kind == MAP_SYMBOL)
+            symbols.push_back({address, name});
+        else if (kind == MAP_LONG_NAME && longNames.size() < NODES_MAX)
+            longNames.insert(std::string(name, std::strcspn(name, " \t")));
     }
-    VRN_SortByName(table, *count);
-    VRN_RemoveDuplicates(table, count);
-    if (table == aVarNode)
-        SortMapNdxByAddr();
-    VRN_WarnRefused(refused);
+    if (symbols.empty())
+        return MAP_ERR_NO_SYMBOL;
+    int refused = 0;
+    VRN_ReplaceNodes(table, count, symbols, &refused);
+    VRN_WarnRefused(refused, static_cast<int>(longNames.size()));
     return 0;
 }
 
 } // namespace
+
+const char *MAP_ErrorText(int result)
+{
+    if (result == MAP_ERR_NO_SYMBOL)
+        return "holds no symbol for the selected processor";
+    return result == MAP_ERR_OPEN ? "cannot be opened" : "is damaged";
+}
 
 bool IsHexAddr(const char *text)
 {
@@ -160,35 +195,43 @@ bool cmp_sz2aszKwdStart(const char *text, const char *const *table, int count)
     return false;
 }
 
-bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name)
+int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name)
 {
     const size_t length = std::strlen(line);
     if (length < C166_LINE_MIN || !IsHexAddr(line) || !isID166(line + C166_NAME))
-        return false;
+        return MAP_NO_SYMBOL;
     *address = static_cast<uint32_t>(std::strtoul(line, nullptr, 16));
     if (cmp_sz2szID(line + C166_NAME, "SYMBOL")) {
         *name = line + C166_SYMBOL_NAME;
-        return IsWordOf(line + C166_SYMBOL_TYPE, aszMClass2);
+        if (!IsWordOf(line + C166_SYMBOL_TYPE, aszMClass2))
+            return MAP_NO_SYMBOL;
+        return IsLongName(*name) ? MAP_LONG_NAME : MAP_SYMBOL;
     }
     *name = line + C166_NAME;
-    return IsDataLine(line, length);
+    return IsDataLine(line, length) ? MAP_SYMBOL : MAP_NO_SYMBOL;
 }
 
-bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
+int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
 {
-    if (!IsTMSHexAddr(line) || line[0] != '0' || std::strlen(line) <= TMS_NAME)
-        return false;
-    const char *start = line + TMS_NAME;
-    if (IsIdentifierChar(start[-1])) // a name that begins earlier, not one to cut in two
-        return false;
-    if (!IsIdentifierChar(*start))
-        ++start;
-    const unsigned long words = std::strtoul(line, nullptr, 16);
-    if (words >= TMS_ADDRESS_LIMIT || !isID166(start))
-        return false;
+    const char *at = SkipPage(line);
+    if (!IsTMSHexAddr(at) || at[0] != '0' || std::strlen(at) <= TMS_NAME_PAGED)
+        return MAP_NO_SYMBOL;
+    const char *start = at + TMS_NAME_PAGED + std::strspn(at + TMS_NAME_PAGED, " ");
+    if (at == line) { // without pages the name has its column
+        start = std::strlen(at) > TMS_NAME ? at + TMS_NAME : "";
+        if (*start == '\0' || IsIdentifierChar(start[-1])) // begins earlier: not to be cut in two
+            return MAP_NO_SYMBOL;
+        if (!IsIdentifierChar(*start))
+            ++start;
+    }
+    const unsigned long words = std::strtoul(at, nullptr, 16);
+    if (words >= TMS_ADDRESS_LIMIT)
+        return MAP_NO_SYMBOL;
     *address = static_cast<uint32_t>(words) * TMS_BYTES_PER_ADDRESS;
     *name = start;
-    return true;
+    if (IsLongName(start))
+        return MAP_LONG_NAME;
+    return isID166(start) ? MAP_SYMBOL : MAP_NO_SYMBOL;
 }
 
 int ReadMap(const char *fileName)
@@ -237,7 +280,9 @@ int TMSmap2node(const char *fileName)
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && IsWordAddressing(Procesor))
         TakeMap(fileName);
-    if (result == 0 && !IsWordAddressing(Procesor))
+    if (result == 0 && !IsWordAddressing(Procesor)) {
+        TMS_mapFile = fileName;
         SYM_NamesChanged(SYM_TMS_MAP_LOADED);
+    }
     return result;
 }

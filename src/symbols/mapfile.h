@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <string>
 
-// Replaces aVarNode. 0, or -2: cannot be opened or read, and the loaded map stays. Symbols
-// beyond NODES_MAX are left out and counted in one message.
+enum { MAP_ERR_OPEN = -2, MAP_ERR_NO_SYMBOL = -3 };
+// Replaces aVarNode. 0, or a code with the loaded map as it was: the file cannot be read, or
+// it holds no symbol at all (another file, or the map of the other processor). Different
+// symbols beyond NODES_MAX and names beyond NODE_NAME_MAX are left out and counted in one
+// message.
 int ReadMap(const char *fileName);
 // The same for the C28x format. While a processor of the C166 family is selected the map is
 // that of a TMS320 behind it: aVarTMSNode and openTMSStruct are filled, aVarNode stays. A
@@ -16,9 +19,14 @@ int Read_TMS_Map(const char *fileName);
 int map2node(const char *fileName);
 int TMSmap2node(const char *fileName);
 
-// One line of a map: true when it declares a symbol; the name begins at *name.
-bool MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
-bool MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
+// Why a map was not taken, to stand behind its name: "cannot be opened".
+const char *MAP_ErrorText(int result);
+
+// One line of a map: whether it declares a symbol; the name begins at *name, the address
+// counts bytes.
+enum { MAP_NO_SYMBOL = 0, MAP_SYMBOL = 1, MAP_LONG_NAME = 2 };
+int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
+int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
 
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);

@@ -10,8 +10,8 @@
 
 #include "symbols/varnode.h"
 
-constexpr int TMF_NAME_SIZE = 52;  // with its end
-constexpr int TMF_CHAIN_SIZE = 10; // codes of one declaration and the closing 0
+constexpr int TMF_NAME_SIZE = NODE_NAME_MAX + 1; // with its end
+constexpr int TMF_CHAIN_SIZE = 10;               // codes of one declaration and the closing 0
 constexpr int TMF_CODES_MAX = TMF_CHAIN_SIZE - 1;
 constexpr int TMF_DEPTH_MAX = 20; // levels of arrays and structures inside one another
 constexpr int TMF_SVNODES_MAX = 200000;

@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <queue>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "settings/settings.h"
@@ -21,6 +23,7 @@ VarNode aVarTMSNode[NODES_MAX];
 int nTMSNodes = 0;
 int openTMSStruct = 0;
 std::string mapFile;
+std::string TMS_mapFile;
 
 namespace {
 
@@ -161,6 +164,25 @@ int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, 
     return 0;
 }
 
+// Doubles are of no account until the table is full: which of two nodes of a name comes first
+// then hangs on all nodes as they stood in the map.
+int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+                     int *refused)
+{
+    FreeNodes(table, count);
+    const bool isTight = symbols.size() > NODES_MAX;
+    std::set<std::pair<std::string, uint32_t>> known;
+    for (const VRN_Symbol &symbol : symbols)
+        if (!isTight || known.insert({symbol.name, symbol.address}).second)
+            VRN_AddNode(table, count, symbol.address, symbol.name.c_str(), refused);
+    const int taken = *count;
+    VRN_SortByName(table, *count);
+    VRN_RemoveDuplicates(table, count);
+    if (table == aVarNode)
+        SortMapNdxByAddr();
+    return taken;
+}
+
 int AddMapVar(uint32_t address, const char *text)
 {
     return VRN_AddNode(aVarNode, &nNodes, address, text, nullptr);
@@ -273,12 +295,20 @@ const VarNode *VRN_RegisterAtOrAfter(uint32_t address)
     return NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, address);
 }
 
-void VRN_WarnRefused(int refused)
+void VRN_WarnRefused(int refused, int longNames)
 {
+    std::string text;
     if (refused > 0)
-        SYM_Warn("Map file", "The map has " + std::to_string(refused) +
-                                 " symbols more than the table can hold (" +
-                                 std::to_string(NODES_MAX) + "). They were left out.");
+        text = "The map has " + std::to_string(refused) +
+               " symbols more than the table can hold (" + std::to_string(NODES_MAX) +
+               "). They were left out.";
+    if (longNames > 0)
+        text += std::string(text.empty() ? "" : "\n") +
+                "Left out because their names have more than " + std::to_string(NODE_NAME_MAX) +
+                " characters: " + std::to_string(longNames) +
+                (longNames == 1 ? " symbol." : " symbols.");
+    if (!text.empty())
+        SYM_Warn("Map file", text);
 }
 
 bool VRN_IsWildcardMatch(const char *wildcard, const char *name)

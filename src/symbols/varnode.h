@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 constexpr int NODES_MAX = 5000;
 constexpr int NODE_NAME_MAX = 64;
@@ -25,7 +26,8 @@ extern int openStruct166;
 extern VarNode aVarTMSNode[NODES_MAX]; // a TMS320 behind the station; word addresses
 extern int nTMSNodes;
 extern int openTMSStruct;
-extern std::string mapFile; // name of the loaded map file
+extern std::string mapFile;     // name of the loaded map file
+extern std::string TMS_mapFile; // the same of the TMS320 behind the station
 
 // Appends a node to aVarNode. The name is the run of letters, digits, "_" and "?" at the
 // start of `text`. 0, or -1: table full (counted), no name, or a name of more than 64.
@@ -39,6 +41,15 @@ void FreeNodes(VarNode *table, int *count);
 
 // The same for any of the three tables; `refused` (may be null) counts nodes beyond NODES_MAX.
 int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused);
+// Fills a table anew: sorted, without the doubles that maps list; names as for AddMapVar.
+// The number taken, doubles among them; *refused counts the different symbols for which the
+// table has no room.
+struct VRN_Symbol {
+    uint32_t address; // in bytes
+    std::string name;
+};
+int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+                     int *refused);
 // Order of a selection sort that swaps the first smallest remaining name into place: equal
 // names may end up in another order than a stable sort gives them. O(n log n).
 void VRN_SortByName(VarNode *table, int count);
@@ -52,8 +63,9 @@ int VRN_FindName(const VarNode *table, int count, const char *name);
 // The node at or after an address: of the loaded map, or of the registers; null when none.
 const VarNode *VRN_MapNodeAtOrAfter(uint32_t address);
 const VarNode *VRN_RegisterAtOrAfter(uint32_t address);
-// Tells the user how many symbols a full table did not take; nothing for 0.
-void VRN_WarnRefused(int refused);
+// Tells the user how many symbols a full table did not take and how many names were too
+// long; nothing for 0.
+void VRN_WarnRefused(int refused, int longNames);
 // Whether a name matches: characters agree up to a "*" (any rest) or the end of both.
 bool VRN_IsWildcardMatch(const char *wildcard, const char *name);
 

@@ -3,22 +3,28 @@
 #include "text/txfr.h"
 
 #include <cstdio>
+#include <cstring>
 #include <memory>
+
+#include "platform/plain_file.h"
 
 namespace {
 
 constexpr size_t BLOCK_SIZE = 8192;
 constexpr int END_OF_FILE = -1;
 constexpr int PIECE_SIZE = 160; // buffer of a line of any length, grown piece by piece
+const unsigned char BYTE_ORDER_MARK[] = {0xEF, 0xBB, 0xBF}; // of UTF-8: no text
 
 struct Slot {
-    std::FILE *file = nullptr; // null: the slot is free
+    bool isOpen = false;
+    std::FILE *file = nullptr; // null: the whole text is in the block
     std::unique_ptr<unsigned char[]> block;
     size_t blockLength = 0;
     size_t blockPosition = 0;
     int lookAhead = END_OF_FILE; // first character of the next line
     bool firstRead = true;       // the look-ahead has still to be fetched
     bool brokenLine = false;
+    bool dropping = false; // behind a NUL, until the line ends
     int lineNo = 0;
     long consumed = 0; // characters fetched, the look-ahead included
 };
@@ -27,13 +33,16 @@ Slot slots[TXFR_MAX];
 
 Slot *SlotOf(int handle)
 {
-    if (handle < 0 || handle >= TXFR_MAX || slots[handle].file == nullptr)
+    if (handle < 0 || handle >= TXFR_MAX || !slots[handle].isOpen)
         return nullptr;
     return &slots[handle];
 }
 
 bool FillBlock(Slot *slot)
 {
+    // A file that grows while it is read ends where it would not have been opened.
+    if (slot->file == nullptr || slot->consumed >= PLF_SIZE_MAX)
+        return false;
     slot->blockPosition = 0;
     slot->blockLength = std::fread(slot->block.get(), 1, BLOCK_SIZE, slot->file);
     return slot->blockLength > 0;
@@ -49,7 +58,8 @@ int NextCharacter(Slot *slot)
 
 void CloseSlot(Slot *slot)
 {
-    std::fclose(slot->file);
+    if (slot->file != nullptr)
+        std::fclose(slot->file);
     *slot = Slot{};
 }
 
@@ -72,6 +82,23 @@ int BreakLine(Slot *slot, int next, int length)
     return length;
 }
 
+int FreeSlot()
+{
+    int handle = 0;
+    while (handle < TXFR_MAX && slots[handle].isOpen)
+        ++handle;
+    return handle < TXFR_MAX ? handle : -1;
+}
+
+void SkipByteOrderMark(Slot *slot)
+{
+    const size_t size = sizeof BYTE_ORDER_MARK;
+    if (slot->blockLength < size || std::memcmp(slot->block.get(), BYTE_ORDER_MARK, size) != 0)
+        return;
+    slot->blockPosition = size;
+    slot->consumed = static_cast<long>(size);
+}
+
 int EndFile(int handle, int length)
 {
     CloseSlot(&slots[handle]);
@@ -79,7 +106,8 @@ int EndFile(int handle, int length)
 }
 
 // Collects one line. Behind a NUL the rest of the line is read and dropped, so that the
-// length returned is always that of the text.
+// length returned is always that of the text; what is dropped fills the buffer all the same,
+// so that no line keeps its reader longer than a buffer's worth.
 int CollectLine(int handle, char *buffer, int size)
 {
     Slot *slot = &slots[handle];
@@ -87,19 +115,19 @@ int CollectLine(int handle, char *buffer, int size)
     slot->firstRead = false;
     slot->brokenLine = false;
     ++slot->lineNo;
-    bool dropping = false;
     int length = 0;
-    for (;; c = NextCharacter(slot)) {
-        if (length == size - 1 && !dropping)
+    for (int taken = 0;; ++taken, c = NextCharacter(slot)) {
+        if (taken == size - 1)
             return BreakLine(slot, c, length);
         if (c == END_OF_FILE)
             return EndFile(handle, length);
         if (c == '\r' || c == '\n') {
             EndLine(slot, c);
+            slot->dropping = false;
             return length;
         }
-        dropping = dropping || c == '\0';
-        if (!dropping)
+        slot->dropping = slot->dropping || c == '\0';
+        if (!slot->dropping)
             buffer[length++] = static_cast<char>(c);
     }
 }
@@ -108,20 +136,34 @@ int CollectLine(int handle, char *buffer, int size)
 
 int TXFR_Open(const char *fileName)
 {
-    int handle = 0;
-    while (handle < TXFR_MAX && slots[handle].file != nullptr)
-        ++handle;
-    if (handle == TXFR_MAX || fileName == nullptr)
+    const int handle = FreeSlot();
+    if (handle < 0 || fileName == nullptr)
         return -1;
     Slot *slot = &slots[handle];
-    slot->file = std::fopen(fileName, "rb");
-    if (slot->file == nullptr)
+    if (PLF_Open(fileName, PLF_SIZE_MAX, &slot->file) != PLF_OK)
         return -1;
+    slot->isOpen = true;
     slot->block = std::make_unique<unsigned char[]>(BLOCK_SIZE);
-    if (!FillBlock(slot) && std::ferror(slot->file)) { // a folder, say
+    if (!FillBlock(slot) && std::ferror(slot->file)) {
         CloseSlot(slot);
         return -1;
     }
+    SkipByteOrderMark(slot);
+    return handle;
+}
+
+int TXFR_OpenMemory(const char *text, size_t length)
+{
+    const int handle = FreeSlot();
+    if (handle < 0)
+        return -1;
+    Slot *slot = &slots[handle];
+    slot->isOpen = true;
+    slot->block = std::make_unique<unsigned char[]>(length + 1);
+    if (length > 0)
+        std::memcpy(slot->block.get(), text, length);
+    slot->blockLength = length;
+    SkipByteOrderMark(slot);
     return handle;
 }
 

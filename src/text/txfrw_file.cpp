@@ -26,7 +26,7 @@ ReadResult ReadLine(int reader, char *buffer)
         return READ_LINE;
     char rest[2];
     const int length = TXFR_RdLine(reader, rest, sizeof rest);
-    return length <= 0 ? READ_LINE : READ_TOO_LONG;
+    return length <= 0 && TXFR_IsBrokenLine(reader) != 1 ? READ_LINE : READ_TOO_LONG;
 }
 
 int AddLine(TxfrwSlot *slot, const char *text, size_t length)
@@ -74,7 +74,8 @@ bool AddPieces(TxfrwSlot *slot, const char *text, size_t length)
 void LoadMemory(TxfrwSlot *slot, const char *buffer, size_t length)
 {
     const char *const end = buffer + length;
-    const char *line = buffer;
+    const bool isMarked = length >= 3 && std::memcmp(buffer, "\xEF\xBB\xBF", 3) == 0;
+    const char *line = buffer + (isMarked ? 3 : 0); // a byte order mark is no text
     while (line != end) {
         const char *lineEnd =
             std::find_if(line, end, [](char c) { return c == '\r' || c == '\n'; });

@@ -1,8 +1,38 @@
 #include "text/words.h"
 
+#include <algorithm>
+#include <cstdlib>
+
 namespace {
 
 const char WHITE[] = " \t\r\n\v\f";
+
+bool IsControl(char c)
+{
+    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
+}
+
+// "-12.5", "+3", "-12.500 Hz".
+bool IsNumber(const std::string &text)
+{
+    char *end = nullptr;
+    (void)std::strtod(text.c_str(), &end);
+    if (end == text.c_str())
+        return false;
+    const std::string unit(end);
+    return unit.find_first_not_of(" ") == std::string::npos ||
+           (unit[0] == ' ' && std::all_of(unit.begin(), unit.end(), [](char c) {
+                return c == ' ' || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+            }));
+}
+
+bool IsFormula(const std::string &text)
+{
+    // Blanks and tabs in front are skipped by those who run it.
+    const size_t start = text.find_first_not_of(" \t\r\n");
+    return start != std::string::npos &&
+           std::string("=+-@").find(text[start]) != std::string::npos && !IsNumber(text);
+}
 
 } // namespace
 
@@ -16,10 +46,24 @@ std::string WRD_Trim(const std::string &text)
 
 std::string WRD_QuoteCsv(const std::string &text)
 {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
-        return text;
+    const std::string cell = (IsFormula(text) ? "'" : "") + text;
+    if (cell.find_first_of(",\"\r\n") == std::string::npos)
+        return cell;
     std::string quoted = "\"";
-    for (const char c : text)
+    for (const char c : cell)
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     return quoted + '"';
+}
+
+std::string WRD_Visible(std::string text)
+{
+    std::replace_if(text.begin(), text.end(), IsControl, '.');
+    return text;
+}
+
+std::string WRD_VisibleLines(std::string text)
+{
+    const auto isHidden = [](char c) { return IsControl(c) && c != '\n'; };
+    std::replace_if(text.begin(), text.end(), isHidden, '.');
+    return text;
 }

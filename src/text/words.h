@@ -6,6 +6,13 @@
 
 // Without white space (blank, tab, line ends, vertical tab, form feed) at either end.
 std::string WRD_Trim(const std::string &text);
-std::string WRD_QuoteCsv(const std::string &text); // quoted only where CSV asks for it
+// The text as one cell of a CSV line: in quotes only where CSV asks for it. One that a
+// spreadsheet would run as a formula (it begins with "=", "+", "-" or "@" and is no number,
+// with or without a unit) gets an apostrophe in front, which keeps it text.
+std::string WRD_QuoteCsv(const std::string &text);
+// The text with a dot for every control character: names from files must not steer a
+// terminal or a list.
+std::string WRD_Visible(std::string text);
+std::string WRD_VisibleLines(std::string text); // the same, but line feeds stay
 
 #endif

@@ -2,6 +2,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 
 namespace {
@@ -35,12 +36,12 @@ void MWN_ShowView(int item)
 
 void SetMainPanelTitle()
 {
-    const std::string title =
-        IsDBGChange == 0 ? "Vireo2  " + szDebugFileName : "Vireo2 * " + szDebugFileName + " ";
+    const std::string name = WRD_Visible(szDebugFileName);
+    const std::string title = IsDBGChange == 0 ? "Vireo2  " + name : "Vireo2 * " + name + " ";
     SetPanelAttribute(mainPanel, ATTR_TITLE, title);
 }
 
 void VR_ShowMessage(const std::string &text)
 {
-    SetCtrlVal(mainPanel, MAIN_MESSAGE, text);
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, WRD_VisibleLines(text));
 }

@@ -22,8 +22,6 @@ std::vector<VIEW_Event> guiEvents;
 namespace {
 
 constexpr int DIALOG_PATIENCE_MS = 20000;
-constexpr int FIRST_NEW_ITEM = 1000;
-constexpr int NEW_ITEMS_MAX = 40;
 
 bool Note(const VIEW_Event &event)
 {
@@ -62,18 +60,6 @@ int RunTestedProgram(int argc, char **argv)
     return RunUserInterface();
 }
 
-void RemoveNewItems()
-{
-    VIEW_Batch batch;
-    for (int i = 0; i < NEW_ITEMS_MAX; i++) {
-        VIEW_MenuItem gone;
-        gone.item = FIRST_NEW_ITEM + i;
-        gone.isGone = true;
-        batch.items.push_back(gone);
-    }
-    QTV_Draw(batch);
-}
-
 } // namespace
 
 void ViewTest::SetUp()
@@ -99,12 +85,7 @@ void ViewTest::SetUp()
 
 void ViewTest::TearDown()
 {
-    for (int i = 0; i < UI_cnPanels; i++)
-        GuiDrawPanel(UI_aPanels[i].panel, VIEW_PANEL_VISIBLE,
-                     [](VIEW_Panel &panel) { panel.isVisible = false; });
-    GuiDrawList(PANEL_MAIN, MAIN_LIST, VIEW_LIST_LINES, [](VIEW_List &list) { list.count = 0; });
-    GuiDrawText(PANEL_CONSOLE, CONSOLE_BOX, "", true);
-    RemoveNewItems();
+    QTV_UnloadPanels();
     GuiSettle();
     QTV_postTo = VIEW_Post;
 }
@@ -114,7 +95,7 @@ void GuiProgramTest::SetUp()
     std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
     plug();
     ASSERT_TRUE(target);
-    MDL_Reset();
+    MDL_Reset(); // also of what the view alone has left at the door
     jobItem = 0;
     program = std::thread([] {
         static char name[] = "vireo2";
@@ -138,11 +119,7 @@ void GuiProgramTest::TearDown()
     szDebugFileName.clear();
     nDebugFileNames = 0;
     unplug();
-    MDL_Reset();
-    for (int i = 0; i < UI_cnPanels; i++)
-        if (PanelWindow *window = GuiWindow(UI_aPanels[i].panel))
-            window->setShown(false);
-    RemoveNewItems();
+    QTV_UnloadPanels();
     GuiSettle();
 }
 
@@ -175,7 +152,7 @@ void GuiProgramTest::onProgram(std::function<void()> next)
     const int before = jobsDone;
     startOnProgram(std::move(next));
     ASSERT_TRUE(QTest::qWaitFor([before] { return jobsDone > before; }, PATIENCE_MS));
-    GuiSettle();
+    ASSERT_TRUE(settle());
 }
 
 bool GuiProgramTest::settle()
@@ -205,6 +182,7 @@ void GuiShow(int panel)
     if (QTV_postTo != VIEW_Post)
         GuiDrawPanel(panel, VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED,
                      [](VIEW_Panel &change) { change.isVisible = true; });
+    GuiWindow(panel)->window()->activateWindow();
     QApplication::setActiveWindow(GuiWindow(panel)->window());
     ASSERT_TRUE(QTest::qWaitForWindowActive(GuiWindow(panel)->window()));
     GuiSettle();

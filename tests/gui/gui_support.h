@@ -31,7 +31,7 @@ protected:
 // The program on the example project and a simulated target, its watch view shown.
 class GuiProgramTest : public testing::Test {
 protected:
-    static constexpr int PATIENCE_MS = 60000; // never reached by a program that works
+    static constexpr int PATIENCE_MS = 20000; // never reached by a program that works
     static constexpr int PORT = 1;            // the one in the example's settings
 
     void SetUp() override;

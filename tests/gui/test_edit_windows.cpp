@@ -52,6 +52,7 @@ TEST_F(EditWindows, AnItemIsAddedFromItsCompletion)
     press(list, Qt::Key_Insert);
     ASSERT_TRUE(waitForWindow(PANEL_ITEM));
     auto *field = GuiWidget<QLineEdit>(PANEL_ITEM, WITEM_NAME);
+    ASSERT_TRUE(QTest::qWaitFor([field] { return field->hasFocus(); }, PATIENCE_MS));
     QTest::keyClicks(field, "AW");
     ASSERT_TRUE(
         QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; }, PATIENCE_MS))

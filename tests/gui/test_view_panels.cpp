@@ -149,10 +149,10 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     GuiShow(PANEL_MAIN);
     GuiWindow(PANEL_MAIN)->close();
     EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible()) << "the program decides";
-    ASSERT_EQ(guiEvents.size(), 1u);
-    EXPECT_EQ(guiEvents[0].event, EVENT_CLOSE);
+    EXPECT_EQ(GuiEventsOf(PANEL_MAIN, 0, EVENT_CLOSE).size(), 1u);
     QTest::keyClick(GuiWidget(PANEL_MAIN, MAIN_LIST), Qt::Key_Escape);
-    EXPECT_EQ(guiEvents.size(), 1u) << "Escape never ends the program";
+    EXPECT_EQ(GuiEventsOf(PANEL_MAIN, 0, EVENT_CLOSE).size(), 1u)
+        << "Escape never ends the program";
 
     PanelWindow *scope = GuiWindow(PANEL_SCOPE);
     GuiShow(PANEL_SCOPE);

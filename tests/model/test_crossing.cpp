@@ -493,6 +493,14 @@ TEST_F(Crossing, UrgentWishesAreSeenAtOnce)
         (Texts{"", "cancel breaks", "1", "gone", "waiting for station 9", "interrupt breaks"}),
         heard);
     EXPECT_FALSE(IsBreakWished()) << "what it was to break has ended";
+    EXPECT_FALSE(MDL_GetState().isQuit);
+    program.onControl = [](int, int, int) {
+        DOOR_OnSignal(true);
+        return 0;
+    };
+    VIEW_Post(Event(BUTTON, EVENT_COMMIT));
+    HandleAll();
+    EXPECT_TRUE(MDL_GetState().isQuit) << "nothing that could be broken off";
     VIEW_Busy busy;
     VIEW_GetBusy(&busy);
     EXPECT_FALSE(busy.isBusy);

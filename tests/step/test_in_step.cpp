@@ -46,7 +46,7 @@ struct Tally {
         if (isRight)
             return;
         ++wrong;
-        if (std::getenv("DBG")) std::printf("WRONG %s\n", what.c_str());
+        std::printf("WRONG %s\n", what.c_str());
         if (firstWrong.empty())
             firstWrong = what;
     }
@@ -158,7 +158,11 @@ Tally RunSeed(uint32_t seed)
     const VL_Schedule schedule = DrawSchedule();
     const int isWin32 = static_cast<int>(VL_Random(2));
     VL_Change(schedule);
-    if (std::getenv("DBG")) std::printf("win32 %d delay %g..%g loss %g damage %g dup %g stray %g cut %g foreign %g stall %g refuse %g echo %d zero %d\n", isWin32, schedule.delayMin, schedule.delayMax, schedule.loss, schedule.damage, schedule.duplicate, schedule.stray, schedule.cut, schedule.foreign, schedule.stall, schedule.refuse, schedule.isEcho, schedule.isZeroRefused);
+    std::printf("win32 %d delay %g..%g loss %g damage %g dup %g stray %g cut %g foreign %g "
+                "stall %g refuse %g echo %d zero %d\n",
+                isWin32, schedule.delayMin, schedule.delayMax, schedule.loss, schedule.damage,
+                schedule.duplicate, schedule.stray, schedule.cut, schedule.foreign, schedule.stall,
+                schedule.refuse, schedule.isEcho, schedule.isZeroRefused);
     Open(isWin32);
     while (tally.operations < 250) {
         const uint32_t next = VL_Random(20);
@@ -181,7 +185,7 @@ Tally RunSeed(uint32_t seed)
 }
 
 // Seeds that have failed once.
-constexpr uint32_t KEPT_SEEDS[] = {1};
+constexpr uint32_t KEPT_SEEDS[] = {1006, 1105, 1117, 1318, 1349, 2127, 2356};
 
 TEST_F(InStep, NoSchedulePassesOffAnAnswerForAnother)
 {
@@ -201,7 +205,7 @@ TEST_F(InStep, NoSchedulePassesOffAnAnswerForAnother)
     for (const uint32_t seed : KEPT_SEEDS)
         run(seed);
     const char *count = std::getenv("VIREO2_STEP_SEEDS");
-    const uint32_t seeds = count != nullptr ? static_cast<uint32_t>(std::atol(count)) : 400;
+    const uint32_t seeds = count != nullptr ? static_cast<uint32_t>(std::atol(count)) : 100;
     for (uint32_t seed = 1000; seed < 1000 + seeds; ++seed)
         run(seed);
     EXPECT_GT(all.requests, seeds * 250ull);
@@ -210,6 +214,186 @@ TEST_F(InStep, NoSchedulePassesOffAnAnswerForAnother)
                 static_cast<unsigned long long>(all.operations),
                 static_cast<unsigned long long>(all.requests),
                 static_cast<unsigned long long>(all.good));
+}
+
+// --- single faults ----------------------------------------------------------------------
+
+struct BothDrivers : InStep, testing::WithParamInterface<int> {
+    void start(const VL_Schedule &schedule)
+    {
+        VL_Start(schedule, 7);
+        Open(GetParam());
+    }
+    // Reads `size` bytes and says whether they are those of the address.
+    static bool isRead(uint32_t address, uint32_t size)
+    {
+        Value value;
+        value.address = address;
+        value.size = size;
+        ReadValue(&value);
+        EXPECT_TRUE(!value.isRead || IsRight(value)) << address;
+        return value.isRead;
+    }
+};
+INSTANTIATE_TEST_SUITE_P(Step, BothDrivers, testing::Values(0, 1));
+
+TEST_P(BothDrivers, AGoodLinePaysOneExchangeASecondAndAStrayByteOneTry)
+{
+    start(VL_Schedule());
+    ASSERT_TRUE(isRead(0x1000, 2));
+    const uint64_t before = VL_counters.requests;
+    for (uint32_t i = 0; i < 100; ++i)
+        ASSERT_TRUE(isRead(0x1000 + i, 2));
+    EXPECT_EQ(VL_counters.requests - before, 100u);
+    EXPECT_EQ(UCM_Prove(), UCM_PROVEN);
+    EXPECT_EQ(UCM_Prove(), UCM_PROVEN) << "nothing was read since";
+    EXPECT_EQ(VL_counters.requests - before, 101u);
+
+    VL_Schedule noisy;
+    noisy.isStrayBefore = true;
+    VL_Change(noisy);
+    const uint32_t repeated = EC_dwBlkRpt;
+    uint32_t good = 0;
+    for (uint32_t i = 0; i < 100; ++i)
+        good += isRead(0x1000 + i, 2) ? 1 : 0;
+    EXPECT_EQ(good, 100u);
+    EXPECT_LE(EC_dwBlkRpt - repeated, 100u);
+    EXPECT_GT(EC_dwBlkRpt - repeated, 20u);
+}
+
+TEST_P(BothDrivers, AKilledProgramLeavesAnAnswerThatIsNobodys)
+{
+    for (int i = 0; i < 20; ++i) {
+        VL_Schedule late;
+        late.delayMin = late.delayMax = VL_TIMEOUT_MS * 0.5;
+        start(late);
+        VL_SendRead(1, 0x1800, 2);
+        Open(GetParam());
+        EXPECT_TRUE(isRead(0x1000, 2));
+    }
+}
+
+TEST_P(BothDrivers, SlowerThanTheTimeOutIsRightAndCostsThreeAnswers)
+{
+    VL_Schedule slow;
+    slow.delayMin = slow.delayMax = VL_TIMEOUT_MS * 3.8;
+    start(slow);
+    for (uint32_t i = 0; i < 20; ++i)
+        EXPECT_TRUE(isRead(0x1000 + i, 2)) << i;
+    slow.delayMin = slow.delayMax = VL_TIMEOUT_MS * 17.0; // all that can be said: no answer
+    VL_Change(slow);
+    EXPECT_FALSE(isRead(0x1100, 2));
+    const uint64_t start = VL_NowUs();
+    EXPECT_FALSE(isRead(0x1100, 2));
+    EXPECT_LE(VL_NowUs() - start, 4 * VL_TIMEOUT_MS * 1000u + 10000u);
+    EXPECT_EQ(UCM_LastErrorText(), "no answer");
+}
+
+TEST_P(BothDrivers, AnEchoIsSkippedOrExplained)
+{
+    VL_Schedule echo;
+    echo.isEcho = true;
+    start(echo);
+    EXPECT_EQ(isRead(0x1000, 2), GetParam() == 0);
+    EXPECT_EQ(UCM_IsEchoing(), GetParam() == 1);
+    if (GetParam() == 1) {
+        EXPECT_EQ(UCM_LastErrorText(), "The line echoes what is sent: switch Win32 services off.");
+        EXPECT_EQ(UCM_UseWin32(0), 0);
+        EXPECT_TRUE(isRead(0x1000, 200));
+        EXPECT_FALSE(UCM_IsEchoing());
+    }
+}
+
+TEST_P(BothDrivers, AnAnswerHalfThereBeforeTheRequestIsNotItsAnswer)
+{
+    VL_Schedule line;
+    line.delayMin = line.delayMax = VL_TIMEOUT_MS * 0.5;
+    start(line);
+    ASSERT_TRUE(isRead(0x1000, 2));
+    const std::string other = VL_Answer(1, 0, -1, {0x12, 0x34});
+    VL_Inject(other.substr(0, 6), 0);
+    VL_Inject(other.substr(6), 3);
+    EXPECT_TRUE(isRead(0x1000, 2));
+}
+
+TEST_P(BothDrivers, ALateAcknowledgementIsOfNoOtherWrite)
+{
+    VL_Schedule late;
+    start(late);
+    ASSERT_TRUE(isRead(0x1000, 2));
+    UCM_recS.tries = 0;
+    late.delayMin = late.delayMax = VL_TIMEOUT_MS * 1.2;
+    VL_Change(late);
+    EXPECT_LT(UCM_Write(1, 0x2000, 1, "a"), 0); // done, but its answer is late
+    late.loss = 2;                              // no request arrives any more
+    VL_Change(late);
+    EXPECT_LT(UCM_Write(1, 0x2001, 1, "b"), 0);
+}
+
+TEST_P(BothDrivers, ProofBehindFindsRepeatedAnswers)
+{
+    VL_Schedule repeating;
+    start(repeating);
+    ASSERT_TRUE(isRead(0x1000, 2));
+    EXPECT_EQ(UCM_Prove(), UCM_PROVEN);
+    repeating.duplicate = 1;
+    VL_Change(repeating);
+    Value value;
+    value.size = 2;
+    for (uint32_t i = 0; i < 4; ++i) {
+        value.address = 0x1000 + i;
+        ReadValue(&value);
+    }
+    EXPECT_EQ(UCM_Prove(), UCM_READ_AGAIN);
+    uint8_t bytes[200];
+    EXPECT_LT(UCM_Read(1, 0x1000, sizeof bytes, bytes), 0);
+    EXPECT_EQ(UCM_LastErrorText(), "answers come more than once");
+}
+
+TEST_P(BothDrivers, ATargetThatRefusesProbesIsProvenElsewhere)
+{
+    VL_Schedule refusing;
+    refusing.isZeroRefused = true;
+    start(refusing);
+    for (uint32_t i = 0; i < 5; ++i) {
+        EXPECT_TRUE(isRead(0x1000 + i, 2)) << i;
+        EXPECT_EQ(UCM_Prove(), UCM_PROVEN);
+    }
+    refusing.refuse = 1;
+    VL_Change(refusing);
+    EXPECT_FALSE(isRead(0x1000, 2));
+    EXPECT_EQ(UCM_LastErrorText(), "target error code 66");
+}
+
+// --- breaking off -----------------------------------------------------------------------
+
+int askedBreak = 0;
+std::string waitedFor;
+
+TEST_P(BothDrivers, BreaksOffAtTheNextTryAndSaysForWhomItWaits)
+{
+    VL_Schedule silent;
+    silent.stations = 1u << 1;
+    start(silent);
+    askedBreak = 0;
+    waitedFor.clear();
+    UCM_Listener listener;
+    listener.isBreak = [] { return ++askedBreak > 6; };
+    listener.waiting = [](int station) { waitedFor += std::to_string(station) + " "; };
+    UCM_SetListener(listener);
+    ASSERT_TRUE(isRead(0x1000, 2));
+    ASSERT_TRUE(isRead(0x1000, 2));
+    EXPECT_EQ(waitedFor, "1 ");
+    const uint64_t before = VL_NowUs();
+    uint8_t bytes[200];
+    EXPECT_LT(UCM_Read(9, 0, sizeof bytes, bytes), 0);
+    EXPECT_EQ(UCM_LastErrorText(), "cancelled");
+    EXPECT_EQ(nMr166Err, MR166_FAULT_CANCELLED);
+    EXPECT_LT(VL_NowUs() - before, 3 * VL_TIMEOUT_MS * 1000u);
+    EXPECT_EQ(waitedFor.substr(0, 4), "1 9 ");
+    askedBreak = 100;
+    EXPECT_LT(UCM_Read(1, 0x1000, sizeof bytes, bytes), 0);
+    EXPECT_EQ(askedBreak, 101) << "no further tries";
 }
 
 } // namespace

@@ -91,7 +91,9 @@ void SendAnswer(std::string answer)
         ++VL_counters.faults;
     }
     const bool isStray = VL_Happens(schedule.stray);
-    const uint32_t where = isStray ? VL_Random(4) : 9;
+    const uint32_t where = schedule.isStrayBefore ? 8 : isStray ? VL_Random(4) : 9;
+    if (where == 8)
+        Arrive(lastUs, '?');
     if (where < 2)
         Stray();
     const size_t pause = VL_Happens(schedule.cut)
@@ -243,10 +245,10 @@ void VL_SendRead(int station, uint32_t address, unsigned count)
         Receive(byte);
 }
 
-void VL_Inject(const std::string &characters)
+void VL_Inject(const std::string &characters, double afterMs)
 {
     for (const char byte : characters)
-        Arrive(nowUs, byte);
+        Arrive(nowUs + static_cast<uint64_t>(afterMs * 1000), byte);
 }
 
 // --- the port and the clock ---------------------------------------------------------------
@@ -303,8 +305,9 @@ int SER_Write(SER_Handle, const void *bytes, size_t count)
 {
     const char *text = static_cast<const char *>(bytes);
     const bool isLost = VL_Happens(schedule.loss / 2);
-    const size_t damaged =
-        VL_Happens(schedule.damage) ? VL_Random(static_cast<uint32_t>(count)) : count;
+    // A damaged request is a lost one, and a repeated answer in its place looks like its own.
+    const bool isDamaged = schedule.duplicate == 0 && VL_Happens(schedule.damage);
+    const size_t damaged = isDamaged ? VL_Random(static_cast<uint32_t>(count)) : count;
     VL_counters.faults += isLost ? 1 : 0;
     for (size_t i = 0; i < count; ++i) {
         if (schedule.isEcho)

@@ -14,14 +14,15 @@ constexpr uint32_t VL_TIMEOUT_MS = 100;
 // Shares are 0 to 1, of the answers; times are milliseconds.
 struct VL_Schedule {
     double delayMin = 0.1, delayMax = 0.5;
-    double loss = 0;      // half of it requests, half answers
-    double damage = 0;    // of one character, of requests and answers
-    double duplicate = 0; // the same answer again, up to one time-out later
-    double stray = 0;     // one to three characters before, behind or inside an answer
-    double cut = 0;       // a pause of up to one and a half time-outs inside an answer
-    double foreign = 0;   // a sound answer of another station before this one
-    double stall = 0;     // the partner stands still for up to ten time-outs
-    double refuse = 0;    // the partner answers with an error code
+    double loss = 0;            // half of it requests, half answers
+    double damage = 0;          // of one character, of requests and answers
+    double duplicate = 0;       // the same answer again, up to one time-out later
+    double stray = 0;           // one to three characters before, behind or inside an answer
+    bool isStrayBefore = false; // only before, one character
+    double cut = 0;             // a pause of up to one and a half time-outs inside an answer
+    double foreign = 0;         // a sound answer of another station before this one
+    double stall = 0;           // the partner stands still for up to ten time-outs
+    double refuse = 0;          // the partner answers with an error code
     bool isEcho = false;
     bool isZeroRefused = false; // reads of address 0 are refused
     uint32_t stations = 0xFFFF; // bit n: station n answers
@@ -43,8 +44,8 @@ extern uint8_t VL_epoch;
 
 // A request as another program would have sent it; nobody reads its answer.
 void VL_SendRead(int station, uint32_t address, unsigned count);
-// Characters that stand in the input as if they had come from the line.
-void VL_Inject(const std::string &characters);
+// Characters that come from the line after a while.
+void VL_Inject(const std::string &characters, double afterMs);
 std::string VL_Answer(int station, int command, int count, const std::vector<uint8_t> &data);
 
 struct VL_Counters {

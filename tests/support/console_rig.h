@@ -67,6 +67,17 @@ struct ConsoleRig : testing::Test {
         iOldCmd = iOldCmd2 = 0;
     }
 
+    // Another target, empty again, and the program's protocol.
+    void ChangeProtocol()
+    {
+        SIMT_Stop(RIG_PORT, target);
+        SIM_Options options;
+        options.demo = false;
+        options.modbus = true;
+        target = SIMT_Start(RIG_PORT, options);
+        ASSERT_NE(target, nullptr);
+        VR_nProtocol = PROTOCOL_MODBUS;
+    }
     void Type(const std::string &line)
     {
         HL_SetUserVal(PANEL_CONSOLE, CONSOLE_INPUT, line);

@@ -48,6 +48,12 @@ struct LinkTest : testing::Test {
             SIMT_Stop(LINK_PORT, target);
         target = nullptr;
     }
+    // The first exchange with a station proves that nothing older is on the line.
+    static void prove(int station)
+    {
+        uint8_t byte = 0;
+        ASSERT_EQ(Mr166_Read(station, 0, 1, &byte), 0);
+    }
     uint64_t requests() const
     {
         return SIM_GetCounters(target).requests;

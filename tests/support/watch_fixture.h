@@ -18,6 +18,7 @@
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_file.h"
+#include "watch/list/list_layout.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 
@@ -39,6 +40,7 @@ protected:
         szDebugFileName.clear();
         nDebugFileNames = 0;
         EDT_ForgetEdits();
+        LAY_Set({});
         Procesor = CPU_C166;
         Option_AutoOff = 1;
         STATION = 1;

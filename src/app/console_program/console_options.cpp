@@ -17,7 +17,14 @@ const char CPG_szUsage[] =
     "  --watch FILE        print the values of a watch list, one table per sweep\n"
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
+    "  --program FILE.hex  program a HEX file into the target's flash and read it back\n"
+    "  --no-erase          do not erase; write only what the flash does not hold yet\n"
+    "  --no-verify         do not read back\n"
+    "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
+    "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
+    "  --snap              record at once\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
     "  --yes, --no         answer questions\n"
@@ -39,6 +46,13 @@ bool ApplySweeps(CPG_Options *options, const char *value)
     return errno == 0 && end != value && *end == '\0' && options->sweeps > 0;
 }
 
+bool ApplyWait(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    options->scopeWait = std::strtod(value, &end);
+    return end != value && *end == '\0' && options->scopeWait >= 0 && options->scopeWait < 1e6;
+}
+
 bool ApplyFormat(CPG_Options *options, const char *value)
 {
     const char *const NAMES[] = {"text", "csv", "json"}; // in the order of CPG_Format
@@ -58,6 +72,11 @@ struct LongOption {
 const LongOption LONG_OPTIONS[] = {
     {"help", false, [](CPG_Options *o, const char *) { return o->isHelp = true; }},
     {"version", false, [](CPG_Options *o, const char *) { return o->isVersion = true; }},
+    {"echo", false,
+     [](CPG_Options *o, const char *) {
+         o->isEcho = true;
+         return true;
+     }},
     {"full", false, [](CPG_Options *o, const char *) { return o->isFull = true; }},
     {"yes", false,
      [](CPG_Options *o, const char *) {
@@ -72,6 +91,13 @@ const LongOption LONG_OPTIONS[] = {
     {"watch", true, [](CPG_Options *o, const char *v) { return !(o->watchFile = v).empty(); }},
     {"sweeps", true, ApplySweeps},
     {"format", true, ApplyFormat},
+    {"program", true, [](CPG_Options *o, const char *v) { return !(o->programFile = v).empty(); }},
+    {"no-erase", false, [](CPG_Options *o, const char *) { return o->isNoErase = true; }},
+    {"no-verify", false, [](CPG_Options *o, const char *) { return o->isNoVerify = true; }},
+    {"scope", true, [](CPG_Options *o, const char *v) { return !(o->scopeFile = v).empty(); }},
+    {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
+    {"wait", true, ApplyWait},
+    {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -115,6 +141,14 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--sweeps and --format go with --watch";
     else if (!options.watchFile.empty() && rest > 0)
         *message = "--watch and a script exclude each other";
+    else if (options.programFile.empty() && (options.isNoErase || options.isNoVerify))
+        *message = "--no-erase and --no-verify go with --program";
+    else if (!options.programFile.empty() && (rest > 0 || !options.watchFile.empty()))
+        *message = "--program excludes --watch and a script";
+    else if (options.scopeFile.empty() != options.csvFile.empty())
+        *message = "--scope and --csv go together";
+    else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
+        *message = "--scope goes without a script and without --watch";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else

@@ -14,11 +14,19 @@ struct CPG_Options {
     bool isHelp = false;
     bool isVersion = false;
     bool isFull = false;
+    bool isEcho = false; // the line echoes what is sent
     HL_DefaultAnswer answer = HL_ANSWER_SAFE;
     std::string watchFile; // "" = do not watch
     long sweeps = 0;       // 0 = until interrupted
     CPG_Format format = CPG_TEXT;
+    std::string programFile; // HEX file to program into the target's flash, "" = none
+    bool isNoErase = false;
+    bool isNoVerify = false;
     std::string traceFile;
+    std::string scopeFile; // settings of a scope recording, "" = none
+    std::string csvFile;   // where it goes; "-" = standard output
+    double scopeWait = 10; // seconds to wait for the trigger
+    bool isSnap = false;   // do not wait for it
     std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };

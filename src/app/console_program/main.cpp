@@ -1,5 +1,6 @@
 // The program without windows: takes its own options, picks what the event loop
 // does, and turns the outcome into an exit code.
+#include <algorithm>
 #include <cstdio>
 
 #include "app/console_program/console_options.h"
@@ -8,10 +9,13 @@
 #include "app/startup.h"
 #include "app/version.h"
 #include "calendar/archive.h"
+#include "comm/modbus.h"
 #include "comm/trace.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/view.h"
 #include "settings/settings.h"
+#include "symbols/flash_info.h"
 
 namespace {
 
@@ -19,6 +23,7 @@ constexpr int EXIT_WRONG_OPTION = 2;
 
 int Drive()
 {
+    CPG_RepeatMessage(); // what the settings could not have
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
 }
 
@@ -38,7 +43,7 @@ bool ReadAnswer(std::string *line)
 void WriteTrace(const std::string &text, void *context)
 {
     std::FILE *file = static_cast<std::FILE *>(context);
-    std::fputs(text.c_str(), file);
+    SAF_PutText(file, text);
     std::fflush(file);
 }
 
@@ -48,10 +53,15 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_ShowProgress(LNE_IsErrorTerminal());
     HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
+    MBM_isEcho = options.isEcho ? 1 : 0;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
-    HL_SetDriver(isWatch ? CPG_RunWatch : Drive);
-    if (isWatch)
+    const bool isScope = !options.scopeFile.empty();
+    HL_SetDriver(isWatch                        ? CPG_RunWatch
+                 : isScope                      ? CPG_RunScope
+                 : !options.programFile.empty() ? CPG_RunProgram
+                                                : Drive);
+    if (isWatch || isScope)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
@@ -64,7 +74,7 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
-    std::FILE *file = std::fopen(options.traceFile.c_str(), "w");
+    std::FILE *file = std::fopen(options.traceFile.c_str(), "wb");
     if (!file) {
         std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
         return 1;
@@ -82,11 +92,20 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 
 int MakeArchive(const CPG_Options &options)
 {
-    if (QAR_Make(options.archive.c_str(), options.archiveFiles) == 0)
-        return 0;
-    std::fprintf(stderr, "Cannot make archive '%s': a file cannot be read or written.\n",
-                 options.archive.c_str());
-    return 1;
+    const std::vector<std::string> &members = options.archiveFiles;
+    std::string problem;
+    if (QAR_CheckMembers(members, &problem) == 0 && QAR_Make(options.archive.c_str(), members) != 0)
+        problem = "it cannot be written";
+    if (!problem.empty()) {
+        std::fprintf(stderr, "Cannot make archive '%s': %s.\n", options.archive.c_str(),
+                     problem.c_str());
+        return 1;
+    }
+    for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_MAP})
+        if (std::find(members.begin(), members.end(), name) == members.end())
+            std::fprintf(stderr, "Note: to open as a map, the archive needs a member '%s'.\n",
+                         name);
+    return 0;
 }
 
 int Dispatch(const CPG_Options &options, int argc, char **argv)

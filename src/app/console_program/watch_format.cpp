@@ -72,7 +72,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
         value = "Address?";
     else if (row.isError)
         value = row.reason.empty() ? "(!)" : "(!) " + row.reason;
-    return row.name + std::string(pad, ' ') + columns + value + '\n';
+    return WRD_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
 }
 
 size_t NameWidth()

@@ -111,6 +111,8 @@ int Follow()
 void CPG_SetOptions(const CPG_Options &newOptions)
 {
     options = newOptions;
+    CPG_SetProgramOptions(newOptions);
+    CPG_SetScopeOptions(newOptions);
 }
 
 void CPG_RepeatMessage()

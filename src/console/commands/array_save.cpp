@@ -36,7 +36,7 @@ TransferResult SaveElements(const ArrayRequest &request, std::FILE *file)
                                TRF_METER_ARRAY};
     return TRF_Read(plan, [&](uint32_t, const uint8_t *bytes, uint32_t count) {
         for (uint32_t i = 0; i + type.size <= count; i += type.size)
-            std::fputs(ARR_FormatElement(type, bytes + i).c_str(), file);
+            SAF_PutText(file, ARR_FormatElement(type, bytes + i));
         return true;
     });
 }
@@ -130,10 +130,11 @@ int SCR_Save(ScrPar *par)
     if (ARR_Resolve(par, "Save", "Save.", &request) < 0)
         return -1;
     SafeFile file;
-    if (SAF_Open(&file, par[3].text, "wt") < 0)
+    if (SAF_Open(&file, par[3].text, "wb") < 0)
         return SCR_Fail(CON_Format("Save: Nelze otevrit soubor %s pro zapis.", par[3].text));
-    std::fprintf(file.file, "Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
-                 request.type->upperName);
+    SAF_PutText(file.file,
+                CON_Format("Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
+                           request.type->upperName));
     const TransferResult result = SaveElements(request, file.file);
     if (result != TRANSFER_DONE) {
         SAF_Cancel(&file);

@@ -10,6 +10,7 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 
 namespace {
@@ -84,8 +85,8 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
 // At most `limit` bytes of the file; false when it cannot be read.
 bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes)
 {
-    std::FILE *file = std::fopen(fileName, "rb");
-    if (!file)
+    std::FILE *file = nullptr;
+    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) != PLF_OK)
         return false;
     uint8_t block[BLOCK_BYTES];
     for (;;) {

@@ -24,7 +24,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Load, "load", {PLACE, TYPE, COUNT, PATH}},
     {SCR_LoadCsv, "loadcsv", {PLACE, TYPE, COUNT, PATH}},
     {SCR_LoadCsvN, "loadcsvn", {PLACE, TYPE, COUNT, COUNT, PATH}}, // count, minimum
-    {nullptr, "savelog", {PLACE, PATH}},
+    {ScrFnSaveLog, "savelog", {PLACE, PATH}},
     {SCR_Dump, "dump", {PLACE, TYPE, COUNT}},
     {SCR_BinSave, "binsave", {PLACE, LENGTH, PATH}},
     {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
@@ -32,12 +32,16 @@ const ScrRow SCR_aTable[] = {
     {nullptr, "dis", {PLACE, BYTE}},
     {nullptr, "upload", {PATH, PATH}},
     {nullptr, "download", {PATH, PATH, BYTE}},
-    {nullptr, "hexload", {PATH}},
-    {nullptr, "l3test", {}},
-    {nullptr, "l3erase", {}},
-    {nullptr, "l3write", {PATH}},
-    {nullptr, "getlog", {TEXT, PATH}},
-    {nullptr, "dlldtst", {INT16}},
+    {SCR_HexLoad, "hexload", {PATH}},
+    {SCR_L3Test, "l3test", {}},
+    {SCR_L3Erase, "l3erase", {}},
+    {SCR_L3Write, "l3write", {PATH}},
+    {SCR_L3Verify, "l3verify", {PATH}},
+    {SCR_L3Read, "l3read", {PLACE, LENGTH, PATH}},
+    {ScrFnGetLog, "getlog", {TEXT, PATH}},
+    {SCR_DlldTst, "dlldtst", {INT16}},
+    {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
+    {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},

@@ -18,6 +18,20 @@ int SCR_Dump(ScrPar *par);
 int SCR_BinSave(ScrPar *par);
 int SCR_XSave(ScrPar *par);
 int SCR_BinLoad(ScrPar *par);
+// The data logger.
+int ScrFnGetLog(ScrPar *par);
+int ScrFnSaveLog(ScrPar *par);
+int SCR_DlldTst(ScrPar *par);
+// HEX files and the flash loader.
+int SCR_HexLoad(ScrPar *par);
+int SCR_L3Test(ScrPar *par);
+int SCR_L3Erase(ScrPar *par);
+int SCR_L3Write(ScrPar *par);
+int SCR_L3Verify(ScrPar *par);
+int SCR_L3Read(ScrPar *par);
+// Registers of any Modbus slave; the parameter is the whole line.
+int SCR_MbRead(ScrPar *par);
+int SCR_MbWrite(ScrPar *par);
 // Settings and the monitor itself.
 int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);

@@ -1,6 +1,8 @@
 // The help texts, one row a line, leading blanks included.
 #include "console/monitor/monitor.h"
 
+#include "settings/settings.h"
+
 namespace {
 
 const char *const COMMAND_HELP[] = {
@@ -17,6 +19,12 @@ const char *const COMMAND_HELP[] = {
     "   procesor n         ... set processor type (n=166, 167, 28335)",
     "   compar 0,0         ... set COM parameters",
     "   getlog 'name',file ... read datalog",
+};
+
+// What only the full command set admits.
+const char *const FULL_HELP[] = {
+    "   mbread [slave:]function, start, quantity ... read registers or bits over Modbus",
+    "   mbwrite [slave:]start, value [, value ...] ... write registers over Modbus",
 };
 
 const char *const TMS_HELP[] = {
@@ -44,6 +52,8 @@ template <size_t N> void PrintLines(const char *const (&lines)[N])
 void PrintCmdHelp(int)
 {
     PrintLines(COMMAND_HELP);
+    if (VR_isFullCommandSet)
+        PrintLines(FULL_HELP);
 }
 
 void PrintTmsCmdHelp(int)

@@ -13,8 +13,6 @@
 
 namespace {
 
-std::string tmsMapFile; // of the TMS320 behind a station
-
 int PrintSyntax()
 {
     PrintMonStr(" Error: the syntax is \"m [file]\", \"mt [file]\", \"mf\", \"mfn\" or \"mfo\".\n");
@@ -40,17 +38,9 @@ int ReportTmsMap()
         PrintMonStr("The TMS map file is not opened. Try \"mt filename\".\n");
         return 0;
     }
-    CON_Print("TMS MapFile: %s", isOwnMap ? tmsMapFile.c_str() : mapFile.c_str());
+    CON_Print("TMS MapFile: %s", isOwnMap ? TMS_mapFile.c_str() : mapFile.c_str());
     CON_Print("Nodes:       %d\n", isOwnMap ? nTMSNodes : nNodes);
     return 0;
-}
-
-int LoadTmsMap(const char *fileName)
-{
-    const int result = TMSmap2node(fileName);
-    if (result >= 0)
-        tmsMapFile = fileName;
-    return result;
 }
 
 struct MapKind {
@@ -58,13 +48,18 @@ struct MapKind {
     int (*report)();
 };
 const MapKind C166_MAP = {map2node, ReportC166Map};
-const MapKind TMS_MAP = {LoadTmsMap, ReportTmsMap};
+const MapKind TMS_MAP = {TMSmap2node, ReportTmsMap};
 
 int LoadOrReport(const MapKind &kind, const std::string &fileName)
 {
     if (fileName.empty())
         return kind.report();
-    if (kind.load(fileName.c_str()) < 0) {
+    const int result = kind.load(fileName.c_str());
+    if (result == MAP_ERR_NO_SYMBOL) {
+        CON_Print(" Error: the MAP file %s.\n", MAP_ErrorText(result));
+        return -1;
+    }
+    if (result < 0) {
         PrintMonStr(" Error: the MAP file doesn't exist.\n");
         return -1;
     }

@@ -65,16 +65,16 @@ const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE};
 
 int StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
 {
-    std::fputs(request.isFloat ? "float\n" : "int\n", file);
+    SAF_PutText(file, request.isFloat ? "float\n" : "int\n");
     uint32_t address = request.address;
     for (uint32_t i = 0; i < request.count && address <= source.lastAddress; i++) {
         uint32_t value = 0;
         if (source.read(address, request.isFloat, &value) < 0)
             return -1;
         if (request.isFloat)
-            std::fprintf(file, "%g\n", source.toDouble(value));
+            SAF_PutText(file, CON_Format("%g\n", source.toDouble(value)));
         else
-            std::fprintf(file, "%d\n", static_cast<int32_t>(value));
+            SAF_PutText(file, CON_Format("%d\n", static_cast<int32_t>(value)));
         address += source.step;
     }
     return 0;
@@ -89,7 +89,7 @@ int FailOpen(const std::string &fileName)
 int StoreFile(const MemoryFileRequest &request, const Source &source)
 {
     SafeFile file;
-    if (SAF_Open(&file, request.fileName, "wt") < 0)
+    if (SAF_Open(&file, request.fileName, "wb") < 0)
         return FailOpen(request.fileName);
     if (StoreItems(request, source, file.file) < 0) {
         SAF_Cancel(&file);

@@ -112,11 +112,7 @@ int CON_SaveText(const std::string &path)
     SafeFile file;
     if (SAF_Open(&file, path, "wb") < 0)
         return -1;
-    for (char c : CON_GetText() + "\n") {
-        if (c == '\n')
-            std::fputc('\r', file.file);
-        std::fputc(c, file.file);
-    }
+    SAF_PutText(file.file, CON_GetText() + "\n");
     return SAF_Commit(&file);
 }
 

@@ -322,7 +322,8 @@ bool HL_IsQuit()
 
 int HL_FireTimer(int panel, int control)
 {
-    return MDL_OnControl(panel, control, MDL_FireTimer);
+    ProcessSystemEvents(); // a request to end must not wait for the last of many ticks
+    return HL_IsQuit() ? 0 : MDL_OnControl(panel, control, MDL_FireTimer);
 }
 
 int HL_WaitTimer(int panel, int control, bool (*isStopped)())

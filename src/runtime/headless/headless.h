@@ -37,7 +37,7 @@ void HL_ShowProgress(bool isShown);
 // true; its result is the loop's unless QuitUserInterface gave one.
 void HL_SetDriver(int (*driver)());
 bool HL_IsQuit();
-// One tick of a timer: 1 fired, 0 timers are suspended.
+// One tick of a timer: 1 fired, 0 timers are suspended or the loop is to end.
 int HL_FireTimer(int panel, int control);
 // Sleeps for the timer's interval, then fires it. Ends early, unfired (0), once
 // `isStopped` (may be null) says so or the loop is to end.

@@ -26,7 +26,8 @@ struct Door {
 };
 Door door;
 // Read in every wait for the port: must cost nothing.
-std::atomic<bool> hasEvents{false}, isInterrupted{false}, hasCancelled{false};
+std::atomic<bool> hasEvents{false}, isInterrupted{false}, isInterruptSeen{false},
+    hasCancelled{false};
 std::atomic<int> urgentWaiting{0};
 
 // --- merging: what is newer wins ----------------------------------------------------------
@@ -308,7 +309,7 @@ void DOOR_Reset()
     door.cancelled.clear();
     door.busy = VIEW_Busy();
     door.counters = VIEW_Counters();
-    hasEvents = isInterrupted = hasCancelled = false;
+    hasEvents = isInterrupted = isInterruptSeen = hasCancelled = false;
     urgentWaiting = 0;
 }
 
@@ -387,6 +388,8 @@ void DOOR_ForgetCancel(int progress)
 
 bool DOOR_IsBreakWished()
 {
+    if (isInterrupted)
+        isInterruptSeen = true;
     return urgentWaiting > 0 || hasCancelled || isInterrupted;
 }
 
@@ -396,9 +399,14 @@ void DOOR_EndUrgent(const VIEW_Event &event)
         urgentWaiting--;
 }
 
-bool DOOR_EndInterrupt()
+void DOOR_EndInterrupt()
 {
-    return isInterrupted.exchange(false);
+    if (!isInterrupted.exchange(false))
+        return;
+    if (isInterruptSeen.exchange(false))
+        PLT_SignalHeard();
+    else
+        DOOR_OnSignal(false);
 }
 
 void DOOR_OnSignal(bool isInterrupt)

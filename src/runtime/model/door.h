@@ -31,7 +31,8 @@ void DOOR_ForgetCancel(int progress);
 // An urgent event waits, a progress box was cancelled, or an interrupt came.
 bool DOOR_IsBreakWished();
 void DOOR_EndUrgent(const VIEW_Event &event); // it has had its turn
-bool DOOR_EndInterrupt(); // whether there was one
+// The callback has ended. An interrupt that nobody in it asked for ends the program.
+void DOOR_EndInterrupt();
 // From the thread that watches signals: an interrupt breaks what is running, or ends an
 // idle program; anything else ends it.
 void DOOR_OnSignal(bool isInterrupt);

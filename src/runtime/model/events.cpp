@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "platform/system.h"
 #include "runtime/model/door.h"
 
 namespace {
@@ -362,7 +361,6 @@ void MDL_EndCall()
     if (--MDL_GetState().depth > 0)
         return;
     DOOR_SetBusy(false);
-    if (DOOR_EndInterrupt())
-        PLT_SignalHeard(); // what it was to break has ended
+    DOOR_EndInterrupt();
     MDL_Flush();
 }

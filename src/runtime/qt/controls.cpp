@@ -163,6 +163,14 @@ void QTV_UsePalette(QTV_Panel *panel)
         palette.setColor(QPalette::WindowText, quiet);
         label->setPalette(palette);
     }
+    // Some desktops leave the hints in empty fields dark on a dark ground.
+    const QColor hint = LOOK_Quiet(around, around.color(QPalette::Base));
+    const QList<QLineEdit *> fields = panel->window->findChildren<QLineEdit *>();
+    for (QLineEdit *field : fields) {
+        QPalette palette = field->palette();
+        palette.setColor(QPalette::PlaceholderText, hint);
+        field->setPalette(palette);
+    }
     for (const QTV_Control &control : panel->controls)
         if (control.color >= 0 && control.widget)
             DrawColor(control.widget, control.color);

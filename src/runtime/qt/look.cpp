@@ -91,11 +91,17 @@ LOOK_Lines LOOK_MakeLines(const QPalette &palette)
     lines.ground[LG_STRIPED] = LOOK_Blend(text, base, 0.035);
     lines.ground[LG_FRESH] = LOOK_Blend(QColor(0xF5, 0xB0, 0x00), base, 0.28);
     lines.ground[LG_SELECTED] = LOOK_Blend(marked, base, 0.22);
-    lines.ground[LG_ACTIVE] = marked;
+    // Rather a deeper mark than another pen: many desktops' own pair is too pale to read.
+    lines.ground[LG_ACTIVE] = LOOK_Readable(marked, palette.color(QPalette::HighlightedText));
     for (int i = 0; i < LG_COUNT; i++) {
         const QColor &ground = lines.ground[i];
         const QColor plain = i == LG_ACTIVE ? palette.color(QPalette::HighlightedText) : text;
         lines.text[i][LT_PLAIN] = LOOK_Readable(plain, ground);
+        if (i == LG_ACTIVE) { // on so strong a ground colours say nothing
+            for (QColor &pen : lines.text[i])
+                pen = lines.text[i][LT_PLAIN];
+            continue;
+        }
         lines.text[i][LT_QUIET] = LOOK_Readable(LOOK_Blend(plain, ground, 0.6), ground);
         lines.text[i][LT_GOOD] = LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
         lines.text[i][LT_WARNING] = LOOK_Readable(QColor(0xB3, 0x5C, 0x00), ground);

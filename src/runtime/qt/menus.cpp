@@ -122,6 +122,12 @@ QMenuBar *QTV_BuildMenuBar(QWidget *window)
     return bar;
 }
 
+void QTV_ForgetMenus()
+{
+    menus.clear();
+    actions.clear();
+}
+
 QAction *QTV_MenuAction(int item)
 {
     return actions.value(item);

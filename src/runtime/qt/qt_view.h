@@ -39,6 +39,7 @@ QTV_Control *QTV_FindControl(int panel, int control); // null when none, or not 
 QTV_Control *QTV_ControlOf(QWidget *widget);          // which it is, or is part of
 PanelWindow *QTV_MainWindow();                        // null until loaded
 bool QTV_LoadPanel(int panel, int parent);            // false: its layout and its table differ
+void QTV_UnloadPanels();                              // all of them; for tests
 
 // --- the program's thread ---------------------------------------------------------------
 // The application object, with the command line's options for it; negative: no screen.
@@ -71,6 +72,7 @@ bool QTV_PostControl(const QTV_Control &control, int event, int value = 0);
 void QTV_FillList(const LineList &list, VIEW_Event *event); // current and selected lines
 bool QTV_BindControl(QTV_Control *control, QWidget *window);
 QMenuBar *QTV_BuildMenuBar(QWidget *window);
+void QTV_ForgetMenus();            // the window is gone, and they with it
 QAction *QTV_MenuAction(int item); // null when there is no such item
 void QTV_SetCompletion(const QTV_Control &control, bool isOn);
 // Whether the user is picking one of the completions of a field: Enter then takes it and

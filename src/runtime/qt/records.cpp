@@ -111,6 +111,18 @@ bool QTV_LoadPanel(int panel, int parent)
     return false;
 }
 
+void QTV_UnloadPanels()
+{
+    delete QTV_MainWindow(); // with the windows that belong to it
+    QTV_ForgetMenus();
+    for (int i = 0; i < UI_cnPanels; i++) {
+        QTV_Panel *record = QTV_FindPanel(UI_aPanels[i].panel);
+        record->window = nullptr;
+        record->parent = nullptr;
+        record->controls.clear();
+    }
+}
+
 QWidget *QTV_DialogParent()
 {
     QWidget *active = QApplication::activeWindow();

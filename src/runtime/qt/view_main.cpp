@@ -67,8 +67,6 @@ Drawer *drawer = nullptr; // set before the program starts, never taken away
 
 void DrawPanel(const VIEW_Panel &change)
 {
-    if ((change.mask & VIEW_PANEL_LOADED) && !QTV_LoadPanel(change.panel, change.parent))
-        return;
     QTV_Panel *panel = QTV_FindPanel(change.panel);
     if (!panel || !panel->window)
         return;
@@ -87,6 +85,16 @@ void DrawPanel(const VIEW_Panel &change)
         window->raise();
         window->activateWindow();
     }
+}
+
+// The panels come in the order in which they were shown; the one the others belong to, or
+// are inside of, must be there first.
+void LoadPanels(const std::vector<VIEW_Panel> &panels)
+{
+    for (const bool isMain : {true, false})
+        for (const VIEW_Panel &panel : panels)
+            if ((panel.mask & VIEW_PANEL_LOADED) && (panel.panel == UI_nMenuPanel) == isMain)
+                QTV_LoadPanel(panel.panel, panel.parent);
 }
 
 // After everything else: a control may have been made able to take the keyboard just now.
@@ -177,6 +185,7 @@ bool QTV_DrawChanges()
 void QTV_Draw(const VIEW_Batch &batch)
 {
     isDrawing = true;
+    LoadPanels(batch.panels);
     for (const VIEW_Panel &panel : batch.panels)
         DrawPanel(panel);
     for (const VIEW_MenuItem &item : batch.items)

@@ -3,9 +3,11 @@
 #include <algorithm>
 
 #include "comm/communication.h"
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
@@ -30,13 +32,28 @@ std::string CannotOpen(const std::string &path)
     return "Cannot open file '" + path + "'.";
 }
 
+// " It is a folder, device or pipe."; nothing for a file that is simply not there.
+std::string WhyNot(const std::string &path)
+{
+    const std::string why = PLF_WhyUnreadable(path);
+    return why == PLF_ErrorText(PLF_ERR_OPEN) ? "" : " It " + why + ".";
+}
+
+bool MayEmptyList(const std::string &path)
+{
+    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
+                                      "' holds no watch item. Replace the list of " +
+                                      std::to_string(nLItems) + " items all the same?") == 1;
+}
+
 // Loads a file as the current one. 0, or -2 with a message and nothing changed.
 int LoadAsCurrent(const std::string &path)
 {
-    if (dat2litems(path.c_str()) != 0) {
-        VR_ShowMessage(CannotOpen(path));
+    const int result = DBG_LoadFile(path, MayEmptyList);
+    if (result == DBG_ERR_OPEN)
+        VR_ShowMessage(CannotOpen(path) + WhyNot(path));
+    if (result != 0)
         return -2;
-    }
     szDebugFileName = path;
     IsDBGChange = 0;
     EDT_ForgetEdits();

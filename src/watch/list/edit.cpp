@@ -268,6 +268,7 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
     const int result = EDT_Parse(text, typeField, &item);
     if (result != 0)
         return result;
+    item.fileLine = aLItems[index].fileLine; // the comment there is still its own
     Replace(index, item);
     return 0;
 }

@@ -7,6 +7,7 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 
 int FM_nPeriod = 0;
@@ -95,10 +96,12 @@ void FM_Update(int selected)
         return;
     }
     const LItem &item = aLItems[selected];
-    if (!IsMetered(item, selected))
+    const bool isOther = !IsMetered(item, selected);
+    if (isOther)
         metered = {selected, item.address, item.size, LIT_Station(item), LIT_IsTMS(item),
                    item.goodReads, false};
-    if (metered.goodReads == item.goodReads)
+    // The first sample is the value that is there, unless it is old.
+    if (isOther ? AGE_IsOld(item) : metered.goodReads == item.goodReads)
         return;
     metered.goodReads = item.goodReads;
     if (metered.isStarted)

@@ -1,11 +1,15 @@
 #include "watch/list/list_file.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
+#include <vector>
 
 #include "comm/sysaddr.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
@@ -13,12 +17,16 @@
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "text/words.h"
+#include "watch/list/list_layout.h"
 #include "watch/list/litem.h"
+#include "watch/main_window.h"
 #include "watch/value/value_types.h"
 
 namespace {
 
 constexpr int LINE_FIELDS = 3;
+constexpr int64_t FILE_SIZE_MAX = 4 << 20;
+constexpr size_t BAD_LINES_NAMED = 10;
 
 bool IsSpace(char c)
 {
@@ -27,17 +35,30 @@ bool IsSpace(char c)
 
 std::string Trimmed(const char *begin, const char *end)
 {
-    return WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX);
+    // Once more behind the cut: what is saved must be read as the same field.
+    return WRD_Trim(WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
 }
 
-// The hexadecimal number behind "["; 0 without a digit, which *isNumber tells.
-uint32_t BracketAddress(const std::string &field, bool *isNumber)
+// The hexadecimal number behind "["; 0 without a digit, which *isNumber tells. *isGood: it is
+// all that stands in the brackets and within the address range.
+uint32_t BracketAddress(const std::string &field, bool *isNumber, bool *isGood)
 {
     const char *digits = field.c_str() + 1;
     char *end = nullptr;
     const unsigned long long number = std::strtoull(digits, &end, 16);
     *isNumber = end != digits;
+    end += std::strspn(end, " \t");
+    *isGood = *isGood && *isNumber && number < ADDR_LIMIT && (*end == ']' || *end == '\0');
     return number > 0xFFFFFFFFull ? LITEM_NO_ADDRESS : static_cast<uint32_t>(number);
+}
+
+// Whether a type field says what it gives: "b4" does, "u3" and "q" do not.
+bool IsTypeMeant(const std::string &field)
+{
+    const VTY_Row *row = VTY_Find(field[0]);
+    const std::string size = WRD_Trim(field.substr(1, 1));
+    return row != nullptr &&
+           (row->onlySize != 0 || size.empty() || VTY_IsField(field.substr(0, 2)));
 }
 
 // The fields of one line, the "&" of a TMS320 line taken off.
@@ -48,58 +69,139 @@ struct LineFields {
     std::string field[LINE_FIELDS];
 };
 
-bool SplitLine(std::string line, LineFields *fields)
+// 1 with the fields, 0 for a line without any, -1 for one with too many.
+int SplitLine(std::string line, LineFields *fields)
 {
     line.resize(line.find(';') == std::string::npos ? line.size() : line.find(';'));
     std::string copy = line; // the prefix stays part of the first field
     fields->station = parseStationModifier(copy.data());
-    if (!parseLine(line.c_str(), LINE_FIELDS, &fields->count, fields->field) || !fields->count)
-        return false;
+    if (!parseLine(line.c_str(), LINE_FIELDS, &fields->count, fields->field))
+        return -1;
+    if (fields->count == 0)
+        return 0;
     fields->isTMS = fields->field[0][0] == '&';
     if (fields->isTMS)
         fields->field[0].erase(0, 1);
-    return true;
+    return 1;
 }
 
-// Builds the item at nLItems from the fields. Whether the line gives an item.
-bool BuildItem(const LineFields &line)
+// The item of a line. False when it gives none; *isGood is cleared when it gives one by
+// falling back on something: an unknown type, half an address.
+bool BuildItem(const LineFields &line, LItem *item, bool *isGood)
 {
-    LItem &item = aLItems[nLItems];
-    item = LItem();
-    item.station = line.station;
-    item.name = line.isTMS ? "&" : "";
+    *item = LItem();
+    item->station = line.station;
+    item->name = line.isTMS ? "&" : "";
     bool isNumber = false;
     if (line.field[0][0] == '[') {
-        item.givenAddress = BracketAddress(line.field[0], &isNumber);
+        item->givenAddress = BracketAddress(line.field[0], &isNumber, isGood);
         if (!isNumber)
             return false;
-        getTypeLItem(line.count, line.field[1].c_str());
     } else {
-        item.name += line.field[0];
-        getTypeLItem(line.count, line.field[line.count - 1].c_str());
+        item->name += line.field[0];
     }
     if (line.count == 3) {
         if (line.field[1][0] != '[')
             return false;
-        item.givenAddress = BracketAddress(line.field[1], &isNumber);
-        item.explicitAddress = 1;
-        getTypeLItem(line.count, line.field[2].c_str());
+        item->givenAddress = BracketAddress(line.field[1], &isNumber, isGood);
+        item->explicitAddress = 1;
     }
-    item.address = item.givenAddress;
+    const bool isAnonymous = line.field[0][0] == '[';
+    const std::string &type = line.field[isAnonymous && line.count < 3 ? 1 : line.count - 1];
+    VTY_SetFromField(item, type.c_str());
+    *isGood = *isGood && (type.empty() || IsTypeMeant(type));
+    item->address = item->givenAddress;
     return line.count >= 2;
 }
 
-void TakeLine(const char *text)
+// A debug file as it was read, before it takes the list's place.
+struct ReadFile {
+    std::vector<LItem> items;
+    LAY_File layout;
+    std::vector<int> badLines; // their numbers, from 1
+    bool isFull = false;       // more items than the list holds
+};
+
+// One line of the text: its item, if it gives one, and what kind of line it is.
+LAY_Kind TakeLine(const char *text, int number, ReadFile *file)
 {
     LineFields line;
-    if (!SplitLine(text, &line))
-        return;
-    if (BuildItem(line))
-        ++nLItems;
+    LItem item;
+    const int split = SplitLine(text, &line);
+    if (split == 0)
+        return LAY_OTHER;
+    bool isGood = true;
+    const bool isItem = split > 0 && BuildItem(line, &item, &isGood);
+    if (isItem) {
+        item.fileLine = static_cast<int32_t>(file->layout.lines.size());
+        file->items.push_back(item);
+    }
+    if (!isItem || !isGood)
+        file->badLines.push_back(number);
     // Also for a TMS320 line that gave no item: it then marks the item before it, and
     // lists written with that in mind must keep their sizes.
-    if (line.isTMS && nLItems > 0)
-        aLItems[nLItems - 1].size = 4;
+    if (line.isTMS && !file->items.empty())
+        file->items.back().size = 4;
+    return isItem ? LAY_ITEM : line.isTMS ? LAY_WIDENER : LAY_OTHER;
+}
+
+// Reads every line, those behind the last item that the list can hold for the layout only.
+int ReadDebugFile(const std::string &path, ReadFile *file)
+{
+    if (PLF_ReadAll(path, FILE_SIZE_MAX, &file->layout.content) != PLF_OK)
+        return DBG_ERR_OPEN;
+    const std::string &content = file->layout.content;
+    const int reader = TXFR_OpenMemory(content.data(), content.size());
+    if (reader < 0)
+        return DBG_ERR_OPEN;
+    char text[LITEM_LINE_MAX + 1];
+    int number = 1;
+    for (;;) {
+        const size_t begin = static_cast<size_t>(TXFR_GetFilePos(reader));
+        const bool isRest = TXFR_IsBrokenLine(reader) == 1;
+        const int length = TXFR_RdLine(reader, text, sizeof text);
+        if (length < 0) {
+            if (isRest && begin < content.size()) // dropped bytes at the end
+                file->layout.lines.back().end = content.size();
+            else if (begin < content.size())
+                file->layout.lines.push_back({begin, content.size(), LAY_OTHER});
+            break;
+        }
+        file->isFull = file->isFull || file->items.size() >= LITEMS_MAX;
+        const LAY_Kind kind = file->isFull ? LAY_OTHER : TakeLine(text, number, file);
+        const long position = TXFR_GetFilePos(reader); // negative: the file ends here
+        const size_t end = position < 0 ? content.size() : static_cast<size_t>(position);
+        const bool isBroken = TXFR_IsBrokenLine(reader) == 1;
+        if (isRest && length == 0) // the line's end alone, or what a NUL in it drops
+            file->layout.lines.back().end = end;
+        else
+            file->layout.lines.push_back({begin, end, kind});
+        number += isBroken ? 0 : 1;
+    }
+    return 0;
+}
+
+// "list.dbg: lines 3, 7 give no item or have a bad type or address."
+std::string BadLinesText(const std::string &path, const std::vector<int> &lines)
+{
+    const size_t cut = path.find_last_of("/\\");
+    std::string text = path.substr(cut == std::string::npos ? 0 : cut + 1) +
+                       (lines.size() == 1 ? ": line " : ": lines ");
+    for (size_t i = 0; i < lines.size() && i < BAD_LINES_NAMED; ++i)
+        text += (i > 0 ? ", " : "") + std::to_string(lines[i]);
+    if (lines.size() > BAD_LINES_NAMED)
+        text += " and " + std::to_string(lines.size() - BAD_LINES_NAMED) + " more";
+    return text + (lines.size() == 1 ? " gives" : " give") + " no item or a bad type or address.";
+}
+
+void ResolveAll()
+{
+    if (openStruct166)
+        completeLItems(aVarNode166, nNodes166);
+    if (openStruct)
+        completeLItems(aVarNode, nNodes);
+    if (openTMSStruct)
+        completeTMSLItems(aVarTMSNode, nTMSNodes);
 }
 
 struct FileTime {
@@ -156,31 +258,33 @@ int parseStationModifier(char *text)
     return station;
 }
 
-int dat2litems(const char *path)
+int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &path))
 {
-    const int file = TXFR_Open(path);
-    if (file < 0)
-        return -2;
+    ReadFile file;
+    const int result = ReadDebugFile(path, &file);
+    if (result != 0)
+        return result;
+    if (file.items.empty() && nLItems > 0 && mayEmpty != nullptr && !mayEmpty(path))
+        return DBG_ERR_KEPT;
     DBG_RememberStamp(path);
-    nLItems = 0;
-    char line[LITEM_LINE_MAX + 1];
-    while (TXFR_RdLine(file, line, sizeof line) >= 0) {
-        if (nLItems >= LITEMS_MAX) {
-            TXFR_Close(file);
-            MessagePopup("Error", "Too many debug vars.");
-            return 0;
-        }
-        TakeLine(line);
+    nLItems = static_cast<int>(file.items.size());
+    std::move(file.items.begin(), file.items.end(), aLItems);
+    LAY_Set(std::move(file.layout));
+    if (file.isFull) {
+        MessagePopup("Error", "Too many debug vars.");
+        return 0;
     }
     openLItems = 1;
-    if (openStruct166)
-        completeLItems(aVarNode166, nNodes166);
-    if (openStruct)
-        completeLItems(aVarNode, nNodes);
-    if (openTMSStruct)
-        completeTMSLItems(aVarTMSNode, nTMSNodes);
+    ResolveAll();
     readLItems = 0;
+    if (!file.badLines.empty())
+        VR_ShowMessage(BadLinesText(path, file.badLines));
     return 0;
+}
+
+int dat2litems(const char *path)
+{
+    return DBG_LoadFile(path, nullptr);
 }
 
 void DBG_RememberStamp(const std::string &path)
@@ -204,12 +308,8 @@ int DBG_WriteFile(const std::string &path)
     SafeFile safe;
     if (SAF_Open(&safe, path, "wb") != 0)
         return -1;
-    bool isWritten = true;
-    for (int i = 0; i < nLItems; ++i) {
-        const std::string line = LIT_FileLine(aLItems[i]) + "\r\n";
-        isWritten &= std::fwrite(line.data(), 1, line.size(), safe.file) == line.size();
-    }
-    if (!isWritten) {
+    const std::string text = LAY_Compose(LIT_FileLine);
+    if (std::fwrite(text.data(), 1, text.size(), safe.file) != text.size()) {
         SAF_Cancel(&safe);
         return -2;
     }

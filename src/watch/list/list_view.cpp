@@ -42,7 +42,7 @@ std::string NameLine(const LItem &item)
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return item.name + ADDRESS_COLUMN + address;
+    return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
 // In the base that the user has chosen for this line.
@@ -105,7 +105,7 @@ std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
 {
     std::vector<UI_Cell> cells(LSV_AGE + 1);
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    cells[LSV_NAME].text = item.name;
+    cells[LSV_NAME].text = WRD_Visible(item.name);
     cells[LSV_ADDRESS].text =
         isResolved ? WRD_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
     cells[LSV_TYPE].text = item.type + std::to_string(item.size);
@@ -153,7 +153,7 @@ void PutLine(int index, const std::string &label, bool isNew)
 
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
-    std::string line = item.name;
+    std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
     line += isResolved ? AddressText(item.address, processor)

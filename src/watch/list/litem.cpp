@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 
 LItem aLItems[LITEMS_MAX];
 int nLItems = 0;
@@ -24,6 +25,13 @@ bool IsAnonymous(const LItem &item)
 uint32_t AddressToKeep(const LItem &item)
 {
     return item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
+}
+
+std::string Bracketed(const LItem &item)
+{
+    char place[24];
+    std::snprintf(place, sizeof place, "[0x%X]", AddressToKeep(item));
+    return place;
 }
 
 // Looks a name up in one table. A found name replaces an address that was given; an
@@ -128,21 +136,15 @@ uint64_t LIT_Bits(const LItem &item)
 
 std::string LIT_Label(const LItem &item)
 {
-    if (!IsAnonymous(item))
-        return item.name;
-    char place[24];
-    std::snprintf(place, sizeof place, "[0x%X]", AddressToKeep(item));
-    return item.name + place;
+    return IsAnonymous(item) ? item.name + Bracketed(item) : WRD_Visible(item.name);
 }
 
 std::string LIT_LabelAndPlace(const LItem &item)
 {
     const bool isForgotten = item.address == LITEM_NO_ADDRESS;
-    const bool isPlaceGiven =
-        item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS);
-    if (IsAnonymous(item) || !isPlaceGiven)
-        return LIT_Label(item);
-    char place[24];
-    std::snprintf(place, sizeof place, ", [0x%X]", AddressToKeep(item));
-    return LIT_Label(item) + place;
+    if (IsAnonymous(item))
+        return item.name + Bracketed(item);
+    if (item.explicitAddress || (isForgotten && item.givenAddress != LITEM_NO_ADDRESS))
+        return item.name + ", " + Bracketed(item);
+    return item.name;
 }

@@ -40,6 +40,7 @@ struct LItem {
     bool isValueGood = false; // `value` is from a good read
     uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
+    int32_t fileLine = -1;    // line of the debug file it came from, for saving; -1: a new item
 
     bool isHeld = false; // a good read waits in `held` for its proof
     LItemReading held;
@@ -78,7 +79,7 @@ int LIT_Station(const LItem &item); // that it is read from: its own, or the sel
 bool LIT_HasNumber(const LItem &item);
 uint64_t LIT_Bits(const LItem &item); // of the value, above its size zero
 std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
-// The same, and behind a name the address that was given with it.
+// Its name as it is in the file, and behind it the address that was given with it.
 std::string LIT_LabelAndPlace(const LItem &item);
 
 #endif

@@ -46,13 +46,6 @@ std::string StateOf(const LItem &item)
     return item.reason.empty() ? "not read" : item.reason;
 }
 
-std::string OneLine(std::string text)
-{
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\t' || c == '\n'; }, ' ');
-    return text;
-}
-
 } // namespace
 
 std::string SNP_Text(const std::vector<int> &lines)
@@ -60,8 +53,8 @@ std::string SNP_Text(const std::vector<int> &lines)
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (const int index : lines) {
         const LItem &item = aLItems[index];
-        text += OneLine(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
-                ValueOf(item) + '\t' + OneLine(StateOf(item)) + '\n';
+        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
+                ValueOf(item) + '\t' + WRD_Visible(StateOf(item)) + '\n';
     }
     return text;
 }
@@ -72,8 +65,8 @@ std::string SNP_Csv()
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
         text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) + ',' +
-                WRD_QuoteCsv(StateOf(item)) + "\r\n";
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) +
+                ',' + WRD_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }

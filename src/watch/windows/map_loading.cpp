@@ -3,12 +3,14 @@
 #include <cstdio>
 
 #include "comm/communication.h"
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 
 std::string szMapFileStamp;
@@ -31,10 +33,11 @@ int ModeOfProcessor()
 
 bool CanOpen(const std::string &path)
 {
-    std::FILE *file = path.empty() ? nullptr : std::fopen(path.c_str(), "rb");
-    if (file != nullptr)
+    std::FILE *file = nullptr;
+    const bool isGood = PLF_Open(path, PLF_ANY_SIZE, &file) == PLF_OK;
+    if (isGood)
         std::fclose(file);
-    return file != nullptr;
+    return isGood;
 }
 
 // Splits a remembered path into the dialog's folder and file; a bare name or none stays
@@ -89,7 +92,9 @@ int LoadMap(int mode)
         return -1;
     const int result = kind.load(path.c_str());
     if (result < 0) {
-        VR_ShowMessage("Error: Could not open MAP file.");
+        VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + WRD_Visible(path) +
+                                                         "' " + MAP_ErrorText(result) + "."
+                                                   : "Error: Could not open MAP file.");
         return result;
     }
     // A TMS320 map beside a C166 map is not the one that the reload key reads again.

@@ -1,0 +1,88 @@
+// The mailbox of a TMS320 behind a station that answers anything: every result and every byte
+// of an answer comes from the input. A word counts as read only when the mailbox said that
+// it was done and the word itself arrived, and no station keeps the program waiting.
+#include "comm/tms_mailbox.h"
+#include "comm/ucm.h"
+#include "settings/settings.h"
+
+#include <cstdlib>
+
+// Stands in for the settings and the link.
+int32_t STATION = 3;
+
+namespace {
+
+const unsigned char *input;
+size_t left;
+int exchanges;
+bool isDone;      // the mailbox has said so since the command was sent
+uint32_t fetched; // the last data word that arrived
+bool isFetched;
+
+int Next()
+{
+    if (left == 0)
+        return 0;
+    --left;
+    return *input++;
+}
+
+void Check(bool isGood)
+{
+    if (!isGood)
+        std::abort();
+}
+
+} // namespace
+
+int UCM_Read(int, uint32_t address, uint32_t count, void *buffer)
+{
+    ++exchanges;
+    unsigned char *bytes = static_cast<unsigned char *>(buffer);
+    for (uint32_t i = 0; i < count; ++i)
+        bytes[i] = static_cast<unsigned char>(Next());
+    const int result = static_cast<signed char>(Next());
+    if (address == TMS_BOX_COMMAND && result >= 0)
+        isDone = bytes[0] == 0;
+    if (address == TMS_BOX_DATA && result >= 0) {
+        isFetched = true;
+        fetched = static_cast<uint32_t>(bytes[0]) | static_cast<uint32_t>(bytes[1]) << 8 |
+                  static_cast<uint32_t>(bytes[2]) << 16 | static_cast<uint32_t>(bytes[3]) << 24;
+    }
+    return result;
+}
+
+int UCM_EmuCom166Msg(int, int, uint32_t address, uint16_t, const void *)
+{
+    ++exchanges;
+    if (address == TMS_BOX_COMMAND)
+        isDone = isFetched = false;
+    return static_cast<signed char>(Next());
+}
+
+std::string UCM_LastErrorText()
+{
+    return Next() % 2 == 0 ? "" : "no answer";
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
+{
+    input = data;
+    left = size;
+    const int polls = Next() % 32;
+    while (left > 0) {
+        exchanges = 0;
+        uint32_t value = 0x5EEDu;
+        const int read = TMS_ReadWord(Next() % 16, 0x8000, polls, &value);
+        Check(exchanges <= 3 + polls && read <= TMS_OK && read >= TMS_ERR_DATA);
+        Check(read == TMS_OK ? isDone && isFetched && value == fetched : value == 0x5EEDu);
+        Check((read == TMS_OK) == TMS_ErrorText(read).empty());
+        exchanges = 0;
+        uint32_t failedAt = 0;
+        const int written = TMS_WriteWord(0x8000, value, &failedAt);
+        Check(exchanges <= 3 + TMS_POLLS_WRITE && written <= TMS_OK && written > TMS_ERR_DATA);
+        Check(written != TMS_OK || isDone);
+        Check((written == TMS_ERR_SEND) == (failedAt != 0));
+    }
+    return 0;
+}

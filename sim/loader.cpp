@@ -1,0 +1,183 @@
+#include "loader.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint8_t WRITE = 0x03, READ = 0x04, ERASE = 0x5E;
+constexpr size_t HEAD = 5; // command, length, address low byte first
+constexpr uint8_t ERASE_TAIL[] = {0xAA, 0x55, 0xAA};
+constexpr uint8_t REFUSAL = 0x80; // flipped in the sum of a block that was not taken
+constexpr size_t CORRUPT_WITHIN = 12; // mostly in the head, where it does the most harm
+
+bool chance(SIM_Loader *loader, double share)
+{
+    constexpr double RANGE = 4294967296.0;
+    return static_cast<double>(loader->random()) / RANGE < share;
+}
+
+uint8_t sumOf(const std::vector<uint8_t> &bytes)
+{
+    unsigned sum = 0;
+    for (const uint8_t byte : bytes)
+        sum += byte;
+    return static_cast<uint8_t>(sum);
+}
+
+uint32_t addressOf(const SIM_Loader &loader)
+{
+    const std::vector<uint8_t> &c = loader.command;
+    return c[2] | static_cast<uint32_t>(c[3]) << 8 | static_cast<uint32_t>(c[4]) << 16;
+}
+
+bool isFlash(uint32_t address)
+{
+    return address < SIM_FLASH_SIZE && (address < SIM_CHIP_FIRST || address > SIM_CHIP_LAST);
+}
+
+// On the chip only one register matters: the one that always reads as zeros, in front of one
+// that always reads as ones.
+uint8_t readByte(const SIM_Loader &loader, uint32_t address)
+{
+    constexpr uint32_t ZEROS = 0xFF1C;
+    if (isFlash(address))
+        return loader.flash[address];
+    return (address & ~1U) == ZEROS ? 0x00 : 0xFF;
+}
+
+void readBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
+{
+    const uint32_t address = addressOf(*loader);
+    unsigned sum = sumOf(loader->command);
+    for (uint32_t i = 0; i < loader->command[1]; i++) {
+        answer->push_back(readByte(*loader, address + i));
+        sum += answer->back();
+    }
+    answer->push_back(static_cast<uint8_t>(sum));
+    loader->reads++;
+}
+
+void writeBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
+{
+    const uint32_t address = addressOf(*loader);
+    const uint32_t length = loader->command[1];
+    bool fits = true;
+    for (uint32_t i = 0; i < length; i++)
+        fits = fits && isFlash(address + i);
+    uint8_t sum = sumOf(loader->command);
+    if (!fits) {
+        loader->refused++;
+        sum = static_cast<uint8_t>(sum ^ REFUSAL);
+    } else {
+        for (uint32_t i = 0; i < length; i++) {
+            uint8_t &cell = loader->flash[address + i];
+            cell = static_cast<uint8_t>(cell & loader->command[HEAD + i]);
+        }
+        loader->writes++;
+    }
+    answer->push_back(sum);
+}
+
+void erase(SIM_Loader *loader, std::vector<uint8_t> *answer)
+{
+    std::fill(loader->flash.begin(), loader->flash.end(), uint8_t{0xFF});
+    loader->erases++;
+    if (loader->faults.isEraseSilent)
+        return;
+    answer->insert(answer->end(), static_cast<size_t>(loader->faults.eraseZeros), uint8_t{0});
+    answer->push_back(loader->faults.eraseAnswer);
+}
+
+// Whether the command collected so far is a whole one. What cannot become one is dropped.
+bool isWhole(SIM_Loader *loader)
+{
+    std::vector<uint8_t> &c = loader->command;
+    if (c[0] == READ)
+        return c.size() == HEAD;
+    if (c[0] == WRITE)
+        return c.size() >= HEAD && c.size() == HEAD + c[1];
+    if (c[0] == ERASE && (c.size() == 1 || c.back() == ERASE_TAIL[c.size() - 2]))
+        return c.size() == 1 + sizeof ERASE_TAIL;
+    c.clear();
+    return false;
+}
+
+// Draws the same number of times for every answer, so that faults stay where they are.
+void applyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
+{
+    SIM_LoaderFaults &faults = loader->faults;
+    const bool dropped = chance(loader, faults.drop);
+    const bool corrupted = chance(loader, faults.corrupt);
+    const bool shortened = chance(loader, faults.shorten);
+    const bool lengthened = chance(loader, faults.lengthen);
+    const size_t place = loader->random();
+    const unsigned bit = loader->random() % 8;
+    if (answer->empty())
+        return;
+    if (dropped || faults.silentAfter == 0)
+        answer->clear();
+    if (faults.silentAfter > 0)
+        faults.silentAfter--;
+    if (answer->empty())
+        return;
+    if (corrupted) {
+        uint8_t &byte = (*answer)[place % answer->size()];
+        byte = static_cast<uint8_t>(byte ^ 1U << bit);
+    }
+    if (shortened)
+        answer->pop_back();
+    if (lengthened)
+        answer->push_back(static_cast<uint8_t>(place));
+}
+
+uint8_t receive(SIM_Loader *loader, uint8_t byte)
+{
+    if (loader->command.empty()) {
+        const bool damaged = chance(loader, loader->faults.corruptRequest);
+        const size_t place = 1 + loader->random() % CORRUPT_WITHIN;
+        loader->corruptAt = damaged ? place : 0;
+    }
+    if (loader->corruptAt != loader->command.size() + 1)
+        return byte;
+    return static_cast<uint8_t>(byte ^ 1U << loader->random() % 8);
+}
+
+} // namespace
+
+void SIM_InitLoader(SIM_Loader *loader, uint32_t seed)
+{
+    loader->random.seed(seed);
+    loader->flash.resize(SIM_FLASH_SIZE);
+    for (uint32_t i = 0; i < SIM_FLASH_SIZE; i++)
+        loader->flash[i] = isFlash(i) ? static_cast<uint8_t>(i * 37 + (i >> 8)) : 0xFF;
+}
+
+void SIM_FeedLoader(SIM_Loader *loader, uint8_t byte, std::vector<uint8_t> *answer)
+{
+    const uint8_t received = receive(loader, byte);
+    loader->command.push_back(received);
+    if (!isWhole(loader))
+        return;
+    std::vector<uint8_t> whole;
+    switch (loader->command[0]) {
+    case READ:
+        readBlock(loader, &whole);
+        break;
+    case WRITE:
+        writeBlock(loader, &whole);
+        break;
+    default:
+        erase(loader, &whole);
+        break;
+    }
+    loader->last.swap(loader->command);
+    loader->command.clear();
+    loader->done++;
+    applyFaults(loader, &whole);
+    answer->insert(answer->end(), whole.begin(), whole.end());
+}
+
+void SIM_LoaderQuiet(SIM_Loader *loader)
+{
+    loader->command.clear();
+}

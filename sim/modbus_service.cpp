@@ -1,0 +1,156 @@
+// The target's thread as a Modbus RTU slave: reads the line, serves requests, answers them.
+#include "modbus_frame.h"
+#include "modbus_slave.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr size_t READ_CHUNK = 512;
+constexpr int64_t NS_PER_MS = 1000000;
+// What began a frame and was not continued for so long is nobody's any more. Longer than a
+// program on a busy machine pauses inside a frame.
+constexpr int64_t STALE_NS = 50 * NS_PER_MS;
+
+struct Answer {
+    uint8_t frame[SIM_RTU_MAX];
+    size_t count = 0; // 0 = nothing is sent
+    int64_t delayNs = 0;
+};
+
+// An exception drawn by the seed, or 0. The draws are made for every request, so that later
+// ones stay where they are when the share changes.
+int drawRefusal(SIM_Target *target)
+{
+    constexpr double RANGE = 4294967296.0;
+    constexpr int FAILURE = 4, BUSY = 6;
+    const bool refused = static_cast<double>(target->random()) / RANGE < target->options.refuse;
+    const int code = target->random() % 2 ? FAILURE : BUSY;
+    return refused ? code : 0;
+}
+
+const char *applyFate(SIM_Target *target, Answer *answer)
+{
+    SIM_Fate fate = SIM_ApplyFaults(&target->random, target->options.drop, target->options.corrupt,
+                                    answer->frame, answer->count);
+    if (target->answersLeft == 0)
+        fate = SIM_DROPPED;
+    if (target->answersLeft > 0)
+        target->answersLeft--;
+    target->counters.requests++;
+    if (fate == SIM_DROPPED) {
+        target->counters.dropped++;
+        answer->count = 0;
+        return "dropped";
+    }
+    if (fate == SIM_CORRUPTED) {
+        target->counters.corrupted++;
+        return "corrupted";
+    }
+    target->counters.answers++;
+    return "answered";
+}
+
+void logRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exception,
+                const char *fate)
+{
+    if (!target->log)
+        return;
+    fprintf(target->log, "%12.6f slave %d function %d data", SIM_Elapsed(target), frame[0],
+            frame[1]);
+    for (size_t i = 2; i < count; i++)
+        fprintf(target->log, " %02X", frame[i]);
+    if (exception != 0)
+        fprintf(target->log, " exception %d", exception);
+    fprintf(target->log, " %s\n", fate);
+    fflush(target->log);
+}
+
+bool isPresent(const SIM_Target *target, int slave)
+{
+    return slave >= 1 && slave < SIM_STATIONS && (target->options.stations >> slave & 1);
+}
+
+// `count` is the frame's length without its CRC.
+Answer prepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
+{
+    Answer answer;
+    const std::lock_guard<std::mutex> guard(target->lock);
+    answer.delayNs = target->options.delayMs * NS_PER_MS;
+    if (!isPresent(target, frame[0])) {
+        logRequest(target, frame, count, 0, "absent");
+        return answer;
+    }
+    int exception = drawRefusal(target);
+    if (exception != 0)
+        answer.count = SIM_RefuseRtu(frame, exception, answer.frame);
+    else
+        answer.count = SIM_ServeRtu(target, frame, count, answer.frame, &exception);
+    answer.count = SIM_CloseRtu(answer.frame, answer.count);
+    logRequest(target, frame, count, exception, applyFate(target, &answer));
+    return answer;
+}
+
+bool isEchoing(SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    return target->options.echo;
+}
+
+bool sendAnswer(SIM_Target *target, const Answer &answer)
+{
+    if (answer.count == 0)
+        return true;
+    const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
+    return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
+}
+
+// Handles what one read brought. On an echoing line the bytes come back first, as they pass
+// the wire. Returns false when the target is to end.
+bool serveBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *bytes, size_t count)
+{
+    constexpr size_t CRC_SIZE = 2;
+    const bool echo = isEchoing(target);
+    size_t echoed = 0;
+    int64_t echoNs = target->line.receiveNs;
+    for (size_t i = 0; i < count; i++) {
+        uint64_t malformed = 0;
+        SIM_PassReceived(&target->line);
+        const size_t whole = SIM_ReceiveRtu(receiver, bytes[i], &malformed);
+        if (malformed > 0) {
+            const std::lock_guard<std::mutex> guard(target->lock);
+            target->counters.malformed += malformed;
+        }
+        if (echo && (whole > 0 || i + 1 == count)) {
+            if (!SIM_SendLine(&target->line, bytes + echoed, i + 1 - echoed, echoNs))
+                return false;
+            echoed = i + 1;
+            echoNs = target->line.receiveNs;
+        }
+        if (whole == 0)
+            continue;
+        receiver->length = 0;
+        if (!sendAnswer(target, prepareAnswer(target, receiver->bytes, whole - CRC_SIZE)))
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+void SIM_ServeModbus(SIM_Target *target)
+{
+    SIM_RtuReceiver receiver;
+    uint8_t bytes[READ_CHUNK];
+    int64_t lastNs = 0;
+    for (;;) {
+        const int count = SIM_ReadLine(&target->line, bytes, sizeof bytes);
+        if (count < 0)
+            return;
+        if (SIM_NowNs() - lastNs > STALE_NS)
+            receiver.length = 0;
+        lastNs = SIM_NowNs();
+        if (!serveBytes(target, &receiver, bytes, static_cast<size_t>(count)))
+            return;
+    }
+}

@@ -1,0 +1,132 @@
+// A HEX file into the target's flash from a command line: what is in it, how far it is and
+// how it ended, all on standard error; the exit code says whether the flash holds the file.
+#include <csignal>
+#include <cstdio>
+
+#include "settings/settings.h"
+#include "app/console_program/lineedit.h"
+#include "app/console_program/sessions.h"
+#include "loader/program.h"
+#include "runtime/userint.h"
+
+namespace {
+
+constexpr int IDLE_RESUMES_MAX = 3;       // attempts that bring nothing new
+constexpr uint32_t LOG_STEP_PERCENT = 10; // where nobody watches a line that moves
+
+CPG_Options options;
+volatile std::sig_atomic_t isInterrupted = 0;
+
+// Stops between two blocks. A second signal ends the program where it stands.
+void OnSignal(int signal)
+{
+    isInterrupted = 1;
+    std::signal(signal, SIG_DFL);
+}
+
+struct Screen {
+    const LDR_Job *job = nullptr;
+    bool isTerminal = false;
+    uint32_t shown = 0; // percent, in steps
+    bool isLineOpen = false;
+};
+
+void EndLine(Screen *screen)
+{
+    if (screen->isLineOpen)
+        std::fputc('\n', stderr);
+    screen->isLineOpen = false;
+}
+
+bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
+{
+    Screen *screen = static_cast<Screen *>(context);
+    const auto percent = static_cast<uint32_t>(total > 0 ? uint64_t{100} * done / total : 0);
+    const uint32_t step = screen->isTerminal ? 1 : LOG_STEP_PERCENT;
+    if (percent / step == screen->shown && total > 0)
+        return isInterrupted != 0;
+    screen->shown = percent / step;
+    const LDR_Job &job = *screen->job;
+    if (screen->isTerminal)
+        std::fputc('\r', stderr);
+    std::fputs(text, stderr);
+    if (total > 0)
+        std::fprintf(stderr, ": %u %%", percent);
+    if (total > 0 && job.bytesPerSecond > 0)
+        std::fprintf(stderr, ", %u bytes/s, %u s left", job.bytesPerSecond, job.secondsLeft);
+    std::fputs(screen->isTerminal ? "        " : "\n", stderr);
+    std::fflush(stderr);
+    screen->isLineOpen = screen->isTerminal;
+    return isInterrupted != 0;
+}
+
+void ShowLog(void *context, const char *line)
+{
+    EndLine(static_cast<Screen *>(context));
+    std::fprintf(stderr, "%s\n", line);
+}
+
+// What is in the file, and what is wrong with it.
+void ShowFile(const HEX_File &file)
+{
+    for (const HEX_Range &range : file.ranges)
+        std::fprintf(stderr, "%s: %s\n", file.path.c_str(), HEX_FormatRange(range).c_str());
+    for (const HEX_Problem &problem : file.problems)
+        std::fprintf(stderr, "%s: %s\n", file.path.c_str(), HEX_FormatProblem(problem).c_str());
+    const size_t all = file.fatal + file.remarks;
+    if (all > file.problems.size())
+        std::fprintf(stderr, "%s: %zu more\n", file.path.c_str(), all - file.problems.size());
+}
+
+// Asks only as long as it gets on: a target that is off must not keep a script busy.
+bool IsGoingOn(const LDR_Job &job, size_t before, int *idle)
+{
+    *idle = job.verified + job.written > before ? 0 : *idle + 1;
+    if (isInterrupted != 0 || !LDR_CanResume(job) || *idle > IDLE_RESUMES_MAX)
+        return false;
+    return ConfirmPopup("Program", "Go on behind the last verified block?") == 1;
+}
+
+int Program(LDR_Job *job)
+{
+    Screen screen;
+    screen.job = job;
+    screen.isTerminal = LNE_IsErrorTerminal();
+    const LDR_Progress progress = {&screen, ShowStep, ShowLog};
+    int idle = 0;
+    for (bool isResume = false;; isResume = true) {
+        const size_t before = isResume ? job->verified + job->written : 0;
+        const int result = LDR_Run(job, isResume, ncom, bRate, progress);
+        EndLine(&screen);
+        if (result == LDR_ERR_PORT)
+            std::fprintf(stderr, "%s\n", LDR_GetResultText(*job).c_str());
+        std::fprintf(stderr, "%s\n", LDR_GetFlashText(*job).c_str());
+        if (result == 0)
+            return 0;
+        if (!IsGoingOn(*job, before, &idle))
+            return 1;
+    }
+}
+
+} // namespace
+
+void CPG_SetProgramOptions(const CPG_Options &newOptions)
+{
+    options = newOptions;
+}
+
+int CPG_RunProgram()
+{
+    std::signal(SIGINT, OnSignal);
+    std::signal(SIGTERM, OnSignal);
+    LDR_Job job;
+    job.isErase = !options.isNoErase;
+    job.isVerify = !options.isNoVerify;
+    const int result = LDR_Prepare(&job, options.programFile);
+    ShowFile(job.file);
+    if (result < 0) {
+        std::fprintf(stderr, "%s\n", LDR_GetResultText(job).c_str());
+        return 1;
+    }
+    return Program(&job);
+}

@@ -1,0 +1,37 @@
+// Keeps the Modbus line in step, on the book of comm/in_step.h: an RTU answer carries no
+// number, but slave, function and length, and for a write also its place. The line is proven
+// by reads of target memory of varying length; for plain registers of devices that have no
+// such memory, by one time-out of silence. Only the master's own files call this.
+#ifndef COMM_MODBUS_STEP_H
+#define COMM_MODBUS_STEP_H
+
+#include <cstddef>
+#include <cstdint>
+
+void MBMSTEP_Opened(); // a port was opened: what another program asked may still be answered
+
+// Before the request in the send buffer goes out. 0, or the fault for which it must not:
+// MBM_EX_SILENT after one time-out without an answer to the proof, and others.
+int MBMSTEP_Ready();
+void MBMSTEP_Sent(); // the request has gone out
+
+// Whether its answer can be read as it comes. If not: waits for it among older ones and
+// noise. Bytes of the answer put into `frame`, or 0 and *fault.
+bool MBMSTEP_IsCalm();
+int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault);
+
+void MBMSTEP_Answered();                              // a good answer
+void MBMSTEP_Refused();                               // a sound exception answer
+void MBMSTEP_Odd(const uint8_t *bytes, size_t count); // what came was not the answer
+
+// Whether memory was read from this slave and nothing proves yet that it was not a repeated
+// older answer; and whether that should be proven at once, because something odd was seen
+// lately or the last proof is a second old.
+bool MBMSTEP_IsProofDue(int slave);
+bool MBMSTEP_IsSuspicious(int slave);
+// 0, or a fault; at most `attempts` probes may stay unanswered.
+int MBMSTEP_ProveBehind(int slave, int attempts);
+void MBMSTEP_GiveUpProof(int slave);
+uint32_t MBMSTEP_Surplus(); // grows when more answers came than were asked for
+
+#endif

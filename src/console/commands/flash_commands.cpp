@@ -1,0 +1,187 @@
+// HEX files into target memory, and the commands of the flash loader. Each of the latter
+// borrows the port for its time, so that communication goes on as before.
+#include <cstdio>
+
+#include "settings/settings.h"
+#include "watch/main_window.h"
+#include "comm/mr166_link.h"
+#include "comm/sysaddr.h"
+#include "console/commands/array_types.h"
+#include "console/commands/commands.h"
+#include "console/script/script_command.h"
+#include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
+#include "loader/borrow.h"
+#include "loader/hex_stream.h"
+#include "loader/l3_protocol.h"
+#include "loader/program.h"
+#include "platform/safe_file.h"
+#include "runtime/userint.h"
+#include "ui/resource.h"
+
+namespace {
+
+// A progress box that the loader's files can drive.
+struct Meter {
+    std::string text;
+    int dialog = 0;
+    LDR_Progress progress;
+};
+
+bool StepMeter(void *context, uint32_t done, uint32_t total, const char *what)
+{
+    const Meter *meter = static_cast<const Meter *>(context);
+    const int percent = total > 0 ? static_cast<int>(uint64_t{100} * done / total) : 0;
+    const std::string text = *what != '\0' ? what : meter->text;
+    return UpdateProgressDialog(meter->dialog, percent, text) == 1;
+}
+
+void StartMeter(Meter *meter, const char *text)
+{
+    meter->text = text;
+    meter->dialog = CreateProgressDialog("Vireo2", text);
+    meter->progress.context = meter;
+    meter->progress.step = StepMeter;
+}
+
+void StopMeter(const Meter &meter)
+{
+    DiscardProgressDialog(meter.dialog);
+}
+
+// Runs `work` with the port in the loader's hands.
+template <typename Work> int WithPort(const char *label, Work work)
+{
+    LDR_Loan loan;
+    const int opened = LDR_BorrowPort(ncom, bRate, &loan);
+    if (opened < 0)
+        return SCR_Fail(CON_Format("%s: %s.", label, MrASC_ErrorText(opened).c_str()));
+    const int result = work();
+    const int returned = LDR_ReturnPort(loan);
+    if (result >= 0 && returned < 0)
+        return SCR_Fail(CON_Format("%s: the link could not be opened again.", label));
+    return result;
+}
+
+// A command that reports a code of its own in place of -1.
+int FailAs(int result, const std::string &text)
+{
+    SCR_Fail(text);
+    return result;
+}
+
+void PrintProblems(const HEX_File &file)
+{
+    for (const HEX_Problem &problem : file.problems)
+        CON_Print("%s", HEX_FormatProblem(problem).c_str());
+    if (file.fatal + file.remarks > file.problems.size())
+        CON_Print("... and %zu more", file.fatal + file.remarks - file.problems.size());
+}
+
+int SaveBytes(const char *path, const std::vector<uint8_t> &bytes)
+{
+    SafeFile safe;
+    if (SAF_Open(&safe, path, "wb") < 0)
+        return -1;
+    // What is missing shows as the stream's error when the file is closed.
+    std::fwrite(bytes.data(), 1, bytes.size(), safe.file);
+    return SAF_Commit(&safe);
+}
+
+bool HasHexSuffix(const std::string &path)
+{
+    const size_t dot = path.rfind('.');
+    return dot != std::string::npos && CON_IsSameWord(path.substr(dot), ".hex");
+}
+
+} // namespace
+
+int SCR_HexLoad(ScrPar *par)
+{
+    Meter meter;
+    StartMeter(&meter, par[0].text);
+    const int result = HEXS_Load(par[0].text, STATION, meter.progress);
+    StopMeter(meter);
+    return result < 0 ? FailAs(result, "hexload: " + HEXS_GetCause() + ".") : result;
+}
+
+int SCR_L3Test(ScrPar *)
+{
+    return WithPort("l3test", [] {
+        return LD167U_L3Test() == 0 ? 0
+                                    : SCR_Fail("l3test: no loader: " + LD167U_GetFaultText() + ".");
+    });
+}
+
+int SCR_L3Erase(ScrPar *)
+{
+    CON_Print("Erasing Flash! This can take up to 15s, wait please ...");
+    MWN_ShowView(ITEM_CONSOLE_VIEW);
+    ProcessSystemEvents();
+    return WithPort("l3erase", [] {
+        const int result = LD167U_L3CmdEraseFlash();
+        if (result == 0)
+            return 0;
+        return FailAs(result,
+                      "l3erase: " + LD167U_GetFaultText() + ". The flash may be erased in part.");
+    });
+}
+
+int SCR_L3Write(ScrPar *par)
+{
+    return WithPort("l3write", [par] {
+        Meter meter;
+        StartMeter(&meter, "Programming system flash!");
+        const int result = LD167U_L3CmdWriteHexFile(par[0].text, meter.progress);
+        StopMeter(meter);
+        if (result < 0) {
+            CON_Print(" Error, exit code: %d", result);
+            return FailAs(result, "l3write: " + HEXS_GetCause() + ".");
+        }
+        CON_Print(" OK, programming done.");
+        return result;
+    });
+}
+
+int SCR_L3Verify(ScrPar *par)
+{
+    LDR_Job job;
+    if (LDR_Prepare(&job, par[0].text) < 0) {
+        PrintProblems(job.file);
+        return SCR_Fail("l3verify: " + LDR_GetResultText(job));
+    }
+    return WithPort("l3verify", [&job] {
+        Meter meter;
+        StartMeter(&meter, "Comparing");
+        const int result = LDR_Verify(&job, meter.progress);
+        StopMeter(meter);
+        if (result < 0)
+            return FailAs(result, "l3verify: " + LDR_GetResultText(job));
+        CON_Print(" OK, %zu bytes are equal.", job.file.data.size());
+        return result;
+    });
+}
+
+int SCR_L3Read(ScrPar *par)
+{
+    if (!ExecPar(par, 1) || par[1].value > ADDR_LIMIT - par[0].value)
+        return SCR_Fail("l3read: invalid script parameters.");
+    const char *path = par[2].text;
+    return WithPort("l3read", [par, path] {
+        Meter meter;
+        StartMeter(&meter, "Reading");
+        std::vector<uint8_t> bytes;
+        const int result = LDR_ReadMemory(par[0].value, par[1].value, &bytes, meter.progress);
+        StopMeter(meter);
+        if (result == LDR_ERR_CANCELLED)
+            return SCR_Fail("l3read: cancelled by the user.");
+        if (result < 0)
+            return SCR_Fail(CON_Format("l3read: 0x%06X: %s.",
+                                       par[0].value + static_cast<uint32_t>(bytes.size()),
+                                       LD167U_GetFaultText().c_str()));
+        const int saved = HasHexSuffix(path)
+                              ? HEX_Save(path, par[0].value, bytes.data(), bytes.size())
+                              : SaveBytes(path, bytes);
+        return saved == 0 ? 0 : SCR_Fail(CON_Format("l3read: Can't write file '%s'.", path));
+    });
+}

@@ -1,0 +1,195 @@
+// The data logger's commands: download into files, the old layout, and a look at the log
+// that downloads nothing.
+#include "settings/settings.h"
+#include "comm/sysaddr.h"
+#include "console/commands/commands.h"
+#include "console/monitor/monitor.h"
+#include "console/script/script_command.h"
+#include "console/monitor/text_box.h"
+#include "logger/dlld.h"
+#include "logger/dlld_record.h"
+#include "runtime/userint.h"
+#include "symbols/varnode.h"
+
+namespace {
+
+int progressDialog = 0; // 0 = none
+
+void ShowError(const char *title, const std::string &text)
+{
+    MessagePopup(title, text);
+}
+
+// The box appears with the first step and goes with the last.
+bool ShowProgress(uint32_t done, uint32_t total, const char *text)
+{
+    if (total == 0) {
+        if (progressDialog > 0)
+            DiscardProgressDialog(progressDialog);
+        progressDialog = 0;
+        return false;
+    }
+    if (progressDialog <= 0)
+        progressDialog = CreateProgressDialog("Vireo2", text);
+    if (progressDialog <= 0)
+        return false;
+    return UpdateProgressDialog(progressDialog, static_cast<int>(uint64_t(100) * done / total),
+                                text) == 1;
+}
+
+void SetHost()
+{
+    DLLD_Host host;
+    host.station = STATION;
+    host.isWordAddressing = IsWordAddressing(Procesor) != 0;
+    host.hasRecIds = Procesor == CPU_F283XX;
+    host.showError = ShowError;
+    host.showProgress = ShowProgress;
+    DLLD_SetHost(host);
+}
+
+int Fail(const char *command, const std::string &text)
+{
+    if (DLLD_IsCancelled())
+        return SCR_Fail(CON_Format("%s: cancelled by the user.", command));
+    return SCR_Fail(std::string(command) + ": " + text);
+}
+
+int FailGetLog(const std::string &text)
+{
+    return Fail("getlog", text);
+}
+
+// The raw file first: it is what a listing can be made from again.
+int SaveLogFiles(const DLLD_Log &log, const std::string &name, const std::string &base)
+{
+    CON_Print("Writing log data to HDD ('%s' + .bin, .slog)", base.c_str());
+    const int result = DLLD_SaveBinLogFe(base + ".bin", log);
+    if (result == DLLD_ERR_HEADER)
+        return FailGetLog("Bad log header (" + name + ").");
+    if (result == DLLD_ERR_OPEN)
+        return FailGetLog("Couldn't open output file '" + base + ".bin'.");
+    if (result < 0 || DLLD_SaveStdLogFe(base + ".slog", log) < 0)
+        return FailGetLog("Couldn't save output file.");
+    return 0;
+}
+
+std::string FormatStamp(uint32_t stamp)
+{
+    if (stamp == 0)
+        return "none";
+    DateTime time;
+    std::string text;
+    CvtAMCBIOS_time(stamp, &time);
+    DLLD_AppendTime(time, &text);
+    return text;
+}
+
+// Variables of the map that describe a log.
+std::vector<std::string> FindLogs()
+{
+    std::vector<std::string> names;
+    for (int i = 0; i < nNodes; i++) {
+        const std::string name = aVarNode[i].name;
+        if (GetSysAddrWk((name + ".dwLogAddr").c_str()) != ADDR_NONE &&
+            GetSysAddrWk((name + ".nnLogWSize").c_str()) != ADDR_NONE)
+            names.push_back(name);
+    }
+    return names;
+}
+
+int ShowSurvey(const std::string &name)
+{
+    DLLD_Survey survey;
+    if (DLLD_SurveyLog(name, &survey) < 0)
+        return Fail("dlldtst", "Could not read the log (" + name + ").");
+    std::string header;
+    for (const uint16_t word : survey.header)
+        header += CON_Format(" %04X", word);
+    CON_Print("Log:      %s, %d words at %06Xh", name.c_str(), survey.words, survey.address);
+    CON_Print("Header:  %s (%s)", header.c_str(), survey.isGood ? "good" : "bad");
+    if (!survey.isGood)
+        return Fail("dlldtst", "Bad log header (" + name + ").");
+    CON_Print("Filled:   %d words, %d %%", survey.filledWords,
+              static_cast<int>(int64_t(100) * survey.filledWords / survey.words));
+    CON_Print("First:    %s", FormatStamp(survey.firstStamp).c_str());
+    CON_Print("Last:     %s", FormatStamp(survey.lastStamp).c_str());
+    return 0;
+}
+
+int ShowRecIds()
+{
+    if (!DLLD_GetHost().hasRecIds) {
+        CON_Print("Records:  this processor keeps no table");
+        return 0;
+    }
+    if (DLLD_ReadARecId() < 0)
+        return Fail("dlldtst", "Could not read log type list (DL_arecId).");
+    CON_Print("Records:  %d", DLLD_nDimARecId);
+    for (const DLLD_RecId &entry : DLLD_paRecId) {
+        const std::string id = CON_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
+        if (entry.text.empty())
+            CON_Print("%sno description", id.c_str());
+        else if (entry.errorAt > 0)
+            CON_Print("%s%s (wrong at character %d)", id.c_str(), entry.text.c_str(),
+                      entry.errorAt);
+        else
+            CON_Print("%s%s", id.c_str(), entry.text.c_str());
+    }
+    return 0;
+}
+
+} // namespace
+
+int ScrFnGetLog(ScrPar *par)
+{
+    const std::string name = par[0].text, base = par[1].text;
+    if (name.empty() || base.empty())
+        return SCR_Fail("getlog: Invalid parameters.");
+    SetHost();
+    if (DLLD_ReadARecId() < 0)
+        return FailGetLog("Could not read log type list (DL_arecId).");
+    CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
+    DLLD_Log log;
+    if (DLLD_ReadLog(name, &log) < 0)
+        return FailGetLog("Could not read the log (" + name + ").");
+    return SaveLogFiles(log, name, base);
+}
+
+int ScrFnSaveLog(ScrPar *par)
+{
+    const std::string path = par[1].text, name = par[0].text;
+    const bool isName = (par[0].flags & PAR_LONG) == 0;
+    uint32_t address = par[0].value;
+    SetHost();
+    if (path.empty() || (isName ? DLLD_GetWrkAddr(&address, name) < 0 : address >= ADDR_LIMIT))
+        return SCR_Fail("SaveLog: Neplatne parametry skriptu.");
+    DLLD_Log log;
+    const int read = isName ? DLLD_ReadLog(name, &log) : DLLD_ReadLogAt(address, &log);
+    if (read < 0)
+        return Fail("SaveLog", "Chyba pri cteni logu.");
+    const int result = DLLD_SaveOldLogFe(path, log);
+    if (result == DLLD_ERR_OPEN)
+        return Fail("SaveLog", "Nelze otevrit soubor '" + path + "'.");
+    return result < 0 ? Fail("SaveLog", "Chyba pri zapisu do souboru '" + path + "'.") : 0;
+}
+
+int SCR_DlldTst(ScrPar *par)
+{
+    SetHost();
+    const std::vector<std::string> names = FindLogs();
+    const auto number = static_cast<int32_t>(par[0].value);
+    if (names.empty())
+        return SCR_Fail("dlldtst: no variable of the map and type map describes a log.");
+    if (number < 0 || number > static_cast<int32_t>(names.size()))
+        return SCR_Fail(CON_Format("dlldtst: logs are numbered 1 to %d; 0 lists them.",
+                                   static_cast<int>(names.size())));
+    if (number == 0) {
+        for (size_t i = 0; i < names.size(); i++)
+            CON_Print("%3d  %s", static_cast<int>(i) + 1, names[i].c_str());
+        return 0;
+    }
+    if (ShowSurvey(names[static_cast<size_t>(number) - 1]) < 0)
+        return -1;
+    return ShowRecIds();
+}

@@ -1,0 +1,155 @@
+// The log's files: raw, as a listing, and in the old layout of a line a message.
+#include <cstdio>
+#include <new>
+
+#include "logger/dlld.h"
+#include "logger/dlld_print.h"
+#include "platform/safe_file.h"
+
+namespace {
+
+constexpr uint32_t SECONDS_A_DAY = 86400;
+
+typedef void (*MsgPrinter)(const DLLD_Msg &msg, std::string *out);
+
+int TestLog(const DLLD_Log &log)
+{
+    return DLLD_TestLogHeader(log.data(), DLLD_ANY_ADDRESS, static_cast<int64_t>(log.size()));
+}
+
+// Whole or not at all. 0 or DLLD_ERR_...
+int SaveBytes(const std::string &path, const char *bytes, size_t count)
+{
+    SafeFile file;
+    if (SAF_Open(&file, path, "wb") < 0)
+        return DLLD_ERR_OPEN;
+    if (std::fwrite(bytes, 1, count, file.file) != count) {
+        SAF_Cancel(&file);
+        return DLLD_ERR_FILE;
+    }
+    return SAF_Commit(&file) < 0 ? DLLD_ERR_FILE : 0;
+}
+
+// Everything but junk, each message through `print`.
+int SaveListing(const std::string &path, const DLLD_Log &log, MsgPrinter print)
+{
+    if (TestLog(log) < 0)
+        return DLLD_ERR_HEADER;
+    std::string text;
+    try {
+        text.reserve(4 * log.size());
+        DLLD_Msg msg;
+        for (int32_t index = DLLD_HEADER_WORDS; DLLD_NextMsg(log, &index, &msg);)
+            if (DLLD_GetType(msg) != DLLD_JUNK)
+                print(msg, &text);
+    } catch (const std::bad_alloc &) {
+        return DLLD_ERR_FILE;
+    }
+    return SaveBytes(path, text.data(), text.size());
+}
+
+void PrintStd(const DLLD_Msg &msg, std::string *out)
+{
+    DLLD_FPrintMsgHdr(msg, out);
+    DLLD_FPrintMsgCts(msg, out);
+}
+
+void PrintHex(const DLLD_Msg &msg, std::string *out)
+{
+    DLLD_FPrintMsgHdr(msg, out);
+    DLLD_FPrintMsgHexCts(msg, out);
+}
+
+// --- the old layout -------------------------------------------------------------------
+
+// "T" counts whole days of operation there.
+void SaveLogBiosState(const DLLD_Msg &msg, std::string *out)
+{
+    DLLD_Stamp stamp;
+    if (!DLLD_GetBStamp(msg, &stamp))
+        return;
+    DLLD_Print(out, " T=%lud ErrFlag=%08lX IntErr=%08lX Warning=%08lX DevSt=%02lX",
+               static_cast<unsigned long>(static_cast<uint32_t>(stamp.seconds) / SECONDS_A_DAY),
+               static_cast<unsigned long>(stamp.errors),
+               static_cast<unsigned long>(stamp.internalErrors),
+               static_cast<unsigned long>(stamp.warnings), stamp.state & 0xFFUL);
+}
+
+void SaveLogSt8(const DLLD_Msg &msg, std::string *out)
+{
+    *out += " ST8: " + DLLD_GetText(msg);
+}
+
+void SaveLogUser(const DLLD_Msg &msg, std::string *out)
+{
+    DLLD_Print(out, " Usr%u:", static_cast<unsigned>(DLLD_GetType(msg)));
+    for (int32_t i = DLLD_HEAD_WORDS; i < msg.length; i++)
+        DLLD_Print(out, " %04X", DLLD_GetWord(msg, i));
+}
+
+void SaveLogRecord(const DLLD_Msg &msg, std::string *out)
+{
+    if (msg.length < DLLD_HEAD_WORDS)
+        return;
+    DateTime time;
+    CvtAMCBIOS_time(DLLD_GetStamp(msg), &time);
+    DLLD_AppendTime(time, out);
+    if (DLLD_GetType(msg) == DLLD_BSTAMP)
+        SaveLogBiosState(msg, out);
+    else if (DLLD_GetType(msg) == DLLD_TEXT)
+        SaveLogSt8(msg, out);
+    else
+        SaveLogUser(msg, out);
+    *out += "\r\n";
+}
+
+} // namespace
+
+int DLLD_SaveBinLogFe(const std::string &path, const DLLD_Log &log)
+{
+    if (TestLog(log) < 0)
+        return DLLD_ERR_HEADER;
+    std::string bytes;
+    bytes.reserve(2 * log.size());
+    for (const uint16_t word : log) {
+        bytes += static_cast<char>(word & 0xFF);
+        bytes += static_cast<char>(word >> 8);
+    }
+    return SaveBytes(path, bytes.data(), bytes.size());
+}
+
+int DLLD_ReadBinLogFe(const std::string &path, DLLD_Log *log)
+{
+    std::FILE *file = std::fopen(path.c_str(), "rb");
+    if (file == nullptr)
+        return DLLD_ERR_OPEN;
+    // One byte more than a log may have shows a file that is too long.
+    std::vector<uint8_t> bytes(2 * DLLD_WORDS_MAX + 1);
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file));
+    const bool isRead = std::ferror(file) == 0;
+    std::fclose(file);
+    if (!isRead)
+        return DLLD_ERR_FILE;
+    DLLD_Log read(bytes.size() / 2);
+    for (size_t i = 0; i < read.size(); i++)
+        read[i] = static_cast<uint16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+    if (bytes.size() % 2 != 0 || TestLog(read) < 0)
+        return DLLD_ERR_HEADER;
+    *log = std::move(read);
+    return 0;
+}
+
+int DLLD_SaveStdLogFe(const std::string &path, const DLLD_Log &log)
+{
+    return SaveListing(path, log, PrintStd) < 0 ? -1 : 0;
+}
+
+int DLLD_SaveHexLogFe(const std::string &path, const DLLD_Log &log)
+{
+    return SaveListing(path, log, PrintHex) < 0 ? -1 : 0;
+}
+
+int DLLD_SaveOldLogFe(const std::string &path, const DLLD_Log &log)
+{
+    return SaveListing(path, log, SaveLogRecord);
+}

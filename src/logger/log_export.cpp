@@ -1,0 +1,142 @@
+// What leaves a log's table as text: cells, copied lines, CSV, the details of one message.
+#include <cstdio>
+
+#include "logger/dlld_print.h"
+#include "logger/dlld_record.h"
+#include "logger/log_view.h"
+#include "platform/safe_file.h"
+
+namespace {
+
+std::string FormatTime(uint32_t stamp, bool isLocal)
+{
+    std::string text;
+    if (stamp == 0)
+        return text;
+    DateTime time;
+    CvtAMCBIOS_time(stamp, &time);
+    if (isLocal)
+        StdTm2SezTm(&time); // what is no real time stays as it was logged
+    DLLD_AppendTime(time, &text);
+    return text;
+}
+
+void AppendQuoted(const std::string &text, std::string *out)
+{
+    *out += '"';
+    for (const char c : text) {
+        if (c == '"')
+            *out += '"';
+        *out += c;
+    }
+    *out += '"';
+}
+
+const LOGV_Row &GetRow(const LOGV_View &view, size_t line)
+{
+    return view.log->rows[view.shown[line]];
+}
+
+void AddStampFields(const DLLD_Msg &msg, std::vector<LOGV_Detail> *details)
+{
+    DLLD_Stamp stamp;
+    if (!DLLD_GetBStamp(msg, &stamp))
+        return;
+    details->push_back({"S", DLLD_FormatState(stamp.state)});
+    details->push_back({"t", std::to_string(stamp.seconds) + " s"});
+    const struct {
+        const char *name;
+        uint32_t value;
+    } masks[] = {{"Err", stamp.errors}, {"IErr", stamp.internalErrors}, {"Warn", stamp.warnings}};
+    for (const auto &mask : masks) {
+        std::string text;
+        DLLD_Print(&text, "%08lXh", static_cast<unsigned long>(mask.value));
+        details->push_back({mask.name, text});
+    }
+}
+
+void AddRecordFields(const DLLD_Record &record, const DLLD_Msg &msg,
+                     std::vector<LOGV_Detail> *details)
+{
+    DLLD_Cursor cursor;
+    for (const DLLD_Field &field : record.fields) {
+        const std::string value = DLLD_FormatItem(field, msg, &cursor);
+        if (!field.name.empty())
+            details->push_back({field.name, value});
+    }
+}
+
+} // namespace
+
+std::string LOGV_GetCell(const LOGV_View &view, size_t line, LOGV_Column column)
+{
+    const LOGV_Row &row = GetRow(view, line);
+    switch (column) {
+    case LOGV_TIME:
+        return FormatTime(row.stamp, view.isLocalTime);
+    case LOGV_TYPE:
+        return view.log->typeNames[row.type];
+    case LOGV_TEXT:
+        return std::string(LOGV_GetText(*view.log, row));
+    default:
+        return std::to_string(row.start);
+    }
+}
+
+std::string LOGV_CopyLines(const LOGV_View &view, const std::vector<size_t> &lines)
+{
+    std::string text;
+    for (const size_t line : lines)
+        text += LOGV_GetCell(view, line, LOGV_TIME) + "\t" + LOGV_GetCell(view, line, LOGV_TYPE) +
+                "\t" + LOGV_GetCell(view, line, LOGV_TEXT) + "\n";
+    return text;
+}
+
+int LOGV_SaveCsv(const LOGV_View &view, const std::string &path)
+{
+    std::string text = "; log " + view.log->name + "\r\n; " + std::to_string(view.shown.size()) +
+                       " of " + std::to_string(view.log->rows.size()) + " messages, ";
+    text += view.isLocalTime ? "local time\r\n" : "time as logged\r\n";
+    text += "time,type,text\r\n";
+    for (size_t line = 0; line < view.shown.size(); line++) {
+        text += LOGV_GetCell(view, line, LOGV_TIME) + ",";
+        AppendQuoted(LOGV_GetCell(view, line, LOGV_TYPE), &text);
+        text += ',';
+        AppendQuoted(LOGV_GetCell(view, line, LOGV_TEXT), &text);
+        text += "\r\n";
+    }
+    SafeFile file;
+    if (SAF_Open(&file, path, "wb") < 0)
+        return -1;
+    if (std::fwrite(text.data(), 1, text.size(), file.file) != text.size()) {
+        SAF_Cancel(&file);
+        return -1;
+    }
+    return SAF_Commit(&file);
+}
+
+std::vector<LOGV_Detail> LOGV_GetDetails(const LOGV_Log &log, const LOGV_Row &row)
+{
+    const DLLD_Msg msg = LOGV_GetMsg(log, row);
+    const DLLD_Record *record = DLLD_FindRecord(row.type);
+    std::vector<LOGV_Detail> details;
+    details.push_back({"Local time", FormatTime(row.stamp, true)});
+    details.push_back({"Time as logged", FormatTime(row.stamp, false)});
+    std::string type;
+    DLLD_Print(&type, "%s (%02Xh)", log.typeNames[row.type].c_str(), row.type);
+    details.push_back({"Type", type});
+    std::string place;
+    DLLD_Print(&place, "word %d, %d words", row.start, row.length);
+    details.push_back({"Place", place});
+    if (row.type == DLLD_BSTAMP)
+        AddStampFields(msg, &details);
+    else if (row.type == DLLD_TEXT)
+        details.push_back({"Text", std::string(LOGV_GetText(log, row))});
+    else if (record != nullptr && row.type != DLLD_JUNK && row.length >= DLLD_HEAD_WORDS)
+        AddRecordFields(*record, msg, &details);
+    std::string words;
+    for (int32_t i = 0; i < msg.length; i++)
+        DLLD_Print(&words, i == 0 ? "%04X" : " %04X", msg.words[i]);
+    details.push_back({"Words", words});
+    return details;
+}

@@ -1,0 +1,119 @@
+#include "scope/scope.h"
+
+#include "comm/ucm.h"
+#include "settings/settings.h"
+#include "text/bytes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+std::string SX_szPrefix = "SCP2_";
+int SX_nVer = 2;
+int SX_nCh = 0;
+int SX_nVz = 0;
+double SX_ffFscp = 1.0, SX_ffFscpUpload = 1.0;
+uint16_t SX_wSubPd = 1, SX_wSubPdUpload = 1;
+int SX_isInitDone = 0, SX_isUploadDone = 0;
+int SX_isSnapped = 0;
+std::array<int, SX_CHANNELS_MAX> SX_anChTyp = {SX_I2, SX_I2, SX_I2, SX_I2, SX_I2, SX_I2,
+                                               SX_I2, SX_I2, SX_I2, SX_I2, SX_I2, SX_I2,
+                                               SX_I2, SX_I2, SX_I2, SX_I2};
+std::array<std::string, SX_CHANNELS_MAX> SX_aszChName;
+std::array<uint16_t, SX_WORDS_MAX> SX_awData;
+int SX_cnData = 0;
+std::array<SX_Record, SX_RECORDS> SX_aRecords;
+
+namespace {
+
+constexpr const char *TYPE_NAMES[SX_TYPES] = {"i1", "i2", "i4", "u1", "u2", "u4", "f4", "f2"};
+constexpr int NAMED_CHANNELS = 10; // those behind have no name field in the window
+constexpr size_t NAME_MAX_CHARS = 80;
+// A multiple of both protocols' read blocks (64 and 216 bytes): no short block in between.
+constexpr uint32_t UPLOAD_STEP_BYTES = 1728;
+
+} // namespace
+
+const char *SX_DefaultPrefix(int processor)
+{
+    return IsWordAddressing(processor) ? "PWM_rScope" : "SCP2_";
+}
+
+const char *SX_TypeName(int type)
+{
+    return type >= 0 && type < SX_TYPES ? TYPE_NAMES[type] : "?";
+}
+
+int SX_FindType(const std::string &name)
+{
+    for (int type = 0; type < SX_TYPES; ++type) {
+        if (name == TYPE_NAMES[type])
+            return type;
+    }
+    return -1;
+}
+
+bool SX_IsX4(int type)
+{
+    return type == SX_I4 || type == SX_U4 || type == SX_F4;
+}
+
+double SCP_CvtF2C_F4(uint16_t word)
+{
+    const int exponent = word >> 7 & 0xFF;
+    const double magnitude = std::ldexp((word & 0x7F) + 128, exponent - 134);
+    return word & 0x8000 ? -magnitude : magnitude;
+}
+
+double SX_Value(int type, uint16_t word, uint16_t high)
+{
+    const uint32_t both = static_cast<uint32_t>(high) << 16 | word;
+    float single = 0;
+    switch (type) {
+    case SX_I4:
+        return static_cast<int32_t>(both);
+    case SX_U4:
+        return both;
+    case SX_F4:
+        std::memcpy(&single, &both, sizeof single);
+        return static_cast<double>(single);
+    case SX_F2:
+        return SCP_CvtF2C_F4(word);
+    case SX_U1:
+    case SX_U2:
+        return word;
+    default:
+        return static_cast<int16_t>(word);
+    }
+}
+
+void SX_PrepareRecords(int channels)
+{
+    SX_aRecords.fill(SX_Record());
+    for (int channel = 0; channel < channels; ++channel) {
+        SX_Record &record = SX_aRecords[static_cast<size_t>(channel)];
+        record.isEnabled = 1;
+        record.cnSamples = std::min(SX_nVz, SX_RECORD_SAMPLES);
+        record.name = channel < NAMED_CHANNELS ? SX_aszChName[static_cast<size_t>(channel)]
+                                               : "#X" + std::to_string(channel + 1);
+        record.name.resize(std::min(record.name.size(), NAME_MAX_CHARS));
+        record.isValid = 1;
+    }
+}
+
+int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progress)
+{
+    const uint32_t total = 2 * static_cast<uint32_t>(count);
+    std::array<uint8_t, UPLOAD_STEP_BYTES> bytes;
+    for (uint32_t done = 0; done < total;) {
+        if (progress != nullptr && progress(done, total))
+            return SX_CANCELLED;
+        const uint32_t step = std::min(total - done, UPLOAD_STEP_BYTES);
+        if (UCM_Read(STATION, address + done, step, bytes.data()) < 0)
+            return -2;
+        for (uint32_t i = 0; i < step; i += 2)
+            *words++ = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
+        done += step;
+    }
+    return 0;
+}
