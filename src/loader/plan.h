@@ -3,7 +3,7 @@
 #ifndef LOADER_PLAN_H
 #define LOADER_PLAN_H
 
-#include "loader/program.h"
+#include "loader/job.h"
 
 // A run of blocks without gaps, small enough to be read back by one command.
 struct LDR_Group {
