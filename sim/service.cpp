@@ -13,6 +13,7 @@ struct Answer {
     size_t count = 0; // 0 = nothing is sent
     bool echo = false;
     int64_t delayNs = 0;
+    bool isRepeated = false; // sent twice
 };
 
 // Carries the request out. Returns the number of data bytes of the answer or, negated, the
@@ -63,8 +64,9 @@ const char *applyFate(SIM_Target *target, Answer *answer)
     }
     target->counters.answers++;
     // Drawn only when asked for: the other faults stay where they are by their seed.
-    answer->isRepeated = target->options.repeat > 0 &&
-                         target->random() / 4294967296.0 < target->options.repeat;
+    answer->isRepeated =
+        target->options.repeat > 0 &&
+        static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
     return "answered";
 }
 

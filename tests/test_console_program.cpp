@@ -180,7 +180,7 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
         list += "[" + std::to_string(1000 + 2 * i) + "],i2\n";
     }
     list.replace(list.rfind("[1058]"), 6, "[103A]"); // the last one, in hexadecimal
-    const uint64_t big = 0x8877665544332211u; // either half in the wrong place shows
+    const uint64_t big = 0x8877665544332211u;        // either half in the wrong place shows
     SIM_Poke(target, 1, 0x2000, &big, 8);
     Write("w.dbg", list + "nowhere,x1\n");
 

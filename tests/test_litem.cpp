@@ -346,15 +346,24 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
         {[] { return EDT_Move(0, 2); }, "move A", "B, u1\nC, u1\nA, u1\nD, u1\n"},
         {[] { return EDT_Move(3, 0); }, "move D", "D, u1\nB, u1\nC, u1\nA, u1\n"},
         {[] { return EDT_Remove(1); }, "remove B", "D, u1\nC, u1\nA, u1\n"},
-        {[] { return EDT_RemoveLines({2, 0}); }, "remove 2 items", "C, u1\n"},
+        {[] {
+             return EDT_RemoveLines({2, 0});
+         },
+         "remove 2 items", "C, u1\n"},
         {[] { return EDT_AddText("E", "x4", 0) == 0 ? 0 : -1; }, "add E", "E, x4\nC, u1\n"},
         {[] { return EDT_SetType(1, "i2"); }, "change C", "E, x4\nC, i2\n"},
         {[] { return EDT_Change(0, "3:A", "u2"); }, "change E", "3:A, u2\nC, i2\n"},
         {[] { return EDT_Rename(1, "F"); }, "change C", "3:A, u2\nF, i2\n"},
         {[] { return EDT_AddText("G", "u1", EDT_AT_END) == 2 ? 0 : -1; }, "add G",
          "3:A, u2\nF, i2\nG, u1\n"},
-        {[] { return EDT_MoveLines({2, 1}, -1); }, "move 2 items", "F, i2\nG, u1\n3:A, u2\n"},
-        {[] { return EDT_MoveLines({0, 1}, 1); }, "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
+        {[] {
+             return EDT_MoveLines({2, 1}, -1);
+         },
+         "move 2 items", "F, i2\nG, u1\n3:A, u2\n"},
+        {[] {
+             return EDT_MoveLines({0, 1}, 1);
+         },
+         "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
     };
     ASSERT_EQ(load(start), 0);
     EDT_ForgetEdits();

@@ -38,7 +38,7 @@ constexpr int PORT_MAX = 256;
 constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
-const char RATE_FAST[] = "fast";     // sweeps a second: as the line allows
+const char RATE_FAST[] = "fast"; // sweeps a second: as the line allows
 
 std::string iniPath; // read at start, written at shutdown
 bool isUnreadable;   // there is a file, and it is not ours to write over

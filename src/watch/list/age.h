@@ -16,8 +16,8 @@ void AGE_EndRun();   // communication was switched off, or comes from elsewhere:
 // Marks the item's value as read in this sweep of this run, now, from `station`.
 void AGE_Stamp(LItem *item, int station);
 
-bool AGE_IsOld(const LItem &item);           // it has a good value, but an old one
-std::string AGE_Text(const LItem &item);     // "40 s", "3 min", "2 h": rounded down
-std::string AGE_Tip(const LItem &item);      // a sentence; "" for a value that is not old
+bool AGE_IsOld(const LItem &item);       // it has a good value, but an old one
+std::string AGE_Text(const LItem &item); // "40 s", "3 min", "2 h": rounded down
+std::string AGE_Tip(const LItem &item);  // a sentence; "" for a value that is not old
 
 #endif

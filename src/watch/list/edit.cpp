@@ -82,7 +82,8 @@ int ShowAgain(const HIS_Edit &edit, std::string *what)
 
 std::string CountOrLabel(const std::vector<int> &lines)
 {
-    return lines.size() == 1 ? LIT_Label(aLItems[lines[0]]) : std::to_string(lines.size()) + " items";
+    return lines.size() == 1 ? LIT_Label(aLItems[lines[0]])
+                             : std::to_string(lines.size()) + " items";
 }
 
 // A name must survive a debug file: one field, no comment, no address form.

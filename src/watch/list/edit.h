@@ -1,6 +1,6 @@
 // Editing the watch list: what panels, menus and drag and drop call. Every change can be
-// undone and redone, marks the list as unsaved, refreshes title and list, and selects the line concerned; a
-// refused change leaves everything as it was.
+// undone and redone, marks the list as unsaved, refreshes title and list, and selects the line
+// concerned; a refused change leaves everything as it was.
 #ifndef WATCH_LIST_EDIT_H
 #define WATCH_LIST_EDIT_H
 

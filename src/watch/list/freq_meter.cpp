@@ -49,9 +49,8 @@ bool IsMeasurable(int selected)
 
 bool IsMetered(const LItem &item, int index)
 {
-    return metered.index == index && metered.address == item.address &&
-           metered.size == item.size && metered.station == LIT_Station(item) &&
-           metered.isTMS == LIT_IsTMS(item);
+    return metered.index == index && metered.address == item.address && metered.size == item.size &&
+           metered.station == LIT_Station(item) && metered.isTMS == LIT_IsTMS(item);
 }
 
 void StartInterval(uint32_t now)
@@ -98,8 +97,8 @@ void FM_Update(int selected)
     const LItem &item = aLItems[selected];
     const bool isOther = !IsMetered(item, selected);
     if (isOther)
-        metered = {selected, item.address, item.size, LIT_Station(item), LIT_IsTMS(item),
-                   item.goodReads, false};
+        metered = {selected,        item.address,   item.size, LIT_Station(item),
+                   LIT_IsTMS(item), item.goodReads, false};
     // The first sample is the value that is there, unless it is old.
     if (isOther ? AGE_IsOld(item) : metered.goodReads == item.goodReads)
         return;

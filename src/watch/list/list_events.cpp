@@ -76,12 +76,10 @@ struct EnableRow {
     bool (*isOn)();
 };
 const EnableRow enableRows[] = {
-    {ITEM_ADD, IsInView},          {ITEM_EDIT, HasLine},
-    {ITEM_REMOVE, HasLine},        {ITEM_UNDO, HasEdit},
-    {ITEM_REDO, HasUndone},        {ITEM_MOVE_UP, HasTwoLines},
-    {ITEM_MOVE_DOWN, HasTwoLines}, {ITEM_WRITE_VALUE, HasLine},
-    {ITEM_OTHER_BASE, HasLine},    {ITEM_MEMORY, Always},
-    {ITEM_COPY_LIST, HasItems},    {ITEM_COPY_MEMORY, HasMemory},
+    {ITEM_ADD, IsInView},          {ITEM_EDIT, HasLine},        {ITEM_REMOVE, HasLine},
+    {ITEM_UNDO, HasEdit},          {ITEM_REDO, HasUndone},      {ITEM_MOVE_UP, HasTwoLines},
+    {ITEM_MOVE_DOWN, HasTwoLines}, {ITEM_WRITE_VALUE, HasLine}, {ITEM_OTHER_BASE, HasLine},
+    {ITEM_MEMORY, Always},         {ITEM_COPY_LIST, HasItems},  {ITEM_COPY_MEMORY, HasMemory},
     {ITEM_SNAPSHOT, HasItems},
 };
 

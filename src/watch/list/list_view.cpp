@@ -156,8 +156,8 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    line += isResolved ? AddressText(item.address, processor)
-                       : std::string(UNRESOLVED_ADDRESS) + "  ";
+    line +=
+        isResolved ? AddressText(item.address, processor) : std::string(UNRESOLVED_ADDRESS) + "  ";
     line += item.type;
     line += static_cast<char>('0' + item.size % 10);
     line += ": ";
@@ -190,8 +190,8 @@ void LSV_ShowValues()
         if (isRefill)
             InsertListItem(mainPanel, MAIN_LIST, -1, line, i);
         std::string shown;
-        const bool isSame = !isRefill && GetLabelFromIndex(mainPanel, MAIN_LIST, i, &shown) >= 0 &&
-                            shown == line;
+        const bool isSame =
+            !isRefill && GetLabelFromIndex(mainPanel, MAIN_LIST, i, &shown) >= 0 && shown == line;
         PutLine(i, line, !isSame);
     }
     if (!isRefill)
@@ -242,6 +242,13 @@ int LSV_FirstVisible()
     if (GetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, &line) < 0)
         line = 0;
     return std::clamp(line, 0, std::max(nLItems - 1, 0));
+}
+
+int LSV_LinesInView()
+{
+    int lines = 0;
+    GetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_LINES_IN_VIEW, &lines);
+    return lines > 0 ? lines : SWEEP_LINES;
 }
 
 void LSV_Select(int line)

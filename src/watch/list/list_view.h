@@ -8,6 +8,8 @@
 
 struct LItem;
 
+constexpr int SWEEP_LINES = 13; // lines in view while the window has not said how many
+
 // Cells of a line, in order.
 enum LSV_Column { LSV_NAME, LSV_ADDRESS, LSV_TYPE, LSV_VALUE, LSV_AGE };
 
@@ -27,6 +29,7 @@ void LSV_ShowNone(); // the single line of a program without a list
 // Selected line (0 when none) and first visible one, both inside 0..lines - 1.
 int LSV_Selected();
 int LSV_FirstVisible();
+int LSV_LinesInView();
 void LSV_Select(int line); // clamped to the last line
 // Every selected line by rising index, at least LSV_Selected(); empty for an empty list.
 std::vector<int> LSV_SelectedLines();

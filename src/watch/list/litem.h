@@ -44,12 +44,12 @@ struct LItem {
 
     bool isHeld = false; // a good read waits in `held` for its proof
     LItemReading held;
-    uint32_t goodReads = 0;    // good values so far; grows with each
-    int32_t stationRead = -1;  // where the good value came from
-    uint32_t sweepRead = 0;    // and when: the sweep and the run of list/age.h
+    uint32_t goodReads = 0;   // good values so far; grows with each
+    int32_t stationRead = -1; // where the good value came from
+    uint32_t sweepRead = 0;   // and when: the sweep and the run of list/age.h
     uint32_t runRead = 0;
-    PLT_Date readAt;           // and in local time
-    bool isOtherBase = false;  // shown in hexadecimal although decimal, or the other way round
+    PLT_Date readAt;          // and in local time
+    bool isOtherBase = false; // shown in hexadecimal although decimal, or the other way round
 };
 
 extern LItem aLItems[LITEMS_MAX];
@@ -77,7 +77,7 @@ int LIT_Station(const LItem &item); // that it is read from: its own, or the sel
 // The text of its value is what the target sent. Not so after a failed read, before the
 // first one, and for a rate before the second.
 bool LIT_HasNumber(const LItem &item);
-uint64_t LIT_Bits(const LItem &item); // of the value, above its size zero
+uint64_t LIT_Bits(const LItem &item);     // of the value, above its size zero
 std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
 // Its name as it is in the file, and behind it the address that was given with it.
 std::string LIT_LabelAndPlace(const LItem &item);

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
-constexpr int ITEMS_PER_PROOF = 32;  // of a read of the whole list: about a second's worth
+constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";

@@ -22,9 +22,8 @@ std::vector<int> RDI_Prove();
 // readValues with its proof: the item then shows what was read. Results of readValues.
 int RDI_ReadNow(int index);
 // `count` bytes of a station, proven. 0, or -1 with the reason in *cause.
-int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer,
-                  std::string *cause);
-constexpr int RDI_ROUNDS_MAX = 3;             // reads of the same thing before giving up
+int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause);
+constexpr int RDI_ROUNDS_MAX = 3;       // reads of the same thing before giving up
 std::string RDI_WhyUnproven(int proof); // what UCM_Prove has refused, in words
 // Forgets what is held back: its link is closed.
 void RDI_DropHeld();

@@ -44,8 +44,8 @@ void SetPeriod(double seconds)
     SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
 }
 
-std::string lastFailure;    // which item failed last and why, for the message of auto-off
-bool isAnyGood = false;     // of this sweep's reads
+std::string lastFailure; // which item failed last and why, for the message of auto-off
+bool isAnyGood = false;  // of this sweep's reads
 uint32_t lastTickMs = 0;
 
 void ShowStatus(int state)
@@ -100,9 +100,9 @@ void EndStatus()
 
 void EndSweep()
 {
+    AGE_EndSweep(); // what is proven now is of this moment
     for (const int index : RDI_Prove())
         NoteFailure(index, LIT_IsTMS(aLItems[index]) ? -2 : -1);
-    AGE_EndSweep();
     EndStatus();
     LSV_ShowValues();
     VR_EnableControls();
@@ -124,7 +124,7 @@ void CountErrors()
 // Nothing was read while the ticks did not come, and no sweep was counted.
 void NoticePause()
 {
-    const uint32_t sweepMs = static_cast<uint32_t>(1000 * RFR_Period() * RFR_LinesInView());
+    const uint32_t sweepMs = static_cast<uint32_t>(1000 * RFR_Period() * LSV_LinesInView());
     const uint32_t pauseMs = PLT_TickMs() - lastTickMs;
     if (pauseMs <= std::max(AGE_SWEEPS_MAX * sweepMs, PAUSE_MIN_MS) || !readLItems)
         return;
@@ -140,18 +140,11 @@ bool RFR_IsRate(int rate)
     return std::find(std::begin(RFR_RATES), std::end(RFR_RATES), rate) != std::end(RFR_RATES);
 }
 
-int RFR_LinesInView()
-{
-    int lines = 0;
-    GetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_LINES_IN_VIEW, &lines);
-    return lines > 0 ? lines : SWEEP_LINES;
-}
-
 double RFR_Period()
 {
     if (Option_nSweepRate == 0)
         return SHORTEST_PERIOD_S;
-    return std::max(1.0 / (RFR_LinesInView() * Option_nSweepRate), SHORTEST_PERIOD_S);
+    return std::max(1.0 / (LSV_LinesInView() * Option_nSweepRate), SHORTEST_PERIOD_S);
 }
 
 void RFR_BeginSweep()
@@ -194,7 +187,7 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
             RFR_BeginSweep();
         const int first = LSV_FirstVisible();
         int index = first + UpdItem;
-        if (index >= nLItems || UpdItem >= RFR_LinesInView()) {
+        if (index >= nLItems || UpdItem >= LSV_LinesInView()) {
             UpdItem = 0;
             index = first;
         }
@@ -215,7 +208,7 @@ int updateListTextBox(int index)
     const int selected = LSV_Selected();
     ReadItem(index);
     const bool isSweepEnd =
-        index == nLItems - 1 || index - LSV_FirstVisible() == RFR_LinesInView() - 1;
+        index == nLItems - 1 || index - LSV_FirstVisible() == LSV_LinesInView() - 1;
     if (isSweepEnd)
         EndSweep();
     readLItems = 1;

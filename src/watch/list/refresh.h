@@ -7,8 +7,6 @@
 #include <cstdint>
 #include <string>
 
-constexpr int SWEEP_LINES = 13; // lines in view while the window has not said how many
-
 extern int UpdItem; // next item to read, counted from the first visible line
 extern int eTMS;    // this sweep: 0 good, -1 a C166 read failed, -2 a TMS320 read failed
 extern int nErrors; // failed reads since the last good sweep
@@ -16,7 +14,6 @@ extern int nErrors; // failed reads since the last good sweep
 // Sweeps a second that the Options menu offers; 0 = as fast as the line allows.
 constexpr int RFR_RATES[] = {1, 2, 5, 10, 0};
 bool RFR_IsRate(int rate);
-int RFR_LinesInView();
 double RFR_Period(); // seconds between ticks, by Option_nSweepRate and the lines in view
 
 // The next tick begins a sweep at the first visible line, whatever the last one found.

@@ -12,7 +12,6 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
 #include "watch/value/value_forms.h"
 #include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
@@ -209,7 +208,7 @@ void WriteAndShow()
 bool IsSwept(int index)
 {
     const int first = LSV_FirstVisible();
-    return index >= first && index < first + RFR_LinesInView();
+    return index >= first && index < first + LSV_LinesInView();
 }
 
 bool IsPressed(int event, int data)
