@@ -456,6 +456,11 @@ TEST_F(Refresh, WritingValues)
     SIM_Peek(target, 5, 0x8001, &byte, 1);
     EXPECT_EQ(byte, 1);
     EXPECT_EQ(WRV_Write(2, "1", &message), WRV_ERR_ADDRESS);
+    const int last = EDT_AddText("$FFFFFD", "u4", EDT_AT_END);
+    const uint64_t before = SIM_GetCounters(target).requests;
+    EXPECT_EQ(WRV_Write(last, "1", &message), WRV_ERR_ADDRESS) << "it would end beyond";
+    EXPECT_EQ(SIM_GetCounters(target).requests, before);
+    EDT_Remove(last);
     EXPECT_EQ(WRV_Write(3, "1", &message), WRV_ERR_INDEX);
     failWith(0, 70);
     EXPECT_EQ(WRV_Write(1, "2", &message), WRV_ERR_READ_BACK);

@@ -13,6 +13,7 @@
 namespace {
 
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
+constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
 constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
@@ -108,6 +109,12 @@ std::vector<int> FailHeld(const std::string &reason)
     return held;
 }
 
+std::string WhyUnproven(int proof)
+{
+    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
+    return cause.empty() ? NO_PROOF : cause;
+}
+
 // As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
 // were told to read again concerns that reading too.
 int ProveLine()
@@ -172,7 +179,7 @@ std::vector<int> RDI_Prove()
 {
     std::vector<int> failed;
     int result = UCM_PROVEN;
-    for (int round = 0; round < RDI_ROUNDS_MAX; ++round) {
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
         const std::vector<int> held = HeldItems();
         if (held.empty())
             return failed;
@@ -188,7 +195,7 @@ std::vector<int> RDI_Prove()
             if (readValues(index) != 0)
                 failed.push_back(index);
     }
-    const std::vector<int> unproven = FailHeld(RDI_WhyUnproven(result));
+    const std::vector<int> unproven = FailHeld(WhyUnproven(result));
     failed.insert(failed.end(), unproven.begin(), unproven.end());
     return failed;
 }
@@ -207,7 +214,7 @@ int RDI_ReadNow(int index)
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
 {
     int result = UCM_READ_AGAIN;
-    for (int round = 0; round < RDI_ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
+    for (int round = 0; round < ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
         if (UCM_Read(station, address, count, buffer) < 0) {
             *cause = UCM_LastErrorText();
             return -1;
@@ -215,14 +222,25 @@ int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, s
         result = UCM_Prove();
     }
     if (result != UCM_PROVEN)
-        *cause = RDI_WhyUnproven(result);
+        *cause = WhyUnproven(result);
     return result == UCM_PROVEN ? 0 : -1;
 }
 
-std::string RDI_WhyUnproven(int proof)
+int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause)
 {
-    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
-    return cause.empty() ? NO_PROOF : cause;
+    int proof = UCM_READ_AGAIN;
+    for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
+        for (uint32_t i = 0; i < count; ++i) {
+            const int result = TMS_ReadWord(STATION, address + i, TMS_POLLS_MEMORY, &words[i]);
+            *cause = TMS_ErrorText(result);
+            if (result != TMS_OK)
+                return result;
+        }
+        proof = UCM_Prove();
+    }
+    if (proof != UCM_PROVEN)
+        *cause = WhyUnproven(proof);
+    return proof == UCM_PROVEN ? TMS_OK : TMS_ERR_DATA;
 }
 
 void RDI_DropHeld()

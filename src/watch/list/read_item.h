@@ -23,8 +23,9 @@ std::vector<int> RDI_Prove();
 int RDI_ReadNow(int index);
 // `count` bytes of a station, proven. 0, or -1 with the reason in *cause.
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause);
-constexpr int RDI_ROUNDS_MAX = 3;       // reads of the same thing before giving up
-std::string RDI_WhyUnproven(int proof); // what UCM_Prove has refused, in words
+// The same for words of the TMS320 behind the selected station, by word address. TMS_OK or
+// the mailbox's code.
+int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause);
 // Forgets what is held back: its link is closed.
 void RDI_DropHeld();
 

@@ -98,11 +98,27 @@ void EndStatus()
         VR_AutoOff(lastFailure);
 }
 
+int ResultOf(int index)
+{
+    return LIT_IsTMS(aLItems[index]) ? -2 : -1;
+}
+
+// A line in view may have failed for another reader (the value window) since it was read
+// here. No "RUN" stands beside it.
+void NoteOthersFailures()
+{
+    const int first = LSV_FirstVisible(), end = std::min(first + LSV_LinesInView(), nLItems);
+    for (int i = first; i < end && eTMS == 0; ++i)
+        if (aLItems[i].readError && aLItems[i].address != LITEM_NO_ADDRESS)
+            NoteFailure(i, ResultOf(i));
+}
+
 void EndSweep()
 {
     AGE_EndSweep(); // what is proven now is of this moment
     for (const int index : RDI_Prove())
-        NoteFailure(index, LIT_IsTMS(aLItems[index]) ? -2 : -1);
+        NoteFailure(index, ResultOf(index));
+    NoteOthersFailures();
     EndStatus();
     LSV_ShowValues();
     VR_EnableControls();

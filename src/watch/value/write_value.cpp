@@ -44,9 +44,7 @@ int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
     const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
     if (mask != UINT32_MAX) {
         uint32_t before = 0;
-        const int result = TMS_ReadWord(STATION, item.address, TMS_POLLS_MEMORY, &before);
-        *cause = TMS_ErrorText(result);
-        if (result != TMS_OK)
+        if (RDI_ReadTmsWords(item.address, 1, &before, cause) != TMS_OK)
             return WRV_ERR_WRITE;
         word |= before & ~mask;
     }
@@ -114,6 +112,10 @@ int WRV_Write(int index, const std::string &text, std::string *message)
     const LItem &item = aLItems[index];
     if (!LIT_HasAddress(item)) {
         *message = "The value was not written: the item has no address.";
+        return WRV_ERR_ADDRESS;
+    }
+    if (!LIT_IsTMS(item) && item.address + static_cast<uint32_t>(BytesToWrite(item)) > ADDR_LIMIT) {
+        *message = "The value was not written: its last byte lies beyond the target's memory.";
         return WRV_ERR_ADDRESS;
     }
     uint64_t bits = 0;

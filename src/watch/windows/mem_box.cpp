@@ -180,23 +180,6 @@ std::string TypedText(uint32_t address, const uint8_t *bytes)
     return text;
 }
 
-// Four words of the TMS320's memory, proven. TMS_OK, or the code with its cause.
-int ReadWords(uint32_t address, uint32_t *words, std::string *cause)
-{
-    int proof = UCM_READ_AGAIN;
-    for (int round = 0; round < RDI_ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
-        for (uint32_t i = 0; i < TMS_WORDS; ++i) {
-            const int result = TMS_ReadWord(STATION, address + i, TMS_POLLS_MEMORY, &words[i]);
-            *cause = TMS_ErrorText(result);
-            if (result != TMS_OK)
-                return result;
-        }
-        proof = UCM_Prove();
-    }
-    *cause = RDI_WhyUnproven(proof);
-    return proof == UCM_PROVEN ? TMS_OK : TMS_ERR_DATA;
-}
-
 std::string WordsText(uint32_t address, const uint32_t *words)
 {
     std::string text =
@@ -255,7 +238,7 @@ int readTMSMemory(uint32_t address)
                                         " to see the memory of its TMS320.");
     uint32_t words[TMS_WORDS];
     std::string cause;
-    const int result = ReadWords(address, words, &cause);
+    const int result = RDI_ReadTmsWords(address, TMS_WORDS, words, &cause);
     if (result != TMS_OK)
         return Failed(result, cause);
     Print(WordsText(address, words));
