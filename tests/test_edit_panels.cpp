@@ -211,7 +211,7 @@ TEST_F(EditPanels, EditingChangesTheItemItWasOpenedFor)
     load("Known, [0x100], u1\nwSpeed, u2\n");
     ResetLItemsDisplay();
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
-    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 1);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 2);
     EXPECT_EQ(UiText(PANEL_ITEM, WITEM_NAME), "Known");
     EXPECT_EQ(suggested(), "u1");
     HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
