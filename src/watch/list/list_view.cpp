@@ -74,9 +74,9 @@ void EnsureColumns()
         return;
     columns.resize(LSV_AGE + 1);
     columns[LSV_NAME].title = "Name";
-    columns[LSV_NAME].width = 300;
+    columns[LSV_NAME].width = 240;
     columns[LSV_ADDRESS].title = "Address";
-    columns[LSV_ADDRESS].width = 80;
+    columns[LSV_ADDRESS].width = 76;
     columns[LSV_TYPE].title = "Type";
     columns[LSV_TYPE].width = 44;
     columns[LSV_VALUE].title = "Value";
