@@ -63,6 +63,8 @@ void ReadThroughLayer(int)
 void ReadBare(int fd)
 {
     char answer[ANSWER_CHARS];
+    // The layer's last request may have been a proof of its own.
+    makeSFrm(1, MR166_CMD_READ, ADDRESS, BLOCK_BYTES);
     if (write(fd, Mr166_abySnd, REQUEST_CHARS) != static_cast<ssize_t>(REQUEST_CHARS))
         Fail("a bare write failed");
     for (size_t got = 0; got < sizeof answer;) {

@@ -190,8 +190,8 @@ TEST_F(DiagPanels, NothingIsRecordedWhileClosedAndTheLastFailureIsSeen)
     VIR2_StartPeriodicASC();
     Exchange(1);
     VIR2_StopPeriodicASC(); // no timer will tick any more
-    EXPECT_EQ(7u, Lines(PANEL_TRACE, TRACE_LIST).size())
-        << "twice opened and closed, two probes, one read";
+    EXPECT_EQ(8u, Lines(PANEL_TRACE, TRACE_LIST).size())
+        << "twice opened and closed, three probes, one read";
     HL_ClosePanel(PANEL_TRACE);
     EXPECT_FALSE(TRC_isOn);
     EXPECT_EQ(0u, TRC_Count());
@@ -253,8 +253,8 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     EXPECT_FALSE(TRC_isOn);
     Read();
     TRP_Refresh();
-    EXPECT_EQ(4u, Lines(PANEL_TRACE, TRACE_LIST).size());
-    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 4 of at most 2000"));
+    EXPECT_EQ(5u, Lines(PANEL_TRACE, TRACE_LIST).size());
+    EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 5 of at most 2000"));
 
     HL_CommitControl(PANEL_TRACE, TRACE_COPY);
     EXPECT_EQ(UiText(PANEL_TRACE, TRACE_DETAIL) + "\n", HL_GetClipboard());
@@ -275,7 +275,7 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     HL_CommitControl(PANEL_TRACE, TRACE_PAUSE);
     Read();
     TRP_Refresh();
-    EXPECT_EQ(5u, Lines(PANEL_TRACE, TRACE_LIST).size());
+    EXPECT_EQ(6u, Lines(PANEL_TRACE, TRACE_LIST).size());
 }
 
 TEST(Failures, ManyCausesAreCountedTogetherAtTheEnd)

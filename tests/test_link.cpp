@@ -110,8 +110,8 @@ TEST_P(BothDrivers, BlocksOfATransfer)
     const struct {
         uint32_t count;
         unsigned writes, reads; // several blocks have a proof behind them
-    } cases[] = {{0, 0, 0},  {1, 1, 1},      {16, 1, 1},      {17, 2, 1},
-                 {64, 4, 1}, {65, 5, 2 + 1}, {300, 19, 5 + 1}};
+    } cases[] = {{0, 0, 0},      {1, 1, 1},          {16, 1, 1},          {17, 2 + 1, 1},
+                 {64, 4 + 1, 1}, {65, 5 + 1, 2 + 1}, {300, 19 + 1, 5 + 1}};
     for (const auto &item : cases) {
         std::vector<uint8_t> out(item.count + 1, 0x5A), in(item.count + 1, 0xEE);
         const uint64_t before = requests();

@@ -59,6 +59,7 @@ protected:
         FreeNodes(aVarNode166, &nNodes166);
         openTMSStruct = openStruct166 = OPEN_NONE;
         VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
+        Option_Echo = 0;
         SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
     }
     // Reads settings and gives what a save makes of them.
@@ -95,11 +96,12 @@ TEST_F(Settings, EveryKeySurvives)
     WriteFileText("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
                             "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n"
-                            "m2, t.map\ntm, t.tmf\n";
+                            "m2, t.map\ntm, t.tmf\necho\n";
     WriteFileText("t.map", "0000C002   _speed\n");
     WriteFileText("t.tmf", TYPES);
     EXPECT_EQ(all, Round(all));
     VR_isWatchView = false;
+    Option_Echo = 0;
     EXPECT_EQ("a.m66", szMapFileName);
     EXPECT_EQ(0xC002u, inStruct("&_speed", aVarTMSNode, nTMSNodes));
     EXPECT_EQ(1, TMF_cnDefVars);

@@ -224,6 +224,12 @@ void ReadSweepRate(const std::string &, const std::string &value)
         Option_nSweepRate = rate;
 }
 
+void ReadEcho(const std::string &, const std::string &)
+{
+    Option_Echo = 1;
+    VR_isEchoOnce = false; // kept, whatever this run's options say
+}
+
 // Shown once the window is there.
 void ReadView(const std::string &, const std::string &value)
 {
@@ -236,15 +242,16 @@ struct Key {
     void (*read)(const std::string &key, const std::string &value);
 };
 constexpr Key KEYS[] = {
-    {"r", false, ReadProcessor}, {"t", false, ReadProtocol},
-    {"o+", false, ReadAutoOff},  {"o-", false, ReadAutoOff},
-    {"m", true, ReadMapFile},    {"mt", true, ReadTmsMapFile},
-    {"d", true, ReadDebugFile},  {"d0", true, ReadDebugFile},
-    {"d#", true, ReadRecent},    {"b", false, ReadBaud},
-    {"p", false, ReadPort},      {"s", false, ReadStation},
-    {"COM", false, ReadDriver},  {"full", false, ReadFullCommands},
-    {"view", false, ReadView},   {"m2", true, ReadSecondMap},
-    {"tm", true, ReadTypes},     {"rate", false, ReadSweepRate},
+    {"r", false, ReadProcessor},    {"t", false, ReadProtocol},
+    {"o+", false, ReadAutoOff},     {"o-", false, ReadAutoOff},
+    {"m", true, ReadMapFile},       {"mt", true, ReadTmsMapFile},
+    {"d", true, ReadDebugFile},     {"d0", true, ReadDebugFile},
+    {"d#", true, ReadRecent},       {"b", false, ReadBaud},
+    {"p", false, ReadPort},         {"s", false, ReadStation},
+    {"COM", false, ReadDriver},     {"full", false, ReadFullCommands},
+    {"view", false, ReadView},      {"m2", true, ReadSecondMap},
+    {"tm", true, ReadTypes},        {"echo", false, ReadEcho},
+    {"rate", false, ReadSweepRate},
 };
 
 const Key *FindKey(const std::string &text)
@@ -402,6 +409,8 @@ std::string SettingsText()
     if (Option_nSweepRate != 1)
         AddLine(&text, "rate",
                 Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));
+    if (Option_Echo != 0 && !VR_isEchoOnce)
+        text += std::string("echo") + END_OF_LINE;
     return text;
 }
 

@@ -83,6 +83,7 @@ void CheckOptions()
         Check(item, RFR_RATES[item - ITEM_RATE_FIRST] == Option_nSweepRate);
     Check(ITEM_AUTO_OFF, Option_AutoOff != 0);
     Check(ITEM_COM_WIN32, Option_ComWin32 != 0);
+    Check(ITEM_ECHO, Option_Echo != 0);
     Check(ITEM_FULL_COMMANDS, VR_isFullCommandSet);
 }
 

@@ -128,6 +128,14 @@ void ClosePortCB(int, int)
     SetMainPanelAttributes();
 }
 
+void EchoCB(int, int)
+{
+    Option_Echo = Option_Echo == 0;
+    VR_isEchoOnce = false;
+    SetMainPanelAttributes();
+    VR_Reopen();
+}
+
 void FullCommandsCB(int, int)
 {
     VR_isFullCommandSet = !VR_isFullCommandSet;

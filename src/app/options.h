@@ -15,5 +15,6 @@ void AutoOffCB(int menuBar, int item);
 void RateCB(int menuBar, int item);
 void ClosePortCB(int menuBar, int item);
 void FullCommandsCB(int menuBar, int item);
+void EchoCB(int menuBar, int item);
 
 #endif

@@ -1,5 +1,7 @@
 #include "comm/communication.h"
 
+#include "comm/modbus.h"
+
 #include <cstdio>
 
 #include "comm/ucm.h"
@@ -71,6 +73,7 @@ int Check_ASC_Open(int result)
 
 int VR_OpenLink()
 {
+    MBM_isEcho = Option_Echo;
     const int result = UCM_Open(VR_nProtocol, ncom, bRate);
     // A driver chosen while the other protocol was in use reaches the link only now.
     const int driver = VR_nProtocol == PROTOCOL_MR166 ? UCM_UseWin32(Option_ComWin32) : 0;

@@ -8,9 +8,10 @@
 namespace {
 
 // What an earlier program left behind may by chance look like a probe's answer, but hardly
-// like two chosen by lot, one right behind the other.
-constexpr int PROBES_FOR_UNKNOWN = 2;
+// like three chosen by lot, one right behind the other.
+constexpr int PROBES_FOR_UNKNOWN = 3;
 constexpr size_t RECENT_PROBES_MAX = 16;
+constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
 
 STEP_Listener listener;
 int lastPartner = -1;
@@ -41,8 +42,10 @@ void CheckSurplus(STEP_Line *line, STEP_Partner *partner, uint32_t requests)
 
 // Books an answer that turned up and crosses out the oldest open request of this shape with
 // all before it, whose answers are lost. Of repetitions it may have been the first, so the
-// later ones stay open. True when it was a probe's.
-bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32_t nowMs)
+// later ones stay open. True when it was a probe's and `isKnown` to be: a refusal has no length
+// to know it by and proves nothing.
+bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool isKnown,
+                uint32_t nowMs)
 {
     ++partner->came;
     const auto found = FindOpen(*partner, shape);
@@ -55,7 +58,7 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, uint32
         newest = open.shape == shape ? open.number : newest;
     CheckSurplus(line, partner, newest);
     partner->came = std::max(partner->came, found->number);
-    const bool isProbe = found->isProbe;
+    const bool isProbe = isKnown && found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
     if (isProbe) {
         partner->isProofDue = false;
@@ -79,15 +82,16 @@ uint32_t NextRandom(STEP_Line *line)
 template <typename IsDone>
 int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &prober, IsDone isDone)
 {
-    while (!isDone()) {
-        if (attempts <= 0)
+    int left = attempts;
+    for (int sent = 0; !isDone(); ++sent) {
+        if (left <= 0 || sent == PROBES_MAX)
             return STEP_ERR_SILENT;
         const STEP_Shape shape = STEP_PickProbe(line, partner, prober.shapes, prober.count);
         const int result = prober.probe(partner, shape);
         if (result < 0)
             return STEP_ERR_ENDED;
-        if (result == 0)
-            --attempts;
+        // A slow partner that has answered one probe will answer the next as well.
+        left = result > 0 ? attempts : left - 1;
     }
     return STEP_PROVEN;
 }
@@ -129,7 +133,7 @@ void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
 void STEP_Accepted(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
 {
     STEP_Partner &book = PartnerOf(line, partner);
-    if (!BookAnswer(line, &book, shape, nowMs))
+    if (!BookAnswer(line, &book, shape, true, nowMs))
         book.isProofDue = true;
 }
 
@@ -139,7 +143,12 @@ bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
     if (FindOpen(book, shape) == book.open.end())
         ++line->disturbed;
     // Of a partner that nothing was accepted from, a repeated answer harms nobody.
-    return (!book.open.empty() || book.isProofDue) && BookAnswer(line, &book, shape, nowMs);
+    return (!book.open.empty() || book.isProofDue) && BookAnswer(line, &book, shape, true, nowMs);
+}
+
+void STEP_Refused(STEP_Line *line, int partner, STEP_Shape shape)
+{
+    (void)BookAnswer(line, &PartnerOf(line, partner), shape, false, 0);
 }
 
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)

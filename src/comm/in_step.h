@@ -59,6 +59,8 @@ void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe);
 void STEP_Accepted(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs);
 // A sound answer went by that is not the one waited for. True when it was a probe's.
 bool STEP_Passed(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs);
+// The partner refused the request of this shape, or an older one: nothing is known by it.
+void STEP_Refused(STEP_Line *line, int partner, STEP_Shape shape);
 // Characters that were no sound answer, as many answers as they may have been (0: noise).
 // They may be the damaged answer of something open, so nothing is crossed out.
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers);
@@ -86,7 +88,7 @@ enum {
     STEP_ERR_SILENT = -1, // no probe was answered
     STEP_ERR_ENDED = -2,  // the prober gave up
 };
-// Sends probes until a request of this shape is safe; at most `attempts` may stay
+// Sends probes until a request of this shape is safe; at most `attempts` in a row may stay
 // unanswered. Costs nothing when it is safe already.
 int STEP_MakeSafe(STEP_Line *line, int partner, STEP_Shape shape, int attempts,
                   const STEP_Prober &prober);

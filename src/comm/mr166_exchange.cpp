@@ -122,7 +122,8 @@ STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 // How the waiting for an answer goes on after a frame.
 struct Judgement {
     enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO, UNSOUND } kind = WAIT;
-    int code = 0; // of the answer check, of a frame that was none's answer
+    int code = 0;         // of the answer check, of a frame that was none's answer
+    bool isOlder = false; // an answer to an older request: the partner works them off
 };
 
 // Books a sound answer that is not the one waited for.
@@ -131,15 +132,19 @@ Judgement BookOther(int code)
     const int echoed = hexToByte(sorter.frame + 1);
     const int station = echoed >> 4, command = echoed & 15;
     const unsigned count = hexToByte(sorter.frame + 3);
-    STEP_Shape shape = ShapeOf(command, count);
-    if (count >= MR166_TARGET_ERROR_MIN)
-        shape = OldestOfCommand(station, command, shape);
+    const STEP_Shape shape = ShapeOf(command, count);
+    const bool isError = count >= MR166_TARGET_ERROR_MIN;
+    const STEP_Shape refused = OldestOfCommand(station, command, shape);
     const uint32_t before = line.disturbed;
-    const bool isProof = STEP_Passed(&line, station, shape, PLT_TickMs());
+    bool isProof = false;
+    if (isError && refused != shape)
+        STEP_Refused(&line, station, refused);
+    else
+        isProof = STEP_Passed(&line, station, shape, PLT_TickMs());
     Judgement judgement;
     judgement.kind = isProof ? Judgement::PROOF : Judgement::WAIT;
-    const bool isError = count >= MR166_TARGET_ERROR_MIN;
-    judgement.code = isError || line.disturbed != before ? code : 0;
+    judgement.isOlder = line.disturbed == before;
+    judgement.code = isError || !judgement.isOlder ? code : 0;
     return judgement;
 }
 
@@ -158,7 +163,7 @@ Judgement JudgeAnswer(const Mr166_Request *request, int station)
     const STEP_Shape shape = ShapeOfAnswerTo(*request);
     const bool isError = code <= -MR166_TARGET_ERROR_MIN;
     if (isError && OldestOfCommand(station, command, shape) == shape) {
-        STEP_Passed(&line, station, shape, PLT_TickMs());
+        STEP_Refused(&line, station, shape);
         return {Judgement::REFUSED, code};
     }
     if (isError || ShapeOf(command, static_cast<unsigned>(code)) != shape)
@@ -297,17 +302,16 @@ struct Reading {
 // any probe's answer, because that may be proof enough.
 Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kind sending)
 {
-    const uint32_t start = PLT_TickMs();
+    uint32_t start = PLT_TickMs(), limitMs = Mr166_nTimeoutMs;
     Reading reading;
     bool isAnythingRead = false;
     char bytes[CHUNK];
     while (reading.kind == Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
         const bool isEndless = Mr166_wComDbg && driver.isEchoSkipped;
-        if (passed >= Mr166_nTimeoutMs && !isEndless)
+        if (passed >= limitMs && !isEndless)
             break;
-        const uint32_t wait =
-            passed < Mr166_nTimeoutMs ? Mr166_nTimeoutMs - passed : Mr166_nTimeoutMs;
+        const uint32_t wait = passed < limitMs ? limitMs - passed : limitMs;
         const int got = driver.readSome(bytes, sizeof bytes, wait);
         if (got < 0) {
             reading.isGone = true;
@@ -322,6 +326,10 @@ Reading ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request, Kin
                 JudgeByte(bytes[i], isWaiting ? &request : nullptr, request.station);
             if (!isWaiting)
                 continue;
+            if (judgement.isOlder) { // it is slow, and ours is in the queue behind
+                start = PLT_TickMs();
+                limitMs = Mr166_nTimeoutMs * (static_cast<uint32_t>(Mr166_CnBlkRpt) + 1);
+            }
             if (reading.code == 0 || judgement.kind == Judgement::REFUSED)
                 reading.code = judgement.code;
             if (judgement.kind == Judgement::ECHO)
@@ -387,7 +395,7 @@ int ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
         return Succeed(request, isEchoSeen);
     }
     if (ending == Mr166_Ending::COMPLETE && count <= -MR166_TARGET_ERROR_MIN) {
-        STEP_Passed(&line, request.station, shape, PLT_TickMs());
+        STEP_Refused(&line, request.station, shape);
         return FailCheck(count, count, isEchoSeen);
     }
     const bool isEcho = ending == Mr166_Ending::COMPLETE && StartsWithOwnEcho();

@@ -123,6 +123,37 @@ int GiveUpSurplus()
     return -1;
 }
 
+// Makes a transfer and puts a proof behind it: always when it has several blocks, because an
+// answer that came twice shifts all that follow; else when the line is suspicious. When more
+// answers came than were asked for, the transfer is made again.
+template <typename Transfer>
+int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer transfer)
+{
+    const bool isAllProven = !IsAnyProofDue();
+    const uint32_t surplusBefore = MrEXC_Surplus();
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t surplus = MrEXC_Surplus();
+        if (!transfer())
+            return -1;
+        if (count == 0 || !MrEXC_IsProofDue(station))
+            return 0;
+        if (count <= blockMax && !MrEXC_IsSuspicious(station))
+            return 0;
+        const uint32_t probesBefore = MrEXC_FailedProbes();
+        const int proven = MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1);
+        EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+        if (proven < 0)
+            return -1;
+        if (MrEXC_Surplus() != surplus)
+            continue;
+        // What was repeated on the way here can have touched nothing that was proven before.
+        if (isAllProven)
+            surplusAtProof += MrEXC_Surplus() - surplusBefore;
+        return 0;
+    }
+    return GiveUpSurplus();
+}
+
 template <typename Byte>
 int Advance(uint32_t block, uint32_t most, uint32_t *address, uint32_t *count, Byte **bytes)
 {
@@ -192,43 +223,16 @@ int MrFrameOut()
 
 int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
-    const bool isAllProven = !IsAnyProofDue();
-    const uint32_t surplusBefore = MrEXC_Surplus();
-    for (int round = 0; round < ROUNDS_MAX; ++round) {
-        const uint32_t surplus = MrEXC_Surplus();
-        if (!ReadBlocks(station, address, count, static_cast<uint8_t *>(buffer)))
-            return -1;
-        if (count == 0 || !MrEXC_IsProofDue(station))
-            return 0;
-        if (count <= MR166_READ_MAX && !MrEXC_IsSuspicious(station))
-            return 0;
-        const uint32_t probesBefore = MrEXC_FailedProbes();
-        const int proven = MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1);
-        EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
-        if (proven < 0)
-            return -1;
-        if (MrEXC_Surplus() != surplus)
-            continue;
-        // What was repeated on the way here can have touched nothing that was proven before.
-        if (isAllProven)
-            surplusAtProof += MrEXC_Surplus() - surplusBefore;
-        return 0;
-    }
-    return GiveUpSurplus();
+    uint8_t *bytes = static_cast<uint8_t *>(buffer);
+    return TransferProven(station, count, MR166_READ_MAX,
+                          [&] { return ReadBlocks(station, address, count, bytes); });
 }
 
 int Mr166_Write(int station, uint32_t address, uint32_t count, const void *data)
 {
-    for (int round = 0; round < ROUNDS_MAX; ++round) {
-        const uint32_t surplus = MrEXC_Surplus();
-        if (!WriteBlocks(station, address, count, static_cast<const uint8_t *>(data)))
-            return -1;
-        // One write is done when it is acknowledged; of several, one acknowledgement may have
-        // come twice in place of the next one's.
-        if (count <= MR166_WRITE_MAX || MrEXC_Surplus() == surplus)
-            return 0;
-    }
-    return GiveUpSurplus();
+    const uint8_t *bytes = static_cast<const uint8_t *>(data);
+    return TransferProven(station, count, MR166_WRITE_MAX,
+                          [&] { return WriteBlocks(station, address, count, bytes); });
 }
 
 int Mr166_Prove()

@@ -95,8 +95,8 @@ int mr166MessageNI(int station, int command, uint32_t address, uint16_t word, co
 // One request whose answer, if any, is not looked at. 1 sent, 0 not, MR166_ERR_ARGUMENT.
 int Mr166MessageW32NA(int station, int command, uint32_t address, uint16_t word, const void *data);
 
-// Whole transfers in blocks, each tried Mr166_CnBlkRpt + 1 times. 0, or -1. A read of
-// several blocks, or one on a suspicious line, is proven behind its last block and read
+// Whole transfers in blocks, each tried Mr166_CnBlkRpt + 1 times. 0, or -1. A transfer
+// of several blocks, or one on a suspicious line, is proven behind its last block and made
 // again when it must; any other waits for Mr166_Prove.
 int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer);
 int Mr166_Write(int station, uint32_t address, uint32_t count, const void *data);

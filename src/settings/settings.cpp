@@ -12,6 +12,8 @@ int32_t Option_ComWin32 = 1;
 int32_t Option_nSweepRate = 1;
 int32_t VR_enAppMode = MODE_NORMAL;
 std::string VR_szVersion;
+int32_t Option_Echo = 0;
+bool VR_isEchoOnce = false;
 int32_t isTimer = 0;
 int32_t oldTimer = 0;
 bool VR_isWatchView = false;

@@ -66,6 +66,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_OPTIONS, 0, "", 0, nullptr},
     {MENU_OPTIONS, ITEM_AUTO_OFF, "__Auto-off after errors", 0, AutoOffCB},
     {MENU_OPTIONS, ITEM_COM_WIN32, "__Win32 services", 0, ComWin32CB},
+    {MENU_OPTIONS, ITEM_ECHO, "__Two-wire line echoes", 0, EchoCB},
     {MENU_OPTIONS, ITEM_FULL_COMMANDS, "__Full command set", 0, FullCommandsCB},
 
     {MENU_BAUD, ITEM_BAUD_FIRST, "__9600", 0, BRateCB},

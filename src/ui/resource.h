@@ -204,6 +204,7 @@ enum {
     ITEM_AUTO_OFF = 69,
     ITEM_COM_WIN32 = 70,
     ITEM_FULL_COMMANDS = 71, // every console command is admitted
+    ITEM_ECHO = 72,          // the two-wire line echoes what is sent (Modbus)
     ITEM_UNDO = 73,         // of an edit of the list; nothing to undo at start
     ITEM_REDO = 110,
     ITEM_OTHER_BASE = 111,  // the selected lines in hexadecimal or decimal

@@ -238,15 +238,15 @@ TEST_F(ProgramTest, AsksBeforeItEnds)
     ASSERT_TRUE(settle());
     EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
     GuiShow(PANEL_MAIN);
-    const std::string comment = "; ";
-    EXPECT_NE(ReadFileText("demo.dbg").find(comment), std::string::npos);
+    const std::string removed = "\nwRamp, ";
+    EXPECT_NE(ReadFileText("demo.dbg").find(removed), std::string::npos);
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
     dialog = GuiDialog();
     ASSERT_TRUE(dialog);
     GuiClickButton(dialog, "Yes");
     EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return ReadFileText("demo.dbg").find(comment) == std::string::npos; }, PATIENCE_MS))
-        << "a saved list has no comments";
+        [&] { return ReadFileText("demo.dbg").find(removed) == std::string::npos; }, PATIENCE_MS));
+    EXPECT_NE(ReadFileText("demo.dbg").find("; "), std::string::npos) << "comments are the user's";
 }
 
 } // namespace

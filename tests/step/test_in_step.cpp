@@ -67,6 +67,7 @@ VL_Schedule DrawSchedule()
     schedule.stall = draw(0.01);
     schedule.refuse = draw(0.03);
     schedule.isEcho = VL_Random(8) == 0;
+    schedule.isSerial = VL_Random(4) == 0;
     schedule.isZeroRefused = VL_Random(10) == 0;
     if (schedule.loss == 0)
         schedule.duplicate = draw(0.08);
@@ -93,6 +94,13 @@ bool IsRight(const Value &value)
     return true;
 }
 
+std::string Name(const Value &value)
+{
+    return "read of " + std::to_string(value.size) + " bytes at " + std::to_string(value.address) +
+           " of station " + std::to_string(value.station) + " in epoch " +
+           std::to_string(value.epoch);
+}
+
 void ReadValue(Value *value)
 {
     value->epoch = ++VL_epoch;
@@ -115,13 +123,13 @@ void Sweep(const VL_Schedule &schedule, Tally *tally)
             ReadValue(&item);
             ++tally->operations;
             if (item.isRead && schedule.duplicate == 0)
-                tally->note(IsRight(item), "read of " + std::to_string(item.size) + " bytes");
+                tally->note(IsRight(item), Name(item));
         }
         proof = UCM_Prove();
     }
     for (const Value &item : items) {
         if (item.isRead && proof == UCM_PROVEN)
-            tally->note(IsRight(item), "proven read of " + std::to_string(item.size) + " bytes");
+            tally->note(IsRight(item), "proven " + Name(item));
     }
 }
 
@@ -185,7 +193,7 @@ Tally RunSeed(uint32_t seed)
 }
 
 // Seeds that have failed once.
-constexpr uint32_t KEPT_SEEDS[] = {1006, 1105, 1117, 1318, 1349, 2127, 2356};
+constexpr uint32_t KEPT_SEEDS[] = {1006, 1105, 1117, 1318, 1181, 1349, 1537, 2050, 2127, 2356};
 
 TEST_F(InStep, NoSchedulePassesOffAnAnswerForAnother)
 {
@@ -273,13 +281,18 @@ TEST_P(BothDrivers, AKilledProgramLeavesAnAnswerThatIsNobodys)
     }
 }
 
-TEST_P(BothDrivers, SlowerThanTheTimeOutIsRightAndCostsThreeAnswers)
+TEST_P(BothDrivers, SlowerThanTheTimeOutIsRightAndSilenceCostsItsTries)
 {
     VL_Schedule slow;
-    slow.delayMin = slow.delayMax = VL_TIMEOUT_MS * 3.8;
-    start(slow);
-    for (uint32_t i = 0; i < 20; ++i)
-        EXPECT_TRUE(isRead(0x1000 + i, 2)) << i;
+    for (const double timeouts : {1.1, 1.8, 3.8}) {
+        for (const bool isSerial : {true, false}) {
+            slow.isSerial = isSerial;
+            slow.delayMin = slow.delayMax = VL_TIMEOUT_MS * timeouts;
+            start(slow);
+            for (uint32_t i = 0; i < 20; ++i)
+                EXPECT_TRUE(isRead(0x1000 + i, 2)) << i << " " << timeouts << " " << isSerial;
+        }
+    }
     slow.delayMin = slow.delayMax = VL_TIMEOUT_MS * 17.0; // all that can be said: no answer
     VL_Change(slow);
     EXPECT_FALSE(isRead(0x1100, 2));
@@ -378,7 +391,7 @@ TEST_P(BothDrivers, BreaksOffAtTheNextTryAndSaysForWhomItWaits)
     askedBreak = 0;
     waitedFor.clear();
     UCM_Listener listener;
-    listener.isBreak = [] { return ++askedBreak > 6; };
+    listener.isBreak = [] { return ++askedBreak > 8; };
     listener.waiting = [](int station) { waitedFor += std::to_string(station) + " "; };
     UCM_SetListener(listener);
     ASSERT_TRUE(isRead(0x1000, 2));

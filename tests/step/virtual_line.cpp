@@ -140,7 +140,8 @@ void Answer()
                                                      Execute(station, command, address));
     const double delay =
         schedule.delayMin + (schedule.delayMax - schedule.delayMin) * VL_Random(1001) / 1000.0;
-    lastUs = std::max(lastUs, nowUs + static_cast<uint64_t>(delay * 1000));
+    const uint64_t begun = schedule.isSerial ? std::max(lastUs, nowUs) : nowUs;
+    lastUs = std::max(lastUs, begun + static_cast<uint64_t>(delay * 1000));
     if (VL_Happens(schedule.stall))
         lastUs += VL_Random(10 * VL_TIMEOUT_MS * 1000);
     if (VL_Happens(schedule.loss / 2)) {
@@ -189,7 +190,7 @@ void VL_Start(const VL_Schedule &wanted, uint32_t seed)
     line.clear();
     request.clear();
     written.clear();
-    lastUs = nowUs;
+    nowUs = lastUs = 1000000; // the probes are drawn by the clock: a seed must be all there is
     VL_counters = VL_Counters();
 }
 

@@ -53,7 +53,8 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_ShowProgress(LNE_IsErrorTerminal());
     HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
-    MBM_isEcho = options.isEcho ? 1 : 0;
+    Option_Echo = options.isEcho ? 1 : 0;
+    VR_isEchoOnce = options.isEcho;
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     const bool isScope = !options.scopeFile.empty();
