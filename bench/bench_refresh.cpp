@@ -15,6 +15,7 @@
 #include "sim/sim.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
+#include "watch/list/list_view.h"
 #include "watch/list/refresh.h"
 #include "watch/value/value_types.h"
 

@@ -34,6 +34,7 @@ const char HELP[] =
     "  --baud N           give every character its time on the wire (11 bits)\n"
     "  --echo             echo what is received, as a two-wire line does\n"
     "  --drop P           leave this share of the answers out (0 to 1)\n"
+    "  --repeat P         send this share of the answers twice (0 to 1)\n"
     "  --corrupt P        damage one character in this share of the answers (0 to 1)\n"
     "  --delay MS         wait before each answer\n"
     "  --silent-after N   answer N requests, then no more\n"
@@ -177,6 +178,8 @@ const OptionRow rows[] = {
      [](const char *, SIM_Options *o) { return o->echo = true; }},
     {{"drop", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseShare(text, &o->drop); }},
+    {{"repeat", required_argument, nullptr, 0},
+     [](const char *text, SIM_Options *o) { return parseShare(text, &o->repeat); }},
     {{"corrupt", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) { return parseShare(text, &o->corrupt); }},
     {{"delay", required_argument, nullptr, 0}, applyDelay},

@@ -13,6 +13,7 @@ struct Answer {
     size_t count = 0; // 0 = nothing is sent
     bool echo = false;
     int64_t delayNs = 0;
+    bool isRepeated = false; // sent twice
 };
 
 // Carries the request out. Returns the number of data bytes of the answer or, negated, the
@@ -62,6 +63,10 @@ const char *applyFate(SIM_Target *target, Answer *answer)
         return "corrupted";
     }
     target->counters.answers++;
+    // Drawn only when asked for: the other faults stay where they are by their seed.
+    answer->isRepeated =
+        target->options.repeat > 0 &&
+        static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
     return "answered";
 }
 
@@ -118,7 +123,10 @@ bool sendAnswer(SIM_Target *target, const Answer &answer)
     if (answer.count == 0)
         return true;
     const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
-    return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
+    for (int copy = 0; copy < (answer.isRepeated ? 2 : 1); copy++)
+        if (!SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs))
+            return false;
+    return true;
 }
 
 // Handles what one read brought. On an echoing line the characters come back first, as

@@ -146,6 +146,7 @@ void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
     target->options.refuse = options.refuse;
     target->options.drop = options.drop;
     target->options.corrupt = options.corrupt;
+    target->options.repeat = options.repeat;
     target->options.delayMs = options.delayMs;
     target->options.echo = options.echo;
     target->options.mailbox = options.mailbox;

@@ -16,6 +16,7 @@ struct SIM_Options {
     bool echo = false;          // the line echoes what is sent (two-wire RS-485)
     double drop = 0;            // share of answers that are not sent, 0..1
     double corrupt = 0;         // share of answers with one damaged character, 0..1
+    double repeat = 0;          // share of answers that are sent twice, as by equipment on the way
     int delayMs = 0;            // wait before each answer
     long silentAfter = -1;      // no answers after so many; -1 = never
     uint32_t seed = 1;          // of the faults
@@ -64,7 +65,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value);
 uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress);
 
-// Changes faults while running; only refuse, drop, corrupt, delayMs, silentAfter (counted from
+// Changes faults while running; only refuse, drop, corrupt, repeat, delayMs, silentAfter (counted from
 // now), echo, mailbox and stations are taken over.
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
 // Answers every request to `command` (0..15) with the target's own error code (65..255); 0 = off.

@@ -180,7 +180,7 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
         list += "[" + std::to_string(1000 + 2 * i) + "],i2\n";
     }
     list.replace(list.rfind("[1058]"), 6, "[103A]"); // the last one, in hexadecimal
-    const uint64_t big = 0xFFFFFFFFFFFFFFFFu;
+    const uint64_t big = 0x8877665544332211u;        // either half in the wrong place shows
     SIM_Poke(target, 1, 0x2000, &big, 8);
     Write("w.dbg", list + "nowhere,x1\n");
 
@@ -189,8 +189,8 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
     EXPECT_EQ(0u, csv.out.find("sweep,name,address,type,size,value,raw,error\n"));
     EXPECT_EQ(1u + 2 * 32, CountLines(csv.out));
     EXPECT_NE(std::string::npos,
-              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,18446744073709551615,"
-                           "18446744073709551615,0\n"));
+              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,9833440827789222417,"
+                           "9833440827789222417,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x001000,i,2,1000,1000,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x00103A,i,2,1029,1029,0\n"));
     EXPECT_NE(std::string::npos, csv.out.find("\n2,nowhere,,x,1,,,1\n"));
@@ -199,8 +199,8 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
     EXPECT_NE(
         std::string::npos,
         json.out.find("{\"sweep\":1,\"name\":\"\\\"quoted\\\"|name\",\"address\":\"0x002000\","
-                      "\"type\":\"u\",\"size\":8,\"value\":\"18446744073709551615\","
-                      "\"raw\":18446744073709551615,\"error\":0}\n"));
+                      "\"type\":\"u\",\"size\":8,\"value\":\"9833440827789222417\","
+                      "\"raw\":9833440827789222417,\"error\":0}\n"));
     EXPECT_NE(std::string::npos,
               json.out.find("\"nowhere\",\"address\":\"\",\"type\":\"x\",\"size\":1,"
                             "\"value\":\"\",\"raw\":null,\"error\":1}\n"));

@@ -140,6 +140,9 @@ TEST_F(EditPanels, LinesMoveGoAndComeBack)
     EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE), "Removed: nnCount. Ctrl+Z puts it back.");
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
     EXPECT_EQ(items(), (Texts{"abyRing, u1", "nnCount, i4", "wSpeed, u2"}));
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
+    EXPECT_EQ(items(), (Texts{"wSpeed, u2", "nnCount, i4", "abyRing, u1"}));
     EXPECT_TRUE(UiItemAttribute(ITEM_UNDO, ATTR_DIMMED));
 }
 
@@ -208,7 +211,7 @@ TEST_F(EditPanels, EditingChangesTheItemItWasOpenedFor)
     load("Known, [0x100], u1\nwSpeed, u2\n");
     ResetLItemsDisplay();
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
-    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 1);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_F1 + 2);
     EXPECT_EQ(UiText(PANEL_ITEM, WITEM_NAME), "Known");
     EXPECT_EQ(suggested(), "u1");
     HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'x');
@@ -316,7 +319,7 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     EDT_Remove(2);
     EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "The item is no longer in the watch list.");
     EXPECT_EQ(HL_CommitControl(PANEL_VALUE, VALUE_WRITE), HL_DIMMED);
-    EDT_UndoRemove();
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
     EXPECT_FALSE(UiAttribute(PANEL_VALUE, VALUE_WRITE, ATTR_DIMMED));
     EXPECT_EQ(UiText(PANEL_VALUE, VALUE_RESULT), "");
     EXPECT_EQ(HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ESC), 1);
@@ -400,6 +403,57 @@ TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
     EXPECT_EQ(writeLine("00 22 03 04 0E 0F").rfind("FAILED: Not written, or only in part: ", 0),
               0u);
     EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_LINE), "00 22 03 04 0E 0F") << "kept for another try";
+}
+
+TEST_F(EditPanels, MemoryIsWrittenToTheStationAndPlaceThatAreShown)
+{
+    ASSERT_TRUE(connect());
+    for (const int chip : {CPU_C166, CPU_F283XX, CPU_F2803X}) {
+        Procesor = chip;
+        STATION = 1;
+        for (const int station : {1, 3, 5})
+            poke(0x300, {static_cast<uint8_t>(station), 9}, station);
+        HL_ClickMenu(ITEM_MEMORY);
+        EXPECT_EQ(readMemory("3:wSpeed", 2), "Read 2 bytes from station 3.");
+        EXPECT_EQ(writeLine("33 09"), "OK: Written and read back: 1 byte.");
+        EXPECT_EQ(peek(0x300, 1, 3), (std::vector<uint8_t>{0x33}));
+        EXPECT_EQ(peek(0x300, 1, 1), (std::vector<uint8_t>{1}));
+
+        // Neither another place in the field nor another selected station moves the write.
+        const std::string place = chip == CPU_C166 ? "byte address 0x000300"
+                                                   : "byte address 0x000300, word address 0x000180";
+        HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "5:wSpeed");
+        EXPECT_EQ(writeLine("44 09"), "REFUSED: The bytes are those of " + place +
+                                          ", station 3: press Read for the place above.");
+        readMemory("wSpeed", 2);
+        STATION = 5;
+        EXPECT_EQ(writeLine("55 09"), "REFUSED: The bytes are those of " + place +
+                                          ", station 1: press Read for the place above.");
+        for (const int station : {1, 5})
+            EXPECT_EQ(peek(0x300, 1, station)[0], station);
+    }
+}
+
+TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
+{
+    const struct {
+        int position;
+        Texts after;
+    } cases[] = {{ITP_BEFORE, {"A, u1", "new, u1", "B, u1", "C, u1"}},
+                 {ITP_AFTER, {"A, u1", "B, u1", "new, u1", "C, u1"}},
+                 {ITP_AT_END, {"A, u1", "B, u1", "C, u1", "new, u1"}}};
+    for (const auto &c : cases) {
+        load("A, u1\nB, u1\nC, u1\n");
+        ResetLItemsDisplay();
+        HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
+        HL_ClickMenu(ITEM_ADD);
+        typeName("new");
+        HL_SetUserVal(PANEL_ITEM, WITEM_TYPE, 'u');
+        HL_SetUserVal(PANEL_ITEM, WITEM_SIZE, 1);
+        HL_SetUserVal(PANEL_ITEM, WITEM_POSITION, c.position);
+        HL_CommitControl(PANEL_ITEM, WITEM_OK);
+        EXPECT_EQ(items(), c.after) << c.position;
+    }
 }
 
 TEST_F(EditPanels, CopiesAndSnapshots)

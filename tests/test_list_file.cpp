@@ -94,7 +94,11 @@ TEST_F(ListFiles, EditedItemsFindTheirPlace)
         const char *saved;
     } cases[] = {
         {"removed", [] { EDT_Remove(1); }, "; head\nA, u1 ;a\n; two\n; three\nC, u4 ;c\n; tail"},
-        {"put back", [] { EDT_Remove(1), EDT_UndoRemove(); },
+        {"put back",
+         [] {
+             std::string what;
+             EDT_Remove(1), EDT_Undo(&what);
+         },
          "; head\nA, u1 ;a\n; two\nB, u2 ;b\n; three\nC, u4 ;c\n; tail"},
         {"moved down", [] { EDT_Move(0, 2); },
          "; head\n; two\nB, u2 ;b\n; three\nC, u4 ;c\nA, u1 ;a\n; tail"},

@@ -8,6 +8,7 @@
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "watch/list/age.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
@@ -328,30 +329,76 @@ TEST_F(LItems, AddingItems)
     EXPECT_EQ(EDT_AddText("Rec", "u2", 0), EDT_ERR_FULL);
 }
 
-TEST_F(LItems, OrderRemovalAndUndo)
+TEST_F(LItems, EveryEditIsUndoneAndRedone)
 {
-    ASSERT_EQ(load("A, u1\nB, u1\nC, u1\nD, u1\n"), 0);
-    const auto order = [] {
-        std::string names;
+    addSymbol("A", 0x100);
+    const std::string start = "A, u1\nB, u1\nC, u1\nD, u1\n";
+    const auto list = [] {
+        std::string text;
         for (int i = 0; i < nLItems; ++i)
-            names += aLItems[i].name;
-        return names;
+            text += LIT_FileLine(aLItems[i]) + "\n";
+        return text;
     };
-    EXPECT_EQ(EDT_Move(0, 2), 0);
-    EXPECT_EQ(order(), "BCAD");
-    EXPECT_EQ(EDT_Move(3, 0), 0);
-    EXPECT_EQ(order(), "DBCA");
+    const struct {
+        int (*edit)();
+        const char *what, *after;
+    } edits[] = {
+        {[] { return EDT_Move(0, 2); }, "move A", "B, u1\nC, u1\nA, u1\nD, u1\n"},
+        {[] { return EDT_Move(3, 0); }, "move D", "D, u1\nB, u1\nC, u1\nA, u1\n"},
+        {[] { return EDT_Remove(1); }, "remove B", "D, u1\nC, u1\nA, u1\n"},
+        {[] {
+             return EDT_RemoveLines({2, 0});
+         },
+         "remove 2 items", "C, u1\n"},
+        {[] { return EDT_AddText("E", "x4", 0) == 0 ? 0 : -1; }, "add E", "E, x4\nC, u1\n"},
+        {[] { return EDT_SetType(1, "i2"); }, "change C", "E, x4\nC, i2\n"},
+        {[] { return EDT_Change(0, "3:A", "u2"); }, "change E", "3:A, u2\nC, i2\n"},
+        {[] { return EDT_Rename(1, "F"); }, "change C", "3:A, u2\nF, i2\n"},
+        {[] { return EDT_AddText("G", "u1", EDT_AT_END) == 2 ? 0 : -1; }, "add G",
+         "3:A, u2\nF, i2\nG, u1\n"},
+        {[] {
+             return EDT_MoveLines({2, 1}, -1);
+         },
+         "move 2 items", "F, i2\nG, u1\n3:A, u2\n"},
+        {[] {
+             return EDT_MoveLines({0, 1}, 1);
+         },
+         "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
+    };
+    ASSERT_EQ(load(start), 0);
+    EDT_ForgetEdits();
+    std::string what;
+    EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
     EXPECT_EQ(EDT_Move(0, 4), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_Remove(4), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_UndoRemove(), EDT_ERR_NOTHING);
-    EXPECT_EQ(EDT_Remove(1), 0);
-    EXPECT_EQ(EDT_Remove(2), 0);
-    EXPECT_EQ(order(), "DC");
-    EXPECT_EQ(UiSelected(PANEL_MAIN, MAIN_LIST), 1); // the last one that is left
-    EXPECT_EQ(EDT_UndoRemove(), 2);
-    EXPECT_EQ(order(), "DCA");
-    EXPECT_FALSE(EDT_CanUndo());
+    EXPECT_EQ(EDT_RemoveLines({0, 4}), EDT_ERR_INDEX);
+    EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
+    EXPECT_EQ(list(), start) << "what is refused changes nothing";
+    for (const auto &row : edits) {
+        ASSERT_EQ(row.edit(), 0) << row.what;
+        EXPECT_EQ(list(), row.after) << row.what;
+    }
     EXPECT_EQ(HL_GetLabels(PANEL_MAIN, MAIN_LIST).size(), 3u);
+    const int count = static_cast<int>(sizeof edits / sizeof edits[0]);
+    for (int i = count - 1; i >= 0; --i) {
+        ASSERT_GE(EDT_Undo(&what), 0);
+        EXPECT_EQ(what, edits[i].what);
+        EXPECT_EQ(list(), i > 0 ? edits[i - 1].after : start) << what;
+    }
+    for (const auto &row : edits) {
+        ASSERT_GE(EDT_Redo(&what), 0);
+        EXPECT_EQ(list(), row.after) << row.what;
+    }
+    EXPECT_EQ(EDT_Redo(&what), EDT_ERR_NOTHING);
+    EDT_Undo(&what);
+    EDT_Remove(0);
+    EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
+
+    // What was away while another map came has the address that this one gives it.
+    ASSERT_EQ(load("A, u1\n"), 0);
+    EDT_Remove(0);
+    aVarNode[0].addr = 0x222;
+    EXPECT_EQ(EDT_Undo(&what), 0);
+    EXPECT_EQ(aLItems[0].address, 0x222u);
 }
 
 TEST_F(LItems, ChangingTypeAndName)
@@ -373,16 +420,24 @@ TEST_F(LItems, ChangingTypeAndName)
 
 TEST_F(LItems, Snapshot)
 {
-    ASSERT_EQ(load("A, [10], u1\n&B\"q, x\n"), 0);
+    ASSERT_EQ(load("A, [10], u1\n&B\"q, x\nRate, [20], p4\nWide, [30], i8\n"), 0);
+    for (const int index : {0, 2, 3})
+        AGE_Stamp(&aLItems[index], STATION);
     aLItems[0].value = 7;
-    aLItems[0].isValueGood = true;
+    aLItems[0].isValueGood = aLItems[2].isValueGood = aLItems[3].isValueGood = true;
     aLItems[1].reason = "no, answer";
-    EXPECT_EQ(SNP_Text(), "Name\tAddress\tType\tValue\tState\n"
-                          "A\t0x000010\tu1\t7\tok\n&B\"q\t\tx4\t\tno, answer\n");
+    aLItems[2].value = 9; // read once: no rate yet
+    aLItems[3].value = 5;
+    aLItems[3].valueHigh = 0x80000000;
+    EXPECT_EQ(SNP_Text({0, 1}), "Name\tAddress\tType\tValue\tState\n"
+                                "A\t0x000010\tu1\t7\tok\n&B\"q\t\tx4\t\tno, answer\n");
     ASSERT_EQ(SNP_SaveCsv(path("list.csv")), 0);
-    EXPECT_EQ(ReadFileText(path("list.csv")), "name,address,type,size,value,raw,state\r\n"
-                                              "A,0x000010,u,1,7,7,ok\r\n"
-                                              "\"&B\"\"q\",,x,4,,,\"no, answer\"\r\n");
+    EXPECT_EQ(ReadFileText(path("list.csv")),
+              "name,address,type,size,value,raw,state\r\n"
+              "A,0x000010,u,1,7,7,ok\r\n"
+              "\"&B\"\"q\",,x,4,,,\"no, answer\"\r\n"
+              "Rate,0x000020,p,4,,9,ok\r\n"
+              "Wide,0x000030,i,8,-9223372036854775803,9223372036854775813,ok\r\n");
     EXPECT_EQ(SNP_SaveCsv(path("no/such/list.csv")), -1);
 }
 

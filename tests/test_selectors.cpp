@@ -1,4 +1,5 @@
 // The selectors as a user drives them, on the example project.
+#include "runtime/list_columns.h"
 #include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
@@ -196,6 +197,23 @@ TEST_F(Selectors, StructuresAreWalkedDownAndUp)
         HL_CommitControl(PANEL_STRUCT_SELECTOR, STRSEL_COPY);
         EXPECT_EQ(HL_GetClipboard(),
                   std::string(c.path) + (c.first[0] == '[' ? "" : ".") + c.first);
+    }
+}
+
+TEST_F(Selectors, PlacesInStructuresAreWordsOnATms320)
+{
+    for (const int item : {ITEM_CPU_F283XX, ITEM_CPU_F2803X}) {
+        HL_ClickMenu(item);
+        EXPECT_EQ(TMF_DisplayStructSelector("DRV_stParams"), 0);
+        const std::vector<std::string> labels = HL_GetLabels(PANEL_STRUCT_SELECTOR, STRSEL_LIST);
+        ASSERT_EQ(labels.size(), 6u);
+        // In words; the float and what follows it stand on even ones there.
+        const char *const places[] = {"+0x0|004111", "+0x1|004112", "+0x2|004113",
+                                      "+0x4|004115", "+0x8|004119", "+0xA|00411B"};
+        for (size_t i = 0; i < labels.size(); ++i) {
+            const std::string row = UIC_JoinColumns(labels[i], "|");
+            EXPECT_NE(row.find(places[i]), std::string::npos) << row;
+        }
     }
 }
 

@@ -25,6 +25,7 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
+#include "watch/list/refresh.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
@@ -37,6 +38,8 @@ constexpr int64_t FILE_SIZE_MAX = 1 << 20;
 constexpr int PORT_MAX = 256;
 constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
+
+const char RATE_FAST[] = "fast"; // sweeps a second: as the line allows
 
 std::string iniPath; // read at start, written at shutdown
 bool isUnreadable;   // there is a file, and it is not ours to write over
@@ -214,6 +217,15 @@ void ReadFullCommands(const std::string &, const std::string &)
     VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
+void ReadSweepRate(const std::string &, const std::string &value)
+{
+    const int32_t rate = ToNumber(value);
+    if (value == RATE_FAST)
+        Option_nSweepRate = 0;
+    else if (rate > 0 && RFR_IsRate(rate))
+        Option_nSweepRate = rate;
+}
+
 void ReadEcho(const std::string &, const std::string &)
 {
     Option_Echo = 1;
@@ -251,7 +263,8 @@ constexpr Key KEYS[] = {
     {"COM", false, ReadDriver},      {"full", false, ReadFullCommands},
     {"view", false, ReadView},       {"m2", true, ReadSecondMap},
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
-    {"columns", false, ReadColumns},  {"echo", false, ReadEcho},
+    {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
+    {"rate", false, ReadSweepRate},
 };
 
 const Key *FindKey(const std::string &text)
@@ -406,6 +419,9 @@ std::string SettingsText()
         AddLine(&text, "view", "watch");
     AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : kept.tmsMap, nullptr);
     AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
+    if (Option_nSweepRate != 1)
+        AddLine(&text, "rate",
+                Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
     return text + WPL_Lines("window", "columns", END_OF_LINE);

@@ -20,6 +20,7 @@
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
+#include "watch/list/refresh.h"
 #include "watch/main_window.h"
 #include "watch/windows/selectors.h"
 
@@ -80,6 +81,8 @@ void CheckOptions()
     Check(ITEM_PORT_OTHER, ncom > 9);
     for (int item = ITEM_STATION_FIRST; item <= ITEM_STATION_LAST; item++)
         Check(item, item - ITEM_STATION_FIRST == STATION);
+    for (int item = ITEM_RATE_FIRST; item <= ITEM_RATE_LAST; item++)
+        Check(item, RFR_RATES[item - ITEM_RATE_FIRST] == Option_nSweepRate);
     Check(ITEM_AUTO_OFF, Option_AutoOff != 0);
     Check(ITEM_COM_WIN32, Option_ComWin32 != 0);
     Check(ITEM_ECHO, Option_Echo != 0);
@@ -226,11 +229,9 @@ void VR_ShowComState()
 {
     const int menuBar = GetPanelMenuBar(mainPanel);
     SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
-    SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
-    if (isTimer == 0) // whatever switched it off, nothing runs and nothing fails now
-        SetCtrlVal(mainPanel, MAIN_STATUS, "");
+    RFR_ShowCommunication();
     STP_Refresh();
     TRP_Refresh();
 }

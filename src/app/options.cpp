@@ -17,6 +17,7 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
+#include "watch/list/refresh.h"
 #include "watch/main_window.h"
 
 namespace {
@@ -149,6 +150,13 @@ void ComWin32CB(int, int)
 void AutoOffCB(int, int)
 {
     Option_AutoOff = Option_AutoOff == 0;
+    SetMainPanelAttributes();
+}
+
+void RateCB(int, int item)
+{
+    if (item >= ITEM_RATE_FIRST && item <= ITEM_RATE_LAST)
+        Option_nSweepRate = RFR_RATES[item - ITEM_RATE_FIRST];
     SetMainPanelAttributes();
 }
 

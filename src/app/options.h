@@ -19,6 +19,7 @@ void ProcesorCB(int menuBar, int item);
 void ProtocolCB(int menuBar, int item);
 void ComWin32CB(int menuBar, int item);
 void AutoOffCB(int menuBar, int item);
+void RateCB(int menuBar, int item);
 void ClosePortCB(int menuBar, int item);
 void FullCommandsCB(int menuBar, int item);
 void EchoCB(int menuBar, int item);

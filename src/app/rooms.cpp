@@ -13,6 +13,7 @@
 #include "symbols/varnode.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/name_changes.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
@@ -29,6 +30,7 @@ void BeginRun()
     if (!problem.empty())
         VR_ShowMessage(problem);
     RFR_BeginSweep();
+    AGE_EndRun(); // perhaps another port, and another target on it
     nErrors = 0;
 }
 

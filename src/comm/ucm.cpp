@@ -13,6 +13,8 @@ UCM_Record UCM_recS;
 
 namespace {
 
+uint32_t doubts = 0; // refusals of UCM_Prove
+
 constexpr const UCM_Protocol *PROTOCOLS[] = {&UCM_PROTOCOL_MR166, &UCM_PROTOCOL_MODBUS};
 constexpr const char *REFUSED_TEXT = "bad station number or protocol";
 
@@ -134,7 +136,14 @@ int UCM_Prove()
 {
     const UCM_Protocol *protocol = Current();
     isRefused = false;
-    return protocol != nullptr ? protocol->prove() : UCM_PROVEN;
+    const int result = protocol != nullptr ? protocol->prove() : UCM_PROVEN;
+    doubts += result != UCM_PROVEN;
+    return result;
+}
+
+uint32_t UCM_CountDoubts()
+{
+    return doubts;
 }
 
 bool UCM_IsEchoing()

@@ -49,6 +49,9 @@ enum {
     UCM_READ_AGAIN = -2  // more answers came than were asked for: read all of it again
 };
 int UCM_Prove();
+// How often UCM_Prove has refused so far. It answers each refusal once, to whoever asks first:
+// a reader whose values wait longer sees here that they are in doubt too.
+uint32_t UCM_CountDoubts();
 // The last try read its own request back: the line echoes, the driver cannot skip that.
 bool UCM_IsEchoing();
 

@@ -17,16 +17,17 @@ constexpr size_t PATH_MAX_CHARS = 260; // a path must be shorter
 constexpr int RECENT_MAX = 9;
 
 // --- the target and the line to it ---------------------------------------------------
-extern int32_t Procesor;        // CPU_...
-extern int16_t VR_nProtocol;    // PROTOCOL_...
-extern int32_t ncom;            // serial port number
-extern int32_t bRate;           // baud
-extern int32_t STATION;         // 0..15 (mr166), slave address (Modbus)
-extern int32_t Option_AutoOff;  // switch communication off after repeated errors
-extern int32_t Option_ComWin32; // 1 = Win32 driver, 0 = the run-time's RS-232 library
-extern int32_t Option_Echo;     // Modbus: the two-wire line echoes what is sent
-extern bool VR_isEchoOnce;      // ... by an option of this run: not kept in the settings
-extern int32_t isTimer;         // communication switched on
+extern int32_t Procesor;          // CPU_...
+extern int16_t VR_nProtocol;      // PROTOCOL_...
+extern int32_t ncom;              // serial port number
+extern int32_t bRate;             // baud
+extern int32_t STATION;           // 0..15 (mr166), slave address (Modbus)
+extern int32_t Option_AutoOff;    // switch communication off after repeated errors
+extern int32_t Option_ComWin32;   // 1 = Win32 driver, 0 = the run-time's RS-232 library
+extern int32_t Option_Echo;       // Modbus: the two-wire line echoes what is sent
+extern bool VR_isEchoOnce;        // ... by an option of this run: not kept in the settings
+extern int32_t Option_nSweepRate; // sweeps of the watch list a second; 0 = as the line allows
+extern int32_t isTimer;           // communication switched on
 
 // --- the program ---------------------------------------------------------------------
 extern int32_t VR_enAppMode; // MODE_...

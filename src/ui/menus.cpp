@@ -8,7 +8,6 @@
 #include "console/monitor/text_box.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
-#include "watch/list/edit.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
 #include "watch/windows/map_loading.h"
@@ -25,6 +24,7 @@ const UI_Menu UI_aMenus[] = {
     {MENU_STATION, MENU_OPTIONS, "__Station"},
     {MENU_PROCESSOR, MENU_OPTIONS, "P__rocessor"},
     {MENU_PROTOCOL, MENU_OPTIONS, "Pro__tocol"},
+    {MENU_RATE, MENU_OPTIONS, "S__weeps a second"},
     {MENU_CONSOLE, 0, "__Console"},
     {MENU_WINDOW, 0, "__Window"},
     {MENU_HELP, 0, "__Help"},
@@ -48,14 +48,16 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_EXIT, "E__xit", KEY_CTRL | 'Q', ExitCB},
 
     {MENU_EDIT, ITEM_ADD, "__Add item...", KEY_INSERT, LEV_AddCB},
-    {MENU_EDIT, ITEM_EDIT, "__Edit item...", KEY_F1 + 1, LEV_EditCB},
-    {MENU_EDIT, ITEM_REMOVE, "__Remove item", KEY_DELETE, LEV_RemoveCB},
-    {MENU_EDIT, ITEM_UNDO, "__Undo removal", KEY_CTRL | 'Z', UndoRemoveCB},
+    {MENU_EDIT, ITEM_EDIT, "__Edit item...", KEY_F1 + 2, LEV_EditCB},
+    {MENU_EDIT, ITEM_REMOVE, "__Remove items", KEY_DELETE, LEV_RemoveCB},
+    {MENU_EDIT, ITEM_UNDO, "__Undo", KEY_CTRL | 'Z', LEV_UndoCB},
+    {MENU_EDIT, ITEM_REDO, "Red__o", KEY_CTRL | 'Y', LEV_RedoCB},
     {MENU_EDIT, 0, "", 0, nullptr},
     {MENU_EDIT, ITEM_MOVE_UP, "Move u__p", KEY_ALT | KEY_UP, LEV_MoveCB},
     {MENU_EDIT, ITEM_MOVE_DOWN, "Move __down", KEY_ALT | KEY_DOWN, LEV_MoveCB},
     {MENU_EDIT, 0, "", 0, nullptr},
     {MENU_EDIT, ITEM_WRITE_VALUE, "__Write value...", KEY_CTRL | KEY_ENTER, LEV_WriteCB},
+    {MENU_EDIT, ITEM_OTHER_BASE, "__Hexadecimal or decimal", KEY_F1 + 3, LEV_OtherBaseCB},
     {MENU_EDIT, ITEM_MEMORY, "__Memory...", KEY_CTRL | KEY_SHIFT | 'M', LEV_MemoryCB},
     {MENU_EDIT, 0, "", 0, nullptr},
     {MENU_EDIT, ITEM_COPY_LIST, "__Copy list", KEY_CTRL | KEY_SHIFT | 'C', LEV_CopyListCB},
@@ -112,6 +114,12 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_PROTOCOL, ITEM_MR166, "__mr166", 0, ProtocolCB},
     {MENU_PROTOCOL, ITEM_MODBUS, "Mod__bus", 0, ProtocolCB},
+
+    {MENU_RATE, ITEM_RATE_FIRST, "__1", 0, RateCB},
+    {MENU_RATE, ITEM_RATE_FIRST + 1, "__2", 0, RateCB},
+    {MENU_RATE, ITEM_RATE_FIRST + 2, "__5", 0, RateCB},
+    {MENU_RATE, ITEM_RATE_FIRST + 3, "1__0", 0, RateCB},
+    {MENU_RATE, ITEM_RATE_LAST, "__As fast as the line allows", 0, RateCB},
 
     {MENU_CONSOLE, ITEM_RUN_SCRIPT, "__Run script...", KEY_F1 + 5, CON_RunScriptCB},
     {MENU_CONSOLE, 0, "", 0, nullptr},

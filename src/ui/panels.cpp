@@ -13,6 +13,7 @@
 #include "watch/list/refresh.h"
 #include "watch/windows/item_panel.h"
 #include "watch/windows/map_loading.h"
+#include "watch/windows/mem_box.h"
 #include "watch/windows/memory_panel.h"
 #include "watch/windows/selectors.h"
 #include "watch/windows/value_panel.h"
@@ -53,9 +54,9 @@ const UI_Control UI_aControls[] = {
     {PANEL_MAIN, MAIN_BTN_MAP, UIK_BUTTON, "reloadMap", MapBtnCB},
     {PANEL_MAIN, MAIN_BTN_SAVE, UIK_BUTTON, "save", SaveDbgBtnCB},
     {PANEL_MAIN, MAIN_MEM_BOX, UIK_TEXTBOX, "memBox", nullptr},
-    {PANEL_MAIN, MAIN_MEM_SWITCH, UIK_SWITCH, "memSwitch", nullptr},
-    {PANEL_MAIN, MAIN_MEM_ADDR, UIK_STRING, "memAddress", nullptr},
-    {PANEL_MAIN, MAIN_MEM_TYPED, UIK_SWITCH, "memTyped", nullptr},
+    {PANEL_MAIN, MAIN_MEM_SWITCH, UIK_SWITCH, "memSwitch", MBX_PlaceCB},
+    {PANEL_MAIN, MAIN_MEM_ADDR, UIK_STRING, "memAddress", MBX_PlaceCB},
+    {PANEL_MAIN, MAIN_MEM_TYPED, UIK_SWITCH, "memTyped", MBX_PlaceCB},
     {PANEL_MAIN, MAIN_MEM_MODE, UIK_RING, "memMode", nullptr},
     {PANEL_MAIN, MAIN_FM_SWITCH, UIK_SWITCH, "fmSwitch", nullptr},
     {PANEL_MAIN, MAIN_FM_SAMPLES, UIK_NUMBER, "fmSamples", nullptr},

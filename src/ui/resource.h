@@ -191,6 +191,7 @@ enum {
     MENU_WINDOW = 10,
     MENU_HELP = 11,
     MENU_CONSOLE = 12,
+    MENU_RATE = 16,
 };
 
 // Menu items; a name space of their own.
@@ -222,7 +223,11 @@ enum {
     ITEM_COM_WIN32 = 70,
     ITEM_FULL_COMMANDS = 71, // every console command is admitted
     ITEM_ECHO = 72,          // the two-wire line echoes what is sent (Modbus)
-    ITEM_UNDO = 73,         // undo of the last removal; nothing to undo at start
+    ITEM_UNDO = 73,         // of an edit of the list; nothing to undo at start
+    ITEM_REDO = 110,
+    ITEM_OTHER_BASE = 111,  // the selected lines in hexadecimal or decimal
+    ITEM_RATE_FIRST = 240,  // sweeps a second: 1, 2, 5, 10, as fast as the line allows
+    ITEM_RATE_LAST = 244,
     ITEM_WATCH_VIEW = 74,
     ITEM_CONSOLE_VIEW = 75,
     ITEM_STATISTICS = 76,

@@ -122,7 +122,7 @@ TEST_F(EditWindows, AValueIsWrittenAndReadBack)
     press(GuiWidget(PANEL_ITEM, WITEM_NAME), Qt::Key_Return);
     EXPECT_EQ(name(1), "awTable");
 
-    press(list, Qt::Key_Return);
+    press(list, Qt::Key_Return, Qt::ControlModifier);
     ASSERT_TRUE(waitForWindow(PANEL_VALUE));
     auto *value = GuiWidget<QLineEdit>(PANEL_VALUE, VALUE_NEW);
     QTest::keyClicks(value, "4711");
@@ -142,7 +142,7 @@ TEST_F(EditWindows, AValueIsWrittenAndReadBack)
 
 TEST_F(EditWindows, TurningBackAsksAboutAFileThatAnEditorChanged)
 {
-    press(list, Qt::Key_F2);
+    press(list, Qt::Key_F3);
     ASSERT_TRUE(waitForWindow(PANEL_ITEM));
     std::string path;
     onProgram([&] { path = szDebugFileName; });

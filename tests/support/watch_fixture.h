@@ -39,7 +39,7 @@ protected:
         IsDBGChange = isTimer = 0;
         szDebugFileName.clear();
         nDebugFileNames = 0;
-        EDT_ForgetUndo();
+        EDT_ForgetEdits();
         LAY_Set({});
         Procesor = CPU_C166;
         Option_AutoOff = 1;

@@ -13,28 +13,14 @@ namespace {
 
 constexpr size_t NAME_COLUMN_MAX = 40; // a longer name pushes its line to the right
 
-// An item without a good value has neither value nor raw: a number that was not read
-// must not look like one that was.
+// An item without a good value has neither value nor raw, and a rate no value before its
+// second read: a number that was not read must not look like one that was.
 struct Row {
     std::string name, address, value, raw, reason;
     char type = 'i';
     int size = 0;
     bool isError = false;
 };
-
-uint64_t RawValue(const LItem &item)
-{
-    switch (item.size) {
-    case 1:
-        return item.value & 0xFFu;
-    case 2:
-        return item.value & 0xFFFFu;
-    case 8:
-        return static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    default:
-        return item.value;
-    }
-}
 
 Row MakeRow(const LItem &item)
 {
@@ -43,17 +29,18 @@ Row MakeRow(const LItem &item)
     row.type = item.type;
     row.size = item.size;
     row.reason = item.reason;
-    row.isError = item.readError != 0 || item.address == ADDR_NONE;
+    row.isError = !item.isValueGood;
     if (item.address != ADDR_NONE) {
         char text[16];
         std::snprintf(text, sizeof text, "0x%06X", item.address);
         row.address = text;
     }
-    if (!row.isError) {
+    if (LIT_HasNumber(item)) {
         FormatLItemVal(&row.value, item);
         row.value = WRD_Trim(row.value);
-        row.raw = std::to_string(RawValue(item));
     }
+    if (item.isValueGood)
+        row.raw = std::to_string(LIT_Bits(item));
     return row;
 }
 

@@ -56,7 +56,7 @@ int LoadAsCurrent(const std::string &path)
         return -2;
     szDebugFileName = path;
     IsDBGChange = 0;
-    EDT_ForgetUndo();
+    EDT_ForgetEdits();
     SetMainPanelTitle();
     return 0;
 }

@@ -10,6 +10,7 @@
 #include "symbols/typemap_list.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -19,19 +20,9 @@
 
 namespace {
 
-LItem removedItem;
-int removedFrom = -1; // -1 = nothing to undo
-
 bool IsIndex(int index)
 {
     return index >= 0 && index < nLItems;
-}
-
-void SetRemovedFrom(int index)
-{
-    removedFrom = index;
-    const int menuBar = GetPanelMenuBar(mainPanel);
-    SetMenuBarAttribute(menuBar, ITEM_UNDO, ATTR_DIMMED, index < 0);
 }
 
 void Changed(int line)
@@ -42,8 +33,57 @@ void Changed(int line)
         LSV_ShowValues();
     else
         ResetLItemsDisplay();
-    VR_EnableControls();
+    VR_EnableControls(); // undo and redo among them
     LSV_Select(line);
+}
+
+// Does the steps of one edit, which undo takes back as a whole.
+void Do(const HIS_Edit &edit, int line)
+{
+    for (const HIS_Step &step : edit.steps)
+        HIS_Apply(step);
+    HIS_Record(edit);
+    Changed(line);
+}
+
+HIS_Step StepOf(HIS_Kind kind, int index)
+{
+    HIS_Step step;
+    step.kind = kind;
+    step.index = index;
+    if (kind == HIS_REMOVE || kind == HIS_REPLACE)
+        step.before = aLItems[index];
+    return step;
+}
+
+void Replace(int index, const LItem &item)
+{
+    HIS_Step step = StepOf(HIS_REPLACE, index);
+    step.after = item;
+    Do({"change " + LIT_Label(step.before), {step}}, index);
+}
+
+// Sorted, each once. False when one is no line of the list, or there is none.
+bool NormalLines(std::vector<int> *lines)
+{
+    std::sort(lines->begin(), lines->end());
+    lines->erase(std::unique(lines->begin(), lines->end()), lines->end());
+    return !lines->empty() && IsIndex(lines->front()) && IsIndex(lines->back());
+}
+
+// After an edit was taken back or done again: the line that it was about.
+int ShowAgain(const HIS_Edit &edit, std::string *what)
+{
+    *what = edit.what;
+    const int line = std::clamp(edit.steps.back().index, 0, std::max(nLItems - 1, 0));
+    Changed(line);
+    return line;
+}
+
+std::string CountOrLabel(const std::vector<int> &lines)
+{
+    return lines.size() == 1 ? LIT_Label(aLItems[lines[0]])
+                             : std::to_string(lines.size()) + " items";
 }
 
 // A name must survive a debug file: one field, no comment, no address form.
@@ -76,7 +116,7 @@ void ForgetValue(LItem *item)
     item->value = item->valueHigh = item->previousValue = 0;
     item->readTick = item->previousReadTick = 0;
     item->readError = 0;
-    item->isValueGood = false;
+    item->isValueGood = item->isHeld = false;
     item->reason.clear();
 }
 
@@ -88,10 +128,9 @@ int InsertItem(const LItem &item, int position)
         position = nLItems;
     if (position < 0 || position > nLItems)
         return EDT_ERR_INDEX;
-    std::move_backward(aLItems + position, aLItems + nLItems, aLItems + nLItems + 1);
-    aLItems[position] = item;
-    ++nLItems;
-    Changed(position);
+    HIS_Step step = StepOf(HIS_INSERT, position);
+    step.after = item;
+    Do({"add " + LIT_Label(item), {step}}, position);
     return position;
 }
 
@@ -157,7 +196,7 @@ const char *EDT_ErrorText(int result)
     case EDT_ERR_ADDRESS:
         return "The address must be a hexadecimal number below 0x1000000.";
     case EDT_ERR_NOTHING:
-        return "There is nothing to undo.";
+        return "There is nothing to undo or to redo.";
     default:
         return "";
     }
@@ -231,8 +270,7 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
     if (result != 0)
         return result;
     item.fileLine = aLItems[index].fileLine; // the comment there is still its own
-    aLItems[index] = item;
-    Changed(index);
+    Replace(index, item);
     return 0;
 }
 
@@ -256,37 +294,19 @@ int EDT_Find(const EDT_Reference &reference)
 
 int EDT_Remove(int index)
 {
-    if (!IsIndex(index))
+    return EDT_RemoveLines({index});
+}
+
+int EDT_RemoveLines(std::vector<int> lines)
+{
+    if (!NormalLines(&lines))
         return EDT_ERR_INDEX;
-    removedItem = aLItems[index];
-    std::move(aLItems + index + 1, aLItems + nLItems, aLItems + index);
-    aLItems[--nLItems] = LItem();
-    SetRemovedFrom(index);
-    Changed(index);
+    HIS_Edit edit;
+    edit.what = "remove " + CountOrLabel(lines);
+    for (auto line = lines.rbegin(); line != lines.rend(); ++line) // the last first: indices hold
+        edit.steps.push_back(StepOf(HIS_REMOVE, *line));
+    Do(edit, lines.front());
     return 0;
-}
-
-int EDT_UndoRemove()
-{
-    if (removedFrom < 0)
-        return EDT_ERR_NOTHING;
-    const int result = InsertItem(removedItem, std::min(removedFrom, nLItems));
-    if (result >= 0) {
-        SetRemovedFrom(-1);
-        removedItem = LItem();
-    }
-    return result;
-}
-
-bool EDT_CanUndo()
-{
-    return removedFrom >= 0;
-}
-
-void EDT_ForgetUndo()
-{
-    SetRemovedFrom(-1);
-    removedItem = LItem();
 }
 
 int EDT_Move(int from, int to)
@@ -295,13 +315,58 @@ int EDT_Move(int from, int to)
         return EDT_ERR_INDEX;
     if (from == to)
         return 0;
-    LItem *const begin = aLItems;
-    if (from < to)
-        std::rotate(begin + from, begin + from + 1, begin + to + 1);
-    else
-        std::rotate(begin + to, begin + from, begin + from + 1);
-    Changed(to);
+    HIS_Step step = StepOf(HIS_MOVE, from);
+    step.to = to;
+    Do({"move " + LIT_Label(aLItems[from]), {step}}, to);
     return 0;
+}
+
+int EDT_MoveLines(std::vector<int> lines, int by)
+{
+    if ((by != 1 && by != -1) || !NormalLines(&lines) || !IsIndex(lines.front() + by) ||
+        !IsIndex(lines.back() + by))
+        return EDT_ERR_INDEX;
+    HIS_Edit edit;
+    edit.what = "move " + CountOrLabel(lines);
+    if (by > 0)
+        std::reverse(lines.begin(), lines.end());
+    for (const int line : lines) {
+        HIS_Step step = StepOf(HIS_MOVE, line);
+        step.to = line + by;
+        edit.steps.push_back(step);
+    }
+    Do(edit, lines.front() + by);
+    for (int &line : lines)
+        line += by;
+    LSV_SelectLines(lines);
+    return 0;
+}
+
+int EDT_Undo(std::string *what)
+{
+    const HIS_Edit *edit = HIS_Undo();
+    return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
+}
+
+int EDT_Redo(std::string *what)
+{
+    const HIS_Edit *edit = HIS_Redo();
+    return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
+}
+
+bool EDT_CanUndo()
+{
+    return HIS_CanUndo();
+}
+
+bool EDT_CanRedo()
+{
+    return HIS_CanRedo();
+}
+
+void EDT_ForgetEdits()
+{
+    HIS_Forget();
 }
 
 int EDT_SetType(int index, const std::string &typeField)
@@ -313,8 +378,7 @@ int EDT_SetType(int index, const std::string &typeField)
     if (result != 0)
         return result;
     ForgetValue(&item);
-    aLItems[index] = item;
-    Changed(index);
+    Replace(index, item);
     return 0;
 }
 
@@ -332,13 +396,6 @@ int EDT_Rename(int index, const std::string &name)
     if (LIT_IsTMS(item))
         item.size = 4;
     ForgetValue(&item);
-    aLItems[index] = item;
-    Changed(index);
+    Replace(index, item);
     return 0;
-}
-
-void UndoRemoveCB(int /*menuBar*/, int /*item*/)
-{
-    const int result = EDT_UndoRemove();
-    VR_ShowMessage(result < 0 ? EDT_ErrorText(result) : "Put back: " + LIT_Label(aLItems[result]));
 }

@@ -1,11 +1,12 @@
-// Editing the watch list: what panels, menus and drag and drop call. Every change marks
-// the list as unsaved, refreshes title and list, and selects the line concerned; a
-// refused change leaves everything as it was.
+// Editing the watch list: what panels, menus and drag and drop call. Every change can be
+// undone and redone, marks the list as unsaved, refreshes title and list, and selects the line
+// concerned; a refused change leaves everything as it was.
 #ifndef WATCH_LIST_EDIT_H
 #define WATCH_LIST_EDIT_H
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 struct LItem;
 
@@ -15,7 +16,7 @@ enum EDT_Result {
     EDT_ERR_NAME = -3,    // empty, too long, or with characters that a debug file cannot hold
     EDT_ERR_TYPE = -4,    // no such type or size, or not for this item
     EDT_ERR_ADDRESS = -5, // outside the target's memory
-    EDT_ERR_NOTHING = -6, // nothing to undo
+    EDT_ERR_NOTHING = -6, // nothing to undo, or to redo
 };
 const char *EDT_ErrorText(int result); // one sentence; "" for 0 and above
 
@@ -49,14 +50,20 @@ struct EDT_Reference {
 EDT_Reference EDT_Refer(int index);
 int EDT_Find(const EDT_Reference &reference); // the item's index now, -1 = it is gone
 
-int EDT_Remove(int index); // 0; the item is kept for one undo
-int EDT_UndoRemove();      // index of the item that is back, or EDT_ERR_
+int EDT_Remove(int index);                   // 0 or EDT_ERR_
+int EDT_RemoveLines(std::vector<int> lines); // several as one edit; 0 or EDT_ERR_
+int EDT_Move(int from, int to);              // `to` = index afterwards; 0 or EDT_ERR_
+// Several lines up (-1) or down (1) by one, as one edit; they stay selected. 0, or
+// EDT_ERR_INDEX when one would leave the list.
+int EDT_MoveLines(std::vector<int> lines, int by);
+// Takes back the last edit, or does again what was taken back. The line that it was about,
+// and the edit in words ("remove wSpeed"); or EDT_ERR_NOTHING.
+int EDT_Undo(std::string *what);
+int EDT_Redo(std::string *what);
 bool EDT_CanUndo();
-void EDT_ForgetUndo();                                    // another list was loaded
-int EDT_Move(int from, int to);                           // `to` = index afterwards; 0 or EDT_ERR_
+bool EDT_CanRedo();
+void EDT_ForgetEdits();                                   // another list was loaded
 int EDT_SetType(int index, const std::string &typeField); // 0 or EDT_ERR_
 int EDT_Rename(int index, const std::string &name);       // resolves again; 0 or EDT_ERR_
-
-void UndoRemoveCB(int menuBar, int item); // menu item "undo"
 
 #endif

@@ -7,6 +7,7 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 
 int FM_nPeriod = 0;
@@ -19,9 +20,16 @@ constexpr uint32_t ELAPSED_MIN_MS = 10;
 constexpr int NOTHING = -1;
 
 uint32_t startTick = 0;
-int meteredIndex = NOTHING; // item whose samples are being summed
-uint32_t meteredAddress = 0;
-int32_t meteredSize = 0;
+// The samples being summed are all of one item, at one place, of one size.
+struct Metered {
+    int index = NOTHING;
+    uint32_t address = 0;
+    int32_t size = 0, station = -1;
+    bool isTMS = false;
+    uint32_t goodReads = 0; // of the last sample
+    bool isStarted = false; // there is a sample to compare the next one with
+};
+Metered metered;
 
 void DimResults(int isDimmed)
 {
@@ -36,7 +44,13 @@ bool IsMeasurable(int selected)
         return false;
     // The value of a failed read is no sample, whichever processor it was asked of.
     return selected >= 0 && selected < nLItems && LIT_HasAddress(aLItems[selected]) &&
-           !aLItems[selected].readError;
+           aLItems[selected].isValueGood;
+}
+
+bool IsMetered(const LItem &item, int index)
+{
+    return metered.index == index && metered.address == item.address && metered.size == item.size &&
+           metered.station == LIT_Station(item) && metered.isTMS == LIT_IsTMS(item);
 }
 
 void StartInterval(uint32_t now)
@@ -73,32 +87,33 @@ void ShowResult(uint32_t now)
 
 } // namespace
 
-void FM_Update(int index, int selected)
+void FM_Update(int selected)
 {
     if (!IsMeasurable(selected)) {
         DimResults(1);
-        meteredIndex = NOTHING;
+        metered.index = NOTHING;
         return;
     }
-    if (index != selected)
+    const LItem &item = aLItems[selected];
+    const bool isOther = !IsMetered(item, selected);
+    if (isOther)
+        metered = {selected,        item.address,   item.size, LIT_Station(item),
+                   LIT_IsTMS(item), item.goodReads, false};
+    // The first sample is the value that is there, unless it is old.
+    if (isOther ? AGE_IsOld(item) : metered.goodReads == item.goodReads)
         return;
-    const LItem &item = aLItems[index];
-    const uint32_t now = PLT_TickMs();
-    if (meteredIndex != index || meteredAddress != item.address || meteredSize != item.size) {
-        // The first sample only sets the start: there is nothing to compare it with.
-        meteredIndex = index;
-        meteredAddress = item.address;
-        meteredSize = item.size;
-        StartInterval(now);
-    } else {
+    metered.goodReads = item.goodReads;
+    if (metered.isStarted)
         AddSample(item);
-    }
+    else
+        StartInterval(item.lastReadMs);
+    metered.isStarted = true;
     FM_dwPrevValue = item.value;
     DimResults(0);
     int samples = 1;
     GetCtrlVal(mainPanel, MAIN_FM_SAMPLES, &samples);
     if (FM_nPeriod < std::max(samples, 1))
         return;
-    ShowResult(now);
-    StartInterval(now);
+    ShowResult(item.lastReadMs);
+    StartInterval(item.lastReadMs);
 }

@@ -8,8 +8,9 @@ extern int FM_nPeriod;          // samples taken since the last result
 extern uint32_t FM_dwPrevValue; // the previous sample
 extern uint32_t FM_dwDelta;     // sum of the differences since the last result
 
-// Called after item `index` was read. Shows a result once the samples are complete;
-// dims the result fields while there is nothing to measure.
-void FM_Update(int index, int selected);
+// Called after every read. Takes a sample when the selected item has got another proven
+// value. Shows a result once the samples are complete; dims the result fields while there is
+// nothing to measure.
+void FM_Update(int selected);
 
 #endif

@@ -1,5 +1,9 @@
 #include "watch/list/list_events.h"
 
+#include <numeric>
+#include <vector>
+
+#include "comm/communication.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -7,8 +11,10 @@
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
 #include "watch/list/snapshot.h"
 #include "watch/main_window.h"
+#include "watch/value/write_value.h"
 #include "watch/windows/item_panel.h"
 #include "watch/windows/mem_box.h"
 #include "watch/windows/memory_panel.h"
@@ -49,9 +55,14 @@ bool HasItems()
     return nLItems > 0;
 }
 
-bool HasRemoved()
+bool HasEdit()
 {
     return VR_isWatchView && EDT_CanUndo();
+}
+
+bool HasUndone()
+{
+    return VR_isWatchView && EDT_CanRedo();
 }
 
 bool HasMemory()
@@ -66,15 +77,68 @@ struct EnableRow {
 };
 const EnableRow enableRows[] = {
     {ITEM_ADD, IsInView},          {ITEM_EDIT, HasLine},        {ITEM_REMOVE, HasLine},
-    {ITEM_UNDO, HasRemoved},       {ITEM_MOVE_UP, HasTwoLines}, {ITEM_MOVE_DOWN, HasTwoLines},
-    {ITEM_WRITE_VALUE, HasLine},   {ITEM_MEMORY, Always},       {ITEM_COPY_LIST, HasItems},
-    {ITEM_COPY_MEMORY, HasMemory}, {ITEM_SNAPSHOT, HasItems},
+    {ITEM_UNDO, HasEdit},          {ITEM_REDO, HasUndone},      {ITEM_MOVE_UP, HasTwoLines},
+    {ITEM_MOVE_DOWN, HasTwoLines}, {ITEM_WRITE_VALUE, HasLine}, {ITEM_OTHER_BASE, HasLine},
+    {ITEM_MEMORY, Always},         {ITEM_COPY_LIST, HasItems},  {ITEM_COPY_MEMORY, HasMemory},
+    {ITEM_SNAPSHOT, HasItems},
 };
 
 void Report(int result)
 {
     if (result < 0)
         VR_ShowMessage(EDT_ErrorText(result));
+}
+
+int progress = -1; // handle of the progress box while the list is read
+
+bool AdvanceProgress(int index)
+{
+    return UpdateProgressDialog(progress, 100 * index / nLItems, LIT_Label(aLItems[index])) <= 0;
+}
+
+// Reads every item before they leave the program. False, and said, when the user has
+// cancelled. Without communication they leave as they are, each with its age.
+bool ReadForExport(const std::string &title)
+{
+    if (!VR_EnsureCom())
+        return true;
+    progress = CreateProgressDialog(title, "");
+    const int result = RDI_ReadAll(AdvanceProgress);
+    DiscardProgressDialog(progress);
+    LSV_ShowValues();
+    readLItems = 1;
+    if (result < 0)
+        VR_ShowMessage("Cancelled: " + title + ".");
+    return result == 0;
+}
+
+// A value typed into its cell: the checks, the write and the reading back of the value window.
+void WriteCell()
+{
+    int index = -1, column = -1;
+    std::string text, message;
+    if (GetEditedCell(mainPanel, MAIN_LIST, &index, &column, &text) < 0 || column != LSV_VALUE ||
+        index >= nLItems)
+        return;
+    uint64_t bits = 0;
+    const int parsed = WRV_Parse(aLItems[index], text, &bits, &message);
+    if (parsed == WRV_OK && !VR_EnsureCom())
+        message = "The value was not written: communication is off.";
+    else if (parsed == WRV_OK)
+        WRV_Write(index, text, &message);
+    VR_ShowMessage(LIT_Label(aLItems[index]) + ": " + message);
+}
+
+bool IsNumberType(char type)
+{
+    return type == 'i' || type == 'u' || type == 'x';
+}
+
+void ShowAgain(const char *how, int (*again)(std::string *what))
+{
+    std::string what;
+    const int result = again(&what);
+    VR_ShowMessage(result < 0 ? EDT_ErrorText(result) : how + what + ".");
 }
 
 } // namespace
@@ -98,6 +162,9 @@ int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
         LEV_Enable();
         RunPopupMenu(GetPanelMenuBar(mainPanel), MENU_EDIT);
         break;
+    case EVENT_CELL_EDITED:
+        WriteCell();
+        break;
     case EVENT_DROPPED:
         Report(EDT_Move(data / DROP_FACTOR, data % DROP_FACTOR));
         break;
@@ -118,24 +185,45 @@ void LEV_EditCB(int /*menuBar*/, int /*item*/)
         ITP_OpenEdit(ActedOn());
 }
 
+void LEV_UndoCB(int /*menuBar*/, int /*item*/)
+{
+    ShowAgain("Undone: ", EDT_Undo);
+}
+
+void LEV_RedoCB(int /*menuBar*/, int /*item*/)
+{
+    ShowAgain("Done again: ", EDT_Redo);
+}
+
+void LEV_OtherBaseCB(int /*menuBar*/, int /*item*/)
+{
+    for (const int line : LSV_SelectedLines())
+        if (IsNumberType(aLItems[line].type))
+            aLItems[line].isOtherBase = !aLItems[line].isOtherBase;
+    if (readLItems)
+        LSV_ShowValues();
+}
+
 void LEV_RemoveCB(int /*menuBar*/, int /*item*/)
 {
-    const int index = ActedOn();
-    if (index < 0)
+    const std::vector<int> lines = LSV_SelectedLines();
+    if (lines.empty())
         return;
-    const std::string label = LIT_Label(aLItems[index]);
-    const int result = EDT_Remove(index);
+    const bool isOne = lines.size() == 1;
+    const std::string what =
+        isOne ? LIT_Label(aLItems[lines[0]]) : std::to_string(lines.size()) + " items";
+    const int result = EDT_RemoveLines(lines);
     Report(result);
     if (result == 0)
-        VR_ShowMessage("Removed: " + label + ". Ctrl+Z puts it back.");
+        VR_ShowMessage("Removed: " + what + ". Ctrl+Z puts " + (isOne ? "it" : "them") + " back.");
 }
 
 void LEV_MoveCB(int /*menuBar*/, int item)
 {
-    const int from = ActedOn();
-    const int to = item == ITEM_MOVE_UP ? from - 1 : from + 1;
-    if (from >= 0 && to >= 0 && to < nLItems)
-        Report(EDT_Move(from, to));
+    const std::vector<int> lines = LSV_SelectedLines();
+    const int by = item == ITEM_MOVE_UP ? -1 : 1;
+    if (!lines.empty() && lines.front() + by >= 0 && lines.back() + by < nLItems)
+        Report(EDT_MoveLines(lines, by));
 }
 
 void LEV_WriteCB(int /*menuBar*/, int /*item*/)
@@ -151,8 +239,13 @@ void LEV_MemoryCB(int /*menuBar*/, int /*item*/)
 
 void LEV_CopyListCB(int /*menuBar*/, int /*item*/)
 {
-    if (ClipboardPutText(SNP_Text()) == 0)
-        VR_ShowMessage("Copied: " + std::to_string(nLItems) + " items.");
+    std::vector<int> lines = LSV_SelectedLines();
+    if (lines.size() < 2) {
+        lines.resize(static_cast<size_t>(nLItems));
+        std::iota(lines.begin(), lines.end(), 0);
+    }
+    if (ReadForExport("Copy the list") && ClipboardPutText(SNP_Text(lines)) == 0)
+        VR_ShowMessage("Copied: " + std::to_string(lines.size()) + " items.");
 }
 
 void LEV_CopyMemoryCB(int /*menuBar*/, int /*item*/)
@@ -166,6 +259,8 @@ void LEV_SnapshotCB(int /*menuBar*/, int /*item*/)
     std::string path;
     if (FileSelectPopup(PLT_CurrentDir(), "snapshot.csv", "*.csv", "Save snapshot", FILE_SAVE,
                         &path) <= VAL_NO_FILE_SELECTED)
+        return;
+    if (!ReadForExport("Save a snapshot"))
         return;
     const int result = SNP_SaveCsv(path);
     if (result == 0)

@@ -10,10 +10,15 @@ void LEV_Enable();
 int LEV_ListCB(int panel, int control, int event, int data);
 void LEV_AddCB(int menuBar, int item);
 void LEV_EditCB(int menuBar, int item);
+void LEV_UndoCB(int menuBar, int item);
+void LEV_RedoCB(int menuBar, int item);
+void LEV_OtherBaseCB(int menuBar, int item); // selected lines in hexadecimal or decimal
 void LEV_RemoveCB(int menuBar, int item);
 void LEV_MoveCB(int menuBar, int item); // up or down by the item
 void LEV_WriteCB(int menuBar, int item);
 void LEV_MemoryCB(int menuBar, int item);
+// Both read every item once, with a progress box, so that what leaves the program is fresh.
+// The selected lines are copied when there are several, else the whole list.
 void LEV_CopyListCB(int menuBar, int item);
 void LEV_CopyMemoryCB(int menuBar, int item);
 void LEV_SnapshotCB(int menuBar, int item);

@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
 #include "watch/value/value_types.h"
@@ -14,8 +15,16 @@
 namespace {
 
 const char ADDRESS_COLUMN[] = "\033p300l"; // the column escape: 300 pixels, left-aligned
+const char UNRESOLVED_ADDRESS[] = "??????";
 
-std::string shownTips[LITEMS_MAX]; // what the list has as tips, to leave equal ones alone
+// What a line shows beside its text, to leave equal ones alone.
+struct ShownLine {
+    unsigned style = UIS_NORMAL;
+    std::string tip, age;
+    uint32_t goodReads = 0;
+    std::string value;
+};
+ShownLine shownLines[LITEMS_MAX];
 
 // Address as the processor counts: bytes, or the halves of 16-bit words.
 std::string AddressText(uint32_t address, int processor)
@@ -36,6 +45,20 @@ std::string NameLine(const LItem &item)
     return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
 }
 
+// In the base that the user has chosen for this line.
+std::string ValueText(const LItem &item)
+{
+    // A line that was out of sight so far has no value, and no 0 to be taken for one.
+    if (!item.isValueGood && item.readError == 0 && item.address != LITEM_NO_ADDRESS)
+        return "";
+    LItem shown = item;
+    if (item.isOtherBase)
+        shown.type = item.type == 'x' ? 'u' : 'x';
+    std::string text;
+    FormatLItemVal(&text, shown);
+    return text;
+}
+
 int LineCount()
 {
     int count = 0;
@@ -43,21 +66,87 @@ int LineCount()
     return count;
 }
 
-void ShowTip(int index)
+// The table's columns; widths that the user has given stay.
+void EnsureColumns()
 {
-    const std::string &reason = aLItems[index].reason;
-    SetListItemTip(mainPanel, MAIN_LIST, index, reason);
-    shownTips[index] = reason;
+    std::vector<UI_Column> columns;
+    if (GetListColumns(mainPanel, MAIN_LIST, &columns) < 0 || !columns.empty())
+        return;
+    columns.resize(LSV_AGE + 1);
+    columns[LSV_NAME].title = "Name";
+    columns[LSV_NAME].width = 240;
+    columns[LSV_ADDRESS].title = "Address";
+    columns[LSV_ADDRESS].width = 76;
+    columns[LSV_TYPE].title = "Type";
+    columns[LSV_TYPE].width = 44;
+    columns[LSV_VALUE].title = "Value";
+    columns[LSV_VALUE].width = 200;
+    columns[LSV_VALUE].align = UIA_POINT;
+    columns[LSV_VALUE].isEditable = true;
+    columns[LSV_AGE].title = "Age";
+    columns[LSV_AGE].isSpare = true;
+    SetListColumns(mainPanel, MAIN_LIST, columns);
+}
+
+std::string TipOf(const LItem &item)
+{
+    return item.reason.empty() ? AGE_Tip(item) : item.reason;
+}
+
+std::string ValueCell(const LItem &item)
+{
+    const std::string text = WRD_Trim(ValueText(item));
+    if (item.address == LITEM_NO_ADDRESS)
+        return "Address?" + text + (item.readError ? " (!)" : "");
+    return text + (item.readError ? " (!)" : "");
+}
+
+std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
+{
+    std::vector<UI_Cell> cells(LSV_AGE + 1);
+    const bool isResolved = item.address != LITEM_NO_ADDRESS;
+    cells[LSV_NAME].text = WRD_Visible(item.name);
+    cells[LSV_ADDRESS].text =
+        isResolved ? WRD_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
+    cells[LSV_TYPE].text = item.type + std::to_string(item.size);
+    cells[LSV_VALUE] = {line.value, line.style, line.tip};
+    cells[LSV_AGE] = {line.age, UIS_DIM, line.tip};
+    return cells;
 }
 
 void FillNames()
 {
+    EnsureColumns();
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
         InsertListItem(mainPanel, MAIN_LIST, -1, NameLine(aLItems[i]), i);
-        shownTips[i].clear();
+        shownLines[i] = ShownLine();
     }
     VR_EnableControls();
+}
+
+// Puts one line of text in place; its cells go with it.
+void PutLine(int index, const std::string &label, bool isNew)
+{
+    const LItem &item = aLItems[index];
+    ShownLine line;
+    line.style = LSV_ValueStyle(item);
+    line.tip = TipOf(item);
+    line.age = AGE_IsOld(item) ? AGE_Text(item) : "";
+    line.value = ValueCell(item);
+    line.goodReads = item.goodReads;
+    ShownLine &before = shownLines[index];
+    // Marked for a moment: another value than before of a line that had one.
+    if (line.style == UIS_NORMAL && before.goodReads != 0 && before.goodReads < item.goodReads &&
+        before.value != line.value)
+        line.style |= UIS_CHANGED;
+    if (!isNew && line.style == before.style && line.tip == before.tip && line.age == before.age &&
+        line.value == before.value)
+        return;
+    ReplaceListItem(mainPanel, MAIN_LIST, index, label, index);
+    SetListCells(mainPanel, MAIN_LIST, index, CellsOf(item, line));
+    SetListItemTip(mainPanel, MAIN_LIST, index, line.tip);
+    before = line;
 }
 
 } // namespace
@@ -67,38 +156,55 @@ std::string LSV_ValueLine(const LItem &item, int processor)
     std::string line = WRD_Visible(item.name);
     line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    line += isResolved ? AddressText(item.address, processor) : "??????  ";
+    line +=
+        isResolved ? AddressText(item.address, processor) : std::string(UNRESOLVED_ADDRESS) + "  ";
     line += item.type;
     line += static_cast<char>('0' + item.size % 10);
     line += ": ";
     if (!isResolved)
         line += "Address?";
-    // A line that was out of sight so far has no value, and no 0 to be taken for one.
-    if (item.isValueGood || item.readError != 0 || !isResolved)
-        FormatLItemVal(&line, item);
+    line += ValueText(item);
     if (item.readError == 1)
         line += " (!)";
     return line;
 }
 
+unsigned LSV_ValueStyle(const LItem &item)
+{
+    if (item.readError != 0)
+        return UIS_WARNING | UIS_STRUCK;
+    if (!LIT_HasNumber(item))
+        return UIS_DIM | UIS_STRUCK;
+    return AGE_IsOld(item) ? UIS_DIM : UIS_NORMAL;
+}
+
 void LSV_ShowValues()
 {
+    EnsureColumns();
     const bool isRefill = LineCount() != nLItems;
+    const int selected = LSV_Selected(), first = LSV_FirstVisible();
     if (isRefill)
         ClearListCtrl(mainPanel, MAIN_LIST);
-    std::string shown;
     for (int i = 0; i < nLItems; ++i) {
         const std::string line = LSV_ValueLine(aLItems[i], Procesor);
-        bool isNew = isRefill;
-        if (isRefill) {
+        if (isRefill)
             InsertListItem(mainPanel, MAIN_LIST, -1, line, i);
-        } else if (GetLabelFromIndex(mainPanel, MAIN_LIST, i, &shown) < 0 || shown != line) {
-            ReplaceListItem(mainPanel, MAIN_LIST, i, line, i);
-            isNew = true;
-        }
-        if (isNew || shownTips[i] != aLItems[i].reason)
-            ShowTip(i);
+        std::string shown;
+        const bool isSame =
+            !isRefill && GetLabelFromIndex(mainPanel, MAIN_LIST, i, &shown) >= 0 && shown == line;
+        PutLine(i, line, !isSame);
     }
+    if (!isRefill)
+        return;
+    LSV_Select(selected);
+    SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
+}
+
+void LSV_ShowLine(int index)
+{
+    if (index < 0 || index >= nLItems || LineCount() != nLItems)
+        return;
+    PutLine(index, LSV_ValueLine(aLItems[index], Procesor), true);
 }
 
 void LSV_ShowAddresses()
@@ -138,11 +244,39 @@ int LSV_FirstVisible()
     return std::clamp(line, 0, std::max(nLItems - 1, 0));
 }
 
+int LSV_LinesInView()
+{
+    int lines = 0;
+    GetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_LINES_IN_VIEW, &lines);
+    return lines > 0 ? lines : SWEEP_LINES;
+}
+
 void LSV_Select(int line)
 {
     const int last = LineCount() - 1;
     if (last >= 0)
         SetCtrlIndex(mainPanel, MAIN_LIST, std::clamp(line, 0, last));
+}
+
+std::vector<int> LSV_SelectedLines()
+{
+    std::vector<int> lines;
+    if (nLItems == 0)
+        return lines;
+    GetListSelection(mainPanel, MAIN_LIST, &lines);
+    lines.erase(std::remove_if(lines.begin(), lines.end(), [](int i) { return i >= nLItems; }),
+                lines.end());
+    if (lines.empty())
+        lines.push_back(std::min(LSV_Selected(), nLItems - 1));
+    return lines;
+}
+
+void LSV_SelectLines(const std::vector<int> &lines)
+{
+    if (lines.empty())
+        return;
+    LSV_Select(lines.front());
+    SetListSelection(mainPanel, MAIN_LIST, lines);
 }
 
 void VR_FillDebugItems()

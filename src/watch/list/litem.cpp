@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "comm/sysaddr.h"
+#include "settings/settings.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/words.h"
@@ -68,18 +69,22 @@ void LIT_Resolve(LItem *item)
         Resolve(item, aVarTMSNode, nTMSNodes);
 }
 
+void LIT_ResolveAnew(LItem *item)
+{
+    const uint32_t before = item->address;
+    item->address = item->givenAddress;
+    item->explicitAddress = item->address != LITEM_NO_ADDRESS && !IsAnonymous(*item);
+    LIT_Resolve(item);
+    const bool isSamePlace = item->address == before;
+    item->isValueGood &= isSamePlace;
+    item->isHeld &= isSamePlace;
+}
+
 void LIT_ResolveAll(bool isTMS)
 {
-    for (int i = 0; i < nLItems; ++i) {
-        LItem &item = aLItems[i];
-        if (LIT_IsTMS(item) != isTMS)
-            continue;
-        const uint32_t before = item.address;
-        item.address = item.givenAddress;
-        item.explicitAddress = item.address != LITEM_NO_ADDRESS && !IsAnonymous(item);
-        LIT_Resolve(&item);
-        item.isValueGood &= item.address == before;
-    }
+    for (int i = 0; i < nLItems; ++i)
+        if (LIT_IsTMS(aLItems[i]) == isTMS)
+            LIT_ResolveAnew(&aLItems[i]);
 }
 
 void completeLItems(const VarNode *nodes, int count)
@@ -98,6 +103,7 @@ void CleanLItems()
         aLItems[i].address = LITEM_NO_ADDRESS;
         aLItems[i].explicitAddress = 0;
         aLItems[i].isValueGood = false; // what was read elsewhere gives no rate
+        aLItems[i].isHeld = false;
     }
 }
 
@@ -109,6 +115,23 @@ bool LIT_IsTMS(const LItem &item)
 bool LIT_HasAddress(const LItem &item)
 {
     return item.address < ADDR_LIMIT;
+}
+
+int LIT_Station(const LItem &item)
+{
+    return item.station >= 0 && item.station <= STATION_MAX ? item.station : STATION;
+}
+
+bool LIT_HasNumber(const LItem &item)
+{
+    const bool isRateless = item.type == 'p' && item.readTick == item.previousReadTick;
+    return item.isValueGood && !isRateless;
+}
+
+uint64_t LIT_Bits(const LItem &item)
+{
+    const uint64_t whole = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
+    return item.size >= 8 ? whole : whole & ((uint64_t{1} << 8 * item.size) - 1);
 }
 
 std::string LIT_Label(const LItem &item)

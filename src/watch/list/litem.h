@@ -6,10 +6,19 @@
 #include <cstdint>
 #include <string>
 
+#include "platform/system.h"
+
 constexpr int LITEMS_MAX = 500;
 constexpr uint32_t LITEM_NO_ADDRESS = 0xFFFFFFFFu;
 constexpr size_t LITEM_FIELD_MAX = 120; // characters of one field of a line
 constexpr int LITEM_LINE_MAX = 511;     // characters; a longer line goes on as the next one
+
+// What a read brought, held back until it is proven to be the answer to this very read.
+struct LItemReading {
+    uint32_t value = 0, valueHigh = 0;
+    uint32_t tickMs = 0;
+    int32_t station = -1; // that was asked
+};
 
 struct LItem {
     std::string name;              // "&name" for a TMS320 item; "" or "&" for an address only
@@ -32,6 +41,15 @@ struct LItem {
     uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
     int32_t fileLine = -1;    // line of the debug file it came from, for saving; -1: a new item
+
+    bool isHeld = false; // a good read waits in `held` for its proof
+    LItemReading held;
+    uint32_t goodReads = 0;   // good values so far; grows with each
+    int32_t stationRead = -1; // where the good value came from
+    uint32_t sweepRead = 0;   // and when: the sweep and the run of list/age.h
+    uint32_t runRead = 0;
+    PLT_Date readAt;          // and in local time
+    bool isOtherBase = false; // shown in hexadecimal although decimal, or the other way round
 };
 
 extern LItem aLItems[LITEMS_MAX];
@@ -44,6 +62,9 @@ void completeLItems(const struct VarNode *nodes, int count);
 void completeTMSLItems(const struct VarNode *nodes, int count);
 // Resolves one item against every table that is loaded and meant for it.
 void LIT_Resolve(LItem *item);
+// The same from the start, as if the item had just been loaded: a name that the tables no
+// longer know loses the address it had from them, and its value with it.
+void LIT_ResolveAnew(LItem *item);
 // Looks up every C166 (or every TMS320) item as if its list had just been loaded: a name
 // that the tables no longer know loses the address it had from them.
 void LIT_ResolveAll(bool isTMS);
@@ -52,6 +73,11 @@ void CleanLItems(); // forgets every resolved address
 bool LIT_IsTMS(const LItem &item);
 // The item can be read at all: resolved, and below the limit of target addresses.
 bool LIT_HasAddress(const LItem &item);
+int LIT_Station(const LItem &item); // that it is read from: its own, or the selected one
+// The text of its value is what the target sent. Not so after a failed read, before the
+// first one, and for a rate before the second.
+bool LIT_HasNumber(const LItem &item);
+uint64_t LIT_Bits(const LItem &item);     // of the value, above its size zero
 std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
 // Its name as it is in the file, and behind it the address that was given with it.
 std::string LIT_LabelAndPlace(const LItem &item);

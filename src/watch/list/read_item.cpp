@@ -7,22 +7,24 @@
 #include "platform/system.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 
 namespace {
 
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
+constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
+constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
+const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
+const char NO_PROOF[] = "no answer to the proof that the line is in step";
 
-const LItem *ItemAt(int index)
+uint32_t doubtsBefore = 0; // UCM_CountDoubts when the oldest held reading was made
+
+LItem *ItemAt(int index)
 {
     return index >= 0 && index < nLItems ? &aLItems[index] : nullptr;
-}
-
-int StationOf(const LItem &item)
-{
-    return item.station >= 0 && item.station <= STATION_MAX ? item.station : STATION;
 }
 
 // The text of a failed read, from the layer that failed.
@@ -37,18 +39,91 @@ std::string FailureText(const LItem &item, int mailboxResult)
 
 int ReadMailbox(const LItem &item, uint32_t *value)
 {
-    return TMS_ReadWord(StationOf(item), item.address, TMS_POLLS_ITEM, value);
+    return TMS_ReadWord(LIT_Station(item), item.address, TMS_POLLS_ITEM, value);
 }
 
-// Reads into the item. 0, or -1 or -2 by processor; *mailboxResult for the reason.
-int ReadInto(LItem *item, int index, int *mailboxResult)
+// 0, or -1 or -2 by processor; *mailboxResult for the reason.
+int ReadInto(LItemReading *reading, int index, int *mailboxResult)
 {
-    if (!LIT_IsTMS(*item))
-        return read166(index, &item->value, &item->valueHigh) == 0 ? 0 : -1;
-    if (!LIT_HasAddress(*item))
+    const LItem &item = aLItems[index];
+    if (!LIT_IsTMS(item))
+        return read166(index, &reading->value, &reading->valueHigh) == 0 ? 0 : -1;
+    if (!LIT_HasAddress(item))
         return -2;
-    *mailboxResult = ReadMailbox(*item, &item->value);
+    *mailboxResult = ReadMailbox(item, &reading->value);
     return *mailboxResult == TMS_OK ? 0 : -2;
+}
+
+// A rate needs two good reads within a turn of the 16-bit tick: equal ticks mark that
+// there is none.
+void SetTicks(LItem *item, uint32_t nowMs, bool isGood)
+{
+    const bool isLongAgo = nowMs - item->lastReadMs > UINT16_MAX; // out of view for a while
+    item->previousReadTick = item->readTick;
+    item->lastReadMs = nowMs;
+    item->readTick = static_cast<uint16_t>(nowMs);
+    if (!item->isValueGood || !isGood || isLongAgo)
+        item->previousReadTick = item->readTick;
+}
+
+void Publish(LItem *item)
+{
+    item->previousValue = item->value;
+    item->value = item->held.value;
+    item->valueHigh = item->held.valueHigh;
+    SetTicks(item, item->held.tickMs, true);
+    item->readError = 0;
+    item->isValueGood = true;
+    item->isHeld = false;
+    item->reason.clear();
+    ++item->goodReads;
+    AGE_Stamp(item, item->held.station);
+}
+
+void Fail(LItem *item, uint32_t nowMs, const std::string &reason)
+{
+    item->previousValue = item->value;
+    item->value = FAILED_VALUE;
+    item->valueHigh = 0;
+    SetTicks(item, nowMs, false);
+    item->readError = 1;
+    item->isValueGood = false;
+    item->isHeld = false;
+    item->reason = reason;
+}
+
+std::vector<int> HeldItems()
+{
+    std::vector<int> held;
+    for (int i = 0; i < nLItems; ++i)
+        if (aLItems[i].isHeld)
+            held.push_back(i);
+    return held;
+}
+
+std::vector<int> FailHeld(const std::string &reason)
+{
+    const std::vector<int> held = HeldItems();
+    for (const int index : held)
+        Fail(&aLItems[index], PLT_TickMs(), reason);
+    return held;
+}
+
+std::string WhyUnproven(int proof)
+{
+    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
+    return cause.empty() ? NO_PROOF : cause;
+}
+
+// As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
+// were told to read again concerns that reading too.
+int ProveLine()
+{
+    int result = UCM_Prove();
+    if (result == UCM_PROVEN && UCM_CountDoubts() != doubtsBefore)
+        result = UCM_READ_AGAIN;
+    doubtsBefore = UCM_CountDoubts();
+    return result;
 }
 
 } // namespace
@@ -60,7 +135,7 @@ int read166(int index, uint32_t *low, uint32_t *high)
         return -2;
     uint8_t bytes[8];
     if (item->size < 1 || item->size > 8 ||
-        UCM_Read(StationOf(*item), item->address, static_cast<uint32_t>(item->size), bytes) < 0)
+        UCM_Read(LIT_Station(*item), item->address, static_cast<uint32_t>(item->size), bytes) < 0)
         return -1;
     const size_t lowBytes = item->size < 4 ? static_cast<size_t>(item->size) : 4;
     *low = static_cast<uint32_t>(BYT_GetLittle(bytes, lowBytes));
@@ -81,28 +156,110 @@ int readTMS(int index, uint32_t *value)
 
 int readValues(int index)
 {
-    if (!ItemAt(index))
+    LItem *item = ItemAt(index);
+    if (item == nullptr)
         return -4;
-    LItem &item = aLItems[index];
-    item.previousValue = item.value;
-    item.previousReadTick = item.readTick;
-    item.valueHigh = 0;
+    if (HeldItems().empty())
+        doubtsBefore = UCM_CountDoubts();
+    LItemReading reading;
+    reading.station = LIT_Station(*item);
     int mailboxResult = TMS_OK;
-    const int result = ReadInto(&item, index, &mailboxResult);
-    const uint32_t now = PLT_TickMs();
-    const bool isLongAgo = now - item.lastReadMs > UINT16_MAX; // out of view for a while
-    item.lastReadMs = now;
-    item.readTick = static_cast<uint16_t>(now);
-    item.readError = result != 0;
-    // A rate needs two good reads within a turn of the tick: equal ticks mark that there is none.
-    if (!item.isValueGood || result != 0 || isLongAgo)
-        item.previousReadTick = item.readTick;
-    item.isValueGood = result == 0;
-    if (result == 0) {
-        item.reason.clear();
-        return 0;
+    const int result = ReadInto(&reading, index, &mailboxResult);
+    reading.tickMs = PLT_TickMs();
+    if (result != 0) {
+        Fail(item, reading.tickMs, FailureText(*item, mailboxResult));
+        return result;
     }
-    item.value = FAILED_VALUE;
-    item.reason = FailureText(item, mailboxResult);
-    return result;
+    item->held = reading;
+    item->isHeld = true;
+    return 0;
+}
+
+std::vector<int> RDI_Prove()
+{
+    std::vector<int> failed;
+    int result = UCM_PROVEN;
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const std::vector<int> held = HeldItems();
+        if (held.empty())
+            return failed;
+        result = ProveLine();
+        if (result == UCM_PROVEN) {
+            for (const int index : held)
+                Publish(&aLItems[index]);
+            return failed;
+        }
+        if (result == UCM_NOT_PROVEN)
+            break;
+        for (const int index : held)
+            if (readValues(index) != 0)
+                failed.push_back(index);
+    }
+    const std::vector<int> unproven = FailHeld(WhyUnproven(result));
+    failed.insert(failed.end(), unproven.begin(), unproven.end());
+    return failed;
+}
+
+int RDI_ReadNow(int index)
+{
+    const int result = readValues(index);
+    if (result != 0)
+        return result;
+    RDI_Prove();
+    if (!aLItems[index].readError)
+        return 0;
+    return LIT_IsTMS(aLItems[index]) ? -2 : -1;
+}
+
+int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
+{
+    int result = UCM_READ_AGAIN;
+    for (int round = 0; round < ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
+        if (UCM_Read(station, address, count, buffer) < 0) {
+            *cause = UCM_LastErrorText();
+            return -1;
+        }
+        result = UCM_Prove();
+    }
+    if (result != UCM_PROVEN)
+        *cause = WhyUnproven(result);
+    return result == UCM_PROVEN ? 0 : -1;
+}
+
+int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause)
+{
+    int proof = UCM_READ_AGAIN;
+    for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
+        for (uint32_t i = 0; i < count; ++i) {
+            const int result = TMS_ReadWord(STATION, address + i, TMS_POLLS_MEMORY, &words[i]);
+            *cause = TMS_ErrorText(result);
+            if (result != TMS_OK)
+                return result;
+        }
+        proof = UCM_Prove();
+    }
+    if (proof != UCM_PROVEN)
+        *cause = WhyUnproven(proof);
+    return proof == UCM_PROVEN ? TMS_OK : TMS_ERR_DATA;
+}
+
+void RDI_DropHeld()
+{
+    for (LItem &item : aLItems)
+        item.isHeld = false;
+}
+
+int RDI_ReadAll(bool (*advance)(int index))
+{
+    for (int i = 0; i < nLItems; ++i) {
+        if (advance != nullptr && !advance(i)) {
+            RDI_Prove();
+            return -1;
+        }
+        readValues(i);
+        if (i % ITEMS_PER_PROOF == ITEMS_PER_PROOF - 1)
+            RDI_Prove();
+    }
+    RDI_Prove();
+    return 0;
 }

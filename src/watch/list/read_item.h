@@ -1,14 +1,36 @@
-// Reads the value of one watch item from the target.
+// Reads the value of one watch item from the target. Answers carry neither address nor
+// number, so a value is only shown once the line was proven to have been in step behind it:
+// good reads wait in the item until RDI_Prove. A failed read needs no proof.
 #ifndef WATCH_LIST_READ_ITEM_H
 #define WATCH_LIST_READ_ITEM_H
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 // Watch items by index in aLItems; implemented in watch/list/read_item.cpp.
 int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
 int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy
-// Fills the item, its reason included; 0, -1 C166 failed, -2 TMS320 failed, -4 bad index.
-// An item without an address fails without a request being sent.
+// 0, held back until it is proven; -1 C166 failed, -2 TMS320 failed, -4 bad index: the item
+// has failed, with its reason. Without an address it fails without a request being sent.
 int readValues(int index);
+
+// Proves everything that is held back and puts it into the items; reads again, a bounded
+// number of times, what the line may have mixed up. What cannot be proven has failed. The
+// indices of the items that failed by it; empty when all is good.
+std::vector<int> RDI_Prove();
+// readValues with its proof: the item then shows what was read. Results of readValues.
+int RDI_ReadNow(int index);
+// `count` bytes of a station, proven. 0, or -1 with the reason in *cause.
+int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause);
+// The same for words of the TMS320 behind the selected station, by word address. TMS_OK or
+// the mailbox's code.
+int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause);
+// Forgets what is held back: its link is closed.
+void RDI_DropHeld();
+
+// Reads every item once, proven, in view or not. `advance` (may be null) is told before each
+// item and ends it by false. 0, or -1 when ended; items not read by then keep what they had.
+int RDI_ReadAll(bool (*advance)(int index));
 
 #endif

@@ -1,29 +1,32 @@
 #include "watch/list/refresh.h"
 
-#include <cctype>
-#include <cstdlib>
+#include <algorithm>
+#include <iterator>
 
 #include "comm/communication.h"
-#include "comm/sysaddr.h"
+#include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/freq_meter.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
 #include "watch/windows/mem_box.h"
+#include "watch/windows/value_panel.h"
 
 int UpdItem = 0;
 int eTMS = 0;
 int nErrors = 0;
-double VR_fRefreshPeriod = 1.0 / SWEEP_LINES;
 
 namespace {
 
 constexpr double IDLE_PERIOD_S = 1.0;
-constexpr int ERRORS_MAX = 3; // more failed reads without a good sweep switch off
+constexpr double SHORTEST_PERIOD_S = 0.001;
+constexpr uint32_t PAUSE_MIN_MS = 3000; // without a tick: the console view, a long script
+constexpr int ERRORS_MAX = 3;           // more failed reads without a good sweep switch off
 
 struct StatusRow {
     int state; // of eTMS
@@ -41,61 +44,84 @@ void SetPeriod(double seconds)
     SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
 }
 
-// Which item failed last and why, for the message of auto-off.
-std::string lastFailure;
+std::string lastFailure; // which item failed last and why, for the message of auto-off
+bool isAnyGood = false;  // of this sweep's reads
+uint32_t lastTickMs = 0;
 
-void ReadItem(int index)
+void ShowStatus(int state)
 {
-    const int result = readValues(index);
-    if (result == 0 || (result != -4 && !LIT_HasAddress(aLItems[index])))
-        return;
+    for (const StatusRow &row : statusRows) {
+        if (row.state != state)
+            continue;
+        SetCtrlVal(mainPanel, MAIN_STATUS, row.text);
+        SetCtrlAttribute(mainPanel, MAIN_STATUS, ATTR_TEXT_COLOR, row.color);
+    }
+}
+
+// A failed read shows at this very moment, with its reason and in the status.
+void NoteFailure(int index, int result)
+{
     if (result != -2)
         eTMS = -1;
     else if (eTMS != -1)
         eTMS = -2;
     ++nErrors;
+    ShowStatus(eTMS);
     if (result != -4)
         lastFailure = LIT_Label(aLItems[index]) + ": " + aLItems[index].reason;
 }
 
-void ShowStatus()
+void ReadItem(int index)
 {
-    for (const StatusRow &row : statusRows) {
-        if (row.state != eTMS)
-            continue;
-        SetCtrlVal(mainPanel, MAIN_STATUS, row.text);
-        SetCtrlAttribute(mainPanel, MAIN_STATUS, ATTR_TEXT_COLOR, row.color);
+    const int result = readValues(index);
+    if (result == 0) {
+        isAnyGood = true;
+        return;
     }
-    if (eTMS == 0)
+    if (result != -4)
+        LSV_ShowLine(index);
+    if (result == -4 || aLItems[index].address != LITEM_NO_ADDRESS)
+        NoteFailure(index, result);
+}
+
+// The status of a whole sweep. Names that nobody knows turn it to "Error" once nothing else
+// was read either.
+void EndStatus()
+{
+    if (eTMS == 0 && isAnyGood) {
+        ShowStatus(0);
         nErrors = 0;
-    else if (eTMS == -1 && Option_AutoOff)
+        return;
+    }
+    ShowStatus(eTMS == 0 ? -1 : eTMS);
+    if (eTMS == -1 && Option_AutoOff)
         VR_AutoOff(lastFailure);
 }
 
-bool MemoryBoxAddress(uint32_t *address)
+int ResultOf(int index)
 {
-    int isOn = 0;
-    if (GetCtrlVal(mainPanel, MAIN_MEM_SWITCH, &isOn) < 0 || !isOn)
-        return false;
-    std::string text;
-    GetCtrlVal(mainPanel, MAIN_MEM_ADDR, &text);
-    const char *digits = text.c_str();
-    while (std::isspace(static_cast<unsigned char>(*digits)))
-        ++digits;
-    if (!std::isxdigit(static_cast<unsigned char>(*digits)))
-        return false;
-    const unsigned long long number = std::strtoull(digits, nullptr, 16);
-    *address = number > ADDR_LIMIT ? ADDR_LIMIT : static_cast<uint32_t>(number);
-    return true;
+    return LIT_IsTMS(aLItems[index]) ? -2 : -1;
 }
 
-void UpdateMemoryBox(int selected)
+// A line in view may have failed for another reader (the value window) since it was read
+// here. No "RUN" stands beside it.
+void NoteOthersFailures()
 {
-    uint32_t address;
-    if (!MemoryBoxAddress(&address))
-        return;
-    ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
-    ReadMemory(address, selected);
+    const int first = LSV_FirstVisible(), end = std::min(first + LSV_LinesInView(), nLItems);
+    for (int i = first; i < end && eTMS == 0; ++i)
+        if (aLItems[i].readError && aLItems[i].address != LITEM_NO_ADDRESS)
+            NoteFailure(i, ResultOf(i));
+}
+
+void EndSweep()
+{
+    AGE_EndSweep(); // what is proven now is of this moment
+    for (const int index : RDI_Prove())
+        NoteFailure(index, ResultOf(index));
+    NoteOthersFailures();
+    EndStatus();
+    LSV_ShowValues();
+    VR_EnableControls();
 }
 
 void CountErrors()
@@ -111,34 +137,81 @@ void CountErrors()
         VR_AutoOff(lastFailure);
 }
 
+// Nothing was read while the ticks did not come, and no sweep was counted.
+void NoticePause()
+{
+    const uint32_t sweepMs = static_cast<uint32_t>(1000 * RFR_Period() * LSV_LinesInView());
+    const uint32_t pauseMs = PLT_TickMs() - lastTickMs;
+    if (pauseMs <= std::max(AGE_SWEEPS_MAX * sweepMs, PAUSE_MIN_MS) || !readLItems)
+        return;
+    AGE_EndRun();
+    LSV_ShowValues();
+    MBX_ShowOld();
+}
+
 } // namespace
+
+bool RFR_IsRate(int rate)
+{
+    return std::find(std::begin(RFR_RATES), std::end(RFR_RATES), rate) != std::end(RFR_RATES);
+}
+
+double RFR_Period()
+{
+    if (Option_nSweepRate == 0)
+        return SHORTEST_PERIOD_S;
+    return std::max(1.0 / (LSV_LinesInView() * Option_nSweepRate), SHORTEST_PERIOD_S);
+}
 
 void RFR_BeginSweep()
 {
     UpdItem = 0;
     eTMS = 0;
+    isAnyGood = false;
+    RDI_DropHeld();
+}
+
+void RFR_ShowCommunication()
+{
+    SetCtrlVal(mainPanel, MAIN_STOPPED, isTimer == 0);
+    SetCtrlAttribute(mainPanel, MAIN_STOPPED, ATTR_VISIBLE, isTimer == 0);
+    SetCtrlAttribute(mainPanel, MAIN_STATUS, ATTR_VISIBLE, isTimer != 0);
+    if (isTimer == 0) { // whatever switched it off, nothing runs and nothing fails now
+        SetCtrlVal(mainPanel, MAIN_STATUS, "");
+        RDI_DropHeld();
+        AGE_EndRun();
+    }
+    // Also for another station, from which nothing has been read yet.
+    if (readLItems)
+        LSV_ShowValues();
+    MBX_ShowOld();
+    VLP_Refresh();
 }
 
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event != EVENT_TIMER_TICK || !isTimer)
         return 0;
+    NoticePause();
     if (!openLItems && nLItems == 0) {
         SetPeriod(IDLE_PERIOD_S);
         UpdItem = 0;
-        return updateListTextBox(0);
+        updateListTextBox(0);
+    } else {
+        SetPeriod(RFR_Period());
+        if (!readLItems) // another list: half a sweep of the old one says nothing about it
+            RFR_BeginSweep();
+        const int first = LSV_FirstVisible();
+        int index = first + UpdItem;
+        if (index >= nLItems || UpdItem >= LSV_LinesInView()) {
+            UpdItem = 0;
+            index = first;
+        }
+        ++UpdItem;
+        updateListTextBox(index);
     }
-    SetPeriod(VR_fRefreshPeriod);
-    if (!readLItems) // another list: half a sweep of the old one says nothing about it
-        RFR_BeginSweep();
-    const int first = LSV_FirstVisible();
-    int index = first + UpdItem;
-    if (index >= nLItems || UpdItem >= SWEEP_LINES) {
-        UpdItem = 0;
-        index = first;
-    }
-    ++UpdItem;
-    return updateListTextBox(index);
+    lastTickMs = PLT_TickMs();
+    return 0;
 }
 
 int updateListTextBox(int index)
@@ -149,23 +222,19 @@ int updateListTextBox(int index)
         return 0;
     }
     const int selected = LSV_Selected();
-    const int first = LSV_FirstVisible();
     ReadItem(index);
-    const bool isSweepEnd = index == nLItems - 1 || index - first == SWEEP_LINES - 1;
-    if (isSweepEnd) {
-        ShowStatus();
-        LSV_ShowValues();
-        VR_EnableControls();
-        LSV_Select(selected);
-        SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
-    }
+    const bool isSweepEnd =
+        index == nLItems - 1 || index - LSV_FirstVisible() == LSV_LinesInView() - 1;
+    if (isSweepEnd)
+        EndSweep();
     readLItems = 1;
     if (isSweepEnd && isTimer)
-        UpdateMemoryBox(selected);
-    FM_Update(index, selected);
+        MBX_Update(selected);
+    FM_Update(selected);
     CountErrors();
     if (isSweepEnd) {
         eTMS = 0;
+        isAnyGood = false;
         if (isTimer)
             VR_FollowPort();
     }

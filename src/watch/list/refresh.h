@@ -1,24 +1,30 @@
-// Periodic refresh of the watch list: one item a timer tick, a redraw at the end of
-// each sweep.
+// Periodic refresh of the watch list: one item a timer tick; at the end of each sweep over
+// the lines in view what was read is proven, shown, and the status with it. What fails is
+// marked at once.
 #ifndef WATCH_LIST_REFRESH_H
 #define WATCH_LIST_REFRESH_H
 
 #include <cstdint>
 #include <string>
 
-constexpr int SWEEP_LINES = 13; // at most so many lines from the first visible one are read
-
 extern int UpdItem; // next item to read, counted from the first visible line
 extern int eTMS;    // this sweep: 0 good, -1 a C166 read failed, -2 a TMS320 read failed
 extern int nErrors; // failed reads since the last good sweep
-extern double VR_fRefreshPeriod; // seconds between ticks
+
+// Sweeps a second that the Options menu offers; 0 = as fast as the line allows.
+constexpr int RFR_RATES[] = {1, 2, 5, 10, 0};
+bool RFR_IsRate(int rate);
+double RFR_Period(); // seconds between ticks, by Option_nSweepRate and the lines in view
 
 // The next tick begins a sweep at the first visible line, whatever the last one found.
 void RFR_BeginSweep();
+// Communication was switched on or off: shows which, on the place that it shares with the
+// status. What was read before is old then.
+void RFR_ShowCommunication();
 // The main panel's timer: reads the next visible item while communication is on. Returns 0.
 int timerCB(int panel, int control, int event, int data);
 // Reads one item and, when it ends a sweep, redraws list, status and memory box. Returns 0.
-// An item without an address is marked as failed, but neither turns the status to
-// "Error" nor counts for auto-off: the link is not to blame.
+// A name that is not resolved is marked as failed but does not count for auto-off, for the
+// link is not to blame; a sweep without one good read is no "RUN" all the same.
 int updateListTextBox(int index);
 #endif

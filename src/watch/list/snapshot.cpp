@@ -5,6 +5,7 @@
 
 #include "platform/safe_file.h"
 #include "text/words.h"
+#include "watch/list/age.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 
@@ -28,32 +29,30 @@ std::string TypeOf(const LItem &item)
 std::string ValueOf(const LItem &item)
 {
     std::string text;
-    if (item.isValueGood)
+    if (LIT_HasNumber(item))
         FormatLItemVal(&text, item);
-    const size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin);
+    return WRD_Trim(text);
 }
 
 std::string RawOf(const LItem &item)
 {
-    const uint64_t raw = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    return item.isValueGood ? std::to_string(raw) : "";
+    return item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
 }
 
 std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
-        return "ok";
+        return AGE_IsOld(item) ? AGE_Tip(item) : "ok";
     return item.reason.empty() ? "not read" : item.reason;
 }
 
 } // namespace
 
-std::string SNP_Text()
+std::string SNP_Text(const std::vector<int> &lines)
 {
     std::string text = "Name\tAddress\tType\tValue\tState\n";
-    for (int i = 0; i < nLItems; ++i) {
-        const LItem &item = aLItems[i];
+    for (const int index : lines) {
+        const LItem &item = aLItems[index];
         text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
                 ValueOf(item) + '\t' + WRD_Visible(StateOf(item)) + '\n';
     }

@@ -1,13 +1,15 @@
 // The watch list as it stands, for other programs: tab-separated for the clipboard, CSV
-// in a file. Nothing is read from the target.
+// in a file. It takes the items as they are: whoever wants them fresh reads them first
+// (RDI_ReadAll). A value that is old says so as its state; what was not read stays blank.
 #ifndef WATCH_LIST_SNAPSHOT_H
 #define WATCH_LIST_SNAPSHOT_H
 
 #include <string>
+#include <vector>
 
-// One heading and one line an item: name, address, type, value, state; LF line ends.
-std::string SNP_Text();
-// The same with the raw value, comma-separated and quoted where needed; CR LF line ends.
+// One heading and one line for each of the items: name, address, type, value, state; LF ends.
+std::string SNP_Text(const std::vector<int> &lines);
+// All items, with the raw value, comma-separated and quoted where needed; CR LF line ends.
 std::string SNP_Csv();
 // 0, -1 cannot be opened, -2 cannot be written; an older file is kept on failure.
 int SNP_SaveCsv(const std::string &path);

@@ -14,16 +14,10 @@ namespace {
 constexpr const char *NO_VALUE = "-";
 constexpr int BITS_PER_LINE = 32;
 
-uint64_t BitsOf(const LItem &item)
-{
-    const uint64_t whole = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    return item.size == 8 ? whole : whole & ((uint64_t{1} << 8 * item.size) - 1);
-}
-
 int64_t SignedOf(const LItem &item)
 {
     const int unused = 64 - 8 * item.size;
-    return static_cast<int64_t>(BitsOf(item) << unused) >> unused;
+    return static_cast<int64_t>(LIT_Bits(item) << unused) >> unused;
 }
 
 double FloatOf(const LItem &item)
@@ -54,7 +48,7 @@ std::string VFM_Decimal(const LItem &item)
     if (row != nullptr && row->plainForm == 'f')
         return VFM_Float(item);
     return row != nullptr && row->plainForm == 'i' ? std::to_string(SignedOf(item))
-                                                   : std::to_string(BitsOf(item));
+                                                   : std::to_string(LIT_Bits(item));
 }
 
 std::string VFM_Hex(const LItem &item)
@@ -62,7 +56,7 @@ std::string VFM_Hex(const LItem &item)
     if (!item.isValueGood)
         return NO_VALUE;
     char text[24];
-    std::snprintf(text, sizeof text, "0x%0*" PRIX64, 2 * item.size, BitsOf(item));
+    std::snprintf(text, sizeof text, "0x%0*" PRIX64, 2 * item.size, LIT_Bits(item));
     return text;
 }
 
@@ -72,7 +66,7 @@ std::string VFM_Binary(const LItem &item)
         return NO_VALUE;
     std::string text;
     for (int bit = 8 * item.size - 1; bit >= 0; --bit) {
-        text += (BitsOf(item) >> bit & 1) != 0 ? '1' : '0';
+        text += (LIT_Bits(item) >> bit & 1) != 0 ? '1' : '0';
         if (bit != 0 && bit % 4 == 0)
             text += bit % BITS_PER_LINE == 0 ? '\n' : ' ';
     }

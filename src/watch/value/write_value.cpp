@@ -29,8 +29,7 @@ int WriteC166(const LItem &item, uint64_t bits)
     uint8_t bytes[8];
     const int count = BytesToWrite(item);
     BYT_PutLittle(bytes, static_cast<size_t>(count), bits);
-    const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
-    const int station = hasStation ? item.station : STATION;
+    const int station = LIT_Station(item);
     if (count == 8)
         return UCM_Write(station, item.address, 8, bytes) < 0 ? WRV_ERR_WRITE : WRV_OK;
     const int result =
@@ -45,9 +44,7 @@ int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
     const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
     if (mask != UINT32_MAX) {
         uint32_t before = 0;
-        const int result = TMS_ReadWord(STATION, item.address, TMS_POLLS_MEMORY, &before);
-        *cause = TMS_ErrorText(result);
-        if (result != TMS_OK)
+        if (RDI_ReadTmsWords(item.address, 1, &before, cause) != TMS_OK)
             return WRV_ERR_WRITE;
         word |= before & ~mask;
     }
@@ -83,8 +80,7 @@ std::string HeldText(const LItem &item)
 // Whether the value just read is the one that was written.
 bool IsHeld(const LItem &item, uint64_t bits)
 {
-    const uint64_t held = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-    return (held & MaskOfWritten(item)) == bits;
+    return (LIT_Bits(item) & MaskOfWritten(item)) == bits;
 }
 
 } // namespace
@@ -118,13 +114,17 @@ int WRV_Write(int index, const std::string &text, std::string *message)
         *message = "The value was not written: the item has no address.";
         return WRV_ERR_ADDRESS;
     }
+    if (!LIT_IsTMS(item) && item.address + static_cast<uint32_t>(BytesToWrite(item)) > ADDR_LIMIT) {
+        *message = "The value was not written: its last byte lies beyond the target's memory.";
+        return WRV_ERR_ADDRESS;
+    }
     uint64_t bits = 0;
     int result = WRV_Parse(item, text, &bits, message);
     if (result == WRV_OK)
         result = WriteBits(item, bits, message);
     if (result != WRV_OK)
         return result;
-    const int readResult = readValues(index);
+    const int readResult = RDI_ReadNow(index);
     if (readLItems)
         LSV_ShowValues();
     if (readResult != 0) {

@@ -2,8 +2,10 @@
 // words of the TMS320's through the mailbox.
 #include "watch/windows/mem_box.h"
 
+#include <cctype>
 #include <cstdarg>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
 #include "comm/sysaddr.h"
@@ -12,10 +14,14 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
 #include "watch/value/tms_float.h"
 #include "watch/value/value_types.h"
+#include "watch/windows/outcome_colors.h"
 
 char cMemBoxType = 'x';
 int nMemBoxItmSz = 2;
@@ -43,6 +49,7 @@ void AppendFormat(std::string *text, const char *format, ...)
 
 void Print(const std::string &text)
 {
+    SetCtrlAttribute(mainPanel, MAIN_MEM_BOX, ATTR_TEXT_COLOR, COLOR_PLAIN);
     SetCtrlVal(mainPanel, MAIN_MEM_BOX, text);
 }
 
@@ -51,6 +58,56 @@ int Failed(int result, const std::string &cause)
 {
     Print("\n " + cause);
     return result;
+}
+
+// --- the place ----------------------------------------------------------------------------
+
+int typedStation = -1; // in front of the address that is being read, -1 = the selected one
+
+enum Memory { BY_SELECTED_ITEM, OF_C166, OF_TMS };
+
+// What the address field says. A bare number is hexadecimal and means the memory of the
+// selected item; everything else is a place as it is everywhere else, and says whose.
+struct Place {
+    uint32_t address = 0;
+    int station = -1;
+    Memory memory = BY_SELECTED_ITEM;
+};
+
+bool IsBareNumber(const std::string &text)
+{
+    if (text.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
+        return false;
+    // A name of the map that could be one is the name: nobody writes "ADC" for 0xADC then.
+    const bool isLikeName = std::isdigit(static_cast<unsigned char>(text[0])) == 0;
+    return !isLikeName || GetSysAddrWk(text.c_str()) == ADDR_NONE;
+}
+
+// "" and the place, or why there is none.
+std::string FindPlace(const std::string &text, Place *place)
+{
+    const char *cursor = text.c_str();
+    place->station = GetStationModifier(&cursor);
+    if (place->station > STATION_MAX)
+        return "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
+    const std::string what = WRD_Trim(cursor);
+    if (what.empty())
+        return "An address or a name is missing behind the station.";
+    if (IsBareNumber(what)) {
+        const unsigned long long number = std::strtoull(what.c_str(), nullptr, 16);
+        place->address = number > ADDR_LIMIT ? ADDR_LIMIT : static_cast<uint32_t>(number);
+        return "";
+    }
+    place->memory = what[0] == '&' ? OF_TMS : OF_C166;
+    place->address = GetSysAddrWk(what.c_str());
+    return place->address == ADDR_NONE
+               ? "'" + what + "' is no address, and no loaded map knows such a name."
+               : "";
+}
+
+int StationToRead()
+{
+    return typedStation >= 0 ? typedStation : STATION;
 }
 
 std::string RawText(uint32_t address, const uint8_t *bytes)
@@ -123,6 +180,18 @@ std::string TypedText(uint32_t address, const uint8_t *bytes)
     return text;
 }
 
+std::string WordsText(uint32_t address, const uint32_t *words)
+{
+    std::string text =
+        "  ADDR:         |     hex:          long:      unsign. long:     TMS float:\n "
+        "------------------------------------------------------------------------";
+    for (int i = 0; i < TMS_WORDS; ++i)
+        AppendFormat(&text, "\n %08x (%+3i):|  %08X   %12d    %12u    %12g",
+                     address + static_cast<uint32_t>(i), i, words[i],
+                     static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
+    return text;
+}
+
 void TakeItemType(int index)
 {
     if (index < 0 || index >= nLItems)
@@ -152,8 +221,9 @@ int read166Memory(uint32_t address)
                                    : static_cast<uint32_t>(sizeof bytes);
     if (address > ADDR_LIMIT - count)
         return Failed(-1, OUT_OF_RANGE);
-    if (UCM_Read(STATION, address, count, bytes) < 0)
-        return Failed(-1, UCM_LastErrorText());
+    std::string cause;
+    if (RDI_ReadBytes(StationToRead(), address, count, bytes, &cause) < 0)
+        return Failed(-1, cause);
     Print(isTyped ? TypedText(address, bytes) : RawText(address, bytes));
     return 0;
 }
@@ -162,19 +232,60 @@ int readTMSMemory(uint32_t address)
 {
     if (address > ADDR_LIMIT - TMS_WORDS)
         return Failed(TMS_ERR_SEND, OUT_OF_RANGE);
-    Print("  ADDR:         |     hex:          long:      unsign. long:     TMS float:\n "
-          "------------------------------------------------------------------------");
-    for (int offset = 0; offset < TMS_WORDS; ++offset) {
-        const uint32_t place = address + static_cast<uint32_t>(offset);
-        uint32_t word = 0;
-        const int result = TMS_ReadWord(STATION, place, TMS_POLLS_MEMORY, &word);
-        if (result != TMS_OK)
-            return Failed(result, TMS_ErrorText(result));
-        std::string line;
-        AppendFormat(&line, "\n %08x (%+3i):|  %08X   %12d    %12u    %12g", place, offset, word,
-                     static_cast<int32_t>(word), word, TMS_IEEE(word));
-        Print(line);
+    // The mailbox answers for the selected station whoever was asked.
+    if (typedStation >= 0 && typedStation != STATION)
+        return Failed(TMS_ERR_SEND, "Select station " + std::to_string(typedStation) +
+                                        " to see the memory of its TMS320.");
+    uint32_t words[TMS_WORDS];
+    std::string cause;
+    const int result = RDI_ReadTmsWords(address, TMS_WORDS, words, &cause);
+    if (result != TMS_OK)
+        return Failed(result, cause);
+    Print(WordsText(address, words));
+    return 0;
+}
+
+void MBX_Update(int selected)
+{
+    int isOn = 0;
+    if (GetCtrlVal(mainPanel, MAIN_MEM_SWITCH, &isOn) < 0 || !isOn)
+        return;
+    std::string text;
+    GetCtrlVal(mainPanel, MAIN_MEM_ADDR, &text);
+    text = WRD_Trim(text);
+    if (text.empty())
+        return;
+    ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
+    Place place;
+    const std::string refusal = FindPlace(text, &place);
+    if (!refusal.empty()) {
+        Print("\n " + refusal);
+        return;
     }
+    typedStation = place.station;
+    if (place.memory == BY_SELECTED_ITEM) {
+        ReadMemory(place.address, selected);
+    } else if (place.memory == OF_TMS) {
+        SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
+        readTMSMemory(place.address);
+    } else {
+        TakeItemType(selected);
+        read166Memory(place.address);
+    }
+    typedStation = -1;
+}
+
+void MBX_ShowOld()
+{
+    SetCtrlAttribute(mainPanel, MAIN_MEM_BOX, ATTR_TEXT_COLOR, COLOR_OLD);
+}
+
+int MBX_PlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+{
+    if (event == EVENT_VAL_CHANGED || event == EVENT_COMMIT)
+        MBX_ShowOld();
+    if (event == EVENT_COMMIT && isTimer && nLItems > 0)
+        MBX_Update(LSV_Selected());
     return 0;
 }
 

@@ -14,6 +14,14 @@ int readTMSMemory(uint32_t address); // 0, or TMS_ERR_ of the mailbox
 extern char cMemBoxType;             // of the typed memory box: the selected item's
 extern int nMemBoxItmSz;             // bytes
 
+// Reads what the address field names, when the box is switched on: a bare hexadecimal number
+// in the memory of the selected item, or a place as it is typed everywhere else ("wSpeed",
+// "3:$1F00", "&fCurrent"). Says in the box what is no place.
+void MBX_Update(int selected);
+void MBX_ShowOld(); // what the box shows was read some time ago: drawn in grey
+// Address field and switches of the box: old until it was read again.
+int MBX_PlaceCB(int panel, int control, int event, int data);
+
 // What the box shows, a line a row, its cells separated by tabs: of raw memory every byte
 // and the characters, of typed or TMS320 memory every column.
 std::string MBX_TabbedText();

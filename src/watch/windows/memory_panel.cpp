@@ -14,6 +14,7 @@
 #include "text/bytes.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
 #include "watch/windows/name_completion.h"
 #include "watch/windows/outcome_colors.h"
 #include "watch/windows/selector_row.h"
@@ -40,12 +41,6 @@ void Say(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, MEMORY_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, MEMORY_RESULT, text);
-}
-
-std::string LastCause()
-{
-    const std::string cause = UCM_LastErrorText();
-    return (cause.empty() ? "no answer" : cause) + ".";
 }
 
 // --- lines ------------------------------------------------------------------------------
@@ -126,18 +121,24 @@ bool FindStart(uint32_t *address, int *station, std::string *message)
     return *station <= STATION_MAX;
 }
 
+std::string PlaceText(uint32_t address, int station)
+{
+    char place[80];
+    std::snprintf(place, sizeof place, "byte address 0x%06X", address);
+    std::string text = place;
+    if (IsWordAddressing(Procesor))
+        text += ", word address 0x" + SEL_AddressText(address);
+    return text + ", station " + std::to_string(station);
+}
+
 void ShowPlace()
 {
     uint32_t address = 0;
     int station = -1;
     std::string text;
     if (FindStart(&address, &station, &text)) {
-        char place[80];
-        std::snprintf(place, sizeof place, "Byte address 0x%06X", address);
-        text = place;
-        if (IsWordAddressing(Procesor))
-            text += ", word address 0x" + SEL_AddressText(address);
-        text += ", station " + std::to_string(station < 0 ? STATION : station);
+        text = PlaceText(address, station < 0 ? STATION : station);
+        text[0] = 'B';
     }
     SetCtrlVal(PANEL, MEMORY_PLACE, text);
 }
@@ -165,6 +166,16 @@ bool TakeTyped(Range *wanted)
     return true;
 }
 
+// Whether the place in the address field is that of the bytes below it.
+bool IsPlaceShown()
+{
+    uint32_t address = 0;
+    int station = -1;
+    std::string message;
+    return FindStart(&address, &station, &message) && address == range.start &&
+           (station < 0 ? STATION : station) == range.station;
+}
+
 // What could not be read is not left on the screen as if it had been.
 void ReadAndShow()
 {
@@ -176,8 +187,9 @@ void ReadAndShow()
         return;
     }
     const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
-    const bool isRead = UCM_Read(wanted.station, wanted.start, count, wanted.bytes.data()) >= 0;
-    const std::string cause = isRead ? "" : LastCause();
+    std::string cause;
+    const bool isRead =
+        RDI_ReadBytes(wanted.station, wanted.start, count, wanted.bytes.data(), &cause) == 0;
     if (!isRead)
         wanted.bytes.clear();
     range = wanted;
@@ -187,7 +199,7 @@ void ReadAndShow()
                 std::to_string(range.station) + ".",
             COLOR_PLAIN);
     else
-        Say("Not read: " + cause, COLOR_BAD);
+        Say("Not read: " + cause + ".", COLOR_BAD);
 }
 
 // --- writing ----------------------------------------------------------------------------
@@ -232,15 +244,14 @@ void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
 {
     const uint32_t address = range.start + static_cast<uint32_t>(first);
     const bool isWritten = WriteChanged(address, before, wanted);
-    const std::string cause = isWritten ? "" : LastCause();
+    std::string cause = isWritten ? "" : UCM_LastErrorText();
+    if (!isWritten)
+        Say("FAILED: Not written, or only in part: " + cause + ".", COLOR_BAD);
     Bytes held(before.size());
-    const bool isRead =
-        UCM_Read(range.station, address, static_cast<uint32_t>(held.size()), held.data()) >= 0;
-    if (!isWritten) {
-        Say("FAILED: Not written, or only in part: " + cause, COLOR_BAD);
-    } else if (!isRead) {
-        Say("NOT VERIFIED: Written, but the line could not be read: " + LastCause(), COLOR_WARN);
-    }
+    const bool isRead = RDI_ReadBytes(range.station, address, static_cast<uint32_t>(held.size()),
+                                      held.data(), &cause) == 0;
+    if (isWritten && !isRead)
+        Say("NOT VERIFIED: Written, but the line could not be read: " + cause + ".", COLOR_WARN);
     if (!isRead)
         return;
     std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
@@ -262,6 +273,12 @@ void WriteAndShow()
     const Bytes before(begin, begin + static_cast<long>(LineBytes(first)));
     Bytes wanted;
     std::string text;
+    if (!IsPlaceShown()) {
+        Say("REFUSED: The bytes are those of " + PlaceText(range.start, range.station) +
+                ": press Read for the place above.",
+            COLOR_BAD);
+        return;
+    }
     GetCtrlVal(PANEL, MEMORY_LINE, &text);
     const std::string error = BYT_Parse(text, before.size(), &wanted);
     if (!error.empty())

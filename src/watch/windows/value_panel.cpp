@@ -7,11 +7,11 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
+#include "watch/list/age.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
 #include "watch/value/value_forms.h"
 #include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
@@ -106,10 +106,19 @@ std::string ListText(const LItem &item)
 {
     if (!item.isValueGood)
         return item.reason.empty() ? "not read yet" : item.reason;
+    if (!LIT_HasNumber(item))
+        return "a rate takes two reads";
     std::string text;
     FormatLItemVal(&text, item);
     const size_t begin = text.find_first_not_of(' ');
     return begin == std::string::npos ? "" : text.substr(begin);
+}
+
+int ColorOf(const LItem &item)
+{
+    if (!item.isValueGood)
+        return item.reason.empty() ? COLOR_OLD : COLOR_BAD;
+    return AGE_IsOld(item) || !LIT_HasNumber(item) ? COLOR_OLD : COLOR_PLAIN;
 }
 
 // Goes over the screen four times a second: what is the same stays untouched.
@@ -132,8 +141,8 @@ void ShowItem(const LItem &item)
     Put(VALUE_BINARY, VFM_Binary(item));
     Put(VALUE_FLOAT, VFM_Float(item));
     Put(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
-    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR,
-                     item.isValueGood || item.reason.empty() ? COLOR_PLAIN : COLOR_BAD);
+    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR, ColorOf(item));
+    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TOOLTIP_TEXT, AGE_Tip(item));
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, !LIT_HasAddress(item));
 }
@@ -150,7 +159,7 @@ void ShowGone()
 // Reads the item and shows it; false when it could not be read.
 bool ReadItem(int index)
 {
-    const bool isGood = readValues(index) == 0;
+    const bool isGood = RDI_ReadNow(index) == 0;
     if (readLItems)
         LSV_ShowValues();
     VLP_Refresh();
@@ -199,7 +208,7 @@ void WriteAndShow()
 bool IsSwept(int index)
 {
     const int first = LSV_FirstVisible();
-    return index >= first && index < first + SWEEP_LINES;
+    return index >= first && index < first + LSV_LinesInView();
 }
 
 bool IsPressed(int event, int data)
@@ -281,7 +290,7 @@ int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
         return 0;
     const int index = EDT_Find(shown);
     if (index >= 0 && !IsSwept(index) && LIT_HasAddress(aLItems[index]))
-        readValues(index);
+        RDI_ReadNow(index);
     VLP_Refresh();
     return 0;
 }
