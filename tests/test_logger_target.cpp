@@ -2,6 +2,7 @@
 // which it fails.
 #include "logger/dlld.h"
 
+#include "comm/communication.h"
 #include "logger/dlld_record.h"
 #include "support/console_rig.h"
 #include "support/log_builder.h"

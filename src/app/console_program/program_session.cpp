@@ -3,11 +3,11 @@
 #include <csignal>
 #include <cstdio>
 
-#include "settings/settings.h"
 #include "app/console_program/lineedit.h"
 #include "app/console_program/sessions.h"
 #include "loader/program.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 
 namespace {
 

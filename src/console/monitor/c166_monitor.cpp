@@ -14,6 +14,8 @@
 #include "settings/settings.h"
 
 uint32_t dwAddr = 0;
+int CON_nRefused = 0;
+int CON_nFailed = 0;
 
 namespace {
 
@@ -170,6 +172,11 @@ int RunOnLink(int panel, const char *line)
 int InterpretLine(int panel, const char *line)
 {
     if (!IsAdmitted(line)) {
+        if (VR_isFullCommandSet) {
+            PrintMonStr("Unknown command. Try 'h' for help.");
+            return -1;
+        }
+        CON_nRefused++;
         CON_Print("Sorry, unknown or unsupported command ('%s').", line);
         return 0;
     }
