@@ -280,6 +280,15 @@ TEST_F(Transfer, DumpOfANameReadsItsStation)
     EXPECT_NE(Run("dn byMode").find("008102: |   11"), std::string::npos);
 }
 
+TEST_F(Transfer, MapsNeedNoPort)
+{
+    WriteMap("p.m66");
+    ncom = 9; // nothing is there
+    EXPECT_EQ(Run("m p.m66").find("COM9"), std::string::npos);
+    EXPECT_EQ(nNodes, 4);
+    EXPECT_NE(Run("hexload none.hex").find("COM9"), std::string::npos);
+}
+
 TEST_F(Transfer, NumberFilesThatAreNone)
 {
     const struct {
