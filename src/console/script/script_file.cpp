@@ -190,10 +190,10 @@ int SCR_RunAndReport(const std::string &fileName, int panel)
 
 void SCR_ReportResult(const std::string &fileName, int result)
 {
-    if (result < 0)
-        PrintMonStr(SCR_GetResultText(result));
     if (result < SCRIPT_NOT_OPENED)
         CON_Print("%s, line %d: %s", fileName.c_str(), COUNTER_START - result, failedLine.c_str());
+    if (result < 0)
+        PrintMonStr(SCR_GetResultText(result));
     if (nDepth == 0 && CON_nRefused > 0)
         CON_Print("%d lines were refused: they need the full command set.", CON_nRefused);
 }
