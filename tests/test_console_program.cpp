@@ -99,7 +99,7 @@ TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
 TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
 {
     const Outcome outcome = Run("-s3", "station 5\r\nnonsense\n  exit \nstation 7\n");
-    EXPECT_EQ(0, outcome.code);
+    EXPECT_EQ(1, outcome.code) << "a line was refused";
     EXPECT_NE(std::string::npos, outcome.out.find("station 5 -> OK!"));
     EXPECT_NE(std::string::npos,
               outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
@@ -109,6 +109,28 @@ TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
     EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
     EXPECT_NE(std::string::npos, tooLong.out.find("station 6 -> OK!"));
+}
+
+TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
+{
+    Write("s.scr", "station 2\nd 1000\nsave x, u1, 1, f\nstation 3\n");
+    Write("t.scr", "station 2\n  station 99\nstation 3\n");
+    const struct {
+        std::string arguments, input;
+        int code;
+        std::string says;
+    } cases[] = {{"", "station 2\n", 0, "OK!"},
+                 {"", "station 99\nstation 2\n", 1, "OK!"},
+                 {"", std::string(600, 'x') + "\n", 1, "was not run"},
+                 {"s.scr", "", 1, "2 lines were refused"},
+                 {"t.scr", "", 1, "t.scr, line 2: station 99"},
+                 {"--full", "zebra\n", 1, "Unknown command."},
+                 {"--full", "! s.scr\n", 1, "s.scr, line 2: d 1000"}};
+    for (const auto &c : cases) {
+        const Outcome outcome = Run(c.arguments, c.input);
+        EXPECT_EQ(c.code, outcome.code) << c.arguments << c.input << outcome.err;
+        EXPECT_NE(std::string::npos, outcome.out.find(c.says)) << outcome.out;
+    }
 }
 
 // The descriptors' numbers must not be taken by the port or by a file either.

@@ -179,7 +179,7 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
         {"xsave 8000H, 4096, f", "XSave: communication failure.", "XSave: cancelled by the user."},
         {"binload 8000H, 4096, in.bin", "BinLoad: communication failure.",
          "BinLoad: cancelled by the user."},
-        {"load 8000H, u1, 1000, in.txt", "Load: chyba pri zapisu dat do systemu.",
+        {"load 8000H, u1, 1000, in.txt", "Load: chyba pri zapisu dat do systemu. ",
          "Load: preruseno uzivatelem."}};
     WriteFileText("f", "old");
     for (const auto &c : cases) {
@@ -230,11 +230,63 @@ TEST_F(Transfer, FullDisk)
 TEST_F(Transfer, FailedWriteSaysSo)
 {
     SIM_SetErrorCode(target, 8, 100);
-    EXPECT_EQ(Run("write 2, 1, 8100H"),
-              "ERROR - write: Selhani komunikace.\nwrite 2, 1, 8100H ->Error\n");
+    EXPECT_EQ(
+        Run("write 2, 1, 8100H"),
+        "ERROR - write: Selhani komunikace. (target error code 100)\nwrite 2, 1, 8100H ->Error\n");
     EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
     WriteFileText("f", "int\n5\n");
     EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
+}
+
+// Nothing reaches the target of a value or stretch that does not fit.
+TEST_F(Transfer, WriteRefusesWhatDoesNotFit)
+{
+    Poke(0xFFFFFE, {7, 8});
+    Poke(0x8100, {9, 9});
+    const struct {
+        const char *line, *says;
+    } refused[] = {{"write 2, 99999, 8100H", "hodnota ma byt od -32768 do 65535."},
+                   {"write 2, -32769, 8100H", "hodnota ma byt od -32768 do 65535."},
+                   {"write 1, 300, 8100H", "hodnota ma byt od -128 do 255."},
+                   {"writeNA 1, -129, 8100H", "hodnota ma byt od -128 do 255."},
+                   {"write 2, 1, 0FFFFFFH", "posledni byte lezi za adresou FFFFFF."},
+                   {"write 4, 1, 0FFFFFDH", "posledni byte lezi za adresou FFFFFF."}};
+    for (const auto &c : refused)
+        EXPECT_NE(Run(c.line).find(c.says), std::string::npos) << c.line;
+    EXPECT_EQ(Peek(0xFFFFFE, 2), (std::vector<uint8_t>{7, 8}));
+    EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{9, 9}));
+    for (const char *line :
+         {"write 2, 65535, 8100H", "write 2, -32768, 8100H", "write 1, 255, 8100H",
+          "write 1, -128, 8100H", "write 2, 1, 0FFFFFEH", "write 4, -1, 8100H"})
+        EXPECT_EQ(Run(line), std::string(line) + " -> OK!\n");
+}
+
+TEST_F(Transfer, BinLoadTellsOfAnotherLength)
+{
+    WriteFileText("in.bin", "abcd");
+    EXPECT_NE(Run("binload 8000H, 3, in.bin").find("longer than 3 bytes"), std::string::npos);
+    EXPECT_NE(Run("binload 8000H, 5, in.bin").find("shorter than 5 bytes"), std::string::npos);
+    EXPECT_EQ(Run("binload 8000H, 4, in.bin").find("Warning"), std::string::npos);
+}
+
+TEST_F(Transfer, DumpOfANameReadsItsStation)
+{
+    WriteMap("p.m66");
+    Run("m p.m66");
+    const uint8_t here[] = {0x11}, there[] = {0x33};
+    SIM_Poke(target, 1, 0x8102, here, 1);
+    SIM_Poke(target, 3, 0x8102, there, 1);
+    EXPECT_NE(Run("dn 3:byMode").find("008102: |   33"), std::string::npos);
+    EXPECT_NE(Run("dn byMode").find("008102: |   11"), std::string::npos);
+}
+
+TEST_F(Transfer, MapsNeedNoPort)
+{
+    WriteMap("p.m66");
+    ncom = 9; // nothing is there
+    EXPECT_EQ(Run("m p.m66").find("COM9"), std::string::npos);
+    EXPECT_EQ(nNodes, 4);
+    EXPECT_NE(Run("hexload none.hex").find("COM9"), std::string::npos);
 }
 
 TEST_F(Transfer, NumberFilesThatAreNone)

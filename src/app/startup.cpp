@@ -79,8 +79,7 @@ void RunScript(const char *path)
     WindowCB(0, ITEM_CONSOLE_VIEW);
     VR_isScriptRun = true;
     VR_nScriptResult = ExecMonScript(path, consolePanel);
-    if (VR_nScriptResult < 0)
-        PrintMonStr(SCR_GetResultText(VR_nScriptResult));
+    SCR_ReportResult(path, VR_nScriptResult);
 }
 
 } // namespace

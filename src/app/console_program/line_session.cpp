@@ -62,8 +62,10 @@ int CPG_RunSession()
         const int result = isTyped ? ReadTyped(&line) : ReadPiped(&line);
         if (result == 0)
             break;
-        if (result < 0)
+        if (result < 0) {
+            CON_nFailed++;
             continue;
+        }
         HL_SetUserVal(consolePanel, CONSOLE_INPUT, line);
         HL_Key(consolePanel, CONSOLE_INPUT, KEY_ENTER);
     }
@@ -74,5 +76,5 @@ int CPG_RunSession()
 int CPG_RunScript()
 {
     VIR2_StopPeriodicASC();
-    return VR_nScriptResult < 0 ? 1 : 0;
+    return VR_nScriptResult < 0 || CON_nRefused > 0 ? 1 : 0;
 }

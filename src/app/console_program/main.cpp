@@ -11,6 +11,7 @@
 #include "calendar/archive.h"
 #include "comm/modbus.h"
 #include "comm/trace.h"
+#include "console/monitor/monitor.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/view.h"
@@ -67,6 +68,10 @@ int Run(const CPG_Options &options, int argc, char **argv)
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
+    // A person has seen what failed; a program behind a pipe sees the exit code only. The
+    // session ends like a window, whose code knows nothing of lines.
+    else if (code == 0 && !LNE_IsTerminal() && CON_nFailed > 0)
+        code = 1;
     CPG_RepeatMessage();
     return code < 0 ? 1 : code;
 }

@@ -80,9 +80,12 @@ int WriteValues(const char *label, uint32_t address, const std::vector<uint8_t> 
     uint32_t written = 0;
     const TransferResult result = TRF_Write(plan, bytes.data(), &written);
     if (result == TRANSFER_CANCELLED)
-        return SCR_Fail(CON_Format("%s: preruseno uzivatelem.", label));
+        return SCR_Fail(CON_Format("%s: preruseno uzivatelem. %u of %u bytes written.", label,
+                                   written, plan.count));
     if (result != TRANSFER_DONE)
-        return SCR_Fail(CON_Format("%s: chyba pri zapisu dat do systemu.", label));
+        return SCR_FailLink(
+            CON_Format("%s: chyba pri zapisu dat do systemu. %u of %u bytes written.", label,
+                       written, plan.count));
     return 0;
 }
 

@@ -18,7 +18,7 @@ int FailTransfer(TransferResult result, const char *label)
     if (result == TRANSFER_CANCELLED)
         return SCR_Fail(CON_Format("%s: preruseno uzivatelem.", label));
     // `dump` says "Save", too: procedures look for this one text.
-    return SCR_Fail("Save: chyba v komunikaci");
+    return SCR_FailLink("Save: chyba v komunikaci");
 }
 
 // --- save -----------------------------------------------------------------------------------

@@ -34,7 +34,8 @@ int FailTransfer(TransferResult result, const char *label)
         text = "file write failure.";
     else if (result == TRANSFER_CANCELLED)
         text = "cancelled by the user.";
-    return SCR_Fail(CON_Format("%s: %s", label, text));
+    const std::string message = CON_Format("%s: %s", label, text);
+    return result == TRANSFER_LINK ? SCR_FailLink(message) : SCR_Fail(message);
 }
 
 bool PutBytes(std::FILE *file, const uint8_t *bytes, uint32_t count)
@@ -82,8 +83,8 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
     return SAF_Commit(&file) < 0 ? FailTransfer(TRANSFER_TAKER, label) : 0;
 }
 
-// At most `limit` bytes of the file; false when it cannot be read.
-bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes)
+// At most `limit` bytes of the file and whether it holds more; false when it cannot be read.
+bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes, bool *isLonger)
 {
     std::FILE *file = nullptr;
     if (PLF_Open(fileName, PLF_ANY_SIZE, &file) != PLF_OK)
@@ -96,6 +97,7 @@ bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes)
         if (count == 0)
             break;
     }
+    *isLonger = std::fgetc(file) != EOF;
     const bool isGood = std::ferror(file) == 0;
     std::fclose(file);
     return isGood;
@@ -125,14 +127,20 @@ int SCR_BinLoad(ScrPar *par)
     if (Resolve(par, "BinLoad: invalid script parameters.", &request) < 0)
         return -1;
     std::vector<uint8_t> bytes;
-    if (!ReadFile(par[2].text, request.count, &bytes))
+    bool isLonger = false;
+    if (!ReadFile(par[2].text, request.count, &bytes, &isLonger))
         return SCR_Fail(CON_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
+    if (isLonger || bytes.size() < request.count)
+        CON_Print("Warning: the file is %s than %u bytes.", isLonger ? "longer" : "shorter",
+                  request.count);
     const TransferPlan plan = {request.address, static_cast<uint32_t>(bytes.size()), BLOCK_BYTES,
                                TRF_METER_BINARY};
     uint32_t written = 0;
     const TransferResult result = TRF_Write(plan, bytes.data(), &written);
-    if (result != TRANSFER_DONE)
+    if (result != TRANSFER_DONE) {
+        CON_Print("%u of %u bytes written.", written, plan.count);
         return FailTransfer(result, "BinLoad");
+    }
     CON_Print("%u bytes written.", written);
     return 0;
 }

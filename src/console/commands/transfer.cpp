@@ -69,11 +69,13 @@ template <typename Move> TransferResult RunBlocks(const TransferPlan &plan, Move
 TransferResult TRF_Read(const TransferPlan &plan, const TransferTaker &take)
 {
     std::vector<uint8_t> block(plan.blockBytes);
-    return RunBlocks(plan, [&](uint32_t at, uint32_t count) {
+    const TransferResult result = RunBlocks(plan, [&](uint32_t at, uint32_t count) {
         if (UCM_Read(STATION, plan.address + at, count, block.data()) < 0)
             return TRANSFER_LINK;
         return take(plan.address + at, block.data(), count) ? TRANSFER_DONE : TRANSFER_TAKER;
     });
+    // Equipment on the line may have repeated an answer: only proven bytes count as read.
+    return result == TRANSFER_DONE && UCM_Prove() != UCM_PROVEN ? TRANSFER_LINK : result;
 }
 
 TransferResult TRF_Write(const TransferPlan &plan, const uint8_t *bytes, uint32_t *written)

@@ -16,7 +16,7 @@ struct TransferPlan {
 
 enum TransferResult {
     TRANSFER_DONE = 0,
-    TRANSFER_LINK = -1,      // the target did not answer
+    TRANSFER_LINK = -1,      // the target did not answer, or not provably
     TRANSFER_TAKER = -2,     // the taker refused a block
     TRANSFER_CANCELLED = -3, // by the user, before the next block
 };

@@ -14,6 +14,8 @@
 #include "settings/settings.h"
 
 uint32_t dwAddr = 0;
+int CON_nRefused = 0;
+int CON_nFailed = 0;
 
 namespace {
 
@@ -100,11 +102,12 @@ struct Letter {
     char letter;
     int (*run)(int panel, const char *argument);
     bool areBlanksKept; // the argument begins right behind the letter
+    bool isOffline;     // needs no open port
 };
-const Letter LETTERS[] = {{'d', DumpLetter, false},  {'!', ScriptLetter, false},
-                          {'s', StoreLetter, false}, {'t', TmsLetter, false},
-                          {'w', WriteLetter, false}, {'h', HelpLetter, false},
-                          {'l', LoadLetter, false},  {'m', RdMapFile, true}};
+const Letter LETTERS[] = {{'d', DumpLetter, false, false},  {'!', ScriptLetter, false, false},
+                          {'s', StoreLetter, false, false}, {'t', TmsLetter, false, true},
+                          {'w', WriteLetter, false, false}, {'h', HelpLetter, false, true},
+                          {'l', LoadLetter, false, false},  {'m', RdMapFile, true, true}};
 
 const Letter *FindLetter(char letter)
 {
@@ -170,6 +173,11 @@ int RunOnLink(int panel, const char *line)
 int InterpretLine(int panel, const char *line)
 {
     if (!IsAdmitted(line)) {
+        if (VR_isFullCommandSet) {
+            PrintMonStr("Unknown command. Try 'h' for help.");
+            return -1;
+        }
+        CON_nRefused++;
         CON_Print("Sorry, unknown or unsupported command ('%s').", line);
         return 0;
     }
@@ -181,6 +189,12 @@ int InterpretLine(int panel, const char *line)
     int result = ExecScrCmd(line, SCR_aTable + SCR_cnTarget, SCR_cnTable - SCR_cnTarget);
     if (result != SCR_UNKNOWN)
         return ReportCommand(result, line, "-> Error!");
+    const Letter *letter = FindLetter(*line);
+    const std::string word(line, CON_NameLength(line));
+    // "mf" and "mfo" read the map out of the target.
+    if (letter && letter->isOffline && word.compare(0, 2, "mf") != 0 &&
+        !SCR_Find(word, SCR_aTable, SCR_cnTarget))
+        return RunLetter(panel, line);
     if (CON_HoldLink(LINK_ASK_FOR_PORT) < 0)
         return -1;
     result = RunOnLink(panel, line);

@@ -10,7 +10,9 @@
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
+#include "console/monitor/word.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
@@ -40,6 +42,27 @@ std::string FormatFloat(const uint8_t *bytes)
     float value = 0;
     std::memcpy(&value, &bits, sizeof value);
     return CON_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
+}
+
+// Rows are shown as they come; false, with a message, when they turn out not to be proven.
+bool AreRowsProven()
+{
+    if (UCM_Prove() == UCM_PROVEN)
+        return true;
+    MEM_Fail("The line repeats answers: the values above may be wrong, read them again.");
+    return false;
+}
+
+// A valid station in front of a name ("3:name"), else the present one.
+int32_t GetNameStation(const std::string &name)
+{
+    const char *cursor = CON_SkipBlanks(name.c_str());
+    if (*cursor == '&')
+        cursor = CON_SkipBlanks(cursor + 1);
+    uint32_t station = 0;
+    if (!CON_ParseDecimal(&cursor, &station) || *CON_SkipBlanks(cursor) != ':')
+        return STATION;
+    return station <= STATION_MAX ? static_cast<int32_t>(station) : STATION;
 }
 
 // Bytes from the variable to the next symbol of the map, at most NODE_BYTES_MAX.
@@ -75,7 +98,7 @@ int dump(int, uint32_t address)
         PrintMonStr(line);
         address += count;
     }
-    return 0;
+    return AreRowsProven() ? 0 : -1;
 }
 
 int dump_compl(int, uint32_t address)
@@ -95,7 +118,7 @@ int dump_compl(int, uint32_t address)
             row += FormatFloat(bytes + i + 1 - FLOAT_BYTES);
         PrintMonStr(row);
     }
-    return 0;
+    return AreRowsProven() ? 0 : -1;
 }
 
 int dump_Naddr(int, uint32_t address, uint32_t count)
@@ -130,11 +153,12 @@ int dump_node(int, const std::string &name)
     PrintMonStr(" ADDR:   |   hex:     long:     ulong:");
     PrintMonStr(std::string(NODE_RULE, '-'));
     const uint32_t size = GetNodeSize(address);
+    const int32_t station = GetNameStation(name);
     for (uint32_t i = 0; i < size && address + i < ADDR_LIMIT; i++) {
         uint8_t byte = 0;
-        if (UCM_Read(STATION, address + i, 1, &byte) < 0)
+        if (UCM_Read(station, address + i, 1, &byte) < 0)
             return MEM_Fail(NO_ANSWER);
         CON_Print("\n %06x: |%s\n", address + i, FormatByte(byte).c_str());
     }
-    return 0;
+    return AreRowsProven() ? 0 : -1;
 }

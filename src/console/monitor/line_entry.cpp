@@ -53,44 +53,47 @@ void ShowNewer()
     ShowSlot();
 }
 
-void RunC166Line(int panel, const std::string &line)
+int RunC166Line(int panel, const std::string &line)
 {
     CON_Print(" %s > %s", VR1_GetCpuPrompt(), line.c_str());
     StoreLine(line);
-    RunMonitor(panel, line.c_str());
+    const int result = RunMonitor(panel, line.c_str());
     if (command == CMD_C166)
         CON_ShowModePrompt();
+    return result;
 }
 
-void RunTmsLine(int panel, const std::string &line)
+int RunTmsLine(int panel, const std::string &line)
 {
     CON_Print(" S166\\TMS > %s", line.c_str());
     StoreLine(line);
-    RunTMSMonitor(panel, line.c_str());
+    const int result = RunTMSMonitor(panel, line.c_str());
     if (command == CMD_TMS)
         CON_ShowModePrompt();
+    return result;
 }
 
-void RunMapName(int panel, const std::string &line)
+int RunMapName(int panel, const std::string &line)
 {
-    LoadMapFile(panel, line.c_str());
+    const int result = LoadMapFile(panel, line.c_str());
     command = CMD_C166;
     CON_ShowModePrompt();
+    return result;
 }
 
-void RunC166Value(int panel, const std::string &line)
+int RunC166Value(int panel, const std::string &line)
 {
-    WriteD(panel, line.c_str());
+    return WriteD(panel, line.c_str());
 }
 
-void RunTmsValue(int panel, const std::string &line)
+int RunTmsValue(int panel, const std::string &line)
 {
-    WriteT(panel, line.c_str());
+    return WriteT(panel, line.c_str());
 }
 
 struct Mode {
     int32_t mode;
-    void (*run)(int panel, const std::string &line);
+    int (*run)(int panel, const std::string &line); // negative: the line failed
 };
 const Mode MODES[] = {{CMD_C166, RunC166Line},
                       {CMD_TMS, RunTmsLine},
@@ -100,9 +103,11 @@ const Mode MODES[] = {{CMD_C166, RunC166Line},
 
 void RunInMode(int panel, const std::string &line)
 {
+    CON_nRefused = 0;
     for (const Mode &mode : MODES) {
         if (mode.mode == command) {
-            mode.run(panel, line);
+            if (mode.run(panel, line) < 0 || CON_nRefused > 0)
+                CON_nFailed++;
             return;
         }
     }
@@ -124,6 +129,7 @@ int EnterLine(int panel, int control)
     if (line.size() > LINE_CHARS_MAX) {
         CON_Print("The line is longer than %d characters and was not run.",
                   static_cast<int>(LINE_CHARS_MAX));
+        CON_nFailed++;
         return 0;
     }
     isRunning = true;

@@ -35,6 +35,8 @@ int StrinCB(int panel, int control, int event, int data);
 extern bool CON_isExit;
 
 // --- line interpreters: 0, or negative ---------------------------------------------------
+extern int CON_nRefused; // lines the gate refused since the last line was entered or script begun
+extern int CON_nFailed;  // lines entered at the prompt that were refused or failed
 int RunMonitor(int panel, const char *line);
 int RunTMSMonitor(int panel, const char *line);
 bool CON_IsGateWord(const char *line);   // its first word passes without the full command set

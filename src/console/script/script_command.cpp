@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/word.h"
 
@@ -84,6 +85,13 @@ int SCR_Fail(const std::string &text)
 {
     szScrFnErrMsg = "ERROR - " + text;
     return -1;
+}
+
+// A link that did not fail has not proven either: answers came more than once.
+int SCR_FailLink(const std::string &text)
+{
+    const std::string cause = UCM_LastErrorText();
+    return SCR_Fail(text + " (" + (cause.empty() ? "answers came twice, try again" : cause) + ")");
 }
 
 std::string SCR_GetAbsentText(const std::string &name)

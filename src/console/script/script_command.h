@@ -41,6 +41,8 @@ const ScrRow *SCR_Find(const std::string &name, const ScrRow *table, int count);
 
 // Sets szScrFnErrMsg to "ERROR - " and the text. Always -1.
 int SCR_Fail(const std::string &text);
+// The same for what the link refused: its cause follows in parentheses.
+int SCR_FailLink(const std::string &text);
 std::string SCR_GetAbsentText(const std::string &name);
 
 #endif

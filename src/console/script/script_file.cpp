@@ -26,6 +26,8 @@ struct Script {
 };
 
 int nDepth = 0;
+int nInnerLines = 0;    // run by scripts that scripts started
+std::string failedLine; // the line the last script failed on
 
 // Reads one line whole, of which an over-long one keeps its beginning only. False at
 // the end of the file.
@@ -125,8 +127,17 @@ int RunScript(Script *script, int panel)
         if (!ReadLine(script))
             return 0;
         script->counter--;
-        if (!ExecuteLine(script, panel))
+        if (nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX) {
+            PrintMonStr("Too many lines in scripts that are started by scripts.");
+            failedLine = script->line;
             return script->counter;
+        }
+        // Looking for a label reads on: the line is kept for the report.
+        const std::string line = script->line;
+        if (!ExecuteLine(script, panel)) {
+            failedLine = line;
+            return script->counter;
+        }
     }
     SCR_isExit = false;
     return 0;
@@ -153,6 +164,9 @@ int ExecMonScript(const char *fileName, int panel)
         return SCRIPT_NOT_OPENED;
     SCR_bGotoCmd = false;
     SCR_isExit = false;
+    if (nDepth == 0)
+        nInnerLines = CON_nRefused = 0;
+    failedLine.clear();
     nDepth++;
     CON_BeginScript();
     const int result = RunScript(&script, panel);
@@ -170,9 +184,18 @@ int SCR_RunAndReport(const std::string &fileName, int panel)
         VIR2_SetStation(station);
         SetMainPanelAttributes();
     }
+    SCR_ReportResult(fileName, result);
+    return result;
+}
+
+void SCR_ReportResult(const std::string &fileName, int result)
+{
+    if (result < SCRIPT_NOT_OPENED)
+        CON_Print("%s, line %d: %s", fileName.c_str(), COUNTER_START - result, failedLine.c_str());
     if (result < 0)
         PrintMonStr(SCR_GetResultText(result));
-    return result;
+    if (nDepth == 0 && CON_nRefused > 0)
+        CON_Print("%d lines were refused: they need the full command set.", CON_nRefused);
 }
 
 std::string SCR_GetResultText(int result)
