@@ -122,6 +122,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
+    {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
     {MENU_WINDOW, ITEM_TERMINAL, "Service __terminal", 0, WindowCB},
     {MENU_WINDOW, ITEM_SCOPE, "__Data scope", 0, WindowCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", 0, WindowCB},
