@@ -103,7 +103,8 @@ TEST_F(LoaderWindow, ProgramsIsCancelledAndGoesOn)
     EXPECT_EQ("left out", steps->cell(3, 1).text);
     EXPECT_EQ("done", steps->cell(4, 1).text);
     EXPECT_TRUE(GuiText(PANEL_LOADER, LOADER_RESULT).startsWith("Done: 2112 bytes"));
-    QTest::keyClick(GuiWindow(PANEL_LOADER), Qt::Key_Escape);
+    GuiWidget(PANEL_LOADER, LOADER_COMPARE)->setFocus();
+    QTest::keyClick(GuiWidget(PANEL_LOADER, LOADER_COMPARE), Qt::Key_Escape);
     ASSERT_TRUE(settle());
     EXPECT_FALSE(GuiWindow(PANEL_LOADER)->isVisible());
 }
