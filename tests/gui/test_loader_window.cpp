@@ -128,13 +128,23 @@ TEST_F(ViewTest, BarSegmentsCanBeSeenAndToldApart)
     EXPECT_EQ(image.pixelColor(image.width() / 4, middle), bar->colorOf(UIS_NORMAL));
     EXPECT_EQ(image.pixelColor(image.width() * 3 / 4, middle),
               bar->palette().color(QPalette::Base));
+    const QPalette usual = QApplication::palette();
+    QPalette dark(QColor(0x3A, 0x3A, 0x3A), QColor(0x2B, 0x2B, 0x2B));
+    dark.setColor(QPalette::Base, QColor(0x1E, 0x1E, 0x1E));
     const unsigned styles[] = {UIS_NORMAL, UIS_DIM, UIS_GOOD, UIS_WARNING};
-    for (const unsigned style : styles) {
-        EXPECT_GE(LOOK_Contrast(bar->colorOf(style), bar->palette().color(QPalette::Base)), 2.0)
-            << style;
-        for (const unsigned other : styles)
-            EXPECT_TRUE(style == other || bar->colorOf(style) != bar->colorOf(other));
+    for (const QPalette &palette : {usual, dark}) {
+        QApplication::setPalette(palette);
+        GuiSettle();
+        const QColor ground = bar->palette().color(QPalette::Base);
+        EXPECT_EQ(palette.color(QPalette::Base), ground);
+        for (const unsigned style : styles) {
+            EXPECT_GE(LOOK_Contrast(bar->colorOf(style), ground), 2.0) << style;
+            for (const unsigned other : styles)
+                EXPECT_TRUE(style == other || bar->colorOf(style) != bar->colorOf(other));
+        }
     }
+    QApplication::setPalette(usual);
+    GuiSettle();
 }
 
 } // namespace

@@ -43,7 +43,7 @@ QColor SegmentBar::colorOf(unsigned style) const
         return LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
     if (style & UIS_DIM)
         return LOOK_Blend(palette().color(QPalette::Text), ground, 0.45);
-    return LOOK_Readable(palette().color(QPalette::Highlight), ground);
+    return LOOK_Readable(QColor(0x1D, 0x6F, 0xB8), ground);
 }
 
 QRectF SegmentBar::rectOf(const UI_Segment &segment) const
