@@ -7,6 +7,7 @@
 
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
+#include "loader/window.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
@@ -123,6 +124,7 @@ struct WindowItem {
 constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened},
     {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
+    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},
     {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
     {ITEM_SCOPE, PANEL_SCOPE, nullptr},
     {ITEM_CONFIG, PANEL_CONFIG, nullptr},

@@ -15,6 +15,14 @@ int UseLinkPort()
 
 } // namespace
 
+void LDR_FindPort(int *port, int *baud)
+{
+    if (!wMrOpenFlag || !MR166_isWin32)
+        return;
+    *port = MrASC_nCom;
+    *baud = MrASC_nBaudRate;
+}
+
 int LDR_BorrowPort(int port, int baud, LDR_Loan *loan)
 {
     *loan = LDR_Loan();

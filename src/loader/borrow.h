@@ -12,6 +12,8 @@ struct LDR_Loan {
     int16_t protocol = 0;    // to be opened again; 0 = it was closed
 };
 
+// The port and speed that a loan would use in place of these.
+void LDR_FindPort(int *port, int *baud);
 // Uses the link's port when the Win32 driver has it open, else opens number `port` with it.
 // 0, or the link's code (MrASC_ErrorText says it in words) with everything as before. A
 // caller within the program's event loop must have the timers suspended: nobody else may

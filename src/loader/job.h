@@ -38,6 +38,12 @@ enum LDR_Result {
     LDR_ERR_CHANGED = -11, // the file on the disk is not the one that was checked
 };
 
+// The address behind a block.
+inline uint32_t LDR_GetEnd(const HEX_Record &block)
+{
+    return block.address + block.length;
+}
+
 struct LDR_Difference {
     uint32_t address = 0;
     uint8_t wanted = 0, found = 0;
@@ -68,6 +74,7 @@ struct LDR_Job {
     std::string cause;            // of the loader or the port, in words
     uint32_t causeAddress = 0;    // of the block at which it stopped
     LDR_Difference difference;    // LDR_ERR_DIFFERENT and LDR_ERR_NEEDS_ERASE
+    bool isReadBack = false;      // success means that all of the file was read back
     bool isStrayPossible = false; // a damaged write may have gone to another address
 };
 

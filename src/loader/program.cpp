@@ -303,6 +303,61 @@ void EndSteps(LDR_Job *job)
             step = LDR_FAILED;
 }
 
+// Reads all of the file's blocks and changes nothing.
+int Compare(Run *run)
+{
+    LDR_Job *job = run->job;
+    SetStep(run, LDR_STEP_VERIFY, LDR_RUNNING);
+    BeginClock(run);
+    for (size_t i = 0; i < job->plan.size();) {
+        const LDR_Group group = LDR_GetGroup(*job, i);
+        const int result = VerifyGroup(run, group);
+        if (result < 0)
+            return result;
+        i = group.end;
+        if (Advance(run, group.wanted.length, "Comparing") && i < job->plan.size())
+            return LDR_ERR_CANCELLED;
+    }
+    if (HEX_IsUnchanged(job->file) == 0)
+        return LDR_ERR_CHANGED;
+    SetStep(run, LDR_STEP_VERIFY, LDR_DONE);
+    return 0;
+}
+
+// What a comparison has found goes before what an earlier run has left behind.
+void LearnFromCompare(LDR_Job *job)
+{
+    const size_t known = std::max(job->verified, job->written);
+    if (job->result == 0 && job->flash == LDR_FLASH_PARTLY) {
+        job->flash = LDR_FLASH_WHOLE;
+        job->written = job->verified = job->plan.size();
+        job->isStrayPossible = false;
+    } else if (job->result == LDR_ERR_DIFFERENT && job->flash == LDR_FLASH_WHOLE) {
+        job->flash = LDR_FLASH_UNTOUCHED; // another target, or another tool's work
+    } else if (job->result == LDR_ERR_DIFFERENT && job->flash == LDR_FLASH_PARTLY && known > 0 &&
+               job->difference.address < LDR_GetEnd(job->plan[known - 1])) {
+        job->flash = LDR_FLASH_UNUSABLE; // not what was written there
+    }
+}
+
+// Runs `work` with the port in the loader's hands.
+template <class Work> int WithPort(LDR_Job *job, int port, int baud, Work work)
+{
+    if (job->plan.empty())
+        return job->result;
+    LDR_Loan loan;
+    const int opened = LDR_BorrowPort(port, baud, &loan);
+    if (opened < 0) {
+        job->cause = MrASC_ErrorText(opened);
+        std::fill(job->steps + LDR_STEP_TARGET, job->steps + LDR_STEPS, LDR_WAITING);
+        job->steps[LDR_STEP_TARGET] = LDR_FAILED;
+        return job->result = LDR_ERR_PORT;
+    }
+    const int result = work();
+    LDR_ReturnPort(loan);
+    return result;
+}
+
 } // namespace
 
 int LDR_Prepare(LDR_Job *job, const std::string &path)
@@ -337,6 +392,7 @@ int LDR_RunOnPort(LDR_Job *job, bool isResume, const LDR_Progress &progress)
         step = LDR_WAITING;
     job->bytesPerSecond = job->secondsLeft = 0;
     job->cause.clear();
+    job->isReadBack = job->isVerify;
     Run run = {job, &progress, std::vector<bool>(job->plan.size()), 0, 0, false};
     job->result = RunSteps(&run, isResume);
     EndSteps(job);
@@ -346,40 +402,35 @@ int LDR_RunOnPort(LDR_Job *job, bool isResume, const LDR_Progress &progress)
 
 int LDR_Run(LDR_Job *job, bool isResume, int port, int baud, const LDR_Progress &progress)
 {
-    if (job->plan.empty())
-        return job->result;
-    LDR_Loan loan;
-    const int opened = LDR_BorrowPort(port, baud, &loan);
-    if (opened < 0) {
-        job->cause = MrASC_ErrorText(opened);
-        return job->result = LDR_ERR_PORT;
-    }
-    const int result = LDR_RunOnPort(job, isResume, progress);
-    LDR_ReturnPort(loan);
-    return result;
+    return WithPort(job, port, baud, [&] { return LDR_RunOnPort(job, isResume, progress); });
 }
 
-int LDR_Verify(LDR_Job *job, const LDR_Progress &progress)
+int LDR_VerifyOnPort(LDR_Job *job, const LDR_Progress &progress)
 {
     if (job->plan.empty())
         return job->result;
     Run run = {job, &progress, {}, 0, 0, false};
     job->cause.clear();
+    job->bytesPerSecond = job->secondsLeft = 0;
     job->bytesDone = 0;
     job->bytesTotal = LDR_CountBytes(*job, 0, job->plan.size());
+    job->isReadBack = true;
+    for (const int step : {LDR_STEP_TARGET, LDR_STEP_VERIFY})
+        job->steps[step] = LDR_WAITING;
+    for (const int step : {LDR_STEP_ERASE, LDR_STEP_PROGRAM})
+        job->steps[step] = LDR_LEFT_OUT;
     job->result = FindTarget(&run);
-    BeginClock(&run);
-    for (size_t i = 0; i < job->plan.size() && job->result == 0;) {
-        const LDR_Group group = LDR_GetGroup(*job, i);
-        job->result = VerifyGroup(&run, group);
-        i = group.end;
-        if (job->result == 0 && Advance(&run, group.wanted.length, "Comparing") &&
-            i < job->plan.size())
-            job->result = LDR_ERR_CANCELLED;
-    }
-    if (job->result == 0 && HEX_IsUnchanged(job->file) == 0)
-        job->result = LDR_ERR_CHANGED;
+    if (job->result == 0)
+        job->result = Compare(&run);
+    EndSteps(job);
+    LearnFromCompare(job);
+    Log(run, LDR_GetResultText(*job));
     return job->result;
+}
+
+int LDR_Verify(LDR_Job *job, int port, int baud, const LDR_Progress &progress)
+{
+    return WithPort(job, port, baud, [&] { return LDR_VerifyOnPort(job, progress); });
 }
 
 int LDR_ReadMemory(uint32_t address, uint32_t count, std::vector<uint8_t> *bytes,

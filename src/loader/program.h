@@ -22,8 +22,10 @@ int LDR_Run(LDR_Job *job, bool isResume, int port, int baud, const LDR_Progress 
 // The same on a port that is open already.
 int LDR_RunOnPort(LDR_Job *job, bool isResume, const LDR_Progress &progress);
 
-// Compares the flash with the prepared file, changing nothing.
-int LDR_Verify(LDR_Job *job, const LDR_Progress &progress);
+// Borrows the port and compares the flash with the prepared file, changing nothing in it.
+int LDR_Verify(LDR_Job *job, int port, int baud, const LDR_Progress &progress);
+// The same on a port that is open already.
+int LDR_VerifyOnPort(LDR_Job *job, const LDR_Progress &progress);
 // Reads a stretch of memory through the loader. 0, LDR_ERR_TARGET, LDR_ERR_READ, LDR_ERR_CANCELLED.
 int LDR_ReadMemory(uint32_t address, uint32_t count, std::vector<uint8_t> *bytes,
                    const LDR_Progress &progress);

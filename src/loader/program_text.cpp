@@ -29,8 +29,8 @@ std::string FormatDifference(const LDR_Difference &difference)
 std::string FormatSuccess(const LDR_Job &job)
 {
     const auto bytes = static_cast<unsigned>(job.file.data.size());
-    return Format(job.isVerify ? "Done: %u bytes in the flash, read back and equal to the file."
-                               : "Done: %u bytes written, not read back.",
+    return Format(job.isReadBack ? "Done: %u bytes in the flash, read back and equal to the file."
+                                 : "Done: %u bytes written, not read back.",
                   bytes);
 }
 

@@ -179,6 +179,17 @@ int GetListSelection(int panel, int control, std::vector<int> *indices); // by r
 // During EVENT_CELL_EDITED: what the user typed and where. The cell itself is unchanged.
 int GetEditedCell(int panel, int control, int *index, int *column, std::string *text);
 
+// --- bars ---------------------------------------------------------------------------
+// A stretch drawn as a bar, and what lies where in it. Later segments lie over earlier ones.
+constexpr size_t UI_SEGMENTS_MAX = 4000;
+struct UI_Segment {
+    double first = 0, last = 0; // shares of the bar, 0 to 1, first <= last
+    unsigned style = UIS_NORMAL; // UIS_DIM, UIS_GOOD or UIS_WARNING; the view has the colour
+    std::string tip;
+};
+int SetBarSegments(int panel, int control, const std::vector<UI_Segment> &segments);
+int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments);
+
 // --- text boxes -------------------------------------------------------------------
 // A box keeps at most this many lines; what goes beyond leaves it at the top.
 constexpr int UI_BOX_LINES_MAX = 20000;

@@ -77,6 +77,7 @@ enum VIEW_ControlMask : unsigned {
     VIEW_CTRL_MODE = 64,        // the user may type
     VIEW_CTRL_COMPLETION = 128, // hasCompletion: offer what VIEW_Completion brings
     VIEW_CTRL_RECT = 256,       // for views that place controls by number
+    VIEW_CTRL_SEGMENTS = 512,   // segments of a bar, all of them
 };
 struct VIEW_Control {
     int panel = 0, control = 0;
@@ -92,6 +93,7 @@ struct VIEW_Control {
     std::string label;
     std::string tooltip;
     VIEW_Rect rect;
+    std::vector<UI_Segment> segments;
 };
 
 // A line of a list or ring. `cells` is empty when the program gave only the label: then its

@@ -135,6 +135,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
+    {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
 
     {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},
     {MENU_HELP, 0, "", 0, nullptr},

@@ -6,6 +6,7 @@
 #include "console/monitor/monitor.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
+#include "loader/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -26,6 +27,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_CONSOLE, "console", "Console", nullptr},
     {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
     {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
+    {PANEL_LOADER, "loader", "Flash loader", LDW_PanelCB},
     {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", nullptr},
@@ -142,6 +144,23 @@ const UI_Control UI_aControls[] = {
     {PANEL_TRACE, TRACE_FAILURES, UIK_SWITCH, "failuresOnly", TRP_FilterCB},
     {PANEL_TRACE, TRACE_COUNT, UIK_TEXT, "count", nullptr},
     {PANEL_TRACE, TRACE_TIMER, UIK_TIMER, "timer", TRP_TimerCB},
+
+    {PANEL_LOADER, LOADER_FILE, UIK_STRING, "file", nullptr},
+    {PANEL_LOADER, LOADER_CHOOSE, UIK_BUTTON, "choose", LDW_ChooseCB},
+    {PANEL_LOADER, LOADER_BAR, UIK_BAR, "bar", nullptr},
+    {PANEL_LOADER, LOADER_BAR_FIRST, UIK_TEXT, "barFirst", nullptr},
+    {PANEL_LOADER, LOADER_BAR_LAST, UIK_TEXT, "barLast", nullptr},
+    {PANEL_LOADER, LOADER_CONTENTS, UIK_LIST, "contents", nullptr},
+    {PANEL_LOADER, LOADER_STEPS, UIK_LIST, "steps", nullptr},
+    {PANEL_LOADER, LOADER_ERASE, UIK_SWITCH, "erase", nullptr},
+    {PANEL_LOADER, LOADER_READ_BACK, UIK_SWITCH, "readBack", nullptr},
+    {PANEL_LOADER, LOADER_PORT, UIK_TEXT, "port", nullptr},
+    {PANEL_LOADER, LOADER_PROGRESS, UIK_TEXT, "progress", nullptr},
+    {PANEL_LOADER, LOADER_LOG, UIK_TEXTBOX, "log", nullptr},
+    {PANEL_LOADER, LOADER_RESULT, UIK_TEXT, "result", nullptr},
+    {PANEL_LOADER, LOADER_FLASH, UIK_TEXT, "flash", nullptr},
+    {PANEL_LOADER, LOADER_PROGRAM, UIK_BUTTON, "program", LDW_ProgramCB},
+    {PANEL_LOADER, LOADER_COMPARE, UIK_BUTTON, "compare", LDW_CompareCB},
 
     {PANEL_VAR_SELECTOR, VARSEL_FILTER, UIK_STRING, "filter", VSL_FilterCB},
     {PANEL_VAR_SELECTOR, VARSEL_LIST, UIK_LIST, "list", VSL_ListCB},

@@ -21,6 +21,7 @@ enum {
     PANEL_SIMULATOR = 22,
     PANEL_TERMINAL = 24,
     PANEL_CONNECT = 25,     // first steps, inside the main panel
+    PANEL_LOADER = 30,      // flash loader
 };
 
 // Main panel.
@@ -150,6 +151,26 @@ enum {
     TRACE_TIMER = 10,
 };
 
+// Flash loader.
+enum {
+    LOADER_FILE = 1,
+    LOADER_CHOOSE = 2,
+    LOADER_BAR = 3,         // the file's ranges in the address space
+    LOADER_BAR_FIRST = 4,   // addresses at both ends of it
+    LOADER_BAR_LAST = 5,
+    LOADER_CONTENTS = 6,    // problems and ranges of the file
+    LOADER_STEPS = 7,
+    LOADER_ERASE = 8,
+    LOADER_READ_BACK = 9,
+    LOADER_PORT = 10,       // the port that will be used
+    LOADER_PROGRESS = 11,
+    LOADER_LOG = 12,
+    LOADER_RESULT = 13,
+    LOADER_FLASH = 14,      // what the flash holds
+    LOADER_PROGRAM = 15,
+    LOADER_COMPARE = 16,
+};
+
 // Variable selector.
 enum {
     VARSEL_FILTER = 1,
@@ -237,6 +258,7 @@ enum {
     ITEM_DEBUGGER = 80,
     ITEM_SIMULATOR = 81,
     ITEM_TRACE = 82,
+    ITEM_LOADER = 130,
     ITEM_HELP = 85,
     ITEM_ABOUT = 86,
     ITEM_VARIABLES = 90,

@@ -154,7 +154,7 @@ int SCR_L3Verify(ScrPar *par)
     return WithPort("l3verify", [&job] {
         Meter meter;
         StartMeter(&meter, "Comparing");
-        const int result = LDR_Verify(&job, meter.progress);
+        const int result = LDR_VerifyOnPort(&job, meter.progress);
         StopMeter(meter);
         if (result < 0)
             return FailAs(result, "l3verify: " + LDR_GetResultText(job));

@@ -270,10 +270,38 @@ int GetCtrlAttribute(int panel, int control, int attribute, std::string *text)
     });
 }
 
+int SetBarSegments(int panel, int control, const std::vector<UI_Segment> &segments)
+{
+    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
+        if (c->row->kind != UIK_BAR)
+            return UIE_BAD_TYPE;
+        const auto isBad = [](const UI_Segment &segment) { // also what is no number
+            return !(segment.first >= 0 && segment.first <= segment.last && segment.last <= 1);
+        };
+        if (segments.size() > UI_SEGMENTS_MAX ||
+            std::any_of(segments.begin(), segments.end(), isBad))
+            return UIE_BAD_INDEX;
+        c->state.segments = segments;
+        c->state.mask |= VIEW_CTRL_SEGMENTS;
+        MDL_FlushNowAndThen();
+        return 0;
+    });
+}
+
+int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments)
+{
+    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
+        if (c->row->kind != UIK_BAR)
+            return UIE_BAD_TYPE;
+        *segments = c->state.segments;
+        return 0;
+    });
+}
+
 int SetActiveCtrl(int panel, int control)
 {
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (IsKind(*c, {UIK_LED, UIK_TEXT, UIK_TIMER, UIK_DECOR}))
+        if (IsKind(*c, {UIK_LED, UIK_TEXT, UIK_BAR, UIK_TIMER, UIK_DECOR}))
             return UIE_BAD_TYPE;
         int error = 0;
         MDL_SetFocus(panel, control);

@@ -13,6 +13,7 @@
 
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/line_list.h"
+#include "runtime/qt/segment_bar.h"
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
 
@@ -31,7 +32,7 @@ const ClassRow CLASS_ROWS[] = {
     {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
     {UIK_NUMBER, &QDoubleSpinBox::staticMetaObject}, {UIK_RING, &QComboBox::staticMetaObject},
     {UIK_LIST, &LineList::staticMetaObject},         {UIK_TEXTBOX, &TextBox::staticMetaObject},
-    {UIK_DECOR, &QWidget::staticMetaObject},
+    {UIK_BAR, &SegmentBar::staticMetaObject},        {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
 bool IsOfKind(const QWidget *widget, UI_Kind kind)

@@ -15,6 +15,7 @@
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/look.h"
 #include "runtime/qt/panel_window.h"
+#include "runtime/qt/segment_bar.h"
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
 
@@ -145,6 +146,8 @@ void QTV_DrawControl(const VIEW_Control &change)
         widget->setToolTip(QTV_ToQt(change.tooltip));
     if (change.mask & VIEW_CTRL_MODE)
         DrawMode(widget, change.canType);
+    if ((change.mask & VIEW_CTRL_SEGMENTS) && control->row->kind == UIK_BAR)
+        static_cast<SegmentBar *>(widget)->setSegments(change.segments);
     if (change.mask & VIEW_CTRL_COMPLETION)
         QTV_SetCompletion(*control, change.hasCompletion);
 }

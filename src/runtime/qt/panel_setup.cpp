@@ -8,6 +8,7 @@
 #include "ui_console.h"
 #include "ui_debugger.h"
 #include "ui_item.h"
+#include "ui_loader.h"
 #include "ui_main.h"
 #include "ui_memory.h"
 #include "ui_scope.h"
@@ -45,6 +46,7 @@ const SetupRow setupRows[] = {
     {PANEL_CONNECT, Setup<Ui::ConnectPanel>},
     {PANEL_MAIN, Setup<Ui::MainPanel>},
     {PANEL_TRACE, Setup<Ui::TracePanel>},
+    {PANEL_LOADER, Setup<Ui::LoaderPanel>},
     {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},
     {PANEL_SCOPE, Setup<Ui::ScopePanel>},
     {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},

@@ -1,0 +1,95 @@
+#include "loader/window_bar.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+constexpr uint32_t SPAN_MIN_BYTES = 0x10000;
+constexpr uint32_t PARTS = 1024; // gaps of less than one part are not drawn
+
+struct State {
+    unsigned style;
+    const char *text;
+};
+constexpr State WAITING = {UIS_DIM, "to be written"};
+constexpr State WRITTEN = {UIS_NORMAL, "written, not read back"};
+constexpr State VERIFIED = {UIS_GOOD, "read back and equal"};
+
+// What is known of the flash counts, not how far the last run came: after a failure much of
+// it may be of no use.
+State FindState(const LDR_Job &job, size_t block)
+{
+    const bool isCompared = job.result == 0 && job.steps[LDR_STEP_VERIFY] == LDR_DONE;
+    const bool isKept = job.flash == LDR_FLASH_PARTLY || job.flash == LDR_FLASH_WHOLE;
+    if (isCompared || (isKept && block < job.verified))
+        return VERIFIED;
+    return isKept && block < job.written ? WRITTEN : WAITING;
+}
+
+struct Stretch {
+    uint32_t first, end; // the byte behind it
+    State state;
+};
+
+UI_Segment MakeSegment(const Stretch &stretch, uint32_t span)
+{
+    char text[96];
+    std::snprintf(text, sizeof text, "0x%06X-0x%06X: %s", stretch.first, stretch.end - 1,
+                  stretch.state.text);
+    UI_Segment segment;
+    segment.first = static_cast<double>(stretch.first) / span;
+    segment.last = static_cast<double>(stretch.end) / span;
+    segment.style = stretch.state.style;
+    segment.tip = text;
+    return segment;
+}
+
+UI_Segment MarkDifference(const LDR_Difference &difference, uint32_t span)
+{
+    char text[96];
+    std::snprintf(text, sizeof text, "0x%06X: %02X wanted, %02X found", difference.address,
+                  static_cast<unsigned>(difference.wanted),
+                  static_cast<unsigned>(difference.found));
+    UI_Segment segment;
+    segment.first = static_cast<double>(difference.address) / span;
+    segment.last = static_cast<double>(difference.address + 1) / span;
+    segment.style = UIS_WARNING;
+    segment.tip = text;
+    return segment;
+}
+
+} // namespace
+
+uint32_t LDB_GetSpan(const LDR_Job &job)
+{
+    uint32_t span = SPAN_MIN_BYTES;
+    while (!job.plan.empty() && span < LDR_GetEnd(job.plan.back()))
+        span *= 2;
+    return span;
+}
+
+std::vector<UI_Segment> LDB_MakeSegments(const LDR_Job &job)
+{
+    const uint32_t span = LDB_GetSpan(job);
+    const uint32_t gapMin = span / PARTS;
+    std::vector<Stretch> stretches;
+    for (size_t i = 0; i < job.plan.size(); ++i) {
+        const HEX_Record &block = job.plan[i];
+        const State state = FindState(job, i);
+        Stretch *last = stretches.empty() ? nullptr : &stretches.back();
+        const bool isNear = last != nullptr && block.address - last->end < gapMin;
+        // One piece also without a gap, where only the state changes: three pieces at most.
+        if (last != nullptr && last->state.style == state.style &&
+            (isNear || block.address == last->end))
+            last->end = std::max(last->end, LDR_GetEnd(block));
+        else
+            stretches.push_back({block.address, LDR_GetEnd(block), state});
+    }
+    std::vector<UI_Segment> segments;
+    for (const Stretch &stretch : stretches)
+        segments.push_back(MakeSegment(stretch, span));
+    if (job.result == LDR_ERR_DIFFERENT || job.result == LDR_ERR_NEEDS_ERASE)
+        segments.push_back(MarkDifference(job.difference, span));
+    return segments;
+}
