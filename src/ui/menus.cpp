@@ -5,6 +5,7 @@
 #include "app/options.h"
 #include "app/startup.h"
 #include "console/monitor/text_box.h"
+#include "logger/log_window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/edit.h"
@@ -124,6 +125,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
     {MENU_WINDOW, ITEM_TERMINAL, "Service __terminal", 0, WindowCB},
     {MENU_WINDOW, ITEM_SCOPE, "__Data scope", 0, WindowCB},
+    {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", 0, WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "De__bugger", 0, WindowCB},
     {MENU_WINDOW, ITEM_SIMULATOR, "S__imulator", 0, WindowCB},
