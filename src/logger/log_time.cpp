@@ -46,5 +46,8 @@ int LGM_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, ui
     if (!IsDtTmOk(&time) || time.year < YEAR_MIN || time.year > YEAR_MAX)
         return -1;
     *stamp = LOGV_ToStamp(view, time, isEnd);
+    // Stamps count two seconds: what begins at an odd one begins with the next stamp.
+    if (!isEnd && time.second % 2 != 0)
+        ++*stamp;
     return 0;
 }
