@@ -24,6 +24,8 @@ constexpr int PANEL = PANEL_DATA_LOG;
 constexpr size_t DETAIL_CHARS_MAX = 2000; // a stretch of junk may be a megabyte of words
 constexpr int LINES_ABOVE = 3;            // kept in view above a line that was jumped to
 const char NO_LOG[] = "No log yet: read one from the target, or open a saved file.";
+const char NO_NAMES[] =
+    "No log can be read: the map and type map, if they are loaded, describe none.";
 const char NO_DESCRIPTIONS[] =
     "The descriptions of its records are not known, their contents are shown as hexadecimal "
     "words: they stand on the target, and are read from it together with a log.";
@@ -201,6 +203,9 @@ void ShowState()
         if (NeedsDescriptions(sides[0].log))
             text += std::string("\n") + NO_DESCRIPTIONS;
     }
+    int cannotRead = 0;
+    if (GetCtrlAttribute(PANEL, LOG_READ, ATTR_DIMMED, &cannotRead) >= 0 && cannotRead != 0)
+        text += std::string("\n") + NO_NAMES;
     if (!notice.empty())
         text += "\n" + notice;
     SetCtrlVal(PANEL, LOG_STATE, text);
@@ -463,6 +468,7 @@ void LGW_OpenCB(int, int)
         FillTypes();
     }
     FillVariables();
+    ShowDetails();
     ShowState();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
@@ -470,8 +476,10 @@ void LGW_OpenCB(int, int)
 
 int LGW_PanelCB(int, int event, int data)
 {
-    if (event == EVENT_ACTIVATED) // another map may have been loaded
+    if (event == EVENT_ACTIVATED) { // another map may have been loaded
         FillVariables();
+        ShowState();
+    }
     if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
         Close();
         return 1;

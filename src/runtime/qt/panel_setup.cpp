@@ -5,6 +5,7 @@
 #include "ui_config.h"
 #include "ui_config_edit.h"
 #include "ui_console.h"
+#include "ui_data_log.h"
 #include "ui_debugger.h"
 #include "ui_item.h"
 #include "ui_main.h"
@@ -43,6 +44,7 @@ const SetupRow setupRows[] = {
     {PANEL_CONSOLE, Setup<Ui::ConsolePanel>},
     {PANEL_MAIN, Setup<Ui::MainPanel>},
     {PANEL_TRACE, Setup<Ui::TracePanel>},
+    {PANEL_DATA_LOG, Setup<Ui::DataLogPanel>},
     {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},
     {PANEL_SCOPE, Setup<Ui::ScopePanel>},
     {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},
