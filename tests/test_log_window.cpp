@@ -239,6 +239,10 @@ TEST_F(LogWindow, ShowsALongLogInPages)
     EXPECT_NE(Lines(LOG_DETAIL).find("2711"), std::string::npos); // 10,001
     HL_CommitControl(PANEL, LOG_PREVIOUS);
     EXPECT_TRUE(StateSays("Listed: 5,001 to 10,000."));
+    Type(LOG_JUMP, "2015-03-01 14:13:50"); // 7,000 stamps behind the first
+    HL_CommitControl(PANEL, LOG_JUMP);
+    EXPECT_TRUE(StateSays("Listed: 5,001 to 10,000."));
+    EXPECT_EQ(UiSelected(PANEL, LOG_LIST), 2000);
     Type(LOG_JUMP, "2016");
     HL_CommitControl(PANEL, LOG_JUMP);
     EXPECT_TRUE(StateSays("Listed: 10,001 to 10,001."));

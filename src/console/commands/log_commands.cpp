@@ -1,14 +1,14 @@
 // The data logger's commands: download into files, the old layout, and a look at the log
 // that downloads nothing.
-#include "settings/settings.h"
 #include "comm/sysaddr.h"
 #include "console/commands/commands.h"
 #include "console/monitor/monitor.h"
-#include "console/script/script_command.h"
 #include "console/monitor/text_box.h"
+#include "console/script/script_command.h"
 #include "logger/dlld.h"
 #include "logger/dlld_record.h"
 #include "logger/log_target.h"
+#include "settings/settings.h"
 
 namespace {
 
