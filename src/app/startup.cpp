@@ -36,6 +36,7 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_STATISTICS, 0},
     {PANEL_TRACE, 0},
     {PANEL_LOADER, 0},
+    {PANEL_DATA_LOG, 0},
     {PANEL_VAR_SELECTOR, 0},
     {PANEL_STRUCT_SELECTOR, 0},
     {PANEL_SCOPE, 0},

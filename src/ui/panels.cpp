@@ -7,6 +7,7 @@
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
 #include "loader/window.h"
+#include "logger/log_window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -28,6 +29,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
     {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
     {PANEL_LOADER, "loader", "Flash loader", LDW_PanelCB},
+    {PANEL_DATA_LOG, "data_log", "Data log", LGW_PanelCB},
     {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", nullptr},
@@ -161,6 +163,25 @@ const UI_Control UI_aControls[] = {
     {PANEL_LOADER, LOADER_FLASH, UIK_TEXT, "flash", nullptr},
     {PANEL_LOADER, LOADER_PROGRAM, UIK_BUTTON, "program", LDW_ProgramCB},
     {PANEL_LOADER, LOADER_COMPARE, UIK_BUTTON, "compare", LDW_CompareCB},
+    {PANEL_DATA_LOG, LOG_VARIABLE, UIK_RING, "variable", nullptr},
+    {PANEL_DATA_LOG, LOG_READ, UIK_BUTTON, "read", LGW_ReadCB},
+    {PANEL_DATA_LOG, LOG_OPEN, UIK_BUTTON, "open", LGW_OpenFileCB},
+    {PANEL_DATA_LOG, LOG_COMPARE, UIK_BUTTON, "compare", LGW_CompareCB},
+    {PANEL_DATA_LOG, LOG_FILTER, UIK_STRING, "filter", LGW_FilterCB},
+    {PANEL_DATA_LOG, LOG_TYPE, UIK_RING, "type", LGW_FilterCB},
+    {PANEL_DATA_LOG, LOG_FROM, UIK_STRING, "from", LGW_FilterCB},
+    {PANEL_DATA_LOG, LOG_TO, UIK_STRING, "to", LGW_FilterCB},
+    {PANEL_DATA_LOG, LOG_SORT, UIK_RING, "sort", LGW_SortCB},
+    {PANEL_DATA_LOG, LOG_DESCENDING, UIK_SWITCH, "descending", LGW_SortCB},
+    {PANEL_DATA_LOG, LOG_LOCAL, UIK_SWITCH, "localTime", LGW_LocalCB},
+    {PANEL_DATA_LOG, LOG_LIST, UIK_LIST, "list", LGW_ListCB},
+    {PANEL_DATA_LOG, LOG_DETAIL, UIK_LIST, "detail", nullptr},
+    {PANEL_DATA_LOG, LOG_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_DATA_LOG, LOG_PREVIOUS, UIK_BUTTON, "previous", LGW_PageCB},
+    {PANEL_DATA_LOG, LOG_NEXT, UIK_BUTTON, "next", LGW_PageCB},
+    {PANEL_DATA_LOG, LOG_JUMP, UIK_STRING, "jump", LGW_JumpCB},
+    {PANEL_DATA_LOG, LOG_COPY, UIK_BUTTON, "copy", LGW_CopyCB},
+    {PANEL_DATA_LOG, LOG_EXPORT, UIK_BUTTON, "exportCsv", LGW_ExportCB},
 
     {PANEL_VAR_SELECTOR, VARSEL_FILTER, UIK_STRING, "filter", VSL_FilterCB},
     {PANEL_VAR_SELECTOR, VARSEL_LIST, UIK_LIST, "list", VSL_ListCB},

@@ -22,6 +22,7 @@ enum {
     PANEL_TERMINAL = 24,
     PANEL_CONNECT = 25,     // first steps, inside the main panel
     PANEL_LOADER = 30,      // flash loader
+    PANEL_DATA_LOG = 31,    // the data logger's log
 };
 
 // Main panel.
@@ -169,6 +170,27 @@ enum {
     LOADER_FLASH = 14,      // what the flash holds
     LOADER_PROGRAM = 15,
     LOADER_COMPARE = 16,
+// Data log.
+enum {
+    LOG_VARIABLE = 1,       // logs of the map
+    LOG_READ = 2,
+    LOG_OPEN = 3,
+    LOG_COMPARE = 4,        // with another file, or ends that
+    LOG_FILTER = 5,
+    LOG_TYPE = 6,           // LGW_Types, or the type
+    LOG_FROM = 7,           // times
+    LOG_TO = 8,
+    LOG_SORT = 9,           // value = LOGV_Column
+    LOG_DESCENDING = 10,
+    LOG_LOCAL = 11,         // local time instead of the time as logged
+    LOG_LIST = 12,          // one page of it
+    LOG_DETAIL = 13,        // fields of the selected message
+    LOG_STATE = 14,         // what is shown, and what there is to know about it
+    LOG_PREVIOUS = 15,
+    LOG_NEXT = 16,
+    LOG_JUMP = 17,          // time
+    LOG_COPY = 18,
+    LOG_EXPORT = 19,
 };
 
 // Variable selector.
@@ -264,6 +286,7 @@ enum {
     ITEM_VARIABLES = 90,
     ITEM_STRUCTURES = 91,
     ITEM_CLOSE_PORT = 87,   // no port is open at start
+    ITEM_DATA_LOG = 131,
     ITEM_RUN_SCRIPT = 120,
     ITEM_SAVE_CONSOLE = 121,
     ITEM_COPY_CONSOLE = 122,

@@ -6,6 +6,10 @@
 const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_MAIN, MAIN_MEM_MODE, "C166", 0},
     {PANEL_MAIN, MAIN_MEM_MODE, "TMS320", 1},
+    {PANEL_DATA_LOG, LOG_SORT, "order of the log", 0},
+    {PANEL_DATA_LOG, LOG_SORT, "time", 1},
+    {PANEL_DATA_LOG, LOG_SORT, "type", 2},
+    {PANEL_DATA_LOG, LOG_SORT, "text", 3},
 };
 const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 
@@ -46,6 +50,10 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_MEMORY, MEMORY_WRITE, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
+
+    {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way
+    {PANEL_DATA_LOG, LOG_LIST, KEY_CTRL | 'C', KEY_CTRL | 'C', true},
 
     {PANEL_VAR_SELECTOR, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_VAR_SELECTOR, VARSEL_FILTER, KEY_DOWN, KEY_DOWN, true},

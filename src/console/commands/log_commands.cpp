@@ -7,46 +7,10 @@
 #include "console/script/script_command.h"
 #include "logger/dlld.h"
 #include "logger/dlld_record.h"
-#include "runtime/userint.h"
+#include "logger/log_target.h"
 #include "settings/settings.h"
-#include "symbols/varnode.h"
 
 namespace {
-
-int progressDialog = 0; // 0 = none
-
-void ShowError(const char *title, const std::string &text)
-{
-    MessagePopup(title, text);
-}
-
-// The box appears with the first step and goes with the last.
-bool ShowProgress(uint32_t done, uint32_t total, const char *text)
-{
-    if (total == 0) {
-        if (progressDialog > 0)
-            DiscardProgressDialog(progressDialog);
-        progressDialog = 0;
-        return false;
-    }
-    if (progressDialog <= 0)
-        progressDialog = CreateProgressDialog("Vireo2", text);
-    if (progressDialog <= 0)
-        return false;
-    return UpdateProgressDialog(progressDialog, static_cast<int>(uint64_t(100) * done / total),
-                                text) == 1;
-}
-
-void SetHost()
-{
-    DLLD_Host host;
-    host.station = STATION;
-    host.isWordAddressing = IsWordAddressing(Procesor) != 0;
-    host.hasRecIds = Procesor == CPU_F283XX;
-    host.showError = ShowError;
-    host.showProgress = ShowProgress;
-    DLLD_SetHost(host);
-}
 
 int Fail(const char *command, const std::string &text)
 {
@@ -83,19 +47,6 @@ std::string FormatStamp(uint32_t stamp)
     CvtAMCBIOS_time(stamp, &time);
     DLLD_AppendTime(time, &text);
     return text;
-}
-
-// Variables of the map that describe a log.
-std::vector<std::string> FindLogs()
-{
-    std::vector<std::string> names;
-    for (int i = 0; i < nNodes; i++) {
-        const std::string name = aVarNode[i].name;
-        if (GetSysAddrWk((name + ".dwLogAddr").c_str()) != ADDR_NONE &&
-            GetSysAddrWk((name + ".nnLogWSize").c_str()) != ADDR_NONE)
-            names.push_back(name);
-    }
-    return names;
 }
 
 int ShowSurvey(const std::string &name)
@@ -146,7 +97,7 @@ int ScrFnGetLog(ScrPar *par)
     const std::string name = par[0].text, base = par[1].text;
     if (name.empty() || base.empty())
         return SCR_Fail("getlog: Invalid parameters.");
-    SetHost();
+    LGT_UseTarget();
     if (DLLD_ReadARecId() < 0)
         return FailGetLog("Could not read log type list (DL_arecId).");
     CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
@@ -161,7 +112,7 @@ int ScrFnSaveLog(ScrPar *par)
     const std::string path = par[1].text, name = par[0].text;
     const bool isName = (par[0].flags & PAR_LONG) == 0;
     uint32_t address = par[0].value;
-    SetHost();
+    LGT_UseTarget();
     if (path.empty() || (isName ? DLLD_GetWrkAddr(&address, name) < 0 : address >= ADDR_LIMIT))
         return SCR_Fail("SaveLog: Neplatne parametry skriptu.");
     DLLD_Log log;
@@ -176,8 +127,8 @@ int ScrFnSaveLog(ScrPar *par)
 
 int SCR_DlldTst(ScrPar *par)
 {
-    SetHost();
-    const std::vector<std::string> names = FindLogs();
+    LGT_UseTarget();
+    const std::vector<std::string> names = LGT_FindLogs();
     const auto number = static_cast<int32_t>(par[0].value);
     if (names.empty())
         return SCR_Fail("dlldtst: no variable of the map and type map describes a log.");

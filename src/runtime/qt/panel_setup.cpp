@@ -6,6 +6,7 @@
 #include "ui_config_edit.h"
 #include "ui_connect.h"
 #include "ui_console.h"
+#include "ui_data_log.h"
 #include "ui_debugger.h"
 #include "ui_item.h"
 #include "ui_loader.h"
@@ -47,6 +48,7 @@ const SetupRow setupRows[] = {
     {PANEL_MAIN, Setup<Ui::MainPanel>},
     {PANEL_TRACE, Setup<Ui::TracePanel>},
     {PANEL_LOADER, Setup<Ui::LoaderPanel>},
+    {PANEL_DATA_LOG, Setup<Ui::DataLogPanel>},
     {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},
     {PANEL_SCOPE, Setup<Ui::ScopePanel>},
     {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},

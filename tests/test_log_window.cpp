@@ -1,0 +1,270 @@
+// The log window as a user sees it: from the simulated target, from files, and from both.
+#include "logger/log_window.h"
+
+#include "logger/dlld_record.h"
+#include "logger/log_time.h"
+#include "runtime/list_columns.h"
+#include "support/console_rig.h"
+#include "support/log_builder.h"
+#include "symbols/mapfile.h"
+#include "symbols/typemap.h"
+
+namespace {
+
+const std::string EXAMPLES = EXAMPLES_DIR "/";
+// Byte addresses of the example's F283xx.
+constexpr uint32_t VARIABLE = 0x182C0, COUNT = 0x182D0, TABLE = 0x182D8, TEXTS = 0x18400;
+constexpr uint32_t BUFFER = 0x1A000;
+constexpr int PANEL = PANEL_DATA_LOG;
+
+uint32_t Stamp(int month, int day, int hour)
+{
+    return DLLD_MakeStamp({2015, month, day, hour, 0, 0, DTTM_DECODED});
+}
+
+struct LogWindow : ConsoleRig {
+    void SetUp() override
+    {
+        ConsoleRig::SetUp();
+        DLLD_ClearRecIds();
+        Procesor = CPU_F283XX;
+        ASSERT_EQ(TMSmap2node((EXAMPLES + "f283xx/f283xx.qar").c_str()), 0);
+        ASSERT_EQ(HL_ClickMenu(ITEM_DATA_LOG), 0);
+        if (UiText(PANEL, LOG_STATE).find("(other)") != std::string::npos)
+            HL_CommitControl(PANEL, LOG_COMPARE);
+    }
+    void TearDown() override
+    {
+        // What the window keeps outlives a test: it is left with an empty log.
+        if (IsComparing())
+            HL_CommitControl(PANEL, LOG_COMPARE);
+        WriteLog("empty.bin", LogBuilder().Finish(20));
+        LGW_ShowFile("empty.bin");
+        TMF_CleanTables();
+        DLLD_ClearRecIds();
+        ConsoleRig::TearDown();
+    }
+    static bool IsComparing()
+    {
+        return UiText(PANEL, LOG_STATE).find(" (other)") != std::string::npos;
+    }
+    static LogBuilder Sample()
+    {
+        return LogBuilder()
+            .Text("Beta", Stamp(7, 1, 12))
+            .Add(1, {1, 2, 3}, Stamp(7, 1, 11))
+            .Add(0x20, {1500}, Stamp(1, 2, 3))
+            .Text("alpha", Stamp(10, 25, 1));
+    }
+    static void WriteLog(const char *path, const DLLD_Log &log)
+    {
+        const std::vector<uint8_t> bytes = LogBytes(log);
+        WriteFileText(path, std::string(bytes.begin(), bytes.end()));
+    }
+    void Open(const char *path, const DLLD_Log &log)
+    {
+        WriteLog(path, log);
+        HL_PushAnswer(1, path);
+        ASSERT_EQ(HL_CommitControl(PANEL, LOG_OPEN), 0);
+    }
+    void PutLog(const DLLD_Log &log)
+    {
+        const auto put = [&](uint32_t address, uint32_t value) {
+            Poke(address, {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
+                           static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)});
+        };
+        const std::string description = "Drive;speed:i2 rpm";
+        put(VARIABLE, BUFFER / 2);
+        put(VARIABLE + 4, static_cast<uint32_t>(log.size()));
+        Poke(BUFFER, LogBytes(log));
+        Poke(COUNT, {1, 0});
+        put(TABLE, 0x20);
+        put(TABLE + 4, TEXTS / 2);
+        Poke(TEXTS, std::vector<uint8_t>(description.begin(), description.end()));
+        Poke(TEXTS + static_cast<uint32_t>(description.size()), {0});
+    }
+    static std::string Lines(int list = LOG_LIST)
+    {
+        std::string text;
+        for (const std::string &label : HL_GetLabels(PANEL, list))
+            text += UIC_JoinColumns(label, ",") + "\n";
+        return text;
+    }
+    static bool StateSays(const std::string &text)
+    {
+        return UiText(PANEL, LOG_STATE).find(text) != std::string::npos;
+    }
+    static void Type(int control, const char *text)
+    {
+        ASSERT_EQ(HL_SetUserVal(PANEL, control, std::string(text)), 0);
+    }
+};
+
+const std::string BETA = "2015-07-01 13:00:00,text,Beta\n",
+                  DRIVE = "2015-01-02 03:00:00,Drive,speed = 1500 rpm\n",
+                  HEX = "2015-01-02 03:00:00,20h,05DC\n",
+                  JUNK = "2015-07-01 12:00:00,junk,6 words\n",
+                  ALPHA = "2015-10-25 02:00:00,text,alpha\n";
+
+} // namespace
+
+TEST_F(LogWindow, ReadsFromTheTargetOrLeavesWhatItShows)
+{
+    EXPECT_EQ(HL_GetLabels(PANEL, LOG_VARIABLE), std::vector<std::string>{"_DL_log"});
+    PutLog(Sample().Finish(2000, BUFFER / 2));
+    HL_CommitControl(PANEL, LOG_READ); // communication is off: the answer is no
+    EXPECT_EQ(Lines(), "");
+    HL_PushAnswer(1);
+    HL_CommitControl(PANEL, LOG_READ);
+    EXPECT_EQ(Lines(), BETA + DRIVE + ALPHA);
+    EXPECT_TRUE(StateSays("_DL_log of station 1: 3 of 4 messages.")) << UiText(PANEL, LOG_STATE);
+    EXPECT_FALSE(StateSays("descriptions"));
+    HL_SelectLine(PANEL, LOG_LIST, 1);
+    EXPECT_EQ(Lines(LOG_DETAIL), "Local time,2015-01-02 03:00:00\n"
+                                 "Time as logged,2015-01-02 03:00:00\n"
+                                 "Type,Drive (20h)\nPlace,word 21, 4 words\n"
+                                 "speed,1500 rpm\nWords,EE20 BDD8 0F00 05DC\n");
+    // Neither a cancelled nor a failed reading takes away what is there.
+    PutLog(LogBuilder().Text("new").Finish(2000, BUFFER / 2));
+    const size_t popups = HL_GetPopups().size();
+    HL_CancelProgressAt(2);
+    HL_CommitControl(PANEL, LOG_READ);
+    HL_CancelProgressAt(0);
+    EXPECT_TRUE(StateSays("cancelled"));
+    EXPECT_EQ(HL_GetPopups().size(), popups);
+    Poke(BUFFER + 8, {'x'});
+    HL_CommitControl(PANEL, LOG_READ);
+    EXPECT_TRUE(StateSays("could not be read"));
+    EXPECT_EQ(HL_GetPopups().size(), popups + 1);
+    EXPECT_EQ(Lines(), BETA + DRIVE + ALPHA);
+    Poke(BUFFER + 8, {'L'});
+    HL_CommitControl(PANEL, LOG_READ);
+    EXPECT_EQ(Lines(), "2015-03-01 10:20:30,text,new\n");
+}
+
+TEST_F(LogWindow, OpensFilesAndSaysWhatIsMissing)
+{
+    Open("a.bin", Sample().Finish(100));
+    EXPECT_EQ(Lines(), BETA + HEX + ALPHA);
+    EXPECT_TRUE(StateSays("a.bin: 3 of 4 messages.\nThe descriptions of its records"));
+    const size_t popups = HL_GetPopups().size();
+    DLLD_Log bad = Sample().Finish(100);
+    bad[4] = 'x';
+    Open("bad.bin", bad);
+    LGW_ShowFile("none.bin");
+    ASSERT_EQ(HL_GetPopups().size(), popups + 3) << "each question and each message once";
+    EXPECT_NE(HL_GetPopups()[popups + 1].find("bad.bin holds no log"), std::string::npos);
+    EXPECT_NE(HL_GetPopups()[popups + 2].find("Could not open the file none.bin"),
+              std::string::npos);
+    EXPECT_EQ(Lines(), BETA + HEX + ALPHA);
+    Open("known.bin", LogBuilder().Text("only text").Finish(100));
+    EXPECT_FALSE(StateSays("descriptions"));
+}
+
+TEST_F(LogWindow, FiltersWhileTypingSortsAndJumps)
+{
+    Open("a.bin", Sample().Finish(100));
+    HL_SelectLine(PANEL, LOG_LIST, 2);
+    Type(LOG_FILTER, "al");
+    EXPECT_EQ(Lines(), ALPHA);
+    Type(LOG_FILTER, "");
+    EXPECT_EQ(Lines(), BETA + HEX + ALPHA);
+    EXPECT_EQ(UiSelected(PANEL, LOG_LIST), 2) << "the message stays selected";
+    const struct {
+        const char *from, *to;
+        std::string lines;
+    } cases[] = {
+        {"2015-07", "", BETA + ALPHA},
+        {"", "2015-07-01 13", BETA + HEX},
+        {"2015-07-01 13:00:01", "2015-10-25 02:00", ALPHA},
+        {"2015-02", "2015-06", ""},
+        {"2015-13", "x", BETA + HEX + ALPHA},
+    };
+    for (const auto &c : cases) {
+        Type(LOG_FROM, c.from);
+        Type(LOG_TO, c.to);
+        EXPECT_EQ(Lines(), c.lines) << c.from << " " << c.to;
+    }
+    EXPECT_TRUE(StateSays("'x' is no time"));
+    Type(LOG_FROM, "");
+    Type(LOG_TO, "");
+    // Types: the two collections, then those that are there.
+    EXPECT_EQ(HL_GetLabels(PANEL, LOG_TYPE),
+              (std::vector<std::string>{"all types but junk", "all types", "junk", "text", "20h"}));
+    HL_SelectLine(PANEL, LOG_TYPE, 1);
+    EXPECT_EQ(Lines(), BETA + JUNK + HEX + ALPHA);
+    HL_SelectLine(PANEL, LOG_TYPE, 3);
+    EXPECT_EQ(Lines(), BETA + ALPHA);
+    HL_SelectLine(PANEL, LOG_TYPE, 0);
+    HL_Key(PANEL, LOG_LIST, KEY_CTRL | '2');
+    EXPECT_EQ(Lines(), HEX + BETA + ALPHA);
+    HL_Key(PANEL, LOG_LIST, KEY_CTRL | '2');
+    EXPECT_EQ(Lines(), ALPHA + BETA + HEX);
+    HL_Key(PANEL, LOG_LIST, KEY_CTRL | '4');
+    EXPECT_EQ(Lines(), HEX + ALPHA + BETA);
+    Type(LOG_JUMP, "2015-07-01 13:00:01");
+    HL_CommitControl(PANEL, LOG_JUMP);
+    EXPECT_EQ(UiSelected(PANEL, LOG_LIST), 1);
+    HL_Toggle(PANEL, LOG_LOCAL);
+    EXPECT_EQ(Lines().substr(Lines().size() - 30), "2015-07-01 12:00:00,text,Beta\n");
+    HL_Toggle(PANEL, LOG_LOCAL);
+    HL_SelectLines(PANEL, LOG_LIST, {0, 2});
+    HL_Key(PANEL, LOG_LIST, KEY_CTRL | 'C');
+    EXPECT_EQ(HL_GetClipboard(),
+              "2015-01-02 03:00:00\t20h\t05DC\n2015-07-01 13:00:00\ttext\tBeta\n");
+    Type(LOG_FILTER, "a");
+    HL_PushAnswer(1, "out.csv");
+    HL_CommitControl(PANEL, LOG_EXPORT);
+    EXPECT_EQ(ReadFile("out.csv"), "; log a.bin\r\n; 2 of 4 messages, local time\r\n"
+                                   "time,type,text\r\n2015-10-25 02:00:00,\"text\",\"alpha\"\r\n"
+                                   "2015-07-01 13:00:00,\"text\",\"Beta\"\r\n");
+    Type(LOG_FILTER, "");
+}
+
+TEST_F(LogWindow, ShowsALongLogInPages)
+{
+    constexpr uint32_t COUNT_OF_ALL = 2 * LGW_PAGE_LINES + 1;
+    LogBuilder log;
+    for (uint32_t i = 0; i < COUNT_OF_ALL; i++)
+        log.Add(0x20, {static_cast<uint16_t>(i + 1)}, STAMP_2015 + i);
+    Open("long.bin", log.Finish());
+    EXPECT_EQ(HL_GetLabels(PANEL, LOG_LIST).size(), size_t(LGW_PAGE_LINES));
+    EXPECT_TRUE(StateSays("10,001 of 10,001 messages. Listed: 1 to 5,000."));
+    EXPECT_EQ(UiAttribute(PANEL, LOG_PREVIOUS, ATTR_DIMMED), 1);
+    HL_CommitControl(PANEL, LOG_NEXT);
+    HL_CommitControl(PANEL, LOG_NEXT);
+    EXPECT_EQ(HL_GetLabels(PANEL, LOG_LIST).size(), 1u);
+    EXPECT_EQ(UiAttribute(PANEL, LOG_NEXT, ATTR_DIMMED), 1);
+    HL_SelectLine(PANEL, LOG_LIST, 0);
+    EXPECT_NE(Lines(LOG_DETAIL).find("2711"), std::string::npos); // 10,001
+    HL_CommitControl(PANEL, LOG_PREVIOUS);
+    EXPECT_TRUE(StateSays("Listed: 5,001 to 10,000."));
+    Type(LOG_JUMP, "2015-03-01 14:13:50"); // 7,000 stamps behind the first
+    HL_CommitControl(PANEL, LOG_JUMP);
+    EXPECT_TRUE(StateSays("Listed: 5,001 to 10,000."));
+    EXPECT_EQ(UiSelected(PANEL, LOG_LIST), 2000);
+    Type(LOG_JUMP, "2016");
+    HL_CommitControl(PANEL, LOG_JUMP);
+    EXPECT_TRUE(StateSays("Listed: 10,001 to 10,001."));
+}
+
+TEST_F(LogWindow, ComparesWithAFile)
+{
+    Open("a.bin", Sample().Finish(100));
+    WriteLog("b.bin", Sample().Text("gamma", Stamp(8, 1, 1)).Finish(100));
+    WriteLog("c.bin", LogBuilder().Text("Beta", Stamp(7, 1, 12)).Finish(100));
+    HL_PushAnswer(1, "b.bin");
+    HL_CommitControl(PANEL, LOG_COMPARE);
+    const std::string gamma = "2015-08-01 02:00:00,text,gamma\n";
+    EXPECT_EQ(Lines(), "both," + HEX + "both," + BETA + "only other," + gamma + "both," + ALPHA);
+    EXPECT_TRUE(StateSays("4 messages, 1 of them in one only."));
+    EXPECT_EQ(UiAttribute(PANEL, LOG_EXPORT, ATTR_DIMMED), 1);
+    Type(LOG_FILTER, "gam");
+    EXPECT_EQ(Lines(), "only other," + gamma);
+    Type(LOG_FILTER, "");
+    HL_CommitControl(PANEL, LOG_COMPARE); // ends it
+    EXPECT_EQ(Lines(), BETA + HEX + ALPHA);
+    HL_PushAnswer(1, "c.bin");
+    HL_CommitControl(PANEL, LOG_COMPARE);
+    EXPECT_EQ(Lines(), "only this," + HEX + "both," + BETA + "only this," + ALPHA);
+}
