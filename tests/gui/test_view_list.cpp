@@ -111,7 +111,7 @@ TEST_F(ViewListTest, RepaintsOnlyWhatDiffersAndKeepsItsPlace)
     EXPECT_EQ(changed.count(), 0);
     EXPECT_TRUE(watch.painted.isEmpty()) << "an unchanged list is not painted at all";
     for (const int index : {3, 248, 499}) // one of them in view
-        drawLine(line(index, "77"), index);
+        drawLine(line(index, "7"), index);
     GuiSettle();
     EXPECT_EQ(changed.count(), 3);
     EXPECT_EQ(watch.painted.boundingRect().top(), 3 * ROW_PIXELS);
@@ -233,6 +233,14 @@ TEST_F(ViewListTest, PutsDecimalPointsBelowEachOtherWithinAType)
     EXPECT_NEAR(list->pointPlace(1, VALUE_COLUMN), 5 * width(0), 0.01) << "with its sign";
     EXPECT_EQ(width(5), -1) << "hexadecimal";
     EXPECT_EQ(width(6), -1);
+    GuiSettle();
+    PaintWatch watch;
+    list->viewport()->installEventFilter(&watch);
+    drawLine(line(8, "1234567"), 8);
+    GuiSettle();
+    EXPECT_TRUE(watch.painted.contains(middle(2, VALUE_COLUMN))) << "its point has moved along";
+    EXPECT_NEAR(list->pointPlace(2, VALUE_COLUMN), 7 * width(0), 0.01);
+    list->viewport()->removeEventFilter(&watch);
 }
 
 TEST_F(ViewListTest, MarksAChangedValueForAMoment)

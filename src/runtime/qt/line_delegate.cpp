@@ -24,6 +24,14 @@ qsizetype PointIndex(const QString &text)
     return at == first || isHexadecimal ? -1 : at;
 }
 
+bool IsAscii(const QString &text)
+{
+    for (const QChar c : text)
+        if (c.unicode() >= 0x7F)
+            return false;
+    return true;
+}
+
 // How the watch list marks a value that could not be read: not to be overlooked.
 const QLatin1String FAILED_SUFFIX(" (!)");
 
@@ -38,12 +46,34 @@ LOOK_Tone ToneOf(const ListCell &cell)
 
 } // namespace
 
-LineDelegate::LineDelegate(LineList *list)
-    : QStyledItemDelegate(list), m_list(list),
-      m_fixed(QFontDatabase::systemFont(QFontDatabase::FixedFont))
+LineDelegate::LineDelegate(LineList *list) : QStyledItemDelegate(list), m_list(list)
 {
-    m_fixed.setPixelSize(list->font().pixelSize());
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPixelSize(list->font().pixelSize());
+    m_plain = makeFace(list->font(), false);
+    m_fixed = makeFace(fixed, true);
     usePalette(list->palette());
+}
+
+LineDelegate::Face LineDelegate::makeFace(const QFont &font, bool isFixed)
+{
+    const QFontMetricsF metrics(font);
+    Face made;
+    made.font = font;
+    made.digit = isFixed ? metrics.horizontalAdvance('0') : 0;
+    made.height = qRound(metrics.height());
+    made.ascent = qRound(metrics.ascent());
+    return made;
+}
+
+QFont LineDelegate::fontOf(const ListCell &cell, int column) const
+{
+    if (!(cell.style & (UIS_BOLD | UIS_STRUCK)))
+        return face(column).font;
+    QFont font = face(column).font;
+    font.setStrikeOut(cell.style & UIS_STRUCK);
+    font.setBold(cell.style & UIS_BOLD);
+    return font;
 }
 
 void LineDelegate::usePalette(const QPalette &palette)
@@ -55,11 +85,15 @@ void LineDelegate::measure(const ListCell &cell, int column) const
 {
     if (cell.width >= 0)
         return;
-    QFont font = column == 0 ? m_list->font() : m_fixed;
-    font.setBold(cell.style & UIS_BOLD);
-    const QFontMetricsF metrics(font);
-    cell.width = metrics.horizontalAdvance(cell.text);
     const qsizetype point = PointIndex(cell.text);
+    const double digit = face(column).digit;
+    if (digit > 0 && IsAscii(cell.text)) {
+        cell.width = digit * static_cast<double>(cell.text.size());
+        cell.beforePoint = point < 0 ? -1 : digit * static_cast<double>(point);
+        return;
+    }
+    const QFontMetricsF metrics(fontOf(cell, column));
+    cell.width = metrics.horizontalAdvance(cell.text);
     cell.beforePoint = point < 0 ? -1 : metrics.horizontalAdvance(cell.text.left(point));
 }
 
@@ -80,10 +114,7 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     if (cell.text.isEmpty())
         return;
     measure(cell, column);
-    QFont font = column == 0 ? m_list->font() : m_fixed;
-    font.setStrikeOut(cell.style & UIS_STRUCK);
-    font.setBold(cell.style & UIS_BOLD);
-    painter->setFont(font);
+    painter->setFont(fontOf(cell, column));
     painter->setPen(option.state & QStyle::State_Enabled ? m_colors.text[ground][ToneOf(cell)]
                                                          : m_colors.text[ground][LT_QUIET]);
     const QRect room = option.rect.adjusted(MARGIN, 0, -MARGIN, 0);
@@ -96,13 +127,13 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     else if (align == UIA_POINT && cell.beforePoint >= 0)
         left += m_list->pointPlace(index.row(), column) - cell.beforePoint;
     if (left < room.left() || left + cell.width > room.right() + 1) {
-        const QFontMetrics metrics(font);
+        const QFontMetrics metrics = painter->fontMetrics();
         painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine,
                           metrics.elidedText(cell.text, Qt::ElideRight, room.width()));
         return;
     }
-    const QFontMetrics metrics = painter->fontMetrics();
-    const int baseline = room.top() + (room.height() - metrics.height()) / 2 + metrics.ascent();
+    const Face &drawn = face(column);
+    const int baseline = room.top() + (room.height() - drawn.height) / 2 + drawn.ascent;
     painter->drawText(QPointF(left, baseline), cell.text);
 }
 
@@ -110,7 +141,7 @@ QWidget *LineDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem 
                                     const QModelIndex &) const
 {
     auto *field = new QLineEdit(parent);
-    field->setFont(m_fixed);
+    field->setFont(m_fixed.font);
     field->setFrame(false);
     field->setTextMargins(MARGIN - 2, 0, 0, 0);
     return field;

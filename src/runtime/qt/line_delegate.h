@@ -29,8 +29,20 @@ public:
     void usePalette(const QPalette &palette);
 
 private:
+    struct Face {
+        QFont font;
+        double digit = 0; // width of a digit when all characters are of one width, else 0
+        int height = 0, ascent = 0;
+    };
+    static Face makeFace(const QFont &font, bool isFixed);
+    const Face &face(int column) const
+    {
+        return column == 0 ? m_plain : m_fixed;
+    }
+    QFont fontOf(const ListCell &cell, int column) const;
+
     LineList *m_list;
-    QFont m_fixed;
+    Face m_plain, m_fixed;
     LOOK_Lines m_colors;
 };
 

@@ -127,11 +127,15 @@ void LineModel::setLineCount(int count)
     }
 }
 
-void LineModel::setLine(int row, ListLine line)
+bool LineModel::setLine(int row, ListLine line, ListSpan *span)
 {
     ListLine &shown = m_lines[static_cast<size_t>(row)];
-    shown.id = line.id; // not shown: no reason to repaint
-    bool isChanged = shown.cells.size() != line.cells.size() || shown.tip != line.tip;
+    shown.id = line.id;                   // not shown: no reason to repaint
+    int first = columnCount(), last = -1; // columns that differ
+    if (shown.cells.size() != line.cells.size() || shown.tip != line.tip) {
+        first = 0;
+        last = columnCount() - 1;
+    }
     for (size_t i = 0; i < line.cells.size(); i++) {
         ListCell &fresh = line.cells[i];
         const ListCell *old = i < shown.cells.size() ? &shown.cells[i] : nullptr;
@@ -139,17 +143,30 @@ void LineModel::setLine(int row, ListLine line)
             fresh = *old; // with what was measured of it
             continue;
         }
-        isChanged = true;
+        first = qMin(first, static_cast<int>(i));
+        last = qMax(last, static_cast<int>(i));
         if (!(fresh.style & UIS_CHANGED))
             continue;
         fresh.changedAt = m_clock.elapsed() + 1;
         if (!m_fading.isActive())
             m_fading.start();
     }
-    if (!isChanged)
-        return;
+    if (last < 0)
+        return false;
     shown = std::move(line);
-    emit dataChanged(index(row, 0), index(row, columnCount() - 1));
+    const bool isFirst = span->firstRow < 0;
+    span->firstRow = isFirst ? row : span->firstRow;
+    span->lastRow = row;
+    span->firstColumn = isFirst ? first : qMin(first, span->firstColumn);
+    span->lastColumn = isFirst ? last : qMax(last, span->lastColumn);
+    return true;
+}
+
+void LineModel::reportChanged(const ListSpan &span)
+{
+    if (span.firstRow >= 0)
+        emit dataChanged(index(span.firstRow, span.firstColumn),
+                         index(span.lastRow, span.lastColumn));
 }
 
 bool LineModel::isFresh(const ListCell &cell) const
@@ -368,6 +385,14 @@ void LineList::paintEvent(QPaintEvent *event)
 {
     m_points.clear();
     QTableView::paintEvent(event);
+    // A number longer than those so far moves the points of the lines that were not painted.
+    bool hasMoved = false;
+    for (auto point = m_points.constBegin(); point != m_points.constEnd(); ++point) {
+        hasMoved = hasMoved || m_paintedPoints.value(point.key(), *point) != *point;
+        m_paintedPoints.insert(point.key(), *point);
+    }
+    if (hasMoved)
+        viewport()->update();
 }
 
 void LineList::selectionChanged(const QItemSelection &now, const QItemSelection &before)

@@ -43,6 +43,11 @@ struct ListLine {
     QString tip; // of the whole line
 };
 
+// Rows and columns from ... to, both included; empty while no row is in it.
+struct ListSpan {
+    int firstRow = -1, lastRow = -1, firstColumn = 0, lastColumn = 0;
+};
+
 class LineModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -63,8 +68,10 @@ public:
     void setColumns(const std::vector<ListColumn> &columns);
     // Rows are added and removed at the end; the lines themselves follow by setLine.
     void setLineCount(int count);
-    // One dataChanged when anything of the line differs.
-    void setLine(int row, ListLine line);
+    // Whether anything of the line differs; *span grows by what does. The caller then says
+    // so by reportChanged, for many lines at once.
+    bool setLine(int row, ListLine line, ListSpan *span);
+    void reportChanged(const ListSpan &span);
     const ListCell &cell(int row, int column) const; // an empty one where a line is shorter
     uint32_t id(int row) const;
     // Numbers of one group have their decimal points below each other: those whose cell
@@ -149,6 +156,7 @@ private:
     QString m_titles;
     bool m_isOurs = false;                  // the program is moving the selection, not the user
     mutable QHash<size_t, double> m_points; // by group; for one painting
+    QHash<size_t, double> m_paintedPoints;  // where they were painted last
 };
 
 #endif

@@ -64,11 +64,19 @@ void DrawLines(LineList *list, const VIEW_List &change)
     if (list->currentRow() >= change.count)
         list->select({}, -1); // or Qt would select a neighbour of the line that goes
     list->lines()->setLineCount(change.count);
+    // Neighbours are reported together: the table looks up their place but once, and of a
+    // sweep only the column of the values is painted.
+    ListSpan span;
     for (const std::pair<int, VIEW_Line> &line : change.changed) {
         if (line.second.cells.empty())
             FollowLabel(list, line.second);
-        list->lines()->setLine(line.first, ToListLine(line.second));
+        if (span.firstRow >= 0 && line.first != span.lastRow + 1) {
+            list->lines()->reportChanged(span);
+            span = ListSpan();
+        }
+        list->lines()->setLine(line.first, ToListLine(line.second), &span);
     }
+    list->lines()->reportChanged(span);
 }
 
 void DrawRing(QComboBox *ring, const VIEW_List &change)
