@@ -155,7 +155,7 @@ int TXFR_Open(const char *fileName)
 int TXFR_OpenMemory(const char *text, size_t length)
 {
     const int handle = FreeSlot();
-    if (handle < 0)
+    if (handle < 0 || length > PLF_SIZE_MAX) // as much as a file may hold
         return -1;
     Slot *slot = &slots[handle];
     slot->isOpen = true;
