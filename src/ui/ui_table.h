@@ -18,6 +18,7 @@ enum UI_Kind {
     UIK_RING,      // a choice; value = the chosen entry's value
     UIK_LIST,      // a list of lines with a selected one
     UIK_TEXTBOX,   // many lines
+    UIK_GRAPH,     // curves over an axis
     UIK_TIMER,     // no widget
     UIK_DECOR,     // a widget the program only shows, hides or renames
 };
