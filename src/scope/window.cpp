@@ -108,7 +108,7 @@ void ShowButtons()
 void ShowChannels()
 {
     SetListColumns(PANEL_SCOPE, SCOPE_CHANNELS,
-                   {{"", 32}, {"", 28}, {"Variable", 120}, {"Type", 36}, {"Unit", 0}});
+                   {{"", 40}, {"", 28}, {"Variable", 112}, {"Type", 36}, {"Unit", 0}});
     ClearListCtrl(PANEL_SCOPE, SCOPE_CHANNELS);
     for (size_t i = 0; i < SX_CHANNELS_MAX; ++i) {
         const SCP_ChannelSetup &channel = setup.channels[i];

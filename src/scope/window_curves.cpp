@@ -123,15 +123,15 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
     const double from = isBetween ? std::min(view.cursors[0].x, view.cursors[1].x) : view.xMin;
     const double to = isBetween ? std::max(view.cursors[0].x, view.cursors[1].x) : view.xMax;
     SetListColumns(PANEL_SCOPE, SCOPE_MEASURES,
-                   {{isBetween ? "Between the cursors" : "In view", 150},
-                    {"Min", 80, UIA_RIGHT},
-                    {"Max", 80, UIA_RIGHT},
-                    {"Peak-peak", 80, UIA_RIGHT},
-                    {"Mean", 80, UIA_RIGHT},
-                    {"RMS", 80, UIA_RIGHT},
-                    {"Period s", 80, UIA_RIGHT},
-                    {"Hz", 80, UIA_RIGHT},
-                    {"Duty %", 60, UIA_RIGHT}});
+                   {{isBetween ? "Between the cursors" : "In view", 110},
+                    {"Min", 68, UIA_RIGHT},
+                    {"Max", 68, UIA_RIGHT},
+                    {"Peak-peak", 68, UIA_RIGHT},
+                    {"Mean", 68, UIA_RIGHT},
+                    {"RMS", 68, UIA_RIGHT},
+                    {"Period s", 68, UIA_RIGHT},
+                    {"Hz", 68, UIA_RIGHT},
+                    {"Duty %", 56, UIA_RIGHT}});
     ClearListCtrl(PANEL_SCOPE, SCOPE_MEASURES);
     for (size_t i = 0; i < capture.traces.size() && i < plots.size(); ++i) {
         const SCP_Measures m = SCP_Measure(*plots[i].x, *plots[i].y, from, to);

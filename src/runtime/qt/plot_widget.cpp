@@ -42,7 +42,7 @@ PlotWidget::PlotWidget(QWidget *parent) : QCustomPlot(parent)
     m_readout->position->setCoords(0.01, 0.02);
     m_readout->setPositionAlignment(Qt::AlignLeft | Qt::AlignTop);
     m_readout->setTextAlignment(Qt::AlignLeft);
-    legend->setVisible(true);
+    legend->setVisible(false);
     axisRect()->insetLayout()->setInsetAlignment(0, Qt::AlignRight | Qt::AlignTop);
     const auto changed = [this] { followAxes(); };
     connect(xAxis, QOverload<const QCPRange &>::of(&QCPAxis::rangeChanged), this, changed);
@@ -64,6 +64,7 @@ void PlotWidget::setPlots(const std::vector<UI_Plot> &plots)
         curve->addToLegend();
         m_curves.push_back(curve);
     }
+    legend->setVisible(!m_curves.empty());
     usePalette();
     drawLines();
 }
