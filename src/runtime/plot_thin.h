@@ -6,7 +6,7 @@
 
 #include "runtime/userint.h"
 
-constexpr size_t PTH_BLOCK_SAMPLES = 128;
+constexpr size_t PTH_BLOCK_SAMPLES = 32;
 
 struct PTH_Curve {
     UI_Samples x, y;
