@@ -14,6 +14,7 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "scope/window.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
@@ -439,6 +440,7 @@ bool IsOnDisk(const std::string &text)
 
 int OpenIniFile(int)
 {
+    DTSC_LoadSettings();
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
     const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
     iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;

@@ -10,6 +10,7 @@
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "runtime/userint.h"
+#include "scope/window.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -73,7 +74,8 @@ void PrepareMenu()
 void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
-    QuitUserInterface(SaveIniFile() < 0 ? EXIT_UNSAVED : 0);
+    const bool isScopeSaved = DTSC_SaveSettings() == 0;
+    QuitUserInterface(SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0);
 }
 
 void RunScript(const char *path)
@@ -125,7 +127,8 @@ int ExitApplication(int)
         return -1;
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
-    const int code = SaveIniFile() < 0 ? EXIT_UNSAVED : 0;
+    const bool isScopeSaved = DTSC_SaveSettings() == 0;
+    const int code = SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.
     QuitUserInterface(code);
     return 0;

@@ -9,6 +9,7 @@
 #include "diagnostics/trace_panel.h"
 #include "loader/window.h"
 #include "runtime/userint.h"
+#include "scope/window.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -126,7 +127,7 @@ constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
     {ITEM_LOADER, PANEL_LOADER, LDW_Opened},
     {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
-    {ITEM_SCOPE, PANEL_SCOPE, nullptr},
+    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
     {ITEM_CONFIG, PANEL_CONFIG, nullptr},
     {ITEM_DEBUGGER, PANEL_DEBUGGER, nullptr},
     {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},

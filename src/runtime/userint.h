@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -189,6 +190,52 @@ struct UI_Segment {
 };
 int SetBarSegments(int panel, int control, const std::vector<UI_Segment> &segments);
 int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments);
+
+// --- graphs ---------------------------------------------------------------------------
+// A graph holds curves (plots), two cursors and two marks. The numbers of a plot are handed
+// over once and shared, never copied: nobody may change them afterwards. x rises; a NaN in y
+// is a gap. What the user does to the graph comes as EVENT_VAL_CHANGED.
+typedef std::shared_ptr<const std::vector<double>> UI_Samples;
+struct UI_Plot {
+    int handle = 0; // PlotXY's
+    UI_Samples x, y; // of one length
+    std::string name, unit;
+    int color = -1; // 0xRRGGBB as on a light ground; -1 = by its place
+    bool isDashed = false;  // a curve to compare with
+    bool isVisible = true;  // the user may hide and show it in the legend
+};
+enum { GRAPH_CURSORS = 2, GRAPH_PLOTS_MAX = 64 };
+struct UI_Cursor {
+    bool isShown = false;
+    int plot = 0;   // handle of the plot it stands on
+    int index = -1; // of the sample
+    double x = 0, y = 0;
+};
+// A line the user may drag: a level lies across, a position stands upright.
+struct UI_Mark {
+    bool isShown = false;
+    double value = 0;
+};
+struct UI_GraphView {
+    bool isFitted = true; // shows everything there is; the limits follow the plots
+    double xMin = 0, xMax = 1, yMin = 0, yMax = 1;
+    UI_Cursor cursors[GRAPH_CURSORS];
+    UI_Mark level, position;
+    std::vector<int> hidden; // handles
+};
+struct UI_GraphAxes {
+    std::string xLabel, yLabel;
+};
+// The new plot's handle, from 1. UIE_BAD_INDEX: x and y differ in length, or too many plots.
+int PlotXY(int panel, int control, const UI_Plot &plot);
+int ReplacePlot(int panel, int control, int handle, const UI_Plot &plot);
+int DeleteGraphPlot(int panel, int control, int handle); // 0 = all
+int GetGraphPlots(int panel, int control, std::vector<UI_Plot> *plots);
+int SetGraphAxes(int panel, int control, const UI_GraphAxes &axes);
+// Limits that are not rising or not finite are refused (UIE_BAD_INDEX). A fitted view's
+// limits are those of the visible plots. Cursors go to the nearest sample of their plot.
+int SetGraphView(int panel, int control, const UI_GraphView &view);
+int GetGraphView(int panel, int control, UI_GraphView *view);
 
 // --- text boxes -------------------------------------------------------------------
 // A box keeps at most this many lines; what goes beyond leaves it at the top.

@@ -174,6 +174,20 @@ struct VIEW_Question {
     int mode = FILE_LOAD;
 };
 
+enum VIEW_GraphMask : unsigned {
+    VIEW_GRAPH_PLOTS = 1,
+    VIEW_GRAPH_AXES = 2,
+    VIEW_GRAPH_VIEW = 4, // set by the program, not by the user
+};
+// The plots share their numbers with the model: to be read only, from any thread.
+struct VIEW_Graph {
+    int panel = 0, control = 0;
+    unsigned mask = 0;
+    std::vector<UI_Plot> plots;
+    UI_GraphAxes axes;
+    UI_GraphView view;
+};
+
 struct VIEW_Progress {
     int id = 0;
     std::string title, text;
@@ -187,6 +201,7 @@ struct VIEW_Batch {
     std::vector<VIEW_Control> controls;
     std::vector<VIEW_List> lists;
     std::vector<VIEW_TextBox> boxes;
+    std::vector<VIEW_Graph> graphs;
     std::vector<VIEW_Completion> completions;
     std::vector<VIEW_Progress> progress;
     int popupMenu = 0;      // menu to be shown at the mouse; 0 = none
@@ -219,6 +234,7 @@ enum VIEW_EventKind {
 //   control  EVENT_COMMIT, EVENT_VAL_CHANGED  the control's value: value (switch, ring: the
 //            entry's value), number, text; a list: line and selected
 //            EVENT_LEFT_DOUBLE_CLICK, EVENT_RIGHT_CLICK  a list: line and selected
+//            a graph: view
 //            EVENT_KEYPRESS  value = key code
 //            EVENT_DROPPED   line = source, target
 //            EVENT_CELL_EDITED  line, column, text = what was typed
@@ -236,6 +252,7 @@ struct VIEW_Event {
     int column = 0;
     std::vector<int> widths; // pixels
     VIEW_Rect rect;
+    std::shared_ptr<const UI_GraphView> view; // of a graph
     int item = 0;
     int id = 0, button = 0;
     uint32_t seen = 0; // the door's stamp, whatever the poster writes

@@ -136,6 +136,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
+    {MENU_WINDOW, ITEM_SCOPE, "Data s__cope", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 

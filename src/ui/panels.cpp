@@ -8,6 +8,7 @@
 #include "diagnostics/trace_panel.h"
 #include "loader/window.h"
 #include "logger/log_window.h"
+#include "scope/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -32,7 +33,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_DATA_LOG, "data_log", "Data log", LGW_PanelCB},
     {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
-    {PANEL_SCOPE, "scope", "Data scope", nullptr},
+    {PANEL_SCOPE, "scope", "Data scope", DTSC_PanelCB},
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Device configuration editor", nullptr},
@@ -204,5 +205,34 @@ const UI_Control UI_aControls[] = {
     {PANEL_STRUCT_SELECTOR, STRSEL_COUNT, UIK_TEXT, "count", nullptr},
     {PANEL_STRUCT_SELECTOR, STRSEL_PREVIOUS, UIK_BUTTON, "previous", SSL_ButtonCB},
     {PANEL_STRUCT_SELECTOR, STRSEL_NEXT, UIK_BUTTON, "next", SSL_ButtonCB},
+
+    {PANEL_SCOPE, SCOPE_ID, UIK_STRING, "scopeId", nullptr},
+    {PANEL_SCOPE, SCOPE_INIT, UIK_BUTTON, "init", DTSC_OnInit},
+    {PANEL_SCOPE, SCOPE_RUN, UIK_BUTTON, "run", DTSC_OnRun},
+    {PANEL_SCOPE, SCOPE_SNAP, UIK_BUTTON, "snap", DTSC_OnSnap},
+    {PANEL_SCOPE, SCOPE_UPLOAD, UIK_BUTTON, "upload", DTSC_OnUpload},
+    {PANEL_SCOPE, SCOPE_MODE, UIK_RING, "mode", nullptr},
+    {PANEL_SCOPE, SCOPE_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_SCOPE, SCOPE_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_SCOPE, SCOPE_CHANNELS, UIK_LIST, "channels", DTSC_ChannelsCB},
+    {PANEL_SCOPE, SCOPE_ON, UIK_SWITCH, "on", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_PLACE, UIK_STRING, "place", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_TYPE, UIK_RING, "type", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_UNIT, UIK_STRING, "unit", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_FACTOR, UIK_STRING, "factor", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_OFFSET, UIK_STRING, "offset", DTSC_ChannelCB},
+    {PANEL_SCOPE, SCOPE_EDGE, UIK_RING, "edge", DTSC_OnTriggerMode},
+    {PANEL_SCOPE, SCOPE_LEVEL, UIK_STRING, "level", DTSC_OnTriggerMode},
+    {PANEL_SCOPE, SCOPE_POSITION, UIK_NUMBER, "position", DTSC_OnTriggerMode},
+    {PANEL_SCOPE, SCOPE_SUB, UIK_NUMBER, "sub", DTSC_OnSubPd},
+    {PANEL_SCOPE, SCOPE_RATE, UIK_TEXT, "rate", nullptr},
+    {PANEL_SCOPE, SCOPE_GRAPH, UIK_GRAPH, "graph", DTSC_GraphCB},
+    {PANEL_SCOPE, SCOPE_MEASURES, UIK_LIST, "measures", nullptr},
+    {PANEL_SCOPE, SCOPE_OPEN_SETUP, UIK_BUTTON, "openSetup", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_SAVE_SETUP, UIK_BUTTON, "saveSetup", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_OPEN_DATA, UIK_BUTTON, "openData", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_SAVE_DATA, UIK_BUTTON, "saveData", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_REFERENCE, UIK_BUTTON, "reference", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_TIMER, UIK_TIMER, "timer", DTSC_TimerCB},
 };
 const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];

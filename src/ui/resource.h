@@ -170,6 +170,8 @@ enum {
     LOADER_FLASH = 14,      // what the flash holds
     LOADER_PROGRAM = 15,
     LOADER_COMPARE = 16,
+};
+
 // Data log.
 enum {
     LOG_VARIABLE = 1,       // logs of the map
@@ -219,6 +221,38 @@ enum {
     STRSEL_COUNT = 9,
     STRSEL_PREVIOUS = 10,   // page of a large array
     STRSEL_NEXT = 11,
+};
+
+// Scope panel.
+enum {
+    SCOPE_ID = 1,
+    SCOPE_INIT = 2,
+    SCOPE_RUN = 3,
+    SCOPE_SNAP = 4,
+    SCOPE_UPLOAD = 5,
+    SCOPE_MODE = 6, // single, normal, auto
+    SCOPE_STATE = 7,
+    SCOPE_MESSAGE = 8,
+    SCOPE_CHANNELS = 9,
+    SCOPE_ON = 10, // this and the fields below: of the chosen channel
+    SCOPE_PLACE = 11,
+    SCOPE_TYPE = 12,
+    SCOPE_UNIT = 13,
+    SCOPE_FACTOR = 14,
+    SCOPE_OFFSET = 15,
+    SCOPE_EDGE = 16, // rising, falling, free run
+    SCOPE_LEVEL = 17, // as the target counts
+    SCOPE_POSITION = 18, // percent of the record before the trigger
+    SCOPE_SUB = 19, // every how manieth sample is kept
+    SCOPE_RATE = 20,
+    SCOPE_GRAPH = 21,
+    SCOPE_MEASURES = 22,
+    SCOPE_OPEN_SETUP = 23,
+    SCOPE_SAVE_SETUP = 24,
+    SCOPE_OPEN_DATA = 25,
+    SCOPE_SAVE_DATA = 26,
+    SCOPE_REFERENCE = 27,
+    SCOPE_TIMER = 28,
 };
 
 // Menus (bar and submenus).

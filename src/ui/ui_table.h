@@ -19,6 +19,7 @@ enum UI_Kind {
     UIK_LIST,      // a list of lines with a selected one
     UIK_TEXTBOX,   // many lines
     UIK_BAR,       // segments of a stretch, each in its colour
+    UIK_GRAPH,     // curves over an axis
     UIK_TIMER,     // no widget
     UIK_DECOR,     // a widget the program only shows, hides or renames
 };

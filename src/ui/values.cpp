@@ -10,13 +10,27 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_DATA_LOG, LOG_SORT, "time", 1},
     {PANEL_DATA_LOG, LOG_SORT, "type", 2},
     {PANEL_DATA_LOG, LOG_SORT, "text", 3},
+    {PANEL_SCOPE, SCOPE_MODE, "Single", 0},
+    {PANEL_SCOPE, SCOPE_MODE, "Normal", 1},
+    {PANEL_SCOPE, SCOPE_MODE, "Auto", 2},
+    {PANEL_SCOPE, SCOPE_EDGE, "Rising", 0},
+    {PANEL_SCOPE, SCOPE_EDGE, "Falling", 1},
+    {PANEL_SCOPE, SCOPE_EDGE, "Free run", 2},
+    {PANEL_SCOPE, SCOPE_TYPE, "i1   signed byte", 0},
+    {PANEL_SCOPE, SCOPE_TYPE, "u1   unsigned byte", 3},
+    {PANEL_SCOPE, SCOPE_TYPE, "i2   signed", 1},
+    {PANEL_SCOPE, SCOPE_TYPE, "u2   unsigned", 4},
+    {PANEL_SCOPE, SCOPE_TYPE, "i4   signed, 32 bits", 2},
+    {PANEL_SCOPE, SCOPE_TYPE, "u4   unsigned, 32 bits", 5},
+    {PANEL_SCOPE, SCOPE_TYPE, "f4   single", 6},
+    {PANEL_SCOPE, SCOPE_TYPE, "f2   packed single", 7},
 };
 const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 
 const UI_Number UI_aNumbers[] = {
-    {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},
-    {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
-    {PANEL_CONNECT, CONNECT_STATION, 0, 250, 1},
+    {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},  {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
+    {PANEL_CONNECT, CONNECT_STATION, 0, 250, 1}, {PANEL_SCOPE, SCOPE_POSITION, 0, 100, 50},
+    {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},
 };
 const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
 

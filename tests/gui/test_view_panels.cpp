@@ -157,17 +157,17 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     EXPECT_EQ(GuiEventsOf(PANEL_MAIN, 0, EVENT_CLOSE).size(), 1u)
         << "Escape never ends the program";
 
-    PanelWindow *scope = GuiWindow(PANEL_SCOPE);
-    GuiShow(PANEL_SCOPE);
+    PanelWindow *scope = GuiWindow(PANEL_SIMULATOR);
+    GuiShow(PANEL_SIMULATOR);
     EXPECT_EQ(scope->windowHandle()->transientParent(), GuiWindow(PANEL_MAIN)->windowHandle());
     QTest::keyClick(scope, Qt::Key_Escape);
-    EXPECT_EQ(GuiEventsOf(PANEL_SCOPE, 0, EVENT_CLOSE).size(), 1u);
+    EXPECT_EQ(GuiEventsOf(PANEL_SIMULATOR, 0, EVENT_CLOSE).size(), 1u);
 
     static std::vector<VIEW_Event> placed;
     placed.clear();
     QTV_postTo = [](const VIEW_Event &event) {
         const bool isPlace = event.kind == VIEW_EVENT_PLACED || event.event == EVENT_PANEL_SIZE;
-        if (isPlace && event.panel == PANEL_SCOPE)
+        if (isPlace && event.panel == PANEL_SIMULATOR)
             placed.push_back(event);
         return true;
     };
@@ -179,7 +179,7 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     EXPECT_EQ(placed[0].rect.width, 500);
     EXPECT_EQ(placed[1].event, EVENT_PANEL_SIZE);
     const auto place = [](int left, int top) {
-        GuiDrawPanel(PANEL_SCOPE, VIEW_PANEL_PLACE, [left, top](VIEW_Panel &panel) {
+        GuiDrawPanel(PANEL_SIMULATOR, VIEW_PANEL_PLACE, [left, top](VIEW_Panel &panel) {
             panel.rect.left = left;
             panel.rect.top = top;
         });

@@ -71,6 +71,7 @@ int HL_SetUserVal(int panel, int control, int value); // then EVENT_VAL_CHANGED
 int HL_SetUserVal(int panel, int control, const std::string &text);
 int HL_SelectLine(int panel, int control, int index); // then EVENT_VAL_CHANGED
 int HL_SelectLines(int panel, int control, const std::vector<int> &indices);
+int HL_SetGraphView(int panel, int control, const UI_GraphView &view); // zoomed, dragged
 int HL_EditCell(int panel, int control, int index, int column, const std::string &text);
 // A key while `control` has the focus (0 = none): as the key table says to the control and
 // the panel, else what the widget does by itself, else the menu shortcut.

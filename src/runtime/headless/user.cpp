@@ -187,6 +187,14 @@ int HL_SelectLines(int panel, int control, const std::vector<int> &indices)
     });
 }
 
+int HL_SetGraphView(int panel, int control, const UI_GraphView &view)
+{
+    return Act(panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) {
+        made->view = std::make_shared<const UI_GraphView>(view);
+        return c.row->kind == UIK_GRAPH ? 0 : static_cast<int>(UIE_BAD_TYPE);
+    });
+}
+
 int HL_EditCell(int panel, int control, int index, int column, const std::string &text)
 {
     return Act(panel, control, EVENT_CELL_EDITED, [&](const MDL_Control &c, VIEW_Event *made) {

@@ -116,6 +116,11 @@ void TakeControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
         TakeList(control, batch);
     if (control->isBoxChanged)
         TakeBox(control, batch);
+    if (control->graphMask != 0) {
+        batch->graphs.push_back({control->row->panel, control->row->control, control->graphMask,
+                                 control->plots, control->axes, control->graph});
+        control->graphMask = 0;
+    }
 }
 
 void TakePanels(MDL_State *state, VIEW_Batch *batch)
@@ -150,7 +155,7 @@ void TakeItems(MDL_State *state, VIEW_Batch *batch)
 bool IsEmpty(const VIEW_Batch &batch)
 {
     return batch.panels.empty() && batch.items.empty() && batch.controls.empty() &&
-           batch.lists.empty() && batch.boxes.empty() && batch.completions.empty() &&
+           batch.lists.empty() && batch.boxes.empty() && batch.graphs.empty() && batch.completions.empty() &&
            batch.progress.empty() && batch.popupMenu == 0 && batch.question.id == 0 &&
            batch.closedQuestion == 0 && !batch.hasClipboard && batch.helpFile.empty() &&
            !batch.isEnded;

@@ -166,6 +166,7 @@ void Merge(VIEW_Batch *old, VIEW_Batch &fresh)
     MergeAll(&old->controls, fresh.controls, IsSameControl<VIEW_Control>, MergeWhole<VIEW_Control>);
     MergeAll(&old->lists, fresh.lists, IsSameControl<VIEW_List>, MergeList);
     MergeAll(&old->boxes, fresh.boxes, IsSameControl<VIEW_TextBox>, MergeBox);
+    MergeAll(&old->graphs, fresh.graphs, IsSameControl<VIEW_Graph>, MergeWhole<VIEW_Graph>);
     MergeAll(&old->completions, fresh.completions, IsSameControl<VIEW_Completion>, replace);
     MergeAll(
         &old->progress, fresh.progress,

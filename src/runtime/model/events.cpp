@@ -22,6 +22,7 @@ bool CarriesValue(const MDL_Control &control, const VIEW_Event &event)
     case UIK_RING:
     case UIK_STRING:
     case UIK_NUMBER:
+    case UIK_GRAPH:
         return event.event == EVENT_COMMIT || event.event == EVENT_VAL_CHANGED;
     case UIK_LIST:
         return event.event == EVENT_COMMIT || event.event == EVENT_VAL_CHANGED ||
@@ -47,9 +48,12 @@ int Resolve(const MDL_Control &list, const VIEW_LineRef &line)
 // The view shows the program's value again over what the user did.
 void ShowAgain(MDL_Control *control)
 {
+    if (control->row->kind == UIK_GRAPH)
+        control->graphMask |= VIEW_GRAPH_VIEW;
     if (MDL_HasLines(*control))
         control->listMask |= VIEW_LIST_SELECTION;
-    if (control->row->kind != UIK_LIST && control->row->kind != UIK_RING)
+    if (control->row->kind != UIK_LIST && control->row->kind != UIK_RING &&
+        control->row->kind != UIK_GRAPH)
         control->state.mask |= VIEW_CTRL_VALUE;
 }
 
@@ -300,6 +304,12 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
         control->state.number = control->min < control->max
                                     ? std::clamp(event.number, control->min, control->max)
                                     : event.number;
+        return 0;
+    case UIK_GRAPH:
+        if (!event.view || !MDL_IsViewGood(*event.view))
+            return MDL_STALE;
+        control->graph = *event.view;
+        MDL_SettleGraph(control->plots, &control->graph);
         return 0;
     default:
         control->state.value = event.value != 0;

@@ -40,6 +40,12 @@ struct MDL_Control {
     bool isLineOpen = false; // the last line has not seen its line feed
     VIEW_TextBox boxChange;
     bool isBoxChanged = false;
+    // graphs
+    std::vector<UI_Plot> plots;
+    UI_GraphAxes axes;
+    UI_GraphView graph;
+    unsigned graphMask = 0;
+    int lastPlot = 0; // handle
     // timers
     double interval = 1.0; // seconds
     uint64_t dueUs = 0;    // PLT_TickUs of the next tick
@@ -123,6 +129,10 @@ void MDL_Flush(bool hasLists = true);
 // For calls that change what is seen: outside a callback shows it at once, in a long one
 // every now and then.
 void MDL_FlushNowAndThen();
+
+// Graphs: limits of a fitted view, cursors on samples that exist. Null plots are none.
+void MDL_SettleGraph(const std::vector<UI_Plot> &plots, UI_GraphView *view);
+bool MDL_IsViewGood(const UI_GraphView &view);
 
 // --- events -----------------------------------------------------------------------------------
 // Puts into the model what the user has typed, chosen and moved so far; the callbacks follow

@@ -13,6 +13,7 @@
 
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/line_list.h"
+#include "runtime/qt/plot_widget.h"
 #include "runtime/qt/segment_bar.h"
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
@@ -32,7 +33,8 @@ const ClassRow CLASS_ROWS[] = {
     {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
     {UIK_NUMBER, &QDoubleSpinBox::staticMetaObject}, {UIK_RING, &QComboBox::staticMetaObject},
     {UIK_LIST, &LineList::staticMetaObject},         {UIK_TEXTBOX, &TextBox::staticMetaObject},
-    {UIK_BAR, &SegmentBar::staticMetaObject},        {UIK_DECOR, &QWidget::staticMetaObject},
+    {UIK_BAR, &SegmentBar::staticMetaObject},        {UIK_GRAPH, &PlotWidget::staticMetaObject},
+    {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
 bool IsOfKind(const QWidget *widget, UI_Kind kind)
@@ -61,6 +63,8 @@ void FillValue(const QTV_Control &control, VIEW_Event *event)
         event->value = value.isValid() ? value.toInt() : ring->currentIndex();
     } else if (auto *list = qobject_cast<LineList *>(widget)) {
         QTV_FillList(*list, event);
+    } else if (auto *plot = qobject_cast<PlotWidget *>(widget)) {
+        event->view = std::make_shared<const UI_GraphView>(plot->view());
     }
 }
 
@@ -184,6 +188,10 @@ void Connect(QTV_Control *control)
         break;
     case UIK_TEXTBOX:
         ConnectBox(control, static_cast<TextBox *>(widget));
+        break;
+    case UIK_GRAPH:
+        QObject::connect(static_cast<PlotWidget *>(widget), &PlotWidget::changedByUser,
+                         Reporter(control, EVENT_VAL_CHANGED));
         break;
     default: // the user cannot act on the rest
         break;

@@ -16,6 +16,7 @@
 #include "runtime/qt/line_list.h"
 #include "runtime/qt/look.h"
 #include "runtime/qt/panel_window.h"
+#include "runtime/qt/plot_widget.h"
 #include "runtime/qt/text_box.h"
 
 namespace {
@@ -122,6 +123,20 @@ void DrawTextBox(const VIEW_TextBox &change)
         box->setFirstVisibleLine(change.firstVisible);
 }
 
+void DrawGraph(const VIEW_Graph &change)
+{
+    const QTV_Control *control = QTV_FindControl(change.panel, change.control);
+    auto *plot = control ? qobject_cast<PlotWidget *>(control->widget) : nullptr;
+    if (!plot)
+        return;
+    if (change.mask & VIEW_GRAPH_AXES)
+        plot->setAxes(change.axes);
+    if (change.mask & VIEW_GRAPH_PLOTS)
+        plot->setPlots(change.plots);
+    if (change.mask & VIEW_GRAPH_VIEW)
+        plot->setView(change.view);
+}
+
 // Where the keyboard is, for the program's GetActiveCtrl.
 void ReportFocus(QWidget *, QWidget *now)
 {
@@ -196,6 +211,8 @@ void QTV_Draw(const VIEW_Batch &batch)
         QTV_DrawControl(control);
     for (const VIEW_TextBox &box : batch.boxes)
         DrawTextBox(box);
+    for (const VIEW_Graph &graph : batch.graphs)
+        DrawGraph(graph);
     for (const VIEW_Completion &completion : batch.completions)
         QTV_DrawCompletion(completion);
     for (const VIEW_Panel &panel : batch.panels)

@@ -1,0 +1,20 @@
+// What a bench instrument reads off a curve: extremes, mean and RMS of a stretch of samples,
+// and period, frequency and duty where it repeats.
+#ifndef SCOPE_MEASURE_H
+#define SCOPE_MEASURE_H
+
+#include <cstddef>
+#include <vector>
+
+struct SCP_Measures {
+    size_t count = 0; // samples that have a value; 0: nothing below means anything
+    double min = 0, max = 0, mean = 0, rms = 0;
+    double period = 0; // seconds; 0 = fewer than two whole swings
+    double duty = 0;   // share of the period above the middle, 0 to 1
+};
+
+// Of the samples with from <= x <= to; x rises, NaN in y is skipped.
+SCP_Measures SCP_Measure(const std::vector<double> &x, const std::vector<double> &y, double from,
+                         double to);
+
+#endif
