@@ -123,14 +123,10 @@ struct WindowItem {
 };
 // The last five rooms are empty yet and have no item in the menu.
 constexpr WindowItem WINDOW_ITEMS[] = {
-    {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened},
-    {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
-    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},
-    {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
-    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
-    {ITEM_CONFIG, PANEL_CONFIG, nullptr},
-    {ITEM_DEBUGGER, PANEL_DEBUGGER, nullptr},
-    {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
+    {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
+    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
+    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, nullptr},
+    {ITEM_DEBUGGER, PANEL_DEBUGGER, nullptr},        {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
 };
 
 void ShowWindow(const WindowItem &row)
