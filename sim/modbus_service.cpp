@@ -29,28 +29,6 @@ int drawRefusal(SIM_Target *target)
     return refused ? code : 0;
 }
 
-const char *applyFate(SIM_Target *target, Answer *answer)
-{
-    SIM_Fate fate = SIM_ApplyFaults(&target->random, target->options.drop, target->options.corrupt,
-                                    answer->frame, answer->count);
-    if (target->answersLeft == 0)
-        fate = SIM_DROPPED;
-    if (target->answersLeft > 0)
-        target->answersLeft--;
-    target->counters.requests++;
-    if (fate == SIM_DROPPED) {
-        target->counters.dropped++;
-        answer->count = 0;
-        return "dropped";
-    }
-    if (fate == SIM_CORRUPTED) {
-        target->counters.corrupted++;
-        return "corrupted";
-    }
-    target->counters.answers++;
-    return "answered";
-}
-
 void logRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exception,
                 const char *fate)
 {
@@ -87,7 +65,8 @@ Answer prepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
     else
         answer.count = SIM_ServeRtu(target, frame, count, answer.frame, &exception);
     answer.count = SIM_CloseRtu(answer.frame, answer.count);
-    logRequest(target, frame, count, exception, applyFate(target, &answer));
+    const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
+    logRequest(target, frame, count, exception, SIM_FateText(fate));
     return answer;
 }
 

@@ -44,32 +44,6 @@ int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
     return 2;
 }
 
-const char *applyFate(SIM_Target *target, Answer *answer)
-{
-    SIM_Fate fate = SIM_ApplyFaults(&target->random, target->options.drop, target->options.corrupt,
-                                    answer->frame, answer->count);
-    if (target->answersLeft == 0)
-        fate = SIM_DROPPED;
-    if (target->answersLeft > 0)
-        target->answersLeft--;
-    target->counters.requests++;
-    if (fate == SIM_DROPPED) {
-        target->counters.dropped++;
-        answer->count = 0;
-        return "dropped";
-    }
-    if (fate == SIM_CORRUPTED) {
-        target->counters.corrupted++;
-        return "corrupted";
-    }
-    target->counters.answers++;
-    // Drawn only when asked for: the other faults stay where they are by their seed.
-    answer->isRepeated =
-        target->options.repeat > 0 &&
-        static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
-    return "answered";
-}
-
 void logRequest(SIM_Target *target, const SIM_Request &request, int result, const char *fate)
 {
     if (!target->log)
@@ -102,7 +76,12 @@ Answer prepareAnswer(SIM_Target *target, const SIM_Request &request)
     const int result = execute(target, request, data);
     answer.count = SIM_BuildAnswer(request, result < 0 ? -result : 0, data,
                                    static_cast<size_t>(std::max(result, 0)), answer.frame);
-    logRequest(target, request, result, applyFate(target, &answer));
+    const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
+    // Drawn only when asked for: the other faults stay where they are by their seed.
+    answer.isRepeated =
+        fate == SIM_SENT && target->options.repeat > 0 &&
+        static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
+    logRequest(target, request, result, SIM_FateText(fate));
     return answer;
 }
 
@@ -156,6 +135,28 @@ bool serveBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes
 }
 
 } // namespace
+
+SIM_Fate SIM_DecideFate(SIM_Target *target, uint8_t *frame, size_t *count)
+{
+    SIM_Fate fate = SIM_ApplyFaults(&target->random, target->options.drop, target->options.corrupt,
+                                    frame, *count);
+    if (target->answersLeft == 0)
+        fate = SIM_DROPPED;
+    if (target->answersLeft > 0)
+        target->answersLeft--;
+    target->counters.requests++;
+    target->counters.dropped += fate == SIM_DROPPED;
+    target->counters.corrupted += fate == SIM_CORRUPTED;
+    target->counters.answers += fate == SIM_SENT;
+    if (fate == SIM_DROPPED)
+        *count = 0;
+    return fate;
+}
+
+const char *SIM_FateText(SIM_Fate fate)
+{
+    return fate == SIM_DROPPED ? "dropped" : fate == SIM_CORRUPTED ? "corrupted" : "answered";
+}
 
 double SIM_Elapsed(const SIM_Target *target)
 {

@@ -41,6 +41,10 @@ void SIM_ServeLoader(SIM_Target *target); // of a target that runs its boot-stra
 // Writes the loader's flash to its file. Only when the thread has ended.
 bool SIM_SaveFlash(SIM_Target *target, std::string *error);
 
+// What happens to an answer of either protocol, counted; a dropped one has no characters left.
+SIM_Fate SIM_DecideFate(SIM_Target *target, uint8_t *frame, size_t *count);
+const char *SIM_FateText(SIM_Fate fate); // as the log has it
+
 // Seconds since the start.
 double SIM_Elapsed(const SIM_Target *target);
 

@@ -17,15 +17,6 @@ namespace {
 constexpr const char *FIRST_LINE = "; Vireo2 scope 1";
 constexpr size_t TRACES_MAX = SX_RECORDS;
 
-std::string NumberText(double value)
-{
-    if (std::isnan(value))
-        return "";
-    char text[32];
-    return std::string(
-        text, std::to_chars(text, text + sizeof text, value, std::chars_format::general).ptr);
-}
-
 // An empty cell is a sample that was not read.
 bool ParseCell(const std::string &cell, double *value)
 {
@@ -54,11 +45,11 @@ std::string Head(const SCP_Capture &capture)
     };
     line("taken", capture.taken);
     line("id", capture.id);
-    line("rate", NumberText(capture.rate));
+    line("rate", SCP_NumberText(capture.rate));
     line("sub", std::to_string(capture.subPd));
     line("trigger", std::to_string(capture.mode) + ", " + std::to_string(capture.slope));
-    line("level", NumberText(capture.level));
-    line("position", NumberText(capture.position));
+    line("level", SCP_NumberText(capture.level));
+    line("position", SCP_NumberText(capture.position));
     line("trigger at", std::to_string(capture.triggerAt));
     for (size_t i = 0; i < capture.traces.size(); ++i) {
         const SCP_Trace &trace = capture.traces[i];
@@ -67,8 +58,8 @@ std::string Head(const SCP_Capture &capture)
         if (!trace.unit.empty())
             line("unit", number + ", " + trace.unit);
         if (trace.factor != 1 || trace.offset != 0)
-            line("scale",
-                 number + ", " + NumberText(trace.factor) + ", " + NumberText(trace.offset));
+            line("scale", number + ", " + SCP_NumberText(trace.factor) + ", " +
+                              SCP_NumberText(trace.offset));
     }
     head += "sample,time";
     for (const SCP_Trace &trace : capture.traces)
@@ -78,9 +69,9 @@ std::string Head(const SCP_Capture &capture)
 
 std::string Row(const SCP_Capture &capture, size_t index)
 {
-    std::string row = std::to_string(index) + "," + NumberText(SCP_TimeOf(capture, index));
+    std::string row = std::to_string(index) + "," + SCP_NumberText(SCP_TimeOf(capture, index));
     for (const SCP_Trace &trace : capture.traces)
-        row += "," + NumberText(trace.samples[index]);
+        row += "," + SCP_NumberText(trace.samples[index]);
     return row + "\r\n";
 }
 

@@ -39,14 +39,6 @@ bool ParseNumber(const std::string &text, Number low, Number high, Number *value
     return true;
 }
 
-// The shortest text that reads back to the same number.
-std::string NumberText(double value)
-{
-    char text[32];
-    return std::string(
-        text, std::to_chars(text, text + sizeof text, value, std::chars_format::general).ptr);
-}
-
 // --- the lines of the file, a row a key -----------------------------------------------
 // `index` is the channel from 0 for keys that name one, else 0.
 
@@ -88,12 +80,12 @@ const Key KEYS[] = {
      }},
     {"level", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) { return ParseNumber(f[0], -ANY, ANY, &s->level); },
-     [](const SCP_Setup &s, size_t) { return NumberText(s.level); }},
+     [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.level); }},
     {"position", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) {
          return ParseNumber(f[0], 0.0, 100.0, &s->position);
      },
-     [](const SCP_Setup &s, size_t) { return NumberText(s.position); }},
+     [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.position); }},
     {"ch", true, 2,
      [](const Fields &f, SCP_Setup *s, size_t index) {
          const int type = SX_FindType(f[1]);
@@ -138,7 +130,7 @@ const Key KEYS[] = {
          const SCP_ChannelSetup &channel = s.channels[index];
          return channel.factor == 1 && channel.offset == 0
                     ? std::string()
-                    : NumberText(channel.factor) + ", " + NumberText(channel.offset);
+                    : SCP_NumberText(channel.factor) + ", " + SCP_NumberText(channel.offset);
      }},
 };
 
@@ -172,6 +164,15 @@ std::string FormatLine(const Key &key, size_t index, const SCP_Setup &setup)
 }
 
 } // namespace
+
+std::string SCP_NumberText(double value)
+{
+    if (std::isnan(value))
+        return "";
+    char text[32];
+    const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general);
+    return std::string(text, end.ptr);
+}
 
 int SCP_ParseSetupLine(const std::string &line, SCP_Setup *setup)
 {

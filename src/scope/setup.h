@@ -40,6 +40,9 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup);
 // One line into the setup: 1 taken, 0 no line of ours, -1 a bad value.
 int SCP_ParseSetupLine(const std::string &line, SCP_Setup *setup);
 
+// The shortest text that reads back to the same number; "" when it is none.
+std::string SCP_NumberText(double value);
+
 // Byte address of a channel's place, or 0xFFFFFFFF.
 uint32_t SCP_ResolvePlace(const std::string &place);
 

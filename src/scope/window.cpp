@@ -133,8 +133,8 @@ void ShowChannelFields()
     SetCtrlVal(PANEL_SCOPE, SCOPE_PLACE, channel.place);
     SetCtrlVal(PANEL_SCOPE, SCOPE_TYPE, channel.type);
     SetCtrlVal(PANEL_SCOPE, SCOPE_UNIT, channel.unit);
-    SetCtrlVal(PANEL_SCOPE, SCOPE_FACTOR, SCW_NumberText(channel.factor));
-    SetCtrlVal(PANEL_SCOPE, SCOPE_OFFSET, SCW_NumberText(channel.offset));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_FACTOR, SCP_NumberText(channel.factor));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_OFFSET, SCP_NumberText(channel.offset));
 }
 
 void ShowRate()
@@ -151,7 +151,7 @@ void ShowRate()
 void ShowTrigger()
 {
     SetCtrlVal(PANEL_SCOPE, SCOPE_EDGE, setup.mode);
-    SetCtrlVal(PANEL_SCOPE, SCOPE_LEVEL, SCW_NumberText(setup.level));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_LEVEL, SCP_NumberText(setup.level));
     SetCtrlVal(PANEL_SCOPE, SCOPE_POSITION, setup.position);
     SetCtrlVal(PANEL_SCOPE, SCOPE_SUB, setup.subPd);
     ShowRate();
@@ -501,7 +501,7 @@ int DTSC_GraphCB(int, int, int event, int)
     if (event != EVENT_VAL_CHANGED)
         return 0;
     SCW_ReadMarks(capture, &setup);
-    SetCtrlVal(PANEL_SCOPE, SCOPE_LEVEL, SCW_NumberText(setup.level));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_LEVEL, SCP_NumberText(setup.level));
     SetCtrlVal(PANEL_SCOPE, SCOPE_POSITION, setup.position);
     SCW_ShowMeasures(capture);
     return 0;
