@@ -50,6 +50,7 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_EDIT, ITEM_ADD, "__Add item...", KEY_INSERT, LEV_AddCB},
     {MENU_EDIT, ITEM_EDIT, "__Edit item...", KEY_F1 + 2, LEV_EditCB},
+    {MENU_EDIT, ITEM_COMMENT, "Comme__nt...", KEY_SHIFT | (KEY_F1 + 1), LEV_CommentCB},
     {MENU_EDIT, ITEM_REMOVE, "__Remove items", KEY_DELETE, LEV_RemoveCB},
     {MENU_EDIT, ITEM_UNDO, "__Undo", KEY_CTRL | 'Z', LEV_UndoCB},
     {MENU_EDIT, ITEM_REDO, "Red__o", KEY_CTRL | 'Y', LEV_RedoCB},

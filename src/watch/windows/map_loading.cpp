@@ -58,14 +58,15 @@ bool AskForMap(const MapKind &kind, std::string *path)
 
 void OpenTypes(const std::string &path)
 {
+    MWN_Outdate(MWN_MAP);
     if (TMF_OpenMap(path.c_str()) == 0) {
         SetMainPanelAttributes();
-        VR_ShowMessage("Type map: " + path + ", " + TMF_GetCountsText() + ".");
+        VR_ShowMessage("Type map: " + path + ", " + TMF_GetCountsText() + ".", MWN_MAP);
         return;
     }
     const std::string line =
         TMF_nErrorLine > 0 ? ", line " + std::to_string(TMF_nErrorLine) : std::string();
-    VR_ShowMessage("Error: Could not open type map file " + path + line + ".");
+    VR_ShowMessage("Error: Could not open type map file " + path + line + ".", MWN_MAP);
 }
 
 } // namespace
@@ -90,11 +91,13 @@ int LoadMap(int mode)
     const bool reload = (mode & LOADMAP_RELOAD) != 0 && CanOpen(path);
     if (!reload && !AskForMap(kind, &path))
         return -1;
+    MWN_Outdate(MWN_MAP);
     const int result = kind.load(path.c_str());
     if (result < 0) {
         VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + WRD_Visible(path) +
                                                          "' " + MAP_ErrorText(result) + "."
-                                                   : "Error: Could not open MAP file.");
+                                                   : "Error: Could not open MAP file.",
+                       MWN_MAP);
         return result;
     }
     // A TMS320 map beside a C166 map is not the one that the reload key reads again.
@@ -110,6 +113,7 @@ int LoadMap(int mode)
 int LoadFlash()
 {
     VR_ComRequest();
+    MWN_Outdate(MWN_MAP);
     const int result = fl2node(FLASH_AT_END);
     SetMainPanelAttributes();
     return result;
