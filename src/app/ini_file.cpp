@@ -249,6 +249,11 @@ void ReadColumns(const std::string &, const std::string &)
     WPL_ReadColumns(lineValue);
 }
 
+void ReadLayout(const std::string &, const std::string &)
+{
+    WPL_ReadLayout(lineValue);
+}
+
 struct Key {
     const char *key; // '#' stands for a digit from 1
     bool isPath;
@@ -265,7 +270,7 @@ constexpr Key KEYS[] = {
     {"view", false, ReadView},       {"m2", true, ReadSecondMap},
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
     {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
-    {"rate", false, ReadSweepRate},
+    {"rate", false, ReadSweepRate},  {"layout", false, ReadLayout},
 };
 
 const Key *FindKey(const std::string &text)
@@ -425,7 +430,7 @@ std::string SettingsText()
                 Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
-    return text + WPL_Lines("window", "columns", END_OF_LINE);
+    return text + WPL_Lines({"window", "columns", "layout"}, END_OF_LINE);
 }
 
 // Whether the file on disk already says the same: then there is nothing to save, and a

@@ -264,7 +264,10 @@ enum { VAL_NO_FILE_SELECTED = 0, VAL_EXISTING_FILE_SELECTED = 1, VAL_NEW_FILE_SE
 enum { FILE_LOAD = 0, FILE_SAVE = 1 };
 
 int MessagePopup(const std::string &title, const std::string &message);
-int ConfirmPopup(const std::string &title, const std::string &message); // 1 yes, 0 no
+// What Enter means in a question whose wrong answer destroys something: no.
+enum UI_Default { UI_DEFAULT_YES, UI_DEFAULT_NO };
+int ConfirmPopup(const std::string &title, const std::string &message,
+                 UI_Default enter = UI_DEFAULT_YES); // 1 yes, 0 no
 // 0 and the text, or negative when cancelled. `text` carries the proposal in.
 int PromptPopup(const std::string &title, const std::string &message, std::string *text,
                 size_t maxLength);
@@ -285,7 +288,16 @@ int UpdateProgressDialog(int dialog, int percent, const std::string &text);
 int DiscardProgressDialog(int dialog);
 
 // --- the desktop --------------------------------------------------------------------
-int LaunchExecutable(const std::string &commandLine);
+// What a view remembers of its windows beside the place and size of panels: splitters, a
+// window that fills the screen, windows of its own. Names and numbers are the view's affair;
+// the program keeps them from one run to the next.
+struct UI_Layout {
+    std::string name; // at most UI_LAYOUT_NAME_MAX visible characters, no blank
+    std::vector<int> numbers;
+};
+constexpr size_t UI_LAYOUT_NAME_MAX = 40, UI_LAYOUT_NUMBERS_MAX = 16, UI_LAYOUTS_MAX = 100;
+int SetViewLayout(const UI_Layout &layout); // in place of the one of that name
+int GetViewLayouts(std::vector<UI_Layout> *layouts);
 // Shows a Markdown file in the help window, which has contents and a search of its own; a
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);

@@ -75,12 +75,18 @@ void PanelWindow::setSizable(bool isSizable)
     setMaximumSize(isSizable ? m_maximum : size());
 }
 
+bool PanelWindow::placeOnScreen(QWidget *window, const QPoint &corner)
+{
+    const bool isOnScreen = IsOnScreen(corner);
+    if (isOnScreen)
+        window->move(corner);
+    return isOnScreen;
+}
+
 void PanelWindow::placeByProgram(const QPoint &corner)
 {
-    if (!isWindow() || !IsOnScreen(corner))
-        return;
-    m_hasPlace = true;
-    move(corner);
+    if (isWindow())
+        m_hasPlace = placeOnScreen(this, corner) || m_hasPlace;
 }
 
 void PanelWindow::resizeByProgram(const QSize &newSize)
@@ -112,6 +118,8 @@ void PanelWindow::setShown(bool isShown)
         if (isShown && !isVisible()) {
             placeOverMain();
             m_knownSize = size();
+            if (QTV_FindLayout(maximizedName()) == std::vector<int>{1})
+                setWindowState(windowState() | Qt::WindowMaximized);
         }
         setVisible(isShown);
         return;
@@ -147,6 +155,9 @@ void PanelWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         QTV_UsePalette(m_record);
+    if (event->type() == QEvent::WindowStateChange && isWindow() && isVisible() &&
+        !isMinimized())
+        QTV_KeepLayout(maximizedName(), {isMaximized() ? 1 : 0});
     if (event->type() == QEvent::ActivationChange && isWindow() && isActiveWindow())
         QTV_PostPanel(m_record->row->panel, EVENT_ACTIVATED);
 }
@@ -178,6 +189,11 @@ void PanelWindow::showEvent(QShowEvent *event)
         m_reporting.start();
 }
 
+std::string PanelWindow::maximizedName() const
+{
+    return std::to_string(m_record->row->panel) + ".maximized";
+}
+
 void PanelWindow::report()
 {
     if (!isVisible())
@@ -187,7 +203,9 @@ void PanelWindow::report()
     report.kind = VIEW_EVENT_PLACED;
     report.panel = m_record->row->panel;
     report.rect = {pos().x(), pos().y(), width(), height()};
-    QTV_Post(report);
+    // A window that fills the screen comes back to the place it has without that.
+    if (!isMaximized() && !isFullScreen())
+        QTV_Post(report);
     if (size() == m_knownSize)
         return;
     m_knownSize = size();

@@ -50,6 +50,7 @@ bool Build(QTV_Panel *panel)
     if (panel->row->panel == UI_nMenuPanel)
         panel->window->setMenuBar(QTV_BuildMenuBar(panel->window));
     QTV_UsePalette(panel);
+    QTV_RememberSplitters(panel);
     return true;
 }
 
