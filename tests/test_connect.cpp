@@ -20,6 +20,7 @@
 #include "support/scratch.h"
 #include "support/ui_reading.h"
 #include "ui/resource.h"
+#include "watch/list/litem.h"
 
 namespace {
 
@@ -38,6 +39,7 @@ struct Connect : LinkTest {
         VR_isWatchView = false;
         szDebugFileName.clear();
         szMapFileName.clear();
+        readLItems = 0;
     }
     ~Connect() override
     {

@@ -200,6 +200,7 @@ TEST_F(EditPanels, AMessageFadesOnceItIsNoLongerTrue)
     EXPECT_EQ(shown(), removed + " (old)") << "Ctrl+Z means another edit now";
     EDT_Move(0, 1);
     EXPECT_EQ(shown(), "");
+    SetMainPanelAttributes();
     VR_ShowMessage("about the link", MWN_LINK);
     EDT_Move(0, 1);
     EXPECT_EQ(shown(), "about the link");

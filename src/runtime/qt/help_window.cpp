@@ -41,7 +41,7 @@ public:
         arrange();
         const std::vector<int> place = QTV_FindLayout(LAYOUT);
         if (place.size() == 6) {
-            PanelWindow::placeOnScreen(this, QPoint(place[0], place[1]));
+            m_hasPlace = PanelWindow::placeOnScreen(this, QPoint(place[0], place[1]));
             resize(place[2], place[3]);
             m_split->setSizes({place[4], place[5]});
         } else {
@@ -72,6 +72,8 @@ public:
             spaceParagraphs();
             listHeadings();
         }
+        if (!isVisible())
+            PanelWindow::fit(this, m_hasPlace);
         QWidget::show();
         raise();
         activateWindow();
@@ -102,6 +104,7 @@ private:
     void keepPlace()
     {
         const QList<int> parts = m_split->sizes();
+        m_hasPlace = m_hasPlace || isVisible();
         if (isVisible() && parts.size() == 2)
             QTV_KeepLayout(LAYOUT, {x(), y(), width(), height(), parts[0], parts[1]});
     }
@@ -185,6 +188,7 @@ private:
     QLabel *m_found = new QLabel(this);
     QTextBrowser *m_text = new QTextBrowser(this);
     QString m_shown;
+    bool m_hasPlace = false;
 };
 
 QPointer<HelpWindow> window; // goes with the main one

@@ -65,6 +65,11 @@ void QTV_KeepLayout(const std::string &name, const std::vector<int> &numbers)
     QTV_Post(event);
 }
 
+void QTV_ForgetLayouts()
+{
+    layouts.clear();
+}
+
 void QTV_RememberSplitters(QTV_Panel *panel)
 {
     for (QSplitter *splitter : SplittersOf(*panel)) {

@@ -97,7 +97,6 @@ void LineDelegate::measure(const ListCell &cell, int column) const
     cell.beforePoint = point < 0 ? -1 : metrics.horizontalAdvance(cell.text.left(point));
 }
 
-// The widest part before the point in the group, over the lines in view.
 double LineDelegate::pointPlace(int row, int column) const
 {
     const size_t group = m_model->group(row, column);

@@ -28,6 +28,8 @@ public:
     // number longer than those so far has moved the points of lines that were not painted.
     void beginPainting(int first, int end);
     bool endPainting();
+    // The widest part before the point in the group, over the lines in view.
+    double pointPlace(int row, int column) const;
 
 private:
     struct Face {
@@ -42,7 +44,6 @@ private:
     }
     QFont fontOf(const ListCell &cell, int column) const;
     void measure(const ListCell &cell, int column) const;
-    double pointPlace(int row, int column) const;
 
     QWidget *m_list;
     const LineModel *m_model;

@@ -47,10 +47,7 @@ LineList::LineList(QWidget *parent)
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &LineList::viewMoved);
-    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
-        if (!m_isOurs)
-            emit columnsDragged();
-    });
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, &LineList::noteWidth);
 }
 
 void LineList::setTitles(const QString &titles)
@@ -81,10 +78,27 @@ void LineList::setColumns(const std::vector<ListColumn> &columns)
         hasTitles = hasTitles || !column.title.isEmpty();
     }
     m_model->setColumns(measured);
-    for (size_t i = 0; i < measured.size(); i++)
+    m_widths.clear();
+    for (size_t i = 0; i < measured.size(); i++) {
+        m_widths.push_back(measured[i].width);
         setColumnWidth(static_cast<int>(i), measured[i].width);
+    }
     horizontalHeader()->setVisible(hasTitles);
     showColumnsThatFit();
+}
+
+// The last column that is shown takes what is left over, and one that is hidden has no width:
+// neither is the user's doing.
+void LineList::noteWidth(int column, int before, int now)
+{
+    QHeaderView *header = horizontalHeader();
+    bool isLast = true;
+    for (int i = column + 1; i < m_model->columnCount(); i++)
+        isLast = isLast && isColumnHidden(i);
+    if (m_isOurs || isLast || now == 0 || before == 0 || header->isSectionHidden(column))
+        return;
+    m_widths[static_cast<size_t>(column)] = now;
+    emit columnsDragged();
 }
 
 // Spare columns are for wide windows only, from left to right as far as they go.
@@ -92,23 +106,15 @@ void LineList::showColumnsThatFit()
 {
     const std::vector<ListColumn> &columns = m_model->columns();
     int needed = 0;
-    for (const ListColumn &column : columns)
-        needed += column.isSpare ? 0 : column.width;
+    for (size_t i = 0; i < columns.size(); i++)
+        needed += columns[i].isSpare ? 0 : m_widths[i];
     const QScopedValueRollback<bool> ours(m_isOurs, true);
     for (size_t i = 0; i < columns.size(); i++) {
         if (!columns[i].isSpare)
             continue;
-        needed += columns[i].width;
+        needed += m_widths[i];
         setColumnHidden(static_cast<int>(i), needed > viewport()->width());
     }
-}
-
-std::vector<int> LineList::columnWidths() const
-{
-    std::vector<int> widths;
-    for (int i = 0; i < m_model->columnCount(); i++)
-        widths.push_back(columnWidth(i));
-    return widths;
 }
 
 std::vector<int> LineList::selectedRows() const

@@ -29,7 +29,10 @@ public:
     }
     void setTitles(const QString &titles);
     void setColumns(const std::vector<ListColumn> &columns);
-    std::vector<int> columnWidths() const;
+    std::vector<int> columnWidths() const
+    {
+        return m_widths;
+    }
     std::vector<int> selectedRows() const; // ascending
     int currentRow() const;                // -1 when no line is selected
     // The program's own selecting and scrolling: no signal.
@@ -68,12 +71,14 @@ protected:
 
 private:
     bool editCell();
+    void noteWidth(int column, int before, int now);
     void showColumnsThatFit();
 
     LineModel *m_model;
     LineDelegate *m_delegate;
     QString m_titles;
-    bool m_isOurs = false; // the program is moving the selection, not the user
+    std::vector<int> m_widths; // of the columns, as given by the program or the user; pixels
+    bool m_isOurs = false;     // the program is moving the selection, not the user
 };
 
 #endif

@@ -11,7 +11,8 @@
 namespace {
 
 constexpr int REPORT_MS = 50;
-constexpr int GRIP = 60;               // pixels of a window that must be on a screen
+constexpr int GRIP = 60;                          // pixels of a window that must be on a screen
+constexpr int FRAME_WIDTH = 8, FRAME_HEIGHT = 40; // pixels around a window, at a guess
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
 // The first widget of the panel that takes the keyboard, in tab order.
@@ -101,22 +102,31 @@ void PanelWindow::resizeByProgram(const QSize &newSize)
     m_knownSize = size();
 }
 
-// A window that has no place of its own yet opens over the main one, not in a corner.
-void PanelWindow::placeOverMain()
+void PanelWindow::fit(QWidget *window, bool hasPlace)
 {
     const PanelWindow *main = QTV_MainWindow();
-    if (m_hasPlace || !main || main == this || !main->isVisible())
-        return;
-    const QRect around = main->frameGeometry();
-    const QSize spare = (around.size() - size()) / 2;
-    move(around.topLeft() + QPoint(qMax(0, spare.width()), qMax(0, spare.height())));
+    const bool isOverMain = !hasPlace && main && main != window && main->isVisible();
+    const QScreen *screen = isOverMain ? main->screen() : window->screen();
+    const QRect room = screen->availableGeometry().adjusted(0, 0, -FRAME_WIDTH, -FRAME_HEIGHT);
+    const QSize least = window->minimumSizeHint().expandedTo(window->minimumSize());
+    window->resize(window->size().boundedTo(room.size()).expandedTo(least));
+    QPoint corner = window->pos();
+    if (isOverMain) {
+        const QSize spare = (main->frameGeometry().size() - window->size()) / 2;
+        corner = main->pos() + QPoint(qMax(0, spare.width()), qMax(0, spare.height()));
+    }
+    const QPoint last(room.right() + 1 - window->width(), room.bottom() + 1 - window->height());
+    const QPoint inside(qMax(room.left(), qMin(corner.x(), last.x())),
+                        qMax(room.top(), qMin(corner.y(), last.y())));
+    if (isOverMain || inside != corner)
+        window->move(inside);
 }
 
 void PanelWindow::setShown(bool isShown)
 {
     if (isWindow()) {
         if (isShown && !isVisible()) {
-            placeOverMain();
+            fit(this, m_hasPlace);
             m_knownSize = size();
             if (QTV_FindLayout(maximizedName()) == std::vector<int>{1})
                 setWindowState(windowState() | Qt::WindowMaximized);
@@ -155,8 +165,7 @@ void PanelWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         QTV_UsePalette(m_record);
-    if (event->type() == QEvent::WindowStateChange && isWindow() && isVisible() &&
-        !isMinimized())
+    if (event->type() == QEvent::WindowStateChange && isWindow() && isVisible() && !isMinimized())
         QTV_KeepLayout(maximizedName(), {isMaximized() ? 1 : 0});
     if (event->type() == QEvent::ActivationChange && isWindow() && isActiveWindow())
         QTV_PostPanel(m_record->row->panel, EVENT_ACTIVATED);

@@ -27,6 +27,9 @@ public:
 
     // Moves a window there, if that place is still on a screen. Whether it is.
     static bool placeOnScreen(QWidget *window, const QPoint &corner);
+    // Before a window is shown: over the main one, unless it `hasPlace`, and no larger than
+    // the screen.
+    static void fit(QWidget *window, bool hasPlace);
 
     void setMenuBar(QMenuBar *bar);
     void setSizable(bool isSizable);
@@ -44,7 +47,6 @@ protected:
 
 private:
     void setCoveredBy(PanelWindow *child);
-    void placeOverMain();
     void report();
     std::string maximizedName() const;
 

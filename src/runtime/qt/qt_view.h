@@ -88,6 +88,7 @@ int QTV_QtKey(int code); // Qt's code for a key without its modifiers; 0 = none
 // program from one run to the next.
 std::vector<int> QTV_FindLayout(const std::string &name); // empty when there is none
 void QTV_KeepLayout(const std::string &name, const std::vector<int> &numbers);
+void QTV_ForgetLayouts(); // for tests
 // The splitters in a panel take the sizes of the last run and keep what the user drags.
 void QTV_RememberSplitters(QTV_Panel *panel);
 

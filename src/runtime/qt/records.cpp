@@ -116,6 +116,7 @@ void QTV_UnloadPanels()
 {
     delete QTV_MainWindow(); // with the windows that belong to it
     QTV_ForgetMenus();
+    QTV_ForgetLayouts();
     for (int i = 0; i < UI_cnPanels; i++) {
         QTV_Panel *record = QTV_FindPanel(UI_aPanels[i].panel);
         record->window = nullptr;

@@ -37,12 +37,12 @@ std::string AddressText(uint32_t address, int processor)
     return text;
 }
 
-std::string NameLine(const LItem &item)
+std::string PlainAddress(const LItem &item)
 {
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
+    return address;
 }
 
 // In the base that the user has chosen for this line.
@@ -124,7 +124,14 @@ void FillNames()
     EnsureColumns();
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
-        InsertListItem(mainPanel, MAIN_LIST, -1, NameLine(aLItems[i]), i);
+        const std::string name = WRD_Visible(aLItems[i].name), address = PlainAddress(aLItems[i]);
+        InsertListItem(mainPanel, MAIN_LIST, -1, name + ADDRESS_COLUMN + address, i);
+        const std::string comment = WRD_Visible(aLItems[i].comment);
+        std::vector<UI_Cell> cells(LSV_COLUMNS);
+        cells[LSV_NAME] = {name, UIS_NORMAL, comment};
+        cells[LSV_ADDRESS].text = address;
+        cells[LSV_COMMENT] = {comment, UIS_NORMAL, comment};
+        SetListCells(mainPanel, MAIN_LIST, i, cells);
         shownLines[i] = ShownLine();
     }
     VR_EnableControls();
