@@ -23,6 +23,7 @@ const char CPG_szUsage[] =
     "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
+    "  --serve             answer requests of another program (JSON lines)\n"
     "  --trace FILE        write every exchange with the target\n"
     "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
@@ -98,6 +99,7 @@ const LongOption LONG_OPTIONS[] = {
     {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
+    {"serve", false, [](CPG_Options *o, const char *) { return o->isServe = true; }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -149,6 +151,9 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--scope and --csv go together";
     else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
         *message = "--scope goes without a script and without --watch";
+    else if (options.isServe && (rest > 0 || !options.watchFile.empty() ||
+                                 !options.scopeFile.empty() || !options.programFile.empty()))
+        *message = "--serve goes without another job";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else

@@ -27,6 +27,7 @@ struct CPG_Options {
     std::string csvFile;   // where it goes; "-" = standard output
     double scopeWait = 10; // seconds to wait for the trigger
     bool isSnap = false;   // do not wait for it
+    bool isServe = false;  // answer requests of another program
     std::string archive;   // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };

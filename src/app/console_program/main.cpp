@@ -62,9 +62,12 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_SetDriver(isWatch                        ? CPG_RunWatch
                  : isScope                      ? CPG_RunScope
                  : !options.programFile.empty() ? CPG_RunProgram
+                 : options.isServe              ? CPG_RunServe
                                                 : Drive);
     if (isWatch || isScope)
         HL_SetStreams(stderr, stderr); // tables only on standard output
+    if (options.isServe)
+        HL_SetStreams(nullptr, stderr); // a line's output is part of its answer
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
