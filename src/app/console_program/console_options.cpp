@@ -25,6 +25,7 @@ const char CPG_szUsage[] =
     "  --snap              record at once\n"
     "  --serve             answer requests of another program (JSON lines)\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --types FILE        open a type map (.tmf)\n"
     "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -100,6 +101,7 @@ const LongOption LONG_OPTIONS[] = {
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
     {"serve", false, [](CPG_Options *o, const char *) { return o->isServe = true; }},
+    {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
