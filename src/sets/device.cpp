@@ -1,0 +1,216 @@
+#include "sets/device.h"
+
+#include "comm/ucm.h"
+#include "settings/settings.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr uint32_t READ_BLOCK_MR166 = 64, READ_BLOCK_MODBUS = 216; // bytes of one request
+constexpr uint32_t WRITE_BLOCK = 16;
+// Bytes between two values that cost less to read along than another request does.
+constexpr uint32_t GAP_MAX = 12;
+constexpr size_t BLOCKS_PER_PROOF = 32;
+constexpr size_t WRITES_PER_CHECK = 8;
+constexpr int ROUNDS_MAX = 3; // reads of the same blocks before giving up
+
+struct Block {
+    uint32_t address = 0, size = 0;
+    size_t first = 0, end = 0; // of the sorted places
+};
+
+// The places in blocks of at most `blockMax` bytes, each value whole. With `gapMax` 0 a block
+// holds nothing but values.
+std::vector<Block> MakeBlocks(const SET_Set &set, std::vector<uint32_t> *places, uint32_t blockMax,
+                              uint32_t gapMax)
+{
+    std::sort(places->begin(), places->end(), [&set](uint32_t a, uint32_t b) {
+        return set.places[a].address < set.places[b].address;
+    });
+    std::vector<Block> blocks;
+    for (size_t i = 0; i < places->size(); ++i) {
+        const SET_Place &place = set.places[(*places)[i]];
+        const uint32_t size = set.entries[place.entry].size;
+        const uint32_t end = place.address + size;
+        if (!blocks.empty()) {
+            Block &last = blocks.back();
+            if (place.address <= last.address + last.size + gapMax &&
+                end - last.address <= blockMax) {
+                last.size = end - last.address;
+                last.end = i + 1;
+                continue;
+            }
+        }
+        blocks.push_back({place.address, size, i, i + 1});
+    }
+    return blocks;
+}
+
+std::string LinkText(const std::string &what)
+{
+    const std::string cause = UCM_LastErrorText();
+    return what + " (" + (cause.empty() ? "answers came more than once" : cause) + ").";
+}
+
+bool IsCancelled(const SET_Progress &progress, size_t done, size_t total, const char *what)
+{
+    return progress.step != nullptr && progress.step(progress.context, done, total, what);
+}
+
+void TakeBlock(const SET_Set &set, const std::vector<uint32_t> &places, const Block &block,
+               const std::vector<uint8_t> &bytes, SET_Image *image)
+{
+    for (size_t i = block.first; i < block.end; ++i) {
+        const SET_Place &place = set.places[places[i]];
+        SET_Held &held = (*image)[places[i]];
+        held.bytes = {};
+        std::memcpy(held.bytes.data(), bytes.data() + (place.address - block.address),
+                    set.entries[place.entry].size);
+        held.isThere = true;
+    }
+}
+
+// Reads blocks [first, end) and proves them; what the line may have mixed up is read again.
+int ReadProven(const SET_Set &set, const std::vector<uint32_t> &places,
+               const std::vector<Block> &blocks, size_t first, size_t end, SET_Image *image,
+               std::string *why)
+{
+    for (int round = 0; round < ROUNDS_MAX; ++round) {
+        const uint32_t doubts = UCM_CountDoubts();
+        for (size_t i = first; i < end; ++i) {
+            std::vector<uint8_t> bytes(blocks[i].size);
+            if (UCM_Read(STATION, blocks[i].address, blocks[i].size, bytes.data()) < 0) {
+                *why = LinkText("The target could not be read at '" +
+                                SET_PlaceName(set, places[blocks[i].first]) + "'");
+                return SET_ERR_LINK;
+            }
+            TakeBlock(set, places, blocks[i], bytes, image);
+        }
+        const int proof = UCM_Prove();
+        // A refusal that somebody else was told meanwhile concerns these blocks, too.
+        if (proof == UCM_PROVEN && UCM_CountDoubts() == doubts)
+            return SET_OK;
+        if (proof == UCM_NOT_PROVEN)
+            break;
+    }
+    *why = LinkText("What was read could not be proven");
+    return SET_ERR_LINK;
+}
+
+uint32_t ReadBlockMax()
+{
+    return VR_nProtocol == PROTOCOL_MODBUS ? READ_BLOCK_MODBUS : READ_BLOCK_MR166;
+}
+
+struct Writer {
+    const SET_Set *set;
+    const SET_Image *wanted;
+    SET_Image *held;
+    std::vector<SET_State> *states;
+    std::vector<uint32_t> places; // sorted
+    std::vector<Block> blocks;
+};
+
+void Mark(Writer *writer, const Block &block, SET_State state)
+{
+    for (size_t i = block.first; i < block.end; ++i)
+        (*writer->states)[writer->places[i]] = state;
+}
+
+int WriteBlock(Writer *writer, const Block &block, std::string *why)
+{
+    std::vector<uint8_t> bytes(block.size);
+    for (size_t i = block.first; i < block.end; ++i) {
+        const SET_Place &place = writer->set->places[writer->places[i]];
+        std::memcpy(bytes.data() + (place.address - block.address),
+                    (*writer->wanted)[writer->places[i]].bytes.data(),
+                    writer->set->entries[place.entry].size);
+    }
+    const int result = UCM_Write(STATION, block.address, block.size, bytes.data());
+    Mark(writer, block, result < 0 ? SET_IN_DOUBT : SET_UNREAD);
+    if (result < 0)
+        *why = LinkText("The target did not take '" +
+                        SET_PlaceName(*writer->set, writer->places[block.first]) + "'");
+    return result < 0 ? SET_ERR_LINK : SET_OK;
+}
+
+// Reads blocks [first, end) back and compares them.
+int CheckBlocks(Writer *writer, size_t first, size_t end, std::string *why)
+{
+    if (ReadProven(*writer->set, writer->places, writer->blocks, first, end, writer->held, why) !=
+        SET_OK)
+        return SET_ERR_LINK;
+    for (size_t i = writer->blocks[first].first; i < writer->blocks[end - 1].end; ++i) {
+        const uint32_t at = writer->places[i];
+        const SET_Entry &entry = writer->set->entries[writer->set->places[at].entry];
+        const bool isSame = SET_IsSame(entry, (*writer->held)[at], (*writer->wanted)[at]);
+        (*writer->states)[at] = isSame ? SET_WRITTEN : SET_DIFFERENT;
+    }
+    return SET_OK;
+}
+
+} // namespace
+
+int SET_ReadPlaces(const SET_Set &set, const std::vector<uint32_t> &places, SET_Image *image,
+                   const SET_Progress &progress, std::string *why)
+{
+    std::vector<uint32_t> sorted = places;
+    const std::vector<Block> blocks = MakeBlocks(set, &sorted, ReadBlockMax(), GAP_MAX);
+    SET_Image fresh = *image;
+    fresh.resize(set.places.size());
+    for (size_t i = 0; i < blocks.size(); i += BLOCKS_PER_PROOF) {
+        if (IsCancelled(progress, i, blocks.size(), "reading")) {
+            *why = "Cancelled.";
+            return SET_ERR_CANCELLED;
+        }
+        const size_t end = std::min(blocks.size(), i + BLOCKS_PER_PROOF);
+        const int result = ReadProven(set, sorted, blocks, i, end, &fresh, why);
+        if (result != SET_OK)
+            return result;
+    }
+    *image = std::move(fresh);
+    return SET_OK;
+}
+
+int SET_ReadDevice(const SET_Set &set, SET_Image *image, const SET_Progress &progress,
+                   std::string *why)
+{
+    std::vector<uint32_t> all(set.places.size());
+    for (uint32_t i = 0; i < all.size(); ++i)
+        all[i] = i;
+    return SET_ReadPlaces(set, all, image, progress, why);
+}
+
+int SET_WritePlaces(const SET_Set &set, const std::vector<uint32_t> &places,
+                    const SET_Image &wanted, SET_Image *held, std::vector<SET_State> *states,
+                    const SET_Progress &progress, std::string *why)
+{
+    states->assign(set.places.size(), SET_UNTOUCHED);
+    held->resize(set.places.size());
+    Writer writer = {&set, &wanted, held, states, places, {}};
+    writer.blocks = MakeBlocks(set, &writer.places, WRITE_BLOCK, 0);
+    const size_t total = writer.blocks.size();
+    int result = SET_OK;
+    for (size_t i = 0; i < total && result == SET_OK; i += WRITES_PER_CHECK) {
+        const size_t end = std::min(total, i + WRITES_PER_CHECK);
+        size_t written = i;
+        while (written < end && result == SET_OK) {
+            if (IsCancelled(progress, written, total, "writing")) {
+                *why = "Cancelled.";
+                result = SET_ERR_CANCELLED;
+            } else {
+                result = WriteBlock(&writer, writer.blocks[written], why);
+                written += result == SET_OK ? 1 : 0;
+            }
+        }
+        // Also what stands in front of an interruption is read back: it says what is good.
+        std::string ignored;
+        if (written > i) {
+            const int check = CheckBlocks(&writer, i, written, result == SET_OK ? why : &ignored);
+            result = result == SET_OK ? check : result;
+        }
+    }
+    return result;
+}
