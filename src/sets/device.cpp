@@ -1,5 +1,6 @@
 #include "sets/device.h"
 
+#include "comm/grouping.h"
 #include "comm/ucm.h"
 #include "settings/settings.h"
 
@@ -8,44 +9,22 @@
 
 namespace {
 
-constexpr uint32_t READ_BLOCK_MR166 = 64, READ_BLOCK_MODBUS = 216; // bytes of one request
-constexpr uint32_t WRITE_BLOCK = 16;
-// Bytes between two values that cost less to read along than another request does.
-constexpr uint32_t GAP_MAX = 12;
 constexpr size_t BLOCKS_PER_PROOF = 32;
 constexpr size_t WRITES_PER_CHECK = 8;
 constexpr int ROUNDS_MAX = 3; // reads of the same blocks before giving up
 
-struct Block {
-    uint32_t address = 0, size = 0;
-    size_t first = 0, end = 0; // of the sorted places
-};
-
-// The places in blocks of at most `blockMax` bytes, each value whole. With `gapMax` 0 a block
-// holds nothing but values.
-std::vector<Block> MakeBlocks(const SET_Set &set, std::vector<uint32_t> *places, uint32_t blockMax,
-                              uint32_t gapMax)
+// The places in the cheapest blocks, whose items are indices into `places`.
+std::vector<GRP_Block> MakeBlocks(const SET_Set &set, const std::vector<uint32_t> &places,
+                                  const GRP_Wire &wire, bool areGapsAllowed)
 {
-    std::sort(places->begin(), places->end(), [&set](uint32_t a, uint32_t b) {
-        return set.places[a].address < set.places[b].address;
-    });
-    std::vector<Block> blocks;
-    for (size_t i = 0; i < places->size(); ++i) {
-        const SET_Place &place = set.places[(*places)[i]];
-        const uint32_t size = set.entries[place.entry].size;
-        const uint32_t end = place.address + size;
-        if (!blocks.empty()) {
-            Block &last = blocks.back();
-            if (place.address <= last.address + last.size + gapMax &&
-                end - last.address <= blockMax) {
-                last.size = end - last.address;
-                last.end = i + 1;
-                continue;
-            }
-        }
-        blocks.push_back({place.address, size, i, i + 1});
+    std::vector<GRP_Item> items;
+    for (const uint32_t index : places) {
+        const SET_Place &place = set.places[index];
+        items.push_back({STATION, place.address, set.entries[place.entry].size});
     }
-    return blocks;
+    GRP_Rules rules;
+    rules.areGapsAllowed = areGapsAllowed;
+    return GRP_Plan(items, wire, rules);
 }
 
 std::string LinkText(const std::string &what)
@@ -59,10 +38,10 @@ bool IsCancelled(const SET_Progress &progress, size_t done, size_t total, const 
     return progress.step != nullptr && progress.step(progress.context, done, total, what);
 }
 
-void TakeBlock(const SET_Set &set, const std::vector<uint32_t> &places, const Block &block,
+void TakeBlock(const SET_Set &set, const std::vector<uint32_t> &places, const GRP_Block &block,
                const std::vector<uint8_t> &bytes, SET_Image *image)
 {
-    for (size_t i = block.first; i < block.end; ++i) {
+    for (const size_t i : block.items) {
         const SET_Place &place = set.places[places[i]];
         SET_Held &held = (*image)[places[i]];
         held.bytes = {};
@@ -74,7 +53,7 @@ void TakeBlock(const SET_Set &set, const std::vector<uint32_t> &places, const Bl
 
 // Reads blocks [first, end) and proves them; what the line may have mixed up is read again.
 int ReadProven(const SET_Set &set, const std::vector<uint32_t> &places,
-               const std::vector<Block> &blocks, size_t first, size_t end, SET_Image *image,
+               const std::vector<GRP_Block> &blocks, size_t first, size_t end, SET_Image *image,
                std::string *why)
 {
     for (int round = 0; round < ROUNDS_MAX; ++round) {
@@ -83,7 +62,7 @@ int ReadProven(const SET_Set &set, const std::vector<uint32_t> &places,
             std::vector<uint8_t> bytes(blocks[i].size);
             if (UCM_Read(STATION, blocks[i].address, blocks[i].size, bytes.data()) < 0) {
                 *why = LinkText("The target could not be read at '" +
-                                SET_PlaceName(set, places[blocks[i].first]) + "'");
+                                SET_PlaceName(set, places[blocks[i].items[0]]) + "'");
                 return SET_ERR_LINK;
             }
             TakeBlock(set, places, blocks[i], bytes, image);
@@ -99,30 +78,25 @@ int ReadProven(const SET_Set &set, const std::vector<uint32_t> &places,
     return SET_ERR_LINK;
 }
 
-uint32_t ReadBlockMax()
-{
-    return VR_nProtocol == PROTOCOL_MODBUS ? READ_BLOCK_MODBUS : READ_BLOCK_MR166;
-}
-
 struct Writer {
     const SET_Set *set;
     const SET_Image *wanted;
     SET_Image *held;
     std::vector<SET_State> *states;
-    std::vector<uint32_t> places; // sorted
-    std::vector<Block> blocks;
+    std::vector<uint32_t> places;
+    std::vector<GRP_Block> blocks;
 };
 
-void Mark(Writer *writer, const Block &block, SET_State state)
+void Mark(Writer *writer, const GRP_Block &block, SET_State state)
 {
-    for (size_t i = block.first; i < block.end; ++i)
+    for (const size_t i : block.items)
         (*writer->states)[writer->places[i]] = state;
 }
 
-int WriteBlock(Writer *writer, const Block &block, std::string *why)
+int WriteBlock(Writer *writer, const GRP_Block &block, std::string *why)
 {
     std::vector<uint8_t> bytes(block.size);
-    for (size_t i = block.first; i < block.end; ++i) {
+    for (const size_t i : block.items) {
         const SET_Place &place = writer->set->places[writer->places[i]];
         std::memcpy(bytes.data() + (place.address - block.address),
                     (*writer->wanted)[writer->places[i]].bytes.data(),
@@ -132,7 +106,7 @@ int WriteBlock(Writer *writer, const Block &block, std::string *why)
     Mark(writer, block, result < 0 ? SET_IN_DOUBT : SET_UNREAD);
     if (result < 0)
         *why = LinkText("The target did not take '" +
-                        SET_PlaceName(*writer->set, writer->places[block.first]) + "'");
+                        SET_PlaceName(*writer->set, writer->places[block.items[0]]) + "'");
     return result < 0 ? SET_ERR_LINK : SET_OK;
 }
 
@@ -142,11 +116,13 @@ int CheckBlocks(Writer *writer, size_t first, size_t end, std::string *why)
     if (ReadProven(*writer->set, writer->places, writer->blocks, first, end, writer->held, why) !=
         SET_OK)
         return SET_ERR_LINK;
-    for (size_t i = writer->blocks[first].first; i < writer->blocks[end - 1].end; ++i) {
-        const uint32_t at = writer->places[i];
-        const SET_Entry &entry = writer->set->entries[writer->set->places[at].entry];
-        const bool isSame = SET_IsSame(entry, (*writer->held)[at], (*writer->wanted)[at]);
-        (*writer->states)[at] = isSame ? SET_WRITTEN : SET_DIFFERENT;
+    for (size_t block = first; block < end; ++block) {
+        for (const size_t i : writer->blocks[block].items) {
+            const uint32_t at = writer->places[i];
+            const SET_Entry &entry = writer->set->entries[writer->set->places[at].entry];
+            const bool isSame = SET_IsSame(entry, (*writer->held)[at], (*writer->wanted)[at]);
+            (*writer->states)[at] = isSame ? SET_WRITTEN : SET_DIFFERENT;
+        }
     }
     return SET_OK;
 }
@@ -156,8 +132,7 @@ int CheckBlocks(Writer *writer, size_t first, size_t end, std::string *why)
 int SET_ReadPlaces(const SET_Set &set, const std::vector<uint32_t> &places, SET_Image *image,
                    const SET_Progress &progress, std::string *why)
 {
-    std::vector<uint32_t> sorted = places;
-    const std::vector<Block> blocks = MakeBlocks(set, &sorted, ReadBlockMax(), GAP_MAX);
+    const std::vector<GRP_Block> blocks = MakeBlocks(set, places, GRP_ReadWire(VR_nProtocol), true);
     SET_Image fresh = *image;
     fresh.resize(set.places.size());
     for (size_t i = 0; i < blocks.size(); i += BLOCKS_PER_PROOF) {
@@ -166,7 +141,7 @@ int SET_ReadPlaces(const SET_Set &set, const std::vector<uint32_t> &places, SET_
             return SET_ERR_CANCELLED;
         }
         const size_t end = std::min(blocks.size(), i + BLOCKS_PER_PROOF);
-        const int result = ReadProven(set, sorted, blocks, i, end, &fresh, why);
+        const int result = ReadProven(set, places, blocks, i, end, &fresh, why);
         if (result != SET_OK)
             return result;
     }
@@ -190,7 +165,7 @@ int SET_WritePlaces(const SET_Set &set, const std::vector<uint32_t> &places,
     states->assign(set.places.size(), SET_UNTOUCHED);
     held->resize(set.places.size());
     Writer writer = {&set, &wanted, held, states, places, {}};
-    writer.blocks = MakeBlocks(set, &writer.places, WRITE_BLOCK, 0);
+    writer.blocks = MakeBlocks(set, places, GRP_WriteWire(VR_nProtocol), false);
     const size_t total = writer.blocks.size();
     int result = SET_OK;
     for (size_t i = 0; i < total && result == SET_OK; i += WRITES_PER_CHECK) {
