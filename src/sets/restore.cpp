@@ -99,23 +99,6 @@ int WriteUndo(SET_Restore *job)
     return SET_OK;
 }
 
-void AddMapWarnings(const SET_Restore &job, std::vector<std::string> *warnings)
-{
-    const SET_File &file = job.file;
-    char text[32];
-    std::snprintf(text, sizeof text, "%08X", SET_MapStamp());
-    if (file.stamp != SET_MapStamp())
-        warnings->push_back(
-            "The file was made with another map" + (file.map.empty() ? "" : ", " + file.map) +
-            ": its symbols have other names or addresses than the loaded one's (" + text + ").");
-    if (!file.processor.empty() && file.processor != SET_ProcessorName())
-        warnings->push_back("The file is of a " + file.processor + ", the selected processor is " +
-                            SET_ProcessorName() + ".");
-    if (!file.device.empty() && !job.set.device.empty() && file.device != job.set.device)
-        warnings->push_back("The file is of '" + file.device + "', the header of '" +
-                            job.set.device + "'.");
-}
-
 } // namespace
 
 int SET_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
@@ -141,10 +124,28 @@ int SET_PrepareRestore(const std::string &header, const std::string &data, bool 
     return SET_OK;
 }
 
+std::vector<std::string> SET_MapRemarks(const SET_Restore &job)
+{
+    std::vector<std::string> remarks;
+    const SET_File &file = job.file;
+    char text[32];
+    std::snprintf(text, sizeof text, "%08X", SET_MapStamp());
+    if (file.stamp != SET_MapStamp())
+        remarks.push_back(
+            "The file was made with another map" + (file.map.empty() ? "" : ", " + file.map) +
+            ": its symbols have other names or addresses than the loaded one's (" + text + ").");
+    if (!file.processor.empty() && file.processor != SET_ProcessorName())
+        remarks.push_back("The file is of a " + file.processor + ", the selected processor is " +
+                          SET_ProcessorName() + ".");
+    if (!file.device.empty() && !job.set.device.empty() && file.device != job.set.device)
+        remarks.push_back("The file is of '" + file.device + "', the header of '" + job.set.device +
+                          "'.");
+    return remarks;
+}
+
 std::vector<std::string> SET_RestoreWarnings(const SET_Restore &job)
 {
-    std::vector<std::string> warnings;
-    AddMapWarnings(job, &warnings);
+    std::vector<std::string> warnings = SET_MapRemarks(job);
     size_t missing = 0;
     for (const SET_Held &held : job.wanted)
         missing += held.isThere ? 0 : 1;

@@ -38,7 +38,9 @@ struct SET_Restore {
 int SET_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
                        SET_Restore *job, const SET_Progress &progress);
 
-// What the user should know before he agrees, a line each: another map, processor or device,
+// Why the file may not be this target's, a line each: another map, processor or device.
+std::vector<std::string> SET_MapRemarks(const SET_Restore &job);
+// What the user should know before he agrees, a line each: the remarks above,
 // values the file does not have, read-only ones that differ. Empty when all fits.
 std::vector<std::string> SET_RestoreWarnings(const SET_Restore &job);
 // What would change, a line each: "wGain: 100 -> 120 %".

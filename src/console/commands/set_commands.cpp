@@ -78,7 +78,9 @@ int Download(const std::string &header, const std::string &data, bool isAll, SET
     const int prepared = SET_PrepareRestore(header, data, isAll, job, progress);
     EndMeter(meter);
     if (prepared == SET_ERR_FILE) {
-        PrintMonStr(SET_FormatProblems(job->problems));
+        std::string problems = SET_FormatProblems(job->problems);
+        problems.pop_back(); // the last line's end
+        PrintMonStr(problems);
         return FailWith("download", "Nothing was written.");
     }
     if (prepared != SET_OK)
