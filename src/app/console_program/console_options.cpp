@@ -26,6 +26,7 @@ const char CPG_szUsage[] =
     "  --compare HEADER FILE  compare the target with a data file: ends with 0 when it\n"
     "                      holds the file, 1 with the differences, 2 when it cannot tell\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --types FILE        open a type map (.tmf)\n"
     "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -102,6 +103,7 @@ const LongOption LONG_OPTIONS[] = {
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
     {"compare", true,
      [](CPG_Options *o, const char *v) { return !(o->compareHeader = v).empty(); }},
+    {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
