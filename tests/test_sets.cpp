@@ -50,30 +50,30 @@ protected:
     std::string Header(const std::string &text)
     {
         WriteFileText("h.ulh", text);
-        SET_Problems problems;
-        const int result = SET_ReadHeader("h.ulh", &set, &problems);
+        PST_Problems problems;
+        const int result = PST_ReadHeader("h.ulh", &set, &problems);
         EXPECT_EQ(result == 0, problems.count == 0);
-        return SET_FormatProblems(problems);
+        return PST_FormatProblems(problems);
     }
     // The same for a data file against the set; its first line here is the third.
     std::string Data(const std::string &text, const char *head = HEAD, const char *end = "// end")
     {
         WriteFileText("d.ldx", head + text + end);
-        SET_Problems problems;
-        if (SET_ReadData("d.ldx", &file, &problems) == 0)
-            SET_Bind(set, file, &values, nullptr, &problems);
-        return SET_FormatProblems(problems);
+        PST_Problems problems;
+        if (PST_ReadData("d.ldx", &file, &problems) == 0)
+            PST_Bind(set, file, &values, nullptr, &problems);
+        return PST_FormatProblems(problems);
     }
     std::string Names() const
     {
         std::string text;
-        for (const SET_Entry &entry : set.entries)
-            text += std::string(SET_CastOf(entry.type)) + entry.name + " ";
+        for (const PST_Entry &entry : set.entries)
+            text += std::string(PST_CastOf(entry.type)) + entry.name + " ";
         return text;
     }
-    SET_Set set;
-    SET_File file;
-    SET_Image values;
+    PST_Set set;
+    PST_File file;
+    PST_Image values;
 };
 
 TEST_F(Sets, HeaderNamesEverySingleValue)
@@ -189,19 +189,19 @@ TEST_F(Sets, DataFaultsAreNamedWithTheirLine)
 TEST_F(Sets, FileCutAnywhereIsRefused)
 {
     ASSERT_EQ(Header("wGain\nfLimit\naw"), "");
-    SET_Image image(set.entries.size());
-    for (SET_Held &held : image)
+    PST_Image image(set.entries.size());
+    for (PST_Held &held : image)
         held.isThere = true;
-    ASSERT_EQ(SET_WriteData("whole.ldx", set, image, {}), 0);
+    ASSERT_EQ(PST_WriteData("whole.ldx", set, image, {}), 0);
     const std::string whole = ReadFileText("whole.ldx");
-    SET_Problems none;
-    ASSERT_EQ(SET_ReadData("whole.ldx", &file, &none), 0);
+    PST_Problems none;
+    ASSERT_EQ(PST_ReadData("whole.ldx", &file, &none), 0);
     ASSERT_EQ(whole.substr(whole.size() - 8), "// end\r\n");
     for (size_t length = 0; length < whole.size() - 2; length++) {
         WriteFileText("cut.ldx", whole.substr(0, length));
-        SET_Problems problems;
-        ASSERT_NE(SET_ReadData("cut.ldx", &file, &problems), 0) << length;
-        ASSERT_NE(SET_FormatProblems(problems).find("cut.ldx, line "), std::string::npos) << length;
+        PST_Problems problems;
+        ASSERT_NE(PST_ReadData("cut.ldx", &file, &problems), 0) << length;
+        ASSERT_NE(PST_FormatProblems(problems).find("cut.ldx, line "), std::string::npos) << length;
     }
 }
 
@@ -212,18 +212,18 @@ TEST_F(Sets, ValuesComeBackBitForBit)
     uint32_t random = 12345;
     for (int round = 0; round < 20000; round++) {
         random = random * 1664525u + 1013904223u;
-        for (const SET_Entry &entry : set.entries) {
-            SET_Bytes bytes = {}, back = {};
+        for (const PST_Entry &entry : set.entries) {
+            PST_Bytes bytes = {}, back = {};
             uint32_t bits = round < 4 ? (round & 1 ? 0x80000000u : 0x7FFFFFFFu) : random;
             if (round == 2)
                 bits = 0x7F800000;
             for (size_t i = 0; i < entry.size; i++)
                 bytes[i] = static_cast<uint8_t>(bits >> 8 * (i + 4 - entry.size));
-            const std::string line = SET_AssignmentText(entry, bytes);
+            const std::string line = PST_AssignmentText(entry, bytes);
             const size_t equals = line.find(" = ");
             const std::string cast = line.substr(0, line.find(')') + 1);
             std::string why;
-            ASSERT_EQ(SET_ParseValue(entry, cast, line.substr(equals + 3), &back, &why), 0)
+            ASSERT_EQ(PST_ParseValue(entry, cast, line.substr(equals + 3), &back, &why), 0)
                 << line << why;
             ASSERT_EQ(bytes, back) << line;
         }
@@ -246,13 +246,13 @@ TEST_F(Sets, FormShowsAndTakesUnits)
                  {0, 0.1, "twelve", -1, 0, ""},    {2, -2, "-10", 0, 5, "-10"},
                  {1, 1, "1e39", -1, 0, ""}};
     for (const auto &c : cases) {
-        SET_Bytes bytes = {};
+        PST_Bytes bytes = {};
         std::string why;
-        const SET_Entry &entry = set.entries[c.entry];
-        EXPECT_EQ(SET_ParseShown(entry, c.factor, c.typed, &bytes, &why), c.result) << c.typed;
+        const PST_Entry &entry = set.entries[c.entry];
+        EXPECT_EQ(PST_ParseShown(entry, c.factor, c.typed, &bytes, &why), c.result) << c.typed;
         if (c.result == 0) {
-            EXPECT_EQ(SET_Number(entry.type, bytes), c.number) << c.typed;
-            EXPECT_EQ(SET_ShownText(entry, c.factor, bytes), c.shown);
+            EXPECT_EQ(PST_Number(entry.type, bytes), c.number) << c.typed;
+            EXPECT_EQ(PST_ShownText(entry, c.factor, bytes), c.shown);
         } else {
             EXPECT_NE(why, "");
         }
@@ -349,31 +349,31 @@ TEST_F(SetTransfer, TargetThatDiesOnTheWayLeavesATrueReport)
     Edit("aw[2] = 1541", "aw[2] = 9");
     ASSERT_GE(UCM_Open(VR_nProtocol, ncom, bRate), 0);
     for (const long answers : {1, 3}) {
-        SET_Restore job;
-        ASSERT_EQ(SET_PrepareRestore("s.ulh", "s.ldx", false, &job, {}), SET_OK);
+        PST_Restore job;
+        ASSERT_EQ(PST_PrepareRestore("s.ulh", "s.ldx", false, &job, {}), PST_OK);
         SIM_Options dies;
         dies.silentAfter = answers;
         SIM_SetFaults(target, dies);
-        EXPECT_EQ(SET_RunRestore(&job, {}), SET_ERR_LINK);
+        EXPECT_EQ(PST_RunRestore(&job, {}), PST_ERR_LINK);
         SIM_SetFaults(target, {});
         size_t acknowledged = 0;
         for (const uint32_t place : job.writes) {
-            const SET_Place &at = job.set.places[place];
-            const SET_Entry &entry = job.set.entries[at.entry];
-            const SET_State state = job.states[place];
+            const PST_Place &at = job.set.places[place];
+            const PST_Entry &entry = job.set.entries[at.entry];
+            const PST_State state = job.states[place];
             const std::vector<uint8_t> now = Peek(at.address, entry.size);
-            const uint8_t *const expected = state == SET_UNTOUCHED
+            const uint8_t *const expected = state == PST_UNTOUCHED
                                                 ? job.before[place].bytes.data()
                                                 : job.wanted[at.entry].bytes.data();
-            acknowledged += state == SET_UNREAD || state == SET_WRITTEN;
-            if (state == SET_IN_DOUBT)
+            acknowledged += state == PST_UNREAD || state == PST_WRITTEN;
+            if (state == PST_IN_DOUBT)
                 continue;
             EXPECT_EQ(std::memcmp(now.data(), expected, entry.size), 0)
-                << SET_PlaceName(job.set, place);
+                << PST_PlaceName(job.set, place);
         }
         EXPECT_EQ(acknowledged, static_cast<size_t>(answers));
         std::string result;
-        for (const std::string &line : SET_RestoreResult(job, SET_ERR_LINK))
+        for (const std::string &line : PST_RestoreResult(job, PST_ERR_LINK))
             result += line + "\n";
         EXPECT_NE(result.find("not written: "), std::string::npos) << result;
         EXPECT_NE(result.find("in doubt"), std::string::npos);
@@ -383,11 +383,11 @@ TEST_F(SetTransfer, TargetThatDiesOnTheWayLeavesATrueReport)
         Poke(0x8100, {1, 0, 2, 0, 0, 0, 0x80, 0x3F});
         Poke(0x8200, {1, 0});
     }
-    SET_Restore again;
-    ASSERT_EQ(SET_PrepareRestore("s.ulh", "s.ldx", false, &again, {}), SET_OK);
-    EXPECT_EQ(SET_RunRestore(&again, {}), SET_OK);
+    PST_Restore again;
+    ASSERT_EQ(PST_PrepareRestore("s.ulh", "s.ldx", false, &again, {}), PST_OK);
+    EXPECT_EQ(PST_RunRestore(&again, {}), PST_OK);
     EXPECT_EQ(Peek(0x8220, 6), (std::vector<uint8_t>{1, 2, 3, 4, 9, 0}));
-    EXPECT_TRUE(SET_Differences(again).size() == again.writes.size());
+    EXPECT_TRUE(PST_Differences(again).size() == again.writes.size());
 }
 
 // What the target changes by itself is not taken for written; the others are.
@@ -395,8 +395,8 @@ TEST_F(SetTransfer, ValueThatDoesNotStayIsNamed)
 {
     Edit("fLimit = 1 ", "fLimit = 2 ");
     ASSERT_GE(UCM_Open(VR_nProtocol, ncom, bRate), 0);
-    SET_Restore job;
-    ASSERT_EQ(SET_PrepareRestore("s.ulh", "s.ldx", true, &job, {}), SET_OK);
+    PST_Restore job;
+    ASSERT_EQ(PST_PrepareRestore("s.ulh", "s.ldx", true, &job, {}), PST_OK);
     ASSERT_EQ(job.writes.size(), 11u); // all but the read-only one
     struct Meddler {
         SIM_Target *target;
@@ -411,16 +411,16 @@ TEST_F(SetTransfer, ValueThatDoesNotStayIsNamed)
         m->steps++;
         return false;
     };
-    EXPECT_EQ(SET_RunRestore(&job, {&meddler, meddle}), SET_ERR_VALUES);
+    EXPECT_EQ(PST_RunRestore(&job, {&meddler, meddle}), PST_ERR_VALUES);
     EXPECT_GT(meddler.steps, 3u);
-    const std::vector<std::string> lines = SET_RestoreResult(job, SET_ERR_VALUES);
+    const std::vector<std::string> lines = PST_RestoreResult(job, PST_ERR_VALUES);
     EXPECT_EQ(lines[0], "10 values written, read back and good.");
     EXPECT_NE(lines[1].find("something else now: wGain."), std::string::npos) << lines[1];
     // Cancelled before the first block: nothing has happened.
     Poke(0x8104, {9, 9, 9, 9});
-    ASSERT_EQ(SET_PrepareRestore("s.ulh", "s.ldx", false, &job, {}), SET_OK);
+    ASSERT_EQ(PST_PrepareRestore("s.ulh", "s.ldx", false, &job, {}), PST_OK);
     const auto stop = [](void *, size_t, size_t, const char *) { return true; };
-    EXPECT_EQ(SET_RunRestore(&job, {nullptr, stop}), SET_ERR_CANCELLED);
+    EXPECT_EQ(PST_RunRestore(&job, {nullptr, stop}), PST_ERR_CANCELLED);
     EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{9, 9, 9, 9}));
 }
 

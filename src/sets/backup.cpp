@@ -9,9 +9,9 @@
 namespace {
 
 // The problems, a line each.
-void AddProblems(const SET_Problems &problems, std::vector<std::string> *lines)
+void AddProblems(const PST_Problems &problems, std::vector<std::string> *lines)
 {
-    const std::string text = SET_FormatProblems(problems);
+    const std::string text = PST_FormatProblems(problems);
     for (size_t begin = 0; begin < text.size();) {
         const size_t end = text.find('\n', begin);
         lines->push_back(text.substr(begin, end - begin));
@@ -21,43 +21,43 @@ void AddProblems(const SET_Problems &problems, std::vector<std::string> *lines)
 
 } // namespace
 
-std::vector<std::string> SET_MirrorRemarks(const SET_Set &set, const SET_Image &image)
+std::vector<std::string> PST_MirrorRemarks(const PST_Set &set, const PST_Image &image)
 {
     std::vector<std::string> lines;
     for (size_t i = set.entries.size(); i < set.places.size(); ++i) {
-        const SET_Place &mirror = set.places[i];
-        const SET_Entry &entry = set.entries[mirror.entry];
-        if (!SET_IsSame(entry, image[i], image[mirror.entry]))
+        const PST_Place &mirror = set.places[i];
+        const PST_Entry &entry = set.entries[mirror.entry];
+        if (!PST_IsSame(entry, image[i], image[mirror.entry]))
             lines.push_back("The mirror " + mirror.name + " holds " +
-                            SET_ValueText(entry, image[i].bytes) + ", " + entry.name + " " +
-                            SET_ValueText(entry, image[mirror.entry].bytes) + ".");
+                            PST_ValueText(entry, image[i].bytes) + ", " + entry.name + " " +
+                            PST_ValueText(entry, image[mirror.entry].bytes) + ".");
     }
     return lines;
 }
 
-int SET_Backup(const std::string &header, const std::string &data, const SET_Progress &progress,
+int PST_Backup(const std::string &header, const std::string &data, const PST_Progress &progress,
                std::vector<std::string> *lines)
 {
-    SET_Set set;
-    SET_Problems problems;
+    PST_Set set;
+    PST_Problems problems;
     lines->clear();
-    if (SET_ReadHeader(header, &set, &problems) != 0) {
+    if (PST_ReadHeader(header, &set, &problems) != 0) {
         AddProblems(problems, lines);
-        return SET_ERR_FILE;
+        return PST_ERR_FILE;
     }
-    SET_Image image;
+    PST_Image image;
     std::string why;
-    const int read = SET_ReadDevice(set, &image, progress, &why);
-    if (read != SET_OK) {
+    const int read = PST_ReadDevice(set, &image, progress, &why);
+    if (read != PST_OK) {
         lines->push_back(why);
         return read;
     }
-    const int written = SET_WriteData(data, set, image, {});
+    const int written = PST_WriteData(data, set, image, {});
     if (written != 0) {
-        lines->push_back("'" + WRD_Visible(data) + "' " + SET_WriteErrorText(written) + ".");
-        return SET_ERR_FILE;
+        lines->push_back("'" + WRD_Visible(data) + "' " + PST_WriteErrorText(written) + ".");
+        return PST_ERR_FILE;
     }
-    *lines = SET_MirrorRemarks(set, image);
+    *lines = PST_MirrorRemarks(set, image);
     lines->push_back(std::to_string(set.entries.size()) + " values saved.");
-    return SET_OK;
+    return PST_OK;
 }

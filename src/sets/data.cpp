@@ -30,8 +30,8 @@ const ProcessorName PROCESSORS[] = {
     {CPU_C166, "AC166"}, {CPU_C167, "AC167"}, {CPU_F283XX, "F283xx"}, {CPU_F2803X, "F2803x"}};
 
 struct Reader {
-    SET_File *file = nullptr;
-    SET_Problems *problems = nullptr;
+    PST_File *file = nullptr;
+    PST_Problems *problems = nullptr;
     std::unordered_map<std::string, int> lines; // of the names so far
     std::string group, heading;
     bool isEnded = false;
@@ -49,7 +49,7 @@ bool IsVersionLine(const char *cursor)
 }
 
 // "// date = 31-12-2015, time = 23:59:59", and both are real ones.
-bool ParseDateLine(const char *cursor, SET_File *file)
+bool ParseDateLine(const char *cursor, PST_File *file)
 {
     const char *begin = cursor;
     if (xscan("* ////* date* /=* #0-9.#0-9./-#0-9.#0-9./-#2-9.#0-9.#0-9.#0-9.", &cursor) < 0)
@@ -79,7 +79,7 @@ void ParseRemark(Reader *reader, const std::string &text)
         return;
     const std::string key = WRD_Trim(text.substr(0, equals));
     const std::string value = WRD_Visible(WRD_Trim(text.substr(equals + 1)));
-    SET_File *file = reader->file;
+    PST_File *file = reader->file;
     if (key == "group") {
         reader->group = value;
         reader->heading.clear();
@@ -97,8 +97,8 @@ void ParseRemark(Reader *reader, const std::string &text)
 
 void ParseRecord(Reader *reader, const std::string &text, const std::string &comment)
 {
-    SET_Line line;
-    std::string why = SET_SplitLine(text, &line);
+    PST_Line line;
+    std::string why = PST_SplitLine(text, &line);
     if (why.empty() && (line.value.empty() || !line.rest.empty()))
         why = "A line is a name, '=' and one value.";
     if (why.empty()) {
@@ -107,13 +107,13 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
             why = "'" + line.reference + "' has a value already, in line " +
                   std::to_string(first.first->second) + ".";
     }
-    if (why.empty() && reader->file->records.size() >= SET_VALUES_MAX)
-        why = "More than " + std::to_string(SET_VALUES_MAX) + " values.";
+    if (why.empty() && reader->file->records.size() >= PST_VALUES_MAX)
+        why = "More than " + std::to_string(PST_VALUES_MAX) + " values.";
     if (!why.empty()) {
         reader->Refuse(why);
         return;
     }
-    SET_Record record;
+    PST_Record record;
     record.group = reader->group;
     record.heading = reader->heading;
     record.name = line.reference;
@@ -121,8 +121,8 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
     record.value = line.value;
     record.line = reader->line;
     // What stands behind a value is for people; only what was written by a program counts.
-    SET_Attributes attributes;
-    if (SET_ParseAttributes(comment, &attributes, nullptr, nullptr).empty())
+    PST_Attributes attributes;
+    if (PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty())
         record.attributes = attributes;
     reader->file->records.push_back(record);
 }
@@ -139,30 +139,30 @@ void ReadLine(Reader *reader, const std::string &line)
     } else if (WRD_Trim(line).compare(0, 2, "//") == 0) {
         ParseRemark(reader, WRD_Trim(line).substr(2));
     } else {
-        SET_CutComment(line, &text, &comment);
+        PST_CutComment(line, &text, &comment);
         if (text.empty())
             return;
         if (reader->isEnded)
             reader->Refuse("The file goes on behind its end.");
-        else if (SET_ParseLabel(text, &label))
+        else if (PST_ParseLabel(text, &label))
             reader->heading = label;
         else
             ParseRecord(reader, text, comment);
     }
 }
 
-std::string HeadText(const SET_Set &set)
+std::string HeadText(const PST_Set &set)
 {
     PLT_Date now;
     PLT_LocalTime(&now);
     char date[64], stamp[16];
     std::snprintf(date, sizeof date, "// date = %02d-%02d-%04d, time = %02d:%02d:%02d\n", now.day,
                   now.month, now.year, now.hour, now.minute, now.second);
-    std::snprintf(stamp, sizeof stamp, "%08X", SET_MapStamp());
+    std::snprintf(stamp, sizeof stamp, "%08X", PST_MapStamp());
     std::string text = std::string(VERSION_LINE) + "\n" + date;
     if (!set.device.empty())
         text += "// device = " + set.device + "\n";
-    text += std::string("// processor = ") + SET_ProcessorName() + "\n";
+    text += std::string("// processor = ") + PST_ProcessorName() + "\n";
     text += "// station = " + std::to_string(STATION) + "\n";
     const std::filesystem::path map = std::filesystem::u8path(mapFile);
     if (!mapFile.empty())
@@ -181,7 +181,7 @@ std::string LabelText(std::string heading)
 
 } // namespace
 
-const char *SET_ProcessorName()
+const char *PST_ProcessorName()
 {
     for (const ProcessorName &row : PROCESSORS)
         if (row.processor == Procesor)
@@ -189,9 +189,9 @@ const char *SET_ProcessorName()
     return "???";
 }
 
-int SET_ReadData(const std::string &path, SET_File *file, SET_Problems *problems)
+int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems)
 {
-    *file = SET_File();
+    *file = PST_File();
     file->path = path;
     Reader reader;
     reader.file = file;
@@ -203,11 +203,11 @@ int SET_ReadData(const std::string &path, SET_File *file, SET_Problems *problems
         return -1;
     }
     std::string line;
-    while (TXFR_RdNewLine(handle, &line, static_cast<int>(SET_LINE_MAX) + 1) >= 0) {
+    while (TXFR_RdNewLine(handle, &line, static_cast<int>(PST_LINE_MAX) + 1) >= 0) {
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         ++reader.line;
         if (isBroken || reader.line > LINES_MAX) {
-            reader.Refuse(isBroken ? "The line has more than " + std::to_string(SET_LINE_MAX) +
+            reader.Refuse(isBroken ? "The line has more than " + std::to_string(PST_LINE_MAX) +
                                          " characters."
                                    : "More than " + std::to_string(LINES_MAX) + " lines.");
             TXFR_Close(handle);
@@ -227,25 +227,25 @@ int SET_ReadData(const std::string &path, SET_File *file, SET_Problems *problems
     return problems->count == before ? 0 : -1;
 }
 
-int SET_Bind(const SET_Set &set, const SET_File &file, SET_Image *values, std::vector<int> *lines,
-             SET_Problems *problems)
+int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::vector<int> *lines,
+             PST_Problems *problems)
 {
     const size_t before = problems->count;
-    values->assign(set.entries.size(), SET_Held());
+    values->assign(set.entries.size(), PST_Held());
     if (lines != nullptr)
         lines->assign(set.entries.size(), 0);
-    for (const SET_Record &record : file.records) {
+    for (const PST_Record &record : file.records) {
         const auto found = set.byName.find(record.name);
         if (found == set.byName.end()) {
             problems->Add(file.path, record.line,
                           "'" + record.name + "' does not belong to the set.");
             continue;
         }
-        const SET_Entry &entry = set.entries[found->second];
-        SET_Held &held = (*values)[found->second];
+        const PST_Entry &entry = set.entries[found->second];
+        PST_Held &held = (*values)[found->second];
         std::string why;
-        if (SET_ParseValue(entry, record.cast, record.value, &held.bytes, &why) == 0)
-            why = SET_CheckLimits(SET_AttributesOf(set, entry), entry, held.bytes);
+        if (PST_ParseValue(entry, record.cast, record.value, &held.bytes, &why) == 0)
+            why = PST_CheckLimits(PST_AttributesOf(set, entry), entry, held.bytes);
         if (!why.empty())
             problems->Add(file.path, record.line, "'" + record.name + "': " + why);
         held.isThere = why.empty();
@@ -255,7 +255,7 @@ int SET_Bind(const SET_Set &set, const SET_File &file, SET_Image *values, std::v
     return problems->count == before ? 0 : -1;
 }
 
-int SET_WriteData(const std::string &path, const SET_Set &set, const SET_Image &values,
+int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &values,
                   const std::vector<std::string> &remarks)
 {
     SafeFile safe;
@@ -266,8 +266,8 @@ int SET_WriteData(const std::string &path, const SET_Set &set, const SET_Image &
     size_t group = 0;
     std::string heading;
     for (size_t i = 0; i < set.entries.size(); ++i) {
-        const SET_Entry &entry = set.entries[i];
-        const SET_Item &item = set.items[entry.item];
+        const PST_Entry &entry = set.entries[i];
+        const PST_Item &item = set.items[entry.item];
         if (!values[i].isThere)
             continue;
         if (item.group != group) {
@@ -280,11 +280,11 @@ int SET_WriteData(const std::string &path, const SET_Set &set, const SET_Image &
             SAF_PutText(safe.file, LabelText(item.heading));
         heading = item.heading;
         // The text once; what makes a number readable at each of them.
-        SET_Attributes attributes = item.attributes;
+        PST_Attributes attributes = item.attributes;
         if (i != item.firstEntry)
             attributes.text.clear();
-        std::string line = SET_AssignmentText(entry, values[i].bytes);
-        const std::string comment = SET_FormatAttributes(attributes);
+        std::string line = PST_AssignmentText(entry, values[i].bytes);
+        const std::string comment = PST_FormatAttributes(attributes);
         if (!comment.empty())
             line += std::string(line.size() < 40 ? 40 - line.size() : 1, ' ') + "; " + comment;
         SAF_PutText(safe.file, line + "\n");
@@ -296,7 +296,7 @@ int SET_WriteData(const std::string &path, const SET_Set &set, const SET_Image &
     return SAF_Commit(&safe);
 }
 
-const char *SET_WriteErrorText(int result)
+const char *PST_WriteErrorText(int result)
 {
     return result == SAF_ERR_READ_ONLY ? "is write-protected" : "could not be written";
 }

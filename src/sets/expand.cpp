@@ -12,7 +12,7 @@
 namespace {
 
 struct Spread {
-    SET_Set *set = nullptr;
+    PST_Set *set = nullptr;
     uint32_t item = 0; // the index it will have
     int32_t cast = 0;  // type of every value of the same size, 0 = as the type map says
 };
@@ -28,9 +28,9 @@ std::string PieceName(uint32_t address)
 std::string AddEntry(const Spread &spread, const std::string &name, int32_t type, uint32_t size,
                      uint32_t address)
 {
-    SET_Set *set = spread.set;
-    if (set->places.size() >= SET_VALUES_MAX)
-        return "The set has more than " + std::to_string(SET_VALUES_MAX) + " values.";
+    PST_Set *set = spread.set;
+    if (set->places.size() >= PST_VALUES_MAX)
+        return "The set has more than " + std::to_string(PST_VALUES_MAX) + " values.";
     if (address >= ADDR_LIMIT || address + size > ADDR_LIMIT)
         return "'" + name + "' lies beyond the target's memory.";
     const auto index = static_cast<uint32_t>(set->entries.size());
@@ -167,7 +167,7 @@ uint32_t AddressOf(const std::string &reference)
 {
     if (reference.back() == 'h' || reference.back() == 'H') {
         double number = 0;
-        if (SET_ParseNumber(reference, &number) && number < ADDR_LIMIT)
+        if (PST_ParseNumber(reference, &number) && number < ADDR_LIMIT)
             return static_cast<uint32_t>(number);
     }
     return GetSysAddr(reference.c_str());
@@ -180,23 +180,23 @@ std::string UnknownText(const std::string &reference)
 }
 
 // The default must be a value that the variable can have.
-std::string CheckDefault(const SET_Set &set, SET_Item *item, const std::string &value)
+std::string CheckDefault(const PST_Set &set, PST_Item *item, const std::string &value)
 {
-    SET_Attributes *attributes = &item->attributes;
+    PST_Attributes *attributes = &item->attributes;
     std::string why;
-    SET_Bytes bytes;
-    const SET_Entry &first = set.entries[item->firstEntry];
+    PST_Bytes bytes;
+    const PST_Entry &first = set.entries[item->firstEntry];
     if (!value.empty()) {
-        if (SET_ParseValue(first, "", value, &bytes, &why) != 0)
+        if (PST_ParseValue(first, "", value, &bytes, &why) != 0)
             return why;
-        attributes->defaultValue = SET_Number(first.type, bytes);
+        attributes->defaultValue = PST_Number(first.type, bytes);
         attributes->hasDefault = true;
     }
     for (uint32_t i = 0; attributes->hasDefault && i < item->entries; ++i) {
-        const SET_Entry &entry = set.entries[item->firstEntry + i];
-        if (SET_PutNumber(entry.type, attributes->defaultValue, &bytes) != 0)
+        const PST_Entry &entry = set.entries[item->firstEntry + i];
+        if (PST_PutNumber(entry.type, attributes->defaultValue, &bytes) != 0)
             return "The default does not fit the type of '" + entry.name + "'.";
-        why = SET_CheckLimits(*attributes, entry, bytes);
+        why = PST_CheckLimits(*attributes, entry, bytes);
         if (!why.empty())
             return "The default: " + why;
     }
@@ -205,7 +205,7 @@ std::string CheckDefault(const SET_Set &set, SET_Item *item, const std::string &
 
 } // namespace
 
-std::string SET_ExpandVariable(SET_Set *set, SET_Item *item, const std::string &cast,
+std::string PST_ExpandVariable(PST_Set *set, PST_Item *item, const std::string &cast,
                                uint32_t count, const std::string &value)
 {
     const uint32_t address = AddressOf(item->reference);
@@ -233,7 +233,7 @@ std::string SET_ExpandVariable(SET_Set *set, SET_Item *item, const std::string &
     return why;
 }
 
-std::string SET_ExpandArea(SET_Set *set, SET_Item *item, uint32_t length)
+std::string PST_ExpandArea(PST_Set *set, PST_Item *item, uint32_t length)
 {
     const uint32_t address = AddressOf(item->reference);
     if (address == ADDR_NONE)
@@ -244,7 +244,7 @@ std::string SET_ExpandArea(SET_Set *set, SET_Item *item, uint32_t length)
     std::string why;
     for (uint32_t at = 0; at < length && why.empty();) {
         // Lines begin at round addresses, so that areas of different starts compare well.
-        const auto room = static_cast<uint32_t>(SET_PIECE_MAX - (address + at) % SET_PIECE_MAX);
+        const auto room = static_cast<uint32_t>(PST_PIECE_MAX - (address + at) % PST_PIECE_MAX);
         const uint32_t size = std::min(length - at, room);
         why = AddEntry(spread, PieceName(address + at), 0, size, address + at);
         at += size;
@@ -254,24 +254,24 @@ std::string SET_ExpandArea(SET_Set *set, SET_Item *item, uint32_t length)
     return why;
 }
 
-std::string SET_ExpandMirror(SET_Set *set, const SET_Item &source, const std::string &cast,
+std::string PST_ExpandMirror(PST_Set *set, const PST_Item &source, const std::string &cast,
                              const std::string &reference)
 {
     const uint32_t address = AddressOf(reference);
     if (address == ADDR_NONE)
         return UnknownText(reference);
-    const SET_Entry &first = set->entries[source.firstEntry];
+    const PST_Entry &first = set->entries[source.firstEntry];
     if (!cast.empty() && StrToATP(cast.c_str()) != first.type)
         return "The mirror '" + reference + "' must have the type of '" + source.reference + "'.";
     const uint32_t base = set->places[source.firstEntry].address;
     for (uint32_t i = 0; i < source.entries; ++i) {
         const uint32_t index = source.firstEntry + i;
-        const SET_Entry &entry = set->entries[index];
+        const PST_Entry &entry = set->entries[index];
         const uint32_t at = set->places[index].address - base + address;
         if (at >= ADDR_LIMIT || at + entry.size > ADDR_LIMIT)
             return "The mirror '" + reference + "' lies beyond the target's memory.";
-        if (set->places.size() + set->mirrors.size() >= SET_VALUES_MAX)
-            return "The set has more than " + std::to_string(SET_VALUES_MAX) + " values.";
+        if (set->places.size() + set->mirrors.size() >= PST_VALUES_MAX)
+            return "The set has more than " + std::to_string(PST_VALUES_MAX) + " values.";
         // Named as the source is, behind the mirror's own beginning.
         const bool isPart = entry.name.compare(0, source.reference.size(), source.reference) == 0;
         const std::string name =

@@ -13,11 +13,11 @@
 // A variable with everything in it. The type is the cast's, else the type map's, else the
 // one that the name's prefix implies; `count` elements where the type map knows none (0 =
 // one). `value` is the default behind "=", or "".
-std::string SET_ExpandVariable(SET_Set *set, SET_Item *item, const std::string &cast,
+std::string PST_ExpandVariable(PST_Set *set, PST_Item *item, const std::string &cast,
                                uint32_t count, const std::string &value);
-std::string SET_ExpandArea(SET_Set *set, SET_Item *item, uint32_t length);
+std::string PST_ExpandArea(PST_Set *set, PST_Item *item, uint32_t length);
 // A second place for everything that `source` has spread into.
-std::string SET_ExpandMirror(SET_Set *set, const SET_Item &source, const std::string &cast,
+std::string PST_ExpandMirror(PST_Set *set, const PST_Item &source, const std::string &cast,
                              const std::string &reference);
 
 #endif

@@ -24,8 +24,8 @@ constexpr size_t FILES_MAX = 64;
 constexpr int LINES_MAX = 100000; // of one header
 
 struct Reader {
-    SET_Set *set = nullptr;
-    SET_Problems *problems = nullptr;
+    PST_Set *set = nullptr;
+    PST_Problems *problems = nullptr;
     std::vector<std::string> open; // headers being read, real paths, the outermost first
     std::unordered_map<std::string, size_t> items; // by reference
     size_t files = 0;
@@ -98,9 +98,9 @@ void ChooseGroup(Reader *reader, const std::string &name)
         groups.push_back(name);
 }
 
-SET_Item MakeItem(const Reader &reader, const std::string &reference)
+PST_Item MakeItem(const Reader &reader, const std::string &reference)
 {
-    SET_Item item;
+    PST_Item item;
     item.reference = reference;
     item.group = reader.group;
     item.heading = reader.heading;
@@ -110,7 +110,7 @@ SET_Item MakeItem(const Reader &reader, const std::string &reference)
     return item;
 }
 
-void Finish(Reader *reader, const SET_Item &item, const std::string &why)
+void Finish(Reader *reader, const PST_Item &item, const std::string &why)
 {
     if (!why.empty())
         reader->Refuse(why);
@@ -121,21 +121,21 @@ void Finish(Reader *reader, const SET_Item &item, const std::string &why)
 // "area 8140h, length 64" and "area awTable, length 64".
 void AddArea(Reader *reader, const std::string &text)
 {
-    SET_Line line;
+    PST_Line line;
     uint32_t length = 0;
-    std::string why = SET_SplitLine(text, &line);
-    SET_Item item = MakeItem(*reader, line.reference);
+    std::string why = PST_SplitLine(text, &line);
+    PST_Item item = MakeItem(*reader, line.reference);
     if (why.empty())
-        why = SET_ParseAttributes(line.rest, &item.attributes, nullptr, &length);
+        why = PST_ParseAttributes(line.rest, &item.attributes, nullptr, &length);
     if (why.empty() && (!line.cast.empty() || !line.value.empty() || length == 0))
         why = "An area is an address or a name, and a length: area 8140h, length 64.";
     if (why.empty())
-        why = SET_ExpandArea(reader->set, &item, length);
+        why = PST_ExpandArea(reader->set, &item, length);
     Finish(reader, item, why);
 }
 
 // "wGainCopy = wGain": the first place receives what the second has.
-void AddMirror(Reader *reader, const SET_Line &line)
+void AddMirror(Reader *reader, const PST_Line &line)
 {
     const auto source = reader->items.find(line.value);
     std::string why;
@@ -144,41 +144,41 @@ void AddMirror(Reader *reader, const SET_Line &line)
     else if (source == reader->items.end())
         why = "'" + line.value + "' must stand above its mirror '" + line.reference + "'.";
     else
-        why = SET_ExpandMirror(reader->set, reader->set->items[source->second], line.cast,
+        why = PST_ExpandMirror(reader->set, reader->set->items[source->second], line.cast,
                                line.reference);
     if (!why.empty())
         reader->Refuse(why);
 }
 
-void AddVariable(Reader *reader, const SET_Line &line)
+void AddVariable(Reader *reader, const PST_Line &line)
 {
-    SET_Item item = MakeItem(*reader, line.reference);
+    PST_Item item = MakeItem(*reader, line.reference);
     uint32_t count = 0;
-    std::string why = SET_ParseAttributes(line.rest, &item.attributes, &count, nullptr);
+    std::string why = PST_ParseAttributes(line.rest, &item.attributes, &count, nullptr);
     if (why.empty() && line.isAddress)
         why = "An address is an area or a mirror: area " + line.reference + ", length 16.";
     if (why.empty())
-        why = SET_ExpandVariable(reader->set, &item, line.cast, count, line.value);
+        why = PST_ExpandVariable(reader->set, &item, line.cast, count, line.value);
     Finish(reader, item, why);
 }
 
 void ReadLine(Reader *reader, const std::string &text)
 {
     std::string name;
-    if (SET_ParseKeyword(text, "include", &name)) {
+    if (PST_ParseKeyword(text, "include", &name)) {
         Include(reader, name);
-    } else if (SET_ParseKeyword(text, "device", &name)) {
+    } else if (PST_ParseKeyword(text, "device", &name)) {
         reader->set->device = name;
-    } else if (SET_ParseKeyword(text, "group", &name)) {
+    } else if (PST_ParseKeyword(text, "group", &name)) {
         ChooseGroup(reader, name);
-    } else if (SET_ParseLabel(text, &name)) {
+    } else if (PST_ParseLabel(text, &name)) {
         reader->heading = name;
     } else if (text.compare(0, 5, "area ") == 0 && text.find_first_not_of(" \t", 4) != text.npos &&
                text[text.find_first_not_of(" \t", 4)] != '=') {
         AddArea(reader, WRD_Trim(text.substr(5)));
     } else {
-        SET_Line line;
-        const std::string why = SET_SplitLine(text, &line);
+        PST_Line line;
+        const std::string why = PST_SplitLine(text, &line);
         const char first = line.value.empty() ? '0' : line.value[0];
         if (!why.empty())
             reader->Refuse(why);
@@ -192,7 +192,7 @@ void ReadLine(Reader *reader, const std::string &text)
 void ReadText(Reader *reader, const std::string &line)
 {
     std::string text, comment;
-    SET_CutComment(line, &text, &comment);
+    PST_CutComment(line, &text, &comment);
     if (!text.empty())
         ReadLine(reader, text);
 }
@@ -209,21 +209,21 @@ void ReadFile(Reader *reader, const std::string &path)
     ++reader->files;
     reader->open.push_back(RealPath(path));
     std::string line;
-    while (TXFR_RdNewLine(handle, &line, static_cast<int>(SET_LINE_MAX) + 1) >= 0) {
+    while (TXFR_RdNewLine(handle, &line, static_cast<int>(PST_LINE_MAX) + 1) >= 0) {
         ++reader->line;
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         const bool isLarge =
-            reader->line > LINES_MAX || reader->set->places.size() >= SET_VALUES_MAX;
+            reader->line > LINES_MAX || reader->set->places.size() >= PST_VALUES_MAX;
         if (isBroken)
-            reader->Refuse("The line has more than " + std::to_string(SET_LINE_MAX) +
+            reader->Refuse("The line has more than " + std::to_string(PST_LINE_MAX) +
                            " characters.");
         else if (isLarge)
             reader->Refuse("The set is too large: at most " + std::to_string(LINES_MAX) +
-                           " lines and " + std::to_string(SET_VALUES_MAX) + " values.");
+                           " lines and " + std::to_string(PST_VALUES_MAX) + " values.");
         else
             ReadText(reader, line);
         // Where so much is wrong, the rest is of no interest.
-        if (isBroken || isLarge || reader->problems->count > SET_PROBLEMS_MAX) {
+        if (isBroken || isLarge || reader->problems->count > PST_PROBLEMS_MAX) {
             TXFR_Close(handle);
             break;
         }
@@ -235,7 +235,7 @@ void ReadFile(Reader *reader, const std::string &path)
 // Two names for the same bytes would be restored one after the other.
 void CheckOverlap(Reader *reader)
 {
-    const SET_Set &set = *reader->set;
+    const PST_Set &set = *reader->set;
     std::vector<uint32_t> order(set.places.size());
     std::iota(order.begin(), order.end(), 0u);
     std::sort(order.begin(), order.end(), [&set](uint32_t a, uint32_t b) {
@@ -243,13 +243,13 @@ void CheckOverlap(Reader *reader)
     });
     uint32_t widest = 0; // the place whose end lies furthest so far
     for (size_t i = 1; i < order.size(); ++i) {
-        const SET_Place &before = set.places[order[widest]], &place = set.places[order[i]];
+        const PST_Place &before = set.places[order[widest]], &place = set.places[order[i]];
         const uint32_t end = before.address + set.entries[before.entry].size;
         if (place.address < end) {
-            const SET_Item &item = set.items[set.entries[place.entry].item];
+            const PST_Item &item = set.items[set.entries[place.entry].item];
             reader->problems->Add(item.file, item.line,
-                                  "'" + SET_PlaceName(set, order[i]) + "' and '" +
-                                      SET_PlaceName(set, order[widest]) +
+                                  "'" + PST_PlaceName(set, order[i]) + "' and '" +
+                                      PST_PlaceName(set, order[widest]) +
                                       "' lie over one another.");
         }
         if (place.address + set.entries[place.entry].size > end)
@@ -259,9 +259,9 @@ void CheckOverlap(Reader *reader)
 
 } // namespace
 
-int SET_ReadHeader(const std::string &path, SET_Set *set, SET_Problems *problems)
+int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems)
 {
-    *set = SET_Set();
+    *set = PST_Set();
     set->path = path;
     set->groups.push_back("");
     Reader reader;
@@ -279,7 +279,7 @@ int SET_ReadHeader(const std::string &path, SET_Set *set, SET_Problems *problems
     return problems->count == before ? 0 : -1;
 }
 
-uint32_t SET_MapStamp()
+uint32_t PST_MapStamp()
 {
     uint32_t stamp = 0;
     for (int i = 0; i < nNodes; ++i) {

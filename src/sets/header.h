@@ -9,10 +9,10 @@
 
 // 0, or -1: the reasons are in *problems, each with its file and line, and *set is of no use.
 // Read anew whenever map, type map or processor change.
-int SET_ReadHeader(const std::string &path, SET_Set *set, SET_Problems *problems);
+int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems);
 
 // A value that says which symbols the loaded map has and where; 0 without a map. Two builds
 // with every symbol in its place have the same.
-uint32_t SET_MapStamp();
+uint32_t PST_MapStamp();
 
 #endif

@@ -56,12 +56,12 @@ bool Unquote(const std::string &quoted, std::string *text)
     if (quoted.size() < 2 || quoted.front() != '"' || quoted.find('"', 1) != quoted.size() - 1)
         return false;
     *text = WRD_Visible(quoted.substr(1, quoted.size() - 2));
-    return text->size() <= SET_WORDS_MAX;
+    return text->size() <= PST_WORDS_MAX;
 }
 
 std::string ReadNumber(const std::string &text, double *number, bool *isThere)
 {
-    if (!SET_ParseNumber(text, number))
+    if (!PST_ParseNumber(text, number))
         return "'" + text + "' is no number.";
     *isThere = true;
     return "";
@@ -72,15 +72,15 @@ std::string ReadCount(const std::string &text, uint32_t *count)
     double number = 0;
     if (count == nullptr)
         return "A count or length cannot stand here.";
-    if (!SET_ParseNumber(text, &number) || number < 1 ||
-        number > static_cast<double>(SET_VALUES_MAX) * SET_PIECE_MAX ||
+    if (!PST_ParseNumber(text, &number) || number < 1 ||
+        number > static_cast<double>(PST_VALUES_MAX) * PST_PIECE_MAX ||
         number != static_cast<double>(static_cast<uint32_t>(number)))
         return "'" + text + "' is no count.";
     *count = static_cast<uint32_t>(number);
     return "";
 }
 
-std::string ReadAttribute(const std::string &word, const std::string &value, SET_Attributes *a,
+std::string ReadAttribute(const std::string &word, const std::string &value, PST_Attributes *a,
                           uint32_t *count, uint32_t *length)
 {
     bool isFactor = false;
@@ -88,7 +88,7 @@ std::string ReadAttribute(const std::string &word, const std::string &value, SET
     if (word == "unit" || word == "text") {
         if (!Unquote(value, word == "unit" ? &a->unit : &a->text))
             return "Behind '" + word + "' stands a text in quotes of at most " +
-                   std::to_string(SET_WORDS_MAX) + " characters.";
+                   std::to_string(PST_WORDS_MAX) + " characters.";
     } else if (word == "factor") {
         why = ReadNumber(value, &a->factor, &isFactor);
         if (why.empty() && a->factor == 0)
@@ -122,7 +122,7 @@ std::string NumberText(double number)
     for (int digits = 6; digits < 17; ++digits) {
         char shorter[40];
         std::snprintf(shorter, sizeof shorter, "%.*g", digits, number);
-        if (SET_ParseNumber(shorter, &back) && back == number)
+        if (PST_ParseNumber(shorter, &back) && back == number)
             return shorter;
     }
     return text;
@@ -137,7 +137,7 @@ std::string Quoted(std::string text)
 
 } // namespace
 
-void SET_CutComment(const std::string &line, std::string *text, std::string *comment)
+void PST_CutComment(const std::string &line, std::string *text, std::string *comment)
 {
     comment->clear();
     size_t end = FindOutside(line, ";");
@@ -156,9 +156,9 @@ void SET_CutComment(const std::string &line, std::string *text, std::string *com
     *text = WRD_Trim(line.substr(0, end));
 }
 
-std::string SET_SplitLine(const std::string &text, SET_Line *line)
+std::string PST_SplitLine(const std::string &text, PST_Line *line)
 {
-    *line = SET_Line();
+    *line = PST_Line();
     std::string left = text;
     if (left.front() == '(') {
         const size_t close = left.find(')');
@@ -184,14 +184,14 @@ std::string SET_SplitLine(const std::string &text, SET_Line *line)
     }
     line->reference = JoinReference(left);
     line->isAddress = IsWhole(line->reference, "#0-9.*#0-9a-fA-F.#hH.");
-    if (line->reference.size() > SET_REFERENCE_MAX ||
+    if (line->reference.size() > PST_REFERENCE_MAX ||
         (!line->isAddress &&
          !IsWhole(line->reference, "#_a-zA-Z.*#_0-9a-zA-Z/./[/].?#+/-.*#0-9a-fA-FxXhH.")))
-        return "'" + left.substr(0, SET_WORDS_MAX) + "' is no variable or address.";
+        return "'" + left.substr(0, PST_WORDS_MAX) + "' is no variable or address.";
     return "";
 }
 
-std::string SET_ParseAttributes(const std::string &text, SET_Attributes *attributes,
+std::string PST_ParseAttributes(const std::string &text, PST_Attributes *attributes,
                                 uint32_t *count, uint32_t *length)
 {
     for (std::string rest = text; !rest.empty();) {
@@ -211,7 +211,7 @@ std::string SET_ParseAttributes(const std::string &text, SET_Attributes *attribu
     return "";
 }
 
-std::string SET_FormatAttributes(const SET_Attributes &attributes)
+std::string PST_FormatAttributes(const PST_Attributes &attributes)
 {
     std::string text;
     const auto add = [&text](const std::string &part) {
@@ -236,7 +236,7 @@ std::string SET_FormatAttributes(const SET_Attributes &attributes)
     return text;
 }
 
-bool SET_ParseKeyword(const std::string &text, const char *keyword, std::string *quoted)
+bool PST_ParseKeyword(const std::string &text, const char *keyword, std::string *quoted)
 {
     const size_t length = std::strlen(keyword);
     return text.compare(0, length, keyword) == 0 && text.size() > length &&
@@ -244,7 +244,7 @@ bool SET_ParseKeyword(const std::string &text, const char *keyword, std::string 
            Unquote(WRD_Trim(text.substr(length)), quoted);
 }
 
-bool SET_ParseLabel(const std::string &text, std::string *name)
+bool PST_ParseLabel(const std::string &text, std::string *name)
 {
     ScrPar records[ASSN_RECORDS];
     if (ParseAssn2(text.c_str(), records, ATP_I2) != ASSN_LABEL)

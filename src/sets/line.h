@@ -7,7 +7,7 @@
 
 #include <string>
 
-struct SET_Line {
+struct PST_Line {
     std::string cast;      // "(u2)" or ""
     std::string reference; // "DRV_stParams.astRamp[1].nX+2", or an address "08140h"
     bool isAddress = false;
@@ -17,18 +17,18 @@ struct SET_Line {
 };
 
 // The text in front of ";" or "//" and the one behind it; marks inside of quotes are text.
-void SET_CutComment(const std::string &line, std::string *text, std::string *comment);
+void PST_CutComment(const std::string &line, std::string *text, std::string *comment);
 // "[cast] reference [= value] [, rest]". Empty, or what is wrong with the text.
-std::string SET_SplitLine(const std::string &text, SET_Line *line);
+std::string PST_SplitLine(const std::string &text, PST_Line *line);
 // "unit "A", factor 0.1, min 0, readonly"; `count` and `length` receive those two where the
 // caller allows them (not null). "" or what is wrong.
-std::string SET_ParseAttributes(const std::string &text, SET_Attributes *attributes,
+std::string PST_ParseAttributes(const std::string &text, PST_Attributes *attributes,
                                 uint32_t *count, uint32_t *length);
 // The way back, without `count` and `length`.
-std::string SET_FormatAttributes(const SET_Attributes &attributes);
+std::string PST_FormatAttributes(const PST_Attributes &attributes);
 // "keyword" and a text in quotes behind it, and nothing else: the text, or false.
-bool SET_ParseKeyword(const std::string &text, const char *keyword, std::string *quoted);
+bool PST_ParseKeyword(const std::string &text, const char *keyword, std::string *quoted);
 // "Limits :" - the label's name, its underscores as blanks; or false.
-bool SET_ParseLabel(const std::string &text, std::string *name);
+bool PST_ParseLabel(const std::string &text, std::string *name);
 
 #endif

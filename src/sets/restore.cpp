@@ -20,32 +20,32 @@ std::string Counted(size_t count, const char *one, const char *many)
     return std::to_string(count) + " " + (count == 1 ? one : many);
 }
 
-const SET_Entry &EntryAt(const SET_Restore &job, uint32_t place)
+const PST_Entry &EntryAt(const PST_Restore &job, uint32_t place)
 {
     return job.set.entries[job.set.places[place].entry];
 }
 
-bool Differs(const SET_Restore &job, uint32_t place)
+bool Differs(const PST_Restore &job, uint32_t place)
 {
     const uint32_t entry = job.set.places[place].entry;
     return job.wanted[entry].isThere &&
-           !SET_IsSame(job.set.entries[entry], job.wanted[entry], job.before[place]);
+           !PST_IsSame(job.set.entries[entry], job.wanted[entry], job.before[place]);
 }
 
 // In the target's numbers, with the shown one where a factor makes it another.
-std::string NumberText(const SET_Restore &job, uint32_t place, const SET_Held &held)
+std::string NumberText(const PST_Restore &job, uint32_t place, const PST_Held &held)
 {
-    const SET_Entry &entry = EntryAt(job, place);
-    const SET_Attributes &attributes = SET_AttributesOf(job.set, entry);
-    std::string text = SET_ValueText(entry, held.bytes);
+    const PST_Entry &entry = EntryAt(job, place);
+    const PST_Attributes &attributes = PST_AttributesOf(job.set, entry);
+    std::string text = PST_ValueText(entry, held.bytes);
     if (entry.type != 0 && attributes.factor != 1)
-        text += " (" + SET_ShownText(entry, attributes.factor, held.bytes) +
+        text += " (" + PST_ShownText(entry, attributes.factor, held.bytes) +
                 (attributes.unit.empty() ? "" : " " + attributes.unit) + ")";
     return text;
 }
 
 // "wGain, wLimit and 3 more" of the places in a state.
-std::string NamesIn(const SET_Restore &job, SET_State state, size_t *count)
+std::string NamesIn(const PST_Restore &job, PST_State state, size_t *count)
 {
     std::string names;
     *count = 0;
@@ -53,7 +53,7 @@ std::string NamesIn(const SET_Restore &job, SET_State state, size_t *count)
         if (job.states[place] != state)
             continue;
         if (++*count <= NAMES_SHOWN_MAX)
-            names += (names.empty() ? "" : ", ") + SET_PlaceName(job.set, place);
+            names += (names.empty() ? "" : ", ") + PST_PlaceName(job.set, place);
     }
     if (*count > NAMES_SHOWN_MAX)
         names += " and " + std::to_string(*count - NAMES_SHOWN_MAX) + " more";
@@ -74,93 +74,93 @@ std::string FreeUndoPath(const std::string &data)
     return "";
 }
 
-int WriteUndo(SET_Restore *job)
+int WriteUndo(PST_Restore *job)
 {
     const std::string path = FreeUndoPath(job->file.path);
     if (path.empty()) {
         job->why = "There are " + std::to_string(UNDO_FILES_MAX) +
                    " undo files beside the data file already.";
-        return SET_ERR_UNDO;
+        return PST_ERR_UNDO;
     }
-    const SET_Set &set = job->set;
+    const PST_Set &set = job->set;
     std::vector<std::string> remarks;
     for (uint32_t i = static_cast<uint32_t>(set.entries.size()); i < set.places.size(); ++i) {
         const uint32_t entry = set.places[i].entry;
-        if (!SET_IsSame(set.entries[entry], job->before[i], job->before[entry]))
+        if (!PST_IsSame(set.entries[entry], job->before[i], job->before[entry]))
             remarks.push_back("mirror " + set.places[i].name + " held " +
-                              SET_ValueText(set.entries[entry], job->before[i].bytes));
+                              PST_ValueText(set.entries[entry], job->before[i].bytes));
     }
-    const int result = SET_WriteData(path, set, job->before, remarks);
+    const int result = PST_WriteData(path, set, job->before, remarks);
     if (result != 0) {
-        job->why = "The undo file '" + path + "' " + SET_WriteErrorText(result) + ".";
-        return SET_ERR_UNDO;
+        job->why = "The undo file '" + path + "' " + PST_WriteErrorText(result) + ".";
+        return PST_ERR_UNDO;
     }
     job->undoPath = path;
-    return SET_OK;
+    return PST_OK;
 }
 
 } // namespace
 
-int SET_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
-                       SET_Restore *job, const SET_Progress &progress)
+int PST_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
+                       PST_Restore *job, const PST_Progress &progress)
 {
-    *job = SET_Restore();
-    const int headerResult = SET_ReadHeader(header, &job->set, &job->problems);
-    const int dataResult = SET_ReadData(data, &job->file, &job->problems);
+    *job = PST_Restore();
+    const int headerResult = PST_ReadHeader(header, &job->set, &job->problems);
+    const int dataResult = PST_ReadData(data, &job->file, &job->problems);
     if (headerResult != 0 || dataResult != 0)
-        return SET_ERR_FILE;
-    if (SET_Bind(job->set, job->file, &job->wanted, &job->lines, &job->problems) != 0)
-        return SET_ERR_FILE;
-    const int result = SET_ReadDevice(job->set, &job->before, progress, &job->why);
-    if (result != SET_OK)
+        return PST_ERR_FILE;
+    if (PST_Bind(job->set, job->file, &job->wanted, &job->lines, &job->problems) != 0)
+        return PST_ERR_FILE;
+    const int result = PST_ReadDevice(job->set, &job->before, progress, &job->why);
+    if (result != PST_OK)
         return result;
     for (uint32_t place = 0; place < job->set.places.size(); ++place) {
         const uint32_t entry = job->set.places[place].entry;
         const bool isWanted = isAll ? job->wanted[entry].isThere : Differs(*job, place);
-        if (isWanted && !SET_AttributesOf(job->set, job->set.entries[entry]).isReadOnly)
+        if (isWanted && !PST_AttributesOf(job->set, job->set.entries[entry]).isReadOnly)
             job->writes.push_back(place);
     }
-    job->states.assign(job->set.places.size(), SET_UNTOUCHED);
-    return SET_OK;
+    job->states.assign(job->set.places.size(), PST_UNTOUCHED);
+    return PST_OK;
 }
 
-std::vector<std::string> SET_MapRemarks(const SET_Restore &job)
+std::vector<std::string> PST_MapRemarks(const PST_Restore &job)
 {
     std::vector<std::string> remarks;
-    const SET_File &file = job.file;
+    const PST_File &file = job.file;
     char text[32];
-    std::snprintf(text, sizeof text, "%08X", SET_MapStamp());
-    if (file.stamp != SET_MapStamp())
+    std::snprintf(text, sizeof text, "%08X", PST_MapStamp());
+    if (file.stamp != PST_MapStamp())
         remarks.push_back(
             "The file was made with another map" + (file.map.empty() ? "" : ", " + file.map) +
             ": its symbols have other names or addresses than the loaded one's (" + text + ").");
-    if (!file.processor.empty() && file.processor != SET_ProcessorName())
+    if (!file.processor.empty() && file.processor != PST_ProcessorName())
         remarks.push_back("The file is of a " + file.processor + ", the selected processor is " +
-                          SET_ProcessorName() + ".");
+                          PST_ProcessorName() + ".");
     if (!file.device.empty() && !job.set.device.empty() && file.device != job.set.device)
         remarks.push_back("The file is of '" + file.device + "', the header of '" + job.set.device +
                           "'.");
     return remarks;
 }
 
-std::vector<std::string> SET_RestoreWarnings(const SET_Restore &job)
+std::vector<std::string> PST_RestoreWarnings(const PST_Restore &job)
 {
-    std::vector<std::string> warnings = SET_MapRemarks(job);
+    std::vector<std::string> warnings = PST_MapRemarks(job);
     size_t missing = 0;
-    for (const SET_Held &held : job.wanted)
+    for (const PST_Held &held : job.wanted)
         missing += held.isThere ? 0 : 1;
     if (missing > 0)
         warnings.push_back(Counted(missing, "value of the set is", "values of the set are") +
                            " not in the file and will stay as they are.");
     size_t locked = 0;
     for (uint32_t place = 0; place < job.set.places.size(); ++place) {
-        const SET_Entry &entry = EntryAt(job, place);
-        if (!SET_AttributesOf(job.set, entry).isReadOnly || !Differs(job, place) ||
+        const PST_Entry &entry = EntryAt(job, place);
+        if (!PST_AttributesOf(job.set, entry).isReadOnly || !Differs(job, place) ||
             ++locked > NAMES_SHOWN_MAX)
             continue;
         warnings.push_back(
             job.file.path + ", line " + std::to_string(job.lines[job.set.places[place].entry]) +
-            ": '" + SET_PlaceName(job.set, place) + "' is read-only and will not be written: the " +
+            ": '" + PST_PlaceName(job.set, place) + "' is read-only and will not be written: the " +
             "target holds " + NumberText(job, place, job.before[place]) + ", the file " +
             NumberText(job, place, job.wanted[job.set.places[place].entry]) + ".");
     }
@@ -168,7 +168,7 @@ std::vector<std::string> SET_RestoreWarnings(const SET_Restore &job)
         warnings.push_back(std::to_string(locked - NAMES_SHOWN_MAX) +
                            " more read-only values differ.");
     const auto needsStop = [&job](uint32_t place) {
-        return SET_AttributesOf(job.set, EntryAt(job, place)).needsStop;
+        return PST_AttributesOf(job.set, EntryAt(job, place)).needsStop;
     };
     const auto stops = std::count_if(job.writes.begin(), job.writes.end(), needsStop);
     if (stops > 0)
@@ -177,12 +177,12 @@ std::vector<std::string> SET_RestoreWarnings(const SET_Restore &job)
     return warnings;
 }
 
-std::vector<std::string> SET_RestoreChanges(const SET_Restore &job)
+std::vector<std::string> PST_RestoreChanges(const PST_Restore &job)
 {
     std::vector<std::string> changes;
     for (const uint32_t place : job.writes) {
-        const SET_Held &wanted = job.wanted[job.set.places[place].entry];
-        std::string line = SET_PlaceName(job.set, place) + ": ";
+        const PST_Held &wanted = job.wanted[job.set.places[place].entry];
+        std::string line = PST_PlaceName(job.set, place) + ": ";
         if (Differs(job, place))
             line += NumberText(job, place, job.before[place]) + " -> ";
         line += NumberText(job, place, wanted);
@@ -191,35 +191,35 @@ std::vector<std::string> SET_RestoreChanges(const SET_Restore &job)
     return changes;
 }
 
-int SET_RunRestore(SET_Restore *job, const SET_Progress &progress)
+int PST_RunRestore(PST_Restore *job, const PST_Progress &progress)
 {
     job->why.clear();
     if (job->writes.empty())
-        return SET_OK;
+        return PST_OK;
     const int undo = WriteUndo(job);
-    if (undo != SET_OK)
+    if (undo != PST_OK)
         return undo;
-    SET_Image wanted(job->set.places.size());
+    PST_Image wanted(job->set.places.size());
     for (const uint32_t place : job->writes)
         wanted[place] = job->wanted[job->set.places[place].entry];
-    const int result = SET_WritePlaces(job->set, job->writes, wanted, &job->after, &job->states,
+    const int result = PST_WritePlaces(job->set, job->writes, wanted, &job->after, &job->states,
                                        progress, &job->why);
     const bool isDifferent =
-        std::find(job->states.begin(), job->states.end(), SET_DIFFERENT) != job->states.end();
-    return result == SET_OK && isDifferent ? static_cast<int>(SET_ERR_VALUES) : result;
+        std::find(job->states.begin(), job->states.end(), PST_DIFFERENT) != job->states.end();
+    return result == PST_OK && isDifferent ? static_cast<int>(PST_ERR_VALUES) : result;
 }
 
-std::vector<std::string> SET_RestoreResult(const SET_Restore &job, int result)
+std::vector<std::string> PST_RestoreResult(const PST_Restore &job, int result)
 {
     struct StateRow {
-        SET_State state;
+        PST_State state;
         const char *text;
     };
     const StateRow ROWS[] = {
-        {SET_DIFFERENT, "written, but the target holds something else now: "},
-        {SET_UNREAD, "written, but not read back: "},
-        {SET_IN_DOUBT, "in doubt, the target holds the old or the new value: "},
-        {SET_UNTOUCHED, "not written: "},
+        {PST_DIFFERENT, "written, but the target holds something else now: "},
+        {PST_UNREAD, "written, but not read back: "},
+        {PST_IN_DOUBT, "in doubt, the target holds the old or the new value: "},
+        {PST_UNTOUCHED, "not written: "},
     };
     if (job.writes.empty())
         return {"Nothing to write: the target holds the file."};
@@ -227,7 +227,7 @@ std::vector<std::string> SET_RestoreResult(const SET_Restore &job, int result)
     if (!job.why.empty())
         lines.push_back(job.why);
     size_t count = 0;
-    NamesIn(job, SET_WRITTEN, &count);
+    NamesIn(job, PST_WRITTEN, &count);
     lines.push_back(Counted(count, "value", "values") + " written, read back and good.");
     for (const StateRow &row : ROWS) {
         const std::string names = NamesIn(job, row.state, &count);
@@ -236,18 +236,18 @@ std::vector<std::string> SET_RestoreResult(const SET_Restore &job, int result)
     }
     if (!job.undoPath.empty())
         lines.push_back("The values before are in '" + job.undoPath + "': download it to go back.");
-    if (result != SET_OK && result != SET_ERR_UNDO)
+    if (result != PST_OK && result != PST_ERR_UNDO)
         lines.push_back("The same download again goes on: it writes what still differs.");
     return lines;
 }
 
-std::vector<std::string> SET_Differences(const SET_Restore &job)
+std::vector<std::string> PST_Differences(const PST_Restore &job)
 {
     std::vector<std::string> lines;
     for (uint32_t place = 0; place < job.set.places.size(); ++place) {
-        const SET_Held &wanted = job.wanted[job.set.places[place].entry];
+        const PST_Held &wanted = job.wanted[job.set.places[place].entry];
         if (Differs(job, place))
-            lines.push_back(SET_PlaceName(job.set, place) + ": " +
+            lines.push_back(PST_PlaceName(job.set, place) + ": " +
                             NumberText(job, place, job.before[place]) + " in the target, " +
                             NumberText(job, place, wanted) + " in the file");
     }

@@ -4,10 +4,10 @@
 
 #include <cstring>
 
-std::string SET_FormatProblems(const SET_Problems &problems)
+std::string PST_FormatProblems(const PST_Problems &problems)
 {
     std::string text;
-    for (const SET_Problem &problem : problems.list) {
+    for (const PST_Problem &problem : problems.list) {
         text += WRD_Visible(problem.file);
         if (problem.line > 0)
             text += ", line " + std::to_string(problem.line);
@@ -18,7 +18,7 @@ std::string SET_FormatProblems(const SET_Problems &problems)
     return text;
 }
 
-bool SET_IsSame(const SET_Entry &entry, const SET_Held &a, const SET_Held &b)
+bool PST_IsSame(const PST_Entry &entry, const PST_Held &a, const PST_Held &b)
 {
     return a.isThere && b.isThere && std::memcmp(a.bytes.data(), b.bytes.data(), entry.size) == 0;
 }

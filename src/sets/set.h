@@ -10,35 +10,35 @@
 #include <unordered_map>
 #include <vector>
 
-constexpr size_t SET_VALUES_MAX = 65536;  // of one set, mirrors among them
-constexpr size_t SET_PIECE_MAX = 16;      // bytes of one value: an area comes in such pieces
-constexpr size_t SET_PROBLEMS_MAX = 50;   // kept; what goes beyond is counted
-constexpr size_t SET_LINE_MAX = 1000;     // characters of a line of a header or data file
-constexpr size_t SET_WORDS_MAX = 200;     // characters of a text, unit or group
-constexpr size_t SET_REFERENCE_MAX = 230; // characters of a reference to a variable
+constexpr size_t PST_VALUES_MAX = 65536;  // of one set, mirrors among them
+constexpr size_t PST_PIECE_MAX = 16;      // bytes of one value: an area comes in such pieces
+constexpr size_t PST_PROBLEMS_MAX = 50;   // kept; what goes beyond is counted
+constexpr size_t PST_LINE_MAX = 1000;     // characters of a line of a header or data file
+constexpr size_t PST_WORDS_MAX = 200;     // characters of a text, unit or group
+constexpr size_t PST_REFERENCE_MAX = 230; // characters of a reference to a variable
 
 // Something wrong in a file, or a remark about it.
-struct SET_Problem {
+struct PST_Problem {
     std::string file;
     int line = 0; // from 1; 0 = the file as a whole
     std::string text;
 };
-struct SET_Problems {
-    std::vector<SET_Problem> list;
+struct PST_Problems {
+    std::vector<PST_Problem> list;
     size_t count = 0;
 
     void Add(const std::string &file, int line, const std::string &text)
     {
-        if (++count <= SET_PROBLEMS_MAX)
+        if (++count <= PST_PROBLEMS_MAX)
             list.push_back({file, line, text});
     }
 };
 // "demo.ulh, line 3: ...", a line each, and how many more there are.
-std::string SET_FormatProblems(const SET_Problems &problems);
+std::string PST_FormatProblems(const PST_Problems &problems);
 
 // What a header says about a variable beside its place. Limits and default are in the
 // target's own numbers; factor is for showing: shown = number * factor.
-struct SET_Attributes {
+struct PST_Attributes {
     std::string unit, text;
     double factor = 1;
     bool hasMin = false, hasMax = false, hasDefault = false;
@@ -47,9 +47,9 @@ struct SET_Attributes {
     bool needsStop = false;  // to be written only while the machine stands
 };
 
-struct SET_Item { // one line of the header
+struct PST_Item { // one line of the header
     std::string reference;
-    SET_Attributes attributes;
+    PST_Attributes attributes;
     size_t group = 0;
     std::string heading; // label above it, "" for none
     std::string file;
@@ -57,56 +57,56 @@ struct SET_Item { // one line of the header
     uint32_t firstEntry = 0, entries = 0;
 };
 
-struct SET_Entry {    // one value
+struct PST_Entry {    // one value
     std::string name; // "awTable[3]"; of a piece of an area its address, "08140h"
     int32_t type = 0; // ATP_..., 0 = plain bytes
-    uint8_t size = 0; // bytes, 1 to SET_PIECE_MAX
+    uint8_t size = 0; // bytes, 1 to PST_PIECE_MAX
     uint32_t item = 0;
 };
 
 // Where a value stands in the target. The first places are the entries' own, in their
 // order; mirrors follow.
-struct SET_Place {
+struct PST_Place {
     uint32_t address = 0;
     uint32_t entry = 0;
     std::string name; // of a mirror; "" for the entry's own place
 };
 
-struct SET_Set {
+struct PST_Set {
     std::string path, device;
     std::vector<std::string> groups; // "Drive/Ramp"; the first is "", for lines above any group
-    std::vector<SET_Item> items;
-    std::vector<SET_Entry> entries;
-    std::vector<SET_Place> places;
-    std::vector<SET_Place> mirrors; // while the header is read; then behind the places
+    std::vector<PST_Item> items;
+    std::vector<PST_Entry> entries;
+    std::vector<PST_Place> places;
+    std::vector<PST_Place> mirrors; // while the header is read; then behind the places
     std::unordered_map<std::string, uint32_t> byName; // entry of a name
 };
 
-typedef std::array<uint8_t, SET_PIECE_MAX> SET_Bytes;
+typedef std::array<uint8_t, PST_PIECE_MAX> PST_Bytes;
 
-struct SET_Held {
-    SET_Bytes bytes = {};
+struct PST_Held {
+    PST_Bytes bytes = {};
     bool isThere = false;
 };
 // One value a place (of the target) or an entry (of a file).
-typedef std::vector<SET_Held> SET_Image;
+typedef std::vector<PST_Held> PST_Image;
 
-inline const SET_Attributes &SET_AttributesOf(const SET_Set &set, const SET_Entry &entry)
+inline const PST_Attributes &PST_AttributesOf(const PST_Set &set, const PST_Entry &entry)
 {
     return set.items[entry.item].attributes;
 }
 
-inline const std::string &SET_PlaceName(const SET_Set &set, uint32_t place)
+inline const std::string &PST_PlaceName(const PST_Set &set, uint32_t place)
 {
-    const SET_Place &at = set.places[place];
+    const PST_Place &at = set.places[place];
     return at.name.empty() ? set.entries[at.entry].name : at.name;
 }
 
 // Whether both hold the value and its bytes are the same.
-bool SET_IsSame(const SET_Entry &entry, const SET_Held &a, const SET_Held &b);
+bool PST_IsSame(const PST_Entry &entry, const PST_Held &a, const PST_Held &b);
 
 // How far a long step is. True: the user wishes to stop, which is done before the next block.
-struct SET_Progress {
+struct PST_Progress {
     void *context = nullptr;
     bool (*step)(void *context, size_t done, size_t total, const char *what) = nullptr;
 };

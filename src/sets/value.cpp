@@ -39,7 +39,7 @@ bool IsSigned(int32_t type)
     return type == ATP_I1 || type == ATP_I2 || type == ATP_I4;
 }
 
-float FloatOf(const SET_Bytes &bytes)
+float FloatOf(const PST_Bytes &bytes)
 {
     const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes.data(), 4));
     float value = 0;
@@ -47,7 +47,7 @@ float FloatOf(const SET_Bytes &bytes)
     return value;
 }
 
-void PutFloat(float value, SET_Bytes *bytes)
+void PutFloat(float value, PST_Bytes *bytes)
 {
     uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
@@ -78,17 +78,17 @@ std::string RangeText(const TypeRow &row)
 
 } // namespace
 
-const char *SET_CastOf(int32_t type)
+const char *PST_CastOf(int32_t type)
 {
     return RowOf(type).cast;
 }
 
-const char *SET_TypeName(int32_t type)
+const char *PST_TypeName(int32_t type)
 {
     return RowOf(type).name;
 }
 
-double SET_Number(int32_t type, const SET_Bytes &bytes)
+double PST_Number(int32_t type, const PST_Bytes &bytes)
 {
     if (type == 0)
         return 0;
@@ -101,18 +101,18 @@ double SET_Number(int32_t type, const SET_Bytes &bytes)
     return IsSigned(type) && (bits & sign) != 0 ? value - std::ldexp(1, 8 * size) : value;
 }
 
-std::string SET_ValueText(const SET_Entry &entry, const SET_Bytes &bytes)
+std::string PST_ValueText(const PST_Entry &entry, const PST_Bytes &bytes)
 {
     if (entry.type == 0)
         return BYT_Hex(bytes.data(), entry.size);
     if (entry.type == ATP_F4)
         return FloatText(FloatOf(bytes));
     char text[32];
-    std::snprintf(text, sizeof text, "%.0f", SET_Number(entry.type, bytes));
+    std::snprintf(text, sizeof text, "%.0f", PST_Number(entry.type, bytes));
     return text;
 }
 
-std::string SET_AssignmentText(const SET_Entry &entry, const SET_Bytes &bytes)
+std::string PST_AssignmentText(const PST_Entry &entry, const PST_Bytes &bytes)
 {
     if (entry.type == ATP_F4 && !std::isfinite(FloatOf(bytes))) {
         char text[16];
@@ -120,12 +120,12 @@ std::string SET_AssignmentText(const SET_Entry &entry, const SET_Bytes &bytes)
                       static_cast<unsigned>(BYT_GetLittle(bytes.data(), 4)));
         return "(u4) " + entry.name + " = " + text;
     }
-    const std::string cast = SET_CastOf(entry.type);
-    return (cast.empty() ? "" : cast + " ") + entry.name + " = " + SET_ValueText(entry, bytes);
+    const std::string cast = PST_CastOf(entry.type);
+    return (cast.empty() ? "" : cast + " ") + entry.name + " = " + PST_ValueText(entry, bytes);
 }
 
-int SET_ParseValue(const SET_Entry &entry, const std::string &cast, const std::string &text,
-                   SET_Bytes *bytes, std::string *why)
+int PST_ParseValue(const PST_Entry &entry, const std::string &cast, const std::string &text,
+                   PST_Bytes *bytes, std::string *why)
 {
     const TypeRow &row = RowOf(entry.type);
     if (entry.type == 0) {
@@ -147,7 +147,7 @@ int SET_ParseValue(const SET_Entry &entry, const std::string &cast, const std::s
     const std::string line = std::string(isBits ? "(u4)" : row.cast) + " x = " + text;
     const int kind = ParseAssn2(line.c_str(), records, said);
     const ScrPar &value = records[1];
-    SET_Bytes result = {};
+    PST_Bytes result = {};
     bool isGood = kind == ASSN_VALUE && (value.flags & PAR_NAME) == 0;
     if (isGood && entry.type == ATP_F4 && !isBits) {
         const auto number = static_cast<float>(value.fvalue);
@@ -165,7 +165,7 @@ int SET_ParseValue(const SET_Entry &entry, const std::string &cast, const std::s
     return 0;
 }
 
-std::string SET_ShownNumber(double value)
+std::string PST_ShownNumber(double value)
 {
     char text[40];
     std::snprintf(text, sizeof text, "%.*g", SHOWN_DIGITS, value);
@@ -175,25 +175,25 @@ std::string SET_ShownNumber(double value)
     return std::strcmp(text, "-0") == 0 ? "0" : text;
 }
 
-std::string SET_ShownText(const SET_Entry &entry, double factor, const SET_Bytes &bytes)
+std::string PST_ShownText(const PST_Entry &entry, double factor, const PST_Bytes &bytes)
 {
     if (entry.type == 0 || factor == 1)
-        return SET_ValueText(entry, bytes);
-    return SET_ShownNumber(SET_Number(entry.type, bytes) * factor);
+        return PST_ValueText(entry, bytes);
+    return PST_ShownNumber(PST_Number(entry.type, bytes) * factor);
 }
 
-int SET_ParseShown(const SET_Entry &entry, double factor, const std::string &text, SET_Bytes *bytes,
+int PST_ParseShown(const PST_Entry &entry, double factor, const std::string &text, PST_Bytes *bytes,
                    std::string *why)
 {
     const std::string trimmed = WRD_Trim(text);
     if (entry.type == 0 || factor == 1)
-        return SET_ParseValue(entry, "", trimmed, bytes, why);
+        return PST_ParseValue(entry, "", trimmed, bytes, why);
     double number = 0;
-    if (SET_ParseNumber(trimmed, &number)) {
+    if (PST_ParseNumber(trimmed, &number)) {
         number /= factor;
         if (entry.type != ATP_F4)
             number = std::round(number);
-        if (SET_PutNumber(entry.type, number, bytes) == 0)
+        if (PST_PutNumber(entry.type, number, bytes) == 0)
             return 0;
     }
     const TypeRow &row = RowOf(entry.type);
@@ -202,16 +202,16 @@ int SET_ParseShown(const SET_Entry &entry, double factor, const std::string &tex
         double low = row.min * factor, high = row.max * factor;
         if (low > high)
             std::swap(low, high);
-        *why += " (" + SET_ShownNumber(low) + " to " + SET_ShownNumber(high) + ")";
+        *why += " (" + PST_ShownNumber(low) + " to " + PST_ShownNumber(high) + ")";
     }
     *why += ".";
     return -1;
 }
 
-int SET_PutNumber(int32_t type, double number, SET_Bytes *bytes)
+int PST_PutNumber(int32_t type, double number, PST_Bytes *bytes)
 {
     const TypeRow &row = RowOf(type);
-    SET_Bytes result = {};
+    PST_Bytes result = {};
     if (type == ATP_F4) {
         const auto value = static_cast<float>(number);
         if (!std::isfinite(value))
@@ -228,27 +228,27 @@ int SET_PutNumber(int32_t type, double number, SET_Bytes *bytes)
     return 0;
 }
 
-std::string SET_CheckLimits(const SET_Attributes &attributes, const SET_Entry &entry,
-                            const SET_Bytes &bytes)
+std::string PST_CheckLimits(const PST_Attributes &attributes, const PST_Entry &entry,
+                            const PST_Bytes &bytes)
 {
     if (entry.type == 0 || (!attributes.hasMin && !attributes.hasMax))
         return "";
-    const double number = SET_Number(entry.type, bytes);
+    const double number = PST_Number(entry.type, bytes);
     // The limits of a float are floats, too: 0.1 as a limit admits the target's 0.1.
     const bool isFloat = entry.type == ATP_F4;
     const double min =
         isFloat ? static_cast<double>(static_cast<float>(attributes.min)) : attributes.min;
     const double max =
         isFloat ? static_cast<double>(static_cast<float>(attributes.max)) : attributes.max;
-    const std::string value = SET_ValueText(entry, bytes);
+    const std::string value = PST_ValueText(entry, bytes);
     if (attributes.hasMin && !(number >= min))
-        return value + " lies below the limit " + SET_ShownNumber(attributes.min) + ".";
+        return value + " lies below the limit " + PST_ShownNumber(attributes.min) + ".";
     if (attributes.hasMax && !(number <= max))
-        return value + " lies above the limit " + SET_ShownNumber(attributes.max) + ".";
+        return value + " lies above the limit " + PST_ShownNumber(attributes.max) + ".";
     return "";
 }
 
-bool SET_ParseNumber(const std::string &text, double *number)
+bool PST_ParseNumber(const std::string &text, double *number)
 {
     const bool isPrefixed = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     const bool isSuffixed = text.size() > 1 && (text.back() | 0x20) == 'h';

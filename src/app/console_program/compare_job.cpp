@@ -21,19 +21,19 @@ bool IsStopped(void *, size_t, size_t, const char *)
     return IsBreakWished();
 }
 
-int Compare(SET_Restore *job)
+int Compare(PST_Restore *job)
 {
-    const int result = SET_PrepareRestore(options.compareHeader, options.compareFile, false, job,
+    const int result = PST_PrepareRestore(options.compareHeader, options.compareFile, false, job,
                                           {nullptr, IsStopped});
-    if (result != SET_OK) {
-        std::fprintf(stderr, "%s%s", SET_FormatProblems(job->problems).c_str(),
+    if (result != PST_OK) {
+        std::fprintf(stderr, "%s%s", PST_FormatProblems(job->problems).c_str(),
                      WRD_Visible(job->why).c_str());
         std::fputs(job->why.empty() ? "" : "\n", stderr);
         return EXIT_NOT_COMPARED;
     }
-    for (const std::string &line : SET_MapRemarks(*job))
+    for (const std::string &line : PST_MapRemarks(*job))
         std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
-    const std::vector<std::string> differences = SET_Differences(*job);
+    const std::vector<std::string> differences = PST_Differences(*job);
     for (const std::string &line : differences)
         std::printf("%s\n", WRD_Visible(line).c_str());
     return differences.empty() ? 0 : EXIT_DIFFERENT;
@@ -52,7 +52,7 @@ int CPG_RunCompare()
     if (isTimer == 0)
         return EXIT_NOT_COMPARED;
     SuspendTimerCallbacks(); // nobody watches a list here
-    SET_Restore job;
+    PST_Restore job;
     const int code = Compare(&job);
     VIR2_StopPeriodicASC();
     return code;

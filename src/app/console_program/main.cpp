@@ -71,6 +71,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     VR_szTypesOption = options.typesFile;
     job = isWatch                        ? CPG_RunWatch
           : isScope                      ? CPG_RunScope
+          : isCompare                    ? CPG_RunCompare
           : !options.programFile.empty() ? CPG_RunProgram
                                          : Drive;
     HL_SetDriver(DriveJob);

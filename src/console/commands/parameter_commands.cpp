@@ -62,7 +62,7 @@ int FailWith(const std::string &command, const std::string &why)
     return SCR_Fail(command + ": " + WRD_Visible(why));
 }
 
-bool IsWriteWished(const SET_Restore &job)
+bool IsWriteWished(const PST_Restore &job)
 {
     const std::string count = std::to_string(job.writes.size());
     return ConfirmPopup("Download", "Write " + count +
@@ -71,28 +71,28 @@ bool IsWriteWished(const SET_Restore &job)
                                         "? They are listed in the console.") == 1;
 }
 
-int Download(const std::string &header, const std::string &data, bool isAll, SET_Restore *job,
+int Download(const std::string &header, const std::string &data, bool isAll, PST_Restore *job,
              Meter *meter)
 {
-    const SET_Progress progress = {meter, StepMeter};
-    const int prepared = SET_PrepareRestore(header, data, isAll, job, progress);
+    const PST_Progress progress = {meter, StepMeter};
+    const int prepared = PST_PrepareRestore(header, data, isAll, job, progress);
     EndMeter(meter);
-    if (prepared == SET_ERR_FILE) {
-        std::string problems = SET_FormatProblems(job->problems);
+    if (prepared == PST_ERR_FILE) {
+        std::string problems = PST_FormatProblems(job->problems);
         problems.pop_back(); // the last line's end
         PrintMonStr(problems);
         return FailWith("download", "Nothing was written.");
     }
-    if (prepared != SET_OK)
+    if (prepared != PST_OK)
         return FailWith("download", job->why + " Nothing was written.");
-    PrintLines(SET_RestoreWarnings(*job));
-    PrintLines(SET_RestoreChanges(*job), CHANGES_SHOWN_MAX);
+    PrintLines(PST_RestoreWarnings(*job));
+    PrintLines(PST_RestoreChanges(*job), CHANGES_SHOWN_MAX);
     if (!job->writes.empty() && !IsWriteWished(*job))
         return FailWith("download", "Nothing was written.");
-    const int result = SET_RunRestore(job, progress);
+    const int result = PST_RunRestore(job, progress);
     EndMeter(meter);
-    PrintLines(SET_RestoreResult(*job, result));
-    return result == SET_OK ? 0 : FailWith("download", "the target does not hold the file.");
+    PrintLines(PST_RestoreResult(*job, result));
+    return result == PST_OK ? 0 : FailWith("download", "the target does not hold the file.");
 }
 
 } // namespace
@@ -104,10 +104,10 @@ int SCR_Upload(ScrPar *par)
     Meter meter;
     meter.text = "Upload: ";
     std::vector<std::string> lines;
-    const int result = SET_Backup(par[0].text, par[1].text, {&meter, StepMeter}, &lines);
+    const int result = PST_Backup(par[0].text, par[1].text, {&meter, StepMeter}, &lines);
     EndMeter(&meter);
     PrintLines(lines);
-    return result == SET_OK ? 0 : FailWith("upload", "no file was written.");
+    return result == PST_OK ? 0 : FailWith("upload", "no file was written.");
 }
 
 int SCR_Download(ScrPar *par)
@@ -116,7 +116,7 @@ int SCR_Download(ScrPar *par)
         return 0;
     if (par[2].value > 1)
         return FailWith("download", "the last parameter is 0 (differences) or 1 (all values).");
-    SET_Restore job;
+    PST_Restore job;
     Meter meter;
     meter.text = "Download: ";
     return Download(par[0].text, par[1].text, par[2].value == 1, &job, &meter);
