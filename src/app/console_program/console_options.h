@@ -24,11 +24,13 @@ struct CPG_Options {
     bool isNoVerify = false;
     std::string typesFile; // type map to open, "" = none but the settings'
     std::string traceFile;
-    std::string scopeFile; // settings of a scope recording, "" = none
-    std::string csvFile;   // where it goes; "-" = standard output
-    double scopeWait = 10; // seconds to wait for the trigger
-    bool isSnap = false;   // do not wait for it
-    std::string archive;   // to be written from archiveFiles
+    std::string scopeFile;     // settings of a scope recording, "" = none
+    std::string csvFile;       // where it goes; "-" = standard output
+    double scopeWait = 10;     // seconds to wait for the trigger
+    bool isSnap = false;       // do not wait for it
+    std::string compareHeader; // set to compare the target with compareFile, "" = none
+    std::string compareFile;
+    std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };
 
