@@ -16,6 +16,7 @@ int CPG_RunScript();  // a script was run at start: its result
 int CPG_RunWatch();   // the watch list, sweep by sweep
 int CPG_RunProgram(); // a HEX file into the target's flash
 int CPG_RunScope();   // one recording of the target's scope
+int CPG_RunServe();   // requests of another program, until its end
 int CPG_RunCompare(); // the target against a data file: 0 equal, 1 different, 2 not compared
 int CPG_RunSession(); // lines from standard input to the console
 
