@@ -29,7 +29,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_BinSave, "binsave", {PLACE, LENGTH, PATH}},
     {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
     {SCR_BinLoad, "binload", {PLACE, LENGTH, PATH}},
-    {nullptr, "dis", {PLACE, BYTE}},
+    {SCR_Dis, "dis", {PLACE, BYTE}}, // address, instructions
     {nullptr, "upload", {PATH, PATH}},
     {nullptr, "download", {PATH, PATH, BYTE}},
     {SCR_HexLoad, "hexload", {PATH}},
@@ -49,6 +49,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Station, "station", {BYTE}},
     {SCR_Procesor, "procesor", {COUNT}},
     {SCR_ListVars, "listvars", {TEXT}},
+    {SCR_Addr2Name, "addr2name", {PLACE}},
     {nullptr, "ldx2vldx", {PATH, PATH, PATH}},
     {nullptr, "ldcmpldx", {PATH}},
     {nullptr, "mkcmpvldx", {PATH, PATH}},
