@@ -74,13 +74,13 @@ struct MDL_State {
     int nextItem = 1000, nextQuestion = 1, nextProgress = 1;
     std::vector<VIEW_Progress> progress; // open boxes
     std::vector<UI_Layout> layouts;
-    uint32_t stamp = 0;                  // rises with every change of a value by the program
-    uint32_t lineId = 0;                 // the last number given to a line
-    std::deque<VIEW_Event> queue;        // taken from the door, not handled yet
-    std::deque<bool> isCaught;           // beside it: its value is in the model already
-    MDL_Control *handled = nullptr;      // the control whose own event is being handled
-    int depth = 0;                       // callbacks and pop-ups that are running
-    int result = 0;                      // of the last event: the callback's, or why it was dropped
+    uint32_t stamp = 0;             // rises with every change of a value by the program
+    uint32_t lineId = 0;            // the last number given to a line
+    std::deque<VIEW_Event> queue;   // taken from the door, not handled yet
+    std::deque<bool> isCaught;      // beside it: its value is in the model already
+    MDL_Control *handled = nullptr; // the control whose own event is being handled
+    int depth = 0;                  // callbacks and pop-ups that are running
+    int result = 0;                 // of the last event: the callback's, or why it was dropped
     uint64_t flushedUs = 0;
     bool isSuspended = true;
     bool isStarting = false; // the program runs, its loop does not yet

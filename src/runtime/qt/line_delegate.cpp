@@ -141,8 +141,8 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const bool isSelected = option.state & QStyle::State_Selected;
     const LOOK_Ground ground = isSelected ? (m_list->hasFocus() ? LG_ACTIVE : LG_SELECTED)
                                : m_model->isFresh(cell) ? LG_FRESH
-                               : index.row() % 2      ? LG_STRIPED
-                                                      : LG_BASE;
+                               : index.row() % 2        ? LG_STRIPED
+                                                        : LG_BASE;
     if (ground != LG_BASE)
         painter->fillRect(option.rect, m_colors.ground[ground]);
     if (cell.text.isEmpty())

@@ -62,7 +62,7 @@ void QTV_CloseQuestion(int id);
 void QTV_OpenPopupMenu(int menu);
 void QTV_ShowHelp(const std::string &path);
 void QTV_UseLayout(const UI_Layout &layout); // of the last run
-void QTV_UsePalette(QTV_Panel *panel); // colours the program gave, on the ground there is now
+void QTV_UsePalette(QTV_Panel *panel);       // colours the program gave, on the ground there is now
 
 // --- what the user does -------------------------------------------------------------------
 // Hands an event in. `postTo` is the door; tests put their own here.
