@@ -66,8 +66,9 @@ void ShowWaiting(int station)
 
 bool MayReplace(const std::string &path)
 {
-    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
-                                      "' is write-protected. Replace it all the same?",
+    return ConfirmPopup("Vireo2",
+                        "The file '" + WRD_Visible(path) +
+                            "' is write-protected. Replace it all the same?",
                         UI_DEFAULT_NO) == 1;
 }
 

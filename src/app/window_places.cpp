@@ -169,7 +169,8 @@ std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine)
     for (const auto &[panel, place] : places)
         text += Line(keys.window + std::string(","), Join({panel}, place), endOfLine);
     for (const auto &[place, list] : widths)
-        text += Line(keys.columns + std::string(","), Join({place.first, place.second}, list), endOfLine);
+        text += Line(keys.columns + std::string(","), Join({place.first, place.second}, list),
+                     endOfLine);
     std::vector<UI_Layout> layouts;
     GetViewLayouts(&layouts);
     for (const UI_Layout &layout : layouts)

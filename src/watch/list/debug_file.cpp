@@ -41,9 +41,10 @@ std::string WhyNot(const std::string &path)
 
 bool MayEmptyList(const std::string &path)
 {
-    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
-                                      "' holds no watch item. Replace the list of " +
-                                      std::to_string(nLItems) + " items all the same?",
+    return ConfirmPopup("Vireo2",
+                        "The file '" + WRD_Visible(path) +
+                            "' holds no watch item. Replace the list of " +
+                            std::to_string(nLItems) + " items all the same?",
                         UI_DEFAULT_NO) == 1;
 }
 
