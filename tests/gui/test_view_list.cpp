@@ -312,7 +312,7 @@ TEST_F(ViewListTest, ShowsLabelsInColumnsWhereTheProgramNamesNone)
 {
     auto *trace = GuiWidget<LineList>(PANEL_TRACE, TRACE_LIST);
     EXPECT_EQ(trace->lines()->headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), "Result");
-    EXPECT_EQ(trace->columnWidth(0), 90);
+    EXPECT_EQ(trace->columnWidth(0), 104);
     GuiDrawList(PANEL_TRACE, TRACE_LIST, VIEW_LIST_LINES, [](VIEW_List &change) {
         VIEW_Line line;
         line.label = "12:00\033p90lgood\033p370lRead\033p500lmore";

@@ -83,6 +83,7 @@ void LineList::setColumns(const std::vector<ListColumn> &columns)
         m_widths.push_back(measured[i].width);
         setColumnWidth(static_cast<int>(i), measured[i].width);
     }
+    m_widths.resize(m_model->columns().size()); // there is always one
     horizontalHeader()->setVisible(hasTitles);
     showColumnsThatFit();
 }

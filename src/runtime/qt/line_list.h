@@ -77,8 +77,9 @@ private:
     LineModel *m_model;
     LineDelegate *m_delegate;
     QString m_titles;
-    std::vector<int> m_widths; // of the columns, as given by the program or the user; pixels
-    bool m_isOurs = false;     // the program is moving the selection, not the user
+    // Of the columns, as given by the program or the user; pixels. A list starts with one column.
+    std::vector<int> m_widths = {0};
+    bool m_isOurs = false; // the program is moving the selection, not the user
 };
 
 #endif

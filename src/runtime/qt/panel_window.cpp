@@ -208,13 +208,14 @@ void PanelWindow::report()
     if (!isVisible())
         return;
     m_hasPlace = true;
+    // A window that fills the screen comes back to the place and size it has without that.
+    if (isMaximized() || isFullScreen())
+        return;
     VIEW_Event report;
     report.kind = VIEW_EVENT_PLACED;
     report.panel = m_record->row->panel;
     report.rect = {pos().x(), pos().y(), width(), height()};
-    // A window that fills the screen comes back to the place it has without that.
-    if (!isMaximized() && !isFullScreen())
-        QTV_Post(report);
+    QTV_Post(report);
     if (size() == m_knownSize)
         return;
     m_knownSize = size();

@@ -161,16 +161,22 @@ void PostEnd()
 
 std::atomic<bool> isProgramRunning{false};
 
-// Qt leaves the process when the screen goes away. The program ends in order all the same:
-// it saves what must be saved and is not cut off in the middle of a file.
-void EndProgram()
+// Qt leaves the process when the screen goes away, and all that it says before is this. The
+// program ends in order all the same: it saves what must be saved and is not cut off in the
+// middle of a file.
+QtMessageHandler usualHandler = nullptr;
+
+void NoticeLostScreen(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     constexpr int END_WITHIN_MS = 10000, LOOK_MS = 10;
+    usualHandler(type, context, message);
+    if (!message.contains("connection broke"))
+        return;
     drawer = nullptr; // nobody draws any more
-    if (isProgramRunning)
-        PostEnd();
+    PostEnd();
     for (int waited = 0; isProgramRunning && waited < END_WITHIN_MS; waited += LOOK_MS)
         PLT_SleepMs(LOOK_MS);
+    std::_Exit(EXIT_NO_SCREEN);
 }
 
 } // namespace
@@ -282,7 +288,7 @@ int VIEW_Main(int argc, char **argv, int (*program)(int argc, char **argv))
         return -1;
     int code = 0;
     isProgramRunning = true;
-    std::atexit(EndProgram);
+    usualHandler = qInstallMessageHandler(NoticeLostScreen);
     std::thread runner([&code, argc, argv, program] {
         code = VIEW_RunProgram(argc, argv, program);
         isProgramRunning = false;
