@@ -235,7 +235,8 @@ TEST_F(Transfer, FailedWriteSaysSo)
         "ERROR - write: Selhani komunikace. (target error code 100)\nwrite 2, 1, 8100H ->Error\n");
     EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
     WriteFileText("f", "int\n5\n");
-    EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
+    EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\n0 of 1 bytes written.\nMessage not succesful (Address "
+                                "008100).\nCause: target error code 100.\n");
 }
 
 // Nothing reaches the target of a value or stretch that does not fit.

@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
+#include "runtime/userint.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ enum LogResult { LOG_READ = 0, LOG_FAILED = -1, LOG_DAMAGED = -2, LOG_CHANGED = 
 
 DLLD_Host host;
 bool isCancelled = false;
+std::string linkCause;
 
 struct LogPlace {
     uint32_t address = 0;
@@ -65,8 +67,11 @@ bool ReadBlocks(uint32_t address, uint32_t length, uint8_t *bytes)
         if (length > BLOCK_BYTES && !StepProgress(at, length, READING_LOG))
             return false;
         const uint32_t count = std::min(BLOCK_BYTES, length - at);
-        if (UCM_Read(host.station, address + at, count, bytes + at) < 0)
+        if (UCM_ReadProven(host.station, address + at, count, bytes + at) < 0) {
+            linkCause = UCM_LastErrorText();
+            isCancelled = isCancelled || IsBreakWished();
             return false;
+        }
     }
     return true;
 }
@@ -193,6 +198,7 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
     LogResult result = LOG_FAILED;
     DLLD_Log read;
     isCancelled = false;
+    linkCause.clear();
     for (int i = 0; i < TRIES; i++) {
         LogPlace place;
         if (find(&place) < 0)
@@ -266,6 +272,7 @@ void DLLD_SetHost(const DLLD_Host &newHost)
 {
     host = newHost;
     isCancelled = false;
+    linkCause.clear();
 }
 
 const DLLD_Host &DLLD_GetHost()
@@ -282,6 +289,11 @@ void DLLD_ErrorMessage(const char *title, const std::string &text)
 bool DLLD_IsCancelled()
 {
     return isCancelled;
+}
+
+const std::string &DLLD_GetLinkCause()
+{
+    return linkCause;
 }
 
 int DLLD_GetWrkAddr(uint32_t *address, const std::string &name)
@@ -319,6 +331,7 @@ int DLLD_ReadARecId()
     uint32_t address;
     uint8_t bytes[2];
     isCancelled = false;
+    linkCause.clear();
     if (!host.hasRecIds)
         return Fail("Error", "Unsupported CPU.");
     if (DLLD_ReadVar("DL_nDimARecId", sizeof bytes, bytes) < 0)

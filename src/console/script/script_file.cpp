@@ -8,6 +8,7 @@
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
 #include "console/script/script.h"
+#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/txfr.h"
 #include "watch/main_window.h"
@@ -105,7 +106,8 @@ bool ExecuteLine(Script *script, int panel)
     }
     if (!GetLabel(script->line).empty())
         return true;
-    return RunLine(*script, panel) >= 0 || SkipToLabel(script, "OnError");
+    // A line that was broken off has not failed: nothing of the script runs behind it.
+    return RunLine(*script, panel) >= 0 || (!IsBreakWished() && SkipToLabel(script, "OnError"));
 }
 
 // A command that asks the user leaves its jump here; false when the label is not found.
@@ -129,6 +131,11 @@ int RunScript(Script *script, int panel)
         script->counter--;
         if (nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX) {
             PrintMonStr("Too many lines in scripts that are started by scripts.");
+            failedLine = script->line;
+            return script->counter;
+        }
+        if (IsBreakWished()) {
+            PrintMonStr("The script was cancelled.");
             failedLine = script->line;
             return script->counter;
         }

@@ -78,6 +78,8 @@ void ReadItem(int index)
         isAnyGood = true;
         return;
     }
+    if (result == RDI_BROKEN_OFF)
+        return;
     if (result != -4)
         LSV_ShowLine(index);
     if (result == -4 || aLItems[index].address != LITEM_NO_ADDRESS)
