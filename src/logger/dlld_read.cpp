@@ -67,7 +67,7 @@ bool ReadBlocks(uint32_t address, uint32_t length, uint8_t *bytes)
         if (length > BLOCK_BYTES && !StepProgress(at, length, READING_LOG))
             return false;
         const uint32_t count = std::min(BLOCK_BYTES, length - at);
-        if (UCM_ReadProven(host.station, address + at, count, bytes + at) < 0) {
+        if (UCM_Read(host.station, address + at, count, bytes + at) < 0) {
             linkCause = UCM_LastErrorText();
             isCancelled = isCancelled || IsBreakWished();
             return false;
@@ -216,6 +216,17 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
     return result == LOG_READ ? 0 : -1;
 }
 
+// What the user gets of the log is proven as a whole, and read again while answers are repeated.
+template <typename Read> int ReadProven(Read read)
+{
+    int result = 0;
+    const int proven = UCM_MakeProven([&] { return result = read(); });
+    if (result < 0 || proven >= 0)
+        return result;
+    linkCause = UCM_LastErrorText();
+    return Fail("Read error", linkCause);
+}
+
 int ReadRecIdText(uint32_t wordAddress, std::string *text)
 {
     uint8_t bytes[DLLD_DESCRIPTION_BYTES];
@@ -326,7 +337,9 @@ int DLLD_ReadVar(const std::string &name, uint32_t length, void *buffer)
     return DLLD_GetWrkAddr(&address, name) < 0 ? -1 : DLLD_ReadData(address, length, buffer);
 }
 
-int DLLD_ReadARecId()
+namespace {
+
+int ReadARecId()
 {
     uint32_t address;
     uint8_t bytes[2];
@@ -353,6 +366,13 @@ int DLLD_ReadARecId()
     return 0;
 }
 
+} // namespace
+
+int DLLD_ReadARecId()
+{
+    return ReadProven(ReadARecId);
+}
+
 int DLLD_ReadWords(uint32_t address, uint16_t *words, int32_t count)
 {
     return ReadWords(address, words, count);
@@ -360,8 +380,8 @@ int DLLD_ReadWords(uint32_t address, uint16_t *words, int32_t count)
 
 int DLLD_ReadLog(const std::string &name, DLLD_Log *log)
 {
-    return ReadLog(
-        name, [&](LogPlace *place) { return FindLog(name, place); }, log);
+    const auto find = [&](LogPlace *place) { return FindLog(name, place); };
+    return ReadProven([&] { return ReadLog(name, find, log); });
 }
 
 int DLLD_ReadLogAt(uint32_t address, DLLD_Log *log)
@@ -376,7 +396,7 @@ int DLLD_ReadLogAt(uint32_t address, DLLD_Log *log)
     };
     std::string name;
     DLLD_Print(&name, "%06lXh", static_cast<unsigned long>(address));
-    return ReadLog(name, find, log);
+    return ReadProven([&] { return ReadLog(name, find, log); });
 }
 
 int DLLD_TestLogHeader(const uint16_t *buffer, uint32_t address, int64_t sizeInWords)

@@ -1,6 +1,7 @@
 // The data logger's commands: download into files, the old layout, and a look at the log
 // that downloads nothing.
 #include "comm/sysaddr.h"
+#include "comm/ucm.h"
 #include "console/commands/commands.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
@@ -59,7 +60,7 @@ std::string FormatStamp(uint32_t stamp)
 int ShowSurvey(const std::string &name)
 {
     DLLD_Survey survey;
-    if (DLLD_SurveyLog(name, &survey) < 0)
+    if (UCM_MakeProven([&] { return DLLD_SurveyLog(name, &survey); }) < 0)
         return FailRead("dlldtst", "Could not read the log (" + name + ").");
     std::string header;
     for (const uint16_t word : survey.header)
