@@ -262,6 +262,41 @@ TEST_F(Transfer, WriteRefusesWhatDoesNotFit)
         EXPECT_EQ(Run(line), std::string(line) + " -> OK!\n");
 }
 
+TEST_F(Transfer, WhatReachesBeyondTheMemoryIsRefusedBeforeAnythingIsSent)
+{
+    WriteFileText("f", "int\n1\n2\n3\n");
+    WriteFileText("g", "float\n1\n");
+    const struct {
+        int mode;
+        const char *lines[2];
+    } cases[] = {{CMD_C166, {"l FFFFFE, f", ""}},     {CMD_C166, {"l FFFFFD, g", ""}},
+                 {CMD_C166, {"wu FFFFFF", "5"}},      {CMD_C166, {"wf FFFFFD", "5"}},
+                 {CMD_C166, {"si FFFFF9, h, 2", ""}}, {CMD_C166, {"si 0, h, 262145", ""}},
+                 {CMD_C166, {"d 1000000", ""}},       {CMD_TMS, {"d FFFFFD", ""}},
+                 {CMD_TMS, {"wi 1000000", "5"}},      {CMD_TMS, {"l FFFFFE, f", ""}},
+                 {CMD_TMS, {"sf FFFFFF, h, 2", ""}}};
+    Run("d 1000"); // the port's opening
+    const uint64_t before = SIM_GetCounters(target).requests;
+    for (const auto &c : cases) {
+        command = c.mode;
+        Type(c.lines[0]);
+        if (*c.lines[1] != '\0')
+            Type(c.lines[1]);
+        const std::string shown = NewText();
+        EXPECT_TRUE(shown.find("beyond FFFFFF") != std::string::npos ||
+                    shown.find("At most") != std::string::npos)
+            << c.lines[0] << shown;
+    }
+    EXPECT_EQ(SIM_GetCounters(target).requests, before);
+    EXPECT_EQ(ReadFile("h"), "<none>");
+    command = CMD_C166;
+    EXPECT_EQ(Run("si 3FFFC, h, 3"), "Store DPM memory...\n");
+    EXPECT_EQ(ReadFile("h"), "int\r\n0\r\n") << "a store ends with the first 256 KiB";
+    WriteMap("p.m66");
+    Run("m p.m66");
+    EXPECT_NE(Run("dn 16:byMode").find("Stations are 0 to 15."), std::string::npos);
+}
+
 TEST_F(Transfer, BinLoadTellsOfAnotherLength)
 {
     WriteFileText("in.bin", "abcd");

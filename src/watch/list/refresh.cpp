@@ -15,6 +15,7 @@
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
 #include "watch/windows/mem_box.h"
+#include "watch/windows/memory_panel.h"
 #include "watch/windows/value_panel.h"
 
 int UpdItem = 0;
@@ -187,6 +188,7 @@ void RFR_ShowCommunication()
     if (readLItems)
         LSV_ShowValues();
     MBX_ShowOld();
+    MMP_ShowOld();
     VLP_Refresh();
 }
 
