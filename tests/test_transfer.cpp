@@ -292,9 +292,6 @@ TEST_F(Transfer, WhatReachesBeyondTheMemoryIsRefusedBeforeAnythingIsSent)
     command = CMD_C166;
     EXPECT_EQ(Run("si 3FFFC, h, 3"), "Store DPM memory...\n");
     EXPECT_EQ(ReadFile("h"), "int\r\n0\r\n") << "a store ends with the first 256 KiB";
-    WriteMap("p.m66");
-    Run("m p.m66");
-    EXPECT_NE(Run("dn 16:byMode").find("Stations are 0 to 15."), std::string::npos);
 }
 
 TEST_F(Transfer, BinLoadTellsOfAnotherLength)
