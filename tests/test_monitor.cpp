@@ -143,7 +143,8 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         int start;
     } cases[] = {
         {"pro", "procesor", 0},
-        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3read l3test l3verify "
+        {"l",
+         "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3read l3test l3verify "
          "l3write",
          0},
         {"!fi", "final.scr first.scr", 1},
