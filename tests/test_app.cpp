@@ -464,7 +464,7 @@ TEST_F(App, ExitAsksSavesAndQuits)
 TEST_F(App, EndingBySignalWithAnUnsavedListIsNoSuccess)
 {
     for (const int isChanged : {0, 1}) {
-        Forget();
+        ResetProgram();
         ASSERT_EQ(0, Start());
         IsDBGChange = isChanged;
         HL_SetDriver([] { return ProcessSystemEvents(); });

@@ -13,6 +13,7 @@
 #include "logger/log_time.h"
 #include "logger/log_view.h"
 #include "logger/log_window_lines.h"
+#include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
@@ -409,7 +410,7 @@ int LGW_ExportCB(int, int, int event, int)
             VAL_NO_FILE_SELECTED)
         return 0;
     if (LOGV_SaveCsv(LGW_sides[0].view, path) < 0) {
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
         return 0;
     }
     LGW_notice = LGW_FormatCount(LGW_lines.size()) + " messages were written to " + path + ".";
