@@ -7,6 +7,8 @@
 
 #include <string>
 
+// The trace whose spectrum stands in place of the curves; -1 the curves.
+void SCW_ChooseSpectrum(int trace);
 // Draws everything anew; zoom, cursors and hidden curves stay as the user has them.
 void SCW_ShowCurves(const SCP_Setup &setup, const SCP_Capture &capture,
                     const SCP_Capture &reference);

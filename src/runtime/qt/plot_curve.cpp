@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int SAMPLES_A_PIXEL = 2;    // up to here a line is drawn from sample to sample
+constexpr int SAMPLES_A_PIXEL = 1;    // up to here a line is drawn from sample to sample
 constexpr double DOT_FROM_PIXELS = 8; // samples so far apart get a dot each
 constexpr double FAR_PIXELS = 1e6;    // the painter's arithmetic ends somewhere behind
 
@@ -19,6 +19,13 @@ double Near(double pixel)
 PlotCurve::PlotCurve(QCPAxis *keyAxis, QCPAxis *valueAxis, const UI_Plot &plot)
     : QCPAbstractPlottable(keyAxis, valueAxis), m_plot(plot), m_curve(PTH_Make(plot.x, plot.y))
 {
+}
+
+void PlotCurve::setPlot(const UI_Plot &plot)
+{
+    if (plot.x != m_plot.x || plot.y != m_plot.y)
+        m_curve = PTH_Make(plot.x, plot.y);
+    m_plot = plot;
 }
 
 int PlotCurve::sampleAt(double x) const
