@@ -177,6 +177,7 @@ TEST_F(Connect, ADeviceGetsTheFirstFreeNumberAndKeepsIt)
 
 TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
 {
+    WPL_Forget();
     WriteFileText("Vireo2.ini", "window, 13 30 40 900 600\r\nwindow, 6 1 2 300 -5\r\n"
                                 "columns, 13 1 70 0 210\r\nwindow, 15 5 6 400 300\r\n");
     start();

@@ -14,6 +14,7 @@
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
+#include "watch/list/selection.h"
 #include "watch/main_window.h"
 
 namespace {
@@ -79,8 +80,10 @@ void MoveSelection(int step)
     GetCtrlIndex(mainPanel, MAIN_LIST, &row);
     if (GetActiveCtrl(mainPanel) != MAIN_LIST)
         row += step;
-    if (row >= 0 && row < nLItems)
-        SetCtrlIndex(mainPanel, MAIN_LIST, row);
+    if (row < 0 || row >= nLItems)
+        return;
+    SetCtrlIndex(mainPanel, MAIN_LIST, row);
+    WSL_Refresh();
 }
 
 int OnKey(int key)

@@ -33,8 +33,8 @@ void Changed(int line)
         LSV_ShowValues();
     else
         ResetLItemsDisplay();
-    VR_EnableControls(); // undo and redo among them
     LSV_Select(line);
+    VR_EnableControls(); // undo and redo among them
 }
 
 // Does the steps of one edit, which undo takes back as a whole.
@@ -339,6 +339,7 @@ int EDT_MoveLines(std::vector<int> lines, int by)
     for (int &line : lines)
         line += by;
     LSV_SelectLines(lines);
+    VR_EnableControls();
     return 0;
 }
 

@@ -1,0 +1,164 @@
+#include "comm/grouping.h"
+
+#include "settings/settings.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint64_t IMPOSSIBLE = UINT64_MAX;
+constexpr uint64_t BLOCK_WEIGHT = 1 << 20; // of a character against a block
+
+// mr166: a byte is two characters; a write has sixteen bytes, however many of them count.
+// Modbus: a register is two bytes and two characters.
+struct ProtocolRow {
+    int protocol;
+    GRP_Wire read, write;
+};
+constexpr ProtocolRow PROTOCOL_ROWS[] = {
+    {PROTOCOL_MR166, {18 + 10, 1, 2, 64}, {48 + 10, 1, 0, 16}},
+    {PROTOCOL_MODBUS, {17 + 5, 2, 2, 216}, {13 + 8, 2, 2, 216}},
+};
+
+const ProtocolRow &RowOf(int protocol)
+{
+    return protocol == PROTOCOL_MODBUS ? PROTOCOL_ROWS[1] : PROTOCOL_ROWS[0];
+}
+
+uint64_t ExchangeChars(const GRP_Wire &wire, uint32_t count)
+{
+    return wire.exchange + uint64_t{(count + wire.unit - 1) / wire.unit} * wire.unitChars;
+}
+
+// 64 bits wide, because an item may end at the very end of the numbers.
+uint64_t EndOf(const GRP_Item &item)
+{
+    return uint64_t{item.address} + item.size;
+}
+
+bool IsBefore(const GRP_Item &a, const GRP_Item &b)
+{
+    if (a.station != b.station)
+        return a.station < b.station;
+    return a.address != b.address ? a.address < b.address : a.size < b.size;
+}
+
+bool MayBridge(uint64_t from, uint64_t to, const GRP_Rules &rules)
+{
+    if (from >= to)
+        return true;
+    if (!rules.areGapsAllowed)
+        return false;
+    return std::none_of(rules.noGaps.begin(), rules.noGaps.end(), [&](const GRP_Range &range) {
+        return from <= range.last && to > range.first;
+    });
+}
+
+struct Span {
+    uint64_t address = 0, size = 0;
+};
+
+// One item, with whatever lies within it, is asked for exactly as it is.
+Span SpanOf(const GRP_Item &first, uint64_t end, uint32_t largest, uint32_t align)
+{
+    if (end - first.address == largest || align < 2)
+        return {first.address, end - first.address};
+    const uint64_t begin = first.address - first.address % align;
+    return {begin, (end + align - 1) / align * align - begin};
+}
+
+// The least costs of covering the first so many of the sorted items, and where the last block
+// of that cover begins. Blocks of neighbours in the order are enough: an item of another block
+// that lies between those of this one can always change over without making either longer.
+struct Cover {
+    uint64_t cost = IMPOSSIBLE;
+    size_t lastFrom = 0;
+};
+
+std::vector<Cover> FindCovers(const std::vector<GRP_Item> &sorted, const GRP_Wire &wire,
+                              const GRP_Rules &rules)
+{
+    const uint32_t spanMax = rules.spanMax != 0 ? rules.spanMax : wire.blockMax;
+    std::vector<Cover> covers(sorted.size() + 1);
+    covers[0].cost = 0;
+    for (size_t from = 0; from < sorted.size(); ++from) {
+        uint64_t end = sorted[from].address;
+        uint32_t largest = 0;
+        for (size_t last = from; last < sorted.size(); ++last) {
+            const GRP_Item &item = sorted[last];
+            if (item.station != sorted[from].station || !MayBridge(end, item.address, rules))
+                break;
+            end = std::max(end, EndOf(item));
+            largest = std::max(largest, item.size);
+            const Span span = SpanOf(sorted[from], end, largest, rules.align);
+            if (span.size > std::max(spanMax, largest))
+                break;
+            // Of equal characters the fewer blocks win: each has its turn-around as well.
+            const uint64_t chars = GRP_CountChars(wire, static_cast<uint32_t>(span.size));
+            const uint64_t cost = covers[from].cost + chars * BLOCK_WEIGHT + 1;
+            if (cost < covers[last + 1].cost)
+                covers[last + 1] = {cost, from};
+        }
+    }
+    return covers;
+}
+
+} // namespace
+
+GRP_Wire GRP_ReadWire(int protocol)
+{
+    return RowOf(protocol).read;
+}
+
+GRP_Wire GRP_WriteWire(int protocol)
+{
+    return RowOf(protocol).write;
+}
+
+uint64_t GRP_CountChars(const GRP_Wire &wire, uint32_t count)
+{
+    const uint32_t rest = count % wire.blockMax;
+    return count / wire.blockMax * ExchangeChars(wire, wire.blockMax) +
+           (rest != 0 ? ExchangeChars(wire, rest) : 0);
+}
+
+std::vector<GRP_Block> GRP_Plan(const std::vector<GRP_Item> &items, const GRP_Wire &wire,
+                                const GRP_Rules &rules)
+{
+    std::vector<size_t> order(items.size());
+    for (size_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::stable_sort(order.begin(), order.end(),
+                     [&](size_t a, size_t b) { return IsBefore(items[a], items[b]); });
+    std::vector<GRP_Item> sorted;
+    for (const size_t index : order)
+        sorted.push_back(items[index]);
+    const std::vector<Cover> covers = FindCovers(sorted, wire, rules);
+    std::vector<GRP_Block> plan;
+    for (size_t end = sorted.size(); end > 0; end = covers[end].lastFrom) {
+        GRP_Block block;
+        const size_t from = covers[end].lastFrom;
+        uint64_t spanEnd = 0;
+        uint32_t largest = 0;
+        for (size_t i = from; i < end; ++i) {
+            spanEnd = std::max(spanEnd, EndOf(sorted[i]));
+            largest = std::max(largest, sorted[i].size);
+            block.items.push_back(order[i]);
+        }
+        const Span span = SpanOf(sorted[from], spanEnd, largest, rules.align);
+        block.station = sorted[from].station;
+        block.address = static_cast<uint32_t>(span.address);
+        block.size = static_cast<uint32_t>(span.size);
+        plan.push_back(block);
+    }
+    std::reverse(plan.begin(), plan.end());
+    return plan;
+}
+
+uint64_t GRP_CountPlan(const std::vector<GRP_Block> &plan, const GRP_Wire &wire)
+{
+    uint64_t chars = 0;
+    for (const GRP_Block &block : plan)
+        chars += GRP_CountChars(wire, block.size);
+    return chars;
+}

@@ -1,0 +1,66 @@
+// Writes rows of values as CSV while they come: docs/formats.md has the layout. A program that
+// is killed has lost a second at most, for every batch is flushed. A full disk ends a recording
+// and leaves what is there. Knows no line and no window; its owner feeds it.
+#ifndef SAMPLER_RECORDER_H
+#define SAMPLER_RECORDER_H
+
+#include "platform/system.h"
+#include "sampler/sample_store.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+struct REC_Options {
+    std::string path;
+    bool mayReplace = false;    // an existing file
+    uint64_t rotateBytes = 0;   // a new file when this one would grow beyond; 0: never
+    uint32_t rotateMinutes = 0; // or after so long
+    int periodMs = 0;           // for the head: 0 as fast as the line allows
+};
+
+struct REC_Recorder {
+    REC_Options options;
+    bool isOpen = false;
+    std::string path;    // of the file being written: with rotation it has a time stamp
+    std::string problem; // why it stopped by itself, "" when it did not
+    uint64_t rows = 0, files = 0, bytes = 0; // bytes: of this file
+
+    // The rest is the recorder's own.
+    std::FILE *file = nullptr;
+    std::vector<SMP_Item> items;
+    std::vector<uint8_t> states; // of each item in the last row
+    int64_t originUs = 0;        // steady clock at the start: time 0
+    int64_t originUtcMs = 0;     // the same moment in UTC
+    int64_t fileUs = 0, flushedUs = 0, clockCheckedUs = 0, lastUs = 0;
+    int offsetMinutes = 0; // of local time against UTC, at the start
+    int64_t clockOffMs = 0;
+    std::string buffer;
+};
+
+enum {
+    REC_ERR_OPEN = -1,   // cannot be created: recorder->problem
+    REC_ERR_EXISTS = -2, // and options.mayReplace is not set
+    REC_ERR_WRITE = -3,  // the disk is full or gone: recording has ended, recorder->problem
+};
+
+// Creates the file with its head. `nowUs` is the steady clock of the rows. 0 or a code.
+int REC_Open(REC_Recorder *recorder, const REC_Options &options, const std::vector<SMP_Item> &items,
+             int64_t nowUs);
+// One row, in the order of the items; samples that failed are empty cells, and the first of
+// them is preceded by a line with the reason. 0 or REC_ERR_WRITE; nothing when it is not open.
+int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples,
+               const SMP_Store &store);
+// A line "; TIME, kind, text" between the rows: a gap, a marker, a trigger. 0 or REC_ERR_WRITE.
+int REC_PutNote(REC_Recorder *recorder, int64_t timeUs, const std::string &kind,
+                const std::string &text);
+// Other columns from now on: a new file with a time stamp in its name. 0 or a code.
+int REC_ChangeItems(REC_Recorder *recorder, const std::vector<SMP_Item> &items, int64_t nowUs);
+// Hands everything to the system: call behind each batch, at least once a second. Also where
+// a clock that was set is noticed. 0 or REC_ERR_WRITE.
+int REC_Flush(REC_Recorder *recorder, int64_t nowUs);
+// 0, or REC_ERR_WRITE when not everything reached the disk.
+int REC_Close(REC_Recorder *recorder);
+
+#endif

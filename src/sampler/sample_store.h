@@ -1,0 +1,75 @@
+// What was sampled: for each item the last so many samples with their times, in memory of a
+// fixed bound (17 bytes a sample). Owns nothing but what is in it; a sampler fills it, graphs
+// and recorders read it. What has fallen out of it is only in a recording, if there is one.
+#ifndef SAMPLER_SAMPLE_STORE_H
+#define SAMPLER_SAMPLE_STORE_H
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct LItem;
+
+// A value to be sampled. Independent of the watch list once made.
+struct SMP_Item {
+    std::string name;     // as it stands above a column
+    uint32_t address = 0; // byte address, or the TMS320's own; SMP_NO_ADDRESS: does not resolve
+    int station = 1;
+    int size = 2;       // bytes: 1, 2, 4 or 8
+    char type = 'i';    // letter of watch/value/value_types.h
+    bool isTMS = false; // of the TMS320 behind the station
+    std::string unit;   // for people; may be ""
+};
+constexpr uint32_t SMP_NO_ADDRESS = 0xFFFFFFFF;
+
+SMP_Item SMP_FromWatch(const LItem &item);
+// The same variable read in the same way: its samples go on.
+bool SMP_IsSame(const SMP_Item &a, const SMP_Item &b);
+std::string SMP_TypeText(const SMP_Item &item); // "u2", as the watch list's files have it
+
+// What the bits of a sample say. A rate (type p) is sampled as its result: see SMP_IsRate.
+bool SMP_IsRate(const SMP_Item &item); // its samples are the bits of a double, in Hz
+double SMP_Number(const SMP_Item &item, uint64_t bits);
+// The number as recordings have it, exactly: whole numbers whole, floats as short as they come
+// back the same.
+std::string SMP_NumberText(const SMP_Item &item, uint64_t bits);
+
+constexpr uint8_t SMP_GOOD = 0; // any other state: failed, a key of SST_ReasonText
+struct SMP_Sample {
+    int64_t timeUs = 0; // of the steady clock, the middle of its exchange
+    uint64_t bits = 0;
+    uint8_t state = SMP_GOOD;
+};
+
+// The samples of one item, numbered from 0 since it was added; the oldest fall out.
+struct SMP_Ring {
+    uint64_t first = 0, end = 0; // numbers that are here: first <= number < end
+    std::vector<int64_t> timesUs;
+    std::vector<uint64_t> bits;
+    std::vector<uint8_t> states;
+};
+struct SMP_Store {
+    std::vector<SMP_Item> items;
+    std::vector<SMP_Ring> rings;      // one an item
+    size_t samplesMax = 0;            // of each item
+    std::vector<std::string> reasons; // of failed samples
+};
+constexpr size_t SST_BYTES_PER_SAMPLE = 17;
+constexpr size_t SST_DEFAULT_SAMPLES = 200000; // of each item
+
+// Other items from now on. Those that stay the same keep their samples and numbers.
+void SST_SetItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax);
+void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample);
+SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number); // first <= number < end
+// The first sample kept that is not before this time; `end` when there is none.
+uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs);
+// Samples from <= number < to as a curve: seconds since `originUs`, and NaN where one failed.
+// Numbers that are not kept are left out.
+void SST_Copy(const SMP_Store &store, size_t item, uint64_t from, uint64_t to, int64_t originUs,
+              std::vector<double> *seconds, std::vector<double> *values);
+// The state of a sample that failed for this reason. After 254 reasons all others are one.
+uint8_t SST_StateOf(SMP_Store *store, const std::string &reason);
+std::string SST_ReasonText(const SMP_Store &store, uint8_t state); // "" for a good one
+
+#endif

@@ -1,0 +1,39 @@
+// What to do when a condition on a sampled item holds, as one line of text:
+//
+//     mark when nSine > 900        start, stop, beep or mark
+//     stop when nSine fails        > >= < <= = <> NUMBER, rises NUMBER, falls NUMBER,
+//     mark when byMode changes     changes, fails
+//
+// A comparison fires when it begins to hold, not again while it goes on to; "rises 900" asks for
+// a sample below and then one that is not. Failed samples are no values: nothing fires by them
+// but "fails". Pure state, fed with rows.
+#ifndef SAMPLER_TRIGGER_H
+#define SAMPLER_TRIGGER_H
+
+#include "sampler/sample_store.h"
+
+#include <string>
+#include <vector>
+
+enum TRG_Action { TRG_START, TRG_STOP, TRG_BEEP, TRG_MARK };
+
+struct TRG_Trigger {
+    TRG_Action action = TRG_MARK;
+    std::string item;  // by name: it is looked up in each row's items
+    int condition = 0; // row of the table in trigger.cpp
+    double level = 0;
+    std::string text; // as it was written
+
+    bool hasBefore = false; // of the last sample
+    bool heldBefore = false;
+    double before = 0;
+};
+constexpr size_t TRG_LINES_MAX = 16;
+
+// 0, or -1 with what is wrong in *problem.
+int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem);
+// True when it fires by this row. An item that is not among `items` never does.
+bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples);
+void TRG_Reset(TRG_Trigger *trigger); // sampling begins anew
+
+#endif
