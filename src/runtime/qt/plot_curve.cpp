@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int SAMPLES_A_PIXEL = 1;    // up to here a line is drawn from sample to sample
+constexpr int SAMPLES_A_PIXEL = 2;    // up to here a line is drawn from sample to sample
 constexpr double DOT_FROM_PIXELS = 8; // samples so far apart get a dot each
 constexpr double FAR_PIXELS = 1e6;    // the painter's arithmetic ends somewhere behind
 
@@ -109,8 +109,13 @@ void PlotCurve::drawColumns(QCPPainter *painter) const
         if (!(low <= high))
             continue;
         const double x = left + column.pixel;
-        strokes.append(QLineF(x, Near(mValueAxis->coordToPixel(low)), x,
-                              Near(mValueAxis->coordToPixel(high))));
+        const double foot = Near(mValueAxis->coordToPixel(low));
+        const double top = Near(mValueAxis->coordToPixel(high));
+        // A stroke without a length is not drawn: a level one takes the width of its column.
+        if (foot - top < 1)
+            strokes.append(QLineF(x - 1, foot, x, foot));
+        else
+            strokes.append(QLineF(x, foot, x, top));
     }
     painter->drawLines(strokes);
 }

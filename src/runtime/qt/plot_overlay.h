@@ -8,14 +8,15 @@
 
 #include "runtime/userint.h"
 
-class PlotWidget;
-
 class PlotOverlay : public QCPAbstractItem {
 public:
-    explicit PlotOverlay(PlotWidget *plot);
+    // What is drawn is looked up in `view` and `axes` whenever it is; they outlive the overlay.
+    PlotOverlay(QCustomPlot *plot, const UI_GraphView *view, const UI_GraphAxes *axes);
     double selectTest(const QPointF &pos, bool onlySelectable, QVariant *details) const override;
 
-    QRect rectangle; // pixels; null while none is drawn
+    QRect rectangle;                    // pixels; null while none is drawn
+    QString readout;                    // in the corner
+    const QCPAxis *levelAxis = nullptr; // of the level's pane; null: it is not in the picture
 
 protected:
     void draw(QCPPainter *painter) override;
@@ -25,7 +26,8 @@ private:
     void drawAcross(QCPPainter *painter, const UI_Mark &level) const;
     void drawTag(QCPPainter *painter, const QPointF &corner, const QString &text) const;
 
-    PlotWidget *m_plot;
+    const UI_GraphView *m_view;
+    const UI_GraphAxes *m_axes;
 };
 
 #endif

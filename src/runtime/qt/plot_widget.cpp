@@ -40,11 +40,15 @@ PlotWidget::PlotWidget(QWidget *parent) : QCustomPlot(parent)
     plotLayout()->take(first);
     plotLayout()->addElement(0, 0, m_rects);
     m_rects->addElement(0, 0, first);
-    plotLayout()->addElement(0, 1, legend);
+    auto *side = new QCPLayoutGrid;
+    side->addElement(0, 0, legend);
+    side->addElement(1, 0, new QCPLayoutElement(this)); // takes the height the legend leaves
+    side->setRowStretchFactor(0, 0.001);
+    plotLayout()->addElement(0, 1, side);
     plotLayout()->setColumnStretchFactor(1, 0.001);
     legend->setVisible(false);
     m_panes = {{0, xAxis, yAxis}};
-    m_overlay = new PlotOverlay(this);
+    m_overlay = new PlotOverlay(this, &m_view, &m_axes);
     usePalette();
     showView();
 }
@@ -243,11 +247,19 @@ void PlotWidget::showView()
         const UI_Limits &y = m_view.y[pane.number];
         pane.y->setRange(y.min, y.max);
     }
+    prepareOver();
     replot(rpQueuedReplot);
+}
+
+void PlotWidget::prepareOver()
+{
+    m_overlay->readout = readout();
+    m_overlay->levelAxis = valueAxis(m_view.level.pane);
 }
 
 void PlotWidget::drawOver()
 {
+    prepareOver();
     m_overlay->layer()->replot();
 }
 

@@ -66,6 +66,7 @@ private:
     void usePalette();
     void colorAxes();
     void showView();
+    void prepareOver();
     void drawOver();
     PlotCurve *curveOf(int handle) const;
     PlotCurve *nearestCurve(const QPoint &at) const;
