@@ -157,7 +157,7 @@ TEST_F(FlashCommands, TheConsoleProgramEndsWithTheTruth)
         {"a.hex --no-verify", 0, "Programming: 100 %", "10 bytes written, not read back"},
         {"cut.hex", 1, "cut.hex: line 1: the end record is missing", "cannot be programmed"},
         {"none.hex", 1, "The file cannot be read.", ""},
-        {"a.hex b.scr", 2, "excludes", ""}};
+        {"a.hex b.scr", 2, "exclude", ""}};
     for (const auto &c : cases) {
         const std::string line = "'" BINARY_DIR "/vireo2-console' --program " +
                                  std::string(c.arguments) + " >out 2>err </dev/null";

@@ -113,6 +113,7 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     options = newOptions;
     CPG_SetProgramOptions(newOptions);
     CPG_SetScopeOptions(newOptions);
+    CPG_SetCompareOptions(newOptions);
 }
 
 void CPG_RepeatMessage()
