@@ -14,10 +14,11 @@
 
 struct REC_Options {
     std::string path;
-    bool mayReplace = false;    // an existing file
-    uint64_t rotateBytes = 0;   // a new file when this one would grow beyond; 0: never
-    uint32_t rotateMinutes = 0; // or after so long
-    int periodMs = 0;           // for the head: 0 as fast as the line allows
+    bool mayReplace = false;        // an existing file
+    uint64_t rotateBytes = 0;       // a new file when this one would grow beyond; 0: never
+    uint32_t rotateMinutes = 0;     // or after so long
+    int periodMs = 0;               // for the head: 0 as fast as the line allows
+    int64_t (*utcMs)() = PLT_UtcMs; // the clock that can be set
 };
 
 struct REC_Recorder {
@@ -31,11 +32,14 @@ struct REC_Recorder {
     std::FILE *file = nullptr;
     std::vector<SMP_Item> items;
     std::vector<uint8_t> states; // of each item in the last row
-    int64_t originUs = 0;        // steady clock at the start: time 0
-    int64_t originUtcMs = 0;     // the same moment in UTC
-    int64_t fileUs = 0, flushedUs = 0, clockCheckedUs = 0, lastUs = 0;
-    int offsetMinutes = 0; // of local time against UTC, at the start
-    int64_t clockOffMs = 0;
+    int64_t originUs = 0;        // steady clock at time 0
+    int64_t originUtcMs = 0;     // the same moment by the system's clock, as it is set now
+    int64_t startUtcMs = 0;      // and as it was set then
+    int offsetMinutes = 0;       // of local time against UTC
+    int64_t fileUs = 0;          // when this file began
+    int64_t lastUs = 0;          // the last row
+    int64_t secondUtc = -1;      // whose text is in `secondText`
+    std::string secondText, zoneText;
     std::string buffer;
 };
 
