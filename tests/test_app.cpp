@@ -518,6 +518,21 @@ TEST_F(App, ExitAsksSavesAndQuits)
     EXPECT_TRUE(std::filesystem::exists("Vireo2.ini"));
 }
 
+// Nobody is asked then, and whoever started the program must hear of it.
+TEST_F(App, EndingBySignalWithAnUnsavedListIsNoSuccess)
+{
+    for (const int isChanged : {0, 1}) {
+        Forget();
+        ASSERT_EQ(0, Start());
+        IsDBGChange = isChanged;
+        HL_SetDriver([] { return ProcessSystemEvents(); });
+        VIEW_Event end;
+        end.kind = VIEW_EVENT_END;
+        ASSERT_TRUE(VIEW_Post(end));
+        EXPECT_EQ(isChanged, RunUserInterface());
+    }
+}
+
 TEST_F(App, LibraryFunctionsAreResolvedByName)
 {
     VR_DllFn table[] = {{"cos", nullptr}, {"sin", nullptr}, {"no_such_entry", nullptr}};

@@ -4,7 +4,10 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include "platform/system.h"
 #include "sim/sim.h"
@@ -115,6 +118,7 @@ TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
 {
     Write("s.scr", "station 2\nd 1000\nsave x, u1, 1, f\nstation 3\n");
     Write("t.scr", "station 2\n  station 99\nstation 3\n");
+    Write("g.scr", "getlog 'Faults', f\nzebra\n");
     const struct {
         std::string arguments, input;
         int code;
@@ -122,7 +126,11 @@ TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
     } cases[] = {{"", "station 2\n", 0, "OK!"},
                  {"", "station 99\nstation 2\n", 1, "OK!"},
                  {"", std::string(600, 'x') + "\n", 1, "was not run"},
-                 {"s.scr", "", 1, "2 lines were refused"},
+                 {"s.scr", "", 1, "\n2 lines were refused: they need the full command set.\n"},
+                 {"g.scr", "", 1,
+                  "\n1 lines were refused: they need the full command set.\n"
+                  "1 lines were refused: there is no such command.\n"},
+                 {"", "getlog 'Faults', f\n", 1, "unsupported command ('getlog 'Faults', f')"},
                  {"t.scr", "", 1, "t.scr, line 2: station 99"},
                  {"--full", "zebra\n", 1, "Unknown command."},
                  {"--full", "! s.scr\n", 1, "s.scr, line 2: d 1000"}};
@@ -131,6 +139,75 @@ TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
         EXPECT_EQ(c.code, outcome.code) << c.arguments << c.input << outcome.err;
         EXPECT_NE(std::string::npos, outcome.out.find(c.says)) << outcome.out;
     }
+}
+
+// What is taken without effect, or otherwise than typed, is said in one line.
+TEST_F(ConsoleProgram, TheCommandLineSaysWhatItTakesSilently)
+{
+    Write("a.scr", "station 2\n");
+    Write("b.scr", "station 3\n");
+    const struct {
+        const char *arguments, *says;
+    } cases[] = {{"-x -7 a.scr", "-x: has no effect. -7: ports are -1 to -4; port 1 is used.\n"},
+                 {"-b a.scr", "-b: no number; the baud rate is 0.\n"},
+                 {"-b96o0 a.scr", "-b96o0: no number; the baud rate is 96.\n"},
+                 {"-b-5 -s-1 a.scr", "-b-5: no number; the baud rate is 19200. "
+                                     "-s-1: no number; the station is 0.\n"},
+                 {"-s a.scr", "-s: no number; the station is 0.\n"},
+                 {"-s16 a.scr", "-s16: stations are 0 to 15.\n"},
+                 {"-12 -Cx a.scr", "-12: taken as -1. -Cx: taken as -C.\n"},
+                 {"a.scr b.scr -C", "b.scr: has no effect behind the script. "
+                                    "-C: has no effect behind the script.\n"},
+                 {"- a.scr", "-: has no effect.\n"},
+                 {"-1 -b9600 -s15 a.scr", ""}};
+    for (const auto &c : cases) {
+        const Outcome outcome = Run(c.arguments);
+        EXPECT_EQ(c.says, outcome.err) << c.arguments;
+        EXPECT_EQ(0, outcome.code) << c.arguments;
+    }
+    Write("Vireo2.ini", "t, MODBUS\n");
+    EXPECT_EQ("", Run("-s16 a.scr").err) << "a slave's address goes further";
+}
+
+TEST_F(ConsoleProgram, TypesAreOpenedRememberedOrNothingIsDone)
+{
+    StartTarget();
+    std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
+    const std::string line = "set DRV_stParams.fScale = -3\n";
+    EXPECT_NE(std::string::npos,
+              Run("--full --types demo.tmf", line).out.find("= -3 (f at 0x008230)"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("\ntm, demo.tmf\r\n"));
+    EXPECT_EQ(0, Run("--full", line).code) << "the settings know it now";
+    Write("a.scr", "set wGain = 3\n");
+    Write("bad.tmf", "## 1 VARS\nnonsense\n");
+    for (const char *arguments : {"--full --types=gone.tmf", "--full --types bad.tmf a.scr",
+                                  "--types gone.tmf --watch demo.dbg --sweeps 1"}) {
+        const Outcome outcome = Run(arguments, line);
+        EXPECT_EQ(1, outcome.code) << arguments;
+        EXPECT_EQ("", outcome.out) << arguments;
+        EXPECT_NE(std::string::npos, outcome.err.find("Could not open type map file "))
+            << arguments;
+    }
+    EXPECT_EQ(2, Run("--types").code);
+}
+
+TEST_F(ConsoleProgram, LinesWithoutAPortAndSettingsThatAreLostAreNoSuccess)
+{
+    StartTarget();
+    EXPECT_EQ(0, Run("", "write 1, 1, 9000H\n").code);
+    const int device = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
+    ASSERT_EQ(0, flock(device, LOCK_EX | LOCK_NB));
+    const Outcome busy = Run("", "write 1, 1, 9000H\n");
+    EXPECT_EQ(1, busy.code);
+    EXPECT_NE(std::string::npos, busy.out.find("another program")) << busy.out;
+    Write("w.dbg", "[9000], u1\n");
+    EXPECT_EQ(1, Run("--watch w.dbg --sweeps 1").code);
+    close(device);
+    std::filesystem::remove(folder / "Vireo2.ini");
+    std::filesystem::create_directory(folder / "Vireo2.ini");
+    const Outcome lost = Run("", "station 2\n");
+    EXPECT_EQ(1, lost.code);
+    EXPECT_NE(std::string::npos, lost.err.find("the settings will not be saved")) << lost.err;
 }
 
 // The descriptors' numbers must not be taken by the port or by a file either.

@@ -143,7 +143,8 @@ TEST_F(Monitor, CompletesCommandsScriptsAndNames)
         int start;
     } cases[] = {
         {"pro", "procesor", 0},
-        {"l", "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3read l3test l3verify "
+        {"l",
+         "language ldcmpldx ldx2vldx listvars load loadcsv loadcsvn l3erase l3read l3test l3verify "
          "l3write",
          0},
         {"!fi", "final.scr first.scr", 1},
@@ -189,11 +190,13 @@ TEST_F(Monitor, CancelledQuestionReportsThePort)
     ncom = 8;
     unsetenv("VIREO2_COM8");
     HL_PushAnswer(0);
-    EXPECT_EQ(Run("write 2, 1, 8100H"), "Error opening serial port: COM8.\n\n");
+    const std::string why = "Error opening serial port: COM8.\n\n" + UCM_PortName(8) +
+                            ": port is not available: no such device\n";
+    EXPECT_EQ(Run("write 2, 1, 8100H"), why);
     EXPECT_EQ(nASC_Opened, 0);
     // The TMS monitor does not ask, and can be left all the same.
     command = CMD_TMS;
-    EXPECT_EQ(Run("d 400"), "Error opening serial port: COM8.\n\n");
+    EXPECT_EQ(Run("d 400"), why);
     Type("x");
     EXPECT_EQ(command, CMD_C166);
 }

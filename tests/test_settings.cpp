@@ -212,7 +212,7 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
     const std::string kept = "r, AC166\nt, COM166\no+\nm, missing.m66\nd0, x, y ; z.dbg\n"
                              "b, 19200\np, 1\ns, 1\nCOM, WIN32\nm2, missing.map\ntm, missing.tmf\n";
     EXPECT_EQ(kept, Round(kept));
-    EXPECT_EQ("Map file 'missing.m66' cannot be opened. Watch list 'x' cannot be opened. "
+    EXPECT_EQ("Map file 'missing.m66' cannot be opened. Watch list 'x, y' cannot be opened. "
               "Map file 'missing.map' cannot be opened. "
               "Type map file 'missing.tmf' cannot be opened.",
               Message());

@@ -284,8 +284,8 @@ std::string LineText(int line)
            std::to_string(line) + ": ";
 }
 
-// A path may hold what otherwise ends it. The longest reading that names a file wins;
-// without one the line means what every line means.
+// A path may hold what otherwise ends it. The longest reading that names a file wins; a
+// file that is not there now, on a drive that is not plugged in, may have a comma as well.
 std::string ReadPath(const std::string &line)
 {
     const size_t comma = line.find(',');
@@ -294,11 +294,10 @@ std::string ReadPath(const std::string &line)
     const std::string rest = line.substr(comma + 1);
     const std::string whole = WRD_Trim(rest);
     const std::string noComment = WRD_Trim(rest.substr(0, rest.find(';')));
-    std::string path = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
-    if (IsFile(whole))
-        path = whole;
-    else if (IsFile(noComment))
-        path = noComment;
+    const std::string field = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
+    const std::string path = IsFile(whole)                         ? whole
+                             : !IsFile(noComment) && IsFile(field) ? field
+                                                                   : noComment;
     if (path.size() < PATH_MAX_CHARS)
         return path;
     problems.push_back(LineText(lineNumber) + "the path has more than " +

@@ -24,6 +24,7 @@ const char CPG_szUsage[] =
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
     "  --trace FILE        write every exchange with the target\n"
+    "  --types FILE        open a type map (.tmf)\n"
     "  --echo              the line echoes what is sent (two wires, Modbus)\n"
     "  --full              admit every console command\n"
     "  --make-archive OUT FILE...  pack project files into one archive\n"
@@ -98,6 +99,7 @@ const LongOption LONG_OPTIONS[] = {
     {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
+    {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };

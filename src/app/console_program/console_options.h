@@ -22,6 +22,7 @@ struct CPG_Options {
     std::string programFile; // HEX file to program into the target's flash, "" = none
     bool isNoErase = false;
     bool isNoVerify = false;
+    std::string typesFile; // type map to open, "" = none but the settings'
     std::string traceFile;
     std::string scopeFile; // settings of a scope recording, "" = none
     std::string csvFile;   // where it goes; "-" = standard output

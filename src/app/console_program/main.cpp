@@ -24,8 +24,16 @@ constexpr int EXIT_WRONG_OPTION = 2;
 
 int Drive()
 {
-    CPG_RepeatMessage(); // what the settings could not have
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
+}
+
+int (*job)() = Drive;
+
+// Nothing is done with types that are not the ones asked for.
+int DriveJob()
+{
+    CPG_RepeatMessage(); // what the settings could not have
+    return VR_isTypesFailed ? 1 : job();
 }
 
 // A person's answer to a question, from the terminal.
@@ -59,10 +67,12 @@ int Run(const CPG_Options &options, int argc, char **argv)
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     const bool isScope = !options.scopeFile.empty();
-    HL_SetDriver(isWatch                        ? CPG_RunWatch
-                 : isScope                      ? CPG_RunScope
-                 : !options.programFile.empty() ? CPG_RunProgram
-                                                : Drive);
+    VR_szTypesOption = options.typesFile;
+    job = isWatch                        ? CPG_RunWatch
+          : isScope                      ? CPG_RunScope
+          : !options.programFile.empty() ? CPG_RunProgram
+                                         : Drive;
+    HL_SetDriver(DriveJob);
     if (isWatch || isScope)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VIEW_Main(argc, argv, VR_Main);

@@ -42,6 +42,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_DlldTst, "dlldtst", {INT16}},
     {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
     {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
+    {SCR_Set, "set", {PAR_EXTERN}},         // [(type)] [station:]name [= value]
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},
@@ -49,6 +50,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Station, "station", {BYTE}},
     {SCR_Procesor, "procesor", {COUNT}},
     {SCR_ListVars, "listvars", {TEXT}},
+    {SCR_TypeMap, "tm", {PAR_EXTERN}}, // [file]
     {nullptr, "ldx2vldx", {PATH, PATH, PATH}},
     {nullptr, "ldcmpldx", {PATH}},
     {nullptr, "mkcmpvldx", {PATH, PATH}},

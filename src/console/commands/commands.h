@@ -8,6 +8,7 @@
 // Single values.
 int SCR_Write(ScrPar *par);
 int SCR_WriteNA(ScrPar *par);
+int SCR_Set(ScrPar *par); // the whole line
 // Arrays as text.
 int SCR_Save(ScrPar *par);
 int SCR_Load(ScrPar *par);
@@ -37,6 +38,7 @@ int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
 int SCR_Procesor(ScrPar *par);
 int SCR_ListVars(ScrPar *par);
+int SCR_TypeMap(ScrPar *par); // the whole line
 int SCR_Language(ScrPar *par);
 int SCR_Exit(ScrPar *par);
 int SCR_ComPar(ScrPar *par);
