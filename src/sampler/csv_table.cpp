@@ -30,6 +30,14 @@ std::string Lower(std::string text)
     return text;
 }
 
+std::string NameOf(CVT_Piece cell)
+{
+    std::string name(cell.begin, cell.end);
+    for (size_t at = 0; (at = name.find("\"\"", at)) != std::string::npos; ++at)
+        name.erase(at, 1);
+    return name;
+}
+
 // "Time [ms]", "time(ms)", "t_ms" and "t/ms" are a name and a unit.
 void SplitUnit(const std::string &column, std::string *name, std::string *unit)
 {
@@ -247,7 +255,7 @@ int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std:
     bool isRow = true; // nothing but numbers and times: there are no names
     for (const CVT_Piece &cell : cells) {
         const CVT_Piece bare = Trimmed(cell);
-        table->names.push_back(std::string(bare.begin, bare.end));
+        table->names.push_back(NameOf(bare));
         isRow = isRow && (!std::isnan(CVT_Number(bare)) || !std::isnan(ClockSeconds(bare)) ||
                           !std::isnan(DateTimeSeconds(bare)));
     }

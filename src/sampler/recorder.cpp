@@ -223,6 +223,7 @@ int CreateFile(REC_Recorder *recorder, const std::string &path, bool mayReplace,
     recorder->isOpen = true;
     recorder->fileUs = nowUs;
     recorder->bytes = 0;
+    recorder->isAllFailed = false;
     recorder->states.assign(recorder->items.size(), SMP_GOOD);
     recorder->buffer = Head(*recorder);
     ++recorder->files;
@@ -324,7 +325,8 @@ int REC_Open(REC_Recorder *recorder, const REC_Options &options, const std::vect
     recorder->originUtcMs = recorder->startUtcMs = options.utcMs();
     recorder->offsetMinutes = ZoneMinutes(recorder->startUtcMs);
     recorder->zoneText = ZoneText(recorder->offsetMinutes);
-    const std::string path = IsRotating(options) ? StampedPath(*recorder, nowUs) : options.path;
+    const std::string path =
+        IsRotating(options) || options.isStamped ? StampedPath(*recorder, nowUs) : options.path;
     return CreateFile(recorder, path, options.mayReplace, nowUs);
 }
 
@@ -339,6 +341,12 @@ int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples
     result = NoteFailures(recorder, timeUs, samples, store);
     if (result != 0)
         return result;
+    const bool wasAllFailed = recorder->isAllFailed;
+    recorder->isAllFailed =
+        std::all_of(samples, samples + recorder->items.size(),
+                    [](const SMP_Sample &sample) { return sample.state != SMP_GOOD; });
+    if (recorder->isAllFailed && wasAllFailed)
+        return 0;
     std::string &buffer = recorder->buffer;
     const size_t before = buffer.size();
     AppendSeconds(&buffer, timeUs - recorder->originUs);
@@ -351,7 +359,6 @@ int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples
     }
     buffer += "\r\n";
     ++recorder->rows;
-    recorder->lastUs = timeUs;
     return AddText(recorder, before);
 }
 

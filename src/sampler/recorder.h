@@ -15,6 +15,7 @@
 struct REC_Options {
     std::string path;
     bool mayReplace = false;        // an existing file
+    bool isStamped = false;         // a time stamp in the name of the first file, too
     uint64_t rotateBytes = 0;       // a new file when this one would grow beyond; 0: never
     uint32_t rotateMinutes = 0;     // or after so long
     int periodMs = 0;               // for the head: 0 as fast as the line allows
@@ -37,7 +38,7 @@ struct REC_Recorder {
     int64_t startUtcMs = 0;      // and as it was set then
     int offsetMinutes = 0;       // of local time against UTC
     int64_t fileUs = 0;          // when this file began
-    int64_t lastUs = 0;          // the last row
+    bool isAllFailed = false;    // the last row had no value at all
     int64_t secondUtc = -1;      // whose text is in `secondText`
     std::string secondText, zoneText;
     std::string buffer;
@@ -53,7 +54,8 @@ enum {
 int REC_Open(REC_Recorder *recorder, const REC_Options &options, const std::vector<SMP_Item> &items,
              int64_t nowUs);
 // One row, in the order of the items; samples that failed are empty cells, and the first of
-// them is preceded by a line with the reason. 0 or REC_ERR_WRITE; nothing when it is not open.
+// them is preceded by a line with the reason. Of rows without any value the first is written. 0 or
+// REC_ERR_WRITE; nothing when it is not open.
 int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples,
                const SMP_Store &store);
 // A line "; TIME, kind, text" between the rows: a gap, a marker, a trigger. 0 or REC_ERR_WRITE.

@@ -23,12 +23,17 @@ constexpr double NIGHT_S = DAY_S / 2; // a clock that goes back further has pass
 constexpr int64_t PROGRESS_BYTES = 4 << 20;
 constexpr double TIME_MAX_S = 1e15; // beyond that a double has no seconds
 
+// A clock without a date begins anew at midnight: where it stood, and the days before.
+struct Clock {
+    double last = NOT_A_NUMBER, dayOffset = 0;
+};
+
 // Going through a file once, or through a part of it.
 struct Pass {
     bool hasTable = false, hasForm = false;
     std::vector<CVT_Piece> cells;
     std::vector<double> values; // of the row, a number a column
-    double lastTime = NOT_A_NUMBER, dayOffset = 0;
+    Clock clock;
 };
 
 std::string TextOf(const LBK_Line &line)
@@ -132,14 +137,14 @@ bool ReadRow(const LBK_Line &line, const RDR_Recording &recording, Pass *pass, d
     return true;
 }
 
-// Seconds as they are shown. A clock without a date begins anew at midnight.
-double ShownTime(const RDR_Recording &recording, double time, Pass *pass)
+// Seconds as they are shown.
+double ShownTime(const RDR_Recording &recording, double time, Clock *clock)
 {
     if (recording.table.form == CVT_CLOCK) {
-        if (time + pass->dayOffset < pass->lastTime - NIGHT_S)
-            pass->dayOffset += DAY_S;
-        time += pass->dayOffset;
-        pass->lastTime = time;
+        if (time + clock->dayOffset < clock->last - NIGHT_S)
+            clock->dayOffset += DAY_S;
+        time += clock->dayOffset;
+        clock->last = time;
     }
     return time - recording.origin;
 }
@@ -193,7 +198,7 @@ size_t StretchesMax(size_t columns)
 }
 
 void AddRow(RDR_Recording *recording, int64_t offset, double time,
-            const std::vector<double> &values)
+            const std::vector<double> &values, const Clock &before)
 {
     const size_t columns = recording->columns.size();
     std::vector<RDR_Stretch> &stretches = recording->stretches;
@@ -201,7 +206,7 @@ void AddRow(RDR_Recording *recording, int64_t offset, double time,
         if (stretches.size() >= StretchesMax(columns))
             HalvePicture(recording);
         if (stretches.empty() || stretches.back().rows >= recording->rowsPerStretch) {
-            stretches.push_back({offset, 0, time, time});
+            stretches.push_back({offset, 0, time, time, before.dayOffset, before.last});
             recording->least.insert(recording->least.end(), columns, NO_FLOAT);
             recording->greatest.insert(recording->greatest.end(), columns, NO_FLOAT);
         }
@@ -239,7 +244,8 @@ void AddLine(const LBK_Line &line, Pass *pass, RDR_Recording *recording)
         if (recording->start.empty())
             recording->start = WRD_Visible(std::string(cell.begin, cell.end));
     }
-    AddRow(recording, line.offset, ShownTime(*recording, time, pass), pass->values);
+    const Clock before = pass->clock;
+    AddRow(recording, line.offset, ShownTime(*recording, time, &pass->clock), pass->values, before);
 }
 
 int GoThrough(std::FILE *file, int64_t size, RDR_Recording *recording, std::string *problem,
@@ -367,9 +373,7 @@ int CopyRows(std::FILE *file, const RDR_Recording &recording, size_t first, size
     Pass pass;
     if (!LBK_Start(&reader, file, begin))
         return RDR_ERR_OPEN;
-    // A clock's midnights lie between the start and this place.
-    pass.lastTime = recording.stretches[first].timeMin + recording.origin;
-    pass.dayOffset = std::floor(pass.lastTime / DAY_S) * DAY_S;
+    pass.clock = {recording.stretches[first].clockBefore, recording.stretches[first].dayOffset};
     std::vector<double> values(curves->columns->size());
     int64_t told = begin;
     while (LBK_Next(&reader, RDR_LINE_MAX, &line) && line.offset < end) {
@@ -382,7 +386,7 @@ int CopyRows(std::FILE *file, const RDR_Recording &recording, size_t first, size
         if (IsComment(line) || line.isTooLong || IsCutRow(line, recording) ||
             !ReadRow(line, recording, &pass, &time))
             continue;
-        time = ShownTime(recording, time, &pass);
+        time = ShownTime(recording, time, &pass.clock);
         for (size_t i = 0; i < values.size(); ++i)
             values[i] = pass.values[(*curves->columns)[i]];
         if (curves->rowsPerPair == 0)

@@ -29,6 +29,7 @@ struct RDR_Stretch {
     int64_t offset = 0; // of its first row, in bytes
     uint64_t rows = 0;
     double timeMin = 0, timeMax = 0;
+    double dayOffset = 0, clockBefore = 0; // of a clock without a date, in front of it
 };
 constexpr size_t RDR_STRETCHES_MAX = 65536;
 

@@ -68,7 +68,8 @@ int Run(const CPG_Options &options, int argc, char **argv)
     const bool isWatch = !options.watchFile.empty();
     const bool isScope = !options.scopeFile.empty();
     VR_szTypesOption = options.typesFile;
-    job = isWatch                        ? CPG_RunWatch
+    job = !options.recordFile.empty()    ? CPG_RunRecord
+          : isWatch                      ? CPG_RunWatch
           : isScope                      ? CPG_RunScope
           : !options.programFile.empty() ? CPG_RunProgram
                                          : Drive;
