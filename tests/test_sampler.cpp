@@ -22,7 +22,7 @@ struct FakeLine {
     int proof = UCM_PROVEN;
     uint32_t doubts = 0;
     int proofs = 0;
-    SMP_Cause cause = SMP_OTHER;
+    UCM_Cause cause = UCM_CAUSE_OTHER;
 };
 FakeLine wire;
 
@@ -32,7 +32,7 @@ int FakeRead(int station, uint32_t address, uint32_t count, void *buffer)
     wire.asked.push_back(address);
     const bool isSilent = wire.silent.count(station) != 0;
     wire.nowUs += isSilent ? 1600000 : wire.exchangeUs;
-    wire.cause = isSilent ? SMP_SILENT : SMP_REFUSED;
+    wire.cause = isSilent ? UCM_CAUSE_SILENT : UCM_CAUSE_REFUSED;
     if (isSilent || (address <= wire.refused.last && address + count > wire.refused.first))
         return -1;
     for (uint32_t i = 0; i < count; ++i)

@@ -32,36 +32,18 @@ const char FIRST_OF_RATE[] = "a rate needs two values";
 const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
 const char NO_PROOF[] = "no answer to the proof that the line is in step";
 
-// Reading a register can act (a receive buffer is emptied, a flag cleared): these are read
-// when they are asked for and never because they lie between others. Byte addresses.
-struct RegisterRow {
-    bool isWordAddressing;
-    GRP_Range range;
-};
-const RegisterRow REGISTER_ROWS[] = {
-    {false, {0xEF00, 0xF1FF}}, // CAN, extended registers
-    {false, {0xFE00, 0xFFFF}}, // registers
-    {true, {0x1000, 0x3FFF}},  // peripheral frame 0
-    {true, {0xA000, 0xFFFF}},  // peripheral frames 1 to 3
-};
-
 // --- the line as it is --------------------------------------------------------------------
 std::string lastFailure;
-SMP_Cause lastCause = SMP_OTHER;
+UCM_Cause lastCause = UCM_CAUSE_OTHER;
 
-// Whether the answer failed to come or came wrong, the links' counts tell. Otherwise the
-// port is gone, or somebody broke off.
 template <typename Read> int ReadNoting(Read read, std::string (*reason)(int result))
 {
-    UCM_Statistics before, after;
+    UCM_Statistics before;
     UCM_GetStatistics(&before);
     const int result = read();
     if (result < 0) {
-        UCM_GetStatistics(&after);
         lastFailure = reason(result);
-        lastCause = after.damaged != before.damaged     ? SMP_REFUSED
-                    : after.timeouts != before.timeouts ? SMP_SILENT
-                                                        : SMP_OTHER;
+        lastCause = UCM_CauseSince(before);
     }
     return result;
 }
@@ -108,12 +90,6 @@ void MakePlan(SMP_Sampler *sampler)
     sampler->processor = Procesor;
     sampler->next = 0;
     sampler->plan.clear();
-    const bool isWordAddressing = IsWordAddressing(Procesor);
-    GRP_Rules rules;
-    rules.align = isWordAddressing ? 2 : 1;
-    for (const RegisterRow &row : REGISTER_ROWS)
-        if (row.isWordAddressing == isWordAddressing)
-            rules.noGaps.push_back(row.range);
     std::vector<GRP_Item> together;
     std::vector<size_t> indices;
     const std::vector<SMP_Item> &items = sampler->store.items;
@@ -128,7 +104,8 @@ void MakePlan(SMP_Sampler *sampler)
         together.push_back({items[i].station, items[i].address, size});
         indices.push_back(i);
     }
-    for (GRP_Block &block : GRP_Plan(together, GRP_ReadWire(VR_nProtocol), rules)) {
+    for (GRP_Block &block :
+         GRP_Plan(together, GRP_ReadWire(VR_nProtocol), GRP_ReadRules(Procesor))) {
         for (size_t &item : block.items)
             item = indices[item];
         sampler->plan.push_back(std::move(block));
@@ -178,7 +155,7 @@ void NoteAnswer(SMP_Sampler *sampler, SMP_Station *station)
 void NoteSilence(SMP_Sampler *sampler, SMP_Station *station, uint64_t nowUs, uint64_t costUs)
 {
     station->reason = sampler->line.failure();
-    const bool isSilence = sampler->line.cause() == SMP_SILENT;
+    const bool isSilence = sampler->line.cause() == UCM_CAUSE_SILENT;
     station->askAgainUs =
         nowUs + (isSilence ? std::max(SILENCE_MIN_US, SILENCE_FACTOR * costUs) : NO_LINE_US);
     if (!station->isSilent)
@@ -344,7 +321,7 @@ void ReadBlock(SMP_Sampler *sampler)
     const int result = Ask(sampler, block, bytes.data());
     const uint64_t endUs = sampler->line.nowUs();
     const int64_t middleUs = static_cast<int64_t>((beginUs + endUs) / 2);
-    const bool isRefused = result < 0 && sampler->line.cause() == SMP_REFUSED;
+    const bool isRefused = result < 0 && sampler->line.cause() == UCM_CAUSE_REFUSED;
     if (result < 0 && !isRefused)
         NoteSilence(sampler, station, endUs, endUs - beginUs);
     else

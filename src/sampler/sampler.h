@@ -12,6 +12,7 @@
 #define SAMPLER_SAMPLER_H
 
 #include "comm/grouping.h"
+#include "comm/ucm.h"
 #include "sampler/sample_store.h"
 
 #include <cstdint>
@@ -23,11 +24,6 @@ constexpr int SMP_FAST = 0; // period: as fast as the line allows
 constexpr int SMP_PERIOD_MAX_MS = 24 * 3600 * 1000;
 constexpr int64_t SMP_IDLE = -1; // result of SMP_Step: not running
 
-enum SMP_Cause {
-    SMP_SILENT,  // nobody answered
-    SMP_REFUSED, // an answer came, but no good one
-    SMP_OTHER    // the port is closed or gone, or somebody broke off
-};
 // How the line is reached. Tests and benches fill in their own.
 struct SMP_Line {
     int (*read)(int station, uint32_t address, uint32_t count, void *buffer); // as UCM_Read
@@ -35,7 +31,7 @@ struct SMP_Line {
     int (*prove)();                                                 // as UCM_Prove
     uint32_t (*doubts)();                                           // as UCM_CountDoubts
     std::string (*failure)(); // why the last read or proof failed
-    SMP_Cause (*cause)();     // of the last read that failed
+    UCM_Cause (*cause)();     // of the last read that failed
     uint64_t (*nowUs)();      // a steady clock
 };
 extern const SMP_Line SMP_LINE; // the unified layer and the system's clock

@@ -33,6 +33,8 @@ const char CPG_szUsage[] =
     "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
+    "  --compare HEADER FILE  compare the target with a data file: ends with 0 when it\n"
+    "                      holds the file, 1 with the differences, 2 when it cannot tell\n"
     "  --trace FILE        write every exchange with the target\n"
     "  --types FILE        open a type map (.tmf)\n"
     "  --echo              the line echoes what is sent (two wires, Modbus)\n"
@@ -143,6 +145,8 @@ const LongOption LONG_OPTIONS[] = {
     {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
+    {"compare", true,
+     [](CPG_Options *o, const char *v) { return !(o->compareHeader = v).empty(); }},
     {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
     {"record", true, [](CPG_Options *o, const char *v) { return !(o->recordFile = v).empty(); }},
     {"period", true, ApplyPeriod},
@@ -220,6 +224,10 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--scope and --csv go together";
     else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
         *message = "--scope goes without a script and without --watch";
+    else if (!options.compareHeader.empty() &&
+             (options.compareFile.empty() || rest > 0 || !options.watchFile.empty() ||
+              !options.scopeFile.empty() || !options.programFile.empty()))
+        *message = "--compare needs a header and a data file and nothing else to do";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else
@@ -246,6 +254,9 @@ int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *
                 return -1;
         } else if (!options->archive.empty()) {
             options->archiveFiles.push_back(argv[i]);
+        } else if (!options->compareHeader.empty() && options->compareFile.empty() &&
+                   argv[i][0] != '-') {
+            options->compareFile = argv[i];
         } else {
             argv[kept++] = argv[i];
         }

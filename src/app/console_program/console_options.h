@@ -36,6 +36,8 @@ struct CPG_Options {
     uint64_t rotateBytes = 0;
     uint32_t rotateMinutes = 0;
     std::vector<std::string> triggers;
+    std::string compareHeader; // set to compare the target with compareFile, "" = none
+    std::string compareFile;
     std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };

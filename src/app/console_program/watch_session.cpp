@@ -93,6 +93,7 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     CPG_SetProgramOptions(newOptions);
     CPG_SetScopeOptions(newOptions);
     CPG_SetRecordOptions(newOptions);
+    CPG_SetCompareOptions(newOptions);
 }
 
 void CPG_CatchInterrupts()
