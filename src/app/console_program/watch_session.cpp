@@ -1,4 +1,5 @@
 // The live watch list for other programs: reads every item, prints a table, again.
+#include <csignal>
 #include <cstdio>
 
 #include "app/console_program/sessions.h"
@@ -16,21 +17,14 @@
 namespace {
 
 CPG_Options options;
+volatile std::sig_atomic_t isInterrupted = 0;
 
-bool LoadList()
+// For a job that must come to its own end while the link is open. A second signal ends the
+// program even where it waits for a reader of its output.
+void OnSignal(int signal)
 {
-    if (dat2litems(options.watchFile.c_str()) < 0) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    if (nLItems == 0) {
-        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    szDebugFileName = options.watchFile;
-    VR_FillDebugItems();
-    SetMainPanelAttributes();
-    return true;
+    isInterrupted = 1;
+    std::signal(signal, SIG_DFL);
 }
 
 // False when it could not be written, which is reported at the end.
@@ -100,7 +94,35 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     options = newOptions;
     CPG_SetProgramOptions(newOptions);
     CPG_SetScopeOptions(newOptions);
+    CPG_SetRecordOptions(newOptions);
     CPG_SetCompareOptions(newOptions);
+}
+
+void CPG_CatchInterrupts()
+{
+    std::signal(SIGINT, OnSignal);
+    std::signal(SIGTERM, OnSignal);
+}
+
+bool CPG_IsInterrupted()
+{
+    return isInterrupted != 0;
+}
+
+bool CPG_LoadWatchList()
+{
+    if (dat2litems(options.watchFile.c_str()) < 0) {
+        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    if (nLItems == 0) {
+        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    szDebugFileName = options.watchFile;
+    VR_FillDebugItems();
+    SetMainPanelAttributes();
+    return true;
 }
 
 void CPG_RepeatMessage()
@@ -116,7 +138,7 @@ void CPG_RepeatMessage()
 
 int CPG_RunWatch()
 {
-    if (!LoadList())
+    if (!CPG_LoadWatchList())
         return 1;
     VIR2_StartPeriodicASC();
     if (isTimer == 0)
