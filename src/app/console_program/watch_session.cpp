@@ -1,5 +1,4 @@
 // The live watch list for other programs: reads every item, prints a table, again.
-#include <csignal>
 #include <cstdio>
 
 #include "app/console_program/sessions.h"
@@ -17,15 +16,6 @@
 namespace {
 
 CPG_Options options;
-volatile std::sig_atomic_t isInterrupted = 0;
-
-// For a job that must come to its own end while the link is open. A second signal ends the
-// program even where it waits for a reader of its output.
-void OnSignal(int signal)
-{
-    isInterrupted = 1;
-    std::signal(signal, SIG_DFL);
-}
 
 // False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
@@ -96,17 +86,6 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     CPG_SetScopeOptions(newOptions);
     CPG_SetRecordOptions(newOptions);
     CPG_SetCompareOptions(newOptions);
-}
-
-void CPG_CatchInterrupts()
-{
-    std::signal(SIGINT, OnSignal);
-    std::signal(SIGTERM, OnSignal);
-}
-
-bool CPG_IsInterrupted()
-{
-    return isInterrupted != 0;
 }
 
 bool CPG_LoadWatchList()
