@@ -23,7 +23,7 @@ struct VL_Schedule {
     double foreign = 0;         // a sound answer of another station before this one
     double stall = 0;           // the partner stands still for up to ten time-outs
     double refuse = 0;          // the partner answers with an error code
-    bool isSerial = false; // the delay begins when the answer before has gone
+    bool isSerial = false;      // the delay begins when the answer before has gone
     bool isEcho = false;
     bool isZeroRefused = false; // reads of address 0 are refused
     uint32_t stations = 0xFFFF; // bit n: station n answers
