@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/tms_float.h"
 
@@ -102,10 +103,7 @@ std::string PRS_Normal(const std::string &text)
     std::string result;
     for (const char c : text)
         result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const size_t begin = result.find_first_not_of(" \t");
-    if (begin == std::string::npos)
-        return "";
-    return result.substr(begin, result.find_last_not_of(" \t") - begin + 1);
+    return WRD_Trim(result);
 }
 
 int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)

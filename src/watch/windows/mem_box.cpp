@@ -115,11 +115,7 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
         const int offset = row * ROW_BYTES;
         AppendFormat(&text, "\n%08lx(%+3i): ",
                      static_cast<unsigned long>(address + static_cast<uint32_t>(offset)), offset);
-        for (int i = 0; i < ROW_BYTES; ++i)
-            AppendFormat(&text, " %02X", bytes[i]);
-        text += "  ";
-        for (int i = 0; i < ROW_BYTES; ++i)
-            text += bytes[i] >= 0x20 && bytes[i] < 0x7F ? static_cast<char>(bytes[i]) : '.';
+        text += " " + BYT_Hex(bytes, ROW_BYTES) + "  " + BYT_Plain(bytes, ROW_BYTES);
     }
     return text;
 }
