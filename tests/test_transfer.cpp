@@ -149,8 +149,8 @@ TEST_F(Transfer, GoodListsLoad)
     WriteFileText("f", " +1 \r\n-2\r\n3\r\n4\r\n\r\n");
     Run("loadcsv 9000H, i2, 3, f");
     EXPECT_EQ(Peek(0x9000, 8), (std::vector<uint8_t>{1, 0, 0xFE, 0xFF, 3, 0, 0, 0}));
-    WriteFileText("f", "2\n 1.5\n-25e-1 ");
-    Run("loadcsvn 9100H, f4, 8, 1, f");
+    WriteFileText("f", "2\n 1.5\n-25e-1 "); // as few as are allowed
+    Run("loadcsvn 9100H, f4, 8, 2, f");
     EXPECT_EQ(Peek(0x9100, 8), (std::vector<uint8_t>{0, 0, 0xC0, 0x3F, 0, 0, 0x20, 0xC0}));
     // Names with indexes of their own, as a quoted name leaves them in a header.
     WriteFileText("f", "Ulozeni pole: 'rec[2].a[1]', typ: U1.\r\n9\r\n");
@@ -315,6 +315,30 @@ TEST_F(Transfer, NamesElsewhereAreRefused)
     for (const char *name : bad)
         EXPECT_EQ(Run(std::string("write 1, 5, ") + name).find("ERROR - write: Neplatne"), 0u);
     EXPECT_EQ(Peek(0x8140, 1)[0], 0);
+}
+
+// The last byte of a target's memory is a byte like any other; there is none behind it.
+TEST_F(Transfer, EndsWithTheLastByte)
+{
+    WriteFileText("two.csv", "1\n2\n");
+    WriteFileText("two.bin", "ab");
+    const struct {
+        std::string before, behind;
+        const char *fits, *tooFar;
+    } cases[] = {{"save ", ", u2, 2, f", "0FFFFFCH", "0FFFFFDH"},
+                 {"dump ", ", i1, 3", "0FFFFFDH", "0FFFFFEH"},
+                 {"loadcsv ", ", u4, 2, two.csv", "0FFFFF8H", "0FFFFF9H"},
+                 {"binsave ", ", 1, f", "0FFFFFFH", "1000000H"},
+                 {"xsave ", ", 2, f", "0FFFFFEH", "0FFFFFFH"},
+                 {"binload ", ", 2, two.bin", "0FFFFFEH", "0FFFFFFH"},
+                 {"write 4, 1, ", "", "0FFFFFCH", "0FFFFFDH"},
+                 {"set (u2) $", " = 1", "FFFFFE", "FFFFFF"}};
+    for (const auto &c : cases) {
+        EXPECT_NE(Run(c.before + c.fits + c.behind).find("-> OK!"), std::string::npos) << c.before;
+        const uint64_t asked = SIM_GetCounters(target).requests;
+        EXPECT_EQ(Run(c.before + c.tooFar + c.behind).find("ERROR - "), 0u) << c.before;
+        EXPECT_EQ(SIM_GetCounters(target).requests, asked) << c.before;
+    }
 }
 
 } // namespace

@@ -196,7 +196,7 @@ bool Upload()
     progressBox = 0;
     if (result < 0)
         return false;
-    const SCP_Capture fresh = SCP_MakeCapture(setup);
+    const SCP_Capture fresh = SCP_MakeCapture(SCP_GetRunSetup());
     if (fresh.traces.empty()) {
         ShowStatus("No channel is on.");
         return false;
@@ -340,7 +340,6 @@ void DTSC_Opened()
 {
     SetCtrlCompletion(PANEL_SCOPE, SCOPE_PLACE, NCM_CompleteCB);
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_TIMER, ATTR_INTERVAL, LOOK_PERIOD_S);
-    SetGraphAxes(PANEL_SCOPE, SCOPE_GRAPH, {"time [s], 0 = trigger", ""});
     IsFound();
     ShowSetup();
     SCW_ShowCurves(setup, capture, reference);
@@ -529,6 +528,15 @@ int DTSC_FileCB(int, int control, int event, int)
         OpenData(&reference);
         break;
     }
+    return 0;
+}
+
+int DTSC_ShownCB(int, int control, int event, int)
+{
+    if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
+        return 0;
+    SCW_ChooseSpectrum(IntOf(control));
+    SCW_ShowCurves(setup, capture, reference);
     return 0;
 }
 
