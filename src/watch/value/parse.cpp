@@ -34,7 +34,7 @@ int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
 }
 
 // Takes the mark of the base off; the base.
-int TakeBase(std::string *text, int plainBase)
+int CutBaseMark(std::string *text, int plainBase)
 {
     if (text->rfind("0x", 0) == 0) {
         text->erase(0, 2);
@@ -58,7 +58,7 @@ int ParseNumber(std::string text, int plainBase, Number *number)
         number->isNegative = text[0] == '-';
         text.erase(0, 1);
     }
-    const int base = TakeBase(&text, plainBase);
+    const int base = CutBaseMark(&text, plainBase);
     number->isPattern = base != 10;
     return DigitsToAmount(text, base, &number->amount);
 }

@@ -186,7 +186,7 @@ std::string WordsText(uint32_t address, const uint32_t *words)
     return text;
 }
 
-void TakeItemType(int index)
+void UseItemType(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
@@ -198,7 +198,7 @@ void TakeItemType(int index)
 
 int ReadMemory(uint32_t address, int index)
 {
-    TakeItemType(index);
+    UseItemType(index);
     if (index < 0 || index >= nLItems || !LIT_IsTMS(aLItems[index]))
         return read166Memory(address) == 0 ? 0 : -1;
     SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
@@ -263,7 +263,7 @@ void MBX_Update(int selected)
         SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
         readTMSMemory(place.address);
     } else {
-        TakeItemType(selected);
+        UseItemType(selected);
         read166Memory(place.address);
     }
     typedStation = -1;
