@@ -261,16 +261,6 @@ TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
     EXPECT_EQ(INI_GetRangeProblem(), Message());
 }
 
-TEST_F(Settings, WithoutAFileTheRegistersAreKnown)
-{
-    Procesor = CPU_C167;
-    EXPECT_EQ(-2, OpenIniFile(mainPanel));
-    EXPECT_EQ(0xFF12u, inStruct("SYSCON", aVarNode166, nNodes166));
-    EXPECT_EQ("", Message());
-    EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ("r, AC167\n", Saved().substr(0, 9));
-}
-
 // What could not be read is not written over, and what says the same already is not written.
 TEST_F(Settings, SavingTouchesNoFileItDoesNotKnow)
 {

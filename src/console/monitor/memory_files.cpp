@@ -22,6 +22,7 @@
 #include "settings/settings.h"
 #include "text/bytes.h"
 #include "text/txfr.h"
+#include "text/words.h"
 #include "watch/value/tms_float.h"
 
 namespace {
@@ -266,7 +267,7 @@ int LoadFile(const MemoryFileRequest &request, const Sink &sink)
 bool ParseFileName(const char **cursor, std::string *fileName)
 {
     const size_t length = std::strcspn(*cursor, ",");
-    *fileName = CON_Trim(std::string(*cursor, length));
+    *fileName = WRD_Trim(std::string(*cursor, length));
     *cursor += length;
     return !fileName->empty();
 }
