@@ -150,6 +150,10 @@ TEST_F(SetCommand, ReachesBothKindsOfTms320)
     EXPECT_EQ(SIM_PeekTMS(target, 2, 0x401), 0xFFFFFFF9u) << "whole words";
     EXPECT_EQ(SIM_PeekTMS(target, 1, 0x401), 0u);
     EXPECT_EQ(STATION, 1);
+    WriteFileText("set.m28xt", "0000C002   _nSpeed\n0000C004   _fTorque\n0000C010   _abyText\n");
+    Run("mt set.m28xt");
+    EXPECT_EQ(szMapFileName, "set.m66") << "the one beside it is not the map to load again";
+    EXPECT_EQ(Run("set 2:&fTorque = 2").find("2:&fTorque = 2 (f at TMS320 word 0x00C004, st"), 0u);
 
     ChangeProtocol();
     for (const int processor : {CPU_F283XX, CPU_F2803X}) {
@@ -185,6 +189,11 @@ TEST_F(SetCommand, SaysWhatTheTargetMadeOfIt)
     UCM_recS.tries = 0;
     SIM_SetErrorCode(target, 8, 65);
     EXPECT_NE(Run("set wCount = 7").find("not written: target error code 65"), std::string::npos);
+    SIM_SetErrorCode(target, 8, 0);
+    SIM_SetErrorCode(target, 0, 66);
+    EXPECT_NE(Run("set wCount = 7").find("Written, but the target's value could not be read: "),
+              std::string::npos);
+    SIM_SetErrorCode(target, 8, 65);
     WriteFileText("s.scr", "set wCount = 1\nstation 2\n");
     EXPECT_EQ(ExecMonScript("s.scr", PANEL_CONSOLE), -3);
     SIM_Options silent;
