@@ -141,8 +141,8 @@ int SCK_Waiting(SCK_Handle handle)
         return -1;
     if (waiting > 0)
         return Limited(waiting);
-    char byte = 0;
-    const int got = recv(ToSocket(handle), &byte, 1, MSG_PEEK);
+    char mark = 0;
+    const int got = recv(ToSocket(handle), &mark, 1, MSG_PEEK);
     if (got > 0)
         return 1;
     return got < 0 && WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
