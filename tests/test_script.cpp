@@ -270,4 +270,33 @@ TEST_F(Script, ScriptsThatStartThemselvesEnd)
     EXPECT_EQ(ExecMonScript("good.scr", PANEL_CONSOLE), 0);
 }
 
+// However often and deep: the lines of all inner scripts have one bound, which each run from
+// the outside has anew.
+TEST_F(Script, WorkOfInnerScriptsIsBounded)
+{
+    std::string inner;
+    for (int i = 0; i < SCRIPT_INNER_LINES_MAX / 2; i++)
+        inner += ";\n";
+    WriteFileText("inner.scr", inner);
+    WriteFileText("twice.scr", "!inner\n!inner\n");
+    EXPECT_EQ(ExecMonScript("twice.scr", PANEL_CONSOLE), 0);
+    EXPECT_EQ(ExecMonScript("twice.scr", PANEL_CONSOLE), 0) << "counted from the outermost script";
+    WriteFileText("more.scr", "!inner\n!inner\nstation 2\n!sets\nstation 5\n");
+    WriteFileText("sets.scr", "station 4\n");
+    NewText();
+    EXPECT_EQ(ExecMonScript("more.scr", PANEL_CONSOLE), -6);
+    EXPECT_EQ(NewText(), "station 2 -> OK!\nToo many lines in scripts that are started by "
+                         "scripts.\nsets, line 1: station 4\n"
+                         "Error in the script file on line 2.\n");
+    EXPECT_EQ(STATION, 2);
+}
+
+TEST_F(Script, AFailureNamesTheLineThatAskedForTheJump)
+{
+    WriteFileText("ask.scr", "station 2\nqst Go on?, No, Nowhere\nstation 3\nstation 4\n");
+    NewText();
+    EXPECT_EQ(SCR_RunAndReport("ask.scr", PANEL_CONSOLE), -4);
+    EXPECT_NE(NewText().find("ask.scr, line 2: qst Go on?, No, Nowhere\n"), std::string::npos);
+}
+
 } // namespace

@@ -1,6 +1,8 @@
 // The program from its first line to the event loop, and its orderly end.
 #include "app/startup.h"
 
+#include <cstdio>
+
 #include "app/ini_file.h"
 #include "app/main_panel.h"
 #include "app/rooms.h"
@@ -12,17 +14,20 @@
 #include "runtime/userint.h"
 #include "scope/window.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 
 bool VR_isScriptRun = false;
 int VR_nScriptResult = 0;
+bool VR_isTypesFailed = false;
 
 namespace {
 
-constexpr int EXIT_UNSAVED = 1; // the settings could not be written
+constexpr int EXIT_UNSAVED = 1; // the settings could not be written, or the list was not
 
 struct PanelLoad {
     int panel;
@@ -75,7 +80,26 @@ void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
-    QuitUserInterface(SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0);
+    const bool isSaved = SaveIniFile() == 0 && isScopeSaved && IsDBGChange == 0;
+    QuitUserInterface(isSaved ? 0 : EXIT_UNSAVED);
+}
+
+// For a person who looks at the terminal; a window's program may have none.
+void SayRemarks(int argc, char **argv)
+{
+    std::string line;
+    for (const std::string &remark : VR_GetCmdLineRemarks(argc, argv))
+        line += (line.empty() ? "" : " ") + remark;
+    if (!line.empty())
+        std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
+}
+
+void OpenTypes()
+{
+    std::string message;
+    VR_isTypesFailed = !VR_szTypesOption.empty() && MLD_OpenTypes(VR_szTypesOption, &message) < 0;
+    if (VR_isTypesFailed)
+        VR_ShowMessage("Error: " + message);
 }
 
 void RunScript(const char *path)
@@ -105,11 +129,13 @@ int VR_StartUp(int argc, char **argv)
     GetCmdLineOptions(argc, argv);
     OpenIniFile(mainPanel);
     const int script = GetCmdLineOptions(argc, argv);
+    SayRemarks(argc, argv);
+    OpenTypes();
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
     if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
         WindowCB(0, ITEM_WATCH_VIEW);
-    if (script < argc)
+    if (script < argc && !VR_isTypesFailed)
         RunScript(argv[script]);
     return 0;
 }

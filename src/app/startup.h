@@ -3,6 +3,9 @@
 #ifndef APP_STARTUP_H
 #define APP_STARTUP_H
 
+#include <string>
+#include <vector>
+
 // Everything up to the event loop. 0, or -1 when the run-time or a panel fails.
 int VR_StartUp(int argc, char **argv);
 // VR_StartUp, then the event loop. The program's exit code.
@@ -12,6 +15,16 @@ extern bool VR_isScriptRun;
 extern int VR_nScriptResult;
 
 int GetCmdLineOptions(int argc, char **argv); // index of the first non-option
+// What the command line holds without effect, or what is taken otherwise than typed: a
+// sentence each, to be read once the settings have been read.
+std::vector<std::string> VR_GetCmdLineRemarks(int argc, char **argv);
+
+// A type map named on the command line, "" for none; read behind the settings. One that
+// cannot be read is said and no script runs, because values would have wrong types.
+extern std::string VR_szTypesOption;
+extern bool VR_isTypesFailed;
+// Takes "--types FILE" and "--types=FILE" out of the arguments. 0, or -1 without a file.
+int VR_TakeTypesOption(int *argc, char **argv);
 
 int ExitApplication(int panel); // 0; -1 when the user cancelled
 void ExitCB(int menuBar, int item);

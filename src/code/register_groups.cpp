@@ -22,7 +22,7 @@ const Rule C166_RULES[] = {
     {"P#", "Ports"},
     {"P#L", "Ports"},
     {"P#H", "Ports"},
-    {"DP*", "Ports"},
+    {"DP#*", "Ports"},
     {"ODP*", "Ports"},
     {"RP0H", "Ports"},
     {"CC*", "Capture and compare"},

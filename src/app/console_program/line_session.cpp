@@ -41,7 +41,8 @@ int ReadTyped(std::string *line)
     return LNE_ReadLine(prompt + " ", line);
 }
 
-// Nobody is left to ask: what the question at the end did not save is named.
+// Nobody is left to ask: what the question at the end did not save is named, and is no
+// success.
 void End()
 {
     if (HL_IsQuit() || ExitApplication(mainPanel) == 0)
@@ -49,6 +50,7 @@ void End()
     std::fprintf(stderr, "The changed watch list was not saved.\n");
     IsDBGChange = 0;
     ExitApplication(mainPanel);
+    QuitUserInterface(1);
 }
 
 } // namespace

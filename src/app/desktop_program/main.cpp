@@ -13,12 +13,15 @@
 
 namespace {
 
-const char USAGE[] = "vireo2 [-1 ... -4] [-bBAUD] [-sSTATION] [-C] [SCRIPT]\n"
+constexpr int EXIT_WRONG_OPTION = 2;
+
+const char USAGE[] = "vireo2 [-1 ... -4] [-bBAUD] [-sSTATION] [-C] [--types FILE] [SCRIPT]\n"
                      "\n"
                      "  -1 to -4    serial port\n"
                      "  -bBAUD      baud rate\n"
                      "  -sSTATION   station\n"
                      "  -C          configuration mode\n"
+                     "  --types FILE  a type map (.tmf) to open at start\n"
                      "  SCRIPT      a console script to run at start\n"
                      "  --help      this text\n"
                      "  --version   the version\n"
@@ -46,6 +49,10 @@ int main(int argc, char **argv)
             return std::fputs(USAGE, stdout) < 0 ? 1 : 0;
         if (std::strcmp(argv[i], "--version") == 0)
             return std::printf("vireo2 %s\n", VR_GetBuildVersion()) < 0 ? 1 : 0;
+    }
+    if (VR_TakeTypesOption(&argc, argv) < 0) {
+        std::fprintf(stderr, "vireo2: --types needs a file\nTry --help.\n");
+        return EXIT_WRONG_OPTION;
     }
     return VIEW_Main(argc, argv, RunDesktop);
 }

@@ -30,8 +30,8 @@ const ScrRow SCR_aTable[] = {
     {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
     {SCR_BinLoad, "binload", {PLACE, LENGTH, PATH}},
     {SCR_Dis, "dis", {PLACE, BYTE}}, // address, instructions
-    {nullptr, "upload", {PATH, PATH}},
-    {nullptr, "download", {PATH, PATH, BYTE}},
+    {SCR_Upload, "upload", {PATH, PATH}},
+    {SCR_Download, "download", {PATH, PATH, BYTE}},
     {SCR_HexLoad, "hexload", {PATH}},
     {SCR_L3Test, "l3test", {}},
     {SCR_L3Erase, "l3erase", {}},
@@ -42,6 +42,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_DlldTst, "dlldtst", {INT16}},
     {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
     {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
+    {SCR_Set, "set", {PAR_EXTERN}},         // [(type)] [station:]name [= value]
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},
@@ -49,6 +50,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Station, "station", {BYTE}},
     {SCR_Procesor, "procesor", {COUNT}},
     {SCR_ListVars, "listvars", {TEXT}},
+    {SCR_TypeMap, "tm", {PAR_EXTERN}}, // [file]
     {SCR_Addr2Name, "addr2name", {PLACE}},
     {nullptr, "ldx2vldx", {PATH, PATH, PATH}},
     {nullptr, "ldcmpldx", {PATH}},

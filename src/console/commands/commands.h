@@ -8,6 +8,7 @@
 // Single values.
 int SCR_Write(ScrPar *par);
 int SCR_WriteNA(ScrPar *par);
+int SCR_Set(ScrPar *par); // the whole line
 // Arrays as text.
 int SCR_Save(ScrPar *par);
 int SCR_Load(ScrPar *par);
@@ -32,6 +33,9 @@ int SCR_L3Erase(ScrPar *par);
 int SCR_L3Write(ScrPar *par);
 int SCR_L3Verify(ScrPar *par);
 int SCR_L3Read(ScrPar *par);
+// Variable sets.
+int SCR_Upload(ScrPar *par);
+int SCR_Download(ScrPar *par);
 // Registers of any Modbus slave; the parameter is the whole line.
 int SCR_MbRead(ScrPar *par);
 int SCR_MbWrite(ScrPar *par);
@@ -40,6 +44,7 @@ int SCR_Help(ScrPar *par);
 int SCR_Station(ScrPar *par);
 int SCR_Procesor(ScrPar *par);
 int SCR_ListVars(ScrPar *par);
+int SCR_TypeMap(ScrPar *par); // the whole line
 int SCR_Language(ScrPar *par);
 int SCR_Exit(ScrPar *par);
 int SCR_ComPar(ScrPar *par);

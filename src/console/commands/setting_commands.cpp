@@ -9,12 +9,15 @@
 #include "console/script/script_command.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "text/xscan.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
 #include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 
 int SCR_enLanguage = LANGUAGE_CZ;
 bool SCR_bGotoCmd = false;
@@ -113,6 +116,24 @@ int SCR_ListVars(ScrPar *par)
     int position = 0;
     while (RdTblVarName(par[0].text, &name, aVarNode, nNodes, &position) == 0)
         CON_Print(" %06x  %s", aVarNode[position - 1].addr, name);
+    return 0;
+}
+
+// The parameter is the whole line. Without a file it says which type map is loaded.
+int SCR_TypeMap(ScrPar *par)
+{
+    const std::string path = CON_Trim(par[0].text + CON_NameLength(par[0].text));
+    std::string message;
+    if (!path.empty() && MLD_OpenTypes(path, &message) < 0)
+        return SCR_Fail("tm: " + message);
+    if (!path.empty())
+        SetMainPanelAttributes();
+    if (TMF_cnDefVars == 0 && TMF_cnDefStructCts == 0)
+        PrintMonStr("No type map is loaded. Try \"tm filename\".");
+    else
+        CON_Print("Type map: %s, %s.",
+                  TMF_szFileName.empty() ? "from the target" : WRD_Visible(TMF_szFileName).c_str(),
+                  TMF_GetCountsText().c_str());
     return 0;
 }
 

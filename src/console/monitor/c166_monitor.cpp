@@ -15,6 +15,7 @@
 
 uint32_t dwAddr = 0;
 int CON_nRefused = 0;
+int CON_nUnknown = 0;
 int CON_nFailed = 0;
 
 namespace {
@@ -134,15 +135,19 @@ bool IsCommandStart(char c)
     return CON_IsLetter(c) || c == '!';
 }
 
+// Whether anything behind the gate knows the word.
+bool IsKnown(const char *line)
+{
+    if (!IsCommandStart(*line) || FindLetter(*line))
+        return true;
+    return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
+}
+
 // Whoever tests these words tests their case: "HELP" is refused here although the table
 // would know it. With the full command set the gate only stops what nothing below would know.
 bool IsAdmitted(const char *line)
 {
-    if (!VR_isFullCommandSet)
-        return CON_IsGateWord(line);
-    if (!IsCommandStart(*line) || FindLetter(*line))
-        return true;
-    return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
+    return VR_isFullCommandSet ? IsKnown(line) : CON_IsGateWord(line);
 }
 
 // --- the steps of a line ------------------------------------------------------------------------
@@ -178,6 +183,7 @@ int InterpretLine(int panel, const char *line)
             return -1;
         }
         CON_nRefused++;
+        CON_nUnknown += IsKnown(line) ? 0 : 1;
         CON_Print("Sorry, unknown or unsupported command ('%s').", line);
         return 0;
     }

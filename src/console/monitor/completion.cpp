@@ -1,5 +1,5 @@
 // What may stand at the cursor decides: the first word is a command, a word behind "!"
-// a script, any other a name of the map.
+// a script, any other a name of the map; `set` takes members, registers and stations, too.
 #include "console/monitor/completion.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@
 #include "console/script/script_command.h"
 #include "settings/settings.h"
 #include "symbols/varnode.h"
+#include "watch/windows/name_completion.h"
 
 namespace {
 
@@ -50,7 +51,7 @@ void AddScripts(const std::string &start, std::vector<std::string> *candidates)
 // Where the last word begins: behind a blank or a "," and behind the "!" of a script.
 size_t FindWordStart(const std::string &line)
 {
-    const size_t cut = line.find_last_of(" \t,");
+    const size_t cut = line.find_last_of(" \t,=)");
     const size_t start = cut == std::string::npos ? 0 : cut + 1;
     return start < line.size() && line[start] == '!' ? start + 1 : start;
 }
@@ -68,6 +69,8 @@ int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string
         AddScripts(word, candidates);
     else if (ahead.empty() && command == CMD_C166)
         AddCommands(word, candidates);
+    else if (CON_IsSameWord(ahead.substr(0, CON_WordLength(ahead.c_str())), "set"))
+        *candidates = NCM_Complete(word);
     else if (!word.empty())
         AddNames(word, candidates);
     std::sort(candidates->begin(), candidates->end());
@@ -98,7 +101,10 @@ void CON_CompleteLine(std::string *line)
     const int start = CON_Complete(*line, line->size(), &candidates);
     if (candidates.empty())
         return;
-    *line = line->substr(0, static_cast<size_t>(start)) + CON_GetCommonStart(candidates);
+    // Candidates may differ from what was typed, and from each other, in the case of letters.
+    const std::string common = CON_GetCommonStart(candidates);
+    if (common.size() >= line->size() - static_cast<size_t>(start))
+        *line = line->substr(0, static_cast<size_t>(start)) + common;
     if (candidates.size() == 1) {
         *line += ' ';
         return;

@@ -23,6 +23,9 @@ const char *const COMMAND_HELP[] = {
 
 // What only the full command set admits.
 const char *const FULL_HELP[] = {
+    "   set name           ... show a variable, by its type",
+    "   set name = value   ... write it, read it back and compare; [(type)] [station:]name",
+    "   tm file.tmf        ... open the types of the variables",
     "   mbread [slave:]function, start, quantity ... read registers or bits over Modbus",
     "   mbwrite [slave:]start, value [, value ...] ... write registers over Modbus",
 };

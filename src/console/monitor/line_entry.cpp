@@ -103,7 +103,7 @@ const Mode MODES[] = {{CMD_C166, RunC166Line},
 
 void RunInMode(int panel, const std::string &line)
 {
-    CON_nRefused = 0;
+    CON_nRefused = CON_nUnknown = 0;
     for (const Mode &mode : MODES) {
         if (mode.mode == command) {
             if (mode.run(panel, line) < 0 || CON_nRefused > 0)

@@ -23,17 +23,28 @@ constexpr size_t PORT_CHARS_MAX = 5;
 
 int nScripts = 0; // scripts running, one inside the other
 
+// What was wrong with which device; "" when nothing is known beyond the number.
+std::string WhyNotOpen()
+{
+    const std::string cause = UCM_LastErrorText();
+    return cause.empty() ? "" : UCM_PortName(ncom) + ": " + cause;
+}
+
 void ReportPort()
 {
     CON_Print("Error opening serial port: COM%i.\n", ncom);
+    if (!WhyNotOpen().empty())
+        PrintMonStr(WhyNotOpen());
 }
 
 // True when the user gave another port to try; it may be the same number again.
 bool AskForPort()
 {
     std::string text = std::to_string(ncom);
-    const std::string message = CON_Format(
-        "Error opening serial port: COM%i.\nEnter alternative COM number, please.", ncom);
+    const std::string message =
+        CON_Format("Error opening serial port: COM%i.\nEnter alternative COM number, please.",
+                   ncom) +
+        (WhyNotOpen().empty() ? "" : "\n" + WhyNotOpen());
     if (GenericMessagePopup("Error", message, {"Retry", "Cancel"}, &text, PORT_CHARS_MAX) != 1)
         return false;
     const int port = std::atoi(text.c_str());

@@ -10,6 +10,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 
@@ -46,9 +47,10 @@ int ReportTmsMap()
 struct MapKind {
     int (*load)(const char *fileName);
     int (*report)();
+    bool isTms;
 };
-const MapKind C166_MAP = {map2node, ReportC166Map};
-const MapKind TMS_MAP = {TMSmap2node, ReportTmsMap};
+const MapKind C166_MAP = {map2node, ReportC166Map, false};
+const MapKind TMS_MAP = {TMSmap2node, ReportTmsMap, true};
 
 int LoadOrReport(const MapKind &kind, const std::string &fileName)
 {
@@ -63,6 +65,7 @@ int LoadOrReport(const MapKind &kind, const std::string &fileName)
         PrintMonStr(" Error: the MAP file doesn't exist.\n");
         return -1;
     }
+    MLD_Remember(fileName, kind.isTms);
     SetMainPanelAttributes();
     return kind.report();
 }
@@ -88,6 +91,7 @@ int LoadMapFile(int, const char *name)
         PrintMonStr("Error in open MAP file (don't exist)\n");
         return -1;
     }
+    MLD_Remember(name, false);
     CON_Print("MapFile: %s", mapFile.c_str());
     CON_Print("Nodes:     %d", nNodes);
     SetMainPanelAttributes();

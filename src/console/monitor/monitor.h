@@ -36,6 +36,7 @@ extern bool CON_isExit;
 
 // --- line interpreters: 0, or negative ---------------------------------------------------
 extern int CON_nRefused; // lines the gate refused since the last line was entered or script begun
+extern int CON_nUnknown; // those of them that the full command set does not know either
 extern int CON_nFailed;  // lines entered at the prompt that were refused or failed
 int RunMonitor(int panel, const char *line);
 int RunTMSMonitor(int panel, const char *line);

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "comm/sysaddr.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/word.h"
 
@@ -97,6 +98,61 @@ bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
     return ParseValue(&cursor, &records[1], type) && *CON_SkipBlanks(cursor) == '\0';
 }
 
+// A run of letters and digits, as a number or a register's name is one.
+bool SkipRun(const char **cursor)
+{
+    const char *begin = CON_SkipBlanks(*cursor);
+    const char *end = begin;
+    while (CON_IsNameChar(*end) || *end == '?')
+        end++;
+    *cursor = end;
+    return end != begin;
+}
+
+bool SkipSelection(const char **cursor)
+{
+    const bool isIndex = **cursor == '[';
+    ++*cursor;
+    if (!SkipRun(cursor))
+        return false;
+    *cursor = CON_SkipBlanks(*cursor);
+    if (!isIndex)
+        return true;
+    return *(*cursor)++ == ']';
+}
+
+// "&name.member[2][3]+4", or "$8100". What stands behind it is not looked at.
+bool SkipPath(const char **cursor)
+{
+    const char *c = *cursor + (**cursor == '&' ? 1 : 0);
+    c = CON_SkipBlanks(c);
+    c += *c == '$' ? 1 : 0;
+    if (CON_IsBlank(*c) || !SkipRun(&c))
+        return false;
+    for (const char *next = CON_SkipBlanks(c); *next == '.' || *next == '['; next = c) {
+        if (!SkipSelection(&next))
+            return false;
+        c = CON_SkipBlanks(next);
+    }
+    const char *sign = CON_SkipBlanks(c);
+    if (*sign == '+' || *sign == '-') {
+        c = sign + 1;
+        if (!SkipRun(&c))
+            return false;
+    }
+    *cursor = c;
+    return true;
+}
+
+std::string WithoutBlanks(const char *begin, const char *end)
+{
+    std::string text;
+    for (; begin != end; begin++)
+        if (!CON_IsBlank(*begin))
+            text += *begin;
+    return text;
+}
+
 } // namespace
 
 int32_t StrToATP(const char *text)
@@ -184,4 +240,30 @@ int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)
 int ParseAssn(const char *line, ScrPar *records, int32_t defaultType)
 {
     return ParseAssn2(line, records, defaultType);
+}
+
+int ASSN_Split(const char *line, AssnLine *parts)
+{
+    *parts = AssnLine();
+    const char *cursor = CON_SkipBlanks(line);
+    if (*cursor == '(') {
+        const char *begin = cursor + 1;
+        if (!SkipCast(&cursor))
+            return -1;
+        parts->cast = CON_Trim(std::string(begin, std::strcspn(begin, ")")));
+    }
+    const char *target = cursor;
+    parts->station = GetStationModifier(&cursor);
+    cursor = CON_SkipBlanks(cursor);
+    const char *path = cursor;
+    if (!SkipPath(&cursor))
+        return -1;
+    parts->target = CON_Trim(std::string(target, cursor));
+    parts->path = WithoutBlanks(path, cursor);
+    cursor = CON_SkipBlanks(cursor);
+    parts->hasValue = *cursor == '=';
+    if (!parts->hasValue)
+        return *cursor == '\0' ? 0 : -1;
+    parts->value = CON_Trim(cursor + 1);
+    return parts->value.empty() ? -1 : 0;
 }

@@ -36,4 +36,17 @@ void PrintType(uint32_t code);                    // the same words on the conso
 int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType);
 int ParseAssn(const char *line, ScrPar *records, int32_t defaultType);
 
+// An assignment as a person types it: beside the above a station in front of the name,
+// members and several indexes behind it, an address for a name, and no value at all.
+struct AssnLine {
+    std::string cast;   // what stands in "( )", "" without
+    std::string target; // station and path, as typed
+    std::string path;   // "&stMotor[2].nSpeed+4", without blanks
+    int station = -1;   // of "3:", not checked; -1 without
+    bool hasValue = false;
+    std::string value; // behind "=", as typed
+};
+// 0; -1 another shape, or an "=" without a value. Whether names and types exist is not asked.
+int ASSN_Split(const char *line, AssnLine *parts);
+
 #endif

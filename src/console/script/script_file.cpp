@@ -10,6 +10,7 @@
 #include "console/script/script.h"
 #include "settings/settings.h"
 #include "text/txfr.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 
 namespace {
@@ -121,20 +122,19 @@ bool TakeRequestedJump(Script *script)
 // opens, so the read behind it finds the end and nobody else's file.
 int RunScript(Script *script, int panel)
 {
+    std::string line; // the last one run: looking for a label reads on
     while (!SCR_isExit) {
-        if (!TakeRequestedJump(script))
-            return script->counter;
-        if (!ReadLine(script))
+        const bool isFound = TakeRequestedJump(script);
+        if (isFound && !ReadLine(script))
             return 0;
-        script->counter--;
-        if (nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX) {
-            PrintMonStr("Too many lines in scripts that are started by scripts.");
-            failedLine = script->line;
-            return script->counter;
+        if (isFound) {
+            script->counter--;
+            line = script->line;
         }
-        // Looking for a label reads on: the line is kept for the report.
-        const std::string line = script->line;
-        if (!ExecuteLine(script, panel)) {
+        const bool isTooMuch = isFound && nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX;
+        if (isTooMuch)
+            PrintMonStr("Too many lines in scripts that are started by scripts.");
+        if (!isFound || isTooMuch || !ExecuteLine(script, panel)) {
             failedLine = line;
             return script->counter;
         }
@@ -165,7 +165,7 @@ int ExecMonScript(const char *fileName, int panel)
     SCR_bGotoCmd = false;
     SCR_isExit = false;
     if (nDepth == 0)
-        nInnerLines = CON_nRefused = 0;
+        nInnerLines = CON_nRefused = CON_nUnknown = 0;
     failedLine.clear();
     nDepth++;
     CON_BeginScript();
@@ -191,11 +191,15 @@ int SCR_RunAndReport(const std::string &fileName, int panel)
 void SCR_ReportResult(const std::string &fileName, int result)
 {
     if (result < SCRIPT_NOT_OPENED)
-        CON_Print("%s, line %d: %s", fileName.c_str(), COUNTER_START - result, failedLine.c_str());
+        CON_Print("%s, line %d: %s", WRD_Visible(fileName).c_str(), COUNTER_START - result,
+                  WRD_Visible(failedLine).c_str());
     if (result < 0)
         PrintMonStr(SCR_GetResultText(result));
-    if (nDepth == 0 && CON_nRefused > 0)
-        CON_Print("%d lines were refused: they need the full command set.", CON_nRefused);
+    if (nDepth == 0 && CON_nRefused > CON_nUnknown)
+        CON_Print("%d lines were refused: they need the full command set.",
+                  CON_nRefused - CON_nUnknown);
+    if (nDepth == 0 && CON_nUnknown > 0)
+        CON_Print("%d lines were refused: there is no such command.", CON_nUnknown);
 }
 
 std::string SCR_GetResultText(int result)

@@ -39,13 +39,14 @@ int TakeBase(std::string *text, int plainBase)
         text->erase(0, 2);
         return 16;
     }
-    if (text->rfind("0b", 0) == 0 && plainBase != 16) {
-        text->erase(0, 2);
-        return 2;
-    }
+    // Before "0b": 0BH is eleven.
     if (!text->empty() && text->back() == 'h') {
         text->pop_back();
         return 16;
+    }
+    if (text->rfind("0b", 0) == 0 && plainBase != 16) {
+        text->erase(0, 2);
+        return 2;
     }
     return plainBase;
 }

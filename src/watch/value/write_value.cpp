@@ -66,7 +66,49 @@ int WriteBits(const LItem &item, uint64_t bits, std::string *message)
     return result;
 }
 
-std::string HeldText(const LItem &item)
+void SetBits(LItem *item, uint64_t bits)
+{
+    item->value = static_cast<uint32_t>(bits);
+    item->valueHigh = static_cast<uint32_t>(bits >> 32);
+}
+
+// Checks the item's place and the text, and sends the value once. What was sent in *bits.
+int SendText(const LItem &item, const std::string &text, uint64_t *bits, std::string *message)
+{
+    if (!LIT_HasAddress(item)) {
+        *message = "The value was not written: the item has no address.";
+        return WRV_ERR_ADDRESS;
+    }
+    if (!LIT_IsTMS(item) && item.address + static_cast<uint32_t>(BytesToWrite(item)) > ADDR_LIMIT) {
+        *message = "The value was not written: its last byte lies beyond the target's memory.";
+        return WRV_ERR_ADDRESS;
+    }
+    const int result = WRV_Parse(item, text, bits, message);
+    return result == WRV_OK ? WriteBits(item, *bits, message) : result;
+}
+
+// The outcome once the item holds what was read back, or why it could not be.
+int Compare(const LItem &item, uint64_t bits, bool isRead, const std::string &reason,
+            std::string *message)
+{
+    if (!isRead) {
+        *message = "Written, but the target's value could not be read: " + reason + ".";
+        return WRV_ERR_READ_BACK;
+    }
+    const std::string held = WRV_ValueText(item);
+    if ((LIT_Bits(item) & MaskOfWritten(item)) == bits) {
+        *message = "Written. The target holds " + held + ".";
+        return WRV_OK;
+    }
+    LItem sent = item;
+    SetBits(&sent, bits);
+    *message = "Written " + WRV_ValueText(sent) + ", but the target now holds " + held + ".";
+    return WRV_DIFFERENT;
+}
+
+} // namespace
+
+std::string WRV_ValueText(const LItem &item)
 {
     LItem shown = item;
     if (const VTY_Row *row = VTY_Find(item.type))
@@ -76,14 +118,6 @@ std::string HeldText(const LItem &item)
     const size_t begin = text.find_first_not_of(' ');
     return begin == std::string::npos ? "" : text.substr(begin);
 }
-
-// Whether the value just read is the one that was written.
-bool IsHeld(const LItem &item, uint64_t bits)
-{
-    return (LIT_Bits(item) & MaskOfWritten(item)) == bits;
-}
-
-} // namespace
 
 std::string WRV_Hint(const LItem &item)
 {
@@ -109,30 +143,38 @@ int WRV_Write(int index, const std::string &text, std::string *message)
         *message = "There is no such line in the watch list.";
         return WRV_ERR_INDEX;
     }
-    const LItem &item = aLItems[index];
-    if (!LIT_HasAddress(item)) {
-        *message = "The value was not written: the item has no address.";
-        return WRV_ERR_ADDRESS;
-    }
-    if (!LIT_IsTMS(item) && item.address + static_cast<uint32_t>(BytesToWrite(item)) > ADDR_LIMIT) {
-        *message = "The value was not written: its last byte lies beyond the target's memory.";
-        return WRV_ERR_ADDRESS;
-    }
     uint64_t bits = 0;
-    int result = WRV_Parse(item, text, &bits, message);
-    if (result == WRV_OK)
-        result = WriteBits(item, bits, message);
+    const int result = SendText(aLItems[index], text, &bits, message);
     if (result != WRV_OK)
         return result;
-    const int readResult = RDI_ReadNow(index);
+    const bool isRead = RDI_ReadNow(index) == 0;
     if (readLItems)
         LSV_ShowValues();
-    if (readResult != 0) {
-        *message = "Written, but the target's value could not be read: " + item.reason + ".";
+    return Compare(aLItems[index], bits, isRead, aLItems[index].reason, message);
+}
+
+int WRV_ReadUnlisted(LItem *item, std::string *cause)
+{
+    uint8_t bytes[8] = {};
+    uint32_t word = 0;
+    const uint32_t size = static_cast<uint32_t>(item->size);
+    const int result = LIT_IsTMS(*item)
+                           ? RDI_ReadTmsWords(item->address, 1, &word, cause)
+                           : RDI_ReadBytes(LIT_Station(*item), item->address, size, bytes, cause);
+    item->isValueGood = result == 0;
+    if (result != 0)
         return WRV_ERR_READ_BACK;
-    }
-    const bool isSame = IsHeld(item, bits);
-    *message = (isSame ? "Written. The target holds " : "Written, but the target now holds ") +
-               HeldText(item) + ".";
-    return isSame ? WRV_OK : WRV_DIFFERENT;
+    SetBits(item, LIT_IsTMS(*item) ? word : BYT_GetLittle(bytes, size));
+    return WRV_OK;
+}
+
+int WRV_WriteUnlisted(LItem *item, const std::string &text, std::string *message)
+{
+    uint64_t bits = 0;
+    const int result = SendText(*item, text, &bits, message);
+    if (result != WRV_OK)
+        return result;
+    std::string cause;
+    const bool isRead = WRV_ReadUnlisted(item, &cause) == WRV_OK;
+    return Compare(*item, bits, isRead, cause, message);
 }

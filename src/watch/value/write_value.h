@@ -37,4 +37,12 @@ int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::s
 // list shows it. *message always says what happened, with the value the target holds.
 int WRV_Write(int index, const std::string &text, std::string *message);
 
+// The same for an item that stands in no list: name (for "&"), address, station, type and
+// size are filled in. A TMS320 item is reached behind the selected station, whatever its own.
+int WRV_WriteUnlisted(LItem *item, const std::string &text, std::string *message);
+// Reads it, proven. WRV_OK, or WRV_ERR_READ_BACK with the reason in *cause.
+int WRV_ReadUnlisted(LItem *item, std::string *cause);
+// The value that an item holds, as the list would show it.
+std::string WRV_ValueText(const LItem &item);
+
 #endif

@@ -58,14 +58,11 @@ bool AskForMap(const MapKind &kind, std::string *path)
 
 void OpenTypes(const std::string &path)
 {
-    if (TMF_OpenMap(path.c_str()) == 0) {
+    std::string message;
+    const bool isOpen = MLD_OpenTypes(path, &message) == 0;
+    if (isOpen)
         SetMainPanelAttributes();
-        VR_ShowMessage("Type map: " + path + ", " + TMF_GetCountsText() + ".");
-        return;
-    }
-    const std::string line =
-        TMF_nErrorLine > 0 ? ", line " + std::to_string(TMF_nErrorLine) : std::string();
-    VR_ShowMessage("Error: Could not open type map file " + path + line + ".");
+    VR_ShowMessage(isOpen ? message : "Error: " + message);
 }
 
 } // namespace
@@ -80,6 +77,28 @@ int GetFileStamp(std::string *text, const char *fileName)
                   stamp.day, stamp.hour, stamp.minute, stamp.second);
     *text = buffer;
     return 0;
+}
+
+void MLD_Remember(const std::string &path, bool isTMS)
+{
+    if (isTMS && !IsWordAddressing(Procesor))
+        return;
+    szMapFileName = path;
+    if (GetFileStamp(&szMapFileStamp, path.c_str()) != 0)
+        szMapFileStamp.clear();
+}
+
+int MLD_OpenTypes(const std::string &path, std::string *message)
+{
+    const std::string name = WRD_Visible(path);
+    if (TMF_OpenMap(path.c_str()) == 0) {
+        *message = "Type map: " + name + ", " + TMF_GetCountsText() + ".";
+        return 0;
+    }
+    const std::string line =
+        TMF_nErrorLine > 0 ? ", line " + std::to_string(TMF_nErrorLine) : std::string();
+    *message = "Could not open type map file " + name + line + ".";
+    return -1;
 }
 
 int LoadMap(int mode)
@@ -97,12 +116,7 @@ int LoadMap(int mode)
                                                    : "Error: Could not open MAP file.");
         return result;
     }
-    // A TMS320 map beside a C166 map is not the one that the reload key reads again.
-    if (!isTMS || IsWordAddressing(Procesor)) {
-        szMapFileName = path;
-        if (GetFileStamp(&szMapFileStamp, path.c_str()) != 0)
-            szMapFileStamp.clear();
-    }
+    MLD_Remember(path, isTMS);
     SetMainPanelAttributes();
     return 0;
 }

@@ -12,6 +12,12 @@ int LoadMap(int mode); // 0 loaded, negative not
 int GetFileStamp(std::string *text, const char *fileName);
 extern std::string szMapFileStamp; // of the last map file loaded
 
+// After a map was loaded from a file: the settings save its name and the reload key reads it
+// again. A TMS320 map beside a C166 map is not that one, and changes nothing.
+void MLD_Remember(const std::string &path, bool isTMS);
+// Loads a type map. 0, or -1 with the loaded one as it was; *message says what happened.
+int MLD_OpenTypes(const std::string &path, std::string *message);
+
 // Offers to switch communication on, then reads the map from the end of the target's flash.
 int LoadFlash();
 
