@@ -4,6 +4,7 @@
 #include "code/live_reads.h"
 #include "code/register_groups.h"
 #include "support/console_rig.h"
+#include "symbols/varnode.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -17,8 +18,7 @@ struct Debugger : ConsoleRig {
     {
         ConsoleRig::SetUp();
         SIMT_Stop(RIG_PORT, target);
-        SIM_Options options; // the demo's core and program
-        target = SIMT_Start(RIG_PORT, options);
+        target = SIMT_Start(RIG_PORT, SIM_Options()); // with the demo's core and program
         initRgMap(CPU_C167);
         for (const auto &[address, name] : {std::make_pair(0x8002u, "wCount"),
                                             {0x8140u, "awTable"},
