@@ -1,5 +1,6 @@
 // What the target's flash may hold: a directory, a variable map, compressed types. The
 // first byte chooses the reader.
+#include "fuzz_check.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_info.h"
 #include "symbols/flash_varmap.h"
@@ -9,7 +10,6 @@
 #include "text/txfrw.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -20,13 +20,7 @@ constexpr uint32_t BASE = 0x1000;
 const uint8_t *memory;
 size_t memorySize;
 
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
-
-int readMemory(uint32_t address, uint32_t count, void *buffer)
+int ReadMemory(uint32_t address, uint32_t count, void *buffer)
 {
     if (address < BASE || address - BASE > memorySize || count > memorySize - (address - BASE))
         return -1;
@@ -34,49 +28,49 @@ int readMemory(uint32_t address, uint32_t count, void *buffer)
     return 0;
 }
 
-void walkDirectory(const uint8_t *data, size_t size)
+void WalkDirectory(const uint8_t *data, size_t size)
 {
     memory = data;
     memorySize = size;
-    MFS_reader = readMemory;
+    MFS_reader = ReadMemory;
     const uint32_t end = BASE + static_cast<uint32_t>(size);
     int32_t length;
     for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_DECLS, "x"}) {
         const int32_t found = MFS_FindFile(name, BASE, end, &length);
-        require(found < 0 || (length >= 0 && static_cast<uint32_t>(found) + MFS_HEADER_SIZE +
-                                                     static_cast<uint32_t>(length) <=
-                                                 end));
+        FUZ_Check(found < 0 || (length >= 0 && static_cast<uint32_t>(found) + MFS_HEADER_SIZE +
+                                                       static_cast<uint32_t>(length) <=
+                                                   end));
     }
     const int32_t start = MFS_FindDirectory(BASE, end);
-    require(start < 0 ||
-            (static_cast<uint32_t>(start) >= BASE && static_cast<uint32_t>(start) < end));
+    FUZ_Check(start < 0 ||
+              (static_cast<uint32_t>(start) >= BASE && static_cast<uint32_t>(start) < end));
 }
 
-void readVarMap(const std::string &content)
+void ReadVarMap(const std::string &content)
 {
     const int handle = FLASH_OpenVarMap("map", content);
     std::vector<VRN_Symbol> variables;
     if (handle >= 0 && FLASH_ParseVarMap(handle, &variables) == 0) {
         for (const VRN_Symbol &variable : variables)
-            require(variable.address < 0x1000000 && !variable.name.empty());
+            FUZ_Check(variable.address < 0x1000000 && !variable.name.empty());
     }
     TXFRW_Close(handle);
 }
 
-void unpackNames(const uint8_t *data, size_t size)
+void UnpackNames(const uint8_t *data, size_t size)
 {
     for (int form = NAME_PLAIN; form <= NAME_SHARED_6BIT; form++) {
         std::string name;
         for (size_t at = 0; at < size;) {
             const int used = UnpackVarName(&name, data + at, size - at, form);
-            require(used < 0 || (used > 0 && static_cast<size_t>(used) <= size - at));
+            FUZ_Check(used < 0 || (used > 0 && static_cast<size_t>(used) <= size - at));
             at = used < 0 ? size : at + static_cast<size_t>(used);
         }
     }
 }
 
 // Structures, declarations and variable map, parted by bytes FE.
-void unzip(const std::string &content)
+void UnzipTypes(const std::string &content)
 {
     const char *at = content.data(), *const end = at + content.size();
     int handles[3];
@@ -104,16 +98,16 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     const std::string content(reinterpret_cast<const char *>(rest), size - 1);
     switch (data[0]) {
     case 'd':
-        walkDirectory(rest, size - 1);
+        WalkDirectory(rest, size - 1);
         break;
     case 'm':
-        readVarMap(content);
+        ReadVarMap(content);
         break;
     case 'n':
-        unpackNames(rest, size - 1);
+        UnpackNames(rest, size - 1);
         break;
     default:
-        unzip(content);
+        UnzipTypes(content);
         break;
     }
     return 0;

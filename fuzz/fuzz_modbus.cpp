@@ -5,9 +5,9 @@
 #include "comm/modbus_line.h"
 #include "comm/modbus_step.h"
 #include "comm/ucm.h"
+#include "fuzz_check.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
 namespace {
@@ -16,7 +16,7 @@ const uint8_t *input = nullptr;
 size_t left = 0;
 uint32_t nowMs = 0;
 
-size_t Take(void *buffer, size_t count, unsigned waitMs)
+size_t HearPiece(void *buffer, size_t count, unsigned waitMs)
 {
     constexpr size_t PIECE = 48; // so that answers also arrive in parts
     const size_t got = std::min({count, left, PIECE});
@@ -32,7 +32,7 @@ const MBM_Line FUZZ_LINE = {
     [](void *buffer, size_t count) {
         size_t got = 0;
         while (got < count) {
-            const size_t piece = Take(static_cast<char *>(buffer) + got, count - got, 400);
+            const size_t piece = HearPiece(static_cast<char *>(buffer) + got, count - got, 400);
             if (piece == 0)
                 break;
             got += piece;
@@ -40,7 +40,7 @@ const MBM_Line FUZZ_LINE = {
         return static_cast<int>(got);
     },
     [](void *buffer, size_t capacity, unsigned waitMs) {
-        return static_cast<int>(Take(buffer, capacity, waitMs));
+        return static_cast<int>(HearPiece(buffer, capacity, waitMs));
     },
     [] { return 0; },
     [] { return 0; },
@@ -67,11 +67,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     const MBM_Part from = {0xFF00, quantity, registers};
     const MBM_Part to = {0xFFFD, function == 23 ? uint16_t{2} : quantity, values};
     for (int i = 0; i < 3; ++i) // the later ones meet what the earlier ones left
-        if (MBM_MasterFN(function, 1, &from, &to) < 0 && MBM_nFault == 0)
-            std::abort();
+        FUZ_Check(MBM_MasterFN(function, 1, &from, &to) >= 0 || MBM_nFault != 0);
     uint8_t bytes[300];
-    if (UCM_Read(1, 0x100, 1 + data[1], bytes) < 0 && UCM_LastErrorText().empty())
-        std::abort();
+    FUZ_Check(UCM_Read(1, 0x100, 1 + data[1], bytes) >= 0 || !UCM_LastErrorText().empty());
     MBM_isOpen = 0;
     return 0;
 }

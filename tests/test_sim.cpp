@@ -1,5 +1,6 @@
 // The simulated target against frames computed by hand, so that it can judge the program.
 #include "sim/sim.h"
+#include "support/text_checks.h"
 
 #include <gtest/gtest.h>
 
@@ -111,46 +112,6 @@ TEST_F(SimTest, AnswersNeverComeBeforeTheirTimeOnTheWire)
     EXPECT_GE(took, 3 * (18 + 10) * charNs - 4000000); // lateness of ours is given back
 }
 
-// Which of the answers arrived whole, as a text of '.', 'x' (damaged) and '-' (dropped).
-std::string faultsOf(SIM_Options options, uint32_t seed)
-{
-    options.seed = seed;
-    std::string error, pattern;
-    SIM_Target *target = SIM_Start(options, &error);
-    EXPECT_NE(target, nullptr) << error;
-    const int port = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
-    for (uint64_t i = 1; i <= 200; i++) {
-        const SIM_Counters before = SIM_GetCounters(target);
-        EXPECT_EQ(write(port, READ_NOTHING, 18), 18);
-        SIM_Counters now;
-        do {
-            usleep(50);
-            now = SIM_GetCounters(target);
-        } while (now.requests < i);
-        pattern += now.dropped > before.dropped       ? '-'
-                   : now.corrupted > before.corrupted ? 'x'
-                                                      : '.';
-    }
-    close(port);
-    SIM_Stop(target);
-    return pattern;
-}
-
-TEST(SimFaults, FollowTheSeed)
-{
-    SIM_Options options;
-    options.drop = 0.1;
-    options.corrupt = 0.1;
-    const std::string pattern = faultsOf(options, 7);
-    EXPECT_EQ(faultsOf(options, 7), pattern);
-    EXPECT_NE(faultsOf(options, 8), pattern);
-    EXPECT_NEAR(static_cast<double>(std::count(pattern.begin(), pattern.end(), '-')), 20, 15);
-    EXPECT_NEAR(static_cast<double>(std::count(pattern.begin(), pattern.end(), 'x')), 18, 15);
-    options.drop = options.corrupt = 0;
-    options.silentAfter = 3;
-    EXPECT_EQ(faultsOf(options, 7), "..." + std::string(197, '-'));
-}
-
 const char MAILBOX_ADDRESS[] = "\0321804C0030410040000A5A5A5A5A5A5A5A5A5A5A5A5B67E\x03";
 const char MAILBOX_READ[] = "\0321800C0030401000000A5A5A5A5A5A5A5A5A5A5A5A55BCA\x03";
 const char MAILBOX_PUT[] = "\0321808C0030478563412A5A5A5A5A5A5A5A5A5A5A5A50CC6\x03";
@@ -177,7 +138,7 @@ TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
 }
 
 // Address of a public symbol in the example map, so that map and target stay together.
-uint32_t addressOf(const std::string &name)
+uint32_t AddressOf(const std::string &name)
 {
     std::ifstream map(EXAMPLES_DIR "/demo.m66");
     std::string line;
@@ -192,19 +153,19 @@ TEST_F(SimTest, DemoVariablesMoveAndFollowTheirSetPoints)
 {
     start({});
     uint32_t first = 0, later = 0;
-    SIM_Peek(target, 0, addressOf("dwCount"), &first, 4);
+    SIM_Peek(target, 0, AddressOf("dwCount"), &first, 4);
     do
-        SIM_Peek(target, 0, addressOf("dwCount"), &later, 4);
+        SIM_Peek(target, 0, AddressOf("dwCount"), &later, 4);
     while (later == first);
     EXPECT_GT(later, first);
     const uint16_t gain = 0;
     const int16_t offset = -321;
     int16_t output = 0;
-    SIM_Poke(target, 3, addressOf("wGain"), &gain, 2);
-    SIM_Poke(target, 3, addressOf("nOffset"), &offset, 2);
-    SIM_Peek(target, 3, addressOf("nOutput"), &output, 2);
+    SIM_Poke(target, 3, AddressOf("wGain"), &gain, 2);
+    SIM_Poke(target, 3, AddressOf("nOffset"), &offset, 2);
+    SIM_Peek(target, 3, AddressOf("nOutput"), &output, 2);
     EXPECT_EQ(output, offset);
-    SIM_Peek(target, 4, addressOf("nOffset"), &output, 2); // another station keeps its own
+    SIM_Peek(target, 4, AddressOf("nOffset"), &output, 2); // another station keeps its own
     EXPECT_EQ(output, 0);
     EXPECT_EQ(SIM_PeekTMS(target, 0, 0x404), 0x00400000U); // 1.5 in the TMS320's format
 }
@@ -223,7 +184,7 @@ TEST(SimLink, IsReplacedAndRemovedOnlyByItsOwner)
     EXPECT_NE(access(options.link.c_str(), F_OK), 0);
     options.link = testing::TempDir();
     EXPECT_EQ(SIM_Start(options, &error), nullptr);
-    EXPECT_NE(error.find("Cannot make the link"), std::string::npos);
+    EXPECT_TRUE(Has(error, "Cannot make the link"));
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "symbols/addr_name.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
@@ -16,18 +17,11 @@ namespace {
 
 constexpr uint32_t NONE = 0xFFFFFFFFu;
 
-class VarNodes : public testing::Test {
+class VarNodes : public ProgramTest {
 protected:
-    void SetUp() override
+    VarNodes()
     {
-        TMF_CleanTables();
-        FreeNodes(aVarNode, &nNodes);
-        FreeNodes(aVarNode166, &nNodes166);
         Procesor = CPU_C167;
-    }
-    void TearDown() override
-    {
-        SetUp();
     }
     void Fill(const std::vector<std::pair<const char *, uint32_t>> &nodes)
     {
@@ -112,17 +106,6 @@ TEST_F(VarNodes, ResolvesExpressions)
     for (const auto &row : cases)
         EXPECT_EQ(row.address, inStruct(row.text, aVarNode, nNodes)) << row.text;
     EXPECT_EQ(NONE, inStruct(std::string(5000, 's').c_str(), aVarNode, nNodes));
-}
-
-TEST_F(VarNodes, FindsTheFirstOfAnUnsortedTable)
-{
-    char b[] = "b", a[] = "a";
-    VarNode table[3];
-    table[0] = {b, 1};
-    table[1] = {a, 2};
-    table[2] = {a, 3};
-    EXPECT_EQ(2u, inStruct("a", table, 3));
-    EXPECT_EQ(1u, inStruct("b", table, 3));
 }
 
 TEST_F(VarNodes, NamesTheNodeAtOrAfterAnAddress)

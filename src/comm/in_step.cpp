@@ -12,6 +12,7 @@ namespace {
 constexpr int PROBES_FOR_UNKNOWN = 3;
 constexpr size_t RECENT_PROBES_MAX = 16;
 constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
+constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
 
 STEP_Listener listener;
 int lastPartner = -1;
@@ -57,6 +58,7 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool i
     for (const STEP_Open &open : partner->open)
         newest = open.shape == shape ? open.number : newest;
     CheckSurplus(line, partner, newest);
+    // Answers that were lost count as come, or a later repetition would look like one of them.
     partner->came = std::max(partner->came, found->number);
     const bool isProbe = isKnown && found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
@@ -66,11 +68,13 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool i
         partner->calmAt = line->disturbed;
         partner->provenMs = nowMs;
     }
+    // Nothing is open: counting begins anew, so that neither number ever wraps.
     if (partner->open.empty())
         partner->sent = partner->came = 0;
     return isProbe;
 }
 
+// A xorshift: the order of probes need not be secret, only different from run to run.
 uint32_t NextRandom(STEP_Line *line)
 {
     line->random ^= line->random << 13;
@@ -84,6 +88,7 @@ int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &pr
 {
     int left = attempts;
     for (int sent = 0; !isDone(); ++sent) {
+        // Without the second bound a line that repeats everything would be probed for ever.
         if (left <= 0 || sent == PROBES_MAX)
             return STEP_ERR_SILENT;
         const STEP_Shape shape = STEP_PickProbe(line, partner, prober.shapes, prober.count);
@@ -104,6 +109,7 @@ void STEP_Reset(STEP_Line *line, uint32_t seed)
     line->partners.resize(STEP_PARTNERS);
     for (STEP_Partner &partner : line->partners)
         partner.unknown = PROBES_FOR_UNKNOWN;
+    // From 0 the generator would only give zeros.
     line->random = seed != 0 ? seed : 1;
 }
 
@@ -123,6 +129,7 @@ bool STEP_IsCalm(const STEP_Line &line, int partner, size_t expected)
 void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
 {
     STEP_Partner &book = PartnerOf(line, partner);
+    // Too many to tell apart: from here on anything may come, as after opening.
     if (book.open.size() >= STEP_OPEN_MAX) {
         book.open.clear();
         book.unknown = PROBES_FOR_UNKNOWN;
@@ -154,6 +161,7 @@ void STEP_Refused(STEP_Line *line, int partner, STEP_Shape shape)
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
 {
     STEP_Partner &book = PartnerOf(line, partner);
+    // Noise while something is open may be its damaged answer; alone it is nobody's.
     if (book.open.empty())
         ++line->disturbed;
     book.came += answers;
@@ -172,6 +180,17 @@ void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)
     book = STEP_Partner();
     book.calmAt = line->disturbed;
     book.provenMs = nowMs;
+}
+
+bool STEP_IsSuspicious(STEP_Line *line, int partner, uint32_t nowMs)
+{
+    if (line->disturbed != line->disturbedSeen) {
+        line->disturbedSeen = line->disturbed;
+        line->suspiciousSinceMs = nowMs;
+        line->isSuspicious = true;
+    }
+    line->isSuspicious = line->isSuspicious && nowMs - line->suspiciousSinceMs < SUSPICION_MS;
+    return line->isSuspicious || nowMs - PartnerOf(line, partner).provenMs >= PROOF_PERIOD_MS;
 }
 
 STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes, size_t count)

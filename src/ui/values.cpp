@@ -16,6 +16,7 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_SCOPE, SCOPE_EDGE, "Rising", 0},
     {PANEL_SCOPE, SCOPE_EDGE, "Falling", 1},
     {PANEL_SCOPE, SCOPE_EDGE, "Free run", 2},
+    {PANEL_SCOPE, SCOPE_SHOWN, "Curves", -1},
     {PANEL_SCOPE, SCOPE_TYPE, "i1   signed byte", 0},
     {PANEL_SCOPE, SCOPE_TYPE, "u1   unsigned byte", 3},
     {PANEL_SCOPE, SCOPE_TYPE, "i2   signed", 1},
@@ -64,6 +65,10 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_MEMORY, MEMORY_WRITE, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
+
+    {PANEL_DEBUGGER, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_DEBUGGER, DEBUG_CODE, KEY_LEFT, KEY_RIGHT, true}, // back, into a jump
+    {PANEL_DEBUGGER, DEBUG_CODE, KEY_BACKSPACE, KEY_BACKSPACE, true},
 
     {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "runtime/model/door.h"
+#include "runtime/plot_view.h"
 
 namespace {
 
@@ -257,7 +258,7 @@ int HandleEnd()
     return 0;
 }
 
-int Handle(const VIEW_Event &event)
+int HandleEvent(const VIEW_Event &event)
 {
     if (ApplyQuiet(event))
         return 0;
@@ -275,10 +276,10 @@ int Handle(const VIEW_Event &event)
     }
 }
 
-void TakeEvents(MDL_State *state)
+void FetchEvents(MDL_State *state)
 {
     // A newer value may take the place of an event that is in the model already.
-    if (DOOR_TakeEvents(&state->queue) && !state->isCaught.empty())
+    if (DOOR_FetchEvents(&state->queue) && !state->isCaught.empty())
         state->isCaught.back() = false;
     state->isCaught.resize(state->queue.size(), false);
 }
@@ -313,10 +314,10 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
                                     : event.number;
         return 0;
     case UIK_GRAPH:
-        if (!event.view || !MDL_IsViewGood(*event.view))
+        if (!event.view || !PLV_IsGood(*event.view))
             return MDL_STALE;
         control->graph = *event.view;
-        MDL_SettleGraph(control->plots, &control->graph);
+        PLV_Settle(control->plots, &control->graph);
         return 0;
     default:
         control->state.value = event.value != 0;
@@ -327,7 +328,7 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
 void MDL_CatchUp()
 {
     MDL_State &state = MDL_GetState();
-    TakeEvents(&state);
+    FetchEvents(&state);
     for (size_t i = 0; i < state.queue.size(); i++) {
         const VIEW_Event &event = state.queue[i];
         if (state.isCaught[i])
@@ -352,7 +353,7 @@ void MDL_CatchUp()
 bool MDL_HandleNext()
 {
     MDL_State &state = MDL_GetState();
-    TakeEvents(&state);
+    FetchEvents(&state);
     if (state.queue.empty())
         return false;
     const VIEW_Event event = std::move(state.queue.front());
@@ -360,7 +361,7 @@ bool MDL_HandleNext()
     state.isCaught.pop_front();
     ForgetCaught(&state, event);
     DOOR_EndUrgent(event);
-    state.result = Handle(event);
+    state.result = HandleEvent(event);
     DOOR_CountHandled();
     if (state.depth == 0)
         MDL_Flush();

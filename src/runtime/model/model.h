@@ -132,10 +132,6 @@ void MDL_FlushNowAndThen();
 // In place of the one of that name. UIE_BAD_INDEX: too many, or no good name.
 int MDL_KeepLayout(const UI_Layout &layout);
 
-// Graphs: limits of a fitted view, cursors on samples that exist. Null plots are none.
-void MDL_SettleGraph(const std::vector<UI_Plot> &plots, UI_GraphView *view);
-bool MDL_IsViewGood(const UI_GraphView &view);
-
 // --- events -----------------------------------------------------------------------------------
 // Puts into the model what the user has typed, chosen and moved so far; the callbacks follow
 // in their turn. The control whose own event is being handled keeps the value it had then:

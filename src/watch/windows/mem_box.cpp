@@ -89,7 +89,7 @@ std::string FindPlace(const std::string &text, Place *place)
     const char *cursor = text.c_str();
     place->station = GetStationModifier(&cursor);
     if (place->station > STATION_MAX)
-        return "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
+        return ADR_StationText();
     const std::string what = WRD_Trim(cursor);
     if (what.empty())
         return "An address or a name is missing behind the station.";
@@ -100,9 +100,7 @@ std::string FindPlace(const std::string &text, Place *place)
     }
     place->memory = what[0] == '&' ? OF_TMS : OF_C166;
     place->address = GetSysAddrWk(what.c_str());
-    return place->address == ADDR_NONE
-               ? "'" + what + "' is no address, and no loaded map knows such a name."
-               : "";
+    return place->address == ADDR_NONE ? ADR_UnknownText(what) : "";
 }
 
 int StationToRead()
@@ -117,11 +115,7 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
         const int offset = row * ROW_BYTES;
         AppendFormat(&text, "\n%08lx(%+3i): ",
                      static_cast<unsigned long>(address + static_cast<uint32_t>(offset)), offset);
-        for (int i = 0; i < ROW_BYTES; ++i)
-            AppendFormat(&text, " %02X", bytes[i]);
-        text += "  ";
-        for (int i = 0; i < ROW_BYTES; ++i)
-            text += bytes[i] >= 0x20 && bytes[i] < 0x7F ? static_cast<char>(bytes[i]) : '.';
+        text += " " + BYT_Hex(bytes, ROW_BYTES) + "  " + BYT_Plain(bytes, ROW_BYTES);
     }
     return text;
 }
@@ -192,7 +186,7 @@ std::string WordsText(uint32_t address, const uint32_t *words)
     return text;
 }
 
-void TakeItemType(int index)
+void UseItemType(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
@@ -204,7 +198,7 @@ void TakeItemType(int index)
 
 int ReadMemory(uint32_t address, int index)
 {
-    TakeItemType(index);
+    UseItemType(index);
     if (index < 0 || index >= nLItems || !LIT_IsTMS(aLItems[index]))
         return read166Memory(address) == 0 ? 0 : -1;
     SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
@@ -269,7 +263,7 @@ void MBX_Update(int selected)
         SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
         readTMSMemory(place.address);
     } else {
-        TakeItemType(selected);
+        UseItemType(selected);
         read166Memory(place.address);
     }
     typedStation = -1;
