@@ -41,6 +41,15 @@ constexpr uint32_t GAMMA = 0x30000;
 constexpr uint32_t GAMMA_POINTS = 16;
 constexpr uint32_t DPP = 0xFE00;
 
+// Set-points and the copies of them that a restart would take; SAV_wDiffers counts those
+// that are no copies any more.
+struct Saved {
+    uint32_t source, copy;
+    size_t size;
+};
+const Saved savedValues[] = {{GAIN, 0x8300, 2}, {LIMIT, 0x8304, 4}, {OFFSET, 0x8308, 2}};
+constexpr uint32_t SAVED_DIFFER = 0x830A;
+
 // DRV_stParams and its members, see the type map of the examples.
 constexpr uint32_t PARAMS = 0x8222;
 constexpr uint32_t PARAMS_MODE = PARAMS + 4;
@@ -266,6 +275,15 @@ void initStructures(SIM_Station *station)
     }
 }
 
+void setSavedDiffer(SIM_Station *station)
+{
+    uint64_t differ = 0;
+    for (const Saved &saved : savedValues)
+        differ += SIM_GetValue(*station, saved.source, saved.size) !=
+                  SIM_GetValue(*station, saved.copy, saved.size);
+    SIM_SetValue(station, SAVED_DIFFER, 2, differ);
+}
+
 bool touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
 {
     return address < end && address + count > begin;
@@ -285,6 +303,11 @@ void SIM_InitDemo(SIM_Station *station, int number)
     SIM_SetValue(station, TABLE_POINTER, 2, TABLE);
     initArrays(station, number);
     initStructures(station);
+    SIM_SetValue(station, 0x8206, 2, 1500); // DRV_nSpeedMax
+    SIM_SetFloat(station, 0x820C, 12.5F);   // DRV_fCurrentMax
+    for (const Saved &saved : savedValues)
+        SIM_SetValue(station, saved.copy, saved.size,
+                     SIM_GetValue(*station, saved.source, saved.size));
     SIM_InitDataLogs(station, number);
     for (uint32_t i = 0; i < 4; i++)
         SIM_SetValue(station, DPP + 2 * i, 2, i); // as after a reset: pages in order
@@ -297,6 +320,8 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
 {
     const double t = seconds + STATION_PHASE_S * number;
     SIM_UpdateDataLogs(station, number, seconds, address, count);
+    if (touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
+        setSavedDiffer(station);
     if (touches(address, count, F28_BEGIN, F28_END))
         setF28(station, t);
     if (touches(address, count, DRIVE_BEGIN, DRIVE_END))

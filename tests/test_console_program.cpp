@@ -80,6 +80,23 @@ TEST_F(ConsoleProgram, OptionsAreChecked)
     EXPECT_EQ(0u, Run("--help").out.find("Usage: vireo2-console"));
 }
 
+TEST_F(ConsoleProgram, ComparesTheTargetWithADataFile)
+{
+    std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
+    Write("Vireo2.ini", "r, AC167\nm, demo.m66\ntm, demo.tmf\nb, 115200\np, 1\ns, 1\n");
+    StartTarget();
+    const Outcome equal = Run("--compare demo.ulh demo.ldx");
+    EXPECT_EQ(equal.code, 0) << equal.err;
+    EXPECT_EQ(equal.out, "");
+    const uint8_t other[] = {120, 0};
+    SIM_Poke(target, 1, 0x8300, other, sizeof other); // a mirror
+    const Outcome different = Run("--compare demo.ulh demo.ldx");
+    EXPECT_EQ(different.code, 1);
+    EXPECT_EQ(different.out, "SAV_wGain: 120 in the target, 100 in the file\n");
+    EXPECT_EQ(Run("--compare demo.ulh demo.m66").code, 2);
+    EXPECT_EQ(Run("--compare demo.ulh").code, 2);
+}
+
 TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
 {
     Write("prjinfo.map28x", "00C002 _speed\n");

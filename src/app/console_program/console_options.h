@@ -3,6 +3,7 @@
 #ifndef APP_CONSOLE_PROGRAM_CONSOLE_OPTIONS_H
 #define APP_CONSOLE_PROGRAM_CONSOLE_OPTIONS_H
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -24,11 +25,20 @@ struct CPG_Options {
     bool isNoVerify = false;
     std::string typesFile; // type map to open, "" = none but the settings'
     std::string traceFile;
-    std::string scopeFile; // settings of a scope recording, "" = none
-    std::string csvFile;   // where it goes; "-" = standard output
-    double scopeWait = 10; // seconds to wait for the trigger
-    bool isSnap = false;   // do not wait for it
-    std::string archive;   // to be written from archiveFiles
+    std::string scopeFile;     // settings of a scope recording, "" = none
+    std::string csvFile;       // where it goes; "-" = standard output
+    double scopeWait = 10;     // seconds to wait for the trigger
+    bool isSnap = false;       // do not wait for it
+    std::string recordFile;    // of the watch list's values as they come, "" = none
+    int recordPeriodMs = 1000; // 0 = as fast as the line allows
+    bool hasRecordPeriod = false;
+    double recordSeconds = 0; // 0 = until interrupted
+    uint64_t rotateBytes = 0;
+    uint32_t rotateMinutes = 0;
+    std::vector<std::string> triggers;
+    std::string compareHeader; // set to compare the target with compareFile, "" = none
+    std::string compareFile;
+    std::string archive; // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };
 

@@ -67,13 +67,16 @@ int Run(const CPG_Options &options, int argc, char **argv)
     CPG_SetOptions(options);
     const bool isWatch = !options.watchFile.empty();
     const bool isScope = !options.scopeFile.empty();
+    const bool isCompare = !options.compareHeader.empty();
     VR_szTypesOption = options.typesFile;
-    job = isWatch                        ? CPG_RunWatch
+    job = !options.recordFile.empty()    ? CPG_RunRecord
+          : isWatch                      ? CPG_RunWatch
           : isScope                      ? CPG_RunScope
+          : isCompare                    ? CPG_RunCompare
           : !options.programFile.empty() ? CPG_RunProgram
                                          : Drive;
     HL_SetDriver(DriveJob);
-    if (isWatch || isScope)
+    if (isWatch || isScope || isCompare)
         HL_SetStreams(stderr, stderr); // tables only on standard output
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)

@@ -30,6 +30,9 @@ int SCR_L3Erase(ScrPar *par);
 int SCR_L3Write(ScrPar *par);
 int SCR_L3Verify(ScrPar *par);
 int SCR_L3Read(ScrPar *par);
+// Variable sets.
+int SCR_Upload(ScrPar *par);
+int SCR_Download(ScrPar *par);
 // Registers of any Modbus slave; the parameter is the whole line.
 int SCR_MbRead(ScrPar *par);
 int SCR_MbWrite(ScrPar *par);

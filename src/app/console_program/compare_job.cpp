@@ -1,0 +1,59 @@
+// The target against a data file for other programs: what differs on standard output, the
+// answer in the exit code. Nothing is written.
+#include <cstdio>
+
+#include "app/console_program/sessions.h"
+#include "comm/communication.h"
+#include "runtime/userint.h"
+#include "sets/restore.h"
+#include "settings/settings.h"
+#include "text/words.h"
+
+namespace {
+
+constexpr int EXIT_DIFFERENT = 1;
+constexpr int EXIT_NOT_COMPARED = 2;
+
+CPG_Options options;
+
+bool IsStopped(void *, size_t, size_t, const char *)
+{
+    return IsBreakWished();
+}
+
+int Compare(PST_Restore *job)
+{
+    const int result = PST_PrepareRestore(options.compareHeader, options.compareFile, false, job,
+                                          {nullptr, IsStopped});
+    if (result != PST_OK) {
+        std::fprintf(stderr, "%s%s", PST_FormatProblems(job->problems).c_str(),
+                     WRD_Visible(job->why).c_str());
+        std::fputs(job->why.empty() ? "" : "\n", stderr);
+        return EXIT_NOT_COMPARED;
+    }
+    for (const std::string &line : PST_MapRemarks(*job))
+        std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
+    const std::vector<std::string> differences = PST_Differences(*job);
+    for (const std::string &line : differences)
+        std::printf("%s\n", WRD_Visible(line).c_str());
+    return differences.empty() ? 0 : EXIT_DIFFERENT;
+}
+
+} // namespace
+
+void CPG_SetCompareOptions(const CPG_Options &newOptions)
+{
+    options = newOptions;
+}
+
+int CPG_RunCompare()
+{
+    VIR2_StartPeriodicASC();
+    if (isTimer == 0)
+        return EXIT_NOT_COMPARED;
+    SuspendTimerCallbacks(); // nobody watches a list here
+    PST_Restore job;
+    const int code = Compare(&job);
+    VIR2_StopPeriodicASC();
+    return code;
+}

@@ -1,0 +1,302 @@
+#include "sets/data.h"
+
+#include "platform/plain_file.h"
+#include "platform/safe_file.h"
+#include "platform/system.h"
+#include "sets/header.h"
+#include "sets/line.h"
+#include "sets/value.h"
+#include "settings/settings.h"
+#include "symbols/varnode.h"
+#include "text/txfr.h"
+#include "text/words.h"
+#include "text/xscan.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <unordered_map>
+
+namespace {
+
+constexpr int LINES_MAX = 200000;
+const char VERSION_LINE[] = "// Uploader v1.00";
+const char END_LINE[] = "// end";
+
+struct ProcessorName {
+    int32_t processor;
+    const char *name;
+};
+const ProcessorName PROCESSORS[] = {
+    {CPU_C166, "AC166"}, {CPU_C167, "AC167"}, {CPU_F283XX, "F283xx"}, {CPU_F2803X, "F2803x"}};
+
+struct Reader {
+    PST_File *file = nullptr;
+    PST_Problems *problems = nullptr;
+    std::unordered_map<std::string, int> lines; // of the names so far
+    std::string group, heading;
+    bool isEnded = false;
+    int line = 0;
+
+    void Refuse(const std::string &text)
+    {
+        problems->Add(file->path, line, text);
+    }
+};
+
+bool IsVersionLine(const char *cursor)
+{
+    return xscan("* ////* Uploader v?/.* @#0-9./.@#0-9* #", &cursor) >= 0;
+}
+
+// "// date = 31-12-2015, time = 23:59:59", and both are real ones.
+bool ParseDateLine(const char *cursor, PST_File *file)
+{
+    const char *begin = cursor;
+    if (xscan("* ////* date* /=* #0-9.#0-9./-#0-9.#0-9./-#2-9.#0-9.#0-9.#0-9.", &cursor) < 0)
+        return false;
+    const std::string date(cursor - 10, cursor);
+    if (xscan("* /,* time* /=* #0-9.#0-9./:#0-9.#0-9./:#0-9.#0-9.* #", &cursor) < 0)
+        return false;
+    const std::string rest = WRD_Trim(begin);
+    const std::string time = rest.substr(rest.size() - 8);
+    const int day = std::atoi(date.c_str()), month = std::atoi(date.c_str() + 3);
+    if (day < 1 || day > 31 || month < 1 || month > 12 || time > "23:59:59")
+        return false;
+    file->date = date;
+    file->time = time;
+    return true;
+}
+
+// "// map = demo.m66": what is not known is a remark of whoever edited the file.
+void ParseRemark(Reader *reader, const std::string &text)
+{
+    const size_t equals = text.find('=');
+    if (WRD_Trim(text) == "end") {
+        reader->isEnded = true;
+        return;
+    }
+    if (equals == std::string::npos)
+        return;
+    const std::string key = WRD_Trim(text.substr(0, equals));
+    const std::string value = WRD_Visible(WRD_Trim(text.substr(equals + 1)));
+    PST_File *file = reader->file;
+    if (key == "group") {
+        reader->group = value;
+        reader->heading.clear();
+    } else if (key == "map stamp") {
+        file->stamp = static_cast<uint32_t>(std::strtoul(value.c_str(), nullptr, 16));
+    } else {
+        std::string *const fields[] = {&file->device, &file->processor, &file->station, &file->map,
+                                       &file->header};
+        const char *const keys[] = {"device", "processor", "station", "map", "header"};
+        for (size_t i = 0; i < std::size(keys); ++i)
+            if (key == keys[i])
+                *fields[i] = value;
+    }
+}
+
+void ParseRecord(Reader *reader, const std::string &text, const std::string &comment)
+{
+    PST_Line line;
+    std::string why = PST_SplitLine(text, &line);
+    if (why.empty() && (line.value.empty() || !line.rest.empty()))
+        why = "A line is a name, '=' and one value.";
+    if (why.empty()) {
+        const auto first = reader->lines.emplace(line.reference, reader->line);
+        if (!first.second)
+            why = "'" + line.reference + "' has a value already, in line " +
+                  std::to_string(first.first->second) + ".";
+    }
+    if (why.empty() && reader->file->records.size() >= PST_VALUES_MAX)
+        why = "More than " + std::to_string(PST_VALUES_MAX) + " values.";
+    if (!why.empty()) {
+        reader->Refuse(why);
+        return;
+    }
+    PST_Record record;
+    record.group = reader->group;
+    record.heading = reader->heading;
+    record.name = line.reference;
+    record.cast = line.cast;
+    record.value = line.value;
+    record.line = reader->line;
+    // What stands behind a value is for people; only what was written by a program counts.
+    PST_Attributes attributes;
+    if (PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty())
+        record.attributes = attributes;
+    reader->file->records.push_back(record);
+}
+
+void ReadLine(Reader *reader, const std::string &line)
+{
+    std::string text, comment, label;
+    if (reader->line == 1) {
+        if (!IsVersionLine(line.c_str()))
+            reader->Refuse("This is no data file: it begins with '// Uploader v1.00'.");
+    } else if (reader->line == 2) {
+        if (!ParseDateLine(line.c_str(), reader->file))
+            reader->Refuse("Here stands '// date = 31-12-2015, time = 23:59:59'.");
+    } else if (WRD_Trim(line).compare(0, 2, "//") == 0) {
+        ParseRemark(reader, WRD_Trim(line).substr(2));
+    } else {
+        PST_CutComment(line, &text, &comment);
+        if (text.empty())
+            return;
+        if (reader->isEnded)
+            reader->Refuse("The file goes on behind its end.");
+        else if (PST_ParseLabel(text, &label))
+            reader->heading = label;
+        else
+            ParseRecord(reader, text, comment);
+    }
+}
+
+std::string HeadText(const PST_Set &set)
+{
+    PLT_Date now;
+    PLT_LocalTime(&now);
+    char date[64], stamp[16];
+    std::snprintf(date, sizeof date, "// date = %02d-%02d-%04d, time = %02d:%02d:%02d\n", now.day,
+                  now.month, now.year, now.hour, now.minute, now.second);
+    std::snprintf(stamp, sizeof stamp, "%08X", PST_MapStamp());
+    std::string text = std::string(VERSION_LINE) + "\n" + date;
+    if (!set.device.empty())
+        text += "// device = " + set.device + "\n";
+    text += std::string("// processor = ") + PST_ProcessorName() + "\n";
+    text += "// station = " + std::to_string(STATION) + "\n";
+    const std::filesystem::path map = std::filesystem::u8path(mapFile);
+    if (!mapFile.empty())
+        text += "// map = " + WRD_Visible(map.filename().u8string()) + "\n";
+    text += "// map stamp = " + std::string(stamp) + "\n";
+    const std::filesystem::path header = std::filesystem::u8path(set.path);
+    return text + "// header = " + WRD_Visible(header.filename().u8string()) + "\n\n";
+}
+
+std::string LabelText(std::string heading)
+{
+    for (char &c : heading)
+        c = c == ' ' ? '_' : c;
+    return heading + ":\n";
+}
+
+} // namespace
+
+const char *PST_ProcessorName()
+{
+    for (const ProcessorName &row : PROCESSORS)
+        if (row.processor == Procesor)
+            return row.name;
+    return "???";
+}
+
+int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems)
+{
+    *file = PST_File();
+    file->path = path;
+    Reader reader;
+    reader.file = file;
+    reader.problems = problems;
+    const size_t before = problems->count;
+    const int handle = TXFR_Open(path.c_str());
+    if (handle < 0) {
+        reader.Refuse(std::string("The data file ") + PLF_WhyUnreadable(path) + ".");
+        return -1;
+    }
+    std::string line;
+    while (TXFR_RdNewLine(handle, &line, static_cast<int>(PST_LINE_MAX) + 1) >= 0) {
+        const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
+        ++reader.line;
+        if (isBroken || reader.line > LINES_MAX) {
+            reader.Refuse(isBroken ? "The line has more than " + std::to_string(PST_LINE_MAX) +
+                                         " characters."
+                                   : "More than " + std::to_string(LINES_MAX) + " lines.");
+            TXFR_Close(handle);
+            return -1;
+        }
+        ReadLine(&reader, line);
+        // A wrong first line is another kind of file: its other lines would all be wrong, too.
+        if (problems->count > before && reader.line <= 2) {
+            TXFR_Close(handle);
+            return -1;
+        }
+    }
+    if (!reader.isEnded && problems->count == before) {
+        ++reader.line;
+        reader.Refuse("The file is not whole: its last line '// end' is missing.");
+    }
+    return problems->count == before ? 0 : -1;
+}
+
+int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::vector<int> *lines,
+             PST_Problems *problems)
+{
+    const size_t before = problems->count;
+    values->assign(set.entries.size(), PST_Held());
+    if (lines != nullptr)
+        lines->assign(set.entries.size(), 0);
+    for (const PST_Record &record : file.records) {
+        const auto found = set.byName.find(record.name);
+        if (found == set.byName.end()) {
+            problems->Add(file.path, record.line,
+                          "'" + record.name + "' does not belong to the set.");
+            continue;
+        }
+        const PST_Entry &entry = set.entries[found->second];
+        PST_Held &held = (*values)[found->second];
+        std::string why;
+        if (PST_ParseValue(entry, record.cast, record.value, &held.bytes, &why) == 0)
+            why = PST_CheckLimits(PST_AttributesOf(set, entry), entry, held.bytes);
+        if (!why.empty())
+            problems->Add(file.path, record.line, "'" + record.name + "': " + why);
+        held.isThere = why.empty();
+        if (lines != nullptr)
+            (*lines)[found->second] = record.line;
+    }
+    return problems->count == before ? 0 : -1;
+}
+
+int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &values,
+                  const std::vector<std::string> &remarks)
+{
+    SafeFile safe;
+    const int result = SAF_Open(&safe, path, "wb");
+    if (result != 0)
+        return result;
+    SAF_PutText(safe.file, HeadText(set));
+    size_t group = 0;
+    std::string heading;
+    for (size_t i = 0; i < set.entries.size(); ++i) {
+        const PST_Entry &entry = set.entries[i];
+        const PST_Item &item = set.items[entry.item];
+        if (!values[i].isThere)
+            continue;
+        if (item.group != group) {
+            SAF_PutText(safe.file, (i > 0 ? "\n" : "") + std::string("// group = ") +
+                                       set.groups[item.group] + "\n");
+            heading.clear();
+        }
+        group = item.group;
+        if (item.heading != heading && !item.heading.empty())
+            SAF_PutText(safe.file, LabelText(item.heading));
+        heading = item.heading;
+        // The text once; what makes a number readable at each of them.
+        PST_Attributes attributes = item.attributes;
+        if (i != item.firstEntry)
+            attributes.text.clear();
+        std::string line = PST_AssignmentText(entry, values[i].bytes);
+        const std::string comment = PST_FormatAttributes(attributes);
+        if (!comment.empty())
+            line += std::string(line.size() < 40 ? 40 - line.size() : 1, ' ') + "; " + comment;
+        SAF_PutText(safe.file, line + "\n");
+    }
+    SAF_PutText(safe.file, "\n");
+    for (const std::string &remark : remarks)
+        SAF_PutText(safe.file, "// " + remark + "\n");
+    SAF_PutText(safe.file, std::string(END_LINE) + "\n");
+    return SAF_Commit(&safe);
+}
+
+const char *PST_WriteErrorText(int result)
+{
+    return result == SAF_ERR_READ_ONLY ? "is write-protected" : "could not be written";
+}

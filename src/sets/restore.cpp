@@ -1,0 +1,258 @@
+#include "sets/restore.h"
+
+#include "platform/system.h"
+#include "sets/header.h"
+#include "sets/value.h"
+#include "settings/settings.h"
+#include "text/words.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+namespace {
+
+constexpr size_t NAMES_SHOWN_MAX = 20; // in one line of a result
+constexpr int UNDO_FILES_MAX = 99;
+
+std::string Counted(size_t count, const char *one, const char *many)
+{
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+const PST_Entry &EntryAt(const PST_Restore &job, uint32_t place)
+{
+    return job.set.entries[job.set.places[place].entry];
+}
+
+bool Differs(const PST_Restore &job, uint32_t place)
+{
+    const uint32_t entry = job.set.places[place].entry;
+    return job.wanted[entry].isThere &&
+           !PST_IsSame(job.set.entries[entry], job.wanted[entry], job.before[place]);
+}
+
+// In the target's numbers, with the shown one where a factor makes it another.
+std::string NumberText(const PST_Restore &job, uint32_t place, const PST_Held &held)
+{
+    const PST_Entry &entry = EntryAt(job, place);
+    const PST_Attributes &attributes = PST_AttributesOf(job.set, entry);
+    std::string text = PST_ValueText(entry, held.bytes);
+    if (entry.type != 0 && attributes.factor != 1)
+        text += " (" + PST_ShownText(entry, attributes.factor, held.bytes) +
+                (attributes.unit.empty() ? "" : " " + attributes.unit) + ")";
+    return text;
+}
+
+// "wGain, wLimit and 3 more" of the places in a state.
+std::string NamesIn(const PST_Restore &job, PST_State state, size_t *count)
+{
+    std::string names;
+    *count = 0;
+    for (const uint32_t place : job.writes) {
+        if (job.states[place] != state)
+            continue;
+        if (++*count <= NAMES_SHOWN_MAX)
+            names += (names.empty() ? "" : ", ") + PST_PlaceName(job.set, place);
+    }
+    if (*count > NAMES_SHOWN_MAX)
+        names += " and " + std::to_string(*count - NAMES_SHOWN_MAX) + " more";
+    return names;
+}
+
+// Beside the data file, never over an older one: that may hold the only values from before.
+std::string FreeUndoPath(const std::string &data)
+{
+    const std::filesystem::path path = std::filesystem::u8path(data);
+    const std::string stem = (path.parent_path() / path.stem()).u8string() + ".undo";
+    for (int i = 1; i <= UNDO_FILES_MAX; ++i) {
+        const std::string name = stem + (i == 1 ? "" : "-" + std::to_string(i)) + ".ldx";
+        PLT_FileStamp stamp;
+        if (PLT_GetFileStamp(name, &stamp) != 0)
+            return name;
+    }
+    return "";
+}
+
+int WriteUndo(PST_Restore *job)
+{
+    const std::string path = FreeUndoPath(job->file.path);
+    if (path.empty()) {
+        job->why = "There are " + std::to_string(UNDO_FILES_MAX) +
+                   " undo files beside the data file already.";
+        return PST_ERR_UNDO;
+    }
+    const PST_Set &set = job->set;
+    std::vector<std::string> remarks;
+    for (uint32_t i = static_cast<uint32_t>(set.entries.size()); i < set.places.size(); ++i) {
+        const uint32_t entry = set.places[i].entry;
+        if (!PST_IsSame(set.entries[entry], job->before[i], job->before[entry]))
+            remarks.push_back("mirror " + set.places[i].name + " held " +
+                              PST_ValueText(set.entries[entry], job->before[i].bytes));
+    }
+    const int result = PST_WriteData(path, set, job->before, remarks);
+    if (result != 0) {
+        job->why = "The undo file '" + path + "' " + PST_WriteErrorText(result) + ".";
+        return PST_ERR_UNDO;
+    }
+    job->undoPath = path;
+    return PST_OK;
+}
+
+} // namespace
+
+int PST_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
+                       PST_Restore *job, const PST_Progress &progress)
+{
+    *job = PST_Restore();
+    const int headerResult = PST_ReadHeader(header, &job->set, &job->problems);
+    const int dataResult = PST_ReadData(data, &job->file, &job->problems);
+    if (headerResult != 0 || dataResult != 0)
+        return PST_ERR_FILE;
+    if (PST_Bind(job->set, job->file, &job->wanted, &job->lines, &job->problems) != 0)
+        return PST_ERR_FILE;
+    const int result = PST_ReadDevice(job->set, &job->before, progress, &job->why);
+    if (result != PST_OK)
+        return result;
+    for (uint32_t place = 0; place < job->set.places.size(); ++place) {
+        const uint32_t entry = job->set.places[place].entry;
+        const bool isWanted = isAll ? job->wanted[entry].isThere : Differs(*job, place);
+        if (isWanted && !PST_AttributesOf(job->set, job->set.entries[entry]).isReadOnly)
+            job->writes.push_back(place);
+    }
+    job->states.assign(job->set.places.size(), PST_UNTOUCHED);
+    return PST_OK;
+}
+
+std::vector<std::string> PST_MapRemarks(const PST_Restore &job)
+{
+    std::vector<std::string> remarks;
+    const PST_File &file = job.file;
+    char text[32];
+    std::snprintf(text, sizeof text, "%08X", PST_MapStamp());
+    if (file.stamp != PST_MapStamp())
+        remarks.push_back(
+            "The file was made with another map" + (file.map.empty() ? "" : ", " + file.map) +
+            ": its symbols have other names or addresses than the loaded one's (" + text + ").");
+    if (!file.processor.empty() && file.processor != PST_ProcessorName())
+        remarks.push_back("The file is of a " + file.processor + ", the selected processor is " +
+                          PST_ProcessorName() + ".");
+    if (!file.device.empty() && !job.set.device.empty() && file.device != job.set.device)
+        remarks.push_back("The file is of '" + file.device + "', the header of '" + job.set.device +
+                          "'.");
+    return remarks;
+}
+
+std::vector<std::string> PST_RestoreWarnings(const PST_Restore &job)
+{
+    std::vector<std::string> warnings = PST_MapRemarks(job);
+    size_t missing = 0;
+    for (const PST_Held &held : job.wanted)
+        missing += held.isThere ? 0 : 1;
+    if (missing > 0)
+        warnings.push_back(Counted(missing, "value of the set is", "values of the set are") +
+                           " not in the file and will stay as they are.");
+    size_t locked = 0;
+    for (uint32_t place = 0; place < job.set.places.size(); ++place) {
+        const PST_Entry &entry = EntryAt(job, place);
+        if (!PST_AttributesOf(job.set, entry).isReadOnly || !Differs(job, place) ||
+            ++locked > NAMES_SHOWN_MAX)
+            continue;
+        warnings.push_back(
+            job.file.path + ", line " + std::to_string(job.lines[job.set.places[place].entry]) +
+            ": '" + PST_PlaceName(job.set, place) + "' is read-only and will not be written: the " +
+            "target holds " + NumberText(job, place, job.before[place]) + ", the file " +
+            NumberText(job, place, job.wanted[job.set.places[place].entry]) + ".");
+    }
+    if (locked > NAMES_SHOWN_MAX)
+        warnings.push_back(std::to_string(locked - NAMES_SHOWN_MAX) +
+                           " more read-only values differ.");
+    const auto needsStop = [&job](uint32_t place) {
+        return PST_AttributesOf(job.set, EntryAt(job, place)).needsStop;
+    };
+    const auto stops = std::count_if(job.writes.begin(), job.writes.end(), needsStop);
+    if (stops > 0)
+        warnings.push_back(Counted(static_cast<size_t>(stops), "value", "values") +
+                           " may be written only while the machine stands.");
+    return warnings;
+}
+
+std::vector<std::string> PST_RestoreChanges(const PST_Restore &job)
+{
+    std::vector<std::string> changes;
+    for (const uint32_t place : job.writes) {
+        const PST_Held &wanted = job.wanted[job.set.places[place].entry];
+        std::string line = PST_PlaceName(job.set, place) + ": ";
+        if (Differs(job, place))
+            line += NumberText(job, place, job.before[place]) + " -> ";
+        line += NumberText(job, place, wanted);
+        changes.push_back(line + (Differs(job, place) ? "" : ", as it is"));
+    }
+    return changes;
+}
+
+int PST_RunRestore(PST_Restore *job, const PST_Progress &progress)
+{
+    job->why.clear();
+    if (job->writes.empty())
+        return PST_OK;
+    const int undo = WriteUndo(job);
+    if (undo != PST_OK)
+        return undo;
+    PST_Image wanted(job->set.places.size());
+    for (const uint32_t place : job->writes)
+        wanted[place] = job->wanted[job->set.places[place].entry];
+    const int result = PST_WritePlaces(job->set, job->writes, wanted, &job->after, &job->states,
+                                       progress, &job->why);
+    const bool isDifferent =
+        std::find(job->states.begin(), job->states.end(), PST_DIFFERENT) != job->states.end();
+    return result == PST_OK && isDifferent ? static_cast<int>(PST_ERR_VALUES) : result;
+}
+
+std::vector<std::string> PST_RestoreResult(const PST_Restore &job, int result)
+{
+    struct StateRow {
+        PST_State state;
+        const char *text;
+    };
+    const StateRow ROWS[] = {
+        {PST_DIFFERENT, "written, but the target holds something else now: "},
+        {PST_UNREAD, "written, but not read back: "},
+        {PST_IN_DOUBT, "in doubt, the target holds the old or the new value: "},
+        {PST_UNTOUCHED, "not written: "},
+    };
+    if (job.writes.empty())
+        return {"Nothing to write: the target holds the file."};
+    std::vector<std::string> lines;
+    if (!job.why.empty())
+        lines.push_back(job.why);
+    size_t count = 0;
+    NamesIn(job, PST_WRITTEN, &count);
+    lines.push_back(Counted(count, "value", "values") + " written, read back and good.");
+    for (const StateRow &row : ROWS) {
+        const std::string names = NamesIn(job, row.state, &count);
+        if (count > 0)
+            lines.push_back(std::to_string(count) + " " + row.text + names + ".");
+    }
+    if (!job.undoPath.empty())
+        lines.push_back("The values before are in '" + job.undoPath + "': download it to go back.");
+    if (result != PST_OK && result != PST_ERR_UNDO)
+        lines.push_back("The same download again goes on: it writes what still differs.");
+    return lines;
+}
+
+std::vector<std::string> PST_Differences(const PST_Restore &job)
+{
+    std::vector<std::string> lines;
+    for (uint32_t place = 0; place < job.set.places.size(); ++place) {
+        const PST_Held &wanted = job.wanted[job.set.places[place].entry];
+        if (Differs(job, place))
+            lines.push_back(PST_PlaceName(job.set, place) + ": " +
+                            NumberText(job, place, job.before[place]) + " in the target, " +
+                            NumberText(job, place, wanted) + " in the file");
+    }
+    for (size_t i = 0; i < job.wanted.size(); ++i)
+        if (!job.wanted[i].isThere)
+            lines.push_back(job.set.entries[i].name + ": not in the file");
+    return lines;
+}
