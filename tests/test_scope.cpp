@@ -7,6 +7,7 @@
 
 #include "comm/sysaddr.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "text/csv_row.h"
 
@@ -535,9 +536,8 @@ TEST_F(Scope, RecordingsComeBackAsTheyWere)
     const std::string file = path("scope.csv");
     ASSERT_EQ(SCP_SaveCapture(file, capture), 0);
     const std::string text = ReadFileText(file);
-    EXPECT_NE(text.find("\r\nsample,time,nSine,\"a,\"\"b\"\"\"\r\n0,-0.0004,1,5\r\n1,0,0.1,\r\n"),
-              std::string::npos)
-        << text;
+    EXPECT_TRUE(
+        Has(text, "\r\nsample,time,nSine,\"a,\"\"b\"\"\"\r\n0,-0.0004,1,5\r\n1,0,0.1,\r\n"));
     SCP_Capture loaded;
     std::string problem;
     ASSERT_EQ(SCP_LoadCapture(file, &loaded, &problem), 0) << problem;

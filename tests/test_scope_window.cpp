@@ -5,6 +5,7 @@
 #include "scope/session.h"
 #include "scope/spectrum.h"
 #include "scope/window.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 
 #include <cmath>
@@ -35,12 +36,11 @@ UI_GraphView ViewOf()
     return view;
 }
 
-class Graph : public testing::Test {
+class Graph : public ProgramTest {
 protected:
-    void SetUp() override
+    Graph()
     {
-        HL_Reset();
-        ASSERT_EQ(HL_LoadAllPanels(), 0);
+        EXPECT_EQ(HL_LoadAllPanels(), 0);
     }
 };
 
@@ -285,7 +285,7 @@ TEST_F(ScopeWindow, RecordsBetweenRunAndCurve)
     find();
     EXPECT_EQ(shown(SCOPE_MESSAGE), "Scope 'SCP3_rScope'. Type: 4 channels * 500 values");
     ASSERT_EQ(HL_GetPopups().size(), 1u);
-    EXPECT_NE(HL_GetPopups()[0].find("Scope ID setup: "), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups()[0], "Scope ID setup: "));
     EXPECT_EQ(shown(SCOPE_RATE), "5000 Hz, 0.1 s");
     type(SCOPE_FACTOR, "0.5");
     type(SCOPE_LEVEL, "400");
@@ -319,7 +319,7 @@ TEST_F(ScopeWindow, WhatFailsLeavesTheLastRecording)
     const std::vector<double> samples = DTSC_GetCapture().traces.at(0).samples;
     HL_PushAnswer(1, write("bad.csv", "; Vireo2 scope 1\r\n; rate, 5000\r\nsample,ti"));
     press(SCOPE_OPEN_DATA);
-    EXPECT_NE(HL_GetPopups().back().find("is not of a scope recording"), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups().back(), "is not of a scope recording"));
     failWith(8, 70);
     press(SCOPE_RUN);
     EXPECT_EQ(UiAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_DIMMED), 0) << "usable";

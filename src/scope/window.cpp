@@ -1,6 +1,7 @@
 #include "scope/window.h"
 
 #include "comm/communication.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/session.h"
@@ -269,7 +270,7 @@ void SaveSetup()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_SaveSetup(path, setup) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 void OpenData(SCP_Capture *into)
@@ -293,7 +294,7 @@ void SaveData()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_SaveCapture(path, capture) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 } // namespace
