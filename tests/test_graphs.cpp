@@ -2,6 +2,7 @@
 // and the window by clicks against the simulated target.
 #include "graphs/window.h"
 #include "support/watch_fixture.h"
+#include "watch/list/list_view.h"
 
 #include <cmath>
 #include <random>
@@ -134,7 +135,7 @@ protected:
         HL_PushAnswer(1, write("empty.graph", ""));
         GRW_FileCB(PANEL_GRAPH, STRIP_OPEN_SETUP, EVENT_COMMIT, 0);
         addSymbol("nSine", 0x8010);
-        addSymbol("wRamp", 0x8000);
+        addSymbol("wRamp", 0x8012);
         addItem("nSine,i2");
         addItem("wRamp,u2");
         addItem("[8002],u2");
@@ -345,6 +346,38 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     press(STRIP_START);
     sample(3);
     EXPECT_FALSE(GRW_GetSource().isFile);
+}
+
+TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromTheRecording)
+{
+    ASSERT_TRUE(connect());
+    GRA_Setup one;
+    one.periodMs = SMP_FAST;
+    one.curves.resize(1);
+    one.curves[0].item = SMP_FromWatch(aLItems[1]);
+    one.curves[0].scale = {2, 0};
+    GRS_Source source;
+    source.samplesMax = 100;
+    ASSERT_EQ(GRS_Start(&source, one), 0);
+    REC_Options to;
+    to.path = path("past.csv");
+    ASSERT_EQ(GRS_Record(&source, to), 0);
+    while (source.sampler.totals.rows < 1000)
+        ASSERT_GE(GRS_Step(&source), 0);
+    double from = 0, last = 0;
+    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    EXPECT_EQ(from, source.past.begin);
+    std::vector<GRS_Points> curves;
+    ASSERT_EQ(GRS_Draw(&source, one, from, last, &curves), 0);
+    ASSERT_EQ(curves[0].times.size(), source.sampler.totals.rows) << "none twice, none missing";
+    // A ramp: where the file ends and memory begins the values go on.
+    for (size_t i = 1; i < curves[0].values.size(); ++i)
+        ASSERT_LT(std::fmod(curves[0].values[i] - curves[0].values[i - 1] + 20000, 20000), 2000)
+            << i;
+    std::vector<GRH_Measures> measures;
+    EXPECT_EQ(GRS_Measure(&source, one, from, last, &measures), -1) << "not all is in memory";
+    EXPECT_EQ(GRS_Measure(&source, one, last - 0.001, last, &measures), 0);
+    GRS_Stop(&source);
 }
 
 } // namespace

@@ -10,7 +10,7 @@ namespace {
 
 constexpr int COLUMNS = 1200;       // of the picture's width; a screen has hardly more
 constexpr int COARSE_COLUMNS = 300; // of what lies beyond it on either side
-constexpr double US_PER_S = 1e6;
+constexpr double US_PER_S = 1e6, ROUNDING_US = 2;
 constexpr double PAUSE_ROUNDS = 3;                // without a sample: nothing was sampled there
 constexpr size_t STORE_BYTES = size_t{400} << 20; // all curves together
 constexpr size_t MEASURED_ROWS_MAX = 200000;
@@ -68,21 +68,27 @@ void Append(const std::vector<double> &times, const std::vector<double> &values,
     }
 }
 
-// When the oldest sample in memory was taken; false while nothing has fallen out.
+// When the oldest round in memory was sampled, as a recording has it: the middle of the round, in
+// whole microseconds. False while nothing has fallen out.
 bool FindOldest(const GRS_Source &source, double *seconds)
 {
     const SMP_Store &store = source.sampler.store;
-    bool isFound = false;
+    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
     for (size_t i = 0; i < store.rings.size(); ++i) {
         const SMP_Ring &ring = store.rings[i];
         if (ring.first == 0 || ring.first == ring.end)
             continue;
-        const double time =
-            static_cast<double>(SST_Get(store, i, ring.first).timeUs - source.originUs) / US_PER_S;
-        *seconds = isFound ? std::max(*seconds, time) : time;
-        isFound = true;
+        const int64_t timeUs = SST_Get(store, i, ring.first).timeUs;
+        firstUs = std::min(firstUs, timeUs);
+        lastUs = std::max(lastUs, timeUs);
     }
-    return isFound;
+    if (firstUs > lastUs)
+        return false;
+    // Less a little: this very round is not to come from the recording, too.
+    *seconds =
+        (static_cast<double>(firstUs + (lastUs - firstUs) / 2 - source.originUs) - ROUNDING_US) /
+        US_PER_S;
+    return true;
 }
 
 // The recording is read anew only when more has fallen out of memory than it knew of.

@@ -280,10 +280,19 @@ void SaveData()
         MessagePopup("Error", problem);
 }
 
+// A file may hold a value that is no entry yet.
+void ShowRing(int control, int value, const char *unit)
+{
+    if (SetCtrlVal(PANEL_GRAPH, control, value) < 0) {
+        InsertListItem(PANEL_GRAPH, control, -1, std::to_string(value) + unit, value);
+        SetCtrlVal(PANEL_GRAPH, control, value);
+    }
+}
+
 void ShowRings()
 {
-    SetCtrlVal(PANEL_GRAPH, STRIP_PERIOD, setup.periodMs);
-    SetCtrlVal(PANEL_GRAPH, STRIP_WINDOW, static_cast<int>(setup.windowS));
+    ShowRing(STRIP_PERIOD, setup.periodMs, " ms");
+    ShowRing(STRIP_WINDOW, static_cast<int>(setup.windowS), " s");
 }
 
 void OpenSetup()
