@@ -402,6 +402,24 @@ TEST_F(Refresh, TypedValues)
     EXPECT_EQ(bits, 0xFF800000);
 }
 
+// The mailbox is asked at the item's station, whichever is selected.
+TEST_F(Refresh, TheMailboxOfAnotherStationIsThatStations)
+{
+    ASSERT_TRUE(connect());
+    addTmsSymbol("Torque", 0x400);
+    SIM_PokeTMS(target, STATION, 0x400, 111);
+    SIM_PokeTMS(target, STATION + 1, 0x400, 222);
+    ASSERT_EQ(load("&Torque, u4\n"), 0);
+    aLItems[0].station = STATION + 1;
+    ASSERT_EQ(RDI_ReadNow(0), 0);
+    EXPECT_EQ(aLItems[0].value, 222u);
+    std::string message;
+    EXPECT_EQ(WRV_Write(0, "333", &message), WRV_OK) << message;
+    EXPECT_EQ(SIM_PeekTMS(target, STATION + 1, 0x400), 333u);
+    EXPECT_EQ(SIM_PeekTMS(target, STATION, 0x400), 111u);
+    EXPECT_EQ(STATION, 1);
+}
+
 TEST_F(Refresh, WritingValues)
 {
     ASSERT_TRUE(connect());
