@@ -1,5 +1,6 @@
 // What the user sees of a value: formats, list lines, status, memory box and frequency
 // meter over sweeps on the simulated target; and values written to it.
+#include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
 
 #include <cmath>
