@@ -4,6 +4,7 @@
 #include "code/c166.h"
 #include "support/console_rig.h"
 #include "symbols/addr_name.h"
+#include "symbols/varnode.h"
 
 #include <gtest/gtest.h>
 #include <set>

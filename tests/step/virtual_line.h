@@ -38,6 +38,8 @@ bool VL_Happens(double share);
 
 // Bytes that stand in a station's memory: any address has its own, until it is written.
 uint8_t VL_Memory(int station, uint32_t address);
+// What the TMS320 behind any station holds at a word address.
+uint32_t VL_TmsWord(uint32_t address);
 // Addresses from here on hold the present epoch in every byte, so that an answer to an
 // earlier operation is known by its value.
 constexpr uint32_t VL_EPOCHS = 0x400000;

@@ -1,5 +1,9 @@
 #include "app/console_program/console_options.h"
 
+#include "sampler/sampler.h"
+#include "sampler/trigger.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -17,6 +21,12 @@ const char CPG_szUsage[] =
     "  --watch FILE        print the values of a watch list, one table per sweep\n"
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
+    "  --record OUT.csv --watch FILE  record the list's values, once a second:\n"
+    "  --period MS         ... at this period\n"
+    "  --fast              ... as fast as the line allows\n"
+    "  --duration S        end after S seconds (default: until interrupted)\n"
+    "  --rotate 10MB|60MIN begin a new file by size or time, its name with a time stamp\n"
+    "  --trigger 'ACTION when NAME CONDITION'  start, stop, beep or mark\n"
     "  --program FILE.hex  program a HEX file into the target's flash and read it back\n"
     "  --no-erase          do not erase; write only what the flash does not hold yet\n"
     "  --no-verify         do not read back\n"
@@ -68,6 +78,40 @@ bool ApplyFormat(CPG_Options *options, const char *value)
     return false;
 }
 
+bool ApplyPeriod(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    const long period = std::strtol(value, &end, 10);
+    options->recordPeriodMs = static_cast<int>(period);
+    options->hasRecordPeriod = true;
+    return end != value && *end == '\0' && period > 0 && period <= SMP_PERIOD_MAX_MS;
+}
+
+bool ApplyDuration(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    options->recordSeconds = std::strtod(value, &end);
+    return end != value && *end == '\0' && options->recordSeconds > 0 &&
+           options->recordSeconds < 1e9;
+}
+
+// "10MB" or "60MIN".
+bool ApplyRotate(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    const double number = std::strtod(value, &end);
+    if (end == value || !(number > 0) || number > 1e6)
+        return false;
+    const std::string unit(end);
+    if (unit == "MB" || unit == "mb")
+        options->rotateBytes = std::max<uint64_t>(static_cast<uint64_t>(number * 1e6), 1);
+    else if (unit == "MIN" || unit == "min")
+        options->rotateMinutes = static_cast<uint32_t>(number);
+    else
+        return false;
+    return options->rotateBytes > 0 || options->rotateMinutes > 0;
+}
+
 struct LongOption {
     const char *name;
     bool hasValue;
@@ -106,6 +150,20 @@ const LongOption LONG_OPTIONS[] = {
     {"compare", true,
      [](CPG_Options *o, const char *v) { return !(o->compareHeader = v).empty(); }},
     {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
+    {"record", true, [](CPG_Options *o, const char *v) { return !(o->recordFile = v).empty(); }},
+    {"period", true, ApplyPeriod},
+    {"fast", false,
+     [](CPG_Options *o, const char *) {
+         o->recordPeriodMs = SMP_FAST;
+         return o->hasRecordPeriod = true;
+     }},
+    {"duration", true, ApplyDuration},
+    {"rotate", true, ApplyRotate},
+    {"trigger", true,
+     [](CPG_Options *o, const char *v) {
+         o->triggers.push_back(v);
+         return o->triggers.size() <= TRG_LINES_MAX;
+     }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -149,12 +207,20 @@ struct JobRow {
     bool (*isAsked)(const CPG_Options &options);
 };
 const JobRow JOBS[] = {
-    {CPG_WATCH, "--watch", [](const CPG_Options &o) { return !o.watchFile.empty(); }},
+    {CPG_WATCH, "--watch",
+     [](const CPG_Options &o) { return !o.watchFile.empty() && o.recordFile.empty(); }},
+    {CPG_RECORD, "--record", [](const CPG_Options &o) { return !o.recordFile.empty(); }},
     {CPG_PROGRAM, "--program", [](const CPG_Options &o) { return !o.programFile.empty(); }},
     {CPG_SCOPE, "--scope", [](const CPG_Options &o) { return !o.scopeFile.empty(); }},
     {CPG_COMPARE, "--compare", [](const CPG_Options &o) { return !o.compareHeader.empty(); }},
     {CPG_SERVE, "--serve", [](const CPG_Options &o) { return o.isServe; }},
 };
+
+bool HasRecordOptions(const CPG_Options &options)
+{
+    return options.hasRecordPeriod || options.recordSeconds > 0 || options.rotateBytes > 0 ||
+           options.rotateMinutes > 0 || !options.triggers.empty();
+}
 
 int CheckTogether(int rest, const CPG_Options &options, std::string *message)
 {
@@ -168,6 +234,11 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = jobs[0] + " and " + jobs[1] + " exclude each other";
     else if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
         *message = "--sweeps and --format go with --watch";
+    else if (options.recordFile.empty() && HasRecordOptions(options))
+        *message = "--period, --fast, --duration, --rotate and --trigger go with --record";
+    else if (!options.recordFile.empty() &&
+             (options.watchFile.empty() || options.sweeps > 0 || options.format != CPG_TEXT))
+        *message = "--record goes with --watch and without --sweeps and --format";
     else if (options.programFile.empty() && (options.isNoErase || options.isNoVerify))
         *message = "--no-erase and --no-verify go with --program";
     else if (options.scopeFile.empty() != options.csvFile.empty())

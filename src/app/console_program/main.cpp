@@ -36,11 +36,9 @@ struct Job {
 const Job *FindJob(CPG_Job wanted)
 {
     static const Job JOBS[] = {
-        {CPG_LINES, Drive, stdout},
-        {CPG_PROGRAM, CPG_RunProgram, stdout},
-        {CPG_WATCH, CPG_RunWatch, stderr},
-        {CPG_SCOPE, CPG_RunScope, stderr},
-        {CPG_COMPARE, CPG_RunCompare, stderr},
+        {CPG_LINES, Drive, stdout},         {CPG_PROGRAM, CPG_RunProgram, stdout},
+        {CPG_WATCH, CPG_RunWatch, stderr},  {CPG_RECORD, CPG_RunRecord, stderr},
+        {CPG_SCOPE, CPG_RunScope, stderr},  {CPG_COMPARE, CPG_RunCompare, stderr},
         {CPG_SERVE, CPG_RunServe, nullptr},
     };
     for (const Job &row : JOBS)

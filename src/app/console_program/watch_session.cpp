@@ -1,5 +1,4 @@
 // The live watch list for other programs: reads every item, prints a table, again.
-#include <csignal>
 #include <cstdio>
 
 #include "app/console_program/sessions.h"
@@ -17,35 +16,6 @@
 namespace {
 
 CPG_Options options;
-volatile std::sig_atomic_t isInterrupted = 0;
-
-// A second signal ends the program even where it waits for a reader of its output.
-void OnSignal(int signal)
-{
-    isInterrupted = 1;
-    std::signal(signal, SIG_DFL);
-}
-
-bool IsInterrupted()
-{
-    return isInterrupted != 0;
-}
-
-bool LoadList()
-{
-    if (dat2litems(options.watchFile.c_str()) < 0) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    if (nLItems == 0) {
-        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    szDebugFileName = options.watchFile;
-    VR_FillDebugItems();
-    SetMainPanelAttributes();
-    return true;
-}
 
 // False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
@@ -57,11 +27,11 @@ bool Print(const std::string &text)
 // A number of sweeps is wanted soon; one who follows wants the refresh period.
 bool Tick()
 {
-    if (IsInterrupted())
+    if (HL_IsEndWished())
         return false;
     const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
     const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
-                             : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
+                             : HL_WaitTimer(mainPanel, MAIN_TIMER, HL_IsEndWished);
     return fired == 1;
 }
 
@@ -85,6 +55,7 @@ int EndEarly()
     if (options.sweeps == 0)
         return 0;
     std::fprintf(stderr, "Interrupted.\n");
+    QuitUserInterface(1); // the end that was asked for knows nothing of sweeps
     return 1;
 }
 
@@ -93,10 +64,10 @@ int Follow()
     if (!Print(CPG_FormatHeader(options.format)))
         return 1;
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
-        if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
+        if (ReadAll() && !HL_IsEndWished() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
         CPG_RepeatMessage();
-        if (IsInterrupted())
+        if (HL_IsEndWished())
             return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
@@ -113,7 +84,24 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     options = newOptions;
     CPG_SetProgramOptions(newOptions);
     CPG_SetScopeOptions(newOptions);
+    CPG_SetRecordOptions(newOptions);
     CPG_SetCompareOptions(newOptions);
+}
+
+bool CPG_LoadWatchList()
+{
+    if (dat2litems(options.watchFile.c_str()) < 0) {
+        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    if (nLItems == 0) {
+        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    szDebugFileName = options.watchFile;
+    VR_FillDebugItems();
+    SetMainPanelAttributes();
+    return true;
 }
 
 void CPG_RepeatMessage()
@@ -129,9 +117,7 @@ void CPG_RepeatMessage()
 
 int CPG_RunWatch()
 {
-    std::signal(SIGINT, OnSignal);
-    std::signal(SIGTERM, OnSignal);
-    if (!LoadList())
+    if (!CPG_LoadWatchList())
         return 1;
     VIR2_StartPeriodicASC();
     if (isTimer == 0)
