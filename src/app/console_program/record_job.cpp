@@ -112,7 +112,7 @@ int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
     file.path = options.recordFile;
     file.rotateBytes = options.rotateBytes;
     file.rotateMinutes = options.rotateMinutes;
-    const RCJ_Listener listener = {Say, Beep};
+    const RCJ_Listener listener = {PrintForPerson, Beep};
     std::string problem;
     int result =
         RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener, &problem);
