@@ -370,7 +370,7 @@ int EDT_GatherLines(std::vector<int> lines, int gap)
         addMove(*line, to++);
     if (edit.steps.empty())
         return 0;
-    Do(edit, first);
+    MakeEdit(edit, first);
     for (size_t i = 0; i < lines.size(); ++i)
         lines[i] = first + static_cast<int>(i);
     LSV_SelectLines(lines);
