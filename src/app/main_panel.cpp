@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "app/connect_page.h"
 #include "app/window_places.h"
+#include "code/debugger.h"
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
@@ -143,6 +145,16 @@ std::string TypesText()
     return "; types: " + TMF_GetCountsText();
 }
 
+// What was said about another port, station or protocol says nothing about these.
+void OutdateLinkMessage()
+{
+    static std::vector<int> before;
+    const std::vector<int> now = {ncom, bRate, STATION, VR_nProtocol, Option_ComWin32, Option_Echo};
+    if (!before.empty() && before != now)
+        MWN_Outdate(MWN_LINK);
+    before = now;
+}
+
 struct Meaning {
     int value;
     const char *text;
@@ -212,6 +224,7 @@ void VR_DimControls()
 
 void VR_ShowSettings()
 {
+    OutdateLinkMessage();
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     RefreshRecentItems();
@@ -221,12 +234,17 @@ void VR_ShowSettings()
     VR_DimControls();
     VR_ShowComState();
     VSL_SymbolsChanged();
+    DBW_Changed();
     WPL_ApplyColumns();
     CNP_Refresh();
 }
 
 void VR_ShowComState()
 {
+    static bool wasOn = false;
+    if (wasOn && isTimer == 0)
+        MWN_Outdate(MWN_LINK);
+    wasOn = isTimer != 0;
     const int menuBar = GetPanelMenuBar(mainPanel);
     SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);

@@ -28,18 +28,17 @@ int OpenFault(int result)
 {
     if (result == MR166_ERR_PORT)
         return result;
-    switch (SER_LastReason()) {
-    case SER_WHY_MISSING:
-        return MR166_FAULT_MISSING;
-    case SER_WHY_BUSY:
-        return MR166_FAULT_BUSY;
-    case SER_WHY_ACCESS:
-        return MR166_FAULT_ACCESS;
-    case SER_WHY_BAUD:
-        return MR166_FAULT_BAUD;
-    default:
-        return result;
-    }
+    constexpr struct {
+        SER_Why why;
+        int fault;
+    } FAULTS[] = {{SER_WHY_MISSING, MR166_FAULT_MISSING}, {SER_WHY_BUSY, MR166_FAULT_BUSY},
+                  {SER_WHY_ACCESS, MR166_FAULT_ACCESS},   {SER_WHY_BAUD, MR166_FAULT_BAUD},
+                  {SER_WHY_HOST, MR166_FAULT_HOST},       {SER_WHY_REFUSED, MR166_FAULT_REFUSED},
+                  {SER_WHY_SILENT, MR166_FAULT_SILENT}};
+    for (const auto &row : FAULTS)
+        if (row.why == SER_LastReason())
+            return row.fault;
+    return result;
 }
 
 // One block with all its tries. Tries of a proof that was not answered count like its own.

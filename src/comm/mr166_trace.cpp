@@ -41,6 +41,9 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {MR166_FAULT_BUSY, "port is not available: another program has it"},
     {MR166_FAULT_ACCESS, "port is not available: no permission to use it"},
     {MR166_FAULT_BAUD, "baud rate is not supported by the device"},
+    {MR166_FAULT_HOST, "port is not available: no such host"},
+    {MR166_FAULT_REFUSED, "port is not available: nothing listens there"},
+    {MR166_FAULT_SILENT, "port is not available: the host does not answer"},
 };
 
 TRC_Record current;        // the exchange being recorded

@@ -50,6 +50,7 @@ const UI_MenuItem UI_aMenuItems[] = {
 
     {MENU_EDIT, ITEM_ADD, "__Add item...", KEY_INSERT, LEV_AddCB},
     {MENU_EDIT, ITEM_EDIT, "__Edit item...", KEY_F1 + 2, LEV_EditCB},
+    {MENU_EDIT, ITEM_COMMENT, "Comme__nt...", KEY_SHIFT | (KEY_F1 + 1), LEV_CommentCB},
     {MENU_EDIT, ITEM_REMOVE, "__Remove items", KEY_DELETE, LEV_RemoveCB},
     {MENU_EDIT, ITEM_UNDO, "__Undo", KEY_CTRL | 'Z', LEV_UndoCB},
     {MENU_EDIT, ITEM_REDO, "Red__o", KEY_CTRL | 'Y', LEV_RedoCB},
@@ -70,15 +71,15 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_OPTIONS, ITEM_CLOSE_PORT, "C__lose port", 0, ClosePortCB},
     {MENU_OPTIONS, 0, "", 0, nullptr},
     {MENU_OPTIONS, ITEM_AUTO_OFF, "__Auto-off after errors", 0, AutoOffCB},
-    {MENU_OPTIONS, ITEM_COM_WIN32, "__Win32 services", 0, ComWin32CB},
-    {MENU_OPTIONS, ITEM_ECHO, "__Two-wire line echoes", 0, EchoCB},
+    {MENU_OPTIONS, ITEM_COM_WIN32, "Win__32 services", 0, ComWin32CB},
+    {MENU_OPTIONS, ITEM_ECHO, "Two-wire line __echoes", 0, EchoCB},
     {MENU_OPTIONS, ITEM_FULL_COMMANDS, "__Full command set", 0, FullCommandsCB},
 
     {MENU_BAUD, ITEM_BAUD_FIRST, "__9600", 0, BRateCB},
     {MENU_BAUD, ITEM_BAUD_FIRST + 1, "__19200", 0, BRateCB},
     {MENU_BAUD, ITEM_BAUD_FIRST + 2, "__38400", 0, BRateCB},
     {MENU_BAUD, ITEM_BAUD_FIRST + 3, "__57600", 0, BRateCB},
-    {MENU_BAUD, ITEM_BAUD_LAST, "1__15200", 0, BRateCB},
+    {MENU_BAUD, ITEM_BAUD_LAST, "115__200", 0, BRateCB},
 
     {MENU_PORT, ITEM_PORT_FIRST, "COM__1", 0, PortCB},
     {MENU_PORT, ITEM_PORT_FIRST + 1, "COM__2", 0, PortCB},
@@ -136,8 +137,9 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
-    {MENU_WINDOW, ITEM_SCOPE, "Data s__cope", 0, WindowCB},
+    {MENU_WINDOW, ITEM_SCOPE, "Data sco__pe", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
+    {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 
     {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},
