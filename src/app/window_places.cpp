@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int PANELS_MAX = 32, CONTROLS_MAX = 32;  // all numbers are below
+constexpr int PANELS_MAX = 64, CONTROLS_MAX = 32;  // all numbers are below
 constexpr int PLACE_MAX = 32767;                   // pixels, either way
 constexpr int WINDOW_MIN = 50, WINDOW_MAX = 16384; // pixels
 constexpr int COLUMN_MAX = 4096;                   // pixels

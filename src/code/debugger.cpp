@@ -277,7 +277,7 @@ void SetColumns()
                     {"Decimal", 60, UIA_RIGHT},
                     {"Bits", 170, UIA_LEFT}});
     SetListColumns(PANEL, DEBUG_STACK,
-                   {{"Stack", 110, UIA_LEFT}, {"Hex", 60, UIA_LEFT}, {"Decimal", 60, UIA_RIGHT}});
+                   {{"Stack", 110, UIA_LEFT}, {"Hex", 60, UIA_LEFT}, {"Decimal", 60, UIA_LEFT}});
     SetListColumns(PANEL, DEBUG_MEMORY,
                    {{"Memory", 64, UIA_LEFT},
                     {"Bytes", 370, UIA_LEFT},
