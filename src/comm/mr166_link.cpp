@@ -48,6 +48,7 @@ bool ExchangeBlock(const Mr166_Request &request)
     const uint32_t probesBefore = MrEXC_FailedProbes();
     int result = MrEXC_FirstTry(driver, request, Mr166_CnBlkRpt + 1);
     EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+    // The request itself never went out: its tries were spent on the proof.
     const bool isUnproven = !MrEXC_WasSent() && MrEXC_FailedProbes() != probesBefore;
     for (int left = Mr166_CnBlkRpt; !isUnproven; --left) {
         // Fewer bytes than asked for must not be filled up with those of an older answer.
@@ -153,6 +154,7 @@ int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer tran
     return GiveUpSurplus();
 }
 
+// 1 when the block was the last one: a full block says nothing about what follows.
 template <typename Byte>
 int Advance(uint32_t block, uint32_t most, uint32_t *address, uint32_t *count, Byte **bytes)
 {
@@ -172,6 +174,7 @@ const Mr166_Driver &MrASC_Driver()
 int MrASC_UseWin32(int flag)
 {
     const int32_t isWin32 = flag != 0 ? 1 : 0;
+    // Closing with the driver that has opened, before the other one is chosen.
     const bool isReopening = wMrOpenFlag && isWin32 != MR166_isWin32;
     if (isReopening)
         MrASC_Close();
@@ -212,6 +215,7 @@ int MrASC_IsOpened()
 
 bool MrASC_IsGone()
 {
+    // Asking for the bytes that wait is the cheapest way to learn that the device has gone.
     return MrASC_Driver().waiting() < 0;
 }
 
@@ -241,6 +245,7 @@ int Mr166_Prove()
         if (!MrEXC_IsProofDue(station))
             continue;
         isProven = isProven && MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1) >= 0;
+        // Proven or not, the caller reads again: the same proof is not tried twice.
         MrEXC_GiveUpProof(station);
     }
     const bool isSurplus = MrEXC_Surplus() != surplusAtProof;

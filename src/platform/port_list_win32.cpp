@@ -31,7 +31,8 @@ std::map<std::string, std::string> ReadFriendlyNames()
     for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device); i++) {
         char text[TEXT_MAX] = "";
         if (!SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_FRIENDLYNAME, nullptr,
-                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1, nullptr))
+                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1,
+                                               nullptr))
             continue;
         const std::string friendly = text;
         const size_t begin = friendly.rfind(" (COM"), end = friendly.rfind(')');

@@ -2,13 +2,16 @@
 // project's own map from the target's flash.
 #include <string>
 
+#include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
+#include "symbols/flash_varmap.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
@@ -74,8 +77,11 @@ int LoadFromFlash(bool isOldPlace)
 {
     PrintMonStr(isOldPlace ? "Reading FLASH from 1C000H, wait for a while please ..."
                            : "Reading FLASH from end, wait for a while please ...");
-    if (fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END) != 0) {
+    const int result = fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END);
+    if (result != 0) {
         PrintMonStr("Error during flash read.");
+        if (result == FLASH_ERR_COMMUNICATION)
+            CON_Print("Cause: %s.", UCM_LastErrorText().c_str());
         return -1;
     }
     CON_Print("%d vars", nNodes);
@@ -102,9 +108,9 @@ int RdMapFile(int, const char *text)
 {
     const std::string form(text, CON_WordLength(text));
     if (form.empty())
-        return LoadOrReport(C166_MAP, CON_Trim(text));
+        return LoadOrReport(C166_MAP, WRD_Trim(text));
     if (form == "t")
-        return LoadOrReport(TMS_MAP, CON_Trim(text + 1));
+        return LoadOrReport(TMS_MAP, WRD_Trim(text + 1));
     if (form == "f" || form == "fn" || form == "fo")
         return LoadFromFlash(form == "fo");
     return PrintSyntax();

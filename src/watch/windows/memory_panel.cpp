@@ -8,6 +8,7 @@
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
+#include "platform/system.h"
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -34,10 +35,12 @@ struct Range {
     uint32_t start = 0;
     int station = 0;
     Bytes bytes; // empty: nothing has been read
+    PLT_Date readAt;
+    bool isOld = false; // communication was off since, or another station is selected
 };
 Range range;
 
-void Say(const std::string &text, int color)
+void ShowOutcome(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, MEMORY_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, MEMORY_RESULT, text);
@@ -56,6 +59,25 @@ std::string LineLabel(size_t first)
     const uint32_t address = range.start + static_cast<uint32_t>(first);
     return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, LineBytes(first))) +
            SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, LineBytes(first)));
+}
+
+// Bytes that are old, or not those of the place in the address field, are grey, with the time
+// of their reading in the tip.
+void ShowLineAge(int line, bool isOld)
+{
+    std::string label, tip;
+    if (GetLabelFromIndex(PANEL, MEMORY_LIST, line, &label) < 0)
+        return;
+    if (isOld) {
+        char text[40];
+        std::snprintf(text, sizeof text, "Old: read at %02d:%02d:%02d from station %d.",
+                      range.readAt.hour, range.readAt.minute, range.readAt.second, range.station);
+        tip = text;
+    }
+    std::vector<UI_Cell> cells;
+    for (const UIC_Column &column : UIC_SplitColumns(label))
+        cells.push_back({column.text, isOld ? UIS_DIM : UIS_NORMAL, tip});
+    SetListCells(PANEL, MEMORY_LIST, line, cells);
 }
 
 // Index of the selected line's first byte, or -1.
@@ -144,21 +166,22 @@ void ShowPlace()
 }
 
 // The range that is typed, into *wanted; false, with the reason said, when it is none.
-bool TakeTyped(Range *wanted)
+bool ReadTypedRange(Range *wanted)
 {
     std::string message;
     int count = 0, station = -1;
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
     if (!FindStart(&wanted->start, &station, &message)) {
-        Say(message, COLOR_BAD);
+        ShowOutcome(message, COLOR_BAD);
         return false;
     }
     if (count < 1 || count > MEMORY_BYTES_MAX) {
-        Say("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.", COLOR_BAD);
+        ShowOutcome("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.",
+                    COLOR_BAD);
         return false;
     }
     if (static_cast<uint32_t>(count) > ADDR_LIMIT - wanted->start) {
-        Say("The range ends beyond the target's memory.", COLOR_BAD);
+        ShowOutcome("The range ends beyond the target's memory.", COLOR_BAD);
         return false;
     }
     wanted->station = station < 0 ? STATION : station;
@@ -176,14 +199,23 @@ bool IsPlaceShown()
            (station < 0 ? STATION : station) == range.station;
 }
 
+void ShowAge()
+{
+    const bool isOld = range.isOld || !IsPlaceShown();
+    const int lines =
+        static_cast<int>((range.bytes.size() + MEMORY_LINE_BYTES - 1) / MEMORY_LINE_BYTES);
+    for (int line = 0; line < lines; ++line)
+        ShowLineAge(line, isOld);
+}
+
 // What could not be read is not left on the screen as if it had been.
 void ReadAndShow()
 {
     Range wanted;
-    if (!TakeTyped(&wanted))
+    if (!ReadTypedRange(&wanted))
         return;
     if (!VR_EnsureCom()) {
-        Say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF, COLOR_BAD);
         return;
     }
     const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
@@ -192,14 +224,16 @@ void ReadAndShow()
         RDI_ReadBytes(wanted.station, wanted.start, count, wanted.bytes.data(), &cause) == 0;
     if (!isRead)
         wanted.bytes.clear();
+    PLT_LocalTime(&wanted.readAt);
     range = wanted;
     ShowRange();
+    ShowAge();
     if (isRead)
-        Say("Read " + std::to_string(count) + " bytes from station " +
-                std::to_string(range.station) + ".",
-            COLOR_PLAIN);
+        ShowOutcome("Read " + std::to_string(count) + " bytes from station " +
+                        std::to_string(range.station) + ".",
+                    COLOR_PLAIN);
     else
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
 }
 
 // --- writing ----------------------------------------------------------------------------
@@ -229,15 +263,15 @@ void Compare(uint32_t address, const Bytes &before, const Bytes &wanted, const B
         char text[80];
         std::snprintf(text, sizeof text, " 0x%06X: wrote %02X, the target holds %02X.",
                       address + static_cast<uint32_t>(i), wanted[i], held[i]);
-        Say(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
+        ShowOutcome(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
         return;
     }
     size_t changed = 0;
     for (size_t i = 0; i < wanted.size(); ++i)
         changed += wanted[i] != before[i];
-    Say("OK: Written and read back: " + std::to_string(changed) +
-            (changed == 1 ? " byte." : " bytes."),
-        COLOR_GOOD);
+    ShowOutcome("OK: Written and read back: " + std::to_string(changed) +
+                    (changed == 1 ? " byte." : " bytes."),
+                COLOR_GOOD);
 }
 
 void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
@@ -246,17 +280,19 @@ void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
     const bool isWritten = WriteChanged(address, before, wanted);
     std::string cause = isWritten ? "" : UCM_LastErrorText();
     if (!isWritten)
-        Say("FAILED: Not written, or only in part: " + cause + ".", COLOR_BAD);
+        ShowOutcome("FAILED: Not written, or only in part: " + cause + ".", COLOR_BAD);
     Bytes held(before.size());
     const bool isRead = RDI_ReadBytes(range.station, address, static_cast<uint32_t>(held.size()),
                                       held.data(), &cause) == 0;
     if (isWritten && !isRead)
-        Say("NOT VERIFIED: Written, but the line could not be read: " + cause + ".", COLOR_WARN);
+        ShowOutcome("NOT VERIFIED: Written, but the line could not be read: " + cause + ".",
+                    COLOR_WARN);
     if (!isRead)
         return;
     std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
     ReplaceListItem(PANEL, MEMORY_LIST, static_cast<int>(first) / MEMORY_LINE_BYTES,
                     LineLabel(first), 0);
+    ShowAge();
     if (!isWritten)
         return;
     ShowSelected();
@@ -274,19 +310,19 @@ void WriteAndShow()
     Bytes wanted;
     std::string text;
     if (!IsPlaceShown()) {
-        Say("REFUSED: The bytes are those of " + PlaceText(range.start, range.station) +
-                ": press Read for the place above.",
-            COLOR_BAD);
+        ShowOutcome("REFUSED: The bytes are those of " + PlaceText(range.start, range.station) +
+                        ": press Read for the place above.",
+                    COLOR_BAD);
         return;
     }
     GetCtrlVal(PANEL, MEMORY_LINE, &text);
     const std::string error = BYT_Parse(text, before.size(), &wanted);
     if (!error.empty())
-        Say("REFUSED: " + error, COLOR_BAD);
+        ShowOutcome("REFUSED: " + error, COLOR_BAD);
     else if (wanted == before)
-        Say("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
+        ShowOutcome("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
     else if (!VR_EnsureCom())
-        Say(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
     else
         WriteLine(first, before, wanted);
 }
@@ -310,7 +346,7 @@ void CopyLines()
         if (GetLabelFromIndex(PANEL, MEMORY_LIST, i, &label) >= 0)
             text += UIC_JoinColumns(label, "\t") + "\n";
     if (ClipboardPutText(text) == 0)
-        Say("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
+        ShowOutcome("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
 }
 
 bool IsPressed(int event, int data)
@@ -344,9 +380,15 @@ void MMP_Open(int index)
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, MEMORY_ADDRESS);
-    Say("", COLOR_PLAIN);
+    ShowOutcome("", COLOR_PLAIN);
     if (hasPlace && isTimer)
         ReadAndShow();
+}
+
+void MMP_ShowOld()
+{
+    range.isOld = true;
+    ShowAge();
 }
 
 int MMP_PanelCB(int panel, int event, int data)
@@ -359,9 +401,10 @@ int MMP_PanelCB(int panel, int event, int data)
 
 int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_VAL_CHANGED)
+    if (event == EVENT_VAL_CHANGED) {
         ShowPlace();
-    else if (event == EVENT_COMMIT)
+        ShowAge();
+    } else if (event == EVENT_COMMIT)
         ReadAndShow();
     return 0;
 }
