@@ -109,7 +109,7 @@ TEST_F(Inspectors, ArraysAreReadEditedAndSaved)
     EXPECT_EQ("f4 [16] at 0x008180", UiText(PANEL_ARRAY, ARRAY_STATE));
     EXPECT_EQ("0.75", GetCell(PANEL_ARRAY, ARRAY_LIST, 3, 1));
     HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 3, 1, "1.5\t-2 ; 7");
-    EXPECT_EQ("OK: Written and read back: 3 elements.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("OK: Elements written and read back: 3.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
     EXPECT_EQ("-2", GetCell(PANEL_ARRAY, ARRAY_LIST, 4, 1));
     EXPECT_EQ("7", GetCell(PANEL_ARRAY, ARRAY_LIST, 5, 1));
     EXPECT_EQ("1.5", GetCell(PANEL_ARRAY, ARRAY_LIST, 6, 1)) << "0.25 * 6, untouched";
@@ -140,7 +140,7 @@ TEST_F(Inspectors, ArraysAreReadEditedAndSaved)
     Poke(0x8140, {9, 9, 9, 9});
     HL_PushAnswer(1, "array.csv");
     HL_CommitControl(PANEL_ARRAY, ARRAY_LOAD);
-    EXPECT_EQ("OK: Written and read back: 32 elements.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("OK: Elements written and read back: 32.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
     EXPECT_EQ((std::vector<uint8_t>{0, 0, 1, 0}), Peek(0x8140, 4));
     WriteFileText("short.csv", saved.substr(0, saved.rfind(',')));
     Poke(0x8140, {9, 9});

@@ -7,7 +7,6 @@
 
 #include "code/live_reads.h"
 #include "comm/communication.h"
-#include "comm/ucm.h"
 #include "console/commands/array_types.h"
 #include "console/commands/transfer.h"
 #include "platform/safe_file.h"
@@ -35,7 +34,6 @@ constexpr int LINES_WITHOUT_VIEW = 40;
 constexpr uint32_t ALL_ELEMENTS_MAX = 65536; // of curve, copy and files
 constexpr uint32_t BLOCK_BYTES = 64;
 constexpr int LINE_SIZE = 4000; // of a CSV file
-const char COM_OFF[] = "communication is off.";
 
 typedef std::vector<uint8_t> Bytes;
 
@@ -44,7 +42,7 @@ uint32_t firstRow = 0; // of the page
 LVR_Set live;          // of the lines in view
 uint32_t failedMs = 0;
 
-void Say(const std::string &text, int color = COLOR_PLAIN)
+void ShowOutcome(const std::string &text, int color = COLOR_PLAIN)
 {
     SetCtrlAttribute(PANEL, ARRAY_MESSAGE, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, ARRAY_MESSAGE, text);
@@ -158,9 +156,9 @@ bool Refresh()
     for (int i = first; i < end; ++i)
         SetListCells(PANEL, ARRAY_LIST, i, MakeCells(firstRow + static_cast<uint32_t>(i)));
     if (!isGood)
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     else if (wasFailing)
-        Say("");
+        ShowOutcome("");
     return isGood;
 }
 
@@ -169,7 +167,7 @@ void Inspect(const std::string &text)
     ARI_Array fresh;
     std::string cause;
     if (ARI_Parse(text, &fresh, &cause) != 0) {
-        Say("Not shown: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
     array = fresh;
@@ -177,7 +175,7 @@ void Inspect(const std::string &text)
     DeleteGraphPlot(PANEL, ARRAY_GRAPH, 0);
     SetColumns();
     ShowPage();
-    Say("");
+    ShowOutcome("");
     if (isTimer != 0)
         Refresh();
 }
@@ -189,11 +187,11 @@ bool MayTransfer()
     if (array.type == nullptr)
         return false;
     if (CountElements() > ALL_ELEMENTS_MAX)
-        Say("More than " + std::to_string(ALL_ELEMENTS_MAX) +
-                " elements: name a part of the array.",
-            COLOR_BAD);
+        ShowOutcome("More than " + std::to_string(ALL_ELEMENTS_MAX) +
+                        " elements: name a part of the array.",
+                    COLOR_BAD);
     else if (!VR_EnsureCom())
-        Say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
     else
         return true;
     return false;
@@ -205,14 +203,15 @@ bool ReadAll(Bytes *bytes)
         return false;
     const TransferPlan plan = {array.address, CountElements() * array.type->size, BLOCK_BYTES,
                                TRF_METER_ARRAY};
-    const TransferResult result = TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t n) {
+    const TransferReport report = TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t n) {
         bytes->insert(bytes->end(), block, block + n);
         return true;
     });
-    if (result == TRANSFER_DONE)
+    if (report.result == TRANSFER_DONE)
         return true;
-    Say(result == TRANSFER_CANCELLED ? "Cancelled." : "Not read: " + UCM_LastErrorText() + ".",
-        COLOR_BAD);
+    ShowOutcome(report.result == TRANSFER_CANCELLED ? "Cancelled."
+                                                    : "Not read: " + report.cause + ".",
+                COLOR_BAD);
     return false;
 }
 
@@ -249,7 +248,7 @@ void ShowCurve()
         plot.name = array.columns == 1 ? array.place : "[" + std::to_string(column) + "]";
         PlotXY(PANEL, ARRAY_GRAPH, plot);
     }
-    Say("Read: " + std::to_string(CountElements()) + " elements.");
+    ShowOutcome("Read: " + std::to_string(CountElements()) + " elements.");
 }
 
 std::string FormatRows(const Bytes &bytes, const char *separator)
@@ -266,7 +265,7 @@ void CopyAll()
 {
     Bytes bytes;
     if (ReadAll(&bytes) && ClipboardPutText(FormatRows(bytes, "\t")) == 0)
-        Say("Copied: " + std::to_string(CountElements()) + " elements.");
+        ShowOutcome("Copied: " + std::to_string(CountElements()) + " elements.");
 }
 
 void SaveCsv()
@@ -282,9 +281,9 @@ void SaveCsv()
         SAF_PutText(file.file,
                     "; " + array.place + ", " + array.type->name + "\n" + FormatRows(bytes, ","));
     if (isOpen && SAF_Commit(&file) == 0)
-        Say("Saved: " + WRD_Visible(path));
+        ShowOutcome("Saved: " + WRD_Visible(path));
     else
-        Say("'" + WRD_Visible(path) + "' cannot be written.", COLOR_BAD);
+        ShowOutcome("'" + WRD_Visible(path) + "' cannot be written.", COLOR_BAD);
 }
 
 // --- writing ----------------------------------------------------------------------------
@@ -310,30 +309,27 @@ void WriteElements(uint32_t first, const Bytes &bytes)
     const auto count = static_cast<uint32_t>(bytes.size());
     const uint32_t address = array.address + first * array.type->size;
     const TransferPlan plan = {address, count, BLOCK_BYTES, TRF_METER_ARRAY};
-    uint32_t written = 0;
     std::string cause;
     Bytes held(bytes.size());
     if (!VR_EnsureCom()) {
-        Say(std::string("Not written: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("Not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
-    const TransferResult result = TRF_Write(plan, bytes.data(), &written);
-    if (result != TRANSFER_DONE) {
-        cause = result == TRANSFER_CANCELLED ? "cancelled" : UCM_LastErrorText();
-        Say("FAILED: " + std::to_string(written) + " of " + std::to_string(count) +
-                " bytes written: " + cause + ".",
-            COLOR_BAD);
+    const TransferReport report = TRF_Write(plan, bytes.data());
+    if (report.result != TRANSFER_DONE) {
+        cause = report.result == TRANSFER_CANCELLED ? "cancelled" : report.cause;
+        ShowOutcome("FAILED: " + TRF_WrittenText(report, count, 1) + ": " + cause + ".", COLOR_BAD);
     } else if (RDI_ReadBytes(STATION, address, count, held.data(), &cause) != 0) {
-        Say("NOT VERIFIED: Written, but not read back: " + cause + ".", COLOR_WARN);
+        ShowOutcome("NOT VERIFIED: Written, but not read back: " + cause + ".", COLOR_WARN);
     } else if (held != bytes) {
         const auto at = std::mismatch(held.begin(), held.end(), bytes.begin()).first;
         const auto element = first + static_cast<uint32_t>(at - held.begin()) / array.type->size;
-        Say("DIFFERENT: Written, but element " + std::to_string(element) +
-                " holds another value now.",
-            COLOR_WARN);
+        ShowOutcome("DIFFERENT: Written, but element " + std::to_string(element) +
+                        " holds another value now.",
+                    COLOR_WARN);
     } else {
-        Say("OK: Written and read back: " + std::to_string(count / array.type->size) +
-                (count == array.type->size ? " element." : " elements."),
+        ShowOutcome(
+            "OK: Elements written and read back: " + std::to_string(count / array.type->size) + ".",
             COLOR_GOOD);
     }
     Refresh();
@@ -359,12 +355,13 @@ void EditCell()
     Bytes bytes;
     const std::string error = ParseElements(texts, &bytes);
     if (!error.empty() || texts.empty())
-        Say("REFUSED: Nothing was written: " + (error.empty() ? "there is no value" : error) + ".",
+        ShowOutcome(
+            "REFUSED: Nothing was written: " + (error.empty() ? "there is no value" : error) + ".",
             COLOR_BAD);
     else if (texts.size() > CountElements() - first)
-        Say("REFUSED: Nothing was written: " + std::to_string(texts.size()) +
-                " values do not fit behind this element.",
-            COLOR_BAD);
+        ShowOutcome("REFUSED: Nothing was written: " + std::to_string(texts.size()) +
+                        " values do not fit behind this element.",
+                    COLOR_BAD);
     else
         WriteElements(first, bytes);
 }
@@ -375,7 +372,7 @@ std::string ReadCsv(const std::string &path, std::vector<std::string> *texts)
     const int handle = TXFR_Open(path.c_str());
     std::string error;
     if (handle < 0)
-        return "the file cannot be opened";
+        return "the file cannot be read";
     char line[LINE_SIZE];
     while (error.empty() && texts->size() <= CountElements() &&
            TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
@@ -407,7 +404,7 @@ void LoadCsv()
     if (error.empty())
         WriteElements(0, bytes);
     else
-        Say("REFUSED: Nothing was written: " + error + ".", COLOR_BAD);
+        ShowOutcome("REFUSED: Nothing was written: " + error + ".", COLOR_BAD);
 }
 
 void TurnPage(bool isForward)

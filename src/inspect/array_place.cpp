@@ -48,7 +48,8 @@ int TakeDeclaration(const std::string &name, ARI_Array *array, std::string *caus
 {
     uint32_t chain[TMF_CHAIN_SIZE], offset = 0, stride = 0;
     if (TMF_GetEfType(name.c_str(), chain, &offset) != 0) {
-        *cause = "the type map does not know '" + name + "': type it as name, type, count";
+        *cause =
+            "no array of the type map has the name '" + name + "': type it as name, type, count";
         return -1;
     }
     const uint32_t *element = chain;
@@ -74,7 +75,8 @@ int ARI_Parse(const std::string &text, ARI_Array *array, std::string *cause)
     array->place = WRD_Trim(text);
     array->address = GetSysAddr(parts[0].c_str());
     if (array->address == ADDR_NONE || parts[0].find('&') != std::string::npos) {
-        *cause = "'" + parts[0] + "' is no address, and no loaded map knows such a name";
+        *cause = ADR_UnknownText(parts[0]);
+        cause->pop_back(); // its full stop
         return -1;
     }
     if (parts.size() == 1) {

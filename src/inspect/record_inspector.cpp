@@ -35,7 +35,7 @@ std::string shownTypes; // maps that the tree was built from
 LVR_Set live;
 uint32_t failedMs = 0; // when the last refresh failed; 0 = it did not
 
-void Say(const std::string &text, int color = COLOR_PLAIN)
+void ShowOutcome(const std::string &text, int color = COLOR_PLAIN)
 {
     SetCtrlAttribute(PANEL, RECORD_MESSAGE, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, RECORD_MESSAGE, text);
@@ -171,9 +171,9 @@ bool Refresh()
     for (int i = first; i < end; ++i)
         SetListCells(PANEL, RECORD_LIST, i, MakeCells(tree.nodes[static_cast<size_t>(i)]));
     if (isGood && wasFailing)
-        Say("");
+        ShowOutcome("");
     else if (!isGood)
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     return isGood;
 }
 
@@ -189,7 +189,7 @@ void Inspect(const std::string &expression)
     RCT_Tree fresh;
     std::string cause;
     if (RCT_Build(expression, &fresh, &cause) != 0) {
-        Say("Not shown: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
     tree = fresh;
@@ -197,7 +197,7 @@ void Inspect(const std::string &expression)
     shownStation = STATION;
     shownTypes = GetTypes();
     live = LVR_Set();
-    Say("");
+    ShowOutcome("");
     ShowTree(0);
     if (isTimer != 0)
         Refresh();
@@ -214,18 +214,19 @@ bool FollowPointer(const RCT_Node &node, uint32_t *target)
     LVR_Want(&pointer, node.address, node.size);
     WantPages(&pointer);
     if (!VR_EnsureCom()) {
-        Say("Not read: communication is off.", COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return false;
     }
     if (LVR_Read(&pointer, STATION, &cause) != 0 || !TakePages(pointer) ||
         !LVR_Get(pointer, node.address, node.size, &value)) {
-        Say("Not read: " + (cause.empty() ? "the page pointers cannot be read" : cause) + ".",
-            COLOR_BAD);
+        ShowOutcome("Not read: " + (cause.empty() ? "the page pointers cannot be read" : cause) +
+                        ".",
+                    COLOR_BAD);
         return false;
     }
     *target = RCT_GetTarget(value);
     if (*target == ADDR_NONE)
-        Say("The pointer leads nowhere.");
+        ShowOutcome("The pointer leads nowhere.");
     return *target != ADDR_NONE;
 }
 
@@ -245,10 +246,10 @@ void Toggle()
     else if (node.kind == RCT_POINTER && !FollowPointer(node, &target))
         return;
     else if (RCT_Open(&tree, index, target, &cause) != 0) {
-        Say("Not opened: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not opened: " + cause + ".", COLOR_BAD);
         return;
     }
-    Say("");
+    ShowOutcome("");
     ShowTree(line);
     if (isTimer != 0)
         Refresh();
@@ -271,13 +272,13 @@ void EditValue()
     const RCT_Node &node = tree.nodes[static_cast<size_t>(line)];
     LItem item = RCT_MakeItem(node);
     if (node.kind != RCT_VALUE)
-        Say("Only a single value can be written.", COLOR_BAD);
+        ShowOutcome("Only a single value can be written.", COLOR_BAD);
     else if (!VR_EnsureCom())
-        Say("Not written: communication is off.", COLOR_BAD);
+        ShowOutcome(std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
     else {
         const int result = WRV_WriteUnlisted(&item, text, &message);
         Refresh();
-        Say(message, result == WRV_OK ? COLOR_GOOD : result > 0 ? COLOR_WARN : COLOR_BAD);
+        ShowOutcome(message, result == WRV_OK ? COLOR_GOOD : result > 0 ? COLOR_WARN : COLOR_BAD);
     }
 }
 
