@@ -204,6 +204,11 @@ int64_t SIM_NowNs()
     return now.tv_sec * NS_PER_S + now.tv_nsec;
 }
 
+void SIM_GetUtc(time_t when, struct tm *date)
+{
+    gmtime_r(&when, date);
+}
+
 SIM_Wire *SIM_OpenPty(const std::string &link, std::string *device, std::string *error)
 {
     auto *wire = new SIM_Wire;

@@ -129,6 +129,11 @@ int64_t SIM_NowNs()
     return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
+void SIM_GetUtc(time_t when, struct tm *date)
+{
+    gmtime_s(date, &when);
+}
+
 SIM_Wire *SIM_OpenPty(const std::string &, std::string *, std::string *error)
 {
     *error = "There are no pseudo terminals on this system: use --tcp [HOST:]PORT.";

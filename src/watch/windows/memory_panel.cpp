@@ -12,6 +12,7 @@
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "text/bytes.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
@@ -160,6 +161,9 @@ void ShowPlace()
     if (FindStart(&address, &station, &text)) {
         text = PlaceText(address, station < 0 ? STATION : station);
         text[0] = 'B';
+        const std::string name = SYM_AddressToName(address);
+        if (!name.empty() && name != TypedAddress())
+            text += ": " + name;
     }
     SetCtrlVal(PANEL, MEMORY_PLACE, text);
 }
