@@ -281,6 +281,7 @@ TEST_F(CodeCommands, NameAddresses)
     nLItems = 1;
     openLItems = 1;
     VR_FillDebugItems();
+    LSV_ShowValues();
     std::vector<UI_Cell> cells;
     GetListCells(PANEL_MAIN, MAIN_LIST, 0, &cells);
     ASSERT_GT(cells.size(), 1u);
