@@ -52,6 +52,8 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_CONFIG, 0},
     {PANEL_CONFIG_EDIT, 0},
     {PANEL_DEBUGGER, 0},
+    {PANEL_ARRAY, 0},
+    {PANEL_RECORD, 0},
     {PANEL_SIMULATOR, 0},
     {PANEL_TERMINAL, 0},
     {PANEL_CONNECT, PANEL_MAIN},

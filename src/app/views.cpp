@@ -129,7 +129,7 @@ constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
     {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
     {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, nullptr},
-    {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},        {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
+    {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},     {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
 };
 
 void ShowWindow(const WindowItem &row)

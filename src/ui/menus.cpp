@@ -7,6 +7,8 @@
 #include "app/startup.h"
 #include "console/monitor/text_box.h"
 #include "graphs/window.h"
+#include "inspect/array_inspector.h"
+#include "inspect/record_inspector.h"
 #include "logger/log_window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -141,6 +143,8 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_GRAPH, "__Graph", KEY_CTRL | 'G', GRW_OpenCB},
     {MENU_WINDOW, ITEM_SCOPE, "Data sco__pe", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
+    {MENU_WINDOW, ITEM_ARRAY, "__Array", KEY_CTRL | KEY_SHIFT | 'A', ARI_OpenCB},
+    {MENU_WINDOW, ITEM_RECORD, "__Record", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 
