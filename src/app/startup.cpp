@@ -12,6 +12,7 @@
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "runtime/userint.h"
+#include "sampler/record_watch.h"
 #include "scope/window.h"
 #include "settings/settings.h"
 #include "text/words.h"
@@ -151,6 +152,7 @@ int ExitApplication(int)
 {
     if (DbgChngSafety() < 0)
         return -1;
+    RCW_Stop();
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
     const bool isScopeSaved = DTSC_SaveSettings() == 0;

@@ -290,5 +290,6 @@ int LaunchExecutable(const std::string &commandLine);
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
+int Beep(); // the desktop's sound, or the terminal's bell
 
 #endif

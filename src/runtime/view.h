@@ -207,6 +207,7 @@ struct VIEW_Batch {
     int popupMenu = 0;      // menu to be shown at the mouse; 0 = none
     VIEW_Question question; // to be opened
     int closedQuestion = 0; // id of a question that needs no answer any more; 0 = none
+    bool isBeep = false;
     bool hasClipboard = false;
     std::string clipboard;
     std::string helpFile; // Markdown, to be shown in a window of the view's own; "" = none

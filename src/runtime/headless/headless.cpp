@@ -213,6 +213,8 @@ void OnBatch(const VIEW_Batch &batch)
         headless.popupMenu = batch.popupMenu;
     if (!batch.helpFile.empty())
         Say("The help text is " + batch.helpFile + "\n");
+    if (batch.isBeep)
+        std::fputs("\a", stderr);
     if (batch.hasClipboard)
         headless.clipboard = batch.clipboard;
     if (batch.question.id != 0)

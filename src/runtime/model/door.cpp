@@ -151,6 +151,7 @@ void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
     if (fresh.hasClipboard)
         old->clipboard = std::move(fresh.clipboard);
     old->hasClipboard |= fresh.hasClipboard;
+    old->isBeep |= fresh.isBeep;
     if (!fresh.helpFile.empty())
         old->helpFile = std::move(fresh.helpFile);
     if (fresh.isEnded)
