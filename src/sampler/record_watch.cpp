@@ -16,7 +16,8 @@ namespace {
 constexpr int PERIOD_MS = 1000;
 constexpr uint64_t TICK_US = 15000;   // of reading in one tick: one exchange at least
 constexpr uint64_t BUSY_US = 3000000; // without a tick: the gap gets a line
-constexpr size_t TEXT_MAX = 200;
+constexpr size_t TEXT_MAX = 200, TRIGGER_TEXT_MAX = 800;
+constexpr int QUESTIONS_MAX = 10;      // about the same thing
 const char RECORDING[] = "Recording "; // how every message about its state begins
 const char TRIGGER_HELP[] = "Actions of the next recording, parted by ';', such as\n"
                             "\"start when wRamp > 900; stop when nSine fails; mark when byMode "
@@ -183,9 +184,10 @@ void RCW_MarkCB(int /*menuBar*/, int /*item*/)
 void RCW_TriggersCB(int /*menuBar*/, int /*item*/)
 {
     std::string text = triggerText, problem;
-    while (PromptPopup("Record when",
-                       problem.empty() ? TRIGGER_HELP : problem + "\n\n" + TRIGGER_HELP, &text,
-                       TEXT_MAX * 4) >= 0) {
+    for (int round = 0; round < QUESTIONS_MAX; ++round) {
+        const std::string question = (problem.empty() ? "" : problem + "\n\n") + TRIGGER_HELP;
+        if (PromptPopup("Record when", question, &text, TRIGGER_TEXT_MAX) < 0)
+            return;
         std::vector<TRG_Trigger> parsed;
         if (!ParseTriggers(text, &parsed, &problem))
             continue;
