@@ -4,6 +4,7 @@
 
 #include "runtime/list_columns.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
 #include "text/bytes.h"
@@ -59,18 +60,6 @@ protected:
     {
         return static_cast<char>(UiValue(PANEL_ITEM, WITEM_TYPE)) +
                std::to_string(UiValue(PANEL_ITEM, WITEM_SIZE));
-    }
-
-    void poke(uint32_t address, const std::vector<uint8_t> &bytes, int station = 1)
-    {
-        SIM_Poke(target, station, address, bytes.data(), bytes.size());
-    }
-
-    std::vector<uint8_t> peek(uint32_t address, size_t count, int station = 1)
-    {
-        std::vector<uint8_t> bytes(count);
-        SIM_Peek(target, station, address, bytes.data(), count);
-        return bytes;
     }
 
     static std::string writeValue(const std::string &value)
@@ -413,6 +402,31 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     EXPECT_TRUE(UiAttribute(PANEL_MEMORY, MEMORY_WRITE, ATTR_DIMMED));
 }
 
+TEST_F(EditPanels, MemoryIsGreyOnceItIsOld)
+{
+    ASSERT_TRUE(connect());
+    const auto looks = [](int line) {
+        std::vector<UI_Cell> cells;
+        GetListCells(PANEL_MEMORY, MEMORY_LIST, line, &cells);
+        return cells.empty()               ? "none"
+               : cells[1].style != UIS_DIM ? "fresh"
+                                           : cells[1].tip.substr(0, 13);
+    };
+    HL_ClickMenu(ITEM_MEMORY);
+    readMemory("3:wSpeed", 20);
+    EXPECT_EQ(looks(1), "fresh");
+    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpee");
+    EXPECT_EQ(looks(1), "Old: read at ") << "not the place that the field names";
+    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpeed");
+    EXPECT_EQ(looks(0), "fresh");
+    VIR2_StopPeriodicASC();
+    EXPECT_EQ(looks(0), "Old: read at ");
+    ASSERT_TRUE(connect());
+    EXPECT_EQ(looks(0), "Old: read at ") << "nobody has read it since";
+    readMemory("3:wSpeed", 20);
+    EXPECT_EQ(looks(0), "fresh");
+}
+
 TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
 {
     ASSERT_TRUE(connect());
@@ -483,17 +497,10 @@ TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
     }
 }
 
-TEST_F(EditPanels, CopiesAndSnapshots)
+TEST_F(EditPanels, TheMemoryBoxIsCopiedAsATable)
 {
     load("wSpeed, u2\n");
     ResetLItemsDisplay();
-    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | KEY_SHIFT | 'C');
-    EXPECT_EQ(HL_GetClipboard(),
-              "Name\tAddress\tType\tValue\tState\nwSpeed\t0x000300\tu2\t\tnot read\n");
-    HL_PushAnswer(1, path("list.csv"));
-    HL_ClickMenu(ITEM_SNAPSHOT);
-    EXPECT_NE(ReadFileText(path("list.csv")).find("\r\nwSpeed,0x000300,u,2,,,not read\r\n"),
-              std::string::npos);
     HL_PushAnswer(1, path("no/such/list.csv"));
     HL_ClickMenu(ITEM_SNAPSHOT);
     EXPECT_EQ(HL_GetPopups().back(),

@@ -33,6 +33,7 @@ const char CPG_szUsage[] =
     "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
+    "  --serve             answer requests of another program (JSON lines)\n"
     "  --compare HEADER FILE  compare the target with a data file: ends with 0 when it\n"
     "                      holds the file, 1 with the differences, 2 when it cannot tell\n"
     "  --trace FILE        write every exchange with the target\n"
@@ -145,6 +146,7 @@ const LongOption LONG_OPTIONS[] = {
     {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
+    {"serve", false, [](CPG_Options *o, const char *) { return o->isServe = true; }},
     {"compare", true,
      [](CPG_Options *o, const char *v) { return !(o->compareHeader = v).empty(); }},
     {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
@@ -199,6 +201,21 @@ int TakeOption(int argc, char **argv, int *index, CPG_Options *options, std::str
     return 0;
 }
 
+struct JobRow {
+    CPG_Job job;
+    const char *option;
+    bool (*isAsked)(const CPG_Options &options);
+};
+const JobRow JOBS[] = {
+    {CPG_WATCH, "--watch",
+     [](const CPG_Options &o) { return !o.watchFile.empty() && o.recordFile.empty(); }},
+    {CPG_RECORD, "--record", [](const CPG_Options &o) { return !o.recordFile.empty(); }},
+    {CPG_PROGRAM, "--program", [](const CPG_Options &o) { return !o.programFile.empty(); }},
+    {CPG_SCOPE, "--scope", [](const CPG_Options &o) { return !o.scopeFile.empty(); }},
+    {CPG_COMPARE, "--compare", [](const CPG_Options &o) { return !o.compareHeader.empty(); }},
+    {CPG_SERVE, "--serve", [](const CPG_Options &o) { return o.isServe; }},
+};
+
 bool HasRecordOptions(const CPG_Options &options)
 {
     return options.hasRecordPeriod || options.recordSeconds > 0 || options.rotateBytes > 0 ||
@@ -207,10 +224,16 @@ bool HasRecordOptions(const CPG_Options &options)
 
 int CheckTogether(int rest, const CPG_Options &options, std::string *message)
 {
-    if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
+    std::vector<std::string> jobs;
+    for (const JobRow &row : JOBS)
+        if (row.isAsked(options))
+            jobs.push_back(row.option);
+    if (rest > 0)
+        jobs.push_back("a script");
+    if (jobs.size() > 1)
+        *message = jobs[0] + " and " + jobs[1] + " exclude each other";
+    else if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
         *message = "--sweeps and --format go with --watch";
-    else if (!options.watchFile.empty() && rest > 0)
-        *message = "--watch and a script exclude each other";
     else if (options.recordFile.empty() && HasRecordOptions(options))
         *message = "--period, --fast, --duration, --rotate and --trigger go with --record";
     else if (!options.recordFile.empty() &&
@@ -218,16 +241,10 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = "--record goes with --watch and without --sweeps and --format";
     else if (options.programFile.empty() && (options.isNoErase || options.isNoVerify))
         *message = "--no-erase and --no-verify go with --program";
-    else if (!options.programFile.empty() && (rest > 0 || !options.watchFile.empty()))
-        *message = "--program excludes --watch and a script";
     else if (options.scopeFile.empty() != options.csvFile.empty())
         *message = "--scope and --csv go together";
-    else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
-        *message = "--scope goes without a script and without --watch";
-    else if (!options.compareHeader.empty() &&
-             (options.compareFile.empty() || rest > 0 || !options.watchFile.empty() ||
-              !options.scopeFile.empty() || !options.programFile.empty()))
-        *message = "--compare needs a header and a data file and nothing else to do";
+    else if (options.compareHeader.empty() != options.compareFile.empty())
+        *message = "--compare needs a header and a data file";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else
@@ -244,6 +261,14 @@ int CountPlain(int argc, char **argv)
 }
 
 } // namespace
+
+CPG_Job CPG_JobOf(const CPG_Options &options)
+{
+    for (const JobRow &row : JOBS)
+        if (row.isAsked(options))
+            return row.job;
+    return CPG_LINES;
+}
 
 int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message)
 {

@@ -38,9 +38,14 @@ struct CPG_Options {
     std::vector<std::string> triggers;
     std::string compareHeader; // set to compare the target with compareFile, "" = none
     std::string compareFile;
-    std::string archive; // to be written from archiveFiles
+    bool isServe = false; // answer requests of another program
+    std::string archive;  // to be written from archiveFiles
     std::vector<std::string> archiveFiles;
 };
+
+// What a run is for; a run has one job.
+enum CPG_Job { CPG_LINES, CPG_WATCH, CPG_RECORD, CPG_PROGRAM, CPG_SCOPE, CPG_COMPARE, CPG_SERVE };
+CPG_Job CPG_JobOf(const CPG_Options &options);
 
 // Fills *options and leaves the other arguments in argc/argv. 0, or -1 and what is
 // wrong in *message.
