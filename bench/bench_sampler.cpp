@@ -78,7 +78,7 @@ double RowsPerSecond(const std::vector<SMP_Item> &items, bool isGrouped, double 
             sampler.plan.push_back(
                 {1, items[i].address, static_cast<uint32_t>(items[i].size), {i}});
     }
-    while (sampler.totals.elapsedUs < SECONDS * 1e6)
+    while (static_cast<double>(sampler.totals.elapsedUs) < SECONDS * 1e6)
         SMP_Step(&sampler);
     SMP_Stop(&sampler);
     *failed = static_cast<double>(sampler.totals.failed);

@@ -5,6 +5,7 @@
 #include "platform/system.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "watch/list/read_item.h"
 
 #include <algorithm>
 #include <cstring>
@@ -27,10 +28,7 @@ constexpr uint64_t NO_LINE_US = 500000;            // before the port is tried a
 constexpr uint64_t NOTHING_READ_US = 250000;       // between rows for which nobody was asked
 constexpr uint64_t TOGETHER_MIN_US = 10 * SECOND_US, TOGETHER_MAX_US = 600 * SECOND_US;
 
-const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char FIRST_OF_RATE[] = "a rate needs two values";
-const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
-const char NO_PROOF[] = "no answer to the proof that the line is in step";
 
 // --- the line as it is --------------------------------------------------------------------
 std::string lastFailure;
@@ -230,8 +228,7 @@ void ProveAndGiveOut(SMP_Sampler *sampler)
         result = UCM_READ_AGAIN;
     sampler->doubts = sampler->line.doubts();
     if (result != UCM_PROVEN) {
-        const std::string cause = result == UCM_READ_AGAIN ? SURPLUS : sampler->line.failure();
-        FailHeld(sampler, cause.empty() ? NO_PROOF : cause);
+        FailHeld(sampler, result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : sampler->line.failure());
     }
     sampler->provenUs = sampler->line.nowUs();
     GiveOut(sampler);
@@ -250,7 +247,7 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
         MakePlan(sampler);
     SMP_Sample unread;
     unread.timeUs = static_cast<int64_t>(nowUs);
-    unread.state = SST_StateOf(&sampler->store, NOT_RESOLVED);
+    unread.state = SST_StateOf(&sampler->store, RDI_NOT_RESOLVED);
     sampler->row.assign(sampler->store.items.size(), unread);
     sampler->rowFirstUs = nowUs;
     sampler->isAnyAsked = false;
