@@ -369,6 +369,7 @@ TEST_F(App, AnEchoIsSaidInTheStateLineWhileItLasts)
 
 TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
 {
+    Mr166_nTimeoutMs = PATIENT_MS; // a port that is gone is not waited for
     plug();
     ASSERT_EQ(0, Start());
     WriteFileText("w.dbg", "[8000], u2\n");
@@ -477,7 +478,7 @@ TEST_F(App, TypesOptionIsTakenOutOfTheArguments)
             argv.push_back(const_cast<char *>(argument.c_str()));
         argv.push_back(nullptr);
         int argc = static_cast<int>(argv.size()) - 1;
-        EXPECT_EQ(c.result, VR_TakeTypesOption(&argc, argv.data()));
+        EXPECT_EQ(c.result, VR_RemoveTypesOption(&argc, argv.data()));
         std::string rest;
         for (int i = 1; i < argc; i++)
             rest += std::string(" ") + argv.data()[i];

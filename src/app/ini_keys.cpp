@@ -201,6 +201,11 @@ void ReadColumns(const std::string &, const std::string &)
     WPL_ReadColumns(INI_reading.lineValue);
 }
 
+void ReadLayout(const std::string &, const std::string &)
+{
+    WPL_ReadLayout(INI_reading.lineValue);
+}
+
 constexpr INI_Key KEYS[] = {
     {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
     {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
@@ -212,7 +217,7 @@ constexpr INI_Key KEYS[] = {
     {"view", false, ReadView},       {"m2", true, ReadSecondMap},
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
     {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
-    {"rate", false, ReadSweepRate},
+    {"rate", false, ReadSweepRate},  {"layout", false, ReadLayout},
 };
 
 } // namespace

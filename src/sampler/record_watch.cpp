@@ -67,7 +67,8 @@ void Begin(const std::string &path)
     REC_Options options;
     options.path = path;
     options.mayReplace = true; // the dialog has asked
-    const RCJ_Listener listener = {VR_ShowMessage, [] { Beep(); }};
+    const RCJ_Listener listener = {[](const std::string &text) { VR_ShowMessage(text); },
+                                   [] { Beep(); }};
     std::string problem;
     if (RCJ_Start(&job, ItemsOfList(), PERIOD_MS, options, triggers, listener, &problem) != 0) {
         MessagePopup("Error", problem);

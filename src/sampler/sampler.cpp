@@ -1,5 +1,6 @@
 #include "sampler/sampler.h"
 
+#include "comm/failures.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
 #include "platform/system.h"
@@ -54,6 +55,7 @@ int ReadLine(int station, uint32_t address, uint32_t count, void *buffer)
 
 int ReadLineTMS(int station, uint32_t address, uint32_t *value)
 {
+    const TMS_OnStation selected(station);
     return ReadNoting([&] { return TMS_ReadWord(station, address, TMS_POLLS_ITEM, value); },
                       [](int result) { return TMS_ErrorText(result); });
 }
@@ -228,7 +230,9 @@ void ProveAndGiveOut(SMP_Sampler *sampler)
         result = UCM_READ_AGAIN;
     sampler->doubts = sampler->line.doubts();
     if (result != UCM_PROVEN) {
-        FailHeld(sampler, result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : sampler->line.failure());
+        const std::string cause =
+            result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : sampler->line.failure();
+        FailHeld(sampler, cause.empty() ? FAIL_NO_PROOF : cause);
     }
     sampler->provenUs = sampler->line.nowUs();
     GiveOut(sampler);
