@@ -42,7 +42,7 @@ const UI_MenuItem UI_aMenuItems[] = {
      ReloadNowCB},
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
     {MENU_FILE, 0, "", 0, nullptr},
-    {MENU_FILE, ITEM_RECORD, "Re__cord watch list...", KEY_CTRL | KEY_SHIFT | 'D', RCW_ToggleCB},
+    {MENU_FILE, ITEM_RECORD, "Re__cord watch list...", KEY_CTRL | KEY_SHIFT | 'E', RCW_ToggleCB},
     {MENU_FILE, ITEM_RECORD_MARK, "Set marker in recordin__g...", KEY_CTRL | 'D', RCW_MarkCB},
     {MENU_FILE, ITEM_RECORD_WHEN, "Record __when...", 0, RCW_TriggersCB},
     {MENU_FILE, 0, "", 0, nullptr},
