@@ -13,6 +13,7 @@
 #include "console/script/script.h"
 #include "graphs/window.h"
 #include "runtime/userint.h"
+#include "sampler/record_watch.h"
 #include "scope/window.h"
 #include "settings/settings.h"
 #include "text/words.h"
@@ -156,6 +157,7 @@ int ExitApplication(int)
 {
     if (DbgChngSafety() < 0)
         return -1;
+    RCW_Stop();
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
     GRW_OnQuit();

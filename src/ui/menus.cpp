@@ -10,6 +10,7 @@
 #include "inspect/array_inspector.h"
 #include "inspect/record_inspector.h"
 #include "logger/log_window.h"
+#include "sampler/record_watch.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -43,6 +44,10 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_RELOAD_NOW, "Reload without as__king", KEY_CTRL | KEY_SHIFT | 'R',
      ReloadNowCB},
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
+    {MENU_FILE, 0, "", 0, nullptr},
+    {MENU_FILE, ITEM_RECORD, "Re__cord watch list...", KEY_CTRL | KEY_SHIFT | 'E', RCW_ToggleCB},
+    {MENU_FILE, ITEM_RECORD_MARK, "Set marker in recordin__g...", KEY_CTRL | 'D', RCW_MarkCB},
+    {MENU_FILE, ITEM_RECORD_WHEN, "Record __when...", 0, RCW_TriggersCB},
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_OPEN_MAP, "Open __map file...", KEY_CTRL | 'M', OpenMapCB},
     {MENU_FILE, ITEM_OPEN_TYPE_MAP, "Open __type map...", KEY_CTRL | 'T', OpenTypeMapCB},

@@ -410,6 +410,9 @@ enum {
     ITEM_COPY_MEMORY = 108,
     ITEM_SNAPSHOT = 109,
     ITEM_CONNECT_PAGE = 130,
+    ITEM_RECORD = 160,      // the watch list into a file, on or off
+    ITEM_RECORD_MARK = 161, // a text into it
+    ITEM_RECORD_WHEN = 162, // what starts and stops it
     ITEM_RELOAD_NOW = 131,  // the same file again, without asking
 };
 

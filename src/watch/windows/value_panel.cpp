@@ -76,7 +76,7 @@ std::string AddressText(const LItem &item)
 {
     char text[80];
     if (item.address == LITEM_NO_ADDRESS)
-        return "not resolved: no such name in the loaded maps";
+        return RDI_NOT_RESOLVED;
     if (LIT_IsTMS(item))
         std::snprintf(text, sizeof text, "0x%X, a word address of the TMS320", item.address);
     else if (IsWordAddressing(Procesor))
