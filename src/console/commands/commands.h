@@ -33,6 +33,9 @@ int SCR_L3Read(ScrPar *par);
 // Variable sets.
 int SCR_Upload(ScrPar *par);
 int SCR_Download(ScrPar *par);
+int SCR_Ldx2Vldx(ScrPar *par);
+int SCR_LdCmpLdx(ScrPar *par);
+int SCR_MkCmpVldx(ScrPar *par);
 // Registers of any Modbus slave; the parameter is the whole line.
 int SCR_MbRead(ScrPar *par);
 int SCR_MbWrite(ScrPar *par);

@@ -1,0 +1,13 @@
+// The fixed words of listings, in the languages that the command `language` chooses from.
+#ifndef SETS_LISTING_WORDS_H
+#define SETS_LISTING_WORDS_H
+
+#include "sets/listing.h"
+
+#include <string>
+
+// The word behind "t." in a template: "t.value". Null when there is none.
+const char *PST_FindWord(const std::string &key, PST_Language language);
+const char *PST_LanguageCode(PST_Language language); // "cs", as HTML has it
+
+#endif
