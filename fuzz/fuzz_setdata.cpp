@@ -3,6 +3,7 @@
 #include "platform/plain_file.h"
 #include "scratch_folder.h"
 #include "sets/listing.h"
+#include "settings/settings.h"
 
 namespace {
 
@@ -33,14 +34,14 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         files[1] = files[0];
         for (const PST_Row &row : PST_CompareFiles(files))
             FUZ_Check(!row.differs && row.records[0] != nullptr && !row.name.empty());
-        FUZ_Check(PST_WriteListing(folder + "t", files, PST_ENGLISH, folder + "o", &problems) == 0);
+        FUZ_Check(PST_WriteListing(folder + "t", files, LANGUAGE_EN, folder + "o", &problems) == 0);
         std::string page;
         FUZ_Check(PLF_ReadAll(folder + "o", PLF_SIZE_MAX, &page) == PLF_OK && IsCleanPage(page));
     }
     PST_Problems refused;
     files[0].records.resize(files[0].records.size() > 3 ? 3 : files[0].records.size());
     files[1] = files[0];
-    FUZ_Check((PST_WriteListing(folder + "d", files, PST_RUSSIAN, folder + "o", &refused) == 0) ==
+    FUZ_Check((PST_WriteListing(folder + "d", files, LANGUAGE_RU, folder + "o", &refused) == 0) ==
               (refused.count == 0));
     return 0;
 }

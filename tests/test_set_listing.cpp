@@ -1,6 +1,7 @@
 // Listings of data files: templates with faults, what is repeated, what is marked, and that
 // nothing of a file becomes part of the page's own text.
 #include "sets/listing.h"
+#include "settings/settings.h"
 #include "support/console_rig.h"
 
 namespace {
@@ -21,7 +22,7 @@ protected:
     }
     // The page, or what the template is refused for.
     static std::string Fill(const std::string &pattern, const std::vector<PST_File> &files,
-                            PST_Language language = PST_ENGLISH)
+                            int language = LANGUAGE_EN)
     {
         WriteFileText("t.tldx", pattern);
         PST_Problems problems;
@@ -71,8 +72,8 @@ TEST_F(SetListing, RowsAreRepeatedByGroupAndShownInUnits)
               "b=0.1|0.1||0.1|float;008100h=01 ab|01 ab|||;][Two:c=3|3|||u1;]");
     const char *const pattern =
         "{{language}} {{t.unit}}<!-- group --><!-- row --><!-- /row --><!-- /group -->";
-    EXPECT_EQ(Fill(pattern, files, PST_CZECH), "cs Jednotka");
-    EXPECT_EQ(Fill(pattern, files, PST_RUSSIAN), "ru Единица");
+    EXPECT_EQ(Fill(pattern, files, LANGUAGE_CZ), "cs Jednotka");
+    EXPECT_EQ(Fill(pattern, files, LANGUAGE_RU), "ru Единица");
 }
 
 TEST_F(SetListing, DifferencesAreOfValuesNotOfTheirSpelling)

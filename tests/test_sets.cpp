@@ -1,13 +1,17 @@
 // Headers and data files of variable sets, and the way of the values to the target and back.
+#include "app/rooms.h"
 #include "sets/backup.h"
 #include "sets/data.h"
+#include "sets/form.h"
 #include "sets/header.h"
 #include "sets/restore.h"
 #include "sets/value.h"
+#include "sets/window.h"
 #include "support/console_rig.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -422,6 +426,148 @@ TEST_F(SetTransfer, ValueThatDoesNotStayIsNamed)
     const auto stop = [](void *, size_t, size_t, const char *) { return true; };
     EXPECT_EQ(PST_RunRestore(&job, {nullptr, stop}), PST_ERR_CANCELLED);
     EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{9, 9, 9, 9}));
+}
+
+class SetWindow : public SetTransfer {
+protected:
+    void SetUp() override
+    {
+        SetTransfer::SetUp();
+        VR_ConnectRooms();
+        ASSERT_GE(UCM_Open(VR_nProtocol, ncom, bRate), 0);
+        isTimer = 1;
+        CFW_SetHeader("s.ulh");
+        HL_ClickMenu(ITEM_CONFIG);
+    }
+    void TearDown() override
+    {
+        CFW_GetForm() = PST_Form();
+        SetTransfer::TearDown();
+    }
+    // The row of a name, its cells with "|" between them.
+    std::string Row(const std::string &name)
+    {
+        std::vector<UI_Cell> cells;
+        std::string text;
+        GetListCells(PANEL_CONFIG, CONFIG_LIST, Line(name), &cells);
+        for (const UI_Cell &cell : cells)
+            text += cell.text + "|";
+        return text;
+    }
+    static int Line(const std::string &name)
+    {
+        const std::vector<std::string> labels = HL_GetLabels(PANEL_CONFIG, CONFIG_LIST);
+        return static_cast<int>(std::find(labels.begin(), labels.end(), name) - labels.begin());
+    }
+    static std::string Result()
+    {
+        return UiText(PANEL_CONFIG, CONFIG_RESULT);
+    }
+};
+
+TEST_F(SetWindow, ValuesAreReadTypedAndWrittenWithTheirMirrors)
+{
+    EXPECT_EQ(Row("wGain"), "wGain||||| … 500|||");
+    HL_CommitControl(PANEL_CONFIG, CONFIG_READ);
+    EXPECT_EQ(Row("wGain"), "wGain|1||1|| … 500|||");
+    EXPECT_EQ(UiAttribute(PANEL_CONFIG, CONFIG_WRITE_ALL, ATTR_DIMMED), 1);
+    const struct {
+        const char *name, *typed, *says;
+    } refused[] = {{"wGain", "501", "above the limit"},
+                   {"wGain", "x", "no value of type u2"},
+                   {"nLow", "1", "read-only"}};
+    for (const auto &c : refused) {
+        HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line(c.name), 1, c.typed);
+        EXPECT_NE(Result().find(c.says), std::string::npos) << Result();
+    }
+    HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line("wGain"), 1, "300");
+    HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line("fLimit"), 1, "2");
+    EXPECT_EQ(Row("wGain"), "wGain|* 300||1|| … 500|||");
+    EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{1, 0}));
+    HL_SelectLine(PANEL_CONFIG, CONFIG_LIST, Line("wGain"));
+    HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ONE); // nobody says yes
+    EXPECT_EQ(Result(), "Nothing was written.");
+    EXPECT_NE(HL_GetPopups().back().find("wGain: 1 -> 300\nwCopy: 1 -> 300"), std::string::npos);
+    HL_PushAnswer(1);
+    HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ONE);
+    EXPECT_EQ(Row("wGain"), "wGain|300||300|| … 500|||");
+    EXPECT_EQ(Peek(0x8200, 2), (std::vector<uint8_t>{0x2C, 1}));
+    EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{0, 0, 0x80, 0x3F})); // still only typed
+    HL_PushAnswer(1);
+    HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ALL);
+    EXPECT_NE(HL_GetPopups().back().find("The machine must stand"), std::string::npos);
+    EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{0, 0, 0, 0x40}));
+}
+
+TEST_F(SetWindow, FilesAreLoadedComparedSavedAndPrinted)
+{
+    HL_CommitControl(PANEL_CONFIG, CONFIG_READ);
+    Edit("wGain = 1", "wGain = 7");
+    HL_PushAnswer(1, "s.ldx");
+    HL_CommitControl(PANEL_CONFIG, CONFIG_COMPARE);
+    EXPECT_EQ(Row("wGain"), "wGain|1||1|≠ 7| … 500|||");
+    HL_Toggle(PANEL_CONFIG, CONFIG_ONLY_MARKED);
+    EXPECT_EQ(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST), std::vector<std::string>{"wGain"});
+    HL_Toggle(PANEL_CONFIG, CONFIG_ONLY_MARKED);
+    HL_PushAnswer(1, "s.ldx");
+    HL_CommitControl(PANEL_CONFIG, CONFIG_LOAD);
+    EXPECT_EQ(Row("wGain"), "wGain|* 7||1|≠ 7| … 500|||");
+    HL_PushAnswer(1, "saved.ldx");
+    HL_CommitControl(PANEL_CONFIG, CONFIG_SAVE);
+    EXPECT_NE(ReadFileText("saved.ldx").find("wGain = 7 "), std::string::npos);
+    HL_PushAnswer(1, EXAMPLES_DIR "/listing.tldx");
+    HL_PushAnswer(1, "page.html");
+    HL_PushAnswer(0);
+    HL_CommitControl(PANEL_CONFIG, CONFIG_PRINT);
+    EXPECT_NE(ReadFileText("page.html").find("wGain"), std::string::npos);
+    WriteFileText("bad.ldx", "nothing");
+    HL_PushAnswer(1, "bad.ldx");
+    HL_CommitControl(PANEL_CONFIG, CONFIG_LOAD);
+    EXPECT_EQ(Row("wGain"), "wGain|* 7||1|≠ 7| … 500|||"); // as it was
+}
+
+// What was read belongs to one station and one map; an address may be another thing's by now.
+TEST_F(SetWindow, AnotherStationOrMapEndsWhatWasRead)
+{
+    HL_CommitControl(PANEL_CONFIG, CONFIG_READ);
+    HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line("wGain"), 1, "300");
+    STATION = 2;
+    HL_ActivatePanel(PANEL_CONFIG);
+    EXPECT_EQ(Row("wGain"), "wGain|* 300|||| … 500|||");
+    STATION = 1;
+    std::string map = ReadFileText("m.m66");
+    map.replace(map.find("08100H"), 6, "08300H"); // wGain lies elsewhere in the new build
+    WriteFileText("m2.m66", map);
+    ASSERT_EQ(map2node("m2.m66"), 0);
+    HL_PushAnswer(1);
+    HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ALL);
+    EXPECT_EQ(Peek(0x8300, 2), (std::vector<uint8_t>{0x2C, 1}));
+    EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{1, 0}));
+    WriteFileText("m3.m66", map.replace(map.find("wGain"), 5, "wOther"));
+    ASSERT_EQ(map2node("m3.m66"), 0);
+    HL_ActivatePanel(PANEL_CONFIG);
+    EXPECT_NE(Result().find("no longer fits"), std::string::npos);
+    EXPECT_TRUE(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST).empty());
+}
+
+TEST_F(SetWindow, EditorShowsOneParameterAndTakesItsValue)
+{
+    HL_CommitControl(PANEL_CONFIG, CONFIG_READ);
+    HL_SelectLine(PANEL_CONFIG, CONFIG_LIST, Line("wGain"));
+    HL_CommitControl(PANEL_CONFIG, CONFIG_DETAILS);
+    EXPECT_EQ(UiText(PANEL_CONFIG_EDIT, CFGEDIT_DEVICE), "1");
+    HL_SetUserVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, "600");
+    HL_CommitControl(PANEL_CONFIG_EDIT, CFGEDIT_TAKE);
+    EXPECT_NE(UiText(PANEL_CONFIG_EDIT, CFGEDIT_HINT).find("above the limit"), std::string::npos);
+    HL_SetUserVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, "40");
+    HL_CommitControl(PANEL_CONFIG_EDIT, CFGEDIT_TAKE);
+    EXPECT_EQ(Row("wGain"), "wGain|* 40||1|| … 500|||");
+    HL_PushAnswer(1);
+    HL_CommitControl(PANEL_CONFIG_EDIT, CFGEDIT_WRITE);
+    EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{40, 0}));
+    HL_SelectLine(PANEL_CONFIG, CONFIG_LIST, Line("nLow"));
+    EXPECT_EQ(UiText(PANEL_CONFIG_EDIT, CFGEDIT_NAME), "nLow");
+    EXPECT_EQ(UiAttribute(PANEL_CONFIG_EDIT, CFGEDIT_WRITE, ATTR_DIMMED), 1);
 }
 
 } // namespace

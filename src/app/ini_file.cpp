@@ -15,6 +15,7 @@
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/window.h"
+#include "sets/window.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
@@ -249,6 +250,12 @@ void ReadColumns(const std::string &, const std::string &)
     WPL_ReadColumns(lineValue);
 }
 
+// Opened with the window that shows it: maps may follow in the file.
+void ReadSetHeader(const std::string &, const std::string &path)
+{
+    CFW_SetHeader(path);
+}
+
 struct Key {
     const char *key; // '#' stands for a digit from 1
     bool isPath;
@@ -265,7 +272,7 @@ constexpr Key KEYS[] = {
     {"view", false, ReadView},       {"m2", true, ReadSecondMap},
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
     {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
-    {"rate", false, ReadSweepRate},
+    {"rate", false, ReadSweepRate},  {"set", true, ReadSetHeader},
 };
 
 const Key *FindKey(const std::string &text)
@@ -419,6 +426,7 @@ std::string SettingsText()
         AddLine(&text, "view", "watch");
     AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : kept.tmsMap, nullptr);
     AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
+    AddPath(&text, "set", CFW_GetHeader(), nullptr);
     if (Option_nSweepRate != 1)
         AddLine(&text, "rate",
                 Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));

@@ -7,6 +7,7 @@
 #include "sets/listing_words.h"
 #include "sets/template.h"
 #include "sets/value.h"
+#include "settings/settings.h"
 #include "text/words.h"
 
 #include <algorithm>
@@ -26,7 +27,7 @@ const char MARK_DIFFERS[] = "differs"; // ... that is not the first file's
 struct Place {
     const std::vector<PST_File> *files = nullptr;
     const std::vector<PST_Row> *rows = nullptr;
-    PST_Language language = PST_CZECH;
+    int language = LANGUAGE_CZ;
     const PST_Row *row = nullptr; // the group's first one outside of rows
     bool isInRow = false;
     size_t file = 0;
@@ -212,7 +213,7 @@ const PlaceRow *FindPlace(const std::string &name)
 bool IsPlace(const std::string &name)
 {
     return FindPlace(name) != nullptr ||
-           (name.compare(0, 2, "t.") == 0 && PST_FindWord(name.substr(2), PST_CZECH) != nullptr);
+           (name.compare(0, 2, "t.") == 0 && PST_FindWord(name.substr(2), LANGUAGE_CZ) != nullptr);
 }
 
 // Bytes of the UTF-8 character that begins here, 0 when none does.
@@ -369,7 +370,7 @@ std::vector<PST_Row> PST_CompareFiles(const std::vector<PST_File> &files)
 }
 
 int PST_WriteListing(const std::string &templatePath, const std::vector<PST_File> &files,
-                     PST_Language language, const std::string &output, PST_Problems *problems)
+                     int language, const std::string &output, PST_Problems *problems)
 {
     PST_Node root;
     if (PST_ReadTemplate(templatePath, IsPlace, &root, problems) != 0)

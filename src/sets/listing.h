@@ -11,8 +11,6 @@
 
 constexpr size_t PST_COMPARE_MAX = 20; // files in one comparison
 
-enum PST_Language { PST_CZECH = 0, PST_ENGLISH = 1, PST_RUSSIAN = 2 };
-
 // One value's line in all the files.
 struct PST_Row {
     std::string group, heading, name;
@@ -24,8 +22,9 @@ struct PST_Row {
 // numbers: 10 and 0Ah are the same.
 std::vector<PST_Row> PST_CompareFiles(const std::vector<PST_File> &files);
 
-// Fills the template with the files and writes the output whole. 0, or -1 with the reasons.
+// Fills the template with the files, in the settings' LANGUAGE_..., and writes the output whole. 0,
+// or -1 with the reasons.
 int PST_WriteListing(const std::string &templatePath, const std::vector<PST_File> &files,
-                     PST_Language language, const std::string &output, PST_Problems *problems);
+                     int language, const std::string &output, PST_Problems *problems);
 
 #endif

@@ -38,7 +38,7 @@ const char *const CODES[] = {"cs", "en", "ru"};
 
 } // namespace
 
-const char *PST_FindWord(const std::string &key, PST_Language language)
+const char *PST_FindWord(const std::string &key, int language)
 {
     for (const Word &word : WORDS)
         if (key == word.key)
@@ -46,7 +46,7 @@ const char *PST_FindWord(const std::string &key, PST_Language language)
     return nullptr;
 }
 
-const char *PST_LanguageCode(PST_Language language)
+const char *PST_LanguageCode(int language)
 {
     return CODES[language];
 }

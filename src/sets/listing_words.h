@@ -7,7 +7,7 @@
 #include <string>
 
 // The word behind "t." in a template: "t.value". Null when there is none.
-const char *PST_FindWord(const std::string &key, PST_Language language);
-const char *PST_LanguageCode(PST_Language language); // "cs", as HTML has it
+const char *PST_FindWord(const std::string &key, int language);
+const char *PST_LanguageCode(int language); // "cs", as HTML has it
 
 #endif

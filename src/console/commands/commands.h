@@ -51,8 +51,4 @@ int SCR_ComPar(ScrPar *par);
 int SCR_Msg(ScrPar *par);
 int SCR_Qst(ScrPar *par);
 
-// Language of listings, chosen by the command `language`.
-enum { LANGUAGE_CZ = 0, LANGUAGE_EN = 1, LANGUAGE_RU = 2 };
-extern int SCR_enLanguage;
-
 #endif
