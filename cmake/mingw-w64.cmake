@@ -1,11 +1,15 @@
-# Cross-compiles the console program for 64-bit Windows, linked statically so
-# that one file can be copied to a service PC.
+# Cross-compiles for 64-bit Windows, linked statically so that one file can be copied to a
+# service PC. VIREO2_QT_WINDOWS: the folder packaging/windows/build-qt has printed.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86_64)
 set(CMAKE_C_COMPILER x86_64-w64-mingw32-gcc-posix)
 set(CMAKE_CXX_COMPILER x86_64-w64-mingw32-g++-posix)
 set(CMAKE_RC_COMPILER x86_64-w64-mingw32-windres)
 set(CMAKE_FIND_ROOT_PATH /usr/x86_64-w64-mingw32)
+if(DEFINED ENV{VIREO2_QT_WINDOWS})
+  list(PREPEND CMAKE_FIND_ROOT_PATH $ENV{VIREO2_QT_WINDOWS})
+  list(PREPEND CMAKE_PREFIX_PATH $ENV{VIREO2_QT_WINDOWS})
+endif()
 set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)

@@ -1,5 +1,6 @@
 // What the target's flash may hold: a directory, a variable map, compressed types. The
 // first byte chooses the reader.
+#include "fuzz_check.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_info.h"
 #include "symbols/flash_varmap.h"
@@ -9,7 +10,6 @@
 #include "text/txfrw.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 #include <vector>
@@ -19,12 +19,6 @@ namespace {
 constexpr uint32_t BASE = 0x1000;
 const uint8_t *memory;
 size_t memorySize;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 int readMemory(uint32_t address, uint32_t count, void *buffer)
 {
@@ -43,13 +37,13 @@ void walkDirectory(const uint8_t *data, size_t size)
     int32_t length;
     for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_DECLS, "x"}) {
         const int32_t found = MFS_FindFile(name, BASE, end, &length);
-        require(found < 0 || (length >= 0 && static_cast<uint32_t>(found) + MFS_HEADER_SIZE +
-                                                     static_cast<uint32_t>(length) <=
-                                                 end));
+        FUZ_Check(found < 0 || (length >= 0 && static_cast<uint32_t>(found) + MFS_HEADER_SIZE +
+                                                       static_cast<uint32_t>(length) <=
+                                                   end));
     }
     const int32_t start = MFS_FindDirectory(BASE, end);
-    require(start < 0 ||
-            (static_cast<uint32_t>(start) >= BASE && static_cast<uint32_t>(start) < end));
+    FUZ_Check(start < 0 ||
+              (static_cast<uint32_t>(start) >= BASE && static_cast<uint32_t>(start) < end));
 }
 
 void readVarMap(const std::string &content)
@@ -58,7 +52,7 @@ void readVarMap(const std::string &content)
     std::vector<VRN_Symbol> variables;
     if (handle >= 0 && FLASH_ParseVarMap(handle, &variables) == 0) {
         for (const VRN_Symbol &variable : variables)
-            require(variable.address < 0x1000000 && !variable.name.empty());
+            FUZ_Check(variable.address < 0x1000000 && !variable.name.empty());
     }
     TXFRW_Close(handle);
 }
@@ -69,7 +63,7 @@ void unpackNames(const uint8_t *data, size_t size)
         std::string name;
         for (size_t at = 0; at < size;) {
             const int used = UnpackVarName(&name, data + at, size - at, form);
-            require(used < 0 || (used > 0 && static_cast<size_t>(used) <= size - at));
+            FUZ_Check(used < 0 || (used > 0 && static_cast<size_t>(used) <= size - at));
             at = used < 0 ? size : at + static_cast<size_t>(used);
         }
     }

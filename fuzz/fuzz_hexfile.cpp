@@ -1,21 +1,10 @@
 // HEX files, whole and line by line. What the checker lets through must lie within the
 // target and without overlaps; the reader of lines must come to an end with a code.
 #include "loader/hex_file.h"
+#include "scratch_folder.h"
 #include "text/txfr.h"
 
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <string>
-#include <unistd.h>
-
 namespace {
-
-void Require(bool isTrue)
-{
-    if (!isTrue)
-        std::abort();
-}
 
 void ReadLines(const std::string &path)
 {
@@ -24,7 +13,7 @@ void ReadLines(const std::string &path)
     uint32_t base = 0;
     for (int result = 0; handle >= 0 && result != IHEX_FILE_END;) {
         result = IHEX167_Parse_line(&block, handle, &base);
-        Require(block.length <= IHEX167_DATA_MAX && (result == IHEX_DATA || block.length == 0));
+        FUZ_Check(block.length <= IHEX167_DATA_MAX && (result == IHEX_DATA || block.length == 0));
     }
 }
 
@@ -33,28 +22,24 @@ void CheckAccepted(const HEX_File &file)
     uint64_t end = 0;
     size_t bytes = 0;
     for (const HEX_Record &record : file.records) {
-        Require(record.length > 0 && record.address >= end);
-        Require(record.dataAt + record.length <= file.data.size());
+        FUZ_Check(record.length > 0 && record.address >= end);
+        FUZ_Check(record.dataAt + record.length <= file.data.size());
         end = uint64_t{record.address} + record.length;
     }
     for (const HEX_Range &range : file.ranges)
         bytes += range.last - range.first + 1;
-    Require(end <= IHEX167_ADDRESS_END && bytes == file.data.size() && bytes > 0);
+    FUZ_Check(end <= IHEX167_ADDRESS_END && bytes == file.data.size() && bytes > 0);
 }
 
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
-    static const std::string path =
-        std::filesystem::temp_directory_path() / ("fuzz_hexfile." + std::to_string(getpid()));
-    std::FILE *out = std::fopen(path.c_str(), "wb");
-    Require(out != nullptr);
-    std::fwrite(data, 1, size, out);
-    std::fclose(out);
+    const std::string path = FUZ_Folder() + "/a.hex";
+    FUZ_WriteFile("a.hex", std::string(reinterpret_cast<const char *>(data), size));
     HEX_File file;
     const int result = HEX_Read(path, &file);
-    Require((result == 0) == (file.fatal == 0) && file.problems.size() <= HEX_PROBLEMS_MAX);
+    FUZ_Check((result == 0) == (file.fatal == 0) && file.problems.size() <= HEX_PROBLEMS_MAX);
     ReadLines(path);
     if (result == 0)
         CheckAccepted(file);

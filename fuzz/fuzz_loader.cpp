@@ -3,14 +3,10 @@
 #include "comm/mr166_link.h"
 #include "loader/l3_protocol.h"
 #include "loader/program.h"
+#include "scratch_folder.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <numeric>
-#include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -19,12 +15,6 @@ const uint8_t *answers;
 size_t answersLeft;
 std::vector<uint8_t> request; // the last one sent
 LDR_Job prepared;
-
-void Require(bool isTrue)
-{
-    if (!isTrue)
-        std::abort();
-}
 
 uint8_t NextByte()
 {
@@ -61,10 +51,10 @@ int Read(void *buffer, size_t count)
 void RunJob(LDR_Job *job, bool isResume)
 {
     const int result = LDR_RunOnPort(job, isResume, LDR_Progress());
-    Require(result <= 0 && job->written <= job->plan.size() && job->verified <= job->written);
-    Require((job->flash == LDR_FLASH_WHOLE) == (result == 0));
-    Require(result != 0 || !job->isVerify || job->verified == job->plan.size());
-    Require(!LDR_GetResultText(*job).empty() && !LDR_GetFlashText(*job).empty());
+    FUZ_Check(result <= 0 && job->written <= job->plan.size() && job->verified <= job->written);
+    FUZ_Check((job->flash == LDR_FLASH_WHOLE) == (result == 0));
+    FUZ_Check(result != 0 || !job->isVerify || job->verified == job->plan.size());
+    FUZ_Check(!LDR_GetResultText(*job).empty() && !LDR_GetFlashText(*job).empty());
 }
 
 } // namespace
@@ -73,13 +63,8 @@ extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
     static const LD167U_Port PORT = {Write, Read, [] { return 0; },
                                      [](unsigned, unsigned) { return 0; }};
-    const std::string path =
-        std::filesystem::temp_directory_path() / ("fuzz_loader." + std::to_string(getpid()));
-    std::FILE *file = std::fopen(path.c_str(), "wb");
-    Require(file != nullptr);
-    std::fputs(":0400100000010203E6\n:020014000405E1\n:01003000557A\n:00000001FF\n", file);
-    std::fclose(file);
-    Require(LDR_Prepare(&prepared, path) == 0);
+    FUZ_WriteFile("a.hex", ":0400100000010203E6\n:020014000405E1\n:01003000557A\n:00000001FF\n");
+    FUZ_Check(LDR_Prepare(&prepared, FUZ_Folder() + "/a.hex") == 0);
     LD167U_pPort = &PORT;
     wMrOpenFlag = 1;
     return 0;

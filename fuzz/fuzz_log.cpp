@@ -4,16 +4,9 @@
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
 #include "logger/log_view.h"
-
-#include <cstdlib>
+#include "scratch_folder.h"
 
 namespace {
-
-void Require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 // Messages lie one behind the other, parted by zeros, and none is lost.
 void CheckRows(const LOGV_Log &log)
@@ -21,12 +14,12 @@ void CheckRows(const LOGV_Log &log)
     int32_t at = DLLD_HEADER_WORDS;
     for (const LOGV_Row &row : log.rows) {
         for (; at < row.start; at++)
-            Require(log.words[static_cast<size_t>(at)] == 0);
-        Require(row.start >= at && row.length > 0);
+            FUZ_Check(log.words[static_cast<size_t>(at)] == 0);
+        FUZ_Check(row.start >= at && row.length > 0);
         at += row.length;
     }
     for (; at < static_cast<int32_t>(log.words.size()); at++)
-        Require(log.words[static_cast<size_t>(at)] == 0);
+        FUZ_Check(log.words[static_cast<size_t>(at)] == 0);
 }
 
 void CheckView(const LOGV_Log &log)
@@ -35,12 +28,12 @@ void CheckView(const LOGV_Log &log)
     LOGV_Attach(&view, &log);
     LOGV_Sort(&view, LOGV_TEXT, true);
     for (size_t line = 0; line < view.shown.size(); line++)
-        Require(LOGV_GetCell(view, line, LOGV_TEXT).find('\n') == std::string::npos);
+        FUZ_Check(LOGV_GetCell(view, line, LOGV_TEXT).find('\n') == std::string::npos);
     LOGV_Filter filter = view.filter;
     filter.text = "a";
     LOGV_SetFilter(&view, filter);
     for (const LOGV_Pair &pair : LOGV_Compare(log, log))
-        Require(pair.rowA >= 0 && pair.rowB >= 0);
+        FUZ_Check(pair.rowA >= 0 && pair.rowB >= 0);
 }
 
 } // namespace
@@ -60,7 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     words[5] = 0x4F47;
     words[6] = 0x3A53;
     LOGV_Log log;
-    Require(LOGV_Decode(words, "", &log) == 0);
+    FUZ_Check(LOGV_Decode(words, "", &log) == 0);
     CheckRows(log);
     CheckView(log);
     std::string text;

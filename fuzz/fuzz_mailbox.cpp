@@ -3,9 +3,8 @@
 // it was done and the word itself arrived, and no station keeps the program waiting.
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
+#include "fuzz_check.h"
 #include "settings/settings.h"
-
-#include <cstdlib>
 
 // Stands in for the settings and the link.
 int32_t STATION = 3;
@@ -25,12 +24,6 @@ int Next()
         return 0;
     --left;
     return *input++;
-}
-
-void Check(bool isGood)
-{
-    if (!isGood)
-        std::abort();
 }
 
 } // namespace
@@ -74,15 +67,15 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         exchanges = 0;
         uint32_t value = 0x5EEDu;
         const int read = TMS_ReadWord(Next() % 16, 0x8000, polls, &value);
-        Check(exchanges <= 3 + polls && read <= TMS_OK && read >= TMS_ERR_DATA);
-        Check(read == TMS_OK ? isDone && isFetched && value == fetched : value == 0x5EEDu);
-        Check((read == TMS_OK) == TMS_ErrorText(read).empty());
+        FUZ_Check(exchanges <= 3 + polls && read <= TMS_OK && read >= TMS_ERR_DATA);
+        FUZ_Check(read == TMS_OK ? isDone && isFetched && value == fetched : value == 0x5EEDu);
+        FUZ_Check((read == TMS_OK) == TMS_ErrorText(read).empty());
         exchanges = 0;
         uint32_t failedAt = 0;
         const int written = TMS_WriteWord(0x8000, value, &failedAt);
-        Check(exchanges <= 3 + TMS_POLLS_WRITE && written <= TMS_OK && written > TMS_ERR_DATA);
-        Check(written != TMS_OK || isDone);
-        Check((written == TMS_ERR_SEND) == (failedAt != 0));
+        FUZ_Check(exchanges <= 3 + TMS_POLLS_WRITE && written <= TMS_OK && written > TMS_ERR_DATA);
+        FUZ_Check(written != TMS_OK || isDone);
+        FUZ_Check((written == TMS_ERR_SEND) == (failedAt != 0));
     }
     return 0;
 }

@@ -1,21 +1,15 @@
 // The type map reader over a text of arbitrary bytes, then sizes, members, lists and
 // expressions of whatever was loaded. The first byte chooses the processor.
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 
+#include "fuzz_check.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/txfrw.h"
-
-static void Check(bool ok)
-{
-    if (!ok)
-        std::abort();
-}
 
 static void UseTables()
 {
@@ -26,10 +20,10 @@ static void UseTables()
         int32_t size = 0, count = 0, alignment = 0;
         AddMapVar(0x1000u * static_cast<uint32_t>(i), decl.name);
         if (TMF_GetTypeInfo(decl.chain, &kind, &size, &count, &alignment, 0) == 0)
-            Check(size >= 0 && count >= 0 && alignment >= 1);
+            FUZ_Check(size >= 0 && count >= 0 && alignment >= 1);
         TMF_FormatDecl(decl.name, decl.chain);
         for (const TMF_ListRow &row : TMF_ListParts(decl.name))
-            Check(inStruct(row.expression.c_str(), aVarNode, nNodes) != 0xFFFFFFFFu);
+            FUZ_Check(inStruct(row.expression.c_str(), aVarNode, nNodes) != 0xFFFFFFFFu);
     }
 }
 
@@ -44,7 +38,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     const int result = TMF_LoadMapFrw(text);
     TXFRW_Close(text);
-    Check(result == 0 ? TMF_cnDefVars > 0 : TMF_cnDefVars == 0 && TMF_cnDefStructCts == 0);
+    FUZ_Check(result == 0 ? TMF_cnDefVars > 0 : TMF_cnDefVars == 0 && TMF_cnDefStructCts == 0);
     UseTables();
     TMF_CleanTables();
     return 0;

@@ -1,21 +1,15 @@
 // The pattern scanner: the patterns in use on any text, and any pattern on any text. The
 // first byte chooses; for a free pattern a NUL parts it from the text.
 #include "../tests/support/scan_patterns.h"
+#include "fuzz_check.h"
 #include "text/xscan.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <iterator>
 #include <string>
 #include <vector>
 
 namespace {
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 void scan(const char *pattern, const std::string &text, unsigned flags)
 {
@@ -26,14 +20,14 @@ void scan(const char *pattern, const std::string &text, unsigned flags)
     char *out = buffer.data();
     const int result = xscan1(pattern, &cursor, &out, flags);
     const size_t consumed = static_cast<size_t>(cursor - text.c_str());
-    require(result == 0 || result == -1);
-    require(consumed <= length && (result == 0 || consumed == 0));
-    require(static_cast<size_t>(out - buffer.data()) == consumed);
-    require(result != 0 || *out == '\0');
+    FUZ_Check(result == 0 || result == -1);
+    FUZ_Check(consumed <= length && (result == 0 || consumed == 0));
+    FUZ_Check(static_cast<size_t>(out - buffer.data()) == consumed);
+    FUZ_Check(result != 0 || *out == '\0');
     const bool isConverted = (flags & (XSCAN_UPPER | XSCAN_LOWER)) != 0;
-    require(result != 0 || isConverted || std::memcmp(buffer.data(), text.data(), consumed) == 0);
+    FUZ_Check(result != 0 || isConverted || std::memcmp(buffer.data(), text.data(), consumed) == 0);
     cursor = text.c_str();
-    require(xscan1(pattern, &cursor, nullptr, flags) == result);
+    FUZ_Check(xscan1(pattern, &cursor, nullptr, flags) == result);
 }
 
 } // namespace

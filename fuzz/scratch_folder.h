@@ -3,6 +3,8 @@
 #ifndef FUZZ_SCRATCH_FOLDER_H
 #define FUZZ_SCRATCH_FOLDER_H
 
+#include "fuzz_check.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -31,12 +33,6 @@ inline void FUZ_WriteFile(const std::string &name, const std::string &text)
     if (file == nullptr || std::fwrite(text.data(), 1, text.size(), file) != text.size())
         std::abort();
     std::fclose(file);
-}
-
-inline void FUZ_Check(bool isGood)
-{
-    if (!isGood)
-        std::abort();
 }
 
 #endif

@@ -14,8 +14,9 @@
 #include "runtime/headless/headless.h"
 #include "runtime/view.h"
 #include "settings/settings.h"
-#include "sim/sim.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
@@ -26,34 +27,11 @@
 
 namespace {
 
-// A program started in an empty folder of its own, with the globals as after a start.
-class App : public testing::Test {
+// A program started in an empty folder of its own.
+class App : public TargetTest {
 protected:
-    void SetUp() override
+    App() : TargetTest(1)
     {
-        Forget();
-    }
-    void TearDown() override
-    {
-        VIR2_StopPeriodicASC();
-        unsetenv("VIREO2_COM1");
-        Forget();
-    }
-    static void Forget()
-    {
-        HL_Reset();
-        Procesor = CPU_C166;
-        VR_nProtocol = PROTOCOL_MR166;
-        ncom = STATION = Option_AutoOff = Option_ComWin32 = 1;
-        bRate = 19200;
-        VR_enAppMode = MODE_NORMAL;
-        isTimer = oldTimer = IsDBGChange = nDebugFileNames = openStruct = nLItems = openLItems = 0;
-        oldHeight = 491;
-        szDebugFileName.clear();
-        szMapFileName.clear();
-        VR_isScriptRun = VR_isFullCommandSet = VR_isFullOnce = false;
-        for (int &item : anRecentItems)
-            item = 0;
     }
     static int Start(std::vector<std::string> options = {})
     {
@@ -70,13 +48,6 @@ protected:
             if (UiItemAttribute(item, ATTR_CHECKED) != 0)
                 items.push_back(item);
         return items;
-    }
-    static void Connect(SIM_Target **target)
-    {
-        std::string error;
-        *target = SIM_Start(SIM_Options(), &error);
-        ASSERT_TRUE(*target) << error;
-        setenv("VIREO2_COM1", SIM_DevicePath(*target), 1);
     }
     const ScratchFolder folder{true};
 };
@@ -98,7 +69,7 @@ TEST_F(App, CommandLine)
                  {{"-", "-z9", "-2"}, 2, 19200, 1, 0, 4},
                  {{}, 1, 19200, 1, 0, 1}};
     for (const auto &c : cases) {
-        Forget();
+        ResetProgram();
         std::vector<char *> argv = {nullptr};
         for (const std::string &option : c.options)
             argv.push_back(const_cast<char *>(option.c_str()));
@@ -139,7 +110,7 @@ TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
     EXPECT_TRUE(std::filesystem::exists("Vireo2Config.ini"));
     EXPECT_FALSE(std::filesystem::exists("Vireo2.ini"));
 
-    Forget();
+    ResetProgram();
     ASSERT_EQ(0, Start());
     DisplayPanel(PANEL_CONFIG);
     HL_ClosePanel(PANEL_CONFIG);
@@ -233,9 +204,7 @@ TEST_F(App, DevicePathTakesThePlaceOfANumber)
 {
     setenv("XDG_CONFIG_HOME", (folder / "config").c_str(), 1);
     ASSERT_EQ(0, Start());
-    std::string error;
-    SIM_Target *target = SIM_Start(SIM_Options(), &error);
-    ASSERT_TRUE(target) << error;
+    plug();
     const std::string device = SIM_DevicePath(target);
     HL_PushAnswer(1, " " + device + " ");
     HL_ClickMenu(ITEM_PORT_OTHER);
@@ -254,8 +223,6 @@ TEST_F(App, DevicePathTakesThePlaceOfANumber)
     EXPECT_EQ(given, ncom);
     HL_Toggle(PANEL_MAIN, MAIN_COMM);
     EXPECT_EQ(1, isTimer);
-    VIR2_StopPeriodicASC();
-    SIM_Stop(target);
     unsetenv("XDG_CONFIG_HOME");
 }
 
@@ -323,8 +290,7 @@ TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
 
 TEST_F(App, CommunicationGoesOnAndOffAndReopens)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     ASSERT_EQ(0, Start());
     VR_ComRequest();
     EXPECT_EQ("Message: Enable communication?", HL_GetPopups().back());
@@ -356,15 +322,12 @@ TEST_F(App, CommunicationGoesOnAndOffAndReopens)
     EXPECT_EQ(0, isTimer) << "the new port cannot be opened";
     EXPECT_EQ(0, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
     unsetenv("VIREO2_COM2");
-    SIM_Stop(target);
 }
 
-// Whatever fails in between: nothing but the switch has to be flipped again.
 // What the user wishes to end is ended at the next try, and is no failure that switches off.
 TEST_F(App, SwitchingOffBreaksATransferAtTheNextTry)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     ASSERT_EQ(0, Start());
     HL_ClickMenu(ITEM_CONNECT);
     ASSERT_EQ(1, isTimer);
@@ -383,13 +346,11 @@ TEST_F(App, SwitchingOffBreaksATransferAtTheNextTry)
     EXPECT_EQ(1, isTimer) << "the toggle would switch it on again";
     EXPECT_EQ(HL_CommitControl(PANEL_MAIN, MAIN_BTN_MAP), HL_DIMMED); // any event brings its turn
     EXPECT_EQ(0, isTimer);
-    SIM_Stop(target);
 }
 
 TEST_F(App, AnEchoIsSaidInTheStateLineWhileItLasts)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     SIM_Options echo;
     echo.echo = true;
     SIM_SetFaults(target, echo);
@@ -399,18 +360,16 @@ TEST_F(App, AnEchoIsSaidInTheStateLineWhileItLasts)
     EXPECT_LT(UCM_Read(STATION, 0, 1, &byte), 0);
     VR_EnableControls(); // as at the end of a sweep
     const std::string advice = "\nThe line echoes what is sent: switch Win32 services off. Map not";
-    EXPECT_NE(std::string::npos, UiText(mainPanel, MAIN_STATE).find(advice));
+    EXPECT_TRUE(Has(UiText(mainPanel, MAIN_STATE), advice));
     HL_ClickMenu(ITEM_COM_WIN32);
     EXPECT_EQ(0, UCM_Read(STATION, 0, 1, &byte));
     VR_EnableControls();
-    EXPECT_EQ(std::string::npos, UiText(mainPanel, MAIN_STATE).find("echoes"));
-    SIM_Stop(target);
+    EXPECT_FALSE(Has(UiText(mainPanel, MAIN_STATE), "echoes"));
 }
 
 TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     ASSERT_EQ(0, Start());
     WriteFileText("w.dbg", "[8000], u2\n");
     ASSERT_GE(dat2litems("w.dbg"), 0);
@@ -420,7 +379,8 @@ TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
         EXPECT_EQ("RUN", UiText(mainPanel, MAIN_STATUS));
         EXPECT_EQ(isWin32, MR166_isWin32 != 0);
-        SIM_Stop(target);
+        unplug();
+        setenv("VIREO2_COM1", "/dev/unplugged", 1);
         EXPECT_TRUE(UCM_IsGone());
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
         EXPECT_EQ("Communication switched off: [0x8000]: port is gone",
@@ -430,7 +390,7 @@ TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
         EXPECT_EQ(0, isTimer + UCM_IsOpened() + UiValue(mainPanel, MAIN_COMM))
             << "it is not back yet";
         EXPECT_EQ(1, UiValue(mainPanel, MAIN_STOPPED));
-        Connect(&target);
+        plug();
         HL_Toggle(PANEL_MAIN, MAIN_COMM);
         EXPECT_EQ(1, HL_FireTimer(PANEL_MAIN, MAIN_TIMER));
         EXPECT_EQ("RUN", UiText(mainPanel, MAIN_STATUS));
@@ -438,30 +398,25 @@ TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
         HL_ClickMenu(ITEM_CLOSE_PORT);
         EXPECT_EQ("", UiText(mainPanel, MAIN_STATUS));
     }
-    SIM_Stop(target);
 }
 
 TEST_F(App, DriverChosenWhileModbusIsInUseIsTheOneThatOpens)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     ASSERT_EQ(0, Start());
     HL_ClickMenu(ITEM_MODBUS);
     UCM_Open(VR_nProtocol, 99, bRate);
     HL_ClickMenu(ITEM_COM_WIN32);
     HL_ClickMenu(ITEM_MR166);
     HL_Toggle(PANEL_MAIN, MAIN_COMM);
-    EXPECT_NE(std::string::npos, UiText(mainPanel, MAIN_STATE).find("NI_Com; "));
+    EXPECT_TRUE(Has(UiText(mainPanel, MAIN_STATE), "NI_Com; "));
     EXPECT_EQ(0, MR166_isWin32);
     EXPECT_EQ(1, UCM_IsOpened());
-    VIR2_StopPeriodicASC();
-    SIM_Stop(target);
 }
 
 TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
 {
-    SIM_Target *target = nullptr;
-    Connect(&target);
+    plug();
     ASSERT_EQ(0, Start());
     HL_ClickMenu(ITEM_CONNECT);
     HL_ResizePanel(mainPanel, 600, 900);
@@ -477,21 +432,8 @@ TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
     oldTimer = 1;
     HL_ClickMenu(ITEM_WATCH_VIEW);
     EXPECT_EQ(1, UCM_IsOpened());
-    SIM_Stop(target);
-}
-
-TEST_F(App, HeightsBelowTheLeastAreRefused)
-{
-    ASSERT_EQ(0, Start());
-    HL_ResizePanel(mainPanel, 600, 900);
-    EXPECT_EQ(900, UiPanelAttribute(consolePanel, ATTR_WIDTH));
-    EXPECT_EQ(600 - 21, UiPanelAttribute(consolePanel, ATTR_HEIGHT));
-    EXPECT_EQ(600 - 43, UiAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT));
-    EXPECT_EQ(600 - 42, UiAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP));
     HL_ResizePanel(mainPanel, 49, 780);
-    EXPECT_EQ(600, UiPanelAttribute(mainPanel, ATTR_HEIGHT));
-    HL_ResizePanel(mainPanel, 50, 780);
-    EXPECT_EQ(50, oldHeight);
+    EXPECT_EQ(600, UiPanelAttribute(mainPanel, ATTR_HEIGHT)) << "below the least";
 }
 
 TEST_F(App, ScriptOnTheCommandLineRunsAfterTheSettings)
@@ -522,7 +464,7 @@ TEST_F(App, ExitAsksSavesAndQuits)
 TEST_F(App, EndingBySignalWithAnUnsavedListIsNoSuccess)
 {
     for (const int isChanged : {0, 1}) {
-        Forget();
+        ResetProgram();
         ASSERT_EQ(0, Start());
         IsDBGChange = isChanged;
         HL_SetDriver([] { return ProcessSystemEvents(); });

@@ -12,6 +12,7 @@
 #include "platform/system.h"
 #include "sim/sim.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 
 namespace {
 
@@ -73,7 +74,7 @@ TEST_F(ConsoleProgram, OptionsAreChecked)
     for (const auto &c : wrong) {
         const Outcome outcome = Run(c.arguments);
         EXPECT_EQ(2, outcome.code) << c.arguments;
-        EXPECT_NE(std::string::npos, outcome.err.find(c.says)) << outcome.err;
+        EXPECT_TRUE(Has(outcome.err, c.says));
         EXPECT_EQ("", outcome.out);
     }
     EXPECT_EQ(0u, Run("--version").out.find("vireo2-console "));
@@ -104,7 +105,7 @@ TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
                          "# 1 / 1:\n'x' _@0x122\n");
     const Outcome path = Run("--make-archive p.qar ./prjinfo.map28x prjinfo.tmf");
     EXPECT_EQ(1, path.code);
-    EXPECT_NE(std::string::npos, path.err.find("a reader looks for 'prjinfo.map28x'"));
+    EXPECT_TRUE(Has(path.err, "a reader looks for 'prjinfo.map28x'"));
     EXPECT_FALSE(std::filesystem::exists(folder / "p.qar"));
     const Outcome half = Run("--make-archive p.qar prjinfo.map28x");
     EXPECT_EQ(0, half.code);
@@ -113,22 +114,21 @@ TEST_F(ConsoleProgram, ArchivesOpenAsMapsOrSayWhyNot)
     EXPECT_EQ(0, whole.code);
     EXPECT_EQ("", whole.err + whole.out);
     Write("Vireo2.ini", "r, F283xx\n");
-    EXPECT_NE(std::string::npos, Run("--full", "mt p.qar\n").out.find("Nodes:       1"));
+    EXPECT_TRUE(Has(Run("--full", "mt p.qar\n").out, "Nodes:       1"));
 }
 
 TEST_F(ConsoleProgram, LinesAreEnteredUntilExit)
 {
     const Outcome outcome = Run("-s3", "station 5\r\nnonsense\n  exit \nstation 7\n");
     EXPECT_EQ(1, outcome.code) << "a line was refused";
-    EXPECT_NE(std::string::npos, outcome.out.find("station 5 -> OK!"));
-    EXPECT_NE(std::string::npos,
-              outcome.out.find("Sorry, unknown or unsupported command ('nonsense')."));
-    EXPECT_EQ(std::string::npos, outcome.out.find("station 7"));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("s, 5\r\n"))
+    EXPECT_TRUE(Has(outcome.out, "station 5 -> OK!"));
+    EXPECT_TRUE(Has(outcome.out, "Sorry, unknown or unsupported command ('nonsense')."));
+    EXPECT_FALSE(Has(outcome.out, "station 7"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "Vireo2.ini"), "s, 5\r\n"))
         << "a session ends like the program in the window";
     const Outcome tooLong = Run("", std::string(5000, 'x') + "\nstation 6\n");
-    EXPECT_NE(std::string::npos, tooLong.err.find("Line of 5000 characters refused"));
-    EXPECT_NE(std::string::npos, tooLong.out.find("station 6 -> OK!"));
+    EXPECT_TRUE(Has(tooLong.err, "Line of 5000 characters refused"));
+    EXPECT_TRUE(Has(tooLong.out, "station 6 -> OK!"));
 }
 
 TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
@@ -154,7 +154,7 @@ TEST_F(ConsoleProgram, FailedAndRefusedLinesAreNoSuccess)
     for (const auto &c : cases) {
         const Outcome outcome = Run(c.arguments, c.input);
         EXPECT_EQ(c.code, outcome.code) << c.arguments << c.input << outcome.err;
-        EXPECT_NE(std::string::npos, outcome.out.find(c.says)) << outcome.out;
+        EXPECT_TRUE(Has(outcome.out, c.says));
     }
 }
 
@@ -252,12 +252,12 @@ TEST_F(ConsoleProgram, ScriptsEndWithTheirResult)
     EXPECT_EQ(0, Run("good").code);
     const Outcome bad = Run("bad.scr");
     EXPECT_EQ(1, bad.code);
-    EXPECT_NE(std::string::npos, bad.out.find("Error in the script file on line 3."));
+    EXPECT_TRUE(Has(bad.out, "Error in the script file on line 3."));
     const Outcome missing = Run("missing.scr");
     EXPECT_EQ(1, missing.code);
-    EXPECT_NE(std::string::npos, missing.out.find("Could not open the script file."));
-    EXPECT_NE(std::string::npos, Run("--yes ask.scr").out.find("station 4 -> OK!"));
-    EXPECT_EQ(std::string::npos, Run("--no ask.scr").out.find("station 4 -> OK!"));
+    EXPECT_TRUE(Has(missing.out, "Could not open the script file."));
+    EXPECT_TRUE(Has(Run("--yes ask.scr").out, "station 4 -> OK!"));
+    EXPECT_FALSE(Has(Run("--no ask.scr").out, "station 4 -> OK!"));
     EXPECT_FALSE(std::filesystem::exists(folder / "Vireo2.ini"))
         << "a script leaves the settings alone";
 }
@@ -269,19 +269,19 @@ TEST_F(ConsoleProgram, ExampleScriptsDoWhatTheySay)
     for (const char *arguments : {"demo.scr", "--full demo.scr"}) {
         const Outcome demo = Run(arguments);
         EXPECT_EQ(0, demo.code);
-        EXPECT_EQ(std::string::npos, demo.out.find("ERROR")) << demo.out;
-        EXPECT_NE(std::string::npos, demo.out.find("write 2, 40, wGain -> OK!"));
-        EXPECT_EQ(std::string::npos, demo.out.find("write 2, 0, wGain"));
+        EXPECT_FALSE(Has(demo.out, "ERROR"));
+        EXPECT_TRUE(Has(demo.out, "write 2, 40, wGain -> OK!"));
+        EXPECT_FALSE(Has(demo.out, "write 2, 0, wGain"));
     }
     EXPECT_EQ("Question: Try out another table in station 1?\nmessage: Nothing was changed.\n",
               Run("--full --no service.scr").err);
     const Outcome service = Run("--full --yes service.scr");
-    EXPECT_NE(std::string::npos, service.err.find("message: A step failed")) << service.out;
-    EXPECT_NE(std::string::npos, service.out.find("008140[   0]    1234 04d2h       1 0001h"));
-    EXPECT_NE(std::string::npos, service.out.find("008140[   0]       0 0000h       1 0001h"));
+    EXPECT_TRUE(Has(service.err, "message: A step failed")) << service.out;
+    EXPECT_TRUE(Has(service.out, "008140[   0]    1234 04d2h       1 0001h"));
+    EXPECT_TRUE(Has(service.out, "008140[   0]       0 0000h       1 0001h"));
     EXPECT_EQ(256u, std::filesystem::file_size(folder / "log.bin"));
     Write("curve.csv", "1\n2\n3\n4\n5\n6\n7\n8\n9\n10\n11\n12\n13\n14\n15\n1.6e1\n");
-    EXPECT_NE(std::string::npos, Run("--full --yes service.scr").err.find("The curve is loaded."));
+    EXPECT_TRUE(Has(Run("--full --yes service.scr").err, "The curve is loaded."));
 }
 
 TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
@@ -304,23 +304,20 @@ TEST_F(ConsoleProgram, WatchPrintsEveryItemEachSweep)
     EXPECT_EQ(0, csv.code) << csv.err;
     EXPECT_EQ(0u, csv.out.find("sweep,name,address,type,size,value,raw,error\n"));
     EXPECT_EQ(1u + 2 * 32, CountLines(csv.out));
-    EXPECT_NE(std::string::npos,
-              csv.out.find("1,\"\"\"quoted\"\"|name\",0x002000,u,8,9833440827789222417,"
-                           "9833440827789222417,0\n"));
-    EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x001000,i,2,1000,1000,0\n"));
-    EXPECT_NE(std::string::npos, csv.out.find("\n2,,0x00103A,i,2,1029,1029,0\n"));
-    EXPECT_NE(std::string::npos, csv.out.find("\n2,nowhere,,x,1,,,1\n"));
+    EXPECT_TRUE(Has(csv.out, "1,\"\"\"quoted\"\"|name\",0x002000,u,8,9833440827789222417,"
+                             "9833440827789222417,0\n"));
+    EXPECT_TRUE(Has(csv.out, "\n2,,0x001000,i,2,1000,1000,0\n"));
+    EXPECT_TRUE(Has(csv.out, "\n2,,0x00103A,i,2,1029,1029,0\n"));
+    EXPECT_TRUE(Has(csv.out, "\n2,nowhere,,x,1,,,1\n"));
 
     const Outcome json = Run("--watch w.dbg --sweeps 1 --format json");
-    EXPECT_NE(
-        std::string::npos,
-        json.out.find("{\"sweep\":1,\"name\":\"\\\"quoted\\\"|name\",\"address\":\"0x002000\","
-                      "\"type\":\"u\",\"size\":8,\"value\":\"9833440827789222417\","
-                      "\"raw\":9833440827789222417,\"error\":0}\n"));
-    EXPECT_NE(std::string::npos,
-              json.out.find("\"nowhere\",\"address\":\"\",\"type\":\"x\",\"size\":1,"
-                            "\"value\":\"\",\"raw\":null,\"error\":1}\n"));
-    EXPECT_NE(std::string::npos, Run("--watch w.dbg --sweeps 1").out.find("0x001000  i2  1000\n"));
+    EXPECT_TRUE(Has(json.out,
+                    "{\"sweep\":1,\"name\":\"\\\"quoted\\\"|name\",\"address\":\"0x002000\","
+                    "\"type\":\"u\",\"size\":8,\"value\":\"9833440827789222417\","
+                    "\"raw\":9833440827789222417,\"error\":0}\n"));
+    EXPECT_TRUE(Has(json.out, "\"nowhere\",\"address\":\"\",\"type\":\"x\",\"size\":1,"
+                              "\"value\":\"\",\"raw\":null,\"error\":1}\n"));
+    EXPECT_TRUE(Has(Run("--watch w.dbg --sweeps 1").out, "0x001000  i2  1000\n"));
     EXPECT_FALSE(std::filesystem::exists(folder / "Vireo2.ini"));
 }
 
@@ -330,14 +327,14 @@ TEST_F(ConsoleProgram, WatchEndsWithOneWhenTheTargetDoesNotAnswer)
     setenv("VIREO2_COM1", (folder / "no-port").c_str(), 1);
     const Outcome noPort = Run("--watch w.dbg --sweeps 2");
     EXPECT_EQ(1, noPort.code);
-    EXPECT_NE(std::string::npos, noPort.err.find("(port is not available)"));
+    EXPECT_TRUE(Has(noPort.err, "(port is not available)"));
 
     SIM_Options silent;
     silent.silentAfter = 0;
     StartTarget(silent);
     const Outcome quiet = Run("--watch w.dbg --sweeps 5 --format csv");
     EXPECT_EQ(1, quiet.code);
-    EXPECT_NE(std::string::npos, quiet.out.find("1,,0x001000,u,2,,,1\n"));
+    EXPECT_TRUE(Has(quiet.out, "1,,0x001000,u,2,,,1\n"));
     const size_t said = quiet.err.find("Communication switched off: ");
     EXPECT_NE(std::string::npos, said);
     EXPECT_EQ(said, quiet.err.rfind("Communication switched off: ")) << "once";
@@ -357,7 +354,7 @@ TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
                      "until grep -q 'Sweep 2' live; do sleep 0.05; kill -0 $pid || exit 9; done\n"
                      "kill -INT $pid\nwait $pid\n");
     EXPECT_EQ(0, WEXITSTATUS(std::system(("sh '" + (folder / "run").string() + "'").c_str())));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("0x001000"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "t"), "0x001000"));
 }
 
 // The other protocol, on a line that echoes: watch list, console, files and registers.
@@ -373,8 +370,8 @@ TEST_F(ConsoleProgram, SpeaksModbus)
     Write("Vireo2.ini", "t, MODBUS\no-\nb, 115200\ns, 1\n");
     const Outcome watch = Run("--echo --watch w.dbg --sweeps 2 --format csv --trace t");
     EXPECT_EQ(0, watch.code) << watch.err;
-    EXPECT_NE(std::string::npos, watch.out.find("2,,0x008000,u,2,12345,12345,0\n")) << watch.out;
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "t").find("memory read of 2 bytes at "));
+    EXPECT_TRUE(Has(watch.out, "2,,0x008000,u,2,12345,12345,0\n"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "t"), "memory read of 2 bytes at "));
     const Outcome lines = Run("--echo --full", "write 2, 4660, 8010H\nbinsave 8000H, 433, m\n"
                                                "mbread 3, 16384, 1\nmbwrite 2:5, 7\n");
     EXPECT_EQ(0, lines.code) << lines.err;
@@ -383,12 +380,12 @@ TEST_F(ConsoleProgram, SpeaksModbus)
     EXPECT_EQ(0x34, written[0]);
     EXPECT_EQ(std::string("\x39\x30", 2), ReadFileText(folder / "m").substr(0, 2));
     EXPECT_EQ(433u, ReadFileText(folder / "m").size());
-    EXPECT_NE(std::string::npos, lines.out.find("3039h   12345     12345\n")) << lines.out;
+    EXPECT_TRUE(Has(lines.out, "3039h   12345     12345\n"));
     SIM_Peek(target, 2, 10, written, 1);
     EXPECT_EQ(7, written[0]);
     // Without the option such a line gives no value, and says what to do.
     const Outcome echo = Run("--full", "mbwrite 2:5, 8\n");
-    EXPECT_NE(std::string::npos, echo.out.find("switch two-wire line echoes on")) << echo.out;
+    EXPECT_TRUE(Has(echo.out, "switch two-wire line echoes on"));
     SIM_Peek(target, 2, 10, written, 1);
     EXPECT_EQ(7, written[0]) << "the echo was taken for a confirmation";
 }

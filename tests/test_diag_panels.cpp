@@ -10,8 +10,9 @@
 #include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
-#include "support/sim_fixture.h"
+#include "support/text_checks.h"
 #include "support/ui_reading.h"
 #include "ui/resource.h"
 
@@ -20,37 +21,22 @@
 namespace {
 
 constexpr int PORT = 63;
-constexpr uint32_t PATIENT_MS = 5000; // never reached by a target that answers
-constexpr uint32_t HASTY_MS = 30;     // for targets that do not
-constexpr int OTHER_STATION = 7;      // nobody there
+constexpr int OTHER_STATION = 7; // nobody there
 
-struct DiagPanels : testing::Test {
-    SIM_Target *target = nullptr;
-    SIM_Options options;
-
+struct DiagPanels : TargetTest {
+    DiagPanels() : TargetTest(PORT)
+    {
+        options.stations = 1u << 1;
+    }
     void SetUp() override
     {
-        HL_Reset();
-        HL_SetStreams(nullptr, nullptr);
         ASSERT_EQ(0, HL_LoadAllPanels());
-        mainPanel = PANEL_MAIN;
-        consolePanel = PANEL_CONSOLE;
-        UCM_Init();
         UCM_recS.tries = 0; // one try a block
-        MrASC_UseWin32(1);
-        UCM_ResetStatistics();
-        options.demo = false;
-        options.stations = 1u << 1;
-        target = SIMT_Start(PORT, options);
-        ASSERT_NE(nullptr, target);
+        plug();
     }
     void TearDown() override
     {
         HL_ClosePanel(PANEL_TRACE);
-        VIR2_StopPeriodicASC();
-        Mr166_nTimeoutMs = 400;
-        UCM_Init();
-        SIMT_Stop(PORT, target);
     }
     // Opens the link with a time-out and sends `count` reads of two bytes.
     void Exchange(int count, int station = 1, uint32_t timeoutMs = PATIENT_MS)
@@ -110,7 +96,7 @@ TEST_F(DiagPanels, StatisticsShowFiguresAtOnceAndReset)
     EXPECT_NE(0u, Figure(STATISTICS_LAST).find("none")) << "a good message does not hide it";
 
     HL_CommitControl(PANEL_STATISTICS, STATISTICS_COPY);
-    EXPECT_NE(std::string::npos, HL_GetClipboard().find("Messages answered\t4\n"));
+    EXPECT_TRUE(Has(HL_GetClipboard(), "Messages answered\t4\n"));
     HL_CommitControl(PANEL_STATISTICS, STATISTICS_RESET);
     for (const int control : {STATISTICS_ANSWERED, STATISTICS_TIMEOUTS, STATISTICS_REPEATED})
         EXPECT_EQ("0", Figure(control));
@@ -156,8 +142,7 @@ TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
         SIM_Options faults = options;
         fault.set(&faults);
         UCM_Close();
-        SIMT_Stop(PORT,
-                  target); // a late answer of the case before must not be taken for this one's
+        unplug(); // a late answer of the case before must not be taken for this one's
         target = SIMT_Start(PORT, faults);
         ASSERT_NE(nullptr, target);
         UCM_ResetStatistics();
@@ -169,14 +154,14 @@ TEST_F(DiagPanels, EachFaultIsNamedAndExplained)
 
         const std::vector<std::string> lines = Lines(PANEL_TRACE, TRACE_LIST);
         ASSERT_GE(lines.size(), 2u); // a line that answers is proven to be in step first
-        EXPECT_NE(std::string::npos, lines[0].find("|opened|COM63 at 19200 baud")) << lines[0];
-        EXPECT_NE(std::string::npos, lines.back().find(fault.result)) << lines.back();
+        EXPECT_TRUE(Has(lines[0], "|opened|COM63 at 19200 baud"));
+        EXPECT_TRUE(Has(lines.back(), fault.result));
         EXPECT_EQ(fault.isGood, lines.back().find("(!)") == std::string::npos);
         EXPECT_EQ(static_cast<int>(lines.size()) - 1, UiSelected(PANEL_TRACE, TRACE_LIST));
-        EXPECT_NE(std::string::npos, UiText(PANEL_TRACE, TRACE_DETAIL).find("\n  > 02 "));
+        EXPECT_TRUE(Has(UiText(PANEL_TRACE, TRACE_DETAIL), "\n  > 02 "));
         const std::string advice = Figure(STATISTICS_ADVICE);
-        EXPECT_NE(std::string::npos, advice.find(fault.advice)) << advice;
-        EXPECT_EQ(std::string::npos, advice.find('\n')) << "one advice, not several: " << advice;
+        EXPECT_TRUE(Has(advice, fault.advice));
+        EXPECT_FALSE(Has(advice, "\n")) << "one advice, not several: ";
         HL_ClosePanel(PANEL_TRACE);
     }
 }
@@ -265,8 +250,8 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     HL_PushAnswer(1, (folder / "t.txt").string());
     HL_CommitControl(PANEL_TRACE, TRACE_SAVE);
     const std::string saved = ReadFileText(folder / "t.txt");
-    EXPECT_NE(std::string::npos, saved.find("station 1: read 2 bytes at 0x000100: answered"));
-    EXPECT_NE(std::string::npos, saved.find("\r\n  = 2 bytes: 00 00\r\n"));
+    EXPECT_TRUE(Has(saved, "station 1: read 2 bytes at 0x000100: answered"));
+    EXPECT_TRUE(Has(saved, "\r\n  = 2 bytes: 00 00\r\n"));
     HL_PushAnswer(1, (folder / "missing/t.txt").string());
     HL_CommitControl(PANEL_TRACE, TRACE_SAVE);
     EXPECT_EQ("Error: Could not write the file " + (folder / "missing/t.txt").string() + ".",

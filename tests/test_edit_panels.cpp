@@ -4,6 +4,7 @@
 
 #include "runtime/list_columns.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
 #include "text/bytes.h"
@@ -59,18 +60,6 @@ protected:
     {
         return static_cast<char>(UiValue(PANEL_ITEM, WITEM_TYPE)) +
                std::to_string(UiValue(PANEL_ITEM, WITEM_SIZE));
-    }
-
-    void poke(uint32_t address, const std::vector<uint8_t> &bytes, int station = 1)
-    {
-        SIM_Poke(target, station, address, bytes.data(), bytes.size());
-    }
-
-    std::vector<uint8_t> peek(uint32_t address, size_t count, int station = 1)
-    {
-        std::vector<uint8_t> bytes(count);
-        SIM_Peek(target, station, address, bytes.data(), count);
-        return bytes;
     }
 
     static std::string writeValue(const std::string &value)
@@ -483,17 +472,10 @@ TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
     }
 }
 
-TEST_F(EditPanels, CopiesAndSnapshots)
+TEST_F(EditPanels, TheMemoryBoxIsCopiedAsATable)
 {
     load("wSpeed, u2\n");
     ResetLItemsDisplay();
-    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | KEY_SHIFT | 'C');
-    EXPECT_EQ(HL_GetClipboard(),
-              "Name\tAddress\tType\tValue\tState\nwSpeed\t0x000300\tu2\t\tnot read\n");
-    HL_PushAnswer(1, path("list.csv"));
-    HL_ClickMenu(ITEM_SNAPSHOT);
-    EXPECT_NE(ReadFileText(path("list.csv")).find("\r\nwSpeed,0x000300,u,2,,,not read\r\n"),
-              std::string::npos);
     HL_PushAnswer(1, path("no/such/list.csv"));
     HL_ClickMenu(ITEM_SNAPSHOT);
     EXPECT_EQ(HL_GetPopups().back(),

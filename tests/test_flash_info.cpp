@@ -4,7 +4,7 @@
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
-#include "support/sim_fixture.h"
+#include "support/program_state.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_info.h"
 #include "symbols/mapfile.h"
@@ -56,21 +56,17 @@ const char TYPES[] = "## 4 VARS\n"
 const FlashVars VARS = {{0x3F0000, "_c_int00"}, {0xC000, "_flags"},     {0xC002, "_next"},
                         {0xC010, "_speed"},     {0xC020, "_speed_ref"}, {0x7FFFFF, "_speed_ref2"}};
 
-class FlashInfo : public testing::Test {
+class FlashInfo : public ProgramTest {
 protected:
-    void SetUp() override
+    FlashInfo()
     {
-        HL_Reset();
         Procesor = CPU_F283XX;
-        clear();
         MFS_reader = readImage;
-        ASSERT_EQ(loadTypes(TYPES), 0);
+        EXPECT_EQ(loadTypes(TYPES), 0);
     }
-    void TearDown() override
+    ~FlashInfo() override
     {
-        clear();
         MFS_reader = targetReader;
-        Procesor = CPU_C166;
     }
     static void clear()
     {
@@ -78,8 +74,6 @@ protected:
         FreeNodes(aVarNode, &nNodes);
         FreeNodes(aVarTMSNode, &nTMSNodes);
         openStruct = openTMSStruct = OPEN_NONE;
-        mapFile.clear();
-        nLItems = 0;
     }
     static int loadTypes(const std::string &text)
     {
@@ -121,7 +115,7 @@ protected:
     {
         return MFS_FindFile(name, BASE, BASE + static_cast<uint32_t>(image.size()), length);
     }
-    const MFS_Reader targetReader = MFS_reader;
+    static inline const MFS_Reader targetReader = MFS_reader;
     const std::string typesBefore = (loadTypes(TYPES), describe());
 };
 

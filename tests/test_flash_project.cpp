@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "support/console_rig.h"
 #include "support/flash_builder.h"
+#include "support/text_checks.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"
@@ -21,12 +22,6 @@ constexpr uint32_t FLASH_IMAGE_AT = 0x67FB00; // so that it ends where the flash
 class FlashProject : public ConsoleRig {
 protected:
     using Place = std::tuple<uint32_t, int, char, int>; // address, size, item type and size
-
-    void TearDown() override
-    {
-        TMF_CleanTables();
-        ConsoleRig::TearDown();
-    }
 
     static void collect(const std::vector<TMF_ListRow> &rows, std::map<std::string, Place> *places)
     {
@@ -69,34 +64,28 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     FreeNodes(aVarNode, &nNodes);
     TMF_CleanTables();
     openStruct = OPEN_NONE;
-    EXPECT_NE(Run("mf").find("Error during flash read."), std::string::npos);
-    EXPECT_NE(Run("mfx").find("the syntax is"), std::string::npos);
+    EXPECT_TRUE(Has(Run("mf"), "Error during flash read."));
+    EXPECT_TRUE(Has(Run("mfx"), "the syntax is"));
     EXPECT_FALSE(UiValue(PANEL_MAIN, MAIN_LED_MAPMEM));
 
-    SIMT_Stop(RIG_PORT, target); // the next one has the flash
-    SIM_Options options;
+    unplug(); // the next one has the flash
+    options.demo = true;
     options.flash = FLASH_PROJECT + "f283xx.flash";
     options.flashAddress = FLASH_IMAGE_AT;
-    target = SIMT_Start(RIG_PORT, options);
-    ASSERT_NE(target, nullptr);
+    plug();
     UCM_Close();
-    EXPECT_NE(Run("mfo").find("Reading FLASH from 1C000H, wait for a while please ...\n"
-                              "Error during flash read."),
-              std::string::npos);
+    EXPECT_TRUE(Has(Run("mfo"), "Reading FLASH from 1C000H, wait for a while please ...\n"
+                                "Error during flash read."));
     for (const char *form : {"mf", "mfn", "mf over Modbus"}) {
         if (form[2] == ' ') { // the same flash by the other protocol
-            SIMT_Stop(RIG_PORT, target);
-            options.modbus = true;
-            target = SIMT_Start(RIG_PORT, options);
-            VR_nProtocol = PROTOCOL_MODBUS;
+            ChangeProtocol();
         }
         FreeNodes(aVarNode, &nNodes);
         TMF_CleanTables();
         openStruct = OPEN_NONE;
         const std::string text = Run(std::string(form, std::strcspn(form, " ")));
-        EXPECT_NE(text.find("Reading FLASH from end, wait for a while please ..."),
-                  std::string::npos);
-        EXPECT_EQ(text.find("Error"), std::string::npos) << text;
+        EXPECT_TRUE(Has(text, "Reading FLASH from end, wait for a while please ..."));
+        EXPECT_FALSE(Has(text, "Error"));
         EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
         EXPECT_TRUE(UiValue(PANEL_MAIN, MAIN_LED_MAPMEM));
         EXPECT_EQ(everything(), packed);
@@ -112,7 +101,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
 
 TEST_F(FlashProject, MapOfATms320BehindAStation)
 {
-    EXPECT_NE(Run("mt " + EXAMPLES + "demo28.m28xt").find("TMS MapFile: "), std::string::npos);
+    EXPECT_TRUE(Has(Run("mt " + EXAMPLES + "demo28.m28xt"), "TMS MapFile: "));
     EXPECT_EQ(inStruct("&_fSpeed", aVarTMSNode, nTMSNodes), 0x400u);
     EXPECT_EQ(openStruct, OPEN_NONE);
     EXPECT_EQ(Run("mt missing"), " Error: the MAP file doesn't exist.\n\n");

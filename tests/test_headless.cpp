@@ -2,25 +2,21 @@
 // takes, and that keys, questions and timers behave as in a window.
 #include <gtest/gtest.h>
 
-#include "settings/settings.h"
 #include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
+#include "settings/settings.h"
+#include "support/program_state.h"
 #include "support/ui_reading.h"
 #include "ui/resource.h"
 #include "ui/ui_table.h"
 
 namespace {
 
-class Headless : public testing::Test {
+class Headless : public ProgramTest {
 protected:
-    void SetUp() override
+    Headless()
     {
-        HL_Reset();
-        ASSERT_EQ(0, HL_LoadAllPanels());
-    }
-    void TearDown() override
-    {
-        HL_Reset();
+        EXPECT_EQ(0, HL_LoadAllPanels());
     }
 };
 

@@ -180,66 +180,6 @@ TEST_P(BothDrivers, SilenceIsTriedAgainAndCounted)
     }
 }
 
-// An answer says neither what it answers nor when it was asked for.
-TEST_P(BothDrivers, LateAnswersAreNotTakenForTheNextOnes)
-{
-    constexpr uint32_t TIMEOUT_MS = 100;
-    options.delayMs = 130;
-    plug();
-    uint8_t cells[8] = {1, 2, 3, 4, 5, 6, 7, 8};
-    SIM_Poke(target, 1, 0x8000, cells, sizeof cells);
-    open(TIMEOUT_MS);
-    const Counts before;
-    constexpr uint32_t SIZES[] = {2, 2, 4, 1, 1, 4};
-    for (uint32_t i = 0; i < 12; ++i) {
-        uint8_t got[4] = {};
-        const uint32_t place = i % 5, size = SIZES[i % 6];
-        if (Mr166_Read(1, 0x8000 + place, size, got) == 0) {
-            EXPECT_EQ(std::memcmp(got, cells + place, size), 0) << "read " << i;
-        }
-    }
-    EXPECT_GT(EC_wTimeErr, before.time) << "no answer was late";
-    EXPECT_GT(EC_dwMsgOk, before.ok);
-    options.delayMs = 0;
-    SIM_SetFaults(target, options);
-    uint8_t all[4] = {};
-    EXPECT_EQ(Mr166_Read(1, 0x8000, 4, all), 0);
-    EXPECT_EQ(std::memcmp(all, cells, sizeof all), 0);
-}
-
-TEST_P(BothDrivers, TargetErrorCodePassesThrough)
-{
-    open(HASTY_MS * 10); // the one-read driver waits for the data that does not come
-    SIM_SetErrorCode(target, 0, 66);
-    const Counts before;
-    EXPECT_EQ(mr166Message(1, 0, 0, 4, nullptr), 0);
-    EXPECT_EQ(nMr166Err, -66);
-    EXPECT_EQ(wMr166State, 3);
-    EXPECT_EQ(EC_wFrameErr - before.frame, 1u);
-    EXPECT_EQ(MrASC_ErrorText(Mr166_nFault), "target error code 66");
-}
-
-TEST_P(BothDrivers, EchoingLineNeedsTheRunTimeDriver)
-{
-    options.echo = true;
-    open();
-    const std::vector<uint8_t> memory = fill(130);
-    uint8_t got[130];
-    Mr166_CnBlkRpt = 0;
-    const Counts before;
-    if (GetParam()) {
-        EXPECT_EQ(Mr166_Read(1, 0, 130, got), -1);
-        EXPECT_EQ(nMr166Err, -2);
-        EXPECT_EQ(Mr166_nFault, MR166_FAULT_ECHO);
-        EXPECT_EQ(EC_wFrameErr - before.frame, 1u);
-        return;
-    }
-    EXPECT_EQ(Mr166_Read(1, 0, 130, got), 0);
-    EXPECT_EQ(std::memcmp(got, memory.data(), 130), 0);
-    EXPECT_EQ(Mr166_Write(1, 0x5000, 20, got), 0); // the echo of a long request as well
-    EXPECT_EQ(EC_wFrameErr, before.frame);
-}
-
 TEST_P(BothDrivers, UnpluggedInTheMiddleAndPluggedInAgain)
 {
     open(60000); // a port that is gone must not be waited for
@@ -267,12 +207,12 @@ TEST_P(BothDrivers, UnpluggedInTheMiddleAndPluggedInAgain)
 
 // Every value right and every failure counted once. The run-time driver waits for an end
 // character, so some damage shows as silence there.
-TEST_P(BothDrivers, TenThousandReadsOverABadLine)
+TEST_P(BothDrivers, AThousandReadsOverABadLine)
 {
-    constexpr int READS = 10000;
-    options.corrupt = GetParam() ? 0.05 : 0.002;
-    options.drop = 0.0003;
-    open(600);
+    constexpr int READS = 1000;
+    options.corrupt = GetParam() ? 0.05 : 0.01;
+    options.drop = 0.002;
+    open(300);
     const std::vector<uint8_t> memory = fill(4096);
     const Counts before;
     uint8_t got[64];

@@ -134,7 +134,7 @@ TEST_F(ListFiles, EditedItemsFindTheirPlace)
     EDT_Move(1, 0);
     EXPECT_EQ(saved(), "A, u4\nB, u1\n; &Lone\n");
     // A list that came from no file has lines as this program writes them.
-    SetUp();
+    ResetProgram();
     EDT_AddText("N", "u1", 0);
     EXPECT_EQ(saved(), "N, u1\r\n");
 }

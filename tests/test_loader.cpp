@@ -4,6 +4,7 @@
 #include "loader/program.h"
 #include "support/loader_rig.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 
 #include <cstring>
 #include <functional>
@@ -213,8 +214,7 @@ TEST_F(Programming, TellsEveryStepAndLeavesTheFileInTheFlash)
     MakeFile(6, 3000);
     ASSERT_EQ(0, LDR_Prepare(&job, path));
     const std::string question = LDR_GetQuestion(job, 3);
-    EXPECT_NE(std::string::npos, question.find("COM3 and program\n" + path + "\nto 0x010"))
-        << question;
+    EXPECT_TRUE(Has(question, "COM3 and program\n" + path + "\nto 0x010"));
     LoaderRig rig;
     std::string seen, last;
     atStep = [&] {

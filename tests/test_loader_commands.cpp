@@ -1,11 +1,9 @@
 // The flash commands of the console and the port they borrow, over a pseudo terminal to a
 // simulated boot-strap loader; `hexload` to an ordinary target; the console program.
 #include "support/console_rig.h"
+#include "support/text_checks.h"
 
-#include <fcntl.h>
 #include <sys/wait.h>
-#include <termios.h>
-#include <unistd.h>
 
 #include "comm/mr166_link.h"
 #include "loader/borrow.h"
@@ -22,16 +20,8 @@ struct FlashCommands : ConsoleRig {
     void SetUp() override
     {
         ConsoleRig::SetUp();
-        StartLoader();
+        PlugLoader();
         WriteFileText("a.hex", HEX);
-    }
-    void StartLoader()
-    {
-        SIMT_Stop(RIG_PORT, target);
-        SIM_Options options;
-        options.loader = true;
-        target = SIMT_Start(RIG_PORT, options);
-        ASSERT_NE(target, nullptr);
     }
     std::string Flash(long address, long count)
     {
@@ -41,15 +31,6 @@ struct FlashCommands : ConsoleRig {
             bytes.assign(at, at + count);
         });
         return bytes;
-    }
-    // What the terminal itself waits for a read, in units of 100 ms.
-    int TerminalWait()
-    {
-        const int fd = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
-        termios settings = {};
-        EXPECT_EQ(0, tcgetattr(fd, &settings));
-        close(fd);
-        return settings.c_cc[VTIME];
     }
 };
 
@@ -88,13 +69,12 @@ TEST_F(FlashCommands, WorkAsTheySay)
               ReadFile("r.HEX"));
 
     SIM_WithLoader(target, [](SIM_Loader *loader) { loader->faults.eraseAnswer = 0xE4; });
-    EXPECT_NE(std::string::npos, Run("l3erase").find("ERROR - l3erase: wrong answer 0xE4."));
+    EXPECT_TRUE(Has(Run("l3erase"), "ERROR - l3erase: wrong answer 0xE4."));
     SIM_WithLoader(target, [](SIM_Loader *loader) { loader->faults.corrupt = 1; });
-    EXPECT_NE(std::string::npos, Run("l3test").find("ERROR - l3test: no loader: wrong"));
-    EXPECT_NE(std::string::npos, Run("l3write a.hex")
-                                     .find(" Error, exit code: -3\nERROR - l3write: "
-                                           "block at 0x000010: wrong check sum."));
-    EXPECT_NE(std::string::npos, Run("l3read 0, 1, x.bin").find("ERROR - l3read: 0x000000: wrong"));
+    EXPECT_TRUE(Has(Run("l3test"), "ERROR - l3test: no loader: wrong"));
+    EXPECT_TRUE(Has(Run("l3write a.hex"), " Error, exit code: -3\nERROR - l3write: "
+                                          "block at 0x000010: wrong check sum."));
+    EXPECT_TRUE(Has(Run("l3read 0, 1, x.bin"), "ERROR - l3read: 0x000000: wrong"));
     EXPECT_EQ("<none>", ReadFile("x.bin"));
 }
 
@@ -118,7 +98,7 @@ TEST_F(FlashCommands, ThePortIsBorrowedAndGivenBack)
         }
     EXPECT_EQ(MR166_ERR_OPEN, LDR_BorrowPort(99, 115200, &loan));
     ASSERT_EQ(0, UCM_Open(PROTOCOL_MR166, RIG_PORT, 115200));
-    StartLoader(); // unplugged and plugged in again: another device
+    PlugLoader(); // unplugged and plugged in again: another device
     ASSERT_EQ(0, LDR_BorrowPort(RIG_PORT, 115200, &loan));
     EXPECT_EQ(0, LD167U_L3Test()) << LD167U_GetFaultText();
     LDR_ReturnPort(loan);
@@ -136,10 +116,10 @@ TEST_F(ConsoleRig, HexFilesLoadIntoMemory)
         {":020000040100F9\n:01000000AA55\n", "block at 0x1000000: "}};
     for (const auto &c : cases) {
         WriteFileText("b.hex", c.first);
-        EXPECT_NE(std::string::npos, Run("hexload b.hex").find(c.second)) << c.first;
+        EXPECT_TRUE(Has(Run("hexload b.hex"), c.second)) << c.first;
     }
     EXPECT_EQ((std::vector<uint8_t>{0xAB}), Peek(0x20, 1)) << "what stood before was loaded";
-    EXPECT_NE(std::string::npos, Run("hexload none.hex").find("the file cannot be opened"));
+    EXPECT_TRUE(Has(Run("hexload none.hex"), "the file cannot be opened"));
 }
 
 TEST_F(FlashCommands, TheConsoleProgramEndsWithTheTruth)
@@ -157,14 +137,14 @@ TEST_F(FlashCommands, TheConsoleProgramEndsWithTheTruth)
         {"a.hex --no-verify", 0, "Programming: 100 %", "10 bytes written, not read back"},
         {"cut.hex", 1, "cut.hex: line 1: the end record is missing", "cannot be programmed"},
         {"none.hex", 1, "The file cannot be read.", ""},
-        {"a.hex b.scr", 2, "excludes", ""}};
+        {"a.hex b.scr", 2, "exclude", ""}};
     for (const auto &c : cases) {
         const std::string line = "'" BINARY_DIR "/vireo2-console' --program " +
                                  std::string(c.arguments) + " >out 2>err </dev/null";
         EXPECT_EQ(c.code, WEXITSTATUS(std::system(line.c_str()))) << c.arguments;
         const std::string err = ReadFile("err");
-        EXPECT_NE(std::string::npos, err.find(c.says)) << c.arguments << "\n" << err;
-        EXPECT_NE(std::string::npos, err.find(c.saysToo)) << c.arguments << "\n" << err;
+        EXPECT_TRUE(Has(err, c.says)) << c.arguments;
+        EXPECT_TRUE(Has(err, c.saysToo)) << c.arguments;
         EXPECT_EQ("", ReadFile("out"));
     }
     EXPECT_EQ("VIREO2\xFF", Flash(0x10000, 7));

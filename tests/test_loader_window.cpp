@@ -1,15 +1,13 @@
 // The loader window by clicks, against a simulated boot-strap loader on a pseudo terminal.
 #include <cmath>
-#include <fcntl.h>
 #include <functional>
-#include <termios.h>
-#include <unistd.h>
 
 #include "comm/mr166_link.h"
 #include "loader/window.h"
 #include "loader/window_bar.h"
 #include "sim/loader.h"
 #include "support/console_rig.h"
+#include "support/text_checks.h"
 
 namespace {
 
@@ -37,11 +35,7 @@ struct LoaderWindow : ConsoleRig {
     void SetUp() override
     {
         ConsoleRig::SetUp();
-        SIMT_Stop(RIG_PORT, target);
-        SIM_Options options;
-        options.loader = true;
-        target = SIMT_Start(RIG_PORT, options);
-        ASSERT_NE(target, nullptr);
+        PlugLoader();
         LDW_Reset();
         WriteFileText("a.hex", MakeHex(RECORDS));
         ASSERT_EQ(0, HL_ClickMenu(ITEM_LOADER));
@@ -109,14 +103,6 @@ struct LoaderWindow : ConsoleRig {
         });
         return isEqual;
     }
-    int TerminalWait() // of a read, in units of 100 ms
-    {
-        const int fd = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
-        termios settings = {};
-        EXPECT_EQ(0, tcgetattr(fd, &settings));
-        close(fd);
-        return settings.c_cc[VTIME];
-    }
 };
 
 TEST_F(LoaderWindow, ProgramsByClicksAndPutsThePortBack)
@@ -183,7 +169,7 @@ TEST_F(LoaderWindow, CancelledGoesOnWithoutErasingUnlessTheUserWantsIt)
 
         HL_PushAnswer(0); // closed: nothing happens
         Click(LOADER_PROGRAM);
-        EXPECT_NE(std::string::npos, HL_GetPopups().back().find("Go on, or begin anew?"));
+        EXPECT_TRUE(Has(HL_GetPopups().back(), "Go on, or begin anew?"));
         EXPECT_EQ("Cancelled.", Text(LOADER_RESULT));
 
         HL_PushAnswer(isAnew ? 2 : 1);

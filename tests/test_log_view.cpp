@@ -3,7 +3,9 @@
 
 #include "logger/dlld_record.h"
 #include "support/log_builder.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 
 #include <gtest/gtest.h>
 
@@ -14,21 +16,16 @@ uint32_t Stamp(int month, int day, int hour, int minute = 0)
     return DLLD_MakeStamp({2015, month, day, hour, minute, 0, DTTM_DECODED});
 }
 
-struct LogView : testing::Test {
+struct LogView : ProgramTest {
     const ScratchFolder folder{true};
     LOGV_Log log;
     LOGV_View view;
 
     LogView()
     {
-        DLLD_ClearRecIds();
         DLLD_SetRecId(0, 0x20, "Drive;speed:i2 rpm;state:u2{off,Run}");
         EXPECT_EQ(LOGV_Decode(Sample().Finish(100), "sample", &log), 0);
         LOGV_Attach(&view, &log);
-    }
-    ~LogView() override
-    {
-        DLLD_ClearRecIds();
     }
     static LogBuilder Sample()
     {
@@ -159,15 +156,14 @@ TEST_F(LogView, LeavesAsTextAndDetails)
     EXPECT_EQ(details(log, 2), "Local time=2015-01-02 03:00:00|Time as logged=2015-01-02 03:00:00|"
                                "Type=Drive (20h)|Place=word 24, 5 words|speed=1500 rpm|"
                                "state=1 Run|Words=EE20 BDD8 0F00 05DC 0001|");
-    EXPECT_NE(details(log, 4).find("Local time=|Time as logged=|Type=Drive (20h)|Place=word 36, 2 "
-                                   "words|Words=0A20 0007|"),
-              std::string::npos);
+    EXPECT_TRUE(Has(details(log, 4),
+                    "Local time=|Time as logged=|Type=Drive (20h)|Place=word 36, 2 "
+                    "words|Words=0A20 0007|"));
     LOGV_Log other;
     ASSERT_EQ(LOGV_Decode(LogBuilder().Add(0x10, {1, 0, 2, 0, 3, 0, 4, 0, 5}).Finish(), "", &other),
               0);
-    EXPECT_NE(details(other, 0).find("|S=0005h(ctl,run)|t=1 s|Err=00000002h|IErr=00000003h|"
-                                     "Warn=00000004h|"),
-              std::string::npos);
+    EXPECT_TRUE(Has(details(other, 0), "|S=0005h(ctl,run)|t=1 s|Err=00000002h|IErr=00000003h|"
+                                       "Warn=00000004h|"));
     EXPECT_EQ(LOGV_GetText(other, other.rows[0]),
               "S=0005h(ctl,run), t=1s, Err=00000002h, IErr=00000003h, Warn=00000004h");
 }

@@ -4,6 +4,7 @@
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
 #include "support/log_builder.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
 
 #include <gtest/gtest.h>
@@ -11,16 +12,11 @@
 namespace {
 
 // The record table empty and a target of bytes before and after.
-struct Logger : testing::Test {
+struct Logger : ProgramTest {
     const ScratchFolder folder{true};
     Logger()
     {
         DLLD_SetHost(DLLD_Host());
-        DLLD_ClearRecIds();
-    }
-    ~Logger() override
-    {
-        DLLD_ClearRecIds();
     }
     static std::string Listing(LogBuilder log)
     {

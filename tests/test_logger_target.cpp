@@ -4,9 +4,8 @@
 
 #include "comm/communication.h"
 #include "logger/dlld_record.h"
-#include "support/console_rig.h"
-#include "support/log_builder.h"
-#include "symbols/mapfile.h"
+#include "support/log_target.h"
+#include "support/text_checks.h"
 #include "symbols/typemap.h"
 
 #include <csignal>
@@ -17,60 +16,32 @@
 namespace {
 
 const std::string EXAMPLES = EXAMPLES_DIR "/";
-// Byte addresses of the example's F283xx.
-constexpr uint32_t VARIABLE = 0x182C0, COUNT = 0x182D0, TABLE = 0x182D8, TEXTS = 0x18400;
-constexpr uint32_t BUFFER = 0x1A000;
 
-struct LogTarget : ConsoleRig {
+struct LogTarget : LogRig {
     static inline std::function<void(uint32_t done, uint32_t total)> onProgress;
     static inline std::vector<std::string> errors;
     static inline bool isCancelWished;
 
     void SetUp() override
     {
-        ConsoleRig::SetUp();
-        Procesor = CPU_F283XX;
-        ASSERT_EQ(TMSmap2node((EXAMPLES + "f283xx/f283xx.qar").c_str()), 0);
+        LogRig::SetUp();
         PutRecIds(0, {});
         PutLog(Sample());
     }
     void TearDown() override
     {
-        TMF_CleanTables();
-        DLLD_ClearRecIds();
         onProgress = nullptr;
         errors.clear();
-        ConsoleRig::TearDown();
     }
     static LogBuilder Sample()
     {
         return LogBuilder().Text("first").Add(0x20, {0, 5}, STAMP_2015 + 30);
     }
-    void PutLong(uint32_t address, uint32_t value)
-    {
-        Poke(address, {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8),
-                       static_cast<uint8_t>(value >> 16), static_cast<uint8_t>(value >> 24)});
-    }
     DLLD_Log PutLog(LogBuilder log, size_t words = 2000)
     {
-        const DLLD_Log finished = log.Finish(words, BUFFER / 2);
-        PutLong(VARIABLE, BUFFER / 2);
-        PutLong(VARIABLE + 4, static_cast<uint32_t>(words));
-        Poke(BUFFER, LogBytes(finished));
+        const DLLD_Log finished = log.Finish(words, LOG_BUFFER_AT / 2);
+        LogRig::PutLog(finished);
         return finished;
-    }
-    // One text a table entry, 128 bytes apart; "" has no address.
-    void PutRecIds(int count, const std::vector<std::pair<int, std::string>> &entries)
-    {
-        Poke(COUNT, {static_cast<uint8_t>(count), static_cast<uint8_t>(count >> 8)});
-        for (uint32_t i = 0; i < entries.size(); i++) {
-            const uint32_t at = TEXTS + 128 * i;
-            const std::string &text = entries[i].second;
-            PutLong(TABLE + 8 * i, static_cast<uint32_t>(entries[i].first) & 0xFFFF);
-            PutLong(TABLE + 8 * i + 4, text.empty() ? 0 : at / 2);
-            Poke(at, std::vector<uint8_t>(text.begin(), text.end()));
-            Poke(at + static_cast<uint32_t>(text.size()), {0});
-        }
     }
     // The module without the console: errors and progress come here.
     void UseOwnHost()
@@ -134,15 +105,19 @@ TEST_F(LogTarget, GetLogSaysOnceWhyItFailed)
     } cases[] = {
         {"'',out", 0, {}, "Invalid parameters.", ""},
         {"DL_log,", 0, {}, "Invalid parameters.", ""},
-        {"DL_log,out", COUNT, {0, 1}, types, "Error: Data integrity.|"}, // 256
-        {"DL_log,out", COUNT, {255, 255}, types, "Error: Data integrity.|"},
+        {"DL_log,out", LOG_COUNT_AT, {0, 1}, types, "Error: Data integrity.|"}, // 256
+        {"DL_log,out", LOG_COUNT_AT, {255, 255}, types, "Error: Data integrity.|"},
         {"x,out", 0, {}, "Could not read the log (x).", "Error: Variable 'x' not found|"},
         {"nSpeedRef,out", 0, {}, "", "Error: Variable 'nSpeedRef.dwLogAddr' not found|"},
         {"'2:DL_log',out", 0, {}, "", "Error: Variable '2:DL_log' not found|"},
-        {"DL_log,out", BUFFER + 8, {'l'}, log, "Read error: Bad log header (DL_log).|"},
-        {"DL_log,out", VARIABLE + 4, {1, 0, 8}, log, "Read error: Bad log header (DL_log).|"},
+        {"DL_log,out", LOG_BUFFER_AT + 8, {'l'}, log, "Read error: Bad log header (DL_log).|"},
         {"DL_log,out",
-         VARIABLE,
+         LOG_VARIABLE_AT + 4,
+         {1, 0, 8},
+         log,
+         "Read error: Bad log header (DL_log).|"},
+        {"DL_log,out",
+         LOG_VARIABLE_AT,
          {254, 255, 127},
          log,
          "Read error: Data read error (16 bytes at address FFFFFCh).|"},
@@ -193,7 +168,7 @@ TEST_F(LogTarget, FullDiskBehindTheRawFile)
     const std::string text = Run("getlog DL_log,out");
     setrlimit(RLIMIT_FSIZE, &unlimited);
     std::signal(SIGXFSZ, SIG_DFL);
-    EXPECT_NE(text.find("ERROR - getlog: Couldn't save output file.\n"), std::string::npos) << text;
+    EXPECT_TRUE(Has(text, "ERROR - getlog: Couldn't save output file.\n"));
     EXPECT_EQ(ReadFile("out.bin").size(), 4000u);
     EXPECT_EQ(ReadFile("out.slog"), "old");
     const std::filesystem::directory_iterator entries(folder.path), none;
@@ -213,13 +188,13 @@ TEST_F(LogTarget, ReadsTheRecordTable)
     for (const uint8_t type : {uint8_t(0x21), uint8_t(0x22), uint8_t(0x23), uint8_t(0x24)})
         EXPECT_EQ(DLLD_FindRecord(type), nullptr) << int(type);
     // A failure leaves the table as it was.
-    PutLong(TABLE + 4, 0x7FFFF0);
+    PutLong(LOG_TABLE_AT + 4, 0x7FFFF0);
     EXPECT_EQ(DLLD_ReadARecId(), -1);
     EXPECT_EQ(DLLD_nDimARecId, 4);
     EXPECT_EQ(errors.back(), "Read error: Data read error (126 bytes at address FFFFE0h).");
     // One character a word, and the highest count there may be.
-    Poke(TEXTS, {'W', 0, ';', 0, 'a', 0, ':', 0, 'u', 0, '1', 0, 0, 0});
-    PutLong(TABLE + 4, TEXTS / 2);
+    Poke(LOG_TEXTS_AT, {'W', 0, ';', 0, 'a', 0, ':', 0, 'u', 0, '1', 0, 0, 0});
+    PutLong(LOG_TABLE_AT + 4, LOG_TEXTS_AT / 2);
     PutRecIds(255, {});
     ASSERT_EQ(DLLD_ReadARecId(), 0);
     EXPECT_EQ(DLLD_paRecId[0].text, "W;a:u1");
@@ -232,7 +207,7 @@ TEST_F(LogTarget, ReadsTheRecordTable)
 // What happens on the target once the first block has been read.
 TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
 {
-    const uint32_t end = BUFFER + 2 * static_cast<uint32_t>(Sample().log.size());
+    const uint32_t end = LOG_BUFFER_AT + 2 * static_cast<uint32_t>(Sample().log.size());
     const std::string changes = "Read error: The log changes while it is read (DL_log).";
     const struct {
         const char *what;
@@ -242,14 +217,19 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
         int tries; // that got as far as the log itself
         std::string error;
     } cases[] = {
-        {"nothing", BUFFER, {}, true, 1, ""},
+        {"nothing", LOG_BUFFER_AT, {}, true, 1, ""},
         {"a message behind the newest", end, {2, 9, 0x55, 0x27, 0x29, 15, 'n'}, true, 1, ""},
         {"the newest goes on", end - 2, {1, 1}, false, 2, ""},
         {"the newest is another", end - 4, {9}, false, 2, ""},
         {"the newest has a head", end - 14, {1, 1}, false, 2, ""},
-        {"the reserved word", BUFFER + 14, {1}, false, 2, ""},
-        {"the same, every time", BUFFER + 14, {0}, true, 2, changes},
-        {"another place", BUFFER, {0x34, 0x12}, false, 1, "Read error: Bad log header (DL_log)."},
+        {"the reserved word", LOG_BUFFER_AT + 14, {1}, false, 2, ""},
+        {"the same, every time", LOG_BUFFER_AT + 14, {0}, true, 2, changes},
+        {"another place",
+         LOG_BUFFER_AT,
+         {0x34, 0x12},
+         false,
+         1,
+         "Read error: Bad log header (DL_log)."},
     };
     for (const auto &c : cases) {
         PutLog(Sample());
@@ -260,7 +240,7 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
             if (done != 1024 || (tries++ > 0 && !c.isEveryTime))
                 return;
             std::vector<uint8_t> bytes = c.bytes;
-            if (c.address == BUFFER + 14)
+            if (c.address == LOG_BUFFER_AT + 14)
                 bytes[0] = static_cast<uint8_t>(tries);
             Poke(c.address, bytes);
         };
@@ -275,22 +255,22 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
     // A damaged header is asked for once more: two requests a try, and the line's proofs.
     PutLog(Sample());
     UseOwnHost();
-    Poke(BUFFER + 9, {'x'});
+    Poke(LOG_BUFFER_AT + 9, {'x'});
     const uint64_t before = SIM_GetCounters(target).requests;
     DLLD_Log log;
-    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), -1);
+    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), -1);
     EXPECT_EQ(errors.back(), "Read error: Bad log header (01A000h).");
     EXPECT_GE(SIM_GetCounters(target).requests - before, 4u);
-    Poke(BUFFER + 9, {'O'});
-    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), 0);
+    Poke(LOG_BUFFER_AT + 9, {'O'});
+    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), 0);
     // Cancelling is no error, and ends with the reading that was cancelled.
     errors.clear();
     isCancelWished = true;
-    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), -1);
+    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), -1);
     EXPECT_TRUE(DLLD_IsCancelled());
     EXPECT_TRUE(errors.empty());
     isCancelWished = false;
-    EXPECT_EQ(DLLD_ReadLogAt(BUFFER, &log), 0);
+    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), 0);
     EXPECT_FALSE(DLLD_IsCancelled());
 }
 
@@ -313,7 +293,7 @@ TEST_F(LogTarget, SaveLogTakesANameOrAnAddress)
              {"1000000H, old.txt", bad},
              {"1A002H, old.txt", "Chyba pri cteni logu."},
              {"DL_log, none/old.txt", "Nelze otevrit soubor 'none/old.txt'."}})
-        EXPECT_NE(Run("savelog " + line).find("ERROR - SaveLog: " + error), std::string::npos);
+        EXPECT_TRUE(Has(Run("savelog " + line), "ERROR - SaveLog: " + error));
 }
 
 TEST_F(LogTarget, DlldTstLooksWithoutDownloading)
@@ -337,18 +317,16 @@ TEST_F(LogTarget, DlldTstLooksWithoutDownloading)
                                 "dlldtst 1 -> OK!\n");
     EXPECT_LT(SIM_GetCounters(target).requests - before, 40u); // the whole log takes 625
     PutLog(LogBuilder(), 8);
-    EXPECT_NE(Run("dlldtst 1").find("Filled:   8 words, 100 %\nFirst:    none\nLast:     none\n"),
-              std::string::npos);
+    EXPECT_TRUE(
+        Has(Run("dlldtst 1"), "Filled:   8 words, 100 %\nFirst:    none\nLast:     none\n"));
     PutLog(LogBuilder().Raw({5, 6}), 100);
-    EXPECT_NE(Run("dlldtst 1").find("Filled:   10 words, 10 %\nFirst:    none\n"),
-              std::string::npos);
-    Poke(BUFFER + 8, {'l'});
-    EXPECT_NE(Run("dlldtst 1").find("(bad)\nERROR - dlldtst: Bad log header (_DL_log)."),
-              std::string::npos);
+    EXPECT_TRUE(Has(Run("dlldtst 1"), "Filled:   10 words, 10 %\nFirst:    none\n"));
+    Poke(LOG_BUFFER_AT + 8, {'l'});
+    EXPECT_TRUE(Has(Run("dlldtst 1"), "(bad)\nERROR - dlldtst: Bad log header (_DL_log)."));
     for (const char *line : {"dlldtst 2", "dlldtst -1"})
-        EXPECT_NE(Run(line).find("logs are numbered 1 to 1"), std::string::npos);
+        EXPECT_TRUE(Has(Run(line), "logs are numbered 1 to 1"));
     TMF_CleanTables();
-    EXPECT_NE(Run("dlldtst 0").find("no variable of the map"), std::string::npos);
+    EXPECT_TRUE(Has(Run("dlldtst 0"), "no variable of the map"));
 }
 
 // What the examples name is what the simulated target keeps, on both processors.
@@ -364,13 +342,13 @@ TEST_F(LogTarget, TheDemoTargetKeepsALog)
          {"MsgType=02 Text: 'Station 1, message 0'\n", "MsgType=20 Drive\n\tspeed = ", " ramp\n",
           "\n\tposition = -49000 inc\n", "MsgType=10 #BSTAMP\n    S=0005h(ctl,run), t=180s",
           "over hot axis=2\n\tpart = 1\n\tof = 4", "MsgType=22 MsgStart=01\n    0006 0000 FFFF"})
-        EXPECT_NE(listing.find(part), std::string::npos) << part;
-    EXPECT_EQ(listing.find("MsgType=01"), std::string::npos);
+        EXPECT_TRUE(Has(listing, part)) << part;
+    EXPECT_FALSE(Has(listing, "MsgType=01"));
     Procesor = CPU_C167;
     ASSERT_EQ(map2node((EXAMPLES + "demo.m66").c_str()), 0);
     ASSERT_EQ(TMF_OpenMap((EXAMPLES + "demo.tmf").c_str()), 0);
-    EXPECT_NE(Run("dlldtst 1").find("stDataLog, 2048 words at 024000h"), std::string::npos);
-    EXPECT_NE(Run("savelog stDataLog, old.txt").find("-> OK!"), std::string::npos);
-    EXPECT_NE(ReadFile("old.txt").find(" ST8: Station 1, message 8\r\n"), std::string::npos);
-    EXPECT_NE(Run("getlog stDataLog, none").find("(DL_arecId)"), std::string::npos);
+    EXPECT_TRUE(Has(Run("dlldtst 1"), "stDataLog, 2048 words at 024000h"));
+    EXPECT_TRUE(Has(Run("savelog stDataLog, old.txt"), "-> OK!"));
+    EXPECT_TRUE(Has(ReadFile("old.txt"), " ST8: Station 1, message 8\r\n"));
+    EXPECT_TRUE(Has(Run("getlog stDataLog, none"), "(DL_arecId)"));
 }

@@ -2,13 +2,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
+#include "support/scratch.h"
+#include "support/text_checks.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
@@ -33,39 +34,23 @@ std::string Columns(std::initializer_list<std::pair<size_t, const char *>> words
     return line;
 }
 
-class MapFiles : public testing::Test {
+class MapFiles : public ProgramTest {
 protected:
-    void SetUp() override
+    MapFiles()
     {
-        HL_Reset();
         Procesor = CPU_C167;
-        Clear();
-    }
-    void TearDown() override
-    {
-        Clear();
-        std::remove(path.c_str());
-    }
-    void Clear()
-    {
-        TMF_CleanTables();
-        FreeNodes(aVarNode, &nNodes);
-        FreeNodes(aVarTMSNode, &nTMSNodes);
-        openStruct = openTMSStruct = OPEN_NONE;
-        szMapFileName.clear();
-        mapFile.clear();
-        nLItems = 0;
     }
     const char *Write(const std::string &text)
     {
-        std::ofstream(path, std::ios::binary) << text;
+        WriteFileText(path, text);
         return path.c_str();
     }
     uint32_t Address(const char *name)
     {
         return inStruct(name, aVarNode, nNodes);
     }
-    const std::string path = testing::TempDir() + std::to_string(getpid()) + "test.map";
+    const ScratchFolder folder;
+    const std::string path = folder.path + "/test.map";
 };
 
 TEST_F(MapFiles, TakesC166LinesByTheirColumns)
@@ -169,10 +154,8 @@ TEST_F(MapFiles, KeepsTMSSymbolsApartWhileAC166IsSelected)
     ASSERT_EQ(0, TMSmap2node(Write("0000C002   _other\n")));
     EXPECT_EQ(NONE, aLItems[1].address); // not what stands there now
     ASSERT_EQ(0, TMSmap2node(Write("0000C002   _far\n")));
-    std::ofstream(path, std::ios::binary) << "## 1 VARS\n1: 'far' _@0x38000001\n## 0 TYPES\n"
-                                             "## 1 STRUCTS\n# 1 / 3:\n'a' _@0x122\n"
-                                             "'b' _@0x28000000_@0x1\n'c' _@0x122\n";
-    ASSERT_EQ(0, TMF_LoadMap(path.c_str()));
+    ASSERT_EQ(0, TMF_LoadMap(Write("## 1 VARS\n1: 'far' _@0x38000001\n## 0 TYPES\n## 1 STRUCTS\n"
+                                   "# 1 / 3:\n'a' _@0x122\n'b' _@0x28000000_@0x1\n'c' _@0x122\n")));
     EXPECT_EQ(0xC006u, inStruct("&_far.c", aVarTMSNode, nTMSNodes)); // 4-byte pointers
 }
 
@@ -241,7 +224,7 @@ TEST_F(MapFiles, CountsWhatDoesNotFitInOneMessageAndDoublesNot)
                   Address(("v" + std::to_string((c.symbols - 1) % NODES_MAX)).c_str()));
         ASSERT_EQ(c.parts.empty() ? 0u : 1u, HL_GetPopups().size());
         for (const std::string &part : c.parts)
-            EXPECT_NE(std::string::npos, HL_GetPopups()[0].find(part)) << HL_GetPopups()[0];
+            EXPECT_TRUE(Has(HL_GetPopups()[0], part));
     }
     // The names at the end of C166 lines are the only ones that can be too long there.
     Procesor = CPU_C167;
@@ -253,7 +236,7 @@ TEST_F(MapFiles, CountsWhatDoesNotFitInOneMessageAndDoublesNot)
     ASSERT_EQ(0, ReadMap(path.c_str()));
     EXPECT_EQ(1, nNodes);
     ASSERT_EQ(1u, HL_GetPopups().size());
-    EXPECT_NE(std::string::npos, HL_GetPopups()[0].find("characters: 1 symbol."));
+    EXPECT_TRUE(Has(HL_GetPopups()[0], "characters: 1 symbol."));
 }
 
 TEST_F(MapFiles, LoadsByDialogAndReloadsWithout)

@@ -2,6 +2,7 @@
 // reserved registers, reasons in words and the trace.
 #include "support/modbus_fixture.h"
 #include "support/modbus_line.h"
+#include "support/text_checks.h"
 
 #include <numeric>
 
@@ -341,38 +342,13 @@ TEST_F(ModbusLineTest, TraceDecodesFrames)
         const TRC_Record &record = *TRC_Get(TRC_Count() - 1);
         EXPECT_EQ(record.request.substr(0, record.request.find(", gap")), item.request);
         EXPECT_EQ(record.answer.substr(0, record.answer.find(", gap")), item.decoded);
-        EXPECT_NE(record.answer.find(" characters"), std::string::npos);
+        EXPECT_TRUE(Has(record.answer, " characters"));
         EXPECT_EQ(record.received.count, FromHex(item.answer).size());
         EXPECT_EQ(record.result, MBM_ErrorText(MBM_nFault));
     }
 }
 
 // --- against the simulated slave --------------------------------------------------------------
-
-TEST_F(ModbusTest, MemoryOfEverySizeThereAndBack)
-{
-    plug();
-    UCM_ResetStatistics();
-    uint8_t out[433], in[435];
-    std::iota(out, out + 433, uint8_t{3});
-    for (const uint32_t size : {1u, 2u, 3u, 64u, 215u, 216u, 217u, 431u, 432u, 433u}) {
-        memset(in, 0xEE, sizeof in);
-        const uint32_t address = 0xFE0000 + 1000 * size % 777;
-        EXPECT_EQ(UCM_Write(5, address, size, out), 0) << size;
-        EXPECT_GE(UCM_Read(5, address, size, in), 0) << size;
-        EXPECT_EQ(memcmp(in, out, size), 0) << size;
-        EXPECT_EQ(in[size], 0xEE) << size;
-        SIM_Peek(target, 5, address, in, size);
-        EXPECT_EQ(memcmp(in, out, size), 0) << size;
-        SIM_Peek(target, 5, address + size, in, 1);
-        EXPECT_EQ(in[0], 0) << size; // an odd write touches no neighbour
-        SIM_Poke(target, 5, address, std::string(size, '\0').data(), size);
-    }
-    EXPECT_EQ(UCM_Read(5, 0xFFFFFF, 2, in), -1); // beyond the last byte
-    EXPECT_EQ(UCM_LastErrorText(), "exception 2 (no such address)");
-    EXPECT_EQ(UCM_Read(5, 0, 0, in), 0);
-    EXPECT_EQ(SIM_GetCounters(target).malformed, 0u);
-}
 
 TEST_F(ModbusTest, EveryFunctionAgainstTheSlavesTables)
 {
@@ -394,17 +370,6 @@ TEST_F(ModbusTest, EveryFunctionAgainstTheSlavesTables)
         EXPECT_EQ(registersOut[0], 0xBC26);
         EXPECT_EQ(registersOut[1], 0x0300);
     }
-    const uint16_t values[] = {0xBEEF, 0x0102, 0x0304};
-    EXPECT_EQ(Ask(MBM_FN_WRITE_ONE, 3, 100, 1, values), 0);
-    EXPECT_EQ(Ask(MBM_FN_WRITE, 3, 101, 2, values + 1), 0);
-    const MBM_Part from = {99, 4, registersOut};
-    const MBM_Part to = {102, 1, const_cast<uint16_t *>(values)};
-    EXPECT_EQ(MBM_MasterFN(MBM_FN_READ_WRITE, 3, &from, &to), 4);
-    const uint16_t expected[] = {0, 0xBEEF, 0x0102, 0xBEEF};
-    EXPECT_EQ(memcmp(registersOut, expected, sizeof expected), 0);
-    uint8_t seen[2];
-    SIM_Peek(target, 3, 200, seen, 2);
-    EXPECT_EQ(seen[0], 0xEF);
     // Registers and coils that are not there.
     EXPECT_EQ(Ask(MBM_FN_HOLDING, 3, 0xFEFF, 2), -1);
     EXPECT_EQ(MBM_byExCode, 2);
@@ -428,7 +393,7 @@ TEST_F(ModbusTest, EchoingLineWorksWithTheOptionAndGivesNothingWithout)
     ASSERT_EQ(SER_SetTimeouts(MBM_hCom, 100, 5000), SER_OK);
     UCM_recS.tries = 1;
     EXPECT_EQ(UCM_Read(1, 0x77, 1, &byte), -1);
-    EXPECT_NE(UCM_LastErrorText().find("line echoes"), std::string::npos) << UCM_LastErrorText();
+    EXPECT_TRUE(Has(UCM_LastErrorText(), "line echoes"));
 }
 
 TEST_F(ModbusTest, OpeningReportsWhatIsWrongAndStoppingUnplugs)

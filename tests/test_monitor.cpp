@@ -4,10 +4,13 @@
 
 #include <filesystem>
 
+#include "app/main_panel.h"
 #include "comm/communication.h"
 #include "console/monitor/completion.h"
 #include "console/monitor/text_box.h"
 #include "settings/settings.h"
+#include "watch/list/list_file.h"
+#include "watch/list/litem.h"
 
 namespace {
 
@@ -199,6 +202,42 @@ TEST_F(Monitor, CancelledQuestionReportsThePort)
     EXPECT_EQ(Run("d 400"), why);
     Type("x");
     EXPECT_EQ(command, CMD_C166);
+}
+
+// What a new setting drags along, and that a refused one leaves everything as it was.
+TEST_F(Monitor, ProcessorAndPortChangeWithAllThatHangsOnThem)
+{
+    WriteFileText("w.dbg", "DPP0, u2\nePWM1_TBCTL, u2\neCAP6_ECCTL1, u2\n");
+    ASSERT_EQ(dat2litems("w.dbg"), 0);
+    constexpr uint32_t NONE = LITEM_NO_ADDRESS;
+    const struct {
+        const char *line;
+        int item; // checked afterwards
+        uint32_t first, second, third;
+    } steps[] = {{"procesor 166", ITEM_CPU_C166, 0xFE00, NONE, NONE},
+                 {"procesor 28335", ITEM_CPU_F283XX, NONE, 0xD000, 0xD568},
+                 {"procesor 2803", ITEM_CPU_F283XX, NONE, 0xD000, 0xD568},
+                 {"procesor 167", ITEM_CPU_C167, 0xFE00, NONE, NONE}};
+    for (const auto &step : steps) {
+        Run(step.line);
+        VR_ShowSettings();
+        EXPECT_EQ(UiItemAttribute(step.item, ATTR_CHECKED), 1) << step.line;
+        EXPECT_EQ(aLItems[0].address, step.first) << step.line;
+        EXPECT_EQ(aLItems[1].address, step.second) << step.line;
+        EXPECT_EQ(aLItems[2].address, step.third) << step.line;
+    }
+    VIR2_StartPeriodicASC();
+    ASSERT_EQ(isTimer, 1);
+    for (const char *line : {"compar 7, 9600", "compar 0, 57600", "compar 9, 1200"}) {
+        Run(line);
+        EXPECT_EQ(ncom * 100000 + bRate, 709600) << line;
+        EXPECT_EQ(isTimer + UCM_IsOpened(), 2) << line;
+    }
+    EXPECT_EQ(Run("write 1, 7, 8100H"), "write 1, 7, 8100H -> OK!\n") << "on the new link";
+    unsetenv("VIREO2_COM8");
+    Run("compar 8, 19200");
+    EXPECT_EQ(isTimer + UCM_IsOpened(), 0) << "nothing is there";
+    nLItems = openLItems = 0;
 }
 
 TEST_F(Monitor, CommunicationSwitchedOnStaysOn)

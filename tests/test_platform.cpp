@@ -99,6 +99,35 @@ TEST_F(Line, IsExclusiveUntilClosed)
     EXPECT_EQ(SER_Read(second, &second, 1), SER_ERR_IO);
 }
 
+TEST_F(Line, SaysWhyItCannotBeOpened)
+{
+    const ScratchFolder folder;
+    const std::string locked = folder / "locked", text = folder / "text";
+    WriteFileText(text, "");
+    WriteFileText(locked, "");
+    chmod(locked.c_str(), 0);
+    chmod(folder.path.c_str(), 0755);
+    const struct {
+        std::string device;
+        SER_Why why;
+    } cases[] = {{ptsname(master), SER_WHY_BUSY},  {folder / "nothing", SER_WHY_MISSING},
+                 {text, SER_WHY_MISSING},          {"/dev/null", SER_WHY_MISSING},
+                 {text + "/below", SER_WHY_OTHER}, {locked, SER_WHY_ACCESS}};
+    for (const auto &c : cases) {
+        const bool isRoot = c.why == SER_WHY_ACCESS && geteuid() == 0;
+        setenv("VIREO2_COM71", c.device.c_str(), 1);
+        SER_Handle second = SER_INVALID;
+        EXPECT_TRUE(!isRoot || seteuid(65534) == 0); // root may do everything
+        EXPECT_EQ(SER_Open(PORT, &second), SER_ERR_OPEN) << c.device;
+        EXPECT_TRUE(!isRoot || seteuid(0) == 0);
+        EXPECT_EQ(SER_LastReason(), c.why) << c.device;
+    }
+    SER_Settings odd;
+    odd.baud = 12345;
+    EXPECT_EQ(SER_Configure(port, odd), SER_ERR_SET);
+    EXPECT_EQ(SER_LastReason(), SER_WHY_BAUD);
+}
+
 TEST_F(Line, RefusesWhatNoUartDoes)
 {
     SER_Settings settings;

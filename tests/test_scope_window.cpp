@@ -3,7 +3,9 @@
 #include "runtime/plot_thin.h"
 #include "scope/measure.h"
 #include "scope/session.h"
+#include "scope/spectrum.h"
 #include "scope/window.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 
 #include <cmath>
@@ -34,12 +36,11 @@ UI_GraphView ViewOf()
     return view;
 }
 
-class Graph : public testing::Test {
+class Graph : public ProgramTest {
 protected:
-    void SetUp() override
+    Graph()
     {
-        HL_Reset();
-        ASSERT_EQ(HL_LoadAllPanels(), 0);
+        EXPECT_EQ(HL_LoadAllPanels(), 0);
     }
 };
 
@@ -50,18 +51,18 @@ TEST_F(Graph, FitsWhatIsVisibleAndKeepsTheUsersZoom)
     ASSERT_GT(first, 0);
     ASSERT_NE(second, first);
     UI_GraphView view = ViewOf();
-    EXPECT_EQ(view.xMin, 0);
-    EXPECT_EQ(view.xMax, 5);
-    EXPECT_NEAR(view.yMin, -15.5, 1e-9);
-    EXPECT_NEAR(view.yMax, 105.5, 1e-9);
+    EXPECT_EQ(view.x.min, 0);
+    EXPECT_EQ(view.x.max, 5);
+    EXPECT_NEAR(view.y[0].min, -15.5, 1e-9);
+    EXPECT_NEAR(view.y[0].max, 105.5, 1e-9);
     view.hidden = {second};
     ASSERT_EQ(HL_SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view), 0);
-    EXPECT_EQ(ViewOf().xMax, 2);
-    view.isFitted = false;
-    view.xMin = 0.5;
+    EXPECT_EQ(ViewOf().x.max, 2);
+    view.isXFitted = view.isYFitted = false;
+    view.x.min = 0.5;
     ASSERT_EQ(HL_SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view), 0);
     ASSERT_EQ(ReplacePlot(PANEL_SCOPE, SCOPE_GRAPH, first, MakePlot({7, 8}, {1, 2})), 0);
-    EXPECT_EQ(ViewOf().xMin, 0.5) << "new samples do not move what the user looks at";
+    EXPECT_EQ(ViewOf().x.min, 0.5) << "new samples do not move what the user looks at";
 }
 
 TEST_F(Graph, RefusesWhatCannotBeDrawn)
@@ -74,13 +75,39 @@ TEST_F(Graph, RefusesWhatCannotBeDrawn)
         ASSERT_GT(PlotXY(PANEL_SCOPE, SCOPE_GRAPH, MakePlot({1}, {1})), 0);
     EXPECT_EQ(PlotXY(PANEL_SCOPE, SCOPE_GRAPH, MakePlot({1}, {1})), UIE_BAD_INDEX);
     UI_GraphView view = ViewOf();
-    EXPECT_LT(view.yMin, 1) << "a flat curve has room around it";
-    EXPECT_GT(view.yMax, 1);
-    view.isFitted = false;
-    for (const double limit : {view.xMax, view.xMax + 1, GAP}) {
-        view.xMin = limit;
+    EXPECT_LT(view.y[0].min, 1) << "a flat curve has room around it";
+    EXPECT_GT(view.y[0].max, 1);
+    view.isXFitted = view.isYFitted = false;
+    for (const double limit : {view.x.max, view.x.max + 1, GAP}) {
+        view.x.min = limit;
         EXPECT_EQ(SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view), UIE_BAD_INDEX) << limit;
     }
+}
+
+TEST_F(Graph, PanesHaveLimitsOfTheirOwn)
+{
+    UI_Plot low = MakePlot({0, 1}, {0, 10}), high = MakePlot({0, 9}, {1000, 2000});
+    high.pane = 3;
+    const int handle = PlotXY(PANEL_SCOPE, SCOPE_GRAPH, low);
+    ASSERT_GT(PlotXY(PANEL_SCOPE, SCOPE_GRAPH, high), 0);
+    EXPECT_NEAR(ViewOf().y[0].max, 2100, 1e-9) << "together they share an axis";
+    UI_GraphView view = ViewOf();
+    view.layout = GRAPH_STACKED;
+    ASSERT_EQ(HL_SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view), 0);
+    EXPECT_NEAR(ViewOf().y[0].max, 10.5, 1e-9);
+    EXPECT_NEAR(ViewOf().y[3].min, 950, 1e-9);
+    // Following keeps the width and the newest sample at the right, whatever else the user sets.
+    view.isXFitted = false;
+    view.isFollowing = true;
+    view.x = {0, 4};
+    ASSERT_EQ(HL_SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view), 0);
+    EXPECT_EQ(ViewOf().x.min, 5);
+    high.pane = 32;
+    EXPECT_EQ(PlotXY(PANEL_SCOPE, SCOPE_GRAPH, high), UIE_BAD_INDEX);
+    // New samples of a curve do not undo what the user does in the meantime.
+    ASSERT_EQ(ReplacePlot(PANEL_SCOPE, SCOPE_GRAPH, handle, MakePlot({0, 20}, {-5, 5})), 0);
+    EXPECT_EQ(ViewOf().x.min, 16);
+    EXPECT_NEAR(ViewOf().y[0].min, -5.5, 1e-9);
 }
 
 TEST_F(Graph, CursorsStandOnSamples)
@@ -174,6 +201,28 @@ TEST(ScopeMeasure, ReadsWhatABenchInstrumentReads)
     EXPECT_EQ(SCP_Measure(x, sine, 2, 3).count, 0u);
 }
 
+TEST(ScopeSpectrum, FindsLinesBetweenTheBins)
+{
+    constexpr double RATE = 5000;
+    for (const size_t count : {500u, 997u, 4096u}) {
+        for (const double wanted : {50.0, 333.3, 1234.5}) {
+            std::vector<double> samples(count);
+            for (size_t i = 0; i < count; ++i)
+                samples[i] = 100 + 7 * std::sin(2 * M_PI * wanted * static_cast<double>(i) / RATE);
+            SPC_Spectrum spectrum;
+            ASSERT_EQ(SPC_Make(samples, RATE, &spectrum), 0);
+            EXPECT_NEAR(spectrum.peakHz, wanted, 0.6) << count;
+            EXPECT_NEAR(spectrum.peak, 7, 0.3) << count << " " << wanted;
+            EXPECT_EQ(spectrum.frequencies.size(), spectrum.amplitudes.size());
+            samples[3] = GAP;
+            EXPECT_EQ(SPC_Make(samples, RATE, &spectrum), -1);
+        }
+    }
+    SPC_Spectrum still;
+    ASSERT_EQ(SPC_Make(std::vector<double>(100, 3.0), RATE, &still), 0);
+    EXPECT_NEAR(still.peak, 0, 1e-12);
+}
+
 // --- the window ------------------------------------------------------------------------------
 
 class ScopeWindow : public WatchTest {
@@ -219,11 +268,12 @@ protected:
     // Until the run is over; false when it never ends.
     bool run()
     {
+        SX_isUploadDone = 0;
         press(SCOPE_RUN);
         for (int ticks = 0; ticks < 20000; ++ticks) {
             if (DTSC_TimerCB(PANEL_SCOPE, SCOPE_TIMER, EVENT_TIMER_TICK, 0) < 0)
                 return false;
-            if (UiText(PANEL_SCOPE, SCOPE_MESSAGE) == "Upload successful.")
+            if (SX_isUploadDone != 0)
                 return true;
         }
         return false;
@@ -235,7 +285,7 @@ TEST_F(ScopeWindow, RecordsBetweenRunAndCurve)
     find();
     EXPECT_EQ(shown(SCOPE_MESSAGE), "Scope 'SCP3_rScope'. Type: 4 channels * 500 values");
     ASSERT_EQ(HL_GetPopups().size(), 1u);
-    EXPECT_NE(HL_GetPopups()[0].find("Scope ID setup: "), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups()[0], "Scope ID setup: "));
     EXPECT_EQ(shown(SCOPE_RATE), "5000 Hz, 0.1 s");
     type(SCOPE_FACTOR, "0.5");
     type(SCOPE_LEVEL, "400");
@@ -269,7 +319,7 @@ TEST_F(ScopeWindow, WhatFailsLeavesTheLastRecording)
     const std::vector<double> samples = DTSC_GetCapture().traces.at(0).samples;
     HL_PushAnswer(1, write("bad.csv", "; Vireo2 scope 1\r\n; rate, 5000\r\nsample,ti"));
     press(SCOPE_OPEN_DATA);
-    EXPECT_NE(HL_GetPopups().back().find("is not of a scope recording"), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups().back(), "is not of a scope recording"));
     failWith(8, 70);
     press(SCOPE_RUN);
     EXPECT_EQ(UiAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_DIMMED), 0) << "usable";
@@ -281,6 +331,106 @@ TEST_F(ScopeWindow, WhatFailsLeavesTheLastRecording)
     EXPECT_EQ(SX_isInitDone, 0);
     EXPECT_EQ(HL_CommitControl(PANEL_SCOPE, SCOPE_UPLOAD), HL_DIMMED);
     STATION = 1;
+}
+
+// As on a bench: Single stops, Normal arms again, Auto does not wait for ever.
+TEST_F(ScopeWindow, ModesDecideWhatFollowsARecording)
+{
+    find();
+    const struct {
+        int mode;
+        const char *level, *label;
+    } cases[] = {{0, "400", "__Run"}, {1, "400", "__Stop"}, {2, "2000", "__Stop"}};
+    for (const auto &c : cases) {
+        type(SCOPE_LEVEL, c.level);
+        press(SCOPE_LEVEL);
+        ASSERT_EQ(HL_SetUserVal(PANEL_SCOPE, SCOPE_MODE, c.mode), 0);
+        ASSERT_TRUE(run()) << c.mode;
+        std::string label;
+        GetCtrlAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_LABEL_TEXT, &label);
+        EXPECT_EQ(label, c.label) << c.mode;
+        if (c.mode != 0)
+            press(SCOPE_RUN);
+    }
+    EXPECT_EQ(DTSC_GetCapture().triggerAt, 0) << "nothing had triggered the last one";
+    EXPECT_EQ(shown(SCOPE_STATE), "stopped");
+}
+
+TEST_F(ScopeWindow, AnUploadThatEndsEarlyLeavesTheLastRecording)
+{
+    options.delayMs = 15; // long enough for a progress box
+    find();
+    ASSERT_TRUE(run());
+    const std::vector<double> samples = DTSC_GetCapture().traces.at(0).samples;
+    press(SCOPE_SNAP);
+    while (SCP_GetState() != SCP_COMPLETE) {
+    }
+    HL_CancelProgressAt(1);
+    press(SCOPE_UPLOAD);
+    EXPECT_EQ(shown(SCOPE_MESSAGE), "Upload cancelled.");
+    EXPECT_EQ(DTSC_GetCapture().traces.at(0).samples, samples);
+    options.silentAfter = 20; // the target dies in the middle
+    UCM_recS.tries = 0;
+    SIM_SetFaults(target, options);
+    press(SCOPE_UPLOAD);
+    EXPECT_EQ(shown(SCOPE_MESSAGE), "Upload error.");
+    EXPECT_EQ(DTSC_GetCapture().traces.at(0).samples, samples);
+    // Dead while it is waited for: the run ends and says so.
+    press(SCOPE_RUN);
+    EXPECT_EQ(shown(SCOPE_MESSAGE), "Error: could not set channel X1.");
+    EXPECT_EQ(UiAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_DIMMED), 0);
+}
+
+// What is edited behind a run belongs to the next one.
+TEST_F(ScopeWindow, ARecordingHasTheNamesItWasRunWith)
+{
+    find();
+    ASSERT_TRUE(run());
+    addSymbol("byOther", 0x8002);
+    type(SCOPE_PLACE, "byOther");
+    ASSERT_EQ(HL_SetUserVal(PANEL_SCOPE, SCOPE_TYPE, SX_F4), 0);
+    ASSERT_EQ(HL_SetUserVal(PANEL_SCOPE, SCOPE_SUB, 4), 0);
+    press(SCOPE_SUB);
+    for (const bool isAgainFound : {false, true}) {
+        if (isAgainFound) {
+            HL_PushAnswer(2);
+            press(SCOPE_INIT);
+        }
+        press(SCOPE_UPLOAD);
+        ASSERT_EQ(DTSC_GetCapture().traces.size(), 1u);
+        EXPECT_EQ(DTSC_GetCapture().traces[0].name, "nFast");
+        EXPECT_EQ(DTSC_GetCapture().traces[0].type, SX_I2);
+        EXPECT_EQ(DTSC_GetCapture().rate, 5000);
+    }
+}
+
+TEST_F(ScopeWindow, ComparesWithAReferenceAndShowsTheSpectrum)
+{
+    find();
+    ASSERT_TRUE(run());
+    const std::string file = path("reference.csv");
+    HL_PushAnswer(1, file);
+    press(SCOPE_SAVE_DATA);
+    HL_PushAnswer(1, file);
+    press(SCOPE_REFERENCE);
+    std::vector<UI_Plot> plots;
+    GetGraphPlots(PANEL_SCOPE, SCOPE_GRAPH, &plots);
+    ASSERT_EQ(plots.size(), 2u);
+    EXPECT_EQ(plots[1].name, "nFast (reference)");
+    EXPECT_TRUE(plots[1].isDashed);
+    EXPECT_EQ(*plots[1].y, *plots[0].y);
+    EXPECT_EQ(plots[1].pane, plots[0].pane);
+    // 50 Hz of 1000 with a third harmonic.
+    ASSERT_EQ(HL_SetUserVal(PANEL_SCOPE, SCOPE_SHOWN, 0), 0);
+    GetGraphPlots(PANEL_SCOPE, SCOPE_GRAPH, &plots);
+    ASSERT_EQ(plots.size(), 2u);
+    const auto top = std::max_element(plots[0].y->begin(), plots[0].y->end());
+    EXPECT_NEAR((*plots[0].x)[static_cast<size_t>(top - plots[0].y->begin())], 50, 6);
+    EXPECT_FALSE(ViewOf().level.isShown) << "a level is no frequency";
+    EXPECT_EQ(ViewOf().x.max, 2500);
+    // Back, the curves are in view again.
+    ASSERT_EQ(HL_SetUserVal(PANEL_SCOPE, SCOPE_SHOWN, -1), 0);
+    EXPECT_NEAR(ViewOf().x.max, 0.05, 0.001);
 }
 
 TEST_F(ScopeWindow, SettingsAreKeptAndBadFieldsRefused)

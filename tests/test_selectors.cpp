@@ -1,6 +1,7 @@
 // The selectors as a user drives them, on the example project.
 #include "runtime/list_columns.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
@@ -151,7 +152,7 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     EXPECT_EQ(names(PANEL_VAR_SELECTOR, VARSEL_LIST), "wNew ");
     FreeNodes(aVarNode, &nNodes);
     SetMainPanelAttributes();
-    EXPECT_NE(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL).find("No map"), std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL), "No map"));
 }
 
 TEST_F(Selectors, StructuresAreWalkedDownAndUp)
@@ -212,7 +213,7 @@ TEST_F(Selectors, PlacesInStructuresAreWordsOnATms320)
                                       "+0x4|004115", "+0x8|004119", "+0xA|00411B"};
         for (size_t i = 0; i < labels.size(); ++i) {
             const std::string row = UIC_JoinColumns(labels[i], "|");
-            EXPECT_NE(row.find(places[i]), std::string::npos) << row;
+            EXPECT_TRUE(Has(row, places[i]));
         }
     }
 }
@@ -257,8 +258,7 @@ TEST_F(Selectors, TypeMapsAreOpenedAndReloadedFromTheMenu)
     HL_ClickMenu(ITEM_OPEN_TYPE_MAP);
     const std::string good = UiText(PANEL_MAIN, MAIN_MESSAGE);
     EXPECT_EQ(good, "Type map: " + EXAMPLES + "demo.tmf, 58 variables, 5 structures.");
-    EXPECT_NE(UiText(PANEL_MAIN, MAIN_STATE).find("; types: 58 variables, 5 structures"),
-              std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_MAIN, MAIN_STATE), "; types: 58 variables, 5 structures"));
     // One key reads map and types again; a map that is gone does not take the types along.
     szMapFileName = EXAMPLES + "demo.m66";
     FreeNodes(aVarNode, &nNodes);

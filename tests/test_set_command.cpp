@@ -164,6 +164,8 @@ TEST_F(SetCommand, ReachesBothKindsOfTms320)
         EXPECT_EQ(Run("set 4:fTorque = 0.5"), "4:fTorque = 0.5 (f at word 0x00C004, station 4)\n"
                                               "set 4:fTorque = 0.5 -> OK!\n");
         Run("set abyText[1] = 65");
+        EXPECT_NE(Run("set ePWM1_TBCTL = 1").find("(u2 at word 0x006800)"), std::string::npos);
+        EXPECT_NE(Run("set eQEP1_QPOSCNT = 1").find("its type is not known"), std::string::npos);
         EXPECT_EQ(PeekAt(1, 0x18004, 2), (std::vector<uint8_t>{0xFD, 0xFF}));
         EXPECT_EQ(PeekAt(4, 0x18008, 4), (std::vector<uint8_t>{0, 0, 0, 0x3F})) << "IEEE here";
         EXPECT_EQ(PeekAt(1, 0x18022, 2), (std::vector<uint8_t>{65, 0})) << "one word a character";

@@ -10,7 +10,9 @@
 #include "comm/communication.h"
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 #include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
@@ -26,41 +28,16 @@ const std::string MAP_LINE = "0FA00H   counter" + std::string(30, ' ') + "NDATA\
 const char TYPES[] = "## 1 VARS\n1: 'counter' _@0x122\n## 0 TYPES\n## 1 STRUCTS\n# 1 / 1:\n"
                      "'x' _@0x122\n";
 
-class Settings : public testing::Test {
+class Settings : public ProgramTest {
 protected:
-    void SetUp() override
+    Settings()
     {
-        HL_Reset();
-        ASSERT_EQ(0, HL_LoadAllPanels());
-        mainPanel = 13;
-        Forget();
-    }
-    void TearDown() override
-    {
-        Forget();
-        HL_Reset();
+        EXPECT_EQ(0, HL_LoadAllPanels());
     }
     static void Forget()
     {
-        Procesor = CPU_C166;
-        VR_nProtocol = PROTOCOL_MR166;
-        ncom = STATION = Option_AutoOff = Option_ComWin32 = 1;
-        bRate = 19200;
-        VR_enAppMode = MODE_NORMAL;
-        nDebugFileNames = openStruct = nLItems = openLItems = 0;
-        FreeNodes(aVarNode, &nNodes);
-        szaDebugFileNames = {};
-        szDebugFileName.clear();
-        szMapFileName.clear();
-        TMS_mapFile.clear();
-        TMF_szFileName.clear();
-        TMF_CleanTables();
-        FreeNodes(aVarTMSNode, &nTMSNodes);
-        FreeNodes(aVarNode166, &nNodes166);
-        openTMSStruct = openStruct166 = OPEN_NONE;
-        VR_isFullCommandSet = VR_isFullOnce = VR_isWatchView = false;
-        Option_Echo = 0;
-        SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
+        ResetProgram();
+        HL_LoadAllPanels();
     }
     // Reads settings and gives what a save makes of them.
     static std::string Round(const std::string &text)
@@ -115,10 +92,10 @@ TEST_F(Settings, EveryKeySurvives)
     EXPECT_EQ(stamp, szMapFileStamp);
     VR_isFullOnce = true; // an option of one run
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ(std::string::npos, Saved().find("full"));
+    EXPECT_FALSE(Has(Saved(), "full"));
     openStruct = OPEN_FROM_MEMORY;
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_NE(std::string::npos, Saved().find("\nm\n"));
+    EXPECT_TRUE(Has(Saved(), "\nm\n"));
 }
 
 TEST_F(Settings, LinesMeanWhatTheySay)
@@ -184,7 +161,7 @@ TEST_F(Settings, PathsWithSeparatorsAndGreatLengthAreFoundAgain)
     for (const std::string &path :
          {std::string("a, b; c.dbg"), deep + "/" + std::string(100, 'w')}) {
         WriteFileText(path, "[100], u2\n");
-        EXPECT_NE(std::string::npos, Round("d0, " + path + "\n").find("\nd0, " + path + "\n"));
+        EXPECT_TRUE(Has(Round("d0, " + path + "\n"), "\nd0, " + path + "\n"));
         EXPECT_EQ(1, nLItems);
     }
     WriteFileText("w.dbg", "[100], u2\n");
@@ -229,11 +206,11 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
     ASSERT_EQ(0, TMSmap2node("t.map"));
     ASSERT_EQ(0, TMF_OpenMap("t.tmf"));
     ASSERT_EQ(0, SaveIniFile());
-    EXPECT_EQ(std::string::npos, Saved().find("missing"));
-    EXPECT_NE(std::string::npos, Saved().find("\nm2, t.map\ntm, t.tmf\n"));
+    EXPECT_FALSE(Has(Saved(), "missing"));
+    EXPECT_TRUE(Has(Saved(), "\nm2, t.map\ntm, t.tmf\n"));
     // The second map waits while a TMS320 is selected.
     const std::string waiting = "r, F283xx\nm2, t.map\n";
-    EXPECT_NE(std::string::npos, Round(waiting).find("\nm2, t.map\n"));
+    EXPECT_TRUE(Has(Round(waiting), "\nm2, t.map\n"));
     EXPECT_EQ("", Message());
     EXPECT_EQ(0, nNodes);
     Round("m, /dev/zero\nd0, .\nm2, a\033]0;b\n");
@@ -241,6 +218,17 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
         "Map file '/dev/zero' is a folder, device or pipe. Watch list '.' is a folder, device or "
         "pipe. Map file 'a.]0' cannot be opened.",
         Message());
+}
+
+// Of a file that is not there now nobody can tell where its name ends: the comma stays.
+TEST_F(Settings, PathsKeepTheirComma)
+{
+    WriteFileText("here.dbg", "");
+    WriteFileText("a, b.dbg", "");
+    Round("d1, gone, old.dbg\nd2, here.dbg, x\nd3, a, b.dbg\nd4, gone.dbg ; was here\n");
+    EXPECT_EQ(4, nDebugFileNames);
+    EXPECT_NE(std::string::npos,
+              Saved().find("\nd1, gone, old.dbg\nd2, here.dbg\nd3, a, b.dbg\nd4, gone.dbg\n"));
 }
 
 TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
@@ -289,7 +277,7 @@ TEST_F(Settings, SavingTouchesNoFileItDoesNotKnow)
     WriteFileText("Vireo2.ini", "s, 9\n");
     std::filesystem::resize_file("Vireo2.ini", 1 << 21);
     EXPECT_EQ(-2, OpenIniFile(mainPanel));
-    EXPECT_NE(std::string::npos, Message().find("is too large: the settings will not be saved."));
+    EXPECT_TRUE(Has(Message(), "is too large: the settings will not be saved."));
     EXPECT_EQ(1, STATION);
     EXPECT_EQ(-1, SaveIniFile());
     EXPECT_EQ("Error open Ini file", Message());
@@ -309,7 +297,7 @@ TEST_F(Settings, SavingTouchesNoFileItDoesNotKnow)
     EXPECT_EQ(-1, SaveIniFile());
     HL_PushAnswer(1);
     EXPECT_EQ(0, SaveIniFile());
-    EXPECT_NE(std::string::npos, Saved().find("\ns, 8\n"));
+    EXPECT_TRUE(Has(Saved(), "\ns, 8\n"));
     EXPECT_EQ(2u, HL_GetPopups().size());
 }
 
@@ -329,7 +317,7 @@ TEST_F(Settings, FailedSaveLeavesTheOldFile)
     EXPECT_EQ("s, 9\n", ReadFileText("Vireo2.ini"));
     ASSERT_EQ(0, ExitApplication(mainPanel));
     EXPECT_EQ(0, RunUserInterface());
-    EXPECT_NE(std::string::npos, Saved().find("\ns, 9\n"));
+    EXPECT_TRUE(Has(Saved(), "\ns, 9\n"));
     // Written whole beside the old file, never in place: who reads it meanwhile has a whole one.
     std::FILE *reader = std::fopen("Vireo2.ini", "rb");
     STATION = 5;

@@ -1,5 +1,6 @@
 // The simulated target against frames computed by hand, so that it can judge the program.
 #include "sim/sim.h"
+#include "support/text_checks.h"
 
 #include <gtest/gtest.h>
 
@@ -111,46 +112,6 @@ TEST_F(SimTest, AnswersNeverComeBeforeTheirTimeOnTheWire)
     EXPECT_GE(took, 3 * (18 + 10) * charNs - 4000000); // lateness of ours is given back
 }
 
-// Which of the answers arrived whole, as a text of '.', 'x' (damaged) and '-' (dropped).
-std::string faultsOf(SIM_Options options, uint32_t seed)
-{
-    options.seed = seed;
-    std::string error, pattern;
-    SIM_Target *target = SIM_Start(options, &error);
-    EXPECT_NE(target, nullptr) << error;
-    const int port = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
-    for (uint64_t i = 1; i <= 200; i++) {
-        const SIM_Counters before = SIM_GetCounters(target);
-        EXPECT_EQ(write(port, READ_NOTHING, 18), 18);
-        SIM_Counters now;
-        do {
-            usleep(50);
-            now = SIM_GetCounters(target);
-        } while (now.requests < i);
-        pattern += now.dropped > before.dropped       ? '-'
-                   : now.corrupted > before.corrupted ? 'x'
-                                                      : '.';
-    }
-    close(port);
-    SIM_Stop(target);
-    return pattern;
-}
-
-TEST(SimFaults, FollowTheSeed)
-{
-    SIM_Options options;
-    options.drop = 0.1;
-    options.corrupt = 0.1;
-    const std::string pattern = faultsOf(options, 7);
-    EXPECT_EQ(faultsOf(options, 7), pattern);
-    EXPECT_NE(faultsOf(options, 8), pattern);
-    EXPECT_NEAR(static_cast<double>(std::count(pattern.begin(), pattern.end(), '-')), 20, 15);
-    EXPECT_NEAR(static_cast<double>(std::count(pattern.begin(), pattern.end(), 'x')), 18, 15);
-    options.drop = options.corrupt = 0;
-    options.silentAfter = 3;
-    EXPECT_EQ(faultsOf(options, 7), "..." + std::string(197, '-'));
-}
-
 const char MAILBOX_ADDRESS[] = "\0321804C0030410040000A5A5A5A5A5A5A5A5A5A5A5A5B67E\x03";
 const char MAILBOX_READ[] = "\0321800C0030401000000A5A5A5A5A5A5A5A5A5A5A5A55BCA\x03";
 const char MAILBOX_PUT[] = "\0321808C0030478563412A5A5A5A5A5A5A5A5A5A5A5A50CC6\x03";
@@ -223,7 +184,7 @@ TEST(SimLink, IsReplacedAndRemovedOnlyByItsOwner)
     EXPECT_NE(access(options.link.c_str(), F_OK), 0);
     options.link = testing::TempDir();
     EXPECT_EQ(SIM_Start(options, &error), nullptr);
-    EXPECT_NE(error.find("Cannot make the link"), std::string::npos);
+    EXPECT_TRUE(Has(error, "Cannot make the link"));
 }
 
 } // namespace

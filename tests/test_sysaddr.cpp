@@ -8,6 +8,7 @@
 
 #include "comm/tms_mailbox.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/addr_name.h"
 #include "symbols/varnode.h"
@@ -201,7 +202,7 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     const uint64_t before = SIM_GetCounters(target).requests;
     EXPECT_EQ(RDI_ReadNow(1), -1);
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
-    EXPECT_NE(aLItems[1].reason.find("not resolved"), std::string::npos);
+    EXPECT_TRUE(Has(aLItems[1].reason, "not resolved"));
 
     aLItems[0].valueHigh = 5;
     failWith(0, 70);
@@ -209,7 +210,7 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     EXPECT_EQ(aLItems[0].value, 0xFFFFFFFFu);
     EXPECT_EQ(aLItems[0].valueHigh, 0u);
     EXPECT_EQ(aLItems[0].readError, 1);
-    EXPECT_NE(aLItems[0].reason.find("70"), std::string::npos) << aLItems[0].reason;
+    EXPECT_TRUE(Has(aLItems[0].reason, "70"));
     failWith(0, 0);
     ASSERT_EQ(RDI_ReadNow(0), 0);
     EXPECT_EQ(aLItems[0].readError, 0);

@@ -1,6 +1,7 @@
 // Arrays and memory between target and files: every format, every file that is not
 // what it should be, and targets and disks that fail on the way.
 #include "support/console_rig.h"
+#include "support/text_checks.h"
 
 #include <csignal>
 #include <cstring>
@@ -8,6 +9,7 @@
 #include <sys/resource.h>
 
 #include "symbols/mapfile.h"
+#include "symbols/varnode.h"
 
 namespace {
 
@@ -137,8 +139,7 @@ TEST_F(Transfer, BadFilesLeaveTheTargetAlone)
     for (const auto &c : cases) {
         WriteFileText("f", c.text);
         const std::string shown = Run(std::string(c.command) + ", f");
-        EXPECT_NE(shown.find(std::string("ERROR - ") + c.message + "\n"), std::string::npos)
-            << c.text << shown;
+        EXPECT_TRUE(Has(shown, std::string("ERROR - ") + c.message + "\n")) << c.text;
         EXPECT_EQ(Peek(0x9000, 8), std::vector<uint8_t>(8, 0)) << c.text;
     }
 }
@@ -148,8 +149,8 @@ TEST_F(Transfer, GoodListsLoad)
     WriteFileText("f", " +1 \r\n-2\r\n3\r\n4\r\n\r\n");
     Run("loadcsv 9000H, i2, 3, f");
     EXPECT_EQ(Peek(0x9000, 8), (std::vector<uint8_t>{1, 0, 0xFE, 0xFF, 3, 0, 0, 0}));
-    WriteFileText("f", "2\n 1.5\n-25e-1 ");
-    Run("loadcsvn 9100H, f4, 8, 1, f");
+    WriteFileText("f", "2\n 1.5\n-25e-1 "); // as few as are allowed
+    Run("loadcsvn 9100H, f4, 8, 2, f");
     EXPECT_EQ(Peek(0x9100, 8), (std::vector<uint8_t>{0, 0, 0xC0, 0x3F, 0, 0, 0x20, 0xC0}));
     // Names with indexes of their own, as a quoted name leaves them in a header.
     WriteFileText("f", "Ulozeni pole: 'rec[2].a[1]', typ: U1.\r\n9\r\n");
@@ -188,14 +189,12 @@ TEST_F(Transfer, FailuresOnTheWayKeepTheOldFile)
         SIM_SetFaults(target, dying);
         HL_CancelProgressAt(2);
         const std::string cancelled = Run(c.command);
-        EXPECT_NE(cancelled.find(std::string("ERROR - ") + c.cancelMessage), std::string::npos)
-            << cancelled;
+        EXPECT_TRUE(Has(cancelled, std::string("ERROR - ") + c.cancelMessage));
         HL_CancelProgressAt(0);
         dying.silentAfter = 5;
         SIM_SetFaults(target, dying);
         const std::string failed = Run(c.command);
-        EXPECT_NE(failed.find(std::string("ERROR - ") + c.linkMessage), std::string::npos)
-            << failed;
+        EXPECT_TRUE(Has(failed, std::string("ERROR - ") + c.linkMessage));
         EXPECT_EQ(ReadFile("f"), "old") << c.command;
     }
     // Nothing is left beside the final names either.
@@ -220,7 +219,7 @@ TEST_F(Transfer, FullDisk)
         setrlimit(RLIMIT_FSIZE, &full);
         const std::string shown = Run(c.command);
         setrlimit(RLIMIT_FSIZE, &unlimited);
-        EXPECT_NE(shown.find(c.message), std::string::npos) << shown;
+        EXPECT_TRUE(Has(shown, c.message));
         EXPECT_EQ(ReadFile("f"), "old") << c.command;
     }
     signal(SIGXFSZ, oldHandler);
@@ -252,7 +251,7 @@ TEST_F(Transfer, WriteRefusesWhatDoesNotFit)
                    {"write 2, 1, 0FFFFFFH", "posledni byte lezi za adresou FFFFFF."},
                    {"write 4, 1, 0FFFFFDH", "posledni byte lezi za adresou FFFFFF."}};
     for (const auto &c : refused)
-        EXPECT_NE(Run(c.line).find(c.says), std::string::npos) << c.line;
+        EXPECT_TRUE(Has(Run(c.line), c.says)) << c.line;
     EXPECT_EQ(Peek(0xFFFFFE, 2), (std::vector<uint8_t>{7, 8}));
     EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{9, 9}));
     for (const char *line :
@@ -264,9 +263,9 @@ TEST_F(Transfer, WriteRefusesWhatDoesNotFit)
 TEST_F(Transfer, BinLoadTellsOfAnotherLength)
 {
     WriteFileText("in.bin", "abcd");
-    EXPECT_NE(Run("binload 8000H, 3, in.bin").find("longer than 3 bytes"), std::string::npos);
-    EXPECT_NE(Run("binload 8000H, 5, in.bin").find("shorter than 5 bytes"), std::string::npos);
-    EXPECT_EQ(Run("binload 8000H, 4, in.bin").find("Warning"), std::string::npos);
+    EXPECT_TRUE(Has(Run("binload 8000H, 3, in.bin"), "longer than 3 bytes"));
+    EXPECT_TRUE(Has(Run("binload 8000H, 5, in.bin"), "shorter than 5 bytes"));
+    EXPECT_FALSE(Has(Run("binload 8000H, 4, in.bin"), "Warning"));
 }
 
 TEST_F(Transfer, DumpOfANameReadsItsStation)
@@ -276,17 +275,17 @@ TEST_F(Transfer, DumpOfANameReadsItsStation)
     const uint8_t here[] = {0x11}, there[] = {0x33};
     SIM_Poke(target, 1, 0x8102, here, 1);
     SIM_Poke(target, 3, 0x8102, there, 1);
-    EXPECT_NE(Run("dn 3:byMode").find("008102: |   33"), std::string::npos);
-    EXPECT_NE(Run("dn byMode").find("008102: |   11"), std::string::npos);
+    EXPECT_TRUE(Has(Run("dn 3:byMode"), "008102: |   33"));
+    EXPECT_TRUE(Has(Run("dn byMode"), "008102: |   11"));
 }
 
 TEST_F(Transfer, MapsNeedNoPort)
 {
     WriteMap("p.m66");
     ncom = 9; // nothing is there
-    EXPECT_EQ(Run("m p.m66").find("COM9"), std::string::npos);
+    EXPECT_FALSE(Has(Run("m p.m66"), "COM9"));
     EXPECT_EQ(nNodes, 4);
-    EXPECT_NE(Run("hexload none.hex").find("COM9"), std::string::npos);
+    EXPECT_TRUE(Has(Run("hexload none.hex"), "COM9"));
 }
 
 TEST_F(Transfer, NumberFilesThatAreNone)
@@ -312,10 +311,34 @@ TEST_F(Transfer, NamesElsewhereAreRefused)
     const char *const good[] = {"awTable", "\"1: awTable\"", "\"0x8140\""};
     const char *const bad[] = {"&_fGain", "\"2:awTable\"", "\"2:0x8140\""};
     for (const char *name : good)
-        EXPECT_NE(Run(std::string("dump ") + name + ", u1, 1").find("OK!"), std::string::npos);
+        EXPECT_TRUE(Has(Run(std::string("dump ") + name + ", u1, 1"), "OK!"));
     for (const char *name : bad)
         EXPECT_EQ(Run(std::string("write 1, 5, ") + name).find("ERROR - write: Neplatne"), 0u);
     EXPECT_EQ(Peek(0x8140, 1)[0], 0);
+}
+
+// The last byte of a target's memory is a byte like any other; there is none behind it.
+TEST_F(Transfer, EndsWithTheLastByte)
+{
+    WriteFileText("two.csv", "1\n2\n");
+    WriteFileText("two.bin", "ab");
+    const struct {
+        std::string before, behind;
+        const char *fits, *tooFar;
+    } cases[] = {{"save ", ", u2, 2, f", "0FFFFFCH", "0FFFFFDH"},
+                 {"dump ", ", i1, 3", "0FFFFFDH", "0FFFFFEH"},
+                 {"loadcsv ", ", u4, 2, two.csv", "0FFFFF8H", "0FFFFF9H"},
+                 {"binsave ", ", 1, f", "0FFFFFFH", "1000000H"},
+                 {"xsave ", ", 2, f", "0FFFFFEH", "0FFFFFFH"},
+                 {"binload ", ", 2, two.bin", "0FFFFFEH", "0FFFFFFH"},
+                 {"write 4, 1, ", "", "0FFFFFCH", "0FFFFFDH"},
+                 {"set (u2) $", " = 1", "FFFFFE", "FFFFFF"}};
+    for (const auto &c : cases) {
+        EXPECT_NE(Run(c.before + c.fits + c.behind).find("-> OK!"), std::string::npos) << c.before;
+        const uint64_t asked = SIM_GetCounters(target).requests;
+        EXPECT_EQ(Run(c.before + c.tooFar + c.behind).find("ERROR - "), 0u) << c.before;
+        EXPECT_EQ(SIM_GetCounters(target).requests, asked) << c.before;
+    }
 }
 
 } // namespace

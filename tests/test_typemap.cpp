@@ -1,13 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <fstream>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
+#include "support/scratch.h"
 #include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
@@ -49,24 +49,15 @@ const char SHAPES[] = "## 9 VARS\n"
                       "# 4 / 1:\n"
                       " 'self' _@0x38000004\n";
 
-class TypeMaps : public testing::Test {
+class TypeMaps : public ProgramTest {
 protected:
-    void SetUp() override
+    TypeMaps()
     {
-        HL_Reset();
         Procesor = CPU_C167;
-        TMF_CleanTables();
-        FreeNodes(aVarNode, &nNodes);
-        nLItems = 0;
-    }
-    void TearDown() override
-    {
-        SetUp();
-        std::remove(path.c_str());
     }
     int Load(const std::string &text)
     {
-        std::ofstream(path, std::ios::binary) << text;
+        WriteFileText(path, text);
         return TMF_LoadMap(path.c_str());
     }
     std::string With(const std::string &from, const std::string &to)
@@ -74,7 +65,8 @@ protected:
         std::string text = SHAPES;
         return text.replace(text.find(from), from.size(), to);
     }
-    const std::string path = testing::TempDir() + std::to_string(getpid()) + "test.tmf";
+    const ScratchFolder folder;
+    const std::string path = folder.path + "/test.tmf";
 };
 
 TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
@@ -123,7 +115,7 @@ TEST_F(TypeMaps, LoadsWholeOrNotAtAll)
 TEST_F(TypeMaps, ReadsStreamsAndRefusesLongLines)
 {
     auto loadStream = [this](const std::string &text) {
-        std::ofstream(path, std::ios::binary) << text;
+        WriteFileText(path, text);
         const int handle = TXFR_Open(path.c_str());
         const int result = TMF_LoadVarTable(handle) == 0 && TMF_LoadTypeTable(handle) == 0
                                ? TMF_LoadStructTable(handle)

@@ -94,7 +94,6 @@ TEST_F(LinkTest, StationsAndOperationsOfEachProtocol)
 TEST_F(LinkTest, TriesReasonsAndStatistics)
 {
     plug();
-    Mr166_nTimeoutMs = HASTY_MS * 10;
     ASSERT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
     UCM_ResetStatistics();
     uint8_t bytes[8] = {};

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "symbols/addr_name.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
@@ -16,18 +17,11 @@ namespace {
 
 constexpr uint32_t NONE = 0xFFFFFFFFu;
 
-class VarNodes : public testing::Test {
+class VarNodes : public ProgramTest {
 protected:
-    void SetUp() override
+    VarNodes()
     {
-        TMF_CleanTables();
-        FreeNodes(aVarNode, &nNodes);
-        FreeNodes(aVarNode166, &nNodes166);
         Procesor = CPU_C167;
-    }
-    void TearDown() override
-    {
-        SetUp();
     }
     void Fill(const std::vector<std::pair<const char *, uint32_t>> &nodes)
     {

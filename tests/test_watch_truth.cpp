@@ -5,6 +5,7 @@
 #include "app/ini_file.h"
 #include "platform/system.h"
 #include "runtime/view.h"
+#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "watch/list/age.h"
 #include "watch/list/freq_meter.h"
@@ -53,11 +54,6 @@ protected:
         }
         ASSERT_EQ(load(text + more), 0);
         ResetLItemsDisplay();
-    }
-
-    void poke(uint32_t address, uint64_t value, int size, int station = 1)
-    {
-        SIM_Poke(target, station, address, &value, static_cast<size_t>(size));
     }
 
     static std::string status()
@@ -119,14 +115,14 @@ TEST_F(WatchTruth, OldValuesAreGreyAndSayHowOld)
     tick(13);
     EXPECT_EQ(style(0), UIS_DIM);
     EXPECT_EQ(value(0).tip.rfind("Old: read at ", 0), 0u) << value(0).tip;
-    EXPECT_NE(value(0).tip.find(" s ago."), std::string::npos) << value(0).tip;
+    EXPECT_TRUE(Has(value(0).tip, " s ago."));
     EXPECT_EQ(style(3), UIS_NORMAL);
 
     // Another station is selected: what is shown is still the first one's, but for the item
     // that names its own.
     HL_ClickMenu(ITEM_STATION_FIRST + 2);
     EXPECT_EQ(style(3), UIS_DIM);
-    EXPECT_NE(value(3).tip.find("from station 1"), std::string::npos) << value(3).tip;
+    EXPECT_TRUE(Has(value(3).tip, "from station 1"));
     EXPECT_EQ(style(15), UIS_NORMAL);
     tick(13);
     EXPECT_EQ(style(3), UIS_NORMAL);
@@ -139,7 +135,7 @@ TEST_F(WatchTruth, OldValuesAreGreyAndSayHowOld)
     for (const auto &end : ends) {
         end.act();
         EXPECT_EQ(style(3), UIS_DIM) << end.what;
-        EXPECT_NE(value(3).tip.find("before communication was switched off"), std::string::npos);
+        EXPECT_TRUE(Has(value(3).tip, "before communication was switched off"));
         VIR2_StartPeriodicASC();
         tick(12);
         EXPECT_EQ(style(3), UIS_DIM) << "on again, and not read yet: " << end.what;
@@ -165,11 +161,11 @@ TEST_F(WatchTruth, RunNeedsAGoodRead)
     tick(2);
     EXPECT_EQ(status(), "Error");
     EXPECT_EQ(nErrors, 1);
-    EXPECT_NE(value(1).tip.find("outside the target's memory"), std::string::npos);
+    EXPECT_TRUE(Has(value(1).tip, "outside the target's memory"));
     Option_AutoOff = 1;
     tick(2);
     EXPECT_EQ(isTimer, 0);
-    EXPECT_NE(UiText(PANEL_MAIN, MAIN_MESSAGE).find("Away: "), std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_MAIN, MAIN_MESSAGE), "Away: "));
 }
 
 TEST_F(WatchTruth, NumbersThatNobodyReadAreStruckThrough)
@@ -311,7 +307,7 @@ TEST_F(WatchTruth, TheSweepRateIsChosenAndKept)
         SaveIniFile();
         const std::string saved = ReadFileText(path("Vireo2.ini"));
         EXPECT_EQ(saved.find("rate") != std::string::npos, *c.line != '\0') << saved;
-        EXPECT_NE(saved.find(c.line), std::string::npos) << saved;
+        EXPECT_TRUE(Has(saved, c.line));
         const int32_t chosen = Option_nSweepRate;
         Option_nSweepRate = 1;
         OpenIniFile(PANEL_MAIN);
@@ -337,11 +333,11 @@ TEST_F(WatchTruth, CopiesAndSnapshotsReadEveryItem)
     HL_PushAnswer(1, path("list.csv"));
     HL_ClickMenu(ITEM_SNAPSHOT);
     const std::string csv = ReadFileText(path("list.csv"));
-    EXPECT_NE(csv.find("\r\n,0x008000,u,2,500,500,ok\r\n"), std::string::npos) << csv;
-    EXPECT_NE(csv.find("\r\n,0x00804E,u,2,539,539,ok\r\n"), std::string::npos) << csv;
-    EXPECT_NE(csv.find("\r\n2:Other,0x008000,u,8,9833440827789222417,9833440827789222417,ok\r\n"),
-              std::string::npos);
-    EXPECT_NE(csv.find("\r\n7:Absent,0x008000,u,2,,,no answer\r\n"), std::string::npos);
+    EXPECT_TRUE(Has(csv, "\r\n,0x008000,u,2,500,500,ok\r\n"));
+    EXPECT_TRUE(Has(csv, "\r\n,0x00804E,u,2,539,539,ok\r\n"));
+    EXPECT_TRUE(
+        Has(csv, "\r\n2:Other,0x008000,u,8,9833440827789222417,9833440827789222417,ok\r\n"));
+    EXPECT_TRUE(Has(csv, "\r\n7:Absent,0x008000,u,2,,,no answer\r\n"));
 
     // Of several selected lines only those; and none of it when the user cancels.
     poke(0x8000, 77, 2);
@@ -361,10 +357,10 @@ TEST_F(WatchTruth, CopiesAndSnapshotsReadEveryItem)
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_PushAnswer(0);
     HL_ClickMenu(ITEM_COPY_LIST);
-    EXPECT_EQ(HL_GetClipboard().find("\tok\n"), std::string::npos) << HL_GetClipboard();
+    EXPECT_FALSE(Has(HL_GetClipboard(), "\tok\n"));
     // What the cancelled reading had begun has no value; the rest keeps its own.
-    EXPECT_NE(HL_GetClipboard().find("u2\t\tcancelled\n"), std::string::npos);
-    EXPECT_NE(HL_GetClipboard().find("u2\t502\tOld: read at "), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetClipboard(), "u2\t\tcancelled\n"));
+    EXPECT_TRUE(Has(HL_GetClipboard(), "u2\t502\tOld: read at "));
 }
 
 TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)
@@ -422,21 +418,6 @@ TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)
     EXPECT_EQ(color(), COLOR_OLD);
 }
 
-TEST_F(WatchTruth, StatusAndStoppedTakeTurns)
-{
-    const auto isShown = [](int control) {
-        return UiAttribute(PANEL_MAIN, control, ATTR_VISIBLE) != 0;
-    };
-    ASSERT_TRUE(connect());
-    loadItems(1);
-    tick(1);
-    EXPECT_TRUE(isShown(MAIN_STATUS) && !isShown(MAIN_STOPPED));
-    VIR2_StopPeriodicASC();
-    EXPECT_TRUE(!isShown(MAIN_STATUS) && isShown(MAIN_STOPPED));
-    EXPECT_EQ(UiValue(PANEL_MAIN, MAIN_STOPPED), 1);
-    EXPECT_EQ(status(), "");
-}
-
 TEST_F(WatchTruth, FrequencyMeterNeverMixesTwoVariables)
 {
     ASSERT_TRUE(connect());
@@ -480,7 +461,7 @@ TEST_F(WatchTruth, ValuesAreEditedInPlaceAndShownInEitherBase)
     SIM_Peek(target, 1, 0x8000, &word, sizeof word);
     EXPECT_EQ(word, 0) << "the other station is left alone";
     HL_EditCell(PANEL_MAIN, MAIN_LIST, 0, LSV_VALUE, "70000");
-    EXPECT_NE(UiText(PANEL_MAIN, MAIN_MESSAGE).find("0 to 65535"), std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_MAIN, MAIN_MESSAGE), "0 to 65535"));
     HL_EditCell(PANEL_MAIN, MAIN_LIST, 0, LSV_VALUE, "010");
     EXPECT_EQ(value(0).text, "10") << "a leading zero does not make it octal";
 

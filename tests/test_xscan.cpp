@@ -125,20 +125,6 @@ TEST(Xscan, EntryPointsFoldCopyAndAppend)
     EXPECT_STREQ(buffer, "");
 }
 
-TEST(Xscan, LimitsAreDecimalAndSaturate)
-{
-    const char *text = "120x";
-    const char *position = text;
-    EXPECT_EQ(GetLimit(&position), 120);
-    EXPECT_EQ(position, text + 3);
-    EXPECT_EQ(GetLimit(&position), -1);
-    EXPECT_EQ(position, text + 3);
-    position = "2147483647";
-    EXPECT_EQ(GetLimit(&position), INT_MAX);
-    position = "4294967297";
-    EXPECT_EQ(GetLimit(&position), INT_MAX);
-}
-
 // Texts near what a pattern accepts: pieces of its sample with some characters exchanged.
 std::string vary(std::mt19937 &random, const ScanPattern &pattern)
 {

@@ -42,17 +42,18 @@ void ApplyOption(const char *option)
     }
 }
 
-// A number is digits to the end; what is not is taken as far as it goes.
+// Digits to the end, and no more than the program's numbers hold.
 bool IsNumber(const char *text)
 {
-    return *text != '\0' && text[std::strspn(text, "0123456789")] == '\0';
+    const size_t digits = std::strspn(text, "0123456789");
+    return digits > 0 && text[digits] == '\0' && std::strtol(text, nullptr, 10) <= INT_MAX;
 }
 
 // What an option does that its user may not have meant, "" when nothing.
 std::string RemarkOn(const char *option)
 {
     const char letter = option[1];
-    const char *rest = option + 2;
+    const char *rest = option[1] == '\0' ? "" : option + 2;
     const bool isDigit = std::isdigit(static_cast<unsigned char>(letter)) != 0;
     if (isDigit && (letter > '0' + PORT_OPTION_MAX || letter == '0'))
         return "ports are -1 to -4; port 1 is used";

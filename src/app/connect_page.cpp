@@ -117,7 +117,7 @@ void Test()
     if (wasOn)
         VIR2_StopPeriodicASC();
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "Asking...");
-    SetBusyText("waiting for station " + std::to_string(STATION));
+    SetBusyText(COM_WaitingText(STATION));
     std::string text;
     LNT_Test(&text);
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, WRD_Visible(text));

@@ -1,13 +1,11 @@
-// The settings file: one line a setting, key and value parted by a comma. Read once
-// at start, rewritten whole at shutdown. Each key is one row of a table. What the file names
-// but cannot be had now (a drive that is not plugged in) keeps its place in it.
+// The settings file: one line a setting, key and value parted by a comma. Read once at
+// start, rewritten whole at shutdown. What the file names but cannot be had now (a drive that
+// is not plugged in) keeps its place in it.
 #include "app/ini_file.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <vector>
 
+#include "app/ini_keys.h"
 #include "app/window_places.h"
 #include "comm/ucm.h"
 #include "platform/plain_file.h"
@@ -18,270 +16,31 @@
 #include "sets/window.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
-#include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/list_file.h"
-#include "watch/list/list_view.h"
-#include "watch/list/litem.h"
 #include "watch/list/name_changes.h"
-#include "watch/list/refresh.h"
 #include "watch/main_window.h"
-#include "watch/windows/map_loading.h"
 
 namespace {
 
 constexpr size_t LINE_MAX_CHARS = 511;
 constexpr int FIELDS_MAX = 3;
-constexpr int RECENT_READ_MAX = 8; // one more only ever takes the ninth place, uncounted
 constexpr int64_t FILE_SIZE_MAX = 1 << 20;
 constexpr int PORT_MAX = 256;
 constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
-const char RATE_FAST[] = "fast"; // sweeps a second: as the line allows
-
 std::string iniPath; // read at start, written at shutdown
 bool isUnreadable;   // there is a file, and it is not ours to write over
 bool isMissing;      // at start
-
-// The line being read, for what is said about it.
-int lineNumber;
-std::string lineValue; // all that stands behind the key, as it stands
-std::vector<std::string> problems;
-
-// Files that could not be opened, as their lines had them: written again unless another
-// file has taken the place.
-struct KeptFiles {
-    std::string map, tmsMap, types, debugFile;
-};
-KeptFiles kept;
-
-// A number and the line that gave it; the menus may have changed it since.
-struct NumberLine {
-    int line = 0; // 0: no line
-    int32_t value = 0;
-};
-NumberLine baudLine, portLine, stationLine;
-
-struct Word {
-    const char *text;
-    int value;
-};
-constexpr Word PROCESSORS[] = {
-    {"AC166", CPU_C166}, {"AC167", CPU_C167}, {"F283xx", CPU_F283XX}, {"F2803x", CPU_F2803X}};
-constexpr Word PROTOCOLS[] = {{"COM166", PROTOCOL_MR166}, {"MODBUS", PROTOCOL_MODBUS}};
-
-template <size_t N> const Word *FindWord(const Word (&words)[N], const std::string &text)
-{
-    for (const Word &word : words)
-        if (text == word.text)
-            return &word;
-    return nullptr;
-}
-
-template <size_t N> const char *WordOf(const Word (&words)[N], int value)
-{
-    for (const Word &word : words)
-        if (word.value == value)
-            return word.text;
-    return nullptr;
-}
-
-int32_t ToNumber(const std::string &text)
-{
-    const long value = std::strtol(text.c_str(), nullptr, 10);
-    return static_cast<int32_t>(std::clamp<long>(value, INT32_MIN, INT32_MAX));
-}
 
 bool IsFile(const std::string &path)
 {
     PLT_FileStamp stamp;
     return !path.empty() && PLT_GetFileStamp(path, &stamp) == 0;
-}
-
-// Whether a file was read. One that was not is named with the reason, and its line kept.
-bool IsLoaded(const char *what, const std::string &path, int result, std::string *keptLine)
-{
-    if (result >= 0)
-        return true;
-    const char *reason =
-        result == MAP_ERR_NO_SYMBOL ? MAP_ErrorText(result) : PLF_WhyUnreadable(path);
-    problems.push_back(std::string(what) + " '" + WRD_Visible(path) + "' " + reason + ".");
-    *keptLine = lineValue;
-    return false;
-}
-
-// --- keys ---------------------------------------------------------------------------
-
-void ReadProcessor(const std::string &, const std::string &value)
-{
-    if (const Word *word = FindWord(PROCESSORS, value))
-        Procesor = word->value;
-    initRgMap(Procesor);
-}
-
-void ReadProtocol(const std::string &, const std::string &value)
-{
-    if (const Word *word = FindWord(PROTOCOLS, value))
-        VR_nProtocol = static_cast<int16_t>(word->value);
-}
-
-void ReadAutoOff(const std::string &key, const std::string &)
-{
-    Option_AutoOff = key == "o+";
-}
-
-void ReadMapFile(const std::string &, const std::string &path)
-{
-    if (path.empty())
-        return;
-    const bool isTms = IsWordAddressing(Procesor);
-    const int result = isTms ? TMSmap2node(path.c_str()) : map2node(path.c_str());
-    if (!IsLoaded("Map file", path, result, &kept.map))
-        return;
-    szMapFileName = path;
-    GetFileStamp(&szMapFileStamp, path.c_str());
-}
-
-// The stamp is that of the map named before: a reload then sees the new one as changed.
-void ReadTmsMapFile(const std::string &, const std::string &path)
-{
-    if (path.empty() || !IsLoaded("Map file", path, TMSmap2node(path.c_str()), &kept.map))
-        return;
-    GetFileStamp(&szMapFileStamp, szMapFileName.c_str());
-    szMapFileName = path;
-}
-
-void ReadDebugFile(const std::string &, const std::string &path)
-{
-    if (path.empty() || !IsLoaded("Watch list", path, dat2litems(path.c_str()), &kept.debugFile))
-        return;
-    szDebugFileName = path;
-    SetMainPanelTitle();
-    VR_FillDebugItems();
-}
-
-// The map of a TMS320 behind the station. With a TMS320 selected it has no use now: its line
-// waits for the C166.
-void ReadSecondMap(const std::string &, const std::string &path)
-{
-    if (IsWordAddressing(Procesor))
-        kept.tmsMap = lineValue;
-    else if (!path.empty())
-        (void)IsLoaded("Map file", path, TMSmap2node(path.c_str()), &kept.tmsMap);
-}
-
-void ReadTypes(const std::string &, const std::string &path)
-{
-    if (!path.empty())
-        (void)IsLoaded("Type map file", path, TMF_OpenMap(path.c_str()), &kept.types);
-}
-
-void ReadRecent(const std::string &, const std::string &path)
-{
-    if (path.empty()) // a bare key, or a path that is no path
-        return;
-    if (nDebugFileNames < RECENT_READ_MAX)
-        szaDebugFileNames[static_cast<size_t>(nDebugFileNames++)] = path;
-    else
-        szaDebugFileNames[RECENT_READ_MAX] = path;
-}
-
-void ReadBaud(const std::string &, const std::string &value)
-{
-    bRate = ToNumber(value);
-    baudLine = {lineNumber, bRate};
-}
-
-void ReadPort(const std::string &, const std::string &value)
-{
-    ncom = ToNumber(value);
-    portLine = {lineNumber, ncom};
-}
-
-void ReadStation(const std::string &, const std::string &value)
-{
-    STATION = ToNumber(value);
-    stationLine = {lineNumber, STATION};
-}
-
-void ReadDriver(const std::string &, const std::string &value)
-{
-    Option_ComWin32 = value == "WIN32";
-}
-
-void ReadFullCommands(const std::string &, const std::string &)
-{
-    VR_isFullCommandSet = true;
-    VR_isFullOnce = false; // kept, whatever this run's options say
-}
-
-void ReadSweepRate(const std::string &, const std::string &value)
-{
-    const int32_t rate = ToNumber(value);
-    if (value == RATE_FAST)
-        Option_nSweepRate = 0;
-    else if (rate > 0 && RFR_IsRate(rate))
-        Option_nSweepRate = rate;
-}
-
-void ReadEcho(const std::string &, const std::string &)
-{
-    Option_Echo = 1;
-    VR_isEchoOnce = false; // kept, whatever this run's options say
-}
-
-// Shown once the window is there.
-void ReadView(const std::string &, const std::string &value)
-{
-    VR_isWatchView = value == "watch";
-}
-
-void ReadWindow(const std::string &, const std::string &)
-{
-    WPL_ReadWindow(lineValue);
-}
-
-void ReadColumns(const std::string &, const std::string &)
-{
-    WPL_ReadColumns(lineValue);
-}
-
-// Opened with the window that shows it: maps may follow in the file.
-void ReadSetHeader(const std::string &, const std::string &path)
-{
-    CFW_SetHeader(path);
-}
-
-struct Key {
-    const char *key; // '#' stands for a digit from 1
-    bool isPath;
-    void (*read)(const std::string &key, const std::string &value);
-};
-constexpr Key KEYS[] = {
-    {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
-    {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
-    {"m", true, ReadMapFile},        {"mt", true, ReadTmsMapFile},
-    {"d", true, ReadDebugFile},      {"d0", true, ReadDebugFile},
-    {"d#", true, ReadRecent},        {"b", false, ReadBaud},
-    {"p", false, ReadPort},          {"s", false, ReadStation},
-    {"COM", false, ReadDriver},      {"full", false, ReadFullCommands},
-    {"view", false, ReadView},       {"m2", true, ReadSecondMap},
-    {"tm", true, ReadTypes},         {"window", false, ReadWindow},
-    {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
-    {"rate", false, ReadSweepRate},  {"set", true, ReadSetHeader},
-};
-
-const Key *FindKey(const std::string &text)
-{
-    const bool isRecent = text.size() == 2 && text[0] == 'd' && text[1] >= '1' && text[1] <= '9';
-    for (const Key &key : KEYS)
-        if (text == key.key || (isRecent && std::string("d#") == key.key))
-            return &key;
-    return nullptr;
 }
 
 std::string LineText(int line)
@@ -307,20 +66,20 @@ std::string ReadPath(const std::string &line)
                                                                    : noComment;
     if (path.size() < PATH_MAX_CHARS)
         return path;
-    problems.push_back(LineText(lineNumber) + "the path has more than " +
-                       std::to_string(PATH_MAX_CHARS - 1) + " characters.");
+    INI_reading.problems.push_back(LineText(INI_reading.lineNumber) + "the path has more than " +
+                                   std::to_string(PATH_MAX_CHARS - 1) + " characters.");
     return "";
 }
 
 void ApplyLine(const std::string &line)
 {
     const size_t comma = line.find(',');
-    lineValue = comma == std::string::npos ? "" : WRD_Trim(line.substr(comma + 1));
+    INI_reading.lineValue = comma == std::string::npos ? "" : WRD_Trim(line.substr(comma + 1));
     const std::string text = line.substr(0, line.find(';'));
     std::string fields[FIELDS_MAX];
     int count = 0;
     const bool isSplit = parseLine(text.c_str(), FIELDS_MAX, &count, fields) == 1;
-    const Key *key = FindKey(WRD_Trim(text.substr(0, text.find(','))));
+    const INI_Key *key = INI_FindKey(WRD_Trim(text.substr(0, text.find(','))));
     if (!key)
         return;
     if (key->isPath)
@@ -346,7 +105,8 @@ bool ReadLine(std::FILE *file, std::string *line)
 
 // "LINE: what value is outside a to b." when a number of the file is still in force and
 // cannot be meant.
-std::string RangeText(const NumberLine &number, int32_t now, const char *what, int least, int most)
+std::string RangeText(const INI_NumberLine &number, int32_t now, const char *what, int least,
+                      int most)
 {
     if (number.line == 0 || number.value != now || (now >= least && now <= most))
         return "";
@@ -357,8 +117,9 @@ std::string RangeText(const NumberLine &number, int32_t now, const char *what, i
 void ReadLines(std::FILE *file)
 {
     std::string line;
-    for (lineNumber = 1; ReadLine(file, &line); ++lineNumber) {
-        const bool isMarked = lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
+    for (INI_reading.lineNumber = 1; ReadLine(file, &line); ++INI_reading.lineNumber) {
+        const bool isMarked =
+            INI_reading.lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
         ApplyLine(isMarked ? line.substr(3) : line);
     }
 }
@@ -368,9 +129,9 @@ void ShowProblems()
 {
     const std::string range = INI_GetRangeProblem();
     if (!range.empty())
-        problems.push_back(range);
+        INI_reading.problems.push_back(range);
     std::string text;
-    for (const std::string &problem : problems)
+    for (const std::string &problem : INI_reading.problems)
         text += (text.empty() ? "" : " ") + problem;
     if (text.empty())
         return;
@@ -400,19 +161,20 @@ std::string MapToWrite()
 {
     if (openStruct == OPEN_MAP_FILE)
         return szMapFileName;
-    return openStruct == OPEN_NONE ? kept.map : "";
+    return openStruct == OPEN_NONE ? INI_reading.kept.map : "";
 }
 
 std::string SettingsText()
 {
     std::string text;
-    if (const char *word = WordOf(PROCESSORS, Procesor))
+    if (const char *word = INI_ProcessorWord(Procesor))
         AddLine(&text, "r", word);
-    if (const char *word = WordOf(PROTOCOLS, VR_nProtocol))
+    if (const char *word = INI_ProtocolWord(VR_nProtocol))
         AddLine(&text, "t", word);
     text += std::string(Option_AutoOff != 0 ? "o+" : "o-") + END_OF_LINE;
     AddPath(&text, "m", MapToWrite(), "m");
-    AddPath(&text, "d0", szDebugFileName.empty() ? kept.debugFile : szDebugFileName, "d");
+    AddPath(&text, "d0", szDebugFileName.empty() ? INI_reading.kept.debugFile : szDebugFileName,
+            "d");
     for (int i = 0; i < nDebugFileNames; i++)
         AddPath(&text, ("d" + std::to_string(i + 1)).c_str(),
                 szaDebugFileNames[static_cast<size_t>(i)], nullptr);
@@ -424,12 +186,13 @@ std::string SettingsText()
         text += std::string("full") + END_OF_LINE;
     if (VR_isWatchView)
         AddLine(&text, "view", "watch");
-    AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : kept.tmsMap, nullptr);
-    AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : kept.types, nullptr);
+    AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : INI_reading.kept.tmsMap,
+            nullptr);
+    AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : INI_reading.kept.types, nullptr);
     AddPath(&text, "set", CFW_GetHeader(), nullptr);
     if (Option_nSweepRate != 1)
         AddLine(&text, "rate",
-                Option_nSweepRate == 0 ? RATE_FAST : std::to_string(Option_nSweepRate));
+                Option_nSweepRate == 0 ? INI_RATE_FAST : std::to_string(Option_nSweepRate));
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
     return text + WPL_Lines("window", "columns", END_OF_LINE);
@@ -451,10 +214,8 @@ int OpenIniFile(int)
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
     const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
     iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;
-    kept = KeptFiles();
+    INI_reading = INI_Reading();
     WPL_Forget();
-    baudLine = portLine = stationLine = NumberLine();
-    problems.clear();
     std::FILE *file = nullptr;
     const int result = PLF_Open(iniPath, FILE_SIZE_MAX, &file);
     PLT_FileStamp stamp;
@@ -464,8 +225,8 @@ int OpenIniFile(int)
         ReadLines(file);
         std::fclose(file);
     } else if (isUnreadable) {
-        problems.push_back("Settings file '" + iniPath + "' " + PLF_ErrorText(result) +
-                           ": the settings will not be saved.");
+        INI_reading.problems.push_back("Settings file '" + iniPath + "' " + PLF_ErrorText(result) +
+                                       ": the settings will not be saved.");
     }
     if (Option_ComWin32 != 0)
         UCM_UseWin32(1);
@@ -484,9 +245,10 @@ std::string INI_GetRangeProblem()
 {
     const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : STATION_MAX;
     std::string text;
-    for (const std::string &problem : {RangeText(baudLine, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
-                                       RangeText(portLine, ncom, "port", 1, PORT_MAX),
-                                       RangeText(stationLine, STATION, "station", 0, stations)})
+    for (const std::string &problem :
+         {RangeText(INI_reading.baud, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
+          RangeText(INI_reading.port, ncom, "port", 1, PORT_MAX),
+          RangeText(INI_reading.station, STATION, "station", 0, stations)})
         text += (text.empty() || problem.empty() ? "" : " ") + problem;
     return text;
 }

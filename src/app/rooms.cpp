@@ -50,7 +50,7 @@ void Warn(const std::string &title, const std::string &text)
 // While the line is silent the window says for whom the program waits.
 void ShowWaiting(int station)
 {
-    SetBusyText("waiting for station " + std::to_string(station));
+    SetBusyText(COM_WaitingText(station));
 }
 
 bool MayReplace(const std::string &path)

@@ -163,3 +163,8 @@ bool VR_EnsureCom()
     VR_ComRequest();
     return isTimer != 0;
 }
+
+std::string COM_WaitingText(int station)
+{
+    return "waiting for station " + std::to_string(station);
+}

@@ -32,4 +32,7 @@ void VIR2_SetStation(int station);
 // After a change of port, baud rate or the like: opens the link anew if communication is on.
 void VR_Reopen();
 
+// "waiting for station 9", for whoever watches a program that waits on the line.
+std::string COM_WaitingText(int station);
+
 #endif

@@ -14,6 +14,23 @@
 constexpr size_t FAIL_CAUSES_MAX = 64; // further causes are counted together
 extern const char *const FAIL_OTHER_CAUSES;
 
+// What every protocol on the line may have to say; each stands in the causes by these words.
+constexpr char FAIL_NO_ANSWER[] = "no answer";
+constexpr char FAIL_CUT[] = "answer damaged (too short)";
+constexpr char FAIL_COUNT[] = "answer has another number of bytes than asked for";
+constexpr char FAIL_GONE[] = "port is gone";
+constexpr char FAIL_NOT_SENT[] = "request could not be sent";
+constexpr char FAIL_NOT_OPEN[] = "port is not open";
+constexpr char FAIL_NOT_AVAILABLE[] = "port is not available";
+constexpr char FAIL_NO_SETTINGS[] = "port settings could not be read";
+constexpr char FAIL_SETTINGS_REFUSED[] = "port settings were refused";
+constexpr char FAIL_BAD_PORT[] = "bad port number";
+constexpr char FAIL_WRONG_STATION[] = "wrong station in the answer";
+constexpr char FAIL_TARGET_ERROR[] = "target error code"; // its number behind it
+constexpr char FAIL_ECHO[] = "The line echoes what is sent: switch Win32 services off.";
+// Behind the result in the trace.
+constexpr char FAIL_ECHO_SEEN[] = " (echo of the request seen)";
+
 struct FAIL_Cause {
     std::string text;
     uint32_t count = 0; // stops at the maximum

@@ -25,6 +25,19 @@ const ProtocolRow &RowOf(int protocol)
     return protocol == PROTOCOL_MODBUS ? PROTOCOL_ROWS[1] : PROTOCOL_ROWS[0];
 }
 
+// Reading a register can act (a receive buffer is emptied, a flag cleared): these are read
+// when they are asked for and never because they lie between others. Byte addresses.
+struct RegisterRow {
+    bool isWordAddressing;
+    GRP_Range range;
+};
+constexpr RegisterRow REGISTER_ROWS[] = {
+    {false, {0xEF00, 0xF1FF}}, // CAN, extended registers
+    {false, {0xFE00, 0xFFFF}}, // registers
+    {true, {0x1000, 0x3FFF}},  // peripheral frame 0
+    {true, {0xA000, 0xFFFF}},  // peripheral frames 1 to 3
+};
+
 uint64_t ExchangeChars(const GRP_Wire &wire, uint32_t count)
 {
     return wire.exchange + uint64_t{(count + wire.unit - 1) / wire.unit} * wire.unitChars;
@@ -113,6 +126,17 @@ GRP_Wire GRP_ReadWire(int protocol)
 GRP_Wire GRP_WriteWire(int protocol)
 {
     return RowOf(protocol).write;
+}
+
+GRP_Rules GRP_ReadRules(int processor)
+{
+    GRP_Rules rules;
+    const bool isWordAddressing = IsWordAddressing(processor);
+    rules.align = isWordAddressing ? 2 : 1;
+    for (const RegisterRow &row : REGISTER_ROWS)
+        if (row.isWordAddressing == isWordAddressing)
+            rules.noGaps.push_back(row.range);
+    return rules;
 }
 
 uint64_t GRP_CountChars(const GRP_Wire &wire, uint32_t count)

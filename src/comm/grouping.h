@@ -46,6 +46,10 @@ struct GRP_Rules {
     uint32_t align = 1;   // blocks of several items begin and end at multiples: 2 for words
 };
 
+// For reading a target with this processor (settings/settings.h): registers are left alone
+// unless they are asked for, and words stay whole.
+GRP_Rules GRP_ReadRules(int processor);
+
 // The cheapest blocks that cover every item, by station and address. An item larger than
 // `spanMax` is a block by itself, with what lies within it. Items may overlap and lie in any order.
 std::vector<GRP_Block> GRP_Plan(const std::vector<GRP_Item> &items, const GRP_Wire &wire,

@@ -12,6 +12,7 @@ namespace {
 constexpr int PROBES_FOR_UNKNOWN = 3;
 constexpr size_t RECENT_PROBES_MAX = 16;
 constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
+constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
 
 STEP_Listener listener;
 int lastPartner = -1;
@@ -172,6 +173,17 @@ void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs)
     book = STEP_Partner();
     book.calmAt = line->disturbed;
     book.provenMs = nowMs;
+}
+
+bool STEP_IsSuspicious(STEP_Line *line, int partner, uint32_t nowMs)
+{
+    if (line->disturbed != line->disturbedSeen) {
+        line->disturbedSeen = line->disturbed;
+        line->suspiciousSinceMs = nowMs;
+        line->isSuspicious = true;
+    }
+    line->isSuspicious = line->isSuspicious && nowMs - line->suspiciousSinceMs < SUSPICION_MS;
+    return line->isSuspicious || nowMs - PartnerOf(line, partner).provenMs >= PROOF_PERIOD_MS;
 }
 
 STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes, size_t count)

@@ -39,6 +39,8 @@ struct STEP_Line {
     uint32_t surplus = 0;   // grows when more answers came than were asked for
     uint32_t random = 1;
     std::vector<STEP_Shape> recentProbes; // of any partner; a repeated one must not prove again
+    uint32_t disturbedSeen = 0, suspiciousSinceMs = 0; // when something odd was last noticed
+    bool isSuspicious = false;
 };
 
 // The port was opened: anything may come from any partner, such as the answer to a program
@@ -70,6 +72,10 @@ void STEP_Junk(STEP_Line *line, int partner, uint32_t answers);
 bool STEP_HaveAllCome(const STEP_Line &line, int partner);
 // Nothing came for a whole time-out: the proof that is left when no probe is answered.
 void STEP_WasSilent(STEP_Line *line, int partner, uint32_t nowMs);
+
+// Whether what was read should be proven before it is used: after something odd everything
+// for ten seconds, on a good line once a second.
+bool STEP_IsSuspicious(STEP_Line *line, int partner, uint32_t nowMs);
 
 // A probe that no open answer and no recent probe can be taken for, out of `count`
 // shapes. When all are in use the one used longest ago.

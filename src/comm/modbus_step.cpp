@@ -2,6 +2,7 @@
 
 #include "comm/in_step.h"
 #include "comm/modbus.h"
+#include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/trace.h"
 
@@ -13,13 +14,8 @@ namespace {
 
 typedef std::vector<uint8_t> Bytes;
 
-constexpr size_t CRC_BYTES = 2, EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8;
-constexpr size_t NOISE_MAX = 4;    // more bytes than that may have been an answer
-constexpr size_t HEARD_MAX = 4096; // of one wait: a line that never stops talking
-constexpr uint8_t EXCEPTION_BIT = 0x80;
-constexpr int TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB;
-constexpr int FUNCTION_SHIFT = 24;
-constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
+constexpr size_t NOISE_MAX = 4;      // more bytes than that may have been an answer
+constexpr size_t HEARD_MAX = 4096;   // of one wait: a line that never stops talking
 constexpr int SLOW_ATTEMPTS = 4;     // time-outs that the proof of a slow slave may take
 constexpr int PROBES_MAX = 16;       // on a line that adds a byte to every answer there is no end
 constexpr int SILENCE_WAITS_MAX = 8; // time-outs after which a chattering line is given up
@@ -31,64 +27,17 @@ Bytes heard;                     // bytes of the present wait, not yet sorted in
 int probesLeft = 0;              // of one proof
 int probeFault = 0;              // why the prober gave up
 
-uint32_t disturbedSeen = 0, suspiciousSinceMs = 0; // when something odd was last noticed
-bool isSuspicious = false;
-
 STEP_Partner &PartnerOf(int slave)
 {
     return book.partners[static_cast<size_t>(slave)];
 }
 
-unsigned WordAt(const uint8_t *bytes)
-{
-    return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
-}
-
-bool IsConfirmed(int function)
-{
-    return function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE;
-}
-
-bool IsRead(int function)
-{
-    return (function >= MBM_FN_COILS && function <= MBM_FN_INPUT_REGISTERS) ||
-           function == MBM_FN_READ_WRITE;
-}
-
-// --- shapes -------------------------------------------------------------------------------
-
-STEP_Shape ReadShape(int function, size_t dataBytes)
-{
-    return static_cast<STEP_Shape>(function) << FUNCTION_SHIFT | static_cast<STEP_Shape>(dataBytes);
-}
-
-// Place and low byte of the quantity or value, which the answer repeats.
-STEP_Shape WriteShape(const uint8_t *frame)
-{
-    return static_cast<STEP_Shape>(frame[1]) << FUNCTION_SHIFT | WordAt(frame + 2) << 8 | frame[5];
-}
-
-STEP_Shape ShapeOfRequest(const uint8_t *frame)
-{
-    const int function = frame[1];
-    const size_t quantity = WordAt(frame + 4);
-    if (IsConfirmed(function))
-        return WriteShape(frame);
-    const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
-    return ReadShape(function, isBits ? (quantity + 7) / 8 : 2 * quantity);
-}
-
-STEP_Shape ShapeOfAnswer(const uint8_t *frame)
-{
-    return IsConfirmed(frame[1]) ? WriteShape(frame) : ReadShape(frame[1], frame[2]);
-}
-
 // An exception tells its function only: it answers the oldest open request of that.
 STEP_Shape ShapeOfException(const uint8_t *frame)
 {
-    const unsigned function = frame[1] & ~static_cast<unsigned>(EXCEPTION_BIT);
+    const unsigned function = frame[1] & ~static_cast<unsigned>(MBF_EXCEPTION_BIT);
     for (const STEP_Open &open : book.partners[frame[0]].open) {
-        if (open.shape >> FUNCTION_SHIFT == function)
+        if (open.shape >> MBF_FUNCTION_SHIFT == function)
             return open.shape;
     }
     return 0;
@@ -96,31 +45,10 @@ STEP_Shape ShapeOfException(const uint8_t *frame)
 
 STEP_Shape ShapeOf(const uint8_t *frame)
 {
-    return (frame[1] & EXCEPTION_BIT) != 0 ? ShapeOfException(frame) : ShapeOfAnswer(frame);
+    return (frame[1] & MBF_EXCEPTION_BIT) != 0 ? ShapeOfException(frame) : MBF_ShapeOfAnswer(frame);
 }
 
 // --- sorting bytes into frames ----------------------------------------------------------------
-
-// Length of the answer that begins like this; 0 when none does, SIZE_MAX when that cannot be
-// told yet.
-size_t AnswerLength(const uint8_t *bytes, size_t count)
-{
-    if (count < 2)
-        return SIZE_MAX;
-    if ((bytes[1] & EXCEPTION_BIT) != 0)
-        return EXCEPTION_BYTES;
-    if (IsConfirmed(bytes[1]))
-        return CONFIRMATION_BYTES;
-    if (!IsRead(bytes[1]))
-        return 0;
-    return count < 3 ? SIZE_MAX : 3u + bytes[2] + CRC_BYTES;
-}
-
-bool IsSound(const uint8_t *frame, size_t length)
-{
-    const uint8_t *crc = frame + length - CRC_BYTES;
-    return MBM_GetCRC(frame, length - CRC_BYTES) == (crc[0] | static_cast<unsigned>(crc[1]) << 8);
-}
 
 // The next sound answer in `heard`, which then begins with it. Its length, or 0. What may be
 // the beginning of one is kept unless `isAll` says that no more comes. *noise grows by the
@@ -129,10 +57,10 @@ size_t NextAnswer(bool isAll, size_t *noise)
 {
     for (size_t at = 0; at < heard.size(); ++at) {
         const size_t rest = heard.size() - at;
-        const size_t length = AnswerLength(heard.data() + at, rest);
+        const size_t length = MBF_AnswerLength(heard.data() + at, rest);
         const bool isWhole = length > 0 && length <= rest;
         const bool isUnfinished = length > rest && !isAll;
-        if (!isUnfinished && !(isWhole && IsSound(heard.data() + at, length)))
+        if (!isUnfinished && !(isWhole && MBF_IsSound(heard.data() + at, length)))
             continue;
         *noise += at;
         heard.erase(heard.begin(), heard.begin() + static_cast<std::ptrdiff_t>(at));
@@ -231,44 +159,6 @@ Wait Listen(const uint8_t *sent, size_t count, size_t *length, Wanted isWanted)
 
 // --- probes -------------------------------------------------------------------------------------
 
-constexpr STEP_Shape ProbeShape(unsigned registers)
-{
-    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << FUNCTION_SHIFT | 2 * registers;
-}
-
-// Short reads that are not among the usual sizes of variables.
-constexpr STEP_Shape PROBE_SHAPES[] = {
-    ProbeShape(3),  ProbeShape(5),  ProbeShape(6),  ProbeShape(7),  ProbeShape(9),  ProbeShape(10),
-    ProbeShape(11), ProbeShape(12), ProbeShape(13), ProbeShape(14), ProbeShape(15), ProbeShape(17),
-    ProbeShape(18), ProbeShape(19), ProbeShape(20), ProbeShape(21), ProbeShape(22), ProbeShape(23),
-    ProbeShape(24), ProbeShape(25), ProbeShape(26), ProbeShape(27), ProbeShape(28), ProbeShape(29),
-    ProbeShape(30), ProbeShape(31), ProbeShape(33), ProbeShape(34), ProbeShape(35), ProbeShape(36)};
-
-// A read of memory from address 0 on, where reading does no harm.
-Bytes BuildProbe(int slave, STEP_Shape shape)
-{
-    const auto registers = static_cast<uint8_t>((shape & 0xFFFF) / 2);
-    Bytes frame = {static_cast<uint8_t>(slave),
-                   MBM_FN_READ_WRITE,
-                   0xFF,
-                   0x00,
-                   0,
-                   registers,
-                   0xFF,
-                   0xFD,
-                   0,
-                   2,
-                   4,
-                   0,
-                   0,
-                   0,
-                   0};
-    const uint16_t crc = MBM_GetCRC(frame.data(), frame.size());
-    frame.push_back(static_cast<uint8_t>(crc));
-    frame.push_back(static_cast<uint8_t>(crc >> 8));
-    return frame;
-}
-
 int FaultOf(Wait wait)
 {
     constexpr int FAULTS[] = {
@@ -283,7 +173,7 @@ int Probe(int slave, STEP_Shape shape)
         probeFault = MBM_FAULT_STEP;
         return -1;
     }
-    const Bytes frame = BuildProbe(slave, shape);
+    const Bytes frame = MBF_BuildProbe(slave, shape);
     if (TRC_isOn)
         MBMTRC_Begin(frame.data(), frame.size(), true);
     STEP_Sent(&book, slave, shape, true);
@@ -305,7 +195,7 @@ int Probe(int slave, STEP_Shape shape)
     return wait == Wait::GONE || wait == Wait::ECHO ? -1 : 0;
 }
 
-const STEP_Prober PROBER = {PROBE_SHAPES, sizeof PROBE_SHAPES / sizeof *PROBE_SHAPES, Probe};
+const STEP_Prober PROBER = {MBF_aProbeShapes, MBF_cnProbeShapes, Probe};
 
 // Books what waits before a request goes out: the line's way of saying that it is out of step.
 int SortWaiting(int slave)
@@ -329,10 +219,7 @@ int ProveBySilence(int slave)
             return MBM_FAULT_GONE;
         if (got > 0)
             continue;
-        STEP_Partner &partner = PartnerOf(slave);
-        partner = STEP_Partner();
-        partner.calmAt = book.disturbed;
-        partner.provenMs = MBM_line->nowMs();
+        STEP_WasSilent(&book, slave, MBM_line->nowMs());
         return 0;
     }
     return MBM_FAULT_STEP;
@@ -346,19 +233,12 @@ int FaultOfProof(int slave, int result)
     return result == STEP_ERR_SILENT ? static_cast<int>(MBM_EX_SILENT) : probeFault;
 }
 
-bool IsTunnel(const uint8_t *frame)
-{
-    const unsigned start = WordAt(frame + (frame[1] == MBM_FN_READ_WRITE ? 6 : 2));
-    return (frame[1] == MBM_FN_WRITE || frame[1] == MBM_FN_READ_WRITE) &&
-           (start == TUNNEL_EVEN || start == TUNNEL_ODD);
-}
-
 // An answer to either sending answers the request; it was in step when it went out first.
 bool IsRepetition(int slave)
 {
     const Bytes &last = lastFrames[slave];
     const STEP_Partner &partner = PartnerOf(slave);
-    return partner.unknown == 0 && !partner.open.empty() && last.size() > CRC_BYTES &&
+    return partner.unknown == 0 && !partner.open.empty() && last.size() > MBF_CRC_BYTES &&
            last.size() == static_cast<size_t>(MBM_cnLastSend) &&
            std::equal(last.begin(), last.end(), MBM_abySnd);
 }
@@ -372,8 +252,6 @@ void MBMSTEP_Opened()
     for (Bytes &frame : lastFrames)
         frame.clear();
     heard.clear();
-    disturbedSeen = 0;
-    isSuspicious = false;
 }
 
 int MBMSTEP_Ready()
@@ -382,10 +260,10 @@ int MBMSTEP_Ready()
     const int gone = SortWaiting(slave);
     if (gone != 0)
         return gone;
-    const STEP_Shape shape = ShapeOfRequest(MBM_abySnd);
+    const STEP_Shape shape = MBF_ShapeOfRequest(MBM_abySnd);
     if (STEP_IsSafe(book, slave, shape) || IsRepetition(slave))
         return 0;
-    if (!IsTunnel(MBM_abySnd))
+    if (!MBF_IsTunnel(MBM_abySnd))
         return ProveBySilence(slave);
     const int attempts = isSlow[slave] ? SLOW_ATTEMPTS : 1;
     probesLeft = PROBES_MAX;
@@ -394,7 +272,7 @@ int MBMSTEP_Ready()
 
 void MBMSTEP_Sent()
 {
-    STEP_Sent(&book, MBM_abySnd[0], ShapeOfRequest(MBM_abySnd), false);
+    STEP_Sent(&book, MBM_abySnd[0], MBF_ShapeOfRequest(MBM_abySnd), false);
     lastFrames[MBM_abySnd[0]].assign(MBM_abySnd, MBM_abySnd + MBM_cnLastSend);
 }
 
@@ -405,7 +283,7 @@ bool MBMSTEP_IsCalm()
 
 int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault)
 {
-    const STEP_Shape shape = ShapeOfRequest(MBM_abySnd);
+    const STEP_Shape shape = MBF_ShapeOfRequest(MBM_abySnd);
     size_t length = 0;
     const auto count = static_cast<size_t>(MBM_cnLastSend);
     const Wait wait = Listen(MBM_abySnd, count, &length, [shape](const uint8_t *answer) {
@@ -430,15 +308,15 @@ void MBMSTEP_Answered()
     const int slave = MBM_abySnd[0];
     isSlow[slave] = PartnerOf(slave).open.size() > 1;
     const bool wasDue = PartnerOf(slave).isProofDue;
-    STEP_Accepted(&book, slave, ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
+    STEP_Accepted(&book, slave, MBF_ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
     // A device without memory to probe has no proof but its being in step.
-    if (!IsTunnel(MBM_abySnd))
+    if (!MBF_IsTunnel(MBM_abySnd))
         PartnerOf(slave).isProofDue = wasDue;
 }
 
 void MBMSTEP_Refused()
 {
-    STEP_Passed(&book, MBM_abySnd[0], ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
+    STEP_Passed(&book, MBM_abySnd[0], MBF_ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
 }
 
 void MBMSTEP_Odd(const uint8_t *bytes, size_t count)
@@ -455,14 +333,7 @@ bool MBMSTEP_IsProofDue(int slave)
 
 bool MBMSTEP_IsSuspicious(int slave)
 {
-    const uint32_t now = MBM_line->nowMs();
-    if (book.disturbed != disturbedSeen) {
-        disturbedSeen = book.disturbed;
-        suspiciousSinceMs = now;
-        isSuspicious = true;
-    }
-    isSuspicious = isSuspicious && now - suspiciousSinceMs < SUSPICION_MS;
-    return isSuspicious || now - PartnerOf(slave).provenMs >= PROOF_PERIOD_MS;
+    return STEP_IsSuspicious(&book, slave, MBM_line->nowMs());
 }
 
 int MBMSTEP_ProveBehind(int slave, int attempts)

@@ -1,4 +1,5 @@
 // The Modbus master in words: faults for the user, frames for the wire trace.
+#include "comm/failures.h"
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
 #include "comm/trace.h"
@@ -14,24 +15,24 @@ struct FaultText {
 };
 constexpr FaultText FAULT_TEXTS[] = {
     {0, "answered"},
-    {MBM_EX_SILENT, "no answer"},
+    {MBM_EX_SILENT, FAIL_NO_ANSWER},
     {MBM_EX_FOREIGN, "answer of another slave or function"},
     {MBM_EX_CRC, "answer damaged (CRC of an exception)"},
-    {MBM_EX_COUNT, "answer has another number of bytes than asked for"},
+    {MBM_EX_COUNT, FAIL_COUNT},
     {MBM_EX_PART, "answer damaged (incomplete, CRC, or another write confirmed)"},
-    {MBM_FAULT_CUT, "answer damaged (too short)"},
-    {MBM_FAULT_GONE, "port is gone"},
-    {MBM_FAULT_SEND, "request could not be sent"},
+    {MBM_FAULT_CUT, FAIL_CUT},
+    {MBM_FAULT_GONE, FAIL_GONE},
+    {MBM_FAULT_SEND, FAIL_NOT_SENT},
     {MBM_FAULT_ECHO, "the line echoes what is sent: switch two-wire line echoes on"},
     {MBM_FAULT_NO_ECHO, "the line does not echo what is sent: switch two-wire line echoes off"},
-    {MBM_FAULT_CLOSED, "port is not open"},
+    {MBM_FAULT_CLOSED, FAIL_NOT_OPEN},
     {MBM_FAULT_ARGUMENT, "bad Modbus function or quantity"},
     {MBM_FAULT_SLAVE, "bad slave address (1 to 250)"},
     {MBM_FAULT_STEP, "the line does not come to rest"},
-    {MBM_ERR_OPEN, "port is not available"},
-    {MBM_ERR_GET, "port settings could not be read"},
-    {MBM_ERR_SET, "port settings were refused"},
-    {MBM_ERR_PORT, "bad port number"},
+    {MBM_ERR_OPEN, FAIL_NOT_AVAILABLE},
+    {MBM_ERR_GET, FAIL_NO_SETTINGS},
+    {MBM_ERR_SET, FAIL_SETTINGS_REFUSED},
+    {MBM_ERR_PORT, FAIL_BAD_PORT},
 };
 
 // What a slave means by the exception codes 1 to 11.
@@ -217,7 +218,7 @@ void MBMTRC_End(bool isEchoSkipped, int fault)
     current.result = MBM_ErrorText(fault);
     const size_t echo = isEchoSkipped ? current.sent.count : 0u;
     if (isEchoSkipped)
-        current.result += " (echo of the request seen)";
+        current.result += FAIL_ECHO_SEEN;
     if (current.received.count >= echo + 5) {
         // What passed on the wire until then is no gap.
         const size_t passed = firstBytes + (echo > 0 ? 0 : current.sent.count);

@@ -1,4 +1,5 @@
 // The mr166 link in words: results for the user, requests and answers for the trace.
+#include "comm/failures.h"
 #include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
@@ -13,26 +14,26 @@ struct ErrorText {
 };
 constexpr ErrorText ERROR_TEXTS[] = {
     {0, "answered"},
-    {MR166_ERR_SHORT, "answer damaged (too short)"},
+    {MR166_ERR_SHORT, FAIL_CUT},
     {MR166_ERR_START, "answer damaged (start character)"},
     {MR166_ERR_END, "answer damaged (end character)"},
     {MR166_ERR_HEX, "answer damaged (not hexadecimal)"},
     {MR166_ERR_CHECK, "answer damaged (check value)"},
-    {MR166_ERR_STATION, "wrong station in the answer"},
+    {MR166_ERR_STATION, FAIL_WRONG_STATION},
     {MR166_ERR_COMMAND, "wrong command in the answer"},
     {MR166_ERR_LENGTH, "answer damaged (length)"},
-    {MR166_ERR_TIMEOUT, "no answer"},
+    {MR166_ERR_TIMEOUT, FAIL_NO_ANSWER},
     {MR166_ERR_ARGUMENT, "bad station, command, address or count"},
-    {MR166_ERR_CLOSED, "port is not open"},
-    {MR166_ERR_OPEN_NI, "port is not available"},
-    {MR166_ERR_OPEN, "port is not available"},
-    {MR166_ERR_GET, "port settings could not be read"},
-    {MR166_ERR_SET, "port settings were refused"},
-    {MR166_ERR_PORT, "bad port number"},
-    {MR166_FAULT_GONE, "port is gone"},
-    {MR166_FAULT_SEND, "request could not be sent"},
-    {MR166_FAULT_ECHO, "The line echoes what is sent: switch Win32 services off."},
-    {MR166_FAULT_COUNT, "answer has another number of bytes than asked for"},
+    {MR166_ERR_CLOSED, FAIL_NOT_OPEN},
+    {MR166_ERR_OPEN_NI, FAIL_NOT_AVAILABLE},
+    {MR166_ERR_OPEN, FAIL_NOT_AVAILABLE},
+    {MR166_ERR_GET, FAIL_NO_SETTINGS},
+    {MR166_ERR_SET, FAIL_SETTINGS_REFUSED},
+    {MR166_ERR_PORT, FAIL_BAD_PORT},
+    {MR166_FAULT_GONE, FAIL_GONE},
+    {MR166_FAULT_SEND, FAIL_NOT_SENT},
+    {MR166_FAULT_ECHO, FAIL_ECHO},
+    {MR166_FAULT_COUNT, FAIL_COUNT},
     {MR166_FAULT_CANCELLED, "cancelled"},
     {MR166_FAULT_SURPLUS, "answers come more than once"},
     {MR166_FAULT_MISSING, "port is not available: no such device"},
@@ -98,7 +99,7 @@ std::string MrASC_ErrorText(int code)
             return row.text;
     }
     if (code <= -MR166_TARGET_ERROR_MIN)
-        return "target error code " + std::to_string(-code);
+        return FAIL_TARGET_ERROR + (" " + std::to_string(-code));
     return "error " + std::to_string(code);
 }
 
@@ -123,7 +124,7 @@ void MrTRC_End(bool isAnswerChecked, bool isEchoSeen)
     current.isGood = !isAnswerChecked || Mr166_nFault == 0;
     current.result = isAnswerChecked ? MrASC_ErrorText(Mr166_nFault) : "sent, answer not checked";
     if (isEchoSeen)
-        current.result += " (echo of the request seen)";
+        current.result += FAIL_ECHO_SEEN;
     if (isAnswerChecked && isAnswerShown && current.isGood && cnRcvData > 0)
         current.answer = HexList(Mr166_abyRcvData, cnRcvData);
     TRC_Add(current);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "comm/ucm.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
 
@@ -187,4 +188,14 @@ int WriteQuickSysNRef(const char *name, const void *data, uint32_t size)
 {
     const uint32_t address = QuickRefNearPtrVar(name);
     return address == ADDR_NONE ? -1 : UCM_Write(STATION, address, size, data);
+}
+
+std::string ADR_UnknownText(const std::string &what)
+{
+    return "'" + what + "' is no address, and no loaded map knows such a name.";
+}
+
+std::string ADR_StationText()
+{
+    return "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
 }

@@ -234,6 +234,15 @@ void UCM_GetStatistics(UCM_Statistics *statistics)
               std::begin(statistics->errors));
 }
 
+UCM_Cause UCM_CauseSince(const UCM_Statistics &before)
+{
+    UCM_Statistics now;
+    UCM_GetStatistics(&now);
+    if (now.damaged != before.damaged)
+        return UCM_CAUSE_REFUSED;
+    return now.timeouts != before.timeouts ? UCM_CAUSE_SILENT : UCM_CAUSE_OTHER;
+}
+
 void UCM_ResetStatistics()
 {
     statisticsBase = CountAll();

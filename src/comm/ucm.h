@@ -94,6 +94,14 @@ struct UCM_Statistics {
     PLT_Date since;                     // local time of the last reset, or of UCM_Init
 };
 void UCM_GetStatistics(UCM_Statistics *statistics);
+// What kind of failure there was since these were taken. To ask more of a silent station only
+// costs time-outs; what was refused may be had in another way.
+enum UCM_Cause {
+    UCM_CAUSE_SILENT,  // nobody answered
+    UCM_CAUSE_REFUSED, // an answer came, but no good one
+    UCM_CAUSE_OTHER    // neither: the port is closed or gone, or somebody broke off
+};
+UCM_Cause UCM_CauseSince(const UCM_Statistics &before);
 void UCM_ResetStatistics(); // also clears the error counters and the causes of failures.h
 
 #endif

@@ -10,9 +10,9 @@
 namespace {
 
 // Failures that mean: bytes came. Parts of what FAIL_Note is given.
-constexpr const char *BYTES_CAME[] = {"damaged", "wrong station", "wrong command", "another"};
+constexpr const char *BYTES_CAME[] = {"damaged", FAIL_WRONG_STATION, "wrong command", "another"};
 // ... and: a station has understood and refuses.
-constexpr const char *REFUSALS[] = {"target error code", "exception"};
+constexpr const char *REFUSALS[] = {FAIL_TARGET_ERROR, "exception"};
 
 std::string Who()
 {
@@ -54,9 +54,7 @@ LNT_Result Ask(std::string *text)
         return LNT_ANSWERS;
     }
     if (UCM_IsEchoing()) {
-        *text = VR_nProtocol == PROTOCOL_MODBUS
-                    ? "The line echoes what is sent."
-                    : "The line echoes what is sent: switch Win32 services off.";
+        *text = VR_nProtocol == PROTOCOL_MODBUS ? "The line echoes what is sent." : FAIL_ECHO;
         return LNT_ECHO;
     }
     if (cause == "cancelled") {

@@ -125,16 +125,10 @@ bool SometimesDamaged(const Figures &f)
     return f.damaged > 0 && f.counts.answered > 0;
 }
 
-template <const char *const &Cause> bool Seen(const Figures &)
+template <const char *Cause> bool Seen(const Figures &)
 {
     return FAIL_CountOf(Cause) > 0;
 }
-
-constexpr const char *ECHO_SEEN = "The line echoes";
-constexpr const char *WRONG_STATION = "wrong station";
-constexpr const char *TARGET_ERROR = "target error code";
-constexpr const char *NOT_AVAILABLE = "port is not available";
-constexpr const char *IS_GONE = "port is gone";
 
 struct Advice {
     bool (*applies)(const Figures &figures);
@@ -143,10 +137,11 @@ struct Advice {
 constexpr Advice ADVICE[] = {
     {NothingSent, "Nothing has been sent since then: is communication on?"},
     {NoFailure, "Every message was answered."},
-    {Seen<NOT_AVAILABLE>, "The port could not be opened: wrong port number, another program has "
-                          "it, or no permission to use it."},
-    {Seen<IS_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
-    {Seen<ECHO_SEEN>, "The line echoes what is sent: switch Win32 services off. (Options menu; the "
+    {Seen<FAIL_NOT_AVAILABLE>,
+     "The port could not be opened: wrong port number, another program has "
+     "it, or no permission to use it."},
+    {Seen<FAIL_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
+    {Seen<FAIL_ECHO>, "The line echoes what is sent: switch Win32 services off. (Options menu; the "
                       "run-time driver skips the echo of a two-wire line.)"},
     {NeverAnswered, "There was never an answer: check port, cable and supply of the target, then "
                     "station and baud rate."},
@@ -155,10 +150,10 @@ constexpr Advice ADVICE[] = {
                        "baud rate."},
     {SometimesSilent, "Some requests get no answer: an item may name a station that is not there; "
                       "else a loose contact or a busy target."},
-    {Seen<WRONG_STATION>, "An answer came from another station than asked: check the station "
-                          "numbers on the bus."},
-    {Seen<TARGET_ERROR>, "The target refuses some requests: the line is good, the address or "
-                         "command is not."},
+    {Seen<FAIL_WRONG_STATION>, "An answer came from another station than asked: check the station "
+                               "numbers on the bus."},
+    {Seen<FAIL_TARGET_ERROR>, "The target refuses some requests: the line is good, the address or "
+                              "command is not."},
 };
 
 std::string AdviceText(const Figures &figures)

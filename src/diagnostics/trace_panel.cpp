@@ -276,7 +276,7 @@ int TRP_SaveCB(int, int, int event, int)
         VAL_NO_FILE_SELECTED)
         return 0;
     if (WriteFile(path, text) < 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
     return 0;
 }
 

@@ -1,6 +1,7 @@
 // Both readers walk the file with the same parser; they differ in what stops them.
 #include "loader/hex_stream.h"
 
+#include "comm/failures.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "loader/ihex_line.h"
@@ -113,7 +114,7 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
 {
     cause.clear();
     if (!wMrOpenFlag)
-        return Stop(HEXS_ERR_CLOSED, 0, "port is not open", nullptr);
+        return Stop(HEXS_ERR_CLOSED, 0, FAIL_NOT_OPEN, nullptr);
     const int textFile = TXFR_Open(path.c_str());
     if (textFile < 0)
         return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);

@@ -27,11 +27,11 @@ constexpr uint8_t TEST_BYTES[] = {0x00, 0x00, 0xFF, 0xFF};
 
 constexpr const char *FAULT_TEXTS[] = {
     "done",
-    "port is not open",
+    FAIL_NOT_OPEN,
     "not a block the loader can carry",
-    "port is gone",
-    "request could not be sent",
-    "no answer",
+    FAIL_GONE,
+    FAIL_NOT_SENT,
+    FAIL_NO_ANSWER,
     "answer broke off",
     "wrong check sum",
     "wrong answer",

@@ -31,8 +31,9 @@ int LDR_ReadMemory(uint32_t address, uint32_t count, std::vector<uint8_t> *bytes
                    const LDR_Progress &progress);
 
 // --- in words ---------------------------------------------------------------------------
-std::string LDR_GetResultText(const LDR_Job &job); // how the last run ended
-std::string LDR_GetFlashText(const LDR_Job &job);  // what the flash holds and what to do
+constexpr char LDR_EQUAL[] = "read back and equal"; // in texts and in the bar
+std::string LDR_GetResultText(const LDR_Job &job);  // how the last run ended
+std::string LDR_GetFlashText(const LDR_Job &job);   // what the flash holds and what to do
 // To be asked before erasing: names port, file and range.
 std::string LDR_GetQuestion(const LDR_Job &job, int port);
 const char *LDR_GetStepText(int step); // "Erase"

@@ -47,8 +47,7 @@ std::string FormatPart(const LDR_Job &job)
     return Format(
         "The flash holds the file up to 0x%06X, %s. What lies behind may be there in part."
         " Programming can go on from there.",
-        block.address + block.length - 1u,
-        job.verified > 0 ? "read back and equal" : "not read back");
+        block.address + block.length - 1u, job.verified > 0 ? LDR_EQUAL : "not read back");
 }
 
 } // namespace

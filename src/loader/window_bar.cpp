@@ -1,5 +1,7 @@
 #include "loader/window_bar.h"
 
+#include "loader/program.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -14,7 +16,7 @@ struct State {
 };
 constexpr State WAITING = {UIS_DIM, "to be written"};
 constexpr State WRITTEN = {UIS_NORMAL, "written, not read back"};
-constexpr State VERIFIED = {UIS_GOOD, "read back and equal"};
+constexpr State VERIFIED = {UIS_GOOD, LDR_EQUAL};
 
 // What is known of the flash counts, not how far the last run came: after a failure much of
 // it may be of no use.

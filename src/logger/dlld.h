@@ -30,6 +30,7 @@ struct DLLD_Host {
 };
 void DLLD_SetHost(const DLLD_Host &host);
 const DLLD_Host &DLLD_GetHost();
+std::string DLLD_BadHeaderText(const std::string &name); // "Bad log header (NAME)."
 void DLLD_ErrorMessage(const char *title, const std::string &text);
 bool DLLD_IsCancelled(); // the last reading ended because the user cancelled it
 

@@ -202,7 +202,7 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
             break;
     }
     if (result == LOG_DAMAGED)
-        DLLD_ErrorMessage("Read error", "Bad log header (" + name + ").");
+        DLLD_ErrorMessage("Read error", DLLD_BadHeaderText(name));
     if (result == LOG_CHANGED)
         DLLD_ErrorMessage("Read error", "The log changes while it is read (" + name + ").");
     if (result == LOG_READ)
@@ -271,6 +271,11 @@ void DLLD_SetHost(const DLLD_Host &newHost)
 const DLLD_Host &DLLD_GetHost()
 {
     return host;
+}
+
+std::string DLLD_BadHeaderText(const std::string &name)
+{
+    return "Bad log header (" + name + ").";
 }
 
 void DLLD_ErrorMessage(const char *title, const std::string &text)

@@ -7,8 +7,6 @@
 
 #include <string>
 
-constexpr int LGW_PAGE_LINES = 5000;
-
 // What the ring of types offers beside the types themselves (0 to 255).
 enum LGW_Types { LGW_ALL_BUT_JUNK = -1, LGW_ALL = -2 };
 

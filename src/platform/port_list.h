@@ -25,4 +25,9 @@ enum {
 };
 int PTL_Use(const std::string &device, int *number);
 
+// Gives the device this very number, whoever had it. 0 or PTL_ERR_WRITE; nothing is changed
+// then. Only where PTL_CanAssign: elsewhere the system numbers its ports.
+int PTL_Assign(const std::string &device, int number);
+bool PTL_CanAssign();
+
 #endif

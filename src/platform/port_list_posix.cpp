@@ -166,3 +166,13 @@ int PTL_Use(const std::string &device, int *number)
     *number = wanted;
     return 0;
 }
+
+int PTL_Assign(const std::string &device, int number)
+{
+    return WriteLink(number, device) ? 0 : PTL_ERR_WRITE;
+}
+
+bool PTL_CanAssign()
+{
+    return !PLT_ConfigDir().empty();
+}

@@ -3,26 +3,57 @@
 
 #include <windows.h>
 
+// After windows.h, which declares what these use.
+#include <devguid.h>
+#include <setupapi.h>
+
 #include <cstdlib>
+#include <map>
 
 namespace {
 
-constexpr DWORD TARGET_MAX = 512;
+constexpr DWORD TEXT_MAX = 512;
+
+// By name ("COM5"): what the device manager calls it, "USB Serial Port (COM5)", without the name.
+std::map<std::string, std::string> ReadFriendlyNames()
+{
+    std::map<std::string, std::string> names;
+    const HDEVINFO devices =
+        SetupDiGetClassDevsA(&GUID_DEVCLASS_PORTS, nullptr, nullptr, DIGCF_PRESENT);
+    if (devices == INVALID_HANDLE_VALUE)
+        return names;
+    SP_DEVINFO_DATA device = {};
+    device.cbSize = sizeof device;
+    for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device); i++) {
+        char text[TEXT_MAX] = "";
+        if (!SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_FRIENDLYNAME, nullptr,
+                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1, nullptr))
+            continue;
+        const std::string friendly = text;
+        const size_t begin = friendly.rfind(" (COM"), end = friendly.rfind(')');
+        if (begin != std::string::npos && end != std::string::npos && end > begin)
+            names[friendly.substr(begin + 2, end - begin - 2)] = friendly.substr(0, begin);
+    }
+    SetupDiDestroyDeviceInfoList(devices);
+    return names;
+}
 
 } // namespace
 
 std::vector<PTL_Port> PTL_List()
 {
+    const std::map<std::string, std::string> names = ReadFriendlyNames();
     std::vector<PTL_Port> ports;
     for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
-        char target[TARGET_MAX];
+        char target[TEXT_MAX];
         const std::string name = "COM" + std::to_string(number);
-        if (QueryDosDeviceA(name.c_str(), target, TARGET_MAX) == 0)
+        if (QueryDosDeviceA(name.c_str(), target, TEXT_MAX) == 0)
             continue;
         PTL_Port port;
         port.number = number;
         port.device = name;
-        port.description = target;
+        const auto friendly = names.find(name);
+        port.description = friendly != names.end() ? friendly->second : target;
         ports.push_back(port);
     }
     return ports;
@@ -40,4 +71,15 @@ int PTL_Use(const std::string &device, int *number)
         return PTL_ERR_MISSING;
     *number = wanted;
     return 0;
+}
+
+// The system's numbers are the program's.
+int PTL_Assign(const std::string &, int)
+{
+    return PTL_ERR_WRITE;
+}
+
+bool PTL_CanAssign()
+{
+    return false;
 }

@@ -62,6 +62,11 @@ void RemoveStale(const fs::path &folder, const std::string &stem)
 
 } // namespace
 
+std::string SAF_FailureText(const std::string &path)
+{
+    return "Could not write the file " + path + ".";
+}
+
 void SAF_SetQuestion(SAF_Question question)
 {
     mayReplace = question;

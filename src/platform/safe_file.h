@@ -23,6 +23,8 @@ int SAF_Open(SafeFile *safe, const std::string &path, const char *mode);
 void SAF_PutText(std::FILE *file, const std::string &text);
 // Flushes, closes and renames. 0, or -1: the old file is untouched and the new one removed.
 int SAF_Commit(SafeFile *safe);
+// "Could not write the file NAME.", for whoever tells the user that one of these failed.
+std::string SAF_FailureText(const std::string &path);
 // Gives up: the old file stays as it was.
 void SAF_Cancel(SafeFile *safe);
 

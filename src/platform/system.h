@@ -23,6 +23,8 @@ struct PLT_Date {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0, millisecond = 0;
 };
 void PLT_LocalTime(PLT_Date *now);
+// The system's clock: milliseconds since 1970 in UTC. It may be set, also back.
+int64_t PLT_UtcMs();
 
 // Starts a program with its arguments and does not wait for it. Arguments are parted by
 // blanks; single and double quotes keep blanks together. No shell is involved: nothing
@@ -56,7 +58,8 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to);
 // The file that writing to `path` would change, behind links. 0 with *real (also when there
 // is no such file yet), or -1 when `path` is something else than a plain file.
 int PLT_ResolveFile(const std::string &path, std::string *real);
-int PLT_SyncFile(std::FILE *file); // waits until the disk has it. 0, or -1
+int PLT_Seek(std::FILE *file, int64_t offset); // from its start, also beyond 2 GB. 0, or -1
+int PLT_SyncFile(std::FILE *file);             // waits until the disk has it. 0, or -1
 // Opens a plain file for binary reading without waiting for anything. 0 with its size in
 // bytes, -1: cannot be opened, -2: a folder, device or pipe.
 int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size);

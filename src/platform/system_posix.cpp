@@ -63,6 +63,13 @@ int PLT_GetFileStamp(const std::string &path, PLT_FileStamp *stamp)
     return 0;
 }
 
+int64_t PLT_UtcMs()
+{
+    struct timespec wall;
+    clock_gettime(CLOCK_REALTIME, &wall);
+    return static_cast<int64_t>(wall.tv_sec) * 1000 + wall.tv_nsec / 1000000;
+}
+
 void PLT_LocalTime(PLT_Date *now)
 {
     struct timespec wall;
@@ -178,6 +185,11 @@ int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
     }
     *size = status.st_size;
     return 0;
+}
+
+int PLT_Seek(std::FILE *file, int64_t offset)
+{
+    return fseeko(file, static_cast<off_t>(offset), SEEK_SET) == 0 ? 0 : -1;
 }
 
 int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)

@@ -72,6 +72,15 @@ int PLT_GetFileStamp(const std::string &path, PLT_FileStamp *stamp)
     return 0;
 }
 
+int64_t PLT_UtcMs()
+{
+    constexpr int64_t FROM_1601_TO_1970_MS = 11644473600000;
+    FILETIME wall; // in units of 100 ns
+    GetSystemTimeAsFileTime(&wall);
+    const uint64_t units = static_cast<uint64_t>(wall.dwHighDateTime) << 32 | wall.dwLowDateTime;
+    return static_cast<int64_t>(units / 10000) - FROM_1601_TO_1970_MS;
+}
+
 void PLT_LocalTime(PLT_Date *now)
 {
     SYSTEMTIME local;
@@ -201,6 +210,11 @@ int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
 }
 
 // An open file cannot be deleted here: that is the lock.
+int PLT_Seek(std::FILE *file, int64_t offset)
+{
+    return _fseeki64(file, offset, SEEK_SET) == 0 ? 0 : -1;
+}
+
 int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)
 {
     *file = nullptr;

@@ -194,7 +194,8 @@ int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments);
 // --- graphs ---------------------------------------------------------------------------
 // A graph holds curves (plots), two cursors and two marks. The numbers of a plot are handed
 // over once and shared, never copied: nobody may change them afterwards. x rises; a NaN in y
-// is a gap. What the user does to the graph comes as EVENT_VAL_CHANGED.
+// is a gap. Plots of one pane share a vertical axis; how the panes lie is the user's choice.
+// What the user does to the graph comes as EVENT_VAL_CHANGED.
 typedef std::shared_ptr<const std::vector<double>> UI_Samples;
 struct UI_Plot {
     int handle = 0; // PlotXY's
@@ -203,8 +204,18 @@ struct UI_Plot {
     int color = -1; // 0xRRGGBB as on a light ground; -1 = by its place
     bool isDashed = false;  // a curve to compare with
     bool isVisible = true;  // the user may hide and show it in the legend
+    int pane = 0;           // from 0 to GRAPH_PANES_MAX - 1
+    double low = 0, high = 0; // of y, found when it is handed over; low > high: gaps alone
 };
-enum { GRAPH_CURSORS = 2, GRAPH_PLOTS_MAX = 64 };
+enum { GRAPH_CURSORS = 2, GRAPH_PLOTS_MAX = 64, GRAPH_PANES_MAX = 32 };
+enum UI_GraphLayout {
+    GRAPH_TOGETHER, // one vertical axis for all: pane 0
+    GRAPH_OVERLAID, // the panes over each other, each with its own axis
+    GRAPH_STACKED,  // the panes one under the other
+};
+struct UI_Limits {
+    double min = 0, max = 1;
+};
 struct UI_Cursor {
     bool isShown = false;
     int plot = 0;   // handle of the plot it stands on
@@ -215,19 +226,32 @@ struct UI_Cursor {
 struct UI_Mark {
     bool isShown = false;
     double value = 0;
+    int pane = 0; // of a level
+};
+// A line with a text where something happened.
+struct UI_Note {
+    double x = 0;
+    std::string text;
 };
 struct UI_GraphView {
-    bool isFitted = true; // shows everything there is; the limits follow the plots
-    double xMin = 0, xMax = 1, yMin = 0, yMax = 1;
+    // Fitted limits show everything there is and follow the plots.
+    bool isXFitted = true, isYFitted = true;
+    bool isFollowing = false; // x.max is the newest sample's; the width stays
+    UI_Limits x, y[GRAPH_PANES_MAX];
+    UI_GraphLayout layout = GRAPH_TOGETHER;
     UI_Cursor cursors[GRAPH_CURSORS];
     UI_Mark level, position;
     std::vector<int> hidden; // handles
 };
 struct UI_GraphAxes {
     std::string xLabel, yLabel;
+    bool isTime = false; // x in seconds, shown as hours, minutes and seconds
+    bool isLive = false; // curves grow: the user may follow the newest sample
+    std::vector<UI_Note> notes = {};
 };
 // The new plot's handle, from 1. UIE_BAD_INDEX: x and y differ in length, or too many plots.
 int PlotXY(int panel, int control, const UI_Plot &plot);
+// Leaves the view to the user: only fitted and following limits move.
 int ReplacePlot(int panel, int control, int handle, const UI_Plot &plot);
 int DeleteGraphPlot(int panel, int control, int handle); // 0 = all
 int GetGraphPlots(int panel, int control, std::vector<UI_Plot> *plots);

@@ -14,10 +14,12 @@
 
 struct REC_Options {
     std::string path;
-    bool mayReplace = false;    // an existing file
-    uint64_t rotateBytes = 0;   // a new file when this one would grow beyond; 0: never
-    uint32_t rotateMinutes = 0; // or after so long
-    int periodMs = 0;           // for the head: 0 as fast as the line allows
+    bool mayReplace = false;        // an existing file
+    bool isStamped = false;         // a time stamp in the name of the first file, too
+    uint64_t rotateBytes = 0;       // a new file when this one would grow beyond; 0: never
+    uint32_t rotateMinutes = 0;     // or after so long
+    int periodMs = 0;               // for the head: 0 as fast as the line allows
+    int64_t (*utcMs)() = PLT_UtcMs; // the clock that can be set
 };
 
 struct REC_Recorder {
@@ -31,11 +33,14 @@ struct REC_Recorder {
     std::FILE *file = nullptr;
     std::vector<SMP_Item> items;
     std::vector<uint8_t> states; // of each item in the last row
-    int64_t originUs = 0;        // steady clock at the start: time 0
-    int64_t originUtcMs = 0;     // the same moment in UTC
-    int64_t fileUs = 0, flushedUs = 0, clockCheckedUs = 0, lastUs = 0;
-    int offsetMinutes = 0; // of local time against UTC, at the start
-    int64_t clockOffMs = 0;
+    int64_t originUs = 0;        // steady clock at time 0
+    int64_t originUtcMs = 0;     // the same moment by the system's clock, as it is set now
+    int64_t startUtcMs = 0;      // and as it was set then
+    int offsetMinutes = 0;       // of local time against UTC
+    int64_t fileUs = 0;          // when this file began
+    bool isAllFailed = false;    // the last row had no value at all
+    int64_t secondUtc = -1;      // whose text is in `secondText`
+    std::string secondText, zoneText;
     std::string buffer;
 };
 
@@ -49,7 +54,8 @@ enum {
 int REC_Open(REC_Recorder *recorder, const REC_Options &options, const std::vector<SMP_Item> &items,
              int64_t nowUs);
 // One row, in the order of the items; samples that failed are empty cells, and the first of
-// them is preceded by a line with the reason. 0 or REC_ERR_WRITE; nothing when it is not open.
+// them is preceded by a line with the reason. Of rows without any value the first is written. 0 or
+// REC_ERR_WRITE; nothing when it is not open.
 int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples,
                const SMP_Store &store);
 // A line "; TIME, kind, text" between the rows: a gap, a marker, a trigger. 0 or REC_ERR_WRITE.

@@ -5,6 +5,8 @@
 #ifndef SAMPLER_RECORDING_H
 #define SAMPLER_RECORDING_H
 
+#include "sampler/csv_table.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -27,6 +29,7 @@ struct RDR_Stretch {
     int64_t offset = 0; // of its first row, in bytes
     uint64_t rows = 0;
     double timeMin = 0, timeMax = 0;
+    double dayOffset = 0, clockBefore = 0; // of a clock without a date, in front of it
 };
 constexpr size_t RDR_STRETCHES_MAX = 65536;
 
@@ -41,14 +44,14 @@ struct RDR_Recording {
     bool isCut = false;                  // the last line is not whole
 
     // The rest is the reader's own.
+    bool isOurs = false;
     std::vector<RDR_Stretch> stretches;
     uint64_t rowsPerStretch = 1;
     std::vector<float> least, greatest; // stretch after stretch, a number a column; NaN: none
-    char separator = ',', decimal = '.';
-    size_t timeColumn = 0, cells = 0;
-    double timeScale = 1, timeOrigin = 0;
-    int timeForm = 0;
+    CVT_Table table;
     std::vector<size_t> cellOf; // column -> cell
+    double origin = 0;          // time in the file that is shown as 0
+    int64_t end = 0;            // of what was gone through, in bytes
 };
 
 enum {
@@ -64,12 +67,14 @@ int RDR_Open(const std::string &path, RDR_Recording *recording, std::string *pro
              RDR_Progress progress = nullptr, void *context = nullptr);
 
 // Curves of the columns over a time: row by row when that is not more than `pointsMax` points,
-// else least and greatest by turns. NaN where there is no value. All columns have the same times.
+// else least and greatest by turns. NaN where there is no value. All columns have the same
+// times; rows close to the time asked for may be with them.
 struct RDR_Curves {
     std::vector<double> times;
     std::vector<std::vector<double>> values; // one a wanted column
     bool isDecimated = false;
 };
+// 0 or RDR_ERR_OPEN: the file is gone, or RDR_ERR_CANCELLED.
 int RDR_Read(const RDR_Recording &recording, double from, double to,
              const std::vector<size_t> &columns, size_t pointsMax, RDR_Curves *curves,
              RDR_Progress progress = nullptr, void *context = nullptr);

@@ -12,6 +12,7 @@
 #define SAMPLER_SAMPLER_H
 
 #include "comm/grouping.h"
+#include "comm/ucm.h"
 #include "sampler/sample_store.h"
 
 #include <cstdint>
@@ -30,7 +31,7 @@ struct SMP_Line {
     int (*prove)();                                                 // as UCM_Prove
     uint32_t (*doubts)();                                           // as UCM_CountDoubts
     std::string (*failure)(); // why the last read or proof failed
-    bool (*wasSilent)();      // the last read failed because nobody answered
+    UCM_Cause (*cause)();     // of the last read that failed
     uint64_t (*nowUs)();      // a steady clock
 };
 extern const SMP_Line SMP_LINE; // the unified layer and the system's clock
@@ -78,13 +79,16 @@ struct SMP_Sampler {
     int periodMs = SMP_FAST;
     int protocol = 0, processor = 0; // that the plan was made for
     std::vector<GRP_Block> plan;
-    std::vector<uint8_t> isAlone; // items that must not share a block
+    std::vector<uint8_t> isAlone; // items that must not share a block for a while
+    uint64_t togetherUs = 0;      // when they may again, 0: none is alone
+    uint64_t apartUs = 0;         // how long that lasted the last time
     std::vector<SMP_Station> stations;
     size_t next = 0; // block of the plan
     uint64_t startUs = 0, dueUs = 0, provenUs = 0;
     uint32_t doubts = 0;
     std::vector<SMP_Sample> row; // being read
-    uint64_t rowFirstUs = 0, rowLastUs = 0;
+    bool isInRow = false, isAnyAsked = false;
+    uint64_t rowFirstUs = 0;
     std::vector<SMP_Sample> held; // rows that wait for their proof, one behind the other
     std::vector<int64_t> heldTimesUs;
     std::vector<SMP_Sample> previous; // last good counts of rates

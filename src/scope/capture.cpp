@@ -1,8 +1,8 @@
 #include "scope/capture.h"
 
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
-#include "scope/scope_v3.h"
 #include "text/csv_row.h"
 #include "text/txfr.h"
 #include "text/words.h"
@@ -187,6 +187,17 @@ bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
     return true;
 }
 
+// Of a file that was cut the last line does not count: half a number is another number.
+bool EndsWithLine(const std::string &path)
+{
+    std::FILE *file = nullptr;
+    if (PLF_Open(path, PLF_ANY_SIZE, &file) != PLF_OK)
+        return false;
+    const int last = std::fseek(file, -1, SEEK_END) == 0 ? std::fgetc(file) : EOF;
+    std::fclose(file);
+    return last == '\n' || last == '\r';
+}
+
 } // namespace
 
 SCP_Capture SCP_MakeCapture(const SCP_Setup &setup)
@@ -194,8 +205,8 @@ SCP_Capture SCP_MakeCapture(const SCP_Setup &setup)
     SCP_Capture capture;
     capture.id = SX_szPrefix;
     capture.taken = Now();
-    capture.rate = SX_ffFscpUpload / SX_wSubPdUpload;
-    capture.subPd = SX_wSubPdUpload;
+    capture.rate = SX_ffFscpUpload / setup.subPd;
+    capture.subPd = setup.subPd;
     capture.mode = setup.mode;
     capture.slope = setup.slope;
     capture.level = setup.level;
@@ -204,11 +215,14 @@ SCP_Capture SCP_MakeCapture(const SCP_Setup &setup)
     // So many samples follow the one at which it triggered.
     capture.triggerAt = SX_isSnapped ? 0 : SX_nVz - 1 - static_cast<int>(behind);
     const size_t rows = SX_nCh > 0 ? static_cast<size_t>(SX_cnData / SX_nCh) : 0;
+    bool isSecondSlot = false; // of the channel before: not by the types set since
     for (int number = 1; number <= SX_nCh; ++number) {
         const SCP_ChannelSetup &channel = setup.channels[static_cast<size_t>(number - 1)];
         const bool isX4 = SX_IsX4(channel.type);
         const bool hasValues = !isX4 || (SX_nVer == 3 && number < SX_nCh);
-        if (!channel.isOn || !hasValues || (SX_nVer == 3 && S3_IsChannelBlocked(number)))
+        const bool isBlocked = isSecondSlot && SX_nVer == 3;
+        isSecondSlot = isX4 && !isBlocked;
+        if (!channel.isOn || !hasValues || isBlocked)
             continue;
         SCP_Trace trace = {channel.place,  channel.unit,   channel.type,
                            channel.factor, channel.offset, {}};
@@ -243,6 +257,7 @@ int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture)
 
 int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *problem)
 {
+    const bool isWhole = EndsWithLine(path);
     const int file = TXFR_Open(path.c_str());
     if (file < 0) {
         *problem = "Could not open " + path;
@@ -250,10 +265,13 @@ int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *
     }
     SCP_Capture loaded;
     std::vector<TraceNotes> notes;
-    std::string line, key, value;
+    std::string line, next, key, value;
     size_t number = 0, rows = 0;
-    bool isGood = true;
-    while (isGood && TXFR_RdNewLine(file, &line, -1) >= 0) {
+    bool isGood = true, hasLine = TXFR_RdNewLine(file, &line, -1) >= 0;
+    while (isGood && hasLine) {
+        hasLine = TXFR_RdNewLine(file, &next, -1) >= 0;
+        if (!hasLine && !isWhole)
+            break;
         ++number;
         if (number == 1)
             isGood = line == FIRST_LINE;
@@ -263,8 +281,9 @@ int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *
             isGood = ParseColumns(line, notes, &loaded);
         else if (SplitHeadLine(line, &key, &value))
             isGood = ParseHeadLine(key, value, &loaded, &notes);
+        line.swap(next);
     }
-    if (!isGood)
+    if (hasLine)
         TXFR_Close(file);
     if (!isGood || rows == 0) {
         *problem = path + ": line " + std::to_string(number) + " is not of a scope recording";

@@ -27,8 +27,8 @@ struct SCP_Capture {
 
 constexpr int CAPTURE_SAMPLES_MAX = 100000; // a row each; more in a file is refused
 
-// From the last upload, by the setup it was made with. Channels that are off, blocked or
-// without values are left out.
+// From the last upload, by the setup it was run with (SCP_GetRunSetup). Channels that are off,
+// blocked or without values are left out.
 SCP_Capture SCP_MakeCapture(const SCP_Setup &setup);
 // Seconds from the trigger to sample `index`.
 double SCP_TimeOf(const SCP_Capture &capture, size_t index);

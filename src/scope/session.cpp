@@ -46,6 +46,12 @@ constexpr Driver DRIVERS[] = {
      SetLevelV3, S3_SetChAddr, S3_ReadData},
 };
 
+SCP_Setup told;          // to the target, part by part
+SCP_Setup ran;           // what the recording there was, or is being, made with
+bool hasRun = false;     // `ran` means something
+bool isUnderWay = false; // what is told now changes the recording
+int runStation = -1;
+
 const Driver &Current()
 {
     return DRIVERS[SX_nVer == 3 ? 1 : 0];
@@ -56,6 +62,19 @@ int Say(const SCP_View &view, const std::string &text, int result)
     if (view.status != nullptr)
         view.status(text);
     return result;
+}
+
+void NoteTold()
+{
+    if (isUnderWay)
+        ran = told;
+}
+
+void NoteRun()
+{
+    ran = told;
+    hasRun = isUnderWay = true;
+    runStation = STATION;
 }
 
 int FindGeneration()
@@ -87,6 +106,10 @@ int SCP_Init(SCP_Setup *setup, const SCP_View &view)
         return Say(view, "Init error (1).", SX_CANCELLED);
     setup->id = id;
     SX_szPrefix = id;
+    // The same scope still holds what it was run for; of another one nothing is known.
+    hasRun = hasRun && ran.id == id && runStation == STATION;
+    isUnderWay = false;
+    told = *setup;
     Say(view, "Init in progress ...", 0);
     const int result = FindGeneration();
     if (result < 0)
@@ -127,6 +150,8 @@ int SCP_SetChannels(const SCP_Setup &setup, const SCP_View &view)
             return Say(view, text, -1);
         }
     }
+    told.channels = setup.channels;
+    NoteTold();
     return Say(view, "Channel addresses set.", 0);
 }
 
@@ -141,6 +166,11 @@ int SCP_SetTrigger(const SCP_Setup &setup, const SCP_View &view)
         return Say(view, "Error (trigger level not set/3).", -1);
     if (Current().setPosition(setup.position) < 0)
         return Say(view, "Error (trigger position not set).", -1);
+    told.mode = setup.mode;
+    told.slope = setup.slope;
+    told.level = setup.level;
+    told.position = setup.position;
+    NoteTold();
     return Say(view, "Trigger level set.", 0);
 }
 
@@ -152,6 +182,8 @@ int SCP_SetSubPeriod(const SCP_Setup &setup, const SCP_View &view)
     if (!SX_isInitDone || (!isFixed && Current().setSubPeriod(period) < 0))
         return Say(view, "Error (Sub-sampling not set).", -1);
     SX_wSubPd = period;
+    told.subPd = setup.subPd;
+    NoteTold();
     return Say(view, "Sub-sampling set.", 0);
 }
 
@@ -167,6 +199,7 @@ int SCP_Run(const SCP_View &view)
     if (!SX_isInitDone || Current().run() < 0)
         return Say(view, "Error (run).", -1);
     SX_isSnapped = 0;
+    NoteRun();
     return Say(view, "Run mode.", 0);
 }
 
@@ -175,6 +208,8 @@ int SCP_Snap(const SCP_View &view)
     if (!SX_isInitDone || Current().force() < 0)
         return Say(view, "Snap error.", -1);
     SX_isSnapped = 1;
+    if (!isUnderWay)
+        NoteRun();
     return Say(view, "Snapped.", 0);
 }
 
@@ -201,5 +236,11 @@ SCP_State SCP_GetState()
     int16_t control = 0;
     if (!SX_isInitDone || Current().readControl(&control) < 0)
         return SCP_UNKNOWN;
+    isUnderWay = isUnderWay && control != 0;
     return control < 0 ? SCP_ARMED : control > 0 ? SCP_TRIGGERED : SCP_COMPLETE;
+}
+
+const SCP_Setup &SCP_GetRunSetup()
+{
+    return hasRun ? ran : told;
 }

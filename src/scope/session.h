@@ -37,6 +37,9 @@ int SCP_Snap(const SCP_View &view); // does not wait for the trigger
 // 0, or what S3_ReadData says; SX_awData and the records hold the samples then.
 int SCP_Upload(const SCP_View &view);
 SCP_State SCP_GetState();
+// What the recording in the target was run with, whatever has been set since: with it an upload
+// is labelled. Before the first run what the target was told last.
+const SCP_Setup &SCP_GetRunSetup();
 
 // The trigger's slope argument that compares as channel 1's type does.
 int SCP_SlopeOf(int type);

@@ -1,6 +1,7 @@
 #include "scope/window.h"
 
 #include "comm/communication.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/session.h"
@@ -195,7 +196,7 @@ bool Upload()
     progressBox = 0;
     if (result < 0)
         return false;
-    const SCP_Capture fresh = SCP_MakeCapture(setup);
+    const SCP_Capture fresh = SCP_MakeCapture(SCP_GetRunSetup());
     if (fresh.traces.empty()) {
         ShowStatus("No channel is on.");
         return false;
@@ -269,7 +270,7 @@ void SaveSetup()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_SaveSetup(path, setup) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 void OpenData(SCP_Capture *into)
@@ -293,7 +294,7 @@ void SaveData()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_SaveCapture(path, capture) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 } // namespace
@@ -339,7 +340,6 @@ void DTSC_Opened()
 {
     SetCtrlCompletion(PANEL_SCOPE, SCOPE_PLACE, NCM_CompleteCB);
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_TIMER, ATTR_INTERVAL, LOOK_PERIOD_S);
-    SetGraphAxes(PANEL_SCOPE, SCOPE_GRAPH, {"time [s], 0 = trigger", ""});
     IsFound();
     ShowSetup();
     SCW_ShowCurves(setup, capture, reference);
@@ -528,6 +528,15 @@ int DTSC_FileCB(int, int control, int event, int)
         OpenData(&reference);
         break;
     }
+    return 0;
+}
+
+int DTSC_ShownCB(int, int control, int event, int)
+{
+    if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
+        return 0;
+    SCW_ChooseSpectrum(IntOf(control));
+    SCW_ShowCurves(setup, capture, reference);
     return 0;
 }
 

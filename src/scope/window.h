@@ -26,6 +26,7 @@ int DTSC_OnTriggerMode(int panel, int control, int event, int data); // mode, le
 int DTSC_OnSubPd(int panel, int control, int event, int data);
 int DTSC_GraphCB(int panel, int control, int event, int data);
 int DTSC_FileCB(int panel, int control, int event, int data);
+int DTSC_ShownCB(int panel, int control, int event, int data);
 int DTSC_TimerCB(int panel, int control, int event, int data);
 
 #endif

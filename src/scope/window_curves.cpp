@@ -2,6 +2,7 @@
 
 #include "runtime/userint.h"
 #include "scope/measure.h"
+#include "scope/spectrum.h"
 #include "ui/resource.h"
 
 #include <algorithm>
@@ -10,29 +11,98 @@
 
 namespace {
 
-std::vector<int> handles;                 // of the recording's curves, in their order
 SCP_ChannelSetup triggerChannel;          // as it was scaled when the marks were drawn
 double shownLevel = 0, shownPosition = 0; // as the graph has them
+int spectrumOf = -1;                      // trace; -1: the curves are shown
 
-UI_Samples TimesOf(const SCP_Capture &capture)
+std::vector<double> TimesOf(const SCP_Capture &capture)
 {
     std::vector<double> times(capture.traces.empty() ? 0 : capture.traces[0].samples.size());
     for (size_t i = 0; i < times.size(); ++i)
         times[i] = SCP_TimeOf(capture, i);
-    return std::make_shared<const std::vector<double>>(std::move(times));
+    return times;
 }
 
-void AddPlots(const SCP_Capture &capture, bool isReference, std::vector<UI_Plot> *plots)
+UI_Samples Share(std::vector<double> values)
 {
-    const UI_Samples times = TimesOf(capture);
-    for (const SCP_Trace &trace : capture.traces) {
+    return std::make_shared<const std::vector<double>>(std::move(values));
+}
+
+// A curve to compare with has the pane of the one it is compared with.
+int PaneOf(const SCP_Capture &capture, const std::string &name, size_t index)
+{
+    for (size_t i = 0; i < capture.traces.size(); ++i)
+        if (capture.traces[i].name == name)
+            index = i;
+    return static_cast<int>(std::min<size_t>(index, GRAPH_PANES_MAX - 1));
+}
+
+void AddCurves(const SCP_Capture &from, const SCP_Capture &capture, bool isReference,
+               std::vector<UI_Plot> *plots)
+{
+    const UI_Samples times = Share(TimesOf(from));
+    for (size_t i = 0; i < from.traces.size(); ++i) {
+        const SCP_Trace &trace = from.traces[i];
         UI_Plot plot;
         plot.x = times;
-        plot.y = std::make_shared<const std::vector<double>>(trace.samples);
+        plot.y = Share(trace.samples);
         plot.name = trace.name + (isReference ? " (reference)" : "");
         plot.unit = trace.unit;
         plot.isDashed = isReference;
+        plot.pane = PaneOf(capture, trace.name, i);
         plots->push_back(plot);
+    }
+}
+
+// Of the trace, and of the reference's of that name.
+void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReference,
+                std::vector<UI_Plot> *plots)
+{
+    for (const SCP_Trace &trace : from.traces) {
+        SPC_Spectrum spectrum;
+        if (trace.name != name || SPC_Make(trace.samples, from.rate, &spectrum) < 0)
+            continue;
+        UI_Plot plot;
+        plot.x = Share(spectrum.frequencies);
+        plot.y = Share(spectrum.amplitudes);
+        plot.name = name + " (" + (isReference ? "reference, " : "") + "peak " +
+                    SCW_NumberText(spectrum.peak) + " at " + SCW_NumberText(spectrum.peakHz) +
+                    " Hz)";
+        plot.unit = trace.unit;
+        plot.isDashed = isReference;
+        plots->push_back(plot);
+    }
+}
+
+// The entries are the traces there are; the choice stays while its trace does.
+void ShowChoices(const SCP_Capture &capture)
+{
+    if (spectrumOf >= static_cast<int>(capture.traces.size()))
+        spectrumOf = -1;
+    ClearListCtrl(PANEL_SCOPE, SCOPE_SHOWN);
+    InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Curves", -1);
+    for (size_t i = 0; i < capture.traces.size(); ++i)
+        InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Spectrum of " + capture.traces[i].name,
+                       static_cast<int>(i));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_SHOWN, spectrumOf);
+}
+
+// A curve that is there again keeps its handle, and with it its cursors and whether it is
+// hidden.
+void Draw(const std::vector<UI_Plot> &plots)
+{
+    std::vector<UI_Plot> old;
+    GetGraphPlots(PANEL_SCOPE, SCOPE_GRAPH, &old);
+    const bool isSame =
+        std::equal(old.begin(), old.end(), plots.begin(), plots.end(),
+                   [](const UI_Plot &one, const UI_Plot &other) { return one.name == other.name; });
+    if (!isSame)
+        DeleteGraphPlot(PANEL_SCOPE, SCOPE_GRAPH, 0);
+    for (size_t i = 0; i < plots.size(); ++i) {
+        if (isSame)
+            ReplacePlot(PANEL_SCOPE, SCOPE_GRAPH, old[i].handle, plots[i]);
+        else
+            PlotXY(PANEL_SCOPE, SCOPE_GRAPH, plots[i]);
     }
 }
 
@@ -53,34 +123,38 @@ std::string Cell(bool isKnown, double value)
 std::string SCW_NumberText(double value)
 {
     char text[32];
-    std::snprintf(text, sizeof text, "%.6g", value);
+    std::snprintf(text, sizeof text, "%.5g", value);
     return text;
+}
+
+void SCW_ChooseSpectrum(int trace)
+{
+    spectrumOf = trace;
+    // Seconds and hertz have no limits in common.
+    UI_GraphView view;
+    GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
+    view.isXFitted = view.isYFitted = true;
+    view.cursors[0].isShown = view.cursors[1].isShown = false;
+    SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view);
 }
 
 void SCW_ShowCurves(const SCP_Setup &setup, const SCP_Capture &capture,
                     const SCP_Capture &reference)
 {
-    std::vector<UI_Plot> plots, old;
-    AddPlots(capture, false, &plots);
-    AddPlots(reference, true, &plots);
-    GetGraphPlots(PANEL_SCOPE, SCOPE_GRAPH, &old);
-    // A curve that is there again keeps its handle, and with it its cursors and whether it
-    // is hidden.
-    const bool isSame =
-        std::equal(old.begin(), old.end(), plots.begin(), plots.end(),
-                   [](const UI_Plot &one, const UI_Plot &other) { return one.name == other.name; });
-    if (!isSame)
-        DeleteGraphPlot(PANEL_SCOPE, SCOPE_GRAPH, 0);
-    handles.clear();
-    for (size_t i = 0; i < plots.size(); ++i) {
-        int handle = isSame ? old[i].handle : 0;
-        if (isSame)
-            ReplacePlot(PANEL_SCOPE, SCOPE_GRAPH, handle, plots[i]);
-        else
-            handle = PlotXY(PANEL_SCOPE, SCOPE_GRAPH, plots[i]);
-        if (i < capture.traces.size())
-            handles.push_back(handle);
+    ShowChoices(capture);
+    std::vector<UI_Plot> plots;
+    if (spectrumOf >= 0) {
+        const std::string &name = capture.traces[static_cast<size_t>(spectrumOf)].name;
+        AddSpectra(capture, name, false, &plots);
+        AddSpectra(reference, name, true, &plots);
+    } else {
+        AddCurves(capture, capture, false, &plots);
+        AddCurves(reference, capture, true, &plots);
     }
+    SetGraphAxes(PANEL_SCOPE, SCOPE_GRAPH,
+                 {spectrumOf >= 0 ? "frequency [Hz]" : "time [s], 0 = trigger",
+                  spectrumOf >= 0 ? "amplitude" : ""});
+    Draw(plots);
     SCW_ShowMarks(setup, capture);
     SCW_ShowMeasures(capture);
 }
@@ -90,8 +164,9 @@ void SCW_ShowMarks(const SCP_Setup &setup, const SCP_Capture &capture)
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     triggerChannel = setup.channels[0];
-    const bool isShown = !capture.traces.empty() && setup.mode != 2;
-    view.level = {isShown, setup.level * triggerChannel.factor + triggerChannel.offset};
+    const bool isShown = !capture.traces.empty() && setup.mode != 2 && spectrumOf < 0;
+    view.level = {isShown, setup.level * triggerChannel.factor + triggerChannel.offset,
+                  PaneOf(capture, triggerChannel.place, 0)};
     view.position = {isShown, SCP_TimeOf(capture, 0) + LengthOf(capture) * setup.position / 100};
     shownLevel = view.level.value;
     shownPosition = view.position.value;
@@ -117,29 +192,37 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
 {
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
-    std::vector<UI_Plot> plots;
-    GetGraphPlots(PANEL_SCOPE, SCOPE_GRAPH, &plots);
-    const bool isBetween = view.cursors[0].isShown && view.cursors[1].isShown;
-    const double from = isBetween ? std::min(view.cursors[0].x, view.cursors[1].x) : view.xMin;
-    const double to = isBetween ? std::max(view.cursors[0].x, view.cursors[1].x) : view.xMax;
+    const std::vector<double> times = TimesOf(capture);
+    const bool isWhole = spectrumOf >= 0; // the graph's limits are no times
+    const bool isBetween = !isWhole && view.cursors[0].isShown && view.cursors[1].isShown;
+    double from = isBetween ? std::min(view.cursors[0].x, view.cursors[1].x) : view.x.min;
+    double to = isBetween ? std::max(view.cursors[0].x, view.cursors[1].x) : view.x.max;
+    if (isWhole) {
+        from = SCP_TimeOf(capture, 0);
+        to = from + LengthOf(capture);
+    }
     SetListColumns(PANEL_SCOPE, SCOPE_MEASURES,
-                   {{isBetween ? "Between the cursors" : "In view", 110},
-                    {"Min", 68, UIA_RIGHT},
-                    {"Max", 68, UIA_RIGHT},
-                    {"Peak-peak", 68, UIA_RIGHT},
-                    {"Mean", 68, UIA_RIGHT},
-                    {"RMS", 68, UIA_RIGHT},
-                    {"Period s", 68, UIA_RIGHT},
-                    {"Hz", 68, UIA_RIGHT},
-                    {"Duty %", 56, UIA_RIGHT}});
+                   {{isBetween ? "Between cursors"
+                     : isWhole ? "Whole recording"
+                               : "In view",
+                     116},
+                    {"Min", 64, UIA_RIGHT},
+                    {"Max", 64, UIA_RIGHT},
+                    {"Peak-peak", 64, UIA_RIGHT},
+                    {"Mean", 64, UIA_RIGHT},
+                    {"RMS", 64, UIA_RIGHT},
+                    {"Period s", 64, UIA_RIGHT},
+                    {"Hz", 64, UIA_RIGHT},
+                    {"Duty %", 52, UIA_RIGHT}});
     ClearListCtrl(PANEL_SCOPE, SCOPE_MEASURES);
-    for (size_t i = 0; i < capture.traces.size() && i < plots.size(); ++i) {
-        const SCP_Measures m = SCP_Measure(*plots[i].x, *plots[i].y, from, to);
+    for (size_t i = 0; i < capture.traces.size(); ++i) {
+        const SCP_Trace &trace = capture.traces[i];
+        const SCP_Measures m = SCP_Measure(times, trace.samples, from, to);
         const bool isKnown = m.count > 0, isPeriodic = m.period > 0;
-        const std::string unit = plots[i].unit.empty() ? "" : " [" + plots[i].unit + "]";
-        InsertListItem(PANEL_SCOPE, SCOPE_MEASURES, -1, plots[i].name, static_cast<int>(i));
+        const std::string unit = trace.unit.empty() ? "" : " [" + trace.unit + "]";
+        InsertListItem(PANEL_SCOPE, SCOPE_MEASURES, -1, trace.name, static_cast<int>(i));
         SetListCells(PANEL_SCOPE, SCOPE_MEASURES, static_cast<int>(i),
-                     {{plots[i].name + unit, UIS_NORMAL, ""},
+                     {{trace.name + unit, UIS_NORMAL, ""},
                       {Cell(isKnown, m.min), UIS_NORMAL, ""},
                       {Cell(isKnown, m.max), UIS_NORMAL, ""},
                       {Cell(isKnown, m.max - m.min), UIS_NORMAL, ""},

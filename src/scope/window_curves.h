@@ -7,6 +7,8 @@
 
 #include <string>
 
+// The trace whose spectrum stands in place of the curves; -1 the curves.
+void SCW_ChooseSpectrum(int trace);
 // Draws everything anew; zoom, cursors and hidden curves stay as the user has them.
 void SCW_ShowCurves(const SCP_Setup &setup, const SCP_Capture &capture,
                     const SCP_Capture &reference);
@@ -16,6 +18,6 @@ void SCW_ShowMarks(const SCP_Setup &setup, const SCP_Capture &capture);
 void SCW_ReadMarks(const SCP_Capture &capture, SCP_Setup *setup);
 // Between the cursors when both are shown, else over what is in view.
 void SCW_ShowMeasures(const SCP_Capture &capture);
-std::string SCW_NumberText(double value); // six digits
+std::string SCW_NumberText(double value); // five digits
 
 #endif

@@ -12,17 +12,6 @@ namespace {
 // Further behind its start an address is more likely no part of a variable.
 constexpr uint32_t NEAR_VARIABLE_BYTES = 0x100;
 
-// The node with the highest address at or below the given one; of several, the first.
-const VarNode *NodeBelow(uint32_t address, const VarNode *table, int count)
-{
-    const VarNode *best = nullptr;
-    for (int i = 0; i < count; ++i) {
-        if (table[i].addr <= address && (!best || table[i].addr > best->addr))
-            best = &table[i];
-    }
-    return best;
-}
-
 } // namespace
 
 uint32_t SYM_ResolveName(const char *name, bool isTMS)
@@ -40,7 +29,7 @@ uint32_t SYM_ResolveName(const char *name, bool isTMS)
 int RegAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct166 ? NodeBelow(address, aVarNode166, nNodes166) : nullptr;
+    const VarNode *node = openStruct166 ? VRN_RegisterAtOrBelow(address) : nullptr;
     if (!node)
         return -1;
     const uint32_t offset = address - node->addr;
@@ -56,7 +45,7 @@ int RegAddrToName(uint32_t address, std::string *text)
 int VarAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct ? NodeBelow(address, aVarNode, nNodes) : nullptr;
+    const VarNode *node = openStruct ? VRN_MapNodeAtOrBelow(address) : nullptr;
     if (!node)
         return -1;
     const unsigned long offset = address - node->addr;
@@ -70,6 +59,22 @@ int VarAddrToName(uint32_t address, std::string *text)
                       static_cast<unsigned long>(address), node->name, offset);
     *text = buffer;
     return 0;
+}
+
+std::string SYM_AddressToName(uint32_t address)
+{
+    std::string name;
+    if (RegAddrToName(address, &name) == 0)
+        return name;
+    const VarNode *node = openStruct ? VRN_MapNodeAtOrBelow(address) : nullptr;
+    // A member of a structure says more than the structure and an offset.
+    const VarNode *member = openStruct ? TMF_SVNodeAtOrBelow(address) : nullptr;
+    if (member != nullptr && (node == nullptr || member->addr >= node->addr))
+        node = member;
+    if (node == nullptr || address - node->addr >= NEAR_VARIABLE_BYTES)
+        return "";
+    name = node->name;
+    return address == node->addr ? name : name + "+" + std::to_string(address - node->addr);
 }
 
 int MapAddrToId(std::string *name, uint32_t *address)

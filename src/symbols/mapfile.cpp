@@ -145,7 +145,7 @@ const char *MAP_ErrorText(int result)
 {
     if (result == MAP_ERR_NO_SYMBOL)
         return "holds no symbol for the selected processor";
-    return result == MAP_ERR_OPEN ? "cannot be opened" : "is damaged";
+    return result == MAP_ERR_OPEN ? PLF_ErrorText(PLF_ERR_OPEN) : "is damaged";
 }
 
 bool IsHexAddr(const char *text)

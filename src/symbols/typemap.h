@@ -142,6 +142,8 @@ int TMF_AddSVNode(const std::string &name, uint32_t address); // 0, or -1: full
 int TMF_CreateSVIndex();
 void TMF_FreeSVNodes();
 const VarNode *TMF_SVNodeAtOrAfter(uint32_t address); // null: none
+// The last one in table order, which is the innermost member, of those at the highest address.
+const VarNode *TMF_SVNodeAtOrBelow(uint32_t address); // null: none
 
 // --- for the type map's own files: how members follow one another -----------------------
 inline bool TMF_IsRecord(uint32_t code) // structure or union

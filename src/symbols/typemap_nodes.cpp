@@ -155,3 +155,15 @@ const VarNode *TMF_SVNodeAtOrAfter(uint32_t address)
     });
     return found == end ? nullptr : &TMF_paSVNode[*found];
 }
+
+const VarNode *TMF_SVNodeAtOrBelow(uint32_t address)
+{
+    if (TMF_panSVIndex == nullptr)
+        return nullptr;
+    const int32_t *begin = TMF_panSVIndex;
+    const int32_t *behind =
+        std::upper_bound(begin, begin + TMF_cnSVNode, address, [](uint32_t wanted, int32_t node) {
+            return wanted < TMF_paSVNode[node].addr;
+        });
+    return behind == begin ? nullptr : &TMF_paSVNode[*(behind - 1)];
+}

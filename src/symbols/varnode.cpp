@@ -129,6 +129,18 @@ const VarNode *NodeAtOrAfter(AddressIndex *index, const VarNode *table, int coun
     return found == index->order.end() ? nullptr : &table[*found];
 }
 
+const VarNode *NodeAtOrBelow(AddressIndex *index, const VarNode *table, int count, uint32_t address)
+{
+    if (index->count != count)
+        BuildAddressIndex(index, table, count);
+    auto behind =
+        std::upper_bound(index->order.begin(), index->order.end(), address,
+                         [table](uint32_t wanted, int node) { return wanted < table[node].addr; });
+    if (behind == index->order.begin())
+        return nullptr;
+    return NodeAtOrAfter(index, table, count, table[*(behind - 1)].addr);
+}
+
 void ForgetAddressIndex(const VarNode *table)
 {
     if (table == aVarNode)
@@ -293,6 +305,16 @@ const VarNode *VRN_MapNodeAtOrAfter(uint32_t address)
 const VarNode *VRN_RegisterAtOrAfter(uint32_t address)
 {
     return NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, address);
+}
+
+const VarNode *VRN_MapNodeAtOrBelow(uint32_t address)
+{
+    return NodeAtOrBelow(&mapIndex, aVarNode, nNodes, address);
+}
+
+const VarNode *VRN_RegisterAtOrBelow(uint32_t address)
+{
+    return NodeAtOrBelow(&registerIndex, aVarNode166, nNodes166, address);
 }
 
 void VRN_WarnRefused(int refused, int longNames)

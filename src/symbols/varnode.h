@@ -63,6 +63,9 @@ int VRN_FindName(const VarNode *table, int count, const char *name);
 // The node at or after an address: of the loaded map, or of the registers; null when none.
 const VarNode *VRN_MapNodeAtOrAfter(uint32_t address);
 const VarNode *VRN_RegisterAtOrAfter(uint32_t address);
+// The node with the highest address at or below the given one; of several, the first.
+const VarNode *VRN_MapNodeAtOrBelow(uint32_t address);
+const VarNode *VRN_RegisterAtOrBelow(uint32_t address);
 // Tells the user how many symbols a full table did not take and how many names were too
 // long; nothing for 0.
 void VRN_WarnRefused(int refused, int longNames);

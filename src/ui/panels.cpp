@@ -268,6 +268,7 @@ const UI_Control UI_aControls[] = {
     {PANEL_SCOPE, SCOPE_OPEN_DATA, UIK_BUTTON, "openData", DTSC_FileCB},
     {PANEL_SCOPE, SCOPE_SAVE_DATA, UIK_BUTTON, "saveData", DTSC_FileCB},
     {PANEL_SCOPE, SCOPE_REFERENCE, UIK_BUTTON, "reference", DTSC_FileCB},
+    {PANEL_SCOPE, SCOPE_SHOWN, UIK_RING, "shown", DTSC_ShownCB},
     {PANEL_SCOPE, SCOPE_TIMER, UIK_TIMER, "timer", DTSC_TimerCB},
 };
 const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];

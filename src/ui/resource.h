@@ -253,6 +253,7 @@ enum {
     SCOPE_SAVE_DATA = 26,
     SCOPE_REFERENCE = 27,
     SCOPE_TIMER = 28,
+    SCOPE_SHOWN = 29, // curves, or the spectrum of one
 };
 
 // Device configuration.

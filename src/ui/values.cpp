@@ -16,6 +16,7 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_SCOPE, SCOPE_EDGE, "Rising", 0},
     {PANEL_SCOPE, SCOPE_EDGE, "Falling", 1},
     {PANEL_SCOPE, SCOPE_EDGE, "Free run", 2},
+    {PANEL_SCOPE, SCOPE_SHOWN, "Curves", -1},
     {PANEL_SCOPE, SCOPE_TYPE, "i1   signed byte", 0},
     {PANEL_SCOPE, SCOPE_TYPE, "u1   unsigned byte", 3},
     {PANEL_SCOPE, SCOPE_TYPE, "i2   signed", 1},

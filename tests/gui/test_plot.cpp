@@ -38,9 +38,9 @@ protected:
         graph.control = SCOPE_GRAPH;
         graph.mask = VIEW_GRAPH_PLOTS | VIEW_GRAPH_VIEW;
         graph.plots = {MakePlot(1, "nSine", 0), MakePlot(2, "nOther", 10)};
-        graph.view.xMax = 999;
-        graph.view.yMin = -2;
-        graph.view.yMax = 12;
+        graph.view.x.max = 999;
+        graph.view.y[0].min = -2;
+        graph.view.y[0].max = 12;
         batch.graphs = {graph};
         QTV_Draw(batch);
         plot->replot();
@@ -65,19 +65,19 @@ TEST_F(Plot, ZoomsWithTheWheelAndComesBack)
                       Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(plot, &wheel);
     UI_GraphView view = handedIn();
-    EXPECT_FALSE(view.isFitted);
-    EXPECT_GT(view.xMin, 0);
-    EXPECT_LT(view.xMax, 999);
+    EXPECT_FALSE(view.isXFitted);
+    EXPECT_GT(view.x.min, 0);
+    EXPECT_LT(view.x.max, 999);
     QTest::keyClick(plot, Qt::Key_X); // locks the axis
     QTest::keyClick(plot, Qt::Key_Plus);
-    EXPECT_EQ(handedIn().xMin, view.xMin);
-    EXPECT_GT(handedIn().yMin, view.yMin);
+    EXPECT_EQ(handedIn().x.min, view.x.min);
+    EXPECT_GT(handedIn().y[0].min, view.y[0].min);
     QTest::keyClick(plot, Qt::Key_X);
     QTest::keyClick(plot, Qt::Key_Home);
     view = handedIn();
-    EXPECT_TRUE(view.isFitted);
-    EXPECT_EQ(view.xMin, 0);
-    EXPECT_EQ(view.xMax, 999);
+    EXPECT_TRUE(view.isXFitted);
+    EXPECT_EQ(view.x.min, 0);
+    EXPECT_EQ(view.x.max, 999);
 }
 
 TEST_F(Plot, CursorsAndLegend)
@@ -92,7 +92,7 @@ TEST_F(Plot, CursorsAndLegend)
     QTest::mouseMove(plot, QPoint(static_cast<int>(plot->xAxis->coordToPixel(100)), at.y()));
     QTest::mouseRelease(plot, Qt::LeftButton, {}, at);
     EXPECT_NEAR(handedIn().cursors[0].x, 100, 5);
-    EXPECT_EQ(handedIn().xMin, 0) << "the curves stayed where they were";
+    EXPECT_EQ(handedIn().x.min, 0) << "the curves stayed where they were";
     const QRect item = plot->legend->item(1)->outerRect();
     QTest::mouseClick(plot, Qt::LeftButton, {}, item.center());
     EXPECT_EQ(handedIn().hidden, std::vector<int>{2});

@@ -130,75 +130,6 @@ TEST_F(ProgramTest, TheWindowNeverWaitsForTheProgram)
     GuiWindow(PANEL_MAIN)->resize(780, 491);
 }
 
-// The same with a target: one that never answers, and one that does late.
-TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
-{
-    SIM_Options late, silent;
-    late.delayMs = 350;
-    silent.stations = 0;
-    const struct {
-        const char *name;
-        SIM_Options options;
-    } targets[] = {{"silent", silent}, {"late", late}};
-    for (const auto &kind : targets) {
-        unplug();
-        plug(kind.options);
-        ASSERT_TRUE(target) << kind.name;
-        clickCommunication();
-        // Until the program waits for the target inside a callback.
-        VIEW_Busy busy;
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] {
-                VIEW_GetBusy(&busy);
-                return busy.isBusy;
-            },
-            PATIENCE_MS))
-            << kind.name;
-        const int wanted = list->lines()->rowCount() - 1;
-        list->select({0}, 0);
-        list->setFocus();
-        for (int i = 0; i < wanted; i++) {
-            QTest::keyClick(list, Qt::Key_Down);
-            EXPECT_EQ(list->currentRow(), qMin(i + 1, wanted)) << kind.name << ": drawn at once";
-        }
-        clickCommunication();
-        EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
-        ASSERT_TRUE(settle());
-    }
-}
-
-// Off is off at the next exchange, not after the four tries of a block; until then the
-// window says for whom it waits.
-TEST_F(ProgramTest, SwitchingOffDoesNotWaitForASilentTarget)
-{
-    SIM_Options silent;
-    silent.stations = 0;
-    unplug();
-    plug(silent);
-    onProgram([] {
-        Option_AutoOff = 0;
-        Mr166_nTimeoutMs = 1000;
-        STATION = 9;
-    });
-    clickCommunication();
-    VIEW_Busy busy;
-    ASSERT_TRUE(QTest::qWaitFor(
-        [&] {
-            VIEW_GetBusy(&busy);
-            return busy.isBusy && busy.text == "waiting for station 9";
-        },
-        PATIENCE_MS));
-    const int before = EC_wTimeErr;
-    clickCommunication();
-    ASSERT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS));
-    EXPECT_LE(EC_wTimeErr - before, 1);
-    onProgram([] {
-        EXPECT_EQ(0, isTimer);
-        Mr166_nTimeoutMs = 400;
-        STATION = 1;
-    });
-}
-
 // F1 is answered inside the program; the reader finds chapters and words.
 TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
 {
@@ -244,27 +175,6 @@ TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
         press(GuiWidget(PANEL_MAIN, step.focus), step.key);
         EXPECT_EQ(list->currentRow(), step.selected) << step.focus;
     }
-}
-
-TEST_F(ProgramTest, ConsoleTakesLinesAndRemembersThem)
-{
-    press(GuiWindow(PANEL_MAIN), Qt::Key_K, Qt::ControlModifier);
-    auto *input = GuiWidget<QLineEdit>(PANEL_CONSOLE, CONSOLE_INPUT);
-    ASSERT_TRUE(input->isVisible());
-    EXPECT_TRUE(input->hasFocus());
-    QTest::keyClicks(input, "station 2");
-    press(input, Qt::Key_Return);
-    EXPECT_EQ(input->text(), "");
-    const QString shown = GuiWidget<QPlainTextEdit>(PANEL_CONSOLE, CONSOLE_BOX)->toPlainText();
-    EXPECT_EQ(shown.count("station 2 -> OK!"), 1) << "Enter counts once";
-    EXPECT_TRUE(GuiText(PANEL_MAIN, MAIN_STATE).contains("st = 2;")) << "seen from the console too";
-    press(input, Qt::Key_Down);
-    EXPECT_EQ(input->text(), "station 2");
-    press(input, Qt::Key_Escape);
-    EXPECT_EQ(input->text(), "");
-    press(GuiWindow(PANEL_MAIN), Qt::Key_W, Qt::ControlModifier);
-    EXPECT_FALSE(input->isVisible());
-    EXPECT_TRUE(list->isVisible());
 }
 
 TEST_F(ProgramTest, ScrolledLinesAreReadAndTheListIsSavedAndReopened)

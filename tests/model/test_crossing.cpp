@@ -405,22 +405,6 @@ TEST_F(Crossing, EventsHaveTheirTurnBetweenTwoLateTicks)
     EXPECT_EQ((Texts{"tick", "event", "tick"}), heard);
 }
 
-TEST_F(Crossing, ATickComesOnceAnInterval)
-{
-    program.onTick = [] { heard.push_back("tick"); };
-    program.onItem = [](int) { QuitUserInterface(0); };
-    SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 3600.0);
-    ResumeTimerCallbacks();
-    MDL_GetState().panels[0].controls[TIMER - 1].dueUs = PLT_TickUs();
-    std::thread user([] {
-        PLT_SleepMs(20);
-        Choose(ITEM_END);
-    });
-    RunUserInterface();
-    user.join();
-    EXPECT_EQ((Texts{"tick"}), heard);
-}
-
 TEST_F(Crossing, LinesThatLeaveABoxAreCounted)
 {
     program.onControl = [](int, int, int) {

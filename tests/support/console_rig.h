@@ -4,78 +4,47 @@
 #ifndef TESTS_SUPPORT_CONSOLE_RIG_H
 #define TESTS_SUPPORT_CONSOLE_RIG_H
 
-#include <cstdint>
-#include <gtest/gtest.h>
+#include <fcntl.h>
 #include <sstream>
 #include <string>
-#include <vector>
+#include <termios.h>
+#include <unistd.h>
 
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
-#include "support/sim_fixture.h"
 #include "support/ui_reading.h"
-#include "symbols/varnode.h"
 #include "ui/resource.h"
 
 constexpr int RIG_PORT = 7;
 
-struct ConsoleRig : testing::Test {
-    SIM_Target *target = nullptr;
+struct ConsoleRig : TargetTest {
     const ScratchFolder folder{true};
     size_t seen = 0; // lines of the text box already taken
 
-    void SetUp() override
+    ConsoleRig() : TargetTest(RIG_PORT)
     {
-        HL_Reset();
-        ASSERT_EQ(HL_LoadAllPanels(), 0);
-        mainPanel = PANEL_MAIN;
-        consolePanel = PANEL_CONSOLE;
-        ResetSettings();
-        SIM_Options options;
-        options.demo = false;
-        target = SIMT_Start(RIG_PORT, options);
-        ASSERT_NE(target, nullptr);
-    }
-    void TearDown() override
-    {
-        UCM_Close();
-        if (target)
-            SIMT_Stop(RIG_PORT, target);
-        ResetSettings();
-        HL_Reset();
-    }
-    void ResetSettings()
-    {
-        UCM_Init();
-        UCM_UseWin32(1);
         Procesor = CPU_C167;
-        VR_nProtocol = PROTOCOL_MR166;
         ncom = RIG_PORT;
         bRate = 115200;
-        STATION = 1;
-        isTimer = 0;
         VR_isFullCommandSet = true;
-        command = CMD_C166;
-        nASC_Opened = 0;
-        FreeNodes(aVarNode, &nNodes);
-        openStruct = openTMSStruct = OPEN_NONE;
-        aOldCommand.fill("");
-        iOldCmd = iOldCmd2 = 0;
+    }
+    void SetUp() override
+    {
+        ASSERT_EQ(HL_LoadAllPanels(), 0);
+        plug();
     }
 
     // Another target, empty again, and the program's protocol.
     void ChangeProtocol()
     {
-        SIMT_Stop(RIG_PORT, target);
-        SIM_Options options;
-        options.demo = false;
+        unplug();
         options.modbus = true;
-        target = SIMT_Start(RIG_PORT, options);
-        ASSERT_NE(target, nullptr);
+        plug();
         VR_nProtocol = PROTOCOL_MODBUS;
     }
     void Type(const std::string &line)
@@ -110,13 +79,27 @@ struct ConsoleRig : testing::Test {
 
     void Poke(uint32_t address, const std::vector<uint8_t> &bytes)
     {
-        SIM_Poke(target, STATION, address, bytes.data(), bytes.size());
+        poke(address, bytes, STATION);
     }
     std::vector<uint8_t> Peek(uint32_t address, size_t count)
     {
-        std::vector<uint8_t> bytes(count);
-        SIM_Peek(target, STATION, address, bytes.data(), count);
-        return bytes;
+        return peek(address, count, STATION);
+    }
+    // A boot-strap loader in place of the target.
+    void PlugLoader()
+    {
+        unplug();
+        options.loader = true;
+        plug();
+    }
+    // What the terminal itself waits for a read, in units of 100 ms.
+    int TerminalWait()
+    {
+        const int fd = open(SIM_DevicePath(target), O_RDWR | O_NOCTTY);
+        termios settings = {};
+        EXPECT_EQ(0, tcgetattr(fd, &settings));
+        close(fd);
+        return settings.c_cc[VTIME];
     }
     // "<none>" when there is no such file.
     static std::string ReadFile(const std::string &name)

@@ -1,4 +1,4 @@
-// A simulated Modbus slave on port 62 and the master's settings put back after each test.
+// The Modbus master with a simulated slave on port 62.
 #ifndef MODBUS_FIXTURE_H
 #define MODBUS_FIXTURE_H
 
@@ -8,50 +8,20 @@
 #include "comm/trace.h"
 #include "comm/ucm.h"
 #include "comm/ucm_modbus.h"
-#include "sim_fixture.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
+#include "support/program_state.h"
 
 constexpr int MODBUS_PORT = 62, MODBUS_BAUD = 115200;
 
-struct ModbusTest : testing::Test {
-    SIM_Target *target = nullptr;
-    SIM_Options options;
-
-    ModbusTest()
+struct ModbusTest : TargetTest {
+    ModbusTest() : TargetTest(MODBUS_PORT)
     {
-        options.demo = false;
         options.modbus = true;
-        UCM_Init();
-        MBM_nTimeoutMs = 5000; // never reached by a slave that answers
-    }
-    ~ModbusTest() override
-    {
-        UCM_Close();
-        UCM_Init();
-        MBM_nTimeoutMs = 400;
-        MBM_isEcho = 0;
-        TRC_SetSink(nullptr, nullptr);
-        TRC_Enable(0);
-        unplug();
+        MBM_nTimeoutMs = PATIENT_MS;
     }
     void plug()
     {
-        target = SIMT_Start(MODBUS_PORT, options);
-        ASSERT_NE(target, nullptr);
+        TargetTest::plug();
         ASSERT_EQ(UCM_Open(2, MODBUS_PORT, MODBUS_BAUD), 0) << UCM_LastErrorText();
-    }
-    void unplug()
-    {
-        if (target != nullptr)
-            SIMT_Stop(MODBUS_PORT, target);
-        target = nullptr;
-    }
-    uint64_t requests() const
-    {
-        return SIM_GetCounters(target).requests;
     }
 };
 

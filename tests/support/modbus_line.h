@@ -34,7 +34,7 @@ struct ScriptedLine {
     std::deque<std::string> answers; // one for each request; none = silence
     std::string input;               // arrived and not read
     uint32_t nowMs = 0;
-    int reads = 0;                   // that found less than they wanted: each cost a time-out
+    int reads = 0; // that found less than they wanted: each cost a time-out
 };
 inline ScriptedLine scripted;
 

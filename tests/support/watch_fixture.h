@@ -11,59 +11,28 @@
 #include "comm/ucm.h"
 #include "runtime/headless/headless.h"
 #include "settings/settings.h"
+#include "support/program_state.h"
 #include "support/scratch.h"
-#include "support/sim_fixture.h"
 #include "support/ui_reading.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_file.h"
-#include "watch/list/list_layout.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 
-class WatchTest : public ::testing::Test {
+class WatchTest : public TargetTest {
 protected:
     static constexpr int PORT = 4;
 
-    void SetUp() override
+    WatchTest() : TargetTest(PORT)
     {
-        HL_Reset();
         HL_LoadAllPanels();
-        mainPanel = PANEL_MAIN;
-        clearTables();
-        UCM_Init();
-        UCM_UseWin32(1);
-        nLItems = openLItems = readLItems = 0;
-        UpdItem = eTMS = nErrors = 0;
-        IsDBGChange = isTimer = 0;
-        szDebugFileName.clear();
-        nDebugFileNames = 0;
-        EDT_ForgetEdits();
-        LAY_Set({});
-        Procesor = CPU_C166;
-        Option_AutoOff = 1;
-        STATION = 1;
-        options.demo = false;
-    }
-
-    void TearDown() override
-    {
-        UCM_Close();
-        UCM_Init();
-        if (target)
-            SIMT_Stop(PORT, target);
-        clearTables();
-        nLItems = openLItems = 0;
-        szDebugFileName.clear();
-        IsDBGChange = 0;
     }
 
     bool connect()
     {
-        target = SIMT_Start(PORT, options);
-        if (!target)
-            return false;
+        plug();
         ncom = PORT;
         VIR2_StartPeriodicASC();
         return isTimer != 0;
@@ -128,19 +97,8 @@ protected:
         return path(name);
     }
 
-    SIM_Target *target = nullptr;
-    SIM_Options options;
     const ScratchFolder folder;
     std::string content;
-
-private:
-    void clearTables()
-    {
-        FreeNodes(aVarNode, &nNodes);
-        FreeNodes(aVarNode166, &nNodes166);
-        FreeNodes(aVarTMSNode, &nTMSNodes);
-        openStruct = openStruct166 = openTMSStruct = 0;
-    }
 };
 
 #endif

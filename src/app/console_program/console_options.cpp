@@ -1,5 +1,9 @@
 #include "app/console_program/console_options.h"
 
+#include "sampler/sampler.h"
+#include "sampler/trigger.h"
+
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -17,12 +21,19 @@ const char CPG_szUsage[] =
     "  --watch FILE        print the values of a watch list, one table per sweep\n"
     "  --sweeps N          end after N sweeps (default: until interrupted)\n"
     "  --format FORMAT     text, csv or json\n"
+    "  --record OUT.csv --watch FILE  record the list's values, once a second:\n"
+    "  --period MS         ... at this period\n"
+    "  --fast              ... as fast as the line allows\n"
+    "  --duration S        end after S seconds (default: until interrupted)\n"
+    "  --rotate 10MB|60MIN begin a new file by size or time, its name with a time stamp\n"
+    "  --trigger 'ACTION when NAME CONDITION'  start, stop, beep or mark\n"
     "  --program FILE.hex  program a HEX file into the target's flash and read it back\n"
     "  --no-erase          do not erase; write only what the flash does not hold yet\n"
     "  --no-verify         do not read back\n"
     "  --scope FILE --csv OUT  record with the target's scope; OUT may be -\n"
     "  --wait SECONDS      wait so long for the scope's trigger (default 10)\n"
     "  --snap              record at once\n"
+    "  --serve             answer requests of another program (JSON lines)\n"
     "  --compare HEADER FILE  compare the target with a data file: ends with 0 when it\n"
     "                      holds the file, 1 with the differences, 2 when it cannot tell\n"
     "  --trace FILE        write every exchange with the target\n"
@@ -67,6 +78,40 @@ bool ApplyFormat(CPG_Options *options, const char *value)
     return false;
 }
 
+bool ApplyPeriod(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    const long period = std::strtol(value, &end, 10);
+    options->recordPeriodMs = static_cast<int>(period);
+    options->hasRecordPeriod = true;
+    return end != value && *end == '\0' && period > 0 && period <= SMP_PERIOD_MAX_MS;
+}
+
+bool ApplyDuration(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    options->recordSeconds = std::strtod(value, &end);
+    return end != value && *end == '\0' && options->recordSeconds > 0 &&
+           options->recordSeconds < 1e9;
+}
+
+// "10MB" or "60MIN".
+bool ApplyRotate(CPG_Options *options, const char *value)
+{
+    char *end = nullptr;
+    const double number = std::strtod(value, &end);
+    if (end == value || !(number > 0) || number > 1e6)
+        return false;
+    const std::string unit(end);
+    if (unit == "MB" || unit == "mb")
+        options->rotateBytes = std::max<uint64_t>(static_cast<uint64_t>(number * 1e6), 1);
+    else if (unit == "MIN" || unit == "min")
+        options->rotateMinutes = static_cast<uint32_t>(number);
+    else
+        return false;
+    return options->rotateBytes > 0 || options->rotateMinutes > 0;
+}
+
 struct LongOption {
     const char *name;
     bool hasValue;
@@ -101,9 +146,24 @@ const LongOption LONG_OPTIONS[] = {
     {"csv", true, [](CPG_Options *o, const char *v) { return !(o->csvFile = v).empty(); }},
     {"wait", true, ApplyWait},
     {"snap", false, [](CPG_Options *o, const char *) { return o->isSnap = true; }},
+    {"serve", false, [](CPG_Options *o, const char *) { return o->isServe = true; }},
     {"compare", true,
      [](CPG_Options *o, const char *v) { return !(o->compareHeader = v).empty(); }},
     {"types", true, [](CPG_Options *o, const char *v) { return !(o->typesFile = v).empty(); }},
+    {"record", true, [](CPG_Options *o, const char *v) { return !(o->recordFile = v).empty(); }},
+    {"period", true, ApplyPeriod},
+    {"fast", false,
+     [](CPG_Options *o, const char *) {
+         o->recordPeriodMs = SMP_FAST;
+         return o->hasRecordPeriod = true;
+     }},
+    {"duration", true, ApplyDuration},
+    {"rotate", true, ApplyRotate},
+    {"trigger", true,
+     [](CPG_Options *o, const char *v) {
+         o->triggers.push_back(v);
+         return o->triggers.size() <= TRG_LINES_MAX;
+     }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
@@ -141,24 +201,50 @@ int TakeOption(int argc, char **argv, int *index, CPG_Options *options, std::str
     return 0;
 }
 
+struct JobRow {
+    CPG_Job job;
+    const char *option;
+    bool (*isAsked)(const CPG_Options &options);
+};
+const JobRow JOBS[] = {
+    {CPG_WATCH, "--watch",
+     [](const CPG_Options &o) { return !o.watchFile.empty() && o.recordFile.empty(); }},
+    {CPG_RECORD, "--record", [](const CPG_Options &o) { return !o.recordFile.empty(); }},
+    {CPG_PROGRAM, "--program", [](const CPG_Options &o) { return !o.programFile.empty(); }},
+    {CPG_SCOPE, "--scope", [](const CPG_Options &o) { return !o.scopeFile.empty(); }},
+    {CPG_COMPARE, "--compare", [](const CPG_Options &o) { return !o.compareHeader.empty(); }},
+    {CPG_SERVE, "--serve", [](const CPG_Options &o) { return o.isServe; }},
+};
+
+bool HasRecordOptions(const CPG_Options &options)
+{
+    return options.hasRecordPeriod || options.recordSeconds > 0 || options.rotateBytes > 0 ||
+           options.rotateMinutes > 0 || !options.triggers.empty();
+}
+
 int CheckTogether(int rest, const CPG_Options &options, std::string *message)
 {
-    if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
+    std::vector<std::string> jobs;
+    for (const JobRow &row : JOBS)
+        if (row.isAsked(options))
+            jobs.push_back(row.option);
+    if (rest > 0)
+        jobs.push_back("a script");
+    if (jobs.size() > 1)
+        *message = jobs[0] + " and " + jobs[1] + " exclude each other";
+    else if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
         *message = "--sweeps and --format go with --watch";
-    else if (!options.watchFile.empty() && rest > 0)
-        *message = "--watch and a script exclude each other";
+    else if (options.recordFile.empty() && HasRecordOptions(options))
+        *message = "--period, --fast, --duration, --rotate and --trigger go with --record";
+    else if (!options.recordFile.empty() &&
+             (options.watchFile.empty() || options.sweeps > 0 || options.format != CPG_TEXT))
+        *message = "--record goes with --watch and without --sweeps and --format";
     else if (options.programFile.empty() && (options.isNoErase || options.isNoVerify))
         *message = "--no-erase and --no-verify go with --program";
-    else if (!options.programFile.empty() && (rest > 0 || !options.watchFile.empty()))
-        *message = "--program excludes --watch and a script";
     else if (options.scopeFile.empty() != options.csvFile.empty())
         *message = "--scope and --csv go together";
-    else if (!options.scopeFile.empty() && (rest > 0 || !options.watchFile.empty()))
-        *message = "--scope goes without a script and without --watch";
-    else if (!options.compareHeader.empty() &&
-             (options.compareFile.empty() || rest > 0 || !options.watchFile.empty() ||
-              !options.scopeFile.empty() || !options.programFile.empty()))
-        *message = "--compare needs a header and a data file and nothing else to do";
+    else if (options.compareHeader.empty() != options.compareFile.empty())
+        *message = "--compare needs a header and a data file";
     else if (!options.archive.empty() && options.archiveFiles.empty())
         *message = "--make-archive needs the files to pack";
     else
@@ -175,6 +261,14 @@ int CountPlain(int argc, char **argv)
 }
 
 } // namespace
+
+CPG_Job CPG_JobOf(const CPG_Options &options)
+{
+    for (const JobRow &row : JOBS)
+        if (row.isAsked(options))
+            return row.job;
+    return CPG_LINES;
+}
 
 int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *message)
 {

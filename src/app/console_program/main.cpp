@@ -27,13 +27,33 @@ int Drive()
     return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
 }
 
-int (*job)() = Drive;
+// What a job does, and where the console's text goes: standard output carries results only.
+struct Job {
+    CPG_Job job;
+    int (*run)();
+    std::FILE *console; // null = nowhere: --serve puts it into its answers
+};
+const Job *FindJob(CPG_Job wanted)
+{
+    static const Job JOBS[] = {
+        {CPG_LINES, Drive, stdout},         {CPG_PROGRAM, CPG_RunProgram, stdout},
+        {CPG_WATCH, CPG_RunWatch, stderr},  {CPG_RECORD, CPG_RunRecord, stderr},
+        {CPG_SCOPE, CPG_RunScope, stderr},  {CPG_COMPARE, CPG_RunCompare, stderr},
+        {CPG_SERVE, CPG_RunServe, nullptr},
+    };
+    for (const Job &row : JOBS)
+        if (row.job == wanted)
+            return &row;
+    return &JOBS[0];
+}
+
+const Job *job = nullptr;
 
 // Nothing is done with types that are not the ones asked for.
 int DriveJob()
 {
     CPG_RepeatMessage(); // what the settings could not have
-    return VR_isTypesFailed ? 1 : job();
+    return VR_isTypesFailed ? 1 : job->run();
 }
 
 // A person's answer to a question, from the terminal.
@@ -65,18 +85,10 @@ int Run(const CPG_Options &options, int argc, char **argv)
     Option_Echo = options.isEcho ? 1 : 0;
     VR_isEchoOnce = options.isEcho;
     CPG_SetOptions(options);
-    const bool isWatch = !options.watchFile.empty();
-    const bool isScope = !options.scopeFile.empty();
-    const bool isCompare = !options.compareHeader.empty();
     VR_szTypesOption = options.typesFile;
-    job = isWatch                        ? CPG_RunWatch
-          : isScope                      ? CPG_RunScope
-          : isCompare                    ? CPG_RunCompare
-          : !options.programFile.empty() ? CPG_RunProgram
-                                         : Drive;
+    job = FindJob(CPG_JobOf(options));
     HL_SetDriver(DriveJob);
-    if (isWatch || isScope || isCompare)
-        HL_SetStreams(stderr, stderr); // tables only on standard output
+    HL_SetStreams(job->console, stderr);
     int code = VIEW_Main(argc, argv, VR_Main);
     if (VR_isScriptRun)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver

@@ -68,7 +68,7 @@ int Record(SCP_Setup *setup)
         return 1;
     if (SCP_Upload(VIEW) < 0)
         return FailStep();
-    const SCP_Capture capture = SCP_MakeCapture(*setup);
+    const SCP_Capture capture = SCP_MakeCapture(SCP_GetRunSetup());
     if (capture.traces.empty()) {
         ShowStatus("No channel is on.");
         return 1;

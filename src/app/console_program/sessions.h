@@ -8,6 +8,12 @@
 void CPG_SetOptions(const CPG_Options &options);        // before a driver runs
 void CPG_SetProgramOptions(const CPG_Options &options); // called by it
 void CPG_SetScopeOptions(const CPG_Options &options);   // called by it
+void CPG_SetRecordOptions(const CPG_Options &options);  // called by it
+// Loads the watch list that the options name. False when there is none or nothing in it, which
+// it says.
+bool CPG_LoadWatchList();
+void CPG_CatchInterrupts(); // from now on they end nothing by themselves
+bool CPG_IsInterrupted();
 void CPG_SetCompareOptions(const CPG_Options &options); // called by it
 // Says on standard error what the window's message area would show: the port is gone, it
 // is back, why communication was switched off. Each message once.
@@ -16,6 +22,8 @@ int CPG_RunScript();  // a script was run at start: its result
 int CPG_RunWatch();   // the watch list, sweep by sweep
 int CPG_RunProgram(); // a HEX file into the target's flash
 int CPG_RunScope();   // one recording of the target's scope
+int CPG_RunServe();   // requests of another program, until its end
+int CPG_RunRecord();  // the watch list's values into a file
 int CPG_RunCompare(); // the target against a data file: 0 equal, 1 different, 2 not compared
 int CPG_RunSession(); // lines from standard input to the console
 

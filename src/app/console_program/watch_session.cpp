@@ -26,27 +26,6 @@ void OnSignal(int signal)
     std::signal(signal, SIG_DFL);
 }
 
-bool IsInterrupted()
-{
-    return isInterrupted != 0;
-}
-
-bool LoadList()
-{
-    if (dat2litems(options.watchFile.c_str()) < 0) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    if (nLItems == 0) {
-        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
-        return false;
-    }
-    szDebugFileName = options.watchFile;
-    VR_FillDebugItems();
-    SetMainPanelAttributes();
-    return true;
-}
-
 // False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
 {
@@ -57,11 +36,11 @@ bool Print(const std::string &text)
 // A number of sweeps is wanted soon; one who follows wants the refresh period.
 bool Tick()
 {
-    if (IsInterrupted())
+    if (CPG_IsInterrupted())
         return false;
     const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
     const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
-                             : HL_WaitTimer(mainPanel, MAIN_TIMER, IsInterrupted);
+                             : HL_WaitTimer(mainPanel, MAIN_TIMER, CPG_IsInterrupted);
     return fired == 1;
 }
 
@@ -96,7 +75,7 @@ int Follow()
         if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
         CPG_RepeatMessage();
-        if (IsInterrupted())
+        if (CPG_IsInterrupted())
             return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
@@ -113,7 +92,35 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     options = newOptions;
     CPG_SetProgramOptions(newOptions);
     CPG_SetScopeOptions(newOptions);
+    CPG_SetRecordOptions(newOptions);
     CPG_SetCompareOptions(newOptions);
+}
+
+void CPG_CatchInterrupts()
+{
+    std::signal(SIGINT, OnSignal);
+    std::signal(SIGTERM, OnSignal);
+}
+
+bool CPG_IsInterrupted()
+{
+    return isInterrupted != 0;
+}
+
+bool CPG_LoadWatchList()
+{
+    if (dat2litems(options.watchFile.c_str()) < 0) {
+        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    if (nLItems == 0) {
+        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
+        return false;
+    }
+    szDebugFileName = options.watchFile;
+    VR_FillDebugItems();
+    SetMainPanelAttributes();
+    return true;
 }
 
 void CPG_RepeatMessage()
@@ -129,9 +136,8 @@ void CPG_RepeatMessage()
 
 int CPG_RunWatch()
 {
-    std::signal(SIGINT, OnSignal);
-    std::signal(SIGTERM, OnSignal);
-    if (!LoadList())
+    CPG_CatchInterrupts();
+    if (!CPG_LoadWatchList())
         return 1;
     VIR2_StartPeriodicASC();
     if (isTimer == 0)

@@ -29,7 +29,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_BinSave, "binsave", {PLACE, LENGTH, PATH}},
     {SCR_XSave, "xsave", {PLACE, LENGTH, PATH}},
     {SCR_BinLoad, "binload", {PLACE, LENGTH, PATH}},
-    {nullptr, "dis", {PLACE, BYTE}},
+    {SCR_Dis, "dis", {PLACE, BYTE}}, // address, instructions
     {SCR_Upload, "upload", {PATH, PATH}},
     {SCR_Download, "download", {PATH, PATH, BYTE}},
     {SCR_HexLoad, "hexload", {PATH}},
@@ -51,6 +51,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_Procesor, "procesor", {COUNT}},
     {SCR_ListVars, "listvars", {TEXT}},
     {SCR_TypeMap, "tm", {PAR_EXTERN}}, // [file]
+    {SCR_Addr2Name, "addr2name", {PLACE}},
     {SCR_Ldx2Vldx, "ldx2vldx", {PATH, PATH, PATH}},
     {SCR_LdCmpLdx, "ldcmpldx", {PATH}},
     {SCR_MkCmpVldx, "mkcmpvldx", {PATH, PATH}},

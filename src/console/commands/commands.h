@@ -19,6 +19,9 @@ int SCR_Dump(ScrPar *par);
 int SCR_BinSave(ScrPar *par);
 int SCR_XSave(ScrPar *par);
 int SCR_BinLoad(ScrPar *par);
+// The target's code, and the names of its addresses.
+int SCR_Dis(ScrPar *par);
+int SCR_Addr2Name(ScrPar *par);
 // The data logger.
 int ScrFnGetLog(ScrPar *par);
 int ScrFnSaveLog(ScrPar *par);

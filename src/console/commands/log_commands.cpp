@@ -30,7 +30,7 @@ int SaveLogFiles(const DLLD_Log &log, const std::string &name, const std::string
     CON_Print("Writing log data to HDD ('%s' + .bin, .slog)", base.c_str());
     const int result = DLLD_SaveBinLogFe(base + ".bin", log);
     if (result == DLLD_ERR_HEADER)
-        return FailGetLog("Bad log header (" + name + ").");
+        return FailGetLog(DLLD_BadHeaderText(name));
     if (result == DLLD_ERR_OPEN)
         return FailGetLog("Couldn't open output file '" + base + ".bin'.");
     if (result < 0 || DLLD_SaveStdLogFe(base + ".slog", log) < 0)
@@ -60,7 +60,7 @@ int ShowSurvey(const std::string &name)
     CON_Print("Log:      %s, %d words at %06Xh", name.c_str(), survey.words, survey.address);
     CON_Print("Header:  %s (%s)", header.c_str(), survey.isGood ? "good" : "bad");
     if (!survey.isGood)
-        return Fail("dlldtst", "Bad log header (" + name + ").");
+        return Fail("dlldtst", DLLD_BadHeaderText(name));
     CON_Print("Filled:   %d words, %d %%", survey.filledWords,
               static_cast<int>(int64_t(100) * survey.filledWords / survey.words));
     CON_Print("First:    %s", FormatStamp(survey.firstStamp).c_str());

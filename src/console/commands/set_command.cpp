@@ -104,6 +104,16 @@ bool IsRegister(const Name &name)
     return known >= 0 && (mapped < 0 || aVarNode[mapped].addr == aVarNode166[known].addr);
 }
 
+// The TMS320 has registers of two words, and nothing but the next one's place tells which.
+bool IsOneWord(const Name &name)
+{
+    if (!IsWordAddressing(Procesor))
+        return true;
+    const uint32_t address = GetSysAddrWk(name.path.c_str());
+    const VarNode *next = VRN_RegisterAtOrAfter(address + 1);
+    return next && next->addr < address + 4;
+}
+
 // As assignments have it; then with a module's prefix in front ("DRV_nSpeed"), and registers.
 bool TypeByName(const Name &name, LItem *item, std::string *problem)
 {
@@ -112,7 +122,7 @@ bool TypeByName(const Name &name, LItem *item, std::string *problem)
         *problem = "texts cannot be set.";
     else if (code > 0)
         SetType(item, code);
-    else if (!DetectTypeByName(item, name.component.c_str()) && IsRegister(name))
+    else if (!DetectTypeByName(item, name.component.c_str()) && IsRegister(name) && IsOneWord(name))
         SetType(item, ATP_U2);
     else if (item->size == 0)
         *problem = "its type is not known: say it, as (u2) " + name.path + ".";

@@ -17,7 +17,8 @@ struct SET_Request {
 
 // "[(type)] [station:][&]name[.member][[index]][+offset] [= value]". The type is that of the
 // cast, of the type map or of the name's prefix, in this order; a register is u2. An address
-// ("$8100") needs the cast. 0, or -1 with one sentence in *problem.
+// ("$8100"), and a TMS320 register that may have two words, need the cast. 0, or -1 with one
+// sentence in *problem.
 int SET_Parse(const std::string &text, SET_Request *request, std::string *problem);
 // Writes or reads. 0 with the value that the target holds in *result and in the item; -1
 // with one sentence in *result.

@@ -133,7 +133,7 @@ void CON_SaveTextCB(int, int)
         VAL_NO_FILE_SELECTED)
         return;
     if (CON_SaveText(path) < 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 void CON_RunScriptCB(int, int)

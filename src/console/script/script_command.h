@@ -33,7 +33,7 @@ struct ScrRow {
 // The one table. The first SCR_cnTarget rows need the link, the rest does not.
 extern const ScrRow SCR_aTable[];
 constexpr int SCR_cnTarget = 25;
-constexpr int SCR_cnTable = 40;
+constexpr int SCR_cnTable = 41;
 
 // The command's result, or an SCR_ code. Error texts go to szScrFnErrMsg.
 int ExecScrCmd(const char *line, const ScrRow *table, int count);

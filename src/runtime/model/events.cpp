@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "runtime/model/door.h"
+#include "runtime/plot_view.h"
 
 namespace {
 
@@ -306,10 +307,10 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
                                     : event.number;
         return 0;
     case UIK_GRAPH:
-        if (!event.view || !MDL_IsViewGood(*event.view))
+        if (!event.view || !PLV_IsGood(*event.view))
             return MDL_STALE;
         control->graph = *event.view;
-        MDL_SettleGraph(control->plots, &control->graph);
+        PLV_Settle(control->plots, &control->graph);
         return 0;
     default:
         control->state.value = event.value != 0;

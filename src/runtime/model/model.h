@@ -130,10 +130,6 @@ void MDL_Flush(bool hasLists = true);
 // every now and then.
 void MDL_FlushNowAndThen();
 
-// Graphs: limits of a fitted view, cursors on samples that exist. Null plots are none.
-void MDL_SettleGraph(const std::vector<UI_Plot> &plots, UI_GraphView *view);
-bool MDL_IsViewGood(const UI_GraphView &view);
-
 // --- events -----------------------------------------------------------------------------------
 // Puts into the model what the user has typed, chosen and moved so far; the callbacks follow
 // in their turn. The control whose own event is being handled keeps the value it had then:

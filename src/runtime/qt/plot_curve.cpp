@@ -21,6 +21,13 @@ PlotCurve::PlotCurve(QCPAxis *keyAxis, QCPAxis *valueAxis, const UI_Plot &plot)
 {
 }
 
+void PlotCurve::setPlot(const UI_Plot &plot)
+{
+    if (plot.x != m_plot.x || plot.y != m_plot.y)
+        m_curve = PTH_Make(plot.x, plot.y);
+    m_plot = plot;
+}
+
 int PlotCurve::sampleAt(double x) const
 {
     const std::vector<double> &all = *m_plot.x;
@@ -102,8 +109,13 @@ void PlotCurve::drawColumns(QCPPainter *painter) const
         if (!(low <= high))
             continue;
         const double x = left + column.pixel;
-        strokes.append(QLineF(x, Near(mValueAxis->coordToPixel(low)), x,
-                              Near(mValueAxis->coordToPixel(high))));
+        const double foot = Near(mValueAxis->coordToPixel(low));
+        const double top = Near(mValueAxis->coordToPixel(high));
+        // A stroke without a length is not drawn: a level one takes the width of its column.
+        if (foot - top < 1)
+            strokes.append(QLineF(x - 1, foot, x, foot));
+        else
+            strokes.append(QLineF(x, foot, x, top));
     }
     painter->drawLines(strokes);
 }

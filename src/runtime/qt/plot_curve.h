@@ -14,6 +14,7 @@ public:
     {
         return m_plot;
     }
+    void setPlot(const UI_Plot &plot); // other samples are looked through once
     // The sample nearest to x; -1 when there is none.
     int sampleAt(double x) const;
 

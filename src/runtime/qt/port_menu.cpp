@@ -1,14 +1,12 @@
 #include "runtime/qt/port_menu.h"
 
 #include <QAction>
-#include <QDir>
 #include <QFileInfo>
 #include <QMenu>
 #include <QMessageBox>
-#include <QSerialPortInfo>
 
+#include "platform/port_list.h"
 #include "platform/serial.h"
-#include "platform/system.h"
 #include "runtime/qt/qt_view.h"
 #include "ui/resource.h"
 
@@ -16,68 +14,48 @@ namespace {
 
 constexpr int PORTS_SHOWN = 9; // COM1 to COM9 have an item of their own
 
-QString NameAndDescription(const QSerialPortInfo &info)
+QString NameAndDescription(const PTL_Port &port)
 {
-    return info.description().isEmpty() ? info.portName()
-                                        : info.portName() + ", " + info.description();
-}
-
-// The kernel lists four legacy ports whether or not there is a chip behind them.
-bool IsReal(const QSerialPortInfo &info)
-{
-    return !info.description().isEmpty() || !info.manufacturer().isEmpty() ||
-           info.hasProductIdentifier();
-}
-
-bool IsDevice(const QSerialPortInfo &info, const QString &path)
-{
-    if (info.systemLocation().compare(path, Qt::CaseInsensitive) == 0)
-        return true;
-    const QString target = QFileInfo(path).canonicalFilePath();
-    return !target.isEmpty() && QFileInfo(info.systemLocation()).canonicalFilePath() == target;
-}
-
-// Where numbers are the system's own there are no links to write.
-bool AreLinksUsed()
-{
-    return PLT_PathSeparator() == '/' && !PLT_ConfigDir().empty();
+    const QString name = QFileInfo(QTV_ToQt(port.device)).fileName();
+    return port.description.empty() ? name : name + ", " + QTV_ToQt(port.description);
 }
 
 void FillAssignMenu(QMenu *assign)
 {
     assign->clear();
-    const QList<QSerialPortInfo> infos = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo &info : infos) {
-        if (!IsReal(info))
-            continue;
-        QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(info).toStdString()));
-        const QString location = info.systemLocation();
+    for (const PTL_Port &found : PTL_List()) {
+        QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(found).toStdString()));
+        const QString location = QTV_ToQt(found.device);
         for (int port = 1; port <= PORTS_SHOWN; port++)
             device->addAction(QString("COM&%1").arg(port), device,
                               [port, location] { QTV_AssignPort(port, location); });
     }
-    assign->menuAction()->setVisible(AreLinksUsed() && !assign->isEmpty());
+    assign->menuAction()->setVisible(PTL_CanAssign() && !assign->isEmpty());
 }
 
 // What the menu shows behind "COM<n>": "" when there is no such device.
-QString Describe(int port, const QList<QSerialPortInfo> &infos)
+QString Describe(int port, const std::vector<PTL_Port> &ports)
 {
-    const QString path = QTV_ToQt(SER_DevicePath(port));
-    for (const QSerialPortInfo &info : infos)
-        if (IsDevice(info, path))
-            return NameAndDescription(info);
-    const QFileInfo file(path); // a pseudo terminal is not in the system's list
-    return file.exists() ? file.canonicalFilePath() : QString();
+    for (const PTL_Port &found : ports) {
+        if (found.number != port)
+            continue;
+        // A device without a number is listed with the one it would get: it has none yet.
+        const QFileInfo used(QTV_ToQt(SER_DevicePath(port))), device(QTV_ToQt(found.device));
+        if (PTL_CanAssign() && used.canonicalFilePath() != device.canonicalFilePath())
+            return QString();
+        return found.description.empty() ? QTV_ToQt(found.device) : NameAndDescription(found);
+    }
+    return QString();
 }
 
 void RefreshItems()
 {
-    const QList<QSerialPortInfo> infos = QSerialPortInfo::availablePorts();
+    const std::vector<PTL_Port> ports = PTL_List();
     for (int port = 1; port <= PORTS_SHOWN; port++) {
         QAction *action = QTV_MenuAction(ITEM_PORT_FIRST + port - 1);
         if (!action)
             continue;
-        QString found = Describe(port, infos);
+        QString found = Describe(port, ports);
         found.replace('&', "&&");
         const QString name = QString("COM&%1").arg(port);
         action->setText(found.isEmpty() ? name : name + QString::fromUtf8(" \u2014 ") + found);
@@ -98,24 +76,17 @@ void Tell(QMessageBox::Icon icon, const QString &title, const QString &message)
 
 QString QTV_DescribePort(int port)
 {
-    return Describe(port, QSerialPortInfo::availablePorts());
+    return Describe(port, PTL_List());
 }
 
 int QTV_AssignPort(int port, const QString &device)
 {
-    const QString folder = QTV_ToQt(PLT_ConfigDir()) + "/ports";
-    const QString link = folder + QString("/COM%1").arg(port);
-    const QString fresh = link + ".new";
-    QFile::remove(fresh);
-    // The new link takes the old one's place in one step.
-    if (!QDir().mkpath(folder) || !QFile::link(device, fresh) ||
-        PLT_ReplaceFile(fresh.toStdString(), link.toStdString()) < 0) {
-        QFile::remove(fresh);
-        Tell(QMessageBox::Warning, "Error", "Cannot write the link " + link + ".");
+    if (PTL_Assign(device.toStdString(), port) < 0) {
+        Tell(QMessageBox::Warning, "Error", QString("Cannot write the link of COM%1.").arg(port));
         return -1;
     }
-    const QString used = QTV_ToQt(SER_DevicePath(port));
-    if (used != link && used != device)
+    // Numbers of the environment come first.
+    if (qEnvironmentVariableIsSet(QString("VIREO2_COM%1").arg(port).toLatin1().constData()))
         Tell(QMessageBox::Information, "Message",
              QString("The environment variable VIREO2_COM%1 overrides this choice.").arg(port));
     return 0;

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "comm/communication.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -271,5 +272,5 @@ void LEV_SnapshotCB(int /*menuBar*/, int /*item*/)
     if (result == 0)
         VR_ShowMessage("Saved: " + path);
     else
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }

@@ -1,6 +1,7 @@
 // Reading the value of one watch item: from the C166, or through the mailbox from the
 // TMS320, with the reason of a failure kept for the user.
 #include "watch/list/read_item.h"
+#include "comm/grouping.h"
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
@@ -9,6 +10,8 @@
 #include "text/bytes.h"
 #include "watch/list/age.h"
 #include "watch/list/litem.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -19,6 +22,12 @@ const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
 const char NO_PROOF[] = "no answer to the proof that the line is in step";
+
+// A block that was refused may hold a byte that cannot be read: for a while nothing is read
+// together then.
+constexpr uint32_t APART_MS = 10000;
+bool isApart = false;
+uint32_t apartSinceMs = 0;
 
 uint32_t doubtsBefore = 0; // UCM_CountDoubts when the oldest held reading was made
 
@@ -90,6 +99,16 @@ void Fail(LItem *item, uint32_t nowMs, const std::string &reason)
     item->isValueGood = false;
     item->isHeld = false;
     item->reason = reason;
+}
+
+// A value out of a block, from its first byte.
+void Hold(LItem *item, LItemReading reading, const uint8_t *bytes)
+{
+    const size_t size = static_cast<size_t>(item->size);
+    reading.value = static_cast<uint32_t>(BYT_GetLittle(bytes, std::min<size_t>(size, 4)));
+    reading.valueHigh = size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
+    item->held = reading;
+    item->isHeld = true;
 }
 
 std::vector<int> HeldItems()
@@ -173,6 +192,75 @@ int readValues(int index)
     item->held = reading;
     item->isHeld = true;
     return 0;
+}
+
+std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end)
+{
+    isApart = isApart && PLT_TickMs() - apartSinceMs < APART_MS;
+    std::vector<std::vector<int>> blocks;
+    std::vector<GRP_Item> together;
+    std::vector<int> indices;
+    for (int i = from; i < end; ++i) {
+        const LItem &item = aLItems[i];
+        if (isApart || LIT_IsTMS(item) || !LIT_HasAddress(item)) {
+            blocks.push_back({i});
+            continue;
+        }
+        together.push_back({LIT_Station(item), item.address, static_cast<uint32_t>(item.size)});
+        indices.push_back(i);
+    }
+    const GRP_Wire wire = GRP_ReadWire(VR_nProtocol);
+    for (const GRP_Block &block : GRP_Plan(together, wire, GRP_ReadRules(Procesor))) {
+        blocks.emplace_back();
+        for (const size_t i : block.items)
+            blocks.back().push_back(indices[i]);
+        std::sort(blocks.back().begin(), blocks.back().end());
+    }
+    // In the order of the list, as one looks at it.
+    std::sort(blocks.begin(), blocks.end());
+    return blocks;
+}
+
+int RDI_ReadBlock(const std::vector<int> &indices)
+{
+    uint32_t begin = UINT32_MAX, end = 0;
+    for (const int index : indices) {
+        const LItem &item = aLItems[index];
+        begin = std::min(begin, item.address);
+        end = std::max(end, item.address + static_cast<uint32_t>(item.size));
+    }
+    if (indices.size() == 1)
+        return readValues(indices[0]);
+    if (IsWordAddressing(Procesor)) { // words stay whole
+        begin -= begin % 2;
+        end += end % 2;
+    }
+    if (HeldItems().empty())
+        doubtsBefore = UCM_CountDoubts();
+    LItemReading reading;
+    reading.station = LIT_Station(aLItems[indices[0]]);
+    std::vector<uint8_t> bytes(end - begin);
+    UCM_Statistics before;
+    UCM_GetStatistics(&before);
+    const int result = UCM_Read(reading.station, begin, end - begin, bytes.data());
+    reading.tickMs = PLT_TickMs();
+    if (result < 0 && UCM_CauseSince(before) == UCM_CAUSE_REFUSED) {
+        isApart = true;
+        apartSinceMs = reading.tickMs;
+        int first = 0;
+        for (const int index : indices) {
+            const int single = readValues(index);
+            first = first != 0 ? first : single;
+        }
+        return first;
+    }
+    for (const int index : indices) {
+        if (result < 0)
+            Fail(&aLItems[index], reading.tickMs, UCM_LastErrorText());
+        else
+            Hold(&aLItems[index], reading, &bytes[aLItems[index].address - begin]);
+    }
+    return result < 0 ? -1 : 0;
 }
 
 std::vector<int> RDI_Prove()

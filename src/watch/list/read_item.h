@@ -15,6 +15,13 @@ int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox 
 // has failed, with its reason. Without an address it fails without a request being sent.
 int readValues(int index);
 
+// Items by index, from <= index < end, with those together that one request reads. Items that
+// have no address or are behind a mailbox stand alone.
+std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end);
+// readValues for a block of the plan: by one request, or one by one when that is refused. The
+// first result that is not 0; what failed has its reason.
+int RDI_ReadBlock(const std::vector<int> &indices);
+
 // Proves everything that is held back and puts it into the items; reads again, a bounded
 // number of times, what the line may have mixed up. What cannot be proven has failed. The
 // indices of the items that failed by it; empty when all is good.

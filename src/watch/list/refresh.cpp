@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 #include "comm/communication.h"
 #include "platform/system.h"
@@ -71,8 +72,60 @@ void NoteFailure(int index, int result)
         lastFailure = LIT_Label(aLItems[index]) + ": " + aLItems[index].reason;
 }
 
+// At the faster rates neighbours are read together: the blocks of this sweep, and which of
+// them have been read.
+std::vector<std::vector<int>> blocks;
+std::vector<bool> isBlockRead;
+
+void PlanSweep(int first)
+{
+    blocks.clear();
+    if (Option_nSweepRate != 1)
+        blocks = RDI_PlanBlocks(first, std::min(first + LSV_LinesInView(), nLItems));
+    isBlockRead.assign(blocks.size(), false);
+}
+
+// The block with this item, or blocks.size().
+size_t BlockOf(int index)
+{
+    size_t i = 0;
+    while (i < blocks.size() &&
+           std::find(blocks[i].begin(), blocks[i].end(), index) == blocks[i].end())
+        ++i;
+    return i;
+}
+
+bool IsReadInSweep(int index)
+{
+    const size_t block = BlockOf(index);
+    return block < blocks.size() && isBlockRead[block];
+}
+
+// One request counts as one failure, however many items it was for.
+void ReadBlock(size_t block)
+{
+    isBlockRead[block] = true;
+    bool isNoted = false;
+    RDI_ReadBlock(blocks[block]);
+    for (const int index : blocks[block]) {
+        isAnyGood = isAnyGood || aLItems[index].isHeld;
+        if (aLItems[index].isHeld)
+            continue;
+        LSV_ShowLine(index);
+        if (!isNoted)
+            NoteFailure(index, -1);
+        isNoted = true;
+    }
+}
+
 void ReadItem(int index)
 {
+    const size_t block = BlockOf(index);
+    if (block < blocks.size() && blocks[block].size() > 1) {
+        if (!isBlockRead[block])
+            ReadBlock(block);
+        return;
+    }
     const int result = readValues(index);
     if (result == 0) {
         isAnyGood = true;
@@ -207,6 +260,14 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
         if (index >= nLItems || UpdItem >= LSV_LinesInView()) {
             UpdItem = 0;
             index = first;
+        }
+        if (index == first)
+            PlanSweep(first);
+        // As fast as the line allows, no tick goes by without a request.
+        while (Option_nSweepRate == 0 && UpdItem + 1 < LSV_LinesInView() && index + 1 < nLItems &&
+               IsReadInSweep(index)) {
+            ++UpdItem;
+            ++index;
         }
         ++UpdItem;
         updateListTextBox(index);

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "comm/sysaddr.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
@@ -101,7 +102,7 @@ std::string PlaceText()
 {
     LItem item;
     if (TypedName().find_first_not_of(' ') == std::string::npos)
-        return "A name from the map, or an address such as $1F00; 3: in front for station 3.";
+        return ADR_HINT;
     const int result = EDT_Parse(TypedName(), ANY_TYPE, &item);
     if (result != 0)
         return EDT_ErrorText(result);

@@ -89,7 +89,7 @@ std::string FindPlace(const std::string &text, Place *place)
     const char *cursor = text.c_str();
     place->station = GetStationModifier(&cursor);
     if (place->station > STATION_MAX)
-        return "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
+        return ADR_StationText();
     const std::string what = WRD_Trim(cursor);
     if (what.empty())
         return "An address or a name is missing behind the station.";
@@ -100,9 +100,7 @@ std::string FindPlace(const std::string &text, Place *place)
     }
     place->memory = what[0] == '&' ? OF_TMS : OF_C166;
     place->address = GetSysAddrWk(what.c_str());
-    return place->address == ADDR_NONE
-               ? "'" + what + "' is no address, and no loaded map knows such a name."
-               : "";
+    return place->address == ADDR_NONE ? ADR_UnknownText(what) : "";
 }
 
 int StationToRead()

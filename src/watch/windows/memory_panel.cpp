@@ -104,7 +104,7 @@ std::string TypedAddress()
 bool FindStart(uint32_t *address, int *station, std::string *message)
 {
     const std::string text = TypedAddress();
-    *message = "A name from the map, or an address such as $1F00; 3: in front for station 3.";
+    *message = ADR_HINT;
     if (text.find_first_not_of(' ') == std::string::npos)
         return false;
     *address = GetSysAddrM(text.c_str(), station);
@@ -114,10 +114,10 @@ bool FindStart(uint32_t *address, int *station, std::string *message)
         ++name;
     *message = *name == '&' ? "The memory of a TMS320 behind a station is not bytes: use a watch "
                               "item or the memory box."
-                            : "'" + text + "' is no address, and no loaded map knows such a name.";
+                            : ADR_UnknownText(text);
     if (*address == ADDR_NONE || *name == '&')
         return false;
-    *message = "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
+    *message = ADR_StationText();
     return *station <= STATION_MAX;
 }
 

@@ -1,0 +1,165 @@
+// The watch list's values into a CSV file as they come, for hours and without a window. What
+// there is to say goes to standard error, a summary at the end.
+#include <algorithm>
+#include <cstdio>
+
+#include "app/console_program/sessions.h"
+#include "comm/communication.h"
+#include "comm/ucm.h"
+#include "platform/system.h"
+#include "runtime/userint.h"
+#include "sampler/record_job.h"
+#include "settings/settings.h"
+#include "watch/list/litem.h"
+
+namespace {
+
+constexpr uint32_t PORT_PERIOD_MS = 500;  // between two looks at an unplugged port
+constexpr int64_t WAIT_MAX_US = 50000;    // so that an interrupt is heard
+constexpr int64_t SHORTEST_WAIT_US = 500; // less is no use to sleep for
+
+CPG_Options options;
+
+void Say(const std::string &text)
+{
+    std::fprintf(stderr, "%s\n", text.c_str());
+}
+
+void Beep()
+{
+    std::fputs("\a", stderr);
+}
+
+bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
+{
+    for (const std::string &line : options.triggers) {
+        TRG_Trigger trigger;
+        std::string problem;
+        if (TRG_Parse(line, &trigger, &problem) != 0) {
+            Say("Trigger '" + line + "': " + problem + ".");
+            return false;
+        }
+        const bool isKnown = std::any_of(aLItems, aLItems + nLItems, [&](const LItem &item) {
+            return SMP_FromWatch(item).name == trigger.item;
+        });
+        if (!isKnown) {
+            Say("Trigger '" + line + "': no item '" + trigger.item + "' in the watch list.");
+            return false;
+        }
+        triggers->push_back(trigger);
+    }
+    return true;
+}
+
+std::vector<SMP_Item> ItemsOfList()
+{
+    std::vector<SMP_Item> items;
+    for (int i = 0; i < nLItems; ++i)
+        items.push_back(SMP_FromWatch(aLItems[i]));
+    return items;
+}
+
+// An unplugged port is a gap; the recording goes on when it is back.
+void FollowPort(RCJ_Job *job)
+{
+    static bool wasGone = false;
+    static uint32_t lookedMs = 0;
+    const bool isGone = UCM_IsOpened() == 0 || UCM_IsGone();
+    if (!isGone && !wasGone)
+        return;
+    if (isGone && !wasGone)
+        RCJ_Interrupt(job, "the port is gone");
+    wasGone = isGone;
+    if (!isGone)
+        RCJ_Note(job, "gap", "the port is back");
+    else if (PLT_TickMs() - lookedMs >= PORT_PERIOD_MS) {
+        lookedMs = PLT_TickMs();
+        VR_FollowPort();
+        CPG_RepeatMessage();
+    }
+}
+
+void Wait(int64_t us)
+{
+    us = std::min(us, WAIT_MAX_US);
+    if (us >= SHORTEST_WAIT_US)
+        PLT_SleepMs(static_cast<unsigned>(std::max<int64_t>(us / 1000, 1)));
+}
+
+// Until the time is over, somebody interrupts or the job ends by itself.
+void Follow(RCJ_Job *job)
+{
+    const uint64_t startUs = PLT_TickUs();
+    const double limitUs = options.recordSeconds * 1e6;
+    while (!CPG_IsInterrupted()) {
+        const double elapsedUs = static_cast<double>(PLT_TickUs() - startUs);
+        if (limitUs > 0 && elapsedUs >= limitUs)
+            return;
+        const int64_t waitUs = RCJ_Step(job);
+        if (waitUs == SMP_IDLE)
+            return;
+        FollowPort(job);
+        if (waitUs > 0)
+            Wait(limitUs > 0 ? std::min(waitUs, static_cast<int64_t>(limitUs - elapsedUs) + 1)
+                             : waitUs);
+    }
+}
+
+int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
+{
+    REC_Options file;
+    file.path = options.recordFile;
+    file.rotateBytes = options.rotateBytes;
+    file.rotateMinutes = options.rotateMinutes;
+    const RCJ_Listener listener = {Say, Beep};
+    std::string problem;
+    int result =
+        RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener, &problem);
+    if (result == REC_ERR_EXISTS) {
+        file.mayReplace =
+            ConfirmPopup("Record", "The file '" + file.path + "' exists. Replace it?") == 1;
+        if (file.mayReplace)
+            result = RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener,
+                               &problem);
+    }
+    if (result != 0)
+        Say(problem);
+    return result;
+}
+
+int Record(const std::vector<TRG_Trigger> &triggers)
+{
+    RCJ_Job job;
+    if (Begin(&job, triggers) != 0)
+        return 1;
+    Follow(&job);
+    const bool isEarly = CPG_IsInterrupted() && options.recordSeconds > 0;
+    const bool isKept = RCJ_Stop(&job) == 0;
+    Say(RCJ_Summary(job, bRate));
+    if (isEarly)
+        Say("Interrupted.");
+    const SMP_Totals &totals = job.sampler.totals;
+    const bool isAnyGood = totals.samples == 0 || totals.failed < totals.samples;
+    return isKept && !isEarly && isAnyGood ? 0 : 1;
+}
+
+} // namespace
+
+void CPG_SetRecordOptions(const CPG_Options &newOptions)
+{
+    options = newOptions;
+}
+
+int CPG_RunRecord()
+{
+    CPG_CatchInterrupts();
+    std::vector<TRG_Trigger> triggers;
+    if (!CPG_LoadWatchList() || !ParseTriggers(&triggers))
+        return 1;
+    VIR2_StartPeriodicASC();
+    if (isTimer == 0)
+        return 1;
+    const int result = Record(triggers);
+    VIR2_StopPeriodicASC();
+    return result;
+}

@@ -1,0 +1,72 @@
+#include "app/console_program/serve_input.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <cstdio>
+#include <deque>
+#include <mutex>
+#include <thread>
+
+namespace {
+
+struct Line {
+    int kind;
+    std::string text;
+};
+
+// Never freed: the thread may still wait in a read when the program ends.
+struct Queue {
+    std::mutex mutex;
+    std::condition_variable hasLine, hasRoom;
+    std::deque<Line> lines;
+};
+Queue *queue = nullptr;
+
+void Put(Line line)
+{
+    std::unique_lock<std::mutex> lock(queue->mutex);
+    queue->hasRoom.wait(lock, [] { return queue->lines.size() < SRI_QUEUE_MAX; });
+    queue->lines.push_back(std::move(line));
+    queue->hasLine.notify_one();
+}
+
+void ReadAll()
+{
+    std::string text;
+    bool isTooLong = false;
+    for (int c = std::getchar(); c != EOF; c = std::getchar()) {
+        if (c != '\n') {
+            isTooLong = isTooLong || text.size() == SRI_LINE_MAX;
+            if (!isTooLong)
+                text.push_back(static_cast<char>(c));
+            continue;
+        }
+        Put({isTooLong ? SRI_TOO_LONG : SRI_LINE, isTooLong ? "" : text});
+        text.clear();
+        isTooLong = false;
+    }
+    // A request that was cut off by the end is no request.
+    Put({SRI_END, ""});
+}
+
+} // namespace
+
+void SRI_Start()
+{
+    queue = new Queue;
+    std::thread(ReadAll).detach();
+}
+
+int SRI_Next(unsigned waitMs, std::string *line)
+{
+    std::unique_lock<std::mutex> lock(queue->mutex);
+    const auto isReady = [] { return !queue->lines.empty(); };
+    if (!queue->hasLine.wait_for(lock, std::chrono::milliseconds(waitMs), isReady))
+        return SRI_NONE;
+    const int kind = queue->lines.front().kind;
+    *line = std::move(queue->lines.front().text);
+    if (kind != SRI_END) // the end stays the end
+        queue->lines.pop_front();
+    queue->hasRoom.notify_one();
+    return kind;
+}

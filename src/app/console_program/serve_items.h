@@ -1,0 +1,23 @@
+// What a client of --serve names, as watch items: each text with its type has a place in
+// aLItems, so that names follow the maps and values are read, proven, ranged and written
+// as everywhere else.
+#ifndef APP_CONSOLE_PROGRAM_SERVE_ITEMS_H
+#define APP_CONSOLE_PROGRAM_SERVE_ITEMS_H
+
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+typedef nlohmann::ordered_json SRV_Json;
+
+SRV_Json SRV_Error(const std::string &code, const std::string &message);
+
+// The place of an item, "nSpeed" or {"name": "[8010]", "type": "u2"}; -1 with *error. Places are
+// given up when all are used, unless `isKept` (somebody watches some of them).
+int SRV_FindItem(const SRV_Json &item, bool isKept, SRV_Json *error);
+void SRV_ForgetItems();
+
+SRV_Json SRV_DescribePlace(int index); // name, address, type, size, station
+SRV_Json SRV_DescribeValue(int index); // name, value, text, raw; or name and error
+
+#endif

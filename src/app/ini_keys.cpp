@@ -1,0 +1,244 @@
+#include "app/ini_keys.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "app/window_places.h"
+#include "platform/plain_file.h"
+#include "sets/window.h"
+#include "settings/settings.h"
+#include "symbols/mapfile.h"
+#include "symbols/typemap.h"
+#include "symbols/varnode.h"
+#include "text/words.h"
+#include "watch/list/list_file.h"
+#include "watch/list/list_view.h"
+#include "watch/list/refresh.h"
+#include "watch/main_window.h"
+#include "watch/windows/map_loading.h"
+
+INI_Reading INI_reading;
+
+namespace {
+
+constexpr int RECENT_READ_MAX = 8; // one more only ever takes the ninth place, uncounted
+
+struct Word {
+    const char *text;
+    int value;
+};
+constexpr Word PROCESSORS[] = {
+    {"AC166", CPU_C166}, {"AC167", CPU_C167}, {"F283xx", CPU_F283XX}, {"F2803x", CPU_F2803X}};
+constexpr Word PROTOCOLS[] = {{"COM166", PROTOCOL_MR166}, {"MODBUS", PROTOCOL_MODBUS}};
+
+template <size_t N> const Word *FindWord(const Word (&words)[N], const std::string &text)
+{
+    for (const Word &word : words)
+        if (text == word.text)
+            return &word;
+    return nullptr;
+}
+
+template <size_t N> const char *WordOf(const Word (&words)[N], int value)
+{
+    for (const Word &word : words)
+        if (word.value == value)
+            return word.text;
+    return nullptr;
+}
+
+int32_t ToNumber(const std::string &text)
+{
+    const long value = std::strtol(text.c_str(), nullptr, 10);
+    return static_cast<int32_t>(std::clamp<long>(value, INT32_MIN, INT32_MAX));
+}
+
+// Whether a file was read. One that was not is named with the reason, and its line kept.
+bool IsLoaded(const char *what, const std::string &path, int result, std::string *keptLine)
+{
+    if (result >= 0)
+        return true;
+    const char *reason =
+        result == MAP_ERR_NO_SYMBOL ? MAP_ErrorText(result) : PLF_WhyUnreadable(path);
+    INI_reading.problems.push_back(std::string(what) + " '" + WRD_Visible(path) + "' " + reason +
+                                   ".");
+    *keptLine = INI_reading.lineValue;
+    return false;
+}
+
+void ReadProcessor(const std::string &, const std::string &value)
+{
+    if (const Word *word = FindWord(PROCESSORS, value))
+        Procesor = word->value;
+    initRgMap(Procesor);
+}
+
+void ReadProtocol(const std::string &, const std::string &value)
+{
+    if (const Word *word = FindWord(PROTOCOLS, value))
+        VR_nProtocol = static_cast<int16_t>(word->value);
+}
+
+void ReadAutoOff(const std::string &key, const std::string &)
+{
+    Option_AutoOff = key == "o+";
+}
+
+void ReadMapFile(const std::string &, const std::string &path)
+{
+    if (path.empty())
+        return;
+    const bool isTms = IsWordAddressing(Procesor);
+    const int result = isTms ? TMSmap2node(path.c_str()) : map2node(path.c_str());
+    if (!IsLoaded("Map file", path, result, &INI_reading.kept.map))
+        return;
+    szMapFileName = path;
+    GetFileStamp(&szMapFileStamp, path.c_str());
+}
+
+// The stamp is that of the map named before: a reload then sees the new one as changed.
+void ReadTmsMapFile(const std::string &, const std::string &path)
+{
+    if (path.empty() ||
+        !IsLoaded("Map file", path, TMSmap2node(path.c_str()), &INI_reading.kept.map))
+        return;
+    GetFileStamp(&szMapFileStamp, szMapFileName.c_str());
+    szMapFileName = path;
+}
+
+void ReadDebugFile(const std::string &, const std::string &path)
+{
+    if (path.empty() ||
+        !IsLoaded("Watch list", path, dat2litems(path.c_str()), &INI_reading.kept.debugFile))
+        return;
+    szDebugFileName = path;
+    SetMainPanelTitle();
+    VR_FillDebugItems();
+}
+
+// The map of a TMS320 behind the station. With a TMS320 selected it has no use now: its line
+// waits for the C166.
+void ReadSecondMap(const std::string &, const std::string &path)
+{
+    if (IsWordAddressing(Procesor))
+        INI_reading.kept.tmsMap = INI_reading.lineValue;
+    else if (!path.empty())
+        (void)IsLoaded("Map file", path, TMSmap2node(path.c_str()), &INI_reading.kept.tmsMap);
+}
+
+void ReadTypes(const std::string &, const std::string &path)
+{
+    if (!path.empty())
+        (void)IsLoaded("Type map file", path, TMF_OpenMap(path.c_str()), &INI_reading.kept.types);
+}
+
+void ReadRecent(const std::string &, const std::string &path)
+{
+    if (path.empty()) // a bare key, or a path that is no path
+        return;
+    if (nDebugFileNames < RECENT_READ_MAX)
+        szaDebugFileNames[static_cast<size_t>(nDebugFileNames++)] = path;
+    else
+        szaDebugFileNames[RECENT_READ_MAX] = path;
+}
+
+void ReadBaud(const std::string &, const std::string &value)
+{
+    bRate = ToNumber(value);
+    INI_reading.baud = {INI_reading.lineNumber, bRate};
+}
+
+void ReadPort(const std::string &, const std::string &value)
+{
+    ncom = ToNumber(value);
+    INI_reading.port = {INI_reading.lineNumber, ncom};
+}
+
+void ReadStation(const std::string &, const std::string &value)
+{
+    STATION = ToNumber(value);
+    INI_reading.station = {INI_reading.lineNumber, STATION};
+}
+
+void ReadDriver(const std::string &, const std::string &value)
+{
+    Option_ComWin32 = value == "WIN32";
+}
+
+void ReadFullCommands(const std::string &, const std::string &)
+{
+    VR_isFullCommandSet = true;
+    VR_isFullOnce = false; // kept, whatever this run's options say
+}
+
+void ReadSweepRate(const std::string &, const std::string &value)
+{
+    const int32_t rate = ToNumber(value);
+    if (value == INI_RATE_FAST)
+        Option_nSweepRate = 0;
+    else if (rate > 0 && RFR_IsRate(rate))
+        Option_nSweepRate = rate;
+}
+
+void ReadEcho(const std::string &, const std::string &)
+{
+    Option_Echo = 1;
+    VR_isEchoOnce = false; // kept, whatever this run's options say
+}
+
+// Shown once the window is there.
+void ReadView(const std::string &, const std::string &value)
+{
+    VR_isWatchView = value == "watch";
+}
+
+void ReadWindow(const std::string &, const std::string &)
+{
+    WPL_ReadWindow(INI_reading.lineValue);
+}
+
+void ReadColumns(const std::string &, const std::string &)
+{
+    WPL_ReadColumns(INI_reading.lineValue);
+}
+
+// Opened with the window that shows it: maps may follow in the file.
+void ReadSetHeader(const std::string &, const std::string &path)
+{
+    CFW_SetHeader(path);
+}
+
+constexpr INI_Key KEYS[] = {
+    {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
+    {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
+    {"m", true, ReadMapFile},        {"mt", true, ReadTmsMapFile},
+    {"d", true, ReadDebugFile},      {"d0", true, ReadDebugFile},
+    {"d#", true, ReadRecent},        {"b", false, ReadBaud},
+    {"p", false, ReadPort},          {"s", false, ReadStation},
+    {"COM", false, ReadDriver},      {"full", false, ReadFullCommands},
+    {"view", false, ReadView},       {"m2", true, ReadSecondMap},
+    {"tm", true, ReadTypes},         {"window", false, ReadWindow},
+    {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
+    {"rate", false, ReadSweepRate},  {"set", true, ReadSetHeader},
+};
+
+} // namespace
+
+const INI_Key *INI_FindKey(const std::string &text)
+{
+    const bool isRecent = text.size() == 2 && text[0] == 'd' && text[1] >= '1' && text[1] <= '9';
+    for (const INI_Key &key : KEYS)
+        if (text == key.key || (isRecent && std::string("d#") == key.key))
+            return &key;
+    return nullptr;
+}
+
+const char *INI_ProcessorWord(int processor)
+{
+    return WordOf(PROCESSORS, processor);
+}
+
+const char *INI_ProtocolWord(int protocol)
+{
+    return WordOf(PROTOCOLS, protocol);
+}

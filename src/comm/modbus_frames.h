@@ -1,0 +1,32 @@
+// The frames of the Modbus line as the book of open answers sees them: the shape of what was
+// asked and of what came, the length of an answer that has begun, and the probes. No state.
+// Only modbus_step.cpp calls this.
+#ifndef COMM_MODBUS_FRAMES_H
+#define COMM_MODBUS_FRAMES_H
+
+#include "comm/in_step.h"
+
+#include <cstdint>
+#include <vector>
+
+constexpr size_t MBF_CRC_BYTES = 2;
+constexpr uint8_t MBF_EXCEPTION_BIT = 0x80;
+constexpr int MBF_FUNCTION_SHIFT = 24; // of a shape: the function stands above the rest
+
+// A read is known by function and data bytes, a write by function, place and the low byte of
+// the quantity or value, which its answer repeats. No exceptions here.
+STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame);
+STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame);
+// Length of the answer that begins like this; 0 when none does, SIZE_MAX when that cannot be
+// told yet.
+size_t MBF_AnswerLength(const uint8_t *bytes, size_t count);
+bool MBF_IsSound(const uint8_t *frame, size_t length); // its CRC is good
+bool MBF_IsTunnel(const uint8_t *frame);               // a request that carries target memory
+
+// Short reads that are not among the usual sizes of variables.
+extern const STEP_Shape MBF_aProbeShapes[];
+extern const size_t MBF_cnProbeShapes;
+// A read of memory from address 0 on, where reading does no harm.
+std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape);
+
+#endif

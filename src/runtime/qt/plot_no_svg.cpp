@@ -1,0 +1,11 @@
+#include "runtime/qt/plot_svg.h"
+
+bool PSV_CanSave()
+{
+    return false;
+}
+
+bool PSV_Save(QCustomPlot *, const QString &)
+{
+    return false;
+}

@@ -1,0 +1,36 @@
+// A graph as a picture: on the clipboard and in files.
+#include "runtime/qt/plot_svg.h"
+#include "runtime/qt/plot_widget.h"
+
+void PlotWidget::copyPicture()
+{
+    QApplication::clipboard()->setPixmap(toPixmap());
+}
+
+bool PlotWidget::saveTo(const QString &path)
+{
+    if (path.endsWith(".pdf", Qt::CaseInsensitive))
+        return savePdf(path);
+    if (path.endsWith(".svg", Qt::CaseInsensitive))
+        return PSV_Save(this, path);
+    return savePng(path);
+}
+
+void PlotWidget::savePicture()
+{
+    QStringList filters = {"PNG (*.png)", "PDF (*.pdf)"};
+    if (PSV_CanSave())
+        filters << "SVG (*.svg)";
+    auto *dialog = new QFileDialog(this, "Save picture", QString(), filters.join(";;"));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix("png");
+    connect(dialog, &QFileDialog::filterSelected, dialog, [dialog](const QString &filter) {
+        dialog->setDefaultSuffix(filter.left(3).toLower());
+    });
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString &path) {
+        if (!saveTo(path))
+            QMessageBox::warning(this, "Error", "Could not write the file " + path + ".");
+    });
+    dialog->open();
+}

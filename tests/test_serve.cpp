@@ -1,0 +1,114 @@
+// Another program's requests over standard input and output: values, refusals, watches, bad
+// lines, and the client that is shipped as an example.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <sstream>
+#include <sys/wait.h>
+
+#include "sim/sim.h"
+#include "support/scratch.h"
+
+namespace {
+
+class Serve : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        std::string error;
+        target = SIM_Start({}, &error);
+        ASSERT_TRUE(target) << error;
+        setenv("VIREO2_COM1", SIM_DevicePath(target), 1);
+        std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
+    }
+    void TearDown() override
+    {
+        SIM_Stop(target);
+        unsetenv("VIREO2_COM1");
+    }
+    int RunCommand(const std::string &command)
+    {
+        const int status =
+            std::system(("cd '" + folder.path + "' && " + command + " <in >out 2>err").c_str());
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+    // The answers, a line each.
+    std::vector<std::string> Ask(const std::string &requests)
+    {
+        WriteFileText(folder / "in", requests);
+        code = RunCommand("'" BINARY_DIR "/vireo2-console' --serve --full");
+        std::istringstream text(ReadFileText(folder / "out"));
+        std::vector<std::string> lines;
+        for (std::string line; std::getline(text, line);)
+            lines.push_back(line);
+        return lines;
+    }
+    const ScratchFolder folder;
+    SIM_Target *target = nullptr;
+    int code = -1;
+};
+
+TEST_F(Serve, EveryRequestIsAnsweredInOrderWithItsIdOrItsError)
+{
+    const struct {
+        std::string request, answer; // the answer begins so
+    } cases[] = {
+        {R"({"id":1,"op":"hello"})", R"({"id":1,"ok":true,"protocol":1,"version":")"},
+        {R"({"id":"a","op":"write","item":"wGain","value":65535})",
+         R"({"id":"a","ok":true,"values":[{"name":"wGain","value":65535,"text":"65535","raw":65535}]})"},
+        {R"({"id":3,"op":"read","items":[{"name":"wGain","type":"i2"},"[8100]","nope"]})",
+         R"({"id":3,"ok":true,"values":[{"name":"wGain","value":-1,"text":"-1","raw":65535},)"
+         R"({"name":"[0x8100]","value":-1,"text":"-1","raw":65535},{"name":"nope","error":{"code":"not-resolved")"},
+        {R"({"id":4,"op":"write","item":"wGain","value":65536})",
+         R"({"id":4,"ok":false,"error":{"code":"out-of-range")"},
+        {R"({"id":5,"op":"write","item":"wGain","value":"12x"})",
+         R"({"id":5,"ok":false,"error":{"code":"bad-value")"},
+        {R"({"id":6,"op":"resolve","item":{"name":"wGain","type":"q9"}})",
+         R"({"id":6,"ok":false,"error":{"code":"bad-item")"},
+        {R"({"id":7,"op":"run","line":"write 2, 77, wGain"})", R"({"id":7,"ok":true,"output":")"},
+        {R"({"id":8,"op":"read","item":"wGain"})",
+         R"({"id":8,"ok":true,"values":[{"name":"wGain","value":77,)"},
+        {R"({"id":9,"op":"run","line":"nonsense"})", R"({"id":9,"ok":false,"output":")"},
+        {R"({"id":10,"op":"read"})", R"({"id":10,"ok":false,"error":{"code":"bad-request")"},
+        {R"({"id":11,"op":"read","items":[1]})", R"({"id":11,"ok":false,"error":{"code":"bad-req)"},
+        {R"({"id":12,"op":7})", R"({"id":12,"ok":false,"error":{"code":"unknown-op")"},
+        {R"({"id":13,"op":"watch","item":"wGain","period":1})",
+         R"({"id":13,"ok":false,"error":{"code":"bad-request")"},
+        {R"({"id":14,"op":"unwatch","watch":5})", R"({"id":14,"ok":false,"error":{"code":"bad-r)"},
+        {"{\"id\":15", R"({"id":null,"ok":false,"error":{"code":"bad-json")"},
+        {std::string(70000, '['), R"({"id":null,"ok":false,"error":{"code":"too-long")"},
+        {std::string(60000, '['), R"({"id":null,"ok":false,"error":{"code":"bad-json")"},
+        {"\xff\xfe", R"({"id":null,"ok":false,"error":{"code":"bad-json")"},
+        {R"({"id":16,"op":"end"})", R"({"id":16,"ok":true})"}};
+    std::string requests;
+    for (const auto &c : cases)
+        requests += c.request + "\n";
+    const std::vector<std::string> answers = Ask(requests + R"({"id":17,"op":"hello"})" + "\n");
+    ASSERT_EQ(std::size(cases), answers.size()) << "nothing behind the end";
+    for (size_t i = 0; i < answers.size(); i++)
+        EXPECT_EQ(cases[i].answer, answers[i].substr(0, cases[i].answer.size()));
+    EXPECT_EQ(0, code);
+}
+
+TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
+{
+    SIM_Stop(target);
+    target = nullptr;
+    const auto answers = Ask("{\"op\":\"read\",\"item\":\"wGain\"}\n{\"op\":\"hello\"}\n");
+    ASSERT_EQ(2u, answers.size());
+    EXPECT_NE(std::string::npos, answers[0].find(R"("code":"port")")) << answers[0];
+    EXPECT_NE(std::string::npos, answers[1].find(R"("ok":true)"));
+}
+
+TEST_F(Serve, TheExampleClientTestsTheDemoTarget)
+{
+    WriteFileText(folder / "in", "");
+    EXPECT_EQ(0, RunCommand("VIREO2_FOLDER='" + folder.path +
+                            "' VIREO2_CONSOLE='" BINARY_DIR
+                            "/vireo2-console' PYTHONDONTWRITEBYTECODE=1 sh -c 'cd python && exec "
+                            "python3 -m unittest test_demo'"))
+        << ReadFileText(folder / "err");
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "err").find("Ran 3 tests"));
+}
+
+} // namespace
