@@ -53,6 +53,28 @@ int UCM_EmuCom166Msg(int, int, uint32_t address, uint16_t, const void *)
     return static_cast<signed char>(Next());
 }
 
+int proof; // the last one
+
+int UCM_Prove()
+{
+    const int choice = Next() % 8;
+    return proof = choice == 0 ? UCM_READ_AGAIN : choice == 1 ? UCM_NOT_PROVEN : UCM_PROVEN;
+}
+
+UCM_Series UCM_MakeSeries(uint32_t count, const std::function<int(uint32_t index)> &exchange)
+{
+    UCM_Series series;
+    while (series.made < count && (series.result = exchange(series.made)) >= 0)
+        ++series.made;
+    if (UCM_Prove() == UCM_PROVEN)
+        series.good = series.made;
+    else if (series.result >= 0)
+        series.result = UCM_ERR_PROOF;
+    return series;
+}
+
+const char *const UCM_REPEATED_TEXT = "repeated";
+
 std::string UCM_LastErrorText()
 {
     return Next() % 2 == 0 ? "" : "no answer";
@@ -76,6 +98,13 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         FUZ_Check(exchanges <= 3 + TMS_POLLS_WRITE && written <= TMS_OK && written > TMS_ERR_DATA);
         FUZ_Check(written != TMS_OK || isDone);
         FUZ_Check((written == TMS_ERR_SEND) == (failedAt != 0));
+        const int proven = TMS_WriteProven(0x8000, value, nullptr);
+        FUZ_Check(proven != TMS_OK || proof == UCM_PROVEN);
+        uint32_t words[3] = {}, good = 7;
+        std::string cause;
+        const int all = TMS_ReadWords(3, 0x8000, 3, polls, words, &good, &cause);
+        FUZ_Check(good <= 3 && (good == 0 || proof == UCM_PROVEN));
+        FUZ_Check(all != TMS_OK || (good == 3 && words[2] == fetched && cause.empty()));
     }
     return 0;
 }

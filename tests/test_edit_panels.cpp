@@ -402,6 +402,31 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     EXPECT_TRUE(UiAttribute(PANEL_MEMORY, MEMORY_WRITE, ATTR_DIMMED));
 }
 
+TEST_F(EditPanels, MemoryIsGreyOnceItIsOld)
+{
+    ASSERT_TRUE(connect());
+    const auto looks = [](int line) {
+        std::vector<UI_Cell> cells;
+        GetListCells(PANEL_MEMORY, MEMORY_LIST, line, &cells);
+        return cells.empty()               ? "none"
+               : cells[1].style != UIS_DIM ? "fresh"
+                                           : cells[1].tip.substr(0, 13);
+    };
+    HL_ClickMenu(ITEM_MEMORY);
+    readMemory("3:wSpeed", 20);
+    EXPECT_EQ(looks(1), "fresh");
+    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpee");
+    EXPECT_EQ(looks(1), "Old: read at ") << "not the place that the field names";
+    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpeed");
+    EXPECT_EQ(looks(0), "fresh");
+    VIR2_StopPeriodicASC();
+    EXPECT_EQ(looks(0), "Old: read at ");
+    ASSERT_TRUE(connect());
+    EXPECT_EQ(looks(0), "Old: read at ") << "nobody has read it since";
+    readMemory("3:wSpeed", 20);
+    EXPECT_EQ(looks(0), "fresh");
+}
+
 TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
 {
     ASSERT_TRUE(connect());

@@ -149,7 +149,8 @@ TEST_F(LogTarget, GetLogSaysOnceWhyItFailed)
     SIM_Options dead;
     dead.stations = 0;
     SIM_SetFaults(target, dead);
-    check("DL_log,out", types, "Read error: Data read error (2 bytes at address  182D0h).|");
+    check("DL_log,out", types + std::string(" (no answer)"),
+          "Read error: Data read error (2 bytes at address  182D0h).|");
 }
 
 TEST_F(LogTarget, FullDiskBehindTheRawFile)

@@ -265,6 +265,21 @@ TEST_F(Monitor, ValueEntryEndsOnFailure)
         Type(c.value);
         EXPECT_EQ(command, c.mode) << c.enter << " " << c.value;
     }
+    // Only the signed kind knows the prefixes of other bases.
+    struct {
+        const char *enter, *value;
+        uint8_t held;
+    } const bases[] = {{"wi 8100", "010", 8},
+                       {"wi 8100", "-0x10", 0xF0},
+                       {"wi 8100", "0x1f", 31},
+                       {"wu 8100", "010", 10},
+                       {"wx 8100", "010", 16}};
+    for (const auto &c : bases) {
+        command = CMD_C166;
+        Type(c.enter);
+        Type(c.value);
+        EXPECT_EQ(Peek(0x8100, 1)[0], c.held) << c.enter << " " << c.value;
+    }
     // A TMS entry that fails leads to the C166 monitor.
     SIM_Options silent;
     silent.demo = false;

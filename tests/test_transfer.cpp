@@ -234,7 +234,8 @@ TEST_F(Transfer, FailedWriteSaysSo)
         "ERROR - write: Selhani komunikace. (target error code 100)\nwrite 2, 1, 8100H ->Error\n");
     EXPECT_EQ(Run("l 8100, none"), "\nLoad ...\nCould not open none\n");
     WriteFileText("f", "int\n5\n");
-    EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\nMessage not succesful (Address 008100).\n");
+    EXPECT_EQ(Run("l 8100, f"), "\nLoad ...\n0 of 1 bytes written.\nMessage not succesful (Address "
+                                "008100).\nCause: target error code 100.\n");
 }
 
 // Nothing reaches the target of a value or stretch that does not fit.
@@ -258,6 +259,38 @@ TEST_F(Transfer, WriteRefusesWhatDoesNotFit)
          {"write 2, 65535, 8100H", "write 2, -32768, 8100H", "write 1, 255, 8100H",
           "write 1, -128, 8100H", "write 2, 1, 0FFFFFEH", "write 4, -1, 8100H"})
         EXPECT_EQ(Run(line), std::string(line) + " -> OK!\n");
+}
+
+TEST_F(Transfer, WhatReachesBeyondTheMemoryIsRefusedBeforeAnythingIsSent)
+{
+    WriteFileText("f", "int\n1\n2\n3\n");
+    WriteFileText("g", "float\n1\n");
+    const struct {
+        int mode;
+        const char *lines[2];
+    } cases[] = {{CMD_C166, {"l FFFFFE, f", ""}},     {CMD_C166, {"l FFFFFD, g", ""}},
+                 {CMD_C166, {"wu FFFFFF", "5"}},      {CMD_C166, {"wf FFFFFD", "5"}},
+                 {CMD_C166, {"si FFFFF9, h, 2", ""}}, {CMD_C166, {"si 0, h, 262145", ""}},
+                 {CMD_C166, {"d 1000000", ""}},       {CMD_TMS, {"d FFFFFD", ""}},
+                 {CMD_TMS, {"wi 1000000", "5"}},      {CMD_TMS, {"l FFFFFE, f", ""}},
+                 {CMD_TMS, {"sf FFFFFF, h, 2", ""}}};
+    Run("d 1000"); // the port's opening
+    const uint64_t before = SIM_GetCounters(target).requests;
+    for (const auto &c : cases) {
+        command = c.mode;
+        Type(c.lines[0]);
+        if (*c.lines[1] != '\0')
+            Type(c.lines[1]);
+        const std::string shown = NewText();
+        EXPECT_TRUE(shown.find("beyond FFFFFF") != std::string::npos ||
+                    shown.find("At most") != std::string::npos)
+            << c.lines[0] << shown;
+    }
+    EXPECT_EQ(SIM_GetCounters(target).requests, before);
+    EXPECT_EQ(ReadFile("h"), "<none>");
+    command = CMD_C166;
+    EXPECT_EQ(Run("si 3FFFC, h, 3"), "Store DPM memory...\n");
+    EXPECT_EQ(ReadFile("h"), "int\r\n0\r\n") << "a store ends with the first 256 KiB";
 }
 
 TEST_F(Transfer, BinLoadTellsOfAnotherLength)

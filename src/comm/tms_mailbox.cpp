@@ -66,13 +66,56 @@ int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt)
     return WaitDone(TMS_POLLS_WRITE);
 }
 
+int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, uint32_t *words,
+                  uint32_t *good, std::string *cause)
+{
+    cause->clear();
+    const UCM_Series series = UCM_MakeSeries(count, [&](uint32_t i) {
+        const int result = TMS_ReadWord(station, address + i, maxPolls, &words[i]);
+        *cause = TMS_ErrorText(result);
+        return result;
+    });
+    if (good)
+        *good = series.good;
+    if (series.made == count && series.result < 0) {
+        *cause = series.cause;
+        return TMS_ERR_PROOF;
+    }
+    return series.result;
+}
+
+int TMS_WriteProven(uint32_t address, uint32_t value, uint32_t *failedAt)
+{
+    const int result = TMS_WriteWord(address, value, failedAt);
+    const int proof = result == TMS_OK ? UCM_Prove() : UCM_PROVEN;
+    if (proof == UCM_NOT_PROVEN)
+        return TMS_ERR_PROOF;
+    if (proof == UCM_PROVEN)
+        return result;
+    // Any of the mailbox's words may not have arrived.
+    uint32_t held = 0;
+    std::string cause;
+    const int read = TMS_ReadWords(STATION, address, 1, TMS_POLLS_WRITE, &held, nullptr, &cause);
+    return read == TMS_OK && held == value ? TMS_OK : TMS_ERR_PROOF;
+}
+
 std::string TMS_ErrorText(int result)
 {
-    if (result == TMS_OK)
+    return TMS_ErrorText(result, UCM_LastErrorText());
+}
+
+std::string TMS_ErrorText(int result, const std::string &cause)
+{
+    switch (result) {
+    case TMS_OK:
         return "";
-    if (result == TMS_ERR_BUSY)
+    case TMS_ERR_BUSY:
         return "the TMS320 does not answer (mailbox busy)";
-    const std::string cause = UCM_LastErrorText();
+    case TMS_ERR_PROOF:
+        return cause.empty() ? UCM_REPEATED_TEXT : cause;
+    default:
+        break;
+    }
     const std::string where = result == TMS_ERR_SEND   ? "mailbox not writable"
                               : result == TMS_ERR_POLL ? "state of the mailbox not readable"
                                                        : "answer in the mailbox not readable";

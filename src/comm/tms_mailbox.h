@@ -19,21 +19,34 @@ constexpr int TMS_POLLS_WRITE = 20;
 
 enum TMS_Result {
     TMS_OK = 0,
-    TMS_ERR_SEND = -1, // a word could not be put into the mailbox
-    TMS_ERR_POLL = -2, // the busy flag could not be read
-    TMS_ERR_BUSY = -3, // the TMS320 did not answer within the polls
-    TMS_ERR_DATA = -4, // the answer could not be fetched
+    TMS_ERR_SEND = -1,  // a word could not be put into the mailbox
+    TMS_ERR_POLL = -2,  // the busy flag could not be read
+    TMS_ERR_BUSY = -3,  // the TMS320 did not answer within the polls
+    TMS_ERR_DATA = -4,  // the answer could not be fetched
+    TMS_ERR_PROOF = -5, // all was answered, but not provably by this request's answers
 };
 
 // Reads the word at a TMS320 address. The request goes to `station`; the polls and the
 // answer use STATION whatever the item says. TMS_OK, or a TMS_ERR_ code.
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);
 
+// Words one after the other, with one proof behind them: what is shown, saved or compared. All
+// of it is read again while answers are repeated. *good (may be null): words that are proven
+// when the result is a failure. TMS_OK, or the code of the word that failed, its cause in *cause.
+int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, uint32_t *words,
+                  uint32_t *good, std::string *cause);
+
 // Writes one word on STATION. TMS_OK, TMS_ERR_SEND (*failedAt, which may be null: the
 // mailbox address concerned), TMS_ERR_POLL or TMS_ERR_BUSY.
 int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt);
 
+// The same, done for certain: when answers were repeated, reading back decides. TMS_ERR_PROOF as
+// well.
+int TMS_WriteProven(uint32_t address, uint32_t value, uint32_t *failedAt);
+
 // Why the last transfer failed, with the cause on the line where there is one; "" for TMS_OK.
 std::string TMS_ErrorText(int result);
+// The same with the line's cause as it was noted then.
+std::string TMS_ErrorText(int result, const std::string &cause);
 
 #endif

@@ -5,22 +5,29 @@
 #include "comm/in_step.h"
 #include "comm/ucm_protocol.h"
 #include "platform/serial.h"
+#include "settings/limits.h"
 
 #include <algorithm>
 #include <iterator>
+#include <vector>
 
 UCM_Record UCM_recS;
+const char *const UCM_REPEATED_TEXT =
+    "answers come more than once: which one is meant cannot be told";
 
 namespace {
+
+constexpr int ROUNDS_MAX = 3; // of exchanges on a line that repeats answers
 
 uint32_t doubts = 0; // refusals of UCM_Prove
 
 constexpr const UCM_Protocol *PROTOCOLS[] = {&UCM_PROTOCOL_MR166, &UCM_PROTOCOL_MODBUS};
-constexpr const char *REFUSED_TEXT = "bad station number or protocol";
+constexpr const char *REFUSED = "bad station number or protocol";
+constexpr const char *NO_PROOF = "no answer to the proof that the line is in step";
 
-bool isRefused = false;        // the last operation was refused before it reached a link
-UCM_Statistics statisticsBase; // what the links had counted at the last reset
-PLT_Date statisticsSince;      // of the last reset
+const char *ownCause = nullptr; // why the last operation failed when no link can know it
+UCM_Statistics statisticsBase;  // what the links had counted at the last reset
+PLT_Date statisticsSince;       // of the last reset
 
 const UCM_Protocol *FindProtocol(int number)
 {
@@ -38,7 +45,7 @@ const UCM_Protocol *Current()
 
 int Refuse()
 {
-    isRefused = true;
+    ownCause = REFUSED;
     return UCM_ERR_ARGUMENT;
 }
 
@@ -46,7 +53,7 @@ int Refuse()
 const UCM_Protocol *ForStation(int station, int *refusal)
 {
     const UCM_Protocol *protocol = Current();
-    isRefused = false;
+    ownCause = nullptr;
     if (protocol != nullptr && station >= protocol->stationMin && station <= protocol->stationMax)
         return protocol;
     *refusal = Refuse();
@@ -58,8 +65,25 @@ const UCM_Protocol *ForStation(int station, int *refusal)
 // For single requests, whose station the row checks itself.
 int Sent(int result)
 {
-    isRefused = result == UCM_ERR_ARGUMENT;
+    ownCause = result == UCM_ERR_ARGUMENT ? REFUSED : nullptr;
     return result;
+}
+
+// One step with its proof; made again from where it began while the line repeats answers.
+template <typename Step, typename Byte>
+int StepProven(Step step, int station, uint32_t *address, uint32_t *count, Byte **bytes)
+{
+    const uint32_t fromAddress = *address, fromCount = *count;
+    Byte *const fromBytes = *bytes;
+    int result = 0;
+    const int proven = UCM_MakeProven([&] {
+        *address = fromAddress;
+        *count = fromCount;
+        *bytes = fromBytes;
+        result = step(station, address, count, bytes);
+        return std::min(result, 0);
+    });
+    return result >= 0 && proven < 0 ? UCM_CountErr(proven) : result;
 }
 
 UCM_Statistics CountAll()
@@ -99,7 +123,7 @@ int UCM_Open(int protocol, int port, int baud)
     const UCM_Protocol *row = FindProtocol(protocol);
     if (row == nullptr)
         return Refuse();
-    isRefused = false;
+    ownCause = nullptr;
     UCM_recS.protocol = static_cast<int16_t>(protocol);
     UCM_recS.port = static_cast<int16_t>(port);
     const int result = row->open(port, baud);
@@ -135,15 +159,76 @@ std::string UCM_PortName(int port)
 int UCM_Prove()
 {
     const UCM_Protocol *protocol = Current();
-    isRefused = false;
+    ownCause = nullptr;
     const int result = protocol != nullptr ? protocol->prove() : UCM_PROVEN;
     doubts += result != UCM_PROVEN;
+    if (result == UCM_READ_AGAIN)
+        ownCause = UCM_REPEATED_TEXT;
+    else if (result == UCM_NOT_PROVEN && protocol->lastErrorText().empty())
+        ownCause = NO_PROOF;
     return result;
 }
 
 uint32_t UCM_CountDoubts()
 {
     return doubts;
+}
+
+int UCM_MakeProven(const std::function<int()> &exchange)
+{
+    int proof = UCM_READ_AGAIN;
+    for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
+        const int result = exchange();
+        if (result < 0)
+            return result;
+        proof = UCM_Prove();
+    }
+    return proof == UCM_PROVEN ? 0 : UCM_ERR_PROOF;
+}
+
+UCM_Series UCM_MakeSeries(uint32_t count, const std::function<int(uint32_t index)> &exchange)
+{
+    UCM_Series series;
+    const int proven = UCM_MakeProven([&] {
+        series = UCM_Series();
+        while (series.made < count && series.result >= 0) {
+            series.result = exchange(series.made);
+            series.made += series.result >= 0 ? 1 : 0;
+        }
+        if (series.result < 0)
+            series.cause = UCM_LastErrorText();
+        return 0; // what came before a failure is proven as well
+    });
+    series.good = proven < 0 ? 0 : series.made;
+    if (proven < 0 && series.result >= 0) {
+        series.result = proven;
+        series.cause = UCM_LastErrorText();
+    }
+    return series;
+}
+
+int UCM_ReadProven(int station, uint32_t address, uint32_t count, void *buffer)
+{
+    return UCM_MakeProven([&] { return UCM_Read(station, address, count, buffer); });
+}
+
+int UCM_WriteProven(int station, uint32_t address, uint16_t count, const void *data)
+{
+    if (UCM_EmuCom166Msg(station, TARGET_WRITE, address, count, data) <= 0)
+        return UCM_ERR_FAILED;
+    const int proof = UCM_Prove();
+    if (proof != UCM_READ_AGAIN)
+        return proof == UCM_PROVEN ? 0 : UCM_ERR_PROOF;
+    // The acknowledgement may have been an older one's. To write again might set off twice what
+    // the value sets off: what the target holds decides.
+    std::vector<uint8_t> held(count);
+    if (UCM_ReadProven(station, address, count, held.data()) < 0)
+        return UCM_ERR_PROOF;
+    const uint8_t *wanted = static_cast<const uint8_t *>(data);
+    if (std::equal(held.begin(), held.end(), wanted))
+        return 0;
+    ownCause = UCM_REPEATED_TEXT;
+    return UCM_ERR_PROOF;
 }
 
 bool UCM_IsEchoing()
@@ -164,7 +249,7 @@ int UCM_UseWin32(int flag)
     const UCM_Protocol *protocol = Current();
     if (protocol == nullptr || protocol->useWin32 == nullptr)
         return Refuse();
-    isRefused = false;
+    ownCause = nullptr;
     const int result = protocol->useWin32(flag);
     // A link that could not be reopened with the other driver is closed.
     UCM_recS.opened = static_cast<int16_t>(protocol->isOpened());
@@ -189,14 +274,21 @@ int UCM_ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buffer
 {
     int refusal = 0;
     const UCM_Protocol *protocol = ForStation(station, &refusal);
-    return protocol != nullptr ? protocol->readBg(station, address, count, buffer) : refusal;
+    return protocol != nullptr ? StepProven(protocol->readBg, station, address, count, buffer)
+                               : refusal;
 }
 
 int UCM_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data)
 {
     int refusal = 0;
     const UCM_Protocol *protocol = ForStation(station, &refusal);
-    return protocol != nullptr ? protocol->writeBg(station, address, count, data) : refusal;
+    return protocol != nullptr ? StepProven(protocol->writeBg, station, address, count, data)
+                               : refusal;
+}
+
+uint32_t UCM_WriteStep()
+{
+    return Current() != nullptr ? Current()->writeStep : 1;
 }
 
 int UCM_EmuCom166Msg(int station, int command, uint32_t address, uint16_t word, const void *data)
@@ -216,9 +308,9 @@ int UCM_EmuCom166MsgNA(int station, int command, uint32_t address, uint16_t word
 
 std::string UCM_LastErrorText()
 {
-    if (isRefused || Current() == nullptr)
-        return REFUSED_TEXT;
-    return Current()->lastErrorText();
+    if (ownCause != nullptr)
+        return ownCause;
+    return Current() != nullptr ? Current()->lastErrorText() : REFUSED;
 }
 
 void UCM_GetStatistics(UCM_Statistics *statistics)

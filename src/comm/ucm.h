@@ -7,9 +7,12 @@
 #include "platform/system.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 enum {
+    UCM_ERR_FAILED = -1,      // the target did not answer correctly: UCM_LastErrorText
+    UCM_ERR_PROOF = -1,       // it did, but not provably; no caller need tell the two apart
     UCM_ERR_ARGUMENT = -20,   // bad argument, or the wrong protocol for the operation
     UCM_ERR_MODBUS_OPEN = -22 // the Modbus port could not be opened
 };
@@ -49,9 +52,30 @@ enum {
     UCM_READ_AGAIN = -2  // more answers came than were asked for: read all of it again
 };
 int UCM_Prove();
+extern const char *const UCM_REPEATED_TEXT; // the reason of UCM_READ_AGAIN in words
 // How often UCM_Prove has refused so far. It answers each refusal once, to whoever asks first:
 // a reader whose values wait longer sees here that they are in doubt too.
 uint32_t UCM_CountDoubts();
+// For whoever shows, saves or compares at once: the proof and the reading again in one call.
+// Makes `exchange` (0 or positive good, negative failed) and puts the proof behind it, up to
+// three times while answers are repeated. 0, the exchange's failure, or UCM_ERR_PROOF;
+// UCM_LastErrorText has the reason of each.
+int UCM_MakeProven(const std::function<int()> &exchange);
+int UCM_ReadProven(int station, uint32_t address, uint32_t count, void *buffer);
+// One message of 1 to 16 bytes. When answers were repeated, reading back decides: it is not sent
+// a second time.
+int UCM_WriteProven(int station, uint32_t address, uint16_t count, const void *data);
+
+// Exchanges one after the other with one proof behind them all, up to the first that fails; what
+// stands in front of that is proven too. All are made again while answers are repeated.
+struct UCM_Series {
+    uint32_t made = 0; // exchanges that were answered, up to the first failure
+    uint32_t good = 0; // of these proven: all or none
+    int result = 0;    // of the failed exchange, UCM_ERR_PROOF, or 0
+    std::string cause; // in words; "" when none failed
+};
+UCM_Series UCM_MakeSeries(uint32_t count, const std::function<int(uint32_t index)> &exchange);
+
 // The last try read its own request back: the line echoes, the driver cannot skip that.
 bool UCM_IsEchoing();
 
@@ -70,9 +94,13 @@ void UCM_SetListener(const UCM_Listener &listener);
 int UCM_Read(int station, uint32_t address, uint32_t count, void *buffer);
 int UCM_Write(int station, uint32_t address, uint32_t count, const void *data);
 
-// One block a call: 1 finished, 0 one step done and more remain, negative failure.
+// One block a call, proven: 1 finished, 0 one step done and more remain, negative failure.
 int UCM_ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buffer);
 int UCM_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data);
+
+// Bytes that one message of the present protocol writes at most: a transfer in steps of these
+// knows how far it came.
+uint32_t UCM_WriteStep();
 
 // One request: 1 answered correctly, 0 failed; UCM_ERR_ARGUMENT as described for each protocol.
 // `data` is what command 8 writes, and receives nothing.

@@ -229,6 +229,7 @@ const UCM_Protocol UCM_PROTOCOL_MODBUS = {
     2,
     UCM_SLAVE_MIN,
     UCM_SLAVE_MAX,
+    BLOCK_BYTES,
     Open,
     MBM_Close,
     IsOpened,

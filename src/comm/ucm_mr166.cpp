@@ -94,22 +94,7 @@ void AddCounts(UCM_Statistics *statistics)
 } // namespace
 
 const UCM_Protocol UCM_PROTOCOL_MR166 = {
-    1,
-    0,
-    STATION_MAX,
-    Open,
-    MrASC_Close,
-    MrASC_IsOpened,
-    UseWin32,
-    Read,
-    Write,
-    ReadBg,
-    WriteBg,
-    Message,
-    MessageNoAnswer,
-    Prove,
-    IsEchoing,
-    LastErrorText,
-    AddCounts,
-    MrASC_IsGone,
+    1,        0,         STATION_MAX,   MR166_WRITE_MAX, Open,         MrASC_Close, MrASC_IsOpened,
+    UseWin32, Read,      Write,         ReadBg,          WriteBg,      Message,     MessageNoAnswer,
+    Prove,    IsEchoing, LastErrorText, AddCounts,       MrASC_IsGone,
 };

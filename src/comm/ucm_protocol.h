@@ -11,6 +11,7 @@ struct UCM_Statistics;
 struct UCM_Protocol {
     int number;                 // as in the settings
     int stationMin, stationMax; // of memory transfers
+    uint32_t writeStep;         // bytes of one message that writes
     int (*open)(int port, int baud);
     void (*close)();
     int (*isOpened)();

@@ -128,12 +128,20 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
 int HEXS_Load(const std::string &path, int station, const LDR_Progress &progress)
 {
     cause.clear();
-    const int textFile = TXFR_Open(path.c_str());
-    if (textFile < 0)
-        return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
-    Meter meter = OpenMeter(path, progress);
-    const int result = LoadLines(textFile, station, &meter);
-    TXFR_Close(textFile);
+    int result = 0;
+    // Acknowledgements that came more than once may stand for blocks that never arrived: the
+    // whole file goes again.
+    const int proven = UCM_MakeProven([&] {
+        const int textFile = TXFR_Open(path.c_str());
+        if (textFile < 0)
+            return result = Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
+        Meter meter = OpenMeter(path, progress);
+        result = LoadLines(textFile, station, &meter);
+        TXFR_Close(textFile);
+        return result;
+    });
+    if (result == 0 && proven < 0)
+        return Stop(HEXS_ERR_WRITE, 0, UCM_LastErrorText().c_str(), nullptr);
     return result;
 }
 

@@ -32,7 +32,8 @@ void DLLD_SetHost(const DLLD_Host &host);
 const DLLD_Host &DLLD_GetHost();
 std::string DLLD_BadHeaderText(const std::string &name); // "Bad log header (NAME)."
 void DLLD_ErrorMessage(const char *title, const std::string &text);
-bool DLLD_IsCancelled(); // the last reading ended because the user cancelled it
+bool DLLD_IsCancelled();                // the last reading ended because the user cancelled it
+const std::string &DLLD_GetLinkCause(); // ... why the target's answer failed it, "" if it did not
 
 // Reading. 0, or -1 after one error message (none when the user cancelled).
 int DLLD_GetWrkAddr(uint32_t *address, const std::string &name);

@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
+#include "runtime/userint.h"
 
 namespace {
 
@@ -23,6 +24,7 @@ enum LogResult { LOG_READ = 0, LOG_FAILED = -1, LOG_DAMAGED = -2, LOG_CHANGED = 
 
 DLLD_Host host;
 bool isCancelled = false;
+std::string linkCause;
 
 struct LogPlace {
     uint32_t address = 0;
@@ -65,8 +67,11 @@ bool ReadBlocks(uint32_t address, uint32_t length, uint8_t *bytes)
         if (length > BLOCK_BYTES && !StepProgress(at, length, READING_LOG))
             return false;
         const uint32_t count = std::min(BLOCK_BYTES, length - at);
-        if (UCM_Read(host.station, address + at, count, bytes + at) < 0)
+        if (UCM_Read(host.station, address + at, count, bytes + at) < 0) {
+            linkCause = UCM_LastErrorText();
+            isCancelled = isCancelled || IsBreakWished();
             return false;
+        }
     }
     return true;
 }
@@ -193,6 +198,7 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
     LogResult result = LOG_FAILED;
     DLLD_Log read;
     isCancelled = false;
+    linkCause.clear();
     for (int i = 0; i < TRIES; i++) {
         LogPlace place;
         if (find(&place) < 0)
@@ -208,6 +214,17 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
     if (result == LOG_READ)
         *log = std::move(read);
     return result == LOG_READ ? 0 : -1;
+}
+
+// What the user gets of the log is proven as a whole, and read again while answers are repeated.
+template <typename Read> int ReadProven(Read read)
+{
+    int result = 0;
+    const int proven = UCM_MakeProven([&] { return result = read(); });
+    if (result < 0 || proven >= 0)
+        return result;
+    linkCause = UCM_LastErrorText();
+    return Fail("Read error", linkCause);
 }
 
 int ReadRecIdText(uint32_t wordAddress, std::string *text)
@@ -266,6 +283,7 @@ void DLLD_SetHost(const DLLD_Host &newHost)
 {
     host = newHost;
     isCancelled = false;
+    linkCause.clear();
 }
 
 const DLLD_Host &DLLD_GetHost()
@@ -287,6 +305,11 @@ void DLLD_ErrorMessage(const char *title, const std::string &text)
 bool DLLD_IsCancelled()
 {
     return isCancelled;
+}
+
+const std::string &DLLD_GetLinkCause()
+{
+    return linkCause;
 }
 
 int DLLD_GetWrkAddr(uint32_t *address, const std::string &name)
@@ -319,11 +342,14 @@ int DLLD_ReadVar(const std::string &name, uint32_t length, void *buffer)
     return DLLD_GetWrkAddr(&address, name) < 0 ? -1 : DLLD_ReadData(address, length, buffer);
 }
 
-int DLLD_ReadARecId()
+namespace {
+
+int ReadARecId()
 {
     uint32_t address;
     uint8_t bytes[2];
     isCancelled = false;
+    linkCause.clear();
     if (!host.hasRecIds)
         return Fail("Error", "Unsupported CPU.");
     if (DLLD_ReadVar("DL_nDimARecId", sizeof bytes, bytes) < 0)
@@ -345,6 +371,13 @@ int DLLD_ReadARecId()
     return 0;
 }
 
+} // namespace
+
+int DLLD_ReadARecId()
+{
+    return ReadProven(ReadARecId);
+}
+
 int DLLD_ReadWords(uint32_t address, uint16_t *words, int32_t count)
 {
     return ReadWords(address, words, count);
@@ -352,8 +385,8 @@ int DLLD_ReadWords(uint32_t address, uint16_t *words, int32_t count)
 
 int DLLD_ReadLog(const std::string &name, DLLD_Log *log)
 {
-    return ReadLog(
-        name, [&](LogPlace *place) { return FindLog(name, place); }, log);
+    const auto find = [&](LogPlace *place) { return FindLog(name, place); };
+    return ReadProven([&] { return ReadLog(name, find, log); });
 }
 
 int DLLD_ReadLogAt(uint32_t address, DLLD_Log *log)
@@ -368,7 +401,7 @@ int DLLD_ReadLogAt(uint32_t address, DLLD_Log *log)
     };
     std::string name;
     DLLD_Print(&name, "%06lXh", static_cast<unsigned long>(address));
-    return ReadLog(name, find, log);
+    return ReadProven([&] { return ReadLog(name, find, log); });
 }
 
 int DLLD_TestLogHeader(const uint16_t *buffer, uint32_t address, int64_t sizeInWords)

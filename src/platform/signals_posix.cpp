@@ -57,8 +57,10 @@ int PLT_WatchSignals(void (*notify)(bool isInterrupt))
     action.sa_handler = OnSignal; // without SA_RESTART: a read for a line ends
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         struct sigaction old = {};
-        // What nohup has told us to ignore stays ignored.
-        if (sigaction(signal, nullptr, &old) == 0 && old.sa_handler != SIG_IGN)
+        // What nohup has told us to ignore stays ignored. A shell's script has its background
+        // jobs ignore interrupts, too; one that is sent on purpose is meant all the same.
+        const bool isKept = sigaction(signal, nullptr, &old) != 0 || old.sa_handler == SIG_IGN;
+        if (signal == SIGINT || !isKept)
             sigaction(signal, &action, nullptr);
     }
     return 0;

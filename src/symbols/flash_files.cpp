@@ -25,7 +25,7 @@ constexpr int FILES_SHOWN_FROM = 8;   // a walk that takes longer shows its prog
 
 int ReadTarget(uint32_t address, uint32_t count, void *buffer)
 {
-    return UCM_Read(STATION, address, count, buffer);
+    return UCM_ReadProven(STATION, address, count, buffer);
 }
 
 struct FileInfo {

@@ -29,6 +29,7 @@ uint64_t nowUs = 0, lastUs = 0; // lastUs: when the last answer will have arrive
 std::deque<Character> line;
 std::string request;
 std::map<uint32_t, uint8_t> written; // by station << 24 | address
+std::map<uint32_t, uint32_t> tmsWritten;
 unsigned readTotalMs = 0;
 
 uint16_t CheckValue(const std::string &bytes)
@@ -110,6 +111,27 @@ void SendAnswer(std::string answer)
         Stray();
 }
 
+// The TMS320 behind the station: three words in its memory, served when a command arrives.
+void ServeMailbox(int station)
+{
+    constexpr uint32_t BOX = 0x3C000;
+    const auto word = [station](uint32_t place) {
+        uint32_t value = 0;
+        for (uint32_t i = 0; i < 4; ++i)
+            value |= static_cast<uint32_t>(VL_Memory(station, BOX + place + i)) << 8 * i;
+        return value;
+    };
+    const uint32_t command = word(0), place = word(4), data = word(8);
+    if (command == 2)
+        tmsWritten[place] = data;
+    for (uint32_t i = 0; i < 4; ++i) {
+        const uint32_t at = static_cast<uint32_t>(station) << 24 | BOX;
+        written[at + i] = 0;
+        if (command == 1)
+            written[at + 8 + i] = static_cast<uint8_t>(VL_TmsWord(place) >> 8 * i);
+    }
+}
+
 std::vector<uint8_t> Execute(int station, unsigned command, uint32_t address)
 {
     std::vector<uint8_t> data;
@@ -117,6 +139,8 @@ std::vector<uint8_t> Execute(int station, unsigned command, uint32_t address)
         for (uint32_t i = 0; i < ByteAt(9); ++i)
             written[static_cast<uint32_t>(station) << 24 | (address + i)] =
                 static_cast<uint8_t>(ByteAt(11 + 2 * i));
+        if (address == 0x3C000)
+            ServeMailbox(station);
     }
     const unsigned wanted = command == 0 ? ByteAt(9) : command >= 1 && command <= 4 ? 2 : 0;
     for (uint32_t i = 0; i < wanted; ++i)
@@ -190,6 +214,7 @@ void VL_Start(const VL_Schedule &wanted, uint32_t seed)
     line.clear();
     request.clear();
     written.clear();
+    tmsWritten.clear();
     nowUs = lastUs = 1000000; // the probes are drawn by the clock: a seed must be all there is
     VL_counters = VL_Counters();
 }
@@ -226,6 +251,12 @@ uint8_t VL_Memory(int station, uint32_t address)
     const uint32_t place = static_cast<uint32_t>(station) << 24 | address;
     const auto found = written.find(place);
     return found != written.end() ? found->second : static_cast<uint8_t>(place * 2654435761u >> 23);
+}
+
+uint32_t VL_TmsWord(uint32_t address)
+{
+    const auto found = tmsWritten.find(address);
+    return found != tmsWritten.end() ? found->second : address * 2654435761u;
 }
 
 std::string VL_Answer(int station, int command, int count, const std::vector<uint8_t> &data)

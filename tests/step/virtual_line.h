@@ -23,7 +23,7 @@ struct VL_Schedule {
     double foreign = 0;         // a sound answer of another station before this one
     double stall = 0;           // the partner stands still for up to ten time-outs
     double refuse = 0;          // the partner answers with an error code
-    bool isSerial = false; // the delay begins when the answer before has gone
+    bool isSerial = false;      // the delay begins when the answer before has gone
     bool isEcho = false;
     bool isZeroRefused = false; // reads of address 0 are refused
     uint32_t stations = 0xFFFF; // bit n: station n answers
@@ -38,6 +38,8 @@ bool VL_Happens(double share);
 
 // Bytes that stand in a station's memory: any address has its own, until it is written.
 uint8_t VL_Memory(int station, uint32_t address);
+// What the TMS320 behind any station holds at a word address.
+uint32_t VL_TmsWord(uint32_t address);
 // Addresses from here on hold the present epoch in every byte, so that an answer to an
 // earlier operation is known by its value.
 constexpr uint32_t VL_EPOCHS = 0x400000;

@@ -70,6 +70,9 @@ int CPG_RunSession()
         }
         HL_SetUserVal(consolePanel, CONSOLE_INPUT, line);
         HL_Key(consolePanel, CONSOLE_INPUT, KEY_ENTER);
+        // A person gets the prompt again; of a pipe's lines none runs behind a broken-off one.
+        if (!isTyped && HL_IsEndWished())
+            break;
     }
     End();
     return 0;

@@ -91,7 +91,7 @@ void Follow(RCJ_Job *job)
 {
     const uint64_t startUs = PLT_TickUs();
     const double limitUs = options.recordSeconds * 1e6;
-    while (!CPG_IsInterrupted()) {
+    while (!HL_IsEndWished()) {
         const double elapsedUs = static_cast<double>(PLT_TickUs() - startUs);
         if (limitUs > 0 && elapsedUs >= limitUs)
             return;
@@ -133,7 +133,7 @@ int Record(const std::vector<TRG_Trigger> &triggers)
     if (Begin(&job, triggers) != 0)
         return 1;
     Follow(&job);
-    const bool isEarly = CPG_IsInterrupted() && options.recordSeconds > 0;
+    const bool isEarly = HL_IsEndWished() && options.recordSeconds > 0;
     const bool isKept = RCJ_Stop(&job) == 0;
     Say(RCJ_Summary(job, bRate));
     if (isEarly)
@@ -152,7 +152,6 @@ void CPG_SetRecordOptions(const CPG_Options &newOptions)
 
 int CPG_RunRecord()
 {
-    CPG_CatchInterrupts();
     std::vector<TRG_Trigger> triggers;
     if (!CPG_LoadWatchList() || !ParseTriggers(&triggers))
         return 1;

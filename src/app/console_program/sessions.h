@@ -12,8 +12,6 @@ void CPG_SetRecordOptions(const CPG_Options &options);  // called by it
 // Loads the watch list that the options name. False when there is none or nothing in it, which
 // it says.
 bool CPG_LoadWatchList();
-void CPG_CatchInterrupts(); // from now on they end nothing by themselves
-bool CPG_IsInterrupted();
 void CPG_SetCompareOptions(const CPG_Options &options); // called by it
 // Says on standard error what the window's message area would show: the port is gone, it
 // is back, why communication was switched off. Each message once.

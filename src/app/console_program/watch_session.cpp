@@ -1,5 +1,4 @@
 // The live watch list for other programs: reads every item, prints a table, again.
-#include <csignal>
 #include <cstdio>
 
 #include "app/console_program/sessions.h"
@@ -17,14 +16,6 @@
 namespace {
 
 CPG_Options options;
-volatile std::sig_atomic_t isInterrupted = 0;
-
-// A second signal ends the program even where it waits for a reader of its output.
-void OnSignal(int signal)
-{
-    isInterrupted = 1;
-    std::signal(signal, SIG_DFL);
-}
 
 // False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
@@ -36,11 +27,11 @@ bool Print(const std::string &text)
 // A number of sweeps is wanted soon; one who follows wants the refresh period.
 bool Tick()
 {
-    if (CPG_IsInterrupted())
+    if (HL_IsEndWished())
         return false;
     const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
     const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
-                             : HL_WaitTimer(mainPanel, MAIN_TIMER, CPG_IsInterrupted);
+                             : HL_WaitTimer(mainPanel, MAIN_TIMER, HL_IsEndWished);
     return fired == 1;
 }
 
@@ -64,6 +55,7 @@ int EndEarly()
     if (options.sweeps == 0)
         return 0;
     std::fprintf(stderr, "Interrupted.\n");
+    QuitUserInterface(1); // the end that was asked for knows nothing of sweeps
     return 1;
 }
 
@@ -72,10 +64,10 @@ int Follow()
     if (!Print(CPG_FormatHeader(options.format)))
         return 1;
     for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
-        if (ReadAll() && !Print(CPG_FormatSweep(options.format, sweep)))
+        if (ReadAll() && !HL_IsEndWished() && !Print(CPG_FormatSweep(options.format, sweep)))
             return 1;
         CPG_RepeatMessage();
-        if (CPG_IsInterrupted())
+        if (HL_IsEndWished())
             return EndEarly();
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
@@ -94,17 +86,6 @@ void CPG_SetOptions(const CPG_Options &newOptions)
     CPG_SetScopeOptions(newOptions);
     CPG_SetRecordOptions(newOptions);
     CPG_SetCompareOptions(newOptions);
-}
-
-void CPG_CatchInterrupts()
-{
-    std::signal(SIGINT, OnSignal);
-    std::signal(SIGTERM, OnSignal);
-}
-
-bool CPG_IsInterrupted()
-{
-    return isInterrupted != 0;
 }
 
 bool CPG_LoadWatchList()
@@ -136,7 +117,6 @@ void CPG_RepeatMessage()
 
 int CPG_RunWatch()
 {
-    CPG_CatchInterrupts();
     if (!CPG_LoadWatchList())
         return 1;
     VIR2_StartPeriodicASC();

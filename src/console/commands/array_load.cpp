@@ -77,16 +77,14 @@ int WriteValues(const char *label, uint32_t address, const std::vector<uint8_t> 
 {
     const TransferPlan plan = {address, static_cast<uint32_t>(bytes.size()), WRITE_BLOCK_BYTES,
                                TRF_METER_ARRAY};
-    uint32_t written = 0;
-    const TransferResult result = TRF_Write(plan, bytes.data(), &written);
-    if (result == TRANSFER_CANCELLED)
-        return SCR_Fail(CON_Format("%s: preruseno uzivatelem. %u of %u bytes written.", label,
-                                   written, plan.count));
-    if (result != TRANSFER_DONE)
-        return SCR_FailLink(
-            CON_Format("%s: chyba pri zapisu dat do systemu. %u of %u bytes written.", label,
-                       written, plan.count));
-    return 0;
+    const TransferReport report = TRF_Write(plan, bytes.data());
+    if (report.result == TRANSFER_DONE)
+        return 0;
+    const std::string written = TRF_WrittenText(report, plan.count, 1);
+    if (report.result == TRANSFER_CANCELLED)
+        return SCR_Fail(CON_Format("%s: preruseno uzivatelem. %s.", label, written.c_str()));
+    return SCR_Fail(CON_Format("%s: chyba pri zapisu dat do systemu. %s. (%s)", label,
+                               written.c_str(), report.cause.c_str()));
 }
 
 // --- load: the header ---------------------------------------------------------------------------

@@ -13,12 +13,12 @@ constexpr uint32_t SAVE_BLOCK_BYTES = 64;
 constexpr uint32_t ROW_BYTES = 8; // of integers on a row of a dump
 constexpr uint32_t ROW_FLOATS = 4;
 
-int FailTransfer(TransferResult result, const char *label)
+int FailTransfer(const TransferReport &report, const char *label)
 {
-    if (result == TRANSFER_CANCELLED)
+    if (report.result == TRANSFER_CANCELLED)
         return SCR_Fail(CON_Format("%s: preruseno uzivatelem.", label));
     // `dump` says "Save", too: procedures look for this one text.
-    return SCR_FailLink("Save: chyba v komunikaci");
+    return SCR_Fail("Save: chyba v komunikaci (" + report.cause + ")");
 }
 
 // --- save -----------------------------------------------------------------------------------
@@ -29,7 +29,7 @@ uint32_t CountSaveBytes(const ArrayRequest &request)
     return static_cast<uint16_t>(request.count * request.type->size);
 }
 
-TransferResult SaveElements(const ArrayRequest &request, std::FILE *file)
+TransferReport SaveElements(const ArrayRequest &request, std::FILE *file)
 {
     const ArrayType &type = *request.type;
     const TransferPlan plan = {request.address, CountSaveBytes(request), SAVE_BLOCK_BYTES,
@@ -110,7 +110,7 @@ void AddToRow(const ArrayType &type, uint32_t address, const uint8_t *bytes, Dum
     }
 }
 
-TransferResult DumpElements(const ArrayRequest &request, DumpState *state)
+TransferReport DumpElements(const ArrayRequest &request, DumpState *state)
 {
     const ArrayType &type = *request.type;
     const TransferPlan plan = {request.address, request.count * type.size, SAVE_BLOCK_BYTES,
@@ -135,10 +135,10 @@ int SCR_Save(ScrPar *par)
     SAF_PutText(file.file,
                 CON_Format("Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
                            request.type->upperName));
-    const TransferResult result = SaveElements(request, file.file);
-    if (result != TRANSFER_DONE) {
+    const TransferReport report = SaveElements(request, file.file);
+    if (report.result != TRANSFER_DONE) {
         SAF_Cancel(&file);
-        return FailTransfer(result, "Save");
+        return FailTransfer(report, "Save");
     }
     if (SAF_Commit(&file) < 0)
         return SCR_Fail(CON_Format("Save: chyba pri zapisu do souboru %s.", par[3].text));
@@ -152,8 +152,8 @@ int SCR_Dump(ScrPar *par)
         return -1;
     CON_Print("Pole: %s, typ: %s.", ARR_FormatPlace(request, "").c_str(), request.type->upperName);
     DumpState state;
-    const TransferResult result = DumpElements(request, &state);
+    const TransferReport report = DumpElements(request, &state);
     if (!state.row.empty())
         PrintMonStr(state.row);
-    return result == TRANSFER_DONE ? 0 : FailTransfer(result, "Dump");
+    return report.result == TRANSFER_DONE ? 0 : FailTransfer(report, "Dump");
 }

@@ -27,15 +27,14 @@ int Resolve(ScrPar *par, const char *message, ArrayRequest *request)
     return 0;
 }
 
-int FailTransfer(TransferResult result, const char *label)
+int FailTransfer(const TransferReport &report, const char *label)
 {
-    const char *text = "communication failure.";
-    if (result == TRANSFER_TAKER)
+    std::string text = "communication failure. (" + report.cause + ")";
+    if (report.result == TRANSFER_TAKER)
         text = "file write failure.";
-    else if (result == TRANSFER_CANCELLED)
+    else if (report.result == TRANSFER_CANCELLED)
         text = "cancelled by the user.";
-    const std::string message = CON_Format("%s: %s", label, text);
-    return result == TRANSFER_LINK ? SCR_FailLink(message) : SCR_Fail(message);
+    return SCR_Fail(CON_Format("%s: %s", label, text.c_str()));
 }
 
 bool PutBytes(std::FILE *file, const uint8_t *bytes, uint32_t count)
@@ -72,15 +71,15 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
     if (SAF_Open(&file, fileName, "wb") < 0)
         return SCR_Fail(CON_Format("%s: Can't open file '%s' for write.", label, fileName));
     const TransferPlan plan = {request.address, request.count, BLOCK_BYTES, TRF_METER_BINARY};
-    const TransferResult result =
+    TransferReport report =
         TRF_Read(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
             return write(file.file, request.address, address, bytes, count);
         });
-    if (result != TRANSFER_DONE) {
+    if (report.result != TRANSFER_DONE)
         SAF_Cancel(&file);
-        return FailTransfer(result, label);
-    }
-    return SAF_Commit(&file) < 0 ? FailTransfer(TRANSFER_TAKER, label) : 0;
+    else if (SAF_Commit(&file) < 0)
+        report.result = TRANSFER_TAKER;
+    return report.result != TRANSFER_DONE ? FailTransfer(report, label) : 0;
 }
 
 // At most `limit` bytes of the file and whether it holds more; false when it cannot be read.
@@ -135,12 +134,11 @@ int SCR_BinLoad(ScrPar *par)
                   request.count);
     const TransferPlan plan = {request.address, static_cast<uint32_t>(bytes.size()), BLOCK_BYTES,
                                TRF_METER_BINARY};
-    uint32_t written = 0;
-    const TransferResult result = TRF_Write(plan, bytes.data(), &written);
-    if (result != TRANSFER_DONE) {
-        CON_Print("%u of %u bytes written.", written, plan.count);
-        return FailTransfer(result, "BinLoad");
+    const TransferReport report = TRF_Write(plan, bytes.data());
+    if (report.result != TRANSFER_DONE) {
+        CON_Print("%s.", TRF_WrittenText(report, plan.count, 1).c_str());
+        return FailTransfer(report, "BinLoad");
     }
-    CON_Print("%u bytes written.", written);
+    CON_Print("%u bytes written.", report.moved);
     return 0;
 }

@@ -1,6 +1,7 @@
 // The data logger's commands: download into files, the old layout, and a look at the log
 // that downloads nothing.
 #include "comm/sysaddr.h"
+#include "comm/ucm.h"
 #include "console/commands/commands.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
@@ -17,6 +18,13 @@ int Fail(const char *command, const std::string &text)
     if (DLLD_IsCancelled())
         return SCR_Fail(CON_Format("%s: cancelled by the user.", command));
     return SCR_Fail(std::string(command) + ": " + text);
+}
+
+// What the target was read for; the cause follows when it was the line.
+int FailRead(const char *command, const std::string &text)
+{
+    const std::string &cause = DLLD_GetLinkCause();
+    return Fail(command, cause.empty() ? text : text + " (" + cause + ")");
 }
 
 int FailGetLog(const std::string &text)
@@ -52,8 +60,8 @@ std::string FormatStamp(uint32_t stamp)
 int ShowSurvey(const std::string &name)
 {
     DLLD_Survey survey;
-    if (DLLD_SurveyLog(name, &survey) < 0)
-        return Fail("dlldtst", "Could not read the log (" + name + ").");
+    if (UCM_MakeProven([&] { return DLLD_SurveyLog(name, &survey); }) < 0)
+        return FailRead("dlldtst", "Could not read the log (" + name + ").");
     std::string header;
     for (const uint16_t word : survey.header)
         header += CON_Format(" %04X", word);
@@ -75,7 +83,7 @@ int ShowRecIds()
         return 0;
     }
     if (DLLD_ReadARecId() < 0)
-        return Fail("dlldtst", "Could not read log type list (DL_arecId).");
+        return FailRead("dlldtst", "Could not read log type list (DL_arecId).");
     CON_Print("Records:  %d", DLLD_nDimARecId);
     for (const DLLD_RecId &entry : DLLD_paRecId) {
         const std::string id = CON_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
@@ -99,11 +107,11 @@ int ScrFnGetLog(ScrPar *par)
         return SCR_Fail("getlog: Invalid parameters.");
     LGT_UseTarget();
     if (DLLD_ReadARecId() < 0)
-        return FailGetLog("Could not read log type list (DL_arecId).");
+        return FailRead("getlog", "Could not read log type list (DL_arecId).");
     CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
     DLLD_Log log;
     if (DLLD_ReadLog(name, &log) < 0)
-        return FailGetLog("Could not read the log (" + name + ").");
+        return FailRead("getlog", "Could not read the log (" + name + ").");
     return SaveLogFiles(log, name, base);
 }
 
@@ -118,7 +126,7 @@ int ScrFnSaveLog(ScrPar *par)
     DLLD_Log log;
     const int read = isName ? DLLD_ReadLog(name, &log) : DLLD_ReadLogAt(address, &log);
     if (read < 0)
-        return Fail("SaveLog", "Chyba pri cteni logu.");
+        return FailRead("SaveLog", "Chyba pri cteni logu.");
     const int result = DLLD_SaveOldLogFe(path, log);
     if (result == DLLD_ERR_OPEN)
         return Fail("SaveLog", "Nelze otevrit soubor '" + path + "'.");

@@ -1,4 +1,4 @@
-// One loop for both directions: it knows the blocks and the meter, its caller the data.
+// One loop for both directions: it knows exchanges, proofs and the meter, its caller the data.
 #include "console/commands/transfer.h"
 
 #include <algorithm>
@@ -15,76 +15,121 @@ const char TRF_METER_BINARY[] = "Communication. Block ";
 namespace {
 
 constexpr uint32_t METER_BLOCKS_MIN = 4; // a shorter transfer shows no box
+constexpr uint32_t STRETCH_BYTES = 4096; // with one proof behind them, and read again as a whole
+constexpr int STOPPED_BY_USER = -1000;   // no exchange has this code
 
 struct Meter {
     const char *text = "";
+    uint32_t perBlock = 1;
     uint32_t blocks = 0;
-    uint32_t done = 0;
     int dialog = 0; // 0 = none
 };
 
-Meter OpenMeter(const TransferPlan &plan)
+uint32_t CountBlocks(uint32_t count, uint32_t perBlock)
+{
+    return count / perBlock + (count % perBlock != 0 ? 1 : 0);
+}
+
+Meter OpenMeter(const TransferSteps &steps)
 {
     Meter meter;
-    meter.text = plan.meterText;
-    meter.blocks = (plan.count + plan.blockBytes - 1) / plan.blockBytes;
+    meter.text = steps.meterText;
+    meter.perBlock = steps.perBlock;
+    meter.blocks = CountBlocks(steps.count, steps.perBlock);
     if (meter.blocks >= METER_BLOCKS_MIN)
         meter.dialog = CreateProgressDialog("Vireo2", meter.text);
     return meter;
 }
 
-// True once the user has cancelled; the last block is past cancelling.
-bool StepMeter(Meter *meter)
+// Shows how far the transfer is; true once the user wants to go no further.
+bool IsStopped(const Meter &meter, uint32_t at)
 {
-    meter->done++;
-    if (meter->dialog <= 0)
-        return false;
-    const int percent = static_cast<int>(uint64_t(100) * meter->done / meter->blocks);
-    const std::string text = CON_Format("%s%u/%u", meter->text, meter->done, meter->blocks);
-    return UpdateProgressDialog(meter->dialog, percent, text) == 1 && meter->done < meter->blocks;
-}
-
-void CloseMeter(Meter *meter)
-{
-    if (meter->dialog > 0)
-        DiscardProgressDialog(meter->dialog);
-}
-
-// Runs `move` on each block.
-template <typename Move> TransferResult RunBlocks(const TransferPlan &plan, Move move)
-{
-    Meter meter = OpenMeter(plan);
-    TransferResult result = TRANSFER_DONE;
-    for (uint32_t at = 0; at < plan.count && result == TRANSFER_DONE; at += plan.blockBytes) {
-        result = move(at, std::min(plan.blockBytes, plan.count - at));
-        if (result == TRANSFER_DONE && StepMeter(&meter))
-            result = TRANSFER_CANCELLED;
+    if (meter.dialog > 0) {
+        const uint32_t done = at / meter.perBlock;
+        const int percent = static_cast<int>(uint64_t(100) * done / meter.blocks);
+        const std::string text = CON_Format("%s%u/%u", meter.text, done, meter.blocks);
+        if (UpdateProgressDialog(meter.dialog, percent, text) == 1)
+            return true;
     }
-    CloseMeter(&meter);
-    return result;
+    return IsBreakWished();
+}
+
+void CloseMeter(const Meter &meter)
+{
+    if (meter.dialog > 0)
+        DiscardProgressDialog(meter.dialog);
+}
+
+// One stretch from `at` on. What stands in front of a failure is handed over as well.
+void MoveStretch(const TransferSteps &steps, const Meter &meter, uint32_t at, uint32_t count,
+                 TransferReport *report)
+{
+    const uint32_t exchanges = CountBlocks(count, steps.perExchange);
+    const UCM_Series series = UCM_MakeSeries(exchanges, [&](uint32_t i) {
+        const uint32_t from = i * steps.perExchange;
+        if (at + from > 0 && IsStopped(meter, at + from))
+            return STOPPED_BY_USER;
+        return steps.exchange(at + from, std::min(steps.perExchange, count - from));
+    });
+    const uint32_t good = std::min(series.good * steps.perExchange, count);
+    report->moved = at + std::min(series.made * steps.perExchange, count);
+    report->isProven = series.good == series.made;
+    if (good > 0 && steps.settle && !steps.settle(at, good)) {
+        report->result = TRANSFER_TAKER;
+    } else if (series.result < 0) {
+        const bool isStopped = series.result == STOPPED_BY_USER || IsBreakWished();
+        report->result = isStopped ? TRANSFER_CANCELLED : TRANSFER_LINK;
+        report->code = series.made < exchanges ? series.result : 0;
+        report->cause = series.cause;
+    }
 }
 
 } // namespace
 
-TransferResult TRF_Read(const TransferPlan &plan, const TransferTaker &take)
+TransferReport TRF_Run(const TransferSteps &steps)
 {
-    std::vector<uint8_t> block(plan.blockBytes);
-    const TransferResult result = RunBlocks(plan, [&](uint32_t at, uint32_t count) {
-        if (UCM_Read(STATION, plan.address + at, count, block.data()) < 0)
-            return TRANSFER_LINK;
-        return take(plan.address + at, block.data(), count) ? TRANSFER_DONE : TRANSFER_TAKER;
-    });
-    // Equipment on the line may have repeated an answer: only proven bytes count as read.
-    return result == TRANSFER_DONE && UCM_Prove() != UCM_PROVEN ? TRANSFER_LINK : result;
+    TransferReport report;
+    const Meter meter = OpenMeter(steps);
+    for (uint32_t at = 0; at < steps.count && report.result == TRANSFER_DONE;
+         at += steps.perStretch)
+        MoveStretch(steps, meter, at, std::min(steps.perStretch, steps.count - at), &report);
+    CloseMeter(meter);
+    return report;
 }
 
-TransferResult TRF_Write(const TransferPlan &plan, const uint8_t *bytes, uint32_t *written)
+TransferReport TRF_Read(const TransferPlan &plan, const TransferTaker &take)
 {
-    *written = 0;
-    return RunBlocks(plan, [&](uint32_t at, uint32_t count) {
-        if (UCM_Write(STATION, plan.address + at, count, bytes + at) < 0)
-            return TRANSFER_LINK;
-        *written += count;
-        return TRANSFER_DONE;
-    });
+    TransferSteps steps;
+    steps.count = plan.count;
+    steps.perExchange = steps.perBlock = plan.blockBytes;
+    steps.perStretch = STRETCH_BYTES / plan.blockBytes * plan.blockBytes;
+    steps.meterText = plan.meterText;
+    std::vector<uint8_t> stretch(std::min(plan.count, steps.perStretch));
+    steps.exchange = [&](uint32_t at, uint32_t count) {
+        return UCM_Read(STATION, plan.address + at, count, &stretch[at % steps.perStretch]);
+    };
+    steps.settle = [&](uint32_t at, uint32_t count) {
+        return take(plan.address + at, stretch.data(), count);
+    };
+    return TRF_Run(steps);
+}
+
+TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes)
+{
+    TransferSteps steps;
+    steps.count = plan.count;
+    steps.perBlock = plan.blockBytes;
+    steps.perExchange = std::min(plan.blockBytes, UCM_WriteStep());
+    steps.perStretch = STRETCH_BYTES / steps.perExchange * steps.perExchange;
+    steps.meterText = plan.meterText;
+    steps.exchange = [&](uint32_t at, uint32_t count) {
+        return UCM_Write(STATION, plan.address + at, count, bytes + at);
+    };
+    return TRF_Run(steps);
+}
+
+std::string TRF_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes)
+{
+    return CON_Format("%s%u of %u bytes written", report.isProven ? "" : "at most ",
+                      report.moved * unitBytes, count * unitBytes);
 }

@@ -36,8 +36,7 @@ int WriteValue(ScrPar *par, const char *label)
             CON_Format("%s: posledni byte lezi za adresou %06X.", label, ADDR_LIMIT - 1));
     uint8_t bytes[4];
     BYT_PutLittle(bytes, sizeof bytes, par[1].value);
-    if (UCM_EmuCom166Msg(STATION, TARGET_WRITE, par[2].value, static_cast<uint16_t>(size), bytes) <=
-        0)
+    if (UCM_WriteProven(STATION, par[2].value, static_cast<uint16_t>(size), bytes) < 0)
         return SCR_FailLink(CON_Format("%s: Selhani komunikace.", label));
     return 0;
 }

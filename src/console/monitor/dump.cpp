@@ -1,13 +1,15 @@
-// Bytes are read one row, byte or word at a time: what was read before a failure stays
-// on the console.
+// Bytes are read one row, byte or word at a time, and printed when they are proven: what was
+// read before a failure comes to the console all the same.
 #include "console/monitor/dump.h"
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
+#include "console/commands/transfer.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
@@ -26,6 +28,7 @@ constexpr uint32_t RAW_ROWS = 8;
 constexpr uint32_t COMPLETE_BYTES = 8;
 constexpr uint32_t NODE_BYTES_MAX = 8;
 constexpr uint32_t FLOAT_BYTES = 4;
+constexpr uint32_t WORDS_STRETCH = 64; // with one proof behind them
 constexpr size_t COMPLETE_RULE = 67;
 constexpr size_t WORDS_RULE = 74;
 constexpr size_t NODE_RULE = 40;
@@ -44,16 +47,7 @@ std::string FormatFloat(const uint8_t *bytes)
     return CON_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
 }
 
-// Rows are shown as they come; false, with a message, when they turn out not to be proven.
-bool AreRowsProven()
-{
-    if (UCM_Prove() == UCM_PROVEN)
-        return true;
-    MEM_Fail("The line repeats answers: the values above may be wrong, read them again.");
-    return false;
-}
-
-// A valid station in front of a name ("3:name"), else the present one.
+// The station in front of a name ("3:name"), else the present one; -1 when there is none such.
 int32_t GetNameStation(const std::string &name)
 {
     const char *cursor = CON_SkipBlanks(name.c_str());
@@ -62,7 +56,7 @@ int32_t GetNameStation(const std::string &name)
     uint32_t station = 0;
     if (!CON_ParseDecimal(&cursor, &station) || *CON_SkipBlanks(cursor) != ':')
         return STATION;
-    return station <= STATION_MAX ? static_cast<int32_t>(station) : STATION;
+    return station <= STATION_MAX ? static_cast<int32_t>(station) : -1;
 }
 
 // Bytes from the variable to the next symbol of the map, at most NODE_BYTES_MAX.
@@ -84,58 +78,105 @@ int MEM_Fail(const std::string &message)
     return -1;
 }
 
+int MEM_FailLink(const std::string &message, const std::string &cause)
+{
+    if (IsBreakWished())
+        return MEM_Fail("\nCancelled.");
+    PrintMonStr(message);
+    return MEM_Fail("Cause: " + cause + ".");
+}
+
+bool MEM_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses)
+{
+    if (address + count * unitAddresses <= ADDR_LIMIT)
+        return true;
+    MEM_Fail(CON_Format("The last address lies beyond %06X.", ADDR_LIMIT - 1));
+    return false;
+}
+
 int dump(int, uint32_t address)
 {
+    if (!MEM_IsInside(address, 1, 1))
+        return -1;
     PrintMonStr("Dump ...\n");
-    for (uint32_t row = 0; row < RAW_ROWS && address < ADDR_LIMIT; row++) {
-        uint8_t bytes[RAW_ROW_BYTES];
-        const uint32_t count = std::min(RAW_ROW_BYTES, ADDR_LIMIT - address);
-        if (UCM_Read(STATION, address, count, bytes) < 0)
-            return MEM_Fail(NO_ANSWER);
-        std::string line = CON_Format(" %08x:  ", address);
-        for (uint32_t i = 0; i < count; i++)
+    uint8_t bytes[RAW_ROWS * RAW_ROW_BYTES];
+    const uint32_t count = std::min<uint32_t>(sizeof bytes, ADDR_LIMIT - address);
+    const auto rowEnd = [count](uint32_t at) { return std::min(at + RAW_ROW_BYTES, count); };
+    const UCM_Series series =
+        UCM_MakeSeries((count + RAW_ROW_BYTES - 1) / RAW_ROW_BYTES, [&](uint32_t row) {
+            const uint32_t at = row * RAW_ROW_BYTES;
+            return UCM_Read(STATION, address + at, rowEnd(at) - at, bytes + at);
+        });
+    for (uint32_t row = 0; row < series.good; row++) {
+        const uint32_t at = row * RAW_ROW_BYTES;
+        std::string line = CON_Format(" %08x:  ", address + at);
+        for (uint32_t i = at; i < rowEnd(at); i++)
             line += CON_Format(" %02X", bytes[i]);
         PrintMonStr(line);
-        address += count;
     }
-    return AreRowsProven() ? 0 : -1;
+    return series.result < 0 ? MEM_FailLink(NO_ANSWER, series.cause) : 0;
 }
 
 int dump_compl(int, uint32_t address)
 {
+    if (!MEM_IsInside(address, 1, 1))
+        return -1;
     PrintMonStr("Dump ...\n");
     PrintMonStr(" ADDR:   |   hex:     long:     ulong:      float:");
     PrintMonStr(std::string(COMPLETE_RULE, '-'));
     uint8_t bytes[COMPLETE_BYTES];
-    for (uint32_t i = 0; i < COMPLETE_BYTES && address + i < ADDR_LIMIT; i++) {
-        std::string row = CON_Format(" %06x: |", address + i);
-        if (UCM_Read(STATION, address + i, 1, &bytes[i]) < 0) {
-            PrintMonStr(row);
-            return MEM_Fail(NO_ANSWER);
-        }
-        row += FormatByte(bytes[i]);
+    const UCM_Series series =
+        UCM_MakeSeries(std::min(COMPLETE_BYTES, ADDR_LIMIT - address),
+                       [&](uint32_t i) { return UCM_Read(STATION, address + i, 1, &bytes[i]); });
+    for (uint32_t i = 0; i < series.good; i++) {
+        std::string row = CON_Format(" %06x: |", address + i) + FormatByte(bytes[i]);
         if (i % FLOAT_BYTES == FLOAT_BYTES - 1)
             row += FormatFloat(bytes + i + 1 - FLOAT_BYTES);
         PrintMonStr(row);
     }
-    return AreRowsProven() ? 0 : -1;
+    if (series.result >= 0)
+        return 0;
+    CON_Print(" %06x: |", address + series.good);
+    return MEM_FailLink(NO_ANSWER, series.cause);
 }
 
 int dump_Naddr(int, uint32_t address, uint32_t count)
 {
+    if (!MEM_IsInside(address, count, 1))
+        return -1;
     PrintMonStr("Read memory...\n");
     PrintMonStr(" ADDR:    |      hex:            long:       unsign. long:      TMS float:");
     PrintMonStr(std::string(WORDS_RULE, '-'));
-    for (uint32_t i = 0; i < count; i++, address++) {
-        uint32_t value = 0;
-        const int result = TMS_ReadWord(STATION, address, TMS_POLLS_ITEM, &value);
-        if (result != TMS_OK)
-            return MEM_Fail(result == TMS_ERR_BUSY ? "\nHardware not responding." : NO_ANSWER);
-        CON_Print("%08x  |   %08X     %12d     %12u     %12g", address, value,
-                  static_cast<int32_t>(value), value, TMS_IEEE(value));
+    std::vector<uint32_t> words(count);
+    TransferSteps steps;
+    steps.count = count;
+    steps.perStretch = steps.perBlock = WORDS_STRETCH;
+    steps.meterText = TRF_METER_BINARY;
+    steps.exchange = [&](uint32_t at, uint32_t) {
+        return TMS_ReadWord(STATION, address + at, TMS_POLLS_ITEM, &words[at]);
+    };
+    steps.settle = [&](uint32_t at, uint32_t good) {
+        for (uint32_t i = at; i < at + good; i++)
+            CON_Print("%08x  |   %08X     %12d     %12u     %12g", address + i, words[i],
+                      static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
         ProcessSystemEvents();
-    }
+        return true;
+    };
+    const TransferReport report = TRF_Run(steps);
+    if (report.result == TRANSFER_CANCELLED)
+        return MEM_Fail("\nCancelled.");
+    if (report.result == TRANSFER_LINK)
+        return MEM_FailTms(report.code, report.cause);
     return 0;
+}
+
+int MEM_FailTms(int result, const std::string &cause)
+{
+    if (result == TMS_OK) // all was answered: it is the proof that failed
+        result = TMS_ERR_PROOF;
+    if (result == TMS_ERR_BUSY) // says its cause
+        return MEM_Fail("\nHardware not responding.");
+    return MEM_FailLink(NO_ANSWER, TMS_ErrorText(result, cause));
 }
 
 int dump_node(int, const std::string &name)
@@ -148,17 +189,18 @@ int dump_node(int, const std::string &name)
     if (name.empty() || address >= ADDR_LIMIT)
         return MEM_Fail(CON_Format(" Variable %s doesn't exist in MapFile (%s)\n", name.c_str(),
                                    mapFile.c_str()));
+    const int32_t station = GetNameStation(name);
+    if (station < 0)
+        return MEM_Fail(CON_Format("Stations are 0 to %d.", STATION_MAX));
     PrintMonStr("Dump variable ...");
     CON_Print(" Variable:  %s", name.c_str());
     PrintMonStr(" ADDR:   |   hex:     long:     ulong:");
     PrintMonStr(std::string(NODE_RULE, '-'));
-    const uint32_t size = GetNodeSize(address);
-    const int32_t station = GetNameStation(name);
-    for (uint32_t i = 0; i < size && address + i < ADDR_LIMIT; i++) {
-        uint8_t byte = 0;
-        if (UCM_Read(station, address + i, 1, &byte) < 0)
-            return MEM_Fail(NO_ANSWER);
-        CON_Print("\n %06x: |%s\n", address + i, FormatByte(byte).c_str());
-    }
-    return AreRowsProven() ? 0 : -1;
+    uint8_t bytes[NODE_BYTES_MAX];
+    const UCM_Series series =
+        UCM_MakeSeries(std::min(GetNodeSize(address), ADDR_LIMIT - address),
+                       [&](uint32_t i) { return UCM_Read(station, address + i, 1, &bytes[i]); });
+    for (uint32_t i = 0; i < series.good; i++)
+        CON_Print("\n %06x: |%s\n", address + i, FormatByte(bytes[i]).c_str());
+    return series.result < 0 ? MEM_FailLink(NO_ANSWER, series.cause) : 0;
 }

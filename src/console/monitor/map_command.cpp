@@ -2,11 +2,13 @@
 // project's own map from the target's flash.
 #include <string>
 
+#include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
+#include "symbols/flash_varmap.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "watch/main_window.h"
@@ -74,8 +76,11 @@ int LoadFromFlash(bool isOldPlace)
 {
     PrintMonStr(isOldPlace ? "Reading FLASH from 1C000H, wait for a while please ..."
                            : "Reading FLASH from end, wait for a while please ...");
-    if (fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END) != 0) {
+    const int result = fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END);
+    if (result != 0) {
         PrintMonStr("Error during flash read.");
+        if (result == FLASH_ERR_COMMUNICATION)
+            CON_Print("Cause: %s.", UCM_LastErrorText().c_str());
         return -1;
     }
     CON_Print("%d vars", nNodes);

@@ -1,18 +1,21 @@
 // Storing and loading differ between a C166 and a TMS320 in how one item is moved and
-// how far the address steps; a Source and a Sink hold that difference.
+// how far the address steps; a Source and a Sink hold that difference. Items are proven in
+// stretches: one proof for all of a short file.
 #include "console/monitor/memory_files.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
+#include "console/commands/transfer.h"
 #include "console/monitor/dump.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/value_entry.h"
 #include "console/monitor/word.h"
 #include "platform/safe_file.h"
 #include "settings/limits.h"
@@ -26,9 +29,12 @@ namespace {
 constexpr uint32_t ITEM_BYTES = 4;
 constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 KiB
 constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
+constexpr uint32_t ITEMS_MAX = 0x40000;       // of a file: more would take days
+constexpr uint32_t ITEMS_STRETCH = 64;        // with one proof behind them
 constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
+constexpr char BAD_TRANSFER[] = "\nMessage not succesful.";
 
-// --- reading the target: one item, 0 or -1 -----------------------------------------------
+// --- reading the target: one item, 0 or negative -----------------------------------------------
 
 // A float is fetched byte by byte, an integer at once: a counter must not change halfway.
 int ReadC166(uint32_t address, bool isFloat, uint32_t *value)
@@ -44,7 +50,7 @@ int ReadC166(uint32_t address, bool isFloat, uint32_t *value)
 
 int ReadTms(uint32_t address, bool, uint32_t *value)
 {
-    return TMS_ReadWord(STATION, address, TMS_POLLS_ITEM, value) == TMS_OK ? 0 : -1;
+    return TMS_ReadWord(STATION, address, TMS_POLLS_ITEM, value);
 }
 
 double IeeeValue(uint32_t bits)
@@ -54,30 +60,59 @@ double IeeeValue(uint32_t bits)
     return static_cast<double>(value);
 }
 
+std::string CauseC166(const TransferReport &report)
+{
+    return report.cause;
+}
+
+std::string CauseTms(const TransferReport &report)
+{
+    return TMS_ErrorText(report.code == TMS_OK ? TMS_ERR_PROOF : report.code, report.cause);
+}
+
 struct Source {
     uint32_t step; // from item to item
     uint32_t lastAddress;
     int (*read)(uint32_t address, bool isFloat, uint32_t *value);
     double (*toDouble)(uint32_t bits);
+    std::string (*cause)(const TransferReport &report);
 };
-const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue};
-const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE};
+const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue, CauseC166};
+const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE, CauseTms};
 
-int StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
+TransferSteps PlanItems(uint32_t count)
+{
+    TransferSteps steps;
+    steps.count = count;
+    steps.perStretch = steps.perBlock = ITEMS_STRETCH;
+    steps.meterText = TRF_METER_BINARY;
+    return steps;
+}
+
+// A store ends at the last address it reaches, however many items were asked for.
+uint32_t CountReached(const MemoryFileRequest &request, const Source &source)
+{
+    if (request.address > source.lastAddress)
+        return 0;
+    return std::min(request.count, (source.lastAddress - request.address) / source.step + 1);
+}
+
+TransferReport StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
 {
     SAF_PutText(file, request.isFloat ? "float\n" : "int\n");
-    uint32_t address = request.address;
-    for (uint32_t i = 0; i < request.count && address <= source.lastAddress; i++) {
-        uint32_t value = 0;
-        if (source.read(address, request.isFloat, &value) < 0)
-            return -1;
-        if (request.isFloat)
-            SAF_PutText(file, CON_Format("%g\n", source.toDouble(value)));
-        else
-            SAF_PutText(file, CON_Format("%d\n", static_cast<int32_t>(value)));
-        address += source.step;
-    }
-    return 0;
+    TransferSteps steps = PlanItems(CountReached(request, source));
+    std::vector<uint32_t> values(steps.count);
+    steps.exchange = [&](uint32_t at, uint32_t) {
+        return source.read(request.address + at * source.step, request.isFloat, &values[at]);
+    };
+    steps.settle = [&](uint32_t at, uint32_t good) {
+        for (uint32_t i = at; i < at + good; i++)
+            SAF_PutText(file, request.isFloat
+                                  ? CON_Format("%g\n", source.toDouble(values[i]))
+                                  : CON_Format("%d\n", static_cast<int32_t>(values[i])));
+        return true;
+    };
+    return TRF_Run(steps);
 }
 
 int FailOpen(const std::string &fileName)
@@ -86,14 +121,28 @@ int FailOpen(const std::string &fileName)
     return MFL_ERR_OPEN;
 }
 
+// Nothing is asked for or sent of a file that cannot be moved as a whole.
+bool AreItemsAllowed(uint32_t address, uint64_t count, uint32_t step)
+{
+    if (count <= ITEMS_MAX)
+        return MEM_IsInside(address, count, step);
+    MEM_Fail(CON_Format("At most %u values a file.", ITEMS_MAX));
+    return false;
+}
+
 int StoreFile(const MemoryFileRequest &request, const Source &source)
 {
+    if (!AreItemsAllowed(request.address, request.count, source.step))
+        return MFL_ERR_LINK;
     SafeFile file;
     if (SAF_Open(&file, request.fileName, "wb") < 0)
         return FailOpen(request.fileName);
-    if (StoreItems(request, source, file.file) < 0) {
+    const TransferReport report = StoreItems(request, source, file.file);
+    if (report.result != TRANSFER_DONE) {
         SAF_Cancel(&file);
-        return MEM_Fail("Message not succesful.");
+        return report.result == TRANSFER_CANCELLED
+                   ? MEM_Fail("\nCancelled.")
+                   : MEM_FailLink("Message not succesful.", source.cause(report));
     }
     if (SAF_Commit(&file) < 0) {
         MEM_Fail(CON_Format("Could not write %s", request.fileName.c_str()));
@@ -102,38 +151,34 @@ int StoreFile(const MemoryFileRequest &request, const Source &source)
     return 0;
 }
 
-// --- writing the target: one item, 0 or -1 after a message ----------------------------------
-
-int SendBytes(uint32_t address, const uint8_t *bytes, uint16_t count)
-{
-    if (UCM_EmuCom166Msg(STATION, TARGET_WRITE, address, count, bytes) > 0)
-        return 0;
-    return MEM_Fail(CON_Format("Message not succesful (Address %06x).", address));
-}
+// --- writing the target: one item, 0 or negative ----------------------------------------------
 
 // Only the low byte of an integer is written, and floats go most significant byte
 // first, whatever the target's order: files of service procedures count on both.
-int SendC166(int, uint32_t address, bool isFloat, uint32_t value)
+int SendC166(uint32_t address, bool isFloat, uint32_t value)
 {
     uint8_t bytes[ITEM_BYTES];
     for (uint32_t i = 0; i < ITEM_BYTES; i++)
         bytes[i] = static_cast<uint8_t>(value >> (8 * (ITEM_BYTES - 1 - i)));
-    return isFloat ? SendBytes(address, bytes, ITEM_BYTES)
-                   : SendBytes(address, bytes + ITEM_BYTES - 1, 1);
+    const uint16_t count = isFloat ? ITEM_BYTES : 1;
+    const int result =
+        UCM_EmuCom166Msg(STATION, TARGET_WRITE, address, count, bytes + ITEM_BYTES - count);
+    return result > 0 ? 0 : UCM_ERR_FAILED;
 }
 
-int SendTms(int panel, uint32_t address, bool isFloat, uint32_t value)
+int SendTms(uint32_t address, bool isFloat, uint32_t value)
 {
-    return write_addrTMS(panel, address, isFloat ? IEEE_TMS(value) : value);
+    return TMS_WriteWord(address, isFloat ? IEEE_TMS(value) : value, nullptr);
 }
 
 struct Sink {
-    uint32_t integerStep;
-    uint32_t floatStep;
-    int (*send)(int panel, uint32_t address, bool isFloat, uint32_t value);
+    uint32_t integerStep, floatStep;   // addresses from item to item
+    uint32_t integerBytes, floatBytes; // of an item
+    int (*send)(uint32_t address, bool isFloat, uint32_t value);
+    std::string (*cause)(const TransferReport &report);
 };
-const Sink C166_SINK = {1, ITEM_BYTES, SendC166};
-const Sink TMS_SINK = {1, 1, SendTms};
+const Sink C166_SINK = {1, ITEM_BYTES, 1, ITEM_BYTES, SendC166, CauseC166};
+const Sink TMS_SINK = {1, 1, ITEM_BYTES, ITEM_BYTES, SendTms, CauseTms};
 
 enum NumberForm { NUMBER_GOOD, NUMBER_NONE, NUMBER_TOO_BIG };
 
@@ -156,8 +201,9 @@ NumberForm ParseNumber(const char *line, bool isFloat, uint32_t *value)
     return isGood ? NUMBER_GOOD : NUMBER_TOO_BIG;
 }
 
-// An integer file ends at its first line that is no number; in a float file that is an error.
-int LoadItems(int panel, uint32_t address, const Sink &sink, int file, bool isFloat)
+// The whole file first: a bad line leaves the target as it was. An integer file ends at its
+// first line that is no number; in a float file that is an error. 0, or -1 after a message.
+int ReadItems(int file, bool isFloat, std::vector<uint32_t> *values)
 {
     char line[LINE_SIZE];
     for (int lineNo = 2; TXFR_RdLine(file, line, LINE_SIZE) >= 0; lineNo++) {
@@ -167,14 +213,37 @@ int LoadItems(int panel, uint32_t address, const Sink &sink, int file, bool isFl
             return 0;
         if (form != NUMBER_GOOD)
             return MEM_Fail(CON_Format("Line %d of the file is not a value.", lineNo));
-        if (sink.send(panel, address, isFloat, value) < 0)
-            return -1;
-        address += isFloat ? sink.floatStep : sink.integerStep;
+        values->push_back(value);
+        if (values->size() > ITEMS_MAX)
+            break; // refused with the rest
     }
     return 0;
 }
 
-int LoadFile(int panel, const MemoryFileRequest &request, const Sink &sink)
+int LoadItems(uint32_t address, const Sink &sink, bool isFloat, const std::vector<uint32_t> &values)
+{
+    const uint32_t step = isFloat ? sink.floatStep : sink.integerStep;
+    if (!AreItemsAllowed(address, values.size(), step))
+        return MFL_ERR_LINK;
+    TransferSteps steps = PlanItems(static_cast<uint32_t>(values.size()));
+    steps.exchange = [&](uint32_t at, uint32_t) {
+        return sink.send(address + at * step, isFloat, values[at]);
+    };
+    const TransferReport report = TRF_Run(steps);
+    if (report.result == TRANSFER_DONE)
+        return 0;
+    const uint32_t itemBytes = isFloat ? sink.floatBytes : sink.integerBytes;
+    CON_Print("%s.", TRF_WrittenText(report, steps.count, itemBytes).c_str());
+    if (report.result == TRANSFER_CANCELLED)
+        return MEM_Fail("\nCancelled.");
+    if (report.moved == steps.count) // each was acknowledged, but by answers that may be others'
+        return MEM_FailLink(BAD_TRANSFER, sink.cause(report));
+    return MEM_FailLink(
+        CON_Format("Message not succesful (Address %06x).", address + report.moved * step),
+        sink.cause(report));
+}
+
+int LoadFile(const MemoryFileRequest &request, const Sink &sink)
 {
     const int file = TXFR_Open(request.fileName.c_str());
     if (file < 0)
@@ -182,13 +251,14 @@ int LoadFile(int panel, const MemoryFileRequest &request, const Sink &sink)
     char line[LINE_SIZE] = "";
     TXFR_RdLine(file, line, LINE_SIZE);
     const std::string form(line, CON_WordLength(line));
-    int result = MFL_ERR_FORMAT;
-    if (form == "int" || form == "float")
-        result = LoadItems(panel, request.address, sink, file, form == "float");
-    else
-        MEM_Fail("File format error");
+    const bool isFloat = form == "float";
+    const bool isKnown = isFloat || form == "int";
+    std::vector<uint32_t> values;
+    const int result = isKnown ? ReadItems(file, isFloat, &values) : MFL_ERR_FORMAT;
     TXFR_Close(file);
-    return result;
+    if (!isKnown)
+        MEM_Fail("File format error");
+    return result < 0 ? result : LoadItems(request.address, sink, isFloat, values);
 }
 
 bool ParseFileName(const char **cursor, std::string *fileName)
@@ -231,14 +301,14 @@ int store_addr(int, const MemoryFileRequest &request)
     return StoreFile(request, TMS_SOURCE);
 }
 
-int load(int panel, const MemoryFileRequest &request)
+int load(int, const MemoryFileRequest &request)
 {
     PrintMonStr("\nLoad ...");
-    return LoadFile(panel, request, C166_SINK);
+    return LoadFile(request, C166_SINK);
 }
 
-int load_addr(int panel, const MemoryFileRequest &request)
+int load_addr(int, const MemoryFileRequest &request)
 {
     PrintMonStr("\nLoad ...");
-    return LoadFile(panel, request, TMS_SINK);
+    return LoadFile(request, TMS_SINK);
 }

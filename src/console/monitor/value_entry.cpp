@@ -101,12 +101,14 @@ void EndEntry(int32_t mode)
 
 int SendC166Value(uint32_t value, const Kind &kind)
 {
+    if (!MEM_IsInside(dwAddr, kind.bytes, 1))
+        return -1;
     uint8_t bytes[4];
     BYT_PutLittle(bytes, sizeof bytes, value);
-    if (UCM_EmuCom166Msg(STATION, TARGET_WRITE, dwAddr, kind.bytes, bytes) > 0)
+    if (UCM_WriteProven(STATION, dwAddr, kind.bytes, bytes) == 0)
         return 0;
-    MEM_Fail(CON_Format("Message not succesful (Address %06x).", dwAddr));
-    return -1;
+    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", dwAddr),
+                        UCM_LastErrorText());
 }
 
 // The link is open for one value only: a user may take his time between two.
@@ -166,17 +168,16 @@ int write_DPM2(int, const char *text)
 
 int write_addrTMS(int, uint32_t address, uint32_t value)
 {
+    if (!MEM_IsInside(address, 1, 1))
+        return -1;
     uint32_t failedAt = 0;
-    switch (TMS_WriteWord(address, value, &failedAt)) {
-    case TMS_OK:
+    const int result = TMS_WriteProven(address, value, &failedAt);
+    if (result == TMS_OK)
         return 0;
-    case TMS_ERR_SEND:
-        return MEM_Fail(CON_Format("Message not succesful (Address %06x).", failedAt));
-    case TMS_ERR_BUSY:
-        return MEM_Fail("\nHardware not responding.");
-    default:
-        return MEM_Fail("\nMessage not succesful.");
-    }
+    if (result != TMS_ERR_SEND)
+        return MEM_FailTms(result, UCM_LastErrorText());
+    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", failedAt),
+                        TMS_ErrorText(result));
 }
 
 // Whatever ends this entry leads to the C166 monitor, not back to the TMS monitor.

@@ -17,7 +17,7 @@ int write_addr(int panel, uint32_t address, char kind); // TMS
 int write_DPM2(int panel, const char *text);
 int write_addr2(int panel, const char *text);
 
-// One 32-bit word into the mailbox's TMS320 with the messages of a failure. 0 or -1.
+// One 32-bit word, proven, into the mailbox's TMS320 with the messages of a failure. 0 or -1.
 int write_addrTMS(int panel, uint32_t address, uint32_t value);
 
 #endif

@@ -8,6 +8,7 @@
 #include "console/monitor/text_box.h"
 #include "console/monitor/word.h"
 #include "console/script/script.h"
+#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/txfr.h"
 #include "text/words.h"
@@ -106,7 +107,8 @@ bool ExecuteLine(Script *script, int panel)
     }
     if (!GetLabel(script->line).empty())
         return true;
-    return RunLine(*script, panel) >= 0 || SkipToLabel(script, "OnError");
+    // A line that was broken off has not failed: nothing of the script runs behind it.
+    return RunLine(*script, panel) >= 0 || (!IsBreakWished() && SkipToLabel(script, "OnError"));
 }
 
 // A command that asks the user leaves its jump here; false when the label is not found.
@@ -132,9 +134,11 @@ int RunScript(Script *script, int panel)
             line = script->line;
         }
         const bool isTooMuch = isFound && nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX;
-        if (isTooMuch)
-            PrintMonStr("Too many lines in scripts that are started by scripts.");
-        if (!isFound || isTooMuch || !ExecuteLine(script, panel)) {
+        const bool isBrokenOff = IsBreakWished();
+        if (isTooMuch || isBrokenOff)
+            PrintMonStr(isBrokenOff ? "The script was cancelled."
+                                    : "Too many lines in scripts that are started by scripts.");
+        if (!isFound || isTooMuch || isBrokenOff || !ExecuteLine(script, panel)) {
             failedLine = line;
             return script->counter;
         }

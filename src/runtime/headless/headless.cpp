@@ -5,6 +5,7 @@
 #include <deque>
 
 #include "platform/system.h"
+#include "runtime/model/door.h"
 #include "runtime/model/model.h"
 
 namespace {
@@ -320,6 +321,14 @@ void HL_SetDriver(int (*driver)())
 bool HL_IsQuit()
 {
     return MDL_GetState().isQuit;
+}
+
+bool HL_IsEndWished()
+{
+    if (DOOR_TakeInterrupt())
+        DOOR_OnSignal(false);
+    ProcessSystemEvents();
+    return HL_IsQuit();
 }
 
 int HL_FireTimer(int panel, int control)

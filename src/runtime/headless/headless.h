@@ -37,6 +37,9 @@ void HL_ShowProgress(bool isShown);
 // true; its result is the loop's unless QuitUserInterface gave one.
 void HL_SetDriver(int (*driver)());
 bool HL_IsQuit();
+// For a driver that nobody types to: as HL_IsQuit, where an interrupt that broke off a callback
+// is a wish to end as well.
+bool HL_IsEndWished();
 // One tick of a timer: 1 fired, 0 timers are suspended or the loop is to end.
 int HL_FireTimer(int panel, int control);
 // Sleeps for the timer's interval, then fires it. Ends early, unfired (0), once

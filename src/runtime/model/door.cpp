@@ -27,7 +27,7 @@ struct Door {
 Door door;
 // Read in every wait for the port: must cost nothing.
 std::atomic<bool> hasEvents{false}, isInterrupted{false}, isInterruptSeen{false},
-    hasCancelled{false};
+    wasInterrupted{false}, hasCancelled{false};
 std::atomic<int> urgentWaiting{0};
 
 // --- merging: what is newer wins ----------------------------------------------------------
@@ -312,7 +312,7 @@ void DOOR_Reset()
     door.cancelled.clear();
     door.busy = VIEW_Busy();
     door.counters = VIEW_Counters();
-    hasEvents = isInterrupted = isInterruptSeen = hasCancelled = false;
+    hasEvents = isInterrupted = isInterruptSeen = wasInterrupted = hasCancelled = false;
     urgentWaiting = 0;
 }
 
@@ -412,12 +412,17 @@ void DOOR_EndInterrupt()
         DOOR_OnSignal(false);
 }
 
+bool DOOR_TakeInterrupt()
+{
+    return wasInterrupted.exchange(false);
+}
+
 void DOOR_OnSignal(bool isInterrupt)
 {
     VIEW_Busy busy;
     VIEW_GetBusy(&busy);
     if (isInterrupt && busy.isBusy) {
-        isInterrupted = true;
+        isInterrupted = wasInterrupted = true;
         return;
     }
     VIEW_Event event;

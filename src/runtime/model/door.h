@@ -33,6 +33,8 @@ bool DOOR_IsBreakWished();
 void DOOR_EndUrgent(const VIEW_Event &event); // it has had its turn
 // The callback has ended. An interrupt that nobody in it asked for ends the program.
 void DOOR_EndInterrupt();
+// Whether an interrupt has broken off a callback since this was asked last.
+bool DOOR_TakeInterrupt();
 // From the thread that watches signals: an interrupt breaks what is running, or ends an
 // idle program; anything else ends it.
 void DOOR_OnSignal(bool isInterrupt);

@@ -6,6 +6,7 @@
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
 #include "platform/system.h"
+#include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
 #include "watch/list/age.h"
@@ -19,9 +20,8 @@ constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
 constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
 constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
+const char CANCELLED[] = "cancelled";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
-const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
-const char NO_PROOF[] = "no answer to the proof that the line is in step";
 
 // A block that was refused may hold a byte that cannot be read: for a while nothing is read
 // together then.
@@ -130,8 +130,7 @@ std::vector<int> FailHeld(const std::string &reason)
 
 std::string WhyUnproven(int proof)
 {
-    const std::string cause = proof == UCM_READ_AGAIN ? SURPLUS : UCM_LastErrorText();
-    return cause.empty() ? NO_PROOF : cause;
+    return proof == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText();
 }
 
 // As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
@@ -185,6 +184,10 @@ int readValues(int index)
     int mailboxResult = TMS_OK;
     const int result = ReadInto(&reading, index, &mailboxResult);
     reading.tickMs = PLT_TickMs();
+    if (result != 0 && LIT_HasAddress(*item) && IsBreakWished()) {
+        item->isHeld = false;
+        return RDI_BROKEN_OFF;
+    }
     if (result != 0) {
         Fail(item, reading.tickMs, FailureText(*item, mailboxResult));
         return result;
@@ -277,10 +280,14 @@ std::vector<int> RDI_Prove()
                 Publish(&aLItems[index]);
             return failed;
         }
+        if (result == UCM_NOT_PROVEN && IsBreakWished()) {
+            RDI_DropHeld(); // broken off is not failed: the items stay as they were
+            return failed;
+        }
         if (result == UCM_NOT_PROVEN)
             break;
         for (const int index : held)
-            if (readValues(index) != 0)
+            if (const int read = readValues(index); read != 0 && read != RDI_BROKEN_OFF)
                 failed.push_back(index);
     }
     const std::vector<int> unproven = FailHeld(WhyUnproven(result));
@@ -291,44 +298,28 @@ std::vector<int> RDI_Prove()
 int RDI_ReadNow(int index)
 {
     const int result = readValues(index);
-    if (result != 0)
+    if (result != 0 && result != RDI_BROKEN_OFF)
         return result;
+    LItem *item = &aLItems[index];
+    const uint32_t goodBefore = item->goodReads;
     RDI_Prove();
-    if (!aLItems[index].readError)
+    if (!item->readError && item->goodReads != goodBefore)
         return 0;
+    if (item->goodReads == goodBefore && IsBreakWished()) // who asks for one item is told
+        Fail(item, PLT_TickMs(), CANCELLED);
     return LIT_IsTMS(aLItems[index]) ? -2 : -1;
 }
 
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
 {
-    int result = UCM_READ_AGAIN;
-    for (int round = 0; round < ROUNDS_MAX && result == UCM_READ_AGAIN; ++round) {
-        if (UCM_Read(station, address, count, buffer) < 0) {
-            *cause = UCM_LastErrorText();
-            return -1;
-        }
-        result = UCM_Prove();
-    }
-    if (result != UCM_PROVEN)
-        *cause = WhyUnproven(result);
-    return result == UCM_PROVEN ? 0 : -1;
+    const int result = UCM_ReadProven(station, address, count, buffer);
+    *cause = result < 0 ? UCM_LastErrorText() : "";
+    return result < 0 ? -1 : 0;
 }
 
 int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause)
 {
-    int proof = UCM_READ_AGAIN;
-    for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
-        for (uint32_t i = 0; i < count; ++i) {
-            const int result = TMS_ReadWord(STATION, address + i, TMS_POLLS_MEMORY, &words[i]);
-            *cause = TMS_ErrorText(result);
-            if (result != TMS_OK)
-                return result;
-        }
-        proof = UCM_Prove();
-    }
-    if (proof != UCM_PROVEN)
-        *cause = WhyUnproven(proof);
-    return proof == UCM_PROVEN ? TMS_OK : TMS_ERR_DATA;
+    return TMS_ReadWords(STATION, address, count, TMS_POLLS_MEMORY, words, nullptr, cause);
 }
 
 void RDI_DropHeld()
@@ -344,7 +335,10 @@ int RDI_ReadAll(bool (*advance)(int index))
             RDI_Prove();
             return -1;
         }
-        readValues(i);
+        if (readValues(i) == RDI_BROKEN_OFF) {
+            RDI_Prove();
+            return -1;
+        }
         if (i % ITEMS_PER_PROOF == ITEMS_PER_PROOF - 1)
             RDI_Prove();
     }

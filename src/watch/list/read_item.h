@@ -13,6 +13,8 @@ int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication
 int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy
 // 0, held back until it is proven; -1 C166 failed, -2 TMS320 failed, -4 bad index: the item
 // has failed, with its reason. Without an address it fails without a request being sent.
+// RDI_BROKEN_OFF, the item as it was: the user wished to go no further.
+constexpr int RDI_BROKEN_OFF = -5;
 int readValues(int index);
 
 // Items by index, from <= index < end, with those together that one request reads. Items that

@@ -16,6 +16,7 @@
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
 #include "watch/windows/mem_box.h"
+#include "watch/windows/memory_panel.h"
 #include "watch/windows/value_panel.h"
 
 int UpdItem = 0;
@@ -131,6 +132,8 @@ void ReadItem(int index)
         isAnyGood = true;
         return;
     }
+    if (result == RDI_BROKEN_OFF)
+        return;
     if (result != -4)
         LSV_ShowLine(index);
     if (result == -4 || aLItems[index].address != LITEM_NO_ADDRESS)
@@ -238,6 +241,7 @@ void RFR_ShowCommunication()
     if (readLItems)
         LSV_ShowValues();
     MBX_ShowOld();
+    MMP_ShowOld();
     VLP_Refresh();
 }
 

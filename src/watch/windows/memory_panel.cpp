@@ -8,6 +8,7 @@
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "comm/ucm.h"
+#include "platform/system.h"
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -34,6 +35,8 @@ struct Range {
     uint32_t start = 0;
     int station = 0;
     Bytes bytes; // empty: nothing has been read
+    PLT_Date readAt;
+    bool isOld = false; // communication was off since, or another station is selected
 };
 Range range;
 
@@ -56,6 +59,25 @@ std::string LineLabel(size_t first)
     const uint32_t address = range.start + static_cast<uint32_t>(first);
     return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, LineBytes(first))) +
            SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, LineBytes(first)));
+}
+
+// Bytes that are old, or not those of the place in the address field, are grey, with the time
+// of their reading in the tip.
+void ShowLineAge(int line, bool isOld)
+{
+    std::string label, tip;
+    if (GetLabelFromIndex(PANEL, MEMORY_LIST, line, &label) < 0)
+        return;
+    if (isOld) {
+        char text[40];
+        std::snprintf(text, sizeof text, "Old: read at %02d:%02d:%02d from station %d.",
+                      range.readAt.hour, range.readAt.minute, range.readAt.second, range.station);
+        tip = text;
+    }
+    std::vector<UI_Cell> cells;
+    for (const UIC_Column &column : UIC_SplitColumns(label))
+        cells.push_back({column.text, isOld ? UIS_DIM : UIS_NORMAL, tip});
+    SetListCells(PANEL, MEMORY_LIST, line, cells);
 }
 
 // Index of the selected line's first byte, or -1.
@@ -176,6 +198,15 @@ bool IsPlaceShown()
            (station < 0 ? STATION : station) == range.station;
 }
 
+void ShowAge()
+{
+    const bool isOld = range.isOld || !IsPlaceShown();
+    const int lines =
+        static_cast<int>((range.bytes.size() + MEMORY_LINE_BYTES - 1) / MEMORY_LINE_BYTES);
+    for (int line = 0; line < lines; ++line)
+        ShowLineAge(line, isOld);
+}
+
 // What could not be read is not left on the screen as if it had been.
 void ReadAndShow()
 {
@@ -192,8 +223,10 @@ void ReadAndShow()
         RDI_ReadBytes(wanted.station, wanted.start, count, wanted.bytes.data(), &cause) == 0;
     if (!isRead)
         wanted.bytes.clear();
+    PLT_LocalTime(&wanted.readAt);
     range = wanted;
     ShowRange();
+    ShowAge();
     if (isRead)
         Say("Read " + std::to_string(count) + " bytes from station " +
                 std::to_string(range.station) + ".",
@@ -257,6 +290,7 @@ void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
     std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
     ReplaceListItem(PANEL, MEMORY_LIST, static_cast<int>(first) / MEMORY_LINE_BYTES,
                     LineLabel(first), 0);
+    ShowAge();
     if (!isWritten)
         return;
     ShowSelected();
@@ -349,6 +383,12 @@ void MMP_Open(int index)
         ReadAndShow();
 }
 
+void MMP_ShowOld()
+{
+    range.isOld = true;
+    ShowAge();
+}
+
 int MMP_PanelCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
@@ -359,9 +399,10 @@ int MMP_PanelCB(int panel, int event, int data)
 
 int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_VAL_CHANGED)
+    if (event == EVENT_VAL_CHANGED) {
         ShowPlace();
-    else if (event == EVENT_COMMIT)
+        ShowAge();
+    } else if (event == EVENT_COMMIT)
         ReadAndShow();
     return 0;
 }

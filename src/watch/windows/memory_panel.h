@@ -11,6 +11,9 @@ constexpr int MEMORY_LINE_BYTES = 16;
 // reads at once when communication is on.
 void MMP_Open(int index);
 
+// What was read is of another time or place now: communication was switched, or the station.
+void MMP_ShowOld();
+
 int MMP_PanelCB(int panel, int event, int data);
 int MMP_AddressCB(int panel, int control, int event, int data);
 int MMP_CountCB(int panel, int control, int event, int data);
