@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <fstream>
 #include <string>
 
@@ -35,13 +36,17 @@ constexpr int ROUNDS = 5; // the best counts: what else the machine does is not 
     std::exit(1);
 }
 
-template <typename Work> double BestSeconds(Work work)
+// Of the wall clock, or of the processor's time where nothing is waited for.
+template <typename Work> double BestSeconds(bool isWaiting, Work work)
 {
     double best = 1e9;
     for (int round = 0; round < ROUNDS; ++round) {
         const uint64_t start = PLT_TickUs();
+        const std::clock_t cpu = std::clock();
         work();
-        best = std::min(best, static_cast<double>(PLT_TickUs() - start) / 1e6);
+        const double used = static_cast<double>(std::clock() - cpu) / CLOCKS_PER_SEC;
+        const double passed = static_cast<double>(PLT_TickUs() - start) / 1e6;
+        best = std::min(best, isWaiting ? passed : used);
     }
     return best;
 }
@@ -70,7 +75,7 @@ PST_Set MakeSet()
 PST_Image ReadOverTheWire(const PST_Set &set)
 {
     PST_Image image;
-    const double seconds = BestSeconds([&] {
+    const double seconds = BestSeconds(true, [&] {
         std::string why;
         if (PST_ReadDevice(set, &image, {}, &why) != PST_OK)
             Fail(why);
@@ -115,13 +120,13 @@ void CompareFiles(const PST_Set &set, PST_Image image)
     }
     std::vector<PST_File> files(FILES);
     PST_Problems problems;
-    const double read = BestSeconds([&] {
+    const double read = BestSeconds(false, [&] {
         for (size_t i = 0; i < FILES; ++i)
             if (PST_ReadData(FileName(i), &files[i], &problems) != 0)
                 Fail(PST_FormatProblems(problems));
     });
     size_t differences = 0;
-    const double compare = BestSeconds([&] {
+    const double compare = BestSeconds(false, [&] {
         const std::vector<PST_Row> rows = PST_CompareFiles(files);
         differences = static_cast<size_t>(std::count_if(
             rows.begin(), rows.end(), [](const PST_Row &row) { return row.differs; }));
@@ -129,7 +134,7 @@ void CompareFiles(const PST_Set &set, PST_Image image)
     if (differences != FILES - 1)
         Fail("the comparison is wrong: " + std::to_string(differences));
     volatile double sum = 0;
-    const double floor = BestSeconds([&] { sum = ReadNumbers(); });
+    const double floor = BestSeconds(false, [&] { sum = ReadNumbers(); });
     std::printf("20 files of 2,000 values: read %.1f ms, compared %.1f ms, together %.1f times "
                 "reading the bare numbers (%.1f ms)\n",
                 read * 1e3, compare * 1e3, (read + compare) / floor, floor * 1e3);

@@ -35,6 +35,8 @@ struct Reader {
     PST_Problems *problems = nullptr;
     std::unordered_map<std::string, int> lines; // of the names so far
     std::string group, heading;
+    std::string comment; // of the line before, and what it says
+    PST_Attributes attributes;
     bool isEnded = false;
     int line = 0;
 
@@ -122,9 +124,14 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
     record.value = line.value;
     record.line = reader->line;
     // What stands behind a value is for people; only what was written by a program counts.
-    PST_Attributes attributes;
-    if (PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty())
-        record.attributes = attributes;
+    // The elements of an array all have the same.
+    if (comment != reader->comment) {
+        PST_Attributes attributes;
+        const bool isGood = PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty();
+        reader->attributes = isGood ? attributes : PST_Attributes();
+        reader->comment = comment;
+    }
+    record.attributes = reader->attributes;
     reader->file->records.push_back(record);
 }
 

@@ -3,13 +3,13 @@
 #include "runtime/userint.h"
 #include "sets/form.h"
 #include "sets/value.h"
-#include "sets/window.h"
 #include "sets/window_table.h"
 #include "text/words.h"
 #include "ui/resource.h"
 
 namespace {
 
+CFE_Host host;
 int shown = -1; // entry
 
 void Show(int control, const std::string &text)
@@ -42,19 +42,20 @@ bool TakeNew()
 {
     std::string text;
     GetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, &text);
-    const std::string why = PST_EditForm(&CFW_GetForm(), static_cast<uint32_t>(shown), text);
+    const std::string why = PST_EditForm(host.form, static_cast<uint32_t>(shown), text);
     ShowHint(why);
     if (why.empty())
-        CFW_Refresh();
+        host.refresh();
     return why.empty();
 }
 
 } // namespace
 
-void CFE_Open(int entry)
+void CFE_Open(const CFE_Host &newHost, int entry)
 {
     if (entry < 0)
         return;
+    host = newHost;
     shown = entry;
     ShowHint("");
     DisplayPanel(PANEL_CONFIG_EDIT);
@@ -65,11 +66,11 @@ void CFE_Open(int entry)
 
 void CFE_Refresh()
 {
-    const PST_Form &form = CFW_GetForm();
     int isVisible = 0, line = -1;
     GetPanelAttribute(PANEL_CONFIG_EDIT, ATTR_VISIBLE, &isVisible);
-    if (isVisible == 0)
+    if (isVisible == 0 || host.form == nullptr)
         return;
+    const PST_Form &form = *host.form;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
     if (CFT_GetEntry(line) >= 0)
         shown = CFT_GetEntry(line);
@@ -126,21 +127,21 @@ int CFE_ButtonCB(int panel, int control, int event, int)
         HidePanel(panel);
         return 0;
     }
-    PST_Form &form = CFW_GetForm();
-    if (shown < 0 || !form.isOpen)
+    if (shown < 0 || host.form == nullptr || !host.form->isOpen)
         return 0;
+    PST_Form &form = *host.form;
     const auto index = static_cast<uint32_t>(shown);
     if (control == CFGEDIT_TAKE) {
         TakeNew();
     } else if (control == CFGEDIT_WRITE) {
         if (TakeNew())
-            CFW_Write(index);
+            host.write(index);
     } else {
         if (control == CFGEDIT_FROM_DEFAULT)
             ShowHint(PST_EditDefault(&form, index));
         else
             form.edited[index] = form.file[index];
-        CFW_Refresh();
+        host.refresh();
     }
     return 0;
 }

@@ -3,11 +3,11 @@
 #include "sets/header.h"
 
 #include "calendar/crc32.h"
-#include "console/script/assignment.h"
 #include "platform/plain_file.h"
 #include "sets/expand.h"
 #include "sets/line.h"
 #include "settings/settings.h"
+#include "symbols/assignment.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"

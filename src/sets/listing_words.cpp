@@ -1,5 +1,7 @@
 #include "sets/listing_words.h"
 
+#include <string>
+
 namespace {
 
 struct Word {

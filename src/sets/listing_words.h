@@ -2,8 +2,6 @@
 #ifndef SETS_LISTING_WORDS_H
 #define SETS_LISTING_WORDS_H
 
-#include "sets/listing.h"
-
 #include <string>
 
 // The word behind "t." in a template: "t.value". Null when there is none.

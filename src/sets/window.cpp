@@ -16,11 +16,11 @@
 #include "ui/resource.h"
 
 #include <filesystem>
-#include <numeric>
 
 namespace {
 
 constexpr size_t CHANGES_ASKED_MAX = 12; // listed in a question
+constexpr int BAD_COLOR = 0xB00000;
 const char TITLE[] = "Device configuration";
 
 PST_Form form;
@@ -48,6 +48,12 @@ void EndMeter(const Meter &meter)
         DiscardProgressDialog(meter.dialog);
 }
 
+void ShowResult(const std::string &text, bool isBad)
+{
+    SetCtrlVal(PANEL_CONFIG, CONFIG_RESULT, WRD_Visible(text));
+    SetCtrlAttribute(PANEL_CONFIG, CONFIG_RESULT, ATTR_TEXT_COLOR, isBad ? BAD_COLOR : 0);
+}
+
 int IsOnlyMarked()
 {
     int isOn = 0;
@@ -67,7 +73,7 @@ std::string FirstLines(const std::vector<std::string> &lines, size_t max)
 
 void ShowProblems(const std::string &what, const PST_Problems &problems)
 {
-    CFW_ShowResult(what, true);
+    ShowResult(what, true);
     std::vector<std::string> lines;
     for (const PST_Problem &problem : problems.list) {
         PST_Problems one;
@@ -115,10 +121,18 @@ void ShowTable()
 {
     const size_t count = CFT_ShowEntries(form, IsOnlyMarked() != 0);
     if (count > CFT_ROWS_MAX)
-        CFW_ShowResult("The first " + std::to_string(CFT_ROWS_MAX) + " of " +
-                           std::to_string(count) + " values are shown: choose a group.",
-                       false);
+        ShowResult("The first " + std::to_string(CFT_ROWS_MAX) + " of " + std::to_string(count) +
+                       " values are shown: choose a group.",
+                   false);
     ShowButtons();
+}
+
+void Refresh()
+{
+    CFT_ShowGroups(form);
+    ShowTable();
+    ShowState();
+    CFE_Refresh();
 }
 
 bool OpenHeader(const std::string &path)
@@ -133,11 +147,11 @@ bool OpenHeader(const std::string &path)
     station = STATION;
     SetCtrlVal(PANEL_CONFIG, CONFIG_HEADER, path);
     SetCtrlVal(PANEL_CONFIG, CONFIG_FILE, "");
-    CFW_ShowResult(std::to_string(form.set.entries.size()) + " values" +
-                       (form.set.device.empty() ? "" : " of " + form.set.device) +
-                       ". Read all shows what the target holds.",
-                   false);
-    CFW_Refresh();
+    ShowResult(std::to_string(form.set.entries.size()) + " values" +
+                   (form.set.device.empty() ? "" : " of " + form.set.device) +
+                   ". Read all shows what the target holds.",
+               false);
+    Refresh();
     return true;
 }
 
@@ -156,14 +170,14 @@ bool FollowChanges()
     station = STATION;
     if (result != 0) {
         form = PST_Form();
-        CFW_Refresh();
+        Refresh();
         ShowProblems("The header no longer fits the loaded map.", problems);
         return false;
     }
-    CFW_ShowResult(areNamesNew ? "The map has changed: the header was read again."
-                               : "Another station is selected: its values have not been read yet.",
-                   false);
-    CFW_Refresh();
+    ShowResult(areNamesNew ? "The map has changed: the header was read again."
+                           : "Another station is selected: its values have not been read yet.",
+               false);
+    Refresh();
     return true;
 }
 
@@ -191,8 +205,8 @@ void ReadAll()
     for (const std::string &line :
          result == PST_OK ? PST_MirrorRemarks(form.set, form.device) : std::vector<std::string>())
         text += " " + line;
-    CFW_ShowResult(result == PST_OK ? text : why, result != PST_OK);
-    CFW_Refresh();
+    ShowResult(result == PST_OK ? text : why, result != PST_OK);
+    Refresh();
 }
 
 // The question shows what is written, and whether the machine has to stand.
@@ -220,11 +234,11 @@ bool WriteEntries(const std::vector<uint32_t> &entries)
     int result = PST_PrepareWrite(&form, entries, &job, progress);
     EndMeter(meter);
     if (result != PST_OK || job.writes.empty() || !IsWriteWished(job)) {
-        CFW_ShowResult(result != PST_OK     ? job.why + " Nothing was written."
-                       : job.writes.empty() ? "The target holds these values already."
-                                            : "Nothing was written.",
-                       result != PST_OK);
-        CFW_Refresh();
+        ShowResult(result != PST_OK     ? job.why + " Nothing was written."
+                   : job.writes.empty() ? "The target holds these values already."
+                                        : "Nothing was written.",
+                   result != PST_OK);
+        Refresh();
         return result == PST_OK && job.writes.empty();
     }
     meter = Meter();
@@ -235,8 +249,8 @@ bool WriteEntries(const std::vector<uint32_t> &entries)
     std::string text;
     for (const std::string &line : PST_RestoreResult(job, result))
         text += (text.empty() ? "" : " ") + line;
-    CFW_ShowResult(text, result != PST_OK);
-    CFW_Refresh();
+    ShowResult(text, result != PST_OK);
+    Refresh();
     return result == PST_OK;
 }
 
@@ -245,6 +259,16 @@ int SelectedEntry()
     int line = -1;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
     return CFT_GetEntry(line);
+}
+
+bool WriteOne(uint32_t entry)
+{
+    return WriteEntries({entry});
+}
+
+void OpenEditor()
+{
+    CFE_Open({&form, Refresh, WriteOne}, SelectedEntry());
 }
 
 // --- files -----------------------------------------------------------------------------
@@ -263,10 +287,10 @@ void LoadFile(bool isEdit)
     }
     SetCtrlVal(PANEL_CONFIG, CONFIG_FILE,
                "File: " + std::filesystem::u8path(path).filename().u8string());
-    CFW_ShowResult(isEdit ? "Loaded: what differs from the target is marked and not written yet."
-                          : "What differs from the target is marked.",
-                   false);
-    CFW_Refresh();
+    ShowResult(isEdit ? "Loaded: what differs from the target is marked and not written yet."
+                      : "What differs from the target is marked.",
+               false);
+    Refresh();
 }
 
 // What the form shows: typed values, else the target's.
@@ -285,8 +309,8 @@ void SaveFile()
         VAL_NO_FILE_SELECTED)
         return;
     const int result = PST_WriteData(path, form.set, ShownValues(), {});
-    CFW_ShowResult("'" + path + "' " + (result == 0 ? "is saved." : PST_WriteErrorText(result)),
-                   result != 0);
+    ShowResult("'" + path + "' " + (result == 0 ? "is saved." : PST_WriteErrorText(result)),
+               result != 0);
 }
 
 void Print()
@@ -303,18 +327,13 @@ void Print()
         ShowProblems("No page was written.", problems);
         return;
     }
-    CFW_ShowResult("The page '" + path + "' is written.", false);
+    ShowResult("The page '" + path + "' is written.", false);
     if (ConfirmPopup(TITLE, "The page is written. Open it now, to be printed?") == 1 &&
         PLT_OpenInViewer(path) != 0)
-        CFW_ShowResult("'" + path + "' could not be opened.", true);
+        ShowResult("'" + path + "' could not be opened.", true);
 }
 
 } // namespace
-
-PST_Form &CFW_GetForm()
-{
-    return form;
-}
 
 const std::string &CFW_GetHeader()
 {
@@ -324,20 +343,7 @@ const std::string &CFW_GetHeader()
 void CFW_SetHeader(const std::string &path)
 {
     headerPath = path;
-}
-
-void CFW_ShowResult(const std::string &text, bool isBad)
-{
-    SetCtrlVal(PANEL_CONFIG, CONFIG_RESULT, WRD_Visible(text));
-    SetCtrlAttribute(PANEL_CONFIG, CONFIG_RESULT, ATTR_TEXT_COLOR, isBad ? 0xB00000 : 0x000000);
-}
-
-void CFW_Refresh()
-{
-    CFT_ShowGroups(form);
-    ShowTable();
-    ShowState();
-    CFE_Refresh();
+    form = PST_Form();
 }
 
 void CFW_Opened()
@@ -350,8 +356,8 @@ void CFW_Opened()
     else if (!headerPath.empty())
         OpenHeader(headerPath);
     else
-        CFW_ShowResult("Open a header (.ulh): it names the parameters of the device.", false);
-    CFW_Refresh();
+        ShowResult("Open a header (.ulh): it names the parameters of the device.", false);
+    Refresh();
 }
 
 void CFW_Activated()
@@ -359,11 +365,6 @@ void CFW_Activated()
     if (form.isOpen)
         FollowChanges();
     ShowState();
-}
-
-bool CFW_Write(uint32_t entry)
-{
-    return WriteEntries({entry});
 }
 
 int CFW_OpenCB(int, int, int event, int)
@@ -390,7 +391,7 @@ int CFW_ListCB(int panel, int control, int event, int)
         ShowButtons();
         CFE_Refresh();
     } else if (event == EVENT_LEFT_DOUBLE_CLICK) {
-        CFE_Open(SelectedEntry());
+        OpenEditor();
     } else if (event == EVENT_CELL_EDITED &&
                GetEditedCell(panel, control, &line, &column, &text) == 0) {
         const int entry = CFT_GetEntry(line);
@@ -400,8 +401,8 @@ int CFW_ListCB(int panel, int control, int event, int)
         const size_t begin = text.find_first_not_of("* ");
         const std::string why = PST_EditForm(&form, static_cast<uint32_t>(entry),
                                              begin == std::string::npos ? "" : text.substr(begin));
-        CFW_ShowResult(why, true);
-        CFW_Refresh();
+        ShowResult(why, true);
+        Refresh();
     }
     return 0;
 }
@@ -464,6 +465,6 @@ int CFW_TerminalCB(int, int, int event, int)
 int CFW_DetailsCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
-        CFE_Open(SelectedEntry());
+        OpenEditor();
     return 0;
 }

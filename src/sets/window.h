@@ -4,11 +4,11 @@
 #ifndef SETS_WINDOW_H
 #define SETS_WINDOW_H
 
-#include <cstdint>
 #include <string>
 
 void CFW_Opened(); // the window has been shown: reads the remembered header the first time
-// The header that is open or to be opened, for the settings; "" for none.
+// The header that is open or to be opened with the window, for the settings; "" for none.
+// Setting one closes what is open.
 const std::string &CFW_GetHeader();
 void CFW_SetHeader(const std::string &path);
 
@@ -23,12 +23,5 @@ int CFW_TerminalCB(int panel, int control, int event, int data);
 int CFW_DetailsCB(int panel, int control, int event, int data);
 // Its window was closed (not in configuration mode) or turned to.
 void CFW_Activated();
-
-// --- for the editor -------------------------------------------------------------------
-struct PST_Form;
-PST_Form &CFW_GetForm();
-void CFW_Refresh();             // after a value has been typed elsewhere
-bool CFW_Write(uint32_t entry); // one value, with its question; whether it went well
-void CFW_ShowResult(const std::string &text, bool isBad);
 
 #endif

@@ -3,7 +3,7 @@
 #ifndef CONSOLE_COMMANDS_COMMANDS_H
 #define CONSOLE_COMMANDS_COMMANDS_H
 
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 // Single values.
 int SCR_Write(ScrPar *par);

@@ -77,8 +77,7 @@ int WriteListing(const std::string &command, const std::vector<PST_File> &files,
                  const std::string &templatePath, const std::string &output)
 {
     PST_Problems problems;
-    if (PST_WriteListing(templatePath, files, Option_nLanguage, output,
-                         &problems) == 0)
+    if (PST_WriteListing(templatePath, files, Option_nLanguage, output, &problems) == 0)
         return 0;
     PrintProblems(problems);
     return FailWith(command, "no listing was written.");

@@ -5,12 +5,12 @@
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
 #include "symbols/flash_varmap.h"
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
+#include "text/tokens.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 

@@ -16,11 +16,11 @@
 #include "console/monitor/dump.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "platform/safe_file.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/tokens.h"
 #include "text/txfr.h"
 #include "watch/value/tms_float.h"
 
