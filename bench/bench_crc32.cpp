@@ -17,7 +17,7 @@ constexpr int ROUNDS = 40; // in turns, the best one counts: the machine is not 
 
 volatile uint32_t sink;
 
-template <typename Call> void time(Call call, double *best)
+template <typename Call> void TimeOf(Call call, double *best)
 {
     const auto start = std::chrono::steady_clock::now();
     sink = static_cast<uint32_t>(call());
@@ -35,8 +35,8 @@ int main()
         byte = static_cast<unsigned char>(random());
     double own = 0, peer = 0; // MiB/s
     for (int round = 0; round < ROUNDS; round++) {
-        time([&] { return Crc32_LSB(data.data(), data.size(), CRC32_POLYNOMIAL); }, &own);
-        time([&] { return crc32(0, data.data(), static_cast<uInt>(data.size())); }, &peer);
+        TimeOf([&] { return Crc32_LSB(data.data(), data.size(), CRC32_POLYNOMIAL); }, &own);
+        TimeOf([&] { return crc32(0, data.data(), static_cast<uInt>(data.size())); }, &peer);
     }
     std::printf("Crc32_LSB %.0f MiB/s, zlib %.0f MiB/s, ratio %.2f\n", own, peer, own / peer);
     return own >= peer / 2 ? 0 : 1;

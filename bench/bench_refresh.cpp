@@ -14,8 +14,8 @@
 #include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
-#include "watch/list/litem.h"
 #include "watch/list/list_view.h"
+#include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 #include "watch/value/value_types.h"
 
@@ -25,14 +25,14 @@ constexpr int PORT = 4;
 constexpr int SWEEPS = 300;
 constexpr uint32_t LIVE_ADDRESS = 0x8000; // values that move, so that lines change
 
-double threadMs()
+double ThreadMs()
 {
     timespec now;
     clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
     return static_cast<double>(now.tv_sec) * 1e3 + static_cast<double>(now.tv_nsec) / 1e6;
 }
 
-void fillList()
+void FillList()
 {
     const char *const types[] = {"u2", "i4", "x4", "f", "b", "t", "p2", "u8"};
     for (nLItems = 0; nLItems < LITEMS_MAX; ++nLItems) {
@@ -59,23 +59,23 @@ struct Cost {
     }
 };
 
-double exchangeMs(int index)
+double ExchangeMs(int index)
 {
     uint8_t bytes[8];
     const LItem &item = aLItems[index];
-    const double start = threadMs();
+    const double start = ThreadMs();
     UCM_Read(STATION, item.address, static_cast<uint32_t>(item.size), bytes);
-    return threadMs() - start;
+    return ThreadMs() - start;
 }
 
-double tickMs()
+double TickMs()
 {
-    const double start = threadMs();
+    const double start = ThreadMs();
     timerCB(PANEL_MAIN, MAIN_TIMER, EVENT_TIMER_TICK, 0);
-    return threadMs() - start;
+    return ThreadMs() - start;
 }
 
-void print(const char *what, const Cost &cost)
+void PrintRow(const char *what, const Cost &cost)
 {
     std::printf("%-28s %8.4f ms mean %8.4f ms worst  (%d)\n", what, cost.mean(), cost.worstMs,
                 cost.count);
@@ -98,12 +98,12 @@ int main()
     mainPanel = PANEL_MAIN;
     ncom = PORT;
     VIR2_StartPeriodicASC();
-    fillList();
+    FillList();
     Cost exchange, tick, sweepEnd;
     for (int sweep = 0; sweep < SWEEPS && isTimer; ++sweep) {
         for (int i = 0; i < SWEEP_LINES; ++i) {
-            exchange.add(exchangeMs(i));
-            (i == SWEEP_LINES - 1 ? sweepEnd : tick).add(tickMs());
+            exchange.add(ExchangeMs(i));
+            (i == SWEEP_LINES - 1 ? sweepEnd : tick).add(TickMs());
         }
     }
     UCM_Close();
@@ -112,9 +112,9 @@ int main()
         std::fprintf(stderr, "communication was switched off\n");
         return 1;
     }
-    print("exchange alone", exchange);
-    print("tick within a sweep", tick);
-    print("tick that ends a sweep", sweepEnd);
+    PrintRow("exchange alone", exchange);
+    PrintRow("tick within a sweep", tick);
+    PrintRow("tick that ends a sweep", sweepEnd);
     const double perTick = (tick.totalMs + sweepEnd.totalMs) / (tick.count + sweepEnd.count);
     std::printf("mean tick : exchange         %8.2f\n", perTick / exchange.mean());
     std::printf("end of sweep beyond exchange %8.4f ms mean\n", sweepEnd.mean() - exchange.mean());

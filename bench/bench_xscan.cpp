@@ -29,7 +29,7 @@ struct Times {
 // Results are gathered here so that no call can be left out.
 volatile long sink;
 
-template <typename Call> void time(Call call, double *best)
+template <typename Call> void TimeOf(Call call, double *best)
 {
     long sum = 0;
     const auto start = std::chrono::steady_clock::now();
@@ -40,7 +40,7 @@ template <typename Call> void time(Call call, double *best)
     *best = std::min(*best, taken.count() / CALLS);
 }
 
-pcre2_code *compile(const ScanPattern &pattern, bool jit)
+pcre2_code *CompilePattern(const ScanPattern &pattern, bool jit)
 {
     int error;
     PCRE2_SIZE offset;
@@ -53,10 +53,10 @@ pcre2_code *compile(const ScanPattern &pattern, bool jit)
     return code;
 }
 
-Times timeAll(const ScanPattern &pattern, const char *text)
+Times TimeAll(const ScanPattern &pattern, const char *text)
 {
-    pcre2_code *plain = compile(pattern, false);
-    pcre2_code *compiled = compile(pattern, true);
+    pcre2_code *plain = CompilePattern(pattern, false);
+    pcre2_code *compiled = CompilePattern(pattern, true);
     pcre2_match_data *data = pcre2_match_data_create_from_pattern(plain, nullptr);
     const PCRE2_SPTR subject = reinterpret_cast<PCRE2_SPTR>(text);
     const size_t length = std::strlen(text);
@@ -66,11 +66,11 @@ Times timeAll(const ScanPattern &pattern, const char *text)
     };
     Times times;
     for (int round = 0; round < ROUNDS; round++) {
-        time(scan, &times.scan);
-        time([&] { return pcre2_match(plain, subject, length, 0, 0, data, nullptr); },
-             &times.interpreter);
-        time([&] { return pcre2_jit_match(compiled, subject, length, 0, 0, data, nullptr); },
-             &times.jit);
+        TimeOf(scan, &times.scan);
+        TimeOf([&] { return pcre2_match(plain, subject, length, 0, 0, data, nullptr); },
+               &times.interpreter);
+        TimeOf([&] { return pcre2_jit_match(compiled, subject, length, 0, 0, data, nullptr); },
+               &times.jit);
     }
     pcre2_match_data_free(data);
     pcre2_code_free(compiled);
@@ -78,7 +78,7 @@ Times timeAll(const ScanPattern &pattern, const char *text)
     return times;
 }
 
-void print(const char *text)
+void PrintRow(const char *text)
 {
     for (; *text != '\0'; ++text) {
         if (*text == '\r' || *text == '\n')
@@ -99,13 +99,13 @@ int main()
                 "x jit");
     for (const ScanPattern &pattern : SCAN_PATTERNS) {
         for (const char *text : {pattern.match, pattern.noMatch}) {
-            const Times times = timeAll(pattern, text);
+            const Times times = TimeAll(pattern, text);
             const double ratio = times.interpreter / times.scan;
             const double ratioJit = times.jit / times.scan;
             std::printf("%5s %6.1fns %6.1fns %6.1fns %7.2f %7.2f  ",
                         text == pattern.match ? "match" : "none", times.scan, times.interpreter,
                         times.jit, ratio, ratioJit);
-            print(pattern.pattern);
+            PrintRow(pattern.pattern);
             slower += ratio < 1.0 ? 1 : 0;
             worst = std::min(worst, ratio);
             worstJit = std::min(worstJit, ratioJit);

@@ -58,7 +58,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     const int given = static_cast<int>(words.size());
     std::vector<char *> desktop = argv;
     int argc = given;
-    const bool isTaken = VR_TakeTypesOption(&argc, desktop.data()) == 0;
+    const bool isTaken = VR_RemoveTypesOption(&argc, desktop.data()) == 0;
     FUZ_Check(argc >= 1 && argc <= given && desktop.data()[argc] == nullptr);
     FUZ_Check(!isTaken || argc == given || !VR_szTypesOption.empty());
     CheckOptions(argc, desktop.data());

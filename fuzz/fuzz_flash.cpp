@@ -20,7 +20,7 @@ constexpr uint32_t BASE = 0x1000;
 const uint8_t *memory;
 size_t memorySize;
 
-int readMemory(uint32_t address, uint32_t count, void *buffer)
+int ReadMemory(uint32_t address, uint32_t count, void *buffer)
 {
     if (address < BASE || address - BASE > memorySize || count > memorySize - (address - BASE))
         return -1;
@@ -28,11 +28,11 @@ int readMemory(uint32_t address, uint32_t count, void *buffer)
     return 0;
 }
 
-void walkDirectory(const uint8_t *data, size_t size)
+void WalkDirectory(const uint8_t *data, size_t size)
 {
     memory = data;
     memorySize = size;
-    MFS_reader = readMemory;
+    MFS_reader = ReadMemory;
     const uint32_t end = BASE + static_cast<uint32_t>(size);
     int32_t length;
     for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_DECLS, "x"}) {
@@ -46,7 +46,7 @@ void walkDirectory(const uint8_t *data, size_t size)
               (static_cast<uint32_t>(start) >= BASE && static_cast<uint32_t>(start) < end));
 }
 
-void readVarMap(const std::string &content)
+void ReadVarMap(const std::string &content)
 {
     const int handle = FLASH_OpenVarMap("map", content);
     std::vector<VRN_Symbol> variables;
@@ -57,7 +57,7 @@ void readVarMap(const std::string &content)
     TXFRW_Close(handle);
 }
 
-void unpackNames(const uint8_t *data, size_t size)
+void UnpackNames(const uint8_t *data, size_t size)
 {
     for (int form = NAME_PLAIN; form <= NAME_SHARED_6BIT; form++) {
         std::string name;
@@ -70,7 +70,7 @@ void unpackNames(const uint8_t *data, size_t size)
 }
 
 // Structures, declarations and variable map, parted by bytes FE.
-void unzip(const std::string &content)
+void UnzipTypes(const std::string &content)
 {
     const char *at = content.data(), *const end = at + content.size();
     int handles[3];
@@ -98,16 +98,16 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     const std::string content(reinterpret_cast<const char *>(rest), size - 1);
     switch (data[0]) {
     case 'd':
-        walkDirectory(rest, size - 1);
+        WalkDirectory(rest, size - 1);
         break;
     case 'm':
-        readVarMap(content);
+        ReadVarMap(content);
         break;
     case 'n':
-        unpackNames(rest, size - 1);
+        UnpackNames(rest, size - 1);
         break;
     default:
-        unzip(content);
+        UnzipTypes(content);
         break;
     }
     return 0;

@@ -16,7 +16,7 @@ const uint8_t *input = nullptr;
 size_t left = 0;
 uint32_t nowMs = 0;
 
-size_t Take(void *buffer, size_t count, unsigned waitMs)
+size_t HearPiece(void *buffer, size_t count, unsigned waitMs)
 {
     constexpr size_t PIECE = 48; // so that answers also arrive in parts
     const size_t got = std::min({count, left, PIECE});
@@ -32,7 +32,7 @@ const MBM_Line FUZZ_LINE = {
     [](void *buffer, size_t count) {
         size_t got = 0;
         while (got < count) {
-            const size_t piece = Take(static_cast<char *>(buffer) + got, count - got, 400);
+            const size_t piece = HearPiece(static_cast<char *>(buffer) + got, count - got, 400);
             if (piece == 0)
                 break;
             got += piece;
@@ -40,7 +40,7 @@ const MBM_Line FUZZ_LINE = {
         return static_cast<int>(got);
     },
     [](void *buffer, size_t capacity, unsigned waitMs) {
-        return static_cast<int>(Take(buffer, capacity, waitMs));
+        return static_cast<int>(HearPiece(buffer, capacity, waitMs));
     },
     [] { return 0; },
     [] { return 0; },

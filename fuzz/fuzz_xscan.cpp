@@ -11,7 +11,7 @@
 
 namespace {
 
-void scan(const char *pattern, const std::string &text, unsigned flags)
+void ScanText(const char *pattern, const std::string &text, unsigned flags)
 {
     // Room for exactly what can be consumed: a byte more is the sanitizer's.
     const size_t length = std::strlen(text.c_str());
@@ -39,11 +39,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         return 0;
     const std::string rest(reinterpret_cast<const char *>(data) + 1, size - 1);
     if (data[0] < PATTERNS) {
-        scan(SCAN_PATTERNS[data[0]].pattern, rest, SCAN_PATTERNS[data[0]].flags);
+        ScanText(SCAN_PATTERNS[data[0]].pattern, rest, SCAN_PATTERNS[data[0]].flags);
         return 0;
     }
     const std::string pattern = rest.c_str();
     const std::string text = pattern.size() < rest.size() ? rest.substr(pattern.size() + 1) : "";
-    scan(pattern.c_str(), text, data[0] % 8u);
+    ScanText(pattern.c_str(), text, data[0] % 8u);
     return 0;
 }

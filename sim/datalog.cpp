@@ -48,18 +48,18 @@ const RecId RECID_ROWS[] = {
     {PLAIN, "Never;read:u2", false},
 };
 
-void setWord(SIM_Station *station, const LogPlace &place, uint32_t index, uint16_t value)
+void SetWord(SIM_Station *station, const LogPlace &place, uint32_t index, uint16_t value)
 {
     SIM_SetValue(station, place.buffer + 2 * index, 2, value);
 }
 
-uint16_t getWord(const SIM_Station &station, const LogPlace &place, uint32_t index)
+uint16_t GetWord(const SIM_Station &station, const LogPlace &place, uint32_t index)
 {
     return static_cast<uint16_t>(SIM_GetValue(station, place.buffer + 2 * index, 2));
 }
 
 // Two-second units of a year whose months all have 31 days, below the year.
-uint32_t packTime(time_t when)
+uint32_t PackTime(time_t when)
 {
     tm date{};
     gmtime_r(&when, &date);
@@ -70,13 +70,13 @@ uint32_t packTime(time_t when)
     return (stamp & 0xFFFF) == 0 ? stamp + 1 : stamp; // a zero word would end the message
 }
 
-void addLong(std::vector<uint16_t> *content, uint32_t value)
+void AddLong(std::vector<uint16_t> *content, uint32_t value)
 {
     content->push_back(static_cast<uint16_t>(value & 0xFFFF));
     content->push_back(static_cast<uint16_t>(value >> 16));
 }
 
-void addText(std::vector<uint16_t> *content, const std::string &text)
+void AddText(std::vector<uint16_t> *content, const std::string &text)
 {
     for (size_t i = 0; i < text.size(); i += 2) {
         const auto low = static_cast<uint8_t>(text[i]);
@@ -85,34 +85,34 @@ void addText(std::vector<uint16_t> *content, const std::string &text)
     }
 }
 
-uint16_t toWord(double value)
+uint16_t ToWord(double value)
 {
     return static_cast<uint16_t>(std::lround(value));
 }
 
-void addDrive(std::vector<uint16_t> *content, uint32_t k)
+void AddDrive(std::vector<uint16_t> *content, uint32_t k)
 {
     const double phase = k / 7.0;
     const auto temperature = static_cast<float>(60 + 5 * std::sin(phase));
     uint32_t bits;
     std::memcpy(&bits, &temperature, sizeof bits);
-    content->push_back(toWord(1500 * std::sin(phase)));
-    content->push_back(toWord(80 + 20 * std::cos(phase)));
-    addLong(content, bits);
+    content->push_back(ToWord(1500 * std::sin(phase)));
+    content->push_back(ToWord(80 + 20 * std::cos(phase)));
+    AddLong(content, bits);
     content->push_back(static_cast<uint16_t>(k / 8 % 4));
-    addLong(content, 1000 * k - 50000);
+    AddLong(content, 1000 * k - 50000);
 }
 
 // What the k-th message says.
-uint8_t fillContent(uint32_t k, int number, std::vector<uint16_t> *content)
+uint8_t FillContent(uint32_t k, int number, std::vector<uint16_t> *content)
 {
     switch (k % 8) {
     case 0:
-        addText(content, "Station " + std::to_string(number) + ", message " + std::to_string(k));
+        AddText(content, "Station " + std::to_string(number) + ", message " + std::to_string(k));
         return TEXT;
     case 3:
         for (const uint32_t value : {60 * k, k % 3 == 0 ? 0x40u : 0u, 0u, k % 5})
-            addLong(content, value);
+            AddLong(content, value);
         content->push_back(static_cast<uint16_t>(k % 16 == 3 ? 0x0005 : 0x0107));
         return STAMP;
     case 5:
@@ -126,13 +126,13 @@ uint8_t fillContent(uint32_t k, int number, std::vector<uint16_t> *content)
         content->assign(k % 5, 0xAAAA);
         return JUNK;
     default:
-        addDrive(content, k);
+        AddDrive(content, k);
         return DRIVE;
     }
 }
 
 // The least value that no word of the content has: it stands for the zeros.
-uint8_t chooseZ(const std::vector<uint16_t> &content)
+uint8_t ChooseZ(const std::vector<uint16_t> &content)
 {
     uint8_t z = 1;
     while (z < 255 && std::find(content.begin(), content.end(), z) != content.end())
@@ -141,45 +141,45 @@ uint8_t chooseZ(const std::vector<uint16_t> &content)
 }
 
 // Zeros from `from` to `to`, and on through the message that reaches beyond it.
-void clearWords(SIM_Station *station, const LogPlace &place, uint32_t from, uint32_t to)
+void ClearWords(SIM_Station *station, const LogPlace &place, uint32_t from, uint32_t to)
 {
     for (uint32_t i = from; i < place.words; i++) {
-        if (i >= to && getWord(*station, place, i) == 0)
+        if (i >= to && GetWord(*station, place, i) == 0)
             return;
-        setWord(station, place, i, 0);
+        SetWord(station, place, i, 0);
     }
 }
 
-void append(SIM_Station *station, const LogPlace &place, SIM_DataLog *log,
-            const std::vector<uint16_t> &message)
+void AppendMessage(SIM_Station *station, const LogPlace &place, SIM_DataLog *log,
+                   const std::vector<uint16_t> &message)
 {
     const auto length = static_cast<uint32_t>(message.size());
     if (log->next + length > place.words) {
-        clearWords(station, place, log->next, place.words);
+        ClearWords(station, place, log->next, place.words);
         log->next = HEADER_WORDS;
     }
-    clearWords(station, place, log->next, std::min(log->next + length + 1, place.words));
+    ClearWords(station, place, log->next, std::min(log->next + length + 1, place.words));
     for (uint32_t i = 0; i < length; i++)
-        setWord(station, place, log->next + i, message[i]);
+        SetWord(station, place, log->next + i, message[i]);
     log->next += length + 1;
 }
 
-void writeMessage(SIM_Station *station, int number, const LogPlace &place, SIM_DataLog *log)
+void WriteMessage(SIM_Station *station, int number, const LogPlace &place, SIM_DataLog *log)
 {
     std::vector<uint16_t> content, message;
     const uint32_t k = log->written++;
-    const uint8_t type = fillContent(k, number, &content);
-    const uint8_t z = chooseZ(content);
+    const uint8_t type = FillContent(k, number, &content);
+    const uint8_t z = ChooseZ(content);
     const time_t history = k < HISTORY ? static_cast<time_t>(HISTORY - k) * HISTORY_STEP_S : 0;
     const time_t after = k < HISTORY ? 0 : static_cast<time_t>(k - HISTORY);
     message.push_back(static_cast<uint16_t>(type | z << 8));
-    addLong(&message, packTime(station->logStart - history + after));
+    AddLong(&message, PackTime(station->logStart - history + after));
     for (const uint16_t word : content)
         message.push_back(word == 0 ? uint16_t(z) : word);
-    append(station, place, log, message);
+    AppendMessage(station, place, log, message);
 }
 
-void writeHeader(SIM_Station *station, const LogPlace &place)
+void WriteHeader(SIM_Station *station, const LogPlace &place)
 {
     const uint32_t address = place.buffer / place.divisor;
     for (const uint32_t at : {place.variable, place.buffer}) {
@@ -189,7 +189,7 @@ void writeHeader(SIM_Station *station, const LogPlace &place)
     SIM_WriteMemory(station, place.buffer + 8, "LOGOS:", 6);
 }
 
-void writeRecIds(SIM_Station *station)
+void WriteRecIds(SIM_Station *station)
 {
     uint32_t at = RECIDS, textAt = RECID_TEXTS;
     for (const RecId &row : RECID_ROWS) {
@@ -206,13 +206,13 @@ void writeRecIds(SIM_Station *station)
     SIM_SetValue(station, RECID_COUNT, 2, sizeof RECID_ROWS / sizeof *RECID_ROWS);
 }
 
-void catchUp(SIM_Station *station, int number, const LogPlace &place, SIM_DataLog *log,
+void CatchUp(SIM_Station *station, int number, const LogPlace &place, SIM_DataLog *log,
              uint32_t wanted)
 {
     if (wanted - log->written > CATCH_UP_MAX) // nobody would see the ones before
         log->written = wanted - CATCH_UP_MAX;
     while (log->written < wanted)
-        writeMessage(station, number, place, log);
+        WriteMessage(station, number, place, log);
 }
 
 } // namespace
@@ -220,11 +220,11 @@ void catchUp(SIM_Station *station, int number, const LogPlace &place, SIM_DataLo
 void SIM_InitDataLogs(SIM_Station *station, int number)
 {
     station->logStart = time(nullptr) + STANDARD_TIME_S;
-    writeRecIds(station);
+    WriteRecIds(station);
     for (size_t i = 0; i < SIM_DATA_LOGS; i++) {
         station->logs[i].next = HEADER_WORDS;
-        writeHeader(station, PLACES[i]);
-        catchUp(station, number, PLACES[i], &station->logs[i], HISTORY);
+        WriteHeader(station, PLACES[i]);
+        CatchUp(station, number, PLACES[i], &station->logs[i], HISTORY);
     }
 }
 
@@ -234,7 +234,7 @@ void SIM_UpdateDataLogs(SIM_Station *station, int number, double seconds, uint32
     for (size_t i = 0; i < SIM_DATA_LOGS; i++) {
         const LogPlace &place = PLACES[i];
         if (address < place.buffer + 2 * place.words && address + count > place.buffer)
-            catchUp(station, number, place, &station->logs[i],
+            CatchUp(station, number, place, &station->logs[i],
                     HISTORY + static_cast<uint32_t>(seconds));
     }
 }

@@ -39,7 +39,7 @@ constexpr uint32_t FAR_LOG = 0x20000;
 constexpr uint32_t FAR_LOG_BYTES = 256;
 constexpr uint32_t GAMMA = 0x30000;
 constexpr uint32_t GAMMA_POINTS = 16;
-constexpr uint32_t DPP = 0xFE00;
+constexpr uint32_t CORE_BEGIN = 0xFC00, CORE_END = 0x10000; // registers
 
 // Set-points and the copies of them that a restart would take; SAV_wDiffers counts those
 // that are no copies any more.
@@ -309,8 +309,7 @@ void SIM_InitDemo(SIM_Station *station, int number)
         SIM_SetValue(station, saved.copy, saved.size,
                      SIM_GetValue(*station, saved.source, saved.size));
     SIM_InitDataLogs(station, number);
-    for (uint32_t i = 0; i < 4; i++)
-        SIM_SetValue(station, DPP + 2 * i, 2, i); // as after a reset: pages in order
+    SIM_InitDemoCore(station);
     station->temperature = 20;
     station->tms[TMS_GAIN] = SIM_TmsFloat(1.5);
 }
@@ -326,6 +325,8 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
         setF28(station, t);
     if (touches(address, count, DRIVE_BEGIN, DRIVE_END))
         setDrive(station, t);
+    if (touches(address, count, CORE_BEGIN, CORE_END))
+        SIM_UpdateDemoCore(station, t);
     if (!touches(address, count, LIVE_BEGIN, LIVE_END))
         return;
     setIntegers(station, liveIntegers, t);

@@ -15,4 +15,8 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
 // The same for the words of the TMS320.
 void SIM_UpdateDemoTms(SIM_Station *station, int number, double seconds);
 
+// The core's registers, stack and program; for the demo's own use.
+void SIM_InitDemoCore(SIM_Station *station);
+void SIM_UpdateDemoCore(SIM_Station *station, double seconds);
+
 #endif

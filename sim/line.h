@@ -1,27 +1,24 @@
-// The wire: a pseudo terminal whose program side looks like a serial port, and the clock
-// of a line on which every character takes its time. All times are nanoseconds of the
-// monotonic clock. Used by the target's thread only, except SIM_WakeLine.
+// The line: a wire to the program (wire.h), and the clock of a line on which every character
+// takes its time. All times are nanoseconds of the monotonic clock. Used by the target's
+// thread only, except SIM_WakeLine.
 #ifndef SIM_LINE_H
 #define SIM_LINE_H
 
-#include <cstddef>
-#include <cstdint>
-#include <string>
+#include "wire.h"
 
 struct SIM_Line {
-    int master = -1;
-    int slave = -1; // kept open: a program that closes the port must not hang up the master
-    int wake[2] = {-1, -1};
-    std::string device;
-    std::string link;
-    int64_t charNs = 0;    // time of one character, 0 = no pacing
-    int64_t receiveNs = 0; // when the last character received had passed the wire
-    int64_t sendNs = 0;    // when the last character sent will have passed the wire
-    int64_t lateNs = 0;    // by how much the last sending missed its own deadline
+    SIM_Wire *wire = nullptr; // owned
+    std::string device;       // what the program opens
+    int64_t charNs = 0;       // time of one character, 0 = no pacing
+    int64_t receiveNs = 0;    // when the last character received had passed the wire
+    int64_t sendNs = 0;       // when the last character sent will have passed the wire
+    int64_t lateNs = 0;       // by how much the last sending missed its own deadline
 };
 
-// baud 0 = no pacing; link "" = none. False with a message in *error, nothing left open.
-bool SIM_OpenLine(SIM_Line *line, int baud, const std::string &link, std::string *error);
+// A pseudo terminal, or with `tcp` ("[host:]port") a port of the network. baud 0 = no pacing;
+// link "" = none. False with a message in *error, nothing left open.
+bool SIM_OpenLine(SIM_Line *line, int baud, const std::string &tcp, const std::string &link,
+                  std::string *error);
 void SIM_CloseLine(SIM_Line *line);
 
 // Ends every wait on the line, now and from now on. Any thread.
@@ -37,6 +34,5 @@ void SIM_PassReceived(SIM_Line *line);
 // arrives before its time. False when the line was woken meanwhile.
 bool SIM_SendLine(SIM_Line *line, const uint8_t *bytes, size_t count, int64_t startNs);
 bool SIM_WaitUntil(SIM_Line *line, int64_t timeNs);
-int64_t SIM_NowNs();
 
 #endif

@@ -7,16 +7,16 @@ namespace {
 constexpr uint8_t WRITE = 0x03, READ = 0x04, ERASE = 0x5E;
 constexpr size_t HEAD = 5; // command, length, address low byte first
 constexpr uint8_t ERASE_TAIL[] = {0xAA, 0x55, 0xAA};
-constexpr uint8_t REFUSAL = 0x80; // flipped in the sum of a block that was not taken
+constexpr uint8_t REFUSAL = 0x80;     // flipped in the sum of a block that was not taken
 constexpr size_t CORRUPT_WITHIN = 12; // mostly in the head, where it does the most harm
 
-bool chance(SIM_Loader *loader, double share)
+bool DrawChance(SIM_Loader *loader, double share)
 {
     constexpr double RANGE = 4294967296.0;
     return static_cast<double>(loader->random()) / RANGE < share;
 }
 
-uint8_t sumOf(const std::vector<uint8_t> &bytes)
+uint8_t SumOf(const std::vector<uint8_t> &bytes)
 {
     unsigned sum = 0;
     for (const uint8_t byte : bytes)
@@ -24,47 +24,47 @@ uint8_t sumOf(const std::vector<uint8_t> &bytes)
     return static_cast<uint8_t>(sum);
 }
 
-uint32_t addressOf(const SIM_Loader &loader)
+uint32_t AddressOf(const SIM_Loader &loader)
 {
     const std::vector<uint8_t> &c = loader.command;
     return c[2] | static_cast<uint32_t>(c[3]) << 8 | static_cast<uint32_t>(c[4]) << 16;
 }
 
-bool isFlash(uint32_t address)
+bool IsFlash(uint32_t address)
 {
     return address < SIM_FLASH_SIZE && (address < SIM_CHIP_FIRST || address > SIM_CHIP_LAST);
 }
 
 // On the chip only one register matters: the one that always reads as zeros, in front of one
 // that always reads as ones.
-uint8_t readByte(const SIM_Loader &loader, uint32_t address)
+uint8_t ReadByte(const SIM_Loader &loader, uint32_t address)
 {
     constexpr uint32_t ZEROS = 0xFF1C;
-    if (isFlash(address))
+    if (IsFlash(address))
         return loader.flash[address];
     return (address & ~1U) == ZEROS ? 0x00 : 0xFF;
 }
 
-void readBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
+void ReadBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
-    const uint32_t address = addressOf(*loader);
-    unsigned sum = sumOf(loader->command);
+    const uint32_t address = AddressOf(*loader);
+    unsigned sum = SumOf(loader->command);
     for (uint32_t i = 0; i < loader->command[1]; i++) {
-        answer->push_back(readByte(*loader, address + i));
+        answer->push_back(ReadByte(*loader, address + i));
         sum += answer->back();
     }
     answer->push_back(static_cast<uint8_t>(sum));
     loader->reads++;
 }
 
-void writeBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
+void WriteBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
-    const uint32_t address = addressOf(*loader);
+    const uint32_t address = AddressOf(*loader);
     const uint32_t length = loader->command[1];
     bool fits = true;
     for (uint32_t i = 0; i < length; i++)
-        fits = fits && isFlash(address + i);
-    uint8_t sum = sumOf(loader->command);
+        fits = fits && IsFlash(address + i);
+    uint8_t sum = SumOf(loader->command);
     if (!fits) {
         loader->refused++;
         sum = static_cast<uint8_t>(sum ^ REFUSAL);
@@ -78,7 +78,7 @@ void writeBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
     answer->push_back(sum);
 }
 
-void erase(SIM_Loader *loader, std::vector<uint8_t> *answer)
+void EraseFlash(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
     std::fill(loader->flash.begin(), loader->flash.end(), uint8_t{0xFF});
     loader->erases++;
@@ -89,7 +89,7 @@ void erase(SIM_Loader *loader, std::vector<uint8_t> *answer)
 }
 
 // Whether the command collected so far is a whole one. What cannot become one is dropped.
-bool isWhole(SIM_Loader *loader)
+bool IsWhole(SIM_Loader *loader)
 {
     std::vector<uint8_t> &c = loader->command;
     if (c[0] == READ)
@@ -103,13 +103,13 @@ bool isWhole(SIM_Loader *loader)
 }
 
 // Draws the same number of times for every answer, so that faults stay where they are.
-void applyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
+void ApplyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
     SIM_LoaderFaults &faults = loader->faults;
-    const bool dropped = chance(loader, faults.drop);
-    const bool corrupted = chance(loader, faults.corrupt);
-    const bool shortened = chance(loader, faults.shorten);
-    const bool lengthened = chance(loader, faults.lengthen);
+    const bool dropped = DrawChance(loader, faults.drop);
+    const bool corrupted = DrawChance(loader, faults.corrupt);
+    const bool shortened = DrawChance(loader, faults.shorten);
+    const bool lengthened = DrawChance(loader, faults.lengthen);
     const size_t place = loader->random();
     const unsigned bit = loader->random() % 8;
     if (answer->empty())
@@ -130,10 +130,10 @@ void applyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
         answer->push_back(static_cast<uint8_t>(place));
 }
 
-uint8_t receive(SIM_Loader *loader, uint8_t byte)
+uint8_t ReceiveByte(SIM_Loader *loader, uint8_t byte)
 {
     if (loader->command.empty()) {
-        const bool damaged = chance(loader, loader->faults.corruptRequest);
+        const bool damaged = DrawChance(loader, loader->faults.corruptRequest);
         const size_t place = 1 + loader->random() % CORRUPT_WITHIN;
         loader->corruptAt = damaged ? place : 0;
     }
@@ -149,31 +149,31 @@ void SIM_InitLoader(SIM_Loader *loader, uint32_t seed)
     loader->random.seed(seed);
     loader->flash.resize(SIM_FLASH_SIZE);
     for (uint32_t i = 0; i < SIM_FLASH_SIZE; i++)
-        loader->flash[i] = isFlash(i) ? static_cast<uint8_t>(i * 37 + (i >> 8)) : 0xFF;
+        loader->flash[i] = IsFlash(i) ? static_cast<uint8_t>(i * 37 + (i >> 8)) : 0xFF;
 }
 
 void SIM_FeedLoader(SIM_Loader *loader, uint8_t byte, std::vector<uint8_t> *answer)
 {
-    const uint8_t received = receive(loader, byte);
+    const uint8_t received = ReceiveByte(loader, byte);
     loader->command.push_back(received);
-    if (!isWhole(loader))
+    if (!IsWhole(loader))
         return;
     std::vector<uint8_t> whole;
     switch (loader->command[0]) {
     case READ:
-        readBlock(loader, &whole);
+        ReadBlock(loader, &whole);
         break;
     case WRITE:
-        writeBlock(loader, &whole);
+        WriteBlock(loader, &whole);
         break;
     default:
-        erase(loader, &whole);
+        EraseFlash(loader, &whole);
         break;
     }
     loader->last.swap(loader->command);
     loader->command.clear();
     loader->done++;
-    applyFaults(loader, &whole);
+    ApplyFaults(loader, &whole);
     answer->insert(answer->end(), whole.begin(), whole.end());
 }
 

@@ -20,7 +20,7 @@ struct Served {
 };
 
 // Time, command, length and address of the command that has just been obeyed.
-void logCommand(SIM_Target *target, bool answered)
+void LogCommand(SIM_Target *target, bool answered)
 {
     const std::vector<uint8_t> &c = target->loader.last;
     if (!target->log || c.size() < 4)
@@ -34,7 +34,7 @@ void logCommand(SIM_Target *target, bool answered)
     fflush(target->log);
 }
 
-Served serveByte(SIM_Target *target, uint8_t byte, bool quiet)
+Served ServeByte(SIM_Target *target, uint8_t byte, bool quiet)
 {
     Served served;
     const std::lock_guard<std::mutex> guard(target->lock);
@@ -48,11 +48,11 @@ Served serveByte(SIM_Target *target, uint8_t byte, bool quiet)
         return served;
     target->counters.requests++;
     ++(served.answer.empty() ? target->counters.dropped : target->counters.answers);
-    logCommand(target, !served.answer.empty());
+    LogCommand(target, !served.answer.empty());
     return served;
 }
 
-bool sendAnswer(SIM_Target *target, const Served &served)
+bool SendAnswer(SIM_Target *target, const Served &served)
 {
     SIM_Line *line = &target->line;
     int64_t start = line->charNs > 0 ? line->receiveNs : SIM_NowNs();
@@ -81,7 +81,7 @@ void SIM_ServeLoader(SIM_Target *target)
         const bool quiet = SIM_NowNs() - lastNs > QUIET_NS;
         for (int i = 0; i < count; i++) {
             SIM_PassReceived(&target->line);
-            if (!sendAnswer(target, serveByte(target, bytes[i], quiet && i == 0)))
+            if (!SendAnswer(target, ServeByte(target, bytes[i], quiet && i == 0)))
                 return;
         }
         lastNs = SIM_NowNs();

@@ -5,7 +5,7 @@
 namespace {
 
 // Bytes of `count` that still pass the cable.
-size_t pass(SIM_LoaderWire *wire, size_t count)
+size_t PassBytes(SIM_LoaderWire *wire, size_t count)
 {
     if (wire->bytesLeft < 0)
         return count;
@@ -19,7 +19,7 @@ size_t pass(SIM_LoaderWire *wire, size_t count)
 int SIM_WriteWire(SIM_LoaderWire *wire, const void *bytes, size_t count)
 {
     const auto *byte = static_cast<const uint8_t *>(bytes);
-    const size_t passed = pass(wire, count);
+    const size_t passed = PassBytes(wire, count);
     wire->sent.insert(wire->sent.end(), byte, byte + passed);
     for (size_t i = 0; i < passed && !wire->isScripted; i++)
         SIM_FeedLoader(&wire->loader, byte[i], &wire->incoming);
@@ -29,7 +29,7 @@ int SIM_WriteWire(SIM_LoaderWire *wire, const void *bytes, size_t count)
 int SIM_ReadWire(SIM_LoaderWire *wire, void *buffer, size_t count)
 {
     std::vector<uint8_t> &from = wire->incoming;
-    const size_t passed = pass(wire, std::min(count, from.size()));
+    const size_t passed = PassBytes(wire, std::min(count, from.size()));
     std::copy_n(from.begin(), passed, static_cast<uint8_t *>(buffer));
     from.erase(from.begin(), from.begin() + static_cast<long>(passed));
     if (passed < count)

@@ -2,12 +2,12 @@
 // hardware. Prints the device to open first, then serves until it is told to end.
 #include "scope.h"
 #include "sim.h"
+#include "wire.h"
 
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
 #include <climits>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -22,12 +22,14 @@ constexpr int BAUD_MAX = 4000000;
 constexpr int DELAY_MAX_MS = 60000;
 constexpr int ERASE_MAX_S = 60, ERASE_DEFAULT_S = 2;
 constexpr int STATION_MAX = 15;
+constexpr long PORT_LAST = 65535;
 constexpr unsigned long ADDRESS_END = 0x1000000;
 
 const char HELP[] =
     "Usage: vireo2-target [options]\n"
-    "A simulated target on a pseudo terminal. Prints the device to open, then serves\n"
-    "it until it gets SIGTERM or SIGINT.\n"
+    "A simulated target on a pseudo terminal or a TCP port. Prints the device to open,\n"
+    "then serves it until it gets SIGTERM or SIGINT (Ctrl-C).\n"
+    "  --tcp [HOST:]PORT  listen there instead; without HOST for this machine alone\n"
     "  --modbus           a Modbus RTU slave: stations 1 to 15 are slaves 1 to 15\n"
     "  --refuse P         answer this share of the Modbus requests with an exception\n"
     "  --link PATH        make PATH a symbolic link to the device\n"
@@ -106,6 +108,15 @@ bool applyBaud(const char *text, SIM_Options *options)
     return good;
 }
 
+// Which host it is shows when it is listened at; the port must be a number.
+bool applyTcp(const char *text, SIM_Options *options)
+{
+    const char *colon = strrchr(text, ':');
+    long port = 0;
+    options->tcp = text;
+    return colon != text && parseWhole(colon ? colon + 1 : text, 0, PORT_LAST, &port);
+}
+
 bool applyDelay(const char *text, SIM_Options *options)
 {
     long value = 0;
@@ -173,6 +184,7 @@ const OptionRow rows[] = {
          o->link = text;
          return *text != 0;
      }},
+    {{"tcp", required_argument, nullptr, 0}, applyTcp},
     {{"baud", required_argument, nullptr, 0}, applyBaud},
     {{"echo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->echo = true; }},
@@ -254,14 +266,7 @@ int main(int argc, char **argv)
     options.eraseSeconds = ERASE_DEFAULT_S;
     parseArguments(argc, argv, &options);
 
-    // Blocked before the target's thread exists, so that only this thread takes them.
-    sigset_t endings;
-    sigemptyset(&endings);
-    for (const int ending : {SIGTERM, SIGINT, SIGHUP})
-        sigaddset(&endings, ending);
-    pthread_sigmask(SIG_BLOCK, &endings, nullptr);
-    signal(SIGPIPE, SIG_IGN);
-
+    SIM_PrepareEnding();
     std::string error;
     SIM_Target *target = SIM_Start(options, &error);
     if (!target) {
@@ -270,8 +275,7 @@ int main(int argc, char **argv)
     }
     printf("%s\n", SIM_DevicePath(target));
     fflush(stdout);
-    int received;
-    sigwait(&endings, &received);
+    SIM_WaitForEnding();
     if (!SIM_Stop(target, &error)) {
         fprintf(stderr, "vireo2-target: %s\n", error.c_str());
         return EXIT_FAILURE;

@@ -8,7 +8,7 @@ constexpr size_t CRC_SIZE = 2;
 
 // Length without the CRC of the request that begins here; 0 = not known yet, and
 // SIM_RTU_MAX + 1 = no request that a frame could hold.
-size_t requestLength(const uint8_t *bytes, size_t count)
+size_t RequestLength(const uint8_t *bytes, size_t count)
 {
     constexpr size_t FIXED = 6, NONE = SIM_RTU_MAX + 1;
     constexpr size_t COUNT_OF_WRITE = 6, COUNT_OF_READ_WRITE = 10;
@@ -37,7 +37,7 @@ size_t requestLength(const uint8_t *bytes, size_t count)
     }
 }
 
-void dropFirst(SIM_RtuReceiver *receiver, size_t count)
+void DropFirst(SIM_RtuReceiver *receiver, size_t count)
 {
     receiver->length -= count;
     memmove(receiver->bytes, receiver->bytes + count, receiver->length);
@@ -68,7 +68,7 @@ size_t SIM_ReceiveRtu(SIM_RtuReceiver *receiver, uint8_t byte, uint64_t *malform
 {
     receiver->bytes[receiver->length++] = byte;
     for (;;) {
-        const size_t body = requestLength(receiver->bytes, receiver->length);
+        const size_t body = RequestLength(receiver->bytes, receiver->length);
         const bool tooLong = body + CRC_SIZE > SIM_RTU_MAX;
         if (!tooLong && (body == 0 || receiver->length < body + CRC_SIZE))
             return 0;
@@ -79,7 +79,7 @@ size_t SIM_ReceiveRtu(SIM_RtuReceiver *receiver, uint8_t byte, uint64_t *malform
                 return whole;
             ++*malformed;
         }
-        dropFirst(receiver, 1);
+        DropFirst(receiver, 1);
         if (receiver->length == 0)
             return 0;
     }

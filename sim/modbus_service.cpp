@@ -20,7 +20,7 @@ struct Answer {
 
 // An exception drawn by the seed, or 0. The draws are made for every request, so that later
 // ones stay where they are when the share changes.
-int drawRefusal(SIM_Target *target)
+int DrawRefusal(SIM_Target *target)
 {
     constexpr double RANGE = 4294967296.0;
     constexpr int FAILURE = 4, BUSY = 6;
@@ -29,7 +29,7 @@ int drawRefusal(SIM_Target *target)
     return refused ? code : 0;
 }
 
-void logRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exception,
+void LogRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exception,
                 const char *fate)
 {
     if (!target->log)
@@ -44,39 +44,39 @@ void logRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exce
     fflush(target->log);
 }
 
-bool isPresent(const SIM_Target *target, int slave)
+bool IsPresent(const SIM_Target *target, int slave)
 {
     return slave >= 1 && slave < SIM_STATIONS && (target->options.stations >> slave & 1);
 }
 
 // `count` is the frame's length without its CRC.
-Answer prepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
+Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
 {
     Answer answer;
     const std::lock_guard<std::mutex> guard(target->lock);
     answer.delayNs = target->options.delayMs * NS_PER_MS;
-    if (!isPresent(target, frame[0])) {
-        logRequest(target, frame, count, 0, "absent");
+    if (!IsPresent(target, frame[0])) {
+        LogRequest(target, frame, count, 0, "absent");
         return answer;
     }
-    int exception = drawRefusal(target);
+    int exception = DrawRefusal(target);
     if (exception != 0)
         answer.count = SIM_RefuseRtu(frame, exception, answer.frame);
     else
         answer.count = SIM_ServeRtu(target, frame, count, answer.frame, &exception);
     answer.count = SIM_CloseRtu(answer.frame, answer.count);
     const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
-    logRequest(target, frame, count, exception, SIM_FateText(fate));
+    LogRequest(target, frame, count, exception, SIM_FateText(fate));
     return answer;
 }
 
-bool isEchoing(SIM_Target *target)
+bool IsEchoing(SIM_Target *target)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
     return target->options.echo;
 }
 
-bool sendAnswer(SIM_Target *target, const Answer &answer)
+bool SendAnswer(SIM_Target *target, const Answer &answer)
 {
     if (answer.count == 0)
         return true;
@@ -86,10 +86,10 @@ bool sendAnswer(SIM_Target *target, const Answer &answer)
 
 // Handles what one read brought. On an echoing line the bytes come back first, as they pass
 // the wire. Returns false when the target is to end.
-bool serveBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *bytes, size_t count)
+bool ServeBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *bytes, size_t count)
 {
     constexpr size_t CRC_SIZE = 2;
-    const bool echo = isEchoing(target);
+    const bool echo = IsEchoing(target);
     size_t echoed = 0;
     int64_t echoNs = target->line.receiveNs;
     for (size_t i = 0; i < count; i++) {
@@ -109,7 +109,7 @@ bool serveBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *by
         if (whole == 0)
             continue;
         receiver->length = 0;
-        if (!sendAnswer(target, prepareAnswer(target, receiver->bytes, whole - CRC_SIZE)))
+        if (!SendAnswer(target, PrepareAnswer(target, receiver->bytes, whole - CRC_SIZE)))
             return false;
     }
     return true;
@@ -129,7 +129,7 @@ void SIM_ServeModbus(SIM_Target *target)
         if (SIM_NowNs() - lastNs > STALE_NS)
             receiver.length = 0;
         lastNs = SIM_NowNs();
-        if (!serveBytes(target, &receiver, bytes, static_cast<size_t>(count)))
+        if (!ServeBytes(target, &receiver, bytes, static_cast<size_t>(count)))
             return;
     }
 }

@@ -23,74 +23,74 @@ struct Service {
     size_t length;
 };
 
-unsigned word(const Service &service, size_t at)
+unsigned WordAt(const Service &service, size_t at)
 {
     return static_cast<unsigned>(service.frame[at]) << 8 | service.frame[at + 1];
 }
 
-int stationOf(const Service &service)
+int StationOf(const Service &service)
 {
     return service.frame[0];
 }
 
-void put(Service *service, unsigned value)
+void PutWord(Service *service, unsigned value)
 {
     service->answer[service->length++] = static_cast<uint8_t>(value & 0xFF);
 }
 
 // Memory that an address in two registers names; false when it is not all there.
-bool tunnelAddress(const Service &service, size_t at, size_t count, uint32_t *address)
+bool TunnelAddress(const Service &service, size_t at, size_t count, uint32_t *address)
 {
-    *address = word(service, at) << 16 | word(service, at + 2);
+    *address = WordAt(service, at) << 16 | WordAt(service, at + 2);
     return *address < SIM_MEMORY_SIZE && count <= SIM_MEMORY_SIZE - *address;
 }
 
-bool isTunnel(unsigned start)
+bool IsTunnel(unsigned start)
 {
     return start == TUNNEL_ODD || start == TUNNEL_EVEN;
 }
 
-int readBits(Service *service, uint32_t base)
+int ReadBits(Service *service, uint32_t base)
 {
-    const unsigned start = word(*service, 2), quantity = word(*service, 4);
+    const unsigned start = WordAt(*service, 2), quantity = WordAt(*service, 4);
     if (quantity < 1 || quantity > 2000)
         return BAD_VALUE;
     if (start + quantity > BITS)
         return BAD_ADDRESS;
     const unsigned count = (quantity + 7) / 8;
-    put(service, count);
+    PutWord(service, count);
     for (unsigned i = 0; i < count; i++) {
         unsigned packed = 0;
         for (unsigned bit = 0; bit < 8 && 8 * i + bit < quantity; bit++) {
             const unsigned number = start + 8 * i + bit;
             uint8_t byte = 0;
-            SIM_ReadTarget(service->target, stationOf(*service), base + number / 8, &byte, 1);
+            SIM_ReadTarget(service->target, StationOf(*service), base + number / 8, &byte, 1);
             packed |= (byte >> number % 8 & 1U) << bit;
         }
-        put(service, packed);
+        PutWord(service, packed);
     }
     return 0;
 }
 
 // Words of memory travel high byte first; each byte of the target's order is the other one.
-int readWords(Service *service, uint32_t base, unsigned start, unsigned quantity)
+int ReadWords(Service *service, uint32_t base, unsigned start, unsigned quantity)
 {
     if (quantity < 1 || quantity > 125)
         return BAD_VALUE;
     if (start + quantity > REGISTERS)
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes(2 * quantity);
-    SIM_ReadTarget(service->target, stationOf(*service), base + 2 * start, bytes.data(),
+    SIM_ReadTarget(service->target, StationOf(*service), base + 2 * start, bytes.data(),
                    bytes.size());
-    put(service, 2 * quantity);
+    PutWord(service, 2 * quantity);
     for (unsigned i = 0; i < quantity; i++) {
-        put(service, bytes[2 * i + 1]);
-        put(service, bytes[2 * i]);
+        PutWord(service, bytes[2 * i + 1]);
+        PutWord(service, bytes[2 * i]);
     }
     return 0;
 }
 
-int writeWords(Service *service, unsigned start, unsigned quantity, size_t at)
+int WriteWords(Service *service, unsigned start, unsigned quantity, size_t at)
 {
     if (start + quantity > REGISTERS)
         return BAD_ADDRESS;
@@ -99,101 +99,101 @@ int writeWords(Service *service, unsigned start, unsigned quantity, size_t at)
         bytes.push_back(service->frame[at + 2 * i + 1]);
         bytes.push_back(service->frame[at + 2 * i]);
     }
-    SIM_WriteTarget(service->target, stationOf(*service), HOLDING_BASE + 2 * start, bytes.data(),
+    SIM_WriteTarget(service->target, StationOf(*service), HOLDING_BASE + 2 * start, bytes.data(),
                     bytes.size());
     return 0;
 }
 
 // Function 16 through the tunnel: two registers of address, then the data.
-int writeMemory(Service *service, unsigned start, unsigned quantity)
+int WriteMemory(Service *service, unsigned start, unsigned quantity)
 {
     constexpr size_t ADDRESS = 7, DATA = 11;
     if (quantity < 3)
         return BAD_VALUE;
     const size_t count = 2 * (quantity - 2) - (start == TUNNEL_ODD ? 1 : 0);
     uint32_t address;
-    if (!tunnelAddress(*service, ADDRESS, count, &address))
+    if (!TunnelAddress(*service, ADDRESS, count, &address))
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes;
     for (size_t i = 0; i < count; i++)
         bytes.push_back(service->frame[DATA + (i ^ 1)]);
-    SIM_WriteTarget(service->target, stationOf(*service), address, bytes.data(), count);
+    SIM_WriteTarget(service->target, StationOf(*service), address, bytes.data(), count);
     return 0;
 }
 
-int writeRegisters(Service *service)
+int WriteRegisters(Service *service)
 {
     constexpr size_t DATA = 7;
-    const unsigned start = word(*service, 2), quantity = word(*service, 4);
+    const unsigned start = WordAt(*service, 2), quantity = WordAt(*service, 4);
     if (quantity < 1 || quantity > 123 || service->frame[6] != 2 * quantity)
         return BAD_VALUE;
-    const int exception = isTunnel(start) ? writeMemory(service, start, quantity)
-                                          : writeWords(service, start, quantity, DATA);
+    const int exception = IsTunnel(start) ? WriteMemory(service, start, quantity)
+                                          : WriteWords(service, start, quantity, DATA);
     for (size_t i = 2; exception == 0 && i < 6; i++)
-        put(service, service->frame[i]);
+        PutWord(service, service->frame[i]);
     return exception;
 }
 
-int writeOne(Service *service)
+int WriteOne(Service *service)
 {
-    const int exception = writeWords(service, word(*service, 2), 1, 4);
+    const int exception = WriteWords(service, WordAt(*service, 2), 1, 4);
     for (size_t i = 2; exception == 0 && i < 6; i++)
-        put(service, service->frame[i]);
+        PutWord(service, service->frame[i]);
     return exception;
 }
 
 // Function 23 through the tunnel: the address is written, the data read back.
-int readMemory(Service *service, unsigned tunnel, unsigned quantity)
+int ReadMemory(Service *service, unsigned tunnel, unsigned quantity)
 {
     constexpr size_t ADDRESS = 11;
     const size_t count = 2 * quantity - (tunnel == TUNNEL_ODD ? 1 : 0);
     uint32_t address;
-    if (!tunnelAddress(*service, ADDRESS, count, &address))
+    if (!TunnelAddress(*service, ADDRESS, count, &address))
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes(2 * quantity, 0);
-    SIM_ReadTarget(service->target, stationOf(*service), address, bytes.data(), count);
-    put(service, 2 * quantity);
+    SIM_ReadTarget(service->target, StationOf(*service), address, bytes.data(), count);
+    PutWord(service, 2 * quantity);
     for (size_t i = 0; i < bytes.size(); i++)
-        put(service, bytes[i ^ 1]);
+        PutWord(service, bytes[i ^ 1]);
     return 0;
 }
 
-int readWrite(Service *service)
+int ReadWrite(Service *service)
 {
     constexpr size_t DATA = 11;
-    const unsigned from = word(*service, 2), quantity = word(*service, 4);
-    const unsigned to = word(*service, 6), written = word(*service, 8);
+    const unsigned from = WordAt(*service, 2), quantity = WordAt(*service, 4);
+    const unsigned to = WordAt(*service, 6), written = WordAt(*service, 8);
     if (quantity < 1 || quantity > 125 || written < 1 || written > 121 ||
         service->frame[10] != 2 * written)
         return BAD_VALUE;
-    if (isTunnel(to))
+    if (IsTunnel(to))
         return written != 2          ? BAD_VALUE
                : from != TUNNEL_DATA ? BAD_ADDRESS
-                                     : readMemory(service, to, quantity);
+                                     : ReadMemory(service, to, quantity);
     // Nothing is written unless both can be done; the write comes first.
     if (from + quantity > REGISTERS)
         return BAD_ADDRESS;
-    const int exception = writeWords(service, to, written, DATA);
-    return exception != 0 ? exception : readWords(service, HOLDING_BASE, from, quantity);
+    const int exception = WriteWords(service, to, written, DATA);
+    return exception != 0 ? exception : ReadWords(service, HOLDING_BASE, from, quantity);
 }
 
-int serve(Service *service)
+int ServeFunction(Service *service)
 {
     switch (service->frame[1]) {
     case 1:
-        return readBits(service, COIL_BASE);
+        return ReadBits(service, COIL_BASE);
     case 2:
-        return readBits(service, DISCRETE_BASE);
+        return ReadBits(service, DISCRETE_BASE);
     case 3:
-        return readWords(service, HOLDING_BASE, word(*service, 2), word(*service, 4));
+        return ReadWords(service, HOLDING_BASE, WordAt(*service, 2), WordAt(*service, 4));
     case 4:
-        return readWords(service, INPUT_BASE, word(*service, 2), word(*service, 4));
+        return ReadWords(service, INPUT_BASE, WordAt(*service, 2), WordAt(*service, 4));
     case 6:
-        return writeOne(service);
+        return WriteOne(service);
     case 16:
-        return writeRegisters(service);
+        return WriteRegisters(service);
     case 23:
-        return readWrite(service);
+        return ReadWrite(service);
     default:
         return BAD_FUNCTION;
     }
@@ -215,6 +215,6 @@ size_t SIM_ServeRtu(SIM_Target *target, const uint8_t *frame, size_t count, uint
     Service service = {target, frame, count, answer, 2};
     answer[0] = frame[0];
     answer[1] = frame[1];
-    *exception = serve(&service);
+    *exception = ServeFunction(&service);
     return *exception == 0 ? service.length : SIM_RefuseRtu(frame, *exception, answer);
 }

@@ -32,46 +32,46 @@ const Layout layouts[SIM_SCOPES] = {
      VT + 0x20, VT + 0x22},
 };
 
-uint16_t getWord(const SIM_Station &station, uint32_t address)
+uint16_t GetWord(const SIM_Station &station, uint32_t address)
 {
     return static_cast<uint16_t>(SIM_GetValue(station, address, 2));
 }
 
-void setWord(SIM_Station *station, uint32_t address, unsigned value)
+void SetWord(SIM_Station *station, uint32_t address, unsigned value)
 {
     SIM_SetValue(station, address, 2, value & 0xFFFF);
 }
 
 // The page format of a C166 keeps a 14-bit offset and, from bit 16 on, the page.
-uint32_t toPages(uint32_t address)
+uint32_t ToPages(uint32_t address)
 {
     return (address & 0x3FFF) | (address & ~uint32_t{0x3FFF}) << 2;
 }
 
-uint32_t sourceOf(const SIM_Station &station, const Layout &scope, uint32_t channel)
+uint32_t SourceOf(const SIM_Station &station, const Layout &scope, uint32_t channel)
 {
     if (scope.mask == SIM_SCOPE_2)
-        return static_cast<uint32_t>(getWord(station, V2_PAGES + 2 * channel)) << 14 |
-               (getWord(station, V2_SOURCES + 2 * channel) & 0x3FFF);
+        return static_cast<uint32_t>(GetWord(station, V2_PAGES + 2 * channel)) << 14 |
+               (GetWord(station, V2_SOURCES + 2 * channel) & 0x3FFF);
     const auto stored =
         static_cast<uint32_t>(SIM_GetValue(station, scope.begin + V3_SOURCES + 4 * channel, 4));
     return scope.mask == SIM_SCOPE_3 ? 2 * stored : (stored & 0x3FFF) | (stored >> 16) << 14;
 }
 
 // What the sampling routine of the channel loads at time t.
-uint16_t sampleOf(SIM_Station *station, int number, const Layout &scope, uint32_t channel, double t)
+uint16_t SampleOf(SIM_Station *station, int number, const Layout &scope, uint32_t channel, double t)
 {
-    const uint32_t source = sourceOf(*station, scope, channel) % SIM_MEMORY_SIZE;
+    const uint32_t source = SourceOf(*station, scope, channel) % SIM_MEMORY_SIZE;
     SIM_UpdateDemo(station, number, t, source, 2);
     if (scope.mask == SIM_SCOPE_2) {
-        const uint16_t load = getWord(*station, V2_LOADS + 2 * channel);
+        const uint16_t load = GetWord(*station, V2_LOADS + 2 * channel);
         const auto byte = static_cast<uint8_t>(SIM_GetValue(*station, source, 1));
         if (load == 0xF2D2)
             return static_cast<uint16_t>(static_cast<int16_t>(static_cast<int8_t>(byte)));
         if (load == 0xF2C2)
             return byte;
     }
-    return getWord(*station, source);
+    return GetWord(*station, source);
 }
 
 // --- the trigger ------------------------------------------------------------------------
@@ -83,7 +83,7 @@ struct Trigger {
     Compare compare = Compare::NONE;
 };
 
-Trigger triggerOf(const SIM_Station &station, const Layout &scope)
+Trigger TriggerOf(const SIM_Station &station, const Layout &scope)
 {
     Trigger trigger;
     if (scope.mask == SIM_SCOPE_2) {
@@ -92,7 +92,7 @@ Trigger triggerOf(const SIM_Station &station, const Layout &scope)
         trigger.compare = first == 0xCD || first == 0xAD ? Compare::WORD : Compare::UNSIGNED_WORD;
         return trigger;
     }
-    const uint16_t code = getWord(station, scope.mode);
+    const uint16_t code = GetWord(station, scope.mode);
     trigger.isFree = code == 0x10;
     struct {
         uint16_t base;
@@ -109,14 +109,14 @@ Trigger triggerOf(const SIM_Station &station, const Layout &scope)
     return trigger;
 }
 
-double asFloat(uint32_t bits)
+double AsFloat(uint32_t bits)
 {
     float value;
     memcpy(&value, &bits, sizeof value);
     return static_cast<double>(value);
 }
 
-double asNumber(Compare compare, uint32_t bits)
+double AsNumber(Compare compare, uint32_t bits)
 {
     switch (compare) {
     case Compare::WORD:
@@ -128,29 +128,29 @@ double asNumber(Compare compare, uint32_t bits)
     case Compare::UNSIGNED_LONG:
         return bits;
     case Compare::FLOAT:
-        return asFloat(bits);
+        return AsFloat(bits);
     case Compare::PACKED:
-        return asFloat(bits << 16);
+        return AsFloat(bits << 16);
     default:
         return 0;
     }
 }
 
 // Whether channel 1 has passed the level since the sample before.
-bool isTriggered(const SIM_Station &station, const Layout &scope, double *previous, uint16_t word,
+bool IsTriggered(const SIM_Station &station, const Layout &scope, double *previous, uint16_t word,
                  uint16_t next)
 {
-    const Trigger trigger = triggerOf(station, scope);
+    const Trigger trigger = TriggerOf(station, scope);
     if (trigger.isFree)
         return true;
     const uint32_t bits = static_cast<uint32_t>(next) << 16 | word;
-    const double value = asNumber(trigger.compare, bits);
+    const double value = AsNumber(trigger.compare, bits);
     // The level is a word in generation 2; in generation 3 it holds what the type needs, and a
     // packed sample is compared with a whole float.
     const auto raw = static_cast<uint32_t>(
         SIM_GetValue(station, scope.level, scope.mask == SIM_SCOPE_2 ? 2 : 4));
     const Compare levelType = trigger.compare == Compare::PACKED ? Compare::FLOAT : trigger.compare;
-    const double level = asNumber(levelType, raw);
+    const double level = AsNumber(levelType, raw);
     const double before = *previous;
     *previous = value;
     return trigger.isFalling ? before > level && value <= level : before < level && value >= level;
@@ -160,11 +160,11 @@ bool isTriggered(const SIM_Station &station, const Layout &scope, double *previo
 
 // Generation 3 fills its ring upwards and keeps the place of the oldest word; generation 2
 // fills downwards and keeps the place of the newest one, in bytes.
-void store(SIM_Station *station, const Layout &scope, const uint16_t *words)
+void StoreSample(SIM_Station *station, const Layout &scope, const uint16_t *words)
 {
     const uint32_t total = uint32_t{scope.channels} * scope.values;
     const bool isDown = scope.mask == SIM_SCOPE_2;
-    uint32_t at = getWord(*station, scope.index) / (isDown ? 2U : 1U) % total;
+    uint32_t at = GetWord(*station, scope.index) / (isDown ? 2U : 1U) % total;
     for (uint32_t channel = 0; channel < scope.channels; channel++) {
         if (isDown)
             at = (at + total - 1) % total;
@@ -172,83 +172,83 @@ void store(SIM_Station *station, const Layout &scope, const uint16_t *words)
         if (!isDown)
             at = (at + 1) % total;
     }
-    setWord(station, scope.index, isDown ? 2 * at : at);
+    SetWord(station, scope.index, isDown ? 2 * at : at);
 }
 
-void takeSample(SIM_Station *station, int number, const Layout &scope, double *previous, double t)
+void TakeSample(SIM_Station *station, int number, const Layout &scope, double *previous, double t)
 {
     uint16_t words[SIM_SCOPE_CHANNELS] = {0};
     for (uint32_t channel = 0; channel < scope.channels; channel++)
-        words[channel] = sampleOf(station, number, scope, channel, t);
-    store(station, scope, words);
-    auto control = static_cast<int16_t>(getWord(*station, scope.control));
+        words[channel] = SampleOf(station, number, scope, channel, t);
+    StoreSample(station, scope, words);
+    auto control = static_cast<int16_t>(GetWord(*station, scope.control));
     if (control > 0) {
         control--;
     } else if (control < -1) {
         control++; // the record in front of the trigger is still filling
         *previous = NAN;
-    } else if (isTriggered(*station, scope, previous, words[0], words[1])) {
-        control = static_cast<int16_t>(getWord(*station, scope.post));
+    } else if (IsTriggered(*station, scope, previous, words[0], words[1])) {
+        control = static_cast<int16_t>(GetWord(*station, scope.post));
     }
-    setWord(station, scope.control, static_cast<unsigned>(control));
+    SetWord(station, scope.control, static_cast<unsigned>(control));
 }
 
 // Every how manieth tick is a sample: generation 3 keeps one less.
-uint16_t subPeriod(const SIM_Station &station, const Layout &scope)
+uint16_t SubPeriod(const SIM_Station &station, const Layout &scope)
 {
-    const uint16_t stored = getWord(station, scope.subPeriod);
+    const uint16_t stored = GetWord(station, scope.subPeriod);
     if (scope.mask == SIM_SCOPE_2)
         return stored == 0 ? 1 : stored;
     return static_cast<uint16_t>(stored + 1);
 }
 
-void sampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_ScopeState *state,
+void SampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_ScopeState *state,
                  double seconds)
 {
     double t = state->sampled;
     if (seconds - t > CATCH_UP_S)
         t = seconds - CATCH_UP_S;
     for (; t + 1 / RATE_HZ <= seconds; t += 1 / RATE_HZ) {
-        if (getWord(*station, scope.control) == 0) { // complete: nothing moves until the next run
+        if (GetWord(*station, scope.control) == 0) { // complete: nothing moves until the next run
             t = seconds;
             break;
         }
-        uint16_t left = getWord(*station, scope.subCounter);
+        uint16_t left = GetWord(*station, scope.subCounter);
         if (left > 1) {
-            setWord(station, scope.subCounter, --left);
+            SetWord(station, scope.subCounter, --left);
             continue;
         }
-        setWord(station, scope.subCounter, subPeriod(*station, scope));
-        takeSample(station, number, scope, &state->previous, t);
+        SetWord(station, scope.subCounter, SubPeriod(*station, scope));
+        TakeSample(station, number, scope, &state->previous, t);
     }
     state->sampled = t;
 }
 
-bool touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
+bool TouchesScope(uint32_t address, size_t count, uint32_t begin, uint32_t end)
 {
     return address < end && address + count > begin;
 }
 
-void initV2(SIM_Station *station, const Layout &scope)
+void InitV2(SIM_Station *station, const Layout &scope)
 {
-    setWord(station, V2 + 0x0A, scope.values);
-    setWord(station, V2 + 0x0C, scope.channels);
+    SetWord(station, V2 + 0x0A, scope.values);
+    SetWord(station, V2 + 0x0C, scope.channels);
     SIM_SetValue(station, V2 + 0x0E, 2, 0xBDCD); // rising, signed
     SIM_SetFloat(station, V2 + 0x10, static_cast<float>(RATE_HZ));
-    setWord(station, V2 + 0x14, 1);
+    SetWord(station, V2 + 0x14, 1);
     for (uint32_t channel = 0; channel < scope.channels; channel++)
-        setWord(station, V2_LOADS + 2 * channel, 0xF2F2);
+        SetWord(station, V2_LOADS + 2 * channel, 0xF2F2);
 }
 
-void initV3(SIM_Station *station, const Layout &scope)
+void InitV3(SIM_Station *station, const Layout &scope)
 {
     const bool isTms = scope.mask == SIM_SCOPE_3;
-    setWord(station, scope.begin, isTms ? 0x20D3 : 0x20D2);
-    setWord(station, scope.begin + 0x10, scope.values);
-    setWord(station, scope.begin + 0x12, scope.channels);
-    setWord(station, scope.mode, 2);
+    SetWord(station, scope.begin, isTms ? 0x20D3 : 0x20D2);
+    SetWord(station, scope.begin + 0x10, scope.values);
+    SetWord(station, scope.begin + 0x12, scope.channels);
+    SetWord(station, scope.mode, 2);
     SIM_SetValue(station, scope.begin + 0x18, 4, static_cast<uint64_t>(RATE_HZ * 1000));
-    SIM_SetValue(station, scope.begin + 0x28, 4, isTms ? scope.ring / 2 : toPages(scope.ring));
+    SIM_SetValue(station, scope.begin + 0x28, 4, isTms ? scope.ring / 2 : ToPages(scope.ring));
 }
 
 } // namespace
@@ -260,8 +260,8 @@ void SIM_InitScopes(SIM_Station *station, unsigned mask)
         station->scopes[i].isPresent = (mask & scope.mask) != 0;
         if (!station->scopes[i].isPresent)
             continue;
-        (scope.mask == SIM_SCOPE_2 ? initV2 : initV3)(station, scope);
-        setWord(station, scope.post, scope.values / 2U);
+        (scope.mask == SIM_SCOPE_2 ? InitV2 : InitV3)(station, scope);
+        SetWord(station, scope.post, scope.values / 2U);
     }
 }
 
@@ -271,8 +271,8 @@ void SIM_UpdateScopes(SIM_Station *station, int number, double seconds, uint32_t
     for (size_t i = 0; i < SIM_SCOPES; i++) {
         const Layout &scope = layouts[i];
         const uint32_t ringEnd = scope.ring + 2U * scope.channels * scope.values;
-        if (station->scopes[i].isPresent && (touches(address, count, scope.begin, scope.end) ||
-                                             touches(address, count, scope.ring, ringEnd)))
-            sampleUntil(station, number, scope, &station->scopes[i], seconds);
+        if (station->scopes[i].isPresent && (TouchesScope(address, count, scope.begin, scope.end) ||
+                                             TouchesScope(address, count, scope.ring, ringEnd)))
+            SampleUntil(station, number, scope, &station->scopes[i], seconds);
     }
 }

@@ -18,7 +18,7 @@ struct Answer {
 
 // Carries the request out. Returns the number of data bytes of the answer or, negated, the
 // target's error code.
-int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
+int ExecuteRequest(SIM_Target *target, const SIM_Request &request, uint8_t *data)
 {
     constexpr int READ = 0, STORE_WORD = 4, LAST_WITH_DATA = 4;
     if (target->errorCodes[request.command] != 0)
@@ -44,7 +44,7 @@ int execute(SIM_Target *target, const SIM_Request &request, uint8_t *data)
     return 2;
 }
 
-void logRequest(SIM_Target *target, const SIM_Request &request, int result, const char *fate)
+void LogRequest(SIM_Target *target, const SIM_Request &request, int result, const char *fate)
 {
     if (!target->log)
         return;
@@ -63,17 +63,17 @@ void logRequest(SIM_Target *target, const SIM_Request &request, int result, cons
     fflush(target->log);
 }
 
-Answer prepareAnswer(SIM_Target *target, const SIM_Request &request)
+Answer PrepareAnswer(SIM_Target *target, const SIM_Request &request)
 {
     Answer answer;
     const std::lock_guard<std::mutex> guard(target->lock);
     answer.delayNs = target->options.delayMs * NS_PER_MS;
     if (!(target->options.stations >> request.station & 1)) {
-        logRequest(target, request, 0, "absent");
+        LogRequest(target, request, 0, "absent");
         return answer;
     }
     uint8_t data[SIM_DATA_MAX];
-    const int result = execute(target, request, data);
+    const int result = ExecuteRequest(target, request, data);
     answer.count = SIM_BuildAnswer(request, result < 0 ? -result : 0, data,
                                    static_cast<size_t>(std::max(result, 0)), answer.frame);
     const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
@@ -81,23 +81,23 @@ Answer prepareAnswer(SIM_Target *target, const SIM_Request &request)
     answer.isRepeated =
         fate == SIM_SENT && target->options.repeat > 0 &&
         static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
-    logRequest(target, request, result, SIM_FateText(fate));
+    LogRequest(target, request, result, SIM_FateText(fate));
     return answer;
 }
 
-bool isEchoing(SIM_Target *target)
+bool IsEchoing(SIM_Target *target)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
     return target->options.echo;
 }
 
-void countMalformed(SIM_Target *target)
+void CountMalformed(SIM_Target *target)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
     target->counters.malformed++;
 }
 
-bool sendAnswer(SIM_Target *target, const Answer &answer)
+bool SendAnswer(SIM_Target *target, const Answer &answer)
 {
     if (answer.count == 0)
         return true;
@@ -110,9 +110,9 @@ bool sendAnswer(SIM_Target *target, const Answer &answer)
 
 // Handles what one read brought. On an echoing line the characters come back first, as
 // they pass the wire. Returns false when the target is to end.
-bool serveBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes, size_t count)
+bool ServeBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes, size_t count)
 {
-    const bool echo = isEchoing(target);
+    const bool echo = IsEchoing(target);
     size_t echoed = 0;
     int64_t echoNs = target->line.receiveNs;
     for (size_t i = 0; i < count; i++) {
@@ -120,7 +120,7 @@ bool serveBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes
         SIM_PassReceived(&target->line);
         const SIM_Received got = SIM_ReceiveByte(receiver, bytes[i], &request);
         if (got == SIM_RX_MALFORMED)
-            countMalformed(target);
+            CountMalformed(target);
         const bool last = i + 1 == count;
         if (echo && (got == SIM_RX_REQUEST || last)) {
             if (!SIM_SendLine(&target->line, bytes + echoed, i + 1 - echoed, echoNs))
@@ -128,7 +128,7 @@ bool serveBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes
             echoed = i + 1;
             echoNs = target->line.receiveNs;
         }
-        if (got == SIM_RX_REQUEST && !sendAnswer(target, prepareAnswer(target, request)))
+        if (got == SIM_RX_REQUEST && !SendAnswer(target, PrepareAnswer(target, request)))
             return false;
     }
     return true;
@@ -171,7 +171,7 @@ void SIM_Serve(SIM_Target *target)
         const int count = SIM_ReadLine(&target->line, bytes, sizeof bytes);
         if (count < 0)
             return;
-        if (!serveBytes(target, &receiver, bytes, static_cast<size_t>(count)))
+        if (!ServeBytes(target, &receiver, bytes, static_cast<size_t>(count)))
             return;
     }
 }

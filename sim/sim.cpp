@@ -69,7 +69,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     error = error ? error : &ignored;
     error->clear();
     if (!loadFlash(target, error) || !openLog(target, error) ||
-        !SIM_OpenLine(&target->line, options.baud, options.link, error)) {
+        !SIM_OpenLine(&target->line, options.baud, options.tcp, options.link, error)) {
         if (target->log)
             fclose(target->log);
         delete target;

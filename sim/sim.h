@@ -29,6 +29,7 @@ struct SIM_Options {
     bool loader = false;        // runs its boot-strap loader in place of its program
     int eraseSeconds = 0;       // time the loader's erase takes
     std::string flashImage;     // file that gets the loader's flash at the end, "" = none
+    std::string tcp;            // "[host:]port" to listen at instead of a terminal, "" = none
     std::string link;           // symbolic link to the device, "" = none
     std::string log;            // file that gets one line a request, "" = none
 };

@@ -18,7 +18,7 @@ constexpr uint32_t TMS_LOWEST = 0x7F800000U;
 constexpr double FRACTION_ONE = 8388608.0; // 2^23
 
 // Bytes that can be moved from `address` on without leaving its page.
-size_t pageRun(uint32_t address, size_t count)
+size_t PageRun(uint32_t address, size_t count)
 {
     return std::min<size_t>(count, SIM_PAGE_SIZE - address % SIM_PAGE_SIZE);
 }
@@ -30,7 +30,7 @@ void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, s
     auto *out = static_cast<uint8_t *>(bytes);
     while (count > 0) {
         address %= SIM_MEMORY_SIZE;
-        const size_t run = pageRun(address, count);
+        const size_t run = PageRun(address, count);
         const uint8_t *page = station.pages[address / SIM_PAGE_SIZE].get();
         if (page)
             memcpy(out, page + address % SIM_PAGE_SIZE, run);
@@ -47,7 +47,7 @@ void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, 
     const auto *in = static_cast<const uint8_t *>(bytes);
     while (count > 0) {
         address %= SIM_MEMORY_SIZE;
-        const size_t run = pageRun(address, count);
+        const size_t run = PageRun(address, count);
         auto &page = station->pages[address / SIM_PAGE_SIZE];
         if (!page)
             page = std::make_unique<uint8_t[]>(SIM_PAGE_SIZE);

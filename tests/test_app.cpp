@@ -460,6 +460,32 @@ TEST_F(App, ExitAsksSavesAndQuits)
     EXPECT_TRUE(std::filesystem::exists("Vireo2.ini"));
 }
 
+TEST_F(App, TypesOptionIsTakenOutOfTheArguments)
+{
+    const struct {
+        std::vector<std::string> arguments;
+        int result;
+        std::string types, rest;
+    } cases[] = {{{"-1", "--types", "a.tmf", "s.scr"}, 0, "a.tmf", " -1 s.scr"},
+                 {{"--types=b, c.tmf", "-C"}, 0, "b, c.tmf", " -C"},
+                 {{"--typesetting", "--types"}, -1, "", " --typesetting"},
+                 {{"--types="}, -1, "", ""}};
+    for (const auto &c : cases) {
+        VR_szTypesOption.clear();
+        std::vector<char *> argv = {const_cast<char *>("vireo2")};
+        for (const std::string &argument : c.arguments)
+            argv.push_back(const_cast<char *>(argument.c_str()));
+        argv.push_back(nullptr);
+        int argc = static_cast<int>(argv.size()) - 1;
+        EXPECT_EQ(c.result, VR_TakeTypesOption(&argc, argv.data()));
+        std::string rest;
+        for (int i = 1; i < argc; i++)
+            rest += std::string(" ") + argv.data()[i];
+        EXPECT_EQ(c.types + rest, VR_szTypesOption + c.rest);
+    }
+    VR_szTypesOption.clear();
+}
+
 // Nobody is asked then, and whoever started the program must hear of it.
 TEST_F(App, EndingBySignalWithAnUnsavedListIsNoSuccess)
 {

@@ -5,6 +5,7 @@
 #include "support/console_rig.h"
 #include "symbols/addr_name.h"
 #include "symbols/varnode.h"
+#include "symbols/varnode.h"
 
 #include <gtest/gtest.h>
 #include <set>

@@ -176,7 +176,7 @@ TEST_F(ConsoleProgram, TheCommandLineSaysWhatItTakesSilently)
                  {"a.scr b.scr -C", "b.scr: has no effect behind the script. "
                                     "-C: has no effect behind the script.\n"},
                  {"- a.scr", "-: has no effect.\n"},
-                 {"-1 -b9600 -s15 a.scr", ""}};
+                 {"-4 -b9600 -s15 a.scr", ""}};
     for (const auto &c : cases) {
         const Outcome outcome = Run(c.arguments);
         EXPECT_EQ(c.says, outcome.err) << c.arguments;

@@ -222,9 +222,11 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
 
     HL_CommitControl(PANEL_TRACE, TRACE_CLEAR);
     EXPECT_TRUE(Lines(PANEL_TRACE, TRACE_LIST).empty());
-    Record(2);
+    Record(1, false);
+    Record(1);
     TRP_Refresh();
     EXPECT_EQ(1, UiSelected(PANEL_TRACE, TRACE_LIST));
+    EXPECT_TRUE(Has(Lines(PANEL_TRACE, TRACE_LIST)[0], "(!)")) << "in their order again";
 }
 
 TEST_F(DiagPanels, PauseCopyAndSave)

@@ -342,28 +342,6 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     EXPECT_FALSE(UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE));
 }
 
-TEST_F(EditPanels, ValueEditorSaysWhyNothingWasWritten)
-{
-    load("2:nnCount, i4\nNowhere, u2\n");
-    ResetLItemsDisplay();
-    ASSERT_TRUE(connect());
-    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
-    HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_LEFT_DOUBLE_CLICK, 0);
-    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_STATION), "2");
-    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_DECIMAL), "0") << "read when opened";
-    failWith(8, 66);
-    EXPECT_EQ(writeValue("-5").rfind("FAILED: The value was not written: ", 0), 0u);
-    EXPECT_EQ(UiText(PANEL_VALUE, VALUE_NEW), "-5") << "kept for another try";
-    failWith(8, 0);
-    EXPECT_EQ(writeValue("-5"), "OK: Written. The target holds -5.");
-    EXPECT_EQ(peek(0x304, 4, 2), (std::vector<uint8_t>{0xFB, 0xFF, 0xFF, 0xFF}));
-
-    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
-    HL_ClickMenu(ITEM_WRITE_VALUE);
-    EXPECT_TRUE(UiAttribute(PANEL_VALUE, VALUE_WRITE, ATTR_DIMMED));
-    EXPECT_EQ(writeValue("1"), "REFUSED: The value was not written: the item has no address.");
-}
-
 TEST_F(EditPanels, MemoryIsReadInLines)
 {
     ASSERT_TRUE(connect());

@@ -28,7 +28,7 @@ namespace {
 constexpr uint32_t BASE = 0x1C000;
 std::string image; // what stands in memory from BASE on
 
-int readImage(uint32_t address, uint32_t count, void *buffer)
+int ReadImage(uint32_t address, uint32_t count, void *buffer)
 {
     if (address < BASE || address - BASE > image.size() || count > image.size() - (address - BASE))
         return -1;
@@ -36,7 +36,7 @@ int readImage(uint32_t address, uint32_t count, void *buffer)
     return 0;
 }
 
-const uint8_t *bytes(const std::string &text)
+const uint8_t *BytesOf(const std::string &text)
 {
     return reinterpret_cast<const uint8_t *>(text.data());
 }
@@ -61,7 +61,7 @@ protected:
     FlashInfo()
     {
         Procesor = CPU_F283XX;
-        MFS_reader = readImage;
+        MFS_reader = ReadImage;
         EXPECT_EQ(loadTypes(TYPES), 0);
     }
     ~FlashInfo() override
@@ -125,7 +125,7 @@ TEST(PackedNames, CodesAndForms)
     for (unsigned code = 0; code < 64; code++)
         EXPECT_EQ(Decode6b(code), code == 0 ? '\0' : alphabet[code - 1]);
     std::string name;
-    EXPECT_EQ(DecodeStr6b(&name, bytes(std::string("\x81\0\0", 3)), 3), 3);
+    EXPECT_EQ(DecodeStr6b(&name, BytesOf(std::string("\x81\0\0", 3)), 3), 3);
     EXPECT_EQ(name, "AB");
     const struct {
         int form;
@@ -147,7 +147,7 @@ TEST(PackedNames, CodesAndForms)
                  {2, "", -1, ""}};
     for (const auto &c : cases) {
         name = "_speed";
-        const int used = UnpackVarName(&name, bytes(c.source), c.source.size(), c.form);
+        const int used = UnpackVarName(&name, BytesOf(c.source), c.source.size(), c.form);
         EXPECT_EQ(used, c.used) << testing::PrintToString(c.source);
         if (used >= 0) {
             EXPECT_EQ(name, c.name);
@@ -159,7 +159,7 @@ TEST(PackedNames, CodesAndForms)
         for (size_t length = random() % 64; length > 0; length--)
             wanted += alphabet[random() % alphabet.size()];
         const std::string packed = FLB_Pack6b(wanted);
-        EXPECT_EQ(DecodeStr6b(&name, bytes(packed), packed.size()),
+        EXPECT_EQ(DecodeStr6b(&name, BytesOf(packed), packed.size()),
                   static_cast<int>(packed.size()));
         EXPECT_EQ(name, wanted);
     }
@@ -215,10 +215,10 @@ TEST_F(FlashInfo, HeadersAreChecked)
         header.replace(c.at, c.change.size(), c.change);
         int32_t length = 0;
         uint8_t flags = 0;
-        EXPECT_EQ(GetHeaderInfo(bytes(header), &name, &length, &flags), c.isValid ? 0 : -1)
+        EXPECT_EQ(GetHeaderInfo(BytesOf(header), &name, &length, &flags), c.isValid ? 0 : -1)
             << c.at << c.change;
         EXPECT_EQ(length, c.isValid ? 0xABC : -1);
-        EXPECT_EQ(flags, c.isValid ? bytes(header)[15] : 0xFE);
+        EXPECT_EQ(flags, c.isValid ? BytesOf(header)[15] : 0xFE);
         EXPECT_EQ(name.empty(), !c.isValid);
     }
 }
@@ -251,10 +251,10 @@ TEST_F(FlashInfo, DirectoryIsWalked)
 }
 
 int reads;
-int readCounted(uint32_t address, uint32_t count, void *buffer)
+int ReadCounted(uint32_t address, uint32_t count, void *buffer)
 {
     ++reads;
-    return readImage(address, count, buffer);
+    return ReadImage(address, count, buffer);
 }
 
 // A flash full of empty files is left after a bounded number of exchanges, both ways, and
@@ -266,7 +266,7 @@ TEST_F(FlashInfo, WalksAreBoundedAndCanBeCancelled)
     for (int i = 0; i < 3 * MFS_FILES_MAX; i++)
         image += empty;
     const uint32_t end = BASE + static_cast<uint32_t>(image.size());
-    MFS_reader = readCounted;
+    MFS_reader = ReadCounted;
     int32_t length;
     const struct {
         int cancelAt, result, most; // most exchanges

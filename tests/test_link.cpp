@@ -85,24 +85,6 @@ TEST_P(BothDrivers, RefusesArgumentsBeforeAnythingIsSent)
     EXPECT_EQ(wMr166State, 4);
 }
 
-TEST_P(BothDrivers, CommandsAndTheirAnswers)
-{
-    open();
-    const uint8_t word[2] = {0x34, 0x12};
-    EXPECT_EQ(mr166Message(1, 4, 0x200, 0x1234, nullptr), 1); // stores the word
-    EXPECT_EQ(cnRcvData, 2);
-    EXPECT_EQ(std::memcmp(Mr166_abyRcvData, word, 2), 0);
-    EXPECT_EQ(mr166Message(15, 5, 0xFFFFFF, 0xBEEF, nullptr), 1);
-    EXPECT_EQ(cnRcvData, 0);
-    EXPECT_EQ(mr166Message(1, 0, 0x200, 2, nullptr), 1);
-    EXPECT_EQ(std::memcmp(Mr166_abyRcvData, word, 2), 0);
-    EXPECT_EQ(Mr166_byStNo, 1);
-    EXPECT_EQ(Mr166_byCmd, 0);
-    EXPECT_EQ(Mr166_dwAddr, 0x200u);
-    EXPECT_EQ(Mr166_wData, 2);
-    EXPECT_EQ(wMr166State, 0);
-}
-
 TEST_P(BothDrivers, BlocksOfATransfer)
 {
     open();

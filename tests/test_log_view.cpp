@@ -168,19 +168,6 @@ TEST_F(LogView, LeavesAsTextAndDetails)
               "S=0005h(ctl,run), t=1s, Err=00000002h, IErr=00000003h, Warn=00000004h");
 }
 
-TEST_F(LogView, OpensSavedLogs)
-{
-    ASSERT_EQ(DLLD_SaveBinLogFe("a.bin", log.words), 0);
-    LOGV_Log read;
-    ASSERT_EQ(LOGV_Open("a.bin", &read), 0);
-    EXPECT_EQ(read.texts, log.texts);
-    EXPECT_EQ(read.name, "a.bin");
-    WriteFileText("a.bin", "LOGOS:");
-    EXPECT_EQ(LOGV_Open("a.bin", &read), DLLD_ERR_HEADER);
-    EXPECT_EQ(LOGV_Open("b.bin", &read), DLLD_ERR_OPEN);
-    EXPECT_EQ(read.texts, log.texts); // as it was
-}
-
 TEST_F(LogView, ComparesLogs)
 {
     // The other log has lost its oldest, holds a new one, another value for a zero, another

@@ -159,16 +159,6 @@ TEST_F(ModbusLineTest, EachAnswerGetsItsResultAndReason)
     }
 }
 
-TEST_F(ModbusLineTest, OnlyTheLowEightBitsOfABitCountAreExpected)
-{
-    scripted.answers = {FromHex("01 01 20" + std::string(64, '5') + "*"), FromHex("01 01 01 FF*")};
-    EXPECT_EQ(Ask(MBM_FN_COILS, 1, 0, 255), 255);
-    EXPECT_EQ(Ask(MBM_FN_COILS, 1, 0, 264), 8); // 8 bits are all that 264 leaves
-    scripted.answers = {FromHex("01 01 21" + std::string(66, '5') + "*")};
-    EXPECT_EQ(Ask(MBM_FN_COILS, 1, 0, 264), -1);
-    EXPECT_EQ(MBM_byExCode, 0xFC);
-}
-
 TEST_F(ModbusLineTest, AnEchoIsReadBeforeTheAnswerAndOnlyThen)
 {
     const std::string request = FromHex("01 03 0010 0003*"), answer = "01 03 06 0001 0002 0003*";
@@ -349,52 +339,6 @@ TEST_F(ModbusLineTest, TraceDecodesFrames)
 }
 
 // --- against the simulated slave --------------------------------------------------------------
-
-TEST_F(ModbusTest, EveryFunctionAgainstTheSlavesTables)
-{
-    plug();
-    const uint8_t words[] = {0x34, 0x12, 0x78, 0x56}, bits[] = {0xCD, 0x6B, 0xB2};
-    uint8_t first;
-    ASSERT_EQ(UCM_Read(3, 0x100, 1, &first), 1); // brings the line in step quicker than silence
-    SIM_Poke(target, 3, 2 * 100, words, 4);
-    SIM_Poke(target, 3, 0x20000 + 2 * 100, words, 4);
-    SIM_Poke(target, 3, 0x40000 + 2, bits, 3);
-    SIM_Poke(target, 3, 0x42000 + 2, bits, 3);
-    for (const int function : {MBM_FN_HOLDING, MBM_FN_INPUT_REGISTERS}) {
-        EXPECT_EQ(Ask(function, 3, 100, 2), 2);
-        EXPECT_EQ(registersOut[0], 0x1234);
-        EXPECT_EQ(registersOut[1], 0x5678);
-    }
-    for (const int function : {MBM_FN_COILS, MBM_FN_INPUTS}) {
-        EXPECT_EQ(Ask(function, 3, 20, 18), 18); // from the middle of a byte
-        EXPECT_EQ(registersOut[0], 0xBC26);
-        EXPECT_EQ(registersOut[1], 0x0300);
-    }
-    // Registers and coils that are not there.
-    EXPECT_EQ(Ask(MBM_FN_HOLDING, 3, 0xFEFF, 2), -1);
-    EXPECT_EQ(MBM_byExCode, 2);
-    EXPECT_EQ(Ask(MBM_FN_COILS, 3, 0xFFFF, 2), -1);
-    EXPECT_EQ(MBM_byExCode, 2);
-    EXPECT_EQ(SIM_GetCounters(target).malformed, 0u);
-}
-
-TEST_F(ModbusTest, EchoingLineWorksWithTheOptionAndGivesNothingWithout)
-{
-    options.echo = true;
-    MBM_isEcho = 1;
-    plug();
-    uint8_t byte = 0x5A;
-    SIM_Poke(target, 1, 0x77, &byte, 1);
-    EXPECT_EQ(UCM_Read(1, 0x77, 1, &byte), 1);
-    EXPECT_EQ(byte, 0x5A);
-    EXPECT_EQ(UCM_Write(1, 0x78, 1, &byte), 0);
-    MBM_isEcho = 0;
-    MBM_Open(MODBUS_PORT, MODBUS_BAUD, MBM_PARITY_EVEN);
-    ASSERT_EQ(SER_SetTimeouts(MBM_hCom, 100, 5000), SER_OK);
-    UCM_recS.tries = 1;
-    EXPECT_EQ(UCM_Read(1, 0x77, 1, &byte), -1);
-    EXPECT_TRUE(Has(UCM_LastErrorText(), "line echoes"));
-}
 
 TEST_F(ModbusTest, OpeningReportsWhatIsWrongAndStoppingUnplugs)
 {

@@ -32,7 +32,7 @@ LItem itemOf(char type, int size, uint64_t value, const char *name = "A")
     return item;
 }
 
-uint32_t bitsOf(float number)
+uint32_t BitsOf(float number)
 {
     uint32_t bits;
     std::memcpy(&bits, &number, sizeof bits);
@@ -129,10 +129,10 @@ TEST_F(Refresh, TmsFloats)
 {
     const struct {
         uint32_t ieee, tms;
-    } cases[] = {{bitsOf(1.0f), 0x00000000},     {bitsOf(-1.0f), 0xFF800000},
-                 {bitsOf(0.0f), 0x80000000},     {bitsOf(-0.0f), 0x80000000},
-                 {bitsOf(1.5f), 0x00400000},     {bitsOf(-1.5f), 0x00C00000},
-                 {bitsOf(INFINITY), 0x7F7FFFFF}, {0xFF800000, 0x7F7FFFFF},
+    } cases[] = {{BitsOf(1.0f), 0x00000000},     {BitsOf(-1.0f), 0xFF800000},
+                 {BitsOf(0.0f), 0x80000000},     {BitsOf(-0.0f), 0x80000000},
+                 {BitsOf(1.5f), 0x00400000},     {BitsOf(-1.5f), 0x00C00000},
+                 {BitsOf(INFINITY), 0x7F7FFFFF}, {0xFF800000, 0x7F7FFFFF},
                  {0x7FC00000, 0x7F7FFFFF},       {0xFFC00000, 0x7F800000}};
     for (const auto &c : cases)
         EXPECT_EQ(IEEE_TMS(c.ieee), c.tms) << std::hex << c.ieee;
@@ -144,7 +144,7 @@ TEST_F(Refresh, TmsFloats)
         const double fraction = (bits & 0x7FFFFF) / 8388608.0;
         const double expected = std::ldexp(bits & 0x800000 ? fraction - 2 : fraction + 1, exponent);
         ASSERT_EQ(TMS_IEEE(bits), expected) << std::hex << bits;
-        ASSERT_EQ(IEEE_TMS(bitsOf(static_cast<float>(expected))), bits) << std::hex << bits;
+        ASSERT_EQ(IEEE_TMS(BitsOf(static_cast<float>(expected))), bits) << std::hex << bits;
     }
 }
 

@@ -5,52 +5,9 @@
 #include <string>
 
 #include "settings/settings.h"
-#include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 
 namespace {
-
-uint32_t Register(const char *name)
-{
-    return inStruct(name, aVarNode166, nNodes166);
-}
-
-// Addresses from the processors' manuals; the TMS320's are word addresses times two.
-TEST(Registers, StandWhereTheManualsSay)
-{
-    constexpr uint32_t NONE = 0xFFFFFFFFu;
-    const struct {
-        int processor;
-        const char *name;
-        uint32_t address;
-    } cases[] = {{CPU_C166, "DPP0", 0xFE00},
-                 {CPU_C166, "SYSCON", 0xFF0C},
-                 {CPU_C166, "S1CON", 0xFFB8},
-                 {CPU_C167, "DPP0", 0xFE00},
-                 {CPU_C167, "SYSCON", 0xFF12},
-                 {CPU_C167, "CC31", 0xFE7E},
-                 {CPU_C167, "CC28IC", 0xF178},
-                 {CPU_C167, "SSCTB", 0xF0B0},
-                 {CPU_C167, "PP3", 0xF03E},
-                 {CPU_F283XX, "TIMER0TCR", 0x1808},
-                 {CPU_F283XX, "ePWM6_CMPA", 0xD292},
-                 {CPU_F283XX, "GPCDIR", 0xDF54},
-                 {CPU_F283XX, "SCIB_SCITXBUF", 0xEEB2},
-                 {CPU_F283XX, "WDCR", 0xE052},
-                 {CPU_F283XX, "eQEP2_QCPRDLAT", 0xD6C0},
-                 {CPU_F283XX, "eCAP6_ECFRC", 0xD572},
-                 {CPU_F283XX, "ePWM4_DCFOFFSET", NONE},
-                 {CPU_F2803X, "ePWM4_DCFOFFSET", 0xD1EA},
-                 {CPU_F2803X, "GPBMUX1", 0xDF2C},
-                 {CPU_F2803X, "AIODAT", 0xDFB0},
-                 {CPU_F2803X, "ADCSOC15CTL", 0xE25E},
-                 {CPU_F2803X, "SCIB_SCICCR", NONE}};
-    for (const auto &row : cases) {
-        initRgMap(row.processor);
-        EXPECT_EQ(1, openStruct166);
-        EXPECT_EQ(row.address, Register(row.name)) << row.processor << " " << row.name;
-    }
-}
 
 // A digit changed by mistake would show a wrong register's value under a right name. Who
 // means to change a table looks the register up in the manual and takes the new sum over.

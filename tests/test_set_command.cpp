@@ -14,7 +14,7 @@ struct SetCommand : ConsoleRig {
         initRgMap(Procesor);
         LoadMap("08140H   awTable;08160H   wEnd;08002H   nCount;08004H   stMotor;08102H   byMode;"
                 "08103H   flags;08105H   szName;08200H   DRV_fRatio;08210H   afCurve;08300H   misc;"
-                "08310H   pwm");
+                "08310H   pwm;08320H   nnEdge;08323H   byNext");
     }
     void TearDown() override
     {
@@ -60,6 +60,7 @@ TEST_F(SetCommand, ValuesArriveByTheirType)
     const Written byPrefix[] = {
         {"nCount = -2", "nCount = -2 (i2 at 0x008002)", 0x8002, {0xFE, 0xFF}},
         {"byMode=0FFH", "byMode = 255 (u1 at 0x008102)", 0x8102, {0xFF}},
+        {"byMode = 0BH", "byMode = 11 (u1 at 0x008102)", 0x8102, {11}},
         {"DRV_fRatio = -1.5", "DRV_fRatio = -1.5 (f at 0x008200)", 0x8200, {0, 0, 0xC0, 0xBF}},
         {"awTable[3] = 0x1234", "awTable[3] = 4660 (u2 at 0x008146)", 0x8146, {0x34, 0x12}},
         {"afCurve[ 2 ] = 1e3", "afCurve[ 2 ] = 1000 (f at 0x008218)", 0x8218, {0, 0, 0x7A, 0x44}},
@@ -114,6 +115,7 @@ TEST_F(SetCommand, RefusesBeforeAnythingIsSent)
                  {"(f2) misc = 1", "'f2' is no type"},
                  {"szName = 1", "texts cannot be set"},
                  {"flags = 1", "as f it would run into szName: say the type"},
+                 {"nnEdge = 1", "as i4 it would run into byNext: say the type"},
                  {"awTable[16] = 1", "it would run into wEnd"},
                  {"$8300 = 1", "an address has no type"},
                  {"(u2) $FFFFFF = 1", "its last byte lies beyond"},
@@ -150,6 +152,10 @@ TEST_F(SetCommand, ReachesBothKindsOfTms320)
     EXPECT_EQ(SIM_PeekTMS(target, 2, 0x401), 0xFFFFFFF9u) << "whole words";
     EXPECT_EQ(SIM_PeekTMS(target, 1, 0x401), 0u);
     EXPECT_EQ(STATION, 1);
+    WriteFileText("set.m28xt", "0000C002   _nSpeed\n0000C004   _fTorque\n0000C010   _abyText\n");
+    Run("mt set.m28xt");
+    EXPECT_EQ(szMapFileName, "set.m66") << "the one beside it is not the map to load again";
+    EXPECT_EQ(Run("set 2:&fTorque = 2").find("2:&fTorque = 2 (f at TMS320 word 0x00C004, st"), 0u);
 
     ChangeProtocol();
     for (const int processor : {CPU_F283XX, CPU_F2803X}) {
@@ -185,6 +191,11 @@ TEST_F(SetCommand, SaysWhatTheTargetMadeOfIt)
     UCM_recS.tries = 0;
     SIM_SetErrorCode(target, 8, 65);
     EXPECT_NE(Run("set wCount = 7").find("not written: target error code 65"), std::string::npos);
+    SIM_SetErrorCode(target, 8, 0);
+    SIM_SetErrorCode(target, 0, 66);
+    EXPECT_NE(Run("set wCount = 7").find("Written, but the target's value could not be read: "),
+              std::string::npos);
+    SIM_SetErrorCode(target, 8, 65);
     WriteFileText("s.scr", "set wCount = 1\nstation 2\n");
     EXPECT_EQ(ExecMonScript("s.scr", PANEL_CONSOLE), -3);
     SIM_Options silent;
@@ -233,8 +244,8 @@ TEST(AssignmentLine, IsSplit)
                   std::string(c.cast) + "|" + c.target + "|" + c.path + "|" + c.value);
         EXPECT_EQ(parts.station, c.station) << c.line;
     }
-    for (const char *line : {"", "(u2", "(u2)", "a b", "a[", "a[]", "a[2", "a.", "a+", "a =", "$ 1",
-                             "a, b", "3:", "-a"}) {
+    for (const char *line : {"", "(u2", "(u2)", "a b", "a[", "a[]", "a[2", "a[2} = 1", "a.", "a+",
+                             "a =", "$ 1", "a, b", "3:", "-a"}) {
         AssnLine parts;
         EXPECT_EQ(ASSN_Split(line, &parts), -1) << line;
     }

@@ -223,9 +223,9 @@ TEST_F(Settings, FilesThatCannotBeHadAreSaidAndKept)
 // Of a file that is not there now nobody can tell where its name ends: the comma stays.
 TEST_F(Settings, PathsKeepTheirComma)
 {
-    WriteFileText("here.dbg", "");
-    WriteFileText("a, b.dbg", "");
-    Round("d1, gone, old.dbg\nd2, here.dbg, x\nd3, a, b.dbg\nd4, gone.dbg ; was here\n");
+    for (const char *name : {"here.dbg", "a, b.dbg", "a"})
+        WriteFileText(name, "");
+    Round("d1, gone, old.dbg\nd2, here.dbg, x\nd3, a, b.dbg ; one name\nd4, gone.dbg ; was here\n");
     EXPECT_EQ(4, nDebugFileNames);
     EXPECT_NE(std::string::npos,
               Saved().find("\nd1, gone, old.dbg\nd2, here.dbg\nd3, a, b.dbg\nd4, gone.dbg\n"));
@@ -259,16 +259,6 @@ TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
     VIR2_StartPeriodicASC();
     VIR2_StopPeriodicASC();
     EXPECT_EQ(INI_GetRangeProblem(), Message());
-}
-
-TEST_F(Settings, WithoutAFileTheRegistersAreKnown)
-{
-    Procesor = CPU_C167;
-    EXPECT_EQ(-2, OpenIniFile(mainPanel));
-    EXPECT_EQ(0xFF12u, inStruct("SYSCON", aVarNode166, nNodes166));
-    EXPECT_EQ("", Message());
-    EXPECT_EQ(0, SaveIniFile());
-    EXPECT_EQ("r, AC167\n", Saved().substr(0, 9));
 }
 
 // What could not be read is not written over, and what says the same already is not written.

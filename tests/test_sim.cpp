@@ -138,7 +138,7 @@ TEST_F(SimTest, MailboxReadsAndWritesWordsOfTheTms)
 }
 
 // Address of a public symbol in the example map, so that map and target stay together.
-uint32_t addressOf(const std::string &name)
+uint32_t AddressOf(const std::string &name)
 {
     std::ifstream map(EXAMPLES_DIR "/demo.m66");
     std::string line;
@@ -153,19 +153,19 @@ TEST_F(SimTest, DemoVariablesMoveAndFollowTheirSetPoints)
 {
     start({});
     uint32_t first = 0, later = 0;
-    SIM_Peek(target, 0, addressOf("dwCount"), &first, 4);
+    SIM_Peek(target, 0, AddressOf("dwCount"), &first, 4);
     do
-        SIM_Peek(target, 0, addressOf("dwCount"), &later, 4);
+        SIM_Peek(target, 0, AddressOf("dwCount"), &later, 4);
     while (later == first);
     EXPECT_GT(later, first);
     const uint16_t gain = 0;
     const int16_t offset = -321;
     int16_t output = 0;
-    SIM_Poke(target, 3, addressOf("wGain"), &gain, 2);
-    SIM_Poke(target, 3, addressOf("nOffset"), &offset, 2);
-    SIM_Peek(target, 3, addressOf("nOutput"), &output, 2);
+    SIM_Poke(target, 3, AddressOf("wGain"), &gain, 2);
+    SIM_Poke(target, 3, AddressOf("nOffset"), &offset, 2);
+    SIM_Peek(target, 3, AddressOf("nOutput"), &output, 2);
     EXPECT_EQ(output, offset);
-    SIM_Peek(target, 4, addressOf("nOffset"), &output, 2); // another station keeps its own
+    SIM_Peek(target, 4, AddressOf("nOffset"), &output, 2); // another station keeps its own
     EXPECT_EQ(output, 0);
     EXPECT_EQ(SIM_PeekTMS(target, 0, 0x404), 0x00400000U); // 1.5 in the TMS320's format
 }

@@ -51,6 +51,10 @@ TEST_F(LinkTest, OpeningRecordsAndCounts)
     UCM_Close();
     EXPECT_EQ(UCM_recS.port, 0);
     EXPECT_EQ(MrASC_IsOpened(), 0);
+    EXPECT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
+    unplug();
+    EXPECT_EQ(UCM_UseWin32(0), -22) << "it cannot be opened with the other driver";
+    EXPECT_EQ(UCM_IsOpened(), 0);
 }
 
 TEST_F(LinkTest, StationsAndOperationsOfEachProtocol)

@@ -108,17 +108,6 @@ TEST_F(VarNodes, ResolvesExpressions)
     EXPECT_EQ(NONE, inStruct(std::string(5000, 's').c_str(), aVarNode, nNodes));
 }
 
-TEST_F(VarNodes, FindsTheFirstOfAnUnsortedTable)
-{
-    char b[] = "b", a[] = "a";
-    VarNode table[3];
-    table[0] = {b, 1};
-    table[1] = {a, 2};
-    table[2] = {a, 3};
-    EXPECT_EQ(2u, inStruct("a", table, 3));
-    EXPECT_EQ(1u, inStruct("b", table, 3));
-}
-
 TEST_F(VarNodes, NamesTheNodeAtOrAfterAnAddress)
 {
     Fill({{"low", 0x100}, {"high", 0x200}, {"twin", 0x200}});

@@ -126,7 +126,7 @@ TEST(Xscan, EntryPointsFoldCopyAndAppend)
 }
 
 // Texts near what a pattern accepts: pieces of its sample with some characters exchanged.
-std::string vary(std::mt19937 &random, const ScanPattern &pattern)
+std::string VaryText(std::mt19937 &random, const ScanPattern &pattern)
 {
     static const char ALPHABET[] = "0123456789abfhxzABFHXZ_.,:;=+-*/#?@^[]<>\"'% \t\r\n\x80\xFF";
     const auto below = [&random](size_t n) { return static_cast<size_t>(random()) % n; };
@@ -158,7 +158,7 @@ TEST(Xscan, AgreesWithPcre2OnThePatternsInUse)
         ASSERT_NE(code, nullptr) << pattern.perl;
         pcre2_match_data *data = pcre2_match_data_create_from_pattern(code, nullptr);
         for (int round = 0; round < 2000; round++) {
-            std::string text = vary(random, pattern);
+            std::string text = VaryText(random, pattern);
             text = text.c_str();
             const int found = pcre2_match(code, reinterpret_cast<PCRE2_SPTR>(text.data()),
                                           text.size(), 0, 0, data, nullptr);

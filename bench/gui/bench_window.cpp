@@ -14,15 +14,15 @@
 #include <thread>
 #include <vector>
 
+#include "app/main_panel.h"
 #include "app/startup.h"
-#include "settings/settings.h"
 #include "runtime/qt/line_list.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/qt_view.h"
 #include "runtime/userint.h"
+#include "settings/settings.h"
 #include "sim/sim.h"
 #include "ui/resource.h"
-#include "app/main_panel.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"

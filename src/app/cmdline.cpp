@@ -92,7 +92,7 @@ std::vector<std::string> VR_GetCmdLineRemarks(int argc, char **argv)
     return remarks;
 }
 
-int VR_TakeTypesOption(int *argc, char **argv)
+int VR_RemoveTypesOption(int *argc, char **argv)
 {
     const size_t length = std::strlen(TYPES_OPTION);
     int kept = 1;

@@ -7,6 +7,7 @@
 
 #include "app/connect_page.h"
 #include "app/window_places.h"
+#include "code/debugger.h"
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
@@ -221,6 +222,7 @@ void VR_ShowSettings()
     VR_DimControls();
     VR_ShowComState();
     VSL_SymbolsChanged();
+    DBW_Changed();
     WPL_ApplyColumns();
     CNP_Refresh();
 }

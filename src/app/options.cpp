@@ -24,7 +24,7 @@ namespace {
 
 constexpr int BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
 constexpr int PROCESSORS[] = {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X};
-const char PORT_QUESTION[] = "Enter COM number or the path of a device";
+const char PORT_QUESTION[] = "Enter COM number, the path of a device or tcp:host:port";
 
 const char NI_WARNING[] = "Use of NI COM services is supported for full backward compatibility\n"
                           "as it makes possible RS485 echo cancellation.\n\n"
@@ -40,11 +40,12 @@ void CloseLink()
     COM_TellState();
 }
 
-// "/dev/ttyUSB0", "COM3": what a device is called, and no number.
+// "/dev/ttyUSB0", "COM3", "tcp:10.0.0.7:4001": what a device is called, and no number.
 bool IsDeviceName(const std::string &text)
 {
-    return !text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
-           text.find_first_of("/\\mM") != std::string::npos;
+    return text.compare(0, 4, "tcp:") == 0 ||
+           (!text.empty() && std::isdigit(static_cast<unsigned char>(text[0])) == 0 &&
+            text.find_first_of("/\\mM") != std::string::npos);
 }
 
 int UseDevice(const std::string &device)

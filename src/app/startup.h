@@ -24,7 +24,7 @@ std::vector<std::string> VR_GetCmdLineRemarks(int argc, char **argv);
 extern std::string VR_szTypesOption;
 extern bool VR_isTypesFailed;
 // Takes "--types FILE" and "--types=FILE" out of the arguments. 0, or -1 without a file.
-int VR_TakeTypesOption(int *argc, char **argv);
+int VR_RemoveTypesOption(int *argc, char **argv);
 
 int ExitApplication(int panel); // 0; -1 when the user cancelled
 void ExitCB(int menuBar, int item);

@@ -58,6 +58,7 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool i
     for (const STEP_Open &open : partner->open)
         newest = open.shape == shape ? open.number : newest;
     CheckSurplus(line, partner, newest);
+    // Answers that were lost count as come, or a later repetition would look like one of them.
     partner->came = std::max(partner->came, found->number);
     const bool isProbe = isKnown && found->isProbe;
     partner->open.erase(partner->open.begin(), found + 1);
@@ -67,11 +68,13 @@ bool BookAnswer(STEP_Line *line, STEP_Partner *partner, STEP_Shape shape, bool i
         partner->calmAt = line->disturbed;
         partner->provenMs = nowMs;
     }
+    // Nothing is open: counting begins anew, so that neither number ever wraps.
     if (partner->open.empty())
         partner->sent = partner->came = 0;
     return isProbe;
 }
 
+// A xorshift: the order of probes need not be secret, only different from run to run.
 uint32_t NextRandom(STEP_Line *line)
 {
     line->random ^= line->random << 13;
@@ -85,6 +88,7 @@ int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &pr
 {
     int left = attempts;
     for (int sent = 0; !isDone(); ++sent) {
+        // Without the second bound a line that repeats everything would be probed for ever.
         if (left <= 0 || sent == PROBES_MAX)
             return STEP_ERR_SILENT;
         const STEP_Shape shape = STEP_PickProbe(line, partner, prober.shapes, prober.count);
@@ -105,6 +109,7 @@ void STEP_Reset(STEP_Line *line, uint32_t seed)
     line->partners.resize(STEP_PARTNERS);
     for (STEP_Partner &partner : line->partners)
         partner.unknown = PROBES_FOR_UNKNOWN;
+    // From 0 the generator would only give zeros.
     line->random = seed != 0 ? seed : 1;
 }
 
@@ -124,6 +129,7 @@ bool STEP_IsCalm(const STEP_Line &line, int partner, size_t expected)
 void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
 {
     STEP_Partner &book = PartnerOf(line, partner);
+    // Too many to tell apart: from here on anything may come, as after opening.
     if (book.open.size() >= STEP_OPEN_MAX) {
         book.open.clear();
         book.unknown = PROBES_FOR_UNKNOWN;
@@ -155,6 +161,7 @@ void STEP_Refused(STEP_Line *line, int partner, STEP_Shape shape)
 void STEP_Junk(STEP_Line *line, int partner, uint32_t answers)
 {
     STEP_Partner &book = PartnerOf(line, partner);
+    // Noise while something is open may be its damaged answer; alone it is nobody's.
     if (book.open.empty())
         ++line->disturbed;
     book.came += answers;

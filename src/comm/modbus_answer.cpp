@@ -2,6 +2,7 @@
 // one call that sends a request and takes its answer.
 #include "comm/failures.h"
 #include "comm/modbus.h"
+#include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/modbus_step.h"
 #include "comm/trace.h"
@@ -18,8 +19,6 @@ namespace {
 constexpr int HEAD_BYTES = 5;    // the shortest answer, an exception, and all others' beginning
 constexpr int DRAIN_BYTES = 251; // what can follow the head
 constexpr int DRAIN_ALL_BYTES = 256;
-constexpr uint8_t EXCEPTION_BIT = 0x80;
-constexpr uint16_t ODD_TUNNEL = 0xFFFB; // the last register carries one byte
 
 bool isEchoSkipped = false;
 int cnFound = 0;    // bytes of the answer when it was picked out of the line already
@@ -42,6 +41,7 @@ int Fail(int fault, int code)
 {
     if (fault >= MBM_FAULT_EXCEPTION)
         MBMSTEP_Refused();
+    // What was read strictly may hold the beginning of an answer to something older.
     else if (cnReceived > 0 && cnFound == 0)
         MBMSTEP_Odd(MBM_abyRcv, static_cast<size_t>(cnReceived));
     if (TRC_isOn)
@@ -130,14 +130,10 @@ bool ReadRest(int count)
     return ReadAnswer(HEAD_BYTES, count) == count && MBM_IsRcvCRC_Ok(HEAD_BYTES + count);
 }
 
-uint16_t WordAt(const uint8_t *bytes)
-{
-    return static_cast<uint16_t>(bytes[0] << 8 | bytes[1]);
-}
-
 int ReceiveBits()
 {
     const int count = (MBM_expected.quantity + 7) / 8;
+    // Bits come as the slave packs them; the caller's registers hold two bytes each.
     if (MBM_abyRcv[2] != count)
         return DrainAndFail(MBM_EX_COUNT);
     if (!ReadRest(count))
@@ -157,7 +153,7 @@ int ReceiveRegisters()
     if (!ReadRest(2 * quantity))
         return Fail(MBM_EX_PART);
     for (int i = 0; i < quantity; ++i)
-        MBM_awRcvData[i] = WordAt(MBM_abyRcv + 3 + 2 * i);
+        MBM_awRcvData[i] = static_cast<uint16_t>(MBF_WordAt(MBM_abyRcv + 3 + 2 * i));
     return Succeed(quantity);
 }
 
@@ -166,8 +162,8 @@ int ReceiveConfirmation()
 {
     const bool isSound = ReadRest(3);
     const bool isSame =
-        MBM_nFnCode == MBM_FN_WRITE_ONE || (WordAt(MBM_abyRcv + 2) == MBM_expected.start &&
-                                            WordAt(MBM_abyRcv + 4) == MBM_expected.quantity);
+        MBM_nFnCode == MBM_FN_WRITE_ONE || (MBF_WordAt(MBM_abyRcv + 2) == MBM_expected.start &&
+                                            MBF_WordAt(MBM_abyRcv + 4) == MBM_expected.quantity);
     if (isSound && isSame)
         return Succeed(0);
     return Fail(IsEcho(HEAD_BYTES + 3) ? MBM_FAULT_ECHO : MBM_EX_PART, MBM_EX_PART);
@@ -225,9 +221,10 @@ void CopyReceived(int function, const MBM_Part &from, const MBM_Part *to)
 {
     const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
     const size_t count = isBits ? (from.quantity + 15u) / 16u : from.quantity;
+    // Read before the copy overwrites it.
     const uint16_t kept = from.registers[count - 1];
     std::copy_n(MBM_awRcvData, std::min<size_t>(count, MBM_READ_MAX), from.registers);
-    if (function != MBM_FN_READ_WRITE || to->start != ODD_TUNNEL)
+    if (function != MBM_FN_READ_WRITE || to->start != MBF_TUNNEL_ODD)
         return;
     // An odd number of bytes was asked for: the last register's other half is not the target's.
     uint16_t *last = from.registers + from.quantity - 1;
@@ -253,6 +250,7 @@ int MBM_ReceiveFN()
     if ((MBMSTEP_IsCalm() ? SkipEcho() : FindAnswer()) != 0)
         return MBM_FAILED;
     const Receiver *receiver = FindReceiver(MBM_nFnCode);
+    // A function that was sent by other means has no answer that could be checked.
     if (receiver == nullptr) {
         (void)ReadAnswer(0, DRAIN_ALL_BYTES);
         return MBM_FAILED;
@@ -260,9 +258,9 @@ int MBM_ReceiveFN()
     if (ReadHead() != 0)
         return MBM_FAILED;
     if (MBM_abyRcv[0] != MBM_expected.slave ||
-        (MBM_abyRcv[1] & ~EXCEPTION_BIT) != static_cast<unsigned>(MBM_nFnCode))
+        (MBM_abyRcv[1] & ~MBF_EXCEPTION_BIT) != static_cast<unsigned>(MBM_nFnCode))
         return DrainAndFail(MBM_EX_FOREIGN);
-    if ((MBM_abyRcv[1] & EXCEPTION_BIT) == 0)
+    if ((MBM_abyRcv[1] & MBF_EXCEPTION_BIT) == 0)
         return receiver->receive();
     if (!MBM_IsRcvCRC_Ok(HEAD_BYTES))
         return DrainAndFail(MBM_EX_CRC);

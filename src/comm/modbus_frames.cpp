@@ -5,12 +5,6 @@
 namespace {
 
 constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8;
-constexpr int TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB;
-
-unsigned WordAt(const uint8_t *bytes)
-{
-    return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
-}
 
 bool IsConfirmed(int function)
 {
@@ -32,7 +26,7 @@ STEP_Shape ReadShape(int function, size_t dataBytes)
 // Place and low byte of the quantity or value, which the answer repeats.
 STEP_Shape WriteShape(const uint8_t *frame)
 {
-    return static_cast<STEP_Shape>(frame[1]) << MBF_FUNCTION_SHIFT | WordAt(frame + 2) << 8 |
+    return static_cast<STEP_Shape>(frame[1]) << MBF_FUNCTION_SHIFT | MBF_WordAt(frame + 2) << 8 |
            frame[5];
 }
 
@@ -42,6 +36,11 @@ constexpr STEP_Shape ProbeShape(unsigned registers)
 }
 
 } // namespace
+
+unsigned MBF_WordAt(const uint8_t *bytes)
+{
+    return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
+}
 
 const STEP_Shape MBF_aProbeShapes[] = {
     ProbeShape(3),  ProbeShape(5),  ProbeShape(6),  ProbeShape(7),  ProbeShape(9),  ProbeShape(10),
@@ -54,7 +53,7 @@ const size_t MBF_cnProbeShapes = sizeof MBF_aProbeShapes / sizeof *MBF_aProbeSha
 STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame)
 {
     const int function = frame[1];
-    const size_t quantity = WordAt(frame + 4);
+    const size_t quantity = MBF_WordAt(frame + 4);
     if (IsConfirmed(function))
         return WriteShape(frame);
     const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
@@ -88,9 +87,9 @@ bool MBF_IsSound(const uint8_t *frame, size_t length)
 
 bool MBF_IsTunnel(const uint8_t *frame)
 {
-    const unsigned start = WordAt(frame + (frame[1] == MBM_FN_READ_WRITE ? 6 : 2));
+    const unsigned start = MBF_WordAt(frame + (frame[1] == MBM_FN_READ_WRITE ? 6 : 2));
     return (frame[1] == MBM_FN_WRITE || frame[1] == MBM_FN_READ_WRITE) &&
-           (start == TUNNEL_EVEN || start == TUNNEL_ODD);
+           (start == MBF_TUNNEL_EVEN || start == MBF_TUNNEL_ODD);
 }
 
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape)

@@ -1,6 +1,6 @@
-// The frames of the Modbus line as the book of open answers sees them: the shape of what was
-// asked and of what came, the length of an answer that has begun, and the probes. No state.
-// Only modbus_step.cpp calls this.
+// What Modbus frames look like: their parts, the shape of what was asked and of what came, the
+// length of an answer that has begun, and the probes. No state.
+// Only the master's own files call this.
 #ifndef COMM_MODBUS_FRAMES_H
 #define COMM_MODBUS_FRAMES_H
 
@@ -11,7 +11,11 @@
 
 constexpr size_t MBF_CRC_BYTES = 2;
 constexpr uint8_t MBF_EXCEPTION_BIT = 0x80;
+// The registers that carry target memory: with an even and an odd number of bytes.
+constexpr uint16_t MBF_TUNNEL_EVEN = 0xFFFD, MBF_TUNNEL_ODD = 0xFFFB;
 constexpr int MBF_FUNCTION_SHIFT = 24; // of a shape: the function stands above the rest
+
+unsigned MBF_WordAt(const uint8_t *bytes); // the high byte comes first
 
 // A read is known by function and data bytes, a write by function, place and the low byte of
 // the quantity or value, which its answer repeats. No exceptions here.

@@ -86,6 +86,7 @@ int MBM_Open(int port, int baud, int parity)
     if (MBM_isOpen)
         MBM_Close();
     const int result = OpenDevice(port, baud, parity);
+    // Half-opened is closed: the next attempt finds the port free.
     if (result != 0)
         CloseDevice();
     MBM_nFault = result;
@@ -95,6 +96,7 @@ int MBM_Open(int port, int baud, int parity)
     MBM_dwBaudrate = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
     if (result == 0)
         MBM_isOpen = 1;
+    // Also after a failure: whatever was in the book belonged to the port before.
     MBMSTEP_Opened();
     if (TRC_isOn)
         MBMTRC_Link(true, port, result);
@@ -144,6 +146,7 @@ int MBM_SendFrame(int length)
     MBM_abySnd[count] = static_cast<uint8_t>(crc);
     MBM_abySnd[count + 1] = static_cast<uint8_t>(crc >> 8);
     MBM_cnLastSend = length + CRC_BYTES;
+    // The frame stands in the buffer while the line is proven: probes have one of their own.
     const int unready = MBMSTEP_Ready();
     if (unready != 0) {
         MBM_cnLastSend = 0;

@@ -43,6 +43,8 @@ bool Begin(Frame *frame, int slave, int function, int start, int quantity, bool 
         return false;
     }
     MBM_nFnCode = function;
+    // Eight bits of the quantity: more bits than 255 can be asked for, but their answer is
+    // expected by what is left of the number.
     MBM_expected = {static_cast<uint8_t>(slave), static_cast<uint8_t>(quantity),
                     static_cast<uint16_t>(start)};
     frame->Byte(slave);
@@ -114,6 +116,7 @@ int MBM_SendFN23(int slave, int readStart, int readQuantity, int writeStart, int
                  const uint16_t *registers)
 {
     Frame frame;
+    // The registers written and both places must fit into one frame of 256 bytes.
     const bool isInRange =
         IsQuantity(readQuantity, MBM_READ_MAX) && IsQuantity(writeQuantity, MBM_READ_WRITE_MAX);
     if (!Begin(&frame, slave, MBM_FN_READ_WRITE, readStart, readQuantity, isInRange))

@@ -133,6 +133,7 @@ Wait Listen(const uint8_t *sent, size_t count, size_t *length, Wanted isWanted)
     bool isEchoSeen = false, isOther = false;
     for (bool isOver = false; !isOver;) {
         const uint32_t passed = MBM_line->nowMs() - start;
+        // A last round with nothing new sorts what was kept as the beginning of an answer.
         isOver = passed >= MBM_nTimeoutMs || heard.size() > HEARD_MAX;
         const int got = isOver ? 0 : Hear(MBM_nTimeoutMs - passed);
         if (got < 0)
@@ -306,6 +307,7 @@ int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault)
 void MBMSTEP_Answered()
 {
     const int slave = MBM_abySnd[0];
+    // An older request was still open when this answer came: its own had been late.
     isSlow[slave] = PartnerOf(slave).open.size() > 1;
     const bool wasDue = PartnerOf(slave).isProofDue;
     STEP_Accepted(&book, slave, MBF_ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
@@ -343,6 +345,7 @@ int MBMSTEP_ProveBehind(int slave, int attempts)
     const int fault = SortWaiting(slave);
     if (fault != 0)
         return fault;
+    // Each proof has its own bound: a line that never comes to rest ends with a fault.
     probesLeft = PROBES_MAX;
     return FaultOfProof(slave, STEP_ProveBehind(&book, slave, attempts, PROBER));
 }

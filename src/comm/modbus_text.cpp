@@ -1,6 +1,7 @@
 // The Modbus master in words: faults for the user, frames for the wire trace.
 #include "comm/failures.h"
 #include "comm/modbus.h"
+#include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/trace.h"
 
@@ -64,8 +65,6 @@ constexpr FunctionName FUNCTION_NAMES[] = {
 };
 
 constexpr unsigned BITS_PER_CHAR = 11; // start, eight data, parity, stop
-constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB;
-constexpr uint8_t EXCEPTION_BIT = 0x80;
 
 TRC_Record current;       // the exchange being recorded
 uint64_t lastEndUs = 0;   // when the last frame on the line ended; 0 = none since opening
@@ -81,11 +80,6 @@ const char *NameOf(int function)
     return "unknown function";
 }
 
-unsigned WordAt(const uint8_t *bytes)
-{
-    return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
-}
-
 // "10 from 0x0064" and the like.
 std::string PlaceText(unsigned quantity, const char *link, unsigned start)
 {
@@ -94,15 +88,9 @@ std::string PlaceText(unsigned quantity, const char *link, unsigned start)
     return text;
 }
 
-bool IsCrcGood(const uint8_t *frame, size_t count)
-{
-    return count > 2 && MBM_GetCRC(frame, count - 2) ==
-                            (frame[count - 2] | static_cast<unsigned>(frame[count - 1]) << 8);
-}
-
 std::string CrcText(const uint8_t *frame, size_t count)
 {
-    return IsCrcGood(frame, count) ? "CRC good" : "CRC bad";
+    return count > MBF_CRC_BYTES && MBF_IsSound(frame, count) ? "CRC good" : "CRC bad";
 }
 
 // Time in characters of the line; negative times, which a fast line's clock can show, are none.
@@ -126,12 +114,12 @@ int64_t TimeOnWireUs(size_t characters)
 // `tunnel` points at the write part: start, quantity, byte count, registers.
 std::string TunnelText(int function, const uint8_t *tunnel, unsigned readQuantity)
 {
-    const unsigned start = WordAt(tunnel), quantity = WordAt(tunnel + 2);
-    if ((start != TUNNEL_EVEN && start != TUNNEL_ODD) || quantity < 2)
+    const unsigned start = MBF_WordAt(tunnel), quantity = MBF_WordAt(tunnel + 2);
+    if ((start != MBF_TUNNEL_EVEN && start != MBF_TUNNEL_ODD) || quantity < 2)
         return "";
-    const unsigned address = WordAt(tunnel + 5) << 16 | WordAt(tunnel + 7);
+    const unsigned address = MBF_WordAt(tunnel + 5) << 16 | MBF_WordAt(tunnel + 7);
     const unsigned registers = function == MBM_FN_WRITE ? quantity - 2 : readQuantity;
-    const unsigned bytes = 2 * registers - (start == TUNNEL_ODD && registers > 0 ? 1 : 0);
+    const unsigned bytes = 2 * registers - (start == MBF_TUNNEL_ODD && registers > 0 ? 1 : 0);
     char digits[16];
     std::snprintf(digits, sizeof digits, "0x%06X", address);
     return (function == MBM_FN_WRITE ? ", memory write of " : ", memory read of ") +
@@ -144,7 +132,7 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
     if (count < 6)
         return "frame of " + std::to_string(count) + " bytes";
     const int function = frame[1];
-    const unsigned start = WordAt(frame + 2), quantity = WordAt(frame + 4);
+    const unsigned start = MBF_WordAt(frame + 2), quantity = MBF_WordAt(frame + 4);
     std::string text = "slave " + std::to_string(frame[0]) + ": " + NameOf(function) + " (" +
                        std::to_string(function) + "), ";
     if (function == MBM_FN_WRITE_ONE)
@@ -154,8 +142,9 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
         text += TunnelText(function, frame + 2, 0);
     if (function == MBM_FN_READ_WRITE && count >= 15) {
         const std::string tunnel = TunnelText(function, frame + 6, quantity);
-        text += tunnel.empty() ? ", writes " + PlaceText(WordAt(frame + 8), "at", WordAt(frame + 6))
-                               : tunnel;
+        text += tunnel.empty()
+                    ? ", writes " + PlaceText(MBF_WordAt(frame + 8), "at", MBF_WordAt(frame + 6))
+                    : tunnel;
     }
     return text;
 }
@@ -163,8 +152,8 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
 std::string DescribeAnswer(const uint8_t *frame, size_t count)
 {
     std::string text = "slave " + std::to_string(frame[0]);
-    const int function = frame[1] & ~EXCEPTION_BIT;
-    if ((frame[1] & EXCEPTION_BIT) != 0)
+    const int function = frame[1] & ~MBF_EXCEPTION_BIT;
+    if ((frame[1] & MBF_EXCEPTION_BIT) != 0)
         text += ", exception " + std::to_string(frame[2]);
     else if (function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE)
         text += ", confirmed";

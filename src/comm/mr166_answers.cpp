@@ -51,6 +51,7 @@ Event SortByte(char byte)
     const bool isAnswer = sorter.frame[0] == MR166_START_ANSWER;
     if (byte == MR166_END)
         return isAnswer ? Event::ANSWER : Event::ECHO;
+    // No frame is longer: what goes on is noise, and the next start character is looked for.
     const size_t room = isAnswer ? MR166_ANSWER_ROOM : MR166_LONG_CHARS;
     return sorter.count == room ? EndDamaged(room) : Event::NONE;
 }
@@ -74,6 +75,7 @@ MrANS_Judgement BookOther(int code)
     const unsigned count = hexToByte(sorter.frame + 3);
     const STEP_Shape shape = MrANS_ShapeOf(command, count);
     const bool isError = count >= MR166_TARGET_ERROR_MIN;
+    // An error answer carries its code where others carry their count of bytes.
     const STEP_Shape refused = OldestOfCommand(station, command, shape);
     const uint32_t before = MrANS_line.disturbed;
     bool isProof = false;
@@ -94,6 +96,8 @@ MrANS_Judgement JudgeAnswer(const Mr166_Request *request, int station)
     const int command = request != nullptr ? request->command : MR166_CMD_READ;
     const int code = mr166CheckAnswer(sorter.frame, sorter.count, station, command);
     if ((code < 0 && code > MR166_ERR_STATION) || code == MR166_ERR_LENGTH) {
+        // Damaged on its way it may have been ours: when no other answer can come, waiting on
+        // would only cost the rest of the time-out.
         STEP_Junk(&MrANS_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         const bool isLast = STEP_HaveAllCome(MrANS_line, station);
         return {isLast ? MrANS_Judgement::UNSOUND : MrANS_Judgement::WAIT, code};
@@ -109,6 +113,8 @@ MrANS_Judgement JudgeAnswer(const Mr166_Request *request, int station)
     if (isError || MrANS_ShapeOf(command, static_cast<unsigned>(code)) != shape)
         return BookOther(isError ? code : MR166_FAULT_COUNT);
     STEP_Accepted(&MrANS_line, station, shape, PLT_TickMs());
+    // From here on as if a driver had read it: the answer check leaves its data where all
+    // callers look for them.
     std::memcpy(Mr166_abyRcv, sorter.frame, sorter.count);
     cbRcv = static_cast<uint16_t>(sorter.count);
     cnRcvData = static_cast<uint16_t>(chkAnsFrm(station, command));

@@ -62,6 +62,7 @@ int SendProbe(int station, STEP_Shape shape)
         const Mr166_Request probe = {station, MR166_CMD_READ, address, static_cast<uint16_t>(shape),
                                      nullptr};
         if (!MrTRY_Send(driver, probe, true)) {
+            // A port that is gone answers no further probe; any other failure may pass.
             ++failedProbes;
             return Mr166_nFault == MR166_FAULT_GONE ? -1 : 0;
         }
@@ -79,6 +80,7 @@ int SendProbe(int station, STEP_Shape shape)
             }
             const bool isSecondRefusal = isZeroRefused[station];
             isZeroRefused[station] = true;
+            // Refused at both places, or nowhere else to ask: silence is all that is left.
             if (isSecondRefusal || !hasGood)
                 return WaitForSilence(driver, station);
             continue;
@@ -172,6 +174,7 @@ int MrEXC_ProveBehind(int station, int probes)
 {
     if (!wMrOpenFlag)
         return MrTRY_Refuse(MR166_ERR_CLOSED);
+    // The probe goes through the same variables as the read that it proves.
     const int32_t error = nMr166Err, fault = Mr166_nFault;
     const uint16_t state = wMr166State;
     MrANS_ClearInput(MrASC_Driver(), station);

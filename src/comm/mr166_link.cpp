@@ -28,18 +28,17 @@ int OpenFault(int result)
 {
     if (result == MR166_ERR_PORT)
         return result;
-    switch (SER_LastReason()) {
-    case SER_WHY_MISSING:
-        return MR166_FAULT_MISSING;
-    case SER_WHY_BUSY:
-        return MR166_FAULT_BUSY;
-    case SER_WHY_ACCESS:
-        return MR166_FAULT_ACCESS;
-    case SER_WHY_BAUD:
-        return MR166_FAULT_BAUD;
-    default:
-        return result;
-    }
+    constexpr struct {
+        SER_Why why;
+        int fault;
+    } FAULTS[] = {{SER_WHY_MISSING, MR166_FAULT_MISSING}, {SER_WHY_BUSY, MR166_FAULT_BUSY},
+                  {SER_WHY_ACCESS, MR166_FAULT_ACCESS},   {SER_WHY_BAUD, MR166_FAULT_BAUD},
+                  {SER_WHY_HOST, MR166_FAULT_HOST},       {SER_WHY_REFUSED, MR166_FAULT_REFUSED},
+                  {SER_WHY_SILENT, MR166_FAULT_SILENT}};
+    for (const auto &row : FAULTS)
+        if (row.why == SER_LastReason())
+            return row.fault;
+    return result;
 }
 
 // One block with all its tries. Tries of a proof that was not answered count like its own.
@@ -49,6 +48,7 @@ bool ExchangeBlock(const Mr166_Request &request)
     const uint32_t probesBefore = MrEXC_FailedProbes();
     int result = MrEXC_FirstTry(driver, request, Mr166_CnBlkRpt + 1);
     EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+    // The request itself never went out: its tries were spent on the proof.
     const bool isUnproven = !MrEXC_WasSent() && MrEXC_FailedProbes() != probesBefore;
     for (int left = Mr166_CnBlkRpt; !isUnproven; --left) {
         // Fewer bytes than asked for must not be filled up with those of an older answer.
@@ -154,6 +154,7 @@ int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer tran
     return GiveUpSurplus();
 }
 
+// 1 when the block was the last one: a full block says nothing about what follows.
 template <typename Byte>
 int Advance(uint32_t block, uint32_t most, uint32_t *address, uint32_t *count, Byte **bytes)
 {
@@ -173,6 +174,7 @@ const Mr166_Driver &MrASC_Driver()
 int MrASC_UseWin32(int flag)
 {
     const int32_t isWin32 = flag != 0 ? 1 : 0;
+    // Closing with the driver that has opened, before the other one is chosen.
     const bool isReopening = wMrOpenFlag && isWin32 != MR166_isWin32;
     if (isReopening)
         MrASC_Close();
@@ -213,6 +215,7 @@ int MrASC_IsOpened()
 
 bool MrASC_IsGone()
 {
+    // Asking for the bytes that wait is the cheapest way to learn that the device has gone.
     return MrASC_Driver().waiting() < 0;
 }
 
@@ -242,6 +245,7 @@ int Mr166_Prove()
         if (!MrEXC_IsProofDue(station))
             continue;
         isProven = isProven && MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1) >= 0;
+        // Proven or not, the caller reads again: the same proof is not tried twice.
         MrEXC_GiveUpProof(station);
     }
     const bool isSurplus = MrEXC_Surplus() != surplusAtProof;

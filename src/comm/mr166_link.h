@@ -32,6 +32,9 @@ enum {
     MR166_FAULT_BUSY = -47,      // opening: another program has it
     MR166_FAULT_ACCESS = -48,    // opening: no permission
     MR166_FAULT_BAUD = -49,      // opening: the device does not do this baud rate
+    MR166_FAULT_HOST = -50,      // opening: no such host
+    MR166_FAULT_REFUSED = -51,   // opening: nothing listens at that port of the host
+    MR166_FAULT_SILENT = -52,    // opening: the host does not answer
 };
 
 // wMr166State

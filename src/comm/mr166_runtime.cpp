@@ -48,6 +48,8 @@ State Advance(State state, char byte)
 {
     if (state == State::SKIPPING_ECHO)
         return byte == MR166_END ? State::IDLE : state;
+    // Requests and answers begin with different characters: on a two-wire line the first
+    // frame heard is our own.
     const bool isEcho = byte == MR166_START_SHORT || byte == MR166_START_LONG;
     if (state == State::IDLE && isEcho)
         return State::SKIPPING_ECHO;
@@ -82,6 +84,7 @@ Mr166_Ending ReadAnswer(size_t /*expected*/, bool *isEchoSeen)
     cbRcv = 0;
     for (;;) {
         const uint32_t passed = PLT_TickMs() - start;
+        // With the debug flag the wait has no end: the target may stand at a break point.
         if (!Mr166_wComDbg && passed >= Mr166_nTimeoutMs)
             return Mr166_Ending::TIME_OUT;
         const uint32_t wait =
@@ -116,6 +119,7 @@ int MrASC_OpenNI(int port, int baud)
                       QUEUE_BYTES) < 0)
         return MR166_ERR_OPEN_NI;
     openPort = port;
+    // The library counts in seconds.
     SetComTime(port, Mr166_nTimeoutMs / 1000.0);
     wMrOpenFlag = 1;
     return 0;

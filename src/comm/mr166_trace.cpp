@@ -3,6 +3,7 @@
 #include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
+#include "text/bytes.h"
 
 #include <cstdio>
 
@@ -40,6 +41,9 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {MR166_FAULT_BUSY, "port is not available: another program has it"},
     {MR166_FAULT_ACCESS, "port is not available: no permission to use it"},
     {MR166_FAULT_BAUD, "baud rate is not supported by the device"},
+    {MR166_FAULT_HOST, "port is not available: no such host"},
+    {MR166_FAULT_REFUSED, "port is not available: nothing listens there"},
+    {MR166_FAULT_SILENT, "port is not available: the host does not answer"},
 };
 
 TRC_Record current;        // the exchange being recorded
@@ -47,13 +51,8 @@ bool isAnswerShown = true; // a probe's bytes are of no interest
 
 std::string HexList(const uint8_t *bytes, size_t count)
 {
-    std::string text = std::to_string(count) + (count == 1 ? " byte:" : " bytes:");
-    char digits[4];
-    for (size_t i = 0; i < count; ++i) {
-        std::snprintf(digits, sizeof digits, " %02X", static_cast<unsigned>(bytes[i]));
-        text += digits;
-    }
-    return text;
+    const std::string text = std::to_string(count) + (count == 1 ? " byte:" : " bytes:");
+    return count > 0 ? text + " " + BYT_Hex(bytes, count) : text;
 }
 
 // What is written is taken back out of the request frame.

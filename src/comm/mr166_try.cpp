@@ -51,6 +51,7 @@ int FailSilent(int fault, bool isEchoSeen)
 
 int FailCheck(int code, int fault, bool isEchoSeen)
 {
+    // The counters of the first protocol version: this one stops, the time-outs wrap.
     if (EC_wFrameErr != UINT16_MAX)
         ++EC_wFrameErr;
     MrTRY_Refuse(code);
@@ -66,6 +67,7 @@ int Succeed(const Mr166_Request &request, bool isEchoSeen)
         ++EC_dwMsgOk;
     nMr166Err = 0;
     Mr166_nFault = 0;
+    // A line that gives good answers does not echo, whatever it did before.
     Mr166_isEchoing = false;
     if (request.command == MR166_CMD_READ) {
         goodReads[request.station].address = request.address;
@@ -96,6 +98,7 @@ MrTRY_Examined MrTRY_Examine(const Mr166_Driver &driver, const Mr166_Request &re
         Mr166_nFault = MR166_ERR_ARGUMENT;
         return MrTRY_Examined::REFUSED;
     }
+    // What an exchange that failed has left in the output would delay this one.
     driver.clearOutput();
     Mr166_byStNo = static_cast<uint8_t>(request.station);
     Mr166_byCmd = static_cast<uint8_t>(request.command);
@@ -140,6 +143,7 @@ MrTRY_Reading MrTRY_ReadSorted(const Mr166_Driver &driver, const Mr166_Request &
     char bytes[CHUNK];
     while (reading.kind == MrANS_Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
+        // A target stopped in its debugger: only the driver that skips echoes waits for it.
         const bool isEndless = Mr166_wComDbg && driver.isEchoSkipped;
         if (passed >= limitMs && !isEndless)
             break;
@@ -208,6 +212,7 @@ int MrTRY_ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
     const Mr166_Ending ending = driver.readAnswer(expected, &isEchoSeen);
     if (ending == Mr166_Ending::GONE)
         return FailSilent(MR166_FAULT_GONE, isEchoSeen);
+    // A wrong start character is known before the whole has come; the driver says so itself.
     const STEP_Shape shape = MrANS_ShapeOfAnswerTo(request);
     const int count = ending == Mr166_Ending::COMPLETE ? chkAnsFrm(request.station, request.command)
                                                        : MR166_ERR_START;

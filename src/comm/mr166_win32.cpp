@@ -51,6 +51,7 @@ int ReadSome(char *buffer, size_t capacity, unsigned waitMs)
 
 Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
 {
+    // The port's own time-out bounds the read; fewer characters than expected end it as well.
     const int got = SER_Read(MR166_hCom, Mr166_abyRcv, expected);
     cbRcv = static_cast<uint16_t>(got > 0 ? got : 0);
     if (got <= 0)

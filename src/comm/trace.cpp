@@ -1,5 +1,6 @@
 // The ring of the wire trace and the text of a record.
 #include "comm/trace.h"
+#include "text/bytes.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -104,15 +105,8 @@ void TRC_SetSink(TRC_Sink sink, void *context)
 
 std::string TRC_FormatBytes(const TRC_Bytes &bytes)
 {
-    std::string hex, plain;
-    char digits[4];
-    for (size_t i = 0; i < bytes.count; ++i) {
-        const unsigned value = bytes.bytes[i];
-        std::snprintf(digits, sizeof digits, "%02X ", value);
-        hex += digits;
-        plain += value >= 0x20 && value < 0x7F ? static_cast<char>(value) : '.';
-    }
-    std::string text = hex + " |" + plain + "|";
+    std::string text = BYT_Hex(bytes.bytes, bytes.count);
+    text += (text.empty() ? " |" : "  |") + BYT_Plain(bytes.bytes, bytes.count) + "|";
     if (bytes.lost > 0)
         text += " and " + std::to_string(bytes.lost) + " more";
     return text;

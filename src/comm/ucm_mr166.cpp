@@ -7,7 +7,7 @@ namespace {
 
 constexpr int STATION_MAX = 15;
 
-void TakeTries()
+void ApplyTries()
 {
     Mr166_CnBlkRpt = UCM_recS.tries;
 }
@@ -19,7 +19,7 @@ bool IsStation(int station)
 
 int Open(int port, int baud)
 {
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(MrASC_Open(port, baud));
 }
 
@@ -30,25 +30,25 @@ int UseWin32(int flag)
 
 int Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(Mr166_Read(station, address, count, buffer));
 }
 
 int Write(int station, uint32_t address, uint32_t count, const void *data)
 {
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(Mr166_Write(station, address, count, data));
 }
 
 int ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buffer)
 {
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(Mr166_ReadBg(station, address, count, buffer));
 }
 
 int WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data)
 {
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(Mr166_WriteBg(station, address, count, data));
 }
 
@@ -63,7 +63,7 @@ int MessageNoAnswer(int station, int command, uint32_t address, uint16_t word, c
 {
     if (!IsStation(station))
         return UCM_CountErr(UCM_ERR_ARGUMENT);
-    TakeTries();
+    ApplyTries();
     return UCM_CountErr(Mr166MessageW32NA(station, command, address, word, data));
 }
 
@@ -74,7 +74,7 @@ std::string LastErrorText()
 
 int Prove()
 {
-    TakeTries();
+    ApplyTries();
     return Mr166_Prove();
 }
 

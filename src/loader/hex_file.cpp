@@ -5,9 +5,9 @@
 
 #include "platform/safe_file.h"
 #include "text/txfr.h"
+#include "text/words.h"
 
 #include <algorithm>
-#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 
@@ -16,16 +16,6 @@ namespace {
 constexpr int LONG_LINE_SIZE = 600; // a record of 255 bytes has 521 characters
 constexpr uint32_t TYPE_START_SEGMENT = 3, TYPE_START_LINEAR = 5;
 constexpr uint32_t SAVED_RECORD_BYTES = 16;
-
-__attribute__((format(printf, 1, 2))) std::string Format(const char *format, ...)
-{
-    char text[160];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    return text;
-}
 
 void AddProblem(HEX_File *file, int line, bool isFatal, const std::string &text)
 {
@@ -38,8 +28,8 @@ std::string DescribeLength(const char *line, size_t length)
 {
     uint32_t count = 0;
     IHEX167_GetUHEXN(line + 1, 2, &count);
-    return Format("%u characters, but a record of %u bytes has %u", static_cast<unsigned>(length),
-                  count, 11 + 2 * count);
+    return WRD_Format("%u characters, but a record of %u bytes has %u",
+                      static_cast<unsigned>(length), count, 11 + 2 * count);
 }
 
 std::string DescribeSum(const char *line, size_t length)
@@ -53,7 +43,7 @@ std::string DescribeSum(const char *line, size_t length)
     const uint32_t wanted = (0x100u - (sum & 0xFFu)) & 0xFFu;
     if (wanted == byte)
         return "a base address record must hold 2 bytes";
-    return Format("wrong check sum %02X, should be %02X", byte, wanted);
+    return WRD_Format("wrong check sum %02X, should be %02X", byte, wanted);
 }
 
 std::string Describe(int result, const char *line, size_t length)
@@ -69,7 +59,7 @@ std::string Describe(int result, const char *line, size_t length)
     if (result == IHEX_ERR_END)
         return "end record with data";
     if (result == IHEX_ERR_UNKNOWN)
-        return Format("unknown record type %.2s", line + 7);
+        return WRD_Format("unknown record type %.2s", line + 7);
     if (std::any_of(line, line + length, [](char c) { return c >= 'a' && c <= 'f'; }))
         return "lower-case hexadecimal digit";
     return "not a hexadecimal digit";
@@ -92,7 +82,7 @@ void AddRecord(HEX_File *file, const IHEX167_Block &block, int line)
     }
     if (block.address + block.length > IHEX167_ADDRESS_END || block.address >= IHEX167_ADDRESS_END)
         AddProblem(file, line, true,
-                   Format("address 0x%X is outside of the target", block.address));
+                   WRD_Format("address 0x%X is outside of the target", block.address));
     file->records.push_back(
         {block.address, static_cast<uint32_t>(file->data.size()), block.length, line});
     file->data.insert(file->data.end(), block.data, block.data + block.length);
@@ -163,8 +153,8 @@ void Arrange(HEX_File *file)
         HEX_Range &range = file->ranges.back();
         if (record.address <= range.last)
             AddProblem(file, std::max(record.line, highest->line), true,
-                       Format("0x%06X is also in line %d", record.address,
-                              std::min(record.line, highest->line)));
+                       WRD_Format("0x%06X is also in line %d", record.address,
+                                  std::min(record.line, highest->line)));
         if (last > range.last) {
             range.last = last;
             highest = &record;
@@ -214,12 +204,13 @@ void HEX_GetBlock(const HEX_File &file, const HEX_Record &record, IHEX167_Block 
 
 std::string HEX_FormatProblem(const HEX_Problem &problem)
 {
-    return problem.line > 0 ? Format("line %d: ", problem.line) + problem.text : problem.text;
+    return problem.line > 0 ? WRD_Format("line %d: ", problem.line) + problem.text : problem.text;
 }
 
 std::string HEX_FormatRange(const HEX_Range &range)
 {
-    return Format("0x%06X-0x%06X, %u bytes", range.first, range.last, range.last - range.first + 1);
+    return WRD_Format("0x%06X-0x%06X, %u bytes", range.first, range.last,
+                      range.last - range.first + 1);
 }
 
 int HEX_Save(const std::string &path, uint32_t address, const uint8_t *bytes, size_t count)

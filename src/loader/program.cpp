@@ -138,7 +138,7 @@ int JudgeGroup(Run *run, const LDR_Group &group, const IHEX167_Block &found)
 }
 
 // Reads what the flash holds of the first `end` blocks.
-int Look(Run *run, size_t end)
+int ReadWhatFlashHolds(Run *run, size_t end)
 {
     LDR_Job *job = run->job;
     SetStep(run, LDR_STEP_ERASE, LDR_LEFT_OUT);
@@ -285,7 +285,7 @@ int RunSteps(Run *run, bool isResume)
         result = FindTarget(run);
     BeginClock(run);
     if (result == 0)
-        result = isErasing ? Erase(run) : Look(run, lookEnd);
+        result = isErasing ? Erase(run) : ReadWhatFlashHolds(run, lookEnd);
     if (result < 0)
         return result;
     ShortenTotal(run);

@@ -1,37 +1,28 @@
 // What a user is told about a job: the one home of these sentences for window, console and
 // console program.
 #include "loader/program.h"
+#include "text/words.h"
 
-#include <cstdarg>
 #include <cstdio>
 
 namespace {
 
 constexpr const char *STEP_TEXTS[LDR_STEPS] = {"File", "Target", "Erase", "Program", "Verify"};
 
-__attribute__((format(printf, 1, 2))) std::string Format(const char *format, ...)
-{
-    char text[200];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    return text;
-}
-
 std::string FormatDifference(const LDR_Difference &difference)
 {
-    return Format("0x%06X should hold %02X and holds %02X", difference.address,
-                  static_cast<unsigned>(difference.wanted),
-                  static_cast<unsigned>(difference.found));
+    return WRD_Format("0x%06X should hold %02X and holds %02X", difference.address,
+                      static_cast<unsigned>(difference.wanted),
+                      static_cast<unsigned>(difference.found));
 }
 
 std::string FormatSuccess(const LDR_Job &job)
 {
     const auto bytes = static_cast<unsigned>(job.file.data.size());
-    return Format(job.isReadBack ? "Done: %u bytes in the flash, read back and equal to the file."
-                                 : "Done: %u bytes written, not read back.",
-                  bytes);
+    return WRD_Format(job.isReadBack
+                          ? "Done: %u bytes in the flash, read back and equal to the file."
+                          : "Done: %u bytes written, not read back.",
+                      bytes);
 }
 
 std::string FormatPart(const LDR_Job &job)
@@ -44,7 +35,7 @@ std::string FormatPart(const LDR_Job &job)
     if (count == 0)
         return "Nothing of the file is complete in the flash yet. Programming can go on.";
     const HEX_Record &block = job.plan[count - 1];
-    return Format(
+    return WRD_Format(
         "The flash holds the file up to 0x%06X, %s. What lies behind may be there in part."
         " Programming can go on from there.",
         block.address + block.length - 1u, job.verified > 0 ? LDR_EQUAL : "not read back");
@@ -61,8 +52,8 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_OPEN:
         return "The file cannot be read.";
     case LDR_ERR_PROBLEMS:
-        return Format("The file cannot be programmed: problems found: %u.",
-                      static_cast<unsigned>(job.file.fatal));
+        return WRD_Format("The file cannot be programmed: problems found: %u.",
+                          static_cast<unsigned>(job.file.fatal));
     case LDR_ERR_PORT:
         return "The port cannot be used: " + job.cause + ".";
     case LDR_ERR_TARGET:
@@ -70,9 +61,9 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_ERASE:
         return "Erasing failed: " + job.cause + ".";
     case LDR_ERR_WRITE:
-        return Format("The block at 0x%06X was not written: ", at) + job.cause + ".";
+        return WRD_Format("The block at 0x%06X was not written: ", at) + job.cause + ".";
     case LDR_ERR_READ:
-        return Format("The flash could not be read at 0x%06X: ", at) + job.cause + ".";
+        return WRD_Format("The flash could not be read at 0x%06X: ", at) + job.cause + ".";
     case LDR_ERR_DIFFERENT:
         return "The flash differs from the file: " + FormatDifference(job.difference) + ".";
     case LDR_ERR_NEEDS_ERASE:
@@ -82,7 +73,7 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_CHANGED:
         return "The file has changed, or is gone, since it was checked.";
     default:
-        return Format("Error %d.", job.result);
+        return WRD_Format("Error %d.", job.result);
     }
 }
 
@@ -108,12 +99,13 @@ std::string LDR_GetFlashText(const LDR_Job &job)
 
 std::string LDR_GetQuestion(const LDR_Job &job, int port)
 {
-    std::string text = Format("Erase the whole flash of the target on COM%d and program\n", port);
+    std::string text =
+        WRD_Format("Erase the whole flash of the target on COM%d and program\n", port);
     text += job.file.path + "\n";
     if (!job.file.ranges.empty()) {
         const HEX_Range all = {job.file.ranges.front().first, job.file.ranges.back().last};
-        text += Format("to 0x%06X-0x%06X (%u bytes)?", all.first, all.last,
-                       static_cast<unsigned>(job.file.data.size()));
+        text += WRD_Format("to 0x%06X-0x%06X (%u bytes)?", all.first, all.last,
+                           static_cast<unsigned>(job.file.data.size()));
     }
     return text;
 }

@@ -161,7 +161,7 @@ void OnLog(void *, const char *line)
     InsertTextBoxLine(PANEL, LOADER_LOG, -1, line);
 }
 
-void Run(const char *what, int (*work)(int port, int baud, const LDR_Progress &progress))
+void RunJob(const char *what, int (*work)(int port, int baud, const LDR_Progress &progress))
 {
     int port = ncom, baud = bRate;
     LDR_FindPort(&port, &baud);
@@ -267,12 +267,12 @@ int LDW_ProgramCB(int, int, int event, int)
     ReadWishes();
     switch (AskHow()) {
     case WISH_BEGIN:
-        Run("Programming", [](int port, int baud, const LDR_Progress &progress) {
+        RunJob("Programming", [](int port, int baud, const LDR_Progress &progress) {
             return LDR_Run(&job, false, port, baud, progress);
         });
         break;
     case WISH_RESUME:
-        Run("Going on", [](int port, int baud, const LDR_Progress &progress) {
+        RunJob("Going on", [](int port, int baud, const LDR_Progress &progress) {
             return LDR_Run(&job, true, port, baud, progress);
         });
         break;
@@ -285,7 +285,7 @@ int LDW_ProgramCB(int, int, int event, int)
 int LDW_CompareCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && !job.plan.empty())
-        Run("Comparing", [](int port, int baud, const LDR_Progress &progress) {
+        RunJob("Comparing", [](int port, int baud, const LDR_Progress &progress) {
             return LDR_Verify(&job, port, baud, progress);
         });
     return 0;

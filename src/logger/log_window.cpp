@@ -149,13 +149,6 @@ bool SelectFile(const char *title, std::string *path)
     return FileSelectPopup("", "*.bin", "*.bin", title, FILE_LOAD, path) != VAL_NO_FILE_SELECTED;
 }
 
-void EndComparison()
-{
-    LGW_isComparing = false;
-    LGW_sides[1] = LGW_Side();
-    LGW_lines.clear();
-}
-
 void ShowComparison()
 {
     SetCtrlAttribute(PANEL, LOG_COMPARE, ATTR_LABEL_TEXT,
@@ -196,11 +189,6 @@ int ReadFromTarget(const std::string &name, LOGV_Log *log)
     if (DLLD_ReadLog(name, &words) < 0)
         return -1;
     return LOGV_Decode(std::move(words), name + " of station " + std::to_string(STATION), log);
-}
-
-void Close()
-{
-    HidePanel(PANEL);
 }
 
 // Again the column that is sorted by: the other way round.
@@ -278,7 +266,7 @@ int LGW_PanelCB(int, int event, int data)
         LGW_ShowState();
     }
     if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
-        Close();
+        HidePanel(PANEL);
         return 1;
     }
     if (event == EVENT_KEYPRESS && data >= (KEY_CTRL | '1') && data <= (KEY_CTRL | '4')) {
@@ -320,7 +308,9 @@ int LGW_CompareCB(int, int, int event, int)
     std::string path;
     LOGV_Log log;
     if (LGW_isComparing) {
-        EndComparison();
+        LGW_isComparing = false;
+        LGW_sides[1] = LGW_Side();
+        LGW_lines.clear(); // they name rows of the other log as well
         ShowComparison();
         FillTypes();
         ApplyFilter();

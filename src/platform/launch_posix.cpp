@@ -33,7 +33,7 @@ void EndWord(Splitter *state)
 }
 
 // A backslash is an ordinary character: file names of other systems pass unharmed.
-void TakeChar(Splitter *state, char c)
+void SplitChar(Splitter *state, char c)
 {
     if (state->quote != '\0' && c == state->quote) {
         state->quote = '\0';
@@ -52,7 +52,7 @@ std::vector<std::string> SplitCommand(const std::string &line)
 {
     Splitter state;
     for (const char c : line)
-        TakeChar(&state, c);
+        SplitChar(&state, c);
     EndWord(&state);
     return state.words;
 }

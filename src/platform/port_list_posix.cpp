@@ -1,8 +1,10 @@
 // Ports by the kernel's list of terminals, which knows what hardware stands behind each.
 #include "platform/port_list.h"
 
+#include "platform/remote_ports.h"
 #include "platform/serial.h"
 #include "platform/system.h"
+#include "platform/tcp_port.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -47,6 +49,8 @@ bool IsHardware(const std::string &terminal)
 // What the adapter calls itself stands one or two levels above the terminal.
 std::string Describe(const std::string &device)
 {
+    if (TCP_IsAddress(device))
+        return "behind the network";
     const std::string name = device.substr(device.find_last_of('/') + 1);
     for (const char *place : {"/device/../product", "/device/../../product"}) {
         const std::string text = ReadLine(TERMINALS + name + place);
@@ -80,7 +84,8 @@ bool IsGiven(int number)
 {
     struct stat status;
     const char *device = std::getenv(("VIREO2_COM" + std::to_string(number)).c_str());
-    return (device != nullptr && *device != '\0') || lstat(LinkPath(number).c_str(), &status) == 0;
+    return (device != nullptr && *device != '\0') || !RMP_GetAddress(number).empty() ||
+           lstat(LinkPath(number).c_str(), &status) == 0;
 }
 
 // The number that leads to a device (a real path); 0 when none does.
@@ -92,15 +97,20 @@ int FindNumber(const std::string &real)
     return 0;
 }
 
-// A number that leads nowhere, from `first` on; 0 when all are used.
+// A number that leads nowhere.
+bool IsFree(int number)
+{
+    const std::string device = SER_DevicePath(number);
+    const std::string name = device.substr(device.find_last_of('/') + 1);
+    return !IsGiven(number) && !IsHardware(TERMINALS + name);
+}
+
+// The first one from `first` on; 0 when all are used.
 int FindFree(int first)
 {
-    for (int number = first; number <= PTL_NUMBER_MAX; number++) {
-        const std::string device = SER_DevicePath(number);
-        const std::string name = device.substr(device.find_last_of('/') + 1);
-        if (!IsGiven(number) && !IsHardware(TERMINALS + name))
+    for (int number = first; number <= PTL_NUMBER_MAX; number++)
+        if (IsFree(number))
             return number;
-    }
     return 0;
 }
 
@@ -130,7 +140,8 @@ std::vector<PTL_Port> PTL_List()
     std::vector<PTL_Port> ports;
     std::vector<std::string> known;
     for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
-        const std::string real = IsGiven(number) ? RealPath(SER_DevicePath(number)) : "";
+        const std::string path = IsGiven(number) ? SER_DevicePath(number) : "";
+        const std::string real = TCP_IsAddress(path) ? path : RealPath(path);
         if (real.empty())
             continue;
         ports.push_back(MakePort(number, real));
@@ -153,6 +164,8 @@ std::vector<PTL_Port> PTL_List()
 
 int PTL_Use(const std::string &device, int *number)
 {
+    if (TCP_IsAddress(device))
+        return RMP_Use(device, IsFree, number);
     const std::string real = RealPath(device);
     if (real.empty())
         return PTL_ERR_MISSING;

@@ -1,6 +1,10 @@
 // Ports by the system's list of devices; their numbers are the system's own.
 #include "platform/port_list.h"
 
+#include "platform/remote_ports.h"
+#include "platform/serial.h"
+#include "platform/tcp_port.h"
+
 #include <windows.h>
 
 // After windows.h, which declares what these use.
@@ -27,7 +31,8 @@ std::map<std::string, std::string> ReadFriendlyNames()
     for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device); i++) {
         char text[TEXT_MAX] = "";
         if (!SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_FRIENDLYNAME, nullptr,
-                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1, nullptr))
+                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1,
+                                               nullptr))
             continue;
         const std::string friendly = text;
         const size_t begin = friendly.rfind(" (COM"), end = friendly.rfind(')');
@@ -36,6 +41,13 @@ std::map<std::string, std::string> ReadFriendlyNames()
     }
     SetupDiDestroyDeviceInfoList(devices);
     return names;
+}
+
+// No device has it now; one that is plugged in later may ask for it all the same.
+bool IsFree(int number)
+{
+    char target[TEXT_MAX];
+    return QueryDosDeviceA(("COM" + std::to_string(number)).c_str(), target, TEXT_MAX) == 0;
 }
 
 } // namespace
@@ -47,6 +59,15 @@ std::vector<PTL_Port> PTL_List()
     for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
         char target[TEXT_MAX];
         const std::string name = "COM" + std::to_string(number);
+        const std::string path = SER_DevicePath(number);
+        if (TCP_IsAddress(path)) {
+            PTL_Port port;
+            port.number = number;
+            port.device = path;
+            port.description = "behind the network";
+            ports.push_back(port);
+            continue;
+        }
         if (QueryDosDeviceA(name.c_str(), target, TEXT_MAX) == 0)
             continue;
         PTL_Port port;
@@ -59,9 +80,11 @@ std::vector<PTL_Port> PTL_List()
     return ports;
 }
 
-// "COM7" or "\\.\COM7".
+// "COM7" or "\\.\COM7", or an address.
 int PTL_Use(const std::string &device, int *number)
 {
+    if (TCP_IsAddress(device))
+        return RMP_Use(device, IsFree, number);
     const size_t name = device.find_first_not_of("\\.");
     const std::string text = name == std::string::npos ? "" : device.substr(name);
     if (text.size() < 4 || _strnicmp(text.c_str(), "COM", 3) != 0)

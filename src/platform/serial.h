@@ -1,5 +1,6 @@
-// The only door to a serial port. Two files implement it (POSIX, Win32); nobody
-// asks at run time which. A handle owns its device from SER_Open to SER_Close.
+// The only door to a serial port, be it a device of this machine (serial_posix.cpp or
+// serial_win32.cpp) or one behind the network (tcp_port.cpp); nobody asks at run time which.
+// A handle owns its device from SER_Open to SER_Close.
 // Used by the mr166 link, the Modbus master and the run-time's RS-232 library.
 #ifndef PLATFORM_SERIAL_H
 #define PLATFORM_SERIAL_H
@@ -26,6 +27,10 @@ enum SER_Why {
     SER_WHY_BUSY,    // somebody else has it
     SER_WHY_ACCESS,  // no permission to use it
     SER_WHY_BAUD,    // it does not do the baud rate
+    SER_WHY_HOST,    // nobody knows a host of that name
+    SER_WHY_REFUSED, // the host is there, but nothing listens at that port
+    SER_WHY_SILENT,  // the host does not answer
+    SER_WHY_NONE,    // nothing failed
 };
 SER_Why SER_LastReason();
 
@@ -38,9 +43,10 @@ struct SER_Settings {
     bool rts = true;   // line on
 };
 
-// Device path of port number `port`. Windows: "\\.\COM<n>". Elsewhere, the first that
-// applies: environment variable VIREO2_COM<n>; the link COM<n> in
-// $XDG_CONFIG_HOME/vireo2/ports (or ~/.config/vireo2/ports); /dev/ttyS<n-1>.
+// Device path of port number `port`, the first that applies: environment variable
+// VIREO2_COM<n>; an address that was given the number (remote_ports.h); on Windows
+// "\\.\COM<n>", elsewhere the link COM<n> in $XDG_CONFIG_HOME/vireo2/ports (or
+// ~/.config/vireo2/ports) or /dev/ttyS<n-1>. "tcp:host:port" is a port behind the network.
 std::string SER_DevicePath(int port);
 
 // Opens the device exclusively and raw, without touching its settings. SER_OK or SER_ERR_OPEN.

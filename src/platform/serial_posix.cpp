@@ -3,7 +3,7 @@
 // blocks, so that a line that takes nothing cannot hold a write; the other lets the
 // terminal itself do the waiting of a read, which saves an exchange the call of poll.
 // Every wait is bounded, for a silent target and for a device that vanished alike.
-#include "platform/serial.h"
+#include "platform/serial_device.h"
 
 #include "platform/system.h"
 
@@ -226,17 +226,14 @@ SER_Why WhyNotOpened(int error)
 
 } // namespace
 
-SER_Why SER_LastReason()
+SER_Why DEV_LastReason()
 {
     return lastReason;
 }
 
-std::string SER_DevicePath(int port)
+std::string DEV_DevicePath(int port)
 {
     const std::string number = std::to_string(port);
-    const char *device = std::getenv(("VIREO2_COM" + number).c_str());
-    if (device != nullptr && *device != '\0')
-        return device;
     // A link that points nowhere still decides: its device is unplugged, not another one.
     const std::string link = PLT_ConfigDir() + "/ports/COM" + number;
     struct stat status;
@@ -245,7 +242,7 @@ std::string SER_DevicePath(int port)
     return port > 0 ? "/dev/ttyS" + std::to_string(port - 1) : std::string();
 }
 
-int SER_Open(int port, SER_Handle *handle)
+int DEV_Open(const std::string &path, SER_Handle *handle)
 {
     *handle = SER_INVALID;
     lastReason = SER_WHY_OTHER;
@@ -256,7 +253,7 @@ int SER_Open(int port, SER_Handle *handle)
         return SER_ERR_OPEN;
     Port fresh;
     errno = 0;
-    if (!OpenDevice(SER_DevicePath(port), &fresh) || !LockDevice(&fresh)) {
+    if (!OpenDevice(path, &fresh) || !LockDevice(&fresh)) {
         lastReason = WhyNotOpened(errno);
         CloseBoth(fresh);
         return SER_ERR_OPEN;
@@ -266,7 +263,7 @@ int SER_Open(int port, SER_Handle *handle)
     return SER_OK;
 }
 
-int SER_Configure(SER_Handle handle, const SER_Settings &settings)
+int DEV_Configure(SER_Handle handle, const SER_Settings &settings)
 {
     Port *port = FindPort(handle);
     struct termios tio;
@@ -302,7 +299,7 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     return SER_OK;
 }
 
-int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
+int DEV_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
 {
     Port *port = FindPort(handle);
     if (port == nullptr)
@@ -312,7 +309,7 @@ int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotal
     return SetTerminalWait(port, readTotalMs);
 }
 
-int SER_Write(SER_Handle handle, const void *bytes, size_t count)
+int DEV_Write(SER_Handle handle, const void *bytes, size_t count)
 {
     const Port *port = FindPort(handle);
     if (port == nullptr)
@@ -337,7 +334,7 @@ int SER_Write(SER_Handle handle, const void *bytes, size_t count)
     return static_cast<int>(done);
 }
 
-int SER_Read(SER_Handle handle, void *buffer, size_t count)
+int DEV_Read(SER_Handle handle, void *buffer, size_t count)
 {
     const Port *port = FindPort(handle);
     if (port == nullptr)
@@ -358,7 +355,7 @@ int SER_Read(SER_Handle handle, void *buffer, size_t count)
     return static_cast<int>(done);
 }
 
-int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs)
+int DEV_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs)
 {
     const Port *port = FindPort(handle);
     if (port == nullptr)
@@ -367,7 +364,7 @@ int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
                        waitMs > INT_MAX ? INT_MAX : static_cast<int>(waitMs));
 }
 
-int SER_BytesWaiting(SER_Handle handle)
+int DEV_BytesWaiting(SER_Handle handle)
 {
     const Port *port = FindPort(handle);
     int count = 0;
@@ -377,15 +374,15 @@ int SER_BytesWaiting(SER_Handle handle)
 }
 
 // Asking is cheaper than discarding, which wakes the other side, and mostly there is nothing.
-int SER_DropInput(SER_Handle handle)
+int DEV_DropInput(SER_Handle handle)
 {
-    const int waiting = SER_BytesWaiting(handle);
+    const int waiting = DEV_BytesWaiting(handle);
     if (waiting <= 0)
         return waiting < 0 ? SER_ERR_IO : SER_OK;
     return tcflush(ports[handle].fd, TCIFLUSH) == 0 ? SER_OK : SER_ERR_IO;
 }
 
-int SER_DropOutput(SER_Handle handle)
+int DEV_DropOutput(SER_Handle handle)
 {
     const Port *port = FindPort(handle);
     return port != nullptr && tcflush(port->fd, TCOFLUSH) == 0 ? SER_OK : SER_ERR_IO;
@@ -393,12 +390,12 @@ int SER_DropOutput(SER_Handle handle)
 
 // A write has already handed its bytes to the driver, which sends them on its own;
 // draining would add a system call to every exchange and has no time-out.
-int SER_FlushOutput(SER_Handle handle)
+int DEV_FlushOutput(SER_Handle handle)
 {
     return FindPort(handle) != nullptr ? SER_OK : SER_ERR_IO;
 }
 
-void SER_Close(SER_Handle handle)
+void DEV_Close(SER_Handle handle)
 {
     Port *port = FindPort(handle);
     if (port == nullptr)

@@ -1,7 +1,7 @@
 // Serial ports on the Win32 file and communication calls. A handle is the system's
 // own. The read time-out is changed only when a call needs another one, because each
 // change is a request to the driver.
-#include "platform/serial.h"
+#include "platform/serial_device.h"
 
 #include <windows.h>
 
@@ -107,24 +107,24 @@ SER_Why WhyNotOpened(DWORD error)
 
 } // namespace
 
-SER_Why SER_LastReason()
+SER_Why DEV_LastReason()
 {
     return lastReason;
 }
 
-std::string SER_DevicePath(int port)
+std::string DEV_DevicePath(int port)
 {
     return "\\\\.\\COM" + std::to_string(port);
 }
 
-int SER_Open(int port, SER_Handle *handle)
+int DEV_Open(const std::string &path, SER_Handle *handle)
 {
     *handle = SER_INVALID;
     lastReason = SER_WHY_OTHER;
     Timeouts *entry = FindTimeouts(SER_INVALID);
     if (entry == nullptr)
         return SER_ERR_OPEN;
-    const HANDLE device = CreateFileA(SER_DevicePath(port).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
+    const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0,
                                       nullptr, OPEN_EXISTING, 0, nullptr);
     if (device == INVALID_HANDLE_VALUE) {
         lastReason = WhyNotOpened(GetLastError());
@@ -137,7 +137,7 @@ int SER_Open(int port, SER_Handle *handle)
     return SER_OK;
 }
 
-int SER_Configure(SER_Handle handle, const SER_Settings &settings)
+int DEV_Configure(SER_Handle handle, const SER_Settings &settings)
 {
     DCB dcb;
     std::memset(&dcb, 0, sizeof dcb);
@@ -152,7 +152,7 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     return SER_ERR_SET;
 }
 
-int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
+int DEV_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
 {
     Timeouts *entry = handle == SER_INVALID ? nullptr : FindTimeouts(handle);
     if (entry == nullptr)
@@ -162,7 +162,7 @@ int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotal
     return ApplyTimeouts(entry, readTotalMs) ? SER_OK : SER_ERR_IO;
 }
 
-int SER_Write(SER_Handle handle, const void *bytes, size_t count)
+int DEV_Write(SER_Handle handle, const void *bytes, size_t count)
 {
     if (handle == SER_INVALID)
         return SER_ERR_IO;
@@ -174,18 +174,18 @@ int SER_Write(SER_Handle handle, const void *bytes, size_t count)
     return static_cast<int>(wrote);
 }
 
-int SER_Read(SER_Handle handle, void *buffer, size_t count)
+int DEV_Read(SER_Handle handle, void *buffer, size_t count)
 {
     Timeouts *entry = handle == SER_INVALID ? nullptr : FindTimeouts(handle);
     return entry == nullptr ? SER_ERR_IO : ReadBytes(entry, buffer, count, entry->readTotalMs);
 }
 
-int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs)
+int DEV_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned waitMs)
 {
     Timeouts *entry = handle == SER_INVALID ? nullptr : FindTimeouts(handle);
     if (entry == nullptr || capacity == 0)
         return entry == nullptr ? SER_ERR_IO : 0;
-    int waiting = SER_BytesWaiting(handle);
+    int waiting = DEV_BytesWaiting(handle);
     size_t first = 0;
     if (waiting == 0 && waitMs > 0) {
         // The driver has no "wait for any": wait for one byte, then take its followers.
@@ -193,7 +193,7 @@ int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
         if (got <= 0)
             return got;
         first = 1;
-        waiting = SER_BytesWaiting(handle);
+        waiting = DEV_BytesWaiting(handle);
     }
     if (waiting <= 0 || first == capacity)
         return first > 0 ? static_cast<int>(first) : waiting;
@@ -203,7 +203,7 @@ int SER_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
     return got < 0 && first == 0 ? got : static_cast<int>(first) + (got < 0 ? 0 : got);
 }
 
-int SER_BytesWaiting(SER_Handle handle)
+int DEV_BytesWaiting(SER_Handle handle)
 {
     COMSTAT status;
     DWORD errors = 0;
@@ -212,24 +212,24 @@ int SER_BytesWaiting(SER_Handle handle)
     return static_cast<int>(status.cbInQue);
 }
 
-int SER_DropInput(SER_Handle handle)
+int DEV_DropInput(SER_Handle handle)
 {
     const bool done = handle != SER_INVALID && PurgeComm(ToHandle(handle), PURGE_RXCLEAR);
     return done ? SER_OK : SER_ERR_IO;
 }
 
-int SER_DropOutput(SER_Handle handle)
+int DEV_DropOutput(SER_Handle handle)
 {
     const bool done = handle != SER_INVALID && PurgeComm(ToHandle(handle), PURGE_TXCLEAR);
     return done ? SER_OK : SER_ERR_IO;
 }
 
-int SER_FlushOutput(SER_Handle handle)
+int DEV_FlushOutput(SER_Handle handle)
 {
     return handle != SER_INVALID && FlushFileBuffers(ToHandle(handle)) ? SER_OK : SER_ERR_IO;
 }
 
-void SER_Close(SER_Handle handle)
+void DEV_Close(SER_Handle handle)
 {
     if (handle == SER_INVALID)
         return;

@@ -57,7 +57,7 @@ const Driver &Current()
     return DRIVERS[SX_nVer == 3 ? 1 : 0];
 }
 
-int Say(const SCP_View &view, const std::string &text, int result)
+int ShowStatus(const SCP_View &view, const std::string &text, int result)
 {
     if (view.status != nullptr)
         view.status(text);
@@ -99,29 +99,29 @@ int SCP_SlopeOf(int type)
 
 int SCP_Init(SCP_Setup *setup, const SCP_View &view)
 {
-    Say(view, "Init ...", 0);
+    ShowStatus(view, "Init ...", 0);
     const std::string defaultId = SX_DefaultPrefix(Procesor);
     std::string id = setup->id.empty() ? defaultId : setup->id;
     if (id != defaultId && view.askId != nullptr && !view.askId(defaultId, &id))
-        return Say(view, "Init error (1).", SX_CANCELLED);
+        return ShowStatus(view, "Init error (1).", SX_CANCELLED);
     setup->id = id;
     SX_szPrefix = id;
     // The same scope still holds what it was run for; of another one nothing is known.
     hasRun = hasRun && ran.id == id && runStation == STATION;
     isUnderWay = false;
     told = *setup;
-    Say(view, "Init in progress ...", 0);
+    ShowStatus(view, "Init in progress ...", 0);
     const int result = FindGeneration();
     if (result < 0)
-        return Say(view, "Init error (1).", result);
+        return ShowStatus(view, "Init error (1).", result);
     if (SCP_SetChannels(*setup, view) < 0)
         return -1;
     if (Current().getCondition() < 0 && setup->mode != 2)
-        Say(view, "Init error 4: Map of memory?", 0);
+        ShowStatus(view, "Init error 4: Map of memory?", 0);
     char text[200];
     std::snprintf(text, sizeof text, "Scope '%.80s'. Type: %d channels * %d values",
                   SX_szPrefix.c_str(), SX_nCh, SX_nVz);
-    return Say(view, text, 0);
+    return ShowStatus(view, text, 0);
 }
 
 int SCP_SetChannels(const SCP_Setup &setup, const SCP_View &view)
@@ -139,7 +139,7 @@ int SCP_SetChannels(const SCP_Setup &setup, const SCP_View &view)
         const uint32_t address = SCP_ResolvePlace(channel.place);
         if (address == ADDR_NONE) {
             std::snprintf(text, sizeof text, "Error: Channel X%d address unknown.", number);
-            return Say(view, text, -1);
+            return ShowStatus(view, text, -1);
         }
         const int result = Current().setAddress(number, address);
         // Without an instruction to patch, generation 2 samples words and nothing else: the
@@ -147,31 +147,31 @@ int SCP_SetChannels(const SCP_Setup &setup, const SCP_View &view)
         const bool isWord = channel.type != SX_I1 && channel.type != SX_U1;
         if (result < 0 && !(SX_nVer == 2 && result == -1 && isWord)) {
             std::snprintf(text, sizeof text, "Error: could not set channel X%d.", number);
-            return Say(view, text, -1);
+            return ShowStatus(view, text, -1);
         }
     }
     told.channels = setup.channels;
     NoteTold();
-    return Say(view, "Channel addresses set.", 0);
+    return ShowStatus(view, "Channel addresses set.", 0);
 }
 
 int SCP_SetTrigger(const SCP_Setup &setup, const SCP_View &view)
 {
     if (!SX_isInitDone || Current().setMode(setup.mode, setup.slope) < 0)
-        return Say(view, "Error (trigger level not set/1).", -1);
+        return ShowStatus(view, "Error (trigger level not set/1).", -1);
     const int result = Current().setLevel(setup.level, setup);
     if (result == -3)
-        return Say(view, "Error (trigger level not set/2).", -1);
+        return ShowStatus(view, "Error (trigger level not set/2).", -1);
     if (result < 0)
-        return Say(view, "Error (trigger level not set/3).", -1);
+        return ShowStatus(view, "Error (trigger level not set/3).", -1);
     if (Current().setPosition(setup.position) < 0)
-        return Say(view, "Error (trigger position not set).", -1);
+        return ShowStatus(view, "Error (trigger position not set).", -1);
     told.mode = setup.mode;
     told.slope = setup.slope;
     told.level = setup.level;
     told.position = setup.position;
     NoteTold();
-    return Say(view, "Trigger level set.", 0);
+    return ShowStatus(view, "Trigger level set.", 0);
 }
 
 int SCP_SetSubPeriod(const SCP_Setup &setup, const SCP_View &view)
@@ -180,11 +180,11 @@ int SCP_SetSubPeriod(const SCP_Setup &setup, const SCP_View &view)
     // A generation 2 scope without the extension keeps every sample: 1 is what it does.
     const bool isFixed = SX_nVer == 2 && !S2_IsXt && period == 1;
     if (!SX_isInitDone || (!isFixed && Current().setSubPeriod(period) < 0))
-        return Say(view, "Error (Sub-sampling not set).", -1);
+        return ShowStatus(view, "Error (Sub-sampling not set).", -1);
     SX_wSubPd = period;
     told.subPd = setup.subPd;
     NoteTold();
-    return Say(view, "Sub-sampling set.", 0);
+    return ShowStatus(view, "Sub-sampling set.", 0);
 }
 
 int SCP_SetAll(const SCP_Setup &setup, const SCP_View &view)
@@ -197,37 +197,37 @@ int SCP_SetAll(const SCP_Setup &setup, const SCP_View &view)
 int SCP_Run(const SCP_View &view)
 {
     if (!SX_isInitDone || Current().run() < 0)
-        return Say(view, "Error (run).", -1);
+        return ShowStatus(view, "Error (run).", -1);
     SX_isSnapped = 0;
     NoteRun();
-    return Say(view, "Run mode.", 0);
+    return ShowStatus(view, "Run mode.", 0);
 }
 
 int SCP_Snap(const SCP_View &view)
 {
     if (!SX_isInitDone || Current().force() < 0)
-        return Say(view, "Snap error.", -1);
+        return ShowStatus(view, "Snap error.", -1);
     SX_isSnapped = 1;
     if (!isUnderWay)
         NoteRun();
-    return Say(view, "Snapped.", 0);
+    return ShowStatus(view, "Snapped.", 0);
 }
 
 int SCP_Upload(const SCP_View &view)
 {
-    Say(view, "Uploading ...", 0);
+    ShowStatus(view, "Uploading ...", 0);
     const int result = SX_isInitDone ? Current().readData(view.progress) : -1;
     switch (result) {
     case 0:
-        return Say(view, "Upload successful.", result);
+        return ShowStatus(view, "Upload successful.", result);
     case SX_NOT_TRIGGERED:
-        return Say(view, "No trigger (try snap).", result);
+        return ShowStatus(view, "No trigger (try snap).", result);
     case SX_SAMPLING:
-        return Say(view, "Sampling (retry later).", result);
+        return ShowStatus(view, "Sampling (retry later).", result);
     case SX_CANCELLED:
-        return Say(view, "Upload cancelled.", result);
+        return ShowStatus(view, "Upload cancelled.", result);
     default:
-        return Say(view, "Upload error.", result);
+        return ShowStatus(view, "Upload error.", result);
     }
 }
 

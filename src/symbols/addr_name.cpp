@@ -11,6 +11,8 @@ namespace {
 
 // Further behind its start an address is more likely no part of a variable.
 constexpr uint32_t NEAR_VARIABLE_BYTES = 0x100;
+// Special function registers of the C166 family.
+constexpr uint32_t SPECIAL_FIRST = 0xFE00, SPECIAL_LAST = 0xFFFF;
 
 } // namespace
 
@@ -71,7 +73,9 @@ std::string SYM_AddressToName(uint32_t address)
     const VarNode *member = openStruct ? TMF_SVNodeAtOrBelow(address) : nullptr;
     if (member != nullptr && (node == nullptr || member->addr >= node->addr))
         node = member;
-    if (node == nullptr || address - node->addr >= NEAR_VARIABLE_BYTES)
+    // Between registers lies nothing that belongs to the one before.
+    const bool isSpecial = address >= SPECIAL_FIRST && address <= SPECIAL_LAST;
+    if (node == nullptr || address - node->addr >= (isSpecial ? 2 : NEAR_VARIABLE_BYTES))
         return "";
     name = node->name;
     return address == node->addr ? name : name + "+" + std::to_string(address - node->addr);

@@ -6,6 +6,7 @@
 
 #include "comm/sysaddr.h"
 #include "text/tokens.h"
+#include "text/words.h"
 
 namespace {
 
@@ -237,7 +238,7 @@ int ASSN_Split(const char *line, AssnLine *parts)
         const char *begin = cursor + 1;
         if (!SkipCast(&cursor))
             return -1;
-        parts->cast = CON_Trim(std::string(begin, std::strcspn(begin, ")")));
+        parts->cast = WRD_Trim(std::string(begin, std::strcspn(begin, ")")));
     }
     const char *target = cursor;
     parts->station = GetStationModifier(&cursor);
@@ -245,12 +246,12 @@ int ASSN_Split(const char *line, AssnLine *parts)
     const char *path = cursor;
     if (!SkipPath(&cursor))
         return -1;
-    parts->target = CON_Trim(std::string(target, cursor));
+    parts->target = WRD_Trim(std::string(target, cursor));
     parts->path = WithoutBlanks(path, cursor);
     cursor = CON_SkipBlanks(cursor);
     parts->hasValue = *cursor == '=';
     if (!parts->hasValue)
         return *cursor == '\0' ? 0 : -1;
-    parts->value = CON_Trim(cursor + 1);
+    parts->value = WRD_Trim(cursor + 1);
     return parts->value.empty() ? -1 : 0;
 }

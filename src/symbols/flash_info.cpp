@@ -69,7 +69,7 @@ std::string ContentOf(int handle)
 }
 
 // Both maps or none: the types first, because after them nothing can fail any more.
-int TakeMaps(int varMap, int typeMap)
+int ReplaceMaps(int varMap, int typeMap)
 {
     std::vector<VRN_Symbol> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
@@ -77,20 +77,20 @@ int TakeMaps(int varMap, int typeMap)
         return result;
     if (typeMap >= 0 && TMF_ReplaceMapFrw(typeMap) != 0)
         return FLASH_ERR_TYPES;
-    const int count = FLASH_TakeVariables(variables, aVarNode, &nNodes);
+    const int count = FLASH_ReplaceVariables(variables, aVarNode, &nNodes);
     TMF_Rebuild();
     return count;
 }
 
 // The map of a TMS320 behind a C166 station; the type map stays that of the station.
-int TakeTMSNodes(int varMap)
+int ReplaceTMSNodes(int varMap)
 {
     std::vector<VRN_Symbol> variables;
     const int result = FLASH_ParseVarMap(varMap, &variables);
     if (result != 0)
         return result;
     openTMSStruct = OPEN_MAP_FILE;
-    const int taken = FLASH_TakeVariables(variables, aVarTMSNode, &nTMSNodes);
+    const int taken = FLASH_ReplaceVariables(variables, aVarTMSNode, &nTMSNodes);
     VRN_BytesToWords(aVarTMSNode, nTMSNodes);
     return taken;
 }
@@ -173,7 +173,7 @@ const char *FLASH_GetErrorText(int result)
 
 int LoadFrwVarMap283xx(int textHandle)
 {
-    return TakeMaps(textHandle, -1);
+    return ReplaceMaps(textHandle, -1);
 }
 
 int LoadFVarMap283xx(uint32_t start, uint32_t end)
@@ -190,7 +190,7 @@ int LoadFMap283xx(uint32_t start, uint32_t end)
     const Text typeMap(OpenTypeMap(start, end, varMap.handle));
     if (typeMap.handle < 0 && typeMap.handle != FLASH_ERR_NO_MAP)
         return typeMap.handle;
-    const int count = TakeMaps(varMap.handle, typeMap.handle);
+    const int count = ReplaceMaps(varMap.handle, typeMap.handle);
     if (count >= 0) {
         flashVarMap = ContentOf(varMap.handle);
         flashTypeMap = ContentOf(typeMap.handle);
@@ -209,8 +209,8 @@ int ReadMaps283xx(const char *archiveName)
         return FLASH_ERR_NO_MAP;
     if (typeMap.handle < 0)
         return FLASH_ERR_TYPES;
-    const int count = IsWordAddressing(Procesor) ? TakeMaps(varMap.handle, typeMap.handle)
-                                                 : TakeTMSNodes(varMap.handle);
+    const int count = IsWordAddressing(Procesor) ? ReplaceMaps(varMap.handle, typeMap.handle)
+                                                 : ReplaceTMSNodes(varMap.handle);
     return count < 0 ? count : 0;
 }
 

@@ -87,7 +87,7 @@ int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
     return variables->empty() ? FLASH_ERR_NO_MAP : 0;
 }
 
-int FLASH_TakeVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count)
+int FLASH_ReplaceVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count)
 {
     int refused = 0;
     const int taken = VRN_ReplaceNodes(table, count, variables, &refused);

@@ -26,6 +26,6 @@ int FLASH_OpenVarMap(const char *name, const std::string &content);
 int FLASH_ParseVarMap(int textHandle, std::vector<VRN_Symbol> *variables);
 // Replaces a table of nodes: the number taken over; what the table cannot hold is
 // reported to the user.
-int FLASH_TakeVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count);
+int FLASH_ReplaceVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count);
 
 #endif

@@ -257,7 +257,7 @@ int Read_TMS_Map(const char *fileName)
 namespace {
 
 // What both loaders do once aVarNode holds a new map.
-void TakeMap(const char *fileName)
+void UseNewMap(const char *fileName)
 {
     mapFile = fileName;
     openStruct = OPEN_MAP_FILE;
@@ -271,7 +271,7 @@ int map2node(const char *fileName)
 {
     const int result = ReadMap(fileName);
     if (result == 0)
-        TakeMap(fileName);
+        UseNewMap(fileName);
     return result;
 }
 
@@ -279,7 +279,7 @@ int TMSmap2node(const char *fileName)
 {
     const int result = Read_TMS_Map(fileName);
     if (result == 0 && IsWordAddressing(Procesor))
-        TakeMap(fileName);
+        UseNewMap(fileName);
     if (result == 0 && !IsWordAddressing(Procesor)) {
         TMS_mapFile = fileName;
         SYM_NamesChanged(SYM_TMS_MAP_LOADED);

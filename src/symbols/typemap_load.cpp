@@ -211,7 +211,7 @@ struct Tables {
 };
 
 // The tables leave the globals, or come back; whoever holds them owns them.
-void PutTables(const Tables &tables)
+void MoveTablesIn(const Tables &tables)
 {
     TMF_paDefVars = tables.vars;
     TMF_cnDefVars = tables.varCount;
@@ -223,27 +223,27 @@ void PutTables(const Tables &tables)
     TMF_ForgetNames();
 }
 
-Tables TakeTables()
+Tables MoveTablesOut()
 {
     const Tables tables = {TMF_paDefVars, TMF_paDefTypes, TMF_paDefStructCts,
                            TMF_cnDefVars, TMF_cnDefTypes, TMF_cnDefStructCts};
-    PutTables(Tables{});
+    MoveTablesIn(Tables{});
     return tables;
 }
 
 // Loads into empty tables; those there were come back when the loader fails.
 template <class Loader> int ReplaceTables(Loader load)
 {
-    const Tables old = TakeTables();
+    const Tables old = MoveTablesOut();
     const int result = load();
     if (result != 0) {
-        PutTables(old);
+        MoveTablesIn(old);
         return result;
     }
-    const Tables loaded = TakeTables();
-    PutTables(old);
+    const Tables loaded = MoveTablesOut();
+    MoveTablesIn(old);
     TMF_FreeTables();
-    PutTables(loaded);
+    MoveTablesIn(loaded);
     return 0;
 }
 

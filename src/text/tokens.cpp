@@ -52,17 +52,6 @@ size_t CON_NameLength(const char *text)
     return length;
 }
 
-std::string CON_Trim(const std::string &text)
-{
-    size_t begin = 0;
-    size_t end = text.size();
-    while (begin < end && CON_IsBlank(text[begin]))
-        begin++;
-    while (end > begin && CON_IsBlank(text[end - 1]))
-        end--;
-    return text.substr(begin, end - begin);
-}
-
 bool CON_IsSameWord(const std::string &a, const char *b)
 {
     size_t i = 0;

@@ -15,7 +15,6 @@ char CON_ToLower(char c);
 const char *CON_SkipBlanks(const char *text);
 size_t CON_WordLength(const char *text); // up to a blank or the end
 size_t CON_NameLength(const char *text); // of the name that starts here, 0 when none does
-std::string CON_Trim(const std::string &text);
 bool CON_IsSameWord(const std::string &a, const char *b); // ignoring case
 
 // Hexadecimal digits at *cursor, which is moved past them; at most 32 bits.

@@ -1,6 +1,7 @@
 #include "text/words.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 
 namespace {
@@ -35,6 +36,29 @@ bool IsFormula(const std::string &text)
 }
 
 } // namespace
+
+std::string WRD_FormatList(const char *format, va_list arguments)
+{
+    va_list copy; // the first look only measures, and uses its list up
+    va_copy(copy, arguments);
+    const int length = std::vsnprintf(nullptr, 0, format, copy);
+    va_end(copy);
+    if (length < 0)
+        return "";
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    std::vsnprintf(&text[0], text.size(), format, arguments);
+    text.pop_back();
+    return text;
+}
+
+std::string WRD_Format(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    std::string text = WRD_FormatList(format, arguments);
+    va_end(arguments);
+    return text;
+}
 
 std::string WRD_Trim(const std::string &text)
 {

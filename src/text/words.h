@@ -2,8 +2,13 @@
 #ifndef TEXT_WORDS_H
 #define TEXT_WORDS_H
 
+#include <cstdarg>
 #include <string>
 
+// As printf, of any length; "" where the system cannot.
+std::string WRD_Format(const char *format, ...) __attribute__((format(printf, 1, 2)));
+std::string WRD_FormatList(const char *format, va_list arguments)
+    __attribute__((format(printf, 1, 0)));
 // Without white space (blank, tab, line ends, vertical tab, form feed) at either end.
 std::string WRD_Trim(const std::string &text);
 // The text as one cell of a CSV line: in quotes only where CSV asks for it. One that a

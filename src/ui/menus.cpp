@@ -138,7 +138,8 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
     {MENU_WINDOW, ITEM_SCOPE, "Data s__cope", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
-    {MENU_WINDOW, ITEM_CONFIG, "Device confi__guration", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
+    {MENU_WINDOW, ITEM_CONFIG, "Device confi__guration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
+    {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 
     {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},

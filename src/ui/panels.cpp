@@ -3,6 +3,7 @@
 #include "app/connect_page.h"
 #include "app/main_panel.h"
 #include "app/options.h"
+#include "code/debugger.h"
 #include "console/monitor/monitor.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
@@ -39,7 +40,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
-    {PANEL_DEBUGGER, "debugger", "Debugger", nullptr},
+    {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
     {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
     {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
@@ -240,6 +241,21 @@ const UI_Control UI_aControls[] = {
     {PANEL_CONFIG_EDIT, CFGEDIT_FROM_FILE, UIK_BUTTON, "fromFile", CFE_ButtonCB},
     {PANEL_CONFIG_EDIT, CFGEDIT_WRITE, UIK_BUTTON, "write", CFE_ButtonCB},
     {PANEL_CONFIG_EDIT, CFGEDIT_CLOSE, UIK_BUTTON, "closePanel", CFE_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_PLACE, UIK_STRING, "place", DBW_PlaceCB},
+    {PANEL_DEBUGGER, DEBUG_GO, UIK_BUTTON, "go", DBW_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_BACK, UIK_BUTTON, "back", DBW_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_FOLLOW, UIK_BUTTON, "follow", DBW_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_MORE, UIK_BUTTON, "more", DBW_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_LIVE, UIK_SWITCH, "live", DBW_LiveCB},
+    {PANEL_DEBUGGER, DEBUG_CODE, UIK_LIST, "code", DBW_CodeCB},
+    {PANEL_DEBUGGER, DEBUG_GROUP, UIK_RING, "group", DBW_GroupCB},
+    {PANEL_DEBUGGER, DEBUG_REGISTERS, UIK_LIST, "registers", DBW_RegistersCB},
+    {PANEL_DEBUGGER, DEBUG_STACK, UIK_LIST, "stack", nullptr},
+    {PANEL_DEBUGGER, DEBUG_MEM_PLACE, UIK_STRING, "memoryPlace", DBW_MemPlaceCB},
+    {PANEL_DEBUGGER, DEBUG_MEMORY, UIK_LIST, "memory", nullptr},
+    {PANEL_DEBUGGER, DEBUG_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_DEBUGGER, DEBUG_COPY, UIK_BUTTON, "copy", DBW_ButtonCB},
+    {PANEL_DEBUGGER, DEBUG_TIMER, UIK_TIMER, "timer", DBW_TimerCB},
 
     {PANEL_SCOPE, SCOPE_ID, UIK_STRING, "scopeId", nullptr},
     {PANEL_SCOPE, SCOPE_INIT, UIK_BUTTON, "init", DTSC_OnInit},

@@ -295,6 +295,25 @@ enum {
     CFGEDIT_CLOSE = 14,
 };
 
+// Debugger: a live view of code, registers, stack and memory.
+enum {
+    DEBUG_PLACE = 1,
+    DEBUG_GO = 2,
+    DEBUG_BACK = 3,
+    DEBUG_FOLLOW = 4,
+    DEBUG_MORE = 5,         // the code behind the last line
+    DEBUG_LIVE = 6,
+    DEBUG_CODE = 7,
+    DEBUG_GROUP = 8,        // value = place in CODE_GetRegisterGroups, -1 = general registers
+    DEBUG_REGISTERS = 9,
+    DEBUG_STACK = 10,
+    DEBUG_MEM_PLACE = 11,
+    DEBUG_MEMORY = 12,
+    DEBUG_MESSAGE = 13,
+    DEBUG_COPY = 14,
+    DEBUG_TIMER = 15,
+};
+
 // Menus (bar and submenus).
 enum {
     MENU_FILE = 2,

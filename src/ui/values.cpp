@@ -68,6 +68,10 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
 
+    {PANEL_DEBUGGER, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_DEBUGGER, DEBUG_CODE, KEY_LEFT, KEY_RIGHT, true}, // back, into a jump
+    {PANEL_DEBUGGER, DEBUG_CODE, KEY_BACKSPACE, KEY_BACKSPACE, true},
+
     {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way
     {PANEL_DATA_LOG, LOG_LIST, KEY_CTRL | 'C', KEY_CTRL | 'C', true},

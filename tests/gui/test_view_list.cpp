@@ -243,17 +243,6 @@ TEST_F(ViewListTest, PutsDecimalPointsBelowEachOtherWithinAType)
     list->viewport()->removeEventFilter(&watch);
 }
 
-TEST_F(ViewListTest, MarksAChangedValueForAMoment)
-{
-    drawLine(line(3, "1", UIS_CHANGED), 3);
-    const LineModel *lines = list->lines();
-    EXPECT_TRUE(lines->isFresh(lines->cell(3, VALUE_COLUMN)));
-    EXPECT_FALSE(lines->isFresh(lines->cell(3, 0)));
-    EXPECT_FALSE(lines->isFresh(lines->cell(4, VALUE_COLUMN)));
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return lines->cell(3, VALUE_COLUMN).changedAt == 0; }, 20000));
-}
-
 TEST_F(ViewListTest, HasColumnsTheUserDragsAndSpareOnesForWideWindows)
 {
     QHeaderView *header = list->horizontalHeader();

@@ -75,19 +75,6 @@ TEST_F(ViewTest, ATextBoxFollowsItsEndUnlessTheUserLooksElsewhere)
     }
 }
 
-TEST_F(ViewTest, ATextBoxKeepsTheSelectionWhenRefilledAlike)
-{
-    auto *box = GuiWidget<TextBox>(PANEL_MAIN, MAIN_MEM_BOX);
-    const char text[] = "\n00012340: 11 22\n00012350: 33 44";
-    GuiDrawText(PANEL_MAIN, MAIN_MEM_BOX, text, true);
-    box->selectAll();
-    const QString selected = box->textCursor().selectedText();
-    EXPECT_EQ(selected.size(), 32);
-    GuiDrawText(PANEL_MAIN, MAIN_MEM_BOX, text, true);
-    EXPECT_EQ(box->textCursor().selectedText(), selected);
-    GuiDrawText(PANEL_MAIN, MAIN_MEM_BOX, "", true);
-}
-
 TEST_F(ViewTest, CompletionsComeWhenTheyComeAndOnlyIfTheyStillFit)
 {
     GuiShow(PANEL_ITEM);

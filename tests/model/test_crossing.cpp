@@ -405,29 +405,6 @@ TEST_F(Crossing, EventsHaveTheirTurnBetweenTwoLateTicks)
     EXPECT_EQ((Texts{"tick", "event", "tick"}), heard);
 }
 
-TEST_F(Crossing, LinesThatLeaveABoxAreCounted)
-{
-    program.onControl = [](int, int, int) {
-        SetCtrlVal(WINDOW, BOX, "1\n2\n3\n4\n5\n6");
-        DeleteTextBoxLines(WINDOW, BOX, 0, 2);
-        InsertTextBoxLine(WINDOW, BOX, -1, "7");
-        DeleteTextBoxLines(WINDOW, BOX, 0, 1);
-        return 0;
-    };
-    VIEW_Post(Event(BUTTON, EVENT_COMMIT));
-    HandleAll();
-    const VIEW_Batch batch = Fetch();
-    EXPECT_EQ("1\n2\n3\n4\n5\n6\n7\n", batch.boxes[0].text);
-    EXPECT_EQ(3, batch.boxes[0].dropped);
-    std::string text;
-    GetCtrlVal(WINDOW, BOX, &text);
-    EXPECT_EQ("4\n5\n6\n7", text);
-    DeleteTextBoxLines(WINDOW, BOX, 1, 1);
-    const VIEW_Batch whole = Fetch();
-    EXPECT_TRUE(whole.boxes[0].isReset);
-    EXPECT_EQ("4\n6\n7\n", whole.boxes[0].text);
-}
-
 TEST_F(Crossing, AFullQueueRefusesClicksButNoValues)
 {
     for (size_t i = 0; i < VIEW_EVENTS_MAX; i++)

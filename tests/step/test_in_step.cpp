@@ -363,6 +363,28 @@ TEST_P(BothDrivers, ProofBehindFindsRepeatedAnswers)
     EXPECT_EQ(UCM_LastErrorText(), "answers come more than once");
 }
 
+TEST_P(BothDrivers, AStepIsProvenAndMadeAgain)
+{
+    VL_Schedule repeating;
+    repeating.duplicate = 0.03;
+    start(repeating);
+    int whole = 0;
+    for (uint32_t i = 0; i < 60; ++i) {
+        Value value;
+        value.address = 0x1000 + 300 * i;
+        value.size = 200;
+        uint32_t address = value.address, count = value.size;
+        uint8_t *bytes = value.bytes;
+        int result = 0;
+        while ((result = UCM_ReadBg(1, &address, &count, &bytes)) == 0) {
+        }
+        whole += result;
+        EXPECT_TRUE(result < 0 || (IsRight(value) && count == 0 && bytes == value.bytes + 200))
+            << i;
+    }
+    EXPECT_GT(whole, 50) << "a repeated answer is read again";
+}
+
 TEST_P(BothDrivers, ATargetThatRefusesProbesIsProvenElsewhere)
 {
     VL_Schedule refusing;

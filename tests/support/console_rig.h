@@ -18,6 +18,7 @@
 #include "support/program_state.h"
 #include "support/scratch.h"
 #include "support/ui_reading.h"
+#include "symbols/varnode.h"
 #include "ui/resource.h"
 
 constexpr int RIG_PORT = 7;

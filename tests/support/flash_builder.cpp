@@ -10,7 +10,7 @@ namespace {
 const std::string BASE64 = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 const std::string CODES_6B = ".ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
 
-std::string packDecl(const TMF_Decl &decl)
+std::string PackDecl(const TMF_Decl &decl)
 {
     std::string packed = decl.name;
     for (int i = 0; i < decl.codes; i++)
@@ -18,7 +18,7 @@ std::string packDecl(const TMF_Decl &decl)
     return packed;
 }
 
-size_t sharedLength(const std::string &a, const std::string &b)
+size_t SharedLength(const std::string &a, const std::string &b)
 {
     const size_t most = std::min({a.size(), b.size(), size_t{127}});
     return static_cast<size_t>(
@@ -51,7 +51,7 @@ std::string FLB_PackVarMap(const FlashVars &vars, int form)
     std::string packed = form == 0 ? "" : "#" + std::to_string(form) + "\n";
     std::string before;
     for (const auto &[address, name] : vars) {
-        const size_t shared = form == 0 ? 0 : sharedLength(before, name);
+        const size_t shared = form == 0 ? 0 : SharedLength(before, name);
         const std::string mark = shared > 0 ? std::string(1, static_cast<char>(0x80 | shared)) : "";
         char text[16];
         std::snprintf(text, sizeof text, "%08X ", address);
@@ -72,7 +72,7 @@ std::string FLB_PackDecls(const FlashVars &vars)
     std::string packed;
     for (const auto &var : vars) {
         const TMF_Decl *decl = TMF_FindVarDecl(var.second.c_str());
-        packed += (decl != nullptr ? packDecl(*decl) : "") + "\n";
+        packed += (decl != nullptr ? PackDecl(*decl) : "") + "\n";
     }
     return packed;
 }
@@ -84,7 +84,7 @@ std::string FLB_PackStructs()
         const TMF_Struct &record = TMF_paDefStructCts[i];
         packed += "#" + std::to_string(record.members) + "\n";
         for (int k = 0; k < record.members; k++)
-            packed += packDecl(record.paMembers[k]) + "\n";
+            packed += PackDecl(record.paMembers[k]) + "\n";
     }
     return packed;
 }

@@ -177,7 +177,7 @@ const LongOption *FindOption(const std::string &name)
 }
 
 // Takes the option at argv[*index]; *index ends on its last argument.
-int TakeOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
+int ReadOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
 {
     const char *text = argv[*index];
     const char *equals = std::strchr(text, '=');
@@ -275,7 +275,7 @@ int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *
     int kept = 1;
     for (int i = 1; i < *argc; i++) {
         if (std::strncmp(argv[i], "--", 2) == 0) {
-            if (TakeOption(*argc, argv, &i, options, message) < 0)
+            if (ReadOption(*argc, argv, &i, options, message) < 0)
                 return -1;
         } else if (!options->archive.empty()) {
             options->archiveFiles.push_back(argv[i]);

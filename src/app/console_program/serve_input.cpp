@@ -22,7 +22,7 @@ struct Queue {
 };
 Queue *queue = nullptr;
 
-void Put(Line line)
+void QueueLine(Line line)
 {
     std::unique_lock<std::mutex> lock(queue->mutex);
     queue->hasRoom.wait(lock, [] { return queue->lines.size() < SRI_QUEUE_MAX; });
@@ -41,12 +41,12 @@ void ReadAll()
                 text.push_back(static_cast<char>(c));
             continue;
         }
-        Put({isTooLong ? SRI_TOO_LONG : SRI_LINE, isTooLong ? "" : text});
+        QueueLine({isTooLong ? SRI_TOO_LONG : SRI_LINE, isTooLong ? "" : text});
         text.clear();
         isTooLong = false;
     }
     // A request that was cut off by the end is no request.
-    Put({SRI_END, ""});
+    QueueLine({SRI_END, ""});
 }
 
 } // namespace

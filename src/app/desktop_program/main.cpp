@@ -50,7 +50,7 @@ int main(int argc, char **argv)
         if (std::strcmp(argv[i], "--version") == 0)
             return std::printf("vireo2 %s\n", VR_GetBuildVersion()) < 0 ? 1 : 0;
     }
-    if (VR_TakeTypesOption(&argc, argv) < 0) {
+    if (VR_RemoveTypesOption(&argc, argv) < 0) {
         std::fprintf(stderr, "vireo2: --types needs a file\nTry --help.\n");
         return EXIT_WRONG_OPTION;
     }

@@ -48,7 +48,7 @@ Name Dissect(const std::string &path)
     name.component.resize(std::min(name.component.find_first_of(" +-["), name.component.size()));
     const size_t open = bare.find('['), close = bare.find(']');
     if (open != std::string::npos && close + 1 == bare.size())
-        name.index = CON_Trim(bare.substr(open + 1, close - open - 1));
+        name.index = WRD_Trim(bare.substr(open + 1, close - open - 1));
     return name;
 }
 

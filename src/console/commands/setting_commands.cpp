@@ -121,7 +121,7 @@ int SCR_ListVars(ScrPar *par)
 // The parameter is the whole line. Without a file it says which type map is loaded.
 int SCR_TypeMap(ScrPar *par)
 {
-    const std::string path = CON_Trim(par[0].text + CON_NameLength(par[0].text));
+    const std::string path = WRD_Trim(par[0].text + CON_NameLength(par[0].text));
     std::string message;
     if (!path.empty() && MLD_OpenTypes(path, &message) < 0)
         return SCR_Fail("tm: " + message);

@@ -22,7 +22,8 @@ struct Meter {
     const char *text = "";
     uint32_t perBlock = 1;
     uint32_t blocks = 0;
-    int dialog = 0; // 0 = none
+    uint32_t shown = UINT32_MAX; // the block that stands in the box
+    int dialog = 0;              // 0 = none
 };
 
 uint32_t CountBlocks(uint32_t count, uint32_t perBlock)
@@ -42,13 +43,14 @@ Meter OpenMeter(const TransferSteps &steps)
 }
 
 // Shows how far the transfer is; true once the user wants to go no further.
-bool IsStopped(const Meter &meter, uint32_t at)
+bool IsStopped(Meter *meter, uint32_t at)
 {
-    if (meter.dialog > 0) {
-        const uint32_t done = at / meter.perBlock;
-        const int percent = static_cast<int>(uint64_t(100) * done / meter.blocks);
-        const std::string text = CON_Format("%s%u/%u", meter.text, done, meter.blocks);
-        if (UpdateProgressDialog(meter.dialog, percent, text) == 1)
+    const uint32_t done = at / meter->perBlock;
+    if (meter->dialog > 0 && done != meter->shown) {
+        meter->shown = done;
+        const int percent = static_cast<int>(uint64_t(100) * done / meter->blocks);
+        const std::string text = CON_Format("%s%u/%u", meter->text, done, meter->blocks);
+        if (UpdateProgressDialog(meter->dialog, percent, text) == 1)
             return true;
     }
     return IsBreakWished();
@@ -61,7 +63,7 @@ void CloseMeter(const Meter &meter)
 }
 
 // One stretch from `at` on. What stands in front of a failure is handed over as well.
-void MoveStretch(const TransferSteps &steps, const Meter &meter, uint32_t at, uint32_t count,
+void MoveStretch(const TransferSteps &steps, Meter *meter, uint32_t at, uint32_t count,
                  TransferReport *report)
 {
     const uint32_t exchanges = CountBlocks(count, steps.perExchange);
@@ -89,10 +91,10 @@ void MoveStretch(const TransferSteps &steps, const Meter &meter, uint32_t at, ui
 TransferReport TRF_Run(const TransferSteps &steps)
 {
     TransferReport report;
-    const Meter meter = OpenMeter(steps);
+    Meter meter = OpenMeter(steps);
     for (uint32_t at = 0; at < steps.count && report.result == TRANSFER_DONE;
          at += steps.perStretch)
-        MoveStretch(steps, meter, at, std::min(steps.perStretch, steps.count - at), &report);
+        MoveStretch(steps, &meter, at, std::min(steps.perStretch, steps.count - at), &report);
     CloseMeter(meter);
     return report;
 }

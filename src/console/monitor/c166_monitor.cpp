@@ -12,6 +12,7 @@
 #include "console/script/script_command.h"
 #include "settings/settings.h"
 #include "text/tokens.h"
+#include "text/words.h"
 
 uint32_t dwAddr = 0;
 int CON_nRefused = 0;
@@ -46,7 +47,7 @@ int RefuseArguments(int panel)
 int DumpLetter(int panel, const char *argument)
 {
     if (*argument == 'n')
-        return dump_node(panel, CON_Trim(argument + 1));
+        return dump_node(panel, WRD_Trim(argument + 1));
     const bool isRaw = *argument == 'x';
     const char *cursor = CON_SkipBlanks(argument + (isRaw ? 1 : 0));
     if (!CON_ParseAddress(&cursor, &dwAddr) || *CON_SkipBlanks(cursor) != '\0')
@@ -56,7 +57,7 @@ int DumpLetter(int panel, const char *argument)
 
 int ScriptLetter(int panel, const char *argument)
 {
-    return SCR_RunAndReport(CON_Trim(argument), panel);
+    return SCR_RunAndReport(WRD_Trim(argument), panel);
 }
 
 int StoreLetter(int panel, const char *argument)

@@ -10,6 +10,7 @@
 #include "settings/settings.h"
 #include "symbols/varnode.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "watch/windows/name_completion.h"
 
 namespace {
@@ -64,7 +65,7 @@ int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string
     const std::string before = line.substr(0, cursor);
     const size_t start = FindWordStart(before);
     const std::string word = before.substr(start);
-    const std::string ahead = CON_Trim(before.substr(0, start));
+    const std::string ahead = WRD_Trim(before.substr(0, start));
     if (ahead == "!")
         AddScripts(word, candidates);
     else if (ahead.empty() && command == CMD_C166)

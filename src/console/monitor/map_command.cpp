@@ -11,6 +11,7 @@
 #include "symbols/mapfile.h"
 #include "symbols/varnode.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
@@ -107,9 +108,9 @@ int RdMapFile(int, const char *text)
 {
     const std::string form(text, CON_WordLength(text));
     if (form.empty())
-        return LoadOrReport(C166_MAP, CON_Trim(text));
+        return LoadOrReport(C166_MAP, WRD_Trim(text));
     if (form == "t")
-        return LoadOrReport(TMS_MAP, CON_Trim(text + 1));
+        return LoadOrReport(TMS_MAP, WRD_Trim(text + 1));
     if (form == "f" || form == "fn" || form == "fo")
         return LoadFromFlash(form == "fo");
     return PrintSyntax();

@@ -22,6 +22,7 @@
 #include "text/bytes.h"
 #include "text/tokens.h"
 #include "text/txfr.h"
+#include "text/words.h"
 #include "watch/value/tms_float.h"
 
 namespace {
@@ -31,6 +32,7 @@ constexpr uint32_t C166_STORE_LAST = 0x3FFFF; // a store reaches the first 256 K
 constexpr uint32_t TMS_STORE_LAST = 0xFFFFFF; // words: whatever the mailbox takes
 constexpr uint32_t ITEMS_MAX = 0x40000;       // of a file: more would take days
 constexpr uint32_t ITEMS_STRETCH = 64;        // with one proof behind them
+constexpr uint32_t ITEMS_BLOCK = 16;          // that the meter counts
 constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 constexpr char BAD_TRANSFER[] = "\nMessage not succesful.";
 
@@ -84,7 +86,8 @@ TransferSteps PlanItems(uint32_t count)
 {
     TransferSteps steps;
     steps.count = count;
-    steps.perStretch = steps.perBlock = ITEMS_STRETCH;
+    steps.perStretch = ITEMS_STRETCH;
+    steps.perBlock = ITEMS_BLOCK;
     steps.meterText = TRF_METER_BINARY;
     return steps;
 }
@@ -264,7 +267,7 @@ int LoadFile(const MemoryFileRequest &request, const Sink &sink)
 bool ParseFileName(const char **cursor, std::string *fileName)
 {
     const size_t length = std::strcspn(*cursor, ",");
-    *fileName = CON_Trim(std::string(*cursor, length));
+    *fileName = WRD_Trim(std::string(*cursor, length));
     *cursor += length;
     return !fileName->empty();
 }

@@ -11,6 +11,7 @@
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/main_window.h"
 
@@ -30,27 +31,13 @@ void TrimText()
         DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
 }
 
-__attribute__((format(printf, 1, 0))) std::string FormatList(const char *format, va_list arguments)
-{
-    va_list copy;
-    va_copy(copy, arguments);
-    const int length = std::vsnprintf(nullptr, 0, format, copy);
-    va_end(copy);
-    if (length < 0)
-        return "";
-    std::string text(static_cast<size_t>(length) + 1, '\0');
-    std::vsnprintf(&text[0], text.size(), format, arguments);
-    text.pop_back();
-    return text;
-}
-
 } // namespace
 
 std::string CON_Format(const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string text = FormatList(format, arguments);
+    std::string text = WRD_FormatList(format, arguments);
     va_end(arguments);
     return text;
 }
@@ -59,7 +46,7 @@ void CON_Print(const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    PrintMonStr(FormatList(format, arguments));
+    PrintMonStr(WRD_FormatList(format, arguments));
     va_end(arguments);
 }
 

@@ -112,7 +112,7 @@ bool ExecuteLine(Script *script, int panel)
 }
 
 // A command that asks the user leaves its jump here; false when the label is not found.
-bool TakeRequestedJump(Script *script)
+bool FollowRequestedJump(Script *script)
 {
     if (!SCR_bGotoCmd)
         return true;
@@ -126,7 +126,7 @@ int RunScript(Script *script, int panel)
 {
     std::string line; // the last one run: looking for a label reads on
     while (!SCR_isExit) {
-        const bool isFound = TakeRequestedJump(script);
+        const bool isFound = FollowRequestedJump(script);
         if (isFound && !ReadLine(script))
             return 0;
         if (isFound) {

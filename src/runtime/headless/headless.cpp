@@ -36,7 +36,7 @@ void Print(std::FILE *stream, const std::string &text)
 }
 
 // For the eye, behind what was printed before it.
-void Say(const std::string &text)
+void PrintForPerson(const std::string &text)
 {
     if (!headless.err)
         return;
@@ -90,7 +90,7 @@ int FindButton(const std::vector<std::string> &buttons, const std::string &line)
 Answer AskForText(const VIEW_Question &question)
 {
     std::string line;
-    Say("[" + question.text + "] (a single point cancels) ");
+    PrintForPerson("[" + question.text + "] (a single point cancels) ");
     if (!headless.readLine(&line) || line == ".")
         return {};
     return {1, line.empty() ? question.text : line};
@@ -102,7 +102,7 @@ Answer AskForButton(const std::vector<std::string> &buttons)
     for (size_t i = 0; i < buttons.size(); i++)
         choice += (i > 0 ? ", " : "") + std::to_string(i + 1) + " " + WithoutMark(buttons[i]);
     for (;;) {
-        Say("(" + choice + ") ");
+        PrintForPerson("(" + choice + ") ");
         if (!headless.readLine(&line))
             return {};
         if (const int button = FindButton(buttons, line))
@@ -113,7 +113,7 @@ Answer AskForButton(const std::vector<std::string> &buttons)
 Answer AskAtTerminal(const VIEW_Question &question)
 {
     if (question.kind == VIEW_FILE) {
-        Say(question.title + ": ");
+        PrintForPerson(question.title + ": ");
         return AskForText(question);
     }
     if (question.hasEntry)
@@ -122,7 +122,7 @@ Answer AskAtTerminal(const VIEW_Question &question)
         return AskForButton(ButtonsOf(question));
     std::string line;
     if (question.title != "Error") { // there is nothing to be done before one goes on
-        Say("(Enter) ");
+        PrintForPerson("(Enter) ");
         headless.readLine(&line);
     }
     return {1, ""};
@@ -143,7 +143,7 @@ Answer AnswerAlone(const VIEW_Question &question)
     const std::string name =
         button == 0 ? "cancelled" : WithoutMark(buttons[static_cast<size_t>(button) - 1]);
     if (question.kind != VIEW_FILE && headless.defaultAnswer == HL_ANSWER_SAFE)
-        Say("(answered: " + name + ")\n");
+        PrintForPerson("(answered: " + name + ")\n");
     return {button, ""};
 }
 
@@ -164,7 +164,7 @@ void OnQuestion(const VIEW_Question &question)
 {
     headless.popups.push_back(question.title + ": " + question.message);
     if (question.kind != VIEW_FILE)
-        Say(question.title + ": " + question.message + "\n");
+        PrintForPerson(question.title + ": " + question.message + "\n");
     const Answer answer = FindAnswer(question);
     VIEW_Event event;
     event.kind = VIEW_EVENT_ANSWER;
@@ -213,7 +213,7 @@ void OnBatch(const VIEW_Batch &batch)
     if (batch.popupMenu != 0)
         headless.popupMenu = batch.popupMenu;
     if (!batch.helpFile.empty())
-        Say("The help text is " + batch.helpFile + "\n");
+        PrintForPerson("The help text is " + batch.helpFile + "\n");
     if (batch.hasClipboard)
         headless.clipboard = batch.clipboard;
     if (batch.question.id != 0)

@@ -9,7 +9,7 @@ namespace {
 
 // Posts the event as a window would, and lets the program handle it. What its callback
 // answered, or why it was dropped.
-int Do(const VIEW_Event &event)
+int PostAndHandle(const VIEW_Event &event)
 {
     MDL_Flush(); // a user acts on what is on the screen
     VIEW_Post(event);
@@ -47,7 +47,7 @@ template <class Fill> int Act(int panel, int control, int event, Fill fill)
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
         VIEW_Event made = EventOf(*c, event);
         const int error = fill(*c, &made);
-        return error < 0 ? error : Do(made);
+        return error < 0 ? error : PostAndHandle(made);
     });
 }
 
@@ -59,7 +59,7 @@ int PanelEvent(int panel, int event, int value)
         made.panel = panel;
         made.event = event;
         made.value = value;
-        return Do(made);
+        return PostAndHandle(made);
     });
 }
 
@@ -95,7 +95,7 @@ int PressInControl(MDL_Control *c, int key)
     focus.kind = VIEW_EVENT_FOCUS;
     focus.panel = panel;
     focus.control = control;
-    Do(focus);
+    PostAndHandle(focus);
     const UI_KeyRow *row = UI_FindKey(panel, control, key);
     if (row)
         HL_Event(panel, control, EVENT_KEYPRESS, key);
@@ -116,7 +116,7 @@ int HL_ClickMenu(int item)
     event.kind = VIEW_EVENT_MENU;
     event.item = item;
     event.value = found->state.isChecked;
-    return Do(event);
+    return PostAndHandle(event);
 }
 
 int HL_Event(int panel, int control, int event, int data)
@@ -240,7 +240,7 @@ int HL_ResizePanel(int panel, int height, int width)
         event.rect = p->state.rect;
         event.rect.height = height;
         event.rect.width = width;
-        return Do(event);
+        return PostAndHandle(event);
     });
 }
 

@@ -74,7 +74,7 @@ bool IsSelectionNew(const MDL_Control &list)
     return list.current != list.shownCurrent || list.selected != list.shownSelected;
 }
 
-void TakeList(MDL_Control *list, VIEW_Batch *batch)
+void CollectList(MDL_Control *list, VIEW_Batch *batch)
 {
     KeepSelection(list);
     VIEW_List change;
@@ -97,7 +97,7 @@ void TakeList(MDL_Control *list, VIEW_Batch *batch)
         batch->lists.push_back(std::move(change));
 }
 
-void TakeBox(MDL_Control *control, VIEW_Batch *batch)
+void CollectBox(MDL_Control *control, VIEW_Batch *batch)
 {
     control->boxChange.panel = control->row->panel;
     control->boxChange.control = control->row->control;
@@ -106,16 +106,16 @@ void TakeBox(MDL_Control *control, VIEW_Batch *batch)
     control->isBoxChanged = false;
 }
 
-void TakeControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
+void CollectControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
 {
     if (control->state.mask != 0) {
         batch->controls.push_back(control->state);
         control->state.mask = 0;
     }
     if (hasLists && (control->listMask != 0 || control->isLoose || IsSelectionNew(*control)))
-        TakeList(control, batch);
+        CollectList(control, batch);
     if (control->isBoxChanged)
-        TakeBox(control, batch);
+        CollectBox(control, batch);
     if (control->graphMask != 0) {
         batch->graphs.push_back({control->row->panel, control->row->control, control->graphMask,
                                  control->plots, control->axes, control->graph});
@@ -123,7 +123,7 @@ void TakeControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
     }
 }
 
-void TakePanels(MDL_State *state, VIEW_Batch *batch)
+void CollectPanels(MDL_State *state, VIEW_Batch *batch)
 {
     const auto take = [&](MDL_Panel &panel) {
         if (panel.state.mask != 0)
@@ -140,7 +140,7 @@ void TakePanels(MDL_State *state, VIEW_Batch *batch)
     state->shownOrder.clear();
 }
 
-void TakeItems(MDL_State *state, VIEW_Batch *batch)
+void CollectItems(MDL_State *state, VIEW_Batch *batch)
 {
     for (MDL_Item &item : state->items) {
         if (item.isChanged)
@@ -155,10 +155,10 @@ void TakeItems(MDL_State *state, VIEW_Batch *batch)
 bool IsEmpty(const VIEW_Batch &batch)
 {
     return batch.panels.empty() && batch.items.empty() && batch.controls.empty() &&
-           batch.lists.empty() && batch.boxes.empty() && batch.graphs.empty() && batch.completions.empty() &&
-           batch.progress.empty() && batch.popupMenu == 0 && batch.question.id == 0 &&
-           batch.closedQuestion == 0 && !batch.hasClipboard && batch.helpFile.empty() &&
-           !batch.isEnded;
+           batch.lists.empty() && batch.boxes.empty() && batch.graphs.empty() &&
+           batch.completions.empty() && batch.progress.empty() && batch.popupMenu == 0 &&
+           batch.question.id == 0 && batch.closedQuestion == 0 && !batch.hasClipboard &&
+           batch.helpFile.empty() && !batch.isEnded;
 }
 
 } // namespace
@@ -175,12 +175,12 @@ void MDL_Flush(bool hasLists)
     MDL_State &state = MDL_GetState();
     VIEW_Batch batch = std::move(state.extra);
     state.extra = VIEW_Batch();
-    TakePanels(&state, &batch);
-    TakeItems(&state, &batch);
+    CollectPanels(&state, &batch);
+    CollectItems(&state, &batch);
     for (MDL_Panel &panel : state.panels)
         if (panel.isLoaded)
             for (MDL_Control &control : panel.controls)
-                TakeControl(&control, hasLists, &batch);
+                CollectControl(&control, hasLists, &batch);
     state.flushedUs = PLT_TickUs();
     if (!IsEmpty(batch))
         DOOR_Put(std::move(batch), state.stamp);

@@ -330,7 +330,7 @@ void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp)
         VIEW_Wake();
 }
 
-bool DOOR_TakeEvents(std::deque<VIEW_Event> *queue)
+bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue)
 {
     if (!hasEvents)
         return false;

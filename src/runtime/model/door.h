@@ -15,7 +15,7 @@ void DOOR_Reset();
 void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp);
 // Moves the events that have come to the end of *queue. False when there were none; costs
 // next to nothing then.
-bool DOOR_TakeEvents(std::deque<VIEW_Event> *queue);
+bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue);
 // Replaces the last event of a queue by one that says the same of a later moment (a value,
 // a place). False when it has to stand on its own.
 bool DOOR_Coalesce(std::deque<VIEW_Event> *queue, const VIEW_Event &event);

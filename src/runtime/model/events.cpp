@@ -251,7 +251,7 @@ int HandleEnd()
     return 0;
 }
 
-int Handle(const VIEW_Event &event)
+int HandleEvent(const VIEW_Event &event)
 {
     if (ApplyQuiet(event))
         return 0;
@@ -269,10 +269,10 @@ int Handle(const VIEW_Event &event)
     }
 }
 
-void TakeEvents(MDL_State *state)
+void FetchEvents(MDL_State *state)
 {
     // A newer value may take the place of an event that is in the model already.
-    if (DOOR_TakeEvents(&state->queue) && !state->isCaught.empty())
+    if (DOOR_FetchEvents(&state->queue) && !state->isCaught.empty())
         state->isCaught.back() = false;
     state->isCaught.resize(state->queue.size(), false);
 }
@@ -321,7 +321,7 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
 void MDL_CatchUp()
 {
     MDL_State &state = MDL_GetState();
-    TakeEvents(&state);
+    FetchEvents(&state);
     for (size_t i = 0; i < state.queue.size(); i++) {
         const VIEW_Event &event = state.queue[i];
         if (state.isCaught[i])
@@ -346,7 +346,7 @@ void MDL_CatchUp()
 bool MDL_HandleNext()
 {
     MDL_State &state = MDL_GetState();
-    TakeEvents(&state);
+    FetchEvents(&state);
     if (state.queue.empty())
         return false;
     const VIEW_Event event = std::move(state.queue.front());
@@ -354,7 +354,7 @@ bool MDL_HandleNext()
     state.isCaught.pop_front();
     ForgetCaught(&state, event);
     DOOR_EndUrgent(event);
-    state.result = Handle(event);
+    state.result = HandleEvent(event);
     DOOR_CountHandled();
     if (state.depth == 0)
         MDL_Flush();

@@ -12,7 +12,7 @@ constexpr int KNOB_INSET = 2;
 constexpr int TEXT_GAP = 7;
 constexpr int FRAME = 3; // room for the focus ring around the track
 
-const QColor colorOn(0x1F, 0x8A, 0x4C);
+const QColor COLOR_ON(0x1F, 0x8A, 0x4C);
 
 } // namespace
 
@@ -52,7 +52,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     const QColor ground = palette().color(QPalette::Window);
     const QColor off = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.45);
     painter.setBrush(!isEnabled()  ? LOOK_Blend(off, ground, 0.4)
-                     : isChecked() ? LOOK_Readable(colorOn, ground)
+                     : isChecked() ? LOOK_Readable(COLOR_ON, ground)
                                    : off);
     painter.drawRoundedRect(track, radius, radius);
 

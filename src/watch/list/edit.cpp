@@ -38,7 +38,7 @@ void Changed(int line)
 }
 
 // Does the steps of one edit, which undo takes back as a whole.
-void Do(const HIS_Edit &edit, int line)
+void MakeEdit(const HIS_Edit &edit, int line)
 {
     for (const HIS_Step &step : edit.steps)
         HIS_Apply(step);
@@ -60,7 +60,7 @@ void Replace(int index, const LItem &item)
 {
     HIS_Step step = StepOf(HIS_REPLACE, index);
     step.after = item;
-    Do({"change " + LIT_Label(step.before), {step}}, index);
+    MakeEdit({"change " + LIT_Label(step.before), {step}}, index);
 }
 
 // Sorted, each once. False when one is no line of the list, or there is none.
@@ -130,7 +130,7 @@ int InsertItem(const LItem &item, int position)
         return EDT_ERR_INDEX;
     HIS_Step step = StepOf(HIS_INSERT, position);
     step.after = item;
-    Do({"add " + LIT_Label(item), {step}}, position);
+    MakeEdit({"add " + LIT_Label(item), {step}}, position);
     return position;
 }
 
@@ -305,7 +305,7 @@ int EDT_RemoveLines(std::vector<int> lines)
     edit.what = "remove " + CountOrLabel(lines);
     for (auto line = lines.rbegin(); line != lines.rend(); ++line) // the last first: indices hold
         edit.steps.push_back(StepOf(HIS_REMOVE, *line));
-    Do(edit, lines.front());
+    MakeEdit(edit, lines.front());
     return 0;
 }
 
@@ -317,7 +317,7 @@ int EDT_Move(int from, int to)
         return 0;
     HIS_Step step = StepOf(HIS_MOVE, from);
     step.to = to;
-    Do({"move " + LIT_Label(aLItems[from]), {step}}, to);
+    MakeEdit({"move " + LIT_Label(aLItems[from]), {step}}, to);
     return 0;
 }
 
@@ -335,7 +335,7 @@ int EDT_MoveLines(std::vector<int> lines, int by)
         step.to = line + by;
         edit.steps.push_back(step);
     }
-    Do(edit, lines.front() + by);
+    MakeEdit(edit, lines.front() + by);
     for (int &line : lines)
         line += by;
     LSV_SelectLines(lines);

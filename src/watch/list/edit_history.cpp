@@ -7,7 +7,7 @@ namespace {
 std::vector<HIS_Edit> done, undone;
 
 // An item that comes back may have been away while another map was loaded.
-void Put(int index, const LItem &item)
+void SetItem(int index, const LItem &item)
 {
     aLItems[index] = item;
     aLItems[index].isHeld = false;
@@ -18,7 +18,7 @@ void Insert(int index, const LItem &item)
 {
     std::move_backward(aLItems + index, aLItems + nLItems, aLItems + nLItems + 1);
     ++nLItems;
-    Put(index, item);
+    SetItem(index, item);
 }
 
 void Remove(int index)
@@ -61,7 +61,7 @@ void HIS_Apply(const HIS_Step &step)
         Remove(step.index);
         break;
     case HIS_REPLACE:
-        Put(step.index, step.after);
+        SetItem(step.index, step.after);
         break;
     case HIS_MOVE:
         Move(step.index, step.to);

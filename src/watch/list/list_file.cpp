@@ -123,7 +123,7 @@ struct ReadFile {
 };
 
 // One line of the text: its item, if it gives one, and what kind of line it is.
-LAY_Kind TakeLine(const char *text, int number, ReadFile *file)
+LAY_Kind ReadItemLine(const char *text, int number, ReadFile *file)
 {
     LineFields line;
     LItem item;
@@ -168,7 +168,7 @@ int ReadDebugFile(const std::string &path, ReadFile *file)
             break;
         }
         file->isFull = file->isFull || file->items.size() >= LITEMS_MAX;
-        const LAY_Kind kind = file->isFull ? LAY_OTHER : TakeLine(text, number, file);
+        const LAY_Kind kind = file->isFull ? LAY_OTHER : ReadItemLine(text, number, file);
         const long position = TXFR_GetFilePos(reader); // negative: the file ends here
         const size_t end = position < 0 ? content.size() : static_cast<size_t>(position);
         const bool isBroken = TXFR_IsBrokenLine(reader) == 1;

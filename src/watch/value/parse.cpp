@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "text/words.h"
 #include "watch/list/litem.h"
 #include "watch/value/tms_float.h"
 
@@ -33,7 +34,7 @@ int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
 }
 
 // Takes the mark of the base off; the base.
-int TakeBase(std::string *text, int plainBase)
+int CutBaseMark(std::string *text, int plainBase)
 {
     if (text->rfind("0x", 0) == 0) {
         text->erase(0, 2);
@@ -57,7 +58,7 @@ int ParseNumber(std::string text, int plainBase, Number *number)
         number->isNegative = text[0] == '-';
         text.erase(0, 1);
     }
-    const int base = TakeBase(&text, plainBase);
+    const int base = CutBaseMark(&text, plainBase);
     number->isPattern = base != 10;
     return DigitsToAmount(text, base, &number->amount);
 }
@@ -102,10 +103,7 @@ std::string PRS_Normal(const std::string &text)
     std::string result;
     for (const char c : text)
         result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    const size_t begin = result.find_first_not_of(" \t");
-    if (begin == std::string::npos)
-        return "";
-    return result.substr(begin, result.find_last_not_of(" \t") - begin + 1);
+    return WRD_Trim(result);
 }
 
 int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)

@@ -115,11 +115,7 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
         const int offset = row * ROW_BYTES;
         AppendFormat(&text, "\n%08lx(%+3i): ",
                      static_cast<unsigned long>(address + static_cast<uint32_t>(offset)), offset);
-        for (int i = 0; i < ROW_BYTES; ++i)
-            AppendFormat(&text, " %02X", bytes[i]);
-        text += "  ";
-        for (int i = 0; i < ROW_BYTES; ++i)
-            text += bytes[i] >= 0x20 && bytes[i] < 0x7F ? static_cast<char>(bytes[i]) : '.';
+        text += " " + BYT_Hex(bytes, ROW_BYTES) + "  " + BYT_Plain(bytes, ROW_BYTES);
     }
     return text;
 }
@@ -190,7 +186,7 @@ std::string WordsText(uint32_t address, const uint32_t *words)
     return text;
 }
 
-void TakeItemType(int index)
+void UseItemType(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
@@ -202,7 +198,7 @@ void TakeItemType(int index)
 
 int ReadMemory(uint32_t address, int index)
 {
-    TakeItemType(index);
+    UseItemType(index);
     if (index < 0 || index >= nLItems || !LIT_IsTMS(aLItems[index]))
         return read166Memory(address) == 0 ? 0 : -1;
     SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
@@ -267,7 +263,7 @@ void MBX_Update(int selected)
         SetCtrlVal(mainPanel, MAIN_MEM_MODE, 1);
         readTMSMemory(place.address);
     } else {
-        TakeItemType(selected);
+        UseItemType(selected);
         read166Memory(place.address);
     }
     typedStation = -1;

@@ -40,7 +40,7 @@ struct Range {
 };
 Range range;
 
-void Say(const std::string &text, int color)
+void ShowOutcome(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, MEMORY_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, MEMORY_RESULT, text);
@@ -166,21 +166,22 @@ void ShowPlace()
 }
 
 // The range that is typed, into *wanted; false, with the reason said, when it is none.
-bool TakeTyped(Range *wanted)
+bool ReadTypedRange(Range *wanted)
 {
     std::string message;
     int count = 0, station = -1;
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
     if (!FindStart(&wanted->start, &station, &message)) {
-        Say(message, COLOR_BAD);
+        ShowOutcome(message, COLOR_BAD);
         return false;
     }
     if (count < 1 || count > MEMORY_BYTES_MAX) {
-        Say("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.", COLOR_BAD);
+        ShowOutcome("The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.",
+                    COLOR_BAD);
         return false;
     }
     if (static_cast<uint32_t>(count) > ADDR_LIMIT - wanted->start) {
-        Say("The range ends beyond the target's memory.", COLOR_BAD);
+        ShowOutcome("The range ends beyond the target's memory.", COLOR_BAD);
         return false;
     }
     wanted->station = station < 0 ? STATION : station;
@@ -211,10 +212,10 @@ void ShowAge()
 void ReadAndShow()
 {
     Range wanted;
-    if (!TakeTyped(&wanted))
+    if (!ReadTypedRange(&wanted))
         return;
     if (!VR_EnsureCom()) {
-        Say(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF, COLOR_BAD);
         return;
     }
     const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
@@ -228,11 +229,11 @@ void ReadAndShow()
     ShowRange();
     ShowAge();
     if (isRead)
-        Say("Read " + std::to_string(count) + " bytes from station " +
-                std::to_string(range.station) + ".",
-            COLOR_PLAIN);
+        ShowOutcome("Read " + std::to_string(count) + " bytes from station " +
+                        std::to_string(range.station) + ".",
+                    COLOR_PLAIN);
     else
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
 }
 
 // --- writing ----------------------------------------------------------------------------
@@ -262,15 +263,15 @@ void Compare(uint32_t address, const Bytes &before, const Bytes &wanted, const B
         char text[80];
         std::snprintf(text, sizeof text, " 0x%06X: wrote %02X, the target holds %02X.",
                       address + static_cast<uint32_t>(i), wanted[i], held[i]);
-        Say(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
+        ShowOutcome(std::string("DIFFERENT at byte address") + text, COLOR_WARN);
         return;
     }
     size_t changed = 0;
     for (size_t i = 0; i < wanted.size(); ++i)
         changed += wanted[i] != before[i];
-    Say("OK: Written and read back: " + std::to_string(changed) +
-            (changed == 1 ? " byte." : " bytes."),
-        COLOR_GOOD);
+    ShowOutcome("OK: Written and read back: " + std::to_string(changed) +
+                    (changed == 1 ? " byte." : " bytes."),
+                COLOR_GOOD);
 }
 
 void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
@@ -279,12 +280,13 @@ void WriteLine(size_t first, const Bytes &before, const Bytes &wanted)
     const bool isWritten = WriteChanged(address, before, wanted);
     std::string cause = isWritten ? "" : UCM_LastErrorText();
     if (!isWritten)
-        Say("FAILED: Not written, or only in part: " + cause + ".", COLOR_BAD);
+        ShowOutcome("FAILED: Not written, or only in part: " + cause + ".", COLOR_BAD);
     Bytes held(before.size());
     const bool isRead = RDI_ReadBytes(range.station, address, static_cast<uint32_t>(held.size()),
                                       held.data(), &cause) == 0;
     if (isWritten && !isRead)
-        Say("NOT VERIFIED: Written, but the line could not be read: " + cause + ".", COLOR_WARN);
+        ShowOutcome("NOT VERIFIED: Written, but the line could not be read: " + cause + ".",
+                    COLOR_WARN);
     if (!isRead)
         return;
     std::copy(held.begin(), held.end(), range.bytes.begin() + static_cast<long>(first));
@@ -308,19 +310,19 @@ void WriteAndShow()
     Bytes wanted;
     std::string text;
     if (!IsPlaceShown()) {
-        Say("REFUSED: The bytes are those of " + PlaceText(range.start, range.station) +
-                ": press Read for the place above.",
-            COLOR_BAD);
+        ShowOutcome("REFUSED: The bytes are those of " + PlaceText(range.start, range.station) +
+                        ": press Read for the place above.",
+                    COLOR_BAD);
         return;
     }
     GetCtrlVal(PANEL, MEMORY_LINE, &text);
     const std::string error = BYT_Parse(text, before.size(), &wanted);
     if (!error.empty())
-        Say("REFUSED: " + error, COLOR_BAD);
+        ShowOutcome("REFUSED: " + error, COLOR_BAD);
     else if (wanted == before)
-        Say("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
+        ShowOutcome("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
     else if (!VR_EnsureCom())
-        Say(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
     else
         WriteLine(first, before, wanted);
 }
@@ -344,7 +346,7 @@ void CopyLines()
         if (GetLabelFromIndex(PANEL, MEMORY_LIST, i, &label) >= 0)
             text += UIC_JoinColumns(label, "\t") + "\n";
     if (ClipboardPutText(text) == 0)
-        Say("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
+        ShowOutcome("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
 }
 
 bool IsPressed(int event, int data)
@@ -378,7 +380,7 @@ void MMP_Open(int index)
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, MEMORY_ADDRESS);
-    Say("", COLOR_PLAIN);
+    ShowOutcome("", COLOR_PLAIN);
     if (hasPlace && isTimer)
         ReadAndShow();
 }

@@ -167,7 +167,7 @@ void ShowLevel(const std::string &selected)
     ShowSelected();
 }
 
-bool Go(const std::string &path, uint32_t first, const std::string &selected)
+bool ShowPath(const std::string &path, uint32_t first, const std::string &selected)
 {
     if (!BuildLevel(path, first, &level))
         return false;
@@ -179,7 +179,7 @@ void GoUp()
 {
     const std::string from = level.path;
     if (!from.empty())
-        Go(ParentOf(from), PageOf(from), from);
+        ShowPath(ParentOf(from), PageOf(from), from);
 }
 
 // What a user typed: a level, or a plain member, which is then selected on its level.
@@ -189,12 +189,12 @@ bool GoTo(const std::string &text)
     const std::string path = begin == std::string::npos
                                  ? ""
                                  : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
-    if (Go(path, 0, ""))
+    if (ShowPath(path, 0, ""))
         return true;
     uint32_t offset = 0;
     const bool isMember = LastSelection(path) != std::string::npos &&
                           TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
-    if (isMember && Go(ParentOf(path), PageOf(path), path))
+    if (isMember && ShowPath(ParentOf(path), PageOf(path), path))
         return true;
     SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
     return false;
@@ -204,7 +204,7 @@ void OpenSelected()
 {
     const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && row->hasParts)
-        Go(std::string(row->expression), 0, "");
+        ShowPath(std::string(row->expression), 0, "");
 }
 
 void AddSelected()
@@ -239,8 +239,10 @@ const ActionRow BUTTONS[] = {
     {STRSEL_OPEN, OpenSelected},
     {STRSEL_COPY, CopySelected},
     {STRSEL_CLOSE, [] { HidePanel(PANEL); }},
-    {STRSEL_PREVIOUS, [] { Go(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
-    {STRSEL_NEXT, [] { Go(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
+    {STRSEL_PREVIOUS,
+     [] { ShowPath(std::string(level.path), level.first - TMF_LIST_ELEMENTS_MAX, ""); }},
+    {STRSEL_NEXT,
+     [] { ShowPath(std::string(level.path), level.first + TMF_LIST_ELEMENTS_MAX, ""); }},
 };
 const ActionRow LIST_KEYS[] = {{KEY_BACKSPACE, GoUp}, {KEY_LEFT, GoUp}, {KEY_RIGHT, OpenSelected}};
 
@@ -261,8 +263,8 @@ void TMF_CreateStructSelector()
 {
     const TMF_ListRow *row = SelectedRow();
     const std::string selected = row != nullptr ? row->expression : "";
-    if (!Go(std::string(level.path), level.first, selected))
-        Go("", 0, "");
+    if (!ShowPath(std::string(level.path), level.first, selected))
+        ShowPath("", 0, "");
 }
 
 int TMF_DisplayStructSelector(const std::string &expression)

@@ -45,7 +45,7 @@ const OutcomeRow &OutcomeOf(int result)
     return refusedRow;
 }
 
-void Say(const std::string &text, int color)
+void ShowOutcome(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, VALUE_RESULT, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, VALUE_RESULT, text);
@@ -64,9 +64,9 @@ int CurrentIndex()
     std::string said;
     GetCtrlVal(PANEL, VALUE_RESULT, &said);
     if (index < 0)
-        Say(ITEM_GONE, COLOR_BAD);
+        ShowOutcome(ITEM_GONE, COLOR_BAD);
     else if (said == ITEM_GONE)
-        Say("", COLOR_PLAIN);
+        ShowOutcome("", COLOR_PLAIN);
     if (index >= 0)
         shown.index = index;
     return index;
@@ -122,7 +122,7 @@ int ColorOf(const LItem &item)
 }
 
 // Goes over the screen four times a second: what is the same stays untouched.
-void Put(int control, const std::string &text)
+void SetText(int control, const std::string &text)
 {
     std::string before;
     if (GetCtrlVal(PANEL, control, &before) < 0 || before != text)
@@ -131,16 +131,16 @@ void Put(int control, const std::string &text)
 
 void ShowItem(const LItem &item)
 {
-    Put(VALUE_NAME, LIT_Label(item));
-    Put(VALUE_ADDRESS, AddressText(item));
-    Put(VALUE_STATION, StationText(item));
-    Put(VALUE_TYPE, TypeText(item));
-    Put(VALUE_SHOWN, ListText(item));
-    Put(VALUE_DECIMAL, VFM_Decimal(item));
-    Put(VALUE_HEX, VFM_Hex(item));
-    Put(VALUE_BINARY, VFM_Binary(item));
-    Put(VALUE_FLOAT, VFM_Float(item));
-    Put(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
+    SetText(VALUE_NAME, LIT_Label(item));
+    SetText(VALUE_ADDRESS, AddressText(item));
+    SetText(VALUE_STATION, StationText(item));
+    SetText(VALUE_TYPE, TypeText(item));
+    SetText(VALUE_SHOWN, ListText(item));
+    SetText(VALUE_DECIMAL, VFM_Decimal(item));
+    SetText(VALUE_HEX, VFM_Hex(item));
+    SetText(VALUE_BINARY, VFM_Binary(item));
+    SetText(VALUE_FLOAT, VFM_Float(item));
+    SetText(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
     SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR, ColorOf(item));
     SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TOOLTIP_TEXT, AGE_Tip(item));
     for (const int control : {VALUE_READ, VALUE_WRITE})
@@ -151,7 +151,7 @@ void ShowGone()
 {
     for (const int control :
          {VALUE_SHOWN, VALUE_DECIMAL, VALUE_HEX, VALUE_BINARY, VALUE_FLOAT, VALUE_HINT})
-        Put(control, "-");
+        SetText(control, "-");
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
@@ -172,13 +172,13 @@ void ReadAndShow()
     if (index < 0)
         return;
     if (!VR_EnsureCom()) {
-        Say("Not read: communication is off.", COLOR_BAD);
+        ShowOutcome("Not read: communication is off.", COLOR_BAD);
         return;
     }
     if (ReadItem(index))
-        Say("", COLOR_PLAIN);
+        ShowOutcome("", COLOR_PLAIN);
     else
-        Say("Not read: " + aLItems[index].reason + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + aLItems[index].reason + ".", COLOR_BAD);
 }
 
 // What cannot be a value is refused before anybody is asked about communication.
@@ -192,13 +192,13 @@ void WriteAndShow()
     uint64_t bits = 0;
     int result = WRV_Parse(aLItems[index], text, &bits, &message);
     if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
-        Say("REFUSED: The value was not written: communication is off.", COLOR_BAD);
+        ShowOutcome("REFUSED: The value was not written: communication is off.", COLOR_BAD);
         return;
     }
     if (result == WRV_OK)
         result = WRV_Write(index, text, &message);
     VLP_Refresh();
-    Say(OutcomeOf(result).word + message, OutcomeOf(result).color);
+    ShowOutcome(OutcomeOf(result).word + message, OutcomeOf(result).color);
     if (result == WRV_OK)
         SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
     SetActiveCtrl(PANEL, VALUE_NEW);
@@ -223,7 +223,7 @@ void VLP_Open(int index)
     if (index < 0 || index >= nLItems)
         return;
     shown = EDT_Refer(index);
-    Say("", COLOR_PLAIN);
+    ShowOutcome("", COLOR_PLAIN);
     SetCtrlVal(PANEL, VALUE_NEW, "");
     SetCtrlAttribute(PANEL, VALUE_TIMER, ATTR_INTERVAL, VALUE_PERIOD_S);
     ShowItem(aLItems[index]);

@@ -1,0 +1,397 @@
+#include "code/debugger_values.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "code/bit_names.h"
+#include "code/live_reads.h"
+#include "code/register_groups.h"
+#include "runtime/userint.h"
+#include "settings/limits.h"
+#include "settings/settings.h"
+#include "symbols/addr_name.h"
+#include "text/bytes.h"
+#include "ui/resource.h"
+#include "watch/list/read_item.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_DEBUGGER;
+constexpr int GENERAL_GROUP = -1;
+constexpr uint32_t GENERAL_REGISTERS = 16, WORD_BYTES = 2;
+// Special function registers that the core itself uses, the same on every C166 and C167.
+constexpr uint32_t ADDR_DPP0 = 0xFE00, ADDR_CP = 0xFE10, ADDR_SP = 0xFE12, ADDR_STKUN = 0xFE16;
+constexpr uint32_t ADDR_PSW = 0xFF10;
+constexpr int PAGE_POINTERS = 4;
+constexpr uint32_t STACK_WORDS_MAX = 32, STACK_FIRST = 0xF600, STACK_LAST = 0xFDFE;
+constexpr uint32_t MEMORY_BYTES = 128, MEMORY_LINE_BYTES = 16;
+
+struct Line {
+    std::string name;
+    uint32_t address = 0;
+    bool isTouchy = false;
+};
+
+std::vector<CODE_RegisterGroup> groups;
+std::vector<Line> registerLines; // as shown
+uint32_t memoryAddress = CODE_NO_ADDRESS;
+LVR_Set live; // of the last refresh
+uint32_t contextPointer = CODE_NO_ADDRESS, stackPointer = CODE_NO_ADDRESS;
+std::vector<std::pair<uint32_t, uint32_t>> lastValues; // of the registers shown, by address
+
+bool IsC166()
+{
+    return Procesor == CPU_C166 || Procesor == CPU_C167;
+}
+
+std::string FormatHex(uint32_t value, int digits)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "%0*X", digits, value);
+    return text;
+}
+
+UI_Cell MakeCell(const std::string &text)
+{
+    UI_Cell cell;
+    cell.text = text;
+    return cell;
+}
+
+// --- registers --------------------------------------------------------------------------
+
+int GetGroup()
+{
+    int group = GENERAL_GROUP;
+    GetCtrlVal(PANEL, DEBUG_GROUP, &group);
+    return group;
+}
+
+void CollectRegisterLines()
+{
+    registerLines.clear();
+    const int group = GetGroup();
+    if (group == GENERAL_GROUP && IsC166() && contextPointer != CODE_NO_ADDRESS) {
+        for (uint32_t i = 0; i < GENERAL_REGISTERS; ++i)
+            registerLines.push_back({"R" + std::to_string(i), contextPointer + i * WORD_BYTES});
+        registerLines.push_back({"PSW", ADDR_PSW});
+    }
+    if (group >= 0 && group < static_cast<int>(groups.size()))
+        for (const CODE_Register &row : groups[static_cast<size_t>(group)].registers)
+            registerLines.push_back({row.name, row.address, row.isTouchy});
+}
+
+// Single bits that are set, and fields with their number.
+std::string FormatBits(const std::string &name, uint32_t value)
+{
+    std::string text;
+    for (const CODE_BitField &field : CODE_GetBitFields(name)) {
+        const uint32_t mask = (1u << (field.last - field.first + 1)) - 1;
+        const uint32_t number = value >> field.first & mask;
+        if (field.first == field.last && number == 0)
+            continue;
+        text += (text.empty() ? "" : " ") + field.name;
+        if (field.first != field.last)
+            text += "=" + std::to_string(number);
+    }
+    return text;
+}
+
+unsigned GetStyle(uint32_t address, uint32_t value)
+{
+    for (const auto &[place, last] : lastValues)
+        if (place == address)
+            return last == value ? UIS_NORMAL : UIS_CHANGED;
+    return UIS_NORMAL;
+}
+
+void ShowRegister(int index, uint32_t value, bool isRead, unsigned style)
+{
+    const Line &line = registerLines[static_cast<size_t>(index)];
+    const std::string tip = "0x" + FormatHex(line.address, 6);
+    std::vector<UI_Cell> cells = {{line.name, UIS_NORMAL, tip}};
+    if (isRead) {
+        cells.push_back({FormatHex(value, 4), style, tip});
+        cells.push_back({std::to_string(value), style, ""});
+        cells.push_back({FormatBits(line.name, value), style, ""});
+    } else {
+        const bool isOnRequest = line.isTouchy;
+        cells.push_back({"-", UIS_DIM,
+                         isOnRequest ? "Reading it tells the peripheral that it was "
+                                       "taken: Enter reads it once."
+                                     : ""});
+    }
+    SetListCells(PANEL, DEBUG_REGISTERS, index, cells);
+}
+
+void FillRegisterList()
+{
+    int count = 0;
+    GetNumListItems(PANEL, DEBUG_REGISTERS, &count);
+    if (count != static_cast<int>(registerLines.size())) {
+        ClearListCtrl(PANEL, DEBUG_REGISTERS);
+        for (const Line &line : registerLines)
+            InsertListItem(PANEL, DEBUG_REGISTERS, -1, line.name, 0);
+    }
+    std::vector<std::pair<uint32_t, uint32_t>> values;
+    for (size_t i = 0; i < registerLines.size(); ++i) {
+        uint32_t value = 0;
+        const bool isRead = !registerLines[i].isTouchy &&
+                            LVR_Get(live, registerLines[i].address, WORD_BYTES, &value);
+        const uint32_t address = registerLines[i].address;
+        ShowRegister(static_cast<int>(i), value, isRead, GetStyle(address, value));
+        if (isRead)
+            values.push_back({address, value});
+    }
+    lastValues = values;
+}
+
+// --- stack and memory -------------------------------------------------------------------
+
+// The words that are in use: from the stack pointer up to where the stack begins.
+uint32_t CountStackWords(uint32_t bottom)
+{
+    if (stackPointer < STACK_FIRST || stackPointer > STACK_LAST || bottom <= stackPointer ||
+        bottom > STACK_LAST + WORD_BYTES)
+        return 0;
+    return std::min((bottom - stackPointer) / WORD_BYTES, STACK_WORDS_MAX);
+}
+
+void ShowStack()
+{
+    uint32_t bottom = 0;
+    ClearListCtrl(PANEL, DEBUG_STACK);
+    if (!LVR_Get(live, ADDR_STKUN, WORD_BYTES, &bottom))
+        return;
+    const uint32_t words = CountStackWords(bottom);
+    for (uint32_t i = 0; i < words; ++i) {
+        uint32_t value = 0;
+        const uint32_t address = stackPointer + i * WORD_BYTES;
+        if (!LVR_Get(live, address, WORD_BYTES, &value))
+            return;
+        const std::string text = FormatHex(address, 4) + (i == 0 ? "  SP" : "");
+        InsertListItem(PANEL, DEBUG_STACK, -1, text, 0);
+        SetListCells(
+            PANEL, DEBUG_STACK, static_cast<int>(i),
+            {MakeCell(text), MakeCell(FormatHex(value, 4)), MakeCell(std::to_string(value))});
+    }
+    if (words == 0)
+        InsertListItem(PANEL, DEBUG_STACK, -1,
+                       "SP " + FormatHex(stackPointer, 4) + "\033p110lempty", 0);
+}
+
+void ShowMemory()
+{
+    ClearListCtrl(PANEL, DEBUG_MEMORY);
+    for (uint32_t at = 0; at < MEMORY_BYTES; at += MEMORY_LINE_BYTES) {
+        uint8_t bytes[MEMORY_LINE_BYTES];
+        uint32_t count = 0, value = 0;
+        while (count < MEMORY_LINE_BYTES && memoryAddress != CODE_NO_ADDRESS &&
+               LVR_Get(live, memoryAddress + at + count, 1, &value))
+            bytes[count++] = static_cast<uint8_t>(value);
+        if (count == 0)
+            return;
+        const uint32_t address = memoryAddress + at;
+        const std::string name = SYM_AddressToName(address);
+        const int line = static_cast<int>(at / MEMORY_LINE_BYTES);
+        InsertListItem(PANEL, DEBUG_MEMORY, -1, FormatHex(address, 6), 0);
+        SetListCells(PANEL, DEBUG_MEMORY, line,
+                     {{FormatHex(address, 6), UIS_NORMAL, name},
+                      {BYT_Hex(bytes, count), UIS_NORMAL, name},
+                      MakeCell(BYT_Plain(bytes, count)),
+                      MakeCell(name)});
+    }
+}
+
+// --- operands ---------------------------------------------------------------------------
+
+// The general register an operand uses, or -1.
+int GetRegister(const CODE_Operand &operand)
+{
+    switch (operand.kind) {
+    case CODE_WORD_REGISTER:
+    case CODE_INDIRECT:
+    case CODE_INDIRECT_INC:
+    case CODE_INDIRECT_DEC:
+    case CODE_INDEXED:
+    case CODE_REGISTER_BIT:
+        return operand.value;
+    case CODE_BYTE_REGISTER:
+        return operand.value / 2;
+    default:
+        return -1;
+    }
+}
+
+bool IsInMemory(const CODE_Operand &operand)
+{
+    return operand.address != CODE_NO_ADDRESS &&
+           (operand.kind == CODE_MEMORY || operand.kind == CODE_SPECIAL ||
+            operand.kind == CODE_WORD_BIT);
+}
+
+bool IsTouchyAddress(uint32_t address)
+{
+    for (const CODE_RegisterGroup &group : groups)
+        for (const CODE_Register &row : group.registers)
+            if (row.isTouchy && address / 2 == row.address / 2)
+                return true;
+    return false;
+}
+
+void WantOperands(const std::vector<CODE_Instruction> &code, int firstLine, int lines)
+{
+    const int count = static_cast<int>(code.size());
+    for (int i = std::max(firstLine, 0); i < std::min(firstLine + lines, count); ++i)
+        for (const CODE_Operand &operand : code[static_cast<size_t>(i)].operands)
+            if (IsInMemory(operand) && !IsTouchyAddress(operand.address))
+                LVR_Want(&live, operand.address & ~1u, WORD_BYTES);
+}
+
+std::string FormatOperand(const CODE_Operand &operand)
+{
+    uint32_t value = 0;
+    const int number = GetRegister(operand);
+    if (number >= 0 && contextPointer != CODE_NO_ADDRESS &&
+        LVR_Get(live, contextPointer + static_cast<uint32_t>(number) * WORD_BYTES, WORD_BYTES,
+                &value))
+        return "r" + std::to_string(number) + "=" + FormatHex(value, 4);
+    const uint32_t size = operand.isByte ? 1 : WORD_BYTES;
+    if (!IsInMemory(operand) || !LVR_Get(live, operand.address, size, &value))
+        return "";
+    if (operand.kind == CODE_WORD_BIT)
+        return std::to_string(value >> operand.extra & 1);
+    return FormatHex(value, operand.isByte ? 2 : 4);
+}
+
+// --- the two steps of a refresh ---------------------------------------------------------
+
+// Where registers and stack are, is itself in registers.
+bool ReadPointers(std::string *cause)
+{
+    contextPointer = stackPointer = CODE_NO_ADDRESS;
+    if (!IsC166())
+        return true;
+    LVR_Set pointers;
+    LVR_Want(&pointers, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
+    if (LVR_Read(&pointers, STATION, cause) != 0)
+        return false;
+    LVR_Get(pointers, ADDR_CP, WORD_BYTES, &contextPointer);
+    LVR_Get(pointers, ADDR_SP, WORD_BYTES, &stackPointer);
+    return true;
+}
+
+void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines)
+{
+    for (const Line &line : registerLines)
+        if (!line.isTouchy)
+            LVR_Want(&live, line.address, WORD_BYTES);
+    if (memoryAddress != CODE_NO_ADDRESS)
+        LVR_Want(&live, memoryAddress, std::min(MEMORY_BYTES, ADDR_LIMIT - memoryAddress));
+    if (!IsC166())
+        return;
+    LVR_Want(&live, ADDR_DPP0, PAGE_POINTERS * WORD_BYTES);
+    LVR_Want(&live, ADDR_STKUN, WORD_BYTES);
+    LVR_Want(&live, contextPointer, GENERAL_REGISTERS * WORD_BYTES);
+    if (stackPointer >= STACK_FIRST && stackPointer <= STACK_LAST)
+        LVR_Want(&live, stackPointer,
+                 std::min(STACK_WORDS_MAX * WORD_BYTES, STACK_LAST + WORD_BYTES - stackPointer));
+    if (code != nullptr)
+        WantOperands(*code, firstLine, lines);
+}
+
+} // namespace
+
+void DBV_FillGroups()
+{
+    groups = CODE_GetRegisterGroups();
+    ClearListCtrl(PANEL, DEBUG_GROUP);
+    if (IsC166())
+        InsertListItem(PANEL, DEBUG_GROUP, -1, "General registers", GENERAL_GROUP);
+    for (size_t i = 0; i < groups.size(); ++i)
+        InsertListItem(PANEL, DEBUG_GROUP, -1, groups[i].name, static_cast<int>(i));
+    SetCtrlIndex(PANEL, DEBUG_GROUP, 0);
+    ClearListCtrl(PANEL, DEBUG_REGISTERS);
+    ClearListCtrl(PANEL, DEBUG_STACK);
+    live = LVR_Set();
+    lastValues.clear();
+}
+
+void DBV_SetMemory(uint32_t address)
+{
+    memoryAddress = address;
+}
+
+int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
+                std::string *cause)
+{
+    LVR_Set before;
+    std::swap(live, before);
+    if (!ReadPointers(cause)) {
+        DBV_MarkOld();
+        return -1;
+    }
+    CollectRegisterLines();
+    WantAll(code, firstLine, lines);
+    if (LVR_Read(&live, STATION, cause) != 0) {
+        DBV_MarkOld();
+        return -1;
+    }
+    FillRegisterList();
+    ShowStack();
+    ShowMemory();
+    return 0;
+}
+
+void DBV_MarkOld()
+{
+    live = LVR_Set();
+    for (const int list : {DEBUG_REGISTERS, DEBUG_STACK, DEBUG_MEMORY}) {
+        int count = 0;
+        GetNumListItems(PANEL, list, &count);
+        for (int i = 0; i < count; ++i) {
+            std::vector<UI_Cell> cells;
+            GetListCells(PANEL, list, i, &cells);
+            for (UI_Cell &cell : cells)
+                cell.style = UIS_DIM;
+            SetListCells(PANEL, list, i, cells);
+        }
+    }
+}
+
+std::string DBV_FormatOperands(const CODE_Instruction &instruction)
+{
+    std::string text;
+    for (const CODE_Operand &operand : instruction.operands) {
+        const std::string value = FormatOperand(operand);
+        if (!value.empty())
+            text += (text.empty() ? "" : ", ") + value;
+    }
+    return text;
+}
+
+CODE_Pages DBV_GetPages()
+{
+    CODE_Pages pages;
+    pages.isKnown = IsC166();
+    for (uint32_t i = 0; i < PAGE_POINTERS; ++i) {
+        uint32_t value = 0;
+        pages.isKnown =
+            pages.isKnown && LVR_Get(live, ADDR_DPP0 + i * WORD_BYTES, WORD_BYTES, &value);
+        pages.pages[i] = static_cast<uint16_t>(value);
+    }
+    return pages;
+}
+
+int DBV_ReadTouchy(int line, std::string *cause)
+{
+    if (line < 0 || line >= static_cast<int>(registerLines.size()) ||
+        !registerLines[static_cast<size_t>(line)].isTouchy)
+        return 0;
+    uint8_t bytes[WORD_BYTES];
+    const uint32_t address = registerLines[static_cast<size_t>(line)].address;
+    if (RDI_ReadBytes(STATION, address, WORD_BYTES, bytes, cause) != 0)
+        return -1;
+    ShowRegister(line, static_cast<uint32_t>(BYT_GetLittle(bytes, WORD_BYTES)), true, UIS_NORMAL);
+    return 1;
+}

@@ -1,0 +1,69 @@
+#include "platform/remote_ports.h"
+
+#include "platform/port_list.h"
+#include "platform/safe_file.h"
+#include "platform/serial.h"
+#include "platform/system.h"
+#include "platform/tcp_port.h"
+
+#include <cstdio>
+
+namespace {
+
+constexpr size_t ADDRESS_MAX = 300; // characters: a host name has at most 253
+
+std::string Folder()
+{
+    return PLT_ConfigDir() + PLT_PathSeparator() + "ports";
+}
+
+std::string FilePath(int port)
+{
+    return Folder() + PLT_PathSeparator() + "COM" + std::to_string(port) + ".tcp";
+}
+
+} // namespace
+
+std::string RMP_GetAddress(int port)
+{
+    std::FILE *file = std::fopen(FilePath(port).c_str(), "rb");
+    if (file == nullptr)
+        return "";
+    char buffer[ADDRESS_MAX + 1] = "";
+    const size_t length = std::fread(buffer, 1, ADDRESS_MAX, file);
+    std::fclose(file);
+    const std::string text(buffer, length);
+    const std::string address = text.substr(0, text.find_first_of("\r\n"));
+    return TCP_IsAddress(address) ? address : "";
+}
+
+int RMP_SetAddress(int port, const std::string &address)
+{
+    if (address.empty()) {
+        (void)std::remove(FilePath(port).c_str());
+        return RMP_GetAddress(port).empty() ? 0 : -1;
+    }
+    SafeFile file;
+    if (PLT_ConfigDir().empty() || PLT_MakeDirs(Folder()) != 0 ||
+        SAF_Open(&file, FilePath(port), "wb") != 0)
+        return -1;
+    SAF_PutText(file.file, address + "\n");
+    return SAF_Commit(&file);
+}
+
+int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number)
+{
+    int firstFree = 0;
+    for (int port = 1; port <= PTL_NUMBER_MAX; ++port) {
+        if (SER_DevicePath(port) == address) {
+            *number = port;
+            return 0;
+        }
+        if (firstFree == 0 && RMP_GetAddress(port).empty() && isFree(port))
+            firstFree = port;
+    }
+    if (firstFree == 0 || RMP_SetAddress(firstFree, address) != 0)
+        return PTL_ERR_WRITE;
+    *number = firstFree;
+    return 0;
+}

@@ -1,0 +1,16 @@
+// Numbers for ports behind the network: which address a port number stands for. Kept in a
+// small file a number in the user's configuration folder, beside the links of devices.
+#ifndef PLATFORM_REMOTE_PORTS_H
+#define PLATFORM_REMOTE_PORTS_H
+
+#include <string>
+
+// "tcp:host:port", or "" when the number is no remote port's.
+std::string RMP_GetAddress(int port);
+// Gives the number to an address, in one step; "" takes it away. 0, or -1: cannot be written.
+int RMP_SetAddress(int port, const std::string &address);
+// The number that leads to an address: one that has it, else the first that `isFree` and is
+// given to it. 0 with *number, or a failure of PTL_Use.
+int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number);
+
+#endif

@@ -1,0 +1,135 @@
+#include "platform/tcp_socket.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <netdb.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+SER_Why WhyNotConnected(int error)
+{
+    switch (error) {
+    case 0:
+        return SER_WHY_NONE;
+    case ECONNREFUSED:
+        return SER_WHY_REFUSED;
+    case ETIMEDOUT:
+    case EHOSTUNREACH:
+    case ENETUNREACH:
+        return SER_WHY_SILENT;
+    case EACCES:
+    case EPERM:
+        return SER_WHY_ACCESS;
+    default:
+        return SER_WHY_OTHER;
+    }
+}
+
+// Requests are short and wait for their answer; a dead network shows after a while.
+void SetOptions(int fd)
+{
+    const int on = 1;
+    (void)setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    (void)setsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+}
+
+bool IsPassing(int error)
+{
+    return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
+}
+
+} // namespace
+
+std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string &port)
+{
+    std::vector<SCK_Address> addresses;
+    addrinfo hints;
+    std::memset(&hints, 0, sizeof hints);
+    hints.ai_socktype = SOCK_STREAM;
+    addrinfo *list = nullptr;
+    if (getaddrinfo(host.c_str(), port.c_str(), &hints, &list) != 0)
+        return addresses;
+    for (const addrinfo *item = list; item != nullptr; item = item->ai_next) {
+        const auto *bytes = reinterpret_cast<const uint8_t *>(item->ai_addr);
+        addresses.push_back({item->ai_family, {bytes, bytes + item->ai_addrlen}});
+    }
+    freeaddrinfo(list);
+    return addresses;
+}
+
+SCK_Handle SCK_Connect(const SCK_Address &address)
+{
+    const int fd = socket(address.family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
+    if (fd < 0)
+        return SCK_INVALID;
+    SetOptions(fd);
+    const auto *name = reinterpret_cast<const sockaddr *>(address.bytes.data());
+    if (connect(fd, name, static_cast<socklen_t>(address.bytes.size())) != 0 &&
+        errno != EINPROGRESS && errno != ECONNREFUSED) {
+        close(fd);
+        return SCK_INVALID;
+    }
+    return fd;
+}
+
+SER_Why SCK_GetConnectResult(SCK_Handle handle)
+{
+    int error = 0;
+    socklen_t size = sizeof error;
+    if (getsockopt(static_cast<int>(handle), SOL_SOCKET, SO_ERROR, &error, &size) != 0)
+        return SER_WHY_OTHER;
+    return WhyNotConnected(error);
+}
+
+int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
+{
+    pollfd item = {static_cast<int>(handle), static_cast<short>(isToWrite ? POLLOUT : POLLIN), 0};
+    const int result = poll(&item, 1, static_cast<int>(waitMs));
+    if (result > 0)
+        return (item.revents & POLLNVAL) != 0 ? -1 : 1;
+    return result < 0 && errno != EINTR ? -1 : 0;
+}
+
+int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
+{
+    const ssize_t got = recv(static_cast<int>(handle), buffer, capacity, 0);
+    if (got > 0)
+        return static_cast<int>(got);
+    return got < 0 && IsPassing(errno) ? 0 : -1;
+}
+
+int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
+{
+    const ssize_t sent = send(static_cast<int>(handle), bytes, count, MSG_NOSIGNAL);
+    if (sent >= 0)
+        return static_cast<int>(sent);
+    return IsPassing(errno) ? 0 : -1;
+}
+
+int SCK_Waiting(SCK_Handle handle)
+{
+    int waiting = 0;
+    if (ioctl(static_cast<int>(handle), FIONREAD, &waiting) != 0)
+        return -1;
+    if (waiting > 0)
+        return waiting;
+    // Nothing to read is either silence or the end.
+    char byte = 0;
+    const ssize_t got = recv(static_cast<int>(handle), &byte, 1, MSG_PEEK);
+    if (got > 0)
+        return 1;
+    return got < 0 && IsPassing(errno) ? 0 : -1;
+}
+
+void SCK_Close(SCK_Handle handle)
+{
+    close(static_cast<int>(handle));
+}

@@ -1,0 +1,214 @@
+// The debugger window over the demo target: code by name and by jumps, live registers with
+// their bits, stack, memory, operands; nothing shown that was not read and proven.
+#include "code/debugger.h"
+#include "code/live_reads.h"
+#include "code/register_groups.h"
+#include "support/console_rig.h"
+#include "symbols/varnode.h"
+
+#include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+constexpr int PANEL = PANEL_DEBUGGER;
+
+struct Debugger : ConsoleRig {
+    void SetUp() override
+    {
+        ConsoleRig::SetUp();
+        SIMT_Stop(RIG_PORT, target);
+        target = SIMT_Start(RIG_PORT, SIM_Options()); // with the demo's core and program
+        initRgMap(CPU_C167);
+        for (const auto &[address, name] : {std::make_pair(0x8002u, "wCount"),
+                                            {0x8140u, "awTable"},
+                                            {0x21000u, "Main"},
+                                            {0x21020u, "Scale"}})
+            AddMapVar(address, name);
+        SortMapByName();
+        SortMapNdxByAddr();
+        openStruct = OPEN_MAP_FILE;
+        HL_ClickMenu(ITEM_DEBUGGER);
+        DBW_Opened();
+    }
+    void TearDown() override
+    {
+        HL_ClosePanel(PANEL);
+        STATION = 7; // what is shown goes with the station
+        DBW_Changed();
+        ConsoleRig::TearDown();
+        FreeNodes(aVarNode166, &nNodes166);
+        openStruct166 = 0;
+    }
+    void SwitchOn()
+    {
+        HL_SetDefaultAnswer(HL_ANSWER_YES);
+    }
+    // The texts of a line's cells with "|" between them.
+    static std::string GetLine(int list, int line)
+    {
+        std::vector<UI_Cell> cells;
+        std::string text;
+        GetListCells(PANEL, list, line, &cells);
+        for (const UI_Cell &cell : cells)
+            text += (text.empty() ? "" : "|") + cell.text;
+        return text;
+    }
+    static unsigned GetStyle(int list, int line, size_t column)
+    {
+        std::vector<UI_Cell> cells;
+        GetListCells(PANEL, list, line, &cells);
+        return column < cells.size() ? cells[column].style : ~0u;
+    }
+    static int Count(int list)
+    {
+        int count = -1;
+        GetNumListItems(PANEL, list, &count);
+        return count;
+    }
+    void GoTo(const std::string &place)
+    {
+        HL_SetUserVal(PANEL, DEBUG_PLACE, place);
+        HL_CommitControl(PANEL, DEBUG_PLACE);
+    }
+    void Choose(const std::string &group)
+    {
+        const std::vector<std::string> labels = HL_GetLabels(PANEL, DEBUG_GROUP);
+        for (size_t i = 0; i < labels.size(); ++i) {
+            int value = 0;
+            GetValueFromIndex(PANEL, DEBUG_GROUP, static_cast<int>(i), &value);
+            if (labels[i] == group)
+                HL_SetUserVal(PANEL, DEBUG_GROUP, value);
+        }
+        HL_CommitControl(PANEL, DEBUG_GROUP);
+    }
+};
+
+TEST_F(Debugger, FollowsJumpsAndComesBack)
+{
+    SwitchOn();
+    GoTo("Main");
+    EXPECT_EQ(100, Count(DEBUG_CODE));
+    EXPECT_EQ(
+        0u,
+        GetLine(DEBUG_CODE, 0).find("021000|F2 F4 02 80|mov r4, 8002h|Main:  008002 wCount|r4="));
+    HL_SelectLine(PANEL, DEBUG_CODE, 0);
+    EXPECT_EQ(1, UiAttribute(PANEL, DEBUG_FOLLOW, ATTR_DIMMED));
+    HL_SelectLine(PANEL, DEBUG_CODE, 4); // calls
+    EXPECT_EQ(0, UiAttribute(PANEL, DEBUG_FOLLOW, ATTR_DIMMED));
+    HL_Key(PANEL, DEBUG_CODE, KEY_RIGHT);
+    EXPECT_EQ("Scale", UiText(PANEL, DEBUG_PLACE));
+    EXPECT_EQ(0u, GetLine(DEBUG_CODE, 0).find("021020|D7 40 02 00|extp #002h, #1|Scale:"));
+    HL_Key(PANEL, DEBUG_CODE, KEY_LEFT);
+    EXPECT_EQ("Main", UiText(PANEL, DEBUG_PLACE));
+    EXPECT_EQ(4, UiSelected(PANEL, DEBUG_CODE));
+    EXPECT_EQ(1, UiAttribute(PANEL, DEBUG_BACK, ATTR_DIMMED));
+    HL_CommitControl(PANEL, DEBUG_MORE);
+    EXPECT_EQ(200, Count(DEBUG_CODE));
+    GoTo("$21001"); // code stands at even addresses
+    EXPECT_EQ(0u, GetLine(DEBUG_CODE, 0).find("021000|"));
+    GoTo("nothing");
+    EXPECT_EQ("'nothing' is no address, and no loaded map knows such a name.",
+              UiText(PANEL, DEBUG_MESSAGE));
+    EXPECT_EQ(0u, GetLine(DEBUG_CODE, 0).find("021000|")) << "what is shown stays";
+}
+
+TEST_F(Debugger, ShowsRegistersStackAndMemory)
+{
+    SwitchOn();
+    GoTo("Main");
+    EXPECT_EQ("R5|0500|1280|", GetLine(DEBUG_REGISTERS, 5));
+    EXPECT_EQ("PSW|0808|2056|Z IEN ILVL=0", GetLine(DEBUG_REGISTERS, 16));
+    EXPECT_EQ("FBF4  SP|1012|4114", GetLine(DEBUG_STACK, 0));
+    EXPECT_EQ(6, Count(DEBUG_STACK));
+    HL_SetUserVal(PANEL, DEBUG_MEM_PLACE, std::string("awTable"));
+    HL_CommitControl(PANEL, DEBUG_MEM_PLACE);
+    EXPECT_EQ(0u, GetLine(DEBUG_MEMORY, 0).find("008140|00 00 01 00 04 00 09 00"));
+    Choose("Serial");
+    std::set<std::string> names;
+    for (int i = 0; i < Count(DEBUG_REGISTERS); ++i) {
+        const std::string line = GetLine(DEBUG_REGISTERS, i);
+        names.insert(line.substr(0, line.find('|')));
+        // What a read takes from the peripheral is left alone until somebody asks for it.
+        if (line.compare(0, 7, "S0RBUF|") != 0)
+            continue;
+        EXPECT_EQ("S0RBUF|-", line);
+        HL_SelectLine(PANEL, DEBUG_REGISTERS, i);
+        HL_Event(PANEL, DEBUG_REGISTERS, EVENT_COMMIT, 0);
+        EXPECT_EQ("S0RBUF|0000|0|", GetLine(DEBUG_REGISTERS, i));
+    }
+    EXPECT_EQ(1u, names.count("S0CON"));
+    EXPECT_EQ(1u, names.count("SSCTB"));
+    EXPECT_EQ(0u, names.count("T3"));
+    // Changed values are marked, for one refresh.
+    Choose("System");
+    int dpp0 = 0;
+    while (GetLine(DEBUG_REGISTERS, dpp0).compare(0, 5, "DPP0|") != 0)
+        ASSERT_LT(++dpp0, Count(DEBUG_REGISTERS));
+    const uint8_t page[] = {9, 0};
+    SIM_Poke(target, STATION, 0xFE00, page, sizeof page);
+    HL_FireTimer(PANEL, DEBUG_TIMER);
+    EXPECT_EQ("DPP0|0009|9|", GetLine(DEBUG_REGISTERS, dpp0));
+    EXPECT_EQ(unsigned{UIS_CHANGED}, GetStyle(DEBUG_REGISTERS, dpp0, 1));
+    HL_FireTimer(PANEL, DEBUG_TIMER);
+    EXPECT_EQ(unsigned{UIS_NORMAL}, GetStyle(DEBUG_REGISTERS, dpp0, 1));
+}
+
+TEST_F(Debugger, SaysWhatCannotBeRead)
+{
+    SwitchOn();
+    GoTo("Main");
+    SIM_Options faults;
+    faults.silentAfter = 0;
+    SIM_SetFaults(target, faults);
+    HL_FireTimer(PANEL, DEBUG_TIMER);
+    EXPECT_EQ("Not read: no answer.", UiText(PANEL, DEBUG_MESSAGE));
+    EXPECT_EQ(unsigned{UIS_DIM}, GetStyle(DEBUG_REGISTERS, 0, 1));
+    EXPECT_EQ('|', GetLine(DEBUG_CODE, 0).back()) << "operands have no values any more";
+    const uint64_t requests = SIM_GetCounters(target).requests;
+    HL_FireTimer(PANEL, DEBUG_TIMER);
+    EXPECT_EQ(requests, SIM_GetCounters(target).requests) << "a silent target gets a pause";
+    Procesor = CPU_F283XX;
+    initRgMap(Procesor);
+    DBW_Changed();
+    EXPECT_EQ(0, Count(DEBUG_CODE));
+    EXPECT_NE(std::string::npos, UiText(PANEL, DEBUG_MESSAGE).find("cannot be shown"));
+}
+
+// Every register in one group, and nothing read along that must not be.
+TEST_F(Debugger, GroupsAndPlansItsReads)
+{
+    for (const int processor : {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X}) {
+        Procesor = processor;
+        initRgMap(processor);
+        std::multiset<std::string> names;
+        LVR_Set all;
+        std::set<uint32_t> touchy;
+        for (const CODE_RegisterGroup &group : CODE_GetRegisterGroups())
+            for (const CODE_Register &row : group.registers) {
+                names.insert(row.name);
+                if (row.isTouchy)
+                    touchy.insert(row.address);
+                else
+                    LVR_Want(&all, row.address, 2);
+            }
+        EXPECT_EQ(static_cast<size_t>(nNodes166), names.size());
+        EXPECT_EQ(names.size(), std::set<std::string>(names.begin(), names.end()).size());
+        EXPECT_GE(touchy.size(), 3u) << processor;
+        for (const LVR_Piece &piece : LVR_Plan(all)) {
+            EXPECT_LE(piece.size, LVR_BLOCK_MAX);
+            for (const uint32_t address : touchy)
+                EXPECT_FALSE(address + 1 >= piece.address && address < piece.address + piece.size)
+                    << std::hex << address;
+        }
+    }
+    Procesor = CPU_C167;
+    LVR_Set set;
+    for (const uint32_t address : {0x8000u, 0x8008u, 0x8040u, 0xFFFFFEu, 0xFFFFFFu})
+        LVR_Want(&set, address, 2); // the last one reaches beyond
+    const std::vector<LVR_Piece> plan = LVR_Plan(set);
+    ASSERT_EQ(3u, plan.size());
+    EXPECT_EQ(10u, plan[0].size) << "neighbours together";
+}
+
+} // namespace
