@@ -477,7 +477,7 @@ TEST_F(App, TypesOptionIsTakenOutOfTheArguments)
             argv.push_back(const_cast<char *>(argument.c_str()));
         argv.push_back(nullptr);
         int argc = static_cast<int>(argv.size()) - 1;
-        EXPECT_EQ(c.result, VR_TakeTypesOption(&argc, argv.data()));
+        EXPECT_EQ(c.result, VR_RemoveTypesOption(&argc, argv.data()));
         std::string rest;
         for (int i = 1; i < argc; i++)
             rest += std::string(" ") + argv.data()[i];

@@ -38,7 +38,7 @@ void ShowHint(const std::string &text)
 }
 
 // Takes what stands in the field. False, and said, when it is no value.
-bool TakeNew()
+bool AcceptTyped()
 {
     std::string text;
     GetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, &text);
@@ -115,7 +115,7 @@ int CFE_PanelCB(int panel, int event, int data)
 int CFE_NewCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && shown >= 0)
-        TakeNew();
+        AcceptTyped();
     return 0;
 }
 
@@ -132,9 +132,9 @@ int CFE_ButtonCB(int panel, int control, int event, int)
     PST_Form &form = *host.form;
     const auto index = static_cast<uint32_t>(shown);
     if (control == CFGEDIT_TAKE) {
-        TakeNew();
+        AcceptTyped();
     } else if (control == CFGEDIT_WRITE) {
-        if (TakeNew())
+        if (AcceptTyped())
             host.write(index);
     } else {
         if (control == CFGEDIT_FROM_DEFAULT)

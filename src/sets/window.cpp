@@ -21,7 +21,7 @@ namespace {
 
 constexpr size_t CHANGES_ASKED_MAX = 12; // listed in a question
 constexpr int BAD_COLOR = 0xB00000;
-const char TITLE[] = "Device configuration";
+const char TITLE[] = "Parameters";
 
 PST_Form form;
 std::string headerPath;
@@ -234,9 +234,9 @@ bool WriteEntries(const std::vector<uint32_t> &entries)
     int result = PST_PrepareWrite(&form, entries, &job, progress);
     EndMeter(meter);
     if (result != PST_OK || job.writes.empty() || !IsWriteWished(job)) {
-        ShowResult(result != PST_OK     ? job.why + " Nothing was written."
+        ShowResult(result != PST_OK     ? job.why + " " + PST_NOTHING_WRITTEN
                    : job.writes.empty() ? "The target holds these values already."
-                                        : "Nothing was written.",
+                                        : PST_NOTHING_WRITTEN,
                    result != PST_OK);
         Refresh();
         return result == PST_OK && job.writes.empty();

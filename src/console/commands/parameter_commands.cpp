@@ -100,14 +100,14 @@ int Download(const std::string &header, const std::string &data, bool isAll, PST
     EndMeter(meter);
     if (prepared == PST_ERR_FILE) {
         PrintProblems(job->problems);
-        return FailWith("download", "Nothing was written.");
+        return FailWith("download", PST_NOTHING_WRITTEN);
     }
     if (prepared != PST_OK)
-        return FailWith("download", job->why + " Nothing was written.");
+        return FailWith("download", job->why + " " + PST_NOTHING_WRITTEN);
     PrintLines(PST_RestoreWarnings(*job));
     PrintLines(PST_RestoreChanges(*job), CHANGES_SHOWN_MAX);
     if (!job->writes.empty() && !IsWriteWished(*job))
-        return FailWith("download", "Nothing was written.");
+        return FailWith("download", PST_NOTHING_WRITTEN);
     const int result = PST_RunRestore(job, progress);
     EndMeter(meter);
     PrintLines(PST_RestoreResult(*job, result));
