@@ -369,6 +369,7 @@ TEST_F(App, AnEchoIsSaidInTheStateLineWhileItLasts)
 
 TEST_F(App, UnpluggedTargetSwitchesOffAndIsSwitchedOnAgain)
 {
+    Mr166_nTimeoutMs = PATIENT_MS; // a port that is gone is not waited for
     plug();
     ASSERT_EQ(0, Start());
     WriteFileText("w.dbg", "[8000], u2\n");

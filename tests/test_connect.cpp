@@ -167,7 +167,8 @@ TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
 {
     WPL_Forget();
     WriteFileText("Vireo2.ini", "window, 13 30 40 900 600\r\nwindow, 6 1 2 300 -5\r\n"
-                                "columns, 13 1 70 0 210\r\nwindow, 15 5 6 400 300\r\n");
+                                "columns, 13 1 70 0 210\r\nwindow, 15 5 6 400 300\r\n"
+                                "layout, 13.split 200 -1\r\nlayout, bad x\r\nlayout, 7\r\n");
     start();
     EXPECT_FALSE(INI_IsMissing());
     EXPECT_EQ(900, UiPanelAttribute(PANEL_MAIN, ATTR_WIDTH));
@@ -190,8 +191,14 @@ TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
     GetListColumns(PANEL_MAIN, MAIN_LIST, &now);
     ASSERT_EQ(3u, now.size());
     EXPECT_EQ(210, now[2].width);
-    EXPECT_EQ("w, 13 31 41 901 601\nw, 15 5 6 400 300\nc, 13 1 70 0 210\n",
-              WPL_Lines("w", "c", "\n"))
+    VIEW_Event layout;
+    layout.kind = VIEW_EVENT_LAYOUT;
+    layout.text = "help";
+    layout.widths = {1, 2};
+    VIEW_Post(layout);
+    EXPECT_EQ("w, 13 31 41 901 601\nw, 15 5 6 400 300\nc, 13 1 70 0 210\n"
+              "l, 13.split 200 -1\nl, help 1 2\n",
+              WPL_Lines({"w", "c", "l"}, "\n"))
         << "a bad line goes, one without a window in this run stays, untouched widths have none";
     WPL_ReadColumns("13 1 70 x");
     WPL_ReadWindow("13 1 2 900 99999");

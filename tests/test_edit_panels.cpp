@@ -9,6 +9,7 @@
 #include "symbols/typemap.h"
 #include "text/bytes.h"
 #include "watch/list/debug_file.h"
+#include "watch/list/edit.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/selection.h"
@@ -134,6 +135,69 @@ TEST_F(EditPanels, LinesMoveGoAndComeBack)
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_CTRL | 'Z');
     EXPECT_EQ(items(), (Texts{"wSpeed, u2", "nnCount, i4", "abyRing, u1"}));
     EXPECT_TRUE(UiItemAttribute(ITEM_UNDO, ATTR_DIMMED));
+}
+
+TEST_F(EditPanels, SelectedLinesAreDraggedTogether)
+{
+    const struct {
+        std::vector<int> selected;
+        int source, target;
+        const char *order; // the items' names afterwards, those selected in capitals
+    } drags[] = {
+        {{1, 3}, 1, 4, "aceBDf"}, {{1, 3}, 3, 0, "BDacef"}, {{0, 2, 5}, 2, 3, "bdACFe"},
+        {{1, 2}, 1, 2, "aBCdef"}, {{4, 5}, 4, 1, "aEFbcd"}, {{1, 3}, 0, 2, "bcAdef"}, // not of them
+    };
+    const auto order = [] {
+        std::string names;
+        for (int i = 0; i < nLItems; ++i)
+            names += aLItems[i].name;
+        for (const int line : LSV_SelectedLines())
+            names[static_cast<size_t>(line)] =
+                static_cast<char>(names[static_cast<size_t>(line)] - 'a' + 'A');
+        return names;
+    };
+    for (const auto &drag : drags) {
+        load("a, u1\nb, u1\nc, u1\nd, u1\ne, u1\nf, u1\n");
+        ResetLItemsDisplay();
+        HL_SelectLines(PANEL_MAIN, MAIN_LIST, drag.selected);
+        const std::string before = order();
+        HL_Event(PANEL_MAIN, MAIN_LIST, EVENT_DROPPED, drag.source * 65536 + drag.target);
+        EXPECT_EQ(order(), drag.order) << before << drag.source << drag.target;
+        std::string what;
+        if (IsDBGChange) {
+            EDT_Undo(&what);
+            EXPECT_EQ(LIT_Label(aLItems[0]) + LIT_Label(aLItems[5]), "af") << "one edit";
+            IsDBGChange = 0;
+        }
+    }
+}
+
+TEST_F(EditPanels, AMessageFadesOnceItIsNoLongerTrue)
+{
+    const auto shown = [] {
+        int color = -1;
+        GetCtrlAttribute(PANEL_MAIN, MAIN_MESSAGE, ATTR_TEXT_COLOR, &color);
+        return UiText(PANEL_MAIN, MAIN_MESSAGE) + (color == 0 ? "" : " (old)");
+    };
+    load("wSpeed, u2\nnnCount, i4\nabyRing, u1\n");
+    ResetLItemsDisplay();
+    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 1);
+    HL_Key(PANEL_MAIN, MAIN_LIST, KEY_DELETE);
+    const std::string removed = "Removed: nnCount. Ctrl+Z puts it back.";
+    EXPECT_EQ(shown(), removed);
+    EDT_Move(0, 1);
+    EXPECT_EQ(shown(), removed + " (old)") << "Ctrl+Z means another edit now";
+    EDT_Move(0, 1);
+    EXPECT_EQ(shown(), "");
+    SetMainPanelAttributes();
+    VR_ShowMessage("about the link", MWN_LINK);
+    EDT_Move(0, 1);
+    EXPECT_EQ(shown(), "about the link");
+    ncom = 7;
+    SetMainPanelAttributes();
+    EXPECT_EQ(shown(), "about the link (old)");
+    VR_ShowMessage("news");
+    EXPECT_EQ(shown(), "news");
 }
 
 TEST_F(EditPanels, TheSelectionIsHandedToOtherWindows)

@@ -7,6 +7,7 @@
 #include "support/watch_fixture.h"
 #include "text/words.h"
 #include "watch/list/debug_file.h"
+#include "watch/list/edit.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/main_window.h"
@@ -211,6 +212,39 @@ TEST_F(ListFiles, AnEmptyFileAsksBeforeItReplacesAList)
     EXPECT_EQ(nLItems, 0);
     EXPECT_EQ(szDebugFileName, empty);
     EXPECT_EQ(HL_GetPopups().size(), 2u);
+}
+
+TEST_F(ListFiles, CommentsAreShownEditedAndSavedInTheirLine)
+{
+    ASSERT_EQ(load("; head\r\nA, u1 \t;  one; two \r\nB, u2\r\nC, u4;\r\n"), 0);
+    ResetLItemsDisplay();
+    LSV_ShowValues();
+    const auto comment = [](int row) {
+        std::vector<UI_Cell> cells;
+        GetListCells(PANEL_MAIN, MAIN_LIST, row, &cells);
+        return cells.at(LSV_COMMENT).text;
+    };
+    EXPECT_EQ(comment(0), "one; two");
+    HL_EditCell(PANEL_MAIN, MAIN_LIST, 0, LSV_COMMENT, " three\t");
+    HL_EditCell(PANEL_MAIN, MAIN_LIST, 1, LSV_COMMENT, "new\nline");
+    EXPECT_EQ(comment(0) + "|" + comment(1) + "|" + comment(2), "three|new line|");
+    EXPECT_EQ(IsDBGChange, 1);
+    EXPECT_EQ(saved(), "; head\r\nA, u1 \t; three\r\nB, u2 ; new line\r\nC, u4;\r\n");
+    EDT_Move(0, 2);
+    EXPECT_EQ(saved(), "; head\r\nB, u2 ; new line\r\nC, u4;\r\nA, u1 \t; three\r\n");
+    EXPECT_EQ(EDT_SetComment(2, std::string(500, 'c')), EDT_ERR_COMMENT);
+    std::string what;
+    for (int i = 0; i < 3; ++i)
+        EDT_Undo(&what);
+    EXPECT_EQ(saved(), "; head\r\nA, u1 \t;  one; two \r\nB, u2\r\nC, u4;\r\n")
+        << "as it was, to the blank";
+    EDT_SetComment(0, "");
+    EDT_Change(1, "D", "u1");
+    EXPECT_EQ(saved(), "; head\r\nA, u1\r\nD, u1\r\nC, u4;\r\n");
+    // The rest of a comment that was longer than a line is no item without its beginning.
+    ASSERT_EQ(load("A, u1 ;" + std::string(600, 'c') + "\nB, u2\n"), 0);
+    EDT_SetComment(0, "");
+    EXPECT_EQ(saved(), "A, u1\n; " + std::string(96, 'c') + "\nB, u2\n");
 }
 
 TEST_F(ListFiles, WhatIsNoFileIsRefusedWithOneMessage)

@@ -1,5 +1,6 @@
 // What the user sees of a value: formats, list lines, status, memory box and frequency
 // meter over sweeps on the simulated target; and values written to it.
+#include "watch/list/read_item.h"
 #include "watch/list/refresh.h"
 
 #include <cmath>
@@ -400,6 +401,24 @@ TEST_F(Refresh, TypedValues)
     EXPECT_TRUE(Has(message, "-32768 to 32767"));
     EXPECT_EQ(WRV_Parse(itemOf('f', 4, 0, "&A"), "-1", &bits, &message), 0);
     EXPECT_EQ(bits, 0xFF800000);
+}
+
+// The mailbox is asked at the item's station, whichever is selected.
+TEST_F(Refresh, TheMailboxOfAnotherStationIsThatStations)
+{
+    ASSERT_TRUE(connect());
+    addTmsSymbol("Torque", 0x400);
+    SIM_PokeTMS(target, STATION, 0x400, 111);
+    SIM_PokeTMS(target, STATION + 1, 0x400, 222);
+    ASSERT_EQ(load("&Torque, u4\n"), 0);
+    aLItems[0].station = STATION + 1;
+    ASSERT_EQ(RDI_ReadNow(0), 0);
+    EXPECT_EQ(aLItems[0].value, 222u);
+    std::string message;
+    EXPECT_EQ(WRV_Write(0, "333", &message), WRV_OK) << message;
+    EXPECT_EQ(SIM_PeekTMS(target, STATION + 1, 0x400), 333u);
+    EXPECT_EQ(SIM_PeekTMS(target, STATION, 0x400), 111u);
+    EXPECT_EQ(STATION, 1);
 }
 
 TEST_F(Refresh, WritingValues)

@@ -92,8 +92,7 @@ TEST_F(Serve, EveryRequestIsAnsweredInOrderWithItsIdOrItsError)
 
 TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
 {
-    SIM_Stop(target);
-    target = nullptr;
+    setenv("VIREO2_COM1", (folder / "unplugged").c_str(), 1);
     const auto answers = Ask("{\"op\":\"read\",\"item\":\"wGain\"}\n{\"op\":\"hello\"}\n");
     ASSERT_EQ(2u, answers.size());
     EXPECT_NE(std::string::npos, answers[0].find(R"("code":"port")")) << answers[0];

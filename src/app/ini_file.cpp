@@ -195,7 +195,7 @@ std::string SettingsText()
                 Option_nSweepRate == 0 ? INI_RATE_FAST : std::to_string(Option_nSweepRate));
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
-    return text + WPL_Lines("window", "columns", END_OF_LINE);
+    return text + WPL_Lines({"window", "columns", "layout"}, END_OF_LINE);
 }
 
 // Whether the file on disk already says the same: then there is nothing to save, and a

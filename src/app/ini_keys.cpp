@@ -208,6 +208,11 @@ void ReadSetHeader(const std::string &, const std::string &path)
     CFW_SetHeader(path);
 }
 
+void ReadLayout(const std::string &, const std::string &)
+{
+    WPL_ReadLayout(INI_reading.lineValue);
+}
+
 constexpr INI_Key KEYS[] = {
     {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
     {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
@@ -219,7 +224,8 @@ constexpr INI_Key KEYS[] = {
     {"view", false, ReadView},       {"m2", true, ReadSecondMap},
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
     {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
-    {"rate", false, ReadSweepRate},  {"set", true, ReadSetHeader},
+    {"rate", false, ReadSweepRate},  {"layout", false, ReadLayout},
+    {"set", true, ReadSetHeader},
 };
 
 } // namespace

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <vector>
 
 #include "app/connect_page.h"
 #include "app/window_places.h"
@@ -144,6 +145,16 @@ std::string TypesText()
     return "; types: " + TMF_GetCountsText();
 }
 
+// What was said about another port, station or protocol says nothing about these.
+void OutdateLinkMessage()
+{
+    static std::vector<int> before;
+    const std::vector<int> now = {ncom, bRate, STATION, VR_nProtocol, Option_ComWin32, Option_Echo};
+    if (!before.empty() && before != now)
+        MWN_Outdate(MWN_LINK);
+    before = now;
+}
+
 struct Meaning {
     int value;
     const char *text;
@@ -213,6 +224,7 @@ void VR_DimControls()
 
 void VR_ShowSettings()
 {
+    OutdateLinkMessage();
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     RefreshRecentItems();
@@ -229,6 +241,10 @@ void VR_ShowSettings()
 
 void VR_ShowComState()
 {
+    static bool wasOn = false;
+    if (wasOn && isTimer == 0)
+        MWN_Outdate(MWN_LINK);
+    wasOn = isTimer != 0;
     const int menuBar = GetPanelMenuBar(mainPanel);
     SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);

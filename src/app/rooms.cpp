@@ -22,13 +22,24 @@ namespace {
 
 int progressDialog = -1;
 
+void ShowLinkMessage(const std::string &text)
+{
+    VR_ShowMessage(text, MWN_LINK);
+}
+
+void ShowMapMessage(const std::string &text)
+{
+    VR_ShowMessage(text, MWN_MAP);
+}
+
 // A new link starts with a clean count at the first visible line, and with a word about
 // settings that cannot work.
 void BeginRun()
 {
+    MWN_Outdate(MWN_LINK);
     const std::string problem = INI_GetRangeProblem();
     if (!problem.empty())
-        VR_ShowMessage(problem);
+        ShowLinkMessage(problem);
     RFR_BeginSweep();
     AGE_EndRun(); // perhaps another port, and another target on it
     nErrors = 0;
@@ -55,8 +66,10 @@ void ShowWaiting(int station)
 
 bool MayReplace(const std::string &path)
 {
-    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
-                                      "' is write-protected. Replace it all the same?") == 1;
+    return ConfirmPopup("Vireo2",
+                        "The file '" + WRD_Visible(path) +
+                            "' is write-protected. Replace it all the same?",
+                        UI_DEFAULT_NO) == 1;
 }
 
 void BeginProgress(const std::string &title, const std::string &text)
@@ -81,7 +94,7 @@ void VR_ConnectRooms()
     COM_Listener link = {};
     link.opening = BeginRun;
     link.stateChanged = VR_ShowComState;
-    link.showMessage = VR_ShowMessage;
+    link.showMessage = ShowLinkMessage;
     link.withdrawMessage = WithdrawMessage;
     COM_SetListener(link);
 
@@ -94,7 +107,7 @@ void VR_ConnectRooms()
 
     SYM_Listener names = {};
     names.namesChanged = NCH_NamesChanged;
-    names.showMessage = VR_ShowMessage;
+    names.showMessage = ShowMapMessage;
     names.warn = Warn;
     names.beginProgress = BeginProgress;
     names.advanceProgress = AdvanceProgress;

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int PANELS_MAX = 32, CONTROLS_MAX = 32;  // all numbers are below
+constexpr int PANELS_MAX = 64, CONTROLS_MAX = 64;  // all numbers are below
 constexpr int PLACE_MAX = 32767;                   // pixels, either way
 constexpr int WINDOW_MIN = 50, WINDOW_MAX = 16384; // pixels
 constexpr int COLUMN_MAX = 4096;                   // pixels
@@ -71,9 +71,9 @@ void ApplyWidths(int panel, int control, const Numbers &widths)
     SetListColumns(panel, control, columns);
 }
 
-std::string Line(const char *key, const Numbers &numbers, const char *endOfLine)
+std::string Line(const std::string &start, const Numbers &numbers, const char *endOfLine)
 {
-    std::string text = std::string(key) + ",";
+    std::string text = start;
     for (const int number : numbers)
         text += " " + std::to_string(number);
     return text + endOfLine;
@@ -123,6 +123,18 @@ void WPL_ReadColumns(const std::string &value)
     readWidths[{numbers[0], numbers[1]}] = Numbers(numbers.begin() + 2, numbers.end());
 }
 
+void WPL_ReadLayout(const std::string &value)
+{
+    UI_Layout layout;
+    std::istringstream stream(value);
+    stream >> layout.name;
+    std::string rest;
+    std::getline(stream, rest, '\0');
+    layout.numbers = ToNumbers(rest);
+    if (!layout.numbers.empty())
+        SetViewLayout(layout);
+}
+
 void WPL_ApplyColumns()
 {
     for (int panel = 1; panel < PANELS_MAX; panel++)
@@ -137,7 +149,7 @@ void WPL_ApplyColumns()
         }
 }
 
-std::string WPL_Lines(const char *windowKey, const char *columnsKey, const char *endOfLine)
+std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine)
 {
     std::map<int, Numbers> places = readPlaces;
     std::map<std::pair<int, int>, Numbers> widths = readWidths;
@@ -155,8 +167,13 @@ std::string WPL_Lines(const char *windowKey, const char *columnsKey, const char 
     }
     std::string text;
     for (const auto &[panel, place] : places)
-        text += Line(windowKey, Join({panel}, place), endOfLine);
+        text += Line(keys.window + std::string(","), Join({panel}, place), endOfLine);
     for (const auto &[place, list] : widths)
-        text += Line(columnsKey, Join({place.first, place.second}, list), endOfLine);
+        text += Line(keys.columns + std::string(","), Join({place.first, place.second}, list),
+                     endOfLine);
+    std::vector<UI_Layout> layouts;
+    GetViewLayouts(&layouts);
+    for (const UI_Layout &layout : layouts)
+        text += Line(keys.layout + (", " + layout.name), layout.numbers, endOfLine);
     return text;
 }

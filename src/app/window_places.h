@@ -7,12 +7,16 @@
 #include <string>
 
 void WPL_Forget(); // before a settings file is read
-// The values of the two keys, as they stand in the file; what makes no sense is ignored.
+// The values of the keys, as they stand in the file; what makes no sense is ignored.
 void WPL_ReadWindow(const std::string &value);  // "PANEL LEFT TOP WIDTH HEIGHT", pixels
 void WPL_ReadColumns(const std::string &value); // "PANEL CONTROL WIDTH WIDTH ...", pixels
+void WPL_ReadLayout(const std::string &value);  // "NAME NUMBER NUMBER ...", the view's own
 // Gives lists that have got their columns since the last call the widths read for them.
 void WPL_ApplyColumns();
 // The lines to be written, each behind its key and ended by `endOfLine`.
-std::string WPL_Lines(const char *windowKey, const char *columnsKey, const char *endOfLine);
+struct WPL_Keys {
+    const char *window, *columns, *layout;
+};
+std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine);
 
 #endif

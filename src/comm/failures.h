@@ -28,6 +28,7 @@ constexpr char FAIL_BAD_PORT[] = "bad port number";
 constexpr char FAIL_WRONG_STATION[] = "wrong station in the answer";
 constexpr char FAIL_TARGET_ERROR[] = "target error code"; // its number behind it
 constexpr char FAIL_ECHO[] = "The line echoes what is sent: switch Win32 services off.";
+constexpr char FAIL_NO_PROOF[] = "no answer to the proof that the line is in step";
 // Behind the result in the trace.
 constexpr char FAIL_ECHO_SEEN[] = " (echo of the request seen)";
 

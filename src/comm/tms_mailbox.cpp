@@ -37,6 +37,16 @@ int WaitDone(int maxPolls)
 
 } // namespace
 
+TMS_OnStation::TMS_OnStation(int station) : before(STATION)
+{
+    STATION = station;
+}
+
+TMS_OnStation::~TMS_OnStation()
+{
+    STATION = before;
+}
+
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value)
 {
     if (SendWord(station, {TMS_BOX_ADDRESS, address}) != TMS_OK ||

@@ -26,6 +26,16 @@ enum TMS_Result {
     TMS_ERR_PROOF = -5, // all was answered, but not provably by this request's answers
 };
 
+// Makes a station the selected one for as long as this lives: polls and answers are asked of
+// the selected station, so that a transfer for another one would end in the wrong mailbox.
+struct TMS_OnStation {
+    explicit TMS_OnStation(int station);
+    ~TMS_OnStation();
+    TMS_OnStation(const TMS_OnStation &) = delete;
+    TMS_OnStation &operator=(const TMS_OnStation &) = delete;
+    const int32_t before;
+};
+
 // Reads the word at a TMS320 address. The request goes to `station`; the polls and the
 // answer use STATION whatever the item says. TMS_OK, or a TMS_ERR_ code.
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);

@@ -23,7 +23,6 @@ uint32_t doubts = 0; // refusals of UCM_Prove
 
 constexpr const UCM_Protocol *PROTOCOLS[] = {&UCM_PROTOCOL_MR166, &UCM_PROTOCOL_MODBUS};
 constexpr const char *REFUSED = "bad station number or protocol";
-constexpr const char *NO_PROOF = "no answer to the proof that the line is in step";
 
 const char *ownCause = nullptr; // why the last operation failed when no link can know it
 UCM_Statistics statisticsBase;  // what the links had counted at the last reset
@@ -165,7 +164,7 @@ int UCM_Prove()
     if (result == UCM_READ_AGAIN)
         ownCause = UCM_REPEATED_TEXT;
     else if (result == UCM_NOT_PROVEN && protocol->lastErrorText().empty())
-        ownCause = NO_PROOF;
+        ownCause = FAIL_NO_PROOF;
     return result;
 }
 

@@ -209,7 +209,8 @@ Wish AskHow()
         return WISH_BEGIN;
     int port = ncom, baud = bRate;
     LDR_FindPort(&port, &baud);
-    return ConfirmPopup(TITLE, LDR_GetQuestion(job, port)) == 1 ? WISH_BEGIN : WISH_NOTHING;
+    return ConfirmPopup(TITLE, LDR_GetQuestion(job, port), UI_DEFAULT_NO) == 1 ? WISH_BEGIN
+                                                                               : WISH_NOTHING;
 }
 
 } // namespace

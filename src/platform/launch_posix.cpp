@@ -96,7 +96,10 @@ int StartDetached(const std::vector<std::string> &words)
     while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
     char failed = 0;
-    const ssize_t got = child > 0 ? read(ends[0], &failed, 1) : 0;
+    ssize_t got = 0;
+    do { // a signal says nothing about the start
+        got = child > 0 ? read(ends[0], &failed, 1) : 0;
+    } while (got < 0 && errno == EINTR);
     close(ends[0]);
     return child > 0 && status == 0 && got == 0 ? 0 : -1;
 }

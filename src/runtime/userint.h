@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+// clang-format off
 enum UI_Error {
     UIE_NO_PANEL = -4,
     UIE_NO_CONTROL = -13,
@@ -63,6 +64,7 @@ enum UI_Attribute {
     ATTR_IS_PLACED = 16,      // panel, reading only; 1 once its place and size are the user's
     ATTR_LINES_IN_VIEW = 17,  // list, text box, reading only; 0 while the view has not said
 };
+// clang-format on
 
 typedef int (*PanelCallback)(int panel, int event, int data);
 typedef int (*CtrlCallback)(int panel, int control, int event, int data);
@@ -74,7 +76,7 @@ typedef std::vector<std::string> (*CompletionCallback)(int panel, int control,
 
 // --- start and event loop ---------------------------------------------------------
 int InitCVIRTE(int *argc, char **argv); // the view has taken its options out by now. 0
-int RunUserInterface();          // the code given to QuitUserInterface
+int RunUserInterface();                 // the code given to QuitUserInterface
 int QuitUserInterface(int code); // the loop ends after the running callback; may be called twice
 int ProcessSystemEvents();       // shows what has changed; user input is held back
 int SuspendTimerCallbacks();     // the program starts with timers suspended
@@ -184,7 +186,7 @@ int GetEditedCell(int panel, int control, int *index, int *column, std::string *
 // A stretch drawn as a bar, and what lies where in it. Later segments lie over earlier ones.
 constexpr size_t UI_SEGMENTS_MAX = 4000;
 struct UI_Segment {
-    double first = 0, last = 0; // shares of the bar, 0 to 1, first <= last
+    double first = 0, last = 0;  // shares of the bar, 0 to 1, first <= last
     unsigned style = UIS_NORMAL; // UIS_DIM, UIS_GOOD or UIS_WARNING; the view has the colour
     std::string tip;
 };
@@ -198,7 +200,7 @@ int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments);
 // What the user does to the graph comes as EVENT_VAL_CHANGED.
 typedef std::shared_ptr<const std::vector<double>> UI_Samples;
 struct UI_Plot {
-    int handle = 0; // PlotXY's
+    int handle = 0;  // PlotXY's
     UI_Samples x, y; // of one length
     std::string name, unit;
     int color = -1; // 0xRRGGBB as on a light ground; -1 = by its place
@@ -288,7 +290,10 @@ enum { VAL_NO_FILE_SELECTED = 0, VAL_EXISTING_FILE_SELECTED = 1, VAL_NEW_FILE_SE
 enum { FILE_LOAD = 0, FILE_SAVE = 1 };
 
 int MessagePopup(const std::string &title, const std::string &message);
-int ConfirmPopup(const std::string &title, const std::string &message); // 1 yes, 0 no
+// What Enter means in a question whose wrong answer destroys something: no.
+enum UI_Default { UI_DEFAULT_YES, UI_DEFAULT_NO };
+int ConfirmPopup(const std::string &title, const std::string &message,
+                 UI_Default enter = UI_DEFAULT_YES); // 1 yes, 0 no
 // 0 and the text, or negative when cancelled. `text` carries the proposal in.
 int PromptPopup(const std::string &title, const std::string &message, std::string *text,
                 size_t maxLength);
@@ -299,9 +304,8 @@ int GenericMessagePopup(const std::string &title, const std::string &message,
                         size_t maxLength);
 // `spec` is a file name or a pattern such as "*.d*"; `types` a list "*.dbg;*.dat".
 // A new file chosen in FILE_SAVE mode that exists has been confirmed by the user.
-int FileSelectPopup(const std::string &directory, const std::string &spec,
-                    const std::string &types, const std::string &title, int mode,
-                    std::string *path);
+int FileSelectPopup(const std::string &directory, const std::string &spec, const std::string &types,
+                    const std::string &title, int mode, std::string *path);
 
 // A progress box with a Cancel button. The handle, then 1 once the user has cancelled.
 int CreateProgressDialog(const std::string &title, const std::string &text);
@@ -309,7 +313,16 @@ int UpdateProgressDialog(int dialog, int percent, const std::string &text);
 int DiscardProgressDialog(int dialog);
 
 // --- the desktop --------------------------------------------------------------------
-int LaunchExecutable(const std::string &commandLine);
+// What a view remembers of its windows beside the place and size of panels: splitters, a
+// window that fills the screen, windows of its own. Names and numbers are the view's affair;
+// the program keeps them from one run to the next.
+struct UI_Layout {
+    std::string name; // at most UI_LAYOUT_NAME_MAX visible characters, no blank
+    std::vector<int> numbers;
+};
+constexpr size_t UI_LAYOUT_NAME_MAX = 40, UI_LAYOUT_NUMBERS_MAX = 16, UI_LAYOUTS_MAX = 100;
+int SetViewLayout(const UI_Layout &layout); // in place of the one of that name
+int GetViewLayouts(std::vector<UI_Layout> *layouts);
 // Shows a Markdown file in the help window, which has contents and a search of its own; a
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);

@@ -166,6 +166,7 @@ struct VIEW_Question {
     VIEW_QuestionKind kind = VIEW_MESSAGE;
     std::string title, message;
     std::vector<std::string> buttons; // VIEW_GENERIC: one to three
+    int defaultButton = 1;            // that Enter presses; numbered as in the answer
     bool hasEntry = false;            // an entry field that starts with `text`
     std::string text;
     size_t maxLength = 0; // of the entry, in bytes; 0 = no bound
@@ -209,6 +210,7 @@ struct VIEW_Batch {
     int closedQuestion = 0; // id of a question that needs no answer any more; 0 = none
     bool hasClipboard = false;
     std::string clipboard;
+    std::vector<UI_Layout> layouts; // as they were in the last run; to be used from now on
     std::string helpFile; // Markdown, to be shown in a window of the view's own; "" = none
     bool isEnded = false; // the program has ended: leave
     int exitCode = 0;
@@ -228,6 +230,7 @@ enum VIEW_EventKind {
     VIEW_EVENT_SCROLLED, // list or box: value = first line in view, extra = lines in view
     VIEW_EVENT_PLACED,   // window moved or shown: rect. No callback
     VIEW_EVENT_COLUMNS,  // list: widths = the user's. No callback
+    VIEW_EVENT_LAYOUT,   // UI_Layout: text = name, widths = numbers. No callback
     VIEW_EVENT_END,      // the system wants the program to end: a signal, the session's end
 };
 // What goes with which `event`:
@@ -277,6 +280,7 @@ struct VIEW_Counters {
     uint64_t posted = 0, refused = 0; // events
     uint64_t handled = 0;             // events whose callback has returned, and dropped ones
     uint64_t fetched = 0;             // batches that were not empty
+    uint64_t callbacks = 0;           // of the program that have begun
 };
 void VIEW_GetCounters(VIEW_Counters *counters);
 

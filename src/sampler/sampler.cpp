@@ -1,5 +1,6 @@
 #include "sampler/sampler.h"
 
+#include "comm/failures.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
 #include "platform/system.h"
@@ -29,8 +30,6 @@ constexpr uint64_t TOGETHER_MIN_US = 10 * SECOND_US, TOGETHER_MAX_US = 600 * SEC
 
 const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char FIRST_OF_RATE[] = "a rate needs two values";
-const char SURPLUS[] = "answers come more than once: which one is meant cannot be told";
-const char NO_PROOF[] = "no answer to the proof that the line is in step";
 
 // --- the line as it is --------------------------------------------------------------------
 std::string lastFailure;
@@ -56,6 +55,7 @@ int ReadLine(int station, uint32_t address, uint32_t count, void *buffer)
 
 int ReadLineTMS(int station, uint32_t address, uint32_t *value)
 {
+    const TMS_OnStation selected(station);
     return ReadNoting([&] { return TMS_ReadWord(station, address, TMS_POLLS_ITEM, value); },
                       [](int result) { return TMS_ErrorText(result); });
 }
@@ -230,8 +230,9 @@ void ProveAndGiveOut(SMP_Sampler *sampler)
         result = UCM_READ_AGAIN;
     sampler->doubts = sampler->line.doubts();
     if (result != UCM_PROVEN) {
-        const std::string cause = result == UCM_READ_AGAIN ? SURPLUS : sampler->line.failure();
-        FailHeld(sampler, cause.empty() ? NO_PROOF : cause);
+        const std::string cause =
+            result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : sampler->line.failure();
+        FailHeld(sampler, cause.empty() ? FAIL_NO_PROOF : cause);
     }
     sampler->provenUs = sampler->line.nowUs();
     GiveOut(sampler);

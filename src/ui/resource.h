@@ -361,6 +361,7 @@ enum {
     ITEM_ECHO = 72,          // the two-wire line echoes what is sent (Modbus)
     ITEM_UNDO = 73,         // of an edit of the list; nothing to undo at start
     ITEM_REDO = 110,
+    ITEM_COMMENT = 142,
     ITEM_OTHER_BASE = 111,  // the selected lines in hexadecimal or decimal
     ITEM_RATE_FIRST = 240,  // sweeps a second: 1, 2, 5, 10, as fast as the line allows
     ITEM_RATE_LAST = 244,

@@ -7,7 +7,18 @@
 
 namespace {
 
+constexpr int PLAIN = 0x000000, QUIET = 0x808080; // 0xRRGGBB
+
 MWN_Host host = {};
+MWN_Topic shownTopic = MWN_NEWS;
+bool isOutdated = false;
+
+void ShowText(const std::string &text, bool isQuiet)
+{
+    isOutdated = isQuiet;
+    SetCtrlVal(mainPanel, MAIN_MESSAGE, text);
+    SetCtrlAttribute(mainPanel, MAIN_MESSAGE, ATTR_TEXT_COLOR, isQuiet ? QUIET : PLAIN);
+}
 
 } // namespace
 
@@ -41,7 +52,17 @@ void SetMainPanelTitle()
     SetPanelAttribute(mainPanel, ATTR_TITLE, title);
 }
 
-void VR_ShowMessage(const std::string &text)
+void VR_ShowMessage(const std::string &text, MWN_Topic topic)
 {
-    SetCtrlVal(mainPanel, MAIN_MESSAGE, WRD_VisibleLines(text));
+    shownTopic = topic;
+    ShowText(WRD_VisibleLines(text), false);
+}
+
+void MWN_Outdate(MWN_Topic changed)
+{
+    if (shownTopic != MWN_NEWS && shownTopic != changed)
+        return;
+    std::string shown;
+    GetCtrlVal(mainPanel, MAIN_MESSAGE, &shown);
+    ShowText(isOutdated ? "" : shown, !isOutdated && !shown.empty());
 }

@@ -19,7 +19,18 @@ void SetMainPanelAttributes();
 void VR_EnableControls();
 void MWN_ShowView(int item);
 
-void SetMainPanelTitle();                     // debug file and whether it has unsaved changes
-void VR_ShowMessage(const std::string &text); // message area
+void SetMainPanelTitle(); // debug file and whether it has unsaved changes
+
+// What a message is about. Once that has changed, the message is drawn quietly, and the next
+// time it goes: nobody shall read as true what was.
+enum MWN_Topic {
+    MWN_NEWS, // something was done; until anything else changes
+    MWN_LINK, // port, settings of the link, communication on or off
+    MWN_LIST,
+    MWN_MAP,
+};
+void VR_ShowMessage(const std::string &text, MWN_Topic topic = MWN_NEWS); // message area
+// Before anything is shown about the change itself.
+void MWN_Outdate(MWN_Topic changed);
 
 #endif

@@ -5,6 +5,7 @@
 #include <QSignalSpy>
 
 #include "gui/gui_support.h"
+#include "runtime/qt/line_delegate.h"
 
 namespace {
 
@@ -217,8 +218,43 @@ TEST_F(ViewListTest, EditsAValueInPlaceWhileTheListGoesOn)
     EXPECT_TRUE(GuiEventsOf(PANEL_MAIN, MAIN_LIST, EVENT_CELL_EDITED).empty());
 }
 
+TEST_F(ViewListTest, EditsTheCellThatWasPointedAtAndLeavesOtherKeysAlone)
+{
+    GuiDrawList(PANEL_MAIN, MAIN_LIST, VIEW_LIST_COLUMNS, [](VIEW_List &change) {
+        change.columns.resize(3);
+        for (UI_Column &column : change.columns)
+            column.width = 100;
+        change.columns[1].isEditable = change.columns[2].isEditable = true;
+    });
+    drawLines(0, LINES, "7");
+    select(2);
+    list->setFocus();
+    for (const Qt::KeyboardModifier modifier :
+         {Qt::ShiftModifier, Qt::ControlModifier, Qt::AltModifier}) {
+        QKeyEvent key(QEvent::ShortcutOverride, Qt::Key_F2, modifier);
+        key.ignore();
+        QApplication::sendEvent(list, &key);
+        EXPECT_FALSE(key.isAccepted()) << "a menu may have it";
+        QTest::keyClick(list, Qt::Key_F2, modifier);
+        EXPECT_FALSE(list->isEditing());
+    }
+    const struct {
+        int clicked, edited;
+    } cells[] = {{0, 1}, {2, 2}, {1, 1}};
+    for (const auto &cell : cells) {
+        QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, middle(2, cell.clicked));
+        QTest::keyClick(list, Qt::Key_F2);
+        ASSERT_TRUE(cellField());
+        QTest::keyClicks(cellField(), "5");
+        QTest::keyClick(cellField(), Qt::Key_Return);
+        GuiSettle();
+        EXPECT_EQ(last(EVENT_CELL_EDITED).column, cell.edited);
+    }
+}
+
 TEST_F(ViewListTest, PutsDecimalPointsBelowEachOtherWithinAType)
 {
+    const auto *delegate = static_cast<LineDelegate *>(list->itemDelegate());
     // u2 has even places, f4 odd ones.
     const char *const values[] = {"1", "2.5", "12345", "-1000.25", "7", "0x1F", "text"};
     for (int i = 0; i < 7; i++)
@@ -229,8 +265,8 @@ TEST_F(ViewListTest, PutsDecimalPointsBelowEachOtherWithinAType)
     };
     EXPECT_GT(width(0), 0);
     EXPECT_NEAR(width(2), 5 * width(0), 0.01) << "digits of one width";
-    EXPECT_EQ(list->pointPlace(0, VALUE_COLUMN), width(2));
-    EXPECT_NEAR(list->pointPlace(1, VALUE_COLUMN), 5 * width(0), 0.01) << "with its sign";
+    EXPECT_EQ(delegate->pointPlace(0, VALUE_COLUMN), width(2));
+    EXPECT_NEAR(delegate->pointPlace(1, VALUE_COLUMN), 5 * width(0), 0.01) << "with its sign";
     EXPECT_EQ(width(5), -1) << "hexadecimal";
     EXPECT_EQ(width(6), -1);
     GuiSettle();
@@ -239,7 +275,7 @@ TEST_F(ViewListTest, PutsDecimalPointsBelowEachOtherWithinAType)
     drawLine(line(8, "1234567"), 8);
     GuiSettle();
     EXPECT_TRUE(watch.painted.contains(middle(2, VALUE_COLUMN))) << "its point has moved along";
-    EXPECT_NEAR(list->pointPlace(2, VALUE_COLUMN), 7 * width(0), 0.01);
+    EXPECT_NEAR(delegate->pointPlace(2, VALUE_COLUMN), 7 * width(0), 0.01);
     list->viewport()->removeEventFilter(&watch);
 }
 
@@ -265,7 +301,7 @@ TEST_F(ViewListTest, ShowsLabelsInColumnsWhereTheProgramNamesNone)
 {
     auto *trace = GuiWidget<LineList>(PANEL_TRACE, TRACE_LIST);
     EXPECT_EQ(trace->lines()->headerData(1, Qt::Horizontal, Qt::DisplayRole).toString(), "Result");
-    EXPECT_EQ(trace->columnWidth(0), 90);
+    EXPECT_EQ(trace->columnWidth(0), 104);
     GuiDrawList(PANEL_TRACE, TRACE_LIST, VIEW_LIST_LINES, [](VIEW_List &change) {
         VIEW_Line line;
         line.label = "12:00\033p90lgood\033p370lRead\033p500lmore";

@@ -4,9 +4,11 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QSpinBox>
+#include <QSplitter>
 #include <QWindow>
 
 #include "gui/gui_support.h"
@@ -51,6 +53,15 @@ TEST_F(ViewTest, GivesNoAccessKeyOfTheMainPanelTwice)
             owners[key] = text;
         }
         EXPECT_GT(owners.size(), menus.size());
+    }
+    const QList<QMenu *> all = GuiWindow(PANEL_MAIN)->findChildren<QMenu *>();
+    for (const QMenu *menu : all) {
+        QStringList keys;
+        const QList<QAction *> actions = menu->actions();
+        for (const QAction *action : actions)
+            if (!QKeySequence::mnemonic(action->text()).isEmpty())
+                keys << QKeySequence::mnemonic(action->text()).toString();
+        EXPECT_EQ(keys.removeDuplicates(), 0) << menu->title().toStdString();
     }
 }
 
@@ -188,6 +199,44 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     EXPECT_EQ(scope->pos(), QPoint(60, 70));
     place(20000, 70);
     EXPECT_EQ(scope->pos(), QPoint(60, 70)) << "that screen is gone";
+    scope->setShown(false);
+    scope->resize(5000, 300);
+    scope->setShown(true);
+    EXPECT_LT(scope->width(), 5000) << "no wider than the screen";
+    EXPECT_TRUE(scope->screen()->availableGeometry().contains(scope->frameGeometry()));
+
+    placed.clear();
+    QTV_postTo = [](const VIEW_Event &event) {
+        if (event.kind == VIEW_EVENT_PLACED || event.kind == VIEW_EVENT_LAYOUT)
+            placed.push_back(event);
+        return true;
+    };
+    scope->setWindowState(Qt::WindowMaximized);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !placed.empty(); }));
+    QTest::qWait(100); // longer than a report of its place would take
+    ASSERT_EQ(placed.size(), 1u) << "a window that fills the screen keeps the place it had";
+    EXPECT_EQ(placed[0].text, "22.maximized");
+    EXPECT_EQ(placed[0].widths, std::vector<int>{1});
+}
+
+TEST_F(ViewTest, SplittersKeepTheSizesThatTheUserGaveThem)
+{
+    GuiShow(PANEL_MAIN);
+    auto *split = GuiWindow(PANEL_MAIN)->findChild<QSplitter *>("split");
+    ASSERT_TRUE(split);
+    VIEW_Batch batch;
+    batch.layouts = {{"13.split", {50, 150}}, {"13.split", {100, 100, 100}}, {"other", {1}}};
+    QTV_Draw(batch);
+    EXPECT_LT(split->sizes()[0], 300) << "as in the last run; other counts are another layout's";
+    const QList<int> dragged = {split->sizes()[0] + 30, split->sizes()[1] - 30};
+    split->setSizes(dragged);
+    EXPECT_TRUE(guiEvents.empty() || guiEvents.back().kind != VIEW_EVENT_LAYOUT)
+        << "only the user's doing is kept";
+    emit split->splitterMoved(dragged[0], 1);
+    ASSERT_FALSE(guiEvents.empty());
+    EXPECT_EQ(guiEvents.back().text, "13.split");
+    const QList<int> sizes = split->sizes();
+    EXPECT_EQ(guiEvents.back().widths, std::vector<int>(sizes.begin(), sizes.end()));
 }
 
 TEST_F(ViewTest, EveryPanelFitsTheSmallestScreenWithoutCuttingItsTextsOff)

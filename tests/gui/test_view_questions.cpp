@@ -59,6 +59,11 @@ TEST_F(ViewTest, AConfirmationTellsYesFromEverythingElse)
     EXPECT_EQ(Ask(Make(VIEW_CONFIRM), Click("Yes")).button, 1);
     EXPECT_EQ(Ask(Make(VIEW_CONFIRM), Click("No")).button, 2);
     EXPECT_EQ(Ask(Make(VIEW_CONFIRM), PressEscape).button, 2);
+    const auto pressEnter = [](QDialog *dialog) { QTest::keyClick(dialog, Qt::Key_Return); };
+    EXPECT_EQ(Ask(Make(VIEW_CONFIRM), pressEnter).button, 1);
+    VIEW_Question dangerous = Make(VIEW_CONFIRM);
+    dangerous.defaultButton = 2;
+    EXPECT_EQ(Ask(dangerous, pressEnter).button, 2);
     Ask(Make(VIEW_MESSAGE), [](QDialog *dialog) {
         auto *box = qobject_cast<QMessageBox *>(dialog);
         ASSERT_TRUE(box);

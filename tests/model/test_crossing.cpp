@@ -422,6 +422,30 @@ TEST_F(Crossing, AFullQueueRefusesClicksButNoValues)
     EXPECT_EQ(1u, counters.refused);
 }
 
+// What the user chose was the other state of the mark that he saw.
+TEST_F(Crossing, AMenuItemAlreadyInTheStateThatWasWishedIsLeftAlone)
+{
+    program.onItem = [](int item) {
+        int isOn = 0;
+        GetMenuBarAttribute(WINDOW, item, ATTR_CHECKED, &isOn);
+        SetMenuBarAttribute(WINDOW, item, ATTR_CHECKED, !isOn);
+        heard.push_back(isOn ? "off" : "on");
+    };
+    const auto choose = [](int wasOn) {
+        VIEW_Event event;
+        event.kind = VIEW_EVENT_MENU;
+        event.item = ITEM_END;
+        event.value = wasOn;
+        VIEW_Post(event);
+        HandleAll();
+    };
+    SetMenuBarAttribute(WINDOW, ITEM_END, ATTR_CHECKED, 1);
+    choose(1);
+    choose(1); // it was on for the user, and has gone off by itself
+    choose(0);
+    EXPECT_EQ(heard, (Texts{"off", "on"}));
+}
+
 TEST_F(Crossing, UrgentWishesAreSeenAtOnce)
 {
     static int box = 0;

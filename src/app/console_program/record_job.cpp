@@ -20,7 +20,7 @@ constexpr int64_t SHORTEST_WAIT_US = 500; // less is no use to sleep for
 
 CPG_Options options;
 
-void Say(const std::string &text)
+void PrintForPerson(const std::string &text)
 {
     std::fprintf(stderr, "%s\n", text.c_str());
 }
@@ -36,14 +36,15 @@ bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
         TRG_Trigger trigger;
         std::string problem;
         if (TRG_Parse(line, &trigger, &problem) != 0) {
-            Say("Trigger '" + line + "': " + problem + ".");
+            PrintForPerson("Trigger '" + line + "': " + problem + ".");
             return false;
         }
         const bool isKnown = std::any_of(aLItems, aLItems + nLItems, [&](const LItem &item) {
             return SMP_FromWatch(item).name == trigger.item;
         });
         if (!isKnown) {
-            Say("Trigger '" + line + "': no item '" + trigger.item + "' in the watch list.");
+            PrintForPerson("Trigger '" + line + "': no item '" + trigger.item +
+                           "' in the watch list.");
             return false;
         }
         triggers->push_back(trigger);
@@ -111,7 +112,7 @@ int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
     file.path = options.recordFile;
     file.rotateBytes = options.rotateBytes;
     file.rotateMinutes = options.rotateMinutes;
-    const RCJ_Listener listener = {Say, Beep};
+    const RCJ_Listener listener = {PrintForPerson, Beep};
     std::string problem;
     int result =
         RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener, &problem);
@@ -123,7 +124,7 @@ int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
                                &problem);
     }
     if (result != 0)
-        Say(problem);
+        PrintForPerson(problem);
     return result;
 }
 
@@ -135,9 +136,9 @@ int Record(const std::vector<TRG_Trigger> &triggers)
     Follow(&job);
     const bool isEarly = HL_IsEndWished() && options.recordSeconds > 0;
     const bool isKept = RCJ_Stop(&job) == 0;
-    Say(RCJ_Summary(job, bRate));
+    PrintForPerson(RCJ_Summary(job, bRate));
     if (isEarly)
-        Say("Interrupted.");
+        PrintForPerson("Interrupted.");
     const SMP_Totals &totals = job.sampler.totals;
     const bool isAnyGood = totals.samples == 0 || totals.failed < totals.samples;
     return isKept && !isEarly && isAnyGood ? 0 : 1;

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "comm/sysaddr.h"
+#include "comm/tms_mailbox.h"
 #include "console/commands/commands.h"
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
@@ -214,19 +215,6 @@ bool FindPlace(const Name &name, bool isGuess, LItem *item, std::string *problem
     return next == nullptr;
 }
 
-// For the mailbox, which only STATION's requests reach.
-struct SelectedStation {
-    const int32_t before = STATION;
-    explicit SelectedStation(int32_t station)
-    {
-        STATION = station;
-    }
-    ~SelectedStation()
-    {
-        STATION = before;
-    }
-};
-
 } // namespace
 
 int SET_Parse(const std::string &text, SET_Request *request, std::string *problem)
@@ -265,7 +253,7 @@ int SET_Parse(const std::string &text, SET_Request *request, std::string *proble
 int SET_Execute(SET_Request *request, std::string *result)
 {
     LItem *item = &request->item;
-    const SelectedStation selected(LIT_IsTMS(*item) ? LIT_Station(*item) : STATION);
+    const TMS_OnStation selected(LIT_IsTMS(*item) ? LIT_Station(*item) : STATION);
     std::string message;
     int code = WRV_OK;
     if (request->isWrite) {

@@ -243,7 +243,6 @@ int VIEW_Main(int argc, char **argv, int (*program)(int argc, char **argv))
 void HL_Reset()
 {
     MDL_Reset();
-    MDL_GetState().isLaunchHeld = true;
     headless = Headless();
     headless.out = headless.err = nullptr;
 }

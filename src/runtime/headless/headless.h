@@ -95,6 +95,5 @@ int HL_GetPopupMenu(); // last menu shown at the mouse, 0 = none
 // What is offered for the text that stands in a field now.
 std::vector<std::string> HL_Complete(int panel, int control);
 const std::string &HL_GetClipboard();
-const std::vector<std::string> &HL_GetLaunched(); // command lines given to LaunchExecutable
 
 #endif

@@ -298,8 +298,3 @@ std::vector<std::string> HL_Complete(int panel, int control)
         return {};
     return c->completion(panel, control, c->state.text);
 }
-
-const std::vector<std::string> &HL_GetLaunched()
-{
-    return MDL_GetState().launched;
-}

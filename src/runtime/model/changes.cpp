@@ -157,8 +157,8 @@ bool IsEmpty(const VIEW_Batch &batch)
     return batch.panels.empty() && batch.items.empty() && batch.controls.empty() &&
            batch.lists.empty() && batch.boxes.empty() && batch.graphs.empty() &&
            batch.completions.empty() && batch.progress.empty() && batch.popupMenu == 0 &&
-           batch.question.id == 0 && batch.closedQuestion == 0 && !batch.hasClipboard &&
-           batch.helpFile.empty() && !batch.isEnded;
+           batch.question.id == 0 && batch.closedQuestion == 0 && batch.layouts.empty() &&
+           !batch.hasClipboard && batch.helpFile.empty() && !batch.isEnded;
 }
 
 } // namespace

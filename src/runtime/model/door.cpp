@@ -151,6 +151,8 @@ void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
     if (fresh.hasClipboard)
         old->clipboard = std::move(fresh.clipboard);
     old->hasClipboard |= fresh.hasClipboard;
+    for (UI_Layout &layout : fresh.layouts)
+        old->layouts.push_back(std::move(layout));
     if (!fresh.helpFile.empty())
         old->helpFile = std::move(fresh.helpFile);
     if (fresh.isEnded)
@@ -202,13 +204,15 @@ bool IsState(const VIEW_Event &event)
         return event.event == EVENT_VAL_CHANGED;
     return event.kind == VIEW_EVENT_FOCUS || event.kind == VIEW_EVENT_SCROLLED ||
            event.kind == VIEW_EVENT_PLACED || event.kind == VIEW_EVENT_COLUMNS ||
+           event.kind == VIEW_EVENT_LAYOUT ||
            (event.kind == VIEW_EVENT_PANEL && event.event == EVENT_PANEL_SIZE);
 }
 
 bool IsSame(const VIEW_Event &one, const VIEW_Event &other)
 {
     return one.kind == other.kind && one.event == other.event && one.panel == other.panel &&
-           one.control == other.control;
+           one.control == other.control &&
+           (one.kind != VIEW_EVENT_LAYOUT || one.text == other.text);
 }
 
 // What says where things stand must arrive, or the two sides would differ from then on.
@@ -365,6 +369,7 @@ void DOOR_SetBusy(bool isBusy)
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     door.busy = {isBusy, PLT_TickMs(), ""};
+    door.counters.callbacks += isBusy ? 1 : 0;
 }
 
 void DOOR_SetBusyText(const std::string &text)

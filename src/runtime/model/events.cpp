@@ -132,6 +132,9 @@ bool ApplyQuiet(const VIEW_Event &event)
         if (panel)
             ApplyPlace(panel, event);
         return true;
+    case VIEW_EVENT_LAYOUT:
+        MDL_KeepLayout({event.text, event.widths});
+        return true;
     case VIEW_EVENT_ANSWER: // to a question that is closed
         return true;
     default:
@@ -230,6 +233,10 @@ int HandleMenu(const VIEW_Event &event)
         return UIE_NO_ITEM;
     if (item->state.isDimmed)
         return MDL_DIMMED;
+    // The user chose the other state of a check mark. If the program has come to it by itself
+    // meanwhile, toggling would lead away from it.
+    if (item->state.isCheckable && event.value != (item->state.isChecked ? 1 : 0))
+        return MDL_STALE;
     const MenuCallback callback = item->callback; // it may discard its own item
     MDL_BeginCall();
     callback(UI_nMenuPanel, event.item);

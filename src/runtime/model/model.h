@@ -73,13 +73,14 @@ struct MDL_State {
     VIEW_Batch extra;                // what belongs to no record: questions, progress, clipboard
     int nextItem = 1000, nextQuestion = 1, nextProgress = 1;
     std::vector<VIEW_Progress> progress; // open boxes
-    uint32_t stamp = 0;                  // rises with every change of a value by the program
-    uint32_t lineId = 0;                 // the last number given to a line
-    std::deque<VIEW_Event> queue;        // taken from the door, not handled yet
-    std::deque<bool> isCaught;           // beside it: its value is in the model already
-    MDL_Control *handled = nullptr;      // the control whose own event is being handled
-    int depth = 0;                       // callbacks and pop-ups that are running
-    int result = 0;                      // of the last event: the callback's, or why it was dropped
+    std::vector<UI_Layout> layouts;
+    uint32_t stamp = 0;             // rises with every change of a value by the program
+    uint32_t lineId = 0;            // the last number given to a line
+    std::deque<VIEW_Event> queue;   // taken from the door, not handled yet
+    std::deque<bool> isCaught;      // beside it: its value is in the model already
+    MDL_Control *handled = nullptr; // the control whose own event is being handled
+    int depth = 0;                  // callbacks and pop-ups that are running
+    int result = 0;                 // of the last event: the callback's, or why it was dropped
     uint64_t flushedUs = 0;
     bool isSuspended = true;
     bool isStarting = false; // the program runs, its loop does not yet
@@ -88,8 +89,6 @@ struct MDL_State {
     bool isEndWished = false; // nobody is there to answer any more
     void (*endCallback)() = nullptr;
     int (*driver)() = nullptr; // runs instead of the loop
-    bool isLaunchHeld = false; // tests want to know, not to see an editor
-    std::vector<std::string> launched;
 };
 
 MDL_State &MDL_GetState();
@@ -129,6 +128,9 @@ void MDL_Flush(bool hasLists = true);
 // For calls that change what is seen: outside a callback shows it at once, in a long one
 // every now and then.
 void MDL_FlushNowAndThen();
+
+// In place of the one of that name. UIE_BAD_INDEX: too many, or no good name.
+int MDL_KeepLayout(const UI_Layout &layout);
 
 // --- events -----------------------------------------------------------------------------------
 // Puts into the model what the user has typed, chosen and moved so far; the callbacks follow

@@ -1,6 +1,8 @@
 // Pop-ups, progress boxes and the desktop's services.
 #include "runtime/model/model.h"
 
+#include <algorithm>
+
 #include "platform/system.h"
 #include "runtime/model/door.h"
 
@@ -97,9 +99,11 @@ int MessagePopup(const std::string &title, const std::string &message)
     return 0;
 }
 
-int ConfirmPopup(const std::string &title, const std::string &message)
+int ConfirmPopup(const std::string &title, const std::string &message, UI_Default enter)
 {
-    return Ask(MakeQuestion(VIEW_CONFIRM, title, message), nullptr) == 1;
+    VIEW_Question question = MakeQuestion(VIEW_CONFIRM, title, message);
+    question.defaultButton = enter == UI_DEFAULT_NO ? 2 : 1;
+    return Ask(question, nullptr) == 1;
 }
 
 int PromptPopup(const std::string &title, const std::string &message, std::string *text,
@@ -182,11 +186,39 @@ int DiscardProgressDialog(int dialog)
     return 0;
 }
 
-int LaunchExecutable(const std::string &commandLine)
+int MDL_KeepLayout(const UI_Layout &layout)
 {
-    MDL_State &state = MDL_GetState();
-    state.launched.push_back(commandLine);
-    return state.isLaunchHeld ? 0 : PLT_Launch(commandLine);
+    const bool isNameGood =
+        !layout.name.empty() && layout.name.size() <= UI_LAYOUT_NAME_MAX &&
+        std::all_of(layout.name.begin(), layout.name.end(), [](char c) { return c > ' '; });
+    if (!isNameGood || layout.numbers.size() > UI_LAYOUT_NUMBERS_MAX)
+        return UIE_BAD_INDEX;
+    std::vector<UI_Layout> &kept = MDL_GetState().layouts;
+    const auto known = std::find_if(kept.begin(), kept.end(), [&](const UI_Layout &other) {
+        return other.name == layout.name;
+    });
+    if (known == kept.end() && kept.size() >= UI_LAYOUTS_MAX)
+        return UIE_BAD_INDEX;
+    if (known == kept.end())
+        kept.push_back(layout);
+    else
+        *known = layout;
+    return 0;
+}
+
+int SetViewLayout(const UI_Layout &layout)
+{
+    const int result = MDL_KeepLayout(layout);
+    if (result == 0)
+        MDL_GetState().extra.layouts.push_back(layout);
+    return result;
+}
+
+int GetViewLayouts(std::vector<UI_Layout> *layouts)
+{
+    MDL_CatchUp();
+    *layouts = MDL_GetState().layouts;
+    return 0;
 }
 
 int ShowHelpText(const std::string &path)

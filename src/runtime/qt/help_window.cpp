@@ -21,6 +21,7 @@ namespace {
 constexpr int WIDTH = 820, HEIGHT = 560, CONTENTS_WIDTH = 190; // pixels
 constexpr int CONTENTS_DEPTH = 2;                              // levels of headings
 constexpr int HEADING_SPACE = 12, PARAGRAPH_SPACE = 6;         // pixels
+const char LAYOUT[] = "help";                                  // left, top, size, its two parts
 constexpr qint64 FILE_SIZE_MAX = 1 << 20;                      // bytes
 
 class HelpWindow : public QWidget {
@@ -29,7 +30,6 @@ public:
     {
         setWindowTitle("Vireo2 help");
         setObjectName("help");
-        resize(WIDTH, HEIGHT);
         m_contents->setObjectName("contents");
         m_contents->setAccessibleName("Contents");
         m_search->setObjectName("search");
@@ -39,6 +39,16 @@ public:
         m_text->setObjectName("text");
         m_text->setOpenLinks(false);
         arrange();
+        const std::vector<int> place = QTV_FindLayout(LAYOUT);
+        if (place.size() == 6) {
+            m_hasPlace = PanelWindow::placeOnScreen(this, QPoint(place[0], place[1]));
+            resize(place[2], place[3]);
+            m_split->setSizes({place[4], place[5]});
+        } else {
+            resize(WIDTH, HEIGHT);
+            m_split->setSizes({CONTENTS_WIDTH, WIDTH - CONTENTS_WIDTH});
+        }
+        connect(m_split, &QSplitter::splitterMoved, this, &HelpWindow::keepPlace);
         connect(m_search, &QLineEdit::textEdited, this, [this] { find(false); });
         connect(m_search, &QLineEdit::returnPressed, this, [this] { find(true); });
         connect(m_contents, &QListWidget::currentRowChanged, this, &HelpWindow::turnTo);
@@ -62,6 +72,8 @@ public:
             spaceParagraphs();
             listHeadings();
         }
+        if (!isVisible())
+            PanelWindow::fit(this, m_hasPlace);
         QWidget::show();
         raise();
         activateWindow();
@@ -77,20 +89,37 @@ protected:
             QWidget::keyPressEvent(event);
     }
 
+    void moveEvent(QMoveEvent *event) override
+    {
+        QWidget::moveEvent(event);
+        keepPlace();
+    }
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QWidget::resizeEvent(event);
+        keepPlace();
+    }
+
 private:
+    void keepPlace()
+    {
+        const QList<int> parts = m_split->sizes();
+        m_hasPlace = m_hasPlace || isVisible();
+        if (isVisible() && parts.size() == 2)
+            QTV_KeepLayout(LAYOUT, {x(), y(), width(), height(), parts[0], parts[1]});
+    }
+
     void arrange()
     {
         auto *top = new QHBoxLayout;
         top->addWidget(m_search, 1);
         top->addWidget(m_found);
-        auto *split = new QSplitter(this);
-        split->addWidget(m_contents);
-        split->addWidget(m_text);
-        split->setSizes({CONTENTS_WIDTH, WIDTH - CONTENTS_WIDTH});
-        split->setStretchFactor(1, 1);
+        m_split->addWidget(m_contents);
+        m_split->addWidget(m_text);
+        m_split->setStretchFactor(1, 1);
         auto *rows = new QVBoxLayout(this);
         rows->addLayout(top);
-        rows->addWidget(split, 1);
+        rows->addWidget(m_split, 1);
     }
 
     // The reader of Markdown sets paragraphs without air between them.
@@ -153,11 +182,13 @@ private:
         m_found->setText(isFound ? "" : "not found");
     }
 
+    QSplitter *m_split = new QSplitter(this);
     QListWidget *m_contents = new QListWidget(this);
     QLineEdit *m_search = new QLineEdit(this);
     QLabel *m_found = new QLabel(this);
     QTextBrowser *m_text = new QTextBrowser(this);
     QString m_shown;
+    bool m_hasPlace = false;
 };
 
 QPointer<HelpWindow> window; // goes with the main one

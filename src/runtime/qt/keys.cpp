@@ -16,7 +16,7 @@ struct KeyRow {
     int code;
 };
 
-const KeyRow keyRows[] = {
+const KeyRow KEY_ROWS[] = {
     {Qt::Key_Return, KEY_ENTER},
     {Qt::Key_Enter, KEY_ENTER},
     {Qt::Key_Escape, KEY_ESC},
@@ -37,7 +37,7 @@ const KeyRow keyRows[] = {
 
 int SpecialKey(int qtKey)
 {
-    for (const KeyRow &row : keyRows)
+    for (const KeyRow &row : KEY_ROWS)
         if (row.qtKey == qtKey)
             return row.code;
     if (qtKey >= Qt::Key_F1 && qtKey <= Qt::Key_F24)
@@ -143,7 +143,7 @@ int QTV_QtKey(int code)
     const int key = code & KEY_MASK;
     if (key >= KEY_F1)
         return Qt::Key_F1 + (key - KEY_F1);
-    for (const KeyRow &row : keyRows)
+    for (const KeyRow &row : KEY_ROWS)
         if (row.code == key)
             return row.qtKey;
     return IsPrintable(key) ? key : 0;

@@ -5,8 +5,6 @@
 #include <QLineEdit>
 #include <QPainter>
 
-#include "runtime/qt/line_list.h"
-
 namespace {
 
 constexpr int MARGIN = 6; // pixels between a column's edge and its text
@@ -46,7 +44,8 @@ LOOK_Tone ToneOf(const ListCell &cell)
 
 } // namespace
 
-LineDelegate::LineDelegate(LineList *list) : QStyledItemDelegate(list), m_list(list)
+LineDelegate::LineDelegate(QWidget *list, const LineModel *model)
+    : QStyledItemDelegate(list), m_list(list), m_model(model)
 {
     QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     fixed.setPixelSize(list->font().pixelSize());
@@ -81,6 +80,7 @@ void LineDelegate::usePalette(const QPalette &palette)
     m_colors = LOOK_MakeLines(palette);
 }
 
+// Once for a cell: its text's end and its decimal point.
 void LineDelegate::measure(const ListCell &cell, int column) const
 {
     if (cell.width >= 0)
@@ -97,18 +97,52 @@ void LineDelegate::measure(const ListCell &cell, int column) const
     cell.beforePoint = point < 0 ? -1 : metrics.horizontalAdvance(cell.text.left(point));
 }
 
+double LineDelegate::pointPlace(int row, int column) const
+{
+    const size_t group = m_model->group(row, column);
+    const auto known = m_points.constFind(group);
+    if (known != m_points.constEnd())
+        return *known;
+    double widest = 0;
+    for (int other = m_first; other < m_end; other++) {
+        if (m_model->group(other, column) != group)
+            continue;
+        const ListCell &cell = m_model->cell(other, column);
+        measure(cell, column);
+        widest = qMax(widest, cell.beforePoint);
+    }
+    m_points.insert(group, widest);
+    return widest;
+}
+
+void LineDelegate::beginPainting(int first, int end)
+{
+    m_first = first;
+    m_end = end;
+    m_points.clear();
+}
+
+bool LineDelegate::endPainting()
+{
+    bool hasMoved = false;
+    for (auto point = m_points.constBegin(); point != m_points.constEnd(); ++point) {
+        hasMoved = hasMoved || m_paintedPoints.value(point.key(), *point) != *point;
+        m_paintedPoints.insert(point.key(), *point);
+    }
+    return hasMoved;
+}
+
 // Called for every cell of a sweep: no more than a filled rectangle and one run of glyphs.
 void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                          const QModelIndex &index) const
 {
-    const LineModel *model = m_list->lines();
     const int column = index.column();
-    const ListCell &cell = model->cell(index.row(), column);
+    const ListCell &cell = m_model->cell(index.row(), column);
     const bool isSelected = option.state & QStyle::State_Selected;
     const LOOK_Ground ground = isSelected ? (m_list->hasFocus() ? LG_ACTIVE : LG_SELECTED)
-                               : model->isFresh(cell) ? LG_FRESH
-                               : index.row() % 2      ? LG_STRIPED
-                                                      : LG_BASE;
+                               : m_model->isFresh(cell) ? LG_FRESH
+                               : index.row() % 2        ? LG_STRIPED
+                                                        : LG_BASE;
     if (ground != LG_BASE)
         painter->fillRect(option.rect, m_colors.ground[ground]);
     if (cell.text.isEmpty())
@@ -119,13 +153,13 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
                                                          : m_colors.text[ground][LT_QUIET]);
     const QRect room = option.rect.adjusted(MARGIN, 0, -MARGIN, 0);
     double left = room.left();
-    const UI_Align align = model->columns()[static_cast<size_t>(column)].align;
+    const UI_Align align = m_model->columns()[static_cast<size_t>(column)].align;
     if (align == UIA_RIGHT)
         left = room.right() + 1 - cell.width;
     else if (align == UIA_CENTER)
         left += (room.width() - cell.width) / 2;
     else if (align == UIA_POINT && cell.beforePoint >= 0)
-        left += m_list->pointPlace(index.row(), column) - cell.beforePoint;
+        left += pointPlace(index.row(), column) - cell.beforePoint;
     if (left < room.left() || left + cell.width > room.right() + 1) {
         const QFontMetrics metrics = painter->fontMetrics();
         painter->drawText(room, Qt::AlignVCenter | Qt::TextSingleLine,
@@ -154,7 +188,7 @@ void LineDelegate::setEditorData(QWidget *editor, const QModelIndex &index) cons
     if (field->property("filled").toBool())
         return;
     field->setProperty("filled", true);
-    field->setText(m_list->lines()->cell(index.row(), index.column()).text.trimmed());
+    field->setText(m_model->cell(index.row(), index.column()).text.trimmed());
     field->selectAll();
 }
 

@@ -5,18 +5,17 @@
 #define RUNTIME_QT_LINE_DELEGATE_H
 
 #include <QFont>
+#include <QHash>
 #include <QStyledItemDelegate>
 
+#include "runtime/qt/line_model.h"
 #include "runtime/qt/look.h"
-
-class LineList;
-struct ListCell;
 
 class LineDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
 public:
-    explicit LineDelegate(LineList *list);
+    LineDelegate(QWidget *list, const LineModel *model);
     void paint(QPainter *painter, const QStyleOptionViewItem &option,
                const QModelIndex &index) const override;
     QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
@@ -24,9 +23,13 @@ public:
     void setEditorData(QWidget *editor, const QModelIndex &index) const override;
     void setModelData(QWidget *editor, QAbstractItemModel *model,
                       const QModelIndex &index) const override;
-    // Measures a cell once; its text's end and its decimal point.
-    void measure(const ListCell &cell, int column) const;
     void usePalette(const QPalette &palette);
+    // Around the painting of the rows from `first` up to `end`, which are in view. True when a
+    // number longer than those so far has moved the points of lines that were not painted.
+    void beginPainting(int first, int end);
+    bool endPainting();
+    // The widest part before the point in the group, over the lines in view.
+    double pointPlace(int row, int column) const;
 
 private:
     struct Face {
@@ -40,8 +43,13 @@ private:
         return column == 0 ? m_plain : m_fixed;
     }
     QFont fontOf(const ListCell &cell, int column) const;
+    void measure(const ListCell &cell, int column) const;
 
-    LineList *m_list;
+    QWidget *m_list;
+    const LineModel *m_model;
+    int m_first = 0, m_end = 0;             // rows in view
+    mutable QHash<size_t, double> m_points; // by group; for one painting
+    QHash<size_t, double> m_paintedPoints;  // where they were painted last
     Face m_plain, m_fixed;
     LOOK_Lines m_colors;
 };

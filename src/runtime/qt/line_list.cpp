@@ -13,192 +13,22 @@ namespace {
 
 constexpr int ROW_HEIGHT = 18;    // pixels
 constexpr int ROWS_AT_FIRST = 13; // what a list asks room for
-constexpr int FRESH_MS = 700;     // how long a changed value is marked
 constexpr int COLUMN_MIN = 24;    // pixels a column can be dragged to
 constexpr int HEADER_EXTRA = 16;  // pixels around a title
 
+// Alone: with Shift, Ctrl or Alt it is another key.
+bool IsPlainKey(const QKeyEvent &event, Qt::Key key)
+{
+    return event.key() == key && !(event.modifiers() & ~Qt::KeypadModifier);
+}
+
 } // namespace
 
-LineModel::LineModel(QObject *parent) : QAbstractTableModel(parent), m_columns(1)
-{
-    m_clock.start();
-    m_fading.setSingleShot(true);
-    m_fading.setInterval(FRESH_MS);
-    connect(&m_fading, &QTimer::timeout, this, &LineModel::fadeMarks);
-}
-
-int LineModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_lines.size());
-}
-
-int LineModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_columns.size());
-}
-
-const ListCell &LineModel::cell(int row, int column) const
-{
-    static const ListCell NOTHING;
-    const std::vector<ListCell> &cells = m_lines[static_cast<size_t>(row)].cells;
-    return static_cast<size_t>(column) < cells.size() ? cells[static_cast<size_t>(column)]
-                                                      : NOTHING;
-}
-
-uint32_t LineModel::id(int row) const
-{
-    return m_lines[static_cast<size_t>(row)].id;
-}
-
-size_t LineModel::group(int row, int column) const
-{
-    const size_t seed = static_cast<size_t>(column);
-    return column == 0 ? seed : qHash(cell(row, column - 1).text, seed);
-}
-
-QVariant LineModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || index.row() >= rowCount())
-        return QVariant();
-    const ListCell &shown = cell(index.row(), index.column());
-    if (role == Qt::DisplayRole) // what type-ahead search and screen readers see
-        return shown.text;
-    if (role == Qt::ToolTipRole) {
-        const QString &line = m_lines[static_cast<size_t>(index.row())].tip;
-        const QString tip = shown.tip.isEmpty() ? line : shown.tip;
-        return tip.isEmpty() ? QVariant() : QVariant(tip);
-    }
-    return QVariant();
-}
-
-// The line keeps its text until the program has taken the new one.
-bool LineModel::setData(const QModelIndex &index, const QVariant &value, int role)
-{
-    if (role == Qt::EditRole)
-        emit cellEdited(index.row(), index.column(), value.toString());
-    return false;
-}
-
-QVariant LineModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    const bool isTitle = orientation == Qt::Horizontal && section < columnCount();
-    if (isTitle && role == Qt::DisplayRole)
-        return m_columns[static_cast<size_t>(section)].title;
-    if (isTitle && role == Qt::TextAlignmentRole)
-        return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
-    return QVariant();
-}
-
-Qt::ItemFlags LineModel::flags(const QModelIndex &index) const
-{
-    Qt::ItemFlags flags = QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled |
-                          Qt::ItemIsDropEnabled | Qt::ItemNeverHasChildren;
-    const auto column = static_cast<size_t>(index.column());
-    if (index.isValid() && column < m_columns.size() && m_columns[column].isEditable)
-        flags |= Qt::ItemIsEditable;
-    return flags;
-}
-
-Qt::DropActions LineModel::supportedDropActions() const
-{
-    return Qt::MoveAction;
-}
-
-void LineModel::setColumns(const std::vector<ListColumn> &columns)
-{
-    beginResetModel();
-    m_columns = columns;
-    if (m_columns.empty())
-        m_columns.resize(1);
-    endResetModel();
-}
-
-void LineModel::setLineCount(int count)
-{
-    const int before = rowCount();
-    if (count < before) {
-        beginRemoveRows(QModelIndex(), count, before - 1);
-        m_lines.resize(static_cast<size_t>(count));
-        endRemoveRows();
-    } else if (count > before) {
-        beginInsertRows(QModelIndex(), before, count - 1);
-        m_lines.resize(static_cast<size_t>(count));
-        endInsertRows();
-    }
-}
-
-bool LineModel::setLine(int row, ListLine line, ListSpan *span)
-{
-    ListLine &shown = m_lines[static_cast<size_t>(row)];
-    shown.id = line.id;                   // not shown: no reason to repaint
-    int first = columnCount(), last = -1; // columns that differ
-    if (shown.cells.size() != line.cells.size() || shown.tip != line.tip) {
-        first = 0;
-        last = columnCount() - 1;
-    }
-    for (size_t i = 0; i < line.cells.size(); i++) {
-        ListCell &fresh = line.cells[i];
-        const ListCell *old = i < shown.cells.size() ? &shown.cells[i] : nullptr;
-        if (old && fresh.isSame(*old)) {
-            fresh = *old; // with what was measured of it
-            continue;
-        }
-        first = qMin(first, static_cast<int>(i));
-        last = qMax(last, static_cast<int>(i));
-        if (!(fresh.style & UIS_CHANGED))
-            continue;
-        fresh.changedAt = m_clock.elapsed() + 1;
-        if (!m_fading.isActive())
-            m_fading.start();
-    }
-    if (last < 0)
-        return false;
-    shown = std::move(line);
-    const bool isFirst = span->firstRow < 0;
-    span->firstRow = isFirst ? row : span->firstRow;
-    span->lastRow = row;
-    span->firstColumn = isFirst ? first : qMin(first, span->firstColumn);
-    span->lastColumn = isFirst ? last : qMax(last, span->lastColumn);
-    return true;
-}
-
-void LineModel::reportChanged(const ListSpan &span)
-{
-    if (span.firstRow >= 0)
-        emit dataChanged(index(span.firstRow, span.firstColumn),
-                         index(span.lastRow, span.lastColumn));
-}
-
-bool LineModel::isFresh(const ListCell &cell) const
-{
-    return cell.changedAt != 0 && m_clock.elapsed() - cell.changedAt < FRESH_MS;
-}
-
-void LineModel::fadeMarks()
-{
-    bool isAnyFresh = false;
-    for (size_t row = 0; row < m_lines.size(); row++) {
-        for (size_t i = 0; i < m_lines[row].cells.size(); i++) {
-            ListCell &cell = m_lines[row].cells[i];
-            if (cell.changedAt == 0)
-                continue;
-            if (isFresh(cell)) {
-                isAnyFresh = true;
-                continue;
-            }
-            cell.changedAt = 0;
-            const QModelIndex at = index(static_cast<int>(row), static_cast<int>(i));
-            emit dataChanged(at, at);
-        }
-    }
-    if (isAnyFresh)
-        m_fading.start();
-}
-
-LineList::LineList(QWidget *parent) : QTableView(parent), m_model(new LineModel(this))
+LineList::LineList(QWidget *parent)
+    : QTableView(parent), m_model(new LineModel(this)), m_delegate(new LineDelegate(this, m_model))
 {
     setModel(m_model);
-    setItemDelegate(new LineDelegate(this));
+    setItemDelegate(m_delegate);
     setSelectionBehavior(QAbstractItemView::SelectRows);
     setSelectionMode(QAbstractItemView::SingleSelection);
     setShowGrid(false);
@@ -217,10 +47,7 @@ LineList::LineList(QWidget *parent) : QTableView(parent), m_model(new LineModel(
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
     connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &LineList::viewMoved);
-    connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] {
-        if (!m_isOurs)
-            emit columnsDragged();
-    });
+    connect(horizontalHeader(), &QHeaderView::sectionResized, this, &LineList::noteWidth);
 }
 
 void LineList::setTitles(const QString &titles)
@@ -251,10 +78,28 @@ void LineList::setColumns(const std::vector<ListColumn> &columns)
         hasTitles = hasTitles || !column.title.isEmpty();
     }
     m_model->setColumns(measured);
-    for (size_t i = 0; i < measured.size(); i++)
+    m_widths.clear();
+    for (size_t i = 0; i < measured.size(); i++) {
+        m_widths.push_back(measured[i].width);
         setColumnWidth(static_cast<int>(i), measured[i].width);
+    }
+    m_widths.resize(m_model->columns().size()); // there is always one
     horizontalHeader()->setVisible(hasTitles);
     showColumnsThatFit();
+}
+
+// The last column that is shown takes what is left over, and one that is hidden has no width:
+// neither is the user's doing.
+void LineList::noteWidth(int column, int before, int now)
+{
+    QHeaderView *header = horizontalHeader();
+    bool isLast = true;
+    for (int i = column + 1; i < m_model->columnCount(); i++)
+        isLast = isLast && isColumnHidden(i);
+    if (m_isOurs || isLast || now == 0 || before == 0 || header->isSectionHidden(column))
+        return;
+    m_widths[static_cast<size_t>(column)] = now;
+    emit columnsDragged();
 }
 
 // Spare columns are for wide windows only, from left to right as far as they go.
@@ -262,23 +107,15 @@ void LineList::showColumnsThatFit()
 {
     const std::vector<ListColumn> &columns = m_model->columns();
     int needed = 0;
-    for (const ListColumn &column : columns)
-        needed += column.isSpare ? 0 : column.width;
+    for (size_t i = 0; i < columns.size(); i++)
+        needed += columns[i].isSpare ? 0 : m_widths[i];
     const QScopedValueRollback<bool> ours(m_isOurs, true);
     for (size_t i = 0; i < columns.size(); i++) {
         if (!columns[i].isSpare)
             continue;
-        needed += columns[i].width;
+        needed += m_widths[i];
         setColumnHidden(static_cast<int>(i), needed > viewport()->width());
     }
-}
-
-std::vector<int> LineList::columnWidths() const
-{
-    std::vector<int> widths;
-    for (int i = 0; i < m_model->columnCount(); i++)
-        widths.push_back(columnWidth(i));
-    return widths;
 }
 
 std::vector<int> LineList::selectedRows() const
@@ -360,38 +197,12 @@ void LineList::keyboardSearch(const QString &typed)
     QTableView::keyboardSearch(typed);
 }
 
-double LineList::pointPlace(int row, int column) const
-{
-    const size_t group = m_model->group(row, column);
-    const auto known = m_points.constFind(group);
-    if (known != m_points.constEnd())
-        return *known;
-    const auto *delegate = static_cast<LineDelegate *>(itemDelegate());
-    const int first = firstVisible();
-    const int end = qMin(first + linesInView() + 1, m_model->rowCount());
-    double widest = 0;
-    for (int other = first; other < end; other++) {
-        if (m_model->group(other, column) != group)
-            continue;
-        const ListCell &cell = m_model->cell(other, column);
-        delegate->measure(cell, column);
-        widest = qMax(widest, cell.beforePoint);
-    }
-    m_points.insert(group, widest);
-    return widest;
-}
-
 void LineList::paintEvent(QPaintEvent *event)
 {
-    m_points.clear();
+    const int first = firstVisible();
+    m_delegate->beginPainting(first, qMin(first + linesInView() + 1, m_model->rowCount()));
     QTableView::paintEvent(event);
-    // A number longer than those so far moves the points of the lines that were not painted.
-    bool hasMoved = false;
-    for (auto point = m_points.constBegin(); point != m_points.constEnd(); ++point) {
-        hasMoved = hasMoved || m_paintedPoints.value(point.key(), *point) != *point;
-        m_paintedPoints.insert(point.key(), *point);
-    }
-    if (hasMoved)
+    if (m_delegate->endPainting())
         viewport()->update();
 }
 
@@ -405,29 +216,35 @@ void LineList::selectionChanged(const QItemSelection &now, const QItemSelection 
 bool LineList::event(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange)
-        static_cast<LineDelegate *>(itemDelegate())->usePalette(palette());
+        m_delegate->usePalette(palette());
     // F2 edits the value here, whatever a menu would do with the key elsewhere.
-    if (event->type() == QEvent::ShortcutOverride &&
-        static_cast<QKeyEvent *>(event)->key() == Qt::Key_F2 && currentRow() >= 0)
+    if (event->type() == QEvent::ShortcutOverride && currentRow() >= 0 &&
+        IsPlainKey(*static_cast<QKeyEvent *>(event), Qt::Key_F2))
         for (const ListColumn &column : m_model->columns())
             if (column.isEditable)
                 event->accept();
     return QTableView::event(event);
 }
 
-bool LineList::editValue()
+// The cell the pointer was on last, or else the first one that can be edited: the value.
+bool LineList::editCell()
 {
     const int row = currentRow();
     const std::vector<ListColumn> &columns = m_model->columns();
-    for (size_t i = 0; row >= 0 && i < columns.size(); i++) {
-        if (!columns[i].isEditable)
-            continue;
-        const QModelIndex cell = m_model->index(row, static_cast<int>(i));
-        selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
-        edit(cell);
-        return isEditing();
-    }
-    return false;
+    int column = currentIndex().column();
+    const auto isEditable = [&](int i) {
+        return i >= 0 && columns[static_cast<size_t>(i)].isEditable && !isColumnHidden(i);
+    };
+    if (row < 0)
+        return false;
+    for (int i = 0; !isEditable(column) && i < static_cast<int>(columns.size()); i++)
+        column = i;
+    if (!isEditable(column))
+        return false;
+    const QModelIndex cell = m_model->index(row, column);
+    selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
+    edit(cell);
+    return isEditing();
 }
 
 void LineList::keyPressEvent(QKeyEvent *event)
@@ -435,8 +252,9 @@ void LineList::keyPressEvent(QKeyEvent *event)
     if (isEditing())
         return; // what the cell's field has left over
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const bool isPlain = !(event->modifiers() & ~Qt::KeypadModifier);
-    if (isPlain && (isEnter || event->key() == Qt::Key_F2) && editValue())
+    const bool isEditKey = IsPlainKey(*event, Qt::Key_F2) || IsPlainKey(*event, Qt::Key_Return) ||
+                           IsPlainKey(*event, Qt::Key_Enter);
+    if (isEditKey && editCell())
         return;
     if (isEnter)
         emit lineCommitted();
@@ -472,7 +290,7 @@ void LineList::mouseDoubleClickEvent(QMouseEvent *event)
         return;
     const QModelIndex under = indexAt(event->pos());
     if (m_model->columns()[static_cast<size_t>(under.column())].isEditable)
-        editValue();
+        editCell();
     else
         emit lineDoubleClicked();
 }

@@ -35,7 +35,7 @@ struct SetupRow {
     void (*setup)(QWidget *window);
 };
 
-const SetupRow setupRows[] = {
+const SetupRow SETUP_ROWS[] = {
     {PANEL_ITEM, Setup<Ui::ItemPanel>},
     {PANEL_CONFIG_EDIT, Setup<Ui::ConfigEditPanel>},
     {PANEL_VALUE, Setup<Ui::ValuePanel>},
@@ -61,7 +61,7 @@ const SetupRow setupRows[] = {
 
 bool QTV_SetupPanel(int panel, QWidget *window)
 {
-    for (const SetupRow &row : setupRows) {
+    for (const SetupRow &row : SETUP_ROWS) {
         if (row.panel == panel) {
             row.setup(window);
             return true;

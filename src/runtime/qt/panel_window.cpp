@@ -11,7 +11,8 @@
 namespace {
 
 constexpr int REPORT_MS = 50;
-constexpr int GRIP = 60;               // pixels of a window that must be on a screen
+constexpr int GRIP = 60;                          // pixels of a window that must be on a screen
+constexpr int FRAME_WIDTH = 8, FRAME_HEIGHT = 40; // pixels around a window, at a guess
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
 // The first widget of the panel that takes the keyboard, in tab order.
@@ -75,12 +76,18 @@ void PanelWindow::setSizable(bool isSizable)
     setMaximumSize(isSizable ? m_maximum : size());
 }
 
+bool PanelWindow::placeOnScreen(QWidget *window, const QPoint &corner)
+{
+    const bool isOnScreen = IsOnScreen(corner);
+    if (isOnScreen)
+        window->move(corner);
+    return isOnScreen;
+}
+
 void PanelWindow::placeByProgram(const QPoint &corner)
 {
-    if (!isWindow() || !IsOnScreen(corner))
-        return;
-    m_hasPlace = true;
-    move(corner);
+    if (isWindow())
+        m_hasPlace = placeOnScreen(this, corner) || m_hasPlace;
 }
 
 void PanelWindow::resizeByProgram(const QSize &newSize)
@@ -95,23 +102,34 @@ void PanelWindow::resizeByProgram(const QSize &newSize)
     m_knownSize = size();
 }
 
-// A window that has no place of its own yet opens over the main one, not in a corner.
-void PanelWindow::placeOverMain()
+void PanelWindow::fit(QWidget *window, bool hasPlace)
 {
     const PanelWindow *main = QTV_MainWindow();
-    if (m_hasPlace || !main || main == this || !main->isVisible())
-        return;
-    const QRect around = main->frameGeometry();
-    const QSize spare = (around.size() - size()) / 2;
-    move(around.topLeft() + QPoint(qMax(0, spare.width()), qMax(0, spare.height())));
+    const bool isOverMain = !hasPlace && main && main != window && main->isVisible();
+    const QScreen *screen = isOverMain ? main->screen() : window->screen();
+    const QRect room = screen->availableGeometry().adjusted(0, 0, -FRAME_WIDTH, -FRAME_HEIGHT);
+    const QSize least = window->minimumSizeHint().expandedTo(window->minimumSize());
+    window->resize(window->size().boundedTo(room.size()).expandedTo(least));
+    QPoint corner = window->pos();
+    if (isOverMain) {
+        const QSize spare = (main->frameGeometry().size() - window->size()) / 2;
+        corner = main->pos() + QPoint(qMax(0, spare.width()), qMax(0, spare.height()));
+    }
+    const QPoint last(room.right() + 1 - window->width(), room.bottom() + 1 - window->height());
+    const QPoint inside(qMax(room.left(), qMin(corner.x(), last.x())),
+                        qMax(room.top(), qMin(corner.y(), last.y())));
+    if (isOverMain || inside != corner)
+        window->move(inside);
 }
 
 void PanelWindow::setShown(bool isShown)
 {
     if (isWindow()) {
         if (isShown && !isVisible()) {
-            placeOverMain();
+            fit(this, m_hasPlace);
             m_knownSize = size();
+            if (QTV_FindLayout(maximizedName()) == std::vector<int>{1})
+                setWindowState(windowState() | Qt::WindowMaximized);
         }
         setVisible(isShown);
         return;
@@ -147,6 +165,8 @@ void PanelWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         QTV_UsePalette(m_record);
+    if (event->type() == QEvent::WindowStateChange && isWindow() && isVisible() && !isMinimized())
+        QTV_KeepLayout(maximizedName(), {isMaximized() ? 1 : 0});
     if (event->type() == QEvent::ActivationChange && isWindow() && isActiveWindow())
         QTV_PostPanel(m_record->row->panel, EVENT_ACTIVATED);
 }
@@ -178,11 +198,19 @@ void PanelWindow::showEvent(QShowEvent *event)
         m_reporting.start();
 }
 
+std::string PanelWindow::maximizedName() const
+{
+    return std::to_string(m_record->row->panel) + ".maximized";
+}
+
 void PanelWindow::report()
 {
     if (!isVisible())
         return;
     m_hasPlace = true;
+    // A window that fills the screen comes back to the place and size it has without that.
+    if (isMaximized() || isFullScreen())
+        return;
     VIEW_Event report;
     report.kind = VIEW_EVENT_PLACED;
     report.panel = m_record->row->panel;

@@ -25,6 +25,12 @@ public:
     // The innermost panel that holds `widget`; null when it is in none.
     static PanelWindow *holding(QWidget *widget);
 
+    // Moves a window there, if that place is still on a screen. Whether it is.
+    static bool placeOnScreen(QWidget *window, const QPoint &corner);
+    // Before a window is shown: over the main one, unless it `hasPlace`, and no larger than
+    // the screen.
+    static void fit(QWidget *window, bool hasPlace);
+
     void setMenuBar(QMenuBar *bar);
     void setSizable(bool isSizable);
     // By the program: not reported. The place is brought onto a screen there is.
@@ -41,8 +47,8 @@ protected:
 
 private:
     void setCoveredBy(PanelWindow *child);
-    void placeOverMain();
     void report();
+    std::string maximizedName() const;
 
     QTV_Panel *m_record;
     QPointer<QWidget> m_focusBefore;

@@ -61,7 +61,8 @@ void QTV_OpenQuestion(const VIEW_Question &question);
 void QTV_CloseQuestion(int id);
 void QTV_OpenPopupMenu(int menu);
 void QTV_ShowHelp(const std::string &path);
-void QTV_UsePalette(QTV_Panel *panel); // colours the program gave, on the ground there is now
+void QTV_UseLayout(const UI_Layout &layout); // of the last run
+void QTV_UsePalette(QTV_Panel *panel);       // colours the program gave, on the ground there is now
 
 // --- what the user does -------------------------------------------------------------------
 // Hands an event in. `postTo` is the door; tests put their own here.
@@ -82,6 +83,14 @@ bool QTV_IsChoosing(const QLineEdit *field);
 void QTV_InstallKeyRouting();
 int QTV_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text); // 0 = none
 int QTV_QtKey(int code); // Qt's code for a key without its modifiers; 0 = none
+
+// What windows remember beside their place: kept here while the program runs, and by the
+// program from one run to the next.
+std::vector<int> QTV_FindLayout(const std::string &name); // empty when there is none
+void QTV_KeepLayout(const std::string &name, const std::vector<int> &numbers);
+void QTV_ForgetLayouts(); // for tests
+// The splitters in a panel take the sizes of the last run and keep what the user drags.
+void QTV_RememberSplitters(QTV_Panel *panel);
 
 // Builds the Designer file of a panel into `window`. false when the panel has none.
 bool QTV_SetupPanel(int panel, QWidget *window);

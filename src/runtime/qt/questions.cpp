@@ -73,7 +73,7 @@ QDialog *MakeMessage(const VIEW_Question &question)
     box->setTextFormat(Qt::PlainText);
     box->setTextInteractionFlags(Qt::TextSelectableByMouse);
     if (isQuestion) {
-        box->setDefaultButton(QMessageBox::Yes);
+        box->setDefaultButton(question.defaultButton == 2 ? QMessageBox::No : QMessageBox::Yes);
         box->setEscapeButton(QMessageBox::No);
     }
     const int id = question.id;

@@ -50,6 +50,7 @@ bool Build(QTV_Panel *panel)
     if (panel->row->panel == UI_nMenuPanel)
         panel->window->setMenuBar(QTV_BuildMenuBar(panel->window));
     QTV_UsePalette(panel);
+    QTV_RememberSplitters(panel);
     return true;
 }
 
@@ -115,6 +116,7 @@ void QTV_UnloadPanels()
 {
     delete QTV_MainWindow(); // with the windows that belong to it
     QTV_ForgetMenus();
+    QTV_ForgetLayouts();
     for (int i = 0; i < UI_cnPanels; i++) {
         QTV_Panel *record = QTV_FindPanel(UI_aPanels[i].panel);
         record->window = nullptr;

@@ -7,6 +7,7 @@
 #include <QLabel>
 #include <QSessionManager>
 #include <QTimer>
+#include <atomic>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -64,7 +65,7 @@ private:
     QTimer m_timer;
     QElapsedTimer m_since; // the last drawing
 };
-Drawer *drawer = nullptr; // set before the program starts, never taken away
+std::atomic<Drawer *> drawer{nullptr}; // set before the program starts, until the end
 
 void DrawPanel(const VIEW_Panel &change)
 {
@@ -158,6 +159,26 @@ void PostEnd()
     QTV_Post(event);
 }
 
+std::atomic<bool> isProgramRunning{false};
+
+// Qt leaves the process when the screen goes away, and all that it says before is this. The
+// program ends in order all the same: it saves what must be saved and is not cut off in the
+// middle of a file.
+QtMessageHandler usualHandler = nullptr;
+
+void NoticeLostScreen(QtMsgType type, const QMessageLogContext &context, const QString &message)
+{
+    constexpr int END_WITHIN_MS = 10000, LOOK_MS = 10;
+    usualHandler(type, context, message);
+    if (!message.contains("connection broke"))
+        return;
+    drawer = nullptr; // nobody draws any more
+    PostEnd();
+    for (int waited = 0; isProgramRunning && waited < END_WITHIN_MS; waited += LOOK_MS)
+        PLT_SleepMs(LOOK_MS);
+    std::_Exit(EXIT_NO_SCREEN);
+}
+
 } // namespace
 
 int QTV_StartApplication(int *argc, char **argv)
@@ -201,6 +222,8 @@ void QTV_Draw(const VIEW_Batch &batch)
 {
     isDrawing = true;
     LoadPanels(batch.panels);
+    for (const UI_Layout &layout : batch.layouts)
+        QTV_UseLayout(layout);
     for (const VIEW_Panel &panel : batch.panels)
         DrawPanel(panel);
     for (const VIEW_MenuItem &item : batch.items)
@@ -255,8 +278,8 @@ void QTV_ShowBusy()
 
 void VIEW_Wake()
 {
-    if (drawer)
-        QCoreApplication::postEvent(drawer, new QEvent(QEvent::User));
+    if (Drawer *waiting = drawer)
+        QCoreApplication::postEvent(waiting, new QEvent(QEvent::User));
 }
 
 int VIEW_Main(int argc, char **argv, int (*program)(int argc, char **argv))
@@ -264,8 +287,12 @@ int VIEW_Main(int argc, char **argv, int (*program)(int argc, char **argv))
     if (QTV_StartApplication(&argc, argv) < 0)
         return -1;
     int code = 0;
-    std::thread runner(
-        [&code, argc, argv, program] { code = VIEW_RunProgram(argc, argv, program); });
+    isProgramRunning = true;
+    usualHandler = qInstallMessageHandler(NoticeLostScreen);
+    std::thread runner([&code, argc, argv, program] {
+        code = VIEW_RunProgram(argc, argv, program);
+        isProgramRunning = false;
+    });
     QApplication::exec();
     runner.join();
     return code;

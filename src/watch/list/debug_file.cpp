@@ -41,17 +41,20 @@ std::string WhyNot(const std::string &path)
 
 bool MayEmptyList(const std::string &path)
 {
-    return ConfirmPopup("Vireo2", "The file '" + WRD_Visible(path) +
-                                      "' holds no watch item. Replace the list of " +
-                                      std::to_string(nLItems) + " items all the same?") == 1;
+    return ConfirmPopup("Vireo2",
+                        "The file '" + WRD_Visible(path) +
+                            "' holds no watch item. Replace the list of " +
+                            std::to_string(nLItems) + " items all the same?",
+                        UI_DEFAULT_NO) == 1;
 }
 
 // Loads a file as the current one. 0, or -2 with a message and nothing changed.
 int LoadAsCurrent(const std::string &path)
 {
+    MWN_Outdate(MWN_LIST);
     const int result = DBG_LoadFile(path, MayEmptyList);
     if (result == DBG_ERR_OPEN)
-        VR_ShowMessage(CannotOpen(path) + WhyNot(path));
+        VR_ShowMessage(CannotOpen(path) + WhyNot(path), MWN_LIST);
     if (result != 0)
         return -2;
     szDebugFileName = path;

@@ -28,6 +28,7 @@ bool IsIndex(int index)
 void Changed(int line)
 {
     IsDBGChange = 1;
+    MWN_Outdate(MWN_LIST);
     SetMainPanelTitle();
     if (readLItems && nLItems > 0)
         LSV_ShowValues();
@@ -195,6 +196,8 @@ const char *EDT_ErrorText(int result)
                "TMS320 items have 4 bytes.";
     case EDT_ERR_ADDRESS:
         return "The address must be a hexadecimal number below 0x1000000.";
+    case EDT_ERR_COMMENT:
+        return "The comment is too long for a line of the watch list's file.";
     case EDT_ERR_NOTHING:
         return "There is nothing to undo or to redo.";
     default:
@@ -270,6 +273,7 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
     if (result != 0)
         return result;
     item.fileLine = aLItems[index].fileLine; // the comment there is still its own
+    item.comment = aLItems[index].comment;
     Replace(index, item);
     return 0;
 }
@@ -343,6 +347,37 @@ int EDT_MoveLines(std::vector<int> lines, int by)
     return 0;
 }
 
+int EDT_GatherLines(std::vector<int> lines, int gap)
+{
+    if (!NormalLines(&lines) || gap < 0 || gap > nLItems)
+        return EDT_ERR_INDEX;
+    HIS_Edit edit;
+    edit.what = "move " + CountOrLabel(lines);
+    const auto addMove = [&edit](int from, int to) {
+        HIS_Step step = StepOf(HIS_MOVE, from);
+        step.to = to;
+        if (from != to)
+            edit.steps.push_back(step);
+    };
+    // From the gap outwards: a move leaves the places of those that follow alone.
+    const auto behind = std::lower_bound(lines.begin(), lines.end(), gap);
+    int to = gap;
+    for (auto line = behind; line != lines.begin();)
+        addMove(*--line, --to);
+    const int first = to;
+    to = gap;
+    for (auto line = behind; line != lines.end(); ++line)
+        addMove(*line, to++);
+    if (edit.steps.empty())
+        return 0;
+    MakeEdit(edit, first);
+    for (size_t i = 0; i < lines.size(); ++i)
+        lines[i] = first + static_cast<int>(i);
+    LSV_SelectLines(lines);
+    VR_EnableControls();
+    return 0;
+}
+
 int EDT_Undo(std::string *what)
 {
     const HIS_Edit *edit = HIS_Undo();
@@ -398,5 +433,23 @@ int EDT_Rename(int index, const std::string &name)
         item.size = 4;
     ForgetValue(&item);
     Replace(index, item);
+    return 0;
+}
+
+int EDT_SetComment(int index, const std::string &comment)
+{
+    if (!IsIndex(index))
+        return EDT_ERR_INDEX;
+    LItem item = aLItems[index];
+    item.comment = comment;
+    for (char &c : item.comment)
+        if (std::iscntrl(static_cast<unsigned char>(c)))
+            c = ' ';
+    item.comment = WRD_Trim(item.comment);
+    constexpr size_t AROUND_MAX = 16; // semicolon and blanks
+    if (LIT_FileLine(item).size() + AROUND_MAX + item.comment.size() > LITEM_LINE_MAX)
+        return EDT_ERR_COMMENT;
+    if (item.comment != aLItems[index].comment)
+        Replace(index, item);
     return 0;
 }

@@ -17,6 +17,7 @@ enum EDT_Result {
     EDT_ERR_TYPE = -4,    // no such type or size, or not for this item
     EDT_ERR_ADDRESS = -5, // outside the target's memory
     EDT_ERR_NOTHING = -6, // nothing to undo, or to redo
+    EDT_ERR_COMMENT = -7, // with its item it would not fit into a line of the debug file
 };
 const char *EDT_ErrorText(int result); // one sentence; "" for 0 and above
 
@@ -56,6 +57,9 @@ int EDT_Move(int from, int to);              // `to` = index afterwards; 0 or ED
 // Several lines up (-1) or down (1) by one, as one edit; they stay selected. 0, or
 // EDT_ERR_INDEX when one would leave the list.
 int EDT_MoveLines(std::vector<int> lines, int by);
+// Several lines together in front of line `gap` (nLItems: to the end), as one edit; they stay
+// selected. 0 or EDT_ERR_INDEX.
+int EDT_GatherLines(std::vector<int> lines, int gap);
 // Takes back the last edit, or does again what was taken back. The line that it was about,
 // and the edit in words ("remove wSpeed"); or EDT_ERR_NOTHING.
 int EDT_Undo(std::string *what);
@@ -65,5 +69,7 @@ bool EDT_CanRedo();
 void EDT_ForgetEdits();                                   // another list was loaded
 int EDT_SetType(int index, const std::string &typeField); // 0 or EDT_ERR_
 int EDT_Rename(int index, const std::string &name);       // resolves again; 0 or EDT_ERR_
+// Blanks around it are dropped, and control characters become blanks. 0 or EDT_ERR_.
+int EDT_SetComment(int index, const std::string &comment);
 
 #endif

@@ -1,5 +1,6 @@
 #include "watch/list/list_events.h"
 
+#include <algorithm>
 #include <numeric>
 #include <vector>
 
@@ -8,6 +9,7 @@
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
@@ -82,7 +84,7 @@ const EnableRow enableRows[] = {
     {ITEM_UNDO, HasEdit},          {ITEM_REDO, HasUndone},      {ITEM_MOVE_UP, HasTwoLines},
     {ITEM_MOVE_DOWN, HasTwoLines}, {ITEM_WRITE_VALUE, HasLine}, {ITEM_OTHER_BASE, HasLine},
     {ITEM_MEMORY, Always},         {ITEM_COPY_LIST, HasItems},  {ITEM_COPY_MEMORY, HasMemory},
-    {ITEM_SNAPSHOT, HasItems},
+    {ITEM_SNAPSHOT, HasItems},     {ITEM_COMMENT, HasLine},
 };
 
 void Report(int result)
@@ -115,13 +117,9 @@ bool ReadForExport(const std::string &title)
 }
 
 // A value typed into its cell: the checks, the write and the reading back of the value window.
-void WriteCell()
+void WriteCell(int index, const std::string &text)
 {
-    int index = -1, column = -1;
-    std::string text, message;
-    if (GetEditedCell(mainPanel, MAIN_LIST, &index, &column, &text) < 0 || column != LSV_VALUE ||
-        index >= nLItems)
-        return;
+    std::string message;
     uint64_t bits = 0;
     const int parsed = WRV_Parse(aLItems[index], text, &bits, &message);
     if (parsed == WRV_OK && !VR_EnsureCom())
@@ -129,6 +127,32 @@ void WriteCell()
     else if (parsed == WRV_OK)
         WRV_Write(index, text, &message);
     VR_ShowMessage(LIT_Label(aLItems[index]) + ": " + message);
+}
+
+void EditCell()
+{
+    int index = -1, column = -1;
+    std::string text;
+    if (GetEditedCell(mainPanel, MAIN_LIST, &index, &column, &text) < 0 || index >= nLItems)
+        return;
+    if (column == LSV_VALUE)
+        WriteCell(index, text);
+    else if (column == LSV_COMMENT)
+        Report(EDT_SetComment(index, text));
+}
+
+// A line that belongs to the selection takes all of it along. Dragged down they stand behind
+// the line they were dropped on, dragged up in front of it.
+void Drop(int source, int target)
+{
+    const std::vector<int> lines = LSV_SelectedLines();
+    const auto isSelected = [&lines](int line) {
+        return std::binary_search(lines.begin(), lines.end(), line);
+    };
+    if (lines.size() > 1 && isSelected(source) && !isSelected(target))
+        Report(EDT_GatherLines(lines, target > source ? target + 1 : target));
+    else if (lines.size() <= 1 || !isSelected(source))
+        Report(EDT_Move(source, target));
 }
 
 bool IsNumberType(char type)
@@ -169,10 +193,10 @@ int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
         RunPopupMenu(GetPanelMenuBar(mainPanel), MENU_EDIT);
         break;
     case EVENT_CELL_EDITED:
-        WriteCell();
+        EditCell();
         break;
     case EVENT_DROPPED:
-        Report(EDT_Move(data / DROP_FACTOR, data % DROP_FACTOR));
+        Drop(data / DROP_FACTOR, data % DROP_FACTOR);
         break;
     default:
         break;
@@ -230,6 +254,18 @@ void LEV_MoveCB(int /*menuBar*/, int item)
     const int by = item == ITEM_MOVE_UP ? -1 : 1;
     if (!lines.empty() && lines.front() + by >= 0 && lines.back() + by < nLItems)
         Report(EDT_MoveLines(lines, by));
+}
+
+void LEV_CommentCB(int /*menuBar*/, int /*item*/)
+{
+    const int line = ActedOn();
+    if (line < 0)
+        return;
+    const EDT_Reference reference = EDT_Refer(line);
+    std::string comment = aLItems[line].comment;
+    if (PromptPopup("Comment", "Comment on " + WRD_Visible(reference.label), &comment,
+                    LITEM_LINE_MAX) >= 0)
+        Report(EDT_SetComment(EDT_Find(reference), comment));
 }
 
 void LEV_WriteCB(int /*menuBar*/, int /*item*/)

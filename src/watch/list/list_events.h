@@ -15,6 +15,7 @@ void LEV_RedoCB(int menuBar, int item);
 void LEV_OtherBaseCB(int menuBar, int item); // selected lines in hexadecimal or decimal
 void LEV_RemoveCB(int menuBar, int item);
 void LEV_MoveCB(int menuBar, int item); // up or down by the item
+void LEV_CommentCB(int menuBar, int item);
 void LEV_WriteCB(int menuBar, int item);
 void LEV_MemoryCB(int menuBar, int item);
 // Both read every item once, with a progress box, so that what leaves the program is fresh.

@@ -270,6 +270,8 @@ int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &pa
     nLItems = static_cast<int>(file.items.size());
     std::move(file.items.begin(), file.items.end(), aLItems);
     LAY_Set(std::move(file.layout));
+    for (int i = 0; i < nLItems; ++i)
+        aLItems[i].comment = LAY_Comment(aLItems[i].fileLine);
     if (file.isFull) {
         MessagePopup("Error", "Too many debug vars.");
         return 0;
@@ -278,7 +280,7 @@ int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &pa
     ResolveAll();
     readLItems = 0;
     if (!file.badLines.empty())
-        VR_ShowMessage(BadLinesText(path, file.badLines));
+        VR_ShowMessage(BadLinesText(path, file.badLines), MWN_LIST);
     return 0;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "text/words.h"
 #include "watch/list/litem.h"
 
 namespace {
@@ -100,14 +101,24 @@ struct Output {
     bool isTorn = false; // the next line is the rest of a comment
 };
 
+// What stands behind the item's words: as the file has it, unless the user has changed it.
+std::string CommentToWrite(const LItem &item, int line)
+{
+    const std::string before = CommentOf(line);
+    if (item.comment == LAY_Comment(line))
+        return before;
+    const std::string blanks = before.empty() ? " " : before.substr(0, before.find(';'));
+    return item.comment.empty() ? "" : blanks + "; " + item.comment;
+}
+
 // `mayGoOn`: the line that follows is the one that followed when the file was read.
 void PutItem(Output *out, const LItem &item, int line, bool mayGoOn)
 {
-    const std::string comment = CommentOf(line), words = out->itemText(item);
+    const std::string comment = CommentToWrite(item, line), words = out->itemText(item);
     std::string end = line < 0 ? "" : LineEnd(layout.lines[static_cast<size_t>(line)]);
     // A comment so long that its rest came as the next line: it still does, or begins anew.
     const size_t size = words.size() + comment.size();
-    const bool isBroken = end.empty() && !comment.empty() && mayGoOn;
+    const bool isBroken = end.empty() && !CommentOf(line).empty() && mayGoOn;
     out->isTorn = isBroken && size != LITEM_LINE_MAX;
     if (end.empty() && (!isBroken || out->isTorn))
         end = out->usualEnd;
@@ -139,6 +150,13 @@ void PutOther(Output *out, const LAY_File::Line &line)
 void LAY_Set(LAY_File &&file)
 {
     layout = std::move(file);
+}
+
+std::string LAY_Comment(int line)
+{
+    const std::string comment = CommentOf(line);
+    const size_t start = comment.find(';');
+    return start == std::string::npos ? "" : WRD_Trim(comment.substr(start + 1));
 }
 
 std::string LAY_Compose(LAY_ItemText itemText)

@@ -26,8 +26,11 @@ struct LAY_File {
 };
 
 void LAY_Set(LAY_File &&file); // an empty one when the list comes from no file
+// The comment behind an item's line, without semicolon and the blanks around it; "" for none.
+std::string LAY_Comment(int line);
 // The whole file for the list as it is now. Items that changed places follow the item before
-// them and take the comment of their line along; new ones do, too.
+// them and take the comment of their line along; new ones do, too. A comment that was changed
+// since the file was read takes the place of the line's.
 typedef std::string (*LAY_ItemText)(const LItem &item); // an item's line without its end
 std::string LAY_Compose(LAY_ItemText itemText);
 

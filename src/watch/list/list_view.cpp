@@ -20,7 +20,7 @@ const char UNRESOLVED_ADDRESS[] = "??????";
 // What a line shows beside its text, to leave equal ones alone.
 struct ShownLine {
     unsigned style = UIS_NORMAL;
-    std::string tip, age;
+    std::string tip, age, comment;
     uint32_t goodReads = 0;
     std::string value;
 };
@@ -37,12 +37,12 @@ std::string AddressText(uint32_t address, int processor)
     return text;
 }
 
-std::string NameLine(const LItem &item)
+std::string PlainAddress(const LItem &item)
 {
     char address[16] = "Error";
     if (item.address != LITEM_NO_ADDRESS)
         std::snprintf(address, sizeof address, "%02X", item.address);
-    return WRD_Visible(item.name) + ADDRESS_COLUMN + address;
+    return address;
 }
 
 // In the base that the user has chosen for this line.
@@ -72,7 +72,7 @@ void EnsureColumns()
     std::vector<UI_Column> columns;
     if (GetListColumns(mainPanel, MAIN_LIST, &columns) < 0 || !columns.empty())
         return;
-    columns.resize(LSV_AGE + 1);
+    columns.resize(LSV_COLUMNS);
     columns[LSV_NAME].title = "Name";
     columns[LSV_NAME].width = 240;
     columns[LSV_ADDRESS].title = "Address";
@@ -84,7 +84,11 @@ void EnsureColumns()
     columns[LSV_VALUE].align = UIA_POINT;
     columns[LSV_VALUE].isEditable = true;
     columns[LSV_AGE].title = "Age";
+    columns[LSV_AGE].width = 64;
     columns[LSV_AGE].isSpare = true;
+    columns[LSV_COMMENT].title = "Comment";
+    columns[LSV_COMMENT].isSpare = true;
+    columns[LSV_COMMENT].isEditable = true;
     SetListColumns(mainPanel, MAIN_LIST, columns);
 }
 
@@ -103,14 +107,15 @@ std::string ValueCell(const LItem &item)
 
 std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
 {
-    std::vector<UI_Cell> cells(LSV_AGE + 1);
+    std::vector<UI_Cell> cells(LSV_COLUMNS);
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    cells[LSV_NAME].text = WRD_Visible(item.name);
+    cells[LSV_NAME] = {WRD_Visible(item.name), UIS_NORMAL, line.comment}; // for narrow windows
     cells[LSV_ADDRESS].text =
         isResolved ? WRD_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
     cells[LSV_TYPE].text = item.type + std::to_string(item.size);
     cells[LSV_VALUE] = {line.value, line.style, line.tip};
     cells[LSV_AGE] = {line.age, UIS_DIM, line.tip};
+    cells[LSV_COMMENT] = {line.comment, UIS_NORMAL, line.comment};
     return cells;
 }
 
@@ -119,7 +124,14 @@ void FillNames()
     EnsureColumns();
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
-        InsertListItem(mainPanel, MAIN_LIST, -1, NameLine(aLItems[i]), i);
+        const std::string name = WRD_Visible(aLItems[i].name), address = PlainAddress(aLItems[i]);
+        InsertListItem(mainPanel, MAIN_LIST, -1, name + ADDRESS_COLUMN + address, i);
+        const std::string comment = WRD_Visible(aLItems[i].comment);
+        std::vector<UI_Cell> cells(LSV_COLUMNS);
+        cells[LSV_NAME] = {name, UIS_NORMAL, comment};
+        cells[LSV_ADDRESS].text = address;
+        cells[LSV_COMMENT] = {comment, UIS_NORMAL, comment};
+        SetListCells(mainPanel, MAIN_LIST, i, cells);
         shownLines[i] = ShownLine();
     }
     VR_EnableControls();
@@ -134,6 +146,7 @@ void PutLine(int index, const std::string &label, bool isNew)
     line.tip = TipOf(item);
     line.age = AGE_IsOld(item) ? AGE_Text(item) : "";
     line.value = ValueCell(item);
+    line.comment = WRD_Visible(item.comment);
     line.goodReads = item.goodReads;
     ShownLine &before = shownLines[index];
     // Marked for a moment: another value than before of a line that had one.
@@ -141,7 +154,7 @@ void PutLine(int index, const std::string &label, bool isNew)
         before.value != line.value)
         line.style |= UIS_CHANGED;
     if (!isNew && line.style == before.style && line.tip == before.tip && line.age == before.age &&
-        line.value == before.value)
+        line.value == before.value && line.comment == before.comment)
         return;
     ReplaceListItem(mainPanel, MAIN_LIST, index, label, index);
     SetListCells(mainPanel, MAIN_LIST, index, CellsOf(item, line));

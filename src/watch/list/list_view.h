@@ -11,7 +11,8 @@ struct LItem;
 constexpr int SWEEP_LINES = 13; // lines in view while the window has not said how many
 
 // Cells of a line, in order.
-enum LSV_Column { LSV_NAME, LSV_ADDRESS, LSV_TYPE, LSV_VALUE, LSV_AGE };
+enum LSV_Column { LSV_NAME, LSV_ADDRESS, LSV_TYPE, LSV_VALUE, LSV_AGE, LSV_COMMENT };
+constexpr int LSV_COLUMNS = LSV_COMMENT + 1;
 
 // One line with name, address, type and value; `processor` decides about word addresses.
 std::string LSV_ValueLine(const LItem &item, int processor);

@@ -41,6 +41,7 @@ struct LItem {
     uint32_t lastReadMs = 0;  // readTick with its high bits: it comes round every 65 s
     std::string reason;       // why the last read failed, "" when it did not
     int32_t fileLine = -1;    // line of the debug file it came from, for saving; -1: a new item
+    std::string comment;      // behind it in that file, without the semicolon
 
     bool isHeld = false; // a good read waits in `held` for its proof
     LItemReading held;

@@ -48,7 +48,8 @@ std::string FailureText(const LItem &item, int mailboxResult)
 
 int ReadMailbox(const LItem &item, uint32_t *value)
 {
-    return TMS_ReadWord(LIT_Station(item), item.address, TMS_POLLS_ITEM, value);
+    const TMS_OnStation selected(LIT_Station(item));
+    return TMS_ReadWord(STATION, item.address, TMS_POLLS_ITEM, value);
 }
 
 // 0, or -1 or -2 by processor; *mailboxResult for the reason.

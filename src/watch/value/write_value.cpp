@@ -41,6 +41,7 @@ int WriteC166(const LItem &item, uint64_t bits)
 // first.
 int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
 {
+    const TMS_OnStation selected(LIT_Station(item));
     const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
     if (mask != UINT32_MAX) {
         uint32_t before = 0;

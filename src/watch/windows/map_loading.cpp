@@ -58,11 +58,12 @@ bool AskForMap(const MapKind &kind, std::string *path)
 
 void OpenTypes(const std::string &path)
 {
+    MWN_Outdate(MWN_MAP);
     std::string message;
     const bool isOpen = MLD_OpenTypes(path, &message) == 0;
     if (isOpen)
         SetMainPanelAttributes();
-    VR_ShowMessage(isOpen ? message : "Error: " + message);
+    VR_ShowMessage(isOpen ? message : "Error: " + message, MWN_MAP);
 }
 
 } // namespace
@@ -109,11 +110,13 @@ int LoadMap(int mode)
     const bool reload = (mode & LOADMAP_RELOAD) != 0 && CanOpen(path);
     if (!reload && !AskForMap(kind, &path))
         return -1;
+    MWN_Outdate(MWN_MAP);
     const int result = kind.load(path.c_str());
     if (result < 0) {
         VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + WRD_Visible(path) +
                                                          "' " + MAP_ErrorText(result) + "."
-                                                   : "Error: Could not open MAP file.");
+                                                   : "Error: Could not open MAP file.",
+                       MWN_MAP);
         return result;
     }
     MLD_Remember(path, isTMS);
@@ -124,6 +127,7 @@ int LoadMap(int mode)
 int LoadFlash()
 {
     VR_ComRequest();
+    MWN_Outdate(MWN_MAP);
     const int result = fl2node(FLASH_AT_END);
     SetMainPanelAttributes();
     return result;
