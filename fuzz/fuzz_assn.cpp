@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "console/script/assignment.h"
+#include "symbols/assignment.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "console/script/script_command.h"
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 namespace {
 

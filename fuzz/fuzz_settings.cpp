@@ -4,6 +4,7 @@
 #include "platform/plain_file.h"
 #include "runtime/headless/headless.h"
 #include "scratch_folder.h"
+#include "sets/window.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
@@ -32,6 +33,7 @@ void Forget()
     FreeNodes(aVarTMSNode, &nTMSNodes);
     openStruct = openTMSStruct = OPEN_NONE;
     LAY_Set({});
+    CFW_SetHeader("");
 }
 
 std::string ReadAndSave()

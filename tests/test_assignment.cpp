@@ -1,5 +1,5 @@
 // Assignment lines, labels and type codes.
-#include "console/script/assignment.h"
+#include "symbols/assignment.h"
 
 #include <gtest/gtest.h>
 

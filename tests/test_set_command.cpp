@@ -2,7 +2,7 @@
 // sent. Also the type map's command, and the grammar of the typed line.
 #include "support/console_rig.h"
 
-#include "console/script/assignment.h"
+#include "symbols/assignment.h"
 #include "symbols/typemap.h"
 
 namespace {

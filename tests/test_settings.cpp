@@ -73,7 +73,7 @@ TEST_F(Settings, EveryKeySurvives)
     WriteFileText("w.dbg", "counter, u2\n");
     const std::string all = "r, AC167\nt, MODBUS\no-\nm, a.m66\nd0, w.dbg\nd1, x.dbg\nd2, y.dbg\n"
                             "b, 57600\np, 12\ns, 7\nCOM, NI\nfull\nview, watch\n"
-                            "m2, t.map\ntm, t.tmf\necho\n";
+                            "m2, t.map\ntm, t.tmf\nset, s.ulh\necho\n";
     WriteFileText("t.map", "0000C002   _speed\n");
     WriteFileText("t.tmf", TYPES);
     EXPECT_EQ(all, Round(all));

@@ -13,6 +13,7 @@
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/window.h"
+#include "sets/window.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
@@ -188,6 +189,7 @@ std::string SettingsText()
     AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : INI_reading.kept.tmsMap,
             nullptr);
     AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : INI_reading.kept.types, nullptr);
+    AddPath(&text, "set", CFW_GetHeader(), nullptr);
     if (Option_nSweepRate != 1)
         AddLine(&text, "rate",
                 Option_nSweepRate == 0 ? INI_RATE_FAST : std::to_string(Option_nSweepRate));

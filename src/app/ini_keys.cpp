@@ -5,6 +5,7 @@
 
 #include "app/window_places.h"
 #include "platform/plain_file.h"
+#include "sets/window.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
@@ -201,6 +202,12 @@ void ReadColumns(const std::string &, const std::string &)
     WPL_ReadColumns(INI_reading.lineValue);
 }
 
+// Opened with the window that shows it: maps may follow in the file.
+void ReadSetHeader(const std::string &, const std::string &path)
+{
+    CFW_SetHeader(path);
+}
+
 void ReadLayout(const std::string &, const std::string &)
 {
     WPL_ReadLayout(INI_reading.lineValue);
@@ -218,6 +225,7 @@ constexpr INI_Key KEYS[] = {
     {"tm", true, ReadTypes},         {"window", false, ReadWindow},
     {"columns", false, ReadColumns}, {"echo", false, ReadEcho},
     {"rate", false, ReadSweepRate},  {"layout", false, ReadLayout},
+    {"set", true, ReadSetHeader},
 };
 
 } // namespace

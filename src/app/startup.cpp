@@ -15,6 +15,7 @@
 #include "runtime/userint.h"
 #include "sampler/record_watch.h"
 #include "scope/window.h"
+#include "sets/window.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -139,6 +140,8 @@ int VR_StartUp(int argc, char **argv)
     OpenTypes();
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
+    if (VR_enAppMode == MODE_CONFIGURATION)
+        CFW_Opened();
     if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
         WindowCB(0, ITEM_WATCH_VIEW);
     if (script < argc && !VR_isTypesFailed)

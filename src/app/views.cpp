@@ -10,6 +10,7 @@
 #include "loader/window.h"
 #include "runtime/userint.h"
 #include "scope/window.h"
+#include "sets/window.h"
 #include "settings/settings.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -124,11 +125,11 @@ struct WindowItem {
     int panel;
     void (*opened)(); // may be null
 };
-// Terminal, configuration and simulator are empty yet and have no item in the menu.
+// Terminal and simulator are empty yet and have no item in the menu.
 constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
     {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
-    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, nullptr},
+    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},
     {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},     {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
 };
 
@@ -175,6 +176,8 @@ int PanelCB(int panel, int event, int data)
 
 int ConfigPanelCB(int panel, int event, int)
 {
+    if (event == EVENT_ACTIVATED)
+        CFW_Activated();
     if (event != EVENT_CLOSE)
         return 0;
     if (VR_enAppMode == MODE_CONFIGURATION)

@@ -19,6 +19,7 @@
 namespace {
 
 constexpr int LINES_MAX = 200000;
+constexpr size_t COMMENT_COLUMN = 40; // where a line's comment begins, if it is short enough
 const char VERSION_LINE[] = "// Uploader v1.00";
 const char END_LINE[] = "// end";
 
@@ -34,6 +35,8 @@ struct Reader {
     PST_Problems *problems = nullptr;
     std::unordered_map<std::string, int> lines; // of the names so far
     std::string group, heading;
+    std::string comment; // of the line before, and what it says
+    PST_Attributes attributes;
     bool isEnded = false;
     int line = 0;
 
@@ -121,9 +124,14 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
     record.value = line.value;
     record.line = reader->line;
     // What stands behind a value is for people; only what was written by a program counts.
-    PST_Attributes attributes;
-    if (PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty())
-        record.attributes = attributes;
+    // The elements of an array all have the same.
+    if (comment != reader->comment) {
+        PST_Attributes attributes;
+        const bool isGood = PST_ParseAttributes(comment, &attributes, nullptr, nullptr).empty();
+        reader->attributes = isGood ? attributes : PST_Attributes();
+        reader->comment = comment;
+    }
+    record.attributes = reader->attributes;
     reader->file->records.push_back(record);
 }
 
@@ -151,25 +159,23 @@ void ReadLine(Reader *reader, const std::string &line)
     }
 }
 
-std::string HeadText(const PST_Set &set)
+std::string FileNameOf(const std::string &path)
 {
-    PLT_Date now;
-    PLT_LocalTime(&now);
-    char date[64], stamp[16];
-    std::snprintf(date, sizeof date, "// date = %02d-%02d-%04d, time = %02d:%02d:%02d\n", now.day,
-                  now.month, now.year, now.hour, now.minute, now.second);
-    std::snprintf(stamp, sizeof stamp, "%08X", PST_MapStamp());
-    std::string text = std::string(VERSION_LINE) + "\n" + date;
-    if (!set.device.empty())
-        text += "// device = " + set.device + "\n";
-    text += std::string("// processor = ") + PST_ProcessorName() + "\n";
-    text += "// station = " + std::to_string(STATION) + "\n";
-    const std::filesystem::path map = std::filesystem::u8path(mapFile);
-    if (!mapFile.empty())
-        text += "// map = " + WRD_Visible(map.filename().u8string()) + "\n";
-    text += "// map stamp = " + std::string(stamp) + "\n";
-    const std::filesystem::path header = std::filesystem::u8path(set.path);
-    return text + "// header = " + WRD_Visible(header.filename().u8string()) + "\n\n";
+    return WRD_Visible(std::filesystem::u8path(path).filename().u8string());
+}
+
+std::string HeadText(const PST_File &file)
+{
+    char stamp[16];
+    std::snprintf(stamp, sizeof stamp, "%08X", static_cast<unsigned>(file.stamp));
+    std::string text =
+        std::string(VERSION_LINE) + "\n// date = " + file.date + ", time = " + file.time + "\n";
+    if (!file.device.empty())
+        text += "// device = " + file.device + "\n";
+    text += "// processor = " + file.processor + "\n// station = " + file.station + "\n";
+    if (!file.map.empty())
+        text += "// map = " + file.map + "\n";
+    return text + "// map stamp = " + stamp + "\n// header = " + file.header + "\n\n";
 }
 
 std::string LabelText(std::string heading)
@@ -255,6 +261,42 @@ int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::v
     return problems->count == before ? 0 : -1;
 }
 
+PST_File PST_MakeFile(const PST_Set &set, const PST_Image &values)
+{
+    PLT_Date now;
+    PLT_LocalTime(&now);
+    char text[32];
+    PST_File file;
+    file.path = set.path;
+    std::snprintf(text, sizeof text, "%02d-%02d-%04d", now.day, now.month, now.year);
+    file.date = text;
+    std::snprintf(text, sizeof text, "%02d:%02d:%02d", now.hour, now.minute, now.second);
+    file.time = text;
+    file.device = set.device;
+    file.processor = PST_ProcessorName();
+    file.station = std::to_string(STATION);
+    file.map = FileNameOf(mapFile);
+    file.header = FileNameOf(set.path);
+    file.stamp = PST_MapStamp();
+    for (size_t i = 0; i < set.entries.size(); ++i) {
+        const PST_Entry &entry = set.entries[i];
+        const PST_Item &item = set.items[entry.item];
+        if (!values[i].isThere)
+            continue;
+        PST_Record record;
+        record.group = set.groups[item.group];
+        record.heading = item.heading;
+        record.name = entry.name;
+        record.cast = PST_CastOf(entry.type);
+        record.value = PST_ValueText(entry, values[i].bytes);
+        record.attributes = item.attributes;
+        if (i != item.firstEntry)
+            record.attributes.text.clear(); // once is enough
+        file.records.push_back(record);
+    }
+    return file;
+}
+
 int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &values,
                   const std::vector<std::string> &remarks)
 {
@@ -262,31 +304,27 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
     const int result = SAF_Open(&safe, path, "wb");
     if (result != 0)
         return result;
-    SAF_PutText(safe.file, HeadText(set));
-    size_t group = 0;
-    std::string heading;
-    for (size_t i = 0; i < set.entries.size(); ++i) {
-        const PST_Entry &entry = set.entries[i];
-        const PST_Item &item = set.items[entry.item];
-        if (!values[i].isThere)
-            continue;
-        if (item.group != group) {
-            SAF_PutText(safe.file, (i > 0 ? "\n" : "") + std::string("// group = ") +
-                                       set.groups[item.group] + "\n");
+    const PST_File made = PST_MakeFile(set, values);
+    SAF_PutText(safe.file, HeadText(made));
+    std::string group, heading;
+    for (const PST_Record &record : made.records) {
+        const bool isFirst = &record == &made.records.front();
+        if (record.group != group) {
+            SAF_PutText(safe.file,
+                        (isFirst ? "" : "\n") + std::string("// group = ") + record.group + "\n");
             heading.clear();
         }
-        group = item.group;
-        if (item.heading != heading && !item.heading.empty())
-            SAF_PutText(safe.file, LabelText(item.heading));
-        heading = item.heading;
-        // The text once; what makes a number readable at each of them.
-        PST_Attributes attributes = item.attributes;
-        if (i != item.firstEntry)
-            attributes.text.clear();
-        std::string line = PST_AssignmentText(entry, values[i].bytes);
-        const std::string comment = PST_FormatAttributes(attributes);
+        group = record.group;
+        if (record.heading != heading && !record.heading.empty())
+            SAF_PutText(safe.file, LabelText(record.heading));
+        heading = record.heading;
+        const size_t entry = set.byName.at(record.name);
+        std::string line = PST_AssignmentText(set.entries[entry], values[entry].bytes);
+        const std::string comment = PST_FormatAttributes(record.attributes);
         if (!comment.empty())
-            line += std::string(line.size() < 40 ? 40 - line.size() : 1, ' ') + "; " + comment;
+            line +=
+                std::string(line.size() < COMMENT_COLUMN ? COMMENT_COLUMN - line.size() : 1, ' ') +
+                "; " + comment;
         SAF_PutText(safe.file, line + "\n");
     }
     SAF_PutText(safe.file, "\n");

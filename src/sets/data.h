@@ -34,6 +34,9 @@ int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems
 int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::vector<int> *lines,
              PST_Problems *problems);
 
+// The values as a file that stands on no disk, for listings.
+PST_File PST_MakeFile(const PST_Set &set, const PST_Image &values);
+
 // Writes the values of all entries as of now, with the settings and map as they are. Lines
 // of `remarks` stand above the end. 0, SAF_ERR_..., or -1 when the disk did not take it.
 int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &values,

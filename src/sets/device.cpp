@@ -38,8 +38,8 @@ bool IsCancelled(const PST_Progress &progress, size_t done, size_t total, const 
     return progress.step != nullptr && progress.step(progress.context, done, total, what);
 }
 
-void TakeBlock(const PST_Set &set, const std::vector<uint32_t> &places, const GRP_Block &block,
-               const std::vector<uint8_t> &bytes, PST_Image *image)
+void StoreBlock(const PST_Set &set, const std::vector<uint32_t> &places, const GRP_Block &block,
+                const std::vector<uint8_t> &bytes, PST_Image *image)
 {
     for (const size_t i : block.items) {
         const PST_Place &place = set.places[places[i]];
@@ -65,7 +65,7 @@ int ReadProven(const PST_Set &set, const std::vector<uint32_t> &places,
                                 PST_PlaceName(set, places[blocks[i].items[0]]) + "'");
                 return PST_ERR_LINK;
             }
-            TakeBlock(set, places, blocks[i], bytes, image);
+            StoreBlock(set, places, blocks[i], bytes, image);
         }
         const int proof = UCM_Prove();
         // A refusal that somebody else was told meanwhile concerns these blocks, too.

@@ -1,9 +1,9 @@
 #include "sets/expand.h"
 
 #include "comm/sysaddr.h"
-#include "console/script/assignment.h"
 #include "sets/value.h"
 #include "settings/settings.h"
+#include "symbols/assignment.h"
 #include "symbols/typemap.h"
 
 #include <algorithm>

@@ -3,16 +3,19 @@
 #include "sets/header.h"
 
 #include "calendar/crc32.h"
-#include "console/script/assignment.h"
 #include "platform/plain_file.h"
 #include "sets/expand.h"
 #include "sets/line.h"
+#include "settings/settings.h"
+#include "symbols/assignment.h"
+#include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "text/words.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstring>
 #include <filesystem>
 #include <numeric>
 #include <unordered_map>
@@ -287,5 +290,24 @@ uint32_t PST_MapStamp()
             std::string(aVarNode[i].name) + '=' + std::to_string(aVarNode[i].addr) + '\n';
         stamp = Crc32_LSBNext(stamp, line.data(), line.size(), CRC32_POLYNOMIAL);
     }
+    return stamp;
+}
+
+uint32_t PST_SymbolsStamp()
+{
+    uint32_t stamp = PST_MapStamp();
+    const auto add = [&stamp](const void *data, size_t size) {
+        stamp = Crc32_LSBNext(stamp, data, size, CRC32_POLYNOMIAL);
+    };
+    const auto addDecl = [&add](const TMF_Decl &decl) {
+        add(decl.name, std::strlen(decl.name));
+        add(decl.chain, sizeof decl.chain);
+    };
+    for (int32_t i = 0; i < TMF_cnDefVars; ++i)
+        addDecl(TMF_paDefVars[i]);
+    for (int32_t i = 0; i < TMF_cnDefStructCts; ++i)
+        for (int32_t k = 0; k < TMF_paDefStructCts[i].members; ++k)
+            addDecl(TMF_paDefStructCts[i].paMembers[k]);
+    add(&Procesor, sizeof Procesor);
     return stamp;
 }

@@ -14,5 +14,7 @@ int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems
 // A value that says which symbols the loaded map has and where; 0 without a map. Two builds
 // with every symbol in its place have the same.
 uint32_t PST_MapStamp();
+// The same over everything that names and types depend on: map, type map and processor.
+uint32_t PST_SymbolsStamp();
 
 #endif

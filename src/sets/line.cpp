@@ -1,7 +1,7 @@
 #include "sets/line.h"
 
-#include "console/script/assignment.h"
 #include "sets/value.h"
+#include "symbols/assignment.h"
 #include "text/words.h"
 #include "text/xscan.h"
 

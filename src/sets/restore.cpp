@@ -10,6 +10,8 @@
 #include <cstdio>
 #include <filesystem>
 
+const char PST_NOTHING_WRITTEN[] = "Nothing was written.";
+
 namespace {
 
 constexpr size_t NAMES_SHOWN_MAX = 20; // in one line of a result

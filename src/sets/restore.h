@@ -54,6 +54,8 @@ int PST_RunRestore(PST_Restore *job, const PST_Progress &progress);
 // they are, how to undo it.
 std::vector<std::string> PST_RestoreResult(const PST_Restore &job, int result);
 
+extern const char PST_NOTHING_WRITTEN[]; // what a user is told who has not agreed, or cannot
+
 // The target against a file: "wGain: 100 in the target, 120 in the file". Empty when the
 // target holds the file; `job` has been prepared with isAll false. Mirrors count, too.
 std::vector<std::string> PST_Differences(const PST_Restore &job);

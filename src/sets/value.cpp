@@ -1,6 +1,6 @@
 #include "sets/value.h"
 
-#include "console/script/assignment.h"
+#include "symbols/assignment.h"
 #include "text/bytes.h"
 #include "text/words.h"
 

@@ -10,6 +10,7 @@ int32_t STATION = 1;
 int32_t Option_AutoOff = 1;
 int32_t Option_ComWin32 = 1;
 int32_t Option_nSweepRate = 1;
+int32_t Option_nLanguage = LANGUAGE_CZ;
 int32_t VR_enAppMode = MODE_NORMAL;
 std::string VR_szVersion;
 int32_t Option_Echo = 0;

@@ -11,6 +11,7 @@
 
 enum { CPU_C166 = 0, CPU_C167 = 1, CPU_F283XX = 10, CPU_F2803X = 11 };
 enum { PROTOCOL_MR166 = 1, PROTOCOL_MODBUS = 2 };
+enum { LANGUAGE_CZ = 0, LANGUAGE_EN = 1, LANGUAGE_RU = 2 };
 enum { MODE_NORMAL = 0, MODE_CONFIGURATION = 1 };
 
 constexpr size_t PATH_MAX_CHARS = 260; // a path must be shorter
@@ -27,6 +28,7 @@ extern int32_t Option_ComWin32;   // 1 = Win32 driver, 0 = the run-time's RS-232
 extern int32_t Option_Echo;       // Modbus: the two-wire line echoes what is sent
 extern bool VR_isEchoOnce;        // ... by an option of this run: not kept in the settings
 extern int32_t Option_nSweepRate; // sweeps of the watch list a second; 0 = as the line allows
+extern int32_t Option_nLanguage;  // of listings: LANGUAGE_...
 extern int32_t isTimer;           // communication switched on
 
 // --- the program ---------------------------------------------------------------------

@@ -150,6 +150,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
     {MENU_WINDOW, ITEM_ARRAY, "__Array", KEY_CTRL | KEY_SHIFT | 'A', ARI_OpenCB},
     {MENU_WINDOW, ITEM_RECORD, "__Record", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
+    {MENU_WINDOW, ITEM_CONFIG, "Device confi__guration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 

@@ -13,6 +13,8 @@
 #include "loader/window.h"
 #include "logger/log_window.h"
 #include "scope/window.h"
+#include "sets/editor.h"
+#include "sets/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -41,7 +43,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_GRAPH, "graph", "Graph", GRW_PanelCB},
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
-    {PANEL_CONFIG_EDIT, "config_edit", "Device configuration editor", nullptr},
+    {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
     {PANEL_ARRAY, "array", "Array", ARI_PanelCB},
     {PANEL_RECORD, "record", "Record", RCI_PanelCB},
@@ -250,6 +252,39 @@ const UI_Control UI_aControls[] = {
     {PANEL_RECORD, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},
     {PANEL_RECORD, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},
     {PANEL_RECORD, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB},
+
+    {PANEL_CONFIG, CONFIG_HEADER, UIK_STRING, "header", nullptr},
+    {PANEL_CONFIG, CONFIG_OPEN, UIK_BUTTON, "open", CFW_OpenCB},
+    {PANEL_CONFIG, CONFIG_GROUPS, UIK_LIST, "groups", CFW_GroupsCB},
+    {PANEL_CONFIG, CONFIG_LIST, UIK_LIST, "list", CFW_ListCB},
+    {PANEL_CONFIG, CONFIG_ONLY_MARKED, UIK_SWITCH, "onlyMarked", CFW_MarkedCB},
+    {PANEL_CONFIG, CONFIG_READ, UIK_BUTTON, "read", CFW_ReadCB},
+    {PANEL_CONFIG, CONFIG_WRITE_ONE, UIK_BUTTON, "writeOne", CFW_WriteCB},
+    {PANEL_CONFIG, CONFIG_WRITE_ALL, UIK_BUTTON, "writeAll", CFW_WriteCB},
+    {PANEL_CONFIG, CONFIG_LOAD, UIK_BUTTON, "load", CFW_FileCB},
+    {PANEL_CONFIG, CONFIG_SAVE, UIK_BUTTON, "save", CFW_FileCB},
+    {PANEL_CONFIG, CONFIG_COMPARE, UIK_BUTTON, "compare", CFW_FileCB},
+    {PANEL_CONFIG, CONFIG_PRINT, UIK_BUTTON, "print", CFW_FileCB},
+    {PANEL_CONFIG, CONFIG_TERMINAL, UIK_BUTTON, "terminal", CFW_TerminalCB},
+    {PANEL_CONFIG, CONFIG_RESULT, UIK_TEXT, "result", nullptr},
+    {PANEL_CONFIG, CONFIG_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_CONFIG, CONFIG_DETAILS, UIK_BUTTON, "details", CFW_DetailsCB},
+    {PANEL_CONFIG, CONFIG_FILE, UIK_TEXT, "file", nullptr},
+
+    {PANEL_CONFIG_EDIT, CFGEDIT_NAME, UIK_TEXT, "name", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_TEXT, UIK_TEXT, "meaning", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_TYPE, UIK_TEXT, "type", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_LIMITS, UIK_TEXT, "limits", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_DEFAULT, UIK_TEXT, "defaultValue", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_DEVICE, UIK_TEXT, "device", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_FILE, UIK_TEXT, "file", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_NEW, UIK_STRING, "newValue", CFE_NewCB},
+    {PANEL_CONFIG_EDIT, CFGEDIT_HINT, UIK_TEXT, "hint", nullptr},
+    {PANEL_CONFIG_EDIT, CFGEDIT_TAKE, UIK_BUTTON, "take", CFE_ButtonCB},
+    {PANEL_CONFIG_EDIT, CFGEDIT_FROM_DEFAULT, UIK_BUTTON, "fromDefault", CFE_ButtonCB},
+    {PANEL_CONFIG_EDIT, CFGEDIT_FROM_FILE, UIK_BUTTON, "fromFile", CFE_ButtonCB},
+    {PANEL_CONFIG_EDIT, CFGEDIT_WRITE, UIK_BUTTON, "write", CFE_ButtonCB},
+    {PANEL_CONFIG_EDIT, CFGEDIT_CLOSE, UIK_BUTTON, "closePanel", CFE_ButtonCB},
 
     {PANEL_DEBUGGER, DEBUG_PLACE, UIK_STRING, "place", DBW_PlaceCB},
     {PANEL_DEBUGGER, DEBUG_GO, UIK_BUTTON, "go", DBW_ButtonCB},

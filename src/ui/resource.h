@@ -306,6 +306,45 @@ enum {
     RECORD_TIMER = 6,
 };
 
+// Device configuration.
+enum {
+    CONFIG_HEADER = 1,      // path
+    CONFIG_OPEN = 2,
+    CONFIG_GROUPS = 3,
+    CONFIG_LIST = 4,
+    CONFIG_ONLY_MARKED = 5,
+    CONFIG_READ = 6,
+    CONFIG_WRITE_ONE = 7,
+    CONFIG_WRITE_ALL = 8,   // all that are changed
+    CONFIG_LOAD = 9,
+    CONFIG_SAVE = 10,
+    CONFIG_COMPARE = 11,
+    CONFIG_PRINT = 12,
+    CONFIG_TERMINAL = 13,   // opens the port; in configuration mode only
+    CONFIG_RESULT = 14,
+    CONFIG_STATE = 15,      // port and station
+    CONFIG_DETAILS = 16,
+    CONFIG_FILE = 17,       // name of the loaded data file
+};
+
+// Editor of one parameter.
+enum {
+    CFGEDIT_NAME = 1,
+    CFGEDIT_TEXT = 2,
+    CFGEDIT_TYPE = 3,
+    CFGEDIT_LIMITS = 4,
+    CFGEDIT_DEFAULT = 5,
+    CFGEDIT_DEVICE = 6,
+    CFGEDIT_FILE = 7,
+    CFGEDIT_NEW = 8,
+    CFGEDIT_HINT = 9,
+    CFGEDIT_TAKE = 10,
+    CFGEDIT_FROM_DEFAULT = 11,
+    CFGEDIT_FROM_FILE = 12,
+    CFGEDIT_WRITE = 13,
+    CFGEDIT_CLOSE = 14,
+};
+
 // Debugger: a live view of code, registers, stack and memory.
 enum {
     DEBUG_PLACE = 1,

@@ -9,6 +9,7 @@
 #include "console/monitor/monitor.h"
 #include "logger/dlld_record.h"
 #include "runtime/headless/headless.h"
+#include "sets/window.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
@@ -66,6 +67,8 @@ void ResetProgram()
     szaDebugFileNames = {};
     EDT_ForgetEdits();
     LAY_Set({});
+    CFW_SetHeader("");
+    Option_nLanguage = LANGUAGE_CZ;
 
     command = CMD_C166;
     nASC_Opened = 0;

@@ -9,8 +9,8 @@
 #include "console/commands/transfer.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "console/script/script_command.h"
+#include "text/tokens.h"
 #include "text/txfr.h"
 #include "text/xscan.h"
 

@@ -9,10 +9,10 @@
 
 #include "comm/sysaddr.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "console/script/script_command.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/tokens.h"
 #include "text/xscan.h"
 
 const ArrayType ARR_aTypes[ARRAY_TYPES] = {

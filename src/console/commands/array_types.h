@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 struct ArrayType {
     const char *name;      // as typed

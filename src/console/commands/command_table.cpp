@@ -52,9 +52,9 @@ const ScrRow SCR_aTable[] = {
     {SCR_ListVars, "listvars", {TEXT}},
     {SCR_TypeMap, "tm", {PAR_EXTERN}}, // [file]
     {SCR_Addr2Name, "addr2name", {PLACE}},
-    {nullptr, "ldx2vldx", {PATH, PATH, PATH}},
-    {nullptr, "ldcmpldx", {PATH}},
-    {nullptr, "mkcmpvldx", {PATH, PATH}},
+    {SCR_Ldx2Vldx, "ldx2vldx", {PATH, PATH, PATH}},
+    {SCR_LdCmpLdx, "ldcmpldx", {PATH}},
+    {SCR_MkCmpVldx, "mkcmpvldx", {PATH, PATH}},
     {SCR_Language, "language", {TEXT}},
     {SCR_Exit, "exit", {}},
     {SCR_ComPar, "compar", {BYTE, COUNT}}, // port, baud rate

@@ -3,7 +3,7 @@
 #ifndef CONSOLE_COMMANDS_COMMANDS_H
 #define CONSOLE_COMMANDS_COMMANDS_H
 
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 // Single values.
 int SCR_Write(ScrPar *par);
@@ -36,6 +36,9 @@ int SCR_L3Read(ScrPar *par);
 // Variable sets.
 int SCR_Upload(ScrPar *par);
 int SCR_Download(ScrPar *par);
+int SCR_Ldx2Vldx(ScrPar *par);
+int SCR_LdCmpLdx(ScrPar *par);
+int SCR_MkCmpVldx(ScrPar *par);
 // Registers of any Modbus slave; the parameter is the whole line.
 int SCR_MbRead(ScrPar *par);
 int SCR_MbWrite(ScrPar *par);
@@ -50,9 +53,5 @@ int SCR_Exit(ScrPar *par);
 int SCR_ComPar(ScrPar *par);
 int SCR_Msg(ScrPar *par);
 int SCR_Qst(ScrPar *par);
-
-// Language of listings, chosen by the command `language`.
-enum { LANGUAGE_CZ = 0, LANGUAGE_EN = 1, LANGUAGE_RU = 2 };
-extern int SCR_enLanguage;
 
 #endif

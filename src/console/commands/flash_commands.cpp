@@ -7,7 +7,6 @@
 #include "console/commands/array_types.h"
 #include "console/commands/commands.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "console/script/script_command.h"
 #include "loader/borrow.h"
 #include "loader/hex_stream.h"
@@ -16,6 +15,7 @@
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/tokens.h"
 #include "ui/resource.h"
 #include "watch/main_window.h"
 

@@ -10,9 +10,9 @@
 #include "console/commands/commands.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "console/script/script_command.h"
 #include "settings/settings.h"
+#include "text/tokens.h"
 
 namespace {
 

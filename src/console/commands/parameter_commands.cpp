@@ -9,6 +9,7 @@
 #include "console/script/script_command.h"
 #include "runtime/userint.h"
 #include "sets/backup.h"
+#include "sets/listing.h"
 #include "sets/restore.h"
 #include "settings/settings.h"
 #include "text/words.h"
@@ -16,6 +17,8 @@
 namespace {
 
 constexpr size_t CHANGES_SHOWN_MAX = 1000; // on the console, whose text has a bound
+
+std::vector<PST_File> compared; // by ldcmpldx, until mkcmpvldx has shown them
 
 // A progress box that the sets' files can drive. It appears with the first step.
 struct Meter {
@@ -62,6 +65,24 @@ int FailWith(const std::string &command, const std::string &why)
     return SCR_Fail(command + ": " + WRD_Visible(why));
 }
 
+void PrintProblems(const PST_Problems &problems)
+{
+    std::string text = PST_FormatProblems(problems);
+    if (!text.empty())
+        text.pop_back(); // the last line's end
+    PrintMonStr(text);
+}
+
+int WriteListing(const std::string &command, const std::vector<PST_File> &files,
+                 const std::string &templatePath, const std::string &output)
+{
+    PST_Problems problems;
+    if (PST_WriteListing(templatePath, files, Option_nLanguage, output, &problems) == 0)
+        return 0;
+    PrintProblems(problems);
+    return FailWith(command, "no listing was written.");
+}
+
 bool IsWriteWished(const PST_Restore &job)
 {
     const std::string count = std::to_string(job.writes.size());
@@ -78,17 +99,15 @@ int Download(const std::string &header, const std::string &data, bool isAll, PST
     const int prepared = PST_PrepareRestore(header, data, isAll, job, progress);
     EndMeter(meter);
     if (prepared == PST_ERR_FILE) {
-        std::string problems = PST_FormatProblems(job->problems);
-        problems.pop_back(); // the last line's end
-        PrintMonStr(problems);
-        return FailWith("download", "Nothing was written.");
+        PrintProblems(job->problems);
+        return FailWith("download", PST_NOTHING_WRITTEN);
     }
     if (prepared != PST_OK)
-        return FailWith("download", job->why + " Nothing was written.");
+        return FailWith("download", job->why + " " + PST_NOTHING_WRITTEN);
     PrintLines(PST_RestoreWarnings(*job));
     PrintLines(PST_RestoreChanges(*job), CHANGES_SHOWN_MAX);
     if (!job->writes.empty() && !IsWriteWished(*job))
-        return FailWith("download", "Nothing was written.");
+        return FailWith("download", PST_NOTHING_WRITTEN);
     const int result = PST_RunRestore(job, progress);
     EndMeter(meter);
     PrintLines(PST_RestoreResult(*job, result));
@@ -120,4 +139,46 @@ int SCR_Download(ScrPar *par)
     Meter meter;
     meter.text = "Download: ";
     return Download(par[0].text, par[1].text, par[2].value == 1, &job, &meter);
+}
+
+int SCR_Ldx2Vldx(ScrPar *par)
+{
+    if (IsUsageWished(par, "use: ldx2vldx input.ldx, template.tldx, output.vldx"))
+        return 0;
+    std::vector<PST_File> files(1);
+    PST_Problems problems;
+    if (PST_ReadData(par[0].text, &files[0], &problems) != 0) {
+        PrintProblems(problems);
+        return FailWith("ldx2vldx", "no listing was written.");
+    }
+    return WriteListing("ldx2vldx", files, par[1].text, par[2].text);
+}
+
+int SCR_LdCmpLdx(ScrPar *par)
+{
+    if (IsUsageWished(par, "use: ldcmpldx file.ldx"))
+        return 0;
+    if (compared.size() >= PST_COMPARE_MAX)
+        return SCR_Fail("Too many ldx files to load.");
+    PST_File file;
+    PST_Problems problems;
+    if (PST_ReadData(par[0].text, &file, &problems) != 0) {
+        PrintProblems(problems);
+        return FailWith("ldcmpldx", "the file does not take part.");
+    }
+    compared.push_back(file);
+    return 0;
+}
+
+// The files stay for another template when this one fails.
+int SCR_MkCmpVldx(ScrPar *par)
+{
+    if (IsUsageWished(par, "use: mkcmpvldx file.tldx, outfile.html"))
+        return 0;
+    if (compared.size() < 2)
+        return FailWith("mkcmpvldx", "ldcmpldx names the files to compare, two at least.");
+    const int result = WriteListing("mkcmpvldx", compared, par[0].text, par[1].text);
+    if (result == 0)
+        compared.clear();
+    return result;
 }

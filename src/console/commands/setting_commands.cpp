@@ -4,13 +4,13 @@
 #include "console/monitor/link.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "console/script/script.h"
 #include "console/script/script_command.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "text/tokens.h"
 #include "text/words.h"
 #include "text/xscan.h"
 #include "watch/list/list_view.h"
@@ -19,7 +19,6 @@
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
-int SCR_enLanguage = LANGUAGE_CZ;
 bool SCR_bGotoCmd = false;
 std::string SCR_szGotoLabel;
 bool SCR_isExit = false;
@@ -141,7 +140,7 @@ int SCR_Language(ScrPar *par)
 {
     for (const Choice &language : LANGUAGES) {
         if (CON_IsSameWord(par[0].text, language.name)) {
-            SCR_enLanguage = language.value;
+            Option_nLanguage = language.value;
             return 0;
         }
     }

@@ -8,10 +8,10 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/value_entry.h"
-#include "console/monitor/word.h"
 #include "console/script/script.h"
 #include "console/script/script_command.h"
 #include "settings/settings.h"
+#include "text/tokens.h"
 #include "text/words.h"
 
 uint32_t dwAddr = 0;

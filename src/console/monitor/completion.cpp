@@ -6,10 +6,10 @@
 #include <filesystem>
 
 #include "console/monitor/monitor.h"
-#include "console/monitor/word.h"
 #include "console/script/script_command.h"
 #include "settings/settings.h"
 #include "symbols/varnode.h"
+#include "text/tokens.h"
 #include "text/words.h"
 #include "watch/windows/name_completion.h"
 

@@ -12,13 +12,13 @@
 #include "console/commands/transfer.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "runtime/userint.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
 #include "text/bytes.h"
+#include "text/tokens.h"
 #include "watch/value/tms_float.h"
 
 namespace {

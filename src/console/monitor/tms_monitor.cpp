@@ -6,7 +6,7 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/monitor/value_entry.h"
-#include "console/monitor/word.h"
+#include "text/tokens.h"
 
 namespace {
 

@@ -14,10 +14,10 @@
 #include "console/monitor/link.h"
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
-#include "console/monitor/word.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/tokens.h"
 #include "watch/value/tms_float.h"
 
 namespace {

@@ -6,7 +6,8 @@
 
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
-#include "console/monitor/word.h"
+#include "symbols/assignment.h"
+#include "text/tokens.h"
 
 std::string szScrFnErrMsg;
 
@@ -97,4 +98,14 @@ int SCR_FailLink(const std::string &text)
 std::string SCR_GetAbsentText(const std::string &name)
 {
     return "ERROR - " + name + ": this version has no such function yet.";
+}
+
+void PrintType(uint32_t code)
+{
+    std::string text;
+    ATP_toStr(code, &text);
+    text = text.substr(1, text.size() - 2); // without its parentheses
+    if (text.compare(0, 2, "f4") == 0)
+        text.replace(0, 2, "float");
+    PrintMonStr(text.empty() ? text : text + " ");
 }

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 enum SCR_Result {
     SCR_ERR_LONG_NAME = -1,
@@ -38,6 +38,9 @@ constexpr int SCR_cnTable = 41;
 // The command's result, or an SCR_ code. Error texts go to szScrFnErrMsg.
 int ExecScrCmd(const char *line, const ScrRow *table, int count);
 const ScrRow *SCR_Find(const std::string &name, const ScrRow *table, int count); // or null
+
+// The words of an assignment's type code on the console, each with a blank behind it.
+void PrintType(uint32_t code);
 
 // Sets szScrFnErrMsg to "ERROR - " and the text. Always -1.
 int SCR_Fail(const std::string &text);

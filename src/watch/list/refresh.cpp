@@ -268,7 +268,8 @@ void RFR_ShowCommunication()
 
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event != EVENT_TIMER_TICK || !isTimer)
+    // The device configuration reads when it is told to, and nothing else does beside it.
+    if (event != EVENT_TIMER_TICK || !isTimer || VR_enAppMode == MODE_CONFIGURATION)
         return 0;
     NoticePause();
     ServeRecorder();

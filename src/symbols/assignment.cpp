@@ -1,12 +1,11 @@
 // Types come from a cast, from the naming convention of the target's sources or from
 // the caller, in this order. The tables are searched from the top: the first row wins.
-#include "console/script/assignment.h"
+#include "symbols/assignment.h"
 
 #include <cstring>
 
 #include "comm/sysaddr.h"
-#include "console/monitor/monitor.h"
-#include "console/monitor/word.h"
+#include "text/tokens.h"
 #include "text/words.h"
 
 namespace {
@@ -206,18 +205,6 @@ void ATP_toStr(uint32_t code, std::string *text)
     if (code & PAR_NAME)
         *text += text->size() > 1 ? " ID" : "ID";
     *text += ")";
-}
-
-void PrintType(uint32_t code)
-{
-    std::string text = FindTypeName(code);
-    if (text == "f4")
-        text = "float";
-    if (!text.empty())
-        text += " ";
-    if (code & PAR_NAME)
-        text += "ID ";
-    PrintMonStr(text);
 }
 
 int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)

@@ -1,7 +1,7 @@
 // Typed parameters of command lines: one scanner for script commands, assignments and
 // the files that hold them.
-#ifndef CONSOLE_SCRIPT_SCRIPT_PARAM_H
-#define CONSOLE_SCRIPT_SCRIPT_PARAM_H
+#ifndef TEXT_SCRIPT_PARAM_H
+#define TEXT_SCRIPT_PARAM_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,13 +1,13 @@
 // Lines that assign a value to a target variable, or are labels; the type codes such
 // lines share with command parameters. Used by the readers of every format built of
 // assignments.
-#ifndef CONSOLE_SCRIPT_ASSIGNMENT_H
-#define CONSOLE_SCRIPT_ASSIGNMENT_H
+#ifndef SYMBOLS_ASSIGNMENT_H
+#define SYMBOLS_ASSIGNMENT_H
 
 #include <cstdint>
 #include <string>
 
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 // Assignment type codes: sums of PAR_ bits.
 constexpr int32_t ATP_I1 = 0x05;
@@ -29,7 +29,6 @@ int32_t GetPfxType(const char *name);  // type that the name's prefix implies, 0
 int32_t GetPfx2Type(const char *text); // the cast, or the prefix type of the last component
 int ATP_SizeOf(uint32_t code);         // bytes, 0 for texts
 void ATP_toStr(uint32_t code, std::string *text); // "(u2 ID)"
-void PrintType(uint32_t code);                    // the same words on the console
 
 // Parses one line into two records. ASSN_VALUE, ASSN_LABEL (the name is in the first
 // record) or ASSN_NONE. The default type counts when the line shows none.

@@ -1,7 +1,7 @@
-// Small text helpers of the console's parsers. ASCII only: target names and commands
-// do not depend on the user's language.
-#ifndef CONSOLE_MONITOR_WORD_H
-#define CONSOLE_MONITOR_WORD_H
+// Small text helpers of the parsers of lines that people write. ASCII only: target names and
+// commands do not depend on the user's language.
+#ifndef TEXT_TOKENS_H
+#define TEXT_TOKENS_H
 
 #include <cstddef>
 #include <cstdint>

@@ -1,14 +1,14 @@
 // One branch a kind of parameter, in the order in which a code with several kinds is
 // tried: quoted text, raw text, integer, float, name. A number begins with a digit or a
 // sign and a name with neither, so that no kind has to be tried twice.
-#include "console/script/script_param.h"
+#include "text/script_param.h"
 
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
-#include "console/monitor/word.h"
+#include "text/tokens.h"
 #include "text/xscan.h"
 
 namespace {

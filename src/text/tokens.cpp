@@ -1,6 +1,6 @@
 // The C library's character classes follow the user's language and take no plain char;
 // these do neither.
-#include "console/monitor/word.h"
+#include "text/tokens.h"
 
 bool CON_IsBlank(char c)
 {

@@ -1,0 +1,147 @@
+#include "sets/editor.h"
+
+#include "runtime/userint.h"
+#include "sets/form.h"
+#include "sets/value.h"
+#include "sets/window_table.h"
+#include "text/words.h"
+#include "ui/resource.h"
+
+namespace {
+
+CFE_Host host;
+int shown = -1; // entry
+
+void Show(int control, const std::string &text)
+{
+    SetCtrlVal(PANEL_CONFIG_EDIT, control, WRD_Visible(text));
+}
+
+// "2.5 1/s (250)": in the form's units, and as it is stored where that is another number.
+std::string LongText(const PST_Form &form, uint32_t index, const PST_Held &held)
+{
+    if (!held.isThere)
+        return "not known";
+    const PST_Entry &entry = form.set.entries[index];
+    const PST_Attributes &a = PST_AttributesOf(form.set, entry);
+    std::string text = CFT_HeldText(form, index, held);
+    if (!a.unit.empty())
+        text += " " + a.unit;
+    if (a.factor != 1 && entry.type != 0)
+        text += " (" + PST_ValueText(entry, held.bytes) + ")";
+    return text;
+}
+
+void ShowHint(const std::string &text)
+{
+    Show(CFGEDIT_HINT, text);
+}
+
+// Takes what stands in the field. False, and said, when it is no value.
+bool AcceptTyped()
+{
+    std::string text;
+    GetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, &text);
+    const std::string why = PST_EditForm(host.form, static_cast<uint32_t>(shown), text);
+    ShowHint(why);
+    if (why.empty())
+        host.refresh();
+    return why.empty();
+}
+
+} // namespace
+
+void CFE_Open(const CFE_Host &newHost, int entry)
+{
+    if (entry < 0)
+        return;
+    host = newHost;
+    shown = entry;
+    ShowHint("");
+    DisplayPanel(PANEL_CONFIG_EDIT);
+    SetActivePanel(PANEL_CONFIG_EDIT);
+    CFE_Refresh();
+    SetActiveCtrl(PANEL_CONFIG_EDIT, CFGEDIT_NEW);
+}
+
+void CFE_Refresh()
+{
+    int isVisible = 0, line = -1;
+    GetPanelAttribute(PANEL_CONFIG_EDIT, ATTR_VISIBLE, &isVisible);
+    if (isVisible == 0 || host.form == nullptr)
+        return;
+    const PST_Form &form = *host.form;
+    GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
+    if (CFT_GetEntry(line) >= 0)
+        shown = CFT_GetEntry(line);
+    if (!form.isOpen || shown < 0 || static_cast<size_t>(shown) >= form.set.entries.size()) {
+        HidePanel(PANEL_CONFIG_EDIT);
+        shown = -1;
+        return;
+    }
+    const auto index = static_cast<uint32_t>(shown);
+    const PST_Entry &entry = form.set.entries[index];
+    const PST_Attributes &a = PST_AttributesOf(form.set, entry);
+    Show(CFGEDIT_NAME, entry.name);
+    Show(CFGEDIT_TEXT, a.text);
+    Show(CFGEDIT_TYPE,
+         std::string(PST_TypeName(entry.type)) + (a.isReadOnly  ? ", read-only"
+                                                  : a.needsStop ? ", only while the machine stands"
+                                                                : ""));
+    Show(CFGEDIT_LIMITS, CFT_LimitsText(a) + (a.unit.empty() ? "" : " " + a.unit));
+    Show(CFGEDIT_DEFAULT, CFT_DefaultText(a));
+    Show(CFGEDIT_DEVICE, LongText(form, index, form.device[index]));
+    Show(CFGEDIT_FILE, LongText(form, index, form.file[index]));
+    SetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW,
+               CFT_HeldText(form, index, PST_FormValue(form, index)));
+    SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_NEW, ATTR_CTRL_MODE, a.isReadOnly ? 0 : 1);
+    SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_FROM_DEFAULT, ATTR_DIMMED,
+                     a.hasDefault && !a.isReadOnly ? 0 : 1);
+    SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_FROM_FILE, ATTR_DIMMED,
+                     form.file[index].isThere && !a.isReadOnly ? 0 : 1);
+    for (const int control : {CFGEDIT_TAKE, CFGEDIT_WRITE})
+        SetCtrlAttribute(PANEL_CONFIG_EDIT, control, ATTR_DIMMED, a.isReadOnly ? 1 : 0);
+}
+
+int CFE_PanelCB(int panel, int event, int data)
+{
+    if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
+        HidePanel(panel);
+        return 1;
+    }
+    return 0;
+}
+
+int CFE_NewCB(int, int, int event, int)
+{
+    if (event == EVENT_COMMIT && shown >= 0)
+        AcceptTyped();
+    return 0;
+}
+
+int CFE_ButtonCB(int panel, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    if (control == CFGEDIT_CLOSE) {
+        HidePanel(panel);
+        return 0;
+    }
+    if (shown < 0 || host.form == nullptr || !host.form->isOpen)
+        return 0;
+    PST_Form &form = *host.form;
+    const auto index = static_cast<uint32_t>(shown);
+    if (control == CFGEDIT_TAKE) {
+        AcceptTyped();
+    } else if (control == CFGEDIT_WRITE) {
+        if (AcceptTyped())
+            host.write(index);
+    } else {
+        if (control == CFGEDIT_FROM_DEFAULT)
+            ShowHint(PST_EditDefault(&form, index));
+        else
+            form.edited[index] = form.file[index];
+        host.refresh();
+    }
+    return 0;
+}

@@ -1,0 +1,204 @@
+#include "sets/window_table.h"
+
+#include "runtime/userint.h"
+#include "sets/value.h"
+#include "ui/resource.h"
+
+#include <algorithm>
+#include <set>
+
+namespace {
+
+constexpr int INDENT_BLANKS = 3; // of a group inside of another
+
+std::vector<std::string> groupNames; // of the lines of the list; the first is "", all of them
+
+// Every group with the groups above it, also those that hold no value themselves.
+std::vector<std::string> AllGroups(const PST_Form &form)
+{
+    std::vector<std::string> names = {""};
+    std::set<std::string> seen = {""};
+    for (const std::string &group : form.set.groups) {
+        for (size_t slash = group.find('/'); !group.empty(); slash = group.find('/', slash + 1)) {
+            const std::string name = group.substr(0, slash);
+            if (seen.insert(name).second) {
+                // Behind the others of the group that it lies in, wherever the header names it.
+                const std::string parent = name.substr(0, name.rfind('/'));
+                auto at = names.end();
+                if (name.find('/') != std::string::npos)
+                    while (at != names.begin() && (at - 1)->compare(0, parent.size(), parent) != 0)
+                        --at;
+                names.insert(at, name);
+            }
+            if (slash == std::string::npos)
+                break;
+        }
+    }
+    return names;
+}
+
+size_t CountMarked(const PST_Form &form, const std::string &group)
+{
+    return PST_ListEntries(form, group, true).size();
+}
+
+void AddHeading(const std::string &text)
+{
+    int lines = 0;
+    InsertListItem(PANEL_CONFIG, CONFIG_LIST, -1, text, -1);
+    GetNumListItems(PANEL_CONFIG, CONFIG_LIST, &lines);
+    SetListCells(PANEL_CONFIG, CONFIG_LIST, lines - 1, {{text, UIS_BOLD, ""}});
+}
+
+std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
+{
+    const PST_Entry &entry = form.set.entries[index];
+    const PST_Attributes &a = PST_AttributesOf(form.set, entry);
+    const PST_Held &value = PST_FormValue(form, index);
+    const bool isChanged = PST_IsChanged(form, index);
+    const unsigned valueStyle = isChanged      ? UIS_BOLD | UIS_GOOD
+                                : a.isReadOnly ? UIS_DIM
+                                               : UIS_NORMAL;
+    const unsigned fileStyle = PST_IsOther(form, index) ? UIS_BOLD | UIS_WARNING : UIS_DIM;
+    std::string tip = a.text;
+    if (a.isReadOnly)
+        tip += (tip.empty() ? "" : "; ") + std::string("read-only");
+    if (a.needsStop)
+        tip += (tip.empty() ? "" : "; ") + std::string("only while the machine stands");
+    return {{entry.name, UIS_NORMAL, tip},
+            {(isChanged ? "* " : "") + CFT_HeldText(form, index, value), valueStyle,
+             isChanged ? "typed, not written yet" : ""},
+            {a.unit, UIS_NORMAL, ""},
+            {CFT_HeldText(form, index, form.device[index]), UIS_NORMAL, ""},
+            {(PST_IsOther(form, index) ? "≠ " : "") + CFT_HeldText(form, index, form.file[index]),
+             fileStyle, ""},
+            {CFT_LimitsText(a), UIS_DIM, ""},
+            {CFT_DefaultText(a), UIS_DIM, ""},
+            {(index == form.set.items[entry.item].firstEntry ? a.text : "") +
+                 (a.needsStop    ? " (stop)"
+                  : a.isReadOnly ? " (read-only)"
+                                 : ""),
+             UIS_NORMAL, tip}};
+}
+
+} // namespace
+
+void CFT_Prepare()
+{
+    SetListColumns(PANEL_CONFIG, CONFIG_LIST,
+                   {{"Name", 220},
+                    {"Value", 90, UIA_RIGHT, true},
+                    {"Unit", 50},
+                    {"Device", 90, UIA_RIGHT},
+                    {"File", 90, UIA_RIGHT},
+                    {"Limits", 100, UIA_RIGHT},
+                    {"Default", 60, UIA_RIGHT},
+                    {"Meaning", 220}});
+    SetListColumns(PANEL_CONFIG, CONFIG_GROUPS, {{"Group", 120}, {"Differ", 50, UIA_RIGHT}});
+}
+
+void CFT_ShowGroups(const PST_Form &form)
+{
+    const std::string chosen = CFT_GetGroup();
+    groupNames = form.isOpen ? AllGroups(form) : std::vector<std::string>();
+    ClearListCtrl(PANEL_CONFIG, CONFIG_GROUPS);
+    int selected = 0;
+    for (size_t i = 0; i < groupNames.size(); ++i) {
+        const std::string &name = groupNames[i];
+        const size_t depth = static_cast<size_t>(std::count(name.begin(), name.end(), '/'));
+        const size_t slash = name.rfind('/');
+        const std::string last = name.empty()                 ? "All"
+                                 : slash == std::string::npos ? name
+                                                              : name.substr(slash + 1);
+        const std::string label = std::string(depth * INDENT_BLANKS, ' ') + last;
+        const size_t marked = CountMarked(form, name);
+        const int line = static_cast<int>(i);
+        InsertListItem(PANEL_CONFIG, CONFIG_GROUPS, -1, label, line);
+        SetListCells(PANEL_CONFIG, CONFIG_GROUPS, line,
+                     {{label, name.empty() ? UIS_BOLD : UIS_NORMAL, name},
+                      {marked > 0 ? std::to_string(marked) : "", UIS_WARNING, ""}});
+        selected = name == chosen ? line : selected;
+    }
+    if (!groupNames.empty())
+        SetCtrlIndex(PANEL_CONFIG, CONFIG_GROUPS, selected);
+}
+
+std::string CFT_GetGroup()
+{
+    int line = -1;
+    GetCtrlIndex(PANEL_CONFIG, CONFIG_GROUPS, &line);
+    return line >= 0 && static_cast<size_t>(line) < groupNames.size()
+               ? groupNames[static_cast<size_t>(line)]
+               : "";
+}
+
+size_t CFT_ShowEntries(const PST_Form &form, bool isOnlyMarked)
+{
+    int selected = -1;
+    GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &selected);
+    ClearListCtrl(PANEL_CONFIG, CONFIG_LIST);
+    if (!form.isOpen)
+        return 0;
+    const std::string chosen = CFT_GetGroup();
+    const std::vector<uint32_t> entries = PST_ListEntries(form, chosen, isOnlyMarked);
+    std::string group = chosen, heading;
+    int line = 0;
+    for (const uint32_t index : entries) {
+        const PST_Item &item = form.set.items[form.set.entries[index].item];
+        if (static_cast<size_t>(line) >= CFT_ROWS_MAX)
+            break;
+        if (form.set.groups[item.group] != group) {
+            group = form.set.groups[item.group];
+            heading.clear();
+            AddHeading(group);
+            ++line;
+        }
+        if (item.heading != heading && !item.heading.empty()) {
+            AddHeading("  " + item.heading);
+            ++line;
+        }
+        heading = item.heading;
+        InsertListItem(PANEL_CONFIG, CONFIG_LIST, -1, form.set.entries[index].name,
+                       static_cast<int>(index));
+        SetListCells(PANEL_CONFIG, CONFIG_LIST, line++, MakeCells(form, index));
+    }
+    // Headings are no values: the first time the selection begins below them.
+    selected = std::clamp(selected, 0, std::max(line - 1, 0));
+    while (selected + 1 < line && CFT_GetEntry(selected) < 0)
+        ++selected;
+    if (line > 0)
+        SetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, selected);
+    return entries.size();
+}
+
+int CFT_GetEntry(int line)
+{
+    int entry = -1;
+    if (line < 0 || GetValueFromIndex(PANEL_CONFIG, CONFIG_LIST, line, &entry) < 0)
+        return -1;
+    return entry;
+}
+
+std::string CFT_LimitsText(const PST_Attributes &a)
+{
+    if (!a.hasMin && !a.hasMax)
+        return "";
+    double low = a.min * a.factor, high = a.max * a.factor;
+    bool hasLow = a.hasMin, hasHigh = a.hasMax;
+    if (a.factor < 0) {
+        std::swap(low, high);
+        std::swap(hasLow, hasHigh);
+    }
+    return (hasLow ? PST_ShownNumber(low) : "") + " … " + (hasHigh ? PST_ShownNumber(high) : "");
+}
+
+std::string CFT_DefaultText(const PST_Attributes &a)
+{
+    return a.hasDefault ? PST_ShownNumber(a.defaultValue * a.factor) : "";
+}
+
+std::string CFT_HeldText(const PST_Form &form, uint32_t entry, const PST_Held &held)
+{
+    const PST_Entry &at = form.set.entries[entry];
+    return held.isThere ? PST_ShownText(at, PST_AttributesOf(form.set, at).factor, held.bytes) : "";
+}
