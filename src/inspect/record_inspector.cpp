@@ -328,8 +328,13 @@ void RCI_OpenCB(int, int)
     GetCtrlIndex(mainPanel, MAIN_LIST, &line);
     const bool isItem = line >= 0 && line < nLItems && !LIT_IsTMS(aLItems[line]);
     std::string name = isItem ? aLItems[line].name : "";
-    // Of a member, the whole record.
-    RCI_Open(name.substr(0, name.find_first_of(".[+ ")));
+    // Of a member, the whole record; of a single value nothing.
+    const std::string whole = name.substr(0, name.find_first_of(".[+ "));
+    RCT_Tree found;
+    std::string cause;
+    const bool hasParts = RCT_Build(whole, &found, &cause) == 0 && !found.nodes.empty() &&
+                          found.nodes[0].kind != RCT_VALUE;
+    RCI_Open(hasParts ? whole : "");
 }
 
 int RCI_PanelCB(int panel, int event, int data)
