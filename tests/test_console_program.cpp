@@ -344,6 +344,32 @@ TEST_F(ConsoleProgram, WatchEndsWithOneWhenTheTargetDoesNotAnswer)
     EXPECT_EQ(1, Run("--watch w.dbg --sweeps 1 --trace /nonexistent/t").code);
 }
 
+TEST_F(ConsoleProgram, RecordsWithTheTargetsScope)
+{
+    StartTarget();
+    Write("demo.m66", ReadFileText(EXAMPLES_DIR "/demo.m66"));
+    Write("Vireo2.ini", "r, AC167\r\nm, demo.m66\r\np, 1\r\ns, 1\r\n");
+    Write("a.scope", "id, SCP3_rScope\r\nch, 1, nFast, i2\r\nlevel, 400\r\nposition, 25\r\n");
+    Outcome outcome = Run("--scope a.scope --csv - --wait 20");
+    ASSERT_EQ(0, outcome.code) << outcome.err;
+    EXPECT_EQ(0u, outcome.out.find("; Vireo2 scope 1\r\n"));
+    EXPECT_NE(std::string::npos, outcome.out.find("sample,time,nFast\r\n0,-"));
+    EXPECT_NE(std::string::npos, outcome.out.find("\r\n124,0,")) << "the trigger";
+    EXPECT_NE(std::string::npos, outcome.err.find("Upload successful."));
+    // A level that is never reached: 1 and why, unless it is forced. No file is left behind.
+    Write("b.scope", "id, SCP3_rScope\r\nch, 1, nFast, i2\r\nlevel, 4000\r\n");
+    outcome = Run("--scope b.scope --csv out.csv --wait 0.1");
+    EXPECT_EQ(1, outcome.code);
+    EXPECT_NE(std::string::npos, outcome.err.find("No trigger (try snap)."));
+    EXPECT_FALSE(std::filesystem::exists(folder / "out.csv"));
+    EXPECT_EQ(0, Run("--scope b.scope --csv out.csv --snap").code);
+    EXPECT_GT(CountLines(ReadFileText(folder / "out.csv")), 500u);
+    Write("c.scope", "id, nowhere\r\nch, 1, nFast, i2\r\n");
+    outcome = Run("--scope c.scope --csv out.csv");
+    EXPECT_EQ(1, outcome.code);
+    EXPECT_NE(std::string::npos, outcome.err.find("Init error (1)."));
+}
+
 TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)
 {
     StartTarget();

@@ -11,6 +11,7 @@
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
+#include "graphs/window.h"
 #include "runtime/userint.h"
 #include "sampler/record_watch.h"
 #include "scope/window.h"
@@ -47,6 +48,7 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_VAR_SELECTOR, 0},
     {PANEL_STRUCT_SELECTOR, 0},
     {PANEL_SCOPE, 0},
+    {PANEL_GRAPH, 0},
     {PANEL_TERMINAL_ENTRY, 0},
     {PANEL_CONFIG, 0},
     {PANEL_CONFIG_EDIT, 0},
@@ -80,6 +82,7 @@ void PrepareMenu()
 void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
+    GRW_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const bool isSaved = SaveIniFile() == 0 && isScopeSaved && IsDBGChange == 0;
     QuitUserInterface(isSaved ? 0 : EXIT_UNSAVED);
@@ -155,6 +158,7 @@ int ExitApplication(int)
     RCW_Stop();
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
+    GRW_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const int code = SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.

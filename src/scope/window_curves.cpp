@@ -123,7 +123,7 @@ std::string Cell(bool isKnown, double value)
 std::string SCW_NumberText(double value)
 {
     char text[32];
-    std::snprintf(text, sizeof text, "%.5g", value);
+    std::snprintf(text, sizeof text, "%.6g", value);
     return text;
 }
 
@@ -206,13 +206,13 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
                      : isWhole ? "Whole recording"
                                : "In view",
                      116},
-                    {"Min", 64, UIA_RIGHT},
-                    {"Max", 64, UIA_RIGHT},
-                    {"Peak-peak", 64, UIA_RIGHT},
-                    {"Mean", 64, UIA_RIGHT},
-                    {"RMS", 64, UIA_RIGHT},
-                    {"Period s", 64, UIA_RIGHT},
-                    {"Hz", 64, UIA_RIGHT},
+                    {"Min", 68, UIA_RIGHT},
+                    {"Max", 68, UIA_RIGHT},
+                    {"Peak-peak", 68, UIA_RIGHT},
+                    {"Mean", 68, UIA_RIGHT},
+                    {"RMS", 68, UIA_RIGHT},
+                    {"Period s", 68, UIA_RIGHT},
+                    {"Hz", 68, UIA_RIGHT},
                     {"Duty %", 52, UIA_RIGHT}});
     ClearListCtrl(PANEL_SCOPE, SCOPE_MEASURES);
     for (size_t i = 0; i < capture.traces.size(); ++i) {

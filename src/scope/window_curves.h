@@ -18,6 +18,6 @@ void SCW_ShowMarks(const SCP_Setup &setup, const SCP_Capture &capture);
 void SCW_ReadMarks(const SCP_Capture &capture, SCP_Setup *setup);
 // Between the cursors when both are shown, else over what is in view.
 void SCW_ShowMeasures(const SCP_Capture &capture);
-std::string SCW_NumberText(double value); // five digits
+std::string SCW_NumberText(double value); // six digits
 
 #endif

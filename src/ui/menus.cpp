@@ -6,6 +6,7 @@
 #include "app/options.h"
 #include "app/startup.h"
 #include "console/monitor/text_box.h"
+#include "graphs/window.h"
 #include "logger/log_window.h"
 #include "sampler/record_watch.h"
 #include "ui/resource.h"
@@ -142,6 +143,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, 0, "", 0, nullptr},
     {MENU_WINDOW, ITEM_STATISTICS, "Communication __statistics", 0, WindowCB},
     {MENU_WINDOW, ITEM_TRACE, "Wire t__race", 0, WindowCB},
+    {MENU_WINDOW, ITEM_GRAPH, "__Graph", KEY_CTRL | 'G', GRW_OpenCB},
     {MENU_WINDOW, ITEM_SCOPE, "Data sco__pe", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},

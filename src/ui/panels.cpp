@@ -7,6 +7,7 @@
 #include "console/monitor/monitor.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
+#include "graphs/window.h"
 #include "loader/window.h"
 #include "logger/log_window.h"
 #include "scope/window.h"
@@ -35,6 +36,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", DTSC_PanelCB},
+    {PANEL_GRAPH, "graph", "Graph", GRW_PanelCB},
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Device configuration editor", nullptr},
@@ -206,6 +208,24 @@ const UI_Control UI_aControls[] = {
     {PANEL_STRUCT_SELECTOR, STRSEL_COUNT, UIK_TEXT, "count", nullptr},
     {PANEL_STRUCT_SELECTOR, STRSEL_PREVIOUS, UIK_BUTTON, "previous", SSL_ButtonCB},
     {PANEL_STRUCT_SELECTOR, STRSEL_NEXT, UIK_BUTTON, "next", SSL_ButtonCB},
+
+    {PANEL_GRAPH, STRIP_START, UIK_BUTTON, "start", GRW_StartCB},
+    {PANEL_GRAPH, STRIP_PAUSE, UIK_BUTTON, "pause", GRW_PauseCB},
+    {PANEL_GRAPH, STRIP_RECORD, UIK_BUTTON, "record", GRW_RecordCB},
+    {PANEL_GRAPH, STRIP_MARKER, UIK_BUTTON, "marker", GRW_MarkerCB},
+    {PANEL_GRAPH, STRIP_TEXT, UIK_STRING, "markerText", nullptr},
+    {PANEL_GRAPH, STRIP_PERIOD, UIK_RING, "period", GRW_RingCB},
+    {PANEL_GRAPH, STRIP_WINDOW, UIK_RING, "window", GRW_RingCB},
+    {PANEL_GRAPH, STRIP_REMOVE, UIK_BUTTON, "remove", GRW_RemoveCB},
+    {PANEL_GRAPH, STRIP_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_GRAPH, STRIP_GRAPH, UIK_GRAPH, "graph", GRW_GraphCB},
+    {PANEL_GRAPH, STRIP_CURVES, UIK_LIST, "curves", GRW_CurvesCB},
+    {PANEL_GRAPH, STRIP_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_GRAPH, STRIP_OPEN_DATA, UIK_BUTTON, "openData", GRW_FileCB},
+    {PANEL_GRAPH, STRIP_SAVE_DATA, UIK_BUTTON, "saveData", GRW_FileCB},
+    {PANEL_GRAPH, STRIP_OPEN_SETUP, UIK_BUTTON, "openSetup", GRW_FileCB},
+    {PANEL_GRAPH, STRIP_SAVE_SETUP, UIK_BUTTON, "saveSetup", GRW_FileCB},
+    {PANEL_GRAPH, STRIP_TIMER, UIK_TIMER, "timer", GRW_TimerCB},
 
     {PANEL_DEBUGGER, DEBUG_PLACE, UIK_STRING, "place", DBW_PlaceCB},
     {PANEL_DEBUGGER, DEBUG_GO, UIK_BUTTON, "go", DBW_ButtonCB},

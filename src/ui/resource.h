@@ -16,6 +16,7 @@ enum {
     PANEL_TRACE = 15,       // wire trace
     PANEL_TERMINAL_ENTRY = 16,
     PANEL_SCOPE = 17,
+    PANEL_GRAPH = 32,
     PANEL_STRUCT_SELECTOR = 18,
     PANEL_VAR_SELECTOR = 19,
     PANEL_SIMULATOR = 22,
@@ -223,6 +224,27 @@ enum {
     STRSEL_NEXT = 11,
 };
 
+// Graph panel.
+enum {
+    STRIP_START = 1,
+    STRIP_PAUSE = 2,
+    STRIP_RECORD = 3,
+    STRIP_MARKER = 4,
+    STRIP_PERIOD = 5, // ms; 0 as fast as the line allows
+    STRIP_WINDOW = 6, // seconds
+    STRIP_REMOVE = 7,
+    STRIP_STATE = 8,
+    STRIP_GRAPH = 9,
+    STRIP_CURVES = 10,
+    STRIP_MESSAGE = 11,
+    STRIP_OPEN_DATA = 12,
+    STRIP_SAVE_DATA = 13,
+    STRIP_OPEN_SETUP = 14,
+    STRIP_SAVE_SETUP = 15,
+    STRIP_TIMER = 16,
+    STRIP_TEXT = 17, // of the next markers
+};
+
 // Scope panel.
 enum {
     SCOPE_ID = 1,
@@ -331,6 +353,7 @@ enum {
     ITEM_STATISTICS = 76,
     ITEM_TERMINAL = 77,
     ITEM_SCOPE = 78,
+    ITEM_GRAPH = 150,
     ITEM_CONFIG = 79,
     ITEM_DEBUGGER = 80,
     ITEM_SIMULATOR = 81,

@@ -10,6 +10,26 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_DATA_LOG, LOG_SORT, "time", 1},
     {PANEL_DATA_LOG, LOG_SORT, "type", 2},
     {PANEL_DATA_LOG, LOG_SORT, "text", 3},
+    {PANEL_GRAPH, STRIP_PERIOD, "as fast as it goes", 0},
+    {PANEL_GRAPH, STRIP_PERIOD, "10 ms", 10},
+    {PANEL_GRAPH, STRIP_PERIOD, "20 ms", 20},
+    {PANEL_GRAPH, STRIP_PERIOD, "50 ms", 50},
+    {PANEL_GRAPH, STRIP_PERIOD, "100 ms", 100},
+    {PANEL_GRAPH, STRIP_PERIOD, "200 ms", 200},
+    {PANEL_GRAPH, STRIP_PERIOD, "500 ms", 500},
+    {PANEL_GRAPH, STRIP_PERIOD, "1 s", 1000},
+    {PANEL_GRAPH, STRIP_PERIOD, "10 s", 10000},
+    {PANEL_GRAPH, STRIP_PERIOD, "1 min", 60000},
+    {PANEL_GRAPH, STRIP_WINDOW, "1 s", 1},
+    {PANEL_GRAPH, STRIP_WINDOW, "5 s", 5},
+    {PANEL_GRAPH, STRIP_WINDOW, "10 s", 10},
+    {PANEL_GRAPH, STRIP_WINDOW, "30 s", 30},
+    {PANEL_GRAPH, STRIP_WINDOW, "1 min", 60},
+    {PANEL_GRAPH, STRIP_WINDOW, "5 min", 300},
+    {PANEL_GRAPH, STRIP_WINDOW, "15 min", 900},
+    {PANEL_GRAPH, STRIP_WINDOW, "1 h", 3600},
+    {PANEL_GRAPH, STRIP_WINDOW, "6 h", 21600},
+    {PANEL_GRAPH, STRIP_WINDOW, "24 h", 86400},
     {PANEL_SCOPE, SCOPE_MODE, "Single", 0},
     {PANEL_SCOPE, SCOPE_MODE, "Normal", 1},
     {PANEL_SCOPE, SCOPE_MODE, "Auto", 2},
@@ -73,6 +93,11 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way
     {PANEL_DATA_LOG, LOG_LIST, KEY_CTRL | 'C', KEY_CTRL | 'C', true},
+
+    {PANEL_GRAPH, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_GRAPH, STRIP_GRAPH, ' ', ' ', true}, // pause
+    {PANEL_GRAPH, STRIP_GRAPH, 'm', 'm', true}, // marker
+    {PANEL_GRAPH, STRIP_CURVES, KEY_DELETE, KEY_DELETE, true},
 
     {PANEL_VAR_SELECTOR, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_VAR_SELECTOR, VARSEL_FILTER, KEY_DOWN, KEY_DOWN, true},

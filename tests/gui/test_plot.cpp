@@ -100,10 +100,49 @@ TEST_F(Plot, CursorsAndLegend)
     EXPECT_TRUE(handedIn().hidden.empty());
 }
 
+TEST_F(Plot, PanesAreZoomedOneByOneAndAnEmptyGraphNotAtAll)
+{
+    VIEW_Batch batch;
+    VIEW_Graph graph;
+    graph.panel = PANEL_SCOPE;
+    graph.control = SCOPE_GRAPH;
+    graph.mask = VIEW_GRAPH_PLOTS;
+    graph.plots = {MakePlot(1, "nSine", 0), MakePlot(2, "nOther", 10)};
+    graph.plots[1].pane = 1;
+    batch.graphs = {graph};
+    QTV_Draw(batch);
+    QTest::keyClick(plot, Qt::Key_L);
+    EXPECT_EQ(handedIn().layout, GRAPH_OVERLAID);
+    EXPECT_EQ(plot->axisRectCount(), 1);
+    QTest::keyClick(plot, Qt::Key_L);
+    ASSERT_EQ(plot->axisRectCount(), 2);
+    plot->replot();
+    const UI_GraphView before = handedIn();
+    const QRect lower = plot->axisRect(1)->rect();
+    EXPECT_GT(lower.top(), plot->axisRect(0)->bottom());
+    const auto turnWheel = [&] {
+        QWheelEvent wheel(lower.center(), plot->mapToGlobal(lower.center()), QPoint(),
+                          QPoint(0, 120), Qt::NoButton, Qt::ControlModifier, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(plot, &wheel);
+    };
+    turnWheel();
+    EXPECT_EQ(handedIn().y[0].max, before.y[0].max);
+    EXPECT_LT(handedIn().y[1].max - handedIn().y[1].min, before.y[1].max - before.y[1].min);
+    EXPECT_EQ(handedIn().x.min, before.x.min);
+    graph.plots.clear();
+    batch.graphs = {graph};
+    QTV_Draw(batch);
+    guiEvents.clear();
+    turnWheel();
+    QTest::keyClick(plot, Qt::Key_Plus);
+    EXPECT_TRUE(GuiEventsOf(PANEL_SCOPE, SCOPE_GRAPH, EVENT_VAL_CHANGED).empty());
+}
+
 TEST_F(Plot, PicturesAreWritten)
 {
     const ScratchFolder folder;
-    for (const char *name : {"curves.png", "curves.pdf"}) {
+    for (const char *name : {"curves.png", "curves.pdf", "curves.svg"}) {
         const std::string path = (folder / name).string();
         ASSERT_TRUE(plot->saveTo(QString::fromStdString(path))) << name;
         EXPECT_GT(ReadFileText(path).size(), 1000u) << name;

@@ -8,6 +8,7 @@
 #include "ui_console.h"
 #include "ui_data_log.h"
 #include "ui_debugger.h"
+#include "ui_graph.h"
 #include "ui_item.h"
 #include "ui_loader.h"
 #include "ui_main.h"
@@ -51,6 +52,7 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_DATA_LOG, Setup<Ui::DataLogPanel>},
     {PANEL_TERMINAL_ENTRY, Setup<Ui::TerminalEntryPanel>},
     {PANEL_SCOPE, Setup<Ui::ScopePanel>},
+    {PANEL_GRAPH, Setup<Ui::GraphPanel>},
     {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},
     {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},

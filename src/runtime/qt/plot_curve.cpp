@@ -5,9 +5,9 @@
 
 namespace {
 
-constexpr int SAMPLES_A_PIXEL = 2;    // up to here a line is drawn from sample to sample
-constexpr double DOT_FROM_PIXELS = 8; // samples so far apart get a dot each
-constexpr double FAR_PIXELS = 1e6;    // the painter's arithmetic ends somewhere behind
+constexpr int SAMPLES_A_PIXEL = 2;     // up to here a line is drawn from sample to sample
+constexpr double DOT_FROM_PIXELS = 12; // samples so far apart get a dot each
+constexpr double FAR_PIXELS = 1e6;     // the painter's arithmetic ends somewhere behind
 
 double Near(double pixel)
 {

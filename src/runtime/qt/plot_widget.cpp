@@ -15,6 +15,7 @@ namespace {
 
 constexpr int GROUND_STEPS = 8;         // the grid: a colour of 1/8 text, 7/8 ground
 constexpr size_t AXES_SIDE_BY_SIDE = 3; // of more panes over each other only one shows its own
+constexpr double FINE_CLOCK_S = 8;      // a narrower view has milliseconds at its foot
 const QRgb COLORS[] = {0x1f77b4, 0xd95f02, 0x2ca02c, 0xc0392b, 0x7d4fb3, 0x8c564b,
                        0xd04a9b, 0x5f6a72, 0x8a8a00, 0x0f8f9f, 0x34495e, 0xb8860b,
                        0x006d5b, 0x9b2d5e, 0x3c6e00, 0x4b5fd0};
@@ -145,8 +146,7 @@ void PlotWidget::buildPanes()
         rect->setMinimumMargins(QMargins(8, 4, 8, isLowest ? 8 : 2));
         pane.x->setTickLabels(isLowest);
         pane.x->setLabel(isLowest ? QTV_ToQt(m_axes.xLabel) : QString());
-        pane.x->setTicker(m_axes.isTime ? QSharedPointer<QCPAxisTicker>(new QCPAxisTickerTime)
-                                        : QSharedPointer<QCPAxisTicker>(new QCPAxisTicker));
+        pane.x->setTicker(m_axes.isTime ? m_clock : QSharedPointer<QCPAxisTicker>::create());
     }
     for (PlotCurve *curve : m_curves) {
         const int number = PLV_PaneOf(m_view, curve->plot().pane);
@@ -242,6 +242,8 @@ void PlotWidget::colorAxes()
 
 void PlotWidget::showView()
 {
+    const bool isFine = m_view.x.max - m_view.x.min < FINE_CLOCK_S;
+    m_clock->setTimeFormat(isFine ? "%h:%m:%s.%z" : "%h:%m:%s");
     for (const Pane &pane : m_panes) {
         pane.x->setRange(m_view.x.min, m_view.x.max);
         const UI_Limits &y = m_view.y[pane.number];

@@ -104,6 +104,7 @@ private:
     QCPLayoutGrid *m_rects;
     QCPMarginGroup *m_margins = nullptr; // the panes' left edges lie in one line
     PlotOverlay *m_overlay;
+    QSharedPointer<QCPAxisTickerTime> m_clock{new QCPAxisTickerTime};
     QString m_underMouse;
     Drag m_drag = DRAG_NONE;
     QPoint m_dragFrom;

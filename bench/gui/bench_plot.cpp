@@ -1,0 +1,193 @@
+// Redrawing graphs: a scope's picture, and long curves while zooming, each against as many
+// strokes on nothing but an image; and what a live graph costs: points taken from a sampler's
+// store, handed over and drawn, as a share of the time between two pictures.
+#include <QElapsedTimer>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <random>
+
+#include "graphs/source.h"
+#include "runtime/plot_view.h"
+#include "runtime/qt/plot_widget.h"
+#include "runtime/qt/qt_view.h"
+
+namespace {
+
+constexpr int WIDTH = 1200, HEIGHT = 700, ROUNDS = 30;
+constexpr double LIVE_PERIOD_MS = 50;
+
+double PassedMs(const QElapsedTimer &timer)
+{
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+std::vector<UI_Plot> MakePlots(int count, size_t samples)
+{
+    std::mt19937 random(1);
+    std::vector<double> x(samples);
+    for (size_t i = 0; i < samples; i++)
+        x[i] = static_cast<double>(i);
+    const UI_Samples times = std::make_shared<const std::vector<double>>(std::move(x));
+    std::vector<UI_Plot> plots(static_cast<size_t>(count));
+    for (size_t k = 0; k < plots.size(); k++) {
+        std::vector<double> y(samples);
+        for (size_t i = 0; i < samples; i++)
+            y[i] = 100.0 * static_cast<double>(k) +
+                   40 * std::sin(static_cast<double>(i) * 20 / static_cast<double>(samples)) +
+                   static_cast<double>(random() % 1000) / 100;
+        plots[k].handle = static_cast<int>(k) + 1;
+        plots[k].name = "curve " + std::to_string(k + 1);
+        plots[k].x = times;
+        plots[k].y = std::make_shared<const std::vector<double>>(std::move(y));
+        PLV_MeasurePlot(&plots[k]);
+    }
+    return plots;
+}
+
+struct Cost {
+    double totalMs = 0, worstMs = 0;
+    int count = 0;
+    void add(double ms)
+    {
+        totalMs += ms;
+        worstMs = std::max(worstMs, ms);
+        count++;
+    }
+};
+
+// The least that can be asked: as many strokes as the curves have columns.
+Cost MeasureFloor(int curves, int strokes)
+{
+    QImage image(WIDTH, HEIGHT, QImage::Format_RGB32);
+    Cost cost;
+    for (int round = 0; round < ROUNDS; round++) {
+        QElapsedTimer timer;
+        timer.start();
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        for (int curve = 0; curve < curves; curve++) {
+            QVector<QLineF> lines;
+            for (int i = 0; i < strokes; i++)
+                lines.append(QLineF(i * WIDTH / strokes, curve * 40 + i % 10, i * WIDTH / strokes,
+                                    curve * 40 + 30));
+            painter.setPen(QColor::fromHsv(curve * 20, 200, 150));
+            painter.drawLines(lines);
+        }
+        painter.end();
+        cost.add(PassedMs(timer));
+    }
+    return cost;
+}
+
+void Print(const char *what, const Cost &cost, const Cost &floor)
+{
+    std::printf("%-44s %8.2f ms (worst %.2f), %.1f x the strokes alone\n", what,
+                cost.totalMs / cost.count, cost.worstMs,
+                cost.totalMs / cost.count / (floor.totalMs / floor.count));
+}
+
+// From everything down to a thousandth, a bit narrower at each picture.
+void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
+{
+    plot->setPlots(MakePlots(curves, samples));
+    UI_GraphView view = plot->view();
+    view.isXFitted = view.isYFitted = true;
+    plot->setView(view);
+    plot->replot(QCustomPlot::rpImmediateRefresh);
+    Cost cost;
+    for (int round = 0; round < ROUNDS; round++) {
+        view = plot->view();
+        view.isXFitted = false;
+        PLV_Zoom(&view.x, 0.8, static_cast<double>(samples) * 0.37);
+        QElapsedTimer timer;
+        timer.start();
+        plot->setView(view);
+        plot->replot(QCustomPlot::rpImmediateRefresh);
+        cost.add(PassedMs(timer));
+    }
+    Print(what, cost, MeasureFloor(curves, WIDTH));
+}
+
+// A graph of 16 curves with a million samples behind it that follows the newest.
+void MeasureLive(PlotWidget *plot)
+{
+    constexpr size_t CURVES = 16, SAMPLES = 1000000;
+    GRA_Setup setup;
+    setup.curves.resize(CURVES);
+    GRS_Source source;
+    std::vector<SMP_Item> items(CURVES);
+    for (size_t i = 0; i < CURVES; i++)
+        items[i].name = setup.curves[i].item.name = "curve " + std::to_string(i + 1);
+    SST_SetItems(&source.sampler.store, items, SAMPLES);
+    source.indexes.resize(CURVES);
+    int64_t timeUs = 0;
+    const auto addRow = [&] {
+        for (size_t i = 0; i < CURVES; i++)
+            SST_Add(&source.sampler.store, i,
+                    {timeUs,
+                     static_cast<uint64_t>((timeUs / 1000 + 77 * static_cast<int>(i)) % 20000),
+                     SMP_GOOD});
+        timeUs += 1000;
+    };
+    for (size_t row = 0; row < SAMPLES; row++)
+        addRow();
+    for (size_t i = 0; i < CURVES; i++)
+        GRH_Update(source.sampler.store, i, &source.indexes[i]);
+    for (const double width : {10.0, 900.0}) {
+        UI_GraphView view;
+        view.isXFitted = false;
+        view.isFollowing = true;
+        view.x = {-width, 0};
+        plot->setView(view);
+        Cost cost;
+        for (int round = 0; round < ROUNDS; round++) {
+            for (int row = 0; row < static_cast<int>(LIVE_PERIOD_MS); row++)
+                addRow();
+            QElapsedTimer timer;
+            timer.start();
+            for (size_t i = 0; i < CURVES; i++)
+                GRH_Update(source.sampler.store, i, &source.indexes[i]);
+            const double now = static_cast<double>(timeUs) / 1e6;
+            std::vector<GRS_Points> points;
+            GRS_Draw(&source, setup, now - width, now, &points);
+            std::vector<UI_Plot> plots(CURVES);
+            for (size_t i = 0; i < CURVES; i++) {
+                plots[i].handle = static_cast<int>(i) + 1;
+                plots[i].name = items[i].name;
+                plots[i].x = std::make_shared<const std::vector<double>>(points[i].times);
+                plots[i].y = std::make_shared<const std::vector<double>>(points[i].values);
+                PLV_MeasurePlot(&plots[i]);
+            }
+            plot->setPlots(plots);
+            plot->replot(QCustomPlot::rpImmediateRefresh);
+            cost.add(PassedMs(timer));
+        }
+        std::printf("16 live curves, %4.0f s in view, 20 a second %8.2f ms, %.0f %% of one core\n",
+                    width, cost.totalMs / cost.count,
+                    100 * cost.totalMs / cost.count / LIVE_PERIOD_MS);
+    }
+    size_t bytes = 0;
+    for (const GRH_Index &index : source.indexes)
+        bytes += index.blocks.size() * sizeof(GRH_Block);
+    std::printf("bytes a sample: %zu and %.2f of the index\n", SST_BYTES_PER_SAMPLE,
+                static_cast<double>(bytes) / static_cast<double>(CURVES * SAMPLES));
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (QTV_StartApplication(&argc, argv) < 0)
+        return 1;
+    PlotWidget plot;
+    plot.resize(WIDTH, HEIGHT);
+    plot.show();
+    MeasureZoom(&plot, 10, 512, "10 x 512 samples, zooming");
+    MeasureZoom(&plot, 16, 1000000, "16 x 1,000,000 samples, zooming");
+    MeasureLive(&plot);
+    return 0;
+}

@@ -1,0 +1,113 @@
+#include "graphs/export.h"
+
+#include "platform/safe_file.h"
+#include "scope/setup.h"
+#include "text/words.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+
+namespace {
+
+constexpr double US_PER_S = 1e6;
+
+// Rows of one time and a number a curve; NaN is an empty cell.
+struct Table {
+    std::vector<double> times;
+    std::vector<std::vector<double>> values; // one a curve
+};
+
+// A round of the sampler is one sample of each curve: counted from the newest, samples of one
+// round have one number, also where a curve was added later.
+void TakeSamples(const GRS_Source &source, double from, double to, Table *table)
+{
+    const SMP_Store &store = source.sampler.store;
+    uint64_t rounds = 0;
+    for (const SMP_Ring &ring : store.rings)
+        rounds = std::max(rounds, ring.end - ring.first);
+    for (uint64_t back = rounds; back > 0; --back) {
+        double time = 0, count = 0;
+        std::vector<double> row(store.rings.size(), NAN);
+        for (size_t i = 0; i < store.rings.size(); ++i) {
+            const SMP_Ring &ring = store.rings[i];
+            if (back > ring.end - ring.first)
+                continue;
+            const SMP_Sample sample = SST_Get(store, i, ring.end - back);
+            time +=
+                (static_cast<double>(sample.timeUs - source.originUs) / US_PER_S - time) / ++count;
+            if (sample.state == SMP_GOOD)
+                row[i] = SMP_Number(store.items[i], sample.bits);
+        }
+        if (time < from || time > to)
+            continue;
+        table->times.push_back(time);
+        for (size_t i = 0; i < row.size() && i < table->values.size(); ++i)
+            table->values[i].push_back(row[i]);
+    }
+}
+
+bool TakeFile(const GRS_Source &source, double from, double to, Table *table)
+{
+    std::vector<size_t> columns(table->values.size());
+    std::iota(columns.begin(), columns.end(), size_t{0});
+    RDR_Curves curves;
+    if (RDR_Read(source.recording, from, to, columns, GRX_ROWS_MAX, &curves) < 0 ||
+        curves.isDecimated)
+        return false;
+    table->times = curves.times;
+    table->values = curves.values;
+    return true;
+}
+
+std::string Head(const GRA_Setup &setup)
+{
+    std::string head = "; Vireo2 graph, values as shown\r\n", names = "time";
+    for (size_t i = 0; i < setup.curves.size(); ++i) {
+        const GRA_Curve &curve = setup.curves[i];
+        const std::string number = std::to_string(i + 1);
+        if (!curve.unit.empty())
+            head += "; unit, " + number + ", " + WRD_Visible(curve.unit) + "\r\n";
+        if (curve.scale.factor != 1 || curve.scale.offset != 0)
+            head += "; scale, " + number + ", " + SCP_NumberText(curve.scale.factor) + ", " +
+                    SCP_NumberText(curve.scale.offset) + "\r\n";
+        names += "," + WRD_QuoteCsv(curve.item.name);
+    }
+    return head + names + "\r\n";
+}
+
+} // namespace
+
+int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup &setup, double from,
+             double to, std::string *problem)
+{
+    Table table;
+    table.values.resize(setup.curves.size());
+    if (!source.isFile)
+        TakeSamples(source, from, to, &table);
+    else if (!TakeFile(source, from, to, &table)) {
+        *problem = "There are more than " + std::to_string(GRX_ROWS_MAX) +
+                   " rows in view: zoom in to save them.";
+        return -1;
+    }
+    SafeFile safe;
+    *problem = "Could not write the file " + path + ".";
+    if (SAF_Open(&safe, path, "wb") != 0)
+        return -1;
+    std::fputs(Head(setup).c_str(), safe.file);
+    for (size_t row = 0; row < table.times.size(); ++row) {
+        std::string line = SCP_NumberText(table.times[row]);
+        for (size_t i = 0; i < table.values.size(); ++i) {
+            const GRH_Scale &scale = setup.curves[i].scale;
+            const double value = row < table.values[i].size() ? table.values[i][row] : NAN;
+            line += ",";
+            if (std::isfinite(value))
+                line += SCP_NumberText(value * scale.factor + scale.offset);
+        }
+        std::fputs((line + "\r\n").c_str(), safe.file);
+    }
+    if (std::ferror(safe.file) == 0)
+        return SAF_Commit(&safe);
+    SAF_Cancel(&safe);
+    return -1;
+}

@@ -1,0 +1,291 @@
+#include "graphs/history.h"
+
+#include "scope/measure.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double GAP = std::numeric_limits<double>::quiet_NaN();
+constexpr double US_PER_S = 1e6;
+
+double NumberOf(const SMP_Store &store, size_t item, const SMP_Sample &sample)
+{
+    return sample.state == SMP_GOOD ? SMP_Number(store.items[item], sample.bits) : GAP;
+}
+
+GRH_Block MakeBlock(const SMP_Store &store, size_t item, uint64_t first)
+{
+    GRH_Block block;
+    for (uint64_t i = 0; i < GRH_BLOCK_SAMPLES; ++i) {
+        const double number = NumberOf(store, item, SST_Get(store, item, first + i));
+        const auto place = static_cast<uint8_t>(i);
+        if (!std::isfinite(number)) {
+            block.failedAt = place;
+            continue;
+        }
+        if (block.good == 0 || number < block.min) {
+            block.min = number;
+            block.minAt = place;
+        }
+        if (block.good == 0 || number > block.max) {
+            block.max = number;
+            block.maxAt = place;
+        }
+        // One pass without the loss of large means: each sample moves mean and squares.
+        const double away = number - block.mean;
+        block.mean += away / ++block.good;
+        block.deviation += away * (number - block.mean);
+    }
+    return block;
+}
+
+// The block a sample begins, when it lies whole before `end`; null else.
+const GRH_Block *BlockAt(const GRH_Index &index, uint64_t number, uint64_t end)
+{
+    const uint64_t block = number / GRH_BLOCK_SAMPLES;
+    if (number % GRH_BLOCK_SAMPLES != 0 || number + GRH_BLOCK_SAMPLES > end ||
+        block < index.firstBlock || block - index.firstBlock >= index.blocks.size())
+        return nullptr;
+    return &index.blocks[static_cast<size_t>(block - index.firstBlock)];
+}
+
+// --- columns ------------------------------------------------------------------------------
+
+struct Point {
+    double time = 0, value = GAP;
+    bool isThere = false;
+};
+
+// What one column of the picture has collected so far.
+struct Column {
+    double number = GAP;
+    Point low, high, gap;
+
+    void add(const Point &point)
+    {
+        if (!std::isfinite(point.value)) {
+            gap = {point.time, GAP, true};
+            return;
+        }
+        if (!low.isThere || point.value < low.value)
+            low = point;
+        if (!high.isThere || point.value > high.value)
+            high = point;
+    }
+    void flush(std::vector<double> *times, std::vector<double> *values)
+    {
+        Point points[] = {low, high, gap};
+        std::sort(std::begin(points), std::end(points),
+                  [](const Point &a, const Point &b) { return a.time < b.time; });
+        const bool isOne = low.isThere && low.time == high.time;
+        bool isDone = false; // least and greatest are one sample
+        for (const Point &point : points) {
+            const bool isGap = !std::isfinite(point.value);
+            if (!point.isThere || (isOne && !isGap && isDone))
+                continue;
+            isDone = isDone || !isGap;
+            times->push_back(point.time);
+            values->push_back(point.value);
+        }
+        *this = Column();
+    }
+};
+
+struct Span {
+    uint64_t begin, end;
+};
+
+// The samples between two times.
+Span FindSpan(const SMP_Store &store, size_t item, int64_t originUs, double from, double to)
+{
+    const auto us = [&](double seconds) {
+        return originUs +
+               static_cast<int64_t>(std::llround(std::clamp(seconds, -1e12, 1e12) * US_PER_S));
+    };
+    return {SST_FindTime(store, item, us(from)), SST_FindTime(store, item, us(to) + 1)};
+}
+
+// --- measures -----------------------------------------------------------------------------
+
+struct Sums {
+    uint64_t count = 0;
+    double mean = 0, deviation = 0;
+
+    void add(uint64_t good, double itsMean, double itsDeviation)
+    {
+        if (good == 0)
+            return;
+        const double away = itsMean - mean;
+        const auto before = static_cast<double>(count), more = static_cast<double>(good);
+        mean += away * more / (before + more);
+        deviation += itsDeviation + away * away * before * more / (before + more);
+        count += good;
+    }
+};
+
+// Mean and spread known, in the curve's own numbers.
+void Finish(const Sums &sums, GRH_Measures *m)
+{
+    m->count = sums.count;
+    if (sums.count == 0)
+        return;
+    const double variance = sums.deviation / static_cast<double>(sums.count);
+    m->mean = sums.mean;
+    m->deviation = std::sqrt(variance);
+    m->rms = std::sqrt(sums.mean * sums.mean + variance);
+}
+
+// The nearest straight line, by least squares.
+double FindSlope(const std::vector<double> &times, const std::vector<double> &values, size_t begin,
+                 size_t end)
+{
+    double count = 0, meanT = 0, meanV = 0, both = 0, square = 0;
+    for (size_t i = begin; i < end; ++i) {
+        if (!std::isfinite(values[i]))
+            continue;
+        count++;
+        const double awayT = times[i] - meanT;
+        meanT += awayT / count;
+        meanV += (values[i] - meanV) / count;
+        both += awayT * (values[i] - meanV);
+        square += awayT * (times[i] - meanT);
+    }
+    return square > 0 ? both / square : 0;
+}
+
+} // namespace
+
+void GRH_Update(const SMP_Store &store, size_t item, GRH_Index *index)
+{
+    const SMP_Ring &ring = store.rings[item];
+    const uint64_t firstWhole = (ring.first + GRH_BLOCK_SAMPLES - 1) / GRH_BLOCK_SAMPLES;
+    const uint64_t endWhole = ring.end / GRH_BLOCK_SAMPLES;
+    // Numbers begin anew with another item; a store that ran ahead has lost the blocks between.
+    const uint64_t done = index->firstBlock + index->blocks.size();
+    if (done > endWhole || done < firstWhole) {
+        index->blocks.clear();
+        index->firstBlock = firstWhole;
+    }
+    while (!index->blocks.empty() && index->firstBlock < firstWhole) {
+        index->blocks.pop_front();
+        index->firstBlock++;
+    }
+    for (uint64_t next = index->firstBlock + index->blocks.size(); next < endWhole; ++next)
+        index->blocks.push_back(MakeBlock(store, item, next * GRH_BLOCK_SAMPLES));
+}
+
+void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64_t originUs,
+              double from, double to, int columns, double pauseS, const GRH_Scale &scale,
+              std::vector<double> *times, std::vector<double> *values)
+{
+    const SMP_Ring &ring = store.rings[item];
+    Span span = FindSpan(store, item, originUs, from, to);
+    span.begin -= span.begin > ring.first ? 1 : 0;
+    span.end += span.end < ring.end ? 1 : 0;
+    const auto secondsOf = [&](uint64_t number) {
+        return static_cast<double>(SST_Get(store, item, number).timeUs - originUs) / US_PER_S;
+    };
+    const auto scaled = [&](double number) { return number * scale.factor + scale.offset; };
+    const bool isEach = span.end - span.begin <= 2 * static_cast<uint64_t>(std::max(columns, 1));
+    const double width = isEach ? 0 : (to - from) / columns;
+    Column column;
+    double before = INFINITY; // time of the sample in front
+    for (uint64_t number = span.begin; number < span.end;) {
+        const GRH_Block *block = isEach ? nullptr : BlockAt(index, number, span.end);
+        const double time = secondsOf(number);
+        if (time - before > pauseS) {
+            column.flush(times, values);
+            times->push_back(before + (time - before) / 2);
+            values->push_back(GAP);
+        }
+        const double place = isEach ? static_cast<double>(number) : std::floor(time / width);
+        if (column.number != place)
+            column.flush(times, values);
+        column.number = place;
+        if (block != nullptr &&
+            std::floor(secondsOf(number + GRH_BLOCK_SAMPLES - 1) / width) == place) {
+            if (block->good > 0) {
+                column.add({secondsOf(number + block->minAt), scaled(block->min), true});
+                column.add({secondsOf(number + block->maxAt), scaled(block->max), true});
+            }
+            if (block->good < GRH_BLOCK_SAMPLES)
+                column.add({secondsOf(number + block->failedAt), GAP, true});
+            number += GRH_BLOCK_SAMPLES;
+            before = secondsOf(number - 1);
+            continue;
+        }
+        before = time;
+        const double value = NumberOf(store, item, SST_Get(store, item, number));
+        column.add({time, scaled(value), true});
+        ++number;
+    }
+    column.flush(times, values);
+}
+
+GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &index,
+                         int64_t originUs, double from, double to, const GRH_Scale &scale)
+{
+    const Span span = FindSpan(store, item, originUs, from, to);
+    if (span.end - span.begin <= GRH_SHAPE_SAMPLES_MAX) {
+        std::vector<double> times, values;
+        SST_Copy(store, item, span.begin, span.end, originUs, &times, &values);
+        for (double &value : values)
+            value = value * scale.factor + scale.offset;
+        return GRH_MeasureCurve(times, values, from, to);
+    }
+    GRH_Measures m;
+    Sums sums;
+    const auto addExtremes = [&](double low, double high) {
+        m.min = sums.count == 0 ? low : std::min(m.min, low);
+        m.max = sums.count == 0 ? high : std::max(m.max, high);
+    };
+    for (uint64_t number = span.begin; number < span.end;) {
+        if (const GRH_Block *block = BlockAt(index, number, span.end)) {
+            if (block->good > 0)
+                addExtremes(block->min, block->max);
+            sums.add(block->good, block->mean, block->deviation);
+            number += GRH_BLOCK_SAMPLES;
+            continue;
+        }
+        const double value = NumberOf(store, item, SST_Get(store, item, number++));
+        if (!std::isfinite(value))
+            continue;
+        addExtremes(value, value);
+        sums.add(1, value, 0);
+    }
+    m.failed = span.end - span.begin - sums.count;
+    sums.mean = sums.mean * scale.factor + scale.offset;
+    sums.deviation *= scale.factor * scale.factor;
+    Finish(sums, &m);
+    m.min = m.min * scale.factor + scale.offset;
+    m.max = m.max * scale.factor + scale.offset;
+    if (m.min > m.max)
+        std::swap(m.min, m.max);
+    return m;
+}
+
+GRH_Measures GRH_MeasureCurve(const std::vector<double> &times, const std::vector<double> &values,
+                              double from, double to)
+{
+    GRH_Measures m;
+    const auto begin = std::lower_bound(times.begin(), times.end(), from) - times.begin();
+    const auto end = std::upper_bound(times.begin(), times.end(), to) - times.begin();
+    if (begin >= end)
+        return m;
+    const SCP_Measures measured = SCP_Measure(times, values, from, to);
+    Sums sums;
+    for (auto i = begin; i < end; ++i)
+        if (std::isfinite(values[static_cast<size_t>(i)]))
+            sums.add(1, values[static_cast<size_t>(i)], 0);
+    Finish(sums, &m);
+    m.failed = static_cast<uint64_t>(end - begin) - m.count;
+    m.min = measured.min;
+    m.max = measured.max;
+    m.hasShape = true;
+    m.period = measured.period;
+    m.slope = FindSlope(times, values, static_cast<size_t>(begin), static_cast<size_t>(end));
+    return m;
+}

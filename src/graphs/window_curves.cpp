@@ -1,0 +1,229 @@
+#include "graphs/window_curves.h"
+
+#include "runtime/userint.h"
+#include "ui/resource.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace {
+
+std::string NumberText(double value)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, "%.6g", value);
+    return text;
+}
+
+UI_GraphView GetView()
+{
+    UI_GraphView view;
+    GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
+    return view;
+}
+
+UI_Plot MakePlot(const GRA_Curve &curve, GRS_Points *points)
+{
+    UI_Plot plot;
+    plot.name = curve.item.name;
+    plot.unit = curve.unit;
+    plot.pane = curve.pane;
+    plot.x = std::make_shared<const std::vector<double>>(std::move(points->times));
+    plot.y = std::make_shared<const std::vector<double>>(std::move(points->values));
+    return plot;
+}
+
+bool IsSameCurve(const UI_Plot &one, const UI_Plot &other)
+{
+    return one.name == other.name && one.unit == other.unit && one.pane == other.pane;
+}
+
+void ShowMarkers(const GRS_Source &source)
+{
+    UI_GraphAxes axes;
+    axes.xLabel = source.isFile ? "time [h:m:s]" : "time since the start [h:m:s]";
+    axes.isTime = true;
+    axes.isLive = !source.isFile;
+    for (const GRS_Marker &marker : source.markers)
+        axes.notes.push_back({marker.time, marker.text});
+    static size_t shown = 0;
+    static bool wasFile = false, isShown = false;
+    if (isShown && shown == axes.notes.size() && wasFile == source.isFile)
+        return;
+    isShown = true;
+    shown = axes.notes.size();
+    wasFile = source.isFile;
+    SetGraphAxes(PANEL_GRAPH, STRIP_GRAPH, axes);
+}
+
+// The newest sample of a curve, as the table has it.
+UI_Cell LastCell(const GRS_Source &source, const GRA_Setup &setup, size_t index)
+{
+    const SMP_Store &store = source.sampler.store;
+    if (source.isFile || index >= store.rings.size() ||
+        store.rings[index].first == store.rings[index].end)
+        return {"", UIS_NORMAL, ""};
+    const SMP_Sample last = SST_Get(store, index, store.rings[index].end - 1);
+    if (last.state != SMP_GOOD)
+        return {"failed", UIS_WARNING, SST_ReasonText(store, last.state)};
+    const GRH_Scale &scale = setup.curves[index].scale;
+    return {NumberText(SMP_Number(store.items[index], last.bits) * scale.factor + scale.offset),
+            UIS_NORMAL, ""};
+}
+
+void ShowColumns(bool isBetween)
+{
+    SetListColumns(PANEL_GRAPH, STRIP_CURVES,
+                   {{isBetween ? "Between cursors" : "In view", 116},
+                    {"Unit", 40, UIA_LEFT, true},
+                    {"Factor", 50, UIA_RIGHT, true},
+                    {"Offset", 50, UIA_RIGHT, true},
+                    {"Pane", 36, UIA_RIGHT, true},
+                    {"Last", 82, UIA_RIGHT},
+                    {"Min", 82, UIA_RIGHT},
+                    {"Max", 82, UIA_RIGHT},
+                    {"Average", 82, UIA_RIGHT},
+                    {"RMS", 82, UIA_RIGHT},
+                    {"Std dev", 82, UIA_RIGHT},
+                    {"Period s", 82, UIA_RIGHT},
+                    {"Hz", 82, UIA_RIGHT},
+                    {"Slope /s", 82, UIA_RIGHT},
+                    {"Samples", 60, UIA_RIGHT},
+                    {"Failed", 50, UIA_RIGHT}});
+}
+
+std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup, size_t index,
+                               const GRH_Measures &m, bool isMeasured)
+{
+    const GRA_Curve &curve = setup.curves[index];
+    const auto cell = [&](bool isKnown, double value) {
+        return UI_Cell{isMeasured && m.count > 0 && isKnown ? NumberText(value) : "-", UIS_NORMAL,
+                       isMeasured ? "" : "too many samples to measure, or not all in memory"};
+    };
+    const bool isKnownPlace = source.isFile || curve.item.address != SMP_NO_ADDRESS;
+    return {
+        {curve.item.name, isKnownPlace ? UIS_NORMAL : UIS_WARNING,
+         isKnownPlace ? "" : "no map knows this name"},
+        {curve.unit, UIS_NORMAL, ""},
+        {NumberText(curve.scale.factor), UIS_NORMAL, ""},
+        {NumberText(curve.scale.offset), UIS_NORMAL, ""},
+        {std::to_string(curve.pane + 1), UIS_NORMAL, ""},
+        LastCell(source, setup, index),
+        cell(true, m.min),
+        cell(true, m.max),
+        cell(true, m.mean),
+        cell(true, m.rms),
+        cell(true, m.deviation),
+        cell(m.hasShape && m.period > 0, m.period),
+        cell(m.hasShape && m.period > 0, 1 / m.period),
+        cell(m.hasShape, m.slope),
+        cell(true, static_cast<double>(m.count)),
+        {isMeasured ? std::to_string(m.failed) : "-", m.failed > 0 ? UIS_WARNING : UIS_NORMAL, ""}};
+}
+
+} // namespace
+
+int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
+{
+    const UI_GraphView view = GetView();
+    double from = view.x.min, to = view.x.max, first = 0, last = 0;
+    if (GRS_GetExtent(*source, &first, &last)) {
+        if (view.isXFitted) {
+            from = first;
+            to = last;
+        } else if (view.isFollowing) {
+            from = last - (to - from);
+            to = last;
+        }
+    }
+    std::vector<GRS_Points> points;
+    const int result = GRS_Draw(source, setup, from, to, &points);
+    if (result < 0)
+        return result;
+    std::vector<UI_Plot> plots, old;
+    for (size_t i = 0; i < points.size(); ++i)
+        plots.push_back(MakePlot(setup.curves[i], &points[i]));
+    GetGraphPlots(PANEL_GRAPH, STRIP_GRAPH, &old);
+    const bool isSame = std::equal(old.begin(), old.end(), plots.begin(), plots.end(), IsSameCurve);
+    if (!isSame)
+        DeleteGraphPlot(PANEL_GRAPH, STRIP_GRAPH, 0);
+    for (size_t i = 0; i < plots.size(); ++i) {
+        if (isSame)
+            ReplacePlot(PANEL_GRAPH, STRIP_GRAPH, old[i].handle, plots[i]);
+        else
+            PlotXY(PANEL_GRAPH, STRIP_GRAPH, plots[i]);
+    }
+    ShowMarkers(*source);
+    return 0;
+}
+
+void GRV_ShowTable(GRS_Source *source, const GRA_Setup &setup)
+{
+    const UI_GraphView view = GetView();
+    const bool isBetween = view.cursors[0].isShown && view.cursors[1].isShown;
+    const double one = view.cursors[0].x, two = view.cursors[1].x;
+    std::vector<GRH_Measures> measures;
+    const bool isMeasured =
+        GRS_Measure(source, setup, isBetween ? std::min(one, two) : view.x.min,
+                    isBetween ? std::max(one, two) : view.x.max, &measures) == 0;
+    static int columnsFor = -1;
+    int count = 0;
+    GetNumListItems(PANEL_GRAPH, STRIP_CURVES, &count);
+    std::vector<UI_Column> columns;
+    GetListColumns(PANEL_GRAPH, STRIP_CURVES, &columns);
+    if (columnsFor != (isBetween ? 1 : 0) || columns.empty())
+        ShowColumns(isBetween);
+    columnsFor = isBetween ? 1 : 0;
+    const int wanted = static_cast<int>(setup.curves.size());
+    for (; count < wanted; ++count)
+        InsertListItem(PANEL_GRAPH, STRIP_CURVES, -1, "", count);
+    if (count > wanted)
+        DeleteListItem(PANEL_GRAPH, STRIP_CURVES, wanted, count - wanted);
+    for (int i = 0; i < wanted; ++i) {
+        const auto index = static_cast<size_t>(i);
+        SetListCells(PANEL_GRAPH, STRIP_CURVES, i,
+                     MakeCells(*source, setup, index, measures[index], isMeasured));
+    }
+}
+
+void GRV_SetView(double from, double to, bool isFollowing)
+{
+    UI_GraphView view = GetView();
+    view.isXFitted = false;
+    view.isFollowing = isFollowing;
+    view.x = {from, to};
+    SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
+}
+
+void GRV_FitAll()
+{
+    UI_GraphView view = GetView();
+    view.isXFitted = view.isYFitted = true;
+    view.isFollowing = false;
+    view.cursors[0].isShown = view.cursors[1].isShown = false;
+    SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
+}
+
+bool GRV_IsFollowing()
+{
+    return GetView().isFollowing;
+}
+
+void GRV_GetTimes(double *from, double *to)
+{
+    const UI_GraphView view = GetView();
+    *from = view.x.min;
+    *to = view.x.max;
+}
+
+std::vector<size_t> GRV_GetChosen(size_t count)
+{
+    std::vector<int> lines;
+    GetListSelection(PANEL_GRAPH, STRIP_CURVES, &lines);
+    std::vector<size_t> chosen;
+    for (const int line : lines)
+        if (line >= 0 && static_cast<size_t>(line) < count)
+            chosen.push_back(static_cast<size_t>(line));
+    return chosen;
+}

@@ -1,0 +1,91 @@
+// The scope's and the graph's windows as a user meets them: from the menu to curves.
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+#include "app/main_panel.h"
+#include "gui/gui_support.h"
+#include "runtime/qt/plot_widget.h"
+
+namespace {
+
+class CurveWindows : public GuiProgramTest {
+protected:
+    static void click(int panel, int control)
+    {
+        QTest::mouseClick(GuiWidget<QPushButton>(panel, control), Qt::LeftButton);
+    }
+    static void enter(int panel, int control, const QString &text)
+    {
+        auto *field = GuiWidget<QLineEdit>(panel, control);
+        field->selectAll();
+        QTest::keyClicks(field, text);
+        QTest::keyClick(field, Qt::Key_Escape); // the offered completions
+        QTest::keyClick(field, Qt::Key_Enter);
+    }
+    static bool waitFor(const std::function<bool()> &isTrue)
+    {
+        return QTest::qWaitFor(isTrue, PATIENCE_MS);
+    }
+};
+
+} // namespace
+
+TEST_F(CurveWindows, ScopeFromItsNameToACurve)
+{
+    SIM_Options demo;
+    demo.demo = true;
+    plug(demo);
+    startOnProgram([] { WindowCB(0, ITEM_SCOPE); });
+    GuiClickButton(GuiDialog(), "Yes"); // communication is to be switched on
+    ASSERT_TRUE(waitFor([] { return GuiWindow(PANEL_SCOPE)->isVisible(); }));
+    enter(PANEL_SCOPE, SCOPE_ID, "SCP3_rScope");
+    enter(PANEL_SCOPE, SCOPE_PLACE, "nFast");
+    ASSERT_TRUE(settle());
+    click(PANEL_SCOPE, SCOPE_INIT);
+    GuiClickButton(GuiDialog(), "OK");
+    auto *run = GuiWidget<QPushButton>(PANEL_SCOPE, SCOPE_RUN);
+    ASSERT_TRUE(waitFor([=] { return run->isEnabled(); }))
+        << GuiText(PANEL_SCOPE, SCOPE_MESSAGE).toStdString();
+    QTest::mouseClick(run, Qt::LeftButton);
+    auto *plot = GuiWidget<PlotWidget>(PANEL_SCOPE, SCOPE_GRAPH);
+    ASSERT_TRUE(waitFor([=] { return plot->plottableCount() == 1; }));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(GuiText(PANEL_SCOPE, SCOPE_STATE), "complete");
+    EXPECT_TRUE(plot->view().level.isShown);
+    auto *shown = GuiWidget<QComboBox>(PANEL_SCOPE, SCOPE_SHOWN);
+    ASSERT_EQ(shown->count(), 2);
+    shown->setFocus();
+    QTest::keyClick(shown, Qt::Key_Down);
+    ASSERT_TRUE(waitFor([=] { return plot->xAxis->label() == "frequency [Hz]"; }));
+}
+
+TEST_F(CurveWindows, GraphFollowsUntilItIsDragged)
+{
+    plug();
+    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_G, Qt::ControlModifier);
+    GuiClickButton(GuiDialog(), "Yes");
+    ASSERT_TRUE(waitFor([] { return GuiWindow(PANEL_GRAPH)->isVisible(); }));
+    auto *plot = GuiWidget<PlotWidget>(PANEL_GRAPH, STRIP_GRAPH);
+    const auto newest = [=] { return plot->xAxis->range().upper; };
+    ASSERT_TRUE(waitFor([=] { return plot->plottableCount() == 1 && newest() > 0.3; }));
+    // A turn of the wheel stays, whatever new samples come meanwhile.
+    const double width = plot->xAxis->range().size();
+    const QPoint center = plot->axisRect()->rect().center();
+    QWheelEvent wheel(center, plot->mapToGlobal(center), QPoint(), QPoint(0, 120), Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(plot, &wheel);
+    const double before = newest();
+    ASSERT_TRUE(waitFor([=] { return newest() > before + 0.3; }));
+    EXPECT_LT(plot->xAxis->range().size(), width * 0.9);
+    QTest::mousePress(plot, Qt::LeftButton, {}, center);
+    QTest::mouseMove(plot, center + QPoint(40, 0));
+    QTest::mouseRelease(plot, Qt::LeftButton, {}, center + QPoint(40, 0));
+    ASSERT_TRUE(settle());
+    const double still = newest();
+    QTest::qWait(300);
+    EXPECT_EQ(newest(), still);
+    EXPECT_FALSE(plot->view().isFollowing);
+    QTest::keyClick(plot, Qt::Key_End);
+    EXPECT_TRUE(waitFor([=] { return newest() > still + 0.2; }));
+}

@@ -1,0 +1,383 @@
+// Graphs: what is drawn and measured of long histories against every sample looked at, settings,
+// and the window by clicks against the simulated target.
+#include "graphs/window.h"
+#include "support/watch_fixture.h"
+#include "watch/list/list_view.h"
+
+#include <cmath>
+#include <random>
+
+namespace {
+
+constexpr double GAP = std::numeric_limits<double>::quiet_NaN();
+constexpr int64_t ORIGIN_US = 5000000;
+
+// --- histories --------------------------------------------------------------------------------
+
+struct History {
+    SMP_Store store;
+    GRH_Index index;
+    std::vector<double> times, values; // what is to come out
+    std::mt19937 random{7};
+
+    explicit History(size_t samplesMax)
+    {
+        SMP_Item item;
+        item.name = "nSine";
+        item.address = 0x8000;
+        SST_SetItems(&store, {item}, samplesMax);
+    }
+    // Ten milliseconds apart; one of 40 fails.
+    void add(size_t count)
+    {
+        const uint8_t failed = SST_StateOf(&store, "no answer");
+        for (size_t i = 0; i < count; ++i) {
+            const auto number = static_cast<int64_t>(times.size());
+            const auto value = static_cast<int16_t>(random() % 20000 - 10000);
+            SMP_Sample sample;
+            sample.timeUs = ORIGIN_US + 10000 * number;
+            sample.bits = static_cast<uint16_t>(value);
+            sample.state = random() % 40 == 0 ? failed : SMP_GOOD;
+            SST_Add(&store, 0, sample);
+            times.push_back(static_cast<double>(number) / 100);
+            values.push_back(sample.state == SMP_GOOD ? 0.5 * value - 3 : GAP);
+        }
+        GRH_Update(store, 0, &index);
+    }
+};
+
+constexpr GRH_Scale SCALE = {0.5, -3};
+
+TEST(GraphHistory, EveryColumnHasItsExtremesAndGaps)
+{
+    History history(3000);
+    for (const size_t more : {70u, 2000u, 1500u, 4000u}) { // the ring turns over
+        history.add(more);
+        const double first = history.times[static_cast<size_t>(history.store.rings[0].first)];
+        const double last = history.times.back();
+        for (const auto &[from, to] : {std::pair(first, last), {last - 9.13, last - 2.7}}) {
+            constexpr int COLUMNS = 23;
+            std::vector<double> times, values;
+            GRH_Draw(history.store, 0, history.index, ORIGIN_US, from, to, COLUMNS, 1, SCALE,
+                     &times, &values);
+            ASSERT_TRUE(std::is_sorted(times.begin(), times.end()));
+            ASSERT_LE(times.size(), 3 * (COLUMNS + 3u) + 46u);
+            const double width = (to - from) / COLUMNS;
+            for (double left = std::ceil(from / width) * width; left + width < to; left += width) {
+                const auto extremes = [&](const std::vector<double> &x,
+                                          const std::vector<double> &y) {
+                    std::pair<double, double> both(INFINITY, -INFINITY);
+                    bool hasGap = false;
+                    for (size_t i = 0; i < x.size(); ++i) {
+                        if (x[i] < first || std::floor(x[i] / width) != std::round(left / width))
+                            continue;
+                        hasGap = hasGap || std::isnan(y[i]);
+                        both.first = y[i] < both.first ? y[i] : both.first;
+                        both.second = y[i] > both.second ? y[i] : both.second;
+                    }
+                    return std::pair(both, hasGap);
+                };
+                ASSERT_EQ(extremes(times, values), extremes(history.times, history.values))
+                    << more << " " << left;
+            }
+        }
+    }
+}
+
+TEST(GraphHistory, MeasuresWhatEverySampleSays)
+{
+    History history(60000);
+    history.add(50000);
+    for (const auto &[from, to] : {std::pair(0.0, 499.99), {3.005, 480.0}, {10.0, 12.0}}) {
+        double count = 0, sum = 0, squares = 0, low = INFINITY, high = -INFINITY, failed = 0;
+        for (size_t i = 0; i < history.times.size(); ++i) {
+            if (history.times[i] < from || history.times[i] > to)
+                continue;
+            if (std::isnan(history.values[i])) {
+                failed++;
+                continue;
+            }
+            count++;
+            sum += history.values[i];
+            squares += history.values[i] * history.values[i];
+            low = std::min(low, history.values[i]);
+            high = std::max(high, history.values[i]);
+        }
+        const GRH_Measures m =
+            GRH_Measure(history.store, 0, history.index, ORIGIN_US, from, to, SCALE);
+        EXPECT_EQ(static_cast<double>(m.count), count);
+        EXPECT_EQ(static_cast<double>(m.failed), failed);
+        EXPECT_EQ(m.min, low);
+        EXPECT_EQ(m.max, high);
+        EXPECT_NEAR(m.mean, sum / count, 1e-6);
+        EXPECT_NEAR(m.rms, std::sqrt(squares / count), 1e-6);
+        EXPECT_NEAR(m.deviation, std::sqrt(squares / count - sum / count * sum / count), 1e-6);
+        EXPECT_EQ(m.hasShape, to - from < 100);
+    }
+    const std::vector<double> times = {0, 1, 2, 3, 4}, line = {5, GAP, 1, -1, -3};
+    EXPECT_NEAR(GRH_MeasureCurve(times, line, 0, 4).slope, -2, 1e-12);
+    // Another item in its place begins anew.
+    SMP_Item other = history.store.items[0];
+    other.address = 0x9000;
+    SST_SetItems(&history.store, {other}, 60000);
+    GRH_Update(history.store, 0, &history.index);
+    EXPECT_TRUE(history.index.blocks.empty());
+}
+
+// --- settings -----------------------------------------------------------------------------------
+
+class GraphWindow : public WatchTest {
+protected:
+    void SetUp() override
+    {
+        WatchTest::SetUp();
+        options.demo = true;
+        HL_PushAnswer(1, write("empty.graph", ""));
+        GRW_FileCB(PANEL_GRAPH, STRIP_OPEN_SETUP, EVENT_COMMIT, 0);
+        addSymbol("nSine", 0x8010);
+        addSymbol("wRamp", 0x8012);
+        addItem("nSine,i2");
+        addItem("wRamp,u2");
+        addItem("[8002],u2");
+    }
+    void TearDown() override
+    {
+        GRW_OnQuit();
+        WatchTest::TearDown();
+    }
+    void open(const std::vector<int> &lines)
+    {
+        VR_isWatchView = true;
+        ResetLItemsDisplay();
+        HL_SelectLines(PANEL_MAIN, MAIN_LIST, lines);
+        HL_SetUserVal(PANEL_GRAPH, STRIP_PERIOD, SMP_FAST); // no wait for a clock
+        ASSERT_EQ(HL_ClickMenu(ITEM_GRAPH), 0);
+    }
+    static void press(int control)
+    {
+        EXPECT_EQ(HL_CommitControl(PANEL_GRAPH, control), 0) << control;
+    }
+    static uint64_t samplesOf(size_t curve)
+    {
+        const SMP_Store &store = GRW_GetSource().sampler.store;
+        return curve < store.rings.size() ? store.rings[curve].end : 0;
+    }
+    // Ticks until the first curve has so many more samples.
+    static void sample(uint64_t count)
+    {
+        const uint64_t wanted = samplesOf(0) + count;
+        for (int ticks = 0; ticks < 100000 && samplesOf(0) < wanted; ++ticks)
+            GRW_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
+        ASSERT_GE(samplesOf(0), wanted);
+    }
+    static std::vector<UI_Plot> plots()
+    {
+        GRW_GraphCB(PANEL_GRAPH, STRIP_GRAPH, EVENT_VAL_CHANGED, 0);
+        std::vector<UI_Plot> all;
+        GetGraphPlots(PANEL_GRAPH, STRIP_GRAPH, &all);
+        return all;
+    }
+    static UI_GraphView view()
+    {
+        UI_GraphView now;
+        GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &now);
+        return now;
+    }
+};
+
+TEST_F(GraphWindow, SettingsComeBackAndBadLinesAreNamed)
+{
+    GRA_Setup setup;
+    setup.periodMs = 20;
+    setup.windowS = 300;
+    setup.layout = GRAPH_STACKED;
+    setup.foreign = {"; mine", "later, 5"};
+    for (const char *name : {"nSine", "a,\"b\"", "[0x8002]"}) {
+        GRA_Curve curve;
+        curve.item.name = name;
+        curve.item.address = name[0] == '[' ? 0x8002 : SMP_NO_ADDRESS;
+        curve.item.type = 'u';
+        curve.item.station = 3;
+        curve.scale = {-0.1, 7};
+        curve.unit = "m,s";
+        curve.pane = 2;
+        setup.curves.push_back(curve);
+    }
+    const std::string file = path("a.graph");
+    ASSERT_EQ(GRA_SaveSetup(file, setup), 0);
+    const std::string text = ReadFileText(file);
+    GRA_Setup loaded;
+    std::vector<std::string> problems;
+    ASSERT_EQ(GRA_LoadSetup(file, &loaded, &problems), 0);
+    EXPECT_TRUE(problems.empty()) << problems[0];
+    ASSERT_EQ(GRA_SaveSetup(file, loaded), 0);
+    EXPECT_EQ(ReadFileText(file), text);
+    ASSERT_EQ(loaded.curves.size(), 3u);
+    EXPECT_EQ(loaded.curves[0].item.address, 0x8010u) << "found in the map";
+    EXPECT_EQ(loaded.curves[1].item.address, SMP_NO_ADDRESS);
+    EXPECT_EQ(loaded.curves[2].item.address, 0x8002u);
+    EXPECT_EQ(loaded.curves[1].unit, "m,s");
+    EXPECT_EQ(loaded.curves[1].scale.factor, -0.1);
+    const char *const bad[] = {
+        "period, -1",           "window, 0.5",          "layout, 3",  "curve, 2, x, u, 2, 1",
+        "curve, 1, x, q, 2, 1", "curve, 1, x, u, 3, 1", "unit, 1, V", "scale, 1, 2"};
+    for (const char *line : bad) {
+        problems.clear();
+        ASSERT_EQ(GRA_LoadSetup(write("b.graph", std::string(line) + "\r\n"), &loaded, &problems),
+                  0);
+        ASSERT_EQ(problems.size(), 1u) << line;
+        EXPECT_EQ(problems[0], "line 1: " + std::string(line));
+        EXPECT_TRUE(loaded.curves.empty());
+    }
+    EXPECT_EQ(GRA_LoadSetup(path("none.graph"), &loaded, &problems), -1);
+}
+
+// --- the window
+// -----------------------------------------------------------------------------------
+
+TEST_F(GraphWindow, SelectedLinesBecomeCurves)
+{
+    ASSERT_TRUE(connect());
+    open({0, 1});
+    ASSERT_EQ(GRW_GetSetup().curves.size(), 2u);
+    sample(30);
+    std::vector<UI_Plot> shown = plots();
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0].name, "nSine");
+    EXPECT_GE(shown[0].x->size(), 30u);
+    EXPECT_TRUE(view().isFollowing);
+    EXPECT_NEAR(view().x.max, shown[0].x->back(), 0.2);
+    EXPECT_NEAR(view().x.max - view().x.min, 10, 1e-6);
+    // One more, and those that are there go on.
+    const uint64_t before = samplesOf(0);
+    open({1, 2});
+    ASSERT_EQ(GRW_GetSetup().curves.size(), 3u);
+    EXPECT_GE(samplesOf(0), before);
+    sample(5);
+    EXPECT_GT(samplesOf(2), 0u);
+    // Paused, the picture stands and sampling goes on.
+    press(STRIP_PAUSE);
+    const double right = view().x.max;
+    sample(10);
+    plots();
+    EXPECT_EQ(view().x.max, right);
+    press(STRIP_PAUSE);
+    sample(5);
+    plots();
+    EXPECT_GT(view().x.max, right);
+    // The factor of one curve; what is no number is refused.
+    ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 1, 2, "0.001"), 0);
+    ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 1, 2, "0"), 0);
+    ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 0, 4, "33"), 0);
+    EXPECT_EQ(GRW_GetSetup().curves[1].scale.factor, 0.001);
+    EXPECT_LT(plots()[1].high, 66);
+    HL_SelectLines(PANEL_GRAPH, STRIP_CURVES, {0, 2});
+    HL_Key(PANEL_GRAPH, STRIP_CURVES, KEY_DELETE);
+    ASSERT_EQ(GRW_GetSetup().curves.size(), 1u);
+    EXPECT_EQ(GRW_GetSetup().curves[0].item.name, "wRamp");
+    sample(3);
+}
+
+TEST_F(GraphWindow, FailedSamplesAreGapsWithAReason)
+{
+    ASSERT_TRUE(connect());
+    open({0});
+    sample(10);
+    failWith(0, 70);
+    sample(5);
+    SIM_SetErrorCode(target, 0, 0);
+    sample(10);
+    const std::vector<UI_Plot> shown = plots();
+    const auto gaps = std::count_if(shown[0].y->begin(), shown[0].y->end(),
+                                    [](double y) { return std::isnan(y); });
+    EXPECT_GE(gaps, 5);
+    EXPECT_GE(static_cast<long>(shown[0].y->size()), gaps + 20);
+    EXPECT_EQ(GRW_GetSource().sampler.totals.failed, static_cast<uint64_t>(gaps));
+    // A name that no map knows any more is sampled as failed, and comes back.
+    VRN_SortByName(aVarNode, nNodes);
+    const int known = nNodes;
+    nNodes = 0;
+    const uint64_t failed = GRW_GetSource().sampler.totals.failed;
+    for (int ticks = 0; ticks < 100000 && GRW_GetSource().sampler.totals.failed == failed; ++ticks)
+        GRW_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
+    nNodes = known;
+    EXPECT_NE(UiText(PANEL_GRAPH, STRIP_MESSAGE).find("No map knows 'nSine'"), std::string::npos);
+}
+
+TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
+{
+    ASSERT_TRUE(connect());
+    open({0, 2});
+    HL_PushAnswer(1, path("run.csv"));
+    press(STRIP_RECORD);
+    sample(20);
+    HL_SetUserVal(PANEL_GRAPH, STRIP_TEXT, "here");
+    press(STRIP_MARKER);
+    sample(20);
+    press(STRIP_RECORD);
+    press(STRIP_START); // stops
+    const std::vector<UI_Plot> live = plots();
+    UI_GraphView all = view();
+    all.isXFitted = true;
+    all.isFollowing = false;
+    HL_SetGraphView(PANEL_GRAPH, STRIP_GRAPH, all);
+    HL_PushAnswer(1, path("view.csv"));
+    press(STRIP_SAVE_DATA);
+    for (const char *name : {"run.csv", "view.csv"}) {
+        HL_PushAnswer(1, path(name));
+        press(STRIP_OPEN_DATA);
+        ASSERT_TRUE(GRW_GetSource().isFile) << name;
+        const std::vector<UI_Plot> read = plots();
+        ASSERT_EQ(read.size(), 2u);
+        EXPECT_EQ(read[0].name, "nSine");
+        ASSERT_GE(read[0].y->size(), 40u) << name;
+        // The same values, the newest of the record last.
+        EXPECT_EQ(read[0].y->back(), live[0].y->at(live[0].y->size() - 1)) << name;
+        EXPECT_TRUE(view().isXFitted);
+    }
+    HL_PushAnswer(1, path("run.csv"));
+    press(STRIP_OPEN_DATA);
+    ASSERT_EQ(GRW_GetSource().markers.size(), 1u);
+    EXPECT_EQ(GRW_GetSource().markers[0].text, "here");
+    HL_PushAnswer(1, write("bad.csv", "hello\r\n"));
+    press(STRIP_OPEN_DATA);
+    EXPECT_EQ(GRW_GetSource().recording.path, path("run.csv")) << "the last one stays";
+    // A recorded name is sampled again at a press of Start.
+    press(STRIP_START);
+    sample(3);
+    EXPECT_FALSE(GRW_GetSource().isFile);
+}
+
+TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromTheRecording)
+{
+    ASSERT_TRUE(connect());
+    GRA_Setup one;
+    one.periodMs = SMP_FAST;
+    one.curves.resize(1);
+    one.curves[0].item = SMP_FromWatch(aLItems[1]);
+    one.curves[0].scale = {2, 0};
+    GRS_Source source;
+    source.samplesMax = 100;
+    ASSERT_EQ(GRS_Start(&source, one), 0);
+    REC_Options to;
+    to.path = path("past.csv");
+    ASSERT_EQ(GRS_Record(&source, to), 0);
+    while (source.sampler.totals.rows < 1000)
+        ASSERT_GE(GRS_Step(&source), 0);
+    double from = 0, last = 0;
+    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    EXPECT_EQ(from, source.past.begin);
+    std::vector<GRS_Points> curves;
+    ASSERT_EQ(GRS_Draw(&source, one, from, last, &curves), 0);
+    ASSERT_EQ(curves[0].times.size(), source.sampler.totals.rows) << "none twice, none missing";
+    // A ramp: where the file ends and memory begins the values go on.
+    for (size_t i = 1; i < curves[0].values.size(); ++i)
+        ASSERT_LT(std::fmod(curves[0].values[i] - curves[0].values[i - 1] + 20000, 20000), 2000)
+            << i;
+    std::vector<GRH_Measures> measures;
+    EXPECT_EQ(GRS_Measure(&source, one, from, last, &measures), -1) << "not all is in memory";
+    EXPECT_EQ(GRS_Measure(&source, one, last - 0.001, last, &measures), 0);
+    GRS_Stop(&source);
+}
+
+} // namespace
