@@ -272,6 +272,10 @@ TEST_F(Recording, aLargeFileIsSeenWholeAndInDetailInBoundedMemory)
     const RDR_Recording read = Open(text);
     EXPECT_EQ(read.rows, static_cast<uint64_t>(ROWS));
     EXPECT_LE(read.stretches.size(), RDR_STRETCHES_MAX);
+    uint64_t inPicture = 0;
+    for (const RDR_Stretch &stretch : read.stretches)
+        inPicture += stretch.rows;
+    EXPECT_EQ(inPicture, read.rows);
     RDR_Curves curves;
     // A single sample in 300,000 is seen in 1,000 points, from the picture and from the file.
     for (const size_t points : {size_t{1000}, size_t{200000}}) {
