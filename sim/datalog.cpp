@@ -1,4 +1,5 @@
 #include "datalog.h"
+#include "wire.h"
 
 #include <algorithm>
 #include <cmath>
@@ -62,7 +63,7 @@ uint16_t GetWord(const SIM_Station &station, const LogPlace &place, uint32_t ind
 uint32_t PackTime(time_t when)
 {
     tm date{};
-    gmtime_r(&when, &date);
+    SIM_GetUtc(when, &date);
     const int hours = (31 * date.tm_mon + date.tm_mday - 1) * 24 + date.tm_hour;
     const int units = hours * 1800 + date.tm_min * 30 + date.tm_sec / 2;
     const uint32_t stamp =

@@ -116,19 +116,19 @@ struct LiveInteger {
 };
 
 const LiveInteger liveIntegers[] = {
-    {0x8000, 1, [](double t) { return count(t, 100); }},                     // byTick
-    {0x8002, 2, [](double t) { return count(t, 1000); }},                    // wCount
-    {0x8004, 4, [](double t) { return count(t, 1000); }},                    // dwCount
-    {0x8008, 8, [](double t) { return PAST_32_BITS + count(t, 1e6); }},      // qwCount
-    {0x8010, 2, [](double t) { return whole(1000 * sine(t)); }},             // nSine
-    {0x8012, 2, [](double t) { return count(t, 500) % 10000; }},             // wRamp
-    {0x8014, 4, [](double t) { return whole(100000 + 50000 * sine(t)); }},   // dwSine
-    {0x8020, 4, [](double t) { return 1501 + count(t, 1); }},                // dwRunTime
-    {0x8024, 4, [](double t) { return whole(100000 * triangle(t, 20)); }},   // nnPosition
-    {0x8028, 8, [](double t) { return whole(-5e12 * sine(t)); }},            // qnEnergy
-    {0x8030, 1, [](double t) { return whole(50 * triangle(t, 8)); }},        // cTrim
-    {0x8032, 2, [](double t) { return count(t, 137); }},                     // wPulses
-    {0x8036, 2, [](double t) { return whole(mains(t, 0)); }},                // nFast
+    {0x8000, 1, [](double t) { return count(t, 100); }},                               // byTick
+    {0x8002, 2, [](double t) { return count(t, 1000); }},                              // wCount
+    {0x8004, 4, [](double t) { return count(t, 1000); }},                              // dwCount
+    {0x8008, 8, [](double t) { return PAST_32_BITS + count(t, 1e6); }},                // qwCount
+    {0x8010, 2, [](double t) { return whole(1000 * sine(t)); }},                       // nSine
+    {0x8012, 2, [](double t) { return count(t, 500) % 10000; }},                       // wRamp
+    {0x8014, 4, [](double t) { return whole(100000 + 50000 * sine(t)); }},             // dwSine
+    {0x8020, 4, [](double t) { return 1501 + count(t, 1); }},                          // dwRunTime
+    {0x8024, 4, [](double t) { return whole(100000 * triangle(t, 20)); }},             // nnPosition
+    {0x8028, 8, [](double t) { return whole(-5e12 * sine(t)); }},                      // qnEnergy
+    {0x8030, 1, [](double t) { return whole(50 * triangle(t, 8)); }},                  // cTrim
+    {0x8032, 2, [](double t) { return count(t, 137); }},                               // wPulses
+    {0x8036, 2, [](double t) { return whole(mains(t, 0)); }},                          // nFast
     {0x8038, 2, [](double t) { return count(t, 200) % 4 == 0 ? uint64_t{3000} : 0; }}, // wPwm
 };
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 struct SIM_Wire; // owns its descriptors
@@ -25,6 +26,7 @@ void SIM_WriteWire(SIM_Wire *wire, const uint8_t *bytes, size_t count);
 // False when woken before that time.
 bool SIM_WaitWire(SIM_Wire *wire, int64_t timeNs);
 int64_t SIM_NowNs(); // of a steady clock
+void SIM_GetUtc(time_t when, struct tm *date);
 
 // The program's end: begin before any thread is started, wait on the first one.
 void SIM_PrepareEnding();

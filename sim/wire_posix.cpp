@@ -33,14 +33,14 @@ constexpr int BACKLOG = 4;
 constexpr int SEND_WAIT_MS = 1000; // a connection that takes nothing for so long loses bytes
 const char LOOPBACK[] = "127.0.0.1";
 
-bool fail(std::string *error, const std::string &what)
+bool Fail(std::string *error, const std::string &what)
 {
     *error = what + ": " + strerror(errno);
     return false;
 }
 
 // Binary characters both ways, no echo by the terminal itself.
-bool makeRaw(int fd)
+bool MakeRaw(int fd)
 {
     termios settings;
     if (tcgetattr(fd, &settings) != 0)
@@ -50,36 +50,36 @@ bool makeRaw(int fd)
     return tcsetattr(fd, TCSANOW, &settings) == 0;
 }
 
-bool openTerminal(SIM_Wire *wire, std::string *error)
+bool OpenTerminal(SIM_Wire *wire, std::string *error)
 {
     wire->io = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (wire->io < 0 || grantpt(wire->io) != 0 || unlockpt(wire->io) != 0)
-        return fail(error, "Cannot get a pseudo terminal");
+        return Fail(error, "Cannot get a pseudo terminal");
     char name[PATH_MAX];
     if (ptsname_r(wire->io, name, sizeof name) != 0)
-        return fail(error, "Cannot name the pseudo terminal");
+        return Fail(error, "Cannot name the pseudo terminal");
     wire->device = name;
     wire->slave = open(name, O_RDWR | O_NOCTTY | O_CLOEXEC);
-    if (wire->slave < 0 || !makeRaw(wire->slave))
-        return fail(error, "Cannot open " + wire->device);
+    if (wire->slave < 0 || !MakeRaw(wire->slave))
+        return Fail(error, "Cannot open " + wire->device);
     return true;
 }
 
 // A link left by a target that was killed is replaced; any other file is not touched.
-bool makeLink(SIM_Wire *wire, const std::string &link, std::string *error)
+bool MakeLink(SIM_Wire *wire, const std::string &link, std::string *error)
 {
     struct stat status;
     if (lstat(link.c_str(), &status) == 0 && S_ISLNK(status.st_mode))
         unlink(link.c_str());
     if (symlink(wire->device.c_str(), link.c_str()) != 0)
-        return fail(error, "Cannot make the link " + link);
+        return Fail(error, "Cannot make the link " + link);
     wire->link = link;
     return true;
 }
 
 // The link is removed only while it still names this device: another target may have
 // taken it over.
-void removeLink(SIM_Wire *wire)
+void RemoveLink(SIM_Wire *wire)
 {
     char device[PATH_MAX];
     const ssize_t length = readlink(wire->link.c_str(), device, sizeof device);
@@ -89,20 +89,20 @@ void removeLink(SIM_Wire *wire)
     wire->link.clear();
 }
 
-void closeFd(int *fd)
+void CloseFd(int *fd)
 {
     if (*fd >= 0)
         close(*fd);
     *fd = -1;
 }
 
-bool openPipe(SIM_Wire *wire, std::string *error)
+bool OpenPipe(SIM_Wire *wire, std::string *error)
 {
-    return pipe2(wire->wake, O_CLOEXEC | O_NONBLOCK) == 0 || fail(error, "Cannot make a pipe");
+    return pipe2(wire->wake, O_CLOEXEC | O_NONBLOCK) == 0 || Fail(error, "Cannot make a pipe");
 }
 
 // The port is the last part, so that the host may be an address with colons.
-void splitAddress(const std::string &address, std::string *host, std::string *port)
+void SplitAddress(const std::string &address, std::string *host, std::string *port)
 {
     const size_t colon = address.rfind(':');
     *host = colon == std::string::npos ? LOOPBACK : address.substr(0, colon);
@@ -111,7 +111,7 @@ void splitAddress(const std::string &address, std::string *host, std::string *po
         *host = host->substr(1, host->size() - 2);
 }
 
-bool listenAt(SIM_Wire *wire, const addrinfo &place)
+bool ListenAt(SIM_Wire *wire, const addrinfo &place)
 {
     const int on = 1;
     wire->listening = socket(place.ai_family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
@@ -121,12 +121,12 @@ bool listenAt(SIM_Wire *wire, const addrinfo &place)
     if (bind(wire->listening, place.ai_addr, place.ai_addrlen) == 0 &&
         listen(wire->listening, BACKLOG) == 0)
         return true;
-    closeFd(&wire->listening);
+    CloseFd(&wire->listening);
     return false;
 }
 
 // The port as it is: it may have been left to the system.
-std::string boundPort(int socketFd)
+std::string BoundPort(int socketFd)
 {
     sockaddr_storage name;
     socklen_t size = sizeof name;
@@ -137,10 +137,10 @@ std::string boundPort(int socketFd)
     return port;
 }
 
-bool openSocket(SIM_Wire *wire, const std::string &address, std::string *error)
+bool OpenSocket(SIM_Wire *wire, const std::string &address, std::string *error)
 {
     std::string host, port;
-    splitAddress(address, &host, &port);
+    SplitAddress(address, &host, &port);
     addrinfo hints;
     memset(&hints, 0, sizeof hints);
     hints.ai_socktype = SOCK_STREAM;
@@ -152,17 +152,17 @@ bool openSocket(SIM_Wire *wire, const std::string &address, std::string *error)
         return false;
     }
     for (const addrinfo *item = list; item && wire->listening < 0; item = item->ai_next)
-        listenAt(wire, *item);
+        ListenAt(wire, *item);
     freeaddrinfo(list);
     if (wire->listening < 0)
-        return fail(error, "Cannot listen at " + address);
+        return Fail(error, "Cannot listen at " + address);
     const bool isV6 = host.find(':') != std::string::npos;
-    wire->device = "tcp:" + (isV6 ? "[" + host + "]" : host) + ":" + boundPort(wire->listening);
+    wire->device = "tcp:" + (isV6 ? "[" + host + "]" : host) + ":" + BoundPort(wire->listening);
     return true;
 }
 
 // One program at a time, as a port has one: who comes while another is there is turned away.
-void acceptProgram(SIM_Wire *wire)
+void AcceptProgram(SIM_Wire *wire)
 {
     int fresh = accept4(wire->listening, nullptr, nullptr, SOCK_NONBLOCK | SOCK_CLOEXEC);
     if (fresh < 0)
@@ -176,7 +176,7 @@ void acceptProgram(SIM_Wire *wire)
     wire->io = fresh;
 }
 
-SIM_Wire *finishOpening(SIM_Wire *wire, bool isGood, std::string *device)
+SIM_Wire *FinishOpening(SIM_Wire *wire, bool isGood, std::string *device)
 {
     if (!isGood) {
         SIM_CloseWire(wire);
@@ -186,7 +186,7 @@ SIM_Wire *finishOpening(SIM_Wire *wire, bool isGood, std::string *device)
     return wire;
 }
 
-sigset_t endings()
+sigset_t MakeEndings()
 {
     sigset_t set;
     sigemptyset(&set);
@@ -204,26 +204,31 @@ int64_t SIM_NowNs()
     return now.tv_sec * NS_PER_S + now.tv_nsec;
 }
 
+void SIM_GetUtc(time_t when, struct tm *date)
+{
+    gmtime_r(&when, date);
+}
+
 SIM_Wire *SIM_OpenPty(const std::string &link, std::string *device, std::string *error)
 {
     auto *wire = new SIM_Wire;
-    const bool isGood = openTerminal(wire, error) && openPipe(wire, error) &&
-                        (link.empty() || makeLink(wire, link, error));
-    return finishOpening(wire, isGood, device);
+    const bool isGood = OpenTerminal(wire, error) && OpenPipe(wire, error) &&
+                        (link.empty() || MakeLink(wire, link, error));
+    return FinishOpening(wire, isGood, device);
 }
 
 SIM_Wire *SIM_OpenTcp(const std::string &address, std::string *device, std::string *error)
 {
     auto *wire = new SIM_Wire;
-    return finishOpening(wire, openSocket(wire, address, error) && openPipe(wire, error), device);
+    return FinishOpening(wire, OpenSocket(wire, address, error) && OpenPipe(wire, error), device);
 }
 
 void SIM_CloseWire(SIM_Wire *wire)
 {
     if (!wire->link.empty())
-        removeLink(wire);
+        RemoveLink(wire);
     for (int *fd : {&wire->slave, &wire->io, &wire->listening, &wire->wake[0], &wire->wake[1]})
-        closeFd(fd);
+        CloseFd(fd);
     delete wire;
 }
 
@@ -250,12 +255,12 @@ int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity)
         const bool isPassing = count < 0 && (errno == EAGAIN || errno == EINTR);
         // The program has closed its connection; the next one may come.
         if (wire->listening >= 0 && count <= 0 && !isPassing)
-            closeFd(&wire->io);
+            CloseFd(&wire->io);
         else if (count < 0 && !isPassing)
             return -1;
     }
     if (fds[2].revents != 0)
-        acceptProgram(wire);
+        AcceptProgram(wire);
     return count > 0 ? static_cast<int>(count) : 0;
 }
 
@@ -298,14 +303,14 @@ bool SIM_WaitWire(SIM_Wire *wire, int64_t timeNs)
 // Blocked before the target's thread exists, so that only the first thread takes them.
 void SIM_PrepareEnding()
 {
-    const sigset_t set = endings();
+    const sigset_t set = MakeEndings();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     signal(SIGPIPE, SIG_IGN);
 }
 
 void SIM_WaitForEnding()
 {
-    const sigset_t set = endings();
+    const sigset_t set = MakeEndings();
     int received;
     sigwait(&set, &received);
 }

@@ -27,26 +27,26 @@ const char LOOPBACK[] = "127.0.0.1";
 
 HANDLE endingEvent = nullptr;
 
-bool fail(std::string *error, const std::string &what)
+bool Fail(std::string *error, const std::string &what)
 {
     *error = what + ": error " + std::to_string(WSAGetLastError());
     return false;
 }
 
-void closeSocket(SOCKET *handle)
+void CloseSocket(SOCKET *handle)
 {
     if (*handle != INVALID_SOCKET)
         closesocket(*handle);
     *handle = INVALID_SOCKET;
 }
 
-void setNonBlocking(SOCKET handle)
+void SetNonBlocking(SOCKET handle)
 {
     u_long on = 1;
     ioctlsocket(handle, static_cast<long>(FIONBIO), &on);
 }
 
-bool listenAt(SIM_Wire *wire, const addrinfo &place)
+bool ListenAt(SIM_Wire *wire, const addrinfo &place)
 {
     const BOOL on = TRUE;
     wire->listening = socket(place.ai_family, SOCK_STREAM, IPPROTO_TCP);
@@ -57,14 +57,14 @@ bool listenAt(SIM_Wire *wire, const addrinfo &place)
                reinterpret_cast<const char *>(&on), sizeof on);
     if (bind(wire->listening, place.ai_addr, static_cast<int>(place.ai_addrlen)) == 0 &&
         listen(wire->listening, BACKLOG) == 0) {
-        setNonBlocking(wire->listening);
+        SetNonBlocking(wire->listening);
         return true;
     }
-    closeSocket(&wire->listening);
+    CloseSocket(&wire->listening);
     return false;
 }
 
-std::string boundPort(SOCKET handle)
+std::string BoundPort(SOCKET handle)
 {
     sockaddr_storage name;
     int size = sizeof name;
@@ -75,7 +75,7 @@ std::string boundPort(SOCKET handle)
     return port;
 }
 
-bool openSocket(SIM_Wire *wire, const std::string &address, std::string *device, std::string *error)
+bool OpenSocket(SIM_Wire *wire, const std::string &address, std::string *device, std::string *error)
 {
     const size_t colon = address.rfind(':');
     std::string host = colon == std::string::npos ? LOOPBACK : address.substr(0, colon);
@@ -88,34 +88,34 @@ bool openSocket(SIM_Wire *wire, const std::string &address, std::string *device,
     hints.ai_flags = AI_PASSIVE;
     addrinfo *list = nullptr;
     if (getaddrinfo(host.c_str(), port.c_str(), &hints, &list) != 0)
-        return fail(error, "Cannot listen at " + address);
+        return Fail(error, "Cannot listen at " + address);
     for (const addrinfo *item = list; item && wire->listening == INVALID_SOCKET;
          item = item->ai_next)
-        listenAt(wire, *item);
+        ListenAt(wire, *item);
     freeaddrinfo(list);
     if (wire->listening == INVALID_SOCKET)
-        return fail(error, "Cannot listen at " + address);
+        return Fail(error, "Cannot listen at " + address);
     const bool isV6 = host.find(':') != std::string::npos;
-    *device = "tcp:" + (isV6 ? "[" + host + "]" : host) + ":" + boundPort(wire->listening);
+    *device = "tcp:" + (isV6 ? "[" + host + "]" : host) + ":" + BoundPort(wire->listening);
     return true;
 }
 
-void acceptProgram(SIM_Wire *wire)
+void AcceptProgram(SIM_Wire *wire)
 {
     SOCKET fresh = accept(wire->listening, nullptr, nullptr);
     if (fresh == INVALID_SOCKET)
         return;
     if (wire->io != INVALID_SOCKET) {
-        closeSocket(&fresh);
+        CloseSocket(&fresh);
         return;
     }
     const BOOL on = TRUE;
-    setNonBlocking(fresh);
+    SetNonBlocking(fresh);
     setsockopt(fresh, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char *>(&on), sizeof on);
     wire->io = fresh;
 }
 
-BOOL WINAPI handleEnding(DWORD)
+BOOL WINAPI HandleEnding(DWORD)
 {
     SetEvent(endingEvent);
     return TRUE;
@@ -127,6 +127,11 @@ int64_t SIM_NowNs()
 {
     const auto now = std::chrono::steady_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
+}
+
+void SIM_GetUtc(time_t when, struct tm *date)
+{
+    gmtime_s(date, &when);
 }
 
 SIM_Wire *SIM_OpenPty(const std::string &, std::string *, std::string *error)
@@ -143,7 +148,7 @@ SIM_Wire *SIM_OpenTcp(const std::string &address, std::string *device, std::stri
         return nullptr;
     }
     auto *wire = new SIM_Wire;
-    if (openSocket(wire, address, device, error))
+    if (OpenSocket(wire, address, device, error))
         return wire;
     SIM_CloseWire(wire);
     return nullptr;
@@ -151,8 +156,8 @@ SIM_Wire *SIM_OpenTcp(const std::string &address, std::string *device, std::stri
 
 void SIM_CloseWire(SIM_Wire *wire)
 {
-    closeSocket(&wire->io);
-    closeSocket(&wire->listening);
+    CloseSocket(&wire->io);
+    CloseSocket(&wire->listening);
     delete wire;
 }
 
@@ -179,10 +184,10 @@ int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity)
         count = recv(wire->io, reinterpret_cast<char *>(bytes), limit, 0);
         // The program has closed its connection; the next one may come.
         if (count == 0 || (count < 0 && WSAGetLastError() != WSAEWOULDBLOCK))
-            closeSocket(&wire->io);
+            CloseSocket(&wire->io);
     }
     if (FD_ISSET(wire->listening, &set))
-        acceptProgram(wire);
+        AcceptProgram(wire);
     return count > 0 ? count : 0;
 }
 
@@ -221,7 +226,7 @@ bool SIM_WaitWire(SIM_Wire *wire, int64_t timeNs)
 void SIM_PrepareEnding()
 {
     endingEvent = CreateEventA(nullptr, TRUE, FALSE, nullptr);
-    SetConsoleCtrlHandler(handleEnding, TRUE);
+    SetConsoleCtrlHandler(HandleEnding, TRUE);
 }
 
 void SIM_WaitForEnding()

@@ -5,7 +5,8 @@
 #include "support/console_rig.h"
 #include "symbols/addr_name.h"
 #include "symbols/varnode.h"
-#include "symbols/varnode.h"
+#include "watch/list/list_view.h"
+#include "watch/list/litem.h"
 
 #include <gtest/gtest.h>
 #include <set>
@@ -273,6 +274,19 @@ TEST_F(CodeCommands, NameAddresses)
                  {0x8145, "awTable+5"}, {0x813F, ""},      {0x8240, ""}};
     for (const auto &row : cases)
         EXPECT_EQ(row.name, SYM_AddressToName(row.address)) << row.address;
+    // The tip of an address in the watch list.
+    LItem &item = aLItems[0];
+    item = LItem();
+    item.address = 0x8142;
+    nLItems = 1;
+    openLItems = 1;
+    VR_FillDebugItems();
+    LSV_ShowValues();
+    std::vector<UI_Cell> cells;
+    GetListCells(PANEL_MAIN, MAIN_LIST, 0, &cells);
+    ASSERT_GT(cells.size(), 1u);
+    EXPECT_EQ("awTable+2", cells[1].tip);
+    nLItems = openLItems = 0;
     EXPECT_EQ(" 008142  awTable+2\naddr2name 0x8142 -> OK!\n", Run("addr2name 0x8142"));
     EXPECT_EQ(" 009000  09000h (==awTable+3776)\naddr2name 0x9000 -> OK!\n",
               Run("addr2name 0x9000"));

@@ -422,7 +422,7 @@ TEST_F(EditPanels, MemoryIsReadInLines)
     Procesor = CPU_F283XX;
     EXPECT_EQ(readMemory("3:$301", 2), "Read 2 bytes from station 3.");
     EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_PLACE),
-              "Byte address 0x000301, word address 0x000180.hi, station 3");
+              "Byte address 0x000301, word address 0x000180.hi, station 3: wSpeed+1");
     EXPECT_EQ(memoryLines(), (Texts{"000180.hi|00 00|.."}));
 
     const struct {

@@ -188,7 +188,7 @@ TEST_F(Recording, aFullDiskEndsItAndKeepsWhatIsThere)
 TEST_F(Recording, opensUpToAnyCutAndInventsNoValue)
 {
     ASSERT_EQ(REC_Open(&recorder, options, items, 0), 0);
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 8; ++i)
         Put(i * 1000000, static_cast<uint64_t>(1000 + i), i % 5 != 0);
     REC_Close(&recorder);
     const std::string text = ReadFileText("run.csv");

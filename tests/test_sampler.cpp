@@ -1,8 +1,11 @@
 // The sampler on a line of its own in virtual time: what it asks for, when, and what it makes
 // of lines that fail, are silent or answer twice; and what is kept of it.
 #include "comm/ucm.h"
+#include "sampler/record_job.h"
+#include "sampler/recording.h"
 #include "sampler/sampler.h"
 #include "settings/settings.h"
+#include "support/scratch.h"
 #include "text/bytes.h"
 
 #include <gtest/gtest.h>
@@ -159,6 +162,32 @@ TEST_F(Sampler, nothingIsGivenOutBeforeItsProofAndThatComesInASecond)
     }
     EXPECT_GT(told.rows.size(), 400u);
     EXPECT_LT(oldest, 1000000u);
+}
+
+TEST_F(Sampler, whatIsOnTheDiskIsNeverASecondOld)
+{
+    const ScratchFolder folder{true};
+    for (const int periodMs : {0, 50, 700}) {
+        RCJ_Job job;
+        REC_Options options;
+        options.path = "r.csv";
+        options.mayReplace = true;
+        options.utcMs = [] { return static_cast<int64_t>(wire.nowUs / 1000); };
+        std::string problem;
+        ASSERT_EQ(RCJ_Start(&job, {Word(0x100), Word(0x900)}, periodMs, options, {}, RCJ_Listener(),
+                            &problem, &LINE),
+                  0);
+        const uint64_t begin = wire.nowUs;
+        for (int i = 0; i < 400; ++i) {
+            wire.nowUs += static_cast<uint64_t>(std::min<int64_t>(RCJ_Step(&job), 100000));
+            RDR_Recording onDisk;
+            ASSERT_EQ(RDR_Open("r.csv", &onDisk, &problem), 0) << problem;
+            const double now = static_cast<double>(wire.nowUs - begin) / 1e6;
+            const double allowed = std::max(periodMs / 1000.0, 0.2) + 0.8;
+            ASSERT_LT(now - onDisk.timeMax, allowed) << periodMs;
+        }
+        EXPECT_EQ(RCJ_Stop(&job), 0);
+    }
 }
 
 TEST_F(Sampler, whatIsInDoubtHasFailed)

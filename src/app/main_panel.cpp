@@ -12,6 +12,8 @@
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
+#include "inspect/array_inspector.h"
+#include "inspect/record_inspector.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/mapfile.h"
@@ -235,6 +237,8 @@ void VR_ShowSettings()
     VR_ShowComState();
     VSL_SymbolsChanged();
     DBW_Changed();
+    ARI_NamesChanged();
+    RCI_NamesChanged();
     WPL_ApplyColumns();
     CNP_Refresh();
 }

@@ -7,6 +7,7 @@
 #include "comm/ucm.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
+#include "sampler/record_watch.h"
 #include "settings/settings.h"
 #include "symbols/addr_name.h"
 #include "symbols/listener.h"
@@ -43,6 +44,12 @@ void BeginRun()
     RFR_BeginSweep();
     AGE_EndRun(); // perhaps another port, and another target on it
     nErrors = 0;
+}
+
+void ShowComState()
+{
+    VR_ShowComState();
+    RCW_ShowCommunication();
 }
 
 // Takes a message away unless another one has replaced it since.
@@ -93,7 +100,7 @@ void VR_ConnectRooms()
 {
     COM_Listener link = {};
     link.opening = BeginRun;
-    link.stateChanged = VR_ShowComState;
+    link.stateChanged = ShowComState;
     link.showMessage = ShowLinkMessage;
     link.withdrawMessage = WithdrawMessage;
     COM_SetListener(link);
@@ -102,6 +109,11 @@ void VR_ConnectRooms()
     exchange.isBreak = IsBreakWished;
     exchange.waiting = ShowWaiting;
     UCM_SetListener(exchange);
+
+    RFR_Recorder recorder;
+    recorder.record = RCW_Record;
+    recorder.tick = RCW_Tick;
+    RFR_SetRecorder(recorder);
 
     ADR_SetResolver(SYM_ResolveName);
 

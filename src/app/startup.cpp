@@ -13,6 +13,7 @@
 #include "console/script/script.h"
 #include "graphs/window.h"
 #include "runtime/userint.h"
+#include "sampler/record_watch.h"
 #include "scope/window.h"
 #include "sets/window.h"
 #include "settings/settings.h"
@@ -53,6 +54,8 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_CONFIG, 0},
     {PANEL_CONFIG_EDIT, 0},
     {PANEL_DEBUGGER, 0},
+    {PANEL_ARRAY, 0},
+    {PANEL_RECORD, 0},
     {PANEL_SIMULATOR, 0},
     {PANEL_TERMINAL, 0},
     {PANEL_CONNECT, PANEL_MAIN},
@@ -157,6 +160,7 @@ int ExitApplication(int)
 {
     if (DbgChngSafety() < 0)
         return -1;
+    RCW_Stop();
     VIR2_StopPeriodicASC();
     QuitUserInterface(0);
     GRW_OnQuit();

@@ -41,7 +41,7 @@ bool isPrepared = false;
 std::string shownSource; // processor, station and map of what is shown
 uint32_t failedMs = 0;   // when the last refresh failed; 0 = it did not
 
-void Say(const std::string &text, int color = COLOR_PLAIN)
+void ShowOutcome(const std::string &text, int color = COLOR_PLAIN)
 {
     SetCtrlAttribute(PANEL, DEBUG_MESSAGE, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, DEBUG_MESSAGE, text);
@@ -149,9 +149,9 @@ bool Refresh()
     failedMs = result == 0 ? 0 : std::max(PLT_TickMs(), 1u);
     ShowValues(first, result == 0 ? lines : 0);
     if (result != 0)
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     else
-        Say(HasCode() ? LIVE_VIEW : ONLY_C166);
+        ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
     return result == 0;
 }
 
@@ -160,7 +160,7 @@ bool ReadCode(uint32_t address, std::vector<CODE_Instruction> *fresh)
     std::string cause;
     if (CODE_Read(STATION, address, PAGE_LINES, DBV_GetPages(), fresh, &cause) == 0)
         return true;
-    Say("Not read: " + cause + ".", COLOR_BAD);
+    ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     return false;
 }
 
@@ -169,7 +169,7 @@ bool ShowCode(uint32_t address, int line)
 {
     std::vector<CODE_Instruction> fresh;
     if (!VR_EnsureCom()) {
-        Say("Not read: communication is off.", COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return false;
     }
     if (!Refresh() || !ReadCode(address, &fresh))
@@ -184,7 +184,7 @@ bool ShowCode(uint32_t address, int line)
     return true;
 }
 
-void GoTo(uint32_t address)
+void ShowAndRemember(uint32_t address)
 {
     Place from;
     if (!code.empty())
@@ -197,36 +197,36 @@ void GoTo(uint32_t address)
     EnableButtons();
 }
 
-bool FindTyped(int control, uint32_t *address)
+bool ReadTypedAddress(int control, uint32_t *address)
 {
     std::string text;
     GetCtrlVal(PANEL, control, &text);
     *address = GetSysAddr(text.c_str());
     if (*address != ADDR_NONE && text.find('&') == std::string::npos)
         return true;
-    Say("'" + text + "' is no address, and no loaded map knows such a name.", COLOR_BAD);
+    ShowOutcome(ADR_UnknownText(text), COLOR_BAD);
     return false;
 }
 
-void Go()
+void ShowTypedCode()
 {
     uint32_t address = 0;
     if (!HasCode())
-        Say(ONLY_C166);
-    else if (FindTyped(DEBUG_PLACE, &address))
-        GoTo(address & ~1u);
+        ShowOutcome(ONLY_C166);
+    else if (ReadTypedAddress(DEBUG_PLACE, &address))
+        ShowAndRemember(address & ~1u);
 }
 
-void Follow()
+void FollowJump()
 {
     const int line = GetLine();
     if (line < 0)
         return;
     const uint32_t target = code[static_cast<size_t>(line)].target;
     if (target == CODE_NO_ADDRESS)
-        Say("This instruction jumps nowhere that is known before it runs.");
+        ShowOutcome("This instruction jumps nowhere that is known before it runs.");
     else
-        GoTo(target);
+        ShowAndRemember(target);
 }
 
 void GoBack()
@@ -260,7 +260,7 @@ void CopyCode()
     for (const CODE_Instruction &instruction : code)
         text += CODE_FormatLine(instruction) + "\n";
     if (ClipboardPutText(text) == 0)
-        Say("Copied: " + std::to_string(code.size()) + " instructions.");
+        ShowOutcome("Copied: " + std::to_string(code.size()) + " instructions.");
 }
 
 void SetColumns()
@@ -277,7 +277,7 @@ void SetColumns()
                     {"Decimal", 60, UIA_RIGHT},
                     {"Bits", 170, UIA_LEFT}});
     SetListColumns(PANEL, DEBUG_STACK,
-                   {{"Stack", 110, UIA_LEFT}, {"Hex", 60, UIA_LEFT}, {"Decimal", 60, UIA_RIGHT}});
+                   {{"Stack", 110, UIA_LEFT}, {"Hex", 60, UIA_LEFT}, {"Decimal", 60, UIA_LEFT}});
     SetListColumns(PANEL, DEBUG_MEMORY,
                    {{"Memory", 64, UIA_LEFT},
                     {"Bytes", 370, UIA_LEFT},
@@ -300,7 +300,7 @@ void Prepare()
 void ShowMemoryPlace()
 {
     uint32_t address = 0;
-    if (!FindTyped(DEBUG_MEM_PLACE, &address))
+    if (!ReadTypedAddress(DEBUG_MEM_PLACE, &address))
         return;
     DBV_SetMemory(address);
     if (VR_EnsureCom())
@@ -314,7 +314,7 @@ void DBW_Opened()
     Prepare();
     SetCtrlVal(PANEL, DEBUG_LIVE, 1);
     SetActiveCtrl(PANEL, DEBUG_PLACE);
-    Say(HasCode() ? LIVE_VIEW : ONLY_C166);
+    ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
     if (isTimer != 0)
         Refresh();
 }
@@ -333,7 +333,7 @@ void DBW_Changed()
     ClearListCtrl(PANEL, DEBUG_MEMORY);
     Prepare();
     if (IsShown())
-        Say(HasCode() ? LIVE_VIEW : ONLY_C166);
+        ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
 }
 
 int DBW_PanelCB(int panel, int event, int data)
@@ -347,7 +347,7 @@ int DBW_PanelCB(int panel, int event, int data)
 int DBW_PlaceCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
-        Go();
+        ShowTypedCode();
     return 0;
 }
 
@@ -356,9 +356,9 @@ int DBW_ButtonCB(int, int control, int event, int)
     constexpr struct {
         int control;
         void (*act)();
-    } ACTIONS[] = {{DEBUG_GO, Go},
+    } ACTIONS[] = {{DEBUG_GO, ShowTypedCode},
                    {DEBUG_BACK, GoBack},
-                   {DEBUG_FOLLOW, Follow},
+                   {DEBUG_FOLLOW, FollowJump},
                    {DEBUG_MORE, ReadMore},
                    {DEBUG_COPY, CopyCode}};
     for (const auto &row : ACTIONS)
@@ -385,7 +385,7 @@ int DBW_CodeCB(int, int, int event, int data)
         EnableButtons();
     else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK ||
              (event == EVENT_KEYPRESS && data == KEY_RIGHT))
-        Follow();
+        FollowJump();
     else if (event == EVENT_KEYPRESS && (data == KEY_LEFT || data == KEY_BACKSPACE))
         GoBack();
     return event == EVENT_KEYPRESS ? 1 : 0;
@@ -406,7 +406,7 @@ int DBW_RegistersCB(int, int, int event, int)
         return 0;
     GetCtrlIndex(PANEL, DEBUG_REGISTERS, &line);
     if (VR_EnsureCom() && DBV_ReadTouchy(line, &cause) < 0)
-        Say("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     return 0;
 }
 

@@ -16,6 +16,9 @@ struct COM_Listener {
 void COM_SetListener(const COM_Listener &listener);
 void COM_TellState(); // calls stateChanged: the port was closed behind communication's back
 
+// Why nothing was read or written when the user did not want communication on.
+constexpr char COM_OFF_TEXT[] = "communication is off.";
+
 void Error(const std::string &message); // communication off, then a pop-up "Error"
 void VR_ComRequest();                   // when it is off, asks whether to switch it on
 bool VR_EnsureCom();                    // the same; whether communication is on then

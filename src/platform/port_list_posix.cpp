@@ -50,7 +50,7 @@ bool IsHardware(const std::string &terminal)
 std::string Describe(const std::string &device)
 {
     if (TCP_IsAddress(device))
-        return "behind the network";
+        return RMP_DESCRIPTION;
     const std::string name = device.substr(device.find_last_of('/') + 1);
     for (const char *place : {"/device/../product", "/device/../../product"}) {
         const std::string text = ReadLine(TERMINALS + name + place);

@@ -64,7 +64,7 @@ std::vector<PTL_Port> PTL_List()
             PTL_Port port;
             port.number = number;
             port.device = path;
-            port.description = "behind the network";
+            port.description = RMP_DESCRIPTION;
             ports.push_back(port);
             continue;
         }

@@ -5,6 +5,9 @@
 
 #include <string>
 
+// What lists of ports say of one.
+constexpr char RMP_DESCRIPTION[] = "behind the network";
+
 // "tcp:host:port", or "" when the number is no remote port's.
 std::string RMP_GetAddress(int port);
 // Gives the number to an address, in one step; "" takes it away. 0, or -1: cannot be written.

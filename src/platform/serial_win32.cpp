@@ -124,8 +124,8 @@ int DEV_Open(const std::string &path, SER_Handle *handle)
     Timeouts *entry = FindTimeouts(SER_INVALID);
     if (entry == nullptr)
         return SER_ERR_OPEN;
-    const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0,
-                                      nullptr, OPEN_EXISTING, 0, nullptr);
+    const HANDLE device = CreateFileA(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                      OPEN_EXISTING, 0, nullptr);
     if (device == INVALID_HANDLE_VALUE) {
         lastReason = WhyNotOpened(GetLastError());
         return SER_ERR_OPEN;

@@ -327,5 +327,6 @@ int GetViewLayouts(std::vector<UI_Layout> *layouts);
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
+int Beep(); // the desktop's sound, or the terminal's bell
 
 #endif

@@ -208,6 +208,7 @@ struct VIEW_Batch {
     int popupMenu = 0;      // menu to be shown at the mouse; 0 = none
     VIEW_Question question; // to be opened
     int closedQuestion = 0; // id of a question that needs no answer any more; 0 = none
+    bool isBeep = false;
     bool hasClipboard = false;
     std::string clipboard;
     std::vector<UI_Layout> layouts; // as they were in the last run; to be used from now on

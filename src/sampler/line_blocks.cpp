@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr size_t BLOCK_BYTES = 1 << 20;
+constexpr size_t BLOCK_BYTES = 1 << 17;
 
 bool IsLineEnd(char c)
 {

@@ -6,6 +6,7 @@
 #include "platform/system.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "watch/list/read_item.h"
 
 #include <algorithm>
 #include <cstring>
@@ -28,7 +29,6 @@ constexpr uint64_t NO_LINE_US = 500000;            // before the port is tried a
 constexpr uint64_t NOTHING_READ_US = 250000;       // between rows for which nobody was asked
 constexpr uint64_t TOGETHER_MIN_US = 10 * SECOND_US, TOGETHER_MAX_US = 600 * SECOND_US;
 
-const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char FIRST_OF_RATE[] = "a rate needs two values";
 
 // --- the line as it is --------------------------------------------------------------------
@@ -251,7 +251,7 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
         MakePlan(sampler);
     SMP_Sample unread;
     unread.timeUs = static_cast<int64_t>(nowUs);
-    unread.state = SST_StateOf(&sampler->store, NOT_RESOLVED);
+    unread.state = SST_StateOf(&sampler->store, RDI_NOT_RESOLVED);
     sampler->row.assign(sampler->store.items.size(), unread);
     sampler->rowFirstUs = nowUs;
     sampler->isAnyAsked = false;

@@ -7,7 +7,10 @@
 #include "app/startup.h"
 #include "console/monitor/text_box.h"
 #include "graphs/window.h"
+#include "inspect/array_inspector.h"
+#include "inspect/record_inspector.h"
 #include "logger/log_window.h"
+#include "sampler/record_watch.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -41,6 +44,10 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_RELOAD_NOW, "Reload without as__king", KEY_CTRL | KEY_SHIFT | 'R',
      ReloadNowCB},
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},
+    {MENU_FILE, 0, "", 0, nullptr},
+    {MENU_FILE, ITEM_RECORD, "Re__cord watch list...", KEY_CTRL | KEY_SHIFT | 'E', RCW_ToggleCB},
+    {MENU_FILE, ITEM_RECORD_MARK, "Set marker in recordin__g...", KEY_CTRL | 'D', RCW_MarkCB},
+    {MENU_FILE, ITEM_RECORD_WHEN, "Record __when...", 0, RCW_TriggersCB},
     {MENU_FILE, 0, "", 0, nullptr},
     {MENU_FILE, ITEM_OPEN_MAP, "Open __map file...", KEY_CTRL | 'M', OpenMapCB},
     {MENU_FILE, ITEM_OPEN_TYPE_MAP, "Open __type map...", KEY_CTRL | 'T', OpenTypeMapCB},
@@ -141,7 +148,9 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_GRAPH, "__Graph", KEY_CTRL | 'G', GRW_OpenCB},
     {MENU_WINDOW, ITEM_SCOPE, "Data sco__pe", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
-    {MENU_WINDOW, ITEM_CONFIG, "Device confi__guration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
+    {MENU_WINDOW, ITEM_ARRAY, "__Array inspector", KEY_CTRL | KEY_SHIFT | 'A', ARI_OpenCB},
+    {MENU_WINDOW, ITEM_RECORD, "R__ecord inspector", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
+    {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 

@@ -8,6 +8,8 @@
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
 #include "graphs/window.h"
+#include "inspect/array_inspector.h"
+#include "inspect/record_inspector.h"
 #include "loader/window.h"
 #include "logger/log_window.h"
 #include "scope/window.h"
@@ -43,6 +45,8 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
+    {PANEL_ARRAY, "array", "Array", ARI_PanelCB},
+    {PANEL_RECORD, "record", "Record", RCI_PanelCB},
     {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
     {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
@@ -229,6 +233,26 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_SAVE_SETUP, UIK_BUTTON, "saveSetup", GRW_FileCB},
     {PANEL_GRAPH, STRIP_TIMER, UIK_TIMER, "timer", GRW_TimerCB},
 
+    {PANEL_ARRAY, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},
+    {PANEL_ARRAY, ARRAY_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_ARRAY, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},
+    {PANEL_ARRAY, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},
+    {PANEL_ARRAY, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_ARRAY, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB},
+
+    {PANEL_RECORD, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},
+    {PANEL_RECORD, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},
+    {PANEL_RECORD, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},
+    {PANEL_RECORD, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},
+    {PANEL_RECORD, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_RECORD, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB},
+
     {PANEL_CONFIG, CONFIG_HEADER, UIK_STRING, "header", nullptr},
     {PANEL_CONFIG, CONFIG_OPEN, UIK_BUTTON, "open", CFW_OpenCB},
     {PANEL_CONFIG, CONFIG_GROUPS, UIK_LIST, "groups", CFW_GroupsCB},
@@ -261,6 +285,7 @@ const UI_Control UI_aControls[] = {
     {PANEL_CONFIG_EDIT, CFGEDIT_FROM_FILE, UIK_BUTTON, "fromFile", CFE_ButtonCB},
     {PANEL_CONFIG_EDIT, CFGEDIT_WRITE, UIK_BUTTON, "write", CFE_ButtonCB},
     {PANEL_CONFIG_EDIT, CFGEDIT_CLOSE, UIK_BUTTON, "closePanel", CFE_ButtonCB},
+
     {PANEL_DEBUGGER, DEBUG_PLACE, UIK_STRING, "place", DBW_PlaceCB},
     {PANEL_DEBUGGER, DEBUG_GO, UIK_BUTTON, "go", DBW_ButtonCB},
     {PANEL_DEBUGGER, DEBUG_BACK, UIK_BUTTON, "back", DBW_ButtonCB},

@@ -23,6 +23,8 @@ enum {
     PANEL_TERMINAL = 24,
     PANEL_CONNECT = 25,     // first steps, inside the main panel
     PANEL_LOADER = 30,      // flash loader
+    PANEL_ARRAY = 39,       // array inspector
+    PANEL_RECORD = 40,      // record inspector
     PANEL_DATA_LOG = 31,    // the data logger's log
 };
 
@@ -278,6 +280,32 @@ enum {
     SCOPE_SHOWN = 29, // curves, or the spectrum of one
 };
 
+// Array inspector.
+enum {
+    ARRAY_PLACE = 1,
+    ARRAY_STATE = 2,        // type, size and place
+    ARRAY_LIST = 3,
+    ARRAY_GRAPH = 4,
+    ARRAY_CURVE = 5,
+    ARRAY_COPY = 6,
+    ARRAY_SAVE = 7,
+    ARRAY_LOAD = 8,
+    ARRAY_PREVIOUS = 9,
+    ARRAY_NEXT = 10,
+    ARRAY_MESSAGE = 11,
+    ARRAY_TIMER = 12,
+};
+
+// Record inspector.
+enum {
+    RECORD_PLACE = 1,
+    RECORD_LIST = 2,
+    RECORD_OPEN = 3,        // opens or closes the selected line
+    RECORD_ADD = 4,
+    RECORD_MESSAGE = 5,
+    RECORD_TIMER = 6,
+};
+
 // Device configuration.
 enum {
     CONFIG_HEADER = 1,      // path
@@ -397,6 +425,8 @@ enum {
     ITEM_DEBUGGER = 80,
     ITEM_SIMULATOR = 81,
     ITEM_TRACE = 82,
+    ITEM_ARRAY = 180,
+    ITEM_RECORD = 181,
     ITEM_LOADER = 140,
     ITEM_HELP = 85,
     ITEM_ABOUT = 86,
@@ -419,6 +449,9 @@ enum {
     ITEM_COPY_MEMORY = 108,
     ITEM_SNAPSHOT = 109,
     ITEM_CONNECT_PAGE = 130,
+    ITEM_RECORD = 160,      // the watch list into a file, on or off
+    ITEM_RECORD_MARK = 161, // a text into it
+    ITEM_RECORD_WHEN = 162, // what starts and stops it
     ITEM_RELOAD_NOW = 131,  // the same file again, without asking
 };
 

@@ -214,6 +214,8 @@ void OnBatch(const VIEW_Batch &batch)
         headless.popupMenu = batch.popupMenu;
     if (!batch.helpFile.empty())
         PrintForPerson("The help text is " + batch.helpFile + "\n");
+    if (batch.isBeep)
+        std::fputs("\a", stderr);
     if (batch.hasClipboard)
         headless.clipboard = batch.clipboard;
     if (batch.question.id != 0)

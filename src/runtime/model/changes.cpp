@@ -158,7 +158,7 @@ bool IsEmpty(const VIEW_Batch &batch)
            batch.lists.empty() && batch.boxes.empty() && batch.graphs.empty() &&
            batch.completions.empty() && batch.progress.empty() && batch.popupMenu == 0 &&
            batch.question.id == 0 && batch.closedQuestion == 0 && batch.layouts.empty() &&
-           !batch.hasClipboard && batch.helpFile.empty() && !batch.isEnded;
+           !batch.hasClipboard && !batch.isBeep && batch.helpFile.empty() && !batch.isEnded;
 }
 
 } // namespace

@@ -151,6 +151,7 @@ void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
     if (fresh.hasClipboard)
         old->clipboard = std::move(fresh.clipboard);
     old->hasClipboard |= fresh.hasClipboard;
+    old->isBeep |= fresh.isBeep;
     for (UI_Layout &layout : fresh.layouts)
         old->layouts.push_back(std::move(layout));
     if (!fresh.helpFile.empty())

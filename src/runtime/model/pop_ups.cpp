@@ -230,6 +230,12 @@ int ShowHelpText(const std::string &path)
     return 0;
 }
 
+int Beep()
+{
+    MDL_GetState().extra.isBeep = true;
+    return 0;
+}
+
 int ClipboardPutText(const std::string &text)
 {
     MDL_State &state = MDL_GetState();

@@ -5,8 +5,11 @@
 #define RUNTIME_QT_LINE_DELEGATE_H
 
 #include <QFont>
+#include <QGlyphRun>
 #include <QHash>
+#include <QRawFont>
 #include <QStyledItemDelegate>
+#include <array>
 
 #include "runtime/qt/line_model.h"
 #include "runtime/qt/look.h"
@@ -24,6 +27,10 @@ public:
     void setModelData(QWidget *editor, QAbstractItemModel *model,
                       const QModelIndex &index) const override;
     void usePalette(const QPalette &palette);
+    QColor ground() const // where there is no line
+    {
+        return m_colors.ground[LG_BASE];
+    }
     // Around the painting of the rows from `first` up to `end`, which are in view. True when a
     // number longer than those so far has moved the points of lines that were not painted.
     void beginPainting(int first, int end);
@@ -36,6 +43,8 @@ private:
         QFont font;
         double digit = 0; // width of a digit when all characters are of one width, else 0
         int height = 0, ascent = 0;
+        QRawFont raw;
+        std::array<quint32, 128> glyphs{}; // of the ASCII characters
     };
     static Face makeFace(const QFont &font, bool isFixed);
     const Face &face(int column) const
@@ -43,6 +52,7 @@ private:
         return column == 0 ? m_plain : m_fixed;
     }
     QFont fontOf(const ListCell &cell, int column) const;
+    void drawText(QPainter *painter, const ListCell &cell, int column, const QPointF &at) const;
     void measure(const ListCell &cell, int column) const;
 
     QWidget *m_list;

@@ -3,6 +3,7 @@
 #include <QContextMenuEvent>
 #include <QDropEvent>
 #include <QHeaderView>
+#include <QPainter>
 #include <QScopedValueRollback>
 #include <QScrollBar>
 #include <algorithm>
@@ -37,6 +38,7 @@ LineList::LineList(QWidget *parent)
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setTabKeyNavigation(false);
     setCornerButtonEnabled(false);
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent); // no pixel is filled twice
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     verticalHeader()->setMinimumSectionSize(ROW_HEIGHT);
@@ -197,13 +199,54 @@ void LineList::keyboardSearch(const QString &typed)
     QTableView::keyboardSearch(typed);
 }
 
+// As the table would, without asking it for an index, a rectangle and a look of every cell.
 void LineList::paintEvent(QPaintEvent *event)
 {
     const int first = firstVisible();
-    m_delegate->beginPainting(first, qMin(first + linesInView() + 1, m_model->rowCount()));
-    QTableView::paintEvent(event);
+    const int end = qMin(first + linesInView() + 1, m_model->rowCount());
+    m_delegate->beginPainting(first, end);
+    if (state() == DraggingState) { // it knows where the line goes
+        QPainter(viewport()).fillRect(event->rect(), m_delegate->ground());
+        QTableView::paintEvent(event);
+    } else {
+        paintCells(event->region(), first, end);
+    }
     if (m_delegate->endPainting())
         viewport()->update();
+}
+
+void LineList::paintCells(const QRegion &region, int first, int end)
+{
+    QPainter painter(viewport());
+    QStyleOptionViewItem option;
+    initViewItemOption(&option);
+    const QStyle::State plain = option.state & ~QStyle::State_Selected;
+    const QRect around = region.boundingRect();
+    std::vector<QRect> columns;
+    int right = 0; // end of the last column
+    for (int i = 0; i < m_model->columnCount(); i++) {
+        const bool isShown = !isColumnHidden(i) && columnWidth(i) > 0;
+        columns.push_back(isShown ? QRect(columnViewportPosition(i), 0, columnWidth(i), ROW_HEIGHT)
+                                  : QRect());
+        right = isShown ? qMax(right, columns.back().right() + 1) : right;
+    }
+    const int bottom = qMax(0, end - first) * ROW_HEIGHT;
+    for (const QRect &empty : {QRect(0, bottom, viewport()->width(), viewport()->height() - bottom),
+                               QRect(right, 0, viewport()->width() - right, bottom)})
+        if (region.intersects(empty))
+            painter.fillRect(empty, m_delegate->ground());
+    for (int row = first; row < end; row++) {
+        const int top = (row - first) * ROW_HEIGHT;
+        if (top + ROW_HEIGHT <= around.top() || top > around.bottom())
+            continue;
+        const bool isSelected = selectionModel()->isSelected(m_model->index(row, 0));
+        option.state = plain | (isSelected ? QStyle::State_Selected : QStyle::State_None);
+        for (size_t i = 0; i < columns.size(); i++) {
+            option.rect = columns[i].translated(0, top);
+            if (columns[i].isValid() && region.intersects(option.rect))
+                m_delegate->paint(&painter, option, m_model->index(row, static_cast<int>(i)));
+        }
+    }
 }
 
 void LineList::selectionChanged(const QItemSelection &now, const QItemSelection &before)

@@ -71,6 +71,7 @@ protected:
 
 private:
     bool editCell();
+    void paintCells(const QRegion &region, int first, int end);
     void noteWidth(int column, int before, int now);
     void showColumnsThatFit();
 

@@ -26,6 +26,7 @@ struct ListCell {
     // Kept by the table, -1 while not measured: how far the text reaches, in pixels, ...
     mutable double width = -1;
     mutable double beforePoint = -1; // ... and its part before the decimal point, -1 no number
+    mutable bool isEven = false;     // all its characters are of one width
     qint64 changedAt = 0;            // milliseconds of the table's clock; 0 = long ago
     bool isSame(const ListCell &other) const
     {

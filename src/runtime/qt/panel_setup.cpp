@@ -2,6 +2,7 @@
 #include "runtime/qt/qt_view.h"
 
 #include "ui/resource.h"
+#include "ui_array.h"
 #include "ui_config.h"
 #include "ui_config_edit.h"
 #include "ui_connect.h"
@@ -13,6 +14,7 @@
 #include "ui_loader.h"
 #include "ui_main.h"
 #include "ui_memory.h"
+#include "ui_record.h"
 #include "ui_scope.h"
 #include "ui_simulator.h"
 #include "ui_statistics.h"
@@ -55,6 +57,8 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_GRAPH, Setup<Ui::GraphPanel>},
     {PANEL_STRUCT_SELECTOR, Setup<Ui::StructSelectorPanel>},
     {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
+    {PANEL_ARRAY, Setup<Ui::ArrayPanel>},
+    {PANEL_RECORD, Setup<Ui::RecordPanel>},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
     {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
 };

@@ -250,6 +250,8 @@ void QTV_Draw(const VIEW_Batch &batch)
         QTV_OpenPopupMenu(batch.popupMenu);
     if (!batch.helpFile.empty())
         QTV_ShowHelp(batch.helpFile);
+    if (batch.isBeep)
+        QApplication::beep();
     if (batch.hasClipboard)
         QGuiApplication::clipboard()->setText(QTV_ToQt(batch.clipboard));
     isDrawing = false;

@@ -5,6 +5,7 @@
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/age.h"
@@ -112,6 +113,9 @@ std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
     cells[LSV_NAME] = {WRD_Visible(item.name), UIS_NORMAL, line.comment}; // for narrow windows
     cells[LSV_ADDRESS].text =
         isResolved ? WRD_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
+    // An item by address shows what lies there, one by name where in it.
+    if (isResolved && !LIT_IsTMS(item))
+        cells[LSV_ADDRESS].tip = SYM_AddressToName(item.address);
     cells[LSV_TYPE].text = item.type + std::to_string(item.size);
     cells[LSV_VALUE] = {line.value, line.style, line.tip};
     cells[LSV_AGE] = {line.age, UIS_DIM, line.tip};

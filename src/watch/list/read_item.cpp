@@ -19,7 +19,6 @@ namespace {
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
 constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
 constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
-const char NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
 const char CANCELLED[] = "cancelled";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 
@@ -40,7 +39,7 @@ LItem *ItemAt(int index)
 std::string FailureText(const LItem &item, int mailboxResult)
 {
     if (item.address == LITEM_NO_ADDRESS)
-        return NOT_RESOLVED;
+        return RDI_NOT_RESOLVED;
     if (!LIT_HasAddress(item))
         return OUT_OF_RANGE;
     return LIT_IsTMS(item) ? TMS_ErrorText(mailboxResult) : UCM_LastErrorText();

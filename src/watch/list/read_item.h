@@ -8,6 +8,9 @@
 #include <string>
 #include <vector>
 
+// Why an item without an address has failed.
+constexpr char RDI_NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
+
 // Watch items by index in aLItems; implemented in watch/list/read_item.cpp.
 int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
 int readTMS(int index, uint32_t *value); // 0, -1, -2 no address or the mailbox stays busy

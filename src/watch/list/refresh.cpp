@@ -26,6 +26,7 @@ int nErrors = 0;
 namespace {
 
 constexpr double IDLE_PERIOD_S = 1.0;
+constexpr uint32_t RECORD_PERIOD_MS = 1000;
 constexpr double SHORTEST_PERIOD_S = 0.001;
 constexpr uint32_t PAUSE_MIN_MS = 3000; // without a tick: the console view, a long script
 constexpr int ERRORS_MAX = 3;           // more failed reads without a good sweep switch off
@@ -193,6 +194,21 @@ void CountErrors()
         VR_AutoOff(lastFailure);
 }
 
+RFR_Recorder recorder;
+uint32_t recordedMs = 0;
+
+void ServeRecorder()
+{
+    const uint32_t nowMs = PLT_TickMs();
+    if (recorder.tick != nullptr)
+        recorder.tick();
+    if (VR_enAppMode == MODE_CONFIGURATION || nowMs - recordedMs < RECORD_PERIOD_MS)
+        return;
+    recordedMs = nowMs;
+    if (recorder.record != nullptr)
+        recorder.record();
+}
+
 // Nothing was read while the ticks did not come, and no sweep was counted.
 void NoticePause()
 {
@@ -210,6 +226,11 @@ void NoticePause()
 bool RFR_IsRate(int rate)
 {
     return std::find(std::begin(RFR_RATES), std::end(RFR_RATES), rate) != std::end(RFR_RATES);
+}
+
+void RFR_SetRecorder(const RFR_Recorder &wanted)
+{
+    recorder = wanted;
 }
 
 double RFR_Period()
@@ -251,6 +272,7 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     if (event != EVENT_TIMER_TICK || !isTimer || VR_enAppMode == MODE_CONFIGURATION)
         return 0;
     NoticePause();
+    ServeRecorder();
     if (!openLItems && nLItems == 0) {
         SetPeriod(IDLE_PERIOD_S);
         UpdItem = 0;

@@ -16,6 +16,13 @@ constexpr int RFR_RATES[] = {1, 2, 5, 10, 0};
 bool RFR_IsRate(int rate);
 double RFR_Period(); // seconds between ticks, by Option_nSweepRate and the lines in view
 
+// What else the timer's ticks are for, while communication is on. Entries may be null.
+struct RFR_Recorder {
+    void (*record)() = nullptr; // once a second, but not in configuration mode
+    void (*tick)() = nullptr;   // each time
+};
+void RFR_SetRecorder(const RFR_Recorder &recorder);
+
 // The next tick begins a sweep at the first visible line, whatever the last one found.
 void RFR_BeginSweep();
 // Communication was switched on or off: shows which, on the place that it shares with the

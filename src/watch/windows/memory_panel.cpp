@@ -12,6 +12,7 @@
 #include "runtime/list_columns.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "symbols/addr_name.h"
 #include "text/bytes.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
@@ -27,7 +28,6 @@ constexpr int DEFAULT_COUNT = 64;
 // Pixels; the captions above the list stand at the same places.
 constexpr int HEX_COLUMN = 80;
 constexpr int TEXT_COLUMN = 436;
-const char COM_OFF[] = "communication is off.";
 
 typedef std::vector<uint8_t> Bytes;
 
@@ -161,6 +161,9 @@ void ShowPlace()
     if (FindStart(&address, &station, &text)) {
         text = PlaceText(address, station < 0 ? STATION : station);
         text[0] = 'B';
+        const std::string name = SYM_AddressToName(address);
+        if (!name.empty() && name != TypedAddress())
+            text += ": " + name;
     }
     SetCtrlVal(PANEL, MEMORY_PLACE, text);
 }
@@ -215,7 +218,7 @@ void ReadAndShow()
     if (!ReadTypedRange(&wanted))
         return;
     if (!VR_EnsureCom()) {
-        ShowOutcome(std::string("Not read: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
     const uint32_t count = static_cast<uint32_t>(wanted.bytes.size());
@@ -322,7 +325,7 @@ void WriteAndShow()
     else if (wanted == before)
         ShowOutcome("Nothing to write: the bytes are as they were read.", COLOR_PLAIN);
     else if (!VR_EnsureCom())
-        ShowOutcome(std::string("REFUSED: Not written: ") + COM_OFF, COLOR_BAD);
+        ShowOutcome(std::string("REFUSED: Not written: ") + COM_OFF_TEXT, COLOR_BAD);
     else
         WriteLine(first, before, wanted);
 }

@@ -76,7 +76,7 @@ std::string AddressText(const LItem &item)
 {
     char text[80];
     if (item.address == LITEM_NO_ADDRESS)
-        return "not resolved: no such name in the loaded maps";
+        return RDI_NOT_RESOLVED;
     if (LIT_IsTMS(item))
         std::snprintf(text, sizeof text, "0x%X, a word address of the TMS320", item.address);
     else if (IsWordAddressing(Procesor))
@@ -172,7 +172,7 @@ void ReadAndShow()
     if (index < 0)
         return;
     if (!VR_EnsureCom()) {
-        ShowOutcome("Not read: communication is off.", COLOR_BAD);
+        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
     if (ReadItem(index))
@@ -192,7 +192,7 @@ void WriteAndShow()
     uint64_t bits = 0;
     int result = WRV_Parse(aLItems[index], text, &bits, &message);
     if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
-        ShowOutcome("REFUSED: The value was not written: communication is off.", COLOR_BAD);
+        ShowOutcome(std::string("REFUSED: The value was not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
     if (result == WRV_OK)

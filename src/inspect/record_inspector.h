@@ -1,0 +1,19 @@
+// The record inspector: a structure, union or array of the target as a tree with live values.
+// Reads only the lines in view; a pointer is followed when its line is opened. A value is
+// edited in its cell and read back; what has a name can be put into the watch list.
+#ifndef INSPECT_RECORD_INSPECTOR_H
+#define INSPECT_RECORD_INSPECTOR_H
+
+#include <string>
+
+void RCI_Open(const std::string &expression); // "" = what was shown last
+// Maps or types may have changed: a tree of the old ones is built anew.
+void RCI_NamesChanged();
+void RCI_OpenCB(int menuBar, int item); // on the selected watch item
+int RCI_PanelCB(int panel, int event, int data);
+int RCI_PlaceCB(int panel, int control, int event, int data);
+int RCI_ListCB(int panel, int control, int event, int data);
+int RCI_ButtonCB(int panel, int control, int event, int data);
+int RCI_TimerCB(int panel, int control, int event, int data);
+
+#endif

@@ -1,0 +1,184 @@
+#include "inspect/record_tree.h"
+
+#include <algorithm>
+
+#include "comm/sysaddr.h"
+#include "settings/limits.h"
+#include "settings/settings.h"
+#include "symbols/typemap.h"
+#include "symbols/typemap_list.h"
+#include "symbols/varexpr.h"
+#include "symbols/varnode.h"
+
+namespace {
+
+std::vector<uint32_t> CopyChain(const uint32_t *chain)
+{
+    std::vector<uint32_t> copy;
+    for (int i = 0; i < TMF_CODES_MAX && chain[i] != 0; ++i)
+        copy.push_back(chain[i]);
+    copy.push_back(0);
+    return copy;
+}
+
+RCT_Node MakeNode(const std::string &name, const std::string &expression, const uint32_t *chain,
+                  uint32_t address, int depth)
+{
+    RCT_Node node;
+    node.name = name;
+    node.expression = expression;
+    node.chain = CopyChain(chain);
+    node.address = address;
+    node.depth = depth;
+    const uint32_t code = chain[0];
+    switch (code & TMF_DERIVATION) {
+    case TMF_STRUCT:
+    case TMF_UNION:
+        node.kind = RCT_RECORD;
+        break;
+    case TMF_ARRAY:
+        node.kind = RCT_ARRAY;
+        break;
+    case TMF_POINTER:
+        node.kind = RCT_POINTER;
+        node.size = static_cast<uint32_t>(TMF_GetPtrSize(Procesor, false));
+        break;
+    case 0:
+        node.size = static_cast<uint32_t>(std::max(TMF_GetElemSize(code), 0));
+        node.kind = node.size > 0 ? RCT_VALUE : RCT_OTHER;
+        break;
+    default:
+        break;
+    }
+    return node;
+}
+
+std::vector<RCT_Node> ListMembers(const RCT_Node &parent)
+{
+    std::vector<RCT_Node> parts;
+    std::vector<uint32_t> offsets;
+    const uint32_t code = parent.chain[0];
+    if (!TMF_MemberOffsets(code, &offsets))
+        return parts;
+    const TMF_Decl *members = TMF_paDefStructCts[(code & TMF_VALUE) - 1].paMembers;
+    for (size_t i = 0; i < offsets.size(); ++i)
+        parts.push_back(
+            MakeNode(members[i].name,
+                     parent.expression.empty() ? "" : parent.expression + "." + members[i].name,
+                     members[i].chain, parent.address + offsets[i], parent.depth + 1));
+    return parts;
+}
+
+std::vector<RCT_Node> ListElements(const RCT_Node &parent)
+{
+    std::vector<RCT_Node> parts;
+    uint32_t count = 0, stride = 0;
+    if (TMF_GetArrayInfo(parent.chain.data(), &count, &stride) != 0)
+        return parts;
+    for (uint32_t i = 0; i < std::min(count, RCT_ELEMENTS_MAX); ++i) {
+        const std::string index = "[" + std::to_string(i) + "]";
+        parts.push_back(MakeNode(index, parent.expression.empty() ? "" : parent.expression + index,
+                                 parent.chain.data() + 1, parent.address + i * stride,
+                                 parent.depth + 1));
+    }
+    return parts;
+}
+
+} // namespace
+
+int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause)
+{
+    uint32_t chain[TMF_CHAIN_SIZE], offset = 0;
+    const uint32_t address = inStruct(expression.c_str(), aVarNode, nNodes);
+    if (openStruct == OPEN_NONE || address >= ADDR_LIMIT) {
+        *cause = "no loaded map knows '" + expression + "'";
+        return -1;
+    }
+    if (TMF_GetEfType(expression.c_str(), chain, &offset) != 0) {
+        *cause = "the type map does not know '" + expression + "'";
+        return -1;
+    }
+    tree->nodes = {MakeNode(expression, expression, chain, address, 0)};
+    const RCT_Kind kind = tree->nodes[0].kind;
+    return kind == RCT_RECORD || kind == RCT_ARRAY ? RCT_Open(tree, 0, ADDR_NONE, cause) : 0;
+}
+
+int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause)
+{
+    const RCT_Node node = tree->nodes[index];
+    std::vector<RCT_Node> parts;
+    if (node.isOpen)
+        return 0;
+    if (node.depth >= RCT_DEPTH_MAX) {
+        *cause = "more than " + std::to_string(RCT_DEPTH_MAX) + " levels are not shown";
+        return -1;
+    }
+    if (node.kind == RCT_RECORD)
+        parts = ListMembers(node);
+    else if (node.kind == RCT_ARRAY)
+        parts = ListElements(node);
+    else if (node.kind == RCT_POINTER && target < ADDR_LIMIT && node.chain.size() > 2)
+        parts = {MakeNode("*" + node.name, "", node.chain.data() + 1, target, node.depth + 1)};
+    if (parts.empty() || tree->nodes.size() + parts.size() > RCT_NODES_MAX) {
+        *cause = parts.empty() ? "there is nothing inside" : "more lines than can be shown";
+        return -1;
+    }
+    tree->nodes[index].isOpen = true;
+    tree->nodes.insert(tree->nodes.begin() + static_cast<long>(index) + 1, parts.begin(),
+                       parts.end());
+    return 0;
+}
+
+void RCT_Close(RCT_Tree *tree, size_t index)
+{
+    size_t end = index + 1;
+    while (end < tree->nodes.size() && tree->nodes[end].depth > tree->nodes[index].depth)
+        ++end;
+    tree->nodes.erase(tree->nodes.begin() + static_cast<long>(index) + 1,
+                      tree->nodes.begin() + static_cast<long>(end));
+    tree->nodes[index].isOpen = false;
+}
+
+uint32_t RCT_GetTarget(uint32_t value)
+{
+    if (value == 0)
+        return ADDR_NONE;
+    const uint32_t address = IsWordAddressing(Procesor)
+                                 ? (value < ADDR_LIMIT / 2 ? value * 2 : ADDR_NONE)
+                                 : QuickNearToHuge(static_cast<uint16_t>(value));
+    return address < ADDR_LIMIT ? address : ADDR_NONE;
+}
+
+std::string RCT_FormatType(const RCT_Node &node)
+{
+    return TMF_FormatDecl("", node.chain.data());
+}
+
+std::string RCT_FormatParts(const RCT_Node &node)
+{
+    uint32_t count = 0, stride = 0;
+    if (node.kind == RCT_ARRAY && TMF_GetArrayInfo(node.chain.data(), &count, &stride) == 0)
+        return "[" + std::to_string(count) + "]" +
+               (node.isOpen && count > RCT_ELEMENTS_MAX
+                    ? " the first " + std::to_string(RCT_ELEMENTS_MAX)
+                    : "");
+    if (node.kind != RCT_RECORD)
+        return "";
+    if ((node.chain[0] & TMF_VALUE) > static_cast<uint32_t>(TMF_cnDefStructCts))
+        return "";
+    const int32_t members = TMF_paDefStructCts[(node.chain[0] & TMF_VALUE) - 1].members;
+    const bool isUnion = (node.chain[0] & TMF_DERIVATION) == TMF_UNION;
+    return (isUnion ? "union of " : "{ ") + std::to_string(members) + (isUnion ? "" : " members }");
+}
+
+LItem RCT_MakeItem(const RCT_Node &node)
+{
+    LItem item;
+    const uint32_t code = node.chain[0];
+    item.address = node.address;
+    item.size = static_cast<int32_t>(node.size);
+    item.type = (code & TMF_KIND) == TMF_FLOAT ? 'f' : (code & TMF_SIGNED) != 0 ? 'i' : 'u';
+    if (node.kind == RCT_POINTER)
+        item.type = 'x';
+    return item;
+}

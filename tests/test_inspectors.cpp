@@ -1,0 +1,253 @@
+// The array and record inspectors on the example project: what is in view is read, what is
+// written is read back, and pointers, unions and sizes end where they must.
+#include "comm/communication.h"
+#include "inspect/array_inspector.h"
+#include "inspect/record_inspector.h"
+#include "inspect/record_tree.h"
+#include "support/console_rig.h"
+#include "symbols/mapfile.h"
+#include "symbols/typemap.h"
+#include "symbols/varnode.h"
+#include "watch/list/litem.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+const std::string EXAMPLES = EXAMPLES_DIR "/";
+
+struct Inspectors : ConsoleRig {
+    void SetUp() override
+    {
+        ConsoleRig::SetUp();
+        SIMT_Stop(RIG_PORT, target);
+        target = SIMT_Start(RIG_PORT, SIM_Options()); // the demo
+        TMF_CleanTables();
+        initRgMap(CPU_C167);
+        ASSERT_EQ(0, ReadMap((EXAMPLES + "demo.m66").c_str()));
+        openStruct = OPEN_MAP_FILE;
+        ASSERT_EQ(0, TMF_OpenMap((EXAMPLES + "demo.tmf").c_str()));
+        HL_SetDefaultAnswer(HL_ANSWER_YES);
+        VIR2_StartPeriodicASC();
+        ASSERT_EQ(1, isTimer);
+    }
+    void TearDown() override
+    {
+        VIR2_StopPeriodicASC();
+        TMF_CleanTables();
+        TMF_szFileName.clear();
+        RCI_NamesChanged();
+        ARI_NamesChanged();
+        ConsoleRig::TearDown();
+        FreeNodes(aVarNode166, &nNodes166);
+        openStruct166 = 0;
+        nLItems = 0;
+    }
+    static std::string GetCell(int panel, int list, int line, size_t column)
+    {
+        std::vector<UI_Cell> cells;
+        GetListCells(panel, list, line, &cells);
+        return column < cells.size() ? cells[column].text : "<none>";
+    }
+    static int Count(int panel, int list)
+    {
+        int count = -1;
+        GetNumListItems(panel, list, &count);
+        return count;
+    }
+    static void Name(int panel, const std::string &text)
+    {
+        HL_SetUserVal(panel, 1, text);
+        HL_CommitControl(panel, 1);
+    }
+    void Open(int line)
+    {
+        HL_SelectLine(PANEL_RECORD, RECORD_LIST, line);
+        HL_Key(PANEL_RECORD, RECORD_LIST, KEY_RIGHT);
+    }
+};
+
+TEST(ArrayPlace, IsNamedOrTyped)
+{
+    FreeNodes(aVarNode, &nNodes);
+    openStruct = OPEN_NONE;
+    const struct {
+        const char *text;
+        uint32_t rows, columns; // 0: refused
+    } cases[] = {{"$8140, u2, 32", 32, 1},
+                 {"$8140, i4, 2, 8", 2, 8},
+                 {"$8140 ,f4, 3 , 2", 3, 2},
+                 {"$8140, u1, 4, 100", 400, 1},
+                 {"$0, u1, 16777216", 16777216, 1},
+                 {"$1, u1, 16777216", 0, 0},
+                 {"$8140, u4, 134000000", 0, 0},
+                 {"$8140, u2, 65536, 65536", 0, 0},
+                 {"$8140, u2, 0", 0, 0},
+                 {"$8140, u2, -1", 0, 0},
+                 {"$8140, u3, 4", 0, 0},
+                 {"$8140, u2", 0, 0},
+                 {"$8140, u2, 3, 4, 5", 0, 0},
+                 {"nothing, u2, 3", 0, 0},
+                 {"&x, u2, 3", 0, 0},
+                 {"", 0, 0}};
+    for (const auto &row : cases) {
+        ARI_Array array;
+        std::string cause;
+        ASSERT_EQ(row.rows == 0, ARI_Parse(row.text, &array, &cause) != 0) << row.text;
+        EXPECT_EQ(row.rows == 0, !cause.empty());
+        if (row.rows != 0) {
+            EXPECT_EQ(row.rows, array.rows) << row.text;
+            EXPECT_EQ(row.columns, array.columns) << row.text;
+        }
+    }
+}
+
+TEST_F(Inspectors, ArraysAreReadEditedAndSaved)
+{
+    HL_ClickMenu(ITEM_ARRAY);
+    Name(PANEL_ARRAY, "afCurve");
+    EXPECT_EQ("f4 [16] at 0x008180", UiText(PANEL_ARRAY, ARRAY_STATE));
+    EXPECT_EQ("0.75", GetCell(PANEL_ARRAY, ARRAY_LIST, 3, 1));
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 3, 1, "1.5\t-2 ; 7");
+    EXPECT_EQ("OK: Elements written and read back: 3.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("-2", GetCell(PANEL_ARRAY, ARRAY_LIST, 4, 1));
+    EXPECT_EQ("7", GetCell(PANEL_ARRAY, ARRAY_LIST, 5, 1));
+    EXPECT_EQ("1.5", GetCell(PANEL_ARRAY, ARRAY_LIST, 6, 1)) << "0.25 * 6, untouched";
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 14, 1, "1 2 3");
+    EXPECT_EQ(0u, UiText(PANEL_ARRAY, ARRAY_MESSAGE).find("REFUSED")) << "one too many";
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 0, 1, "1 x");
+    EXPECT_EQ("REFUSED: Nothing was written: value 2, 'x', is no number.",
+              UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("0", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 1));
+
+    // Two dimensions: rows as lines, columns as columns, a curve each.
+    Name(PANEL_ARRAY, "$8140, u2, 8, 4");
+    EXPECT_EQ("49", GetCell(PANEL_ARRAY, ARRAY_LIST, 1, 4)) << "7 * 7";
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 1, 4, "1000");
+    EXPECT_EQ((std::vector<uint8_t>{0xE8, 0x03}), Peek(0x814E, 2));
+    HL_CommitControl(PANEL_ARRAY, ARRAY_CURVE);
+    std::vector<UI_Plot> plots;
+    GetGraphPlots(PANEL_ARRAY, ARRAY_GRAPH, &plots);
+    ASSERT_EQ(4u, plots.size());
+    EXPECT_EQ(1000, (*plots[3].y)[1]);
+    EXPECT_EQ(8u, plots[3].y->size());
+
+    // A file goes out and comes back; one that does not fit changes nothing.
+    HL_PushAnswer(1, "array.csv");
+    HL_CommitControl(PANEL_ARRAY, ARRAY_SAVE);
+    const std::string saved = ReadFile("array.csv");
+    EXPECT_EQ(0u, saved.find("; $8140, u2, 8, 4, u2\r\n0,1,4,9\r\n16,25,36,1000\r\n")) << saved;
+    Poke(0x8140, {9, 9, 9, 9});
+    HL_PushAnswer(1, "array.csv");
+    HL_CommitControl(PANEL_ARRAY, ARRAY_LOAD);
+    EXPECT_EQ("OK: Elements written and read back: 32.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ((std::vector<uint8_t>{0, 0, 1, 0}), Peek(0x8140, 4));
+    WriteFileText("short.csv", saved.substr(0, saved.rfind(',')));
+    Poke(0x8140, {9, 9});
+    HL_PushAnswer(1, "short.csv");
+    HL_CommitControl(PANEL_ARRAY, ARRAY_LOAD);
+    EXPECT_EQ("REFUSED: Nothing was written: the file holds another number of values than 32.",
+              UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ((std::vector<uint8_t>{9, 9}), Peek(0x8140, 2));
+}
+
+TEST_F(Inspectors, ALargeArrayReadsOnlyWhatIsInView)
+{
+    HL_ClickMenu(ITEM_ARRAY);
+    const uint64_t before = SIM_GetCounters(target).requests;
+    Name(PANEL_ARRAY, "$10000, u4, 4000000");
+    EXPECT_EQ(1000, Count(PANEL_ARRAY, ARRAY_LIST));
+    EXPECT_LT(SIM_GetCounters(target).requests - before, 10u);
+    EXPECT_EQ("0", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 1));
+    EXPECT_EQ("", GetCell(PANEL_ARRAY, ARRAY_LIST, 900, 1)) << "not in view, not read";
+    HL_CommitControl(PANEL_ARRAY, ARRAY_NEXT);
+    EXPECT_EQ("[1000]", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 0));
+    HL_CommitControl(PANEL_ARRAY, ARRAY_CURVE);
+    EXPECT_EQ("More than 65536 elements: name a part of the array.",
+              UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    SIM_Options faults;
+    faults.silentAfter = 0;
+    SIM_SetFaults(target, faults);
+    HL_FireTimer(PANEL_ARRAY, ARRAY_TIMER);
+    EXPECT_EQ("Not read: no answer.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 1)) << "no value without an answer";
+}
+
+TEST_F(Inspectors, RecordsOpenLevelByLevel)
+{
+    HL_ClickMenu(ITEM_RECORD);
+    Name(PANEL_RECORD, "DRV_stParams");
+    EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST));
+    EXPECT_EQ("- DRV_stParams", GetCell(PANEL_RECORD, RECORD_LIST, 0, 0));
+    EXPECT_EQ("{ 6 members }", GetCell(PANEL_RECORD, RECORD_LIST, 0, 1));
+    EXPECT_EQ("250", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+    EXPECT_EQ("union of 2", GetCell(PANEL_RECORD, RECORD_LIST, 3, 1));
+    Open(3);
+    EXPECT_EQ("258", GetCell(PANEL_RECORD, RECORD_LIST, 4, 1)) << "0x0102";
+    EXPECT_EQ(GetCell(PANEL_RECORD, RECORD_LIST, 4, 3), GetCell(PANEL_RECORD, RECORD_LIST, 5, 3))
+        << "members of a union lie over one another";
+    HL_EditCell(PANEL_RECORD, RECORD_LIST, 1, 1, "-7");
+    EXPECT_EQ("-7", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+    EXPECT_EQ((std::vector<uint8_t>{0xF9, 0xFF}), Peek(0x8222, 2));
+    HL_EditCell(PANEL_RECORD, RECORD_LIST, 1, 1, "70000");
+    EXPECT_EQ("-7", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1)) << "out of range";
+    HL_SelectLine(PANEL_RECORD, RECORD_LIST, 4);
+    HL_CommitControl(PANEL_RECORD, RECORD_ADD);
+    ASSERT_EQ(1, nLItems);
+    EXPECT_EQ("DRV_stParams.unMode.wAll", aLItems[0].name);
+    HL_SelectLine(PANEL_RECORD, RECORD_LIST, 3);
+    HL_Key(PANEL_RECORD, RECORD_LIST, KEY_LEFT);
+    EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST));
+    Name(PANEL_RECORD, "nothing");
+    EXPECT_EQ("Not shown: no loaded map knows 'nothing'.", UiText(PANEL_RECORD, RECORD_MESSAGE));
+    EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST)) << "what is shown stays";
+
+    Name(PANEL_RECORD, "pwTable");
+    EXPECT_EQ("8140h -> awTable", GetCell(PANEL_RECORD, RECORD_LIST, 0, 1));
+    const uint8_t nine[] = {9, 0};
+    SIM_Poke(target, STATION, 0x8140, nine, sizeof nine);
+    Open(0);
+    EXPECT_EQ("*pwTable", GetCell(PANEL_RECORD, RECORD_LIST, 1, 0).substr(5));
+    EXPECT_EQ("9", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+}
+
+// A list whose last member leads back to the first, and a type map that goes away meanwhile.
+TEST_F(Inspectors, PointersInACircleEnd)
+{
+    WriteFileText("circle.tmf", "## 1 VARS\r\n1: 'wCount' _@0x38000001\r\n## 0 TYPES\r\n"
+                                "## 1 STRUCTS\r\n# 1 / 2:\r\n  'nValue' _@0x122\r\n"
+                                "  'pNext' _@0x28000000_@0x38000001\r\n");
+    ASSERT_EQ(0, TMF_OpenMap("circle.tmf"));
+    const uint32_t place = 0x9F00;
+    const VarNode *node = VRN_MapNodeAtOrAfter(0x8002);
+    ASSERT_STREQ("wCount", node->name);
+    aVarNode[node - aVarNode].addr = place;
+    SortMapNdxByAddr();
+    const uint8_t bytes[] = {5, 0, 0x00, 0x9F}; // pNext: itself
+    SIM_Poke(target, STATION, place, bytes, sizeof bytes);
+    HL_ClickMenu(ITEM_RECORD);
+    Name(PANEL_RECORD, "wCount");
+    int opened = 0;
+    for (int line = 2; opened < 100; ++opened) {
+        const int before = Count(PANEL_RECORD, RECORD_LIST);
+        Open(line);
+        if (Count(PANEL_RECORD, RECORD_LIST) == before)
+            break;
+        line += GetCell(PANEL_RECORD, RECORD_LIST, line, 0).find("*") == std::string::npos ? 1 : 2;
+    }
+    EXPECT_GT(opened, 10);
+    EXPECT_LT(opened, 25);
+    EXPECT_EQ("Not opened: more than 20 levels are not shown.",
+              UiText(PANEL_RECORD, RECORD_MESSAGE));
+    const uint8_t nothing[] = {0, 0};
+    SIM_Poke(target, STATION, place + 2, nothing, sizeof nothing);
+    Name(PANEL_RECORD, "wCount");
+    Open(2);
+    EXPECT_EQ("The pointer leads nowhere.", UiText(PANEL_RECORD, RECORD_MESSAGE));
+    TMF_CleanTables();
+    HL_FireTimer(PANEL_RECORD, RECORD_TIMER);
+    RCI_NamesChanged();
+    EXPECT_EQ(0, Count(PANEL_RECORD, RECORD_LIST)) << "nothing of the old types is shown";
+}
+
+} // namespace
