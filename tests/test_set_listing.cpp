@@ -83,7 +83,8 @@ TEST_F(SetListing, DifferencesAreOfValuesNotOfTheirSpelling)
                       "(u2) gone = 1\n// group = H\n(u1) t = 1\n"),
         Read("b.ldx", "// group = H\n(u2) t = 1\n// group = G\n(u2) same = 0Ah\n"
                       "(float) f = 0.10000000149\n008100h = 01 ab\n(u2) n = 2\n(u2) new = 1\n")};
-    EXPECT_EQ(Fill("{{differences}}<!-- file --> {{number}}{{file}}<!-- /file --><!-- group -->"
+    EXPECT_EQ(Fill("{{differences}}{{mark}}{{sign}}{{name}}{{limits}}<!-- file --> "
+                   "{{number}}{{file}}<!-- /file --><!-- group -->"
                    "[{{group}}<!-- row --> {{name}}{{rowmark}}<!-- file -->,{{value}}{{sign}}"
                    "<!-- /file --><!-- /row -->]<!-- /group -->",
                    files),

@@ -119,6 +119,8 @@ std::string LimitsText(const PST_Attributes &a)
 std::string MarkText(const Place &place)
 {
     const PST_Record *record = ValueAt(place);
+    if (!place.isInRow)
+        return "";
     if (place.files->size() > 1) {
         const bool isOther =
             place.isInFile ? !IsSameValue(place.row->records[0], record) : place.row->differs;
