@@ -10,6 +10,7 @@
 #include "scope/spectrum.h"
 #include "settings/settings.h"
 #include "sim/sim.h"
+#include "symbols/addr_name.h"
 #include "symbols/varnode.h"
 
 #include <algorithm>
@@ -130,6 +131,7 @@ void MeasureDemux()
 int main()
 {
     STATION = 1;
+    ADR_SetResolver(SYM_ResolveName);
     VRN_AddNode(aVarNode, &nNodes, BLOCK, "scope", nullptr);
     openStruct = OPEN_MAP_FILE;
     // A byte is two characters of hexadecimal; a Modbus request carries the address.

@@ -4,7 +4,9 @@
 #include "support/watch_fixture.h"
 #include "watch/list/list_view.h"
 
+#include <algorithm>
 #include <cmath>
+#include <functional>
 #include <random>
 
 namespace {
@@ -229,6 +231,12 @@ TEST_F(GraphWindow, SettingsComeBackAndBadLinesAreNamed)
         EXPECT_EQ(problems[0], "line 1: " + std::string(line));
         EXPECT_TRUE(loaded.curves.empty());
     }
+    problems.clear();
+    write("twice.graph", "curve, 1, x, u, 2, 1\r\ncurve, 1, y, u, 2, 1\r\n");
+    ASSERT_EQ(GRA_LoadSetup(path("twice.graph"), &loaded, &problems), 0);
+    EXPECT_EQ(problems.size(), 1u);
+    ASSERT_EQ(loaded.curves.size(), 1u);
+    EXPECT_EQ(loaded.curves[0].item.name, "x");
     EXPECT_EQ(GRA_LoadSetup(path("none.graph"), &loaded, &problems), -1);
 }
 
@@ -314,8 +322,8 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     HL_SetUserVal(PANEL_GRAPH, STRIP_TEXT, "here");
     press(STRIP_MARKER);
     sample(20);
-    press(STRIP_RECORD);
-    press(STRIP_START); // stops
+    press(STRIP_START); // stops, and ends the recording behind what was still to be proven
+    EXPECT_FALSE(GRW_GetSource().recorder.isOpen);
     const std::vector<UI_Plot> live = plots();
     UI_GraphView all = view();
     all.isXFitted = true;
@@ -374,6 +382,14 @@ TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromTheRecording)
     for (size_t i = 1; i < curves[0].values.size(); ++i)
         ASSERT_LT(std::fmod(curves[0].values[i] - curves[0].values[i - 1] + 20000, 20000), 2000)
             << i;
+    // Fine and coarse stretches side by side: no sample of their borders is there twice.
+    const double width = (last - from) / 50, middle = last - 20 * width;
+    std::vector<GRS_Points> parts;
+    source.past.path.clear(); // memory alone
+    ASSERT_EQ(GRS_Draw(&source, one, middle, middle + width, &parts), 0);
+    EXPECT_EQ(std::adjacent_find(parts[0].times.begin(), parts[0].times.end(),
+                                 std::greater_equal<double>()),
+              parts[0].times.end());
     std::vector<GRH_Measures> measures;
     EXPECT_EQ(GRS_Measure(&source, one, from, last, &measures), -1) << "not all is in memory";
     EXPECT_EQ(GRS_Measure(&source, one, last - 0.001, last, &measures), 0);

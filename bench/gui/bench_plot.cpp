@@ -92,10 +92,9 @@ void Print(const char *what, const Cost &cost, const Cost &floor)
 // From everything down to a thousandth, a bit narrower at each picture.
 void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
 {
-    plot->setPlots(MakePlots(curves, samples));
-    UI_GraphView view = plot->view();
-    view.isXFitted = view.isYFitted = true;
+    UI_GraphView view; // everything there is, once the plots have come
     plot->setView(view);
+    plot->setPlots(MakePlots(curves, samples));
     plot->replot(QCustomPlot::rpImmediateRefresh);
     Cost cost;
     for (int round = 0; round < ROUNDS; round++) {
