@@ -175,7 +175,7 @@ TEST_F(Inspectors, ALargeArrayReadsOnlyWhatIsInView)
 
 TEST_F(Inspectors, RecordsOpenLevelByLevel)
 {
-    HL_ClickMenu(ITEM_RECORD);
+    HL_ClickMenu(ITEM_RECORD_INSPECTOR);
     Name(PANEL_RECORD, "DRV_stParams");
     EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST));
     EXPECT_EQ("- DRV_stParams", GetCell(PANEL_RECORD, RECORD_LIST, 0, 0));
@@ -225,7 +225,7 @@ TEST_F(Inspectors, PointersInACircleEnd)
     SortMapNdxByAddr();
     const uint8_t bytes[] = {5, 0, 0x00, 0x9F}; // pNext: itself
     SIM_Poke(target, STATION, place, bytes, sizeof bytes);
-    HL_ClickMenu(ITEM_RECORD);
+    HL_ClickMenu(ITEM_RECORD_INSPECTOR);
     Name(PANEL_RECORD, "wCount");
     int opened = 0;
     for (int line = 2; opened < 100; ++opened) {

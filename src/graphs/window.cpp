@@ -5,6 +5,7 @@
 #include "graphs/window_curves.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "scope/measure.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -226,7 +227,7 @@ bool GoOn(void *box, int percent)
 void OpenData()
 {
     std::string path, problem;
-    if (!AskFile("*.csv", "*.csv", "Open recording", FILE_LOAD, &path))
+    if (!AskFile("*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path))
         return;
     RDR_Recording opened;
     int box = CreateProgressDialog("Graph", "Reading ...");

@@ -1,6 +1,7 @@
 #include "graphs/window_curves.h"
 
 #include "runtime/userint.h"
+#include "scope/measure.h"
 #include "ui/resource.h"
 
 #include <algorithm>
@@ -75,7 +76,7 @@ UI_Cell LastCell(const GRS_Source &source, const GRA_Setup &setup, size_t index)
 void ShowColumns(bool isBetween)
 {
     SetListColumns(PANEL_GRAPH, STRIP_CURVES,
-                   {{isBetween ? "Between cursors" : "In view", 116},
+                   {{isBetween ? SCP_BETWEEN_TEXT : "In view", 116},
                     {"Unit", 40, UIA_LEFT, true},
                     {"Factor", 50, UIA_RIGHT, true},
                     {"Offset", 50, UIA_RIGHT, true},

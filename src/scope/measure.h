@@ -6,6 +6,10 @@
 #include <cstddef>
 #include <vector>
 
+// Words that every window with measures uses.
+constexpr char SCP_BETWEEN_TEXT[] = "Between cursors"; // head of the measures
+constexpr char SCP_OPEN_TEXT[] = "Open recording";     // title of the file dialog
+
 struct SCP_Measures {
     size_t count = 0; // samples that have a value; 0: nothing below means anything
     double min = 0, max = 0, mean = 0, rms = 0;

@@ -4,6 +4,7 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
+#include "scope/measure.h"
 #include "scope/session.h"
 #include "scope/window_curves.h"
 #include "settings/settings.h"
@@ -276,7 +277,7 @@ void SaveSetup()
 void OpenData(SCP_Capture *into)
 {
     std::string path, problem;
-    if (FileSelectPopup("", "*.csv", "*.csv", "Open recording", FILE_LOAD, &path) ==
+    if (FileSelectPopup("", "*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path) ==
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_LoadCapture(path, into, &problem) != 0) {

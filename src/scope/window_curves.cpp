@@ -202,7 +202,7 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
         to = from + LengthOf(capture);
     }
     SetListColumns(PANEL_SCOPE, SCOPE_MEASURES,
-                   {{isBetween ? "Between cursors"
+                   {{isBetween ? SCP_BETWEEN_TEXT
                      : isWhole ? "Whole recording"
                                : "In view",
                      116},

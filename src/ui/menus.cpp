@@ -149,7 +149,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_SCOPE, "Data sco__pe", 0, WindowCB},
     {MENU_WINDOW, ITEM_LOADER, "Flash __loader", 0, WindowCB},
     {MENU_WINDOW, ITEM_ARRAY, "__Array inspector", KEY_CTRL | KEY_SHIFT | 'A', ARI_OpenCB},
-    {MENU_WINDOW, ITEM_RECORD, "R__ecord inspector", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
+    {MENU_WINDOW, ITEM_RECORD_INSPECTOR, "R__ecord inspector", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
