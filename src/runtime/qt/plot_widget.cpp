@@ -118,8 +118,9 @@ void PlotWidget::buildPanes()
         curve->setValueAxis(yAxis);
     }
     QCPAxisRect *first = xAxis->axisRect();
-    while (m_rects->elementCount() > 1)
-        m_rects->removeAt(m_rects->elementCount() - 1);
+    // A cell stays, empty, until the grid is simplified.
+    for (int cell = m_rects->elementCount() - 1; cell > 0; cell--)
+        m_rects->removeAt(cell);
     m_rects->simplify();
     while (first->axisCount(QCPAxis::atLeft) > 1)
         first->removeAxis(first->axis(QCPAxis::atLeft, first->axisCount(QCPAxis::atLeft) - 1));
