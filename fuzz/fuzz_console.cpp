@@ -2,6 +2,7 @@
 // input is a file for the lines to read ("f"), a zero byte, then the lines. Whatever they
 // say, no access leaves the target's memory and no line keeps the link.
 #include "app/rooms.h"
+#include "comm/mr166_frame.h"
 #include "comm/mr166_link.h"
 #include "comm/tms_mailbox.h"
 #include "comm/ucm.h"
@@ -159,6 +160,7 @@ const UCM_Protocol UCM_PROTOCOL_MR166 = {
     PROTOCOL_MR166,
     0,
     STATION_MAX,
+    MR166_WRITE_MAX,
     Open,
     Close,
     IsOpened,

@@ -118,7 +118,7 @@ TEST_F(LinkTest, TriesReasonsAndStatistics)
         faults.stations = item.stations;
         SIM_SetFaults(target, faults);
         SIM_SetErrorCode(target, 0, item.code);
-        Mr166_nTimeoutMs = item.code == 0 ? HASTY_MS : PATIENT_MS;
+        Mr166_nTimeoutMs = item.code == 0 ? HASTY_MS : 10 * HASTY_MS;
         EXPECT_EQ(UCM_Read(1, 0, 8, bytes), -1);
         EXPECT_EQ(UCM_LastErrorText(), item.reason);
     }
