@@ -225,7 +225,10 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup)
         }
         // Its comment stays with a line that stays; of two with one key the last one held.
         const std::string text = FormatLine(*key, index, setup);
-        if (text.empty() || !written.insert({key->name, index}).second)
+        // A channel's own line switches it on: "off" is of no use in front of it.
+        const bool isTooEarly =
+            std::string(key->name) == "off" && written.count({"ch", index}) == 0;
+        if (text.empty() || isTooEarly || !written.insert({key->name, index}).second)
             continue;
         size_t comment = old.find(';');
         if (comment != std::string::npos)
