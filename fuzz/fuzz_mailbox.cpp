@@ -94,11 +94,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
         FUZ_Check((read == TMS_OK) == TMS_ErrorText(read).empty());
         exchanges = 0;
         uint32_t failedAt = 0;
-        const int written = TMS_WriteWord(0x8000, value, &failedAt);
+        const int written = TMS_WriteWord(STATION, 0x8000, value, &failedAt);
         FUZ_Check(exchanges <= 3 + TMS_POLLS_WRITE && written <= TMS_OK && written > TMS_ERR_DATA);
         FUZ_Check(written != TMS_OK || isDone);
         FUZ_Check((written == TMS_ERR_SEND) == (failedAt != 0));
-        const int proven = TMS_WriteProven(0x8000, value, nullptr);
+        const int proven = TMS_WriteProven(STATION, 0x8000, value, nullptr);
         FUZ_Check(proven != TMS_OK || proof == UCM_PROVEN);
         uint32_t words[3] = {}, good = 7;
         std::string cause;

@@ -151,7 +151,7 @@ TEST_F(SysAddr, BusyMailboxEndsAfterItsPolls)
     EXPECT_EQ(readTMS(0, &value), -2);
     EXPECT_EQ(SIM_GetCounters(target).requests - before, 2u + 10u);
     before = SIM_GetCounters(target).requests;
-    EXPECT_EQ(TMS_WriteWord(0x400, 1, nullptr), TMS_ERR_BUSY);
+    EXPECT_EQ(TMS_WriteWord(STATION, 0x400, 1, nullptr), TMS_ERR_BUSY);
     EXPECT_EQ(SIM_GetCounters(target).requests - before, 3u + 20u);
 }
 
@@ -160,11 +160,11 @@ TEST_F(SysAddr, MailboxNamesTheWordThatFailed)
     ASSERT_TRUE(connect());
     failWith(8, 70);
     uint32_t failedAt = 0;
-    EXPECT_EQ(TMS_WriteWord(0x400, 1, &failedAt), TMS_ERR_SEND);
+    EXPECT_EQ(TMS_WriteWord(STATION, 0x400, 1, &failedAt), TMS_ERR_SEND);
     EXPECT_EQ(failedAt, TMS_BOX_ADDRESS);
     failWith(8, 0);
     failWith(0, 70);
-    EXPECT_EQ(TMS_WriteWord(0x400, 1, &failedAt), TMS_ERR_POLL);
+    EXPECT_EQ(TMS_WriteWord(STATION, 0x400, 1, &failedAt), TMS_ERR_POLL);
     addItem("&[400], u4");
     uint32_t value = 0;
     EXPECT_EQ(readTMS(0, &value), -1);

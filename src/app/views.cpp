@@ -15,7 +15,6 @@
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
-#include "watch/list/selection.h"
 #include "watch/main_window.h"
 
 namespace {
@@ -84,7 +83,6 @@ void MoveSelection(int step)
     if (row < 0 || row >= nLItems)
         return;
     SetCtrlIndex(mainPanel, MAIN_LIST, row);
-    WSL_Refresh();
 }
 
 int OnKey(int key)

@@ -2,7 +2,6 @@
 
 #include "comm/ucm.h"
 #include "settings/limits.h"
-#include "settings/settings.h"
 #include "text/bytes.h"
 
 namespace {
@@ -23,11 +22,11 @@ int SendWord(int station, const BoxWord &entry)
     return result > 0 ? TMS_OK : TMS_ERR_SEND; // a refused argument is no success either
 }
 
-int WaitDone(int maxPolls)
+int WaitDone(int station, int maxPolls)
 {
     for (int poll = 0; poll < maxPolls; ++poll) {
         uint8_t flag[2];
-        if (UCM_Read(STATION, TMS_BOX_COMMAND, sizeof flag, flag) < 0)
+        if (UCM_Read(station, TMS_BOX_COMMAND, sizeof flag, flag) < 0)
             return TMS_ERR_POLL;
         if (flag[0] == 0)
             return TMS_OK;
@@ -37,43 +36,33 @@ int WaitDone(int maxPolls)
 
 } // namespace
 
-TMS_OnStation::TMS_OnStation(int station) : before(STATION)
-{
-    STATION = station;
-}
-
-TMS_OnStation::~TMS_OnStation()
-{
-    STATION = before;
-}
-
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value)
 {
     if (SendWord(station, {TMS_BOX_ADDRESS, address}) != TMS_OK ||
         SendWord(station, {TMS_BOX_COMMAND, BOX_READ}) != TMS_OK)
         return TMS_ERR_SEND;
-    const int result = WaitDone(maxPolls);
+    const int result = WaitDone(station, maxPolls);
     if (result != TMS_OK)
         return result;
     uint8_t bytes[4];
-    if (UCM_Read(STATION, TMS_BOX_DATA, sizeof bytes, bytes) < 0)
+    if (UCM_Read(station, TMS_BOX_DATA, sizeof bytes, bytes) < 0)
         return TMS_ERR_DATA;
     *value = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
     return TMS_OK;
 }
 
-int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt)
+int TMS_WriteWord(int station, uint32_t address, uint32_t value, uint32_t *failedAt)
 {
     const BoxWord entries[] = {
         {TMS_BOX_ADDRESS, address}, {TMS_BOX_DATA, value}, {TMS_BOX_COMMAND, BOX_WRITE}};
     for (const BoxWord &entry : entries) {
-        if (SendWord(STATION, entry) == TMS_OK)
+        if (SendWord(station, entry) == TMS_OK)
             continue;
         if (failedAt)
             *failedAt = entry.address;
         return TMS_ERR_SEND;
     }
-    return WaitDone(TMS_POLLS_WRITE);
+    return WaitDone(station, TMS_POLLS_WRITE);
 }
 
 int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, uint32_t *words,
@@ -94,9 +83,9 @@ int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, u
     return series.result;
 }
 
-int TMS_WriteProven(uint32_t address, uint32_t value, uint32_t *failedAt)
+int TMS_WriteProven(int station, uint32_t address, uint32_t value, uint32_t *failedAt)
 {
-    const int result = TMS_WriteWord(address, value, failedAt);
+    const int result = TMS_WriteWord(station, address, value, failedAt);
     const int proof = result == TMS_OK ? UCM_Prove() : UCM_PROVEN;
     if (proof == UCM_NOT_PROVEN)
         return TMS_ERR_PROOF;
@@ -105,7 +94,7 @@ int TMS_WriteProven(uint32_t address, uint32_t value, uint32_t *failedAt)
     // Any of the mailbox's words may not have arrived.
     uint32_t held = 0;
     std::string cause;
-    const int read = TMS_ReadWords(STATION, address, 1, TMS_POLLS_WRITE, &held, nullptr, &cause);
+    const int read = TMS_ReadWords(station, address, 1, TMS_POLLS_WRITE, &held, nullptr, &cause);
     return read == TMS_OK && held == value ? TMS_OK : TMS_ERR_PROOF;
 }
 

@@ -26,18 +26,8 @@ enum TMS_Result {
     TMS_ERR_PROOF = -5, // all was answered, but not provably by this request's answers
 };
 
-// Makes a station the selected one for as long as this lives: polls and answers are asked of
-// the selected station, so that a transfer for another one would end in the wrong mailbox.
-struct TMS_OnStation {
-    explicit TMS_OnStation(int station);
-    ~TMS_OnStation();
-    TMS_OnStation(const TMS_OnStation &) = delete;
-    TMS_OnStation &operator=(const TMS_OnStation &) = delete;
-    const int32_t before;
-};
-
-// Reads the word at a TMS320 address. The request goes to `station`; the polls and the
-// answer use STATION whatever the item says. TMS_OK, or a TMS_ERR_ code.
+// Reads the word at a TMS320 address, through the mailbox of `station` from the request to the
+// answer. TMS_OK, or a TMS_ERR_ code.
 int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);
 
 // Words one after the other, with one proof behind them: what is shown, saved or compared. All
@@ -46,13 +36,13 @@ int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value);
 int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, uint32_t *words,
                   uint32_t *good, std::string *cause);
 
-// Writes one word on STATION. TMS_OK, TMS_ERR_SEND (*failedAt, which may be null: the
+// Writes one word. TMS_OK, TMS_ERR_SEND (*failedAt, which may be null: the
 // mailbox address concerned), TMS_ERR_POLL or TMS_ERR_BUSY.
-int TMS_WriteWord(uint32_t address, uint32_t value, uint32_t *failedAt);
+int TMS_WriteWord(int station, uint32_t address, uint32_t value, uint32_t *failedAt);
 
 // The same, done for certain: when answers were repeated, reading back decides. TMS_ERR_PROOF as
 // well.
-int TMS_WriteProven(uint32_t address, uint32_t value, uint32_t *failedAt);
+int TMS_WriteProven(int station, uint32_t address, uint32_t value, uint32_t *failedAt);
 
 // Why the last transfer failed, with the cause on the line where there is one; "" for TMS_OK.
 std::string TMS_ErrorText(int result);

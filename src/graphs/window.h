@@ -8,7 +8,6 @@
 // Menu item: opens the window; the selected lines of the watch list become curves besides those
 // that are there, and are sampled.
 void GRW_OpenCB(int menuBar, int item);
-void GRW_Opened(); // the window has been put on the screen
 void GRW_OnQuit(); // ends sampling, and a recording whole
 
 const GRA_Setup &GRW_GetSetup();

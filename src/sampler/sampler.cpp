@@ -55,7 +55,6 @@ int ReadLine(int station, uint32_t address, uint32_t count, void *buffer)
 
 int ReadLineTMS(int station, uint32_t address, uint32_t *value)
 {
-    const TMS_OnStation selected(station);
     return ReadNoting([&] { return TMS_ReadWord(station, address, TMS_POLLS_ITEM, value); },
                       [](int result) { return TMS_ErrorText(result); });
 }

@@ -135,8 +135,3 @@ bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SM
     trigger->before = value;
     return fires;
 }
-
-void TRG_Reset(TRG_Trigger *trigger)
-{
-    trigger->hasBefore = trigger->heldBefore = false;
-}

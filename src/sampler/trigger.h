@@ -34,6 +34,5 @@ constexpr size_t TRG_LINES_MAX = 16;
 int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem);
 // True when it fires by this row. An item that is not among `items` never does.
 bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples);
-void TRG_Reset(TRG_Trigger *trigger); // sampling begins anew
 
 #endif

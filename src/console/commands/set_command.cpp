@@ -5,7 +5,6 @@
 #include <algorithm>
 
 #include "comm/sysaddr.h"
-#include "comm/tms_mailbox.h"
 #include "console/commands/commands.h"
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
@@ -253,7 +252,6 @@ int SET_Parse(const std::string &text, SET_Request *request, std::string *proble
 int SET_Execute(SET_Request *request, std::string *result)
 {
     LItem *item = &request->item;
-    const TMS_OnStation selected(LIT_IsTMS(*item) ? LIT_Station(*item) : STATION);
     std::string message;
     int code = WRV_OK;
     if (request->isWrite) {

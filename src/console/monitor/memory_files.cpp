@@ -171,7 +171,7 @@ int SendC166(uint32_t address, bool isFloat, uint32_t value)
 
 int SendTms(uint32_t address, bool isFloat, uint32_t value)
 {
-    return TMS_WriteWord(address, isFloat ? IEEE_TMS(value) : value, nullptr);
+    return TMS_WriteWord(STATION, address, isFloat ? IEEE_TMS(value) : value, nullptr);
 }
 
 struct Sink {

@@ -171,7 +171,7 @@ int write_addrTMS(int, uint32_t address, uint32_t value)
     if (!MEM_IsInside(address, 1, 1))
         return -1;
     uint32_t failedAt = 0;
-    const int result = TMS_WriteProven(address, value, &failedAt);
+    const int result = TMS_WriteProven(STATION, address, value, &failedAt);
     if (result == TMS_OK)
         return 0;
     if (result != TMS_ERR_SEND)

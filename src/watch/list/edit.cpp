@@ -231,15 +231,6 @@ int EDT_AddByName(const std::string &name, const std::string &typeField, int pos
     return result == 0 ? InsertItem(item, position) : result;
 }
 
-int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField, int position)
-{
-    LItem item;
-    int result = PlaceItem(&item, address, isTMS);
-    if (result == 0)
-        result = ApplyType(&item, typeField);
-    return result == 0 ? InsertItem(item, position) : result;
-}
-
 int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
 {
     const std::string what = WRD_Trim(text);

@@ -32,7 +32,6 @@ std::string EDT_SuggestType(const std::string &name);
 // suggested one. TMS320 items have four bytes whatever the field says. Each adds before
 // line `position` (or at the end) and returns the new index, or EDT_ERR_.
 int EDT_AddByName(const std::string &name, const std::string &typeField, int position);
-int EDT_AddByAddress(uint32_t address, bool isTMS, const std::string &typeField, int position);
 // What a user types: "$1F00", "0x1F00" or "[1F00]", each with "&" in front for the
 // TMS320, is an address; anything else a name.
 int EDT_AddText(const std::string &text, const std::string &typeField, int position);

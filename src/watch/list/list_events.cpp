@@ -15,7 +15,6 @@
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/list/selection.h"
 #include "watch/list/snapshot.h"
 #include "watch/main_window.h"
 #include "watch/value/write_value.h"
@@ -175,15 +174,11 @@ void LEV_Enable()
     for (const EnableRow &row : enableRows)
         SetMenuBarAttribute(menuBar, row.item, ATTR_DIMMED, !row.isOn());
     VLP_Refresh();
-    WSL_Refresh();
 }
 
 int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
 {
     switch (event) {
-    case EVENT_VAL_CHANGED:
-        WSL_Refresh();
-        break;
     case EVENT_COMMIT:
     case EVENT_LEFT_DOUBLE_CLICK:
         LEV_WriteCB(0, ITEM_WRITE_VALUE);

@@ -47,8 +47,7 @@ std::string FailureText(const LItem &item, int mailboxResult)
 
 int ReadMailbox(const LItem &item, uint32_t *value)
 {
-    const TMS_OnStation selected(LIT_Station(item));
-    return TMS_ReadWord(STATION, item.address, TMS_POLLS_ITEM, value);
+    return TMS_ReadWord(LIT_Station(item), item.address, TMS_POLLS_ITEM, value);
 }
 
 // 0, or -1 or -2 by processor; *mailboxResult for the reason.
@@ -317,9 +316,10 @@ int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, s
     return result < 0 ? -1 : 0;
 }
 
-int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause)
+int RDI_ReadTmsWords(int station, uint32_t address, uint32_t count, uint32_t *words,
+                     std::string *cause)
 {
-    return TMS_ReadWords(STATION, address, count, TMS_POLLS_MEMORY, words, nullptr, cause);
+    return TMS_ReadWords(station, address, count, TMS_POLLS_MEMORY, words, nullptr, cause);
 }
 
 void RDI_DropHeld()

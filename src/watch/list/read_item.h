@@ -35,9 +35,10 @@ std::vector<int> RDI_Prove();
 int RDI_ReadNow(int index);
 // `count` bytes of a station, proven. 0, or -1 with the reason in *cause.
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause);
-// The same for words of the TMS320 behind the selected station, by word address. TMS_OK or
+// The same for words of the TMS320 behind a station, by word address. TMS_OK or
 // the mailbox's code.
-int RDI_ReadTmsWords(uint32_t address, uint32_t count, uint32_t *words, std::string *cause);
+int RDI_ReadTmsWords(int station, uint32_t address, uint32_t count, uint32_t *words,
+                     std::string *cause);
 // Forgets what is held back: its link is closed.
 void RDI_DropHeld();
 

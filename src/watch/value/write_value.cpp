@@ -41,15 +41,15 @@ int WriteC166(const LItem &item, uint64_t bits)
 // first.
 int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
 {
-    const TMS_OnStation selected(LIT_Station(item));
+    const int station = LIT_Station(item);
     const uint32_t mask = static_cast<uint32_t>(MaskOfWritten(item));
     if (mask != UINT32_MAX) {
         uint32_t before = 0;
-        if (RDI_ReadTmsWords(item.address, 1, &before, cause) != TMS_OK)
+        if (RDI_ReadTmsWords(station, item.address, 1, &before, cause) != TMS_OK)
             return WRV_ERR_WRITE;
         word |= before & ~mask;
     }
-    const int result = TMS_WriteWord(item.address, word, nullptr);
+    const int result = TMS_WriteWord(station, item.address, word, nullptr);
     *cause = TMS_ErrorText(result);
     return result == TMS_OK ? WRV_OK : WRV_ERR_WRITE;
 }
@@ -159,9 +159,10 @@ int WRV_ReadUnlisted(LItem *item, std::string *cause)
     uint8_t bytes[8] = {};
     uint32_t word = 0;
     const uint32_t size = static_cast<uint32_t>(item->size);
+    const int station = LIT_Station(*item);
     const int result = LIT_IsTMS(*item)
-                           ? RDI_ReadTmsWords(item->address, 1, &word, cause)
-                           : RDI_ReadBytes(LIT_Station(*item), item->address, size, bytes, cause);
+                           ? RDI_ReadTmsWords(station, item->address, 1, &word, cause)
+                           : RDI_ReadBytes(station, item->address, size, bytes, cause);
     item->isValueGood = result == 0;
     if (result != 0)
         return WRV_ERR_READ_BACK;

@@ -232,7 +232,7 @@ int readTMSMemory(uint32_t address)
                                         " to see the memory of its TMS320.");
     uint32_t words[TMS_WORDS];
     std::string cause;
-    const int result = RDI_ReadTmsWords(address, TMS_WORDS, words, &cause);
+    const int result = RDI_ReadTmsWords(STATION, address, TMS_WORDS, words, &cause);
     if (result != TMS_OK)
         return Failed(result, cause);
     Print(WordsText(address, words));
