@@ -160,9 +160,8 @@ int WRV_ReadUnlisted(LItem *item, std::string *cause)
     uint32_t word = 0;
     const uint32_t size = static_cast<uint32_t>(item->size);
     const int station = LIT_Station(*item);
-    const int result = LIT_IsTMS(*item)
-                           ? RDI_ReadTmsWords(station, item->address, 1, &word, cause)
-                           : RDI_ReadBytes(station, item->address, size, bytes, cause);
+    const int result = LIT_IsTMS(*item) ? RDI_ReadTmsWords(station, item->address, 1, &word, cause)
+                                        : RDI_ReadBytes(station, item->address, size, bytes, cause);
     item->isValueGood = result == 0;
     if (result != 0)
         return WRV_ERR_READ_BACK;
