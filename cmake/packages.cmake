@@ -1,4 +1,5 @@
 # What `cmake --install` and the packages hold: the same, by one set of rules.
+include(cmake/manual.cmake)
 if(WIN32)
   install(TARGETS vireo2-console DESTINATION .)
   if(TARGET vireo2-target)
@@ -8,8 +9,8 @@ if(WIN32)
     install(TARGETS vireo2 DESTINATION .)
     install(DIRECTORY $ENV{VIREO2_QT_WINDOWS}/licences DESTINATION .)
   endif()
-  # Where the programs look for the help text: beside them.
-  install(FILES docs/help.md DESTINATION . RENAME vireo2.md)
+  # Where the programs look for it: beside them.
+  vireo2_install_manual(.)
   install(FILES LICENSE DESTINATION . RENAME LICENSE.txt)
   # The compiler's own parts are linked in too.
   install(FILES /usr/share/doc/gcc-mingw-w64-base/copyright DESTINATION licences RENAME gcc.txt)
@@ -27,7 +28,7 @@ else()
     install(FILES packaging/icons/vireo2.svg DESTINATION share/icons/hicolor/scalable/apps)
     install(FILES packaging/icons/vireo2.png DESTINATION share/icons/hicolor/128x128/apps)
   endif()
-  install(FILES docs/help.md DESTINATION share/vireo2)
+  vireo2_install_manual(share/vireo2)
   install(DIRECTORY examples DESTINATION share/vireo2)
   install(FILES LICENSE CHANGELOG.md DESTINATION share/doc/vireo2)
   foreach(program ${programs})
