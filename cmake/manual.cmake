@@ -16,7 +16,7 @@ if(CMARK AND Python3_FOUND)
     install(DIRECTORY ${VIREO2_MANUAL} DESTINATION ${destination})
   endfunction()
 else()
-  message(WARNING "cmark-gfm or Python is missing: the manual is installed without HTML")
+  message(STATUS "cmark-gfm or Python is missing: the manual is installed without HTML")
   function(vireo2_install_manual destination)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs/manual DESTINATION ${destination}
       FILES_MATCHING PATTERN *.md PATTERN *.png)

@@ -55,7 +55,8 @@ protected:
         const fs::path port = WinePrefix() + "/dosdevices/com12";
         fs::remove(port);
         fs::create_symlink(SIM_DevicePath(target), port);
-        std::ofstream(folder / "Vireo2.ini") << "r, AC167\no-\np, 12\nb, 115200\ns, 1\nCOM, WIN32\n";
+        std::ofstream(folder / "Vireo2.ini")
+            << "r, AC167\no-\np, 12\nb, 115200\ns, 1\nCOM, WIN32\n";
     }
     void TearDown() override
     {

@@ -17,6 +17,7 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextTable>
+#include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -63,6 +64,7 @@ public:
             m_split->setSizes({CONTENTS_WIDTH, WIDTH - CONTENTS_WIDTH});
         }
         connect(m_split, &QSplitter::splitterMoved, this, &HelpWindow::keepPlace);
+        connect(m_split, &QSplitter::splitterMoved, this, &HelpWindow::fitPictures);
         connect(m_search, &QLineEdit::textEdited, this, [this] { find(false); });
         connect(m_search, &QLineEdit::returnPressed, this, [this] { find(true); });
         connect(m_contents, &QListWidget::currentRowChanged, this, &HelpWindow::turnTo);
@@ -114,6 +116,7 @@ protected:
     {
         QWidget::resizeEvent(event);
         keepPlace();
+        QTimer::singleShot(0, this, &HelpWindow::fitPictures); // when the page has its new width
     }
 
 private:
@@ -140,6 +143,7 @@ private:
         top->addWidget(m_forward);
         top->addWidget(m_search, 1);
         top->addWidget(m_found);
+        m_contents->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         m_split->addWidget(m_contents);
         m_split->addWidget(m_text);
         m_split->setStretchFactor(1, 1);
@@ -227,10 +231,12 @@ private:
                 block = table->lastCursorPosition().block();
                 continue;
             }
-            if (format.hasProperty(QTextFormat::BlockCodeFence))
-                continue;
+            const bool isListing = format.nonBreakableLines();
+            if (isListing)
+                format.setBackground(palette().alternateBase());
             format.setTopMargin(format.headingLevel() > 0 ? HEADING_SPACE : 0);
-            format.setBottomMargin(PARAGRAPH_SPACE);
+            format.setBottomMargin(
+                isListing && block.next().blockFormat().nonBreakableLines() ? 0 : PARAGRAPH_SPACE);
             cursor.setBlockFormat(format);
         }
     }
