@@ -83,7 +83,7 @@ void PLT_SignalHeard(); // the last request has been acted on
 void PLT_GetArguments(int *argc, char ***argv);
 // A program started with a closed standard stream would get that number for the next file
 // or port it opens, and print into it or read from it. Call first of all: what is closed
-// then fails on use instead.
+// then fails on use instead; so does writing to a pipe that nobody reads any more.
 void PLT_GuardStandardStreams();
 
 #endif

@@ -264,4 +264,7 @@ void PLT_GuardStandardStreams()
         if (fcntl(fd, F_GETFD) < 0)
             (void)!open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
+    // A reader that goes away ("| head") must not end a program in the middle of writing to a
+    // target: the write fails instead.
+    std::signal(SIGPIPE, SIG_IGN);
 }
