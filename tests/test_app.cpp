@@ -1,8 +1,5 @@
 // The program's spine as a user meets it: start-up, options, title and state line,
 // the menus' check marks, communication on and off, the two views, the end.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 #include "app/main_panel.h"
 #include "app/options.h"
@@ -11,15 +8,9 @@
 #include "comm/communication.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
-#include "runtime/headless/headless.h"
 #include "runtime/view.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
-#include "support/ui_reading.h"
 #include "symbols/varnode.h"
-#include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_file.h"
 #include "watch/list/litem.h"

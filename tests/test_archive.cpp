@@ -4,11 +4,9 @@
 #include "support/text_checks.h"
 #include "text/txfrw.h"
 
-#include <gtest/gtest.h>
 #include <zlib.h>
 
 #include <random>
-#include <string>
 #include <vector>
 
 namespace {

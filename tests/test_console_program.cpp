@@ -1,9 +1,7 @@
 // The console program as other programs meet it: the built binary, its exit codes,
 // what stands on which stream, and the watch tables.
-#include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/wait.h>
@@ -191,9 +189,8 @@ TEST_F(ConsoleProgram, TypesAreOpenedRememberedOrNothingIsDone)
     StartTarget();
     std::filesystem::copy(EXAMPLES_DIR, folder.path, std::filesystem::copy_options::recursive);
     const std::string line = "set DRV_stParams.fScale = -3\n";
-    EXPECT_NE(std::string::npos,
-              Run("--full --types demo.tmf", line).out.find("= -3 (f at 0x008230)"));
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "Vireo2.ini").find("\ntm, demo.tmf\r\n"));
+    EXPECT_TRUE(Has(Run("--full --types demo.tmf", line).out, "= -3 (f at 0x008230)"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "Vireo2.ini"), "\ntm, demo.tmf\r\n"));
     EXPECT_EQ(0, Run("--full", line).code) << "the settings know it now";
     Write("a.scr", "set wGain = 3\n");
     Write("bad.tmf", "## 1 VARS\nnonsense\n");
@@ -202,8 +199,7 @@ TEST_F(ConsoleProgram, TypesAreOpenedRememberedOrNothingIsDone)
         const Outcome outcome = Run(arguments, line);
         EXPECT_EQ(1, outcome.code) << arguments;
         EXPECT_EQ("", outcome.out) << arguments;
-        EXPECT_NE(std::string::npos, outcome.err.find("Could not open type map file "))
-            << arguments;
+        EXPECT_TRUE(Has(outcome.err, "Could not open type map file ")) << arguments;
     }
     EXPECT_EQ(2, Run("--types").code);
 }
@@ -216,7 +212,7 @@ TEST_F(ConsoleProgram, LinesWithoutAPortAndSettingsThatAreLostAreNoSuccess)
     ASSERT_EQ(0, flock(device, LOCK_EX | LOCK_NB));
     const Outcome busy = Run("", "write 1, 1, 9000H\n");
     EXPECT_EQ(1, busy.code);
-    EXPECT_NE(std::string::npos, busy.out.find("another program")) << busy.out;
+    EXPECT_TRUE(Has(busy.out, "another program"));
     Write("w.dbg", "[9000], u1\n");
     EXPECT_EQ(1, Run("--watch w.dbg --sweeps 1").code);
     close(device);
@@ -224,7 +220,7 @@ TEST_F(ConsoleProgram, LinesWithoutAPortAndSettingsThatAreLostAreNoSuccess)
     std::filesystem::create_directory(folder / "Vireo2.ini");
     const Outcome lost = Run("", "station 2\n");
     EXPECT_EQ(1, lost.code);
-    EXPECT_NE(std::string::npos, lost.err.find("the settings will not be saved")) << lost.err;
+    EXPECT_TRUE(Has(lost.err, "the settings will not be saved"));
 }
 
 // The descriptors' numbers must not be taken by the port or by a file either.
@@ -353,21 +349,21 @@ TEST_F(ConsoleProgram, RecordsWithTheTargetsScope)
     Outcome outcome = Run("--scope a.scope --csv - --wait 20");
     ASSERT_EQ(0, outcome.code) << outcome.err;
     EXPECT_EQ(0u, outcome.out.find("; Vireo2 scope 1\r\n"));
-    EXPECT_NE(std::string::npos, outcome.out.find("sample,time,nFast\r\n0,-"));
-    EXPECT_NE(std::string::npos, outcome.out.find("\r\n124,0,")) << "the trigger";
-    EXPECT_NE(std::string::npos, outcome.err.find("Upload successful."));
+    EXPECT_TRUE(Has(outcome.out, "sample,time,nFast\r\n0,-"));
+    EXPECT_TRUE(Has(outcome.out, "\r\n124,0,")) << "the trigger";
+    EXPECT_TRUE(Has(outcome.err, "Upload successful."));
     // A level that is never reached: 1 and why, unless it is forced. No file is left behind.
     Write("b.scope", "id, SCP3_rScope\r\nch, 1, nFast, i2\r\nlevel, 4000\r\n");
     outcome = Run("--scope b.scope --csv out.csv --wait 0.1");
     EXPECT_EQ(1, outcome.code);
-    EXPECT_NE(std::string::npos, outcome.err.find("No trigger (try snap)."));
+    EXPECT_TRUE(Has(outcome.err, "No trigger (try snap)."));
     EXPECT_FALSE(std::filesystem::exists(folder / "out.csv"));
     EXPECT_EQ(0, Run("--scope b.scope --csv out.csv --snap").code);
     EXPECT_GT(CountLines(ReadFileText(folder / "out.csv")), 500u);
     Write("c.scope", "id, nowhere\r\nch, 1, nFast, i2\r\n");
     outcome = Run("--scope c.scope --csv out.csv");
     EXPECT_EQ(1, outcome.code);
-    EXPECT_NE(std::string::npos, outcome.err.find("Init error (1)."));
+    EXPECT_TRUE(Has(outcome.err, "Init error (1)."));
 }
 
 TEST_F(ConsoleProgram, TraceHoldsTheExchangesAndInterruptEndsCleanly)

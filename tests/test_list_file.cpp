@@ -1,14 +1,11 @@
 // The debug file as its user keeps it: what saving leaves alone, what loading says and asks,
 // and files that are none.
-#include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
 
 #include "support/watch_fixture.h"
 #include "text/words.h"
 #include "watch/list/debug_file.h"
-#include "watch/list/edit.h"
-#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/main_window.h"
 

@@ -1,16 +1,11 @@
 // The debug file read and written, the change question, and editing of the list.
-#include "watch/list/litem.h"
-
-#include <gtest/gtest.h>
 
 #include "platform/system.h"
-#include "settings/settings.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "watch/list/age.h"
 #include "watch/list/debug_file.h"
-#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/name_changes.h"
 #include "watch/list/snapshot.h"

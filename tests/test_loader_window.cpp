@@ -7,7 +7,6 @@
 #include "loader/window_bar.h"
 #include "sim/loader.h"
 #include "support/console_rig.h"
-#include "support/text_checks.h"
 
 namespace {
 

@@ -6,7 +6,6 @@
 #include "logger/log_window_lines.h"
 #include "runtime/list_columns.h"
 #include "support/log_target.h"
-#include "support/text_checks.h"
 
 namespace {
 

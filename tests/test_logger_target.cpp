@@ -5,12 +5,10 @@
 #include "comm/communication.h"
 #include "logger/dlld_record.h"
 #include "support/log_target.h"
-#include "support/text_checks.h"
 #include "symbols/typemap.h"
 
 #include <csignal>
 #include <functional>
-#include <iterator>
 #include <sys/resource.h>
 
 namespace {

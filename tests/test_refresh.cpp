@@ -1,16 +1,10 @@
 // What the user sees of a value: formats, list lines, status, memory box and frequency
 // meter over sweeps on the simulated target; and values written to it.
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
 
 #include <cmath>
 #include <cstring>
 
-#include <gtest/gtest.h>
-
-#include "comm/communication.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "watch/list/freq_meter.h"
 #include "watch/list/list_view.h"

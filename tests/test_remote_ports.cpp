@@ -5,9 +5,6 @@
 #include "platform/system.h"
 #include "platform/tcp_port.h"
 #include "support/link_fixture.h"
-#include "support/scratch.h"
-
-#include <gtest/gtest.h>
 
 #include <arpa/inet.h>
 #include <atomic>

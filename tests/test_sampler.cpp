@@ -6,9 +6,8 @@
 #include "sampler/sampler.h"
 #include "settings/settings.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 #include "text/bytes.h"
-
-#include <gtest/gtest.h>
 
 #include <cmath>
 #include <map>
@@ -208,7 +207,7 @@ TEST_F(Sampler, whatIsInDoubtHasFailed)
         wire.proof = row.proof;
         wire.doubts += row.doubts;
         RunRows(2);
-        EXPECT_NE(ReasonOf(0, 0).find(row.reason), std::string::npos) << ReasonOf(0, 0);
+        EXPECT_TRUE(Has(ReasonOf(0, 0), row.reason));
         EXPECT_EQ(told.rows[1][0].state, SMP_GOOD) << row.reason;
         EXPECT_EQ(sampler.totals.failed, 1u);
     }
@@ -267,7 +266,7 @@ TEST_F(Sampler, aChangedListKeepsWhatStays)
     RunRows(told.rows.size() + 2);
     EXPECT_GT(sampler.store.rings[0].end, had);
     EXPECT_EQ(told.rows.back()[0].bits, 0x0100u);
-    EXPECT_NE(ReasonOf(told.rows.size() - 1, 1).find("not resolved"), std::string::npos);
+    EXPECT_TRUE(Has(ReasonOf(told.rows.size() - 1, 1), "not resolved"));
     EXPECT_EQ(SMP_Change(&sampler, {}), SMP_ERR_ITEMS);
     SMP_Stop(&sampler);
     EXPECT_EQ(SMP_Step(&sampler), SMP_IDLE);

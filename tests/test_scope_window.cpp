@@ -5,7 +5,6 @@
 #include "scope/session.h"
 #include "scope/spectrum.h"
 #include "scope/window.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 
 #include <cmath>

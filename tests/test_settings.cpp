@@ -1,19 +1,13 @@
 // The settings file: every key read and written, files that are odd or hostile, and
 // that a failed save leaves the old file alone.
 #include <cstring>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include "app/ini_file.h"
 #include "app/rooms.h"
 #include "app/startup.h"
 #include "comm/communication.h"
-#include "runtime/headless/headless.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
-#include "support/ui_reading.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
@@ -227,8 +221,7 @@ TEST_F(Settings, PathsKeepTheirComma)
         WriteFileText(name, "");
     Round("d1, gone, old.dbg\nd2, here.dbg, x\nd3, a, b.dbg ; one name\nd4, gone.dbg ; was here\n");
     EXPECT_EQ(4, nDebugFileNames);
-    EXPECT_NE(std::string::npos,
-              Saved().find("\nd1, gone, old.dbg\nd2, here.dbg\nd3, a, b.dbg\nd4, gone.dbg\n"));
+    EXPECT_TRUE(Has(Saved(), "\nd1, gone, old.dbg\nd2, here.dbg\nd3, a, b.dbg\nd4, gone.dbg\n"));
 }
 
 TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)

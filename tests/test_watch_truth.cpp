@@ -1,11 +1,9 @@
 // What the watch list tells a user about its values: fresh, old, failed or not read at all;
 // nothing before it is proven; and the same for what leaves the program.
-#include <gtest/gtest.h>
 
 #include "app/ini_file.h"
 #include "platform/system.h"
 #include "runtime/view.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "watch/list/age.h"
 #include "watch/list/freq_meter.h"
@@ -27,14 +25,6 @@ protected:
         WatchTest::SetUp();
         VR_isWatchView = true;
         VR_EnableControls();
-        Option_nSweepRate = 1;
-    }
-
-    void TearDown() override
-    {
-        VR_isWatchView = false;
-        Option_nSweepRate = 1;
-        WatchTest::TearDown();
     }
 
     static void tick(int count)
@@ -357,11 +347,11 @@ TEST_F(WatchTruth, CopiesAndSnapshotsReadEveryItem)
     HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
     HL_PushAnswer(0);
     HL_ClickMenu(ITEM_COPY_LIST);
-    EXPECT_EQ(HL_GetClipboard().find("\tok\n"), std::string::npos) << HL_GetClipboard();
+    EXPECT_FALSE(Has(HL_GetClipboard(), "\tok\n"));
     // What the cancelled reading had begun is as it was before, like the rest.
-    EXPECT_EQ(HL_GetClipboard().find("cancelled"), std::string::npos);
-    EXPECT_NE(HL_GetClipboard().find("u2\t77\tOld: read at "), std::string::npos);
-    EXPECT_NE(HL_GetClipboard().find("u2\t502\tOld: read at "), std::string::npos);
+    EXPECT_FALSE(Has(HL_GetClipboard(), "cancelled"));
+    EXPECT_TRUE(Has(HL_GetClipboard(), "u2\t77\tOld: read at "));
+    EXPECT_TRUE(Has(HL_GetClipboard(), "u2\t502\tOld: read at "));
 }
 
 TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)

@@ -213,8 +213,7 @@ int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         ++reader.line;
         if (isBroken || reader.line > LINES_MAX) {
-            reader.Refuse(isBroken ? "The line has more than " + std::to_string(PST_LINE_MAX) +
-                                         " characters."
+            reader.Refuse(isBroken ? PST_LongLineText()
                                    : "More than " + std::to_string(LINES_MAX) + " lines.");
             TXFR_Close(handle);
             return -1;

@@ -218,8 +218,7 @@ void ReadFile(Reader *reader, const std::string &path)
         const bool isLarge =
             reader->line > LINES_MAX || reader->set->places.size() >= PST_VALUES_MAX;
         if (isBroken)
-            reader->Refuse("The line has more than " + std::to_string(PST_LINE_MAX) +
-                           " characters.");
+            reader->Refuse(PST_LongLineText());
         else if (isLarge)
             reader->Refuse("The set is too large: at most " + std::to_string(LINES_MAX) +
                            " lines and " + std::to_string(PST_VALUES_MAX) + " values.");

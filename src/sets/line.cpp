@@ -137,6 +137,11 @@ std::string Quoted(std::string text)
 
 } // namespace
 
+std::string PST_LongLineText()
+{
+    return "The line has more than " + std::to_string(PST_LINE_MAX) + " characters.";
+}
+
 void PST_CutComment(const std::string &line, std::string *text, std::string *comment)
 {
     comment->clear();

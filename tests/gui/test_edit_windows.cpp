@@ -77,34 +77,4 @@ TEST_F(EditWindows, AnItemIsAddedFromItsCompletion)
     EXPECT_EQ(list->currentRow(), 1);
 }
 
-TEST_F(EditWindows, LinesAreRemovedAndPutBack)
-{
-    const QString first = name(0);
-    const int before = count();
-    press(list, Qt::Key_Delete);
-    EXPECT_EQ(count(), before - 1);
-    press(list, Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_EQ(name(0), first);
-    press(list, Qt::Key_Down, Qt::AltModifier);
-    EXPECT_EQ(name(1), first);
-    GuiRightClick(list, QPoint(20, 27));
-    ASSERT_TRUE(
-        QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; }, PATIENCE_MS));
-    auto *menu = qobject_cast<QMenu *>(QApplication::activePopupWidget());
-    ASSERT_TRUE(menu);
-    QTest::mouseClick(menu, Qt::LeftButton, {},
-                      menu->actionGeometry(QTV_MenuAction(ITEM_REMOVE)).center());
-    ASSERT_TRUE(settle());
-    EXPECT_EQ(count(), before - 1);
-    EXPECT_NE(name(1), first);
-
-    auto *address = GuiWidget<QLineEdit>(PANEL_MAIN, MAIN_MEM_ADDR);
-    address->setText("12");
-    address->setFocus();
-    address->home(false);
-    press(address, Qt::Key_Delete);
-    EXPECT_EQ(address->text(), "2") << "in a field the key edits the field";
-    EXPECT_EQ(count(), before - 1);
-}
-
 } // namespace

@@ -31,35 +31,6 @@ protected:
 
 } // namespace
 
-TEST_F(CurveWindows, ScopeFromItsNameToACurve)
-{
-    SIM_Options demo;
-    demo.demo = true;
-    plug(demo);
-    startOnProgram([] { WindowCB(0, ITEM_SCOPE); });
-    GuiClickButton(GuiDialog(), "Yes"); // communication is to be switched on
-    ASSERT_TRUE(waitFor([] { return GuiWindow(PANEL_SCOPE)->isVisible(); }));
-    enter(PANEL_SCOPE, SCOPE_ID, "SCP3_rScope");
-    enter(PANEL_SCOPE, SCOPE_PLACE, "nFast");
-    ASSERT_TRUE(settle());
-    click(PANEL_SCOPE, SCOPE_INIT);
-    GuiClickButton(GuiDialog(), "OK");
-    auto *run = GuiWidget<QPushButton>(PANEL_SCOPE, SCOPE_RUN);
-    ASSERT_TRUE(waitFor([=] { return run->isEnabled(); }))
-        << GuiText(PANEL_SCOPE, SCOPE_MESSAGE).toStdString();
-    QTest::mouseClick(run, Qt::LeftButton);
-    auto *plot = GuiWidget<PlotWidget>(PANEL_SCOPE, SCOPE_GRAPH);
-    ASSERT_TRUE(waitFor([=] { return plot->plottableCount() == 1; }));
-    ASSERT_TRUE(settle());
-    EXPECT_EQ(GuiText(PANEL_SCOPE, SCOPE_STATE), "complete");
-    EXPECT_TRUE(plot->view().level.isShown);
-    auto *shown = GuiWidget<QComboBox>(PANEL_SCOPE, SCOPE_SHOWN);
-    ASSERT_EQ(shown->count(), 2);
-    shown->setFocus();
-    QTest::keyClick(shown, Qt::Key_Down);
-    ASSERT_TRUE(waitFor([=] { return plot->xAxis->label() == "frequency [Hz]"; }));
-}
-
 TEST_F(CurveWindows, GraphFollowsUntilItIsDragged)
 {
     plug();
