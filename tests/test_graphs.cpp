@@ -145,7 +145,6 @@ protected:
     void TearDown() override
     {
         GRW_OnQuit();
-        WatchTest::TearDown();
     }
     void open(const std::vector<int> &lines)
     {

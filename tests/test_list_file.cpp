@@ -137,32 +137,6 @@ TEST_F(ListFiles, EditedItemsFindTheirPlace)
     EXPECT_EQ(saved(), "N, u1\r\n");
 }
 
-// Whatever is done to a list, what is saved loads as that list, in its order, and no comment
-// is lost but those of removed items.
-TEST_F(ListFiles, RandomEditsComeBackAsTheList)
-{
-    std::mt19937 random(11);
-    for (int round = 0; round < 300; ++round) {
-        std::string text;
-        for (int i = 0; i < 12; ++i)
-            text += random() % 3 == 0 ? "# " + std::to_string(i) + "\n"
-                                      : "V" + std::to_string(i) + ",u1 ; #\n";
-        ASSERT_EQ(load(text), 0);
-        const long removed = std::min<long>(static_cast<long>(random() % 3), nLItems);
-        for (long i = 0; i < removed; ++i)
-            EDT_Remove(static_cast<int>(random() % static_cast<unsigned>(nLItems)));
-        for (int i = 0; i < 4 && nLItems > 1; ++i)
-            EDT_Move(static_cast<int>(random() % static_cast<unsigned>(nLItems)),
-                     static_cast<int>(random() % static_cast<unsigned>(nLItems)));
-        EDT_AddText("N", "u1", static_cast<int>(random() % static_cast<unsigned>(nLItems + 1)));
-        const std::string list = names(), file = saved();
-        const long comments = std::count(text.begin(), text.end(), '#');
-        EXPECT_EQ(std::count(file.begin(), file.end(), '#'), comments - removed) << text << file;
-        ASSERT_EQ(dat2litems(path("saved.dbg").c_str()), 0);
-        ASSERT_EQ(names(), list) << text << file;
-    }
-}
-
 TEST_F(ListFiles, WhatTheListCannotHoldStaysInTheFile)
 {
     std::string text;

@@ -1,9 +1,4 @@
-// The scope's and the graph's windows as a user meets them: from the menu to curves.
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPushButton>
-
-#include "app/main_panel.h"
+// The graph's window as a user meets it: from the menu to curves.
 #include "gui/gui_support.h"
 #include "runtime/qt/plot_widget.h"
 
@@ -11,18 +6,6 @@ namespace {
 
 class CurveWindows : public GuiProgramTest {
 protected:
-    static void click(int panel, int control)
-    {
-        QTest::mouseClick(GuiWidget<QPushButton>(panel, control), Qt::LeftButton);
-    }
-    static void enter(int panel, int control, const QString &text)
-    {
-        auto *field = GuiWidget<QLineEdit>(panel, control);
-        field->selectAll();
-        QTest::keyClicks(field, text);
-        QTest::keyClick(field, Qt::Key_Escape); // the offered completions
-        QTest::keyClick(field, Qt::Key_Enter);
-    }
     static bool waitFor(const std::function<bool()> &isTrue)
     {
         return QTest::qWaitFor(isTrue, PATIENCE_MS);
