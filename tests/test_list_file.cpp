@@ -131,6 +131,9 @@ TEST_F(ListFiles, EditedItemsFindTheirPlace)
     ASSERT_EQ(load("B, u1\nA, u1\n&Lone\n"), 0);
     EDT_Move(1, 0);
     EXPECT_EQ(saved(), "A, u4\nB, u1\n; &Lone\n");
+    ASSERT_EQ(load("A, u1\n\n; b\n"), 0);
+    EDT_AddText("N", "x2", EDT_AT_END);
+    EXPECT_EQ(saved(), "A, u1\nN, x2\n\n; b\n") << "two ends of lines are no pair";
     // A list that came from no file has lines as this program writes them.
     ResetProgram();
     EDT_AddText("N", "u1", 0);
@@ -243,7 +246,7 @@ TEST_F(ListFiles, NamesAreShownWithoutControlCharacters)
     SetMainPanelTitle();
     VR_ShowMessage("a\033b\nc");
     EXPECT_EQ(message(), "a.b\nc");
-    for (const char *cell : {"=cmd|x!A1", "+1+1", "-2+3", "@SUM(A1)", "\t=1"})
+    for (const char *cell : {"=cmd|x!A1", "+1+1", "-2+3", "@SUM(A1)", "\t=1", "-2 +3", "-1x"})
         EXPECT_EQ(WRD_QuoteCsv(cell)[0] == '"' ? WRD_QuoteCsv(cell).substr(1, 1)
                                                : WRD_QuoteCsv(cell).substr(0, 1),
                   "'")
