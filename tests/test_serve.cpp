@@ -98,6 +98,21 @@ TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
     EXPECT_TRUE(Has(answers[1], R"("ok":true)"));
 }
 
+// More answers than a pipe holds: the program waits for its reader, and when that is gone it ends.
+TEST_F(Serve, AClientThatStopsReadingIsWaitedForAndItsEndIsTheProgramsEnd)
+{
+    std::string requests;
+    for (int i = 0; i < 3000; i++)
+        requests += R"({"op":"hello"})"
+                    "\n";
+    WriteFileText(folder / "in", requests);
+    EXPECT_EQ(0, RunCommand("sh -c '{ \"" BINARY_DIR "/vireo2-console\" --serve; echo $? >code; } "
+                            "| { read first; sleep 0.2; echo \"$first\"; }'"));
+    EXPECT_EQ("1\n", ReadFileText(folder / "code"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "err").find("does not read any more"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "out").find("\"ok\":true"));
+}
+
 TEST_F(Serve, TheExampleClientTestsTheDemoTarget)
 {
     WriteFileText(folder / "in", "");

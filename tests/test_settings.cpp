@@ -274,6 +274,37 @@ TEST_F(Settings, SavingTouchesNoFileItDoesNotKnow)
     EXPECT_EQ(2u, HL_GetPopups().size());
 }
 
+// Nobody, not even root, makes a file in /proc.
+TEST_F(Settings, AFolderThatCannotBeWrittenMovesThemToTheUsersOwn)
+{
+    const std::filesystem::path config = folder / "o\xC5\xBEivlé nastavení, 2";
+    const char *const before = std::getenv("XDG_CONFIG_HOME");
+    const std::string kept = before != nullptr ? before : "";
+    setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+    std::filesystem::current_path("/proc");
+    const std::string path = config / "vireo2/Vireo2.ini";
+    EXPECT_EQ(-2, OpenIniFile(mainPanel));
+    EXPECT_EQ("Settings are kept in '" + path + "': this folder cannot be written.", Message());
+    STATION = 7;
+    szDebugFileName = "list.dbg"; // the next start may be elsewhere
+    EXPECT_EQ(0, SaveIniFile());
+    EXPECT_TRUE(Has(ReadFileText(path), "\nd0, /proc/list.dbg\r\n"));
+    Forget();
+    EXPECT_EQ(0, OpenIniFile(mainPanel));
+    EXPECT_EQ(7, STATION);
+    // A folder of one's own keeps its own.
+    std::filesystem::current_path(folder.path);
+    Forget();
+    EXPECT_EQ(-2, OpenIniFile(mainPanel));
+    EXPECT_EQ(1, STATION);
+    EXPECT_EQ("", Message());
+    EXPECT_EQ(1, std::distance(std::filesystem::directory_iterator("."), {})) << "no traces";
+    if (before != nullptr)
+        setenv("XDG_CONFIG_HOME", kept.c_str(), 1);
+    else
+        unsetenv("XDG_CONFIG_HOME");
+}
+
 TEST_F(Settings, FailedSaveLeavesTheOldFile)
 {
     WriteFileText("Vireo2.ini", "s, 9\n");

@@ -3,6 +3,7 @@
 #include "comm/communication.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
+#include "platform/settings_place.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/measure.h"
@@ -303,13 +304,13 @@ void SaveData()
 
 int DTSC_LoadSettings()
 {
-    const std::string folder = PLT_CurrentDir();
-    settingsPath = folder.empty() ? SETTINGS_FILE : folder + PLT_PathSeparator() + SETTINGS_FILE;
+    const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
+    settingsPath = place.write;
     setup = SCP_Setup();
     PLT_FileStamp stamp;
-    const bool isThere = PLT_GetFileStamp(settingsPath, &stamp) == 0;
+    const bool isThere = PLT_GetFileStamp(place.read, &stamp) == 0;
     std::vector<std::string> problems;
-    const int result = isThere ? SCP_LoadSetup(settingsPath, &setup, &problems) : 0;
+    const int result = isThere ? SCP_LoadSetup(place.read, &setup, &problems) : 0;
     isSettingsRead = result == 0;
     if (result != 0)
         ShowStatus("DtaScope.ini cannot be read: it will not be written.");

@@ -167,6 +167,45 @@ TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
     EXPECT_EQ(layouts[0].numbers, (std::vector<int>{30, 40, 700, 400}));
 }
 
+// Pages that the first one lists: links between them, back and forward, a search through all.
+TEST_F(ProgramTest, HelpIsABookOfPages)
+{
+    QDir().mkpath("more");
+    WriteFileText("book.md", "# Book\n\n- [Start](start.md)\n\n## Rest\n\n- [Far](more/far.md)\n");
+    WriteFileText("start.md", "# Start\n\n[there](more/far.md#the-end-2) and [out](../x.md), "
+                              "[net](http://localhost/)\n");
+    std::string far = "# Far\n\n";
+    for (int i = 0; i < 200; i++)
+        far += "line\n\n";
+    WriteFileText("more/far.md", far + "## The end, 2\n\n`zebra` *crossing*\n");
+    onProgram([] { ShowHelpText("book.md"); });
+    auto *help = GuiWindow(PANEL_MAIN)->findChild<QWidget *>("help");
+    auto *contents = help->findChild<QListWidget *>("contents");
+    auto *text = help->findChild<QTextBrowser *>("text");
+    auto *search = help->findChild<QLineEdit *>("search");
+    ASSERT_EQ(contents->count(), 4) << "contents, two pages, the heading over one";
+    contents->setCurrentRow(1);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    for (const char *nowhere : {"../x.md", "http://localhost/more/far.md", "/etc/passwd"}) {
+        emit text->anchorClicked(QUrl(nowhere));
+        EXPECT_TRUE(text->toPlainText().startsWith("Start")) << nowhere;
+    }
+    emit text->anchorClicked(QUrl("more/far.md#the-end-2"));
+    EXPECT_EQ(text->textCursor().block().text(), "The end, 2");
+    EXPECT_GT(text->verticalScrollBar()->value(), 100);
+    EXPECT_EQ(contents->count(), 5) << "with the heading of the open page";
+    QTest::mouseClick(help->findChild<QWidget *>("back"), Qt::LeftButton);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    QTest::keyClicks(search, "zebra crossing");
+    EXPECT_EQ(text->textCursor().selectedText(), "zebra crossing");
+    QTest::mouseClick(help->findChild<QWidget *>("back"), Qt::LeftButton);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start")) << "one step, not one a page looked at";
+    QTest::keyClicks(search, "s");
+    EXPECT_FALSE(text->textCursor().hasSelection());
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    help->close();
+}
+
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
 {
     onProgram([] { SetCtrlIndex(PANEL_MAIN, MAIN_LIST, 1); });

@@ -104,7 +104,7 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
-    std::FILE *file = std::fopen(options.traceFile.c_str(), "wb");
+    std::FILE *file = PLT_OpenFile(options.traceFile, "wb");
     if (!file)
         return CPG_FailOpen(options.traceFile);
     TRC_SetSink(WriteTrace, file);
@@ -161,6 +161,7 @@ int CheckOutput(int code)
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
+    PLT_GetArguments(&argc, &argv);
     CPG_Options options;
     std::string message;
     if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {
