@@ -104,7 +104,7 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
-    std::FILE *file = std::fopen(options.traceFile.c_str(), "wb");
+    std::FILE *file = PLT_OpenFile(options.traceFile, "wb");
     if (!file) {
         std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
         return 1;
@@ -167,6 +167,7 @@ int CheckOutput(int code)
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
+    PLT_GetArguments(&argc, &argv);
     CPG_Options options;
     std::string message;
     if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {
