@@ -1,13 +1,12 @@
 // Another program's requests over standard input and output: values, refusals, watches, bad
 // lines, and the client that is shipped as an example.
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <sys/wait.h>
 
 #include "sim/sim.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 
 namespace {
 
@@ -95,8 +94,8 @@ TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
     setenv("VIREO2_COM1", (folder / "unplugged").c_str(), 1);
     const auto answers = Ask("{\"op\":\"read\",\"item\":\"wGain\"}\n{\"op\":\"hello\"}\n");
     ASSERT_EQ(2u, answers.size());
-    EXPECT_NE(std::string::npos, answers[0].find(R"("code":"port")")) << answers[0];
-    EXPECT_NE(std::string::npos, answers[1].find(R"("ok":true)"));
+    EXPECT_TRUE(Has(answers[0], R"("code":"port")"));
+    EXPECT_TRUE(Has(answers[1], R"("ok":true)"));
 }
 
 // More answers than a pipe holds: the program waits for its reader, and when that is gone it ends.
@@ -122,7 +121,7 @@ TEST_F(Serve, TheExampleClientTestsTheDemoTarget)
                             "/vireo2-console' PYTHONDONTWRITEBYTECODE=1 sh -c 'cd python && exec "
                             "python3 -m unittest test_demo'"))
         << ReadFileText(folder / "err");
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "err").find("Ran 3 tests"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "err"), "Ran 3 tests"));
 }
 
 } // namespace

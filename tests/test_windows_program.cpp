@@ -1,11 +1,7 @@
 // The Windows console program under Wine, against the simulated target: the Win32
 // serial driver opens, sets up, writes and reads a port for real.
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sys/wait.h>
 
 #include "sim/sim.h"

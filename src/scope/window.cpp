@@ -1,6 +1,7 @@
 #include "scope/window.h"
 
 #include "comm/communication.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/settings_place.h"
 #include "platform/system.h"
@@ -64,10 +65,10 @@ bool AskId(const std::string &defaultId, std::string *id)
 bool ShowProgress(uint32_t done, uint32_t total)
 {
     if (progressBox == 0 && PLT_TickMs() - uploadSinceMs >= BOX_AFTER_MS)
-        progressBox = CreateProgressDialog("Data scope", "Uploading ...");
+        progressBox = CreateProgressDialog("Data scope", SCP_UPLOADING);
     const int percent = static_cast<int>(uint64_t{done} * 100 / std::max(total, 1u));
     const bool isCancelled =
-        progressBox != 0 && UpdateProgressDialog(progressBox, percent, "Uploading ...") != 0;
+        progressBox != 0 && UpdateProgressDialog(progressBox, percent, SCP_UPLOADING) != 0;
     return isCancelled || IsBreakWished();
 }
 
@@ -200,7 +201,7 @@ bool Upload()
         return false;
     const SCP_Capture fresh = SCP_MakeCapture(SCP_GetRunSetup());
     if (fresh.traces.empty()) {
-        ShowStatus("No channel is on.");
+        ShowStatus(SCP_NO_CHANNEL);
         return false;
     }
     capture = fresh;
@@ -252,7 +253,7 @@ void OpenSetup()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_LoadSetup(path, &setup, &problems) != 0) {
-        MessagePopup("Error", "Could not read the file " + path + ".");
+        MessagePopup("Error", PLF_FailureText(path));
         return;
     }
     SX_isInitDone = 0; // it may name another scope

@@ -15,6 +15,7 @@
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/toggle_switch.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"
 
@@ -128,55 +129,6 @@ TEST_F(ProgramTest, TheWindowNeverWaitsForTheProgram)
     EXPECT_EQ(typed, "12AB");
     EXPECT_TRUE(QTest::qWaitFor([&] { return busy->text().isEmpty(); }, PATIENCE_MS));
     GuiWindow(PANEL_MAIN)->resize(780, 491);
-}
-
-// The same with a target: one that never answers, and one that does late.
-TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
-{
-    SIM_Options late, silent;
-    late.delayMs = 350;
-    silent.stations = 0;
-    const struct {
-        const char *name;
-        SIM_Options options;
-    } targets[] = {{"silent", silent}, {"late", late}};
-    for (const auto &kind : targets) {
-        unplug();
-        plug(kind.options);
-        ASSERT_TRUE(target) << kind.name;
-        clickCommunication();
-        // Until the program waits for the target inside a callback.
-        VIEW_Busy busy;
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] {
-                VIEW_GetBusy(&busy);
-                return busy.isBusy;
-            },
-            PATIENCE_MS))
-            << kind.name;
-        const int wanted = list->lines()->rowCount() - 1;
-        list->select({0}, 0);
-        list->setFocus();
-        for (int i = 0; i < wanted; i++) {
-            QTest::keyClick(list, Qt::Key_Down);
-            EXPECT_EQ(list->currentRow(), qMin(i + 1, wanted)) << kind.name << ": drawn at once";
-        }
-        // What only the program can answer waits for the callback that runs, and for nothing
-        // but the events before it.
-        VIEW_Counters before;
-        VIEW_GetCounters(&before);
-        std::atomic<uint64_t> begun{0};
-        startOnProgram([&begun] {
-            VIEW_Counters now;
-            VIEW_GetCounters(&now);
-            begun = now.callbacks;
-        });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return begun != 0; }, PATIENCE_MS)) << kind.name;
-        EXPECT_LE(begun - before.callbacks, 2 + before.posted - before.handled) << kind.name;
-        clickCommunication();
-        EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
-        ASSERT_TRUE(settle());
-    }
 }
 
 // F1 is answered inside the program; the reader finds chapters and words.
@@ -309,14 +261,14 @@ TEST_F(ProgramTest, AsksBeforeItEnds)
     EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
     GuiShow(PANEL_MAIN);
     const std::string removed = "\nwRamp, ";
-    EXPECT_NE(ReadFileText("demo.dbg").find(removed), std::string::npos);
+    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), removed));
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
     dialog = GuiDialog();
     ASSERT_TRUE(dialog);
     GuiClickButton(dialog, "Yes");
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return ReadFileText("demo.dbg").find(removed) == std::string::npos; }, PATIENCE_MS));
-    EXPECT_NE(ReadFileText("demo.dbg").find("; "), std::string::npos) << "comments are the user's";
+    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), "; ")) << "comments are the user's";
 }
 
 } // namespace

@@ -105,19 +105,13 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
     if (options.traceFile.empty())
         return Run(options, argc, argv);
     std::FILE *file = PLT_OpenFile(options.traceFile, "wb");
-    if (!file) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
-        return 1;
-    }
+    if (!file)
+        return CPG_FailOpen(options.traceFile);
     TRC_SetSink(WriteTrace, file);
     int code = Run(options, argc, argv);
     TRC_SetSink(nullptr, nullptr);
     const bool isBad = std::ferror(file) != 0;
-    if (std::fclose(file) != 0 || isBad) {
-        std::fprintf(stderr, "Error writing file '%s'.\n", options.traceFile.c_str());
-        code = 1;
-    }
-    return code;
+    return std::fclose(file) != 0 || isBad ? CPG_FailWrite(options.traceFile) : code;
 }
 
 int MakeArchive(const CPG_Options &options)
