@@ -92,8 +92,7 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
         return -1;
     }
     const bool hasLevel = CONDITIONS[parsed.condition].hasLevel;
-    if (words.size() != (hasLevel ? 5u : 4u) ||
-        (hasLevel && !NUM_Parse(words[4], &parsed.level))) {
+    if (words.size() != (hasLevel ? 5u : 4u) || (hasLevel && !NUM_Parse(words[4], &parsed.level))) {
         *problem = hasLevel ? "a number is to follow '" + words[3] + "'"
                             : "nothing is to follow '" + words[3] + "'";
         return -1;
