@@ -40,7 +40,7 @@ extern const SMP_Line SMP_LINE; // the unified layer and the system's clock
 
 // All items once, in their order: one row of a table. Valid during the call only.
 struct SMP_Row {
-    int64_t timeUs = 0; // steady clock, the middle between its first and its last exchange
+    int64_t timeUs = 0; // steady clock, the middle between its first and its last sample
     const SMP_Sample *samples = nullptr;
     size_t count = 0;
 };
@@ -90,10 +90,8 @@ struct SMP_Sampler {
     uint32_t doubts = 0;
     std::vector<SMP_Sample> row; // being read
     bool isInRow = false, isAnyAsked = false;
-    bool hasProofCome = false; // with the last block of the row
-    uint64_t rowFirstUs = 0;
-    std::vector<SMP_Sample> held; // rows that wait for their proof, one behind the other
-    std::vector<int64_t> heldTimesUs;
+    bool hasProofCome = false;        // with the last block of the row
+    std::vector<SMP_Sample> held;     // rows that wait for their proof, one behind the other
     std::vector<SMP_Sample> previous; // last good counts of rates
 };
 
