@@ -7,10 +7,12 @@
 #include "comm/trace.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
+#include "inspect/inspectors.h"
 #include "logger/dlld_record.h"
 #include "runtime/headless/headless.h"
 #include "sets/window.h"
 #include "settings/settings.h"
+#include "simulator/target.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "ui/resource.h"
@@ -23,6 +25,8 @@
 
 void ResetProgram()
 {
+    INS_Free();
+    TGT_Stop();
     // The line: closed, with the usual patience.
     UCM_Close();
     MrASC_Close();
