@@ -56,7 +56,7 @@ const char HELP[] =
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
-bool parseWhole(const char *text, long low, long high, long *value)
+bool ParseWhole(const char *text, long low, long high, long *value)
 {
     char *end;
     errno = 0;
@@ -64,7 +64,7 @@ bool parseWhole(const char *text, long low, long high, long *value)
     return end != text && *end == 0 && errno == 0 && *value >= low && *value <= high;
 }
 
-bool parseShare(const char *text, double *value)
+bool ParseShare(const char *text, double *value)
 {
     char *end;
     *value = strtod(text, &end);
@@ -72,7 +72,7 @@ bool parseShare(const char *text, double *value)
 }
 
 // Numbers and ranges between commas, each 0..15.
-bool parseStations(const char *text, uint32_t *mask)
+bool ParseStations(const char *text, uint32_t *mask)
 {
     *mask = 0;
     for (;;) {
@@ -108,55 +108,55 @@ struct OptionRow {
 
 bool isControlled = false; // --control
 
-bool applyBaud(const char *text, SIM_Options *options)
+bool ApplyBaud(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, BAUD_MIN, BAUD_MAX, &value);
+    const bool good = ParseWhole(text, BAUD_MIN, BAUD_MAX, &value);
     options->baud = static_cast<int>(value);
     return good;
 }
 
 // Which host it is shows when it is listened at; the port must be a number.
-bool applyTcp(const char *text, SIM_Options *options)
+bool ApplyTcp(const char *text, SIM_Options *options)
 {
     const char *colon = strrchr(text, ':');
     long port = 0;
     options->tcp = text;
-    return colon != text && parseWhole(colon ? colon + 1 : text, 0, PORT_LAST, &port);
+    return colon != text && ParseWhole(colon ? colon + 1 : text, 0, PORT_LAST, &port);
 }
 
-bool applyDelay(const char *text, SIM_Options *options)
+bool ApplyDelay(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, DELAY_MAX_MS, &value);
+    const bool good = ParseWhole(text, 0, DELAY_MAX_MS, &value);
     options->delayMs = static_cast<int>(value);
     return good;
 }
 
 // An option has no value, a line of the control has one.
-bool applyEcho(const char *text, SIM_Options *options)
+bool ApplyEcho(const char *text, SIM_Options *options)
 {
     options->echo = text == nullptr || strcmp(text, "1") == 0;
     return text == nullptr || options->echo || strcmp(text, "0") == 0;
 }
 
-bool applyEraseSeconds(const char *text, SIM_Options *options)
+bool ApplyEraseSeconds(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, ERASE_MAX_S, &value);
+    const bool good = ParseWhole(text, 0, ERASE_MAX_S, &value);
     options->eraseSeconds = static_cast<int>(value);
     return good;
 }
 
-bool applySeed(const char *text, SIM_Options *options)
+bool ApplySeed(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, UINT32_MAX, &value);
+    const bool good = ParseWhole(text, 0, UINT32_MAX, &value);
     options->seed = static_cast<uint32_t>(value);
     return good;
 }
 
-bool applyScope(const char *text, SIM_Options *options)
+bool ApplyScope(const char *text, SIM_Options *options)
 {
     const std::string list = text;
     options->scopes = 0;
@@ -177,7 +177,7 @@ bool applyScope(const char *text, SIM_Options *options)
 }
 
 // "FILE@67F000": the address is hexadecimal; a file name may hold an "@" itself.
-bool applyFlash(const char *text, SIM_Options *options)
+bool ApplyFlash(const char *text, SIM_Options *options)
 {
     const char *at = strrchr(text, '@');
     if (!at || at == text || !isxdigit(static_cast<unsigned char>(at[1])))
@@ -193,52 +193,52 @@ const OptionRow rows[] = {
     {{"modbus", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->modbus = true; }},
     {{"refuse", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->refuse); },
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->refuse); },
      true},
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->link = text;
          return *text != 0;
      }},
-    {{"tcp", required_argument, nullptr, 0}, applyTcp},
-    {{"baud", required_argument, nullptr, 0}, applyBaud},
-    {{"echo", no_argument, nullptr, 0}, applyEcho, true},
+    {{"tcp", required_argument, nullptr, 0}, ApplyTcp},
+    {{"baud", required_argument, nullptr, 0}, ApplyBaud},
+    {{"echo", no_argument, nullptr, 0}, ApplyEcho, true},
     {{"drop", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->drop); },
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->drop); },
      true},
     {{"repeat", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->repeat); },
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->repeat); },
      true},
     {{"corrupt", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->corrupt); },
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->corrupt); },
      true},
-    {{"delay", required_argument, nullptr, 0}, applyDelay, true},
+    {{"delay", required_argument, nullptr, 0}, ApplyDelay, true},
     {{"silent-after", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
-         return parseWhole(text, -1, LONG_MAX, &o->silentAfter);
+         return ParseWhole(text, -1, LONG_MAX, &o->silentAfter);
      },
      true},
-    {{"seed", required_argument, nullptr, 0}, applySeed},
+    {{"seed", required_argument, nullptr, 0}, ApplySeed},
     {{"log", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->log = text;
          return *text != 0;
      }},
     {{"stations", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); },
+     [](const char *text, SIM_Options *o) { return ParseStations(text, &o->stations); },
      true},
     {{"control", no_argument, nullptr, 0},
      [](const char *, SIM_Options *) { return isControlled = true; }},
-    {{"flash", required_argument, nullptr, 0}, applyFlash},
+    {{"flash", required_argument, nullptr, 0}, ApplyFlash},
     {{"loader", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->loader = true; }},
-    {{"erase-seconds", required_argument, nullptr, 0}, applyEraseSeconds},
+    {{"erase-seconds", required_argument, nullptr, 0}, ApplyEraseSeconds},
     {{"flash-image", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->flashImage = text;
          return *text != 0;
      }},
-    {{"scope", required_argument, nullptr, 0}, applyScope},
+    {{"scope", required_argument, nullptr, 0}, ApplyScope},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;
@@ -248,13 +248,13 @@ const OptionRow rows[] = {
 };
 constexpr size_t ROWS = sizeof rows / sizeof *rows;
 
-[[noreturn]] void refuse()
+[[noreturn]] void EndRefusing()
 {
     fputs("Try 'vireo2-target --help'.\n", stderr);
     exit(EXIT_USAGE);
 }
 
-void parseArguments(int argc, char **argv, SIM_Options *options)
+void ParseArguments(int argc, char **argv, SIM_Options *options)
 {
     option table[ROWS + 1] = {};
     for (size_t i = 0; i < ROWS; i++)
@@ -269,14 +269,14 @@ void parseArguments(int argc, char **argv, SIM_Options *options)
         }
         if (!row.apply(optarg, options)) {
             fprintf(stderr, "vireo2-target: bad value for --%s: %s\n", row.getopt.name, optarg);
-            refuse();
+            EndRefusing();
         }
     }
     if (got != -1) // getopt has named the option
-        refuse();
+        EndRefusing();
     if (optind < argc) {
         fprintf(stderr, "vireo2-target: unexpected argument: %s\n", argv[optind]);
-        refuse();
+        EndRefusing();
     }
 }
 
@@ -288,7 +288,7 @@ SIM_Target *controlled = nullptr;
 SIM_Options controlOptions;
 
 // "drop 0.05"; anything else is answered with "? " and the line.
-void obeyLine(const std::string &line)
+void ObeyLine(const std::string &line)
 {
     const size_t blank = line.find(' ');
     const std::string name = line.substr(0, blank);
@@ -307,7 +307,7 @@ void obeyLine(const std::string &line)
     fflush(stdout);
 }
 
-void obeyInput()
+void ObeyInput()
 {
     constexpr size_t LINE_MAX_CHARS = 200;
     char bytes[256];
@@ -315,7 +315,7 @@ void obeyInput()
     while (const size_t count = SIM_ReadInput(bytes, sizeof bytes))
         for (size_t i = 0; i < count; i++) {
             if (bytes[i] == '\n') {
-                obeyLine(line);
+                ObeyLine(line);
                 line.clear();
             } else if (bytes[i] != '\r' && line.size() < LINE_MAX_CHARS) {
                 line += bytes[i];
@@ -324,7 +324,7 @@ void obeyInput()
     SIM_EndProgram();
 }
 
-void setControlled(SIM_Target *target)
+void SetControlled(SIM_Target *target)
 {
     const std::lock_guard<std::mutex> guard(controlLock);
     controlled = target;
@@ -336,7 +336,7 @@ int main(int argc, char **argv)
 {
     SIM_Options options;
     options.eraseSeconds = ERASE_DEFAULT_S;
-    parseArguments(argc, argv, &options);
+    ParseArguments(argc, argv, &options);
 
     SIM_PrepareEnding();
     std::string error;
@@ -348,11 +348,11 @@ int main(int argc, char **argv)
     printf("%s\n", SIM_DevicePath(target));
     fflush(stdout);
     controlOptions = options;
-    setControlled(target);
+    SetControlled(target);
     if (isControlled)
-        std::thread(obeyInput).detach();
+        std::thread(ObeyInput).detach();
     SIM_WaitForEnding();
-    setControlled(nullptr);
+    SetControlled(nullptr);
     if (!SIM_Stop(target, &error)) {
         fprintf(stderr, "vireo2-target: %s\n", error.c_str());
         return EXIT_FAILURE;

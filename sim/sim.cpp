@@ -12,7 +12,7 @@
 
 namespace {
 
-bool openLog(SIM_Target *target, std::string *error)
+bool OpenLog(SIM_Target *target, std::string *error)
 {
     if (target->options.log.empty())
         return true;
@@ -22,13 +22,13 @@ bool openLog(SIM_Target *target, std::string *error)
     return target->log != nullptr;
 }
 
-void closeLog(SIM_Target *target)
+void CloseLog(SIM_Target *target)
 {
     if (target->log && target->log != stdout)
         fclose(target->log);
 }
 
-bool loadFlash(SIM_Target *target, std::string *error)
+bool LoadFlash(SIM_Target *target, std::string *error)
 {
     const SIM_Options &options = target->options;
     if (options.flash.empty())
@@ -45,14 +45,14 @@ bool loadFlash(SIM_Target *target, std::string *error)
     return error->empty();
 }
 
-void setLoaderFaults(SIM_Target *target, const SIM_Options &options)
+void SetLoaderFaults(SIM_Target *target, const SIM_Options &options)
 {
     target->loader.faults.drop = options.drop;
     target->loader.faults.corrupt = options.corrupt;
     target->loader.faults.silentAfter = options.silentAfter;
 }
 
-SIM_Station *stationOf(SIM_Target *target, int station)
+SIM_Station *FindStation(SIM_Target *target, int station)
 {
     return station >= 0 && station < SIM_STATIONS ? &target->stations[station] : nullptr;
 }
@@ -74,13 +74,13 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     if (options.loader) {
         SIM_InitLoader(&target->loader, options.seed);
         target->loader.faults.eraseZeros = options.eraseSeconds; // a sign of life each second
-        setLoaderFaults(target, options);
+        SetLoaderFaults(target, options);
     }
     error = error ? error : &ignored;
     error->clear();
-    if (!loadFlash(target, error) || !openLog(target, error) ||
+    if (!LoadFlash(target, error) || !OpenLog(target, error) ||
         !SIM_OpenLine(&target->line, options.baud, options.tcp, options.link, error)) {
-        closeLog(target);
+        CloseLog(target);
         delete target;
         return nullptr;
     }
@@ -98,7 +98,7 @@ bool SIM_Stop(SIM_Target *target, std::string *error)
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
-    closeLog(target);
+    CloseLog(target);
     std::string ignored;
     const bool saved = !target->options.loader || target->options.flashImage.empty() ||
                        SIM_SaveFlash(target, error ? error : &ignored);
@@ -114,7 +114,7 @@ const char *SIM_DevicePath(const SIM_Target *target)
 void SIM_Poke(SIM_Target *target, int station, uint32_t address, const void *bytes, size_t count)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    if (SIM_Station *found = stationOf(target, station))
+    if (SIM_Station *found = FindStation(target, station))
         SIM_WriteMemory(found, address, bytes, count);
 }
 
@@ -122,7 +122,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 {
     memset(bytes, 0, count);
     const std::lock_guard<std::mutex> guard(target->lock);
-    SIM_Station *found = stationOf(target, station);
+    SIM_Station *found = FindStation(target, station);
     if (found && target->options.demo)
         SIM_UpdateDemo(found, station, SIM_Elapsed(target), address, count);
     if (found)
@@ -132,14 +132,14 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    if (SIM_Station *found = stationOf(target, station))
+    if (SIM_Station *found = FindStation(target, station))
         found->tms[wordAddress] = value;
 }
 
 uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    SIM_Station *found = stationOf(target, station);
+    SIM_Station *found = FindStation(target, station);
     if (!found)
         return 0;
     if (target->options.demo)
@@ -161,7 +161,7 @@ void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
     target->options.stations = options.stations;
     target->answersLeft = options.silentAfter;
     if (target->options.loader)
-        setLoaderFaults(target, options);
+        SetLoaderFaults(target, options);
 }
 
 void SIM_SetErrorCode(SIM_Target *target, int command, int code)
