@@ -12,6 +12,7 @@
 
 namespace {
 
+constexpr int LENT_MAX = 98; // every driver opens it
 constexpr size_t ADDRESS_MAX = 300; // characters: a host name has at most 253
 
 std::map<int, std::string> lent; // by number
@@ -77,7 +78,7 @@ int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number)
 
 int RMP_Lend(const std::string &address)
 {
-    for (int port = PTL_NUMBER_MAX; port >= 1; --port) {
+    for (int port = LENT_MAX; port >= 1; --port) {
         const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
         if ((given != nullptr && *given != '\0') || !RMP_GetAddress(port).empty())
             continue;
