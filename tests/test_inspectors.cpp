@@ -10,12 +10,10 @@
 #include "support/console_rig.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
-#include "symbols/varnode.h"
 #include "text/words.h"
 #include "watch/list/litem.h"
 
 #include <cstring>
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,7 +25,6 @@ struct Inspectors : ConsoleRig {
         ConsoleRig::SetUp();
         SIMT_Stop(RIG_PORT, target);
         target = SIMT_Start(RIG_PORT, SIM_Options()); // the demo
-        TMF_CleanTables();
         initRgMap(CPU_C167);
         ASSERT_EQ(0, ReadMap((EXAMPLES + "demo.m66").c_str()));
         openStruct = OPEN_MAP_FILE;
@@ -38,14 +35,7 @@ struct Inspectors : ConsoleRig {
     }
     void TearDown() override
     {
-        VIR2_StopPeriodicASC();
-        TMF_CleanTables();
-        TMF_szFileName.clear();
-        INS_Free();
-        ConsoleRig::TearDown();
-        FreeNodes(aVarNode166, &nNodes166);
-        openStruct166 = 0;
-        nLItems = 0;
+        ResetProgram();
     }
     static std::string GetCell(int panel, int list, int line, size_t column)
     {

@@ -4,6 +4,8 @@
 
 #include <cstring>
 
+#include "platform/utf8_win32.h"
+
 struct CHP_Process {
     HANDLE process = nullptr;
     HANDLE input = nullptr, output = nullptr;
@@ -31,14 +33,12 @@ bool OpenPipe(HANDLE *readEnd, HANDLE *writeEnd, HANDLE *const ours)
 }
 
 // Names of files hold no quotes here.
-std::vector<char> JoinWords(const std::vector<std::string> &words)
+std::wstring JoinWords(const std::vector<std::string> &words)
 {
     std::string line;
     for (const std::string &word : words)
         line += (line.empty() ? "\"" : " \"") + word + "\"";
-    std::vector<char> text(line.begin(), line.end()); // the call may write into it
-    text.push_back('\0');
-    return text;
+    return PLT_Wide(line);
 }
 
 } // namespace
@@ -51,14 +51,15 @@ CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
     bool isStarted = OpenPipe(&theirInput, &made->input, &made->input) &&
                      OpenPipe(&made->output, &theirOutput, &made->output);
     if (isStarted) {
-        STARTUPINFOA startup;
+        STARTUPINFOW startup;
         std::memset(&startup, 0, sizeof startup);
         startup.cb = sizeof startup;
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdInput = theirInput;
         startup.hStdOutput = startup.hStdError = theirOutput;
-        isStarted = CreateProcessA(nullptr, JoinWords(words).data(), nullptr, nullptr, TRUE,
-                                   CREATE_NO_WINDOW, nullptr, nullptr, &startup, &process);
+        std::wstring line = JoinWords(words); // the call may write into it
+        isStarted = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                                   nullptr, nullptr, &startup, &process);
     }
     CloseEnd(&theirInput);
     CloseEnd(&theirOutput);

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int LENT_MAX = 98; // every driver opens it
+constexpr int LENT_MAX = 98;        // every driver opens it
 constexpr size_t ADDRESS_MAX = 300; // characters: a host name has at most 253
 
 std::map<int, std::string> lent; // by number
@@ -34,7 +34,7 @@ std::string RMP_GetAddress(int port)
     const auto found = lent.find(port);
     if (found != lent.end())
         return found->second;
-    std::FILE *file = std::fopen(FilePath(port).c_str(), "rb");
+    std::FILE *file = PLT_OpenFile(FilePath(port), "rb");
     if (file == nullptr)
         return "";
     char buffer[ADDRESS_MAX + 1] = "";
