@@ -31,6 +31,9 @@ void SIM_GetUtc(time_t when, struct tm *date);
 
 // The program's end: begin before any thread is started, wait on the first one.
 void SIM_PrepareEnding();
-void SIM_WaitForEnding(); // until the user or the system wants it
+void SIM_WaitForEnding(); // until the user, the system or SIM_EndProgram wants it
+void SIM_EndProgram();    // any thread
+// What stands in standard input, waited for; 0 = its end. Any thread.
+size_t SIM_ReadInput(char *bytes, size_t capacity);
 
 #endif

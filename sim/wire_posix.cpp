@@ -314,3 +314,17 @@ void SIM_WaitForEnding()
     int received;
     sigwait(&set, &received);
 }
+
+void SIM_EndProgram()
+{
+    kill(getpid(), SIGTERM);
+}
+
+size_t SIM_ReadInput(char *bytes, size_t capacity)
+{
+    ssize_t count = 0;
+    do
+        count = read(STDIN_FILENO, bytes, capacity);
+    while (count < 0 && errno == EINTR);
+    return count > 0 ? static_cast<size_t>(count) : 0;
+}

@@ -233,3 +233,15 @@ void SIM_WaitForEnding()
 {
     WaitForSingleObject(endingEvent, INFINITE);
 }
+
+void SIM_EndProgram()
+{
+    SetEvent(endingEvent);
+}
+
+size_t SIM_ReadInput(char *bytes, size_t capacity)
+{
+    DWORD count = 0;
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    return ReadFile(input, bytes, static_cast<DWORD>(capacity), &count, nullptr) ? count : 0;
+}
