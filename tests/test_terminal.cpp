@@ -434,6 +434,7 @@ TEST_F(Terminals, DisplayShowsThePictureAndTakesEachKeyOnce)
                     [&] { return UiText(PANEL_LCD, LCD_SCREEN).find(text) != std::string::npos; });
     };
     ASSERT_TRUE(shows("VIREO2 DEMO 01")) << UiText(PANEL_LCD, LCD_MESSAGE);
+    EXPECT_EQ(LCD_SCREEN, GetActiveCtrl(PANEL_LCD)) << "keys go to the target from the start";
     EXPECT_TRUE(shows("\xEE\x80\x81"
                       "C"))
         << "its own degree sign";
