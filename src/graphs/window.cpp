@@ -3,6 +3,8 @@
 #include "comm/communication.h"
 #include "graphs/export.h"
 #include "graphs/window_curves.h"
+#include "platform/plain_file.h"
+#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/measure.h"
@@ -91,7 +93,7 @@ void ShowButtons()
 void ShowAll()
 {
     if (GRV_ShowCurves(&source, setup) < 0)
-        ShowMessage("Could not read the file " + source.recording.path + ".");
+        ShowMessage(PLF_FailureText(source.recording.path));
     GRV_ShowTable(&source, setup);
     ShowState();
     ShowButtons();
@@ -303,7 +305,7 @@ void OpenSetup()
     if (!AskFile("*.graph", "*.graph", "Open graph settings", FILE_LOAD, &path))
         return;
     if (GRA_LoadSetup(path, &setup, &problems) != 0) {
-        MessagePopup("Error", "Could not read the file " + path + ".");
+        MessagePopup("Error", PLF_FailureText(path));
         return;
     }
     GRS_Stop(&source);
@@ -333,7 +335,7 @@ void SaveSetup()
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
     setup.layout = view.layout;
     if (GRA_SaveSetup(path, setup) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 void BeginRecording()

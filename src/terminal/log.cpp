@@ -16,7 +16,7 @@ int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
         *problem = "Not a file to write to: " + path + ".";
         return -1;
     }
-    log->file = std::fopen(real.c_str(), "wb");
+    log->file = PLT_OpenFile(real, "wb");
     log->path = path;
     log->bytes = 0;
     if (log->file == nullptr)
