@@ -20,6 +20,8 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -247,6 +249,8 @@ void VR_ShowSettings()
     DBW_Changed();
     ARI_NamesChanged();
     RCI_NamesChanged();
+    T166_SetPanelAttributes();
+    LCW_SetPanelAttributes();
     WPL_ApplyColumns();
     CNP_Refresh();
 }

@@ -60,6 +60,7 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_RECORD, 0},
     {PANEL_SIMULATOR, 0},
     {PANEL_TERMINAL, 0},
+    {PANEL_LCD, 0},
     {PANEL_CONNECT, PANEL_MAIN},
 };
 

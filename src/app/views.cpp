@@ -124,12 +124,11 @@ struct WindowItem {
     int panel;
     void (*opened)(); // may be null
 };
-// The terminal is empty yet and has no item in the menu.
 constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
-    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
-    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},
-    {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},     {ITEM_SIMULATOR, PANEL_SIMULATOR, TGW_Opened},
+    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
+    {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},         {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},
+    {ITEM_SIMULATOR, PANEL_SIMULATOR, TGW_Opened},
 };
 
 void ShowWindow(const WindowItem &row)

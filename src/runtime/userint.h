@@ -330,6 +330,7 @@ int GetViewLayouts(std::vector<UI_Layout> *layouts);
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
+int ClipboardGetText(std::string *text); // the view is asked for it; 0, or -1: there is none
 int Beep(); // the desktop's sound, or the terminal's bell
 
 #endif

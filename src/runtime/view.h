@@ -157,7 +157,14 @@ struct VIEW_Completion {
     std::vector<std::string> candidates;
 };
 
-enum VIEW_QuestionKind { VIEW_MESSAGE, VIEW_CONFIRM, VIEW_PROMPT, VIEW_GENERIC, VIEW_FILE };
+enum VIEW_QuestionKind {
+    VIEW_MESSAGE,
+    VIEW_CONFIRM,
+    VIEW_PROMPT,
+    VIEW_GENERIC,
+    VIEW_FILE,
+    VIEW_CLIPBOARD, // nobody is asked: the answer is 1 and the text on the clipboard
+};
 // To be answered by VIEW_EVENT_ANSWER with the same id, once. button: the number of the
 // button from 1, 0 = closed. VIEW_CONFIRM 1 yes, 2 no; VIEW_PROMPT 1 OK, 2 cancel; VIEW_FILE
 // 1 and the path as text (a new file in FILE_SAVE mode that exists has been confirmed).

@@ -17,6 +17,9 @@
 #include "sets/editor.h"
 #include "sets/window.h"
 #include "simulator/window.h"
+#include "terminal/entry.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -43,7 +46,7 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", DTSC_PanelCB},
     {PANEL_GRAPH, "graph", "Graph", GRW_PanelCB},
-    {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
+    {PANEL_TERMINAL_ENTRY, "terminal_entry", "Send text", TRE_PanelCB},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
@@ -68,7 +71,8 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_RECORD_MORE + 7, "record", "Record", INS_PanelCB},
     {PANEL_RECORD_MORE + 8, "record", "Record", INS_PanelCB},
     {PANEL_SIMULATOR, "simulator", "Simulated target", TGW_PanelCB},
-    {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
+    {PANEL_TERMINAL, "terminal", "Service terminal", T166_PanelCB},
+    {PANEL_LCD, "lcd", "LCD and keyboard", LCW_PanelCB},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
 };
 const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
@@ -296,6 +300,62 @@ const UI_Control UI_aControls[] = {
     RECORD_WINDOW(PANEL_RECORD_MORE + 6),
     RECORD_WINDOW(PANEL_RECORD_MORE + 7),
     RECORD_WINDOW(PANEL_RECORD_MORE + 8),
+
+    {PANEL_TERMINAL, TERM_SCREEN, UIK_TEXTBOX, "screen", T166_ScreenCB},
+    {PANEL_TERMINAL, TERM_LINE, UIK_STRING, "line", T166_LineCB},
+    {PANEL_TERMINAL, TERM_PLACE, UIK_STRING, "place", T166_PlaceCB},
+    {PANEL_TERMINAL, TERM_STATION, UIK_RING, "station", T166_PlaceCB},
+    {PANEL_TERMINAL, TERM_PAGE, UIK_RING, "codePage", nullptr},
+    {PANEL_TERMINAL, TERM_ENDING, UIK_RING, "ending", nullptr},
+    {PANEL_TERMINAL, TERM_ECHO, UIK_SWITCH, "echo", nullptr},
+    {PANEL_TERMINAL, TERM_LOG, UIK_SWITCH, "log", T166_LogCB},
+    {PANEL_TERMINAL, TERM_CLEAR, UIK_BUTTON, "clear", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_COPY, UIK_BUTTON, "copy", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_PASTE, UIK_BUTTON, "paste", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_TERMINAL, TERM_MESSAGE, UIK_TEXT, "message", nullptr},
+
+    {PANEL_TERMINAL_ENTRY, ENTRY_TEXT, UIK_TEXTBOX, "entry", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_PASTE, UIK_BUTTON, "paste", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_FILE, UIK_BUTTON, "file", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_SEND, UIK_BUTTON, "send", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_STOP, UIK_BUTTON, "stop", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_BAR, UIK_BAR, "bar", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_CLOSE, UIK_BUTTON, "closePanel", TRE_ButtonCB},
+
+    {PANEL_LCD, LCD_SCREEN, UIK_TEXT, "screen", LCW_ScreenCB},
+    {PANEL_LCD, LCD_PLACE, UIK_STRING, "place", LCW_PlaceCB},
+    {PANEL_LCD, LCD_STATION, UIK_RING, "station", LCW_PlaceCB},
+    {PANEL_LCD, LCD_PAGE, UIK_RING, "codePage", LCW_PlaceCB},
+    {PANEL_LCD, LCD_COPY, UIK_BUTTON, "copy", LCW_CopyCB},
+    {PANEL_LCD, LCD_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_LCD, LCD_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_LCD, LCD_TIMER, UIK_TIMER, "timer", LCW_TimerCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 0, UIK_BUTTON, "key0", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 1, UIK_BUTTON, "key1", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 2, UIK_BUTTON, "key2", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 3, UIK_BUTTON, "key3", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 4, UIK_BUTTON, "key4", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 5, UIK_BUTTON, "key5", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 6, UIK_BUTTON, "key6", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 7, UIK_BUTTON, "key7", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 8, UIK_BUTTON, "key8", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 9, UIK_BUTTON, "key9", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 10, UIK_BUTTON, "keyEnter", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 11, UIK_BUTTON, "keyEsc", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 12, UIK_BUTTON, "keyUp", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 13, UIK_BUTTON, "keyDown", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 14, UIK_BUTTON, "keyLeft", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 15, UIK_BUTTON, "keyRight", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 16, UIK_BUTTON, "keyPlus", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 17, UIK_BUTTON, "keyMinus", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 18, UIK_BUTTON, "keyPoint", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 19, UIK_BUTTON, "keyDelete", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 20, UIK_BUTTON, "keyF1", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 21, UIK_BUTTON, "keyF2", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 22, UIK_BUTTON, "keyF3", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 23, UIK_BUTTON, "keyF4", LCW_KeyCB},
 
     {PANEL_CONFIG, CONFIG_HEADER, UIK_STRING, "header", nullptr},
     {PANEL_CONFIG, CONFIG_OPEN, UIK_BUTTON, "open", CFW_OpenCB},

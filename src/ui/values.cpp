@@ -138,6 +138,19 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_DEBUGGER, DEBUG_CODE, KEY_LEFT, KEY_RIGHT, true}, // back, into a jump
     {PANEL_DEBUGGER, DEBUG_CODE, KEY_BACKSPACE, KEY_BACKSPACE, true},
 
+    {PANEL_TERMINAL_ENTRY, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_TERMINAL, TERM_SCREEN, ' ', '~', true}, // keys are the target's
+    {PANEL_TERMINAL, TERM_SCREEN, KEY_ENTER, KEY_ESC, true},
+    {PANEL_TERMINAL, TERM_SCREEN, KEY_BACKSPACE, KEY_BACKSPACE, true},
+
+    {PANEL_LCD, LCD_SCREEN, '0', '9', true},
+    {PANEL_LCD, LCD_SCREEN, '+', '+', true},
+    {PANEL_LCD, LCD_SCREEN, '-', '.', true},
+    {PANEL_LCD, LCD_SCREEN, KEY_ENTER, KEY_ESC, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_UP, KEY_RIGHT, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_BACKSPACE, KEY_BACKSPACE, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_F1, KEY_F1 + 3, true},
+
     {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way
     {PANEL_DATA_LOG, LOG_LIST, KEY_CTRL | 'C', KEY_CTRL | 'C', true},

@@ -11,6 +11,7 @@
 #include "ui_debugger.h"
 #include "ui_graph.h"
 #include "ui_item.h"
+#include "ui_lcd.h"
 #include "ui_loader.h"
 #include "ui_main.h"
 #include "ui_memory.h"
@@ -79,6 +80,7 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_RECORD_MORE + 8, Setup<Ui::RecordPanel>},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
     {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
+    {PANEL_LCD, Setup<Ui::LcdPanel>},
 };
 
 } // namespace
