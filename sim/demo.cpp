@@ -79,30 +79,30 @@ enum TmsWord : uint32_t {
     TMS_SCALED
 };
 
-double sine(double t)
+double Sine(double t)
 {
     return std::sin(2 * PI * t / SINE_PERIOD_S);
 }
 
 // Between -1 and 1, back and forth once a period.
-double triangle(double t, double period)
+double Triangle(double t, double period)
 {
     const double x = std::fmod(t, period) / period;
     return x < 0.5 ? 4 * x - 1 : 3 - 4 * x;
 }
 
-uint64_t whole(double value)
+uint64_t Whole(double value)
 {
     return static_cast<uint64_t>(std::llround(value));
 }
 
-uint64_t count(double t, double perSecond)
+uint64_t Count(double t, double perSecond)
 {
     return static_cast<uint64_t>(t * perSecond);
 }
 
 // A distorted 50 Hz, of 1000: what only a scope in the target can see.
-double mains(double t, int phase)
+double Mains(double t, int phase)
 {
     const double angle = 2 * PI * (50 * t - phase / 3.0);
     return 900 * std::sin(angle) + 100 * std::sin(3 * angle);
@@ -116,64 +116,64 @@ struct LiveInteger {
 };
 
 const LiveInteger liveIntegers[] = {
-    {0x8000, 1, [](double t) { return count(t, 100); }},                               // byTick
-    {0x8002, 2, [](double t) { return count(t, 1000); }},                              // wCount
-    {0x8004, 4, [](double t) { return count(t, 1000); }},                              // dwCount
-    {0x8008, 8, [](double t) { return PAST_32_BITS + count(t, 1e6); }},                // qwCount
-    {0x8010, 2, [](double t) { return whole(1000 * sine(t)); }},                       // nSine
-    {0x8012, 2, [](double t) { return count(t, 500) % 10000; }},                       // wRamp
-    {0x8014, 4, [](double t) { return whole(100000 + 50000 * sine(t)); }},             // dwSine
-    {0x8020, 4, [](double t) { return 1501 + count(t, 1); }},                          // dwRunTime
-    {0x8024, 4, [](double t) { return whole(100000 * triangle(t, 20)); }},             // nnPosition
-    {0x8028, 8, [](double t) { return whole(-5e12 * sine(t)); }},                      // qnEnergy
-    {0x8030, 1, [](double t) { return whole(50 * triangle(t, 8)); }},                  // cTrim
-    {0x8032, 2, [](double t) { return count(t, 137); }},                               // wPulses
-    {0x8036, 2, [](double t) { return whole(mains(t, 0)); }},                          // nFast
-    {0x8038, 2, [](double t) { return count(t, 200) % 4 == 0 ? uint64_t{3000} : 0; }}, // wPwm
+    {0x8000, 1, [](double t) { return Count(t, 100); }},                               // byTick
+    {0x8002, 2, [](double t) { return Count(t, 1000); }},                              // wCount
+    {0x8004, 4, [](double t) { return Count(t, 1000); }},                              // dwCount
+    {0x8008, 8, [](double t) { return PAST_32_BITS + Count(t, 1e6); }},                // qwCount
+    {0x8010, 2, [](double t) { return Whole(1000 * Sine(t)); }},                       // nSine
+    {0x8012, 2, [](double t) { return Count(t, 500) % 10000; }},                       // wRamp
+    {0x8014, 4, [](double t) { return Whole(100000 + 50000 * Sine(t)); }},             // dwSine
+    {0x8020, 4, [](double t) { return 1501 + Count(t, 1); }},                          // dwRunTime
+    {0x8024, 4, [](double t) { return Whole(100000 * Triangle(t, 20)); }},             // nnPosition
+    {0x8028, 8, [](double t) { return Whole(-5e12 * Sine(t)); }},                      // qnEnergy
+    {0x8030, 1, [](double t) { return Whole(50 * Triangle(t, 8)); }},                  // cTrim
+    {0x8032, 2, [](double t) { return Count(t, 137); }},                               // wPulses
+    {0x8036, 2, [](double t) { return Whole(Mains(t, 0)); }},                          // nFast
+    {0x8038, 2, [](double t) { return Count(t, 200) % 4 == 0 ? uint64_t{3000} : 0; }}, // wPwm
 };
 
 const LiveInteger driveIntegers[] = {
-    {0x8200, 2, [](double t) { return count(t, 0.5) % 4; }},             // DRV_wState
-    {0x8204, 2, [](double t) { return whole(1500 * triangle(t, 20)); }}, // DRV_nSpeedRef
-    {0x8210, 2, [](double t) { return count(t, 25); }},                  // DRV_nStepCount
-    {0x821C, 4, [](double t) { return count(t, 1); }},                   // DRV_dwOnTime
-    {0x8220, 1, [](double t) { return count(t, 4) % 6; }},               // DRV_byPhase
-    {0x8240, 2, [](double t) { return count(t, 40); }},                  // COM_wFrames
-    {0x8244, 4, [](double t) { return count(t, 640); }},                 // COM_dwBytes
+    {0x8200, 2, [](double t) { return Count(t, 0.5) % 4; }},             // DRV_wState
+    {0x8204, 2, [](double t) { return Whole(1500 * Triangle(t, 20)); }}, // DRV_nSpeedRef
+    {0x8210, 2, [](double t) { return Count(t, 25); }},                  // DRV_nStepCount
+    {0x821C, 4, [](double t) { return Count(t, 1); }},                   // DRV_dwOnTime
+    {0x8220, 1, [](double t) { return Count(t, 4) % 6; }},               // DRV_byPhase
+    {0x8240, 2, [](double t) { return Count(t, 40); }},                  // COM_wFrames
+    {0x8244, 4, [](double t) { return Count(t, 640); }},                 // COM_dwBytes
 };
 
 const LiveInteger f28Integers[] = {
-    {F28_BEGIN, 2, [](double t) { return count(t, 0.5) % 4; }},       // _wState
-    {F28_BEGIN + 4, 4, [](double t) { return count(t, 1000); }},      // _dwTime
-    {F28_PHASES, 2, [](double t) { return whole(mains(t, 0)); }},     // _nPhaseA
-    {F28_PHASES + 2, 2, [](double t) { return whole(mains(t, 1)); }}, // _nPhaseB
-    {F28_PHASES + 4, 2, [](double t) { return whole(mains(t, 2)); }}, // _nPhaseC
+    {F28_BEGIN, 2, [](double t) { return Count(t, 0.5) % 4; }},       // _wState
+    {F28_BEGIN + 4, 4, [](double t) { return Count(t, 1000); }},      // _dwTime
+    {F28_PHASES, 2, [](double t) { return Whole(Mains(t, 0)); }},     // _nPhaseA
+    {F28_PHASES + 2, 2, [](double t) { return Whole(Mains(t, 1)); }}, // _nPhaseB
+    {F28_PHASES + 4, 2, [](double t) { return Whole(Mains(t, 2)); }}, // _nPhaseC
 };
 
 template <size_t N>
-void setIntegers(SIM_Station *station, const LiveInteger (&integers)[N], double t)
+void SetIntegers(SIM_Station *station, const LiveInteger (&integers)[N], double t)
 {
     for (const LiveInteger &live : integers)
         SIM_SetValue(station, live.address, live.size, live.value(t));
 }
 
-void setWave(SIM_Station *station, double t)
+void SetWave(SIM_Station *station, double t)
 {
     for (uint32_t i = 0; i < WAVE_POINTS; i++) {
         const double shifted = t + i * SINE_PERIOD_S / WAVE_POINTS;
-        SIM_SetValue(station, WAVE + 2 * i, 2, whole(500 + 500 * sine(shifted)));
+        SIM_SetValue(station, WAVE + 2 * i, 2, Whole(500 + 500 * Sine(shifted)));
     }
 }
 
 // The integers, and in DRV_stParams two points of a ramp that run round a circle; the peak
 // is the highest of each axis.
-void setDrive(SIM_Station *station, double t)
+void SetDrive(SIM_Station *station, double t)
 {
-    setIntegers(station, driveIntegers, t);
+    SetIntegers(station, driveIntegers, t);
     int16_t peak[2] = {0, 0};
     for (uint32_t point = 0; point < 2; point++) {
         const double angle = t + point * SINE_PERIOD_S / 3;
-        const double place[2] = {800 * sine(angle), 800 * sine(angle + SINE_PERIOD_S / 4)};
+        const double place[2] = {800 * Sine(angle), 800 * Sine(angle + SINE_PERIOD_S / 4)};
         for (uint32_t axis = 0; axis < 2; axis++) {
             const auto value = static_cast<int16_t>(std::lround(place[axis]));
             SIM_SetValue(station, PARAMS_RAMP + 4 * point + 2 * axis, 2,
@@ -186,50 +186,50 @@ void setDrive(SIM_Station *station, double t)
 }
 
 // Speed, flags and current of each motor; its controller's set-points stay as written.
-void setF28(SIM_Station *station, double t)
+void SetF28(SIM_Station *station, double t)
 {
-    setIntegers(station, f28Integers, t);
+    SetIntegers(station, f28Integers, t);
     const auto wanted = static_cast<int16_t>(SIM_GetValue(*station, F28_SPEED_REF, 2));
     for (uint32_t i = 0; i < 2; i++) {
         const uint32_t motor = F28_MOTORS + i * MOTOR_SIZE;
-        const double load = sine(t + i * SINE_PERIOD_S / 2);
-        SIM_SetValue(station, motor, 2, whole(wanted * (1 + 0.02 * load)));
+        const double load = Sine(t + i * SINE_PERIOD_S / 2);
+        SIM_SetValue(station, motor, 2, Whole(wanted * (1 + 0.02 * load)));
         SIM_SetValue(station, motor + 2, 2, load > 0 ? 3 : 1);
         SIM_SetFloat(station, motor + 4, static_cast<float>(8 + 2 * load));
     }
-    SIM_SetFloat(station, F28_TORQUE, static_cast<float>(12 * sine(t)));
-    SIM_SetFloat(station, F28_BUS, static_cast<float>(560 + 0.01 * std::fabs(mains(t, 0))));
+    SIM_SetFloat(station, F28_TORQUE, static_cast<float>(12 * Sine(t)));
+    SIM_SetFloat(station, F28_BUS, static_cast<float>(560 + 0.01 * std::fabs(Mains(t, 0))));
     for (uint32_t i = 0; i < F28_TRACE_POINTS; i++)
         SIM_SetValue(station, F28_TRACE + 2 * i, 2,
-                     whole(500 + 500 * sine(t + i * SINE_PERIOD_S / F28_TRACE_POINTS)));
+                     Whole(500 + 500 * Sine(t + i * SINE_PERIOD_S / F28_TRACE_POINTS)));
 }
 
 // nOutput: the sine times the gain in percent plus the offset, held within the limit.
 // Returns whether the limit holds it.
-bool setOutput(SIM_Station *station, double t)
+bool SetOutput(SIM_Station *station, double t)
 {
     const double gain = static_cast<double>(SIM_GetValue(*station, GAIN, 2)) / 100;
     const auto offset = static_cast<int16_t>(SIM_GetValue(*station, OFFSET, 2));
     double limit = std::fabs(static_cast<double>(SIM_GetFloat(*station, LIMIT)));
     if (!(limit < INT16_MAX)) // also when somebody wrote bits that are no number
         limit = INT16_MAX;
-    const double wanted = 1000 * sine(t) * gain + offset;
-    SIM_SetValue(station, OUTPUT, 2, whole(std::clamp(wanted, -limit, limit)));
+    const double wanted = 1000 * Sine(t) * gain + offset;
+    SIM_SetValue(station, OUTPUT, 2, Whole(std::clamp(wanted, -limit, limit)));
     return std::fabs(wanted) > limit;
 }
 
-void setFlags(SIM_Station *station, double t, bool limited)
+void SetFlags(SIM_Station *station, double t, bool limited)
 {
-    uint64_t flags = 1ULL << (4 + count(t, 4) % 3); // a light runs over bits 4..6
-    flags |= count(t, 2) & 1;                       // blinks once a second
-    flags |= (count(t, 0.5) & 1) << 1;              // and once in four seconds
-    flags |= (sine(t) > 0 ? 1ULL : 0ULL) << 2;
+    uint64_t flags = 1ULL << (4 + Count(t, 4) % 3); // a light runs over bits 4..6
+    flags |= Count(t, 2) & 1;                       // blinks once a second
+    flags |= (Count(t, 0.5) & 1) << 1;              // and once in four seconds
+    flags |= (Sine(t) > 0 ? 1ULL : 0ULL) << 2;
     flags |= (limited ? 1ULL : 0ULL) << 7;
     SIM_SetValue(station, FLAGS, 1, flags);
 }
 
 // The temperature creeps towards its set-point, so a change stays visible for a while.
-void setTemperature(SIM_Station *station, double seconds)
+void SetTemperature(SIM_Station *station, double seconds)
 {
     const double target = static_cast<double>(SIM_GetFloat(*station, TEMPERATURE_SET));
     // A scope samples times that have passed already.
@@ -241,7 +241,7 @@ void setTemperature(SIM_Station *station, double seconds)
     SIM_SetFloat(station, TEMPERATURE, static_cast<float>(station->temperature));
 }
 
-void initArrays(SIM_Station *station, int number)
+void InitArrays(SIM_Station *station, int number)
 {
     char name[17];
     snprintf(name, sizeof name, "VIREO2 DEMO %02d", number);
@@ -256,7 +256,7 @@ void initArrays(SIM_Station *station, int number)
         SIM_SetValue(station, FAR_LOG + i, 1, i);
 }
 
-void initStructures(SIM_Station *station)
+void InitStructures(SIM_Station *station)
 {
     SIM_SetValue(station, PARAMS, 2, 250);    // nKp
     SIM_SetValue(station, PARAMS + 2, 2, 30); // nKi
@@ -275,7 +275,7 @@ void initStructures(SIM_Station *station)
     }
 }
 
-void setSavedDiffer(SIM_Station *station)
+void SetSavedDiffer(SIM_Station *station)
 {
     uint64_t differ = 0;
     for (const Saved &saved : savedValues)
@@ -284,7 +284,7 @@ void setSavedDiffer(SIM_Station *station)
     SIM_SetValue(station, SAVED_DIFFER, 2, differ);
 }
 
-bool touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
+bool Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
 {
     return address < end && address + count > begin;
 }
@@ -301,8 +301,8 @@ void SIM_InitDemo(SIM_Station *station, int number)
     SIM_SetValue(station, 0x8118, 8, 2024000100ULL + static_cast<uint64_t>(number)); // qwSerial
     SIM_SetValue(station, 0x81C0, 2, static_cast<uint64_t>(number));                 // wStation
     SIM_SetValue(station, TABLE_POINTER, 2, TABLE);
-    initArrays(station, number);
-    initStructures(station);
+    InitArrays(station, number);
+    InitStructures(station);
     SIM_SetValue(station, 0x8206, 2, 1500); // DRV_nSpeedMax
     SIM_SetFloat(station, 0x820C, 12.5F);   // DRV_fCurrentMax
     for (const Saved &saved : savedValues)
@@ -319,31 +319,31 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
 {
     const double t = seconds + STATION_PHASE_S * number;
     SIM_UpdateDataLogs(station, number, seconds, address, count);
-    if (touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
-        setSavedDiffer(station);
-    if (touches(address, count, F28_BEGIN, F28_END))
-        setF28(station, t);
-    if (touches(address, count, DRIVE_BEGIN, DRIVE_END))
-        setDrive(station, t);
-    if (touches(address, count, CORE_BEGIN, CORE_END))
+    if (Touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
+        SetSavedDiffer(station);
+    if (Touches(address, count, F28_BEGIN, F28_END))
+        SetF28(station, t);
+    if (Touches(address, count, DRIVE_BEGIN, DRIVE_END))
+        SetDrive(station, t);
+    if (Touches(address, count, CORE_BEGIN, CORE_END))
         SIM_UpdateDemoCore(station, t);
-    if (!touches(address, count, LIVE_BEGIN, LIVE_END))
+    if (!Touches(address, count, LIVE_BEGIN, LIVE_END))
         return;
-    setIntegers(station, liveIntegers, t);
-    setWave(station, t);
-    SIM_SetFloat(station, 0x8018, static_cast<float>(sine(t)));            // fSine
-    SIM_SetFloat(station, 0x803C, static_cast<float>(mains(t, 0) / 1000)); // fFast
-    setFlags(station, t, setOutput(station, t));
-    setTemperature(station, seconds);
+    SetIntegers(station, liveIntegers, t);
+    SetWave(station, t);
+    SIM_SetFloat(station, 0x8018, static_cast<float>(Sine(t)));            // fSine
+    SIM_SetFloat(station, 0x803C, static_cast<float>(Mains(t, 0) / 1000)); // fFast
+    SetFlags(station, t, SetOutput(station, t));
+    SetTemperature(station, seconds);
 }
 
 void SIM_UpdateDemoTms(SIM_Station *station, int number, double seconds)
 {
     const double t = seconds + STATION_PHASE_S * number;
     const double gain = SIM_FromTmsFloat(station->tms[TMS_GAIN]);
-    station->tms[TMS_SPEED] = SIM_TmsFloat(1500 * sine(t));
-    station->tms[TMS_CURRENT] = SIM_TmsFloat(12.5 + 2 * sine(4 * t));
-    station->tms[TMS_CYCLES] = static_cast<uint32_t>(count(t, 10000));
-    station->tms[TMS_ANGLE] = static_cast<uint32_t>(count(t, 90) % 360);
-    station->tms[TMS_SCALED] = SIM_TmsFloat(gain * sine(t));
+    station->tms[TMS_SPEED] = SIM_TmsFloat(1500 * Sine(t));
+    station->tms[TMS_CURRENT] = SIM_TmsFloat(12.5 + 2 * Sine(4 * t));
+    station->tms[TMS_CYCLES] = static_cast<uint32_t>(Count(t, 10000));
+    station->tms[TMS_ANGLE] = static_cast<uint32_t>(Count(t, 90) % 360);
+    station->tms[TMS_SCALED] = SIM_TmsFloat(gain * Sine(t));
 }

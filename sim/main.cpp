@@ -51,7 +51,7 @@ const char HELP[] =
     "  --no-demo          no live variables, memory starts as zeros\n"
     "  --help             this text\n";
 
-bool parseWhole(const char *text, long low, long high, long *value)
+bool ParseWhole(const char *text, long low, long high, long *value)
 {
     char *end;
     errno = 0;
@@ -59,7 +59,7 @@ bool parseWhole(const char *text, long low, long high, long *value)
     return end != text && *end == 0 && errno == 0 && *value >= low && *value <= high;
 }
 
-bool parseShare(const char *text, double *value)
+bool ParseShare(const char *text, double *value)
 {
     char *end;
     *value = strtod(text, &end);
@@ -67,7 +67,7 @@ bool parseShare(const char *text, double *value)
 }
 
 // Numbers and ranges between commas, each 0..15.
-bool parseStations(const char *text, uint32_t *mask)
+bool ParseStations(const char *text, uint32_t *mask)
 {
     *mask = 0;
     for (;;) {
@@ -100,48 +100,48 @@ struct OptionRow {
     bool (*apply)(const char *text, SIM_Options *options);
 };
 
-bool applyBaud(const char *text, SIM_Options *options)
+bool ApplyBaud(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, BAUD_MIN, BAUD_MAX, &value);
+    const bool good = ParseWhole(text, BAUD_MIN, BAUD_MAX, &value);
     options->baud = static_cast<int>(value);
     return good;
 }
 
 // Which host it is shows when it is listened at; the port must be a number.
-bool applyTcp(const char *text, SIM_Options *options)
+bool ApplyTcp(const char *text, SIM_Options *options)
 {
     const char *colon = strrchr(text, ':');
     long port = 0;
     options->tcp = text;
-    return colon != text && parseWhole(colon ? colon + 1 : text, 0, PORT_LAST, &port);
+    return colon != text && ParseWhole(colon ? colon + 1 : text, 0, PORT_LAST, &port);
 }
 
-bool applyDelay(const char *text, SIM_Options *options)
+bool ApplyDelay(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, DELAY_MAX_MS, &value);
+    const bool good = ParseWhole(text, 0, DELAY_MAX_MS, &value);
     options->delayMs = static_cast<int>(value);
     return good;
 }
 
-bool applyEraseSeconds(const char *text, SIM_Options *options)
+bool ApplyEraseSeconds(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, ERASE_MAX_S, &value);
+    const bool good = ParseWhole(text, 0, ERASE_MAX_S, &value);
     options->eraseSeconds = static_cast<int>(value);
     return good;
 }
 
-bool applySeed(const char *text, SIM_Options *options)
+bool ApplySeed(const char *text, SIM_Options *options)
 {
     long value = 0;
-    const bool good = parseWhole(text, 0, UINT32_MAX, &value);
+    const bool good = ParseWhole(text, 0, UINT32_MAX, &value);
     options->seed = static_cast<uint32_t>(value);
     return good;
 }
 
-bool applyScope(const char *text, SIM_Options *options)
+bool ApplyScope(const char *text, SIM_Options *options)
 {
     const std::string list = text;
     options->scopes = 0;
@@ -162,7 +162,7 @@ bool applyScope(const char *text, SIM_Options *options)
 }
 
 // "FILE@67F000": the address is hexadecimal; a file name may hold an "@" itself.
-bool applyFlash(const char *text, SIM_Options *options)
+bool ApplyFlash(const char *text, SIM_Options *options)
 {
     const char *at = strrchr(text, '@');
     if (!at || at == text || !isxdigit(static_cast<unsigned char>(at[1])))
@@ -178,45 +178,45 @@ const OptionRow rows[] = {
     {{"modbus", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->modbus = true; }},
     {{"refuse", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->refuse); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->refuse); }},
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->link = text;
          return *text != 0;
      }},
-    {{"tcp", required_argument, nullptr, 0}, applyTcp},
-    {{"baud", required_argument, nullptr, 0}, applyBaud},
+    {{"tcp", required_argument, nullptr, 0}, ApplyTcp},
+    {{"baud", required_argument, nullptr, 0}, ApplyBaud},
     {{"echo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->echo = true; }},
     {{"drop", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->drop); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->drop); }},
     {{"repeat", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->repeat); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->repeat); }},
     {{"corrupt", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseShare(text, &o->corrupt); }},
-    {{"delay", required_argument, nullptr, 0}, applyDelay},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->corrupt); }},
+    {{"delay", required_argument, nullptr, 0}, ApplyDelay},
     {{"silent-after", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
-         return parseWhole(text, 0, LONG_MAX, &o->silentAfter);
+         return ParseWhole(text, 0, LONG_MAX, &o->silentAfter);
      }},
-    {{"seed", required_argument, nullptr, 0}, applySeed},
+    {{"seed", required_argument, nullptr, 0}, ApplySeed},
     {{"log", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->log = text;
          return *text != 0;
      }},
     {{"stations", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return parseStations(text, &o->stations); }},
-    {{"flash", required_argument, nullptr, 0}, applyFlash},
+     [](const char *text, SIM_Options *o) { return ParseStations(text, &o->stations); }},
+    {{"flash", required_argument, nullptr, 0}, ApplyFlash},
     {{"loader", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->loader = true; }},
-    {{"erase-seconds", required_argument, nullptr, 0}, applyEraseSeconds},
+    {{"erase-seconds", required_argument, nullptr, 0}, ApplyEraseSeconds},
     {{"flash-image", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->flashImage = text;
          return *text != 0;
      }},
-    {{"scope", required_argument, nullptr, 0}, applyScope},
+    {{"scope", required_argument, nullptr, 0}, ApplyScope},
     {{"no-demo", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) {
          o->demo = false;
@@ -226,13 +226,13 @@ const OptionRow rows[] = {
 };
 constexpr size_t ROWS = sizeof rows / sizeof *rows;
 
-[[noreturn]] void refuse()
+[[noreturn]] void EndRefusing()
 {
     fputs("Try 'vireo2-target --help'.\n", stderr);
     exit(EXIT_USAGE);
 }
 
-void parseArguments(int argc, char **argv, SIM_Options *options)
+void ParseArguments(int argc, char **argv, SIM_Options *options)
 {
     option table[ROWS + 1] = {};
     for (size_t i = 0; i < ROWS; i++)
@@ -247,14 +247,14 @@ void parseArguments(int argc, char **argv, SIM_Options *options)
         }
         if (!row.apply(optarg, options)) {
             fprintf(stderr, "vireo2-target: bad value for --%s: %s\n", row.getopt.name, optarg);
-            refuse();
+            EndRefusing();
         }
     }
     if (got != -1) // getopt has named the option
-        refuse();
+        EndRefusing();
     if (optind < argc) {
         fprintf(stderr, "vireo2-target: unexpected argument: %s\n", argv[optind]);
-        refuse();
+        EndRefusing();
     }
 }
 
@@ -264,7 +264,7 @@ int main(int argc, char **argv)
 {
     SIM_Options options;
     options.eraseSeconds = ERASE_DEFAULT_S;
-    parseArguments(argc, argv, &options);
+    ParseArguments(argc, argv, &options);
 
     SIM_PrepareEnding();
     std::string error;

@@ -1,7 +1,7 @@
-// The sampling scopes of the demo's firmware, as docs/formats.md describes them for firmware
-// authors: generation 2 (variables SCP2_...), generation 3 of a C166 (block SCP3_rScope) and
-// of a TMS320 (block PWM_rScope, word addresses). They sample the station's live variables
-// at their own clock, on paper: the samples that are due are taken when somebody looks.
+// The sampling scopes of the demo's firmware, as docs/manual/reference/formats.md describes them
+// for firmware authors: generation 2 (variables SCP2_...), generation 3 of a C166 (block
+// SCP3_rScope) and of a TMS320 (block PWM_rScope, word addresses). They sample the station's live
+// variables at their own clock, on paper: the samples that are due are taken when somebody looks.
 #ifndef SIM_SCOPE_H
 #define SIM_SCOPE_H
 

@@ -12,7 +12,7 @@
 
 namespace {
 
-bool openLog(SIM_Target *target, std::string *error)
+bool OpenLog(SIM_Target *target, std::string *error)
 {
     if (target->options.log.empty())
         return true;
@@ -22,7 +22,7 @@ bool openLog(SIM_Target *target, std::string *error)
     return target->log != nullptr;
 }
 
-bool loadFlash(SIM_Target *target, std::string *error)
+bool LoadFlash(SIM_Target *target, std::string *error)
 {
     const SIM_Options &options = target->options;
     if (options.flash.empty())
@@ -39,7 +39,7 @@ bool loadFlash(SIM_Target *target, std::string *error)
     return error->empty();
 }
 
-SIM_Station *stationOf(SIM_Target *target, int station)
+SIM_Station *FindStation(SIM_Target *target, int station)
 {
     return station >= 0 && station < SIM_STATIONS ? &target->stations[station] : nullptr;
 }
@@ -68,7 +68,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     }
     error = error ? error : &ignored;
     error->clear();
-    if (!loadFlash(target, error) || !openLog(target, error) ||
+    if (!LoadFlash(target, error) || !OpenLog(target, error) ||
         !SIM_OpenLine(&target->line, options.baud, options.tcp, options.link, error)) {
         if (target->log)
             fclose(target->log);
@@ -106,7 +106,7 @@ const char *SIM_DevicePath(const SIM_Target *target)
 void SIM_Poke(SIM_Target *target, int station, uint32_t address, const void *bytes, size_t count)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    if (SIM_Station *found = stationOf(target, station))
+    if (SIM_Station *found = FindStation(target, station))
         SIM_WriteMemory(found, address, bytes, count);
 }
 
@@ -114,7 +114,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 {
     memset(bytes, 0, count);
     const std::lock_guard<std::mutex> guard(target->lock);
-    SIM_Station *found = stationOf(target, station);
+    SIM_Station *found = FindStation(target, station);
     if (found && target->options.demo)
         SIM_UpdateDemo(found, station, SIM_Elapsed(target), address, count);
     if (found)
@@ -124,14 +124,14 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    if (SIM_Station *found = stationOf(target, station))
+    if (SIM_Station *found = FindStation(target, station))
         found->tms[wordAddress] = value;
 }
 
 uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
-    SIM_Station *found = stationOf(target, station);
+    SIM_Station *found = FindStation(target, station);
     if (!found)
         return 0;
     if (target->options.demo)

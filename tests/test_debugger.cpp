@@ -4,9 +4,7 @@
 #include "code/live_reads.h"
 #include "code/register_groups.h"
 #include "support/console_rig.h"
-#include "symbols/varnode.h"
 
-#include <gtest/gtest.h>
 #include <set>
 
 namespace {
@@ -36,9 +34,6 @@ struct Debugger : ConsoleRig {
         HL_ClosePanel(PANEL);
         STATION = 7; // what is shown goes with the station
         DBW_Changed();
-        ConsoleRig::TearDown();
-        FreeNodes(aVarNode166, &nNodes166);
-        openStruct166 = 0;
     }
     void SwitchOn()
     {
@@ -172,7 +167,7 @@ TEST_F(Debugger, SaysWhatCannotBeRead)
     initRgMap(Procesor);
     DBW_Changed();
     EXPECT_EQ(0, Count(DEBUG_CODE));
-    EXPECT_NE(std::string::npos, UiText(PANEL, DEBUG_MESSAGE).find("cannot be shown"));
+    EXPECT_TRUE(Has(UiText(PANEL, DEBUG_MESSAGE), "cannot be shown"));
 }
 
 // Every register in one group, and nothing read along that must not be.

@@ -7,16 +7,8 @@
 #include "comm/ucm.h"
 #include "diagnostics/statistics_panel.h"
 #include "diagnostics/trace_panel.h"
-#include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
-#include "support/ui_reading.h"
-#include "ui/resource.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 

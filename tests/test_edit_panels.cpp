@@ -1,16 +1,11 @@
 // The windows that edit the watch list and the target's memory, as a user works them:
 // what they show, what they refuse in which words, what reaches the simulated target.
-#include <gtest/gtest.h>
 
 #include "runtime/list_columns.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/typemap.h"
 #include "text/bytes.h"
 #include "watch/list/debug_file.h"
-#include "watch/list/edit.h"
-#include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/selection.h"
 #include "watch/main_window.h"
@@ -35,13 +30,6 @@ protected:
         addSymbol("nnCount", 0x304);
         addSymbol("abyRing", 0x308);
         addTmsSymbol("fCurrent", 0x700);
-    }
-
-    void TearDown() override
-    {
-        TMF_CleanTables();
-        VR_isWatchView = false;
-        WatchTest::TearDown();
     }
 
     static Texts items()

@@ -2,8 +2,6 @@
 
 #include "calendar/archive.h"
 #include "comm/ucm.h"
-#include "runtime/headless/headless.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
 #include "symbols/flash_files.h"
 #include "symbols/flash_info.h"
@@ -15,10 +13,7 @@
 #include "text/txfrw.h"
 #include "watch/list/litem.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
-#include <fstream>
 #include <map>
 #include <random>
 #include <unistd.h>

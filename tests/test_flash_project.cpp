@@ -4,10 +4,8 @@
 #include <map>
 #include <tuple>
 
-#include "settings/settings.h"
 #include "support/console_rig.h"
 #include "support/flash_builder.h"
-#include "support/text_checks.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/typemap_list.h"

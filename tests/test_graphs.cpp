@@ -197,7 +197,6 @@ protected:
     void TearDown() override
     {
         GRW_OnQuit();
-        WatchTest::TearDown();
     }
     void open(const std::vector<int> &lines)
     {
@@ -368,7 +367,7 @@ TEST_F(GraphWindow, FailedSamplesAreGapsWithAReason)
     for (int ticks = 0; ticks < 100000 && GRW_GetSource().sampler.totals.failed == failed; ++ticks)
         GRW_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
     nNodes = known;
-    EXPECT_NE(UiText(PANEL_GRAPH, STRIP_MESSAGE).find("No map knows 'nSine'"), std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_GRAPH, STRIP_MESSAGE), "No map knows 'nSine'"));
 }
 
 TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)

@@ -1,13 +1,8 @@
 // The model seen from a terminal: what a wrong number answers, what each kind of control
 // takes, and that keys, questions and timers behave as in a window.
-#include <gtest/gtest.h>
 
-#include "runtime/headless/headless.h"
 #include "runtime/list_columns.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/ui_reading.h"
-#include "ui/resource.h"
 #include "ui/ui_table.h"
 
 namespace {

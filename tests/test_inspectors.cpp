@@ -7,10 +7,7 @@
 #include "support/console_rig.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
-#include "symbols/varnode.h"
 #include "watch/list/litem.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -22,7 +19,6 @@ struct Inspectors : ConsoleRig {
         ConsoleRig::SetUp();
         SIMT_Stop(RIG_PORT, target);
         target = SIMT_Start(RIG_PORT, SIM_Options()); // the demo
-        TMF_CleanTables();
         initRgMap(CPU_C167);
         ASSERT_EQ(0, ReadMap((EXAMPLES + "demo.m66").c_str()));
         openStruct = OPEN_MAP_FILE;
@@ -33,15 +29,9 @@ struct Inspectors : ConsoleRig {
     }
     void TearDown() override
     {
-        VIR2_StopPeriodicASC();
-        TMF_CleanTables();
-        TMF_szFileName.clear();
+        ResetProgram();
         RCI_NamesChanged();
         ARI_NamesChanged();
-        ConsoleRig::TearDown();
-        FreeNodes(aVarNode166, &nNodes166);
-        openStruct166 = 0;
-        nLItems = 0;
     }
     static std::string GetCell(int panel, int list, int line, size_t column)
     {

@@ -1,7 +1,6 @@
 // The flash commands of the console and the port they borrow, over a pseudo terminal to a
 // simulated boot-strap loader; `hexload` to an ordinary target; the console program.
 #include "support/console_rig.h"
-#include "support/text_checks.h"
 
 #include <sys/wait.h>
 

@@ -4,7 +4,6 @@
 #include "support/scratch.h"
 #include "text/txfr.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <random>
 #include <sstream>

@@ -4,10 +4,6 @@
 #include "logger/dlld_record.h"
 #include "support/log_builder.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -5,9 +5,6 @@
 #include "logger/dlld_record.h"
 #include "support/log_builder.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,15 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdio>
-#include <string>
-#include <vector>
 
-#include "runtime/headless/headless.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"

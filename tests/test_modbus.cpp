@@ -2,7 +2,6 @@
 // reserved registers, reasons in words and the trace.
 #include "support/modbus_fixture.h"
 #include "support/modbus_line.h"
-#include "support/text_checks.h"
 
 #include <numeric>
 

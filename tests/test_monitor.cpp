@@ -2,13 +2,10 @@
 // target, line entry, history, the word gate and the link.
 #include "support/console_rig.h"
 
-#include <filesystem>
-
 #include "app/main_panel.h"
 #include "comm/communication.h"
 #include "console/monitor/completion.h"
 #include "console/monitor/text_box.h"
-#include "settings/settings.h"
 #include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 
@@ -237,7 +234,6 @@ TEST_F(Monitor, ProcessorAndPortChangeWithAllThatHangsOnThem)
     unsetenv("VIREO2_COM8");
     Run("compar 8, 19200");
     EXPECT_EQ(isTimer + UCM_IsOpened(), 0) << "nothing is there";
-    nLItems = openLItems = 0;
 }
 
 TEST_F(Monitor, CommunicationSwitchedOnStaysOn)
@@ -246,7 +242,6 @@ TEST_F(Monitor, CommunicationSwitchedOnStaysOn)
     ASSERT_EQ(isTimer, 1);
     EXPECT_EQ(Run("write 1, 7, 8100H"), "write 1, 7, 8100H -> OK!\n");
     EXPECT_TRUE(UCM_IsOpened());
-    VIR2_StopPeriodicASC();
 }
 
 TEST_F(Monitor, ValueEntryEndsOnFailure)

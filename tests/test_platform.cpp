@@ -4,12 +4,8 @@
 #include "platform/system.h"
 #include "support/scratch.h"
 
-#include <gtest/gtest.h>
-
 #include <cerrno>
-#include <cstdlib>
 #include <fcntl.h>
-#include <string>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>

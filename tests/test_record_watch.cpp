@@ -1,9 +1,7 @@
 // Recording the watch list: in the window, by the timer, and with the console program, which is
 // killed, unplugged and interrupted; and the faster sweeps, which read neighbours together.
-#include <gtest/gtest.h>
 
 #include <csignal>
-#include <cstdlib>
 #include <fcntl.h>
 #include <random>
 #include <sys/wait.h>
@@ -34,20 +32,11 @@ protected:
     {
         HL_PushAnswer(1);
         RCW_Stop();
-        VR_isWatchView = false;
-        Option_nSweepRate = 1;
-        Mr166_nTimeoutMs = 400;
-        WatchTest::TearDown();
     }
     static void tick(int count)
     {
         for (int i = 0; i < count; ++i)
             timerCB(PANEL_MAIN, MAIN_TIMER, EVENT_TIMER_TICK, 0);
-    }
-    void poke(uint32_t address, uint16_t value)
-    {
-        const uint8_t bytes[] = {static_cast<uint8_t>(value), static_cast<uint8_t>(value >> 8)};
-        SIM_Poke(target, 1, address, bytes, 2);
     }
     RDR_Recording open(const std::string &name)
     {
@@ -65,7 +54,7 @@ TEST_F(RecordWatch, TheMenuRecordsMarksAndFollowsTheList)
     ASSERT_EQ(load("[0x8000], u2\n[0x8002], i2\n[0x9000], u1\n"), 0);
     ResetLItemsDisplay();
     ASSERT_TRUE(connect());
-    poke(0x8002, 0xFFFF);
+    poke(0x8002, 0xFFFF, 2);
     RCW_ShowCommunication();
     EXPECT_EQ(UiItemAttribute(ITEM_RECORD_MARK, ATTR_DIMMED), 1);
     HL_PushAnswer(1, "mark when [0x8000] jumps");
@@ -83,7 +72,7 @@ TEST_F(RecordWatch, TheMenuRecordsMarksAndFollowsTheList)
     ASSERT_EQ(load("[0x8000], u2\n"), 0); // another list: its columns go into another file
     RCW_Record();
     const std::string message = UiText(PANEL_MAIN, MAIN_MESSAGE);
-    EXPECT_NE(message.find("goes on in " + path("r-")), std::string::npos) << message;
+    EXPECT_TRUE(Has(message, "goes on in " + path("r-")));
     VIR2_StopPeriodicASC();
     HL_ClickMenu(ITEM_RECORD);
     EXPECT_FALSE(RCW_IsRunning());
@@ -115,7 +104,7 @@ TEST_F(RecordWatch, FasterSweepsAskForNeighboursTogether)
     for (const int rate : {10, 0}) {
         for (uint32_t i = 0; i < 12; ++i)
             poke(i < 5 ? 0x8000 + 2 * i : 0x8010 + 2 * (i - 5),
-                 static_cast<uint16_t>(1000 * (i + 1) + static_cast<uint32_t>(rate)));
+                 1000 * (i + 1) + static_cast<uint32_t>(rate), 2);
         Option_nSweepRate = rate;
         RFR_BeginSweep();
         const uint64_t before = SIM_GetCounters(target).requests;
@@ -267,7 +256,7 @@ TEST_F(RecordProgram, AnUnpluggedPortIsAGapAndTheFileGoesOn)
     EXPECT_EQ(End(SIGTERM), 0);
     EXPECT_GE(Read().rows, rows + 5);
     const std::string said = ReadFileText(folder / "err");
-    EXPECT_NE(said.find("samples a second"), std::string::npos) << said;
+    EXPECT_TRUE(Has(said, "samples a second"));
     // The file is there now: it is kept, and that is no success.
     Begin({"--no", "--record", "r.csv", "--watch", "list.dbg", "--duration", "1"});
     EXPECT_EQ(End(0), 1);

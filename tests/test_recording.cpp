@@ -3,8 +3,7 @@
 #include "sampler/record_job.h"
 #include "sampler/recording.h"
 #include "support/scratch.h"
-
-#include <gtest/gtest.h>
+#include "support/text_checks.h"
 
 #include <cmath>
 #include <csignal>
@@ -87,14 +86,14 @@ TEST_F(Recording, holdsHeadRowsFailuresAndNotes)
     for (const char *line : {"; Vireo2 recording 1\r\n", "; start, 2026-11-21T16:01:14.123Z\r\n",
                              "; item, 1, nSine\r\n", "; type, 2, f\r\n",
                              "; address, 1, 0x008002\r\n", "; station, 1, 1\r\n"})
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+        EXPECT_TRUE(Has(text, line)) << line;
     std::string rows = Rows();
     EXPECT_EQ(rows.substr(0, rows.find("T")),
               "time,iso,nSine,\"a, \"\"b\"\"\"\r\n0.000250,2026-11-21");
-    EXPECT_NE(rows.find(",-2,0.1\r\n"), std::string::npos) << rows;
-    EXPECT_NE(rows.find("; 1.500000, failed, a, \"b\": no answer\r\n1.500000,"), std::string::npos);
-    EXPECT_NE(rows.find(",5,\r\n2.500000,"), std::string::npos) << "told once" << rows;
-    EXPECT_NE(rows.find("; 2.600000, marker, door.open\r\n"), std::string::npos);
+    EXPECT_TRUE(Has(rows, ",-2,0.1\r\n"));
+    EXPECT_TRUE(Has(rows, "; 1.500000, failed, a, \"b\": no answer\r\n1.500000,"));
+    EXPECT_TRUE(Has(rows, ",5,\r\n2.500000,")) << "told once";
+    EXPECT_TRUE(Has(rows, "; 2.600000, marker, door.open\r\n"));
     const RDR_Recording read = Open(text);
     ASSERT_EQ(read.columns.size(), 2u);
     EXPECT_EQ(read.columns[1].name, "a, \"b\"");
@@ -117,7 +116,7 @@ TEST_F(Recording, aClockThatIsSetBackLeavesTheTimesInOrder)
     }
     REC_Close(&recorder);
     const std::string rows = Rows();
-    EXPECT_NE(rows.find("clock, the system's clock is -3600.0 s off"), std::string::npos) << rows;
+    EXPECT_TRUE(Has(rows, "clock, the system's clock is -3600.0 s off"));
     const RDR_Recording read = Open(ReadFileText("run.csv"));
     EXPECT_EQ(read.rows, 9u);
     EXPECT_EQ(read.backward, 0u);
@@ -179,7 +178,7 @@ TEST_F(Recording, aFullDiskEndsItAndKeepsWhatIsThere)
     std::signal(SIGXFSZ, SIG_DFL);
     EXPECT_EQ(result, REC_ERR_WRITE);
     EXPECT_FALSE(recorder.isOpen);
-    EXPECT_NE(recorder.problem.find("run.csv"), std::string::npos);
+    EXPECT_TRUE(Has(recorder.problem, "run.csv"));
     EXPECT_EQ(Put(0, 1), 0); // and nothing more happens
     const RDR_Recording read = Open(ReadFileText("run.csv"));
     EXPECT_GE(read.rows + 2, static_cast<uint64_t>(rows));

@@ -1,16 +1,10 @@
 // What the user sees of a value: formats, list lines, status, memory box and frequency
 // meter over sweeps on the simulated target; and values written to it.
 #include "watch/list/read_item.h"
-#include "watch/list/refresh.h"
 
 #include <cmath>
 #include <cstring>
 
-#include <gtest/gtest.h>
-
-#include "comm/communication.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "watch/list/freq_meter.h"
 #include "watch/list/list_view.h"
@@ -230,32 +224,6 @@ TEST_F(Refresh, ListLines)
     sweep(3);
     EXPECT_EQ(line(0), "Var\033p300l001000.hi u1: 200");
     EXPECT_EQ(line(2), "&\033p300l000200  f4: 1.5");
-}
-
-TEST_F(Refresh, OneBadItemAmongGoodOnes)
-{
-    ASSERT_TRUE(connect());
-    Option_AutoOff = 0;
-    poke(0x8000, 7, 2);
-    addItem("[8000], u2");
-    addItem("7:Bad, [8000], u2");
-    addItem("[8000], u2");
-    silenceOthers(1u << STATION);
-    nErrors = 2;
-    for (const int errors : {3, 4, 4}) {
-        sweep(3);
-        EXPECT_EQ(status(), "Error");
-        EXPECT_EQ(line(1), "7:Bad\033p300l008000  u2: 65535 (!)");
-        EXPECT_EQ(line(2), "\033p300l008000  u2:     7");
-        EXPECT_EQ(nErrors, errors);
-    }
-    EXPECT_NE(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1), "");
-    EXPECT_EQ(HL_GetTip(PANEL_MAIN, MAIN_LIST, 2), "");
-    silenceOthers(0xFFFF);
-    sweep(3);
-    EXPECT_EQ(status(), "RUN");
-    EXPECT_EQ(nErrors, 0);
-    EXPECT_EQ(HL_GetTip(PANEL_MAIN, MAIN_LIST, 1), "");
 }
 
 TEST_F(Refresh, SilentTms320SwitchesOffAfterMoreThanThreeFailedReads)

@@ -6,13 +6,10 @@
 #include "scope/session.h"
 
 #include "comm/sysaddr.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "text/csv_row.h"
 
 #include <cmath>
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -2,7 +2,6 @@
 #include "support/console_rig.h"
 
 #include "console/script/script_command.h"
-#include "settings/settings.h"
 
 namespace {
 
@@ -296,7 +295,7 @@ TEST_F(Script, AFailureNamesTheLineThatAskedForTheJump)
     WriteFileText("ask.scr", "station 2\nqst Go on?, No, Nowhere\nstation 3\nstation 4\n");
     NewText();
     EXPECT_EQ(SCR_RunAndReport("ask.scr", PANEL_CONSOLE), -4);
-    EXPECT_NE(NewText().find("ask.scr, line 2: qst Go on?, No, Nowhere\n"), std::string::npos);
+    EXPECT_TRUE(Has(NewText(), "ask.scr, line 2: qst Go on?, No, Nowhere\n"));
 }
 
 } // namespace

@@ -1,12 +1,9 @@
 // The selectors as a user drives them, on the example project.
 #include "runtime/list_columns.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varexpr.h"
-#include "watch/list/list_file.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"
@@ -20,19 +17,10 @@ protected:
     void SetUp() override
     {
         WatchTest::SetUp();
-        TMF_CleanTables();
         ASSERT_EQ(ReadMap((EXAMPLES + "demo.m66").c_str()), 0);
         openStruct = OPEN_MAP_FILE;
         ASSERT_EQ(TMF_OpenMap((EXAMPLES + "demo.tmf").c_str()), 0);
         VSL_SymbolsChanged();
-    }
-
-    void TearDown() override
-    {
-        TMF_CleanTables();
-        TMF_szFileName.clear();
-        szMapFileName.clear();
-        WatchTest::TearDown();
     }
 
     static std::string names(int panel, int list)

@@ -1,13 +1,12 @@
 // Another program's requests over standard input and output: values, refusals, watches, bad
 // lines, and the client that is shipped as an example.
-#include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <sstream>
 #include <sys/wait.h>
 
 #include "sim/sim.h"
 #include "support/scratch.h"
+#include "support/text_checks.h"
 
 namespace {
 
@@ -95,8 +94,23 @@ TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
     setenv("VIREO2_COM1", (folder / "unplugged").c_str(), 1);
     const auto answers = Ask("{\"op\":\"read\",\"item\":\"wGain\"}\n{\"op\":\"hello\"}\n");
     ASSERT_EQ(2u, answers.size());
-    EXPECT_NE(std::string::npos, answers[0].find(R"("code":"port")")) << answers[0];
-    EXPECT_NE(std::string::npos, answers[1].find(R"("ok":true)"));
+    EXPECT_TRUE(Has(answers[0], R"("code":"port")"));
+    EXPECT_TRUE(Has(answers[1], R"("ok":true)"));
+}
+
+// More answers than a pipe holds: the program waits for its reader, and when that is gone it ends.
+TEST_F(Serve, AClientThatStopsReadingIsWaitedForAndItsEndIsTheProgramsEnd)
+{
+    std::string requests;
+    for (int i = 0; i < 3000; i++)
+        requests += R"({"op":"hello"})"
+                    "\n";
+    WriteFileText(folder / "in", requests);
+    EXPECT_EQ(0, RunCommand("sh -c '{ \"" BINARY_DIR "/vireo2-console\" --serve; echo $? >code; } "
+                            "| { read first; sleep 0.2; echo \"$first\"; }'"));
+    EXPECT_EQ("1\n", ReadFileText(folder / "code"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "err").find("does not read any more"));
+    EXPECT_NE(std::string::npos, ReadFileText(folder / "out").find("\"ok\":true"));
 }
 
 TEST_F(Serve, TheExampleClientTestsTheDemoTarget)
@@ -107,7 +121,7 @@ TEST_F(Serve, TheExampleClientTestsTheDemoTarget)
                             "/vireo2-console' PYTHONDONTWRITEBYTECODE=1 sh -c 'cd python && exec "
                             "python3 -m unittest test_demo'"))
         << ReadFileText(folder / "err");
-    EXPECT_NE(std::string::npos, ReadFileText(folder / "err").find("Ran 3 tests"));
+    EXPECT_TRUE(Has(ReadFileText(folder / "err"), "Ran 3 tests"));
 }
 
 } // namespace

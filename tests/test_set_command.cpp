@@ -16,20 +16,13 @@ struct SetCommand : ConsoleRig {
                 "08103H   flags;08105H   szName;08200H   DRV_fRatio;08210H   afCurve;08300H   misc;"
                 "08310H   pwm;08320H   nnEdge;08323H   byNext");
     }
-    void TearDown() override
-    {
-        TMF_CleanTables();
-        FreeNodes(aVarNode166, &nNodes166);
-        openStruct166 = 0;
-        ConsoleRig::TearDown();
-    }
     void LoadMap(const std::string &symbols)
     {
         std::string text, symbol;
         for (std::istringstream list(symbols); std::getline(list, symbol, ';');)
             text += symbol + std::string(46 - symbol.size(), ' ') + "NDATA\n";
         WriteFileText("set.m66", text);
-        ASSERT_NE(Run("m set.m66").find("Nodes:"), std::string::npos);
+        ASSERT_TRUE(Has(Run("m set.m66"), "Nodes:"));
     }
     void LoadTypes()
     {
@@ -125,7 +118,7 @@ TEST_F(SetCommand, RefusesBeforeAnythingIsSent)
     const uint64_t before = SIM_GetCounters(target).requests;
     for (const auto &c : cases) {
         const std::string shown = Run(std::string("set ") + c.line);
-        EXPECT_NE(shown.find(c.reason), std::string::npos) << shown;
+        EXPECT_TRUE(Has(shown, c.reason));
         EXPECT_EQ(shown.substr(0, 13), "ERROR - set: ") << shown;
     }
     LoadTypes();
@@ -136,7 +129,7 @@ TEST_F(SetCommand, RefusesBeforeAnythingIsSent)
              {"stMotor.nSpeed[3] = 1", "no such member or element"},
              {"stMotor.nNone = 1", "no such member or element"}}) {
         const std::string shown = Run("set " + line);
-        EXPECT_NE(shown.find(reason), std::string::npos) << shown;
+        EXPECT_TRUE(Has(shown, reason));
     }
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
 }
@@ -170,8 +163,8 @@ TEST_F(SetCommand, ReachesBothKindsOfTms320)
         EXPECT_EQ(Run("set 4:fTorque = 0.5"), "4:fTorque = 0.5 (f at word 0x00C004, station 4)\n"
                                               "set 4:fTorque = 0.5 -> OK!\n");
         Run("set abyText[1] = 65");
-        EXPECT_NE(Run("set ePWM1_TBCTL = 1").find("(u2 at word 0x006800)"), std::string::npos);
-        EXPECT_NE(Run("set eQEP1_QPOSCNT = 1").find("its type is not known"), std::string::npos);
+        EXPECT_TRUE(Has(Run("set ePWM1_TBCTL = 1"), "(u2 at word 0x006800)"));
+        EXPECT_TRUE(Has(Run("set eQEP1_QPOSCNT = 1"), "its type is not known"));
         EXPECT_EQ(PeekAt(1, 0x18004, 2), (std::vector<uint8_t>{0xFD, 0xFF}));
         EXPECT_EQ(PeekAt(4, 0x18008, 4), (std::vector<uint8_t>{0, 0, 0, 0x3F})) << "IEEE here";
         EXPECT_EQ(PeekAt(1, 0x18022, 2), (std::vector<uint8_t>{65, 0})) << "one word a character";
@@ -190,19 +183,17 @@ TEST_F(SetCommand, SaysWhatTheTargetMadeOfIt)
     EXPECT_EQ(shown.find("ERROR - set: wCount: Written 7, but the target now holds "), 0u) << shown;
     UCM_recS.tries = 0;
     SIM_SetErrorCode(target, 8, 65);
-    EXPECT_NE(Run("set wCount = 7").find("not written: target error code 65"), std::string::npos);
+    EXPECT_TRUE(Has(Run("set wCount = 7"), "not written: target error code 65"));
     SIM_SetErrorCode(target, 8, 0);
     SIM_SetErrorCode(target, 0, 66);
-    EXPECT_NE(Run("set wCount = 7").find("Written, but the target's value could not be read: "),
-              std::string::npos);
+    EXPECT_TRUE(Has(Run("set wCount = 7"), "Written, but the target's value could not be read: "));
     SIM_SetErrorCode(target, 8, 65);
     WriteFileText("s.scr", "set wCount = 1\nstation 2\n");
     EXPECT_EQ(ExecMonScript("s.scr", PANEL_CONSOLE), -3);
     SIM_Options silent;
     silent.silentAfter = 0;
     SIM_SetFaults(target, silent);
-    EXPECT_NE(Run("set wCount").find("wCount: it could not be read: no answer."),
-              std::string::npos);
+    EXPECT_TRUE(Has(Run("set wCount"), "wCount: it could not be read: no answer."));
 }
 
 TEST_F(SetCommand, CompletesMembersRegistersAndStations)

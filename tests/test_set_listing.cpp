@@ -1,7 +1,6 @@
 // Listings of data files: templates with faults, what is repeated, what is marked, and that
 // nothing of a file becomes part of the page's own text.
 #include "sets/listing.h"
-#include "settings/settings.h"
 #include "support/console_rig.h"
 
 namespace {
@@ -54,8 +53,7 @@ TEST_F(SetListing, TemplateFaultsAreNamedWithTheirLine)
          "'group' cannot stand here"},
     };
     for (const auto &c : cases)
-        EXPECT_NE(Fill(c.pattern, files).find(c.says), std::string::npos) << c.pattern << "\n"
-                                                                          << Fill(c.pattern, files);
+        EXPECT_TRUE(Has(Fill(c.pattern, files), c.says)) << c.pattern;
 }
 
 TEST_F(SetListing, RowsAreRepeatedByGroupAndShownInUnits)
@@ -112,25 +110,22 @@ TEST_F(SetListingCommands, FilesAreCollectedUpToTheirBoundAndShippedTemplatesWor
     const std::string examples = EXAMPLES_DIR "/";
     EXPECT_EQ(Run("ldx2vldx -h,,"), "use: ldx2vldx input.ldx, template.tldx, output.vldx\n"
                                     "ldx2vldx -h,, -> OK!\n");
-    EXPECT_NE(Run("ldx2vldx " + examples + "demo.ldx, " + examples + "listing.tldx, one.html")
-                  .find("-> OK!"),
-              std::string::npos);
-    EXPECT_NE(ReadFile("one.html").find("<td class=\"name\">wGain</td>"), std::string::npos);
-    EXPECT_NE(Run("mkcmpvldx " + examples + "compare.tldx, all.html").find("two at least"),
-              std::string::npos);
+    EXPECT_TRUE(
+        Has(Run("ldx2vldx " + examples + "demo.ldx, " + examples + "listing.tldx, one.html"),
+            "-> OK!"));
+    EXPECT_TRUE(Has(ReadFile("one.html"), "<td class=\"name\">wGain</td>"));
+    EXPECT_TRUE(Has(Run("mkcmpvldx " + examples + "compare.tldx, all.html"), "two at least"));
     for (size_t i = 0; i < PST_COMPARE_MAX; i++)
-        EXPECT_NE(Run("ldcmpldx " + examples + "demo.ldx").find("-> OK!"), std::string::npos);
-    EXPECT_NE(Run("ldcmpldx " + examples + "demo.ldx").find("ERROR - Too many ldx files to load."),
-              std::string::npos);
-    EXPECT_NE(Run("mkcmpvldx none.tldx, all.html").find("none.tldx: The template cannot be opened"),
-              std::string::npos);
+        EXPECT_TRUE(Has(Run("ldcmpldx " + examples + "demo.ldx"), "-> OK!"));
+    EXPECT_TRUE(
+        Has(Run("ldcmpldx " + examples + "demo.ldx"), "ERROR - Too many ldx files to load."));
+    EXPECT_TRUE(
+        Has(Run("mkcmpvldx none.tldx, all.html"), "none.tldx: The template cannot be opened"));
     Run("language EN");
-    EXPECT_NE(Run("mkcmpvldx " + examples + "compare.tldx, all.html").find("-> OK!"),
-              std::string::npos);
-    EXPECT_NE(ReadFile("all.html").find("Differences: <strong>0</strong>"), std::string::npos);
-    EXPECT_NE(
-        Run("ldcmpldx " + examples + "demo.m66").find("demo.m66, line 1: This is no data file"),
-        std::string::npos);
+    EXPECT_TRUE(Has(Run("mkcmpvldx " + examples + "compare.tldx, all.html"), "-> OK!"));
+    EXPECT_TRUE(Has(ReadFile("all.html"), "Differences: <strong>0</strong>"));
+    EXPECT_TRUE(
+        Has(Run("ldcmpldx " + examples + "demo.m66"), "demo.m66, line 1: This is no data file"));
 }
 
 } // namespace

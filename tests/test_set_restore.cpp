@@ -20,7 +20,7 @@ TEST_F(SetTransfer, DownloadWritesDifferencesAndMirrorsAndKeepsWhatWasBefore)
          {"wGain: 1 -> 300", "wCopy: 1 -> 300", "aw[2]: 1541 -> 9", "awCopy[2]: 1541 -> 9",
           "'nLow' is read-only and will not be written", "s.ldx, line ",
           "4 values written, read back and good.", "'s.undo.ldx'", "-> OK!"})
-        EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+        EXPECT_TRUE(Has(text, line)) << line;
     EXPECT_EQ(Peek(0x8100, 4), (std::vector<uint8_t>{0x2C, 1, 2, 0}));
     EXPECT_EQ(Peek(0x8200, 2), (std::vector<uint8_t>{0x2C, 1}));
     EXPECT_EQ(Peek(0x8220, 6), (std::vector<uint8_t>{1, 2, 3, 4, 9, 0}));
@@ -29,7 +29,7 @@ TEST_F(SetTransfer, DownloadWritesDifferencesAndMirrorsAndKeepsWhatWasBefore)
     EXPECT_EQ(Peek(0x8100, 2), (std::vector<uint8_t>{1, 0}));
     EXPECT_EQ(Peek(0x8220, 6), (std::vector<uint8_t>{1, 2, 3, 4, 5, 6}));
     // A second time there is nothing to ask and nothing to undo.
-    EXPECT_NE(Run("download s.ulh, s.undo.ldx, 0").find("Nothing to write"), std::string::npos);
+    EXPECT_TRUE(Has(Run("download s.ulh, s.undo.ldx, 0"), "Nothing to write"));
     EXPECT_FALSE(std::filesystem::exists("s.undo.undo-2.ldx"));
 }
 
@@ -50,8 +50,8 @@ TEST_F(SetTransfer, NothingIsWrittenBeforeAllIsCheckedAndAgreedTo)
         WriteFileText("s.ldx", good);
         Edit(c.from, c.to);
         const std::string text = Run("download s.ulh, s.ldx, 1");
-        EXPECT_NE(text.find(c.says), std::string::npos) << c.to << "\n" << text;
-        EXPECT_NE(text.find("->Error"), std::string::npos);
+        EXPECT_TRUE(Has(text, c.says)) << c.to;
+        EXPECT_TRUE(Has(text, "->Error"));
         EXPECT_EQ(Peek(0x8100, 0x200), before);
         EXPECT_FALSE(std::filesystem::exists("s.undo.ldx"));
     }
@@ -65,8 +65,8 @@ TEST_F(SetTransfer, AnotherMapOrProcessorIsSaidBeforeTheQuestion)
                   ReadFileText("m.m66") + "09000H   other" + std::string(32, ' ') + "NDATA\n");
     ASSERT_EQ(map2node("m2.m66"), 0);
     const std::string text = Run("download s.ulh, s.ldx, 0");
-    EXPECT_NE(text.find("made with another map, m.m66"), std::string::npos) << text;
-    EXPECT_NE(text.find("is of a F283xx, the selected processor is AC167"), std::string::npos);
+    EXPECT_TRUE(Has(text, "made with another map, m.m66"));
+    EXPECT_TRUE(Has(text, "is of a F283xx, the selected processor is AC167"));
 }
 
 // The target falls silent in the middle: what is said to be written is there, the rest is as
@@ -104,10 +104,10 @@ TEST_F(SetTransfer, TargetThatDiesOnTheWayLeavesATrueReport)
         std::string result;
         for (const std::string &line : PST_RestoreResult(job, PST_ERR_LINK))
             result += line + "\n";
-        EXPECT_NE(result.find("not written: "), std::string::npos) << result;
-        EXPECT_NE(result.find("in doubt"), std::string::npos);
-        EXPECT_NE(result.find("no answer"), std::string::npos);
-        EXPECT_NE(ReadFileText(job.undoPath).find("wGain = 1 "), std::string::npos);
+        EXPECT_TRUE(Has(result, "not written: "));
+        EXPECT_TRUE(Has(result, "in doubt"));
+        EXPECT_TRUE(Has(result, "no answer"));
+        EXPECT_TRUE(Has(ReadFileText(job.undoPath), "wGain = 1 "));
         std::filesystem::rename(job.undoPath, "first.ldx");
         Poke(0x8100, {1, 0, 2, 0, 0, 0, 0x80, 0x3F});
         Poke(0x8200, {1, 0});
@@ -144,7 +144,7 @@ TEST_F(SetTransfer, ValueThatDoesNotStayIsNamed)
     EXPECT_GT(meddler.steps, 3u);
     const std::vector<std::string> lines = PST_RestoreResult(job, PST_ERR_VALUES);
     EXPECT_EQ(lines[0], "10 values written, read back and good.");
-    EXPECT_NE(lines[1].find("something else now: wGain."), std::string::npos) << lines[1];
+    EXPECT_TRUE(Has(lines[1], "something else now: wGain."));
     // Cancelled before the first block: nothing has happened.
     Poke(0x8104, {9, 9, 9, 9});
     ASSERT_EQ(PST_PrepareRestore("s.ulh", "s.ldx", false, &job, {}), PST_OK);
@@ -198,7 +198,7 @@ TEST_F(SetWindow, ValuesAreReadTypedAndWrittenWithTheirMirrors)
                    {"nLow", "1", "read-only"}};
     for (const auto &c : refused) {
         HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line(c.name), 1, c.typed);
-        EXPECT_NE(Result().find(c.says), std::string::npos) << Result();
+        EXPECT_TRUE(Has(Result(), c.says));
     }
     HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line("wGain"), 1, "300");
     HL_EditCell(PANEL_CONFIG, CONFIG_LIST, Line("fLimit"), 1, "2");
@@ -207,7 +207,7 @@ TEST_F(SetWindow, ValuesAreReadTypedAndWrittenWithTheirMirrors)
     HL_SelectLine(PANEL_CONFIG, CONFIG_LIST, Line("wGain"));
     HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ONE); // nobody says yes
     EXPECT_EQ(Result(), "Nothing was written.");
-    EXPECT_NE(HL_GetPopups().back().find("wGain: 1 -> 300\nwCopy: 1 -> 300"), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups().back(), "wGain: 1 -> 300\nwCopy: 1 -> 300"));
     HL_PushAnswer(1);
     HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ONE);
     EXPECT_EQ(Row("wGain"), "wGain|300||300|| … 500|||");
@@ -215,7 +215,7 @@ TEST_F(SetWindow, ValuesAreReadTypedAndWrittenWithTheirMirrors)
     EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{0, 0, 0x80, 0x3F})); // still only typed
     HL_PushAnswer(1);
     HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ALL);
-    EXPECT_NE(HL_GetPopups().back().find("The machine must stand"), std::string::npos);
+    EXPECT_TRUE(Has(HL_GetPopups().back(), "The machine must stand"));
     EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{0, 0, 0, 0x40}));
 }
 
@@ -234,12 +234,12 @@ TEST_F(SetWindow, FilesAreLoadedComparedSavedAndPrinted)
     EXPECT_EQ(Row("wGain"), "wGain|* 7||1|≠ 7| … 500|||");
     HL_PushAnswer(1, "saved.ldx");
     HL_CommitControl(PANEL_CONFIG, CONFIG_SAVE);
-    EXPECT_NE(ReadFileText("saved.ldx").find("wGain = 7 "), std::string::npos);
+    EXPECT_TRUE(Has(ReadFileText("saved.ldx"), "wGain = 7 "));
     HL_PushAnswer(1, EXAMPLES_DIR "/listing.tldx");
     HL_PushAnswer(1, "page.html");
     HL_PushAnswer(0);
     HL_CommitControl(PANEL_CONFIG, CONFIG_PRINT);
-    EXPECT_NE(ReadFileText("page.html").find("wGain"), std::string::npos);
+    EXPECT_TRUE(Has(ReadFileText("page.html"), "wGain"));
     WriteFileText("bad.ldx", "nothing");
     HL_PushAnswer(1, "bad.ldx");
     HL_CommitControl(PANEL_CONFIG, CONFIG_LOAD);
@@ -266,7 +266,7 @@ TEST_F(SetWindow, AnotherStationOrMapEndsWhatWasRead)
     WriteFileText("m3.m66", map.replace(map.find("wGain"), 5, "wOther"));
     ASSERT_EQ(map2node("m3.m66"), 0);
     HL_ActivatePanel(PANEL_CONFIG);
-    EXPECT_NE(Result().find("no longer fits"), std::string::npos);
+    EXPECT_TRUE(Has(Result(), "no longer fits"));
     EXPECT_TRUE(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST).empty());
 }
 
@@ -278,7 +278,7 @@ TEST_F(SetWindow, EditorShowsOneParameterAndTakesItsValue)
     EXPECT_EQ(UiText(PANEL_CONFIG_EDIT, CFGEDIT_DEVICE), "1");
     HL_SetUserVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, "600");
     HL_CommitControl(PANEL_CONFIG_EDIT, CFGEDIT_TAKE);
-    EXPECT_NE(UiText(PANEL_CONFIG_EDIT, CFGEDIT_HINT).find("above the limit"), std::string::npos);
+    EXPECT_TRUE(Has(UiText(PANEL_CONFIG_EDIT, CFGEDIT_HINT), "above the limit"));
     HL_SetUserVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, "40");
     HL_CommitControl(PANEL_CONFIG_EDIT, CFGEDIT_TAKE);
     EXPECT_EQ(Row("wGain"), "wGain|* 40||1|| … 500|||");

@@ -66,14 +66,13 @@ TEST_F(Sets, HeaderFaultsAreNamedWithTheirLine)
         {"area 0h, length 1048577", "is no count"},
     };
     for (const auto &c : cases)
-        EXPECT_NE(Header(c.header).find(c.says), std::string::npos) << c.header << "\n"
-                                                                    << Header(c.header);
-    EXPECT_NE(Header(std::string(1001, 'a')).find("more than 1000 characters"), std::string::npos);
-    EXPECT_NE(Header("area 0h, length 1048576\nwGain").find("65536 values"), std::string::npos);
+        EXPECT_TRUE(Has(Header(c.header), c.says)) << c.header;
+    EXPECT_TRUE(Has(Header(std::string(1001, 'a')), "more than 1000 characters"));
+    EXPECT_TRUE(Has(Header("area 0h, length 1048576\nwGain"), "65536 values"));
     std::string many;
     for (int i = 0; i < 100000; i++)
         many += "nope" + std::to_string(i) + "\n";
-    EXPECT_NE(Header(many).find("line 50: "), std::string::npos);
+    EXPECT_TRUE(Has(Header(many), "line 50: "));
 }
 
 TEST_F(Sets, DataFaultsAreNamedWithTheirLine)
@@ -102,7 +101,7 @@ TEST_F(Sets, DataFaultsAreNamedWithTheirLine)
         {"// end\r\nbyMode = 1\r\n", "goes on behind its end"},
     };
     for (const auto &c : cases)
-        EXPECT_NE(Data(c.text).find(c.says), std::string::npos) << c.text << "\n" << Data(c.text);
+        EXPECT_TRUE(Has(Data(c.text), c.says)) << c.text;
     for (const char *head : {"", "// Uploader v1.00\r\n",
                              "// Uploader v1.00\r\n// date = 32-12-2015, time = 23:59:59\r\n",
                              "// Uploader v1.00\r\n// date = 31-12-2015, time = 24:00:00\r\n"})
@@ -110,7 +109,7 @@ TEST_F(Sets, DataFaultsAreNamedWithTheirLine)
     std::string many;
     for (int i = 0; i < 100000; i++)
         many += "nope" + std::to_string(i) + " = 1\r\n";
-    EXPECT_NE(Data(many).find("line 65539: More than 65536 values"), std::string::npos);
+    EXPECT_TRUE(Has(Data(many), "line 65539: More than 65536 values"));
 }
 
 TEST_F(Sets, FileCutAnywhereIsRefused)
@@ -128,7 +127,7 @@ TEST_F(Sets, FileCutAnywhereIsRefused)
         WriteFileText("cut.ldx", whole.substr(0, length));
         PST_Problems problems;
         ASSERT_NE(PST_ReadData("cut.ldx", &file, &problems), 0) << length;
-        ASSERT_NE(PST_FormatProblems(problems).find("cut.ldx, line "), std::string::npos) << length;
+        ASSERT_TRUE(Has(PST_FormatProblems(problems), "cut.ldx, line ")) << length;
     }
 }
 

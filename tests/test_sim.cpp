@@ -2,15 +2,12 @@
 #include "sim/sim.h"
 #include "support/text_checks.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <fstream>
 #include <poll.h>
-#include <string>
 #include <unistd.h>
 #include <vector>
 

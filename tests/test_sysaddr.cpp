@@ -4,14 +4,9 @@
 
 #include <cstring>
 
-#include <gtest/gtest.h>
-
 #include "comm/tms_mailbox.h"
-#include "settings/settings.h"
-#include "support/text_checks.h"
 #include "support/watch_fixture.h"
 #include "symbols/addr_name.h"
-#include "symbols/varnode.h"
 #include "watch/list/read_item.h"
 
 namespace {

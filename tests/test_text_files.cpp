@@ -3,10 +3,7 @@
 #include "text/txfr.h"
 #include "text/txfrw.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
-#include <string>
 #include <sys/stat.h>
 #include <vector>
 

@@ -1,15 +1,12 @@
 // Arrays and memory between target and files: every format, every file that is not
 // what it should be, and targets and disks that fail on the way.
 #include "support/console_rig.h"
-#include "support/text_checks.h"
 
 #include <csignal>
 #include <cstring>
-#include <filesystem>
 #include <sys/resource.h>
 
 #include "symbols/mapfile.h"
-#include "symbols/varnode.h"
 
 namespace {
 
@@ -367,7 +364,7 @@ TEST_F(Transfer, EndsWithTheLastByte)
                  {"write 4, 1, ", "", "0FFFFFCH", "0FFFFFDH"},
                  {"set (u2) $", " = 1", "FFFFFE", "FFFFFF"}};
     for (const auto &c : cases) {
-        EXPECT_NE(Run(c.before + c.fits + c.behind).find("-> OK!"), std::string::npos) << c.before;
+        EXPECT_TRUE(Has(Run(c.before + c.fits + c.behind), "-> OK!")) << c.before;
         const uint64_t asked = SIM_GetCounters(target).requests;
         EXPECT_EQ(Run(c.before + c.tooFar + c.behind).find("ERROR - "), 0u) << c.before;
         EXPECT_EQ(SIM_GetCounters(target).requests, asked) << c.before;

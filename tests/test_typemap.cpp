@@ -1,13 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <cstdio>
-#include <string>
-#include <vector>
-
-#include "runtime/headless/headless.h"
-#include "settings/settings.h"
 #include "support/program_state.h"
-#include "support/scratch.h"
 #include "symbols/addr_name.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"

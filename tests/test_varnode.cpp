@@ -1,12 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <random>
-#include <string>
-#include <vector>
 
-#include "settings/settings.h"
 #include "support/program_state.h"
 #include "symbols/addr_name.h"
 #include "symbols/typemap.h"

@@ -1,11 +1,7 @@
 // The Windows console program under Wine, against the simulated target: the Win32
 // serial driver opens, sets up, writes and reads a port for real.
-#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <sys/wait.h>
 
 #include "sim/sim.h"
@@ -52,10 +48,11 @@ protected:
         options.demo = false;
         target = SIM_Start(options, &error);
         ASSERT_TRUE(target) << error;
-        const fs::path port = WinePrefix() + "/dosdevices/com5";
+        const fs::path port = WinePrefix() + "/dosdevices/com12";
         fs::remove(port);
         fs::create_symlink(SIM_DevicePath(target), port);
-        std::ofstream(folder / "Vireo2.ini") << "r, AC167\no-\np, 5\nb, 115200\ns, 1\nCOM, WIN32\n";
+        std::ofstream(folder / "Vireo2.ini")
+            << "r, AC167\no-\np, 12\nb, 115200\ns, 1\nCOM, WIN32\n";
     }
     void TearDown() override
     {
@@ -108,12 +105,12 @@ TEST_F(WindowsProgram, WatchesWritesAndMissesAPortThroughTheWin32Driver)
         std::string error;
         target = SIM_Start(options, &error);
         ASSERT_TRUE(target) << error;
-        fs::remove(WinePrefix() + "/dosdevices/com5");
-        fs::create_symlink(SIM_DevicePath(target), WinePrefix() + "/dosdevices/com5");
+        fs::remove(WinePrefix() + "/dosdevices/com12");
+        fs::create_symlink(SIM_DevicePath(target), WinePrefix() + "/dosdevices/com12");
         SIM_Poke(target, 1, COUNTER_ADDRESS, counter, sizeof counter);
     };
     plugModbus();
-    std::ofstream(folder / "Vireo2.ini") << "r, AC167\nt, MODBUS\no-\np, 5\nb, 115200\ns, 1\n";
+    std::ofstream(folder / "Vireo2.ini") << "r, AC167\nt, MODBUS\no-\np, 12\nb, 115200\ns, 1\n";
     ASSERT_EQ(0, Run("--watch list.dbg --sweeps 2 --format csv")) << err;
     EXPECT_TRUE(Has(out, "2,,0x008000,u,2,12345,12345,0\n")) << err;
     plugModbus();

@@ -1,5 +1,4 @@
 #include "support/scan_patterns.h"
-#include "text/xscan.h"
 
 #include <gtest/gtest.h>
 #define PCRE2_CODE_UNIT_WIDTH 8

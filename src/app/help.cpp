@@ -9,12 +9,12 @@
 
 namespace {
 
-// Where the text stands relative to the program: beside it (Windows), installed, or
-// in the tree it was built in.
+// Where the manual stands relative to the program: beside it (Windows), installed, or
+// in the tree it was built in. Its first page lists the others.
 constexpr const char *HELP_PLACES[] = {
-    "/vireo2.md",
-    "/../share/vireo2/help.md",
-    "/../../../docs/help.md",
+    "/manual/index.md",
+    "/../share/vireo2/manual/index.md",
+    "/../../../docs/manual/index.md",
 };
 
 } // namespace

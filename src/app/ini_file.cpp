@@ -4,12 +4,14 @@
 #include "app/ini_file.h"
 
 #include <cstdio>
+#include <filesystem>
 
 #include "app/ini_keys.h"
 #include "app/window_places.h"
 #include "comm/ucm.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
+#include "platform/settings_place.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/window.h"
@@ -33,9 +35,9 @@ constexpr int PORT_MAX = 256;
 constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
-std::string iniPath; // read at start, written at shutdown
-bool isUnreadable;   // there is a file, and it is not ours to write over
-bool isMissing;      // at start
+SPL_Place place;   // of the file: read at start, written at shutdown
+bool isUnreadable; // there is a file, and it is not ours to write over
+bool isMissing;    // at start
 
 bool IsFile(const std::string &path)
 {
@@ -45,8 +47,8 @@ bool IsFile(const std::string &path)
 
 std::string LineText(int line)
 {
-    const size_t cut = iniPath.find_last_of("/\\");
-    return iniPath.substr(cut == std::string::npos ? 0 : cut + 1) + ", line " +
+    const size_t cut = place.read.find_last_of("/\\");
+    return place.read.substr(cut == std::string::npos ? 0 : cut + 1) + ", line " +
            std::to_string(line) + ": ";
 }
 
@@ -151,8 +153,11 @@ void AddLine(std::string *text, const std::string &key, const std::string &value
 // A path that would break its line is left out; so is none, or only its key is written.
 void AddPath(std::string *text, const char *key, const std::string &path, const char *bareKey)
 {
+    // In the user's folder the file serves starts from anywhere.
+    const bool isMovedAway = place.isUsersFolder && !path.empty() &&
+                             std::filesystem::path(path).is_relative() && !PLT_CurrentDir().empty();
     if (!path.empty() && path.find_first_of("\r\n") == std::string::npos)
-        AddLine(text, key, path);
+        AddLine(text, key, isMovedAway ? PLT_CurrentDir() + PLT_PathSeparator() + path : path);
     else if (bareKey != nullptr)
         *text += std::string(bareKey) + END_OF_LINE;
 }
@@ -203,7 +208,7 @@ std::string SettingsText()
 bool IsOnDisk(const std::string &text)
 {
     std::string content;
-    return PLF_ReadAll(iniPath, FILE_SIZE_MAX, &content) == PLF_OK && content == text;
+    return PLF_ReadAll(place.write, FILE_SIZE_MAX, &content) == PLF_OK && content == text;
 }
 
 } // namespace
@@ -212,22 +217,24 @@ int OpenIniFile(int)
 {
     DTSC_LoadSettings();
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
-    const std::string folder = PLT_CurrentDir(); // "" when it was removed under the program
-    iniPath = folder.empty() ? name : folder + PLT_PathSeparator() + name;
+    place = SPL_FindPlace(name);
     INI_reading = INI_Reading();
     WPL_Forget();
     std::FILE *file = nullptr;
-    const int result = PLF_Open(iniPath, FILE_SIZE_MAX, &file);
+    const int result = PLF_Open(place.read, FILE_SIZE_MAX, &file);
     PLT_FileStamp stamp;
-    isUnreadable = result != PLF_OK && PLT_GetFileStamp(iniPath, &stamp) == 0;
+    isUnreadable = result != PLF_OK && PLT_GetFileStamp(place.read, &stamp) == 0;
     isMissing = result != PLF_OK && !isUnreadable;
     if (file != nullptr) {
         ReadLines(file);
         std::fclose(file);
     } else if (isUnreadable) {
-        INI_reading.problems.push_back("Settings file '" + iniPath + "' " + PLF_ErrorText(result) +
-                                       ": the settings will not be saved.");
+        INI_reading.problems.push_back("Settings file '" + place.read + "' " +
+                                       PLF_ErrorText(result) + ": the settings will not be saved.");
     }
+    if (place.isUsersFolder)
+        INI_reading.problems.push_back("Settings are kept in '" + place.write +
+                                       "': this folder cannot be written.");
     if (Option_ComWin32 != 0)
         UCM_UseWin32(1);
     initRgMap(Procesor);
@@ -259,7 +266,7 @@ int SaveIniFile()
     SafeFile safe;
     if (!isUnreadable && IsOnDisk(text))
         return 0;
-    if (!isUnreadable && SAF_Open(&safe, iniPath, "wb") == 0) {
+    if (!isUnreadable && SAF_Open(&safe, place.write, "wb") == 0) {
         const bool isWritten = std::fwrite(text.data(), 1, text.size(), safe.file) == text.size();
         if (!isWritten)
             SAF_Cancel(&safe);

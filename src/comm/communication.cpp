@@ -1,3 +1,4 @@
+// Communication as the user switches it: on, off by himself or by itself, and what is said of it.
 #include "comm/communication.h"
 
 #include "comm/modbus.h"
@@ -16,6 +17,7 @@ struct OpenReason {
     int result;
     const char *text;
 };
+// The short reasons of the first version; the sentence behind them comes from the driver.
 constexpr OpenReason OPEN_REASONS[] = {
     {-30, "(port is not available)"},
     {BAD_NUMBER, "(bad com number)"},
@@ -70,6 +72,7 @@ int Check_ASC_Open(int result)
         if (reason.result == result)
             message += reason.text;
     const std::string cause = UCM_LastErrorText();
+    // A number without a device has no name that could be told.
     if (result != BAD_NUMBER && !cause.empty())
         message += "\n" + UCM_PortName(ncom) + ": " + cause;
     Error(message);
@@ -111,6 +114,7 @@ void VIR2_StopPeriodicASC()
 
 void VR_FollowPort()
 {
+    // So that "gone" is said once and not at every look.
     static bool isWaiting = false;
     if (UCM_IsOpened() != 0 && !UCM_IsGone()) {
         isWaiting = false;
@@ -145,6 +149,7 @@ void VR_Reopen()
 {
     if (isTimer == 0)
         return;
+    // No tick may find the link closed: it would count as a failed read.
     SuspendTimerCallbacks();
     UCM_Close();
     if (OpenLink() >= 0)

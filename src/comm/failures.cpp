@@ -8,6 +8,7 @@ const char *const FAIL_OTHER_CAUSES = "other causes";
 
 namespace {
 
+// In the order in which they came first, which the statistics window keeps.
 std::vector<FAIL_Cause> causes;
 size_t latest = 0;
 
@@ -38,6 +39,7 @@ void FAIL_Note(const std::string &cause)
 {
     latest = PlaceOf(cause);
     FAIL_Cause &place = causes[latest];
+    // A count that came round to 0 would hide a line that fails all the time.
     if (place.count != UINT32_MAX)
         ++place.count;
     PLT_LocalTime(&place.last);
@@ -45,6 +47,7 @@ void FAIL_Note(const std::string &cause)
 
 void FAIL_Reset()
 {
+    // `latest` may point behind the end now: FAIL_Get answers null for that.
     causes.clear();
 }
 

@@ -148,6 +148,7 @@ int ReceiveBits()
 int ReceiveRegisters()
 {
     const int quantity = MBM_expected.quantity;
+    // Another count is another request's answer, or of a slave that cut the range.
     if (MBM_abyRcv[2] != 2 * quantity)
         return DrainAndFail(MBM_EX_COUNT);
     if (!ReadRest(2 * quantity))
@@ -160,6 +161,7 @@ int ReceiveRegisters()
 // Confirmations of a write: the function's first fields come back.
 int ReceiveConfirmation()
 {
+    // Function 6 repeats the value: a device may confirm the one it has limited it to.
     const bool isSound = ReadRest(3);
     const bool isSame =
         MBM_nFnCode == MBM_FN_WRITE_ONE || (MBF_WordAt(MBM_abyRcv + 2) == MBM_expected.start &&

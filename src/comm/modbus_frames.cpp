@@ -1,3 +1,5 @@
+// What frames of the master look like: their length, their soundness, and the shape by which the
+// book of open answers tells them apart.
 #include "comm/modbus_frames.h"
 
 #include "comm/modbus.h"
@@ -6,6 +8,7 @@ namespace {
 
 constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8;
 
+// Functions whose answer repeats the head of the request.
 bool IsConfirmed(int function)
 {
     return function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE;
@@ -17,6 +20,7 @@ bool IsRead(int function)
            function == MBM_FN_READ_WRITE;
 }
 
+// The answer to a read names neither place nor station memory: function and length are all.
 STEP_Shape ReadShape(int function, size_t dataBytes)
 {
     return static_cast<STEP_Shape>(function) << MBF_FUNCTION_SHIFT |
@@ -42,6 +46,7 @@ unsigned MBF_WordAt(const uint8_t *bytes)
     return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
 }
 
+// Counts of registers that no variable has: neither 1, 2, 4 nor another power of two.
 const STEP_Shape MBF_aProbeShapes[] = {
     ProbeShape(3),  ProbeShape(5),  ProbeShape(6),  ProbeShape(7),  ProbeShape(9),  ProbeShape(10),
     ProbeShape(11), ProbeShape(12), ProbeShape(13), ProbeShape(14), ProbeShape(15), ProbeShape(17),
@@ -67,6 +72,7 @@ STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame)
 
 size_t MBF_AnswerLength(const uint8_t *bytes, size_t count)
 {
+    // SIZE_MAX: cannot be told from what has come so far.
     if (count < 2)
         return SIZE_MAX;
     if ((bytes[1] & MBF_EXCEPTION_BIT) != 0)
@@ -94,6 +100,7 @@ bool MBF_IsTunnel(const uint8_t *frame)
 
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape)
 {
+    // A read of memory from address 0 through the reserved registers: it changes nothing.
     const auto registers = static_cast<uint8_t>((shape & 0xFFFF) / 2);
     std::vector<uint8_t> frame = {static_cast<uint8_t>(slave),
                                   MBM_FN_READ_WRITE,

@@ -127,6 +127,7 @@ uint16_t MBM_GetCRC(const void *bytes, size_t length)
 
 int MBM_IsRcvCRC_Ok(int length)
 {
+    // Also keeps the index below inside of the buffer, whatever a slave announced.
     if (length < CRC_BYTES || length > FRAME_MAX)
         return 0;
     const size_t count = static_cast<size_t>(length) - CRC_BYTES;

@@ -19,6 +19,7 @@ struct Frame {
         Byte(value >> 8);
         Byte(value);
     }
+    // With the count of bytes that stands in front of them.
     void Registers(const uint16_t *registers, int quantity)
     {
         Byte(2 * quantity);
@@ -36,6 +37,7 @@ bool IsQuantity(int quantity, int most)
 // when nothing may be sent.
 bool Begin(Frame *frame, int slave, int function, int start, int quantity, bool isInRange)
 {
+    // Until a frame is built, an answer that arrives belongs to nothing.
     MBM_nFnCode = -1;
     MBM_cnLastSend = 0;
     if (!MBM_isOpen || !isInRange) {

@@ -14,6 +14,7 @@ namespace {
 
 constexpr size_t UNCHECKED_ANSWER_ROOM = 64, CHUNK = 256;
 
+// Whether the request itself went out, or its tries were spent on probes.
 bool wasSent = false;
 uint32_t failedProbes = 0;
 // Probes read address 0, or, at a station that refuses that, where it answered last.
@@ -29,6 +30,7 @@ constexpr STEP_Shape PROBES[] = {3,  5,  6,  7,  9,  10, 11, 12, 13, 14, 15, 17,
 // silence. 1; 0 when the line does not fall silent.
 int WaitForSilence(const Mr166_Driver &driver, int station)
 {
+    // A line on which somebody talks without pause is not waited for longer.
     constexpr int WAITS_MAX = 4;
     char bytes[CHUNK];
     for (int waits = 0; waits < WAITS_MAX; ++waits) {
@@ -86,6 +88,7 @@ int SendProbe(int station, STEP_Shape shape)
             continue;
         }
         ++failedProbes;
+        // For its counters and its reason only: the probe has failed either way.
         (void)MrTRY_FinishSorted(probe, reading);
         return reading.isGone ? -1 : 0;
     }
@@ -116,6 +119,7 @@ int Try(const Mr166_Driver &driver, const Mr166_Request &request, int probes)
         FAIL_Note(MrASC_ErrorText(Mr166_nFault));
         return examined == MrTRY_Examined::BAD_ARGUMENT ? driver.badArgument : 0;
     }
+    // What waits now was there before this try: the sorter says whose it is.
     MrANS_ClearInput(driver, request.station);
     if (probes >= 0 && STEP_MakeSafe(&MrANS_line, request.station, MrANS_ShapeOfAnswerTo(request),
                                      probes, PROBER) != STEP_PROVEN)
@@ -127,6 +131,8 @@ int Try(const Mr166_Driver &driver, const Mr166_Request &request, int probes)
 
 void MrEXC_Opened()
 {
+    // Two programs started one after the other must not draw the same probes: the answers that
+    // the first has left would prove the second.
     STEP_Reset(&MrANS_line,
                static_cast<uint32_t>(PLT_TickUs()) ^ static_cast<uint32_t>(PLT_ProcessId()) << 16);
     std::fill(std::begin(isZeroRefused), std::end(isZeroRefused), false);
@@ -217,6 +223,7 @@ int Mr166MessageW32NA(int station, int command, uint32_t address, uint16_t word,
     MrANS_ClearInput(driver, station);
     if (!MrTRY_Send(driver, request, false))
         return 0;
+    // The answer is read off the line, so that it does not meet the next request, but not checked.
     char ignored[UNCHECKED_ANSWER_ROOM];
     const int got = SER_Read(MR166_hCom, ignored, sizeof ignored);
     const size_t count = got > 0 ? static_cast<size_t>(got) : 0;

@@ -63,6 +63,7 @@ constexpr std::array<uint16_t, 256> CRC_SHIFT = MakeShiftTable();
 constexpr std::array<uint16_t, 256> CRC_SHIFT_TWICE = MakeDoubleShiftTable(CRC_SHIFT);
 constexpr std::array<uint8_t, 256> MIRROR = MakeMirrorTable();
 
+// For digits that chkHexArea has passed.
 unsigned DigitValue(char digit)
 {
     const unsigned code = static_cast<unsigned char>(digit);
@@ -76,6 +77,7 @@ void PutHead(char start, int station, int command, uint32_t address, char **curs
     addrToHex(address, cursor);
 }
 
+// The check value covers everything in front of it, the start character included.
 void PutTail(char *cursor)
 {
     const auto length = static_cast<uint16_t>(cursor - Mr166_abySnd);
@@ -151,6 +153,7 @@ int makeLFrm(int station, int command, uint32_t address, unsigned count, const v
 {
     if (count < 1 || count > MR166_WRITE_MAX || data == nullptr)
         return 0;
+    // A long frame has one length, whatever it carries: receivers count characters.
     uint8_t padded[MR166_WRITE_MAX];
     std::memset(padded, PADDING, sizeof padded);
     std::memcpy(padded, data, count);
@@ -174,6 +177,7 @@ int mr166CheckAnswer(const char *answer, size_t length, int station, int command
     if (!chkHexArea(length - 2, answer + 1))
         return MR166_ERR_HEX;
     const auto checked = static_cast<uint16_t>(length - TAIL_CHARS);
+    // The order of the checks is part of the protocol: which fault is reported when several are.
     if (getCRC16(answer, checked) != hexToWord(answer + checked))
         return MR166_ERR_CHECK;
     const int echoed = hexToByte(answer + 1);
@@ -182,6 +186,7 @@ int mr166CheckAnswer(const char *answer, size_t length, int station, int command
     if ((echoed & 15) != command)
         return MR166_ERR_COMMAND;
     const int count = hexToByte(answer + ANSWER_COUNT);
+    // Counts above 64 cannot be: targets put their error codes there.
     if (count >= MR166_TARGET_ERROR_MIN)
         return -count;
     return length == MR166_ANSWER_MIN_CHARS + 2u * static_cast<unsigned>(count) ? count

@@ -13,6 +13,7 @@ int32_t MR166_isWin32 = 0;
 int32_t MrASC_nCom = 1;
 int32_t MrASC_nBaudRate = 19200;
 int16_t Mr166_CnBlkRpt = 3;
+// The longest answer, 138 characters of 11 bits, takes 158 ms at 9600 baud.
 uint32_t Mr166_nTimeoutMs = 400;
 uint32_t EC_dwBlkRpt = 0;
 
@@ -21,6 +22,7 @@ namespace {
 constexpr int STATIONS = 16;
 constexpr int ROUNDS_MAX = 3; // of a transfer on a line that repeats answers
 
+// Surplus answers that earlier proofs have settled: only younger ones make a read doubtful.
 uint32_t surplusAtProof = 0;
 
 // Why opening failed, finer than its result.
@@ -86,6 +88,7 @@ bool WriteBlock(int station, uint32_t address, uint16_t count, const void *data)
     return ExchangeBlock({station, MR166_CMD_WRITE, address, count, data});
 }
 
+// Both end at the first block that fails: what lies behind it is not asked for any more.
 bool ReadBlocks(int station, uint32_t address, uint32_t count, uint8_t *bytes)
 {
     for (uint32_t done = 0; done < count; done += MR166_READ_MAX) {
@@ -106,6 +109,7 @@ bool WriteBlocks(int station, uint32_t address, uint32_t count, const uint8_t *b
     return true;
 }
 
+// Whether something that was accepted, of any station, still waits for its proof.
 bool IsAnyProofDue()
 {
     for (int station = 0; station < STATIONS; ++station) {
@@ -115,6 +119,7 @@ bool IsAnyProofDue()
     return false;
 }
 
+// Each round brought more answers than were asked for: no byte of it can be believed.
 int GiveUpSurplus()
 {
     nMr166Err = MR166_FAULT_SURPLUS;
@@ -137,6 +142,7 @@ int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer tran
             return -1;
         if (count == 0 || !MrEXC_IsProofDue(station))
             return 0;
+        // A single block on a calm line is proven by the caller, with others, once a sweep.
         if (count <= blockMax && !MrEXC_IsSuspicious(station))
             return 0;
         const uint32_t probesBefore = MrEXC_FailedProbes();
@@ -203,6 +209,7 @@ int MrASC_Open(int port, int baud)
 
 void MrASC_Close()
 {
+    // Closing what is closed is no event of the trace.
     if (wMrOpenFlag && TRC_isOn)
         MrTRC_Link(false, MrASC_nCom, MrASC_nBaudRate, 0);
     MrASC_Driver().close();

@@ -13,6 +13,7 @@ int16_t Mr166_wComDbg = 0;
 namespace {
 
 constexpr int PORT_MAX = 98;
+// More than the longest answer and its echo.
 constexpr int QUEUE_BYTES = 512;
 constexpr int PARITY_NONE = 0, DATA_BITS = 8, STOP_BITS = 2;
 

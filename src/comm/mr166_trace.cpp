@@ -13,6 +13,7 @@ struct ErrorText {
     int code;
     const char *text;
 };
+// Codes of the first protocol version, and the finer faults that share them.
 constexpr ErrorText ERROR_TEXTS[] = {
     {0, "answered"},
     {MR166_ERR_SHORT, FAIL_CUT},
@@ -97,6 +98,7 @@ std::string MrASC_ErrorText(int code)
         if (row.code == code)
             return row.text;
     }
+    // The target's own codes are the firmware's: a number is all that can be said.
     if (code <= -MR166_TARGET_ERROR_MIN)
         return FAIL_TARGET_ERROR + (" " + std::to_string(-code));
     return "error " + std::to_string(code);
@@ -109,6 +111,7 @@ void MrTRC_Begin(const Mr166_Request &request, bool isProbe)
     current.request = DescribeRequest(request, isProbe);
     isAnswerShown = !isProbe;
     TRC_Append(&current.sent, Mr166_abySnd, cbSnd);
+    // Last: building the text must not count as time on the line.
     current.startUs = PLT_TickUs();
 }
 

@@ -1,3 +1,5 @@
+// One try of an exchange: arguments checked, frame sent, answer read and judged; and what each
+// outcome does to the codes, the counters and the trace.
 #include "comm/mr166_try.h"
 
 #include "comm/failures.h"
@@ -40,6 +42,7 @@ int FailTry(bool isEchoSeen)
     return 0;
 }
 
+// The state stays "waiting", as callers of the first protocol version expect.
 int FailSilent(int fault, bool isEchoSeen)
 {
     ++EC_wTimeErr;
@@ -78,6 +81,7 @@ int Succeed(const Mr166_Request &request, bool isEchoSeen)
     return 1;
 }
 
+// The driver that reads by length takes the echo for the beginning of the answer.
 bool StartsWithOwnEcho()
 {
     return cbRcv > 0 && std::memcmp(Mr166_abyRcv, Mr166_abySnd, std::min(cbRcv, cbSnd)) == 0;
@@ -93,6 +97,8 @@ MrTRY_Examined MrTRY_Examine(const Mr166_Driver &driver, const Mr166_Request &re
         wMr166State = closedState;
         return MrTRY_Examined::REFUSED;
     }
+    // An address beyond 24 bits would be cut by the frame and hit another place. Unlike the other
+    // arguments it leaves the state as it was.
     if (request.address > ADDRESS_MAX) {
         nMr166Err = MR166_ERR_ARGUMENT;
         Mr166_nFault = MR166_ERR_ARGUMENT;
@@ -147,6 +153,7 @@ MrTRY_Reading MrTRY_ReadSorted(const Mr166_Driver &driver, const Mr166_Request &
         const bool isEndless = Mr166_wComDbg && driver.isEchoSkipped;
         if (passed >= limitMs && !isEndless)
             break;
+        // Behind the limit only the endless wait comes here: it goes on by whole time-outs.
         const uint32_t wait = passed < limitMs ? limitMs - passed : limitMs;
         const int got = driver.readSome(bytes, sizeof bytes, wait);
         if (got < 0) {

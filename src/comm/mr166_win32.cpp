@@ -51,6 +51,7 @@ int ReadSome(char *buffer, size_t capacity, unsigned waitMs)
 
 Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
 {
+    // One system call for the whole answer: the quickest way on a line that works.
     // The port's own time-out bounds the read; fewer characters than expected end it as well.
     const int got = SER_Read(MR166_hCom, Mr166_abyRcv, expected);
     cbRcv = static_cast<uint16_t>(got > 0 ? got : 0);
@@ -81,6 +82,7 @@ int MrASC_OpenWin32(int port, int baud)
         MrASC_CloseWin32();
         return result;
     }
+    // In full for reading and for writing: a device that takes nothing must end as well.
     SER_SetTimeouts(MR166_hCom, Mr166_nTimeoutMs, Mr166_nTimeoutMs);
     wMrOpenFlag = 1;
     return 0;

@@ -1,3 +1,5 @@
+// Texts that name a place in the target, and memory by such names. A station in front of a name is
+// split off for callers that ask for it; the others read the selected station.
 #include "comm/sysaddr.h"
 
 #include <cctype>
@@ -11,6 +13,7 @@
 #include "settings/settings.h"
 #include "text/bytes.h"
 
+// Data page pointers as last read: a near pointer means nothing without them.
 uint16_t awQRDPP[4] = {0, 0, 0, 0};
 
 namespace {
@@ -31,8 +34,10 @@ const char *SkipSpace(const char *text)
     return text;
 }
 
+// Symbols are a room below: they come in through this call.
 ADR_Resolver nameResolver = nullptr;
 
+// A map may name what lies outside of the target's 24 bits.
 uint32_t Limited(uint32_t address)
 {
     return address < ADDR_LIMIT ? address : ADDR_NONE;
@@ -59,6 +64,7 @@ uint32_t NamedAddress(const char *name, bool isTMS)
     return nameResolver != nullptr ? Limited(nameResolver(name, isTMS)) : ADDR_NONE;
 }
 
+// Firmware versions name the same variable differently: the first name that the map knows counts.
 template <typename Resolve> uint32_t FirstAlternative(const char *list, Resolve resolve)
 {
     while (true) {
@@ -86,6 +92,7 @@ int GetStationModifier(const char **cursor)
     const char *text = SkipSpace(*cursor);
     int number = 0;
     for (; *text >= '0' && *text <= '9'; ++text)
+        // Saturates: a station of many digits must not come round to a valid one.
         number = number > (INT_MAX - 9) / 10 ? INT_MAX : number * 10 + (*text - '0');
     text = SkipSpace(text);
     if (*text != ':')
@@ -101,6 +108,7 @@ uint32_t GetSysAddrWk(const char *text)
         return ADDR_NONE;
     if (*text == '$')
         return HexAddress(text + 1);
+    // No name begins with a digit, so "0100" is a slip and not a variable.
     if (*text == '0')
         return text[1] == 'x' || text[1] == 'X' ? HexAddress(text + 2) : ADDR_NONE;
     if (*text == '&')
@@ -139,6 +147,7 @@ uint32_t GetAltSysAddrM(const char *list, int *station)
 
 int UpdateQuickDPP()
 {
+    // The four pointers follow one another: one request, so that they are of one moment.
     uint8_t bytes[8];
     if (ReadSysVar("DPP0", bytes, sizeof bytes) < 0)
         return -1;
@@ -178,6 +187,7 @@ int WriteSysVar(const char *name, const void *data, uint32_t size)
     return address == ADDR_NONE ? -1 : UCM_Write(STATION, address, size, data);
 }
 
+// The name is that of a near pointer: what it points to is read or written.
 int ReadQuickSysNRef(const char *name, void *buffer, uint32_t size)
 {
     const uint32_t address = QuickRefNearPtrVar(name);

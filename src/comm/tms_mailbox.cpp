@@ -1,3 +1,5 @@
+// The order of the words is the protocol: the TMS320 looks at the command only, so address and
+// data must have arrived before it.
 #include "comm/tms_mailbox.h"
 
 #include "comm/ucm.h"
@@ -22,9 +24,11 @@ int SendWord(int station, const BoxWord &entry)
     return result > 0 ? TMS_OK : TMS_ERR_SEND; // a refused argument is no success either
 }
 
+// No pause between the polls: each takes a whole exchange on the line, 20 ms at 19200 baud.
 int WaitDone(int station, int maxPolls)
 {
     for (int poll = 0; poll < maxPolls; ++poll) {
+        // Two bytes though one decides: the station's memory is read by words.
         uint8_t flag[2];
         if (UCM_Read(station, TMS_BOX_COMMAND, sizeof flag, flag) < 0)
             return TMS_ERR_POLL;
@@ -55,6 +59,7 @@ int TMS_WriteWord(int station, uint32_t address, uint32_t value, uint32_t *faile
 {
     const BoxWord entries[] = {
         {TMS_BOX_ADDRESS, address}, {TMS_BOX_DATA, value}, {TMS_BOX_COMMAND, BOX_WRITE}};
+    // Ends at the first word that fails: a command behind a lost address would write elsewhere.
     for (const BoxWord &entry : entries) {
         if (SendWord(station, entry) == TMS_OK)
             continue;
@@ -76,6 +81,7 @@ int TMS_ReadWords(int station, uint32_t address, uint32_t count, int maxPolls, u
     });
     if (good)
         *good = series.good;
+    // Every word came, and then the proof failed: no single word is to blame.
     if (series.made == count && series.result < 0) {
         *cause = series.cause;
         return TMS_ERR_PROOF;

@@ -19,6 +19,7 @@ uint64_t lastNumber = 0;
 TRC_Sink sinkCall = nullptr;
 void *sinkContext = nullptr;
 
+// One flag for both takers, looked at before a record is made: an untraced exchange pays nothing.
 void UpdateFlag()
 {
     TRC_isOn = (capacity > 0 && !isStopped) || sinkCall != nullptr;
@@ -64,6 +65,7 @@ std::string HeadLine(const TRC_Record &record)
 void TRC_Enable(size_t wanted)
 {
     capacity = wanted;
+    // A closed trace window gives its 2,000 records back.
     TRC_Clear();
     ring.shrink_to_fit();
     UpdateFlag();
@@ -142,6 +144,7 @@ void TRC_Append(TRC_Bytes *to, const void *bytes, size_t count)
     const size_t kept = std::min(count, room);
     std::memcpy(to->bytes + to->count, bytes, kept);
     to->count = static_cast<uint16_t>(to->count + kept);
+    // Saturates: "at least so many".
     const size_t lost = std::min<size_t>(to->lost + (count - kept), UINT16_MAX);
     to->lost = static_cast<uint16_t>(lost);
 }

@@ -28,6 +28,7 @@ const char *ownCause = nullptr; // why the last operation failed when no link ca
 UCM_Statistics statisticsBase;  // what the links had counted at the last reset
 PLT_Date statisticsSince;       // of the last reset
 
+// Two rows: a search costs less than keeping a pointer beside UCM_recS right.
 const UCM_Protocol *FindProtocol(int number)
 {
     for (const UCM_Protocol *protocol : PROTOCOLS) {
@@ -107,6 +108,7 @@ void UCM_ClearErrorCounter()
     std::fill(std::begin(UCM_recS.errors), std::end(UCM_recS.errors), uint16_t{0});
 }
 
+// Results are 16-bit numbers by contract: a caller sees the same from every row.
 int UCM_CountErr(int result)
 {
     const int narrow = static_cast<int16_t>(result);
@@ -117,6 +119,7 @@ int UCM_CountErr(int result)
 
 int UCM_Open(int protocol, int port, int baud)
 {
+    // Closed and cleared even when the number is none: the old link must not answer for it.
     UCM_Close();
     UCM_ClearErrorCounter();
     const UCM_Protocol *row = FindProtocol(protocol);
@@ -160,6 +163,7 @@ int UCM_Prove()
     const UCM_Protocol *protocol = Current();
     ownCause = nullptr;
     const int result = protocol != nullptr ? protocol->prove() : UCM_PROVEN;
+    // Whoever holds values back learns by this count that somebody else's proof concerned them too.
     doubts += result != UCM_PROVEN;
     if (result == UCM_READ_AGAIN)
         ownCause = UCM_REPEATED_TEXT;
@@ -249,6 +253,7 @@ int UCM_UseWin32(int flag)
     if (protocol == nullptr || protocol->useWin32 == nullptr)
         return Refuse();
     ownCause = nullptr;
+    // Reopens the port when it is open: nothing of the old driver's input is taken over.
     const int result = protocol->useWin32(flag);
     // A link that could not be reopened with the other driver is closed.
     UCM_recS.opened = static_cast<int16_t>(protocol->isOpened());
@@ -329,6 +334,7 @@ UCM_Cause UCM_CauseSince(const UCM_Statistics &before)
 {
     UCM_Statistics now;
     UCM_GetStatistics(&now);
+    // An answer that came, in whatever state, says that somebody is there.
     if (now.damaged != before.damaged)
         return UCM_CAUSE_REFUSED;
     return now.timeouts != before.timeouts ? UCM_CAUSE_SILENT : UCM_CAUSE_OTHER;
@@ -336,6 +342,7 @@ UCM_Cause UCM_CauseSince(const UCM_Statistics &before)
 
 void UCM_ResetStatistics()
 {
+    // The links' own counters go on: they are other callers' as well.
     statisticsBase = CountAll();
     PLT_LocalTime(&statisticsSince);
     FAIL_Reset();

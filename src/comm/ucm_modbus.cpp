@@ -11,6 +11,8 @@
 
 namespace {
 
+// 108 registers of data and two of the address: a multiple of four bytes below the 123
+// registers that a frame can write.
 constexpr uint32_t BLOCK_BYTES = 216, WRITE_BLOCK_MAX = 246;
 constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then the data
 constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
@@ -21,11 +23,13 @@ constexpr int ROUNDS_MAX = 3; // of a transfer during which more answers came th
 uint32_t cnRepeated = 0; // failed tries of blocks
 uint32_t surplusAtProof = 0;
 
+// The place says whether the last register carries one byte or two.
 uint16_t TunnelOf(uint32_t count)
 {
     return count % 2 != 0 ? TUNNEL_ODD : TUNNEL_EVEN;
 }
 
+// High half first, as registers of 32 bits are usually laid out.
 void PutAddress(uint32_t address, uint16_t *registers)
 {
     registers[0] = static_cast<uint16_t>(address >> 16);
@@ -54,6 +58,7 @@ int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
     return result;
 }
 
+// Even parity is the standard's default.
 int Open(int port, int baud)
 {
     return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
@@ -161,6 +166,7 @@ int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
 
 int UCM_WriteBlkBgMBM(int slave, uint32_t *address, uint32_t *count, const uint8_t **data)
 {
+    // The caller's place moves on even when the block fails: it may try the next one.
     const uint32_t block = std::min(*count, BLOCK_BYTES), place = *address;
     const uint8_t *bytes = *data;
     *address += block;

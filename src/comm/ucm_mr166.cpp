@@ -7,6 +7,8 @@ namespace {
 
 constexpr int STATION_MAX = 15;
 
+// The unified layer's number of tries may be changed at any time by a user of it; the link keeps
+// its own copy, because it is used without this layer as well.
 void ApplyTries()
 {
     Mr166_CnBlkRpt = UCM_recS.tries;
@@ -54,6 +56,7 @@ int WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **dat
 
 int Message(int station, int command, uint32_t address, uint16_t word, const void *data)
 {
+    // One try only: whoever sends a bare command says himself what a failure means.
     if (!IsStation(station))
         return UCM_CountErr(UCM_ERR_ARGUMENT);
     return mr166Message(station, command, address, word, data);

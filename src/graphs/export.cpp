@@ -113,7 +113,7 @@ int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup 
         return -1;
     }
     SafeFile safe;
-    *problem = "Could not write the file " + path + ".";
+    *problem = SAF_FailureText(path);
     if (SAF_Open(&safe, path, "wb") != 0)
         return -1;
     std::fputs(Head(setup).c_str(), safe.file);

@@ -1,5 +1,5 @@
 // What the user sets of a graph, as plain data, and its text file: saved by name beside the
-// watch list (docs/formats.md).
+// watch list (docs/manual/reference/formats.md).
 #ifndef GRAPHS_GRAPH_SETUP_H
 #define GRAPHS_GRAPH_SETUP_H
 

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <limits>
 
@@ -23,7 +22,7 @@ bool AreSame(const std::vector<SMP_Item> &a, const std::vector<SMP_Item> &b)
 
 void RemoveOldest(GPA_Past *past)
 {
-    std::remove(past->parts.front().recording.path.c_str());
+    (void)PLT_RemoveFile(past->parts.front().recording.path);
     past->parts.pop_front();
     past->coarse.isValid = past->fine.isValid = false;
 }
@@ -44,7 +43,7 @@ int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
         RemoveOldest(past);
     std::error_code none;
     const std::string folder =
-        past->folder.empty() ? std::filesystem::temp_directory_path(none).string() : past->folder;
+        past->folder.empty() ? std::filesystem::temp_directory_path(none).u8string() : past->folder;
     const std::string number = std::to_string(past->begun++ % GPA_PARTS_MAX + 1);
     SafeFile file;
     if (PLT_MakeDirs(folder) != 0 ||

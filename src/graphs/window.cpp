@@ -3,6 +3,7 @@
 #include "comm/communication.h"
 #include "graphs/window_curves.h"
 #include "graphs/window_files.h"
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "sampler/trigger_entry.h"
@@ -90,7 +91,7 @@ void ShowButtons()
 void ShowAll()
 {
     if (GRV_ShowCurves(&source, setup) < 0)
-        ShowMessage("Could not read the file " + source.recording.path + ".");
+        ShowMessage(PLF_FailureText(source.recording.path));
     GRV_ShowTable(&source, setup);
     ShowState();
     ShowButtons();

@@ -2,6 +2,8 @@
 
 #include "graphs/export.h"
 #include "graphs/window_curves.h"
+#include "platform/plain_file.h"
+#include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "scope/measure.h"
 #include "settings/settings.h"
@@ -107,7 +109,7 @@ bool GRF_OpenSetup(GRA_Setup *setup, GRS_Source *source)
     if (!AskFile("*.graph", "*.graph", "Open graph settings", FILE_LOAD, &path))
         return false;
     if (GRA_LoadSetup(path, setup, &problems) != 0) {
-        MessagePopup("Error", "Could not read the file " + path + ".");
+        MessagePopup("Error", PLF_FailureText(path));
         return false;
     }
     GRS_Clear(source);
@@ -135,7 +137,7 @@ void GRF_SaveSetup(GRA_Setup *setup)
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
     setup->layout = view.layout;
     if (GRA_SaveSetup(path, *setup) != 0)
-        MessagePopup("Error", "Could not write the file " + path + ".");
+        MessagePopup("Error", SAF_FailureText(path));
 }
 
 std::string GRF_BeginRecording(const GRA_Setup &setup, GRS_Source *source)

@@ -6,6 +6,7 @@
 #include "comm/ucm.h"
 #include "loader/ihex_line.h"
 #include "loader/l3_protocol.h"
+#include "platform/system.h"
 #include "text/txfr.h"
 
 #include <cstdio>
@@ -25,7 +26,7 @@ Meter OpenMeter(const std::string &path, const LDR_Progress &progress)
 {
     Meter meter;
     meter.progress = progress;
-    std::FILE *file = std::fopen(path.c_str(), "rb");
+    std::FILE *file = PLT_OpenFile(path, "rb");
     if (file == nullptr)
         return meter;
     if (std::fseek(file, 0, SEEK_END) == 0)

@@ -5,6 +5,7 @@
 #include "logger/dlld.h"
 #include "logger/dlld_print.h"
 #include "platform/safe_file.h"
+#include "platform/system.h"
 
 namespace {
 
@@ -120,7 +121,7 @@ int DLLD_SaveBinLogFe(const std::string &path, const DLLD_Log &log)
 
 int DLLD_ReadBinLogFe(const std::string &path, DLLD_Log *log)
 {
-    std::FILE *file = std::fopen(path.c_str(), "rb");
+    std::FILE *file = PLT_OpenFile(path, "rb");
     if (file == nullptr)
         return DLLD_ERR_OPEN;
     // One byte more than a log may have shows a file that is too long.

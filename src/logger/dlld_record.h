@@ -1,6 +1,6 @@
 // Descriptions of records: what the target says about the content of its own message types.
 // Owns the table of record ids. Read from the target by dlld.h; asked by everything that
-// prints a log. The syntax is in docs/formats.md.
+// prints a log. The syntax is in docs/manual/reference/formats.md.
 #ifndef LOGGER_DLLD_RECORD_H
 #define LOGGER_DLLD_RECORD_H
 

@@ -13,6 +13,7 @@
 #include "logger/log_time.h"
 #include "logger/log_view.h"
 #include "logger/log_window_lines.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -137,7 +138,7 @@ int OpenLog(const std::string &path, LOGV_Log *log)
     if (result == DLLD_ERR_OPEN)
         MessagePopup("Error", "Could not open the file " + path + ".");
     else if (result == DLLD_ERR_FILE)
-        MessagePopup("Error", "Could not read the file " + path + " to its end.");
+        MessagePopup("Error", PLF_FailureText(path));
     else if (result < 0)
         MessagePopup("Error", "The file " + path +
                                   " holds no log: its header is not one, or names another length.");

@@ -3,6 +3,7 @@
 #include "platform/system.h"
 
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
 #include <sys/wait.h>
@@ -66,6 +67,7 @@ std::vector<std::string> SplitCommand(const std::string &line)
         dup2(null, STDOUT_FILENO);
     }
     (void)close_range(3, ~0u, CLOSE_RANGE_CLOEXEC);
+    signal(SIGPIPE, SIG_DFL); // what this program ignores, others may count on
     execvp(argv[0], argv);
     const char failed = 1;
     (void)!write(report, &failed, 1);

@@ -57,3 +57,8 @@ const char *PLF_WhyUnreadable(const std::string &path)
         std::fclose(file);
     return result == PLF_OK ? "cannot be read" : PLF_ErrorText(result);
 }
+
+std::string PLF_FailureText(const std::string &path)
+{
+    return "Could not read the file " + path + ".";
+}

@@ -22,5 +22,7 @@ int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content);
 const char *PLF_ErrorText(int result);
 // The same for a file as it is now, for callers whose reader only says that it failed.
 const char *PLF_WhyUnreadable(const std::string &path);
+// "Could not read the file NAME.", where the reason is of no use to the user.
+std::string PLF_FailureText(const std::string &path);
 
 #endif

@@ -4,6 +4,7 @@
 #include "platform/remote_ports.h"
 #include "platform/serial.h"
 #include "platform/tcp_port.h"
+#include "platform/utf8_win32.h"
 
 #include <windows.h>
 
@@ -23,18 +24,18 @@ std::map<std::string, std::string> ReadFriendlyNames()
 {
     std::map<std::string, std::string> names;
     const HDEVINFO devices =
-        SetupDiGetClassDevsA(&GUID_DEVCLASS_PORTS, nullptr, nullptr, DIGCF_PRESENT);
+        SetupDiGetClassDevsW(&GUID_DEVCLASS_PORTS, nullptr, nullptr, DIGCF_PRESENT);
     if (devices == INVALID_HANDLE_VALUE)
         return names;
     SP_DEVINFO_DATA device = {};
     device.cbSize = sizeof device;
     for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device); i++) {
-        char text[TEXT_MAX] = "";
-        if (!SetupDiGetDeviceRegistryPropertyA(devices, &device, SPDRP_FRIENDLYNAME, nullptr,
-                                               reinterpret_cast<BYTE *>(text), TEXT_MAX - 1,
-                                               nullptr))
+        wchar_t text[TEXT_MAX] = L"";
+        if (!SetupDiGetDeviceRegistryPropertyW(devices, &device, SPDRP_FRIENDLYNAME, nullptr,
+                                               reinterpret_cast<BYTE *>(text),
+                                               sizeof text - sizeof text[0], nullptr))
             continue;
-        const std::string friendly = text;
+        const std::string friendly = PLT_Utf8(text);
         const size_t begin = friendly.rfind(" (COM"), end = friendly.rfind(')');
         if (begin != std::string::npos && end != std::string::npos && end > begin)
             names[friendly.substr(begin + 2, end - begin - 2)] = friendly.substr(0, begin);

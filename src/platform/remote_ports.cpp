@@ -26,7 +26,7 @@ std::string FilePath(int port)
 
 std::string RMP_GetAddress(int port)
 {
-    std::FILE *file = std::fopen(FilePath(port).c_str(), "rb");
+    std::FILE *file = PLT_OpenFile(FilePath(port), "rb");
     if (file == nullptr)
         return "";
     char buffer[ADDRESS_MAX + 1] = "";

@@ -54,9 +54,9 @@ void RemoveStale(const fs::path &folder, const std::string &stem)
     std::error_code error;
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
-        const long owner = OwnerOf(entry->path().filename().string(), stem);
+        const long owner = OwnerOf(entry->path().filename().u8string(), stem);
         if (owner > 0 && (owner == PLT_ProcessId() || !PLT_IsProcessAlive(owner)))
-            (void)PLT_RemoveAbandoned(entry->path().string());
+            (void)PLT_RemoveAbandoned(entry->path().u8string());
     }
 }
 
@@ -80,14 +80,14 @@ int SAF_Open(SafeFile *safe, const std::string &path, const char *mode)
         return SAF_ERR_OPEN;
     if (PLT_IsReadOnly(real) && (mayReplace == nullptr || !mayReplace(path)))
         return SAF_ERR_READ_ONLY;
-    const fs::path target(real);
-    const std::string stem = StemOf(target.filename().string());
+    const fs::path target = fs::u8path(real);
+    const std::string stem = StemOf(target.filename().u8string());
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
     RemoveStale(folder, stem);
     const std::string start = stem + "." + std::to_string(PLT_ProcessId());
     for (int i = 0; i < TRIES; ++i) {
         const std::string name = start + (i > 0 ? "-" + std::to_string(i) : "") + SUFFIX;
-        const std::string temp = (target.parent_path() / name).string();
+        const std::string temp = (target.parent_path() / fs::u8path(name)).u8string();
         if (PLT_CreateExclusive(temp, mode, &safe->file) != 0)
             continue;
         safe->path = real;
@@ -118,7 +118,7 @@ int SAF_Commit(SafeFile *safe)
     const bool isReplaced =
         isWritten && isClosed && PLT_ReplaceFile(safe->tempPath, safe->path) == 0;
     if (!isReplaced)
-        std::remove(safe->tempPath.c_str());
+        (void)PLT_RemoveFile(safe->tempPath);
     *safe = SafeFile();
     return isReplaced ? 0 : -1;
 }
@@ -127,7 +127,7 @@ void SAF_Cancel(SafeFile *safe)
 {
     if (safe->file != nullptr) {
         std::fclose(safe->file);
-        std::remove(safe->tempPath.c_str());
+        (void)PLT_RemoveFile(safe->tempPath);
     }
     *safe = SafeFile();
 }

@@ -1,5 +1,5 @@
-// What the program asks of the operating system besides serial ports: time, file
-// stamps, starting another program, shared libraries, folders.
+// What the program asks of the operating system besides serial ports: time, files and folders,
+// starting another program, shared libraries. Paths are UTF-8 on every system.
 #ifndef PLATFORM_SYSTEM_H
 #define PLATFORM_SYSTEM_H
 
@@ -58,6 +58,8 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to);
 // The file that writing to `path` would change, behind links. 0 with *real (also when there
 // is no such file yet), or -1 when `path` is something else than a plain file.
 int PLT_ResolveFile(const std::string &path, std::string *real);
+std::FILE *PLT_OpenFile(const std::string &path, const char *mode); // as fopen
+int PLT_RemoveFile(const std::string &path);                        // 0, or -1
 int PLT_Seek(std::FILE *file, int64_t offset); // from its start, also beyond 2 GB. 0, or -1
 int PLT_SyncFile(std::FILE *file);             // waits until the disk has it. 0, or -1
 // Opens a plain file for binary reading without waiting for anything. 0 with its size in
@@ -77,9 +79,11 @@ bool PLT_IsProcessAlive(long processId); // also when it is somebody else's
 // request before PLT_SignalHeard ends the program at once. 0, or -1.
 int PLT_WatchSignals(void (*notify)(bool isInterrupt));
 void PLT_SignalHeard(); // the last request has been acted on
+// The arguments of main as UTF-8; call before reading them. They live as long as the program.
+void PLT_GetArguments(int *argc, char ***argv);
 // A program started with a closed standard stream would get that number for the next file
 // or port it opens, and print into it or read from it. Call first of all: what is closed
-// then fails on use instead.
+// then fails on use instead; so does writing to a pipe that nobody reads any more.
 void PLT_GuardStandardStreams();
 
 #endif

@@ -207,6 +207,20 @@ int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **f
     return -1;
 }
 
+std::FILE *PLT_OpenFile(const std::string &path, const char *mode)
+{
+    return std::fopen(path.c_str(), mode);
+}
+
+int PLT_RemoveFile(const std::string &path)
+{
+    return std::remove(path.c_str()) == 0 ? 0 : -1;
+}
+
+void PLT_GetArguments(int *, char ***)
+{
+}
+
 int PLT_RemoveAbandoned(const std::string &path)
 {
     const int fd = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC);
@@ -250,4 +264,7 @@ void PLT_GuardStandardStreams()
         if (fcntl(fd, F_GETFD) < 0)
             (void)!open("/dev/null", fd == STDIN_FILENO ? O_WRONLY : O_RDONLY);
     }
+    // A reader that goes away ("| head") must not end a program in the middle of writing to a
+    // target: the write fails instead.
+    std::signal(SIGPIPE, SIG_IGN);
 }

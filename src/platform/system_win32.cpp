@@ -12,24 +12,38 @@
 #include <cstring>
 #include <vector>
 
+#include "platform/utf8_win32.h"
+
 namespace {
 
-std::string EnvText(const char *name)
+// A call that fills a buffer and says how much it had to say: asked again with more room.
+template <typename Call> std::string LongText(Call call)
 {
-    const char *value = std::getenv(name);
-    return value != nullptr ? value : "";
+    std::wstring text(MAX_PATH, L'\0');
+    for (;;) {
+        const DWORD length = call(text.data(), static_cast<DWORD>(text.size()));
+        if (length == 0)
+            return "";
+        if (length < text.size())
+            return PLT_Utf8(text.substr(0, length));
+        text.resize(2 * text.size());
+    }
+}
+
+DWORD Attributes(const std::string &path)
+{
+    return GetFileAttributesW(PLT_Wide(path).c_str());
 }
 
 bool StartProcess(const std::string &commandLine)
 {
     // The call may write into its argument.
-    std::vector<char> line(commandLine.begin(), commandLine.end());
-    line.push_back('\0');
-    STARTUPINFOA startup;
+    std::wstring line = PLT_Wide(commandLine);
+    STARTUPINFOW startup;
     PROCESS_INFORMATION process;
     std::memset(&startup, 0, sizeof startup);
     startup.cb = sizeof startup;
-    if (!CreateProcessA(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                         &startup, &process))
         return false;
     CloseHandle(process.hThread);
@@ -64,7 +78,7 @@ int PLT_GetFileStamp(const std::string &path, PLT_FileStamp *stamp)
 {
     WIN32_FILE_ATTRIBUTE_DATA data;
     SYSTEMTIME universal, local;
-    if (!GetFileAttributesExA(path.c_str(), GetFileExInfoStandard, &data) ||
+    if (!GetFileAttributesExW(PLT_Wide(path).c_str(), GetFileExInfoStandard, &data) ||
         !FileTimeToSystemTime(&data.ftLastWriteTime, &universal) ||
         !SystemTimeToTzSpecificLocalTime(nullptr, &universal, &local))
         return -1;
@@ -101,18 +115,16 @@ int PLT_OpenInEditor(const std::string &path)
 
 int PLT_OpenInViewer(const std::string &path)
 {
-    const HINSTANCE result = ShellExecuteA(nullptr, "open", PLT_PathArgument(path).c_str(), nullptr,
-                                           nullptr, SW_SHOWNORMAL);
+    const HINSTANCE result =
+        ShellExecuteW(nullptr, L"open", PLT_Wide(PLT_PathArgument(path)).c_str(), nullptr, nullptr,
+                      SW_SHOWNORMAL);
     return reinterpret_cast<INT_PTR>(result) > 32 ? 0 : -1; // up to 32 are error codes
 }
 
 std::string PLT_CurrentDir()
 {
-    char path[MAX_PATH];
-    const DWORD length = GetCurrentDirectoryA(sizeof path, path);
-    if (length == 0 || length >= sizeof path)
-        return "";
-    std::string text(path, length);
+    std::string text =
+        LongText([](wchar_t *buffer, DWORD size) { return GetCurrentDirectoryW(size, buffer); });
     if (text.size() > 3 && text.back() == '\\')
         text.pop_back();
     return text;
@@ -120,16 +132,14 @@ std::string PLT_CurrentDir()
 
 std::string PLT_ConfigDir()
 {
-    return EnvText("APPDATA") + "\\Vireo2";
+    const wchar_t *folder = _wgetenv(L"APPDATA");
+    return PLT_Utf8(folder != nullptr ? folder : L"") + "\\Vireo2";
 }
 
 std::string PLT_ProgramDir()
 {
-    char path[MAX_PATH];
-    const DWORD length = GetModuleFileNameA(nullptr, path, sizeof path);
-    if (length == 0 || length >= sizeof path)
-        return "";
-    const std::string text(path, length);
+    const std::string text = LongText(
+        [](wchar_t *buffer, DWORD size) { return GetModuleFileNameW(nullptr, buffer, size); });
     return text.substr(0, text.rfind('\\'));
 }
 
@@ -141,17 +151,17 @@ char PLT_PathSeparator()
 int PLT_MakeDirs(const std::string &path)
 {
     for (size_t end = path.find_first_of("\\/", 1);; end = path.find_first_of("\\/", end + 1)) {
-        (void)CreateDirectoryA(path.substr(0, end).c_str(), nullptr);
+        (void)CreateDirectoryW(PLT_Wide(path.substr(0, end)).c_str(), nullptr);
         if (end == std::string::npos)
             break;
     }
-    const DWORD kind = GetFileAttributesA(path.c_str());
+    const DWORD kind = Attributes(path);
     return kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0 ? 0 : -1;
 }
 
 void *PLT_LoadLibrary(const std::string &name)
 {
-    return reinterpret_cast<void *>(LoadLibraryA(name.c_str()));
+    return reinterpret_cast<void *>(LoadLibraryW(PLT_Wide(name).c_str()));
 }
 
 void *PLT_GetSymbol(void *library, const char *name)
@@ -165,20 +175,21 @@ void *PLT_GetSymbol(void *library, const char *name)
 int PLT_ReplaceFile(const std::string &from, const std::string &to)
 {
     const DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
-    const DWORD kind = GetFileAttributesA(to.c_str());
+    const DWORD kind = Attributes(to);
     const bool isReadOnly = PLT_IsReadOnly(to); // asked for already; the call would refuse
     if (isReadOnly)
-        (void)SetFileAttributesA(to.c_str(), kind & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
-    const bool isMoved = MoveFileExA(from.c_str(), to.c_str(), how) != 0;
+        (void)SetFileAttributesW(PLT_Wide(to).c_str(),
+                                 kind & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    const bool isMoved = MoveFileExW(PLT_Wide(from).c_str(), PLT_Wide(to).c_str(), how) != 0;
     if (isReadOnly)
-        (void)SetFileAttributesA(to.c_str(), kind);
+        (void)SetFileAttributesW(PLT_Wide(to).c_str(), kind);
     return isMoved ? 0 : -1;
 }
 
 int PLT_ResolveFile(const std::string &path, std::string *real)
 {
     *real = path;
-    const DWORD kind = GetFileAttributesA(path.c_str());
+    const DWORD kind = Attributes(path);
     const bool isPlain = kind == INVALID_FILE_ATTRIBUTES ||
                          (kind & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0;
     return isPlain ? 0 : -1;
@@ -192,10 +203,10 @@ int PLT_SyncFile(std::FILE *file)
 int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
 {
     *file = nullptr;
-    const DWORD kind = GetFileAttributesA(path.c_str());
+    const DWORD kind = Attributes(path);
     if (kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_DIRECTORY) != 0)
         return -2;
-    const int fd = _open(path.c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    const int fd = _wopen(PLT_Wide(path).c_str(), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
     if (fd < 0)
         return -1;
     // A reserved name ("CON", "COM3") opens like a file and is a device.
@@ -218,26 +229,36 @@ int PLT_Seek(std::FILE *file, int64_t offset)
 int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)
 {
     *file = nullptr;
-    const int fd =
-        _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_NOINHERIT, _S_IREAD | _S_IWRITE);
+    const int fd = _wopen(PLT_Wide(path).c_str(), _O_WRONLY | _O_CREAT | _O_EXCL | _O_NOINHERIT,
+                          _S_IREAD | _S_IWRITE);
     if (fd < 0)
         return -1;
     *file = _fdopen(fd, mode);
     if (*file != nullptr)
         return 0;
     _close(fd);
-    (void)DeleteFileA(path.c_str());
+    (void)PLT_RemoveFile(path);
     return -1;
 }
 
 int PLT_RemoveAbandoned(const std::string &path)
 {
-    return DeleteFileA(path.c_str()) ? 0 : -1;
+    return PLT_RemoveFile(path);
+}
+
+std::FILE *PLT_OpenFile(const std::string &path, const char *mode)
+{
+    return _wfopen(PLT_Wide(path).c_str(), PLT_Wide(mode).c_str());
+}
+
+int PLT_RemoveFile(const std::string &path)
+{
+    return DeleteFileW(PLT_Wide(path).c_str()) ? 0 : -1;
 }
 
 bool PLT_IsReadOnly(const std::string &path)
 {
-    const DWORD kind = GetFileAttributesA(path.c_str());
+    const DWORD kind = Attributes(path);
     return kind != INVALID_FILE_ATTRIBUTES && (kind & FILE_ATTRIBUTE_READONLY) != 0;
 }
 
@@ -258,12 +279,32 @@ bool PLT_IsProcessAlive(long processId)
 
 std::string PLT_PathArgument(const std::string &path)
 {
-    char full[MAX_PATH];
-    const DWORD length = GetFullPathNameA(path.c_str(), sizeof full, full, nullptr);
-    return length > 0 && length < sizeof full ? std::string(full, length) : ".\\" + path;
+    const std::wstring wide = PLT_Wide(path);
+    const std::string full = LongText([&wide](wchar_t *buffer, DWORD size) {
+        return GetFullPathNameW(wide.c_str(), size, buffer, nullptr);
+    });
+    return full.empty() ? ".\\" + path : full;
 }
 
-// Ports are no file numbers here and the C library keeps the first three to itself.
+// What the C library hands over is in the machine's code page and has lost what that lacks.
+void PLT_GetArguments(int *argc, char ***argv)
+{
+    static std::vector<std::string> texts;
+    static std::vector<char *> pointers;
+    wchar_t **wide = CommandLineToArgvW(GetCommandLineW(), argc);
+    for (int i = 0; i < *argc; i++)
+        texts.push_back(PLT_Utf8(wide[i]));
+    LocalFree(wide);
+    for (std::string &text : texts)
+        pointers.push_back(text.data());
+    pointers.push_back(nullptr);
+    *argv = pointers.data();
+}
+
+// Ports are no file numbers here and the C library keeps the first three to itself. A terminal
+// is told what texts are in.
 void PLT_GuardStandardStreams()
 {
+    SetConsoleOutputCP(CP_UTF8);
+    SetConsoleCP(CP_UTF8);
 }

@@ -1,6 +1,7 @@
 #include "sampler/recorder.h"
 
 #include "calendar/datetime.h"
+#include "platform/system.h"
 #include "text/words.h"
 
 #include <algorithm>
@@ -215,7 +216,7 @@ int OpenForWriting(REC_Recorder *recorder, bool mayReplace)
         return REC_ERR_EXISTS;
     }
     errno = 0;
-    recorder->file = std::fopen(path.c_str(), "wb");
+    recorder->file = PLT_OpenFile(path, "wb");
     if (recorder->file != nullptr)
         return 0;
     recorder->problem = path + ": " + std::strerror(errno) + ".";

@@ -1,6 +1,6 @@
-// Writes rows of values as CSV while they come: docs/formats.md has the layout. A program that
-// is killed has lost a second at most, for every batch is flushed. A full disk ends a recording
-// and leaves what is there. Knows no line and no window; its owner feeds it.
+// Writes rows of values as CSV while they come: docs/manual/reference/formats.md has the layout. A
+// program that is killed has lost a second at most, for every batch is flushed. A full disk ends a
+// recording and leaves what is there. Knows no line and no window; its owner feeds it.
 #ifndef SAMPLER_RECORDER_H
 #define SAMPLER_RECORDER_H
 

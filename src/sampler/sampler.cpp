@@ -185,15 +185,23 @@ void MakeRate(SMP_Sampler *sampler, size_t i, SMP_Sample *sample)
     before = count;
 }
 
+// By its samples' own times: from these the store finds the row of a recording again.
+int64_t MiddleOf(const SMP_Sample *samples, size_t count)
+{
+    const auto isEarlier = [](const SMP_Sample &a, const SMP_Sample &b) {
+        return a.timeUs < b.timeUs;
+    };
+    const auto ends = std::minmax_element(samples, samples + count, isEarlier);
+    return ends.first->timeUs + (ends.second->timeUs - ends.first->timeUs) / 2;
+}
+
 void GiveOut(SMP_Sampler *sampler)
 {
     const size_t count = sampler->store.items.size();
-    const std::vector<int64_t> times = std::move(sampler->heldTimesUs);
     std::vector<SMP_Sample> held = std::move(sampler->held);
-    sampler->heldTimesUs.clear();
     sampler->held.clear();
-    for (size_t row = 0; row < times.size(); ++row) {
-        SMP_Sample *samples = &held[row * count];
+    for (size_t row = 0; row < held.size(); row += count) {
+        SMP_Sample *samples = &held[row];
         for (size_t i = 0; i < count; ++i) {
             if (SMP_IsRate(sampler->store.items[i]))
                 MakeRate(sampler, i, &samples[i]);
@@ -204,9 +212,9 @@ void GiveOut(SMP_Sampler *sampler)
         sampler->totals.samples += count;
         if (sampler->listener.row != nullptr)
             sampler->listener.row(sampler->listener.context, *sampler,
-                                  {times[row], samples, count});
+                                  {MiddleOf(samples, count), samples, count});
     }
-    if (!times.empty() && sampler->listener.published != nullptr)
+    if (!held.empty() && sampler->listener.published != nullptr)
         sampler->listener.published(sampler->listener.context);
 }
 
@@ -252,7 +260,6 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
     unread.timeUs = static_cast<int64_t>(nowUs);
     unread.state = SST_StateOf(&sampler->store, RDI_NOT_RESOLVED);
     sampler->row.assign(sampler->store.items.size(), unread);
-    sampler->rowFirstUs = nowUs;
     sampler->isAnyAsked = false;
     sampler->isInRow = true;
     sampler->next = 0;
@@ -261,8 +268,6 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
 void EndRow(SMP_Sampler *sampler, uint64_t nowUs)
 {
     sampler->isInRow = false;
-    const int64_t middleUs = static_cast<int64_t>((sampler->rowFirstUs + nowUs) / 2);
-    sampler->heldTimesUs.push_back(middleUs);
     sampler->held.insert(sampler->held.end(), sampler->row.begin(), sampler->row.end());
     const uint64_t periodUs = static_cast<uint64_t>(sampler->periodMs) * 1000;
     if (periodUs == 0)

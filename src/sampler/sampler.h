@@ -38,7 +38,7 @@ extern const SMP_Line SMP_LINE; // the unified layer and the system's clock
 
 // All items once, in their order: one row of a table. Valid during the call only.
 struct SMP_Row {
-    int64_t timeUs = 0; // steady clock, the middle between its first and its last exchange
+    int64_t timeUs = 0; // steady clock, the middle between its first and its last sample
     const SMP_Sample *samples = nullptr;
     size_t count = 0;
 };
@@ -88,9 +88,7 @@ struct SMP_Sampler {
     uint32_t doubts = 0;
     std::vector<SMP_Sample> row; // being read
     bool isInRow = false, isAnyAsked = false;
-    uint64_t rowFirstUs = 0;
-    std::vector<SMP_Sample> held; // rows that wait for their proof, one behind the other
-    std::vector<int64_t> heldTimesUs;
+    std::vector<SMP_Sample> held;     // rows that wait for their proof, one behind the other
     std::vector<SMP_Sample> previous; // last good counts of rates
 };
 

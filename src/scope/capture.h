@@ -33,7 +33,8 @@ SCP_Capture SCP_MakeCapture(const SCP_Setup &setup);
 // Seconds from the trigger to sample `index`.
 double SCP_TimeOf(const SCP_Capture &capture, size_t index);
 
-// CSV, see docs/formats.md. 0, or -1: the old file is untouched. "-" writes to standard output.
+// CSV, see docs/manual/reference/formats.md. 0, or -1: the old file is untouched. "-" writes to
+// standard output.
 int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture);
 // 0, or -1 with the reason in *problem; the capture is as it was.
 int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *problem);

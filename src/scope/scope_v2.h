@@ -1,5 +1,5 @@
 // Driver of the scope's generation 2: each control variable is a variable of the target,
-// its name the prefix and a fixed suffix (docs/formats.md lists them).
+// its name the prefix and a fixed suffix (docs/manual/reference/formats.md lists them).
 // Unless said otherwise: 0, or -1 (unknown name or a write failed), -2 (a read failed).
 #ifndef SCOPE_SCOPE_V2_H
 #define SCOPE_SCOPE_V2_H

@@ -1,5 +1,5 @@
 // Driver of the scope's generation 3: one control block, found by the prefix as its name,
-// with fields at fixed offsets. The layout of the block stands in docs/formats.md.
+// with fields at fixed offsets. The layout of the block stands in docs/manual/reference/formats.md.
 // Unless said otherwise: 0, or -1 (block unknown or a write failed), -2 (a read failed).
 #ifndef SCOPE_SCOPE_V3_H
 #define SCOPE_SCOPE_V3_H

@@ -215,13 +215,13 @@ int SCP_Snap(const SCP_View &view)
 
 int SCP_Upload(const SCP_View &view)
 {
-    ShowStatus(view, "Uploading ...", 0);
+    ShowStatus(view, SCP_UPLOADING, 0);
     const int result = SX_isInitDone ? Current().readData(view.progress) : -1;
     switch (result) {
     case 0:
         return ShowStatus(view, "Upload successful.", result);
     case SX_NOT_TRIGGERED:
-        return ShowStatus(view, "No trigger (try snap).", result);
+        return ShowStatus(view, SCP_NO_TRIGGER, result);
     case SX_SAMPLING:
         return ShowStatus(view, "Sampling (retry later).", result);
     case SX_CANCELLED:

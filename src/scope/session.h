@@ -8,6 +8,11 @@
 
 #include <string>
 
+// Said by the steps, the window and the console program.
+constexpr char SCP_NO_CHANNEL[] = "No channel is on.";
+constexpr char SCP_NO_TRIGGER[] = "No trigger (try snap).";
+constexpr char SCP_UPLOADING[] = "Uploading ...";
+
 struct SCP_View { // each may be null
     void (*status)(const std::string &text);
     // The setup names another scope than the processor's default: which one is meant. Called

@@ -1,6 +1,6 @@
 // What the user sets of the scope, as plain data, and its text file: the settings beside
 // the program ("DtaScope.ini") and those saved by name have the same form, which
-// docs/formats.md describes.
+// docs/manual/reference/formats.md describes.
 #ifndef SCOPE_SETUP_H
 #define SCOPE_SETUP_H
 

@@ -1,7 +1,9 @@
 #include "scope/window.h"
 
 #include "comm/communication.h"
+#include "platform/plain_file.h"
 #include "platform/safe_file.h"
+#include "platform/settings_place.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "scope/measure.h"
@@ -63,10 +65,10 @@ bool AskId(const std::string &defaultId, std::string *id)
 bool ShowProgress(uint32_t done, uint32_t total)
 {
     if (progressBox == 0 && PLT_TickMs() - uploadSinceMs >= BOX_AFTER_MS)
-        progressBox = CreateProgressDialog("Data scope", "Uploading ...");
+        progressBox = CreateProgressDialog("Data scope", SCP_UPLOADING);
     const int percent = static_cast<int>(uint64_t{done} * 100 / std::max(total, 1u));
     const bool isCancelled =
-        progressBox != 0 && UpdateProgressDialog(progressBox, percent, "Uploading ...") != 0;
+        progressBox != 0 && UpdateProgressDialog(progressBox, percent, SCP_UPLOADING) != 0;
     return isCancelled || IsBreakWished();
 }
 
@@ -199,7 +201,7 @@ bool Upload()
         return false;
     const SCP_Capture fresh = SCP_MakeCapture(SCP_GetRunSetup());
     if (fresh.traces.empty()) {
-        ShowStatus("No channel is on.");
+        ShowStatus(SCP_NO_CHANNEL);
         return false;
     }
     capture = fresh;
@@ -251,7 +253,7 @@ void OpenSetup()
         VAL_NO_FILE_SELECTED)
         return;
     if (SCP_LoadSetup(path, &setup, &problems) != 0) {
-        MessagePopup("Error", "Could not read the file " + path + ".");
+        MessagePopup("Error", PLF_FailureText(path));
         return;
     }
     SX_isInitDone = 0; // it may name another scope
@@ -302,13 +304,13 @@ void SaveData()
 
 int DTSC_LoadSettings()
 {
-    const std::string folder = PLT_CurrentDir();
-    settingsPath = folder.empty() ? SETTINGS_FILE : folder + PLT_PathSeparator() + SETTINGS_FILE;
+    const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
+    settingsPath = place.write;
     setup = SCP_Setup();
     PLT_FileStamp stamp;
-    const bool isThere = PLT_GetFileStamp(settingsPath, &stamp) == 0;
+    const bool isThere = PLT_GetFileStamp(place.read, &stamp) == 0;
     std::vector<std::string> problems;
-    const int result = isThere ? SCP_LoadSetup(settingsPath, &setup, &problems) : 0;
+    const int result = isThere ? SCP_LoadSetup(place.read, &setup, &problems) : 0;
     isSettingsRead = result == 0;
     if (result != 0)
         ShowStatus("DtaScope.ini cannot be read: it will not be written.");

@@ -1,3 +1,4 @@
+// A set's values from the target into a data file.
 #include "sets/backup.h"
 
 #include "sets/data.h"
@@ -57,6 +58,7 @@ int PST_Backup(const std::string &header, const std::string &data, const PST_Pro
         lines->push_back("'" + WRD_Visible(data) + "' " + PST_WriteErrorText(written) + ".");
         return PST_ERR_FILE;
     }
+    // Mirrors that differ are no failure: the file holds the values that count.
     *lines = PST_MirrorRemarks(set, image);
     lines->push_back(std::to_string(set.entries.size()) + " values saved.");
     return PST_OK;

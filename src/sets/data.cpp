@@ -1,3 +1,5 @@
+// Data files of a set: a version and a date, remarks with what the values belong to, the values by
+// group, an end. Read whole and refused whole: half a file would restore half a machine.
 #include "sets/data.h"
 
 #include "platform/plain_file.h"
@@ -18,11 +20,13 @@
 
 namespace {
 
+// Every value on a line of its own, with as many remarks and headings between them.
 constexpr int LINES_MAX = 200000;
 constexpr size_t COMMENT_COLUMN = 40; // where a line's comment begins, if it is short enough
 const char VERSION_LINE[] = "// Uploader v1.00";
 const char END_LINE[] = "// end";
 
+// As the settings file spells them.
 struct ProcessorName {
     int32_t processor;
     const char *name;
@@ -46,6 +50,7 @@ struct Reader {
     }
 };
 
+// Any version number: what the lines mean has never changed.
 bool IsVersionLine(const char *cursor)
 {
     return xscan("* ////* Uploader v?/.* @#0-9./.@#0-9* #", &cursor) >= 0;
@@ -57,6 +62,7 @@ bool ParseDateLine(const char *cursor, PST_File *file)
     const char *begin = cursor;
     if (xscan("* ////* date* /=* #0-9.#0-9./-#0-9.#0-9./-#2-9.#0-9.#0-9.#0-9.", &cursor) < 0)
         return false;
+    // Ten characters each time, as the pattern has counted them.
     const std::string date(cursor - 10, cursor);
     if (xscan("* /,* time* /=* #0-9.#0-9./:#0-9.#0-9./:#0-9.#0-9.* #", &cursor) < 0)
         return false;
@@ -74,6 +80,7 @@ bool ParseDateLine(const char *cursor, PST_File *file)
 void ParseRemark(Reader *reader, const std::string &text)
 {
     const size_t equals = text.find('=');
+    // The end tells a file that was cut, by a full disk or a mail program, from a whole one.
     if (WRD_Trim(text) == "end") {
         reader->isEnded = true;
         return;
@@ -81,6 +88,7 @@ void ParseRemark(Reader *reader, const std::string &text)
     if (equals == std::string::npos)
         return;
     const std::string key = WRD_Trim(text.substr(0, equals));
+    // Shown later in messages and pages: control characters must not get there.
     const std::string value = WRD_Visible(WRD_Trim(text.substr(equals + 1)));
     PST_File *file = reader->file;
     if (key == "group") {
@@ -105,6 +113,7 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
     if (why.empty() && (line.value.empty() || !line.rest.empty()))
         why = "A line is a name, '=' and one value.";
     if (why.empty()) {
+        // Which of two values is meant cannot be known.
         const auto first = reader->lines.emplace(line.reference, reader->line);
         if (!first.second)
             why = "'" + line.reference + "' has a value already, in line " +
@@ -178,6 +187,7 @@ std::string HeadText(const PST_File &file)
     return text + "// map stamp = " + stamp + "\n// header = " + file.header + "\n\n";
 }
 
+// Labels are words of the header's grammar: blanks travel as underscores.
 std::string LabelText(std::string heading)
 {
     for (char &c : heading)
@@ -213,8 +223,7 @@ int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         ++reader.line;
         if (isBroken || reader.line > LINES_MAX) {
-            reader.Refuse(isBroken ? "The line has more than " + std::to_string(PST_LINE_MAX) +
-                                         " characters."
+            reader.Refuse(isBroken ? PST_LongLineText()
                                    : "More than " + std::to_string(LINES_MAX) + " lines.");
             TXFR_Close(handle);
             return -1;
@@ -226,6 +235,7 @@ int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems
             return -1;
         }
     }
+    // Said of the line behind the last one, where the end should stand.
     if (!reader.isEnded && problems->count == before) {
         ++reader.line;
         reader.Refuse("The file is not whole: its last line '// end' is missing.");
@@ -254,6 +264,7 @@ int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::v
             why = PST_CheckLimits(PST_AttributesOf(set, entry), entry, held.bytes);
         if (!why.empty())
             problems->Add(file.path, record.line, "'" + record.name + "': " + why);
+        // What lies outside of its limits is not there for anybody: it must not be written.
         held.isThere = why.empty();
         if (lines != nullptr)
             (*lines)[found->second] = record.line;
@@ -328,6 +339,7 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
         SAF_PutText(safe.file, line + "\n");
     }
     SAF_PutText(safe.file, "\n");
+    // In front of the end, which stays the last line whatever is remarked.
     for (const std::string &remark : remarks)
         SAF_PutText(safe.file, "// " + remark + "\n");
     SAF_PutText(safe.file, std::string(END_LINE) + "\n");

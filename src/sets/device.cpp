@@ -1,3 +1,5 @@
+// Values of a set in the target: read and written in the cheapest blocks, and believed only when
+// the line has proven them. Nothing here knows names of files or windows.
 #include "sets/device.h"
 
 #include "comm/grouping.h"
@@ -9,7 +11,9 @@
 
 namespace {
 
+// A proof costs an exchange: few enough blocks behind it that reading them again is no loss.
 constexpr size_t BLOCKS_PER_PROOF = 32;
+// So many blocks at most are in doubt when the line dies.
 constexpr size_t WRITES_PER_CHECK = 8;
 constexpr int ROUNDS_MAX = 3; // reads of the same blocks before giving up
 
@@ -23,6 +27,7 @@ std::vector<GRP_Block> MakeBlocks(const PST_Set &set, const std::vector<uint32_t
         items.push_back({STATION, place.address, set.entries[place.entry].size});
     }
     GRP_Rules rules;
+    // Reading may take along what lies between; writing must never touch it.
     rules.areGapsAllowed = areGapsAllowed;
     return GRP_Plan(items, wire, rules);
 }
@@ -33,6 +38,7 @@ std::string LinkText(const std::string &what)
     return what + " (" + (cause.empty() ? "answers came more than once" : cause) + ").";
 }
 
+// Asked between two exchanges: none is broken off in the middle.
 bool IsCancelled(const PST_Progress &progress, size_t done, size_t total, const char *what)
 {
     return progress.step != nullptr && progress.step(progress.context, done, total, what);
@@ -44,6 +50,7 @@ void StoreBlock(const PST_Set &set, const std::vector<uint32_t> &places, const G
     for (const size_t i : block.items) {
         const PST_Place &place = set.places[places[i]];
         PST_Held &held = (*image)[places[i]];
+        // Shorter values are compared whole: what lies behind them must be the same in every image.
         held.bytes = {};
         std::memcpy(held.bytes.data(), bytes.data() + (place.address - block.address),
                     set.entries[place.entry].size);
@@ -78,6 +85,7 @@ int ReadProven(const PST_Set &set, const std::vector<uint32_t> &places,
     return PST_ERR_LINK;
 }
 
+// What the steps of one writing share.
 struct Writer {
     const PST_Set *set;
     const PST_Image *wanted;
@@ -103,6 +111,7 @@ int WriteBlock(Writer *writer, const GRP_Block &block, std::string *why)
                     writer->set->entries[place.entry].size);
     }
     const int result = UCM_Write(STATION, block.address, block.size, bytes.data());
+    // A write without an answer may have arrived all the same.
     Mark(writer, block, result < 0 ? PST_IN_DOUBT : PST_UNREAD);
     if (result < 0)
         *why = LinkText("The target did not take '" +
@@ -133,6 +142,7 @@ int PST_ReadPlaces(const PST_Set &set, const std::vector<uint32_t> &places, PST_
                    const PST_Progress &progress, std::string *why)
 {
     const std::vector<GRP_Block> blocks = MakeBlocks(set, places, GRP_ReadWire(VR_nProtocol), true);
+    // The caller's image stays as it was unless all could be read.
     PST_Image fresh = *image;
     fresh.resize(set.places.size());
     for (size_t i = 0; i < blocks.size(); i += BLOCKS_PER_PROOF) {

@@ -1,3 +1,4 @@
+// The window of one parameter. It follows the line that is selected in the table and goes with it.
 #include "sets/editor.h"
 
 #include "runtime/userint.h"
@@ -72,6 +73,7 @@ void CFE_Refresh()
         return;
     const PST_Form &form = *host.form;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
+    // On a heading it stays with the parameter before.
     if (CFT_GetEntry(line) >= 0)
         shown = CFT_GetEntry(line);
     if (!form.isOpen || shown < 0 || static_cast<size_t>(shown) >= form.set.entries.size()) {
@@ -94,6 +96,7 @@ void CFE_Refresh()
     Show(CFGEDIT_FILE, LongText(form, index, form.file[index]));
     SetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW,
                CFT_HeldText(form, index, PST_FormValue(form, index)));
+    // A read-only value can be looked at and copied.
     SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_NEW, ATTR_CTRL_MODE, a.isReadOnly ? 0 : 1);
     SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_FROM_DEFAULT, ATTR_DIMMED,
                      a.hasDefault && !a.isReadOnly ? 0 : 1);

@@ -1,3 +1,5 @@
+// From a line of the header to single values: structures, arrays and unions by the type map, rows
+// of values without one, areas as pieces of bytes.
 #include "sets/expand.h"
 
 #include "comm/sysaddr.h"
@@ -25,6 +27,7 @@ std::string PieceName(uint32_t address)
     return text;
 }
 
+// Every value goes through here: the bounds of the set and of the memory hold for all of them.
 std::string AddEntry(const Spread &spread, const std::string &name, int32_t type, uint32_t size,
                      uint32_t address)
 {
@@ -105,6 +108,7 @@ std::string SpreadRecord(const Spread &spread, const std::string &name, uint32_t
         if (TMF_GetStructItemAt(code, i, &member, &offset) != 0 ||
             TMF_GetTypeInfo(member->chain, &kind, &size, &count, &alignment, 0) != 0)
             return "The type map does not say what '" + name + "' consists of.";
+        // The members of a union lie over one another, which no set may contain.
         if (!isUnion)
             why = SpreadChain(spread, name + "." + member->name, member->chain, address + offset,
                               depth + 1);
@@ -124,6 +128,7 @@ std::string SpreadChain(const Spread &spread, const std::string &name, const uin
 {
     const uint32_t code = chain[0];
     const uint32_t derivation = code & TMF_DERIVATION;
+    // Also a type map that was damaged must end.
     if (depth > TMF_DEPTH_MAX || code == 0 || !TMF_IsTTypeOk(code))
         return "The type map does not say what '" + name + "' consists of.";
     if (TMF_IsRecord(code))
@@ -163,6 +168,7 @@ std::string SpreadPlain(const Spread &spread, const std::string &name, int32_t t
     return why;
 }
 
+// "8140h" is an address of these files only; elsewhere it would be a name.
 uint32_t AddressOf(const std::string &reference)
 {
     if (reference.back() == 'h' || reference.back() == 'H') {
@@ -192,6 +198,7 @@ std::string CheckDefault(const PST_Set &set, PST_Item *item, const std::string &
         attributes->defaultValue = PST_Number(first.type, bytes);
         attributes->hasDefault = true;
     }
+    // One default for all elements of an array.
     for (uint32_t i = 0; attributes->hasDefault && i < item->entries; ++i) {
         const PST_Entry &entry = set.entries[item->firstEntry + i];
         if (PST_PutNumber(entry.type, attributes->defaultValue, &bytes) != 0)

@@ -1,3 +1,5 @@
+// What a user sees of a set: the target's values, a file's beside them, and what has been typed and
+// not written yet. No window in here: the console program could show the same.
 #include "sets/form.h"
 
 #include "sets/header.h"
@@ -7,6 +9,7 @@
 
 namespace {
 
+// "Motor/Limits" lies in "Motor", "Motors" does not.
 bool IsInGroup(const std::string &name, const std::string &group)
 {
     return group.empty() || name == group ||
@@ -38,6 +41,8 @@ int PST_OpenForm(const std::string &header, PST_Form *form, PST_Problems *proble
     return 0;
 }
 
+// Another map may have moved everything: addresses come from it anew, and of what was typed stays
+// what still fits its place. The target's values go, because they were read elsewhere.
 int PST_ReopenForm(PST_Form *form, PST_Problems *problems)
 {
     PST_Form fresh;
@@ -75,6 +80,7 @@ bool PST_IsOther(const PST_Form &form, uint32_t entry)
 
 std::string PST_EditForm(PST_Form *form, uint32_t entry, const std::string &text)
 {
+    // An emptied field takes the typed value back.
     if (text.find_first_not_of(" \t") == std::string::npos) {
         form->edited[entry] = PST_Held();
         return "";
@@ -138,6 +144,8 @@ std::vector<uint32_t> PST_ListEntries(const PST_Form &form, const std::string &g
     return entries;
 }
 
+// Reads the target once more: the question shows what is there now, and not what was read when the
+// window was opened.
 int PST_PrepareWrite(PST_Form *form, const std::vector<uint32_t> &entries, PST_Restore *job,
                      const PST_Progress &progress)
 {
@@ -176,6 +184,7 @@ void PST_FinishWrite(PST_Form *form, const PST_Restore &job)
             form->device[place] = job.after[place];
         else if (state != PST_UNTOUCHED)
             form->device[place] = PST_Held(); // nobody knows what it holds
+        // A mirror that was written says nothing about the value itself.
         if (place == entry && state == PST_WRITTEN)
             form->edited[entry] = PST_Held();
     }

@@ -22,6 +22,7 @@
 
 namespace {
 
+// Bounds that no real project meets; a file that includes in circles does.
 constexpr size_t DEPTH_MAX = 8; // headers inside one another
 constexpr size_t FILES_MAX = 64;
 constexpr int LINES_MAX = 100000; // of one header
@@ -54,6 +55,7 @@ std::string PathBeside(const std::string &file, const std::string &name)
     return (std::filesystem::u8path(file).parent_path() / path).u8string();
 }
 
+// Two names of one file must count as one, or a circle would be found late.
 std::string RealPath(const std::string &path)
 {
     std::error_code error;
@@ -77,6 +79,7 @@ void Include(Reader *reader, const std::string &name)
     const std::string file = reader->file, heading = reader->heading;
     const int line = reader->line;
     const size_t group = reader->group;
+    // Opened for a look first: the message belongs to the line that includes, not to the file.
     std::FILE *probe = nullptr;
     const int result = PLF_Open(path, PLF_SIZE_MAX, &probe);
     if (result != PLF_OK) {
@@ -113,6 +116,7 @@ PST_Item MakeItem(const Reader &reader, const std::string &reference)
     return item;
 }
 
+// Only what is good can be mirrored further down.
 void Finish(Reader *reader, const PST_Item &item, const std::string &why)
 {
     if (!why.empty())
@@ -182,6 +186,7 @@ void ReadLine(Reader *reader, const std::string &text)
     } else {
         PST_Line line;
         const std::string why = PST_SplitLine(text, &line);
+        // A name behind "=" makes a mirror, a number a default.
         const char first = line.value.empty() ? '0' : line.value[0];
         if (!why.empty())
             reader->Refuse(why);
@@ -218,8 +223,7 @@ void ReadFile(Reader *reader, const std::string &path)
         const bool isLarge =
             reader->line > LINES_MAX || reader->set->places.size() >= PST_VALUES_MAX;
         if (isBroken)
-            reader->Refuse("The line has more than " + std::to_string(PST_LINE_MAX) +
-                           " characters.");
+            reader->Refuse(PST_LongLineText());
         else if (isLarge)
             reader->Refuse("The set is too large: at most " + std::to_string(LINES_MAX) +
                            " lines and " + std::to_string(PST_VALUES_MAX) + " values.");
@@ -230,6 +234,7 @@ void ReadFile(Reader *reader, const std::string &path)
             TXFR_Close(handle);
             break;
         }
+        // An included header has put its own name there.
         reader->file = path;
     }
     reader->open.pop_back();
@@ -276,12 +281,15 @@ int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems
     reader.line = 0;
     if (problems->count == before && set->entries.empty())
         reader.Refuse("The header names nothing.");
+    // Behind the values: places[i] is the value of entries[i] as long as there is one.
     set->places.insert(set->places.end(), set->mirrors.begin(), set->mirrors.end());
     set->mirrors.clear();
     CheckOverlap(&reader);
     return problems->count == before ? 0 : -1;
 }
 
+// Tells two builds of a firmware apart by their symbols; the order of the nodes is that of the
+// names.
 uint32_t PST_MapStamp()
 {
     uint32_t stamp = 0;

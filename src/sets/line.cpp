@@ -1,3 +1,5 @@
+// The grammar that headers and data files share. Messages name what is wrong in the user's words:
+// these files are written by hand.
 #include "sets/line.h"
 
 #include "sets/value.h"
@@ -44,6 +46,7 @@ std::string JoinReference(const std::string &text)
     return joined;
 }
 
+// A match that leaves something over is none.
 bool IsWhole(const std::string &text, const char *pattern)
 {
     const char *cursor = text.c_str();
@@ -74,6 +77,7 @@ std::string ReadCount(const std::string &text, uint32_t *count)
         return "A count or length cannot stand here.";
     if (!PST_ParseNumber(text, &number) || number < 1 ||
         number > static_cast<double>(PST_VALUES_MAX) * PST_PIECE_MAX ||
+        // Whole: half an element is a slip of the pen.
         number != static_cast<double>(static_cast<uint32_t>(number)))
         return "'" + text + "' is no count.";
     *count = static_cast<uint32_t>(number);
@@ -114,6 +118,7 @@ std::string ReadAttribute(const std::string &word, const std::string &value, PST
     return why;
 }
 
+// The shortest text that is read back as the same number.
 std::string NumberText(double number)
 {
     char text[40];
@@ -137,9 +142,15 @@ std::string Quoted(std::string text)
 
 } // namespace
 
+std::string PST_LongLineText()
+{
+    return "The line has more than " + std::to_string(PST_LINE_MAX) + " characters.";
+}
+
 void PST_CutComment(const std::string &line, std::string *text, std::string *comment)
 {
     comment->clear();
+    // A single slash divides words in texts; two of them begin a comment.
     size_t end = FindOutside(line, ";");
     for (size_t slash = 0; slash < std::min(line.size(), end);) {
         const size_t found = FindOutside(line.substr(slash), "/");
@@ -183,6 +194,7 @@ std::string PST_SplitLine(const std::string &text, PST_Line *line)
             return "The value behind '=' is missing.";
     }
     line->reference = JoinReference(left);
+    // A digit first, the suffix last: "0A140h".
     line->isAddress = IsWhole(line->reference, "#0-9.*#0-9a-fA-F.#hH.");
     if (line->reference.size() > PST_REFERENCE_MAX ||
         (!line->isAddress &&
@@ -249,6 +261,7 @@ bool PST_ParseLabel(const std::string &text, std::string *name)
     ScrPar records[ASSN_RECORDS];
     if (ParseAssn2(text.c_str(), records, ATP_I2) != ASSN_LABEL)
         return false;
+    // A label is one word of the grammar: underscores stand for the blanks of a heading.
     *name = records[0].text;
     std::replace(name->begin(), name->end(), '_', ' ');
     return true;

@@ -16,6 +16,7 @@ struct PST_Line {
     std::string comment;
 };
 
+std::string PST_LongLineText(); // what is said of a line above PST_LINE_MAX
 // The text in front of ";" or "//" and the one behind it; marks inside of quotes are text.
 void PST_CutComment(const std::string &line, std::string *text, std::string *comment);
 // "[cast] reference [= value] [, rest]". Empty, or what is wrong with the text.

@@ -1,3 +1,5 @@
+// The way of a data file into the target: everything is checked before the first question, what was
+// there is saved before the first write, and what came of it is told value by value.
 #include "sets/restore.h"
 
 #include "platform/system.h"
@@ -15,6 +17,7 @@ const char PST_NOTHING_WRITTEN[] = "Nothing was written.";
 namespace {
 
 constexpr size_t NAMES_SHOWN_MAX = 20; // in one line of a result
+// Somebody who has so many never looks at them: better to say so than to go on.
 constexpr int UNDO_FILES_MAX = 99;
 
 std::string Counted(size_t count, const char *one, const char *many)
@@ -76,6 +79,7 @@ std::string FreeUndoPath(const std::string &data)
     return "";
 }
 
+// The whole set and not only what is written: an undo file is an ordinary data file.
 int WriteUndo(PST_Restore *job)
 {
     const std::string path = FreeUndoPath(job->file.path);
@@ -85,6 +89,7 @@ int WriteUndo(PST_Restore *job)
         return PST_ERR_UNDO;
     }
     const PST_Set &set = job->set;
+    // A data file has no lines for mirrors: what they held is told in remarks.
     std::vector<std::string> remarks;
     for (uint32_t i = static_cast<uint32_t>(set.entries.size()); i < set.places.size(); ++i) {
         const uint32_t entry = set.places[i].entry;
@@ -109,6 +114,7 @@ int PST_PrepareRestore(const std::string &header, const std::string &data, bool 
     *job = PST_Restore();
     const int headerResult = PST_ReadHeader(header, &job->set, &job->problems);
     const int dataResult = PST_ReadData(data, &job->file, &job->problems);
+    // Both files are read before it ends: a user mends all problems at once.
     if (headerResult != 0 || dataResult != 0)
         return PST_ERR_FILE;
     if (PST_Bind(job->set, job->file, &job->wanted, &job->lines, &job->problems) != 0)
@@ -206,6 +212,7 @@ int PST_RunRestore(PST_Restore *job, const PST_Progress &progress)
         wanted[place] = job->wanted[job->set.places[place].entry];
     const int result = PST_WritePlaces(job->set, job->writes, wanted, &job->after, &job->states,
                                        progress, &job->why);
+    // The target took the bytes and holds others now: it limits or counts them itself.
     const bool isDifferent =
         std::find(job->states.begin(), job->states.end(), PST_DIFFERENT) != job->states.end();
     return result == PST_OK && isDifferent ? static_cast<int>(PST_ERR_VALUES) : result;
@@ -231,6 +238,7 @@ std::vector<std::string> PST_RestoreResult(const PST_Restore &job, int result)
     size_t count = 0;
     NamesIn(job, PST_WRITTEN, &count);
     lines.push_back(Counted(count, "value", "values") + " written, read back and good.");
+    // The worst first.
     for (const StateRow &row : ROWS) {
         const std::string names = NamesIn(job, row.state, &count);
         if (count > 0)

@@ -1,3 +1,5 @@
+// One value of a set as bytes, number and text. The three must agree to the bit: a backup that is
+// restored has to leave the target as it was.
 #include "sets/value.h"
 
 #include "symbols/assignment.h"
@@ -24,6 +26,7 @@ const TypeRow TYPES[] = {
     {ATP_U4, "u4", "(u4)", 0, 4294967295.0}, {ATP_I4, "i4", "(i4)", -2147483648.0, 2147483647.0},
     {ATP_F4, "float", "(float)", 0, 0},      {0, "bytes", "", 0, 0},
 };
+// As many as a float is good for; lines of a file have all of them.
 constexpr int SHOWN_DIGITS = 6;
 
 const TypeRow &RowOf(int32_t type)
@@ -96,6 +99,7 @@ double PST_Number(int32_t type, const PST_Bytes &bytes)
         return static_cast<double>(FloatOf(bytes));
     const int size = ATP_SizeOf(static_cast<uint32_t>(type));
     const uint64_t bits = BYT_GetLittle(bytes.data(), static_cast<size_t>(size));
+    // Two's complement by hand: sizes differ, and a cast would hide which one is meant.
     const uint64_t sign = uint64_t{1} << (8 * size - 1);
     const double value = static_cast<double>(bits);
     return IsSigned(type) && (bits & sign) != 0 ? value - std::ldexp(1, 8 * size) : value;
@@ -108,6 +112,7 @@ std::string PST_ValueText(const PST_Entry &entry, const PST_Bytes &bytes)
     if (entry.type == ATP_F4)
         return FloatText(FloatOf(bytes));
     char text[32];
+    // Four bytes at most, so that a double holds every whole value.
     std::snprintf(text, sizeof text, "%.0f", PST_Number(entry.type, bytes));
     return text;
 }
@@ -192,6 +197,7 @@ int PST_ParseShown(const PST_Entry &entry, double factor, const std::string &tex
     if (PST_ParseNumber(trimmed, &number)) {
         number /= factor;
         if (entry.type != ATP_F4)
+            // 2.5 in units of 0.1 is 25, whatever the division makes of it.
             number = std::round(number);
         if (PST_PutNumber(entry.type, number, bytes) == 0)
             return 0;
@@ -250,6 +256,7 @@ std::string PST_CheckLimits(const PST_Attributes &attributes, const PST_Entry &e
 
 bool PST_ParseNumber(const std::string &text, double *number)
 {
+    // Both spellings of a hexadecimal number, "0x1F" and "1Fh", up to 32 bits.
     const bool isPrefixed = text.size() > 2 && text[0] == '0' && (text[1] | 0x20) == 'x';
     const bool isSuffixed = text.size() > 1 && (text.back() | 0x20) == 'h';
     const char *begin = text.data() + (isPrefixed ? 2 : 0);
@@ -262,6 +269,7 @@ bool PST_ParseNumber(const std::string &text, double *number)
         *number = value;
         return true;
     }
+    // The library takes a minus only.
     if (begin != end && *begin == '+')
         ++begin;
     double value = 0;

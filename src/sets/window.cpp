@@ -1,3 +1,5 @@
+// The window of a device's parameters: what a user presses, and the questions before anything is
+// written. Table and editor are modules of their own.
 #include "sets/window.h"
 
 #include "comm/communication.h"
@@ -38,7 +40,9 @@ bool StepMeter(void *context, size_t done, size_t total, const char *what)
     Meter *meter = static_cast<Meter *>(context);
     if (meter->dialog == 0)
         meter->dialog = CreateProgressDialog(TITLE, what);
+    // A step may be announced before its number is known.
     const int percent = total > 0 ? static_cast<int>(100 * done / total) : 0;
+    // Also Ctrl-C and switching off end it.
     return UpdateProgressDialog(meter->dialog, percent, what) == 1 || IsBreakWished();
 }
 
@@ -71,6 +75,7 @@ std::string FirstLines(const std::vector<std::string> &lines, size_t max)
     return text;
 }
 
+// All of them in the pop-up, because they are mended in an editor; the window keeps the gist.
 void ShowProblems(const std::string &what, const PST_Problems &problems)
 {
     ShowResult(what, true);
@@ -233,6 +238,7 @@ bool WriteEntries(const std::vector<uint32_t> &entries)
     PST_Restore job;
     int result = PST_PrepareWrite(&form, entries, &job, progress);
     EndMeter(meter);
+    // Nothing to write is a success: the target holds what was wished.
     if (result != PST_OK || job.writes.empty() || !IsWriteWished(job)) {
         ShowResult(result != PST_OK     ? job.why + " " + PST_NOTHING_WRITTEN
                    : job.writes.empty() ? "The target holds these values already."
@@ -241,6 +247,7 @@ bool WriteEntries(const std::vector<uint32_t> &entries)
         Refresh();
         return result == PST_OK && job.writes.empty();
     }
+    // The first box went before the question: two would lie over each other.
     meter = Meter();
     SetBusyText("writing the parameters");
     result = PST_RunRestore(&job, progress);
@@ -340,6 +347,8 @@ const std::string &CFW_GetHeader()
     return headerPath;
 }
 
+// Of the settings file: the form is read when its window is opened, with the map that is there
+// then.
 void CFW_SetHeader(const std::string &path)
 {
     headerPath = path;

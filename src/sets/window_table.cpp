@@ -1,3 +1,5 @@
+// The table of parameters and the list of their groups. A line's value is the index of its entry;
+// headings have -1.
 #include "sets/window_table.h"
 
 #include "runtime/userint.h"
@@ -59,6 +61,7 @@ std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
     const unsigned valueStyle = isChanged      ? UIS_BOLD | UIS_GOOD
                                 : a.isReadOnly ? UIS_DIM
                                                : UIS_NORMAL;
+    // Red only where both are known and differ: a value that nobody has read is no difference.
     const unsigned fileStyle = PST_IsOther(form, index) ? UIS_BOLD | UIS_WARNING : UIS_DIM;
     std::string tip = a.text;
     if (a.isReadOnly)
@@ -99,6 +102,7 @@ void CFT_Prepare()
 
 void CFT_ShowGroups(const PST_Form &form)
 {
+    // The list is filled anew after every edit: the group stays selected by its name.
     const std::string chosen = CFT_GetGroup();
     groupNames = form.isOpen ? AllGroups(form) : std::vector<std::string>();
     ClearListCtrl(PANEL_CONFIG, CONFIG_GROUPS);
@@ -145,6 +149,8 @@ size_t CFT_ShowEntries(const PST_Form &form, bool isOnlyMarked)
     int line = 0;
     for (const uint32_t index : entries) {
         const PST_Item &item = form.set.items[form.set.entries[index].item];
+        // A table of thousands of lines would be filled for a second; groups are quicker to look
+        // at.
         if (static_cast<size_t>(line) >= CFT_ROWS_MAX)
             break;
         if (form.set.groups[item.group] != group) {

@@ -20,11 +20,13 @@ const TypeWord CASTS[] = {{"u1", ATP_U1}, {"byte", ATP_U1}, {"word", ATP_U1},
                           {"u2", ATP_U2}, {"u4", ATP_U4},   {"i1", ATP_I1},
                           {"i2", ATP_I2}, {"i4", ATP_I4},   {"float", ATP_F4}};
 
+// Prefixes in small letters up to the next capital: "dwMask", "nnCounter".
 const TypeWord PREFIXES[] = {{"dw", ATP_U4}, {"u4", ATP_U4}, {"nn", ATP_I4}, {"i4", ATP_I4},
                              {"by", ATP_U1}, {"u1", ATP_U1}, {"i2", ATP_I2}, {"i1", ATP_I1},
                              {"u2", ATP_U2}, {"f4", ATP_F4}, {"f", ATP_F4},  {"rs", ATP_RS},
                              {"sz", ATP_SZ}};
 
+// One letter in front of a capital: "nSpeed".
 const TypeWord LETTER_PREFIXES[] = {{"n", ATP_I2}, {"f", ATP_F4}, {"w", ATP_U2}};
 
 const TypeWord TYPE_NAMES[] = {{"i1", ATP_I1}, {"i2", ATP_I2}, {"i4", ATP_I4}, {"u1", ATP_U1},
@@ -34,6 +36,7 @@ struct TypeSize {
     uint32_t bit;
     int size;
 };
+// The first bit that is set decides.
 const TypeSize SIZES[] = {{PAR_BYTE, 1}, {PAR_WORD, 2}, {PAR_LONG, 4}, {PAR_FLOAT, 4}};
 
 template <size_t N> int32_t FindPrefix(const TypeWord (&table)[N], const char *text)
@@ -55,6 +58,7 @@ const char *FindTypeName(uint32_t code)
 }
 
 // Past the ")" that closes the "(" at the cursor; false when there is none.
+// Counts the brackets: what stands between them is judged by StrToATP alone.
 bool SkipCast(const char **cursor)
 {
     int depth = 0;
@@ -173,6 +177,7 @@ int32_t GetPfxType(const char *name)
     if (*name == '\0')
         return 0;
     const char second = name[1];
+    // "f" is both: a letter in front of a capital, and a prefix of its own.
     const bool isLetterPrefix =
         (second >= 'A' && second <= 'Z') || second == '_' || !CON_IsNameChar(second);
     return isLetterPrefix ? FindPrefix(LETTER_PREFIXES, name) : FindPrefix(PREFIXES, name);
@@ -185,6 +190,7 @@ int32_t GetPfx2Type(const char *text)
     if (*text == '&' || *text == '@')
         text++;
     const char *component = text;
+    // Of a path the last member decides: "stMotor.nSpeed" is a word with a sign.
     for (; CON_IsNameChar(*text) || *text == '.'; text++)
         if (*text == '.')
             component = text + 1;
@@ -220,6 +226,7 @@ int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)
     const char *name = cursor;
     if (ScrGetPar(&cursor, &records[0], PAR_NAME) < 0)
         return ASSN_NONE;
+    // A cast in front of a label would mean nothing: such a line is none.
     if (!isCast && IsLabelEnd(cursor))
         return ASSN_LABEL;
     return ParseTargetAndValue(name, records, type) ? ASSN_VALUE : ASSN_NONE;

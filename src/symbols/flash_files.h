@@ -1,6 +1,6 @@
 // The directory of files in the target's flash: finding a file and loading it. Each file
 // is a 32-byte header, its data and a 32-byte trailer that repeats the header; see
-// docs/formats.md. Memory is read at the current station.
+// docs/manual/reference/formats.md. Memory is read at the current station.
 #ifndef SYMBOLS_FLASH_FILES_H
 #define SYMBOLS_FLASH_FILES_H
 

@@ -1,3 +1,5 @@
+// Maps from a target's flash, or from an archive with the same files: all of it is read and checked
+// before any table changes.
 #include "symbols/flash_info.h"
 
 #include "calendar/archive.h"
@@ -18,6 +20,7 @@
 
 namespace {
 
+// Where the directory stood in earlier firmware, with no end that is known.
 constexpr uint32_t OLD_DIRECTORY = 0x1C000;
 constexpr uint32_t RESERVED_AT_END = 0x100; // start vector and passwords of the chip
 
@@ -60,6 +63,7 @@ struct Text {
     Text &operator=(const Text &) = delete;
 };
 
+// As a file is written: the archive is for people, too.
 std::string ContentOf(int handle)
 {
     std::string content;
@@ -78,6 +82,7 @@ int ReplaceMaps(int varMap, int typeMap)
     if (typeMap >= 0 && TMF_ReplaceMapFrw(typeMap) != 0)
         return FLASH_ERR_TYPES;
     const int count = FLASH_ReplaceVariables(variables, aVarNode, &nNodes);
+    // Members have their addresses from both maps.
     TMF_Rebuild();
     return count;
 }
@@ -91,6 +96,7 @@ int ReplaceTMSNodes(int varMap)
         return result;
     openTMSStruct = OPEN_MAP_FILE;
     const int taken = FLASH_ReplaceVariables(variables, aVarTMSNode, &nTMSNodes);
+    // Behind a station it is reached through the mailbox, which takes word addresses.
     VRN_BytesToWords(aVarTMSNode, nTMSNodes);
     return taken;
 }
@@ -106,6 +112,7 @@ int OpenTypeMap(uint32_t start, uint32_t end, int varMap)
 {
     int32_t length;
     const int32_t whole = MFS_FindFile(FLASH_TYPE_MAP, start, end, &length);
+    // -1 is "no such file"; everything else ends the search.
     if (whole >= 0 || whole != -1)
         return whole >= 0 ? LoadFlashText(FLASH_TYPE_MAP, start, end) : whole;
     if (MFS_FindFile(FLASH_TYPE_DECLS, start, end, &length) == -1)
@@ -230,6 +237,7 @@ int fl2node(int place)
         SYM_ShowMessage(FLASH_GetErrorText(result));
         return result;
     }
+    // There is no file that could be loaded again.
     mapFile.clear();
     openStruct = OPEN_FROM_MEMORY;
     SYM_NamesChanged(SYM_MAP_LOADED);

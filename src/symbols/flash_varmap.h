@@ -1,5 +1,5 @@
-// Variable maps as the target's flash and archives carry them: see docs/formats.md. Used
-// by flash_info.cpp and by tests only.
+// Variable maps as the target's flash and archives carry them: see
+// docs/manual/reference/formats.md. Used by flash_info.cpp and by tests only.
 #ifndef SYMBOLS_FLASH_VARMAP_H
 #define SYMBOLS_FLASH_VARMAP_H
 

@@ -8,6 +8,7 @@
 
 namespace {
 
+// Tables of the TMS320 have word addresses, as its manuals do; the program counts bytes.
 constexpr uint32_t BYTES_PER_WORD_ADDRESS = 2;
 
 struct ProcessorRegisters {
@@ -42,6 +43,7 @@ void AddBlocks(const RegisterBlocks &blocks)
     }
 }
 
+// Sorted by name like every table of nodes: look-ups rely on it.
 void Finish()
 {
     VRN_SortByName(aVarNode166, nNodes166);
@@ -90,6 +92,7 @@ void initRgMap(int processor)
             row.init();
             return;
         }
+    // An unknown processor has no registers rather than those of the one before.
     FreeNodes(aVarNode166, &nNodes166);
     openStruct166 = 0;
 }

@@ -8,10 +8,12 @@
 
 namespace {
 
+// All bits that no basic type has, derivations among them.
 constexpr uint32_t BASIC_FORBIDDEN = 0xFFFFF818u;
 constexpr uint32_t SIGN_BITS = TMF_SIGNED | TMF_UNSIGNED;
 constexpr uint32_t SIZE_BITS = TMF_SIZE1 | TMF_SIZE2 | TMF_SIZE4 | TMF_SIZE8;
 constexpr uint32_t KIND_MASK = 0xF8000000u; // top five bits
+// Far above any target's memory; keeps sums and products in range.
 constexpr int64_t SIZE_LIMIT = INT32_MAX;
 
 // A resolved chain. `height`: levels of arrays and structures below it.
@@ -44,6 +46,7 @@ bool ResolveArray(const uint32_t *chain, int depth, Layout *layout)
 {
     if (!Resolve(chain + 1, depth + 1, layout) || layout->count < 1)
         return false;
+    // An array of one element looks like the element.
     if (layout->count > 1)
         layout->kind |= TMF_ARRAY;
     layout->size *= layout->count;
@@ -58,6 +61,7 @@ bool AddMember(bool isUnion, const Layout &member, Layout *total)
     if (member.size < 1 || member.count < 1)
         return false;
     const int64_t bytes = member.size * member.count;
+    // Members of a union begin together: the largest makes its size.
     if (isUnion) {
         total->size = std::max(total->size, bytes);
         total->alignment = std::max(total->alignment, member.alignment);
@@ -79,6 +83,7 @@ bool ResolveMembers(uint32_t code, int depth, Layout *layout)
             !AddMember(isUnion, member, layout))
             return false;
     }
+    // An empty structure has no place, so nothing can lie behind it.
     if (layout->size < 1)
         return false;
     if (!isUnion) {
@@ -220,6 +225,7 @@ bool TMF_IsTTypeOk(uint32_t code)
     }
 }
 
+// What the targets' compilers do: the C166 aligns to 2 bytes at most, the TMS320 to 4.
 int TMF_AlignmentRule(int size)
 {
     if (IsWordAddressing(Procesor))
@@ -229,6 +235,7 @@ int TMF_AlignmentRule(int size)
 
 int TMF_GetPtrSize(int processor, bool)
 {
+    // Near pointers; the processors numbered below 3 are of that family.
     const bool isC166Family = processor >= 0 && processor <= 2;
     return isC166Family ? 2 : 4;
 }
@@ -239,6 +246,7 @@ int TMF_GetTypeInfo(const uint32_t *chain, uint32_t *kind, int32_t *elementSize,
     *kind = 0;
     *elementSize = 0;
     *count = 0;
+    // What callers find when the chain does not resolve: the least of the processor.
     *alignment = IsWordAddressing(Procesor) ? 2 : 1;
     Layout layout;
     if (!Resolve(chain, depth, &layout))

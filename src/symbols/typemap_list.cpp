@@ -1,3 +1,4 @@
+// Types as a C programmer writes them, and rows for the selectors: variables, members, elements.
 #include "symbols/typemap_list.h"
 
 #include <algorithm>
@@ -25,6 +26,7 @@ std::string BasicName(uint32_t code)
     }
 }
 
+// A structure without a name has its number, so that two of them can be told apart.
 std::string RecordName(uint32_t code)
 {
     if (const char *name = TMF_FindTypeName(code))
@@ -44,6 +46,7 @@ bool ItemOfChain(const uint32_t *chain, char *type, int *size)
         TMF_GetTypeInfo(chain, &kind, &bytes, &count, &alignment, 0) != 0 || bytes < 1)
         return false;
     *size = bytes;
+    // A pointer is an address: nobody reads it in decimal.
     if ((chain[0] & TMF_DERIVATION) == TMF_POINTER)
         *type = 'x';
     else if ((chain[0] & TMF_KIND) == TMF_FLOAT)
@@ -67,6 +70,7 @@ void DescribeType(const std::string &name, const uint32_t *chain, TMF_ListRow *r
     uint32_t kind = 0;
     int32_t bytes = 0, count = 0, alignment = 0;
     row->declaration = TMF_FormatDecl(name, chain);
+    // A chain that makes no declaration still has a line of its own.
     if (row->declaration.empty())
         row->declaration = name;
     if (TMF_GetTypeInfo(chain, &kind, &bytes, &count, &alignment, 0) == 0)
@@ -155,6 +159,7 @@ std::vector<TMF_ListRow> TMF_ListParts(const char *expression, uint32_t first)
             rows.push_back(MakePart(path + "." + members[i].name, members[i].name,
                                     address + offsets[i], members[i].chain));
     } else if (TMF_GetArrayInfo(chain, &count, &stride) == 0) {
+        // A page at a time: an array of thousands would fill a list for seconds.
         for (uint32_t i = first; i < count && i - first < TMF_LIST_ELEMENTS_MAX; ++i) {
             const std::string index = "[" + std::to_string(i) + "]";
             rows.push_back(MakePart(path + index, index, address + i * stride, chain + 1));

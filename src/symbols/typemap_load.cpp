@@ -14,6 +14,7 @@ TMF_Decl *TMF_paDefTypes = nullptr;
 int32_t TMF_cnDefTypes = 0;
 TMF_Struct *TMF_paDefStructCts = nullptr;
 int32_t TMF_cnDefStructCts = 0;
+// Line at which loading gave up, from 1; 0 when the file could not even be opened.
 int TMF_nErrorLine = 0;
 std::string TMF_szFileName;
 
@@ -30,6 +31,7 @@ struct LineSource {
     char line[TEXT_LINE_SIZE];
 };
 
+// A line that was cut is no line: half a chain of codes would be another type.
 bool ReadSourceLine(LineSource *source)
 {
     ++TMF_nErrorLine;
@@ -45,6 +47,7 @@ const char *AfterBlanks(const char *text)
     return text;
 }
 
+// Saturates: what is promised is never allocated before it is there.
 int32_t ReadCount(const char *digits)
 {
     const long value = std::strtol(digits, nullptr, 10);
@@ -64,6 +67,7 @@ int32_t ReadHeader(LineSource *source, const char *pattern)
     return ReadCount(cursor);
 }
 
+// The line has been checked by TMF_IsVTLineOk: patterns only find their places here.
 void ParseDecl(const char *line, int mode, TMF_Decl *decl)
 {
     std::memset(decl, 0, sizeof *decl);
@@ -71,6 +75,7 @@ void ParseDecl(const char *line, int mode, TMF_Decl *decl)
     xscan("*^/'./'", &line);
     xscan("#_a-zA-Z.*#_0-9a-zA-Z.", &line, &name);
     xscan(mode == TMF_MODE_VARS ? "*^/._." : "*^_.", &line);
+    // Codes beyond the tenth are dropped: no declaration of a compiler has so many.
     while (decl->codes < TMF_CODES_MAX && xscan("/_/@", &line) >= 0) {
         char *end = nullptr;
         const unsigned long code = std::strtoul(line, &end, 0);
@@ -86,6 +91,7 @@ template <class Record> bool Reserve(Record **table, int32_t used, int32_t *room
         return true;
     int64_t larger = *room == 0 ? FIRST_RECORDS : static_cast<int64_t>(*room) * 2;
     larger = larger < wanted ? larger : wanted;
+    // The old table stays whole when there is no memory for a larger one.
     void *grown = std::realloc(*table, static_cast<size_t>(larger) * sizeof(Record));
     if (grown == nullptr)
         return false;
@@ -154,6 +160,7 @@ bool LoadStruct(LineSource *source, int32_t *room, int32_t wanted)
     if (!ReadSourceLine(source) || !TMF_ParseStructHead(source->line, &members) ||
         !Reserve(&TMF_paDefStructCts, TMF_cnDefStructCts, room, wanted))
         return false;
+    // Counted before its members are read: what a bad line leaves is freed with the rest.
     TMF_Struct *record = &TMF_paDefStructCts[TMF_cnDefStructCts++];
     *record = TMF_Struct();
     return LoadDecls(source, TMF_MODE_MEMBER, members, &record->paMembers, &record->members,
@@ -170,6 +177,7 @@ int LoadStructs(LineSource source)
         ok = LoadStruct(&source, &room, wanted);
     if (!ok)
         FreeStructs();
+    // Layouts are kept by the place of the table, which may be that of the old one.
     TMF_ForgetLayouts();
     return ok ? 0 : -1;
 }
@@ -240,6 +248,7 @@ template <class Loader> int ReplaceTables(Loader load)
         MoveTablesIn(old);
         return result;
     }
+    // The old tables go last: up to here they could have come back.
     const Tables loaded = MoveTablesOut();
     MoveTablesIn(old);
     TMF_FreeTables();
@@ -320,6 +329,7 @@ int TMF_LoadMap(const char *fileName)
     const int handle = TXFRW_Open(fileName, "r");
     if (handle < 0)
         return -1;
+    // The text may have been cut there.
     if (TXFRW_GetCnLines(handle) >= TXFRW_LINES_MAX) {
         TXFRW_Close(handle);
         return LoadStreamed(fileName);

@@ -14,6 +14,7 @@ int32_t *TMF_panSVIndex = nullptr;
 
 namespace {
 
+// Doubled whenever it is full; TMF_SVNODES_MAX is the end.
 constexpr int32_t FIRST_SVNODES = 1024;
 
 // Whether members are found below a chain.
@@ -34,6 +35,7 @@ int AddMembers(const std::string &path, uint32_t code, uint32_t address)
     const TMF_Decl *members = TMF_paDefStructCts[(code & TMF_VALUE) - 1].paMembers;
     for (size_t i = 0; i < offsets.size(); ++i) {
         const std::string member = path + "." + members[i].name;
+        // A member before its parts: at equal addresses the shorter name is found first.
         if (TMF_AddSVNode(member, address + offsets[i]) != 0 ||
             AddParts(member, members[i].chain, address + offsets[i]) != 0)
             return -1;
@@ -101,6 +103,7 @@ int TMF_CreateSVIndex()
         return -1;
     for (int32_t i = 0; i < TMF_cnSVNode; ++i)
         TMF_panSVIndex[i] = i;
+    // Stable, so that of nodes at one address the outer one stays in front.
     std::stable_sort(TMF_panSVIndex, TMF_panSVIndex + TMF_cnSVNode, [](int32_t a, int32_t b) {
         return TMF_paSVNode[a].addr < TMF_paSVNode[b].addr;
     });

@@ -11,6 +11,7 @@
 
 namespace {
 
+// As the map has them: "?" stands in names of static variables.
 constexpr const char *IDENTIFIER = "#_/?a-zA-Z.*#_/?0-9a-zA-Z.";
 
 // Position of each name's first declaration; built at the first look-up after a load.
@@ -39,6 +40,7 @@ const NameIndex &Names()
     return names;
 }
 
+// Of all elements together, for the place of what follows.
 bool SizeOf(const uint32_t *chain, int64_t *bytes, int32_t *alignment)
 {
     uint32_t kind = 0;
@@ -58,11 +60,13 @@ struct Place {
 bool SelectMember(const char **cursor, Place *place)
 {
     char member[TMF_NAME_SIZE + 1];
+    // The scanner moves the cursor behind the name: where the name begins is found by a second one.
     const char *start = *cursor;
     if (xscan("* /.* #_a-zA-Z.*#_0-9a-zA-Z.", cursor) < 0)
         return false;
     xscan("* /.* ", &start);
     const size_t length = static_cast<size_t>(*cursor - start);
+    // Longer than any name that a type map can hold.
     if (length >= sizeof member)
         return false;
     std::memcpy(member, start, length);
@@ -103,6 +107,7 @@ const TMF_Decl *TMF_FindVarDecl(const char *name)
 {
     const auto &vars = Names().vars;
     auto found = vars.find(name);
+    // Linkers of the TMS320 put "_" in front of a name of the source.
     if (found == vars.end() && name[0] == '_')
         found = vars.find(name + 1);
     return found == vars.end() ? nullptr : &TMF_paDefVars[found->second];
@@ -146,6 +151,7 @@ bool TMF_MemberOffsets(uint32_t code, std::vector<uint32_t> *offsets)
         int32_t alignment = 1;
         if (!SizeOf(record.paMembers[i].chain, &bytes, &alignment))
             return false;
+        // Members have no offsets in the file: where they lie follows from sizes and alignments.
         const int64_t start = isUnion ? 0 : TMF_PlaceMember(end, alignment);
         end = start + bytes;
         if (end > INT32_MAX)
@@ -184,6 +190,7 @@ int TMF_GetArrayInfo(const uint32_t *chain, uint32_t *count, uint32_t *stride)
 {
     int64_t bytes = 0;
     int32_t alignment = 1;
+    // The stride needs no padding: a structure's size is a multiple of its alignment.
     if ((chain[0] & (TMF_INVALID | TMF_DERIVATION)) != TMF_ARRAY ||
         !SizeOf(chain + 1, &bytes, &alignment) || bytes > INT32_MAX)
         return -1;
@@ -204,6 +211,7 @@ int TMF_GetIndexor(const char **cursor, uint32_t *index)
     if (xscan("* /]", &end) < 0)
         return -1;
     const unsigned long value = std::strtoul(digits, nullptr, isHex ? 16 : 10);
+    // Saturates: an index of many digits must not come round to a good one.
     *index = value > UINT32_MAX ? UINT32_MAX : static_cast<uint32_t>(value);
     *cursor = end;
     return 0;
@@ -224,6 +232,7 @@ int TMF_GetEfType(const char *expression, uint32_t *chain, uint32_t *offset)
         if (!SelectMember(&cursor, &place) && !SelectElement(&cursor, &place))
             return -1;
     *offset = place.offset;
+    // Behind the end zeros: callers walk the chain up to the first of them.
     if (chain != nullptr) {
         std::memset(chain, 0, TMF_CHAIN_SIZE * sizeof *chain);
         for (int i = 0; i < TMF_CHAIN_SIZE && place.chain[i] != 0; ++i)
@@ -234,6 +243,8 @@ int TMF_GetEfType(const char *expression, uint32_t *chain, uint32_t *offset)
 
 int TMF_GetEfTypeFor(int processor, const char *expression, uint32_t *chain, uint32_t *offset)
 {
+    // Sizes of pointers and alignments are those of the processor that is asked about, which may be
+    // the one behind the station.
     const int32_t selected = Procesor;
     Procesor = processor;
     const int result = TMF_GetEfType(expression, chain, offset);

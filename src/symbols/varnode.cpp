@@ -57,6 +57,7 @@ void SetMark(const VarNode *table, int count)
     mark->last = count > 0 ? table[count - 1].name : nullptr;
 }
 
+// Cheap enough to be asked at every look-up, and wrong only for a table changed in its middle.
 bool IsMarkedSorted(const VarNode *table, int count)
 {
     const SortedMark *mark = MarkOf(table);
@@ -64,6 +65,7 @@ bool IsMarkedSorted(const VarNode *table, int count)
            mark->last == table[count - 1].name;
 }
 
+// "?" belongs to names of static variables.
 bool IsNameChar(char c)
 {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
@@ -121,6 +123,7 @@ void BuildAddressIndex(AddressIndex *index, const VarNode *table, int count)
 // The first node at or after the address, or null.
 const VarNode *NodeAtOrAfter(AddressIndex *index, const VarNode *table, int count, uint32_t address)
 {
+    // Built at the first question: loading a map does not wait for it.
     if (index->count != count)
         BuildAddressIndex(index, table, count);
     auto found =
@@ -138,6 +141,7 @@ const VarNode *NodeAtOrBelow(AddressIndex *index, const VarNode *table, int coun
                          [table](uint32_t wanted, int node) { return wanted < table[node].addr; });
     if (behind == index->order.begin())
         return nullptr;
+    // Of several names for one address the same as NodeAtOrAfter gives.
     return NodeAtOrAfter(index, table, count, table[*(behind - 1)].addr);
 }
 
@@ -154,6 +158,7 @@ void ForgetAddressIndex(const VarNode *table)
 int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused)
 {
     size_t length = 0;
+    // One more than allowed, to tell a name that is too long from one that just fits.
     while (length <= NODE_NAME_MAX && IsNameChar(text[length]))
         ++length;
     if (length == 0 || length > NODE_NAME_MAX)
@@ -256,6 +261,7 @@ void VRN_RemoveDuplicates(VarNode *table, int *count)
     for (int i = 0; i < *count; ++i) {
         const bool same = kept > 0 && table[kept - 1].addr == table[i].addr &&
                           std::strcmp(table[kept - 1].name, table[i].name) == 0;
+        // The last of equals stays.
         if (same)
             std::free(table[--kept].name);
         table[kept++] = table[i];
@@ -267,6 +273,7 @@ void VRN_RemoveDuplicates(VarNode *table, int *count)
     ForgetAddressIndex(table);
 }
 
+// The mailbox of a TMS320 counts words where maps of this program count bytes.
 void VRN_BytesToWords(VarNode *table, int count)
 {
     for (int i = 0; i < count; ++i)

@@ -1,3 +1,5 @@
+// Compressed types of a target's flash back into the text of a type map. A line of declarations
+// belongs to the line of the variable map with the same number.
 #include "symbols/zip_types.h"
 
 #include "symbols/typemap.h"
@@ -10,6 +12,7 @@
 
 namespace {
 
+// At most six digits of six bits each; 24 bits are checked where they are used.
 constexpr const char *DIGITS = "*@6#A-Za-z0-9+//.";
 constexpr unsigned char CODE_FLAG = 0x80;
 constexpr unsigned HIGH_BITS_SHIFT = 24;
@@ -20,6 +23,7 @@ bool IsCodeByte(char c)
     return (static_cast<unsigned char>(c) & CODE_FLAG) != 0;
 }
 
+// Bytes with the high bit are codes, all others belong to the name.
 const char *SkipName(const char *source)
 {
     while (*source != '\0' && !IsCodeByte(*source))
@@ -94,6 +98,7 @@ int DecodeZipDecl(std::string *destination, const char *source)
     if (*source == '\0')
         return -1;
     while (*source != '\0') {
+        // The code byte holds the derivation, the digits behind it the value below.
         const uint32_t high = static_cast<unsigned char>(*source) & ~CODE_FLAG & 0xFFu;
         uint32_t low = 0;
         if (!IsCodeByte(*source++) || Base64ToUint32(&source, &low) != 0 || low > LOW_BITS)
@@ -117,6 +122,7 @@ int DecodeZipVar(std::string *destination, const char *source)
 int DecodeZipVars(int output, int declarations, int variableMap)
 {
     const int count = TXFRW_GetCnLines(declarations);
+    // More declarations than variables: the two files are not of one build.
     if (count < 0 || count > TXFRW_GetCnLines(variableMap))
         return -1;
     int variables = 0;
@@ -156,6 +162,7 @@ int UnzipTMF(int output, int structures, int declarations, int variableMap)
     if (variables < 0)
         return -1;
     const std::string varsHeader = "## " + std::to_string(variables) + " VARS";
+    // The counts stand in front of what they count and are known only afterwards.
     if (TXFRW_InsertLine(output, 0, varsHeader.c_str()) != 0)
         return -1;
     const int behindVars = TXFRW_GetCnLines(output);

@@ -15,6 +15,7 @@
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/toggle_switch.h"
 #include "settings/settings.h"
+#include "support/text_checks.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"
 
@@ -130,55 +131,6 @@ TEST_F(ProgramTest, TheWindowNeverWaitsForTheProgram)
     GuiWindow(PANEL_MAIN)->resize(780, 491);
 }
 
-// The same with a target: one that never answers, and one that does late.
-TEST_F(ProgramTest, AnAbsentOrLateTargetHoldsNothingUpInTheWindow)
-{
-    SIM_Options late, silent;
-    late.delayMs = 350;
-    silent.stations = 0;
-    const struct {
-        const char *name;
-        SIM_Options options;
-    } targets[] = {{"silent", silent}, {"late", late}};
-    for (const auto &kind : targets) {
-        unplug();
-        plug(kind.options);
-        ASSERT_TRUE(target) << kind.name;
-        clickCommunication();
-        // Until the program waits for the target inside a callback.
-        VIEW_Busy busy;
-        ASSERT_TRUE(QTest::qWaitFor(
-            [&] {
-                VIEW_GetBusy(&busy);
-                return busy.isBusy;
-            },
-            PATIENCE_MS))
-            << kind.name;
-        const int wanted = list->lines()->rowCount() - 1;
-        list->select({0}, 0);
-        list->setFocus();
-        for (int i = 0; i < wanted; i++) {
-            QTest::keyClick(list, Qt::Key_Down);
-            EXPECT_EQ(list->currentRow(), qMin(i + 1, wanted)) << kind.name << ": drawn at once";
-        }
-        // What only the program can answer waits for the callback that runs, and for nothing
-        // but the events before it.
-        VIEW_Counters before;
-        VIEW_GetCounters(&before);
-        std::atomic<uint64_t> begun{0};
-        startOnProgram([&begun] {
-            VIEW_Counters now;
-            VIEW_GetCounters(&now);
-            begun = now.callbacks;
-        });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return begun != 0; }, PATIENCE_MS)) << kind.name;
-        EXPECT_LE(begun - before.callbacks, 2 + before.posted - before.handled) << kind.name;
-        clickCommunication();
-        EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS)) << kind.name;
-        ASSERT_TRUE(settle());
-    }
-}
-
 // F1 is answered inside the program; the reader finds chapters and words.
 TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
 {
@@ -213,6 +165,45 @@ TEST_F(ProgramTest, HelpOpensInsideTheProgramAndIsSearched)
     ASSERT_EQ(layouts.size(), 1u);
     layouts[0].numbers.resize(4);
     EXPECT_EQ(layouts[0].numbers, (std::vector<int>{30, 40, 700, 400}));
+}
+
+// Pages that the first one lists: links between them, back and forward, a search through all.
+TEST_F(ProgramTest, HelpIsABookOfPages)
+{
+    QDir().mkpath("more");
+    WriteFileText("book.md", "# Book\n\n- [Start](start.md)\n\n## Rest\n\n- [Far](more/far.md)\n");
+    WriteFileText("start.md", "# Start\n\n[there](more/far.md#the-end-2) and [out](../x.md), "
+                              "[net](http://localhost/)\n");
+    std::string far = "# Far\n\n";
+    for (int i = 0; i < 200; i++)
+        far += "line\n\n";
+    WriteFileText("more/far.md", far + "## The end, 2\n\n`zebra` *crossing*\n");
+    onProgram([] { ShowHelpText("book.md"); });
+    auto *help = GuiWindow(PANEL_MAIN)->findChild<QWidget *>("help");
+    auto *contents = help->findChild<QListWidget *>("contents");
+    auto *text = help->findChild<QTextBrowser *>("text");
+    auto *search = help->findChild<QLineEdit *>("search");
+    ASSERT_EQ(contents->count(), 4) << "contents, two pages, the heading over one";
+    contents->setCurrentRow(1);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    for (const char *nowhere : {"../x.md", "http://localhost/more/far.md", "/etc/passwd"}) {
+        emit text->anchorClicked(QUrl(nowhere));
+        EXPECT_TRUE(text->toPlainText().startsWith("Start")) << nowhere;
+    }
+    emit text->anchorClicked(QUrl("more/far.md#the-end-2"));
+    EXPECT_EQ(text->textCursor().block().text(), "The end, 2");
+    EXPECT_GT(text->verticalScrollBar()->value(), 100);
+    EXPECT_EQ(contents->count(), 5) << "with the heading of the open page";
+    QTest::mouseClick(help->findChild<QWidget *>("back"), Qt::LeftButton);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    QTest::keyClicks(search, "zebra crossing");
+    EXPECT_EQ(text->textCursor().selectedText(), "zebra crossing");
+    QTest::mouseClick(help->findChild<QWidget *>("back"), Qt::LeftButton);
+    EXPECT_TRUE(text->toPlainText().startsWith("Start")) << "one step, not one a page looked at";
+    QTest::keyClicks(search, "s");
+    EXPECT_FALSE(text->textCursor().hasSelection());
+    EXPECT_TRUE(text->toPlainText().startsWith("Start"));
+    help->close();
 }
 
 TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
@@ -270,14 +261,14 @@ TEST_F(ProgramTest, AsksBeforeItEnds)
     EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
     GuiShow(PANEL_MAIN);
     const std::string removed = "\nwRamp, ";
-    EXPECT_NE(ReadFileText("demo.dbg").find(removed), std::string::npos);
+    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), removed));
     QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
     dialog = GuiDialog();
     ASSERT_TRUE(dialog);
     GuiClickButton(dialog, "Yes");
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return ReadFileText("demo.dbg").find(removed) == std::string::npos; }, PATIENCE_MS));
-    EXPECT_NE(ReadFileText("demo.dbg").find("; "), std::string::npos) << "comments are the user's";
+    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), "; ")) << "comments are the user's";
 }
 
 } // namespace

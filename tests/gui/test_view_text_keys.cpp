@@ -1,5 +1,6 @@
 // Text boxes, completion, keys on their way to the widgets, and the menu bar.
 #include <QAction>
+#include <QComboBox>
 #include <QCompleter>
 #include <QDir>
 #include <QLineEdit>
@@ -106,6 +107,29 @@ TEST_F(ViewTest, CompletionsComeWhenTheyComeAndOnlyIfTheyStillFit)
         << "Enter took the completion only";
     GuiDraw(PANEL_ITEM, WITEM_NAME, VIEW_CTRL_COMPLETION,
             [](VIEW_Control &c) { c.hasCompletion = false; });
+}
+
+TEST_F(ViewTest, EnterInAnOpenRingClosesTheRingOnly)
+{
+    GuiShow(PANEL_ITEM);
+    GuiDrawList(PANEL_ITEM, WITEM_TYPE, VIEW_LIST_LINES | VIEW_LIST_SELECTION, [](VIEW_List &list) {
+        list.count = 2;
+        list.changed = {{0, {1, "u", 'u', "", {}}}, {1, {2, "x", 'x', "", {}}}};
+        list.current = 0;
+    });
+    auto *type = GuiWidget<QComboBox>(PANEL_ITEM, WITEM_TYPE);
+    type->setFocus();
+    type->showPopup();
+    GuiSettle();
+    guiEvents.clear();
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    GuiSettle();
+    EXPECT_EQ(type->currentText(), "x");
+    EXPECT_TRUE(GuiEventsOf(PANEL_ITEM, WITEM_TYPE, EVENT_KEYPRESS).empty())
+        << "the window has no Enter";
+    QTest::keyClick(type, Qt::Key_Return);
+    EXPECT_EQ(GuiEventsOf(PANEL_ITEM, WITEM_TYPE, EVENT_KEYPRESS).size(), 1u);
 }
 
 TEST_F(ViewTest, TranslatesKeys)

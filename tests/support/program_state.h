@@ -6,7 +6,12 @@
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "runtime/headless/headless.h"
+#include "settings/settings.h"
+#include "support/scratch.h"
 #include "support/sim_fixture.h"
+#include "support/text_checks.h"
+#include "support/ui_reading.h"
 
 constexpr uint32_t PATIENT_MS = 5000; // never reached by a target that answers
 constexpr uint32_t HASTY_MS = 30;     // for targets that do not

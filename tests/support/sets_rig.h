@@ -37,11 +37,6 @@ protected:
                                "'byFirst' _@0xC2\n'w' _@0x142\n");
         ASSERT_EQ(TMF_LoadMap("t.tmf"), 0);
     }
-    void TearDown() override
-    {
-        TMF_CleanTables();
-        ConsoleRig::TearDown();
-    }
     // What the header is refused for; "" when it is good.
     std::string Header(const std::string &text)
     {

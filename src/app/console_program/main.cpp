@@ -104,20 +104,14 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
 {
     if (options.traceFile.empty())
         return Run(options, argc, argv);
-    std::FILE *file = std::fopen(options.traceFile.c_str(), "wb");
-    if (!file) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.traceFile.c_str());
-        return 1;
-    }
+    std::FILE *file = PLT_OpenFile(options.traceFile, "wb");
+    if (!file)
+        return CPG_FailOpen(options.traceFile);
     TRC_SetSink(WriteTrace, file);
     int code = Run(options, argc, argv);
     TRC_SetSink(nullptr, nullptr);
     const bool isBad = std::ferror(file) != 0;
-    if (std::fclose(file) != 0 || isBad) {
-        std::fprintf(stderr, "Error writing file '%s'.\n", options.traceFile.c_str());
-        code = 1;
-    }
-    return code;
+    return std::fclose(file) != 0 || isBad ? CPG_FailWrite(options.traceFile) : code;
 }
 
 int MakeArchive(const CPG_Options &options)
@@ -167,6 +161,7 @@ int CheckOutput(int code)
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
+    PLT_GetArguments(&argc, &argv);
     CPG_Options options;
     std::string message;
     if (CPG_ParseOptions(&argc, argv, &options, &message) < 0) {

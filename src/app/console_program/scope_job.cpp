@@ -50,7 +50,7 @@ bool WaitForTrigger(double seconds)
         const bool isOver = PLT_TickMs() - start >= seconds * 1000;
         if (state == SCP_UNKNOWN || isOver || IsBreakWished()) {
             ShowStatus(state == SCP_UNKNOWN ? "Error (run)."
-                       : isOver             ? "No trigger (try snap)."
+                       : isOver             ? SCP_NO_TRIGGER
                                             : "Interrupted.");
             return false;
         }
@@ -70,13 +70,12 @@ int Record(SCP_Setup *setup)
         return FailStep();
     const SCP_Capture capture = SCP_MakeCapture(SCP_GetRunSetup());
     if (capture.traces.empty()) {
-        ShowStatus("No channel is on.");
+        ShowStatus(SCP_NO_CHANNEL);
         return 1;
     }
     if (SCP_SaveCapture(options.csvFile, capture) == 0)
         return 0;
-    std::fprintf(stderr, "Error writing file '%s'.\n", options.csvFile.c_str());
-    return 1;
+    return CPG_FailWrite(options.csvFile);
 }
 
 } // namespace
@@ -90,10 +89,8 @@ int CPG_RunScope()
 {
     SCP_Setup setup;
     std::vector<std::string> problems;
-    if (SCP_LoadSetup(options.scopeFile, &setup, &problems) != 0) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.scopeFile.c_str());
-        return 1;
-    }
+    if (SCP_LoadSetup(options.scopeFile, &setup, &problems) != 0)
+        return CPG_FailOpen(options.scopeFile);
     for (const std::string &problem : problems)
         std::fprintf(stderr, "%s: %s\n", options.scopeFile.c_str(), problem.c_str());
     if (!problems.empty())

@@ -1,5 +1,6 @@
 // --serve: requests and answers as JSON, one a line, for programs that drive this one. One
-// client, one request at a time, in order. docs/formats.md describes them for the client.
+// client, one request at a time, in order. docs/manual/reference/formats.md describes them for the
+// client.
 #include <algorithm>
 #include <cstdio>
 #include <vector>

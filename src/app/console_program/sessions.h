@@ -13,6 +13,10 @@ void CPG_SetRecordOptions(const CPG_Options &options);  // called by it
 // it says.
 bool CPG_LoadWatchList();
 void CPG_SetCompareOptions(const CPG_Options &options); // called by it
+// On standard error: a file of an option that cannot be opened, or not written whole. Both 1,
+// the exit code.
+int CPG_FailOpen(const std::string &path);
+int CPG_FailWrite(const std::string &path);
 // Says on standard error what the window's message area would show: the port is gone, it
 // is back, why communication was switched off. Each message once.
 void CPG_RepeatMessage();

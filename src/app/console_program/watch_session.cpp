@@ -91,7 +91,7 @@ void CPG_SetOptions(const CPG_Options &newOptions)
 bool CPG_LoadWatchList()
 {
     if (dat2litems(options.watchFile.c_str()) < 0) {
-        std::fprintf(stderr, "Cannot open file '%s'.\n", options.watchFile.c_str());
+        CPG_FailOpen(options.watchFile);
         return false;
     }
     if (nLItems == 0) {
@@ -102,6 +102,18 @@ bool CPG_LoadWatchList()
     VR_FillDebugItems();
     SetMainPanelAttributes();
     return true;
+}
+
+int CPG_FailOpen(const std::string &path)
+{
+    std::fprintf(stderr, "Cannot open file '%s'.\n", path.c_str());
+    return 1;
+}
+
+int CPG_FailWrite(const std::string &path)
+{
+    std::fprintf(stderr, "Error writing file '%s'.\n", path.c_str());
+    return 1;
 }
 
 void CPG_RepeatMessage()

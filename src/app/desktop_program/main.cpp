@@ -44,6 +44,7 @@ int RunDesktop(int argc, char **argv)
 int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
+    PLT_GetArguments(&argc, &argv);
     for (int i = 1; i < argc; i++) {
         if (std::strcmp(argv[i], "--help") == 0)
             return std::fputs(USAGE, stdout) < 0 ? 1 : 0;

@@ -41,9 +41,10 @@ void AddScripts(const std::string &start, std::vector<std::string> *candidates)
     const size_t cut = start.find_last_of("/\\");
     const std::string folder = cut == std::string::npos ? "" : start.substr(0, cut + 1);
     std::error_code error;
-    std::filesystem::directory_iterator entry(folder.empty() ? "." : folder, error);
+    std::filesystem::directory_iterator entry(
+        std::filesystem::u8path(folder.empty() ? "." : folder), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::string name = folder + entry->path().filename().string();
+        const std::string name = folder + entry->path().filename().u8string();
         if (entry->path().extension() == ".scr" && StartsWith(name, start))
             candidates->push_back(name);
     }

@@ -32,7 +32,6 @@ constexpr uint32_t WORDS_STRETCH = 64; // with one proof behind them
 constexpr size_t COMPLETE_RULE = 67;
 constexpr size_t WORDS_RULE = 74;
 constexpr size_t NODE_RULE = 40;
-constexpr char NO_ANSWER[] = "\nMessage not succesful.";
 
 std::string FormatByte(uint8_t byte)
 {
@@ -114,7 +113,7 @@ int dump(int, uint32_t address)
             line += CON_Format(" %02X", bytes[i]);
         PrintMonStr(line);
     }
-    return series.result < 0 ? MEM_FailLink(NO_ANSWER, series.cause) : 0;
+    return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;
 }
 
 int dump_compl(int, uint32_t address)
@@ -137,7 +136,7 @@ int dump_compl(int, uint32_t address)
     if (series.result >= 0)
         return 0;
     CON_Print(" %06x: |", address + series.good);
-    return MEM_FailLink(NO_ANSWER, series.cause);
+    return MEM_FailLink(MEM_NO_ANSWER, series.cause);
 }
 
 int dump_Naddr(int, uint32_t address, uint32_t count)
@@ -170,13 +169,18 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
     return 0;
 }
 
+int MEM_FailAt(uint32_t address, const std::string &cause)
+{
+    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", address), cause);
+}
+
 int MEM_FailTms(int result, const std::string &cause)
 {
     if (result == TMS_OK) // all was answered: it is the proof that failed
         result = TMS_ERR_PROOF;
     if (result == TMS_ERR_BUSY) // says its cause
         return MEM_Fail("\nHardware not responding.");
-    return MEM_FailLink(NO_ANSWER, TMS_ErrorText(result, cause));
+    return MEM_FailLink(MEM_NO_ANSWER, TMS_ErrorText(result, cause));
 }
 
 int dump_node(int, const std::string &name)
@@ -202,5 +206,5 @@ int dump_node(int, const std::string &name)
                        [&](uint32_t i) { return UCM_Read(station, address + i, 1, &bytes[i]); });
     for (uint32_t i = 0; i < series.good; i++)
         CON_Print("\n %06x: |%s\n", address + i, FormatByte(bytes[i]).c_str());
-    return series.result < 0 ? MEM_FailLink(NO_ANSWER, series.cause) : 0;
+    return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;
 }

@@ -17,6 +17,9 @@ int MEM_Fail(const std::string &message);
 // What the line refused: the cause follows on a line of its own. After Ctrl-C or Cancel only
 // that is said.
 int MEM_FailLink(const std::string &message, const std::string &cause);
+// The same for one message that failed at a byte or word address.
+int MEM_FailAt(uint32_t address, const std::string &cause);
+constexpr char MEM_NO_ANSWER[] = "\nMessage not succesful."; // begins a new line
 // The same for a TMS_ result of the mailbox, TMS_OK meaning that only its proof failed.
 int MEM_FailTms(int result, const std::string &cause);
 // Whether `count` units from the address on, `unitAddresses` each, lie in the target's

@@ -127,8 +127,7 @@ int EnterLine(int panel, int control)
     if (isRunning || GetCtrlVal(panel, control, &line) < 0)
         return 0;
     if (line.size() > LINE_CHARS_MAX) {
-        CON_Print("The line is longer than %d characters and was not run.",
-                  static_cast<int>(LINE_CHARS_MAX));
+        CON_RefuseLongLine();
         CON_nFailed++;
         return 0;
     }

@@ -34,7 +34,6 @@ constexpr uint32_t ITEMS_MAX = 0x40000;       // of a file: more would take days
 constexpr uint32_t ITEMS_STRETCH = 64;        // with one proof behind them
 constexpr uint32_t ITEMS_BLOCK = 16;          // that the meter counts
 constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
-constexpr char BAD_TRANSFER[] = "\nMessage not succesful.";
 
 // --- reading the target: one item, 0 or negative -----------------------------------------------
 
@@ -145,7 +144,7 @@ int StoreFile(const MemoryFileRequest &request, const Source &source)
         SAF_Cancel(&file);
         return report.result == TRANSFER_CANCELLED
                    ? MEM_Fail("\nCancelled.")
-                   : MEM_FailLink("Message not succesful.", source.cause(report));
+                   : MEM_FailLink(MEM_NO_ANSWER + 1, source.cause(report));
     }
     if (SAF_Commit(&file) < 0) {
         MEM_Fail(CON_Format("Could not write %s", request.fileName.c_str()));
@@ -240,10 +239,8 @@ int LoadItems(uint32_t address, const Sink &sink, bool isFloat, const std::vecto
     if (report.result == TRANSFER_CANCELLED)
         return MEM_Fail("\nCancelled.");
     if (report.moved == steps.count) // each was acknowledged, but by answers that may be others'
-        return MEM_FailLink(BAD_TRANSFER, sink.cause(report));
-    return MEM_FailLink(
-        CON_Format("Message not succesful (Address %06x).", address + report.moved * step),
-        sink.cause(report));
+        return MEM_FailLink(MEM_NO_ANSWER, sink.cause(report));
+    return MEM_FailAt(address + report.moved * step, sink.cause(report));
 }
 
 int LoadFile(const MemoryFileRequest &request, const Sink &sink)

@@ -81,6 +81,12 @@ void CON_ShowModePrompt()
     CON_SetPrompt(command == CMD_TMS ? "S166\\TMS >" : "S166 >");
 }
 
+void CON_RefuseLongLine()
+{
+    CON_Print("The line is longer than %d characters and was not run.",
+              static_cast<int>(LINE_CHARS_MAX));
+}
+
 std::string CON_GetText()
 {
     int count = 0;

@@ -11,6 +11,7 @@ void CON_ScrollToEnd();
 void CON_SetPrompt(const std::string &prompt); // in front of the input field
 void CON_ShowModePrompt();                     // the prompt of the current mode 0 or 1
 
+void CON_RefuseLongLine();                 // says that a line above LINE_CHARS_MAX was not run
 std::string CON_GetText();                 // all lines, separated by "\n"
 int CON_SaveText(const std::string &path); // 0, or -1: the file that was there is untouched
 

@@ -107,8 +107,7 @@ int SendC166Value(uint32_t value, const Kind &kind)
     BYT_PutLittle(bytes, sizeof bytes, value);
     if (UCM_WriteProven(STATION, dwAddr, kind.bytes, bytes) == 0)
         return 0;
-    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", dwAddr),
-                        UCM_LastErrorText());
+    return MEM_FailAt(dwAddr, UCM_LastErrorText());
 }
 
 // The link is open for one value only: a user may take his time between two.
@@ -176,8 +175,7 @@ int write_addrTMS(int, uint32_t address, uint32_t value)
         return 0;
     if (result != TMS_ERR_SEND)
         return MEM_FailTms(result, UCM_LastErrorText());
-    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", failedAt),
-                        TMS_ErrorText(result));
+    return MEM_FailAt(failedAt, TMS_ErrorText(result));
 }
 
 // Whatever ends this entry leads to the C166 monitor, not back to the TMS monitor.

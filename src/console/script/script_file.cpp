@@ -91,8 +91,7 @@ int RunLine(const Script &script, int panel)
 {
     if (!script.isTooLong)
         return RunMonitor(panel, script.line.c_str());
-    CON_Print("The line is longer than %d characters and was not run.",
-              static_cast<int>(LINE_CHARS_MAX));
+    CON_RefuseLongLine();
     return -1;
 }
 

@@ -1,28 +1,43 @@
-// The help window: a Markdown file with its contents beside it and a search above. It is the
-// view's own: the program only says which file.
+// The help window: the pages of the manual with their contents beside them and a search above
+// that goes through all of them. It is the view's own: the program only says which file is first.
 #include "runtime/qt/qt_view.h"
 
-#include <QFile>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QSplitter>
+#include <QStyle>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QTextTable>
+#include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
+#include "runtime/qt/help_book.h"
 #include "runtime/qt/panel_window.h"
 
 namespace {
 
-constexpr int WIDTH = 820, HEIGHT = 560, CONTENTS_WIDTH = 190; // pixels
+constexpr int WIDTH = 980, HEIGHT = 640, CONTENTS_WIDTH = 250; // pixels
 constexpr int CONTENTS_DEPTH = 2;                              // levels of headings
 constexpr int HEADING_SPACE = 12, PARAGRAPH_SPACE = 6;         // pixels
+constexpr int CELL_SPACE = 4, PICTURE_MARGIN = 30;             // pixels
+constexpr int PLACES_MAX = 100;                                // to go back to
 const char LAYOUT[] = "help";                                  // left, top, size, its two parts
-constexpr qint64 FILE_SIZE_MAX = 1 << 20;                      // bytes
+enum { ROLE_PAGE = Qt::UserRole, ROLE_POSITION };              // of a line of the contents
+
+struct Place {
+    int page = 0;
+    int scroll = 0; // pixels
+};
 
 class HelpWindow : public QWidget {
 public:
@@ -33,7 +48,7 @@ public:
         m_contents->setObjectName("contents");
         m_contents->setAccessibleName("Contents");
         m_search->setObjectName("search");
-        m_search->setPlaceholderText("Search (Enter: next)");
+        m_search->setPlaceholderText("Search all pages (Enter: next)");
         m_search->setClearButtonEnabled(true);
         m_found->setTextFormat(Qt::PlainText);
         m_text->setObjectName("text");
@@ -49,11 +64,15 @@ public:
             m_split->setSizes({CONTENTS_WIDTH, WIDTH - CONTENTS_WIDTH});
         }
         connect(m_split, &QSplitter::splitterMoved, this, &HelpWindow::keepPlace);
+        connect(m_split, &QSplitter::splitterMoved, this, &HelpWindow::fitPictures);
         connect(m_search, &QLineEdit::textEdited, this, [this] { find(false); });
         connect(m_search, &QLineEdit::returnPressed, this, [this] { find(true); });
         connect(m_contents, &QListWidget::currentRowChanged, this, &HelpWindow::turnTo);
         connect(m_contents, &QListWidget::itemClicked, this,
                 [this] { turnTo(m_contents->currentRow()); });
+        connect(m_text, &QTextBrowser::anchorClicked, this, &HelpWindow::follow);
+        connect(m_back, &QToolButton::clicked, this, [this] { step(&m_before, &m_behind); });
+        connect(m_forward, &QToolButton::clicked, this, [this] { step(&m_behind, &m_before); });
         connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, this, [this] {
             m_search->setFocus();
             m_search->selectAll();
@@ -62,15 +81,14 @@ public:
 
     void show(const QString &path)
     {
-        QFile file(path);
-        const bool isRead = file.open(QIODevice::ReadOnly);
-        const QString text = isRead ? QString::fromUtf8(file.read(FILE_SIZE_MAX))
-                                    : "The help text cannot be read: " + path;
-        if (text != m_shown) { // else the reader stays where he was
-            m_shown = text;
-            m_text->setMarkdown(text);
-            spaceParagraphs();
-            listHeadings();
+        const QString first = QFileInfo(path).absoluteFilePath();
+        // The reader stays where he was, unless it is another book or its file has changed.
+        if (m_book.isEmpty() || m_book[0].path != first || QTV_ReadHelpPage(first) != m_first) {
+            m_first = QTV_ReadHelpPage(first);
+            m_book = QTV_ReadHelpBook(first);
+            m_before.clear();
+            m_behind.clear();
+            open(0);
         }
         if (!isVisible())
             PanelWindow::fit(this, m_hasPlace);
@@ -98,6 +116,7 @@ protected:
     {
         QWidget::resizeEvent(event);
         keepPlace();
+        QTimer::singleShot(0, this, &HelpWindow::fitPictures); // when the page has its new width
     }
 
 private:
@@ -111,9 +130,20 @@ private:
 
     void arrange()
     {
+        m_back->setObjectName("back");
+        m_back->setIcon(style()->standardIcon(QStyle::SP_ArrowBack));
+        m_back->setToolTip("Back (Alt+Left)");
+        m_back->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Left));
+        m_forward->setObjectName("forward");
+        m_forward->setIcon(style()->standardIcon(QStyle::SP_ArrowForward));
+        m_forward->setToolTip("Forward (Alt+Right)");
+        m_forward->setShortcut(QKeySequence(Qt::ALT | Qt::Key_Right));
         auto *top = new QHBoxLayout;
+        top->addWidget(m_back);
+        top->addWidget(m_forward);
         top->addWidget(m_search, 1);
         top->addWidget(m_found);
+        m_contents->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
         m_split->addWidget(m_contents);
         m_split->addWidget(m_text);
         m_split->setStretchFactor(1, 1);
@@ -122,64 +152,210 @@ private:
         rows->addWidget(m_split, 1);
     }
 
-    // The reader of Markdown sets paragraphs without air between them.
+    // Shows a page from its top. What it refers to stands beside it.
+    void open(int page)
+    {
+        const QString path = m_book[page].path;
+        m_page = page;
+        m_text->setSearchPaths({QFileInfo(path).absolutePath()});
+        m_text->setMarkdown(QTV_ReadHelpPage(path));
+        spaceParagraphs();
+        fitPictures();
+        listContents();
+        enableSteps();
+    }
+
+    // The same as a step that Back undoes.
+    void openNext(int page)
+    {
+        m_before.append({m_page, m_text->verticalScrollBar()->value()});
+        if (m_before.size() > PLACES_MAX)
+            m_before.removeFirst();
+        m_behind.clear();
+        open(page);
+    }
+
+    void step(QVector<Place> *from, QVector<Place> *to)
+    {
+        if (from->isEmpty())
+            return;
+        to->append({m_page, m_text->verticalScrollBar()->value()});
+        const Place place = from->takeLast();
+        open(place.page);
+        m_text->verticalScrollBar()->setValue(place.scroll);
+    }
+
+    void enableSteps()
+    {
+        m_back->setEnabled(!m_before.isEmpty());
+        m_forward->setEnabled(!m_behind.isEmpty());
+    }
+
+    // "page.md#heading", either part alone too. Nothing but pages of the book is opened.
+    void follow(const QUrl &link)
+    {
+        int page = m_page;
+        if (!link.path().isEmpty()) {
+            const QDir folder = QFileInfo(m_book[m_page].path).absoluteDir();
+            const QString path = QDir::cleanPath(folder.absoluteFilePath(link.path()));
+            page = -1;
+            for (int i = 0; i < m_book.size(); i++)
+                page = m_book[i].path == path ? i : page;
+        }
+        if (!link.scheme().isEmpty() || page < 0)
+            return;
+        openNext(page);
+        for (QTextBlock block = m_text->document()->begin(); block.isValid(); block = block.next())
+            if (block.blockFormat().headingLevel() > 0 &&
+                QTV_HeadingAnchor(block.text()) == link.fragment())
+                scrollTo(block.position());
+    }
+
+    // The reader of Markdown sets paragraphs without air between them, and tables without lines.
     void spaceParagraphs()
     {
         QTextCursor cursor(m_text->document());
         for (QTextBlock block = m_text->document()->begin(); block.isValid();
              block = block.next()) {
             QTextBlockFormat format = block.blockFormat();
-            if (format.hasProperty(QTextFormat::BlockCodeFence))
-                continue;
-            format.setTopMargin(format.headingLevel() > 0 ? HEADING_SPACE : 0);
-            format.setBottomMargin(PARAGRAPH_SPACE);
             cursor.setPosition(block.position());
+            if (QTextTable *table = cursor.currentTable()) {
+                QTextTableFormat frame = table->format();
+                frame.setCellPadding(CELL_SPACE);
+                frame.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
+                frame.setBorderCollapse(true);
+                frame.setBorder(1);
+                frame.setBorderBrush(palette().mid());
+                frame.setBottomMargin(PARAGRAPH_SPACE);
+                table->setFormat(frame);
+                block = table->lastCursorPosition().block();
+                continue;
+            }
+            const bool isListing = format.nonBreakableLines();
+            if (isListing)
+                format.setBackground(palette().alternateBase());
+            format.setTopMargin(format.headingLevel() > 0 ? HEADING_SPACE : 0);
+            format.setBottomMargin(
+                isListing && block.next().blockFormat().nonBreakableLines() ? 0 : PARAGRAPH_SPACE);
             cursor.setBlockFormat(format);
         }
     }
 
+    // Pictures of whole windows are made no wider than the page.
+    void fitPictures()
+    {
+        const int room = m_text->viewport()->width() - PICTURE_MARGIN;
+        for (QTextBlock block = m_text->document()->begin(); block.isValid(); block = block.next())
+            for (auto part = block.begin(); !part.atEnd(); ++part) {
+                QTextImageFormat picture = part.fragment().charFormat().toImageFormat();
+                if (!picture.isValid())
+                    continue;
+                const QVariant found =
+                    m_text->loadResource(QTextDocument::ImageResource, picture.name());
+                const int width = QImage::fromData(found.toByteArray()).width();
+                picture.setWidth(qMin(width, room));
+                QTextCursor cursor(m_text->document());
+                cursor.setPosition(part.fragment().position());
+                cursor.setPosition(cursor.position() + part.fragment().length(),
+                                   QTextCursor::KeepAnchor);
+                cursor.setCharFormat(picture);
+                break; // the block's parts are not what they were
+            }
+    }
+
+    // The book's pages, and below the one that is open its headings.
+    void listContents()
+    {
+        const QSignalBlocker quiet(m_contents);
+        m_contents->clear();
+        QString section;
+        for (int i = 0; i < m_book.size(); i++) {
+            if (m_book[i].section != section) {
+                section = m_book[i].section;
+                auto *item = addLine(section, -1, 0);
+                QFont font = item->font();
+                font.setBold(true);
+                item->setFont(font);
+                item->setFlags(Qt::NoItemFlags);
+                item->setForeground(palette().text());
+            }
+            if (m_book.size() > 1)
+                addLine((section.isEmpty() ? "" : "   ") + m_book[i].title, i, 0);
+            if (i == m_page)
+                m_contents->setCurrentRow(m_contents->count() - 1);
+            if (i == m_page && (i > 0 || m_book.size() == 1))
+                listHeadings();
+        }
+        m_contents->scrollToItem(m_contents->currentItem());
+    }
+
     void listHeadings()
     {
-        m_contents->clear();
+        const bool isOnly = m_book.size() == 1; // then its title is one of them
         const QTextDocument *document = m_text->document();
         for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
             const int level = block.blockFormat().headingLevel();
-            if (level < 1 || level > CONTENTS_DEPTH)
-                continue;
-            auto *item = new QListWidgetItem(block.text(), m_contents);
-            item->setData(Qt::UserRole, block.position());
+            if (level >= (isOnly ? 1 : 2) && level <= CONTENTS_DEPTH)
+                addLine((isOnly ? "" : "        ") + block.text(), m_page, block.position());
         }
+    }
+
+    QListWidgetItem *addLine(const QString &text, int page, int position)
+    {
+        auto *item = new QListWidgetItem(text, m_contents);
+        item->setData(ROLE_PAGE, page);
+        item->setData(ROLE_POSITION, position);
+        return item;
     }
 
     void turnTo(int row)
     {
         const QListWidgetItem *item = m_contents->item(row);
-        if (!item)
+        if (!item || item->data(ROLE_PAGE).toInt() < 0)
             return;
+        const int page = item->data(ROLE_PAGE).toInt();
+        const int position = item->data(ROLE_POSITION).toInt();
+        if (page != m_page)
+            openNext(page); // the item is gone
+        scrollTo(position);
+    }
+
+    void scrollTo(int position)
+    {
         QTextCursor cursor(m_text->document());
         cursor.movePosition(QTextCursor::End); // so that the heading comes to the top
         m_text->setTextCursor(cursor);
-        cursor.setPosition(item->data(Qt::UserRole).toInt());
+        cursor.setPosition(position);
         m_text->setTextCursor(cursor);
     }
 
-    // From where the last one was found, or behind it; after the end from the beginning.
+    // From where the last one was found, or behind it; then on the pages that follow; after the
+    // last one from the beginning.
     void find(bool isNext)
     {
         const QString wanted = m_search->text();
         QTextCursor cursor = m_text->textCursor();
-        cursor.setPosition(isNext ? cursor.selectionEnd() : cursor.selectionStart());
+        const int start = isNext ? cursor.selectionEnd() : cursor.selectionStart();
+        cursor.setPosition(start);
         m_text->setTextCursor(cursor);
-        if (wanted.isEmpty()) {
-            m_found->clear();
+        m_found->clear();
+        if (wanted.isEmpty() || m_text->find(wanted))
             return;
+        const int origin = m_page;
+        for (int i = 1; i < m_book.size(); i++) {
+            const int page = static_cast<int>((origin + i) % m_book.size());
+            if (!QTV_MayHold(QTV_ReadHelpPage(m_book[page].path), wanted))
+                continue;
+            openNext(page);
+            if (m_text->find(wanted))
+                return;
+            step(&m_before, &m_behind); // the words stood in a link or a mark
+            m_behind.clear();
         }
-        bool isFound = m_text->find(wanted);
-        if (!isFound) {
-            m_text->moveCursor(QTextCursor::Start);
-            isFound = m_text->find(wanted);
-        }
-        m_found->setText(isFound ? "" : "not found");
+        m_text->moveCursor(QTextCursor::Start);
+        if (!m_text->find(wanted))
+            m_found->setText("not found");
+        enableSteps();
     }
 
     QSplitter *m_split = new QSplitter(this);
@@ -187,7 +363,12 @@ private:
     QLineEdit *m_search = new QLineEdit(this);
     QLabel *m_found = new QLabel(this);
     QTextBrowser *m_text = new QTextBrowser(this);
-    QString m_shown;
+    QToolButton *m_back = new QToolButton(this);
+    QToolButton *m_forward = new QToolButton(this);
+    QVector<QTV_HelpPage> m_book;
+    QVector<Place> m_before, m_behind; // to go back and forward to
+    QString m_first;                   // text of the first page
+    int m_page = 0;                    // of the book
     bool m_hasPlace = false;
 };
 

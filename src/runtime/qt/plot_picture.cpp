@@ -1,4 +1,5 @@
 // A graph as a picture: on the clipboard and in files.
+#include "platform/safe_file.h"
 #include "runtime/qt/plot_svg.h"
 #include "runtime/qt/plot_widget.h"
 
@@ -30,7 +31,8 @@ void PlotWidget::savePicture()
     });
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString &path) {
         if (!saveTo(path))
-            QMessageBox::warning(this, "Error", "Could not write the file " + path + ".");
+            QMessageBox::warning(this, "Error",
+                                 QString::fromStdString(SAF_FailureText(path.toStdString())));
     });
     dialog->open();
 }

@@ -185,9 +185,9 @@ const char *EDT_ErrorText(int result)
 {
     switch (result) {
     case EDT_ERR_INDEX:
-        return "There is no such line in the watch list.";
+        return LIT_NO_LINE;
     case EDT_ERR_FULL:
-        return "Too many debug vars.";
+        return LIT_FULL;
     case EDT_ERR_NAME:
         return "A name has 1 to 120 characters, no comma or semicolon, and does not begin with "
                "\"[\".";

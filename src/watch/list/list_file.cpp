@@ -273,7 +273,7 @@ int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &pa
     for (int i = 0; i < nLItems; ++i)
         aLItems[i].comment = LAY_Comment(aLItems[i].fileLine);
     if (file.isFull) {
-        MessagePopup("Error", "Too many debug vars.");
+        MessagePopup("Error", LIT_FULL);
         return 0;
     }
     openLItems = 1;

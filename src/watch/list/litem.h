@@ -13,6 +13,9 @@ constexpr uint32_t LITEM_NO_ADDRESS = 0xFFFFFFFFu;
 constexpr size_t LITEM_FIELD_MAX = 120; // characters of one field of a line
 constexpr int LITEM_LINE_MAX = 511;     // characters; a longer line goes on as the next one
 
+constexpr char LIT_NO_LINE[] = "There is no such line in the watch list.";
+constexpr char LIT_FULL[] = "Too many debug vars.";
+
 // What a read brought, held back until it is proven to be the answer to this very read.
 struct LItemReading {
     uint32_t value = 0, valueHigh = 0;

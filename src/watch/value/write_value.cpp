@@ -141,7 +141,7 @@ int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::s
 int WRV_Write(int index, const std::string &text, std::string *message)
 {
     if (index < 0 || index >= nLItems) {
-        *message = "There is no such line in the watch list.";
+        *message = LIT_NO_LINE;
         return WRV_ERR_INDEX;
     }
     uint64_t bits = 0;

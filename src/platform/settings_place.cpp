@@ -1,0 +1,38 @@
+#include "platform/settings_place.h"
+
+#include "platform/system.h"
+
+namespace {
+
+bool CanWrite(const std::string &folder)
+{
+    const std::string probe =
+        folder + PLT_PathSeparator() + ".vireo2-" + std::to_string(PLT_ProcessId()) + ".tmp";
+    std::FILE *file = nullptr;
+    if (folder.empty() || PLT_CreateExclusive(probe, "wb", &file) != 0)
+        return false;
+    std::fclose(file);
+    std::remove(probe.c_str());
+    return true;
+}
+
+bool IsThere(const std::string &path)
+{
+    PLT_FileStamp stamp;
+    return PLT_GetFileStamp(path, &stamp) == 0;
+}
+
+} // namespace
+
+SPL_Place SPL_FindPlace(const std::string &name)
+{
+    const std::string current = PLT_CurrentDir(); // "" when it was removed under the program
+    const std::string beside = current.empty() ? name : current + PLT_PathSeparator() + name;
+    if (CanWrite(current))
+        return {beside, beside, false};
+    const std::string folder = PLT_ConfigDir();
+    if (folder.empty() || PLT_MakeDirs(folder) != 0 || !CanWrite(folder))
+        return {beside, beside, false};
+    const std::string users = folder + PLT_PathSeparator() + name;
+    return {users, IsThere(users) || !IsThere(beside) ? users : beside, true};
+}
