@@ -465,15 +465,15 @@ TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
     setup.curves.resize(1);
     setup.curves[0].item = SMP_FromWatch(aLItems[1]);
     setup.curves[0].scale = {2, 0};
-    const std::string folder = path("cache");
+    const std::string cacheFolder = path("cache");
     const auto countFiles = [&] {
         std::error_code none;
-        const std::filesystem::directory_iterator files(folder, none);
+        const std::filesystem::directory_iterator files(cacheFolder, none);
         return std::distance(begin(files), end(files));
     };
     GRS_Source source;
     source.samplesMax = 100;
-    source.past.folder = folder;
+    source.past.folder = cacheFolder;
     source.past.partBytes = 2000;
     ASSERT_EQ(GRS_Start(&source, setup), 0);
     const auto sampleUntil = [&](uint64_t rows) {

@@ -1,4 +1,6 @@
 // Windows that look into a target, and the simulated one, as a user meets them.
+#include <QAbstractItemView>
+#include <QCompleter>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSlider>
@@ -9,6 +11,7 @@
 #include "runtime/qt/plot_widget.h"
 #include "settings/settings.h"
 #include "simulator/target.h"
+#include "watch/windows/map_loading.h"
 
 namespace {
 
@@ -17,7 +20,10 @@ protected:
     // A window that the menu's keys open, on an empty watch list line.
     void open(Qt::Key key, int panel)
     {
+        GuiWindow(PANEL_MAIN)->activateWindow(); // whose shortcuts these are
+        ASSERT_TRUE(waitFor([] { return GuiWindow(PANEL_MAIN)->isActiveWindow(); }));
         QTest::keyClick(GuiWindow(PANEL_MAIN), key, Qt::ControlModifier | Qt::ShiftModifier);
+        SCOPED_TRACE(panel);
         ASSERT_TRUE(waitFor([panel] {
             const PanelWindow *window = GuiWindow(panel);
             return window && window->isVisible();
@@ -30,8 +36,8 @@ protected:
         field->selectAll();
         QTest::keyClicks(field, text);
         ASSERT_TRUE(settle());
-        if (QWidget *offered = QApplication::activePopupWidget()) // Escape alone closes the window
-            QTest::keyClick(offered, Qt::Key_Escape);
+        if (field->completer()) // else Enter takes what it offers
+            field->completer()->popup()->hide();
         QTest::keyClick(field, Qt::Key_Enter);
         ASSERT_TRUE(settle());
     }
@@ -53,7 +59,11 @@ protected:
 TEST_F(InspectWindows, TwoArraysEachInItsWindow)
 {
     switchOn();
-    onProgram([] { SetCtrlIndex(PANEL_MAIN, MAIN_LIST, -1); });
+    onProgram([] {
+        std::string message;
+        EXPECT_EQ(MLD_OpenTypes("demo.tmf", &message), 0) << message;
+        SetCtrlIndex(PANEL_MAIN, MAIN_LIST, -1);
+    });
     open(Qt::Key_A, PANEL_ARRAY);
     enter(PANEL_ARRAY, ARRAY_PLACE, "afCurve");
     open(Qt::Key_A, PANEL_ARRAY_MORE);
