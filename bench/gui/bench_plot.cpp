@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <random>
 
+#include "bench.h"
 #include "graphs/source.h"
 #include "runtime/plot_view.h"
 #include "runtime/qt/plot_widget.h"
@@ -47,22 +48,11 @@ std::vector<UI_Plot> MakePlots(int count, size_t samples)
     return plots;
 }
 
-struct Cost {
-    double totalMs = 0, worstMs = 0;
-    int count = 0;
-    void add(double ms)
-    {
-        totalMs += ms;
-        worstMs = std::max(worstMs, ms);
-        count++;
-    }
-};
-
 // The least that can be asked: as many strokes as the curves have columns.
-Cost MeasureFloor(int curves, int strokes)
+BEN_Cost MeasureFloor(int curves, int strokes)
 {
     QImage image(WIDTH, HEIGHT, QImage::Format_RGB32);
-    Cost cost;
+    BEN_Cost cost;
     for (int round = 0; round < ROUNDS; round++) {
         QElapsedTimer timer;
         timer.start();
@@ -77,16 +67,15 @@ Cost MeasureFloor(int curves, int strokes)
             painter.drawLines(lines);
         }
         painter.end();
-        cost.add(PassedMs(timer));
+        cost.Add(PassedMs(timer));
     }
     return cost;
 }
 
-void Print(const char *what, const Cost &cost, const Cost &floor)
+void Print(const char *what, const BEN_Cost &cost, const BEN_Cost &floor)
 {
-    std::printf("%-44s %8.2f ms (worst %.2f), %.1f x the strokes alone\n", what,
-                cost.totalMs / cost.count, cost.worstMs,
-                cost.totalMs / cost.count / (floor.totalMs / floor.count));
+    std::printf("%-44s %8.2f ms (worst %.2f), %.1f x the strokes alone\n", what, cost.MeanMs(),
+                cost.worstMs, cost.MeanMs() / floor.MeanMs());
 }
 
 // From everything down to a thousandth, a bit narrower at each picture.
@@ -96,7 +85,7 @@ void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
     plot->setView(view);
     plot->setPlots(MakePlots(curves, samples));
     plot->replot(QCustomPlot::rpImmediateRefresh);
-    Cost cost;
+    BEN_Cost cost;
     for (int round = 0; round < ROUNDS; round++) {
         view = plot->view();
         view.isXFitted = false;
@@ -105,7 +94,7 @@ void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
         timer.start();
         plot->setView(view);
         plot->replot(QCustomPlot::rpImmediateRefresh);
-        cost.add(PassedMs(timer));
+        cost.Add(PassedMs(timer));
     }
     Print(what, cost, MeasureFloor(curves, WIDTH));
 }
@@ -141,7 +130,7 @@ void MeasureLive(PlotWidget *plot)
         view.isFollowing = true;
         view.x = {-width, 0};
         plot->setView(view);
-        Cost cost;
+        BEN_Cost cost;
         for (int round = 0; round < ROUNDS; round++) {
             for (int row = 0; row < static_cast<int>(LIVE_PERIOD_MS); row++)
                 addRow();
@@ -162,11 +151,10 @@ void MeasureLive(PlotWidget *plot)
             }
             plot->setPlots(plots);
             plot->replot(QCustomPlot::rpImmediateRefresh);
-            cost.add(PassedMs(timer));
+            cost.Add(PassedMs(timer));
         }
         std::printf("16 live curves, %4.0f s in view, 20 a second %8.2f ms, %.0f %% of one core\n",
-                    width, cost.totalMs / cost.count,
-                    100 * cost.totalMs / cost.count / LIVE_PERIOD_MS);
+                    width, cost.MeanMs(), 100 * cost.MeanMs() / LIVE_PERIOD_MS);
     }
     size_t bytes = 0;
     for (const GRH_Index &index : source.indexes)

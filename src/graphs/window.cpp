@@ -9,14 +9,13 @@
 #include "runtime/userint.h"
 #include "scope/measure.h"
 #include "settings/settings.h"
+#include "text/numbers.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/litem.h"
 #include "watch/list/selection.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 
 namespace {
 
@@ -355,13 +354,6 @@ void BeginRecording()
 
 // --- the table ----------------------------------------------------------------------------------
 
-bool ParseDouble(const std::string &text, double *value)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *value);
-    return !text.empty() && result.ec == std::errc() && result.ptr == end && std::isfinite(*value);
-}
-
 void EditCell(int panel, int control)
 {
     int index = 0, column = 0;
@@ -371,7 +363,7 @@ void EditCell(int panel, int control)
         return;
     GRA_Curve &curve = setup.curves[static_cast<size_t>(index)];
     double number = 0;
-    const bool isNumber = ParseDouble(text, &number);
+    const bool isNumber = NUM_Parse(text, &number);
     if (column == GRV_UNIT)
         curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS));
     else if (column == GRV_FACTOR && isNumber && number != 0)
