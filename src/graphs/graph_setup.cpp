@@ -1,6 +1,7 @@
 #include "graphs/graph_setup.h"
 
 #include "platform/safe_file.h"
+#include "sampler/trigger.h"
 #include "scope/setup.h"
 #include "text/csv_row.h"
 #include "text/numbers.h"
@@ -45,6 +46,19 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
     return true;
 }
 
+// The rest of a line behind "trigger,": one or more, parted by ';'.
+int ParseTriggers(const std::string &line, GRA_Setup *setup)
+{
+    const std::string text = WRD_Trim(line.substr(std::min(line.find(','), line.size() - 1) + 1));
+    const std::string both = setup->triggers.empty() ? text : setup->triggers + "; " + text;
+    std::vector<TRG_Trigger> parsed;
+    std::string problem;
+    if (text.empty() || TRG_ParseList(both, &parsed, &problem) != 0)
+        return -1;
+    setup->triggers = both;
+    return 1;
+}
+
 // 1 a line of ours, 0 another's, -1 a bad value.
 int ParseLine(const std::string &line, GRA_Setup *setup)
 {
@@ -66,6 +80,8 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
         setup->layout = static_cast<UI_GraphLayout>(layout);
         return 1;
     }
+    if (key == "trigger")
+        return ParseTriggers(line, setup);
     if (key != "curve" && key != "unit" && key != "scale" && key != "pane")
         return 0;
     size_t number = 0;
@@ -161,6 +177,8 @@ int GRA_SaveSetup(const std::string &path, const GRA_Setup &setup)
                        std::to_string(static_cast<int>(setup.layout)) + "\r\n";
     for (size_t i = 0; i < setup.curves.size(); ++i)
         text += CurveLines(setup.curves[i], i + 1);
+    if (!setup.triggers.empty())
+        text += "trigger, " + setup.triggers + "\r\n";
     for (const std::string &line : setup.foreign)
         text += line + "\r\n";
     SafeFile safe;

@@ -101,6 +101,28 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
     return 0;
 }
 
+int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers, std::string *problem)
+{
+    std::vector<TRG_Trigger> parsed;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line, ';');) {
+        TRG_Trigger trigger;
+        if (WRD_Trim(line).empty())
+            continue;
+        if (TRG_Parse(line, &trigger, problem) != 0) {
+            *problem = "'" + WRD_Trim(line) + "': " + *problem + ".";
+            return -1;
+        }
+        parsed.push_back(trigger);
+    }
+    if (parsed.size() > TRG_LINES_MAX) {
+        *problem = "There are too many actions.";
+        return -1;
+    }
+    *triggers = parsed;
+    return 0;
+}
+
 bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples)
 {
     size_t i = 0;

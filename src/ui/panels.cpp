@@ -265,6 +265,7 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_START, UIK_BUTTON, "start", GRW_StartCB},
     {PANEL_GRAPH, STRIP_PAUSE, UIK_BUTTON, "pause", GRW_PauseCB},
     {PANEL_GRAPH, STRIP_RECORD, UIK_BUTTON, "record", GRW_RecordCB},
+    {PANEL_GRAPH, STRIP_WHEN, UIK_BUTTON, "when", GRW_WhenCB},
     {PANEL_GRAPH, STRIP_MARKER, UIK_BUTTON, "marker", GRW_MarkerCB},
     {PANEL_GRAPH, STRIP_TEXT, UIK_STRING, "markerText", nullptr},
     {PANEL_GRAPH, STRIP_PERIOD, UIK_RING, "period", GRW_RingCB},

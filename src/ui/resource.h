@@ -248,6 +248,7 @@ enum {
     STRIP_SAVE_SETUP = 15,
     STRIP_TIMER = 16,
     STRIP_TEXT = 17, // of the next markers
+    STRIP_WHEN = 18, // triggers
 };
 
 // Scope panel.

@@ -10,7 +10,7 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_DATA_LOG, LOG_SORT, "time", 1},
     {PANEL_DATA_LOG, LOG_SORT, "type", 2},
     {PANEL_DATA_LOG, LOG_SORT, "text", 3},
-    {PANEL_GRAPH, STRIP_PERIOD, "as fast as it goes", 0},
+    {PANEL_GRAPH, STRIP_PERIOD, "fastest", 0},
     {PANEL_GRAPH, STRIP_PERIOD, "10 ms", 10},
     {PANEL_GRAPH, STRIP_PERIOD, "20 ms", 20},
     {PANEL_GRAPH, STRIP_PERIOD, "50 ms", 50},
