@@ -96,6 +96,7 @@ TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
     ASSERT_EQ(0, Start({"-C"}));
     EXPECT_EQ(0, UiPanelAttribute(mainPanel, ATTR_VISIBLE));
     EXPECT_EQ(1, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(1, UiAttribute(PANEL_CONFIG, CONFIG_TERMINAL, ATTR_VISIBLE));
     HL_ClosePanel(PANEL_CONFIG);
     EXPECT_TRUE(HL_IsQuit());
     EXPECT_TRUE(std::filesystem::exists("Vireo2Config.ini"));
@@ -103,7 +104,9 @@ TEST_F(App, ConfigurationModeShowsItsPanelAndItsCloseEnds)
 
     ResetProgram();
     ASSERT_EQ(0, Start());
-    DisplayPanel(PANEL_CONFIG);
+    HL_ClickMenu(ITEM_CONFIG);
+    EXPECT_EQ(1, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));
+    EXPECT_EQ(0, UiAttribute(PANEL_CONFIG, CONFIG_TERMINAL, ATTR_VISIBLE)) << "the list has it";
     HL_ClosePanel(PANEL_CONFIG);
     EXPECT_FALSE(HL_IsQuit());
     EXPECT_EQ(0, UiPanelAttribute(PANEL_CONFIG, ATTR_VISIBLE));

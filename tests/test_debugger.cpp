@@ -160,7 +160,8 @@ TEST_F(Debugger, SaysWhatCannotBeRead)
     HL_FireTimer(PANEL, DEBUG_TIMER);
     EXPECT_EQ("Not read: no answer.", UiText(PANEL, DEBUG_MESSAGE));
     EXPECT_EQ(unsigned{UIS_DIM}, GetStyle(DEBUG_REGISTERS, 0, 1));
-    EXPECT_EQ('|', GetLine(DEBUG_CODE, 0).back()) << "operands have no values any more";
+    for (int line = 0; line < Count(DEBUG_CODE); ++line)
+        EXPECT_EQ('|', GetLine(DEBUG_CODE, line).back()) << "operands have no values any more";
     const uint64_t requests = SIM_GetCounters(target).requests;
     HL_FireTimer(PANEL, DEBUG_TIMER);
     EXPECT_EQ(requests, SIM_GetCounters(target).requests) << "a silent target gets a pause";

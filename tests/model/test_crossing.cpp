@@ -403,6 +403,12 @@ TEST_F(Crossing, EventsHaveTheirTurnBetweenTwoLateTicks)
     ResumeTimerCallbacks();
     EXPECT_EQ(0, RunUserInterface());
     EXPECT_EQ((Texts{"tick", "event", "tick"}), heard);
+    uint64_t &dueUs = MDL_GetState().panels[0].controls[TIMER - 1].dueUs;
+    dueUs = 5;
+    SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.001);
+    EXPECT_EQ(5u, dueUs) << "the interval it has already puts no tick off";
+    SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.002);
+    EXPECT_EQ(0u, dueUs) << "another one counts anew";
 }
 
 TEST_F(Crossing, AFullQueueRefusesClicksButNoValues)
