@@ -1,11 +1,13 @@
 // Graphs: what is drawn and measured of long histories against every sample looked at, settings,
 // and the window by clicks against the simulated target.
+#include "graphs/export.h"
 #include "graphs/window.h"
 #include "support/watch_fixture.h"
 #include "watch/list/list_view.h"
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <functional>
 #include <random>
 
@@ -59,9 +61,11 @@ TEST(GraphHistory, EveryColumnHasItsExtremesAndGaps)
         const double last = history.times.back();
         for (const auto &[from, to] : {std::pair(first, last), {last - 9.13, last - 2.7}}) {
             constexpr int COLUMNS = 23;
-            std::vector<double> times, values;
-            GRH_Draw(history.store, 0, history.index, ORIGIN_US, from, to, COLUMNS, 1, SCALE,
-                     &times, &values);
+            GRH_Points points;
+            GRH_Draw(history.store, 0, history.index, ORIGIN_US, from, to,
+                     GRH_ColumnS(history.store, 0, ORIGIN_US, from, to, COLUMNS), 1, SCALE,
+                     &points);
+            const std::vector<double> &times = points.times, &values = points.values;
             ASSERT_TRUE(std::is_sorted(times.begin(), times.end()));
             ASSERT_LE(times.size(), 3 * (COLUMNS + 3u) + 46u);
             const double width = (to - from) / COLUMNS;
@@ -124,6 +128,54 @@ TEST(GraphHistory, MeasuresWhatEverySampleSays)
     SST_SetItems(&history.store, {other}, 60000);
     GRH_Update(history.store, 0, &history.index);
     EXPECT_TRUE(history.index.blocks.empty());
+}
+
+// What was drawn before is kept; the picture is the one that would be drawn from nothing.
+TEST(GraphSource, ALivePictureIsTheSameAsOneDrawnAnew)
+{
+    for (const double width : {1.0, 37.0}) { // every sample, and columns
+        GRA_Setup setup;
+        setup.curves.resize(2);
+        setup.curves[1].scale = SCALE;
+        GRS_Source source;
+        std::vector<SMP_Item> items(2);
+        items[1].address = 2;
+        SST_SetItems(&source.sampler.store, items, 45000); // the ring turns over
+        source.indexes.resize(2);
+        source.originUs = ORIGIN_US;
+        std::mt19937 random(3);
+        int64_t timeUs = ORIGIN_US;
+        for (int picture = 0; picture < 300; ++picture) {
+            timeUs += picture % 50 == 0 ? 5000000 : 0; // nothing was sampled
+            for (int row = 0; row < 171; ++row, timeUs += 1000)
+                for (size_t i = 0; i < 2; ++i)
+                    SST_Add(&source.sampler.store, i,
+                            {timeUs, random() % 1000, static_cast<uint8_t>(random() % 50 == 0)});
+            for (size_t i = 0; i < 2; ++i)
+                GRH_Update(source.sampler.store, i, &source.indexes[i]);
+            const double last = static_cast<double>(timeUs - 1000 - ORIGIN_US) / 1e6;
+            std::vector<GRH_Points> grown, anew;
+            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &grown), 0);
+            if (picture % 20 != 19)
+                continue;
+            const GRS_Live kept = source.live;
+            source.live = GRS_Live();
+            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &anew), 0);
+            source.live = kept;
+            for (size_t i = 0; i < 2; ++i) {
+                const auto inView = [&](const GRH_Points &points) {
+                    std::vector<std::pair<double, std::string>> seen;
+                    for (size_t k = 0; k < points.times.size(); ++k)
+                        if (points.times[k] >= last - width)
+                            seen.emplace_back(points.times[k], std::to_string(points.values[k]));
+                    return seen;
+                };
+                ASSERT_EQ(inView(grown[i]), inView(anew[i])) << picture;
+                ASSERT_TRUE(std::is_sorted(grown[i].times.begin(), grown[i].times.end()));
+                ASSERT_LT(grown[i].times.size(), 15000u) << "a picture's, not a history's";
+            }
+        }
+    }
 }
 
 // --- settings -----------------------------------------------------------------------------------
@@ -219,9 +271,16 @@ TEST_F(GraphWindow, SettingsComeBackAndBadLinesAreNamed)
     EXPECT_EQ(loaded.curves[2].item.address, 0x8002u);
     EXPECT_EQ(loaded.curves[1].unit, "m,s");
     EXPECT_EQ(loaded.curves[1].scale.factor, -0.1);
-    const char *const bad[] = {
-        "period, -1",           "window, 0.5",          "layout, 3",  "curve, 2, x, u, 2, 1",
-        "curve, 1, x, q, 2, 1", "curve, 1, x, u, 3, 1", "unit, 1, V", "scale, 1, 2"};
+    const char *const bad[] = {"period, -1",
+                               "window, 0.5",
+                               "layout, 3",
+                               "curve, 2, x, u, 2, 1",
+                               "curve, 1, x, q, 2, 1",
+                               "curve, 1, x, u, 3, 1",
+                               "unit, 1, V",
+                               "scale, 1, 2",
+                               "trigger",
+                               "trigger, mark if x > 1"};
     for (const char *line : bad) {
         problems.clear();
         ASSERT_EQ(GRA_LoadSetup(write("b.graph", std::string(line) + "\r\n"), &loaded, &problems),
@@ -322,7 +381,7 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     press(STRIP_MARKER);
     sample(20);
     press(STRIP_START); // stops, and ends the recording behind what was still to be proven
-    EXPECT_FALSE(GRW_GetSource().recorder.isOpen);
+    EXPECT_FALSE(GRW_GetSource().recorder.isOn);
     const std::vector<UI_Plot> live = plots();
     UI_GraphView all = view();
     all.isXFitted = true;
@@ -355,44 +414,129 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     EXPECT_FALSE(GRW_GetSource().isFile);
 }
 
-TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromTheRecording)
+TEST_F(GraphWindow, TriggersMarkStartAndStop)
 {
     ASSERT_TRUE(connect());
-    GRA_Setup one;
-    one.periodMs = 2; // more rows than are drawn one by one would say nothing
-    one.curves.resize(1);
-    one.curves[0].item = SMP_FromWatch(aLItems[1]);
-    one.curves[0].scale = {2, 0};
+    open({1});
+    sample(3);
+    HL_PushAnswer(1, "explode when wRamp fails"); // asked again
+    HL_PushAnswer(1, "start when wRamp >= 0; mark when wRamp changes; stop when wRamp fails");
+    press(STRIP_WHEN);
+    HL_PushAnswer(1, path("t.csv"));
+    press(STRIP_RECORD);
+    EXPECT_FALSE(GRW_GetSource().recorder.file.isOpen) << "waits";
+    sample(20);
+    EXPECT_TRUE(GRW_GetSource().recorder.file.isOpen);
+    const size_t markers = GRW_GetSource().markers.size();
+    EXPECT_GT(markers, 0u);
+    EXPECT_NEAR(GRW_GetSource().markers.back().time, view().x.max, 1);
+    failWith(0, 70);
+    sample(5);
+    SIM_SetErrorCode(target, 0, 0);
+    EXPECT_FALSE(GRW_GetSource().recorder.file.isOpen);
+    EXPECT_TRUE(GRW_GetSource().recorder.isOn) << "waits for the next start";
+    RDR_Recording recorded;
+    std::string problem;
+    ASSERT_EQ(RDR_Open(path("t.csv"), &recorded, &problem), 0) << problem;
+    EXPECT_GT(recorded.rows, 5u);
+    ASSERT_GT(recorded.notes.size(), 2u);
+    EXPECT_EQ(recorded.notes.front().text, "start when wRamp >= 0");
+    EXPECT_EQ(recorded.notes.back().text, "stop when wRamp fails");
+    press(STRIP_RECORD);
+    EXPECT_FALSE(GRW_GetSource().recorder.isOn);
+    // Kept with the settings; a bad line is named.
+    const std::string text = GRW_GetSetup().triggers;
+    HL_PushAnswer(1, path("t.graph"));
+    press(STRIP_SAVE_SETUP);
+    GRA_Setup loaded;
+    std::vector<std::string> problems;
+    ASSERT_EQ(GRA_LoadSetup(path("t.graph"), &loaded, &problems), 0);
+    EXPECT_EQ(loaded.triggers, text);
+    EXPECT_TRUE(problems.empty());
+}
+
+// Without any recording of the user's. Curves come and go, and files that are full are followed
+// by others.
+TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
+{
+    ASSERT_TRUE(connect());
+    GRA_Setup setup;
+    setup.periodMs = 2; // more rows than are drawn one by one would say nothing
+    setup.curves.resize(1);
+    setup.curves[0].item = SMP_FromWatch(aLItems[1]);
+    setup.curves[0].scale = {2, 0};
+    const std::string folder = path("cache");
+    const auto countFiles = [&] {
+        std::error_code none;
+        const std::filesystem::directory_iterator files(folder, none);
+        return std::distance(begin(files), end(files));
+    };
     GRS_Source source;
     source.samplesMax = 100;
-    ASSERT_EQ(GRS_Start(&source, one), 0);
-    REC_Options to;
-    to.path = path("past.csv");
-    ASSERT_EQ(GRS_Record(&source, to), 0);
-    while (source.sampler.totals.rows < 500)
-        ASSERT_GE(GRS_Step(&source), 0);
+    source.past.folder = folder;
+    source.past.partBytes = 2000;
+    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    const auto sampleUntil = [&](uint64_t rows) {
+        while (source.sampler.totals.rows < rows)
+            ASSERT_GE(GRS_Step(&source), 0);
+    };
+    sampleUntil(80);
+    EXPECT_EQ(countFiles(), 0) << "a short session writes nothing";
+    sampleUntil(400);
+    EXPECT_GT(countFiles(), 1);
     double from = 0, last = 0;
     ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
-    EXPECT_EQ(from, source.past.begin);
-    std::vector<GRS_Points> curves;
-    ASSERT_EQ(GRS_Draw(&source, one, from, last, &curves), 0);
+    std::vector<GRH_Points> curves;
+    ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
     ASSERT_EQ(curves[0].times.size(), source.sampler.totals.rows) << "none twice, none missing";
-    // Where the file ends and memory begins, too.
+    // Where a file ends and memory begins, too.
     for (size_t i = 1; i < curves[0].times.size(); ++i)
         ASSERT_LT(curves[0].times[i - 1], curves[0].times[i]) << i;
     const auto isOdd = [](double value) { return std::fmod(value, 2) != 0; };
     EXPECT_TRUE(std::none_of(curves[0].values.begin(), curves[0].values.end(), isOdd)) << "times 2";
-    // Fine and coarse stretches side by side: no sample of their borders is there twice.
-    const double width = (last - from) / 50, middle = last - 20 * width;
-    std::vector<GRS_Points> parts;
-    source.past.path.clear(); // memory alone
-    ASSERT_EQ(GRS_Draw(&source, one, middle, middle + width, &parts), 0);
-    EXPECT_EQ(std::adjacent_find(parts[0].times.begin(), parts[0].times.end(),
-                                 std::greater_equal<double>()),
-              parts[0].times.end());
+    // Drawn while it grows, and once more from nothing.
+    sampleUntil(450);
+    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    std::vector<GRH_Points> grown, anew;
+    GRS_Draw(&source, setup, last - 0.15, last, &grown);
+    source.live = GRS_Live();
+    GRS_Draw(&source, setup, last - 0.15, last, &anew);
+    EXPECT_EQ(grown[0].times, anew[0].times);
+    // What is saved holds every row, wherever it is.
+    std::string problem;
+    ASSERT_EQ(GRX_Save(path("all.csv"), source, setup, from, last, &problem), 0) << problem;
+    RDR_Recording saved;
+    ASSERT_EQ(RDR_Open(path("all.csv"), &saved, &problem), 0);
+    EXPECT_EQ(saved.rows, source.sampler.totals.rows);
     std::vector<GRH_Measures> measures;
-    EXPECT_EQ(GRS_Measure(&source, one, from, last, &measures), -1) << "not all is in memory";
-    EXPECT_EQ(GRS_Measure(&source, one, last - 0.001, last, &measures), 0);
+    EXPECT_EQ(GRS_Measure(&source, setup, from, last, &measures), -1) << "not all is in memory";
+    EXPECT_EQ(GRS_Measure(&source, setup, last - 0.001, last, &measures), 0);
+    // Another curve has no past; the first one keeps its own.
+    setup.curves.resize(2);
+    setup.curves[1].item = SMP_FromWatch(aLItems[2]);
+    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    sampleUntil(700);
+    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
+    EXPECT_EQ(curves[0].times.size(), source.sampler.totals.rows);
+    EXPECT_LT(curves[1].times.size(), curves[0].times.size());
+    // Disk is bounded: the oldest files go, with the beginning.
+    sampleUntil(2000);
+    EXPECT_LE(countFiles(), static_cast<long>(GPA_PARTS_MAX));
+    double later = 0;
+    ASSERT_TRUE(GRS_GetExtent(source, &later, &last));
+    EXPECT_GT(later, from);
+    GRS_Clear(&source);
+    EXPECT_EQ(countFiles(), 0);
+    // No disk: said once, and sampling goes on.
+    source.samplesMax = 100;
+    source.past.folder = write("file", "") + "/none";
+    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    sampleUntil(150);
+    EXPECT_NE(source.message.find("not kept any more"), std::string::npos) << source.message;
+    source.message.clear();
+    sampleUntil(200);
+    EXPECT_EQ(source.message, "");
     GRS_Stop(&source);
 }
 

@@ -47,6 +47,26 @@ void TakeSamples(const GRS_Source &source, double from, double to, Table *table)
     }
 }
 
+// What has left memory stands in front of it. False when it is too much.
+bool TakePast(const GRS_Source &source, double from, double to, Table *table)
+{
+    double oldest = 0;
+    RDR_Curves rows;
+    if (!GRS_FindOldest(source, &oldest) || from >= oldest)
+        return true;
+    if (!GPA_ReadRows(source.past, source.sampler.store.items, from, std::min(to, oldest),
+                      GRX_ROWS_MAX, &rows))
+        return false;
+    for (size_t row = 0; row < rows.times.size(); ++row) {
+        if (rows.times[row] < from || rows.times[row] > to || rows.times[row] >= oldest)
+            continue;
+        table->times.push_back(rows.times[row]);
+        for (size_t i = 0; i < rows.values.size() && i < table->values.size(); ++i)
+            table->values[i].push_back(rows.values[i][row]);
+    }
+    return true;
+}
+
 bool TakeFile(const GRS_Source &source, double from, double to, Table *table)
 {
     std::vector<size_t> columns(table->values.size());
@@ -83,9 +103,11 @@ int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup 
 {
     Table table;
     table.values.resize(setup.curves.size());
-    if (!source.isFile)
+    const bool isTaken =
+        source.isFile ? TakeFile(source, from, to, &table) : TakePast(source, from, to, &table);
+    if (!source.isFile && isTaken)
         TakeSamples(source, from, to, &table);
-    else if (!TakeFile(source, from, to, &table)) {
+    if (!isTaken) {
         *problem = "There are more than " + std::to_string(GRX_ROWS_MAX) +
                    " rows in view: zoom in to save them.";
         return -1;

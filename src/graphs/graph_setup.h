@@ -24,6 +24,7 @@ struct GRA_Setup {
     int periodMs = 100;  // 0: as fast as the line allows
     double windowS = 10; // what a live graph shows
     UI_GraphLayout layout = GRAPH_TOGETHER;
+    std::string triggers;             // as TRG_ParseList has them
     std::vector<std::string> foreign; // lines of later versions, and comments: they are kept
 };
 

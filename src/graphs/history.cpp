@@ -61,7 +61,6 @@ struct Point {
 
 // What one column of the picture has collected so far.
 struct Column {
-    double number = GAP;
     Point low, high, gap;
 
     void add(const Point &point)
@@ -75,20 +74,20 @@ struct Column {
         if (!high.isThere || point.value > high.value)
             high = point;
     }
-    void flush(std::vector<double> *times, std::vector<double> *values)
+    void flush(GRH_Points *points)
     {
-        Point points[] = {low, high, gap};
-        std::sort(std::begin(points), std::end(points),
+        Point all[] = {low, high, gap};
+        std::sort(std::begin(all), std::end(all),
                   [](const Point &a, const Point &b) { return a.time < b.time; });
         const bool isOne = low.isThere && low.time == high.time;
         bool isDone = false; // least and greatest are one sample
-        for (const Point &point : points) {
+        for (const Point &point : all) {
             const bool isGap = !std::isfinite(point.value);
             if (!point.isThere || (isOne && !isGap && isDone))
                 continue;
             isDone = isDone || !isGap;
-            times->push_back(point.time);
-            values->push_back(point.value);
+            points->times.push_back(point.time);
+            points->values.push_back(point.value);
         }
         *this = Column();
     }
@@ -178,35 +177,43 @@ void GRH_Update(const SMP_Store &store, size_t item, GRH_Index *index)
 }
 
 void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64_t originUs,
-              double from, double to, int columns, double pauseS, const GRH_Scale &scale,
-              std::vector<double> *times, std::vector<double> *values)
+              double from, double to, double columnS, double pauseS, const GRH_Scale &scale,
+              GRH_Points *points)
 {
     const SMP_Ring &ring = store.rings[item];
     Span span = FindSpan(store, item, originUs, from, to);
     span.begin -= span.begin > ring.first ? 1 : 0;
     span.end += span.end < ring.end ? 1 : 0;
     const auto secondsOf = [&](uint64_t number) {
-        return static_cast<double>(SST_Get(store, item, number).timeUs - originUs) / US_PER_S;
+        return static_cast<double>(ring.timesUs[SST_PlaceOf(ring, number)] - originUs) / US_PER_S;
     };
     const auto scaled = [&](double number) { return number * scale.factor + scale.offset; };
-    const bool isEach = span.end - span.begin <= 2 * static_cast<uint64_t>(std::max(columns, 1));
-    const double width = isEach ? 0 : (to - from) / columns;
+    const auto valueOf = [&](uint64_t number) {
+        return scaled(NumberOf(store, item, SST_Get(store, item, number)));
+    };
+    const bool isEach = columnS <= 0;
     Column column;
-    double before = INFINITY; // time of the sample in front
+    double before = INFINITY;     // time of the sample in front
+    double columnEnd = -INFINITY; // of the column that is being filled
     for (uint64_t number = span.begin; number < span.end;) {
-        const GRH_Block *block = isEach ? nullptr : BlockAt(index, number, span.end);
         const double time = secondsOf(number);
         if (time - before > pauseS) {
-            column.flush(times, values);
-            times->push_back(before + (time - before) / 2);
-            values->push_back(GAP);
+            column.flush(points);
+            points->times.push_back(before + (time - before) / 2);
+            points->values.push_back(GAP);
         }
-        const double place = isEach ? static_cast<double>(number) : std::floor(time / width);
-        if (column.number != place)
-            column.flush(times, values);
-        column.number = place;
-        if (block != nullptr &&
-            std::floor(secondsOf(number + GRH_BLOCK_SAMPLES - 1) / width) == place) {
+        if (isEach) {
+            points->times.push_back(time);
+            points->values.push_back(valueOf(number++));
+            before = time;
+            continue;
+        }
+        if (time >= columnEnd) {
+            column.flush(points);
+            columnEnd = (std::floor(time / columnS) + 1) * columnS;
+        }
+        const GRH_Block *block = BlockAt(index, number, span.end);
+        if (block != nullptr && secondsOf(number + GRH_BLOCK_SAMPLES - 1) < columnEnd) {
             if (block->good > 0) {
                 column.add({secondsOf(number + block->minAt), scaled(block->min), true});
                 column.add({secondsOf(number + block->maxAt), scaled(block->max), true});
@@ -218,11 +225,18 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
             continue;
         }
         before = time;
-        const double value = NumberOf(store, item, SST_Get(store, item, number));
-        column.add({time, scaled(value), true});
+        column.add({time, valueOf(number), true});
         ++number;
     }
-    column.flush(times, values);
+    column.flush(points);
+}
+
+double GRH_ColumnS(const SMP_Store &store, size_t item, int64_t originUs, double from, double to,
+                   int columns)
+{
+    const Span span = FindSpan(store, item, originUs, from, to);
+    const bool areFew = span.end - span.begin <= 2 * static_cast<uint64_t>(std::max(columns, 1));
+    return areFew ? 0 : (to - from) / columns;
 }
 
 GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &index,

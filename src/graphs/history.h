@@ -32,13 +32,21 @@ struct GRH_Scale {
     double factor = 1, offset = 0;
 };
 
+// A curve to be drawn: times rise, NaN is a gap.
+struct GRH_Points {
+    std::vector<double> times, values;
+};
+
 // Appends points between two times (seconds since `originUs`), and one on each side where there
-// is one: every sample while there are few, else at most three a column. Columns are counted
-// from time 0, so that a picture that moves does not shimmer. Where more than `pauseS` lie
+// is one: every sample where a column has no width, else at most three a column. Columns are
+// counted from time 0, so that a picture that moves does not shimmer. Where more than `pauseS` lie
 // between two samples nothing was sampled: a gap, too.
 void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64_t originUs,
-              double from, double to, int columns, double pauseS, const GRH_Scale &scale,
-              std::vector<double> *times, std::vector<double> *values);
+              double from, double to, double columnS, double pauseS, const GRH_Scale &scale,
+              GRH_Points *points);
+// The width of a column for so many of them: 0 while there are few samples.
+double GRH_ColumnS(const SMP_Store &store, size_t item, int64_t originUs, double from, double to,
+                   int columns);
 
 struct GRH_Measures {
     uint64_t count = 0, failed = 0; // count 0: nothing below means anything

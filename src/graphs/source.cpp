@@ -8,10 +8,7 @@
 
 namespace {
 
-constexpr int COLUMNS = 1200;       // of the picture's width; a screen has hardly more
-constexpr int COARSE_COLUMNS = 300; // of what lies beyond it on either side
 constexpr double US_PER_S = 1e6, ROUNDING_US = 2;
-constexpr double PAUSE_ROUNDS = 3;                // without a sample: nothing was sampled there
 constexpr size_t STORE_BYTES = size_t{400} << 20; // all curves together
 constexpr size_t MEASURED_ROWS_MAX = 200000;
 
@@ -22,25 +19,47 @@ int64_t NowUs()
 
 // --- what the sampler tells -----------------------------------------------------------------
 
+void PutMessage(void *context, const std::string &text)
+{
+    static_cast<GRS_Source *>(context)->message = text;
+}
+
+void NoteBeep(void *context)
+{
+    static_cast<GRS_Source *>(context)->isBeepDue = true;
+}
+
+void AddMarker(GRS_Source *source, double time, const std::string &text)
+{
+    if (source->markers.size() == GRS_MARKERS_MAX)
+        source->markers.erase(source->markers.begin());
+    source->markers.push_back({time, text});
+    ++source->markerCount;
+}
+
+void AddTriggered(void *context, int64_t timeUs, const std::string &text)
+{
+    auto *source = static_cast<GRS_Source *>(context);
+    AddMarker(source, static_cast<double>(timeUs - source->originUs) / US_PER_S, text);
+}
+
 void PutRow(void *context, const SMP_Sampler &sampler, const SMP_Row &row)
 {
     auto *source = static_cast<GRS_Source *>(context);
     source->isFresh = true;
-    if (source->recorder.isOpen &&
-        REC_PutRow(&source->recorder, row.timeUs, row.samples, sampler.store) < 0)
-        source->message = source->recorder.problem;
+    ARC_PutRow(&source->recorder, sampler.store, row);
 }
 
 void Flush(void *context)
 {
     auto *source = static_cast<GRS_Source *>(context);
-    if (source->recorder.isOpen && REC_Flush(&source->recorder, NowUs()) < 0)
-        source->message = source->recorder.problem;
-}
-
-void PutMessage(void *context, const std::string &text)
-{
-    static_cast<GRS_Source *>(context)->message = text;
+    if (REC_Flush(&source->recorder.file, NowUs()) < 0) {
+        source->recorder.isOn = false;
+        source->message = source->recorder.file.problem;
+    }
+    const SMP_Sampler &sampler = source->sampler;
+    if (GPA_Keep(&source->past, sampler.store, sampler.totals.rows, source->originUs) < 0)
+        source->message = source->past.problem;
 }
 
 std::vector<SMP_Item> ItemsOf(const GRA_Setup &setup)
@@ -53,156 +72,6 @@ std::vector<SMP_Item> ItemsOf(const GRA_Setup &setup)
     return items;
 }
 
-// --- points ---------------------------------------------------------------------------------
-
-// Behind what is there already: stretches overlap by a sample.
-void Append(const std::vector<double> &times, const std::vector<double> &values, double from,
-            double to, GRS_Points *points)
-{
-    for (size_t i = 0; i < times.size(); ++i) {
-        if (times[i] < from || times[i] > to ||
-            (!points->times.empty() && times[i] <= points->times.back()))
-            continue;
-        points->times.push_back(times[i]);
-        points->values.push_back(values[i]);
-    }
-}
-
-// When the oldest round in memory was sampled, as a recording has it: the middle of the round, in
-// whole microseconds. False while nothing has fallen out.
-bool FindOldest(const GRS_Source &source, double *seconds)
-{
-    const SMP_Store &store = source.sampler.store;
-    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
-    for (size_t i = 0; i < store.rings.size(); ++i) {
-        const SMP_Ring &ring = store.rings[i];
-        if (ring.first == 0 || ring.first == ring.end)
-            continue;
-        const int64_t timeUs = SST_Get(store, i, ring.first).timeUs;
-        firstUs = std::min(firstUs, timeUs);
-        lastUs = std::max(lastUs, timeUs);
-    }
-    if (firstUs > lastUs)
-        return false;
-    // Less a little: this very round is not to come from the recording, too.
-    *seconds =
-        (static_cast<double>(firstUs + (lastUs - firstUs) / 2 - source.originUs) - ROUNDING_US) /
-        US_PER_S;
-    return true;
-}
-
-// The recording is read anew only when more has fallen out of memory than it knew of.
-bool ReadPast(GRS_Past *past, double oldest)
-{
-    if (past->path.empty())
-        return false;
-    std::string problem;
-    if (!past->isRead || past->begin + past->recording.timeMax < oldest)
-        past->isRead = RDR_Open(past->path, &past->recording, &problem) == 0;
-    return past->isRead;
-}
-
-// A stretch of one recorded column behind what is there already.
-void AppendPast(const GRS_Past &past, size_t column, const GRH_Scale &scale, double from, double to,
-                size_t pointsMax, GRS_Points *points)
-{
-    RDR_Curves read;
-    if (from >= to || RDR_Read(past.recording, from - past.begin, to - past.begin, {column},
-                               pointsMax, &read) < 0)
-        return;
-    for (double &time : read.times)
-        time += past.begin;
-    for (double &value : read.values[0])
-        value = value * scale.factor + scale.offset;
-    Append(read.times, read.values[0], -INFINITY, to, points);
-}
-
-// What lies before the oldest sample in memory. Columns are found by their names: others may
-// have come since.
-void DrawPast(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-              std::vector<GRS_Points> *curves)
-{
-    double oldest = 0;
-    if (!FindOldest(*source, &oldest) || !ReadPast(&source->past, oldest))
-        return;
-    const GRS_Past &past = source->past;
-    const double low = std::clamp(from - (to - from), past.begin, oldest);
-    const double high = std::clamp(to + (to - from), past.begin, oldest);
-    for (size_t i = 0; i < curves->size(); ++i) {
-        const std::vector<RDR_Column> &columns = past.recording.columns;
-        const auto column =
-            std::find_if(columns.begin(), columns.end(), [&](const RDR_Column &one) {
-                return one.name == setup.curves[i].item.name;
-            });
-        if (column == columns.end())
-            continue;
-        const auto index = static_cast<size_t>(column - columns.begin());
-        const GRH_Scale &scale = setup.curves[i].scale;
-        AppendPast(past, index, scale, past.begin, low, 2 * COARSE_COLUMNS, &(*curves)[i]);
-        AppendPast(past, index, scale, low, high, 6 * COLUMNS, &(*curves)[i]);
-        AppendPast(past, index, scale, high, oldest, 2 * COARSE_COLUMNS, &(*curves)[i]);
-    }
-}
-
-void DrawSampled(const GRS_Source &source, const GRA_Setup &setup, double from, double to,
-                 std::vector<GRS_Points> *curves)
-{
-    double first = 0, last = 0;
-    GRS_GetExtent(source, &first, &last);
-    FindOldest(source, &first);
-    const double width = to - from;
-    const SMP_Totals &totals = source.sampler.totals;
-    const double roundS = totals.rows > 0 ? static_cast<double>(totals.elapsedUs) / US_PER_S /
-                                                static_cast<double>(totals.rows)
-                                          : 0;
-    const double pauseS =
-        std::max({1.0, PAUSE_ROUNDS * roundS, PAUSE_ROUNDS * setup.periodMs / 1e3});
-    const struct {
-        double from, to;
-        int columns;
-    } stretches[] = {{first, from - width, COARSE_COLUMNS},
-                     {from - width, to + width, 3 * COLUMNS},
-                     {to + width, last, COARSE_COLUMNS}};
-    for (size_t i = 0; i < curves->size() && i < source.indexes.size(); ++i) {
-        for (const auto &stretch : stretches) {
-            std::vector<double> times, values;
-            if (stretch.from < stretch.to)
-                GRH_Draw(source.sampler.store, i, source.indexes[i], source.originUs, stretch.from,
-                         stretch.to, stretch.columns, pauseS, setup.curves[i].scale, &times,
-                         &values);
-            Append(times, values, -INFINITY, INFINITY, &(*curves)[i]);
-        }
-    }
-}
-
-int DrawFile(const GRS_Source &source, const GRA_Setup &setup, double from, double to,
-             std::vector<GRS_Points> *curves)
-{
-    std::vector<size_t> columns(curves->size());
-    std::iota(columns.begin(), columns.end(), size_t{0});
-    const RDR_Recording &recording = source.recording;
-    RDR_Curves whole, fine;
-    int result = RDR_Read(recording, recording.timeMin, recording.timeMax, columns,
-                          2 * COARSE_COLUMNS, &whole);
-    const double low = from - (to - from), high = to + (to - from);
-    if (result == 0 && whole.isDecimated)
-        result = RDR_Read(recording, low, high, columns, 6 * COLUMNS, &fine);
-    if (result < 0)
-        return result;
-    for (size_t i = 0; i < curves->size(); ++i) {
-        GRS_Points &points = (*curves)[i];
-        const bool isFine = !fine.times.empty();
-        Append(whole.times, whole.values[i], -INFINITY, isFine ? low : INFINITY, &points);
-        if (isFine) {
-            Append(fine.times, fine.values[i], low, high, &points);
-            Append(whole.times, whole.values[i], high, INFINITY, &points);
-        }
-        for (double &value : points.values)
-            value = value * setup.curves[i].scale.factor + setup.curves[i].scale.offset;
-    }
-    return 0;
-}
-
 } // namespace
 
 int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
@@ -212,17 +81,21 @@ int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
     if (source->sampler.isRunning && source->sampler.periodMs == setup.periodMs) {
         const int result = SMP_Change(&source->sampler, items);
         source->indexes.assign(items.size(), GRH_Index());
-        if (result == 0 && source->recorder.isOpen &&
-            REC_ChangeItems(&source->recorder, items, NowUs()) < 0)
-            source->message = source->recorder.problem;
+        source->live = GRS_Live();
+        if (result == 0 && REC_ChangeItems(&source->recorder.file, items, NowUs()) < 0) {
+            source->recorder.isOn = false;
+            source->message = source->recorder.file.problem;
+        }
         return result;
     }
     const SMP_Listener listener = {source, PutRow, Flush, PutMessage};
     const size_t samples = std::min(source->samplesMax, STORE_BYTES / (SST_BYTES_PER_SAMPLE + 1) /
                                                             std::max<size_t>(1, items.size()));
     source->markers.clear();
-    source->past = GRS_Past();
+    GRS_UseTriggers(source, setup);
+    GPA_Clear(&source->past);
     source->indexes.assign(items.size(), GRH_Index());
+    source->live = GRS_Live();
     source->originUs = NowUs();
     return SMP_Start(&source->sampler, items, setup.periodMs, listener, samples);
 }
@@ -231,20 +104,28 @@ void GRS_Stop(GRS_Source *source)
 {
     if (source->sampler.isRunning)
         SMP_Stop(&source->sampler);
-    if (source->recorder.isOpen && REC_Close(&source->recorder) < 0)
-        source->message = source->recorder.problem;
+    if (ARC_End(&source->recorder) < 0)
+        source->message = source->recorder.file.problem;
+}
+
+void GRS_Clear(GRS_Source *source)
+{
+    GRS_Stop(source);
+    GPA_Clear(&source->past);
+    *source = GRS_Source();
 }
 
 int GRS_Record(GRS_Source *source, const REC_Options &options)
 {
-    const int64_t nowUs = NowUs();
-    const int result = REC_Open(&source->recorder, options, source->sampler.store.items, nowUs);
-    if (result < 0)
-        return result;
-    source->past = GRS_Past();
-    source->past.path = source->recorder.path;
-    source->past.begin = static_cast<double>(nowUs - source->originUs) / US_PER_S;
-    return 0;
+    return ARC_Begin(&source->recorder, options, source->sampler.store.items, NowUs());
+}
+
+void GRS_UseTriggers(GRS_Source *source, const GRA_Setup &setup)
+{
+    std::string problem; // the text was parsed when it was entered or loaded
+    source->recorder.triggers.clear();
+    (void)TRG_ParseList(setup.triggers, &source->recorder.triggers, &problem);
+    source->recorder.listener = {source, PutMessage, NoteBeep, AddTriggered};
 }
 
 int64_t GRS_Step(GRS_Source *source)
@@ -262,11 +143,31 @@ double GRS_Now(const GRS_Source &source)
 
 int GRS_Mark(GRS_Source *source, double time, const std::string &text)
 {
-    source->markers.push_back({time, text});
-    if (!source->recorder.isOpen)
-        return 0;
+    AddMarker(source, time, text);
     const int64_t timeUs = source->originUs + std::llround(time * US_PER_S);
-    return REC_PutNote(&source->recorder, timeUs, "marker", text);
+    return REC_PutNote(&source->recorder.file, timeUs, "marker", text);
+}
+
+bool GRS_FindOldest(const GRS_Source &source, double *seconds)
+{
+    const SMP_Store &store = source.sampler.store;
+    uint64_t back = 0; // of the oldest round, counted from the newest
+    for (const SMP_Ring &ring : store.rings)
+        back = std::max(back, ring.first > 0 ? ring.end - ring.first : 0);
+    if (back == 0)
+        return false;
+    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
+    for (size_t i = 0; i < store.rings.size(); ++i) {
+        const SMP_Ring &ring = store.rings[i];
+        if (ring.end - ring.first < back)
+            continue;
+        const int64_t timeUs = SST_Get(store, i, ring.end - back).timeUs;
+        firstUs = std::min(firstUs, timeUs);
+        lastUs = std::max(lastUs, timeUs);
+    }
+    const int64_t middleUs = firstUs + (lastUs - firstUs) / 2;
+    *seconds = (static_cast<double>(middleUs - source.originUs) - ROUNDING_US) / US_PER_S;
+    return true;
 }
 
 bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
@@ -291,21 +192,10 @@ bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
         *to = isThere ? std::max(*to, last) : last;
         isThere = true;
     }
-    double oldest = 0;
-    if (!source.past.path.empty() && FindOldest(source, &oldest))
-        *from = std::min(*from, source.past.begin);
+    double oldest = 0, pastEnd = 0;
+    if (GPA_GetExtent(source.past, &oldest, &pastEnd))
+        *from = std::min(*from, oldest);
     return isThere;
-}
-
-int GRS_Draw(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-             std::vector<GRS_Points> *curves)
-{
-    curves->assign(setup.curves.size(), GRS_Points());
-    if (source->isFile)
-        return DrawFile(*source, setup, from, to, curves);
-    DrawPast(source, setup, from, to, curves);
-    DrawSampled(*source, setup, from, to, curves);
-    return 0;
 }
 
 int GRS_Measure(GRS_Source *source, const GRA_Setup &setup, double from, double to,
@@ -314,13 +204,15 @@ int GRS_Measure(GRS_Source *source, const GRA_Setup &setup, double from, double 
     measures->assign(setup.curves.size(), GRH_Measures());
     double oldest = 0;
     if (!source->isFile) {
-        if (FindOldest(*source, &oldest) && from < oldest)
+        if (GRS_FindOldest(*source, &oldest) && from < oldest)
             return -1;
         for (size_t i = 0; i < source->indexes.size() && i < measures->size(); ++i)
             (*measures)[i] = GRH_Measure(source->sampler.store, i, source->indexes[i],
                                          source->originUs, from, to, setup.curves[i].scale);
         return 0;
     }
+    if (RDR_CountRows(source->recording, from, to) > MEASURED_ROWS_MAX)
+        return -1;
     std::vector<size_t> columns(setup.curves.size());
     std::iota(columns.begin(), columns.end(), size_t{0});
     RDR_Curves rows;

@@ -1,13 +1,12 @@
 #include "graphs/window.h"
 
 #include "comm/communication.h"
-#include "graphs/export.h"
 #include "graphs/window_curves.h"
+#include "graphs/window_files.h"
 #include "platform/plain_file.h"
-#include "platform/safe_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
-#include "scope/measure.h"
+#include "sampler/trigger_entry.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -15,17 +14,14 @@
 #include "watch/list/selection.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace {
 
-constexpr uint32_t DRAW_PERIOD_MS = 50; // of a running graph
 constexpr uint32_t MEASURE_PERIOD_MS = 500;
 constexpr uint32_t NAMES_PERIOD_MS = 1000; // maps may have been loaded anew
 constexpr int64_t SILENCE_US = 1500000;    // without a tick: timers were off
 constexpr double STEP_MIN_S = 0.001, STEP_MAX_S = 0.05;
-constexpr size_t UNIT_MAX_CHARS = 20;
 
 GRA_Setup setup;
 GRS_Source source;
@@ -62,8 +58,10 @@ void ShowState()
         text = figures;
         if (totals.failed > 0)
             text += ", " + std::to_string(totals.failed) + " failed";
-        if (source.recorder.isOpen)
-            text += ", records " + std::to_string(source.recorder.rows) + " rows";
+        if (source.recorder.isOn)
+            text += source.recorder.file.isOpen
+                        ? ", records " + std::to_string(source.recorder.rows) + " rows"
+                        : ", the recording waits for its trigger";
     } else {
         text = "stopped";
     }
@@ -80,7 +78,7 @@ void ShowButtons()
     SetCtrlAttribute(PANEL_GRAPH, STRIP_PAUSE, ATTR_LABEL_TEXT,
                      GRV_IsFollowing() ? "__Pause" : "__Follow");
     SetCtrlAttribute(PANEL_GRAPH, STRIP_RECORD, ATTR_LABEL_TEXT,
-                     source.recorder.isOpen ? "End __recording" : "__Record...");
+                     source.recorder.isOn ? "End __recording" : "__Record...");
     dim(STRIP_START, setup.curves.empty());
     dim(STRIP_PAUSE, !isRunning);
     dim(STRIP_RECORD, !isRunning);
@@ -105,7 +103,7 @@ void ShowAll()
 void ShowFresh()
 {
     const uint32_t now = PLT_TickMs();
-    if (source.isFresh && now - drawnMs >= DRAW_PERIOD_MS) {
+    if (source.isFresh && now - drawnMs >= GRV_PictureMs()) {
         GRV_ShowCurves(&source, setup);
         source.isFresh = false;
         isNewerThanShown = true;
@@ -118,6 +116,9 @@ void ShowFresh()
         isNewerThanShown = false;
         measuredMs = now;
     }
+    if (source.isBeepDue)
+        Beep();
+    source.isBeepDue = false;
     if (!source.message.empty())
         ShowMessage(source.message);
     source.message.clear();
@@ -133,6 +134,8 @@ void Start(bool isFromNothing)
         GRA_Resolve(&curve.item);
     if (isFromNothing)
         GRS_Stop(&source);
+    if (source.isFile)
+        GRV_FitAll(); // heights that were chosen for a recording are not these curves'
     const bool isNew = !source.sampler.isRunning;
     const int result = GRS_Start(&source, setup);
     if (result < 0) {
@@ -199,90 +202,6 @@ void AddSelection()
         ShowMessage("A graph has 32 curves at most: " + std::to_string(left) + " left out.");
 }
 
-// --- files ------------------------------------------------------------------------------------
-
-bool AskFile(const char *name, const char *pattern, const char *title, int mode, std::string *path)
-{
-    return FileSelectPopup("", name, pattern, title, mode, path) != VAL_NO_FILE_SELECTED;
-}
-
-// The type of a column as an item's, so that a recorded name can be sampled again.
-SMP_Item ItemOf(const RDR_Column &column)
-{
-    SMP_Item item;
-    item.name = column.name;
-    item.isTMS = !item.name.empty() && item.name[0] == '&';
-    item.address = SMP_NO_ADDRESS;
-    if (!column.type.empty())
-        item.type = column.type[0];
-    if (column.type.size() > 1 && column.type[1] >= '1' && column.type[1] <= '8')
-        item.size = column.type[1] - '0';
-    return item;
-}
-
-bool GoOn(void *box, int percent)
-{
-    return UpdateProgressDialog(*static_cast<int *>(box), percent, "Reading ...") == 0 &&
-           !IsBreakWished();
-}
-
-void OpenData()
-{
-    std::string path, problem;
-    if (!AskFile("*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path))
-        return;
-    RDR_Recording opened;
-    int box = CreateProgressDialog("Graph", "Reading ...");
-    const int result = RDR_Open(path, &opened, &problem, GoOn, &box);
-    DiscardProgressDialog(box);
-    if (result == RDR_ERR_CANCELLED) {
-        ShowMessage("Cancelled.");
-        return;
-    }
-    if (result < 0) {
-        MessagePopup("Error", problem);
-        return;
-    }
-    GRS_Stop(&source);
-    source.isFile = true;
-    source.recording = std::move(opened);
-    source.markers.clear();
-    for (const RDR_Note &note : source.recording.notes)
-        if (note.kind == "marker")
-            source.markers.push_back({note.time, note.text});
-    setup.curves.clear();
-    for (const RDR_Column &column : source.recording.columns) {
-        if (setup.curves.size() == GRA_CURVES_MAX)
-            break;
-        GRA_Curve curve;
-        curve.item = ItemOf(column);
-        curve.unit = column.unit;
-        curve.pane = static_cast<int>(setup.curves.size());
-        setup.curves.push_back(curve);
-    }
-    std::string said = std::to_string(source.recording.rows) + " rows";
-    if (source.recording.columns.size() > GRA_CURVES_MAX)
-        said += ", the first 32 columns";
-    if (source.recording.badLines > 0)
-        said += ", " + std::to_string(source.recording.badLines) + " lines are no rows";
-    if (source.recording.isCut)
-        said += ", the last line is cut off";
-    ShowMessage(said);
-    GRV_FitAll();
-    ShowAll();
-}
-
-void SaveData()
-{
-    std::string path, problem;
-    if (!AskFile("graph.csv", "*.csv", "Save view", FILE_SAVE, &path))
-        return;
-    double from = 0, to = 0;
-    GRV_GetTimes(&from, &to);
-    if (GRX_Save(path, source, setup, from, to, &problem) != 0)
-        MessagePopup("Error", problem);
-}
-
 // A file may hold a value that is no entry yet.
 void ShowRing(int control, int value, const char *unit)
 {
@@ -298,89 +217,9 @@ void ShowRings()
     ShowRing(STRIP_WINDOW, static_cast<int>(setup.windowS), " s");
 }
 
-void OpenSetup()
+void EditCell()
 {
-    std::string path, text;
-    std::vector<std::string> problems;
-    if (!AskFile("*.graph", "*.graph", "Open graph settings", FILE_LOAD, &path))
-        return;
-    if (GRA_LoadSetup(path, &setup, &problems) != 0) {
-        MessagePopup("Error", PLF_FailureText(path));
-        return;
-    }
-    GRS_Stop(&source);
-    source = GRS_Source();
-    UI_GraphView view;
-    GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
-    view.layout = setup.layout;
-    SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
-    ShowRings();
-    ShowAll();
-    for (const std::string &problem : problems)
-        text += problem + "\n";
-    if (!text.empty())
-        MessagePopup("Graph settings", text);
-}
-
-void SaveSetup()
-{
-    // Beside the watch list, with its name.
-    std::string name = szDebugFileName.empty() ? "graph" : szDebugFileName, path;
-    const size_t dot = name.find_last_of("./\\");
-    if (dot != std::string::npos && name[dot] == '.')
-        name.resize(dot);
-    if (!AskFile((name + ".graph").c_str(), "*.graph", "Save graph settings", FILE_SAVE, &path))
-        return;
-    UI_GraphView view;
-    GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
-    setup.layout = view.layout;
-    if (GRA_SaveSetup(path, setup) != 0)
-        MessagePopup("Error", SAF_FailureText(path));
-}
-
-void BeginRecording()
-{
-    REC_Options options;
-    const int chosen =
-        FileSelectPopup("", "recording.csv", "*.csv", "Record into", FILE_SAVE, &options.path);
-    if (chosen == VAL_NO_FILE_SELECTED)
-        return;
-    options.mayReplace = chosen == VAL_EXISTING_FILE_SELECTED;
-    options.periodMs = setup.periodMs;
-    if (GRS_Record(&source, options) < 0)
-        MessagePopup("Error", source.recorder.problem);
-    else
-        ShowMessage("Recording into " + source.recorder.path);
-}
-
-// --- the table ----------------------------------------------------------------------------------
-
-bool ParseDouble(const std::string &text, double *value)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *value);
-    return !text.empty() && result.ec == std::errc() && result.ptr == end && std::isfinite(*value);
-}
-
-void EditCell(int panel, int control)
-{
-    int index = 0, column = 0;
-    std::string text;
-    if (GetEditedCell(panel, control, &index, &column, &text) < 0 || index < 0 ||
-        static_cast<size_t>(index) >= setup.curves.size())
-        return;
-    GRA_Curve &curve = setup.curves[static_cast<size_t>(index)];
-    double number = 0;
-    const bool isNumber = ParseDouble(text, &number);
-    if (column == GRV_UNIT)
-        curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS));
-    else if (column == GRV_FACTOR && isNumber && number != 0)
-        curve.scale.factor = number;
-    else if (column == GRV_OFFSET && isNumber)
-        curve.scale.offset = number;
-    else if (column == GRV_PANE && isNumber && number >= 1 && number <= GRA_CURVES_MAX)
-        curve.pane = static_cast<int>(number) - 1;
-    else
+    if (!GRV_EditCell(&setup))
         ShowMessage("Factor and offset are numbers, the factor not 0; a pane is 1 to 32.");
     ShowAll();
 }
@@ -409,6 +248,7 @@ void GRW_OpenCB(int, int)
 void GRW_OnQuit()
 {
     GRS_Stop(&source);
+    GPA_Clear(&source.past);
 }
 
 const GRA_Setup &GRW_GetSetup()
@@ -426,9 +266,10 @@ int GRW_PanelCB(int panel, int event, int data)
     const bool isClosed = event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC);
     if (!isClosed)
         return 0;
-    if (source.recorder.isOpen && ConfirmPopup("Graph", "End the recording?") != 1)
+    if (source.recorder.isOn && ConfirmPopup("Graph", "End the recording?") != 1)
         return 0;
     Stop();
+    GPA_Clear(&source.past);
     HidePanel(panel);
     return 0;
 }
@@ -459,12 +300,17 @@ int GRW_RecordCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
-    if (source.recorder.isOpen) {
-        const std::string path = source.recorder.path;
-        ShowMessage(REC_Close(&source.recorder) < 0 ? source.recorder.problem
-                                                    : "Recorded into " + path);
+    if (source.recorder.isOn) {
+        const bool hasFile = source.recorder.rows > 0 || source.recorder.file.isOpen;
+        const std::string path = source.recorder.file.path;
+        if (ARC_End(&source.recorder) < 0)
+            ShowMessage(source.recorder.file.problem);
+        else
+            ShowMessage(hasFile ? "Recorded into " + path : "Nothing was recorded.");
     } else if (source.sampler.isRunning) {
-        BeginRecording();
+        const std::string begun = GRF_BeginRecording(setup, &source);
+        if (!begun.empty())
+            ShowMessage(begun);
     }
     ShowState();
     ShowButtons();
@@ -486,8 +332,25 @@ int GRW_MarkerCB(int, int, int event, int)
     if (text.empty())
         text = "marker " + std::to_string(source.markers.size() + 1);
     if (GRS_Mark(&source, time, WRD_Visible(text)) < 0)
-        ShowMessage(source.recorder.problem);
+        ShowMessage(source.recorder.file.problem);
     ShowAll();
+    return 0;
+}
+
+// From now on, and kept with the settings.
+int GRW_WhenCB(int, int, int event, int)
+{
+    std::vector<TRG_Trigger> parsed;
+    if (event != EVENT_COMMIT || !TRG_Ask("while the curves are sampled", &setup.triggers, &parsed))
+        return 0;
+    GRS_UseTriggers(&source, setup);
+    for (const TRG_Trigger &trigger : parsed) {
+        const bool isKnown =
+            std::any_of(setup.curves.begin(), setup.curves.end(),
+                        [&](const GRA_Curve &curve) { return curve.item.name == trigger.item; });
+        if (!isKnown)
+            ShowMessage("No curve is called '" + WRD_Visible(trigger.item) + "'.");
+    }
     return 0;
 }
 
@@ -533,17 +396,19 @@ int GRW_GraphCB(int panel, int control, int event, int data)
         return GRW_MarkerCB(panel, control, EVENT_COMMIT, 0);
     if (event != EVENT_VAL_CHANGED)
         return 0;
+    if (!source.sampler.isRunning || PLT_TickMs() - measuredMs >= MEASURE_PERIOD_MS) {
+        ShowAll();
+        return 0;
+    }
     GRV_ShowCurves(&source, setup);
     isNewerThanShown = true;
-    if (!source.sampler.isRunning || PLT_TickMs() - measuredMs >= MEASURE_PERIOD_MS)
-        ShowAll();
     return 0;
 }
 
 int GRW_CurvesCB(int panel, int control, int event, int data)
 {
     if (event == EVENT_CELL_EDITED)
-        EditCell(panel, control);
+        EditCell();
     if (event == EVENT_KEYPRESS && data == KEY_DELETE)
         GRW_RemoveCB(panel, control, EVENT_COMMIT, 0);
     return 0;
@@ -553,18 +418,25 @@ int GRW_FileCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
+    std::string message;
     switch (control) {
     case STRIP_OPEN_DATA:
-        OpenData();
+        if (GRF_OpenData(&setup, &source, &message))
+            ShowAll();
+        if (!message.empty())
+            ShowMessage(message);
         break;
     case STRIP_SAVE_DATA:
-        SaveData();
+        GRF_SaveData(setup, source);
         break;
     case STRIP_OPEN_SETUP:
-        OpenSetup();
+        if (GRF_OpenSetup(&setup, &source)) {
+            ShowRings();
+            ShowAll();
+        }
         break;
     default:
-        SaveSetup();
+        GRF_SaveSetup(&setup);
         break;
     }
     return 0;

@@ -18,6 +18,7 @@ int GRW_StartCB(int panel, int control, int event, int data); // again: stops
 int GRW_PauseCB(int panel, int control, int event, int data); // again: follows
 int GRW_RecordCB(int panel, int control, int event, int data);
 int GRW_MarkerCB(int panel, int control, int event, int data);
+int GRW_WhenCB(int panel, int control, int event, int data); // triggers
 int GRW_RemoveCB(int panel, int control, int event, int data);
 int GRW_RingCB(int panel, int control, int event, int data); // period, time in view
 int GRW_GraphCB(int panel, int control, int event, int data);

@@ -2,6 +2,8 @@
 
 #include "runtime/userint.h"
 #include "scope/measure.h"
+#include "text/numbers.h"
+#include "text/words.h"
 #include "ui/resource.h"
 
 #include <algorithm>
@@ -9,6 +11,10 @@
 #include <cstdio>
 
 namespace {
+
+constexpr size_t UNIT_MAX_CHARS = 20;
+constexpr uint32_t LIVE_MS = 50, STILL_MS = 500; // between two pictures
+constexpr double SCREEN_COLUMNS = 1200;          // of pixels: a screen has hardly more
 
 std::string NumberText(double value)
 {
@@ -24,7 +30,7 @@ UI_GraphView GetView()
     return view;
 }
 
-UI_Plot MakePlot(const GRA_Curve &curve, GRS_Points *points)
+UI_Plot MakePlot(const GRA_Curve &curve, GRH_Points *points)
 {
     UI_Plot plot;
     plot.name = curve.item.name;
@@ -48,12 +54,13 @@ void ShowMarkers(const GRS_Source &source)
     axes.isLive = !source.isFile;
     for (const GRS_Marker &marker : source.markers)
         axes.notes.push_back({marker.time, marker.text});
-    static size_t shown = 0;
+    static uint64_t shown = 0;
     static bool wasFile = false, isShown = false;
-    if (isShown && shown == axes.notes.size() && wasFile == source.isFile)
+    const uint64_t count = source.markerCount + axes.notes.size(); // a new start has none
+    if (isShown && shown == count && wasFile == source.isFile)
         return;
     isShown = true;
-    shown = axes.notes.size();
+    shown = count;
     wasFile = source.isFile;
     SetGraphAxes(PANEL_GRAPH, STRIP_GRAPH, axes);
 }
@@ -138,7 +145,7 @@ int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
             to = last;
         }
     }
-    std::vector<GRS_Points> points;
+    std::vector<GRH_Points> points;
     const int result = GRS_Draw(source, setup, from, to, &points);
     if (result < 0)
         return result;
@@ -206,6 +213,15 @@ void GRV_FitAll()
     SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
 }
 
+uint32_t GRV_PictureMs()
+{
+    const UI_GraphView view = GetView();
+    if (!view.isFollowing && !view.isXFitted)
+        return STILL_MS; // what comes is not in view, or hardly
+    const double columnMs = (view.x.max - view.x.min) * 1000 / SCREEN_COLUMNS;
+    return static_cast<uint32_t>(std::clamp<double>(columnMs, LIVE_MS, STILL_MS));
+}
+
 bool GRV_IsFollowing()
 {
     return GetView().isFollowing;
@@ -227,4 +243,27 @@ std::vector<size_t> GRV_GetChosen(size_t count)
         if (line >= 0 && static_cast<size_t>(line) < count)
             chosen.push_back(static_cast<size_t>(line));
     return chosen;
+}
+
+bool GRV_EditCell(GRA_Setup *setup)
+{
+    int index = 0, column = 0;
+    std::string text;
+    if (GetEditedCell(PANEL_GRAPH, STRIP_CURVES, &index, &column, &text) < 0 || index < 0 ||
+        static_cast<size_t>(index) >= setup->curves.size())
+        return true;
+    GRA_Curve &curve = setup->curves[static_cast<size_t>(index)];
+    double number = 0;
+    const bool isNumber = NUM_Parse(text, &number);
+    if (column == GRV_UNIT)
+        curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS));
+    else if (column == GRV_FACTOR && isNumber && number != 0)
+        curve.scale.factor = number;
+    else if (column == GRV_OFFSET && isNumber)
+        curve.scale.offset = number;
+    else if (column == GRV_PANE && isNumber && number >= 1 && number <= GRA_CURVES_MAX)
+        curve.pane = static_cast<int>(number) - 1;
+    else
+        return false;
+    return true;
 }

@@ -240,6 +240,7 @@ enum VIEW_EventKind {
     VIEW_EVENT_COLUMNS,  // list: widths = the user's. No callback
     VIEW_EVENT_LAYOUT,   // UI_Layout: text = name, widths = numbers. No callback
     VIEW_EVENT_END,      // the system wants the program to end: a signal, the session's end
+    VIEW_EVENT_CALL,     // `call`, from a thread of the program's own. Not for views
 };
 // What goes with which `event`:
 //   control  EVENT_COMMIT, EVENT_VAL_CHANGED  the control's value: value (switch, ring: the
@@ -266,6 +267,7 @@ struct VIEW_Event {
     std::shared_ptr<const UI_GraphView> view; // of a graph
     int item = 0;
     int id = 0, button = 0;
+    void (*call)() = nullptr;
     uint32_t seen = 0; // the door's stamp, whatever the poster writes
 };
 // Never waits. Values of one control that follow each other become one event. False when

@@ -18,99 +18,55 @@ void Tell(const RCJ_Job &job, const std::string &text)
         job.listener.message(text);
 }
 
-bool IsWaitingForStart(const RCJ_Job &job)
+void TellOfRecorder(void *context, const std::string &text)
 {
-    return std::any_of(job.triggers.begin(), job.triggers.end(),
-                       [](const TRG_Trigger &trigger) { return trigger.action == TRG_START; });
+    Tell(*static_cast<RCJ_Job *>(context), text);
 }
 
-// A recording that cannot go on ends the job: nobody waits for rows that are not kept.
+void BeepOfRecorder(void *context)
+{
+    const RCJ_Job *job = static_cast<RCJ_Job *>(context);
+    if (job->listener.beep != nullptr)
+        job->listener.beep();
+}
+
+// A recording that has ended, by a trigger or a full disk, ends the job: nobody waits for rows
+// that are not kept.
 void CheckRecorder(RCJ_Job *job)
 {
-    if (job->recorder.isOpen || job->recorder.problem.empty() || !job->problem.empty())
+    REC_Recorder *file = &job->recorder.file;
+    const bool isFault = !file->isOpen && !file->problem.empty() && job->problem.empty();
+    if (isFault) {
+        job->problem = file->problem;
+        if (job->recorder.isOn) // else the recorder has said so
+            Tell(*job, job->problem);
+    }
+    if (job->recorder.isOn && !isFault)
         return;
-    job->problem = job->recorder.problem;
+    job->recorder.isOn = false;
     job->sampler.isRunning = false;
     job->isRunning = false;
-    Tell(*job, job->problem);
 }
 
-int Begin(RCJ_Job *job, int64_t nowUs)
-{
-    job->hasBegun = true;
-    return REC_Open(&job->recorder, job->options, job->sampler.store.items, nowUs);
-}
-
-// A second recording of the job must not overwrite the first.
-void BeginByTrigger(RCJ_Job *job, const TRG_Trigger &trigger, int64_t timeUs)
-{
-    if (job->recorder.isOpen)
-        return;
-    job->options.isStamped = job->options.isStamped || job->hasBegun;
-    Begin(job, timeUs);
-    CheckRecorder(job);
-    if (job->recorder.isOpen)
-        Tell(*job, "Recording " + job->recorder.path + " (" + trigger.text + ").");
-    REC_PutNote(&job->recorder, timeUs, "trigger", trigger.text);
-}
-
-void EndByTrigger(RCJ_Job *job, const TRG_Trigger &trigger, int64_t timeUs)
-{
-    if (!job->recorder.isOpen)
-        return;
-    REC_PutNote(&job->recorder, timeUs, "trigger", trigger.text);
-    Tell(*job, "Recorded " + job->recorder.path + " (" + trigger.text + ").");
-    if (REC_Close(&job->recorder) != 0 || IsWaitingForStart(*job))
-        return;
-    job->isRunning = false;
-    job->sampler.isRunning = false;
-}
-
-void Fire(RCJ_Job *job, const TRG_Trigger &trigger, int64_t timeUs)
-{
-    if (trigger.action == TRG_START)
-        BeginByTrigger(job, trigger, timeUs);
-    if (trigger.action == TRG_STOP)
-        EndByTrigger(job, trigger, timeUs);
-    if (trigger.action == TRG_BEEP && job->listener.beep != nullptr)
-        job->listener.beep();
-    if (trigger.action != TRG_MARK)
-        return;
-    ++job->markers;
-    REC_PutNote(&job->recorder, timeUs, "marker", trigger.text);
-}
-
-// What starts a recording comes before its row, what stops it behind.
 void PutRow(void *context, const SMP_Sampler &sampler, const SMP_Row &row)
 {
     RCJ_Job *job = static_cast<RCJ_Job *>(context);
-    std::vector<const TRG_Trigger *> behind;
-    for (TRG_Trigger &trigger : job->triggers) {
-        if (!TRG_Feed(&trigger, sampler.store.items, row.samples))
-            continue;
-        if (trigger.action == TRG_STOP)
-            behind.push_back(&trigger);
-        else
-            Fire(job, trigger, row.timeUs);
-    }
-    job->rows += job->recorder.isOpen;
-    REC_PutRow(&job->recorder, row.timeUs, row.samples, sampler.store);
-    for (const TRG_Trigger *trigger : behind)
-        Fire(job, *trigger, row.timeUs);
+    ARC_PutRow(&job->recorder, sampler.store, row);
+    CheckRecorder(job);
 }
 
 void Flush(void *context)
 {
     RCJ_Job *job = static_cast<RCJ_Job *>(context);
     job->flushedUs = NowUs(*job);
-    REC_Flush(&job->recorder, job->flushedUs);
+    REC_Flush(&job->recorder.file, job->flushedUs);
     CheckRecorder(job);
 }
 
 void NoteMessage(void *context, const std::string &text)
 {
     RCJ_Job *job = static_cast<RCJ_Job *>(context);
-    REC_PutNote(&job->recorder, NowUs(*job), "line", text);
+    REC_PutNote(&job->recorder.file, NowUs(*job), "line", text);
     Tell(*job, text);
 }
 
@@ -121,10 +77,9 @@ int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
               const RCJ_Listener &listener, std::string *problem, const SMP_Line *line)
 {
     *job = RCJ_Job();
-    job->options = options;
-    job->options.periodMs = periodMs;
-    job->triggers = triggers;
     job->listener = listener;
+    job->recorder.triggers = triggers;
+    job->recorder.listener = {job, TellOfRecorder, BeepOfRecorder, nullptr};
     const SMP_Listener rows = {job, PutRow, Flush, NoteMessage};
     // The store is for graphs; here nobody looks back.
     const int started = SMP_Start(&job->sampler, items, periodMs, rows, 1, line);
@@ -133,13 +88,13 @@ int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
                                             : "The period is out of range.";
         return -1;
     }
-    if (!IsWaitingForStart(*job)) {
-        const int result = Begin(job, NowUs(*job));
-        if (result != 0) {
-            *problem = job->recorder.problem;
-            job->sampler.isRunning = false;
-            return result;
-        }
+    REC_Options timed = options;
+    timed.periodMs = periodMs;
+    const int result = ARC_Begin(&job->recorder, timed, items, NowUs(*job));
+    if (result != 0) {
+        *problem = job->recorder.file.problem;
+        job->sampler.isRunning = false;
+        return result;
     }
     job->isRunning = true;
     return 0;
@@ -167,16 +122,17 @@ void RCJ_Follow(RCJ_Job *job, const std::vector<SMP_Item> &items)
         RCJ_Stop(job);
         return;
     }
-    REC_ChangeItems(&job->recorder, items, NowUs(*job));
-    if (job->recorder.isOpen)
-        Tell(*job, "The items have changed: the recording goes on in " + job->recorder.path + ".");
+    REC_Recorder *file = &job->recorder.file;
+    REC_ChangeItems(file, items, NowUs(*job));
+    if (file->isOpen)
+        Tell(*job, "The items have changed: the recording goes on in " + file->path + ".");
     CheckRecorder(job);
 }
 
 void RCJ_Note(RCJ_Job *job, const std::string &kind, const std::string &text)
 {
-    REC_PutNote(&job->recorder, NowUs(*job), kind, text);
-    job->markers += kind == "marker";
+    REC_PutNote(&job->recorder.file, NowUs(*job), kind, text);
+    job->recorder.markers += kind == "marker";
     CheckRecorder(job);
 }
 
@@ -193,9 +149,9 @@ int RCJ_Stop(RCJ_Job *job)
 {
     SMP_Stop(&job->sampler);
     job->isRunning = false;
-    const int result = REC_Close(&job->recorder);
+    const int result = ARC_End(&job->recorder);
     if (job->problem.empty())
-        job->problem = job->recorder.problem;
+        job->problem = job->recorder.file.problem;
     return job->problem.empty() ? result : REC_ERR_WRITE;
 }
 
@@ -207,7 +163,8 @@ std::string RCJ_Summary(const RCJ_Job &job, int baud)
     std::snprintf(
         text, sizeof text,
         "%llu rows, %llu samples, %.1f samples a second, %.1f %% of the line, %llu failed",
-        static_cast<unsigned long long>(job.rows), static_cast<unsigned long long>(totals.samples),
+        static_cast<unsigned long long>(job.recorder.rows),
+        static_cast<unsigned long long>(totals.samples),
         static_cast<double>(totals.samples) / seconds, 100 * SMP_WireShare(job.sampler, baud),
         static_cast<unsigned long long>(totals.failed));
     return text;

@@ -4,9 +4,8 @@
 #ifndef SAMPLER_RECORD_JOB_H
 #define SAMPLER_RECORD_JOB_H
 
-#include "sampler/recorder.h"
+#include "sampler/armed_recorder.h"
 #include "sampler/sampler.h"
-#include "sampler/trigger.h"
 
 #include <string>
 #include <vector>
@@ -18,16 +17,12 @@ struct RCJ_Listener {
 
 struct RCJ_Job {
     SMP_Sampler sampler;
-    REC_Recorder recorder;
+    ARC_Recorder recorder;
     bool isRunning = false;
     std::string problem; // why it ended by itself, "" when it did not
-    uint64_t rows = 0, markers = 0;
 
     // The rest is the job's own.
-    REC_Options options;
-    std::vector<TRG_Trigger> triggers;
     RCJ_Listener listener;
-    bool hasBegun = false; // a file has been opened: the next gets a time stamp
     int64_t flushedUs = 0;
 };
 

@@ -1,10 +1,9 @@
 #include "sampler/record_watch.h"
 
-#include <sstream>
-
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "sampler/record_job.h"
+#include "sampler/trigger_entry.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -16,12 +15,8 @@ namespace {
 constexpr int PERIOD_MS = 1000;
 constexpr uint64_t TICK_US = 15000;   // of reading in one tick: one exchange at least
 constexpr uint64_t BUSY_US = 3000000; // without a tick: the gap gets a line
-constexpr size_t TEXT_MAX = 200, TRIGGER_TEXT_MAX = 800;
-constexpr int QUESTIONS_MAX = 10;      // about the same thing
+constexpr size_t TEXT_MAX = 200;
 const char RECORDING[] = "Recording "; // how every message about its state begins
-const char TRIGGER_HELP[] = "Actions of the next recording, parted by ';', such as\n"
-                            "\"start when wRamp > 900; stop when nSine fails; mark when byMode "
-                            "changes\".\nActions: start, stop, beep, mark. Empty: none.";
 
 RCJ_Job job;
 std::vector<TRG_Trigger> triggers;
@@ -51,8 +46,8 @@ void ShowProgress()
     if (!shown.empty() && shown.compare(0, sizeof RECORDING - 1, RECORDING) != 0)
         return;
     const std::string where =
-        job.recorder.isOpen ? WRD_Visible(job.recorder.path) : "waits for its trigger";
-    VR_ShowMessage(RECORDING + where + ": " + std::to_string(job.rows) + " rows.");
+        job.recorder.file.isOpen ? WRD_Visible(job.recorder.file.path) : "waits for its trigger";
+    VR_ShowMessage(RECORDING + where + ": " + std::to_string(job.recorder.rows) + " rows.");
 }
 
 // A job that has ended by itself has said so.
@@ -78,26 +73,6 @@ void Begin(const std::string &path)
     ShowProgress();
     if (isTimer == 0)
         VR_ShowMessage("Recording begins when communication is on.");
-}
-
-bool ParseTriggers(const std::string &text, std::vector<TRG_Trigger> *parsed, std::string *problem)
-{
-    std::istringstream stream(text);
-    for (std::string line; std::getline(stream, line, ';');) {
-        if (WRD_Trim(line).empty())
-            continue;
-        TRG_Trigger trigger;
-        if (TRG_Parse(line, &trigger, problem) != 0) {
-            *problem = "'" + WRD_Trim(line) + "': " + *problem + ".";
-            return false;
-        }
-        parsed->push_back(trigger);
-        if (parsed->size() > TRG_LINES_MAX) {
-            *problem = "There are too many actions.";
-            return false;
-        }
-    }
-    return true;
 }
 
 } // namespace
@@ -147,11 +122,11 @@ void RCW_Stop()
 {
     if (!job.isRunning)
         return;
-    const std::string path = job.recorder.path;
+    const std::string path = job.recorder.file.path;
     const bool isKept = RCJ_Stop(&job) == 0;
     ShowState();
     if (isKept)
-        VR_ShowMessage("Recorded " + WRD_Visible(path) + ": " + std::to_string(job.rows) +
+        VR_ShowMessage("Recorded " + WRD_Visible(path) + ": " + std::to_string(job.recorder.rows) +
                        " rows.");
     else
         MessagePopup("Error", job.problem);
@@ -184,16 +159,5 @@ void RCW_MarkCB(int /*menuBar*/, int /*item*/)
 
 void RCW_TriggersCB(int /*menuBar*/, int /*item*/)
 {
-    std::string text = triggerText, problem;
-    for (int round = 0; round < QUESTIONS_MAX; ++round) {
-        const std::string question = (problem.empty() ? "" : problem + "\n\n") + TRIGGER_HELP;
-        if (PromptPopup("Record when", question, &text, TRIGGER_TEXT_MAX) < 0)
-            return;
-        std::vector<TRG_Trigger> parsed;
-        if (!ParseTriggers(text, &parsed, &problem))
-            continue;
-        triggers = parsed;
-        triggerText = text;
-        return;
-    }
+    TRG_Ask("of the next recording", &triggerText, &triggers);
 }

@@ -162,7 +162,7 @@ std::string Head(const REC_Recorder &recorder)
     head += HeadLine("period",
                      period == 0 ? "as fast as the line allows" : std::to_string(period) + " ms");
     head += HeadLine("part", std::to_string(recorder.files + 1));
-    std::string columns = "time,iso";
+    std::string columns = recorder.options.hasDates ? "time,iso" : "time";
     for (size_t i = 0; i < recorder.items.size(); ++i) {
         const SMP_Item &item = recorder.items[i];
         const std::string number = std::to_string(i + 1) + ", ";
@@ -203,10 +203,10 @@ std::string StampedPath(const REC_Recorder &recorder, int64_t nowUs)
     return stamped;
 }
 
-int CreateFile(REC_Recorder *recorder, const std::string &path, bool mayReplace, int64_t nowUs)
+int OpenForWriting(REC_Recorder *recorder, bool mayReplace)
 {
     std::string real;
-    recorder->path = path;
+    const std::string &path = recorder->path;
     if (PLT_ResolveFile(path, &real) != 0) {
         recorder->problem = path + " is a folder, device or pipe.";
         return REC_ERR_OPEN;
@@ -217,10 +217,20 @@ int CreateFile(REC_Recorder *recorder, const std::string &path, bool mayReplace,
     }
     errno = 0;
     recorder->file = PLT_OpenFile(path, "wb");
-    if (recorder->file == nullptr) {
-        recorder->problem = path + ": " + std::strerror(errno) + ".";
-        return REC_ERR_OPEN;
-    }
+    if (recorder->file != nullptr)
+        return 0;
+    recorder->problem = path + ": " + std::strerror(errno) + ".";
+    return REC_ERR_OPEN;
+}
+
+int CreateFile(REC_Recorder *recorder, const std::string &path, bool mayReplace, int64_t nowUs)
+{
+    recorder->path = path;
+    recorder->file = recorder->options.file;
+    recorder->options.file = nullptr; // another file is the recorder's own
+    const int opened = recorder->file == nullptr ? OpenForWriting(recorder, mayReplace) : 0;
+    if (opened != 0)
+        return opened;
     recorder->isOpen = true;
     recorder->fileUs = nowUs;
     recorder->bytes = 0;
@@ -302,6 +312,8 @@ int NoteFailures(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *sampl
 // follow, and a line says so.
 int FollowClock(REC_Recorder *recorder, int64_t nowUs)
 {
+    if (!recorder->options.hasDates)
+        return 0;
     const int64_t isMs = recorder->options.utcMs();
     const int64_t offMs = isMs - UtcMsAt(*recorder, nowUs);
     if (std::llabs(offMs) <= CLOCK_SET_MS)
@@ -351,8 +363,10 @@ int REC_PutRow(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *samples
     std::string &buffer = recorder->buffer;
     const size_t before = buffer.size();
     AppendSeconds(&buffer, timeUs - recorder->originUs);
-    buffer += ',';
-    AppendIsoLocal(recorder, UtcMsAt(*recorder, timeUs));
+    if (recorder->options.hasDates) {
+        buffer += ',';
+        AppendIsoLocal(recorder, UtcMsAt(*recorder, timeUs));
+    }
     for (size_t i = 0; i < recorder->items.size(); ++i) {
         buffer += ',';
         if (samples[i].state == SMP_GOOD)

@@ -20,6 +20,8 @@ struct REC_Options {
     uint32_t rotateMinutes = 0;     // or after so long
     int periodMs = 0;               // for the head: 0 as fast as the line allows
     int64_t (*utcMs)() = PLT_UtcMs; // the clock that can be set
+    bool hasDates = true;           // a column with dates beside the times
+    std::FILE *file = nullptr;      // open already, of this path; the recorder closes it
 };
 
 struct REC_Recorder {

@@ -16,11 +16,6 @@ namespace {
 constexpr size_t REASONS_MAX = 255; // the last one stands for all others
 const char OTHER_REASON[] = "failed for another reason";
 
-size_t PlaceOf(const SMP_Ring &ring, uint64_t number)
-{
-    return static_cast<size_t>(number % ring.timesUs.size());
-}
-
 // The ring grows until it holds `samplesMax`; from then on the oldest sample makes way.
 void Grow(SMP_Ring *ring, size_t samplesMax)
 {
@@ -29,11 +24,12 @@ void Grow(SMP_Ring *ring, size_t samplesMax)
     SMP_Ring bigger;
     bigger.first = ring->first;
     bigger.end = ring->end;
+    bigger.lap = ring->first; // all of it in front
     bigger.timesUs.resize(has);
     bigger.bits.resize(has);
     bigger.states.resize(has);
     for (uint64_t number = ring->first; number < ring->end; ++number) {
-        const size_t from = PlaceOf(*ring, number), to = PlaceOf(bigger, number);
+        const size_t from = SST_PlaceOf(*ring, number), to = SST_PlaceOf(bigger, number);
         bigger.timesUs[to] = ring->timesUs[from];
         bigger.bits[to] = ring->bits[from];
         bigger.states[to] = ring->states[from];
@@ -157,7 +153,9 @@ void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample)
         else
             ++ring.first;
     }
-    const size_t place = PlaceOf(ring, ring.end);
+    if (ring.end - ring.lap == ring.timesUs.size())
+        ring.lap = ring.end;
+    const size_t place = SST_PlaceOf(ring, ring.end);
     ring.timesUs[place] = sample.timeUs;
     ring.bits[place] = sample.bits;
     ring.states[place] = sample.state;
@@ -167,7 +165,7 @@ void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample)
 SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number)
 {
     const SMP_Ring &ring = store.rings[item];
-    const size_t place = PlaceOf(ring, number);
+    const size_t place = SST_PlaceOf(ring, number);
     return {ring.timesUs[place], ring.bits[place], ring.states[place]};
 }
 
@@ -177,7 +175,7 @@ uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs)
     uint64_t from = ring.first, to = ring.end;
     while (from < to) {
         const uint64_t middle = from + (to - from) / 2;
-        if (ring.timesUs[PlaceOf(ring, middle)] < timeUs)
+        if (ring.timesUs[SST_PlaceOf(ring, middle)] < timeUs)
             from = middle + 1;
         else
             to = middle;

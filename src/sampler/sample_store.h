@@ -45,6 +45,7 @@ struct SMP_Sample {
 // The samples of one item, numbered from 0 since it was added; the oldest fall out.
 struct SMP_Ring {
     uint64_t first = 0, end = 0; // numbers that are here: first <= number < end
+    uint64_t lap = 0;            // the newest number that stands at the front of the vectors
     std::vector<int64_t> timesUs;
     std::vector<uint64_t> bits;
     std::vector<uint8_t> states;
@@ -61,6 +62,12 @@ constexpr size_t SST_DEFAULT_SAMPLES = 200000; // of each item
 // Other items from now on. Those that stay the same keep their samples and numbers.
 void SST_SetItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax);
 void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample);
+// Where a number stands, first <= number < end: graphs ask millions of times.
+inline size_t SST_PlaceOf(const SMP_Ring &ring, uint64_t number)
+{
+    return static_cast<size_t>(number >= ring.lap ? number - ring.lap
+                                                  : number + ring.timesUs.size() - ring.lap);
+}
 SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number); // first <= number < end
 // The first sample kept that is not before this time; `end` when there is none.
 uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs);

@@ -1,8 +1,8 @@
 #include "sampler/trigger.h"
 
+#include "text/numbers.h"
 #include "text/words.h"
 
-#include <charconv>
 #include <cmath>
 #include <sstream>
 
@@ -41,13 +41,6 @@ struct ActionRow {
 };
 const ActionRow ACTIONS[] = {
     {"start", TRG_START}, {"stop", TRG_STOP}, {"beep", TRG_BEEP}, {"mark", TRG_MARK}};
-
-bool ParseLevel(const std::string &text, double *level)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *level);
-    return result.ec == std::errc() && result.ptr == end && std::isfinite(*level);
-}
 
 // Words parted by blanks; a comparison may stand without blanks around it.
 std::vector<std::string> SplitWords(const std::string &line)
@@ -99,13 +92,34 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
         return -1;
     }
     const bool hasLevel = CONDITIONS[parsed.condition].hasLevel;
-    if (words.size() != (hasLevel ? 5u : 4u) ||
-        (hasLevel && !ParseLevel(words[4], &parsed.level))) {
+    if (words.size() != (hasLevel ? 5u : 4u) || (hasLevel && !NUM_Parse(words[4], &parsed.level))) {
         *problem = hasLevel ? "a number is to follow '" + words[3] + "'"
                             : "nothing is to follow '" + words[3] + "'";
         return -1;
     }
     *trigger = parsed;
+    return 0;
+}
+
+int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers, std::string *problem)
+{
+    std::vector<TRG_Trigger> parsed;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line, ';');) {
+        TRG_Trigger trigger;
+        if (WRD_Trim(line).empty())
+            continue;
+        if (TRG_Parse(line, &trigger, problem) != 0) {
+            *problem = "'" + WRD_Trim(line) + "': " + *problem + ".";
+            return -1;
+        }
+        parsed.push_back(trigger);
+    }
+    if (parsed.size() > TRG_LINES_MAX) {
+        *problem = "There are too many actions.";
+        return -1;
+    }
+    *triggers = parsed;
     return 0;
 }
 

@@ -32,6 +32,9 @@ constexpr size_t TRG_LINES_MAX = 16;
 
 // 0, or -1 with what is wrong in *problem.
 int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem);
+// Several, parted by ';'. 0, or -1 with what is wrong in *problem, for a person.
+int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers,
+                  std::string *problem);
 // True when it fires by this row. An item that is not among `items` never does.
 bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples);
 

@@ -154,6 +154,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_RECORD_INSPECTOR, "R__ecord inspector", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
+    {MENU_WINDOW, ITEM_SIMULATOR, "S__imulated target", 0, WindowCB},
     {MENU_WINDOW, ITEM_TERMINAL, "Service ter__minal", KEY_CTRL | 'J', T166_OpenCB},
     {MENU_WINDOW, ITEM_LCD, "LCD and key__board", 0, LCW_OpenCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},

@@ -9,12 +9,14 @@
 #include "diagnostics/trace_panel.h"
 #include "graphs/window.h"
 #include "inspect/array_inspector.h"
+#include "inspect/inspectors.h"
 #include "inspect/record_inspector.h"
 #include "loader/window.h"
 #include "logger/log_window.h"
 #include "scope/window.h"
 #include "sets/editor.h"
 #include "sets/window.h"
+#include "simulator/window.h"
 #include "terminal/entry.h"
 #include "terminal/lcd_window.h"
 #include "terminal/window.h"
@@ -48,14 +50,55 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
-    {PANEL_ARRAY, "array", "Array", ARI_PanelCB},
-    {PANEL_RECORD, "record", "Record", RCI_PanelCB},
-    {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
+    {PANEL_ARRAY, "array", "Array", INS_PanelCB},
+    {PANEL_RECORD, "record", "Record", INS_PanelCB},
+    {PANEL_ARRAY_MORE, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 1, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 2, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 3, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 4, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 5, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 6, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 7, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 8, "array", "Array", INS_PanelCB},
+    {PANEL_RECORD_MORE, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 1, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 2, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 3, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 4, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 5, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 6, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 7, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 8, "record", "Record", INS_PanelCB},
+    {PANEL_SIMULATOR, "simulator", "Simulated target", TGW_PanelCB},
     {PANEL_TERMINAL, "terminal", "Service terminal", T166_PanelCB},
     {PANEL_LCD, "lcd", "LCD and keyboard", LCW_PanelCB},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
 };
 const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
+
+// The controls of an inspector, which has ten windows of a kind.
+#define ARRAY_WINDOW(panel)                                                                        \
+    {panel, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},                                        \
+    {panel, ARRAY_SLICE, UIK_STRING, "slice", ARI_SliceCB},                                        \
+    {panel, ARRAY_STATE, UIK_TEXT, "state", nullptr},                                              \
+    {panel, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},                                             \
+    {panel, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},                                             \
+    {panel, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},                                       \
+    {panel, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},                                         \
+    {panel, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},                                      \
+    {panel, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},                                      \
+    {panel, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},                                 \
+    {panel, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},                                         \
+    {panel, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},                                          \
+    {panel, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB}
+#define RECORD_WINDOW(panel)                                                                       \
+    {panel, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},                                       \
+    {panel, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},                                            \
+    {panel, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},                                        \
+    {panel, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},                                          \
+    {panel, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},                                         \
+    {panel, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB}
 
 const UI_Control UI_aControls[] = {
     {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", LEV_ListCB},
@@ -222,6 +265,7 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_START, UIK_BUTTON, "start", GRW_StartCB},
     {PANEL_GRAPH, STRIP_PAUSE, UIK_BUTTON, "pause", GRW_PauseCB},
     {PANEL_GRAPH, STRIP_RECORD, UIK_BUTTON, "record", GRW_RecordCB},
+    {PANEL_GRAPH, STRIP_WHEN, UIK_BUTTON, "when", GRW_WhenCB},
     {PANEL_GRAPH, STRIP_MARKER, UIK_BUTTON, "marker", GRW_MarkerCB},
     {PANEL_GRAPH, STRIP_TEXT, UIK_STRING, "markerText", nullptr},
     {PANEL_GRAPH, STRIP_PERIOD, UIK_RING, "period", GRW_RingCB},
@@ -237,25 +281,26 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_SAVE_SETUP, UIK_BUTTON, "saveSetup", GRW_FileCB},
     {PANEL_GRAPH, STRIP_TIMER, UIK_TIMER, "timer", GRW_TimerCB},
 
-    {PANEL_ARRAY, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},
-    {PANEL_ARRAY, ARRAY_STATE, UIK_TEXT, "state", nullptr},
-    {PANEL_ARRAY, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},
-    {PANEL_ARRAY, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},
-    {PANEL_ARRAY, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},
-    {PANEL_ARRAY, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB},
-
-    {PANEL_RECORD, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},
-    {PANEL_RECORD, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},
-    {PANEL_RECORD, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},
-    {PANEL_RECORD, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},
-    {PANEL_RECORD, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},
-    {PANEL_RECORD, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB},
+    ARRAY_WINDOW(PANEL_ARRAY),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 1),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 2),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 3),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 4),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 5),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 6),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 7),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 8),
+    RECORD_WINDOW(PANEL_RECORD),
+    RECORD_WINDOW(PANEL_RECORD_MORE),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 1),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 2),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 3),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 4),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 5),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 6),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 7),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 8),
 
     {PANEL_TERMINAL, TERM_SCREEN, UIK_TEXTBOX, "screen", T166_ScreenCB},
     {PANEL_TERMINAL, TERM_LINE, UIK_STRING, "line", T166_LineCB},
@@ -361,6 +406,33 @@ const UI_Control UI_aControls[] = {
     {PANEL_DEBUGGER, DEBUG_MESSAGE, UIK_TEXT, "message", nullptr},
     {PANEL_DEBUGGER, DEBUG_COPY, UIK_BUTTON, "copy", DBW_ButtonCB},
     {PANEL_DEBUGGER, DEBUG_TIMER, UIK_TIMER, "timer", DBW_TimerCB},
+
+    {PANEL_SIMULATOR, SIMUL_START, UIK_BUTTON, "start", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_CONNECT, UIK_BUTTON, "connectTarget", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_SIMULATOR, SIMUL_PROGRAM, UIK_RING, "program", TGW_OptionCB},
+    {PANEL_SIMULATOR, SIMUL_PROTOCOL, UIK_RING, "protocol", TGW_OptionCB},
+    {PANEL_SIMULATOR, SIMUL_BAUD, UIK_RING, "baud", nullptr},
+    {PANEL_SIMULATOR, SIMUL_STATIONS, UIK_STRING, "stations", nullptr},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, UIK_RING, "scopes", nullptr},
+    {PANEL_SIMULATOR, SIMUL_DROP, UIK_NUMBER, "drop", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT, UIK_NUMBER, "corrupt", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_REPEAT, UIK_NUMBER, "repeat", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_REFUSE, UIK_NUMBER, "refuse", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_DELAY, UIK_NUMBER, "delay", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_DROP_TEXT, UIK_TEXT, "dropText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT_TEXT, UIK_TEXT, "corruptText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_REPEAT_TEXT, UIK_TEXT, "repeatText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_REFUSE_TEXT, UIK_TEXT, "refuseText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_DELAY_TEXT, UIK_TEXT, "delayText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_SILENT, UIK_SWITCH, "silent", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_ECHO, UIK_SWITCH, "echo", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_NO_FAULTS, UIK_BUTTON, "noFaults", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_LOG, UIK_LIST, "log", nullptr},
+    {PANEL_SIMULATOR, SIMUL_COPY, UIK_BUTTON, "copy", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_CLEAR, UIK_BUTTON, "clear", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_SIMULATOR, SIMUL_TIMER, UIK_TIMER, "timer", TGW_TimerCB},
 
     {PANEL_SCOPE, SCOPE_ID, UIK_STRING, "scopeId", nullptr},
     {PANEL_SCOPE, SCOPE_INIT, UIK_BUTTON, "init", DTSC_OnInit},

@@ -25,6 +25,8 @@ enum {
     PANEL_LOADER = 30,      // flash loader
     PANEL_ARRAY = 39,       // array inspector
     PANEL_RECORD = 40,      // record inspector
+    PANEL_ARRAY_MORE = 42,  // nine more windows of each, to 50
+    PANEL_RECORD_MORE = 51, // to 59
     PANEL_LCD = 41,         // LCD and keyboard terminal
     PANEL_DATA_LOG = 31,    // the data logger's log
 };
@@ -246,6 +248,7 @@ enum {
     STRIP_SAVE_SETUP = 15,
     STRIP_TIMER = 16,
     STRIP_TEXT = 17, // of the next markers
+    STRIP_WHEN = 18, // triggers
 };
 
 // Scope panel.
@@ -295,6 +298,7 @@ enum {
     ARRAY_NEXT = 10,
     ARRAY_MESSAGE = 11,
     ARRAY_TIMER = 12,
+    ARRAY_SLICE = 13,       // indices of the dimensions in front of the last two
 };
 
 // Record inspector.
@@ -305,6 +309,36 @@ enum {
     RECORD_ADD = 4,
     RECORD_MESSAGE = 5,
     RECORD_TIMER = 6,
+};
+
+// Simulator.
+enum {
+    SIMUL_START = 1,        // or stop
+    SIMUL_CONNECT = 2,      // or disconnect
+    SIMUL_STATE = 3,
+    SIMUL_PROGRAM = 4,      // value = TGT_Program
+    SIMUL_PROTOCOL = 5,
+    SIMUL_BAUD = 6,         // 0 = as fast as the machine
+    SIMUL_STATIONS = 7,
+    SIMUL_SCOPES = 8,
+    SIMUL_DROP = 9,         // percent, as the next three
+    SIMUL_CORRUPT = 10,
+    SIMUL_REPEAT = 11,
+    SIMUL_REFUSE = 12,
+    SIMUL_DELAY = 13,       // ms
+    SIMUL_DROP_TEXT = 14,   // the values in words, in the same order
+    SIMUL_CORRUPT_TEXT = 15,
+    SIMUL_REPEAT_TEXT = 16,
+    SIMUL_REFUSE_TEXT = 17,
+    SIMUL_DELAY_TEXT = 18,
+    SIMUL_SILENT = 19,
+    SIMUL_ECHO = 20,
+    SIMUL_NO_FAULTS = 21,
+    SIMUL_LOG = 22,
+    SIMUL_COPY = 23,
+    SIMUL_CLEAR = 24,
+    SIMUL_MESSAGE = 25,
+    SIMUL_TIMER = 26,
 };
 
 // Device configuration.

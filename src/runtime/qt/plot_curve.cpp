@@ -5,7 +5,8 @@
 
 namespace {
 
-constexpr int SAMPLES_A_PIXEL = 2;     // up to here a line is drawn from sample to sample
+constexpr int SAMPLES_A_PIXEL = 1;     // up to here a line is drawn from sample to sample
+constexpr size_t SMOOTH_MAX = 12000;   // samples of all curves: smooth lines cost ten times more
 constexpr double DOT_FROM_PIXELS = 12; // samples so far apart get a dot each
 constexpr double FAR_PIXELS = 1e6;     // the painter's arithmetic ends somewhere behind
 
@@ -131,7 +132,8 @@ void PlotCurve::draw(QCPPainter *painter)
     painter->setBrush(Qt::NoBrush);
     const auto pixels = static_cast<size_t>(std::max(1, mKeyAxis->axisRect()->width()));
     if (end - first <= pixels * SAMPLES_A_PIXEL) {
-        painter->setAntialiasing(true);
+        const auto curves = static_cast<size_t>(parentPlot()->plottableCount());
+        painter->setAntialiasing((end - first) * curves <= SMOOTH_MAX);
         drawSamples(painter, first, end);
     } else {
         painter->setAntialiasing(false);

@@ -1,0 +1,237 @@
+#include "graphs/past.h"
+
+#include "platform/safe_file.h"
+#include "platform/system.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <limits>
+
+namespace {
+
+constexpr uint64_t EARLY_SHARE = 8;     // rows are written when an eighth of memory is left
+constexpr double RENEWED_SHARE = 0.004; // of a reading: by so much its end may be old
+constexpr uint8_t NOT_SAMPLED = UINT8_MAX;
+constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+bool AreSame(const std::vector<SMP_Item> &a, const std::vector<SMP_Item> &b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), SMP_IsSame);
+}
+
+void RemoveOldest(GPA_Past *past)
+{
+    (void)PLT_RemoveFile(past->parts.front().recording.path);
+    past->parts.pop_front();
+    past->coarse.isValid = past->fine.isValid = false;
+}
+
+int Fail(GPA_Past *past, const std::string &cause)
+{
+    past->problem = "What leaves memory is not kept any more: " + cause;
+    return -1;
+}
+
+// The temporary name of a file that is never committed: it is locked while it is written, and
+// what a killed program has left is found by it.
+int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
+{
+    if (REC_Close(&past->recorder) < 0)
+        return Fail(past, past->recorder.problem);
+    if (past->parts.size() == GPA_PARTS_MAX)
+        RemoveOldest(past);
+    std::error_code none;
+    const std::string folder =
+        past->folder.empty() ? std::filesystem::temp_directory_path(none).u8string() : past->folder;
+    const std::string number = std::to_string(past->begun++ % GPA_PARTS_MAX + 1);
+    SafeFile file;
+    if (PLT_MakeDirs(folder) != 0 ||
+        SAF_Open(&file, folder + PLT_PathSeparator() + "graph-history-" + number + ".csv", "wb") !=
+            0)
+        return Fail(past, "no file can be made in " + folder + ".");
+    REC_Options options;
+    options.path = file.tempPath;
+    options.file = file.file;
+    options.hasDates = false;
+    std::vector<SMP_Item> columns = store.items;
+    for (size_t i = 0; i < columns.size(); ++i) // by place: names may repeat
+        columns[i].name = "c" + std::to_string(i + 1);
+    GPA_Part part;
+    part.items = store.items;
+    part.recording.path = options.path;
+    past->parts.push_back(part);
+    std::string problem;
+    if (REC_Open(&past->recorder, options, columns, originUs) < 0)
+        return Fail(past, past->recorder.problem);
+    if (RDR_Open(options.path, &past->parts.back().recording, &problem) < 0)
+        return Fail(past, problem);
+    return 0;
+}
+
+// Counted from the newest, samples of one row have one number, also of an item that came later.
+int WriteRow(GPA_Past *past, const SMP_Store &store, uint64_t back)
+{
+    std::vector<SMP_Sample> samples(store.items.size(), {0, 0, NOT_SAMPLED});
+    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
+    for (size_t i = 0; i < samples.size(); ++i) {
+        const SMP_Ring &ring = store.rings[i];
+        if (back > ring.end - ring.first)
+            continue;
+        samples[i] = SST_Get(store, i, ring.end - back);
+        firstUs = std::min(firstUs, samples[i].timeUs);
+        lastUs = std::max(lastUs, samples[i].timeUs);
+    }
+    return REC_PutRow(&past->recorder, firstUs + (lastUs - firstUs) / 2, samples.data(), store);
+}
+
+// A stretch of all parts, a curve an item; points are shared out by how long each part is.
+bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
+          size_t pointsMax, std::vector<GRH_Points> *curves)
+{
+    curves->assign(items.size(), GRH_Points());
+    for (const GPA_Part &part : past.parts) {
+        const RDR_Recording &recording = part.recording;
+        const double low = std::max(from, recording.timeMin);
+        const double high = std::min(to, recording.timeMax);
+        if (recording.rows == 0 || low > high)
+            continue;
+        std::vector<size_t> columns, wanted;
+        for (size_t i = 0; i < items.size(); ++i)
+            for (size_t k = 0; k < part.items.size(); ++k)
+                if (SMP_IsSame(items[i], part.items[k])) {
+                    columns.push_back(k);
+                    wanted.push_back(i);
+                    break;
+                }
+        const double share = to > from ? (high - low) / (to - from) : 1;
+        RDR_Curves read;
+        if (RDR_Read(recording, low, high, columns,
+                     static_cast<size_t>(share * static_cast<double>(pointsMax)) + 2, &read) < 0)
+            return false;
+        for (size_t c = 0; c < wanted.size(); ++c) {
+            GRH_Points &points = (*curves)[wanted[c]];
+            points.times.insert(points.times.end(), read.times.begin(), read.times.end());
+            points.values.insert(points.values.end(), read.values[c].begin(), read.values[c].end());
+        }
+    }
+    return true;
+}
+
+// What was read last will do when it begins where it should and ends at most a trifle early.
+const std::vector<GRH_Points> *ReadAnew(const GPA_Past &past, const std::vector<SMP_Item> &items,
+                                        double from, double to, size_t pointsMax,
+                                        GPA_Reading *reading)
+{
+    const double trifle = RENEWED_SHARE * (to - from);
+    if (reading->isValid && std::fabs(reading->from - from) <= trifle &&
+        std::fabs(reading->to - to) <= trifle && AreSame(reading->items, items))
+        return &reading->curves;
+    reading->isValid = Read(past, items, from, to, pointsMax, &reading->curves);
+    reading->from = from;
+    reading->to = to;
+    reading->items = items;
+    return reading->isValid ? &reading->curves : nullptr;
+}
+
+} // namespace
+
+int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t originUs)
+{
+    const uint64_t kept = store.samplesMax - store.samplesMax / EARLY_SHARE;
+    if (!past->problem.empty() || rows <= kept)
+        return 0;
+    uint64_t inMemory = 0;
+    for (const SMP_Ring &ring : store.rings)
+        inMemory = std::max(inMemory, ring.end - ring.first);
+    past->written = std::max(past->written, rows - std::min(rows, inMemory));
+    const uint64_t end = rows - kept;
+    if (past->written >= end)
+        return 0;
+    while (past->written < end) {
+        const bool isOther = past->parts.empty() || !AreSame(past->parts.back().items, store.items);
+        if ((isOther || past->recorder.bytes >= past->partBytes) &&
+            BeginPart(past, store, originUs) < 0)
+            return -1;
+        if (WriteRow(past, store, rows - past->written) < 0)
+            return Fail(past, past->recorder.problem);
+        ++past->written;
+        const bool isDone = past->written == end || past->recorder.bytes >= past->partBytes;
+        if (!isDone)
+            continue;
+        if (REC_Flush(&past->recorder, originUs) < 0)
+            return Fail(past, past->recorder.problem);
+        if (RDR_Follow(&past->parts.back().recording) < 0)
+            return Fail(past, past->recorder.path + " cannot be read.");
+    }
+    return 0;
+}
+
+bool GPA_GetExtent(const GPA_Past &past, double *from, double *to)
+{
+    bool isThere = false;
+    for (const GPA_Part &part : past.parts) {
+        if (part.recording.rows == 0)
+            continue;
+        *from = isThere ? *from : part.recording.timeMin;
+        *to = part.recording.timeMax;
+        isThere = true;
+    }
+    return isThere;
+}
+
+const std::vector<GRH_Points> *GPA_ReadAll(GPA_Past *past, const std::vector<SMP_Item> &items,
+                                           size_t pointsMax)
+{
+    double from = 0, to = 0;
+    if (!GPA_GetExtent(*past, &from, &to))
+        return nullptr;
+    return ReadAnew(*past, items, from, to, pointsMax, &past->coarse);
+}
+
+const std::vector<GRH_Points> *GPA_ReadFine(GPA_Past *past, const std::vector<SMP_Item> &items,
+                                            double from, double to, size_t pointsMax)
+{
+    return ReadAnew(*past, items, from, to, pointsMax, &past->fine);
+}
+
+bool GPA_ReadRows(const GPA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
+                  size_t rowsMax, RDR_Curves *rows)
+{
+    *rows = RDR_Curves();
+    rows->values.resize(items.size());
+    for (const GPA_Part &part : past.parts) {
+        if (part.recording.rows == 0 || part.recording.timeMax < from ||
+            part.recording.timeMin > to)
+            continue;
+        std::vector<size_t> all(part.items.size());
+        for (size_t k = 0; k < all.size(); ++k)
+            all[k] = k;
+        RDR_Curves read;
+        if (RDR_Read(part.recording, from, to, all, rowsMax, &read) < 0 || read.isDecimated)
+            return false;
+        rows->times.insert(rows->times.end(), read.times.begin(), read.times.end());
+        for (size_t i = 0; i < items.size(); ++i) {
+            const auto found =
+                std::find_if(part.items.begin(), part.items.end(),
+                             [&](const SMP_Item &item) { return SMP_IsSame(item, items[i]); });
+            const auto column = static_cast<size_t>(found - part.items.begin());
+            if (found != part.items.end())
+                rows->values[i].insert(rows->values[i].end(), read.values[column].begin(),
+                                       read.values[column].end());
+            rows->values[i].resize(rows->times.size(), NOT_A_NUMBER);
+        }
+    }
+    return rows->times.size() <= rowsMax;
+}
+
+void GPA_Clear(GPA_Past *past)
+{
+    (void)REC_Close(&past->recorder);
+    while (!past->parts.empty())
+        RemoveOldest(past);
+    GPA_Past fresh;
+    fresh.folder = past->folder;
+    fresh.partBytes = past->partBytes;
+    *past = fresh;
+}

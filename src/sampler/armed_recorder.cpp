@@ -1,0 +1,111 @@
+#include "sampler/armed_recorder.h"
+
+#include <algorithm>
+
+namespace {
+
+bool IsStartedByTrigger(const ARC_Recorder &recorder)
+{
+    return std::any_of(recorder.triggers.begin(), recorder.triggers.end(),
+                       [](const TRG_Trigger &trigger) { return trigger.action == TRG_START; });
+}
+
+void Tell(const ARC_Recorder &recorder, const std::string &text)
+{
+    if (recorder.listener.message != nullptr)
+        recorder.listener.message(recorder.listener.context, text);
+}
+
+// A recording that cannot go on has ended.
+void NoticeFault(ARC_Recorder *recorder)
+{
+    if (!recorder->isOn || recorder->file.isOpen || recorder->file.problem.empty())
+        return;
+    recorder->isOn = false;
+    Tell(*recorder, recorder->file.problem);
+}
+
+// A second file must not overwrite the first.
+void StartByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger,
+                    const std::vector<SMP_Item> &items, int64_t timeUs)
+{
+    if (!recorder->isOn || recorder->file.isOpen)
+        return;
+    recorder->options.isStamped = recorder->options.isStamped || recorder->hasBegun;
+    recorder->hasBegun = true;
+    (void)REC_Open(&recorder->file, recorder->options, items, timeUs);
+    NoticeFault(recorder);
+    if (recorder->file.isOpen)
+        Tell(*recorder, "Recording " + recorder->file.path + " (" + trigger.text + ").");
+    REC_PutNote(&recorder->file, timeUs, "trigger", trigger.text);
+}
+
+void StopByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger, int64_t timeUs)
+{
+    if (!recorder->file.isOpen)
+        return;
+    REC_PutNote(&recorder->file, timeUs, "trigger", trigger.text);
+    Tell(*recorder, "Recorded " + recorder->file.path + " (" + trigger.text + ").");
+    if (REC_Close(&recorder->file) != 0)
+        NoticeFault(recorder);
+    else if (!IsStartedByTrigger(*recorder))
+        recorder->isOn = false;
+}
+
+void Fire(ARC_Recorder *recorder, const TRG_Trigger &trigger, const std::vector<SMP_Item> &items,
+          int64_t timeUs)
+{
+    const ARC_Listener &listener = recorder->listener;
+    if (trigger.action == TRG_START)
+        StartByTrigger(recorder, trigger, items, timeUs);
+    if (trigger.action == TRG_STOP)
+        StopByTrigger(recorder, trigger, timeUs);
+    if (trigger.action == TRG_BEEP && listener.beep != nullptr)
+        listener.beep(listener.context);
+    if (trigger.action != TRG_MARK)
+        return;
+    ++recorder->markers;
+    REC_PutNote(&recorder->file, timeUs, "marker", trigger.text);
+    if (listener.marker != nullptr)
+        listener.marker(listener.context, timeUs, trigger.text);
+}
+
+} // namespace
+
+int ARC_Begin(ARC_Recorder *recorder, const REC_Options &options,
+              const std::vector<SMP_Item> &items, int64_t nowUs)
+{
+    recorder->options = options;
+    recorder->rows = recorder->markers = 0;
+    recorder->file = REC_Recorder();
+    recorder->hasBegun = !IsStartedByTrigger(*recorder);
+    const int result = recorder->hasBegun ? REC_Open(&recorder->file, options, items, nowUs) : 0;
+    recorder->isOn = result == 0;
+    return result;
+}
+
+void ARC_PutRow(ARC_Recorder *recorder, const SMP_Store &store, const SMP_Row &row)
+{
+    // What starts a recording comes before its row, what stops it behind.
+    std::vector<size_t> behind;
+    for (size_t i = 0; i < recorder->triggers.size(); ++i) {
+        TRG_Trigger &trigger = recorder->triggers[i];
+        if (!TRG_Feed(&trigger, store.items, row.samples))
+            continue;
+        if (trigger.action == TRG_STOP)
+            behind.push_back(i);
+        else
+            Fire(recorder, trigger, store.items, row.timeUs);
+    }
+    recorder->rows += recorder->file.isOpen;
+    REC_PutRow(&recorder->file, row.timeUs, row.samples, store);
+    NoticeFault(recorder);
+    for (const size_t i : behind)
+        Fire(recorder, recorder->triggers[i], store.items, row.timeUs);
+}
+
+int ARC_End(ARC_Recorder *recorder)
+{
+    recorder->isOn = false;
+    return REC_Close(&recorder->file);
+}
