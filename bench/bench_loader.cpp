@@ -1,43 +1,28 @@
 // `l3write` of 64 KiB in records of 32 bytes over a paced line against the limit of the wire,
 // the same with erase and verify against the bare writing, and the checker on 1 MiB of HEX
 // text against reading its characters.
+#include "bench.h"
 #include "comm/mr166_link.h"
 #include "loader/hex_file.h"
 #include "loader/hex_stream.h"
 #include "loader/l3_protocol.h"
 #include "loader/program.h"
-#include "platform/system.h"
-#include "sim/sim.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 namespace {
 
-constexpr int PORT = 9, BAUD = 115200;
-constexpr double BITS_PER_CHAR = 11;
 constexpr uint32_t BYTES = 64 * 1024, RECORD_BYTES = 32, FLASH_ADDRESS = 0x10000;
 constexpr uint32_t WRITE_CHARS = 5 + RECORD_BYTES + 1; // head, data, the answer's sum
-constexpr int ROUNDS = 3; // the best counts: what else the machine does is not measured
+constexpr int ROUNDS = 3;
 constexpr int PARSE_ROUNDS = 20;
 constexpr size_t HEX_TEXT_BYTES = 1024 * 1024;
 const char FILE_NAME[] = "bench_loader.hex";
-
-[[noreturn]] void Fail(const std::string &what)
-{
-    std::fprintf(stderr, "bench_loader: %s\n", what.c_str());
-    std::exit(1);
-}
 
 // Records of 32 bytes that are neither erased nor all alike. Length of the file.
 size_t MakeFile(uint32_t records)
 {
     std::FILE *file = std::fopen(FILE_NAME, "wb");
     if (file == nullptr)
-        Fail("no file can be written");
+        BEN_Fail("no file can be written");
     for (uint32_t i = 0; i < records; ++i) {
         const uint32_t address = FLASH_ADDRESS + i * RECORD_BYTES, high = address >> 16;
         if (address % 0x10000 == 0)
@@ -58,40 +43,25 @@ size_t MakeFile(uint32_t records)
     return static_cast<size_t>(length);
 }
 
-template <typename Work> double TakeSeconds(int rounds, Work work)
-{
-    double best = 1e9;
-    for (int i = 0; i < rounds; ++i) {
-        const uint64_t start = PLT_TickUs();
-        work();
-        best = std::min(best, static_cast<double>(PLT_TickUs() - start) / 1e6);
-    }
-    return best;
-}
-
 void MeasureWriting()
 {
     SIM_Options options;
-    options.baud = BAUD;
+    options.baud = BEN_BAUD;
     options.loader = true;
-    std::string error;
-    SIM_Target *target = SIM_Start(options, &error);
-    if (target == nullptr)
-        Fail(error);
-    setenv(("VIREO2_COM" + std::to_string(PORT)).c_str(), SIM_DevicePath(target), 1);
+    SIM_Target *target = BEN_StartTarget(options);
     MrASC_UseWin32(1);
-    if (MrASC_Open(PORT, BAUD) != 0)
-        Fail("the port could not be opened");
+    if (MrASC_Open(BEN_PORT, BEN_BAUD) != 0)
+        BEN_Fail("the port could not be opened");
     MakeFile(BYTES / RECORD_BYTES);
-    const double limit = BYTES / RECORD_BYTES * WRITE_CHARS * BITS_PER_CHAR / BAUD;
-    const double writing = TakeSeconds(ROUNDS, [] {
+    const double limit = BEN_WireSeconds(BYTES / RECORD_BYTES * WRITE_CHARS);
+    const double writing = BEN_BestSeconds(ROUNDS, [] {
         if (LD167U_L3CmdWriteHexFile(FILE_NAME) != 0)
-            Fail(HEXS_GetCause());
+            BEN_Fail(HEXS_GetCause());
     });
-    const double verified = TakeSeconds(ROUNDS, [] {
+    const double verified = BEN_BestSeconds(ROUNDS, [] {
         LDR_Job job;
         if (LDR_Prepare(&job, FILE_NAME) != 0 || LDR_RunOnPort(&job, false, LDR_Progress()) != 0)
-            Fail(LDR_GetResultText(job));
+            BEN_Fail(LDR_GetResultText(job));
     });
     std::printf("64 KiB at 115200, records of 32: wire %.3f s\n", limit);
     std::printf("  l3write              %8.3f s %7.2f %% of the wire's speed\n", writing,
@@ -105,14 +75,14 @@ void MeasureWriting()
 void MeasureChecking()
 {
     const size_t length = MakeFile(HEX_TEXT_BYTES / (2 * RECORD_BYTES + 13));
-    const double checking = TakeSeconds(PARSE_ROUNDS, [] {
+    const double checking = BEN_BestSeconds(PARSE_ROUNDS, [] {
         HEX_File file;
         if (HEX_Read(FILE_NAME, &file) != 0)
-            Fail(HEX_FormatProblem(file.problems[0]));
+            BEN_Fail(HEX_FormatProblem(file.problems[0]));
     });
     std::vector<char> text(length);
     uint32_t sum = 0;
-    const double reading = TakeSeconds(PARSE_ROUNDS, [&] {
+    const double reading = BEN_BestSeconds(PARSE_ROUNDS, [&] {
         std::FILE *file = std::fopen(FILE_NAME, "rb");
         const size_t got = std::fread(text.data(), 1, text.size(), file);
         std::fclose(file);

@@ -1,24 +1,17 @@
 // The data logger: download against the time its characters take on the wire, listing and
 // opening the largest log against writing or reading the bare file, a time stamp against the
 // C library's calendar.
+#include "bench.h"
 #include "calendar/datetime.h"
-#include "comm/ucm.h"
 #include "logger/dlld.h"
 #include "logger/dlld_record.h"
 #include "logger/log_view.h"
-#include "platform/system.h"
-#include "sim/sim.h"
 
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <functional>
 
 namespace {
 
-constexpr int PORT = 9, BAUD = 115200, STATION_NO = 1;
-constexpr double BITS_PER_CHAR = 11;
+constexpr int STATION_NO = 1;
 constexpr uint32_t ADDRESS = 0x10000, DOWNLOAD_WORDS = 32768, BLOCK_BYTES = 64;
 constexpr uint32_t BLOCK_CHARS = 18 + 138; // request and answer
 constexpr int ROUNDS = 5;                  // the best counts
@@ -26,23 +19,6 @@ constexpr int STAMPS = 1000000;
 const char FILE_NAME[] = "bench_logger.tmp";
 
 volatile size_t sink;
-
-[[noreturn]] void Fail(const char *what)
-{
-    std::fprintf(stderr, "bench_logger: %s\n", what);
-    std::exit(1);
-}
-
-double TakeBest(int rounds, const std::function<void()> &run)
-{
-    double best = 1e9;
-    for (int i = 0; i < rounds; i++) {
-        const uint64_t start = PLT_TickUs();
-        run();
-        best = std::min(best, static_cast<double>(PLT_TickUs() - start) / 1e6);
-    }
-    return best;
-}
 
 // A log full of texts, status stamps, described and undescribed records.
 DLLD_Log MakeLog(size_t words, uint32_t address)
@@ -71,18 +47,9 @@ DLLD_Log MakeLog(size_t words, uint32_t address)
 
 void MeasureDownload()
 {
-    SIM_Options options;
-    options.baud = BAUD;
-    options.demo = false;
-    std::string error;
-    SIM_Target *target = SIM_Start(options, &error);
-    if (target == nullptr)
-        Fail(error.c_str());
-    setenv(("VIREO2_COM" + std::to_string(PORT)).c_str(), SIM_DevicePath(target), 1);
     UCM_Init();
     UCM_UseWin32(1);
-    if (UCM_Open(1, PORT, BAUD) < 0)
-        Fail("the port cannot be opened");
+    SIM_Target *target = BEN_StartLine(PROTOCOL_MR166, BEN_BAUD);
     const DLLD_Log log = MakeLog(DOWNLOAD_WORDS, ADDRESS);
     SIM_Poke(target, STATION_NO, ADDRESS, log.data(),
              2 * log.size()); // this machine is little-endian
@@ -92,20 +59,19 @@ void MeasureDownload()
     DLLD_SetHost(host);
     DLLD_Log read;
     const double seconds =
-        TakeBest(1, [&] { sink = static_cast<size_t>(DLLD_ReadLogAt(ADDRESS, &read)); });
+        BEN_BestSeconds(1, [&] { sink = static_cast<size_t>(DLLD_ReadLogAt(ADDRESS, &read)); });
     if (read != log)
-        Fail("the download is not the log");
-    const double limit = 2.0 * DOWNLOAD_WORDS / BLOCK_BYTES * BLOCK_CHARS * BITS_PER_CHAR / BAUD;
-    std::printf("download, 64 KiB      wire %7.3f s   taken %7.3f s   %5.1f %% of the wire\n",
-                limit, seconds, 100 * limit / seconds);
-    UCM_Close();
-    SIM_Stop(target);
+        BEN_Fail("the download is not the log");
+    BEN_PrintWireHead("\nat 115200 baud");
+    BEN_PrintWire("download, 64 KiB",
+                  BEN_WireSeconds(2.0 * DOWNLOAD_WORDS / BLOCK_BYTES * BLOCK_CHARS), seconds);
+    BEN_StopLine(target);
 }
 
 void MeasureFiles()
 {
     const DLLD_Log log = MakeLog(DLLD_WORDS_MAX, ADDRESS);
-    const double listing = TakeBest(ROUNDS, [&] { DLLD_SaveStdLogFe(FILE_NAME, log); });
+    const double listing = BEN_BestSeconds(ROUNDS, [&] { DLLD_SaveStdLogFe(FILE_NAME, log); });
     std::FILE *file = std::fopen(FILE_NAME, "rb");
     std::string text;
     char block[65536];
@@ -113,7 +79,7 @@ void MeasureFiles()
         text.append(block, count);
     if (file != nullptr)
         std::fclose(file);
-    const double floor = TakeBest(ROUNDS, [&] {
+    const double floor = BEN_BestSeconds(ROUNDS, [&] {
         std::FILE *out = std::fopen(FILE_NAME, "wb");
         sink = std::fwrite(text.data(), 1, text.size(), out);
         PLT_SyncFile(out);
@@ -124,14 +90,14 @@ void MeasureFiles()
     LOGV_Log opened;
     DLLD_SaveBinLogFe(FILE_NAME, log);
     DLLD_Log bare;
-    const double reading = TakeBest(ROUNDS, [&] { DLLD_ReadBinLogFe(FILE_NAME, &bare); });
-    const double opening = TakeBest(ROUNDS, [&] { LOGV_Open(FILE_NAME, &opened); });
+    const double reading = BEN_BestSeconds(ROUNDS, [&] { DLLD_ReadBinLogFe(FILE_NAME, &bare); });
+    const double opening = BEN_BestSeconds(ROUNDS, [&] { LOGV_Open(FILE_NAME, &opened); });
     std::printf("opening, 524288 words floor %6.1f ms  taken %6.1f ms  %5.2f times (%zu rows)\n",
                 1e3 * reading, 1e3 * opening, opening / reading, opened.rows.size());
     LOGV_View view;
     LOGV_Attach(&view, &opened);
     LOGV_Filter filter = LOGV_MakeFilter();
-    const double typing = TakeBest(ROUNDS, [&] {
+    const double typing = BEN_BestSeconds(ROUNDS, [&] {
         filter.text.clear();
         LOGV_SetFilter(&view, filter);
         filter.text = "rpm";
@@ -145,7 +111,7 @@ void MeasureFiles()
 void MeasureStamps()
 {
     std::string text;
-    const double own = TakeBest(ROUNDS, [&] {
+    const double own = BEN_BestSeconds(ROUNDS, [&] {
         for (uint32_t i = 0; i < STAMPS; i++) {
             DateTime time;
             text.clear();
@@ -154,7 +120,7 @@ void MeasureStamps()
             sink = text.size();
         }
     });
-    const double peer = TakeBest(ROUNDS, [&] {
+    const double peer = BEN_BestSeconds(ROUNDS, [&] {
         for (uint32_t i = 0; i < STAMPS; i++) {
             const time_t when = 1425200000 + static_cast<time_t>(i) * 22;
             tm t;

@@ -1,18 +1,12 @@
 // What a tick of the watch list costs beyond the exchange with the target: 500 items,
 // the simulated target as the other side, both measured in one run by turns. Prints the
 // processor time of this thread; the aim is under 1 ms beyond the exchange.
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <ctime>
-#include <string>
 
 #include "app/rooms.h"
+#include "bench.h"
 #include "comm/communication.h"
-#include "comm/ucm.h"
 #include "runtime/headless/headless.h"
-#include "settings/settings.h"
-#include "sim/sim.h"
 #include "ui/resource.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -21,7 +15,6 @@
 
 namespace {
 
-constexpr int PORT = 4;
 constexpr int SWEEPS = 300;
 constexpr uint32_t LIVE_ADDRESS = 0x8000; // values that move, so that lines change
 
@@ -43,22 +36,6 @@ void FillList()
     }
 }
 
-struct Cost {
-    double totalMs = 0, worstMs = 0;
-    int count = 0;
-
-    void add(double ms)
-    {
-        totalMs += ms;
-        worstMs = std::max(worstMs, ms);
-        ++count;
-    }
-    double mean() const
-    {
-        return totalMs / count;
-    }
-};
-
 double ExchangeMs(int index)
 {
     uint8_t bytes[8];
@@ -75,9 +52,9 @@ double TickMs()
     return ThreadMs() - start;
 }
 
-void PrintRow(const char *what, const Cost &cost)
+void PrintRow(const char *what, const BEN_Cost &cost)
 {
-    std::printf("%-28s %8.4f ms mean %8.4f ms worst  (%d)\n", what, cost.mean(), cost.worstMs,
+    std::printf("%-28s %8.4f ms mean %8.4f ms worst  (%d)\n", what, cost.MeanMs(), cost.worstMs,
                 cost.count);
 }
 
@@ -85,38 +62,30 @@ void PrintRow(const char *what, const Cost &cost)
 
 int main()
 {
-    std::string error;
-    SIM_Target *target = SIM_Start(SIM_Options(), &error);
-    if (!target) {
-        std::fprintf(stderr, "%s\n", error.c_str());
-        return 1;
-    }
-    setenv("VIREO2_COM4", SIM_DevicePath(target), 1);
+    SIM_Target *target = BEN_StartTarget(SIM_Options());
     VR_ConnectRooms();
     HL_Reset();
     HL_LoadAllPanels();
     mainPanel = PANEL_MAIN;
-    ncom = PORT;
+    ncom = BEN_PORT;
     VIR2_StartPeriodicASC();
     FillList();
-    Cost exchange, tick, sweepEnd;
+    BEN_Cost exchange, tick, sweepEnd;
     for (int sweep = 0; sweep < SWEEPS && isTimer; ++sweep) {
         for (int i = 0; i < SWEEP_LINES; ++i) {
-            exchange.add(ExchangeMs(i));
-            (i == SWEEP_LINES - 1 ? sweepEnd : tick).add(TickMs());
+            exchange.Add(ExchangeMs(i));
+            (i == SWEEP_LINES - 1 ? sweepEnd : tick).Add(TickMs());
         }
     }
-    UCM_Close();
-    SIM_Stop(target);
-    if (sweepEnd.count != SWEEPS) {
-        std::fprintf(stderr, "communication was switched off\n");
-        return 1;
-    }
+    BEN_StopLine(target);
+    if (sweepEnd.count != SWEEPS)
+        BEN_Fail("communication was switched off");
     PrintRow("exchange alone", exchange);
     PrintRow("tick within a sweep", tick);
     PrintRow("tick that ends a sweep", sweepEnd);
     const double perTick = (tick.totalMs + sweepEnd.totalMs) / (tick.count + sweepEnd.count);
-    std::printf("mean tick : exchange         %8.2f\n", perTick / exchange.mean());
-    std::printf("end of sweep beyond exchange %8.4f ms mean\n", sweepEnd.mean() - exchange.mean());
+    std::printf("mean tick : exchange         %8.2f\n", perTick / exchange.MeanMs());
+    std::printf("end of sweep beyond exchange %8.4f ms mean\n",
+                sweepEnd.MeanMs() - exchange.MeanMs());
     return 0;
 }

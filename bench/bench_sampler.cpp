@@ -2,31 +2,18 @@
 // what the characters of its own plan allow, against the same blocks read bare, and against
 // one request an item; and what the
 // recorder takes of rows from memory, against the time they stand for.
-#include "comm/ucm.h"
-#include "platform/system.h"
+#include "bench.h"
 #include "sampler/record_job.h"
-#include "settings/settings.h"
-#include "sim/sim.h"
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <string>
-#include <vector>
 
 namespace {
 
-constexpr int PORT = 9, BAUD = 115200;
-constexpr double SECONDS = 3;
+constexpr double SECONDS = 1.6; // two proofs or three
+constexpr int ROUNDS = 4;       // of everything by turns; the best counts
 constexpr int RECORD_RATE = 10000, RECORD_SECONDS = 60;
 constexpr size_t RECORD_ITEMS = 16;
-
-[[noreturn]] void Fail(const std::string &what)
-{
-    std::fprintf(stderr, "bench_sampler: %s\n", what.c_str());
-    std::exit(1);
-}
 
 SMP_Item Item(uint32_t address, int size, bool isTMS = false)
 {
@@ -71,7 +58,7 @@ double BareRowsPerSecond(const std::vector<SMP_Item> &items)
 {
     SMP_Sampler sampler;
     if (SMP_Start(&sampler, items, SMP_FAST, SMP_Listener(), 1) != 0)
-        Fail("the sampler does not start");
+        BEN_Fail("the sampler does not start");
     const uint64_t start = PLT_TickUs();
     uint64_t rows = 0, elapsedUs = 0;
     for (; static_cast<double>(elapsedUs) < SECONDS * 1e6; elapsedUs = PLT_TickUs() - start) {
@@ -94,8 +81,8 @@ double RowsPerSecond(const std::vector<SMP_Item> &items, bool isGrouped, double 
 {
     static SMP_Sampler sampler;
     if (SMP_Start(&sampler, items, SMP_FAST, SMP_Listener(), 1000) != 0)
-        Fail("the sampler does not start");
-    *limit = SMP_RowsPerSecondMax(sampler, BAUD);
+        BEN_Fail("the sampler does not start");
+    *limit = SMP_RowsPerSecondMax(sampler, BEN_BAUD);
     if (!isGrouped) {
         sampler.plan.clear();
         for (size_t i = 0; i < items.size(); ++i)
@@ -114,17 +101,10 @@ void CompareWithWire(int protocol, const char *name)
 {
     SIM_Options options;
     options.modbus = protocol == PROTOCOL_MODBUS;
-    options.baud = BAUD;
-    std::string error;
-    SIM_Target *target = SIM_Start(options, &error);
-    if (target == nullptr)
-        Fail(error);
-    setenv(("VIREO2_COM" + std::to_string(PORT)).c_str(), SIM_DevicePath(target), 1);
-    VR_nProtocol = static_cast<int16_t>(protocol);
-    bRate = BAUD;
+    options.baud = BEN_BAUD;
+    SIM_Target *target = BEN_StartTarget(options);
     Procesor = CPU_C167;
-    if (UCM_Open(protocol, PORT, BAUD) != 0)
-        Fail("the port could not be opened");
+    BEN_OpenLine(protocol);
     const struct {
         const char *what;
         std::vector<SMP_Item> items;
@@ -134,14 +114,17 @@ void CompareWithWire(int protocol, const char *name)
                 {"... and a TMS320 word", DemoList(true)}};
     for (const auto &row : rows) {
         double limit = 0, single = 0, failed = 0, failedAlone = 0;
-        const double rate = RowsPerSecond(row.items, true, &limit, &failed);
-        const double alone = RowsPerSecond(row.items, false, &single, &failedAlone);
-        const double bare = BareRowsPerSecond(row.items);
+        double rate = 0, alone = 0, bare = 0;
+        for (int round = 0; round < ROUNDS; ++round) {
+            rate = std::max(rate, RowsPerSecond(row.items, true, &limit, &failed));
+            bare = std::max(bare, BareRowsPerSecond(row.items));
+            if (round == 0)
+                alone = RowsPerSecond(row.items, false, &single, &failedAlone);
+        }
         std::printf("%-7s %-22s %9.1f %9.1f %9.2f %9.2f %9.2f %8.0f\n", name, row.what, limit, rate,
                     100 * rate / limit, 100 * rate / bare, rate / alone, failed + failedAlone);
     }
-    UCM_Close();
-    SIM_Stop(target);
+    BEN_StopLine(target);
 }
 
 void RecordFromMemory()
@@ -156,7 +139,7 @@ void RecordFromMemory()
     REC_Recorder recorder;
     SMP_Store store;
     if (REC_Open(&recorder, options, items, 0) != 0)
-        Fail(recorder.problem);
+        BEN_Fail(recorder.problem);
     std::vector<SMP_Sample> row(RECORD_ITEMS);
     const uint64_t start = PLT_TickUs();
     double worstUs = 0;
@@ -165,13 +148,13 @@ void RecordFromMemory()
         for (size_t k = 0; k < RECORD_ITEMS; ++k)
             row[k] = {i * 100, static_cast<uint64_t>(i) + k * 1000, SMP_GOOD};
         if (REC_PutRow(&recorder, i * 100, row.data(), store) != 0)
-            Fail(recorder.problem);
+            BEN_Fail(recorder.problem);
         if (i % (RECORD_RATE / 2) == 0 && REC_Flush(&recorder, i * 100) != 0)
-            Fail(recorder.problem);
+            BEN_Fail(recorder.problem);
         worstUs = std::max(worstUs, static_cast<double>(PLT_TickUs() - before));
     }
     if (REC_Close(&recorder) != 0)
-        Fail(recorder.problem);
+        BEN_Fail(recorder.problem);
     const double seconds = static_cast<double>(PLT_TickUs() - start) / 1e6;
     std::printf("\nrecorder: %llu rows of %zu items, %.0f s worth in %.2f s (%.1f %% of the time), "
                 "worst row %.1f ms, %.1f MB\n",

@@ -2,20 +2,12 @@
 // lines that touch no target, against the same lines read and the same number of lines
 // printed without running anything. Rounds alternate; medians count.
 #include "app/rooms.h"
-#include "comm/ucm.h"
+#include "bench.h"
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
-#include "platform/system.h"
 #include "runtime/headless/headless.h"
-#include "settings/settings.h"
 #include "text/txfr.h"
 #include "ui/resource.h"
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -35,17 +27,11 @@ const Kind KINDS[] = {
     {"comments and labels", {"; a comment", "Label :", "", "; another"}, 0},
 };
 
-[[noreturn]] void Fail(const char *what)
-{
-    std::fprintf(stderr, "bench_script: %s\n", what);
-    std::exit(1);
-}
-
 void WriteScript(const Kind &kind)
 {
     std::FILE *file = std::fopen(SCRIPT, "wb");
     if (file == nullptr)
-        Fail("the script could not be written");
+        BEN_Fail("the script could not be written");
     for (int i = 0; i < LINES; i++)
         std::fprintf(file, "%s\n", kind.lines[i % 4]);
     std::fclose(file);
@@ -55,7 +41,7 @@ double RunScript(const Kind &)
 {
     const uint64_t start = PLT_TickUs();
     if (ExecMonScript(SCRIPT, consolePanel) != 0)
-        Fail("the script failed");
+        BEN_Fail("the script failed");
     return static_cast<double>(PLT_TickUs() - start);
 }
 
@@ -70,12 +56,6 @@ double ReadAndPrint(const Kind &kind)
     return static_cast<double>(PLT_TickUs() - start);
 }
 
-double Median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
 void Compare(const Kind &kind)
 {
     WriteScript(kind);
@@ -84,9 +64,9 @@ void Compare(const Kind &kind)
         script.push_back(RunScript(kind));
         floor.push_back(ReadAndPrint(kind));
     }
-    const double rate = LINES / Median(script) * 1e6;
-    std::printf("%-24s %12.0f %12.0f %10.2f %10.2f\n", kind.name, LINES / Median(floor) * 1e6, rate,
-                Median(script) / Median(floor), rate / LINES_PER_SECOND_AIM);
+    const double rate = LINES / BEN_Median(script) * 1e6;
+    std::printf("%-24s %12.0f %12.0f %10.2f %10.2f\n", kind.name, LINES / BEN_Median(floor) * 1e6,
+                rate, BEN_Median(script) / BEN_Median(floor), rate / LINES_PER_SECOND_AIM);
 }
 
 } // namespace
@@ -96,7 +76,7 @@ int main()
     VR_ConnectRooms();
     HL_Reset();
     if (HL_LoadAllPanels() < 0)
-        Fail("a panel could not be loaded");
+        BEN_Fail("a panel could not be loaded");
     mainPanel = PANEL_MAIN;
     consolePanel = PANEL_CONSOLE;
     UCM_Init();

@@ -2,6 +2,7 @@
 
 #include "demo.h"
 #include "scope.h"
+#include "terminal.h"
 
 void SIM_ReadTarget(SIM_Target *target, int number, uint32_t address, void *bytes, size_t count)
 {
@@ -10,6 +11,7 @@ void SIM_ReadTarget(SIM_Target *target, int number, uint32_t address, void *byte
         const double now = SIM_Elapsed(target);
         SIM_UpdateScopes(&station, number, now, address, count);
         SIM_UpdateDemo(&station, number, now, address, count);
+        SIM_UpdateTerminals(&station, number, now, address, count);
     }
     SIM_ReadMemory(station, address, bytes, count);
 }
@@ -22,6 +24,8 @@ void SIM_WriteTarget(SIM_Target *target, int number, uint32_t address, const voi
     if (target->options.demo)
         SIM_UpdateScopes(&station, number, SIM_Elapsed(target), address, count);
     SIM_WriteMemory(&station, address, bytes, count);
+    if (target->options.demo)
+        SIM_UpdateTerminals(&station, number, SIM_Elapsed(target), address, count);
     if (!target->options.mailbox || !SIM_TouchesMailbox(address, count))
         return;
     if (target->options.demo)

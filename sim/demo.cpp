@@ -1,6 +1,7 @@
 #include "demo.h"
 
 #include "datalog.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <cmath>
@@ -310,6 +311,7 @@ void SIM_InitDemo(SIM_Station *station, int number)
                      SIM_GetValue(*station, saved.source, saved.size));
     SIM_InitDataLogs(station, number);
     SIM_InitDemoCore(station);
+    SIM_InitTerminals(station, number);
     station->temperature = 20;
     station->tms[TMS_GAIN] = SIM_TmsFloat(1.5);
 }

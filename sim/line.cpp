@@ -9,6 +9,7 @@ constexpr int CHAR_BITS = 11; // start, eight data, two stop
 constexpr int64_t CHUNK_NS = 2000000;
 constexpr int64_t CHUNK_MAX = 16;
 constexpr int64_t LATE_MAX_NS = 2000000;
+constexpr int64_t AWAKE_NS = 300000; // longer than a program takes between two exchanges
 
 } // namespace
 
@@ -35,7 +36,14 @@ void SIM_WakeLine(SIM_Line *line)
 
 int SIM_ReadLine(SIM_Line *line, uint8_t *bytes, size_t capacity)
 {
-    const int count = SIM_ReadWire(line->wire, bytes, capacity);
+    // A controller is awake when the next request comes, and takes no time of the wire to find
+    // that out: behind an answer this side does not sleep at once.
+    int count = 0;
+    const int64_t awakeUntil = line->charNs > 0 ? line->sendNs + line->lateNs + AWAKE_NS : 0;
+    while (count == 0 && SIM_NowNs() < awakeUntil)
+        count = SIM_ReadWire(line->wire, bytes, capacity, false);
+    if (count == 0)
+        count = SIM_ReadWire(line->wire, bytes, capacity, true);
     if (count <= 0)
         return count;
     // The program could not know that this side woke late: do not charge the wire for it.

@@ -11,6 +11,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
+#include <thread>
 
 #include <getopt.h>
 
@@ -41,7 +43,10 @@ const char HELP[] =
     "  --delay MS         wait before each answer\n"
     "  --silent-after N   answer N requests, then no more\n"
     "  --seed N           seed of the faults (default 1)\n"
-    "  --log FILE         write a line for each request to FILE\n"
+    "  --log FILE         write a line for each request to FILE, - = standard output\n"
+    "  --control          take faults from standard input while it runs, a line each:\n"
+    "                     refuse, drop, repeat, corrupt, delay, silent-after, echo, stations,\n"
+    "                     each with its value (-1 = never, 1 or 0); ends with that input\n"
     "  --stations LIST    stations that answer, such as 0,2,5-7 (default all)\n"
     "  --flash FILE@HEX   put a file into every station's memory at a byte address\n"
     "  --loader           run the boot-strap loader of a flash of 512 KiB instead\n"
@@ -98,7 +103,10 @@ bool ParseStations(const char *text, uint32_t *mask)
 struct OptionRow {
     option getopt;
     bool (*apply)(const char *text, SIM_Options *options);
+    bool isLive = false; // may be changed while the target runs
 };
+
+bool isControlled = false; // --control
 
 bool ApplyBaud(const char *text, SIM_Options *options)
 {
@@ -123,6 +131,13 @@ bool ApplyDelay(const char *text, SIM_Options *options)
     const bool good = ParseWhole(text, 0, DELAY_MAX_MS, &value);
     options->delayMs = static_cast<int>(value);
     return good;
+}
+
+// An option has no value, a line of the control has one.
+bool ApplyEcho(const char *text, SIM_Options *options)
+{
+    options->echo = text == nullptr || strcmp(text, "1") == 0;
+    return text == nullptr || options->echo || strcmp(text, "0") == 0;
 }
 
 bool ApplyEraseSeconds(const char *text, SIM_Options *options)
@@ -178,7 +193,8 @@ const OptionRow rows[] = {
     {{"modbus", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->modbus = true; }},
     {{"refuse", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->refuse); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->refuse); },
+     true},
     {{"link", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
          o->link = text;
@@ -186,19 +202,22 @@ const OptionRow rows[] = {
      }},
     {{"tcp", required_argument, nullptr, 0}, ApplyTcp},
     {{"baud", required_argument, nullptr, 0}, ApplyBaud},
-    {{"echo", no_argument, nullptr, 0},
-     [](const char *, SIM_Options *o) { return o->echo = true; }},
+    {{"echo", no_argument, nullptr, 0}, ApplyEcho, true},
     {{"drop", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->drop); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->drop); },
+     true},
     {{"repeat", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->repeat); }},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->repeat); },
+     true},
     {{"corrupt", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->corrupt); }},
-    {{"delay", required_argument, nullptr, 0}, ApplyDelay},
+     [](const char *text, SIM_Options *o) { return ParseShare(text, &o->corrupt); },
+     true},
+    {{"delay", required_argument, nullptr, 0}, ApplyDelay, true},
     {{"silent-after", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
-         return ParseWhole(text, 0, LONG_MAX, &o->silentAfter);
-     }},
+         return ParseWhole(text, -1, LONG_MAX, &o->silentAfter);
+     },
+     true},
     {{"seed", required_argument, nullptr, 0}, ApplySeed},
     {{"log", required_argument, nullptr, 0},
      [](const char *text, SIM_Options *o) {
@@ -206,7 +225,10 @@ const OptionRow rows[] = {
          return *text != 0;
      }},
     {{"stations", required_argument, nullptr, 0},
-     [](const char *text, SIM_Options *o) { return ParseStations(text, &o->stations); }},
+     [](const char *text, SIM_Options *o) { return ParseStations(text, &o->stations); },
+     true},
+    {{"control", no_argument, nullptr, 0},
+     [](const char *, SIM_Options *) { return isControlled = true; }},
     {{"flash", required_argument, nullptr, 0}, ApplyFlash},
     {{"loader", no_argument, nullptr, 0},
      [](const char *, SIM_Options *o) { return o->loader = true; }},
@@ -258,6 +280,56 @@ void ParseArguments(int argc, char **argv, SIM_Options *options)
     }
 }
 
+// --- faults while it runs ---------------------------------------------------------------
+
+// The thread that waits for lines is never joined: the target may have ended before it.
+std::mutex controlLock;
+SIM_Target *controlled = nullptr;
+SIM_Options controlOptions;
+
+// "drop 0.05"; anything else is answered with "? " and the line.
+void ObeyLine(const std::string &line)
+{
+    const size_t blank = line.find(' ');
+    const std::string name = line.substr(0, blank);
+    const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
+    const std::lock_guard<std::mutex> guard(controlLock);
+    for (const OptionRow &row : rows) {
+        SIM_Options fresh = controlOptions;
+        if (!row.isLive || name != row.getopt.name || !row.apply(value.c_str(), &fresh))
+            continue;
+        controlOptions = fresh;
+        if (controlled)
+            SIM_SetFaults(controlled, controlOptions);
+        return;
+    }
+    printf("? %s\n", line.c_str());
+    fflush(stdout);
+}
+
+void ObeyInput()
+{
+    constexpr size_t LINE_MAX_CHARS = 200;
+    char bytes[256];
+    std::string line;
+    while (const size_t count = SIM_ReadInput(bytes, sizeof bytes))
+        for (size_t i = 0; i < count; i++) {
+            if (bytes[i] == '\n') {
+                ObeyLine(line);
+                line.clear();
+            } else if (bytes[i] != '\r' && line.size() < LINE_MAX_CHARS) {
+                line += bytes[i];
+            }
+        }
+    SIM_EndProgram();
+}
+
+void SetControlled(SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(controlLock);
+    controlled = target;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -275,7 +347,12 @@ int main(int argc, char **argv)
     }
     printf("%s\n", SIM_DevicePath(target));
     fflush(stdout);
+    controlOptions = options;
+    SetControlled(target);
+    if (isControlled)
+        std::thread(ObeyInput).detach();
     SIM_WaitForEnding();
+    SetControlled(nullptr);
     if (!SIM_Stop(target, &error)) {
         fprintf(stderr, "vireo2-target: %s\n", error.c_str());
         return EXIT_FAILURE;

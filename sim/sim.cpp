@@ -16,10 +16,16 @@ bool OpenLog(SIM_Target *target, std::string *error)
 {
     if (target->options.log.empty())
         return true;
-    target->log = fopen(target->options.log.c_str(), "w");
+    target->log = target->options.log == "-" ? stdout : fopen(target->options.log.c_str(), "w");
     if (!target->log)
         *error = "Cannot write the log " + target->options.log + ": " + strerror(errno);
     return target->log != nullptr;
+}
+
+void CloseLog(SIM_Target *target)
+{
+    if (target->log && target->log != stdout)
+        fclose(target->log);
 }
 
 bool LoadFlash(SIM_Target *target, std::string *error)
@@ -37,6 +43,13 @@ bool LoadFlash(SIM_Target *target, std::string *error)
         for (SIM_Station &station : target->stations)
             SIM_WriteMemory(&station, options.flashAddress, bytes.data(), bytes.size());
     return error->empty();
+}
+
+void SetLoaderFaults(SIM_Target *target, const SIM_Options &options)
+{
+    target->loader.faults.drop = options.drop;
+    target->loader.faults.corrupt = options.corrupt;
+    target->loader.faults.silentAfter = options.silentAfter;
 }
 
 SIM_Station *FindStation(SIM_Target *target, int station)
@@ -60,18 +73,14 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     }
     if (options.loader) {
         SIM_InitLoader(&target->loader, options.seed);
-        SIM_LoaderFaults &faults = target->loader.faults;
-        faults.eraseZeros = options.eraseSeconds; // a sign of life each second
-        faults.drop = options.drop;
-        faults.corrupt = options.corrupt;
-        faults.silentAfter = options.silentAfter;
+        target->loader.faults.eraseZeros = options.eraseSeconds; // a sign of life each second
+        SetLoaderFaults(target, options);
     }
     error = error ? error : &ignored;
     error->clear();
     if (!LoadFlash(target, error) || !OpenLog(target, error) ||
         !SIM_OpenLine(&target->line, options.baud, options.tcp, options.link, error)) {
-        if (target->log)
-            fclose(target->log);
+        CloseLog(target);
         delete target;
         return nullptr;
     }
@@ -89,8 +98,7 @@ bool SIM_Stop(SIM_Target *target, std::string *error)
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
-    if (target->log)
-        fclose(target->log);
+    CloseLog(target);
     std::string ignored;
     const bool saved = !target->options.loader || target->options.flashImage.empty() ||
                        SIM_SaveFlash(target, error ? error : &ignored);
@@ -152,6 +160,8 @@ void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
     target->options.mailbox = options.mailbox;
     target->options.stations = options.stations;
     target->answersLeft = options.silentAfter;
+    if (target->options.loader)
+        SetLoaderFaults(target, options);
 }
 
 void SIM_SetErrorCode(SIM_Target *target, int command, int code)

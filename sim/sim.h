@@ -31,7 +31,7 @@ struct SIM_Options {
     std::string flashImage;     // file that gets the loader's flash at the end, "" = none
     std::string tcp;            // "[host:]port" to listen at instead of a terminal, "" = none
     std::string link;           // symbolic link to the device, "" = none
-    std::string log;            // file that gets one line a request, "" = none
+    std::string log;            // file that gets one line a request, "-" = stdout, "" = none
 };
 
 struct SIM_Target;

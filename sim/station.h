@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <unordered_map>
 
 constexpr uint32_t SIM_MEMORY_SIZE = 0x1000000;
@@ -27,6 +28,14 @@ struct SIM_ScopeState {
     double previous = 0; // channel 1 at the sample before
 };
 
+// What the firmware of the terminals keeps beside their blocks, see terminal.h.
+struct SIM_Terminal {
+    std::string waiting, line; // for the ring, and being entered
+    int state = 0;
+    int64_t second = 0, tick = 0; // of the last line, of the last picture
+    uint8_t key = 0;              // the last one, with its bit for released
+};
+
 struct SIM_Station {
     std::array<std::unique_ptr<uint8_t[]>, SIM_MEMORY_SIZE / SIM_PAGE_SIZE> pages;
     std::unordered_map<uint32_t, uint32_t> tms; // by word address; absent words read 0
@@ -35,6 +44,7 @@ struct SIM_Station {
     SIM_DataLog logs[SIM_DATA_LOGS];
     int64_t logStart = 0; // the logs' time at the start, in seconds as time() counts
     SIM_ScopeState scopes[SIM_SCOPES];
+    SIM_Terminal terminal;
 };
 
 // Addresses wrap at the end of the memory. Pages never written read as zeros.

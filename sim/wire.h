@@ -19,8 +19,9 @@ SIM_Wire *SIM_OpenTcp(const std::string &address, std::string *device, std::stri
 void SIM_CloseWire(SIM_Wire *wire);
 void SIM_WakeWire(SIM_Wire *wire); // ends every wait, now and from now on. Any thread.
 
-// Waits for characters. Returns their number, 0 when there were none after all, -1 when woken.
-int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity);
+// Characters that are there, waiting for them if so wanted. Returns their number, 0 when there
+// were none after all, -1 when woken.
+int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting);
 // What the program does not take is lost, as on a wire.
 void SIM_WriteWire(SIM_Wire *wire, const uint8_t *bytes, size_t count);
 // False when woken before that time.
@@ -30,6 +31,9 @@ void SIM_GetUtc(time_t when, struct tm *date);
 
 // The program's end: begin before any thread is started, wait on the first one.
 void SIM_PrepareEnding();
-void SIM_WaitForEnding(); // until the user or the system wants it
+void SIM_WaitForEnding(); // until the user, the system or SIM_EndProgram wants it
+void SIM_EndProgram();    // any thread
+// What stands in standard input, waited for; 0 = its end. Any thread.
+size_t SIM_ReadInput(char *bytes, size_t capacity);
 
 #endif

@@ -240,12 +240,12 @@ void SIM_WakeWire(SIM_Wire *wire)
         ;
 }
 
-int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity)
+int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting)
 {
     // A negative descriptor is passed over.
     pollfd fds[3] = {
         {wire->wake[0], POLLIN, 0}, {wire->io, POLLIN, 0}, {wire->listening, POLLIN, 0}};
-    if (poll(fds, 3, -1) < 0)
+    if (poll(fds, 3, isWaiting ? -1 : 0) < 0)
         return errno == EINTR ? 0 : -1;
     if (fds[0].revents != 0)
         return -1;
@@ -313,4 +313,18 @@ void SIM_WaitForEnding()
     const sigset_t set = MakeEndings();
     int received;
     sigwait(&set, &received);
+}
+
+void SIM_EndProgram()
+{
+    kill(getpid(), SIGTERM);
+}
+
+size_t SIM_ReadInput(char *bytes, size_t capacity)
+{
+    ssize_t count = 0;
+    do
+        count = read(STDIN_FILENO, bytes, capacity);
+    while (count < 0 && errno == EINTR);
+    return count > 0 ? static_cast<size_t>(count) : 0;
 }

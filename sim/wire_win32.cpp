@@ -175,7 +175,7 @@ int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity)
     FD_SET(wire->listening, &set);
     if (wire->io != INVALID_SOCKET)
         FD_SET(wire->io, &set);
-    timeval wait = {0, SLICE_US};
+    timeval wait = {0, isWaiting ? SLICE_US : 0};
     if (select(0, &set, nullptr, nullptr, &wait) <= 0)
         return wire->isWoken ? -1 : 0;
     int count = 0;
@@ -232,4 +232,16 @@ void SIM_PrepareEnding()
 void SIM_WaitForEnding()
 {
     WaitForSingleObject(endingEvent, INFINITE);
+}
+
+void SIM_EndProgram()
+{
+    SetEvent(endingEvent);
+}
+
+size_t SIM_ReadInput(char *bytes, size_t capacity)
+{
+    DWORD count = 0;
+    const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
+    return ReadFile(input, bytes, static_cast<DWORD>(capacity), &count, nullptr) ? count : 0;
 }

@@ -3,6 +3,7 @@
 #include "code/debugger.h"
 #include "code/live_reads.h"
 #include "code/register_groups.h"
+#include "comm/grouping.h"
 #include "support/console_rig.h"
 
 #include <set>
@@ -191,7 +192,7 @@ TEST_F(Debugger, GroupsAndPlansItsReads)
         EXPECT_EQ(names.size(), std::set<std::string>(names.begin(), names.end()).size());
         EXPECT_GE(touchy.size(), 3u) << processor;
         for (const LVR_Piece &piece : LVR_Plan(all)) {
-            EXPECT_LE(piece.size, LVR_BLOCK_MAX);
+            EXPECT_LE(piece.size, GRP_ReadWire(VR_nProtocol).blockMax);
             for (const uint32_t address : touchy)
                 EXPECT_FALSE(address + 1 >= piece.address && address < piece.address + piece.size)
                     << std::hex << address;

@@ -54,6 +54,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     const std::map<std::string, Place> packed = everything();
     EXPECT_EQ(packed.at("_astMotor[1].stPid.unLimit.awPart[1]"), Place(0x18200 + 0x2E, 2, 'u', 2));
     EXPECT_EQ(packed.size(), 126u);
+    EXPECT_EQ(inStruct("PWM_rScope", aVarNode, nNodes), 0x19000u) << "the scope of the examples";
     const std::string image = packedImage();
     std::ofstream(testing::TempDir() + "f283xx.flash", std::ios::binary) << image;
     EXPECT_TRUE(image == ReadFileText(FLASH_PROJECT + "f283xx.flash"))
@@ -87,6 +88,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
         EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
         EXPECT_TRUE(UiValue(PANEL_MAIN, MAIN_LED_MAPMEM));
         EXPECT_EQ(everything(), packed);
+        EXPECT_EQ(inStruct("PWM_rScope", aVarNode, nNodes), 0x19000u) << form;
     }
     const std::string state = UiText(PANEL_MAIN, MAIN_STATE);
     EXPECT_EQ(state.substr(state.find('\n') + 1),

@@ -2,12 +2,18 @@
 // written is read back, and pointers, unions and sizes end where they must.
 #include "comm/communication.h"
 #include "inspect/array_inspector.h"
+#include "inspect/array_place.h"
+#include "inspect/element.h"
+#include "inspect/inspectors.h"
 #include "inspect/record_inspector.h"
 #include "inspect/record_tree.h"
 #include "support/console_rig.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
+#include "text/words.h"
 #include "watch/list/litem.h"
+
+#include <cstring>
 
 namespace {
 
@@ -30,8 +36,6 @@ struct Inspectors : ConsoleRig {
     void TearDown() override
     {
         ResetProgram();
-        RCI_NamesChanged();
-        ARI_NamesChanged();
     }
     static std::string GetCell(int panel, int list, int line, size_t column)
     {
@@ -76,14 +80,16 @@ TEST(ArrayPlace, IsNamedOrTyped)
                  {"$8140, u2, -1", 0, 0},
                  {"$8140, u3, 4", 0, 0},
                  {"$8140, u2", 0, 0},
-                 {"$8140, u2, 3, 4, 5", 0, 0},
+                 {"$8140, u2, 3, 4, 5", 4, 5},
+                 {"$8140, u2, 3, 4, 0", 0, 0},
+                 {"$8140, u8, 100000, 1000, 2", 0, 0},
                  {"nothing, u2, 3", 0, 0},
                  {"&x, u2, 3", 0, 0},
                  {"", 0, 0}};
     for (const auto &row : cases) {
         ARI_Array array;
         std::string cause;
-        ASSERT_EQ(row.rows == 0, ARI_Parse(row.text, &array, &cause) != 0) << row.text;
+        ASSERT_EQ(row.rows == 0, ARI_Parse(row.text, "", &array, &cause) != 0) << row.text;
         EXPECT_EQ(row.rows == 0, !cause.empty());
         if (row.rows != 0) {
             EXPECT_EQ(row.rows, array.rows) << row.text;
@@ -176,6 +182,14 @@ TEST_F(Inspectors, RecordsOpenLevelByLevel)
     EXPECT_EQ("258", GetCell(PANEL_RECORD, RECORD_LIST, 4, 1)) << "0x0102";
     EXPECT_EQ(GetCell(PANEL_RECORD, RECORD_LIST, 4, 3), GetCell(PANEL_RECORD, RECORD_LIST, 5, 3))
         << "members of a union lie over one another";
+    Open(1); // 250 = 1111 1010b
+    EXPECT_EQ("0", GetCell(PANEL_RECORD, RECORD_LIST, 2, 1));
+    EXPECT_EQ("1", GetCell(PANEL_RECORD, RECORD_LIST, 3, 1));
+    EXPECT_EQ("bit 15", WRD_Trim(GetCell(PANEL_RECORD, RECORD_LIST, 17, 0)));
+    HL_EditCell(PANEL_RECORD, RECORD_LIST, 3, 1, "0");
+    EXPECT_EQ("Only a single value can be written.", UiText(PANEL_RECORD, RECORD_MESSAGE));
+    HL_SelectLine(PANEL_RECORD, RECORD_LIST, 1);
+    HL_Key(PANEL_RECORD, RECORD_LIST, KEY_LEFT);
     HL_EditCell(PANEL_RECORD, RECORD_LIST, 1, 1, "-7");
     EXPECT_EQ("-7", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
     EXPECT_EQ((std::vector<uint8_t>{0xF9, 0xFF}), Peek(0x8222, 2));
@@ -199,6 +213,90 @@ TEST_F(Inspectors, RecordsOpenLevelByLevel)
     Open(0);
     EXPECT_EQ("*pwTable", GetCell(PANEL_RECORD, RECORD_LIST, 1, 0).substr(5));
     EXPECT_EQ("9", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+}
+
+TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
+{
+    HL_ClickMenu(ITEM_ARRAY);
+    Name(PANEL_ARRAY, "$8140, u2, 2, 3, 2, 2");
+    EXPECT_EQ("u2 [0 of 2][0 of 3][2][2] at 0x008140 awTable", UiText(PANEL_ARRAY, ARRAY_STATE));
+    const auto slice = [](const std::string &text) {
+        HL_SetUserVal(PANEL_ARRAY, ARRAY_SLICE, text);
+        HL_CommitControl(PANEL_ARRAY, ARRAY_SLICE);
+        return UiText(PANEL_ARRAY, ARRAY_STATE);
+    };
+    EXPECT_EQ("u2 [1 of 2][2 of 3][2][2] at 0x008168 awTable+40", slice("[1][2]"));
+    EXPECT_EQ("441", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 2)) << "element 21";
+    HL_Key(PANEL_ARRAY, ARRAY_SLICE, KEY_UP); // from the last one to the first
+    EXPECT_EQ("0, 0", UiText(PANEL_ARRAY, ARRAY_SLICE));
+    HL_Key(PANEL_ARRAY, ARRAY_SLICE, KEY_DOWN);
+    HL_Key(PANEL_ARRAY, ARRAY_SLICE, KEY_DOWN);
+    EXPECT_EQ("1, 1", UiText(PANEL_ARRAY, ARRAY_SLICE));
+    for (const char *bad : {"1, 3", "x", "0, 0, 0", "-1"})
+        EXPECT_EQ("u2 [1 of 2][1 of 3][2][2] at 0x008160 awTable+32", slice(bad)) << bad;
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 1, 2, "7");
+    EXPECT_EQ((std::vector<uint8_t>{7, 0}), Peek(0x8166, 2));
+
+    Name(PANEL_ARRAY, "$9F00, i8, 2");
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 0, 1, "-2 9223372036854775807");
+    EXPECT_EQ("OK: Elements written and read back: 2.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
+    EXPECT_EQ("-2", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 1));
+    EXPECT_EQ("9223372036854775807", GetCell(PANEL_ARRAY, ARRAY_LIST, 1, 1));
+    Name(PANEL_ARRAY, "$9F00, u8, 2");
+    EXPECT_EQ("18446744073709551614", GetCell(PANEL_ARRAY, ARRAY_LIST, 0, 1));
+    const struct {
+        const char *type, *text;
+        ArrayParse result;
+        uint64_t bits;
+    } cases[] = {{"f8", "-1.5", ARRAY_OK, 0xBFF8000000000000},
+                 {"F8", "0.1", ARRAY_OK, 0x3FB999999999999A},
+                 {"f8", "1e400", ARRAY_OUT_OF_RANGE, 0},
+                 {"f8", "nan", ARRAY_NO_VALUE, 0},
+                 {"f8", "1e", ARRAY_NO_VALUE, 0},
+                 {"i8", "9223372036854775808", ARRAY_OUT_OF_RANGE, 0},
+                 {"u8", "18446744073709551615", ARRAY_OK, UINT64_MAX},
+                 {"u8", "-1", ARRAY_NO_VALUE, 0},
+                 {"u8", "0x1", ARRAY_NO_VALUE, 0}};
+    for (const auto &row : cases) {
+        const ArrayType &type = *AEL_Find(row.type);
+        uint64_t bits = 0;
+        uint8_t bytes[AEL_BYTES_MAX] = {};
+        EXPECT_EQ(row.result, AEL_Parse(type, row.text, bytes)) << row.text;
+        std::memcpy(&bits, bytes, sizeof bits);
+        EXPECT_EQ(row.bits, bits) << row.text;
+        if (row.result == ARRAY_OK) {
+            EXPECT_EQ(row.text, AEL_Format(type, bytes));
+        }
+    }
+}
+
+TEST_F(Inspectors, TenWindowsEachWithItsOwn)
+{
+    for (int i = 0; i < 6; i++)
+        ARI_Open("$8140, u2, " + std::to_string(i + 2));
+    ARI_Open("$8140, u2, 4"); // is open
+    for (const char *name : {"DRV_stParams", "pwTable", "awTable", "afCurve"})
+        RCI_Open(name);
+    EXPECT_EQ(2, Count(PANEL_ARRAY, ARRAY_LIST));
+    EXPECT_EQ(7, Count(PANEL_ARRAY_MORE + 4, ARRAY_LIST));
+    EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST));
+    EXPECT_EQ(17, Count(PANEL_RECORD_MORE + 2, RECORD_LIST));
+    HL_ClickMenu(ITEM_ARRAY);
+    ASSERT_FALSE(HL_GetPopups().empty());
+    EXPECT_EQ("Inspectors: Ten inspectors are open. Close the window of one first.",
+              HL_GetPopups().back());
+    // A closed one makes room, and its window comes back empty.
+    HL_Key(PANEL_ARRAY_MORE, ARRAY_PLACE, KEY_ESC);
+    EXPECT_EQ(nullptr, INS_Find(PANEL_ARRAY_MORE));
+    ARI_Open("");
+    EXPECT_EQ(0, Count(PANEL_ARRAY_MORE, ARRAY_LIST));
+    Name(PANEL_ARRAY_MORE, "afCurve");
+    EXPECT_EQ("0.75", GetCell(PANEL_ARRAY_MORE, ARRAY_LIST, 3, 1));
+    HL_EditCell(PANEL_ARRAY_MORE, ARRAY_LIST, 3, 1, "3.5");
+    EXPECT_EQ("3.5", GetCell(PANEL_ARRAY_MORE, ARRAY_LIST, 3, 1));
+    HL_FireTimer(PANEL_RECORD_MORE + 2, RECORD_TIMER);
+    EXPECT_EQ("3.5", GetCell(PANEL_RECORD_MORE + 2, RECORD_LIST, 4, 1));
+    EXPECT_EQ("1", GetCell(PANEL_ARRAY, ARRAY_LIST, 1, 1)) << "another array";
 }
 
 // A list whose last member leads back to the first, and a type map that goes away meanwhile.

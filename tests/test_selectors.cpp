@@ -69,7 +69,7 @@ TEST_F(Selectors, VariablesAreFoundAndAddedFromTheKeyboard)
     HL_ClickMenu(ITEM_VARIABLES);
     EXPECT_TRUE(UiPanelAttribute(PANEL_VAR_SELECTOR, ATTR_VISIBLE));
     EXPECT_EQ(GetActiveCtrl(PANEL_VAR_SELECTOR), VARSEL_FILTER);
-    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_COUNT), "97 of 97 variables");
+    EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_COUNT), "99 of 99 variables");
     EXPECT_EQ(filtered("speed"), "DRV_nSpeedMax DRV_nSpeedRef ");
     EXPECT_EQ(filtered("aw*"), "awTable awWave ");
     EXPECT_EQ(HL_GetLabels(PANEL_VAR_SELECTOR, VARSEL_LIST)[0],

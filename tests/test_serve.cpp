@@ -89,6 +89,29 @@ TEST_F(Serve, EveryRequestIsAnsweredInOrderWithItsIdOrItsError)
     EXPECT_EQ(0, code);
 }
 
+// What is sent at once is read together; the answers stay in order and each is of its own item.
+TEST_F(Serve, ReadsThatWaitTogetherShareAProof)
+{
+    constexpr int READS = 64;
+    const char *const items[] = {"wGain", "fTempSet", "nope", "[8118]"};
+    const char *const texts[] = {R"("raw":100})", R"("value":60.0,)", "not-resolved", R"("raw":)"};
+    std::string requests;
+    for (int i = 0; i < READS; ++i)
+        requests += R"({"id":)" + std::to_string(i) + R"(,"op":"read","item":")" + items[i % 4] +
+                    "\"}\n" + (i == 40 ? "{\"id\":\"bad\",\"op\":\"read\"}\n" : "");
+    const auto before = SIM_GetCounters(target).requests;
+    const auto answers = Ask(requests);
+    ASSERT_EQ(READS + 1u, answers.size());
+    for (int i = 0; i < READS; ++i) {
+        const std::string &answer = answers[static_cast<size_t>(i <= 40 ? i : i + 1)];
+        EXPECT_EQ(0u, answer.find(R"({"id":)" + std::to_string(i) + R"(,"ok":true)")) << answer;
+        EXPECT_NE(std::string::npos, answer.find(texts[i % 4])) << answer;
+    }
+    EXPECT_EQ(0u, answers[41].find(R"({"id":"bad","ok":false)")) << answers[41];
+    // 48 reads; a proof for each would be as many again.
+    EXPECT_LT(SIM_GetCounters(target).requests - before, 48u + 30u);
+}
+
 TEST_F(Serve, ATargetThatIsGoneIsAnErrorOfEachRequestAndNotTheEnd)
 {
     setenv("VIREO2_COM1", (folder / "unplugged").c_str(), 1);

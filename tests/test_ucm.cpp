@@ -98,6 +98,7 @@ TEST_F(LinkTest, StationsAndOperationsOfEachProtocol)
 TEST_F(LinkTest, TriesReasonsAndStatistics)
 {
     plug();
+    Mr166_nTimeoutMs = 10 * HASTY_MS; // the port takes it when it is opened
     ASSERT_EQ(UCM_Open(1, LINK_PORT, LINK_BAUD), 0);
     UCM_ResetStatistics();
     uint8_t bytes[8] = {};

@@ -350,6 +350,8 @@ TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)
     poke(0x300, 0x44, 1, 3);
     SIM_PokeTMS(target, STATION, 0x700, 0x55);
     SIM_PokeTMS(target, STATION, 0x300, 0x66);
+    SIM_PokeTMS(target, 3, 0x700, 0x77);
+    SIM_PokeTMS(target, 3, 0x300, 0x88);
     SetCtrlVal(PANEL_MAIN, MAIN_MEM_SWITCH, 1);
     const struct {
         int selected;
@@ -372,7 +374,8 @@ TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)
         {0, "3:", 1, " An address or a name is missing behind the station."},
         {0, "1000000", 1, " The address is outside the target's memory."},
         {0, "123456789123456789", 1, " The address is outside the target's memory."},
-        {1, "3:&fCurrent", 1, " Select station 3 to see the memory of its TMS320."},
+        {1, "3:&fCurrent", 2, " 00000700 ( +0):|  00000077"},
+        {1, "3:300", 2, " 00000300 ( +0):|  00000088"},
     };
     for (const auto &c : cases) {
         HL_SelectLine(PANEL_MAIN, MAIN_LIST, c.selected);

@@ -123,6 +123,25 @@ TEST_F(WindowsProgram, WatchesWritesAndMissesAPortThroughTheWin32Driver)
     EXPECT_TRUE(Has(out, "3039h   12345     12345\n"));
     EXPECT_EQ(0u, SIM_GetCounters(target).malformed);
 
+    // Behind the network: the sockets of Windows.
+    SIM_Stop(target);
+    SIM_Options remote;
+    remote.demo = false;
+    remote.tcp = "0";
+    std::string error;
+    target = SIM_Start(remote, &error);
+    ASSERT_TRUE(target) << error;
+    SIM_Poke(target, 1, COUNTER_ADDRESS, counter, sizeof counter);
+    setenv("VIREO2_COM5", SIM_DevicePath(target), 1);
+    std::ofstream(folder / "Vireo2.ini") << "r, AC167\no-\np, 5\nb, 115200\ns, 1\nCOM, WIN32\n";
+    EXPECT_EQ(0, Run("--watch list.dbg --sweeps 2 --format csv")) << err;
+    EXPECT_TRUE(Has(out, "2,,0x008000,u,2,12345,12345,0\n")) << err;
+    EXPECT_EQ(0, Run("--full", "write 2, 22136, 8010H\nbinsave 8000H, 300, memory.bin\n")) << err;
+    unsetenv("VIREO2_COM5");
+    SIM_Peek(target, 1, SETPOINT_ADDRESS, written, sizeof written);
+    EXPECT_EQ(0x56, written[1]);
+    EXPECT_EQ(300u, ReadText(folder / "memory.bin").size());
+
     std::ofstream(folder / "Vireo2.ini") << "r, AC167\np, 77\nb, 115200\ns, 1\nCOM, WIN32\n";
     EXPECT_EQ(1, Run("--watch list.dbg --sweeps 1"));
     EXPECT_TRUE(Has(err, "Error opening serial port 'COM77'.\n(port is not available)")) << out;

@@ -10,6 +10,7 @@
 #include <ctime>
 #include <random>
 
+#include "bench.h"
 #include "graphs/source.h"
 #include "runtime/plot_view.h"
 #include "runtime/qt/plot_widget.h"
@@ -56,22 +57,11 @@ std::vector<UI_Plot> MakePlots(int count, size_t samples)
     return plots;
 }
 
-struct Cost {
-    double totalMs = 0, worstMs = 0;
-    int count = 0;
-    void add(double ms)
-    {
-        totalMs += ms;
-        worstMs = std::max(worstMs, ms);
-        count++;
-    }
-};
-
 // The least that can be asked: as many strokes as the curves have columns.
-Cost MeasureFloor(int curves, int strokes)
+BEN_Cost MeasureFloor(int curves, int strokes)
 {
     QImage image(WIDTH, HEIGHT, QImage::Format_RGB32);
-    Cost cost;
+    BEN_Cost cost;
     for (int round = 0; round < ROUNDS; round++) {
         QElapsedTimer timer;
         timer.start();
@@ -86,16 +76,15 @@ Cost MeasureFloor(int curves, int strokes)
             painter.drawLines(lines);
         }
         painter.end();
-        cost.add(PassedMs(timer));
+        cost.Add(PassedMs(timer));
     }
     return cost;
 }
 
-void Print(const char *what, const Cost &cost, const Cost &floor)
+void Print(const char *what, const BEN_Cost &cost, const BEN_Cost &floor)
 {
-    std::printf("%-44s %8.2f ms (worst %.2f), %.1f x the strokes alone\n", what,
-                cost.totalMs / cost.count, cost.worstMs,
-                cost.totalMs / cost.count / (floor.totalMs / floor.count));
+    std::printf("%-44s %8.2f ms (worst %.2f), %.1f x the strokes alone\n", what, cost.MeanMs(),
+                cost.worstMs, cost.MeanMs() / floor.MeanMs());
 }
 
 // From everything down to a thousandth, a bit narrower at each picture.
@@ -105,7 +94,7 @@ void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
     plot->setView(view);
     plot->setPlots(MakePlots(curves, samples));
     plot->replot(QCustomPlot::rpImmediateRefresh);
-    Cost cost;
+    BEN_Cost cost;
     for (int round = 0; round < ROUNDS; round++) {
         view = plot->view();
         view.isXFitted = false;
@@ -114,7 +103,7 @@ void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
         timer.start();
         plot->setView(view);
         plot->replot(QCustomPlot::rpImmediateRefresh);
-        cost.add(PassedMs(timer));
+        cost.Add(PassedMs(timer));
     }
     Print(what, cost, MeasureFloor(curves, WIDTH));
 }
@@ -151,7 +140,7 @@ void MeasureLive(PlotWidget *plot)
         view.isFollowing = true;
         view.x = {-width, 0};
         plot->setView(view);
-        Cost taken, cost; // by the program's thread, and in all
+        BEN_Cost taken, cost; // by the program's thread, and in all
         for (int round = 0; round < 4 * ROUNDS; round++) {
             for (int row = 0; row < static_cast<int>(LIVE_PERIOD_MS); row++)
                 addRow();
@@ -171,17 +160,17 @@ void MeasureLive(PlotWidget *plot)
                     std::make_shared<const std::vector<double>>(std::move(points[i].values));
                 PLV_MeasurePlot(&plots[i]);
             }
-            taken.add(WorkedMs() - begin);
+            taken.Add(WorkedMs() - begin);
             plot->setPlots(plots);
             plot->replot(QCustomPlot::rpImmediateRefresh);
-            cost.add(WorkedMs() - begin);
+            cost.Add(WorkedMs() - begin);
         }
         // The window draws when another of its columns can be seen, twice a second at least.
-        const double ms = cost.totalMs / cost.count;
+        const double ms = cost.MeanMs();
         const double pictures = std::clamp(WIDTH / width, 2.0, 1000 / LIVE_PERIOD_MS);
         std::printf("16 live curves, %4.0f s in view %6.2f ms a picture, %.2f of them to take what "
                     "is new: %.0f %% of one core at 20 a second, %.0f %% at the window's %.0f\n",
-                    width, ms, taken.totalMs / taken.count, 100 * ms / LIVE_PERIOD_MS,
+                    width, ms, taken.MeanMs(), 100 * ms / LIVE_PERIOD_MS,
                     ms * pictures / 10, pictures);
     }
     size_t bytes = 0;

@@ -19,6 +19,7 @@
 
 #include "app/main_panel.h"
 #include "app/startup.h"
+#include "bench.h"
 #include "runtime/qt/line_list.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/qt_view.h"
@@ -43,22 +44,10 @@ constexpr int HEIGHT_USUAL = 491;      // pixels
 constexpr int HEIGHT_4K = 2160;        // pixels
 constexpr int HEIGHT_ALL = LINES * 18; // all lines in view
 
-struct Cost {
-    double totalMs = 0, worstMs = 0;
-    int count = 0;
-
-    void add(double ms)
-    {
-        totalMs += ms;
-        worstMs = std::max(worstMs, ms);
-        ++count;
-    }
-};
-
-void Print(const char *what, const Cost &cost)
+void Print(const char *what, const BEN_Cost &cost)
 {
-    std::printf("%-44s %8.3f ms mean %8.3f ms worst  (%d)\n", what, cost.totalMs / cost.count,
-                cost.worstMs, cost.count);
+    std::printf("%-44s %8.3f ms mean %8.3f ms worst  (%d)\n", what, cost.MeanMs(), cost.worstMs,
+                cost.count);
 }
 
 double PassedMs(const QElapsedTimer &timer)
@@ -126,9 +115,9 @@ void Pause(int ms)
 }
 
 // From a key's arrival at the window until the list has been painted anew.
-Cost MeasureKeys(LineList *list)
+BEN_Cost MeasureKeys(LineList *list)
 {
-    Cost cost;
+    BEN_Cost cost;
     list->setFocus();
     for (int i = 0; i < KEYS; i++) {
         QKeyEvent key(QEvent::KeyPress, i % 2 ? Qt::Key_Up : Qt::Key_Down, Qt::NoModifier);
@@ -136,7 +125,7 @@ Cost MeasureKeys(LineList *list)
         timer.start();
         QCoreApplication::sendEvent(list, &key);
         list->repaint();
-        cost.add(PassedMs(timer));
+        cost.Add(PassedMs(timer));
         Pause(KEY_PAUSE_MS);
     }
     return cost;
@@ -201,26 +190,26 @@ VIEW_Batch MakeSweep(int sweep)
     return batch;
 }
 
-Cost MeasureSweeps()
+BEN_Cost MeasureSweeps()
 {
-    Cost cost;
+    BEN_Cost cost;
     for (int sweep = 0; sweep < SWEEPS; sweep++) {
         const VIEW_Batch batch = MakeSweep(sweep);
         const double before = WorkedMs();
         QTV_Draw(batch);
         QCoreApplication::processEvents(); // paints what has changed
-        cost.add(WorkedMs() - before);
+        cost.Add(WorkedMs() - before);
     }
     return cost;
 }
 
 // As many texts as the lines in view have cells, on nothing but an image.
-Cost MeasureFloor(LineList *list)
+BEN_Cost MeasureFloor(LineList *list)
 {
     const int rows = std::min(list->linesInView(), LINES);
     QImage image(list->viewport()->size(), QImage::Format_RGB32);
     const QString text = "1234.25";
-    Cost cost;
+    BEN_Cost cost;
     for (int sweep = 0; sweep < SWEEPS; sweep++) {
         const double before = WorkedMs();
         QPainter painter(&image);
@@ -229,7 +218,7 @@ Cost MeasureFloor(LineList *list)
             for (int column = 0; column < COLUMNS; column++)
                 painter.drawText(QPoint(column * 90, row * 18 + 14), text);
         painter.end();
-        cost.add(WorkedMs() - before);
+        cost.Add(WorkedMs() - before);
     }
     return cost;
 }
@@ -242,7 +231,7 @@ void MeasureRedraw(LineList *list, int height, const char *what)
                       {"Type", 50, UIA_LEFT, false, false},
                       {"Value", 200, UIA_POINT, false, false}});
     Pause(50);
-    const Cost sweep = MeasureSweeps(), floor = MeasureFloor(list);
+    const BEN_Cost sweep = MeasureSweeps(), floor = MeasureFloor(list);
     Print(what, sweep);
     Print("  as many texts on an image (floor)", floor);
     std::printf("  sweep : floor %.2f, %d lines in view\n", sweep.totalMs / floor.totalMs,
@@ -286,7 +275,7 @@ int main(int argc, char **argv)
     });
     QTV_MainWindow()->resize(900, HEIGHT_USUAL);
     setenv("VIREO2_COM4", SIM_DevicePath(target), 1);
-    const Cost idle = MeasureKeys(List());
+    const BEN_Cost idle = MeasureKeys(List());
     ToggleCommunication(false);
     VIEW_Busy busy;
     if (!WaitFor([&busy] {
@@ -294,7 +283,7 @@ int main(int argc, char **argv)
             return busy.isBusy;
         }))
         std::fprintf(stderr, "communication did not begin\n");
-    const Cost waiting = MeasureKeys(List());
+    const BEN_Cost waiting = MeasureKeys(List());
     Print("key to picture, communication off (peer)", idle);
     Print("key to picture, target silent", waiting);
     std::printf("silent : off %.2f\n", waiting.totalMs / idle.totalMs);

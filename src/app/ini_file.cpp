@@ -155,7 +155,8 @@ void AddPath(std::string *text, const char *key, const std::string &path, const 
 {
     // In the user's folder the file serves starts from anywhere.
     const bool isMovedAway = place.isUsersFolder && !path.empty() &&
-                             std::filesystem::path(path).is_relative() && !PLT_CurrentDir().empty();
+                             std::filesystem::u8path(path).is_relative() &&
+                             !PLT_CurrentDir().empty();
     if (!path.empty() && path.find_first_of("\r\n") == std::string::npos)
         AddLine(text, key, isMovedAway ? PLT_CurrentDir() + PLT_PathSeparator() + path : path);
     else if (bareKey != nullptr)

@@ -16,9 +16,12 @@
 #include "inspect/record_inspector.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "simulator/target.h"
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -26,6 +29,7 @@
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
+#include "watch/windows/outcome_colors.h"
 #include "watch/windows/selectors.h"
 
 namespace {
@@ -138,6 +142,7 @@ std::string MapText()
 // Only the run-time driver of mr166 can skip an echo.
 const char ECHO_TEXT[] = "The line echoes what is sent: switch Win32 services off. ";
 const char MODBUS_ECHO_TEXT[] = "The line echoes what is sent. ";
+const char SIMULATED_TEXT[] = "SIMULATED TARGET. ";
 bool isEchoShown = false;
 
 std::string TypesText()
@@ -180,6 +185,8 @@ std::string StateTip()
                                  : "\nEchoes of a two-wire line are skipped (run-time services)";
     text += Option_AutoOff != 0 ? "\nCommunication goes off after repeated errors"
                                 : "\nCommunication stays on whatever fails";
+    if (TGT_IsConnected())
+        text += "\nThe target is simulated by this program: no machine is reached";
     return text + "\n" + MapText();
 }
 
@@ -198,7 +205,10 @@ void SetMainPanelStateLine()
     // In front of paths, which may be longer than the window is wide.
     const char *advice = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_ECHO_TEXT : ECHO_TEXT;
     const std::string echo = isEchoShown ? advice : "";
-    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + echo + MapText() + TypesText());
+    const std::string simulated = TGT_IsConnected() ? SIMULATED_TEXT : "";
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + simulated + echo + MapText() + TypesText());
+    SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TEXT_COLOR,
+                     TGT_IsConnected() ? COLOR_WARN : COLOR_PLAIN);
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
     SetCtrlVal(mainPanel, MAIN_LED_MAPFILE, openStruct == OPEN_MAP_FILE);
     SetCtrlVal(mainPanel, MAIN_LED_MAPMEM, openStruct == OPEN_FROM_MEMORY);
@@ -239,6 +249,8 @@ void VR_ShowSettings()
     DBW_Changed();
     ARI_NamesChanged();
     RCI_NamesChanged();
+    T166_SetPanelAttributes();
+    LCW_SetPanelAttributes();
     WPL_ApplyColumns();
     CNP_Refresh();
 }

@@ -12,6 +12,8 @@
 #include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/age.h"
@@ -50,6 +52,8 @@ void ShowComState()
 {
     VR_ShowComState();
     RCW_ShowCommunication();
+    T166_ShowCommunication();
+    LCW_SetPanelAttributes();
 }
 
 // Takes a message away unless another one has replaced it since.
@@ -113,6 +117,7 @@ void VR_ConnectRooms()
     RFR_Recorder recorder;
     recorder.record = RCW_Record;
     recorder.tick = RCW_Tick;
+    recorder.terminal = T166_Read;
     RFR_SetRecorder(recorder);
 
     ADR_SetResolver(SYM_ResolveName);

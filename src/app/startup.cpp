@@ -12,11 +12,13 @@
 #include "console/monitor/monitor.h"
 #include "console/script/script.h"
 #include "graphs/window.h"
+#include "inspect/inspectors.h"
 #include "runtime/userint.h"
 #include "sampler/record_watch.h"
 #include "scope/window.h"
 #include "sets/window.h"
 #include "settings/settings.h"
+#include "simulator/target.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
@@ -58,6 +60,7 @@ constexpr PanelLoad PANELS[] = {
     {PANEL_RECORD, 0},
     {PANEL_SIMULATOR, 0},
     {PANEL_TERMINAL, 0},
+    {PANEL_LCD, 0},
     {PANEL_CONNECT, PANEL_MAIN},
 };
 
@@ -85,6 +88,7 @@ void PrepareMenu()
 void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
+    TGT_Stop(); // what is saved are the settings of before
     GRW_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const bool isSaved = SaveIniFile() == 0 && isScopeSaved && IsDBGChange == 0;
@@ -124,6 +128,7 @@ int VR_StartUp(int argc, char **argv)
     VR_ConnectRooms();
     GetVRVersion(argc > 0 ? argv[0] : "");
     UCM_Init();
+    INS_Clear();
     bRate = 19200;
     if (InitCVIRTE(&argc, argv) < 0 || LoadPanels() < 0)
         return -1;
@@ -162,12 +167,14 @@ int ExitApplication(int)
         return -1;
     RCW_Stop();
     VIR2_StopPeriodicASC();
+    TGT_Stop();
     QuitUserInterface(0);
     GRW_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const int code = SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.
     QuitUserInterface(code);
+    INS_Free();
     return 0;
 }
 

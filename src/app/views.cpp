@@ -12,6 +12,7 @@
 #include "scope/window.h"
 #include "sets/window.h"
 #include "settings/settings.h"
+#include "simulator/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/litem.h"
@@ -123,12 +124,11 @@ struct WindowItem {
     int panel;
     void (*opened)(); // may be null
 };
-// Terminal and simulator are empty yet and have no item in the menu.
 constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
-    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_TERMINAL, PANEL_TERMINAL, nullptr},
-    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},          {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},
-    {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},     {ITEM_SIMULATOR, PANEL_SIMULATOR, nullptr},
+    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
+    {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},         {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},
+    {ITEM_SIMULATOR, PANEL_SIMULATOR, TGW_Opened},
 };
 
 void ShowWindow(const WindowItem &row)

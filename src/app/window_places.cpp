@@ -1,6 +1,7 @@
 #include "app/window_places.h"
 
 #include <map>
+#include <set>
 #include <sstream>
 #include <vector>
 
@@ -19,6 +20,7 @@ constexpr size_t COLUMNS_MAX = 16;
 typedef std::vector<int> Numbers;
 
 std::map<int, Numbers> readPlaces;                  // by panel: left, top, width, height
+std::set<int> laterPlaces;                          // of those, of panels not loaded yet
 std::map<std::pair<int, int>, Numbers> readWidths;  // not applied yet
 std::map<std::pair<int, int>, Numbers> firstWidths; // as the program gave them
 
@@ -85,10 +87,27 @@ Numbers Join(Numbers front, const Numbers &back)
     return front;
 }
 
+bool IsLoaded(int panel)
+{
+    int isPlaced = 0;
+    return GetPanelAttribute(panel, ATTR_IS_PLACED, &isPlaced) >= 0;
+}
+
+void UsePlace(int panel)
+{
+    const Numbers &place = readPlaces[panel];
+    SetPanelPos(panel, place[1], place[0]);
+    SetPanelAttribute(panel, ATTR_WIDTH, place[2]);
+    SetPanelAttribute(panel, ATTR_HEIGHT, place[3]);
+    if (panel == mainPanel)
+        oldHeight = place[3];
+}
+
 } // namespace
 
 void WPL_Forget()
 {
+    laterPlaces.clear();
     readPlaces.clear();
     readWidths.clear();
     firstWidths.clear();
@@ -103,13 +122,11 @@ void WPL_ReadWindow(const std::string &value)
         !IsWithin(numbers[3], WINDOW_MIN, WINDOW_MAX) ||
         !IsWithin(numbers[4], WINDOW_MIN, WINDOW_MAX))
         return;
-    const int panel = numbers[0];
-    readPlaces[panel] = Numbers(numbers.begin() + 1, numbers.end());
-    SetPanelPos(panel, numbers[2], numbers[1]);
-    SetPanelAttribute(panel, ATTR_WIDTH, numbers[3]);
-    SetPanelAttribute(panel, ATTR_HEIGHT, numbers[4]);
-    if (panel == mainPanel)
-        oldHeight = numbers[4];
+    readPlaces[numbers[0]] = Numbers(numbers.begin() + 1, numbers.end());
+    if (IsLoaded(numbers[0]))
+        UsePlace(numbers[0]);
+    else
+        laterPlaces.insert(numbers[0]);
 }
 
 void WPL_ReadColumns(const std::string &value)
@@ -137,6 +154,12 @@ void WPL_ReadLayout(const std::string &value)
 
 void WPL_ApplyColumns()
 {
+    for (auto panel = laterPlaces.begin(); panel != laterPlaces.end();) {
+        const bool isLoaded = IsLoaded(*panel);
+        if (isLoaded)
+            UsePlace(*panel);
+        panel = isLoaded ? laterPlaces.erase(panel) : std::next(panel);
+    }
     for (int panel = 1; panel < PANELS_MAX; panel++)
         for (int control = 1; control < CONTROLS_MAX; control++) {
             const std::pair<int, int> place = {panel, control};

@@ -27,12 +27,6 @@ void AppendRegister(uint16_t number, std::string *text)
     *text += std::to_string(number);
 }
 
-void AppendByteRegister(uint16_t number, std::string *text)
-{
-    *text += number % 2 == 0 ? "rl" : "rh";
-    *text += std::to_string(number / 2);
-}
-
 void AppendSpecial(const CODE_Operand &operand, CODE_Namer namer, std::string *text)
 {
     const std::string name = namer != nullptr ? namer(operand.address) : std::string();
@@ -51,7 +45,7 @@ void AppendOperand(const CODE_Operand &operand, CODE_Namer namer, std::string *t
         AppendRegister(operand.value, text);
         break;
     case CODE_BYTE_REGISTER:
-        AppendByteRegister(operand.value, text);
+        *text += (operand.value % 2 == 0 ? "rl" : "rh") + std::to_string(operand.value / 2);
         break;
     case CODE_INDIRECT:
     case CODE_INDIRECT_INC:

@@ -65,8 +65,6 @@ int GetLine()
     return line < static_cast<int>(code.size()) ? line : -1;
 }
 
-// --- the list of code -------------------------------------------------------------------
-
 std::string FormatHexAddress(uint32_t address)
 {
     static const char DIGITS[] = "0123456789ABCDEF";
@@ -75,6 +73,19 @@ std::string FormatHexAddress(uint32_t address)
         text += DIGITS[address >> shift & 0xF];
     return text;
 }
+
+// What the message line says while all is well: what the window is, and what lies at the
+// selected line.
+void ShowWhere()
+{
+    const int line = GetLine();
+    const uint32_t address = line >= 0 ? code[static_cast<size_t>(line)].address : 0;
+    const std::string name = line >= 0 ? SYM_AddressToName(address) : "";
+    ShowOutcome((HasCode() ? LIVE_VIEW : ONLY_C166) +
+                (name.empty() ? "" : "  " + FormatHexAddress(address) + ": " + name));
+}
+
+// --- the list of code -------------------------------------------------------------------
 
 std::vector<UI_Cell> MakeCells(const CODE_Instruction &instruction)
 {
@@ -151,7 +162,7 @@ bool Refresh()
     if (result != 0)
         ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
     else
-        ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
+        ShowWhere();
     return result == 0;
 }
 
@@ -314,7 +325,7 @@ void DBW_Opened()
     Prepare();
     SetCtrlVal(PANEL, DEBUG_LIVE, 1);
     SetActiveCtrl(PANEL, DEBUG_PLACE);
-    ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
+    ShowWhere();
     if (isTimer != 0)
         Refresh();
 }
@@ -333,7 +344,7 @@ void DBW_Changed()
     ClearListCtrl(PANEL, DEBUG_MEMORY);
     Prepare();
     if (IsShown())
-        ShowOutcome(HasCode() ? LIVE_VIEW : ONLY_C166);
+        ShowWhere();
 }
 
 int DBW_PanelCB(int panel, int event, int data)
@@ -381,10 +392,12 @@ int DBW_LiveCB(int, int, int event, int)
 
 int DBW_CodeCB(int, int, int event, int data)
 {
-    if (event == EVENT_VAL_CHANGED)
+    if (event == EVENT_VAL_CHANGED) {
         EnableButtons();
-    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK ||
-             (event == EVENT_KEYPRESS && data == KEY_RIGHT))
+        if (failedMs == 0)
+            ShowWhere();
+    } else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK ||
+               (event == EVENT_KEYPRESS && data == KEY_RIGHT))
         FollowJump();
     else if (event == EVENT_KEYPRESS && (data == KEY_LEFT || data == KEY_BACKSPACE))
         GoBack();

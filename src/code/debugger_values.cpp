@@ -266,23 +266,10 @@ std::string FormatOperand(const CODE_Operand &operand)
 
 // --- the two steps of a refresh ---------------------------------------------------------
 
-// Where registers and stack are, is itself in registers.
-bool ReadPointers(std::string *cause)
-{
-    contextPointer = stackPointer = CODE_NO_ADDRESS;
-    if (!IsC166())
-        return true;
-    LVR_Set pointers;
-    LVR_Want(&pointers, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
-    if (LVR_Read(&pointers, STATION, cause) != 0)
-        return false;
-    LVR_Get(pointers, ADDR_CP, WORD_BYTES, &contextPointer);
-    LVR_Get(pointers, ADDR_SP, WORD_BYTES, &stackPointer);
-    return true;
-}
-
+// All whose place is known beforehand.
 void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines)
 {
+    CollectRegisterLines();
     for (const Line &line : registerLines)
         if (!line.isTouchy)
             LVR_Want(&live, line.address, WORD_BYTES);
@@ -290,14 +277,25 @@ void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines
         LVR_Want(&live, memoryAddress, std::min(MEMORY_BYTES, ADDR_LIMIT - memoryAddress));
     if (!IsC166())
         return;
+    LVR_Want(&live, ADDR_PSW, WORD_BYTES);
     LVR_Want(&live, ADDR_DPP0, PAGE_POINTERS * WORD_BYTES);
-    LVR_Want(&live, ADDR_STKUN, WORD_BYTES);
-    LVR_Want(&live, contextPointer, GENERAL_REGISTERS * WORD_BYTES);
-    if (stackPointer >= STACK_FIRST && stackPointer <= STACK_LAST)
-        LVR_Want(&live, stackPointer,
-                 std::min(STACK_WORDS_MAX * WORD_BYTES, STACK_LAST + WORD_BYTES - stackPointer));
+    LVR_Want(&live, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
     if (code != nullptr)
         WantOperands(*code, firstLine, lines);
+}
+
+// Where registers and stack are, is itself in registers.
+void WantWhatIsPointedAt(LVR_Set *set)
+{
+    contextPointer = stackPointer = CODE_NO_ADDRESS;
+    if (!IsC166())
+        return;
+    LVR_Get(*set, ADDR_CP, WORD_BYTES, &contextPointer);
+    LVR_Get(*set, ADDR_SP, WORD_BYTES, &stackPointer);
+    LVR_Want(set, contextPointer, GENERAL_REGISTERS * WORD_BYTES);
+    if (stackPointer >= STACK_FIRST && stackPointer <= STACK_LAST)
+        LVR_Want(set, stackPointer,
+                 std::min(STACK_WORDS_MAX * WORD_BYTES, STACK_LAST + WORD_BYTES - stackPointer));
 }
 
 } // namespace
@@ -325,18 +323,14 @@ void DBV_SetMemory(uint32_t address)
 int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
                 std::string *cause)
 {
-    LVR_Set before;
-    std::swap(live, before);
-    if (!ReadPointers(cause)) {
-        DBV_MarkOld();
-        return -1;
-    }
-    CollectRegisterLines();
+    live = LVR_Set();
+    contextPointer = stackPointer = CODE_NO_ADDRESS;
     WantAll(code, firstLine, lines);
-    if (LVR_Read(&live, STATION, cause) != 0) {
+    if (LVR_Read(&live, STATION, cause, WantWhatIsPointedAt) != 0) {
         DBV_MarkOld();
         return -1;
     }
+    CollectRegisterLines(); // the general ones lie where the context pointer says
     FillRegisterList();
     ShowStack();
     ShowMemory();

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "comm/grouping.h"
 #include "comm/ucm.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
@@ -9,36 +10,51 @@
 
 namespace {
 
-// A message costs about as much as so many bytes of an answer: a smaller gap is read along.
-constexpr uint32_t GAP_MAX = 12;
 constexpr int ROUNDS_MAX = 3;
 constexpr uint32_t NUMBER_BYTES_MAX = 4;
-// Special function registers and peripherals: a gap there may hold what must not be read.
-constexpr uint32_t SPECIAL_FIRST = 0xEF00, SPECIAL_LAST = 0xFFFF;
-constexpr uint32_t RAM_FIRST = 0xF600, RAM_LAST = 0xFDFF;
+constexpr uint32_t SHARE_BYTES = 16; // larger pieces are planned in such, for any block to hold
 
-// The TMS320's peripherals lie all over its lower memory.
-bool IsPlain(uint32_t address)
+// Blocks of the second reading may span those of the first, so more than one is looked into.
+bool FindByte(const LVR_Set &set, uint32_t address, uint8_t *byte)
 {
-    if (IsWordAddressing(Procesor))
-        return false;
-    return address < SPECIAL_FIRST || address > SPECIAL_LAST ||
-           (address >= RAM_FIRST && address <= RAM_LAST);
+    for (auto block = set.blocks.upper_bound(address); block != set.blocks.begin();) {
+        --block;
+        const uint32_t at = address - block->first;
+        if (at < block->second.size()) {
+            *byte = block->second[at];
+            return true;
+        }
+    }
+    return false;
 }
 
-bool MayBridge(uint32_t end, uint32_t next)
+bool IsRead(const LVR_Set &set, uint32_t address, uint32_t size)
 {
-    return next <= end || (next - end <= GAP_MAX && IsPlain(end) && IsPlain(next - 1));
-}
-
-bool ReadBlocks(LVR_Set *set, int station, const std::vector<LVR_Piece> &plan)
-{
-    set->blocks.clear();
-    for (const LVR_Piece &piece : plan) {
-        std::vector<uint8_t> &bytes = set->blocks[piece.address];
-        bytes.resize(piece.size);
-        if (UCM_Read(station, piece.address, piece.size, bytes.data()) < 0)
+    uint8_t byte;
+    for (uint32_t i = 0; i < size; ++i)
+        if (!FindByte(set, address + i, &byte))
             return false;
+    return true;
+}
+
+// The last message is the proof of all, where it can be: with the one before, if they touch,
+// there is more to choose its length from.
+bool ReadBlocks(LVR_Set *set, int station, bool isLast)
+{
+    std::vector<LVR_Piece> plan = LVR_Plan(*set);
+    const size_t count = plan.size();
+    if (isLast && count > 1 &&
+        plan[count - 2].address + plan[count - 2].size == plan.back().address) {
+        plan[count - 2].size += plan.back().size;
+        plan.pop_back();
+    }
+    for (size_t i = 0; i < plan.size(); ++i) {
+        const LVR_Piece &piece = plan[i];
+        std::vector<uint8_t> bytes(piece.size);
+        const auto read = isLast && i + 1 == plan.size() ? UCM_ReadProving : UCM_Read;
+        if (read(station, piece.address, piece.size, bytes.data()) < 0)
+            return false;
+        set->blocks[piece.address] = std::move(bytes);
     }
     return true;
 }
@@ -53,28 +69,32 @@ void LVR_Want(LVR_Set *set, uint32_t address, uint32_t size)
 
 std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set)
 {
-    std::vector<LVR_Piece> wanted = set.wanted, stretches, plan;
-    std::sort(wanted.begin(), wanted.end(),
-              [](const LVR_Piece &a, const LVR_Piece &b) { return a.address < b.address; });
-    for (const LVR_Piece &piece : wanted) {
-        LVR_Piece *last = stretches.empty() ? nullptr : &stretches.back();
-        if (last != nullptr && MayBridge(last->address + last->size, piece.address))
-            last->size = std::max(last->size, piece.address + piece.size - last->address);
-        else
-            stretches.push_back(piece);
-    }
-    for (const LVR_Piece &stretch : stretches)
-        for (uint32_t at = 0; at < stretch.size; at += LVR_BLOCK_MAX)
-            plan.push_back({stretch.address + at, std::min(LVR_BLOCK_MAX, stretch.size - at)});
+    std::vector<GRP_Item> items;
+    for (const LVR_Piece &piece : set.wanted)
+        for (uint32_t at = 0; at < piece.size; at += SHARE_BYTES) {
+            const uint32_t size = std::min(SHARE_BYTES, piece.size - at);
+            if (!IsRead(set, piece.address + at, size))
+                items.push_back({0, piece.address + at, size});
+        }
+    std::vector<LVR_Piece> plan;
+    for (const GRP_Block &block :
+         GRP_Plan(items, GRP_ReadWire(VR_nProtocol), GRP_ReadRules(Procesor)))
+        plan.push_back({block.address, block.size});
     return plan;
 }
 
-int LVR_Read(LVR_Set *set, int station, std::string *cause)
+int LVR_Read(LVR_Set *set, int station, std::string *cause,
+             const std::function<void(LVR_Set *set)> &wantMore)
 {
-    const std::vector<LVR_Piece> plan = LVR_Plan(*set);
     int proof = UCM_READ_AGAIN;
     for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
-        if (!ReadBlocks(set, station, plan)) {
+        set->blocks.clear();
+        bool isGood = ReadBlocks(set, station, wantMore == nullptr);
+        if (isGood && wantMore != nullptr) {
+            wantMore(set);
+            isGood = ReadBlocks(set, station, true);
+        }
+        if (!isGood) {
             *cause = UCM_LastErrorText();
             set->blocks.clear();
             return -1;
@@ -83,7 +103,7 @@ int LVR_Read(LVR_Set *set, int station, std::string *cause)
     }
     if (proof == UCM_PROVEN)
         return 0;
-    *cause = "the line repeats answers";
+    *cause = proof == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText();
     set->blocks.clear();
     return -1;
 }
@@ -93,16 +113,9 @@ bool LVR_Get(const LVR_Set &set, uint32_t address, uint32_t size, uint32_t *valu
     uint8_t bytes[NUMBER_BYTES_MAX];
     if (size < 1 || size > NUMBER_BYTES_MAX)
         return false;
-    for (uint32_t i = 0; i < size; ++i) { // a number may lie across two blocks
-        auto block = set.blocks.upper_bound(address + i);
-        if (block == set.blocks.begin())
+    for (uint32_t i = 0; i < size; ++i) // a number may lie across two blocks
+        if (!FindByte(set, address + i, &bytes[i]))
             return false;
-        --block;
-        const uint32_t at = address + i - block->first;
-        if (at >= block->second.size())
-            return false;
-        bytes[i] = block->second[at];
-    }
     *value = static_cast<uint32_t>(BYT_GetLittle(bytes, size));
     return true;
 }

@@ -5,6 +5,7 @@
 #define CODE_LIVE_READS_H
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -20,12 +21,15 @@ struct LVR_Set {
 
 // A place beyond the target's memory is not asked for. `size`: 1 to 65536.
 void LVR_Want(LVR_Set *set, uint32_t address, uint32_t size);
-// The messages that reading what is wanted takes: stretches of at most LVR_BLOCK_MAX bytes.
-constexpr uint32_t LVR_BLOCK_MAX = 64;
+// The messages that reading what is wanted and not read yet takes, in order of address: the
+// cheapest by the characters on the wire of the present protocol.
 std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set);
-// Reads all that is wanted from a station, proven together. 0, or -1 with the reason in
-// *cause: the set then holds nothing.
-int LVR_Read(LVR_Set *set, int station, std::string *cause);
+// Reads all that is wanted from a station, proven together. Where some of it depends on the rest
+// (what a pointer points at), `wantMore` is called once that is read, and adds it; it may be
+// called again for the same refresh. 0, or -1 with the reason in *cause: the set then holds
+// nothing.
+int LVR_Read(LVR_Set *set, int station, std::string *cause,
+             const std::function<void(LVR_Set *set)> &wantMore = nullptr);
 // The number at an address, low byte first, of at most 4 bytes; false when it was not read.
 bool LVR_Get(const LVR_Set &set, uint32_t address, uint32_t size, uint32_t *value);
 

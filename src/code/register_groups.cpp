@@ -48,11 +48,6 @@ const char *const TOUCHY[] = {"S0RBUF",    "S1RBUF",    "SSCRB",   "ADDAT", "ADD
                               "*SCIRXBUF", "*SPIRXBUF", "*I2CDRR", "*DRR1", "*DRR2",
                               "*SCIFFRX",  "*SPIFFRX",  "*CANRIFR"};
 
-bool IsDigit(char c)
-{
-    return c >= '0' && c <= '9';
-}
-
 bool Fits(const char *pattern, const char *name)
 {
     for (; *pattern != '\0'; ++pattern, ++name) {
@@ -65,16 +60,11 @@ bool Fits(const char *pattern, const char *name)
                     return false;
             }
         }
-        if (*pattern == '#' ? !IsDigit(*name) : *pattern != *name)
+        const bool isDigit = *name >= '0' && *name <= '9';
+        if (*pattern == '#' ? !isDigit : *pattern != *name)
             return false;
     }
     return *name == '\0';
-}
-
-bool IsTouchy(const char *name)
-{
-    return std::any_of(std::begin(TOUCHY), std::end(TOUCHY),
-                       [name](const char *pattern) { return Fits(pattern, name); });
 }
 
 // On the TMS320 a name begins with its peripheral: "ePWM4_CMPA".
@@ -108,8 +98,11 @@ std::vector<CODE_RegisterGroup> CODE_GetRegisterGroups()
             groups.push_back({name, {}});
     for (int i = 0; openStruct166 && i < nNodes166; ++i) {
         const VarNode &node = aVarNode166[i];
+        const bool isTouchy =
+            std::any_of(std::begin(TOUCHY), std::end(TOUCHY),
+                        [&node](const char *pattern) { return Fits(pattern, node.name); });
         FindOrAdd(&groups, FindGroup(node.name))
-            ->registers.push_back({node.name, node.addr, IsTouchy(node.name)});
+            ->registers.push_back({node.name, node.addr, isTouchy});
     }
     for (CODE_RegisterGroup &group : groups)
         std::sort(

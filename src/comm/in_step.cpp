@@ -83,6 +83,21 @@ uint32_t NextRandom(STEP_Line *line)
     return line->random;
 }
 
+bool IsUnused(const STEP_Line &line, int partner, STEP_Shape shape)
+{
+    const STEP_Partner &book = line.partners[static_cast<size_t>(partner)];
+    const auto &recent = line.recentProbes;
+    return FindOpen(book, shape) == book.open.end() &&
+           std::find(recent.begin(), recent.end(), shape) == recent.end();
+}
+
+void NoteProbe(STEP_Line *line, STEP_Shape shape)
+{
+    line->recentProbes.push_back(shape);
+    if (line->recentProbes.size() > RECENT_PROBES_MAX)
+        line->recentProbes.erase(line->recentProbes.begin());
+}
+
 template <typename IsDone>
 int SendProbes(STEP_Line *line, int partner, int attempts, const STEP_Prober &prober, IsDone isDone)
 {
@@ -197,9 +212,8 @@ STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes
 {
     const STEP_Partner &book = PartnerOf(line, partner);
     const auto isFree = [&](STEP_Shape shape, bool isRecentAllowed) {
-        const auto &recent = line->recentProbes;
-        return FindOpen(book, shape) == book.open.end() &&
-               (isRecentAllowed || std::find(recent.begin(), recent.end(), shape) == recent.end());
+        return isRecentAllowed ? FindOpen(book, shape) == book.open.end()
+                               : IsUnused(*line, partner, shape);
     };
     const size_t start = NextRandom(line) % count;
     STEP_Shape chosen = shapes[start];
@@ -210,10 +224,31 @@ STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes
             isFound = isFree(chosen, isRecentAllowed);
         }
     }
-    line->recentProbes.push_back(chosen);
-    if (line->recentProbes.size() > RECENT_PROBES_MAX)
-        line->recentProbes.erase(line->recentProbes.begin());
+    NoteProbe(line, chosen);
     return chosen;
+}
+
+bool STEP_PickUnusedProbe(STEP_Line *line, int partner, const std::vector<STEP_Shape> &shapes,
+                          STEP_Shape *chosen)
+{
+    std::vector<STEP_Shape> unused;
+    for (const STEP_Shape shape : shapes)
+        if (IsUnused(*line, partner, shape))
+            unused.push_back(shape);
+    if (unused.empty())
+        return false;
+    *chosen = unused[NextRandom(line) % unused.size()];
+    NoteProbe(line, *chosen);
+    return true;
+}
+
+std::vector<uint32_t> STEP_ListProbeLengths(uint32_t unit, uint32_t least, uint32_t most)
+{
+    std::vector<uint32_t> lengths;
+    for (uint32_t units = 3; units * unit <= most; ++units)
+        if (units % 4 != 0 && units * unit >= least)
+            lengths.push_back(units * unit);
+    return lengths;
 }
 
 int STEP_MakeSafe(STEP_Line *line, int partner, STEP_Shape shape, int attempts,

@@ -80,6 +80,12 @@ bool STEP_IsSuspicious(STEP_Line *line, int partner, uint32_t nowMs);
 // A probe that no open answer and no recent probe can be taken for, out of `count`
 // shapes. When all are in use the one used longest ago.
 STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes, size_t count);
+// The same where a proof is welcome but not needed: false when all are in use.
+bool STEP_PickUnusedProbe(STEP_Line *line, int partner, const std::vector<STEP_Shape> &shapes,
+                          STEP_Shape *chosen);
+// For probes that read something of use: lengths from `least` to `most` bytes, in units of so
+// many, that variables and full blocks do not have.
+std::vector<uint32_t> STEP_ListProbeLengths(uint32_t unit, uint32_t least, uint32_t most);
 
 // What a link does for a proof: sends a request for `shape`, tells STEP_Sent, and reads
 // for one time-out at most, telling what came; may return as soon as `isDone` says so.

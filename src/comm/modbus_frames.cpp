@@ -98,7 +98,12 @@ bool MBF_IsTunnel(const uint8_t *frame)
            (start == MBF_TUNNEL_EVEN || start == MBF_TUNNEL_ODD);
 }
 
-std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape)
+STEP_Shape MBF_ProbeShape(uint32_t bytes)
+{
+    return ProbeShape(bytes / 2);
+}
+
+std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address)
 {
     // A read of memory from address 0 through the reserved registers: it changes nothing.
     const auto registers = static_cast<uint8_t>((shape & 0xFFFF) / 2);
@@ -113,10 +118,10 @@ std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape)
                                   0,
                                   2,
                                   4,
-                                  0,
-                                  0,
-                                  0,
-                                  0};
+                                  static_cast<uint8_t>(address >> 24),
+                                  static_cast<uint8_t>(address >> 16),
+                                  static_cast<uint8_t>(address >> 8),
+                                  static_cast<uint8_t>(address)};
     const uint16_t crc = MBM_GetCRC(frame.data(), frame.size());
     frame.push_back(static_cast<uint8_t>(crc));
     frame.push_back(static_cast<uint8_t>(crc >> 8));

@@ -30,7 +30,8 @@ bool MBF_IsTunnel(const uint8_t *frame);               // a request that carries
 // Short reads that are not among the usual sizes of variables.
 extern const STEP_Shape MBF_aProbeShapes[];
 extern const size_t MBF_cnProbeShapes;
-// A read of memory from address 0 on, where reading does no harm.
-std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape);
+STEP_Shape MBF_ProbeShape(uint32_t bytes); // of a read of so many bytes of memory
+// Such a read. Probes that only prove read from address 0, where that does no harm.
+std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address = 0);
 
 #endif

@@ -167,6 +167,26 @@ int FaultOf(Wait wait)
     return FAULTS[static_cast<int>(wait)];
 }
 
+// A probe on its way, and back when `isWanted` takes its answer.
+template <typename Wanted>
+Wait Exchange(const Bytes &frame, int slave, STEP_Shape shape, Wanted isWanted)
+{
+    if (TRC_isOn)
+        MBMTRC_Begin(frame.data(), frame.size(), true);
+    STEP_Sent(&book, slave, shape, true);
+    Wait wait = Wait::GONE;
+    size_t length = 0;
+    if (MBM_line->write(frame.data(), frame.size()) == static_cast<int>(frame.size()))
+        wait = Listen(frame.data(), frame.size(), &length, isWanted);
+    if (wait == Wait::FOUND) {
+        DropFrame(length);
+        BookAll(slave);
+    }
+    if (TRC_isOn)
+        MBMTRC_End(MBM_isEcho != 0, FaultOf(wait));
+    return wait;
+}
+
 // Any probe's answer will do: an earlier one may be proof enough.
 int Probe(int slave, STEP_Shape shape)
 {
@@ -175,21 +195,9 @@ int Probe(int slave, STEP_Shape shape)
         return -1;
     }
     const Bytes frame = MBF_BuildProbe(slave, shape);
-    if (TRC_isOn)
-        MBMTRC_Begin(frame.data(), frame.size(), true);
-    STEP_Sent(&book, slave, shape, true);
-    Wait wait = Wait::GONE;
-    size_t length = 0;
-    if (MBM_line->write(frame.data(), frame.size()) == static_cast<int>(frame.size()))
-        wait = Listen(frame.data(), frame.size(), &length, [slave](const uint8_t *answer) {
-            return BookOther(answer) && answer[0] == slave;
-        });
-    if (wait == Wait::FOUND) {
-        DropFrame(length);
-        BookAll(slave);
-    }
-    if (TRC_isOn)
-        MBMTRC_End(MBM_isEcho != 0, FaultOf(wait));
+    const Wait wait = Exchange(frame, slave, shape, [slave](const uint8_t *answer) {
+        return BookOther(answer) && answer[0] == slave;
+    });
     probeFault = FaultOf(wait);
     if (wait == Wait::FOUND)
         return 1;
@@ -353,6 +361,49 @@ int MBMSTEP_ProveBehind(int slave, int attempts)
 void MBMSTEP_GiveUpProof(int slave)
 {
     PartnerOf(slave).isProofDue = false;
+}
+
+uint32_t MBMSTEP_PickProving(int slave, uint32_t least, uint32_t most)
+{
+    // Only where nothing else can come: a line in doubt gets probes that read nothing of value.
+    if (book.partners.empty() || !STEP_IsCalm(book, slave, 0))
+        return 0;
+    std::vector<STEP_Shape> shapes;
+    for (const uint32_t bytes : STEP_ListProbeLengths(2, least, most))
+        shapes.push_back(MBF_ProbeShape(bytes));
+    STEP_Shape shape = 0;
+    return STEP_PickUnusedProbe(&book, slave, shapes, &shape) ? shape & 0xFFFF : 0;
+}
+
+int MBMSTEP_ReadProving(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
+{
+    constexpr size_t DATA_AT = 3;
+    if (!MBM_isOpen)
+        return MBM_FAULT_CLOSED;
+    const int gone = SortWaiting(slave);
+    if (gone != 0 || !STEP_IsCalm(book, slave, 0)) // what came just now leaves it in doubt
+        return gone != 0 ? gone : static_cast<int>(MBM_FAULT_STEP);
+    const STEP_Shape shape = MBF_ProbeShape(count);
+    const Bytes frame = MBF_BuildProbe(slave, shape, address);
+    int exception = 0;
+    const Wait wait = Exchange(frame, slave, shape, [&](const uint8_t *answer) {
+        const bool isException = (answer[1] & MBF_EXCEPTION_BIT) != 0;
+        const bool isOurs = answer[0] == slave && ShapeOf(answer) == shape;
+        if (isOurs && isException) { // has no length to know it by and proves nothing
+            STEP_Refused(&book, slave, shape);
+            exception = MBM_FAULT_EXCEPTION + answer[2];
+            return true;
+        }
+        // Registers come high byte first; the target's low byte stands in front.
+        for (uint32_t i = 0; isOurs && i < count; ++i)
+            bytes[i] = answer[DATA_AT + (i ^ 1u)];
+        return BookOther(answer) && isOurs;
+    });
+    if (wait != Wait::FOUND || exception != 0)
+        return exception != 0 ? exception : FaultOf(wait);
+    if (MBM_cnOk != UINT32_MAX)
+        ++MBM_cnOk;
+    return 0;
 }
 
 uint32_t MBMSTEP_Surplus()

@@ -32,6 +32,12 @@ bool MBMSTEP_IsSuspicious(int slave);
 // 0, or a fault; at most `attempts` probes may stay unanswered.
 int MBMSTEP_ProveBehind(int slave, int attempts);
 void MBMSTEP_GiveUpProof(int slave);
+// How many bytes a read must have, `least` to `most`, for its answer to be a proof; 0 when no
+// number will do, or the line is in doubt.
+uint32_t MBMSTEP_PickProving(int slave, uint32_t least, uint32_t most);
+// One try of such a read of target memory. 0 and the bytes, proven like all that was read
+// before; or a fault.
+int MBMSTEP_ReadProving(int slave, uint32_t address, uint32_t count, uint8_t *bytes);
 uint32_t MBMSTEP_Surplus(); // grows when more answers came than were asked for
 
 #endif

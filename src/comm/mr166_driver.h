@@ -52,6 +52,11 @@ bool MrEXC_IsSuspicious(int station); // ... and it should be before it is used
 // Puts a proof behind everything read from the station. 0, negative: it was not answered.
 int MrEXC_ProveBehind(int station, int probes);
 void MrEXC_GiveUpProof(int station); // what was read there is not used
+// How long a read must be, in units of so many bytes, for its answer to be a proof; 0 when no
+// length will do, or the line is in doubt.
+uint32_t MrEXC_PickProving(int station, uint32_t unit, uint32_t least, uint32_t most);
+// One try of such a read. 1 and the bytes, proven like all that was read before; 0.
+int MrEXC_ReadProving(int station, uint32_t address, uint16_t count, void *buffer);
 
 // --- called only while TRC_isOn (mr166_trace.cpp) --------------------------------------
 // An exchange is recorded when it is over; its frame is in the send buffer.

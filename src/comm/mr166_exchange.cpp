@@ -8,6 +8,7 @@
 #include "platform/system.h"
 
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -191,6 +192,36 @@ int MrEXC_ProveBehind(int station, int probes)
         wMr166State = state;
     }
     return result;
+}
+
+uint32_t MrEXC_PickProving(int station, uint32_t unit, uint32_t least, uint32_t most)
+{
+    // Only where nothing else can come: a line in doubt gets probes that read nothing of value.
+    if (MrANS_line.partners.empty() || !STEP_IsCalm(MrANS_line, station, 0))
+        return 0;
+    const std::vector<STEP_Shape> lengths =
+        STEP_ListProbeLengths(unit, least, std::min<uint32_t>(most, MR166_READ_MAX));
+    STEP_Shape length = 0; // a read's shape is its length
+    return STEP_PickUnusedProbe(&MrANS_line, station, lengths, &length) ? length : 0;
+}
+
+int MrEXC_ReadProving(int station, uint32_t address, uint16_t count, void *buffer)
+{
+    const Mr166_Driver &driver = MrASC_Driver();
+    const Mr166_Request request = {station, MR166_CMD_READ, address, count, nullptr};
+    if (STEP_IsBreak())
+        return MrTRY_Cancel();
+    if (MrTRY_Examine(driver, request, MR166_STATE_FAILED) != MrTRY_Examined::GOOD)
+        return 0;
+    MrANS_ClearInput(driver, station);
+    // What came just now may have brought the line out of step.
+    if (!STEP_IsCalm(MrANS_line, station, 0) || !MrTRY_Send(driver, request, true))
+        return 0;
+    const MrTRY_Reading reading = MrTRY_ReadSorted(driver, request, MrTRY_Kind::PROBE);
+    if (MrTRY_FinishSorted(request, reading) != 1)
+        return 0;
+    std::memcpy(buffer, Mr166_abyRcvData, count);
+    return 1;
 }
 
 void MrEXC_GiveUpProof(int station)

@@ -2,6 +2,7 @@
 #include "comm/ucm.h"
 
 #include "comm/failures.h"
+#include "comm/grouping.h"
 #include "comm/in_step.h"
 #include "comm/ucm_protocol.h"
 #include "platform/serial.h"
@@ -265,6 +266,32 @@ int UCM_Read(int station, uint32_t address, uint32_t count, void *buffer)
     int refusal = 0;
     const UCM_Protocol *protocol = ForStation(station, &refusal);
     return protocol != nullptr ? protocol->read(station, address, count, buffer) : refusal;
+}
+
+int UCM_ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
+{
+    int refusal = 0;
+    const UCM_Protocol *protocol = ForStation(station, &refusal);
+    if (protocol == nullptr)
+        return refusal;
+    const uint32_t blockMax = GRP_ReadWire(protocol->number).blockMax;
+    // In as many blocks as without a proof, if a length can be had for that; else in one more.
+    const uint32_t blocks = (count + blockMax - 1) / blockMax;
+    const uint32_t least = count > 0 ? count - (blocks - 1) * blockMax : 0;
+    uint32_t last = protocol->pickProving(station, least, std::min(count, blockMax));
+    if (last == 0 && least > 0)
+        last = protocol->pickProving(station, 1, least - 1);
+    uint8_t *bytes = static_cast<uint8_t *>(buffer);
+    uint32_t done = 0;
+    int result = 0;
+    for (; done < count - last && result >= 0; done += std::min(count - last - done, blockMax))
+        result = protocol->read(station, address + done, std::min(count - last - done, blockMax),
+                                bytes + done);
+    if (result < 0 || last == 0)
+        return std::min(result, 0);
+    if (protocol->readProving(station, address + done, last, bytes + done) == 0)
+        return 1;
+    return protocol->read(station, address + done, last, bytes + done); // with all its tries
 }
 
 int UCM_Write(int station, uint32_t address, uint32_t count, const void *data)

@@ -94,6 +94,12 @@ void UCM_SetListener(const UCM_Listener &listener);
 int UCM_Read(int station, uint32_t address, uint32_t count, void *buffer);
 int UCM_Write(int station, uint32_t address, uint32_t count, const void *data);
 
+// As UCM_Read of any number of bytes, and with it, where that can be had for fewer characters
+// than an exchange of its own, the proof of all that was read from this station: the last block
+// then has a length that no other answer has. 1 with that proof: UCM_Prove, which is still to be
+// asked, then costs nothing for the station. 0 read only; negative failure.
+int UCM_ReadProving(int station, uint32_t address, uint32_t count, void *buffer);
+
 // One block a call, proven: 1 finished, 0 one step done and more remain, negative failure.
 int UCM_ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buffer);
 int UCM_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data);

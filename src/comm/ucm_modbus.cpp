@@ -102,6 +102,17 @@ int Prove()
     return isSurplus ? UCM_READ_AGAIN : UCM_PROVEN;
 }
 
+uint32_t PickProving(int slave, uint32_t least, uint32_t most)
+{
+    return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
+}
+
+int ReadProving(int slave, uint32_t address, uint32_t count, void *buffer)
+{
+    const int fault = MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
+    return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
+}
+
 bool IsEchoing()
 {
     return MBM_nFault == MBM_FAULT_ECHO;
@@ -232,23 +243,9 @@ int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word,
 }
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,
-    UCM_SLAVE_MIN,
-    UCM_SLAVE_MAX,
-    BLOCK_BYTES,
-    Open,
-    MBM_Close,
-    IsOpened,
-    nullptr,
-    UCM_ReadMBM,
-    UCM_WriteMBM,
-    UCM_ReadBlkBgMBM,
-    UCM_WriteBlkBgMBM,
-    Message,
-    nullptr,
-    Prove,
-    IsEchoing,
-    LastErrorText,
-    AddCounts,
+    2,           UCM_SLAVE_MIN, UCM_SLAVE_MAX,    BLOCK_BYTES,       Open,
+    MBM_Close,   IsOpened,      nullptr,          UCM_ReadMBM,       PickProving,
+    ReadProving, UCM_WriteMBM,  UCM_ReadBlkBgMBM, UCM_WriteBlkBgMBM, Message,
+    nullptr,     Prove,         IsEchoing,        LastErrorText,     AddCounts,
     MBM_IsGone,
 };

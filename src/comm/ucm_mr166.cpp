@@ -1,7 +1,9 @@
 // The mr166 link as a protocol of the unified layer.
+#include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
+#include "settings/settings.h"
 
 namespace {
 
@@ -34,6 +36,16 @@ int Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
     ApplyTries();
     return UCM_CountErr(Mr166_Read(station, address, count, buffer));
+}
+
+uint32_t PickProving(int station, uint32_t least, uint32_t most)
+{
+    return MrEXC_PickProving(station, IsWordAddressing(Procesor) ? 2 : 1, least, most);
+}
+
+int ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
+{
+    return MrEXC_ReadProving(station, address, static_cast<uint16_t>(count), buffer) == 1 ? 0 : -1;
 }
 
 int Write(int station, uint32_t address, uint32_t count, const void *data)
@@ -97,7 +109,25 @@ void AddCounts(UCM_Statistics *statistics)
 } // namespace
 
 const UCM_Protocol UCM_PROTOCOL_MR166 = {
-    1,        0,         STATION_MAX,   MR166_WRITE_MAX, Open,         MrASC_Close, MrASC_IsOpened,
-    UseWin32, Read,      Write,         ReadBg,          WriteBg,      Message,     MessageNoAnswer,
-    Prove,    IsEchoing, LastErrorText, AddCounts,       MrASC_IsGone,
+    1,
+    0,
+    STATION_MAX,
+    MR166_WRITE_MAX,
+    Open,
+    MrASC_Close,
+    MrASC_IsOpened,
+    UseWin32,
+    Read,
+    PickProving,
+    ReadProving,
+    Write,
+    ReadBg,
+    WriteBg,
+    Message,
+    MessageNoAnswer,
+    Prove,
+    IsEchoing,
+    LastErrorText,
+    AddCounts,
+    MrASC_IsGone,
 };

@@ -17,6 +17,11 @@ struct UCM_Protocol {
     int (*isOpened)();
     int (*useWin32)(int flag); // null: there is no choice of drivers
     int (*read)(int station, uint32_t address, uint32_t count, void *buffer);
+    // How long a block must be, from `least` to `most` bytes, for its answer to be told from all
+    // others that may still come; 0 when there is no such length now.
+    uint32_t (*pickProving)(int station, uint32_t least, uint32_t most);
+    // One try of a block of that length, the proof of itself and of what was read before. 0, -1.
+    int (*readProving)(int station, uint32_t address, uint32_t count, void *buffer);
     int (*write)(int station, uint32_t address, uint32_t count, const void *data);
     int (*readBg)(int station, uint32_t *address, uint32_t *count, uint8_t **buffer);
     int (*writeBg)(int station, uint32_t *address, uint32_t *count, const uint8_t **data);

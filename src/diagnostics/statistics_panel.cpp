@@ -49,12 +49,6 @@ std::string DateText(const PLT_Date &date)
     return text;
 }
 
-std::string LastFailureText()
-{
-    const FAIL_Cause *last = FAIL_Last();
-    return last == nullptr ? "none" : last->text + ", " + DateText(last->last);
-}
-
 struct Row {
     int panelControl;
     const char *name;
@@ -64,13 +58,16 @@ struct Row {
 std::vector<Row> Rows(const Figures &figures)
 {
     const UCM_Statistics &counts = figures.counts;
+    const FAIL_Cause *last = FAIL_Last();
+    const std::string lastText =
+        last == nullptr ? "none" : last->text + ", " + DateText(last->last);
     return {
         {STATISTICS_ANSWERED, "Messages answered", std::to_string(counts.answered)},
         {STATISTICS_TIMEOUTS, "Time-outs", std::to_string(counts.timeouts)},
         {STATISTICS_DAMAGED, "Damaged or refused frames", std::to_string(counts.damaged)},
         {STATISTICS_REPEATED, "Repeated blocks", std::to_string(counts.repeated)},
         {STATISTICS_SHARE, "Error share", ShareText(figures)},
-        {STATISTICS_LAST, "Last failure", LastFailureText()},
+        {STATISTICS_LAST, "Last failure", lastText},
         {STATISTICS_SINCE, "Counted since", DateText(counts.since)},
     };
 }
@@ -210,12 +207,6 @@ void AppendTable(std::string *text, const char *heading, const std::vector<std::
         *text += UIC_JoinColumns(line, "\t") + "\n";
 }
 
-bool IsOpen()
-{
-    int isVisible = 0;
-    return GetPanelAttribute(PANEL_STATISTICS, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
-}
-
 } // namespace
 
 void STP_Opened()
@@ -226,7 +217,8 @@ void STP_Opened()
 
 void STP_Refresh()
 {
-    if (!IsOpen())
+    int isVisible = 0;
+    if (GetPanelAttribute(PANEL_STATISTICS, ATTR_VISIBLE, &isVisible) < 0 || isVisible == 0)
         return;
     const Figures figures = Measure();
     for (const Row &row : Rows(figures))

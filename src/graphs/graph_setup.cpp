@@ -4,6 +4,7 @@
 #include "sampler/trigger.h"
 #include "scope/setup.h"
 #include "text/csv_row.h"
+#include "text/numbers.h"
 #include "text/txfr.h"
 #include "text/words.h"
 #include "watch/list/litem.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
 namespace {
 
@@ -19,26 +19,14 @@ constexpr const char *FIRST_LINE = "; Vireo2 graph 1";
 constexpr size_t LINES_MAX = 1000;
 constexpr double SCALE_MAX = 1e100;
 
-template <typename Number>
-bool ParseNumber(const std::string &text, Number low, Number high, Number *value)
-{
-    Number parsed = 0;
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, parsed);
-    if (result.ec != std::errc() || result.ptr != end || !(parsed >= low && parsed <= high))
-        return false;
-    *value = parsed;
-    return true;
-}
-
 // name, type letter, size, station, and the address where no name gives it.
 bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
 {
     SMP_Item item;
     uint32_t address = SMP_NO_ADDRESS;
     if (cells.size() < 6 || cells[2].empty() || cells[2].size() > LITEM_FIELD_MAX ||
-        cells[3].size() != 1 || !ParseNumber(cells[4], 1, 8, &item.size) ||
-        !ParseNumber(cells[5], 0, 15, &item.station))
+        cells[3].size() != 1 || !NUM_Parse(cells[4], 1, 8, &item.size) ||
+        !NUM_Parse(cells[5], 0, 15, &item.station))
         return false;
     if (cells.size() > 6) {
         const char *end = cells[6].data() + cells[6].size();
@@ -83,11 +71,11 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     const std::string second = cells.size() > 1 ? cells[1] : "";
     int layout = 0;
     if (key == "period")
-        return ParseNumber(second, 0, 24 * 3600 * 1000, &setup->periodMs) ? 1 : -1;
+        return NUM_Parse(second, 0, 24 * 3600 * 1000, &setup->periodMs) ? 1 : -1;
     if (key == "window")
-        return ParseNumber(second, GRA_WINDOW_MIN_S, GRA_WINDOW_MAX_S, &setup->windowS) ? 1 : -1;
+        return NUM_Parse(second, GRA_WINDOW_MIN_S, GRA_WINDOW_MAX_S, &setup->windowS) ? 1 : -1;
     if (key == "layout") {
-        if (!ParseNumber(second, 0, static_cast<int>(GRAPH_STACKED), &layout))
+        if (!NUM_Parse(second, 0, static_cast<int>(GRAPH_STACKED), &layout))
             return -1;
         setup->layout = static_cast<UI_GraphLayout>(layout);
         return 1;
@@ -99,7 +87,7 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     size_t number = 0;
     const bool isNew = key == "curve";
     const size_t last = setup->curves.size() + (isNew ? 1 : 0);
-    if (!ParseNumber(second, size_t{1}, std::min(last, GRA_CURVES_MAX), &number) ||
+    if (!NUM_Parse(second, size_t{1}, std::min(last, GRA_CURVES_MAX), &number) ||
         (isNew && number != last))
         return -1;
     GRA_Curve curve = isNew ? GRA_Curve() : setup->curves[number - 1];
@@ -109,11 +97,11 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     else if (key == "unit" && isGood)
         curve.unit = cells[2];
     else if (key == "pane" && isGood)
-        isGood = ParseNumber(cells[2], 0, static_cast<int>(GRA_CURVES_MAX) - 1, &curve.pane);
+        isGood = NUM_Parse(cells[2], 0, static_cast<int>(GRA_CURVES_MAX) - 1, &curve.pane);
     else if (isGood)
         isGood = cells.size() > 3 &&
-                 ParseNumber(cells[2], -SCALE_MAX, SCALE_MAX, &curve.scale.factor) &&
-                 ParseNumber(cells[3], -SCALE_MAX, SCALE_MAX, &curve.scale.offset) &&
+                 NUM_Parse(cells[2], -SCALE_MAX, SCALE_MAX, &curve.scale.factor) &&
+                 NUM_Parse(cells[3], -SCALE_MAX, SCALE_MAX, &curve.scale.offset) &&
                  curve.scale.factor != 0;
     if (!isGood)
         return -1;

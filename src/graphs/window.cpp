@@ -341,7 +341,7 @@ int GRW_MarkerCB(int, int, int event, int)
 int GRW_WhenCB(int, int, int event, int)
 {
     std::vector<TRG_Trigger> parsed;
-    if (event != EVENT_COMMIT || !TRE_Ask("while the curves are sampled", &setup.triggers, &parsed))
+    if (event != EVENT_COMMIT || !TRG_Ask("while the curves are sampled", &setup.triggers, &parsed))
         return 0;
     GRS_UseTriggers(&source, setup);
     for (const TRG_Trigger &trigger : parsed) {

@@ -2,11 +2,11 @@
 
 #include "runtime/userint.h"
 #include "scope/measure.h"
+#include "text/numbers.h"
 #include "text/words.h"
 #include "ui/resource.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 
@@ -128,13 +128,6 @@ std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup,
         cell(m.hasShape, m.slope),
         cell(true, static_cast<double>(m.count)),
         {isMeasured ? std::to_string(m.failed) : "-", m.failed > 0 ? UIS_WARNING : UIS_NORMAL, ""}};
-}
-
-bool ParseDouble(const std::string &text, double *value)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *value);
-    return !text.empty() && result.ec == std::errc() && result.ptr == end && std::isfinite(*value);
 }
 
 } // namespace
@@ -261,7 +254,7 @@ bool GRV_EditCell(GRA_Setup *setup)
         return true;
     GRA_Curve &curve = setup->curves[static_cast<size_t>(index)];
     double number = 0;
-    const bool isNumber = ParseDouble(text, &number);
+    const bool isNumber = NUM_Parse(text, &number);
     if (column == GRV_UNIT)
         curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS));
     else if (column == GRV_FACTOR && isNumber && number != 0)

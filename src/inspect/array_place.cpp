@@ -1,17 +1,18 @@
-// What the place field of the array inspector designates.
+#include "inspect/array_place.h"
+
+#include <algorithm>
 #include <cstdlib>
 #include <vector>
 
 #include "comm/sysaddr.h"
-#include "console/commands/array_types.h"
-#include "inspect/array_inspector.h"
+#include "inspect/element.h"
 #include "settings/limits.h"
 #include "symbols/typemap.h"
 #include "text/words.h"
 
 namespace {
 
-constexpr size_t PARTS_MIN = 3, PARTS_MAX = 4; // place, type, rows, columns
+constexpr size_t PARTS_MIN = 3, PARTS_MAX = 10; // place, type, sizes
 constexpr unsigned long COUNT_MAX = ADDR_LIMIT;
 constexpr uint32_t COLUMNS_MAX = 15; // a wider array is listed element by element
 
@@ -35,7 +36,35 @@ bool ParseCount(const std::string &text, uint32_t *count)
            text[0] != '-';
 }
 
-// The array commands' name of a basic type; "" for one they do not have.
+// "2, 1" or "[2][1]" to one index for each outer dimension; those that are missing are 0.
+bool ParseSlice(const std::string &text, ARI_Array *array, std::string *cause)
+{
+    array->slice.assign(array->outer.size(), 0);
+    size_t at = 0;
+    for (uint32_t &index : array->slice) {
+        at = text.find_first_not_of(" ,[]", at);
+        if (at == std::string::npos)
+            break;
+        const size_t end = std::min(text.find_first_of(" ,[]", at), text.size());
+        const std::string number = text.substr(at, end - at);
+        const bool isNumber = number.find_first_not_of("0123456789") == std::string::npos;
+        const uint32_t size = array->outer[static_cast<size_t>(&index - array->slice.data())];
+        const unsigned long value = std::strtoul(number.c_str(), nullptr, 10);
+        if (!isNumber || value >= size) {
+            *cause =
+                "the slice's index '" + number + "' is not within 0 to " + std::to_string(size - 1);
+            return false;
+        }
+        index = static_cast<uint32_t>(value);
+        at = end;
+    }
+    if (at == std::string::npos || text.find_first_not_of(" ,[]", at) == std::string::npos)
+        return true;
+    *cause = "a slice has " + std::to_string(array->outer.size()) + " indices";
+    return false;
+}
+
+// The inspector's name of a basic type; "" for one it does not have.
 std::string GetTypeName(uint32_t code)
 {
     const int size = TMF_GetElemSize(code);
@@ -44,34 +73,76 @@ std::string GetTypeName(uint32_t code)
     return letter + std::to_string(size);
 }
 
-int TakeDeclaration(const std::string &name, ARI_Array *array, std::string *cause)
+// All dimensions of a declaration, the outermost first.
+int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_Array *array,
+                    std::string *cause)
 {
-    uint32_t chain[TMF_CHAIN_SIZE], offset = 0, stride = 0;
+    uint32_t chain[TMF_CHAIN_SIZE], offset = 0, size = 0, stride = 0;
     if (TMF_GetEfType(name.c_str(), chain, &offset) != 0) {
         *cause =
             "no array of the type map has the name '" + name + "': type it as name, type, count";
         return -1;
     }
     const uint32_t *element = chain;
-    if (TMF_GetArrayInfo(element, &array->rows, &stride) != 0) {
+    for (; TMF_GetArrayInfo(element, &size, &stride) == 0; ++element)
+        sizes->push_back(size);
+    if (sizes->empty()) {
         *cause = "'" + name + "' is no array";
         return -1;
     }
-    ++element;
-    array->columns = 1;
-    if (TMF_GetArrayInfo(element, &array->columns, &stride) == 0)
-        ++element;
-    array->type = (*element & TMF_DERIVATION) == 0 ? ARR_FindType(GetTypeName(*element)) : nullptr;
+    array->type = (*element & TMF_DERIVATION) == 0 ? AEL_Find(GetTypeName(*element)) : nullptr;
     if (array->type == nullptr)
-        *cause = "its elements are no numbers of up to 4 bytes: the record inspector shows them";
+        *cause = "its elements are no numbers: the record inspector shows them";
     return array->type != nullptr ? 0 : -1;
+}
+
+// "awTable, u2, 4, 32": the parts behind the place.
+int ReadParts(const std::vector<std::string> &parts, std::vector<uint32_t> *sizes, ARI_Array *array,
+              std::string *cause)
+{
+    bool isGood = parts.size() >= PARTS_MIN && parts.size() <= PARTS_MAX;
+    array->type = isGood ? AEL_Find(parts[1]) : nullptr;
+    for (size_t i = PARTS_MIN - 1; i < parts.size() && isGood; ++i) {
+        sizes->push_back(0);
+        isGood = ParseCount(parts[i], &sizes->back());
+    }
+    if (isGood && array->type != nullptr)
+        return 0;
+    *cause = std::string("an array is typed as name, type, count: awTable, u2, 32; types are ") +
+             AEL_NAMES;
+    return -1;
+}
+
+// The last two dimensions are the table's, those in front of them choose it. Bytes of a table
+// of one slice, or -1: it all would not fit into the memory.
+int64_t UseSizes(const std::vector<uint32_t> &sizes, ARI_Array *array)
+{
+    uint64_t bytes = array->type->size, table = 0;
+    for (size_t i = sizes.size(); i-- > 0;) {
+        bytes *= sizes[i]; // both below 2^32
+        if (i + 2 == sizes.size() || sizes.size() == 1)
+            table = bytes;
+        if (bytes > ADDR_LIMIT - array->address)
+            return -1;
+    }
+    const size_t outer = sizes.size() > 2 ? sizes.size() - 2 : 0;
+    array->outer.assign(sizes.begin(), sizes.begin() + static_cast<long>(outer));
+    array->rows = sizes[outer];
+    array->columns = sizes.size() > 1 ? sizes.back() : 1;
+    if (array->columns > COLUMNS_MAX) {
+        array->rows *= array->columns;
+        array->columns = 1;
+    }
+    return static_cast<int64_t>(table);
 }
 
 } // namespace
 
-int ARI_Parse(const std::string &text, ARI_Array *array, std::string *cause)
+int ARI_Parse(const std::string &text, const std::string &slice, ARI_Array *array,
+              std::string *cause)
 {
     const std::vector<std::string> parts = SplitParts(text);
+    std::vector<uint32_t> sizes;
     array->place = WRD_Trim(text);
     array->address = GetSysAddr(parts[0].c_str());
     if (array->address == ADDR_NONE || parts[0].find('&') != std::string::npos) {
@@ -79,27 +150,27 @@ int ARI_Parse(const std::string &text, ARI_Array *array, std::string *cause)
         cause->pop_back(); // its full stop
         return -1;
     }
-    if (parts.size() == 1) {
-        if (TakeDeclaration(parts[0], array, cause) != 0)
-            return -1;
-    } else {
-        array->type = parts.size() >= PARTS_MIN ? ARR_FindType(parts[1]) : nullptr;
-        array->columns = 1;
-        if (parts.size() > PARTS_MAX || array->type == nullptr ||
-            !ParseCount(parts[2], &array->rows) ||
-            (parts.size() == PARTS_MAX && !ParseCount(parts[3], &array->columns))) {
-            *cause = "an array is typed as name, type, count: awTable, u2, 32; types are i1, u1, "
-                     "i2, u2, i4, u4, f4";
-            return -1;
-        }
-    }
-    if (array->columns > COLUMNS_MAX && uint64_t{array->rows} * array->columns <= COUNT_MAX) {
-        array->rows *= array->columns;
-        array->columns = 1;
-    }
-    if (uint64_t{array->rows} * array->columns * array->type->size > ADDR_LIMIT - array->address) {
+    if (parts.size() == 1 ? ReadDeclaration(parts[0], &sizes, array, cause) != 0
+                          : ReadParts(parts, &sizes, array, cause) != 0)
+        return -1;
+    const int64_t sliceBytes = UseSizes(sizes, array);
+    if (sliceBytes < 0) {
         *cause = "it would end beyond the target's memory";
         return -1;
     }
+    if (!ParseSlice(slice, array, cause))
+        return -1;
+    uint32_t number = 0; // of the slice
+    for (size_t i = 0; i < array->outer.size(); ++i)
+        number = number * array->outer[i] + array->slice[i];
+    array->address += number * static_cast<uint32_t>(sliceBytes);
     return 0;
+}
+
+std::string ARI_FormatSlice(const ARI_Array &array)
+{
+    std::string text;
+    for (const uint32_t index : array.slice)
+        text += (text.empty() ? "" : ", ") + std::to_string(index);
+    return text;
 }

@@ -5,6 +5,7 @@
 
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
+#include "inspect/inspectors.h"
 #include "inspect/record_tree.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
@@ -12,6 +13,7 @@
 #include "symbols/addr_name.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/value/write_value.h"
 #include "watch/windows/name_completion.h"
@@ -20,7 +22,6 @@
 
 namespace {
 
-constexpr int PANEL = PANEL_RECORD;
 constexpr double PERIOD_S = 0.5;
 constexpr uint32_t PAUSE_MS = 3000; // after a refresh that failed
 constexpr uint32_t PAGE_POINTERS = 4, PAGE_BYTES = 2;
@@ -28,46 +29,48 @@ constexpr int LINES_WITHOUT_VIEW = 60;
 constexpr int COLUMN_VALUE = 1;
 constexpr char INDENT[] = "   ";
 
-RCT_Tree tree;
-std::string shown; // expression
-int shownStation = -1;
-std::string shownTypes; // maps that the tree was built from
-LVR_Set live;
-uint32_t failedMs = 0; // when the last refresh failed; 0 = it did not
-
-void ShowOutcome(const std::string &text, int color = COLOR_PLAIN)
+RCI_View *FindView(int panel)
 {
-    SetCtrlAttribute(PANEL, RECORD_MESSAGE, ATTR_TEXT_COLOR, color);
-    SetCtrlVal(PANEL, RECORD_MESSAGE, text);
+    const INS_Inspector *inspector = INS_Find(panel);
+    return inspector != nullptr ? inspector->record.get() : nullptr;
 }
 
-int GetLine()
+void ShowOutcome(const RCI_View *view, const std::string &text, int color = COLOR_PLAIN)
+{
+    SetCtrlAttribute(view->panel, RECORD_MESSAGE, ATTR_TEXT_COLOR, color);
+    SetCtrlVal(view->panel, RECORD_MESSAGE, text);
+}
+
+int GetLine(const RCI_View *view)
 {
     int line = -1;
-    GetCtrlIndex(PANEL, RECORD_LIST, &line);
-    return line < static_cast<int>(tree.nodes.size()) ? line : -1;
+    GetCtrlIndex(view->panel, RECORD_LIST, &line);
+    return line < static_cast<int>(view->tree.nodes.size()) ? line : -1;
 }
 
 // --- lines ------------------------------------------------------------------------------
 
-bool GetNumber(const RCT_Node &node, LItem *item)
+bool GetNumber(const RCI_View *view, const RCT_Node &node, LItem *item)
 {
     if (node.size == 0)
         return false;
     const uint32_t low = std::min<uint32_t>(node.size, 4);
-    if (!LVR_Get(live, node.address, low, &item->value))
+    if (!LVR_Get(view->live, node.address, low, &item->value))
         return false;
-    return node.size <= 4 || LVR_Get(live, node.address + 4, node.size - 4, &item->valueHigh);
+    return node.size <= 4 || LVR_Get(view->live, node.address + 4, node.size - 4, &item->valueHigh);
 }
 
-std::string FormatValue(const RCT_Node &node, bool *isRead)
+std::string FormatValue(const RCI_View *view, const RCT_Node &node, bool *isRead)
 {
     LItem item = RCT_MakeItem(node);
-    *isRead = GetNumber(node, &item);
-    if (node.kind != RCT_VALUE && node.kind != RCT_POINTER)
+    *isRead = GetNumber(view, node, &item);
+    if (node.size == 0)
         return RCT_FormatParts(node);
     if (!*isRead)
         return "";
+    if (node.kind == RCT_BIT)
+        return ((node.bit < 32 ? item.value : item.valueHigh) >> node.bit % 32 & 1) != 0 ? "1"
+                                                                                         : "0";
     item.isValueGood = true;
     std::string text = WRV_ValueText(item);
     if (node.kind != RCT_POINTER)
@@ -77,16 +80,14 @@ std::string FormatValue(const RCT_Node &node, bool *isRead)
     return text + (name.empty() ? "" : " -> " + name);
 }
 
-std::vector<UI_Cell> MakeCells(const RCT_Node &node)
+std::vector<UI_Cell> MakeCells(const RCI_View *view, const RCT_Node &node)
 {
-    const char *mark = node.kind == RCT_VALUE || node.kind == RCT_OTHER ? "  "
-                       : node.isOpen                                    ? "- "
-                                                                        : "+ ";
+    const char *mark = !RCT_CanOpen(node) ? "  " : node.isOpen ? "- " : "+ ";
     std::string name;
     for (int i = 0; i < node.depth; ++i)
         name += INDENT;
     bool isRead = false;
-    const std::string value = FormatValue(node, &isRead);
+    const std::string value = FormatValue(view, node, &isRead);
     const std::string place = SYM_AddressToName(node.address);
     return {{name + mark + node.name, UIS_NORMAL, node.expression},
             {value, isRead || node.size == 0 ? UIS_NORMAL : UIS_DIM, ""},
@@ -94,39 +95,50 @@ std::vector<UI_Cell> MakeCells(const RCT_Node &node)
             {SEL_AddressText(node.address), UIS_DIM, place}};
 }
 
-void EnableButtons()
+void EnableButtons(const RCI_View *view)
 {
-    const int line = GetLine();
-    const RCT_Node *node = line >= 0 ? &tree.nodes[static_cast<size_t>(line)] : nullptr;
-    SetCtrlAttribute(PANEL, RECORD_OPEN, ATTR_DIMMED,
-                     node == nullptr || node->kind == RCT_VALUE || node->kind == RCT_OTHER);
-    SetCtrlAttribute(PANEL, RECORD_ADD, ATTR_DIMMED,
+    const int line = GetLine(view);
+    const RCT_Node *node = line >= 0 ? &view->tree.nodes[static_cast<size_t>(line)] : nullptr;
+    SetCtrlAttribute(view->panel, RECORD_OPEN, ATTR_DIMMED, node == nullptr || !RCT_CanOpen(*node));
+    SetCtrlAttribute(view->panel, RECORD_ADD, ATTR_DIMMED,
                      node == nullptr || node->kind != RCT_VALUE || node->expression.empty());
 }
 
-void ShowTree(int selected)
+// What lies at the selected line, unless there is a failure to be read.
+void ShowWhere(const RCI_View *view)
 {
-    ClearListCtrl(PANEL, RECORD_LIST);
-    for (size_t i = 0; i < tree.nodes.size(); ++i) {
-        InsertListItem(PANEL, RECORD_LIST, -1, tree.nodes[i].name, 0);
-        SetListCells(PANEL, RECORD_LIST, static_cast<int>(i), MakeCells(tree.nodes[i]));
+    const int line = GetLine(view);
+    if (line < 0 || view->failedMs != 0)
+        return;
+    const uint32_t address = view->tree.nodes[static_cast<size_t>(line)].address;
+    const std::string name = SYM_AddressToName(address);
+    ShowOutcome(view, "0x" + SEL_AddressText(address) + (name.empty() ? "" : " " + name));
+}
+
+void ShowTree(RCI_View *view, int selected)
+{
+    ClearListCtrl(view->panel, RECORD_LIST);
+    for (size_t i = 0; i < view->tree.nodes.size(); ++i) {
+        InsertListItem(view->panel, RECORD_LIST, -1, view->tree.nodes[i].name, 0);
+        SetListCells(view->panel, RECORD_LIST, static_cast<int>(i),
+                     MakeCells(view, view->tree.nodes[i]));
     }
     if (selected >= 0)
-        SetCtrlIndex(PANEL, RECORD_LIST, selected);
-    EnableButtons();
+        SetCtrlIndex(view->panel, RECORD_LIST, selected);
+    EnableButtons(view);
 }
 
 // --- reading ----------------------------------------------------------------------------
 
-void GetView(int *first, int *end)
+void GetView(const RCI_View *view, int *first, int *end)
 {
     int lines = 0;
     *first = 0;
-    GetCtrlAttribute(PANEL, RECORD_LIST, ATTR_FIRST_VISIBLE_LINE, first);
-    GetCtrlAttribute(PANEL, RECORD_LIST, ATTR_LINES_IN_VIEW, &lines);
+    GetCtrlAttribute(view->panel, RECORD_LIST, ATTR_FIRST_VISIBLE_LINE, first);
+    GetCtrlAttribute(view->panel, RECORD_LIST, ATTR_LINES_IN_VIEW, &lines);
     *first = std::max(*first, 0);
     *end = std::min(*first + (lines > 0 ? lines : LINES_WITHOUT_VIEW),
-                    static_cast<int>(tree.nodes.size()));
+                    static_cast<int>(view->tree.nodes.size()));
 }
 
 // The page pointers are read and proven together with the pointers that need them.
@@ -147,33 +159,34 @@ bool TakePages(const LVR_Set &set)
     return true;
 }
 
-bool Refresh()
+bool Refresh(RCI_View *view)
 {
     int first = 0, end = 0;
     std::string cause;
-    GetView(&first, &end);
-    live = LVR_Set();
+    GetView(view, &first, &end);
+    view->live = LVR_Set();
     bool hasPointers = false;
     for (int i = first; i < end; ++i) {
-        const RCT_Node &node = tree.nodes[static_cast<size_t>(i)];
+        const RCT_Node &node = view->tree.nodes[static_cast<size_t>(i)];
         hasPointers = hasPointers || node.kind == RCT_POINTER;
         if (node.size > 0)
-            LVR_Want(&live, node.address, node.size);
+            LVR_Want(&view->live, node.address, node.size);
     }
-    if (live.wanted.empty())
+    if (view->live.wanted.empty())
         return true;
     if (hasPointers)
-        WantPages(&live);
-    const bool isGood = LVR_Read(&live, STATION, &cause) == 0;
-    TakePages(live);
-    const bool wasFailing = failedMs != 0;
-    failedMs = isGood ? 0 : std::max(PLT_TickMs(), 1u);
+        WantPages(&view->live);
+    const bool isGood = LVR_Read(&view->live, STATION, &cause) == 0;
+    TakePages(view->live);
+    const bool wasFailing = view->failedMs != 0;
+    view->failedMs = isGood ? 0 : std::max(PLT_TickMs(), 1u);
     for (int i = first; i < end; ++i)
-        SetListCells(PANEL, RECORD_LIST, i, MakeCells(tree.nodes[static_cast<size_t>(i)]));
+        SetListCells(view->panel, RECORD_LIST, i,
+                     MakeCells(view, view->tree.nodes[static_cast<size_t>(i)]));
     if (isGood && wasFailing)
-        ShowOutcome("");
+        ShowOutcome(view, "");
     else if (!isGood)
-        ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
+        ShowOutcome(view, "Not read: " + cause + ".", COLOR_BAD);
     return isGood;
 }
 
@@ -184,29 +197,30 @@ std::string GetTypes()
            std::to_string(Procesor);
 }
 
-void Inspect(const std::string &expression)
+void Inspect(RCI_View *view, std::string expression)
 {
     RCT_Tree fresh;
     std::string cause;
     if (RCT_Build(expression, &fresh, &cause) != 0) {
-        ShowOutcome("Not shown: " + cause + ".", COLOR_BAD);
+        ShowOutcome(view, "Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
-    tree = fresh;
-    shown = expression;
-    shownStation = STATION;
-    shownTypes = GetTypes();
-    live = LVR_Set();
-    ShowOutcome("");
-    ShowTree(0);
+    view->tree = fresh;
+    view->shown = expression;
+    SetPanelAttribute(view->panel, ATTR_TITLE, "Record " + WRD_Visible(expression));
+    view->shownStation = STATION;
+    view->shownTypes = GetTypes();
+    view->live = LVR_Set();
+    ShowOutcome(view, "");
+    ShowTree(view, 0);
     if (isTimer != 0)
-        Refresh();
+        Refresh(view);
 }
 
 // --- what the user does -----------------------------------------------------------------
 
 // Where the pointer leads is read now: it may have moved since.
-bool FollowPointer(const RCT_Node &node, uint32_t *target)
+bool FollowPointer(RCI_View *view, const RCT_Node &node, uint32_t *target)
 {
     std::string cause;
     LVR_Set pointer;
@@ -214,112 +228,136 @@ bool FollowPointer(const RCT_Node &node, uint32_t *target)
     LVR_Want(&pointer, node.address, node.size);
     WantPages(&pointer);
     if (!VR_EnsureCom()) {
-        ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
+        ShowOutcome(view, std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return false;
     }
     if (LVR_Read(&pointer, STATION, &cause) != 0 || !TakePages(pointer) ||
         !LVR_Get(pointer, node.address, node.size, &value)) {
-        ShowOutcome("Not read: " + (cause.empty() ? "the page pointers cannot be read" : cause) +
-                        ".",
-                    COLOR_BAD);
+        ShowOutcome(
+            view, "Not read: " + (cause.empty() ? "the page pointers cannot be read" : cause) + ".",
+            COLOR_BAD);
         return false;
     }
     *target = RCT_GetTarget(value);
     if (*target == ADDR_NONE)
-        ShowOutcome("The pointer leads nowhere.");
+        ShowOutcome(view, "The pointer leads nowhere.");
     return *target != ADDR_NONE;
 }
 
-void Toggle()
+void Toggle(RCI_View *view)
 {
-    const int line = GetLine();
+    const int line = GetLine(view);
     if (line < 0)
         return;
     const auto index = static_cast<size_t>(line);
-    const RCT_Node node = tree.nodes[index];
+    const RCT_Node node = view->tree.nodes[index];
     uint32_t target = ADDR_NONE;
     std::string cause;
-    if (node.kind == RCT_VALUE || node.kind == RCT_OTHER)
+    if (!RCT_CanOpen(node))
         return;
     if (node.isOpen)
-        RCT_Close(&tree, index);
-    else if (node.kind == RCT_POINTER && !FollowPointer(node, &target))
+        RCT_Close(&view->tree, index);
+    else if (node.kind == RCT_POINTER && !FollowPointer(view, node, &target))
         return;
-    else if (RCT_Open(&tree, index, target, &cause) != 0) {
-        ShowOutcome("Not opened: " + cause + ".", COLOR_BAD);
+    else if (RCT_Open(&view->tree, index, target, &cause) != 0) {
+        ShowOutcome(view, "Not opened: " + cause + ".", COLOR_BAD);
         return;
     }
-    ShowOutcome("");
-    ShowTree(line);
+    ShowOutcome(view, "");
+    ShowTree(view, line);
     if (isTimer != 0)
-        Refresh();
+        Refresh(view);
 }
 
-void AddToWatch()
+void AddToWatch(RCI_View *view)
 {
-    const int line = GetLine();
-    if (line >= 0 && !tree.nodes[static_cast<size_t>(line)].expression.empty())
-        SEL_AddToWatch(tree.nodes[static_cast<size_t>(line)].expression, PANEL, RECORD_MESSAGE);
+    const int line = GetLine(view);
+    if (line >= 0 && !view->tree.nodes[static_cast<size_t>(line)].expression.empty())
+        SEL_AddToWatch(view->tree.nodes[static_cast<size_t>(line)].expression, view->panel,
+                       RECORD_MESSAGE);
 }
 
-void EditValue()
+void EditValue(RCI_View *view)
 {
     int line = -1, column = -1;
     std::string text, message;
-    if (GetEditedCell(PANEL, RECORD_LIST, &line, &column, &text) < 0 || column != COLUMN_VALUE ||
-        line < 0 || line >= static_cast<int>(tree.nodes.size()))
+    if (GetEditedCell(view->panel, RECORD_LIST, &line, &column, &text) < 0 ||
+        column != COLUMN_VALUE || line < 0 || line >= static_cast<int>(view->tree.nodes.size()))
         return;
-    const RCT_Node &node = tree.nodes[static_cast<size_t>(line)];
+    const RCT_Node &node = view->tree.nodes[static_cast<size_t>(line)];
     LItem item = RCT_MakeItem(node);
     if (node.kind != RCT_VALUE)
-        ShowOutcome("Only a single value can be written.", COLOR_BAD);
+        ShowOutcome(view, "Only a single value can be written.", COLOR_BAD);
     else if (!VR_EnsureCom())
-        ShowOutcome(std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
+        ShowOutcome(view, std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
     else {
         const int result = WRV_WriteUnlisted(&item, text, &message);
-        Refresh();
-        ShowOutcome(message, result == WRV_OK ? COLOR_GOOD : result > 0 ? COLOR_WARN : COLOR_BAD);
+        Refresh(view);
+        ShowOutcome(view, message,
+                    result == WRV_OK ? COLOR_GOOD
+                    : result > 0     ? COLOR_WARN
+                                     : COLOR_BAD);
     }
 }
 
-void Prepare()
+// What a new window shows.
+void Prepare(RCI_View *view)
 {
     std::vector<UI_Column> columns;
-    if (GetListColumns(PANEL, RECORD_LIST, &columns) < 0 || columns.empty()) {
+    if (GetListColumns(view->panel, RECORD_LIST, &columns) < 0 || columns.empty()) {
         UI_Column value;
         value.title = "Value";
         value.width = 180;
         value.isEditable = true;
         SetListColumns(
-            PANEL, RECORD_LIST,
+            view->panel, RECORD_LIST,
             {{"Name", 240, UIA_LEFT}, value, {"Type", 160, UIA_LEFT}, {"Address", 80, UIA_LEFT}});
     }
-    SetCtrlCompletion(PANEL, RECORD_PLACE, NCM_CompleteCB);
-    SetCtrlAttribute(PANEL, RECORD_TIMER, ATTR_INTERVAL, PERIOD_S);
+    SetCtrlCompletion(view->panel, RECORD_PLACE, NCM_CompleteCB);
+    SetCtrlAttribute(view->panel, RECORD_TIMER, ATTR_INTERVAL, PERIOD_S);
+}
+
+void ShowNothing(RCI_View *view)
+{
+    view->tree.nodes.clear(); // nothing of old types may be looked up any more
+    SetPanelAttribute(view->panel, ATTR_TITLE, "Record");
+    ShowTree(view, -1);
 }
 
 } // namespace
 
 void RCI_Open(const std::string &expression)
 {
-    Prepare();
-    DisplayPanel(PANEL);
-    SetActivePanel(PANEL);
-    SetActiveCtrl(PANEL, RECORD_PLACE);
-    if (!expression.empty())
-        SetCtrlVal(PANEL, RECORD_PLACE, expression);
-    if (!expression.empty())
-        Inspect(expression);
-    EnableButtons();
+    INS_Inspector *inspector =
+        INS_Open(PANEL_RECORD, PANEL_RECORD_MORE, RECORD_PLACE, [&](const INS_Inspector &open) {
+            return open.record != nullptr &&
+                   (open.record->tree.nodes.empty() || open.record->shown == expression);
+        });
+    if (inspector == nullptr)
+        return;
+    if (inspector->record == nullptr) {
+        inspector->record = std::make_shared<RCI_View>();
+        inspector->record->panel = inspector->panel;
+        Prepare(inspector->record.get());
+        SetCtrlVal(inspector->panel, RECORD_PLACE, "");
+        ShowOutcome(inspector->record.get(), "");
+        ShowNothing(inspector->record.get());
+    }
+    if (expression.empty())
+        return;
+    SetCtrlVal(inspector->panel, RECORD_PLACE, expression);
+    Inspect(inspector->record.get(), expression);
 }
 
 void RCI_NamesChanged()
 {
-    if (tree.nodes.empty() || shownTypes == GetTypes())
-        return;
-    tree.nodes.clear(); // nothing of the old types may be looked up any more
-    ShowTree(-1);
-    Inspect(shown);
+    for (INS_Inspector *inspector : Inspectors) {
+        RCI_View *view = inspector != nullptr ? inspector->record.get() : nullptr;
+        if (view == nullptr || view->tree.nodes.empty() || view->shownTypes == GetTypes())
+            continue;
+        ShowNothing(view);
+        Inspect(view, view->shown);
+    }
 }
 
 void RCI_OpenCB(int, int)
@@ -337,58 +375,61 @@ void RCI_OpenCB(int, int)
     RCI_Open(hasParts ? whole : "");
 }
 
-int RCI_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
-int RCI_PlaceCB(int, int, int event, int)
+int RCI_PlaceCB(int panel, int control, int event, int)
 {
     std::string text;
-    if (event == EVENT_COMMIT && GetCtrlVal(PANEL, RECORD_PLACE, &text) >= 0)
-        Inspect(text);
+    RCI_View *view = FindView(panel);
+    if (view != nullptr && event == EVENT_COMMIT && GetCtrlVal(panel, control, &text) >= 0)
+        Inspect(view, text);
     return 0;
 }
 
-int RCI_ListCB(int, int, int event, int data)
+int RCI_ListCB(int panel, int, int event, int data)
 {
-    if (event == EVENT_VAL_CHANGED)
-        EnableButtons();
-    else if (event == EVENT_CELL_EDITED)
-        EditValue();
+    RCI_View *view = FindView(panel);
+    if (view == nullptr)
+        return 0;
+    if (event == EVENT_VAL_CHANGED) {
+        EnableButtons(view);
+        ShowWhere(view);
+    } else if (event == EVENT_CELL_EDITED)
+        EditValue(view);
     else if (event == EVENT_KEYPRESS && (data == KEY_RIGHT || data == KEY_LEFT)) {
-        const int line = GetLine();
-        const bool isOpen = line >= 0 && tree.nodes[static_cast<size_t>(line)].isOpen;
+        const int line = GetLine(view);
+        const bool isOpen = line >= 0 && view->tree.nodes[static_cast<size_t>(line)].isOpen;
         if (line >= 0 && isOpen == (data == KEY_LEFT))
-            Toggle();
-    } else if (event == EVENT_LEFT_DOUBLE_CLICK || event == EVENT_COMMIT)
-        Toggle();
+            Toggle(view);
+    } else if (event == EVENT_LEFT_DOUBLE_CLICK || event == EVENT_COMMIT) {
+        // Of a value this begins to edit it.
+        const int line = GetLine(view);
+        if (line >= 0 && view->tree.nodes[static_cast<size_t>(line)].kind != RCT_VALUE)
+            Toggle(view);
+    }
     return event == EVENT_KEYPRESS ? 1 : 0;
 }
 
-int RCI_ButtonCB(int, int control, int event, int)
+int RCI_ButtonCB(int panel, int control, int event, int)
 {
-    if (event == EVENT_COMMIT && control == RECORD_OPEN)
-        Toggle();
-    else if (event == EVENT_COMMIT && control == RECORD_ADD)
-        AddToWatch();
+    RCI_View *view = FindView(panel);
+    if (view != nullptr && event == EVENT_COMMIT && control == RECORD_OPEN)
+        Toggle(view);
+    else if (view != nullptr && event == EVENT_COMMIT && control == RECORD_ADD)
+        AddToWatch(view);
     return 0;
 }
 
 // A tree of another station or of other types is built anew.
-int RCI_TimerCB(int, int, int, int)
+int RCI_TimerCB(int panel, int, int, int)
 {
-    int isVisible = 0;
-    GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible);
-    const bool isPausing = failedMs != 0 && PLT_TickMs() - failedMs < PAUSE_MS;
-    if (isVisible == 0 || isTimer == 0 || isPausing || tree.nodes.empty())
+    RCI_View *view = FindView(panel);
+    if (view == nullptr || isTimer == 0 || view->tree.nodes.empty())
         return 0;
-    if (shownStation != STATION)
-        Inspect(shown);
+    const bool isPausing = view->failedMs != 0 && PLT_TickMs() - view->failedMs < PAUSE_MS;
+    if (isPausing)
+        return 0;
+    if (view->shownStation != STATION)
+        Inspect(view, view->shown);
     else
-        Refresh();
+        Refresh(view);
     return 0;
 }

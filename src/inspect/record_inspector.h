@@ -1,16 +1,31 @@
 // The record inspector: a structure, union or array of the target as a tree with live values.
 // Reads only the lines in view; a pointer is followed when its line is opened. A value is
-// edited in its cell and read back; what has a name can be put into the watch list.
+// edited in its cell and read back; what has a name can be put into the watch list. Up to ten
+// at once (inspectors.h).
 #ifndef INSPECT_RECORD_INSPECTOR_H
 #define INSPECT_RECORD_INSPECTOR_H
 
+#include <cstdint>
 #include <string>
 
-void RCI_Open(const std::string &expression); // "" = what was shown last
+#include "code/live_reads.h"
+#include "inspect/record_tree.h"
+
+struct RCI_View {
+    int panel = 0;
+    RCT_Tree tree;
+    std::string shown; // expression
+    int shownStation = -1;
+    std::string shownTypes; // maps that the tree was built from
+    LVR_Set live;
+    uint32_t failedMs = 0; // when the last refresh failed; 0 = it did not
+};
+
+// In a window that shows it or nothing yet, else in a new one. "" = just a window.
+void RCI_Open(const std::string &expression);
 // Maps or types may have changed: a tree of the old ones is built anew.
 void RCI_NamesChanged();
 void RCI_OpenCB(int menuBar, int item); // on the selected watch item
-int RCI_PanelCB(int panel, int event, int data);
 int RCI_PlaceCB(int panel, int control, int event, int data);
 int RCI_ListCB(int panel, int control, int event, int data);
 int RCI_ButtonCB(int panel, int control, int event, int data);

@@ -84,7 +84,30 @@ std::vector<RCT_Node> ListElements(const RCT_Node &parent)
     return parts;
 }
 
+// The bits of an integer, which may be flags or fields.
+std::vector<RCT_Node> ListBits(const RCT_Node &parent)
+{
+    std::vector<RCT_Node> parts;
+    RCT_Node part = parent;
+    part.kind = RCT_BIT;
+    part.expression.clear();
+    part.isOpen = false;
+    part.depth++;
+    for (part.bit = 0; part.bit < 8 * parent.size; ++part.bit) {
+        part.name = "bit " + std::to_string(part.bit);
+        parts.push_back(part);
+    }
+    return parts;
+}
+
 } // namespace
+
+bool RCT_CanOpen(const RCT_Node &node)
+{
+    const bool isInteger = node.kind == RCT_VALUE && (node.chain[0] & TMF_KIND) == TMF_INTEGER;
+    return isInteger || node.kind == RCT_RECORD || node.kind == RCT_ARRAY ||
+           node.kind == RCT_POINTER;
+}
 
 int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause)
 {
@@ -117,6 +140,8 @@ int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause)
         parts = ListMembers(node);
     else if (node.kind == RCT_ARRAY)
         parts = ListElements(node);
+    else if (node.kind == RCT_VALUE && RCT_CanOpen(node))
+        parts = ListBits(node);
     else if (node.kind == RCT_POINTER && target < ADDR_LIMIT && node.chain.size() > 2)
         parts = {MakeNode("*" + node.name, "", node.chain.data() + 1, target, node.depth + 1)};
     if (parts.empty() || tree->nodes.size() + parts.size() > RCT_NODES_MAX) {
@@ -151,7 +176,7 @@ uint32_t RCT_GetTarget(uint32_t value)
 
 std::string RCT_FormatType(const RCT_Node &node)
 {
-    return TMF_FormatDecl("", node.chain.data());
+    return node.kind == RCT_BIT ? "" : TMF_FormatDecl("", node.chain.data());
 }
 
 std::string RCT_FormatParts(const RCT_Node &node)

@@ -1,6 +1,6 @@
 // A variable as a tree of its parts: members of structures and unions, elements of arrays,
-// what pointers lead to. Plain data on the loaded type map; reads nothing but pointers that
-// it is asked to follow. For the record inspector.
+// what pointers lead to, bits of integers. Plain data on the loaded type map; reads nothing but
+// pointers that it is asked to follow. For the record inspector.
 #ifndef INSPECT_RECORD_TREE_H
 #define INSPECT_RECORD_TREE_H
 
@@ -15,7 +15,7 @@ constexpr int RCT_DEPTH_MAX = 20;          // levels; pointers that lead in a ci
 constexpr uint32_t RCT_ELEMENTS_MAX = 256; // of an array that is opened
 constexpr size_t RCT_NODES_MAX = 5000;
 
-enum RCT_Kind { RCT_VALUE, RCT_RECORD, RCT_ARRAY, RCT_POINTER, RCT_OTHER };
+enum RCT_Kind { RCT_VALUE, RCT_RECORD, RCT_ARRAY, RCT_POINTER, RCT_BIT, RCT_OTHER };
 
 struct RCT_Node {
     std::string name;            // "speed", "[3]", "*next"
@@ -23,7 +23,8 @@ struct RCT_Node {
     std::vector<uint32_t> chain; // type codes
     RCT_Kind kind = RCT_OTHER;
     uint32_t address = 0;
-    uint32_t size = 0; // bytes of a value or a pointer
+    uint32_t size = 0; // bytes of a value or a pointer, of a bit those it lies in
+    uint32_t bit = 0;  // its number
     int depth = 0;
     bool isOpen = false;
 };
@@ -34,6 +35,7 @@ struct RCT_Tree {
 
 // The tree of an expression with its first level open. 0, or -1 with the reason.
 int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause);
+bool RCT_CanOpen(const RCT_Node &node);
 // Opens a node; of a pointer, `target` is where it leads. 0, or -1 with the reason.
 int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause);
 void RCT_Close(RCT_Tree *tree, size_t index);

@@ -90,6 +90,7 @@ void SaveLogUser(const DLLD_Msg &msg, std::string *out)
 
 void SaveLogRecord(const DLLD_Msg &msg, std::string *out)
 {
+    // Too short for a time: such a line could not be told from its neighbours.
     if (msg.length < DLLD_HEAD_WORDS)
         return;
     DateTime time;
@@ -110,6 +111,7 @@ int DLLD_SaveBinLogFe(const std::string &path, const DLLD_Log &log)
 {
     if (TestLog(log) < 0)
         return DLLD_ERR_HEADER;
+    // The target's own order, whatever this computer's is.
     std::string bytes;
     bytes.reserve(2 * log.size());
     for (const uint16_t word : log) {
@@ -134,6 +136,7 @@ int DLLD_ReadBinLogFe(const std::string &path, DLLD_Log *log)
     DLLD_Log read(bytes.size() / 2);
     for (size_t i = 0; i < read.size(); i++)
         read[i] = static_cast<uint16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+    // The caller's log stays as it was unless all of the file is good.
     if (bytes.size() % 2 != 0 || TestLog(read) < 0)
         return DLLD_ERR_HEADER;
     *log = std::move(read);

@@ -2,7 +2,9 @@
 
 namespace {
 
+// A unit of a stamp is two seconds.
 constexpr uint32_t UNITS_AN_HOUR = 1800, UNITS_A_MINUTE = 30;
+// The target counts months of 31 days: no stamp needs a calendar there.
 constexpr uint32_t HOURS_A_DAY = 24, HOURS_A_MONTH = 31 * HOURS_A_DAY;
 constexpr int32_t STAMP_YEAR = 2000, STAMP_YEARS = 256;
 
@@ -26,6 +28,7 @@ int32_t DLLD_MsgStartNdx(const uint16_t *buffer, int32_t words, int32_t index)
 {
     if (!IsPlace(buffer, words, index))
         return -1;
+    // Zeros part messages; a zero inside one is written as its z.
     while (index < words && buffer[index] == 0)
         index++;
     return index < words ? index : -1;
@@ -53,6 +56,7 @@ uint32_t DLLD_GetZR_DW(uint16_t high, uint16_t low, uint8_t z)
 
 int CvtAMCBIOS_time(uint32_t stamp, DateTime *dateTime)
 {
+    // The year in the highest byte, the units since its begin below.
     const uint32_t units = stamp & 0xFFFFFF;
     const uint32_t hours = units / UNITS_AN_HOUR, rest = units % UNITS_AN_HOUR;
     dateTime->year = static_cast<int32_t>(stamp >> 24) + STAMP_YEAR;
@@ -68,6 +72,7 @@ int CvtAMCBIOS_time(uint32_t stamp, DateTime *dateTime)
 uint32_t DLLD_MakeStamp(const DateTime &dateTime)
 {
     const int32_t years = dateTime.year - STAMP_YEAR;
+    // A stamp of 0 is before all others: a search finds the first message.
     if (years < 0 || years >= STAMP_YEARS)
         return 0;
     const int32_t days = 31 * (dateTime.month - 1) + dateTime.day - 1;
@@ -112,6 +117,7 @@ uint16_t DLLD_GetWord(const DLLD_Msg &msg, int32_t index)
 {
     if (index >= msg.length)
         return 0;
+    // The head has no replaced zeros: it says which word stands for one.
     return index < DLLD_HEAD_WORDS ? msg.words[index]
                                    : DLLD_GetZR_W(msg.words[index], DLLD_GetZ(msg));
 }
@@ -125,6 +131,7 @@ bool DLLD_NextMsg(const DLLD_Log &log, int32_t *index, DLLD_Msg *msg)
 {
     const auto words = static_cast<int32_t>(log.size());
     const int32_t start = DLLD_MsgStartNdx(log.data(), words, *index);
+    // -1 as well: no message is left.
     if (start < DLLD_HEADER_WORDS)
         return false;
     msg->words = log.data() + start;

@@ -89,6 +89,7 @@ int64_t ExtendSign(uint32_t bits, int bytes, bool isSigned)
 
 void AppendChosen(const DLLD_Field &field, int64_t number, std::string *out)
 {
+    // A number without a name stands alone.
     for (const DLLD_Choice &choice : field.choices)
         if (choice.low == number) {
             *out += " " + choice.text;
@@ -113,6 +114,7 @@ void AppendBits(const DLLD_Field &field, uint32_t bits, std::string *out)
 void AppendValue(const DLLD_Field &field, uint32_t bits, std::string *out)
 {
     const int64_t number = ExtendSign(bits, field.bytes, field.isSigned);
+    // Whole numbers stay whole: ten digits of a double would round a large one.
     const bool isScaled = field.scale != 1 || field.divisor != 1;
     if (field.form == DLLD_FLOAT) {
         float value = 0;
@@ -226,6 +228,7 @@ std::string DLLD_GetText(const DLLD_Msg &msg)
     std::string text;
     for (int32_t i = DLLD_HEAD_WORDS; i < msg.length; i++) {
         const uint16_t word = DLLD_GetWord(msg, i);
+        // The low byte first; a text of odd length ends with half a word.
         for (const int part : {word & 0xFF, word >> 8})
             if (part != 0)
                 text += static_cast<char>(part);
@@ -235,6 +238,7 @@ std::string DLLD_GetText(const DLLD_Msg &msg)
 
 bool DLLD_GetBStamp(const DLLD_Msg &msg, DLLD_Stamp *stamp)
 {
+    // The state is the word behind these, and 0 where the message ends before it.
     if (msg.length < BSTAMP_WORDS_MIN)
         return false;
     stamp->seconds = static_cast<int32_t>(DLLD_GetDWord(msg, BSTAMP_TIME_AT));
@@ -249,6 +253,7 @@ std::string DLLD_FormatState(uint16_t state)
 {
     std::string text;
     DLLD_Print(&text, "%04Xh", state);
+    // Only the low byte has names.
     if ((state & 0xFF) == 0)
         return text;
     char mark = '(';

@@ -13,9 +13,11 @@
 
 namespace {
 
+// So many bytes between two looks at the Cancel button.
 constexpr uint32_t BLOCK_BYTES = 1024;
 constexpr uint32_t RECID_BYTES = 8;
 constexpr uint16_t SIGNATURE[] = {0x4F4C, 0x4F47, 0x3A53}; // "LOGOS:"
+// A target that writes all the time would be read for ever.
 constexpr int TRIES = 2;
 const char READING_LOG[] = "Reading the log";
 const char READING_TYPES[] = "Reading the record types";
@@ -64,6 +66,7 @@ void EndProgress()
 bool ReadBlocks(uint32_t address, uint32_t length, uint8_t *bytes)
 {
     for (uint32_t at = 0; at < length; at += BLOCK_BYTES) {
+        // What is read in a moment shows no box.
         if (length > BLOCK_BYTES && !StepProgress(at, length, READING_LOG))
             return false;
         const uint32_t count = std::min(BLOCK_BYTES, length - at);
@@ -92,6 +95,7 @@ uint32_t FindAddress(const std::string &name)
 {
     const char *rest = name.c_str();
     const int station = GetStationModifier(&rest);
+    // A log is read whole from one station: a name of another one is no log of this.
     const bool isElsewhere = station >= 0 && station != host.station;
     const bool isBehindMailbox = *rest == '&' && !host.isWordAddressing;
     if (isElsewhere || isBehindMailbox)
@@ -113,6 +117,7 @@ int FindLog(const std::string &name, LogPlace *place)
     if (DLLD_ReadVar(name + ".nnLogWSize", sizeof bytes, bytes) < 0)
         return -1;
     place->words = static_cast<int32_t>(GetDWord(bytes));
+    // Signed there: a damaged size is refused with the header, and never allocated.
     return 0;
 }
 
@@ -177,6 +182,7 @@ LogResult ReadOnce(const LogPlace &place, DLLD_Log *log)
     DLLD_Log header;
     if (ReadHeader(place, &header) < 0)
         return LOG_FAILED;
+    // Before memory for it is taken: a size that the header denies may be anything.
     if (DLLD_TestLogHeader(header.data(), place.address, place.words) < 0)
         return LOG_DAMAGED;
     try {
@@ -187,6 +193,7 @@ LogResult ReadOnce(const LogPlace &place, DLLD_Log *log)
         DLLD_ErrorMessage("Internal error", "Memory allocation.");
         return LOG_FAILED;
     }
+    // The header was good a moment ago, so it was written since.
     if (DLLD_TestLogHeader(log->data(), place.address, place.words) < 0)
         return LOG_CHANGED;
     return CheckUnchanged(place, *log);
@@ -204,6 +211,7 @@ template <typename Find> int ReadLog(const std::string &name, Find find, DLLD_Lo
         if (find(&place) < 0)
             return -1;
         result = ReadOnce(place, &read);
+        // A line that failed has been asked again below; a log that moved is worth another try.
         if (result == LOG_READ || result == LOG_FAILED)
             break;
     }
@@ -320,12 +328,14 @@ int DLLD_GetWrkAddr(uint32_t *address, const std::string &name)
 
 int DLLD_ReadData(uint32_t address, uint32_t length, void *buffer)
 {
+    // Addresses come from the target: what points past its memory is not asked for.
     const bool isMemory = address < ADDR_LIMIT && length <= ADDR_LIMIT - address;
     const bool isRead = isMemory && ReadBlocks(address, length, static_cast<uint8_t *>(buffer));
     if (length > BLOCK_BYTES)
         EndProgress();
     if (isRead)
         return 0;
+    // Who cancelled needs no message.
     if (isCancelled)
         return -1;
     std::string text;
@@ -362,6 +372,7 @@ int ReadARecId()
         if (count > 0 && (DLLD_GetWrkAddr(&address, "DL_arecId") < 0 ||
                           ReadRecIds(address, static_cast<uint32_t>(count), &entries) < 0))
             return -1;
+        // Only now: a table that could not be read leaves the one there was.
         DLLD_ClearRecIds();
         for (size_t i = 0; i < entries.size(); i++)
             DLLD_SetRecId(static_cast<int>(i), entries[i].id, entries[i].text);

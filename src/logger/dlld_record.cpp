@@ -35,6 +35,7 @@ bool ScanNumber(Parser *parser, const char *pattern, int64_t *number)
 {
     if (!Scan(parser, pattern))
         return false;
+    // Choices are compared with signed and unsigned four bytes alike.
     errno = 0;
     *number = std::strtoll(parser->token, nullptr, 10);
     return errno == 0 && *number >= CHOICE_MIN && *number <= CHOICE_MAX;
@@ -101,6 +102,7 @@ bool ParseChoices(Parser *parser, DLLD_Field *field)
     const bool isEnum = *parser->cursor == '{';
     if (!isEnum && *parser->cursor != '(')
         return true;
+    // A fraction has no names, and bits of a signed number would hide its sign.
     if (field->form == DLLD_FLOAT || (!isEnum && field->isSigned))
         return false;
     field->form = isEnum ? DLLD_ENUM : DLLD_BITS;
@@ -134,6 +136,7 @@ bool ParseField(Parser *parser, DLLD_Field *field)
             return false;
         field->unit = parser->token;
     }
+    // Anything else is an error at this very character.
     return *parser->cursor == ';' || *parser->cursor == '\0';
 }
 
@@ -153,6 +156,7 @@ DLLD_RecId *FindContinued(int index, int16_t id, const std::string &text)
 int DLLD_ReduceStr(const uint8_t *bytes, size_t count, std::string *text)
 {
     text->clear();
+    // Some targets keep a character a byte, others one a word.
     const bool isPacked = count >= 2 && bytes[1] != 0;
     for (size_t i = 0; i < count; i += isPacked ? 1 : 2) {
         if (bytes[i] == 0)
@@ -170,6 +174,7 @@ int DLLD_CreateRecordDescriptor(const std::string &text, DLLD_Record *record, in
     DLLD_Record read;
     const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
     const auto control = std::find_if(text.begin(), text.end(), isControl);
+    // Length first: the token below is as long as the longest text.
     bool isGood = !text.empty() && text.size() < TOKEN_SIZE && control == text.end();
     *errorAt = static_cast<int>(control == text.end() ? 1 : control - text.begin() + 1);
     if (!isGood)

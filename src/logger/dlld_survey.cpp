@@ -54,6 +54,7 @@ int32_t FindFill(Looker *looker)
 
 uint32_t LookAtStamp(Looker *looker, int32_t start, int32_t end)
 {
+    // A head that is not whole has no time.
     if (end - start < DLLD_HEAD_WORDS)
         return 0;
     return uint32_t(LookAt(looker, start + 2)) << 16 | LookAt(looker, start + 1);
@@ -69,6 +70,7 @@ void FindStamps(Looker *looker, DLLD_Survey *survey)
     while (firstEnd < end && LookAt(looker, firstEnd) != 0)
         firstEnd++;
     survey->firstStamp = LookAtStamp(looker, first, firstEnd);
+    // The last message ends where the log is filled to: back to the zero in front of it.
     while (last > DLLD_HEADER_WORDS && LookAt(looker, last - 1) != 0)
         last--;
     survey->lastStamp = LookAtStamp(looker, last, end);
@@ -90,6 +92,7 @@ int DLLD_SurveyLog(const std::string &name, DLLD_Survey *survey)
         found.filledWords = FindFill(&looker);
         FindStamps(&looker, &found);
     }
+    // Zeros stood in for words that were not read: what was found from them counts for nothing.
     if (looker.isFailed)
         return -1;
     *survey = found;

@@ -48,6 +48,7 @@ std::vector<LOGV_Pair> LOGV_Compare(const LOGV_Log &a, const LOGV_Log &b)
     std::vector<LOGV_Pair> pairs;
     size_t i = 0, j = 0;
     while (i < sideA.order.size() || j < sideB.order.size()) {
+        // One side used up: the rest of the other one is its alone.
         int order = i == sideA.order.size() ? 1 : -1;
         if (i < sideA.order.size() && j < sideB.order.size())
             order = CompareMessages(a, sideA.order[i], b, sideB.order[j]);

@@ -96,6 +96,7 @@ int LOGV_SaveCsv(const LOGV_View &view, const std::string &path)
 {
     std::string text = "; log " + view.log->name + "\r\n; " + std::to_string(view.shown.size()) +
                        " of " + std::to_string(view.log->rows.size()) + " messages, ";
+    // Which of both clocks, or a file could not be compared with another one.
     text += view.isLocalTime ? "local time\r\n" : "time as logged\r\n";
     text += "time,type,text\r\n";
     for (size_t line = 0; line < view.shown.size(); line++) {
@@ -134,6 +135,7 @@ std::vector<LOGV_Detail> LOGV_GetDetails(const LOGV_Log &log, const LOGV_Row &ro
         details.push_back({"Text", std::string(LOGV_GetText(log, row))});
     else if (record != nullptr && row.type != DLLD_JUNK && row.length >= DLLD_HEAD_WORDS)
         AddRecordFields(*record, msg, &details);
+    // As they stand in the log, replaced zeros included.
     std::string words;
     for (int32_t i = 0; i < msg.length; i++)
         DLLD_Print(&words, i == 0 ? "%04X" : " %04X", msg.words[i]);

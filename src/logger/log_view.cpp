@@ -138,6 +138,7 @@ void Narrow(const LOGV_Log &log, const LOGV_Filter &filter, std::vector<uint32_t
 
 bool IsNarrower(const LOGV_Filter &now, const LOGV_Filter &before)
 {
+    // A longer text that holds the shorter one lets no row through that had been out.
     return now.hidden == before.hidden && now.from == before.from && now.to == before.to &&
            Fold(now.text).find(Fold(before.text)) != std::string::npos;
 }
@@ -158,6 +159,7 @@ int LOGV_Decode(DLLD_Log words, const std::string &name, LOGV_Log *log)
         return -1;
     read.name = name;
     read.words = std::move(words);
+    // For every type, present or not: a filter asks by number.
     for (int type = 0; type < 256; type++)
         read.typeNames.push_back(GetTypeName(static_cast<uint8_t>(type)));
     DLLD_Msg msg;
@@ -195,6 +197,7 @@ LOGV_Filter LOGV_MakeFilter()
 void LOGV_Attach(LOGV_View *view, const LOGV_Log *log)
 {
     view->log = log;
+    // Another log says nothing about the last one's filter.
     view->filter = LOGV_Filter();
     view->sortColumn = LOGV_PLACE;
     view->isDescending = false;

@@ -93,6 +93,7 @@ void ApplyFilter()
     }
     LOGV_Filter filter = LOGV_MakeFilter();
     const int type = GetChoice(LOG_TYPE, LGW_ALL_BUT_JUNK);
+    // One type, or all of them, junk as well.
     if (type != LGW_ALL_BUT_JUNK)
         filter.hidden.reset();
     if (type >= 0) {
@@ -227,6 +228,7 @@ size_t FindTime(uint32_t stamp)
     const auto found = std::find_if(LGW_lines.begin(), LGW_lines.end(), [&](const LGW_Line &line) {
         return LGW_GetRow(line).stamp >= stamp;
     });
+    // Later than all: the last line is the nearest.
     return found == LGW_lines.end() ? LGW_lines.size() - 1
                                     : static_cast<size_t>(found - LGW_lines.begin());
 }
@@ -248,6 +250,7 @@ void LGW_OpenCB(int, int)
     std::vector<UI_Column> shown;
     if (GetListColumns(PANEL, LOG_LIST, &shown) >= 0)
         columns = static_cast<int>(shown.size());
+    // Only the first time: a window that is shown again keeps what it showed.
     if (columns == 0) {
         SetCtrlVal(PANEL, LOG_LOCAL, 1);
         ShowComparison();
@@ -289,6 +292,7 @@ int LGW_ReadCB(int, int, int event, int)
         Attach(0, &log);
         return 0;
     }
+    // The log that is shown stays: half of another one would say less.
     LGW_notice = DLLD_IsCancelled() ? "Reading was cancelled." : "The log could not be read.";
     LGW_ShowState();
     return 0;

@@ -132,6 +132,7 @@ void LGW_ShowDetails()
         const bool isCut = detail.value.size() > DETAIL_CHARS_MAX;
         if (isCut)
             detail.value.resize(DETAIL_CHARS_MAX);
+        // An escape would begin a column of the list.
         std::replace(detail.value.begin(), detail.value.end(), '\033', ' ');
         InsertListItem(PANEL, LOG_DETAIL, -1,
                        detail.name + "\033p130l" + detail.value + (isCut ? " ..." : ""), 0);
@@ -179,6 +180,7 @@ void LGW_ShowState()
 
 void LGW_ShowLine(size_t line)
 {
+    // Pages begin at fixed lines, so that Next and Previous meet the same ones again.
     LGW_firstLine = line / LGW_PAGE_LINES * LGW_PAGE_LINES;
     const size_t end = std::min(LGW_firstLine + LGW_PAGE_LINES, LGW_lines.size());
     ClearListCtrl(PANEL, LOG_LIST);
@@ -201,6 +203,7 @@ void LGW_Refill()
     LGW_Line kept;
     if (selected >= 0)
         kept = LGW_lines[static_cast<size_t>(selected)];
+    // The chosen message is found again, wherever filter and order put it.
     CollectLines();
     const auto found = std::find_if(LGW_lines.begin(), LGW_lines.end(), [&](const LGW_Line &line) {
         return line.side == kept.side && line.row == kept.row;

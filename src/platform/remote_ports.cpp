@@ -7,10 +7,15 @@
 #include "platform/tcp_port.h"
 
 #include <cstdio>
+#include <cstdlib>
+#include <map>
 
 namespace {
 
+constexpr int LENT_MAX = 98;        // every driver opens it
 constexpr size_t ADDRESS_MAX = 300; // characters: a host name has at most 253
+
+std::map<int, std::string> lent; // by number
 
 std::string Folder()
 {
@@ -26,6 +31,9 @@ std::string FilePath(int port)
 
 std::string RMP_GetAddress(int port)
 {
+    const auto found = lent.find(port);
+    if (found != lent.end())
+        return found->second;
     std::FILE *file = PLT_OpenFile(FilePath(port), "rb");
     if (file == nullptr)
         return "";
@@ -66,4 +74,21 @@ int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number)
         return PTL_ERR_WRITE;
     *number = firstFree;
     return 0;
+}
+
+int RMP_Lend(const std::string &address)
+{
+    for (int port = LENT_MAX; port >= 1; --port) {
+        const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
+        if ((given != nullptr && *given != '\0') || !RMP_GetAddress(port).empty())
+            continue;
+        lent[port] = address;
+        return port;
+    }
+    return 0;
+}
+
+void RMP_TakeBack(int port)
+{
+    lent.erase(port);
 }

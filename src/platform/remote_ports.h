@@ -16,4 +16,9 @@ int RMP_SetAddress(int port, const std::string &address);
 // given to it. 0 with *number, or a failure of PTL_Use.
 int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number);
 
+// Lends an address the highest number that nobody has given to a port, until RMP_TakeBack or
+// the end of the program; nothing is written. 0 when no number is left.
+int RMP_Lend(const std::string &address);
+void RMP_TakeBack(int port);
+
 #endif

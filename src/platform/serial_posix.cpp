@@ -5,6 +5,7 @@
 // Every wait is bounded, for a silent target and for a device that vanished alike.
 #include "platform/serial_device.h"
 
+#include "platform/deadline.h"
 #include "platform/system.h"
 
 #include <cerrno>
@@ -66,19 +67,6 @@ bool FindBaud(uint32_t baud, speed_t *code)
         }
     }
     return false;
-}
-
-uint64_t DeadlineUs(unsigned totalMs)
-{
-    return PLT_TickUs() + uint64_t{totalMs} * 1000u;
-}
-
-// Milliseconds left, rounded up so that a wait never ends before its time.
-int LeftMs(uint64_t deadlineUs)
-{
-    const uint64_t now = PLT_TickUs();
-    const uint64_t left = deadlineUs > now ? (deadlineUs - now + 999u) / 1000u : 0;
-    return left > INT_MAX ? INT_MAX : static_cast<int>(left);
 }
 
 // 1 ready (or gone, which the following read or write finds out), 0 time is over, negative error.
@@ -314,7 +302,7 @@ int DEV_Write(SER_Handle handle, const void *bytes, size_t count)
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
-    const uint64_t deadline = DeadlineUs(port->writeTotalMs);
+    const uint64_t deadline = PLT_DeadlineUs(port->writeTotalMs);
     const char *data = static_cast<const char *>(bytes);
     size_t done = 0;
     while (done < count) {
@@ -325,7 +313,7 @@ int DEV_Write(SER_Handle handle, const void *bytes, size_t count)
         }
         if (wrote < 0 && errno != EAGAIN && errno != EINTR)
             return SER_ERR_IO;
-        const int left = LeftMs(deadline);
+        const int left = PLT_LeftMs(deadline);
         if (left == 0)
             break;
         if (WaitFor(port->fd, POLLOUT, left) < 0)
@@ -339,7 +327,7 @@ int DEV_Read(SER_Handle handle, void *buffer, size_t count)
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
-    const uint64_t deadline = DeadlineUs(port->readTotalMs);
+    const uint64_t deadline = PLT_DeadlineUs(port->readTotalMs);
     char *data = static_cast<char *>(buffer);
     size_t done = 0;
     int left = static_cast<int>(port->readTotalMs);
@@ -350,7 +338,7 @@ int DEV_Read(SER_Handle handle, void *buffer, size_t count)
         done += static_cast<size_t>(got);
         if (done == count || (left == 0 && got == 0))
             break;
-        left = LeftMs(deadline);
+        left = PLT_LeftMs(deadline);
     }
     return static_cast<int>(done);
 }

@@ -12,7 +12,7 @@ bool CanWrite(const std::string &folder)
     if (folder.empty() || PLT_CreateExclusive(probe, "wb", &file) != 0)
         return false;
     std::fclose(file);
-    std::remove(probe.c_str());
+    (void)PLT_RemoveFile(probe);
     return true;
 }
 

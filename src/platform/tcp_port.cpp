@@ -1,7 +1,7 @@
 // Ports by raw TCP on sockets that never block; every wait is bounded here.
 #include "platform/tcp_port.h"
 
-#include "platform/system.h"
+#include "platform/deadline.h"
 #include "platform/tcp_socket.h"
 
 #include <algorithm>
@@ -38,18 +38,6 @@ Port *FindPort(SER_Handle handle)
     return &ports[slot];
 }
 
-uint64_t DeadlineUs(unsigned totalMs)
-{
-    return PLT_TickUs() + uint64_t{totalMs} * 1000u;
-}
-
-// Rounded up, so that a wait never ends before its time.
-unsigned LeftMs(uint64_t deadlineUs)
-{
-    const uint64_t now = PLT_TickUs();
-    return deadlineUs > now ? static_cast<unsigned>((deadlineUs - now + 999u) / 1000u) : 0;
-}
-
 // The system's resolver may take half a minute for a name when the network is down: it works
 // on a thread of its own, and what it finds after our time goes nowhere.
 struct Resolving {
@@ -78,13 +66,13 @@ std::vector<SCK_Address> Resolve(const std::string &host, const std::string &por
 // A host has several addresses; all of them together get the time of one.
 SCK_Handle Connect(const std::vector<SCK_Address> &addresses)
 {
-    const uint64_t deadline = DeadlineUs(TCP_CONNECT_MS);
+    const uint64_t deadline = PLT_DeadlineUs(TCP_CONNECT_MS);
     lastReason = addresses.empty() ? SER_WHY_HOST : SER_WHY_SILENT;
     for (const SCK_Address &address : addresses) {
         const SCK_Handle socket = SCK_Connect(address);
         if (socket == SCK_INVALID)
             continue;
-        if (SCK_Wait(socket, true, LeftMs(deadline)) == 1) {
+        if (SCK_Wait(socket, true, static_cast<unsigned>(PLT_LeftMs(deadline))) == 1) {
             const SER_Why why = SCK_GetConnectResult(socket);
             if (why == SER_WHY_NONE)
                 return socket;
@@ -166,7 +154,7 @@ int TCP_Write(SER_Handle handle, const void *bytes, size_t count)
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
-    const uint64_t deadline = DeadlineUs(port->writeTotalMs);
+    const uint64_t deadline = PLT_DeadlineUs(port->writeTotalMs);
     const char *data = static_cast<const char *>(bytes);
     size_t done = 0;
     while (done < count) {
@@ -174,7 +162,7 @@ int TCP_Write(SER_Handle handle, const void *bytes, size_t count)
         if (sent < 0)
             return SER_ERR_IO;
         done += static_cast<size_t>(sent);
-        const unsigned left = LeftMs(deadline);
+        const auto left = static_cast<unsigned>(PLT_LeftMs(deadline));
         if (sent == 0 && (left == 0 || SCK_Wait(port->socket, true, left) < 0))
             break;
     }
@@ -186,7 +174,7 @@ int TCP_Read(SER_Handle handle, void *buffer, size_t count)
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
-    const uint64_t deadline = DeadlineUs(port->readTotalMs);
+    const uint64_t deadline = PLT_DeadlineUs(port->readTotalMs);
     char *data = static_cast<char *>(buffer);
     size_t done = 0;
     while (done < count) {
@@ -194,7 +182,7 @@ int TCP_Read(SER_Handle handle, void *buffer, size_t count)
         if (got < 0)
             return done > 0 ? static_cast<int>(done) : SER_ERR_IO;
         done += static_cast<size_t>(got);
-        const unsigned left = LeftMs(deadline);
+        const auto left = static_cast<unsigned>(PLT_LeftMs(deadline));
         if (got == 0 && (left == 0 || SCK_Wait(port->socket, false, left) <= 0))
             break;
     }

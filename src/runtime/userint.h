@@ -92,6 +92,9 @@ bool IsBreakWished();
 // system wants the program to end (a signal, the end of the session). It saves what must be
 // saved and calls QuitUserInterface. Without one the loop just ends.
 int SetEndCallback(void (*callback)());
+// Has the program's thread call `callback` between two other callbacks, with timers suspended
+// as well. The one call of this file that any thread may make.
+int PostDeferredCall(void (*callback)());
 
 // --- panels -----------------------------------------------------------------------
 int LoadPanel(int parentPanel, int resource); // handle > 0; parent 0 = a window of its own
@@ -327,6 +330,7 @@ int GetViewLayouts(std::vector<UI_Layout> *layouts);
 // terminal is told where it is.
 int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
+int ClipboardGetText(std::string *text); // the view is asked for it; 0, or -1: there is none
 int Beep(); // the desktop's sound, or the terminal's bell
 
 #endif

@@ -157,7 +157,14 @@ struct VIEW_Completion {
     std::vector<std::string> candidates;
 };
 
-enum VIEW_QuestionKind { VIEW_MESSAGE, VIEW_CONFIRM, VIEW_PROMPT, VIEW_GENERIC, VIEW_FILE };
+enum VIEW_QuestionKind {
+    VIEW_MESSAGE,
+    VIEW_CONFIRM,
+    VIEW_PROMPT,
+    VIEW_GENERIC,
+    VIEW_FILE,
+    VIEW_CLIPBOARD, // nobody is asked: the answer is 1 and the text on the clipboard
+};
 // To be answered by VIEW_EVENT_ANSWER with the same id, once. button: the number of the
 // button from 1, 0 = closed. VIEW_CONFIRM 1 yes, 2 no; VIEW_PROMPT 1 OK, 2 cancel; VIEW_FILE
 // 1 and the path as text (a new file in FILE_SAVE mode that exists has been confirmed).
@@ -233,6 +240,7 @@ enum VIEW_EventKind {
     VIEW_EVENT_COLUMNS,  // list: widths = the user's. No callback
     VIEW_EVENT_LAYOUT,   // UI_Layout: text = name, widths = numbers. No callback
     VIEW_EVENT_END,      // the system wants the program to end: a signal, the session's end
+    VIEW_EVENT_CALL,     // `call`, from a thread of the program's own. Not for views
 };
 // What goes with which `event`:
 //   control  EVENT_COMMIT, EVENT_VAL_CHANGED  the control's value: value (switch, ring: the
@@ -259,6 +267,7 @@ struct VIEW_Event {
     std::shared_ptr<const UI_GraphView> view; // of a graph
     int item = 0;
     int id = 0, button = 0;
+    void (*call)() = nullptr;
     uint32_t seen = 0; // the door's stamp, whatever the poster writes
 };
 // Never waits. Values of one control that follow each other become one event. False when

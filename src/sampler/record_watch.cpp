@@ -159,5 +159,5 @@ void RCW_MarkCB(int /*menuBar*/, int /*item*/)
 
 void RCW_TriggersCB(int /*menuBar*/, int /*item*/)
 {
-    TRE_Ask("of the next recording", &triggerText, &triggers);
+    TRG_Ask("of the next recording", &triggerText, &triggers);
 }

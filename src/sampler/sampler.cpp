@@ -17,10 +17,12 @@ constexpr uint32_t ADDRESS_END = 0x1000000; // of target addresses
 constexpr double BITS_PER_CHAR = 11;        // of both protocols
 constexpr uint64_t SECOND_US = 1000000;
 
-// A proof costs about so many characters; of the line's time it may take a hundredth, within
-// these bounds: later than that nobody wants to see a value, nor to lose it in a crash.
-constexpr double PROOF_CHARS = 46, PROOF_SHARE = 0.01;
+// A proof costs about so many characters (mr166, whose bytes are dearer; Modbus 63); of the
+// line's time it may take a hundredth, within these bounds: later than that nobody wants to see
+// a value, nor to lose it in a crash.
+constexpr double PROOF_CHARS = 76, PROOF_SHARE = 0.01;
 constexpr uint64_t PROOF_MIN_US = 250000, PROOF_MAX_US = 800000;
+constexpr double PROOF_SOON = 0.8;         // of that time: a block may be the proof from then on
 constexpr uint64_t PROOF_IDLE_US = 100000; // when the line has nothing else to do
 
 constexpr uint64_t SILENCE_MIN_US = 2 * SECOND_US; // before a silent station is asked again
@@ -50,6 +52,12 @@ template <typename Read> int ReadNoting(Read read, std::string (*reason)(int res
 int ReadLine(int station, uint32_t address, uint32_t count, void *buffer)
 {
     return ReadNoting([&] { return UCM_Read(station, address, count, buffer); },
+                      [](int) { return UCM_LastErrorText(); });
+}
+
+int ReadLineProving(int station, uint32_t address, uint32_t count, void *buffer)
+{
+    return ReadNoting([&] { return UCM_ReadProving(station, address, count, buffer); },
                       [](int) { return UCM_LastErrorText(); });
 }
 
@@ -232,6 +240,7 @@ void FailHeld(SMP_Sampler *sampler, const std::string &reason)
 // for a proof meanwhile may have been told of a doubt that concerns these samples too.
 void ProveAndGiveOut(SMP_Sampler *sampler)
 {
+    sampler->hasProofCome = false;
     int result = sampler->line.prove();
     if (result == UCM_PROVEN && sampler->line.doubts() != sampler->doubts)
         result = UCM_READ_AGAIN;
@@ -297,10 +306,27 @@ void SetBlock(SMP_Sampler *sampler, const GRP_Block &block, const uint8_t *bytes
     }
 }
 
+uint64_t ProofPeriodUs(const SMP_Sampler &sampler)
+{
+    const double stations = static_cast<double>(std::max<size_t>(sampler.stations.size(), 1));
+    const double wanted = stations * PROOF_CHARS * BITS_PER_CHAR / std::max(bRate, 1) / PROOF_SHARE;
+    return std::clamp(static_cast<uint64_t>(wanted * 1e6), PROOF_MIN_US, PROOF_MAX_US);
+}
+
 int Ask(SMP_Sampler *sampler, const GRP_Block &block, uint8_t *bytes)
 {
-    if (!sampler->store.items[block.items[0]].isTMS)
-        return sampler->line.read(block.station, block.address, block.size, bytes);
+    if (!sampler->store.items[block.items[0]].isTMS) {
+        const SMP_Line &line = sampler->line;
+        // When a proof is due soon, the last block of a row can be that for its station.
+        const double sinceUs = static_cast<double>(line.nowUs() - sampler->provenUs);
+        const bool isProving = line.readProving != nullptr && sampler->stations.size() == 1 &&
+                               sampler->next + 1 == sampler->plan.size() &&
+                               sinceUs >= PROOF_SOON * static_cast<double>(ProofPeriodUs(*sampler));
+        const auto read = isProving ? line.readProving : line.read;
+        const int result = read(block.station, block.address, block.size, bytes);
+        sampler->hasProofCome = isProving && result > 0;
+        return result;
+    }
     uint32_t word = 0;
     const int result = sampler->line.readTMS(block.station, block.address, &word);
     BYT_PutLittle(bytes, 8, word);
@@ -342,13 +368,6 @@ void ReadBlock(SMP_Sampler *sampler)
     ++sampler->next;
 }
 
-uint64_t ProofPeriodUs(const SMP_Sampler &sampler)
-{
-    const double stations = static_cast<double>(std::max<size_t>(sampler.stations.size(), 1));
-    const double wanted = stations * PROOF_CHARS * BITS_PER_CHAR / std::max(bRate, 1) / PROOF_SHARE;
-    return std::clamp(static_cast<uint64_t>(wanted * 1e6), PROOF_MIN_US, PROOF_MAX_US);
-}
-
 int CheckItems(const std::vector<SMP_Item> &items)
 {
     return items.empty() || items.size() > SMP_ITEMS_MAX ? SMP_ERR_ITEMS : 0;
@@ -362,7 +381,8 @@ const SMP_Line SMP_LINE = {ReadLine,
                            UCM_CountDoubts,
                            [] { return lastFailure; },
                            [] { return lastCause; },
-                           PLT_TickUs};
+                           PLT_TickUs,
+                           ReadLineProving};
 
 int SMP_Start(SMP_Sampler *sampler, const std::vector<SMP_Item> &items, int periodMs,
               const SMP_Listener &listener, size_t samplesMax, const SMP_Line *line)
@@ -421,7 +441,8 @@ int64_t SMP_Step(SMP_Sampler *sampler)
     const bool isWaiting = !sampler->held.empty();
     const uint64_t sinceProofUs = nowUs - sampler->provenUs;
     const bool isIdle = !sampler->isInRow && nowUs < sampler->dueUs;
-    if (isWaiting && sinceProofUs >= (isIdle ? PROOF_IDLE_US : ProofPeriodUs(*sampler))) {
+    if (isWaiting && (sampler->hasProofCome ||
+                      sinceProofUs >= (isIdle ? PROOF_IDLE_US : ProofPeriodUs(*sampler)))) {
         ProveAndGiveOut(sampler);
         return 0;
     }

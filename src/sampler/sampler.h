@@ -33,6 +33,8 @@ struct SMP_Line {
     std::string (*failure)(); // why the last read or proof failed
     UCM_Cause (*cause)();     // of the last read that failed
     uint64_t (*nowUs)();      // a steady clock
+    // As UCM_ReadProving; null: proofs are exchanges of their own.
+    int (*readProving)(int station, uint32_t address, uint32_t count, void *buffer) = nullptr;
 };
 extern const SMP_Line SMP_LINE; // the unified layer and the system's clock
 
@@ -88,6 +90,7 @@ struct SMP_Sampler {
     uint32_t doubts = 0;
     std::vector<SMP_Sample> row; // being read
     bool isInRow = false, isAnyAsked = false;
+    bool hasProofCome = false;        // with the last block of the row
     std::vector<SMP_Sample> held;     // rows that wait for their proof, one behind the other
     std::vector<SMP_Sample> previous; // last good counts of rates
 };

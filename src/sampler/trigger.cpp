@@ -1,8 +1,8 @@
 #include "sampler/trigger.h"
 
+#include "text/numbers.h"
 #include "text/words.h"
 
-#include <charconv>
 #include <cmath>
 #include <sstream>
 
@@ -41,13 +41,6 @@ struct ActionRow {
 };
 const ActionRow ACTIONS[] = {
     {"start", TRG_START}, {"stop", TRG_STOP}, {"beep", TRG_BEEP}, {"mark", TRG_MARK}};
-
-bool ParseLevel(const std::string &text, double *level)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *level);
-    return result.ec == std::errc() && result.ptr == end && std::isfinite(*level);
-}
 
 // Words parted by blanks; a comparison may stand without blanks around it.
 std::vector<std::string> SplitWords(const std::string &line)
@@ -99,8 +92,7 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
         return -1;
     }
     const bool hasLevel = CONDITIONS[parsed.condition].hasLevel;
-    if (words.size() != (hasLevel ? 5u : 4u) ||
-        (hasLevel && !ParseLevel(words[4], &parsed.level))) {
+    if (words.size() != (hasLevel ? 5u : 4u) || (hasLevel && !NUM_Parse(words[4], &parsed.level))) {
         *problem = hasLevel ? "a number is to follow '" + words[3] + "'"
                             : "nothing is to follow '" + words[3] + "'";
         return -1;

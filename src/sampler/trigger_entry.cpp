@@ -12,7 +12,7 @@ const char HELP[] = ", parted by ';', such as\n"
 
 } // namespace
 
-bool TRE_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers)
+bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers)
 {
     std::string entered = *text, problem;
     for (int round = 0; round < QUESTIONS_MAX; ++round) {

@@ -9,6 +9,6 @@
 
 // `whose` says in a word or two what they are for: "of the next recording". The text as it was
 // entered, and parsed. False when the user gave up: both are as they were.
-bool TRE_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers);
+bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers);
 
 #endif

@@ -4,11 +4,11 @@
 #include "platform/safe_file.h"
 #include "platform/system.h"
 #include "text/csv_row.h"
+#include "text/numbers.h"
 #include "text/txfr.h"
 #include "text/words.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -21,9 +21,7 @@ constexpr size_t TRACES_MAX = SX_RECORDS;
 bool ParseCell(const std::string &cell, double *value)
 {
     *value = std::numeric_limits<double>::quiet_NaN();
-    const char *end = cell.data() + cell.size();
-    const auto result = std::from_chars(cell.data(), end, *value);
-    return cell.empty() || (result.ec == std::errc() && result.ptr == end && std::isfinite(*value));
+    return cell.empty() || NUM_Parse(cell, value);
 }
 
 std::string Now()
@@ -96,13 +94,6 @@ bool SplitHeadLine(const std::string &line, std::string *key, std::string *value
     return true;
 }
 
-template <typename Number> bool ParseWhole(const std::string &text, Number *value)
-{
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *value);
-    return result.ec == std::errc() && result.ptr == end;
-}
-
 struct TraceNotes { // of one column, known before the columns are
     int type = SX_I2;
     std::string unit;
@@ -122,20 +113,20 @@ bool ParseHeadLine(const std::string &key, const std::string &value, SCP_Capture
         return true;
     }
     if (key == "rate")
-        return ParseWhole(value, &capture->rate) && capture->rate > 0 &&
+        return NUM_Parse(value, &capture->rate) && capture->rate > 0 &&
                std::isfinite(capture->rate);
     if (key == "sub")
-        return ParseWhole(value, &capture->subPd) && capture->subPd > 0;
+        return NUM_Parse(value, &capture->subPd) && capture->subPd > 0;
     if (key == "trigger")
-        return ParseWhole(first, &capture->mode) && ParseWhole(rest, &capture->slope);
+        return NUM_Parse(first, &capture->mode) && NUM_Parse(rest, &capture->slope);
     if (key == "level" || key == "position")
-        return ParseWhole(value, key == "level" ? &capture->level : &capture->position);
+        return NUM_Parse(value, key == "level" ? &capture->level : &capture->position);
     if (key == "trigger at")
-        return ParseWhole(value, &capture->triggerAt);
+        return NUM_Parse(value, &capture->triggerAt);
     if (key != "type" && key != "unit" && key != "scale")
         return true;
     size_t number = 0;
-    if (!ParseWhole(first, &number) || number < 1 || number > TRACES_MAX)
+    if (!NUM_Parse(first, &number) || number < 1 || number > TRACES_MAX)
         return false;
     notes->resize(std::max(notes->size(), number));
     TraceNotes &note = (*notes)[number - 1];
@@ -145,8 +136,8 @@ bool ParseHeadLine(const std::string &key, const std::string &value, SCP_Capture
         note.type = SX_FindType(rest);
     const size_t second = rest.find(", ");
     if (key == "scale" &&
-        (second == std::string::npos || !ParseWhole(rest.substr(0, second), &note.factor) ||
-         !ParseWhole(rest.substr(second + 2), &note.offset)))
+        (second == std::string::npos || !NUM_Parse(rest.substr(0, second), &note.factor) ||
+         !NUM_Parse(rest.substr(second + 2), &note.offset)))
         return false;
     return note.type >= 0;
 }
@@ -176,7 +167,7 @@ bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
     std::vector<std::string> cells;
     size_t number = 0;
     if (!CSV_SplitRow(line, &cells) || cells.size() != capture->traces.size() + 2 ||
-        !ParseWhole(cells[0], &number) || number != index)
+        !NUM_Parse(cells[0], &number) || number != index)
         return false;
     for (size_t i = 0; i < capture->traces.size(); ++i) {
         double value = 0;

@@ -1,5 +1,6 @@
 #include "scope/scope.h"
 
+#include "comm/grouping.h"
 #include "comm/ucm.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
@@ -29,8 +30,9 @@ namespace {
 constexpr const char *TYPE_NAMES[SX_TYPES] = {"i1", "i2", "i4", "u1", "u2", "u4", "f4", "f2"};
 constexpr int NAMED_CHANNELS = 10; // those behind have no name field in the window
 constexpr size_t NAME_MAX_CHARS = 80;
-// A multiple of both protocols' read blocks (64 and 216 bytes): no short block in between.
-constexpr uint32_t UPLOAD_STEP_BYTES = 1728;
+// What is proven together: a second or two of a fast line, and a multiple of both protocols'
+// read blocks (64 and 216 bytes), so that no block but the last is short.
+constexpr uint32_t PROVEN_BYTES = 5 * 1728;
 
 } // namespace
 
@@ -104,16 +106,25 @@ void SX_PrepareRecords(int channels)
 int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progress)
 {
     const uint32_t total = 2 * static_cast<uint32_t>(count);
-    std::array<uint8_t, UPLOAD_STEP_BYTES> bytes;
-    for (uint32_t done = 0; done < total;) {
-        if (progress != nullptr && progress(done, total))
-            return SX_CANCELLED;
-        const uint32_t step = std::min(total - done, UPLOAD_STEP_BYTES);
-        if (UCM_Read(STATION, address + done, step, bytes.data()) < 0)
-            return -2;
-        for (uint32_t i = 0; i < step; i += 2)
-            *words++ = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
-        done += step;
+    const uint32_t blockMax = GRP_ReadWire(UCM_recS.protocol).blockMax;
+    std::vector<uint8_t> bytes(total);
+    bool isCancelled = false;
+    // Block by block: a read of several has a proof of its own behind it each time.
+    const auto readStretch = [&](uint32_t begin, uint32_t end) {
+        for (uint32_t done = begin; done < end; done += blockMax) {
+            isCancelled = progress != nullptr && progress(done, total);
+            const uint32_t block = std::min(end - done, blockMax);
+            if (isCancelled || UCM_Read(STATION, address + done, block, &bytes[done]) < 0)
+                return -1;
+        }
+        return 0;
+    };
+    for (uint32_t begin = 0; begin < total; begin += PROVEN_BYTES) {
+        const uint32_t end = std::min(begin + PROVEN_BYTES, total);
+        if (UCM_MakeProven([&] { return readStretch(begin, end); }) < 0)
+            return isCancelled ? static_cast<int>(SX_CANCELLED) : -2;
     }
+    for (uint32_t i = 0; i < total; i += 2)
+        *words++ = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
     return 0;
 }

@@ -77,8 +77,8 @@ double SX_Value(int type, uint16_t word, uint16_t high);
 
 // Clears the records and gives each of `channels` its sample count, name and flags.
 void SX_PrepareRecords(int channels);
-// Reads `count` words at a byte address in blocks, little-endian, asking for a cancel
-// between them. 0, -2 on a failed read, SX_CANCELLED.
+// Reads `count` words at a byte address in blocks, little-endian and proven, asking for a
+// cancel between them. 0, -2 on a failed read, SX_CANCELLED; `words` are then as they were.
 int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progress);
 
 #endif

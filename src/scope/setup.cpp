@@ -2,6 +2,7 @@
 
 #include "comm/sysaddr.h"
 #include "platform/safe_file.h"
+#include "text/numbers.h"
 #include "text/txfr.h"
 #include "text/words.h"
 
@@ -25,18 +26,6 @@ std::vector<std::string> SplitFields(const std::string &line)
         begin = comma + 1;
     }
     return fields;
-}
-
-template <typename Number>
-bool ParseNumber(const std::string &text, Number low, Number high, Number *value)
-{
-    Number parsed = 0;
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, parsed);
-    if (result.ec != std::errc() || result.ptr != end || !(parsed >= low && parsed <= high))
-        return false;
-    *value = parsed;
-    return true;
 }
 
 // --- the lines of the file, a row a key -----------------------------------------------
@@ -63,13 +52,13 @@ const Key KEYS[] = {
      [](const SCP_Setup &s, size_t) { return s.id; }},
     {"sub", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) {
-         return ParseNumber(f[0], 1, SUB_PERIOD_MAX, &s->subPd);
+         return NUM_Parse(f[0], 1, SUB_PERIOD_MAX, &s->subPd);
      },
      [](const SCP_Setup &s, size_t) { return std::to_string(s.subPd); }},
     {"trigger", false, 2,
      [](const Fields &f, SCP_Setup *s, size_t) {
          int mode = 0, slope = 0;
-         if (!ParseNumber(f[0], 0, 2, &mode) || !ParseNumber(f[1], 0, SX_TYPES - 1, &slope))
+         if (!NUM_Parse(f[0], 0, 2, &mode) || !NUM_Parse(f[1], 0, SX_TYPES - 1, &slope))
              return false;
          s->mode = mode;
          s->slope = slope;
@@ -79,11 +68,11 @@ const Key KEYS[] = {
          return std::to_string(s.mode) + ", " + std::to_string(s.slope);
      }},
     {"level", false, 1,
-     [](const Fields &f, SCP_Setup *s, size_t) { return ParseNumber(f[0], -ANY, ANY, &s->level); },
+     [](const Fields &f, SCP_Setup *s, size_t) { return NUM_Parse(f[0], -ANY, ANY, &s->level); },
      [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.level); }},
     {"position", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) {
-         return ParseNumber(f[0], 0.0, 100.0, &s->position);
+         return NUM_Parse(f[0], 0.0, 100.0, &s->position);
      },
      [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.position); }},
     {"ch", true, 2,
@@ -119,7 +108,7 @@ const Key KEYS[] = {
     {"scale", true, 2,
      [](const Fields &f, SCP_Setup *s, size_t index) {
          double factor = 0, offset = 0;
-         if (!ParseNumber(f[0], -ANY, ANY, &factor) || !ParseNumber(f[1], -ANY, ANY, &offset) ||
+         if (!NUM_Parse(f[0], -ANY, ANY, &factor) || !NUM_Parse(f[1], -ANY, ANY, &offset) ||
              factor == 0)
              return false;
          s->channels[index].factor = factor;
@@ -145,7 +134,7 @@ const Key *FindKey(const Fields &fields, size_t *index)
         return nullptr;
     int number = 0;
     if (key->isOfChannel)
-        *index = fields.size() > 1 && ParseNumber(fields[1], 1, SX_CHANNELS_MAX, &number)
+        *index = fields.size() > 1 && NUM_Parse(fields[1], 1, SX_CHANNELS_MAX, &number)
                      ? static_cast<size_t>(number - 1)
                      : SX_CHANNELS_MAX;
     return key;

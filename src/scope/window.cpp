@@ -10,12 +10,11 @@
 #include "scope/session.h"
 #include "scope/window_curves.h"
 #include "settings/settings.h"
+#include "text/numbers.h"
 #include "ui/resource.h"
 #include "watch/windows/name_completion.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cmath>
 #include <cstdio>
 
 namespace {
@@ -73,17 +72,6 @@ bool ShowProgress(uint32_t done, uint32_t total)
 }
 
 const SCP_View VIEW = {ShowStatus, AskId, ShowProgress};
-
-bool ParseDouble(const std::string &text, double *value)
-{
-    double parsed = 0;
-    const char *end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, parsed);
-    if (text.empty() || result.ec != std::errc() || result.ptr != end || !std::isfinite(parsed))
-        return false;
-    *value = parsed;
-    return true;
-}
 
 std::string TextOf(int control)
 {
@@ -456,7 +444,7 @@ int DTSC_ChannelCB(int, int control, int event, int)
         channel.unit = text;
         break;
     default:
-        if (!ParseDouble(text, &number) || (control == SCOPE_FACTOR && number == 0)) {
+        if (!NUM_Parse(text, &number) || (control == SCOPE_FACTOR && number == 0)) {
             ShowStatus("Factor and offset are numbers, the factor not 0.");
             return 0;
         }
@@ -475,7 +463,7 @@ int DTSC_OnTriggerMode(int, int control, int event, int)
     double level = 0;
     if (event != EVENT_COMMIT && !(event == EVENT_VAL_CHANGED && control == SCOPE_POSITION))
         return 0;
-    if (control == SCOPE_LEVEL && !ParseDouble(TextOf(SCOPE_LEVEL), &level)) {
+    if (control == SCOPE_LEVEL && !NUM_Parse(TextOf(SCOPE_LEVEL), &level)) {
         ShowStatus("The level is a number.");
         return 0;
     }

@@ -11,6 +11,8 @@
 #include "inspect/record_inspector.h"
 #include "logger/log_window.h"
 #include "sampler/record_watch.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -152,6 +154,9 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_WINDOW, ITEM_RECORD_INSPECTOR, "R__ecord inspector", KEY_CTRL | KEY_SHIFT | 'T', RCI_OpenCB},
     {MENU_WINDOW, ITEM_CONFIG, "Device con__figuration", KEY_CTRL | KEY_SHIFT | 'P', WindowCB},
     {MENU_WINDOW, ITEM_DEBUGGER, "__Debugger", KEY_CTRL | KEY_SHIFT | 'D', WindowCB},
+    {MENU_WINDOW, ITEM_SIMULATOR, "S__imulated target", 0, WindowCB},
+    {MENU_WINDOW, ITEM_TERMINAL, "Service ter__minal", KEY_CTRL | 'J', T166_OpenCB},
+    {MENU_WINDOW, ITEM_LCD, "LCD and key__board", 0, LCW_OpenCB},
     {MENU_WINDOW, ITEM_DATA_LOG, "Data l__og", KEY_CTRL | KEY_SHIFT | 'G', LGW_OpenCB},
 
     {MENU_HELP, ITEM_HELP, "__Help", KEY_F1, HelpCB},

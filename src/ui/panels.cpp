@@ -9,12 +9,17 @@
 #include "diagnostics/trace_panel.h"
 #include "graphs/window.h"
 #include "inspect/array_inspector.h"
+#include "inspect/inspectors.h"
 #include "inspect/record_inspector.h"
 #include "loader/window.h"
 #include "logger/log_window.h"
 #include "scope/window.h"
 #include "sets/editor.h"
 #include "sets/window.h"
+#include "simulator/window.h"
+#include "terminal/entry.h"
+#include "terminal/lcd_window.h"
+#include "terminal/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -41,17 +46,59 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
     {PANEL_SCOPE, "scope", "Data scope", DTSC_PanelCB},
     {PANEL_GRAPH, "graph", "Graph", GRW_PanelCB},
-    {PANEL_TERMINAL_ENTRY, "terminal_entry", "Terminal entry", nullptr},
+    {PANEL_TERMINAL_ENTRY, "terminal_entry", "Send text", TRE_PanelCB},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
-    {PANEL_ARRAY, "array", "Array", ARI_PanelCB},
-    {PANEL_RECORD, "record", "Record", RCI_PanelCB},
-    {PANEL_SIMULATOR, "simulator", "Simulator", nullptr},
-    {PANEL_TERMINAL, "terminal", "Service terminal", nullptr},
+    {PANEL_ARRAY, "array", "Array", INS_PanelCB},
+    {PANEL_RECORD, "record", "Record", INS_PanelCB},
+    {PANEL_ARRAY_MORE, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 1, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 2, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 3, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 4, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 5, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 6, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 7, "array", "Array", INS_PanelCB},
+    {PANEL_ARRAY_MORE + 8, "array", "Array", INS_PanelCB},
+    {PANEL_RECORD_MORE, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 1, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 2, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 3, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 4, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 5, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 6, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 7, "record", "Record", INS_PanelCB},
+    {PANEL_RECORD_MORE + 8, "record", "Record", INS_PanelCB},
+    {PANEL_SIMULATOR, "simulator", "Simulated target", TGW_PanelCB},
+    {PANEL_TERMINAL, "terminal", "Service terminal", T166_PanelCB},
+    {PANEL_LCD, "lcd", "LCD and keyboard", LCW_PanelCB},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
 };
 const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
+
+// The controls of an inspector, which has ten windows of a kind.
+#define ARRAY_WINDOW(panel)                                                                        \
+    {panel, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},                                        \
+    {panel, ARRAY_SLICE, UIK_STRING, "slice", ARI_SliceCB},                                        \
+    {panel, ARRAY_STATE, UIK_TEXT, "state", nullptr},                                              \
+    {panel, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},                                             \
+    {panel, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},                                             \
+    {panel, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},                                       \
+    {panel, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},                                         \
+    {panel, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},                                      \
+    {panel, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},                                      \
+    {panel, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},                                 \
+    {panel, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},                                         \
+    {panel, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},                                          \
+    {panel, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB}
+#define RECORD_WINDOW(panel)                                                                       \
+    {panel, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},                                       \
+    {panel, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},                                            \
+    {panel, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},                                        \
+    {panel, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},                                          \
+    {panel, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},                                         \
+    {panel, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB}
 
 const UI_Control UI_aControls[] = {
     {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", LEV_ListCB},
@@ -234,25 +281,82 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_SAVE_SETUP, UIK_BUTTON, "saveSetup", GRW_FileCB},
     {PANEL_GRAPH, STRIP_TIMER, UIK_TIMER, "timer", GRW_TimerCB},
 
-    {PANEL_ARRAY, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},
-    {PANEL_ARRAY, ARRAY_STATE, UIK_TEXT, "state", nullptr},
-    {PANEL_ARRAY, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},
-    {PANEL_ARRAY, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},
-    {PANEL_ARRAY, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},
-    {PANEL_ARRAY, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},
-    {PANEL_ARRAY, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB},
+    ARRAY_WINDOW(PANEL_ARRAY),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 1),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 2),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 3),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 4),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 5),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 6),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 7),
+    ARRAY_WINDOW(PANEL_ARRAY_MORE + 8),
+    RECORD_WINDOW(PANEL_RECORD),
+    RECORD_WINDOW(PANEL_RECORD_MORE),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 1),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 2),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 3),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 4),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 5),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 6),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 7),
+    RECORD_WINDOW(PANEL_RECORD_MORE + 8),
 
-    {PANEL_RECORD, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},
-    {PANEL_RECORD, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},
-    {PANEL_RECORD, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},
-    {PANEL_RECORD, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},
-    {PANEL_RECORD, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},
-    {PANEL_RECORD, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB},
+    {PANEL_TERMINAL, TERM_SCREEN, UIK_TEXTBOX, "screen", T166_ScreenCB},
+    {PANEL_TERMINAL, TERM_LINE, UIK_STRING, "line", T166_LineCB},
+    {PANEL_TERMINAL, TERM_PLACE, UIK_STRING, "place", T166_PlaceCB},
+    {PANEL_TERMINAL, TERM_STATION, UIK_RING, "station", T166_PlaceCB},
+    {PANEL_TERMINAL, TERM_PAGE, UIK_RING, "codePage", nullptr},
+    {PANEL_TERMINAL, TERM_ENDING, UIK_RING, "ending", nullptr},
+    {PANEL_TERMINAL, TERM_ECHO, UIK_SWITCH, "echo", nullptr},
+    {PANEL_TERMINAL, TERM_LOG, UIK_SWITCH, "log", T166_LogCB},
+    {PANEL_TERMINAL, TERM_CLEAR, UIK_BUTTON, "clear", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_COPY, UIK_BUTTON, "copy", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_PASTE, UIK_BUTTON, "paste", T166_ButtonCB},
+    {PANEL_TERMINAL, TERM_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_TERMINAL, TERM_MESSAGE, UIK_TEXT, "message", nullptr},
+
+    {PANEL_TERMINAL_ENTRY, ENTRY_TEXT, UIK_TEXTBOX, "entry", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_PASTE, UIK_BUTTON, "paste", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_FILE, UIK_BUTTON, "file", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_SEND, UIK_BUTTON, "send", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_STOP, UIK_BUTTON, "stop", TRE_ButtonCB},
+    {PANEL_TERMINAL_ENTRY, ENTRY_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_BAR, UIK_BAR, "bar", nullptr},
+    {PANEL_TERMINAL_ENTRY, ENTRY_CLOSE, UIK_BUTTON, "closePanel", TRE_ButtonCB},
+
+    {PANEL_LCD, LCD_SCREEN, UIK_TEXT, "screen", LCW_ScreenCB},
+    {PANEL_LCD, LCD_PLACE, UIK_STRING, "place", LCW_PlaceCB},
+    {PANEL_LCD, LCD_STATION, UIK_RING, "station", LCW_PlaceCB},
+    {PANEL_LCD, LCD_PAGE, UIK_RING, "codePage", LCW_PlaceCB},
+    {PANEL_LCD, LCD_COPY, UIK_BUTTON, "copy", LCW_CopyCB},
+    {PANEL_LCD, LCD_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_LCD, LCD_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_LCD, LCD_TIMER, UIK_TIMER, "timer", LCW_TimerCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 0, UIK_BUTTON, "key0", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 1, UIK_BUTTON, "key1", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 2, UIK_BUTTON, "key2", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 3, UIK_BUTTON, "key3", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 4, UIK_BUTTON, "key4", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 5, UIK_BUTTON, "key5", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 6, UIK_BUTTON, "key6", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 7, UIK_BUTTON, "key7", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 8, UIK_BUTTON, "key8", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 9, UIK_BUTTON, "key9", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 10, UIK_BUTTON, "keyEnter", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 11, UIK_BUTTON, "keyEsc", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 12, UIK_BUTTON, "keyUp", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 13, UIK_BUTTON, "keyDown", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 14, UIK_BUTTON, "keyLeft", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 15, UIK_BUTTON, "keyRight", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 16, UIK_BUTTON, "keyPlus", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 17, UIK_BUTTON, "keyMinus", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 18, UIK_BUTTON, "keyPoint", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 19, UIK_BUTTON, "keyDelete", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 20, UIK_BUTTON, "keyF1", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 21, UIK_BUTTON, "keyF2", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 22, UIK_BUTTON, "keyF3", LCW_KeyCB},
+    {PANEL_LCD, LCD_KEY_FIRST + 23, UIK_BUTTON, "keyF4", LCW_KeyCB},
 
     {PANEL_CONFIG, CONFIG_HEADER, UIK_STRING, "header", nullptr},
     {PANEL_CONFIG, CONFIG_OPEN, UIK_BUTTON, "open", CFW_OpenCB},
@@ -302,6 +406,33 @@ const UI_Control UI_aControls[] = {
     {PANEL_DEBUGGER, DEBUG_MESSAGE, UIK_TEXT, "message", nullptr},
     {PANEL_DEBUGGER, DEBUG_COPY, UIK_BUTTON, "copy", DBW_ButtonCB},
     {PANEL_DEBUGGER, DEBUG_TIMER, UIK_TIMER, "timer", DBW_TimerCB},
+
+    {PANEL_SIMULATOR, SIMUL_START, UIK_BUTTON, "start", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_CONNECT, UIK_BUTTON, "connectTarget", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_SIMULATOR, SIMUL_PROGRAM, UIK_RING, "program", TGW_OptionCB},
+    {PANEL_SIMULATOR, SIMUL_PROTOCOL, UIK_RING, "protocol", TGW_OptionCB},
+    {PANEL_SIMULATOR, SIMUL_BAUD, UIK_RING, "baud", nullptr},
+    {PANEL_SIMULATOR, SIMUL_STATIONS, UIK_STRING, "stations", nullptr},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, UIK_RING, "scopes", nullptr},
+    {PANEL_SIMULATOR, SIMUL_DROP, UIK_NUMBER, "drop", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT, UIK_NUMBER, "corrupt", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_REPEAT, UIK_NUMBER, "repeat", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_REFUSE, UIK_NUMBER, "refuse", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_DELAY, UIK_NUMBER, "delay", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_DROP_TEXT, UIK_TEXT, "dropText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT_TEXT, UIK_TEXT, "corruptText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_REPEAT_TEXT, UIK_TEXT, "repeatText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_REFUSE_TEXT, UIK_TEXT, "refuseText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_DELAY_TEXT, UIK_TEXT, "delayText", nullptr},
+    {PANEL_SIMULATOR, SIMUL_SILENT, UIK_SWITCH, "silent", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_ECHO, UIK_SWITCH, "echo", TGW_FaultCB},
+    {PANEL_SIMULATOR, SIMUL_NO_FAULTS, UIK_BUTTON, "noFaults", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_LOG, UIK_LIST, "log", nullptr},
+    {PANEL_SIMULATOR, SIMUL_COPY, UIK_BUTTON, "copy", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_CLEAR, UIK_BUTTON, "clear", TGW_ButtonCB},
+    {PANEL_SIMULATOR, SIMUL_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_SIMULATOR, SIMUL_TIMER, UIK_TIMER, "timer", TGW_TimerCB},
 
     {PANEL_SCOPE, SCOPE_ID, UIK_STRING, "scopeId", nullptr},
     {PANEL_SCOPE, SCOPE_INIT, UIK_BUTTON, "init", DTSC_OnInit},

@@ -25,6 +25,9 @@ enum {
     PANEL_LOADER = 30,      // flash loader
     PANEL_ARRAY = 39,       // array inspector
     PANEL_RECORD = 40,      // record inspector
+    PANEL_ARRAY_MORE = 42,  // nine more windows of each, to 50
+    PANEL_RECORD_MORE = 51, // to 59
+    PANEL_LCD = 41,         // LCD and keyboard terminal
     PANEL_DATA_LOG = 31,    // the data logger's log
 };
 
@@ -295,6 +298,7 @@ enum {
     ARRAY_NEXT = 10,
     ARRAY_MESSAGE = 11,
     ARRAY_TIMER = 12,
+    ARRAY_SLICE = 13,       // indices of the dimensions in front of the last two
 };
 
 // Record inspector.
@@ -305,6 +309,36 @@ enum {
     RECORD_ADD = 4,
     RECORD_MESSAGE = 5,
     RECORD_TIMER = 6,
+};
+
+// Simulator.
+enum {
+    SIMUL_START = 1,        // or stop
+    SIMUL_CONNECT = 2,      // or disconnect
+    SIMUL_STATE = 3,
+    SIMUL_PROGRAM = 4,      // value = TGT_Program
+    SIMUL_PROTOCOL = 5,
+    SIMUL_BAUD = 6,         // 0 = as fast as the machine
+    SIMUL_STATIONS = 7,
+    SIMUL_SCOPES = 8,
+    SIMUL_DROP = 9,         // percent, as the next three
+    SIMUL_CORRUPT = 10,
+    SIMUL_REPEAT = 11,
+    SIMUL_REFUSE = 12,
+    SIMUL_DELAY = 13,       // ms
+    SIMUL_DROP_TEXT = 14,   // the values in words, in the same order
+    SIMUL_CORRUPT_TEXT = 15,
+    SIMUL_REPEAT_TEXT = 16,
+    SIMUL_REFUSE_TEXT = 17,
+    SIMUL_DELAY_TEXT = 18,
+    SIMUL_SILENT = 19,
+    SIMUL_ECHO = 20,
+    SIMUL_NO_FAULTS = 21,
+    SIMUL_LOG = 22,
+    SIMUL_COPY = 23,
+    SIMUL_CLEAR = 24,
+    SIMUL_MESSAGE = 25,
+    SIMUL_TIMER = 26,
 };
 
 // Device configuration.
@@ -365,6 +399,49 @@ enum {
     DEBUG_TIMER = 15,
 };
 
+// Service terminal.
+enum {
+    TERM_SCREEN = 1,        // what the target writes; keys go to it
+    TERM_LINE = 2,          // a line to be sent by Enter
+    TERM_PLACE = 3,         // name or address of the block
+    TERM_STATION = 4,       // -1 = the program's
+    TERM_PAGE = 5,          // code page, CPT_...
+    TERM_ENDING = 6,        // 0 CR, 1 LF, 2 CR LF, 3 none
+    TERM_ECHO = 7,
+    TERM_LOG = 8,
+    TERM_CLEAR = 9,
+    TERM_COPY = 10,
+    TERM_PASTE = 11,        // opens the entry panel
+    TERM_STATE = 12,
+    TERM_MESSAGE = 13,
+};
+
+// Entry of a longer text for it.
+enum {
+    ENTRY_TEXT = 1,
+    ENTRY_PASTE = 2,
+    ENTRY_FILE = 3,
+    ENTRY_SEND = 4,
+    ENTRY_STOP = 5,
+    ENTRY_STATE = 6,
+    ENTRY_BAR = 7,
+    ENTRY_CLOSE = 8,
+};
+
+// LCD and keyboard terminal.
+enum {
+    LCD_SCREEN = 1,         // LCT_Format's text
+    LCD_PLACE = 2,
+    LCD_STATION = 3,        // -1 = the program's
+    LCD_PAGE = 4,           // code page; -1 = the target's
+    LCD_COPY = 5,
+    LCD_STATE = 6,
+    LCD_MESSAGE = 7,
+    LCD_TIMER = 8,
+    LCD_KEY_FIRST = 20,     // buttons in the order of the target's keys
+    LCD_KEY_LAST = 43,
+};
+
 // Menus (bar and submenus).
 enum {
     MENU_FILE = 2,
@@ -420,6 +497,7 @@ enum {
     ITEM_CONSOLE_VIEW = 75,
     ITEM_STATISTICS = 76,
     ITEM_TERMINAL = 77,
+    ITEM_LCD = 190,
     ITEM_SCOPE = 78,
     ITEM_GRAPH = 150,
     ITEM_CONFIG = 79,

@@ -36,6 +36,21 @@ const UI_RingEntry UI_aRingEntries[] = {
     {PANEL_SCOPE, SCOPE_EDGE, "Rising", 0},
     {PANEL_SCOPE, SCOPE_EDGE, "Falling", 1},
     {PANEL_SCOPE, SCOPE_EDGE, "Free run", 2},
+    {PANEL_SIMULATOR, SIMUL_PROGRAM, "Demo", 0},
+    {PANEL_SIMULATOR, SIMUL_PROGRAM, "Empty memory", 1},
+    {PANEL_SIMULATOR, SIMUL_PROGRAM, "Boot-strap loader", 2},
+    {PANEL_SIMULATOR, SIMUL_PROTOCOL, "mr166", 1},
+    {PANEL_SIMULATOR, SIMUL_PROTOCOL, "Modbus RTU", 2},
+    {PANEL_SIMULATOR, SIMUL_BAUD, "as fast as it goes", 0},
+    {PANEL_SIMULATOR, SIMUL_BAUD, "9600 baud", 9600},
+    {PANEL_SIMULATOR, SIMUL_BAUD, "19200 baud", 19200},
+    {PANEL_SIMULATOR, SIMUL_BAUD, "57600 baud", 57600},
+    {PANEL_SIMULATOR, SIMUL_BAUD, "115200 baud", 115200},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, "All scopes", 0},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, "No scope", 1},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, "Scope 2", 2},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, "Scope 3", 3},
+    {PANEL_SIMULATOR, SIMUL_SCOPES, "Scope 3 of a C166", 4},
     {PANEL_SCOPE, SCOPE_SHOWN, "Curves", -1},
     {PANEL_SCOPE, SCOPE_TYPE, "i1   signed byte", 0},
     {PANEL_SCOPE, SCOPE_TYPE, "u1   unsigned byte", 3},
@@ -51,9 +66,17 @@ const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 const UI_Number UI_aNumbers[] = {
     {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},  {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
     {PANEL_CONNECT, CONNECT_STATION, 0, 250, 1}, {PANEL_SCOPE, SCOPE_POSITION, 0, 100, 50},
-    {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},
+    {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},       {PANEL_SIMULATOR, SIMUL_DROP, 0, 100, 0},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT, 0, 100, 0}, {PANEL_SIMULATOR, SIMUL_REPEAT, 0, 100, 0},
+    {PANEL_SIMULATOR, SIMUL_REFUSE, 0, 100, 0},  {PANEL_SIMULATOR, SIMUL_DELAY, 0, 2000, 0},
 };
 const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
+
+// Of the inspectors' windows: another slice; close and open a line.
+#define ARRAY_KEYS(panel)                                                                          \
+    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, ARRAY_SLICE, KEY_UP, KEY_DOWN, true}
+#define RECORD_KEYS(panel)                                                                         \
+    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true}
 
 const UI_KeyRow UI_aKeys[] = {
     {PANEL_MAIN, 0, KEY_F1, KEY_F1, true},
@@ -88,13 +111,45 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
 
-    {PANEL_ARRAY, 0, KEY_ESC, KEY_ESC, true},
-    {PANEL_RECORD, 0, KEY_ESC, KEY_ESC, true},
-    {PANEL_RECORD, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true}, // close, open
+    ARRAY_KEYS(PANEL_ARRAY),
+    ARRAY_KEYS(PANEL_ARRAY_MORE),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 1),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 2),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 3),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 4),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 5),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 6),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 7),
+    ARRAY_KEYS(PANEL_ARRAY_MORE + 8),
+    RECORD_KEYS(PANEL_RECORD),
+    RECORD_KEYS(PANEL_RECORD_MORE),
+    RECORD_KEYS(PANEL_RECORD_MORE + 1),
+    RECORD_KEYS(PANEL_RECORD_MORE + 2),
+    RECORD_KEYS(PANEL_RECORD_MORE + 3),
+    RECORD_KEYS(PANEL_RECORD_MORE + 4),
+    RECORD_KEYS(PANEL_RECORD_MORE + 5),
+    RECORD_KEYS(PANEL_RECORD_MORE + 6),
+    RECORD_KEYS(PANEL_RECORD_MORE + 7),
+    RECORD_KEYS(PANEL_RECORD_MORE + 8),
+
+    {PANEL_SIMULATOR, 0, KEY_ESC, KEY_ESC, true},
 
     {PANEL_DEBUGGER, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DEBUGGER, DEBUG_CODE, KEY_LEFT, KEY_RIGHT, true}, // back, into a jump
     {PANEL_DEBUGGER, DEBUG_CODE, KEY_BACKSPACE, KEY_BACKSPACE, true},
+
+    {PANEL_TERMINAL_ENTRY, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_TERMINAL, TERM_SCREEN, ' ', '~', true}, // keys are the target's
+    {PANEL_TERMINAL, TERM_SCREEN, KEY_ENTER, KEY_ESC, true},
+    {PANEL_TERMINAL, TERM_SCREEN, KEY_BACKSPACE, KEY_BACKSPACE, true},
+
+    {PANEL_LCD, LCD_SCREEN, '0', '9', true},
+    {PANEL_LCD, LCD_SCREEN, '+', '+', true},
+    {PANEL_LCD, LCD_SCREEN, '-', '.', true},
+    {PANEL_LCD, LCD_SCREEN, KEY_ENTER, KEY_ESC, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_UP, KEY_RIGHT, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_BACKSPACE, KEY_BACKSPACE, true},
+    {PANEL_LCD, LCD_SCREEN, KEY_F1, KEY_F1 + 3, true},
 
     {PANEL_DATA_LOG, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_DATA_LOG, 0, KEY_CTRL | '1', KEY_CTRL | '4', true}, // sort, again: the other way

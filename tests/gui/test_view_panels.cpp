@@ -254,6 +254,8 @@ TEST_F(ViewTest, EveryPanelFitsTheSmallestScreenWithoutCuttingItsTextsOff)
 {
     for (int i = 0; i < UI_cnPanels; i++) {
         PanelWindow *window = GuiWindow(UI_aPanels[i].panel);
+        if (window == nullptr)
+            continue; // of a layout that was seen
         const QSize least = window->minimumSizeHint().expandedTo(window->minimumSize());
         EXPECT_LE(least.width(), SMALLEST_SCREEN.width()) << UI_aPanels[i].name;
         EXPECT_LE(least.height(), SMALLEST_SCREEN.height()) << UI_aPanels[i].name;

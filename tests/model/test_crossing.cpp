@@ -446,6 +446,25 @@ TEST_F(Crossing, AMenuItemAlreadyInTheStateThatWasWishedIsLeftAlone)
     EXPECT_EQ(heard, (Texts{"off", "on"}));
 }
 
+TEST_F(Crossing, DeferredCallsOfAnotherThreadComeBetweenCallbacks)
+{
+    static size_t called, calledInside;
+    called = 0;
+    program.onControl = [](int, int, int) {
+        std::thread([] {
+            for (size_t i = 0; i < VIEW_EVENTS_MAX + 50; i++) // none is refused
+                PostDeferredCall([] { called++; });
+        }).join();
+        IsBreakWished();
+        calledInside = called;
+        return 0;
+    };
+    VIEW_Post(Event(BUTTON, EVENT_COMMIT));
+    HandleAll();
+    EXPECT_EQ(0u, calledInside);
+    EXPECT_EQ(VIEW_EVENTS_MAX + 50, called);
+}
+
 TEST_F(Crossing, UrgentWishesAreSeenAtOnce)
 {
     static int box = 0;

@@ -7,8 +7,10 @@
 #include "comm/trace.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
+#include "inspect/inspectors.h"
 #include "logger/dlld_record.h"
 #include "sets/window.h"
+#include "simulator/target.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
 #include "watch/list/debug_file.h"
@@ -20,6 +22,8 @@
 
 void ResetProgram()
 {
+    INS_Free();
+    TGT_Stop();
     // The line: closed, with the usual patience.
     UCM_Close();
     MrASC_Close();

@@ -17,6 +17,7 @@
 #include "runtime/view.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
+#include "terminal/talk.h"
 
 namespace {
 
@@ -82,6 +83,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     HL_ShowProgress(LNE_IsErrorTerminal());
     HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
+    TLK_isWithoutWindow = true;
     Option_Echo = options.isEcho ? 1 : 0;
     VR_isEchoOnce = options.isEcho;
     CPG_SetOptions(options);

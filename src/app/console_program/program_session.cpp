@@ -1,6 +1,5 @@
 // A HEX file into the target's flash from a command line: what is in it, how far it is and
 // how it ended, all on standard error; the exit code says whether the flash holds the file.
-#include <csignal>
 #include <cstdio>
 
 #include "app/console_program/lineedit.h"
@@ -15,14 +14,6 @@ constexpr int IDLE_RESUMES_MAX = 3;       // attempts that bring nothing new
 constexpr uint32_t LOG_STEP_PERCENT = 10; // where nobody watches a line that moves
 
 CPG_Options options;
-volatile std::sig_atomic_t isInterrupted = 0;
-
-// Stops between two blocks. A second signal ends the program where it stands.
-void OnSignal(int signal)
-{
-    isInterrupted = 1;
-    std::signal(signal, SIG_DFL);
-}
 
 struct Screen {
     const LDR_Job *job = nullptr;
@@ -44,7 +35,7 @@ bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
     const auto percent = static_cast<uint32_t>(total > 0 ? uint64_t{100} * done / total : 0);
     const uint32_t step = screen->isTerminal ? 1 : LOG_STEP_PERCENT;
     if (percent / step == screen->shown && total > 0)
-        return isInterrupted != 0;
+        return IsBreakWished();
     screen->shown = percent / step;
     const LDR_Job &job = *screen->job;
     if (screen->isTerminal)
@@ -57,7 +48,7 @@ bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
     std::fputs(screen->isTerminal ? "        " : "\n", stderr);
     std::fflush(stderr);
     screen->isLineOpen = screen->isTerminal;
-    return isInterrupted != 0;
+    return IsBreakWished();
 }
 
 void ShowLog(void *context, const char *line)
@@ -82,7 +73,7 @@ void ShowFile(const HEX_File &file)
 bool IsGoingOn(const LDR_Job &job, size_t before, int *idle)
 {
     *idle = job.verified + job.written > before ? 0 : *idle + 1;
-    if (isInterrupted != 0 || !LDR_CanResume(job) || *idle > IDLE_RESUMES_MAX)
+    if (IsBreakWished() || !LDR_CanResume(job) || *idle > IDLE_RESUMES_MAX)
         return false;
     return ConfirmPopup("Program", "Go on behind the last verified block?") == 1;
 }
@@ -117,8 +108,6 @@ void CPG_SetProgramOptions(const CPG_Options &newOptions)
 
 int CPG_RunProgram()
 {
-    std::signal(SIGINT, OnSignal);
-    std::signal(SIGTERM, OnSignal);
     LDR_Job job;
     job.isErase = !options.isNoErase;
     job.isVerify = !options.isNoVerify;

@@ -26,7 +26,9 @@ namespace {
 constexpr int PROTOCOL_VERSION = 1;
 constexpr size_t WATCHES_MAX = 8;
 constexpr int PERIOD_MIN_MS = 10, PERIOD_MAX_MS = 3600000;
-constexpr unsigned IDLE_MS = 50; // how soon a signal is noticed while no request comes
+constexpr unsigned IDLE_MS = 50;      // how soon a signal is noticed while no request comes
+constexpr size_t READS_HELD_MAX = 32; // requests with one proof behind them,
+constexpr uint32_t HELD_MAX_MS = 20;  // and how long the first of them waits for the others
 
 struct Watch {
     SRV_Json id;
@@ -35,18 +37,36 @@ struct Watch {
     uint32_t dueMs = 0; // tick of the next reading
 };
 std::vector<Watch> watches;
+
+// A request to read that waits for its proof: clients that send several at once share one.
+struct HeldRead {
+    SRV_Json id;
+    std::vector<int> items;
+};
+std::vector<HeldRead> heldReads;
+uint32_t heldSinceMs = 0;
 uint32_t startMs = 0;
 bool isOutputLost = false;
 bool isEnded = false;
 
-void Send(const SRV_Json &message)
+void WriteLine(const SRV_Json &message)
 {
     // Names and texts of a target need not be UTF-8.
     const std::string line =
         message.dump(-1, ' ', false, SRV_Json::error_handler_t::replace) + "\n";
     std::fwrite(line.data(), 1, line.size(), stdout);
+}
+
+void Flush()
+{
     if (std::fflush(stdout) != 0)
         isOutputLost = true;
+}
+
+void Send(const SRV_Json &message)
+{
+    WriteLine(message);
+    Flush();
 }
 
 // The link, open while a request or a watch reads.
@@ -58,6 +78,35 @@ bool HoldLink(SRV_Json *error)
         return true;
     *error = SRV_Error("port", UCM_PortName(ncom) + " cannot be opened: " + UCM_LastErrorText());
     return false;
+}
+
+SRV_Json DescribeValues(const std::vector<int> &items)
+{
+    SRV_Json values = SRV_Json::array();
+    for (const int index : items)
+        values.push_back(SRV_DescribeValue(index));
+    return values;
+}
+
+// Proves and answers what was read, in the order of the requests.
+void AnswerHeldReads()
+{
+    if (heldReads.empty())
+        return;
+    RDI_Prove();
+    CON_ReleaseLink();
+    for (const HeldRead &held : heldReads)
+        WriteLine({{"id", held.id}, {"ok", true}, {"values", DescribeValues(held.items)}});
+    Flush();
+    heldReads.clear();
+}
+
+SRV_Json ReadItems(const std::vector<int> &items)
+{
+    for (const int index : items)
+        readValues(index);
+    RDI_Prove();
+    return DescribeValues(items);
 }
 
 // Places of "item" or of "items"; false with *error.
@@ -72,25 +121,16 @@ bool FindItems(const SRV_Json &request, std::vector<int> *items, SRV_Json *error
     }
     // All before any: giving up places would move those that were found already.
     const bool isRoomShort = nLItems + static_cast<int>(wanted.size()) > LITEMS_MAX;
-    if (isRoomShort && watches.empty())
+    if (isRoomShort && watches.empty()) {
+        AnswerHeldReads();
         SRV_ForgetItems();
+    }
     for (const SRV_Json &item : wanted) {
         items->push_back(SRV_FindItem(item, true, error));
         if (items->back() < 0)
             return false;
     }
     return true;
-}
-
-SRV_Json ReadItems(const std::vector<int> &items)
-{
-    for (const int index : items)
-        readValues(index);
-    RDI_Prove();
-    SRV_Json values = SRV_Json::array();
-    for (const int index : items)
-        values.push_back(SRV_DescribeValue(index));
-    return values;
 }
 
 // --- requests: false with *error, else the answer's own members in *answer ----------------
@@ -111,13 +151,18 @@ bool Resolve(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
     return true;
 }
 
-bool Read(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
+bool Read(const SRV_Json &request, SRV_Json *, SRV_Json *error)
 {
-    std::vector<int> items;
-    if (!FindItems(request, &items, error) || !HoldLink(error))
+    HeldRead held;
+    if (!FindItems(request, &held.items, error) || (heldReads.empty() && !HoldLink(error)))
         return false;
-    (*answer)["values"] = ReadItems(items);
-    CON_ReleaseLink();
+    for (const int index : held.items)
+        readValues(index);
+    heldSinceMs = heldReads.empty() ? PLT_TickMs() : heldSinceMs;
+    held.id = request.value("id", SRV_Json());
+    heldReads.push_back(held);
+    if (heldReads.size() == READS_HELD_MAX || PLT_TickMs() - heldSinceMs >= HELD_MAX_MS)
+        AnswerHeldReads();
     return true;
 }
 
@@ -238,10 +283,15 @@ void Answer(const std::string &line)
     else {
         const SRV_Json wanted = request.value("op", SRV_Json());
         error = SRV_Error("unknown-op", "no such op");
+        if (wanted != "read")
+            AnswerHeldReads();
         for (const Operation &operation : OPERATIONS)
             if (wanted == operation.name)
                 isGood = operation.run(request, &members, &error);
+        if (isGood && wanted == "read")
+            return; // answered with its proof
     }
+    AnswerHeldReads(); // in the order of the requests
     SRV_Json answer = {{"id", request.is_object() ? request.value("id", SRV_Json()) : SRV_Json()},
                        {"ok", isGood}};
     answer.update(members);
@@ -252,6 +302,7 @@ void Answer(const std::string &line)
 
 void RunWatch(Watch *watch)
 {
+    AnswerHeldReads();
     SRV_Json event = {{"event", "values"}, {"watch", watch->id}};
     SRV_Json error;
     if (HoldLink(&error)) {
@@ -294,7 +345,10 @@ int CPG_RunServe()
     int kind = SRI_NONE;
     while (!HL_IsQuit() && !isEnded && !isOutputLost && kind != SRI_END) {
         ProcessSystemEvents();
-        kind = SRI_Next(RunDueWatches(), &line);
+        const unsigned wait = RunDueWatches();
+        kind = SRI_Next(heldReads.empty() ? wait : 0, &line);
+        if (kind != SRI_LINE)
+            AnswerHeldReads();
         if (kind == SRI_LINE)
             Answer(line);
         else if (kind == SRI_TOO_LONG)
@@ -302,6 +356,7 @@ int CPG_RunServe()
                   {"ok", false},
                   {"error", SRV_Error("too-long", "a request has at most 65536 bytes")}});
     }
+    AnswerHeldReads();
     CON_EndScript();
     SRV_ForgetItems();
     CON_nFailed = 0; // each has been answered for

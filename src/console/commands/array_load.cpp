@@ -68,11 +68,6 @@ LineFault ReadValues(DataFile *file, const ArrayType &type, uint32_t count,
     return LINE_GOOD;
 }
 
-int FailOpen(const char *label, const char *fileName)
-{
-    return SCR_Fail(CON_Format("%s: Nelze otevrit soubor %s pro cteni.", label, fileName));
-}
-
 int WriteValues(const char *label, uint32_t address, const std::vector<uint8_t> &bytes)
 {
     const TransferPlan plan = {address, static_cast<uint32_t>(bytes.size()), WRITE_BLOCK_BYTES,
@@ -222,7 +217,8 @@ int LoadArray(ScrPar *par, const char *command, int fileAt, LoadStep load)
     DataFile file;
     file.handle = TXFR_Open(par[fileAt].text);
     if (file.handle < 0)
-        return FailOpen(command, par[fileAt].text);
+        return SCR_Fail(
+            CON_Format("%s: Nelze otevrit soubor %s pro cteni.", command, par[fileAt].text));
     const int result = load(&file, par, &request);
     TXFR_Close(file.handle);
     return result;

@@ -23,20 +23,15 @@ int FailTransfer(const TransferReport &report, const char *label)
 
 // --- save -----------------------------------------------------------------------------------
 
-// Counted in 16 bits: an array of 64 KiB and more wraps.
-uint32_t CountSaveBytes(const ArrayRequest &request)
-{
-    return static_cast<uint16_t>(request.count * request.type->size);
-}
-
 TransferReport SaveElements(const ArrayRequest &request, std::FILE *file)
 {
     const ArrayType &type = *request.type;
-    const TransferPlan plan = {request.address, CountSaveBytes(request), SAVE_BLOCK_BYTES,
-                               TRF_METER_ARRAY};
-    return TRF_Read(plan, [&](uint32_t, const uint8_t *bytes, uint32_t count) {
+    // Counted in 16 bits: an array of 64 KiB and more wraps.
+    const auto bytes = static_cast<uint16_t>(request.count * type.size);
+    const TransferPlan plan = {request.address, bytes, SAVE_BLOCK_BYTES, TRF_METER_ARRAY};
+    return TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t count) {
         for (uint32_t i = 0; i + type.size <= count; i += type.size)
-            SAF_PutText(file, ARR_FormatElement(type, bytes + i));
+            SAF_PutText(file, ARR_FormatElement(type, block + i));
         return true;
     });
 }

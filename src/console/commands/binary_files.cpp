@@ -37,11 +37,6 @@ int FailTransfer(const TransferReport &report, const char *label)
     return SCR_Fail(CON_Format("%s: %s", label, text.c_str()));
 }
 
-bool PutBytes(std::FILE *file, const uint8_t *bytes, uint32_t count)
-{
-    return std::fwrite(bytes, 1, count, file) == count;
-}
-
 // Lines end where the address is a multiple of 16, so that only the first and the last
 // may be short.
 bool PutHex(std::FILE *file, uint32_t start, uint32_t address, const uint8_t *bytes, uint32_t count)
@@ -61,7 +56,7 @@ typedef bool (*BlockWriter)(std::FILE *file, uint32_t start, uint32_t address, c
 
 bool PutRaw(std::FILE *file, uint32_t, uint32_t, const uint8_t *bytes, uint32_t count)
 {
-    return PutBytes(file, bytes, count);
+    return std::fwrite(bytes, 1, count, file) == count;
 }
 
 int SaveMemory(const ArrayRequest &request, const char *fileName, const char *label,

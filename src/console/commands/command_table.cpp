@@ -46,7 +46,7 @@ const ScrRow SCR_aTable[] = {
     // These do not.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},
-    {nullptr, "term166", {}},
+    {SCR_Term166, "term166", {PAR_EXTERN}}, // [text]
     {SCR_Station, "station", {BYTE}},
     {SCR_Procesor, "procesor", {COUNT}},
     {SCR_ListVars, "listvars", {TEXT}},

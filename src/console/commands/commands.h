@@ -22,6 +22,7 @@ int SCR_BinLoad(ScrPar *par);
 // The target's code, and the names of its addresses.
 int SCR_Dis(ScrPar *par);
 int SCR_Addr2Name(ScrPar *par);
+int SCR_Term166(ScrPar *par);
 // The data logger.
 int ScrFnGetLog(ScrPar *par);
 int ScrFnSaveLog(ScrPar *par);

@@ -56,12 +56,6 @@ bool IsStopped(Meter *meter, uint32_t at)
     return IsBreakWished();
 }
 
-void CloseMeter(const Meter &meter)
-{
-    if (meter.dialog > 0)
-        DiscardProgressDialog(meter.dialog);
-}
-
 // One stretch from `at` on. What stands in front of a failure is handed over as well.
 void MoveStretch(const TransferSteps &steps, Meter *meter, uint32_t at, uint32_t count,
                  TransferReport *report)
@@ -95,7 +89,8 @@ TransferReport TRF_Run(const TransferSteps &steps)
     for (uint32_t at = 0; at < steps.count && report.result == TRANSFER_DONE;
          at += steps.perStretch)
         MoveStretch(steps, &meter, at, std::min(steps.perStretch, steps.count - at), &report);
-    CloseMeter(meter);
+    if (meter.dialog > 0)
+        DiscardProgressDialog(meter.dialog);
     return report;
 }
 

@@ -113,13 +113,6 @@ void RunInMode(int panel, const std::string &line)
     }
 }
 
-void LeaveMonitor()
-{
-    SCR_isExit = false;
-    CON_isExit = true;
-    MWN_ShowView(ITEM_WATCH_VIEW);
-}
-
 int EnterLine(int panel, int control)
 {
     static bool isRunning = false; // a pop-up of a running line must not start another
@@ -136,8 +129,11 @@ int EnterLine(int panel, int control)
     RunInMode(panel, line);
     CON_ScrollToEnd();
     isRunning = false;
-    if (SCR_isExit)
-        LeaveMonitor();
+    if (SCR_isExit) { // "exit" closes this view in the window, and the console program
+        SCR_isExit = false;
+        CON_isExit = true;
+        MWN_ShowView(ITEM_WATCH_VIEW);
+    }
     return 0;
 }
 
@@ -149,12 +145,6 @@ void BrowseHistory(int key)
         ShowOlder();
     else
         ShowNewer();
-}
-
-void ClearField()
-{
-    SetField("");
-    iOldCmd2 = iOldCmd;
 }
 
 // Replaces the word by what all candidates have in common; several are listed.
@@ -175,7 +165,8 @@ struct KeyAction {
 
 void HandleEscape(int, int, int)
 {
-    ClearField();
+    SetField("");
+    iOldCmd2 = iOldCmd; // browsing begins at the newest line again
 }
 
 void HandleArrow(int, int, int key)

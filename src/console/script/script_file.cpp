@@ -71,43 +71,26 @@ bool SkipToLabel(Script *script, const std::string &label)
     return false;
 }
 
-bool IsGoto(const std::string &line)
-{
-    return line.compare(0, 4, "goto") == 0 && line.size() > 4 && CON_IsBlank(line[4]);
-}
-
-std::string GetGotoLabel(const std::string &line)
-{
-    const char *cursor = CON_SkipBlanks(line.c_str() + 4);
-    return std::string(cursor, CON_NameLength(cursor));
-}
-
-bool IsComment(const std::string &line)
-{
-    return line.empty() || line[0] == ';';
-}
-
-int RunLine(const Script &script, int panel)
-{
-    if (!script.isTooLong)
-        return RunMonitor(panel, script.line.c_str());
-    CON_RefuseLongLine();
-    return -1;
-}
-
 // False when the script ends here with an error.
 bool ExecuteLine(Script *script, int panel)
 {
-    if (IsComment(script->line))
+    const std::string &text = script->line;
+    if (text.empty() || text[0] == ';')
         return true;
-    if (IsGoto(script->line)) {
-        const std::string label = GetGotoLabel(script->line);
+    if (text.size() > 4 && text.compare(0, 4, "goto") == 0 && CON_IsBlank(text[4])) {
+        const char *cursor = CON_SkipBlanks(text.c_str() + 4);
+        const std::string label(cursor, CON_NameLength(cursor));
         return !label.empty() && SkipToLabel(script, label);
     }
-    if (!GetLabel(script->line).empty())
+    if (!GetLabel(text).empty())
         return true;
+    int result = -1;
+    if (script->isTooLong)
+        CON_RefuseLongLine();
+    else
+        result = RunMonitor(panel, text.c_str());
     // A line that was broken off has not failed: nothing of the script runs behind it.
-    return RunLine(*script, panel) >= 0 || (!IsBreakWished() && SkipToLabel(script, "OnError"));
+    return result >= 0 || (!IsBreakWished() && SkipToLabel(script, "OnError"));
 }
 
 // A command that asks the user leaves its jump here; false when the label is not found.
@@ -146,13 +129,6 @@ int RunScript(Script *script, int panel)
     return 0;
 }
 
-// The name as given first: a script may well have another extension.
-int OpenScript(const std::string &fileName)
-{
-    const int file = TXFR_Open(fileName.c_str());
-    return file >= 0 ? file : TXFR_Open((fileName + ".scr").c_str());
-}
-
 } // namespace
 
 int ExecMonScript(const char *fileName, int panel)
@@ -162,7 +138,10 @@ int ExecMonScript(const char *fileName, int panel)
         return SCRIPT_NOT_OPENED;
     }
     Script script;
-    script.file = OpenScript(fileName);
+    // The name as given first: a script may well have another extension.
+    script.file = TXFR_Open(fileName);
+    if (script.file < 0)
+        script.file = TXFR_Open((std::string(fileName) + ".scr").c_str());
     if (script.file < 0)
         return SCRIPT_NOT_OPENED;
     SCR_bGotoCmd = false;

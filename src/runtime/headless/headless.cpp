@@ -162,10 +162,12 @@ Answer FindAnswer(const VIEW_Question &question)
 
 void OnQuestion(const VIEW_Question &question)
 {
-    headless.popups.push_back(question.title + ": " + question.message);
-    if (question.kind != VIEW_FILE)
+    const bool isClipboard = question.kind == VIEW_CLIPBOARD;
+    if (!isClipboard)
+        headless.popups.push_back(question.title + ": " + question.message);
+    if (question.kind != VIEW_FILE && !isClipboard)
         PrintForPerson(question.title + ": " + question.message + "\n");
-    const Answer answer = FindAnswer(question);
+    const Answer answer = isClipboard ? Answer{1, headless.clipboard} : FindAnswer(question);
     VIEW_Event event;
     event.kind = VIEW_EVENT_ANSWER;
     event.id = question.id;

@@ -301,7 +301,9 @@ int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments)
 int SetActiveCtrl(int panel, int control)
 {
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (IsKind(*c, {UIK_LED, UIK_TEXT, UIK_BAR, UIK_TIMER, UIK_DECOR}))
+        // A text takes keys only where somebody wants them.
+        if (IsKind(*c, {UIK_LED, UIK_BAR, UIK_TIMER, UIK_DECOR}) ||
+            (c->row->kind == UIK_TEXT && c->row->callback == nullptr))
             return UIE_BAD_TYPE;
         int error = 0;
         MDL_SetFocus(panel, control);

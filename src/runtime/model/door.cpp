@@ -219,7 +219,8 @@ bool IsSame(const VIEW_Event &one, const VIEW_Event &other)
 // What says where things stand must arrive, or the two sides would differ from then on.
 bool MustPass(const VIEW_Event &event)
 {
-    return IsState(event) || event.kind == VIEW_EVENT_ANSWER || IsUrgent(event);
+    return IsState(event) || event.kind == VIEW_EVENT_ANSWER || event.kind == VIEW_EVENT_CALL ||
+           IsUrgent(event);
 }
 
 // The clicks of one who thinks the first was not seen are one wish.

@@ -258,6 +258,14 @@ int HandleEnd()
     return 0;
 }
 
+int HandleCall(const VIEW_Event &event)
+{
+    MDL_BeginCall();
+    event.call();
+    MDL_EndCall();
+    return 0;
+}
+
 int HandleEvent(const VIEW_Event &event)
 {
     if (ApplyQuiet(event))
@@ -271,6 +279,8 @@ int HandleEvent(const VIEW_Event &event)
         return HandleMenu(event);
     case VIEW_EVENT_END:
         return HandleEnd();
+    case VIEW_EVENT_CALL:
+        return HandleCall(event);
     default:
         return 0;
     }

@@ -143,6 +143,15 @@ int SetEndCallback(void (*callback)())
     return 0;
 }
 
+int PostDeferredCall(void (*callback)())
+{
+    VIEW_Event event;
+    event.kind = VIEW_EVENT_CALL;
+    event.call = callback;
+    VIEW_Post(event);
+    return 0;
+}
+
 int MDL_FireTimer(MDL_Control *timer)
 {
     if (timer->row->kind != UIK_TIMER || !timer->row->callback)

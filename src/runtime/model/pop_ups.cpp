@@ -236,6 +236,11 @@ int Beep()
     return 0;
 }
 
+int ClipboardGetText(std::string *text)
+{
+    return Ask(MakeQuestion(VIEW_CLIPBOARD, "", ""), text) == 1 ? 0 : -1;
+}
+
 int ClipboardPutText(const std::string &text)
 {
     MDL_State &state = MDL_GetState();

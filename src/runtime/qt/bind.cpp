@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSlider>
 #include <QSpinBox>
 #include <cstdio>
 
@@ -33,8 +34,8 @@ const ClassRow CLASS_ROWS[] = {
     {UIK_STRING, &QLineEdit::staticMetaObject},      {UIK_NUMBER, &QSpinBox::staticMetaObject},
     {UIK_NUMBER, &QDoubleSpinBox::staticMetaObject}, {UIK_RING, &QComboBox::staticMetaObject},
     {UIK_LIST, &LineList::staticMetaObject},         {UIK_TEXTBOX, &TextBox::staticMetaObject},
-    {UIK_BAR, &SegmentBar::staticMetaObject},        {UIK_GRAPH, &PlotWidget::staticMetaObject},
-    {UIK_DECOR, &QWidget::staticMetaObject},
+    {UIK_NUMBER, &QSlider::staticMetaObject},        {UIK_BAR, &SegmentBar::staticMetaObject},
+    {UIK_GRAPH, &PlotWidget::staticMetaObject},      {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
 bool IsOfKind(const QWidget *widget, UI_Kind kind)
@@ -54,6 +55,9 @@ void FillValue(const QTV_Control &control, VIEW_Event *event)
     } else if (auto *whole = qobject_cast<QSpinBox *>(widget)) {
         event->value = whole->value();
         event->number = whole->value();
+    } else if (auto *slider = qobject_cast<QSlider *>(widget)) {
+        event->value = slider->value();
+        event->number = slider->value();
     } else if (auto *real = qobject_cast<QDoubleSpinBox *>(widget)) {
         event->number = real->value();
     } else if (auto *field = qobject_cast<QLineEdit *>(widget)) {
@@ -100,6 +104,8 @@ void ConnectNumber(QTV_Control *control)
     QWidget *widget = control->widget;
     if (auto *whole = qobject_cast<QSpinBox *>(widget))
         QObject::connect(whole, &QSpinBox::valueChanged, Reporter(control, EVENT_VAL_CHANGED));
+    if (auto *slider = qobject_cast<QSlider *>(widget))
+        QObject::connect(slider, &QSlider::valueChanged, Reporter(control, EVENT_VAL_CHANGED));
     if (auto *real = qobject_cast<QDoubleSpinBox *>(widget))
         QObject::connect(real, &QDoubleSpinBox::valueChanged, Reporter(control, EVENT_VAL_CHANGED));
     if (auto *field = widget->findChild<QLineEdit *>())

@@ -9,6 +9,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QSlider>
 #include <QSpinBox>
 #include <cmath>
 
@@ -28,6 +29,8 @@ void DrawNumber(QWidget *widget, double value)
     const QSignalBlocker quiet(widget);
     if (auto *whole = qobject_cast<QSpinBox *>(widget))
         whole->setValue(static_cast<int>(std::lround(value)));
+    else if (auto *slider = qobject_cast<QSlider *>(widget))
+        slider->setValue(static_cast<int>(std::lround(value)));
     else if (auto *real = qobject_cast<QDoubleSpinBox *>(widget))
         real->setValue(value);
 }

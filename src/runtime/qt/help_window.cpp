@@ -252,8 +252,13 @@ private:
                     continue;
                 const QVariant found =
                     m_text->loadResource(QTextDocument::ImageResource, picture.name());
-                const int width = QImage::fromData(found.toByteArray()).width();
-                picture.setWidth(qMin(width, room));
+                QImage image = QImage::fromData(found.toByteArray());
+                picture.setWidth(qMin(image.width(), room));
+                if (image.width() > room) // smoothly: these are letters
+                    image = image.scaledToWidth(qRound(room * devicePixelRatioF()),
+                                                Qt::SmoothTransformation);
+                m_text->document()->addResource(QTextDocument::ImageResource, QUrl(picture.name()),
+                                                image);
                 QTextCursor cursor(m_text->document());
                 cursor.setPosition(part.fragment().position());
                 cursor.setPosition(cursor.position() + part.fragment().length(),

@@ -11,6 +11,7 @@
 #include "ui_debugger.h"
 #include "ui_graph.h"
 #include "ui_item.h"
+#include "ui_lcd.h"
 #include "ui_loader.h"
 #include "ui_main.h"
 #include "ui_memory.h"
@@ -59,8 +60,27 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
     {PANEL_ARRAY, Setup<Ui::ArrayPanel>},
     {PANEL_RECORD, Setup<Ui::RecordPanel>},
+    {PANEL_ARRAY_MORE, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 1, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 2, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 3, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 4, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 5, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 6, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 7, Setup<Ui::ArrayPanel>},
+    {PANEL_ARRAY_MORE + 8, Setup<Ui::ArrayPanel>},
+    {PANEL_RECORD_MORE, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 1, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 2, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 3, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 4, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 5, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 6, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 7, Setup<Ui::RecordPanel>},
+    {PANEL_RECORD_MORE + 8, Setup<Ui::RecordPanel>},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
     {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
+    {PANEL_LCD, Setup<Ui::LcdPanel>},
 };
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "runtime/qt/qt_view.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
@@ -241,6 +242,11 @@ ProgressBox MakeProgressBox(const VIEW_Progress &change)
 
 void QTV_OpenQuestion(const VIEW_Question &question)
 {
+    if (question.kind == VIEW_CLIPBOARD) {
+        openId = question.id;
+        Answer(question.id, 1, QGuiApplication::clipboard()->text().toStdString());
+        return;
+    }
     CloseMenus();
     QDialog *dialog = question.kind == VIEW_FILE ? MakeFileDialog(question)
                       : question.kind == VIEW_MESSAGE || question.kind == VIEW_CONFIRM

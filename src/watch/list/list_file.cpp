@@ -28,17 +28,6 @@ constexpr int LINE_FIELDS = 3;
 constexpr int64_t FILE_SIZE_MAX = 4 << 20;
 constexpr size_t BAD_LINES_NAMED = 10;
 
-bool IsSpace(char c)
-{
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-}
-
-std::string Trimmed(const char *begin, const char *end)
-{
-    // Once more behind the cut: what is saved must be read as the same field.
-    return WRD_Trim(WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
-}
-
 // The hexadecimal number behind "["; 0 without a digit, which *isNumber tells. *isGood: it is
 // all that stands in the brackets and within the address range.
 uint32_t BracketAddress(const std::string &field, bool *isNumber, bool *isGood)
@@ -224,7 +213,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
 {
     int found = 0;
     const char *begin = line;
-    while (*begin != '\0' && IsSpace(*begin))
+    while (std::isspace(static_cast<unsigned char>(*begin)))
         ++begin;
     if (*begin == '\0') {
         *count = 0;
@@ -234,7 +223,8 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
         const char *end = begin + std::strcspn(begin, ",");
         if (found == maxFields)
             return 0;
-        fields[found++] = Trimmed(begin, end);
+        // Once more behind the cut: what is saved must be read as the same field.
+        fields[found++] = WRD_Trim(WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
         if (*end == '\0')
             break;
         begin = end + 1;

@@ -93,11 +93,6 @@ void EnsureColumns()
     SetListColumns(mainPanel, MAIN_LIST, columns);
 }
 
-std::string TipOf(const LItem &item)
-{
-    return item.reason.empty() ? AGE_Tip(item) : item.reason;
-}
-
 std::string ValueCell(const LItem &item)
 {
     const std::string text = WRD_Trim(ValueText(item));
@@ -147,7 +142,7 @@ void PutLine(int index, const std::string &label, bool isNew)
     const LItem &item = aLItems[index];
     ShownLine line;
     line.style = LSV_ValueStyle(item);
-    line.tip = TipOf(item);
+    line.tip = item.reason.empty() ? AGE_Tip(item) : item.reason;
     line.age = AGE_IsOld(item) ? AGE_Text(item) : "";
     line.value = ValueCell(item);
     line.comment = WRD_Visible(item.comment);

@@ -21,16 +21,12 @@ bool IsAnonymous(const LItem &item)
     return item.name.empty() || item.name == "&";
 }
 
-// An item whose address is forgotten for now keeps the one it was given.
-uint32_t AddressToKeep(const LItem &item)
-{
-    return item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
-}
-
 std::string Bracketed(const LItem &item)
 {
     char place[24];
-    std::snprintf(place, sizeof place, "[0x%X]", AddressToKeep(item));
+    // An item whose address is forgotten for now keeps the one it was given.
+    const uint32_t kept = item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
+    std::snprintf(place, sizeof place, "[0x%X]", kept);
     return place;
 }
 

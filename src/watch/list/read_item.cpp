@@ -127,11 +127,6 @@ std::vector<int> FailHeld(const std::string &reason)
     return held;
 }
 
-std::string WhyUnproven(int proof)
-{
-    return proof == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText();
-}
-
 // As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
 // were told to read again concerns that reading too.
 int ProveLine()
@@ -289,7 +284,8 @@ std::vector<int> RDI_Prove()
             if (const int read = readValues(index); read != 0 && read != RDI_BROKEN_OFF)
                 failed.push_back(index);
     }
-    const std::vector<int> unproven = FailHeld(WhyUnproven(result));
+    const std::vector<int> unproven =
+        FailHeld(result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText());
     failed.insert(failed.end(), unproven.begin(), unproven.end());
     return failed;
 }

@@ -25,7 +25,7 @@ int nErrors = 0;
 
 namespace {
 
-constexpr double IDLE_PERIOD_S = 1.0;
+constexpr double IDLE_PERIOD_S = 1.0, TERMINAL_PERIOD_S = 0.05; // without a list
 constexpr uint32_t RECORD_PERIOD_MS = 1000;
 constexpr double SHORTEST_PERIOD_S = 0.001;
 constexpr uint32_t PAUSE_MIN_MS = 3000; // without a tick: the console view, a long script
@@ -272,9 +272,10 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     if (event != EVENT_TIMER_TICK || !isTimer || VR_enAppMode == MODE_CONFIGURATION)
         return 0;
     NoticePause();
+    const bool isTerminal = recorder.terminal != nullptr && recorder.terminal();
     ServeRecorder();
     if (!openLItems && nLItems == 0) {
-        SetPeriod(IDLE_PERIOD_S);
+        SetPeriod(isTerminal ? TERMINAL_PERIOD_S : IDLE_PERIOD_S);
         UpdItem = 0;
         updateListTextBox(0);
     } else {

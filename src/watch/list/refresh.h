@@ -20,6 +20,9 @@ double RFR_Period(); // seconds between ticks, by Option_nSweepRate and the line
 struct RFR_Recorder {
     void (*record)() = nullptr; // once a second, but not in configuration mode
     void (*tick)() = nullptr;   // each time
+    // Each time, first of all: reads the service terminal; whether it is on. Then the ticks come
+    // faster while there is no list.
+    bool (*terminal)() = nullptr;
 };
 void RFR_SetRecorder(const RFR_Recorder &recorder);
 

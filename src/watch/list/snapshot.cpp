@@ -20,11 +20,6 @@ std::string AddressOf(const LItem &item)
     return text;
 }
 
-std::string TypeOf(const LItem &item)
-{
-    return item.type + std::to_string(item.size);
-}
-
 // A value that was never read, or not the last time, is no value.
 std::string ValueOf(const LItem &item)
 {
@@ -32,11 +27,6 @@ std::string ValueOf(const LItem &item)
     if (LIT_HasNumber(item))
         FormatLItemVal(&text, item);
     return WRD_Trim(text);
-}
-
-std::string RawOf(const LItem &item)
-{
-    return item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
 }
 
 std::string StateOf(const LItem &item)
@@ -53,8 +43,9 @@ std::string SNP_Text(const std::vector<int> &lines)
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (const int index : lines) {
         const LItem &item = aLItems[index];
-        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + TypeOf(item) + '\t' +
-                ValueOf(item) + '\t' + WRD_Visible(StateOf(item)) + '\n';
+        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + item.type +
+                std::to_string(item.size) + '\t' + ValueOf(item) + '\t' +
+                WRD_Visible(StateOf(item)) + '\n';
     }
     return text;
 }
@@ -64,9 +55,10 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
+        const std::string raw = item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
         text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + RawOf(item) +
-                ',' + WRD_QuoteCsv(StateOf(item)) + "\r\n";
+                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + raw + ',' +
+                WRD_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }

@@ -226,13 +226,9 @@ int readTMSMemory(uint32_t address)
 {
     if (address > ADDR_LIMIT - TMS_WORDS)
         return Failed(TMS_ERR_SEND, OUT_OF_RANGE);
-    // The mailbox answers for the selected station whoever was asked.
-    if (typedStation >= 0 && typedStation != STATION)
-        return Failed(TMS_ERR_SEND, "Select station " + std::to_string(typedStation) +
-                                        " to see the memory of its TMS320.");
     uint32_t words[TMS_WORDS];
     std::string cause;
-    const int result = RDI_ReadTmsWords(STATION, address, TMS_WORDS, words, &cause);
+    const int result = RDI_ReadTmsWords(StationToRead(), address, TMS_WORDS, words, &cause);
     if (result != TMS_OK)
         return Failed(result, cause);
     Print(WordsText(address, words));

@@ -164,6 +164,11 @@ void ShowPlace()
         const std::string name = SYM_AddressToName(address);
         if (!name.empty() && name != TypedAddress())
             text += ": " + name;
+        const int first = SelectedByte(); // of another line than the first
+        const std::string selected =
+            first > 0 ? SYM_AddressToName(range.start + static_cast<uint32_t>(first)) : "";
+        if (!selected.empty())
+            text += ". Selected line: " + selected;
     }
     SetCtrlVal(PANEL, MEMORY_PLACE, text);
 }
@@ -426,9 +431,10 @@ int MMP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
 
 int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_VAL_CHANGED)
+    if (event == EVENT_VAL_CHANGED) {
         ShowSelected();
-    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
+        ShowPlace();
+    } else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
         SetActiveCtrl(PANEL, MEMORY_LINE);
     return 0;
 }

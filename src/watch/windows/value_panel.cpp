@@ -204,13 +204,6 @@ void WriteAndShow()
     SetActiveCtrl(PANEL, VALUE_NEW);
 }
 
-// The sweep reads only what is in view.
-bool IsSwept(int index)
-{
-    const int first = LSV_FirstVisible();
-    return index >= first && index < first + LSV_LinesInView();
-}
-
 bool IsPressed(int event, int data)
 {
     return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
@@ -289,7 +282,10 @@ int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     if (event != EVENT_TIMER_TICK || !IsOpen() || !isTimer)
         return 0;
     const int index = EDT_Find(shown);
-    if (index >= 0 && !IsSwept(index) && LIT_HasAddress(aLItems[index]))
+    // The sweep reads only what is in view.
+    const int first = LSV_FirstVisible();
+    const bool isSwept = index >= first && index < first + LSV_LinesInView();
+    if (index >= 0 && !isSwept && LIT_HasAddress(aLItems[index]))
         RDI_ReadNow(index);
     VLP_Refresh();
     return 0;

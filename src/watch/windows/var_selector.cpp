@@ -155,13 +155,6 @@ void ShowSelected()
                    selector.rows.empty() ? ChosenSource().none : "No name matches the filter.");
 }
 
-void ShowCount()
-{
-    SetCtrlVal(PANEL, VARSEL_COUNT,
-               std::to_string(selector.shown.size()) + " of " +
-                   std::to_string(selector.rows.size()) + " " + ChosenSource().noun);
-}
-
 // The line that was selected stays selected if the filter lets it through.
 void FillList()
 {
@@ -187,7 +180,9 @@ void FillList()
         if (line == 0)
             SetCtrlAttribute(PANEL, VARSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
-    ShowCount();
+    SetCtrlVal(PANEL, VARSEL_COUNT,
+               std::to_string(selector.shown.size()) + " of " +
+                   std::to_string(selector.rows.size()) + " " + ChosenSource().noun);
     ShowSelected();
 }
 

@@ -1,0 +1,256 @@
+// All of an array at once: read for curve, copy and files, written from a file or from what
+// was typed, and read back.
+#include "inspect/array_view.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "comm/communication.h"
+#include "console/commands/transfer.h"
+#include "inspect/element.h"
+#include "platform/safe_file.h"
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "text/csv_row.h"
+#include "text/txfr.h"
+#include "text/words.h"
+#include "ui/resource.h"
+#include "watch/list/read_item.h"
+
+namespace {
+
+constexpr uint32_t ALL_ELEMENTS_MAX = 65536;
+constexpr uint32_t BLOCK_BYTES = 64;
+constexpr int LINE_SIZE = 4000; // of a CSV file
+
+typedef std::vector<uint8_t> Bytes;
+
+bool MayTransfer(const ARI_View *view)
+{
+    if (view->array.type == nullptr)
+        return false;
+    if (ARI_CountElements(*view) > ALL_ELEMENTS_MAX)
+        ARI_ShowOutcome(*view,
+                        "More than " + std::to_string(ALL_ELEMENTS_MAX) +
+                            " elements: name a part of the array.",
+                        COLOR_BAD);
+    else if (!VR_EnsureCom())
+        ARI_ShowOutcome(*view, std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
+    else
+        return true;
+    return false;
+}
+
+bool ReadAll(const ARI_View *view, Bytes *bytes)
+{
+    if (!MayTransfer(view))
+        return false;
+    const TransferPlan plan = {view->array.address,
+                               ARI_CountElements(*view) * view->array.type->size, BLOCK_BYTES,
+                               TRF_METER_ARRAY};
+    const TransferReport report = TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t n) {
+        bytes->insert(bytes->end(), block, block + n);
+        return true;
+    });
+    if (report.result == TRANSFER_DONE)
+        return true;
+    ARI_ShowOutcome(*view,
+                    report.result == TRANSFER_CANCELLED ? "Cancelled."
+                                                        : "Not read: " + report.cause + ".",
+                    COLOR_BAD);
+    return false;
+}
+
+std::string FormatRows(const ARI_View *view, const Bytes &bytes, const char *separator)
+{
+    std::string text;
+    for (uint32_t i = 0; i < ARI_CountElements(*view); ++i) {
+        text += AEL_Format(*view->array.type, &bytes[i * view->array.type->size]);
+        text += (i + 1) % view->array.columns == 0 ? "\n" : separator;
+    }
+    return text;
+}
+
+// Each text to the bytes of an element. "" or what is wrong with which.
+std::string ParseElements(const ARI_View *view, const std::vector<std::string> &texts, Bytes *bytes)
+{
+    for (size_t i = 0; i < texts.size(); ++i) {
+        uint8_t element[AEL_BYTES_MAX] = {};
+        const ArrayParse result = AEL_Parse(*view->array.type, texts[i], element);
+        if (result != ARRAY_OK)
+            return "value " + std::to_string(i + 1) + ", '" + WRD_Visible(texts[i].substr(0, 40)) +
+                   (result == ARRAY_NO_VALUE ? "', is no number" : "', is out of range for ") +
+                   (result == ARRAY_NO_VALUE ? "" : view->array.type->name);
+        bytes->insert(bytes->end(), element, element + view->array.type->size);
+    }
+    return "";
+}
+
+// Written, read back and compared.
+void WriteElements(ARI_View *view, uint32_t first, const Bytes &bytes)
+{
+    const auto count = static_cast<uint32_t>(bytes.size());
+    const uint32_t address = view->array.address + first * view->array.type->size;
+    const TransferPlan plan = {address, count, BLOCK_BYTES, TRF_METER_ARRAY};
+    std::string cause;
+    Bytes held(bytes.size());
+    if (!VR_EnsureCom()) {
+        ARI_ShowOutcome(*view, std::string("Not written: ") + COM_OFF_TEXT, COLOR_BAD);
+        return;
+    }
+    const TransferReport report = TRF_Write(plan, bytes.data());
+    if (report.result != TRANSFER_DONE) {
+        cause = report.result == TRANSFER_CANCELLED ? "cancelled" : report.cause;
+        ARI_ShowOutcome(*view, "FAILED: " + TRF_WrittenText(report, count, 1) + ": " + cause + ".",
+                        COLOR_BAD);
+    } else if (RDI_ReadBytes(STATION, address, count, held.data(), &cause) != 0) {
+        ARI_ShowOutcome(*view, "NOT VERIFIED: Written, but not read back: " + cause + ".",
+                        COLOR_WARN);
+    } else if (held != bytes) {
+        const auto at = std::mismatch(held.begin(), held.end(), bytes.begin()).first;
+        const auto element =
+            first + static_cast<uint32_t>(at - held.begin()) / view->array.type->size;
+        ARI_ShowOutcome(*view,
+                        "DIFFERENT: Written, but element " + std::to_string(element) +
+                            " holds another value now.",
+                        COLOR_WARN);
+    } else {
+        ARI_ShowOutcome(*view,
+                        "OK: Elements written and read back: " +
+                            std::to_string(count / view->array.type->size) + ".",
+                        COLOR_GOOD);
+    }
+    ARI_Refresh(view);
+}
+
+// "" or the reason; lines that begin with ";" are comments.
+std::string ReadCsv(const ARI_View *view, const std::string &path, std::vector<std::string> *texts)
+{
+    const int handle = TXFR_Open(path.c_str());
+    std::string error;
+    if (handle < 0)
+        return "the file cannot be read";
+    char line[LINE_SIZE];
+    while (error.empty() && texts->size() <= ARI_CountElements(*view) &&
+           TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
+        std::vector<std::string> cells;
+        const std::string row = WRD_Trim(line);
+        if (TXFR_IsBrokenLine(handle) == 1)
+            error = "a line is too long";
+        else if (!row.empty() && row[0] != ';' && !CSV_SplitRow(row, &cells))
+            error = "a quote is not closed";
+        texts->insert(texts->end(), cells.begin(), cells.end());
+    }
+    TXFR_Close(handle);
+    if (error.empty() && texts->size() != ARI_CountElements(*view))
+        error = "the file holds another number of values than " +
+                std::to_string(ARI_CountElements(*view));
+    return error;
+}
+
+} // namespace
+
+// One curve a column.
+void ARI_ShowCurve(ARI_View *view)
+{
+    Bytes bytes;
+    if (!ReadAll(view, &bytes))
+        return;
+    std::vector<double> x(view->array.rows);
+    for (uint32_t row = 0; row < view->array.rows; ++row)
+        x[row] = row;
+    const UI_Samples shared = std::make_shared<const std::vector<double>>(x);
+    DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0);
+    for (uint32_t column = 0; column < view->array.columns; ++column) {
+        std::vector<double> y(view->array.rows);
+        for (uint32_t row = 0; row < view->array.rows; ++row)
+            y[row] = AEL_GetNumber(
+                *view->array.type,
+                &bytes[(row * view->array.columns + column) * view->array.type->size]);
+        UI_Plot plot;
+        plot.x = shared;
+        plot.y = std::make_shared<const std::vector<double>>(std::move(y));
+        plot.name =
+            view->array.columns == 1 ? view->array.place : "[" + std::to_string(column) + "]";
+        PlotXY(view->panel, ARRAY_GRAPH, plot);
+    }
+    ARI_ShowOutcome(*view, "Read: " + std::to_string(ARI_CountElements(*view)) + " elements.");
+}
+
+void ARI_CopyAll(ARI_View *view)
+{
+    Bytes bytes;
+    if (ReadAll(view, &bytes) && ClipboardPutText(FormatRows(view, bytes, "\t")) == 0)
+        ARI_ShowOutcome(*view,
+                        "Copied: " + std::to_string(ARI_CountElements(*view)) + " elements.");
+}
+
+void ARI_SaveCsv(ARI_View *view)
+{
+    Bytes bytes;
+    std::string path;
+    SafeFile file;
+    if (!ReadAll(view, &bytes) || FileSelectPopup("", "array.csv", "*.csv", "Save the array",
+                                                  FILE_SAVE, &path) == VAL_NO_FILE_SELECTED)
+        return;
+    const std::string slice = ARI_FormatSlice(view->array);
+    const std::string sliced = slice.empty() ? "" : ", slice " + slice;
+    const bool isOpen = SAF_Open(&file, path, "wb") == 0;
+    if (isOpen)
+        SAF_PutText(file.file, "; " + view->array.place + sliced + ", " + view->array.type->name +
+                                   "\n" + FormatRows(view, bytes, ","));
+    if (isOpen && SAF_Commit(&file) == 0)
+        ARI_ShowOutcome(*view, "Saved: " + WRD_Visible(path));
+    else
+        ARI_ShowOutcome(*view, "'" + WRD_Visible(path) + "' cannot be written.", COLOR_BAD);
+}
+
+// One value, or several as a spreadsheet gives them: they go on with the elements behind.
+void ARI_EditCell(ARI_View *view)
+{
+    int line = -1, column = -1;
+    std::string text;
+    if (view->array.type == nullptr ||
+        GetEditedCell(view->panel, ARRAY_LIST, &line, &column, &text) < 0 || line < 0 || column < 1)
+        return;
+    std::vector<std::string> texts;
+    for (size_t begin = 0; begin < text.size();) {
+        const size_t end = std::min(text.find_first_of(" \t\r\n;", begin), text.size());
+        if (end > begin)
+            texts.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    const uint32_t first = (view->firstRow + static_cast<uint32_t>(line)) * view->array.columns +
+                           static_cast<uint32_t>(column - 1);
+    Bytes bytes;
+    const std::string error = ParseElements(view, texts, &bytes);
+    if (!error.empty() || texts.empty())
+        ARI_ShowOutcome(
+            *view,
+            "REFUSED: Nothing was written: " + (error.empty() ? "there is no value" : error) + ".",
+            COLOR_BAD);
+    else if (texts.size() > ARI_CountElements(*view) - first)
+        ARI_ShowOutcome(*view,
+                        "REFUSED: Nothing was written: " + std::to_string(texts.size()) +
+                            " values do not fit behind this element.",
+                        COLOR_BAD);
+    else
+        WriteElements(view, first, bytes);
+}
+
+void ARI_LoadCsv(ARI_View *view)
+{
+    std::string path;
+    std::vector<std::string> texts;
+    Bytes bytes;
+    if (!MayTransfer(view) || FileSelectPopup("", "*.csv", "*.csv", "Load values into the array",
+                                              FILE_LOAD, &path) == VAL_NO_FILE_SELECTED)
+        return;
+    std::string error = ReadCsv(view, path, &texts);
+    if (error.empty())
+        error = ParseElements(view, texts, &bytes);
+    if (error.empty())
+        WriteElements(view, 0, bytes);
+    else
+        ARI_ShowOutcome(*view, "REFUSED: Nothing was written: " + error + ".", COLOR_BAD);
+}

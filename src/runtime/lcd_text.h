@@ -1,0 +1,30 @@
+// A picture of a character display as the text of a control: its rows first, as anybody can
+// read them, then one line with what only a drawing view knows what to do with: the cursor,
+// the light and the display's own characters.
+#ifndef RUNTIME_LCD_TEXT_H
+#define RUNTIME_LCD_TEXT_H
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+enum LCT_Cursor { LCT_NO_CURSOR, LCT_UNDERLINE, LCT_BLINKING };
+
+constexpr int LCT_GLYPH_LINES = 8, LCT_GLYPH_COLUMNS = 5;
+constexpr char32_t LCT_GLYPH = 0xE000; // and seven more: the display's own characters
+
+struct LCT_Picture {
+    std::vector<std::u32string> rows; // of one length
+    int cursorRow = 0, cursorColumn = 0;
+    int cursor = LCT_NO_CURSOR;
+    bool isLit = false;
+    // Eight characters of eight lines, the lowest five bits of each from right to left.
+    std::array<uint8_t, 64> glyphs = {};
+};
+
+std::string LCT_Format(const LCT_Picture &picture);
+// The way back. What the text does not say is as in a new LCT_Picture.
+LCT_Picture LCT_Parse(const std::string &text);
+
+#endif

@@ -1,0 +1,144 @@
+#include "terminal/block.h"
+
+#include "comm/sysaddr.h"
+#include "settings/settings.h"
+#include "text/bytes.h"
+#include "text/words.h"
+
+namespace {
+
+constexpr uint32_t VERSION_AT = 2, SESSION_AT = 4;
+constexpr uint32_t OUT_READ = 16, IN_WRITE = 20, KEY_WRITE = 24; // what the program writes
+
+uint32_t GetWord(const uint8_t *head, uint32_t offset)
+{
+    return static_cast<uint32_t>(BYT_GetLittle(head + offset, 2));
+}
+
+int CheckBegin(const uint8_t *head, uint16_t id)
+{
+    if (GetWord(head, 0) != id)
+        return TBK_ERR_ID;
+    return GetWord(head, VERSION_AT) >> 8 == TBK_VERSION ? 0 : TBK_ERR_VERSION;
+}
+
+// The index that the program wrote, if it was for this session.
+uint32_t GetIndex(const uint8_t *head, uint32_t offset)
+{
+    return GetWord(head, offset + 2) == GetWord(head, SESSION_AT) ? GetWord(head, offset) : 0;
+}
+
+int CheckRing(const TBK_Ring &ring)
+{
+    if (ring.size < TBK_RING_MIN || ring.size > TBK_RING_MAX)
+        return TBK_ERR_SIZE;
+    return ring.write < ring.size && ring.read < ring.size ? 0 : TBK_ERR_INDEX;
+}
+
+} // namespace
+
+void TBK_PutIndex(uint8_t bytes[TBK_INDEX_BYTES], uint32_t index, uint16_t session)
+{
+    BYT_PutLittle(bytes, 2, index);
+    BYT_PutLittle(bytes + 2, 2, session);
+}
+
+uint32_t TBK_Count(const TBK_Ring &ring)
+{
+    return (ring.write + ring.size - ring.read) % ring.size;
+}
+
+uint32_t TBK_Room(const TBK_Ring &ring)
+{
+    return ring.size - 1 - TBK_Count(ring);
+}
+
+int TBK_ParseService(uint32_t address, const uint8_t *head, TBK_Service *block)
+{
+    int result = CheckBegin(head, TBK_SERVICE_ID);
+    if (result != 0)
+        return result;
+    TBK_Service found;
+    found.session = static_cast<uint16_t>(GetWord(head, SESSION_AT));
+    found.lost = static_cast<uint16_t>(GetWord(head, 6));
+    found.output = {address + TBK_SERVICE_HEAD, address + OUT_READ, GetWord(head, 8),
+                    GetWord(head, 10), GetIndex(head, OUT_READ)};
+    found.input = {found.output.address + found.output.size, address + IN_WRITE, GetWord(head, 12),
+                   GetIndex(head, IN_WRITE), GetWord(head, 14)};
+    result = CheckRing(found.output);
+    if (result == 0)
+        result = CheckRing(found.input);
+    if (result == 0 && found.input.address + found.input.size > ADDR_LIMIT)
+        result = TBK_ERR_PLACE;
+    if (result == 0)
+        *block = found;
+    return result;
+}
+
+int TBK_ParseLcd(uint32_t address, const uint8_t *head, TBK_Lcd *block)
+{
+    int result = CheckBegin(head, TBK_LCD_ID);
+    if (result != 0)
+        return result;
+    TBK_Lcd found;
+    found.session = static_cast<uint16_t>(GetWord(head, SESSION_AT));
+    found.changes = static_cast<uint16_t>(GetWord(head, 6));
+    found.rows = head[8];
+    found.columns = head[9];
+    found.cursorRow = head[10];
+    found.cursorColumn = head[11];
+    found.flags = head[12];
+    found.codePage = head[13];
+    found.keys = {address + TBK_LCD_KEYS, address + KEY_WRITE, GetWord(head, 14),
+                  GetIndex(head, KEY_WRITE), GetWord(head, 16)};
+    found.keyMask = static_cast<uint32_t>(BYT_GetLittle(head + 20, 4));
+    found.screen = found.keys.address + found.keys.size;
+    result = CheckRing(found.keys);
+    if (result != 0)
+        return result;
+    if (found.rows == 0 || found.rows > TBK_ROWS_MAX || found.columns == 0 ||
+        found.columns > TBK_COLUMNS_MAX)
+        return TBK_ERR_SIZE;
+    if (found.screen + found.rows * found.columns > ADDR_LIMIT)
+        return TBK_ERR_PLACE;
+    *block = found;
+    return 0;
+}
+
+std::string TBK_ErrorText(int result)
+{
+    static const struct {
+        int result;
+        const char *text;
+    } TEXTS[] = {
+        {TBK_ERR_ID, "its first word is not the terminal's"},
+        {TBK_ERR_VERSION, "its version is another one"},
+        {TBK_ERR_SIZE, "its sizes cannot be meant"},
+        {TBK_ERR_INDEX, "an index lies outside of its ring"},
+        {TBK_ERR_PLACE, "it reaches beyond the memory"},
+    };
+    for (const auto &row : TEXTS)
+        if (row.result == result)
+            return row.text;
+    return "";
+}
+
+int TBK_FindPlace(const std::string &text, int station, TBK_Place *place, std::string *cause)
+{
+    if (IsWordAddressing(Procesor)) {
+        *cause = "Only stations with a C166 or C167 have terminals.";
+        return -1;
+    }
+    int prefix = -1;
+    const uint32_t address = GetSysAddrM(text.c_str(), &prefix);
+    if (address == ADDR_NONE || WRD_Trim(text).find('&') != std::string::npos) {
+        *cause = ADR_UnknownText(text);
+        return -1;
+    }
+    if (prefix > STATION_MAX) {
+        *cause = ADR_StationText();
+        return -1;
+    }
+    *place = {address, prefix >= 0 ? prefix : station};
+    return 0;
+}

@@ -1,0 +1,173 @@
+#include "terminal/entry.h"
+
+#include <algorithm>
+
+#include "platform/plain_file.h"
+#include "runtime/userint.h"
+#include "terminal/sender.h"
+#include "ui/resource.h"
+#include "watch/windows/outcome_colors.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_TERMINAL_ENTRY;
+
+TRE_Host host;
+std::string entry; // what is shown, lines ended by line feeds
+size_t total = 0;  // bytes under way since Send; 0: none
+
+void ShowState(const std::string &text, int color = COLOR_PLAIN)
+{
+    SetCtrlAttribute(PANEL, ENTRY_STATE, ATTR_TEXT_COLOR, color);
+    SetCtrlVal(PANEL, ENTRY_STATE, text);
+}
+
+void ShowBar(double share)
+{
+    UI_Segment done;
+    done.last = share;
+    done.style = UIS_GOOD;
+    SetBarSegments(PANEL, ENTRY_BAR,
+                   share > 0 ? std::vector<UI_Segment>{done} : std::vector<UI_Segment>());
+}
+
+void EnableButtons()
+{
+    SetCtrlAttribute(PANEL, ENTRY_SEND, ATTR_DIMMED, entry.empty() || total > 0);
+    SetCtrlAttribute(PANEL, ENTRY_STOP, ATTR_DIMMED, total == 0);
+    SetCtrlAttribute(PANEL, ENTRY_PASTE, ATTR_DIMMED, total > 0);
+    SetCtrlAttribute(PANEL, ENTRY_FILE, ATTR_DIMMED, total > 0);
+}
+
+std::string WithLineFeeds(const std::string &text)
+{
+    std::string lines;
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\r' && i + 1 < text.size() && text[i + 1] == '\n')
+            continue;
+        lines += text[i] == '\r' ? '\n' : text[i];
+    }
+    return lines;
+}
+
+void ShowEntry(const std::string &text)
+{
+    entry = WithLineFeeds(text);
+    const auto lines = std::count(entry.begin(), entry.end(), '\n') +
+                       (!entry.empty() && entry.back() != '\n' ? 1 : 0);
+    if (text.size() > TSN_WAITING_MAX) {
+        ShowState("Too long to send: " + std::to_string(text.size()) + " bytes, at most " +
+                      std::to_string(TSN_WAITING_MAX) + ".",
+                  COLOR_BAD);
+        entry.clear();
+    } else {
+        ShowState(entry.empty() ? "There is no text to send."
+                                : "Lines to send: " + std::to_string(lines) + ".");
+    }
+    ResetTextBox(PANEL, ENTRY_TEXT, entry);
+    ShowBar(0);
+    EnableButtons();
+}
+
+void Paste()
+{
+    std::string text;
+    ClipboardGetText(&text);
+    ShowEntry(text);
+}
+
+void OpenFile()
+{
+    std::string path, text;
+    if (FileSelectPopup("", "*.txt", "*.txt", "Send text file", FILE_LOAD, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    const int result = PLF_ReadAll(path, TSN_WAITING_MAX, &text);
+    if (result == PLF_OK)
+        ShowEntry(text);
+    else
+        ShowState(path + " " + PLF_ErrorText(result) + ".", COLOR_BAD);
+}
+
+void Send()
+{
+    const std::string problem = host.send(entry);
+    total = problem.empty() ? host.waiting() : 0;
+    if (!problem.empty())
+        ShowState(problem, COLOR_BAD);
+    EnableButtons();
+}
+
+} // namespace
+
+void TRE_SetHost(const TRE_Host &newHost)
+{
+    host = newHost;
+}
+
+void TRE_OpenWithClipboard()
+{
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    if (total == 0)
+        Paste();
+    SetActiveCtrl(PANEL, ENTRY_SEND);
+}
+
+void TRE_ShowProgress()
+{
+    if (total == 0)
+        return;
+    const size_t left = std::min(host.waiting(), total);
+    ShowBar(1 - static_cast<double>(left) / static_cast<double>(total));
+    if (left > 0) {
+        ShowState("Sent: " + std::to_string(total - left) + " of " + std::to_string(total) +
+                  " characters.");
+        return;
+    }
+    ShowState("All of it is sent.", COLOR_GOOD);
+    total = 0;
+    EnableButtons();
+}
+
+void TRE_Break(size_t forgotten)
+{
+    if (total == 0)
+        return;
+    ShowState("Stopped. Not sent: " + std::to_string(forgotten) + " of " + std::to_string(total) +
+                  " characters.",
+              COLOR_WARN);
+    total = 0;
+    EnableButtons();
+}
+
+int TRE_PanelCB(int panel, int event, int)
+{
+    if (event != EVENT_CLOSE && event != EVENT_KEYPRESS) // Esc is the only key it has
+        return 0;
+    HidePanel(panel);
+    return 1;
+}
+
+int TRE_ButtonCB(int panel, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    switch (control) {
+    case ENTRY_PASTE:
+        Paste();
+        break;
+    case ENTRY_FILE:
+        OpenFile();
+        break;
+    case ENTRY_SEND:
+        Send();
+        break;
+    case ENTRY_STOP:
+        TRE_Break(host.cancel());
+        break;
+    default:
+        HidePanel(panel);
+    }
+    return 0;
+}

@@ -1,0 +1,23 @@
+// The entry panel of the service terminal: a longer text, pasted or from a file, that is seen
+// before it goes to the target, then its progress, and a way to stop it.
+#ifndef TERMINAL_ENTRY_H
+#define TERMINAL_ENTRY_H
+
+#include <cstddef>
+#include <string>
+
+// Who sends. `send` takes UTF-8 with line feeds and answers "" or why nothing was sent.
+struct TRE_Host {
+    std::string (*send)(const std::string &text) = nullptr;
+    size_t (*waiting)() = nullptr; // bytes not sent yet
+    size_t (*cancel)() = nullptr;  // forgets them: how many
+};
+void TRE_SetHost(const TRE_Host &host);
+void TRE_OpenWithClipboard();
+void TRE_ShowProgress();          // something has been sent
+void TRE_Break(size_t forgotten); // the rest cannot be sent any more
+
+int TRE_PanelCB(int panel, int event, int data);
+int TRE_ButtonCB(int panel, int control, int event, int data);
+
+#endif

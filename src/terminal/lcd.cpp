@@ -1,0 +1,156 @@
+#include "terminal/lcd.h"
+
+#include "comm/ucm.h"
+#include "terminal/service.h"
+
+namespace {
+
+constexpr int TRIES = 3;        // to read a picture that stands still
+constexpr int UNSTEADY_MAX = 5; // looks in a row without one, before it is said
+constexpr size_t KEYS_WAITING_MAX = 64;
+constexpr int RELEASED = 0x80; // added to the key's number
+
+int ReadHead(const TBK_Place &place, int *result, TBK_Lcd *block)
+{
+    uint8_t head[TBK_LCD_HEAD];
+    if (UCM_Read(place.station, place.address, sizeof head, head) < 0)
+        return UCM_ERR_FAILED;
+    *result = TBK_ParseLcd(place.address, head, block);
+    return 0;
+}
+
+bool IsSamePicture(const TBK_Lcd &one, const TBK_Lcd &other)
+{
+    return one.session == other.session && one.changes == other.changes && one.rows == other.rows &&
+           one.columns == other.columns && one.screen == other.screen;
+}
+
+struct Look {
+    int result = 0;
+    bool isSteady = false;
+    LCS_Picture picture;
+};
+
+// Head, picture, head again; an odd or another counter says that the target was changing it.
+int LookOnce(const TBK_Place &place, Look *look)
+{
+    *look = Look();
+    LCS_Picture &picture = look->picture;
+    if (ReadHead(place, &look->result, &picture.block) < 0)
+        return UCM_ERR_FAILED;
+    const TBK_Lcd before = picture.block;
+    if (look->result != 0 || before.changes % 2 != 0)
+        return 0;
+    picture.characters.resize(before.rows * before.columns);
+    if (UCM_Read(place.station, place.address + TBK_LCD_GLYPHS,
+                 static_cast<uint32_t>(picture.glyphs.size()), picture.glyphs.data()) < 0 ||
+        UCM_Read(place.station, before.screen, before.rows * before.columns,
+                 picture.characters.data()) < 0 ||
+        ReadHead(place, &look->result, &picture.block) < 0)
+        return UCM_ERR_FAILED;
+    look->isSteady = look->result == 0 && IsSamePicture(before, picture.block);
+    return 0;
+}
+
+// Several times: a target that shows a clock or counts changes it now and then.
+int LookForPicture(const TBK_Place &place, Look *look)
+{
+    int result = 0;
+    for (int i = 0; i < TRIES && result == 0; ++i) {
+        result = LookOnce(place, look);
+        if (look->result != 0 || look->isSteady)
+            break;
+    }
+    return result;
+}
+
+bool IsQuiet(const LCS_Session &session, int result, const TBK_Lcd &block)
+{
+    return session.isOpen && result == 0 && session.unsteady == 0 && session.keys.waiting.empty() &&
+           IsSamePicture(session.picture.block, block) && block.keys.write == session.keys.index;
+}
+
+bool IsSameRun(const LCS_Session &session, const TBK_Lcd &block)
+{
+    const TBK_Lcd &known = session.picture.block;
+    return session.wasOpen && known.session == block.session && known.keys.size == block.keys.size;
+}
+
+void Adopt(LCS_Session *session, const LCS_Picture &picture, LCS_News *news)
+{
+    if (!IsSameRun(*session, picture.block)) {
+        if (session->wasOpen)
+            news->message = TSV_RestartText(session->keys.waiting.size());
+        TSN_Begin(&session->keys, picture.block.keys);
+    }
+    session->picture = picture;
+    session->isOpen = session->wasOpen = true;
+    news->isNew = true;
+}
+
+void SendKeys(LCS_Session *session, const TBK_Lcd &block, LCS_News *news)
+{
+    std::string taken;
+    const size_t waiting = session->keys.waiting.size();
+    const int result =
+        TSN_Send(&session->keys, session->place.station, block.session, block.keys, &taken);
+    if (result == TSN_ERR_FOREIGN)
+        news->message = TSV_ForeignText(waiting);
+    if (result == TSN_ERR_LINE) {
+        news->isLineBad = true;
+        news->message = TSV_LineText();
+    }
+}
+
+} // namespace
+
+void LCS_Begin(LCS_Session *session, const TBK_Place &place)
+{
+    *session = LCS_Session();
+    session->place = place;
+}
+
+void LCS_Step(LCS_Session *session, LCS_News *news)
+{
+    *news = LCS_News();
+    Look look;
+    TBK_Lcd glance;
+    news->isLineBad = ReadHead(session->place, &look.result, &glance) < 0;
+    if (!news->isLineBad && IsQuiet(*session, look.result, glance))
+        return;
+    news->isLineBad = news->isLineBad ||
+                      UCM_MakeProven([&] { return LookForPicture(session->place, &look); }) < 0;
+    if (news->isLineBad) {
+        news->message = TSV_LineText();
+        return;
+    }
+    if (look.result != 0) {
+        if (session->isOpen || !session->wasOpen)
+            news->message = TSV_NoBlockText(session->place, look.result);
+        session->isOpen = false;
+        return;
+    }
+    const TBK_Lcd &block = look.picture.block;
+    if (look.isSteady) {
+        session->unsteady = 0;
+        Adopt(session, look.picture, news);
+    } else if (++session->unsteady == UNSTEADY_MAX) {
+        news->message = "The target changes its display faster than it can be read.";
+    }
+    // Keys need no picture that stands still.
+    if (look.isSteady || (session->isOpen && IsSameRun(*session, block)))
+        SendKeys(session, block, news);
+}
+
+bool LCS_AddKey(LCS_Session *session, int key, bool isRelease)
+{
+    const bool isKey = key >= 0 && key < static_cast<int>(TBK_KEYS) &&
+                       (session->picture.block.keyMask >> static_cast<unsigned>(key) & 1) != 0;
+    if (!session->isOpen || !isKey)
+        return false;
+    // A release has its place kept, so that no key stays pressed for want of one.
+    if (session->keys.waiting.size() >= KEYS_WAITING_MAX && !isRelease)
+        return false;
+    return TSN_Add(&session->keys,
+                   std::string(1, static_cast<char>(key | (isRelease ? RELEASED : 0))));
+}

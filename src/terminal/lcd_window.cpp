@@ -1,0 +1,260 @@
+#include "terminal/lcd_window.h"
+
+#include <algorithm>
+
+#include "comm/communication.h"
+#include "platform/system.h"
+#include "runtime/lcd_text.h"
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "terminal/code_pages.h"
+#include "terminal/lcd.h"
+#include "terminal/place_rings.h"
+#include "ui/resource.h"
+#include "watch/windows/name_completion.h"
+#include "watch/windows/outcome_colors.h"
+
+namespace {
+
+constexpr int PANEL = PANEL_LCD;
+constexpr char PLACE_AT_FIRST[] = "LcdTerm";
+constexpr double PERIOD_S = 0.05;
+constexpr uint32_t LOOK_PERIOD_MS = 150;
+constexpr uint32_t PAUSE_MS = 2000;  // after a look that nobody answered
+constexpr uint32_t RELEASE_MS = 250; // after the last press of a key; its repetitions come faster
+constexpr int PAGE_OF_TARGET = -1;
+
+// Which of the target's keys a key of the keyboard is; buttons are numbered as the keys.
+constexpr struct {
+    int first, last, key;
+} KEYBOARD[] = {{'0', '9', 0},           {KEY_ENTER, KEY_ENTER, 10},
+                {KEY_ESC, KEY_ESC, 11},  {KEY_UP, KEY_RIGHT, 12},
+                {'+', '+', 16},          {'-', '-', 17},
+                {'.', '.', 18},          {KEY_BACKSPACE, KEY_BACKSPACE, 19},
+                {KEY_F1, KEY_F1 + 3, 20}};
+
+LCS_Session session;
+std::string problem;  // why there is no place to look at
+bool isWrong = false; // what the message says, until the next good look
+uint32_t lookedMs = 0, failedMs = 0;
+uint32_t pressedMs[TBK_KEYS] = {};
+bool isPressed[TBK_KEYS] = {};
+
+void ShowMessage(const std::string &text, int color = COLOR_PLAIN)
+{
+    SetCtrlAttribute(PANEL, LCD_MESSAGE, ATTR_TEXT_COLOR, color);
+    SetCtrlVal(PANEL, LCD_MESSAGE, text);
+}
+
+int GetPage()
+{
+    int page = PAGE_OF_TARGET;
+    GetCtrlVal(PANEL, LCD_PAGE, &page);
+    return page == PAGE_OF_TARGET ? static_cast<int>(session.picture.block.codePage) : page;
+}
+
+// A cursor that lies outside is not seen; a display that is off shows nothing.
+LCT_Picture MakePicture()
+{
+    const TBK_Lcd &block = session.picture.block;
+    LCT_Picture picture;
+    const bool isShown = session.isOpen && (block.flags & TBK_DISPLAY_ON) != 0;
+    picture.rows.assign(block.rows, std::u32string(block.columns, ' '));
+    for (uint32_t i = 0; isShown && i < session.picture.characters.size(); ++i) {
+        const char32_t code = CPT_ToCode(GetPage(), session.picture.characters[i]);
+        picture.rows[i / block.columns][i % block.columns] = code < ' ' ? CPT_UNKNOWN : code;
+    }
+    picture.cursorRow = static_cast<int>(block.cursorRow);
+    picture.cursorColumn = static_cast<int>(block.cursorColumn);
+    picture.cursor = !isShown || (block.flags & (TBK_CURSOR_ON | TBK_CURSOR_BLINKS)) == 0
+                         ? LCT_NO_CURSOR
+                     : (block.flags & TBK_CURSOR_BLINKS) != 0 ? LCT_BLINKING
+                                                              : LCT_UNDERLINE;
+    picture.isLit = session.isOpen && (block.flags & TBK_LIGHT_ON) != 0;
+    picture.glyphs = session.picture.glyphs;
+    return picture;
+}
+
+void ShowPicture()
+{
+    SetCtrlVal(PANEL, LCD_SCREEN, LCT_Format(MakePicture()));
+    for (int key = 0; key <= LCD_KEY_LAST - LCD_KEY_FIRST; ++key)
+        SetCtrlAttribute(PANEL, LCD_KEY_FIRST + key, ATTR_DIMMED,
+                         !session.isOpen || (session.picture.block.keyMask >> key & 1) == 0);
+}
+
+void ShowState()
+{
+    const TBK_Lcd &block = session.picture.block;
+    std::string text =
+        "COM" + std::to_string(ncom) + ", station " + std::to_string(session.place.station) + ". ";
+    if (isTimer == 0)
+        text += "Communication is off.";
+    else if (!session.isOpen)
+        text += "Looking for the display.";
+    else
+        text += std::to_string(block.rows) + " rows, " + std::to_string(block.columns) +
+                " columns, " + CPT_Name(GetPage()) + ".";
+    SetCtrlVal(PANEL, LCD_STATE, text);
+}
+
+// Where the fields say. Another place is another display.
+void FindPlace()
+{
+    std::string text;
+    TBK_Place place;
+    GetCtrlVal(PANEL, LCD_PLACE, &text);
+    problem.clear();
+    const int result = TBK_FindPlace(text, TRI_GetStation(PANEL, LCD_STATION), &place, &problem);
+    if (result != 0)
+        ShowMessage(problem, COLOR_BAD);
+    if (result == 0 && place.address == session.place.address &&
+        place.station == session.place.station)
+        return;
+    std::fill(std::begin(isPressed), std::end(isPressed), false);
+    LCS_Begin(&session, result == 0 ? place : TBK_Place());
+    failedMs = 0;
+    if (result == 0)
+        ShowMessage("");
+    ShowPicture();
+}
+
+void Press(int key)
+{
+    if (!LCS_AddKey(&session, key, false))
+        return;
+    isPressed[key] = true;
+    pressedMs[key] = PLT_TickMs();
+    lookedMs -= LOOK_PERIOD_MS; // it is sent at the next tick
+}
+
+void ReleaseKeys()
+{
+    for (int key = 0; key < static_cast<int>(TBK_KEYS); ++key) {
+        if (!isPressed[key] || PLT_TickMs() - pressedMs[key] < RELEASE_MS)
+            continue;
+        LCS_AddKey(&session, key, true);
+        isPressed[key] = false;
+    }
+}
+
+void Look()
+{
+    LCS_News news;
+    const bool wasOpen = session.isOpen;
+    LCS_Step(&session, &news);
+    lookedMs = PLT_TickMs();
+    failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0;
+    const bool isBad = news.isLineBad || !session.isOpen || session.unsteady > 0;
+    if (!news.message.empty())
+        ShowMessage(news.message, isBad ? COLOR_BAD : COLOR_WARN);
+    else if (isWrong && !isBad)
+        ShowMessage("");
+    isWrong = isBad;
+    if (news.isNew || wasOpen != session.isOpen)
+        ShowPicture();
+    ShowState();
+}
+
+bool IsShown()
+{
+    int isVisible = 0;
+    GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible);
+    return isVisible != 0;
+}
+
+} // namespace
+
+void LCW_SetPanelAttributes()
+{
+    if (!IsShown())
+        return;
+    if (isTimer == 0 && session.isOpen) { // what stands there now is not known any more
+        LCS_Begin(&session, session.place);
+        ShowPicture();
+    }
+    FindPlace();
+    ShowState();
+}
+
+void LCW_OpenCB(int, int)
+{
+    std::string place;
+    TRI_FillStations(PANEL, LCD_STATION);
+    TRI_FillPages(PANEL, LCD_PAGE, "of the target", PAGE_OF_TARGET);
+    GetCtrlVal(PANEL, LCD_PLACE, &place);
+    if (place.empty())
+        SetCtrlVal(PANEL, LCD_PLACE, PLACE_AT_FIRST);
+    SetCtrlCompletion(PANEL, LCD_PLACE, NCM_CompleteCB);
+    SetCtrlAttribute(PANEL, LCD_TIMER, ATTR_INTERVAL, PERIOD_S);
+    DisplayPanel(PANEL);
+    SetActivePanel(PANEL);
+    VR_ComRequest();
+    FindPlace();
+    ShowPicture();
+    ShowState();
+    SetActiveCtrl(PANEL, LCD_SCREEN);
+}
+
+int LCW_PanelCB(int panel, int event, int)
+{
+    if (event != EVENT_CLOSE)
+        return 0;
+    for (bool &is : isPressed)
+        is = false;
+    LCS_Begin(&session, session.place);
+    HidePanel(panel);
+    return 1;
+}
+
+int LCW_ScreenCB(int, int, int event, int key)
+{
+    if (event != EVENT_KEYPRESS)
+        return 0;
+    for (const auto &row : KEYBOARD)
+        if (key >= row.first && key <= row.last)
+            Press(row.key + key - row.first);
+    return 1;
+}
+
+int LCW_KeyCB(int, int control, int event, int)
+{
+    if (event == EVENT_COMMIT)
+        Press(control - LCD_KEY_FIRST);
+    return 0;
+}
+
+int LCW_CopyCB(int, int, int event, int)
+{
+    std::string text;
+    if (event != EVENT_COMMIT)
+        return 0;
+    for (const std::u32string &row : MakePicture().rows) {
+        for (const char32_t code : row)
+            text += CPT_ToUtf8(code);
+        text += "\n";
+    }
+    ClipboardPutText(text);
+    return 0;
+}
+
+int LCW_PlaceCB(int, int, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    FindPlace();
+    ShowPicture();
+    ShowState();
+    return 0;
+}
+
+int LCW_TimerCB(int, int, int event, int)
+{
+    if (event != EVENT_TIMER_TICK || isTimer == 0 || !IsShown() || !problem.empty())
+        return 0;
+    const uint32_t pauseMs = failedMs != 0 ? PAUSE_MS : LOOK_PERIOD_MS;
+    ReleaseKeys();
+    if (PLT_TickMs() - lookedMs >= pauseMs)
+        Look();
+    return 0;
+}

@@ -1,0 +1,58 @@
+#include "terminal/log.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include "platform/safe_file.h"
+#include "platform/system.h"
+#include "text/words.h"
+
+int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
+{
+    std::string real;
+    TLG_Close(log);
+    errno = 0;
+    if (PLT_ResolveFile(path, &real) != 0) {
+        *problem = "Not a file to write to: " + path + ".";
+        return -1;
+    }
+    log->file = PLT_OpenFile(real, "wb");
+    log->path = path;
+    log->bytes = 0;
+    if (log->file == nullptr)
+        *problem = "Cannot write " + path + ": " + std::strerror(errno) + ".";
+    return log->file == nullptr ? -1 : 0;
+}
+
+int TLG_PutLine(TLG_Log *log, const std::string &line, std::string *problem)
+{
+    if (log->file == nullptr)
+        return 0;
+    PLT_Date now;
+    PLT_LocalTime(&now);
+    const std::string text = WRD_Format("%04d-%02d-%02d %02d:%02d:%02d  ", now.year, now.month,
+                                        now.day, now.hour, now.minute, now.second) +
+                             line + "\n";
+    log->bytes += text.size() + 1; // CR LF
+    if (log->bytes > TLG_BYTES_MAX) {
+        *problem = "The log is full: " + log->path + ".";
+        TLG_Close(log);
+        return -1;
+    }
+    SAF_PutText(log->file, text);
+    if (std::fflush(log->file) == 0 && std::ferror(log->file) == 0)
+        return 0;
+    *problem = "The log has ended: " + SAF_FailureText(log->path);
+    TLG_Close(log);
+    return -1;
+}
+
+int TLG_Close(TLG_Log *log)
+{
+    if (log->file == nullptr)
+        return 0;
+    const bool isBad = std::ferror(log->file) != 0;
+    const int result = std::fclose(log->file);
+    log->file = nullptr;
+    return isBad || result != 0 ? -1 : 0;
+}

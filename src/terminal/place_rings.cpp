@@ -1,0 +1,47 @@
+#include "terminal/place_rings.h"
+
+#include <string>
+
+#include "runtime/userint.h"
+#include "settings/limits.h"
+#include "settings/settings.h"
+#include "terminal/code_pages.h"
+
+namespace {
+
+bool IsFilled(int panel, int control)
+{
+    int count = 0;
+    GetNumListItems(panel, control, &count);
+    return count > 0;
+}
+
+} // namespace
+
+void TRI_FillStations(int panel, int control)
+{
+    if (IsFilled(panel, control))
+        return;
+    InsertListItem(panel, control, -1, "of the program", -1);
+    for (int i = 0; i <= STATION_MAX; ++i)
+        InsertListItem(panel, control, -1, std::to_string(i), i);
+    SetCtrlVal(panel, control, -1);
+}
+
+int TRI_GetStation(int panel, int control)
+{
+    int station = -1;
+    GetCtrlVal(panel, control, &station);
+    return station < 0 ? STATION : station;
+}
+
+void TRI_FillPages(int panel, int control, const char *first, int chosen)
+{
+    if (IsFilled(panel, control))
+        return;
+    if (first != nullptr)
+        InsertListItem(panel, control, -1, first, -1);
+    for (int i = 0; i < CPT_COUNT; ++i)
+        InsertListItem(panel, control, -1, CPT_Name(i), i);
+    SetCtrlVal(panel, control, chosen);
+}

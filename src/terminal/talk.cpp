@@ -1,0 +1,56 @@
+#include "terminal/talk.h"
+
+#include "platform/system.h"
+#include "runtime/userint.h"
+#include "settings/settings.h"
+#include "terminal/code_pages.h"
+#include "terminal/screen.h"
+#include "terminal/service.h"
+
+bool TLK_isWithoutWindow = false;
+
+int TLK_Talk(const std::string &text, void (*print)(const std::string &line), std::string *trouble)
+{
+    constexpr uint32_t QUIET_MS = 1000, WHOLE_MS = 10000, STEP_MS = 20;
+    TBK_Place place;
+    trouble->clear();
+    if (TBK_FindPlace(TSV_NAME, STATION, &place, trouble) != 0)
+        return -1;
+    std::string bytes;
+    if (CPT_FromUtf8(CPT_LATIN_1, text, &bytes) > 0) {
+        *trouble = "The text has characters that cannot be sent.";
+        return -1;
+    }
+    TSV_Session talk;
+    TSV_News news;
+    TSC_Screen screen;
+    TSV_Begin(&talk, place);
+    const uint32_t startMs = PLT_TickMs();
+    uint32_t heardMs = startMs;
+    bool isSent = text.empty();
+    do {
+        TSV_Step(&talk, &news);
+        TSC_Put(&screen, CPT_LATIN_1, news.received);
+        for (const std::string &line : screen.done)
+            print(line);
+        screen.done.clear();
+        if (news.isLineBad || (!talk.isOpen && !news.message.empty()))
+            break;
+        if (!news.message.empty())
+            print("(" + news.message + ")");
+        if (!isSent && talk.isOpen) // what was written before is not the answer, but comes first
+            isSent = TSN_Add(&talk.sender, bytes);
+        if (!news.received.empty() || TSV_IsBusy(talk))
+            heardMs = PLT_TickMs();
+        else
+            PLT_SleepMs(STEP_MS);
+    } while (PLT_TickMs() - heardMs < QUIET_MS && PLT_TickMs() - startMs < WHOLE_MS &&
+             !IsBreakWished());
+    if (!screen.line.empty())
+        print(TSC_GetLine(screen));
+    if (news.isLineBad || !talk.isOpen)
+        *trouble = news.message.empty() ? "The terminal's block never stood still." : news.message;
+    else if (!isSent || !talk.sender.waiting.empty())
+        *trouble = "The target did not take all of it.";
+    return trouble->empty() ? 0 : -1;
+}
