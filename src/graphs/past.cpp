@@ -37,6 +37,8 @@ int Fail(GPA_Past *past, const std::string &cause)
 // what a killed program has left is found by it.
 int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
 {
+    if (GPA_Flush(past) < 0)
+        return -1;
     if (REC_Close(&past->recorder) < 0)
         return Fail(past, past->recorder.problem);
     if (past->parts.size() == GPA_PARTS_MAX)
@@ -156,15 +158,19 @@ int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t orig
         if (WriteRow(past, store, rows - past->written) < 0)
             return Fail(past, past->recorder.problem);
         ++past->written;
-        const bool isDone = past->written == end || past->recorder.bytes >= past->partBytes;
-        if (!isDone)
-            continue;
-        if (REC_Flush(&past->recorder, originUs) < 0)
-            return Fail(past, past->recorder.problem);
-        if (RDR_Follow(&past->parts.back().recording) < 0)
-            return Fail(past, past->recorder.path + " cannot be read.");
     }
     return 0;
+}
+
+int GPA_Flush(GPA_Past *past)
+{
+    if (!past->recorder.isOpen)
+        return 0;
+    if (REC_Flush(&past->recorder, 0) < 0)
+        return Fail(past, past->recorder.problem);
+    return RDR_Follow(&past->parts.back().recording) < 0
+               ? Fail(past, past->recorder.path + " cannot be read.")
+               : 0;
 }
 
 bool GPA_GetExtent(const GPA_Past &past, double *from, double *to)

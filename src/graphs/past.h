@@ -42,10 +42,12 @@ struct GPA_Past {
     GPA_Reading coarse, fine;
 };
 
-// Called when rows have come, `rows` of them since the sampler's start: writes those that will
-// leave the store next. `originUs` is the graph's time 0. 0, or -1: past->problem, from now on
-// nothing is kept.
+// Called at each row, the one with the number `rows` since the sampler's start: writes those that
+// will leave the store next. `originUs` is the graph's time 0. 0, or -1: past->problem, from now
+// on nothing is kept.
 int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t originUs);
+// Behind several rows: from here on they can be read. Results of GPA_Keep.
+int GPA_Flush(GPA_Past *past);
 // False while there is none.
 bool GPA_GetExtent(const GPA_Past &past, double *from, double *to);
 // All of it, roughly, and a stretch as finely as a picture needs; both are read again only when

@@ -48,6 +48,8 @@ void PutRow(void *context, const SMP_Sampler &sampler, const SMP_Row &row)
     auto *source = static_cast<GRS_Source *>(context);
     source->isFresh = true;
     ARC_PutRow(&source->recorder, sampler.store, row);
+    if (GPA_Keep(&source->past, sampler.store, sampler.totals.rows, source->originUs) < 0)
+        source->message = source->past.problem;
 }
 
 void Flush(void *context)
@@ -57,8 +59,7 @@ void Flush(void *context)
         source->recorder.isOn = false;
         source->message = source->recorder.file.problem;
     }
-    const SMP_Sampler &sampler = source->sampler;
-    if (GPA_Keep(&source->past, sampler.store, sampler.totals.rows, source->originUs) < 0)
+    if (GPA_Flush(&source->past) < 0)
         source->message = source->past.problem;
 }
 
