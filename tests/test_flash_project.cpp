@@ -53,7 +53,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     ASSERT_EQ(TMSmap2node((FLASH_PROJECT + "f283xx.qar").c_str()), 0);
     const std::map<std::string, Place> packed = everything();
     EXPECT_EQ(packed.at("_astMotor[1].stPid.unLimit.awPart[1]"), Place(0x18200 + 0x2E, 2, 'u', 2));
-    EXPECT_EQ(packed.size(), 126u);
+    EXPECT_EQ(packed.size(), 130u);
     EXPECT_EQ(inStruct("PWM_rScope", aVarNode, nNodes), 0x19000u) << "the scope of the examples";
     const std::string image = packedImage();
     std::ofstream(testing::TempDir() + "f283xx.flash", std::ios::binary) << image;
@@ -92,7 +92,7 @@ TEST_F(FlashProject, ComesBackFromTheTargetAsItWasPacked)
     }
     const std::string state = UiText(PANEL_MAIN, MAIN_STATE);
     EXPECT_EQ(state.substr(state.find('\n') + 1),
-              "Map loaded from memory.; types: 11 variables, 5 structures");
+              "Map loaded from memory.; types: 14 variables, 5 structures");
     options.flash = FLASH_PROJECT + "missing";
     std::string error;
     EXPECT_EQ(SIM_Start(options, &error), nullptr);
