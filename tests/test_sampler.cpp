@@ -165,6 +165,31 @@ TEST_F(Sampler, nothingIsGivenOutBeforeItsProofAndThatComesInASecond)
     EXPECT_LT(oldest, 1000000u);
 }
 
+// The last block of a row may be the proof of all; when it is, the rows need not wait longer.
+TEST_F(Sampler, aBlockThatProvesSavesTheProof)
+{
+    static int provingReads, given;
+    SMP_Line line = LINE;
+    line.readProving = [](int station, uint32_t address, uint32_t count, void *buffer) {
+        ++provingReads;
+        return FakeRead(station, address, count, buffer) < 0 ? -1 : given;
+    };
+    const std::vector<SMP_Item> items = {Word(0x100), Word(0x900)};
+    for (given = 0; given <= 1; ++given) {
+        provingReads = wire.proofs = 0;
+        told.rows.clear();
+        ASSERT_EQ(SMP_Start(&sampler, items, 0, listener, 1000, &line), 0);
+        RunRows(200);
+        EXPECT_GT(provingReads, 0);
+        EXPECT_EQ(wire.asked.back(), 0x900u);
+        if (given == 1)
+            EXPECT_EQ(wire.proofs, provingReads) << "each is asked what it was worth, at once";
+        else
+            EXPECT_GT(provingReads, wire.proofs) << "read only: the proof comes at its time";
+        SMP_Stop(&sampler);
+    }
+}
+
 TEST_F(Sampler, whatIsOnTheDiskIsNeverASecondOld)
 {
     const ScratchFolder folder{true};
