@@ -170,8 +170,8 @@ void MeasureLive(PlotWidget *plot)
         const double pictures = std::clamp(WIDTH / width, 2.0, 1000 / LIVE_PERIOD_MS);
         std::printf("16 live curves, %4.0f s in view %6.2f ms a picture, %.2f of them to take what "
                     "is new: %.0f %% of one core at 20 a second, %.0f %% at the window's %.0f\n",
-                    width, ms, taken.MeanMs(), 100 * ms / LIVE_PERIOD_MS,
-                    ms * pictures / 10, pictures);
+                    width, ms, taken.MeanMs(), 100 * ms / LIVE_PERIOD_MS, ms * pictures / 10,
+                    pictures);
     }
     size_t bytes = 0;
     for (const GRH_Index &index : source.indexes)
