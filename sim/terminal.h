@@ -1,6 +1,6 @@
-// The terminals of the demo's firmware, as docs/formats.md describes them for firmware authors:
-// a service terminal with a small menu, and a display of 4 by 20 characters with keys. They work
-// when somebody looks or writes.
+// The terminals of the demo's firmware, as docs/manual/reference/formats.md describes them for
+// firmware authors: a service terminal with a small menu, and a display of 4 by 20 characters with
+// keys. They work when somebody looks or writes.
 #ifndef SIM_TERMINAL_H
 #define SIM_TERMINAL_H
 

@@ -1,6 +1,6 @@
 // The blocks in a target's memory through which its program talks with the terminals, as
-// docs/formats.md describes them for firmware authors. Only what the bytes mean and whether
-// they can be meant so: nothing here touches the line or keeps anything.
+// docs/manual/reference/formats.md describes them for firmware authors. Only what the bytes mean
+// and whether they can be meant so: nothing here touches the line or keeps anything.
 #ifndef TERMINAL_BLOCK_H
 #define TERMINAL_BLOCK_H
 
