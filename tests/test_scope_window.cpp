@@ -268,7 +268,7 @@ protected:
     {
         SX_isUploadDone = 0;
         press(SCOPE_RUN);
-        for (int ticks = 0; ticks < 20000; ++ticks) {
+        for (const uint32_t begin = PLT_TickMs(); PLT_TickMs() - begin < 60000;) {
             if (DTSC_TimerCB(PANEL_SCOPE, SCOPE_TIMER, EVENT_TIMER_TICK, 0) < 0)
                 return false;
             if (SX_isUploadDone != 0)
