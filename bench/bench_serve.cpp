@@ -37,7 +37,7 @@ Client StartServer()
         for (const int fd : {to[0], to[1], from[0], from[1]})
             close(fd);
         if (chdir(folder.c_str()) == 0)
-            execl(program.c_str(), program.c_str(), "-1", "--serve", nullptr);
+            execl(program.c_str(), program.c_str(), "-1", "-s1", "--serve", nullptr);
         _exit(1);
     }
     close(to[0]);
@@ -102,11 +102,11 @@ int main()
     const double alone = BarePerSecond(REQUESTS), together = BarePerSecond(REQUESTS / 32);
     setenv("VIREO2_COM1", SIM_DevicePath(target), 1);
     const Client client = StartServer();
-    const std::string one = R"({"id":1,"op":"read","item":{"name":"1:[8000]","type":"u2"}})"
+    const std::string one = R"({"id":1,"op":"read","item":{"name":"[8000]","type":"u2"}})"
                             "\n";
     std::string many = R"({"id":1,"op":"read","items":[)";
     for (int i = 0; i < 16; ++i)
-        many += std::string(i > 0 ? "," : "") + R"({"name":"1:[)" + std::to_string(8000 + 2 * i) +
+        many += std::string(i > 0 ? "," : "") + R"({"name":"[)" + std::to_string(8000 + 2 * i) +
                 R"(]","type":"u2"})";
     many += "]}\n";
     const struct {

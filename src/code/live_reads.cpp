@@ -37,17 +37,29 @@ bool IsRead(const LVR_Set &set, uint32_t address, uint32_t size)
     return true;
 }
 
-// The last message is the proof of all, where it can be: with the one before, if they touch,
-// there is more to choose its length from.
+// The last message is the proof of all, where it can be. The longest is the best for that: it has
+// the most lengths to choose from, and with one that follows it at once no message more is needed.
+void PutProvingLast(std::vector<LVR_Piece> *plan)
+{
+    const auto longest =
+        std::max_element(plan->begin(), plan->end(),
+                         [](const LVR_Piece &a, const LVR_Piece &b) { return a.size < b.size; });
+    if (longest == plan->end())
+        return;
+    LVR_Piece last = *longest;
+    auto next = plan->erase(longest);
+    if (next != plan->end() && next->address == last.address + last.size) {
+        last.size += next->size;
+        plan->erase(next);
+    }
+    plan->push_back(last);
+}
+
 bool ReadBlocks(LVR_Set *set, int station, bool isLast)
 {
     std::vector<LVR_Piece> plan = LVR_Plan(*set);
-    const size_t count = plan.size();
-    if (isLast && count > 1 &&
-        plan[count - 2].address + plan[count - 2].size == plan.back().address) {
-        plan[count - 2].size += plan.back().size;
-        plan.pop_back();
-    }
+    if (isLast)
+        PutProvingLast(&plan);
     for (size_t i = 0; i < plan.size(); ++i) {
         const LVR_Piece &piece = plan[i];
         std::vector<uint8_t> bytes(piece.size);
