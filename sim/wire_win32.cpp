@@ -166,7 +166,7 @@ void SIM_WakeWire(SIM_Wire *wire)
     wire->isWoken = true;
 }
 
-int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity)
+int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting)
 {
     if (wire->isWoken)
         return -1;
