@@ -166,6 +166,8 @@ const UCM_Protocol UCM_PROTOCOL_MR166 = {
     IsOpened,
     [](int) { return 0; },
     Read,
+    [](int, uint32_t, uint32_t) { return uint32_t{0}; }, // no block proves itself
+    nullptr,
     Write,
     ReadBg,
     WriteBg,
