@@ -360,4 +360,26 @@ TEST_F(ModbusTest, OpeningReportsWhatIsWrongAndStoppingUnplugs)
     EXPECT_EQ(UCM_LastErrorText(), "port is gone");
 }
 
+// The answer that proves is one that was wanted anyway, and its bytes are those of the place.
+TEST_F(ModbusTest, AReadThatProvesCostsNoProbe)
+{
+    plug();
+    uint8_t held[300], got[300];
+    for (size_t i = 0; i < sizeof held; ++i)
+        held[i] = static_cast<uint8_t>(i * 7 + i / 256);
+    SIM_Poke(target, 1, 0x20001, held, sizeof held);
+    ASSERT_EQ(UCM_ReadProven(1, 0x20001, 2, got), 0);
+    const struct {
+        uint32_t size;
+        uint64_t requests; // with the proof
+    } cases[] = {{300, 2}, {216, 2}, {40, 2}, {2, 2}};
+    for (const auto &c : cases) {
+        const uint64_t before = SIM_GetCounters(target).requests;
+        EXPECT_EQ(UCM_ReadProving(1, 0x20001, c.size, got), c.size > 2 ? 1 : 0);
+        EXPECT_EQ(UCM_Prove(), UCM_PROVEN);
+        EXPECT_TRUE(std::equal(got, got + c.size, held)) << c.size;
+        EXPECT_EQ(SIM_GetCounters(target).requests - before, c.requests) << c.size;
+    }
+}
+
 } // namespace
