@@ -152,7 +152,7 @@ bool ParseColumns(const std::string &line, const std::vector<TraceNotes> &notes,
     for (size_t i = 2; i < cells.size(); ++i) {
         const TraceNotes note = i - 2 < notes.size() ? notes[i - 2] : TraceNotes();
         SCP_Trace trace;
-        trace.name = cells[i];
+        trace.name = WRD_WithoutCsvMark(cells[i]);
         trace.unit = note.unit;
         trace.type = note.type;
         trace.factor = note.factor;

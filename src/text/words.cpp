@@ -35,6 +35,13 @@ bool IsFormula(const std::string &text)
            std::string("=+-@").find(text[start]) != std::string::npos && !IsNumber(text);
 }
 
+// With apostrophes of its own in front it gets one more, so that taking one off gives it back.
+bool IsFormulaBehindMarks(const std::string &text)
+{
+    const size_t begin = text.find_first_not_of('\'');
+    return begin != std::string::npos && IsFormula(text.substr(begin));
+}
+
 } // namespace
 
 std::string WRD_FormatList(const char *format, va_list arguments)
@@ -70,13 +77,19 @@ std::string WRD_Trim(const std::string &text)
 
 std::string WRD_QuoteCsv(const std::string &text)
 {
-    const std::string cell = (IsFormula(text) ? "'" : "") + text;
+    const std::string cell = (IsFormulaBehindMarks(text) ? "'" : "") + text;
     if (cell.find_first_of(",\"\r\n") == std::string::npos)
         return cell;
     std::string quoted = "\"";
     for (const char c : cell)
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
     return quoted + '"';
+}
+
+std::string WRD_WithoutCsvMark(const std::string &cell)
+{
+    const bool isMarked = !cell.empty() && cell[0] == '\'' && IsFormulaBehindMarks(cell);
+    return isMarked ? cell.substr(1) : cell;
 }
 
 std::string WRD_Visible(std::string text)

@@ -15,6 +15,7 @@ std::string WRD_Trim(const std::string &text);
 // spreadsheet would run as a formula (it begins with "=", "+", "-" or "@" and is no number,
 // with or without a unit) gets an apostrophe in front, which keeps it text.
 std::string WRD_QuoteCsv(const std::string &text);
+std::string WRD_WithoutCsvMark(const std::string &cell); // the text, from a cell without quotes
 // The text with a dot for every control character: names from files must not steer a
 // terminal or a list.
 std::string WRD_Visible(std::string text);
