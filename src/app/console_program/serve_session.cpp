@@ -101,10 +101,19 @@ void AnswerHeldReads()
     heldReads.clear();
 }
 
-SRV_Json ReadItems(const std::vector<int> &items)
+// Proven later. What an earlier request read is no answer to one that was broken off.
+void ReadUnproven(const std::vector<int> &items)
 {
     for (const int index : items)
-        readValues(index);
+        if (readValues(index) == RDI_BROKEN_OFF) {
+            aLItems[index].isValueGood = false;
+            aLItems[index].reason = RDI_CANCELLED;
+        }
+}
+
+SRV_Json ReadItems(const std::vector<int> &items)
+{
+    ReadUnproven(items);
     RDI_Prove();
     return DescribeValues(items);
 }
@@ -156,8 +165,7 @@ bool Read(const SRV_Json &request, SRV_Json *, SRV_Json *error)
     HeldRead held;
     if (!FindItems(request, &held.items, error) || (heldReads.empty() && !HoldLink(error)))
         return false;
-    for (const int index : held.items)
-        readValues(index);
+    ReadUnproven(held.items);
     heldSinceMs = heldReads.empty() ? PLT_TickMs() : heldSinceMs;
     held.id = request.value("id", SRV_Json());
     heldReads.push_back(held);

@@ -19,7 +19,6 @@ namespace {
 constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
 constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
 constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
-const char CANCELLED[] = "cancelled";
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 
 // A block that was refused may hold a byte that cannot be read: for a while nothing is read
@@ -301,7 +300,7 @@ int RDI_ReadNow(int index)
     if (!item->readError && item->goodReads != goodBefore)
         return 0;
     if (item->goodReads == goodBefore && IsBreakWished()) // who asks for one item is told
-        Fail(item, PLT_TickMs(), CANCELLED);
+        Fail(item, PLT_TickMs(), RDI_CANCELLED);
     return LIT_IsTMS(aLItems[index]) ? -2 : -1;
 }
 

@@ -10,6 +10,7 @@
 
 // Why an item without an address has failed.
 constexpr char RDI_NOT_RESOLVED[] = "not resolved: no such name in the loaded maps";
+constexpr char RDI_CANCELLED[] = "cancelled";
 
 // Watch items by index in aLItems; implemented in watch/list/read_item.cpp.
 int read166(int index, uint32_t *low, uint32_t *high); // 0, -1 no communication, -2 no address
