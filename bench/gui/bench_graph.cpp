@@ -17,6 +17,7 @@
 #include "app/main_panel.h"
 #include "app/startup.h"
 #include "graphs/window.h"
+#include "gui/wait.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/plot_widget.h"
 #include "runtime/qt/qt_view.h"
@@ -34,7 +35,7 @@ namespace {
 
 constexpr int PORT = 4, BAUD = 115200;
 constexpr int CURVES = 16;
-constexpr int MEASURED_MS = 6000, WAIT_MAX_MS = 20000;
+constexpr int MEASURED_MS = 6000;
 constexpr uint32_t LIVE_ADDRESS = 0x8000; // of the demo's variables, which move
 
 double ThreadSeconds(clockid_t clock)
@@ -71,26 +72,6 @@ int RunMeasuredProgram(int argc, char **argv)
     WindowCB(0, ITEM_WATCH_VIEW);
     VR_FillDebugItems();
     return RunUserInterface();
-}
-
-template <class Done> bool WaitFor(Done isDone)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!isDone()) {
-        if (timer.elapsed() > WAIT_MAX_MS)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
-}
-
-void Pause(int ms)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < ms)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
 }
 
 void ClickMenu(int item, bool isChecked)
@@ -150,7 +131,7 @@ void OpenGraph(int first)
     for (int i = first; i < first + CURVES; ++i)
         view->selectionModel()->select(view->model()->index(i, 0),
                                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
-    Pause(300);
+    BEN_Pause(300);
     ClickMenu(ITEM_GRAPH, false);
 }
 
@@ -171,23 +152,24 @@ int main(int argc, char **argv)
     }
     setenv("VIREO2_COM4", SIM_DevicePath(target), 1);
     std::thread program([argc, argv] { VIEW_RunProgram(argc, argv, RunMeasuredProgram); });
-    const bool isShown = WaitFor([] { return QTV_MainWindow() && QTV_MainWindow()->isVisible(); });
+    const bool isShown =
+        BEN_WaitFor([] { return QTV_MainWindow() && QTV_MainWindow()->isVisible(); });
     if (!isShown)
         std::_Exit(1);
-    Pause(500);
+    BEN_Pause(500);
     ClickMenu(ITEM_CONNECT, false);
-    Pause(1000);
+    BEN_Pause(1000);
     const double peer = MeasureShare(&program, "communication on, no graph (peer)", nullptr);
     OpenGraph(0);
     PlotWidget *plot = nullptr;
-    WaitFor([&plot] {
+    BEN_WaitFor([&plot] {
         QTV_Control *control = QTV_FindControl(PANEL_GRAPH, STRIP_GRAPH);
         plot = control != nullptr ? static_cast<PlotWidget *>(control->widget) : nullptr;
         return plot != nullptr && plot->isVisible();
     });
     plot->window()->resize(1200, 800);
     Choose(STRIP_PERIOD, 0); // as fast as it goes
-    Pause(11000);            // the whole width is filled
+    BEN_Pause(11000);        // the whole width is filled
     const double live = MeasureShare(&program, "16 neighbours, 10 s in view", plot);
     const auto stateText = [] {
         QTV_Control *control = QTV_FindControl(PANEL_GRAPH, STRIP_STATE);
@@ -195,7 +177,7 @@ int main(int argc, char **argv)
     };
     std::printf("  %s, %d curves\n", stateText().c_str(), plot->plottableCount());
     Choose(STRIP_WINDOW, 0);
-    Pause(1500);
+    BEN_Pause(1500);
     const double narrow = MeasureShare(&program, "16 neighbours, 1 s in view", plot);
     std::printf("beyond the peer: %.1f %% and %.1f %% of one core\n", 100 * (live - peer),
                 100 * (narrow - peer));

@@ -20,6 +20,7 @@
 #include "app/main_panel.h"
 #include "app/startup.h"
 #include "bench.h"
+#include "gui/wait.h"
 #include "runtime/qt/line_list.h"
 #include "runtime/qt/panel_window.h"
 #include "runtime/qt/qt_view.h"
@@ -93,27 +94,6 @@ LineList *List()
     return control ? static_cast<LineList *>(control->widget) : nullptr;
 }
 
-// Waits with the event loop running. False when `isDone` never came.
-template <class Done> bool WaitFor(Done isDone)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!isDone()) {
-        if (timer.elapsed() > 20000)
-            return false;
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
-}
-
-void Pause(int ms)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (timer.elapsed() < ms)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
-}
-
 // From a key's arrival at the window until the list has been painted anew.
 BEN_Cost MeasureKeys(LineList *list)
 {
@@ -126,7 +106,7 @@ BEN_Cost MeasureKeys(LineList *list)
         QCoreApplication::sendEvent(list, &key);
         list->repaint();
         cost.Add(PassedMs(timer));
-        Pause(KEY_PAUSE_MS);
+        BEN_Pause(KEY_PAUSE_MS);
     }
     return cost;
 }
@@ -137,7 +117,7 @@ void MeasureShare(std::thread *program, int height)
 {
     constexpr int MEASURED_MS = 5000, SETTLE_MS = 500;
     QTV_MainWindow()->resize(900, height);
-    Pause(SETTLE_MS);
+    BEN_Pause(SETTLE_MS);
     clockid_t programClock;
     pthread_getcpuclockid(program->native_handle(), &programClock);
     const double window = ThreadSeconds(CLOCK_THREAD_CPUTIME_ID);
@@ -230,7 +210,7 @@ void MeasureRedraw(LineList *list, int height, const char *what)
                       {"Address", 80, UIA_LEFT, false, false},
                       {"Type", 50, UIA_LEFT, false, false},
                       {"Value", 200, UIA_POINT, false, false}});
-    Pause(50);
+    BEN_Pause(50);
     const BEN_Cost sweep = MeasureSweeps(), floor = MeasureFloor(list);
     Print(what, sweep);
     Print("  as many texts on an image (floor)", floor);
@@ -248,11 +228,11 @@ int main(int argc, char **argv)
     if (QTV_StartApplication(&argc, argv) < 0)
         return 1;
     std::thread program([argc, argv] { VIEW_RunProgram(argc, argv, RunMeasuredProgram); });
-    bool isShown = WaitFor([] { return QTV_MainWindow() && QTV_MainWindow()->isVisible(); });
+    bool isShown = BEN_WaitFor([] { return QTV_MainWindow() && QTV_MainWindow()->isVisible(); });
     if (isShown)
         QTV_MainWindow()->repaint();
     std::printf("%-44s %8.3f ms\n", "from main to the first picture", PassedMs(sinceStart));
-    isShown = isShown && WaitFor([] { return List() && List()->lines()->rowCount() == LINES; });
+    isShown = isShown && BEN_WaitFor([] { return List() && List()->lines()->rowCount() == LINES; });
 
     SIM_Options silent;
     silent.stations = 0;
@@ -268,7 +248,7 @@ int main(int argc, char **argv)
     for (const int height : {HEIGHT_USUAL, HEIGHT_4K})
         MeasureShare(&program, height);
     ToggleCommunication(true);
-    WaitFor([] {
+    BEN_WaitFor([] {
         VIEW_Counters counters;
         VIEW_GetCounters(&counters);
         return counters.handled == counters.posted;
@@ -278,7 +258,7 @@ int main(int argc, char **argv)
     const BEN_Cost idle = MeasureKeys(List());
     ToggleCommunication(false);
     VIEW_Busy busy;
-    if (!WaitFor([&busy] {
+    if (!BEN_WaitFor([&busy] {
             VIEW_GetBusy(&busy);
             return busy.isBusy;
         }))

@@ -3,6 +3,7 @@
 
 #include "app/version.h"
 
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -22,9 +23,8 @@ constexpr const char *HELP_PLACES[] = {
 std::string VR_FindHelpFile()
 {
     for (const char *place : HELP_PLACES) {
-        PLT_FileStamp stamp;
         const std::string path = PLT_ProgramDir() + place;
-        if (PLT_GetFileStamp(path, &stamp) == 0)
+        if (PLF_Exists(path))
             return path;
     }
     return "";

@@ -41,8 +41,7 @@ bool isMissing;    // at start
 
 bool IsFile(const std::string &path)
 {
-    PLT_FileStamp stamp;
-    return !path.empty() && PLT_GetFileStamp(path, &stamp) == 0;
+    return !path.empty() && PLF_Exists(path);
 }
 
 std::string LineText(int line)
@@ -223,8 +222,7 @@ int OpenIniFile(int)
     WPL_Forget();
     std::FILE *file = nullptr;
     const int result = PLF_Open(place.read, FILE_SIZE_MAX, &file);
-    PLT_FileStamp stamp;
-    isUnreadable = result != PLF_OK && PLT_GetFileStamp(place.read, &stamp) == 0;
+    isUnreadable = result != PLF_OK && PLF_Exists(place.read);
     isMissing = result != PLF_OK && !isUnreadable;
     if (file != nullptr) {
         ReadLines(file);

@@ -1,6 +1,7 @@
 // The two text forms of a date-time record, and the clock's own.
 #include "calendar/datetime.h"
 
+#include "platform/system.h"
 #include "text/xscan.h"
 
 #include <cctype>
@@ -107,6 +108,14 @@ int MakeTmStamp(std::string *text)
         return -1;
     text->assign(whole + CTIME_STAMP_AT, CTIME_STAMP_CHARS);
     return 0;
+}
+
+std::string IsoDateText(const PLT_Date &date)
+{
+    char text[96];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month,
+                  date.day, date.hour, date.minute, date.second);
+    return text;
 }
 
 int TmStamp2DtTm(const char *text, DateTime *dateTime)

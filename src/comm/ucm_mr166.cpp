@@ -3,11 +3,10 @@
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 
 namespace {
-
-constexpr int STATION_MAX = 15;
 
 // The unified layer's number of tries may be changed at any time by a user of it; the link keeps
 // its own copy, because it is used without this layer as well.

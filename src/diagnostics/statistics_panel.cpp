@@ -1,6 +1,7 @@
 // The figures of the statistics window, and the advice drawn from them.
 #include "diagnostics/statistics_panel.h"
 
+#include "calendar/datetime.h"
 #include "comm/failures.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
@@ -41,14 +42,6 @@ std::string ShareText(const Figures &figures)
     return text;
 }
 
-std::string DateText(const PLT_Date &date)
-{
-    char text[96];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month,
-                  date.day, date.hour, date.minute, date.second);
-    return text;
-}
-
 struct Row {
     int panelControl;
     const char *name;
@@ -60,7 +53,7 @@ std::vector<Row> Rows(const Figures &figures)
     const UCM_Statistics &counts = figures.counts;
     const FAIL_Cause *last = FAIL_Last();
     const std::string lastText =
-        last == nullptr ? "none" : last->text + ", " + DateText(last->last);
+        last == nullptr ? "none" : last->text + ", " + IsoDateText(last->last);
     return {
         {STATISTICS_ANSWERED, "Messages answered", std::to_string(counts.answered)},
         {STATISTICS_TIMEOUTS, "Time-outs", std::to_string(counts.timeouts)},
@@ -68,7 +61,7 @@ std::vector<Row> Rows(const Figures &figures)
         {STATISTICS_REPEATED, "Repeated blocks", std::to_string(counts.repeated)},
         {STATISTICS_SHARE, "Error share", ShareText(figures)},
         {STATISTICS_LAST, "Last failure", lastText},
-        {STATISTICS_SINCE, "Counted since", DateText(counts.since)},
+        {STATISTICS_SINCE, "Counted since", IsoDateText(counts.since)},
     };
 }
 

@@ -10,6 +10,12 @@ constexpr size_t BLOCK_SIZE = 65536;
 
 } // namespace
 
+bool PLF_Exists(const std::string &path)
+{
+    PLT_FileStamp stamp;
+    return PLT_GetFileStamp(path, &stamp) == 0;
+}
+
 int PLF_Open(const std::string &path, int64_t sizeMax, std::FILE **file)
 {
     int64_t size = 0;

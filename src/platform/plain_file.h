@@ -16,6 +16,7 @@ enum { PLF_OK = 0, PLF_ERR_OPEN = -1, PLF_ERR_SPECIAL = -2, PLF_ERR_LARGE = -3 }
 // Opens a plain file of at most `sizeMax` bytes for binary reading: the caller closes it.
 // PLF_OK, or a code with *file null.
 int PLF_Open(const std::string &path, int64_t sizeMax, std::FILE **file);
+bool PLF_Exists(const std::string &path); // anything of that name, a folder too
 // The whole of a file, or a code and "". A file that grows while it is read ends at its bound.
 int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content);
 // Why a file cannot be read: "cannot be opened", "is a folder, device or pipe", "is too large".

@@ -1,5 +1,6 @@
 #include "platform/settings_place.h"
 
+#include "platform/plain_file.h"
 #include "platform/system.h"
 
 namespace {
@@ -16,12 +17,6 @@ bool CanWrite(const std::string &folder)
     return true;
 }
 
-bool IsThere(const std::string &path)
-{
-    PLT_FileStamp stamp;
-    return PLT_GetFileStamp(path, &stamp) == 0;
-}
-
 } // namespace
 
 SPL_Place SPL_FindPlace(const std::string &name)
@@ -34,5 +29,5 @@ SPL_Place SPL_FindPlace(const std::string &name)
     if (folder.empty() || PLT_MakeDirs(folder) != 0 || !CanWrite(folder))
         return {beside, beside, false};
     const std::string users = folder + PLT_PathSeparator() + name;
-    return {users, IsThere(users) || !IsThere(beside) ? users : beside, true};
+    return {users, PLF_Exists(users) || !PLF_Exists(beside) ? users : beside, true};
 }

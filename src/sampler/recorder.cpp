@@ -1,6 +1,7 @@
 #include "sampler/recorder.h"
 
 #include "calendar/datetime.h"
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "text/words.h"
 
@@ -177,12 +178,6 @@ std::string Head(const REC_Recorder &recorder)
     return head + columns + "\r\n";
 }
 
-bool Exists(const std::string &path)
-{
-    PLT_FileStamp stamp;
-    return PLT_GetFileStamp(path, &stamp) == 0;
-}
-
 // "run.csv" becomes "run-20261121-170114.csv", and "...-2.csv" when that is there already.
 std::string StampedPath(const REC_Recorder &recorder, int64_t nowUs)
 {
@@ -198,7 +193,7 @@ std::string StampedPath(const REC_Recorder &recorder, int64_t nowUs)
                   date.day, date.hour, date.minute, date.second);
     const std::string end = hasDot ? path.substr(dot) : "";
     std::string stamped = base + stamp + end;
-    for (int number = 2; Exists(stamped) && number < SAME_NAMES_MAX; ++number)
+    for (int number = 2; PLF_Exists(stamped) && number < SAME_NAMES_MAX; ++number)
         stamped = base + stamp + "-" + std::to_string(number) + end;
     return stamped;
 }
@@ -211,7 +206,7 @@ int OpenForWriting(REC_Recorder *recorder, bool mayReplace)
         recorder->problem = path + " is a folder, device or pipe.";
         return REC_ERR_OPEN;
     }
-    if (!mayReplace && Exists(path)) {
+    if (!mayReplace && PLF_Exists(path)) {
         recorder->problem = path + " exists.";
         return REC_ERR_EXISTS;
     }

@@ -1,5 +1,6 @@
 #include "scope/capture.h"
 
+#include "calendar/datetime.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
@@ -28,10 +29,7 @@ std::string Now()
 {
     PLT_Date now;
     PLT_LocalTime(&now);
-    char text[40];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", now.year, now.month, now.day,
-                  now.hour, now.minute, now.second);
-    return text;
+    return IsoDateText(now);
 }
 
 // What stands above the columns: with it the file is read again as it was taken.

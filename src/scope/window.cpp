@@ -295,8 +295,7 @@ int DTSC_LoadSettings()
     const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
     settingsPath = place.write;
     setup = SCP_Setup();
-    PLT_FileStamp stamp;
-    const bool isThere = PLT_GetFileStamp(place.read, &stamp) == 0;
+    const bool isThere = PLF_Exists(place.read);
     std::vector<std::string> problems;
     const int result = isThere ? SCP_LoadSetup(place.read, &setup, &problems) : 0;
     isSettingsRead = result == 0;

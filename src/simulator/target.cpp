@@ -9,6 +9,7 @@
 #include "platform/remote_ports.h"
 #include "platform/system.h"
 #include "platform/tcp_port.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "watch/main_window.h"
@@ -17,7 +18,6 @@ namespace {
 
 constexpr uint32_t START_WAIT_MS = 5000; // of a machine with much else to do
 constexpr unsigned LOOK_MS = 5;
-constexpr int STATION_LAST = 15;
 
 struct Link {
     int32_t port = 0, baud = 0, station = 0;
@@ -86,7 +86,7 @@ int32_t ChooseStation()
         at = comma + 1;
     }
     if (first < 0)
-        first = STATION >= 0 && STATION <= STATION_LAST ? STATION : 1;
+        first = STATION >= 0 && STATION <= STATION_MAX ? STATION : 1;
     return running.isModbus && first == 0 ? 1 : first; // slave 0 is nobody
 }
 

@@ -3,9 +3,9 @@
 #include <cerrno>
 #include <cstring>
 
+#include "calendar/datetime.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
-#include "text/words.h"
 
 int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
 {
@@ -30,9 +30,7 @@ int TLG_PutLine(TLG_Log *log, const std::string &line, std::string *problem)
         return 0;
     PLT_Date now;
     PLT_LocalTime(&now);
-    const std::string text = WRD_Format("%04d-%02d-%02d %02d:%02d:%02d  ", now.year, now.month,
-                                        now.day, now.hour, now.minute, now.second) +
-                             line + "\n";
+    const std::string text = IsoDateText(now) + "  " + line + "\n";
     log->bytes += text.size() + 1; // CR LF
     if (log->bytes > TLG_BYTES_MAX) {
         *problem = "The log is full: " + log->path + ".";

@@ -7,6 +7,7 @@
 #include "console/script/script.h"
 #include "console/script/script_command.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
@@ -24,8 +25,6 @@ std::string SCR_szGotoLabel;
 bool SCR_isExit = false;
 
 namespace {
-
-constexpr uint32_t STATION_LAST = 15;
 
 struct Choice {
     const char *name;
@@ -77,7 +76,7 @@ int SCR_Help(ScrPar *)
 // The panels are refreshed only on a change: scripts set the same station often.
 int SCR_Station(ScrPar *par)
 {
-    if (par[0].value > STATION_LAST)
+    if (par[0].value > static_cast<uint32_t>(STATION_MAX))
         return SCR_Fail("station: cislo stanice ma byt od 0 do 15.");
     const int32_t station = static_cast<int32_t>(par[0].value);
     if (station != STATION) {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "platform/plain_file.h"
 #include "platform/system.h"
 #include "runtime/model/door.h"
 
@@ -142,8 +143,7 @@ int FileSelectPopup(const std::string &directory, const std::string &spec, const
     std::string chosen;
     if (Ask(question, &chosen) != 1 || chosen.empty())
         return VAL_NO_FILE_SELECTED;
-    PLT_FileStamp stamp;
-    const bool exists = PLT_GetFileStamp(chosen, &stamp) == 0;
+    const bool exists = PLF_Exists(chosen);
     if (!exists && mode == FILE_LOAD)
         return VAL_NO_FILE_SELECTED;
     *path = chosen;
