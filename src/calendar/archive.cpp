@@ -6,6 +6,7 @@
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "text/txfrw.h"
+#include "text/words.h"
 #include "text/xscan.h"
 
 #include <algorithm>
@@ -34,11 +35,6 @@ struct OpenFile {
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;
 };
-
-bool IsControl(char c)
-{
-    return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
-}
 
 // A header's line without its end; false at the end of the file or when it does not end.
 bool ReadHeaderLine(std::FILE *file, std::string *line)
@@ -74,6 +70,7 @@ bool ParseHeader(const char *line, QarHeader *header)
         !ReadNumber(&line, "* ;* 0x", "@#0-9a-fA-F.", 16, UINT32_MAX, &check) ||
         xscan("* ;* \"", &line) < 0)
         return false;
+    // The last quote closes the name, which may hold quotes of its own.
     const char *quote = std::strrchr(line, '"');
     header->index = static_cast<long>(index);
     header->count = static_cast<long>(count);
@@ -100,6 +97,7 @@ bool FindMember(std::FILE *file, const char *name, QarHeader *header)
 {
     if (QAR_Get_file_header(file, header) != 0 || header->index != 1)
         return false;
+    // The members are numbered in their order: another number is no header of this archive.
     while (header->name != name) {
         const long index = header->index, count = header->count;
         if (index >= count || std::fseek(file, header->size, SEEK_CUR) != 0 ||
@@ -189,7 +187,7 @@ int QAR_CheckMembers(const std::vector<std::string> &fileNames, std::string *mes
             *message = "member '" + name + "' has more than 128 MiB";
         else if (result != PLF_OK)
             *message = "member '" + name + "' " + PLF_ErrorText(result);
-        else if (std::any_of(name.begin(), name.end(), IsControl) || name.size() > QAR_NAME_MAX)
+        else if (WRD_Visible(name) != name || name.size() > QAR_NAME_MAX) // control characters
             *message = "the name of member " + std::to_string(i + 1) + " does not fit a header";
         else if (std::find(fileNames.begin(), fileNames.begin() + static_cast<long>(i), name) !=
                  fileNames.begin() + static_cast<long>(i))
@@ -207,7 +205,7 @@ int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames)
     if (fileNames.empty() || SAF_Open(&safe, archiveName, "wb") != 0)
         return -1;
     const long count = static_cast<long>(fileNames.size());
-    for (long i = 0; i < count; i++) {
+    for (long i = 0; i < count; i++) { // the header says how many follow: all or none
         if (QAR_Add_file(safe.file, fileNames[static_cast<size_t>(i)].c_str(), i + 1, count) != 0) {
             SAF_Cancel(&safe);
             return -1;

@@ -25,19 +25,17 @@ struct Tables {
 
 Tables tables;
 
-uint32_t ShiftByte(uint32_t value, uint32_t polynomial)
-{
-    for (int bit = 0; bit < 8; bit++)
-        value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
-    return value;
-}
-
 void BuildTables(uint32_t polynomial)
 {
     Table table; // what a byte does when `behind` more bytes follow it
-    for (size_t byte = 0; byte < BYTE_VALUES; byte++)
-        table.value[byte] = ShiftByte(static_cast<uint32_t>(byte), polynomial);
+    for (size_t byte = 0; byte < BYTE_VALUES; byte++) {
+        uint32_t value = static_cast<uint32_t>(byte);
+        for (int bit = 0; bit < 8; bit++)
+            value = (value >> 1) ^ ((value & 1) != 0 ? polynomial : 0);
+        table.value[byte] = value;
+    }
     const Table one = table;
+    // Each round of the loop puts one more zero byte behind.
     for (size_t behind = 0; behind < ROUND; behind++) {
         if (behind < WORD)
             tables.near[WORD - 1 - behind] = table;

@@ -89,7 +89,7 @@ int32_t CntDays2000(const DateTime *dateTime)
 int32_t DayOfWeek2000(const DateTime *dateTime)
 {
     const int32_t days = CntDays2000(dateTime);
-    return days < 0 ? -1 : (days + 5) % 7 + 1;
+    return days < 0 ? -1 : (days + 5) % 7 + 1; // 1 January 2000 was a Saturday
 }
 
 uint32_t WrkCET2000(const DateTime *dateTime)
@@ -104,7 +104,7 @@ uint32_t WrkCET2000(const DateTime *dateTime)
 
 int InvWrkCET2000(uint32_t seconds, DateTime *dateTime)
 {
-    if (seconds == 0)
+    if (seconds == 0) // what WrkCET2000 answers to a record that is none
         return -1;
     DateTime found = {EPOCH_YEAR, 1, 1, 0, 0, 0, DTTM_DECODED};
     for (; seconds >= DAY_S * CountYearDays(found.year); found.year++)
@@ -115,8 +115,7 @@ int InvWrkCET2000(uint32_t seconds, DateTime *dateTime)
             break;
         seconds -= DAY_S * days;
     }
-    // Whole years and months are off: what is left is within the month, and the clamp to the
-    // end of its last day that a leftover day would need can never be reached.
+    // Whole years and months are off: what is left lies within the month.
     found.day += static_cast<int32_t>(seconds / DAY_S);
     seconds %= DAY_S;
     found.hour = static_cast<int32_t>(seconds / HOUR_S);
@@ -150,10 +149,11 @@ int StdTm2SezTm(DateTime *dateTime)
 int SezTm2StdTm(DateTime *dateTime)
 {
     DateTime record = *dateTime;
-    record.kind = DTTM_DECODED;
+    record.kind = DTTM_DECODED; // a record of kind DTTM_EMPTY is welcome here
     if (!IsDtTmOk(&record))
         return -1;
     const bool isSummer = IsSummerTime(record, 3);
+    // Standard time ends at 2 where summer time ends at 3: the hour between exists twice.
     const bool isTwice = isSummer && !IsSummerTime(record, 2);
     if (isTwice) {
         dateTime->kind = dateTime->kind == DTTM_EMPTY ? DTTM_DECODED : DTTM_SUMMER;

@@ -4,7 +4,6 @@
 #include "platform/system.h"
 #include "text/xscan.h"
 
-#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -55,15 +54,7 @@ template <size_t N> bool ReadSteps(const char *text, const Step (&steps)[N], Dat
     return true;
 }
 
-// 1 to 12, or 0 for no name of a month.
-int32_t FindMonth(const char *name)
-{
-    for (int32_t month = 1; month <= 12; month++)
-        if (std::strcmp(name, MONTH_NAMES[month]) == 0)
-            return month;
-    return 0;
-}
-
+// The caller's record changes only when all of the text was a real time.
 int Accept(const DateTime &read, DateTime *dateTime)
 {
     if (!IsDtTmOk(&read))
@@ -103,7 +94,7 @@ int DtTm2Tm19(const DateTime *dateTime, std::string *text)
 int MakeTmStamp(std::string *text)
 {
     const std::time_t now = std::time(nullptr);
-    const char *whole = std::ctime(&now);
+    const char *whole = std::ctime(&now); // "Sun Mar  1 10:20:30 2015\n", in English everywhere
     if (whole == nullptr || std::strlen(whole) != CTIME_CHARS)
         return -1;
     text->assign(whole + CTIME_STAMP_AT, CTIME_STAMP_CHARS);
@@ -126,7 +117,10 @@ int TmStamp2DtTm(const char *text, DateTime *dateTime)
     if (xscaniu("@@3#A-Z.", &text, &output) < 0)
         return -1;
     DateTime read;
-    read.month = FindMonth(name);
+    // A name of no month leaves 0, which no date has.
+    for (int32_t month = 1; month <= 12; month++)
+        if (std::strcmp(name, MONTH_NAMES[month]) == 0)
+            read.month = month;
     read.kind = DTTM_DECODED;
     return ReadSteps(text, STAMP_STEPS, &read) ? Accept(read, dateTime) : -1;
 }

@@ -1,3 +1,5 @@
+// Both directions look into the tables as they are: nothing is kept here that a new map would
+// make untrue.
 #include "symbols/addr_name.h"
 
 #include <cstdio>

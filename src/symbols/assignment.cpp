@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "comm/sysaddr.h"
+#include "symbols/varnode.h"
 #include "text/tokens.h"
 #include "text/words.h"
 
@@ -72,23 +73,8 @@ bool SkipCast(const char **cursor)
     return false;
 }
 
-bool IsLabelEnd(const char *cursor)
-{
-    cursor = CON_SkipBlanks(cursor);
-    return *cursor == ':' && *CON_SkipBlanks(cursor + 1) == '\0';
-}
-
-// A name first; what is none must be a number of the line's type.
-bool ParseValue(const char **cursor, ScrPar *value, int32_t type)
-{
-    const char *begin = *cursor;
-    if (ScrGetPar(cursor, value, PAR_NAME | PAR_OFFSET) >= 0)
-        return true;
-    *cursor = begin;
-    ClrScrPar(value, 1);
-    return ScrGetPar(cursor, value, static_cast<uint32_t>(type)) >= 0;
-}
-
+// "= value" and the target in front of it, with its members. Each record is cleared before its
+// try: what a failed one left in it would be taken for parsed.
 bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
 {
     ClrScrPar(records, ASSN_RECORDS);
@@ -99,7 +85,15 @@ bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
     if (*cursor != '=')
         return false;
     cursor = CON_SkipBlanks(cursor + 1);
-    return ParseValue(&cursor, &records[1], type) && *CON_SkipBlanks(cursor) == '\0';
+    // A name first; what is none must be a number of the line's type.
+    const char *value = cursor;
+    if (ScrGetPar(&cursor, &records[1], PAR_NAME | PAR_OFFSET) < 0) {
+        cursor = value;
+        ClrScrPar(&records[1], 1);
+        if (ScrGetPar(&cursor, &records[1], static_cast<uint32_t>(type)) < 0)
+            return false;
+    }
+    return *CON_SkipBlanks(cursor) == '\0';
 }
 
 // A run of letters and digits, as a number or a register's name is one.
@@ -107,7 +101,7 @@ bool SkipRun(const char **cursor)
 {
     const char *begin = CON_SkipBlanks(*cursor);
     const char *end = begin;
-    while (CON_IsNameChar(*end) || *end == '?')
+    while (VRN_IsNameChar(*end))
         end++;
     *cursor = end;
     return end != begin;
@@ -148,15 +142,6 @@ bool SkipPath(const char **cursor)
     return true;
 }
 
-std::string WithoutBlanks(const char *begin, const char *end)
-{
-    std::string text;
-    for (; begin != end; begin++)
-        if (!CON_IsBlank(*begin))
-            text += *begin;
-    return text;
-}
-
 } // namespace
 
 int32_t StrToATP(const char *text)
@@ -177,7 +162,8 @@ int32_t GetPfxType(const char *name)
     if (*name == '\0')
         return 0;
     const char second = name[1];
-    // "f" is both: a letter in front of a capital, and a prefix of its own.
+    // "f" is both: a letter in front of a capital, and a prefix of its own, so that a name such
+    // as "flags" counts as a float.
     const bool isLetterPrefix =
         (second >= 'A' && second <= 'Z') || second == '_' || !CON_IsNameChar(second);
     return isLetterPrefix ? FindPrefix(LETTER_PREFIXES, name) : FindPrefix(PREFIXES, name);
@@ -227,7 +213,8 @@ int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)
     if (ScrGetPar(&cursor, &records[0], PAR_NAME) < 0)
         return ASSN_NONE;
     // A cast in front of a label would mean nothing: such a line is none.
-    if (!isCast && IsLabelEnd(cursor))
+    cursor = CON_SkipBlanks(cursor);
+    if (!isCast && *cursor == ':' && *CON_SkipBlanks(cursor + 1) == '\0')
         return ASSN_LABEL;
     return ParseTargetAndValue(name, records, type) ? ASSN_VALUE : ASSN_NONE;
 }
@@ -254,7 +241,10 @@ int ASSN_Split(const char *line, AssnLine *parts)
     if (!SkipPath(&cursor))
         return -1;
     parts->target = WRD_Trim(std::string(target, cursor));
-    parts->path = WithoutBlanks(path, cursor);
+    // Without its blanks: look-ups take them for the end of a name.
+    for (const char *c = path; c != cursor; c++)
+        if (!CON_IsBlank(*c))
+            parts->path += *c;
     cursor = CON_SkipBlanks(cursor);
     parts->hasValue = *cursor == '=';
     if (!parts->hasValue)

@@ -1,3 +1,5 @@
+// A directory has no table: a file is found by going from header to header, each of which says
+// where the next one stands. Whatever is read may be anything: every step is bounded.
 #include "symbols/flash_files.h"
 #include "symbols/listener.h"
 
@@ -86,6 +88,7 @@ int FindHeader(uint32_t *address, FileInfo *info)
     if (found == end)
         return -1;
     *address += static_cast<uint32_t>(found - bytes);
+    // Most headers lie whole in the probe; one at its end costs another read.
     if (found + MFS_HEADER_SIZE <= end)
         return ParseInfo(found, SIGNATURE, info) ? 0 : -1;
     return ReadInfo(*address, SIGNATURE, info);
@@ -138,6 +141,7 @@ int WalkToFile(const char *name, uint32_t start, uint32_t end, Walk *walk, uint3
         if (*data > end || size > end - *data)
             return -1;
         address = *data + size;
+        // Deleted files stay in the flash until it is erased.
         if ((header.flags & MFS_FLAG_VALID) == 0 || header.name != name)
             continue;
         if (end - address < MFS_HEADER_SIZE)
@@ -171,22 +175,6 @@ int WalkBack(uint32_t limit, uint32_t end, Walk *walk, uint32_t *start)
             }
         }
         return result < -1 ? result : 0; // something else stands here: the directory begins
-    }
-    return 0;
-}
-
-// Reads a found file block by block; the size was checked against the range.
-int LoadBlocks(const std::string &text, uint32_t address, std::string *content)
-{
-    for (size_t done = 0; done < content->size();) {
-        const size_t block = std::min<size_t>(content->size() - done, LOAD_BLOCK);
-        if (MFS_reader(address + static_cast<uint32_t>(done), static_cast<uint32_t>(block),
-                       &(*content)[done]) < 0)
-            return MFS_ERR_COMMUNICATION;
-        done += block;
-        const int percent = static_cast<int>(done * 100 / content->size());
-        if (!SYM_AdvanceProgress(percent, text + ": " + std::to_string(percent) + " %"))
-            return MFS_ERR_CANCELLED;
     }
     return 0;
 }
@@ -237,11 +225,23 @@ int MFS_Load(const char *name, uint32_t start, uint32_t end, std::string *conten
         return address;
     const std::string text = std::string("Loading flash-file '") + name + "'";
     SYM_BeginProgress("Flash", text + ".");
-    content->resize(static_cast<size_t>(length));
-    const int result = LoadBlocks(text, static_cast<uint32_t>(address), content);
+    content->resize(static_cast<size_t>(length)); // checked against the directory's range
+    int result = 0;
+    for (size_t done = 0; done < content->size() && result == 0;) {
+        const size_t block = std::min<size_t>(content->size() - done, LOAD_BLOCK);
+        if (MFS_reader(static_cast<uint32_t>(address) + static_cast<uint32_t>(done),
+                       static_cast<uint32_t>(block), &(*content)[done]) < 0) {
+            result = MFS_ERR_COMMUNICATION;
+            break;
+        }
+        done += block;
+        const int percent = static_cast<int>(done * 100 / content->size());
+        if (!SYM_AdvanceProgress(percent, text + ": " + std::to_string(percent) + " %"))
+            result = MFS_ERR_CANCELLED;
+    }
     SYM_EndProgress();
     if (result != 0)
-        content->clear();
+        content->clear(); // a beginning would pass for the file
     return result;
 }
 

@@ -123,6 +123,7 @@ int OpenTypeMap(uint32_t start, uint32_t end, int varMap)
     const Text structures(LoadFlashText(FLASH_TYPE_STRUCTS, start, end));
     if (structures.handle < 0)
         return structures.handle;
+    // The types come in two compressed parts, whose lines belong to those of the map.
     const int output = TXFRW_Create(FLASH_TYPE_MAP, "rw", "", 0);
     if (UnzipTMF(output, structures.handle, declarations.handle, varMap) == 0)
         return output;
@@ -155,6 +156,7 @@ int FindRange(int place, uint32_t *start, uint32_t *end)
     return FLASH_ERR_NO_MAP;
 }
 
+// The members are in memory already: an archive of files would want them on the disk.
 bool PutMember(std::FILE *file, long index, const char *name, const std::string &content)
 {
     QarHeader header;
@@ -198,7 +200,7 @@ int LoadFMap283xx(uint32_t start, uint32_t end)
     if (typeMap.handle < 0 && typeMap.handle != FLASH_ERR_NO_MAP)
         return typeMap.handle;
     const int count = ReplaceMaps(varMap.handle, typeMap.handle);
-    if (count >= 0) {
+    if (count >= 0) { // what cannot be used is not saved either; the texts before stay
         flashVarMap = ContentOf(varMap.handle);
         flashTypeMap = ContentOf(typeMap.handle);
     }

@@ -1,4 +1,5 @@
-// The layouts of a variable map: plain lines, lines with shared names, packed records.
+// The layouts of a variable map: plain lines, lines with shared names, packed records. All become
+// the plain one first, which is the one that archives hold.
 #include "symbols/flash_varmap.h"
 
 #include "settings/limits.h"
@@ -38,7 +39,7 @@ bool UnpackLines(const char *at, std::string *text)
         const uint32_t address = static_cast<uint32_t>(std::strtoul(cursor, nullptr, 16));
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0)
             return false;
-        const size_t size = std::strlen(cursor) + 1;
+        const size_t size = std::strlen(cursor) + 1; // with the end: names are closed by it
         if (UnpackVarName(&name, reinterpret_cast<const uint8_t *>(cursor), size, NAME_SHARED) <
                 0 ||
             name.size() > NODE_NAME_MAX)
@@ -75,7 +76,7 @@ int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
     for (int i = 0; i < TXFRW_GetCnLines(handle); i++) {
         const char *line = TXFRW_GetLinePtr(handle, i);
         const char *cursor = line;
-        if (xscan("* #", &cursor) >= 0)
+        if (xscan("* #", &cursor) >= 0) // an empty line
             continue;
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0 || *cursor == '\0')
             return FLASH_ERR_NO_MAP;

@@ -1,3 +1,5 @@
+// Every entry may be missing: tests and the fuzzers run the readers without a program around
+// them. Nobody there to cancel means to go on.
 #include "symbols/listener.h"
 
 namespace {

@@ -1,4 +1,6 @@
-// The two linker map formats, read line by line into the node tables.
+// The two linker map formats, read line by line into the node tables. A map is a listing for
+// people: what a line means is told by its columns and words, and lines of no rule are passed
+// over in silence.
 #include "symbols/mapfile.h"
 
 #include <cctype>
@@ -48,11 +50,6 @@ template <int N> bool IsWordOf(const char *text, const char *const (&table)[N])
     return cmp_sz2aszKeyword(text, table, N);
 }
 
-bool IsIdentifierChar(char c)
-{
-    return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '?';
-}
-
 int HexDigits(const char *text, int limit)
 {
     int digits = 0;
@@ -66,49 +63,15 @@ bool EndsWord(char c)
     return c == '\0' || std::isspace(static_cast<unsigned char>(c));
 }
 
-// The name of a plain (not SYMBOL) line counts when its type or class says that it is data.
-bool IsDataLine(const char *line, size_t length)
-{
-    if (length >= C166_SHORT_TYPE && length <= C166_SHORT_MAX)
-        return IsWordOf(line + C166_SHORT_TYPE, aszMClass3);
-    if (length > C166_CLASS && IsWordOf(line + C166_CLASS, aszMClass1))
-        return true;
-    return length > C166_SECTION && cmp_sz2aszKwdStart(line + C166_SECTION, aszMClass4, 2);
-}
-
 // A name like those of isID166, but of more characters than a node holds.
 bool IsLongName(const char *text)
 {
-    if (!IsIdentifierChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
+    if (!VRN_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
         return false;
     const char *end = text;
-    while (IsIdentifierChar(*end))
+    while (VRN_IsNameChar(*end))
         ++end;
     return end - text > NODE_NAME_MAX && EndsWord(*end);
-}
-
-// Newer linkers write the page of a symbol ("0", "1", "abs") in front of its address.
-const char *SkipPage(const char *line)
-{
-    size_t length = std::strspn(line, "0123456789");
-    if (length == 0 && cmp_sz2szID(line, "abs"))
-        length = 3;
-    const size_t blanks = std::strspn(line + length, " ");
-    return length >= 1 && length <= PAGE_MAX && blanks > 0 ? line + length + blanks : line;
-}
-
-// The first bytes of a file; false when it cannot be opened or read (a folder).
-bool ReadMagic(const char *fileName, std::string *magic)
-{
-    std::FILE *file = nullptr;
-    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) != PLF_OK)
-        return false;
-    char bytes[3];
-    const size_t count = std::fread(bytes, 1, sizeof bytes, file);
-    const bool readable = std::ferror(file) == 0;
-    std::fclose(file);
-    magic->assign(bytes, count);
-    return readable;
 }
 
 typedef int (*LineParser)(const char *line, uint32_t *address, const char **name);
@@ -131,7 +94,7 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
         else if (kind == MAP_LONG_NAME && longNames.size() < NODES_MAX)
             longNames.insert(std::string(name, std::strcspn(name, " \t")));
     }
-    if (symbols.empty())
+    if (symbols.empty()) // a watch list, a script, the map of the other processor
         return MAP_ERR_NO_SYMBOL;
     int refused = 0;
     VRN_ReplaceNodes(table, count, symbols, &refused);
@@ -161,10 +124,10 @@ bool IsTMSHexAddr(const char *text)
 
 bool isID166(const char *text)
 {
-    if (!IsIdentifierChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
+    if (!VRN_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
         return false;
     int length = 1;
-    while (length <= NODE_NAME_MAX && IsIdentifierChar(text[length]))
+    while (length <= NODE_NAME_MAX && VRN_IsNameChar(text[length]))
         ++length;
     return length <= NODE_NAME_MAX && EndsWord(text[length]);
 }
@@ -207,21 +170,35 @@ int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name)
             return MAP_NO_SYMBOL;
         return IsLongName(*name) ? MAP_LONG_NAME : MAP_SYMBOL;
     }
+    // The name of a plain line counts when its type or class says that it is data.
     *name = line + C166_NAME;
-    return IsDataLine(line, length) ? MAP_SYMBOL : MAP_NO_SYMBOL;
+    bool isData = false;
+    if (length >= C166_SHORT_TYPE && length <= C166_SHORT_MAX)
+        isData = IsWordOf(line + C166_SHORT_TYPE, aszMClass3);
+    else if (length > C166_CLASS && IsWordOf(line + C166_CLASS, aszMClass1))
+        isData = true;
+    else
+        isData = length > C166_SECTION && cmp_sz2aszKwdStart(line + C166_SECTION, aszMClass4, 2);
+    return isData ? MAP_SYMBOL : MAP_NO_SYMBOL;
 }
 
 int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
 {
-    const char *at = SkipPage(line);
+    // Newer linkers write the page of a symbol ("0", "1", "abs") in front of its address.
+    size_t page = std::strspn(line, "0123456789");
+    if (page == 0 && cmp_sz2szID(line, "abs"))
+        page = 3;
+    const size_t blanks = std::strspn(line + page, " ");
+    const bool isPaged = page >= 1 && page <= PAGE_MAX && blanks > 0;
+    const char *at = isPaged ? line + page + blanks : line;
     if (!IsTMSHexAddr(at) || at[0] != '0' || std::strlen(at) <= TMS_NAME_PAGED)
         return MAP_NO_SYMBOL;
     const char *start = at + TMS_NAME_PAGED + std::strspn(at + TMS_NAME_PAGED, " ");
-    if (at == line) { // without pages the name has its column
+    if (!isPaged) { // without pages the name has its column
         start = std::strlen(at) > TMS_NAME ? at + TMS_NAME : "";
-        if (*start == '\0' || IsIdentifierChar(start[-1])) // begins earlier: not to be cut in two
+        if (*start == '\0' || VRN_IsNameChar(start[-1])) // begins earlier: not to be cut in two
             return MAP_NO_SYMBOL;
-        if (!IsIdentifierChar(*start))
+        if (!VRN_IsNameChar(*start))
             ++start;
     }
     const unsigned long words = std::strtoul(at, nullptr, 16);
@@ -241,11 +218,21 @@ int ReadMap(const char *fileName)
 
 int Read_TMS_Map(const char *fileName)
 {
-    std::string magic;
-    if (ReadMagic(fileName, &magic) && magic == QAR_MAGIC)
+    // A combined archive says so in its first bytes. What cannot be opened or read (a folder)
+    // is told of by the reader of lines.
+    std::FILE *file = nullptr;
+    bool isArchive = false;
+    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) == PLF_OK) {
+        char magic[sizeof QAR_MAGIC - 1];
+        isArchive = std::fread(magic, 1, sizeof magic, file) == sizeof magic &&
+                    std::memcmp(magic, QAR_MAGIC, sizeof magic) == 0;
+        std::fclose(file);
+    }
+    if (isArchive)
         return Read_TMS_CombiMap(fileName);
     if (IsWordAddressing(Procesor))
         return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
+    // The map of a TMS320 behind a C166: the mailbox takes its addresses as words.
     const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
     if (result == 0) {
         VRN_BytesToWords(aVarTMSNode, nTMSNodes);

@@ -1,3 +1,5 @@
+// Codes of six bits are packed from the low bits of each byte up, four codes in three bytes; a
+// name begins on a byte of its own.
 #include "symbols/packed_names.h"
 
 #include <algorithm>
@@ -7,7 +9,7 @@ namespace {
 
 constexpr const char *ALPHABET = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
 constexpr unsigned CODE_BITS = 6;
-constexpr unsigned CODES = 64;
+constexpr unsigned CODES = 64; // the alphabet's 63 and the end
 constexpr uint8_t SHARED_FLAG = 0x80;
 
 int AppendPlain(std::string *name, const uint8_t *source, size_t size)
@@ -53,6 +55,8 @@ int UnpackVarName(std::string *destination, const uint8_t *source, size_t size, 
 {
     if (size == 0)
         return -1;
+    // The first byte counts the characters shared with the name before, or is the first character
+    // in plain text; 0 stands for the empty name.
     const uint8_t first = source[0];
     const bool isShared = form != NAME_PLAIN && (first & SHARED_FLAG) != 0;
     const size_t shared = isShared ? first & ~SHARED_FLAG & 0xFFu : 0u;

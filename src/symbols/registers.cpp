@@ -1,4 +1,5 @@
-// Loads the register table of the selected processor into aVarNode166.
+// Loads the register table of the selected processor into aVarNode166. The tables are in the
+// order of the manuals and may share parts, so that they are put together and sorted here.
 #include "symbols/registers.h"
 
 #include <string>

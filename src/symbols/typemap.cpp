@@ -1,4 +1,6 @@
-// Type codes: what is valid, how large it is and how it is aligned.
+// Type codes: what is valid, how large it is and how it is aligned. A map comes from a file or a
+// target and may say anything: depth, sizes and counts are bounded, and what does not resolve has
+// no size.
 #include "symbols/typemap.h"
 
 #include <algorithm>
@@ -55,23 +57,6 @@ bool ResolveArray(const uint32_t *chain, int depth, Layout *layout)
     return layout->size * layout->count <= SIZE_LIMIT;
 }
 
-// Places one more member; `total` is the size so far.
-bool AddMember(bool isUnion, const Layout &member, Layout *total)
-{
-    if (member.size < 1 || member.count < 1)
-        return false;
-    const int64_t bytes = member.size * member.count;
-    // Members of a union begin together: the largest makes its size.
-    if (isUnion) {
-        total->size = std::max(total->size, bytes);
-        total->alignment = std::max(total->alignment, member.alignment);
-    } else {
-        total->size = TMF_PlaceMember(total->size, member.alignment) + bytes;
-    }
-    total->height = std::max(total->height, member.height + 1);
-    return total->size <= SIZE_LIMIT;
-}
-
 bool ResolveMembers(uint32_t code, int depth, Layout *layout)
 {
     const TMF_Struct &record = TMF_paDefStructCts[(code & TMF_VALUE) - 1];
@@ -79,9 +64,20 @@ bool ResolveMembers(uint32_t code, int depth, Layout *layout)
     *layout = Layout();
     for (int i = 0; i < record.members; ++i) {
         Layout member;
-        if (!Resolve(record.paMembers[i].chain, depth + 1, &member) ||
-            !AddMember(isUnion, member, layout))
+        if (!Resolve(record.paMembers[i].chain, depth + 1, &member) || member.size < 1 ||
+            member.count < 1)
             return false;
+        const int64_t bytes = member.size * member.count;
+        // Members of a union begin together: the largest makes its size.
+        if (isUnion) {
+            layout->size = std::max(layout->size, bytes);
+            layout->alignment = std::max(layout->alignment, member.alignment);
+        } else {
+            layout->size = TMF_PlaceMember(layout->size, member.alignment) + bytes;
+        }
+        if (layout->size > SIZE_LIMIT)
+            return false;
+        layout->height = std::max(layout->height, member.height + 1);
     }
     // An empty structure has no place, so nothing can lie behind it.
     if (layout->size < 1)
@@ -115,26 +111,6 @@ bool ResolveStruct(uint32_t code, int depth, Layout *layout)
     return true;
 }
 
-bool ResolveBasic(uint32_t code, Layout *layout)
-{
-    if (!TMF_IsElemTypeOk(code))
-        return false;
-    layout->kind = code;
-    layout->size = TMF_GetElemSize(code);
-    layout->count = 1;
-    layout->alignment = TMF_AlignmentRule(static_cast<int>(layout->size));
-    return true;
-}
-
-bool ResolvePointer(const uint32_t *chain, Layout *layout)
-{
-    layout->kind = chain[0] & KIND_MASK;
-    layout->size = TMF_GetPtrSize(Procesor, (chain[1] & TMF_DERIVATION) == TMF_FUNCTION);
-    layout->count = 1;
-    layout->alignment = TMF_AlignmentRule(static_cast<int>(layout->size));
-    return true;
-}
-
 bool Resolve(const uint32_t *chain, int depth, Layout *layout)
 {
     if (chain == nullptr || chain[0] == 0 || depth > TMF_DEPTH_MAX || (chain[0] & TMF_INVALID))
@@ -142,9 +118,15 @@ bool Resolve(const uint32_t *chain, int depth, Layout *layout)
     *layout = Layout();
     switch (chain[0] & TMF_DERIVATION) {
     case 0:
-        return ResolveBasic(chain[0], layout);
-    case TMF_POINTER:
-        return ResolvePointer(chain, layout);
+        if (!TMF_IsElemTypeOk(chain[0]))
+            return false;
+        layout->kind = chain[0];
+        layout->size = TMF_GetElemSize(chain[0]);
+        break;
+    case TMF_POINTER: // whatever it points to is not resolved: it may be the structure around it
+        layout->kind = chain[0] & KIND_MASK;
+        layout->size = TMF_GetPtrSize(Procesor, (chain[1] & TMF_DERIVATION) == TMF_FUNCTION);
+        break;
     case TMF_ARRAY:
         return ResolveArray(chain, depth, layout);
     case TMF_UNION:
@@ -153,6 +135,9 @@ bool Resolve(const uint32_t *chain, int depth, Layout *layout)
     default:
         return false; // a function has no size
     }
+    layout->count = 1;
+    layout->alignment = TMF_AlignmentRule(static_cast<int>(layout->size));
+    return true;
 }
 
 } // namespace

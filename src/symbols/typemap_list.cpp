@@ -60,7 +60,7 @@ bool HasParts(const uint32_t *chain)
 {
     std::vector<uint32_t> offsets;
     uint32_t count = 0, stride = 0;
-    if (TMF_IsRecord(chain[0]))
+    if (TMF_IsRecord(chain[0])) // one that does not resolve opens no empty branch
         return TMF_MemberOffsets(chain[0], &offsets);
     return TMF_GetArrayInfo(chain, &count, &stride) == 0 && count > 0;
 }
@@ -134,7 +134,7 @@ std::vector<TMF_ListRow> TMF_ListVariables(const char *filter)
         if (!ContainsNoCase(aVarNode[i].name, filter))
             continue;
         TMF_ListRow row;
-        row.expression = row.declaration = aVarNode[i].name;
+        row.expression = row.declaration = aVarNode[i].name; // all there is without a type map
         row.address = aVarNode[i].addr;
         if (const TMF_Decl *decl = TMF_FindVarDecl(aVarNode[i].name))
             DescribeType(row.expression, decl->chain, &row);
@@ -150,6 +150,7 @@ std::vector<TMF_ListRow> TMF_ListParts(const char *expression, uint32_t first)
     uint32_t offset = 0, count = 0, stride = 0;
     std::vector<uint32_t> offsets;
     const std::string path = expression;
+    // The map says where the variable begins, the type map what lies in it: both must know it.
     const uint32_t address = inStruct(expression, aVarNode, nNodes);
     if (address == NO_ADDRESS || TMF_GetEfType(expression, chain, &offset) != 0)
         return rows;

@@ -1,4 +1,6 @@
-// Reads type map files into the three tables.
+// Reads type map files into the three tables. The first bad line ends the reading, and all that
+// was read goes: half a type map would give wrong addresses. The tables are globals that everything
+// looks into, so that a map for the user is loaded beside them and changes places when it is good.
 #include <cstdlib>
 #include <cstring>
 
@@ -154,27 +156,24 @@ void FreeStructs()
     TMF_ForgetLayouts();
 }
 
-bool LoadStruct(LineSource *source, int32_t *room, int32_t wanted)
-{
-    int32_t members = 0;
-    if (!ReadSourceLine(source) || !TMF_ParseStructHead(source->line, &members) ||
-        !Reserve(&TMF_paDefStructCts, TMF_cnDefStructCts, room, wanted))
-        return false;
-    // Counted before its members are read: what a bad line leaves is freed with the rest.
-    TMF_Struct *record = &TMF_paDefStructCts[TMF_cnDefStructCts++];
-    *record = TMF_Struct();
-    return LoadDecls(source, TMF_MODE_MEMBER, members, &record->paMembers, &record->members,
-                     &record->allocated);
-}
-
 int LoadStructs(LineSource source)
 {
     FreeStructs();
     const int32_t wanted = ReadHeader(&source, "* /#/#* #1-9.*#0-9.* STRUCTS* #");
     bool ok = wanted >= 0;
     int32_t room = 0;
-    while (ok && TMF_cnDefStructCts < wanted)
-        ok = LoadStruct(&source, &room, wanted);
+    while (ok && TMF_cnDefStructCts < wanted) {
+        int32_t members = 0;
+        ok = ReadSourceLine(&source) && TMF_ParseStructHead(source.line, &members) &&
+             Reserve(&TMF_paDefStructCts, TMF_cnDefStructCts, &room, wanted);
+        if (!ok)
+            break;
+        // Counted before its members are read: what a bad line leaves is freed with the rest.
+        TMF_Struct *record = &TMF_paDefStructCts[TMF_cnDefStructCts++];
+        *record = TMF_Struct();
+        ok = LoadDecls(&source, TMF_MODE_MEMBER, members, &record->paMembers, &record->members,
+                       &record->allocated);
+    }
     if (!ok)
         FreeStructs();
     // Layouts are kept by the place of the table, which may be that of the old one.
@@ -199,17 +198,6 @@ int LoadSections(const LineSource &source)
         return 0;
     TMF_FreeTables();
     return -1;
-}
-
-// A type map of more lines than a whole-file text holds is read as a stream.
-int LoadStreamed(const char *fileName)
-{
-    const int handle = TXFR_Open(fileName);
-    if (handle < 0)
-        return -1;
-    const int result = LoadSections(Stream(handle));
-    TXFR_Close(handle);
-    return result;
 }
 
 struct Tables {
@@ -269,11 +257,11 @@ bool TMF_IsVTLineOk(const char *line, int mode)
         return false;
     if (length < 0)
         line = quote + 2;
-    else if (line - quote - 2 >= TMF_NAME_SIZE)
+    else if (line - quote - 2 >= TMF_NAME_SIZE) // cut, it might be another variable's name
         return false;
     if (xscan("* /_/@0x@#0-9a-fA-F.", &line) < 0)
         return false;
-    while (xscan("/_/@0x@#0-9a-fA-F.", &line) >= 0) {
+    while (xscan("/_/@0x@#0-9a-fA-F.", &line) >= 0) { // codes stand without a blank between
     }
     return xscan("* #", &line) >= 0;
 }
@@ -319,7 +307,7 @@ int TMF_LoadStructTable(int streamHandle)
 
 int TMF_LoadMapFrw(int textHandle)
 {
-    TXFRW_SetWrkLineNo(textHandle, 0);
+    TXFRW_SetWrkLineNo(textHandle, 0); // whoever made the text may have stopped elsewhere
     return LoadSections(Text(textHandle));
 }
 
@@ -329,20 +317,25 @@ int TMF_LoadMap(const char *fileName)
     const int handle = TXFRW_Open(fileName, "r");
     if (handle < 0)
         return -1;
-    // The text may have been cut there.
-    if (TXFRW_GetCnLines(handle) >= TXFRW_LINES_MAX) {
+    if (TXFRW_GetCnLines(handle) < TXFRW_LINES_MAX) {
+        const int result = TMF_LoadMapFrw(handle);
         TXFRW_Close(handle);
-        return LoadStreamed(fileName);
+        return result;
     }
-    const int result = TMF_LoadMapFrw(handle);
+    // As many lines as a whole-file text holds: it may have been cut there. A stream is not.
     TXFRW_Close(handle);
+    const int stream = TXFR_Open(fileName);
+    if (stream < 0)
+        return -1;
+    const int result = LoadSections(Stream(stream));
+    TXFR_Close(stream);
     return result;
 }
 
 int TMF_ReplaceMapFrw(int textHandle)
 {
     const int result = ReplaceTables([textHandle] { return TMF_LoadMapFrw(textHandle); });
-    if (result == 0)
+    if (result == 0) // there is no file that could be named
         TMF_szFileName.clear();
     return result;
 }

@@ -1,5 +1,6 @@
 // The struct-variable nodes: every variable of a map and all its members with their
-// addresses, ordered by address.
+// addresses, ordered by address. A few thousand symbols can have a hundred thousand members, so
+// that the table grows on the heap and is searched by halving.
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -16,14 +17,6 @@ namespace {
 
 // Doubled whenever it is full; TMF_SVNODES_MAX is the end.
 constexpr int32_t FIRST_SVNODES = 1024;
-
-// Whether members are found below a chain.
-bool HasMembers(const uint32_t *chain)
-{
-    while ((chain[0] & TMF_DERIVATION) == TMF_ARRAY)
-        ++chain;
-    return TMF_IsRecord(chain[0]);
-}
 
 int AddParts(const std::string &path, const uint32_t *chain, uint32_t address);
 
@@ -47,9 +40,13 @@ int AddMembers(const std::string &path, uint32_t code, uint32_t address)
 // resolve (a structure inside itself) has no parts, which bounds the recursion.
 int AddParts(const std::string &path, const uint32_t *chain, uint32_t address)
 {
+    const uint32_t *element = chain;
+    while ((element[0] & TMF_DERIVATION) == TMF_ARRAY)
+        ++element;
     uint32_t kind = 0, count = 0, stride = 0;
     int32_t size = 0, elements = 0, alignment = 0;
-    if (!HasMembers(chain) || TMF_GetTypeInfo(chain, &kind, &size, &elements, &alignment, 0) != 0)
+    if (!TMF_IsRecord(element[0]) ||
+        TMF_GetTypeInfo(chain, &kind, &size, &elements, &alignment, 0) != 0)
         return 0;
     if (TMF_IsRecord(chain[0]))
         return AddMembers(path, chain[0], address);
@@ -61,26 +58,21 @@ int AddParts(const std::string &path, const uint32_t *chain, uint32_t address)
     return 0;
 }
 
-bool ReserveNode()
-{
-    if (TMF_cnSVNode < TMF_cnSVNodeAlloc)
-        return true;
-    const int32_t room = TMF_cnSVNodeAlloc == 0 ? FIRST_SVNODES : TMF_cnSVNodeAlloc * 2;
-    void *grown = std::realloc(static_cast<void *>(TMF_paSVNode),
-                               static_cast<size_t>(room) * sizeof(VarNode));
-    if (grown == nullptr)
-        return false;
-    TMF_paSVNode = static_cast<VarNode *>(grown);
-    TMF_cnSVNodeAlloc = room;
-    return true;
-}
-
 } // namespace
 
 int TMF_AddSVNode(const std::string &name, uint32_t address)
 {
-    if (TMF_cnSVNode >= TMF_SVNODES_MAX || !ReserveNode())
+    if (TMF_cnSVNode >= TMF_SVNODES_MAX)
         return -1;
+    if (TMF_cnSVNode == TMF_cnSVNodeAlloc) {
+        const int32_t room = TMF_cnSVNodeAlloc == 0 ? FIRST_SVNODES : TMF_cnSVNodeAlloc * 2;
+        void *grown = std::realloc(static_cast<void *>(TMF_paSVNode),
+                                   static_cast<size_t>(room) * sizeof(VarNode));
+        if (grown == nullptr) // the nodes there are stay as they were
+            return -1;
+        TMF_paSVNode = static_cast<VarNode *>(grown);
+        TMF_cnSVNodeAlloc = room;
+    }
     char *copy = static_cast<char *>(std::malloc(name.size() + 1));
     if (copy == nullptr)
         return -1;
@@ -114,6 +106,7 @@ int TMF_BuildSVNodes(const VarNode *nodes, int count)
 {
     TMF_FreeSVNodes();
     int result = 0;
+    // All variables before the first member: when the table is full it is members that lack.
     for (int i = 0; i < count && result == 0; ++i)
         result = TMF_AddSVNode(nodes[i].name, nodes[i].addr);
     for (int i = 0; i < count && result == 0; ++i) {
@@ -124,11 +117,12 @@ int TMF_BuildSVNodes(const VarNode *nodes, int count)
     if (result != 0)
         SYM_Warn("Type map", "The variables have more than " + std::to_string(TMF_SVNODES_MAX) +
                                  " members. Addresses of the rest are shown without names.");
-    return TMF_CreateSVIndex() == 0 ? result : -1;
+    return TMF_CreateSVIndex() == 0 ? result : -1; // also for a part: it is found, the rest not
 }
 
 void TMF_Rebuild()
 {
+    // Without types the nodes would say no more than the map does.
     if (TMF_cnDefVars > 0)
         TMF_BuildSVNodes(aVarNode, nNodes);
     else

@@ -1,5 +1,6 @@
 // The node tables: adding, sorting, freeing and searching by name, by address and by
-// wildcard. Expressions over them are in varexpr.cpp.
+// wildcard. Expressions over them are in varexpr.cpp. A table is in the order of its names; one
+// by addresses stands beside it, of numbers, and is forgotten whenever the table changes.
 #include "symbols/varnode.h"
 #include "symbols/listener.h"
 
@@ -11,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "settings/settings.h"
+#include "text/tokens.h"
 
 VarNode aVarNode[NODES_MAX];
 int nNodes = 0;
@@ -65,15 +66,10 @@ bool IsMarkedSorted(const VarNode *table, int count)
            mark->last == table[count - 1].name;
 }
 
-// "?" belongs to names of static variables.
-bool IsNameChar(char c)
-{
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '?';
-}
-
-// Replays the swaps on numbers instead of nodes. rank[i] is the name's place among the
-// distinct names. Every distinct name keeps the positions of its nodes in a heap; an entry
+// Of equal names a selection sort makes an order that hangs on all its swaps, and the first of
+// them is the one that is found. It is too slow for maps of thousands of names: these are sorted
+// fast, and the swaps replayed on numbers instead of nodes. rank[i] is the name's place among
+// the distinct names. Every distinct name keeps the positions of its nodes in a heap; an entry
 // below the current position is stale: its node was swapped away from there.
 std::vector<int> ReplaySwaps(const std::vector<int> &rank, const std::vector<int> &byName)
 {
@@ -155,11 +151,16 @@ void ForgetAddressIndex(const VarNode *table)
 
 } // namespace
 
+bool VRN_IsNameChar(char c)
+{
+    return CON_IsNameChar(c) || c == '?';
+}
+
 int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused)
 {
     size_t length = 0;
     // One more than allowed, to tell a name that is too long from one that just fits.
-    while (length <= NODE_NAME_MAX && IsNameChar(text[length]))
+    while (length <= NODE_NAME_MAX && VRN_IsNameChar(text[length]))
         ++length;
     if (length == 0 || length > NODE_NAME_MAX)
         return -1;
@@ -176,7 +177,7 @@ int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, 
     table[*count].name = name;
     table[*count].addr = address;
     ++*count;
-    SetMark(table, -1);
+    SetMark(table, -1); // appended: the order of the names is gone
     ForgetAddressIndex(table);
     return 0;
 }
@@ -192,7 +193,7 @@ int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &
     for (const VRN_Symbol &symbol : symbols)
         if (!isTight || known.insert({symbol.name, symbol.address}).second)
             VRN_AddNode(table, count, symbol.address, symbol.name.c_str(), refused);
-    const int taken = *count;
+    const int taken = *count; // doubles among them: they were in the map
     VRN_SortByName(table, *count);
     VRN_RemoveDuplicates(table, count);
     if (table == aVarNode)
@@ -239,6 +240,7 @@ void VRN_SortByName(VarNode *table, int count)
             ++distinct;
         rank[static_cast<size_t>(order[i])] = distinct;
     }
+    // Without equal names any sort gives the same order.
     if (static_cast<size_t>(distinct + 1) < n)
         order = ReplaySwaps(rank, order);
     std::vector<VarNode> sorted(n);
@@ -264,10 +266,10 @@ void VRN_RemoveDuplicates(VarNode *table, int *count)
         // The last of equals stays.
         if (same)
             std::free(table[--kept].name);
-        table[kept++] = table[i];
+        table[kept++] = table[i]; // the name changes hands
     }
     for (int i = kept; i < *count; ++i)
-        table[i] = VarNode();
+        table[i] = VarNode(); // their names belong to kept nodes now, or are freed
     *count = kept;
     SetMark(table, wasSorted ? kept : -1);
     ForgetAddressIndex(table);
@@ -298,6 +300,7 @@ int VRN_FindName(const VarNode *table, int count, const char *name)
         return found != end && std::strcmp(found->name, name) == 0 ? static_cast<int>(found - table)
                                                                    : -1;
     }
+    // Filled by hand, or not sorted yet.
     for (int i = 0; i < count; ++i)
         if (std::strcmp(table[i].name, name) == 0)
             return i;
@@ -356,7 +359,7 @@ bool VRN_IsWildcardMatch(const char *wildcard, const char *name)
 int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, int count,
                  int *position)
 {
-    if (*position < 0)
+    if (*position < 0) // the end was told before
         return -1;
     for (int i = *position; i < count; ++i) {
         if (!VRN_IsWildcardMatch(wildcard, table[i].name))

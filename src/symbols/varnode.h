@@ -29,6 +29,7 @@ extern int openTMSStruct;
 extern std::string mapFile;     // name of the loaded map file
 extern std::string TMS_mapFile; // the same of the TMS320 behind the station
 
+bool VRN_IsNameChar(char c); // a letter, a digit, "_", or "?" of static variables
 // Appends a node to aVarNode. The name is the run of letters, digits, "_" and "?" at the
 // start of `text`. 0, or -1: table full (counted), no name, or a name of more than 64.
 int AddMapVar(uint32_t address, const char *text);

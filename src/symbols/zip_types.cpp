@@ -59,26 +59,6 @@ std::string NameOfMapLine(const char *line)
     return xscan("* #", &line) >= 0 ? name : "";
 }
 
-// Writes one structure from line *line on, which is moved behind it.
-bool DecodeStruct(int output, int structures, int number, int *line)
-{
-    const char *heading = TXFRW_GetLinePtr(structures, (*line)++);
-    const char *cursor = heading;
-    if (heading == nullptr || xscan("/##1-9.**4#0-9.* #", &cursor) < 0)
-        return false;
-    const int members = std::atoi(heading + 1);
-    if (!AppendLine(output, "#" + std::to_string(number) + "/" + std::to_string(members) + ":"))
-        return false;
-    for (int i = 0; i < members; i++) {
-        const char *member = TXFRW_GetLinePtr(structures, (*line)++);
-        std::string decoded;
-        if (member == nullptr || DecodeZipVar(&decoded, member) != 0 ||
-            !AppendLine(output, decoded))
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 int Base64ToUint32(const char **cursor, uint32_t *value)
@@ -145,9 +125,23 @@ int DecodeZipStructFrw(int output, int structures)
 {
     const int lines = TXFRW_GetCnLines(structures);
     int count = 0;
-    for (int line = 0; line < lines; count++) {
-        if (!DecodeStruct(output, structures, count + 1, &line))
+    // Each structure is a line "#m" and m members; a file that ends before the last one is damaged.
+    for (int line = 0; line < lines;) {
+        const char *heading = TXFRW_GetLinePtr(structures, line++);
+        const char *cursor = heading;
+        if (heading == nullptr || xscan("/##1-9.**4#0-9.* #", &cursor) < 0)
             return -1;
+        const int members = std::atoi(heading + 1);
+        ++count;
+        if (!AppendLine(output, "#" + std::to_string(count) + "/" + std::to_string(members) + ":"))
+            return -1;
+        for (int i = 0; i < members; i++) {
+            const char *member = TXFRW_GetLinePtr(structures, line++);
+            std::string decoded;
+            if (member == nullptr || DecodeZipVar(&decoded, member) != 0 ||
+                !AppendLine(output, decoded))
+                return -1;
+        }
     }
     return lines < 0 ? -1 : count;
 }

@@ -1,20 +1,8 @@
 #include "text/bytes.h"
 
-#include <cctype>
+#include "text/tokens.h"
+
 #include <cstdio>
-
-namespace {
-
-int HexDigit(char c)
-{
-    if (!std::isxdigit(static_cast<unsigned char>(c)))
-        return -1;
-    return std::isdigit(static_cast<unsigned char>(c))
-               ? c - '0'
-               : std::toupper(static_cast<unsigned char>(c)) - 'A' + 10;
-}
-
-} // namespace
 
 std::string BYT_Hex(const uint8_t *bytes, size_t count)
 {
@@ -41,14 +29,14 @@ std::string BYT_Parse(const std::string &text, size_t count, std::vector<uint8_t
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == ' ')
             continue;
-        const int high = HexDigit(text[i]);
-        const int low = i + 1 < text.size() ? HexDigit(text[i + 1]) : -1;
-        if (high < 0 || low < 0)
+        // Two digits stand together: "1 2" may be meant as 12 or as 01 02.
+        if (i + 1 == text.size() || !CON_IsHexDigit(text[i]) || !CON_IsHexDigit(text[i + 1]))
             return "'" + text.substr(i, 2) + "' is no byte: two hexadecimal digits each.";
-        bytes->push_back(static_cast<uint8_t>(high << 4 | low));
+        const uint32_t byte = CON_DigitValue(text[i]) << 4 | CON_DigitValue(text[i + 1]);
+        bytes->push_back(static_cast<uint8_t>(byte));
         ++i;
     }
-    if (bytes->size() != count)
+    if (bytes->size() != count) // whoever shows the bytes cannot insert or take away any
         return "The line has " + std::to_string(count) + " bytes, not " +
                std::to_string(bytes->size()) + ".";
     return "";

@@ -1,3 +1,5 @@
+// One pass over the row: a cell ends at its comma, or at its closing quote, behind which only a
+// comma or the end may stand.
 #include "text/csv_row.h"
 
 bool CSV_SplitRow(const std::string &row, std::vector<std::string> *cells)
@@ -13,7 +15,7 @@ bool CSV_SplitRow(const std::string &row, std::vector<std::string> *cells)
                 isClosed = row[at] == '"' && !isDoubled;
                 if (!isClosed)
                     cell += row[at];
-                at += isDoubled ? 1 : 0;
+                at += isDoubled ? 1 : 0; // two quotes are one of the text
             }
             if (!isClosed || (at < row.size() && row[at] != ','))
                 return false;

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <string>
 
 #include "text/tokens.h"
@@ -21,15 +22,6 @@ struct Width {
 const Width WIDTHS[] = {
     {PAR_BYTE, 0x7F, 0xFF}, {PAR_WORD, 0x7FFF, 0xFFFF}, {PAR_LONG, 0x7FFFFFFF, 0xFFFFFFFF}};
 
-// A code without a width is taken as 32 bits.
-const Width &FindWidth(uint32_t code)
-{
-    for (const Width &width : WIDTHS)
-        if (code & width.code)
-            return width;
-    return WIDTHS[2];
-}
-
 bool SetText(ScrPar *par, const char *text, size_t length)
 {
     if (length > PAR_TEXT_CHARS)
@@ -43,6 +35,7 @@ bool SetText(ScrPar *par, const char *text, size_t length)
 // behind "0x".
 bool ParseMagnitude(const char **cursor, uint32_t *value)
 {
+    // "0x" that no digit follows is a 0, and the caller refuses what stands behind it.
     const char *digits = *cursor;
     if (xscan("0#xX.", &digits) > 0 && CON_IsHexDigit(*digits)) {
         if (!CON_ParseHex(&digits, value))
@@ -60,27 +53,27 @@ bool ParseMagnitude(const char **cursor, uint32_t *value)
     return CON_ParseDecimal(cursor, value);
 }
 
-// Unsigned and signed reading are both allowed unless the code excludes one.
-bool IsInRange(uint32_t magnitude, bool isNegative, const Width &width, uint32_t code)
-{
-    if (isNegative)
-        return !(code & PAR_UNSIGNED) && magnitude <= width.signedMax + 1;
-    return magnitude <= ((code & PAR_SIGNED) ? width.signedMax : width.max);
-}
-
 bool ParseInteger(const char **cursor, ScrPar *par, uint32_t code)
 {
-    const Width &width = FindWidth(code);
+    // A code without a width is taken as 32 bits.
+    const Width *width = WIDTHS;
+    while (width != std::end(WIDTHS) - 1 && !(code & width->code))
+        ++width;
     const bool hasMinus = **cursor == '-';
     *cursor += hasMinus ? 1 : 0;
     uint32_t magnitude = 0;
-    if (!ParseMagnitude(cursor, &magnitude) || !IsInRange(magnitude, hasMinus, width, code))
+    if (!ParseMagnitude(cursor, &magnitude))
+        return false;
+    // Unsigned and signed reading are both allowed unless the code excludes one.
+    if (hasMinus && ((code & PAR_UNSIGNED) || magnitude > width->signedMax + 1))
+        return false;
+    if (!hasMinus && magnitude > ((code & PAR_SIGNED) ? width->signedMax : width->max))
         return false;
     par->value = hasMinus ? 0u - magnitude : magnitude;
-    par->flags |= width.code;
+    par->flags |= width->code;
     if (hasMinus)
         par->flags |= PAR_SIGNED;
-    else if (magnitude > width.signedMax)
+    else if (magnitude > width->signedMax)
         par->flags |= PAR_UNSIGNED;
     return true;
 }
@@ -92,7 +85,7 @@ bool ParseFloat(const char **cursor, ScrPar *par)
         return false;
     xscan("#eE.?#+/-.@#0-9.", cursor); // a lone "e" stays for the caller to refuse
     const double value = std::strtod(std::string(begin, *cursor).c_str(), nullptr);
-    if (!std::isfinite(value))
+    if (!std::isfinite(value)) // more than a double holds
         return false;
     par->fvalue = value;
     par->flags |= PAR_FLOAT;
@@ -175,17 +168,12 @@ bool ParseName(const char **cursor, ScrPar *par, uint32_t code)
     return !(code & PAR_OFFSET) || ParseOffset(cursor, par);
 }
 
-bool IsQuote(char c, uint32_t code)
-{
-    if (c == '"')
-        return (code & (PAR_NAME | PAR_RAW | PAR_TEXT)) != 0;
-    return c == '\'' && (code & PAR_TEXT) != 0;
-}
-
 bool ParseByCode(const char **cursor, ScrPar *par, uint32_t code)
 {
     const char first = **cursor;
-    if (IsQuote(first, code)) {
+    // Double quotes are also those of names; an apostrophe may begin a raw file name.
+    const uint32_t quoted = first == '"' ? PAR_NAME | PAR_RAW | PAR_TEXT : PAR_TEXT;
+    if ((first == '"' || first == '\'') && (code & quoted)) {
         par->flags |= code & (PAR_NAME | PAR_RAW | PAR_TEXT);
         return ParseQuoted(cursor, par);
     }

@@ -60,18 +60,21 @@ bool CON_IsSameWord(const std::string &a, const char *b)
     return i == a.size() && b[i] == '\0';
 }
 
-static uint32_t DigitValue(char c)
+uint32_t CON_DigitValue(char c)
 {
     return static_cast<uint32_t>(c <= '9' ? c - '0' : CON_ToLower(c) - 'a' + 10);
 }
 
-// Fails, with the cursor where it was, without a digit and beyond 32 bits.
-static bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
+namespace {
+
+// Fails, with the cursor where it was, without a digit and beyond 32 bits: a number that was cut
+// would be another address or value.
+bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
 {
     const char *c = *cursor;
     uint64_t number = 0;
-    for (; CON_IsHexDigit(*c) && DigitValue(*c) < base; c++) {
-        number = number * base + DigitValue(*c);
+    for (; CON_IsHexDigit(*c) && CON_DigitValue(*c) < base; c++) {
+        number = number * base + CON_DigitValue(*c);
         if (number > UINT32_MAX)
             return false;
     }
@@ -81,6 +84,8 @@ static bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
     *value = static_cast<uint32_t>(number);
     return true;
 }
+
+} // namespace
 
 bool CON_ParseHex(const char **cursor, uint32_t *value)
 {
@@ -94,7 +99,7 @@ bool CON_ParseAddress(const char **cursor, uint32_t *address)
         c++;
     else if (*c == '0' && (c[1] == 'x' || c[1] == 'X'))
         c += 2;
-    if (!CON_ParseHex(&c, address))
+    if (!CON_ParseHex(&c, address)) // "0x" alone: the cursor stays in front of it
         return false;
     *cursor = c;
     return true;

@@ -11,6 +11,7 @@ bool CON_IsBlank(char c);
 bool CON_IsLetter(char c);   // a letter or "_"
 bool CON_IsNameChar(char c); // a letter, "_" or a digit
 bool CON_IsHexDigit(char c);
+uint32_t CON_DigitValue(char c); // of a hexadecimal digit: 0 to 15
 char CON_ToLower(char c);
 const char *CON_SkipBlanks(const char *text);
 size_t CON_WordLength(const char *text); // up to a blank or the end

@@ -63,25 +63,6 @@ void CloseSlot(Slot *slot)
     *slot = Slot{};
 }
 
-// Steps over a line end of one or two characters; the next line's first character
-// becomes the look-ahead.
-void EndLine(Slot *slot, int lineEnd)
-{
-    const int pair = lineEnd == '\r' ? '\n' : '\r';
-    int c = NextCharacter(slot);
-    if (c == pair)
-        c = NextCharacter(slot);
-    slot->lookAhead = c;
-}
-
-int BreakLine(Slot *slot, int next, int length)
-{
-    slot->lookAhead = next;
-    slot->brokenLine = true;
-    --slot->lineNo; // the rest is still the same line
-    return length;
-}
-
 int FreeSlot()
 {
     int handle = 0;
@@ -99,12 +80,6 @@ void SkipByteOrderMark(Slot *slot)
     slot->consumed = static_cast<long>(size);
 }
 
-int EndFile(int handle, int length)
-{
-    CloseSlot(&slots[handle]);
-    return length > 0 ? length : -1;
-}
-
 // Collects one line. Behind a NUL the rest of the line is read and dropped, so that the
 // length returned is always that of the text; what is dropped fills the buffer all the same,
 // so that no line keeps its reader longer than a buffer's worth.
@@ -117,12 +92,20 @@ int CollectLine(int handle, char *buffer, int size)
     ++slot->lineNo;
     int length = 0;
     for (int taken = 0;; ++taken, c = NextCharacter(slot)) {
-        if (taken == size - 1)
-            return BreakLine(slot, c, length);
-        if (c == END_OF_FILE)
-            return EndFile(handle, length);
-        if (c == '\r' || c == '\n') {
-            EndLine(slot, c);
+        if (taken == size - 1) { // the rest comes with the next call and is still the same line
+            slot->lookAhead = c;
+            slot->brokenLine = true;
+            --slot->lineNo;
+            return length;
+        }
+        if (c == END_OF_FILE) { // the handle closes itself: a reader's loop has nothing to do
+            CloseSlot(slot);
+            return length > 0 ? length : -1;
+        }
+        if (c == '\r' || c == '\n') { // a line end has one character, or one of each kind
+            const int pair = c == '\r' ? '\n' : '\r';
+            const int next = NextCharacter(slot);
+            slot->lookAhead = next == pair ? NextCharacter(slot) : next;
             slot->dropping = false;
             return length;
         }

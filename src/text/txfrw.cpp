@@ -62,7 +62,7 @@ int InsertCopy(TxfrwSlot *slot, int line, const char *text, size_t length)
     TxfrwLine copy = TXFRW_CopyLine(text, length);
     if (copy == nullptr)
         return -1;
-    try {
+    try { // the table may have to grow; its lines are only moved
         slot->lines.insert(slot->lines.begin() + line, std::move(copy));
     } catch (const std::bad_alloc &) {
         return -1;
@@ -84,21 +84,19 @@ int AppendToWorkingLine(TxfrwSlot *slot, const char *text, size_t length)
     return 0;
 }
 
-// Number of line ends in the text; CR LF is one.
-int CountLineEnds(const char *text)
-{
-    int ends = 0;
-    for (; *text != '\0'; ++text)
-        ends += *text == '\n' || (*text == '\r' && text[1] != '\n') ? 1 : 0;
-    return ends;
-}
-
+// Line ends in the text start new lines and close none: what is printed next goes on behind it.
 int PrintText(TxfrwSlot *slot, const char *text)
 {
+    // Lines may have been deleted since the working line was set.
     slot->workingLine = std::min(slot->workingLine, LineCount(slot));
     const bool isNewLine = slot->workingLine == LineCount(slot);
-    if (LineCount(slot) + CountLineEnds(text) + (isNewLine ? 1 : 0) > TXFRW_LINES_MAX)
-        return -1; // before anything is changed
+    // Counted before anything is changed: a text that does not fit leaves no part. CR LF is one
+    // end.
+    int newLines = isNewLine ? 1 : 0;
+    for (const char *c = text; *c != '\0'; ++c)
+        newLines += *c == '\n' || (*c == '\r' && c[1] != '\n') ? 1 : 0;
+    if (LineCount(slot) + newLines > TXFRW_LINES_MAX)
+        return -1;
     if (isNewLine && InsertCopy(slot, slot->workingLine, "", 0) != 0)
         return -1;
     for (;;) {
@@ -125,6 +123,7 @@ int TXFRW_SetFileMode(int handle, const char *mode)
     const auto bitOf = [](char c) {
         return c == 'r' || c == 'R' ? TXFRW_MODE_READ : c == 'w' || c == 'W' ? TXFRW_MODE_WRITE : 0;
     };
+    // The second letter may be any; a third is a mistake.
     if (bitOf(mode[0]) == 0 || (mode[1] != '\0' && mode[2] != '\0'))
         return -1;
     slot->mode = bitOf(mode[0]) | bitOf(mode[1]);
@@ -191,6 +190,7 @@ int TXFRW_InsertLine(int handle, int line, const char *text)
         return -1;
     if (line >= 0)
         return InsertCopy(slot, line, text, std::strlen(text));
+    // The working line stays the line it was, one further down.
     const int at = std::min(slot->workingLine, LineCount(slot));
     if (InsertCopy(slot, at, text, std::strlen(text)) != 0)
         return -1;
@@ -212,7 +212,7 @@ int TXFRW_SetWrkLineNo(int handle, int line)
     TxfrwSlot *slot = TXFRW_SlotOf(handle);
     if (slot == nullptr)
         return -1;
-    slot->workingLine = std::max(line, 0);
+    slot->workingLine = std::max(line, 0); // beyond the end is taken to the end when it is used
     return slot->workingLine;
 }
 
@@ -229,7 +229,7 @@ int TXFRW_ReadLine(int handle, char *buffer, int size)
         return -1;
     const char *line = TXFRW_GetLinePtr(handle, slot->workingLine);
     buffer[0] = '\0';
-    if (line == nullptr) {
+    if (line == nullptr) { // at the end: a line that is appended later is read next
         slot->workingLine = LineCount(slot);
         return -1;
     }

@@ -45,10 +45,12 @@ int LoadFile(TxfrwSlot *slot)
         return -1;
     char buffer[LINE_SIZE];
     int result = 0;
+    // What a file has beyond the table is left out; readers look at the count.
     while (result == 0 && slot->lines.size() < TXFRW_LINES_MAX) {
         const ReadResult read = ReadLine(reader, buffer);
         if (read == READ_END)
             break;
+        // A line cut in two would be saved as two: such a file is not opened.
         result = read == READ_LINE ? AddLine(slot, buffer, std::strlen(buffer)) : -1;
     }
     TXFR_Close(reader); // already closed at the end of the file
@@ -120,6 +122,7 @@ int TXFRW_IsCtsOnDisk(int handle)
            std::strcmp(buffer, slot->lines[line].get()) == 0)
         ++line;
     TXFR_Close(reader);
+    // A last line that is empty is only a line end on the disk, where no line follows it.
     const size_t left = slot->lines.size() - line;
     return read == READ_END && (left == 0 || (left == 1 && slot->lines[line][0] == '\0')) ? 1 : 0;
 }

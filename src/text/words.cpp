@@ -1,3 +1,5 @@
+// Cells are marked against spreadsheets: they run what begins like a formula, wherever the file
+// came from.
 #include "text/words.h"
 
 #include <algorithm>
@@ -8,6 +10,7 @@ namespace {
 
 const char WHITE[] = " \t\r\n\v\f";
 
+// UTF-8 beyond ASCII is text; only the control characters of ASCII steer a terminal.
 bool IsControl(char c)
 {
     return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
@@ -27,19 +30,17 @@ bool IsNumber(const std::string &text)
             }));
 }
 
-bool IsFormula(const std::string &text)
+// With apostrophes of its own in front it gets one more, so that taking one off gives it back.
+bool IsFormulaBehindMarks(const std::string &cell)
 {
+    const size_t begin = cell.find_first_not_of('\'');
+    if (begin == std::string::npos)
+        return false;
+    const std::string text = cell.substr(begin);
     // Blanks and tabs in front are skipped by those who run it.
     const size_t start = text.find_first_not_of(" \t\r\n");
     return start != std::string::npos &&
            std::string("=+-@").find(text[start]) != std::string::npos && !IsNumber(text);
-}
-
-// With apostrophes of its own in front it gets one more, so that taking one off gives it back.
-bool IsFormulaBehindMarks(const std::string &text)
-{
-    const size_t begin = text.find_first_not_of('\'');
-    return begin != std::string::npos && IsFormula(text.substr(begin));
 }
 
 } // namespace

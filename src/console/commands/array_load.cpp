@@ -12,14 +12,15 @@
 #include "console/script/script_command.h"
 #include "text/tokens.h"
 #include "text/txfr.h"
+#include "text/words.h"
 #include "text/xscan.h"
 
 namespace {
 
-constexpr uint32_t WRITE_BLOCK_BYTES = 128;
-constexpr int LINE_SIZE = 500; // of a data line, end included
+constexpr uint32_t WRITE_BLOCK_BYTES = 128; // what the meter counts as a block
+constexpr int LINE_SIZE = 500;              // of a data line, end included
 constexpr ptrdiff_t COUNT_DIGITS_MAX = 6;
-constexpr size_t TYPE_NAME_SIZE = 3;
+constexpr size_t TYPE_NAME_SIZE = 3; // "u2" and the end
 
 // --- the lines of a file ---------------------------------------------------------------------
 
@@ -35,7 +36,7 @@ bool ReadLine(DataFile *file)
     file->line++;
     if (TXFR_RdLine(file->handle, file->text, LINE_SIZE) < 0)
         return false;
-    if (TXFR_IsBrokenLine(file->handle) == 1)
+    if (TXFR_IsBrokenLine(file->handle) == 1) // its rest is read as a line of its own
         std::strcpy(file->text, "?");
     return true;
 }
@@ -75,10 +76,11 @@ int WriteValues(const char *label, uint32_t address, const std::vector<uint8_t> 
     const TransferReport report = TRF_Write(plan, bytes.data());
     if (report.result == TRANSFER_DONE)
         return 0;
+    // The array is partly new: the user must learn how far.
     const std::string written = TRF_WrittenText(report, plan.count, 1);
     if (report.result == TRANSFER_CANCELLED)
-        return SCR_Fail(CON_Format("%s: preruseno uzivatelem. %s.", label, written.c_str()));
-    return SCR_Fail(CON_Format("%s: chyba pri zapisu dat do systemu. %s. (%s)", label,
+        return SCR_Fail(WRD_Format("%s: preruseno uzivatelem. %s.", label, written.c_str()));
+    return SCR_Fail(WRD_Format("%s: chyba pri zapisu dat do systemu. %s. (%s)", label,
                                written.c_str(), report.cause.c_str()));
 }
 
@@ -97,6 +99,7 @@ bool SkipPlace(const char **cursor)
     if (xscan("@^'/[.", cursor) < 0)
         return false;
     for (;;) {
+        // Behind an index a further one or a member may follow: then it belongs to the name.
         const char *next = *cursor;
         if (xscan("/[@#0-9a-zA-Z./]", &next) < 0 || (*next != '[' && *next != '.'))
             return true;
@@ -131,11 +134,12 @@ int CheckHeader(DataFile *file, const char *fileName, const ArrayRequest &reques
     Header header;
     const HeaderFault fault = ReadLine(file) ? ParseHeader(file->text, &header) : HEADER_BAD;
     if (fault == HEADER_TOO_MANY)
-        return SCR_Fail(CON_Format("Load: Soubor '%s' deklaruje prilis mnoho prvku.", fileName));
+        return SCR_Fail(WRD_Format("Load: Soubor '%s' deklaruje prilis mnoho prvku.", fileName));
     if (fault != HEADER_GOOD)
-        return SCR_Fail(CON_Format("Load: Soubor '%s' ma neplatnou hlavicku.", fileName));
+        return SCR_Fail(WRD_Format("Load: Soubor '%s' ma neplatnou hlavicku.", fileName));
+    // More elements than asked for are fine: the first of them are taken.
     if (header.count < request.count)
-        return SCR_Fail(CON_Format("Load: Soubor '%s' deklaruje malo prvku.", fileName));
+        return SCR_Fail(WRD_Format("Load: Soubor '%s' deklaruje malo prvku.", fileName));
     if (header.type != request.type)
         return SCR_Fail("Load: typ ulozenych dat neodpovida parametrum prikazu.");
     return 0;
@@ -150,10 +154,10 @@ int LoadFile(DataFile *file, const char *fileName, const ArrayRequest &request)
     const LineFault fault = ReadValues(file, *request.type, request.count, &bytes);
     if (fault == LINE_MISSING)
         return SCR_Fail(
-            CON_Format("Load: Chyba pri cteni souboru '%s', (radek %d).", fileName, file->line));
+            WRD_Format("Load: Chyba pri cteni souboru '%s', (radek %d).", fileName, file->line));
     if (fault != LINE_GOOD)
         return SCR_Fail(
-            CON_Format("Load: chyba v souboru '%s', na radku %d.", fileName, file->line));
+            WRD_Format("Load: chyba v souboru '%s', na radku %d.", fileName, file->line));
     return WriteValues("Load", request.address, bytes);
 }
 
@@ -161,17 +165,7 @@ int LoadFile(DataFile *file, const char *fileName, const ArrayRequest &request)
 
 int FailCsvRead(const char *label, const char *fileName, int line)
 {
-    return SCR_Fail(CON_Format("%s: chyba pri cteni '%s' (radek %d).", label, fileName, line));
-}
-
-// What a file holds beyond the array must be values, too; empty lines may end it.
-LineFault CheckRest(DataFile *file, const ArrayType &type)
-{
-    uint8_t bytes[ELEMENT_BYTES_MAX];
-    LineFault fault = LINE_GOOD;
-    while (fault == LINE_GOOD || (fault == LINE_NO_VALUE && *CON_SkipBlanks(file->text) == '\0'))
-        fault = ReadValue(file, type, bytes);
-    return fault == LINE_MISSING ? LINE_GOOD : fault;
+    return SCR_Fail(WRD_Format("%s: chyba pri cteni '%s' (radek %d).", label, fileName, line));
 }
 
 // Values from the file's present line on.
@@ -180,11 +174,18 @@ int LoadList(DataFile *file, const char *label, const char *fileName, const Arra
 {
     std::vector<uint8_t> bytes;
     LineFault fault = ReadValues(file, *request.type, request.count, &bytes);
-    if (fault == LINE_GOOD && isWholeFile)
-        fault = CheckRest(file, *request.type);
+    // What a file holds beyond the array must be values, too; empty lines may end it.
+    const bool isRestChecked = fault == LINE_GOOD && isWholeFile;
+    while (isRestChecked && (fault == LINE_GOOD ||
+                             (fault == LINE_NO_VALUE && *CON_SkipBlanks(file->text) == '\0'))) {
+        uint8_t unused[ELEMENT_BYTES_MAX];
+        fault = ReadValue(file, *request.type, unused);
+    }
+    if (isRestChecked && fault == LINE_MISSING) // the end that was looked for
+        fault = LINE_GOOD;
     if (fault == LINE_OUT_OF_RANGE)
         return SCR_Fail(
-            CON_Format("%s: chyba v souboru '%s', na radku %d.", label, fileName, file->line));
+            WRD_Format("%s: chyba v souboru '%s', na radku %d.", label, fileName, file->line));
     if (fault != LINE_GOOD)
         return FailCsvRead(label, fileName, file->line);
     return WriteValues(label, request.address, bytes);
@@ -200,7 +201,7 @@ int LoadCountedList(DataFile *file, const char *fileName, uint32_t minimum, Arra
     const char *digits = CON_SkipBlanks(file->text);
     uint32_t count = 0;
     if (!CON_ParseDecimal(&digits, &count) || count < minimum || count > request->count)
-        return SCR_Fail(CON_Format(
+        return SCR_Fail(WRD_Format(
             "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru '%s'.", fileName));
     request->count = count;
     return LoadList(file, "LoadCSVN", fileName, *request, false);
@@ -212,13 +213,13 @@ using LoadStep = int (*)(DataFile *file, const ScrPar *par, ArrayRequest *reques
 int LoadArray(ScrPar *par, const char *command, int fileAt, LoadStep load)
 {
     ArrayRequest request;
-    if (ARR_Resolve(par, command, CON_Format("%s:", command).c_str(), &request) < 0)
+    if (ARR_Resolve(par, command, WRD_Format("%s:", command).c_str(), &request) < 0)
         return -1;
     DataFile file;
     file.handle = TXFR_Open(par[fileAt].text);
     if (file.handle < 0)
         return SCR_Fail(
-            CON_Format("%s: Nelze otevrit soubor %s pro cteni.", command, par[fileAt].text));
+            WRD_Format("%s: Nelze otevrit soubor %s pro cteni.", command, par[fileAt].text));
     const int result = load(&file, par, &request);
     TXFR_Close(file.handle);
     return result;

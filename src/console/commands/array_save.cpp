@@ -6,6 +6,7 @@
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
 #include "platform/safe_file.h"
+#include "text/words.h"
 
 namespace {
 
@@ -16,105 +17,25 @@ constexpr uint32_t ROW_FLOATS = 4;
 int FailTransfer(const TransferReport &report, const char *label)
 {
     if (report.result == TRANSFER_CANCELLED)
-        return SCR_Fail(CON_Format("%s: preruseno uzivatelem.", label));
+        return SCR_Fail(WRD_Format("%s: preruseno uzivatelem.", label));
     // `dump` says "Save", too: procedures look for this one text.
     return SCR_Fail("Save: chyba v komunikaci (" + report.cause + ")");
 }
 
-// --- save -----------------------------------------------------------------------------------
-
-TransferReport SaveElements(const ArrayRequest &request, std::FILE *file)
+// "  -1 ffh": the hexadecimal form has the digits of the type, not those of the sign extension.
+std::string FormatForDump(const ArrayType &type, const uint8_t *bytes)
 {
-    const ArrayType &type = *request.type;
-    // Counted in 16 bits: an array of 64 KiB and more wraps.
-    const auto bytes = static_cast<uint16_t>(request.count * type.size);
-    const TransferPlan plan = {request.address, bytes, SAVE_BLOCK_BYTES, TRF_METER_ARRAY};
-    return TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t count) {
-        for (uint32_t i = 0; i + type.size <= count; i += type.size)
-            SAF_PutText(file, ARR_FormatElement(type, block + i));
-        return true;
-    });
-}
-
-// --- dump -----------------------------------------------------------------------------------
-
-struct DumpFormat {
-    const char *typeName;
-    uint32_t perRow;
-    std::string (*format)(uint32_t bits, const uint8_t *bytes);
-};
-
-std::string FormatI1(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%4d %02xh", static_cast<int32_t>(bits), bits & 0xFF);
-}
-
-std::string FormatU1(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%3u %02xh", bits, bits);
-}
-
-std::string FormatI2(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%7d %04xh", static_cast<int32_t>(bits), bits & 0xFFFF);
-}
-
-std::string FormatU2(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%6u %04xh", bits, bits);
-}
-
-std::string FormatI4(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%14d %08xh", static_cast<int32_t>(bits), bits);
-}
-
-std::string FormatU4(uint32_t bits, const uint8_t *)
-{
-    return CON_Format("%12u %08xh", bits, bits);
-}
-
-std::string FormatF4(uint32_t, const uint8_t *bytes)
-{
-    std::string text = ARR_FormatElement(*ARR_FindType("f4"), bytes);
-    text.pop_back(); // its line feed
-    return CON_Format("%12s", text.c_str());
-}
-
-// In the order of ARR_aTypes.
-const DumpFormat DUMP_FORMATS[ARRAY_TYPES] = {
-    {"i1", ROW_BYTES, FormatI1}, {"i2", ROW_BYTES / 2, FormatI2}, {"i4", ROW_BYTES / 4, FormatI4},
-    {"u1", ROW_BYTES, FormatU1}, {"u2", ROW_BYTES / 2, FormatU2}, {"u4", ROW_BYTES / 4, FormatU4},
-    {"f4", ROW_FLOATS, FormatF4}};
-
-struct DumpState {
-    uint32_t index = 0;
-    std::string row;
-};
-
-void AddToRow(const ArrayType &type, uint32_t address, const uint8_t *bytes, DumpState *state)
-{
-    const DumpFormat &format = DUMP_FORMATS[&type - ARR_aTypes];
-    if (state->index % format.perRow == 0)
-        state->row = CON_Format("%06x[%4u]", address, state->index);
-    state->row += "  " + format.format(ARR_GetElement(type, bytes), bytes);
-    state->index++;
-    if (state->index % format.perRow == 0) {
-        PrintMonStr(state->row);
-        state->row.clear();
+    if (type.isFloat) {
+        std::string text = ARR_FormatElement(type, bytes);
+        text.pop_back(); // its line feed
+        return WRD_Format("%*s", type.dumpWidth, text.c_str());
     }
-}
-
-TransferReport DumpElements(const ArrayRequest &request, DumpState *state)
-{
-    const ArrayType &type = *request.type;
-    const TransferPlan plan = {request.address, request.count * type.size, SAVE_BLOCK_BYTES,
-                               TRF_METER_ARRAY};
-    return TRF_Read(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
-        for (uint32_t i = 0; i + type.size <= count; i += type.size)
-            AddToRow(type, address + i, bytes + i, state);
-        return true;
-    });
+    const uint32_t bits = ARR_GetElement(type, bytes);
+    const int digits = static_cast<int>(2 * type.size);
+    const uint32_t shown = bits & (UINT32_MAX >> (32 - 8 * type.size));
+    return type.isSigned
+               ? WRD_Format("%*d %0*xh", type.dumpWidth, static_cast<int32_t>(bits), digits, shown)
+               : WRD_Format("%*u %0*xh", type.dumpWidth, bits, digits, shown);
 }
 
 } // namespace
@@ -126,17 +47,26 @@ int SCR_Save(ScrPar *par)
         return -1;
     SafeFile file;
     if (SAF_Open(&file, par[3].text, "wb") < 0)
-        return SCR_Fail(CON_Format("Save: Nelze otevrit soubor %s pro zapis.", par[3].text));
+        return SCR_Fail(WRD_Format("Save: Nelze otevrit soubor %s pro zapis.", par[3].text));
     SAF_PutText(file.file,
-                CON_Format("Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
+                WRD_Format("Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
                            request.type->upperName));
-    const TransferReport report = SaveElements(request, file.file);
+    // The bytes are counted in 16 bits: an array of 64 KiB and more wraps.
+    const ArrayType &type = *request.type;
+    const auto byteCount = static_cast<uint16_t>(request.count * type.size);
+    const TransferPlan plan = {request.address, byteCount, SAVE_BLOCK_BYTES, TRF_METER_ARRAY};
+    const TransferReport report =
+        TRF_Read(plan, [&](uint32_t, const uint8_t *bytes, uint32_t count) {
+            for (uint32_t i = 0; i + type.size <= count; i += type.size)
+                SAF_PutText(file.file, ARR_FormatElement(type, bytes + i));
+            return true;
+        });
     if (report.result != TRANSFER_DONE) {
         SAF_Cancel(&file);
         return FailTransfer(report, "Save");
     }
     if (SAF_Commit(&file) < 0)
-        return SCR_Fail(CON_Format("Save: chyba pri zapisu do souboru %s.", par[3].text));
+        return SCR_Fail(WRD_Format("Save: chyba pri zapisu do souboru %s.", par[3].text));
     return 0;
 }
 
@@ -146,9 +76,26 @@ int SCR_Dump(ScrPar *par)
     if (ARR_Resolve(par, "Dump", "Dump.", &request) < 0)
         return -1;
     CON_Print("Pole: %s, typ: %s.", ARR_FormatPlace(request, "").c_str(), request.type->upperName);
-    DumpState state;
-    const TransferReport report = DumpElements(request, &state);
-    if (!state.row.empty())
-        PrintMonStr(state.row);
+    const ArrayType &type = *request.type;
+    const uint32_t perRow = type.isFloat ? ROW_FLOATS : ROW_BYTES / type.size;
+    const TransferPlan plan = {request.address, request.count * type.size, SAVE_BLOCK_BYTES,
+                               TRF_METER_ARRAY};
+    uint32_t index = 0;
+    std::string row;
+    const auto addElements = [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
+        for (uint32_t i = 0; i + type.size <= count; i += type.size) {
+            if (index % perRow == 0)
+                row = WRD_Format("%06x[%4u]", address + i, index);
+            row += "  " + FormatForDump(type, bytes + i);
+            if (++index % perRow == 0) {
+                PrintMonStr(row);
+                row.clear();
+            }
+        }
+        return true;
+    };
+    const TransferReport report = TRF_Read(plan, addElements);
+    if (!row.empty()) // the last row; after a failure what stands in front of it
+        PrintMonStr(row);
     return report.result == TRANSFER_DONE ? 0 : FailTransfer(report, "Dump");
 }

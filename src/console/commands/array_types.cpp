@@ -13,12 +13,14 @@
 #include "settings/settings.h"
 #include "text/bytes.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "text/xscan.h"
 
 const ArrayType ARR_aTypes[ARRAY_TYPES] = {
-    {"i1", "I1", 1, true, false},  {"i2", "I2", 2, true, false},  {"i4", "I4", 4, true, false},
-    {"u1", "U1", 1, false, false}, {"u2", "U2", 2, false, false}, {"u4", "U4", 4, false, false},
-    {"f4", "F4", 4, false, true},
+    {"i1", "I1", 1, true, false, 4},  {"i2", "I2", 2, true, false, 7},
+    {"i4", "I4", 4, true, false, 14}, {"u1", "U1", 1, false, false, 3},
+    {"u2", "U2", 2, false, false, 6}, {"u4", "U4", 4, false, false, 12},
+    {"f4", "F4", 4, false, true, 12},
 };
 
 namespace {
@@ -29,23 +31,14 @@ const char FLOAT_LINE_HEAD[] = "* ?#+/-.@#0-9.?/.*#0-9.";
 const char FLOAT_LINE_EXPONENT[] = "#eE.?#+/-.@#0-9.";
 const char LINE_END[] = "* #";
 
-// The exponent is optional, and the scanner has no optional groups: two patterns.
-bool IsFloatLine(const char *line)
-{
-    if (xscan(FLOAT_LINE_HEAD, &line) < 0)
-        return false;
-    xscan(FLOAT_LINE_EXPONENT, &line);
-    return xscan(LINE_END, &line) >= 0;
-}
-
-bool IsIntegerLine(const ArrayType &type, const char *line)
-{
-    return xscan(type.isSigned ? SIGNED_LINE : UNSIGNED_LINE, &line) >= 0;
-}
-
 ArrayParse ParseFloat(const char *line, uint8_t *bytes)
 {
-    if (!IsFloatLine(line))
+    // The exponent is optional, and the scanner has no optional groups: two patterns.
+    const char *cursor = line;
+    if (xscan(FLOAT_LINE_HEAD, &cursor) < 0)
+        return ARRAY_NO_VALUE;
+    xscan(FLOAT_LINE_EXPONENT, &cursor);
+    if (xscan(LINE_END, &cursor) < 0)
         return ARRAY_NO_VALUE;
     const float value = std::strtof(line, nullptr);
     if (!std::isfinite(value))
@@ -67,14 +60,6 @@ uint32_t FindPlace(const char *name)
     return isOfStation && !isTms ? GetSysAddrWk(name) : ADDR_NONE;
 }
 
-// A number stands for itself; it must be an address all the same.
-bool ResolveName(ScrPar *par)
-{
-    if ((par->flags & PAR_NAME) && (par->flags & PAR_ADDRESS) && !(par->flags & PAR_LONG))
-        par->value = FindPlace(par->text);
-    return !(par->flags & PAR_ADDRESS) || par->value < ADDR_LIMIT;
-}
-
 } // namespace
 
 const ArrayType *ARR_FindType(const std::string &name)
@@ -87,33 +72,40 @@ const ArrayType *ARR_FindType(const std::string &name)
 
 bool ExecPar(ScrPar *par, int count)
 {
-    for (int i = 0; i < count; i++)
-        if (!ResolveName(&par[i]))
+    for (ScrPar *end = par + count; par != end; par++) {
+        if (!(par->flags & PAR_ADDRESS))
+            continue;
+        // A number stands for itself; it must be an address all the same.
+        if ((par->flags & PAR_NAME) && !(par->flags & PAR_LONG))
+            par->value = FindPlace(par->text);
+        if (par->value >= ADDR_LIMIT)
             return false;
+    }
     return true;
 }
 
 int ARR_Resolve(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request)
 {
     if (!ExecPar(par, 3))
-        return SCR_Fail(CON_Format("%s: Neplatne parametry skriptu.", label));
+        return SCR_Fail(WRD_Format("%s: Neplatne parametry skriptu.", label));
     request->type = ARR_FindType(par[1].text);
     if (!request->type)
         return SCR_Fail(
-            CON_Format("%s Podporovane typy jsou: i1, u1, i2, u2, i4, u4, f4.", typeLabel));
+            WRD_Format("%s Podporovane typy jsou: i1, u1, i2, u2, i4, u4, f4.", typeLabel));
     request->place = (par[0].flags & PAR_NAME) ? par[0].text : "";
     request->address = par[0].value;
     request->count = par[2].value;
+    // A count has 16 bits and an element four bytes at most: the product fits.
     if (request->count * request->type->size > ADDR_LIMIT - request->address)
-        return SCR_Fail(CON_Format("%s: Neplatne parametry skriptu.", label));
+        return SCR_Fail(WRD_Format("%s: Neplatne parametry skriptu.", label));
     return 0;
 }
 
 std::string ARR_FormatPlace(const ArrayRequest &request, const char *addressPrefix)
 {
     if (!request.place.empty())
-        return CON_Format("'%s[%u]'", request.place.c_str(), request.count);
-    return CON_Format("'%s%x[%u]'", addressPrefix, request.address, request.count);
+        return WRD_Format("'%s[%u]'", request.place.c_str(), request.count);
+    return WRD_Format("'%s%x[%u]'", addressPrefix, request.address, request.count);
 }
 
 uint32_t ARR_GetElement(const ArrayType &type, const uint8_t *bytes)
@@ -129,19 +121,20 @@ std::string ARR_FormatElement(const ArrayType &type, const uint8_t *bytes)
     if (type.isFloat) {
         float value = 0;
         std::memcpy(&value, &bits, sizeof value);
-        return CON_Format("%g\n", static_cast<double>(value));
+        return WRD_Format("%g\n", static_cast<double>(value));
     }
-    return type.isSigned ? CON_Format("%d\n", static_cast<int32_t>(bits))
-                         : CON_Format("%u\n", bits);
+    return type.isSigned ? WRD_Format("%d\n", static_cast<int32_t>(bits))
+                         : WRD_Format("%u\n", bits);
 }
 
 ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes)
 {
     if (type.isFloat)
         return ParseFloat(line, bytes);
-    if (!IsIntegerLine(type, line))
+    const char *cursor = line;
+    if (xscan(type.isSigned ? SIGNED_LINE : UNSIGNED_LINE, &cursor) < 0)
         return ARRAY_NO_VALUE;
-    errno = 0;
+    errno = 0; // the pattern bounds no number of digits
     const long long value = std::strtoll(line, nullptr, 10);
     const long long span = 1LL << (8 * type.size);
     const long long low = type.isSigned ? -span / 2 : 0;

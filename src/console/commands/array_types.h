@@ -14,6 +14,7 @@ struct ArrayType {
     uint32_t size;         // bytes of an element
     bool isSigned;
     bool isFloat;
+    int dumpWidth = 0; // characters of its number on a row of a dump
 };
 
 constexpr int ARRAY_TYPES = 7;

@@ -1,4 +1,5 @@
-// Stretches of target memory as raw bytes or hexadecimal text.
+// Stretches of target memory as raw bytes or hexadecimal text. A save writes what is proven
+// stretch by stretch; the file takes its name only when it is whole.
 #include <algorithm>
 #include <cstdio>
 #include <vector>
@@ -12,14 +13,16 @@
 #include "console/script/script_command.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
+#include "text/words.h"
 
 namespace {
 
-constexpr uint32_t BLOCK_BYTES = 1024;
+constexpr uint32_t BLOCK_BYTES = 1024; // what the meter counts as a block
 constexpr uint32_t HEX_LINE_BYTES = 16;
 
 int Resolve(ScrPar *par, const char *message, ArrayRequest *request)
 {
+    // ExecPar has the address below the limit, so that the difference does not wrap.
     if (!ExecPar(par, 1) || par[1].value > ADDR_LIMIT - par[0].value)
         return SCR_Fail(message);
     request->address = par[0].value;
@@ -34,7 +37,7 @@ int FailTransfer(const TransferReport &report, const char *label)
         text = "file write failure.";
     else if (report.result == TRANSFER_CANCELLED)
         text = "cancelled by the user.";
-    return SCR_Fail(CON_Format("%s: %s", label, text.c_str()));
+    return SCR_Fail(WRD_Format("%s: %s", label, text.c_str()));
 }
 
 // Lines end where the address is a multiple of 16, so that only the first and the last
@@ -64,7 +67,7 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
 {
     SafeFile file;
     if (SAF_Open(&file, fileName, "wb") < 0)
-        return SCR_Fail(CON_Format("%s: Can't open file '%s' for write.", label, fileName));
+        return SCR_Fail(WRD_Format("%s: Can't open file '%s' for write.", label, fileName));
     const TransferPlan plan = {request.address, request.count, BLOCK_BYTES, TRF_METER_BINARY};
     TransferReport report =
         TRF_Read(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
@@ -91,7 +94,7 @@ bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes,
         if (count == 0)
             break;
     }
-    *isLonger = std::fgetc(file) != EOF;
+    *isLonger = std::fgetc(file) != EOF; // one character tells, however large the file is
     const bool isGood = std::ferror(file) == 0;
     std::fclose(file);
     return isGood;
@@ -123,7 +126,8 @@ int SCR_BinLoad(ScrPar *par)
     std::vector<uint8_t> bytes;
     bool isLonger = false;
     if (!ReadFile(par[2].text, request.count, &bytes, &isLonger))
-        return SCR_Fail(CON_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
+        return SCR_Fail(WRD_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
+    // The length is a bound: what there is gets written, and the user is told.
     if (isLonger || bytes.size() < request.count)
         CON_Print("Warning: the file is %s than %u bytes.", isLonger ? "longer" : "shorter",
                   request.count);

@@ -18,6 +18,7 @@ int SCR_Dis(ScrPar *par)
         return SCR_Fail("dis: the number of instructions must be 1 to 255.");
     std::vector<CODE_Instruction> code;
     std::string cause;
+    // They complete the 16-bit addresses of operands, and change while the target runs.
     const CODE_Pages pages = CODE_ReadPages();
     if (CODE_Read(STATION, address, static_cast<int>(count), pages, &code, &cause) != 0)
         return SCR_Fail("dis: " + cause + ".");
@@ -32,6 +33,7 @@ int SCR_Addr2Name(ScrPar *par)
         return SCR_Fail("addr2name: no such address.");
     const uint32_t address = par[0].value;
     std::string name = SYM_AddressToName(address);
+    // Nothing is near: the last variable in front of it, and how far it is.
     if (name.empty())
         VarAddrToName(address, &name);
     if (name.empty())

@@ -16,6 +16,7 @@
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/main_window.h"
 
@@ -55,11 +56,12 @@ template <typename Work> int WithPort(const char *label, Work work)
     LDR_Loan loan;
     const int opened = LDR_BorrowPort(ncom, bRate, &loan);
     if (opened < 0)
-        return SCR_Fail(CON_Format("%s: %s.", label, MrASC_ErrorText(opened).c_str()));
+        return SCR_Fail(WRD_Format("%s: %s.", label, MrASC_ErrorText(opened).c_str()));
     const int result = work();
+    // The port goes back whatever came of it; a failure of the work is the one to tell.
     const int returned = LDR_ReturnPort(loan);
     if (result >= 0 && returned < 0)
-        return SCR_Fail(CON_Format("%s: the link could not be opened again.", label));
+        return SCR_Fail(WRD_Format("%s: the link could not be opened again.", label));
     return result;
 }
 
@@ -68,15 +70,6 @@ int FailAs(int result, const std::string &text)
 {
     SCR_Fail(text);
     return result;
-}
-
-void PrintProblems(const HEX_File &file)
-{
-    for (const HEX_Problem &problem : file.problems)
-        CON_Print("%s", HEX_FormatProblem(problem).c_str());
-    if (file.fatal + file.remarks > file.problems.size())
-        CON_Print("... and %u more",
-                  static_cast<unsigned>(file.fatal + file.remarks - file.problems.size()));
 }
 
 int SaveBytes(const char *path, const std::vector<uint8_t> &bytes)
@@ -116,6 +109,7 @@ int SCR_L3Test(ScrPar *)
 
 int SCR_L3Erase(ScrPar *)
 {
+    // The loader answers only when it is done, so that the text must stand on the screen before.
     CON_Print("Erasing Flash! This can take up to 15s, wait please ...");
     MWN_ShowView(ITEM_CONSOLE_VIEW);
     ProcessSystemEvents();
@@ -148,7 +142,13 @@ int SCR_L3Verify(ScrPar *par)
 {
     LDR_Job job;
     if (LDR_Prepare(&job, par[0].text) < 0) {
-        PrintProblems(job.file);
+        // The file keeps a bounded number of problems, and counts them all.
+        const HEX_File &file = job.file;
+        for (const HEX_Problem &problem : file.problems)
+            CON_Print("%s", HEX_FormatProblem(problem).c_str());
+        if (file.fatal + file.remarks > file.problems.size())
+            CON_Print("... and %u more",
+                      static_cast<unsigned>(file.fatal + file.remarks - file.problems.size()));
         return SCR_Fail("l3verify: " + LDR_GetResultText(job));
     }
     return WithPort("l3verify", [&job] {
@@ -176,13 +176,14 @@ int SCR_L3Read(ScrPar *par)
         StopMeter(meter);
         if (result == LDR_ERR_CANCELLED)
             return SCR_Fail("l3read: cancelled by the user.");
+        // What had been read until then is not saved.
         if (result < 0)
-            return SCR_Fail(CON_Format("l3read: 0x%06X: %s.",
+            return SCR_Fail(WRD_Format("l3read: 0x%06X: %s.",
                                        par[0].value + static_cast<uint32_t>(bytes.size()),
                                        LD167U_GetFaultText().c_str()));
         const int saved = HasHexSuffix(path)
                               ? HEX_Save(path, par[0].value, bytes.data(), bytes.size())
                               : SaveBytes(path, bytes);
-        return saved == 0 ? 0 : SCR_Fail(CON_Format("l3read: Can't write file '%s'.", path));
+        return saved == 0 ? 0 : SCR_Fail(WRD_Format("l3read: Can't write file '%s'.", path));
     });
 }

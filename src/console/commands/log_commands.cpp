@@ -10,13 +10,14 @@
 #include "logger/dlld_record.h"
 #include "logger/log_target.h"
 #include "settings/settings.h"
+#include "text/words.h"
 
 namespace {
 
 int Fail(const char *command, const std::string &text)
 {
     if (DLLD_IsCancelled())
-        return SCR_Fail(CON_Format("%s: cancelled by the user.", command));
+        return SCR_Fail(WRD_Format("%s: cancelled by the user.", command));
     return SCR_Fail(std::string(command) + ": " + text);
 }
 
@@ -48,7 +49,7 @@ int SaveLogFiles(const DLLD_Log &log, const std::string &name, const std::string
 
 std::string FormatStamp(uint32_t stamp)
 {
-    if (stamp == 0)
+    if (stamp == 0) // a log without a message
         return "none";
     DateTime time;
     std::string text;
@@ -57,6 +58,7 @@ std::string FormatStamp(uint32_t stamp)
     return text;
 }
 
+// The reads of a survey share one proof: nothing is shown that may be another's answer.
 int ShowSurvey(const std::string &name)
 {
     DLLD_Survey survey;
@@ -64,7 +66,7 @@ int ShowSurvey(const std::string &name)
         return FailRead("dlldtst", "Could not read the log (" + name + ").");
     std::string header;
     for (const uint16_t word : survey.header)
-        header += CON_Format(" %04X", word);
+        header += WRD_Format(" %04X", word);
     CON_Print("Log:      %s, %d words at %06Xh", name.c_str(), survey.words, survey.address);
     CON_Print("Header:  %s (%s)", header.c_str(), survey.isGood ? "good" : "bad");
     if (!survey.isGood)
@@ -86,7 +88,7 @@ int ShowRecIds()
         return FailRead("dlldtst", "Could not read log type list (DL_arecId).");
     CON_Print("Records:  %d", DLLD_nDimARecId);
     for (const DLLD_RecId &entry : DLLD_paRecId) {
-        const std::string id = CON_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
+        const std::string id = WRD_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
         if (entry.text.empty())
             CON_Print("%sno description", id.c_str());
         else if (entry.errorAt > 0)
@@ -105,7 +107,7 @@ int ScrFnGetLog(ScrPar *par)
     const std::string name = par[0].text, base = par[1].text;
     if (name.empty() || base.empty())
         return SCR_Fail("getlog: Invalid parameters.");
-    LGT_UseTarget();
+    LGT_UseTarget(); // the settings may have changed since the last download
     if (DLLD_ReadARecId() < 0)
         return FailRead("getlog", "Could not read log type list (DL_arecId).");
     CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
@@ -124,6 +126,7 @@ int ScrFnSaveLog(ScrPar *par)
     if (path.empty() || (isName ? DLLD_GetWrkAddr(&address, name) < 0 : address >= ADDR_LIMIT))
         return SCR_Fail("SaveLog: Neplatne parametry skriptu.");
     DLLD_Log log;
+    // A log that only an address tells has no declaration; its header must say all.
     const int read = isName ? DLLD_ReadLog(name, &log) : DLLD_ReadLogAt(address, &log);
     if (read < 0)
         return FailRead("SaveLog", "Chyba pri cteni logu.");
@@ -141,7 +144,7 @@ int SCR_DlldTst(ScrPar *par)
     if (names.empty())
         return SCR_Fail("dlldtst: no variable of the map and type map describes a log.");
     if (number < 0 || number > static_cast<int32_t>(names.size()))
-        return SCR_Fail(CON_Format("dlldtst: logs are numbered 1 to %d; 0 lists them.",
+        return SCR_Fail(WRD_Format("dlldtst: logs are numbered 1 to %d; 0 lists them.",
                                    static_cast<int>(names.size())));
     if (number == 0) {
         for (size_t i = 0; i < names.size(); i++)

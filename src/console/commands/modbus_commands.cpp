@@ -13,6 +13,7 @@
 #include "console/script/script_command.h"
 #include "settings/settings.h"
 #include "text/tokens.h"
+#include "text/words.h"
 
 namespace {
 
@@ -49,7 +50,7 @@ bool ParseRequest(const char *line, size_t unsignedCount, size_t least, size_t m
 
 int FailExchange(const char *command)
 {
-    return SCR_Fail(CON_Format("%s: %s", command, UCM_LastErrorText().c_str()));
+    return SCR_Fail(WRD_Format("%s: %s", command, UCM_LastErrorText().c_str()));
 }
 
 void PrintRegisters(uint32_t start, const uint16_t *registers, size_t count)
@@ -68,7 +69,7 @@ void PrintBits(uint32_t start, const uint16_t *packed, size_t count)
 {
     for (size_t row = 0; row < count; row += BITS_A_ROW) {
         const auto address = static_cast<unsigned>(start + row);
-        std::string text = CON_Format("%5u  %04Xh  ", address, address);
+        std::string text = WRD_Format("%5u  %04Xh  ", address, address);
         for (size_t i = row; i < std::min<size_t>(row + BITS_A_ROW, count); ++i) {
             const unsigned byte = i / 8 % 2 == 0 ? packed[i / 16] >> 8 : packed[i / 16] & 0xFFu;
             text += (byte >> i % 8 & 1u) != 0 ? " 1" : " 0";
@@ -142,9 +143,9 @@ void PrintReadBack(int slave, const MBM_Part &written)
 int CheckSlave(const char *command, int slave)
 {
     if (VR_nProtocol != PROTOCOL_MODBUS)
-        return SCR_Fail(CON_Format("%s: the protocol is not Modbus.", command));
+        return SCR_Fail(WRD_Format("%s: the protocol is not Modbus.", command));
     if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX)
-        return SCR_Fail(CON_Format("%s: slave %d is not from 1 to 250.", command, slave));
+        return SCR_Fail(WRD_Format("%s: slave %d is not from 1 to 250.", command, slave));
     return 0;
 }
 
@@ -163,7 +164,7 @@ int SCR_MbRead(ScrPar *par)
     if (CheckSlave("mbread", request.slave) < 0)
         return -1;
     if (quantity < 1 || quantity > static_cast<uint32_t>(most) || start + quantity > ADDRESSES)
-        return SCR_Fail(CON_Format("mbread: 1 to %d from addresses up to 65535.", most));
+        return SCR_Fail(WRD_Format("mbread: 1 to %d from addresses up to 65535.", most));
     return isBits ? ReadBits(request.slave, function, start, quantity)
                   : ReadRegisters(request.slave, function, start, quantity);
 }

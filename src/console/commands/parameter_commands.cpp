@@ -20,7 +20,8 @@ constexpr size_t CHANGES_SHOWN_MAX = 1000; // on the console, whose text has a b
 
 std::vector<PST_File> compared; // by ldcmpldx, until mkcmpvldx has shown them
 
-// A progress box that the sets' files can drive. It appears with the first step.
+// A progress box that the sets' files can drive. It appears with the first step, so that a file
+// with a fault, which reads nothing from the target, shows none.
 struct Meter {
     const char *text = "";
     int dialog = 0;
@@ -46,7 +47,7 @@ void EndMeter(Meter *meter)
 void PrintLines(const std::vector<std::string> &lines, size_t max = SIZE_MAX)
 {
     for (size_t i = 0; i < lines.size() && i < max; ++i)
-        PrintMonStr(WRD_Visible(lines[i]));
+        PrintMonStr(WRD_Visible(lines[i])); // names and texts in it come from files
     if (lines.size() > max)
         PrintMonStr("... and " + std::to_string(lines.size() - max) + " more");
 }
@@ -83,21 +84,12 @@ int WriteListing(const std::string &command, const std::vector<PST_File> &files,
     return FailWith(command, "no listing was written.");
 }
 
-bool IsWriteWished(const PST_Restore &job)
-{
-    const std::string count = std::to_string(job.writes.size());
-    return ConfirmPopup("Download", "Write " + count +
-                                        (job.writes.size() == 1 ? " value" : " values") +
-                                        " to station " + std::to_string(STATION) +
-                                        "? They are listed in the console.") == 1;
-}
-
 int Download(const std::string &header, const std::string &data, bool isAll, PST_Restore *job,
              Meter *meter)
 {
     const PST_Progress progress = {meter, StepMeter};
     const int prepared = PST_PrepareRestore(header, data, isAll, job, progress);
-    EndMeter(meter);
+    EndMeter(meter); // no box may stand over the question below
     if (prepared == PST_ERR_FILE) {
         PrintProblems(job->problems);
         return FailWith("download", PST_NOTHING_WRITTEN);
@@ -106,8 +98,15 @@ int Download(const std::string &header, const std::string &data, bool isAll, PST
         return FailWith("download", job->why + " " + PST_NOTHING_WRITTEN);
     PrintLines(PST_RestoreWarnings(*job));
     PrintLines(PST_RestoreChanges(*job), CHANGES_SHOWN_MAX);
-    if (!job->writes.empty() && !IsWriteWished(*job))
-        return FailWith("download", PST_NOTHING_WRITTEN);
+    if (!job->writes.empty()) {
+        const std::string count = std::to_string(job->writes.size());
+        const std::string question =
+            "Write " + count + (job->writes.size() == 1 ? " value" : " values") + " to station " +
+            std::to_string(STATION) + "? They are listed in the console.";
+        if (ConfirmPopup("Download", question) != 1)
+            return FailWith("download", PST_NOTHING_WRITTEN);
+    }
+    // Also without anything to write: the report says that the target holds the file.
     const int result = PST_RunRestore(job, progress);
     EndMeter(meter);
     PrintLines(PST_RestoreResult(*job, result));

@@ -146,19 +146,6 @@ uint32_t ElementAddress(const Name &name, const LItem &item)
     return start != ADDR_NONE && address < ADDR_LIMIT ? static_cast<uint32_t>(address) : ADDR_NONE;
 }
 
-// The map's symbol behind `start` that the value would reach into, or null.
-const VarNode *SymbolInside(uint32_t start, const LItem &item)
-{
-    const VarNode *next = openStruct != OPEN_NONE ? VRN_MapNodeAtOrAfter(start + 1) : nullptr;
-    return next && next->addr < item.address + static_cast<uint32_t>(item.size) ? next : nullptr;
-}
-
-// An address behind "&" counts the TMS320's words.
-uint32_t AddressOf(const Name &name)
-{
-    return GetSysAddrWk(name.path.c_str() + (name.isAddress && name.isTms ? 1 : 0));
-}
-
 bool IsVariable(const Name &name, const std::string &variable)
 {
     return GetSysAddrWk(((name.isTms ? "&" : "") + variable).c_str()) != ADDR_NONE;
@@ -196,7 +183,9 @@ bool FindType(const Name &name, const std::string &cast, LItem *item, bool *isGu
 bool FindPlace(const Name &name, bool isGuess, LItem *item, std::string *problem)
 {
     item->name = name.isTms ? "&" : "";
-    item->address = AddressOf(name);
+    // An address behind "&" counts the TMS320's words, and stands without the mark.
+    const size_t mark = name.isAddress && name.isTms ? 1 : 0;
+    item->address = GetSysAddrWk(name.path.c_str() + mark);
     uint32_t start = item->address;
     if (item->address == ADDR_NONE) {
         item->address = ElementAddress(name, *item);
@@ -207,11 +196,15 @@ bool FindPlace(const Name &name, bool isGuess, LItem *item, std::string *problem
         *problem = name.isAddress ? "the target has no such address." : NO_SUCH_PART;
         return false;
     }
-    const VarNode *next = isGuess && !name.isTms ? SymbolInside(start, *item) : nullptr;
-    if (next)
-        *problem = "as " + VTY_Field(*item) + " it would run into " + next->name +
-                   ": say the type, as (u1) " + name.path + ".";
-    return next == nullptr;
+    if (!isGuess || name.isTms || openStruct == OPEN_NONE)
+        return true;
+    // A guessed type must not reach into the map's next symbol.
+    const VarNode *next = VRN_MapNodeAtOrAfter(start + 1);
+    if (!next || next->addr >= item->address + static_cast<uint32_t>(item->size))
+        return true;
+    *problem = "as " + VTY_Field(*item) + " it would run into " + next->name +
+               ": say the type, as (u1) " + name.path + ".";
+    return false;
 }
 
 } // namespace
@@ -269,11 +262,11 @@ std::string SET_TypeAndPlace(const SET_Request &request)
     const LItem &item = request.item;
     const bool isWords = IsWordAddressing(Procesor) && !LIT_IsTMS(item);
     const char *kind = LIT_IsTMS(item) ? "TMS320 word " : isWords ? "word " : "";
-    std::string text = CON_Format("%s at %s0x%06X", VTY_Field(item).c_str(), kind,
+    std::string text = WRD_Format("%s at %s0x%06X", VTY_Field(item).c_str(), kind,
                                   isWords ? item.address / 2 : item.address);
     if (isWords && item.address % 2 != 0)
         text += ", upper half";
-    return item.station < 0 ? text : text + CON_Format(", station %d", item.station);
+    return item.station < 0 ? text : text + WRD_Format(", station %d", item.station);
 }
 
 // The parameter is the whole line, the command's word in front.

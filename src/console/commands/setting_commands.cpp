@@ -40,6 +40,7 @@ const CpuNumber CPUS[] = {{166, CPU_C166}, {167, CPU_C167}, {28335, CPU_F283XX}}
 
 const uint32_t BAUD_RATES[] = {9600, 19200, 38400, 57600};
 
+// No command selects a C269; its number has a prompt all the same.
 struct CpuPrompt {
     int32_t processor;
     const char *prompt;
@@ -49,13 +50,6 @@ const CpuPrompt CPU_PROMPTS[] = {{CPU_C166, "C166"},
                                  {2, "C269"},
                                  {CPU_F283XX, "F28335"},
                                  {CPU_F2803X, "F2803"}};
-
-void PrintComParUsage()
-{
-    PrintMonStr("use: compar com, baudrate");
-    PrintMonStr("     com ... number of the serial port (1 to 255)");
-    PrintMonStr("     baudrate ... 9600, 19200, 38400 or 57600");
-}
 
 } // namespace
 
@@ -91,15 +85,16 @@ int SCR_Procesor(ScrPar *par)
     for (const CpuNumber &cpu : CPUS) {
         if (cpu.number != par[0].value)
             continue;
-        if (Procesor != cpu.processor) {
+        if (Procesor != cpu.processor) { // scripts name the same one often
             Procesor = cpu.processor;
-            initRgMap(Procesor);
+            initRgMap(Procesor); // before the list, whose items may be registers
             VR_ResolveWatchList();
             VR_FillDebugItems();
             SetMainPanelAttributes();
         }
         return 0;
     }
+    // The wrong command's name stays: service procedures look for this text.
     return SCR_Fail("station: cislo procesoru ma byt 166, 167 nebo 28335.");
 }
 
@@ -113,7 +108,7 @@ int SCR_ListVars(ScrPar *par)
     const char *name = nullptr;
     int position = 0;
     while (RdTblVarName(par[0].text, &name, aVarNode, nNodes, &position) == 0)
-        CON_Print(" %06x  %s", aVarNode[position - 1].addr, name);
+        CON_Print(" %06x  %s", aVarNode[position - 1].addr, name); // position: behind it
     return 0;
 }
 
@@ -137,7 +132,7 @@ int SCR_TypeMap(ScrPar *par)
 
 int SCR_Language(ScrPar *par)
 {
-    for (const Choice &language : LANGUAGES) {
+    for (const Choice &language : LANGUAGES) { // of listings; the program itself has one
         if (CON_IsSameWord(par[0].text, language.name)) {
             Option_nLanguage = language.value;
             return 0;
@@ -157,7 +152,9 @@ int SCR_ComPar(ScrPar *par)
     const uint32_t port = par[0].value;
     const uint32_t rate = par[1].value;
     if (port == 0 && rate == 0) {
-        PrintComParUsage();
+        PrintMonStr("use: compar com, baudrate");
+        PrintMonStr("     com ... number of the serial port (1 to 255)");
+        PrintMonStr("     baudrate ... 9600, 19200, 38400 or 57600");
         return 0;
     }
     if (port == 0)
@@ -168,7 +165,7 @@ int SCR_ComPar(ScrPar *par)
         ncom = static_cast<int32_t>(port);
         bRate = static_cast<int32_t>(rate);
         SetMainPanelAttributes();
-        CON_DropLink();
+        CON_DropLink(); // an open port goes on with the old rate otherwise
         return 0;
     }
     return SCR_Fail("compar: rychlost smi byt 9600, 19200, 38400 nebo 57600.");

@@ -8,6 +8,7 @@
 #include "console/monitor/text_box.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 
 const char TRF_METER_ARRAY[] = "Probiha komunikace ";
 const char TRF_METER_BINARY[] = "Communication. Block ";
@@ -31,17 +32,6 @@ uint32_t CountBlocks(uint32_t count, uint32_t perBlock)
     return count / perBlock + (count % perBlock != 0 ? 1 : 0);
 }
 
-Meter OpenMeter(const TransferSteps &steps)
-{
-    Meter meter;
-    meter.text = steps.meterText;
-    meter.perBlock = steps.perBlock;
-    meter.blocks = CountBlocks(steps.count, steps.perBlock);
-    if (meter.blocks >= METER_BLOCKS_MIN)
-        meter.dialog = CreateProgressDialog("Vireo2", meter.text);
-    return meter;
-}
-
 // Shows how far the transfer is; true once the user wants to go no further.
 bool IsStopped(Meter *meter, uint32_t at)
 {
@@ -49,7 +39,7 @@ bool IsStopped(Meter *meter, uint32_t at)
     if (meter->dialog > 0 && done != meter->shown) {
         meter->shown = done;
         const int percent = static_cast<int>(uint64_t(100) * done / meter->blocks);
-        const std::string text = CON_Format("%s%u/%u", meter->text, done, meter->blocks);
+        const std::string text = WRD_Format("%s%u/%u", meter->text, done, meter->blocks);
         if (UpdateProgressDialog(meter->dialog, percent, text) == 1)
             return true;
     }
@@ -85,7 +75,12 @@ void MoveStretch(const TransferSteps &steps, Meter *meter, uint32_t at, uint32_t
 TransferReport TRF_Run(const TransferSteps &steps)
 {
     TransferReport report;
-    Meter meter = OpenMeter(steps);
+    Meter meter;
+    meter.text = steps.meterText;
+    meter.perBlock = steps.perBlock;
+    meter.blocks = CountBlocks(steps.count, steps.perBlock);
+    if (meter.blocks >= METER_BLOCKS_MIN)
+        meter.dialog = CreateProgressDialog("Vireo2", meter.text);
     for (uint32_t at = 0; at < steps.count && report.result == TRANSFER_DONE;
          at += steps.perStretch)
         MoveStretch(steps, &meter, at, std::min(steps.perStretch, steps.count - at), &report);
@@ -101,6 +96,7 @@ TransferReport TRF_Read(const TransferPlan &plan, const TransferTaker &take)
     steps.perExchange = steps.perBlock = plan.blockBytes;
     steps.perStretch = STRETCH_BYTES / plan.blockBytes * plan.blockBytes;
     steps.meterText = plan.meterText;
+    // One stretch is kept, until its proof; a stretch that is made again overwrites itself.
     std::vector<uint8_t> stretch(std::min(plan.count, steps.perStretch));
     steps.exchange = [&](uint32_t at, uint32_t count) {
         return UCM_Read(STATION, plan.address + at, count, &stretch[at % steps.perStretch]);
@@ -116,6 +112,7 @@ TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes)
     TransferSteps steps;
     steps.count = plan.count;
     steps.perBlock = plan.blockBytes;
+    // A write of several messages would not say how far it came; one message does.
     steps.perExchange = std::min(plan.blockBytes, UCM_WriteStep());
     steps.perStretch = STRETCH_BYTES / steps.perExchange * steps.perExchange;
     steps.meterText = plan.meterText;
@@ -127,6 +124,6 @@ TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes)
 
 std::string TRF_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes)
 {
-    return CON_Format("%s%u of %u bytes written", report.isProven ? "" : "at most ",
+    return WRD_Format("%s%u of %u bytes written", report.isProven ? "" : "at most ",
                       report.moved * unitBytes, count * unitBytes);
 }

@@ -8,13 +8,14 @@
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/words.h"
 
 namespace {
 
 // A value may be meant signed or unsigned: it fits when either range holds it.
 bool IsInRange(const ScrPar &par, uint32_t size)
 {
-    if (size == 4)
+    if (size == 4) // the parser has checked 32 bits
         return true;
     const int64_t span = int64_t{1} << (8 * size);
     const bool isNegative = (par.flags & PAR_SIGNED) != 0;
@@ -26,18 +27,18 @@ int WriteValue(ScrPar *par, const char *label)
 {
     const uint32_t size = par[0].value;
     if (size != 1 && size != 2 && size != 4)
-        return SCR_Fail(CON_Format("%s: Lze zapisovat pouze 1, 2 nebo 4 bytove promenne.", label));
+        return SCR_Fail(WRD_Format("%s: Lze zapisovat pouze 1, 2 nebo 4 bytove promenne.", label));
     if (!IsInRange(par[1], size)) {
         const int span = 1 << (8 * size);
-        return SCR_Fail(CON_Format("%s: hodnota ma byt od %d do %d.", label, -span / 2, span - 1));
+        return SCR_Fail(WRD_Format("%s: hodnota ma byt od %d do %d.", label, -span / 2, span - 1));
     }
     if (par[2].value > ADDR_LIMIT - size)
         return SCR_Fail(
-            CON_Format("%s: posledni byte lezi za adresou %06X.", label, ADDR_LIMIT - 1));
+            WRD_Format("%s: posledni byte lezi za adresou %06X.", label, ADDR_LIMIT - 1));
     uint8_t bytes[4];
     BYT_PutLittle(bytes, sizeof bytes, par[1].value);
     if (UCM_WriteProven(STATION, par[2].value, static_cast<uint16_t>(size), bytes) < 0)
-        return SCR_FailLink(CON_Format("%s: Selhani komunikace.", label));
+        return SCR_FailLink(WRD_Format("%s: Selhani komunikace.", label));
     return 0;
 }
 
@@ -52,6 +53,7 @@ int SCR_Write(ScrPar *par)
 
 int SCR_WriteNA(ScrPar *par)
 {
+    // "NA" stands for a numeric address: the map shall have no part in it.
     if ((par[2].flags & PAR_NAME) || !ExecPar(par, 3))
         return SCR_Fail("writeNA: Neplatne parametry skriptu.");
     return WriteValue(par, "writeNA");

@@ -27,18 +27,10 @@ const char *const GATE_WORDS[] = {"compar",   "download", "exit",    "goto",   "
                                   "qst",      "station",  "term166", "upload", "write", "writeNA",
                                   "hexload",  "l3test",   "l3erase", "l3write"};
 
-constexpr int LETTER_BAD_ARGUMENT = -2;
-
 int SayTryHelp()
 {
     PrintMonStr("Try 'h' for help.");
     return -1;
-}
-
-int RefuseArguments(int panel)
-{
-    PrintTmsCmdHelp(panel);
-    return LETTER_BAD_ARGUMENT;
 }
 
 // --- letter commands: `argument` is what follows the letter, blanks skipped ----------------
@@ -60,24 +52,6 @@ int ScriptLetter(int panel, const char *argument)
     return SCR_RunAndReport(WRD_Trim(argument), panel);
 }
 
-int StoreLetter(int panel, const char *argument)
-{
-    MemoryFileRequest request;
-    if (!MFL_ParseStore(argument, &request))
-        return RefuseArguments(panel);
-    dwAddr = request.address;
-    return store(panel, request);
-}
-
-int LoadLetter(int panel, const char *argument)
-{
-    MemoryFileRequest request;
-    if (!MFL_ParseLoad(argument, &request))
-        return RefuseArguments(panel);
-    dwAddr = request.address;
-    return load(panel, request);
-}
-
 int TmsLetter(int, const char *)
 {
     command = CMD_TMS;
@@ -87,9 +61,7 @@ int TmsLetter(int, const char *)
 
 int WriteLetter(int panel, const char *argument)
 {
-    const char *cursor = *argument == '\0' ? argument : CON_SkipBlanks(argument + 1);
-    if (!VAL_IsKind(*argument) || !CON_ParseAddress(&cursor, &dwAddr) ||
-        *CON_SkipBlanks(cursor) != '\0')
+    if (!VAL_ParseStart(argument, &dwAddr))
         return SayTryHelp();
     return write_DPM(panel, dwAddr, *argument);
 }
@@ -107,9 +79,9 @@ struct Letter {
     bool isOffline;     // needs no open port
 };
 const Letter LETTERS[] = {{'d', DumpLetter, false, false},  {'!', ScriptLetter, false, false},
-                          {'s', StoreLetter, false, false}, {'t', TmsLetter, false, true},
+                          {'s', store, false, false},       {'t', TmsLetter, false, true},
                           {'w', WriteLetter, false, false}, {'h', HelpLetter, false, true},
-                          {'l', LoadLetter, false, false},  {'m', RdMapFile, true, true}};
+                          {'l', load, false, false},        {'m', RdMapFile, true, true}};
 
 const Letter *FindLetter(char letter)
 {
@@ -144,16 +116,9 @@ bool IsKnown(const char *line)
     return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
 }
 
-// Whoever tests these words tests their case: "HELP" is refused here although the table
-// would know it. With the full command set the gate only stops what nothing below would know.
-bool IsAdmitted(const char *line)
-{
-    return VR_isFullCommandSet ? IsKnown(line) : CON_IsGateWord(line);
-}
-
 // --- the steps of a line ------------------------------------------------------------------------
 
-// Tells how a command of the table ended; `failure` is the wording of its half.
+// `failure` is the wording of the table's half: service procedures compare these texts.
 int ReportCommand(int result, const char *line, const char *failure)
 {
     if (result >= 0) {
@@ -166,23 +131,17 @@ int ReportCommand(int result, const char *line, const char *failure)
     return result;
 }
 
-int RunOnLink(int panel, const char *line)
-{
-    szScrFnErrMsg.clear();
-    const int result = ExecScrCmd(line, SCR_aTable, SCR_cnTarget);
-    if (result == SCR_UNKNOWN)
-        return RunLetter(panel, line);
-    return ReportCommand(result, line, "->Error");
-}
-
-// The order matters: commands that need no link run even when no port can be opened.
+// The table comes in two halves because commands that need no link must run even when no port
+// can be opened.
 int InterpretLine(int panel, const char *line)
 {
-    if (!IsAdmitted(line)) {
-        if (VR_isFullCommandSet) {
-            PrintMonStr("Unknown command. Try 'h' for help.");
-            return -1;
-        }
+    // With the full command set the gate only stops what nothing below would know. Without it
+    // a refused line has not failed: it is counted, and a script goes on behind it.
+    if (VR_isFullCommandSet && !IsKnown(line)) {
+        PrintMonStr("Unknown command. Try 'h' for help.");
+        return -1;
+    }
+    if (!VR_isFullCommandSet && !CON_IsGateWord(line)) {
         CON_nRefused++;
         CON_nUnknown += IsKnown(line) ? 0 : 1;
         CON_Print("Sorry, unknown or unsupported command ('%s').", line);
@@ -196,21 +155,26 @@ int InterpretLine(int panel, const char *line)
     int result = ExecScrCmd(line, SCR_aTable + SCR_cnTarget, SCR_cnTable - SCR_cnTarget);
     if (result != SCR_UNKNOWN)
         return ReportCommand(result, line, "-> Error!");
+    // A letter without the link, unless the word belongs to the table's other half. "mf" and
+    // "mfo" read the map out of the target.
     const Letter *letter = FindLetter(*line);
     const std::string word(line, CON_NameLength(line));
-    // "mf" and "mfo" read the map out of the target.
     if (letter && letter->isOffline && word.compare(0, 2, "mf") != 0 &&
         !SCR_Find(word, SCR_aTable, SCR_cnTarget))
         return RunLetter(panel, line);
     if (CON_HoldLink(LINK_ASK_FOR_PORT) < 0)
         return -1;
-    result = RunOnLink(panel, line);
+    szScrFnErrMsg.clear();
+    result = ExecScrCmd(line, SCR_aTable, SCR_cnTarget);
+    result =
+        result == SCR_UNKNOWN ? RunLetter(panel, line) : ReportCommand(result, line, "->Error");
     CON_ReleaseLink();
     return result;
 }
 
 } // namespace
 
+// The case of a word counts: "HELP" is refused although the table would know it.
 bool CON_IsGateWord(const char *line)
 {
     const size_t length = CON_WordLength(line);

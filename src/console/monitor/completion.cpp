@@ -20,21 +20,6 @@ bool StartsWith(const std::string &text, const std::string &start)
     return text.compare(0, start.size(), start) == 0;
 }
 
-void AddCommands(const std::string &start, std::vector<std::string> *candidates)
-{
-    for (int i = 0; i < SCR_cnTable; i++)
-        if (StartsWith(SCR_aTable[i].name, start) &&
-            (VR_isFullCommandSet || CON_IsGateWord(SCR_aTable[i].name)))
-            candidates->push_back(SCR_aTable[i].name);
-}
-
-void AddNames(const std::string &start, std::vector<std::string> *candidates)
-{
-    for (int i = 0; i < nNodes; i++)
-        if (StartsWith(aVarNode[i].name, start))
-            candidates->push_back(aVarNode[i].name);
-}
-
 // Scripts of the folder that stands before the name, or of the current one.
 void AddScripts(const std::string &start, std::vector<std::string> *candidates)
 {
@@ -50,31 +35,34 @@ void AddScripts(const std::string &start, std::vector<std::string> *candidates)
     }
 }
 
-// Where the last word begins: behind a blank or a "," and behind the "!" of a script.
-size_t FindWordStart(const std::string &line)
-{
-    const size_t cut = line.find_last_of(" \t,=)");
-    const size_t start = cut == std::string::npos ? 0 : cut + 1;
-    return start < line.size() && line[start] == '!' ? start + 1 : start;
-}
-
 } // namespace
 
 int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string> *candidates)
 {
     candidates->clear();
+    // The last word begins behind a blank, a "," or the parts of `set`, and behind the "!" of
+    // a script.
     const std::string before = line.substr(0, cursor);
-    const size_t start = FindWordStart(before);
+    const size_t cut = before.find_last_of(" \t,=)");
+    size_t start = cut == std::string::npos ? 0 : cut + 1;
+    if (start < before.size() && before[start] == '!')
+        ++start;
     const std::string word = before.substr(start);
     const std::string ahead = WRD_Trim(before.substr(0, start));
-    if (ahead == "!")
+    if (ahead == "!") {
         AddScripts(word, candidates);
-    else if (ahead.empty() && command == CMD_C166)
-        AddCommands(word, candidates);
-    else if (CON_IsSameWord(ahead.substr(0, CON_WordLength(ahead.c_str())), "set"))
+    } else if (ahead.empty() && command == CMD_C166) {
+        for (int i = 0; i < SCR_cnTable; i++) // only what the gate would let through
+            if (StartsWith(SCR_aTable[i].name, word) &&
+                (VR_isFullCommandSet || CON_IsGateWord(SCR_aTable[i].name)))
+                candidates->push_back(SCR_aTable[i].name);
+    } else if (CON_IsSameWord(ahead.substr(0, CON_WordLength(ahead.c_str())), "set")) {
         *candidates = NCM_Complete(word);
-    else if (!word.empty())
-        AddNames(word, candidates);
+    } else if (!word.empty()) { // without a letter all 5,000 names of a map would match
+        for (int i = 0; i < nNodes; i++)
+            if (StartsWith(aVarNode[i].name, word))
+                candidates->push_back(aVarNode[i].name);
+    }
     std::sort(candidates->begin(), candidates->end());
     candidates->erase(std::unique(candidates->begin(), candidates->end()), candidates->end());
     if (candidates->size() > CANDIDATES_MAX)

@@ -19,6 +19,7 @@
 #include "symbols/varnode.h"
 #include "text/bytes.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "watch/value/tms_float.h"
 
 namespace {
@@ -29,21 +30,13 @@ constexpr uint32_t COMPLETE_BYTES = 8;
 constexpr uint32_t NODE_BYTES_MAX = 8;
 constexpr uint32_t FLOAT_BYTES = 4;
 constexpr uint32_t WORDS_STRETCH = 64; // with one proof behind them
-constexpr size_t COMPLETE_RULE = 67;
+constexpr size_t COMPLETE_RULE = 67;   // characters of the line below a heading
 constexpr size_t WORDS_RULE = 74;
 constexpr size_t NODE_RULE = 40;
 
 std::string FormatByte(uint8_t byte)
 {
-    return CON_Format("   %02X     %6d     %6u", byte, static_cast<int8_t>(byte), byte);
-}
-
-std::string FormatFloat(const uint8_t *bytes)
-{
-    const uint32_t bits = static_cast<uint32_t>(BYT_GetLittle(bytes, 4));
-    float value = 0;
-    std::memcpy(&value, &bits, sizeof value);
-    return CON_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
+    return WRD_Format("   %02X     %6d     %6u", byte, static_cast<int8_t>(byte), byte);
 }
 
 // The station in front of a name ("3:name"), else the present one; -1 when there is none such.
@@ -58,16 +51,6 @@ int32_t GetNameStation(const std::string &name)
     return station <= STATION_MAX ? static_cast<int32_t>(station) : -1;
 }
 
-// Bytes from the variable to the next symbol of the map, at most NODE_BYTES_MAX.
-uint32_t GetNodeSize(uint32_t address)
-{
-    uint32_t size = NODE_BYTES_MAX;
-    for (int i = 0; i < nNodes; i++)
-        if (aVarNode[i].addr > address)
-            size = std::min(size, aVarNode[i].addr - address);
-    return size;
-}
-
 } // namespace
 
 int MEM_Fail(const std::string &message)
@@ -79,6 +62,7 @@ int MEM_Fail(const std::string &message)
 
 int MEM_FailLink(const std::string &message, const std::string &cause)
 {
+    // A read that was broken off fails like one without an answer; the user knows better.
     if (IsBreakWished())
         return MEM_Fail("\nCancelled.");
     PrintMonStr(message);
@@ -89,7 +73,7 @@ bool MEM_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses)
 {
     if (address + count * unitAddresses <= ADDR_LIMIT)
         return true;
-    MEM_Fail(CON_Format("The last address lies beyond %06X.", ADDR_LIMIT - 1));
+    MEM_Fail(WRD_Format("The last address lies beyond %06X.", ADDR_LIMIT - 1));
     return false;
 }
 
@@ -108,9 +92,9 @@ int dump(int, uint32_t address)
         });
     for (uint32_t row = 0; row < series.good; row++) {
         const uint32_t at = row * RAW_ROW_BYTES;
-        std::string line = CON_Format(" %08x:  ", address + at);
+        std::string line = WRD_Format(" %08x:  ", address + at);
         for (uint32_t i = at; i < rowEnd(at); i++)
-            line += CON_Format(" %02X", bytes[i]);
+            line += WRD_Format(" %02X", bytes[i]);
         PrintMonStr(line);
     }
     return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;
@@ -128,13 +112,19 @@ int dump_compl(int, uint32_t address)
         UCM_MakeSeries(std::min(COMPLETE_BYTES, ADDR_LIMIT - address),
                        [&](uint32_t i) { return UCM_Read(STATION, address + i, 1, &bytes[i]); });
     for (uint32_t i = 0; i < series.good; i++) {
-        std::string row = CON_Format(" %06x: |", address + i) + FormatByte(bytes[i]);
-        if (i % FLOAT_BYTES == FLOAT_BYTES - 1)
-            row += FormatFloat(bytes + i + 1 - FLOAT_BYTES);
+        std::string row = WRD_Format(" %06x: |", address + i) + FormatByte(bytes[i]);
+        if (i % FLOAT_BYTES == FLOAT_BYTES - 1) { // the row that completes four bytes shows them
+            const uint8_t *first = bytes + i + 1 - FLOAT_BYTES;
+            const auto bits = static_cast<uint32_t>(BYT_GetLittle(first, FLOAT_BYTES));
+            float value = 0;
+            std::memcpy(&value, &bits, sizeof value);
+            row += WRD_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
+        }
         PrintMonStr(row);
     }
     if (series.result >= 0)
         return 0;
+    // The row whose byte did not come stays empty: it shows where the target fell silent.
     CON_Print(" %06x: |", address + series.good);
     return MEM_FailLink(MEM_NO_ANSWER, series.cause);
 }
@@ -158,10 +148,11 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
         for (uint32_t i = at; i < at + good; i++)
             CON_Print("%08x  |   %08X     %12d     %12u     %12g", address + i, words[i],
                       static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
-        ProcessSystemEvents();
+        ProcessSystemEvents(); // up to 65536 rows: they come while the rest is being read
         return true;
     };
     const TransferReport report = TRF_Run(steps);
+    // Cancel in the meter's box is not what MEM_FailLink looks for.
     if (report.result == TRANSFER_CANCELLED)
         return MEM_Fail("\nCancelled.");
     if (report.result == TRANSFER_LINK)
@@ -171,7 +162,7 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
 
 int MEM_FailAt(uint32_t address, const std::string &cause)
 {
-    return MEM_FailLink(CON_Format("Message not succesful (Address %06x).", address), cause);
+    return MEM_FailLink(WRD_Format("Message not succesful (Address %06x).", address), cause);
 }
 
 int MEM_FailTms(int result, const std::string &cause)
@@ -191,19 +182,23 @@ int dump_node(int, const std::string &name)
     }
     const uint32_t address = inStruct(name.c_str(), aVarNode, nNodes);
     if (name.empty() || address >= ADDR_LIMIT)
-        return MEM_Fail(CON_Format(" Variable %s doesn't exist in MapFile (%s)\n", name.c_str(),
+        return MEM_Fail(WRD_Format(" Variable %s doesn't exist in MapFile (%s)\n", name.c_str(),
                                    mapFile.c_str()));
     const int32_t station = GetNameStation(name);
     if (station < 0)
-        return MEM_Fail(CON_Format("Stations are 0 to %d.", STATION_MAX));
+        return MEM_Fail(WRD_Format("Stations are 0 to %d.", STATION_MAX));
+    // A map knows no sizes: a variable ends at the latest where the next symbol begins.
+    uint32_t size = std::min(NODE_BYTES_MAX, ADDR_LIMIT - address);
+    for (int i = 0; i < nNodes; i++)
+        if (aVarNode[i].addr > address)
+            size = std::min(size, aVarNode[i].addr - address);
     PrintMonStr("Dump variable ...");
     CON_Print(" Variable:  %s", name.c_str());
     PrintMonStr(" ADDR:   |   hex:     long:     ulong:");
     PrintMonStr(std::string(NODE_RULE, '-'));
     uint8_t bytes[NODE_BYTES_MAX];
-    const UCM_Series series =
-        UCM_MakeSeries(std::min(GetNodeSize(address), ADDR_LIMIT - address),
-                       [&](uint32_t i) { return UCM_Read(station, address + i, 1, &bytes[i]); });
+    const UCM_Series series = UCM_MakeSeries(
+        size, [&](uint32_t i) { return UCM_Read(station, address + i, 1, &bytes[i]); });
     for (uint32_t i = 0; i < series.good; i++)
         CON_Print("\n %06x: |%s\n", address + i, FormatByte(bytes[i]).c_str());
     return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;

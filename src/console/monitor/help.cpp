@@ -1,4 +1,5 @@
-// The help texts, one row a line, leading blanks included.
+// The help texts, one row a line, leading blanks included. What only the full command set admits
+// has a table of its own: nobody is told of a command that would be refused.
 #include "console/monitor/monitor.h"
 
 #include "settings/settings.h"

@@ -31,87 +31,43 @@ void StoreLine(const std::string &line)
     iOldCmd2 = iOldCmd;
 }
 
-void ShowSlot()
+int RunC166Line(int panel, const char *line)
 {
-    SetField(aOldCommand[static_cast<size_t>(iOldCmd2)]);
-}
-
-void ShowOlder()
-{
-    if (iOldCmd == iOldCmd2 - 1 || (iOldCmd == 0 && iOldCmd2 == LAST_SLOT))
-        return;
-    iOldCmd2 = iOldCmd2 == 0 ? LAST_SLOT : iOldCmd2 - 1;
-    ShowSlot();
-}
-
-// The second condition does not mirror ShowOlder: that is how far the user gets.
-void ShowNewer()
-{
-    if (iOldCmd == iOldCmd2 + 1 || (iOldCmd == LAST_SLOT && iOldCmd2 == 0) || iOldCmd == iOldCmd2)
-        return;
-    iOldCmd2 = iOldCmd2 == LAST_SLOT ? 0 : iOldCmd2 + 1;
-    ShowSlot();
-}
-
-int RunC166Line(int panel, const std::string &line)
-{
-    CON_Print(" %s > %s", VR1_GetCpuPrompt(), line.c_str());
+    CON_Print(" %s > %s", VR1_GetCpuPrompt(), line);
     StoreLine(line);
-    const int result = RunMonitor(panel, line.c_str());
-    if (command == CMD_C166)
+    const int result = RunMonitor(panel, line);
+    if (command == CMD_C166) // else the line has begun another mode, which has its own prompt
         CON_ShowModePrompt();
     return result;
 }
 
-int RunTmsLine(int panel, const std::string &line)
+int RunTmsLine(int panel, const char *line)
 {
-    CON_Print(" S166\\TMS > %s", line.c_str());
+    CON_Print(" S166\\TMS > %s", line);
     StoreLine(line);
-    const int result = RunTMSMonitor(panel, line.c_str());
+    const int result = RunTMSMonitor(panel, line);
     if (command == CMD_TMS)
         CON_ShowModePrompt();
     return result;
 }
 
-int RunMapName(int panel, const std::string &line)
+int RunMapName(int panel, const char *line)
 {
-    const int result = LoadMapFile(panel, line.c_str());
+    const int result = LoadMapFile(panel, line);
     command = CMD_C166;
     CON_ShowModePrompt();
     return result;
 }
 
-int RunC166Value(int panel, const std::string &line)
-{
-    return WriteD(panel, line.c_str());
-}
-
-int RunTmsValue(int panel, const std::string &line)
-{
-    return WriteT(panel, line.c_str());
-}
-
 struct Mode {
     int32_t mode;
-    int (*run)(int panel, const std::string &line); // negative: the line failed
+    int (*run)(int panel, const char *line); // negative: the line failed
 };
 const Mode MODES[] = {{CMD_C166, RunC166Line},
                       {CMD_TMS, RunTmsLine},
                       {CMD_MAP_NAME, RunMapName},
-                      {CMD_WRITE_C166, RunC166Value},
-                      {CMD_WRITE_TMS, RunTmsValue}};
-
-void RunInMode(int panel, const std::string &line)
-{
-    CON_nRefused = CON_nUnknown = 0;
-    for (const Mode &mode : MODES) {
-        if (mode.mode == command) {
-            if (mode.run(panel, line) < 0 || CON_nRefused > 0)
-                CON_nFailed++;
-            return;
-        }
-    }
-}
+                      {CMD_WRITE_C166, WriteD},
+                      {CMD_WRITE_TMS, WriteT}};
 
 int EnterLine(int panel, int control)
 {
@@ -126,7 +82,11 @@ int EnterLine(int panel, int control)
     }
     isRunning = true;
     SetField("");
-    RunInMode(panel, line);
+    CON_nRefused = CON_nUnknown = 0;
+    const int32_t mode = command; // the line may change it
+    for (const Mode &row : MODES)
+        if (row.mode == mode && (row.run(panel, line.c_str()) < 0 || CON_nRefused > 0))
+            CON_nFailed++;
     CON_ScrollToEnd();
     isRunning = false;
     if (SCR_isExit) { // "exit" closes this view in the window, and the console program
@@ -135,26 +95,6 @@ int EnterLine(int panel, int control)
         MWN_ShowView(ITEM_WATCH_VIEW);
     }
     return 0;
-}
-
-void BrowseHistory(int key)
-{
-    if (command != CMD_C166 && command != CMD_TMS)
-        return;
-    if (key == KEY_DOWN)
-        ShowOlder();
-    else
-        ShowNewer();
-}
-
-// Replaces the word by what all candidates have in common; several are listed.
-void CompleteField(int panel, int control)
-{
-    std::string line;
-    if (GetCtrlVal(panel, control, &line) < 0)
-        return;
-    CON_CompleteLine(&line);
-    SetField(line);
 }
 
 // Keys of their own beside Enter; none of them is a menu's shortcut.
@@ -169,14 +109,33 @@ void HandleEscape(int, int, int)
     iOldCmd2 = iOldCmd; // browsing begins at the newest line again
 }
 
+// The other way round than elsewhere: Down shows the older line, Up the newer one. The two
+// conditions do not mirror each other: that is how far the user gets.
 void HandleArrow(int, int, int key)
 {
-    BrowseHistory(key);
+    if (command != CMD_C166 && command != CMD_TMS) // values and file names have no history
+        return;
+    if (key == KEY_DOWN) {
+        if (iOldCmd == iOldCmd2 - 1 || (iOldCmd == 0 && iOldCmd2 == LAST_SLOT))
+            return;
+        iOldCmd2 = iOldCmd2 == 0 ? LAST_SLOT : iOldCmd2 - 1;
+    } else {
+        if (iOldCmd == iOldCmd2 + 1 || (iOldCmd == LAST_SLOT && iOldCmd2 == 0) ||
+            iOldCmd == iOldCmd2)
+            return;
+        iOldCmd2 = iOldCmd2 == LAST_SLOT ? 0 : iOldCmd2 + 1;
+    }
+    SetField(aOldCommand[static_cast<size_t>(iOldCmd2)]);
 }
 
+// Replaces the word by what all candidates have in common; several are listed.
 void HandleTab(int panel, int control, int)
 {
-    CompleteField(panel, control);
+    std::string line;
+    if (GetCtrlVal(panel, control, &line) < 0)
+        return;
+    CON_CompleteLine(&line);
+    SetField(line);
 }
 
 const KeyAction KEY_ACTIONS[] = {

@@ -13,6 +13,7 @@
 #include "diagnostics/trace_panel.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "watch/main_window.h"
 
 int32_t nASC_Opened = 0;
@@ -42,7 +43,7 @@ bool AskForPort()
 {
     std::string text = std::to_string(ncom);
     const std::string message =
-        CON_Format("Error opening serial port: COM%i.\nEnter alternative COM number, please.",
+        WRD_Format("Error opening serial port: COM%i.\nEnter alternative COM number, please.",
                    ncom) +
         (WhyNotOpen().empty() ? "" : "\n" + WhyNotOpen());
     if (GenericMessagePopup("Error", message, {"Retry", "Cancel"}, &text, PORT_CHARS_MAX) != 1)
@@ -68,17 +69,13 @@ void ShowDiagnostics()
     TRP_Refresh();
 }
 
-// A link nobody keeps is opened for each line anew: the settings may have changed.
-bool IsLinkReady()
-{
-    return (nASC_Opened > 0 || IsLinkKept()) && UCM_IsOpened();
-}
-
 } // namespace
 
 int CON_HoldLink(CON_LinkQuestion question)
 {
-    if (!IsLinkReady()) {
+    // A link nobody keeps is opened for each line anew: the settings may have changed.
+    const bool isReady = (nASC_Opened > 0 || IsLinkKept()) && UCM_IsOpened();
+    if (!isReady) {
         while (VR_OpenLink() < 0) {
             if (question == LINK_ASK_FOR_PORT && AskForPort())
                 continue;
@@ -116,6 +113,7 @@ void CON_BeginScript()
 void CON_EndScript()
 {
     nScripts--;
+    // A script that was begun at the prompt leaves the link to the line that began it.
     if (nASC_Opened == 0 && !IsLinkKept())
         UCM_Close();
     ShowDiagnostics();
@@ -123,6 +121,7 @@ void CON_EndScript()
 
 void CON_DropLink()
 {
+    // Periodic reading goes on with the new settings; switching it off closes the link.
     if (isTimer) {
         VIR2_StopPeriodicASC();
         VIR2_StartPeriodicASC();

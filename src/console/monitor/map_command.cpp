@@ -1,5 +1,6 @@
 // The map commands of the console: which map is open, opening another, reading the
-// project's own map from the target's flash.
+// project's own map from the target's flash. A map that cannot be read leaves the open one as
+// it was.
 #include <string>
 
 #include "comm/ucm.h"
@@ -16,12 +17,6 @@
 #include "watch/windows/map_loading.h"
 
 namespace {
-
-int PrintSyntax()
-{
-    PrintMonStr(" Error: the syntax is \"m [file]\", \"mt [file]\", \"mf\", \"mfn\" or \"mfo\".\n");
-    return -1;
-}
 
 int ReportC166Map()
 {
@@ -47,6 +42,7 @@ int ReportTmsMap()
     return 0;
 }
 
+// The two maps differ in where they go and in how they are told of.
 struct MapKind {
     int (*load)(const char *fileName);
     int (*report)();
@@ -80,6 +76,7 @@ int LoadFromFlash(bool isOldPlace)
     const int result = fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END);
     if (result != 0) {
         PrintMonStr("Error during flash read.");
+        // Only a line that failed has left a text; another cause has been told by the reader.
         if (result == FLASH_ERR_COMMUNICATION)
             CON_Print("Cause: %s.", UCM_LastErrorText().c_str());
         return -1;
@@ -107,11 +104,12 @@ int LoadMapFile(int, const char *name)
 int RdMapFile(int, const char *text)
 {
     const std::string form(text, CON_WordLength(text));
-    if (form.empty())
+    if (form.empty()) // a blank or nothing behind the letter: what follows is a file
         return LoadOrReport(C166_MAP, WRD_Trim(text));
     if (form == "t")
         return LoadOrReport(TMS_MAP, WRD_Trim(text + 1));
     if (form == "f" || form == "fn" || form == "fo")
         return LoadFromFlash(form == "fo");
-    return PrintSyntax();
+    PrintMonStr(" Error: the syntax is \"m [file]\", \"mt [file]\", \"mf\", \"mfn\" or \"mfo\".\n");
+    return -1;
 }

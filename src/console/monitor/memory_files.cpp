@@ -35,6 +35,35 @@ constexpr uint32_t ITEMS_STRETCH = 64;        // with one proof behind them
 constexpr uint32_t ITEMS_BLOCK = 16;          // that the meter counts
 constexpr int LINE_SIZE = 121;                // characters of a file's line, and the end
 
+struct Request {
+    bool isFloat = false; // store only: a load's file says it
+    uint32_t address = 0;
+    std::string fileName;
+    uint32_t count = 0; // store only
+};
+
+bool ParseRequest(const char *text, bool isStore, Request *request)
+{
+    const char *cursor = text;
+    if (isStore) {
+        if (*cursor != 'i' && *cursor != 'f')
+            return false;
+        request->isFloat = *cursor++ == 'f';
+    }
+    cursor = CON_SkipBlanks(cursor);
+    if (!CON_ParseAddress(&cursor, &request->address) || !CON_SkipComma(&cursor))
+        return false;
+    // A name may hold blanks, but no comma.
+    const size_t length = std::strcspn(cursor, ",");
+    request->fileName = WRD_Trim(std::string(cursor, length));
+    cursor += length;
+    if (request->fileName.empty())
+        return false;
+    if (isStore && (!CON_SkipComma(&cursor) || !CON_ParseDecimal(&cursor, &request->count)))
+        return false;
+    return *CON_SkipBlanks(cursor) == '\0';
+}
+
 // --- reading the target: one item, 0 or negative -----------------------------------------------
 
 // A float is fetched byte by byte, an integer at once: a counter must not change halfway.
@@ -72,14 +101,16 @@ std::string CauseTms(const TransferReport &report)
 }
 
 struct Source {
+    const char *heading;
     uint32_t step; // from item to item
     uint32_t lastAddress;
     int (*read)(uint32_t address, bool isFloat, uint32_t *value);
     double (*toDouble)(uint32_t bits);
     std::string (*cause)(const TransferReport &report);
 };
-const Source C166_SOURCE = {ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue, CauseC166};
-const Source TMS_SOURCE = {1, TMS_STORE_LAST, ReadTms, TMS_IEEE, CauseTms};
+const Source C166_SOURCE = {
+    "Store DPM memory...", ITEM_BYTES, C166_STORE_LAST, ReadC166, IeeeValue, CauseC166};
+const Source TMS_SOURCE = {"Store memory...\n", 1, TMS_STORE_LAST, ReadTms, TMS_IEEE, CauseTms};
 
 TransferSteps PlanItems(uint32_t count)
 {
@@ -91,35 +122,9 @@ TransferSteps PlanItems(uint32_t count)
     return steps;
 }
 
-// A store ends at the last address it reaches, however many items were asked for.
-uint32_t CountReached(const MemoryFileRequest &request, const Source &source)
-{
-    if (request.address > source.lastAddress)
-        return 0;
-    return std::min(request.count, (source.lastAddress - request.address) / source.step + 1);
-}
-
-TransferReport StoreItems(const MemoryFileRequest &request, const Source &source, std::FILE *file)
-{
-    SAF_PutText(file, request.isFloat ? "float\n" : "int\n");
-    TransferSteps steps = PlanItems(CountReached(request, source));
-    std::vector<uint32_t> values(steps.count);
-    steps.exchange = [&](uint32_t at, uint32_t) {
-        return source.read(request.address + at * source.step, request.isFloat, &values[at]);
-    };
-    steps.settle = [&](uint32_t at, uint32_t good) {
-        for (uint32_t i = at; i < at + good; i++)
-            SAF_PutText(file, request.isFloat
-                                  ? CON_Format("%g\n", source.toDouble(values[i]))
-                                  : CON_Format("%d\n", static_cast<int32_t>(values[i])));
-        return true;
-    };
-    return TRF_Run(steps);
-}
-
 int FailOpen(const std::string &fileName)
 {
-    MEM_Fail(CON_Format("Could not open %s", fileName.c_str()));
+    MEM_Fail(WRD_Format("Could not open %s", fileName.c_str()));
     return MFL_ERR_OPEN;
 }
 
@@ -128,26 +133,50 @@ bool AreItemsAllowed(uint32_t address, uint64_t count, uint32_t step)
 {
     if (count <= ITEMS_MAX)
         return MEM_IsInside(address, count, step);
-    MEM_Fail(CON_Format("At most %u values a file.", ITEMS_MAX));
+    MEM_Fail(WRD_Format("At most %u values a file.", ITEMS_MAX));
     return false;
 }
 
-int StoreFile(const MemoryFileRequest &request, const Source &source)
+int StoreFile(int panel, const char *text, const Source &source)
 {
+    Request request;
+    if (!ParseRequest(text, true, &request)) {
+        PrintTmsCmdHelp(panel); // on the C166 as well: its own help lacks the letters
+        return MFL_ERR_ARGUMENTS;
+    }
+    dwAddr = request.address;
+    PrintMonStr(source.heading);
     if (!AreItemsAllowed(request.address, request.count, source.step))
         return MFL_ERR_LINK;
     SafeFile file;
     if (SAF_Open(&file, request.fileName, "wb") < 0)
         return FailOpen(request.fileName);
-    const TransferReport report = StoreItems(request, source, file.file);
+    SAF_PutText(file.file, request.isFloat ? "float\n" : "int\n");
+    // A store ends at the last address it reaches, however many items were asked for.
+    uint32_t count = 0;
+    if (request.address <= source.lastAddress)
+        count = std::min(request.count, (source.lastAddress - request.address) / source.step + 1);
+    TransferSteps steps = PlanItems(count);
+    std::vector<uint32_t> values(count);
+    steps.exchange = [&](uint32_t at, uint32_t) {
+        return source.read(request.address + at * source.step, request.isFloat, &values[at]);
+    };
+    steps.settle = [&](uint32_t at, uint32_t good) {
+        for (uint32_t i = at; i < at + good; i++)
+            SAF_PutText(file.file, request.isFloat
+                                       ? WRD_Format("%g\n", source.toDouble(values[i]))
+                                       : WRD_Format("%d\n", static_cast<int32_t>(values[i])));
+        return true;
+    };
+    const TransferReport report = TRF_Run(steps);
     if (report.result != TRANSFER_DONE) {
-        SAF_Cancel(&file);
+        SAF_Cancel(&file); // a part of the values would pass for all of them
         return report.result == TRANSFER_CANCELLED
                    ? MEM_Fail("\nCancelled.")
                    : MEM_FailLink(MEM_NO_ANSWER + 1, source.cause(report));
     }
     if (SAF_Commit(&file) < 0) {
-        MEM_Fail(CON_Format("Could not write %s", request.fileName.c_str()));
+        MEM_Fail(WRD_Format("Could not write %s", request.fileName.c_str()));
         return MFL_ERR_OPEN;
     }
     return 0;
@@ -214,7 +243,7 @@ int ReadItems(int file, bool isFloat, std::vector<uint32_t> *values)
         if (form == NUMBER_NONE && !isFloat)
             return 0;
         if (form != NUMBER_GOOD)
-            return MEM_Fail(CON_Format("Line %d of the file is not a value.", lineNo));
+            return MEM_Fail(WRD_Format("Line %d of the file is not a value.", lineNo));
         values->push_back(value);
         if (values->size() > ITEMS_MAX)
             break; // refused with the rest
@@ -243,8 +272,15 @@ int LoadItems(uint32_t address, const Sink &sink, bool isFloat, const std::vecto
     return MEM_FailAt(address + report.moved * step, sink.cause(report));
 }
 
-int LoadFile(const MemoryFileRequest &request, const Sink &sink)
+int LoadFile(int panel, const char *text, const Sink &sink)
 {
+    Request request;
+    if (!ParseRequest(text, false, &request)) {
+        PrintTmsCmdHelp(panel);
+        return MFL_ERR_ARGUMENTS;
+    }
+    dwAddr = request.address;
+    PrintMonStr("\nLoad ...");
     const int file = TXFR_Open(request.fileName.c_str());
     if (file < 0)
         return FailOpen(request.fileName);
@@ -261,54 +297,24 @@ int LoadFile(const MemoryFileRequest &request, const Sink &sink)
     return result < 0 ? result : LoadItems(request.address, sink, isFloat, values);
 }
 
-bool ParseFileName(const char **cursor, std::string *fileName)
-{
-    const size_t length = std::strcspn(*cursor, ",");
-    *fileName = WRD_Trim(std::string(*cursor, length));
-    *cursor += length;
-    return !fileName->empty();
-}
-
 } // namespace
 
-bool MFL_ParseStore(const char *text, MemoryFileRequest *request)
+int store(int panel, const char *text)
 {
-    if (*text != 'i' && *text != 'f')
-        return false;
-    request->isFloat = *text == 'f';
-    const char *cursor = CON_SkipBlanks(text + 1);
-    return CON_ParseAddress(&cursor, &request->address) && CON_SkipComma(&cursor) &&
-           ParseFileName(&cursor, &request->fileName) && CON_SkipComma(&cursor) &&
-           CON_ParseDecimal(&cursor, &request->count) && *CON_SkipBlanks(cursor) == '\0';
+    return StoreFile(panel, text, C166_SOURCE);
 }
 
-bool MFL_ParseLoad(const char *text, MemoryFileRequest *request)
+int store_addr(int panel, const char *text)
 {
-    const char *cursor = CON_SkipBlanks(text);
-    return CON_ParseAddress(&cursor, &request->address) && CON_SkipComma(&cursor) &&
-           ParseFileName(&cursor, &request->fileName) && *cursor == '\0';
+    return StoreFile(panel, text, TMS_SOURCE);
 }
 
-int store(int, const MemoryFileRequest &request)
+int load(int panel, const char *text)
 {
-    PrintMonStr("Store DPM memory...");
-    return StoreFile(request, C166_SOURCE);
+    return LoadFile(panel, text, C166_SINK);
 }
 
-int store_addr(int, const MemoryFileRequest &request)
+int load_addr(int panel, const char *text)
 {
-    PrintMonStr("Store memory...\n");
-    return StoreFile(request, TMS_SOURCE);
-}
-
-int load(int, const MemoryFileRequest &request)
-{
-    PrintMonStr("\nLoad ...");
-    return LoadFile(request, C166_SINK);
-}
-
-int load_addr(int, const MemoryFileRequest &request)
-{
-    PrintMonStr("\nLoad ...");
-    return LoadFile(request, TMS_SINK);
+    return LoadFile(panel, text, TMS_SINK);
 }

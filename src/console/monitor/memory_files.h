@@ -3,26 +3,19 @@
 #ifndef CONSOLE_MONITOR_MEMORY_FILES_H
 #define CONSOLE_MONITOR_MEMORY_FILES_H
 
-#include <cstdint>
-#include <string>
-
-struct MemoryFileRequest {
-    bool isFloat = false; // store only
-    uint32_t address = 0;
-    std::string fileName;
-    uint32_t count = 0; // store only
+enum MFL_Result {
+    MFL_ERR_LINK = -1,
+    MFL_ERR_OPEN = -2,
+    MFL_ERR_ARGUMENTS = -2, // by the same number: the help was printed
+    MFL_ERR_FORMAT = -4
 };
 
-enum MFL_Result { MFL_ERR_LINK = -1, MFL_ERR_OPEN = -2, MFL_ERR_FORMAT = -4 };
-
-// "i3C000, file, 10" and "3C000, file"; what follows the command's letter.
-bool MFL_ParseStore(const char *text, MemoryFileRequest *request);
-bool MFL_ParseLoad(const char *text, MemoryFileRequest *request);
-
-// 0, or an MFL_ code whose message was printed.
-int store(int panel, const MemoryFileRequest &request);      // C166
-int store_addr(int panel, const MemoryFileRequest &request); // TMS
-int load(int panel, const MemoryFileRequest &request);
-int load_addr(int panel, const MemoryFileRequest &request);
+// `text` is what follows the command's letter: "i3C000, file, 10" of a store (kind, address,
+// file, items), "3C000, file" of a load. The address becomes the monitor's. 0, or an MFL_ code
+// whose message was printed.
+int store(int panel, const char *text);      // C166
+int store_addr(int panel, const char *text); // TMS
+int load(int panel, const char *text);       // C166
+int load_addr(int panel, const char *text);  // TMS
 
 #endif

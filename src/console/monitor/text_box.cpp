@@ -1,5 +1,6 @@
 // Everything the console prints goes through PrintMonStr, the one place that knows
-// the text box and keeps it from growing without end.
+// the text box and keeps it from growing without end. What is copied and saved is what the box
+// holds: the newest lines.
 #include "console/monitor/text_box.h"
 
 #include <cstdarg>
@@ -19,28 +20,9 @@ namespace {
 
 constexpr int TRIM_STEP = 250; // lines printed between two looks at the bound
 
-void TrimText()
-{
-    static int printed = 0;
-    if (++printed < TRIM_STEP)
-        return;
-    printed = 0;
-    int count = 0;
-    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &count);
-    if (count > CONSOLE_LINES_MAX)
-        DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
-}
+int printedLines = 0; // since the last look
 
 } // namespace
-
-std::string CON_Format(const char *format, ...)
-{
-    va_list arguments;
-    va_start(arguments, format);
-    std::string text = WRD_FormatList(format, arguments);
-    va_end(arguments);
-    return text;
-}
 
 void CON_Print(const char *format, ...)
 {
@@ -56,7 +38,14 @@ void PrintMonStr(const std::string &text)
     for (;;) {
         const size_t end = text.find('\n', begin);
         InsertTextBoxLine(consolePanel, CONSOLE_BOX, -1, text.substr(begin, end - begin));
-        TrimText();
+        // The oldest lines go in batches, not one for each line that is printed.
+        if (++printedLines >= TRIM_STEP) {
+            printedLines = 0;
+            int count = 0;
+            GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &count);
+            if (count > CONSOLE_LINES_MAX)
+                DeleteTextBoxLines(consolePanel, CONSOLE_BOX, 0, count - CONSOLE_LINES_MAX);
+        }
         if (end == std::string::npos)
             return;
         begin = end + 1;
@@ -135,6 +124,7 @@ void CON_RunScriptCB(int, int)
     if (FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD, &path) ==
         VAL_NO_FILE_SELECTED)
         return;
+    // As if it had been typed, so that a saved text shows what was run.
     MWN_ShowView(ITEM_CONSOLE_VIEW);
     CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
     SCR_RunAndReport(path, consolePanel);

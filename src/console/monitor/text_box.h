@@ -1,11 +1,10 @@
-// The console's text: formatted lines, its bound, and what a user does with it as a
+// The console's text: printed lines, its bound, and what a user does with it as a
 // whole (copy, save to a file). The text box of the console panel holds it.
 #ifndef CONSOLE_MONITOR_TEXT_BOX_H
 #define CONSOLE_MONITOR_TEXT_BOX_H
 
 #include <string>
 
-std::string CON_Format(const char *format, ...) __attribute__((format(printf, 1, 2)));
 void CON_Print(const char *format, ...) __attribute__((format(printf, 1, 2)));
 void CON_ScrollToEnd();
 void CON_SetPrompt(const std::string &prompt); // in front of the input field

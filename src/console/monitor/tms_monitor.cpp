@@ -1,5 +1,8 @@
 // The line interpreter for a TMS320 behind a C166 station. Addresses are words; every
-// access goes through the station's mailbox.
+// access goes through the station's mailbox. There is no gate of words and no command table
+// here: a line is a letter, and what the letter does not understand gets the help.
+#include <iterator>
+
 #include "console/monitor/dump.h"
 #include "console/monitor/link.h"
 #include "console/monitor/memory_files.h"
@@ -29,36 +32,16 @@ int DumpLetter(int panel, const char *argument)
         if (*CON_SkipBlanks(cursor) != '\0')
             return RefuseArguments(panel);
     } else if (!CON_ParseDecimal(&cursor, &count)) {
-        count = DUMP_WORDS;
+        count = DUMP_WORDS; // a count that is no number asks for the usual four
     }
     return count > DUMP_WORDS_MAX ? RefuseArguments(panel) : dump_Naddr(panel, dwAddr, count);
 }
 
 int WriteLetter(int panel, const char *argument)
 {
-    const char *cursor = *argument == '\0' ? argument : CON_SkipBlanks(argument + 1);
-    if (!VAL_IsKind(*argument) || !CON_ParseAddress(&cursor, &dwAddr) ||
-        *CON_SkipBlanks(cursor) != '\0')
+    if (!VAL_ParseStart(argument, &dwAddr))
         return RefuseArguments(panel);
     return write_addr(panel, dwAddr, *argument);
-}
-
-int LoadLetter(int panel, const char *argument)
-{
-    MemoryFileRequest request;
-    if (!MFL_ParseLoad(argument, &request))
-        return RefuseArguments(panel);
-    dwAddr = request.address;
-    return load_addr(panel, request);
-}
-
-int StoreLetter(int panel, const char *argument)
-{
-    MemoryFileRequest request;
-    if (!MFL_ParseStore(argument, &request))
-        return RefuseArguments(panel);
-    dwAddr = request.address;
-    return store_addr(panel, request);
 }
 
 struct Letter {
@@ -66,29 +49,7 @@ struct Letter {
     int (*run)(int panel, const char *argument);
 };
 const Letter LETTERS[] = {
-    {'d', DumpLetter}, {'w', WriteLetter}, {'l', LoadLetter}, {'s', StoreLetter}};
-
-int LeaveTms()
-{
-    PrintMonStr("\nExit Monitor ...\n");
-    command = CMD_C166;
-    CON_ShowModePrompt();
-    return 0;
-}
-
-int RunLetter(int panel, const char *line)
-{
-    for (const Letter &row : LETTERS) {
-        if (row.letter != *line)
-            continue;
-        if (CON_HoldLink(LINK_NO_QUESTION) < 0)
-            return -1;
-        const int result = row.run(panel, CON_SkipBlanks(line + 1));
-        CON_ReleaseLink();
-        return result;
-    }
-    return RefuseArguments(panel);
-}
+    {'d', DumpLetter}, {'w', WriteLetter}, {'l', load_addr}, {'s', store_addr}};
 
 } // namespace
 
@@ -100,9 +61,22 @@ int RunTMSMonitor(int panel, const char *line)
         return 0;
     }
     // Leaving needs no link: a user whose port is gone can still go back.
-    if (*line == 'x' && *CON_SkipBlanks(line + 1) == '\0')
-        return LeaveTms();
-    const int result = RunLetter(panel, line);
+    if (*line == 'x' && *CON_SkipBlanks(line + 1) == '\0') {
+        PrintMonStr("\nExit Monitor ...\n");
+        command = CMD_C166;
+        CON_ShowModePrompt();
+        return 0;
+    }
+    const Letter *letter = LETTERS;
+    while (letter != std::end(LETTERS) && letter->letter != *line)
+        ++letter;
+    int result = -1;
+    if (letter == std::end(LETTERS)) {
+        RefuseArguments(panel);
+    } else if (CON_HoldLink(LINK_NO_QUESTION) == 0) {
+        result = letter->run(panel, CON_SkipBlanks(line + 1));
+        CON_ReleaseLink();
+    }
     CON_ScrollToEnd();
     return result;
 }

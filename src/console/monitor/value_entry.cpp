@@ -18,12 +18,14 @@
 #include "settings/settings.h"
 #include "text/bytes.h"
 #include "text/tokens.h"
+#include "text/words.h"
 #include "watch/value/tms_float.h"
 
 namespace {
 
 constexpr uint16_t INTEGER_BYTES = 2; // what a C166 integer, unsigned and hex value takes
 constexpr uint16_t FLOAT_BYTES = 4;
+constexpr int TMS_BITS = 32; // the mailbox moves whole words, of every kind
 
 struct Kind {
     char kind;
@@ -36,7 +38,7 @@ const Kind KINDS[] = {{'i', 0, true, INTEGER_BYTES},
                       {'x', 16, false, INTEGER_BYTES},
                       {'f', 0, true, FLOAT_BYTES}};
 
-char valueKind = 'i';
+char valueKind = 'i'; // of the entry that is open
 
 const Kind *FindKind(char kind)
 {
@@ -51,10 +53,15 @@ bool IsWholeText(const char *text, const char *end)
     return end != text && *CON_SkipBlanks(end) == '\0';
 }
 
-// `bits` is the number's width on the target; what does not fit is no number.
-bool ParseInteger(const char *text, const Kind &kind, int bits, uint32_t *value)
+// `bits` is the width of a number on the target; what does not fit is no number.
+bool ParseValue(const char *text, const Kind &kind, int bits, uint32_t *value)
 {
     char *end = nullptr;
+    if (kind.kind == 'f') {
+        const float number = std::strtof(text, &end);
+        std::memcpy(value, &number, sizeof *value);
+        return IsWholeText(text, end) && std::isfinite(number);
+    }
     errno = 0;
     const long long number = std::strtoll(text, &end, kind.base);
     if (!IsWholeText(text, end) || errno != 0)
@@ -62,52 +69,24 @@ bool ParseInteger(const char *text, const Kind &kind, int bits, uint32_t *value)
     const long long half = 1LL << (bits - 1);
     const long long low = kind.isSigned ? -half : 0;
     const long long high = kind.isSigned ? half - 1 : 2 * half - 1;
-    if (number < low || number > high)
-        return false;
     *value = static_cast<uint32_t>(number);
-    return true;
-}
-
-bool ParseFloatBits(const char *text, uint32_t *bits)
-{
-    char *end = nullptr;
-    const float value = std::strtof(text, &end);
-    if (!IsWholeText(text, end) || !std::isfinite(value))
-        return false;
-    std::memcpy(bits, &value, sizeof *bits);
-    return true;
-}
-
-bool ParseValue(const char *text, const Kind &kind, int bits, uint32_t *value)
-{
-    return kind.kind == 'f' ? ParseFloatBits(text, value) : ParseInteger(text, kind, bits, value);
+    return number >= low && number <= high;
 }
 
 void ShowC166Prompt()
 {
-    CON_SetPrompt(CON_Format(" %06x:  ", dwAddr));
+    CON_SetPrompt(WRD_Format(" %06x:  ", dwAddr));
 }
 
 void ShowTmsPrompt()
 {
-    CON_SetPrompt(CON_Format(" %08x:  ", dwAddr));
+    CON_SetPrompt(WRD_Format(" %08x:  ", dwAddr));
 }
 
 void EndEntry(int32_t mode)
 {
     command = mode;
     CON_ShowModePrompt();
-}
-
-int SendC166Value(uint32_t value, const Kind &kind)
-{
-    if (!MEM_IsInside(dwAddr, kind.bytes, 1))
-        return -1;
-    uint8_t bytes[4];
-    BYT_PutLittle(bytes, sizeof bytes, value);
-    if (UCM_WriteProven(STATION, dwAddr, kind.bytes, bytes) == 0)
-        return 0;
-    return MEM_FailAt(dwAddr, UCM_LastErrorText());
 }
 
 // The link is open for one value only: a user may take his time between two.
@@ -122,9 +101,12 @@ int EnterValue(int panel, const char *text, int (*write)(int panel, const char *
 
 } // namespace
 
-bool VAL_IsKind(char kind)
+bool VAL_ParseStart(const char *text, uint32_t *address)
 {
-    return FindKind(kind) != nullptr;
+    if (FindKind(*text) == nullptr)
+        return false;
+    const char *cursor = CON_SkipBlanks(text + 1);
+    return CON_ParseAddress(&cursor, address) && *CON_SkipBlanks(cursor) == '\0';
 }
 
 int write_DPM(int, uint32_t address, char kind)
@@ -147,16 +129,25 @@ int write_addr(int, uint32_t address, char kind)
     return 0;
 }
 
+// Any failure ends the entry: what is typed next is a command again, and not a value for an
+// address whose content is in doubt.
 int write_DPM2(int, const char *text)
 {
     const Kind &kind = *FindKind(valueKind);
     uint32_t value = 0;
+    int result = 0;
     if (!ParseValue(text, kind, 8 * kind.bytes, &value)) {
         CON_Print("'%s' is not a value of this kind.", text);
-        EndEntry(CMD_C166);
-        return -1;
+        result = -1;
+    } else if (!MEM_IsInside(dwAddr, kind.bytes, 1)) {
+        result = -1;
+    } else {
+        uint8_t bytes[FLOAT_BYTES];
+        BYT_PutLittle(bytes, sizeof bytes, value);
+        if (UCM_WriteProven(STATION, dwAddr, kind.bytes, bytes) != 0)
+            result = MEM_FailAt(dwAddr, UCM_LastErrorText());
     }
-    if (SendC166Value(value, kind) < 0) {
+    if (result < 0) {
         EndEntry(CMD_C166);
         return -1;
     }
@@ -173,6 +164,7 @@ int write_addrTMS(int, uint32_t address, uint32_t value)
     const int result = TMS_WriteProven(STATION, address, value, &failedAt);
     if (result == TMS_OK)
         return 0;
+    // Only of a message that could not be sent the address is known.
     if (result != TMS_ERR_SEND)
         return MEM_FailTms(result, UCM_LastErrorText());
     return MEM_FailAt(failedAt, TMS_ErrorText(result));
@@ -183,7 +175,7 @@ int write_addr2(int panel, const char *text)
 {
     const Kind &kind = *FindKind(valueKind);
     uint32_t value = 0;
-    if (!ParseValue(text, kind, 32, &value)) {
+    if (!ParseValue(text, kind, TMS_BITS, &value)) {
         CON_Print("'%s' is not a value of this kind.", text);
         EndEntry(CMD_C166);
         return -1;

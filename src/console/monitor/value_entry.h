@@ -5,8 +5,10 @@
 
 #include <cstdint>
 
-// Kinds: 'i' signed, 'u' unsigned, 'x' hexadecimal, 'f' float.
-bool VAL_IsKind(char kind);
+// "i 8100", what stands behind the letter of the write command: a kind ('i' signed, 'u'
+// unsigned, 'x' hexadecimal, 'f' float) and an address. False, *address perhaps set, for
+// anything else.
+bool VAL_ParseStart(const char *text, uint32_t *address);
 
 // Enter the mode. Always 0.
 int write_DPM(int panel, uint32_t address, char kind);  // C166

@@ -28,17 +28,8 @@ int CallCommand(const ScrRow &row, ScrPar *par)
     return row.run(par);
 }
 
-int CallExtern(const ScrRow &row, const char *line)
-{
-    const size_t length = std::strlen(line);
-    if (length > EXTERN_LINE_CHARS)
-        return FailLine(SCR_ERR_LONG_LINE, "Error in ExecScrCmd: extern command too long.");
-    ScrPar par;
-    std::memcpy(par.text, line, length + 1);
-    return CallCommand(row, &par);
-}
-
-// Every parameter of the row must be there: commands have no optional ones.
+// Every parameter of the row must be there: commands have no optional ones. What has been
+// parsed in front of a fault stays in the records, which nobody looks at then.
 int ParseParameters(const char *cursor, const ScrRow &row, ScrPar *par)
 {
     for (int i = 0; i < PARAMS_MAX && row.codes[i] != 0; i++) {
@@ -65,7 +56,7 @@ const ScrRow *SCR_Find(const std::string &name, const ScrRow *table, int count)
 int ExecScrCmd(const char *line, const ScrRow *table, int count)
 {
     line = CON_SkipBlanks(line);
-    if (*line == ';')
+    if (*line == ';') // a comment, also at the prompt
         return 0;
     const size_t length = CON_NameLength(line);
     if (length == 0)
@@ -75,9 +66,14 @@ int ExecScrCmd(const char *line, const ScrRow *table, int count)
     const ScrRow *row = SCR_Find(std::string(line, length), table, count);
     if (!row)
         return SCR_UNKNOWN;
-    if (row->codes[0] == PAR_EXTERN)
-        return CallExtern(*row, line);
     ScrPar par[PARAMS_MAX];
+    if (row->codes[0] == PAR_EXTERN) { // the whole line, its name included, is one text
+        const size_t lineLength = std::strlen(line);
+        if (lineLength > EXTERN_LINE_CHARS)
+            return FailLine(SCR_ERR_LONG_LINE, "Error in ExecScrCmd: extern command too long.");
+        std::memcpy(par[0].text, line, lineLength + 1);
+        return CallCommand(*row, par);
+    }
     const int result = ParseParameters(line + length, *row, par);
     return result < 0 ? result : CallCommand(*row, par);
 }
@@ -105,7 +101,7 @@ void PrintType(uint32_t code)
     std::string text;
     ATP_toStr(code, &text);
     text = text.substr(1, text.size() - 2); // without its parentheses
-    if (text.compare(0, 2, "f4") == 0)
+    if (text.compare(0, 2, "f4") == 0)      // people write the cast, not the code's name
         text.replace(0, 2, "float");
     PrintMonStr(text.empty() ? text : text + " ");
 }

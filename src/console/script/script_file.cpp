@@ -93,34 +93,30 @@ bool ExecuteLine(Script *script, int panel)
     return result >= 0 || (!IsBreakWished() && SkipToLabel(script, "OnError"));
 }
 
-// A command that asks the user leaves its jump here; false when the label is not found.
-bool FollowRequestedJump(Script *script)
-{
-    if (!SCR_bGotoCmd)
-        return true;
-    SCR_bGotoCmd = false;
-    return SkipToLabel(script, SCR_szGotoLabel);
-}
-
 // Reading the last line may have closed the handle already. A line closes whatever it
 // opens, so the read behind it finds the end and nobody else's file.
 int RunScript(Script *script, int panel)
 {
     std::string line; // the last one run: looking for a label reads on
     while (!SCR_isExit) {
-        const bool isFound = FollowRequestedJump(script);
-        if (isFound && !ReadLine(script))
+        // A command that asks the user leaves its jump here.
+        bool isFine = !SCR_bGotoCmd || SkipToLabel(script, SCR_szGotoLabel);
+        SCR_bGotoCmd = false;
+        if (isFine && !ReadLine(script))
             return 0;
-        if (isFound) {
+        if (isFine) {
             script->counter--;
             line = script->line;
         }
-        const bool isTooMuch = isFound && nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX;
+        // Scripts that start scripts multiply their lines: eight deep they would run for days.
+        // One alone ends, for jumps only go forward.
+        const bool isTooMuch = isFine && nDepth > 1 && ++nInnerLines > SCRIPT_INNER_LINES_MAX;
         const bool isBrokenOff = IsBreakWished();
         if (isTooMuch || isBrokenOff)
             PrintMonStr(isBrokenOff ? "The script was cancelled."
                                     : "Too many lines in scripts that are started by scripts.");
-        if (!isFound || isTooMuch || isBrokenOff || !ExecuteLine(script, panel)) {
+        isFine = isFine && !isTooMuch && !isBrokenOff && ExecuteLine(script, panel);
+        if (!isFine) {
             failedLine = line;
             return script->counter;
         }
@@ -150,7 +146,7 @@ int ExecMonScript(const char *fileName, int panel)
         nInnerLines = CON_nRefused = CON_nUnknown = 0;
     failedLine.clear();
     nDepth++;
-    CON_BeginScript();
+    CON_BeginScript(); // the link stays open from line to line
     const int result = RunScript(&script, panel);
     CON_EndScript();
     nDepth--;
@@ -191,5 +187,5 @@ std::string SCR_GetResultText(int result)
     if (result == SCRIPT_NOT_OPENED)
         return "Could not open the script file.";
     // One more than the failing line's number: users and service notes know it so.
-    return CON_Format("Error in the script file on line %d.", -1 - result);
+    return WRD_Format("Error in the script file on line %d.", -1 - result);
 }
