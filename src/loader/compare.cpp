@@ -70,8 +70,9 @@ int LDR_VerifyOnPort(LDR_Job *job, const LDR_Progress &progress)
     job->result = LDR_FindTarget(&pass);
     if (job->result == 0)
         job->result = Compare(&pass);
+    LDR_EndSteps(job);
     LearnFromCompare(job);
-    LDR_EndSteps(&pass);
+    LDR_LogLine(pass, LDR_GetResultText(*job));
     return job->result;
 }
 

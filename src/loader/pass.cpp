@@ -5,7 +5,6 @@
 #include "comm/mr166_link.h"
 #include "loader/borrow.h"
 #include "loader/l3_protocol.h"
-#include "loader/program.h"
 #include "platform/system.h"
 
 #include <algorithm>
@@ -110,11 +109,10 @@ int LDR_CompareGroup(LDR_Pass *pass, const LDR_Group &group)
     return LDR_FindDifference(group.wanted, found, &pass->job->difference) ? LDR_ERR_DIFFERENT : 0;
 }
 
-void LDR_EndSteps(LDR_Pass *pass)
+void LDR_EndSteps(LDR_Job *job)
 {
     // Whatever way a step was left, it said "running" until it was done.
-    for (LDR_StepState &step : pass->job->steps)
+    for (LDR_StepState &step : job->steps)
         if (step == LDR_RUNNING)
             step = LDR_FAILED;
-    LDR_LogLine(*pass, LDR_GetResultText(*pass->job));
 }

@@ -37,7 +37,7 @@ int LDR_FindTarget(LDR_Pass *pass);
 int LDR_ReadGroup(LDR_Pass *pass, const LDR_Group &group, IHEX167_Block *found);
 // 0, LDR_ERR_READ, or LDR_ERR_DIFFERENT with the job's difference.
 int LDR_CompareGroup(LDR_Pass *pass, const LDR_Group &group);
-// The step that was running when the job ended has failed. Tells the log the result.
-void LDR_EndSteps(LDR_Pass *pass);
+// The step that was running when the job ended has failed.
+void LDR_EndSteps(LDR_Job *job);
 
 #endif

@@ -233,7 +233,8 @@ int LDR_RunOnPort(LDR_Job *job, bool isResume, const LDR_Progress &progress)
     pass.progress = &progress;
     pass.isThere.resize(job->plan.size());
     job->result = RunSteps(&pass, isResume);
-    LDR_EndSteps(&pass);
+    LDR_EndSteps(job);
+    LDR_LogLine(pass, LDR_GetResultText(*job));
     return job->result;
 }
 
