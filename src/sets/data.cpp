@@ -5,7 +5,6 @@
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
-#include "sets/header.h"
 #include "sets/line.h"
 #include "sets/value.h"
 #include "settings/settings.h"

@@ -2,7 +2,6 @@
 // not written yet. No window in here: the console program could show the same.
 #include "sets/form.h"
 
-#include "sets/header.h"
 #include "sets/value.h"
 
 #include <algorithm>

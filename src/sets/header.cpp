@@ -1,8 +1,7 @@
 // Lines become items, items are spread into values (expand.cpp), and in the end nothing may
 // lie over another thing: what is restored must not depend on the order of lines.
-#include "sets/header.h"
+#include "sets/set.h"
 
-#include "calendar/crc32.h"
 #include "platform/plain_file.h"
 #include "sets/expand.h"
 #include "sets/line.h"
@@ -286,36 +285,4 @@ int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems
     set->mirrors.clear();
     CheckOverlap(&reader);
     return problems->count == before ? 0 : -1;
-}
-
-// Tells two builds of a firmware apart by their symbols; the order of the nodes is that of the
-// names.
-uint32_t PST_MapStamp()
-{
-    uint32_t stamp = 0;
-    for (int i = 0; i < nNodes; ++i) {
-        const std::string line =
-            std::string(aVarNode[i].name) + '=' + std::to_string(aVarNode[i].addr) + '\n';
-        stamp = Crc32_LSBNext(stamp, line.data(), line.size(), CRC32_POLYNOMIAL);
-    }
-    return stamp;
-}
-
-uint32_t PST_SymbolsStamp()
-{
-    uint32_t stamp = PST_MapStamp();
-    const auto add = [&stamp](const void *data, size_t size) {
-        stamp = Crc32_LSBNext(stamp, data, size, CRC32_POLYNOMIAL);
-    };
-    const auto addDecl = [&add](const TMF_Decl &decl) {
-        add(decl.name, std::strlen(decl.name));
-        add(decl.chain, sizeof decl.chain);
-    };
-    for (int32_t i = 0; i < TMF_cnDefVars; ++i)
-        addDecl(TMF_paDefVars[i]);
-    for (int32_t i = 0; i < TMF_cnDefStructCts; ++i)
-        for (int32_t k = 0; k < TMF_paDefStructCts[i].members; ++k)
-            addDecl(TMF_paDefStructCts[i].paMembers[k]);
-    add(&Procesor, sizeof Procesor);
-    return stamp;
 }
