@@ -45,15 +45,6 @@ struct Reader {
 
 void ReadFile(Reader *reader, const std::string &path);
 
-// Included names count from the folder of the header that includes them.
-std::string PathBeside(const std::string &file, const std::string &name)
-{
-    const std::filesystem::path path = std::filesystem::u8path(name);
-    if (path.is_absolute())
-        return name;
-    return (std::filesystem::u8path(file).parent_path() / path).u8string();
-}
-
 // Two names of one file must count as one, or a circle would be found late.
 std::string RealPath(const std::string &path)
 {
@@ -64,7 +55,10 @@ std::string RealPath(const std::string &path)
 
 void Include(Reader *reader, const std::string &name)
 {
-    const std::string path = PathBeside(reader->file, name);
+    // Names count from the folder of the header that includes them; an absolute one replaces it.
+    const std::string path =
+        (std::filesystem::u8path(reader->file).parent_path() / std::filesystem::u8path(name))
+            .u8string();
     const std::string real = RealPath(path);
     if (std::find(reader->open.begin(), reader->open.end(), real) != reader->open.end()) {
         reader->Refuse("'" + name + "' includes itself, directly or through others.");
@@ -93,6 +87,7 @@ void Include(Reader *reader, const std::string &name)
     reader->group = group;
 }
 
+// A group may be gone on with further down, also by an included header.
 void ChooseGroup(Reader *reader, const std::string &name)
 {
     std::vector<std::string> &groups = reader->set->groups;
@@ -105,6 +100,7 @@ void ChooseGroup(Reader *reader, const std::string &name)
 
 PST_Item MakeItem(const Reader &reader, const std::string &reference)
 {
+    // Its values follow those there are: expanding appends them.
     PST_Item item;
     item.reference = reference;
     item.group = reader.group;
@@ -171,6 +167,8 @@ void AddVariable(Reader *reader, const PST_Line &line)
 void ReadLine(Reader *reader, const std::string &text)
 {
     std::string name;
+    // Keywords are no reserved words: a variable may be called "area" or "group", as long as it is
+    // not followed by what follows the keyword.
     if (PST_ParseKeyword(text, "include", &name)) {
         Include(reader, name);
     } else if (PST_ParseKeyword(text, "device", &name)) {
@@ -196,14 +194,6 @@ void ReadLine(Reader *reader, const std::string &text)
     }
 }
 
-void ReadText(Reader *reader, const std::string &line)
-{
-    std::string text, comment;
-    PST_CutComment(line, &text, &comment);
-    if (!text.empty())
-        ReadLine(reader, text);
-}
-
 void ReadFile(Reader *reader, const std::string &path)
 {
     reader->file = path;
@@ -213,6 +203,7 @@ void ReadFile(Reader *reader, const std::string &path)
         reader->Refuse(std::string("The header ") + PLF_WhyUnreadable(path) + ".");
         return;
     }
+    // Real paths, compared when another header is included.
     ++reader->files;
     reader->open.push_back(RealPath(path));
     std::string line;
@@ -221,13 +212,17 @@ void ReadFile(Reader *reader, const std::string &path)
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         const bool isLarge =
             reader->line > LINES_MAX || reader->set->places.size() >= PST_VALUES_MAX;
-        if (isBroken)
+        if (isBroken) {
             reader->Refuse(PST_LongLineText());
-        else if (isLarge)
+        } else if (isLarge) {
             reader->Refuse("The set is too large: at most " + std::to_string(LINES_MAX) +
                            " lines and " + std::to_string(PST_VALUES_MAX) + " values.");
-        else
-            ReadText(reader, line);
+        } else {
+            std::string text, comment;
+            PST_CutComment(line, &text, &comment);
+            if (!text.empty())
+                ReadLine(reader, text);
+        }
         // Where so much is wrong, the rest is of no interest.
         if (isBroken || isLarge || reader->problems->count > PST_PROBLEMS_MAX) {
             TXFR_Close(handle);

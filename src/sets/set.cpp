@@ -13,6 +13,7 @@
 std::string PST_FormatProblems(const PST_Problems &problems)
 {
     std::string text;
+    // Names and texts come from files: control characters must not steer a terminal.
     for (const PST_Problem &problem : problems.list) {
         text += WRD_Visible(problem.file);
         if (problem.line > 0)
@@ -44,6 +45,7 @@ uint32_t PST_MapStamp()
 
 uint32_t PST_SymbolsStamp()
 {
+    // Asked whenever the window comes to the front: a check sum is quicker than reading the header.
     uint32_t stamp = PST_MapStamp();
     const auto add = [&stamp](const void *data, size_t size) {
         stamp = Crc32_LSBNext(stamp, data, size, CRC32_POLYNOMIAL);

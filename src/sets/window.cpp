@@ -112,6 +112,7 @@ void OpenEditor()
 
 void LoadFile(bool isEdit)
 {
+    // The file is bound to the names as they are now.
     std::string path;
     if (!CFW_FollowChanges() ||
         FileSelectPopup("", "*.ldx", "*.ldx", isEdit ? "Load data file" : "Compare with data file",
@@ -158,6 +159,7 @@ void Print()
         FileSelectPopup("", "parameters.html", "*.html", "Save page", FILE_SAVE, &path) ==
             VAL_NO_FILE_SELECTED)
         return;
+    // As a file that stands on no disk: what is typed and not written yet is printed, too.
     PST_Problems problems;
     const std::vector<PST_File> files = {PST_MakeFile(CFW_form.set, ShownValues())};
     if (PST_WriteListing(pattern, files, Option_nLanguage, path, &problems) != 0) {
@@ -292,6 +294,7 @@ int CFW_ListCB(int panel, int control, int event, int)
 {
     int line = -1, column = -1;
     std::string text;
+    // Another line: "Write this" is about another value, and the editor follows.
     if (event == EVENT_VAL_CHANGED) {
         ShowButtons();
         CFE_Refresh();
