@@ -7,8 +7,8 @@
 #include "runtime/headless/headless.h"
 #include "sets/data.h"
 #include "sets/device.h"
-#include "sets/header.h"
 #include "sets/listing.h"
+#include "sets/set.h"
 #include "symbols/varnode.h"
 
 #include <ctime>

@@ -4,7 +4,7 @@
 #include "runtime/headless/headless.h"
 #include "scratch_folder.h"
 #include "sets/data.h"
-#include "sets/header.h"
+#include "sets/set.h"
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "symbols/typemap.h"

@@ -125,8 +125,7 @@ TEST(LoaderProtocol, HexFilesStreamRecordByRecord)
     EXPECT_EQ(-1, LD167U_L3CmdWriteHexFile("none.hex"));
 }
 
-// --- programming
-// ----------------------------------------------------------------------------------
+// --- programming ------------------------------------------------------------------------
 
 struct Programming : testing::Test {
     const ScratchFolder folder;
@@ -309,6 +308,34 @@ TEST_F(Programming, FailuresLeaveTheTruthAndNoOtherStep)
     LoaderRig untouched;
     EXPECT_EQ(LDR_ERR_PROBLEMS, RunJob(false));
     EXPECT_TRUE(untouched.sent.empty()) << "nothing is asked of the target for such a file";
+}
+
+// A write whose address was damaged on its way lands in a block that had been read back: what
+// is told of the flash must not count on that block any more.
+TEST_F(Programming, AStrayBlockTakesBackWhatWasVerified)
+{
+    WriteFileText(path, Record(0, 4, {0, 1}) + Record(0x100, 0, Bytes(40, 0x3C)) +
+                            Record(0x800, 0, Bytes(40, 0xC3)) + ":00000001FF\n");
+    ASSERT_EQ(0, LDR_Prepare(&job, path));
+    LoaderRig rig;
+    LD167U_Port line = *LD167U_pPort;
+    line.write = [](const void *bytes, size_t count) {
+        Bytes request(count);
+        std::memcpy(request.data(), bytes, count);
+        if (request[0] == 3 && request[3] == 0x08)
+            request[3] = 0x01; // the high byte of 0x800
+        return SIM_WriteWire(LoaderRig::rig, request.data(), count);
+    };
+    LD167U_pPort = &line;
+    size_t verified = 0;
+    atStep = [&] { verified = std::max(verified, job.verified); };
+    EXPECT_EQ(LDR_ERR_WRITE, RunJob(false));
+    EXPECT_EQ(1u, verified);
+    EXPECT_EQ(0, rig.loader.flash[0x10100]) << "the stray block has cleared its bits";
+    EXPECT_TRUE(IsTrue(rig.loader.flash, {})) << LDR_GetFlashText(job);
+    EXPECT_TRUE(Has(LDR_GetFlashText(job), "may stand at a wrong address"));
+    EXPECT_EQ(LDR_ERR_NEEDS_ERASE, RunJob(true));
+    EXPECT_EQ(LDR_FLASH_UNUSABLE, job.flash);
 }
 
 // Interrupted at random moments in every way, and gone on with until it is done: the flash

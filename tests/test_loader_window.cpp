@@ -4,7 +4,6 @@
 
 #include "comm/mr166_link.h"
 #include "loader/window.h"
-#include "loader/window_bar.h"
 #include "sim/loader.h"
 #include "support/console_rig.h"
 

@@ -2,7 +2,6 @@
 #include "logger/log_window.h"
 
 #include "logger/dlld_record.h"
-#include "logger/log_time.h"
 #include "logger/log_window_lines.h"
 #include "runtime/list_columns.h"
 #include "support/log_target.h"

@@ -259,6 +259,8 @@ TEST_F(SetWindow, AnotherStationOrMapEndsWhatWasRead)
     map.replace(map.find("08100H"), 6, "08300H"); // wGain lies elsewhere in the new build
     WriteFileText("m2.m66", map);
     ASSERT_EQ(map2node("m2.m66"), 0);
+    // Read again with the map, the header puts another parameter in wGain's place.
+    WriteFileText("s.ulh", "area 8400h, length 4\n" + ReadFileText("s.ulh"));
     HL_PushAnswer(1);
     HL_CommitControl(PANEL_CONFIG, CONFIG_WRITE_ALL);
     EXPECT_EQ(Peek(0x8300, 2), (std::vector<uint8_t>{0x2C, 1}));

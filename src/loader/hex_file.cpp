@@ -19,82 +19,49 @@ constexpr uint32_t SAVED_RECORD_BYTES = 16;
 
 void AddProblem(HEX_File *file, int line, bool isFatal, const std::string &text)
 {
+    // Counted also when it is not kept: "and 3000 more" is worth knowing.
     ++(isFatal ? file->fatal : file->remarks);
     if (file->problems.size() < HEX_PROBLEMS_MAX)
         file->problems.push_back({line, isFatal, text});
 }
 
-std::string DescribeLength(const char *line, size_t length)
-{
-    uint32_t count = 0;
-    IHEX167_GetUHEXN(line + 1, 2, &count);
-    return WRD_Format("%u characters, but a record of %u bytes has %u",
-                      static_cast<unsigned>(length), count, 11 + 2 * count);
-}
-
-std::string DescribeSum(const char *line, size_t length)
-{
-    uint32_t sum = 0, byte = 0;
-    for (size_t i = 1; i + 4 <= length; i += 2) {
-        IHEX167_GetUHEXN(line + i, 2, &byte);
-        sum += byte;
-    }
-    IHEX167_GetUHEXN(line + length - 2, 2, &byte);
-    const uint32_t wanted = (0x100u - (sum & 0xFFu)) & 0xFFu;
-    if (wanted == byte)
-        return "a base address record must hold 2 bytes";
-    return WRD_Format("wrong check sum %02X, should be %02X", byte, wanted);
-}
-
+// What is wrong with a line, for whoever has to mend it: what stands there and what should.
 std::string Describe(int result, const char *line, size_t length)
 {
     if (length == 0)
         return "empty line";
-    if (result == IHEX_ERR_LINE)
+    uint32_t count = 0;
+    switch (result) {
+    case IHEX_ERR_LINE:
         return "no record: the line does not begin with \":\"";
-    if (result == IHEX_ERR_LENGTH)
-        return DescribeLength(line, length);
-    if (result == IHEX_ERR_SUM)
-        return DescribeSum(line, length);
-    if (result == IHEX_ERR_END)
+    case IHEX_ERR_LENGTH:
+        IHEX167_GetUHEXN(line + 1, 2, &count);
+        return WRD_Format("%u characters, but a record of %u bytes has %u",
+                          static_cast<unsigned>(length), count, 11 + 2 * count);
+    case IHEX_ERR_SUM: {
+        // The digits are good, or the line would have been refused for them.
+        uint32_t sum = 0, byte = 0;
+        for (size_t i = 1; i + 4 <= length; i += 2) {
+            IHEX167_GetUHEXN(line + i, 2, &byte);
+            sum += byte;
+        }
+        IHEX167_GetUHEXN(line + length - 2, 2, &byte);
+        const uint32_t wanted = (0x100u - (sum & 0xFFu)) & 0xFFu;
+        // The parser has one code for both.
+        if (wanted == byte)
+            return "a base address record must hold 2 bytes";
+        return WRD_Format("wrong check sum %02X, should be %02X", byte, wanted);
+    }
+    case IHEX_ERR_END:
         return "end record with data";
-    if (result == IHEX_ERR_UNKNOWN)
+    case IHEX_ERR_UNKNOWN:
         return WRD_Format("unknown record type %.2s", line + 7);
+    default:
+        break;
+    }
     if (std::any_of(line, line + length, [](char c) { return c >= 'a' && c <= 'f'; }))
         return "lower-case hexadecimal digit";
     return "not a hexadecimal digit";
-}
-
-// An address at which a program starts means nothing to a flash.
-bool IsStartAddress(int result, const char *line)
-{
-    uint32_t type = 0;
-    return result == IHEX_ERR_UNKNOWN && IHEX167_GetUHEXN(line + 7, 2, &type) == 0 &&
-           (type == TYPE_START_SEGMENT || type == TYPE_START_LINEAR);
-}
-
-// A record without data changes nothing but is no fault of the file either.
-void AddRecord(HEX_File *file, const IHEX167_Block &block, int line)
-{
-    if (block.length == 0) {
-        AddProblem(file, line, false, "a record without data");
-        return;
-    }
-    if (block.address + block.length > IHEX167_ADDRESS_END || block.address >= IHEX167_ADDRESS_END)
-        AddProblem(file, line, true,
-                   WRD_Format("address 0x%X is outside of the target", block.address));
-    file->records.push_back(
-        {block.address, static_cast<uint32_t>(file->data.size()), block.length, line});
-    file->data.insert(file->data.end(), block.data, block.data + block.length);
-}
-
-// More data than there are addresses must overlap: reading on would only eat memory.
-bool IsTooMuch(HEX_File *file, int line)
-{
-    if (file->data.size() <= IHEX167_ADDRESS_END)
-        return false;
-    AddProblem(file, line, true, "more data than the target has addresses; reading ends here");
-    return true;
 }
 
 // One line into the file. False at the end record.
@@ -104,15 +71,33 @@ bool AddLine(HEX_File *file, const std::string &text, int line, uint32_t *base)
     const int result = IHEX167_Parse_text(&block, text.c_str(), text.size(), base);
     if (result == IHEX_END)
         return false;
-    if (result == IHEX_DATA)
-        AddRecord(file, block, line);
-    else if (IsStartAddress(result, text.c_str()))
-        AddProblem(file, line, false, "start address record, not needed for a flash");
-    else if (result != IHEX_BASE)
-        AddProblem(file, line, true, Describe(result, text.c_str(), text.size()));
+    if (result == IHEX_BASE)
+        return true;
+    if (result != IHEX_DATA) {
+        // An address at which a program starts means nothing to a flash.
+        uint32_t type = 0;
+        if (result == IHEX_ERR_UNKNOWN && IHEX167_GetUHEXN(text.c_str() + 7, 2, &type) == 0 &&
+            (type == TYPE_START_SEGMENT || type == TYPE_START_LINEAR))
+            AddProblem(file, line, false, "start address record, not needed for a flash");
+        else
+            AddProblem(file, line, true, Describe(result, text.c_str(), text.size()));
+        return true;
+    }
+    // A record without data changes nothing but is no fault of the file either.
+    if (block.length == 0) {
+        AddProblem(file, line, false, "a record without data");
+        return true;
+    }
+    if (block.address + block.length > IHEX167_ADDRESS_END || block.address >= IHEX167_ADDRESS_END)
+        AddProblem(file, line, true,
+                   WRD_Format("address 0x%X is outside of the target", block.address));
+    file->records.push_back(
+        {block.address, static_cast<uint32_t>(file->data.size()), block.length, line});
+    file->data.insert(file->data.end(), block.data, block.data + block.length);
     return true;
 }
 
+// All lines up to the end record, or to where reading on would be of no use.
 void ReadLines(int handle, HEX_File *file)
 {
     uint32_t base = 0;
@@ -120,6 +105,7 @@ void ReadLines(int handle, HEX_File *file)
     char buffer[LONG_LINE_SIZE];
     for (;;) {
         const int length = TXFR_RdLine(handle, buffer, LONG_LINE_SIZE);
+        // The reader has closed the file by itself then.
         if (length < 0) {
             AddProblem(file, line, true, "the end record is missing: the file may be cut off");
             return;
@@ -129,9 +115,14 @@ void ReadLines(int handle, HEX_File *file)
             AddProblem(file, line, true, "line too long for any record; reading ends here");
             break;
         }
-        if (!AddLine(file, std::string(buffer, static_cast<size_t>(length)), line, &base) ||
-            IsTooMuch(file, line))
+        if (!AddLine(file, std::string(buffer, static_cast<size_t>(length)), line, &base))
             break;
+        // More data than there are addresses must overlap: reading on would only eat memory.
+        if (file->data.size() > IHEX167_ADDRESS_END) {
+            AddProblem(file, line, true,
+                       "more data than the target has addresses; reading ends here");
+            break;
+        }
     }
     TXFR_Close(handle);
 }
@@ -143,6 +134,7 @@ void Arrange(HEX_File *file)
         file->records.begin(), file->records.end(),
         [](const HEX_Record &a, const HEX_Record &b) { return a.address < b.address; });
     const HEX_Record *highest = nullptr; // of those before, the one that reaches highest
+    // A short record may lie within a long one that began earlier: its end is not the range's.
     for (const HEX_Record &record : file->records) {
         const uint32_t last = record.address + (record.length - 1u);
         if (highest == nullptr || record.address > file->ranges.back().last + 1u) {
@@ -173,6 +165,7 @@ int HEX_Read(const std::string &path, HEX_File *file)
         return HEX_ERR_OPEN;
     ReadLines(handle, file);
     Arrange(file);
+    // By line again: overlaps were found in the order of addresses.
     if (file->data.empty())
         AddProblem(file, 0, true, "the file holds no data");
     std::stable_sort(file->problems.begin(), file->problems.end(),
@@ -182,6 +175,7 @@ int HEX_Read(const std::string &path, HEX_File *file)
 
 int HEX_IsUnchanged(const HEX_File &file)
 {
+    // Data and not the time of the file: a copy that was saved again is the same file.
     HEX_File now;
     if (HEX_Read(file.path, &now) < 0 || now.data != file.data ||
         now.records.size() != file.records.size())

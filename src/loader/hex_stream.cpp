@@ -1,4 +1,5 @@
-// Both readers walk the file with the same parser; they differ in what stops them.
+// Both readers walk the file with the same parser; they differ in what stops them. The old
+// commands of scripts: codes and order of effects are what those scripts count on.
 #include "loader/hex_stream.h"
 
 #include "comm/failures.h"
@@ -22,6 +23,7 @@ struct Meter {
     LDR_Progress progress;
 };
 
+// Of a file without a size no progress is told.
 Meter OpenMeter(const std::string &path, const LDR_Progress &progress)
 {
     Meter meter;
@@ -86,12 +88,14 @@ int WriteLines(int textFile, Meter *meter)
         if (!IHEX167_Is_block_ok(&block) || block.address >= IHEX167_ADDRESS_END)
             return Stop(HEXS_ERR_BLOCK, line, "no data, or an address outside of the target",
                         nullptr);
+        // Only now: what stands in front of a bad line has been written, the bad line's data not.
         if (WriteKept(kept) < 0)
             return HEXS_ERR_WRITE;
         kept = block;
     }
 }
 
+// Until the end of the file; each block goes at once, with an answer of its own.
 int LoadLines(int textFile, int station, Meter *meter)
 {
     IHEX167_Block block;
@@ -119,6 +123,7 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
     const int textFile = TXFR_Open(path.c_str());
     if (textFile < 0)
         return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
+    // Also where the port is the link's, which waits for less.
     LD167U_SetTimeouts();
     Meter meter = OpenMeter(path, progress);
     const int result = WriteLines(textFile, &meter);

@@ -38,6 +38,7 @@ constexpr std::array<uint8_t, 256> DIGITS = MakeDigits();
 
 int ParseDigits(const char *text, int n, bool isLowerAllowed, uint32_t *result)
 {
+    // A table instead of comparisons: files of a megabyte are read twice for each programming.
     uint32_t value = 0;
     for (int i = 0; i < n; ++i) {
         const uint8_t digit = DIGITS[static_cast<unsigned char>(text[i])];
@@ -66,6 +67,7 @@ int CheckSum(IHEX167_Block *block, const char *line, uint32_t count)
     return (sum & 0xFFu) == 0 ? 0 : IHEX_ERR_SUM;
 }
 
+// The base in units of `factor` bytes, high byte first.
 int SetBase(const IHEX167_Block &block, uint32_t count, uint32_t factor, uint32_t *base)
 {
     if (count != 2)
@@ -104,6 +106,7 @@ int IHEX167_Join_block(IHEX167_Block *destination, const IHEX167_Block *source)
 {
     if (!IHEX167_Is_block_ok(source))
         return -1;
+    // The first block of a group.
     if (destination->length == 0) {
         *destination = *source;
         return 0;
@@ -119,6 +122,7 @@ int IHEX167_Join_block(IHEX167_Block *destination, const IHEX167_Block *source)
 
 int IHEX167_Parse_text(IHEX167_Block *block, const char *line, size_t length, uint32_t *base)
 {
+    // Empty until the line has proven good: a caller that looks at the block anyway finds nothing.
     block->length = 0;
     if (length == 0 || line[0] != ':')
         return IHEX_ERR_LINE;

@@ -6,8 +6,8 @@
 #include "comm/failures.h"
 #include "comm/mr166_link.h"
 #include "comm/trace.h"
+#include "text/words.h"
 
-#include <cstdio>
 #include <cstring>
 
 uint8_t LD167U_abySendBuffer[LD167U_QUEUE_BYTES] = {};
@@ -20,7 +20,7 @@ namespace {
 constexpr uint8_t CMD_WRITE = 0x03, CMD_READ = 0x04;
 constexpr uint8_t ERASE_REQUEST[] = {0x5E, 0xAA, 0x55, 0xAA};
 constexpr uint8_t ERASE_DONE = 0xE5;
-constexpr int ERASE_READS_MAX = 21;
+constexpr int ERASE_READS_MAX = 21; // of a second each, by LD167U_TIMEOUT_MS
 // Two registers of the processor that always read as zeros and ones.
 constexpr uint32_t TEST_ADDRESS = 0xFF1C;
 constexpr uint8_t TEST_BYTES[] = {0x00, 0x00, 0xFF, 0xFF};
@@ -40,26 +40,6 @@ constexpr const char *FAULT_TEXTS[] = {
 TRC_Record exchange;  // the command being recorded
 int wrongAnswer = -1; // -1: of several bytes
 
-int WriteSerial(const void *bytes, size_t count)
-{
-    return SER_Write(MR166_hCom, bytes, count);
-}
-
-int ReadSerial(void *buffer, size_t count)
-{
-    return SER_Read(MR166_hCom, buffer, count);
-}
-
-int DropSerial()
-{
-    return SER_DropInput(MR166_hCom);
-}
-
-int SetSerialTimeouts(unsigned readMs, unsigned writeMs)
-{
-    return SER_SetTimeouts(MR166_hCom, readMs, writeMs);
-}
-
 int Fail(L3_Fault fault)
 {
     LD167U_enFault = fault;
@@ -76,17 +56,18 @@ void AddToSum(const void *bytes, int count)
 void BeginExchange(const char *verb, uint32_t count, uint32_t address)
 {
     LD167U_enFault = L3_FAULT_NONE;
+    // Texts are made for a trace that somebody looks at, not for each of thousands of blocks.
     if (!TRC_isOn)
         return;
-    char place[48] = "";
-    if (count > 0)
-        std::snprintf(place, sizeof place, " %u bytes at 0x%06X", count, address);
     exchange = TRC_Record();
-    exchange.request = std::string("loader: ") + verb + place;
+    exchange.request = std::string("loader: ") + verb;
+    if (count > 0)
+        exchange.request += WRD_Format(" %u bytes at 0x%06X", count, address);
     exchange.startUs = PLT_TickUs();
     PLT_LocalTime(&exchange.when);
 }
 
+// To the statistics and the trace; gives `result` back.
 int EndExchange(int result)
 {
     if (result < 0)
@@ -138,6 +119,7 @@ int WriteBlock(const IHEX167_Block *block)
     if (!IsUsable(block))
         return Fail(L3_FAULT_ARGUMENT);
     QueueHead(CMD_WRITE, *block);
+    // Queued whole before the first byte goes: what does not fit is refused and nothing is sent.
     for (int i = 0; i < block->length; ++i)
         if (LD167U_QueueByte(block->data[i]) < 0)
             return Fail(L3_FAULT_ARGUMENT);
@@ -150,35 +132,14 @@ int WriteBlock(const IHEX167_Block *block)
     return answer == sum ? 0 : Fail(L3_FAULT_CHECKSUM);
 }
 
-// A target busy erasing may say 0 meanwhile, which is as little an answer as silence.
-int EraseFlash(const LDR_Progress &progress)
-{
-    for (const uint8_t byte : ERASE_REQUEST)
-        if (LD167U_WriteByte(byte) < 0)
-            return -1;
-    for (int i = 0; i < ERASE_READS_MAX; ++i) {
-        const int answer = LD167U_ReadByte();
-        if (answer > 0) {
-            wrongAnswer = answer;
-            if (answer == ERASE_DONE) {
-                LD167U_enFault = L3_FAULT_NONE;
-                return 0;
-            }
-            Fail(L3_FAULT_ANSWER);
-            return -2;
-        }
-        char text[48];
-        std::snprintf(text, sizeof text, "Erasing, %d of at most %d s", i + 1, ERASE_READS_MAX);
-        LDR_Step(progress, 0, 0, text);
-    }
-    if (LD167U_enFault != L3_FAULT_GONE)
-        Fail(L3_FAULT_SILENT);
-    return -3;
-}
-
 } // namespace
 
-const LD167U_Port LD167U_SerialPort = {WriteSerial, ReadSerial, DropSerial, SetSerialTimeouts};
+// The handle is looked up at each call: the link may have opened another one meanwhile.
+const LD167U_Port LD167U_SerialPort = {
+    [](const void *bytes, size_t count) { return SER_Write(MR166_hCom, bytes, count); },
+    [](void *buffer, size_t count) { return SER_Read(MR166_hCom, buffer, count); },
+    [] { return SER_DropInput(MR166_hCom); },
+    [](unsigned readMs, unsigned writeMs) { return SER_SetTimeouts(MR166_hCom, readMs, writeMs); }};
 const LD167U_Port *LD167U_pPort = &LD167U_SerialPort;
 
 int LD167U_ReadBytes(void *buffer, int n)
@@ -190,6 +151,7 @@ int LD167U_ReadBytes(void *buffer, int n)
     const int got = LD167U_pPort->read(buffer, static_cast<size_t>(n));
     if (got < 0)
         return Fail(L3_FAULT_GONE);
+    // What came counts also when it was not all: the trace shows where an answer broke off.
     AddToSum(buffer, got);
     if (TRC_isOn)
         TRC_Append(&exchange.received, buffer, static_cast<size_t>(got));
@@ -239,6 +201,7 @@ int LD167U_QueueByte(uint8_t byte)
 
 int LD167U_SendQueue()
 {
+    // Emptied whatever comes of it: half a request must not stand in front of the next one.
     const int count = LD167U_cnSendBuffer;
     LD167U_cnSendBuffer = 0;
     if (count < 1 || count > static_cast<int>(LD167U_QUEUE_BYTES))
@@ -275,6 +238,7 @@ int LD167U_L3Test()
     block.length = sizeof TEST_BYTES;
     if (LD167U_L3CmdReadBlock(&block) < 0)
         return -1;
+    // Four wrong bytes are no single one that could be shown.
     wrongAnswer = -1;
     return std::memcmp(block.data, TEST_BYTES, sizeof TEST_BYTES) == 0 ? 0 : Fail(L3_FAULT_ANSWER);
 }
@@ -283,16 +247,32 @@ int LD167U_L3CmdEraseFlash(const LDR_Progress &progress)
 {
     LD167U_SetTimeouts();
     BeginExchange("erase", 0, 0);
-    return EndExchange(EraseFlash(progress));
+    // The one request that goes out in single bytes, and whose answer bears no sum.
+    for (const uint8_t byte : ERASE_REQUEST)
+        if (LD167U_WriteByte(byte) < 0)
+            return EndExchange(-1);
+    for (int i = 0; i < ERASE_READS_MAX; ++i) {
+        const int answer = LD167U_ReadByte();
+        // A target busy erasing may say 0 meanwhile, which is as little an answer as silence.
+        if (answer > 0) {
+            wrongAnswer = answer;
+            // Silent reads before it have left their fault behind.
+            LD167U_enFault = answer == ERASE_DONE ? L3_FAULT_NONE : L3_FAULT_ANSWER;
+            return EndExchange(answer == ERASE_DONE ? 0 : -2);
+        }
+        LDR_Step(progress, 0, 0,
+                 WRD_Format("Erasing, %d of at most %d s", i + 1, ERASE_READS_MAX).c_str());
+    }
+    // A port that has vanished says more than that nobody answered.
+    if (LD167U_enFault != L3_FAULT_GONE)
+        LD167U_enFault = L3_FAULT_SILENT;
+    return EndExchange(-3);
 }
 
 std::string LD167U_GetFaultText()
 {
     std::string text = FAULT_TEXTS[LD167U_enFault];
-    if (LD167U_enFault == L3_FAULT_ANSWER && wrongAnswer >= 0) {
-        char value[16];
-        std::snprintf(value, sizeof value, " 0x%02X", static_cast<unsigned>(wrongAnswer));
-        text += value;
-    }
+    if (LD167U_enFault == L3_FAULT_ANSWER && wrongAnswer >= 0)
+        text += WRD_Format(" 0x%02X", static_cast<unsigned>(wrongAnswer));
     return text;
 }

@@ -1,5 +1,5 @@
 // What a user is told about a job: the one home of these sentences for window, console and
-// console program.
+// console program. Each says what is so, and what can be done about it.
 #include "loader/program.h"
 #include "text/words.h"
 
@@ -16,21 +16,13 @@ std::string FormatDifference(const LDR_Difference &difference)
                       static_cast<unsigned>(difference.found));
 }
 
-std::string FormatSuccess(const LDR_Job &job)
-{
-    const auto bytes = static_cast<unsigned>(job.file.data.size());
-    return WRD_Format(job.isReadBack
-                          ? "Done: %u bytes in the flash, read back and equal to the file."
-                          : "Done: %u bytes written, not read back.",
-                      bytes);
-}
-
 std::string FormatPart(const LDR_Job &job)
 {
     if (job.isStrayPossible)
         return "The flash holds a part of the file, and a block damaged on its way may stand at a"
                " wrong address. Going on looks for it; unless it is found where it belongs, the"
                " flash must be erased.";
+    // What was read back counts; what was only acknowledged stands in for it where nobody reads.
     const size_t count = job.verified > 0 ? job.verified : job.written;
     if (count == 0)
         return "Nothing of the file is complete in the flash yet. Programming can go on.";
@@ -48,7 +40,11 @@ std::string LDR_GetResultText(const LDR_Job &job)
     const auto at = static_cast<unsigned>(job.causeAddress);
     switch (job.result) {
     case LDR_OK:
-        return FormatSuccess(job);
+        // Who did without reading back is told so each time: written is not yet programmed.
+        return WRD_Format(job.isReadBack
+                              ? "Done: %u bytes in the flash, read back and equal to the file."
+                              : "Done: %u bytes written, not read back.",
+                          static_cast<unsigned>(job.file.data.size()));
     case LDR_ERR_OPEN:
         return "The file cannot be read.";
     case LDR_ERR_PROBLEMS:
@@ -89,6 +85,8 @@ std::string LDR_GetFlashText(const LDR_Job &job)
     case LDR_FLASH_PARTLY:
         return FormatPart(job);
     case LDR_FLASH_WHOLE:
+        // Somebody has saved another file over it meanwhile: the flash is whole, but of the old
+        // one.
         return job.result == LDR_ERR_CHANGED
                    ? "The flash holds the file as it was when it was checked."
                    : "The flash holds the whole file.";
@@ -99,6 +97,7 @@ std::string LDR_GetFlashText(const LDR_Job &job)
 
 std::string LDR_GetQuestion(const LDR_Job &job, int port)
 {
+    // The loader erases everything there is, whatever little of it the file fills.
     std::string text =
         WRD_Format("Erase the whole flash of the target on COM%d and program\n", port);
     text += job.file.path + "\n";

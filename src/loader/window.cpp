@@ -1,23 +1,22 @@
-// The loader window. A run takes place within the callback of its button; a progress box
-// stands over the window meanwhile, and its Cancel stops between two blocks.
+// A run takes place within the callback of its button; a progress box stands over the window
+// meanwhile, and its Cancel stops between two blocks. All that is drawn comes from the job, so
+// that a window opened after a run shows the same as one that was open.
 #include "loader/window.h"
 
 #include "comm/communication.h"
 #include "loader/borrow.h"
 #include "loader/program.h"
-#include "loader/window_bar.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
 constexpr int PANEL = PANEL_LOADER;
 constexpr const char *TITLE = "Flash loader";
-constexpr size_t RANGES_MAX = 500; // listed
+constexpr size_t RANGES_MAX = 500; // listed: a file of scattered bytes has thousands
 // As meant on a light ground.
 constexpr int COLOR_GOOD = 0x1F8A4C, COLOR_BAD = 0xC01C28;
 
@@ -72,10 +71,8 @@ void ShowContents()
 void ShowBar()
 {
     SetBarSegments(PANEL, LOADER_BAR, LDB_MakeSegments(job));
-    char last[16];
-    std::snprintf(last, sizeof last, "0x%06X", LDB_GetSpan(job) - 1);
     SetCtrlVal(PANEL, LOADER_BAR_FIRST, "0x000000");
-    SetCtrlVal(PANEL, LOADER_BAR_LAST, last);
+    SetCtrlVal(PANEL, LOADER_BAR_LAST, WRD_Format("0x%06X", LDB_GetSpan(job) - 1));
 }
 
 // --- the run ----------------------------------------------------------------------------
@@ -91,48 +88,27 @@ void ShowSteps()
     }
 }
 
-void ShowResult()
-{
-    const bool isGood = job.result == LDR_OK;
-    const bool isToldTwice = isGood && job.flash == LDR_FLASH_WHOLE;
-    const bool isShown = isRunEnded || !isGood;
-    SetCtrlVal(PANEL, LOADER_RESULT, isShown ? LDR_GetResultText(job) : "");
-    SetCtrlAttribute(PANEL, LOADER_RESULT, ATTR_TEXT_COLOR, isGood ? COLOR_GOOD : COLOR_BAD);
-    const bool isFlashShown = isRunEnded || job.flash != LDR_FLASH_UNTOUCHED;
-    SetCtrlVal(PANEL, LOADER_FLASH, isFlashShown && !isToldTwice ? LDR_GetFlashText(job) : "");
-}
-
-void ShowPort()
-{
-    int port = ncom, baud = bRate;
-    LDR_FindPort(&port, &baud);
-    char text[64];
-    std::snprintf(text, sizeof text, "COM%d, %d baud", port, baud);
-    SetCtrlVal(PANEL, LOADER_PORT, text);
-}
-
 void ShowAll()
 {
     SetCtrlVal(PANEL, LOADER_FILE, job.file.path);
     ShowContents();
     ShowBar();
     ShowSteps();
-    ShowResult();
-    ShowPort();
+    // Reading a good file is no result: the line is for runs, and for files that cannot be run.
+    const bool isGood = job.result == LDR_OK;
+    SetCtrlVal(PANEL, LOADER_RESULT, isRunEnded || !isGood ? LDR_GetResultText(job) : "");
+    SetCtrlAttribute(PANEL, LOADER_RESULT, ATTR_TEXT_COLOR, isGood ? COLOR_GOOD : COLOR_BAD);
+    // "Done" says of the flash what its own line would say again.
+    const bool isToldTwice = isGood && job.flash == LDR_FLASH_WHOLE;
+    const bool isFlashShown = isRunEnded || job.flash != LDR_FLASH_UNTOUCHED;
+    SetCtrlVal(PANEL, LOADER_FLASH, isFlashShown && !isToldTwice ? LDR_GetFlashText(job) : "");
+    // The port that a run would use, which is the link's as long as that has it open.
+    int port = ncom, baud = bRate;
+    LDR_FindPort(&port, &baud);
+    SetCtrlVal(PANEL, LOADER_PORT, WRD_Format("COM%d, %d baud", port, baud));
     const int isUnfit = job.plan.empty();
     SetCtrlAttribute(PANEL, LOADER_PROGRAM, ATTR_DIMMED, isUnfit);
     SetCtrlAttribute(PANEL, LOADER_COMPARE, ATTR_DIMMED, isUnfit);
-}
-
-std::string FormatProgress(const char *text, uint32_t total, int percent)
-{
-    if (total == 0)
-        return text;
-    std::string line = std::string(text) + ": " + std::to_string(percent) + " %";
-    if (job.bytesPerSecond > 0)
-        line += ", " + std::to_string(job.bytesPerSecond) + " bytes/s, " +
-                std::to_string(job.secondsLeft) + " s left";
-    return line;
 }
 
 bool OnStep(void *context, uint32_t done, uint32_t total, const char *text)
@@ -148,7 +124,13 @@ bool OnStep(void *context, uint32_t done, uint32_t total, const char *text)
     if (percent != screen->percent || text != screen->text || total == 0) {
         screen->percent = percent;
         screen->text = text;
-        const std::string line = FormatProgress(text, total, percent);
+        // An erase has no total, and the first moments of a step no speed.
+        std::string line = text;
+        if (total > 0)
+            line += WRD_Format(": %d %%", percent);
+        if (total > 0 && job.bytesPerSecond > 0)
+            line += ", " + std::to_string(job.bytesPerSecond) + " bytes/s, " +
+                    std::to_string(job.secondsLeft) + " s left";
         SetCtrlVal(PANEL, LOADER_PROGRESS, line);
         ShowBar();
         UpdateProgressDialog(screen->dialog, percent, line);
@@ -165,11 +147,10 @@ void RunJob(const char *what, int (*work)(int port, int baud, const LDR_Progress
 {
     int port = ncom, baud = bRate;
     LDR_FindPort(&port, &baud);
-    char heading[96];
-    std::snprintf(heading, sizeof heading, "%s on COM%d, %d baud", what, port, baud);
-    OnLog(nullptr, heading);
+    OnLog(nullptr, WRD_Format("%s on COM%d, %d baud", what, port, baud).c_str());
     Screen screen;
     screen.dialog = CreateProgressDialog(TITLE, what);
+    // What the last run has left behind is not so any more from its first byte on.
     SetCtrlVal(PANEL, LOADER_RESULT, "");
     SetCtrlVal(PANEL, LOADER_FLASH, "");
     work(port, baud, {&screen, OnStep, OnLog});
@@ -183,15 +164,6 @@ void RunJob(const char *what, int (*work)(int port, int baud, const LDR_Progress
     COM_TellState(); // the port may have been closed and opened
 }
 
-void ReadWishes()
-{
-    int isErase = 1, isVerify = 1;
-    GetCtrlVal(PANEL, LOADER_ERASE, &isErase);
-    GetCtrlVal(PANEL, LOADER_READ_BACK, &isVerify);
-    job.isErase = isErase != 0;
-    job.isVerify = isVerify != 0;
-}
-
 enum Wish { WISH_NOTHING, WISH_RESUME, WISH_BEGIN };
 
 // An interrupted run is gone on with unless the user wants it from the beginning; nothing is
@@ -202,6 +174,7 @@ Wish AskHow()
         const int button =
             GenericMessagePopup(TITLE, LDR_GetFlashText(job) + "\n\nGo on, or begin anew?",
                                 {"__Go on", "__Begin anew", "__Cancel"}, nullptr, 0);
+        // "Begin anew" is asked about like any other beginning, below.
         if (button != 2)
             return button == 1 ? WISH_RESUME : WISH_NOTHING;
     }
@@ -219,6 +192,7 @@ void LDW_Opened()
 {
     std::vector<UI_Column> columns;
     GetListColumns(PANEL, LOADER_STEPS, &columns);
+    // Only the first time: wishes and widths of a window that is shown again are the user's.
     if (columns.empty()) {
         constexpr int STEP_WIDTH_PX = 80;
         UI_Column step, state, contents;
@@ -255,6 +229,7 @@ int LDW_ChooseCB(int, int, int event, int)
         FileSelectPopup("", path.empty() ? "*.hex" : path, "*.hex;*.h86", "Choose a HEX file",
                         FILE_LOAD, &path) == VAL_NO_FILE_SELECTED)
         return 0;
+    // Also a file with faults is taken over: the window lists them.
     LDR_Prepare(&job, path);
     isRunEnded = false;
     ShowAll();
@@ -265,7 +240,12 @@ int LDW_ProgramCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT || job.plan.empty())
         return 0;
-    ReadWishes();
+    // Read now and not when they are clicked: a run must not change its mind on the way.
+    int isErase = 1, isVerify = 1;
+    GetCtrlVal(PANEL, LOADER_ERASE, &isErase);
+    GetCtrlVal(PANEL, LOADER_READ_BACK, &isVerify);
+    job.isErase = isErase != 0;
+    job.isVerify = isVerify != 0;
     switch (AskHow()) {
     case WISH_BEGIN:
         RunJob("Programming", [](int port, int baud, const LDR_Progress &progress) {

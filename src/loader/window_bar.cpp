@@ -1,9 +1,10 @@
-#include "loader/window_bar.h"
-
+// Blocks become stretches of one state, stretches become segments. A file of any size gives a
+// bounded number of them: gaps that no screen could show are closed.
 #include "loader/program.h"
+#include "loader/window.h"
+#include "text/words.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -34,30 +35,15 @@ struct Stretch {
     State state;
 };
 
-UI_Segment MakeSegment(const Stretch &stretch, uint32_t span)
+// Shares of the span; `end` is the byte behind the segment.
+UI_Segment MakeSegment(uint32_t first, uint32_t end, uint32_t span, unsigned style,
+                       const std::string &tip)
 {
-    char text[96];
-    std::snprintf(text, sizeof text, "0x%06X-0x%06X: %s", stretch.first, stretch.end - 1,
-                  stretch.state.text);
     UI_Segment segment;
-    segment.first = static_cast<double>(stretch.first) / span;
-    segment.last = static_cast<double>(stretch.end) / span;
-    segment.style = stretch.state.style;
-    segment.tip = text;
-    return segment;
-}
-
-UI_Segment MarkDifference(const LDR_Difference &difference, uint32_t span)
-{
-    char text[96];
-    std::snprintf(text, sizeof text, "0x%06X: %02X wanted, %02X found", difference.address,
-                  static_cast<unsigned>(difference.wanted),
-                  static_cast<unsigned>(difference.found));
-    UI_Segment segment;
-    segment.first = static_cast<double>(difference.address) / span;
-    segment.last = static_cast<double>(difference.address + 1) / span;
-    segment.style = UIS_WARNING;
-    segment.tip = text;
+    segment.first = static_cast<double>(first) / span;
+    segment.last = static_cast<double>(end) / span;
+    segment.style = style;
+    segment.tip = tip;
     return segment;
 }
 
@@ -65,6 +51,7 @@ UI_Segment MarkDifference(const LDR_Difference &difference, uint32_t span)
 
 uint32_t LDB_GetSpan(const LDR_Job &job)
 {
+    // A power of two, so that a file which grows a little does not move the picture.
     uint32_t span = SPAN_MIN_BYTES;
     while (!job.plan.empty() && span < LDR_GetEnd(job.plan.back()))
         span *= 2;
@@ -90,8 +77,15 @@ std::vector<UI_Segment> LDB_MakeSegments(const LDR_Job &job)
     }
     std::vector<UI_Segment> segments;
     for (const Stretch &stretch : stretches)
-        segments.push_back(MakeSegment(stretch, span));
+        segments.push_back(MakeSegment(
+            stretch.first, stretch.end, span, stretch.state.style,
+            WRD_Format("0x%06X-0x%06X: %s", stretch.first, stretch.end - 1, stretch.state.text)));
+    // The last one lies on top: a single byte of a large file can still be pointed at.
+    const LDR_Difference &at = job.difference;
     if (job.result == LDR_ERR_DIFFERENT || job.result == LDR_ERR_NEEDS_ERASE)
-        segments.push_back(MarkDifference(job.difference, span));
+        segments.push_back(MakeSegment(at.address, at.address + 1, span, UIS_WARNING,
+                                       WRD_Format("0x%06X: %02X wanted, %02X found", at.address,
+                                                  static_cast<unsigned>(at.wanted),
+                                                  static_cast<unsigned>(at.found))));
     return segments;
 }

@@ -1,11 +1,12 @@
 // The data logger's download: finds a log on the target, reads it with the table of record
-// ids, tests it, and writes and reads the files. Shows nothing itself: who calls says where
-// the target is and who hears of errors and progress. At most one download at a time.
+// ids, tests it, and writes and reads the files. Shows nothing itself: a host says where the
+// target is and who hears of errors and progress. At most one download at a time.
 #ifndef LOGGER_DLLD_H
 #define LOGGER_DLLD_H
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "logger/dlld_message.h"
 
@@ -76,5 +77,13 @@ int DLLD_SaveStdLogFe(const std::string &path, const DLLD_Log &log);
 int DLLD_SaveHexLogFe(const std::string &path, const DLLD_Log &log); // contents in hexadecimal
 // The old layout: a line a message. 0 or DLLD_ERR_...
 int DLLD_SaveOldLogFe(const std::string &path, const DLLD_Log &log);
+
+// --- for a user of this program: the console's commands and the log window -------------------
+// The host with everything a download asks of the program: target and processor as the settings
+// say, errors in pop-ups, progress in a box with Cancel. Before every download, because the
+// settings may have changed since the last one.
+void LGT_UseTarget();
+// Variables of the map that describe a log.
+std::vector<std::string> LGT_FindLogs();
 
 #endif

@@ -1,4 +1,5 @@
-// The log's files: raw, as a listing, and in the old layout of a line a message.
+// The log's files: raw, as a listing, and in the old layout of a line a message. Only a log with
+// a good header becomes a file, whoever asks.
 #include <cstdio>
 #include <new>
 
@@ -38,6 +39,7 @@ int SaveListing(const std::string &path, const DLLD_Log &log, MsgPrinter print)
         return DLLD_ERR_HEADER;
     std::string text;
     try {
+        // About what a listing comes to: a large log would be copied a dozen times on its way.
         text.reserve(4 * log.size());
         DLLD_Msg msg;
         for (int32_t index = DLLD_HEADER_WORDS; DLLD_NextMsg(log, &index, &msg);)
@@ -49,46 +51,8 @@ int SaveListing(const std::string &path, const DLLD_Log &log, MsgPrinter print)
     return SaveBytes(path, text.data(), text.size());
 }
 
-void PrintStd(const DLLD_Msg &msg, std::string *out)
-{
-    DLLD_FPrintMsgHdr(msg, out);
-    DLLD_FPrintMsgCts(msg, out);
-}
-
-void PrintHex(const DLLD_Msg &msg, std::string *out)
-{
-    DLLD_FPrintMsgHdr(msg, out);
-    DLLD_FPrintMsgHexCts(msg, out);
-}
-
-// --- the old layout -------------------------------------------------------------------
-
-// "T" counts whole days of operation there.
-void SaveLogBiosState(const DLLD_Msg &msg, std::string *out)
-{
-    DLLD_Stamp stamp;
-    if (!DLLD_GetBStamp(msg, &stamp))
-        return;
-    DLLD_Print(out, " T=%lud ErrFlag=%08lX IntErr=%08lX Warning=%08lX DevSt=%02lX",
-               static_cast<unsigned long>(static_cast<uint32_t>(stamp.seconds) / SECONDS_A_DAY),
-               static_cast<unsigned long>(stamp.errors),
-               static_cast<unsigned long>(stamp.internalErrors),
-               static_cast<unsigned long>(stamp.warnings), stamp.state & 0xFFUL);
-}
-
-void SaveLogSt8(const DLLD_Msg &msg, std::string *out)
-{
-    *out += " ST8: " + DLLD_GetText(msg);
-}
-
-void SaveLogUser(const DLLD_Msg &msg, std::string *out)
-{
-    DLLD_Print(out, " Usr%u:", static_cast<unsigned>(DLLD_GetType(msg)));
-    for (int32_t i = DLLD_HEAD_WORDS; i < msg.length; i++)
-        DLLD_Print(out, " %04X", DLLD_GetWord(msg, i));
-}
-
-void SaveLogRecord(const DLLD_Msg &msg, std::string *out)
+// A message as a line of the old layout, which knows no descriptions of records.
+void AppendOldLine(const DLLD_Msg &msg, std::string *out)
 {
     // Too short for a time: such a line could not be told from its neighbours.
     if (msg.length < DLLD_HEAD_WORDS)
@@ -96,12 +60,21 @@ void SaveLogRecord(const DLLD_Msg &msg, std::string *out)
     DateTime time;
     CvtAMCBIOS_time(DLLD_GetStamp(msg), &time);
     DLLD_AppendTime(time, out);
-    if (DLLD_GetType(msg) == DLLD_BSTAMP)
-        SaveLogBiosState(msg, out);
-    else if (DLLD_GetType(msg) == DLLD_TEXT)
-        SaveLogSt8(msg, out);
-    else
-        SaveLogUser(msg, out);
+    DLLD_Stamp stamp;
+    if (DLLD_GetType(msg) == DLLD_TEXT) {
+        *out += " ST8: " + DLLD_GetText(msg);
+    } else if (DLLD_GetType(msg) != DLLD_BSTAMP) {
+        DLLD_Print(out, " Usr%u:", static_cast<unsigned>(DLLD_GetType(msg)));
+        for (int32_t i = DLLD_HEAD_WORDS; i < msg.length; i++)
+            DLLD_Print(out, " %04X", DLLD_GetWord(msg, i));
+    } else if (DLLD_GetBStamp(msg, &stamp)) {
+        // "T" counts whole days of operation here, and of the state only the named bits stand.
+        DLLD_Print(out, " T=%lud ErrFlag=%08lX IntErr=%08lX Warning=%08lX DevSt=%02lX",
+                   static_cast<unsigned long>(static_cast<uint32_t>(stamp.seconds) / SECONDS_A_DAY),
+                   static_cast<unsigned long>(stamp.errors),
+                   static_cast<unsigned long>(stamp.internalErrors),
+                   static_cast<unsigned long>(stamp.warnings), stamp.state & 0xFFUL);
+    }
     *out += "\r\n";
 }
 
@@ -145,15 +118,23 @@ int DLLD_ReadBinLogFe(const std::string &path, DLLD_Log *log)
 
 int DLLD_SaveStdLogFe(const std::string &path, const DLLD_Log &log)
 {
-    return SaveListing(path, log, PrintStd) < 0 ? -1 : 0;
+    const auto print = [](const DLLD_Msg &msg, std::string *out) {
+        DLLD_FPrintMsgHdr(msg, out);
+        DLLD_FPrintMsgCts(msg, out);
+    };
+    return SaveListing(path, log, print) < 0 ? -1 : 0;
 }
 
 int DLLD_SaveHexLogFe(const std::string &path, const DLLD_Log &log)
 {
-    return SaveListing(path, log, PrintHex) < 0 ? -1 : 0;
+    const auto print = [](const DLLD_Msg &msg, std::string *out) {
+        DLLD_FPrintMsgHdr(msg, out);
+        DLLD_FPrintMsgHexCts(msg, out);
+    };
+    return SaveListing(path, log, print) < 0 ? -1 : 0;
 }
 
 int DLLD_SaveOldLogFe(const std::string &path, const DLLD_Log &log)
 {
-    return SaveListing(path, log, SaveLogRecord);
+    return SaveListing(path, log, AppendOldLine);
 }

@@ -1,3 +1,4 @@
+// Nothing here trusts a log: a length is counted in the buffer, and what lies behind it reads 0.
 #include "logger/dlld_message.h"
 
 namespace {
@@ -8,6 +9,7 @@ constexpr uint32_t UNITS_AN_HOUR = 1800, UNITS_A_MINUTE = 30;
 constexpr uint32_t HOURS_A_DAY = 24, HOURS_A_MONTH = 31 * HOURS_A_DAY;
 constexpr int32_t STAMP_YEAR = 2000, STAMP_YEARS = 256;
 
+// Callers hand in what a target or a file has said of itself.
 bool IsPlace(const uint16_t *buffer, int32_t words, int32_t index)
 {
     return buffer != nullptr && words >= 0 && words <= DLLD_WORDS_MAX && index >= 0 &&
@@ -77,13 +79,14 @@ uint32_t DLLD_MakeStamp(const DateTime &dateTime)
         return 0;
     const int32_t days = 31 * (dateTime.month - 1) + dateTime.day - 1;
     const int32_t minutes = (24 * days + dateTime.hour) * 60 + dateTime.minute;
+    // Half a unit is lost: the target counts in steps of two seconds.
     return static_cast<uint32_t>(years) << 24 |
            static_cast<uint32_t>(30 * minutes + dateTime.second / 2);
 }
 
 void DLLD_AppendTime(const DateTime &dateTime, std::string *text)
 {
-    char buffer[19];
+    char buffer[19]; // "2015-03-01 10:20:30" without an end
     char *at = PutTwoDigits(buffer, dateTime.year / 100);
     at = PutTwoDigits(at, dateTime.year);
     const int32_t parts[] = {dateTime.month, dateTime.day, dateTime.hour, dateTime.minute,

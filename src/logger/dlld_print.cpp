@@ -1,3 +1,5 @@
+// The listing's forms differ in what stands around a value; the value itself is made in one place,
+// DLLD_FormatItem, for listing and window alike.
 #include "logger/dlld_print.h"
 
 #include <cstdarg>
@@ -8,6 +10,7 @@ namespace {
 
 constexpr int32_t BSTAMP_WORDS_MIN = 11; // of a message
 constexpr int32_t HEX_WORDS_A_LINE = 9;
+// Words of a message, its head counted.
 enum {
     BSTAMP_TIME_AT = 3,
     BSTAMP_ERR_AT = 5,
@@ -33,11 +36,6 @@ void AppendHexWords(const DLLD_Msg &msg, int32_t first, std::string *out)
     }
 }
 
-void PrintText(const DLLD_Msg &msg, std::string *out)
-{
-    *out += "Text: '" + DLLD_GetText(msg) + "'";
-}
-
 void PrintBStamp(const DLLD_Msg &msg, std::string *out)
 {
     DLLD_Stamp stamp;
@@ -50,18 +48,16 @@ void PrintBStamp(const DLLD_Msg &msg, std::string *out)
                static_cast<unsigned long>(stamp.warnings));
 }
 
-void PrintJunk(const DLLD_Msg &, std::string *out)
-{
-    *out += "JUNK";
-}
-
 // The types that every target has; all others are records.
 struct TypeRow {
     uint8_t type;
     void (*print)(const DLLD_Msg &msg, std::string *out);
 };
 const TypeRow TYPE_ROWS[] = {
-    {DLLD_JUNK, PrintJunk}, {DLLD_TEXT, PrintText}, {DLLD_BSTAMP, PrintBStamp}};
+    {DLLD_JUNK, [](const DLLD_Msg &, std::string *out) { *out += "JUNK"; }},
+    {DLLD_TEXT,
+     [](const DLLD_Msg &msg, std::string *out) { *out += "Text: '" + DLLD_GetText(msg) + "'"; }},
+    {DLLD_BSTAMP, PrintBStamp}};
 
 // The field's bits, low word first; false when the message ends before its end. Bytes share
 // a word, low byte first; anything larger begins with a word of its own.
@@ -81,27 +77,12 @@ bool FetchBits(int bytes, const DLLD_Msg &msg, DLLD_Cursor *cursor, uint32_t *bi
     return cursor->word <= msg.length;
 }
 
-int64_t ExtendSign(uint32_t bits, int bytes, bool isSigned)
-{
-    const int64_t span = int64_t(1) << (8 * bytes);
-    return isSigned && bits >= static_cast<uint32_t>(span / 2) ? bits - span : int64_t(bits);
-}
-
-void AppendChosen(const DLLD_Field &field, int64_t number, std::string *out)
-{
-    // A number without a name stands alone.
-    for (const DLLD_Choice &choice : field.choices)
-        if (choice.low == number) {
-            *out += " " + choice.text;
-            return;
-        }
-}
-
 // Names of the bits that are set, and numbers that stand in several bits.
 void AppendBits(const DLLD_Field &field, uint32_t bits, std::string *out)
 {
     for (const DLLD_Choice &choice : field.choices) {
         const auto width = static_cast<int>(choice.high - choice.low + 1);
+        // Wider than the bits, so that a number of all 32 can be cut out of them.
         const uint32_t part =
             static_cast<uint32_t>((bits >> choice.low) & ((uint64_t(1) << width) - 1));
         if (width > 1)
@@ -111,9 +92,13 @@ void AppendBits(const DLLD_Field &field, uint32_t bits, std::string *out)
     }
 }
 
+// The number as it is stored, scaled if the description says so, and what its choices say of it.
 void AppendValue(const DLLD_Field &field, uint32_t bits, std::string *out)
 {
-    const int64_t number = ExtendSign(bits, field.bytes, field.isSigned);
+    // Two's complement of as many bytes as the field has.
+    const int64_t span = int64_t(1) << (8 * field.bytes);
+    const bool isNegative = field.isSigned && bits >= static_cast<uint32_t>(span / 2);
+    const int64_t number = isNegative ? bits - span : int64_t(bits);
     // Whole numbers stay whole: ten digits of a double would round a large one.
     const bool isScaled = field.scale != 1 || field.divisor != 1;
     if (field.form == DLLD_FLOAT) {
@@ -130,10 +115,17 @@ void AppendValue(const DLLD_Field &field, uint32_t bits, std::string *out)
         DLLD_Print(out, "%lu(%lXh)", static_cast<unsigned long>(bits),
                    static_cast<unsigned long>(bits));
     }
-    if (field.form == DLLD_ENUM)
-        AppendChosen(field, number, out);
     if (field.form == DLLD_BITS)
         AppendBits(field, bits, out);
+    if (field.form != DLLD_ENUM)
+        return;
+    // A number without a name stands alone.
+    for (const DLLD_Choice &choice : field.choices) {
+        if (choice.low == number) {
+            *out += " " + choice.text;
+            return;
+        }
+    }
 }
 
 } // namespace
@@ -163,11 +155,12 @@ void DLLD_FPrintMsgCts(const DLLD_Msg &msg, std::string *out)
 {
     if (msg.length < DLLD_HEAD_WORDS)
         return;
-    for (const TypeRow &row : TYPE_ROWS)
+    for (const TypeRow &row : TYPE_ROWS) {
         if (row.type == DLLD_GetType(msg)) {
             row.print(msg, out);
             return;
         }
+    }
     DLLD_FPrintMsgRecCts(msg, out);
 }
 
@@ -257,11 +250,12 @@ std::string DLLD_FormatState(uint16_t state)
     if ((state & 0xFF) == 0)
         return text;
     char mark = '(';
-    for (int bit = 0; bit < 8; bit++)
-        if (state >> bit & 1) {
-            text += mark;
-            text += STATE_BITS[bit];
-            mark = ',';
-        }
+    for (int bit = 0; bit < 8; bit++) {
+        if ((state >> bit & 1) == 0)
+            continue;
+        text += mark;
+        text += STATE_BITS[bit];
+        mark = ',';
+    }
     return text + ")";
 }

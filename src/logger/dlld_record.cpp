@@ -1,4 +1,5 @@
-// The description's parser, one token a step, and the table of record ids.
+// The description's parser, one token a step, and the table of record ids. The parser's cursor
+// stands where a description stops being one: that is the place a message names.
 #include "logger/dlld_record.h"
 
 #include <algorithm>
@@ -63,8 +64,6 @@ bool ParseType(Parser *parser, DLLD_Field *field)
 bool ParseScale(Parser *parser, DLLD_Field *field)
 {
     const bool isDivided = *parser->cursor == '/';
-    if (!isDivided && *parser->cursor != '*')
-        return true;
     parser->cursor++;
     if (!Scan(parser, "@#0-9.?/.*#0-9."))
         return false;

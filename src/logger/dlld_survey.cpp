@@ -1,4 +1,5 @@
-// Looks at a log in a few reads: words are fetched block by block as they are asked for.
+// Looks at a log in a few reads: words are fetched block by block as they are asked for, and the
+// last block is kept, because what is asked for next lies beside it.
 #include "logger/dlld.h"
 
 #include <algorithm>

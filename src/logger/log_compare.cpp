@@ -1,4 +1,5 @@
-// Two logs side by side: both are put into one order and walked in step.
+// Two logs side by side: both are put into one order and walked in step. The buffers' own order
+// would not do: the same message stands elsewhere in each.
 #include "logger/log_view.h"
 
 #include <algorithm>

@@ -1,10 +1,12 @@
-// What leaves a log's table as text: cells, copied lines, CSV, the details of one message.
+// What leaves a log's table as text: cells, copied lines, CSV, the details of one message. Cells
+// are made when they are asked for: a list draws a page of them, and a log has a hundred thousand.
 #include <cstdio>
 
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
 #include "logger/log_view.h"
 #include "platform/safe_file.h"
+#include "text/words.h"
 
 namespace {
 
@@ -21,6 +23,7 @@ std::string FormatTime(uint32_t stamp, bool isLocal)
     return text;
 }
 
+// Always in quotes: a column of texts looks the same from its first line to its last.
 void AppendQuoted(const std::string &text, std::string *out)
 {
     *out += '"';
@@ -30,11 +33,6 @@ void AppendQuoted(const std::string &text, std::string *out)
         *out += c;
     }
     *out += '"';
-}
-
-const LOGV_Row &GetRow(const LOGV_View &view, size_t line)
-{
-    return view.log->rows[view.shown[line]];
 }
 
 void AddStampFields(const DLLD_Msg &msg, std::vector<LOGV_Detail> *details)
@@ -48,29 +46,16 @@ void AddStampFields(const DLLD_Msg &msg, std::vector<LOGV_Detail> *details)
         const char *name;
         uint32_t value;
     } masks[] = {{"Err", stamp.errors}, {"IErr", stamp.internalErrors}, {"Warn", stamp.warnings}};
-    for (const auto &mask : masks) {
-        std::string text;
-        DLLD_Print(&text, "%08lXh", static_cast<unsigned long>(mask.value));
-        details->push_back({mask.name, text});
-    }
-}
-
-void AddRecordFields(const DLLD_Record &record, const DLLD_Msg &msg,
-                     std::vector<LOGV_Detail> *details)
-{
-    DLLD_Cursor cursor;
-    for (const DLLD_Field &field : record.fields) {
-        const std::string value = DLLD_FormatItem(field, msg, &cursor);
-        if (!field.name.empty())
-            details->push_back({field.name, value});
-    }
+    for (const auto &mask : masks)
+        details->push_back(
+            {mask.name, WRD_Format("%08lXh", static_cast<unsigned long>(mask.value))});
 }
 
 } // namespace
 
 std::string LOGV_GetCell(const LOGV_View &view, size_t line, LOGV_Column column)
 {
-    const LOGV_Row &row = GetRow(view, line);
+    const LOGV_Row &row = view.log->rows[view.shown[line]];
     switch (column) {
     case LOGV_TIME:
         return FormatTime(row.stamp, view.isLocalTime);
@@ -123,18 +108,22 @@ std::vector<LOGV_Detail> LOGV_GetDetails(const LOGV_Log &log, const LOGV_Row &ro
     std::vector<LOGV_Detail> details;
     details.push_back({"Local time", FormatTime(row.stamp, true)});
     details.push_back({"Time as logged", FormatTime(row.stamp, false)});
-    std::string type;
-    DLLD_Print(&type, "%s (%02Xh)", log.typeNames[row.type].c_str(), row.type);
-    details.push_back({"Type", type});
-    std::string place;
-    DLLD_Print(&place, "word %d, %d words", row.start, row.length);
-    details.push_back({"Place", place});
-    if (row.type == DLLD_BSTAMP)
+    const unsigned type = row.type;
+    details.push_back({"Type", log.typeNames[type] + WRD_Format(" (%02Xh)", type)});
+    details.push_back({"Place", WRD_Format("word %d, %d words", row.start, row.length)});
+    if (row.type == DLLD_BSTAMP) {
         AddStampFields(msg, &details);
-    else if (row.type == DLLD_TEXT)
+    } else if (row.type == DLLD_TEXT) {
         details.push_back({"Text", std::string(LOGV_GetText(log, row))});
-    else if (record != nullptr && row.type != DLLD_JUNK && row.length >= DLLD_HEAD_WORDS)
-        AddRecordFields(*record, msg, &details);
+    } else if (record != nullptr && row.type != DLLD_JUNK && row.length >= DLLD_HEAD_WORDS) {
+        // Filler is read over, so that the fields behind it stand at their place.
+        DLLD_Cursor cursor;
+        for (const DLLD_Field &field : record->fields) {
+            const std::string value = DLLD_FormatItem(field, msg, &cursor);
+            if (!field.name.empty())
+                details.push_back({field.name, value});
+        }
+    }
     // As they stand in the log, replaced zeros included.
     std::string words;
     for (int32_t i = 0; i < msg.length; i++)

@@ -1,5 +1,4 @@
-#include "logger/log_target.h"
-
+// What a download needs of the program: the settings, pop-ups, and a box that shows how far it is.
 #include "comm/sysaddr.h"
 #include "logger/dlld.h"
 #include "runtime/userint.h"
@@ -9,11 +8,6 @@
 namespace {
 
 int progressDialog = 0; // 0 = none
-
-void ShowError(const char *title, const std::string &text)
-{
-    MessagePopup(title, text);
-}
 
 // The box appears with the first step and goes with the last.
 bool ShowProgress(uint32_t done, uint32_t total, const char *text)
@@ -26,9 +20,11 @@ bool ShowProgress(uint32_t done, uint32_t total, const char *text)
     }
     if (progressDialog <= 0)
         progressDialog = CreateProgressDialog("Vireo2", text);
+    // Without a box nobody can cancel: it is read to its end all the same.
     if (progressDialog <= 0)
         return false;
     const int percent = static_cast<int>(uint64_t(100) * done / total);
+    // Also switching communication off and Ctrl-C end it.
     return UpdateProgressDialog(progressDialog, percent, text) == 1 || IsBreakWished();
 }
 
@@ -39,14 +35,16 @@ void LGT_UseTarget()
     DLLD_Host host;
     host.station = STATION;
     host.isWordAddressing = IsWordAddressing(Procesor) != 0;
+    // The other processors keep no descriptions of their records.
     host.hasRecIds = Procesor == CPU_F283XX;
-    host.showError = ShowError;
+    host.showError = [](const char *title, const std::string &text) { MessagePopup(title, text); };
     host.showProgress = ShowProgress;
     DLLD_SetHost(host);
 }
 
 std::vector<std::string> LGT_FindLogs()
 {
+    // A log is known by its two members, whatever its type is called.
     std::vector<std::string> names;
     for (int i = 0; i < nNodes; i++) {
         const std::string name = aVarNode[i].name;

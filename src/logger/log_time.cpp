@@ -1,11 +1,13 @@
-#include "logger/log_time.h"
+// Times that somebody is typing: each beginning of a full one means something, so that a filter can
+// follow the keys.
+#include "logger/log_view.h"
 
 #include <cstdio>
 
 namespace {
 
 constexpr int PARTS = 6;                        // year to second
-constexpr int YEAR_MIN = 2000, YEAR_MAX = 2135; // of local time
+constexpr int YEAR_MIN = 2000, YEAR_MAX = 2135; // that local time can be told of
 
 // The parts that are there, or -1 when something else stands in the text. A separator that
 // nothing follows yet is what a user has typed so far.

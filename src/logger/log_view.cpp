@@ -7,18 +7,18 @@
 
 #include "logger/dlld_print.h"
 #include "logger/dlld_record.h"
+#include "text/words.h"
 
 namespace {
 
-char ToLower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
+// ASCII only, and by hand: a log of megabytes is folded whole, and a locale would be asked for
+// each.
 std::string Fold(const std::string &text)
 {
     std::string folded = text;
-    std::transform(folded.begin(), folded.end(), folded.begin(), ToLower);
+    std::transform(folded.begin(), folded.end(), folded.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
     return folded;
 }
 
@@ -33,9 +33,7 @@ std::string GetTypeName(uint8_t type)
         return "status";
     if (record != nullptr && !record->name.empty())
         return record->name;
-    std::string name;
-    DLLD_Print(&name, "%02Xh", type);
-    return name;
+    return WRD_Format("%02Xh", static_cast<unsigned>(type));
 }
 
 void AppendWords(const DLLD_Msg &msg, int32_t first, std::string *out)
@@ -61,6 +59,7 @@ void AppendRecordText(const DLLD_Record &record, const DLLD_Msg &msg, std::strin
     AppendWords(msg, DLLD_GetRestWord(cursor), out);
 }
 
+// A stamp that is too short to be one is shown word by word.
 void AppendStampText(const DLLD_Msg &msg, std::string *out)
 {
     DLLD_Stamp stamp;
@@ -75,6 +74,7 @@ void AppendStampText(const DLLD_Msg &msg, std::string *out)
                static_cast<unsigned long>(stamp.warnings));
 }
 
+// What the column of texts shows: all of a message in one line, so that a search finds anything.
 void AppendText(const DLLD_Msg &msg, std::string *out)
 {
     const uint8_t type = DLLD_GetType(msg);
@@ -95,36 +95,14 @@ void AppendText(const DLLD_Msg &msg, std::string *out)
     }
 }
 
-void AppendRow(const DLLD_Msg &msg, int32_t start, LOGV_Log *log)
-{
-    LOGV_Row row;
-    row.start = start;
-    row.length = msg.length;
-    row.type = DLLD_GetType(msg);
-    row.stamp = DLLD_GetStamp(msg);
-    row.textAt = static_cast<uint32_t>(log->texts.size());
-    AppendText(msg, &log->texts);
-    // A row is one line: control characters of the target would break the table.
-    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
-    std::replace_if(log->texts.begin() + row.textAt, log->texts.end(), isControl, ' ');
-    row.textLength = static_cast<uint32_t>(log->texts.size()) - row.textAt;
-    log->rows.push_back(row);
-}
-
-// Types whose names hold what is looked for; their rows need no other reason to be shown.
-std::bitset<256> FindTypes(const LOGV_Log &log, const std::string &needle)
-{
-    std::bitset<256> found;
-    for (size_t type = 0; type < found.size(); type++)
-        found[type] = Fold(log.typeNames[type]).find(needle) != std::string::npos;
-    return found;
-}
-
 // Leaves the rows that the filter lets through, in their order.
 void Narrow(const LOGV_Log &log, const LOGV_Filter &filter, std::vector<uint32_t> *shown)
 {
     const std::string needle = Fold(filter.text);
-    const std::bitset<256> named = FindTypes(log, needle);
+    // Types whose names hold what is looked for: their rows need no other reason to be shown.
+    std::bitset<256> named;
+    for (size_t type = 0; type < named.size(); type++)
+        named[type] = Fold(log.typeNames[type]).find(needle) != std::string::npos;
     const std::string_view folded = log.folded;
     const auto isOut = [&](uint32_t index) {
         const LOGV_Row &row = log.rows[index];
@@ -134,13 +112,6 @@ void Narrow(const LOGV_Log &log, const LOGV_Filter &filter, std::vector<uint32_t
                folded.substr(row.textAt, row.textLength).find(needle) == std::string_view::npos;
     };
     shown->erase(std::remove_if(shown->begin(), shown->end(), isOut), shown->end());
-}
-
-bool IsNarrower(const LOGV_Filter &now, const LOGV_Filter &before)
-{
-    // A longer text that holds the shorter one lets no row through that had been out.
-    return now.hidden == before.hidden && now.from == before.from && now.to == before.to &&
-           Fold(now.text).find(Fold(before.text)) != std::string::npos;
 }
 
 // Equal ones keep the order of the buffer, also downwards.
@@ -163,8 +134,20 @@ int LOGV_Decode(DLLD_Log words, const std::string &name, LOGV_Log *log)
     for (int type = 0; type < 256; type++)
         read.typeNames.push_back(GetTypeName(static_cast<uint8_t>(type)));
     DLLD_Msg msg;
-    for (int32_t index = DLLD_HEADER_WORDS; DLLD_NextMsg(read.words, &index, &msg);)
-        AppendRow(msg, index - msg.length, &read);
+    for (int32_t index = DLLD_HEADER_WORDS; DLLD_NextMsg(read.words, &index, &msg);) {
+        LOGV_Row row;
+        row.start = index - msg.length;
+        row.length = msg.length;
+        row.type = DLLD_GetType(msg);
+        row.stamp = DLLD_GetStamp(msg);
+        row.textAt = static_cast<uint32_t>(read.texts.size());
+        AppendText(msg, &read.texts);
+        // A row is one line: control characters of the target would break the table.
+        const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
+        std::replace_if(read.texts.begin() + row.textAt, read.texts.end(), isControl, ' ');
+        row.textLength = static_cast<uint32_t>(read.texts.size()) - row.textAt;
+        read.rows.push_back(row);
+    }
     read.folded = Fold(read.texts);
     *log = std::move(read);
     return 0;
@@ -208,13 +191,18 @@ void LOGV_Attach(LOGV_View *view, const LOGV_Log *log)
 
 void LOGV_SetFilter(LOGV_View *view, const LOGV_Filter &filter)
 {
-    const bool isKept = IsNarrower(filter, view->filter);
+    // A longer text that holds the shorter one lets no row through that had been out.
+    const LOGV_Filter &before = view->filter;
+    const bool isKept = filter.hidden == before.hidden && filter.from == before.from &&
+                        filter.to == before.to &&
+                        Fold(filter.text).find(Fold(before.text)) != std::string::npos;
     view->filter = filter;
     if (!isKept) {
         view->shown.resize(view->log->rows.size());
         std::iota(view->shown.begin(), view->shown.end(), 0u);
     }
     Narrow(*view->log, filter, &view->shown);
+    // Rows that are only taken away leave the others in their order.
     if (!isKept)
         LOGV_Sort(view, view->sortColumn, view->isDescending);
 }
@@ -246,6 +234,7 @@ void LOGV_Sort(LOGV_View *view, LOGV_Column column, bool isDescending)
 
 int64_t LOGV_FindTime(const LOGV_View &view, uint32_t stamp)
 {
+    // Every line is looked at: the view may be sorted by anything.
     int64_t best = -1, latest = -1;
     uint32_t bestStamp = 0, latestStamp = 0;
     for (size_t line = 0; line < view.shown.size(); line++) {

@@ -66,6 +66,9 @@ int64_t LOGV_FindTime(const LOGV_View &view, uint32_t stamp);
 // A time as the user types it, as the stamp of a filter's end or of a jump. Of the two hours
 // that one hour in October stands for, the first, or for an `isEnd` the second.
 uint32_t LOGV_ToStamp(const LOGV_View &view, DateTime shownTime, bool isEnd);
+// The same from text: "2015-03-01 10:20:30", or its beginning, whose missing parts are the
+// earliest there are, or with `isEnd` the latest. 0, or -1: no time, or one outside 2000 to 2135.
+int LGM_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, uint32_t *stamp);
 
 // Cells. `line` counts in view.shown.
 std::string LOGV_GetCell(const LOGV_View &view, size_t line, LOGV_Column column);

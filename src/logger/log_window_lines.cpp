@@ -45,27 +45,7 @@ void CollectCompared()
     }
 }
 
-void CollectLines()
-{
-    LGW_lines.clear();
-    if (LGW_isComparing) {
-        CollectCompared();
-        return;
-    }
-    LGW_lines.resize(LGW_sides[0].view.shown.size());
-    for (size_t i = 0; i < LGW_lines.size(); i++)
-        LGW_lines[i].row = LGW_sides[0].view.shown[i];
-}
-
-std::string MakeLabel(const LGW_Line &line)
-{
-    const LOGV_View &cells = LGW_sides[line.side].cells;
-    std::string label = LGW_isComparing ? std::string(LGW_GetPresence(line)) + "\033p90l" : "";
-    label += LOGV_GetCell(cells, line.row, LOGV_TIME);
-    label += "\033p250l" + LOGV_GetCell(cells, line.row, LOGV_TYPE);
-    return label + "\033p370l" + LOGV_GetCell(cells, line.row, LOGV_TEXT);
-}
-
+// Its place among all lines; -1 for none. The list knows those of its page only.
 int64_t GetSelected()
 {
     int index = -1;
@@ -103,6 +83,7 @@ const char *LGW_GetPresence(const LGW_Line &line)
 std::string LGW_FormatCount(size_t count)
 {
     std::string text = std::to_string(count);
+    // From the end, so that the places in front of it stay what they are.
     for (size_t at = text.size(); at > 3; at -= 3)
         text.insert(at - 3, ",");
     return text;
@@ -122,6 +103,7 @@ void LGW_SetColumns()
 
 void LGW_ShowDetails()
 {
+    // Made for one line only: all its fields in all forms would be much for a page of lines.
     ClearListCtrl(PANEL, LOG_DETAIL);
     const int64_t selected = GetSelected();
     SetCtrlAttribute(PANEL, LOG_COPY, ATTR_DIMMED, selected < 0);
@@ -162,6 +144,8 @@ void LGW_ShowState()
         if (NeedsDescriptions(LGW_sides[0].log))
             text += std::string("\n") + NO_DESCRIPTIONS;
     }
+    // The button knows whether the map describes a log: it is dimmed when the list of them is
+    // filled.
     int cannotRead = 0;
     if (GetCtrlAttribute(PANEL, LOG_READ, ATTR_DIMMED, &cannotRead) >= 0 && cannotRead != 0)
         text += std::string("\n") + NO_NAMES;
@@ -184,8 +168,18 @@ void LGW_ShowLine(size_t line)
     LGW_firstLine = line / LGW_PAGE_LINES * LGW_PAGE_LINES;
     const size_t end = std::min(LGW_firstLine + LGW_PAGE_LINES, LGW_lines.size());
     ClearListCtrl(PANEL, LOG_LIST);
-    for (size_t i = LGW_firstLine; i < end; i++)
-        InsertListItem(PANEL, LOG_LIST, -1, MakeLabel(LGW_lines[i]), 0);
+    for (size_t i = LGW_firstLine; i < end; i++) {
+        const LGW_Line &shown = LGW_lines[i];
+        const LOGV_View &cells = LGW_sides[shown.side].cells;
+        // An escape and "p90l" begin a column of the list there.
+        std::string label;
+        if (LGW_isComparing)
+            label = std::string(LGW_GetPresence(shown)) + "\033p90l";
+        label += LOGV_GetCell(cells, shown.row, LOGV_TIME) + "\033p250l";
+        label += LOGV_GetCell(cells, shown.row, LOGV_TYPE) + "\033p370l";
+        label += LOGV_GetCell(cells, shown.row, LOGV_TEXT);
+        InsertListItem(PANEL, LOG_LIST, -1, label, 0);
+    }
     if (line < LGW_lines.size()) {
         const int index = static_cast<int>(line - LGW_firstLine);
         SetListSelection(PANEL, LOG_LIST, {index});
@@ -203,8 +197,13 @@ void LGW_Refill()
     LGW_Line kept;
     if (selected >= 0)
         kept = LGW_lines[static_cast<size_t>(selected)];
+    LGW_lines.clear();
+    if (LGW_isComparing)
+        CollectCompared();
+    else
+        for (const uint32_t row : LGW_sides[0].view.shown)
+            LGW_lines.push_back({0, false, row});
     // The chosen message is found again, wherever filter and order put it.
-    CollectLines();
     const auto found = std::find_if(LGW_lines.begin(), LGW_lines.end(), [&](const LGW_Line &line) {
         return line.side == kept.side && line.row == kept.row;
     });

@@ -1,6 +1,6 @@
-// The list of the log window: the lines of one log, or of two that are compared, a page of
-// them at a time, with the details of the selected one and the window's state in words. Owns
-// the logs while they are shown. Only log_window.cpp calls this.
+// What the log window's files share. The list: the lines of one log, or of two that are compared,
+// a page of them at a time, with the details of the selected one and the window's state in words.
+// Owns the logs while they are shown.
 #ifndef LOGGER_LOG_WINDOW_LINES_H
 #define LOGGER_LOG_WINDOW_LINES_H
 
@@ -40,5 +40,12 @@ void LGW_ShowState();
 void LGW_ShowLine(size_t line); // lists the page with the line and selects it
 // Lists what the filter lets through; the selected message stays selected if it is there.
 void LGW_Refill();
+
+// --- what narrows and orders it (log_window_filter.cpp) --------------------------------------
+void LGW_FillTypes();           // the ring of types, by the logs that are there; the choice stays
+void LGW_ApplyFilter();         // the fields as they stand, then LGW_Refill
+void LGW_SortLines();           // by the ring of columns; LGW_Refill shows it
+void LGW_SortByKey(int column); // LOGV_Column; again the same: the other way round
+bool LGW_IsLocalTime();
 
 #endif

@@ -5,7 +5,6 @@
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
-#include "sets/header.h"
 #include "sets/line.h"
 #include "sets/value.h"
 #include "settings/settings.h"
@@ -14,6 +13,7 @@
 #include "text/words.h"
 #include "text/xscan.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <unordered_map>
@@ -50,12 +50,6 @@ struct Reader {
     }
 };
 
-// Any version number: what the lines mean has never changed.
-bool IsVersionLine(const char *cursor)
-{
-    return xscan("* ////* Uploader v?/.* @#0-9./.@#0-9* #", &cursor) >= 0;
-}
-
 // "// date = 31-12-2015, time = 23:59:59", and both are real ones.
 bool ParseDateLine(const char *cursor, PST_File *file)
 {
@@ -68,6 +62,7 @@ bool ParseDateLine(const char *cursor, PST_File *file)
         return false;
     const std::string rest = WRD_Trim(begin);
     const std::string time = rest.substr(rest.size() - 8);
+    // The pattern has let only digits through; what they say must be a day that can be.
     const int day = std::atoi(date.c_str()), month = std::atoi(date.c_str() + 3);
     if (day < 1 || day > 31 || month < 1 || month > 12 || time > "23:59:59")
         return false;
@@ -125,6 +120,7 @@ void ParseRecord(Reader *reader, const std::string &text, const std::string &com
         reader->Refuse(why);
         return;
     }
+    // Type and value are kept as text: what they mean depends on the header.
     PST_Record record;
     record.group = reader->group;
     record.heading = reader->heading;
@@ -148,12 +144,15 @@ void ReadLine(Reader *reader, const std::string &line)
 {
     std::string text, comment, label;
     if (reader->line == 1) {
-        if (!IsVersionLine(line.c_str()))
+        // Any version number: what the lines mean has never changed.
+        const char *cursor = line.c_str();
+        if (xscan("* ////* Uploader v?/.* @#0-9./.@#0-9* #", &cursor) < 0)
             reader->Refuse("This is no data file: it begins with '// Uploader v1.00'.");
     } else if (reader->line == 2) {
         if (!ParseDateLine(line.c_str(), reader->file))
             reader->Refuse("Here stands '// date = 31-12-2015, time = 23:59:59'.");
     } else if (WRD_Trim(line).compare(0, 2, "//") == 0) {
+        // Also behind the end: a remark there hurts nobody.
         ParseRemark(reader, WRD_Trim(line).substr(2));
     } else {
         PST_CutComment(line, &text, &comment);
@@ -173,10 +172,9 @@ std::string FileNameOf(const std::string &path)
     return WRD_Visible(std::filesystem::u8path(path).filename().u8string());
 }
 
+// Everything a restore may have to warn of: of whom and of which program the values are.
 std::string HeadText(const PST_File &file)
 {
-    char stamp[16];
-    std::snprintf(stamp, sizeof stamp, "%08X", static_cast<unsigned>(file.stamp));
     std::string text =
         std::string(VERSION_LINE) + "\n// date = " + file.date + ", time = " + file.time + "\n";
     if (!file.device.empty())
@@ -184,15 +182,8 @@ std::string HeadText(const PST_File &file)
     text += "// processor = " + file.processor + "\n// station = " + file.station + "\n";
     if (!file.map.empty())
         text += "// map = " + file.map + "\n";
-    return text + "// map stamp = " + stamp + "\n// header = " + file.header + "\n\n";
-}
-
-// Labels are words of the header's grammar: blanks travel as underscores.
-std::string LabelText(std::string heading)
-{
-    for (char &c : heading)
-        c = c == ' ' ? '_' : c;
-    return heading + ":\n";
+    return text + WRD_Format("// map stamp = %08X\n", static_cast<unsigned>(file.stamp)) +
+           "// header = " + file.header + "\n\n";
 }
 
 } // namespace
@@ -276,13 +267,11 @@ PST_File PST_MakeFile(const PST_Set &set, const PST_Image &values)
 {
     PLT_Date now;
     PLT_LocalTime(&now);
-    char text[32];
     PST_File file;
     file.path = set.path;
-    std::snprintf(text, sizeof text, "%02d-%02d-%04d", now.day, now.month, now.year);
-    file.date = text;
-    std::snprintf(text, sizeof text, "%02d:%02d:%02d", now.hour, now.minute, now.second);
-    file.time = text;
+    file.date = WRD_Format("%02d-%02d-%04d", now.day, now.month, now.year);
+    file.time = WRD_Format("%02d:%02d:%02d", now.hour, now.minute, now.second);
+    // Names without their folders, which mean nothing on another machine.
     file.device = set.device;
     file.processor = PST_ProcessorName();
     file.station = std::to_string(STATION);
@@ -318,6 +307,7 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
     const PST_File made = PST_MakeFile(set, values);
     SAF_PutText(safe.file, HeadText(made));
     std::string group, heading;
+    // A line for a group or heading where it changes, as a person would write it.
     for (const PST_Record &record : made.records) {
         const bool isFirst = &record == &made.records.front();
         if (record.group != group) {
@@ -326,8 +316,12 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
             heading.clear();
         }
         group = record.group;
-        if (record.heading != heading && !record.heading.empty())
-            SAF_PutText(safe.file, LabelText(record.heading));
+        if (record.heading != heading && !record.heading.empty()) {
+            // Labels are words of the header's grammar: blanks travel as underscores.
+            std::string label = record.heading;
+            std::replace(label.begin(), label.end(), ' ', '_');
+            SAF_PutText(safe.file, label + ":\n");
+        }
         heading = record.heading;
         const size_t entry = set.byName.at(record.name);
         std::string line = PST_AssignmentText(set.entries[entry], values[entry].bytes);

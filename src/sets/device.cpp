@@ -44,20 +44,6 @@ bool IsCancelled(const PST_Progress &progress, size_t done, size_t total, const 
     return progress.step != nullptr && progress.step(progress.context, done, total, what);
 }
 
-void StoreBlock(const PST_Set &set, const std::vector<uint32_t> &places, const GRP_Block &block,
-                const std::vector<uint8_t> &bytes, PST_Image *image)
-{
-    for (const size_t i : block.items) {
-        const PST_Place &place = set.places[places[i]];
-        PST_Held &held = (*image)[places[i]];
-        // Shorter values are compared whole: what lies behind them must be the same in every image.
-        held.bytes = {};
-        std::memcpy(held.bytes.data(), bytes.data() + (place.address - block.address),
-                    set.entries[place.entry].size);
-        held.isThere = true;
-    }
-}
-
 // Reads blocks [first, end) and proves them; what the line may have mixed up is read again.
 int ReadProven(const PST_Set &set, const std::vector<uint32_t> &places,
                const std::vector<GRP_Block> &blocks, size_t first, size_t end, PST_Image *image,
@@ -72,7 +58,15 @@ int ReadProven(const PST_Set &set, const std::vector<uint32_t> &places,
                                 PST_PlaceName(set, places[blocks[i].items[0]]) + "'");
                 return PST_ERR_LINK;
             }
-            StoreBlock(set, places, blocks[i], bytes, image);
+            for (const size_t item : blocks[i].items) {
+                const PST_Place &place = set.places[places[item]];
+                PST_Held &held = (*image)[places[item]];
+                // Nothing of an older and longer value may be left behind it.
+                held.bytes = {};
+                std::memcpy(held.bytes.data(), bytes.data() + (place.address - blocks[i].address),
+                            set.entries[place.entry].size);
+                held.isThere = true;
+            }
         }
         const int proof = UCM_Prove();
         // A refusal that somebody else was told meanwhile concerns these blocks, too.
@@ -95,12 +89,6 @@ struct Writer {
     std::vector<GRP_Block> blocks;
 };
 
-void Mark(Writer *writer, const GRP_Block &block, PST_State state)
-{
-    for (const size_t i : block.items)
-        (*writer->states)[writer->places[i]] = state;
-}
-
 int WriteBlock(Writer *writer, const GRP_Block &block, std::string *why)
 {
     std::vector<uint8_t> bytes(block.size);
@@ -112,7 +100,8 @@ int WriteBlock(Writer *writer, const GRP_Block &block, std::string *why)
     }
     const int result = UCM_Write(STATION, block.address, block.size, bytes.data());
     // A write without an answer may have arrived all the same.
-    Mark(writer, block, result < 0 ? PST_IN_DOUBT : PST_UNREAD);
+    for (const size_t i : block.items)
+        (*writer->states)[writer->places[i]] = result < 0 ? PST_IN_DOUBT : PST_UNREAD;
     if (result < 0)
         *why = LinkText("The target did not take '" +
                         PST_PlaceName(*writer->set, writer->places[block.items[0]]) + "'");

@@ -13,6 +13,7 @@ namespace {
 CFE_Host host;
 int shown = -1; // entry
 
+// Texts come from the header and the files beside it.
 void Show(int control, const std::string &text)
 {
     SetCtrlVal(PANEL_CONFIG_EDIT, control, WRD_Visible(text));
@@ -33,18 +34,14 @@ std::string LongText(const PST_Form &form, uint32_t index, const PST_Held &held)
     return text;
 }
 
-void ShowHint(const std::string &text)
-{
-    Show(CFGEDIT_HINT, text);
-}
-
 // Takes what stands in the field. False, and said, when it is no value.
 bool AcceptTyped()
 {
     std::string text;
     GetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW, &text);
     const std::string why = PST_EditForm(host.form, static_cast<uint32_t>(shown), text);
-    ShowHint(why);
+    Show(CFGEDIT_HINT, why);
+    // The table shows it, too: both are views of the same form.
     if (why.empty())
         host.refresh();
     return why.empty();
@@ -58,7 +55,7 @@ void CFE_Open(const CFE_Host &newHost, int entry)
         return;
     host = newHost;
     shown = entry;
-    ShowHint("");
+    Show(CFGEDIT_HINT, "");
     DisplayPanel(PANEL_CONFIG_EDIT);
     SetActivePanel(PANEL_CONFIG_EDIT);
     CFE_Refresh();
@@ -76,6 +73,7 @@ void CFE_Refresh()
     // On a heading it stays with the parameter before.
     if (CFT_GetEntry(line) >= 0)
         shown = CFT_GetEntry(line);
+    // The form may have been made anew with fewer entries, or closed.
     if (!form.isOpen || shown < 0 || static_cast<size_t>(shown) >= form.set.entries.size()) {
         HidePanel(PANEL_CONFIG_EDIT);
         shown = -1;
@@ -137,11 +135,12 @@ int CFE_ButtonCB(int panel, int control, int event, int)
     if (control == CFGEDIT_TAKE) {
         AcceptTyped();
     } else if (control == CFGEDIT_WRITE) {
+        // What stands in the field is what is written, also without Enter behind it.
         if (AcceptTyped())
             host.write(index);
     } else {
         if (control == CFGEDIT_FROM_DEFAULT)
-            ShowHint(PST_EditDefault(&form, index));
+            Show(CFGEDIT_HINT, PST_EditDefault(&form, index));
         else
             form.edited[index] = form.file[index];
         host.refresh();

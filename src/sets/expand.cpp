@@ -7,9 +7,9 @@
 #include "settings/settings.h"
 #include "symbols/assignment.h"
 #include "symbols/typemap.h"
+#include "text/words.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace {
 
@@ -19,12 +19,10 @@ struct Spread {
     int32_t cast = 0;  // type of every value of the same size, 0 = as the type map says
 };
 
-// A digit must come first.
+// An address as these files write it. A digit must come first, or it would be a name.
 std::string PieceName(uint32_t address)
 {
-    char text[16];
-    std::snprintf(text, sizeof text, address < 0xA00000 ? "%06Xh" : "0%06Xh", address);
-    return text;
+    return WRD_Format(address < 0xA00000 ? "%06Xh" : "0%06Xh", address);
 }
 
 // Every value goes through here: the bounds of the set and of the memory hold for all of them.
@@ -42,13 +40,6 @@ std::string AddEntry(const Spread &spread, const std::string &name, int32_t type
     set->entries.push_back({name, type, static_cast<uint8_t>(size), spread.item});
     set->places.push_back({address, index, ""});
     return "";
-}
-
-// Values of eight bytes come as two of four: lines of a data file know no longer ones.
-std::string AddHalves(const Spread &spread, const std::string &name, uint32_t address)
-{
-    const std::string why = AddEntry(spread, name, ATP_U4, 4, address);
-    return why.empty() ? AddEntry(spread, name + "+4", ATP_U4, 4, address + 4) : why;
 }
 
 // The type of a basic code, 0 when it has none that a line could hold.
@@ -72,11 +63,15 @@ int32_t TypeOfCode(uint32_t code)
     }
 }
 
+// One value, of the type map's type or of the header's cast, which may take a part of it.
 std::string SpreadBasic(const Spread &spread, const std::string &name, int32_t type, int size,
                         uint32_t address)
 {
-    if (size == 8 && spread.cast == 0)
-        return AddHalves(spread, name, address);
+    // Values of eight bytes come as two of four: lines of a data file know no longer ones.
+    if (size == 8 && spread.cast == 0) {
+        const std::string why = AddEntry(spread, name, ATP_U4, 4, address);
+        return why.empty() ? AddEntry(spread, name + "+4", ATP_U4, 4, address + 4) : why;
+    }
     if (type == 0)
         return "'" + name + "' has a type that a set cannot hold.";
     if (spread.cast != 0) {
@@ -133,6 +128,7 @@ std::string SpreadChain(const Spread &spread, const std::string &name, const uin
         return "The type map does not say what '" + name + "' consists of.";
     if (TMF_IsRecord(code))
         return SpreadRecord(spread, name, code, address, depth);
+    // A pointer is a number here; one to a function may be wider than one to data.
     if (derivation == TMF_POINTER) {
         const int size = TMF_GetPtrSize(Procesor, (chain[1] & TMF_DERIVATION) == TMF_FUNCTION);
         return SpreadBasic(spread, name, size == 4 ? ATP_U4 : ATP_U2, size, address);
@@ -234,6 +230,7 @@ std::string PST_ExpandVariable(PST_Set *set, PST_Item *item, const std::string &
                           count, address);
     if (!why.empty())
         return why;
+    // Counted before the default is checked, which is one for all of them.
     item->entries = static_cast<uint32_t>(set->entries.size()) - item->firstEntry;
     why = CheckDefault(*set, item, value);
     set->items.push_back(*item);
@@ -270,6 +267,7 @@ std::string PST_ExpandMirror(PST_Set *set, const PST_Item &source, const std::st
     const PST_Entry &first = set->entries[source.firstEntry];
     if (!cast.empty() && StrToATP(cast.c_str()) != first.type)
         return "The mirror '" + reference + "' must have the type of '" + source.reference + "'.";
+    // Each value lies in the mirror where it lies in the source; gaps are mirrored as gaps.
     const uint32_t base = set->places[source.firstEntry].address;
     for (uint32_t i = 0; i < source.entries; ++i) {
         const uint32_t index = source.firstEntry + i;

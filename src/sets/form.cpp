@@ -2,7 +2,6 @@
 // not written yet. No window in here: the console program could show the same.
 #include "sets/form.h"
 
-#include "sets/header.h"
 #include "sets/value.h"
 
 #include <algorithm>
@@ -30,6 +29,7 @@ std::string WhyNot(const PST_Set &set, uint32_t entry, const PST_Bytes &bytes)
 
 int PST_OpenForm(const std::string &header, PST_Form *form, PST_Problems *problems)
 {
+    // Into a form of its own: a header with a fault leaves the open one as it is.
     PST_Form fresh;
     if (PST_ReadHeader(header, &fresh.set, problems) != 0)
         return -1;
@@ -109,6 +109,7 @@ std::string PST_EditDefault(PST_Form *form, uint32_t entry)
     PST_Held held;
     if (!attributes.hasDefault || PST_PutNumber(at.type, attributes.defaultValue, &held.bytes) != 0)
         return "'" + at.name + "' has no default.";
+    // The header's reader has checked it against the limits, but not whether it may be written.
     const std::string why = WhyNot(form->set, entry, held.bytes);
     held.isThere = true;
     if (why.empty())
@@ -123,6 +124,7 @@ int PST_LoadIntoForm(PST_Form *form, const std::string &path, bool isEdit, PST_P
     if (PST_ReadData(path, &file, problems) != 0 ||
         PST_Bind(form->set, file, &values, nullptr, problems) != 0)
         return -1;
+    // A file with a fault in any line changes nothing: half a file would be typed in otherwise.
     form->file = values;
     form->filePath = path;
     for (uint32_t i = 0; isEdit && i < values.size(); ++i)
@@ -153,6 +155,7 @@ int PST_PrepareWrite(PST_Form *form, const std::vector<uint32_t> &entries, PST_R
     job->set = form->set;
     job->wanted.resize(form->set.entries.size());
     job->lines.resize(form->set.entries.size());
+    // The undo file will stand beside it.
     job->file.path = form->filePath.empty() ? form->set.path : form->filePath;
     for (const uint32_t entry : entries)
         job->wanted[entry] = PST_FormValue(*form, entry);

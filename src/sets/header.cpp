@@ -1,8 +1,7 @@
 // Lines become items, items are spread into values (expand.cpp), and in the end nothing may
 // lie over another thing: what is restored must not depend on the order of lines.
-#include "sets/header.h"
+#include "sets/set.h"
 
-#include "calendar/crc32.h"
 #include "platform/plain_file.h"
 #include "sets/expand.h"
 #include "sets/line.h"
@@ -46,15 +45,6 @@ struct Reader {
 
 void ReadFile(Reader *reader, const std::string &path);
 
-// Included names count from the folder of the header that includes them.
-std::string PathBeside(const std::string &file, const std::string &name)
-{
-    const std::filesystem::path path = std::filesystem::u8path(name);
-    if (path.is_absolute())
-        return name;
-    return (std::filesystem::u8path(file).parent_path() / path).u8string();
-}
-
 // Two names of one file must count as one, or a circle would be found late.
 std::string RealPath(const std::string &path)
 {
@@ -65,7 +55,10 @@ std::string RealPath(const std::string &path)
 
 void Include(Reader *reader, const std::string &name)
 {
-    const std::string path = PathBeside(reader->file, name);
+    // Names count from the folder of the header that includes them; an absolute one replaces it.
+    const std::string path =
+        (std::filesystem::u8path(reader->file).parent_path() / std::filesystem::u8path(name))
+            .u8string();
     const std::string real = RealPath(path);
     if (std::find(reader->open.begin(), reader->open.end(), real) != reader->open.end()) {
         reader->Refuse("'" + name + "' includes itself, directly or through others.");
@@ -94,6 +87,7 @@ void Include(Reader *reader, const std::string &name)
     reader->group = group;
 }
 
+// A group may be gone on with further down, also by an included header.
 void ChooseGroup(Reader *reader, const std::string &name)
 {
     std::vector<std::string> &groups = reader->set->groups;
@@ -106,6 +100,7 @@ void ChooseGroup(Reader *reader, const std::string &name)
 
 PST_Item MakeItem(const Reader &reader, const std::string &reference)
 {
+    // Its values follow those there are: expanding appends them.
     PST_Item item;
     item.reference = reference;
     item.group = reader.group;
@@ -172,6 +167,8 @@ void AddVariable(Reader *reader, const PST_Line &line)
 void ReadLine(Reader *reader, const std::string &text)
 {
     std::string name;
+    // Keywords are no reserved words: a variable may be called "area" or "group", as long as it is
+    // not followed by what follows the keyword.
     if (PST_ParseKeyword(text, "include", &name)) {
         Include(reader, name);
     } else if (PST_ParseKeyword(text, "device", &name)) {
@@ -197,14 +194,6 @@ void ReadLine(Reader *reader, const std::string &text)
     }
 }
 
-void ReadText(Reader *reader, const std::string &line)
-{
-    std::string text, comment;
-    PST_CutComment(line, &text, &comment);
-    if (!text.empty())
-        ReadLine(reader, text);
-}
-
 void ReadFile(Reader *reader, const std::string &path)
 {
     reader->file = path;
@@ -214,6 +203,7 @@ void ReadFile(Reader *reader, const std::string &path)
         reader->Refuse(std::string("The header ") + PLF_WhyUnreadable(path) + ".");
         return;
     }
+    // Real paths, compared when another header is included.
     ++reader->files;
     reader->open.push_back(RealPath(path));
     std::string line;
@@ -222,13 +212,17 @@ void ReadFile(Reader *reader, const std::string &path)
         const bool isBroken = TXFR_IsBrokenLine(handle) == 1;
         const bool isLarge =
             reader->line > LINES_MAX || reader->set->places.size() >= PST_VALUES_MAX;
-        if (isBroken)
+        if (isBroken) {
             reader->Refuse(PST_LongLineText());
-        else if (isLarge)
+        } else if (isLarge) {
             reader->Refuse("The set is too large: at most " + std::to_string(LINES_MAX) +
                            " lines and " + std::to_string(PST_VALUES_MAX) + " values.");
-        else
-            ReadText(reader, line);
+        } else {
+            std::string text, comment;
+            PST_CutComment(line, &text, &comment);
+            if (!text.empty())
+                ReadLine(reader, text);
+        }
         // Where so much is wrong, the rest is of no interest.
         if (isBroken || isLarge || reader->problems->count > PST_PROBLEMS_MAX) {
             TXFR_Close(handle);
@@ -286,36 +280,4 @@ int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems
     set->mirrors.clear();
     CheckOverlap(&reader);
     return problems->count == before ? 0 : -1;
-}
-
-// Tells two builds of a firmware apart by their symbols; the order of the nodes is that of the
-// names.
-uint32_t PST_MapStamp()
-{
-    uint32_t stamp = 0;
-    for (int i = 0; i < nNodes; ++i) {
-        const std::string line =
-            std::string(aVarNode[i].name) + '=' + std::to_string(aVarNode[i].addr) + '\n';
-        stamp = Crc32_LSBNext(stamp, line.data(), line.size(), CRC32_POLYNOMIAL);
-    }
-    return stamp;
-}
-
-uint32_t PST_SymbolsStamp()
-{
-    uint32_t stamp = PST_MapStamp();
-    const auto add = [&stamp](const void *data, size_t size) {
-        stamp = Crc32_LSBNext(stamp, data, size, CRC32_POLYNOMIAL);
-    };
-    const auto addDecl = [&add](const TMF_Decl &decl) {
-        add(decl.name, std::strlen(decl.name));
-        add(decl.chain, sizeof decl.chain);
-    };
-    for (int32_t i = 0; i < TMF_cnDefVars; ++i)
-        addDecl(TMF_paDefVars[i]);
-    for (int32_t i = 0; i < TMF_cnDefStructCts; ++i)
-        for (int32_t k = 0; k < TMF_paDefStructCts[i].members; ++k)
-            addDecl(TMF_paDefStructCts[i].paMembers[k]);
-    add(&Procesor, sizeof Procesor);
-    return stamp;
 }

@@ -62,6 +62,7 @@ bool Unquote(const std::string &quoted, std::string *text)
     return text->size() <= PST_WORDS_MAX;
 }
 
+// "" with the number and *isThere set, or what is wrong.
 std::string ReadNumber(const std::string &text, double *number, bool *isThere)
 {
     if (!PST_ParseNumber(text, number))
@@ -84,6 +85,7 @@ std::string ReadCount(const std::string &text, uint32_t *count)
     return "";
 }
 
+// One of "unit "A"", "min 0", "readonly"; what has no value must not be given one.
 std::string ReadAttribute(const std::string &word, const std::string &value, PST_Attributes *a,
                           uint32_t *count, uint32_t *length)
 {
@@ -169,6 +171,7 @@ void PST_CutComment(const std::string &line, std::string *text, std::string *com
 
 std::string PST_SplitLine(const std::string &text, PST_Line *line)
 {
+    // From the outside in: the type in front, attributes behind the comma, the value behind "=".
     *line = PST_Line();
     std::string left = text;
     if (left.front() == '(') {
@@ -218,6 +221,7 @@ std::string PST_ParseAttributes(const std::string &text, PST_Attributes *attribu
         if (!why.empty())
             return why;
     }
+    // Only when all are read: they come in any order.
     if (attributes->hasMin && attributes->hasMax && attributes->min > attributes->max)
         return "The lower limit lies above the upper one.";
     return "";
@@ -225,6 +229,7 @@ std::string PST_ParseAttributes(const std::string &text, PST_Attributes *attribu
 
 std::string PST_FormatAttributes(const PST_Attributes &attributes)
 {
+    // Only what says something: a factor of 1 is no factor.
     std::string text;
     const auto add = [&text](const std::string &part) {
         text += (text.empty() ? "" : ", ") + part;
@@ -250,6 +255,7 @@ std::string PST_FormatAttributes(const PST_Attributes &attributes)
 
 bool PST_ParseKeyword(const std::string &text, const char *keyword, std::string *quoted)
 {
+    // A blank or the quote must follow: "devices" is a name.
     const size_t length = std::strlen(keyword);
     return text.compare(0, length, keyword) == 0 && text.size() > length &&
            std::strchr(" \t\"", text[length]) != nullptr &&

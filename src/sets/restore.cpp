@@ -1,15 +1,14 @@
 // The way of a data file into the target: everything is checked before the first question, what was
-// there is saved before the first write, and what came of it is told value by value.
+// there is saved before the first write, and what came of it is told value by value. A backup is
+// simple beside it: nothing is changed but a file.
 #include "sets/restore.h"
 
-#include "platform/system.h"
-#include "sets/header.h"
+#include "platform/plain_file.h"
 #include "sets/value.h"
 #include "settings/settings.h"
 #include "text/words.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <filesystem>
 
 const char PST_NOTHING_WRITTEN[] = "Nothing was written.";
@@ -20,6 +19,7 @@ constexpr size_t NAMES_SHOWN_MAX = 20; // in one line of a result
 // Somebody who has so many never looks at them: better to say so than to go on.
 constexpr int UNDO_FILES_MAX = 99;
 
+// "1 value", "3 values".
 std::string Counted(size_t count, const char *one, const char *many)
 {
     return std::to_string(count) + " " + (count == 1 ? one : many);
@@ -30,6 +30,7 @@ const PST_Entry &EntryAt(const PST_Restore &job, uint32_t place)
     return job.set.entries[job.set.places[place].entry];
 }
 
+// Whether the file has a value that the place does not hold; mirrors are compared, too.
 bool Differs(const PST_Restore &job, uint32_t place)
 {
     const uint32_t entry = job.set.places[place].entry;
@@ -72,8 +73,7 @@ std::string FreeUndoPath(const std::string &data)
     const std::string stem = (path.parent_path() / path.stem()).u8string() + ".undo";
     for (int i = 1; i <= UNDO_FILES_MAX; ++i) {
         const std::string name = stem + (i == 1 ? "" : "-" + std::to_string(i)) + ".ldx";
-        PLT_FileStamp stamp;
-        if (PLT_GetFileStamp(name, &stamp) != 0)
+        if (!PLF_Exists(name))
             return name;
     }
     return "";
@@ -108,6 +108,54 @@ int WriteUndo(PST_Restore *job)
 
 } // namespace
 
+std::vector<std::string> PST_MirrorRemarks(const PST_Set &set, const PST_Image &image)
+{
+    std::vector<std::string> lines;
+    for (size_t i = set.entries.size(); i < set.places.size(); ++i) {
+        const PST_Place &mirror = set.places[i];
+        const PST_Entry &entry = set.entries[mirror.entry];
+        if (!PST_IsSame(entry, image[i], image[mirror.entry]))
+            lines.push_back("The mirror " + mirror.name + " holds " +
+                            PST_ValueText(entry, image[i].bytes) + ", " + entry.name + " " +
+                            PST_ValueText(entry, image[mirror.entry].bytes) + ".");
+    }
+    return lines;
+}
+
+int PST_Backup(const std::string &header, const std::string &data, const PST_Progress &progress,
+               std::vector<std::string> *lines)
+{
+    PST_Set set;
+    PST_Problems problems;
+    lines->clear();
+    if (PST_ReadHeader(header, &set, &problems) != 0) {
+        // A line each: whoever shows them may want them apart.
+        const std::string text = PST_FormatProblems(problems);
+        for (size_t begin = 0; begin < text.size();) {
+            const size_t end = text.find('\n', begin);
+            lines->push_back(text.substr(begin, end - begin));
+            begin = end + 1;
+        }
+        return PST_ERR_FILE;
+    }
+    PST_Image image;
+    std::string why;
+    const int read = PST_ReadDevice(set, &image, progress, &why);
+    if (read != PST_OK) {
+        lines->push_back(why);
+        return read;
+    }
+    const int written = PST_WriteData(data, set, image, {});
+    if (written != 0) {
+        lines->push_back("'" + WRD_Visible(data) + "' " + PST_WriteErrorText(written) + ".");
+        return PST_ERR_FILE;
+    }
+    // Mirrors that differ are no failure: the file holds the values that count.
+    *lines = PST_MirrorRemarks(set, image);
+    lines->push_back(std::to_string(set.entries.size()) + " values saved.");
+    return PST_OK;
+}
+
 int PST_PrepareRestore(const std::string &header, const std::string &data, bool isAll,
                        PST_Restore *job, const PST_Progress &progress)
 {
@@ -122,6 +170,7 @@ int PST_PrepareRestore(const std::string &header, const std::string &data, bool 
     const int result = PST_ReadDevice(job->set, &job->before, progress, &job->why);
     if (result != PST_OK)
         return result;
+    // Read-only values are compared and told of, but never written, whatever the file says.
     for (uint32_t place = 0; place < job->set.places.size(); ++place) {
         const uint32_t entry = job->set.places[place].entry;
         const bool isWanted = isAll ? job->wanted[entry].isThere : Differs(*job, place);
@@ -136,9 +185,10 @@ std::vector<std::string> PST_MapRemarks(const PST_Restore &job)
 {
     std::vector<std::string> remarks;
     const PST_File &file = job.file;
-    char text[32];
-    std::snprintf(text, sizeof text, "%08X", PST_MapStamp());
-    if (file.stamp != PST_MapStamp())
+    const uint32_t loaded = PST_MapStamp();
+    const std::string text = WRD_Format("%08X", static_cast<unsigned>(loaded));
+    // By the symbols and not by the name: a map that was built again may have moved nothing.
+    if (file.stamp != loaded)
         remarks.push_back(
             "The file was made with another map" + (file.map.empty() ? "" : ", " + file.map) +
             ": its symbols have other names or addresses than the loaded one's (" + text + ").");
@@ -154,6 +204,7 @@ std::vector<std::string> PST_MapRemarks(const PST_Restore &job)
 std::vector<std::string> PST_RestoreWarnings(const PST_Restore &job)
 {
     std::vector<std::string> warnings = PST_MapRemarks(job);
+    // What the file lacks cannot be told from what was left out on purpose.
     size_t missing = 0;
     for (const PST_Held &held : job.wanted)
         missing += held.isThere ? 0 : 1;
@@ -188,6 +239,7 @@ std::vector<std::string> PST_RestoreWarnings(const PST_Restore &job)
 std::vector<std::string> PST_RestoreChanges(const PST_Restore &job)
 {
     std::vector<std::string> changes;
+    // By place: a mirror has a line of its own, since it may hold another value than its source.
     for (const uint32_t place : job.writes) {
         const PST_Held &wanted = job.wanted[job.set.places[place].entry];
         std::string line = PST_PlaceName(job.set, place) + ": ";
@@ -204,6 +256,7 @@ int PST_RunRestore(PST_Restore *job, const PST_Progress &progress)
     job->why.clear();
     if (job->writes.empty())
         return PST_OK;
+    // Without a way back nothing is written.
     const int undo = WriteUndo(job);
     if (undo != PST_OK)
         return undo;
@@ -244,6 +297,7 @@ std::vector<std::string> PST_RestoreResult(const PST_Restore &job, int result)
         if (count > 0)
             lines.push_back(std::to_string(count) + " " + row.text + names + ".");
     }
+    // Also after an interruption: it has what was there before the first write.
     if (!job.undoPath.empty())
         lines.push_back("The values before are in '" + job.undoPath + "': download it to go back.");
     if (result != PST_OK && result != PST_ERR_UNDO)

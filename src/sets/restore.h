@@ -1,7 +1,7 @@
-// A data file back into the target: everything is checked before the first byte is written,
-// what would change can be shown, the old values are kept in an undo file, and afterwards
-// every value has a state. Whoever shows the job asks the user between PST_PrepareRestore
-// and PST_RunRestore; nothing here asks anybody.
+// The values of a set out of the target into a data file, and back. On the way back everything
+// is checked before the first byte is written, what would change can be shown, the old values
+// are kept in an undo file, and afterwards every value has a state. Whoever shows the job asks
+// the user between PST_PrepareRestore and PST_RunRestore; nothing here asks anybody.
 #ifndef SETS_RESTORE_H
 #define SETS_RESTORE_H
 
@@ -17,6 +17,14 @@ enum {
     PST_ERR_UNDO = -4,  // the undo file could not be written: nothing was changed
     PST_ERR_VALUES = -5 // written, but the target holds something else at some places
 };
+
+// Reads every value that the header names and writes them into `data`, which is replaced only
+// when it is whole. PST_OK or a code; *lines says what was saved and what went wrong, mirrors
+// that hold another value than their source among it.
+int PST_Backup(const std::string &header, const std::string &data, const PST_Progress &progress,
+               std::vector<std::string> *lines);
+// Mirrors whose value is not that of their source, a line each.
+std::vector<std::string> PST_MirrorRemarks(const PST_Set &set, const PST_Image &image);
 
 struct PST_Restore {
     PST_Set set;

@@ -1,6 +1,6 @@
 // A set of variables: what a header file (.ulh) says belongs to it, with the place of each
-// value in the target. Plain data; header.h fills it in, everything else of the room reads
-// it. Values lie beside it in images, so that target, file and default can be compared.
+// value in the target. Plain data; the header's reader fills it in, everything else of the room
+// reads it. Values lie beside it in images, so that target, file and default can be compared.
 #ifndef SETS_SET_H
 #define SETS_SET_H
 
@@ -104,6 +104,17 @@ inline const std::string &PST_PlaceName(const PST_Set &set, uint32_t place)
 
 // Whether both hold the value and its bytes are the same.
 bool PST_IsSame(const PST_Entry &entry, const PST_Held &a, const PST_Held &b);
+
+// Reads a header: one thing a line, its names resolved through the loaded map and type map into
+// single values with their places. 0, or -1: the reasons are in *problems, each with its file and
+// line, and *set is of no use. Read anew whenever map, type map or processor change.
+int PST_ReadHeader(const std::string &path, PST_Set *set, PST_Problems *problems);
+
+// A value that says which symbols the loaded map has and where; 0 without a map. Two builds
+// with every symbol in its place have the same.
+uint32_t PST_MapStamp();
+// The same over everything that names and types depend on: map, type map and processor.
+uint32_t PST_SymbolsStamp();
 
 // How far a long step is. True: the user wishes to stop, which is done before the next block.
 struct PST_Progress {

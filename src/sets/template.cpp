@@ -1,3 +1,5 @@
+// A template is somebody's HTML with a few marks in it: whatever is no mark of ours is text. All
+// that is wrong is found before anything is written, with its line.
 #include "sets/template.h"
 
 #include "platform/plain_file.h"
@@ -7,7 +9,7 @@
 
 namespace {
 
-constexpr size_t PLACE_MAX = 40; // characters of a name
+constexpr size_t PLACE_MAX = 40; // characters of a mark, from its begin to where it closes
 
 struct BlockName {
     const char *name;
@@ -63,6 +65,7 @@ size_t MatchTag(const std::string &text, size_t at, const BlockName **block, boo
     return 0;
 }
 
+// Nothing for "": two marks may touch.
 void AddText(PST_Node *parent, const std::string &text)
 {
     if (text.empty())
@@ -82,6 +85,7 @@ void ParsePlace(Parser *parser, PST_Node *parent)
         parser->at += 2;
         return;
     }
+    // Kept also when it is unknown: the parsing goes on, and the template is refused in the end.
     PST_Node node;
     node.kind = PST_Node::PLACE;
     node.text = WRD_Trim(text.substr(parser->at + 2, close - parser->at - 2));
@@ -110,6 +114,7 @@ void ParseBlock(Parser *parser, PST_Node *parent)
         const BlockName *block = nullptr;
         bool isEnd = false;
         const size_t length = MatchTag(text, next, &block, &isEnd);
+        // Wrong marks are reported and passed over: a user sees all of them at once.
         if (text[next] == '{') {
             ParsePlace(parser, parent);
         } else if (length == 0) {

@@ -37,11 +37,6 @@ const TypeRow &RowOf(int32_t type)
     return TYPES[std::size(TYPES) - 1];
 }
 
-bool IsSigned(int32_t type)
-{
-    return type == ATP_I1 || type == ATP_I2 || type == ATP_I4;
-}
-
 float FloatOf(const PST_Bytes &bytes)
 {
     const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes.data(), 4));
@@ -102,7 +97,8 @@ double PST_Number(int32_t type, const PST_Bytes &bytes)
     // Two's complement by hand: sizes differ, and a cast would hide which one is meant.
     const uint64_t sign = uint64_t{1} << (8 * size - 1);
     const double value = static_cast<double>(bits);
-    return IsSigned(type) && (bits & sign) != 0 ? value - std::ldexp(1, 8 * size) : value;
+    const bool isSigned = RowOf(type).min < 0;
+    return isSigned && (bits & sign) != 0 ? value - std::ldexp(1, 8 * size) : value;
 }
 
 std::string PST_ValueText(const PST_Entry &entry, const PST_Bytes &bytes)

@@ -39,11 +39,7 @@ std::vector<std::string> AllGroups(const PST_Form &form)
     return names;
 }
 
-size_t CountMarked(const PST_Form &form, const std::string &group)
-{
-    return PST_ListEntries(form, group, true).size();
-}
-
+// A line without a value: -1 stands for the entry that a selected line would name.
 void AddHeading(const std::string &text)
 {
     int lines = 0;
@@ -63,6 +59,7 @@ std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
                                                : UIS_NORMAL;
     // Red only where both are known and differ: a value that nobody has read is no difference.
     const unsigned fileStyle = PST_IsOther(form, index) ? UIS_BOLD | UIS_WARNING : UIS_DIM;
+    // Only the first value of an array has the meaning in its column; the tip says it for each.
     std::string tip = a.text;
     if (a.isReadOnly)
         tip += (tip.empty() ? "" : "; ") + std::string("read-only");
@@ -109,13 +106,14 @@ void CFT_ShowGroups(const PST_Form &form)
     int selected = 0;
     for (size_t i = 0; i < groupNames.size(); ++i) {
         const std::string &name = groupNames[i];
+        // Indented below the groups they lie in, by the last part of their name.
         const size_t depth = static_cast<size_t>(std::count(name.begin(), name.end(), '/'));
         const size_t slash = name.rfind('/');
         const std::string last = name.empty()                 ? "All"
                                  : slash == std::string::npos ? name
                                                               : name.substr(slash + 1);
         const std::string label = std::string(depth * INDENT_BLANKS, ' ') + last;
-        const size_t marked = CountMarked(form, name);
+        const size_t marked = PST_ListEntries(form, name, true).size();
         const int line = static_cast<int>(i);
         InsertListItem(PANEL_CONFIG, CONFIG_GROUPS, -1, label, line);
         SetListCells(PANEL_CONFIG, CONFIG_GROUPS, line,
@@ -149,8 +147,7 @@ size_t CFT_ShowEntries(const PST_Form &form, bool isOnlyMarked)
     int line = 0;
     for (const uint32_t index : entries) {
         const PST_Item &item = form.set.items[form.set.entries[index].item];
-        // A table of thousands of lines would be filled for a second; groups are quicker to look
-        // at.
+        // A table of more lines would be filled for a second; groups are quicker to look at.
         if (static_cast<size_t>(line) >= CFT_ROWS_MAX)
             break;
         if (form.set.groups[item.group] != group) {
@@ -189,6 +186,7 @@ std::string CFT_LimitsText(const PST_Attributes &a)
 {
     if (!a.hasMin && !a.hasMax)
         return "";
+    // A negative factor turns the limits round.
     double low = a.min * a.factor, high = a.max * a.factor;
     bool hasLow = a.hasMin, hasHigh = a.hasMax;
     if (a.factor < 0) {

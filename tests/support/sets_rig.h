@@ -3,7 +3,7 @@
 #define TESTS_SUPPORT_SETS_RIG_H
 
 #include "sets/data.h"
-#include "sets/header.h"
+#include "sets/set.h"
 #include "sets/value.h"
 #include "support/console_rig.h"
 #include "symbols/mapfile.h"

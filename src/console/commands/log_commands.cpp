@@ -8,7 +8,6 @@
 #include "console/script/script_command.h"
 #include "logger/dlld.h"
 #include "logger/dlld_record.h"
-#include "logger/log_target.h"
 #include "settings/settings.h"
 #include "text/words.h"
 

@@ -8,7 +8,6 @@
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
 #include "runtime/userint.h"
-#include "sets/backup.h"
 #include "sets/listing.h"
 #include "sets/restore.h"
 #include "settings/settings.h"
