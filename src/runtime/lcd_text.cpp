@@ -1,3 +1,5 @@
+// A text, because a control holds one: so a display needs no kind of control of its own, and a
+// terminal prints its rows as they are.
 #include "runtime/lcd_text.h"
 
 #include <cstdio>
@@ -6,6 +8,7 @@ namespace {
 
 constexpr char MARK = '\x1E'; // in front of the line with the rest
 
+// Up to U+FFFF: a display's own characters lie at U+E000, its code pages below.
 void AddUtf8(std::string *text, char32_t code)
 {
     if (code < 0x80) {
@@ -38,7 +41,7 @@ void ParseRest(const std::string &text, LCT_Picture *picture)
         return;
     picture->isLit = light != 0;
     for (size_t i = 0; i < picture->glyphs.size(); ++i) {
-        unsigned line = 0;
+        unsigned line = 0; // two hexadecimal digits each
         const size_t at = static_cast<size_t>(length) + 2 * i;
         if (at + 2 > text.size() || std::sscanf(text.c_str() + at, "%2x", &line) != 1)
             return;

@@ -1,10 +1,11 @@
+// An escape is read as a whole or not at all: labels come from files and from the target too.
 #include "runtime/list_columns.h"
 
 #include <cstdlib>
 
 namespace {
 
-constexpr size_t DIGITS_MAX = 5;
+constexpr size_t DIGITS_MAX = 5; // of a place in pixels; more would not fit a number
 
 // The escape at `at`: its pixel and its length, or false.
 bool ParseEscape(const std::string &label, size_t at, int *pixels, size_t *length)

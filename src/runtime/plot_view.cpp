@@ -1,3 +1,5 @@
+// Everything here is a formula on copies: the model and a window each settle their own view after
+// each change, and because they do it alike neither needs to tell the other.
 #include "runtime/plot_view.h"
 
 #include <algorithm>
@@ -7,7 +9,9 @@ namespace {
 
 constexpr double MARGIN = 0.05;        // of the height, above and below a fitted curve
 constexpr double FINEST_SHARE = 1e-12; // of the value: below, neighbouring numbers coincide
-constexpr double WIDEST = 1e150;
+constexpr double WIDEST = 1e150;       // of a limit; its square is still a number
+constexpr double NARROWEST = 1e-300;
+constexpr double ROOM_SHARE = 0.01;    // of the value, on each side of a single one
 constexpr size_t SEARCHED_MAX = 20000; // samples of a curve that are looked at to fit its height
 
 struct Extent {
@@ -24,13 +28,15 @@ struct Extent {
     // A single value, or none, gets room around it.
     UI_Limits limits(double margin) const
     {
+        // Halved first: the sum of two large numbers may be none.
         const double center = isEmpty() ? 0.5 : low / 2 + high / 2;
         const double half = isEmpty() ? 0.5 : (high / 2 - low / 2) * (1 + 2 * margin);
-        const double room = half > 0 ? half : std::max(0.5, std::fabs(center) * 0.01);
+        const double room = half > 0 ? half : std::max(0.5, std::fabs(center) * ROOM_SHARE);
         return {center - room, center + room};
     }
 };
 
+// To the nearest sample of its plot. A cursor whose plot has gone stands on the first there is.
 void Snap(const std::vector<UI_Plot> &plots, UI_Cursor *cursor)
 {
     const UI_Plot *found = nullptr;
@@ -114,6 +120,7 @@ void PLV_MeasurePlot(UI_Plot *plot)
 
 void PLV_Settle(const std::vector<UI_Plot> &plots, UI_GraphView *view)
 {
+    // First across: which heights are in view depends on it. x rises, so its ends say all.
     Extent x, y[GRAPH_PANES_MAX];
     for (const UI_Plot &plot : plots) {
         if (!IsSeen(plot, *view))
@@ -123,12 +130,13 @@ void PLV_Settle(const std::vector<UI_Plot> &plots, UI_GraphView *view)
     }
     if (view->isXFitted)
         view->x = x.limits(0);
-    else if (view->isFollowing && !x.isEmpty())
+    else if (view->isFollowing && !x.isEmpty()) // the newest sample at the right edge
         view->x = {x.high - (view->x.max - view->x.min), x.high};
     for (const UI_Plot &plot : plots) {
         if (!view->isYFitted || !IsSeen(plot, *view))
             continue;
         const Extent heights = HeightsBetween(plot, view->x);
+        // Curves of one pane share their axis.
         Extent &own = y[PLV_PaneOf(*view, plot.pane)];
         own.add(heights.low);
         own.add(heights.high);
@@ -146,6 +154,6 @@ void PLV_Zoom(UI_Limits *limits, double share, double center)
                               center + (limits->max - center) * share};
     const double width = wished.max - wished.min;
     const double largest = std::max(std::fabs(wished.min), std::fabs(wished.max));
-    if (width > largest * FINEST_SHARE && width > 1e-300 && largest < WIDEST)
+    if (width > largest * FINEST_SHARE && width > NARROWEST && largest < WIDEST)
         *limits = wished;
 }

@@ -12,8 +12,9 @@
 namespace {
 
 constexpr int PORTS_MAX = 8;
-constexpr size_t QUEUE_BYTES = 512;
-constexpr double SECONDS_MAX = 1e6;
+constexpr size_t QUEUE_BYTES = 512; // the link asks for as much
+constexpr double SECONDS_MAX = 1e6; // in milliseconds it still fits the port's time-outs
+constexpr int DEVICE_NUMBER_MAX = 255;
 
 struct Com {
     int port = 0;
@@ -33,15 +34,6 @@ Com *FindCom(int port)
     return nullptr;
 }
 
-Com *FindFree()
-{
-    for (Com &com : coms) {
-        if (com.handle == SER_INVALID)
-            return &com;
-    }
-    return nullptr;
-}
-
 // "COM<n>" names the device of number n whatever number the caller gives the port;
 // no name at all is the port's own number. Negative: no such name.
 int DeviceNumber(int port, const char *deviceName)
@@ -52,7 +44,7 @@ int DeviceNumber(int port, const char *deviceName)
         !std::isdigit(static_cast<unsigned char>(deviceName[3])))
         return -1;
     const long number = std::strtol(deviceName + 3, nullptr, 10);
-    return number <= 255 ? static_cast<int>(number) : -1;
+    return number <= DEVICE_NUMBER_MAX ? static_cast<int>(number) : -1;
 }
 
 // Takes what arrived into the queue, waiting up to `waitMs` while the queue is empty.
@@ -60,13 +52,14 @@ int DeviceNumber(int port, const char *deviceName)
 int Fill(Com *com, unsigned waitMs)
 {
     if (com->used == 0)
-        com->head = 0;
+        com->head = 0; // it need not be a ring: it runs empty between two answers
     const size_t room = QUEUE_BYTES - com->head - com->used;
     const int got = room == 0 ? 0
                               : SER_ReadSome(com->handle, com->queue + com->head + com->used, room,
                                              com->used == 0 ? waitMs : 0);
     if (got > 0)
         com->used += static_cast<size_t>(got);
+    // What came before the port went away can still be read.
     return com->used == 0 && got < 0 ? COM_ERR_IO : static_cast<int>(com->used);
 }
 
@@ -77,7 +70,12 @@ int OpenComConfig(int port, const char *deviceName, long baud, int parity, int d
 {
     constexpr char PARITY[] = {'n', 'o', 'e'};
     const int device = DeviceNumber(port, deviceName);
-    Com *com = FindFree();
+    Com *com = nullptr; // a free one
+    for (Com &other : coms)
+        if (com == nullptr && other.handle == SER_INVALID)
+            com = &other;
+    // The sizes of the queues are taken for granted: the system's and ours hold what a line can
+    // bring between two reads.
     if (device < 0 || baud <= 0 || parity < 0 || parity > 2 || inputQueue < 0 || outputQueue < 0 ||
         FindCom(port) != nullptr || com == nullptr)
         return COM_ERR_ARGUMENT;
@@ -86,12 +84,12 @@ int OpenComConfig(int port, const char *deviceName, long baud, int parity, int d
     settings.parity = PARITY[parity];
     settings.dataBits = dataBits;
     settings.stopBits = stopBits;
-    Com fresh;
+    Com fresh; // takes the place when all of it has succeeded
     fresh.port = port;
     if (SER_Open(device, &fresh.handle) != SER_OK)
         return COM_ERR_OPEN;
     if (SER_Configure(fresh.handle, settings) != SER_OK) {
-        SER_Close(fresh.handle);
+        SER_Close(fresh.handle); // there, but no serial port
         return COM_ERR_OPEN;
     }
     SER_SetTimeouts(fresh.handle, fresh.timeoutMs, fresh.timeoutMs);
@@ -104,7 +102,7 @@ int SetComTime(int port, double seconds)
     Com *com = FindCom(port);
     if (com == nullptr || !(seconds >= 0 && seconds < SECONDS_MAX))
         return COM_ERR_ARGUMENT;
-    com->timeoutMs = static_cast<unsigned>(seconds * 1000.0 + 0.5);
+    com->timeoutMs = static_cast<unsigned>(seconds * 1000.0 + 0.5); // 0 waits for nothing
     return SER_SetTimeouts(com->handle, com->timeoutMs, com->timeoutMs) == SER_OK ? 0 : COM_ERR_IO;
 }
 
@@ -133,6 +131,7 @@ int ComRdByte(int port)
     Com *com = FindCom(port);
     if (com == nullptr)
         return COM_ERR_ARGUMENT;
+    // Only an empty queue is worth a call of the system.
     if (com->used == 0) {
         const int waiting = Fill(com, com->timeoutMs);
         if (waiting <= 0)
@@ -147,7 +146,7 @@ int FlushInQ(int port)
     Com *com = FindCom(port);
     if (com == nullptr)
         return COM_ERR_ARGUMENT;
-    com->used = 0;
+    com->used = 0; // our part of the queue and the system's
     return SER_DropInput(com->handle) == SER_OK ? 0 : COM_ERR_IO;
 }
 

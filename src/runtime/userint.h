@@ -15,56 +15,71 @@
 #include <string>
 #include <vector>
 
-// clang-format off
 enum UI_Error {
     UIE_NO_PANEL = -4,
     UIE_NO_CONTROL = -13,
     UIE_NO_ITEM = -23,
     UIE_BAD_ATTRIBUTE = -41,
-    UIE_BAD_TYPE = -42,   // the control's kind does not know this call or value
+    UIE_BAD_TYPE = -42, // the control's kind does not know this call or value
     UIE_BAD_INDEX = -47,
     UIE_NOT_LOADED = -56, // the panel exists but LoadPanel was not called
 };
 
 enum UI_Event {
-    EVENT_COMMIT = 1,             // button pressed, switch toggled, Enter in a field, ring chosen
-    EVENT_VAL_CHANGED = 2,        // value or selection changed by the user
+    EVENT_COMMIT = 1,      // button pressed, switch toggled, Enter in a field, ring chosen
+    EVENT_VAL_CHANGED = 2, // value or selection changed by the user
     EVENT_LEFT_DOUBLE_CLICK = 3,
     EVENT_RIGHT_CLICK = 4,
-    EVENT_KEYPRESS = 5,           // data = key code below, of those in the panel's key table
-    EVENT_CLOSE = 6,              // panel: the user asks the window to close
-    EVENT_PANEL_SIZE = 7,         // panel: the user has resized the window
-    EVENT_DROPPED = 8,            // list: a line was dragged; data = source * 65536 + target
-    EVENT_ACTIVATED = 9,          // panel: the user has turned to its window
-    EVENT_CELL_EDITED = 10,       // list: see GetEditedCell; data = column
+    EVENT_KEYPRESS = 5,     // data = key code below, of those in the panel's key table
+    EVENT_CLOSE = 6,        // panel: the user asks the window to close
+    EVENT_PANEL_SIZE = 7,   // panel: the user has resized the window
+    EVENT_DROPPED = 8,      // list: a line was dragged; data = source * 65536 + target
+    EVENT_ACTIVATED = 9,    // panel: the user has turned to its window
+    EVENT_CELL_EDITED = 10, // list: see GetEditedCell; data = column
     EVENT_TIMER_TICK = 15,
 };
 
 // Key codes: a printable ASCII character, or one of these; modifiers are ORed in.
 enum UI_Key {
-    KEY_ENTER = 0x100, KEY_ESC, KEY_TAB, KEY_UP, KEY_DOWN, KEY_LEFT, KEY_RIGHT, KEY_PAGE_UP,
-    KEY_PAGE_DOWN, KEY_HOME, KEY_END, KEY_INSERT, KEY_DELETE, KEY_BACKSPACE,
+    KEY_ENTER = 0x100,
+    KEY_ESC,
+    KEY_TAB,
+    KEY_UP,
+    KEY_DOWN,
+    KEY_LEFT,
+    KEY_RIGHT,
+    KEY_PAGE_UP,
+    KEY_PAGE_DOWN,
+    KEY_HOME,
+    KEY_END,
+    KEY_INSERT,
+    KEY_DELETE,
+    KEY_BACKSPACE,
     KEY_F1 = 0x120, // KEY_F1 + n - 1 for Fn
-    KEY_SHIFT = 0x1000, KEY_CTRL = 0x2000, KEY_ALT = 0x4000,
+    KEY_SHIFT = 0x1000,
+    KEY_CTRL = 0x2000,
+    KEY_ALT = 0x4000,
 };
 
 enum UI_Attribute {
-    ATTR_DIMMED = 1,          // control, menu or menu item
-    ATTR_VISIBLE = 2,         // control or panel
-    ATTR_CHECKED = 3,         // menu item
-    ATTR_TEXT_COLOR = 4,      // control; 0xRRGGBB
-    ATTR_INTERVAL = 5,        // timer; seconds (double)
+    ATTR_DIMMED = 1,             // control, menu or menu item
+    ATTR_VISIBLE = 2,            // control or panel
+    ATTR_CHECKED = 3,            // menu item
+    ATTR_TEXT_COLOR = 4,         // control; 0xRRGGBB
+    ATTR_INTERVAL = 5,           // timer; seconds (double)
     ATTR_FIRST_VISIBLE_LINE = 6, // list, text box
-    ATTR_LEFT = 7, ATTR_TOP = 8, ATTR_WIDTH = 9, ATTR_HEIGHT = 10, // panel, control; pixels
-    ATTR_SIZABLE = 11,        // panel
-    ATTR_TITLE = 12,          // panel; text
-    ATTR_LABEL_TEXT = 13,     // control; text of its label or button
-    ATTR_CTRL_MODE = 14,      // text or number field; 1 the user may type, 0 shows only
-    ATTR_TOOLTIP_TEXT = 15,   // control; text
-    ATTR_IS_PLACED = 16,      // panel, reading only; 1 once its place and size are the user's
-    ATTR_LINES_IN_VIEW = 17,  // list, text box, reading only; 0 while the view has not said
+    ATTR_LEFT = 7,               // this and the next three: panel, control; pixels
+    ATTR_TOP = 8,
+    ATTR_WIDTH = 9,
+    ATTR_HEIGHT = 10,
+    ATTR_SIZABLE = 11,       // panel
+    ATTR_TITLE = 12,         // panel; text
+    ATTR_LABEL_TEXT = 13,    // control; text of its label or button
+    ATTR_CTRL_MODE = 14,     // text or number field; 1 the user may type, 0 shows only
+    ATTR_TOOLTIP_TEXT = 15,  // control; text
+    ATTR_IS_PLACED = 16,     // panel, reading only; 1 once its place and size are the user's
+    ATTR_LINES_IN_VIEW = 17, // list, text box, reading only; 0 while the view has not said
 };
-// clang-format on
 
 typedef int (*PanelCallback)(int panel, int event, int data);
 typedef int (*CtrlCallback)(int panel, int control, int event, int data);
@@ -152,7 +167,7 @@ int SetListItemTip(int panel, int control, int index, const std::string &tip);
 // cells of a line are the columns of its label until SetListCells gives others, and again
 // after the line's label has been replaced. Several lines can be selected; the one with the
 // keyboard is GetCtrlIndex's.
-enum UI_Align { UIA_LEFT, UIA_RIGHT, UIA_CENTER, UIA_POINT /* decimal points in one line */ };
+enum UI_Align { UIA_LEFT, UIA_RIGHT, UIA_POINT /* decimal points in one line */ };
 struct UI_Column {
     std::string title;
     int width = 0; // pixels; 0 = as wide as its texts
@@ -206,10 +221,10 @@ struct UI_Plot {
     int handle = 0;  // PlotXY's
     UI_Samples x, y; // of one length
     std::string name, unit;
-    int color = -1; // 0xRRGGBB as on a light ground; -1 = by its place
-    bool isDashed = false;  // a curve to compare with
-    bool isVisible = true;  // the user may hide and show it in the legend
-    int pane = 0;           // from 0 to GRAPH_PANES_MAX - 1
+    int color = -1;           // 0xRRGGBB as on a light ground; -1 = by its place
+    bool isDashed = false;    // a curve to compare with
+    bool isVisible = true;    // the user may hide and show it in the legend
+    int pane = 0;             // from 0 to GRAPH_PANES_MAX - 1
     double low = 0, high = 0; // of y, found when it is handed over; low > high: gaps alone
 };
 enum { GRAPH_CURSORS = 2, GRAPH_PLOTS_MAX = 64, GRAPH_PANES_MAX = 32 };
@@ -331,6 +346,6 @@ int GetViewLayouts(std::vector<UI_Layout> *layouts);
 int ShowHelpText(const std::string &path);
 int ClipboardPutText(const std::string &text);
 int ClipboardGetText(std::string *text); // the view is asked for it; 0, or -1: there is none
-int Beep(); // the desktop's sound, or the terminal's bell
+int Beep();                              // the desktop's sound, or the terminal's bell
 
 #endif

@@ -270,6 +270,15 @@ struct VIEW_Event {
     void (*call)() = nullptr;
     uint32_t seen = 0; // the door's stamp, whatever the poster writes
 };
+inline VIEW_Event VIEW_MakeEvent(VIEW_EventKind kind, int panel = 0, int control = 0, int event = 0)
+{
+    VIEW_Event made;
+    made.kind = kind;
+    made.event = event;
+    made.panel = panel;
+    made.control = control;
+    return made;
+}
 // Never waits. Values of one control that follow each other become one event. False when
 // the event was refused: the program is busy and VIEW_EVENTS_MAX others wait; what was
 // clicked goes back to what it was. Values, answers and urgent events are never refused.

@@ -1,3 +1,6 @@
+// The terminal's view. It runs on the program's thread: VIEW_Wake, which the model calls when it
+// has handed something over, fetches and prints at once, and an answer is in the queue before the
+// question that waits for it looks there the first time.
 #include "runtime/headless/headless.h"
 
 #include <algorithm>
@@ -16,10 +19,11 @@ struct Answer {
 };
 
 struct Headless {
-    std::FILE *out = stdout;
+    std::FILE *out = stdout; // null = silent
     std::FILE *err = stderr;
     bool isProgressShown = false;
-    int cancelAt = 0; // progress updates until the user presses Cancel
+    int cancelAt = 0;      // progress updates until the user presses Cancel
+    int knownProgress = 0; // the box that was drawn last
     std::deque<Answer> answers;
     HL_DefaultAnswer defaultAnswer = HL_ANSWER_SAFE;
     bool (*readLine)(std::string *line) = nullptr;
@@ -87,6 +91,7 @@ int FindButton(const std::vector<std::string> &buttons, const std::string &line)
     return 0;
 }
 
+// Enter alone takes what is proposed, hence cancelling needs a sign of its own.
 Answer AskForText(const VIEW_Question &question)
 {
     std::string line;
@@ -96,12 +101,26 @@ Answer AskForText(const VIEW_Question &question)
     return {1, line.empty() ? question.text : line};
 }
 
-Answer AskForButton(const std::vector<std::string> &buttons)
+Answer AskAtTerminal(const VIEW_Question &question)
 {
-    std::string choice, line;
+    std::string line;
+    if (question.kind == VIEW_FILE) // the title is all that a file question says
+        PrintForPerson(question.title + ": ");
+    if (question.kind == VIEW_FILE || question.hasEntry)
+        return AskForText(question);
+    if (question.kind == VIEW_MESSAGE) {
+        // A message waits to be read. After an error there is nothing to be done but to go on.
+        if (question.title != "Error") {
+            PrintForPerson("(Enter) ");
+            headless.readLine(&line);
+        }
+        return {1, ""};
+    }
+    const std::vector<std::string> buttons = ButtonsOf(question);
+    std::string choice;
     for (size_t i = 0; i < buttons.size(); i++)
         choice += (i > 0 ? ", " : "") + std::to_string(i + 1) + " " + WithoutMark(buttons[i]);
-    for (;;) {
+    for (;;) { // until it is one of them, or the input ends
         PrintForPerson("(" + choice + ") ");
         if (!headless.readLine(&line))
             return {};
@@ -110,36 +129,19 @@ Answer AskForButton(const std::vector<std::string> &buttons)
     }
 }
 
-Answer AskAtTerminal(const VIEW_Question &question)
-{
-    if (question.kind == VIEW_FILE) {
-        PrintForPerson(question.title + ": ");
-        return AskForText(question);
-    }
-    if (question.hasEntry)
-        return AskForText(question);
-    if (question.kind != VIEW_MESSAGE)
-        return AskForButton(ButtonsOf(question));
-    std::string line;
-    if (question.title != "Error") { // there is nothing to be done before one goes on
-        PrintForPerson("(Enter) ");
-        headless.readLine(&line);
-    }
-    return {1, ""};
-}
-
 // Nobody is there to type: pressing "again" with the old text could go on for ever.
 Answer AnswerAlone(const VIEW_Question &question)
 {
     const std::vector<std::string> buttons = ButtonsOf(question);
     const int count = static_cast<int>(buttons.size());
-    int button = 0;
+    int button = 0; // closed
     if (question.hasEntry || question.kind == VIEW_FILE)
         button = 0;
     else if (headless.defaultAnswer == HL_ANSWER_YES)
         button = 1;
     else if (headless.defaultAnswer == HL_ANSWER_NO || question.kind == VIEW_CONFIRM)
         button = std::min(2, count);
+    // With --yes or --no whoever started the program knows; a safe answer is to be seen in a log.
     const std::string name =
         button == 0 ? "cancelled" : WithoutMark(buttons[static_cast<size_t>(button) - 1]);
     if (question.kind != VIEW_FILE && headless.defaultAnswer == HL_ANSWER_SAFE)
@@ -149,6 +151,9 @@ Answer AnswerAlone(const VIEW_Question &question)
 
 Answer FindAnswer(const VIEW_Question &question)
 {
+    if (question.kind == VIEW_CLIPBOARD)
+        return {1, headless.clipboard};
+    // Messages use up no answer of a test's queue.
     if (question.kind == VIEW_MESSAGE && !headless.readLine)
         return {1, ""};
     if (question.kind != VIEW_MESSAGE && !headless.answers.empty()) {
@@ -162,14 +167,14 @@ Answer FindAnswer(const VIEW_Question &question)
 
 void OnQuestion(const VIEW_Question &question)
 {
-    const bool isClipboard = question.kind == VIEW_CLIPBOARD;
-    if (!isClipboard)
-        headless.popups.push_back(question.title + ": " + question.message);
-    if (question.kind != VIEW_FILE && !isClipboard)
-        PrintForPerson(question.title + ": " + question.message + "\n");
-    const Answer answer = isClipboard ? Answer{1, headless.clipboard} : FindAnswer(question);
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_ANSWER;
+    // Nobody is asked for the clipboard, and a file's question is printed where one types.
+    const std::string text = question.title + ": " + question.message;
+    if (question.kind != VIEW_CLIPBOARD)
+        headless.popups.push_back(text);
+    if (question.kind != VIEW_CLIPBOARD && question.kind != VIEW_FILE)
+        PrintForPerson(text + "\n");
+    const Answer answer = FindAnswer(question);
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_ANSWER);
     event.id = question.id;
     event.button = answer.button;
     event.text = answer.text;
@@ -180,38 +185,33 @@ void OnQuestion(const VIEW_Question &question)
 
 void OnProgress(const VIEW_Progress &box)
 {
+    // One line written over and over; blanks behind the text wipe out a longer one.
     if (headless.err && headless.isProgressShown) {
         std::fprintf(headless.err, "\r%s %3d %% %-40s%s", box.title.c_str(),
                      box.isGone ? 100 : box.percent, box.isGone ? "" : box.text.c_str(),
                      box.isGone ? "\n" : "");
         std::fflush(headless.err);
     }
-}
-
-void CancelInTime(int progress)
-{
-    if (headless.cancelAt == 0 || --headless.cancelAt > 0)
+    // Cancelled by a test at one of its updates: not by the change that opens the box, nor by
+    // the one that takes it away.
+    const bool isUpdate = box.id == headless.knownProgress && !box.isGone;
+    headless.knownProgress = box.id;
+    if (!isUpdate || headless.cancelAt == 0 || --headless.cancelAt > 0)
         return;
     headless.cancelAt = 1; // whoever starts again is cancelled again
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_CANCEL;
-    event.id = progress;
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_CANCEL);
+    event.id = box.id;
     VIEW_Post(event);
 }
 
 void OnBatch(const VIEW_Batch &batch)
 {
+    // Of all that a window would show, a terminal has the console's text alone.
     for (const VIEW_TextBox &box : batch.boxes)
         if (box.panel == UI_nPrintPanel && box.control == UI_nPrintControl)
             Print(headless.out, box.text);
-    for (const VIEW_Progress &box : batch.progress) {
+    for (const VIEW_Progress &box : batch.progress)
         OnProgress(box);
-        // The first change of a box opens it, the last takes it away.
-        static int known = 0;
-        if (box.id == known && !box.isGone)
-            CancelInTime(box.id);
-        known = box.id;
-    }
     if (batch.popupMenu != 0)
         headless.popupMenu = batch.popupMenu;
     if (!batch.helpFile.empty())
@@ -220,7 +220,7 @@ void OnBatch(const VIEW_Batch &batch)
         std::fputs("\a", stderr);
     if (batch.hasClipboard)
         headless.clipboard = batch.clipboard;
-    if (batch.question.id != 0)
+    if (batch.question.id != 0) // behind all the text it may be about
         OnQuestion(batch.question);
 }
 
@@ -231,8 +231,9 @@ void OnBatch(const VIEW_Batch &batch)
 void VIEW_Wake()
 {
     VIEW_Batch batch;
-    while (VIEW_Fetch(&batch))
+    while (VIEW_Fetch(&batch)) // an answer may have changed something again
         OnBatch(batch);
+    // In the middle of a callback more follows at once, and a pipe is quicker in large pieces.
     if (headless.out && MDL_GetState().depth == 0)
         std::fflush(headless.out);
 }
@@ -328,7 +329,7 @@ bool HL_IsQuit()
 
 bool HL_IsEndWished()
 {
-    if (DOOR_TakeInterrupt())
+    if (DOOR_TakeInterrupt()) // nobody will press Ctrl-C a second time at a prompt
         DOOR_OnSignal(false);
     ProcessSystemEvents();
     return HL_IsQuit();
@@ -351,7 +352,8 @@ int HL_WaitTimer(int panel, int control, bool (*isStopped)())
         ProcessSystemEvents();
         return HL_IsQuit() || (isStopped && isStopped());
     };
-    const unsigned total = static_cast<unsigned>(std::clamp(seconds, 0.0, 3600.0) * 1000.0);
+    constexpr double WAIT_MAX_S = 3600;
+    const auto total = static_cast<unsigned>(std::clamp(seconds, 0.0, WAIT_MAX_S) * 1000.0);
     for (unsigned done = 0; done < total && !isOver(); done += SLICE_MS)
         PLT_SleepMs(std::min(SLICE_MS, total - done));
     return isOver() ? 0 : HL_FireTimer(panel, control);

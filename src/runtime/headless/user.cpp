@@ -1,4 +1,6 @@
-// What a user does (clicks, types, resizes) and what a user sees.
+// What a user does (clicks, types, resizes) and what a user sees. Acting goes the way of a
+// window's events, through the door; seeing looks straight into the model, because a test wants
+// to know what is there now and not what the last batch brought.
 #include "runtime/headless/headless.h"
 
 #include <algorithm>
@@ -25,27 +27,18 @@ VIEW_LineRef RefTo(const MDL_Control &list, int index)
                     : VIEW_LineRef();
 }
 
-// An event of the control with the value it has now.
-VIEW_Event EventOf(const MDL_Control &control, int event)
-{
-    VIEW_Event made;
-    made.event = event;
-    made.panel = control.row->panel;
-    made.control = control.row->control;
-    made.value = control.state.value;
-    made.number = control.state.number;
-    made.text = control.state.text;
-    made.line = RefTo(control, control.current);
-    for (const int index : control.selected)
-        made.selected.push_back(RefTo(control, index));
-    return made;
-}
-
-// Makes the event of a control, lets `fill` set what is special, and posts it.
+// Makes an event of the control with the value it has now, lets `fill` set what is special, and
+// posts it. Nothing is posted that no window could do.
 template <class Fill> int Act(int panel, int control, int event, Fill fill)
 {
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        VIEW_Event made = EventOf(*c, event);
+        VIEW_Event made = VIEW_MakeEvent(VIEW_EVENT_CONTROL, panel, control, event);
+        made.value = c->state.value;
+        made.number = c->state.number;
+        made.text = c->state.text;
+        made.line = RefTo(*c, c->current);
+        for (const int index : c->selected)
+            made.selected.push_back(RefTo(*c, index));
         const int error = fill(*c, &made);
         return error < 0 ? error : PostAndHandle(made);
     });
@@ -54,16 +47,13 @@ template <class Fill> int Act(int panel, int control, int event, Fill fill)
 int PanelEvent(int panel, int event, int value)
 {
     return MDL_OnPanel(panel, [&](MDL_Panel *) {
-        VIEW_Event made;
-        made.kind = VIEW_EVENT_PANEL;
-        made.panel = panel;
-        made.event = event;
+        VIEW_Event made = VIEW_MakeEvent(VIEW_EVENT_PANEL, panel, 0, event);
         made.value = value;
         return PostAndHandle(made);
     });
 }
 
-// What the widget does by itself with a key that is in no table.
+// What the widget does by itself with a key that is in no table. Only what the program hears of.
 void OwnKeyAction(MDL_Control *c, int key)
 {
     const int panel = c->row->panel, control = c->row->control;
@@ -73,11 +63,11 @@ void OwnKeyAction(MDL_Control *c, int key)
         if (last >= 0 && std::clamp(wanted, 0, last) != c->current)
             HL_SelectLine(panel, control, std::clamp(wanted, 0, last));
     }
-    if (key == KEY_ENTER &&
-        (c->row->kind == UIK_STRING || c->row->kind == UIK_NUMBER || c->row->kind == UIK_LIST))
+    if (key == KEY_ENTER && MDL_IsKind(*c, {UIK_STRING, UIK_NUMBER, UIK_LIST}))
         HL_CommitControl(panel, control);
 }
 
+// Items that have come at run time may have a key too: the model knows them all.
 int ClickShortcut(int key)
 {
     for (const MDL_Item &item : MDL_GetState().items)
@@ -86,16 +76,15 @@ int ClickShortcut(int key)
     return 0;
 }
 
+// 1 when the control has swallowed the key, 0 when it goes on to the panel.
 int PressInControl(MDL_Control *c, int key)
 {
     const int panel = c->row->panel, control = c->row->control;
+    // The keyboard cannot get there at all.
     if (c->state.isDimmed || !c->state.isVisible)
         return HL_DIMMED;
-    VIEW_Event focus;
-    focus.kind = VIEW_EVENT_FOCUS;
-    focus.panel = panel;
-    focus.control = control;
-    PostAndHandle(focus);
+    // A window gives a key only to what has the keyboard.
+    PostAndHandle(VIEW_MakeEvent(VIEW_EVENT_FOCUS, panel, control));
     const UI_KeyRow *row = UI_FindKey(panel, control, key);
     if (row)
         HL_Event(panel, control, EVENT_KEYPRESS, key);
@@ -112,19 +101,18 @@ int HL_ClickMenu(int item)
     const MDL_Item *found = MDL_FindItem(item);
     if (!found)
         return UIE_NO_ITEM;
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_MENU;
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_MENU);
     event.item = item;
-    event.value = found->state.isChecked;
+    event.value = found->state.isChecked; // the mark as the user sees it
     return PostAndHandle(event);
 }
 
 int HL_Event(int panel, int control, int event, int data)
 {
-    return Act(panel, control, event, [&](const MDL_Control &c, VIEW_Event *made) {
+    return Act(panel, control, event, [&](const MDL_Control &c, VIEW_Event *made) -> int {
         if (event == EVENT_KEYPRESS)
             made->value = data;
-        if (event == EVENT_DROPPED) {
+        if (event == EVENT_DROPPED) { // two lines in one number, as the callback gets them
             made->line = RefTo(c, data / 65536);
             made->target = RefTo(c, data % 65536);
         }
@@ -147,23 +135,25 @@ int HL_Toggle(int panel, int control)
 
 int HL_SetUserVal(int panel, int control, int value)
 {
-    return Act(panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) {
-        made->value = value;
-        made->number = value;
-        made->line = RefTo(c, value);
-        made->selected.clear();
-        const UI_Kind kind = c.row->kind;
-        const bool isFitting = kind == UIK_SWITCH || kind == UIK_NUMBER || MDL_HasLines(c);
-        return isFitting ? 0 : static_cast<int>(UIE_BAD_TYPE);
-    });
+    return Act(
+        panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) -> int {
+            // Whichever of them the kind of control looks at.
+            made->value = value;
+            made->number = value;
+            made->line = RefTo(c, value);
+            made->selected.clear();
+            const bool isFitting = MDL_IsKind(c, {UIK_SWITCH, UIK_NUMBER, UIK_LIST, UIK_RING});
+            return isFitting ? 0 : UIE_BAD_TYPE;
+        });
 }
 
 int HL_SetUserVal(int panel, int control, const std::string &text)
 {
-    return Act(panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) {
-        made->text = text;
-        return c.row->kind == UIK_STRING ? 0 : static_cast<int>(UIE_BAD_TYPE);
-    });
+    return Act(panel, control, EVENT_VAL_CHANGED,
+               [&](const MDL_Control &c, VIEW_Event *made) -> int {
+                   made->text = text;
+                   return c.row->kind == UIK_STRING ? 0 : UIE_BAD_TYPE;
+               });
 }
 
 int HL_SelectLine(int panel, int control, int index)
@@ -173,46 +163,53 @@ int HL_SelectLine(int panel, int control, int index)
 
 int HL_SelectLines(int panel, int control, const std::vector<int> &indices)
 {
-    return Act(panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) {
-        made->selected.clear();
-        for (const int index : indices)
-            if (RefTo(c, index).index < 0)
-                return static_cast<int>(MDL_HasLines(c) ? UIE_BAD_INDEX : UIE_BAD_TYPE);
-            else
+    return Act(
+        panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) -> int {
+            made->selected.clear();
+            for (const int index : indices) {
+                if (RefTo(c, index).index < 0)
+                    return MDL_HasLines(c) ? UIE_BAD_INDEX : UIE_BAD_TYPE;
                 made->selected.push_back(RefTo(c, index));
-        made->line = indices.empty() ? VIEW_LineRef() : made->selected.front();
-        if (c.row->kind == UIK_RING && made->line.index >= 0)
-            made->value = c.lines[static_cast<size_t>(made->line.index)].value;
-        return 0;
-    });
+            }
+            // The first has the keyboard; no line at all takes the selection away.
+            made->line = indices.empty() ? VIEW_LineRef() : made->selected.front();
+            if (c.row->kind == UIK_RING && made->line.index >= 0) // a ring tells the entry's value
+                made->value = c.lines[static_cast<size_t>(made->line.index)].value;
+            return 0;
+        });
 }
 
 int HL_SetGraphView(int panel, int control, const UI_GraphView &view)
 {
-    return Act(panel, control, EVENT_VAL_CHANGED, [&](const MDL_Control &c, VIEW_Event *made) {
-        made->view = std::make_shared<const UI_GraphView>(view);
-        return c.row->kind == UIK_GRAPH ? 0 : static_cast<int>(UIE_BAD_TYPE);
-    });
+    return Act(panel, control, EVENT_VAL_CHANGED,
+               [&](const MDL_Control &c, VIEW_Event *made) -> int {
+                   // As dragging and zooming would leave it; whether it is a good one the model
+                   // looks.
+                   made->view = std::make_shared<const UI_GraphView>(view);
+                   return c.row->kind == UIK_GRAPH ? 0 : UIE_BAD_TYPE;
+               });
 }
 
 int HL_EditCell(int panel, int control, int index, int column, const std::string &text)
 {
-    return Act(panel, control, EVENT_CELL_EDITED, [&](const MDL_Control &c, VIEW_Event *made) {
-        made->line = RefTo(c, index);
-        made->column = column;
-        made->text = text;
-        return made->line.index < 0 ? static_cast<int>(UIE_BAD_INDEX) : 0;
-    });
+    return Act(panel, control, EVENT_CELL_EDITED,
+               [&](const MDL_Control &c, VIEW_Event *made) -> int {
+                   made->line = RefTo(c, index);
+                   made->column = column;
+                   made->text = text;
+                   return made->line.index < 0 ? UIE_BAD_INDEX : 0;
+               });
 }
 
 int HL_Key(int panel, int control, int key)
 {
     if (control != 0) {
-        const int result = MDL_OnControl(
-            panel, control, [&](MDL_Control *c) -> int { return PressInControl(c, key); });
+        const int result =
+            MDL_OnControl(panel, control, [&](MDL_Control *c) { return PressInControl(c, key); });
         if (result != 0)
             return result;
     }
+    // The control has left the key: next the panel's row of the key table, then the menu.
     if (const UI_KeyRow *row = UI_FindKey(panel, 0, key)) {
         const int result = PanelEvent(panel, EVENT_KEYPRESS, key);
         return result < 0 || row->isSwallowed ? result : ClickShortcut(key);
@@ -220,6 +217,7 @@ int HL_Key(int panel, int control, int key)
     return ClickShortcut(key);
 }
 
+// Asked to close, as by its cross: what comes of it the panel's callback says.
 int HL_ClosePanel(int panel)
 {
     return PanelEvent(panel, EVENT_CLOSE, 0);
@@ -233,10 +231,7 @@ int HL_ActivatePanel(int panel)
 int HL_ResizePanel(int panel, int height, int width)
 {
     return MDL_OnPanel(panel, [&](MDL_Panel *p) {
-        VIEW_Event event;
-        event.kind = VIEW_EVENT_PANEL;
-        event.event = EVENT_PANEL_SIZE;
-        event.panel = panel;
+        VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_PANEL, panel, 0, EVENT_PANEL_SIZE);
         event.rect = p->state.rect;
         event.rect.height = height;
         event.rect.width = width;
@@ -272,7 +267,7 @@ std::string HL_GetTip(int panel, int control, int index)
 std::vector<int> HL_GetMenuItems(int menu)
 {
     std::vector<int> items;
-    for (const MDL_Item &item : MDL_GetState().items)
+    for (const MDL_Item &item : MDL_GetState().items) // separators have no number
         if (item.state.menu == menu && item.state.item != 0)
             items.push_back(item.state.item);
     return items;
@@ -296,5 +291,5 @@ std::vector<std::string> HL_Complete(int panel, int control)
     const MDL_Control *c = MDL_FindControl(panel, control, &error);
     if (!c || !c->completion)
         return {};
-    return c->completion(panel, control, c->state.text);
+    return c->completion(panel, control, c->state.text); // as a window would ask while one types
 }

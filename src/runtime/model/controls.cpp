@@ -7,13 +7,8 @@
 
 namespace {
 
-constexpr double INTERVAL_MIN_S = 0.001;
-constexpr double INTERVAL_MAX_S = 86400;
-
-bool IsKind(const MDL_Control &control, std::initializer_list<UI_Kind> kinds)
-{
-    return std::find(kinds.begin(), kinds.end(), control.row->kind) != kinds.end();
-}
+constexpr double INTERVAL_MIN_S = 0.001; // shorter ones would leave no time between ticks
+constexpr double INTERVAL_MAX_S = 86400; // a day
 
 // Setting what is there already changes nothing, not even for an event that crosses it.
 template <class Value> int SetValue(MDL_Control *c, Value *field, const Value &value)
@@ -25,6 +20,7 @@ template <class Value> int SetValue(MDL_Control *c, Value *field, const Value &v
     return 0;
 }
 
+// A program's number beyond the bounds is as good as the bound: no field could show it.
 int SetNumber(MDL_Control *c, double value)
 {
     if (c->min < c->max)
@@ -32,6 +28,7 @@ int SetNumber(MDL_Control *c, double value)
     return SetValue(c, &c->state.number, value);
 }
 
+// The first entry of that value; entries are chosen by value, not by place.
 int SetRing(MDL_Control *ring, int value)
 {
     const auto found = std::find_if(ring->lines.begin(), ring->lines.end(),
@@ -42,41 +39,30 @@ int SetRing(MDL_Control *ring, int value)
                         static_cast<int>(found - ring->lines.begin()));
 }
 
-struct IntAttribute {
-    int attribute;
-    int *field;
-    unsigned mask;
-};
-struct FlagAttribute {
-    int attribute;
-    bool *field;
-    unsigned mask;
+// An attribute of whole numbers: where it stands and what of the view it changes. `number` or
+// `flag`, or neither where the control has no such attribute.
+struct Look {
+    int *number = nullptr;
+    bool *flag = nullptr;
+    unsigned mask = 0;
 };
 
-IntAttribute FindInt(MDL_Control *c, int attribute)
+Look FindLook(MDL_Control *c, int attribute)
 {
     VIEW_Control &s = c->state;
-    const IntAttribute rows[] = {{ATTR_TEXT_COLOR, &s.color, VIEW_CTRL_COLOR},
-                                 {ATTR_LEFT, &s.rect.left, VIEW_CTRL_RECT},
-                                 {ATTR_TOP, &s.rect.top, VIEW_CTRL_RECT},
-                                 {ATTR_WIDTH, &s.rect.width, VIEW_CTRL_RECT},
-                                 {ATTR_HEIGHT, &s.rect.height, VIEW_CTRL_RECT}};
-    for (const IntAttribute &row : rows)
-        if (row.attribute == attribute)
-            return row;
-    return {attribute, nullptr, 0};
-}
-
-FlagAttribute FindFlag(MDL_Control *c, int attribute)
-{
-    VIEW_Control &s = c->state;
-    if (attribute == ATTR_DIMMED)
-        return {attribute, &s.isDimmed, VIEW_CTRL_DIMMED};
-    if (attribute == ATTR_VISIBLE)
-        return {attribute, &s.isVisible, VIEW_CTRL_VISIBLE};
-    if (attribute == ATTR_CTRL_MODE && IsKind(*c, {UIK_STRING, UIK_NUMBER, UIK_TEXTBOX}))
-        return {attribute, &s.canType, VIEW_CTRL_MODE};
-    return {attribute, nullptr, 0};
+    const bool isTyped = MDL_IsKind(*c, {UIK_STRING, UIK_NUMBER, UIK_TEXTBOX});
+    switch (attribute) {
+    case ATTR_DIMMED:
+        return {nullptr, &s.isDimmed, VIEW_CTRL_DIMMED};
+    case ATTR_VISIBLE:
+        return {nullptr, &s.isVisible, VIEW_CTRL_VISIBLE};
+    case ATTR_CTRL_MODE:
+        return {nullptr, isTyped ? &s.canType : nullptr, VIEW_CTRL_MODE};
+    case ATTR_TEXT_COLOR:
+        return {&s.color, nullptr, VIEW_CTRL_COLOR};
+    default:
+        return {MDL_FindEdge(&s.rect, attribute), nullptr, VIEW_CTRL_RECT};
+    }
 }
 
 std::string *FindText(MDL_Control *c, int attribute, unsigned *mask)
@@ -88,6 +74,7 @@ std::string *FindText(MDL_Control *c, int attribute, unsigned *mask)
     return isLabel ? &c->state.label : &c->state.tooltip;
 }
 
+// A look is the program's alone: no event crosses it, so the value's stamp stays.
 template <class Value> void SetLook(MDL_Control *c, Value *field, const Value &value, unsigned mask)
 {
     if (*field == value)
@@ -97,24 +84,21 @@ template <class Value> void SetLook(MDL_Control *c, Value *field, const Value &v
     MDL_FlushNowAndThen();
 }
 
-int CountLines(const MDL_Control &c)
-{
-    return static_cast<int>(c.row->kind == UIK_TEXTBOX ? c.box.size() : c.lines.size());
-}
-
-// The last line that can stand on top.
+// The last line that can stand on top: the view scrolls no further than to a full window.
 int LastFirst(const MDL_Control &c)
 {
-    return std::max(0, CountLines(c) - std::max(1, c.linesInView));
+    const size_t count = c.row->kind == UIK_TEXTBOX ? c.box.size() : c.lines.size();
+    return std::max(0, static_cast<int>(count) - std::max(1, c.linesInView));
 }
 
 int SetFirstVisible(MDL_Control *c, int line)
 {
-    if (!IsKind(*c, {UIK_LIST, UIK_TEXTBOX}))
+    if (!MDL_IsKind(*c, {UIK_LIST, UIK_TEXTBOX}))
         return UIE_BAD_ATTRIBUTE;
     if (line < 0)
         return UIE_BAD_INDEX;
     c->firstVisible = std::min(line, LastFirst(*c));
+    // A box is scrolled with its text, which may bring the line only now.
     if (c->row->kind == UIK_LIST) {
         c->listMask |= VIEW_LIST_FIRST;
     } else {
@@ -147,16 +131,15 @@ int SetCtrlVal(int panel, int control, int value)
 
 int SetCtrlVal(int panel, int control, double value)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        return c->row->kind == UIK_NUMBER ? SetNumber(c, value) : UIE_BAD_TYPE;
-    });
+    return MDL_OnKind(panel, control, {UIK_NUMBER},
+                      [&](MDL_Control *c) { return SetNumber(c, value); });
 }
 
 int GetCtrlVal(int panel, int control, int *value)
 {
     MDL_CatchUp();
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (IsKind(*c, {UIK_SWITCH, UIK_LED, UIK_RING}))
+        if (MDL_IsKind(*c, {UIK_SWITCH, UIK_LED, UIK_RING}))
             *value = c->state.value;
         else if (c->row->kind == UIK_NUMBER)
             *value = static_cast<int>(std::lround(c->state.number));
@@ -171,12 +154,8 @@ int GetCtrlVal(int panel, int control, int *value)
 int GetCtrlVal(int panel, int control, double *value)
 {
     MDL_CatchUp();
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (c->row->kind != UIK_NUMBER)
-            return UIE_BAD_TYPE;
-        *value = c->state.number;
-        return 0;
-    });
+    return MDL_OnKind(panel, control, {UIK_NUMBER},
+                      [&](MDL_Control *c) { *value = c->state.number; });
 }
 
 int SetCtrlAttribute(int panel, int control, int attribute, int value)
@@ -186,12 +165,11 @@ int SetCtrlAttribute(int panel, int control, int attribute, int value)
             return UIE_BAD_ATTRIBUTE;
         if (attribute == ATTR_FIRST_VISIBLE_LINE)
             return SetFirstVisible(c, value);
-        const FlagAttribute flag = FindFlag(c, attribute);
-        const IntAttribute number = FindInt(c, attribute);
-        if (flag.field)
-            SetLook(c, flag.field, value != 0, flag.mask);
-        else if (number.field)
-            SetLook(c, number.field, value, number.mask);
+        const Look look = FindLook(c, attribute);
+        if (look.flag)
+            SetLook(c, look.flag, value != 0, look.mask);
+        else if (look.number)
+            SetLook(c, look.number, value, look.mask);
         else
             return UIE_BAD_ATTRIBUTE;
         return 0;
@@ -231,17 +209,17 @@ int GetCtrlAttribute(int panel, int control, int attribute, int *value)
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
         if (c->row->kind == UIK_TIMER)
             return UIE_BAD_ATTRIBUTE;
-        const bool isScrolled = IsKind(*c, {UIK_LIST, UIK_TEXTBOX});
-        const FlagAttribute flag = FindFlag(c, attribute);
-        const IntAttribute number = FindInt(c, attribute);
+        const bool isScrolled = MDL_IsKind(*c, {UIK_LIST, UIK_TEXTBOX});
+        const Look look = FindLook(c, attribute);
+        // The list may have become shorter since it was scrolled.
         if (attribute == ATTR_FIRST_VISIBLE_LINE && isScrolled)
             *value = std::min(c->firstVisible, LastFirst(*c));
         else if (attribute == ATTR_LINES_IN_VIEW && isScrolled)
             *value = c->linesInView;
-        else if (flag.field)
-            *value = *flag.field;
-        else if (number.field)
-            *value = *number.field;
+        else if (look.flag)
+            *value = *look.flag;
+        else if (look.number)
+            *value = *look.number;
         else
             return UIE_BAD_ATTRIBUTE;
         return 0;
@@ -272,9 +250,7 @@ int GetCtrlAttribute(int panel, int control, int attribute, std::string *text)
 
 int SetBarSegments(int panel, int control, const std::vector<UI_Segment> &segments)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (c->row->kind != UIK_BAR)
-            return UIE_BAD_TYPE;
+    return MDL_OnKind(panel, control, {UIK_BAR}, [&](MDL_Control *c) -> int {
         const auto isBad = [](const UI_Segment &segment) { // also what is no number
             return !(segment.first >= 0 && segment.first <= segment.last && segment.last <= 1);
         };
@@ -290,19 +266,15 @@ int SetBarSegments(int panel, int control, const std::vector<UI_Segment> &segmen
 
 int GetBarSegments(int panel, int control, std::vector<UI_Segment> *segments)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (c->row->kind != UIK_BAR)
-            return UIE_BAD_TYPE;
-        *segments = c->state.segments;
-        return 0;
-    });
+    return MDL_OnKind(panel, control, {UIK_BAR},
+                      [&](MDL_Control *c) { *segments = c->state.segments; });
 }
 
 int SetActiveCtrl(int panel, int control)
 {
     return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        // A text takes keys only where somebody wants them.
-        if (IsKind(*c, {UIK_LED, UIK_BAR, UIK_TIMER, UIK_DECOR}) ||
+        // A text takes keys only where somebody wants them: a character display.
+        if (MDL_IsKind(*c, {UIK_LED, UIK_BAR, UIK_TIMER, UIK_DECOR}) ||
             (c->row->kind == UIK_TEXT && c->row->callback == nullptr))
             return UIE_BAD_TYPE;
         int error = 0;
@@ -320,12 +292,8 @@ int GetActiveCtrl(int panel)
 
 int SetCtrlCompletion(int panel, int control, CompletionCallback callback)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        if (c->row->kind != UIK_STRING)
-            return UIE_BAD_TYPE;
+    return MDL_OnKind(panel, control, {UIK_STRING}, [&](MDL_Control *c) {
         c->completion = callback;
-        SetLook(c, &c->state.hasCompletion, callback != nullptr,
-                static_cast<unsigned>(VIEW_CTRL_COMPLETION));
-        return 0;
+        SetLook(c, &c->state.hasCompletion, callback != nullptr, VIEW_CTRL_COMPLETION);
     });
 }

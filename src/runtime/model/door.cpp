@@ -1,3 +1,6 @@
+// One mutex guards `door`, and it is the only one of program and view. Every function that touches
+// `door` locks first and calls nobody who could come back here while it holds the lock: the view is
+// woken and signals are answered outside it.
 #include "runtime/model/door.h"
 
 #include <algorithm>
@@ -11,174 +14,27 @@
 
 namespace {
 
-constexpr size_t BOX_TEXT_MAX = 4 * 1024 * 1024; // bytes of one text box that wait at most
-
 struct Door {
     std::mutex mutex;
-    std::condition_variable came;
-    VIEW_Batch changes;
+    std::condition_variable came; // an event has
+    VIEW_Batch changes;           // that the view has not fetched
     bool hasChanges = false;
-    uint32_t stamp = 0, fetchedStamp = 0;
+    uint32_t stamp = 0, fetchedStamp = 0; // the program's count with `changes`; as fetched last
     std::deque<VIEW_Event> events;
     std::vector<int> cancelled; // progress boxes
     VIEW_Busy busy;
     VIEW_Counters counters;
 };
 Door door;
-// Read in every wait for the port: must cost nothing.
-std::atomic<bool> hasEvents{false}, isInterrupted{false}, isInterruptSeen{false},
-    wasInterrupted{false}, hasCancelled{false};
+// Read in every wait for the port: a lock there would cost more than the whole question. What
+// stands behind them is changed under the lock, they follow it.
+std::atomic<bool> hasEvents{false}, hasCancelled{false};
 std::atomic<int> urgentWaiting{0};
+// Of an interrupt: it came, somebody asked and has seen it, it broke off a callback.
+std::atomic<bool> isInterrupted{false}, isInterruptSeen{false}, wasInterrupted{false};
 
-// --- merging: what is newer wins ----------------------------------------------------------
-// A record holds the whole state of its thing, and a mask of what the view must look at.
-
-template <class Record> void MergeWhole(Record *old, Record &fresh)
-{
-    fresh.mask |= old->mask;
-    *old = std::move(fresh);
-}
-
-typedef std::vector<std::pair<int, VIEW_Line>> ChangedLines;
-
-// Both by rising place; of lines behind the end nothing stays.
-ChangedLines MergeLines(ChangedLines &old, ChangedLines &fresh, int count)
-{
-    ChangedLines merged;
-    auto next = fresh.begin();
-    const auto put = [&](std::pair<int, VIEW_Line> &line) {
-        if (line.first < count)
-            merged.push_back(std::move(line));
-    };
-    for (auto &line : old) {
-        while (next != fresh.end() && next->first < line.first)
-            put(*next++);
-        if (next == fresh.end() || next->first != line.first)
-            put(line);
-    }
-    while (next != fresh.end())
-        put(*next++);
-    return merged;
-}
-
-void MergeList(VIEW_List *old, VIEW_List &fresh)
-{
-    fresh.changed = MergeLines(old->changed, fresh.changed, fresh.count);
-    MergeWhole(old, fresh);
-}
-
-// A window that does not fetch must not cost memory without end: what has scrolled out of
-// a full box is forgotten, and with it whatever stood before.
-void BoundBox(VIEW_TextBox *box)
-{
-    if (box->text.size() <= BOX_TEXT_MAX)
-        return;
-    const size_t half = box->text.size() - BOX_TEXT_MAX / 2;
-    const size_t feed = box->text.find('\n', half);
-    box->text.erase(0, feed == std::string::npos ? half : feed + 1);
-    box->isReset = true;
-    box->dropped = 0;
-}
-
-void MergeBox(VIEW_TextBox *old, VIEW_TextBox &fresh)
-{
-    if (fresh.isReset) {
-        *old = std::move(fresh);
-    } else {
-        old->text += fresh.text;
-        old->dropped += fresh.dropped;
-        if (fresh.firstVisible >= 0)
-            old->firstVisible = fresh.firstVisible;
-    }
-    BoundBox(old);
-}
-
-template <class Record, class IsSame, class Merge>
-void MergeAll(std::vector<Record> *old, std::vector<Record> &fresh, IsSame isSame, Merge merge)
-{
-    for (Record &record : fresh) {
-        const auto found = std::find_if(old->begin(), old->end(),
-                                        [&](const Record &other) { return isSame(record, other); });
-        if (found == old->end())
-            old->push_back(std::move(record));
-        else
-            merge(&*found, record);
-    }
-}
-
-template <class Record> bool IsSameControl(const Record &one, const Record &other)
-{
-    return one.panel == other.panel && one.control == other.control;
-}
-
-void MergePanels(std::vector<VIEW_Panel> *old, std::vector<VIEW_Panel> &fresh)
-{
-    const auto isSame = [](const VIEW_Panel &a, const VIEW_Panel &b) { return a.panel == b.panel; };
-    MergeAll(old, fresh, isSame, [&](VIEW_Panel *was, VIEW_Panel &now) {
-        const bool isShown = now.mask & (VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED);
-        MergeWhole(was, now);
-        if (isShown) // last, drawn last
-            std::rotate(old->begin() + (was - old->data()), old->begin() + (was - old->data()) + 1,
-                        old->end());
-    });
-}
-
-void MergeItems(std::vector<VIEW_MenuItem> *old, std::vector<VIEW_MenuItem> &fresh)
-{
-    const auto isSame = [](const VIEW_MenuItem &a, const VIEW_MenuItem &b) {
-        return a.item == b.item;
-    };
-    MergeAll(old, fresh, isSame, [](VIEW_MenuItem *was, VIEW_MenuItem &now) {
-        now.isNew = was->isNew || now.isNew;
-        *was = std::move(now);
-    });
-    // One that came and went is nothing the view need know.
-    old->erase(std::remove_if(old->begin(), old->end(),
-                              [](const VIEW_MenuItem &item) { return item.isNew && item.isGone; }),
-               old->end());
-}
-
-void MergeRest(VIEW_Batch *old, VIEW_Batch &fresh)
-{
-    if (fresh.popupMenu != 0)
-        old->popupMenu = fresh.popupMenu;
-    if (fresh.question.id != 0)
-        old->question = std::move(fresh.question);
-    if (fresh.closedQuestion != 0)
-        old->closedQuestion = fresh.closedQuestion;
-    if (old->question.id == old->closedQuestion)
-        old->question = VIEW_Question();
-    if (fresh.hasClipboard)
-        old->clipboard = std::move(fresh.clipboard);
-    old->hasClipboard |= fresh.hasClipboard;
-    old->isBeep |= fresh.isBeep;
-    for (UI_Layout &layout : fresh.layouts)
-        old->layouts.push_back(std::move(layout));
-    if (!fresh.helpFile.empty())
-        old->helpFile = std::move(fresh.helpFile);
-    if (fresh.isEnded)
-        old->exitCode = fresh.exitCode;
-    old->isEnded |= fresh.isEnded;
-}
-
-void Merge(VIEW_Batch *old, VIEW_Batch &fresh)
-{
-    const auto replace = [](auto *was, auto &now) { *was = std::move(now); };
-    MergePanels(&old->panels, fresh.panels);
-    MergeItems(&old->items, fresh.items);
-    MergeAll(&old->controls, fresh.controls, IsSameControl<VIEW_Control>, MergeWhole<VIEW_Control>);
-    MergeAll(&old->lists, fresh.lists, IsSameControl<VIEW_List>, MergeList);
-    MergeAll(&old->boxes, fresh.boxes, IsSameControl<VIEW_TextBox>, MergeBox);
-    MergeAll(&old->graphs, fresh.graphs, IsSameControl<VIEW_Graph>, MergeWhole<VIEW_Graph>);
-    MergeAll(&old->completions, fresh.completions, IsSameControl<VIEW_Completion>, replace);
-    MergeAll(
-        &old->progress, fresh.progress,
-        [](const VIEW_Progress &a, const VIEW_Progress &b) { return a.id == b.id; }, replace);
-    MergeRest(old, fresh);
-}
-
-// --- events -----------------------------------------------------------------------------------
-
+// Whether a row of the table of urgent wishes means the event. A row names a menu item, a
+// control that was committed, or a panel that is to be closed.
 bool IsUrgent(const VIEW_Event &event)
 {
     if (event.kind == VIEW_EVENT_END)
@@ -192,6 +48,8 @@ bool IsUrgent(const VIEW_Event &event)
                              (isControl && event.event == EVENT_COMMIT &&
                               event.panel == row.panel && event.control == row.control) ||
                              (isPanel && event.event == EVENT_CLOSE && event.panel == row.panel);
+        // Below zero: whatever the value. Else the one state of a switch or mark that ends
+        // something.
         if (isMeant && (row.value < 0 || row.value == event.value))
             return true;
     }
@@ -209,6 +67,7 @@ bool IsState(const VIEW_Event &event)
            (event.kind == VIEW_EVENT_PANEL && event.event == EVENT_PANEL_SIZE);
 }
 
+// About the same thing, whatever they say of it.
 bool IsSame(const VIEW_Event &one, const VIEW_Event &other)
 {
     return one.kind == other.kind && one.event == other.event && one.panel == other.panel &&
@@ -216,23 +75,11 @@ bool IsSame(const VIEW_Event &one, const VIEW_Event &other)
            (one.kind != VIEW_EVENT_LAYOUT || one.text == other.text);
 }
 
-// What says where things stand must arrive, or the two sides would differ from then on.
-bool MustPass(const VIEW_Event &event)
-{
-    return IsState(event) || event.kind == VIEW_EVENT_ANSWER || event.kind == VIEW_EVENT_CALL ||
-           IsUrgent(event);
-}
-
-// The clicks of one who thinks the first was not seen are one wish.
-bool IsRepeatedWish(const VIEW_Event &event)
-{
-    return IsUrgent(event) && !door.events.empty() && IsSame(door.events.back(), event) &&
-           door.events.back().item == event.item && door.events.back().value == event.value;
-}
-
+// Under the lock. False when the event was refused.
 bool Enqueue(const VIEW_Event &event)
 {
     door.counters.posted++;
+    // A cancelled box is a state that is looked up rather than an event with a turn.
     if (event.kind == VIEW_EVENT_CANCEL) {
         door.cancelled.push_back(event.id);
         hasCancelled = true;
@@ -241,18 +88,27 @@ bool Enqueue(const VIEW_Event &event)
     }
     VIEW_Event stamped = event;
     stamped.seen = door.fetchedStamp;
-    if (DOOR_Coalesce(&door.events, stamped) || IsRepeatedWish(stamped)) {
+    // The clicks of one who thinks the first was not seen are one wish.
+    const bool isUrgent = IsUrgent(event);
+    const bool isRepeatedWish =
+        isUrgent && !door.events.empty() && IsSame(door.events.back(), event) &&
+        door.events.back().item == event.item && door.events.back().value == event.value;
+    if (DOOR_Coalesce(&door.events, stamped) || isRepeatedWish) {
         door.counters.handled++;
         return true;
     }
+    // What says where things stand must arrive, or the two sides would differ from then on. The
+    // bound counts what the program has taken over and not handled as well.
+    const bool mustPass = IsState(event) || event.kind == VIEW_EVENT_ANSWER ||
+                          event.kind == VIEW_EVENT_CALL || isUrgent;
     const uint64_t waiting = door.counters.posted - door.counters.handled;
-    if (waiting > VIEW_EVENTS_MAX && !MustPass(event)) {
+    if (waiting > VIEW_EVENTS_MAX && !mustPass) {
         door.counters.posted--;
         door.counters.refused++;
         return false;
     }
     door.events.push_back(std::move(stamped));
-    if (IsUrgent(event))
+    if (isUrgent)
         urgentWaiting++;
     hasEvents = true;
     return true;
@@ -270,20 +126,20 @@ bool VIEW_Fetch(VIEW_Batch *batch)
     *batch = std::move(door.changes);
     door.changes = VIEW_Batch();
     door.hasChanges = false;
-    door.fetchedStamp = door.stamp;
+    door.fetchedStamp = door.stamp; // what is posted from now on knows all of this
     door.counters.fetched++;
     return true;
 }
 
 bool VIEW_Post(const VIEW_Event &event)
 {
-    bool isTaken = false;
+    bool isAccepted = false;
     {
         const std::lock_guard<std::mutex> lock(door.mutex);
-        isTaken = Enqueue(event);
+        isAccepted = Enqueue(event);
     }
-    door.came.notify_one();
-    return isTaken;
+    door.came.notify_one(); // one thread waits at most: the program's
+    return isAccepted;
 }
 
 void VIEW_GetBusy(VIEW_Busy *busy)
@@ -300,6 +156,7 @@ void VIEW_GetCounters(VIEW_Counters *counters)
 
 // --- the program's side -------------------------------------------------------------------
 
+// Only with the last one: an event in between may have been meant for the earlier state.
 bool DOOR_Coalesce(std::deque<VIEW_Event> *queue, const VIEW_Event &event)
 {
     if (!IsState(event) || queue->empty() || !IsSame(queue->back(), event))
@@ -328,10 +185,11 @@ void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp)
     {
         const std::lock_guard<std::mutex> lock(door.mutex);
         wasEmpty = !door.hasChanges;
-        Merge(&door.changes, changes);
+        DOOR_Merge(&door.changes, changes);
         door.hasChanges = true;
         door.stamp = stamp;
     }
+    // Outside the lock: a view on this thread fetches in there. Once is enough until it has.
     if (wasEmpty)
         VIEW_Wake();
 }
@@ -341,6 +199,7 @@ bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue)
     if (!hasEvents)
         return false;
     const std::lock_guard<std::mutex> lock(door.mutex);
+    // A value typed while the program held an earlier one of the same field counts as one.
     for (VIEW_Event &event : door.events) {
         if (DOOR_Coalesce(queue, event))
             door.counters.handled++;
@@ -399,7 +258,7 @@ void DOOR_ForgetCancel(int progress)
 bool DOOR_IsBreakWished()
 {
     if (isInterrupted)
-        isInterruptSeen = true;
+        isInterruptSeen = true; // whoever asks ends what is running: it has done its work
     return urgentWaiting > 0 || hasCancelled || isInterrupted;
 }
 
@@ -413,6 +272,7 @@ void DOOR_EndInterrupt()
 {
     if (!isInterrupted.exchange(false))
         return;
+    // The platform ends the process at a second signal unless it hears that the first was heeded.
     if (isInterruptSeen.exchange(false))
         PLT_SignalHeard();
     else
@@ -428,11 +288,9 @@ void DOOR_OnSignal(bool isInterrupt)
 {
     VIEW_Busy busy;
     VIEW_GetBusy(&busy);
-    if (isInterrupt && busy.isBusy) {
+    if (isInterrupt && busy.isBusy) { // breaks off the callback, not the program
         isInterrupted = wasInterrupted = true;
         return;
     }
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_END;
-    VIEW_Post(event);
+    VIEW_Post(VIEW_MakeEvent(VIEW_EVENT_END));
 }

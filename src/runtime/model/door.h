@@ -13,6 +13,8 @@ void DOOR_Reset();
 // Merges changes into what the view has not fetched yet, and wakes it. `stamp` is the
 // program's count of value changes they bring the view up to.
 void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp);
+// What DOOR_Put does to the batch that waits; takes `fresh` apart. Neither locks nor wakes.
+void DOOR_Merge(VIEW_Batch *old, VIEW_Batch &fresh);
 // Moves the events that have come to the end of *queue. False when there were none; costs
 // next to nothing then.
 bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue);

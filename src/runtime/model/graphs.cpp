@@ -9,9 +9,7 @@ namespace {
 
 template <class Use> int OnGraph(int panel, int control, Use use)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        return c->row->kind == UIK_GRAPH ? use(c) : static_cast<int>(UIE_BAD_TYPE);
-    });
+    return MDL_OnKind(panel, control, {UIK_GRAPH}, use);
 }
 
 bool IsPlotGood(const UI_Plot &plot)
@@ -23,16 +21,15 @@ bool IsPlotGood(const UI_Plot &plot)
 // There are other curves: what the user does to the old ones counts no more. With other
 // samples alone the view is left to the user, who may be moving it this very moment; both
 // sides settle it by the same rules.
-int MarkPlots(MDL_Control *c, bool isNew)
+void MarkPlots(MDL_Control *c, bool isNew)
 {
     PLV_Settle(c->plots, &c->graph);
     c->graphMask |= VIEW_GRAPH_PLOTS;
     if (isNew) {
         c->graphMask |= VIEW_GRAPH_VIEW;
-        c->stamp = ++MDL_GetState().stamp;
+        MDL_Outdate(c);
     }
     MDL_FlushNowAndThen();
-    return 0;
 }
 
 auto FindPlot(MDL_Control *c, int handle)
@@ -48,7 +45,7 @@ int PlotXY(int panel, int control, const UI_Plot &plot)
     return OnGraph(panel, control, [&](MDL_Control *c) -> int {
         if (!IsPlotGood(plot) || c->plots.size() >= GRAPH_PLOTS_MAX)
             return UIE_BAD_INDEX;
-        c->plots.push_back(plot);
+        c->plots.push_back(plot); // shares the numbers, copies none
         c->plots.back().handle = ++c->lastPlot;
         PLV_MeasurePlot(&c->plots.back());
         MarkPlots(c, true);
@@ -63,9 +60,10 @@ int ReplacePlot(int panel, int control, int handle, const UI_Plot &plot)
         if (found == c->plots.end() || !IsPlotGood(plot))
             return UIE_BAD_INDEX;
         *found = plot;
-        found->handle = handle;
+        found->handle = handle; // cursors and hidden curves know it by that
         PLV_MeasurePlot(&*found);
-        return MarkPlots(c, false);
+        MarkPlots(c, false);
+        return 0;
     });
 }
 
@@ -79,7 +77,8 @@ int DeleteGraphPlot(int panel, int control, int handle)
             c->plots.clear();
         else
             c->plots.erase(found);
-        return MarkPlots(c, true);
+        MarkPlots(c, true);
+        return 0;
     });
 }
 
@@ -87,9 +86,9 @@ int GetGraphPlots(int panel, int control, std::vector<UI_Plot> *plots)
 {
     return OnGraph(panel, control, [&](const MDL_Control *c) {
         *plots = c->plots;
+        // What the user has hidden in the legend is a matter of the view.
         for (UI_Plot &plot : *plots)
             plot.isVisible = !PLV_IsHidden(c->graph, plot.handle);
-        return 0;
     });
 }
 
@@ -99,7 +98,6 @@ int SetGraphAxes(int panel, int control, const UI_GraphAxes &axes)
         c->axes = axes;
         c->graphMask |= VIEW_GRAPH_AXES;
         MDL_FlushNowAndThen();
-        return 0;
     });
 }
 
@@ -111,7 +109,7 @@ int SetGraphView(int panel, int control, const UI_GraphView &view)
         c->graph = view;
         PLV_Settle(c->plots, &c->graph);
         c->graphMask |= VIEW_GRAPH_VIEW;
-        c->stamp = ++MDL_GetState().stamp;
+        MDL_Outdate(c);
         MDL_FlushNowAndThen();
         return 0;
     });
@@ -119,9 +117,6 @@ int SetGraphView(int panel, int control, const UI_GraphView &view)
 
 int GetGraphView(int panel, int control, UI_GraphView *view)
 {
-    MDL_CatchUp();
-    return OnGraph(panel, control, [&](const MDL_Control *c) {
-        *view = c->graph;
-        return 0;
-    });
+    MDL_CatchUp(); // zoomed a moment ago
+    return OnGraph(panel, control, [&](const MDL_Control *c) { *view = c->graph; });
 }

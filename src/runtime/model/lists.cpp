@@ -1,4 +1,5 @@
-// Lists and rings: their lines, columns and cells, and what is selected.
+// Lists and rings: their lines, columns and cells, and what is selected. Nothing is handed over
+// here, not even now and then: a list in the middle of being filled would flicker.
 #include "runtime/model/model.h"
 
 #include <algorithm>
@@ -7,12 +8,16 @@
 
 namespace {
 
-// What `use` answers for a list or ring, or why there is none.
+// What `use` answers for a list or ring, for a line of one, for a list alone; or why there is
+// none. Columns, cells and several selected lines are a list's, not a ring's.
 template <class Use> int OnList(int panel, int control, Use use)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        return MDL_HasLines(*c) ? use(c) : UIE_BAD_TYPE;
-    });
+    return MDL_OnKind(panel, control, {UIK_LIST, UIK_RING}, use);
+}
+
+template <class Use> int OnTable(int panel, int control, Use use)
+{
+    return MDL_OnKind(panel, control, {UIK_LIST}, use);
 }
 
 int Count(const MDL_Control &list)
@@ -25,24 +30,17 @@ template <class Use> int OnLine(int panel, int control, int index, Use use)
     return OnList(panel, control, [&](MDL_Control *list) -> int {
         if (index < 0 || index >= Count(*list))
             return UIE_BAD_INDEX;
-        return use(list, &list->lines[static_cast<size_t>(index)]);
-    });
-}
-
-// Columns, cells and several selected lines are a list's, not a ring's.
-template <class Use> int OnTable(int panel, int control, Use use)
-{
-    return OnList(panel, control, [&](MDL_Control *list) -> int {
-        return list->row->kind == UIK_LIST ? use(list) : UIE_BAD_TYPE;
+        const auto useLine = [&](VIEW_Line *line) { return use(list, line); };
+        return MDL_AnswerOf(useLine, &list->lines[static_cast<size_t>(index)]);
     });
 }
 
 // What the user selects before the view has shown a new selection of the program's counts no
 // more. One that is set to what is shown is no new one: lists are refilled all the time.
-void Outdate(MDL_Control *list)
+void OutdateSelection(MDL_Control *list)
 {
     if (list->current != list->shownCurrent || list->selected != list->shownSelected)
-        list->stamp = ++MDL_GetState().stamp;
+        MDL_Outdate(list);
 }
 
 // A ring's value is that of its chosen line.
@@ -67,25 +65,6 @@ bool IsSameLine(const VIEW_Line &line, const std::string &label, int value)
            line.label.compare(0, length, label, 0, length) == 0;
 }
 
-// A line that comes again in its place when the list is filled anew keeps its number.
-uint32_t NumberFor(const MDL_Control &list, int at, const std::string &label, int value)
-{
-    const size_t place = static_cast<size_t>(at);
-    if (list.isRefilled && place < list.shown.size() && IsSameLine(list.shown[place], label, value))
-        return list.shown[place].id;
-    return ++MDL_GetState().lineId;
-}
-
-std::vector<UI_Cell> CellsOf(const VIEW_Line &line)
-{
-    if (!line.cells.empty())
-        return line.cells;
-    std::vector<UI_Cell> cells;
-    for (const UIC_Column &column : UIC_SplitColumns(line.label))
-        cells.push_back({column.text, UIS_NORMAL, ""});
-    return cells;
-}
-
 } // namespace
 
 int ClearListCtrl(int panel, int control)
@@ -93,11 +72,11 @@ int ClearListCtrl(int panel, int control)
     return OnList(panel, control, [&](MDL_Control *list) {
         list->lines.clear();
         Select(list, -1);
+        // What was shown stays known: lines that come again keep number, selection and place.
         if (list->linesInView == 0)
             list->firstVisible = 0; // no window that would keep its place
         list->isRefilled = list->isLoose = true;
         list->listMask |= VIEW_LIST_LINES;
-        return 0;
     });
 }
 
@@ -108,12 +87,16 @@ int InsertListItem(int panel, int control, int index, const std::string &label, 
             return UIE_BAD_INDEX;
         const int at = index == -1 ? Count(*list) : index;
         list->isRefilled = list->isRefilled && at == Count(*list);
+        // A line that comes again in its place when the list is filled anew keeps its number.
+        const auto place = static_cast<size_t>(at);
+        const bool isAgain = list->isRefilled && place < list->shown.size() &&
+                             IsSameLine(list->shown[place], label, value);
         VIEW_Line line;
-        line.id = NumberFor(*list, at, label, value);
+        line.id = isAgain ? list->shown[place].id : ++MDL_GetState().lineId;
         line.label = label;
         line.value = value;
         list->lines.insert(list->lines.begin() + at, std::move(line));
-        for (int &selected : list->selected)
+        for (int &selected : list->selected) // they move along with their lines
             selected += selected >= at;
         if (list->current >= at)
             list->current++;
@@ -128,14 +111,13 @@ int ReplaceListItem(int panel, int control, int index, const std::string &label,
 {
     return OnLine(panel, control, index, [&](MDL_Control *list, VIEW_Line *line) {
         if (line->label == label && line->value == value && line->cells.empty())
-            return 0;
+            return;
         if (!IsSameLine(*line, label, value))
             line->id = ++MDL_GetState().lineId;
         line->label = label;
         line->value = value;
-        line->cells.clear();
+        line->cells.clear(); // they belonged to the old label
         list->listMask |= VIEW_LIST_LINES;
-        return 0;
     });
 }
 
@@ -151,6 +133,8 @@ int DeleteListItem(int panel, int control, int index, int count)
             if (line < index || line >= index + count)
                 selected.push_back(line < index ? line : line - count);
         list->selected = selected;
+        // The line that moves up into the place of a deleted one becomes the current one, so that
+        // Delete can be pressed again.
         if (list->current >= index + count)
             list->current -= count;
         else if (list->current >= Count(*list))
@@ -163,44 +147,33 @@ int DeleteListItem(int panel, int control, int index, int count)
 
 int GetNumListItems(int panel, int control, int *count)
 {
-    return OnList(panel, control, [&](MDL_Control *list) {
-        *count = Count(*list);
-        return 0;
-    });
+    return OnList(panel, control, [&](MDL_Control *list) { *count = Count(*list); });
 }
 
 int GetCtrlIndex(int panel, int control, int *index)
 {
     MDL_CatchUp();
-    return OnList(panel, control, [&](MDL_Control *list) {
-        *index = list->current;
-        return 0;
-    });
+    return OnList(panel, control, [&](MDL_Control *list) { *index = list->current; });
 }
 
 int SetCtrlIndex(int panel, int control, int index)
 {
     return OnLine(panel, control, index, [&](MDL_Control *list, VIEW_Line *) {
         Select(list, index);
-        Outdate(list);
-        return 0;
+        OutdateSelection(list);
     });
 }
 
 int GetLabelFromIndex(int panel, int control, int index, std::string *label)
 {
-    return OnLine(panel, control, index, [&](MDL_Control *, VIEW_Line *line) {
-        *label = line->label;
-        return 0;
-    });
+    return OnLine(panel, control, index,
+                  [&](MDL_Control *, VIEW_Line *line) { *label = line->label; });
 }
 
 int GetValueFromIndex(int panel, int control, int index, int *value)
 {
-    return OnLine(panel, control, index, [&](MDL_Control *, VIEW_Line *line) {
-        *value = line->value;
-        return 0;
-    });
+    return OnLine(panel, control, index,
+                  [&](MDL_Control *, VIEW_Line *line) { *value = line->value; });
 }
 
 int SetListItemTip(int panel, int control, int index, const std::string &tip)
@@ -208,7 +181,6 @@ int SetListItemTip(int panel, int control, int index, const std::string &tip)
     return OnLine(panel, control, index, [&](MDL_Control *list, VIEW_Line *line) {
         line->tip = tip;
         list->listMask |= VIEW_LIST_LINES;
-        return 0;
     });
 }
 
@@ -217,17 +189,13 @@ int SetListColumns(int panel, int control, const std::vector<UI_Column> &columns
     return OnTable(panel, control, [&](MDL_Control *list) {
         list->columns = columns;
         list->listMask |= VIEW_LIST_COLUMNS;
-        return 0;
     });
 }
 
 int GetListColumns(int panel, int control, std::vector<UI_Column> *columns)
 {
     MDL_CatchUp();
-    return OnTable(panel, control, [&](MDL_Control *list) {
-        *columns = list->columns;
-        return 0;
-    });
+    return OnTable(panel, control, [&](MDL_Control *list) { *columns = list->columns; });
 }
 
 int SetListCells(int panel, int control, int index, const std::vector<UI_Cell> &cells)
@@ -244,8 +212,11 @@ int SetListCells(int panel, int control, int index, const std::vector<UI_Cell> &
 int GetListCells(int panel, int control, int index, std::vector<UI_Cell> *cells)
 {
     return OnLine(panel, control, index, [&](MDL_Control *, VIEW_Line *line) {
-        *cells = CellsOf(*line);
-        return 0;
+        *cells = line->cells;
+        if (!cells->empty())
+            return;
+        for (const UIC_Column &column : UIC_SplitColumns(line->label))
+            cells->push_back({column.text, UIS_NORMAL, ""});
     });
 }
 
@@ -260,9 +231,10 @@ int SetListSelection(int panel, int control, const std::vector<int> &indices)
         std::sort(list->selected.begin(), list->selected.end());
         list->selected.erase(std::unique(list->selected.begin(), list->selected.end()),
                              list->selected.end());
+        // The keyboard stays where it is as long as that line is among them.
         if (!std::count(indices.begin(), indices.end(), list->current))
             list->current = indices.empty() ? -1 : indices.front();
-        Outdate(list);
+        OutdateSelection(list);
         return 0;
     });
 }
@@ -270,15 +242,13 @@ int SetListSelection(int panel, int control, const std::vector<int> &indices)
 int GetListSelection(int panel, int control, std::vector<int> *indices)
 {
     MDL_CatchUp();
-    return OnTable(panel, control, [&](MDL_Control *list) {
-        *indices = list->selected;
-        return 0;
-    });
+    return OnTable(panel, control, [&](MDL_Control *list) { *indices = list->selected; });
 }
 
 int GetEditedCell(int panel, int control, int *index, int *column, std::string *text)
 {
     return OnTable(panel, control, [&](MDL_Control *list) -> int {
+        // Afterwards the line may be another one.
         if (MDL_GetState().handled != list || list->edited.event != EVENT_CELL_EDITED)
             return UIE_BAD_INDEX;
         *index = list->edited.line.index;

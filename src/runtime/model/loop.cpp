@@ -1,4 +1,5 @@
-// Start, the event loop and the timers.
+// Start, the event loop and the timers. The loop waits at the door until an event comes or the
+// next timer is due; events go first, so that a window stays quick beside a busy timer.
 #include "runtime/model/model.h"
 
 #include <algorithm>
@@ -23,35 +24,6 @@ template <class Use> void ForEachTimer(Use use)
                 use(&control);
 }
 
-// When the next timer is due; sets the clock of those that start to count.
-uint64_t NextDue(uint64_t now)
-{
-    uint64_t next = now + WAIT_MAX_US;
-    if (MDL_GetState().isSuspended)
-        return next;
-    ForEachTimer([&](MDL_Control *timer) {
-        if (timer->dueUs == 0)
-            timer->dueUs = now + IntervalUs(*timer);
-        next = std::min(next, timer->dueUs);
-    });
-    return next;
-}
-
-// One tick at most, so that an event that came meanwhile has its turn between two.
-void FireDue(uint64_t now)
-{
-    MDL_Control *first = nullptr;
-    ForEachTimer([&](MDL_Control *timer) {
-        if (timer->dueUs != 0 && timer->dueUs <= now && (!first || timer->dueUs < first->dueUs))
-            first = timer;
-    });
-    if (!first)
-        return;
-    // Ticks that were missed are left out.
-    first->dueUs = std::max(first->dueUs + IntervalUs(*first), now);
-    MDL_FireTimer(first);
-}
-
 int RunLoop()
 {
     MDL_State &state = MDL_GetState();
@@ -59,12 +31,25 @@ int RunLoop()
     while (!state.isQuit) {
         if (MDL_HandleNext())
             continue;
+        // The timer that is due first; those that start to count begin now.
         const uint64_t now = PLT_TickUs();
-        const uint64_t due = NextDue(now);
-        if (due <= now)
-            FireDue(now);
-        else
-            DOOR_WaitEvent(due);
+        MDL_Control *first = nullptr;
+        const auto look = [&](MDL_Control *timer) {
+            if (timer->dueUs == 0)
+                timer->dueUs = now + IntervalUs(*timer);
+            if (!first || timer->dueUs < first->dueUs)
+                first = timer;
+        };
+        if (!state.isSuspended)
+            ForEachTimer(look);
+        if (!first || first->dueUs > now) {
+            DOOR_WaitEvent(first ? std::min(first->dueUs, now + WAIT_MAX_US) : now + WAIT_MAX_US);
+            continue;
+        }
+        // One tick, so that an event that came meanwhile has its turn between two. Ticks that were
+        // missed are left out: a callback of a second would be followed by a salvo.
+        first->dueUs = std::max(first->dueUs + IntervalUs(*first), now);
+        MDL_FireTimer(first);
     }
     return 0;
 }
@@ -73,14 +58,14 @@ int RunLoop()
 
 int InitCVIRTE(int *, char **)
 {
-    MDL_GetState();
+    MDL_GetState(); // made here, on the program's thread
     return 0;
 }
 
 int RunUserInterface()
 {
     MDL_State &state = MDL_GetState();
-    if (state.isStarting)
+    if (state.isStarting) // the first window comes up here
         MDL_EndCall();
     state.isStarting = false;
     int result = 0;
@@ -114,6 +99,7 @@ int ProcessSystemEvents()
 int SuspendTimerCallbacks()
 {
     MDL_GetState().isSuspended = true;
+    // They begin to count when they are resumed; else all would be due at once.
     ForEachTimer([](MDL_Control *timer) { timer->dueUs = 0; });
     return 0;
 }
@@ -131,6 +117,8 @@ int SetBusyText(const std::string &text)
     return 0;
 }
 
+// Called before every try of an exchange and between the lines of a script: the one place that
+// is sure to come by in a long callback, hence what has changed is shown here.
 bool IsBreakWished()
 {
     MDL_FlushNowAndThen();
@@ -145,8 +133,7 @@ int SetEndCallback(void (*callback)())
 
 int PostDeferredCall(void (*callback)())
 {
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_CALL;
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_CALL);
     event.call = callback;
     VIEW_Post(event);
     return 0;
@@ -156,7 +143,7 @@ int MDL_FireTimer(MDL_Control *timer)
 {
     if (timer->row->kind != UIK_TIMER || !timer->row->callback)
         return UIE_BAD_TYPE;
-    if (MDL_GetState().isSuspended)
+    if (MDL_GetState().isSuspended) // by an event that came in between
         return 0;
     MDL_BeginCall();
     timer->row->callback(timer->row->panel, timer->row->control, EVENT_TIMER_TICK, 0);
@@ -167,11 +154,12 @@ int MDL_FireTimer(MDL_Control *timer)
 int VIEW_RunProgram(int argc, char **argv, int (*program)(int argc, char **argv))
 {
     MDL_State &state = MDL_GetState();
-    PLT_WatchSignals(DOOR_OnSignal);
+    PLT_WatchSignals(DOOR_OnSignal); // before the program opens a port or a file
     // Until the loop runs everything is one callback: the first window comes up whole.
     state.isStarting = true;
     MDL_BeginCall();
     const int code = program(argc, argv);
+    // A program that never came to its loop, because of a wrong option for instance.
     if (state.isStarting)
         MDL_EndCall();
     state.isStarting = false;

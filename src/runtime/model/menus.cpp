@@ -1,4 +1,5 @@
-// The menu bar: attributes of items, and items that come and go at run time.
+// The menu bar: attributes of items, and items that come and go at run time (the list of recent
+// files). There is one bar, the main window's.
 #include "runtime/model/model.h"
 
 namespace {
@@ -9,7 +10,14 @@ template <class Use> int OnItem(int menuBar, int item, Use use)
     if (menuBar != UI_nMenuPanel)
         return UIE_NO_PANEL;
     MDL_Item *found = MDL_FindItem(item);
-    return found ? use(found) : UIE_NO_ITEM;
+    return found ? MDL_AnswerOf(use, found) : UIE_NO_ITEM;
+}
+
+bool *FindFlag(VIEW_MenuItem *item, int attribute)
+{
+    if (attribute == ATTR_DIMMED)
+        return &item->isDimmed;
+    return attribute == ATTR_CHECKED ? &item->isChecked : nullptr;
 }
 
 } // namespace
@@ -24,13 +32,14 @@ int SetMenuBarAttribute(int menuBar, int item, int attribute, int value)
 {
     return OnItem(menuBar, item, [&](MDL_Item *found) -> int {
         VIEW_MenuItem &state = found->state;
-        if (attribute != ATTR_DIMMED && attribute != ATTR_CHECKED)
+        bool *flag = FindFlag(&state, attribute);
+        if (!flag)
             return UIE_BAD_ATTRIBUTE;
-        bool *field = attribute == ATTR_DIMMED ? &state.isDimmed : &state.isChecked;
+        // Taking a mark away that was never there still makes the item one that has a mark.
         const bool isFirstCheck = attribute == ATTR_CHECKED && !state.isCheckable;
-        if (*field == (value != 0) && !isFirstCheck)
+        if (*flag == (value != 0) && !isFirstCheck)
             return 0;
-        *field = value != 0;
+        *flag = value != 0;
         state.isCheckable |= attribute == ATTR_CHECKED;
         found->isChanged = true;
         return 0;
@@ -40,9 +49,10 @@ int SetMenuBarAttribute(int menuBar, int item, int attribute, int value)
 int GetMenuBarAttribute(int menuBar, int item, int attribute, int *value)
 {
     return OnItem(menuBar, item, [&](MDL_Item *found) -> int {
-        if (attribute != ATTR_DIMMED && attribute != ATTR_CHECKED)
+        const bool *flag = FindFlag(&found->state, attribute);
+        if (!flag)
             return UIE_BAD_ATTRIBUTE;
-        *value = attribute == ATTR_DIMMED ? found->state.isDimmed : found->state.isChecked;
+        *value = *flag;
         return 0;
     });
 }
@@ -53,6 +63,7 @@ int NewMenuItem(int menuBar, int menu, const std::string &text, int beforeItem, 
     return OnItem(menuBar, beforeItem, [&](MDL_Item *before) -> int {
         if (before->state.menu != menu)
             return UIE_NO_ITEM;
+        // Numbers go up and never come again, so a late click cannot mean a newer item.
         MDL_State &state = MDL_GetState();
         MDL_Item item;
         item.state.isNew = true;
@@ -77,7 +88,6 @@ int DiscardMenuItem(int menuBar, int item)
             state.goneItems.back().state.isGone = true;
         }
         state.items.erase(state.items.begin() + (found - state.items.data()));
-        return 0;
     });
 }
 
@@ -86,10 +96,10 @@ int RunPopupMenu(int menuBar, int menu)
     if (menuBar != UI_nMenuPanel)
         return UIE_NO_PANEL;
     for (int i = 0; i < UI_cnMenus; i++) {
-        if (UI_aMenus[i].menu == menu) {
-            MDL_GetState().extra.popupMenu = menu;
-            return 0;
-        }
+        if (UI_aMenus[i].menu != menu)
+            continue;
+        MDL_GetState().extra.popupMenu = menu; // opens when the callback has ended
+        return 0;
     }
     return UIE_NO_ITEM;
 }

@@ -1,3 +1,6 @@
+// The records, made from the tables of ui/ at the first call and again at each reset. They are
+// looked up by walking them: there are some forty panels, and a pointer into the vectors stays
+// good because no record comes or goes later.
 #include "runtime/model/model.h"
 
 #include "runtime/model/door.h"
@@ -15,11 +18,12 @@ void FillFromTables(MDL_Control *control)
         if (!isOurs(row.panel, row.control))
             continue;
         VIEW_Line line;
-        line.id = static_cast<uint32_t>(i) + 1;
+        line.id = static_cast<uint32_t>(i) + 1; // 0 is no line
         line.label = row.label;
         line.value = row.value;
         control->lines.push_back(line);
     }
+    // A ring always shows one of its entries.
     if (!control->lines.empty()) {
         control->current = 0;
         control->state.value = control->lines[0].value;
@@ -38,6 +42,8 @@ void FillFromTables(MDL_Control *control)
 
 MDL_Panel MakePanel(const UI_Panel &row)
 {
+    // The main window's; the Designer files have the sizes of the others, and the view reports
+    // what came of them.
     constexpr VIEW_Rect START_SIZE = {0, 0, 780, 491};
     MDL_Panel panel;
     panel.row = &row;
@@ -73,7 +79,7 @@ MDL_State MakeState()
         item.callback = row.callback;
         state.items.push_back(item);
     }
-    state.lineId = static_cast<uint32_t>(UI_cnRingEntries);
+    state.lineId = static_cast<uint32_t>(UI_cnRingEntries); // those numbers are given away
     return state;
 }
 
@@ -96,6 +102,7 @@ MDL_Panel *MDL_FindPanel(int panel, int *error)
     for (MDL_Panel &candidate : MDL_GetState().panels) {
         if (candidate.row->panel != panel)
             continue;
+        // Nobody must fill a window in that was never loaded and will never be shown.
         *error = candidate.isLoaded ? 0 : UIE_NOT_LOADED;
         return candidate.isLoaded ? &candidate : nullptr;
     }
@@ -117,10 +124,26 @@ MDL_Control *MDL_FindControl(int panel, int control, int *error)
 
 MDL_Item *MDL_FindItem(int item)
 {
-    for (MDL_Item &candidate : MDL_GetState().items)
+    for (MDL_Item &candidate : MDL_GetState().items) // 0 is every separator's
         if (item != 0 && candidate.state.item == item)
             return &candidate;
     return nullptr;
+}
+
+int *MDL_FindEdge(VIEW_Rect *rect, int attribute)
+{
+    switch (attribute) {
+    case ATTR_LEFT:
+        return &rect->left;
+    case ATTR_TOP:
+        return &rect->top;
+    case ATTR_WIDTH:
+        return &rect->width;
+    case ATTR_HEIGHT:
+        return &rect->height;
+    default:
+        return nullptr;
+    }
 }
 
 // A panel inside another shares its window, and a window has one place for the keyboard.

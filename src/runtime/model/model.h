@@ -5,8 +5,11 @@
 #ifndef RUNTIME_MODEL_MODEL_H
 #define RUNTIME_MODEL_MODEL_H
 
+#include <algorithm>
 #include <deque>
+#include <initializer_list>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 #include "runtime/view.h"
@@ -100,28 +103,54 @@ void MDL_Reset();
 MDL_Panel *MDL_FindPanel(int panel, int *error);
 MDL_Control *MDL_FindControl(int panel, int control, int *error);
 MDL_Item *MDL_FindItem(int item); // null when there is none
-// What `use` answers for the record, or why there is none.
+// What `use` answers for a record; 0 when it answers nothing.
+template <class Use, class Record> int MDL_AnswerOf(Use use, Record *record)
+{
+    if constexpr (std::is_void_v<decltype(use(record))>) {
+        use(record);
+        return 0;
+    } else {
+        return use(record);
+    }
+}
+// The same for the panel or control of that number, or why there is none.
 template <class Use> int MDL_OnPanel(int panel, Use use)
 {
     int error = 0;
     MDL_Panel *found = MDL_FindPanel(panel, &error);
-    return found ? use(found) : error;
+    return found ? MDL_AnswerOf(use, found) : error;
 }
 template <class Use> int MDL_OnControl(int panel, int control, Use use)
 {
     int error = 0;
     MDL_Control *found = MDL_FindControl(panel, control, &error);
-    return found ? use(found) : error;
+    return found ? MDL_AnswerOf(use, found) : error;
+}
+inline bool MDL_IsKind(const MDL_Control &control, std::initializer_list<UI_Kind> kinds)
+{
+    return std::find(kinds.begin(), kinds.end(), control.row->kind) != kinds.end();
+}
+// The same for a control of one of these kinds; UIE_BAD_TYPE for any other.
+template <class Use>
+int MDL_OnKind(int panel, int control, std::initializer_list<UI_Kind> kinds, Use use)
+{
+    return MDL_OnControl(panel, control, [&](MDL_Control *found) -> int {
+        return MDL_IsKind(*found, kinds) ? MDL_AnswerOf(use, found) : UIE_BAD_TYPE;
+    });
 }
 inline bool MDL_HasLines(const MDL_Control &control)
 {
-    return control.row->kind == UIK_LIST || control.row->kind == UIK_RING;
+    return MDL_IsKind(control, {UIK_LIST, UIK_RING});
 }
+// The side or edge that ATTR_LEFT, TOP, WIDTH or HEIGHT means; null for any other attribute.
+int *MDL_FindEdge(VIEW_Rect *rect, int attribute);
 void MDL_SetFocus(int panel, int control); // both exist; the window's other panels lose it
 
 // --- changes --------------------------------------------------------------------------------
-// The program has set the control's value: what the user did before counts no more.
-void MDL_MarkValue(MDL_Control *control);
+// The program has changed the control's value, selection or curves: what the user did before
+// counts no more.
+void MDL_Outdate(MDL_Control *control);
+void MDL_MarkValue(MDL_Control *control); // the same, and the view must show the value
 // Hands what is marked to the view. Lists only when `hasLists`: in the middle of a callback
 // one may be half filled.
 void MDL_Flush(bool hasLists = true);
@@ -137,8 +166,16 @@ int MDL_KeepLayout(const UI_Layout &layout);
 // in their turn. The control whose own event is being handled keeps the value it had then:
 // Enter enters what stood there when it was pressed.
 void MDL_CatchUp();
-// Applies the value an event carries. 0, MDL_STALE, or a UI_Error.
+bool MDL_CarriesValue(const MDL_Control &control, const VIEW_Event &event);
+// Applies the value an event carries. 0, also when it carries none; MDL_STALE.
 int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event);
+// The view shows the program's value again over what the user did.
+void MDL_ShowAgain(MDL_Control *control);
+// Where the line of an event stands now: in its place, elsewhere, or nowhere (-1).
+int MDL_ResolveLine(const MDL_Control &list, const VIEW_LineRef &line);
+// Applies what an event says of windows: places, widths, the keyboard. True when it is done
+// with that, and no callback follows.
+bool MDL_ApplyState(const VIEW_Event &event);
 // Handles the next event. False when there is none.
 bool MDL_HandleNext();
 void MDL_BeginCall();

@@ -1,31 +1,15 @@
-// Panels: loading, showing, place, size and title.
+// Panels: loading, showing, place, size and title. Each call marks what the view must look at;
+// setting what is there already is told again, for the user may have moved the window since.
 #include "runtime/model/model.h"
 
 #include <algorithm>
 
 namespace {
 
-struct RectField {
-    int attribute;
-    int VIEW_Rect::*field;
-    unsigned mask;
-};
-const RectField RECT_FIELDS[] = {{ATTR_LEFT, &VIEW_Rect::left, VIEW_PANEL_PLACE},
-                                 {ATTR_TOP, &VIEW_Rect::top, VIEW_PANEL_PLACE},
-                                 {ATTR_WIDTH, &VIEW_Rect::width, VIEW_PANEL_SIZE},
-                                 {ATTR_HEIGHT, &VIEW_Rect::height, VIEW_PANEL_SIZE}};
-
-const RectField *FindField(int attribute)
-{
-    for (const RectField &row : RECT_FIELDS)
-        if (row.attribute == attribute)
-            return &row;
-    return nullptr;
-}
-
 void Mark(MDL_Panel *panel, unsigned mask)
 {
     panel->state.mask |= mask;
+    // Of several windows that come up in one batch the last one is to be in front.
     if (!(mask & (VIEW_PANEL_VISIBLE | VIEW_PANEL_RAISED)))
         return;
     std::vector<int> &order = MDL_GetState().shownOrder;
@@ -47,6 +31,7 @@ int LoadPanel(int parentPanel, int resource)
     int error = 0;
     if (parentPanel != 0 && !MDL_FindPanel(parentPanel, &error))
         return error;
+    // Not MDL_FindPanel: that one knows loaded panels alone.
     for (MDL_Panel &panel : MDL_GetState().panels) {
         if (panel.row->panel != resource)
             continue;
@@ -71,10 +56,7 @@ int HidePanel(int panel)
 
 int SetActivePanel(int panel)
 {
-    return MDL_OnPanel(panel, [](MDL_Panel *p) {
-        Mark(p, VIEW_PANEL_RAISED);
-        return 0;
-    });
+    return MDL_OnPanel(panel, [](MDL_Panel *p) { Mark(p, VIEW_PANEL_RAISED); });
 }
 
 int SetPanelPos(int panel, int top, int left)
@@ -83,7 +65,6 @@ int SetPanelPos(int panel, int top, int left)
         p->state.rect.top = top;
         p->state.rect.left = left;
         Mark(p, VIEW_PANEL_PLACE);
-        return 0;
     });
 }
 
@@ -97,11 +78,12 @@ int SetPanelAttribute(int panel, int attribute, int value)
             Mark(p, VIEW_PANEL_SIZABLE);
             return 0;
         }
-        const RectField *row = FindField(attribute);
-        if (!row)
+        int *edge = MDL_FindEdge(&p->state.rect, attribute);
+        if (!edge)
             return UIE_BAD_ATTRIBUTE;
-        p->state.rect.*row->field = value;
-        Mark(p, row->mask);
+        *edge = value;
+        const bool isPlace = attribute == ATTR_LEFT || attribute == ATTR_TOP;
+        Mark(p, isPlace ? VIEW_PANEL_PLACE : VIEW_PANEL_SIZE);
         return 0;
     });
 }
@@ -119,11 +101,11 @@ int SetPanelAttribute(int panel, int attribute, const std::string &text)
 
 int GetPanelAttribute(int panel, int attribute, int *value)
 {
-    MDL_CatchUp();
+    MDL_CatchUp(); // the user may have moved it a moment ago
     return MDL_OnPanel(panel, [&](MDL_Panel *p) -> int {
-        const RectField *row = FindField(attribute);
-        if (row)
-            *value = p->state.rect.*row->field;
+        const int *edge = MDL_FindEdge(&p->state.rect, attribute);
+        if (edge)
+            *value = *edge;
         else if (attribute == ATTR_VISIBLE)
             *value = p->state.isVisible;
         else if (attribute == ATTR_SIZABLE)

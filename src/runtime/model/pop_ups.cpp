@@ -1,4 +1,5 @@
-// Pop-ups, progress boxes and the desktop's services.
+// Pop-ups, progress boxes and the desktop's services. A question blocks the program, not the
+// view: it goes out with a batch, and the answer comes back as an event like any other.
 #include "runtime/model/model.h"
 
 #include <algorithm>
@@ -10,7 +11,7 @@
 namespace {
 
 constexpr size_t BUTTONS_MAX = 3;
-constexpr uint64_t WAIT_US = 60000000;
+constexpr uint64_t WAIT_US = 60000000; // at the door; then the queue is looked through again
 
 // 1 and the answer, 0 while there is none, -1 when nobody will answer any more.
 int FindAnswer(MDL_State *state, int id, VIEW_Event *answer)
@@ -21,7 +22,7 @@ int FindAnswer(MDL_State *state, int id, VIEW_Event *answer)
             return -1;
         if (state->queue[i].kind != VIEW_EVENT_ANSWER || state->queue[i].id != id)
             continue;
-        *answer = state->queue[i];
+        *answer = state->queue[i]; // out of turn: it is what the program waits for
         state->queue.erase(state->queue.begin() + static_cast<std::ptrdiff_t>(i));
         state->isCaught.erase(state->isCaught.begin() + static_cast<std::ptrdiff_t>(i));
         DOOR_CountHandled();
@@ -40,7 +41,7 @@ int Ask(VIEW_Question question, std::string *text)
     question.id = state.nextQuestion++;
     state.extra.question = question;
     VIEW_Busy busy;
-    VIEW_GetBusy(&busy);
+    VIEW_GetBusy(&busy); // a question may be asked outside a callback too
     DOOR_SetBusy(false);
     state.depth++; // no callback and no timer starts
     MDL_Flush();
@@ -50,12 +51,14 @@ int Ask(VIEW_Question question, std::string *text)
         DOOR_WaitEvent(PLT_TickUs() + WAIT_US);
     state.depth--;
     DOOR_SetBusy(busy.isBusy);
+    // The end of the session takes the question away and all that may follow it.
     if (found < 0) {
         state.isEndWished = true;
         state.extra.closedQuestion = question.id;
         MDL_Flush();
         return 0;
     }
+    // The view keeps to the bound as well; this is the side that must not rely on it.
     if (text && answer.button > 0)
         *text = question.maxLength > 0 ? answer.text.substr(0, question.maxLength) : answer.text;
     return answer.button;
@@ -143,6 +146,7 @@ int FileSelectPopup(const std::string &directory, const std::string &spec, const
     std::string chosen;
     if (Ask(question, &chosen) != 1 || chosen.empty())
         return VAL_NO_FILE_SELECTED;
+    // A terminal and the tests answer with any name; a window's dialog has looked already.
     const bool exists = PLF_Exists(chosen);
     if (!exists && mode == FILE_LOAD)
         return VAL_NO_FILE_SELECTED;
@@ -167,7 +171,7 @@ int UpdateProgressDialog(int dialog, int percent, const std::string &text)
     VIEW_Progress *box = FindProgress(dialog);
     if (!box)
         return UIE_NO_CONTROL;
-    box->percent = percent < 0 ? 0 : percent > 100 ? 100 : percent;
+    box->percent = std::clamp(percent, 0, 100);
     box->text = text;
     Show(*box);
     return DOOR_IsCancelled(dialog) ? 1 : 0;
@@ -182,12 +186,13 @@ int DiscardProgressDialog(int dialog)
     Show(*box);
     MDL_State &state = MDL_GetState();
     state.progress.erase(state.progress.begin() + (box - state.progress.data()));
-    DOOR_ForgetCancel(dialog);
+    DOOR_ForgetCancel(dialog); // else whatever runs next would be broken off
     return 0;
 }
 
 int MDL_KeepLayout(const UI_Layout &layout)
 {
+    // The settings file has name and numbers in one line, parted by blanks.
     const bool isNameGood =
         !layout.name.empty() && layout.name.size() <= UI_LAYOUT_NAME_MAX &&
         std::all_of(layout.name.begin(), layout.name.end(), [](char c) { return c > ' '; });
@@ -208,6 +213,7 @@ int MDL_KeepLayout(const UI_Layout &layout)
 
 int SetViewLayout(const UI_Layout &layout)
 {
+    // Of the last run: the view has to hear of it. What the view itself reports is only kept.
     const int result = MDL_KeepLayout(layout);
     if (result == 0)
         MDL_GetState().extra.layouts.push_back(layout);
@@ -232,7 +238,7 @@ int ShowHelpText(const std::string &path)
 
 int Beep()
 {
-    MDL_GetState().extra.isBeep = true;
+    MDL_GetState().extra.isBeep = true; // heard with the next batch, once
     return 0;
 }
 

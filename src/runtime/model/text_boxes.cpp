@@ -1,4 +1,5 @@
-// Texts: one-line fields and shown texts, and boxes of many lines.
+// Texts: one-line fields and shown texts, and boxes of many lines. A box goes to the view as what
+// was added to it: twenty thousand lines of a console are too much to be told anew for each.
 #include "runtime/model/model.h"
 
 namespace {
@@ -6,9 +7,7 @@ namespace {
 // What `use` answers for a text box, or why there is none.
 template <class Use> int OnBox(int panel, int control, Use use)
 {
-    return MDL_OnControl(panel, control, [&](MDL_Control *c) -> int {
-        return c->row->kind == UIK_TEXTBOX ? use(c) : UIE_BAD_TYPE;
-    });
+    return MDL_OnKind(panel, control, {UIK_TEXTBOX}, use);
 }
 
 int Count(const MDL_Control &box)
@@ -57,14 +56,15 @@ void Append(MDL_Control *box, const std::string &text)
     if (text.empty())
         return;
     std::vector<std::string> added = SplitLines(text);
-    if (box->isLineOpen) {
+    if (box->isLineOpen) { // a prompt and what was typed behind it are one line
         box->box.back() += added.front();
         added.erase(added.begin());
     }
     box->box.insert(box->box.end(), added.begin(), added.end());
     box->isLineOpen = text.back() != '\n';
-    if (!box->isLineOpen)
+    if (!box->isLineOpen) // what stands behind the last line feed is no line
         box->box.pop_back();
+    // The view's box bounds itself by the same number: it need not be told.
     while (Count(*box) > UI_BOX_LINES_MAX)
         box->box.pop_front();
     box->boxChange.text += text;
@@ -109,15 +109,14 @@ int ResetTextBox(int panel, int control, const std::string &text)
     return OnBox(panel, control, [&](MDL_Control *box) {
         // Written again with what it shows: a selection in it survives.
         if (box->boxChange.text.empty() && text == WholeText(*box) + (box->isLineOpen ? "" : "\n"))
-            return 0;
+            return;
         box->box.clear();
         box->firstVisible = 0;
         box->isLineOpen = false;
         box->boxChange = VIEW_TextBox();
         box->boxChange.isReset = true;
         Append(box, text);
-        Mark(box);
-        return 0;
+        Mark(box); // also for no text at all
     });
 }
 
@@ -143,9 +142,10 @@ int DeleteTextBoxLines(int panel, int control, int line, int count)
         if (line < 0 || line >= Count(*box))
             return UIE_BAD_INDEX;
         const int last = count < 0 || count > Count(*box) - line ? Count(*box) : line + count;
-        if (last == Count(*box))
+        if (last == Count(*box)) // the open line is gone, and a new text begins one of its own
             box->isLineOpen = false;
         box->box.erase(box->box.begin() + line, box->box.begin() + last);
+        // Lines that leave at the top, as a log's do: the rest stays where it is on the screen.
         if (line == 0 && !box->box.empty()) {
             box->boxChange.dropped += last;
             Mark(box);
@@ -158,10 +158,7 @@ int DeleteTextBoxLines(int panel, int control, int line, int count)
 
 int GetNumTextBoxLines(int panel, int control, int *count)
 {
-    return OnBox(panel, control, [&](MDL_Control *box) {
-        *count = Count(*box);
-        return 0;
-    });
+    return OnBox(panel, control, [&](MDL_Control *box) { *count = Count(*box); });
 }
 
 int GetTextBoxLine(int panel, int control, int line, std::string *text)

@@ -10,6 +10,7 @@
 #include <QScrollBar>
 #include <QSlider>
 #include <QSpinBox>
+#include <algorithm>
 #include <cstdio>
 
 #include "runtime/qt/led_label.h"
@@ -19,6 +20,7 @@
 #include "runtime/qt/text_box.h"
 #include "runtime/qt/toggle_switch.h"
 
+// Tests put a notebook in place of the door.
 bool (*QTV_postTo)(const VIEW_Event &event) = VIEW_Post;
 
 namespace {
@@ -28,6 +30,7 @@ struct ClassRow {
     const QMetaObject *widgetClass;
 };
 
+// Which classes a control may be made of. A number has three: a layout chooses the one that suits.
 const ClassRow CLASS_ROWS[] = {
     {UIK_BUTTON, &QPushButton::staticMetaObject},    {UIK_SWITCH, &ToggleSwitch::staticMetaObject},
     {UIK_LED, &LedLabel::staticMetaObject},          {UIK_TEXT, &QLabel::staticMetaObject},
@@ -38,15 +41,7 @@ const ClassRow CLASS_ROWS[] = {
     {UIK_GRAPH, &PlotWidget::staticMetaObject},      {UIK_DECOR, &QWidget::staticMetaObject},
 };
 
-bool IsOfKind(const QWidget *widget, UI_Kind kind)
-{
-    for (const ClassRow &row : CLASS_ROWS)
-        if (row.kind == kind && row.widgetClass->cast(widget))
-            return true;
-    return false;
-}
-
-// What stands in the control now.
+// What stands in the control now. A button has nothing.
 void FillValue(const QTV_Control &control, VIEW_Event *event)
 {
     QWidget *widget = control.widget;
@@ -63,6 +58,7 @@ void FillValue(const QTV_Control &control, VIEW_Event *event)
     } else if (auto *field = qobject_cast<QLineEdit *>(widget)) {
         event->text = field->text().toStdString();
     } else if (auto *ring = qobject_cast<QComboBox *>(widget)) {
+        // Entries of the Designer file alone have no data: their place is their value.
         const QVariant value = ring->currentData();
         event->value = value.isValid() ? value.toInt() : ring->currentIndex();
     } else if (auto *list = qobject_cast<LineList *>(widget)) {
@@ -72,31 +68,14 @@ void FillValue(const QTV_Control &control, VIEW_Event *event)
     }
 }
 
-// A slot that posts an event of the control with its value.
+// A slot that posts an event of the control with its value. Many widgets signal a change of the
+// program's like one of the user's: what comes while a batch is drawn is the program's.
 auto Reporter(QTV_Control *control, int event)
 {
     return [control, event] {
         if (!QTV_IsDrawing())
             QTV_PostControl(*control, event);
     };
-}
-
-// A click that was refused leaves the switch where it was.
-void ConnectSwitch(QTV_Control *control, ToggleSwitch *toggle)
-{
-    QObject::connect(toggle, &QAbstractButton::clicked, [control, toggle](bool isOn) {
-        if (!QTV_PostControl(*control, EVENT_COMMIT))
-            toggle->setChecked(!isOn);
-    });
-}
-
-void ConnectField(QTV_Control *control, QLineEdit *field)
-{
-    QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
-    QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
-        if (!QTV_IsChoosing(field))
-            QTV_PostControl(*control, EVENT_COMMIT);
-    });
 }
 
 void ConnectNumber(QTV_Control *control)
@@ -108,18 +87,14 @@ void ConnectNumber(QTV_Control *control)
         QObject::connect(slider, &QSlider::valueChanged, Reporter(control, EVENT_VAL_CHANGED));
     if (auto *real = qobject_cast<QDoubleSpinBox *>(widget))
         QObject::connect(real, &QDoubleSpinBox::valueChanged, Reporter(control, EVENT_VAL_CHANGED));
+    // Enter is heard by the field inside; a slider has none.
     if (auto *field = widget->findChild<QLineEdit *>())
         QObject::connect(field, &QLineEdit::returnPressed, Reporter(control, EVENT_COMMIT));
 }
 
 VIEW_Event MakeEvent(const QTV_Control &control, VIEW_EventKind kind, int event)
 {
-    VIEW_Event made;
-    made.kind = kind;
-    made.event = event;
-    made.panel = control.row->panel;
-    made.control = control.row->control;
-    return made;
+    return VIEW_MakeEvent(kind, control.row->panel, control.row->control, event);
 }
 
 void ConnectList(QTV_Control *control, LineList *list)
@@ -129,6 +104,7 @@ void ConnectList(QTV_Control *control, LineList *list)
     QObject::connect(list, &LineList::lineDoubleClicked,
                      Reporter(control, EVENT_LEFT_DOUBLE_CLICK));
     QObject::connect(list, &LineList::contextRequested, Reporter(control, EVENT_RIGHT_CLICK));
+    // What follows names lines by their numbers: rows may be others by the time it is handled.
     QObject::connect(list, &LineList::lineDropped, [control, list](int source, int target) {
         VIEW_Event event = MakeEvent(*control, VIEW_EVENT_CONTROL, EVENT_DROPPED);
         event.line = {source, list->lines()->id(source)};
@@ -155,32 +131,31 @@ void ConnectList(QTV_Control *control, LineList *list)
         event.widths = list->columnWidths();
         QTV_Post(event);
     });
-    list->setDraggable(control->row->callback != nullptr);
+    list->setDraggable(control->row->callback != nullptr); // else nobody would move the line
 }
 
-void ConnectBox(QTV_Control *control, TextBox *box)
-{
-    QObject::connect(box->verticalScrollBar(), &QScrollBar::valueChanged, [control, box](int top) {
-        VIEW_Event event = MakeEvent(*control, VIEW_EVENT_SCROLLED, 0);
-        event.value = top;
-        event.extra = box->verticalScrollBar()->pageStep();
-        QTV_Post(event);
-    });
-}
-
+// The signals of each kind that a user sets off.
 void Connect(QTV_Control *control)
 {
     QWidget *widget = control->widget;
+    auto *button = qobject_cast<QAbstractButton *>(widget);
+    auto *field = qobject_cast<QLineEdit *>(widget);
     switch (control->row->kind) {
     case UIK_BUTTON:
-        QObject::connect(static_cast<QAbstractButton *>(widget), &QAbstractButton::clicked,
-                         Reporter(control, EVENT_COMMIT));
+        QObject::connect(button, &QAbstractButton::clicked, Reporter(control, EVENT_COMMIT));
         break;
-    case UIK_SWITCH:
-        ConnectSwitch(control, static_cast<ToggleSwitch *>(widget));
+    case UIK_SWITCH: // a click that was refused leaves it where it was
+        QObject::connect(button, &QAbstractButton::clicked, [control, button](bool isOn) {
+            if (!QTV_PostControl(*control, EVENT_COMMIT))
+                button->setChecked(!isOn);
+        });
         break;
     case UIK_STRING:
-        ConnectField(control, static_cast<QLineEdit *>(widget));
+        QObject::connect(field, &QLineEdit::textEdited, Reporter(control, EVENT_VAL_CHANGED));
+        QObject::connect(field, &QLineEdit::returnPressed, [control, field] {
+            if (!QTV_IsChoosing(field)) // else Enter takes the completion
+                QTV_PostControl(*control, EVENT_COMMIT);
+        });
         break;
     case UIK_NUMBER:
         ConnectNumber(control);
@@ -192,9 +167,16 @@ void Connect(QTV_Control *control)
     case UIK_LIST:
         ConnectList(control, static_cast<LineList *>(widget));
         break;
-    case UIK_TEXTBOX:
-        ConnectBox(control, static_cast<TextBox *>(widget));
+    case UIK_TEXTBOX: {
+        auto *bar = static_cast<TextBox *>(widget)->verticalScrollBar();
+        QObject::connect(bar, &QScrollBar::valueChanged, [control, bar](int top) {
+            VIEW_Event event = MakeEvent(*control, VIEW_EVENT_SCROLLED, 0);
+            event.value = top;
+            event.extra = bar->pageStep();
+            QTV_Post(event);
+        });
         break;
+    }
     case UIK_GRAPH:
         QObject::connect(static_cast<PlotWidget *>(widget), &PlotWidget::changedByUser,
                          Reporter(control, EVENT_VAL_CHANGED));
@@ -212,7 +194,11 @@ bool QTV_BindControl(QTV_Control *control, QWidget *window)
     if (row->kind == UIK_TIMER)
         return true;
     control->widget = window->findChild<QWidget *>(row->name);
-    if (!control->widget || !IsOfKind(control->widget, row->kind)) {
+    const auto isOfKind = [control, row](const ClassRow &candidate) {
+        return candidate.kind == row->kind && candidate.widgetClass->cast(control->widget);
+    };
+    // A table and a layout that differ are a mistake of ours, found by the first test.
+    if (!control->widget || std::none_of(std::begin(CLASS_ROWS), std::end(CLASS_ROWS), isOfKind)) {
         std::fprintf(stderr, "panel %d, control %d: %s '%s'\n", row->panel, row->control,
                      control->widget ? "wrong class of widget" : "no widget", row->name);
         return false;
@@ -228,10 +214,7 @@ bool QTV_Post(const VIEW_Event &event)
 
 void QTV_PostPanel(int panel, int event, int value)
 {
-    VIEW_Event posted;
-    posted.kind = VIEW_EVENT_PANEL;
-    posted.event = event;
-    posted.panel = panel;
+    VIEW_Event posted = VIEW_MakeEvent(VIEW_EVENT_PANEL, panel, 0, event);
     posted.value = value;
     QTV_Post(posted);
 }
@@ -240,7 +223,7 @@ bool QTV_PostControl(const QTV_Control &control, int event, int value)
 {
     VIEW_Event posted = MakeEvent(control, VIEW_EVENT_CONTROL, event);
     FillValue(control, &posted);
-    if (event == EVENT_KEYPRESS)
+    if (event == EVENT_KEYPRESS) // the key instead of what a switch or ring holds
         posted.value = value;
     return QTV_Post(posted);
 }

@@ -12,18 +12,6 @@ namespace {
 constexpr int VISIBLE_LINES = 10;
 const char CHOOSING[] = "choosing"; // property of the field: a completion is marked
 
-// The field has taken the marked text by the time the event loop turns.
-void ReportChosen(QCompleter *completer, const QTV_Control *control, QLineEdit *field)
-{
-    const auto report = [control] { QTV_PostControl(*control, EVENT_VAL_CHANGED); };
-    const auto highlighted = QOverload<const QString &>::of(&QCompleter::highlighted);
-    const auto activated = QOverload<const QString &>::of(&QCompleter::activated);
-    QObject::connect(completer, highlighted, field,
-                     [field] { field->setProperty(CHOOSING, true); });
-    QObject::connect(completer, highlighted, completer, report, Qt::QueuedConnection);
-    QObject::connect(completer, activated, completer, report, Qt::QueuedConnection);
-}
-
 } // namespace
 
 bool QTV_IsChoosing(const QLineEdit *field)
@@ -43,12 +31,19 @@ void QTV_SetCompletion(const QTV_Control &control, bool isOn)
     auto *completer = new QCompleter(field);
     completer->setModel(new QStringListModel(completer));
     completer->setCaseSensitivity(Qt::CaseInsensitive);
-    completer->setFilterMode(Qt::MatchContains);
+    completer->setFilterMode(Qt::MatchContains); // what is typed may stand anywhere in a name
     completer->setMaxVisibleItems(VISIBLE_LINES);
     field->setCompleter(completer);
     QObject::connect(field, &QLineEdit::textEdited, completer,
                      [field] { field->setProperty(CHOOSING, false); });
-    ReportChosen(completer, &control, field);
+    // The field has taken the marked text by the time the event loop turns: hence queued.
+    const auto report = [&control] { QTV_PostControl(control, EVENT_VAL_CHANGED); };
+    const auto highlighted = QOverload<const QString &>::of(&QCompleter::highlighted);
+    const auto activated = QOverload<const QString &>::of(&QCompleter::activated);
+    QObject::connect(completer, highlighted, field,
+                     [field] { field->setProperty(CHOOSING, true); });
+    QObject::connect(completer, highlighted, completer, report, Qt::QueuedConnection);
+    QObject::connect(completer, activated, completer, report, Qt::QueuedConnection);
 }
 
 void QTV_DrawCompletion(const VIEW_Completion &change)
@@ -64,7 +59,7 @@ void QTV_DrawCompletion(const VIEW_Completion &change)
     static_cast<QStringListModel *>(completer->model())->setStringList(texts);
     if (texts.isEmpty()) {
         completer->popup()->hide();
-    } else if (field->hasFocus()) {
+    } else if (field->hasFocus()) { // not over another field
         completer->setCompletionPrefix(field->text());
         completer->complete();
     }

@@ -1,4 +1,5 @@
-// Controls: drawing what the program has changed of them.
+// Controls: drawing what the program has changed of them. The mask of a change says what, and
+// all that stands in the layout beside it stays.
 #include "runtime/qt/qt_view.h"
 
 #include <QAbstractSpinBox>
@@ -26,19 +27,13 @@ constexpr double PLAIN_CONTRAST = 12; // so dark on a light ground is meant as p
 
 void DrawNumber(QWidget *widget, double value)
 {
-    const QSignalBlocker quiet(widget);
+    const QSignalBlocker quiet(widget); // or the program would hear of it as typed
     if (auto *whole = qobject_cast<QSpinBox *>(widget))
         whole->setValue(static_cast<int>(std::lround(value)));
     else if (auto *slider = qobject_cast<QSlider *>(widget))
         slider->setValue(static_cast<int>(std::lround(value)));
     else if (auto *real = qobject_cast<QDoubleSpinBox *>(widget))
         real->setValue(value);
-}
-
-void DrawRingValue(QComboBox *ring, int value)
-{
-    const int found = ring->findData(value);
-    ring->setCurrentIndex(found >= 0 ? found : value);
 }
 
 // The cursor stays where it is as far as the new text goes.
@@ -66,9 +61,12 @@ void DrawValue(const QTV_Control &control, const VIEW_Control &change)
     case UIK_NUMBER:
         DrawNumber(widget, change.number);
         break;
-    case UIK_RING:
-        DrawRingValue(static_cast<QComboBox *>(widget), change.value);
+    case UIK_RING: { // entries of the layout alone have no data: their place is their value
+        auto *ring = static_cast<QComboBox *>(widget);
+        const int found = ring->findData(change.value);
+        ring->setCurrentIndex(found >= 0 ? found : change.value);
         break;
+    }
     case UIK_TEXT:
         static_cast<QLabel *>(widget)->setText(QTV_ToQt(change.text));
         break;
@@ -87,22 +85,16 @@ void DrawColor(QWidget *widget, int color)
     const QPalette around = widget->window()->palette();
     const QColor ground = around.color(QPalette::Window);
     const QColor meant = QColor::fromRgb(static_cast<QRgb>(color) | 0xFF000000u);
+    // Black is no colour the program chose: on a dark desktop it means the desktop's own pen.
     const bool isPlain = LOOK_Contrast(meant, Qt::white) > PLAIN_CONTRAST;
     const QColor pen = isPlain ? around.color(QPalette::WindowText) : LOOK_Readable(meant, ground);
     QPalette palette = widget->palette();
+    // Not the disabled group: what is dimmed must look so.
     for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
         palette.setColor(QPalette::Active, role, pen);
         palette.setColor(QPalette::Inactive, role, pen);
     }
     widget->setPalette(palette);
-}
-
-void DrawMode(QWidget *widget, bool canType)
-{
-    if (auto *field = qobject_cast<QLineEdit *>(widget))
-        field->setReadOnly(!canType);
-    else if (auto *number = qobject_cast<QAbstractSpinBox *>(widget))
-        number->setReadOnly(!canType);
 }
 
 // The widget that shows a control's label: itself, or the label whose buddy it is.
@@ -116,13 +108,6 @@ QWidget *LabelOf(QWidget *widget)
         if (label->buddy() == widget)
             return label;
     return qobject_cast<QLabel *>(widget);
-}
-
-void DrawLabel(QWidget *widget, const QString &text)
-{
-    QWidget *label = LabelOf(widget);
-    if (label)
-        label->setProperty(qobject_cast<QGroupBox *>(label) ? "title" : "text", text);
 }
 
 } // namespace
@@ -140,15 +125,21 @@ void QTV_DrawControl(const VIEW_Control &change)
     if (change.mask & VIEW_CTRL_VISIBLE)
         widget->setVisible(change.isVisible);
     if (change.mask & VIEW_CTRL_COLOR) {
-        control->color = change.color;
+        control->color = change.color; // kept for the day the desktop turns dark
         DrawColor(widget, change.color);
     }
-    if (change.mask & VIEW_CTRL_LABEL)
-        DrawLabel(widget, QTV_AccessText(change.label));
+    QWidget *label = change.mask & VIEW_CTRL_LABEL ? LabelOf(widget) : nullptr;
+    if (label) // as a property: buttons, labels and group boxes have no base class with a text
+        label->setProperty(qobject_cast<QGroupBox *>(label) ? "title" : "text",
+                           QTV_AccessText(change.label));
     if (change.mask & VIEW_CTRL_TOOLTIP)
         widget->setToolTip(QTV_ToQt(change.tooltip));
-    if (change.mask & VIEW_CTRL_MODE)
-        DrawMode(widget, change.canType);
+    if (change.mask & VIEW_CTRL_MODE) {
+        if (auto *field = qobject_cast<QLineEdit *>(widget))
+            field->setReadOnly(!change.canType);
+        else if (auto *number = qobject_cast<QAbstractSpinBox *>(widget))
+            number->setReadOnly(!change.canType);
+    }
     if ((change.mask & VIEW_CTRL_SEGMENTS) && control->row->kind == UIK_BAR)
         static_cast<SegmentBar *>(widget)->setSegments(change.segments);
     if (change.mask & VIEW_CTRL_COMPLETION)
@@ -161,6 +152,7 @@ void QTV_UsePalette(QTV_Panel *panel)
         return;
     const QPalette around = panel->window->palette();
     const QColor quiet = LOOK_Quiet(around, around.color(QPalette::Window));
+    // Captions over parts of a window are quieter than what stands in them.
     const QList<QLabel *> labels = panel->window->findChildren<QLabel *>();
     for (QLabel *label : labels) {
         if (!label->property("caption").toBool() || label->window() != panel->window)

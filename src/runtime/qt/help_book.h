@@ -1,10 +1,12 @@
-// The help's pages as a book: what its first page lists, in that order. Plain data, read anew at
-// each opening; only the help window asks.
+// The help's pages as a book: what its first page lists, in that order, and how a page is set in
+// the window. Plain data, read anew at each opening; only the help window asks.
 #ifndef RUNTIME_QT_HELP_BOOK_H
 #define RUNTIME_QT_HELP_BOOK_H
 
 #include <QString>
 #include <QVector>
+
+class QTextBrowser;
 
 struct QTV_HelpPage {
     QString section; // heading of the list it stands in; "" = none
@@ -21,5 +23,10 @@ QString QTV_ReadHelpPage(const QString &path);
 QString QTV_HeadingAnchor(const QString &heading);
 // Whether a page may hold the words: a quick look at its text, before it is laid out.
 bool QTV_MayHold(const QString &markdown, const QString &words);
+// What Qt's reader of Markdown leaves out of the page that has just been set: air between
+// paragraphs, lines of tables, a ground for listings.
+void QTV_SpaceHelpPage(QTextBrowser *text);
+// Makes pictures of whole windows no wider than the page; again whenever that has changed.
+void QTV_FitHelpPictures(QTextBrowser *text);
 
 #endif

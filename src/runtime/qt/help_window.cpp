@@ -4,7 +4,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QImage>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -16,7 +15,6 @@
 #include <QStyle>
 #include <QTextBlock>
 #include <QTextBrowser>
-#include <QTextTable>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -28,8 +26,6 @@ namespace {
 
 constexpr int WIDTH = 980, HEIGHT = 640, CONTENTS_WIDTH = 250; // pixels
 constexpr int CONTENTS_DEPTH = 2;                              // levels of headings
-constexpr int HEADING_SPACE = 12, PARAGRAPH_SPACE = 6;         // pixels
-constexpr int CELL_SPACE = 4, PICTURE_MARGIN = 30;             // pixels
 constexpr int PLACES_MAX = 100;                                // to go back to
 const char LAYOUT[] = "help";                                  // left, top, size, its two parts
 enum { ROLE_PAGE = Qt::UserRole, ROLE_POSITION };              // of a line of the contents
@@ -51,6 +47,7 @@ public:
         m_search->setPlaceholderText("Search all pages (Enter: next)");
         m_search->setClearButtonEnabled(true);
         m_found->setTextFormat(Qt::PlainText);
+        // Links are followed by us: the browser would open files that are no pages of the book.
         m_text->setObjectName("text");
         m_text->setOpenLinks(false);
         arrange();
@@ -90,6 +87,7 @@ public:
             m_behind.clear();
             open(0);
         }
+        // Shown before: the user has put it where it is.
         if (!isVisible())
             PanelWindow::fit(this, m_hasPlace);
         QWidget::show();
@@ -120,6 +118,7 @@ protected:
     }
 
 private:
+    // At every step of a drag; what has not changed is not told again (QTV_KeepLayout).
     void keepPlace()
     {
         const QList<int> parts = m_split->sizes();
@@ -159,10 +158,15 @@ private:
         m_page = page;
         m_text->setSearchPaths({QFileInfo(path).absolutePath()});
         m_text->setMarkdown(QTV_ReadHelpPage(path));
-        spaceParagraphs();
+        QTV_SpaceHelpPage(m_text);
         fitPictures();
         listContents();
         enableSteps();
+    }
+
+    void fitPictures()
+    {
+        QTV_FitHelpPictures(m_text);
     }
 
     // The same as a step that Back undoes.
@@ -179,6 +183,7 @@ private:
     {
         if (from->isEmpty())
             return;
+        // Back and forward are one walk: what one list gives goes to the other.
         to->append({m_page, m_text->verticalScrollBar()->value()});
         const Place place = from->takeLast();
         open(place.page);
@@ -209,63 +214,6 @@ private:
             if (block.blockFormat().headingLevel() > 0 &&
                 QTV_HeadingAnchor(block.text()) == link.fragment())
                 scrollTo(block.position());
-    }
-
-    // The reader of Markdown sets paragraphs without air between them, and tables without lines.
-    void spaceParagraphs()
-    {
-        QTextCursor cursor(m_text->document());
-        for (QTextBlock block = m_text->document()->begin(); block.isValid();
-             block = block.next()) {
-            QTextBlockFormat format = block.blockFormat();
-            cursor.setPosition(block.position());
-            if (QTextTable *table = cursor.currentTable()) {
-                QTextTableFormat frame = table->format();
-                frame.setCellPadding(CELL_SPACE);
-                frame.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
-                frame.setBorderCollapse(true);
-                frame.setBorder(1);
-                frame.setBorderBrush(palette().mid());
-                frame.setBottomMargin(PARAGRAPH_SPACE);
-                table->setFormat(frame);
-                block = table->lastCursorPosition().block();
-                continue;
-            }
-            const bool isListing = format.nonBreakableLines();
-            if (isListing)
-                format.setBackground(palette().alternateBase());
-            format.setTopMargin(format.headingLevel() > 0 ? HEADING_SPACE : 0);
-            format.setBottomMargin(
-                isListing && block.next().blockFormat().nonBreakableLines() ? 0 : PARAGRAPH_SPACE);
-            cursor.setBlockFormat(format);
-        }
-    }
-
-    // Pictures of whole windows are made no wider than the page.
-    void fitPictures()
-    {
-        const int room = m_text->viewport()->width() - PICTURE_MARGIN;
-        for (QTextBlock block = m_text->document()->begin(); block.isValid(); block = block.next())
-            for (auto part = block.begin(); !part.atEnd(); ++part) {
-                QTextImageFormat picture = part.fragment().charFormat().toImageFormat();
-                if (!picture.isValid())
-                    continue;
-                const QVariant found =
-                    m_text->loadResource(QTextDocument::ImageResource, picture.name());
-                QImage image = QImage::fromData(found.toByteArray());
-                picture.setWidth(qMin(image.width(), room));
-                if (image.width() > room) // smoothly: these are letters
-                    image = image.scaledToWidth(qRound(room * devicePixelRatioF()),
-                                                Qt::SmoothTransformation);
-                m_text->document()->addResource(QTextDocument::ImageResource, QUrl(picture.name()),
-                                                image);
-                QTextCursor cursor(m_text->document());
-                cursor.setPosition(part.fragment().position());
-                cursor.setPosition(cursor.position() + part.fragment().length(),
-                                   QTextCursor::KeepAnchor);
-                cursor.setCharFormat(picture);
-                break; // the block's parts are not what they were
-            }
     }
 
     // The book's pages, and below the one that is open its headings.
@@ -318,10 +266,11 @@ private:
         const QListWidgetItem *item = m_contents->item(row);
         if (!item || item->data(ROLE_PAGE).toInt() < 0)
             return;
+        // Read before the page is turned: listing its contents takes all lines away.
         const int page = item->data(ROLE_PAGE).toInt();
         const int position = item->data(ROLE_POSITION).toInt();
         if (page != m_page)
-            openNext(page); // the item is gone
+            openNext(page);
         scrollTo(position);
     }
 
@@ -340,6 +289,7 @@ private:
     {
         const QString wanted = m_search->text();
         QTextCursor cursor = m_text->textCursor();
+        // While one types, the word that grows is looked for where its beginning was found.
         const int start = isNext ? cursor.selectionEnd() : cursor.selectionStart();
         cursor.setPosition(start);
         m_text->setTextCursor(cursor);
@@ -349,6 +299,7 @@ private:
         const int origin = m_page;
         for (int i = 1; i < m_book.size(); i++) {
             const int page = static_cast<int>((origin + i) % m_book.size());
+            // Laying out a page takes a while: most are ruled out by their text.
             if (!QTV_MayHold(QTV_ReadHelpPage(m_book[page].path), wanted))
                 continue;
             openNext(page);
@@ -357,7 +308,7 @@ private:
             step(&m_before, &m_behind); // the words stood in a link or a mark
             m_behind.clear();
         }
-        m_text->moveCursor(QTextCursor::Start);
+        m_text->moveCursor(QTextCursor::Start); // the page it began on, from its top
         if (!m_text->find(wanted))
             m_found->setText("not found");
         enableSteps();
@@ -383,6 +334,7 @@ QPointer<HelpWindow> window; // goes with the main one
 
 void QTV_ShowHelp(const std::string &path)
 {
+    // Kept when it is closed: the reader finds his page again.
     if (!window)
         window = new HelpWindow(QTV_MainWindow());
     window->show(QTV_ToQt(path));

@@ -50,13 +50,6 @@ bool IsPrintable(int code)
     return code >= 0x20 && code < 0x7F;
 }
 
-// Arrows would walk from button to button; in this program they belong to the list.
-bool IsArrowOnButton(const QTV_Control *control, int code)
-{
-    return control && (control->row->kind == UIK_BUTTON || control->row->kind == UIK_SWITCH) &&
-           (code == KEY_UP || code == KEY_DOWN);
-}
-
 // Posts the key to those the table names. Whether it is swallowed there.
 bool Offer(const QTV_Panel &panel, const QTV_Control *control, int code)
 {
@@ -71,24 +64,15 @@ bool Offer(const QTV_Panel &panel, const QTV_Control *control, int code)
     const UI_KeyRow *row = UI_FindKey(number, 0, code);
     if (row)
         QTV_PostPanel(number, EVENT_KEYPRESS, code);
-    return (row && row->isSwallowed) || IsArrowOnButton(control, code);
+    // Arrows would walk from button to button; in this program they belong to the list.
+    const bool isArrowOnButton =
+        control && (code == KEY_UP || code == KEY_DOWN) &&
+        (control->row->kind == UIK_BUTTON || control->row->kind == UIK_SWITCH);
+    return (row && row->isSwallowed) || isArrowOnButton;
 }
 
-// Escape leaves every window but the main one, if nothing in it wanted the key.
-bool LeaveOnEscape(const QTV_Panel &panel, int code)
-{
-    if (code != KEY_ESC || panel.parent || panel.row->panel == UI_nMenuPanel)
-        return false;
-    QTV_PostPanel(panel.row->panel, EVENT_CLOSE);
-    return true;
-}
-
-// A field that edits a cell of a list has its keys to itself.
-bool IsCellEditor(const QWidget *widget, const QTV_Control *control)
-{
-    return control && control->row->kind == UIK_LIST && widget->inherits("QLineEdit");
-}
-
+// One filter for the whole application: a key passes it before any widget, and the key table holds
+// for widgets that know nothing of it.
 class KeyRouter : public QObject {
 public:
     using QObject::QObject;
@@ -108,13 +92,22 @@ public:
         PanelWindow *window = PanelWindow::holding(receiver);
         if (!window || receiver->window() != window->window())
             return false; // the list of an open ring has its keys to itself
+        // A field that edits a cell of a list has its keys to itself.
         const QTV_Control *control = QTV_ControlOf(receiver);
-        if (IsCellEditor(receiver, control))
+        if (control && control->row->kind == UIK_LIST && receiver->inherits("QLineEdit"))
             return false;
         const auto *key = static_cast<QKeyEvent *>(event);
         const int code = QTV_KeyCode(key->key(), key->modifiers(), key->text());
-        return code != 0 &&
-               (Offer(*window->record(), control, code) || LeaveOnEscape(*window->record(), code));
+        const QTV_Panel &panel = *window->record();
+        if (code == 0)
+            return false;
+        if (Offer(panel, control, code))
+            return true;
+        // Escape leaves every window but the main one, if nothing in it wanted the key.
+        if (code != KEY_ESC || panel.parent || panel.row->panel == UI_nMenuPanel)
+            return false;
+        QTV_PostPanel(panel.row->panel, EVENT_CLOSE);
+        return true;
     }
 };
 
@@ -131,6 +124,7 @@ int QTV_KeyCode(int qtKey, Qt::KeyboardModifiers modifiers, const QString &text)
     const int special = SpecialKey(qtKey);
     if (special != 0)
         return special | flags | (qtKey == Qt::Key_Backtab ? KEY_SHIFT : shift);
+    // With Ctrl or Alt there is no text, or a control character: the key itself counts.
     if (flags != 0)
         return IsPrintable(qtKey) ? qtKey | flags | shift : 0;
     // What was typed already tells whether Shift was down.

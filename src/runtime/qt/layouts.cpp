@@ -16,6 +16,7 @@ std::string NameOf(const QTV_Panel &panel, const QSplitter &splitter)
     return std::to_string(panel.row->panel) + "." + splitter.objectName().toStdString();
 }
 
+// Only if it still has as many parts as when the sizes were kept.
 void Arrange(const QTV_Panel &panel, QSplitter *splitter)
 {
     const std::vector<int> sizes = QTV_FindLayout(NameOf(panel, *splitter));
@@ -26,7 +27,7 @@ void Arrange(const QTV_Panel &panel, QSplitter *splitter)
 QList<QSplitter *> SplittersOf(const QTV_Panel &panel)
 {
     QList<QSplitter *> splitters = panel.window->findChildren<QSplitter *>();
-    // Windows that belong to this one have their own.
+    // Windows that belong to this one have their own, and Qt finds them as its children.
     splitters.removeIf([&panel](const QSplitter *splitter) {
         return PanelWindow::holding(splitter->parentWidget()) != panel.window;
     });
@@ -38,6 +39,7 @@ QList<QSplitter *> SplittersOf(const QTV_Panel &panel)
 void QTV_UseLayout(const UI_Layout &layout)
 {
     layouts[layout.name] = layout.numbers;
+    // Settings are read after some panels were loaded; those that come later look it up themselves.
     for (int i = 0; i < UI_cnPanels; i++) {
         const QTV_Panel *panel = QTV_FindPanel(UI_aPanels[i].panel);
         if (!panel->window)
@@ -55,11 +57,10 @@ std::vector<int> QTV_FindLayout(const std::string &name)
 
 void QTV_KeepLayout(const std::string &name, const std::vector<int> &numbers)
 {
-    if (QTV_FindLayout(name) == numbers)
+    if (QTV_FindLayout(name) == numbers) // a splitter reports each pixel of a drag, and its end
         return;
     layouts[name] = numbers;
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_LAYOUT;
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_LAYOUT);
     event.text = name;
     event.widths = numbers;
     QTV_Post(event);

@@ -9,8 +9,10 @@
 
 namespace {
 
-constexpr int BLINK_MS = 500;
-constexpr int FRAME = 10;             // pixels around the cells
+constexpr int BLINK_MS = 500;         // on and off, as such displays do
+constexpr int FRAME = 10, RIM = 6;    // pixels around the cells; of them inside the rim
+constexpr double DOTS_SHARE = 0.84;   // of a cell: its own characters leave as much room around
+constexpr double FONT_SHARE = 0.68;   // of a cell's height
 constexpr double CELL_ASPECT = 1.7;   // height of a cell by its width
 constexpr double CELL_WIDTH_MAX = 36; // a window may be large, a display stays one
 constexpr int CELL_WIDTH_HINT = 16, CELL_WIDTH_MIN = 8;
@@ -59,21 +61,23 @@ QSize LcdScreen::minimumSizeHint() const
 void LcdScreen::drawCell(QPainter *painter, const LCT_Picture &picture, const QRectF &cell,
                          char32_t code) const
 {
+    // A letter of the font, or eight lines of five dots the target has drawn itself.
     if (code < LCT_GLYPH || code >= LCT_GLYPH + picture.glyphs.size() / LCT_GLYPH_LINES) {
         painter->drawText(cell, Qt::AlignCenter, QString::fromUcs4(&code, 1));
         return;
     }
     const size_t first = (code - LCT_GLYPH) * LCT_GLYPH_LINES;
-    const double width = cell.width() * 0.84 / LCT_GLYPH_COLUMNS;
-    const double height = cell.height() * 0.84 / LCT_GLYPH_LINES;
+    const double width = cell.width() * DOTS_SHARE / LCT_GLYPH_COLUMNS;
+    const double height = cell.height() * DOTS_SHARE / LCT_GLYPH_LINES;
+    const QPointF corner(cell.left() + cell.width() * (1 - DOTS_SHARE) / 2,
+                         cell.top() + cell.height() * (1 - DOTS_SHARE) / 2);
     for (int line = 0; line < LCT_GLYPH_LINES; ++line)
         for (int column = 0; column < LCT_GLYPH_COLUMNS; ++column)
             if (picture.glyphs[first + static_cast<size_t>(line)] >>
                     (LCT_GLYPH_COLUMNS - 1 - column) &
                 1)
-                painter->fillRect(QRectF(cell.left() + cell.width() * 0.08 + column * width,
-                                         cell.top() + cell.height() * 0.08 + line * height,
-                                         width * 0.9, height * 0.9),
+                painter->fillRect(QRectF(corner.x() + column * width, corner.y() + line * height,
+                                         width * 0.9, height * 0.9), // dots do not touch
                                   painter->pen().color());
 }
 
@@ -90,6 +94,7 @@ void LcdScreen::drawCursor(QPainter *painter, const LCT_Picture &picture, const 
 void LcdScreen::paintEvent(QPaintEvent *)
 {
     const LCT_Picture picture = LCT_Parse(text().toStdString());
+    // The timer runs only where it is needed: nobody wants a repaint twice a second for nothing.
     const bool isBlinking = picture.cursor == LCT_BLINKING;
     if (isBlinking != m_blinking.isActive())
         isBlinking ? m_blinking.start() : m_blinking.stop();
@@ -99,19 +104,21 @@ void LcdScreen::paintEvent(QPaintEvent *)
     const auto rows = static_cast<double>(std::max<size_t>(picture.rows.size(), 1));
     const auto columns =
         static_cast<double>(picture.rows.empty() ? COLUMNS_AT_FIRST : picture.rows[0].size());
+    // As large as the window allows, but of one shape.
     const double cellWidth =
         std::min({(width() - 2 * FRAME) / columns, (height() - 2 * FRAME) / rows / CELL_ASPECT,
                   CELL_WIDTH_MAX});
     const double cellHeight = cellWidth * CELL_ASPECT;
     QRectF panel(0, 0, columns * cellWidth, rows * cellHeight);
     panel.moveCenter(QRectF(rect()).center());
+    // Keys go to the target only while the display has the keyboard: that must be seen.
     const QColor rim = hasFocus() ? palette().color(QPalette::Highlight)
                                   : LOOK_Blend(colors.ink, colors.ground, 0.4);
     painter.setPen(QPen(rim, 2));
     painter.setBrush(colors.ground);
-    painter.drawRoundedRect(panel.adjusted(-6, -6, 6, 6), 4, 4);
+    painter.drawRoundedRect(panel.adjusted(-RIM, -RIM, RIM, RIM), 4, 4);
     QFont fixed = font();
-    fixed.setPixelSize(std::max(static_cast<int>(cellHeight * 0.68), 4));
+    fixed.setPixelSize(std::max(static_cast<int>(cellHeight * FONT_SHARE), 4));
     painter.setFont(fixed);
     painter.setPen(colors.ink);
     for (size_t row = 0; row < picture.rows.size(); ++row)
@@ -119,6 +126,7 @@ void LcdScreen::paintEvent(QPaintEvent *)
             const QRectF cell(panel.left() + static_cast<double>(column) * cellWidth,
                               panel.top() + static_cast<double>(row) * cellHeight, cellWidth,
                               cellHeight);
+            // Each cell a shade darker, as the dots of a real one that are off can be seen.
             painter.fillRect(cell.adjusted(0.5, 0.5, -0.5, -0.5),
                              LOOK_Blend(colors.ink, colors.ground, 0.04));
             drawCell(&painter, picture, cell, picture.rows[row][column]);

@@ -6,6 +6,7 @@
 
 namespace {
 
+// Pixels, for a text of 12.
 constexpr int LAMP_SIZE = 11;
 constexpr int LAMP_LEFT = 3;
 constexpr int TEXT_LEFT = LAMP_LEFT + LAMP_SIZE + 8;
@@ -14,6 +15,7 @@ constexpr int TEXT_LEFT = LAMP_LEFT + LAMP_SIZE + 8;
 
 LedLabel::LedLabel(QWidget *parent) : QLabel(parent)
 {
+    // The text is the label's own affair; the lamp is painted into the margin it leaves.
     setContentsMargins(TEXT_LEFT, 0, 0, 0);
 }
 
@@ -22,7 +24,7 @@ void LedLabel::setOn(bool isOn)
     if (m_isOn == isOn)
         return;
     m_isOn = isOn;
-    setAccessibleDescription(isOn ? "on" : "off");
+    setAccessibleDescription(isOn ? "on" : "off"); // the lamp says nothing to a screen reader
     update();
 }
 
@@ -39,6 +41,7 @@ void LedLabel::paintEvent(QPaintEvent *event)
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor ground = palette().color(QPalette::Window);
     const QColor rim = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.5);
+    // A dimmed one is dark: what it shows may not hold any more.
     const bool isLit = m_isOn && isEnabled();
     painter.setPen(QPen(isLit ? LOOK_Readable(m_lamp, ground) : rim, 1));
     painter.setBrush(isLit ? LOOK_Readable(m_lamp, ground) : LOOK_Blend(rim, ground, 0.2));

@@ -1,9 +1,12 @@
+// A sweep changes one cell in each of some hundred lines once a second, so what can be found once
+// is found once: fonts and glyphs for the list, colours for the palette, widths for a cell.
 #include "runtime/qt/line_delegate.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QLineEdit>
 #include <QPainter>
+#include <algorithm>
 
 namespace {
 
@@ -18,16 +21,9 @@ qsizetype PointIndex(const QString &text)
     const qsizetype first = at;
     while (at < text.size() && text[at].isDigit())
         at++;
+    // "0x1F" has its zero in front as well.
     const bool isHexadecimal = at == first + 1 && at < text.size() && text[at].toLower() == 'x';
     return at == first || isHexadecimal ? -1 : at;
-}
-
-bool IsAscii(const QString &text)
-{
-    for (const QChar c : text)
-        if (c.unicode() >= 0x7F)
-            return false;
-    return true;
 }
 
 // How the watch list marks a value that could not be read: not to be overlooked.
@@ -35,6 +31,7 @@ const QLatin1String FAILED_SUFFIX(" (!)");
 
 LOOK_Tone ToneOf(const ListCell &cell)
 {
+    // A failure before anything else; a value that is no longer true is quiet, not coloured.
     if ((cell.style & UIS_WARNING) || cell.text.endsWith(FAILED_SUFFIX))
         return LT_BAD;
     if (cell.style & UIS_GOOD)
@@ -72,7 +69,7 @@ LineDelegate::Face LineDelegate::makeFace(const QFont &font, bool isFixed)
 
 QFont LineDelegate::fontOf(const ListCell &cell, int column) const
 {
-    if (!(cell.style & (UIS_BOLD | UIS_STRUCK)))
+    if (!(cell.style & (UIS_BOLD | UIS_STRUCK))) // nearly all: no font is made for them
         return face(column).font;
     QFont font = face(column).font;
     font.setStrikeOut(cell.style & UIS_STRUCK);
@@ -92,7 +89,9 @@ void LineDelegate::measure(const ListCell &cell, int column) const
         return;
     const qsizetype point = PointIndex(cell.text);
     const double digit = face(column).digit;
-    if (digit > 0 && IsAscii(cell.text)) {
+    const bool isAscii =
+        std::all_of(cell.text.begin(), cell.text.end(), [](QChar c) { return c.unicode() < 0x7F; });
+    if (digit > 0 && isAscii) { // counted: measuring is what took most of the time
         cell.isEven = true;
         cell.width = digit * static_cast<double>(cell.text.size());
         cell.beforePoint = point < 0 ? -1 : digit * static_cast<double>(point);
@@ -109,6 +108,7 @@ double LineDelegate::pointPlace(int row, int column) const
     const auto known = m_points.constFind(group);
     if (known != m_points.constEnd())
         return *known;
+    // Over what is in view, not over all lines: a long number far below moves nothing here.
     double widest = 0;
     for (int other = m_first; other < m_end; other++) {
         if (m_model->group(other, column) != group)
@@ -128,6 +128,7 @@ void LineDelegate::beginPainting(int first, int end)
     m_points.clear();
 }
 
+// A point that has moved since lines were painted that are not painted now.
 bool LineDelegate::endPainting()
 {
     bool hasMoved = false;
@@ -160,10 +161,9 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const UI_Align align = m_model->columns()[static_cast<size_t>(column)].align;
     if (align == UIA_RIGHT)
         left = room.right() + 1 - cell.width;
-    else if (align == UIA_CENTER)
-        left += (room.width() - cell.width) / 2;
     else if (align == UIA_POINT && cell.beforePoint >= 0)
         left += pointPlace(index.row(), column) - cell.beforePoint;
+    // Too long for its column: shortened, with dots at the end.
     if (left < room.left() || left + cell.width > room.right() + 1) {
         painter->setFont(fontOf(cell, column));
         const QFontMetrics metrics = painter->fontMetrics();
@@ -206,7 +206,7 @@ QWidget *LineDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem 
     auto *field = new QLineEdit(parent);
     field->setFont(m_fixed.font);
     field->setFrame(false);
-    field->setTextMargins(MARGIN - 2, 0, 0, 0);
+    field->setTextMargins(MARGIN - 2, 0, 0, 0); // the field's own margin makes up the rest
     return field;
 }
 

@@ -1,3 +1,6 @@
+// The list as it is shown: columns, selection, scrolling, painting; what the user does with it
+// stands in line_input.cpp. Painting is its own (paintCells), because a sweep over 500 lines has to
+// fit between two pictures.
 #include "runtime/qt/line_list.h"
 
 #include <QContextMenuEvent>
@@ -9,6 +12,7 @@
 #include <algorithm>
 
 #include "runtime/qt/line_delegate.h"
+#include "runtime/qt/qt_view.h"
 
 namespace {
 
@@ -16,12 +20,7 @@ constexpr int ROW_HEIGHT = 18;    // pixels
 constexpr int ROWS_AT_FIRST = 13; // what a list asks room for
 constexpr int COLUMN_MIN = 24;    // pixels a column can be dragged to
 constexpr int HEADER_EXTRA = 16;  // pixels around a title
-
-// Alone: with Shift, Ctrl or Alt it is another key.
-bool IsPlainKey(const QKeyEvent &event, Qt::Key key)
-{
-    return event.key() == key && !(event.modifiers() & ~Qt::KeypadModifier);
-}
+constexpr int WIDTH_HINT = 400;   // pixels
 
 } // namespace
 
@@ -55,12 +54,13 @@ LineList::LineList(QWidget *parent)
 void LineList::setTitles(const QString &titles)
 {
     m_titles = titles;
-    std::vector<ListColumn> columns;
+    // "Title@pixels": what a column needs is the place of the next one less its own.
+    std::vector<UI_Column> columns;
     std::vector<int> lefts;
     const QStringList parts = titles.split('|', Qt::SkipEmptyParts);
     for (const QString &part : parts) {
-        ListColumn column;
-        column.title = part.section('@', 0, 0);
+        UI_Column column;
+        column.title = part.section('@', 0, 0).toStdString();
         columns.push_back(column);
         lefts.push_back(part.section('@', 1, 1).toInt());
     }
@@ -69,15 +69,15 @@ void LineList::setTitles(const QString &titles)
     setColumns(columns);
 }
 
-void LineList::setColumns(const std::vector<ListColumn> &columns)
+void LineList::setColumns(const std::vector<UI_Column> &columns)
 {
     const QScopedValueRollback<bool> ours(m_isOurs, true);
-    std::vector<ListColumn> measured = columns;
+    std::vector<UI_Column> measured = columns;
     bool hasTitles = false;
-    for (ListColumn &column : measured) {
+    for (UI_Column &column : measured) {
         if (column.width <= 0)
-            column.width = fontMetrics().horizontalAdvance(column.title) + HEADER_EXTRA;
-        hasTitles = hasTitles || !column.title.isEmpty();
+            column.width = fontMetrics().horizontalAdvance(QTV_ToQt(column.title)) + HEADER_EXTRA;
+        hasTitles = hasTitles || !column.title.empty();
     }
     m_model->setColumns(measured);
     m_widths.clear();
@@ -107,7 +107,7 @@ void LineList::noteWidth(int column, int before, int now)
 // Spare columns are for wide windows only, from left to right as far as they go.
 void LineList::showColumnsThatFit()
 {
-    const std::vector<ListColumn> &columns = m_model->columns();
+    const std::vector<UI_Column> &columns = m_model->columns();
     int needed = 0;
     for (size_t i = 0; i < columns.size(); i++)
         needed += columns[i].isSpare ? 0 : m_widths[i];
@@ -132,6 +132,7 @@ std::vector<int> LineList::selectedRows() const
 
 int LineList::currentRow() const
 {
+    // The table may have a current line that is not selected; the program knows no such thing.
     const QModelIndex current = currentIndex();
     if (current.isValid() && selectionModel()->isRowSelected(current.row()))
         return current.row();
@@ -161,6 +162,7 @@ int LineList::firstVisible() const
 
 void LineList::setFirstVisible(int row)
 {
+    // New lines count only after the next layout, and the bar would not go so far.
     executeDelayedItemsLayout();
     updateGeometries();
     verticalScrollBar()->setValue(row);
@@ -186,17 +188,9 @@ void LineList::abandonEdit()
 {
     if (!isEditing())
         return;
+    // What has been typed must not be entered into another line.
     if (QWidget *editor = indexWidget(currentIndex()))
         closeEditor(editor, QAbstractItemDelegate::RevertModelCache);
-}
-
-// The search goes through the column the keyboard is in: always the names here.
-void LineList::keyboardSearch(const QString &typed)
-{
-    if (currentIndex().column() > 0)
-        selectionModel()->setCurrentIndex(currentIndex().siblingAtColumn(0),
-                                          QItemSelectionModel::NoUpdate);
-    QTableView::keyboardSearch(typed);
 }
 
 // As the table would, without asking it for an index, a rectangle and a look of every cell.
@@ -230,6 +224,7 @@ void LineList::paintCells(const QRegion &region, int first, int end)
                                   : QRect());
         right = isShown ? qMax(right, columns.back().right() + 1) : right;
     }
+    // Where there is no cell: the viewport does not fill itself (WA_OpaquePaintEvent).
     const int bottom = qMax(0, end - first) * ROW_HEIGHT;
     for (const QRect &empty : {QRect(0, bottom, viewport()->width(), viewport()->height() - bottom),
                                QRect(right, 0, viewport()->width() - right, bottom)})
@@ -237,6 +232,7 @@ void LineList::paintCells(const QRegion &region, int first, int end)
             painter.fillRect(empty, m_delegate->ground());
     for (int row = first; row < end; row++) {
         const int top = (row - first) * ROW_HEIGHT;
+        // Most sweeps change one column of some rows: whole rows are left out here, cells below.
         if (top + ROW_HEIGHT <= around.top() || top > around.bottom())
             continue;
         const bool isSelected = selectionModel()->isSelected(m_model->index(row, 0));
@@ -256,118 +252,11 @@ void LineList::selectionChanged(const QItemSelection &now, const QItemSelection 
         emit selectedByUser();
 }
 
-bool LineList::event(QEvent *event)
-{
-    if (event->type() == QEvent::PaletteChange)
-        m_delegate->usePalette(palette());
-    // F2 edits the value here, whatever a menu would do with the key elsewhere.
-    if (event->type() == QEvent::ShortcutOverride && currentRow() >= 0 &&
-        IsPlainKey(*static_cast<QKeyEvent *>(event), Qt::Key_F2))
-        for (const ListColumn &column : m_model->columns())
-            if (column.isEditable)
-                event->accept();
-    return QTableView::event(event);
-}
-
-// The cell the pointer was on last, or else the first one that can be edited: the value.
-bool LineList::editCell()
-{
-    const int row = currentRow();
-    const std::vector<ListColumn> &columns = m_model->columns();
-    int column = currentIndex().column();
-    const auto isEditable = [&](int i) {
-        return i >= 0 && columns[static_cast<size_t>(i)].isEditable && !isColumnHidden(i);
-    };
-    if (row < 0)
-        return false;
-    for (int i = 0; !isEditable(column) && i < static_cast<int>(columns.size()); i++)
-        column = i;
-    if (!isEditable(column))
-        return false;
-    const QModelIndex cell = m_model->index(row, column);
-    selectionModel()->setCurrentIndex(cell, QItemSelectionModel::NoUpdate);
-    edit(cell);
-    return isEditing();
-}
-
-void LineList::keyPressEvent(QKeyEvent *event)
-{
-    if (isEditing())
-        return; // what the cell's field has left over
-    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    const bool isEditKey = IsPlainKey(*event, Qt::Key_F2) || IsPlainKey(*event, Qt::Key_Return) ||
-                           IsPlainKey(*event, Qt::Key_Enter);
-    if (isEditKey && editCell())
-        return;
-    if (isEnter)
-        emit lineCommitted();
-    else
-        QTableView::keyPressEvent(event);
-}
-
-// The keyboard walks from line to line; Home and End mean the whole list.
-QModelIndex LineList::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
-{
-    const int column = qMax(0, currentIndex().column());
-    if (action == MoveHome)
-        return m_model->index(0, column);
-    if (action == MoveEnd)
-        return m_model->index(m_model->rowCount() - 1, column);
-    if (action == MoveLeft || action == MoveRight)
-        return currentIndex();
-    return QTableView::moveCursor(action, modifiers);
-}
-
-void LineList::focusInEvent(QFocusEvent *event)
-{
-    QTableView::focusInEvent(event);
-    const bool isByMouse = event->reason() == Qt::MouseFocusReason; // the click selects a line
-    if (!isByMouse && currentRow() < 0 && m_model->rowCount() > 0)
-        setCurrentIndex(m_model->index(qBound(0, firstVisible(), m_model->rowCount() - 1), 0));
-}
-
-void LineList::mouseDoubleClickEvent(QMouseEvent *event)
-{
-    QTableView::mouseDoubleClickEvent(event);
-    if (event->button() != Qt::LeftButton || !indexAt(event->pos()).isValid())
-        return;
-    const QModelIndex under = indexAt(event->pos());
-    if (m_model->columns()[static_cast<size_t>(under.column())].isEditable)
-        editCell();
-    else
-        emit lineDoubleClicked();
-}
-
-// Several selected lines stay selected when the pointer is on one of them.
-void LineList::contextMenuEvent(QContextMenuEvent *event)
-{
-    const QModelIndex under = indexAt(event->pos());
-    if (event->reason() == QContextMenuEvent::Mouse && under.isValid() &&
-        !selectionModel()->isRowSelected(under.row()))
-        setCurrentIndex(under);
-    emit contextRequested();
-    event->accept();
-}
-
-// The program moves the lines itself: the table only says which line went where.
-void LineList::dropEvent(QDropEvent *event)
-{
-    const int source = currentRow();
-    const QModelIndex under = indexAt(event->position().toPoint());
-    const int target = under.isValid() ? under.row() : m_model->rowCount() - 1;
-    stopAutoScroll();
-    setState(NoState);
-    event->setDropAction(Qt::IgnoreAction); // or the view would take the line out
-    event->accept();
-    if (event->source() == this && source >= 0 && target >= 0 && source != target)
-        emit lineDropped(source, target);
-}
-
 void LineList::resizeEvent(QResizeEvent *event)
 {
     QTableView::resizeEvent(event);
     showColumnsThatFit();
-    emit viewMoved();
+    emit viewMoved(); // the program reads from the target what is in view and no more
 }
 
 // The last column follows the window: nobody has dragged it.
@@ -380,5 +269,5 @@ void LineList::updateGeometries()
 QSize LineList::sizeHint() const
 {
     const int header = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();
-    return QSize(400, ROWS_AT_FIRST * ROW_HEIGHT + header + 2 * frameWidth());
+    return QSize(WIDTH_HINT, ROWS_AT_FIRST * ROW_HEIGHT + header + 2 * frameWidth());
 }

@@ -28,7 +28,7 @@ public:
         return m_titles;
     }
     void setTitles(const QString &titles);
-    void setColumns(const std::vector<ListColumn> &columns);
+    void setColumns(const std::vector<UI_Column> &columns);
     std::vector<int> columnWidths() const
     {
         return m_widths;
@@ -80,7 +80,7 @@ private:
     QString m_titles;
     // Of the columns, as given by the program or the user; pixels. A list starts with one column.
     std::vector<int> m_widths = {0};
-    bool m_isOurs = false; // the program is moving the selection, not the user
+    bool m_isOurs = false; // the program moves the selection or a width, not the user
 };
 
 #endif

@@ -1,4 +1,8 @@
+// A line that comes again is compared cell by cell, and only what differs is reported: the table
+// repaints that and nothing else. A refill tells nothing at all when all is as it was.
 #include "runtime/qt/line_model.h"
+
+#include "runtime/qt/qt_view.h"
 
 namespace {
 
@@ -26,19 +30,20 @@ int LineModel::columnCount(const QModelIndex &parent) const
 
 const ListCell &LineModel::cell(int row, int column) const
 {
-    static const ListCell NOTHING;
+    static const ListCell NOTHING; // labels of one list may have different numbers of columns
     const std::vector<ListCell> &cells = m_lines[static_cast<size_t>(row)].cells;
     return static_cast<size_t>(column) < cells.size() ? cells[static_cast<size_t>(column)]
                                                       : NOTHING;
 }
 
-uint32_t LineModel::id(int row) const
+uint32_t LineModel::id(int row) const // for events: the row may be another line's by then
 {
     return m_lines[static_cast<size_t>(row)].id;
 }
 
 size_t LineModel::group(int row, int column) const
 {
+    // Values of one type below each other, whatever stands in other lines between them.
     const size_t seed = static_cast<size_t>(column);
     return column == 0 ? seed : qHash(cell(row, column - 1).text, seed);
 }
@@ -50,7 +55,7 @@ QVariant LineModel::data(const QModelIndex &index, int role) const
     const ListCell &shown = cell(index.row(), index.column());
     if (role == Qt::DisplayRole) // what type-ahead search and screen readers see
         return shown.text;
-    if (role == Qt::ToolTipRole) {
+    if (role == Qt::ToolTipRole) { // a cell's own tip before the line's
         const QString &line = m_lines[static_cast<size_t>(index.row())].tip;
         const QString tip = shown.tip.isEmpty() ? line : shown.tip;
         return tip.isEmpty() ? QVariant() : QVariant(tip);
@@ -70,7 +75,7 @@ QVariant LineModel::headerData(int section, Qt::Orientation orientation, int rol
 {
     const bool isTitle = orientation == Qt::Horizontal && section < columnCount();
     if (isTitle && role == Qt::DisplayRole)
-        return m_columns[static_cast<size_t>(section)].title;
+        return QTV_ToQt(m_columns[static_cast<size_t>(section)].title);
     if (isTitle && role == Qt::TextAlignmentRole)
         return static_cast<int>(Qt::AlignLeft | Qt::AlignVCenter);
     return QVariant();
@@ -91,17 +96,18 @@ Qt::DropActions LineModel::supportedDropActions() const
     return Qt::MoveAction;
 }
 
-void LineModel::setColumns(const std::vector<ListColumn> &columns)
+void LineModel::setColumns(const std::vector<UI_Column> &columns)
 {
     beginResetModel();
     m_columns = columns;
     if (m_columns.empty())
-        m_columns.resize(1);
+        m_columns.resize(1); // a line has at least its text
     endResetModel();
 }
 
 void LineModel::setLineCount(int count)
 {
+    // Whatever is new is empty here; selection and scrolling stay with the rows that stay.
     const int before = rowCount();
     if (count < before) {
         beginRemoveRows(QModelIndex(), count, before - 1);
@@ -134,13 +140,14 @@ bool LineModel::setLine(int row, ListLine line, ListSpan *span)
         last = qMax(last, static_cast<int>(i));
         if (!(fresh.style & UIS_CHANGED))
             continue;
-        fresh.changedAt = m_clock.elapsed() + 1;
+        fresh.changedAt = m_clock.elapsed() + 1; // 0 means never
         if (!m_fading.isActive())
             m_fading.start();
     }
     if (last < 0)
         return false;
     shown = std::move(line);
+    // One rectangle around all of it: the caller begins another where rows are left out.
     const bool isFirst = span->firstRow < 0;
     span->firstRow = isFirst ? row : span->firstRow;
     span->lastRow = row;
@@ -161,6 +168,7 @@ bool LineModel::isFresh(const ListCell &cell) const
     return cell.changedAt != 0 && m_clock.elapsed() - cell.changedAt < FRESH_MS;
 }
 
+// Runs only while there are marks; those that came meanwhile get a turn of their own.
 void LineModel::fadeMarks()
 {
     bool isAnyFresh = false;

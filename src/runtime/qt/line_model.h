@@ -10,14 +10,6 @@
 
 #include "runtime/userint.h"
 
-struct ListColumn {
-    QString title;
-    int width = 0; // pixels at first; 0 = as the title needs. The last column takes the rest
-    UI_Align align = UIA_LEFT;
-    bool isEditable = false;
-    bool isSpare = false; // hidden where there is no room for it
-};
-
 struct ListCell {
     QString text;
     unsigned style = UIS_NORMAL;
@@ -58,11 +50,11 @@ public:
     Qt::ItemFlags flags(const QModelIndex &index) const override;
     Qt::DropActions supportedDropActions() const override;
 
-    const std::vector<ListColumn> &columns() const
+    const std::vector<UI_Column> &columns() const
     {
         return m_columns;
     }
-    void setColumns(const std::vector<ListColumn> &columns);
+    void setColumns(const std::vector<UI_Column> &columns);
     // Rows are added and removed at the end; the lines themselves follow by setLine.
     void setLineCount(int count);
     // Whether anything of the line differs; *span grows by what does. The caller then says
@@ -83,7 +75,7 @@ signals:
 private:
     void fadeMarks();
 
-    std::vector<ListColumn> m_columns;
+    std::vector<UI_Column> m_columns;
     std::vector<ListLine> m_lines;
     QElapsedTimer m_clock;
     QTimer m_fading; // runs while a mark is to be taken away

@@ -1,4 +1,5 @@
-// Lists and rings: what the program says of them, and their lines in events.
+// Lists and rings: what the program says of them, and their lines in events. A batch brings only
+// lines that differ, and the widget keeps all others as they are.
 #include "runtime/qt/qt_view.h"
 
 #include <QComboBox>
@@ -23,22 +24,13 @@ ListLine ToListLine(const VIEW_Line &line)
     return shown;
 }
 
-std::vector<ListColumn> ToListColumns(const std::vector<UI_Column> &columns)
-{
-    std::vector<ListColumn> shown;
-    for (const UI_Column &column : columns)
-        shown.push_back({QTV_ToQt(column.title), column.width, column.align, column.isEditable,
-                         column.isSpare});
-    return shown;
-}
-
 // A list without columns of its own gets as many as its labels have, at their pixels.
 void FollowLabel(LineList *list, const VIEW_Line &line)
 {
     const std::vector<UIC_Column> parts = UIC_SplitColumns(line.label);
     if (static_cast<int>(parts.size()) <= list->lines()->columnCount())
-        return;
-    std::vector<ListColumn> columns = list->lines()->columns();
+        return; // never fewer: a shorter line leaves its last cells empty
+    std::vector<UI_Column> columns = list->lines()->columns();
     columns.resize(parts.size());
     for (size_t i = 0; i + 1 < parts.size(); i++)
         columns[i].width = parts[i + 1].left - parts[i].left;
@@ -83,6 +75,7 @@ void DrawRing(QComboBox *ring, const VIEW_List &change)
 {
     const QSignalBlocker quiet(ring);
     if (change.mask & VIEW_LIST_LINES) {
+        // At its end, not emptied and filled: the chosen entry stays chosen.
         while (ring->count() > change.count)
             ring->removeItem(ring->count() - 1);
         while (ring->count() < change.count)
@@ -112,8 +105,9 @@ void QTV_DrawList(const VIEW_List &change)
     if (!list)
         return;
     const int top = list->firstVisible();
+    // Columns first: lines are measured by them, and a selection covers all of them.
     if ((change.mask & VIEW_LIST_COLUMNS) && !change.columns.empty()) {
-        list->setColumns(ToListColumns(change.columns));
+        list->setColumns(change.columns);
         list->setSelectionMode(QAbstractItemView::ExtendedSelection);
     }
     if (change.mask & VIEW_LIST_LINES)
@@ -123,6 +117,7 @@ void QTV_DrawList(const VIEW_List &change)
                          ? std::vector<int>{change.current}
                          : change.selected,
                      change.current);
+    // Where the program wishes, or where it stood; but a new selection has scrolled by itself.
     if (change.mask & VIEW_LIST_FIRST)
         list->setFirstVisible(change.firstVisible);
     else if ((change.mask & VIEW_LIST_LINES) && !(change.mask & VIEW_LIST_SELECTION))

@@ -1,3 +1,5 @@
+// Contrast is counted as the accessibility guidelines for web pages do: light as the eye weighs it,
+// red, green and blue by different shares, and a ratio with a little stray light added to both.
 #include "runtime/qt/look.h"
 
 #include <QApplication>
@@ -12,7 +14,8 @@ namespace {
 
 constexpr int FONT_PIXELS = 12; // the main window shows 13 list lines at its first size
 constexpr int ICON_PIXELS = 128;
-constexpr int LIGHTNESS_STEPS = 64;
+constexpr int LIGHTNESS_STEPS = 64; // from the wished colour to black or white
+constexpr double QUIET_SHARE = 0.6; // of the text in the colour of quiet text
 
 // Share of light a channel gives off: screens raise its number to a power.
 double Linear(double channel)
@@ -70,7 +73,7 @@ QColor LOOK_Readable(const QColor &wanted, const QColor &ground)
 
 QColor LOOK_Quiet(const QPalette &palette, const QColor &ground)
 {
-    return LOOK_Readable(LOOK_Blend(palette.color(QPalette::Text), ground, 0.6), ground);
+    return LOOK_Readable(LOOK_Blend(palette.color(QPalette::Text), ground, QUIET_SHARE), ground);
 }
 
 QColor LOOK_Blend(const QColor &over, const QColor &ground, double share)
@@ -86,6 +89,7 @@ LOOK_Lines LOOK_MakeLines(const QPalette &palette)
 {
     const QColor base = palette.color(QPalette::Base), text = palette.color(QPalette::Text);
     const QColor marked = palette.color(QPalette::Highlight);
+    // Grounds differ a little from the desktop's own, so that a mark is still told from a stripe.
     LOOK_Lines lines;
     lines.ground[LG_BASE] = base;
     lines.ground[LG_STRIPED] = LOOK_Blend(text, base, 0.035);
@@ -102,9 +106,8 @@ LOOK_Lines LOOK_MakeLines(const QPalette &palette)
                 pen = lines.text[i][LT_PLAIN];
             continue;
         }
-        lines.text[i][LT_QUIET] = LOOK_Readable(LOOK_Blend(plain, ground, 0.6), ground);
+        lines.text[i][LT_QUIET] = LOOK_Readable(LOOK_Blend(plain, ground, QUIET_SHARE), ground);
         lines.text[i][LT_GOOD] = LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
-        lines.text[i][LT_WARNING] = LOOK_Readable(QColor(0xB3, 0x5C, 0x00), ground);
         lines.text[i][LT_BAD] = LOOK_Readable(QColor(0xC0, 0x1C, 0x28), ground);
     }
     return lines;

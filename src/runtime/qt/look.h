@@ -25,7 +25,7 @@ QColor LOOK_Blend(const QColor &over, const QColor &ground, double share);
 // What a list is drawn with: the grounds a cell may have, and for each the colours of
 // what may stand on it.
 enum LOOK_Ground { LG_BASE, LG_STRIPED, LG_FRESH, LG_SELECTED, LG_ACTIVE, LG_COUNT };
-enum LOOK_Tone { LT_PLAIN, LT_QUIET, LT_GOOD, LT_WARNING, LT_BAD, LT_COUNT };
+enum LOOK_Tone { LT_PLAIN, LT_QUIET, LT_GOOD, LT_BAD, LT_COUNT };
 struct LOOK_Lines {
     QColor ground[LG_COUNT];
     QColor text[LG_COUNT][LT_COUNT];

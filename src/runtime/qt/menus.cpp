@@ -1,4 +1,5 @@
-// The menu bar, built from the menu tables, and its items by number.
+// The menu bar, built from the menu tables, and its items by number. An item's state is the
+// program's: a click only says what was wished.
 #include "runtime/qt/qt_view.h"
 
 #include <QAction>
@@ -26,14 +27,6 @@ QKeySequence Shortcut(int code)
     return key ? QKeySequence(QKeyCombination(modifiers, Qt::Key(key))) : QKeySequence();
 }
 
-// A click flips a check mark by itself; here the mark shows a setting, and whether
-// that has changed is the program's to say.
-void KeepCheckMark(QAction *action)
-{
-    if (action->isCheckable())
-        action->setChecked(!action->isChecked());
-}
-
 QAction *MakeAction(QWidget *owner, int item, const std::string &text, int shortcut)
 {
     auto *action = new QAction(QTV_AccessText(text), owner);
@@ -41,25 +34,18 @@ QAction *MakeAction(QWidget *owner, int item, const std::string &text, int short
         action->setSeparator(true);
     action->setShortcut(Shortcut(shortcut));
     QObject::connect(action, &QAction::triggered, [action, item] {
-        KeepCheckMark(action);
-        VIEW_Event event;
-        event.kind = VIEW_EVENT_MENU;
+        // A click flips a check mark by itself; here the mark shows a setting, and whether that
+        // has changed is the program's to say.
+        if (action->isCheckable())
+            action->setChecked(!action->isChecked());
+        VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_MENU);
         event.item = item;
-        event.value = action->isChecked();
+        event.value = action->isChecked(); // what the user saw
         QTV_Post(event);
     });
     if (item != 0)
         actions.insert(item, action);
     return action;
-}
-
-void AddItems(QMenu *menu, int number)
-{
-    for (int i = 0; i < UI_cnMenuItems; i++) {
-        const UI_MenuItem &row = UI_aMenuItems[i];
-        if (row.menu == number)
-            menu->addAction(MakeAction(menu, row.item, row.text, row.shortcut));
-    }
 }
 
 // Submenus stand in a group of their own behind the parent's first group of items.
@@ -75,6 +61,7 @@ void AddSubmenu(QMenu *parent, QMenu *submenu)
     parent->addMenu(submenu);
 }
 
+// When all of them are in: before the first.
 void SeparateSubmenus(QMenu *parent)
 {
     const QList<QAction *> items = parent->actions();
@@ -108,7 +95,11 @@ QMenuBar *QTV_BuildMenuBar(QWidget *window)
         auto *menu = new QMenu(QTV_AccessText(row.text), parent ? parent : window);
         menu->setToolTipsVisible(true);
         menus.insert(row.menu, menu);
-        AddItems(menu, row.menu);
+        for (int k = 0; k < UI_cnMenuItems; k++) {
+            const UI_MenuItem &item = UI_aMenuItems[k];
+            if (item.menu == row.menu)
+                menu->addAction(MakeAction(menu, item.item, item.text, item.shortcut));
+        }
         if (parent)
             AddSubmenu(parent, menu);
         else
@@ -117,6 +108,7 @@ QMenuBar *QTV_BuildMenuBar(QWidget *window)
     for (int i = 0; i < UI_cnMenus; i++)
         if (UI_aMenus[i].parent == 0)
             SeparateSubmenus(menus.value(UI_aMenus[i].menu));
+    // What devices there are the view finds out by itself.
     if (QMenu *ports = menus.value(MENU_PORT))
         QTV_EquipPortMenu(ports);
     return bar;
@@ -141,6 +133,7 @@ void QTV_DrawMenuItem(const VIEW_MenuItem &change)
         delete action;
         return;
     }
+    // Items of the table are there from the start; recent files come and go.
     QMenu *menu = menus.value(change.menu);
     if (!action && change.isNew && menu) {
         action = MakeAction(menu, change.item, change.text, change.shortcut);
@@ -157,6 +150,6 @@ void QTV_DrawMenuItem(const VIEW_MenuItem &change)
 void QTV_OpenPopupMenu(int menu)
 {
     QMenu *found = menus.value(menu);
-    if (found && !QApplication::activeModalWidget())
+    if (found && !QApplication::activeModalWidget()) // a question has come first
         found->popup(PopupPlace());
 }

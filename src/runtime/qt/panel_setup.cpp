@@ -1,4 +1,5 @@
-// Panel numbers to the code that uic makes of their Designer files.
+// Panel numbers to the code that uic makes of their Designer files. A new panel is a row here;
+// inspectors share a layout, and each number has a window of its own.
 #include "runtime/qt/qt_view.h"
 
 #include "ui/resource.h"
@@ -28,6 +29,7 @@
 
 namespace {
 
+// The form is needed no longer: widgets are found by their names (QTV_BindControl).
 template <class Form> void Setup(QWidget *window)
 {
     Form form;
@@ -88,10 +90,10 @@ const SetupRow SETUP_ROWS[] = {
 bool QTV_SetupPanel(int panel, QWidget *window)
 {
     for (const SetupRow &row : SETUP_ROWS) {
-        if (row.panel == panel) {
-            row.setup(window);
-            return true;
-        }
+        if (row.panel != panel)
+            continue;
+        row.setup(window);
+        return true;
     }
     return false;
 }

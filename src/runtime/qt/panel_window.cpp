@@ -1,3 +1,5 @@
+// Nothing is decided here: a click on the cross becomes an event, and the window stays until the
+// program hides it. Only where it fits on the screen is the view's own affair.
 #include "runtime/qt/panel_window.h"
 
 #include <QCloseEvent>
@@ -10,28 +12,18 @@
 
 namespace {
 
-constexpr int REPORT_MS = 50;
+constexpr int REPORT_MS = 50;                     // after the last of many small moves
 constexpr int GRIP = 60;                          // pixels of a window that must be on a screen
 constexpr int FRAME_WIDTH = 8, FRAME_HEIGHT = 40; // pixels around a window, at a guess
 const char CONTENT_NAME[] = "content"; // the widget of a Designer file that a child panel covers
 
-// The first widget of the panel that takes the keyboard, in tab order.
+// The first widget of the panel that takes the keyboard, in tab order; the chain is a ring.
 QWidget *FirstInTabOrder(QWidget *panel)
 {
     for (QWidget *w = panel->nextInFocusChain(); w != panel; w = w->nextInFocusChain())
         if (panel->isAncestorOf(w) && (w->focusPolicy() & Qt::TabFocus) && w->isEnabled())
             return w;
     return panel;
-}
-
-// A remembered place may be on a screen that is gone.
-bool IsOnScreen(const QPoint &corner)
-{
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    for (const QScreen *screen : screens)
-        if (screen->availableGeometry().adjusted(-GRIP, 0, -GRIP, -GRIP).contains(corner))
-            return true;
-    return false;
 }
 
 } // namespace
@@ -68,7 +60,7 @@ void PanelWindow::setMenuBar(QMenuBar *bar)
 
 void PanelWindow::setSizable(bool isSizable)
 {
-    if (!m_minimum.isValid()) {
+    if (!m_minimum.isValid()) { // the layout's own, before it was fixed for the first time
         m_minimum = minimumSize();
         m_maximum = maximumSize();
     }
@@ -78,10 +70,16 @@ void PanelWindow::setSizable(bool isSizable)
 
 bool PanelWindow::placeOnScreen(QWidget *window, const QPoint &corner)
 {
-    const bool isOnScreen = IsOnScreen(corner);
-    if (isOnScreen)
+    // A remembered place may be on a screen that is gone. Of a window that sticks out enough must
+    // be left to take hold of.
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens) {
+        if (!screen->availableGeometry().adjusted(-GRIP, 0, -GRIP, -GRIP).contains(corner))
+            continue;
         window->move(corner);
-    return isOnScreen;
+        return true;
+    }
+    return false;
 }
 
 void PanelWindow::placeByProgram(const QPoint &corner)
@@ -94,6 +92,7 @@ void PanelWindow::resizeByProgram(const QSize &newSize)
 {
     if (!isWindow() || newSize.isEmpty())
         return;
+    // A window of fixed size would not follow.
     const bool isFixed = minimumSize() == maximumSize();
     if (isFixed)
         setFixedSize(newSize);
@@ -104,6 +103,7 @@ void PanelWindow::resizeByProgram(const QSize &newSize)
 
 void PanelWindow::fit(QWidget *window, bool hasPlace)
 {
+    // The frame is not known before the window has been shown: some room is left for it.
     const PanelWindow *main = QTV_MainWindow();
     const bool isOverMain = !hasPlace && main && main != window && main->isVisible();
     const QScreen *screen = isOverMain ? main->screen() : window->screen();
@@ -127,7 +127,7 @@ void PanelWindow::setShown(bool isShown)
     if (isWindow()) {
         if (isShown && !isVisible()) {
             fit(this, m_hasPlace);
-            m_knownSize = size();
+            m_knownSize = size(); // made to fit: not the user's doing
             if (QTV_FindLayout(maximizedName()) == std::vector<int>{1})
                 setWindowState(windowState() | Qt::WindowMaximized);
         }
@@ -165,6 +165,7 @@ void PanelWindow::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         QTV_UsePalette(m_record);
+    // A minimised window says nothing of how it will come back.
     if (event->type() == QEvent::WindowStateChange && isWindow() && isVisible() && !isMinimized())
         QTV_KeepLayout(maximizedName(), {isMaximized() ? 1 : 0});
     if (event->type() == QEvent::ActivationChange && isWindow() && isActiveWindow())
@@ -173,7 +174,7 @@ void PanelWindow::changeEvent(QEvent *event)
 
 void PanelWindow::closeEvent(QCloseEvent *event)
 {
-    event->ignore();
+    event->ignore(); // the program may ask first, or refuse
     QTV_PostPanel(m_record->row->panel, EVENT_CLOSE);
 }
 
@@ -211,12 +212,10 @@ void PanelWindow::report()
     // A window that fills the screen comes back to the place and size it has without that.
     if (isMaximized() || isFullScreen())
         return;
-    VIEW_Event report;
-    report.kind = VIEW_EVENT_PLACED;
-    report.panel = m_record->row->panel;
+    VIEW_Event report = VIEW_MakeEvent(VIEW_EVENT_PLACED, m_record->row->panel);
     report.rect = {pos().x(), pos().y(), width(), height()};
     QTV_Post(report);
-    if (size() == m_knownSize)
+    if (size() == m_knownSize) // the program set it, or it has only been moved
         return;
     m_knownSize = size();
     report.kind = VIEW_EVENT_PANEL;

@@ -1,3 +1,5 @@
+// Two ways of drawing, chosen by how many samples are in view: a line through each, or a stroke a
+// column of pixels from the lowest to the highest value in it. They look alike where they meet.
 #include "runtime/qt/plot_curve.h"
 
 #include <algorithm>
@@ -9,6 +11,7 @@ constexpr int SAMPLES_A_PIXEL = 1;     // up to here a line is drawn from sample
 constexpr size_t SMOOTH_MAX = 12000;   // samples of all curves: smooth lines cost ten times more
 constexpr double DOT_FROM_PIXELS = 12; // samples so far apart get a dot each
 constexpr double FAR_PIXELS = 1e6;     // the painter's arithmetic ends somewhere behind
+constexpr int DOT_RADIUS = 2;          // pixels
 
 double Near(double pixel)
 {
@@ -24,7 +27,7 @@ PlotCurve::PlotCurve(QCPAxis *keyAxis, QCPAxis *valueAxis, const UI_Plot &plot)
 
 void PlotCurve::setPlot(const UI_Plot &plot)
 {
-    if (plot.x != m_plot.x || plot.y != m_plot.y)
+    if (plot.x != m_plot.x || plot.y != m_plot.y) // the same vectors hold the same samples
         m_curve = PTH_Make(plot.x, plot.y);
     m_plot = plot;
 }
@@ -42,7 +45,7 @@ int PlotCurve::sampleAt(double x) const
 
 double PlotCurve::selectTest(const QPointF &, bool, QVariant *) const
 {
-    return -1;
+    return -1; // the plot's own selecting is not used
 }
 
 QCPRange PlotCurve::getKeyRange(bool &isFound, QCP::SignDomain) const
@@ -71,8 +74,10 @@ QPointF PlotCurve::pointAt(size_t index) const
 void PlotCurve::drawSamples(QCPPainter *painter, size_t first, size_t end) const
 {
     const double width = mKeyAxis->axisRect()->width();
+    // Far apart, the eye should see what was measured and what is only a line between.
     const bool hasDots = static_cast<double>(end - first) * DOT_FROM_PIXELS < width;
     QPolygonF line;
+    // A gap ends the line; a sample alone between two gaps is a point.
     const auto flush = [&] {
         if (line.size() > 1)
             painter->drawPolyline(line);
@@ -87,7 +92,7 @@ void PlotCurve::drawSamples(QCPPainter *painter, size_t first, size_t end) const
         }
         line.append(pointAt(i));
         if (hasDots)
-            painter->drawEllipse(line.back(), 2, 2);
+            painter->drawEllipse(line.back(), DOT_RADIUS, DOT_RADIUS);
     }
     flush();
 }
@@ -107,7 +112,7 @@ void PlotCurve::drawColumns(QCPPainter *painter) const
             high = std::max(high, last);
         }
         last = column.last;
-        if (!(low <= high))
+        if (!(low <= high)) // gaps alone
             continue;
         const double x = left + column.pixel;
         const double foot = Near(mValueAxis->coordToPixel(low));
@@ -125,6 +130,7 @@ void PlotCurve::draw(QCPPainter *painter)
 {
     if (!mKeyAxis || !mValueAxis || m_plot.x->empty())
         return;
+    // With one more on each side: lines leave the picture rather than end in it.
     size_t first = 0, end = 0;
     const QCPRange range = mKeyAxis->range();
     PTH_Find(m_curve, range.lower, range.upper, &first, &end);
@@ -136,7 +142,7 @@ void PlotCurve::draw(QCPPainter *painter)
         painter->setAntialiasing((end - first) * curves <= SMOOTH_MAX);
         drawSamples(painter, first, end);
     } else {
-        painter->setAntialiasing(false);
+        painter->setAntialiasing(false); // upright strokes on whole pixels have nothing to smooth
         drawColumns(painter);
     }
 }

@@ -1,3 +1,4 @@
+// Without Qt's SVG module: the menu does not offer the ending.
 #include "runtime/qt/plot_svg.h"
 
 bool PSV_CanSave()

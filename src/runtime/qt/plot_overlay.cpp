@@ -5,22 +5,24 @@
 
 namespace {
 
-constexpr int TAG_ROOM = 3;    // pixels around the text of a tag
-constexpr int TAG_ALPHA = 215; // a curve behind it is still to be seen
+constexpr int TAG_ROOM = 3;           // pixels around the text of a tag
+constexpr int TAG_MAX_PIXELS = 4000;  // more than any window
+constexpr QPointF CORNER_SPACE(8, 4); // of the readout, off the axes
+constexpr int TAG_ALPHA = 215;        // a curve behind it is still to be seen
 
 } // namespace
 
 PlotOverlay::PlotOverlay(QCustomPlot *plot, const UI_GraphView *view, const UI_GraphAxes *axes)
     : QCPAbstractItem(plot), m_view(view), m_axes(axes)
 {
-    setClipToAxisRect(false);
+    setClipToAxisRect(false); // upright lines go through all panes
     setLayer("overlay");
     layer()->setMode(QCPLayer::lmBuffered);
 }
 
 double PlotOverlay::selectTest(const QPointF &, bool, QVariant *) const
 {
-    return -1;
+    return -1; // PlotWidget finds by itself what the mouse is on
 }
 
 void PlotOverlay::draw(QCPPainter *painter)
@@ -32,6 +34,7 @@ void PlotOverlay::draw(QCPPainter *painter)
     painter->setPen(
         QPen(LOOK_Quiet(mParentPlot->palette(), mParentPlot->palette().color(QPalette::Base)), 1,
              Qt::DotLine));
+    // From the quietest to what was put there last: what comes later lies on top.
     for (const UI_Note &note : m_axes->notes)
         drawUpright(painter, note.x, QTV_ToQt(note.text), 1);
     painter->setPen(QPen(text, 1, Qt::DotLine));
@@ -47,7 +50,7 @@ void PlotOverlay::draw(QCPPainter *painter)
     if (!rectangle.isNull())
         painter->drawRect(rectangle);
     if (!readout.isEmpty())
-        drawTag(painter, mParentPlot->axisRect()->rect().topLeft() + QPointF(8, 4), readout);
+        drawTag(painter, mParentPlot->axisRect()->rect().topLeft() + CORNER_SPACE, readout);
 }
 
 // Through all panes; its tag at the foot (row 0) or the top (row 1) of the picture.
@@ -65,6 +68,7 @@ void PlotOverlay::drawUpright(QCPPainter *painter, double x, const QString &tag,
     const double height = painter->fontMetrics().height() + 2 * TAG_ROOM;
     const double width = painter->fontMetrics().horizontalAdvance(tag) + 2 * TAG_ROOM;
     const double right = mParentPlot->axisRect()->right();
+    // Below a cursor its number; beside a note its text, which is longer.
     const double left = row == 0 ? pixel - width / 2 : pixel + 1;
     drawTag(painter, QPointF(std::min(left, right - width), row == 0 ? foot - height : top), tag);
 }
@@ -84,7 +88,7 @@ void PlotOverlay::drawAcross(QCPPainter *painter, const UI_Mark &level) const
 // A text on the ground of the picture, so that a curve behind it does not spoil it.
 void PlotOverlay::drawTag(QCPPainter *painter, const QPointF &corner, const QString &text) const
 {
-    QRectF box = painter->fontMetrics().boundingRect(QRect(0, 0, 4000, 4000),
+    QRectF box = painter->fontMetrics().boundingRect(QRect(0, 0, TAG_MAX_PIXELS, TAG_MAX_PIXELS),
                                                      Qt::AlignLeft | Qt::AlignTop, text);
     box.moveTo(corner + QPointF(TAG_ROOM, TAG_ROOM));
     const QPen pen = painter->pen();

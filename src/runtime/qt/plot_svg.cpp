@@ -1,3 +1,4 @@
+// The library draws PNG and PDF by itself, SVG it leaves to Qt's own module.
 #include "runtime/qt/plot_svg.h"
 
 #include <QSaveFile>
@@ -11,7 +12,7 @@ bool PSV_CanSave()
 
 bool PSV_Save(QCustomPlot *plot, const QString &path)
 {
-    QSaveFile file(path);
+    QSaveFile file(path); // the old picture stays until the new one is whole
     if (!file.open(QIODevice::WriteOnly))
         return false;
     QSvgGenerator generator;
@@ -21,6 +22,7 @@ bool PSV_Save(QCustomPlot *plot, const QString &path)
     QCPPainter painter;
     if (!painter.begin(&generator))
         return false;
+    // Lines as lines: what is cached is an image of pixels.
     painter.setMode(QCPPainter::pmVectorized);
     painter.setMode(QCPPainter::pmNoCaching);
     plot->toPainter(&painter, plot->width(), plot->height());

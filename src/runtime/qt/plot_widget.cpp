@@ -1,4 +1,5 @@
-// The graph control as it is shown; what the user does with it stands in plot_user.cpp.
+// The graph control as it is shown; what the user does with it stands in plot_user.cpp. One view
+// (m_view) is the truth, and axes, colours and overlay are set from it: nothing is read back.
 #include "runtime/qt/plot_widget.h"
 
 #include <algorithm>
@@ -16,6 +17,9 @@ namespace {
 constexpr int GROUND_STEPS = 8;         // the grid: a colour of 1/8 text, 7/8 ground
 constexpr size_t AXES_SIDE_BY_SIDE = 3; // of more panes over each other only one shows its own
 constexpr double FINE_CLOCK_S = 8;      // a narrower view has milliseconds at its foot
+constexpr int DIGITS = 6;               // of numbers in the corner: a float's, and no noise
+// Curves without a colour of their own, by place. Each can be told from its neighbours; what is too
+// pale or too dark for the ground is mended by LOOK_Readable.
 const QRgb COLORS[] = {0x1f77b4, 0xd95f02, 0x2ca02c, 0xc0392b, 0x7d4fb3, 0x8c564b,
                        0xd04a9b, 0x5f6a72, 0x8a8a00, 0x0f8f9f, 0x34495e, 0xb8860b,
                        0x006d5b, 0x9b2d5e, 0x3c6e00, 0x4b5fd0};
@@ -23,7 +27,7 @@ constexpr size_t COLOR_COUNT = sizeof COLORS / sizeof COLORS[0];
 
 QString Number(double value)
 {
-    return std::isfinite(value) ? QString::number(value, 'g', 6) : QString("-");
+    return std::isfinite(value) ? QString::number(value, 'g', DIGITS) : QString("-");
 }
 
 } // namespace
@@ -60,6 +64,8 @@ void PlotWidget::setPlots(const std::vector<UI_Plot> &plots)
         return curve->plot().handle == plot.handle && curve->plot().name == plot.name &&
                curve->plot().unit == plot.unit && curve->plot().pane == plot.pane;
     };
+    // New samples of the same curves are the rule while something is recorded: legend, axes and
+    // colours stay then.
     if (std::equal(m_curves.begin(), m_curves.end(), plots.begin(), plots.end(), isSame)) {
         for (size_t i = 0; i < plots.size(); i++)
             m_curves[i]->setPlot(plots[i]);
@@ -88,6 +94,7 @@ void PlotWidget::setAxes(const UI_GraphAxes &axes)
     m_axes = axes;
     if (isOtherTicker)
         buildPanes();
+    // One text at the foot of the lowest pane, one at the side of the first.
     m_panes.back().x->setLabel(QTV_ToQt(axes.xLabel));
     m_panes[0].y->setLabel(QTV_ToQt(axes.yLabel));
     replot(rpQueuedReplot);
@@ -125,7 +132,7 @@ void PlotWidget::buildPanes()
     while (first->axisCount(QCPAxis::atLeft) > 1)
         first->removeAxis(first->axis(QCPAxis::atLeft, first->axisCount(QCPAxis::atLeft) - 1));
     m_panes.clear();
-    delete m_margins;
+    delete m_margins; // it knows axes that are gone
     m_margins = new QCPMarginGroup(this);
     for (const int number : numbers) {
         Pane pane = {number, xAxis, yAxis};
@@ -140,6 +147,7 @@ void PlotWidget::buildPanes()
         m_panes.push_back(pane);
     }
     m_active = std::min(m_active, m_panes.size() - 1);
+    // Of panes one under the other only the lowest has numbers at its foot.
     for (Pane &pane : m_panes) {
         const bool isLowest = pane.x == m_panes.back().x;
         QCPAxisRect *rect = pane.x->axisRect();
@@ -228,11 +236,12 @@ void PlotWidget::colorAxes()
     };
     for (size_t i = 0; i < m_panes.size(); i++) {
         QColor own = text;
-        for (size_t k = m_curves.size(); m_panes.size() > 1 && k-- > 0;)
+        for (size_t k = m_curves.size(); m_panes.size() > 1 && k-- > 0;) // the first one wins
             if (PLV_PaneOf(m_view, m_curves[k]->plot().pane) == m_panes[i].number)
                 own = m_curves[k]->pen().color();
         color(m_panes[i].x, text);
         color(m_panes[i].y, own);
+        // Grids of several panes over each other would be a thicket: the active one's is drawn.
         const bool isOver = m_view.layout == GRAPH_OVERLAID;
         m_panes[i].y->setVisible(!isOver || m_panes.size() <= AXES_SIDE_BY_SIDE || i == m_active);
         m_panes[i].y->grid()->setVisible(!isOver || i == m_active);
@@ -251,7 +260,7 @@ void PlotWidget::showView()
         pane.y->setRange(y.min, y.max);
     }
     prepareOver();
-    replot(rpQueuedReplot);
+    replot(rpQueuedReplot); // many changes before the next picture are one
 }
 
 void PlotWidget::prepareOver()
@@ -260,6 +269,7 @@ void PlotWidget::prepareOver()
     m_overlay->levelAxis = valueAxis(m_view.level.pane);
 }
 
+// Cursors follow the mouse: the curves below stay as they were painted.
 void PlotWidget::drawOver()
 {
     prepareOver();
@@ -312,6 +322,7 @@ PlotCurve *PlotWidget::nearestCurve(const QPoint &at) const
             continue;
         const double y = (*curve->plot().y)[static_cast<size_t>(index)];
         const double distance = std::fabs(curve->valueAxis()->coordToPixel(y) - at.y());
+        // A curve with a gap there is taken only when there is no other.
         if (distance < best || !nearest) {
             nearest = curve;
             best = std::isfinite(distance) ? distance : best;
@@ -320,6 +331,7 @@ PlotCurve *PlotWidget::nearestCurve(const QPoint &at) const
     return nearest;
 }
 
+// Shares the numbers.
 std::vector<UI_Plot> PlotWidget::plots() const
 {
     std::vector<UI_Plot> all;

@@ -90,7 +90,6 @@ private:
     Drag dragAt(const QPoint &at) const;
     void dragTo(const QPoint &at);
     void zoomToRectangle();
-    PlotCurve *legendCurveAt(const QPoint &at) const;
     void showUnderMouse(const QPoint &at);
     // pictures
     void savePicture();

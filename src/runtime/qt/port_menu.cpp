@@ -1,3 +1,5 @@
+// What is behind a number is looked up when the menu opens: an adapter may have been plugged in a
+// second ago. The program is not asked; it opens whatever stands behind its number by then.
 #include "runtime/qt/port_menu.h"
 
 #include <QAction>
@@ -20,19 +22,6 @@ QString NameAndDescription(const PTL_Port &port)
     return port.description.empty() ? name : name + ", " + QTV_ToQt(port.description);
 }
 
-void FillAssignMenu(QMenu *assign)
-{
-    assign->clear();
-    for (const PTL_Port &found : PTL_List()) {
-        QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(found).toStdString()));
-        const QString location = QTV_ToQt(found.device);
-        for (int port = 1; port <= PORTS_SHOWN; port++)
-            device->addAction(QString("COM&%1").arg(port), device,
-                              [port, location] { QTV_AssignPort(port, location); });
-    }
-    assign->menuAction()->setVisible(PTL_CanAssign() && !assign->isEmpty());
-}
-
 // What the menu shows behind "COM<n>": "" when there is no such device.
 QString Describe(int port, const std::vector<PTL_Port> &ports)
 {
@@ -48,19 +37,29 @@ QString Describe(int port, const std::vector<PTL_Port> &ports)
     return QString();
 }
 
-void RefreshItems()
+void RefreshMenu(QMenu *assign)
 {
     const std::vector<PTL_Port> ports = PTL_List();
     for (int port = 1; port <= PORTS_SHOWN; port++) {
         QAction *action = QTV_MenuAction(ITEM_PORT_FIRST + port - 1);
         if (!action)
             continue;
-        QString found = Describe(port, ports);
+        QString found = Describe(port, ports); // makers write "&" into their names
         found.replace('&', "&&");
         const QString name = QString("COM&%1").arg(port);
         action->setText(found.isEmpty() ? name : name + QString::fromUtf8(" \u2014 ") + found);
         action->setToolTip(QTV_ToQt(SER_DevicePath(port)));
     }
+    // Each device with the numbers it can get; on systems that number their ports, nothing.
+    assign->clear();
+    for (const PTL_Port &found : ports) {
+        QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(found).toStdString()));
+        const QString location = QTV_ToQt(found.device);
+        for (int port = 1; port <= PORTS_SHOWN; port++)
+            device->addAction(QString("COM&%1").arg(port), device,
+                              [port, location] { QTV_AssignPort(port, location); });
+    }
+    assign->menuAction()->setVisible(PTL_CanAssign() && !assign->isEmpty());
 }
 
 // Of the window alone: the program has no part in it and waits for nothing.
@@ -68,7 +67,7 @@ void Tell(QMessageBox::Icon icon, const QString &title, const QString &message)
 {
     auto *box = new QMessageBox(icon, title, message, QMessageBox::Ok, QTV_DialogParent());
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
+    box->setTextFormat(Qt::PlainText); // a path may look like a tag
     box->open();
 }
 
@@ -97,8 +96,5 @@ void QTV_EquipPortMenu(QMenu *menu)
     menu->addSeparator();
     QMenu *assign = menu->addMenu("&Assign");
     assign->setToolTipsVisible(true);
-    QObject::connect(menu, &QMenu::aboutToShow, [assign] {
-        RefreshItems();
-        FillAssignMenu(assign);
-    });
+    QObject::connect(menu, &QMenu::aboutToShow, [assign] { RefreshMenu(assign); });
 }

@@ -49,7 +49,6 @@ bool QTV_DrawChanges();
 void QTV_Draw(const VIEW_Batch &batch);
 bool QTV_IsDrawing(); // what widgets report now is the program's doing, not the user's
 void QTV_ShowBusy();  // looks what the program is at; called by a timer
-constexpr uint32_t QTV_BUSY_MS = 300; // how long a callback may take before it is mentioned
 
 // --- parts of drawing ---------------------------------------------------------------------
 void QTV_DrawControl(const VIEW_Control &change);

@@ -16,6 +16,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace {
 
@@ -39,27 +40,11 @@ void Answer(int id, int button, const std::string &text = "")
     if (id != openId)
         return;
     openId = 0;
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_ANSWER;
+    VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_ANSWER);
     event.id = id;
     event.button = button;
     event.text = text;
     QTV_Post(event);
-}
-
-// A bound in bytes: characters outside ASCII take more than one.
-void KeepWithin(QLineEdit *entry, size_t maxLength)
-{
-    const size_t bound =
-        maxLength == 0 || maxLength > ENTRY_MAX_CHARS ? ENTRY_MAX_CHARS : maxLength;
-    entry->setMaxLength(static_cast<int>(bound));
-    QObject::connect(entry, &QLineEdit::textChanged, [entry, bound](const QString &now) {
-        QString text = now;
-        while (text.toStdString().size() > bound)
-            text.chop(1);
-        if (text != now)
-            entry->setText(text);
-    });
 }
 
 QDialog *MakeMessage(const VIEW_Question &question)
@@ -71,6 +56,7 @@ QDialog *MakeMessage(const VIEW_Question &question)
                                 QTV_ToQt(question.title), QTV_ToQt(question.message),
                                 isQuestion ? QMessageBox::Yes | QMessageBox::No : QMessageBox::Ok,
                                 QTV_DialogParent());
+    // File names and target texts may look like tags; a message is often copied into a report.
     box->setTextFormat(Qt::PlainText);
     box->setTextInteractionFlags(Qt::TextSelectableByMouse);
     if (isQuestion) {
@@ -79,6 +65,7 @@ QDialog *MakeMessage(const VIEW_Question &question)
     }
     const int id = question.id;
     QObject::connect(box, &QDialog::finished, [id, isQuestion](int result) {
+        // Closed in any way, a message has been read and a question denied.
         Answer(id, isQuestion && result != QMessageBox::Yes ? 2 : 1);
     });
     return box;
@@ -86,9 +73,19 @@ QDialog *MakeMessage(const VIEW_Question &question)
 
 QLineEdit *AddEntry(QDialog *dialog, const VIEW_Question &question)
 {
+    const size_t wished = question.maxLength == 0 ? ENTRY_MAX_CHARS : question.maxLength;
+    const size_t bound = std::min(wished, ENTRY_MAX_CHARS);
     auto *entry = new QLineEdit(dialog);
     entry->setMinimumWidth(ENTRY_MIN_WIDTH);
-    KeepWithin(entry, question.maxLength);
+    entry->setMaxLength(static_cast<int>(bound));
+    // The program's bound is in bytes, and letters outside ASCII take more than one.
+    QObject::connect(entry, &QLineEdit::textChanged, [entry, bound](const QString &now) {
+        QString text = now;
+        while (text.toStdString().size() > bound)
+            text.chop(1);
+        if (text != now)
+            entry->setText(text);
+    });
     entry->setText(QTV_ToQt(question.text));
     entry->selectAll();
     dialog->layout()->addWidget(entry);
@@ -102,7 +99,7 @@ QDialog *MakeGeneric(const VIEW_Question &question)
     auto *dialog = new QDialog(QTV_DialogParent());
     dialog->setWindowTitle(QTV_ToQt(question.title));
     auto *layout = new QVBoxLayout(dialog);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    layout->setSizeConstraint(QLayout::SetFixedSize); // there is nothing to be made larger
     auto *label = new QLabel(QTV_ToQt(question.message), dialog);
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -119,7 +116,7 @@ QDialog *MakeGeneric(const VIEW_Question &question)
         const int number = static_cast<int>(i) + 1;
         QObject::connect(button, &QPushButton::clicked, dialog,
                          [dialog, number] { dialog->done(number); });
-        button->setDefault(i == 0);
+        button->setDefault(i == 0); // Enter in the entry presses it
     }
     layout->addWidget(row);
     if (entry)
@@ -160,8 +157,10 @@ QDialog *MakeFileDialog(const VIEW_Question &question)
     dialog->setAcceptMode(isSave ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     dialog->setFileMode(isSave ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     const QString suffix = QFileInfo(types.section(';', 0, 0)).suffix();
+    // "*.d*" names no ending that could be put behind a name.
     if (isSave && !IsPattern(suffix))
         dialog->setDefaultSuffix(suffix);
+    // A proposed name may bring its folder along.
     if (!IsPattern(spec) && !spec.isEmpty()) {
         const QFileInfo file(QDir(dialog->directory()), spec);
         if (file.dir().exists())
@@ -203,11 +202,10 @@ public:
     }
     void reject() override
     {
-        if (!m_cancel->isEnabled())
+        if (!m_cancel->isEnabled()) // said once: the program is on its way out
             return;
         m_cancel->setEnabled(false);
-        VIEW_Event event;
-        event.kind = VIEW_EVENT_CANCEL;
+        VIEW_Event event = VIEW_MakeEvent(VIEW_EVENT_CANCEL);
         event.id = m_id;
         QTV_Post(event);
     }
@@ -234,7 +232,7 @@ ProgressBox MakeProgressBox(const VIEW_Progress &change)
     dialog->setWindowModality(Qt::ApplicationModal);
     dialog->setWindowTitle(QTV_ToQt(change.title));
     CloseMenus();
-    dialog->show();
+    dialog->show(); // over all windows: nothing else is to be begun meanwhile
     return box;
 }
 
@@ -263,7 +261,7 @@ void QTV_CloseQuestion(int id)
 {
     if (id != openId)
         return;
-    openId = 0;
+    openId = 0; // first, so that closing it answers nothing
     if (openQuestion)
         openQuestion->close();
 }

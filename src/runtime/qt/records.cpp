@@ -1,4 +1,5 @@
-// The records of panels and controls, and the loading of a panel's layout.
+// The records of panels and controls, and the loading of a panel's layout. A record for every row
+// of the tables; its widgets come when the program loads the panel, and stay.
 #include "runtime/qt/qt_view.h"
 
 #include <QApplication>
@@ -10,32 +11,22 @@
 
 namespace {
 
-std::vector<QTV_Panel> MakeRecords()
-{
-    std::vector<QTV_Panel> records(static_cast<size_t>(UI_cnPanels));
-    for (size_t i = 0; i < records.size(); i++)
-        records[i].row = &UI_aPanels[i];
-    return records;
-}
-
-// Widgets marked "mono" in the Designer file get the system's fixed-width font.
-void UseFixedFont(QWidget *window)
-{
-    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
-    fixed.setPixelSize(window->font().pixelSize());
-    const QList<QWidget *> widgets = window->findChildren<QWidget *>();
-    for (QWidget *widget : widgets)
-        if (widget->property("mono").toBool())
-            widget->setFont(fixed);
-}
-
+// False, and why on standard error, when the layout and the table differ: a mistake of ours that
+// no user can mend.
 bool Build(QTV_Panel *panel)
 {
     if (!QTV_SetupPanel(panel->row->panel, panel->window)) {
         std::fprintf(stderr, "panel '%s': no layout\n", panel->row->name);
         return false;
     }
-    UseFixedFont(panel->window);
+    // Widgets marked "mono" in the Designer file get the system's fixed-width font.
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    fixed.setPixelSize(panel->window->font().pixelSize());
+    const QList<QWidget *> widgets = panel->window->findChildren<QWidget *>();
+    for (QWidget *widget : widgets)
+        if (widget->property("mono").toBool())
+            widget->setFont(fixed);
+    // All records before the first is bound: signals keep their addresses.
     for (int i = 0; i < UI_cnControls; i++) {
         if (UI_aControls[i].panel != panel->row->panel)
             continue;
@@ -49,7 +40,7 @@ bool Build(QTV_Panel *panel)
     panel->window->setWindowTitle(panel->row->title);
     if (panel->row->panel == UI_nMenuPanel)
         panel->window->setMenuBar(QTV_BuildMenuBar(panel->window));
-    QTV_UsePalette(panel);
+    QTV_UsePalette(panel); // the layouts know no dark desktop
     QTV_RememberSplitters(panel);
     return true;
 }
@@ -58,7 +49,12 @@ bool Build(QTV_Panel *panel)
 
 QTV_Panel *QTV_FindPanel(int panel)
 {
-    static std::vector<QTV_Panel> records = MakeRecords();
+    static std::vector<QTV_Panel> records = [] {
+        std::vector<QTV_Panel> made(static_cast<size_t>(UI_cnPanels));
+        for (size_t i = 0; i < made.size(); i++)
+            made[i].row = &UI_aPanels[i];
+        return made;
+    }();
     for (QTV_Panel &record : records)
         if (record.row->panel == panel)
             return &record;
@@ -81,6 +77,7 @@ QTV_Control *QTV_ControlOf(QWidget *widget)
     PanelWindow *window = PanelWindow::holding(widget);
     if (!window)
         return nullptr;
+    // The keyboard may be in a part of it: the field of a number, the viewport of a list.
     for (QWidget *w = widget; w && w != window; w = w->parentWidget())
         for (QTV_Control &record : window->record()->controls)
             if (record.widget == w)
@@ -102,11 +99,12 @@ bool QTV_LoadPanel(int panel, int parent)
     if (record->window)
         return true;
     record->parent = parent == 0 ? nullptr : QTV_FindPanel(parent);
+    // Inside its parent, or a window of its own that belongs to the main one and goes with it.
     PanelWindow *inside = record->parent ? record->parent->window : nullptr;
     record->window = new PanelWindow(record, inside ? inside : QTV_MainWindow(), inside != nullptr);
     if (Build(record))
         return true;
-    delete record->window;
+    delete record->window; // half a window would answer half of the calls
     record->window = nullptr;
     record->controls.clear();
     return false;
@@ -130,6 +128,7 @@ QWidget *QTV_DialogParent()
     QWidget *active = QApplication::activeWindow();
     if (active && active->isVisible())
         return active;
+    // Another program is in front: any window that can be seen.
     for (int i = 0; i < UI_cnPanels; i++) {
         QWidget *window = QTV_FindPanel(UI_aPanels[i].panel)->window;
         if (window && window->isWindow() && window->isVisible())
@@ -148,7 +147,7 @@ QString QTV_ToQt(const std::string &text)
 
 QString QTV_AccessText(const std::string &text)
 {
-    QString shown = QTV_ToQt(text);
+    QString shown = QTV_ToQt(text); // behind a tab Qt would look for a shortcut
     shown.replace('&', "&&").replace('\t', ' ');
     const qsizetype mark = shown.indexOf("__");
     if (mark >= 0)

@@ -37,6 +37,7 @@ void SegmentBar::setSegments(const std::vector<UI_Segment> &segments)
 QColor SegmentBar::colorOf(unsigned style) const
 {
     const QColor ground = palette().color(QPalette::Base);
+    // What went wrong shows through whatever else is said of the segment.
     if (style & UIS_WARNING)
         return LOOK_Readable(QColor(0xC0, 0x1C, 0x28), ground);
     if (style & UIS_GOOD)
@@ -50,6 +51,7 @@ QRectF SegmentBar::rectOf(const UI_Segment &segment) const
 {
     const QRectF inside = QRectF(rect()).adjusted(1, 1, -1, -1);
     const double length = (segment.last - segment.first) * inside.width();
+    // One byte of a megabyte is drawn as wide as can be seen, inside the bar even at its end.
     const double wide = qMin(qMax(SEGMENT_WIDTH_MIN, length), inside.width());
     const double left = qMin(segment.first * inside.width(), inside.width() - wide);
     return {inside.left() + left, inside.top(), wide, inside.height()};

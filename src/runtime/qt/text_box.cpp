@@ -1,3 +1,5 @@
+// Qt counts a text that ends with a line feed as having an empty last line. Here that line does not
+// exist: the last feed is held back until more text comes (m_isLineOpen).
 #include "runtime/qt/text_box.h"
 
 #include <QScrollBar>
@@ -8,7 +10,10 @@
 namespace {
 
 constexpr int LINES_AT_FIRST = 6; // what a box asks room for
+constexpr int WIDTH_HINT = 400;   // pixels
+constexpr int TEXT_MARGINS = 8;   // pixels above and below the text together
 
+// Of CR LF the feed ends the line; a zero byte of the target is to be seen, not swallowed.
 QString Clean(QString text)
 {
     text.remove('\r').replace(QChar::Null, QChar::ReplacementCharacter);
@@ -23,7 +28,7 @@ TextBox::TextBox(QWidget *parent) : QPlainTextEdit(parent)
     setUndoRedoEnabled(false);
     setLineWrapMode(QPlainTextEdit::NoWrap);
     setMaximumBlockCount(UI_BOX_LINES_MAX);
-    setTabChangesFocus(true);
+    setTabChangesFocus(true); // nobody types a tab here
     setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
@@ -38,7 +43,7 @@ void TextBox::appendText(const QString &text)
     if (!m_isLineOpen)
         added.chop(1);
     m_hasLines = true;
-    QTextCursor cursor(document());
+    QTextCursor cursor(document()); // not the box's own: the user's selection stays
     cursor.movePosition(QTextCursor::End);
     cursor.insertText(added);
     follow(wasAtEnd);
@@ -69,6 +74,8 @@ void TextBox::dropLines(int count)
 
 void TextBox::replaceAll(const QString &text)
 {
+    // As far as the new text goes, selection and scrolling stay: a trace is written anew once a
+    // second while somebody reads in it.
     const QTextCursor before = textCursor();
     const int anchor = before.anchor(), position = before.position();
     const int top = verticalScrollBar()->value(), left = horizontalScrollBar()->value();
@@ -81,7 +88,7 @@ void TextBox::replaceAll(const QString &text)
     setTextCursor(cursor);
     verticalScrollBar()->setValue(top);
     horizontalScrollBar()->setValue(left);
-    if (wasAtEnd && top > 0)
+    if (wasAtEnd && top > 0) // a text that fits is at its end and at its top: then the top counts
         follow(true);
 }
 
@@ -93,7 +100,8 @@ void TextBox::setFirstVisibleLine(int line)
 
 QSize TextBox::sizeHint() const
 {
-    return QSize(400, LINES_AT_FIRST * fontMetrics().lineSpacing() + 2 * frameWidth() + 8);
+    return QSize(WIDTH_HINT,
+                 LINES_AT_FIRST * fontMetrics().lineSpacing() + 2 * frameWidth() + TEXT_MARGINS);
 }
 
 bool TextBox::isAtEnd() const
@@ -118,6 +126,7 @@ void TextBox::resizeEvent(QResizeEvent *event)
         verticalScrollBar()->setValue(verticalScrollBar()->maximum());
 }
 
+// A hidden box does not scroll: it catches up when it is seen.
 void TextBox::showEvent(QShowEvent *event)
 {
     QPlainTextEdit::showEvent(event);

@@ -6,6 +6,7 @@
 
 namespace {
 
+// Pixels.
 constexpr int TRACK_WIDTH = 30;
 constexpr int TRACK_HEIGHT = 16;
 constexpr int KNOB_INSET = 2;
@@ -34,7 +35,7 @@ QSize ToggleSwitch::minimumSizeHint() const
 
 bool ToggleSwitch::hitButton(const QPoint &position) const
 {
-    return rect().contains(position);
+    return rect().contains(position); // beside the text as well: it is all one switch
 }
 
 void ToggleSwitch::paintEvent(QPaintEvent *)
@@ -48,6 +49,7 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
         painter.setPen(QPen(palette().color(QPalette::Highlight), 1.5));
         painter.drawRoundedRect(track.adjusted(-2, -2, 2, 2), radius + 2, radius + 2);
     }
+    // Off is grey, dimmed is paler still; on is the one colour.
     painter.setPen(Qt::NoPen);
     const QColor ground = palette().color(QPalette::Window);
     const QColor off = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.45);

@@ -1,4 +1,5 @@
-// The window's thread: start, the rate of drawing, what the program is busy with, the end.
+// The window's thread: start, the rate of drawing, what the program is busy with, the end. The
+// program runs on a thread of its own and wakes this one by an event; the two share nothing else.
 #include "runtime/qt/qt_view.h"
 
 #include <QApplication>
@@ -25,6 +26,7 @@ namespace {
 constexpr int EXIT_NO_SCREEN = 255;        // what -1 becomes as an exit code
 constexpr int FRAME_MS = 16;               // changes are drawn at most 60 times a second
 constexpr int BUSY_LOOK_MS = 100;          // how often the program's work is looked at
+constexpr uint32_t BUSY_MS = 300;          // how long a callback may take before it is mentioned
 constexpr uint32_t SECONDS_FROM_MS = 2000; // from here on the time is said too
 
 bool isDrawing = false;
@@ -54,6 +56,7 @@ public:
     {
         if (event->type() != QEvent::User)
             return QObject::event(event);
+        // The first change after a pause is drawn at once, the others at the rate of the eye.
         if (!m_timer.isActive()) {
             const qint64 passed = m_since.isValid() ? m_since.elapsed() : FRAME_MS;
             m_timer.start(static_cast<int>(qMax<qint64>(0, FRAME_MS - passed)));
@@ -75,6 +78,7 @@ void DrawPanel(const VIEW_Panel &change)
     PanelWindow *window = panel->window;
     if (change.mask & VIEW_PANEL_TITLE) // Qt would take "[*]" for its mark of a changed file
         window->setWindowTitle(QTV_ToQt(change.title).replace("[*]", "[*][*]"));
+    // Size and place before it is shown: it must not jump.
     if (change.mask & VIEW_PANEL_SIZABLE)
         window->setSizable(change.isSizable);
     if (change.mask & VIEW_PANEL_SIZE)
@@ -130,6 +134,7 @@ void DrawGraph(const VIEW_Graph &change)
     auto *plot = control ? qobject_cast<PlotWidget *>(control->widget) : nullptr;
     if (!plot)
         return;
+    // The view at last: cursors stand on samples that must be there.
     if (change.mask & VIEW_GRAPH_AXES)
         plot->setAxes(change.axes);
     if (change.mask & VIEW_GRAPH_PLOTS)
@@ -145,18 +150,13 @@ void ReportFocus(QWidget *, QWidget *now)
     if (!window)
         return;
     const QTV_Control *control = QTV_ControlOf(now);
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_FOCUS;
-    event.panel = window->record()->row->panel;
-    event.control = control ? control->row->control : 0;
-    QTV_Post(event);
+    QTV_Post(VIEW_MakeEvent(VIEW_EVENT_FOCUS, window->record()->row->panel,
+                            control ? control->row->control : 0));
 }
 
 void PostEnd()
 {
-    VIEW_Event event;
-    event.kind = VIEW_EVENT_END;
-    QTV_Post(event);
+    QTV_Post(VIEW_MakeEvent(VIEW_EVENT_END));
 }
 
 std::atomic<bool> isProgramRunning{false};
@@ -185,7 +185,7 @@ int QTV_StartApplication(int *argc, char **argv)
 {
     static int argumentCount; // Qt keeps a reference to it for the program's life
     argumentCount = *argc;
-    const QtMessageHandler usual = qInstallMessageHandler(ReportNoScreen);
+    const QtMessageHandler usual = qInstallMessageHandler(ReportNoScreen); // while it is made
     static QApplication *application = new QApplication(argumentCount, argv);
     qInstallMessageHandler(usual);
     *argc = argumentCount;
@@ -220,6 +220,7 @@ bool QTV_DrawChanges()
 
 void QTV_Draw(const VIEW_Batch &batch)
 {
+    // Widgets report what is done to them here as well (bind.cpp): nothing of it is the user's.
     isDrawing = true;
     LoadPanels(batch.panels);
     for (const UI_Layout &layout : batch.layouts)
@@ -255,7 +256,7 @@ void QTV_Draw(const VIEW_Batch &batch)
     if (batch.hasClipboard)
         QGuiApplication::clipboard()->setText(QTV_ToQt(batch.clipboard));
     isDrawing = false;
-    if (batch.isEnded)
+    if (batch.isEnded) // the last of all batches: there is no program any more
         QCoreApplication::exit(batch.exitCode);
 }
 
@@ -265,11 +266,12 @@ void QTV_ShowBusy()
     auto *label = main ? main->findChild<QLabel *>("busy") : nullptr;
     if (!label)
         return;
+    // Looked at by a timer: a program that waits for a station tells nobody.
     VIEW_Busy busy;
     VIEW_GetBusy(&busy);
     const uint32_t passedMs = PLT_TickMs() - busy.sinceMs;
     QString text;
-    if (busy.isBusy && passedMs >= QTV_BUSY_MS) {
+    if (busy.isBusy && passedMs >= BUSY_MS) {
         text = busy.text.empty() ? QString("working") : QTV_ToQt(busy.text);
         if (passedMs >= SECONDS_FROM_MS)
             text += QString(", %1 s").arg(passedMs / 1000);
@@ -278,6 +280,7 @@ void QTV_ShowBusy()
         label->setText(text);
 }
 
+// On the program's thread: posting an event is a call of Qt that any thread may make.
 void VIEW_Wake()
 {
     if (Drawer *waiting = drawer)
