@@ -17,6 +17,7 @@
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
+#include "watch/list/snapshot.h"
 #include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"
 

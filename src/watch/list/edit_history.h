@@ -20,7 +20,7 @@ struct HIS_Step {
     LItem after;  // inserted or in its place
 };
 struct HIS_Edit {
-    std::string what; // "Removed: nnCount"
+    std::string what; // "remove nnCount"
     std::vector<HIS_Step> steps;
 };
 

@@ -1,5 +1,7 @@
 #include "watch/value/value_types.h"
 
+#include <cinttypes>
+#include <cstdio>
 #include <cstring>
 
 #include "watch/list/litem.h"
@@ -12,9 +14,13 @@ const char INTEGER_FORM[] = "a decimal number, or hexadecimal as 0x1F or 1Fh";
 constexpr int DURATION_BYTES = 3; // the fourth is none of its minutes and stays as it is
 constexpr int SIZE_DEFAULT = 2;
 const char SIZES[] = "1248";
+const char NO_VALUE[] = "-";
+constexpr int BITS_PER_LINE = 32; // of a binary text
 
 } // namespace
 
+// By row: letter, name, its only size, what a debug file writes and a TMS320 can have, the
+// plain form, then how it is shown, typed, ranged and written.
 // clang-format off
 const VTY_Row VTY_aRows[] = {
     {'i', "signed", 0, true, true, 'i', "int:  ",
@@ -49,13 +55,15 @@ bool VTY_IsField(const std::string &field)
     const VTY_Row *row = field.empty() ? nullptr : VTY_Find(field[0]);
     if (row == nullptr)
         return false;
-    if (row->onlySize != 0)
+    if (row->onlySize != 0) // may stand there, but need not: "f" and "f4"
         return field.size() == 1 || field.substr(1) == std::to_string(row->onlySize);
+    // strchr would find the NUL as well.
     return field.size() == 2 && field[1] != '\0' && std::strchr(SIZES, field[1]) != nullptr;
 }
 
 void VTY_SetFromField(LItem *item, const char *field)
 {
+    // Lists written by hand have stray letters and sizes: these lines keep a value to look at.
     const VTY_Row *row = VTY_Find(*field);
     item->type = row != nullptr ? row->letter : 'i';
     item->size = SIZE_DEFAULT;
@@ -80,4 +88,48 @@ int FormatLItemVal(std::string *text, const LItem &item)
         row->format(buffer, item);
     *text += buffer;
     return static_cast<int>(std::strlen(buffer));
+}
+
+std::string VFM_Decimal(const LItem &item)
+{
+    if (!item.isValueGood)
+        return NO_VALUE;
+    const VTY_Row *row = VTY_Find(item.type);
+    const char form = row != nullptr ? row->plainForm : 'u';
+    if (form == 'f')
+        return VFM_Float(item);
+    return form == 'i' ? std::to_string(LIT_SignedBits(item)) : std::to_string(LIT_Bits(item));
+}
+
+std::string VFM_Float(const LItem &item)
+{
+    if (!item.isValueGood || item.size != 4)
+        return NO_VALUE;
+    char text[40];
+    // Nine digits: every single has a text of its own, and what is typed back is the same bits.
+    std::snprintf(text, sizeof text, "%.9g", FMT_FloatOf(item));
+    return text;
+}
+
+std::string VFM_Hex(const LItem &item)
+{
+    if (!item.isValueGood)
+        return NO_VALUE;
+    char text[24];
+    std::snprintf(text, sizeof text, "0x%0*" PRIX64, 2 * item.size, LIT_Bits(item));
+    return text;
+}
+
+std::string VFM_Binary(const LItem &item)
+{
+    if (!item.isValueGood)
+        return NO_VALUE;
+    const uint64_t bits = LIT_Bits(item);
+    std::string text;
+    for (int bit = 8 * item.size - 1; bit >= 0; --bit) {
+        text += (bits >> bit & 1) != 0 ? '1' : '0';
+        if (bit != 0 && bit % 4 == 0)
+            text += bit % BITS_PER_LINE == 0 ? '\n' : ' ';
+    }
+    return text;
 }

@@ -109,14 +109,14 @@ void CollectRows()
     case VSL_MAP:
         selector.rows = TMF_ListVariables("");
         break;
-    case VSL_REGISTERS:
+    case VSL_REGISTERS: // no type map knows these two
         AppendNodes(aVarNode166, nNodes166, "", &selector.rows);
         break;
     case VSL_TMS:
         AppendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
         break;
     }
-    selector.names.clear();
+    selector.names.clear(); // folded here once, and not at every key
     for (const TMF_ListRow &row : selector.rows)
         selector.names.push_back(LowerCase(row.expression));
     selector.isStale = false;
@@ -177,7 +177,7 @@ void FillList()
     }
     if (!selector.shown.empty()) {
         SetCtrlIndex(PANEL, VARSEL_LIST, line);
-        if (line == 0)
+        if (line == 0) // another filter: the scroll of the one before means nothing
             SetCtrlAttribute(PANEL, VARSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
     SetCtrlVal(PANEL, VARSEL_COUNT,
@@ -216,7 +216,7 @@ void AddSelected()
         return;
     if (SEL_CanWatch(*row))
         SEL_AddToWatch(row->expression, PANEL, VARSEL_DETAIL);
-    else
+    else // a structure: one of its members is meant
         OpenMembers();
 }
 
@@ -234,19 +234,11 @@ int SelectedLine()
     return line;
 }
 
-void EnterList()
-{
-    if (selector.shown.empty())
-        return;
-    SetCtrlIndex(PANEL, VARSEL_LIST, std::max(SelectedLine(), 0));
-    SetActiveCtrl(PANEL, VARSEL_LIST);
-}
-
 // 1 when the key was for the filter.
 int OnListKey(int key)
 {
     std::string filter = selector.filter;
-    if (key == KEY_UP && SelectedLine() <= 0) {
+    if (key == KEY_UP && SelectedLine() <= 0) { // above the first line
         SetActiveCtrl(PANEL, VARSEL_FILTER);
         return 1;
     }
@@ -287,7 +279,7 @@ bool VSL_IsMatch(const std::string &filter, const std::string &name)
 
 void VSL_SymbolsChanged()
 {
-    selector.isStale = true;
+    selector.isStale = true; // a window that is hidden collects them when it is opened
     if (IsVisible(PANEL))
         FillList();
     if (IsVisible(PANEL_STRUCT_SELECTOR))
@@ -315,11 +307,15 @@ int VSL_FilterCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
         FillList();
-    else if (event == EVENT_COMMIT)
+    else if (event == EVENT_COMMIT) // the first match without leaving the filter
         AddSelected();
-    else if (event == EVENT_KEYPRESS && data == KEY_DOWN)
-        EnterList();
-    return event == EVENT_KEYPRESS && data == KEY_DOWN;
+    if (event != EVENT_KEYPRESS || data != KEY_DOWN)
+        return 0;
+    if (!selector.shown.empty()) {
+        SetCtrlIndex(PANEL, VARSEL_LIST, std::max(SelectedLine(), 0));
+        SetActiveCtrl(PANEL, VARSEL_LIST);
+    }
+    return 1;
 }
 
 int VSL_ListCB(int, int, int event, int data)
