@@ -6,6 +6,7 @@
 #include "symbols/typemap.h"
 #include "watch/list/age.h"
 #include "watch/list/debug_file.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/item_names.h"
 #include "watch/list/list_view.h"
 #include "watch/list/snapshot.h"
@@ -361,7 +362,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
          "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
     };
     ASSERT_EQ(load(start), 0);
-    EDT_ForgetEdits();
+    HIS_Forget();
     std::string what;
     EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
     EXPECT_EQ(EDT_Move(0, 4), EDT_ERR_INDEX);
@@ -386,7 +387,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EXPECT_EQ(EDT_Redo(&what), EDT_ERR_NOTHING);
     EDT_Undo(&what);
     EDT_Remove(0);
-    EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
+    EXPECT_FALSE(HIS_CanRedo()) << "after another edit there is nothing to go forward to";
 
     // What was away while another map came has the address that this one gives it.
     ASSERT_EQ(load("A, u1\n"), 0);

@@ -11,6 +11,7 @@
 #include "settings/settings.h"
 #include "text/words.h"
 #include "watch/list/edit.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
@@ -61,7 +62,7 @@ int LoadAsCurrent(const std::string &path)
         return -2;
     szDebugFileName = path;
     IsDBGChange = 0;
-    EDT_ForgetEdits(); // they were made on another list
+    HIS_Forget(); // they were made on another list
     SetMainPanelTitle();
     return 0;
 }
@@ -78,27 +79,6 @@ void ShowLoaded()
 {
     ResetLItemsDisplay();
     ShowName();
-}
-
-void OpenWithDialog(int panel)
-{
-    if (DbgChngSafety() == 0 && LoadDbgFile(panel) == 0)
-        ShowLoaded();
-}
-
-void EditInEditor()
-{
-    if (szDebugFileName.empty())
-        VR_ShowMessage("There is no watch list file to edit.");
-    else if (PLT_OpenInEditor(szDebugFileName) != 0)
-        VR_ShowMessage("The editor could not be started.");
-}
-
-void SaveAndShowName(int panel)
-{
-    const std::string nameBefore = szDebugFileName;
-    if (SaveDbg(panel) == 1 && szDebugFileName != nameBefore)
-        ShowName();
 }
 
 } // namespace
@@ -200,23 +180,21 @@ int DBG_Open(const std::string &path)
 
 void OpenDatCB(int /*menuBar*/, int /*item*/)
 {
-    OpenWithDialog(mainPanel);
+    if (DbgChngSafety() == 0 && LoadDbgFile(mainPanel) == 0)
+        ShowLoaded();
 }
 
 void SaveDbgCB(int /*menuBar*/, int /*item*/)
 {
-    SaveAndShowName(mainPanel);
+    const std::string nameBefore = szDebugFileName; // without one, saving asks for it
+    if (SaveDbg(mainPanel) == 1 && szDebugFileName != nameBefore)
+        ShowName();
 }
 
 void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 {
     if (SaveDbgAs(mainPanel) == 1)
         ShowName();
-}
-
-void ReloadDbgCB(int /*menuBar*/, int /*item*/)
-{
-    OpenWithDialog(mainPanel);
 }
 
 void ReloadNowCB(int /*menuBar*/, int /*item*/)
@@ -227,7 +205,10 @@ void ReloadNowCB(int /*menuBar*/, int /*item*/)
 
 void EditDbgCB(int /*menuBar*/, int /*item*/)
 {
-    EditInEditor();
+    if (szDebugFileName.empty())
+        VR_ShowMessage("There is no watch list file to edit.");
+    else if (PLT_OpenInEditor(szDebugFileName) != 0)
+        VR_ShowMessage("The editor could not be started.");
 }
 
 void MenuReopenFileCB(int /*menuBar*/, int item)
@@ -242,24 +223,24 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
     }
 }
 
-int RldDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
+int RldDbgBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_COMMIT)
-        OpenWithDialog(panel);
+    if (event == EVENT_COMMIT) // the dialog proposes the present file
+        OpenDatCB(0, 0);
     return 0;
 }
 
 int DbgFileBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        EditInEditor();
+        EditDbgCB(0, 0);
     return 0;
 }
 
-int SaveDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
+int SaveDbgBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        SaveAndShowName(panel);
+        SaveDbgCB(0, 0);
     return 0;
 }
 

@@ -256,21 +256,6 @@ int EDT_Redo(std::string *what)
     return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
 }
 
-bool EDT_CanUndo()
-{
-    return HIS_CanUndo();
-}
-
-bool EDT_CanRedo()
-{
-    return HIS_CanRedo();
-}
-
-void EDT_ForgetEdits()
-{
-    HIS_Forget();
-}
-
 int EDT_SetType(int index, const std::string &typeField)
 {
     if (!IsIndex(index))

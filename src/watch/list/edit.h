@@ -44,9 +44,6 @@ int EDT_GatherLines(std::vector<int> lines, int gap);
 // and the edit in words ("remove wSpeed"); or EDT_ERR_NOTHING.
 int EDT_Undo(std::string *what);
 int EDT_Redo(std::string *what);
-bool EDT_CanUndo();
-bool EDT_CanRedo();
-void EDT_ForgetEdits();                                   // another list was loaded
 int EDT_SetType(int index, const std::string &typeField); // 0 or EDT_ERR_
 // Blanks around it are dropped, and control characters become blanks. 0 or EDT_ERR_.
 int EDT_SetComment(int index, const std::string &comment);

@@ -9,6 +9,7 @@
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
@@ -92,8 +93,8 @@ void LEV_Enable()
         {ITEM_ADD, isInView},
         {ITEM_EDIT, hasLine},
         {ITEM_REMOVE, hasLine},
-        {ITEM_UNDO, isInView && EDT_CanUndo()},
-        {ITEM_REDO, isInView && EDT_CanRedo()},
+        {ITEM_UNDO, isInView && HIS_CanUndo()},
+        {ITEM_REDO, isInView && HIS_CanRedo()},
         {ITEM_MOVE_UP, hasTwoLines},
         {ITEM_MOVE_DOWN, hasTwoLines},
         {ITEM_WRITE_VALUE, hasLine},
@@ -114,7 +115,7 @@ void LEV_Enable()
 int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
 {
     switch (event) {
-    case EVENT_COMMIT:
+    case EVENT_COMMIT: // Enter
     case EVENT_LEFT_DOUBLE_CLICK:
         LEV_WriteCB(0, ITEM_WRITE_VALUE);
         break;
@@ -162,7 +163,7 @@ void LEV_OtherBaseCB(int /*menuBar*/, int /*item*/)
         if (item.type == 'i' || item.type == 'u' || item.type == 'x') // the others have no base
             item.isOtherBase = !item.isOtherBase;
     }
-    if (readLItems)
+    if (readLItems) // else no value is shown yet
         LSV_ShowValues();
 }
 

@@ -44,11 +44,6 @@ const StatusRow statusRows[] = {
     {0, "RUN", 0x008000},
 };
 
-void SetPeriod(double seconds)
-{
-    SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
-}
-
 std::string lastFailure; // which item failed last and why, for the message of auto-off
 bool isAnyGood = false;  // of this sweep's reads
 uint32_t lastTickMs = 0;
@@ -245,12 +240,14 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     NoticePause();
     const bool isTerminal = recorder.terminal != nullptr && recorder.terminal();
     ServeRecorder();
-    if (!openLItems && nLItems == 0) {
-        SetPeriod(isTerminal ? TERMINAL_PERIOD_S : IDLE_PERIOD_S);
+    // At every tick, so that another rate or window holds at once.
+    const bool hasList = openLItems || nLItems > 0;
+    const double idlePeriod = isTerminal ? TERMINAL_PERIOD_S : IDLE_PERIOD_S;
+    SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, hasList ? RFR_Period() : idlePeriod);
+    if (!hasList) {
         UpdItem = 0;
         updateListTextBox(0);
     } else {
-        SetPeriod(RFR_Period());
         if (!readLItems) // another list: half a sweep of the old one says nothing about it
             RFR_BeginSweep();
         const int first = LSV_FirstVisible();

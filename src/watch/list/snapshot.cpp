@@ -32,6 +32,7 @@ std::string ValueOf(const LItem &item)
     return WRD_Trim(text);
 }
 
+// Of good values whether they are of now; of the others why there is none.
 std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)

@@ -171,33 +171,12 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
     return PRS_OK;
 }
 
-std::string PRS_UnsignedRange(const LItem &item)
+std::string PRS_IntegerRange(const LItem &item)
 {
-    return "0 to " + std::to_string(Largest(item.size));
-}
-
-std::string PRS_SignedRange(const LItem &item)
-{
-    const uint64_t half = Largest(item.size) / 2;
-    return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
-}
-
-std::string PRS_HexRange(const LItem &item)
-{
-    return WRD_Format("0h to %llXh", static_cast<unsigned long long>(Largest(item.size)));
-}
-
-std::string PRS_BitRange(const LItem & /*item*/)
-{
-    return "0000 0000 to 1111 1111";
-}
-
-std::string PRS_FloatRange(const LItem & /*item*/)
-{
-    return "-3.40282e+38 to 3.40282e+38";
-}
-
-std::string PRS_DurationRange(const LItem & /*item*/)
-{
-    return "0 to 16777215 minutes (11650d 20h 15m)";
+    const uint64_t all = Largest(item.size), half = all / 2;
+    if (item.type == 'i')
+        return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
+    if (item.type == 'x')
+        return WRD_Format("0h to %llXh", static_cast<unsigned long long>(all));
+    return "0 to " + std::to_string(all);
 }

@@ -24,20 +24,20 @@ constexpr int BITS_PER_LINE = 32; // of a binary text
 // clang-format off
 const VTY_Row VTY_aRows[] = {
     {'i', "signed", 0, true, true, 'i', "int:  ",
-     FMT_Signed, PRS_Integer, INTEGER_FORM, PRS_SignedRange, 0, 'i'},
+     FMT_Signed, PRS_Integer, INTEGER_FORM, nullptr, 0, 'i'},
     {'u', "unsigned", 0, true, true, 'u', "uns:  ",
-     FMT_Unsigned, PRS_Integer, INTEGER_FORM, PRS_UnsignedRange, 0, 'u'},
+     FMT_Unsigned, PRS_Integer, INTEGER_FORM, nullptr, 0, 'u'},
     {'x', "hexadecimal", 0, true, true, 'x', "hex:  ",
-     FMT_Hex, PRS_Integer, "a hexadecimal number", PRS_HexRange, 0, 'x'},
+     FMT_Hex, PRS_Integer, "a hexadecimal number", nullptr, 0, 'x'},
     {'b', "bits", 1, true, false, 'x', "hex:  ",
-     FMT_Bits, PRS_Bits, "eight binary digits, or hexadecimal as 0x5C or 5Ch", PRS_BitRange, 0, 'b'},
+     FMT_Bits, PRS_Bits, "eight binary digits, or hexadecimal as 0x5C or 5Ch", "0000 0000 to 1111 1111", 0, 'b'},
     {'f', "float", 4, false, true, 'f', "float:",
-     FMT_Float, PRS_Float, "a decimal number", PRS_FloatRange, 0, 'f'},
+     FMT_Float, PRS_Float, "a decimal number", "-3.40282e+38 to 3.40282e+38", 0, 'f'},
     {'p', "rate", 0, true, true, 'u', "uns p:",
-     FMT_Rate, PRS_Integer, INTEGER_FORM, PRS_UnsignedRange, 0, 'u'},
+     FMT_Rate, PRS_Integer, INTEGER_FORM, nullptr, 0, 'u'},
     {'t', "days, hours, min", 4, false, true, 'u', "uns t:",
      FMT_Duration, PRS_Duration, "minutes, or days, hours and minutes as 1d 2h 3m",
-     PRS_DurationRange, DURATION_BYTES, 't'},
+     "0 to 16777215 minutes (11650d 20h 15m)", DURATION_BYTES, 't'},
 };
 // clang-format on
 const int VTY_cnRows = sizeof VTY_aRows / sizeof VTY_aRows[0];

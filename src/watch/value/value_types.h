@@ -24,10 +24,10 @@ struct VTY_Row {
     void (*format)(char *text, const LItem &item);
     // A trimmed text in small letters to bits: WRV_OK, WRV_ERR_TEXT or WRV_ERR_RANGE.
     int (*parse)(const LItem &item, const std::string &text, uint64_t *bits);
-    const char *form;                        // what may be typed
-    std::string (*range)(const LItem &item); // from the least to the greatest
-    int bytesWritten;                        // 0 = all of the item's
-    char writtenAs;                          // type that shows what was written
+    const char *form;  // what may be typed
+    const char *range; // from the least to the greatest; null = PRS_IntegerRange
+    int bytesWritten;  // 0 = all of the item's
+    char writtenAs;    // type that shows what was written
 };
 extern const VTY_Row VTY_aRows[]; // in the order that rings show them
 extern const int VTY_cnRows;

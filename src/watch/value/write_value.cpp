@@ -27,6 +27,11 @@ uint64_t MaskOfWritten(const LItem &item)
     return UINT64_MAX >> (64 - 8 * BytesToWrite(item));
 }
 
+std::string RangeText(const VTY_Row &row, const LItem &item)
+{
+    return row.range != nullptr ? row.range : PRS_IntegerRange(item);
+}
+
 int WriteC166(const LItem &item, uint64_t bits)
 {
     uint8_t bytes[8];
@@ -124,7 +129,7 @@ std::string WRV_ValueText(const LItem &item)
 std::string WRV_Hint(const LItem &item)
 {
     const VTY_Row *row = VTY_Find(item.type);
-    return row ? std::string(row->form) + "; " + row->range(item) : "";
+    return row ? std::string(row->form) + "; " + RangeText(*row, item) : "";
 }
 
 int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::string *message)
@@ -133,7 +138,7 @@ int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::s
     const std::string value = PRS_Normal(text);
     const int result = !row || value.empty() ? WRV_ERR_TEXT : row->parse(item, value, bits);
     if (result == WRV_ERR_RANGE)
-        *message = "'" + text + "' is out of range: " + row->range(item) + ".";
+        *message = "'" + text + "' is out of range: " + RangeText(*row, item) + ".";
     else if (result == WRV_ERR_TEXT)
         *message = "'" + text + "' is not a value of this item: " + WRV_Hint(item) + ".";
     return result;

@@ -125,6 +125,7 @@ void NameChanged()
     LimitSize();
 }
 
+// One window for both: adding asks where, changing knows it.
 void Open(const std::string &name, const char *title, const char *button)
 {
     SetPanelAttribute(PANEL, ATTR_TITLE, title);
@@ -153,13 +154,9 @@ void Accept()
         HidePanel(PANEL);
         return;
     }
+    // The window stays, with what was typed, and says why.
     SetCtrlVal(PANEL, WITEM_ERROR, EDT_ErrorText(result));
     SetActiveCtrl(PANEL, WITEM_NAME);
-}
-
-bool IsEnter(int event, int data)
-{
-    return event == EVENT_KEYPRESS && data == KEY_ENTER;
 }
 
 } // namespace
@@ -179,7 +176,7 @@ void ITP_OpenEdit(int index)
         return;
     FillRings();
     isAdding = false;
-    isTypeChosen = true;
+    isTypeChosen = true; // the item's own: a name that is corrected keeps it
     edited = EDT_Refer(index);
     SetCtrlVal(PANEL, WITEM_NAME, edited.label); // first: the sizes depend on it
     ShowType(aLItems[index].type, aLItems[index].size);
@@ -210,29 +207,25 @@ int ITP_TypeCB(int panel, int control, int event, int data)
         SetCtrlVal(PANEL, WITEM_ERROR, "");
         LimitSize();
     }
-    return ITP_RingCB(panel, control, event, data);
+    return ITP_RingCB(panel, control, event, data); // Enter accepts, here as there
 }
 
 int ITP_RingCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (!IsEnter(event, data))
+    if (event != EVENT_KEYPRESS || data != KEY_ENTER)
         return 0;
     Accept();
     return 1;
 }
 
-int ITP_OkCB(int /*panel*/, int /*control*/, int event, int data)
+int ITP_ButtonCB(int panel, int control, int event, int data)
 {
-    if (event != EVENT_COMMIT && !IsEnter(event, data))
+    // A click, or Enter while the button has the keyboard.
+    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
         return 0;
-    Accept();
-    return 1;
-}
-
-int ITP_CancelCB(int panel, int /*control*/, int event, int data)
-{
-    if (event != EVENT_COMMIT && !IsEnter(event, data))
-        return 0;
-    HidePanel(panel);
+    if (control == WITEM_OK)
+        Accept();
+    else
+        HidePanel(panel);
     return 1;
 }

@@ -93,6 +93,7 @@ std::string FindPlace(const std::string &text, Place *place)
     const bool isLikeName = std::isdigit(static_cast<unsigned char>(what[0])) == 0;
     if (isHex && (!isLikeName || GetSysAddrWk(what.c_str()) == ADDR_NONE)) {
         const unsigned long long number = std::strtoull(what.c_str(), nullptr, 16);
+        // One beyond the target stays there, for the read to refuse.
         place->address = number > ADDR_LIMIT ? ADDR_LIMIT : static_cast<uint32_t>(number);
         return "";
     }
@@ -156,6 +157,7 @@ std::string TypedText(uint32_t address, const uint8_t *bytes)
                "B\n ------------";
     for (int item = 0; item < TYPED_ITEMS / 2; ++item) {
         for (int side = 0; side < 2; ++side) {
+            // Items count down the left side first.
             const int offset = (item + side * TYPED_ITEMS / 2) * nMemBoxItmSz;
             text += side == 0 ? "\n " : isFloat ? "   " : "       ";
             AppendFormat(&text, isFloat ? "%06lx(%+3i): " : "%06lx (%+3i):   ",
@@ -257,7 +259,7 @@ void MBX_Update(int selected)
     std::string text;
     GetCtrlVal(mainPanel, MAIN_MEM_ADDR, &text);
     text = WRD_Trim(text);
-    if (text.empty())
+    if (text.empty()) // switched on, but nothing to show yet: no error
         return;
     ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
     Place place;
@@ -286,6 +288,7 @@ void MBX_ShowOld()
 
 int MBX_PlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
+    // What stands there is of another place, or in another form, until the read below.
     if (event == EVENT_VAL_CHANGED || event == EVENT_COMMIT)
         MBX_ShowOld();
     if (event == EVENT_COMMIT && isTimer && nLItems > 0)

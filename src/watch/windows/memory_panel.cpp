@@ -26,7 +26,7 @@ constexpr int DEFAULT_COUNT = 64; // bytes
 constexpr int HEX_COLUMN = 80;
 constexpr int TEXT_COLUMN = 436;
 
-MMP_Range range;
+MMP_Range range; // as last read; empty before, and after a read that failed
 
 void ShowOutcome(const std::string &text, int color)
 {
@@ -34,6 +34,7 @@ void ShowOutcome(const std::string &text, int color)
     SetCtrlVal(PANEL, MEMORY_RESULT, text);
 }
 
+// The last line may be shorter.
 size_t LineBytes(size_t first)
 {
     return std::min<size_t>(MEMORY_LINE_BYTES, range.bytes.size() - first);
@@ -82,6 +83,7 @@ void ShowPlace()
     if (MMP_FindPlace(TypedAddress(), &address, &station, &text)) {
         text = MMP_PlaceText(address, station);
         text[0] = 'B'; // it begins a sentence here
+        // A name is said where it says more than what was typed.
         const std::string name = SYM_AddressToName(address);
         if (!name.empty() && name != TypedAddress())
             text += ": " + name;
@@ -219,15 +221,6 @@ void CopyLines()
         ShowOutcome("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
 }
 
-// A button: by a click, or by Enter while it has the keyboard.
-int Press(int event, int data, void (*act)())
-{
-    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
-        return 0;
-    act();
-    return 1;
-}
-
 } // namespace
 
 void MMP_Open(int index)
@@ -236,6 +229,7 @@ void MMP_Open(int index)
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
     if (count < 1)
         SetCtrlVal(PANEL, MEMORY_COUNT, DEFAULT_COUNT);
+    // What a TMS320 holds is no bytes: the window opens at what it showed before.
     const bool hasPlace = index >= 0 && index < nLItems && LIT_HasAddress(aLItems[index]) &&
                           !LIT_IsTMS(aLItems[index]);
     if (hasPlace)
@@ -267,7 +261,7 @@ int MMP_PanelCB(int panel, int event, int data)
 
 int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_VAL_CHANGED) {
+    if (event == EVENT_VAL_CHANGED) { // at every key: where it would read, and what is below
         ShowPlace();
         ShowAge();
     } else if (event == EVENT_COMMIT)
@@ -282,17 +276,12 @@ int MMP_CountCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int MMP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
-{
-    return Press(event, data, ReadAndShow);
-}
-
 int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED) {
         ShowSelected();
         ShowPlace();
-    } else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
+    } else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK) // to be changed
         SetActiveCtrl(PANEL, MEMORY_LINE);
     return 0;
 }
@@ -304,17 +293,18 @@ int MMP_LineCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int MMP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
+int MMP_ButtonCB(int panel, int control, int event, int data)
 {
-    return Press(event, data, WriteAndShow);
-}
-
-int MMP_CopyCB(int /*panel*/, int /*control*/, int event, int data)
-{
-    return Press(event, data, CopyLines);
-}
-
-int MMP_CloseCB(int /*panel*/, int /*control*/, int event, int data)
-{
-    return Press(event, data, [] { HidePanel(PANEL); });
+    // A click, or Enter while the button has the keyboard.
+    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
+        return 0;
+    if (control == MEMORY_READ)
+        ReadAndShow();
+    else if (control == MEMORY_WRITE)
+        WriteAndShow();
+    else if (control == MEMORY_COPY)
+        CopyLines();
+    else
+        HidePanel(panel);
+    return 1;
 }

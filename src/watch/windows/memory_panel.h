@@ -15,11 +15,8 @@ void MMP_ShowOld();
 int MMP_PanelCB(int panel, int event, int data);
 int MMP_AddressCB(int panel, int control, int event, int data);
 int MMP_CountCB(int panel, int control, int event, int data);
-int MMP_ReadCB(int panel, int control, int event, int data);
+int MMP_ButtonCB(int panel, int control, int event, int data);
 int MMP_ListCB(int panel, int control, int event, int data);
 int MMP_LineCB(int panel, int control, int event, int data);
-int MMP_WriteCB(int panel, int control, int event, int data);
-int MMP_CopyCB(int panel, int control, int event, int data);
-int MMP_CloseCB(int panel, int control, int event, int data);
 
 #endif

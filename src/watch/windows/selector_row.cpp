@@ -55,6 +55,7 @@ std::string SEL_Describe(const TMF_ListRow &row)
 
 void SEL_AddToWatch(const std::string &expression, int panel, int messageControl)
 {
+    // By name: whatever an expression looks like, it came out of a table of names.
     const int line = EDT_AddByName(expression, SEL_TypeField(expression), EDT_AT_END);
     if (line < 0) {
         SetCtrlVal(panel, messageControl, EDT_ErrorText(line));

@@ -40,22 +40,6 @@ size_t LastSelection(const std::string &path)
     return path.find_last_of(".[");
 }
 
-std::string ParentOf(const std::string &path)
-{
-    const size_t at = LastSelection(path);
-    return at == std::string::npos ? "" : path.substr(0, at);
-}
-
-// First element of the page on which a path's last index stands.
-uint32_t PageOf(const std::string &path)
-{
-    const size_t at = LastSelection(path);
-    if (at == std::string::npos || path[at] != '[')
-        return 0;
-    const auto index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
-    return index - index % TMF_LIST_ELEMENTS_MAX;
-}
-
 // False, and *built as it was, when the path has no parts.
 bool BuildLevel(const std::string &path, uint32_t first, Level *built)
 {
@@ -168,11 +152,23 @@ bool ShowPath(const std::string &path, uint32_t first, const std::string &select
     return true;
 }
 
+// Shows the level that a path stands on, with the path selected: of an array the page on which
+// its index is.
+bool ShowLevelOf(const std::string &path)
+{
+    const size_t at = LastSelection(path);
+    if (at == std::string::npos)
+        return ShowPath("", 0, path);
+    uint32_t index = 0;
+    if (path[at] == '[')
+        index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
+    return ShowPath(path.substr(0, at), index - index % TMF_LIST_ELEMENTS_MAX, path);
+}
+
 void GoUp()
 {
-    const std::string from = level.path; // a copy: showing a level sets it
-    if (!from.empty())
-        ShowPath(ParentOf(from), PageOf(from), from);
+    if (!level.path.empty())
+        ShowLevelOf(std::string(level.path)); // a copy: showing a level sets it
 }
 
 // What a user typed: a level, or a plain member, which is then selected on its level.
@@ -184,7 +180,7 @@ bool GoTo(const std::string &text)
     uint32_t offset = 0;
     const bool isMember = LastSelection(path) != std::string::npos &&
                           TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
-    if (isMember && ShowPath(ParentOf(path), PageOf(path), path))
+    if (isMember && ShowLevelOf(path))
         return true;
     SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
     return false;

@@ -35,6 +35,7 @@ const OutcomeRow outcomeRows[] = {
     {WRV_ERR_READ_BACK, "NOT VERIFIED: ", COLOR_WARN},
     {WRV_ERR_WRITE, "FAILED: ", COLOR_BAD},
 };
+// Everything else was refused before anything was sent.
 const OutcomeRow refusedRow = {WRV_ERR_TEXT, "REFUSED: ", COLOR_BAD};
 
 const OutcomeRow &OutcomeOf(int result)
@@ -91,6 +92,7 @@ std::string ListText(const LItem &item)
 {
     if (!item.isValueGood)
         return item.reason.empty() ? "not read yet" : item.reason;
+    // Its bits are known, but not how fast they change.
     if (!LIT_HasNumber(item))
         return "a rate takes two reads";
     std::string text;
@@ -138,7 +140,7 @@ void ShowItem(const LItem &item)
 bool ReadItem(int index)
 {
     const bool isGood = RDI_ReadNow(index) == 0;
-    if (readLItems)
+    if (readLItems) // else the list shows names only so far
         LSV_ShowValues();
     VLP_Refresh();
     return isGood;
@@ -169,6 +171,7 @@ void WriteAndShow()
     GetCtrlVal(PANEL, VALUE_NEW, &text);
     uint64_t bits = 0;
     int result = WRV_Parse(aLItems[index], text, &bits, &message);
+    // Without an address the write itself refuses, and needs nobody's permission.
     if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
         ShowOutcome(std::string("REFUSED: The value was not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
@@ -180,11 +183,6 @@ void WriteAndShow()
     if (result == WRV_OK)
         SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
     SetActiveCtrl(PANEL, VALUE_NEW);
-}
-
-bool IsPressed(int event, int data)
-{
-    return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
 }
 
 } // namespace
@@ -238,27 +236,17 @@ int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int VLP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
+int VLP_ButtonCB(int panel, int control, int event, int data)
 {
-    if (!IsPressed(event, data))
+    // A click, or Enter while the button has the keyboard.
+    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
         return 0;
-    ReadAndShow();
-    return 1;
-}
-
-int VLP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
-{
-    if (!IsPressed(event, data))
-        return 0;
-    WriteAndShow();
-    return 1;
-}
-
-int VLP_CloseCB(int panel, int /*control*/, int event, int data)
-{
-    if (!IsPressed(event, data))
-        return 0;
-    HidePanel(panel);
+    if (control == VALUE_READ)
+        ReadAndShow();
+    else if (control == VALUE_WRITE)
+        WriteAndShow();
+    else
+        HidePanel(panel);
     return 1;
 }
 

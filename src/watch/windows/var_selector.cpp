@@ -50,9 +50,13 @@ std::string LowerCase(std::string text)
     return text;
 }
 
-// "*" stands for any run of characters; on a mismatch the last one takes one more.
-bool IsGlobMatch(const char *pattern, const char *name)
+// Both in lower case. "*" stands for any run of characters; on a mismatch the last one takes one
+// more.
+bool IsFoldedMatch(const std::string &filter, const std::string &text)
 {
+    if (filter.find('*') == std::string::npos)
+        return text.find(filter) != std::string::npos;
+    const char *pattern = filter.c_str(), *name = text.c_str();
     const char *star = nullptr, *resume = nullptr;
     while (*name != '\0') {
         if (*pattern == '*') {
@@ -71,14 +75,6 @@ bool IsGlobMatch(const char *pattern, const char *name)
     while (*pattern == '*')
         ++pattern;
     return *pattern == '\0';
-}
-
-// Both in lower case.
-bool IsFoldedMatch(const std::string &filter, const std::string &name)
-{
-    if (filter.find('*') != std::string::npos)
-        return IsGlobMatch(filter.c_str(), name.c_str());
-    return name.find(filter) != std::string::npos;
 }
 
 const SourceRow &ChosenSource()
@@ -133,10 +129,16 @@ std::string RowLabel(const TMF_ListRow &row)
            SEL_Column(DECLARATION_COLUMN, hasType ? row.declaration : "");
 }
 
-const TMF_ListRow *SelectedRow()
+int SelectedLine()
 {
     int line = -1;
     GetCtrlIndex(PANEL, VARSEL_LIST, &line);
+    return line;
+}
+
+const TMF_ListRow *SelectedRow()
+{
+    const int line = SelectedLine();
     if (line < 0 || line >= static_cast<int>(selector.shown.size()))
         return nullptr;
     return &selector.rows[static_cast<size_t>(selector.shown[static_cast<size_t>(line)])];
@@ -192,16 +194,6 @@ void SetFilter(const std::string &text)
     FillList();
 }
 
-void FillSources()
-{
-    int count = 0;
-    GetNumListItems(PANEL, VARSEL_SOURCE, &count);
-    if (count > 0)
-        return;
-    for (const SourceRow &row : SOURCES)
-        InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
-}
-
 void OpenMembers()
 {
     const TMF_ListRow *row = SelectedRow();
@@ -225,13 +217,6 @@ void CopySelected()
     const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && ClipboardPutText(row->expression) == 0)
         SetCtrlVal(PANEL, VARSEL_DETAIL, "Copied: " + row->expression);
-}
-
-int SelectedLine()
-{
-    int line = -1;
-    GetCtrlIndex(PANEL, VARSEL_LIST, &line);
-    return line;
 }
 
 // 1 when the key was for the filter.
@@ -288,7 +273,11 @@ void VSL_SymbolsChanged()
 
 void VSL_OpenCB(int, int)
 {
-    FillSources();
+    int count = 0;
+    GetNumListItems(PANEL, VARSEL_SOURCE, &count);
+    if (count == 0) // opened for the first time
+        for (const SourceRow &row : SOURCES)
+            InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
     SetFilter("");
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
