@@ -106,7 +106,7 @@ TEST_F(ListFiles, EditedItemsFindTheirPlace)
          "; head\nA, u1 ;a\n; two\nB, u2 ;b\n; three\nC, u4 ;c\nN, x2\n; tail"},
         {"added in front", [] { EDT_AddText("N", "x2", 0); },
          "; head\nN, x2\nA, u1 ;a\n; two\nB, u2 ;b\n; three\nC, u4 ;c\n; tail"},
-        {"changed", [] { EDT_Change(1, "N", "f"), EDT_SetType(0, "i4"), EDT_Rename(2, "M"); },
+        {"changed", [] { EDT_Change(1, "N", "f"), EDT_SetType(0, "i4"), EDT_Change(2, "M", "u4"); },
          "; head\nA, i4 ;a\n; two\nN, f ;b\n; three\nM, u4 ;c\n; tail"},
         {"all removed, one added",
          [] {

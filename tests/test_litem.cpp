@@ -6,8 +6,9 @@
 #include "symbols/typemap.h"
 #include "watch/list/age.h"
 #include "watch/list/debug_file.h"
+#include "watch/list/edit_history.h"
+#include "watch/list/item_names.h"
 #include "watch/list/list_view.h"
-#include "watch/list/name_changes.h"
 #include "watch/list/snapshot.h"
 
 namespace {
@@ -348,7 +349,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
         {[] { return EDT_AddText("E", "x4", 0) == 0 ? 0 : -1; }, "add E", "E, x4\nC, u1\n"},
         {[] { return EDT_SetType(1, "i2"); }, "change C", "E, x4\nC, i2\n"},
         {[] { return EDT_Change(0, "3:A", "u2"); }, "change E", "3:A, u2\nC, i2\n"},
-        {[] { return EDT_Rename(1, "F"); }, "change C", "3:A, u2\nF, i2\n"},
+        {[] { return EDT_Change(1, "F", "i2"); }, "change C", "3:A, u2\nF, i2\n"},
         {[] { return EDT_AddText("G", "u1", EDT_AT_END) == 2 ? 0 : -1; }, "add G",
          "3:A, u2\nF, i2\nG, u1\n"},
         {[] {
@@ -361,7 +362,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
          "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
     };
     ASSERT_EQ(load(start), 0);
-    EDT_ForgetEdits();
+    HIS_Forget();
     std::string what;
     EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
     EXPECT_EQ(EDT_Move(0, 4), EDT_ERR_INDEX);
@@ -386,7 +387,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EXPECT_EQ(EDT_Redo(&what), EDT_ERR_NOTHING);
     EDT_Undo(&what);
     EDT_Remove(0);
-    EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
+    EXPECT_FALSE(HIS_CanRedo()) << "after another edit there is nothing to go forward to";
 
     // What was away while another map came has the address that this one gives it.
     ASSERT_EQ(load("A, u1\n"), 0);
@@ -403,7 +404,7 @@ TEST_F(LItems, AnotherTypeForgetsTheValue)
     EXPECT_EQ(EDT_SetType(0, "x4"), 0);
     EXPECT_FALSE(aLItems[0].isValueGood) << "one byte says nothing about four";
     EXPECT_EQ(EDT_SetType(0, "y4"), EDT_ERR_TYPE);
-    EXPECT_EQ(EDT_Rename(0, "a,b"), EDT_ERR_NAME);
+    EXPECT_EQ(EDT_Change(0, "a,b", "x4"), EDT_ERR_NAME);
     EXPECT_EQ(LIT_FileLine(aLItems[0]), "A, [0x10], x4");
 }
 

@@ -22,8 +22,8 @@
 #include "symbols/varnode.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/item_names.h"
 #include "watch/list/list_file.h"
-#include "watch/list/name_changes.h"
 #include "watch/main_window.h"
 
 namespace {

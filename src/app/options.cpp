@@ -14,9 +14,9 @@
 #include "symbols/varnode.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/item_names.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/name_changes.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
 

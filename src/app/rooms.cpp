@@ -17,7 +17,7 @@
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/age.h"
-#include "watch/list/name_changes.h"
+#include "watch/list/item_names.h"
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
 

@@ -7,6 +7,7 @@
 #include "text/numbers.h"
 #include "text/txfr.h"
 #include "text/words.h"
+#include "watch/list/item_names.h"
 #include "watch/list/litem.h"
 #include "watch/value/value_types.h"
 

@@ -10,8 +10,8 @@
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
+#include "watch/list/edit.h"
 #include "watch/list/litem.h"
-#include "watch/list/selection.h"
 
 #include <algorithm>
 #include <cmath>

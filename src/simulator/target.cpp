@@ -1,3 +1,5 @@
+// The target is a program of its own, so that it shares no mistake with this one: its first line
+// says where it listens, the others are its log, and what it shall do is written to it.
 #include "simulator/target.h"
 
 #include <algorithm>
@@ -17,8 +19,9 @@
 namespace {
 
 constexpr uint32_t START_WAIT_MS = 5000; // of a machine with much else to do
-constexpr unsigned LOOK_MS = 5;
+constexpr unsigned LOOK_MS = 5;          // between two looks at what it has written
 
+// The settings of communication that a simulated target borrows.
 struct Link {
     int32_t port = 0, baud = 0, station = 0;
     int16_t protocol = 0;
@@ -26,12 +29,13 @@ struct Link {
 
 CHD_Child *child = nullptr;
 TGT_Options running;
-std::string address;
-int lentPort = 0; // leads to it while it is connected; 0 = it is not
+std::string address; // "" until it has said so
+int lentPort = 0;    // leads to it while it is connected; 0 = it is not
 Link before;
 
 std::vector<std::string> MakeCommand(const TGT_Options &options)
 {
+    // Port 0: whichever is free. The log comes on standard output, behind the address.
     std::vector<std::string> words = {
         CHD_ProgramPath("vireo2-target"), "--tcp", "0", "--control", "--log", "-"};
     if (options.program == TGT_LOADER)
@@ -54,6 +58,7 @@ bool WaitForAddress(std::string *cause)
     std::deque<std::string> lines;
     const uint32_t start = PLT_TickMs();
     for (bool isRunning = true; isRunning && lines.empty();) {
+        // One that has ended may have left its reason: once more is looked, whatever this says.
         isRunning = CHD_IsRunning(child) && PLT_TickMs() - start < START_WAIT_MS;
         CHD_TakeLines(child, &lines);
         if (lines.empty())
@@ -71,7 +76,7 @@ bool WaitForAddress(std::string *cause)
 // The first station of "0,2,5-7"; the present one when the list has it or names none.
 int32_t ChooseStation()
 {
-    const std::string &list = running.stations;
+    const std::string &list = running.stations; // the target has checked it when it started
     int32_t first = -1;
     for (size_t at = 0; at < list.size();) {
         const size_t comma = std::min(list.find(',', at), list.size());
@@ -94,7 +99,7 @@ int32_t ChooseStation()
 void UseLink(const Link &link)
 {
     VIR2_StopPeriodicASC();
-    UCM_Close();
+    UCM_Close(); // the link may be open without the timer, for a command of the console
     ncom = link.port;
     bRate = link.baud;
     VR_nProtocol = link.protocol;
@@ -107,7 +112,7 @@ void UseLink(const Link &link)
 
 int TGT_Start(const TGT_Options &options, void (*notify)(), std::string *cause)
 {
-    TGT_Stop();
+    TGT_Stop(); // first: it gives back the settings of before
     running = options;
     const std::vector<std::string> command = MakeCommand(options);
     child = CHD_Start(command, notify);
@@ -152,7 +157,7 @@ int TGT_SetFault(const std::string &name, const std::string &value)
 
 void TGT_TakeLog(std::deque<std::string> *lines)
 {
-    if (child != nullptr && CHD_TakeLines(child, lines) > 0)
+    if (child != nullptr && CHD_TakeLines(child, lines) > 0) // lines that nobody came for in time
         lines->push_front("...");
 }
 
@@ -173,7 +178,7 @@ int TGT_Connect(std::string *cause)
     link.protocol = running.isModbus ? PROTOCOL_MODBUS : PROTOCOL_MR166;
     lentPort = port;
     UseLink(link);
-    if (running.program != TGT_LOADER)
+    if (running.program != TGT_LOADER) // which answers nothing but its own protocol
         VIR2_StartPeriodicASC();
     return 0;
 }

@@ -1,3 +1,5 @@
+// The window asks the target's module for all it shows; only the log is kept here, because the
+// target gives each line once. Faults are sent whenever they may differ from what it has.
 #include "simulator/window.h"
 
 #include <algorithm>
@@ -18,7 +20,7 @@
 namespace {
 
 constexpr int PANEL = PANEL_SIMULATOR;
-constexpr double PERIOD_S = 0.3;
+constexpr double PERIOD_S = 0.3;                                       // fast enough to read along
 constexpr size_t LOG_LINES_MAX = 500;                                  // newest first
 const char *const SCOPES[] = {"2,3,3c166", "none", "2", "3", "3c166"}; // by the ring's value
 
@@ -42,11 +44,12 @@ struct Switch {
     int control;
     const char *name, *on, *off;
 };
+// Silent after 0 requests is at once, after -1 never.
 constexpr Switch SWITCHES[] = {{SIMUL_SILENT, "silent-after", "0", "-1"},
                                {SIMUL_ECHO, "echo", "1", "0"}};
 
-std::deque<std::string> logged; // oldest first
-uint64_t requests = 0, failed = 0;
+std::deque<std::string> logged;    // oldest first
+uint64_t requests = 0, failed = 0; // since the log was cleared, those that have left it as well
 
 int GetNumber(int control)
 {
@@ -110,15 +113,6 @@ std::vector<UI_Cell> MakeCells(const std::string &line)
             {parts.outcome, isGood ? UIS_NORMAL : UIS_WARNING, ""}};
 }
 
-void CountLine(const std::string &line)
-{
-    LogLine parts;
-    if (!SplitLogLine(line, &parts))
-        return;
-    requests++;
-    failed += parts.outcome == "answered" ? 0 : 1;
-}
-
 void ShowState()
 {
     std::string text = "No simulated target runs.";
@@ -131,15 +125,20 @@ void ShowState()
     SetCtrlVal(PANEL, SIMUL_STATE, text);
 }
 
-// Takes what has come and draws it; returns the last line, for what ends a target.
+// Takes what has come and draws it.
 void Refresh()
 {
     std::deque<std::string> fresh;
     TGT_TakeLog(&fresh);
     for (const std::string &line : fresh) {
-        CountLine(line);
+        LogLine parts;
         logged.push_back(line);
+        if (!SplitLogLine(line, &parts))
+            continue;
+        ++requests;
+        failed += parts.outcome == "answered" ? 0 : 1;
     }
+    // Of thousands between two looks only those that stay in the list are drawn.
     const size_t first = fresh.size() > LOG_LINES_MAX ? fresh.size() - LOG_LINES_MAX : 0;
     for (size_t i = first; i < fresh.size(); ++i) {
         InsertListItem(PANEL, SIMUL_LOG, 0, fresh[i], 0);
@@ -185,6 +184,7 @@ void EnableControls()
     for (const int control :
          {SIMUL_PROGRAM, SIMUL_PROTOCOL, SIMUL_BAUD, SIMUL_STATIONS, SIMUL_SCOPES})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, isStarted);
+    // What has no meaning for the chosen program, besides.
     if (isLoader)
         SetCtrlAttribute(PANEL, SIMUL_PROTOCOL, ATTR_DIMMED, 1);
     if (GetNumber(SIMUL_PROGRAM) != TGT_DEMO)
@@ -227,11 +227,11 @@ void ClearFaults()
 // The target has ended by itself: said where the user looks, and nothing is left pointing to it.
 void HandleEnd()
 {
-    Refresh();
+    Refresh(); // its last words may still wait
     LogLine request;
     const bool hasComplained = !logged.empty() && !SplitLogLine(logged.back(), &request);
     const std::string last = hasComplained ? " It said: " + WRD_Visible(logged.back()) : "";
-    TGT_Stop();
+    TGT_Stop(); // which gives back the settings of before
     const std::string text =
         "The simulated target has ended by itself; communication is off." + last;
     ShowOutcome(text, COLOR_BAD);
@@ -263,12 +263,12 @@ bool Start()
     options.scopes = SCOPES[GetNumber(SIMUL_SCOPES)];
     GetCtrlVal(PANEL, SIMUL_STATIONS, &options.stations);
     options.stations = WRD_Trim(options.stations);
-    ClearLog();
+    ClearLog(); // times begin anew with each target
     if (TGT_Start(options, Announce, &cause) != 0) {
         ShowOutcome("Not started: " + cause + ".", COLOR_BAD);
         return false;
     }
-    SendAllFaults();
+    SendAllFaults(); // a new one has none
     ShowOutcome("Started.");
     return true;
 }
@@ -289,7 +289,7 @@ void ConnectOrNot()
 {
     std::string cause;
     if (TGT_IsConnected()) {
-        TGT_Disconnect();
+        TGT_Disconnect(); // the target goes on, to be connected again
         ShowOutcome("Disconnected: the settings of before are back, communication is off.");
     } else if (TGT_IsStarted() || Start()) {
         if (TGT_Connect(&cause) != 0)

@@ -17,6 +17,7 @@
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
+#include "watch/list/snapshot.h"
 #include "watch/windows/map_loading.h"
 #include "watch/windows/selectors.h"
 
@@ -42,7 +43,7 @@ const UI_MenuItem UI_aMenuItems[] = {
     {MENU_FILE, ITEM_OPEN, "__Open watch list...", KEY_CTRL | 'O', OpenDatCB},
     {MENU_FILE, ITEM_SAVE, "__Save watch list", KEY_CTRL | 'S', SaveDbgCB},
     {MENU_FILE, ITEM_SAVE_AS, "Save watch list __as...", KEY_CTRL | KEY_SHIFT | 'S', SaveDbgAsCB},
-    {MENU_FILE, ITEM_RELOAD, "__Reload watch list...", KEY_CTRL | 'R', ReloadDbgCB},
+    {MENU_FILE, ITEM_RELOAD, "__Reload watch list...", KEY_CTRL | 'R', OpenDatCB},
     {MENU_FILE, ITEM_RELOAD_NOW, "Reload without as__king", KEY_CTRL | KEY_SHIFT | 'R',
      ReloadNowCB},
     {MENU_FILE, ITEM_EDIT_FILE, "__Edit watch list file", KEY_CTRL | 'E', EditDbgCB},

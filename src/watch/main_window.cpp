@@ -1,3 +1,4 @@
+// Until a host is set, as in tests of a single room, what asks for the window asks nobody.
 #include "watch/main_window.h"
 
 #include "runtime/userint.h"
@@ -47,7 +48,7 @@ void MWN_ShowView(int item)
 
 void SetMainPanelTitle()
 {
-    const std::string name = WRD_Visible(szDebugFileName);
+    const std::string name = WRD_Visible(szDebugFileName); // a star: unsaved changes
     const std::string title = IsDBGChange == 0 ? "Vireo2  " + name : "Vireo2 * " + name + " ";
     SetPanelAttribute(mainPanel, ATTR_TITLE, title);
 }
@@ -62,6 +63,7 @@ void MWN_Outdate(MWN_Topic changed)
 {
     if (shownTopic != MWN_NEWS && shownTopic != changed)
         return;
+    // Grey at the first change, gone at the second.
     std::string shown;
     GetCtrlVal(mainPanel, MAIN_MESSAGE, &shown);
     ShowText(isOutdated ? "" : shown, !isOutdated && !shown.empty());

@@ -15,6 +15,7 @@
 #include "symbols/varnode.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/edit.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_layout.h"
 #include "watch/list/litem.h"
@@ -66,7 +67,7 @@ void ResetProgram()
     UpdItem = eTMS = nErrors = 0;
     szDebugFileName.clear();
     szaDebugFileNames = {};
-    EDT_ForgetEdits();
+    HIS_Forget();
     LAY_Set({});
     CFW_SetHeader("");
     Option_nLanguage = LANGUAGE_CZ;

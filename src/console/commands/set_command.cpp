@@ -15,7 +15,7 @@
 #include "symbols/varnode.h"
 #include "text/tokens.h"
 #include "text/words.h"
-#include "watch/value/type_by_name.h"
+#include "watch/list/typed_item.h"
 #include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
 

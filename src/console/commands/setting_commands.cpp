@@ -14,9 +14,9 @@
 #include "text/tokens.h"
 #include "text/words.h"
 #include "text/xscan.h"
+#include "watch/list/item_names.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/name_changes.h"
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 

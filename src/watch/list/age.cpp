@@ -1,3 +1,5 @@
+// Sweeps and runs are counted from the program's start; an item remembers those of its last
+// good read, so that growing old costs nothing until somebody looks.
 #include "watch/list/age.h"
 
 #include <cstdio>
@@ -12,7 +14,7 @@ constexpr uint32_t MINUTE_S = 60;
 constexpr uint32_t HOUR_S = 3600;
 constexpr uint32_t STEP_S = 10; // above, whole seconds would be news at every sweep
 
-uint32_t sweep = 0;
+uint32_t sweep = 0; // both may come round: only differences count
 uint32_t run = 0;
 
 } // namespace
@@ -39,6 +41,7 @@ bool AGE_IsOld(const LItem &item)
 {
     if (!item.isValueGood)
         return false;
+    // The station: an item without one of its own now means the selected one's memory.
     return item.runRead != run || item.stationRead != LIT_Station(item) ||
            sweep - item.sweepRead > AGE_SWEEPS_MAX;
 }

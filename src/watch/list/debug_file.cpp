@@ -1,3 +1,5 @@
+// Menu items and buttons do the same things and share them here. What opens a file asks about
+// unsaved changes first, and shows the new list only once it is loaded.
 #include "watch/list/debug_file.h"
 
 #include <algorithm>
@@ -9,10 +11,13 @@
 #include "settings/settings.h"
 #include "text/words.h"
 #include "watch/list/edit.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
+
+int anRecentItems[RECENT_MAX] = {};
 
 namespace {
 
@@ -32,13 +37,7 @@ std::string CannotOpen(const std::string &path)
     return "Cannot open file '" + path + "'.";
 }
 
-// " It is a folder, device or pipe."; nothing for a file that is simply not there.
-std::string WhyNot(const std::string &path)
-{
-    const std::string why = PLF_WhyUnreadable(path);
-    return why == PLF_ErrorText(PLF_ERR_OPEN) ? "" : " It " + why + ".";
-}
-
+// A file of another kind is chosen easily, and would empty the list.
 bool MayEmptyList(const std::string &path)
 {
     return ConfirmPopup("Vireo2",
@@ -53,15 +52,33 @@ int LoadAsCurrent(const std::string &path)
 {
     MWN_Outdate(MWN_LIST);
     const int result = DBG_LoadFile(path, MayEmptyList);
-    if (result == DBG_ERR_OPEN)
-        VR_ShowMessage(CannotOpen(path) + WhyNot(path), MWN_LIST);
+    if (result == DBG_ERR_OPEN) {
+        // " It is a folder, device or pipe."; nothing for a file that is simply not there.
+        const std::string why = PLF_WhyUnreadable(path);
+        const bool isMissing = why == PLF_ErrorText(PLF_ERR_OPEN);
+        VR_ShowMessage(CannotOpen(path) + (isMissing ? "" : " It " + why + "."), MWN_LIST);
+    }
     if (result != 0)
         return -2;
     szDebugFileName = path;
     IsDBGChange = 0;
-    EDT_ForgetEdits();
+    HIS_Forget(); // they were made on another list
     SetMainPanelTitle();
     return 0;
+}
+
+// After a load or save under another name: the recent files and what hangs on the name.
+void ShowName()
+{
+    if (!szDebugFileName.empty())
+        AddDebugFileName(szDebugFileName);
+    SetMainPanelAttributes();
+}
+
+void ShowLoaded()
+{
+    ResetLItemsDisplay();
+    ShowName();
 }
 
 } // namespace
@@ -78,7 +95,7 @@ int SaveDbg(int panel)
                            : "Cannot write file '" + szDebugFileName + "'.");
         return -1;
     }
-    DBG_RememberStamp(szDebugFileName);
+    DBG_RememberStamp(szDebugFileName); // our own write is no change on disk
     openLItems = 1;
     IsDBGChange = 0;
     SetMainPanelTitle();
@@ -94,6 +111,7 @@ int SaveDbgAs(int panel)
     if (FileSelectPopup(PLT_CurrentDir(), proposal, FILE_TYPES, "Save Debug file", FILE_SAVE,
                         &path) <= VAL_NO_FILE_SELECTED)
         return 0;
+    // Under a name that cannot be written nothing would be saved later, either.
     const std::string previousName = szDebugFileName;
     szDebugFileName = path;
     if (SaveDbg(panel) != 1)
@@ -146,6 +164,7 @@ int DBG_CheckReload(int /*panel*/)
     isAsking = false;
     if (isWanted != 1)
         return 0;
+    // A copy, for loading sets the name.
     if (LoadAsCurrent(std::string(szDebugFileName)) != 0)
         return -2;
     ResetLItemsDisplay();
@@ -159,66 +178,23 @@ int DBG_Open(const std::string &path)
     return LoadAsCurrent(path);
 }
 
-int anRecentItems[RECENT_MAX] = {};
-
-namespace {
-
-// After a load or save under another name: the recent files and what hangs on the name.
-void ShowName()
-{
-    if (!szDebugFileName.empty())
-        AddDebugFileName(szDebugFileName);
-    SetMainPanelAttributes();
-}
-
-void ShowLoaded()
-{
-    ResetLItemsDisplay();
-    ShowName();
-}
-
-void OpenWithDialog(int panel)
-{
-    if (DbgChngSafety() == 0 && LoadDbgFile(panel) == 0)
-        ShowLoaded();
-}
-
-void EditInEditor()
-{
-    if (szDebugFileName.empty())
-        VR_ShowMessage("There is no watch list file to edit.");
-    else if (PLT_OpenInEditor(szDebugFileName) != 0)
-        VR_ShowMessage("The editor could not be started.");
-}
-
-void SaveAndShowName(int panel)
-{
-    const std::string nameBefore = szDebugFileName;
-    if (SaveDbg(panel) == 1 && szDebugFileName != nameBefore)
-        ShowName();
-}
-
-} // namespace
-
 void OpenDatCB(int /*menuBar*/, int /*item*/)
 {
-    OpenWithDialog(mainPanel);
+    if (DbgChngSafety() == 0 && LoadDbgFile(mainPanel) == 0)
+        ShowLoaded();
 }
 
 void SaveDbgCB(int /*menuBar*/, int /*item*/)
 {
-    SaveAndShowName(mainPanel);
+    const std::string nameBefore = szDebugFileName; // without one, saving asks for it
+    if (SaveDbg(mainPanel) == 1 && szDebugFileName != nameBefore)
+        ShowName();
 }
 
 void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 {
     if (SaveDbgAs(mainPanel) == 1)
         ShowName();
-}
-
-void ReloadDbgCB(int /*menuBar*/, int /*item*/)
-{
-    OpenWithDialog(mainPanel);
 }
 
 void ReloadNowCB(int /*menuBar*/, int /*item*/)
@@ -229,7 +205,10 @@ void ReloadNowCB(int /*menuBar*/, int /*item*/)
 
 void EditDbgCB(int /*menuBar*/, int /*item*/)
 {
-    EditInEditor();
+    if (szDebugFileName.empty())
+        VR_ShowMessage("There is no watch list file to edit.");
+    else if (PLT_OpenInEditor(szDebugFileName) != 0)
+        VR_ShowMessage("The editor could not be started.");
 }
 
 void MenuReopenFileCB(int /*menuBar*/, int item)
@@ -237,31 +216,31 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
     for (int i = 0; i < RECENT_MAX && i < nDebugFileNames; ++i) {
         if (anRecentItems[i] == 0 || anRecentItems[i] != item)
             continue;
-        const std::string path = szaDebugFileNames[static_cast<size_t>(i)];
+        const std::string path = szaDebugFileNames[static_cast<size_t>(i)]; // opening sorts them
         if (DBG_Open(path) == 0)
             ShowLoaded();
         return;
     }
 }
 
-int RldDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
+int RldDbgBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
-    if (event == EVENT_COMMIT)
-        OpenWithDialog(panel);
+    if (event == EVENT_COMMIT) // the dialog proposes the present file
+        OpenDatCB(0, 0);
     return 0;
 }
 
 int DbgFileBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        EditInEditor();
+        EditDbgCB(0, 0);
     return 0;
 }
 
-int SaveDbgBtnCB(int panel, int /*control*/, int event, int /*data*/)
+int SaveDbgBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
-        SaveAndShowName(panel);
+        SaveDbgCB(0, 0);
     return 0;
 }
 
@@ -278,5 +257,5 @@ void AddDebugFileName(const std::string &path)
             place--; // the oldest falls off
         *place = path;
     }
-    std::rotate(begin, place, place + 1);
+    std::rotate(begin, place, place + 1); // to the front, the others in their order
 }

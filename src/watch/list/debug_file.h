@@ -5,6 +5,8 @@
 
 #include <string>
 
+#include "settings/settings.h"
+
 // Puts a path first among the recent debug files; the oldest of more than RECENT_MAX goes.
 void AddDebugFileName(const std::string &path);
 
@@ -25,7 +27,6 @@ int DBG_CheckReload(int panel);
 void OpenDatCB(int menuBar, int item);
 void SaveDbgCB(int menuBar, int item);
 void SaveDbgAsCB(int menuBar, int item);
-void ReloadDbgCB(int menuBar, int item);
 void ReloadNowCB(int menuBar, int item); // the same file, without the dialog
 void EditDbgCB(int menuBar, int item);
 void MenuReopenFileCB(int menuBar, int item);
@@ -33,6 +34,6 @@ int RldDbgBtnCB(int panel, int control, int event, int data);
 int DbgFileBtnCB(int panel, int control, int event, int data);
 int SaveDbgBtnCB(int panel, int control, int event, int data);
 // The ids of the recent-file menu items, set by the main panel's refresh; 0 = none.
-extern int anRecentItems[9];
+extern int anRecentItems[RECENT_MAX];
 
 #endif

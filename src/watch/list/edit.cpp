@@ -1,22 +1,17 @@
+// Every edit is written down as steps first (edit_history.h) and done by carrying them out, so
+// that doing, undoing and doing again take the same way.
 #include "watch/list/edit.h"
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 
-#include "comm/sysaddr.h"
-#include "runtime/userint.h"
 #include "settings/settings.h"
-#include "symbols/typemap_list.h"
 #include "text/words.h"
-#include "ui/resource.h"
 #include "watch/list/edit_history.h"
 #include "watch/list/list_file.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
-#include "watch/value/type_by_name.h"
-#include "watch/value/value_types.h"
 
 namespace {
 
@@ -25,11 +20,13 @@ bool IsIndex(int index)
     return index >= 0 && index < nLItems;
 }
 
-void Changed(int line)
+// What the window shows after any edit, with the line that it was about selected.
+void ShowChanged(int line)
 {
     IsDBGChange = 1;
-    MWN_Outdate(MWN_LIST);
+    MWN_Outdate(MWN_LIST); // before a caller says what was done
     SetMainPanelTitle();
+    // A list that was never read has no values to show yet.
     if (readLItems && nLItems > 0)
         LSV_ShowValues();
     else
@@ -44,7 +41,7 @@ void MakeEdit(const HIS_Edit &edit, int line)
     for (const HIS_Step &step : edit.steps)
         HIS_Apply(step);
     HIS_Record(edit);
-    Changed(line);
+    ShowChanged(line);
 }
 
 HIS_Step StepOf(HIS_Kind kind, int index)
@@ -52,7 +49,7 @@ HIS_Step StepOf(HIS_Kind kind, int index)
     HIS_Step step;
     step.kind = kind;
     step.index = index;
-    if (kind == HIS_REMOVE || kind == HIS_REPLACE)
+    if (kind == HIS_REMOVE || kind == HIS_REPLACE) // what undo puts back
         step.before = aLItems[index];
     return step;
 }
@@ -76,8 +73,9 @@ bool NormalLines(std::vector<int> *lines)
 int ShowAgain(const HIS_Edit &edit, std::string *what)
 {
     *what = edit.what;
+    // It may have been the last line, and be gone now.
     const int line = std::clamp(edit.steps.back().index, 0, std::max(nLItems - 1, 0));
-    Changed(line);
+    ShowChanged(line);
     return line;
 }
 
@@ -85,40 +83,6 @@ std::string CountOrLabel(const std::vector<int> &lines)
 {
     return lines.size() == 1 ? LIT_Label(aLItems[lines[0]])
                              : std::to_string(lines.size()) + " items";
-}
-
-// A name must survive a debug file: one field, no comment, no address form.
-bool IsName(const std::string &name)
-{
-    const size_t start = !name.empty() && name[0] == '&';
-    if (name.size() <= start || name.size() > LITEM_FIELD_MAX || name[start] == '[' ||
-        name[start] == ' ')
-        return false;
-    return std::none_of(name.begin(), name.end(), [](char c) {
-        return c == ',' || c == ';' || std::iscntrl(static_cast<unsigned char>(c));
-    });
-}
-
-int ApplyType(LItem *item, const std::string &typeField)
-{
-    const std::string field = typeField.empty() ? EDT_SuggestType(item->name) : typeField;
-    const bool isTMS = LIT_IsTMS(*item);
-    if (!VTY_IsField(field) || (isTMS && !VTY_Find(field[0])->isForTMS))
-        return EDT_ERR_TYPE;
-    VTY_SetFromField(item, field.c_str());
-    if (isTMS)
-        item->size = 4;
-    return 0;
-}
-
-// Values of another type or variable say nothing about this one.
-void ForgetValue(LItem *item)
-{
-    item->value = item->valueHigh = item->previousValue = 0;
-    item->readTick = item->previousReadTick = 0;
-    item->readError = 0;
-    item->isValueGood = item->isHeld = false;
-    item->reason.clear();
 }
 
 int InsertItem(const LItem &item, int position)
@@ -135,115 +99,13 @@ int InsertItem(const LItem &item, int position)
     return position;
 }
 
-int NameItem(LItem *item, const std::string &text)
-{
-    const std::string name = WRD_Trim(text);
-    if (!IsName(name))
-        return EDT_ERR_NAME;
-    item->name = name;
-    std::string prefix = name;
-    item->station = parseStationModifier(prefix.data());
-    item->address = item->givenAddress = LITEM_NO_ADDRESS;
-    item->explicitAddress = 0;
-    LIT_Resolve(item);
-    return 0;
-}
-
-int PlaceItem(LItem *item, uint32_t address, bool isTMS)
-{
-    if (address >= ADDR_LIMIT)
-        return EDT_ERR_ADDRESS;
-    item->name = isTMS ? "&" : "";
-    item->address = item->givenAddress = address;
-    return 0;
-}
-
-// As a user writes it: types of one size only go without.
-std::string TypeFieldOf(const LItem &item)
-{
-    const bool isOneSize = std::strchr("bft", item.type) != nullptr;
-    return isOneSize ? std::string(1, item.type) : item.type + std::to_string(item.size);
-}
-
-// "[1F00]", "$1F00" and "0x1F00". Whether the text has one of these forms.
-bool IsAddressText(std::string text, uint32_t *address)
-{
-    if (text.empty() || !std::strchr("[$0", text[0]))
-        return false;
-    if (text[0] == '[') {
-        if (text.back() == ']')
-            text.pop_back();
-        text.replace(0, 1, text.size() > 2 && (text[2] == 'x' || text[2] == 'X') ? "" : "$");
-    }
-    *address = GetSysAddrWk(text.c_str());
-    return true;
-}
-
 } // namespace
-
-const char *EDT_ErrorText(int result)
-{
-    switch (result) {
-    case EDT_ERR_INDEX:
-        return LIT_NO_LINE;
-    case EDT_ERR_FULL:
-        return LIT_FULL;
-    case EDT_ERR_NAME:
-        return "A name has 1 to 120 characters, no comma or semicolon, and does not begin with "
-               "\"[\".";
-    case EDT_ERR_TYPE:
-        return "The type is b, f, t, or one of i, u, x, p with a size of 1, 2, 4 or 8 bytes; "
-               "TMS320 items have 4 bytes.";
-    case EDT_ERR_ADDRESS:
-        return "The address must be a hexadecimal number below 0x1000000.";
-    case EDT_ERR_COMMENT:
-        return "The comment is too long for a line of the watch list's file.";
-    case EDT_ERR_NOTHING:
-        return "There is nothing to undo or to redo.";
-    default:
-        return "";
-    }
-}
-
-std::string EDT_SuggestType(const std::string &name)
-{
-    std::string member = name;
-    parseStationModifier(member.data());
-    member = member.c_str();
-    if (!member.empty() && member[0] == '&')
-        member.erase(0, 1);
-    LItem known;
-    if (TMF_SuggestItem(member.c_str(), &known.type, &known.size) == 0)
-        return TypeFieldOf(known);
-    member.resize(std::min(member.find_first_of(" +-["), member.size()));
-    const size_t dot = member.rfind('.');
-    LItem item;
-    DetectTypeByName(&item, member.c_str() + (dot == std::string::npos ? 0 : dot + 1));
-    return TypeFieldOf(item);
-}
 
 int EDT_AddByName(const std::string &name, const std::string &typeField, int position)
 {
     LItem item;
-    int result = NameItem(&item, name);
-    if (result == 0)
-        result = ApplyType(&item, typeField);
+    const int result = EDT_ParseName(name, typeField, &item);
     return result == 0 ? InsertItem(item, position) : result;
-}
-
-int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
-{
-    const std::string what = WRD_Trim(text);
-    const bool isTMS = !what.empty() && what[0] == '&';
-    LItem built;
-    uint32_t address;
-    int result = IsAddressText(what.substr(isTMS), &address) ? PlaceItem(&built, address, isTMS)
-                                                             : NameItem(&built, what);
-    if (result == 0)
-        result = ApplyType(&built, typeField);
-    if (result == 0)
-        *item = built;
-    return result;
 }
 
 int EDT_AddText(const std::string &text, const std::string &typeField, int position)
@@ -257,8 +119,9 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
 {
     if (!IsIndex(index))
         return EDT_ERR_INDEX;
+    // Parsed anew, a name would lose the address that was given with it.
     if (WRD_Trim(text) == LIT_Label(aLItems[index]))
-        return typeField == TypeFieldOf(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
+        return typeField == EDT_TypeField(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
     LItem item;
     const int result = EDT_Parse(text, typeField, &item);
     if (result != 0)
@@ -279,12 +142,23 @@ EDT_Reference EDT_Refer(int index)
 
 int EDT_Find(const EDT_Reference &reference)
 {
+    // Of several items with the same label the one that was meant, as long as it stays there.
     if (IsIndex(reference.index) && LIT_Label(aLItems[reference.index]) == reference.label)
         return reference.index;
     for (int i = 0; i < nLItems; ++i)
         if (LIT_Label(aLItems[i]) == reference.label)
             return i;
     return -1;
+}
+
+std::vector<EDT_Reference> WSL_GetSelection()
+{
+    std::vector<EDT_Reference> lines;
+    if (!VR_isWatchView)
+        return lines;
+    for (const int line : LSV_SelectedLines())
+        lines.push_back(EDT_Refer(line));
+    return lines;
 }
 
 int EDT_Remove(int index)
@@ -323,6 +197,7 @@ int EDT_MoveLines(std::vector<int> lines, int by)
         return EDT_ERR_INDEX;
     HIS_Edit edit;
     edit.what = "move " + CountOrLabel(lines);
+    // The one in front goes first, so that no line jumps over another selected one.
     if (by > 0)
         std::reverse(lines.begin(), lines.end());
     for (const int line : lines) {
@@ -381,48 +256,20 @@ int EDT_Redo(std::string *what)
     return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
 }
 
-bool EDT_CanUndo()
-{
-    return HIS_CanUndo();
-}
-
-bool EDT_CanRedo()
-{
-    return HIS_CanRedo();
-}
-
-void EDT_ForgetEdits()
-{
-    HIS_Forget();
-}
-
 int EDT_SetType(int index, const std::string &typeField)
 {
     if (!IsIndex(index))
         return EDT_ERR_INDEX;
     LItem item = aLItems[index];
-    const int result = ApplyType(&item, typeField);
+    const int result = EDT_ApplyType(&item, typeField);
     if (result != 0)
         return result;
-    ForgetValue(&item);
-    Replace(index, item);
-    return 0;
-}
-
-int EDT_Rename(int index, const std::string &name)
-{
-    if (!IsIndex(index))
-        return EDT_ERR_INDEX;
-    LItem item = aLItems[index];
-    int result = NameItem(&item, name);
-    const VTY_Row *row = VTY_Find(item.type);
-    if (result == 0 && LIT_IsTMS(item) && row != nullptr && !row->isForTMS)
-        result = EDT_ERR_TYPE;
-    if (result != 0)
-        return result;
-    if (LIT_IsTMS(item))
-        item.size = 4;
-    ForgetValue(&item);
+    // A value of another type says nothing about this one.
+    item.value = item.valueHigh = item.previousValue = 0;
+    item.readTick = item.previousReadTick = 0;
+    item.readError = 0;
+    item.isValueGood = item.isHeld = false;
+    item.reason.clear();
     Replace(index, item);
     return 0;
 }
@@ -437,6 +284,7 @@ int EDT_SetComment(int index, const std::string &comment)
         if (std::iscntrl(static_cast<unsigned char>(c)))
             c = ' ';
     item.comment = WRD_Trim(item.comment);
+    // Longer, and the rest would come back as the next line.
     constexpr size_t AROUND_MAX = 16; // semicolon and blanks
     if (LIT_FileLine(item).size() + AROUND_MAX + item.comment.size() > LITEM_LINE_MAX)
         return EDT_ERR_COMMENT;

@@ -1,39 +1,23 @@
+// Two stacks of edits: what was done, and what was taken back since the last new edit. An
+// edit moves from one to the other whole and is never changed.
 #include "watch/list/edit_history.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "watch/list/item_names.h"
 
 namespace {
 
 std::vector<HIS_Edit> done, undone;
 
-// An item that comes back may have been away while another map was loaded.
+// An item that comes back may have been away while another map was loaded, and what was
+// held for it belongs to a read of then.
 void SetItem(int index, const LItem &item)
 {
     aLItems[index] = item;
     aLItems[index].isHeld = false;
     LIT_ResolveAnew(&aLItems[index]);
-}
-
-void Insert(int index, const LItem &item)
-{
-    std::move_backward(aLItems + index, aLItems + nLItems, aLItems + nLItems + 1);
-    ++nLItems;
-    SetItem(index, item);
-}
-
-void Remove(int index)
-{
-    std::move(aLItems + index + 1, aLItems + nLItems, aLItems + index);
-    aLItems[--nLItems] = LItem();
-}
-
-void Move(int from, int to)
-{
-    LItem *const begin = aLItems;
-    if (from < to)
-        std::rotate(begin + from, begin + from + 1, begin + to + 1);
-    else
-        std::rotate(begin + to, begin + from, begin + from + 1);
 }
 
 HIS_Step Inverse(const HIS_Step &step)
@@ -53,18 +37,26 @@ HIS_Step Inverse(const HIS_Step &step)
 
 void HIS_Apply(const HIS_Step &step)
 {
+    LItem *const place = aLItems + step.index, *const end = aLItems + nLItems;
     switch (step.kind) {
     case HIS_INSERT:
-        Insert(step.index, step.after);
+        std::move_backward(place, end,
+                           end + 1); // whoever made the step has seen that there is room
+        ++nLItems;
+        SetItem(step.index, step.after);
         break;
     case HIS_REMOVE:
-        Remove(step.index);
+        std::move(place + 1, end, place);
+        aLItems[--nLItems] = LItem();
         break;
     case HIS_REPLACE:
         SetItem(step.index, step.after);
         break;
-    case HIS_MOVE:
-        Move(step.index, step.to);
+    case HIS_MOVE: // those between make room by one place
+        if (step.index < step.to)
+            std::rotate(place, place + 1, aLItems + step.to + 1);
+        else
+            std::rotate(aLItems + step.to, place, place + 1);
         break;
     }
 }
@@ -84,6 +76,7 @@ const HIS_Edit *HIS_Undo()
     undone.push_back(std::move(done.back()));
     done.pop_back();
     const HIS_Edit &edit = undone.back();
+    // Backwards: the index of a step holds only in the list that the steps before it left.
     for (auto step = edit.steps.rbegin(); step != edit.steps.rend(); ++step)
         HIS_Apply(Inverse(*step));
     return &edit;

@@ -1,6 +1,7 @@
 // What was done to the watch list, for undo and redo: every edit is a sequence of small steps
-// that can be taken back in reverse order. Owns both histories; list/edit.h is its only
-// caller. Items keep the values they had: an old one shows as old when it comes back.
+// that can be taken back in reverse order. Owns both histories; list/edit.h makes the edits and
+// takes them back, others ask whether there is one. Items keep the values they had: an old one
+// shows as old when it comes back.
 #ifndef WATCH_LIST_EDIT_HISTORY_H
 #define WATCH_LIST_EDIT_HISTORY_H
 
@@ -20,7 +21,7 @@ struct HIS_Step {
     LItem after;  // inserted or in its place
 };
 struct HIS_Edit {
-    std::string what; // "Removed: nnCount"
+    std::string what; // "remove nnCount"
     std::vector<HIS_Step> steps;
 };
 
@@ -33,6 +34,6 @@ const HIS_Edit *HIS_Undo();
 const HIS_Edit *HIS_Redo();
 bool HIS_CanUndo();
 bool HIS_CanRedo();
-void HIS_Forget();
+void HIS_Forget(); // another list was loaded
 
 #endif

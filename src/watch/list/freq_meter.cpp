@@ -1,3 +1,5 @@
+// Differences of proven samples are summed until there are as many as the field asks for; the
+// time between the first and the last of them, as they were read, gives the frequency.
 #include "watch/list/freq_meter.h"
 
 #include <algorithm>
@@ -16,7 +18,7 @@ uint32_t FM_dwDelta = 0;
 
 namespace {
 
-constexpr uint32_t ELAPSED_MIN_MS = 10;
+constexpr uint32_t ELAPSED_MIN_MS = 10; // never a division by zero
 constexpr int NOTHING = -1;
 
 uint32_t startTick = 0;
@@ -47,12 +49,6 @@ bool IsMeasurable(int selected)
            aLItems[selected].isValueGood;
 }
 
-bool IsMetered(const LItem &item, int index)
-{
-    return metered.index == index && metered.address == item.address && metered.size == item.size &&
-           metered.station == LIT_Station(item) && metered.isTMS == LIT_IsTMS(item);
-}
-
 void StartInterval(uint32_t now)
 {
     FM_nPeriod = 0;
@@ -62,6 +58,7 @@ void StartInterval(uint32_t now)
 
 void AddSample(const LItem &item)
 {
+    // Within the item's own size: a counter that has run over counts on.
     const uint32_t delta = item.value - FM_dwPrevValue;
     if (item.size == 1)
         FM_dwDelta += delta & 0xFF;
@@ -69,7 +66,7 @@ void AddSample(const LItem &item)
         FM_dwDelta += delta & 0xFFFF;
     else if (item.size == 4)
         FM_dwDelta += delta;
-    else
+    else // eight bytes: only the lower half of a sample is kept
         FM_dwDelta = 0;
     ++FM_nPeriod;
 }
@@ -95,7 +92,10 @@ void FM_Update(int selected)
         return;
     }
     const LItem &item = aLItems[selected];
-    const bool isOther = !IsMetered(item, selected);
+    // Samples of two variables, or of two places, have no difference.
+    const bool isOther = metered.index != selected || metered.address != item.address ||
+                         metered.size != item.size || metered.station != LIT_Station(item) ||
+                         metered.isTMS != LIT_IsTMS(item);
     if (isOther)
         metered = {selected,        item.address,   item.size, LIT_Station(item),
                    LIT_IsTMS(item), item.goodReads, false};

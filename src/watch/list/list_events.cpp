@@ -1,25 +1,20 @@
 #include "watch/list/list_events.h"
 
 #include <algorithm>
-#include <numeric>
 #include <vector>
 
 #include "comm/communication.h"
-#include "platform/safe_file.h"
-#include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
+#include "watch/list/edit_history.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
-#include "watch/list/read_item.h"
-#include "watch/list/snapshot.h"
 #include "watch/main_window.h"
 #include "watch/value/write_value.h"
 #include "watch/windows/item_panel.h"
-#include "watch/windows/mem_box.h"
 #include "watch/windows/memory_panel.h"
 #include "watch/windows/value_panel.h"
 
@@ -33,92 +28,25 @@ int ActedOn()
     return nLItems > 0 ? LSV_Selected() : -1;
 }
 
-bool Always()
-{
-    return true;
-}
-
-bool IsInView()
-{
-    return VR_isWatchView;
-}
-
-bool HasLine()
-{
-    return VR_isWatchView && nLItems > 0;
-}
-
-bool HasTwoLines()
-{
-    return VR_isWatchView && nLItems > 1;
-}
-
-bool HasItems()
-{
-    return nLItems > 0;
-}
-
-bool HasEdit()
-{
-    return VR_isWatchView && EDT_CanUndo();
-}
-
-bool HasUndone()
-{
-    return VR_isWatchView && EDT_CanRedo();
-}
-
-bool HasMemory()
-{
-    int lines = 0;
-    return GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &lines) >= 0 && lines > 0;
-}
-
-struct EnableRow {
-    int item;
-    bool (*isOn)();
-};
-const EnableRow enableRows[] = {
-    {ITEM_ADD, IsInView},          {ITEM_EDIT, HasLine},        {ITEM_REMOVE, HasLine},
-    {ITEM_UNDO, HasEdit},          {ITEM_REDO, HasUndone},      {ITEM_MOVE_UP, HasTwoLines},
-    {ITEM_MOVE_DOWN, HasTwoLines}, {ITEM_WRITE_VALUE, HasLine}, {ITEM_OTHER_BASE, HasLine},
-    {ITEM_MEMORY, Always},         {ITEM_COPY_LIST, HasItems},  {ITEM_COPY_MEMORY, HasMemory},
-    {ITEM_SNAPSHOT, HasItems},     {ITEM_COMMENT, HasLine},
-};
-
 void Report(int result)
 {
     if (result < 0)
         VR_ShowMessage(EDT_ErrorText(result));
 }
 
-int progress = -1; // handle of the progress box while the list is read
-
-bool AdvanceProgress(int index)
+// A text typed into a cell of the table.
+void EditCell()
 {
-    return UpdateProgressDialog(progress, 100 * index / nLItems, LIT_Label(aLItems[index])) <= 0;
-}
-
-// Reads every item before they leave the program. False, and said, when the user has
-// cancelled. Without communication they leave as they are, each with its age.
-bool ReadForExport(const std::string &title)
-{
-    if (!VR_EnsureCom())
-        return true;
-    progress = CreateProgressDialog(title, "");
-    const int result = RDI_ReadAll(AdvanceProgress);
-    DiscardProgressDialog(progress);
-    LSV_ShowValues();
-    readLItems = 1;
-    if (result < 0)
-        VR_ShowMessage("Cancelled: " + title + ".");
-    return result == 0;
-}
-
-// A value typed into its cell: the checks, the write and the reading back of the value window.
-void WriteCell(int index, const std::string &text)
-{
-    std::string message;
+    int index = -1, column = -1;
+    std::string text, message;
+    if (GetEditedCell(mainPanel, MAIN_LIST, &index, &column, &text) < 0 || index >= nLItems)
+        return;
+    if (column == LSV_COMMENT)
+        Report(EDT_SetComment(index, text));
+    if (column != LSV_VALUE)
+        return;
+    // The checks, the write and the reading back of the value window. What cannot be a value
+    // is refused before anybody is asked about communication.
     uint64_t bits = 0;
     const int parsed = WRV_Parse(aLItems[index], text, &bits, &message);
     if (parsed == WRV_OK && !VR_EnsureCom())
@@ -126,18 +54,6 @@ void WriteCell(int index, const std::string &text)
     else if (parsed == WRV_OK)
         WRV_Write(index, text, &message);
     VR_ShowMessage(LIT_Label(aLItems[index]) + ": " + message);
-}
-
-void EditCell()
-{
-    int index = -1, column = -1;
-    std::string text;
-    if (GetEditedCell(mainPanel, MAIN_LIST, &index, &column, &text) < 0 || index >= nLItems)
-        return;
-    if (column == LSV_VALUE)
-        WriteCell(index, text);
-    else if (column == LSV_COMMENT)
-        Report(EDT_SetComment(index, text));
 }
 
 // A line that belongs to the selection takes all of it along. Dragged down they stand behind
@@ -154,11 +70,6 @@ void Drop(int source, int target)
         Report(EDT_Move(source, target));
 }
 
-bool IsNumberType(char type)
-{
-    return type == 'i' || type == 'u' || type == 'x';
-}
-
 void ShowAgain(const char *how, int (*again)(std::string *what))
 {
     std::string what;
@@ -170,21 +81,46 @@ void ShowAgain(const char *how, int (*again)(std::string *what))
 
 void LEV_Enable()
 {
+    int memoryLines = 0;
+    const bool hasMemory =
+        GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &memoryLines) >= 0 && memoryLines > 0;
+    const bool isInView = VR_isWatchView, hasItems = nLItems > 0;
+    const bool hasLine = isInView && hasItems, hasTwoLines = isInView && nLItems > 1;
+    const struct {
+        int item;
+        bool isOn;
+    } rows[] = {
+        {ITEM_ADD, isInView},
+        {ITEM_EDIT, hasLine},
+        {ITEM_REMOVE, hasLine},
+        {ITEM_UNDO, isInView && HIS_CanUndo()},
+        {ITEM_REDO, isInView && HIS_CanRedo()},
+        {ITEM_MOVE_UP, hasTwoLines},
+        {ITEM_MOVE_DOWN, hasTwoLines},
+        {ITEM_WRITE_VALUE, hasLine},
+        {ITEM_OTHER_BASE, hasLine},
+        {ITEM_COMMENT, hasLine},
+        {ITEM_MEMORY, true},
+        // These change nothing, and need no line in sight.
+        {ITEM_COPY_LIST, hasItems},
+        {ITEM_COPY_MEMORY, hasMemory},
+        {ITEM_SNAPSHOT, hasItems},
+    };
     const int menuBar = GetPanelMenuBar(mainPanel);
-    for (const EnableRow &row : enableRows)
-        SetMenuBarAttribute(menuBar, row.item, ATTR_DIMMED, !row.isOn());
-    VLP_Refresh();
+    for (const auto &row : rows)
+        SetMenuBarAttribute(menuBar, row.item, ATTR_DIMMED, !row.isOn);
+    VLP_Refresh(); // which shows one of these lines
 }
 
 int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
 {
     switch (event) {
-    case EVENT_COMMIT:
+    case EVENT_COMMIT: // Enter
     case EVENT_LEFT_DOUBLE_CLICK:
         LEV_WriteCB(0, ITEM_WRITE_VALUE);
         break;
     case EVENT_RIGHT_CLICK:
-        LEV_Enable();
+        LEV_Enable(); // the click may have selected another line
         RunPopupMenu(GetPanelMenuBar(mainPanel), MENU_EDIT);
         break;
     case EVENT_CELL_EDITED:
@@ -222,10 +158,12 @@ void LEV_RedoCB(int /*menuBar*/, int /*item*/)
 
 void LEV_OtherBaseCB(int /*menuBar*/, int /*item*/)
 {
-    for (const int line : LSV_SelectedLines())
-        if (IsNumberType(aLItems[line].type))
-            aLItems[line].isOtherBase = !aLItems[line].isOtherBase;
-    if (readLItems)
+    for (const int line : LSV_SelectedLines()) {
+        LItem &item = aLItems[line];
+        if (item.type == 'i' || item.type == 'u' || item.type == 'x') // the others have no base
+            item.isOtherBase = !item.isOtherBase;
+    }
+    if (readLItems) // else no value is shown yet
         LSV_ShowValues();
 }
 
@@ -235,7 +173,7 @@ void LEV_RemoveCB(int /*menuBar*/, int /*item*/)
     if (lines.empty())
         return;
     const bool isOne = lines.size() == 1;
-    const std::string what =
+    const std::string what = // before it is gone
         isOne ? LIT_Label(aLItems[lines[0]]) : std::to_string(lines.size()) + " items";
     const int result = EDT_RemoveLines(lines);
     Report(result);
@@ -247,6 +185,7 @@ void LEV_MoveCB(int /*menuBar*/, int item)
 {
     const std::vector<int> lines = LSV_SelectedLines();
     const int by = item == ITEM_MOVE_UP ? -1 : 1;
+    // At the end of the list the key does nothing, without a message each time it repeats.
     if (!lines.empty() && lines.front() + by >= 0 && lines.back() + by < nLItems)
         Report(EDT_MoveLines(lines, by));
 }
@@ -256,6 +195,7 @@ void LEV_CommentCB(int /*menuBar*/, int /*item*/)
     const int line = ActedOn();
     if (line < 0)
         return;
+    // While the question is open the list may be loaded or edited from elsewhere.
     const EDT_Reference reference = EDT_Refer(line);
     std::string comment = aLItems[line].comment;
     if (PromptPopup("Comment", "Comment on " + WRD_Visible(reference.label), &comment,
@@ -272,36 +212,4 @@ void LEV_WriteCB(int /*menuBar*/, int /*item*/)
 void LEV_MemoryCB(int /*menuBar*/, int /*item*/)
 {
     MMP_Open(ActedOn());
-}
-
-void LEV_CopyListCB(int /*menuBar*/, int /*item*/)
-{
-    std::vector<int> lines = LSV_SelectedLines();
-    if (lines.size() < 2) {
-        lines.resize(static_cast<size_t>(nLItems));
-        std::iota(lines.begin(), lines.end(), 0);
-    }
-    if (ReadForExport("Copy the list") && ClipboardPutText(SNP_Text(lines)) == 0)
-        VR_ShowMessage("Copied: " + std::to_string(lines.size()) + " items.");
-}
-
-void LEV_CopyMemoryCB(int /*menuBar*/, int /*item*/)
-{
-    if (ClipboardPutText(MBX_TabbedText()) == 0)
-        VR_ShowMessage("Copied: the memory box.");
-}
-
-void LEV_SnapshotCB(int /*menuBar*/, int /*item*/)
-{
-    std::string path;
-    if (FileSelectPopup(PLT_CurrentDir(), "snapshot.csv", "*.csv", "Save snapshot", FILE_SAVE,
-                        &path) <= VAL_NO_FILE_SELECTED)
-        return;
-    if (!ReadForExport("Save a snapshot"))
-        return;
-    const int result = SNP_SaveCsv(path);
-    if (result == 0)
-        VR_ShowMessage("Saved: " + path);
-    else
-        MessagePopup("Error", SAF_FailureText(path));
 }

@@ -18,10 +18,5 @@ void LEV_MoveCB(int menuBar, int item); // up or down by the item
 void LEV_CommentCB(int menuBar, int item);
 void LEV_WriteCB(int menuBar, int item);
 void LEV_MemoryCB(int menuBar, int item);
-// Both read every item once, with a progress box, so that what leaves the program is fresh.
-// The selected lines are copied when there are several, else the whole list.
-void LEV_CopyListCB(int menuBar, int item);
-void LEV_CopyMemoryCB(int menuBar, int item);
-void LEV_SnapshotCB(int menuBar, int item);
 
 #endif

@@ -1,3 +1,5 @@
+// A file is read whole and taken apart before it touches the list: whatever is wrong with it,
+// the list is the old one or the new one.
 #include "watch/list/list_file.h"
 
 #include <algorithm>
@@ -17,6 +19,7 @@
 #include "symbols/varnode.h"
 #include "text/txfr.h"
 #include "text/words.h"
+#include "watch/list/item_names.h"
 #include "watch/list/list_layout.h"
 #include "watch/list/litem.h"
 #include "watch/main_window.h"
@@ -25,8 +28,8 @@
 namespace {
 
 constexpr int LINE_FIELDS = 3;
-constexpr int64_t FILE_SIZE_MAX = 4 << 20;
-constexpr size_t BAD_LINES_NAMED = 10;
+constexpr int64_t FILE_SIZE_MAX = 4 << 20; // bytes; comments included
+constexpr size_t BAD_LINES_NAMED = 10;     // of a file that is no debug file: all are bad
 
 // The hexadecimal number behind "["; 0 without a digit, which *isNumber tells. *isGood: it is
 // all that stands in the brackets and within the address range.
@@ -39,15 +42,6 @@ uint32_t BracketAddress(const std::string &field, bool *isNumber, bool *isGood)
     end += std::strspn(end, " \t");
     *isGood = *isGood && *isNumber && number < ADDR_LIMIT && (*end == ']' || *end == '\0');
     return number > 0xFFFFFFFFull ? LITEM_NO_ADDRESS : static_cast<uint32_t>(number);
-}
-
-// Whether a type field says what it gives: "b4" does, "u3" and "q" do not.
-bool IsTypeMeant(const std::string &field)
-{
-    const VTY_Row *row = VTY_Find(field[0]);
-    const std::string size = WRD_Trim(field.substr(1, 1));
-    return row != nullptr &&
-           (row->onlySize != 0 || size.empty() || VTY_IsField(field.substr(0, 2)));
 }
 
 // The fields of one line, the "&" of a TMS320 line taken off.
@@ -66,7 +60,7 @@ int SplitLine(std::string line, LineFields *fields)
     fields->station = parseStationModifier(copy.data());
     if (!parseLine(line.c_str(), LINE_FIELDS, &fields->count, fields->field))
         return -1;
-    if (fields->count == 0)
+    if (fields->count == 0) // blank, or a comment only
         return 0;
     fields->isTMS = fields->field[0][0] == '&';
     if (fields->isTMS)
@@ -98,8 +92,15 @@ bool BuildItem(const LineFields &line, LItem *item, bool *isGood)
     const bool isAnonymous = line.field[0][0] == '[';
     const std::string &type = line.field[isAnonymous && line.count < 3 ? 1 : line.count - 1];
     VTY_SetFromField(item, type.c_str());
-    *isGood = *isGood && (type.empty() || IsTypeMeant(type));
     item->address = item->givenAddress;
+    // Only the first two characters of a type count, and "b4" says what it gives all the same.
+    // "u3" and "q" do not.
+    const VTY_Row *row = VTY_Find(type[0]);
+    const bool isSizeOpen = WRD_Trim(type.substr(std::min<size_t>(1, type.size()), 1)).empty();
+    const bool isTypeMeant =
+        type.empty() ||
+        (row != nullptr && (row->onlySize != 0 || isSizeOpen || VTY_IsField(type.substr(0, 2))));
+    *isGood = *isGood && isTypeMeant;
     return line.count >= 2;
 }
 
@@ -183,20 +184,10 @@ std::string BadLinesText(const std::string &path, const std::vector<int> &lines)
     return text + (lines.size() == 1 ? " gives" : " give") + " no item or a bad type or address.";
 }
 
-void ResolveAll()
-{
-    if (openStruct166)
-        completeLItems(aVarNode166, nNodes166);
-    if (openStruct)
-        completeLItems(aVarNode, nNodes);
-    if (openTMSStruct)
-        completeTMSLItems(aVarTMSNode, nTMSNodes);
-}
-
 struct FileTime {
     int hour, minute, second;
 };
-FileTime lastSeen = {0, 0, 0};
+FileTime lastSeen = {0, 0, 0}; // of the file of the present list
 
 bool ReadTime(const std::string &path, FileTime *time)
 {
@@ -262,12 +253,18 @@ int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &pa
     LAY_Set(std::move(file.layout));
     for (int i = 0; i < nLItems; ++i)
         aLItems[i].comment = LAY_Comment(aLItems[i].fileLine);
+    // The items that fit stay as they are in the file, and the box says why they are not all.
     if (file.isFull) {
         MessagePopup("Error", LIT_FULL);
         return 0;
     }
     openLItems = 1;
-    ResolveAll();
+    if (openStruct166)
+        completeLItems(aVarNode166, nNodes166);
+    if (openStruct)
+        completeLItems(aVarNode, nNodes);
+    if (openTMSStruct)
+        completeTMSLItems(aVarTMSNode, nTMSNodes);
     readLItems = 0;
     if (!file.badLines.empty())
         VR_ShowMessage(BadLinesText(path, file.badLines), MWN_LIST);
@@ -289,6 +286,7 @@ int IsDbgFileChanged()
     FileTime time;
     if (!ReadTime(szDebugFileName, &time))
         return 0;
+    // Remembered whatever the answer: who was asked once is not asked about the same change.
     const bool isSame = time.hour == lastSeen.hour && time.minute == lastSeen.minute &&
                         time.second == lastSeen.second;
     lastSeen = time;

@@ -1,3 +1,5 @@
+// The lines of the file as it was are gone through once more, and each item is written where
+// its own line stood; only items that were moved or are new stand elsewhere.
 #include "watch/list/list_layout.h"
 
 #include <algorithm>
@@ -18,12 +20,6 @@ std::string LineText(const LAY_File::Line &line)
     std::string text = layout.content.substr(line.begin, line.end - line.begin);
     text.resize(text.find_last_not_of(LINE_ENDS) + 1);
     return text;
-}
-
-std::string LineEnd(const LAY_File::Line &line)
-{
-    const std::string text = layout.content.substr(line.begin, line.end - line.begin);
-    return text.substr(text.find_last_not_of(LINE_ENDS) + 1);
 }
 
 // What new lines end with: as the file's first line does.
@@ -101,24 +97,25 @@ struct Output {
     bool isTorn = false; // the next line is the rest of a comment
 };
 
-// What stands behind the item's words: as the file has it, unless the user has changed it.
-std::string CommentToWrite(const LItem &item, int line)
-{
-    const std::string before = CommentOf(line);
-    if (item.comment == LAY_Comment(line))
-        return before;
-    const std::string blanks = before.empty() ? " " : before.substr(0, before.find(';'));
-    return item.comment.empty() ? "" : blanks + "; " + item.comment;
-}
-
 // `mayGoOn`: the line that follows is the one that followed when the file was read.
 void PutItem(Output *out, const LItem &item, int line, bool mayGoOn)
 {
-    const std::string comment = CommentToWrite(item, line), words = out->itemText(item);
-    std::string end = line < 0 ? "" : LineEnd(layout.lines[static_cast<size_t>(line)]);
+    const std::string words = out->itemText(item), before = CommentOf(line);
+    // What stands behind the item's words: as the file has it, unless the user has changed it.
+    std::string comment = before;
+    if (item.comment != LAY_Comment(line)) {
+        const std::string blanks = before.empty() ? " " : before.substr(0, before.find(';'));
+        comment = item.comment.empty() ? "" : blanks + "; " + item.comment;
+    }
+    std::string end;
+    if (line >= 0) {
+        const LAY_File::Line &own = layout.lines[static_cast<size_t>(line)];
+        end = layout.content.substr(own.begin, own.end - own.begin);
+        end.erase(0, end.find_last_not_of(LINE_ENDS) + 1);
+    }
     // A comment so long that its rest came as the next line: it still does, or begins anew.
     const size_t size = words.size() + comment.size();
-    const bool isBroken = end.empty() && !CommentOf(line).empty() && mayGoOn;
+    const bool isBroken = end.empty() && !before.empty() && mayGoOn;
     out->isTorn = isBroken && size != LITEM_LINE_MAX;
     if (end.empty() && (!isBroken || out->isTorn))
         end = out->usualEnd;

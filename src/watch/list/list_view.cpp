@@ -1,7 +1,8 @@
+// Each line is kept twice: as its text, which is the label underneath, and as the cells of the
+// table that the window draws. Both are handed over only when something differs.
 #include "watch/list/list_view.h"
 
 #include <algorithm>
-#include <cstdio>
 
 #include "runtime/userint.h"
 #include "settings/settings.h"
@@ -18,7 +19,8 @@ namespace {
 const char ADDRESS_COLUMN[] = "\033p300l"; // the column escape: 300 pixels, left-aligned
 const char UNRESOLVED_ADDRESS[] = "??????";
 
-// What a line shows beside its text, to leave equal ones alone.
+// What a line shows beside its text, to leave equal ones alone: a sweep over 500 lines costs
+// the view nothing while no value changes.
 struct ShownLine {
     unsigned style = UIS_NORMAL;
     std::string tip, age, comment;
@@ -30,20 +32,9 @@ ShownLine shownLines[LITEMS_MAX];
 // Address as the processor counts: bytes, or the halves of 16-bit words.
 std::string AddressText(uint32_t address, int processor)
 {
-    char text[24];
     if (!IsWordAddressing(processor))
-        std::snprintf(text, sizeof text, "%06X  ", address);
-    else
-        std::snprintf(text, sizeof text, "%06X%s ", address / 2, address % 2 ? ".hi" : " ");
-    return text;
-}
-
-std::string PlainAddress(const LItem &item)
-{
-    char address[16] = "Error";
-    if (item.address != LITEM_NO_ADDRESS)
-        std::snprintf(address, sizeof address, "%02X", item.address);
-    return address;
+        return WRD_Format("%06X  ", address);
+    return WRD_Format("%06X%s ", address / 2, address % 2 ? ".hi" : " ");
 }
 
 // In the base that the user has chosen for this line.
@@ -67,12 +58,13 @@ int LineCount()
     return count;
 }
 
-// The table's columns; widths that the user has given stay.
+// The table's columns, once: widths that the user has given stay.
 void EnsureColumns()
 {
     std::vector<UI_Column> columns;
     if (GetListColumns(mainPanel, MAIN_LIST, &columns) < 0 || !columns.empty())
         return;
+    // Pixels. The spare ones go first when the window is narrow.
     columns.resize(LSV_COLUMNS);
     columns[LSV_NAME].title = "Name";
     columns[LSV_NAME].width = 240;
@@ -93,14 +85,6 @@ void EnsureColumns()
     SetListColumns(mainPanel, MAIN_LIST, columns);
 }
 
-std::string ValueCell(const LItem &item)
-{
-    const std::string text = WRD_Trim(ValueText(item));
-    if (item.address == LITEM_NO_ADDRESS)
-        return "Address?" + text + (item.readError ? " (!)" : "");
-    return text + (item.readError ? " (!)" : "");
-}
-
 std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
 {
     std::vector<UI_Cell> cells(LSV_COLUMNS);
@@ -118,20 +102,23 @@ std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
     return cells;
 }
 
+// The list anew, without values: names, plain addresses and comments.
 void FillNames()
 {
     EnsureColumns();
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
-        const std::string name = WRD_Visible(aLItems[i].name), address = PlainAddress(aLItems[i]);
+        const LItem &item = aLItems[i];
+        const std::string name = WRD_Visible(item.name), comment = WRD_Visible(item.comment);
+        const std::string address =
+            item.address == LITEM_NO_ADDRESS ? "Error" : WRD_Format("%02X", item.address);
         InsertListItem(mainPanel, MAIN_LIST, -1, name + ADDRESS_COLUMN + address, i);
-        const std::string comment = WRD_Visible(aLItems[i].comment);
         std::vector<UI_Cell> cells(LSV_COLUMNS);
         cells[LSV_NAME] = {name, UIS_NORMAL, comment};
         cells[LSV_ADDRESS].text = address;
         cells[LSV_COMMENT] = {comment, UIS_NORMAL, comment};
         SetListCells(mainPanel, MAIN_LIST, i, cells);
-        shownLines[i] = ShownLine();
+        shownLines[i] = ShownLine(); // nothing of before counts as a change
     }
     VR_EnableControls();
 }
@@ -144,7 +131,8 @@ void PutLine(int index, const std::string &label, bool isNew)
     line.style = LSV_ValueStyle(item);
     line.tip = item.reason.empty() ? AGE_Tip(item) : item.reason;
     line.age = AGE_IsOld(item) ? AGE_Text(item) : "";
-    line.value = ValueCell(item);
+    line.value = (item.address == LITEM_NO_ADDRESS ? "Address?" : "") + WRD_Trim(ValueText(item)) +
+                 (item.readError ? " (!)" : "");
     line.comment = WRD_Visible(item.comment);
     line.goodReads = item.goodReads;
     ShownLine &before = shownLines[index];
@@ -165,16 +153,13 @@ void PutLine(int index, const std::string &label, bool isNew)
 
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
-    std::string line = WRD_Visible(item.name);
-    line += ADDRESS_COLUMN;
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
+    std::string line = WRD_Visible(item.name) + ADDRESS_COLUMN;
     line +=
         isResolved ? AddressText(item.address, processor) : std::string(UNRESOLVED_ADDRESS) + "  ";
     line += item.type;
     line += static_cast<char>('0' + item.size % 10);
-    line += ": ";
-    if (!isResolved)
-        line += "Address?";
+    line += isResolved ? ": " : ": Address?";
     line += ValueText(item);
     if (item.readError == 1)
         line += " (!)";
@@ -193,6 +178,7 @@ unsigned LSV_ValueStyle(const LItem &item)
 void LSV_ShowValues()
 {
     EnsureColumns();
+    // Lines are filled in place: selection and scroll stay. Another number of them is a new list.
     const bool isRefill = LineCount() != nLItems;
     const int selected = LSV_Selected(), first = LSV_FirstVisible();
     if (isRefill)
@@ -214,7 +200,7 @@ void LSV_ShowValues()
 
 void LSV_ShowLine(int index)
 {
-    if (index < 0 || index >= nLItems || LineCount() != nLItems)
+    if (index < 0 || index >= nLItems || LineCount() != nLItems) // not yet filled
         return;
     PutLine(index, LSV_ValueLine(aLItems[index], Procesor), true);
 }
@@ -232,6 +218,7 @@ void LSV_ShowAddresses()
 
 void LSV_ShowNone()
 {
+    // Asked at every tick: the line is put there once.
     std::string shown;
     if (LineCount() == 1 && GetLabelFromIndex(mainPanel, MAIN_LIST, 0, &shown) >= 0 &&
         shown == "none")
@@ -287,7 +274,7 @@ void LSV_SelectLines(const std::vector<int> &lines)
 {
     if (lines.empty())
         return;
-    LSV_Select(lines.front());
+    LSV_Select(lines.front()); // first: it would end a selection of several
     SetListSelection(mainPanel, MAIN_LIST, lines);
 }
 

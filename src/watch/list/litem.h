@@ -1,4 +1,4 @@
-// The watch list: its items and how their names are looked up. Owns aLItems.
+// The watch list's items, and what every room asks of one. Owns aLItems.
 #ifndef WATCH_LIST_LITEM_H
 #define WATCH_LIST_LITEM_H
 
@@ -61,28 +61,17 @@ extern int nLItems;
 extern int openLItems; // a debug file has been loaded
 extern int readLItems; // a value has been read since
 
-// Resolves the C166 (TMS320) items against a table; the rest stays as it is.
-void completeLItems(const struct VarNode *nodes, int count);
-void completeTMSLItems(const struct VarNode *nodes, int count);
-// Resolves one item against every table that is loaded and meant for it.
-void LIT_Resolve(LItem *item);
-// The same from the start, as if the item had just been loaded: a name that the tables no
-// longer know loses the address it had from them, and its value with it.
-void LIT_ResolveAnew(LItem *item);
-// Looks up every C166 (or every TMS320) item as if its list had just been loaded: a name
-// that the tables no longer know loses the address it had from them.
-void LIT_ResolveAll(bool isTMS);
-void CleanLItems(); // forgets every resolved address
-
 bool LIT_IsTMS(const LItem &item);
+bool LIT_IsAnonymous(const LItem &item); // it has an address only, and no name
 // The item can be read at all: resolved, and below the limit of target addresses.
 bool LIT_HasAddress(const LItem &item);
 int LIT_Station(const LItem &item); // that it is read from: its own, or the selected one
 // The text of its value is what the target sent. Not so after a failed read, before the
 // first one, and for a rate before the second.
 bool LIT_HasNumber(const LItem &item);
-uint64_t LIT_Bits(const LItem &item);     // of the value, above its size zero
-std::string LIT_Label(const LItem &item); // its name, or "[0x1F00]" without one
+uint64_t LIT_Bits(const LItem &item);      // of the value, above its size zero
+int64_t LIT_SignedBits(const LItem &item); // the same with the sign of its size; 1, 2, 4 or 8
+std::string LIT_Label(const LItem &item);  // its name, or "[0x1F00]" without one
 // Its name as it is in the file, and behind it the address that was given with it.
 std::string LIT_LabelAndPlace(const LItem &item);
 

@@ -1,6 +1,9 @@
-// Reading the value of one watch item: from the C166, or through the mailbox from the
-// TMS320, with the reason of a failure kept for the user.
+// A good read stays in the item's `held` until the line is proven (RDI_Prove publishes it); a
+// failed one is shown at once, with the reason of the layer that failed.
 #include "watch/list/read_item.h"
+
+#include <algorithm>
+
 #include "comm/grouping.h"
 #include "comm/sysaddr.h"
 #include "comm/tms_mailbox.h"
@@ -12,13 +15,11 @@
 #include "watch/list/age.h"
 #include "watch/list/litem.h"
 
-#include <algorithm>
-
 namespace {
 
-constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF;
-constexpr int ROUNDS_MAX = 3;       // reads of the same thing before giving up
-constexpr int ITEMS_PER_PROOF = 32; // of a read of the whole list: about a second's worth
+constexpr uint32_t FAILED_VALUE = 0xFFFFFFFF; // what an item holds after a failed read
+constexpr int ROUNDS_MAX = 3;                 // reads of the same thing before giving up
+constexpr int ITEMS_PER_PROOF = 32;           // of a read of the whole list: about a second's worth
 const char OUT_OF_RANGE[] = "the address is outside the target's memory";
 
 // A block that was refused may hold a byte that cannot be read: for a while nothing is read
@@ -34,31 +35,38 @@ LItem *ItemAt(int index)
     return index >= 0 && index < nLItems ? &aLItems[index] : nullptr;
 }
 
-// The text of a failed read, from the layer that failed.
-std::string FailureText(const LItem &item, int mailboxResult)
-{
-    if (item.address == LITEM_NO_ADDRESS)
-        return RDI_NOT_RESOLVED;
-    if (!LIT_HasAddress(item))
-        return OUT_OF_RANGE;
-    return LIT_IsTMS(item) ? TMS_ErrorText(mailboxResult) : UCM_LastErrorText();
-}
-
 int ReadMailbox(const LItem &item, uint32_t *value)
 {
     return TMS_ReadWord(LIT_Station(item), item.address, TMS_POLLS_ITEM, value);
 }
 
-// 0, or -1 or -2 by processor; *mailboxResult for the reason.
-int ReadInto(LItemReading *reading, int index, int *mailboxResult)
+// The little-endian bytes of a value of 1 to 8 bytes.
+void SplitValue(const uint8_t *bytes, int size, uint32_t *low, uint32_t *high)
+{
+    const size_t lowBytes = size < 4 ? static_cast<size_t>(size) : 4;
+    *low = static_cast<uint32_t>(BYT_GetLittle(bytes, lowBytes));
+    *high = size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
+}
+
+// 0, or -1 or -2 by processor with the reason, from the layer that failed.
+int ReadInto(LItemReading *reading, int index, std::string *reason)
 {
     const LItem &item = aLItems[index];
-    if (!LIT_IsTMS(item))
-        return read166(index, &reading->value, &reading->valueHigh) == 0 ? 0 : -1;
-    if (!LIT_HasAddress(item))
-        return -2;
-    *mailboxResult = ReadMailbox(item, &reading->value);
-    return *mailboxResult == TMS_OK ? 0 : -2;
+    const bool isTMS = LIT_IsTMS(item);
+    if (!LIT_HasAddress(item)) {
+        *reason = item.address == LITEM_NO_ADDRESS ? RDI_NOT_RESOLVED : OUT_OF_RANGE;
+        return isTMS ? -2 : -1;
+    }
+    if (isTMS) {
+        const int result = ReadMailbox(item, &reading->value);
+        if (result != TMS_OK)
+            *reason = TMS_ErrorText(result);
+        return result == TMS_OK ? 0 : -2;
+    }
+    if (read166(index, &reading->value, &reading->valueHigh) == 0)
+        return 0;
+    *reason = UCM_LastErrorText();
+    return -1;
 }
 
 // A rate needs two good reads within a turn of the 16-bit tick: equal ticks mark that
@@ -99,16 +107,6 @@ void Fail(LItem *item, uint32_t nowMs, const std::string &reason)
     item->reason = reason;
 }
 
-// A value out of a block, from its first byte.
-void Hold(LItem *item, LItemReading reading, const uint8_t *bytes)
-{
-    const size_t size = static_cast<size_t>(item->size);
-    reading.value = static_cast<uint32_t>(BYT_GetLittle(bytes, std::min<size_t>(size, 4)));
-    reading.valueHigh = size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
-    item->held = reading;
-    item->isHeld = true;
-}
-
 std::vector<int> HeldItems()
 {
     std::vector<int> held;
@@ -116,25 +114,6 @@ std::vector<int> HeldItems()
         if (aLItems[i].isHeld)
             held.push_back(i);
     return held;
-}
-
-std::vector<int> FailHeld(const std::string &reason)
-{
-    const std::vector<int> held = HeldItems();
-    for (const int index : held)
-        Fail(&aLItems[index], PLT_TickMs(), reason);
-    return held;
-}
-
-// As UCM_Prove, and aware of others who have asked since the oldest held reading: what they
-// were told to read again concerns that reading too.
-int ProveLine()
-{
-    int result = UCM_Prove();
-    if (result == UCM_PROVEN && UCM_CountDoubts() != doubtsBefore)
-        result = UCM_READ_AGAIN;
-    doubtsBefore = UCM_CountDoubts();
-    return result;
 }
 
 } // namespace
@@ -148,9 +127,7 @@ int read166(int index, uint32_t *low, uint32_t *high)
     if (item->size < 1 || item->size > 8 ||
         UCM_Read(LIT_Station(*item), item->address, static_cast<uint32_t>(item->size), bytes) < 0)
         return -1;
-    const size_t lowBytes = item->size < 4 ? static_cast<size_t>(item->size) : 4;
-    *low = static_cast<uint32_t>(BYT_GetLittle(bytes, lowBytes));
-    *high = item->size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
+    SplitValue(bytes, item->size, low, high);
     return 0;
 }
 
@@ -173,16 +150,17 @@ int readValues(int index)
     if (HeldItems().empty())
         doubtsBefore = UCM_CountDoubts();
     LItemReading reading;
+    std::string reason;
     reading.station = LIT_Station(*item);
-    int mailboxResult = TMS_OK;
-    const int result = ReadInto(&reading, index, &mailboxResult);
+    const int result = ReadInto(&reading, index, &reason);
     reading.tickMs = PLT_TickMs();
+    // Without an address nothing was asked, so nothing was broken off either.
     if (result != 0 && LIT_HasAddress(*item) && IsBreakWished()) {
         item->isHeld = false;
         return RDI_BROKEN_OFF;
     }
     if (result != 0) {
-        Fail(item, reading.tickMs, FailureText(*item, mailboxResult));
+        Fail(item, reading.tickMs, reason);
         return result;
     }
     item->held = reading;
@@ -219,14 +197,14 @@ std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end)
 
 int RDI_ReadBlock(const std::vector<int> &indices)
 {
+    if (indices.size() == 1)
+        return readValues(indices[0]);
     uint32_t begin = UINT32_MAX, end = 0;
     for (const int index : indices) {
         const LItem &item = aLItems[index];
         begin = std::min(begin, item.address);
         end = std::max(end, item.address + static_cast<uint32_t>(item.size));
     }
-    if (indices.size() == 1)
-        return readValues(indices[0]);
     if (IsWordAddressing(Procesor)) { // words stay whole
         begin -= begin % 2;
         end += end % 2;
@@ -240,6 +218,7 @@ int RDI_ReadBlock(const std::vector<int> &indices)
     UCM_GetStatistics(&before);
     const int result = UCM_Read(reading.station, begin, end - begin, bytes.data());
     reading.tickMs = PLT_TickMs();
+    // Refused is refused as a whole: one byte in it may be to blame, and the others shall show.
     if (result < 0 && UCM_CauseSince(before) == UCM_CAUSE_REFUSED) {
         isApart = true;
         apartSinceMs = reading.tickMs;
@@ -251,10 +230,14 @@ int RDI_ReadBlock(const std::vector<int> &indices)
         return first;
     }
     for (const int index : indices) {
-        if (result < 0)
-            Fail(&aLItems[index], reading.tickMs, UCM_LastErrorText());
-        else
-            Hold(&aLItems[index], reading, &bytes[aLItems[index].address - begin]);
+        LItem *item = &aLItems[index];
+        if (result < 0) {
+            Fail(item, reading.tickMs, UCM_LastErrorText());
+            continue;
+        }
+        SplitValue(&bytes[item->address - begin], item->size, &reading.value, &reading.valueHigh);
+        item->held = reading;
+        item->isHeld = true;
     }
     return result < 0 ? -1 : 0;
 }
@@ -267,7 +250,12 @@ std::vector<int> RDI_Prove()
         const std::vector<int> held = HeldItems();
         if (held.empty())
             return failed;
-        result = ProveLine();
+        // Others may have asked since the oldest held reading: what they were told to read
+        // again concerns that reading too.
+        result = UCM_Prove();
+        if (result == UCM_PROVEN && UCM_CountDoubts() != doubtsBefore)
+            result = UCM_READ_AGAIN;
+        doubtsBefore = UCM_CountDoubts();
         if (result == UCM_PROVEN) {
             for (const int index : held)
                 Publish(&aLItems[index]);
@@ -283,9 +271,12 @@ std::vector<int> RDI_Prove()
             if (const int read = readValues(index); read != 0 && read != RDI_BROKEN_OFF)
                 failed.push_back(index);
     }
-    const std::vector<int> unproven =
-        FailHeld(result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText());
-    failed.insert(failed.end(), unproven.begin(), unproven.end());
+    // A line that mixes up answers time and again, or one that gave no proof at all.
+    const std::string reason = result == UCM_READ_AGAIN ? UCM_REPEATED_TEXT : UCM_LastErrorText();
+    for (const int index : HeldItems()) {
+        Fail(&aLItems[index], PLT_TickMs(), reason);
+        failed.push_back(index);
+    }
     return failed;
 }
 
@@ -294,6 +285,7 @@ int RDI_ReadNow(int index)
     const int result = readValues(index);
     if (result != 0 && result != RDI_BROKEN_OFF)
         return result;
+    // The proof is one for all that is held, and may fail this item among others.
     LItem *item = &aLItems[index];
     const uint32_t goodBefore = item->goodReads;
     RDI_Prove();
@@ -307,6 +299,7 @@ int RDI_ReadNow(int index)
 int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
 {
     const int result = UCM_ReadProven(station, address, count, buffer);
+    // At once: the next exchange of anybody has a text of its own.
     *cause = result < 0 ? UCM_LastErrorText() : "";
     return result < 0 ? -1 : 0;
 }
@@ -326,12 +319,9 @@ void RDI_DropHeld()
 int RDI_ReadAll(bool (*advance)(int index))
 {
     for (int i = 0; i < nLItems; ++i) {
-        if (advance != nullptr && !advance(i)) {
-            RDI_Prove();
-            return -1;
-        }
-        if (readValues(i) == RDI_BROKEN_OFF) {
-            RDI_Prove();
+        const bool isEnded = advance != nullptr && !advance(i);
+        if (isEnded || readValues(i) == RDI_BROKEN_OFF) {
+            RDI_Prove(); // of those before it
             return -1;
         }
         if (i % ITEMS_PER_PROOF == ITEMS_PER_PROOF - 1)

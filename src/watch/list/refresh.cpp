@@ -1,3 +1,5 @@
+// A tick reads one item, or one block of neighbours, and the sweep ends with the last line in
+// view: there the line is proven, and everything is drawn at once.
 #include "watch/list/refresh.h"
 
 #include <algorithm>
@@ -42,11 +44,6 @@ const StatusRow statusRows[] = {
     {0, "RUN", 0x008000},
 };
 
-void SetPeriod(double seconds)
-{
-    SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, seconds);
-}
-
 std::string lastFailure; // which item failed last and why, for the message of auto-off
 bool isAnyGood = false;  // of this sweep's reads
 uint32_t lastTickMs = 0;
@@ -78,14 +75,6 @@ void NoteFailure(int index, int result)
 // them have been read.
 std::vector<std::vector<int>> blocks;
 std::vector<bool> isBlockRead;
-
-void PlanSweep(int first)
-{
-    blocks.clear();
-    if (Option_nSweepRate != 1)
-        blocks = RDI_PlanBlocks(first, std::min(first + LSV_LinesInView(), nLItems));
-    isBlockRead.assign(blocks.size(), false);
-}
 
 // The block with this item, or blocks.size().
 size_t BlockOf(int index)
@@ -137,22 +126,9 @@ void ReadItem(int index)
         return;
     if (result != -4)
         LSV_ShowLine(index);
+    // A name that no map knows is not the link's fault.
     if (result == -4 || aLItems[index].address != LITEM_NO_ADDRESS)
         NoteFailure(index, result);
-}
-
-// The status of a whole sweep. Names that nobody knows turn it to "Error" once nothing else
-// was read either.
-void EndStatus()
-{
-    if (eTMS == 0 && isAnyGood) {
-        ShowStatus(0);
-        nErrors = 0;
-        return;
-    }
-    ShowStatus(eTMS == 0 ? -1 : eTMS);
-    if (eTMS == -1 && Option_AutoOff)
-        VR_AutoOff(lastFailure);
 }
 
 int ResultOf(int index)
@@ -160,38 +136,28 @@ int ResultOf(int index)
     return LIT_IsTMS(aLItems[index]) ? -2 : -1;
 }
 
-// A line in view may have failed for another reader (the value window) since it was read
-// here. No "RUN" stands beside it.
-void NoteOthersFailures()
-{
-    const int first = LSV_FirstVisible(), end = std::min(first + LSV_LinesInView(), nLItems);
-    for (int i = first; i < end && eTMS == 0; ++i)
-        if (aLItems[i].readError && aLItems[i].address != LITEM_NO_ADDRESS)
-            NoteFailure(i, ResultOf(i));
-}
-
 void EndSweep()
 {
     AGE_EndSweep(); // what is proven now is of this moment
     for (const int index : RDI_Prove())
         NoteFailure(index, ResultOf(index));
-    NoteOthersFailures();
-    EndStatus();
+    // A line in view may have failed for another reader (the value window) since it was read
+    // here. No "RUN" stands beside it.
+    const int first = LSV_FirstVisible(), end = std::min(first + LSV_LinesInView(), nLItems);
+    for (int i = first; i < end && eTMS == 0; ++i)
+        if (aLItems[i].readError && aLItems[i].address != LITEM_NO_ADDRESS)
+            NoteFailure(i, ResultOf(i));
+    // Names that nobody knows turn the status to "Error" once nothing else was read either.
+    if (eTMS == 0 && isAnyGood) {
+        ShowStatus(0);
+        nErrors = 0;
+    } else {
+        ShowStatus(eTMS == 0 ? -1 : eTMS);
+        if (eTMS == -1 && Option_AutoOff)
+            VR_AutoOff(lastFailure);
+    }
     LSV_ShowValues();
     VR_EnableControls();
-}
-
-void CountErrors()
-{
-    if (nErrors <= ERRORS_MAX)
-        return;
-    if (!Option_AutoOff) {
-        nErrors = ERRORS_MAX + 1;
-        return;
-    }
-    nErrors = 0;
-    if (isTimer) // the end of the sweep may have switched off already
-        VR_AutoOff(lastFailure);
 }
 
 RFR_Recorder recorder;
@@ -274,12 +240,14 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     NoticePause();
     const bool isTerminal = recorder.terminal != nullptr && recorder.terminal();
     ServeRecorder();
-    if (!openLItems && nLItems == 0) {
-        SetPeriod(isTerminal ? TERMINAL_PERIOD_S : IDLE_PERIOD_S);
+    // At every tick, so that another rate or window holds at once.
+    const bool hasList = openLItems || nLItems > 0;
+    const double idlePeriod = isTerminal ? TERMINAL_PERIOD_S : IDLE_PERIOD_S;
+    SetCtrlAttribute(mainPanel, MAIN_TIMER, ATTR_INTERVAL, hasList ? RFR_Period() : idlePeriod);
+    if (!hasList) {
         UpdItem = 0;
         updateListTextBox(0);
     } else {
-        SetPeriod(RFR_Period());
         if (!readLItems) // another list: half a sweep of the old one says nothing about it
             RFR_BeginSweep();
         const int first = LSV_FirstVisible();
@@ -288,8 +256,12 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
             UpdItem = 0;
             index = first;
         }
-        if (index == first)
-            PlanSweep(first);
+        if (index == first) { // once a second an item a tick is fast enough
+            blocks.clear();
+            if (Option_nSweepRate != 1)
+                blocks = RDI_PlanBlocks(first, std::min(first + LSV_LinesInView(), nLItems));
+            isBlockRead.assign(blocks.size(), false);
+        }
         // As fast as the line allows, no tick goes by without a request.
         while (Option_nSweepRate == 0 && UpdItem + 1 < LSV_LinesInView() && index + 1 < nLItems &&
                IsReadInSweep(index)) {
@@ -317,10 +289,17 @@ int updateListTextBox(int index)
     if (isSweepEnd)
         EndSweep();
     readLItems = 1;
-    if (isSweepEnd && isTimer)
+    if (isSweepEnd && isTimer) // the sweep's end may have switched communication off
         MBX_Update(selected);
     FM_Update(selected);
-    CountErrors();
+    // Reads that fail in the middle of a sweep count as well: a dead line of 13 items would
+    // otherwise keep the user waiting for 13 time-outs.
+    if (nErrors > ERRORS_MAX && Option_AutoOff) {
+        nErrors = 0;
+        if (isTimer)
+            VR_AutoOff(lastFailure);
+    }
+    nErrors = std::min(nErrors, ERRORS_MAX + 1);
     if (isSweepEnd) {
         eTMS = 0;
         isAnyGood = false;

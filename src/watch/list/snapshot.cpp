@@ -1,23 +1,26 @@
 #include "watch/list/snapshot.h"
 
-#include <algorithm>
 #include <cstdio>
+#include <numeric>
 
+#include "comm/communication.h"
 #include "platform/safe_file.h"
+#include "platform/system.h"
+#include "runtime/userint.h"
 #include "text/words.h"
 #include "watch/list/age.h"
+#include "watch/list/list_view.h"
 #include "watch/list/litem.h"
+#include "watch/list/read_item.h"
+#include "watch/main_window.h"
 #include "watch/value/value_types.h"
+#include "watch/windows/mem_box.h"
 
 namespace {
 
 std::string AddressOf(const LItem &item)
 {
-    if (item.address == LITEM_NO_ADDRESS)
-        return "";
-    char text[16];
-    std::snprintf(text, sizeof text, "0x%06X", item.address);
-    return text;
+    return item.address == LITEM_NO_ADDRESS ? "" : WRD_Format("0x%06X", item.address);
 }
 
 // A value that was never read, or not the last time, is no value.
@@ -29,11 +32,35 @@ std::string ValueOf(const LItem &item)
     return WRD_Trim(text);
 }
 
+// Of good values whether they are of now; of the others why there is none.
 std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
         return AGE_IsOld(item) ? AGE_Tip(item) : "ok";
     return item.reason.empty() ? "not read" : item.reason;
+}
+
+int progress = -1; // handle of the progress box while the list is read
+
+bool AdvanceProgress(int index)
+{
+    return UpdateProgressDialog(progress, 100 * index / nLItems, LIT_Label(aLItems[index])) <= 0;
+}
+
+// Reads every item before they leave the program. False, and said, when the user has
+// cancelled. Without communication they leave as they are, each with its age.
+bool ReadForExport(const std::string &title)
+{
+    if (!VR_EnsureCom())
+        return true;
+    progress = CreateProgressDialog(title, "");
+    const int result = RDI_ReadAll(AdvanceProgress);
+    DiscardProgressDialog(progress);
+    LSV_ShowValues(); // also of a read that was cancelled: some lines are new
+    readLItems = 1;
+    if (result < 0)
+        VR_ShowMessage("Cancelled: " + title + ".");
+    return result == 0;
 }
 
 } // namespace
@@ -55,6 +82,7 @@ std::string SNP_Csv()
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
+        // A rate has bits before it has a value.
         const std::string raw = item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
         text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
                 std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + raw + ',' +
@@ -74,4 +102,36 @@ int SNP_SaveCsv(const std::string &path)
         return -2;
     }
     return SAF_Commit(&safe) == 0 ? 0 : -2;
+}
+
+void LEV_CopyListCB(int /*menuBar*/, int /*item*/)
+{
+    std::vector<int> lines = LSV_SelectedLines();
+    // One line is selected at any time: it is no wish for that line alone.
+    if (lines.size() < 2) {
+        lines.resize(static_cast<size_t>(nLItems));
+        std::iota(lines.begin(), lines.end(), 0);
+    }
+    if (ReadForExport("Copy the list") && ClipboardPutText(SNP_Text(lines)) == 0)
+        VR_ShowMessage("Copied: " + std::to_string(lines.size()) + " items.");
+}
+
+void LEV_CopyMemoryCB(int /*menuBar*/, int /*item*/)
+{
+    if (ClipboardPutText(MBX_TabbedText()) == 0)
+        VR_ShowMessage("Copied: the memory box.");
+}
+
+void LEV_SnapshotCB(int /*menuBar*/, int /*item*/)
+{
+    std::string path;
+    if (FileSelectPopup(PLT_CurrentDir(), "snapshot.csv", "*.csv", "Save snapshot", FILE_SAVE,
+                        &path) <= VAL_NO_FILE_SELECTED)
+        return;
+    if (!ReadForExport("Save a snapshot"))
+        return;
+    if (SNP_SaveCsv(path) == 0)
+        VR_ShowMessage("Saved: " + path);
+    else
+        MessagePopup("Error", SAF_FailureText(path));
 }

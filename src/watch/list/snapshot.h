@@ -1,6 +1,6 @@
 // The watch list as it stands, for other programs: tab-separated for the clipboard, CSV
-// in a file. It takes the items as they are: whoever wants them fresh reads them first
-// (RDI_ReadAll). A value that is old says so as its state; what was not read stays blank.
+// in a file, and the menu items for both. A value that is old says so as its state; what was
+// not read stays blank.
 #ifndef WATCH_LIST_SNAPSHOT_H
 #define WATCH_LIST_SNAPSHOT_H
 
@@ -13,5 +13,11 @@ std::string SNP_Text(const std::vector<int> &lines);
 std::string SNP_Csv();
 // 0, -1 cannot be opened, -2 cannot be written; an older file is kept on failure.
 int SNP_SaveCsv(const std::string &path);
+
+// The first and the last read every item once, with a progress box, so that what leaves the
+// program is fresh. The selected lines are copied when there are several, else the whole list.
+void LEV_CopyListCB(int menuBar, int item);
+void LEV_CopyMemoryCB(int menuBar, int item); // the memory box
+void LEV_SnapshotCB(int menuBar, int item);
 
 #endif

@@ -1,4 +1,5 @@
-// The text of one value, by the item's type letter and size.
+// The widths hold the longest number of each size with its sign, so that the values of one
+// type stand under one another.
 #include "watch/value/format.h"
 
 #include <cstdio>
@@ -9,30 +10,13 @@
 
 namespace {
 
-constexpr double NO_RATE = -999.0;
-
-uint64_t WholeValue(const LItem &item)
-{
-    return static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
-}
-
-uint32_t MaskOf(int size)
-{
-    return size == 4 ? 0xFFFFFFFFu : (1u << 8 * size) - 1;
-}
+constexpr double NO_RATE = -999.0; // two reads within one tick, or only one so far
+constexpr uint32_t MINUTES_MASK = 0xFFFFFF;
+constexpr unsigned HOUR_MINUTES = 60, DAY_MINUTES = 24 * HOUR_MINUTES;
 
 bool IsWordSize(int size)
 {
     return size == 1 || size == 2 || size == 4;
-}
-
-int32_t SignExtended(uint32_t value, int size)
-{
-    if (size == 1)
-        return static_cast<int8_t>(value);
-    if (size == 2)
-        return static_cast<int16_t>(value);
-    return static_cast<int32_t>(value);
 }
 
 int WidthFor(int size, int one, int two, int four)
@@ -44,40 +28,46 @@ int WidthFor(int size, int one, int two, int four)
 
 void FMT_Hex(char *text, const LItem &item)
 {
-    if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%llXh",
-                      static_cast<unsigned long long>(WholeValue(item)));
+    const auto bits = static_cast<unsigned long long>(LIT_Bits(item));
+    if (item.size == 8) // the only size without leading zeros
+        std::snprintf(text, FMT_TEXT_MAX, "%llXh", bits);
     else if (IsWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%0*Xh", 2 * item.size, item.value & MaskOf(item.size));
+        std::snprintf(text, FMT_TEXT_MAX, "%0*llXh", 2 * item.size, bits);
 }
 
 void FMT_Unsigned(char *text, const LItem &item)
 {
+    const auto bits = static_cast<unsigned long long>(LIT_Bits(item));
     if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%20llu",
-                      static_cast<unsigned long long>(WholeValue(item)));
+        std::snprintf(text, FMT_TEXT_MAX, "%20llu", bits);
     else if (IsWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%*u", WidthFor(item.size, 3, 5, 10),
-                      item.value & MaskOf(item.size));
+        std::snprintf(text, FMT_TEXT_MAX, "%*llu", WidthFor(item.size, 3, 5, 10), bits);
 }
 
 void FMT_Signed(char *text, const LItem &item)
 {
+    if (item.size != 8 && !IsWordSize(item.size))
+        return;
+    const auto number = static_cast<long long>(LIT_SignedBits(item));
     if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%21lld", static_cast<long long>(WholeValue(item)));
-    else if (IsWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%*d", WidthFor(item.size, 4, 6, 11),
-                      SignExtended(item.value, item.size));
+        std::snprintf(text, FMT_TEXT_MAX, "%21lld", number);
+    else
+        std::snprintf(text, FMT_TEXT_MAX, "%*lld", WidthFor(item.size, 4, 6, 11), number);
+}
+
+double FMT_FloatOf(const LItem &item)
+{
+    if (LIT_IsTMS(item))
+        return TMS_IEEE(item.value);
+    float number;
+    std::memcpy(&number, &item.value, sizeof number);
+    return static_cast<double>(number);
 }
 
 void FMT_Float(char *text, const LItem &item)
 {
-    if (item.size != 4)
-        return;
-    float number;
-    std::memcpy(&number, &item.value, sizeof number);
-    std::snprintf(text, FMT_TEXT_MAX, "%g",
-                  LIT_IsTMS(item) ? TMS_IEEE(item.value) : static_cast<double>(number));
+    if (item.size == 4)
+        std::snprintf(text, FMT_TEXT_MAX, "%g", FMT_FloatOf(item));
 }
 
 void FMT_Bits(char *text, const LItem &item)
@@ -96,18 +86,22 @@ void FMT_Duration(char *text, const LItem &item)
 {
     if (item.size != 4)
         return;
-    const unsigned minutes = item.value & 0xFFFFFFu;
-    std::snprintf(text, FMT_TEXT_MAX, "%02ud %02uh %02um", minutes / (24 * 60), minutes / 60 % 24,
-                  minutes % 60);
+    const unsigned minutes = item.value & MINUTES_MASK; // the top byte is no part of it
+    std::snprintf(text, FMT_TEXT_MAX, "%02ud %02uh %02um", minutes / DAY_MINUTES,
+                  minutes / HOUR_MINUTES % 24, minutes % HOUR_MINUTES);
 }
 
 void FMT_Rate(char *text, const LItem &item)
 {
     if (item.size != 8 && !IsWordSize(item.size))
         return;
+    // Sixteen bits of the tick: what lies a turn (65 s) or more back has no rate.
     const uint16_t elapsedMs = static_cast<uint16_t>(item.readTick - item.previousReadTick);
-    const uint32_t delta =
-        item.size == 8 ? 0 : (item.value - item.previousValue) & MaskOf(item.size);
+    // A counter that has run over counts on: the difference within its own size. Eight bytes
+    // have none, for only the lower half of the value before is kept.
+    const int unusedBits = item.size == 8 ? 0 : 32 - 8 * item.size;
+    const uint32_t change = item.size == 8 ? 0 : item.value - item.previousValue;
+    const uint32_t delta = (change << unusedBits) >> unusedBits;
     const double rate = elapsedMs == 0 ? NO_RATE : delta * 1000.0 / elapsedMs;
     std::snprintf(text, FMT_TEXT_MAX, "%10.3f Hz", rate);
 }

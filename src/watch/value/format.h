@@ -17,4 +17,7 @@ void FMT_Bits(char *text, const LItem &item);
 void FMT_Duration(char *text, const LItem &item); // minutes in the low three bytes
 void FMT_Rate(char *text, const LItem &item);     // change a second since the read before
 
+// The number of an item with four bytes, by the float format of the processor it lives in.
+double FMT_FloatOf(const LItem &item);
+
 #endif

@@ -1,3 +1,5 @@
+// A text becomes a sign and an amount first, and then, by the item's type and size, bits:
+// whether an amount fits is asked once, for every way of writing it.
 #include "watch/value/parse.h"
 
 #include <algorithm>
@@ -13,7 +15,7 @@
 
 namespace {
 
-constexpr uint64_t MINUTES_MAX = 0xFFFFFF;
+constexpr uint64_t MINUTES_MAX = 0xFFFFFF; // three of a duration's four bytes
 constexpr uint64_t MINUTES_PER_HOUR = 60;
 constexpr uint64_t MINUTES_PER_DAY = 24 * 60;
 
@@ -23,8 +25,10 @@ struct Number {
     uint64_t amount = 0;
 };
 
+// All of the text, and nothing else, as digits of a base.
 int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
 {
+    // Digits too many are a number out of range; with a letter behind them they are none.
     const char *const end = digits.data() + digits.size();
     const auto [stop, error] = std::from_chars(digits.data(), end, *amount, base);
     if (error == std::errc::result_out_of_range &&
@@ -33,32 +37,24 @@ int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
     return error == std::errc() && stop == end ? PRS_OK : PRS_ERR_TEXT;
 }
 
-// Takes the mark of the base off; the base.
-int CutBaseMark(std::string *text, int plainBase)
-{
-    if (text->rfind("0x", 0) == 0) {
-        text->erase(0, 2);
-        return 16;
-    }
-    // Before "0b": 0BH is eleven.
-    if (!text->empty() && text->back() == 'h') {
-        text->pop_back();
-        return 16;
-    }
-    if (text->rfind("0b", 0) == 0 && plainBase != 16) {
-        text->erase(0, 2);
-        return 2;
-    }
-    return plainBase;
-}
-
+// A sign, then digits with the mark of their base; without a mark they are of `plainBase`.
 int ParseNumber(std::string text, int plainBase, Number *number)
 {
     if (!text.empty() && (text[0] == '-' || text[0] == '+')) {
         number->isNegative = text[0] == '-';
         text.erase(0, 1);
     }
-    const int base = CutBaseMark(&text, plainBase);
+    int base = plainBase;
+    if (text.rfind("0x", 0) == 0) {
+        text.erase(0, 2);
+        base = 16;
+    } else if (!text.empty() && text.back() == 'h') { // before "0b": 0BH is eleven
+        text.pop_back();
+        base = 16;
+    } else if (text.rfind("0b", 0) == 0 && plainBase != 16) { // plain digits of a type x item
+        text.erase(0, 2);
+        base = 2;
+    }
     number->isPattern = base != 10;
     return DigitsToAmount(text, base, &number->amount);
 }
@@ -74,26 +70,6 @@ int ToUnsigned(const Number &number, int size, uint64_t *bits)
         return PRS_ERR_RANGE;
     *bits = number.amount;
     return PRS_OK;
-}
-
-int ToSigned(const Number &number, int size, uint64_t *bits)
-{
-    const uint64_t half = Largest(size) / 2;
-    const uint64_t limit = number.isNegative ? half + 1 : number.isPattern ? Largest(size) : half;
-    if (number.amount > limit)
-        return PRS_ERR_RANGE;
-    *bits = (number.isNegative ? 0 - number.amount : number.amount) & Largest(size);
-    return PRS_OK;
-}
-
-std::string HexDigits(uint64_t value)
-{
-    char digits[17];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value, 16).ptr;
-    std::string text(digits, end);
-    for (char &c : text)
-        c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-    return text;
 }
 
 } // namespace
@@ -112,13 +88,21 @@ int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)
     const int result = ParseNumber(text, item.type == 'x' ? 16 : 10, &number);
     if (result != PRS_OK)
         return result;
-    return item.type == 'i' ? ToSigned(number, item.size, bits)
-                            : ToUnsigned(number, item.size, bits);
+    if (item.type != 'i')
+        return ToUnsigned(number, item.size, bits);
+    // A pattern may have the sign's bit set: 0xFF in one byte is -1, but 255 is out of range.
+    const uint64_t all = Largest(item.size), half = all / 2;
+    const uint64_t limit = number.isNegative ? half + 1 : number.isPattern ? all : half;
+    if (number.amount > limit)
+        return PRS_ERR_RANGE;
+    *bits = (number.isNegative ? 0 - number.amount : number.amount) & all;
+    return PRS_OK;
 }
 
 int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
 {
     std::string text = typed;
+    // As the list shows them, "0101 1100 b"; in hexadecimal the last "b" is a digit.
     const bool isMarked = text.rfind("0x", 0) == 0 || text.back() == 'h';
     if (!isMarked && text.rfind("0b", 0) != 0 && text.back() == 'b')
         text.pop_back();
@@ -130,6 +114,7 @@ int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
 
 int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
 {
+    // from_chars takes no "+", and a point in every system language.
     const char *begin = text.data() + (text[0] == '+' ? 1 : 0);
     const char *const end = text.data() + text.size();
     double number = 0;
@@ -138,10 +123,10 @@ int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
         return PRS_ERR_RANGE;
     if (error != std::errc() || stop != end || !std::isfinite(number))
         return PRS_ERR_TEXT;
-    const float single = static_cast<float>(
-        std::clamp(number, -static_cast<double>(FLT_MAX), static_cast<double>(FLT_MAX)));
+    // Before the conversion, which has no result beyond the largest single.
     if (std::fabs(number) > static_cast<double>(FLT_MAX))
         return PRS_ERR_RANGE;
+    const float single = static_cast<float>(number);
     uint32_t pattern;
     std::memcpy(&pattern, &single, sizeof pattern);
     // Below the smallest normal number the TMS320 form knows only zero.
@@ -168,12 +153,12 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
         const int result = DigitsToAmount(PRS_Normal(text.substr(at, end - at)), 10, &amount);
         if (result != PRS_OK)
             return result;
-        if (amount > MINUTES_MAX)
+        if (amount > MINUTES_MAX) // early, so that no sum runs over
             return PRS_ERR_RANGE;
         total += amount * row.minutes;
         at = end + 1;
     }
-    if (at == 0) {
+    if (at == 0) { // no unit at all
         const int result = DigitsToAmount(text, 10, &total);
         if (result != PRS_OK)
             return result;
@@ -186,33 +171,12 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
     return PRS_OK;
 }
 
-std::string PRS_UnsignedRange(const LItem &item)
+std::string PRS_IntegerRange(const LItem &item)
 {
-    return "0 to " + std::to_string(Largest(item.size));
-}
-
-std::string PRS_SignedRange(const LItem &item)
-{
-    const uint64_t half = Largest(item.size) / 2;
-    return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
-}
-
-std::string PRS_HexRange(const LItem &item)
-{
-    return "0h to " + HexDigits(Largest(item.size)) + "h";
-}
-
-std::string PRS_BitRange(const LItem & /*item*/)
-{
-    return "0000 0000 to 1111 1111";
-}
-
-std::string PRS_FloatRange(const LItem & /*item*/)
-{
-    return "-3.40282e+38 to 3.40282e+38";
-}
-
-std::string PRS_DurationRange(const LItem & /*item*/)
-{
-    return "0 to 16777215 minutes (11650d 20h 15m)";
+    const uint64_t all = Largest(item.size), half = all / 2;
+    if (item.type == 'i')
+        return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
+    if (item.type == 'x')
+        return WRD_Format("0h to %llXh", static_cast<unsigned long long>(all));
+    return "0 to " + std::to_string(all);
 }

@@ -19,12 +19,7 @@ int PRS_Bits(const LItem &item, const std::string &text, uint64_t *bits);
 int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits);
 int PRS_Duration(const LItem &item, const std::string &text, uint64_t *bits);
 
-// "0 to 255", in the form that the list shows the type in.
-std::string PRS_SignedRange(const LItem &item);
-std::string PRS_UnsignedRange(const LItem &item);
-std::string PRS_HexRange(const LItem &item);
-std::string PRS_BitRange(const LItem &item);
-std::string PRS_FloatRange(const LItem &item);
-std::string PRS_DurationRange(const LItem &item);
+// "0 to 255", by the size of an integer item and in the form that the list shows its type in.
+std::string PRS_IntegerRange(const LItem &item);
 
 #endif

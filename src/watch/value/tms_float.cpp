@@ -15,13 +15,6 @@ constexpr uint32_t TMS_LOWEST = 0x7F800000;
 constexpr int IEEE_BIAS = 127;
 constexpr uint32_t IEEE_SPECIAL = 255; // exponent of infinities and NaNs
 
-double IeeeValue(uint32_t bits)
-{
-    float number;
-    std::memcpy(&number, &bits, sizeof number);
-    return number;
-}
-
 } // namespace
 
 uint32_t IEEE_TMS(uint32_t bits)
@@ -58,5 +51,8 @@ double TMS_IEEE(uint32_t bits)
         exponent += fraction >> 23; // the carry of a zero fraction
         fraction &= FRACTION_MASK;
     }
-    return IeeeValue(static_cast<uint32_t>(isNegative) << 31 | exponent << 23 | fraction);
+    const uint32_t ieee = static_cast<uint32_t>(isNegative) << 31 | exponent << 23 | fraction;
+    float number;
+    std::memcpy(&number, &ieee, sizeof number);
+    return static_cast<double>(number);
 }

@@ -1,5 +1,6 @@
 // The value types of watch items: one row each with everything that differs from type to
-// type. A new value format is a row here, with its functions in format.cpp and parse.cpp.
+// type, and the texts of an item's value that follow from them. A new value format is a row
+// here, with its functions in format.cpp and parse.cpp.
 #ifndef WATCH_VALUE_VALUE_TYPES_H
 #define WATCH_VALUE_VALUE_TYPES_H
 
@@ -23,10 +24,10 @@ struct VTY_Row {
     void (*format)(char *text, const LItem &item);
     // A trimmed text in small letters to bits: WRV_OK, WRV_ERR_TEXT or WRV_ERR_RANGE.
     int (*parse)(const LItem &item, const std::string &text, uint64_t *bits);
-    const char *form;                        // what may be typed
-    std::string (*range)(const LItem &item); // from the least to the greatest
-    int bytesWritten;                        // 0 = all of the item's
-    char writtenAs;                          // type that shows what was written
+    const char *form;  // what may be typed
+    const char *range; // from the least to the greatest; null = PRS_IntegerRange
+    int bytesWritten;  // 0 = all of the item's
+    char writtenAs;    // type that shows what was written
 };
 extern const VTY_Row VTY_aRows[]; // in the order that rings show them
 extern const int VTY_cnRows;
@@ -42,5 +43,13 @@ std::string VTY_Field(const LItem &item); // "u2", as the debug file has it
 // Appends the value's text; the number of characters appended, 0 for a size that the
 // type does not have.
 int FormatLItemVal(std::string *text, const LItem &item);
+
+// The value last read in the forms that people compare, whatever the item's own type; "-"
+// when there is none. Decimal is signed for a signed item and the number itself for a float;
+// binary stands in groups of four, 32 bits a line.
+std::string VFM_Decimal(const LItem &item);
+std::string VFM_Hex(const LItem &item);
+std::string VFM_Binary(const LItem &item);
+std::string VFM_Float(const LItem &item); // "-" also for items that have not four bytes
 
 #endif

@@ -1,3 +1,5 @@
+// A value is sent once, never repeated by this module: what went wrong on the way may have
+// reached the target all the same, and only reading back tells.
 #include "watch/value/write_value.h"
 
 #include "comm/sysaddr.h"
@@ -6,6 +8,7 @@
 #include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
+#include "text/words.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
@@ -22,6 +25,11 @@ int BytesToWrite(const LItem &item)
 uint64_t MaskOfWritten(const LItem &item)
 {
     return UINT64_MAX >> (64 - 8 * BytesToWrite(item));
+}
+
+std::string RangeText(const VTY_Row &row, const LItem &item)
+{
+    return row.range != nullptr ? row.range : PRS_IntegerRange(item);
 }
 
 int WriteC166(const LItem &item, uint64_t bits)
@@ -54,19 +62,6 @@ int WriteTMS(const LItem &item, uint32_t word, std::string *cause)
     return result == TMS_OK ? WRV_OK : WRV_ERR_WRITE;
 }
 
-int WriteBits(const LItem &item, uint64_t bits, std::string *message)
-{
-    std::string cause;
-    const int result = LIT_IsTMS(item) ? WriteTMS(item, static_cast<uint32_t>(bits), &cause)
-                                       : WriteC166(item, bits);
-    if (result == WRV_OK)
-        return WRV_OK;
-    if (cause.empty())
-        cause = UCM_LastErrorText();
-    *message = "The value was not written" + (cause.empty() ? "" : ": " + cause) + ".";
-    return result;
-}
-
 void SetBits(LItem *item, uint64_t bits)
 {
     item->value = static_cast<uint32_t>(bits);
@@ -84,8 +79,19 @@ int SendText(const LItem &item, const std::string &text, uint64_t *bits, std::st
         *message = "The value was not written: its last byte lies beyond the target's memory.";
         return WRV_ERR_ADDRESS;
     }
-    const int result = WRV_Parse(item, text, bits, message);
-    return result == WRV_OK ? WriteBits(item, *bits, message) : result;
+    const int parsed = WRV_Parse(item, text, bits, message);
+    if (parsed != WRV_OK)
+        return parsed;
+    std::string cause;
+    const int result = LIT_IsTMS(item) ? WriteTMS(item, static_cast<uint32_t>(*bits), &cause)
+                                       : WriteC166(item, *bits);
+    if (result == WRV_OK)
+        return WRV_OK;
+    // The mailbox names its own causes; those of a message are the communication layer's.
+    if (cause.empty())
+        cause = UCM_LastErrorText();
+    *message = "The value was not written" + (cause.empty() ? "" : ": " + cause) + ".";
+    return result;
 }
 
 // The outcome once the item holds what was read back, or why it could not be.
@@ -97,6 +103,7 @@ int Compare(const LItem &item, uint64_t bits, bool isRead, const std::string &re
         return WRV_ERR_READ_BACK;
     }
     const std::string held = WRV_ValueText(item);
+    // A byte that was not written is the target's own business.
     if ((LIT_Bits(item) & MaskOfWritten(item)) == bits) {
         *message = "Written. The target holds " + held + ".";
         return WRV_OK;
@@ -116,14 +123,13 @@ std::string WRV_ValueText(const LItem &item)
         shown.type = row->writtenAs; // of a rate the value, not how fast it changes
     std::string text;
     FormatLItemVal(&text, shown);
-    const size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin);
+    return WRD_Trim(text);
 }
 
 std::string WRV_Hint(const LItem &item)
 {
     const VTY_Row *row = VTY_Find(item.type);
-    return row ? std::string(row->form) + "; " + row->range(item) : "";
+    return row ? std::string(row->form) + "; " + RangeText(*row, item) : "";
 }
 
 int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::string *message)
@@ -132,7 +138,7 @@ int WRV_Parse(const LItem &item, const std::string &text, uint64_t *bits, std::s
     const std::string value = PRS_Normal(text);
     const int result = !row || value.empty() ? WRV_ERR_TEXT : row->parse(item, value, bits);
     if (result == WRV_ERR_RANGE)
-        *message = "'" + text + "' is out of range: " + row->range(item) + ".";
+        *message = "'" + text + "' is out of range: " + RangeText(*row, item) + ".";
     else if (result == WRV_ERR_TEXT)
         *message = "'" + text + "' is not a value of this item: " + WRV_Hint(item) + ".";
     return result;

@@ -1,10 +1,11 @@
+// What is typed is parsed at every key (EDT_Parse), so that the window says where the item
+// would be, and what is wrong, before it is added.
 #include "watch/windows/item_panel.h"
-
-#include <cstdio>
 
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
@@ -18,7 +19,7 @@ constexpr int PANEL = PANEL_ITEM;
 const char ANY_TYPE[] = "u4"; // where only the place counts
 
 bool isTypeChosen = false; // by the user: the name no longer suggests one
-bool isAdding = true;
+bool isAdding = true;      // else `edited` is changed
 EDT_Reference edited;
 
 struct PositionRow {
@@ -45,6 +46,7 @@ int RingValue(int control)
     return value;
 }
 
+// The type field of the two rings. Where a type has one size the size ring says nothing.
 std::string TypeField()
 {
     const char type = static_cast<char>(RingValue(WITEM_TYPE));
@@ -53,6 +55,7 @@ std::string TypeField()
     return hasSize ? type + std::to_string(RingValue(WITEM_SIZE)) : std::string(1, type);
 }
 
+// When the window is opened for the first time.
 void FillRings()
 {
     int count = 0;
@@ -89,46 +92,40 @@ void ShowType(char type, int size)
     LimitSize();
 }
 
-void SuggestType()
-{
-    if (isTypeChosen)
-        return;
-    LItem item;
-    VTY_SetFromField(&item, EDT_SuggestType(TypedName()).c_str());
-    ShowType(item.type, item.size);
-}
-
 std::string PlaceText()
 {
     LItem item;
     if (TypedName().find_first_not_of(' ') == std::string::npos)
-        return ADR_HINT;
+        return ADR_HINT; // nothing typed is no error yet
     const int result = EDT_Parse(TypedName(), ANY_TYPE, &item);
     if (result != 0)
         return EDT_ErrorText(result);
     if (item.address == LITEM_NO_ADDRESS)
         return "No loaded map knows this name. The item stays without an address until one does.";
-    char text[96];
+    std::string text = WRD_Format("Address 0x%06X", item.address);
     if (LIT_IsTMS(item))
-        std::snprintf(text, sizeof text, "TMS320 word address 0x%X", item.address);
+        text = WRD_Format("TMS320 word address 0x%X", item.address);
     else if (IsWordAddressing(Procesor))
-        std::snprintf(text, sizeof text, "Word address 0x%06X%s (byte address 0x%06X)",
-                      item.address / 2, item.address % 2 ? ", upper half" : "", item.address);
-    else
-        std::snprintf(text, sizeof text, "Address 0x%06X", item.address);
+        text = WRD_Format("Word address 0x%06X%s (byte address 0x%06X)", item.address / 2,
+                          item.address % 2 ? ", upper half" : "", item.address);
     if (!LIT_HasAddress(item))
-        return std::string(text) + " is outside the target's memory.";
-    return item.station < 0 ? text : text + (" in station " + std::to_string(item.station));
+        return text + " is outside the target's memory.";
+    return item.station < 0 ? text : text + " in station " + std::to_string(item.station);
 }
 
 void NameChanged()
 {
     SetCtrlVal(PANEL, WITEM_PLACE, PlaceText());
-    SetCtrlVal(PANEL, WITEM_ERROR, "");
-    SuggestType();
+    SetCtrlVal(PANEL, WITEM_ERROR, ""); // it was about another text
+    if (!isTypeChosen) {
+        LItem item;
+        VTY_SetFromField(&item, EDT_SuggestType(TypedName()).c_str());
+        ShowType(item.type, item.size);
+    }
     LimitSize();
 }
 
+// One window for both: adding asks where, changing knows it.
 void Open(const std::string &name, const char *title, const char *button)
 {
     SetPanelAttribute(PANEL, ATTR_TITLE, title);
@@ -142,29 +139,24 @@ void Open(const std::string &name, const char *title, const char *button)
     SetActiveCtrl(PANEL, WITEM_NAME);
 }
 
-int AddPosition()
-{
-    const int position = RingValue(WITEM_POSITION);
-    if (nLItems == 0 || position == ITP_AT_END)
-        return EDT_AT_END;
-    return LSV_Selected() + (position == ITP_AFTER ? 1 : 0);
-}
-
 void Accept()
 {
-    const int result = isAdding ? EDT_AddText(TypedName(), TypeField(), AddPosition())
-                                : EDT_Change(EDT_Find(edited), TypedName(), TypeField());
+    int result;
+    if (isAdding) {
+        const int position = RingValue(WITEM_POSITION);
+        const bool isAtEnd = nLItems == 0 || position == ITP_AT_END;
+        const int selected = LSV_Selected() + (position == ITP_AFTER ? 1 : 0);
+        result = EDT_AddText(TypedName(), TypeField(), isAtEnd ? EDT_AT_END : selected);
+    } else { // wherever it stands by now; an item that is gone is a line that does not exist
+        result = EDT_Change(EDT_Find(edited), TypedName(), TypeField());
+    }
     if (result >= 0) {
         HidePanel(PANEL);
         return;
     }
+    // The window stays, with what was typed, and says why.
     SetCtrlVal(PANEL, WITEM_ERROR, EDT_ErrorText(result));
     SetActiveCtrl(PANEL, WITEM_NAME);
-}
-
-bool IsEnter(int event, int data)
-{
-    return event == EVENT_KEYPRESS && data == KEY_ENTER;
 }
 
 } // namespace
@@ -184,9 +176,9 @@ void ITP_OpenEdit(int index)
         return;
     FillRings();
     isAdding = false;
-    isTypeChosen = true;
+    isTypeChosen = true; // the item's own: a name that is corrected keeps it
     edited = EDT_Refer(index);
-    SetCtrlVal(PANEL, WITEM_NAME, edited.label);
+    SetCtrlVal(PANEL, WITEM_NAME, edited.label); // first: the sizes depend on it
     ShowType(aLItems[index].type, aLItems[index].size);
     Open(edited.label, "Edit watch item", "C__hange");
 }
@@ -215,29 +207,25 @@ int ITP_TypeCB(int panel, int control, int event, int data)
         SetCtrlVal(PANEL, WITEM_ERROR, "");
         LimitSize();
     }
-    return ITP_RingCB(panel, control, event, data);
+    return ITP_RingCB(panel, control, event, data); // Enter accepts, here as there
 }
 
 int ITP_RingCB(int /*panel*/, int /*control*/, int event, int data)
 {
-    if (!IsEnter(event, data))
+    if (event != EVENT_KEYPRESS || data != KEY_ENTER)
         return 0;
     Accept();
     return 1;
 }
 
-int ITP_OkCB(int /*panel*/, int /*control*/, int event, int data)
+int ITP_ButtonCB(int panel, int control, int event, int data)
 {
-    if (event != EVENT_COMMIT && !IsEnter(event, data))
+    // A click, or Enter while the button has the keyboard.
+    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
         return 0;
-    Accept();
-    return 1;
-}
-
-int ITP_CancelCB(int panel, int /*control*/, int event, int data)
-{
-    if (event != EVENT_COMMIT && !IsEnter(event, data))
-        return 0;
-    HidePanel(panel);
+    if (control == WITEM_OK)
+        Accept();
+    else
+        HidePanel(panel);
     return 1;
 }

@@ -13,7 +13,6 @@ int ITP_PanelCB(int panel, int event, int data);
 int ITP_NameCB(int panel, int control, int event, int data);
 int ITP_TypeCB(int panel, int control, int event, int data);
 int ITP_RingCB(int panel, int control, int event, int data);
-int ITP_OkCB(int panel, int control, int event, int data);
-int ITP_CancelCB(int panel, int control, int event, int data);
+int ITP_ButtonCB(int panel, int control, int event, int data);
 
 #endif

@@ -1,3 +1,5 @@
+// One map is remembered by name, that of the selected processor: it is read again by key, and
+// saved in the settings. What a load says stands in the message area until the map changes.
 #include "watch/windows/map_loading.h"
 
 #include <cstdio>
@@ -24,20 +26,12 @@ struct MapKind {
 };
 const MapKind mapKinds[] = {{"*.m66", "Open C166 map-file", map2node},
                             {"*.m28xt", "Open C28x map-file", TMSmap2node}};
+// An archive carries a map among other files of a project.
 const char MAP_TYPES[] = "*.m66;*.map;*.m28xt;*.qar";
 
 int ModeOfProcessor()
 {
     return IsWordAddressing(Procesor) ? LOADMAP_TMS : LOADMAP_C166;
-}
-
-bool CanOpen(const std::string &path)
-{
-    std::FILE *file = nullptr;
-    const bool isGood = PLF_Open(path, PLF_ANY_SIZE, &file) == PLF_OK;
-    if (isGood)
-        std::fclose(file);
-    return isGood;
 }
 
 // Splits a remembered path into the dialog's folder and file; a bare name or none stays
@@ -73,10 +67,8 @@ int GetFileStamp(std::string *text, const char *fileName)
     PLT_FileStamp stamp;
     if (PLT_GetFileStamp(fileName, &stamp) != 0)
         return -1;
-    char buffer[80];
-    std::snprintf(buffer, sizeof buffer, "%4d-%02d-%02d/%02d:%02d:%02d", stamp.year, stamp.month,
-                  stamp.day, stamp.hour, stamp.minute, stamp.second);
-    *text = buffer;
+    *text = WRD_Format("%4d-%02d-%02d/%02d:%02d:%02d", stamp.year, stamp.month, stamp.day,
+                       stamp.hour, stamp.minute, stamp.second);
     return 0;
 }
 
@@ -107,8 +99,13 @@ int LoadMap(int mode)
     const bool isTMS = (mode & LOADMAP_TMS) != 0;
     const MapKind &kind = mapKinds[isTMS ? 1 : 0];
     std::string path = szMapFileName;
-    const bool reload = (mode & LOADMAP_RELOAD) != 0 && CanOpen(path);
-    if (!reload && !AskForMap(kind, &path))
+    // A file that is not there any more is asked for, as if none had been remembered.
+    std::FILE *file = nullptr;
+    const bool isReload =
+        (mode & LOADMAP_RELOAD) != 0 && PLF_Open(path, PLF_ANY_SIZE, &file) == PLF_OK;
+    if (file != nullptr)
+        std::fclose(file);
+    if (!isReload && !AskForMap(kind, &path))
         return -1;
     MWN_Outdate(MWN_MAP);
     const int result = kind.load(path.c_str());
@@ -126,7 +123,7 @@ int LoadMap(int mode)
 
 int LoadFlash()
 {
-    VR_ComRequest();
+    VR_ComRequest(); // whatever the answer: without communication the read says why it fails
     MWN_Outdate(MWN_MAP);
     const int result = fl2node(FLASH_AT_END);
     SetMainPanelAttributes();

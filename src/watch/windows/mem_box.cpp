@@ -1,5 +1,5 @@
-// The memory box under the watch list: bytes or typed items of the C166's memory, or
-// words of the TMS320's through the mailbox.
+// The box is text, written anew at each reading: bytes or typed items of the C166's memory, or
+// words of the TMS320's through the mailbox. Its text for other programs is cut out of that.
 #include "watch/windows/mem_box.h"
 
 #include <cctype>
@@ -30,9 +30,15 @@ namespace {
 
 constexpr int ROWS = 4;
 constexpr int ROW_BYTES = 16;
-constexpr int TYPED_ITEMS = 8;
+constexpr int TYPED_ITEMS = 8; // two beside one another
 constexpr int TMS_WORDS = 4;
 constexpr int LINE_CHARS = 160;
+// A raw line: "00001f00( +0):  01 02 ... 10  characters", the characters at a fixed place
+// because they may be blanks themselves.
+constexpr size_t RAW_BYTES_AT = 15;
+constexpr size_t RAW_BYTES_CHARS = ROW_BYTES * 3;
+constexpr size_t RAW_TEXT_AT = RAW_BYTES_AT + RAW_BYTES_CHARS + 2;
+constexpr size_t RAW_CHARS = RAW_TEXT_AT + ROW_BYTES;
 const char OUT_OF_RANGE[] = "The address is outside the target's memory.";
 
 void AppendFormat(std::string *text, const char *format, ...) __attribute__((format(printf, 2, 3)));
@@ -60,8 +66,6 @@ int Failed(int result, const std::string &cause)
     return result;
 }
 
-// --- the place ----------------------------------------------------------------------------
-
 int typedStation = -1; // in front of the address that is being read, -1 = the selected one
 
 enum Memory { BY_SELECTED_ITEM, OF_C166, OF_TMS };
@@ -74,15 +78,6 @@ struct Place {
     Memory memory = BY_SELECTED_ITEM;
 };
 
-bool IsBareNumber(const std::string &text)
-{
-    if (text.find_first_not_of("0123456789abcdefABCDEF") != std::string::npos)
-        return false;
-    // A name of the map that could be one is the name: nobody writes "ADC" for 0xADC then.
-    const bool isLikeName = std::isdigit(static_cast<unsigned char>(text[0])) == 0;
-    return !isLikeName || GetSysAddrWk(text.c_str()) == ADDR_NONE;
-}
-
 // "" and the place, or why there is none.
 std::string FindPlace(const std::string &text, Place *place)
 {
@@ -93,8 +88,12 @@ std::string FindPlace(const std::string &text, Place *place)
     const std::string what = WRD_Trim(cursor);
     if (what.empty())
         return "An address or a name is missing behind the station.";
-    if (IsBareNumber(what)) {
+    // A name of the map that could be a number is the name: nobody writes "ADC" for 0xADC then.
+    const bool isHex = what.find_first_not_of("0123456789abcdefABCDEF") == std::string::npos;
+    const bool isLikeName = std::isdigit(static_cast<unsigned char>(what[0])) == 0;
+    if (isHex && (!isLikeName || GetSysAddrWk(what.c_str()) == ADDR_NONE)) {
         const unsigned long long number = std::strtoull(what.c_str(), nullptr, 16);
+        // One beyond the target stays there, for the read to refuse.
         place->address = number > ADDR_LIMIT ? ADDR_LIMIT : static_cast<uint32_t>(number);
         return "";
     }
@@ -148,21 +147,17 @@ std::string TypedValue(const uint8_t *bytes)
     return text;
 }
 
-std::string TypedHeader()
-{
-    const VTY_Row *row = VTY_Find(cMemBoxType);
-    if (row == nullptr || row->plainForm == 'f') // a float's size is no news
-        return " float:\n ------------";
-    return std::string(" ") + row->memoryLabel + " " + std::to_string(nMemBoxItmSz) +
-           "B\n ------------";
-}
-
 std::string TypedText(uint32_t address, const uint8_t *bytes)
 {
     const bool isFloat = cMemBoxType == 'f';
-    std::string text = TypedHeader();
+    const VTY_Row *row = VTY_Find(cMemBoxType);
+    std::string text = " float:\n ------------"; // a float's size is no news
+    if (row != nullptr && row->plainForm != 'f')
+        text = std::string(" ") + row->memoryLabel + " " + std::to_string(nMemBoxItmSz) +
+               "B\n ------------";
     for (int item = 0; item < TYPED_ITEMS / 2; ++item) {
         for (int side = 0; side < 2; ++side) {
+            // Items count down the left side first.
             const int offset = (item + side * TYPED_ITEMS / 2) * nMemBoxItmSz;
             text += side == 0 ? "\n " : isFloat ? "   " : "       ";
             AppendFormat(&text, isFloat ? "%06lx(%+3i): " : "%06lx (%+3i):   ",
@@ -186,12 +181,32 @@ std::string WordsText(uint32_t address, const uint32_t *words)
     return text;
 }
 
+// Typed memory is shown as the selected item is; without one as the last one was.
 void UseItemType(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
     cMemBoxType = aLItems[index].type;
     nMemBoxItmSz = aLItems[index].size;
+}
+
+// A line of typed or TMS320 memory as cells: two blanks or a bar part two columns, one blank is
+// part of a heading.
+std::string ColumnRow(const std::string &line)
+{
+    std::string row;
+    size_t blanks = 0;
+    for (const char c : line) {
+        if (c == ' ' || c == '|') {
+            blanks += c == '|' ? 2 : 1;
+            continue;
+        }
+        if (!row.empty() && blanks > 0)
+            row += blanks > 1 ? '\t' : ' ';
+        row += c;
+        blanks = 0;
+    }
+    return row;
 }
 
 } // namespace
@@ -210,6 +225,7 @@ int read166Memory(uint32_t address)
     int isTyped = 0;
     GetCtrlVal(mainPanel, MAIN_MEM_TYPED, &isTyped);
     SetCtrlVal(mainPanel, MAIN_MEM_MODE, 0);
+    // Eight items of eight bytes are no more than the four raw rows.
     uint8_t bytes[ROWS * ROW_BYTES];
     const uint32_t count = isTyped ? static_cast<uint32_t>(TYPED_ITEMS * nMemBoxItmSz)
                                    : static_cast<uint32_t>(sizeof bytes);
@@ -243,7 +259,7 @@ void MBX_Update(int selected)
     std::string text;
     GetCtrlVal(mainPanel, MAIN_MEM_ADDR, &text);
     text = WRD_Trim(text);
-    if (text.empty())
+    if (text.empty()) // switched on, but nothing to show yet: no error
         return;
     ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
     Place place;
@@ -252,7 +268,7 @@ void MBX_Update(int selected)
         Print("\n " + refusal);
         return;
     }
-    typedStation = place.station;
+    typedStation = place.station; // for this reading only
     if (place.memory == BY_SELECTED_ITEM) {
         ReadMemory(place.address, selected);
     } else if (place.memory == OF_TMS) {
@@ -272,6 +288,7 @@ void MBX_ShowOld()
 
 int MBX_PlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
+    // What stands there is of another place, or in another form, until the read below.
     if (event == EVENT_VAL_CHANGED || event == EVENT_COMMIT)
         MBX_ShowOld();
     if (event == EVENT_COMMIT && isTimer && nLItems > 0)
@@ -279,61 +296,24 @@ int MBX_PlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-namespace {
-
-// A raw line: "00001f00( +0):  01 02 ... 10  characters", the characters at a fixed place
-// because they may be blanks themselves.
-constexpr size_t RAW_BYTES_AT = 15;
-constexpr size_t RAW_BYTES_CHARS = 16 * 3;
-constexpr size_t RAW_TEXT_AT = RAW_BYTES_AT + RAW_BYTES_CHARS + 2;
-constexpr size_t RAW_CHARS = RAW_TEXT_AT + 16;
-
-bool IsRaw(const std::string &line)
-{
-    return line.size() == RAW_CHARS && line[8] == '(';
-}
-
-std::string RawRow(const std::string &line)
-{
-    std::string row = line.substr(0, RAW_BYTES_AT - 1);
-    for (size_t at = RAW_BYTES_AT; at < RAW_TEXT_AT - 2; at += 3)
-        row += '\t' + line.substr(at + 1, 2);
-    return row + '\t' + line.substr(RAW_TEXT_AT);
-}
-
-bool IsRule(const std::string &line)
-{
-    return line.find("---") != std::string::npos;
-}
-
-std::string ColumnRow(const std::string &line)
-{
-    std::string row;
-    size_t blanks = 0;
-    for (const char c : line) {
-        if (c == ' ' || c == '|') {
-            blanks += c == '|' ? 2 : 1;
-            continue;
-        }
-        if (!row.empty() && blanks > 0)
-            row += blanks > 1 ? '\t' : ' ';
-        row += c;
-        blanks = 0;
-    }
-    return row;
-}
-
-} // namespace
-
 std::string MBX_TabbedText()
 {
     int count = 0;
     GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &count);
     std::string text, line;
     for (int i = 0; i < count; ++i) {
-        if (GetTextBoxLine(mainPanel, MAIN_MEM_BOX, i, &line) < 0 || IsRule(line))
+        if (GetTextBoxLine(mainPanel, MAIN_MEM_BOX, i, &line) < 0 ||
+            line.find("---") != std::string::npos) // the rule under a heading
             continue;
-        const std::string row = IsRaw(line) ? RawRow(line) : ColumnRow(line);
+        std::string row;
+        if (line.size() == RAW_CHARS && line[8] == '(') {
+            row = line.substr(0, RAW_BYTES_AT - 1);
+            for (size_t at = RAW_BYTES_AT; at < RAW_TEXT_AT - 2; at += 3)
+                row += '\t' + line.substr(at + 1, 2);
+            row += '\t' + line.substr(RAW_TEXT_AT);
+        } else {
+            row = ColumnRow(line);
+        }
         text += row.empty() ? "" : row + '\n';
     }
     return text;

@@ -1,10 +1,8 @@
-// The memory editor: a range of bytes as lines of sixteen. The bytes of the selected line
-// can be changed; only those that differ from what was read are written, then read back
-// and compared. It owns the bytes of the range as last read.
+// The memory editor's window: a range of bytes as lines of sixteen, of which the selected one
+// can be changed; what happened is said below. It owns the bytes of the range as last read.
 #ifndef WATCH_WINDOWS_MEMORY_PANEL_H
 #define WATCH_WINDOWS_MEMORY_PANEL_H
 
-constexpr int MEMORY_BYTES_MAX = 1024;
 constexpr int MEMORY_LINE_BYTES = 16;
 
 // Opens the window at the address of a watch item (-1 = at what was shown before), and
@@ -17,11 +15,8 @@ void MMP_ShowOld();
 int MMP_PanelCB(int panel, int event, int data);
 int MMP_AddressCB(int panel, int control, int event, int data);
 int MMP_CountCB(int panel, int control, int event, int data);
-int MMP_ReadCB(int panel, int control, int event, int data);
+int MMP_ButtonCB(int panel, int control, int event, int data);
 int MMP_ListCB(int panel, int control, int event, int data);
 int MMP_LineCB(int panel, int control, int event, int data);
-int MMP_WriteCB(int panel, int control, int event, int data);
-int MMP_CopyCB(int panel, int control, int event, int data);
-int MMP_CloseCB(int panel, int control, int event, int data);
 
 #endif

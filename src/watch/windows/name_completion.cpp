@@ -1,3 +1,4 @@
+// The tables are sorted with regard to case and searched without, so each is gone through whole.
 #include "watch/windows/name_completion.h"
 
 #include <algorithm>
@@ -31,22 +32,11 @@ void AddNames(const VarNode *table, int count, const std::string &start,
     }
 }
 
-void Collect(const std::string &start, bool isTMS, std::vector<std::string> *names)
-{
-    if (isTMS) {
-        AddNames(aVarTMSNode, nTMSNodes, start, names);
-    } else if (start.find_first_of(".[") != std::string::npos) {
-        AddNames(TMF_paSVNode, TMF_cnSVNode, start, names);
-    } else {
-        AddNames(aVarNode, nNodes, start, names);
-        AddNames(aVarNode166, nNodes166, start, names);
-    }
-}
-
 } // namespace
 
 std::vector<std::string> NCM_Complete(const std::string &typed)
 {
+    // Station and "&" say where to look and stay as they were typed.
     const char *rest = typed.c_str();
     GetStationModifier(&rest);
     while (*rest == ' ')
@@ -55,8 +45,17 @@ std::vector<std::string> NCM_Complete(const std::string &typed)
     const std::string start = rest + isTMS;
     const std::string prefix = typed.substr(0, typed.size() - start.size());
     std::vector<std::string> names;
-    if (!start.empty())
-        Collect(start, isTMS, &names);
+    if (start.empty()) // everything would be no help
+        return names;
+    if (isTMS) {
+        AddNames(aVarTMSNode, nTMSNodes, start, &names);
+    } else if (start.find_first_of(".[") != std::string::npos) {
+        AddNames(TMF_paSVNode, TMF_cnSVNode, start, &names);
+    } else {
+        AddNames(aVarNode, nNodes, start, &names);
+        AddNames(aVarNode166, nNodes166, start, &names);
+    }
+    // A map's variable may have a register's name.
     std::sort(names.begin(), names.end());
     names.erase(std::unique(names.begin(), names.end()), names.end());
     if (names.size() > COMPLETIONS_MAX)

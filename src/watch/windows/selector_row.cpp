@@ -1,28 +1,22 @@
 #include "watch/windows/selector_row.h"
 
-#include <cstdio>
-
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "symbols/typemap_list.h"
+#include "text/words.h"
 #include "watch/list/edit.h"
 #include "watch/list/litem.h"
 
 std::string SEL_AddressText(uint32_t address)
 {
-    const bool isWord = IsWordAddressing(Procesor);
-    char text[24];
-    std::snprintf(text, sizeof text, "%06X%s", isWord ? address / 2 : address,
-                  isWord && address % 2 != 0 ? ".hi" : "");
-    return text;
+    if (!IsWordAddressing(Procesor))
+        return WRD_Format("%06X", address);
+    return WRD_Format("%06X%s", address / 2, address % 2 != 0 ? ".hi" : ""); // half of a word
 }
 
 std::string SEL_SizeText(int size)
 {
-    char text[16] = "";
-    if (size > 0)
-        std::snprintf(text, sizeof text, "%6d", size);
-    return text;
+    return size > 0 ? WRD_Format("%6d", size) : "";
 }
 
 std::string SEL_Column(int pixel, const std::string &text)
@@ -36,7 +30,7 @@ std::string SEL_TypeField(const std::string &expression)
     int size = 0;
     if (TMF_SuggestItem(expression.c_str(), &type, &size) != 0)
         return "";
-    return type == 'f' ? "f" : type + std::to_string(size);
+    return type == 'f' ? "f" : type + std::to_string(size); // as the user would write it
 }
 
 bool SEL_CanWatch(const TMF_ListRow &row)
@@ -61,6 +55,7 @@ std::string SEL_Describe(const TMF_ListRow &row)
 
 void SEL_AddToWatch(const std::string &expression, int panel, int messageControl)
 {
+    // By name: whatever an expression looks like, it came out of a table of names.
     const int line = EDT_AddByName(expression, SEL_TypeField(expression), EDT_AT_END);
     if (line < 0) {
         SetCtrlVal(panel, messageControl, EDT_ErrorText(line));

@@ -2,7 +2,6 @@
 // time, named by a path. Enter goes a level down, Backspace a level up; the path field
 // takes any expression. The top level, with an empty path, lists what has parts.
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <vector>
 
@@ -12,6 +11,7 @@
 #include "symbols/typemap_list.h"
 #include "symbols/varexpr.h"
 #include "symbols/varnode.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/windows/selector_row.h"
 #include "watch/windows/selectors.h"
@@ -40,45 +40,21 @@ size_t LastSelection(const std::string &path)
     return path.find_last_of(".[");
 }
 
-std::string ParentOf(const std::string &path)
-{
-    const size_t at = LastSelection(path);
-    return at == std::string::npos ? "" : path.substr(0, at);
-}
-
-std::string LastPart(const std::string &path)
-{
-    const size_t at = LastSelection(path);
-    return at == std::string::npos ? path : path.substr(path[at] == '.' ? at + 1 : at);
-}
-
-// First element of the page on which a path's last index stands.
-uint32_t PageOf(const std::string &path)
-{
-    const size_t at = LastSelection(path);
-    if (at == std::string::npos || path[at] != '[')
-        return 0;
-    const auto index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
-    return index - index % TMF_LIST_ELEMENTS_MAX;
-}
-
-std::vector<TMF_ListRow> VariablesWithParts()
-{
-    std::vector<TMF_ListRow> rows = TMF_ListVariables("");
-    rows.erase(std::remove_if(rows.begin(), rows.end(),
-                              [](const TMF_ListRow &row) { return !row.hasParts; }),
-               rows.end());
-    return rows;
-}
-
 // False, and *built as it was, when the path has no parts.
 bool BuildLevel(const std::string &path, uint32_t first, Level *built)
 {
     Level next;
     next.path = path;
-    next.rows = path.empty() ? VariablesWithParts() : TMF_ListParts(path.c_str(), first);
-    if (next.rows.empty() && !path.empty())
-        return false;
+    if (path.empty()) {
+        next.rows = TMF_ListVariables("");
+        next.rows.erase(std::remove_if(next.rows.begin(), next.rows.end(),
+                                       [](const TMF_ListRow &row) { return !row.hasParts; }),
+                        next.rows.end());
+    } else {
+        next.rows = TMF_ListParts(path.c_str(), first);
+        if (next.rows.empty())
+            return false;
+    }
     uint32_t chain[TMF_CHAIN_SIZE];
     uint32_t offset = 0, stride = 0;
     if (TMF_GetEfType(path.c_str(), chain, &offset) == 0 &&
@@ -95,11 +71,13 @@ bool BuildLevel(const std::string &path, uint32_t first, Level *built)
 
 std::string RowLabel(const TMF_ListRow &row, uint32_t start)
 {
-    char offset[16] = "";
+    // The last part of its path, ".member" without the dot and "[3]" with its brackets.
+    const size_t at = LastSelection(row.expression);
+    const size_t begin = at == std::string::npos ? 0 : row.expression[at] == '.' ? at + 1 : at;
     const uint32_t unit = IsWordAddressing(Procesor) ? 2 : 1; // as addresses are shown
-    if (!level.path.empty())
-        std::snprintf(offset, sizeof offset, "+0x%X", (row.address - start) / unit);
-    return LastPart(row.expression) + SEL_Column(OFFSET_COLUMN, offset) +
+    const std::string offset =
+        level.path.empty() ? "" : WRD_Format("+0x%X", (row.address - start) / unit);
+    return row.expression.substr(begin) + SEL_Column(OFFSET_COLUMN, offset) +
            SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
            SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
            SEL_Column(DECLARATION_COLUMN, row.declaration);
@@ -147,10 +125,9 @@ void ShowRange()
 // Shows `level` with the row of an expression, else the first one, selected.
 void ShowLevel(const std::string &selected)
 {
-    const uint32_t start = inStruct(level.path.c_str(), aVarNode, nNodes);
+    const uint32_t origin = level.path.empty() ? 0 : inStruct(level.path.c_str(), aVarNode, nNodes);
     SetCtrlVal(PANEL, STRSEL_PATH, level.path);
     ClearListCtrl(PANEL, STRSEL_LIST);
-    const uint32_t origin = level.path.empty() ? 0 : start;
     int line = 0;
     for (size_t i = 0; i < level.rows.size(); ++i) {
         const int at = static_cast<int>(i);
@@ -160,7 +137,7 @@ void ShowLevel(const std::string &selected)
     }
     if (!level.rows.empty()) {
         SetCtrlIndex(PANEL, STRSEL_LIST, line);
-        if (line == 0)
+        if (line == 0) // another level: the scroll of the one before means nothing
             SetCtrlAttribute(PANEL, STRSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
     ShowRange();
@@ -175,26 +152,35 @@ bool ShowPath(const std::string &path, uint32_t first, const std::string &select
     return true;
 }
 
+// Shows the level that a path stands on, with the path selected: of an array the page on which
+// its index is.
+bool ShowLevelOf(const std::string &path)
+{
+    const size_t at = LastSelection(path);
+    if (at == std::string::npos)
+        return ShowPath("", 0, path);
+    uint32_t index = 0;
+    if (path[at] == '[')
+        index = static_cast<uint32_t>(std::strtoul(path.c_str() + at + 1, nullptr, 0));
+    return ShowPath(path.substr(0, at), index - index % TMF_LIST_ELEMENTS_MAX, path);
+}
+
 void GoUp()
 {
-    const std::string from = level.path;
-    if (!from.empty())
-        ShowPath(ParentOf(from), PageOf(from), from);
+    if (!level.path.empty())
+        ShowLevelOf(std::string(level.path)); // a copy: showing a level sets it
 }
 
 // What a user typed: a level, or a plain member, which is then selected on its level.
 bool GoTo(const std::string &text)
 {
-    const size_t begin = text.find_first_not_of(' ');
-    const std::string path = begin == std::string::npos
-                                 ? ""
-                                 : text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+    const std::string path = WRD_Trim(text);
     if (ShowPath(path, 0, ""))
         return true;
     uint32_t offset = 0;
     const bool isMember = LastSelection(path) != std::string::npos &&
                           TMF_GetEfType(path.c_str(), nullptr, &offset) == 0;
-    if (isMember && ShowPath(ParentOf(path), PageOf(path), path))
+    if (isMember && ShowLevelOf(path))
         return true;
     SetCtrlVal(PANEL, STRSEL_DETAIL, "No structure or array has this name: " + path);
     return false;
@@ -204,22 +190,13 @@ void OpenSelected()
 {
     const TMF_ListRow *row = SelectedRow();
     if (row != nullptr && row->hasParts)
-        ShowPath(std::string(row->expression), 0, "");
+        ShowPath(std::string(row->expression), 0, ""); // a copy: the row goes with its level
 }
 
 void AddSelected()
 {
     if (const TMF_ListRow *row = SelectedRow())
         SEL_AddToWatch(row->expression, PANEL, STRSEL_DETAIL);
-}
-
-void OpenOrAdd()
-{
-    const TMF_ListRow *row = SelectedRow();
-    if (row != nullptr && row->hasParts)
-        OpenSelected();
-    else
-        AddSelected();
 }
 
 void CopySelected()
@@ -261,6 +238,7 @@ template <size_t N> int ActOn(const ActionRow (&rows)[N], int code)
 
 void TMF_CreateStructSelector()
 {
+    // The path may name nothing any more, or an array that is shorter now.
     const TMF_ListRow *row = SelectedRow();
     const std::string selected = row != nullptr ? row->expression : "";
     if (!ShowPath(std::string(level.path), level.first, selected))
@@ -310,8 +288,14 @@ int SSL_ListCB(int, int, int event, int data)
         return ActOn(LIST_KEYS, data);
     if (event == EVENT_VAL_CHANGED)
         ShowSelected();
-    else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK)
-        OpenOrAdd();
+    if (event != EVENT_COMMIT && event != EVENT_LEFT_DOUBLE_CLICK)
+        return 0;
+    // Enter goes on down as long as there is a level, and adds where there is none.
+    const TMF_ListRow *row = SelectedRow();
+    if (row != nullptr && row->hasParts)
+        OpenSelected();
+    else
+        AddSelected();
     return 0;
 }
 

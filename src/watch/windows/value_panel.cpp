@@ -1,18 +1,18 @@
+// The window holds no item but a reference to one: each time something is shown or done it is
+// looked up again, for the list may have been edited meanwhile.
 #include "watch/windows/value_panel.h"
-
-#include <cstdio>
 
 #include "comm/communication.h"
 #include "comm/sysaddr.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
+#include "text/words.h"
 #include "ui/resource.h"
 #include "watch/list/age.h"
 #include "watch/list/edit.h"
 #include "watch/list/list_view.h"
 #include "watch/list/litem.h"
 #include "watch/list/read_item.h"
-#include "watch/value/value_forms.h"
 #include "watch/value/value_types.h"
 #include "watch/value/write_value.h"
 #include "watch/windows/outcome_colors.h"
@@ -22,7 +22,7 @@ namespace {
 constexpr int PANEL = PANEL_VALUE;
 const char ITEM_GONE[] = "The item is no longer in the watch list.";
 
-EDT_Reference shown;
+EDT_Reference shown; // the item that the window is about
 
 struct OutcomeRow {
     int result; // of WRV_Write
@@ -35,6 +35,7 @@ const OutcomeRow outcomeRows[] = {
     {WRV_ERR_READ_BACK, "NOT VERIFIED: ", COLOR_WARN},
     {WRV_ERR_WRITE, "FAILED: ", COLOR_BAD},
 };
+// Everything else was refused before anything was sent.
 const OutcomeRow refusedRow = {WRV_ERR_TEXT, "REFUSED: ", COLOR_BAD};
 
 const OutcomeRow &OutcomeOf(int result)
@@ -61,44 +62,29 @@ bool IsOpen()
 int CurrentIndex()
 {
     const int index = EDT_Find(shown);
+    if (index < 0) {
+        ShowOutcome(ITEM_GONE, COLOR_BAD);
+        return index;
+    }
+    // It may come back: by undo, or with a list that is loaded again.
     std::string said;
     GetCtrlVal(PANEL, VALUE_RESULT, &said);
-    if (index < 0)
-        ShowOutcome(ITEM_GONE, COLOR_BAD);
-    else if (said == ITEM_GONE)
+    if (said == ITEM_GONE)
         ShowOutcome("", COLOR_PLAIN);
-    if (index >= 0)
-        shown.index = index;
+    shown.index = index;
     return index;
 }
 
 std::string AddressText(const LItem &item)
 {
-    char text[80];
     if (item.address == LITEM_NO_ADDRESS)
         return RDI_NOT_RESOLVED;
     if (LIT_IsTMS(item))
-        std::snprintf(text, sizeof text, "0x%X, a word address of the TMS320", item.address);
-    else if (IsWordAddressing(Procesor))
-        std::snprintf(text, sizeof text, "word 0x%06X%s (byte address 0x%06X)", item.address / 2,
+        return WRD_Format("0x%X, a word address of the TMS320", item.address);
+    if (!IsWordAddressing(Procesor))
+        return WRD_Format("0x%06X", item.address);
+    return WRD_Format("word 0x%06X%s (byte address 0x%06X)", item.address / 2,
                       item.address % 2 ? ", upper half" : "", item.address);
-    else
-        std::snprintf(text, sizeof text, "0x%06X", item.address);
-    return text;
-}
-
-std::string StationText(const LItem &item)
-{
-    if (item.station >= 0 && item.station <= STATION_MAX)
-        return std::to_string(item.station);
-    return std::to_string(STATION) + " (the selected one)";
-}
-
-std::string TypeText(const LItem &item)
-{
-    const VTY_Row *row = VTY_Find(item.type);
-    return std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
-           (item.size == 1 ? " byte" : " bytes");
 }
 
 // As the list shows it, or why it cannot.
@@ -106,19 +92,12 @@ std::string ListText(const LItem &item)
 {
     if (!item.isValueGood)
         return item.reason.empty() ? "not read yet" : item.reason;
+    // Its bits are known, but not how fast they change.
     if (!LIT_HasNumber(item))
         return "a rate takes two reads";
     std::string text;
     FormatLItemVal(&text, item);
-    const size_t begin = text.find_first_not_of(' ');
-    return begin == std::string::npos ? "" : text.substr(begin);
-}
-
-int ColorOf(const LItem &item)
-{
-    if (!item.isValueGood)
-        return item.reason.empty() ? COLOR_OLD : COLOR_BAD;
-    return AGE_IsOld(item) || !LIT_HasNumber(item) ? COLOR_OLD : COLOR_PLAIN;
+    return WRD_Trim(text);
 }
 
 // Goes over the screen four times a second: what is the same stays untouched.
@@ -131,36 +110,37 @@ void SetText(int control, const std::string &text)
 
 void ShowItem(const LItem &item)
 {
+    const VTY_Row *row = VTY_Find(item.type);
+    const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
     SetText(VALUE_NAME, LIT_Label(item));
     SetText(VALUE_ADDRESS, AddressText(item));
-    SetText(VALUE_STATION, StationText(item));
-    SetText(VALUE_TYPE, TypeText(item));
+    SetText(VALUE_STATION,
+            std::to_string(LIT_Station(item)) + (hasStation ? "" : " (the selected one)"));
+    SetText(VALUE_TYPE, std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
+                            (item.size == 1 ? " byte" : " bytes"));
     SetText(VALUE_SHOWN, ListText(item));
     SetText(VALUE_DECIMAL, VFM_Decimal(item));
     SetText(VALUE_HEX, VFM_Hex(item));
     SetText(VALUE_BINARY, VFM_Binary(item));
     SetText(VALUE_FLOAT, VFM_Float(item));
     SetText(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
-    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR, ColorOf(item));
+    // Red has failed, grey was not read yet or is no value of now.
+    int color = COLOR_PLAIN;
+    if (!item.isValueGood)
+        color = item.reason.empty() ? COLOR_OLD : COLOR_BAD;
+    else if (AGE_IsOld(item) || !LIT_HasNumber(item))
+        color = COLOR_OLD;
+    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR, color);
     SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TOOLTIP_TEXT, AGE_Tip(item));
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, !LIT_HasAddress(item));
-}
-
-void ShowGone()
-{
-    for (const int control :
-         {VALUE_SHOWN, VALUE_DECIMAL, VALUE_HEX, VALUE_BINARY, VALUE_FLOAT, VALUE_HINT})
-        SetText(control, "-");
-    for (const int control : {VALUE_READ, VALUE_WRITE})
-        SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
 
 // Reads the item and shows it; false when it could not be read.
 bool ReadItem(int index)
 {
     const bool isGood = RDI_ReadNow(index) == 0;
-    if (readLItems)
+    if (readLItems) // else the list shows names only so far
         LSV_ShowValues();
     VLP_Refresh();
     return isGood;
@@ -191,6 +171,7 @@ void WriteAndShow()
     GetCtrlVal(PANEL, VALUE_NEW, &text);
     uint64_t bits = 0;
     int result = WRV_Parse(aLItems[index], text, &bits, &message);
+    // Without an address the write itself refuses, and needs nobody's permission.
     if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
         ShowOutcome(std::string("REFUSED: The value was not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
@@ -202,11 +183,6 @@ void WriteAndShow()
     if (result == WRV_OK)
         SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
     SetActiveCtrl(PANEL, VALUE_NEW);
-}
-
-bool IsPressed(int event, int data)
-{
-    return event == EVENT_COMMIT || (event == EVENT_KEYPRESS && data == KEY_ENTER);
 }
 
 } // namespace
@@ -223,6 +199,7 @@ void VLP_Open(int index)
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     SetActiveCtrl(PANEL, VALUE_NEW);
+    // At once, for it may not be in view; but nobody is asked about communication for it.
     if (isTimer && LIT_HasAddress(aLItems[index]))
         ReadItem(index);
 }
@@ -232,10 +209,16 @@ void VLP_Refresh()
     if (!IsOpen())
         return;
     const int index = CurrentIndex();
-    if (index >= 0)
+    if (index >= 0) {
         ShowItem(aLItems[index]);
-    else
-        ShowGone();
+        return;
+    }
+    // Name and type of the item that is gone stay: they say what the window was about.
+    for (const int control :
+         {VALUE_SHOWN, VALUE_DECIMAL, VALUE_HEX, VALUE_BINARY, VALUE_FLOAT, VALUE_HINT})
+        SetText(control, "-");
+    for (const int control : {VALUE_READ, VALUE_WRITE})
+        SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
 
 int VLP_PanelCB(int panel, int event, int data)
@@ -253,27 +236,17 @@ int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int VLP_ReadCB(int /*panel*/, int /*control*/, int event, int data)
+int VLP_ButtonCB(int panel, int control, int event, int data)
 {
-    if (!IsPressed(event, data))
+    // A click, or Enter while the button has the keyboard.
+    if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
         return 0;
-    ReadAndShow();
-    return 1;
-}
-
-int VLP_WriteCB(int /*panel*/, int /*control*/, int event, int data)
-{
-    if (!IsPressed(event, data))
-        return 0;
-    WriteAndShow();
-    return 1;
-}
-
-int VLP_CloseCB(int panel, int /*control*/, int event, int data)
-{
-    if (!IsPressed(event, data))
-        return 0;
-    HidePanel(panel);
+    if (control == VALUE_READ)
+        ReadAndShow();
+    else if (control == VALUE_WRITE)
+        WriteAndShow();
+    else
+        HidePanel(panel);
     return 1;
 }
 
@@ -282,7 +255,7 @@ int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     if (event != EVENT_TIMER_TICK || !IsOpen() || !isTimer)
         return 0;
     const int index = EDT_Find(shown);
-    // The sweep reads only what is in view.
+    // The sweep reads only what is in view; what it reads is not asked for twice.
     const int first = LSV_FirstVisible();
     const bool isSwept = index >= first && index < first + LSV_LinesInView();
     if (index >= 0 && !isSwept && LIT_HasAddress(aLItems[index]))

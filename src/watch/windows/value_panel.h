@@ -11,9 +11,7 @@ void VLP_Refresh(); // shows the item as it is now; nothing when the window is n
 
 int VLP_PanelCB(int panel, int event, int data);
 int VLP_NewCB(int panel, int control, int event, int data);
-int VLP_ReadCB(int panel, int control, int event, int data);
-int VLP_WriteCB(int panel, int control, int event, int data);
-int VLP_CloseCB(int panel, int control, int event, int data);
+int VLP_ButtonCB(int panel, int control, int event, int data);
 int VLP_TimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -50,9 +50,13 @@ std::string LowerCase(std::string text)
     return text;
 }
 
-// "*" stands for any run of characters; on a mismatch the last one takes one more.
-bool IsGlobMatch(const char *pattern, const char *name)
+// Both in lower case. "*" stands for any run of characters; on a mismatch the last one takes one
+// more.
+bool IsFoldedMatch(const std::string &filter, const std::string &text)
 {
+    if (filter.find('*') == std::string::npos)
+        return text.find(filter) != std::string::npos;
+    const char *pattern = filter.c_str(), *name = text.c_str();
     const char *star = nullptr, *resume = nullptr;
     while (*name != '\0') {
         if (*pattern == '*') {
@@ -71,14 +75,6 @@ bool IsGlobMatch(const char *pattern, const char *name)
     while (*pattern == '*')
         ++pattern;
     return *pattern == '\0';
-}
-
-// Both in lower case.
-bool IsFoldedMatch(const std::string &filter, const std::string &name)
-{
-    if (filter.find('*') != std::string::npos)
-        return IsGlobMatch(filter.c_str(), name.c_str());
-    return name.find(filter) != std::string::npos;
 }
 
 const SourceRow &ChosenSource()
@@ -109,14 +105,14 @@ void CollectRows()
     case VSL_MAP:
         selector.rows = TMF_ListVariables("");
         break;
-    case VSL_REGISTERS:
+    case VSL_REGISTERS: // no type map knows these two
         AppendNodes(aVarNode166, nNodes166, "", &selector.rows);
         break;
     case VSL_TMS:
         AppendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
         break;
     }
-    selector.names.clear();
+    selector.names.clear(); // folded here once, and not at every key
     for (const TMF_ListRow &row : selector.rows)
         selector.names.push_back(LowerCase(row.expression));
     selector.isStale = false;
@@ -133,10 +129,16 @@ std::string RowLabel(const TMF_ListRow &row)
            SEL_Column(DECLARATION_COLUMN, hasType ? row.declaration : "");
 }
 
-const TMF_ListRow *SelectedRow()
+int SelectedLine()
 {
     int line = -1;
     GetCtrlIndex(PANEL, VARSEL_LIST, &line);
+    return line;
+}
+
+const TMF_ListRow *SelectedRow()
+{
+    const int line = SelectedLine();
     if (line < 0 || line >= static_cast<int>(selector.shown.size()))
         return nullptr;
     return &selector.rows[static_cast<size_t>(selector.shown[static_cast<size_t>(line)])];
@@ -177,7 +179,7 @@ void FillList()
     }
     if (!selector.shown.empty()) {
         SetCtrlIndex(PANEL, VARSEL_LIST, line);
-        if (line == 0)
+        if (line == 0) // another filter: the scroll of the one before means nothing
             SetCtrlAttribute(PANEL, VARSEL_LIST, ATTR_FIRST_VISIBLE_LINE, 0);
     }
     SetCtrlVal(PANEL, VARSEL_COUNT,
@@ -190,16 +192,6 @@ void SetFilter(const std::string &text)
 {
     SetCtrlVal(PANEL, VARSEL_FILTER, text);
     FillList();
-}
-
-void FillSources()
-{
-    int count = 0;
-    GetNumListItems(PANEL, VARSEL_SOURCE, &count);
-    if (count > 0)
-        return;
-    for (const SourceRow &row : SOURCES)
-        InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
 }
 
 void OpenMembers()
@@ -216,7 +208,7 @@ void AddSelected()
         return;
     if (SEL_CanWatch(*row))
         SEL_AddToWatch(row->expression, PANEL, VARSEL_DETAIL);
-    else
+    else // a structure: one of its members is meant
         OpenMembers();
 }
 
@@ -227,26 +219,11 @@ void CopySelected()
         SetCtrlVal(PANEL, VARSEL_DETAIL, "Copied: " + row->expression);
 }
 
-int SelectedLine()
-{
-    int line = -1;
-    GetCtrlIndex(PANEL, VARSEL_LIST, &line);
-    return line;
-}
-
-void EnterList()
-{
-    if (selector.shown.empty())
-        return;
-    SetCtrlIndex(PANEL, VARSEL_LIST, std::max(SelectedLine(), 0));
-    SetActiveCtrl(PANEL, VARSEL_LIST);
-}
-
 // 1 when the key was for the filter.
 int OnListKey(int key)
 {
     std::string filter = selector.filter;
-    if (key == KEY_UP && SelectedLine() <= 0) {
+    if (key == KEY_UP && SelectedLine() <= 0) { // above the first line
         SetActiveCtrl(PANEL, VARSEL_FILTER);
         return 1;
     }
@@ -287,7 +264,7 @@ bool VSL_IsMatch(const std::string &filter, const std::string &name)
 
 void VSL_SymbolsChanged()
 {
-    selector.isStale = true;
+    selector.isStale = true; // a window that is hidden collects them when it is opened
     if (IsVisible(PANEL))
         FillList();
     if (IsVisible(PANEL_STRUCT_SELECTOR))
@@ -296,7 +273,11 @@ void VSL_SymbolsChanged()
 
 void VSL_OpenCB(int, int)
 {
-    FillSources();
+    int count = 0;
+    GetNumListItems(PANEL, VARSEL_SOURCE, &count);
+    if (count == 0) // opened for the first time
+        for (const SourceRow &row : SOURCES)
+            InsertListItem(PANEL, VARSEL_SOURCE, -1, row.label, row.source);
     SetFilter("");
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
@@ -315,11 +296,15 @@ int VSL_FilterCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
         FillList();
-    else if (event == EVENT_COMMIT)
+    else if (event == EVENT_COMMIT) // the first match without leaving the filter
         AddSelected();
-    else if (event == EVENT_KEYPRESS && data == KEY_DOWN)
-        EnterList();
-    return event == EVENT_KEYPRESS && data == KEY_DOWN;
+    if (event != EVENT_KEYPRESS || data != KEY_DOWN)
+        return 0;
+    if (!selector.shown.empty()) {
+        SetCtrlIndex(PANEL, VARSEL_LIST, std::max(SelectedLine(), 0));
+        SetActiveCtrl(PANEL, VARSEL_LIST);
+    }
+    return 1;
 }
 
 int VSL_ListCB(int, int, int event, int data)
