@@ -14,12 +14,6 @@ bool IsConfirmed(int function)
     return function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE;
 }
 
-bool IsRead(int function)
-{
-    return (function >= MBM_FN_COILS && function <= MBM_FN_INPUT_REGISTERS) ||
-           function == MBM_FN_READ_WRITE;
-}
-
 // The answer to a read names neither place nor station memory: function and length are all.
 STEP_Shape ReadShape(int function, size_t dataBytes)
 {
@@ -72,14 +66,15 @@ STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame)
 
 size_t MBF_AnswerLength(const uint8_t *bytes, size_t count)
 {
-    // SIZE_MAX: cannot be told from what has come so far.
     if (count < 2)
         return SIZE_MAX;
     if ((bytes[1] & MBF_EXCEPTION_BIT) != 0)
         return EXCEPTION_BYTES;
     if (IsConfirmed(bytes[1]))
         return CONFIRMATION_BYTES;
-    if (!IsRead(bytes[1]))
+    const bool isRead = (bytes[1] >= MBM_FN_COILS && bytes[1] <= MBM_FN_INPUT_REGISTERS) ||
+                        bytes[1] == MBM_FN_READ_WRITE;
+    if (!isRead)
         return 0;
     return count < 3 ? SIZE_MAX : 3u + bytes[2] + MBF_CRC_BYTES;
 }
@@ -98,30 +93,38 @@ bool MBF_IsTunnel(const uint8_t *frame)
            (start == MBF_TUNNEL_EVEN || start == MBF_TUNNEL_ODD);
 }
 
+uint32_t MBF_TunnelAddress(const uint8_t *frame)
+{
+    constexpr size_t ADDRESS_AT = 11; // the two registers that function 23 writes
+    return static_cast<uint32_t>(MBF_WordAt(frame + ADDRESS_AT)) << 16 |
+           MBF_WordAt(frame + ADDRESS_AT + 2);
+}
+
 STEP_Shape MBF_ProbeShape(uint32_t bytes)
 {
     return ProbeShape(bytes / 2);
 }
 
+uint32_t MBF_DataBytes(STEP_Shape shape)
+{
+    return shape & 0xFFFF;
+}
+
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address)
 {
-    // A read of memory from address 0 through the reserved registers: it changes nothing.
-    const auto registers = static_cast<uint8_t>((shape & 0xFFFF) / 2);
-    std::vector<uint8_t> frame = {static_cast<uint8_t>(slave),
-                                  MBM_FN_READ_WRITE,
-                                  0xFF,
-                                  0x00,
-                                  0,
-                                  registers,
-                                  0xFF,
-                                  0xFD,
-                                  0,
-                                  2,
-                                  4,
-                                  static_cast<uint8_t>(address >> 24),
-                                  static_cast<uint8_t>(address >> 16),
-                                  static_cast<uint8_t>(address >> 8),
-                                  static_cast<uint8_t>(address)};
+    std::vector<uint8_t> frame = {static_cast<uint8_t>(slave), MBM_FN_READ_WRITE};
+    const auto addWord = [&frame](uint32_t word) {
+        frame.push_back(static_cast<uint8_t>(word >> 8));
+        frame.push_back(static_cast<uint8_t>(word));
+    };
+    addWord(MBF_TUNNEL_DATA);
+    addWord(MBF_DataBytes(shape) / 2);
+    // What is written is the address only: memory stays as it is.
+    addWord(MBF_TUNNEL_EVEN);
+    addWord(2);
+    frame.push_back(4);
+    addWord(address >> 16);
+    addWord(address);
     const uint16_t crc = MBM_GetCRC(frame.data(), frame.size());
     frame.push_back(static_cast<uint8_t>(crc));
     frame.push_back(static_cast<uint8_t>(crc >> 8));

@@ -13,7 +13,8 @@ constexpr size_t MBF_CRC_BYTES = 2;
 constexpr uint8_t MBF_EXCEPTION_BIT = 0x80;
 // The registers that carry target memory: with an even and an odd number of bytes.
 constexpr uint16_t MBF_TUNNEL_EVEN = 0xFFFD, MBF_TUNNEL_ODD = 0xFFFB;
-constexpr int MBF_FUNCTION_SHIFT = 24; // of a shape: the function stands above the rest
+constexpr uint16_t MBF_TUNNEL_DATA = 0xFF00; // where the data of a read begin
+constexpr int MBF_FUNCTION_SHIFT = 24;       // of a shape: the function stands above the rest
 
 unsigned MBF_WordAt(const uint8_t *bytes); // the high byte comes first
 
@@ -26,11 +27,13 @@ STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame);
 size_t MBF_AnswerLength(const uint8_t *bytes, size_t count);
 bool MBF_IsSound(const uint8_t *frame, size_t length); // its CRC is good
 bool MBF_IsTunnel(const uint8_t *frame);               // a request that carries target memory
+uint32_t MBF_TunnelAddress(const uint8_t *frame);      // of the memory that such a read asks for
 
 // Short reads that are not among the usual sizes of variables.
 extern const STEP_Shape MBF_aProbeShapes[];
 extern const size_t MBF_cnProbeShapes;
 STEP_Shape MBF_ProbeShape(uint32_t bytes); // of a read of so many bytes of memory
+uint32_t MBF_DataBytes(STEP_Shape shape);  // the other way round
 // Such a read. Probes that only prove read from address 0, where that does no harm.
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address = 0);
 

@@ -4,6 +4,7 @@
 #include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/trace.h"
+#include "settings/limits.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,8 +29,8 @@ constexpr FaultText FAULT_TEXTS[] = {
     {MBM_FAULT_NO_ECHO, "the line does not echo what is sent: switch two-wire line echoes off"},
     {MBM_FAULT_CLOSED, FAIL_NOT_OPEN},
     {MBM_FAULT_ARGUMENT, "bad Modbus function or quantity"},
-    {MBM_FAULT_SLAVE, "bad slave address (1 to 250)"},
     {MBM_FAULT_STEP, "the line does not come to rest"},
+    {MBM_FAULT_CANCELLED, FAIL_CANCELLED},
     {MBM_ERR_OPEN, FAIL_NOT_AVAILABLE},
     {MBM_ERR_GET, FAIL_NO_SETTINGS},
     {MBM_ERR_SET, FAIL_SETTINGS_REFUSED},
@@ -170,6 +171,9 @@ std::string MBM_ErrorText(int fault)
         if (row.fault == fault)
             return row.text;
     }
+    if (fault == MBM_FAULT_SLAVE)
+        return "bad slave address (" + std::to_string(MODBUS_STATION_MIN) + " to " +
+               std::to_string(MODBUS_STATION_MAX) + ")";
     const int code = fault - MBM_FAULT_EXCEPTION;
     std::string text = "exception " + std::to_string(code);
     if (code >= 1 && code <= EXCEPTIONS_KNOWN)

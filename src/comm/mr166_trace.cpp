@@ -36,7 +36,7 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {MR166_FAULT_SEND, FAIL_NOT_SENT},
     {MR166_FAULT_ECHO, FAIL_ECHO},
     {MR166_FAULT_COUNT, FAIL_COUNT},
-    {MR166_FAULT_CANCELLED, "cancelled"},
+    {MR166_FAULT_CANCELLED, FAIL_CANCELLED},
     {MR166_FAULT_SURPLUS, "answers come more than once"},
     {MR166_FAULT_MISSING, "port is not available: no such device"},
     {MR166_FAULT_BUSY, "port is not available: another program has it"},

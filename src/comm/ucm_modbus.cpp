@@ -1,11 +1,14 @@
 // Target memory over Modbus: reads and writes are carried through reserved registers, in
 // blocks; the link's commands are emulated. The Modbus row of the unified layer.
 #include "comm/ucm_modbus.h"
+#include "comm/in_step.h"
 #include "comm/modbus.h"
+#include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/modbus_step.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
+#include "settings/limits.h"
 
 #include <algorithm>
 
@@ -14,8 +17,6 @@ namespace {
 // 108 registers of data and two of the address: a multiple of four bytes below the 123
 // registers that a frame can write.
 constexpr uint32_t BLOCK_BYTES = 216, WRITE_BLOCK_MAX = 246;
-constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then the data
-constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
 constexpr uint16_t ADDRESS_REGISTERS = 2;
 
 constexpr int ROUNDS_MAX = 3; // of a transfer during which more answers came than were asked for
@@ -26,7 +27,7 @@ uint32_t surplusAtProof = 0;
 // The place says whether the last register carries one byte or two.
 uint16_t TunnelOf(uint32_t count)
 {
-    return count % 2 != 0 ? TUNNEL_ODD : TUNNEL_EVEN;
+    return count % 2 != 0 ? MBF_TUNNEL_ODD : MBF_TUNNEL_EVEN;
 }
 
 // High half first, as registers of 32 bits are usually laid out.
@@ -61,6 +62,7 @@ int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
 // Even parity is the standard's default.
 int Open(int port, int baud)
 {
+    surplusAtProof = 0; // counted anew on each port
     return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
 }
 
@@ -71,7 +73,7 @@ int IsOpened()
 
 int Message(int slave, int command, uint32_t address, uint16_t word, const void *data)
 {
-    if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX) {
+    if (slave < MODBUS_STATION_MIN || slave > MODBUS_STATION_MAX) {
         MBM_Refuse(MBM_FAULT_SLAVE);
         (void)UCM_CountErr(UCM_ERR_ARGUMENT);
         return 0;
@@ -86,7 +88,7 @@ int Message(int slave, int command, uint32_t address, uint16_t word, const void 
 int Prove()
 {
     int fault = 0;
-    for (int slave = UCM_SLAVE_MIN; slave <= UCM_SLAVE_MAX; ++slave) {
+    for (int slave = MODBUS_STATION_MIN; slave <= MODBUS_STATION_MAX; ++slave) {
         if (!MBMSTEP_IsProofDue(slave))
             continue;
         if (fault == 0)
@@ -137,6 +139,9 @@ int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Par
 {
     int result = MBM_FAILED;
     for (int left = UCM_recS.tries; left > 0 && result < 0; --left) {
+        if (STEP_IsBreak())
+            return UCM_CountErr(MBM_Refuse(MBM_FAULT_CANCELLED));
+        STEP_TellWaiting(slave, MBM_nFault != 0);
         result = UCM_CountErr(MBM_MasterFN(function, slave, from, to));
         if (result < 0)
             ++cnRepeated;
@@ -166,7 +171,7 @@ int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
     PutAddress(address, target);
     const uint32_t quantity = (count + 1) / 2;
     const MBM_Part to = {TunnelOf(count), ADDRESS_REGISTERS, target};
-    const MBM_Part from = {DATA_START, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
+    const MBM_Part from = {MBF_TUNNEL_DATA, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
                            registers};
     const int result = UCM_ExchangeMBM(MBM_FN_READ_WRITE, slave, &from, &to);
     uint8_t *bytes = static_cast<uint8_t *>(buffer);
@@ -243,7 +248,7 @@ int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word,
 }
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,           UCM_SLAVE_MIN, UCM_SLAVE_MAX,    BLOCK_BYTES,       Open,
+    2,           MODBUS_STATION_MIN, MODBUS_STATION_MAX,    BLOCK_BYTES,       Open,
     MBM_Close,   IsOpened,      nullptr,          UCM_ReadMBM,       PickProving,
     ReadProving, UCM_WriteMBM,  UCM_ReadBlkBgMBM, UCM_WriteBlkBgMBM, Message,
     nullptr,     Prove,         IsEchoing,        LastErrorText,     AddCounts,
