@@ -65,30 +65,20 @@ const UI_RingEntry UI_aRingEntries[] = {
 const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 
 const UI_Number UI_aNumbers[] = {
-    {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},
-    {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
+    {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},  {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
     {PANEL_CONNECT, CONNECT_STATION, 0, MODBUS_STATION_MAX, 1},
     {PANEL_SCOPE, SCOPE_POSITION, 0, 100, 50},
-    {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},
-    {PANEL_SIMULATOR, SIMUL_DROP, 0, 100, 0},
-    {PANEL_SIMULATOR, SIMUL_CORRUPT, 0, 100, 0},
-    {PANEL_SIMULATOR, SIMUL_REPEAT, 0, 100, 0},
-    {PANEL_SIMULATOR, SIMUL_REFUSE, 0, 100, 0},
-    {PANEL_SIMULATOR, SIMUL_DELAY, 0, 2000, 0},
+    {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},       {PANEL_SIMULATOR, SIMUL_DROP, 0, 100, 0},
+    {PANEL_SIMULATOR, SIMUL_CORRUPT, 0, 100, 0}, {PANEL_SIMULATOR, SIMUL_REPEAT, 0, 100, 0},
+    {PANEL_SIMULATOR, SIMUL_REFUSE, 0, 100, 0},  {PANEL_SIMULATOR, SIMUL_DELAY, 0, 2000, 0},
 };
 const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
 
 // Of the inspectors' windows: another slice; close and open a line.
 #define ARRAY_KEYS(panel)                                                                          \
-    {panel, 0, KEY_ESC, KEY_ESC, true},                                                            \
-    {                                                                                              \
-        panel, ARRAY_SLICE, KEY_UP, KEY_DOWN, true                                                 \
-    }
+    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, ARRAY_SLICE, KEY_UP, KEY_DOWN, true}
 #define RECORD_KEYS(panel)                                                                         \
-    {panel, 0, KEY_ESC, KEY_ESC, true},                                                            \
-    {                                                                                              \
-        panel, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true                                              \
-    }
+    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true}
 
 const UI_KeyRow UI_aKeys[] = {
     {PANEL_MAIN, 0, KEY_F1, KEY_F1, true},
