@@ -3,7 +3,7 @@
 // module keeps book of the answers that may still come, says when the next request is safe
 // to send, and counts answers nobody asked for. It knows no protocol and no port: a link
 // owns one STEP_Line, tells it what went out and what came, and sends the probes it asks
-// for. docs/architecture.md has the reasoning and what no book can tell.
+// for. docs/architecture/line.md has the reasoning and what no book can tell.
 #ifndef COMM_IN_STEP_H
 #define COMM_IN_STEP_H
 

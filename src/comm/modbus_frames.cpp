@@ -1,12 +1,10 @@
-// What frames of the master look like: their length, their soundness, and the shape by which the
-// book of open answers tells them apart.
+// RTU frames have neither start nor end character: the function says how long an answer is, and
+// two CRC bytes, the low one first, whether it is one.
 #include "comm/modbus_frames.h"
-
-#include "comm/modbus.h"
 
 namespace {
 
-constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8;
+constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8; // CRC included
 
 // Functions whose answer repeats the head of the request.
 bool IsConfirmed(int function)
@@ -28,11 +26,6 @@ STEP_Shape WriteShape(const uint8_t *frame)
            frame[5];
 }
 
-constexpr STEP_Shape ProbeShape(unsigned registers)
-{
-    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << MBF_FUNCTION_SHIFT | 2 * registers;
-}
-
 } // namespace
 
 unsigned MBF_WordAt(const uint8_t *bytes)
@@ -40,19 +33,23 @@ unsigned MBF_WordAt(const uint8_t *bytes)
     return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
 }
 
-// Counts of registers that no variable has: neither 1, 2, 4 nor another power of two.
+// Bytes of registers, 3 to 36 of them but none that variables have: neither 4, 8, 16 nor another
+// power of two.
 const STEP_Shape MBF_aProbeShapes[] = {
-    ProbeShape(3),  ProbeShape(5),  ProbeShape(6),  ProbeShape(7),  ProbeShape(9),  ProbeShape(10),
-    ProbeShape(11), ProbeShape(12), ProbeShape(13), ProbeShape(14), ProbeShape(15), ProbeShape(17),
-    ProbeShape(18), ProbeShape(19), ProbeShape(20), ProbeShape(21), ProbeShape(22), ProbeShape(23),
-    ProbeShape(24), ProbeShape(25), ProbeShape(26), ProbeShape(27), ProbeShape(28), ProbeShape(29),
-    ProbeShape(30), ProbeShape(31), ProbeShape(33), ProbeShape(34), ProbeShape(35), ProbeShape(36)};
+    MBF_ProbeShape(6),  MBF_ProbeShape(10), MBF_ProbeShape(12), MBF_ProbeShape(14),
+    MBF_ProbeShape(18), MBF_ProbeShape(20), MBF_ProbeShape(22), MBF_ProbeShape(24),
+    MBF_ProbeShape(26), MBF_ProbeShape(28), MBF_ProbeShape(30), MBF_ProbeShape(34),
+    MBF_ProbeShape(36), MBF_ProbeShape(38), MBF_ProbeShape(40), MBF_ProbeShape(42),
+    MBF_ProbeShape(44), MBF_ProbeShape(46), MBF_ProbeShape(48), MBF_ProbeShape(50),
+    MBF_ProbeShape(52), MBF_ProbeShape(54), MBF_ProbeShape(56), MBF_ProbeShape(58),
+    MBF_ProbeShape(60), MBF_ProbeShape(62), MBF_ProbeShape(66), MBF_ProbeShape(68),
+    MBF_ProbeShape(70), MBF_ProbeShape(72)};
 const size_t MBF_cnProbeShapes = sizeof MBF_aProbeShapes / sizeof *MBF_aProbeShapes;
 
 STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame)
 {
     const int function = frame[1];
-    const size_t quantity = MBF_WordAt(frame + 4);
+    const size_t quantity = MBF_WordAt(frame + 4); // of what is read; unused for writes
     if (IsConfirmed(function))
         return WriteShape(frame);
     const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
@@ -98,16 +95,6 @@ uint32_t MBF_TunnelAddress(const uint8_t *frame)
     constexpr size_t ADDRESS_AT = 11; // the two registers that function 23 writes
     return static_cast<uint32_t>(MBF_WordAt(frame + ADDRESS_AT)) << 16 |
            MBF_WordAt(frame + ADDRESS_AT + 2);
-}
-
-STEP_Shape MBF_ProbeShape(uint32_t bytes)
-{
-    return ProbeShape(bytes / 2);
-}
-
-uint32_t MBF_DataBytes(STEP_Shape shape)
-{
-    return shape & 0xFFFF;
 }
 
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address)

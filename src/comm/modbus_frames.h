@@ -5,6 +5,7 @@
 #define COMM_MODBUS_FRAMES_H
 
 #include "comm/in_step.h"
+#include "comm/modbus.h"
 
 #include <cstdint>
 #include <vector>
@@ -32,8 +33,15 @@ uint32_t MBF_TunnelAddress(const uint8_t *frame);      // of the memory that suc
 // Short reads that are not among the usual sizes of variables.
 extern const STEP_Shape MBF_aProbeShapes[];
 extern const size_t MBF_cnProbeShapes;
-STEP_Shape MBF_ProbeShape(uint32_t bytes); // of a read of so many bytes of memory
-uint32_t MBF_DataBytes(STEP_Shape shape);  // the other way round
+// The shape of a read of so many bytes of memory, and the other way round.
+constexpr STEP_Shape MBF_ProbeShape(uint32_t bytes)
+{
+    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << MBF_FUNCTION_SHIFT | bytes;
+}
+constexpr uint32_t MBF_DataBytes(STEP_Shape shape)
+{
+    return shape & 0xFFFF;
+}
 // Such a read. Probes that only prove read from address 0, where that does no harm.
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address = 0);
 

@@ -9,6 +9,7 @@
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
 #include "settings/limits.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 
@@ -35,40 +36,6 @@ void PutAddress(uint32_t address, uint16_t *registers)
 {
     registers[0] = static_cast<uint16_t>(address >> 16);
     registers[1] = static_cast<uint16_t>(address);
-}
-
-// Blocks in address order, up to the first that fails. The last one's result; 0 for none.
-int WriteBlocks(int slave, uint32_t address, uint32_t count, const uint8_t *bytes)
-{
-    int result = 0;
-    while (count > 0 && result >= 0)
-        result = std::min(UCM_WriteBlkBgMBM(slave, &address, &count, &bytes), 0);
-    return result;
-}
-
-int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
-{
-    int result = 0;
-    while (count > 0 && result >= 0) {
-        const uint32_t block = std::min(count, BLOCK_BYTES);
-        result = UCM_ReadBlkMBM(slave, address, block, bytes);
-        address += block;
-        bytes += block;
-        count -= block;
-    }
-    return result;
-}
-
-// Even parity is the standard's default.
-int Open(int port, int baud)
-{
-    surplusAtProof = 0; // counted anew on each port
-    return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
-}
-
-int IsOpened()
-{
-    return MBM_isOpen ? 1 : 0;
 }
 
 int Message(int slave, int command, uint32_t address, uint16_t word, const void *data)
@@ -102,35 +69,6 @@ int Prove()
         return UCM_NOT_PROVEN;
     }
     return isSurplus ? UCM_READ_AGAIN : UCM_PROVEN;
-}
-
-uint32_t PickProving(int slave, uint32_t least, uint32_t most)
-{
-    return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
-}
-
-int ReadProving(int slave, uint32_t address, uint32_t count, void *buffer)
-{
-    const int fault = MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
-    return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
-}
-
-bool IsEchoing()
-{
-    return MBM_nFault == MBM_FAULT_ECHO;
-}
-
-std::string LastErrorText()
-{
-    return MBM_nFault == 0 ? std::string() : MBM_ErrorText(MBM_nFault);
-}
-
-void AddCounts(UCM_Statistics *statistics)
-{
-    statistics->answered += MBM_cnOk;
-    statistics->timeouts += MBM_cnSilent;
-    statistics->damaged += MBM_cnRefused;
-    statistics->repeated += cnRepeated;
 }
 
 } // namespace
@@ -208,7 +146,12 @@ int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
     // Of several blocks, one's confirmation may have come twice in place of the next one's.
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MBMSTEP_Surplus();
-        const int result = WriteBlocks(slave, address, count, static_cast<const uint8_t *>(data));
+        const uint8_t *bytes = static_cast<const uint8_t *>(data);
+        uint32_t place = address, left = count;
+        int result = 0;
+        // In address order, up to the first block that fails.
+        while (left > 0 && result >= 0)
+            result = std::min(UCM_WriteBlkBgMBM(slave, &place, &left, &bytes), 0);
         if (result < 0 || count <= BLOCK_BYTES || MBMSTEP_Surplus() == surplus)
             return result;
     }
@@ -219,7 +162,12 @@ int UCM_ReadMBM(int slave, uint32_t address, uint32_t count, void *buffer)
 {
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MBMSTEP_Surplus();
-        const int result = ReadBlocks(slave, address, count, static_cast<uint8_t *>(buffer));
+        uint8_t *bytes = static_cast<uint8_t *>(buffer);
+        int result = 0;
+        for (uint32_t done = 0; done < count && result >= 0; done += BLOCK_BYTES)
+            result = UCM_ReadBlkMBM(slave, address + done, std::min(count - done, BLOCK_BYTES),
+                                    bytes + done);
+        // A single block on a calm line is proven by the caller, with others, once a sweep.
         if (result < 0 || !MBMSTEP_IsProofDue(slave) ||
             (count <= BLOCK_BYTES && !MBMSTEP_IsSuspicious(slave)))
             return result;
@@ -248,9 +196,46 @@ int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word,
 }
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,           MODBUS_STATION_MIN, MODBUS_STATION_MAX,    BLOCK_BYTES,       Open,
-    MBM_Close,   IsOpened,      nullptr,          UCM_ReadMBM,       PickProving,
-    ReadProving, UCM_WriteMBM,  UCM_ReadBlkBgMBM, UCM_WriteBlkBgMBM, Message,
-    nullptr,     Prove,         IsEchoing,        LastErrorText,     AddCounts,
+    PROTOCOL_MODBUS,
+    MODBUS_STATION_MIN,
+    MODBUS_STATION_MAX,
+    BLOCK_BYTES,
+    // open: even parity is the standard's default
+    [](int port, int baud) {
+        surplusAtProof = 0; // counted anew on each port
+        return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
+    },
+    MBM_Close,
+    // isOpened
+    [] { return MBM_isOpen ? 1 : 0; },
+    nullptr,
+    UCM_ReadMBM,
+    // pickProving
+    [](int slave, uint32_t least, uint32_t most) {
+        return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
+    },
+    // readProving: the caller reads again, with all tries, what fails here
+    [](int slave, uint32_t address, uint32_t count, void *buffer) {
+        const int fault =
+            MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
+        return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
+    },
+    UCM_WriteMBM,
+    UCM_ReadBlkBgMBM,
+    UCM_WriteBlkBgMBM,
+    Message,
+    nullptr,
+    Prove,
+    // isEchoing
+    [] { return MBM_nFault == MBM_FAULT_ECHO; },
+    // lastErrorText
+    [] { return MBM_nFault == 0 ? std::string() : MBM_ErrorText(MBM_nFault); },
+    // addCounts: since the program started, the layer above subtracts its last reset
+    [](UCM_Statistics *statistics) {
+        statistics->answered += MBM_cnOk;
+        statistics->timeouts += MBM_cnSilent;
+        statistics->damaged += MBM_cnRefused;
+        statistics->repeated += cnRepeated;
+    },
     MBM_IsGone,
 };
