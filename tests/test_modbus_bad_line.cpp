@@ -149,7 +149,7 @@ TEST_F(ModbusBadLine, NoScheduleBringsAWrongValue)
         {"refused, late and lost", {.05, 0, .2, 0, 0, 0, 0, 700, false}, 700},
         {"nothing at address 0", {.02, .02, .02, 0, 0, 0, 1, 450, false, 256}, 950},
     };
-    const uint32_t seeds = CountSeeds(5);
+    const uint32_t seeds = CountSeeds(4);
     for (const auto &item : cases) {
         int good = 0;
         for (uint32_t seed = 1; seed <= seeds && !HasFailure(); seed++) {
