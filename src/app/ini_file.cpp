@@ -32,7 +32,6 @@ constexpr size_t LINE_MAX_CHARS = 511;
 constexpr int FIELDS_MAX = 3;
 constexpr int64_t FILE_SIZE_MAX = 1 << 20;
 constexpr int PORT_MAX = 256;
-constexpr int MODBUS_STATION_MAX = 247;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
 SPL_Place place;   // of the file: read at start, written at shutdown

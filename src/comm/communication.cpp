@@ -75,7 +75,7 @@ int Check_ASC_Open(int result)
     // A number without a device has no name that could be told.
     if (result != BAD_NUMBER && !cause.empty())
         message += "\n" + UCM_PortName(ncom) + ": " + cause;
-    Error(message);
+    Error(message); // switches off what was just being switched on
     return result;
 }
 
@@ -149,7 +149,8 @@ void VR_Reopen()
 {
     if (isTimer == 0)
         return;
-    // No tick may find the link closed: it would count as a failed read.
+    // No tick may find the link closed: it would count as a failed read. A link that could not
+    // be opened has switched the timer off for good.
     SuspendTimerCallbacks();
     UCM_Close();
     if (OpenLink() >= 0)

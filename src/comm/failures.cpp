@@ -10,34 +10,23 @@ namespace {
 
 // In the order in which they came first, which the statistics window keeps.
 std::vector<FAIL_Cause> causes;
-size_t latest = 0;
-
-size_t Find(const std::string &text)
-{
-    const auto isSame = [&text](const FAIL_Cause &cause) { return cause.text == text; };
-    return static_cast<size_t>(
-        std::distance(causes.begin(), std::find_if(causes.begin(), causes.end(), isSame)));
-}
-
-// The place of a cause, made when it is new; the last place is kept for the rest.
-size_t PlaceOf(const std::string &text)
-{
-    const size_t known = Find(text);
-    if (known < causes.size())
-        return known;
-    if (causes.size() >= FAIL_CAUSES_MAX)
-        return FAIL_CAUSES_MAX - 1;
-    FAIL_Cause cause;
-    cause.text = causes.size() == FAIL_CAUSES_MAX - 1 ? FAIL_OTHER_CAUSES : text;
-    causes.push_back(cause);
-    return causes.size() - 1;
-}
+size_t latest = 0; // the place of the last failure
 
 } // namespace
 
 void FAIL_Note(const std::string &cause)
 {
-    latest = PlaceOf(cause);
+    const auto isSame = [&cause](const FAIL_Cause &known) { return known.text == cause; };
+    const auto found = std::find_if(causes.begin(), causes.end(), isSame);
+    latest = static_cast<size_t>(std::distance(causes.begin(), found));
+    if (latest == FAIL_CAUSES_MAX) {
+        // The last place counts whatever found no place of its own.
+        latest = FAIL_CAUSES_MAX - 1;
+    } else if (latest == causes.size()) {
+        FAIL_Cause added;
+        added.text = latest == FAIL_CAUSES_MAX - 1 ? FAIL_OTHER_CAUSES : cause;
+        causes.push_back(added);
+    }
     FAIL_Cause &place = causes[latest];
     // A count that came round to 0 would hide a line that fails all the time.
     if (place.count != UINT32_MAX)

@@ -18,6 +18,7 @@ extern const char *const FAIL_OTHER_CAUSES;
 constexpr char FAIL_NO_ANSWER[] = "no answer";
 constexpr char FAIL_CUT[] = "answer damaged (too short)";
 constexpr char FAIL_COUNT[] = "answer has another number of bytes than asked for";
+constexpr char FAIL_CANCELLED[] = "cancelled"; // the user has broken off
 constexpr char FAIL_GONE[] = "port is gone";
 constexpr char FAIL_NOT_SENT[] = "request could not be sent";
 constexpr char FAIL_NOT_OPEN[] = "port is not open";

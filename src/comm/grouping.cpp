@@ -1,8 +1,11 @@
+// The items are sorted, and the cheapest cover of the first so many is made out of those of
+// fewer: every item is tried as the end of a block, so no greedy choice has to be right.
 #include "comm/grouping.h"
 
 #include "settings/settings.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace {
 
@@ -16,7 +19,7 @@ struct ProtocolRow {
     GRP_Wire read, write;
 };
 constexpr ProtocolRow PROTOCOL_ROWS[] = {
-    {PROTOCOL_MR166, {18 + 10, 1, 2, 64}, {48 + 10, 1, 0, 16}},
+    {PROTOCOL_MR166, {18 + 10, 1, 2, 64}, {48 + 10, 1, 0, 16}}, // a request and its answer
     {PROTOCOL_MODBUS, {17 + 5, 2, 2, 216}, {13 + 8, 2, 2, 216}},
 };
 
@@ -38,6 +41,7 @@ constexpr RegisterRow REGISTER_ROWS[] = {
     {true, {0xA000, 0xFFFF}},  // peripheral frames 1 to 3
 };
 
+// Data is counted in whole units: half a register costs a whole one.
 uint64_t ExchangeChars(const GRP_Wire &wire, uint32_t count)
 {
     return wire.exchange + uint64_t{(count + wire.unit - 1) / wire.unit} * wire.unitChars;
@@ -49,13 +53,7 @@ uint64_t EndOf(const GRP_Item &item)
     return uint64_t{item.address} + item.size;
 }
 
-bool IsBefore(const GRP_Item &a, const GRP_Item &b)
-{
-    if (a.station != b.station)
-        return a.station < b.station;
-    return a.address != b.address ? a.address < b.address : a.size < b.size;
-}
-
+// Whether one block may reach over the bytes from here to there.
 bool MayBridge(uint64_t from, uint64_t to, const GRP_Rules &rules)
 {
     if (from >= to)
@@ -141,7 +139,7 @@ GRP_Rules GRP_ReadRules(int processor)
 
 uint64_t GRP_CountChars(const GRP_Wire &wire, uint32_t count)
 {
-    const uint32_t rest = count % wire.blockMax;
+    const uint32_t rest = count % wire.blockMax; // no exchange for nothing
     return count / wire.blockMax * ExchangeChars(wire, wire.blockMax) +
            (rest != 0 ? ExchangeChars(wire, rest) : 0);
 }
@@ -152,12 +150,16 @@ std::vector<GRP_Block> GRP_Plan(const std::vector<GRP_Item> &items, const GRP_Wi
     std::vector<size_t> order(items.size());
     for (size_t i = 0; i < order.size(); ++i)
         order[i] = i;
-    std::stable_sort(order.begin(), order.end(),
-                     [&](size_t a, size_t b) { return IsBefore(items[a], items[b]); });
+    std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
+        const GRP_Item &left = items[a], &right = items[b];
+        return std::tie(left.station, left.address, left.size) <
+               std::tie(right.station, right.address, right.size);
+    });
     std::vector<GRP_Item> sorted;
     for (const size_t index : order)
         sorted.push_back(items[index]);
     const std::vector<Cover> covers = FindCovers(sorted, wire, rules);
+    // The covers know where their last block begins: the plan is read off from its end.
     std::vector<GRP_Block> plan;
     for (size_t end = sorted.size(); end > 0; end = covers[end].lastFrom) {
         GRP_Block block;

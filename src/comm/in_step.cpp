@@ -10,7 +10,7 @@ namespace {
 // What an earlier program left behind may by chance look like a probe's answer, but hardly
 // like three chosen by lot, one right behind the other.
 constexpr int PROBES_FOR_UNKNOWN = 3;
-constexpr size_t RECENT_PROBES_MAX = 16;
+constexpr size_t RECENT_PROBES_MAX = 16, RECENT_REQUESTS_MAX = 6;
 constexpr int PROBES_MAX = 32; // of one proof: nobody waits longer
 constexpr uint32_t PROOF_PERIOD_MS = 1000, SUSPICION_MS = 10000;
 
@@ -86,16 +86,22 @@ uint32_t NextRandom(STEP_Line *line)
 bool IsUnused(const STEP_Line &line, int partner, STEP_Shape shape)
 {
     const STEP_Partner &book = line.partners[static_cast<size_t>(partner)];
-    const auto &recent = line.recentProbes;
-    return FindOpen(book, shape) == book.open.end() &&
-           std::find(recent.begin(), recent.end(), shape) == recent.end();
+    const auto isIn = [shape](const std::vector<STEP_Shape> &recent) {
+        return std::find(recent.begin(), recent.end(), shape) != recent.end();
+    };
+    return FindOpen(book, shape) == book.open.end() && !isIn(line.recentProbes) &&
+           !isIn(line.recentRequests);
 }
 
-void NoteProbe(STEP_Line *line, STEP_Shape shape)
+void NoteRecent(std::vector<STEP_Shape> *recent, size_t most, STEP_Shape shape)
 {
-    line->recentProbes.push_back(shape);
-    if (line->recentProbes.size() > RECENT_PROBES_MAX)
-        line->recentProbes.erase(line->recentProbes.begin());
+    // A sweep asks for the same few sizes again and again: each stands in the list once.
+    if (!recent->empty() && recent->back() == shape)
+        return;
+    recent->erase(std::remove(recent->begin(), recent->end(), shape), recent->end());
+    recent->push_back(shape);
+    if (recent->size() > most)
+        recent->erase(recent->begin());
 }
 
 template <typename IsDone>
@@ -150,6 +156,8 @@ void STEP_Sent(STEP_Line *line, int partner, STEP_Shape shape, bool isProbe)
         book.unknown = PROBES_FOR_UNKNOWN;
     }
     book.open.push_back({shape, isProbe, ++book.sent});
+    if (!isProbe)
+        NoteRecent(&line->recentRequests, RECENT_REQUESTS_MAX, shape);
 }
 
 void STEP_Accepted(STEP_Line *line, int partner, STEP_Shape shape, uint32_t nowMs)
@@ -224,7 +232,7 @@ STEP_Shape STEP_PickProbe(STEP_Line *line, int partner, const STEP_Shape *shapes
             isFound = isFree(chosen, isRecentAllowed);
         }
     }
-    NoteProbe(line, chosen);
+    NoteRecent(&line->recentProbes, RECENT_PROBES_MAX, chosen);
     return chosen;
 }
 
@@ -238,7 +246,7 @@ bool STEP_PickUnusedProbe(STEP_Line *line, int partner, const std::vector<STEP_S
     if (unused.empty())
         return false;
     *chosen = unused[NextRandom(line) % unused.size()];
-    NoteProbe(line, *chosen);
+    NoteRecent(&line->recentProbes, RECENT_PROBES_MAX, *chosen);
     return true;
 }
 

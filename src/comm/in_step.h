@@ -3,7 +3,7 @@
 // module keeps book of the answers that may still come, says when the next request is safe
 // to send, and counts answers nobody asked for. It knows no protocol and no port: a link
 // owns one STEP_Line, tells it what went out and what came, and sends the probes it asks
-// for. docs/architecture.md has the reasoning and what no book can tell.
+// for. docs/architecture/line.md has the reasoning and what no book can tell.
 #ifndef COMM_IN_STEP_H
 #define COMM_IN_STEP_H
 
@@ -38,7 +38,8 @@ struct STEP_Line {
     uint32_t disturbed = 0; // grows with everything unexpected
     uint32_t surplus = 0;   // grows when more answers came than were asked for
     uint32_t random = 1;
-    std::vector<STEP_Shape> recentProbes; // of any partner; a repeated one must not prove again
+    // Of any partner, the latest last: a repeated answer to one of them must prove nothing.
+    std::vector<STEP_Shape> recentProbes, recentRequests;
     uint32_t disturbedSeen = 0, suspiciousSinceMs = 0; // when something odd was last noticed
     bool isSuspicious = false;
 };

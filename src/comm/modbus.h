@@ -47,6 +47,7 @@ enum {
     MBM_FAULT_SLAVE = -46,       // slave address out of range: nothing was sent
     MBM_FAULT_CUT = -47,         // the answer ended before its fifth byte
     MBM_FAULT_STEP = -48,        // the line did not come in step again: nothing was sent
+    MBM_FAULT_CANCELLED = -49,   // the listener wanted an end: nothing was sent
 };
 
 constexpr int MBM_BITS_MAX = 2000, MBM_READ_MAX = 125, MBM_WRITE_MAX = 123;

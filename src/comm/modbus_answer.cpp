@@ -116,14 +116,6 @@ int FindAnswer()
     return Fail(fault, fault > 0 ? fault : static_cast<int>(MBM_EX_SILENT));
 }
 
-int ReadHead()
-{
-    const int got = ReadAnswer(0, HEAD_BYTES);
-    if (got == HEAD_BYTES)
-        return 0;
-    return Fail(got < 0 ? MBM_FAULT_GONE : got == 0 ? MBM_EX_SILENT : MBM_FAULT_CUT, MBM_EX_SILENT);
-}
-
 // The `count` bytes behind the head. Whether all came and the CRC over all is right.
 bool ReadRest(int count)
 {
@@ -194,11 +186,7 @@ const Receiver *FindReceiver(int function)
     return nullptr;
 }
 
-bool HasRegisters(const MBM_Part *part)
-{
-    return part != nullptr && part->registers != nullptr;
-}
-
+// One request by its function, whose parts the caller has seen to be there.
 int Send(int function, int slave, const MBM_Part *from, const MBM_Part *to)
 {
     switch (function) {
@@ -216,21 +204,6 @@ int Send(int function, int slave, const MBM_Part *from, const MBM_Part *to)
         return MBM_SendFN23(slave, from->start, from->quantity, to->start, to->quantity,
                             to->registers);
     }
-}
-
-// Registers of the answer into the caller's array; bits come packed.
-void CopyReceived(int function, const MBM_Part &from, const MBM_Part *to)
-{
-    const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
-    const size_t count = isBits ? (from.quantity + 15u) / 16u : from.quantity;
-    // Read before the copy overwrites it.
-    const uint16_t kept = from.registers[count - 1];
-    std::copy_n(MBM_awRcvData, std::min<size_t>(count, MBM_READ_MAX), from.registers);
-    if (function != MBM_FN_READ_WRITE || to->start != MBF_TUNNEL_ODD)
-        return;
-    // An odd number of bytes was asked for: the last register's other half is not the target's.
-    uint16_t *last = from.registers + from.quantity - 1;
-    *last = static_cast<uint16_t>((kept & 0xFF00) | (*last & 0xFF));
 }
 
 } // namespace
@@ -257,8 +230,12 @@ int MBM_ReceiveFN()
         (void)ReadAnswer(0, DRAIN_ALL_BYTES);
         return MBM_FAILED;
     }
-    if (ReadHead() != 0)
-        return MBM_FAILED;
+    const int head = ReadAnswer(0, HEAD_BYTES);
+    if (head < HEAD_BYTES)
+        return Fail(head < 0    ? MBM_FAULT_GONE
+                    : head == 0 ? MBM_EX_SILENT
+                                : MBM_FAULT_CUT,
+                    MBM_EX_SILENT);
     if (MBM_abyRcv[0] != MBM_expected.slave ||
         (MBM_abyRcv[1] & ~MBF_EXCEPTION_BIT) != static_cast<unsigned>(MBM_nFnCode))
         return DrainAndFail(MBM_EX_FOREIGN);
@@ -271,15 +248,27 @@ int MBM_ReceiveFN()
 
 int MBM_MasterFN(int function, int slave, const MBM_Part *readPart, const MBM_Part *writePart)
 {
-    const bool isWrite = function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE;
-    const bool isRead = !isWrite;
-    if (FindReceiver(function) == nullptr || (isRead && !HasRegisters(readPart)) ||
-        ((isWrite || function == MBM_FN_READ_WRITE) && !HasRegisters(writePart)))
+    const auto hasRegisters = [](const MBM_Part *part) {
+        return part != nullptr && part->registers != nullptr;
+    };
+    const bool isRead = function != MBM_FN_WRITE_ONE && function != MBM_FN_WRITE;
+    const bool isWrite = !isRead || function == MBM_FN_READ_WRITE;
+    if (FindReceiver(function) == nullptr || (isRead && !hasRegisters(readPart)) ||
+        (isWrite && !hasRegisters(writePart)))
         return MBM_Refuse(MBM_FAULT_ARGUMENT);
     if (Send(function, slave, readPart, writePart) != 0)
         return MBM_FAILED;
     const int result = MBM_ReceiveFN();
-    if (result >= 0 && isRead)
-        CopyReceived(function, *readPart, writePart);
+    if (result < 0 || !isRead)
+        return result;
+    // Bits come packed, sixteen to a register.
+    const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
+    const size_t count = isBits ? (readPart->quantity + 15u) / 16u : readPart->quantity;
+    uint16_t *last = readPart->registers + count - 1;
+    const uint16_t kept = *last; // before the copy overwrites it
+    std::copy_n(MBM_awRcvData, std::min<size_t>(count, MBM_READ_MAX), readPart->registers);
+    // An odd number of bytes was asked for: the last register's other half is not the target's.
+    if (function == MBM_FN_READ_WRITE && writePart->start == MBF_TUNNEL_ODD)
+        *last = static_cast<uint16_t>((kept & 0xFF00) | (*last & 0xFF));
     return result;
 }

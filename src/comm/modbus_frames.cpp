@@ -1,23 +1,15 @@
-// What frames of the master look like: their length, their soundness, and the shape by which the
-// book of open answers tells them apart.
+// RTU frames have neither start nor end character: the function says how long an answer is, and
+// two CRC bytes, the low one first, whether it is one.
 #include "comm/modbus_frames.h"
-
-#include "comm/modbus.h"
 
 namespace {
 
-constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8;
+constexpr size_t EXCEPTION_BYTES = 5, CONFIRMATION_BYTES = 8; // CRC included
 
 // Functions whose answer repeats the head of the request.
 bool IsConfirmed(int function)
 {
     return function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE;
-}
-
-bool IsRead(int function)
-{
-    return (function >= MBM_FN_COILS && function <= MBM_FN_INPUT_REGISTERS) ||
-           function == MBM_FN_READ_WRITE;
 }
 
 // The answer to a read names neither place nor station memory: function and length are all.
@@ -34,11 +26,6 @@ STEP_Shape WriteShape(const uint8_t *frame)
            frame[5];
 }
 
-constexpr STEP_Shape ProbeShape(unsigned registers)
-{
-    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << MBF_FUNCTION_SHIFT | 2 * registers;
-}
-
 } // namespace
 
 unsigned MBF_WordAt(const uint8_t *bytes)
@@ -46,19 +33,23 @@ unsigned MBF_WordAt(const uint8_t *bytes)
     return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
 }
 
-// Counts of registers that no variable has: neither 1, 2, 4 nor another power of two.
+// Bytes of registers, 3 to 36 of them but none that variables have: neither 4, 8, 16 nor another
+// power of two.
 const STEP_Shape MBF_aProbeShapes[] = {
-    ProbeShape(3),  ProbeShape(5),  ProbeShape(6),  ProbeShape(7),  ProbeShape(9),  ProbeShape(10),
-    ProbeShape(11), ProbeShape(12), ProbeShape(13), ProbeShape(14), ProbeShape(15), ProbeShape(17),
-    ProbeShape(18), ProbeShape(19), ProbeShape(20), ProbeShape(21), ProbeShape(22), ProbeShape(23),
-    ProbeShape(24), ProbeShape(25), ProbeShape(26), ProbeShape(27), ProbeShape(28), ProbeShape(29),
-    ProbeShape(30), ProbeShape(31), ProbeShape(33), ProbeShape(34), ProbeShape(35), ProbeShape(36)};
+    MBF_ProbeShape(6),  MBF_ProbeShape(10), MBF_ProbeShape(12), MBF_ProbeShape(14),
+    MBF_ProbeShape(18), MBF_ProbeShape(20), MBF_ProbeShape(22), MBF_ProbeShape(24),
+    MBF_ProbeShape(26), MBF_ProbeShape(28), MBF_ProbeShape(30), MBF_ProbeShape(34),
+    MBF_ProbeShape(36), MBF_ProbeShape(38), MBF_ProbeShape(40), MBF_ProbeShape(42),
+    MBF_ProbeShape(44), MBF_ProbeShape(46), MBF_ProbeShape(48), MBF_ProbeShape(50),
+    MBF_ProbeShape(52), MBF_ProbeShape(54), MBF_ProbeShape(56), MBF_ProbeShape(58),
+    MBF_ProbeShape(60), MBF_ProbeShape(62), MBF_ProbeShape(66), MBF_ProbeShape(68),
+    MBF_ProbeShape(70), MBF_ProbeShape(72)};
 const size_t MBF_cnProbeShapes = sizeof MBF_aProbeShapes / sizeof *MBF_aProbeShapes;
 
 STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame)
 {
     const int function = frame[1];
-    const size_t quantity = MBF_WordAt(frame + 4);
+    const size_t quantity = MBF_WordAt(frame + 4); // of what is read; unused for writes
     if (IsConfirmed(function))
         return WriteShape(frame);
     const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
@@ -72,14 +63,15 @@ STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame)
 
 size_t MBF_AnswerLength(const uint8_t *bytes, size_t count)
 {
-    // SIZE_MAX: cannot be told from what has come so far.
     if (count < 2)
         return SIZE_MAX;
     if ((bytes[1] & MBF_EXCEPTION_BIT) != 0)
         return EXCEPTION_BYTES;
     if (IsConfirmed(bytes[1]))
         return CONFIRMATION_BYTES;
-    if (!IsRead(bytes[1]))
+    const bool isRead = (bytes[1] >= MBM_FN_COILS && bytes[1] <= MBM_FN_INPUT_REGISTERS) ||
+                        bytes[1] == MBM_FN_READ_WRITE;
+    if (!isRead)
         return 0;
     return count < 3 ? SIZE_MAX : 3u + bytes[2] + MBF_CRC_BYTES;
 }
@@ -98,30 +90,28 @@ bool MBF_IsTunnel(const uint8_t *frame)
            (start == MBF_TUNNEL_EVEN || start == MBF_TUNNEL_ODD);
 }
 
-STEP_Shape MBF_ProbeShape(uint32_t bytes)
+uint32_t MBF_TunnelAddress(const uint8_t *frame)
 {
-    return ProbeShape(bytes / 2);
+    constexpr size_t ADDRESS_AT = 11; // the two registers that function 23 writes
+    return static_cast<uint32_t>(MBF_WordAt(frame + ADDRESS_AT)) << 16 |
+           MBF_WordAt(frame + ADDRESS_AT + 2);
 }
 
 std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address)
 {
-    // A read of memory from address 0 through the reserved registers: it changes nothing.
-    const auto registers = static_cast<uint8_t>((shape & 0xFFFF) / 2);
-    std::vector<uint8_t> frame = {static_cast<uint8_t>(slave),
-                                  MBM_FN_READ_WRITE,
-                                  0xFF,
-                                  0x00,
-                                  0,
-                                  registers,
-                                  0xFF,
-                                  0xFD,
-                                  0,
-                                  2,
-                                  4,
-                                  static_cast<uint8_t>(address >> 24),
-                                  static_cast<uint8_t>(address >> 16),
-                                  static_cast<uint8_t>(address >> 8),
-                                  static_cast<uint8_t>(address)};
+    std::vector<uint8_t> frame = {static_cast<uint8_t>(slave), MBM_FN_READ_WRITE};
+    const auto addWord = [&frame](uint32_t word) {
+        frame.push_back(static_cast<uint8_t>(word >> 8));
+        frame.push_back(static_cast<uint8_t>(word));
+    };
+    addWord(MBF_TUNNEL_DATA);
+    addWord(MBF_DataBytes(shape) / 2);
+    // What is written is the address only: memory stays as it is.
+    addWord(MBF_TUNNEL_EVEN);
+    addWord(2);
+    frame.push_back(4);
+    addWord(address >> 16);
+    addWord(address);
     const uint16_t crc = MBM_GetCRC(frame.data(), frame.size());
     frame.push_back(static_cast<uint8_t>(crc));
     frame.push_back(static_cast<uint8_t>(crc >> 8));

@@ -1,4 +1,5 @@
-// The master's port: opening, closing, sending a frame and reading bytes of an answer.
+// The master's port: opening, closing, sending a frame and reading bytes of an answer. A frame
+// goes out only once the line is in step, so whoever sends may wait for a proof here.
 #include "comm/failures.h"
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
@@ -38,12 +39,15 @@ struct CrcTable {
     }
 };
 
+// 0, or an MBM_ERR_ with whatever was opened still open.
 int OpenDevice(int port, int baud, int parity)
 {
     if (port < 0 || port > PORT_MAX)
         return MBM_ERR_PORT;
     if (SER_Open(port, &MBM_hCom) != SER_OK)
         return MBM_ERR_OPEN;
+    // Eight data bits and one stop bit are the defaults; no baud rate is left to the device
+    // to refuse.
     SER_Settings settings;
     settings.baud = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
     settings.parity = parity == MBM_PARITY_EVEN ? 'e' : parity == MBM_PARITY_ODD ? 'o' : 'n';
@@ -83,6 +87,7 @@ int MBM_Refuse(int fault)
 
 int MBM_Open(int port, int baud, int parity)
 {
+    // A port is opened exclusively: the same one could not be had twice.
     if (MBM_isOpen)
         MBM_Close();
     const int result = OpenDevice(port, baud, parity);
@@ -112,6 +117,7 @@ void MBM_Close()
 
 bool MBM_IsGone()
 {
+    // Asking for the bytes that wait is the cheapest way to learn that the device has gone.
     return MBM_isOpen && MBM_line->waiting() < 0;
 }
 

@@ -1,4 +1,6 @@
-// Requests of the Modbus master: one function each builds its frame and sends it.
+// Requests of the Modbus master: one function each builds its frame and sends it. What the
+// answer must look like is noted before, so that a request that is refused leaves nothing to
+// wait for.
 #include "comm/modbus.h"
 #include "comm/modbus_line.h"
 
@@ -98,6 +100,7 @@ int MBM_SendFN4(int slave, int start, int quantity)
 int MBM_SendFN6(int slave, int reg, int value)
 {
     Frame frame;
+    // One register, any number and any value: nothing can be out of range.
     if (!Begin(&frame, slave, MBM_FN_WRITE_ONE, reg, 1, true))
         return MBM_FAILED;
     frame.Word(value);

@@ -4,6 +4,7 @@
 #include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/trace.h"
+#include "settings/limits.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -28,8 +29,8 @@ constexpr FaultText FAULT_TEXTS[] = {
     {MBM_FAULT_NO_ECHO, "the line does not echo what is sent: switch two-wire line echoes off"},
     {MBM_FAULT_CLOSED, FAIL_NOT_OPEN},
     {MBM_FAULT_ARGUMENT, "bad Modbus function or quantity"},
-    {MBM_FAULT_SLAVE, "bad slave address (1 to 250)"},
     {MBM_FAULT_STEP, "the line does not come to rest"},
+    {MBM_FAULT_CANCELLED, FAIL_CANCELLED},
     {MBM_ERR_OPEN, FAIL_NOT_AVAILABLE},
     {MBM_ERR_GET, FAIL_NO_SETTINGS},
     {MBM_ERR_SET, FAIL_SETTINGS_REFUSED},
@@ -71,15 +72,6 @@ uint64_t lastEndUs = 0;   // when the last frame on the line ended; 0 = none sin
 uint64_t firstByteUs = 0; // when the answer began to arrive; 0 = not yet
 size_t firstBytes = 0;    // of the answer, that were there at that time
 
-const char *NameOf(int function)
-{
-    for (const auto &row : FUNCTION_NAMES) {
-        if (row.function == function)
-            return row.name;
-    }
-    return "unknown function";
-}
-
 // "10 from 0x0064" and the like.
 std::string PlaceText(unsigned quantity, const char *link, unsigned start)
 {
@@ -88,6 +80,7 @@ std::string PlaceText(unsigned quantity, const char *link, unsigned start)
     return text;
 }
 
+// Said of every frame, good or not: a damaged answer is what one looks for in a trace.
 std::string CrcText(const uint8_t *frame, size_t count)
 {
     return count > MBF_CRC_BYTES && MBF_IsSound(frame, count) ? "CRC good" : "CRC bad";
@@ -101,13 +94,6 @@ std::string GapText(int64_t us)
     char text[48];
     std::snprintf(text, sizeof text, "%.1f characters", chars);
     return text;
-}
-
-int64_t TimeOnWireUs(size_t characters)
-{
-    return MBM_dwBaudrate == 0 ? 0
-                               : static_cast<int64_t>(characters) * BITS_PER_CHAR * 1000000 /
-                                     static_cast<int64_t>(MBM_dwBaudrate);
 }
 
 // Memory that a request of function 16 or 23 reaches through the reserved registers.
@@ -133,8 +119,13 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
         return "frame of " + std::to_string(count) + " bytes";
     const int function = frame[1];
     const unsigned start = MBF_WordAt(frame + 2), quantity = MBF_WordAt(frame + 4);
-    std::string text = "slave " + std::to_string(frame[0]) + ": " + NameOf(function) + " (" +
-                       std::to_string(function) + "), ";
+    const char *name = "unknown function"; // of a frame built by other means
+    for (const FunctionName &row : FUNCTION_NAMES) {
+        if (row.function == function)
+            name = row.name;
+    }
+    std::string text =
+        "slave " + std::to_string(frame[0]) + ": " + name + " (" + std::to_string(function) + "), ";
     if (function == MBM_FN_WRITE_ONE)
         return text + PlaceText(quantity, "into", start);
     text += PlaceText(quantity, "from", start);
@@ -149,6 +140,7 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
     return text;
 }
 
+// Of at least five bytes, the shortest answer there is.
 std::string DescribeAnswer(const uint8_t *frame, size_t count)
 {
     std::string text = "slave " + std::to_string(frame[0]);
@@ -170,6 +162,10 @@ std::string MBM_ErrorText(int fault)
         if (row.fault == fault)
             return row.text;
     }
+    if (fault == MBM_FAULT_SLAVE)
+        return "bad slave address (" + std::to_string(MODBUS_STATION_MIN) + " to " +
+               std::to_string(MODBUS_STATION_MAX) + ")";
+    // Codes beyond the standard's are the device maker's: the number is all that can be said.
     const int code = fault - MBM_FAULT_EXCEPTION;
     std::string text = "exception " + std::to_string(code);
     if (code >= 1 && code <= EXCEPTIONS_KNOWN)
@@ -209,12 +205,15 @@ void MBMTRC_End(bool isEchoSkipped, int fault)
     if (isEchoSkipped)
         current.result += FAIL_ECHO_SEEN;
     if (current.received.count >= echo + 5) {
-        // What passed on the wire until then is no gap.
+        // What passed on the wire until then is no gap. A port without a baud rate has no wire.
         const size_t passed = firstBytes + (echo > 0 ? 0 : current.sent.count);
         const auto began = static_cast<int64_t>(firstByteUs - current.startUs);
+        const auto baud = static_cast<int64_t>(MBM_dwBaudrate);
+        const int64_t onWireUs =
+            baud == 0 ? 0 : static_cast<int64_t>(passed) * BITS_PER_CHAR * 1000000 / baud;
         current.answer =
             DescribeAnswer(current.received.bytes + echo, current.received.count - echo) +
-            ", gap " + GapText(began - TimeOnWireUs(passed));
+            ", gap " + GapText(began - onWireUs);
     }
     TRC_Add(current);
 }
@@ -228,6 +227,6 @@ void MBMTRC_Link(bool isOpening, int port, int result)
                      " baud, Modbus RTU";
     record.isGood = result == 0;
     record.result = result != 0 ? MBM_ErrorText(result) : isOpening ? "opened" : "closed";
-    lastEndUs = 0;
+    lastEndUs = 0; // the first request of a port has no gap in front of it
     TRC_Add(record);
 }

@@ -1,3 +1,5 @@
+// Characters come one by one: start and end characters tell frames, and each sound answer is
+// looked up among the open requests of its station.
 #include "comm/mr166_answers.h"
 
 #include "comm/mr166_link.h"
@@ -121,11 +123,6 @@ MrANS_Judgement JudgeAnswer(const Mr166_Request *request, int station)
     return {MrANS_Judgement::ACCEPTED, 0};
 }
 
-bool IsOwnEcho()
-{
-    return sorter.count == cbSnd && std::memcmp(sorter.frame, Mr166_abySnd, cbSnd) == 0;
-}
-
 } // namespace
 
 STEP_Shape MrANS_ShapeOf(int command, unsigned dataBytes)
@@ -171,7 +168,8 @@ MrANS_Judgement MrANS_JudgeByte(char byte, const Mr166_Request *request, int sta
         return judgement;
     }
     case Event::ECHO: {
-        const bool isOwn = IsOwnEcho();
+        const bool isOwn =
+            sorter.count == cbSnd && std::memcmp(sorter.frame, Mr166_abySnd, cbSnd) == 0;
         if (!isOwn) // an answer whose first character was damaged looks like this
             STEP_Junk(&MrANS_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         sorter.count = 0;

@@ -97,20 +97,8 @@ int SendProbe(int station, STEP_Shape shape)
 
 constexpr STEP_Prober PROBER = {PROBES, sizeof PROBES / sizeof PROBES[0], SendProbe};
 
-int SendAndRead(const Mr166_Driver &driver, const Mr166_Request &request, MrTRY_Kind sending)
-{
-    if (!MrTRY_Send(driver, request, false))
-        return 0;
-    wasSent = true;
-    wMr166State = MR166_STATE_WAITING;
-    // What failed once is sorted: a stray character before each answer costs one try, not all.
-    if (sending == MrTRY_Kind::REQUEST && STEP_IsCalm(MrANS_line, request.station, 1) &&
-        MrANS_CountBegun() == 0)
-        return MrTRY_ReadInStep(driver, request);
-    return MrTRY_FinishSorted(request, MrTRY_ReadSorted(driver, request, sending));
-}
-
-// What the first try and the repetitions have in common. `probes` is negative for the latter.
+// What the first try and the repetitions have in common. `probes` is negative for the latter:
+// they went out in step once, and an answer to any of the sendings is right.
 int Try(const Mr166_Driver &driver, const Mr166_Request &request, int probes)
 {
     if (STEP_IsBreak())
@@ -122,10 +110,19 @@ int Try(const Mr166_Driver &driver, const Mr166_Request &request, int probes)
     }
     // What waits now was there before this try: the sorter says whose it is.
     MrANS_ClearInput(driver, request.station);
-    if (probes >= 0 && STEP_MakeSafe(&MrANS_line, request.station, MrANS_ShapeOfAnswerTo(request),
-                                     probes, PROBER) != STEP_PROVEN)
+    const bool isFirst = probes >= 0;
+    if (isFirst && STEP_MakeSafe(&MrANS_line, request.station, MrANS_ShapeOfAnswerTo(request),
+                                 probes, PROBER) != STEP_PROVEN)
         return 0;
-    return SendAndRead(driver, request, probes >= 0 ? MrTRY_Kind::REQUEST : MrTRY_Kind::REPETITION);
+    if (!MrTRY_Send(driver, request, false))
+        return 0;
+    wasSent = true;
+    wMr166State = MR166_STATE_WAITING;
+    // What failed once is sorted: a stray character before each answer costs one try, not all.
+    if (isFirst && STEP_IsCalm(MrANS_line, request.station, 1) && MrANS_CountBegun() == 0)
+        return MrTRY_ReadInStep(driver, request);
+    const MrTRY_Kind sending = isFirst ? MrTRY_Kind::REQUEST : MrTRY_Kind::REPETITION;
+    return MrTRY_FinishSorted(request, MrTRY_ReadSorted(driver, request, sending));
 }
 
 } // namespace

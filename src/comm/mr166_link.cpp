@@ -1,4 +1,5 @@
-// The mr166 link's port, chosen driver and block transfers.
+// The mr166 link's port, chosen driver and block transfers. A block is tried until it is
+// answered soundly; whether the answers were its own is proven behind the transfer.
 #include "comm/mr166_link.h"
 
 #include "comm/failures.h"
@@ -83,58 +84,16 @@ bool ReadBlock(int station, uint32_t address, uint16_t count, void *buffer)
     return true;
 }
 
-bool WriteBlock(int station, uint32_t address, uint16_t count, const void *data)
-{
-    return ExchangeBlock({station, MR166_CMD_WRITE, address, count, data});
-}
-
-// Both end at the first block that fails: what lies behind it is not asked for any more.
-bool ReadBlocks(int station, uint32_t address, uint32_t count, uint8_t *bytes)
-{
-    for (uint32_t done = 0; done < count; done += MR166_READ_MAX) {
-        if (!ReadBlock(station, address + done, BlockOf(count - done, MR166_READ_MAX),
-                       bytes + done))
-            return false;
-    }
-    return true;
-}
-
-bool WriteBlocks(int station, uint32_t address, uint32_t count, const uint8_t *bytes)
-{
-    for (uint32_t done = 0; done < count; done += MR166_WRITE_MAX) {
-        if (!WriteBlock(station, address + done, BlockOf(count - done, MR166_WRITE_MAX),
-                        bytes + done))
-            return false;
-    }
-    return true;
-}
-
-// Whether something that was accepted, of any station, still waits for its proof.
-bool IsAnyProofDue()
-{
-    for (int station = 0; station < STATIONS; ++station) {
-        if (MrEXC_IsProofDue(station))
-            return true;
-    }
-    return false;
-}
-
-// Each round brought more answers than were asked for: no byte of it can be believed.
-int GiveUpSurplus()
-{
-    nMr166Err = MR166_FAULT_SURPLUS;
-    Mr166_nFault = MR166_FAULT_SURPLUS;
-    FAIL_Note(MrASC_ErrorText(MR166_FAULT_SURPLUS));
-    return -1;
-}
-
 // Makes a transfer and puts a proof behind it: always when it has several blocks, because an
 // answer that came twice shifts all that follow; else when the line is suspicious. When more
 // answers came than were asked for, the transfer is made again.
 template <typename Transfer>
 int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer transfer)
 {
-    const bool isAllProven = !IsAnyProofDue();
+    // Whether nothing that was accepted before, of any station, still waits for its proof.
+    bool isAllProven = true;
+    for (int i = 0; i < STATIONS; ++i)
+        isAllProven = isAllProven && !MrEXC_IsProofDue(i);
     const uint32_t surplusBefore = MrEXC_Surplus();
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MrEXC_Surplus();
@@ -157,7 +116,11 @@ int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer tran
             surplusAtProof += MrEXC_Surplus() - surplusBefore;
         return 0;
     }
-    return GiveUpSurplus();
+    // Each round brought more answers than were asked for: no byte of it can be believed.
+    nMr166Err = MR166_FAULT_SURPLUS;
+    Mr166_nFault = MR166_FAULT_SURPLUS;
+    FAIL_Note(MrASC_ErrorText(MR166_FAULT_SURPLUS));
+    return -1;
 }
 
 // 1 when the block was the last one: a full block says nothing about what follows.
@@ -234,15 +197,29 @@ int MrFrameOut()
 int Mr166_Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
     uint8_t *bytes = static_cast<uint8_t *>(buffer);
-    return TransferProven(station, count, MR166_READ_MAX,
-                          [&] { return ReadBlocks(station, address, count, bytes); });
+    return TransferProven(station, count, MR166_READ_MAX, [&] {
+        // Ends at the first block that fails: what lies behind it is not asked for any more.
+        for (uint32_t done = 0; done < count; done += MR166_READ_MAX) {
+            if (!ReadBlock(station, address + done, BlockOf(count - done, MR166_READ_MAX),
+                           bytes + done))
+                return false;
+        }
+        return true;
+    });
 }
 
 int Mr166_Write(int station, uint32_t address, uint32_t count, const void *data)
 {
     const uint8_t *bytes = static_cast<const uint8_t *>(data);
-    return TransferProven(station, count, MR166_WRITE_MAX,
-                          [&] { return WriteBlocks(station, address, count, bytes); });
+    return TransferProven(station, count, MR166_WRITE_MAX, [&] {
+        // In the order of addresses: what stands in front of a failure has been written.
+        for (uint32_t done = 0; done < count; done += MR166_WRITE_MAX) {
+            if (!ExchangeBlock({station, MR166_CMD_WRITE, address + done,
+                                BlockOf(count - done, MR166_WRITE_MAX), bytes + done}))
+                return false;
+        }
+        return true;
+    });
 }
 
 int Mr166_Prove()
@@ -273,7 +250,7 @@ int Mr166_ReadBg(int station, uint32_t *address, uint32_t *count, uint8_t **buff
 int Mr166_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t **data)
 {
     const uint16_t block = BlockOf(*count, MR166_WRITE_MAX);
-    if (!WriteBlock(station, *address, block, *data))
+    if (!ExchangeBlock({station, MR166_CMD_WRITE, *address, block, *data}))
         return -1;
     return Advance(block, MR166_WRITE_MAX, address, count, data);
 }

@@ -87,7 +87,7 @@ bool MrASC_IsGone(); // the open port's device is not there any more
 int MrFrameOut();
 
 // One exchange. When the line is not in step, a probe goes out first (see
-// docs/architecture.md), which is in the trace but not in the counters unless it fails like
+// docs/architecture/line.md), which is in the trace but not in the counters unless it fails like
 // a try. 1 answered correctly, data in Mr166_abyRcvData; 0 failed, cause in
 // nMr166Err. The run-time driver answers a bad station, command or write count with
 // MR166_ERR_ARGUMENT. `word` is the count for commands 0 and 8, else the value sent;

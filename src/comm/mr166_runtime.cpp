@@ -21,30 +21,6 @@ enum class State { IDLE, SKIPPING_ECHO, COLLECTING, COMPLETE, WRONG_START };
 
 int openPort = 0; // what this driver opened, whatever the settings say by now
 
-void ClearOutput()
-{
-    FlushOutQ(openPort);
-}
-
-int Waiting()
-{
-    return GetInQLen(openPort);
-}
-
-int FrameOut()
-{
-    return wMrOpenFlag ? ComWrt(openPort, Mr166_abySnd, cbSnd) : -1;
-}
-
-int ReadSome(char *buffer, size_t capacity, unsigned waitMs)
-{
-    const int waiting = WaitInQ(openPort, waitMs);
-    int count = 0;
-    while (count < waiting && static_cast<size_t>(count) < capacity)
-        buffer[count++] = static_cast<char>(ComRdByte(openPort));
-    return waiting < 0 ? waiting : count;
-}
-
 State Advance(State state, char byte)
 {
     if (state == State::SKIPPING_ECHO)
@@ -106,8 +82,23 @@ Mr166_Ending ReadAnswer(size_t /*expected*/, bool *isEchoSeen)
 } // namespace
 
 const Mr166_Driver MR166_DRIVER_RUNTIME = {
-    "run-time driver", MR166_ERR_ARGUMENT, true,     MrASC_OpenNI, MrASC_CloseNI, ClearOutput,
-    Waiting,           FrameOut,           ReadSome, ReadAnswer,
+    "run-time driver",
+    MR166_ERR_ARGUMENT,
+    true,
+    MrASC_OpenNI,
+    MrASC_CloseNI,
+    [] { FlushOutQ(openPort); },
+    [] { return GetInQLen(openPort); },
+    [] { return wMrOpenFlag ? ComWrt(openPort, Mr166_abySnd, cbSnd) : -1; },
+    // readSome: the library hands out single bytes
+    [](char *buffer, size_t capacity, unsigned waitMs) {
+        const int waiting = WaitInQ(openPort, waitMs);
+        int count = 0;
+        while (count < waiting && static_cast<size_t>(count) < capacity)
+            buffer[count++] = static_cast<char>(ComRdByte(openPort));
+        return waiting < 0 ? waiting : count;
+    },
+    ReadAnswer,
 };
 
 int MrASC_OpenNI(int port, int baud)

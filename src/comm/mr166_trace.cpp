@@ -36,7 +36,7 @@ constexpr ErrorText ERROR_TEXTS[] = {
     {MR166_FAULT_SEND, FAIL_NOT_SENT},
     {MR166_FAULT_ECHO, FAIL_ECHO},
     {MR166_FAULT_COUNT, FAIL_COUNT},
-    {MR166_FAULT_CANCELLED, "cancelled"},
+    {MR166_FAULT_CANCELLED, FAIL_CANCELLED},
     {MR166_FAULT_SURPLUS, "answers come more than once"},
     {MR166_FAULT_MISSING, "port is not available: no such device"},
     {MR166_FAULT_BUSY, "port is not available: another program has it"},
@@ -56,17 +56,7 @@ std::string HexList(const uint8_t *bytes, size_t count)
     return count > 0 ? text + " " + BYT_Hex(bytes, count) : text;
 }
 
-// What is written is taken back out of the request frame.
-std::string WrittenData()
-{
-    constexpr size_t FRAME_COUNT = 9, FRAME_DATA = 11;
-    uint8_t bytes[MR166_WRITE_MAX];
-    const size_t count = hexToByte(Mr166_abySnd + FRAME_COUNT);
-    for (size_t i = 0; i < count; ++i)
-        bytes[i] = hexToByte(Mr166_abySnd + FRAME_DATA + 2 * i);
-    return HexList(bytes, count);
-}
-
+// The request in words. Its frame stands in the send buffer.
 std::string DescribeRequest(const Mr166_Request &request, bool isProbe)
 {
     const auto station = static_cast<unsigned>(request.station);
@@ -82,7 +72,13 @@ std::string DescribeRequest(const Mr166_Request &request, bool isProbe)
                       address);
     } else if (command == MR166_CMD_WRITE) {
         std::snprintf(text, sizeof text, "station %u: write at 0x%06X ", station, address);
-        return text + WrittenData();
+        // Taken out of the frame again: the trace shows what goes over the line.
+        constexpr size_t FRAME_COUNT = 9, FRAME_DATA = 11;
+        uint8_t bytes[MR166_WRITE_MAX];
+        const size_t count = hexToByte(Mr166_abySnd + FRAME_COUNT);
+        for (size_t i = 0; i < count; ++i)
+            bytes[i] = hexToByte(Mr166_abySnd + FRAME_DATA + 2 * i);
+        return text + HexList(bytes, count);
     } else {
         std::snprintf(text, sizeof text, "station %u: command %u at 0x%06X with 0x%04X", station,
                       command, address, word);
@@ -140,6 +136,7 @@ void MrTRC_Link(bool isOpening, int port, int baud, int result)
     record.request = "COM" + std::to_string(port) + " at " + std::to_string(baud) + " baud, " +
                      MrASC_Driver().name;
     record.isGood = result == 0;
+    // The reason of a failure stands in place of "opened".
     record.result = isOpening ? "opened" : "closed";
     if (result != 0)
         record.result = MrASC_ErrorText(result);

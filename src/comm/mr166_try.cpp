@@ -81,12 +81,6 @@ int Succeed(const Mr166_Request &request, bool isEchoSeen)
     return 1;
 }
 
-// The driver that reads by length takes the echo for the beginning of the answer.
-bool StartsWithOwnEcho()
-{
-    return cbRcv > 0 && std::memcmp(Mr166_abyRcv, Mr166_abySnd, std::min(cbRcv, cbSnd)) == 0;
-}
-
 } // namespace
 
 MrTRY_Examined MrTRY_Examine(const Mr166_Driver &driver, const Mr166_Request &request,
@@ -236,8 +230,11 @@ int MrTRY_ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
         STEP_Refused(&MrANS_line, request.station, shape);
         return FailCheck(count, count, isEchoSeen);
     }
-    const bool isEcho = ending == Mr166_Ending::COMPLETE && StartsWithOwnEcho();
+    // The driver that reads by length takes the echo for the beginning of the answer.
+    const bool isEcho = ending == Mr166_Ending::COMPLETE && cbRcv > 0 &&
+                        std::memcmp(Mr166_abyRcv, Mr166_abySnd, std::min(cbRcv, cbSnd)) == 0;
     MrANS_SortLeftOver(Mr166_abyRcv, cbRcv, request.station);
+    // The answer behind the echo is waited for, or it would meet the next request.
     if (isEcho)
         (void)MrTRY_ReadSorted(driver, request, MrTRY_Kind::REQUEST);
     if (ending == Mr166_Ending::TIME_OUT)

@@ -11,44 +11,6 @@ namespace {
 constexpr int PORT_MAX = 255;
 constexpr int DATA_BITS = 8, STOP_BITS = 2;
 
-int Configure(int baud)
-{
-    SER_Settings settings;
-    settings.baud = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
-    settings.dataBits = DATA_BITS;
-    settings.stopBits = STOP_BITS;
-    switch (SER_Configure(MR166_hCom, settings)) {
-    case SER_OK:
-        return 0;
-    case SER_ERR_GET:
-        return MR166_ERR_GET;
-    default:
-        return MR166_ERR_SET;
-    }
-}
-
-void ClearOutput()
-{
-    SER_FlushOutput(MR166_hCom);
-}
-
-int Waiting()
-{
-    return SER_BytesWaiting(MR166_hCom);
-}
-
-int FrameOut()
-{
-    if (!wMrOpenFlag)
-        return -1;
-    return SER_Write(MR166_hCom, Mr166_abySnd, cbSnd) == cbSnd ? 0 : -1;
-}
-
-int ReadSome(char *buffer, size_t capacity, unsigned waitMs)
-{
-    return SER_ReadSome(MR166_hCom, buffer, capacity, waitMs);
-}
-
 Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
 {
     // One system call for the whole answer: the quickest way on a line that works.
@@ -65,8 +27,19 @@ Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
 } // namespace
 
 const Mr166_Driver MR166_DRIVER_WIN32 = {
-    "Win32 driver", 0,       false,    MrASC_OpenWin32, MrASC_CloseWin32,
-    ClearOutput,    Waiting, FrameOut, ReadSome,        ReadAnswer,
+    "Win32 driver",
+    0, // a bad argument is a failure like any other
+    false,
+    MrASC_OpenWin32,
+    MrASC_CloseWin32,
+    [] { SER_FlushOutput(MR166_hCom); },
+    [] { return SER_BytesWaiting(MR166_hCom); },
+    // frameOut: half a frame is no frame, its rest would stand before the next one
+    [] { return wMrOpenFlag && SER_Write(MR166_hCom, Mr166_abySnd, cbSnd) == cbSnd ? 0 : -1; },
+    [](char *buffer, size_t capacity, unsigned waitMs) {
+        return SER_ReadSome(MR166_hCom, buffer, capacity, waitMs);
+    },
+    ReadAnswer,
 };
 
 int MrASC_OpenWin32(int port, int baud)
@@ -77,10 +50,16 @@ int MrASC_OpenWin32(int port, int baud)
         return MR166_ERR_PORT;
     if (SER_Open(port, &MR166_hCom) != SER_OK)
         return MR166_ERR_OPEN;
-    const int result = Configure(baud);
-    if (result != 0) {
+    SER_Settings settings;
+    // No baud rate at all is refused by the device, with its own reason.
+    settings.baud = baud > 0 ? static_cast<uint32_t>(baud) : 0u;
+    settings.dataBits = DATA_BITS;
+    settings.stopBits = STOP_BITS;
+    const int result = SER_Configure(MR166_hCom, settings);
+    if (result != SER_OK) {
+        // Half-opened is closed: the next attempt finds the port free.
         MrASC_CloseWin32();
-        return result;
+        return result == SER_ERR_GET ? MR166_ERR_GET : MR166_ERR_SET;
     }
     // In full for reading and for writing: a device that takes nothing must end as well.
     SER_SetTimeouts(MR166_hCom, Mr166_nTimeoutMs, Mr166_nTimeoutMs);

@@ -1,4 +1,5 @@
-// The ring of the wire trace and the text of a record.
+// The ring grows up to its capacity and then overwrites its oldest record in place, so that a
+// trace that runs for days costs no more than one that has just been switched on.
 #include "comm/trace.h"
 #include "text/bytes.h"
 
@@ -25,16 +26,6 @@ void UpdateFlag()
     TRC_isOn = (capacity > 0 && !isStopped) || sinkCall != nullptr;
 }
 
-void Keep(const TRC_Record &record)
-{
-    if (ring.size() < capacity) {
-        ring.push_back(record);
-        return;
-    }
-    ring[oldest] = record;
-    oldest = (oldest + 1) % capacity;
-}
-
 void AppendLine(std::string *text, const char *mark, const std::string &line)
 {
     *text += "  ";
@@ -42,22 +33,6 @@ void AppendLine(std::string *text, const char *mark, const std::string &line)
     *text += ' ';
     *text += line;
     *text += '\n';
-}
-
-std::string HeadLine(const TRC_Record &record)
-{
-    char stamp[64];
-    const PLT_Date &when = record.when;
-    std::snprintf(stamp, sizeof stamp, "#%llu %02d:%02d:%02d.%03d ",
-                  static_cast<unsigned long long>(record.number), when.hour, when.minute,
-                  when.second, when.millisecond);
-    std::string line = stamp + record.request + ": " + record.result;
-    if (record.sent.count > 0) {
-        std::snprintf(stamp, sizeof stamp, " (%u.%03u ms)", record.durationUs / 1000u,
-                      record.durationUs % 1000u);
-        line += stamp;
-    }
-    return line + "\n";
 }
 
 } // namespace
@@ -116,7 +91,19 @@ std::string TRC_FormatBytes(const TRC_Bytes &bytes)
 
 void TRC_Format(const TRC_Record &record, std::string *text)
 {
-    *text += HeadLine(record);
+    char stamp[64];
+    const PLT_Date &when = record.when;
+    std::snprintf(stamp, sizeof stamp, "#%llu %02d:%02d:%02d.%03d ",
+                  static_cast<unsigned long long>(record.number), when.hour, when.minute,
+                  when.second, when.millisecond);
+    *text += stamp + record.request + ": " + record.result;
+    // Opening and closing take no time on the line.
+    if (record.sent.count > 0) {
+        std::snprintf(stamp, sizeof stamp, " (%u.%03u ms)", record.durationUs / 1000u,
+                      record.durationUs % 1000u);
+        *text += stamp;
+    }
+    *text += '\n';
     if (record.sent.count > 0)
         AppendLine(text, ">", TRC_FormatBytes(record.sent));
     if (record.received.count > 0)
@@ -129,8 +116,14 @@ void TRC_Add(const TRC_Record &record)
 {
     TRC_Record numbered = record;
     numbered.number = ++lastNumber;
-    if (capacity > 0 && !isStopped)
-        Keep(numbered);
+    if (capacity > 0 && !isStopped && ring.size() < capacity) {
+        ring.push_back(numbered);
+    } else if (capacity > 0 && !isStopped) {
+        // Full: the new record stands where the oldest stood.
+        ring[oldest] = numbered;
+        oldest = (oldest + 1) % capacity;
+    }
+    // A paused window leaves no gap in the file.
     if (sinkCall != nullptr) {
         std::string text;
         TRC_Format(numbered, &text);

@@ -1,4 +1,6 @@
-// Dispatch of the unified layer by the recorded protocol, and its error counters.
+// Each operation goes to the row of the recorded protocol. What the links cannot know is kept
+// here: which results were failures, who was refused before a link was asked, and what the
+// links had counted when the statistics were last reset.
 #include "comm/ucm.h"
 
 #include "comm/failures.h"
@@ -127,6 +129,7 @@ int UCM_Open(int protocol, int port, int baud)
     if (row == nullptr)
         return Refuse();
     ownCause = nullptr;
+    // Recorded before it is known to work: the reason of a failure is asked of this protocol.
     UCM_recS.protocol = static_cast<int16_t>(protocol);
     UCM_recS.port = static_cast<int16_t>(port);
     const int result = row->open(port, baud);
@@ -180,6 +183,7 @@ uint32_t UCM_CountDoubts()
 
 int UCM_MakeProven(const std::function<int()> &exchange)
 {
+    // A failure ends it at once, unproven: there is nothing to be shown.
     int proof = UCM_READ_AGAIN;
     for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
         const int result = exchange();
@@ -275,7 +279,8 @@ int UCM_ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
     if (protocol == nullptr)
         return refusal;
     const uint32_t blockMax = GRP_ReadWire(protocol->number).blockMax;
-    // In as many blocks as without a proof, if a length can be had for that; else in one more.
+    // The last block has to have a length that proves; in as many blocks as without a proof, if
+    // one can be had for that, else in one more.
     const uint32_t blocks = (count + blockMax - 1) / blockMax;
     const uint32_t least = count > 0 ? count - (blocks - 1) * blockMax : 0;
     uint32_t last = protocol->pickProving(station, least, std::min(count, blockMax));
@@ -289,6 +294,7 @@ int UCM_ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
                                 bytes + done);
     if (result < 0 || last == 0)
         return std::min(result, 0);
+    // That is one try. What it was to prove waits for UCM_Prove then.
     if (protocol->readProving(station, address + done, last, bytes + done) == 0)
         return 1;
     return protocol->read(station, address + done, last, bytes + done); // with all its tries

@@ -109,7 +109,8 @@ int UCM_WriteBg(int station, uint32_t *address, uint32_t *count, const uint8_t *
 uint32_t UCM_WriteStep();
 
 // One request: 1 answered correctly, 0 failed; UCM_ERR_ARGUMENT as described for each protocol.
-// `data` is what command 8 writes, and receives nothing.
+// `data` is what command 8 writes. What command 0 reads stays in the mr166 link's buffer; over
+// Modbus it is put into `data`, which must then be writable.
 int UCM_EmuCom166Msg(int station, int command, uint32_t address, uint16_t word, const void *data);
 // The same without waiting for a correct answer; mr166 only.
 int UCM_EmuCom166MsgNA(int station, int command, uint32_t address, uint16_t word, const void *data);

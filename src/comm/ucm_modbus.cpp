@@ -1,11 +1,15 @@
 // Target memory over Modbus: reads and writes are carried through reserved registers, in
 // blocks; the link's commands are emulated. The Modbus row of the unified layer.
 #include "comm/ucm_modbus.h"
+#include "comm/in_step.h"
 #include "comm/modbus.h"
+#include "comm/modbus_frames.h"
 #include "comm/modbus_line.h"
 #include "comm/modbus_step.h"
 #include "comm/ucm.h"
 #include "comm/ucm_protocol.h"
+#include "settings/limits.h"
+#include "settings/settings.h"
 
 #include <algorithm>
 
@@ -14,8 +18,6 @@ namespace {
 // 108 registers of data and two of the address: a multiple of four bytes below the 123
 // registers that a frame can write.
 constexpr uint32_t BLOCK_BYTES = 216, WRITE_BLOCK_MAX = 246;
-constexpr uint16_t TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB; // address, then the data
-constexpr uint16_t DATA_START = 0xFF00;                       // data of a read
 constexpr uint16_t ADDRESS_REGISTERS = 2;
 
 constexpr int ROUNDS_MAX = 3; // of a transfer during which more answers came than were asked for
@@ -26,7 +28,7 @@ uint32_t surplusAtProof = 0;
 // The place says whether the last register carries one byte or two.
 uint16_t TunnelOf(uint32_t count)
 {
-    return count % 2 != 0 ? TUNNEL_ODD : TUNNEL_EVEN;
+    return count % 2 != 0 ? MBF_TUNNEL_ODD : MBF_TUNNEL_EVEN;
 }
 
 // High half first, as registers of 32 bits are usually laid out.
@@ -36,42 +38,9 @@ void PutAddress(uint32_t address, uint16_t *registers)
     registers[1] = static_cast<uint16_t>(address);
 }
 
-// Blocks in address order, up to the first that fails. The last one's result; 0 for none.
-int WriteBlocks(int slave, uint32_t address, uint32_t count, const uint8_t *bytes)
-{
-    int result = 0;
-    while (count > 0 && result >= 0)
-        result = std::min(UCM_WriteBlkBgMBM(slave, &address, &count, &bytes), 0);
-    return result;
-}
-
-int ReadBlocks(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
-{
-    int result = 0;
-    while (count > 0 && result >= 0) {
-        const uint32_t block = std::min(count, BLOCK_BYTES);
-        result = UCM_ReadBlkMBM(slave, address, block, bytes);
-        address += block;
-        bytes += block;
-        count -= block;
-    }
-    return result;
-}
-
-// Even parity is the standard's default.
-int Open(int port, int baud)
-{
-    return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
-}
-
-int IsOpened()
-{
-    return MBM_isOpen ? 1 : 0;
-}
-
 int Message(int slave, int command, uint32_t address, uint16_t word, const void *data)
 {
-    if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX) {
+    if (slave < MODBUS_STATION_MIN || slave > MODBUS_STATION_MAX) {
         MBM_Refuse(MBM_FAULT_SLAVE);
         (void)UCM_CountErr(UCM_ERR_ARGUMENT);
         return 0;
@@ -86,7 +55,7 @@ int Message(int slave, int command, uint32_t address, uint16_t word, const void 
 int Prove()
 {
     int fault = 0;
-    for (int slave = UCM_SLAVE_MIN; slave <= UCM_SLAVE_MAX; ++slave) {
+    for (int slave = MODBUS_STATION_MIN; slave <= MODBUS_STATION_MAX; ++slave) {
         if (!MBMSTEP_IsProofDue(slave))
             continue;
         if (fault == 0)
@@ -102,41 +71,15 @@ int Prove()
     return isSurplus ? UCM_READ_AGAIN : UCM_PROVEN;
 }
 
-uint32_t PickProving(int slave, uint32_t least, uint32_t most)
-{
-    return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
-}
-
-int ReadProving(int slave, uint32_t address, uint32_t count, void *buffer)
-{
-    const int fault = MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
-    return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
-}
-
-bool IsEchoing()
-{
-    return MBM_nFault == MBM_FAULT_ECHO;
-}
-
-std::string LastErrorText()
-{
-    return MBM_nFault == 0 ? std::string() : MBM_ErrorText(MBM_nFault);
-}
-
-void AddCounts(UCM_Statistics *statistics)
-{
-    statistics->answered += MBM_cnOk;
-    statistics->timeouts += MBM_cnSilent;
-    statistics->damaged += MBM_cnRefused;
-    statistics->repeated += cnRepeated;
-}
-
 } // namespace
 
 int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Part *to)
 {
     int result = MBM_FAILED;
     for (int left = UCM_recS.tries; left > 0 && result < 0; --left) {
+        if (STEP_IsBreak())
+            return UCM_CountErr(MBM_Refuse(MBM_FAULT_CANCELLED));
+        STEP_TellWaiting(slave, MBM_nFault != 0);
         result = UCM_CountErr(MBM_MasterFN(function, slave, from, to));
         if (result < 0)
             ++cnRepeated;
@@ -166,7 +109,7 @@ int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
     PutAddress(address, target);
     const uint32_t quantity = (count + 1) / 2;
     const MBM_Part to = {TunnelOf(count), ADDRESS_REGISTERS, target};
-    const MBM_Part from = {DATA_START, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
+    const MBM_Part from = {MBF_TUNNEL_DATA, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
                            registers};
     const int result = UCM_ExchangeMBM(MBM_FN_READ_WRITE, slave, &from, &to);
     uint8_t *bytes = static_cast<uint8_t *>(buffer);
@@ -203,7 +146,12 @@ int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
     // Of several blocks, one's confirmation may have come twice in place of the next one's.
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MBMSTEP_Surplus();
-        const int result = WriteBlocks(slave, address, count, static_cast<const uint8_t *>(data));
+        const uint8_t *bytes = static_cast<const uint8_t *>(data);
+        uint32_t place = address, left = count;
+        int result = 0;
+        // In address order, up to the first block that fails.
+        while (left > 0 && result >= 0)
+            result = std::min(UCM_WriteBlkBgMBM(slave, &place, &left, &bytes), 0);
         if (result < 0 || count <= BLOCK_BYTES || MBMSTEP_Surplus() == surplus)
             return result;
     }
@@ -214,7 +162,12 @@ int UCM_ReadMBM(int slave, uint32_t address, uint32_t count, void *buffer)
 {
     for (int round = 0; round < ROUNDS_MAX; ++round) {
         const uint32_t surplus = MBMSTEP_Surplus();
-        const int result = ReadBlocks(slave, address, count, static_cast<uint8_t *>(buffer));
+        uint8_t *bytes = static_cast<uint8_t *>(buffer);
+        int result = 0;
+        for (uint32_t done = 0; done < count && result >= 0; done += BLOCK_BYTES)
+            result = UCM_ReadBlkMBM(slave, address + done, std::min(count - done, BLOCK_BYTES),
+                                    bytes + done);
+        // A single block on a calm line is proven by the caller, with others, once a sweep.
         if (result < 0 || !MBMSTEP_IsProofDue(slave) ||
             (count <= BLOCK_BYTES && !MBMSTEP_IsSuspicious(slave)))
             return result;
@@ -243,9 +196,46 @@ int UCM_EmuCom166MsgMBM(int slave, int command, uint32_t address, uint16_t word,
 }
 
 const UCM_Protocol UCM_PROTOCOL_MODBUS = {
-    2,           UCM_SLAVE_MIN, UCM_SLAVE_MAX,    BLOCK_BYTES,       Open,
-    MBM_Close,   IsOpened,      nullptr,          UCM_ReadMBM,       PickProving,
-    ReadProving, UCM_WriteMBM,  UCM_ReadBlkBgMBM, UCM_WriteBlkBgMBM, Message,
-    nullptr,     Prove,         IsEchoing,        LastErrorText,     AddCounts,
+    PROTOCOL_MODBUS,
+    MODBUS_STATION_MIN,
+    MODBUS_STATION_MAX,
+    BLOCK_BYTES,
+    // open: even parity is the standard's default
+    [](int port, int baud) {
+        surplusAtProof = 0; // counted anew on each port
+        return MBM_Open(port, baud, MBM_PARITY_EVEN) < 0 ? UCM_CountErr(UCM_ERR_MODBUS_OPEN) : 0;
+    },
+    MBM_Close,
+    // isOpened
+    [] { return MBM_isOpen ? 1 : 0; },
+    nullptr,
+    UCM_ReadMBM,
+    // pickProving
+    [](int slave, uint32_t least, uint32_t most) {
+        return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
+    },
+    // readProving: the caller reads again, with all tries, what fails here
+    [](int slave, uint32_t address, uint32_t count, void *buffer) {
+        const int fault =
+            MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
+        return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
+    },
+    UCM_WriteMBM,
+    UCM_ReadBlkBgMBM,
+    UCM_WriteBlkBgMBM,
+    Message,
+    nullptr,
+    Prove,
+    // isEchoing
+    [] { return MBM_nFault == MBM_FAULT_ECHO; },
+    // lastErrorText
+    [] { return MBM_nFault == 0 ? std::string() : MBM_ErrorText(MBM_nFault); },
+    // addCounts: since the program started, the layer above subtracts its last reset
+    [](UCM_Statistics *statistics) {
+        statistics->answered += MBM_cnOk;
+        statistics->timeouts += MBM_cnSilent;
+        statistics->damaged += MBM_cnRefused;
+        statistics->repeated += cnRepeated;
+    },
     MBM_IsGone,
 };

@@ -7,8 +7,6 @@
 
 #include <cstdint>
 
-constexpr int UCM_SLAVE_MIN = 1, UCM_SLAVE_MAX = 250;
-
 // MBM_MasterFN, repeated after a failure as often as UCM_recS.tries says; every failure
 // is counted.
 int UCM_ExchangeMBM(int function, int slave, const MBM_Part *from, const MBM_Part *to);

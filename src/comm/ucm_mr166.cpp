@@ -1,4 +1,5 @@
-// The mr166 link as a protocol of the unified layer.
+// The mr166 link as a protocol of the unified layer. A row's results are 16-bit numbers and are
+// counted here: the link below knows neither.
 #include "comm/mr166_driver.h"
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
@@ -15,36 +16,16 @@ void ApplyTries()
     Mr166_CnBlkRpt = UCM_recS.tries;
 }
 
+// Of bare requests, whose station nobody above has looked at.
 bool IsStation(int station)
 {
     return station >= 0 && station <= STATION_MAX;
-}
-
-int Open(int port, int baud)
-{
-    ApplyTries();
-    return UCM_CountErr(MrASC_Open(port, baud));
-}
-
-int UseWin32(int flag)
-{
-    return UCM_CountErr(MrASC_UseWin32(flag));
 }
 
 int Read(int station, uint32_t address, uint32_t count, void *buffer)
 {
     ApplyTries();
     return UCM_CountErr(Mr166_Read(station, address, count, buffer));
-}
-
-uint32_t PickProving(int station, uint32_t least, uint32_t most)
-{
-    return MrEXC_PickProving(station, IsWordAddressing(Procesor) ? 2 : 1, least, most);
-}
-
-int ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
-{
-    return MrEXC_ReadProving(station, address, static_cast<uint16_t>(count), buffer) == 1 ? 0 : -1;
 }
 
 int Write(int station, uint32_t address, uint32_t count, const void *data)
@@ -81,52 +62,52 @@ int MessageNoAnswer(int station, int command, uint32_t address, uint16_t word, c
     return UCM_CountErr(Mr166MessageW32NA(station, command, address, word, data));
 }
 
-std::string LastErrorText()
-{
-    return Mr166_nFault == 0 ? std::string() : MrASC_ErrorText(Mr166_nFault);
-}
-
-int Prove()
-{
-    ApplyTries();
-    return Mr166_Prove();
-}
-
-bool IsEchoing()
-{
-    return Mr166_isEchoing;
-}
-
-void AddCounts(UCM_Statistics *statistics)
-{
-    statistics->answered += EC_dwMsgOk;
-    statistics->timeouts += EC_wTimeErr;
-    statistics->damaged += EC_wFrameErr;
-    statistics->repeated += EC_dwBlkRpt;
-}
-
 } // namespace
 
 const UCM_Protocol UCM_PROTOCOL_MR166 = {
-    1,
+    PROTOCOL_MR166,
     0,
     STATION_MAX,
     MR166_WRITE_MAX,
-    Open,
+    // open
+    [](int port, int baud) {
+        ApplyTries();
+        return UCM_CountErr(MrASC_Open(port, baud));
+    },
     MrASC_Close,
     MrASC_IsOpened,
-    UseWin32,
+    // useWin32
+    [](int flag) { return UCM_CountErr(MrASC_UseWin32(flag)); },
     Read,
-    PickProving,
-    ReadProving,
+    // pickProving: a word-addressing target has no odd number of bytes to give
+    [](int station, uint32_t least, uint32_t most) {
+        return MrEXC_PickProving(station, IsWordAddressing(Procesor) ? 2 : 1, least, most);
+    },
+    // readProving: not counted, because a block that fails here is read again with all its tries
+    [](int station, uint32_t address, uint32_t count, void *buffer) {
+        return MrEXC_ReadProving(station, address, static_cast<uint16_t>(count), buffer) == 1 ? 0
+                                                                                              : -1;
+    },
     Write,
     ReadBg,
     WriteBg,
     Message,
     MessageNoAnswer,
-    Prove,
-    IsEchoing,
-    LastErrorText,
-    AddCounts,
+    // prove
+    [] {
+        ApplyTries();
+        return Mr166_Prove();
+    },
+    // isEchoing
+    [] { return Mr166_isEchoing; },
+    // lastErrorText
+    [] { return Mr166_nFault == 0 ? std::string() : MrASC_ErrorText(Mr166_nFault); },
+    // addCounts: the link's counters go on for ever, the layer above subtracts its last reset
+    [](UCM_Statistics *statistics) {
+        statistics->answered += EC_dwMsgOk;
+        statistics->timeouts += EC_wTimeErr;
+        statistics->damaged += EC_wFrameErr;
+        statistics->repeated += EC_dwBlkRpt;
+    },
     MrASC_IsGone,
 };

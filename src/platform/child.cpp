@@ -1,3 +1,5 @@
+// One thread reads what the child prints and keeps its lines; the program takes them when it has
+// time. The lock is held for moves of lines only, never while anybody waits for the child.
 #include "platform/child.h"
 
 #include <chrono>
@@ -21,11 +23,12 @@ struct CHD_Child {
 
 namespace {
 
-// True when lines wait where there were none.
+// True when lines wait where there were none: only then has anybody to be told.
 bool KeepLine(CHD_Child *child, const std::string &line)
 {
     const std::lock_guard<std::mutex> lock(child->mutex);
     child->lines.push_back(line);
+    // A child that prints without end must not fill the memory.
     if (child->lines.size() > CHD_LINES_MAX) {
         child->lines.pop_front();
         child->lost++;
@@ -33,27 +36,28 @@ bool KeepLine(CHD_Child *child, const std::string &line)
     return child->lines.size() == 1;
 }
 
-void KeepChar(CHD_Child *child, char c, std::string *line)
-{
-    if (c != '\n' && c != '\r' && line->size() < CHD_LINE_LENGTH_MAX)
-        *line += c;
-    if (c != '\n')
-        return;
-    if (KeepLine(child, *line) && child->notify != nullptr)
-        child->notify();
-    line->clear();
-}
-
 // The child's own thread: a child whose output nobody reads would stand still.
 void ReadLines(CHD_Child *child)
 {
     char bytes[4096];
     std::string line;
-    while (const size_t count = CHP_Read(child->process, bytes, sizeof bytes))
-        for (size_t i = 0; i < count; i++)
-            KeepChar(child, bytes[i], &line);
+    while (const size_t count = CHP_Read(child->process, bytes, sizeof bytes)) {
+        for (size_t i = 0; i < count; i++) {
+            const char c = bytes[i];
+            if (c != '\n' && c != '\r' && line.size() < CHD_LINE_LENGTH_MAX)
+                line += c;
+            if (c != '\n')
+                continue;
+            // Outside of the lock: whoever is told may come for the lines at once.
+            if (KeepLine(child, line) && child->notify != nullptr)
+                child->notify();
+            line.clear();
+        }
+    }
+    // The last words of a child that died have no line end. The end itself is told below.
     if (!line.empty())
         KeepLine(child, line);
+    // It may have closed its output and work on: it has ended when the system says so.
     CHP_WaitForEnd(child->process);
     {
         const std::lock_guard<std::mutex> lock(child->mutex);
@@ -88,6 +92,7 @@ size_t CHD_TakeLines(CHD_Child *child, std::deque<std::string> *lines)
     const std::lock_guard<std::mutex> lock(child->mutex);
     lines->insert(lines->end(), child->lines.begin(), child->lines.end());
     child->lines.clear();
+    // Told once: the next call counts anew.
     const size_t lost = child->lost;
     child->lost = 0;
     return lost;
@@ -107,6 +112,7 @@ int CHD_SendLine(CHD_Child *child, const std::string &line)
 
 void CHD_Stop(CHD_Child *child)
 {
+    // The end of its input asks it to end; one that does not listen is made to.
     CHP_CloseInput(child->process);
     bool hasEnded = false;
     {
@@ -116,6 +122,7 @@ void CHD_Stop(CHD_Child *child)
     }
     if (!hasEnded)
         CHP_Kill(child->process);
+    // Only then is the process freed: the reader names it to the last.
     child->reader.join();
     CHP_Free(child->process);
     delete child;

@@ -1,3 +1,5 @@
+// The child's input is one end of a socket pair, its output and errors a pipe. What this program
+// keeps of the two is closed in the child, or its input would never end.
 #include "platform/child_process.h"
 
 #include <cerrno>
@@ -39,6 +41,7 @@ int SpawnWith(const std::vector<std::string> &words, int input, int output, pid_
     sigset_t none, changed;
     sigemptyset(&none);
     sigemptyset(&changed);
+    // What this program ignores or handles would stay ignored in the child.
     for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE})
         sigaddset(&changed, signal);
     posix_spawn_file_actions_init(&actions);
@@ -91,6 +94,7 @@ size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity)
 
 int CHP_Write(CHP_Process *process, const char *bytes, size_t count)
 {
+    // A child that does not read its input has no claim on our time: half a line is a failure.
     const ssize_t done = send(process->input, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
     return done == static_cast<ssize_t>(count) ? 0 : -1;
 }
@@ -111,6 +115,7 @@ void CHP_WaitForEnd(CHP_Process *process)
 
 void CHP_Kill(CHP_Process *process)
 {
+    // Its number cannot have gone to another process: it stays its own until CHP_Free.
     kill(process->id, SIGKILL);
 }
 

@@ -1,3 +1,5 @@
+// Two pipes of which the child inherits one end each. Its end is closed here at once, or the end
+// of its output would never be seen.
 #include "platform/child_process.h"
 
 #include <windows.h>
@@ -15,7 +17,7 @@ const char CHP_PROGRAM_ENDING[] = ".exe";
 
 namespace {
 
-constexpr DWORD PIPE_BYTES = 65536;
+constexpr DWORD PIPE_BYTES = 65536; // a write does not wait before so many are unread
 
 void CloseEnd(HANDLE *end)
 {
@@ -30,15 +32,6 @@ bool OpenPipe(HANDLE *readEnd, HANDLE *writeEnd, HANDLE *const ours)
     SECURITY_ATTRIBUTES inherited = {sizeof inherited, nullptr, TRUE};
     return CreatePipe(readEnd, writeEnd, &inherited, PIPE_BYTES) &&
            SetHandleInformation(*ours, HANDLE_FLAG_INHERIT, 0);
-}
-
-// Names of files hold no quotes here.
-std::wstring JoinWords(const std::vector<std::string> &words)
-{
-    std::string line;
-    for (const std::string &word : words)
-        line += (line.empty() ? "\"" : " \"") + word + "\"";
-    return PLT_Wide(line);
 }
 
 } // namespace
@@ -57,8 +50,12 @@ CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
         startup.dwFlags = STARTF_USESTDHANDLES;
         startup.hStdInput = theirInput;
         startup.hStdOutput = startup.hStdError = theirOutput;
-        std::wstring line = JoinWords(words); // the call may write into it
-        isStarted = CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+        // Names of files hold no quotes here, so quotes keep each word together.
+        std::string line;
+        for (const std::string &word : words)
+            line += (line.empty() ? "\"" : " \"") + word + "\"";
+        std::wstring wide = PLT_Wide(line); // the call may write into it
+        isStarted = CreateProcessW(nullptr, wide.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
                                    nullptr, nullptr, &startup, &process);
     }
     CloseEnd(&theirInput);

@@ -2,10 +2,13 @@
 // zombie behind when they end.
 #include "platform/system.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <iterator>
+#include <string_view>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -13,49 +16,38 @@
 namespace {
 
 // Editors that cannot work without a terminal.
-constexpr const char *TERMINAL_EDITORS[] = {
+constexpr std::string_view TERMINAL_EDITORS[] = {
     "vi",  "vim",    "nvim",           "nano", "pico",  "ed", "joe",
     "jed", "mcedit", "micro",          "ne",   "helix", "hx", "jmacs",
     "mg",  "editor", "sensible-editor"};
 
-struct Splitter {
+// Words parted by blanks; quotes keep blanks in a word and may make an empty one. A backslash is
+// an ordinary character: file names of other systems pass unharmed. No closing quote is no error.
+std::vector<std::string> SplitCommand(const std::string &line)
+{
     std::vector<std::string> words;
     std::string word;
     char quote = '\0';
     bool isInWord = false;
-};
-
-void EndWord(Splitter *state)
-{
-    if (state->isInWord)
-        state->words.push_back(state->word);
-    state->word.clear();
-    state->isInWord = false;
-}
-
-// A backslash is an ordinary character: file names of other systems pass unharmed.
-void SplitChar(Splitter *state, char c)
-{
-    if (state->quote != '\0' && c == state->quote) {
-        state->quote = '\0';
-    } else if (state->quote == '\0' && (c == '"' || c == '\'')) {
-        state->quote = c;
-        state->isInWord = true;
-    } else if (state->quote == '\0' && (c == ' ' || c == '\t')) {
-        EndWord(state);
-    } else {
-        state->word += c;
-        state->isInWord = true;
+    for (const char c : line) {
+        const bool isBlank = quote == '\0' && (c == ' ' || c == '\t');
+        if (isBlank && isInWord) {
+            words.push_back(word);
+            word.clear();
+        }
+        isInWord = !isBlank;
+        if (isBlank)
+            continue;
+        if (quote != '\0' && c == quote)
+            quote = '\0';
+        else if (quote == '\0' && (c == '"' || c == '\''))
+            quote = c;
+        else
+            word += c;
     }
-}
-
-std::vector<std::string> SplitCommand(const std::string &line)
-{
-    Splitter state;
-    for (const char c : line)
-        SplitChar(&state, c);
-    EndWord(&state);
-    return state.words;
+    if (isInWord)
+        words.push_back(word);
+    return words;
 }
 
 // In the grandchild: only calls that are safe between fork and exec.
@@ -66,6 +58,7 @@ std::vector<std::string> SplitCommand(const std::string &line)
         dup2(null, STDIN_FILENO);
         dup2(null, STDOUT_FILENO);
     }
+    // The serial port among others: it would stay open for as long as that program runs.
     (void)close_range(3, ~0u, CLOSE_RANGE_CLOEXEC);
     signal(SIGPIPE, SIG_DFL); // what this program ignores, others may count on
     execvp(argv[0], argv);
@@ -87,6 +80,7 @@ int StartDetached(const std::vector<std::string> &words)
         return -1;
     const pid_t child = fork();
     if (child == 0) {
+        // A session of its own: neither Ctrl-C nor the terminal's end is meant for it.
         setsid();
         const pid_t grandchild = fork();
         if (grandchild == 0)
@@ -113,23 +107,17 @@ bool HasDesktop()
     return (x11 != nullptr && *x11 != '\0') || (wayland != nullptr && *wayland != '\0');
 }
 
-bool NeedsTerminal(const std::string &program)
-{
-    const std::string name = program.substr(program.rfind('/') + 1);
-    for (const char *editor : TERMINAL_EDITORS) {
-        if (name == editor)
-            return true;
-    }
-    return false;
-}
-
+// The editor that the variable names, with the file behind the variable's own arguments. -1 also
+// when there is no such variable.
 int StartEditor(const char *variable, const std::string &path)
 {
     const char *command = std::getenv(variable);
     std::vector<std::string> words = SplitCommand(command != nullptr ? command : "");
     if (words.empty())
         return -1;
-    if (NeedsTerminal(words[0]))
+    const std::string name = words[0].substr(words[0].rfind('/') + 1);
+    if (std::find(std::begin(TERMINAL_EDITORS), std::end(TERMINAL_EDITORS), name) !=
+        std::end(TERMINAL_EDITORS))
         words.insert(words.begin(), {"x-terminal-emulator", "-e"});
     words.push_back(PLT_PathArgument(path));
     return StartDetached(words);

@@ -1,3 +1,5 @@
+// Every file is examined once it is open: between a look at its name and the opening it could
+// become another one.
 #include "platform/plain_file.h"
 
 #include <algorithm>
@@ -36,6 +38,7 @@ int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content)
     if (result != PLF_OK)
         return result;
     char block[BLOCK_SIZE];
+    // By the bytes that come, not by the size of before: a file may grow under its reader.
     const size_t most = static_cast<size_t>(sizeMax);
     for (size_t got = 1; got > 0 && content->size() < most;) {
         got = std::fread(block, 1, std::min(sizeof block, most - content->size()), file);
@@ -43,6 +46,7 @@ int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content)
     }
     const bool isGood = std::ferror(file) == 0;
     std::fclose(file);
+    // Half a file looks like a shorter one: nobody gets it.
     if (!isGood)
         content->clear();
     return isGood ? PLF_OK : PLF_ERR_OPEN;
@@ -61,6 +65,7 @@ const char *PLF_WhyUnreadable(const std::string &path)
     const int result = PLF_Open(path, PLF_SIZE_MAX, &file);
     if (file != nullptr)
         std::fclose(file);
+    // It opens, and its reader has failed all the same.
     return result == PLF_OK ? "cannot be read" : PLF_ErrorText(result);
 }
 

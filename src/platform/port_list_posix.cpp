@@ -123,7 +123,8 @@ PTL_Port MakePort(int number, const std::string &device)
     return port;
 }
 
-// In one step: a link that is there already leads somewhere all the time.
+// In one step: a link that is there already leads somewhere all the time. A device need not be
+// plugged in for that.
 bool WriteLink(int number, const std::string &device)
 {
     const std::string link = LinkPath(number), fresh = link + ".new";
@@ -139,6 +140,7 @@ std::vector<PTL_Port> PTL_List()
 {
     std::vector<PTL_Port> ports;
     std::vector<std::string> known;
+    // What the user has given a number comes first, under that number.
     for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
         const std::string path = IsGiven(number) ? SER_DevicePath(number) : "";
         const std::string real = TCP_IsAddress(path) ? path : RealPath(path);
@@ -147,6 +149,8 @@ std::vector<PTL_Port> PTL_List()
         ports.push_back(MakePort(number, real));
         known.push_back(real);
     }
+    // Then the devices that nobody has named, with a system number or the next free one. That is
+    // only an offer: the number is theirs once somebody chooses them.
     int nextFree = FindFree(1);
     for (const std::string &device : Devices()) {
         const std::string real = RealPath(device);

@@ -35,6 +35,7 @@ std::map<std::string, std::string> ReadFriendlyNames()
                                                reinterpret_cast<BYTE *>(text),
                                                sizeof text - sizeof text[0], nullptr))
             continue;
+        // The name in brackets is the only way from here to the number.
         const std::string friendly = PLT_Utf8(text);
         const size_t begin = friendly.rfind(" (COM"), end = friendly.rfind(')');
         if (begin != std::string::npos && end != std::string::npos && end > begin)
@@ -75,6 +76,7 @@ std::vector<PTL_Port> PTL_List()
         port.number = number;
         port.device = name;
         const auto friendly = names.find(name);
+        // A port without a driver's description is told by its device's name.
         port.description = friendly != names.end() ? friendly->second : target;
         ports.push_back(port);
     }

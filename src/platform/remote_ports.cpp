@@ -1,3 +1,5 @@
+// A number's address stands in a file of its own beside the links of devices, so that giving one
+// away is one rename and never touches another. Lent numbers are kept in memory only.
 #include "platform/remote_ports.h"
 
 #include "platform/port_list.h"
@@ -40,6 +42,7 @@ std::string RMP_GetAddress(int port)
     char buffer[ADDRESS_MAX + 1] = "";
     const size_t length = std::fread(buffer, 1, ADDRESS_MAX, file);
     std::fclose(file);
+    // The user may have written it by hand: what is no address is no port.
     const std::string text(buffer, length);
     const std::string address = text.substr(0, text.find_first_of("\r\n"));
     return TCP_IsAddress(address) ? address : "";
@@ -47,6 +50,7 @@ std::string RMP_GetAddress(int port)
 
 int RMP_SetAddress(int port, const std::string &address)
 {
+    // Taken away, or there was none; a number lent is no file and stays as it is.
     if (address.empty()) {
         (void)std::remove(FilePath(port).c_str());
         return RMP_GetAddress(port).empty() ? 0 : -1;
@@ -78,6 +82,7 @@ int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number)
 
 int RMP_Lend(const std::string &address)
 {
+    // From above, away from the numbers that systems give to their own ports.
     for (int port = LENT_MAX; port >= 1; --port) {
         const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
         if ((given != nullptr && *given != '\0') || !RMP_GetAddress(port).empty())

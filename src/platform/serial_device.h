@@ -1,5 +1,5 @@
 // Serial ports of this machine, as one file for each operating system implements them. Only
-// serial.cpp calls these; everybody else goes through serial.h, whose contract they share.
+// serial_ports.cpp calls these; everybody else goes through serial.h, whose contract they share.
 #ifndef PLATFORM_SERIAL_DEVICE_H
 #define PLATFORM_SERIAL_DEVICE_H
 

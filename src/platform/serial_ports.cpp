@@ -1,5 +1,5 @@
 // Which kind of port a number is: a device of this machine, or one behind the network. A
-// handle tells by itself.
+// handle tells by itself: those of the network lie below SER_INVALID, where no device's lies.
 #include "platform/serial.h"
 
 #include "platform/remote_ports.h"
@@ -10,7 +10,7 @@
 
 namespace {
 
-bool isLastTcp = false; // of SER_Open
+bool isLastTcp = false; // of SER_Open: whose reason is asked for
 
 } // namespace
 
@@ -21,6 +21,7 @@ SER_Why SER_LastReason()
 
 std::string SER_DevicePath(int port)
 {
+    // The environment comes first: it is for one run, and for tests.
     const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
     if (given != nullptr && *given != '\0')
         return given;
@@ -35,7 +36,8 @@ int SER_Open(int port, SER_Handle *handle)
     return isLastTcp ? TCP_Open(path, handle) : DEV_Open(path, handle);
 }
 
-// Speed and frame of a remote port are set where it is.
+// Speed and frame of a remote port are set where it is; all that can be asked here is whether the
+// connection still stands.
 int SER_Configure(SER_Handle handle, const SER_Settings &settings)
 {
     if (TCP_IsHandle(handle))
@@ -43,6 +45,7 @@ int SER_Configure(SER_Handle handle, const SER_Settings &settings)
     return DEV_Configure(handle, settings);
 }
 
+// From here on each call goes where its handle belongs; the results are the same on both sides.
 int SER_SetTimeouts(SER_Handle handle, unsigned readTotalMs, unsigned writeTotalMs)
 {
     return TCP_IsHandle(handle) ? TCP_SetTimeouts(handle, readTotalMs, writeTotalMs)

@@ -23,7 +23,7 @@
 namespace {
 
 constexpr int PORTS_MAX = 16;
-
+// The terminal counts its wait in a byte of tenths of a second.
 constexpr unsigned VTIME_UNIT_MS = 100, VTIME_MAX_MS = 25500;
 
 struct Port {
@@ -58,6 +58,7 @@ Port *FindPort(SER_Handle handle)
     return &ports[handle];
 }
 
+// Only rates that the system has a code for can be asked for.
 bool FindBaud(uint32_t baud, speed_t *code)
 {
     for (const BaudCode &row : BAUDS) {
@@ -72,17 +73,15 @@ bool FindBaud(uint32_t baud, speed_t *code)
 // 1 ready (or gone, which the following read or write finds out), 0 time is over, negative error.
 int WaitFor(int fd, short events, int timeoutMs)
 {
+    const uint64_t deadline = PLT_DeadlineUs(static_cast<unsigned>(timeoutMs));
     struct pollfd item = {fd, events, 0};
-    const int result = poll(&item, 1, timeoutMs);
+    int result = poll(&item, 1, timeoutMs);
+    // A signal is no silence: whoever proves a line by silence must have heard all of it.
+    while (result < 0 && errno == EINTR)
+        result = poll(&item, 1, PLT_LeftMs(deadline));
     if (result > 0)
         return (item.revents & POLLNVAL) != 0 ? -1 : 1;
-    return result < 0 && errno != EINTR ? -1 : 0;
-}
-
-bool IsGone(int fd)
-{
-    struct pollfd item = {fd, 0, 0};
-    return poll(&item, 1, 0) > 0;
+    return result;
 }
 
 // Waits up to `waitMs` for the first bytes. Bytes read, 0 when none came, SER_ERR_IO.
@@ -99,7 +98,8 @@ int ReadWaiting(const Port &port, void *buffer, size_t count, int waitMs)
     if (got < 0)
         return errno == EAGAIN || errno == EINTR ? 0 : SER_ERR_IO;
     // A terminal that hung up reads as end of file, which looks like a time-out.
-    return IsGone(port.fd) ? SER_ERR_IO : 0;
+    struct pollfd item = {port.fd, 0, 0};
+    return poll(&item, 1, 0) > 0 ? SER_ERR_IO : 0;
 }
 
 // The kernel's own lock belongs to the terminal and outlives a killed program as long
@@ -111,9 +111,10 @@ bool IsPseudoTerminal(int fd)
     if (fstat(fd, &status) != 0)
         return false;
     const unsigned number = major(status.st_rdev);
-    return number >= 136 && number <= 143;
+    return number >= 136 && number <= 143; // the numbers the kernel has set apart for them
 }
 
+// Opened twice and locked. On failure errno says why; what is open of it is the caller's to close.
 bool OpenDevice(const std::string &path, Port *port)
 {
     // Opening must not wait for a carrier; only afterwards may reads wait.
@@ -122,11 +123,8 @@ bool OpenDevice(const std::string &path, Port *port)
     if (port->fd < 0)
         return false;
     port->readFd = open(path.c_str(), O_RDONLY | FLAGS);
-    return port->readFd >= 0 && fcntl(port->readFd, F_SETFL, 0) == 0;
-}
-
-bool LockDevice(Port *port)
-{
+    if (port->readFd < 0 || fcntl(port->readFd, F_SETFL, 0) != 0)
+        return false;
     if (!isatty(port->fd) || flock(port->fd, LOCK_EX | LOCK_NB) != 0)
         return false;
     port->exclusive = !IsPseudoTerminal(port->fd);
@@ -241,7 +239,7 @@ int DEV_Open(const std::string &path, SER_Handle *handle)
         return SER_ERR_OPEN;
     Port fresh;
     errno = 0;
-    if (!OpenDevice(path, &fresh) || !LockDevice(&fresh)) {
+    if (!OpenDevice(path, &fresh)) {
         lastReason = WhyNotOpened(errno);
         CloseBoth(fresh);
         return SER_ERR_OPEN;
@@ -330,6 +328,7 @@ int DEV_Read(SER_Handle handle, void *buffer, size_t count)
     const uint64_t deadline = PLT_DeadlineUs(port->readTotalMs);
     char *data = static_cast<char *>(buffer);
     size_t done = 0;
+    // The first wait is the whole time-out, which the terminal may do by itself.
     int left = static_cast<int>(port->readTotalMs);
     while (done < count) {
         const int got = ReadWaiting(*port, data + done, count - done, left);

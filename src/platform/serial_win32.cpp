@@ -10,6 +10,7 @@
 
 namespace {
 
+// Of a flow control that is never on.
 constexpr WORD XON_LIMIT = 2048, XOFF_LIMIT = 512;
 constexpr char XON_CHAR = 0x11, XOFF_CHAR = 0x13;
 constexpr int PORTS_MAX = 16;
@@ -27,6 +28,7 @@ HANDLE ToHandle(SER_Handle handle)
     return reinterpret_cast<HANDLE>(handle);
 }
 
+// Null when there is none; that of SER_INVALID is a free place.
 Timeouts *FindTimeouts(SER_Handle handle)
 {
     for (Timeouts &entry : timeouts) {
@@ -43,6 +45,7 @@ bool ApplyTimeouts(Timeouts *entry, DWORD readMs)
     std::memset(&settings, 0, sizeof settings);
     settings.ReadIntervalTimeout = readMs == 0 ? MAXDWORD : 0;
     settings.ReadTotalTimeoutConstant = readMs;
+    // For a write 0 means "wait for ever".
     settings.WriteTotalTimeoutConstant = entry->writeTotalMs == 0 ? 1 : entry->writeTotalMs;
     if (!SetCommTimeouts(ToHandle(entry->handle), &settings))
         return false;
@@ -56,11 +59,14 @@ int ReadBytes(Timeouts *entry, void *buffer, size_t count, DWORD timeoutMs)
         return SER_ERR_IO;
     const DWORD wanted = count > INT_MAX ? INT_MAX : static_cast<DWORD>(count);
     DWORD got = 0;
+    // A time-out is no error of the call; an error with bytes has brought these all the same.
     if (!ReadFile(ToHandle(entry->handle), buffer, wanted, &got, nullptr) && got == 0)
         return SER_ERR_IO;
     return static_cast<int>(got);
 }
 
+// Every field that could hold bytes back or change them is set: the port comes with whatever the
+// last program has left in it.
 void FillControlBlock(DCB *dcb, const SER_Settings &settings)
 {
     dcb->BaudRate = settings.baud;
@@ -133,6 +139,7 @@ int DEV_Open(const std::string &path, SER_Handle *handle)
     *handle = reinterpret_cast<SER_Handle>(device);
     *entry = Timeouts();
     entry->handle = *handle;
+    // Until the user of the port sets others: a read must not wait by those of another program.
     (void)ApplyTimeouts(entry, 0);
     return SER_OK;
 }
@@ -168,6 +175,7 @@ int DEV_Write(SER_Handle handle, const void *bytes, size_t count)
         return SER_ERR_IO;
     const DWORD wanted = count > INT_MAX ? INT_MAX : static_cast<DWORD>(count);
     DWORD wrote = 0;
+    // A write that took too long is a short one, as elsewhere.
     if (!WriteFile(ToHandle(handle), bytes, wanted, &wrote, nullptr) &&
         GetLastError() != ERROR_SEM_TIMEOUT)
         return SER_ERR_IO;
@@ -234,6 +242,7 @@ void DEV_Close(SER_Handle handle)
     if (handle == SER_INVALID)
         return;
     CloseHandle(ToHandle(handle));
+    // The system may give the next port the same number.
     Timeouts *entry = FindTimeouts(handle);
     if (entry != nullptr)
         *entry = Timeouts();

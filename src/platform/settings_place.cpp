@@ -28,6 +28,7 @@ SPL_Place SPL_FindPlace(const std::string &name)
     const std::string folder = PLT_ConfigDir();
     if (folder.empty() || PLT_MakeDirs(folder) != 0 || !CanWrite(folder))
         return {beside, beside, false};
+    // Until the user has settings of his own, those beside the program are where he begins.
     const std::string users = folder + PLT_PathSeparator() + name;
     return {users, PLF_Exists(users) || !PLF_Exists(beside) ? users : beside, true};
 }

@@ -15,6 +15,7 @@
 
 namespace {
 
+// "." for a bare name, so that the result can be opened.
 std::string FolderOf(const std::string &path)
 {
     const size_t slash = path.rfind('/');
@@ -34,6 +35,7 @@ std::string EnvText(const char *name)
 uint64_t PLT_TickUs()
 {
     struct timespec now;
+    // Runs on when somebody sets the clock: no wait gets shorter or longer by that.
     clock_gettime(CLOCK_MONOTONIC, &now);
     return static_cast<uint64_t>(now.tv_sec) * 1000000u +
            static_cast<uint64_t>(now.tv_nsec) / 1000u;
@@ -48,6 +50,7 @@ void PLT_SleepMs(unsigned ms)
 {
     struct timespec left = {static_cast<time_t>(ms / 1000u),
                             static_cast<long>(ms % 1000u) * 1000000};
+    // A signal ends the call early and leaves what remains.
     while (nanosleep(&left, &left) != 0) {
     }
 }
@@ -94,6 +97,7 @@ std::string PLT_CurrentDir()
 std::string PLT_ConfigDir()
 {
     std::string base = EnvText("XDG_CONFIG_HOME");
+    // The standard says that a relative one is to be ignored.
     if (base.empty() || base[0] != '/')
         base = EnvText("HOME") + "/.config";
     return base + "/vireo2";
@@ -116,6 +120,7 @@ char PLT_PathSeparator()
 int PLT_MakeDirs(const std::string &path)
 {
     for (size_t end = path.find('/', 1);; end = path.find('/', end + 1)) {
+        // Most are there already; whether the last one is, is asked at the end.
         (void)mkdir(path.substr(0, end).c_str(), 0777);
         if (end == std::string::npos)
             break;
@@ -136,6 +141,7 @@ void *PLT_GetSymbol(void *library, const char *name)
 
 int PLT_ReplaceFile(const std::string &from, const std::string &to)
 {
+    // Before the new file takes the name: at no time may more people read it than the old one.
     struct stat old;
     if (stat(to.c_str(), &old) == 0)
         (void)chmod(from.c_str(), old.st_mode & 07777);
@@ -156,6 +162,7 @@ int PLT_ResolveFile(const std::string &path, std::string *real)
     *real = path;
     if (stat(path.c_str(), &status) != 0)
         return 0;
+    // Behind links, because a file that is renamed over a link would replace the link only.
     char resolved[PATH_MAX];
     if (!S_ISREG(status.st_mode) || realpath(path.c_str(), resolved) == nullptr)
         return -1;
@@ -219,6 +226,7 @@ int PLT_RemoveFile(const std::string &path)
 
 void PLT_GetArguments(int *, char ***)
 {
+    // main's own are UTF-8 already.
 }
 
 int PLT_RemoveAbandoned(const std::string &path)
@@ -227,6 +235,7 @@ int PLT_RemoveAbandoned(const std::string &path)
     struct stat status;
     if (fd < 0)
         return -1;
+    // Whoever still writes it holds the lock, whatever its process number says.
     const bool isOurs = fstat(fd, &status) == 0 && S_ISREG(status.st_mode) &&
                         (flock(fd, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK);
     const int result = isOurs ? unlink(path.c_str()) : -1;
@@ -249,6 +258,7 @@ int PLT_ProcessId()
 
 bool PLT_IsProcessAlive(long processId)
 {
+    // Signal 0 is sent to nobody; "not permitted" means that there is somebody.
     return kill(static_cast<pid_t>(processId), 0) == 0 || errno != ESRCH;
 }
 

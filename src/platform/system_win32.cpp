@@ -30,31 +30,17 @@ template <typename Call> std::string LongText(Call call)
     }
 }
 
+// INVALID_FILE_ATTRIBUTES when there is no such file.
 DWORD Attributes(const std::string &path)
 {
     return GetFileAttributesW(PLT_Wide(path).c_str());
-}
-
-bool StartProcess(const std::string &commandLine)
-{
-    // The call may write into its argument.
-    std::wstring line = PLT_Wide(commandLine);
-    STARTUPINFOW startup;
-    PROCESS_INFORMATION process;
-    std::memset(&startup, 0, sizeof startup);
-    startup.cb = sizeof startup;
-    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                        &startup, &process))
-        return false;
-    CloseHandle(process.hThread);
-    CloseHandle(process.hProcess);
-    return true;
 }
 
 } // namespace
 
 uint64_t PLT_TickUs()
 {
+    // The counter runs on when somebody sets the clock: no wait gets shorter or longer by that.
     LARGE_INTEGER count, perSecond;
     QueryPerformanceCounter(&count);
     QueryPerformanceFrequency(&perSecond);
@@ -105,11 +91,24 @@ void PLT_LocalTime(PLT_Date *now)
 
 int PLT_Launch(const std::string &commandLine)
 {
-    return StartProcess(commandLine) ? 0 : -1;
+    // The call may write into its argument.
+    std::wstring line = PLT_Wide(commandLine);
+    STARTUPINFOW startup;
+    PROCESS_INFORMATION process;
+    std::memset(&startup, 0, sizeof startup);
+    startup.cb = sizeof startup;
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                        &startup, &process))
+        return -1;
+    // Nobody waits for it: the system forgets it when it ends.
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return 0;
 }
 
 int PLT_OpenInEditor(const std::string &path)
 {
+    // The one editor that every Windows has.
     return PLT_Launch("notepad.exe \"" + PLT_PathArgument(path) + "\"");
 }
 
@@ -125,6 +124,7 @@ std::string PLT_CurrentDir()
 {
     std::string text =
         LongText([](wchar_t *buffer, DWORD size) { return GetCurrentDirectoryW(size, buffer); });
+    // "C:\" keeps its separator: without it the name would mean another folder.
     if (text.size() > 3 && text.back() == '\\')
         text.pop_back();
     return text;
@@ -151,6 +151,7 @@ char PLT_PathSeparator()
 int PLT_MakeDirs(const std::string &path)
 {
     for (size_t end = path.find_first_of("\\/", 1);; end = path.find_first_of("\\/", end + 1)) {
+        // Most are there already; whether the last one is, is asked at the end.
         (void)CreateDirectoryW(PLT_Wide(path.substr(0, end)).c_str(), nullptr);
         if (end == std::string::npos)
             break;
@@ -180,6 +181,7 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to)
     if (isReadOnly)
         (void)SetFileAttributesW(PLT_Wide(to).c_str(),
                                  kind & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+    // The moved file has no protection of its own: it gets that of the one it replaces.
     const bool isMoved = MoveFileExW(PLT_Wide(from).c_str(), PLT_Wide(to).c_str(), how) != 0;
     if (isReadOnly)
         (void)SetFileAttributesW(PLT_Wide(to).c_str(), kind);
@@ -188,6 +190,7 @@ int PLT_ReplaceFile(const std::string &from, const std::string &to)
 
 int PLT_ResolveFile(const std::string &path, std::string *real)
 {
+    // A link to a file is rare here and is replaced by the file.
     *real = path;
     const DWORD kind = Attributes(path);
     const bool isPlain = kind == INVALID_FILE_ATTRIBUTES ||
@@ -220,12 +223,12 @@ int PLT_OpenPlainFile(const std::string &path, std::FILE **file, int64_t *size)
     return isPlain ? -1 : -2;
 }
 
-// An open file cannot be deleted here: that is the lock.
 int PLT_Seek(std::FILE *file, int64_t offset)
 {
     return _fseeki64(file, offset, SEEK_SET) == 0 ? 0 : -1;
 }
 
+// An open file cannot be deleted here: that is the lock.
 int PLT_CreateExclusive(const std::string &path, const char *mode, std::FILE **file)
 {
     *file = nullptr;
@@ -270,6 +273,7 @@ int PLT_ProcessId()
 bool PLT_IsProcessAlive(long processId)
 {
     const HANDLE process = OpenProcess(SYNCHRONIZE, FALSE, static_cast<DWORD>(processId));
+    // A process that we may not look at is there all the same.
     if (process == nullptr)
         return GetLastError() == ERROR_ACCESS_DENIED;
     const bool isAlive = WaitForSingleObject(process, 0) == WAIT_TIMEOUT;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int PORTS_MAX = 16;
 constexpr size_t DROP_CHUNK = 512, DROP_BYTES_MAX = 1u << 20;
-constexpr long NUMBER_MAX = 65535;
+constexpr long NUMBER_MAX = 65535; // of a TCP port
 const char SCHEME[] = "tcp:";
 
 struct Port {
@@ -25,11 +25,7 @@ struct Port {
 Port ports[PORTS_MAX];
 SER_Why lastReason = SER_WHY_OTHER;
 
-SER_Handle ToHandle(int slot)
-{
-    return SER_INVALID - 1 - slot;
-}
-
+// Handles lie below SER_INVALID, where no device's handle is: slot 0 is SER_INVALID - 1.
 Port *FindPort(SER_Handle handle)
 {
     const SER_Handle slot = SER_INVALID - 1 - handle;
@@ -60,7 +56,7 @@ std::vector<SCK_Address> Resolve(const std::string &host, const std::string &por
     std::unique_lock<std::mutex> guard(state->lock);
     state->done.wait_for(guard, std::chrono::milliseconds(TCP_CONNECT_MS),
                          [&] { return state->isDone; });
-    return state->addresses;
+    return state->addresses; // none yet: as far as anybody can tell there is no such host
 }
 
 // A host has several addresses; all of them together get the time of one.
@@ -76,7 +72,7 @@ SCK_Handle Connect(const std::vector<SCK_Address> &addresses)
             const SER_Why why = SCK_GetConnectResult(socket);
             if (why == SER_WHY_NONE)
                 return socket;
-            lastReason = why;
+            lastReason = why; // of several addresses the last one's is told
         }
         SCK_Close(socket);
     }
@@ -87,6 +83,7 @@ SCK_Handle Connect(const std::vector<SCK_Address> &addresses)
 
 bool TCP_ParseAddress(const std::string &text, std::string *host, std::string *port)
 {
+    // The last colon parts host and port; an address of IPv6 has its own in brackets.
     const size_t scheme = sizeof SCHEME - 1;
     const size_t colon = text.rfind(':');
     if (text.compare(0, scheme, SCHEME) != 0 || colon == std::string::npos || colon <= scheme)
@@ -100,6 +97,7 @@ bool TCP_ParseAddress(const std::string &text, std::string *host, std::string *p
     const bool isNumber = !port->empty() && port->size() <= 5 &&
                           port->find_first_not_of("0123456789") == std::string::npos;
     const long number = isNumber ? std::strtol(port->c_str(), nullptr, 10) : 0;
+    // What looks like a path, or like half of an address in brackets, is no host.
     return number >= 1 && number <= NUMBER_MAX &&
            host->find_first_of(" \t/\\[]") == std::string::npos;
 }
@@ -120,12 +118,13 @@ int TCP_Open(const std::string &address, SER_Handle *handle)
     std::string host, port;
     if (slot == PORTS_MAX || !TCP_ParseAddress(address, &host, &port))
         return SER_ERR_OPEN;
+    // At most twice TCP_CONNECT_MS: once for the name, once for the host.
     const SCK_Handle socket = Connect(Resolve(host, port));
     if (socket == SCK_INVALID)
         return SER_ERR_OPEN;
     ports[slot] = Port();
     ports[slot].socket = socket;
-    *handle = ToHandle(slot);
+    *handle = SER_INVALID - 1 - slot;
     return SER_OK;
 }
 
@@ -154,6 +153,7 @@ int TCP_Write(SER_Handle handle, const void *bytes, size_t count)
     const Port *port = FindPort(handle);
     if (port == nullptr)
         return SER_ERR_IO;
+    // When the other end takes nothing, the write ends short at its time-out, as on a device.
     const uint64_t deadline = PLT_DeadlineUs(port->writeTotalMs);
     const char *data = static_cast<const char *>(bytes);
     size_t done = 0;
@@ -179,6 +179,7 @@ int TCP_Read(SER_Handle handle, void *buffer, size_t count)
     size_t done = 0;
     while (done < count) {
         const int got = SCK_Receive(port->socket, data + done, count - done);
+        // What came before the end is delivered first; the next call finds the end again.
         if (got < 0)
             return done > 0 ? static_cast<int>(done) : SER_ERR_IO;
         done += static_cast<size_t>(got);
@@ -196,6 +197,7 @@ int TCP_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
         return SER_ERR_IO;
     if (capacity == 0)
         return 0;
+    // What has come already costs one call.
     int got = SCK_Receive(port->socket, buffer, capacity);
     if (got == 0 && waitMs > 0 && SCK_Wait(port->socket, false, waitMs) > 0)
         got = SCK_Receive(port->socket, buffer, capacity);

@@ -1,5 +1,5 @@
 // Serial ports behind a network: raw TCP, as serial servers and the simulated target offer it.
-// Baud rate and frame are the server's own affair. Only serial.cpp calls the port functions,
+// Baud rate and frame are the server's own affair. Only serial_ports.cpp calls the port functions,
 // whose contract is that of serial.h; the addresses are for whoever names ports.
 #ifndef PLATFORM_TCP_PORT_H
 #define PLATFORM_TCP_PORT_H

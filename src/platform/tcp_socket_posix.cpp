@@ -1,4 +1,7 @@
+// Sockets that never block: a call that would wait answers 0 here, and the waiting is SCK_Wait's.
 #include "platform/tcp_socket.h"
+
+#include "platform/deadline.h"
 
 #include <cerrno>
 #include <cstring>
@@ -14,6 +17,7 @@
 
 namespace {
 
+// A network that cannot be reached is to a user what a silent host is.
 SER_Why WhyNotConnected(int error)
 {
     switch (error) {
@@ -33,14 +37,7 @@ SER_Why WhyNotConnected(int error)
     }
 }
 
-// Requests are short and wait for their answer; a dead network shows after a while.
-void SetOptions(int fd)
-{
-    const int on = 1;
-    (void)setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    (void)setsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-}
-
+// Nothing is wrong with the connection: there is only nothing to do at the moment.
 bool IsPassing(int error)
 {
     return error == EAGAIN || error == EWOULDBLOCK || error == EINTR;
@@ -57,6 +54,7 @@ std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string 
     addrinfo *list = nullptr;
     if (getaddrinfo(host.c_str(), port.c_str(), &hints, &list) != 0)
         return addresses;
+    // In the system's order of preference.
     for (const addrinfo *item = list; item != nullptr; item = item->ai_next) {
         const auto *bytes = reinterpret_cast<const uint8_t *>(item->ai_addr);
         addresses.push_back({item->ai_family, {bytes, bytes + item->ai_addrlen}});
@@ -70,7 +68,12 @@ SCK_Handle SCK_Connect(const SCK_Address &address)
     const int fd = socket(address.family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (fd < 0)
         return SCK_INVALID;
-    SetOptions(fd);
+    // Requests are short and wait for their answer: none is held back to be sent with the next.
+    // Keeping alive shows a dead network after a while.
+    const int on = 1;
+    (void)setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    (void)setsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+    // A refusal that comes at once is told by SCK_GetConnectResult, like one that comes later.
     const auto *name = reinterpret_cast<const sockaddr *>(address.bytes.data());
     if (connect(fd, name, static_cast<socklen_t>(address.bytes.size())) != 0 &&
         errno != EINPROGRESS && errno != ECONNREFUSED) {
@@ -84,6 +87,7 @@ SER_Why SCK_GetConnectResult(SCK_Handle handle)
 {
     int error = 0;
     socklen_t size = sizeof error;
+    // Asking clears it: the reason is told once.
     if (getsockopt(static_cast<int>(handle), SOL_SOCKET, SO_ERROR, &error, &size) != 0)
         return SER_WHY_OTHER;
     return WhyNotConnected(error);
@@ -91,11 +95,16 @@ SER_Why SCK_GetConnectResult(SCK_Handle handle)
 
 int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
 {
+    const uint64_t deadline = PLT_DeadlineUs(waitMs);
     pollfd item = {static_cast<int>(handle), static_cast<short>(isToWrite ? POLLOUT : POLLIN), 0};
-    const int result = poll(&item, 1, static_cast<int>(waitMs));
+    int result = 0;
+    // A signal does not end the wait, or half an answer would pass for a time-out.
+    do
+        result = poll(&item, 1, PLT_LeftMs(deadline));
+    while (result < 0 && errno == EINTR);
     if (result > 0)
         return (item.revents & POLLNVAL) != 0 ? -1 : 1;
-    return result < 0 && errno != EINTR ? -1 : 0;
+    return result;
 }
 
 int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
@@ -103,11 +112,13 @@ int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
     const ssize_t got = recv(static_cast<int>(handle), buffer, capacity, 0);
     if (got > 0)
         return static_cast<int>(got);
+    // No bytes and no error: the other side has closed.
     return got < 0 && IsPassing(errno) ? 0 : -1;
 }
 
 int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
 {
+    // Without the flag a connection that has gone would end the program by a signal.
     const ssize_t sent = send(static_cast<int>(handle), bytes, count, MSG_NOSIGNAL);
     if (sent >= 0)
         return static_cast<int>(sent);

@@ -1,3 +1,4 @@
+// Sockets that never block: a call that would wait answers 0 here, and the waiting is SCK_Wait's.
 #include "platform/tcp_socket.h"
 
 #include <winsock2.h>
@@ -24,6 +25,7 @@ SOCKET ToSocket(SCK_Handle handle)
     return static_cast<SOCKET>(handle);
 }
 
+// A network that cannot be reached is to a user what a silent host is.
 SER_Why WhyNotConnected(int error)
 {
     switch (error) {
@@ -42,14 +44,7 @@ SER_Why WhyNotConnected(int error)
     }
 }
 
-void SetOptions(SOCKET handle)
-{
-    const BOOL on = TRUE;
-    const auto *value = reinterpret_cast<const char *>(&on);
-    (void)setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, value, sizeof on);
-    (void)setsockopt(handle, SOL_SOCKET, SO_KEEPALIVE, value, sizeof on);
-}
-
+// The calls count in ints; what does not fit is left to the next call.
 int Limited(size_t count)
 {
     return count > INT_MAX ? INT_MAX : static_cast<int>(count);
@@ -66,6 +61,7 @@ std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string 
     addrinfo *list = nullptr;
     if (!StartLibrary() || getaddrinfo(host.c_str(), port.c_str(), &hints, &list) != 0)
         return addresses;
+    // In the system's order of preference.
     for (const addrinfo *item = list; item != nullptr; item = item->ai_next) {
         const auto *bytes = reinterpret_cast<const uint8_t *>(item->ai_addr);
         addresses.push_back({item->ai_family, {bytes, bytes + item->ai_addrlen}});
@@ -81,8 +77,13 @@ SCK_Handle SCK_Connect(const SCK_Address &address)
     const SOCKET handle = socket(address.family, SOCK_STREAM, IPPROTO_TCP);
     if (handle == INVALID_SOCKET)
         return SCK_INVALID;
-    u_long isNonBlocking = 1;
-    SetOptions(handle);
+    u_long isNonBlocking = 1; // before connecting, which would wait otherwise
+    // Requests are short and wait for their answer: none is held back to be sent with the next.
+    // Keeping alive shows a dead network after a while.
+    const BOOL on = TRUE;
+    const auto *value = reinterpret_cast<const char *>(&on);
+    (void)setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, value, sizeof on);
+    (void)setsockopt(handle, SOL_SOCKET, SO_KEEPALIVE, value, sizeof on);
     const auto *name = reinterpret_cast<const sockaddr *>(address.bytes.data());
     if (ioctlsocket(handle, static_cast<long>(FIONBIO), &isNonBlocking) != 0 ||
         (connect(handle, name, static_cast<int>(address.bytes.size())) != 0 &&
@@ -96,6 +97,7 @@ SCK_Handle SCK_Connect(const SCK_Address &address)
 SER_Why SCK_GetConnectResult(SCK_Handle handle)
 {
     int error = 0, size = sizeof error;
+    // Asking clears it: the reason is told once.
     if (getsockopt(ToSocket(handle), SOL_SOCKET, SO_ERROR, reinterpret_cast<char *>(&error),
                    &size) != 0)
         return SER_WHY_OTHER;
@@ -123,6 +125,7 @@ int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
     const int got = recv(ToSocket(handle), static_cast<char *>(buffer), Limited(capacity), 0);
     if (got > 0)
         return got;
+    // No bytes and no error: the other side has closed.
     return got < 0 && WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
 }
 
@@ -141,6 +144,7 @@ int SCK_Waiting(SCK_Handle handle)
         return -1;
     if (waiting > 0)
         return Limited(waiting);
+    // Nothing to read is either silence or the end.
     char mark = 0;
     const int got = recv(ToSocket(handle), &mark, 1, MSG_PEEK);
     if (got > 0)

@@ -1,3 +1,4 @@
+// The calls refuse an empty text, which is no fault here.
 #include "platform/utf8_win32.h"
 
 #include <windows.h>

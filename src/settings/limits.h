@@ -5,7 +5,8 @@
 #include <cstdint>
 
 constexpr uint32_t ADDR_LIMIT = 0x1000000u; // valid byte addresses are below
-constexpr int STATION_MAX = 15;             // last station that a prefix can select
-constexpr int TARGET_WRITE = 8;             // command of a message that writes memory
+constexpr int STATION_MAX = 15;             // last station of mr166, and that a prefix can select
+constexpr int MODBUS_STATION_MIN = 1, MODBUS_STATION_MAX = 250; // slave addresses
+constexpr int TARGET_WRITE = 8; // command of a message that writes memory
 
 #endif

@@ -1,6 +1,7 @@
 // What the controls hold from the start, the keys they want, and what stops the program.
 #include "ui/ui_table.h"
 
+#include "settings/limits.h"
 #include "ui/resource.h"
 
 const UI_RingEntry UI_aRingEntries[] = {
@@ -65,7 +66,8 @@ const int UI_cnRingEntries = sizeof UI_aRingEntries / sizeof UI_aRingEntries[0];
 
 const UI_Number UI_aNumbers[] = {
     {PANEL_MAIN, MAIN_FM_SAMPLES, 1, 9999, 10},  {PANEL_MEMORY, MEMORY_COUNT, 1, 1024, 64},
-    {PANEL_CONNECT, CONNECT_STATION, 0, 250, 1}, {PANEL_SCOPE, SCOPE_POSITION, 0, 100, 50},
+    {PANEL_CONNECT, CONNECT_STATION, 0, MODBUS_STATION_MAX, 1},
+    {PANEL_SCOPE, SCOPE_POSITION, 0, 100, 50},
     {PANEL_SCOPE, SCOPE_SUB, 1, 65535, 1},       {PANEL_SIMULATOR, SIMUL_DROP, 0, 100, 0},
     {PANEL_SIMULATOR, SIMUL_CORRUPT, 0, 100, 0}, {PANEL_SIMULATOR, SIMUL_REPEAT, 0, 100, 0},
     {PANEL_SIMULATOR, SIMUL_REFUSE, 0, 100, 0},  {PANEL_SIMULATOR, SIMUL_DELAY, 0, 2000, 0},

@@ -18,6 +18,7 @@ struct VirtualFaults {
     double loss = 0, damage = 0, refusal = 0, doubled = 0, stray = 0, foreign = 0;
     double delayMs = 1, jitterMs = 2; // of an answer
     bool isEcho = false;
+    uint32_t refusedBelow = 0; // reads of memory that the slave does not have
 };
 
 struct VirtualLine {
@@ -54,18 +55,23 @@ struct VirtualLine {
         const uint8_t stray[] = {static_cast<uint8_t>(random()), 1};
         Queue(fromMs, stray, 1 + random() % 2);
     }
+    static uint32_t AddressOf(const uint8_t *frame) // of memory that function 23 reads
+    {
+        return static_cast<uint32_t>(frame[11]) << 24 | static_cast<uint32_t>(frame[12]) << 16 |
+               static_cast<uint32_t>(frame[13]) << 8 | frame[14];
+    }
     void Serve(const uint8_t *frame, size_t count)
     {
-        const bool isProbe =
-            frame[1] == 23 && std::all_of(frame + 11, frame + 15, [](uint8_t b) { return b == 0; });
+        const bool isProbe = frame[1] == 23 && AddressOf(frame) == 0;
         uint8_t answer[SIM_RTU_MAX];
         int exception = 0;
         if (Draw(faults.loss / 2)) {
             lost += !isProbe;
             return;
         }
-        const bool isRefused = !isProbe && Draw(faults.refusal);
-        size_t length = isRefused ? SIM_RefuseRtu(frame, 6, answer)
+        const bool isMissing = frame[1] == 23 && AddressOf(frame) < faults.refusedBelow;
+        const bool isRefused = isMissing || (!isProbe && Draw(faults.refusal));
+        size_t length = isRefused ? SIM_RefuseRtu(frame, isMissing ? 2 : 6, answer)
                                   : SIM_ServeRtu(&target, frame, count, answer, &exception);
         length = SIM_CloseRtu(answer, length);
         const double at = nowMs + DrawMs(faults.delayMs, faults.jitterMs);
@@ -85,7 +91,7 @@ struct VirtualLine {
         if (isDamaged)
             answer[random() % length] ^= static_cast<uint8_t>(1u << random() % 8);
         damaged += isDamaged && !isProbe;
-        refused += isRefused && !isDamaged;
+        refused += isRefused && !isDamaged && !isProbe;
         Queue(at, answer, length);
         if (isDoubled)
             Queue(at + DrawMs(0, 4), answer, length);

@@ -11,6 +11,7 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/tokens.h"
 #include "text/words.h"
@@ -144,8 +145,9 @@ int CheckSlave(const char *command, int slave)
 {
     if (VR_nProtocol != PROTOCOL_MODBUS)
         return SCR_Fail(WRD_Format("%s: the protocol is not Modbus.", command));
-    if (slave < UCM_SLAVE_MIN || slave > UCM_SLAVE_MAX)
-        return SCR_Fail(WRD_Format("%s: slave %d is not from 1 to 250.", command, slave));
+    if (slave < MODBUS_STATION_MIN || slave > MODBUS_STATION_MAX)
+        return SCR_Fail(WRD_Format("%s: slave %d is not from %d to %d.", command, slave,
+                                   MODBUS_STATION_MIN, MODBUS_STATION_MAX));
     return 0;
 }
 
