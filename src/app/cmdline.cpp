@@ -15,10 +15,11 @@ std::string VR_szTypesOption;
 
 namespace {
 
-constexpr int PORT_OPTION_MAX = 4;
+constexpr int PORT_OPTION_MAX = 4; // "-12" is port 1: an option is one digit
 constexpr int BAUD_DEFAULT = 19200;
 const char TYPES_OPTION[] = "--types";
 
+// Text that is no number counts as 0, which is the station 0 and no baud rate: the remarks say so.
 int ParseNumber(const char *text, int ifNegative)
 {
     const long value = std::strtol(text, nullptr, 10);
@@ -72,7 +73,7 @@ std::string RemarkOn(const char *option)
 
 int GetCmdLineOptions(int argc, char **argv)
 {
-    int index = 1;
+    int index = 1; // of the first that is no option: a script
     for (; index < argc && argv[index][0] == '-'; index++)
         ApplyOption(argv[index]);
     return index;
@@ -103,6 +104,7 @@ int VR_RemoveTypesOption(int *argc, char **argv)
             argv[kept++] = argv[i];
             continue;
         }
+        // "--types=FILE" or "--types FILE"; both leave the arguments, with their file.
         if (argv[i][length] == '=')
             VR_szTypesOption = argv[i] + length + 1;
         else

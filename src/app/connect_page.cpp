@@ -1,5 +1,8 @@
+// Every field shows a setting and changes it at once, as the menu would: there is nothing to
+// confirm, and whatever else changes a setting is followed by CNP_Refresh.
 #include "app/connect_page.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -20,7 +23,6 @@
 namespace {
 
 constexpr int OTHER_PORT = 0; // the entry that asks for a number or a path
-constexpr int32_t BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
 
 struct Choice {
     int control;
@@ -35,41 +37,34 @@ constexpr Choice CHOICES[] = {
 
 std::vector<PTL_Port> ports; // as listed when the page was opened
 
-// The value is the port's number; what has none yet is named by its place, below zero.
-void AddPort(size_t index)
-{
-    const PTL_Port &port = ports[index];
-    std::string label = port.number > 0 ? "COM" + std::to_string(port.number) : "-";
-    label += ": " + port.device;
-    if (!port.description.empty())
-        label += ", " + port.description;
-    InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, WRD_Visible(label),
-                   -1 - static_cast<int>(index));
-}
-
-// The port in use stands in the list even when nothing is plugged in there.
-int FindPort()
-{
-    for (size_t i = 0; i < ports.size(); i++)
-        if (ports[i].number == ncom)
-            return static_cast<int>(i);
-    PTL_Port absent;
-    absent.number = ncom;
-    absent.device = SER_DevicePath(ncom);
-    absent.description = "not there";
-    ports.push_back(absent);
-    return static_cast<int>(ports.size()) - 1;
-}
-
+// The ports of this machine. An entry's value is its place in `ports`, below zero, because a
+// device may not have a number yet.
 void FillPorts()
 {
     ports = PTL_List();
-    const int used = FindPort();
+    const auto used = std::find_if(ports.begin(), ports.end(),
+                                   [](const PTL_Port &port) { return port.number == ncom; });
+    const int usedIndex = static_cast<int>(used - ports.begin());
+    if (used == ports.end()) {
+        // The port in use stands in the list even when nothing is plugged in there.
+        PTL_Port absent;
+        absent.number = ncom;
+        absent.device = SER_DevicePath(ncom);
+        absent.description = "not there";
+        ports.push_back(absent);
+    }
     ClearListCtrl(PANEL_CONNECT, CONNECT_PORT);
-    for (size_t i = 0; i < ports.size(); i++)
-        AddPort(i);
+    for (size_t i = 0; i < ports.size(); i++) {
+        const PTL_Port &port = ports[i];
+        std::string label = port.number > 0 ? "COM" + std::to_string(port.number) : "-";
+        label += ": " + port.device;
+        if (!port.description.empty())
+            label += ", " + port.description;
+        InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, WRD_Visible(label),
+                       -1 - static_cast<int>(i));
+    }
     InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, "Other...", OTHER_PORT);
-    SetCtrlIndex(PANEL_CONNECT, CONNECT_PORT, used);
+    SetCtrlIndex(PANEL_CONNECT, CONNECT_PORT, usedIndex);
 }
 
 // Those of the menu, and the one in use when it is another.
@@ -77,7 +72,7 @@ void FillBauds()
 {
     ClearListCtrl(PANEL_CONNECT, CONNECT_BAUD);
     bool isKnown = false;
-    for (const int32_t baud : BAUD_RATES) {
+    for (const int32_t baud : OPT_BAUD_RATES) {
         InsertListItem(PANEL_CONNECT, CONNECT_BAUD, -1, std::to_string(baud), baud);
         isKnown = isKnown || baud == bRate;
     }
@@ -86,33 +81,20 @@ void FillBauds()
     SetCtrlVal(PANEL_CONNECT, CONNECT_BAUD, bRate);
 }
 
-void FillChoices()
-{
-    for (const int control : {CONNECT_PROTOCOL, CONNECT_PROCESSOR})
-        ClearListCtrl(PANEL_CONNECT, control);
-    for (const Choice &choice : CHOICES)
-        InsertListItem(PANEL_CONNECT, choice.control, -1, choice.label, choice.value);
-}
-
 std::string NameOr(const std::string &path, const char *none)
 {
     return path.empty() ? none : WRD_Visible(path);
 }
 
-bool IsShown()
-{
-    int isVisible = 0;
-    return GetPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE, &isVisible) >= 0 && isVisible != 0;
-}
-
+// Back to the view that the page has covered.
 void Close()
 {
     MWN_ShowView(VR_isWatchView ? ITEM_WATCH_VIEW : ITEM_CONSOLE_VIEW);
 }
 
-// The link is free for the test; communication that was on goes on afterwards.
 void Test()
 {
+    // The test opens the link for itself; communication that was on goes on afterwards.
     const bool wasOn = isTimer != 0;
     if (wasOn)
         VIR2_StopPeriodicASC();
@@ -125,19 +107,13 @@ void Test()
         VIR2_StartPeriodicASC();
 }
 
-// Values first: there is no use in a list that stands still.
-void Start()
-{
-    MWN_ShowView(ITEM_WATCH_VIEW);
-    if (isTimer == 0)
-        VIR2_StartPeriodicASC();
-}
-
 } // namespace
 
 void CNP_Refresh()
 {
-    if (!IsShown())
+    // Looking for ports takes time, and this is called with every change of a setting.
+    int isVisible = 0;
+    if (GetPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE, &isVisible) < 0 || isVisible == 0)
         return;
     FillPorts();
     FillBauds();
@@ -152,7 +128,10 @@ void CNP_Open()
 {
     HidePanel(consolePanel);
     DisplayPanel(PANEL_CONNECT);
-    FillChoices();
+    for (const int control : {CONNECT_PROTOCOL, CONNECT_PROCESSOR})
+        ClearListCtrl(PANEL_CONNECT, control);
+    for (const Choice &choice : CHOICES)
+        InsertListItem(PANEL_CONNECT, choice.control, -1, choice.label, choice.value);
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
     CNP_Refresh();
     SetActiveCtrl(PANEL_CONNECT, CONNECT_PORT);
@@ -168,7 +147,7 @@ int CNP_PortCB(int, int, int event, int)
     int value = OTHER_PORT;
     if (event != EVENT_COMMIT || GetCtrlVal(PANEL_CONNECT, CONNECT_PORT, &value) < 0)
         return 0;
-    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, ""); // of the port before
     const size_t index = static_cast<size_t>(-1 - value);
     if (value == OTHER_PORT)
         PortCB(0, ITEM_PORT_OTHER);
@@ -214,7 +193,9 @@ int CNP_ButtonCB(int, int control, int event, int)
         OpenDatCB(0, ITEM_OPEN);
         break;
     case CONNECT_START:
-        Start();
+        MWN_ShowView(ITEM_WATCH_VIEW); // values first: there is no use in a list that stands still
+        if (isTimer == 0)
+            VIR2_StartPeriodicASC();
         break;
     default:
         Close();

@@ -117,6 +117,7 @@ std::string RangeText(const INI_NumberLine &number, int32_t now, const char *wha
 void ReadLines(std::FILE *file)
 {
     std::string line;
+    // Editors put a mark in front of UTF-8, which would hide the first key.
     for (INI_reading.lineNumber = 1; ReadLine(file, &line); ++INI_reading.lineNumber) {
         const bool isMarked =
             INI_reading.lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
@@ -161,22 +162,21 @@ void AddPath(std::string *text, const char *key, const std::string &path, const 
         *text += std::string(bareKey) + END_OF_LINE;
 }
 
-std::string MapToWrite()
-{
-    if (openStruct == OPEN_MAP_FILE)
-        return szMapFileName;
-    return openStruct == OPEN_NONE ? INI_reading.kept.map : "";
-}
-
+// What could not be had in this run (`kept`) is written as it was read, unless something else has
+// taken its place.
 std::string SettingsText()
 {
     std::string text;
+    // The processor first: it decides with which reader a map is read.
     if (const char *word = INI_ProcessorWord(Procesor))
         AddLine(&text, "r", word);
     if (const char *word = INI_ProtocolWord(VR_nProtocol))
         AddLine(&text, "t", word);
     text += std::string(Option_AutoOff != 0 ? "o+" : "o-") + END_OF_LINE;
-    AddPath(&text, "m", MapToWrite(), "m");
+    const std::string map = openStruct == OPEN_MAP_FILE ? szMapFileName
+                            : openStruct == OPEN_NONE   ? INI_reading.kept.map
+                                                        : ""; // from the target's memory
+    AddPath(&text, "m", map, "m");
     AddPath(&text, "d0", szDebugFileName.empty() ? INI_reading.kept.debugFile : szDebugFileName,
             "d");
     for (int i = 0; i < nDebugFileNames; i++)
@@ -200,14 +200,6 @@ std::string SettingsText()
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
     return text + WPL_Lines({"window", "columns", "layout"}, END_OF_LINE);
-}
-
-// Whether the file on disk already says the same: then there is nothing to save, and a
-// write-protected file is no failure.
-bool IsOnDisk(const std::string &text)
-{
-    std::string content;
-    return PLF_ReadAll(place.write, FILE_SIZE_MAX, &content) == PLF_OK && content == text;
 }
 
 } // namespace
@@ -235,6 +227,7 @@ int OpenIniFile(int)
                                        "': this folder cannot be written.");
     if (Option_ComWin32 != 0)
         UCM_UseWin32(1);
+    // The list may stand in the file in front of the maps that its names come from.
     initRgMap(Procesor);
     VR_ResolveWatchList();
     ShowProblems();
@@ -261,9 +254,13 @@ std::string INI_GetRangeProblem()
 int SaveIniFile()
 {
     const std::string text = SettingsText();
-    SafeFile safe;
-    if (!isUnreadable && IsOnDisk(text))
+    // Where the file already says the same there is nothing to save, and a write-protected file is
+    // no failure.
+    std::string content;
+    if (!isUnreadable && PLF_ReadAll(place.write, FILE_SIZE_MAX, &content) == PLF_OK &&
+        content == text)
         return 0;
+    SafeFile safe;
     if (!isUnreadable && SAF_Open(&safe, place.write, "wb") == 0) {
         const bool isWritten = std::fwrite(text.data(), 1, text.size(), safe.file) == text.size();
         if (!isWritten)

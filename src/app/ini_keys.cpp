@@ -1,3 +1,5 @@
+// The functions below are rows of KEYS and run in the order of the file's lines, so one may count
+// on what stands in front of it: a map is read for the processor that was named before.
 #include "app/ini_keys.h"
 
 #include <algorithm>
@@ -47,6 +49,7 @@ template <size_t N> const char *WordOf(const Word (&words)[N], int value)
     return nullptr;
 }
 
+// As the C library has it: text that is no number counts as 0.
 int32_t ToNumber(const std::string &text)
 {
     const long value = std::strtol(text.c_str(), nullptr, 10);
@@ -66,6 +69,7 @@ bool IsLoaded(const char *what, const std::string &path, int result, std::string
     return false;
 }
 
+// A word that is none of the table's leaves the setting as it is.
 void ReadProcessor(const std::string &, const std::string &value)
 {
     if (const Word *word = FindWord(PROCESSORS, value))
@@ -93,7 +97,7 @@ void ReadMapFile(const std::string &, const std::string &path)
     if (!IsLoaded("Map file", path, result, &INI_reading.kept.map))
         return;
     szMapFileName = path;
-    GetFileStamp(&szMapFileStamp, path.c_str());
+    GetFileStamp(&szMapFileStamp, path.c_str()); // a reload looks whether it has changed
 }
 
 // The stamp is that of the map named before: a reload then sees the new one as changed.
@@ -106,6 +110,7 @@ void ReadTmsMapFile(const std::string &, const std::string &path)
     szMapFileName = path;
 }
 
+// Shown at once, with addresses only for names whose map stood in front of it.
 void ReadDebugFile(const std::string &, const std::string &path)
 {
     if (path.empty() ||
@@ -160,6 +165,7 @@ void ReadStation(const std::string &, const std::string &value)
     INI_reading.station = {INI_reading.lineNumber, STATION};
 }
 
+// Exactly "WIN32": any other word chooses the run-time library's driver.
 void ReadDriver(const std::string &, const std::string &value)
 {
     Option_ComWin32 = value == "WIN32";
@@ -171,6 +177,7 @@ void ReadFullCommands(const std::string &, const std::string &)
     VR_isFullOnce = false; // kept, whatever this run's options say
 }
 
+// Only a rate that the menu offers, or it would have no check mark there.
 void ReadSweepRate(const std::string &, const std::string &value)
 {
     const int32_t rate = ToNumber(value);

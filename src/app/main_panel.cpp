@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/connect_page.h"
+#include "app/options.h"
 #include "app/window_places.h"
 #include "code/debugger.h"
 #include "comm/ucm.h"
@@ -34,38 +35,26 @@
 
 namespace {
 
+// A processor or protocol: its menu item, its word in the state line and in plain words.
 struct Choice {
     int item;
     int value;
+    const char *word, *meaning;
 };
-constexpr Choice BAUD_ITEMS[] = {{ITEM_BAUD_FIRST, 9600},
-                                 {ITEM_BAUD_FIRST + 1, 19200},
-                                 {ITEM_BAUD_FIRST + 2, 38400},
-                                 {ITEM_BAUD_FIRST + 3, 57600},
-                                 {ITEM_BAUD_LAST, 115200}};
-constexpr Choice CPU_ITEMS[] = {{ITEM_CPU_C166, CPU_C166},
-                                {ITEM_CPU_C167, CPU_C167},
-                                {ITEM_CPU_F283XX, CPU_F283XX},
-                                {ITEM_CPU_F2803X, CPU_F2803X}};
-constexpr Choice PROTOCOL_ITEMS[] = {{ITEM_MR166, PROTOCOL_MR166}, {ITEM_MODBUS, PROTOCOL_MODBUS}};
+constexpr Choice PROCESSORS[] = {{ITEM_CPU_C166, CPU_C166, "AC166", "C166"},
+                                 {ITEM_CPU_C167, CPU_C167, "AC167", "C167"},
+                                 {ITEM_CPU_F283XX, CPU_F283XX, "F283xx", "TMS320F283xx"},
+                                 {ITEM_CPU_F2803X, CPU_F2803X, "F2803x", "TMS320F2803x"}};
+constexpr Choice PROTOCOLS[] = {{ITEM_MR166, PROTOCOL_MR166, "COM166", "mr166 frames, station "},
+                                {ITEM_MODBUS, PROTOCOL_MODBUS, "MODBUS", "Modbus RTU, slave "}};
 
-struct Name {
-    int value;
-    const char *text;
-};
-constexpr Name CPU_NAMES[] = {{CPU_C166, "CPU = AC166; "},
-                              {CPU_C167, "CPU = AC167; "},
-                              {CPU_F283XX, "CPU = F283xx; "},
-                              {CPU_F2803X, "CPU = F2803x; "}};
-constexpr Name PROTOCOL_NAMES[] = {{PROTOCOL_MR166, "prot = COM166; "},
-                                   {PROTOCOL_MODBUS, "prot = MODBUS; "}};
-
-template <size_t N> const char *NameOf(const Name (&names)[N], int value, const char *other)
+// Null for a value that no row has: settings files are written by hand, too.
+template <size_t N> const Choice *FindChoice(const Choice (&choices)[N], int value)
 {
-    for (const Name &name : names)
-        if (name.value == value)
-            return name.text;
-    return other;
+    for (const Choice &choice : choices)
+        if (choice.value == value)
+            return &choice;
+    return nullptr;
 }
 
 void Check(int item, bool isOn)
@@ -73,20 +62,18 @@ void Check(int item, bool isOn)
     SetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, ATTR_CHECKED, isOn);
 }
 
-template <size_t N> void CheckChoice(const Choice (&choices)[N], int value)
-{
-    for (const Choice &choice : choices)
-        Check(choice.item, choice.value == value);
-}
-
+// One item of each group is checked, or none where a setting is not among those offered.
 void CheckOptions()
 {
-    CheckChoice(BAUD_ITEMS, bRate);
-    CheckChoice(PROTOCOL_ITEMS, VR_nProtocol);
-    CheckChoice(CPU_ITEMS, Procesor);
-    for (int port = 1; port <= 9; port++)
+    for (int item = ITEM_BAUD_FIRST; item <= ITEM_BAUD_LAST; item++)
+        Check(item, OPT_BAUD_RATES[item - ITEM_BAUD_FIRST] == bRate);
+    for (const Choice &row : PROTOCOLS)
+        Check(row.item, row.value == VR_nProtocol);
+    for (const Choice &row : PROCESSORS)
+        Check(row.item, row.value == Procesor);
+    for (int port = 1; port <= OPT_MENU_PORTS; port++)
         Check(ITEM_PORT_FIRST + port - 1, port == ncom);
-    Check(ITEM_PORT_OTHER, ncom > 9);
+    Check(ITEM_PORT_OTHER, ncom > OPT_MENU_PORTS);
     for (int item = ITEM_STATION_FIRST; item <= ITEM_STATION_LAST; item++)
         Check(item, item - ITEM_STATION_FIRST == STATION);
     for (int item = ITEM_RATE_FIRST; item <= ITEM_RATE_LAST; item++)
@@ -97,6 +84,7 @@ void CheckOptions()
     Check(ITEM_FULL_COMMANDS, VR_isFullCommandSet);
 }
 
+// All anew: their number, order and texts change together, and a view redraws only what differs.
 void RefreshRecentItems()
 {
     const int menuBar = GetPanelMenuBar(mainPanel);
@@ -145,40 +133,14 @@ const char MODBUS_ECHO_TEXT[] = "The line echoes what is sent. ";
 const char SIMULATED_TEXT[] = "SIMULATED TARGET. ";
 bool isEchoShown = false;
 
-std::string TypesText()
-{
-    if (TMF_cnDefVars == 0)
-        return "";
-    return "; types: " + TMF_GetCountsText();
-}
-
-// What was said about another port, station or protocol says nothing about these.
-void OutdateLinkMessage()
-{
-    static std::vector<int> before;
-    const std::vector<int> now = {ncom, bRate, STATION, VR_nProtocol, Option_ComWin32, Option_Echo};
-    if (!before.empty() && before != now)
-        MWN_Outdate(MWN_LINK);
-    before = now;
-}
-
-struct Meaning {
-    int value;
-    const char *text;
-};
-constexpr Meaning CPU_MEANINGS[] = {{CPU_C166, "C166"},
-                                    {CPU_C167, "C167"},
-                                    {CPU_F283XX, "TMS320F283xx"},
-                                    {CPU_F2803X, "TMS320F2803x"}};
-
 // What the state line says, in plain words.
 std::string StateTip()
 {
-    std::string text = "Processor: unknown";
-    for (const Meaning &row : CPU_MEANINGS)
-        if (row.value == Procesor)
-            text = std::string("Processor: ") + row.text;
-    text += VR_nProtocol == PROTOCOL_MODBUS ? "\nModbus RTU, slave " : "\nmr166 frames, station ";
+    const Choice *processor = FindChoice(PROCESSORS, Procesor);
+    std::string text = "Processor: ";
+    text += processor != nullptr ? processor->meaning : "unknown";
+    text += "\n";
+    text += PROTOCOLS[VR_nProtocol == PROTOCOL_MODBUS ? 1 : 0].meaning;
     text += std::to_string(STATION) + "\nPort " + WRD_Visible(UCM_PortName(ncom)) + " at " +
             std::to_string(bRate) + " baud";
     text += Option_ComWin32 != 0 ? "\nEchoes of a two-wire line are not skipped (Win32 services)"
@@ -196,9 +158,13 @@ void SetMainPanelStateLine()
 {
     char numbers[80];
     std::snprintf(numbers, sizeof numbers, "st = %d; com = %d, brate = %d; ", STATION, ncom, bRate);
-    std::string text = NameOf(CPU_NAMES, Procesor, "CPU = ???; ");
-    text += NameOf(PROTOCOL_NAMES, VR_nProtocol, "prot = ???; ");
-    text += numbers;
+    const Choice *processor = FindChoice(PROCESSORS, Procesor);
+    const Choice *protocol = FindChoice(PROTOCOLS, VR_nProtocol);
+    std::string text = "CPU = ";
+    text += processor != nullptr ? processor->word : "???";
+    text += "; prot = ";
+    text += protocol != nullptr ? protocol->word : "???";
+    text += std::string("; ") + numbers;
     text += Option_AutoOff != 0 ? "auto-off; " : "";
     text += Option_ComWin32 != 0 ? "Win32Com; " : "NI_Com; ";
     isEchoShown = UCM_IsEchoing();
@@ -206,7 +172,8 @@ void SetMainPanelStateLine()
     const char *advice = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_ECHO_TEXT : ECHO_TEXT;
     const std::string echo = isEchoShown ? advice : "";
     const std::string simulated = TGT_IsConnected() ? SIMULATED_TEXT : "";
-    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + simulated + echo + MapText() + TypesText());
+    const std::string types = TMF_cnDefVars > 0 ? "; types: " + TMF_GetCountsText() : "";
+    SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + simulated + echo + MapText() + types);
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TEXT_COLOR,
                      TGT_IsConnected() ? COLOR_WARN : COLOR_PLAIN);
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
@@ -236,7 +203,12 @@ void VR_DimControls()
 
 void VR_ShowSettings()
 {
-    OutdateLinkMessage();
+    // What was said about another port, station or protocol says nothing about these.
+    static std::vector<int> before;
+    const std::vector<int> now = {ncom, bRate, STATION, VR_nProtocol, Option_ComWin32, Option_Echo};
+    if (!before.empty() && before != now)
+        MWN_Outdate(MWN_LINK);
+    before = now;
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     RefreshRecentItems();
@@ -245,6 +217,7 @@ void VR_ShowSettings()
     CheckOptions();
     VR_DimControls();
     VR_ShowComState();
+    // Windows find out by themselves whether what they show depends on what has changed.
     VSL_SymbolsChanged();
     DBW_Changed();
     ARI_NamesChanged();

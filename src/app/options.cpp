@@ -22,7 +22,6 @@
 
 namespace {
 
-constexpr int BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
 constexpr int PROCESSORS[] = {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X};
 const char PORT_QUESTION[] = "Enter COM number, the path of a device or tcp:host:port";
 
@@ -48,36 +47,30 @@ bool IsDeviceName(const std::string &text)
             text.find_first_of("/\\mM") != std::string::npos);
 }
 
-int UseDevice(const std::string &device)
-{
-    int number = 0;
-    switch (PTL_Use(device, &number)) {
-    case 0:
-        ncom = number;
-        return 0;
-    case PTL_ERR_MISSING:
-        MessagePopup("Error", "There is no device '" + WRD_Visible(device) + "'.");
-        return -1;
-    default:
-        MessagePopup("Error", "The device '" + WRD_Visible(device) +
-                                  "' cannot be given a number: the folder of the links cannot be "
-                                  "written, or no number is left.");
-        return -1;
-    }
-}
-
 } // namespace
 
 int OPT_UsePort(const std::string &text)
 {
     const std::string name = WRD_Trim(text);
+    int number = 0;
     if (IsDeviceName(name)) {
-        if (UseDevice(name) < 0)
+        const int result = PTL_Use(name, &number);
+        if (result != 0) {
+            const std::string device = "device '" + WRD_Visible(name) + "'";
+            MessagePopup("Error",
+                         result == PTL_ERR_MISSING
+                             ? "There is no " + device + "."
+                             : "The " + device +
+                                   " cannot be given a number: the folder of the links cannot be "
+                                   "written, or no number is left.");
             return -1;
+        }
     } else {
-        const long port = std::strtol(name.c_str(), nullptr, 10);
-        ncom = static_cast<int32_t>(std::clamp(port, 1L, static_cast<long>(PTL_NUMBER_MAX)));
+        // What is no number is port 1, as it always was.
+        const long typed = std::strtol(name.c_str(), nullptr, 10);
+        number = static_cast<int>(std::clamp(typed, 1L, static_cast<long>(PTL_NUMBER_MAX)));
     }
+    ncom = number;
     VR_Reopen();
     return 0;
 }
@@ -86,6 +79,7 @@ void OPT_UseProcessor(int processor)
 {
     if (Procesor == processor)
         return;
+    // Registers first: names of the list are looked up among them, too.
     Procesor = processor;
     initRgMap(Procesor);
     VR_ResolveWatchList();
@@ -95,7 +89,7 @@ void OPT_UseProcessor(int processor)
 void BRateCB(int, int item)
 {
     if (item >= ITEM_BAUD_FIRST && item <= ITEM_BAUD_LAST) {
-        bRate = BAUD_RATES[item - ITEM_BAUD_FIRST];
+        bRate = OPT_BAUD_RATES[item - ITEM_BAUD_FIRST];
         VR_Reopen();
     }
     SetMainPanelAttributes();
@@ -103,7 +97,7 @@ void BRateCB(int, int item)
 
 void PortCB(int, int item)
 {
-    if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + 9) {
+    if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + OPT_MENU_PORTS) {
         ncom = item - ITEM_PORT_FIRST + 1;
         VR_Reopen();
     } else if (item == ITEM_PORT_OTHER) {
@@ -144,6 +138,7 @@ void ComWin32CB(int, int)
     Option_ComWin32 = Option_ComWin32 == 0;
     if (Option_ComWin32 == 0)
         MessagePopup("(!) Warning", NI_WARNING);
+    // An open link changes its driver on the spot, which may fail like any opening.
     Check_ASC_Open(UCM_UseWin32(Option_ComWin32));
     SetMainPanelAttributes();
 }
@@ -170,7 +165,7 @@ void ClosePortCB(int, int)
 void EchoCB(int, int)
 {
     Option_Echo = Option_Echo == 0;
-    VR_isEchoOnce = false;
+    VR_isEchoOnce = false; // chosen here it is for the settings file, not for this run only
     SetMainPanelAttributes();
     VR_Reopen();
 }

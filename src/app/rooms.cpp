@@ -1,3 +1,4 @@
+// The answers are one or two calls each: what is more belongs into the room that does it.
 #include "app/rooms.h"
 
 #include "app/ini_file.h"
@@ -23,7 +24,7 @@
 
 namespace {
 
-int progressDialog = -1;
+int progressDialog = -1; // of the one map that is being loaded
 
 void ShowLinkMessage(const std::string &text)
 {
@@ -75,6 +76,7 @@ void ShowWaiting(int station)
     SetBusyText(COM_WaitingText(station));
 }
 
+// The default is no: an answer that nobody gave must not cost a protected file.
 bool MayReplace(const std::string &path)
 {
     return ConfirmPopup("Vireo2",
@@ -88,6 +90,7 @@ void BeginProgress(const std::string &title, const std::string &text)
     progressDialog = CreateProgressDialog(title, text);
 }
 
+// False: the user has cancelled, or closed the box.
 bool AdvanceProgress(int percent, const std::string &text)
 {
     return UpdateProgressDialog(progressDialog, percent, text) <= 0;
@@ -109,6 +112,7 @@ void VR_ConnectRooms()
     link.withdrawMessage = WithdrawMessage;
     COM_SetListener(link);
 
+    // Asked before every try on the line, so both must be quick.
     UCM_Listener exchange;
     exchange.isBreak = IsBreakWished;
     exchange.waiting = ShowWaiting;
@@ -123,6 +127,7 @@ void VR_ConnectRooms()
     ADR_SetResolver(SYM_ResolveName);
 
     SYM_Listener names = {};
+    // Watch list, windows and completion hold addresses that came from names.
     names.namesChanged = NCH_NamesChanged;
     names.showMessage = ShowMapMessage;
     names.warn = Warn;

@@ -38,6 +38,7 @@ struct PanelLoad {
     int panel;
     int parent;
 };
+// Further windows of the inspectors are loaded when they are needed.
 constexpr PanelLoad PANELS[] = {
     {PANEL_MAIN, 0},
     {PANEL_VALUE, 0},
@@ -74,16 +75,6 @@ int LoadPanels()
     return 0;
 }
 
-// Nothing to reload, to undo or to close yet. An item without a row answers with an
-// error, which is as good as dimmed.
-void PrepareMenu()
-{
-    const int menuBar = GetPanelMenuBar(mainPanel);
-    for (const int item : {ITEM_RELOAD_MAP, ITEM_UNDO, ITEM_CLOSE_PORT})
-        SetMenuBarAttribute(menuBar, item, ATTR_DIMMED, 1);
-    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
-}
-
 // Nobody is there any more to be asked: what was set is kept, a changed list is not saved.
 void EndAtOnce()
 {
@@ -93,32 +84,6 @@ void EndAtOnce()
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const bool isSaved = SaveIniFile() == 0 && isScopeSaved && IsDBGChange == 0;
     QuitUserInterface(isSaved ? 0 : EXIT_UNSAVED);
-}
-
-// For a person who looks at the terminal; a window's program may have none.
-void SayRemarks(int argc, char **argv)
-{
-    std::string line;
-    for (const std::string &remark : VR_GetCmdLineRemarks(argc, argv))
-        line += (line.empty() ? "" : " ") + remark;
-    if (!line.empty())
-        std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
-}
-
-void OpenTypes()
-{
-    std::string message;
-    VR_isTypesFailed = !VR_szTypesOption.empty() && MLD_OpenTypes(VR_szTypesOption, &message) < 0;
-    if (VR_isTypesFailed)
-        VR_ShowMessage("Error: " + message);
-}
-
-void RunScript(const char *path)
-{
-    WindowCB(0, ITEM_CONSOLE_VIEW);
-    VR_isScriptRun = true;
-    VR_nScriptResult = ExecMonScript(path, consolePanel);
-    SCR_ReportResult(path, VR_nScriptResult);
 }
 
 } // namespace
@@ -133,24 +98,43 @@ int VR_StartUp(int argc, char **argv)
     if (InitCVIRTE(&argc, argv) < 0 || LoadPanels() < 0)
         return -1;
     SetEndCallback(EndAtOnce);
-    PrepareMenu();
+    // Nothing to reload, to undo or to close yet. An item without a row answers with an error,
+    // which is as good as dimmed.
+    const int menuBar = GetPanelMenuBar(mainPanel);
+    for (const int item : {ITEM_RELOAD_MAP, ITEM_UNDO, ITEM_CLOSE_PORT})
+        SetMenuBarAttribute(menuBar, item, ATTR_DIMMED, 1);
+    SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
     WindowCB(0, ITEM_CONSOLE_VIEW);
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
     SuspendTimerCallbacks();
     isTimer = 0;
+    // Options choose the settings file, and win over what it says.
     GetCmdLineOptions(argc, argv);
     OpenIniFile(mainPanel);
     const int script = GetCmdLineOptions(argc, argv);
-    SayRemarks(argc, argv);
-    OpenTypes();
+    // For a person who looks at the terminal; a window's program may have none.
+    std::string remarks;
+    for (const std::string &remark : VR_GetCmdLineRemarks(argc, argv))
+        remarks += (remarks.empty() ? "" : " ") + remark;
+    if (!remarks.empty())
+        std::fprintf(stderr, "%s\n", WRD_Visible(remarks).c_str());
+    std::string message;
+    VR_isTypesFailed = !VR_szTypesOption.empty() && MLD_OpenTypes(VR_szTypesOption, &message) < 0;
+    if (VR_isTypesFailed)
+        VR_ShowMessage("Error: " + message);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
     if (VR_enAppMode == MODE_CONFIGURATION)
         CFW_Opened();
     if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
         WindowCB(0, ITEM_WATCH_VIEW);
-    if (script < argc && !VR_isTypesFailed)
-        RunScript(argv[script]);
+    // Nothing is done with types that are not the ones asked for.
+    if (script < argc && !VR_isTypesFailed) {
+        WindowCB(0, ITEM_CONSOLE_VIEW);
+        VR_isScriptRun = true;
+        VR_nScriptResult = ExecMonScript(argv[script], consolePanel);
+        SCR_ReportResult(argv[script], VR_nScriptResult);
+    }
     return 0;
 }
 
@@ -165,7 +149,7 @@ int ExitApplication(int)
 {
     if (DbgChngSafety() < 0)
         return -1;
-    RCW_Stop();
+    RCW_Stop(); // its last rounds are proven over the line
     VIR2_StopPeriodicASC();
     TGT_Stop();
     QuitUserInterface(0);

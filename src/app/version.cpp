@@ -25,21 +25,15 @@ struct VersionApi {
     QueryFn query;
 };
 
-bool ReadBlock(const VersionApi &api, std::vector<char> *block)
+// The description in the first language the block offers.
+std::string ReadDescription(const VersionApi &api)
 {
     uint32_t unused = 0;
     const uint32_t size = api.size(CONFIG_TOOL_PATH, &unused);
     if (size == 0 || size > VERSION_BLOCK_MAX)
-        return false;
-    block->resize(size);
-    return api.info(CONFIG_TOOL_PATH, 0, size, block->data()) != 0;
-}
-
-// The description in the first language the block offers.
-std::string ReadDescription(const VersionApi &api)
-{
-    std::vector<char> block;
-    if (!ReadBlock(api, &block))
+        return "";
+    std::vector<char> block(size);
+    if (api.info(CONFIG_TOOL_PATH, 0, size, block.data()) == 0)
         return "";
     void *value = nullptr;
     uint32_t length = 0;

@@ -28,14 +28,6 @@ constexpr int CONSOLE_TOP = 21;
 constexpr int CONSOLE_BOX_LOSS = 43;  // main panel's height less the text box's
 constexpr int CONSOLE_LINE_LOSS = 42; // ... less the top of prompt and input
 
-void ScrollConsoleToEnd()
-{
-    int lines = 0;
-    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &lines);
-    if (lines > 0)
-        SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_FIRST_VISIBLE_LINE, lines - 1);
-}
-
 void CheckView(int shown, int hidden)
 {
     const int menuBar = GetPanelMenuBar(mainPanel);
@@ -86,6 +78,7 @@ void MoveSelection(int step)
     SetCtrlIndex(mainPanel, MAIN_LIST, row);
 }
 
+// 1: the key means nothing else then; an arrow still moves the cursor of whoever has it.
 int OnKey(int key)
 {
     switch (key) {
@@ -131,14 +124,6 @@ constexpr WindowItem WINDOW_ITEMS[] = {
     {ITEM_SIMULATOR, PANEL_SIMULATOR, TGW_Opened},
 };
 
-void ShowWindow(const WindowItem &row)
-{
-    DisplayPanel(row.panel);
-    SetActivePanel(row.panel);
-    if (row.opened != nullptr)
-        row.opened();
-}
-
 } // namespace
 
 void VR_SizeConsole(int height)
@@ -150,7 +135,10 @@ void VR_SizeConsole(int height)
     SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_HEIGHT, height - CONSOLE_BOX_LOSS);
     SetCtrlAttribute(consolePanel, CONSOLE_PROMPT, ATTR_TOP, height - CONSOLE_LINE_LOSS);
     SetCtrlAttribute(consolePanel, CONSOLE_INPUT, ATTR_TOP, height - CONSOLE_LINE_LOSS);
-    ScrollConsoleToEnd();
+    int lines = 0;
+    GetNumTextBoxLines(consolePanel, CONSOLE_BOX, &lines);
+    if (lines > 0) // the line that is being worked at stays in sight
+        SetCtrlAttribute(consolePanel, CONSOLE_BOX, ATTR_FIRST_VISIBLE_LINE, lines - 1);
 }
 
 int PanelCB(int panel, int event, int data)
@@ -196,9 +184,14 @@ void VR_ShowView(int item)
 void WindowCB(int, int item)
 {
     VR_ShowView(item);
-    if (item == ITEM_SCOPE)
+    if (item == ITEM_SCOPE) // it is of no use without the target
         VR_ComRequest();
-    for (const WindowItem &row : WINDOW_ITEMS)
-        if (row.item == item)
-            ShowWindow(row);
+    for (const WindowItem &row : WINDOW_ITEMS) {
+        if (row.item != item)
+            continue;
+        DisplayPanel(row.panel);
+        SetActivePanel(row.panel);
+        if (row.opened != nullptr)
+            row.opened();
+    }
 }

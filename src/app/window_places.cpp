@@ -1,3 +1,5 @@
+// What was read is kept beside what the windows have now: only a list whose widths differ from
+// those the program gave it has a line, and a window of this run wins over its line.
 #include "app/window_places.h"
 
 #include <map>
@@ -87,6 +89,7 @@ Numbers Join(Numbers front, const Numbers &back)
     return front;
 }
 
+// An inspector's further window has a line before it has a window.
 bool IsLoaded(int panel)
 {
     int isPlaced = 0;
@@ -181,6 +184,7 @@ std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine)
         if (GetPanelAttribute(panel, ATTR_IS_PLACED, &isPlaced) >= 0 && isPlaced != 0)
             places[panel] = PlaceNow(panel);
     }
+    // Set back to its first widths a list loses its line.
     for (const auto &[place, first] : firstWidths) {
         const Numbers now = WidthsNow(place.first, place.second);
         if (now != first)

@@ -1,3 +1,5 @@
+// Names as the manuals of the C167 have them. Registers that are built alike are not listed: their
+// fields follow from their names.
 #include "code/bit_names.h"
 
 namespace {
@@ -51,31 +53,22 @@ const Row ROWS[] = {
 };
 // clang-format on
 
-constexpr char INTERRUPT_ENDING[] = "IC"; // every interrupt control register is built alike
 constexpr int CAPTURES_PER_REGISTER = 4, BITS_PER_CAPTURE = 4;
-
-bool IsInterruptControl(const std::string &name)
-{
-    return name.size() > 2 && name.compare(name.size() - 2, 2, INTERRUPT_ENDING) == 0;
-}
-
-// "CCM2": modes and allocation of the captures 8 to 11.
-bool IsCaptureMode(const std::string &name)
-{
-    return name.size() == 4 && name.compare(0, 3, "CCM") == 0 && name[3] >= '0' && name[3] <= '7';
-}
 
 } // namespace
 
 std::vector<CODE_BitField> CODE_GetBitFields(const std::string &registerName)
 {
-    if (IsInterruptControl(registerName)) {
-        const std::string stem = registerName.substr(0, registerName.size() - 1);
-        const std::string source = stem.substr(0, stem.size() - 1);
+    // Every interrupt control register is built alike: "T2IC" has T2IE and T2IR.
+    const size_t length = registerName.size();
+    if (length > 2 && registerName.compare(length - 2, 2, "IC") == 0) {
+        const std::string source = registerName.substr(0, length - 2);
         return {{"GLVL", 0, 1}, {"ILVL", 2, 5}, {source + "IE", 6, 6}, {source + "IR", 7, 7}};
     }
     std::vector<CODE_BitField> fields;
-    if (IsCaptureMode(registerName)) {
+    // "CCM2": modes and allocation of the captures 8 to 11.
+    if (length == 4 && registerName.compare(0, 3, "CCM") == 0 && registerName[3] >= '0' &&
+        registerName[3] <= '7') {
         for (int i = 0; i < CAPTURES_PER_REGISTER; ++i) {
             const std::string number =
                 std::to_string((registerName[3] - '0') * CAPTURES_PER_REGISTER + i);

@@ -1,3 +1,5 @@
+// Most of the opcode map is regular, so three tables make it: operations in rows, forms in columns,
+// and single opcodes, which stand last and win.
 #include "code/c166_table.h"
 
 #include <array>

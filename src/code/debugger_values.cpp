@@ -1,9 +1,12 @@
+// Everything shown here comes from one set of live reads, which is proven as a whole. Registers
+// that change by being read are never in it.
 #include "code/debugger_values.h"
 
 #include <algorithm>
 #include <cstdio>
 
 #include "code/bit_names.h"
+#include "code/listing.h"
 #include "code/live_reads.h"
 #include "code/register_groups.h"
 #include "runtime/userint.h"
@@ -39,11 +42,6 @@ LVR_Set live; // of the last refresh
 uint32_t contextPointer = CODE_NO_ADDRESS, stackPointer = CODE_NO_ADDRESS;
 std::vector<std::pair<uint32_t, uint32_t>> lastValues; // of the registers shown, by address
 
-bool IsC166()
-{
-    return Procesor == CPU_C166 || Procesor == CPU_C167;
-}
-
 std::string FormatHex(uint32_t value, int digits)
 {
     char text[16];
@@ -60,18 +58,13 @@ UI_Cell MakeCell(const std::string &text)
 
 // --- registers --------------------------------------------------------------------------
 
-int GetGroup()
-{
-    int group = GENERAL_GROUP;
-    GetCtrlVal(PANEL, DEBUG_GROUP, &group);
-    return group;
-}
-
+// Those of the group that the ring shows.
 void CollectRegisterLines()
 {
     registerLines.clear();
-    const int group = GetGroup();
-    if (group == GENERAL_GROUP && IsC166() && contextPointer != CODE_NO_ADDRESS) {
+    int group = GENERAL_GROUP;
+    GetCtrlVal(PANEL, DEBUG_GROUP, &group);
+    if (group == GENERAL_GROUP && CODE_CanDecode() && contextPointer != CODE_NO_ADDRESS) {
         for (uint32_t i = 0; i < GENERAL_REGISTERS; ++i)
             registerLines.push_back({"R" + std::to_string(i), contextPointer + i * WORD_BYTES});
         registerLines.push_back({"PSW", ADDR_PSW});
@@ -97,14 +90,7 @@ std::string FormatBits(const std::string &name, uint32_t value)
     return text;
 }
 
-unsigned GetStyle(uint32_t address, uint32_t value)
-{
-    for (const auto &[place, last] : lastValues)
-        if (place == address)
-            return last == value ? UIS_NORMAL : UIS_CHANGED;
-    return UIS_NORMAL;
-}
-
+// A register that was not read shows a dash, never its last value.
 void ShowRegister(int index, uint32_t value, bool isRead, unsigned style)
 {
     const Line &line = registerLines[static_cast<size_t>(index)];
@@ -126,6 +112,7 @@ void ShowRegister(int index, uint32_t value, bool isRead, unsigned style)
 
 void FillRegisterList()
 {
+    // Lines are kept where there are as many as before, so that the selection stays.
     int count = 0;
     GetNumListItems(PANEL, DEBUG_REGISTERS, &count);
     if (count != static_cast<int>(registerLines.size())) {
@@ -139,7 +126,12 @@ void FillRegisterList()
         const bool isRead = !registerLines[i].isTouchy &&
                             LVR_Get(live, registerLines[i].address, WORD_BYTES, &value);
         const uint32_t address = registerLines[i].address;
-        ShowRegister(static_cast<int>(i), value, isRead, GetStyle(address, value));
+        // By address, not by line: the context pointer moves the general registers.
+        unsigned style = UIS_NORMAL;
+        for (const auto &[place, last] : lastValues)
+            if (place == address && last != value)
+                style = UIS_CHANGED;
+        ShowRegister(static_cast<int>(i), value, isRead, style);
         if (isRead)
             values.push_back({address, value});
     }
@@ -148,22 +140,18 @@ void FillRegisterList()
 
 // --- stack and memory -------------------------------------------------------------------
 
-// The words that are in use: from the stack pointer up to where the stack begins.
-uint32_t CountStackWords(uint32_t bottom)
-{
-    if (stackPointer < STACK_FIRST || stackPointer > STACK_LAST || bottom <= stackPointer ||
-        bottom > STACK_LAST + WORD_BYTES)
-        return 0;
-    return std::min((bottom - stackPointer) / WORD_BYTES, STACK_WORDS_MAX);
-}
-
 void ShowStack()
 {
     uint32_t bottom = 0;
     ClearListCtrl(PANEL, DEBUG_STACK);
     if (!LVR_Get(live, ADDR_STKUN, WORD_BYTES, &bottom))
         return;
-    const uint32_t words = CountStackWords(bottom);
+    // The words in use: from the stack pointer up to where the stack begins. Before a start-up has
+    // set them the two are anything, and nothing is shown.
+    uint32_t words = 0;
+    if (stackPointer >= STACK_FIRST && stackPointer <= STACK_LAST && bottom > stackPointer &&
+        bottom <= STACK_LAST + WORD_BYTES)
+        words = std::min((bottom - stackPointer) / WORD_BYTES, STACK_WORDS_MAX);
     for (uint32_t i = 0; i < words; ++i) {
         uint32_t value = 0;
         const uint32_t address = stackPointer + i * WORD_BYTES;
@@ -180,6 +168,7 @@ void ShowStack()
                        "SP " + FormatHex(stackPointer, 4) + "\033p110lempty", 0);
 }
 
+// Line by line as far as was read; the end of the target's memory cuts the last one.
 void ShowMemory()
 {
     ClearListCtrl(PANEL, DEBUG_MEMORY);
@@ -230,6 +219,7 @@ bool IsInMemory(const CODE_Operand &operand)
             operand.kind == CODE_WORD_BIT);
 }
 
+// Either byte of a register that is not to be read: reading one half takes the whole.
 bool IsTouchyAddress(uint32_t address)
 {
     for (const CODE_RegisterGroup &group : groups)
@@ -239,15 +229,7 @@ bool IsTouchyAddress(uint32_t address)
     return false;
 }
 
-void WantOperands(const std::vector<CODE_Instruction> &code, int firstLine, int lines)
-{
-    const int count = static_cast<int>(code.size());
-    for (int i = std::max(firstLine, 0); i < std::min(firstLine + lines, count); ++i)
-        for (const CODE_Operand &operand : code[static_cast<size_t>(i)].operands)
-            if (IsInMemory(operand) && !IsTouchyAddress(operand.address))
-                LVR_Want(&live, operand.address & ~1u, WORD_BYTES);
-}
-
+// "" for what holds no value of its own (numbers, targets) or was not read.
 std::string FormatOperand(const CODE_Operand &operand)
 {
     uint32_t value = 0;
@@ -266,7 +248,8 @@ std::string FormatOperand(const CODE_Operand &operand)
 
 // --- the two steps of a refresh ---------------------------------------------------------
 
-// All whose place is known beforehand.
+// All whose place is known beforehand. From CP to STKUN is one stretch: three registers in it are
+// wanted, and one message costs less than three.
 void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines)
 {
     CollectRegisterLines();
@@ -275,20 +258,25 @@ void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines
             LVR_Want(&live, line.address, WORD_BYTES);
     if (memoryAddress != CODE_NO_ADDRESS)
         LVR_Want(&live, memoryAddress, std::min(MEMORY_BYTES, ADDR_LIMIT - memoryAddress));
-    if (!IsC166())
+    if (!CODE_CanDecode())
         return;
     LVR_Want(&live, ADDR_PSW, WORD_BYTES);
     LVR_Want(&live, ADDR_DPP0, PAGE_POINTERS * WORD_BYTES);
     LVR_Want(&live, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
-    if (code != nullptr)
-        WantOperands(*code, firstLine, lines);
+    if (code == nullptr)
+        return;
+    const int end = std::min(firstLine + lines, static_cast<int>(code->size()));
+    for (int i = std::max(firstLine, 0); i < end; ++i)
+        for (const CODE_Operand &operand : (*code)[static_cast<size_t>(i)].operands)
+            if (IsInMemory(operand) && !IsTouchyAddress(operand.address))
+                LVR_Want(&live, operand.address & ~1u, WORD_BYTES);
 }
 
 // Where registers and stack are, is itself in registers.
 void WantWhatIsPointedAt(LVR_Set *set)
 {
     contextPointer = stackPointer = CODE_NO_ADDRESS;
-    if (!IsC166())
+    if (!CODE_CanDecode())
         return;
     LVR_Get(*set, ADDR_CP, WORD_BYTES, &contextPointer);
     LVR_Get(*set, ADDR_SP, WORD_BYTES, &stackPointer);
@@ -304,7 +292,7 @@ void DBV_FillGroups()
 {
     groups = CODE_GetRegisterGroups();
     ClearListCtrl(PANEL, DEBUG_GROUP);
-    if (IsC166())
+    if (CODE_CanDecode())
         InsertListItem(PANEL, DEBUG_GROUP, -1, "General registers", GENERAL_GROUP);
     for (size_t i = 0; i < groups.size(); ++i)
         InsertListItem(PANEL, DEBUG_GROUP, -1, groups[i].name, static_cast<int>(i));
@@ -330,7 +318,7 @@ int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int li
         DBV_MarkOld();
         return -1;
     }
-    CollectRegisterLines(); // the general ones lie where the context pointer says
+    CollectRegisterLines(); // again: the general ones lie where the context pointer says
     FillRegisterList();
     ShowStack();
     ShowMemory();
@@ -367,7 +355,7 @@ std::string DBV_FormatOperands(const CODE_Instruction &instruction)
 CODE_Pages DBV_GetPages()
 {
     CODE_Pages pages;
-    pages.isKnown = IsC166();
+    pages.isKnown = CODE_CanDecode();
     for (uint32_t i = 0; i < PAGE_POINTERS; ++i) {
         uint32_t value = 0;
         pages.isKnown =

@@ -1,3 +1,4 @@
+// One transfer brings the bytes of all lines: instruction by instruction would be a message each.
 #include "code/listing.h"
 
 #include <algorithm>
@@ -33,6 +34,7 @@ const char *FindRegister(uint32_t address)
     return node != nullptr && node->addr == address ? node->name : nullptr;
 }
 
+// In lower case, as the instructions are written. Called back by CODE_ToText.
 std::string NameRegister(uint32_t address)
 {
     const char *found = FindRegister(address);
@@ -42,25 +44,20 @@ std::string NameRegister(uint32_t address)
     return name;
 }
 
-std::string NameBit(const CODE_Operand &operand)
-{
-    const char *registerName = FindRegister(operand.address);
-    if (registerName != nullptr)
-        return CODE_GetBitName(registerName, operand.extra);
-    const std::string name = SYM_AddressToName(operand.address);
-    return name.empty() ? name : name + "." + std::to_string(operand.extra);
-}
-
+// The name of what an operand uses, unless the instruction says it already.
 std::string NameOperand(const CODE_Operand &operand)
 {
     if (operand.address == CODE_NO_ADDRESS)
         return "";
     const std::string name = SYM_AddressToName(operand.address);
+    const char *registerName = FindRegister(operand.address);
     switch (operand.kind) {
     case CODE_WORD_BIT:
-        return NameBit(operand);
+        if (registerName != nullptr)
+            return CODE_GetBitName(registerName, operand.extra);
+        return name.empty() ? name : name + "." + std::to_string(operand.extra);
     case CODE_SPECIAL: // a register is named in the instruction
-        return FindRegister(operand.address) != nullptr ? "" : name;
+        return registerName != nullptr ? "" : name;
     case CODE_CODE_ADDRESS:
         return name;
     case CODE_MEMORY:
@@ -73,11 +70,16 @@ std::string NameOperand(const CODE_Operand &operand)
 
 } // namespace
 
+bool CODE_CanDecode()
+{
+    return Procesor == CPU_C166 || Procesor == CPU_C167;
+}
+
 CODE_Pages CODE_ReadPages()
 {
     CODE_Pages pages;
-    pages.isKnown = (Procesor == CPU_C166 || Procesor == CPU_C167) && UpdateQuickDPP() == 0 &&
-                    UCM_Prove() == UCM_PROVEN;
+    // A page pointer of a doubtful read would lead every operand to a wrong name.
+    pages.isKnown = CODE_CanDecode() && UpdateQuickDPP() == 0 && UCM_Prove() == UCM_PROVEN;
     if (pages.isKnown)
         std::copy(awQRDPP, awQRDPP + PAGE_POINTERS, pages.pages);
     return pages;
@@ -91,6 +93,8 @@ int CODE_Read(int station, uint32_t address, int count, const CODE_Pages &pages,
         *cause = address % 2 != 0 ? "code stands at even addresses" : "no such address";
         return -1;
     }
+    // Enough for the longest instructions; what is left over is not decoded. At the end of the
+    // address space the last one may lack bytes, which makes it no instruction.
     const auto wanted = static_cast<uint32_t>(count * static_cast<int>(CODE_LENGTH_MAX));
     std::vector<uint8_t> bytes(std::min(wanted, ADDR_LIMIT - address));
     const auto size = static_cast<uint32_t>(bytes.size());

@@ -11,6 +11,8 @@
 
 constexpr int CODE_LINES_MAX = 256; // instructions read at once
 
+// Whether the selected processor is one whose code this room knows.
+bool CODE_CanDecode();
 // The data page pointers as the target has them now, if its processor has any. They are read
 // from the selected station.
 CODE_Pages CODE_ReadPages();

@@ -1,3 +1,5 @@
+// What is wanted is planned as blocks; where some of it is known only after the rest was read, that
+// is read in a second step, and the proof at the end holds for both.
 #include "code/live_reads.h"
 
 #include <algorithm>
@@ -10,7 +12,7 @@
 
 namespace {
 
-constexpr int ROUNDS_MAX = 3;
+constexpr int ROUNDS_MAX = 3; // of reading again what is in doubt
 constexpr uint32_t NUMBER_BYTES_MAX = 4;
 constexpr uint32_t SHARE_BYTES = 16; // larger pieces are planned in such, for any block to hold
 
@@ -26,15 +28,6 @@ bool FindByte(const LVR_Set &set, uint32_t address, uint8_t *byte)
         }
     }
     return false;
-}
-
-bool IsRead(const LVR_Set &set, uint32_t address, uint32_t size)
-{
-    uint8_t byte;
-    for (uint32_t i = 0; i < size; ++i)
-        if (!FindByte(set, address + i, &byte))
-            return false;
-    return true;
 }
 
 // The last message is the proof of all, where it can be. The longest is the best for that: it has
@@ -85,7 +78,12 @@ std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set)
     for (const LVR_Piece &piece : set.wanted)
         for (uint32_t at = 0; at < piece.size; at += SHARE_BYTES) {
             const uint32_t size = std::min(SHARE_BYTES, piece.size - at);
-            if (!IsRead(set, piece.address + at, size))
+            // Of what the first step has read already, nothing is read again.
+            uint8_t byte = 0;
+            uint32_t known = 0;
+            while (known < size && FindByte(set, piece.address + at + known, &byte))
+                ++known;
+            if (known < size)
                 items.push_back({0, piece.address + at, size});
         }
     std::vector<LVR_Piece> plan;
@@ -98,6 +96,7 @@ std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set)
 int LVR_Read(LVR_Set *set, int station, std::string *cause,
              const std::function<void(LVR_Set *set)> &wantMore)
 {
+    // In doubt all of it is read again, pointers first: they may have been the doubtful part.
     int proof = UCM_READ_AGAIN;
     for (int round = 0; round < ROUNDS_MAX && proof == UCM_READ_AGAIN; ++round) {
         set->blocks.clear();

@@ -8,7 +8,8 @@
 
 namespace {
 
-// Patterns: "#" stands for a digit, "*" for any rest; the first that fits decides.
+// The order matters: an exception stands in front of the rule that would take it, as "CC*IC" in
+// front of "CC*". Patterns: "#" stands for a digit, "*" for any rest; the first that fits decides.
 struct Rule {
     const char *pattern;
     const char *group;
@@ -48,6 +49,7 @@ const char *const TOUCHY[] = {"S0RBUF",    "S1RBUF",    "SSCRB",   "ADDAT", "ADD
                               "*SCIRXBUF", "*SPIRXBUF", "*I2CDRR", "*DRR1", "*DRR2",
                               "*SCIFFRX",  "*SPIFFRX",  "*CANRIFR"};
 
+// Calls itself for what follows a star; names and patterns are short.
 bool Fits(const char *pattern, const char *name)
 {
     for (; *pattern != '\0'; ++pattern, ++name) {
@@ -70,7 +72,7 @@ bool Fits(const char *pattern, const char *name)
 // On the TMS320 a name begins with its peripheral: "ePWM4_CMPA".
 std::string FindGroup(const char *name)
 {
-    if (Procesor == CPU_C166 || Procesor == CPU_C167) {
+    if (!IsWordAddressing(Procesor)) {
         for (const Rule &rule : C166_RULES)
             if (Fits(rule.pattern, name))
                 return rule.group;
@@ -79,21 +81,13 @@ std::string FindGroup(const char *name)
     return end != nullptr ? std::string(name, end) : "Other";
 }
 
-CODE_RegisterGroup *FindOrAdd(std::vector<CODE_RegisterGroup> *groups, const std::string &name)
-{
-    for (CODE_RegisterGroup &group : *groups)
-        if (group.name == name)
-            return &group;
-    groups->push_back({name, {}});
-    return &groups->back();
-}
-
 } // namespace
 
 std::vector<CODE_RegisterGroup> CODE_GetRegisterGroups()
 {
     std::vector<CODE_RegisterGroup> groups;
-    if (openStruct166 && (Procesor == CPU_C166 || Procesor == CPU_C167))
+    // These in an order that people know, those of a TMS320 in order of their first register.
+    if (openStruct166 && !IsWordAddressing(Procesor))
         for (const char *name : C166_GROUPS)
             groups.push_back({name, {}});
     for (int i = 0; openStruct166 && i < nNodes166; ++i) {
@@ -101,8 +95,12 @@ std::vector<CODE_RegisterGroup> CODE_GetRegisterGroups()
         const bool isTouchy =
             std::any_of(std::begin(TOUCHY), std::end(TOUCHY),
                         [&node](const char *pattern) { return Fits(pattern, node.name); });
-        FindOrAdd(&groups, FindGroup(node.name))
-            ->registers.push_back({node.name, node.addr, isTouchy});
+        const std::string name = FindGroup(node.name);
+        auto group = std::find_if(groups.begin(), groups.end(),
+                                  [&name](const auto &known) { return known.name == name; });
+        if (group == groups.end())
+            group = groups.insert(groups.end(), CODE_RegisterGroup{name, {}});
+        group->registers.push_back({node.name, node.addr, isTouchy});
     }
     for (CODE_RegisterGroup &group : groups)
         std::sort(

@@ -27,14 +27,6 @@ uint32_t CountBytesCame()
     return sum;
 }
 
-bool IsRefusal(const std::string &cause)
-{
-    for (const char *refusal : REFUSALS)
-        if (cause.compare(0, std::string(refusal).size(), refusal) == 0)
-            return true;
-    return false;
-}
-
 LNT_Result Ask(std::string *text)
 {
     const uint32_t before = CountBytesCame();
@@ -49,10 +41,12 @@ LNT_Result Ask(std::string *text)
         *text = Who() + ": " + cause + ".";
         return LNT_BAD_STATION;
     }
-    if (IsRefusal(cause)) {
-        *text = Who() + " answers: " + cause + ".";
-        return LNT_ANSWERS;
-    }
+    for (const char *refusal : REFUSALS)
+        if (cause.compare(0, std::string(refusal).size(), refusal) == 0) {
+            *text = Who() + " answers: " + cause + ".";
+            return LNT_ANSWERS;
+        }
+    // An echo is also bytes that came, so it is told apart before they are counted.
     if (UCM_IsEchoing()) {
         *text = VR_nProtocol == PROTOCOL_MODBUS ? "The line echoes what is sent." : FAIL_ECHO;
         return LNT_ECHO;

@@ -1,4 +1,5 @@
-// The figures of the statistics window, and the advice drawn from them.
+// The figures of the statistics window, and the advice drawn from them. Window and clipboard take
+// them from the same rows, so that a copy never says something else than the screen.
 #include "diagnostics/statistics_panel.h"
 
 #include "calendar/datetime.h"
@@ -16,8 +17,10 @@ namespace {
 
 struct Figures {
     UCM_Statistics counts;
-    uint64_t failed = 0;  // messages that were not answered, or not soundly
-    uint64_t damaged = 0; // answers that came damaged on the way
+    uint64_t failed = 0; // messages that were not answered, or not soundly
+    // Answers that came damaged on the way. The layer's own count has refused ones in it, too,
+    // which say nothing against the line.
+    uint64_t damaged = 0;
 };
 
 Figures Measure()
@@ -31,6 +34,7 @@ Figures Measure()
 
 // --- texts -----------------------------------------------------------------------------
 
+// Before the first message there is no share, rather than one of 0 %.
 std::string ShareText(const Figures &figures)
 {
     const uint64_t total = figures.counts.answered + figures.failed;
@@ -74,48 +78,9 @@ constexpr ResultText RESULT_TEXTS[] = {
     {UCM_ERR_ARGUMENT, "bad station, address or count, or not in this protocol"},
 };
 
-// What a result of the unified layer means; the rest are those of opening a port.
-std::string MeaningOf(int result)
-{
-    for (const ResultText &row : RESULT_TEXTS)
-        if (row.result == result)
-            return row.text;
-    return MrASC_ErrorText(result);
-}
-
 // --- advice ----------------------------------------------------------------------------
 
-bool NothingSent(const Figures &f)
-{
-    return f.counts.answered == 0 && f.failed == 0 && FAIL_Count() == 0;
-}
-
-bool NoFailure(const Figures &f)
-{
-    return f.counts.answered > 0 && FAIL_Count() == 0;
-}
-
-bool NeverAnswered(const Figures &f)
-{
-    return f.counts.timeouts > 0 && f.counts.answered == 0 && f.counts.damaged == 0;
-}
-
-bool SometimesSilent(const Figures &f)
-{
-    return f.counts.timeouts > 0 && f.counts.answered > 0;
-}
-
-bool AlwaysDamaged(const Figures &f)
-{
-    return f.damaged > 0 && f.counts.answered == 0;
-}
-
-bool SometimesDamaged(const Figures &f)
-{
-    return f.damaged > 0 && f.counts.answered > 0;
-}
-
-template <const char *Cause> bool Seen(const Figures &)
+template <const char *Cause> bool HasSeen(const Figures &)
 {
     return FAIL_CountOf(Cause) > 0;
 }
@@ -124,26 +89,36 @@ struct Advice {
     bool (*applies)(const Figures &figures);
     const char *text;
 };
+// Every row that applies is shown, in this order, so that no row may contradict another.
 constexpr Advice ADVICE[] = {
-    {NothingSent, "Nothing has been sent since then: is communication on?"},
-    {NoFailure, "Every message was answered."},
-    {Seen<FAIL_NOT_AVAILABLE>,
+    {[](const Figures &f) { return f.counts.answered == 0 && f.failed == 0 && FAIL_Count() == 0; },
+     "Nothing has been sent since then: is communication on?"},
+    {[](const Figures &f) { return f.counts.answered > 0 && FAIL_Count() == 0; },
+     "Every message was answered."},
+    {HasSeen<FAIL_NOT_AVAILABLE>,
      "The port could not be opened: wrong port number, another program has "
      "it, or no permission to use it."},
-    {Seen<FAIL_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
-    {Seen<FAIL_ECHO>, "The line echoes what is sent: switch Win32 services off. (Options menu; the "
-                      "run-time driver skips the echo of a two-wire line.)"},
-    {NeverAnswered, "There was never an answer: check port, cable and supply of the target, then "
-                    "station and baud rate."},
-    {AlwaysDamaged, "Every answer is damaged: most likely the wrong baud rate, else the cable."},
-    {SometimesDamaged, "Some answers are damaged: check cable, shield and ground; try a lower "
-                       "baud rate."},
-    {SometimesSilent, "Some requests get no answer: an item may name a station that is not there; "
-                      "else a loose contact or a busy target."},
-    {Seen<FAIL_WRONG_STATION>, "An answer came from another station than asked: check the station "
-                               "numbers on the bus."},
-    {Seen<FAIL_TARGET_ERROR>, "The target refuses some requests: the line is good, the address or "
-                              "command is not."},
+    {HasSeen<FAIL_GONE>, "The port vanished while in use: look at the USB adapter and its plug."},
+    {HasSeen<FAIL_ECHO>,
+     "The line echoes what is sent: switch Win32 services off. (Options menu; the "
+     "run-time driver skips the echo of a two-wire line.)"},
+    {[](const Figures &f) {
+         return f.counts.timeouts > 0 && f.counts.answered == 0 && f.counts.damaged == 0;
+     },
+     "There was never an answer: check port, cable and supply of the target, then "
+     "station and baud rate."},
+    {[](const Figures &f) { return f.damaged > 0 && f.counts.answered == 0; },
+     "Every answer is damaged: most likely the wrong baud rate, else the cable."},
+    {[](const Figures &f) { return f.damaged > 0 && f.counts.answered > 0; },
+     "Some answers are damaged: check cable, shield and ground; try a lower "
+     "baud rate."},
+    {[](const Figures &f) { return f.counts.timeouts > 0 && f.counts.answered > 0; },
+     "Some requests get no answer: an item may name a station that is not there; "
+     "else a loose contact or a busy target."},
+    {HasSeen<FAIL_WRONG_STATION>, "An answer came from another station than asked: check the "
+                                  "station numbers on the bus."},
+    {HasSeen<FAIL_TARGET_ERROR>, "The target refuses some requests: the line is good, the address "
+                                 "or command is not."},
 };
 
 std::string AdviceText(const Figures &figures)
@@ -158,7 +133,8 @@ std::string AdviceText(const Figures &figures)
 
 // --- tables ----------------------------------------------------------------------------
 
-std::string Label(const std::string &first, const std::string &second, const std::string &third)
+// "\033p76l" begins a column at 76 pixels; UIC_JoinColumns knows it, too.
+std::string MakeLabel(const std::string &first, const std::string &second, const std::string &third)
 {
     return first + "\033p76l" + second + "\033p160l" + third;
 }
@@ -170,22 +146,29 @@ std::vector<std::string> CauseLines()
     for (size_t i = 0; const FAIL_Cause *cause = FAIL_Get(i); ++i) {
         std::snprintf(clock, sizeof clock, "%02d:%02d:%02d", cause->last.hour, cause->last.minute,
                       cause->last.second);
-        lines.push_back(Label(std::to_string(cause->count), clock, cause->text));
+        lines.push_back(MakeLabel(std::to_string(cause->count), clock, cause->text));
     }
     return lines;
 }
 
+// The operations that failed, by the result they gave.
 std::vector<std::string> CounterLines(const UCM_Statistics &counts)
 {
     std::vector<std::string> lines;
     for (int k = 1; k < UCM_COUNTERS; ++k) {
-        if (counts.errors[k] != 0)
-            lines.push_back(
-                Label(std::to_string(counts.errors[k]), std::to_string(-k), MeaningOf(-k)));
+        if (counts.errors[k] == 0)
+            continue;
+        // The results of the unified layer itself; the rest are those of opening a port.
+        std::string meaning = MrASC_ErrorText(-k);
+        for (const ResultText &row : RESULT_TEXTS)
+            if (row.result == -k)
+                meaning = row.text;
+        lines.push_back(MakeLabel(std::to_string(counts.errors[k]), std::to_string(-k), meaning));
     }
     return lines;
 }
 
+// Refilled as a whole: only the lines that differ go to the view.
 void FillList(int control, const std::vector<std::string> &lines)
 {
     ClearListCtrl(PANEL_STATISTICS, control);
@@ -240,6 +223,7 @@ int STP_PanelCB(int panel, int event, int)
     return 0;
 }
 
+// The layers below count on; what has been counted so far is taken off from now on.
 int STP_ResetCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT) {

@@ -47,17 +47,7 @@ const TRC_Record *FindRecord(uint64_t number)
     return record != nullptr && record->number == number ? record : nullptr;
 }
 
-// " (!)" is how the program marks what failed; the desktop shows it in red.
-std::string Label(const TRC_Record &record)
-{
-    char clock[64];
-    std::snprintf(clock, sizeof clock, "%02d:%02d:%02d.%03d", record.when.hour, record.when.minute,
-                  record.when.second, record.when.millisecond);
-    return std::string(clock) + "\033p90l" + record.result + (record.isGood ? "" : " (!)") +
-           "\033p370l" + record.request;
-}
-
-// Returns how many lines went.
+// Lines whose exchange has left the ring; returns how many went.
 int DropStaleLines()
 {
     const TRC_Record *oldest = TRC_Get(0);
@@ -77,11 +67,19 @@ void AppendNewLines()
         lastTaken = record->number;
         if (isFailuresOnly && record->isGood)
             continue;
-        InsertListItem(PANEL_TRACE, TRACE_LIST, -1, Label(*record), 0);
+        char clock[64];
+        std::snprintf(clock, sizeof clock, "%02d:%02d:%02d.%03d", record->when.hour,
+                      record->when.minute, record->when.second, record->when.millisecond);
+        // " (!)" is how the program marks what failed; the desktop shows it in red.
+        InsertListItem(PANEL_TRACE, TRACE_LIST, -1,
+                       std::string(clock) + "\033p90l" + record->result +
+                           (record->isGood ? "" : " (!)") + "\033p370l" + record->request,
+                       0);
         numbers.push_back(record->number);
     }
 }
 
+// Not drawn again while it shows the same exchange: a text that is being marked would jump away.
 void ShowDetail()
 {
     const TRC_Record *record = selected == 0 ? nullptr : FindRecord(selected);
@@ -124,15 +122,7 @@ void ShowCount()
     SetCtrlVal(PANEL_TRACE, TRACE_COUNT, text);
 }
 
-void ScrollToSelected()
-{
-    constexpr int LINES_ABOVE = 5; // kept in view
-    int index = 0;
-    GetCtrlIndex(PANEL_TRACE, TRACE_LIST, &index);
-    SetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE,
-                     std::max(0, index - LINES_ABOVE));
-}
-
+// The next refresh lists all that the ring holds.
 void EmptyList()
 {
     ClearListCtrl(PANEL_TRACE, TRACE_LIST);
@@ -145,25 +135,6 @@ void Pause(bool isPaused)
     TRC_Pause(isPaused);
     SetCtrlAttribute(PANEL_TRACE, TRACE_PAUSE, ATTR_LABEL_TEXT,
                      isPaused ? RESUME_LABEL : PAUSE_LABEL);
-}
-
-void Close()
-{
-    TRC_Enable(0);
-    Pause(false);
-    EmptyList();
-    HidePanel(PANEL_TRACE);
-    isOpen = false;
-}
-
-// Text files have the line ends of this program's other files.
-int WriteFile(const std::string &path, const std::string &text)
-{
-    SafeFile file;
-    if (SAF_Open(&file, path, "wb") != 0)
-        return -1;
-    SAF_PutText(file.file, text);
-    return SAF_Commit(&file);
 }
 
 } // namespace
@@ -209,8 +180,14 @@ std::string TRP_Text()
 
 int TRP_PanelCB(int, int event, int)
 {
-    if (event == EVENT_CLOSE || event == EVENT_KEYPRESS) // Esc is the only key it has
-        Close();
+    if (event != EVENT_CLOSE && event != EVENT_KEYPRESS) // Esc is the only key it has
+        return 0;
+    // Recording costs time with every exchange, so nothing is kept that nobody can see.
+    TRC_Enable(0);
+    Pause(false);
+    EmptyList();
+    HidePanel(PANEL_TRACE);
+    isOpen = false;
     return 0;
 }
 
@@ -275,7 +252,11 @@ int TRP_SaveCB(int, int, int event, int)
     if (FileSelectPopup("", "trace.txt", "*.txt", "Save wire trace", FILE_SAVE, &path) ==
         VAL_NO_FILE_SELECTED)
         return 0;
-    if (WriteFile(path, text) < 0)
+    SafeFile file;
+    const bool isFileOpen = SAF_Open(&file, path, "wb") == 0;
+    if (isFileOpen)
+        SAF_PutText(file.file, text); // with the line ends of this program's other files
+    if (!isFileOpen || SAF_Commit(&file) < 0)
         MessagePopup("Error", SAF_FailureText(path));
     return 0;
 }
@@ -289,7 +270,12 @@ int TRP_FilterCB(int panel, int control, int event, int)
     isFailuresOnly = isOn != 0;
     EmptyList();
     TRP_Refresh();
-    ScrollToSelected(); // it stands at quite another place now
+    // The selected exchange stands at quite another place now.
+    constexpr int LINES_ABOVE = 5; // kept in view
+    int index = 0;
+    GetCtrlIndex(PANEL_TRACE, TRACE_LIST, &index);
+    SetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE,
+                     std::max(0, index - LINES_ABOVE));
     return 0;
 }
 

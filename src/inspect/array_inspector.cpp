@@ -1,3 +1,5 @@
+// The window of an array inspector: pages of at most 1000 lines, of which only those in view are
+// read. What concerns all of an array at once stands in array_transfer.cpp.
 #include "inspect/array_inspector.h"
 
 #include <algorithm>
@@ -21,7 +23,8 @@ namespace {
 constexpr double PERIOD_S = 0.3;
 constexpr uint32_t PAUSE_MS = 3000;  // after a refresh that failed
 constexpr uint32_t PAGE_ROWS = 1000; // lines of the list
-constexpr int LINES_WITHOUT_VIEW = 40;
+// A single column has the room for 20 digits; of several, the numbers are short as a rule.
+constexpr int WIDTH_ALONE = 140, WIDTH_BESIDE_OTHERS = 80;
 
 ARI_View *FindView(int panel)
 {
@@ -41,6 +44,7 @@ uint32_t PageRows(const ARI_View &view)
 
 // --- table ------------------------------------------------------------------------------
 
+// In parts, because live reads give numbers of at most 4 bytes.
 bool GetElement(const ARI_View &view, uint32_t address, uint8_t *bytes)
 {
     constexpr uint32_t PART = 4;
@@ -68,13 +72,13 @@ std::vector<UI_Cell> MakeCells(const ARI_View *view, uint32_t row)
             cell.text = AEL_Format(*view->array.type, bytes);
         cells.push_back(cell);
     }
-    return cells;
+    return cells; // an element that was not read has an empty cell
 }
 
 void SetColumns(const ARI_View *view)
 {
     UI_Column value;
-    value.width = view->array.columns == 1 ? 140 : 80;
+    value.width = view->array.columns == 1 ? WIDTH_ALONE : WIDTH_BESIDE_OTHERS;
     value.align = UIA_RIGHT;
     value.isEditable = true;
     std::vector<UI_Column> columns = {{"Index", 80, UIA_LEFT}};
@@ -97,6 +101,7 @@ void ShowState(const ARI_View *view)
         if (view->array.columns > 1)
             text += "[" + std::to_string(view->array.columns) + "]";
         text += " at 0x" + SEL_AddressText(view->array.address);
+        // The name that was typed need not be told again.
         const std::string name = SYM_AddressToName(view->array.address);
         if (!name.empty() && view->array.place.compare(0, name.size(), name) != 0)
             text += " " + name;
@@ -129,7 +134,7 @@ void Inspect(ARI_View *view, const std::string &text, const std::string &slice)
 {
     ARI_Array fresh;
     std::string cause;
-    if (ARI_Parse(text, slice, &fresh, &cause) != 0) {
+    if (ARI_Parse(text, slice, &fresh, &cause) != 0) { // what is shown stays
         ARI_ShowOutcome(*view, "Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
@@ -138,7 +143,7 @@ void Inspect(ARI_View *view, const std::string &text, const std::string &slice)
     SetCtrlVal(view->panel, ARRAY_SLICE, ARI_FormatSlice(fresh));
     SetCtrlAttribute(view->panel, ARRAY_SLICE, ATTR_VISIBLE, fresh.outer.empty() ? 0 : 1);
     view->firstRow = 0;
-    DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0);
+    DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0); // a curve of another array would deceive
     SetColumns(view);
     ShowPage(view);
     ARI_ShowOutcome(*view, "");
@@ -146,6 +151,7 @@ void Inspect(ARI_View *view, const std::string &text, const std::string &slice)
         ARI_Refresh(view);
 }
 
+// The curve is of the whole array and stays.
 void TurnPage(ARI_View *view, bool isForward)
 {
     if (view->array.type == nullptr)
@@ -159,7 +165,8 @@ void TurnPage(ARI_View *view, bool isForward)
         ARI_Refresh(view);
 }
 
-// The next slice or the one before, through all outer dimensions.
+// The next slice or the one before, through all outer dimensions: the last index runs fastest and
+// carries into the one in front of it, and the last slice is followed by the first.
 void StepSlice(ARI_View *view, int step)
 {
     ARI_Array next = view->array;
@@ -188,21 +195,6 @@ void ShowNothing(ARI_View *view)
     ShowState(view);
 }
 
-void NamesChanged(ARI_View *view)
-{
-    ARI_Array now;
-    std::string cause;
-    const std::string place = view->array.place, slice = ARI_FormatSlice(view->array);
-    if (view->array.type == nullptr)
-        return;
-    const int result = ARI_Parse(place, slice, &now, &cause);
-    if (result == 0 && now.address == view->array.address && now.type == view->array.type &&
-        now.rows == view->array.rows && now.columns == view->array.columns)
-        return;
-    ShowNothing(view);
-    Inspect(view, place, slice);
-}
-
 } // namespace
 
 void ARI_ShowOutcome(const ARI_View &view, const std::string &text, int color)
@@ -218,13 +210,9 @@ uint32_t ARI_CountElements(const ARI_View &view)
 
 bool ARI_Refresh(ARI_View *view)
 {
-    int first = 0, lines = 0;
+    int first = 0, end = 0;
     std::string cause;
-    GetCtrlAttribute(view->panel, ARRAY_LIST, ATTR_FIRST_VISIBLE_LINE, &first);
-    GetCtrlAttribute(view->panel, ARRAY_LIST, ATTR_LINES_IN_VIEW, &lines);
-    first = std::max(first, 0);
-    const int end = std::min(first + (lines > 0 ? lines : LINES_WITHOUT_VIEW),
-                             static_cast<int>(PageRows(*view)));
+    INS_GetLinesInView(view->panel, ARRAY_LIST, static_cast<int>(PageRows(*view)), &first, &end);
     view->live = LVR_Set();
     if (first < end)
         LVR_Want(&view->live,
@@ -233,10 +221,11 @@ bool ARI_Refresh(ARI_View *view)
                  static_cast<uint32_t>(end - first) * RowBytes(*view));
     const bool isGood = LVR_Read(&view->live, STATION, &cause) == 0;
     const bool wasFailing = view->failedMs != 0;
-    view->failedMs = isGood ? 0 : std::max(PLT_TickMs(), 1u);
+    view->failedMs = isGood ? 0 : std::max(PLT_TickMs(), 1u); // the clock may stand at 0
     for (int i = first; i < end; ++i)
         SetListCells(view->panel, ARRAY_LIST, i,
                      MakeCells(view, view->firstRow + static_cast<uint32_t>(i)));
+    // A good refresh takes its own failure away and leaves every other message standing.
     if (!isGood)
         ARI_ShowOutcome(*view, "Not read: " + cause + ".", COLOR_BAD);
     else if (wasFailing)
@@ -253,8 +242,7 @@ void ARI_Open(const std::string &text)
         });
     if (inspector == nullptr)
         return;
-    const bool isNew = inspector->array == nullptr;
-    if (isNew) {
+    if (inspector->array == nullptr) {
         inspector->array = std::make_shared<ARI_View>();
         inspector->array->panel = inspector->panel;
         SetCtrlCompletion(inspector->panel, ARRAY_PLACE, NCM_CompleteCB);
@@ -270,9 +258,21 @@ void ARI_Open(const std::string &text)
 
 void ARI_NamesChanged()
 {
-    for (INS_Inspector *inspector : Inspectors)
-        if (inspector != nullptr && inspector->array != nullptr)
-            NamesChanged(inspector->array.get());
+    for (INS_Inspector *inspector : Inspectors) {
+        ARI_View *view = inspector != nullptr ? inspector->array.get() : nullptr;
+        if (view == nullptr || view->array.type == nullptr)
+            continue;
+        ARI_Array now;
+        std::string cause;
+        const std::string place = view->array.place, slice = ARI_FormatSlice(view->array);
+        // One that is the same as before keeps its page and its curve.
+        if (ARI_Parse(place, slice, &now, &cause) == 0 && now.address == view->array.address &&
+            now.type == view->array.type && now.rows == view->array.rows &&
+            now.columns == view->array.columns)
+            continue;
+        ShowNothing(view);
+        Inspect(view, place, slice);
+    }
 }
 
 void ARI_OpenCB(int, int)
@@ -283,6 +283,7 @@ void ARI_OpenCB(int, int)
     const std::string name = isItem ? aLItems[line].name : "";
     ARI_Array found;
     std::string cause;
+    // Of an element, the whole array; of anything else nothing.
     const std::string whole = name.substr(0, name.find_first_of("[+ "));
     ARI_Open(ARI_Parse(whole, "", &found, &cause) == 0 ? whole : "");
 }

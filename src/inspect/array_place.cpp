@@ -1,3 +1,5 @@
+// What was typed goes through three steps: the place gives an address, a declaration or the typed
+// sizes give type and dimensions, and the slice moves the address to its table.
 #include "inspect/array_place.h"
 
 #include <algorithm>
@@ -25,15 +27,6 @@ std::vector<std::string> SplitParts(const std::string &text)
         begin = comma + 1;
     }
     return parts;
-}
-
-bool ParseCount(const std::string &text, uint32_t *count)
-{
-    char *end = nullptr;
-    const unsigned long number = std::strtoul(text.c_str(), &end, 10);
-    *count = static_cast<uint32_t>(number);
-    return end != text.c_str() && *end == '\0' && number >= 1 && number <= COUNT_MAX &&
-           text[0] != '-';
 }
 
 // "2, 1" or "[2][1]" to one index for each outer dimension; those that are missing are 0.
@@ -64,15 +57,6 @@ bool ParseSlice(const std::string &text, ARI_Array *array, std::string *cause)
     return false;
 }
 
-// The inspector's name of a basic type; "" for one it does not have.
-std::string GetTypeName(uint32_t code)
-{
-    const int size = TMF_GetElemSize(code);
-    const bool isFloat = (code & TMF_KIND) == TMF_FLOAT;
-    const char letter = isFloat ? 'f' : (code & TMF_SIGNED) != 0 ? 'i' : 'u';
-    return letter + std::to_string(size);
-}
-
 // All dimensions of a declaration, the outermost first.
 int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_Array *array,
                     std::string *cause)
@@ -90,10 +74,17 @@ int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_A
         *cause = "'" + name + "' is no array";
         return -1;
     }
-    array->type = (*element & TMF_DERIVATION) == 0 ? AEL_Find(GetTypeName(*element)) : nullptr;
-    if (array->type == nullptr)
-        *cause = "its elements are no numbers: the record inspector shows them";
-    return array->type != nullptr ? 0 : -1;
+    // What stands behind the dimensions must be a number, whose name is letter and size: "u2".
+    if ((*element & TMF_DERIVATION) == 0) {
+        const char letter = (*element & TMF_KIND) == TMF_FLOAT ? 'f'
+                            : (*element & TMF_SIGNED) != 0     ? 'i'
+                                                               : 'u';
+        array->type = AEL_Find(letter + std::to_string(TMF_GetElemSize(*element)));
+    }
+    if (array->type != nullptr)
+        return 0;
+    *cause = "its elements are no numbers: the record inspector shows them";
+    return -1;
 }
 
 // "awTable, u2, 4, 32": the parts behind the place.
@@ -103,8 +94,12 @@ int ReadParts(const std::vector<std::string> &parts, std::vector<uint32_t> *size
     bool isGood = parts.size() >= PARTS_MIN && parts.size() <= PARTS_MAX;
     array->type = isGood ? AEL_Find(parts[1]) : nullptr;
     for (size_t i = PARTS_MIN - 1; i < parts.size() && isGood; ++i) {
-        sizes->push_back(0);
-        isGood = ParseCount(parts[i], &sizes->back());
+        // strtoul turns a negative number into a large positive one.
+        char *end = nullptr;
+        const unsigned long count = std::strtoul(parts[i].c_str(), &end, 10);
+        isGood = end != parts[i].c_str() && *end == '\0' && count >= 1 && count <= COUNT_MAX &&
+                 parts[i][0] != '-';
+        sizes->push_back(static_cast<uint32_t>(count));
     }
     if (isGood && array->type != nullptr)
         return 0;
@@ -145,6 +140,7 @@ int ARI_Parse(const std::string &text, const std::string &slice, ARI_Array *arra
     std::vector<uint32_t> sizes;
     array->place = WRD_Trim(text);
     array->address = GetSysAddr(parts[0].c_str());
+    // The memory behind "&" is reached through a mailbox, which the transfers do not know.
     if (array->address == ADDR_NONE || parts[0].find('&') != std::string::npos) {
         *cause = ADR_UnknownText(parts[0]);
         cause->pop_back(); // its full stop

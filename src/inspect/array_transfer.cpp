@@ -1,5 +1,5 @@
 // All of an array at once: read for curve, copy and files, written from a file or from what
-// was typed, and read back.
+// was typed, and read back. Nothing is written before every value has been parsed.
 #include "inspect/array_view.h"
 
 #include <algorithm>
@@ -20,8 +20,9 @@
 namespace {
 
 constexpr uint32_t ALL_ELEMENTS_MAX = 65536;
-constexpr uint32_t BLOCK_BYTES = 64;
-constexpr int LINE_SIZE = 4000; // of a CSV file
+constexpr uint32_t BLOCK_BYTES = 64; // of an mr166 message; progress and breaking off go by it
+constexpr int LINE_SIZE = 4000;      // of a CSV file
+constexpr size_t SHOWN_MAX = 40;     // characters of a bad value that a message repeats
 
 typedef std::vector<uint8_t> Bytes;
 
@@ -41,6 +42,7 @@ bool MayTransfer(const ARI_View *view)
     return false;
 }
 
+// False after a message. What was read of a transfer that failed is not for use.
 bool ReadAll(const ARI_View *view, Bytes *bytes)
 {
     if (!MayTransfer(view))
@@ -78,7 +80,8 @@ std::string ParseElements(const ARI_View *view, const std::vector<std::string> &
         uint8_t element[AEL_BYTES_MAX] = {};
         const ArrayParse result = AEL_Parse(*view->array.type, texts[i], element);
         if (result != ARRAY_OK)
-            return "value " + std::to_string(i + 1) + ", '" + WRD_Visible(texts[i].substr(0, 40)) +
+            return "value " + std::to_string(i + 1) + ", '" +
+                   WRD_Visible(texts[i].substr(0, SHOWN_MAX)) +
                    (result == ARRAY_NO_VALUE ? "', is no number" : "', is out of range for ") +
                    (result == ARRAY_NO_VALUE ? "" : view->array.type->name);
         bytes->insert(bytes->end(), element, element + view->array.type->size);
@@ -86,7 +89,8 @@ std::string ParseElements(const ARI_View *view, const std::vector<std::string> &
     return "";
 }
 
-// Written, read back and compared.
+// Written, read back and compared. Each of the four ends has a word of its own in front, because
+// after three of them the target holds something else than what was asked for.
 void WriteElements(ARI_View *view, uint32_t first, const Bytes &bytes)
 {
     const auto count = static_cast<uint32_t>(bytes.size());
@@ -98,6 +102,7 @@ void WriteElements(ARI_View *view, uint32_t first, const Bytes &bytes)
         ARI_ShowOutcome(*view, std::string("Not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
+    // The elements that were written before a failure stay written; the text counts them.
     const TransferReport report = TRF_Write(plan, bytes.data());
     if (report.result != TRANSFER_DONE) {
         cause = report.result == TRANSFER_CANCELLED ? "cancelled" : report.cause;
@@ -131,6 +136,7 @@ std::string ReadCsv(const ARI_View *view, const std::string &path, std::vector<s
     if (handle < 0)
         return "the file cannot be read";
     char line[LINE_SIZE];
+    // One value too many is enough to know that the file is not for this array.
     while (error.empty() && texts->size() <= ARI_CountElements(*view) &&
            TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
         std::vector<std::string> cells;
@@ -159,6 +165,7 @@ void ARI_ShowCurve(ARI_View *view)
     std::vector<double> x(view->array.rows);
     for (uint32_t row = 0; row < view->array.rows; ++row)
         x[row] = row;
+    // The view keeps what it is given, and all curves have the same x.
     const UI_Samples shared = std::make_shared<const std::vector<double>>(x);
     DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0);
     for (uint32_t column = 0; column < view->array.columns; ++column) {
@@ -190,9 +197,11 @@ void ARI_SaveCsv(ARI_View *view)
     Bytes bytes;
     std::string path;
     SafeFile file;
+    // Read first: a name is not asked for in vain.
     if (!ReadAll(view, &bytes) || FileSelectPopup("", "array.csv", "*.csv", "Save the array",
                                                   FILE_SAVE, &path) == VAL_NO_FILE_SELECTED)
         return;
+    // The first line says what it was; the reader takes it as a comment.
     const std::string slice = ARI_FormatSlice(view->array);
     const std::string sliced = slice.empty() ? "" : ", slice " + slice;
     const bool isOpen = SAF_Open(&file, path, "wb") == 0;
@@ -213,6 +222,8 @@ void ARI_EditCell(ARI_View *view)
     if (view->array.type == nullptr ||
         GetEditedCell(view->panel, ARRAY_LIST, &line, &column, &text) < 0 || line < 0 || column < 1)
         return;
+    // No comma: in many countries' spreadsheets it is the point of a number, and is refused as
+    // such.
     std::vector<std::string> texts;
     for (size_t begin = 0; begin < text.size();) {
         const size_t end = std::min(text.find_first_of(" \t\r\n;", begin), text.size());

@@ -1,3 +1,4 @@
+// Types of up to 4 bytes go to the array commands, so that both show and take the same texts.
 #include "inspect/element.h"
 
 #include <cerrno>
@@ -26,15 +27,6 @@ template <class Value> Value GetWide(const uint8_t *bytes)
     return value;
 }
 
-// The C library takes more than a number: hexadecimal, infinities, a sign where none may be.
-bool IsNumber(const ArrayType &type, const std::string &text)
-{
-    const char *allowed = type.isFloat ? "0123456789+-.eE" : "0123456789+-";
-    const bool isSigned = text.find('-') != std::string::npos;
-    return !text.empty() && text.find_first_not_of(allowed) == std::string::npos &&
-           (type.isSigned || !isSigned);
-}
-
 } // namespace
 
 const ArrayType *AEL_Find(const std::string &name)
@@ -52,7 +44,7 @@ std::string AEL_Format(const ArrayType &type, const uint8_t *bytes)
     if (!type.isFloat)
         return type.isSigned ? std::to_string(GetWide<int64_t>(bytes))
                              : std::to_string(GetWide<uint64_t>(bytes));
-    char text[40]; // the shortest that brings the value back
+    char text[40]; // 24 characters at most: the shortest that brings the value back
     const std::to_chars_result end =
         std::to_chars(text, text + sizeof text, GetWide<double>(bytes));
     return std::string(text, end.ptr);
@@ -63,7 +55,10 @@ ArrayParse AEL_Parse(const ArrayType &type, const std::string &text, uint8_t *by
     if (type.size < AEL_BYTES_MAX)
         return ARR_ParseElement(type, text.c_str(), bytes);
     const std::string number = WRD_Trim(text);
-    if (!IsNumber(type, number))
+    // The C library takes more than a number: hexadecimal, infinities, a sign where none may be.
+    const char *allowed = type.isFloat ? "0123456789+-.eE" : "0123456789+-";
+    if (number.empty() || number.find_first_not_of(allowed) != std::string::npos ||
+        (!type.isSigned && number.find('-') != std::string::npos))
         return ARRAY_NO_VALUE;
     char *end = nullptr;
     errno = 0;
@@ -80,7 +75,7 @@ ArrayParse AEL_Parse(const ArrayType &type, const std::string &text, uint8_t *by
         bits = std::strtoull(number.c_str(), &end, 10);
         isInRange = errno == 0;
     }
-    if (*end != '\0')
+    if (*end != '\0') // "1-2", "1e"
         return ARRAY_NO_VALUE;
     if (!isInRange)
         return ARRAY_OUT_OF_RANGE;
@@ -103,5 +98,5 @@ double AEL_GetNumber(const ArrayType &type, const uint8_t *bytes)
                  : type.isSigned ? static_cast<double>(static_cast<int32_t>(bits))
                                  : static_cast<double>(bits);
     }
-    return std::isfinite(number) ? number : NAN;
+    return std::isfinite(number) ? number : NAN; // a gap in the curve
 }

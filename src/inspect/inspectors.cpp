@@ -1,5 +1,7 @@
 #include "inspect/inspectors.h"
 
+#include <algorithm>
+
 #include "runtime/userint.h"
 #include "watch/main_window.h"
 
@@ -10,28 +12,16 @@ namespace {
 
 const char ALL_OPEN[] = "Ten inspectors are open. Close the window of one first.";
 
-bool IsUsed(int panel)
-{
-    return INS_Find(panel) != nullptr;
-}
+constexpr int LINES_WITHOUT_VIEW = 60;
 
-// The first window of a kind that nobody uses; there are as many as inspectors.
-int ChoosePanel(int first, int more)
-{
-    int panel = first;
-    for (int i = 0; IsUsed(panel); ++i)
-        panel = more + i;
-    return panel;
-}
-
-void Free(int slot)
+void FreeSlot(int slot)
 {
     delete Inspectors[slot];
     Inspectors[slot] = nullptr;
     INS_anPanels[slot] = -1;
 }
 
-INS_Inspector *Make(int first, int more)
+INS_Inspector *MakeInspector(int first, int more)
 {
     int slot = 0;
     while (slot < INSPECTORS_MAX && Inspectors[slot] != nullptr)
@@ -40,7 +30,11 @@ INS_Inspector *Make(int first, int more)
         MessagePopup("Inspectors", ALL_OPEN);
         return nullptr;
     }
-    const int panel = ChoosePanel(first, more);
+    // The first window of the kind that nobody uses; there are as many as inspectors.
+    int panel = first;
+    for (int i = 0; INS_Find(panel) != nullptr; ++i)
+        panel = more + i;
+    // Most sessions need one or two, so a window is made when it is needed first.
     int isVisible = 0;
     if (GetPanelAttribute(panel, ATTR_VISIBLE, &isVisible) == UIE_NOT_LOADED) {
         LoadPanel(0, panel);
@@ -65,18 +59,19 @@ void INS_Free()
 {
     for (int slot = 0; slot < INSPECTORS_MAX; ++slot)
         if (Inspectors[slot] != nullptr)
-            Free(slot);
+            FreeSlot(slot);
 }
 
 INS_Inspector *INS_Open(int first, int more, int control,
                         const std::function<bool(const INS_Inspector &)> &isMeant)
 {
+    // The same thing twice would be read twice, and an empty window is there to be used.
     INS_Inspector *found = nullptr;
     for (INS_Inspector *inspector : Inspectors)
         if (found == nullptr && inspector != nullptr && isMeant(*inspector))
             found = inspector;
     if (found == nullptr)
-        found = Make(first, more);
+        found = MakeInspector(first, more);
     if (found == nullptr)
         return nullptr;
     DisplayPanel(found->panel);
@@ -93,13 +88,23 @@ INS_Inspector *INS_Find(int panel)
     return nullptr;
 }
 
+void INS_GetLinesInView(int panel, int list, int count, int *first, int *end)
+{
+    int lines = 0;
+    *first = 0;
+    GetCtrlAttribute(panel, list, ATTR_FIRST_VISIBLE_LINE, first);
+    GetCtrlAttribute(panel, list, ATTR_LINES_IN_VIEW, &lines);
+    *first = std::max(*first, 0);
+    *end = std::min(*first + (lines > 0 ? lines : LINES_WITHOUT_VIEW), count);
+}
+
 int INS_PanelCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
         return 0;
-    HidePanel(panel);
+    HidePanel(panel); // stays loaded: its number may be used again
     for (int slot = 0; slot < INSPECTORS_MAX; ++slot)
         if (INS_anPanels[slot] == panel)
-            Free(slot);
+            FreeSlot(slot);
     return 1;
 }

@@ -29,6 +29,9 @@ void INS_Free();  // at its end: all windows closed
 INS_Inspector *INS_Open(int first, int more, int control,
                         const std::function<bool(const INS_Inspector &)> &isMeant);
 INS_Inspector *INS_Find(int panel); // null: closed
+// The lines of a list that are worth reading: those from `first` up to `end`, of `count`. Where
+// no view has said how many it shows, as without a window, a screenful.
+void INS_GetLinesInView(int panel, int list, int count, int *first, int *end);
 // A window's close and Esc: the inspector is freed. What a panel's callback returns.
 int INS_PanelCB(int panel, int event, int data);
 

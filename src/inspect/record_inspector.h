@@ -5,21 +5,7 @@
 #ifndef INSPECT_RECORD_INSPECTOR_H
 #define INSPECT_RECORD_INSPECTOR_H
 
-#include <cstdint>
 #include <string>
-
-#include "code/live_reads.h"
-#include "inspect/record_tree.h"
-
-struct RCI_View {
-    int panel = 0;
-    RCT_Tree tree;
-    std::string shown; // expression
-    int shownStation = -1;
-    std::string shownTypes; // maps that the tree was built from
-    LVR_Set live;
-    uint32_t failedMs = 0; // when the last refresh failed; 0 = it did not
-};
 
 // In a window that shows it or nothing yet, else in a new one. "" = just a window.
 void RCI_Open(const std::string &expression);

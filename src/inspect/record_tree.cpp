@@ -1,3 +1,5 @@
+// A node keeps its own chain of type codes; its parts are made when it is opened and dropped when
+// it is closed, so that a type that holds a pointer to itself costs nothing until it is followed.
 #include "inspect/record_tree.h"
 
 #include <algorithm>
@@ -12,22 +14,16 @@
 
 namespace {
 
-std::vector<uint32_t> CopyChain(const uint32_t *chain)
-{
-    std::vector<uint32_t> copy;
-    for (int i = 0; i < TMF_CODES_MAX && chain[i] != 0; ++i)
-        copy.push_back(chain[i]);
-    copy.push_back(0);
-    return copy;
-}
-
 RCT_Node MakeNode(const std::string &name, const std::string &expression, const uint32_t *chain,
                   uint32_t address, int depth)
 {
     RCT_Node node;
     node.name = name;
     node.expression = expression;
-    node.chain = CopyChain(chain);
+    // A copy: the type map may be read anew while the tree is shown. The closing 0 belongs to it.
+    for (int i = 0; i < TMF_CODES_MAX && chain[i] != 0; ++i)
+        node.chain.push_back(chain[i]);
+    node.chain.push_back(0);
     node.address = address;
     node.depth = depth;
     const uint32_t code = chain[0];
@@ -43,7 +39,7 @@ RCT_Node MakeNode(const std::string &name, const std::string &expression, const 
         node.kind = RCT_POINTER;
         node.size = static_cast<uint32_t>(TMF_GetPtrSize(Procesor, false));
         break;
-    case 0:
+    case 0: // no derivation: a number, or void with the size 0
         node.size = static_cast<uint32_t>(std::max(TMF_GetElemSize(code), 0));
         node.kind = node.size > 0 ? RCT_VALUE : RCT_OTHER;
         break;
@@ -58,6 +54,7 @@ std::vector<RCT_Node> ListMembers(const RCT_Node &parent)
     std::vector<RCT_Node> parts;
     std::vector<uint32_t> offsets;
     const uint32_t code = parent.chain[0];
+    // False for a structure the map refers to but does not have.
     if (!TMF_MemberOffsets(code, &offsets))
         return parts;
     const TMF_Decl *members = TMF_paDefStructCts[(code & TMF_VALUE) - 1].paMembers;
@@ -128,7 +125,7 @@ int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause)
 
 int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause)
 {
-    const RCT_Node node = tree->nodes[index];
+    const RCT_Node node = tree->nodes[index]; // a copy: inserting moves the nodes
     std::vector<RCT_Node> parts;
     if (node.isOpen)
         return 0;
@@ -168,6 +165,7 @@ uint32_t RCT_GetTarget(uint32_t value)
 {
     if (value == 0)
         return ADDR_NONE;
+    // A TMS320 pointer counts words. One of a C166 is near: 14 bits in the page it names.
     const uint32_t address = IsWordAddressing(Procesor)
                                  ? (value < ADDR_LIMIT / 2 ? value * 2 : ADDR_NONE)
                                  : QuickNearToHuge(static_cast<uint16_t>(value));

@@ -1,3 +1,4 @@
+// Which window and which control has which number, widget and callback.
 #include "ui/ui_table.h"
 
 #include "app/connect_page.h"
@@ -20,6 +21,7 @@
 #include "terminal/entry.h"
 #include "terminal/lcd_window.h"
 #include "terminal/window.h"
+#include "ui/inspector_windows.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
 #include "watch/list/list_events.h"
@@ -32,7 +34,9 @@
 #include "watch/windows/selectors.h"
 #include "watch/windows/value_panel.h"
 
-const UI_Panel UI_aPanels[] = {
+namespace {
+
+constexpr UI_Panel PANELS[] = {
     {PANEL_MAIN, "main", "Vireo2", PanelCB},
     {PANEL_VALUE, "value", "Write value", VLP_PanelCB},
     {PANEL_MEMORY, "memory", "Memory", MMP_PanelCB},
@@ -50,57 +54,42 @@ const UI_Panel UI_aPanels[] = {
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
-    {PANEL_ARRAY, "array", "Array", INS_PanelCB},
-    {PANEL_RECORD, "record", "Record", INS_PanelCB},
-    {PANEL_ARRAY_MORE, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 1, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 2, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 3, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 4, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 5, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 6, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 7, "array", "Array", INS_PanelCB},
-    {PANEL_ARRAY_MORE + 8, "array", "Array", INS_PanelCB},
-    {PANEL_RECORD_MORE, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 1, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 2, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 3, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 4, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 5, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 6, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 7, "record", "Record", INS_PanelCB},
-    {PANEL_RECORD_MORE + 8, "record", "Record", INS_PanelCB},
     {PANEL_SIMULATOR, "simulator", "Simulated target", TGW_PanelCB},
     {PANEL_TERMINAL, "terminal", "Service terminal", T166_PanelCB},
     {PANEL_LCD, "lcd", "LCD and keyboard", LCW_PanelCB},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},
 };
-const int UI_cnPanels = sizeof UI_aPanels / sizeof UI_aPanels[0];
+constexpr UI_Panel ARRAY_PANEL[] = {{PANEL_ARRAY, "array", "Array", INS_PanelCB}};
+constexpr UI_Panel RECORD_PANEL[] = {{PANEL_RECORD, "record", "Record", INS_PanelCB}};
 
 // The controls of an inspector, which has ten windows of a kind.
 #define ARRAY_WINDOW(panel)                                                                        \
     {panel, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},                                        \
-    {panel, ARRAY_SLICE, UIK_STRING, "slice", ARI_SliceCB},                                        \
-    {panel, ARRAY_STATE, UIK_TEXT, "state", nullptr},                                              \
-    {panel, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},                                             \
-    {panel, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},                                             \
-    {panel, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},                                       \
-    {panel, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},                                         \
-    {panel, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},                                      \
-    {panel, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},                                      \
-    {panel, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},                                 \
-    {panel, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},                                         \
-    {panel, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},                                          \
-    {panel, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB}
+        {panel, ARRAY_SLICE, UIK_STRING, "slice", ARI_SliceCB},                                    \
+        {panel, ARRAY_STATE, UIK_TEXT, "state", nullptr},                                          \
+        {panel, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},                                         \
+        {panel, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},                                         \
+        {panel, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},                                   \
+        {panel, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},                                     \
+        {panel, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},                                  \
+        {panel, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},                                  \
+        {panel, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},                             \
+        {panel, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},                                     \
+        {panel, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},                                      \
+    {                                                                                              \
+        panel, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB                                        \
+    }
 #define RECORD_WINDOW(panel)                                                                       \
     {panel, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},                                       \
-    {panel, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},                                            \
-    {panel, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},                                        \
-    {panel, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},                                          \
-    {panel, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},                                         \
-    {panel, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB}
+        {panel, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},                                        \
+        {panel, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},                                    \
+        {panel, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},                                      \
+        {panel, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},                                     \
+    {                                                                                              \
+        panel, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB                                       \
+    }
 
-const UI_Control UI_aControls[] = {
+constexpr UI_Control CONTROLS[] = {
     {PANEL_MAIN, MAIN_LIST, UIK_LIST, "list", LEV_ListCB},
     {PANEL_MAIN, MAIN_TIMER, UIK_TIMER, "timer", timerCB},
     {PANEL_MAIN, MAIN_COMM, UIK_SWITCH, "comm", CommSwitchCB},
@@ -220,6 +209,7 @@ const UI_Control UI_aControls[] = {
     {PANEL_LOADER, LOADER_FLASH, UIK_TEXT, "flash", nullptr},
     {PANEL_LOADER, LOADER_PROGRAM, UIK_BUTTON, "program", LDW_ProgramCB},
     {PANEL_LOADER, LOADER_COMPARE, UIK_BUTTON, "compare", LDW_CompareCB},
+
     {PANEL_DATA_LOG, LOG_VARIABLE, UIK_RING, "variable", nullptr},
     {PANEL_DATA_LOG, LOG_READ, UIK_BUTTON, "read", LGW_ReadCB},
     {PANEL_DATA_LOG, LOG_OPEN, UIK_BUTTON, "open", LGW_OpenFileCB},
@@ -280,27 +270,6 @@ const UI_Control UI_aControls[] = {
     {PANEL_GRAPH, STRIP_OPEN_SETUP, UIK_BUTTON, "openSetup", GRW_FileCB},
     {PANEL_GRAPH, STRIP_SAVE_SETUP, UIK_BUTTON, "saveSetup", GRW_FileCB},
     {PANEL_GRAPH, STRIP_TIMER, UIK_TIMER, "timer", GRW_TimerCB},
-
-    ARRAY_WINDOW(PANEL_ARRAY),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 1),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 2),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 3),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 4),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 5),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 6),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 7),
-    ARRAY_WINDOW(PANEL_ARRAY_MORE + 8),
-    RECORD_WINDOW(PANEL_RECORD),
-    RECORD_WINDOW(PANEL_RECORD_MORE),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 1),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 2),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 3),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 4),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 5),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 6),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 7),
-    RECORD_WINDOW(PANEL_RECORD_MORE + 8),
 
     {PANEL_TERMINAL, TERM_SCREEN, UIK_TEXTBOX, "screen", T166_ScreenCB},
     {PANEL_TERMINAL, TERM_LINE, UIK_STRING, "line", T166_LineCB},
@@ -464,4 +433,45 @@ const UI_Control UI_aControls[] = {
     {PANEL_SCOPE, SCOPE_SHOWN, UIK_RING, "shown", DTSC_ShownCB},
     {PANEL_SCOPE, SCOPE_TIMER, UIK_TIMER, "timer", DTSC_TimerCB},
 };
-const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];
+constexpr UI_Control ARRAY_CONTROLS[] = {
+    {PANEL_ARRAY, ARRAY_PLACE, UIK_STRING, "place", ARI_PlaceCB},
+    {PANEL_ARRAY, ARRAY_SLICE, UIK_STRING, "slice", ARI_SliceCB},
+    {PANEL_ARRAY, ARRAY_STATE, UIK_TEXT, "state", nullptr},
+    {PANEL_ARRAY, ARRAY_LIST, UIK_LIST, "list", ARI_ListCB},
+    {PANEL_ARRAY, ARRAY_GRAPH, UIK_GRAPH, "graph", nullptr},
+    {PANEL_ARRAY, ARRAY_CURVE, UIK_BUTTON, "curve", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_COPY, UIK_BUTTON, "copy", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_SAVE, UIK_BUTTON, "saveCsv", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_LOAD, UIK_BUTTON, "loadCsv", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_PREVIOUS, UIK_BUTTON, "previous", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_NEXT, UIK_BUTTON, "next", ARI_ButtonCB},
+    {PANEL_ARRAY, ARRAY_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_ARRAY, ARRAY_TIMER, UIK_TIMER, "timer", ARI_TimerCB},
+};
+constexpr UI_Control RECORD_CONTROLS[] = {
+    {PANEL_RECORD, RECORD_PLACE, UIK_STRING, "place", RCI_PlaceCB},
+    {PANEL_RECORD, RECORD_LIST, UIK_LIST, "list", RCI_ListCB},
+    {PANEL_RECORD, RECORD_OPEN, UIK_BUTTON, "open", RCI_ButtonCB},
+    {PANEL_RECORD, RECORD_ADD, UIK_BUTTON, "add", RCI_ButtonCB},
+    {PANEL_RECORD, RECORD_MESSAGE, UIK_TEXT, "message", nullptr},
+    {PANEL_RECORD, RECORD_TIMER, UIK_TIMER, "timer", RCI_TimerCB},
+};
+
+constexpr auto ALL_PANELS = UI_AddInspectors(PANELS, ARRAY_PANEL, RECORD_PANEL);
+constexpr auto ALL_CONTROLS = UI_AddInspectors(CONTROLS, ARRAY_CONTROLS, RECORD_CONTROLS);
+
+} // namespace
+
+const UI_Panel *const UI_aPanels = ALL_PANELS.data();
+const int UI_cnPanels = static_cast<int>(ALL_PANELS.size());
+const UI_Control *const UI_aControls = ALL_CONTROLS.data();
+const int UI_cnControls = static_cast<int>(ALL_CONTROLS.size());
+
+int UI_GetFirstAlike(int panel)
+{
+    if (panel >= PANEL_ARRAY_MORE && panel < PANEL_ARRAY_MORE + INSPECTORS_MAX - 1)
+        return PANEL_ARRAY;
+    if (panel >= PANEL_RECORD_MORE && panel < PANEL_RECORD_MORE + INSPECTORS_MAX - 1)
+        return PANEL_RECORD;
+    return panel;
+}

@@ -9,19 +9,19 @@
 #include "runtime/userint.h"
 
 enum UI_Kind {
-    UIK_BUTTON,    // push button
-    UIK_SWITCH,    // toggle: 0 or 1
-    UIK_LED,       // indicator: 0 or 1
-    UIK_TEXT,      // a text the program shows
-    UIK_STRING,    // a one-line field
-    UIK_NUMBER,    // a number field
-    UIK_RING,      // a choice; value = the chosen entry's value
-    UIK_LIST,      // a list of lines with a selected one
-    UIK_TEXTBOX,   // many lines
-    UIK_BAR,       // segments of a stretch, each in its colour
-    UIK_GRAPH,     // curves over an axis
-    UIK_TIMER,     // no widget
-    UIK_DECOR,     // a widget the program only shows, hides or renames
+    UIK_BUTTON,  // push button
+    UIK_SWITCH,  // toggle: 0 or 1
+    UIK_LED,     // indicator: 0 or 1
+    UIK_TEXT,    // a text the program shows
+    UIK_STRING,  // a one-line field
+    UIK_NUMBER,  // a number field
+    UIK_RING,    // a choice; value = the chosen entry's value
+    UIK_LIST,    // a list of lines with a selected one
+    UIK_TEXTBOX, // many lines
+    UIK_BAR,     // segments of a stretch, each in its colour
+    UIK_GRAPH,   // curves over an axis
+    UIK_TIMER,   // no widget
+    UIK_DECOR,   // a widget the program only shows, hides or renames
 };
 
 struct UI_Control {
@@ -34,22 +34,22 @@ struct UI_Control {
 
 struct UI_Panel {
     int panel;
-    const char *name;      // base name of the Designer file
+    const char *name; // base name of the Designer file
     const char *title;
     PanelCallback callback; // may be null
 };
 
 struct UI_Menu {
     int menu;
-    int parent;            // 0 = in the menu bar, else the menu it is a submenu of
-    const char *text;      // "__" marks the access key
+    int parent;       // 0 = in the menu bar, else the menu it is a submenu of
+    const char *text; // "__" marks the access key
 };
 
 struct UI_MenuItem {
     int menu;
-    int item;              // 0 = separator
+    int item; // 0 = separator
     const char *text;
-    int shortcut;          // key code or 0
+    int shortcut; // key code or 0
     MenuCallback callback;
 };
 
@@ -84,9 +84,9 @@ struct UI_Urgent {
 };
 
 // Ends of the tables as counts. All tables are constant data.
-extern const UI_Panel UI_aPanels[];
+extern const UI_Panel *const UI_aPanels;
 extern const int UI_cnPanels;
-extern const UI_Control UI_aControls[];
+extern const UI_Control *const UI_aControls;
 extern const int UI_cnControls;
 extern const UI_Menu UI_aMenus[];
 extern const int UI_cnMenus;
@@ -97,12 +97,15 @@ extern const UI_RingEntry UI_aRingEntries[];
 extern const int UI_cnRingEntries;
 extern const UI_Number UI_aNumbers[];
 extern const int UI_cnNumbers;
-extern const UI_KeyRow UI_aKeys[];
+extern const UI_KeyRow *const UI_aKeys;
 extern const int UI_cnKeys;
 extern const UI_Urgent UI_aUrgent[];
 extern const int UI_cnUrgent;
 extern const int UI_nPrintPanel, UI_nPrintControl; // the text box a terminal shows
 
+// Of a further window of an inspector the number of its first one, whose Designer file and rows
+// it has; of every other panel its own.
+int UI_GetFirstAlike(int panel);
 // The row for a key of a control (0: of the panel alone); null when nobody wants it.
 const UI_KeyRow *UI_FindKey(int panel, int control, int key);
 

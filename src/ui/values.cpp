@@ -2,6 +2,7 @@
 #include "ui/ui_table.h"
 
 #include "settings/limits.h"
+#include "ui/inspector_windows.h"
 #include "ui/resource.h"
 
 const UI_RingEntry UI_aRingEntries[] = {
@@ -74,13 +75,9 @@ const UI_Number UI_aNumbers[] = {
 };
 const int UI_cnNumbers = sizeof UI_aNumbers / sizeof UI_aNumbers[0];
 
-// Of the inspectors' windows: another slice; close and open a line.
-#define ARRAY_KEYS(panel)                                                                          \
-    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, ARRAY_SLICE, KEY_UP, KEY_DOWN, true}
-#define RECORD_KEYS(panel)                                                                         \
-    {panel, 0, KEY_ESC, KEY_ESC, true}, {panel, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true}
+namespace {
 
-const UI_KeyRow UI_aKeys[] = {
+constexpr UI_KeyRow KEYS[] = {
     {PANEL_MAIN, 0, KEY_F1, KEY_F1, true},
     {PANEL_MAIN, 0, KEY_UP, KEY_DOWN, false}, // move the list's selection from anywhere
     {PANEL_MAIN, 0, KEY_CTRL | 's', KEY_CTRL | 's', true},
@@ -112,27 +109,6 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_MEMORY, MEMORY_WRITE, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_COPY, KEY_ENTER, KEY_ENTER, true},
     {PANEL_MEMORY, MEMORY_CLOSE, KEY_ENTER, KEY_ENTER, true},
-
-    ARRAY_KEYS(PANEL_ARRAY),
-    ARRAY_KEYS(PANEL_ARRAY_MORE),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 1),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 2),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 3),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 4),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 5),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 6),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 7),
-    ARRAY_KEYS(PANEL_ARRAY_MORE + 8),
-    RECORD_KEYS(PANEL_RECORD),
-    RECORD_KEYS(PANEL_RECORD_MORE),
-    RECORD_KEYS(PANEL_RECORD_MORE + 1),
-    RECORD_KEYS(PANEL_RECORD_MORE + 2),
-    RECORD_KEYS(PANEL_RECORD_MORE + 3),
-    RECORD_KEYS(PANEL_RECORD_MORE + 4),
-    RECORD_KEYS(PANEL_RECORD_MORE + 5),
-    RECORD_KEYS(PANEL_RECORD_MORE + 6),
-    RECORD_KEYS(PANEL_RECORD_MORE + 7),
-    RECORD_KEYS(PANEL_RECORD_MORE + 8),
 
     {PANEL_SIMULATOR, 0, KEY_ESC, KEY_ESC, true},
 
@@ -173,7 +149,20 @@ const UI_KeyRow UI_aKeys[] = {
     {PANEL_STRUCT_SELECTOR, STRSEL_LIST, KEY_BACKSPACE, KEY_BACKSPACE, true},
     {PANEL_STRUCT_SELECTOR, STRSEL_LIST, KEY_LEFT, KEY_RIGHT, true},
 };
-const int UI_cnKeys = sizeof UI_aKeys / sizeof UI_aKeys[0];
+constexpr UI_KeyRow ARRAY_KEYS[] = {
+    {PANEL_ARRAY, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_ARRAY, ARRAY_SLICE, KEY_UP, KEY_DOWN, true}, // another slice
+};
+constexpr UI_KeyRow RECORD_KEYS[] = {
+    {PANEL_RECORD, 0, KEY_ESC, KEY_ESC, true},
+    {PANEL_RECORD, RECORD_LIST, KEY_LEFT, KEY_RIGHT, true}, // close and open a line
+};
+constexpr auto ALL_KEYS = UI_AddInspectors(KEYS, ARRAY_KEYS, RECORD_KEYS);
+
+} // namespace
+
+const UI_KeyRow *const UI_aKeys = ALL_KEYS.data();
+const int UI_cnKeys = static_cast<int>(ALL_KEYS.size());
 
 const UI_Urgent UI_aUrgent[] = {
     {PANEL_MAIN, MAIN_COMM, 0, 0},    // switched off
@@ -189,7 +178,7 @@ const int UI_nPrintControl = CONSOLE_BOX;
 
 const UI_KeyRow *UI_FindKey(int panel, int control, int key)
 {
-    for (const UI_KeyRow &row : UI_aKeys)
+    for (const UI_KeyRow &row : ALL_KEYS)
         if (row.panel == panel && row.control == control && key >= row.first && key <= row.last)
             return &row;
     return nullptr;

@@ -69,7 +69,7 @@ void ViewTest::SetUp()
     for (int i = 0; i < UI_cnPanels; i++) {
         VIEW_Panel panel;
         panel.panel = UI_aPanels[i].panel;
-        if (panel.panel >= PANEL_ARRAY_MORE && panel.panel < PANEL_RECORD_MORE + 9)
+        if (UI_GetFirstAlike(panel.panel) != panel.panel)
             continue; // an inspector's other windows
         const bool isInside = panel.panel == PANEL_CONSOLE || panel.panel == PANEL_CONNECT;
         panel.parent = isInside ? PANEL_MAIN : 0;

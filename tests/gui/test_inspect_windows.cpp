@@ -87,6 +87,50 @@ TEST_F(InspectWindows, TwoArraysEachInItsWindow)
     EXPECT_TRUE(GuiWindow(PANEL_ARRAY_MORE)->isVisible());
 }
 
+// Opened, looked into and written to with the keyboard alone; the target says what has arrived.
+TEST_F(InspectWindows, RecordIsOpenedAndEdited)
+{
+    switchOn();
+    onProgram([] {
+        std::string message;
+        EXPECT_EQ(MLD_OpenTypes("demo.tmf", &message), 0) << message;
+        SetCtrlIndex(PANEL_MAIN, MAIN_LIST, -1);
+    });
+    open(Qt::Key_T, PANEL_RECORD);
+    enter(PANEL_RECORD, RECORD_PLACE, "DRV_stParams");
+    auto *list = GuiWidget<LineList>(PANEL_RECORD, RECORD_LIST);
+    ASSERT_TRUE(waitFor([] { return cell(PANEL_RECORD, RECORD_LIST, 1, 1) == "250"; }));
+    EXPECT_EQ(list->lines()->rowCount(), 7);
+    list->setFocus();
+    for (int i = 0; i < 3; i++)
+        QTest::keyClick(list, Qt::Key_Down);
+    QTest::keyClick(list, Qt::Key_Right);
+    ASSERT_TRUE(waitFor([=] { return list->lines()->rowCount() > 7; })) << "the union is open";
+    ASSERT_TRUE(waitFor([] { return cell(PANEL_RECORD, RECORD_LIST, 4, 1) == "258"; }));
+    QTest::keyClick(list, Qt::Key_Down); // to its first member
+    ASSERT_TRUE(settle());
+    QTest::keyClick(list, Qt::Key_F2);
+    auto *field = list->viewport()->findChild<QLineEdit *>();
+    ASSERT_TRUE(field);
+    field->selectAll();
+    QTest::keyClicks(field, "-2"); // unsigned: refused, and nothing is written
+    QTest::keyClick(field, Qt::Key_Enter);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(cell(PANEL_RECORD, RECORD_LIST, 4, 1), "258");
+    QTest::keyClick(list, Qt::Key_F2);
+    field = list->viewport()->findChild<QLineEdit *>();
+    ASSERT_TRUE(field);
+    field->selectAll();
+    QTest::keyClicks(field, "4660");
+    QTest::keyClick(field, Qt::Key_Enter);
+    ASSERT_TRUE(waitFor([] { return cell(PANEL_RECORD, RECORD_LIST, 4, 1) == "4660"; }))
+        << GuiText(PANEL_RECORD, RECORD_MESSAGE).toStdString();
+    const uint32_t place = cell(PANEL_RECORD, RECORD_LIST, 4, 3).toUInt(nullptr, 16);
+    uint8_t bytes[2] = {};
+    onProgram([&] { SIM_Peek(target, STATION, place, bytes, sizeof bytes); });
+    EXPECT_EQ(bytes[0] | bytes[1] << 8, 0x1234);
+}
+
 TEST_F(InspectWindows, DebuggerFollowsACallWithTheKeyboard)
 {
     switchOn();

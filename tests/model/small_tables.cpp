@@ -27,9 +27,10 @@ void OnItem(int, int item)
 
 } // namespace
 
-const UI_Panel UI_aPanels[] = {{WINDOW, "window", "Window", nullptr}};
+constexpr UI_Panel PANELS[] = {{WINDOW, "window", "Window", nullptr}};
+const UI_Panel *const UI_aPanels = PANELS;
 const int UI_cnPanels = 1;
-const UI_Control UI_aControls[] = {
+constexpr UI_Control CONTROLS[] = {
     {WINDOW, FIELD, UIK_STRING, "field", OnControl},
     {WINDOW, LIST, UIK_LIST, "list", OnControl},
     {WINDOW, BOX, UIK_TEXTBOX, "box", nullptr},
@@ -38,7 +39,8 @@ const UI_Control UI_aControls[] = {
     {WINDOW, TIMER, UIK_TIMER, "timer", OnTick},
     {WINDOW, COUNT, UIK_NUMBER, "count", OnControl},
 };
-const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];
+const UI_Control *const UI_aControls = CONTROLS;
+const int UI_cnControls = sizeof CONTROLS / sizeof CONTROLS[0];
 const UI_Menu UI_aMenus[] = {{MENU, 0, "Menu"}};
 const int UI_cnMenus = 1;
 const UI_MenuItem UI_aMenuItems[] = {{MENU, ITEM_STOP, "Stop", 0, OnItem},
@@ -49,7 +51,7 @@ const UI_RingEntry UI_aRingEntries[] = {{0, 0, "", 0}};
 const int UI_cnRingEntries = 0;
 const UI_Number UI_aNumbers[] = {{WINDOW, COUNT, 1, 100, 5}};
 const int UI_cnNumbers = 1;
-const UI_KeyRow UI_aKeys[] = {{0, 0, 0, 0, false}};
+const UI_KeyRow *const UI_aKeys = nullptr;
 const int UI_cnKeys = 0;
 const UI_Urgent UI_aUrgent[] = {{WINDOW, SWITCH, 0, 0}, {WINDOW, 0, ITEM_STOP, -1}};
 const int UI_cnUrgent = 2;

@@ -14,23 +14,18 @@ namespace {
 constexpr int EXIT_DIFFERENT = 1;
 constexpr int EXIT_NOT_COMPARED = 2;
 
-CPG_Options options;
-
-bool IsStopped(void *, size_t, size_t, const char *)
-{
-    return IsBreakWished();
-}
-
 int Compare(PST_Restore *job)
 {
-    const int result = PST_PrepareRestore(options.compareHeader, options.compareFile, false, job,
-                                          {nullptr, IsStopped});
+    const int result = PST_PrepareRestore(
+        CPG_options.compareHeader, CPG_options.compareFile, false, job,
+        {nullptr, [](void *, size_t, size_t, const char *) { return IsBreakWished(); }});
     if (result != PST_OK) {
         std::fprintf(stderr, "%s%s", PST_FormatProblems(job->problems).c_str(),
                      WRD_Visible(job->why).c_str());
         std::fputs(job->why.empty() ? "" : "\n", stderr);
         return EXIT_NOT_COMPARED;
     }
+    // Another map than the one the file was made with does not make it unequal.
     for (const std::string &line : PST_MapRemarks(*job))
         std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
     const std::vector<std::string> differences = PST_Differences(*job);
@@ -40,11 +35,6 @@ int Compare(PST_Restore *job)
 }
 
 } // namespace
-
-void CPG_SetCompareOptions(const CPG_Options &newOptions)
-{
-    options = newOptions;
-}
 
 int CPG_RunCompare()
 {

@@ -1,3 +1,5 @@
+// Options are rows of LONG_OPTIONS, jobs rows of JOBS. What begins with one dash is left to the
+// options that both programs have; the settings file lies between the two.
 #include "app/console_program/console_options.h"
 
 #include "sampler/sampler.h"
@@ -49,6 +51,11 @@ const char CPG_szUsage[] =
 
 namespace {
 
+constexpr double SECONDS_MAX = 1e6;    // of waiting for a trigger: eleven days
+constexpr double DURATION_MAX_S = 1e9; // of a recording: thirty years
+constexpr double ROTATE_MAX = 1e6;     // megabytes or minutes
+constexpr double BYTES_PER_MB = 1e6;
+
 // Puts one option's value (null for a plain flag) into the record. False = bad value.
 typedef bool (*Apply)(CPG_Options *options, const char *value);
 
@@ -64,7 +71,8 @@ bool ApplyWait(CPG_Options *options, const char *value)
 {
     char *end = nullptr;
     options->scopeWait = std::strtod(value, &end);
-    return end != value && *end == '\0' && options->scopeWait >= 0 && options->scopeWait < 1e6;
+    return end != value && *end == '\0' && options->scopeWait >= 0 &&
+           options->scopeWait < SECONDS_MAX;
 }
 
 bool ApplyFormat(CPG_Options *options, const char *value)
@@ -92,7 +100,7 @@ bool ApplyDuration(CPG_Options *options, const char *value)
     char *end = nullptr;
     options->recordSeconds = std::strtod(value, &end);
     return end != value && *end == '\0' && options->recordSeconds > 0 &&
-           options->recordSeconds < 1e9;
+           options->recordSeconds < DURATION_MAX_S;
 }
 
 // "10MB" or "60MIN".
@@ -100,11 +108,11 @@ bool ApplyRotate(CPG_Options *options, const char *value)
 {
     char *end = nullptr;
     const double number = std::strtod(value, &end);
-    if (end == value || !(number > 0) || number > 1e6)
+    if (end == value || !(number > 0) || number > ROTATE_MAX)
         return false;
     const std::string unit(end);
     if (unit == "MB" || unit == "mb")
-        options->rotateBytes = std::max<uint64_t>(static_cast<uint64_t>(number * 1e6), 1);
+        options->rotateBytes = std::max<uint64_t>(static_cast<uint64_t>(number * BYTES_PER_MB), 1);
     else if (unit == "MIN" || unit == "min")
         options->rotateMinutes = static_cast<uint32_t>(number);
     else
@@ -168,22 +176,16 @@ const LongOption LONG_OPTIONS[] = {
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},
 };
 
-const LongOption *FindOption(const std::string &name)
-{
-    for (const LongOption &option : LONG_OPTIONS)
-        if (name == option.name)
-            return &option;
-    return nullptr;
-}
-
 // Takes the option at argv[*index]; *index ends on its last argument.
 int ReadOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
 {
     const char *text = argv[*index];
     const char *equals = std::strchr(text, '=');
     const std::string name = equals ? std::string(text + 2, equals) : text + 2;
-    const LongOption *option = FindOption(name);
-    if (!option || (equals && !option->hasValue)) {
+    const LongOption *option =
+        std::find_if(std::begin(LONG_OPTIONS), std::end(LONG_OPTIONS),
+                     [&name](const LongOption &row) { return name == row.name; });
+    if (option == std::end(LONG_OPTIONS) || (equals && !option->hasValue)) {
         *message = "unknown option " + std::string(text);
         return -1;
     }
@@ -216,14 +218,13 @@ const JobRow JOBS[] = {
     {CPG_SERVE, "--serve", [](const CPG_Options &o) { return o.isServe; }},
 };
 
-bool HasRecordOptions(const CPG_Options &options)
-{
-    return options.hasRecordPeriod || options.recordSeconds > 0 || options.rotateBytes > 0 ||
-           options.rotateMinutes > 0 || !options.triggers.empty();
-}
-
+// Options that make no sense together are refused before anything is opened: one of them would be
+// without effect, and nobody would notice.
 int CheckTogether(int rest, const CPG_Options &options, std::string *message)
 {
+    const bool hasRecordOptions = options.hasRecordPeriod || options.recordSeconds > 0 ||
+                                  options.rotateBytes > 0 || options.rotateMinutes > 0 ||
+                                  !options.triggers.empty();
     std::vector<std::string> jobs;
     for (const JobRow &row : JOBS)
         if (row.isAsked(options))
@@ -234,7 +235,7 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
         *message = jobs[0] + " and " + jobs[1] + " exclude each other";
     else if (options.watchFile.empty() && (options.sweeps > 0 || options.format != CPG_TEXT))
         *message = "--sweeps and --format go with --watch";
-    else if (options.recordFile.empty() && HasRecordOptions(options))
+    else if (options.recordFile.empty() && hasRecordOptions)
         *message = "--period, --fast, --duration, --rotate and --trigger go with --record";
     else if (!options.recordFile.empty() &&
              (options.watchFile.empty() || options.sweeps > 0 || options.format != CPG_TEXT))
@@ -250,14 +251,6 @@ int CheckTogether(int rest, const CPG_Options &options, std::string *message)
     else
         return 0;
     return -1;
-}
-
-int CountPlain(int argc, char **argv)
-{
-    int count = 0;
-    for (int i = 1; i < argc; i++)
-        count += argv[i][0] != '-';
-    return count;
 }
 
 } // namespace
@@ -277,7 +270,7 @@ int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *
         if (std::strncmp(argv[i], "--", 2) == 0) {
             if (ReadOption(*argc, argv, &i, options, message) < 0)
                 return -1;
-        } else if (!options->archive.empty()) {
+        } else if (!options->archive.empty()) { // all that follows, whatever it is called
             options->archiveFiles.push_back(argv[i]);
         } else if (!options->compareHeader.empty() && options->compareFile.empty() &&
                    argv[i][0] != '-') {
@@ -288,5 +281,8 @@ int CPG_ParseOptions(int *argc, char **argv, CPG_Options *options, std::string *
     }
     argv[kept] = nullptr;
     *argc = kept;
-    return CheckTogether(CountPlain(kept, argv), *options, message);
+    int plain = 0; // a script among them
+    for (int i = 1; i < kept; i++)
+        plain += argv[i][0] != '-';
+    return CheckTogether(plain, *options, message);
 }

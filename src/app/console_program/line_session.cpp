@@ -34,25 +34,6 @@ int ReadPiped(std::string *line)
     return 1;
 }
 
-int ReadTyped(std::string *line)
-{
-    std::string prompt;
-    GetCtrlVal(consolePanel, CONSOLE_PROMPT, &prompt);
-    return LNE_ReadLine(prompt + " ", line);
-}
-
-// Nobody is left to ask: what the question at the end did not save is named, and is no
-// success.
-void End()
-{
-    if (HL_IsQuit() || ExitApplication(mainPanel) == 0)
-        return;
-    std::fprintf(stderr, "The changed watch list was not saved.\n");
-    IsDBGChange = 0;
-    ExitApplication(mainPanel);
-    QuitUserInterface(1);
-}
-
 } // namespace
 
 int CPG_RunSession()
@@ -61,7 +42,9 @@ int CPG_RunSession()
     std::string line;
     while (!HL_IsQuit() && !CON_isExit) {
         ProcessSystemEvents();
-        const int result = isTyped ? ReadTyped(&line) : ReadPiped(&line);
+        std::string prompt;
+        GetCtrlVal(consolePanel, CONSOLE_PROMPT, &prompt); // a command may have changed it
+        const int result = isTyped ? LNE_ReadLine(prompt + " ", &line) : ReadPiped(&line);
         if (result == 0)
             break;
         if (result < 0) {
@@ -74,7 +57,14 @@ int CPG_RunSession()
         if (!isTyped && HL_IsEndWished())
             break;
     }
-    End();
+    if (HL_IsQuit() || ExitApplication(mainPanel) == 0)
+        return 0;
+    // Nobody is left to ask: what the question at the end did not save is named, and is no
+    // success.
+    std::fprintf(stderr, "The changed watch list was not saved.\n");
+    IsDBGChange = 0;
+    ExitApplication(mainPanel);
+    QuitUserInterface(1);
     return 0;
 }
 

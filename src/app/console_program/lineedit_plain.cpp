@@ -1,3 +1,4 @@
+// Windows: its console edits and remembers lines by itself.
 #include "app/console_program/lineedit.h"
 
 #include <cstdio>

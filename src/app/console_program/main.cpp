@@ -23,11 +23,6 @@ namespace {
 
 constexpr int EXIT_WRONG_OPTION = 2;
 
-int Drive()
-{
-    return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession();
-}
-
 // What a job does, and where the console's text goes: standard output carries results only.
 struct Job {
     CPG_Job job;
@@ -37,9 +32,12 @@ struct Job {
 const Job *FindJob(CPG_Job wanted)
 {
     static const Job JOBS[] = {
-        {CPG_LINES, Drive, stdout},         {CPG_PROGRAM, CPG_RunProgram, stdout},
-        {CPG_WATCH, CPG_RunWatch, stderr},  {CPG_RECORD, CPG_RunRecord, stderr},
-        {CPG_SCOPE, CPG_RunScope, stderr},  {CPG_COMPARE, CPG_RunCompare, stderr},
+        {CPG_LINES, [] { return VR_isScriptRun ? CPG_RunScript() : CPG_RunSession(); }, stdout},
+        {CPG_PROGRAM, CPG_RunProgram, stdout},
+        {CPG_WATCH, CPG_RunWatch, stderr},
+        {CPG_RECORD, CPG_RunRecord, stderr},
+        {CPG_SCOPE, CPG_RunScope, stderr},
+        {CPG_COMPARE, CPG_RunCompare, stderr},
         {CPG_SERVE, CPG_RunServe, nullptr},
     };
     for (const Job &row : JOBS)
@@ -79,6 +77,7 @@ void WriteTrace(const std::string &text, void *context)
 
 int Run(const CPG_Options &options, int argc, char **argv)
 {
+    // A progress line or a question only where a person reads the terminal.
     HL_SetDefaultAnswer(options.answer);
     HL_ShowProgress(LNE_IsErrorTerminal());
     HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
@@ -86,7 +85,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
     TLK_isWithoutWindow = true;
     Option_Echo = options.isEcho ? 1 : 0;
     VR_isEchoOnce = options.isEcho;
-    CPG_SetOptions(options);
+    CPG_options = options;
     VR_szTypesOption = options.typesFile;
     job = FindJob(CPG_JobOf(options));
     HL_SetDriver(DriveJob);
@@ -112,6 +111,7 @@ int RunTraced(const CPG_Options &options, int argc, char **argv)
     TRC_SetSink(WriteTrace, file);
     int code = Run(options, argc, argv);
     TRC_SetSink(nullptr, nullptr);
+    // An exchange that is missing in a trace is worse than none: the code says that one is.
     const bool isBad = std::ferror(file) != 0;
     return std::fclose(file) != 0 || isBad ? CPG_FailWrite(options.traceFile) : code;
 }
@@ -147,17 +147,6 @@ int Dispatch(const CPG_Options &options, int argc, char **argv)
     return 0;
 }
 
-// Results that did not arrive are no success. An earlier failure has left the buffer
-// empty, so that the last flush alone would not notice it.
-int CheckOutput(int code)
-{
-    const bool isBad = std::ferror(stdout) != 0;
-    if (std::fflush(stdout) == 0 && !isBad)
-        return code;
-    std::fprintf(stderr, "Cannot write to standard output.\n");
-    return 1;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -170,5 +159,12 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "vireo2-console: %s\nTry --help.\n", message.c_str());
         return EXIT_WRONG_OPTION;
     }
-    return CheckOutput(Dispatch(options, argc, argv));
+    const int code = Dispatch(options, argc, argv);
+    // Results that did not arrive are no success. An earlier failure has left the buffer
+    // empty, so that the last flush alone would not notice it.
+    const bool isBad = std::ferror(stdout) != 0;
+    if (std::fflush(stdout) == 0 && !isBad)
+        return code;
+    std::fprintf(stderr, "Cannot write to standard output.\n");
+    return 1;
 }

@@ -13,8 +13,6 @@ namespace {
 constexpr int IDLE_RESUMES_MAX = 3;       // attempts that bring nothing new
 constexpr uint32_t LOG_STEP_PERCENT = 10; // where nobody watches a line that moves
 
-CPG_Options options;
-
 struct Screen {
     const LDR_Job *job = nullptr;
     bool isTerminal = false;
@@ -29,6 +27,7 @@ void EndLine(Screen *screen)
     screen->isLineOpen = false;
 }
 
+// A line that moves at a terminal, a line every ten percent in a log. True ends the job.
 bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
 {
     Screen *screen = static_cast<Screen *>(context);
@@ -45,6 +44,7 @@ bool ShowStep(void *context, uint32_t done, uint32_t total, const char *text)
         std::fprintf(stderr, ": %u %%", percent);
     if (total > 0 && job.bytesPerSecond > 0)
         std::fprintf(stderr, ", %u bytes/s, %u s left", job.bytesPerSecond, job.secondsLeft);
+    // The blanks cover what a longer line has left.
     std::fputs(screen->isTerminal ? "        " : "\n", stderr);
     std::fflush(stderr);
     screen->isLineOpen = screen->isTerminal;
@@ -69,15 +69,6 @@ void ShowFile(const HEX_File &file)
         std::fprintf(stderr, "%s: %zu more\n", file.path.c_str(), all - file.problems.size());
 }
 
-// Asks only as long as it gets on: a target that is off must not keep a script busy.
-bool IsGoingOn(const LDR_Job &job, size_t before, int *idle)
-{
-    *idle = job.verified + job.written > before ? 0 : *idle + 1;
-    if (IsBreakWished() || !LDR_CanResume(job) || *idle > IDLE_RESUMES_MAX)
-        return false;
-    return ConfirmPopup("Program", "Go on behind the last verified block?") == 1;
-}
-
 int Program(LDR_Job *job)
 {
     Screen screen;
@@ -94,24 +85,22 @@ int Program(LDR_Job *job)
         std::fprintf(stderr, "%s\n", LDR_GetFlashText(*job).c_str());
         if (result == 0)
             return 0;
-        if (!IsGoingOn(*job, before, &idle))
+        // Asked only as long as it gets on: a target that is off must not keep a script busy.
+        idle = job->verified + job->written > before ? 0 : idle + 1;
+        if (IsBreakWished() || !LDR_CanResume(*job) || idle > IDLE_RESUMES_MAX ||
+            ConfirmPopup("Program", "Go on behind the last verified block?") != 1)
             return 1;
     }
 }
 
 } // namespace
 
-void CPG_SetProgramOptions(const CPG_Options &newOptions)
-{
-    options = newOptions;
-}
-
 int CPG_RunProgram()
 {
     LDR_Job job;
-    job.isErase = !options.isNoErase;
-    job.isVerify = !options.isNoVerify;
-    const int result = LDR_Prepare(&job, options.programFile);
+    job.isErase = !CPG_options.isNoErase;
+    job.isVerify = !CPG_options.isNoVerify;
+    const int result = LDR_Prepare(&job, CPG_options.programFile);
     ShowFile(job.file);
     if (result < 0) {
         std::fprintf(stderr, "%s\n", LDR_GetResultText(job).c_str());

@@ -18,21 +18,15 @@ constexpr uint32_t PORT_PERIOD_MS = 500;  // between two looks at an unplugged p
 constexpr int64_t WAIT_MAX_US = 50000;    // so that an interrupt is heard
 constexpr int64_t SHORTEST_WAIT_US = 500; // less is no use to sleep for
 
-CPG_Options options;
-
 void PrintForPerson(const std::string &text)
 {
     std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-void Beep()
-{
-    std::fputs("\a", stderr);
-}
-
+// Before anything is opened. False after a message.
 bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
 {
-    for (const std::string &line : options.triggers) {
+    for (const std::string &line : CPG_options.triggers) {
         TRG_Trigger trigger;
         std::string problem;
         if (TRG_Parse(line, &trigger, &problem) != 0) {
@@ -50,14 +44,6 @@ bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
         triggers->push_back(trigger);
     }
     return true;
-}
-
-std::vector<SMP_Item> ItemsOfList()
-{
-    std::vector<SMP_Item> items;
-    for (int i = 0; i < nLItems; ++i)
-        items.push_back(SMP_FromWatch(aLItems[i]));
-    return items;
 }
 
 // An unplugged port is a gap; the recording goes on when it is back.
@@ -80,18 +66,11 @@ void FollowPort(RCJ_Job *job)
     }
 }
 
-void Wait(int64_t us)
-{
-    us = std::min(us, WAIT_MAX_US);
-    if (us >= SHORTEST_WAIT_US)
-        PLT_SleepMs(static_cast<unsigned>(std::max<int64_t>(us / 1000, 1)));
-}
-
 // Until the time is over, somebody interrupts or the job ends by itself.
 void Follow(RCJ_Job *job)
 {
     const uint64_t startUs = PLT_TickUs();
-    const double limitUs = options.recordSeconds * 1e6;
+    const double limitUs = CPG_options.recordSeconds * 1e6;
     while (!HL_IsEndWished()) {
         const double elapsedUs = static_cast<double>(PLT_TickUs() - startUs);
         if (limitUs > 0 && elapsedUs >= limitUs)
@@ -100,27 +79,34 @@ void Follow(RCJ_Job *job)
         if (waitUs == SMP_IDLE)
             return;
         FollowPort(job);
-        if (waitUs > 0)
-            Wait(limitUs > 0 ? std::min(waitUs, static_cast<int64_t>(limitUs - elapsedUs) + 1)
-                             : waitUs);
+        // Not beyond the end of the recording, and not so long that an interrupt waits.
+        int64_t sleepUs = std::min(waitUs, WAIT_MAX_US);
+        if (limitUs > 0)
+            sleepUs = std::min(sleepUs, static_cast<int64_t>(limitUs - elapsedUs) + 1);
+        if (sleepUs >= SHORTEST_WAIT_US)
+            PLT_SleepMs(static_cast<unsigned>(std::max<int64_t>(sleepUs / 1000, 1)));
     }
 }
 
 int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
 {
     REC_Options file;
-    file.path = options.recordFile;
-    file.rotateBytes = options.rotateBytes;
-    file.rotateMinutes = options.rotateMinutes;
-    const RCJ_Listener listener = {PrintForPerson, Beep};
+    file.path = CPG_options.recordFile;
+    file.rotateBytes = CPG_options.rotateBytes;
+    file.rotateMinutes = CPG_options.rotateMinutes;
+    const RCJ_Listener listener = {PrintForPerson, [] { std::fputs("\a", stderr); }};
+    std::vector<SMP_Item> items;
+    for (int i = 0; i < nLItems; ++i)
+        items.push_back(SMP_FromWatch(aLItems[i]));
     std::string problem;
     int result =
-        RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener, &problem);
+        RCJ_Start(job, items, CPG_options.recordPeriodMs, file, triggers, listener, &problem);
+    // A recording cannot be made again, so none is replaced without being asked for.
     if (result == REC_ERR_EXISTS) {
         file.mayReplace =
             ConfirmPopup("Record", "The file '" + file.path + "' exists. Replace it?") == 1;
         if (file.mayReplace)
-            result = RCJ_Start(job, ItemsOfList(), options.recordPeriodMs, file, triggers, listener,
+            result = RCJ_Start(job, items, CPG_options.recordPeriodMs, file, triggers, listener,
                                &problem);
     }
     if (result != 0)
@@ -134,7 +120,8 @@ int Record(const std::vector<TRG_Trigger> &triggers)
     if (Begin(&job, triggers) != 0)
         return 1;
     Follow(&job);
-    const bool isEarly = HL_IsEndWished() && options.recordSeconds > 0;
+    // A recording that ended before its time, or in which nothing was ever read, is no success.
+    const bool isEarly = HL_IsEndWished() && CPG_options.recordSeconds > 0;
     const bool isKept = RCJ_Stop(&job) == 0;
     PrintForPerson(RCJ_Summary(job, bRate));
     if (isEarly)
@@ -145,11 +132,6 @@ int Record(const std::vector<TRG_Trigger> &triggers)
 }
 
 } // namespace
-
-void CPG_SetRecordOptions(const CPG_Options &newOptions)
-{
-    options = newOptions;
-}
 
 int CPG_RunRecord()
 {

@@ -15,19 +15,13 @@ namespace {
 
 constexpr unsigned LOOK_PERIOD_MS = 50; // at the control word while the scope waits
 
-CPG_Options options;
-
 void ShowStatus(const std::string &text)
 {
     std::fprintf(stderr, "%s\n", text.c_str());
 }
 
-bool ShowProgress(uint32_t, uint32_t)
-{
-    return IsBreakWished();
-}
-
-const SCP_View VIEW = {ShowStatus, nullptr, ShowProgress};
+// Progress is not shown; asked about it, the view says whether somebody has interrupted.
+const SCP_View VIEW = {ShowStatus, nullptr, [](uint32_t, uint32_t) { return IsBreakWished(); }};
 
 // The reason of a step that failed on the line; a step says itself what it was about.
 int FailStep()
@@ -44,6 +38,7 @@ bool WaitForTrigger(double seconds)
 {
     const uint32_t start = PLT_TickMs();
     for (;;) {
+        // Looked at before the clock: a trigger that came in the last moment counts.
         const SCP_State state = SCP_GetState();
         if (state == SCP_COMPLETE)
             return true;
@@ -62,9 +57,9 @@ int Record(SCP_Setup *setup)
 {
     if (SCP_Init(setup, VIEW) < 0 || SCP_SetAll(*setup, VIEW) < 0)
         return FailStep();
-    if ((options.isSnap ? SCP_Snap(VIEW) : SCP_Run(VIEW)) < 0)
+    if ((CPG_options.isSnap ? SCP_Snap(VIEW) : SCP_Run(VIEW)) < 0)
         return FailStep();
-    if (!WaitForTrigger(options.scopeWait))
+    if (!WaitForTrigger(CPG_options.scopeWait))
         return 1;
     if (SCP_Upload(VIEW) < 0)
         return FailStep();
@@ -73,26 +68,21 @@ int Record(SCP_Setup *setup)
         ShowStatus(SCP_NO_CHANNEL);
         return 1;
     }
-    if (SCP_SaveCapture(options.csvFile, capture) == 0)
+    if (SCP_SaveCapture(CPG_options.csvFile, capture) == 0)
         return 0;
-    return CPG_FailWrite(options.csvFile);
+    return CPG_FailWrite(CPG_options.csvFile);
 }
 
 } // namespace
-
-void CPG_SetScopeOptions(const CPG_Options &newOptions)
-{
-    options = newOptions;
-}
 
 int CPG_RunScope()
 {
     SCP_Setup setup;
     std::vector<std::string> problems;
-    if (SCP_LoadSetup(options.scopeFile, &setup, &problems) != 0)
-        return CPG_FailOpen(options.scopeFile);
+    if (SCP_LoadSetup(CPG_options.scopeFile, &setup, &problems) != 0)
+        return CPG_FailOpen(CPG_options.scopeFile);
     for (const std::string &problem : problems)
-        std::fprintf(stderr, "%s: %s\n", options.scopeFile.c_str(), problem.c_str());
+        std::fprintf(stderr, "%s: %s\n", CPG_options.scopeFile.c_str(), problem.c_str());
     if (!problems.empty())
         return 1;
     VIR2_StartPeriodicASC();

@@ -1,3 +1,5 @@
+// Standard input cannot be waited for together with a clock on every system, so a thread of its own
+// reads it. It shares nothing with the program but this queue.
 #include "app/console_program/serve_input.h"
 
 #include <chrono>

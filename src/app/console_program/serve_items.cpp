@@ -1,3 +1,5 @@
+// The client's items are items of the watch list, so that reading, names and texts are the same as
+// there. A place in the list is kept by name and type until places run short.
 #include "app/console_program/serve_items.h"
 
 #include <cmath>

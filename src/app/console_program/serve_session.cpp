@@ -111,13 +111,6 @@ void ReadUnproven(const std::vector<int> &items)
         }
 }
 
-SRV_Json ReadItems(const std::vector<int> &items)
-{
-    ReadUnproven(items);
-    RDI_Prove();
-    return DescribeValues(items);
-}
-
 // Places of "item" or of "items"; false with *error.
 bool FindItems(const SRV_Json &request, std::vector<int> *items, SRV_Json *error)
 {
@@ -143,12 +136,6 @@ bool FindItems(const SRV_Json &request, std::vector<int> *items, SRV_Json *error
 }
 
 // --- requests: false with *error, else the answer's own members in *answer ----------------
-
-bool Hello(const SRV_Json &, SRV_Json *answer, SRV_Json *)
-{
-    *answer = {{"protocol", PROTOCOL_VERSION}, {"version", VR_GetBuildVersion()}};
-    return true;
-}
 
 bool Resolve(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
 {
@@ -265,19 +252,24 @@ bool RunLine(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
     return false;
 }
 
-bool End(const SRV_Json &, SRV_Json *, SRV_Json *)
-{
-    isEnded = true;
-    return true;
-}
-
 struct Operation {
     const char *name;
     bool (*run)(const SRV_Json &request, SRV_Json *answer, SRV_Json *error);
 };
-const Operation OPERATIONS[] = {{"hello", Hello}, {"resolve", Resolve},  {"read", Read},
-                                {"write", Write}, {"watch", StartWatch}, {"unwatch", EndWatch},
-                                {"run", RunLine}, {"end", End}};
+const Operation OPERATIONS[] = {
+    {"hello",
+     [](const SRV_Json &, SRV_Json *answer, SRV_Json *) {
+         *answer = {{"protocol", PROTOCOL_VERSION}, {"version", VR_GetBuildVersion()}};
+         return true;
+     }},
+    {"resolve", Resolve},
+    {"read", Read},
+    {"write", Write},
+    {"watch", StartWatch},
+    {"unwatch", EndWatch},
+    {"run", RunLine},
+    {"end", [](const SRV_Json &, SRV_Json *, SRV_Json *) { return isEnded = true; }},
+};
 
 // --- the loop -------------------------------------------------------------------------------
 
@@ -289,6 +281,7 @@ void Answer(const std::string &line)
     if (request.is_discarded() || !request.is_object())
         error = SRV_Error("bad-json", "the line is no JSON object");
     else {
+        // Reads that came in front of anything else are proven and answered in front of it.
         const SRV_Json wanted = request.value("op", SRV_Json());
         error = SRV_Error("unknown-op", "no such op");
         if (wanted != "read")
@@ -314,7 +307,9 @@ void RunWatch(Watch *watch)
     SRV_Json event = {{"event", "values"}, {"watch", watch->id}};
     SRV_Json error;
     if (HoldLink(&error)) {
-        event["values"] = ReadItems(watch->items);
+        ReadUnproven(watch->items);
+        RDI_Prove();
+        event["values"] = DescribeValues(watch->items);
         CON_ReleaseLink();
     } else {
         event["error"] = error;

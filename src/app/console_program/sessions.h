@@ -5,14 +5,10 @@
 
 #include "app/console_program/console_options.h"
 
-void CPG_SetOptions(const CPG_Options &options);        // before a driver runs
-void CPG_SetProgramOptions(const CPG_Options &options); // called by it
-void CPG_SetScopeOptions(const CPG_Options &options);   // called by it
-void CPG_SetRecordOptions(const CPG_Options &options);  // called by it
+extern CPG_Options CPG_options; // of this run; set before a driver runs
 // Loads the watch list that the options name. False when there is none or nothing in it, which
 // it says.
 bool CPG_LoadWatchList();
-void CPG_SetCompareOptions(const CPG_Options &options); // called by it
 // On standard error: a file of an option that cannot be opened, or not written whole. Both 1,
 // the exit code.
 int CPG_FailOpen(const std::string &path);

@@ -1,3 +1,5 @@
+// Text is for people and shows what is wrong in place of the value; CSV and JSON are for programs
+// and leave the value out.
 #include "app/console_program/watch_format.h"
 
 #include <algorithm>
@@ -75,15 +77,8 @@ std::string TextLine(const Row &row, size_t nameWidth)
     return WRD_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
 }
 
-size_t NameWidth()
-{
-    size_t width = 0;
-    for (int i = 0; i < nLItems; i++)
-        width = std::max(width, aLItems[i].name.size());
-    return std::min(width, NAME_COLUMN_MAX);
-}
-
-// Length of the UTF-8 character at text[at], 0 when there is none.
+// Strict, because readers of JSON are: no overlong forms, no halves of pairs, nothing above
+// 10FFFFh. Length of the UTF-8 character at text[at], 0 when there is none.
 size_t Utf8Length(const std::string &text, size_t at)
 {
     const auto byte = [&](size_t i) { return static_cast<uint8_t>(i < text.size() ? text[i] : 0); };
@@ -110,6 +105,8 @@ std::string CPG_QuoteJson(const std::string &text)
     std::string quoted = "\"";
     for (size_t i = 0; i < text.size();) {
         const uint8_t c = static_cast<uint8_t>(text[i]);
+        // Sound UTF-8 goes as it is. Any other byte above 7Fh is taken for that character of
+        // Latin 1: JSON has no bytes.
         const size_t length = Utf8Length(text, i);
         char escape[8];
         std::snprintf(escape, sizeof escape, "\\u%04X", c);
@@ -136,7 +133,10 @@ std::string CPG_FormatSweep(CPG_Format format, long sweep)
     std::string text;
     if (format == CPG_TEXT)
         text = (sweep > 1 ? "\nSweep " : "Sweep ") + std::to_string(sweep) + '\n';
-    const size_t width = NameWidth();
+    size_t width = 0;
+    for (int i = 0; i < nLItems; i++)
+        width = std::max(width, aLItems[i].name.size());
+    width = std::min(width, NAME_COLUMN_MAX);
     for (int i = 0; i < nLItems; i++) {
         const Row row = MakeRow(aLItems[i]);
         if (format == CPG_CSV)

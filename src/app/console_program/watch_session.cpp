@@ -13,9 +13,9 @@
 #include "watch/list/refresh.h"
 #include "watch/main_window.h"
 
-namespace {
+CPG_Options CPG_options;
 
-CPG_Options options;
+namespace {
 
 // False when it could not be written, which is reported at the end.
 bool Print(const std::string &text)
@@ -24,12 +24,13 @@ bool Print(const std::string &text)
     return std::fflush(stdout) == 0;
 }
 
-// A number of sweeps is wanted soon; one who follows wants the refresh period.
+// True when a line was read. A number of sweeps is wanted soon; one who follows wants the refresh
+// period.
 bool Tick()
 {
     if (HL_IsEndWished())
         return false;
-    const bool isSoon = options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
+    const bool isSoon = CPG_options.sweeps > 0 && UCM_IsOpened() != 0; // else waiting for the port
     const int fired = isSoon ? HL_FireTimer(mainPanel, MAIN_TIMER)
                              : HL_WaitTimer(mainPanel, MAIN_TIMER, HL_IsEndWished);
     return fired == 1;
@@ -49,26 +50,22 @@ bool ReadAll()
     return true;
 }
 
-// Fewer sweeps than were asked for are no success.
-int EndEarly()
-{
-    if (options.sweeps == 0)
-        return 0;
-    std::fprintf(stderr, "Interrupted.\n");
-    QuitUserInterface(1); // the end that was asked for knows nothing of sweeps
-    return 1;
-}
-
 int Follow()
 {
-    if (!Print(CPG_FormatHeader(options.format)))
+    if (!Print(CPG_FormatHeader(CPG_options.format)))
         return 1;
-    for (long sweep = 1; options.sweeps == 0 || sweep <= options.sweeps; sweep++) {
-        if (ReadAll() && !HL_IsEndWished() && !Print(CPG_FormatSweep(options.format, sweep)))
+    for (long sweep = 1; CPG_options.sweeps == 0 || sweep <= CPG_options.sweeps; sweep++) {
+        if (ReadAll() && !HL_IsEndWished() && !Print(CPG_FormatSweep(CPG_options.format, sweep)))
             return 1;
         CPG_RepeatMessage();
-        if (HL_IsEndWished())
-            return EndEarly();
+        if (HL_IsEndWished()) {
+            if (CPG_options.sweeps == 0)
+                return 0;
+            // Fewer sweeps than were asked for are no success.
+            std::fprintf(stderr, "Interrupted.\n");
+            QuitUserInterface(1); // the end that was asked for knows nothing of sweeps
+            return 1;
+        }
         if (isTimer == 0) {
             std::fprintf(stderr, "Communication was switched off after errors.\n");
             return 1;
@@ -79,26 +76,17 @@ int Follow()
 
 } // namespace
 
-void CPG_SetOptions(const CPG_Options &newOptions)
-{
-    options = newOptions;
-    CPG_SetProgramOptions(newOptions);
-    CPG_SetScopeOptions(newOptions);
-    CPG_SetRecordOptions(newOptions);
-    CPG_SetCompareOptions(newOptions);
-}
-
 bool CPG_LoadWatchList()
 {
-    if (dat2litems(options.watchFile.c_str()) < 0) {
-        CPG_FailOpen(options.watchFile);
+    if (dat2litems(CPG_options.watchFile.c_str()) < 0) {
+        CPG_FailOpen(CPG_options.watchFile);
         return false;
     }
     if (nLItems == 0) {
-        std::fprintf(stderr, "No items in '%s'.\n", options.watchFile.c_str());
+        std::fprintf(stderr, "No items in '%s'.\n", CPG_options.watchFile.c_str());
         return false;
     }
-    szDebugFileName = options.watchFile;
+    szDebugFileName = CPG_options.watchFile;
     VR_FillDebugItems();
     SetMainPanelAttributes();
     return true;

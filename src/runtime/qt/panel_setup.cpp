@@ -1,6 +1,6 @@
 // Panel numbers to the code that uic makes of their Designer files. A new panel is a row here;
 // inspectors share a layout, and each number has a window of its own.
-#include "runtime/qt/qt_view.h"
+#include "runtime/qt/qt_view.h" // the tables of ui, too: AutoUic takes their header for a form
 
 #include "ui/resource.h"
 #include "ui_array.h"
@@ -62,24 +62,6 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
     {PANEL_ARRAY, Setup<Ui::ArrayPanel>},
     {PANEL_RECORD, Setup<Ui::RecordPanel>},
-    {PANEL_ARRAY_MORE, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 1, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 2, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 3, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 4, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 5, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 6, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 7, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 8, Setup<Ui::ArrayPanel>},
-    {PANEL_RECORD_MORE, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 1, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 2, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 3, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 4, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 5, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 6, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 7, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 8, Setup<Ui::RecordPanel>},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
     {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
     {PANEL_LCD, Setup<Ui::LcdPanel>},
@@ -90,7 +72,7 @@ const SetupRow SETUP_ROWS[] = {
 bool QTV_SetupPanel(int panel, QWidget *window)
 {
     for (const SetupRow &row : SETUP_ROWS) {
-        if (row.panel != panel)
+        if (row.panel != UI_GetFirstAlike(panel))
             continue;
         row.setup(window);
         return true;
