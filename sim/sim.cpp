@@ -67,6 +67,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     target->answersLeft = options.silentAfter;
     target->random.seed(options.seed);
     target->startNs = SIM_NowNs();
+    // The demo first: a file for the flash lies over it.
     for (int i = 0; options.demo && i < SIM_STATIONS; i++) {
         SIM_InitDemo(&target->stations[i], i);
         SIM_InitScopes(&target->stations[i], options.scopes);
@@ -95,6 +96,7 @@ bool SIM_Stop(SIM_Target *target, std::string *error)
 {
     if (!target)
         return true;
+    // The image is written when no thread can change it any more.
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
@@ -123,6 +125,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
     memset(bytes, 0, count);
     const std::lock_guard<std::mutex> guard(target->lock);
     SIM_Station *found = FindStation(target, station);
+    // As a request would find it: live values are of this moment.
     if (found && target->options.demo)
         SIM_UpdateDemo(found, station, SIM_Elapsed(target), address, count);
     if (found)

@@ -25,6 +25,11 @@ size_t PageRun(uint32_t address, size_t count)
 
 } // namespace
 
+bool SIM_Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
+{
+    return address < end && address + count > begin;
+}
+
 void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, size_t count)
 {
     auto *out = static_cast<uint8_t *>(bytes);
@@ -76,6 +81,16 @@ void SIM_SetValue(SIM_Station *station, uint32_t address, size_t size, uint64_t 
     SIM_WriteMemory(station, address, bytes, std::min(size, sizeof bytes));
 }
 
+uint16_t SIM_GetWord(const SIM_Station &station, uint32_t address)
+{
+    return static_cast<uint16_t>(SIM_GetValue(station, address, 2));
+}
+
+void SIM_SetWord(SIM_Station *station, uint32_t address, unsigned value)
+{
+    SIM_SetValue(station, address, 2, value & 0xFFFF);
+}
+
 float SIM_GetFloat(const SIM_Station &station, uint32_t address)
 {
     const auto bits = static_cast<uint32_t>(SIM_GetValue(station, address, sizeof(float)));
@@ -108,6 +123,7 @@ void SIM_ServeMailbox(SIM_Station *station)
         station->tms[address] =
             static_cast<uint32_t>(SIM_GetValue(*station, MAILBOX_DATA, WORD_SIZE));
     }
+    // The program waits for the zero: it says that the command is done.
     SIM_SetValue(station, MAILBOX_COMMAND, WORD_SIZE, 0);
 }
 
@@ -120,6 +136,7 @@ uint32_t SIM_TmsFloat(double value)
     int exponent;
     double mantissa = 2 * std::frexp(value, &exponent); // 1 <= |mantissa| < 2
     exponent--;
+    // A negative mantissa reaches from -2 up to, but not to, -1.
     if (mantissa == -1) {
         mantissa = -2;
         exponent--;
@@ -137,7 +154,7 @@ uint32_t SIM_TmsFloat(double value)
 double SIM_FromTmsFloat(uint32_t bits)
 {
     const int exponent = static_cast<int8_t>(bits >> 24);
-    if (exponent == -128)
+    if (exponent == -128) // kept for zero, whatever the mantissa
         return 0;
     const double fraction = (bits & 0x7FFFFFU) / FRACTION_ONE;
     return std::ldexp(bits & 0x800000U ? fraction - 2 : fraction + 1, exponent);
