@@ -363,11 +363,6 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     ASSERT_EQ(load(start), 0);
     EDT_ForgetEdits();
     std::string what;
-    EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
-    EXPECT_EQ(EDT_Move(0, 4), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_RemoveLines({0, 4}), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
-    EXPECT_EQ(list(), start) << "what is refused changes nothing";
     for (const auto &row : edits) {
         ASSERT_EQ(row.edit(), 0) << row.what;
         EXPECT_EQ(list(), row.after) << row.what;
@@ -387,9 +382,27 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EDT_Undo(&what);
     EDT_Remove(0);
     EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
+}
 
-    // What was away while another map came has the address that this one gives it.
+TEST_F(LItems, ARefusedEditChangesNothing)
+{
+    ASSERT_EQ(load("A, u1\nB, u1\nC, u1\n"), 0);
+    EDT_ForgetEdits();
+    std::string what;
+    EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
+    EXPECT_EQ(EDT_Move(0, 3), EDT_ERR_INDEX);
+    EXPECT_EQ(EDT_RemoveLines({0, 3}), EDT_ERR_INDEX);
+    EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
+    ASSERT_EQ(nLItems, 3);
+    EXPECT_EQ(aLItems[0].name + aLItems[1].name + aLItems[2].name, "ABC");
+    EXPECT_FALSE(EDT_CanUndo());
+}
+
+TEST_F(LItems, WhatComesBackHasTheAddressOfTheMapThatIsThereNow)
+{
+    addSymbol("A", 0x100);
     ASSERT_EQ(load("A, u1\n"), 0);
+    std::string what;
     EDT_Remove(0);
     aVarNode[0].addr = 0x222;
     EXPECT_EQ(EDT_Undo(&what), 0);
