@@ -233,13 +233,15 @@ TEST_F(ViewTest, AMaximisedWindowKeepsThePlaceItHad)
     PanelWindow *scope = GuiWindow(PANEL_SCOPE);
     GuiShow(PANEL_SCOPE);
     static std::vector<VIEW_Event> placed;
-    GuiSettle();
     placed.clear();
     QTV_postTo = [](const VIEW_Event &event) {
         if (event.kind == VIEW_EVENT_PLACED || event.kind == VIEW_EVENT_LAYOUT)
             placed.push_back(event);
         return true;
     };
+    scope->move(40, 50);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !placed.empty(); }));
+    placed.clear();
     scope->setWindowState(Qt::WindowMaximized);
     EXPECT_TRUE(QTest::qWaitFor([] { return !placed.empty(); }));
     QTest::qWait(100); // longer than a report of its place would take
