@@ -62,6 +62,7 @@ void WriteBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
     for (uint32_t i = 0; i < length; i++)
         fits = fits && IsFlash(address + i);
     uint8_t sum = SumOf(loader->command);
+    // Refused as a whole: the sum tells, and no cell has changed.
     if (!fits) {
         loader->refused++;
         sum = static_cast<uint8_t>(sum ^ REFUSAL);
@@ -131,6 +132,7 @@ void ApplyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
 
 uint8_t ReceiveByte(SIM_Loader *loader, uint8_t byte)
 {
+    // Drawn when a command begins: where it ends is not known yet.
     if (loader->command.empty()) {
         const bool damaged = SIM_DrawChance(&loader->random, loader->faults.corruptRequest);
         const size_t place = 1 + loader->random() % CORRUPT_WITHIN;

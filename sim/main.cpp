@@ -159,7 +159,7 @@ bool ApplySeed(const char *text, SIM_Options *options)
 bool ApplyScope(const char *text, SIM_Options *options)
 {
     const std::string list = text;
-    options->scopes = 0;
+    options->scopes = 0; // "none" says so; an empty list is a mistake
     for (size_t begin = 0; begin <= list.size();) {
         const size_t comma = std::min(list.find(',', begin), list.size());
         const std::string name = list.substr(begin, comma - begin);

@@ -112,7 +112,7 @@ int WriteWords(Service *service, unsigned start, unsigned quantity, size_t at)
 int WriteMemory(Service *service, unsigned start, unsigned quantity)
 {
     constexpr size_t ADDRESS = 7, DATA = 11;
-    if (quantity < 3)
+    if (quantity < 3) // the address fills two, and something is to be written
         return BAD_VALUE;
     const size_t count = 2 * (quantity - 2) - (start == TUNNEL_ODD ? 1 : 0);
     uint32_t address;

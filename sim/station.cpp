@@ -37,6 +37,7 @@ void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, s
         address %= SIM_MEMORY_SIZE;
         const size_t run = PageRun(address, count);
         const uint8_t *page = station.pages[address / SIM_PAGE_SIZE].get();
+        // Most of the 16 MiB is never written: such a page takes no room.
         if (page)
             memcpy(out, page + address % SIM_PAGE_SIZE, run);
         else
@@ -65,7 +66,7 @@ void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, 
 
 uint64_t SIM_GetValue(const SIM_Station &station, uint32_t address, size_t size)
 {
-    uint8_t bytes[8] = {0};
+    uint8_t bytes[8] = {0}; // beyond the size they stay zero, so a value is never extended
     SIM_ReadMemory(station, address, bytes, std::min(size, sizeof bytes));
     uint64_t value = 0;
     for (size_t i = sizeof bytes; i-- > 0;)

@@ -197,6 +197,7 @@ int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting
 
 void SIM_WriteWire(SIM_Wire *wire, const uint8_t *bytes, size_t count)
 {
+    // What the program does not take within a second is lost, as on a wire.
     for (int slices = 0; count > 0 && wire->io != INVALID_SOCKET && slices < SEND_SLICES_MAX;) {
         const int done =
             send(wire->io, reinterpret_cast<const char *>(bytes), static_cast<int>(count), 0);

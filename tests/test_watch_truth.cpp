@@ -360,7 +360,10 @@ TEST_F(WatchTruth, FrequencyMeterNeverMixesTwoVariables)
         HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
         tick(3);
     }
-    EDT_Change(0, "$8002", "u2"); // another variable in the same line
+    EDT_Remove(0); // the next line's variable comes into this one
+    tick(3);
+    EXPECT_EQ(FM_dwDelta, 0u);
+    EDT_Change(0, "$8000", "u2"); // and another one is named
     tick(3);
     EXPECT_EQ(FM_dwDelta, 0u);
     HL_ClickMenu(ITEM_STATION_FIRST + 2); // and another station's
