@@ -384,6 +384,18 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
 }
 
+TEST_F(LItems, ANewNameTakesNoAddressOrStationFromTheOldOne)
+{
+    addSymbol("A", 0x300);
+    ASSERT_EQ(load("15:Far, [100], u2\n"), 0);
+    EXPECT_EQ(LIT_Station(aLItems[0]), 15);
+    EXPECT_EQ(aLItems[0].address, 0x100u);
+    ASSERT_EQ(EDT_Rename(0, "A"), 0);
+    EXPECT_EQ(LIT_Station(aLItems[0]), STATION);
+    EXPECT_EQ(aLItems[0].address, 0x300u);
+    EXPECT_EQ(LIT_FileLine(aLItems[0]), "A, u2");
+}
+
 TEST_F(LItems, ARefusedEditChangesNothing)
 {
     ASSERT_EQ(load("A, u1\nB, u1\nC, u1\n"), 0);

@@ -73,10 +73,6 @@ TEST(LoaderProtocol, LinkTestAndEraseKnowTheirAnswers)
     EXPECT_EQ(0, LD167U_L3Test());
     EXPECT_EQ(Bytes({4, 4, 0x1C, 0xFF, 0}), rig.sent) << "and old bytes are dropped";
     EXPECT_EQ(1000u, rig.readMs);
-    SIM_ScriptCable(&rig,
-                    {0, 0, 0xFE, 0xFF, static_cast<uint8_t>(4 + 4 + 0x1C + 0xFF + 0xFE + 0xFF)});
-    EXPECT_EQ(-1, LD167U_L3Test());
-    EXPECT_EQ("wrong answer", LD167U_GetFaultText());
     Bytes late(20, 0), tooLate(21, 0);
     late.push_back(0xE5);
     tooLate.push_back(0xE5);
@@ -93,6 +89,12 @@ TEST(LoaderProtocol, LinkTestAndEraseKnowTheirAnswers)
         EXPECT_EQ(c.text, LD167U_GetFaultText());
         EXPECT_EQ(Bytes({0x5E, 0xAA, 0x55, 0xAA}), rig.sent);
     }
+    SIM_ScriptCable(&rig, {0xE4});
+    EXPECT_EQ(-2, LD167U_L3CmdEraseFlash());
+    SIM_ScriptCable(&rig,
+                    {0, 0, 0xFE, 0xFF, static_cast<uint8_t>(4 + 4 + 0x1C + 0xFF + 0xFE + 0xFF)});
+    EXPECT_EQ(-1, LD167U_L3Test());
+    EXPECT_EQ("wrong answer", LD167U_GetFaultText()) << "without the byte of another command";
     rig.bytesLeft = 3;
     EXPECT_EQ(-1, LD167U_L3CmdEraseFlash());
 }

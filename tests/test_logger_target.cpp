@@ -1,6 +1,7 @@
 // The log of a target, from the console: what is read, what is written, and every way in
 // which it fails.
 #include "logger/dlld.h"
+#include "settings/limits.h"
 
 #include "comm/communication.h"
 #include "logger/dlld_record.h"
@@ -251,6 +252,14 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
             << c.what;
         EXPECT_EQ(log.size(), c.error.empty() ? 2000u : 3u);
     }
+}
+
+TEST_F(LogTarget, ReadsUpToTheLastByteOfTheMemoryAndNoFurther)
+{
+    UseOwnHost();
+    uint8_t bytes[65];
+    EXPECT_EQ(DLLD_ReadData(ADDR_LIMIT - 64, 64, bytes), 0);
+    EXPECT_EQ(DLLD_ReadData(ADDR_LIMIT - 64, 65, bytes), -1);
 }
 
 // Two requests a try, and the line's proofs.
