@@ -8,6 +8,8 @@ void SIM_ReadTarget(SIM_Target *target, int number, uint32_t address, void *byte
 {
     SIM_Station &station = target->stations[number];
     if (target->options.demo) {
+        // A scope steps the variables through the time that has passed, so they are brought up to
+        // now behind it, and the terminals show them last.
         const double now = SIM_Elapsed(target);
         SIM_UpdateScopes(&station, number, now, address, count);
         SIM_UpdateDemo(&station, number, now, address, count);
@@ -26,6 +28,7 @@ void SIM_WriteTarget(SIM_Target *target, int number, uint32_t address, const voi
     SIM_WriteMemory(&station, address, bytes, count);
     if (target->options.demo)
         SIM_UpdateTerminals(&station, number, SIM_Elapsed(target), address, count);
+    // A TMS320 that does not answer leaves the command standing.
     if (!target->options.mailbox || !SIM_TouchesMailbox(address, count))
         return;
     if (target->options.demo)

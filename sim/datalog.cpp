@@ -155,6 +155,8 @@ void AppendMessage(SIM_Station *station, const LogPlace &place, SIM_DataLog *log
                    const std::vector<uint16_t> &message)
 {
     const auto length = static_cast<uint32_t>(message.size());
+    // A message is never cut: what does not fit begins again behind the header, and the rest of
+    // the buffer is emptied, for zeros lead a reader on to the beginning.
     if (log->next + length > place.words) {
         ClearWords(station, place, log->next, place.words);
         log->next = HEADER_WORDS;
@@ -168,6 +170,7 @@ void AppendMessage(SIM_Station *station, const LogPlace &place, SIM_DataLog *log
 void WriteMessage(SIM_Station *station, int number, const LogPlace &place, SIM_DataLog *log)
 {
     std::vector<uint16_t> content, message;
+    // The log begins with a past: messages ten minutes apart, then one a second.
     const uint32_t k = log->written++;
     const uint8_t type = FillContent(k, number, &content);
     const uint8_t z = ChooseZ(content);

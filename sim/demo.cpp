@@ -285,11 +285,6 @@ void SetSavedDiffer(SIM_Station *station)
     SIM_SetValue(station, SAVED_DIFFER, 2, differ);
 }
 
-bool Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
-{
-    return address < end && address + count > begin;
-}
-
 } // namespace
 
 void SIM_InitDemo(SIM_Station *station, int number)
@@ -321,15 +316,15 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
 {
     const double t = seconds + STATION_PHASE_S * number;
     SIM_UpdateDataLogs(station, number, seconds, address, count);
-    if (Touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
+    if (SIM_Touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
         SetSavedDiffer(station);
-    if (Touches(address, count, F28_BEGIN, F28_END))
+    if (SIM_Touches(address, count, F28_BEGIN, F28_END))
         SetF28(station, t);
-    if (Touches(address, count, DRIVE_BEGIN, DRIVE_END))
+    if (SIM_Touches(address, count, DRIVE_BEGIN, DRIVE_END))
         SetDrive(station, t);
-    if (Touches(address, count, CORE_BEGIN, CORE_END))
+    if (SIM_Touches(address, count, CORE_BEGIN, CORE_END))
         SIM_UpdateDemoCore(station, t);
-    if (!Touches(address, count, LIVE_BEGIN, LIVE_END))
+    if (!SIM_Touches(address, count, LIVE_BEGIN, LIVE_END))
         return;
     SetIntegers(station, liveIntegers, t);
     SetWave(station, t);

@@ -9,6 +9,9 @@
 
 enum SIM_Fate { SIM_SENT, SIM_DROPPED, SIM_CORRUPTED };
 
+// True in `share` of the calls. One raw draw each: distributions differ between libraries.
+bool SIM_DrawChance(std::mt19937 *random, double share);
+
 // Decides over one answer of `count` characters; a corrupted one gets one bit of one
 // character flipped in place.
 SIM_Fate SIM_ApplyFaults(std::mt19937 *random, double drop, double corrupt, uint8_t *frame,

@@ -8,8 +8,8 @@ constexpr int64_t NS_PER_S = 1000000000;
 constexpr int CHAR_BITS = 11; // start, eight data, two stop
 constexpr int64_t CHUNK_NS = 2000000;
 constexpr int64_t CHUNK_MAX = 16;
-constexpr int64_t LATE_MAX_NS = 2000000;
-constexpr int64_t AWAKE_NS = 300000; // longer than a program takes between two exchanges
+constexpr int64_t LATE_MAX_NS = 2000000; // that is forgiven; more is the machine's own pause
+constexpr int64_t AWAKE_NS = 300000;     // longer than a program takes between two exchanges
 
 } // namespace
 
@@ -64,7 +64,7 @@ bool SIM_WaitUntil(SIM_Line *line, int64_t timeNs)
 
 bool SIM_SendLine(SIM_Line *line, const uint8_t *bytes, size_t count, int64_t startNs)
 {
-    if (line->charNs == 0) {
+    if (line->charNs == 0) { // as fast as the machine: only the delay is kept
         const bool go = SIM_WaitUntil(line, startNs);
         if (go)
             SIM_WriteWire(line->wire, bytes, count);

@@ -1,20 +1,16 @@
 #include "loader.h"
 
+#include "faults.h"
+
 #include <algorithm>
 
 namespace {
 
-constexpr uint8_t WRITE = 0x03, READ = 0x04, ERASE = 0x5E;
+constexpr uint8_t WRITE = 0x03, READ = 0x04, ERASE = SIM_LOADER_ERASE;
 constexpr size_t HEAD = 5; // command, length, address low byte first
 constexpr uint8_t ERASE_TAIL[] = {0xAA, 0x55, 0xAA};
 constexpr uint8_t REFUSAL = 0x80;     // flipped in the sum of a block that was not taken
 constexpr size_t CORRUPT_WITHIN = 12; // mostly in the head, where it does the most harm
-
-bool DrawChance(SIM_Loader *loader, double share)
-{
-    constexpr double RANGE = 4294967296.0;
-    return static_cast<double>(loader->random()) / RANGE < share;
-}
 
 uint8_t SumOf(const std::vector<uint8_t> &bytes)
 {
@@ -48,6 +44,7 @@ uint8_t ReadByte(const SIM_Loader &loader, uint32_t address)
 void ReadBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
     const uint32_t address = AddressOf(*loader);
+    // The sum goes over command and data: a reader sees that another block was read.
     unsigned sum = SumOf(loader->command);
     for (uint32_t i = 0; i < loader->command[1]; i++) {
         answer->push_back(ReadByte(*loader, address + i));
@@ -65,11 +62,13 @@ void WriteBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
     for (uint32_t i = 0; i < length; i++)
         fits = fits && IsFlash(address + i);
     uint8_t sum = SumOf(loader->command);
+    // Refused as a whole: the sum tells, and no cell has changed.
     if (!fits) {
         loader->refused++;
         sum = static_cast<uint8_t>(sum ^ REFUSAL);
     } else {
         for (uint32_t i = 0; i < length; i++) {
+            // Programming clears bits: what was not erased before holds neither value.
             uint8_t &cell = loader->flash[address + i];
             cell = static_cast<uint8_t>(cell & loader->command[HEAD + i]);
         }
@@ -84,6 +83,7 @@ void EraseFlash(SIM_Loader *loader, std::vector<uint8_t> *answer)
     loader->erases++;
     if (loader->faults.isEraseSilent)
         return;
+    // Signs of life; whoever has a clock spreads them over the time that erasing takes.
     answer->insert(answer->end(), static_cast<size_t>(loader->faults.eraseZeros), uint8_t{0});
     answer->push_back(loader->faults.eraseAnswer);
 }
@@ -106,10 +106,10 @@ bool IsWhole(SIM_Loader *loader)
 void ApplyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
     SIM_LoaderFaults &faults = loader->faults;
-    const bool dropped = DrawChance(loader, faults.drop);
-    const bool corrupted = DrawChance(loader, faults.corrupt);
-    const bool shortened = DrawChance(loader, faults.shorten);
-    const bool lengthened = DrawChance(loader, faults.lengthen);
+    const bool dropped = SIM_DrawChance(&loader->random, faults.drop);
+    const bool corrupted = SIM_DrawChance(&loader->random, faults.corrupt);
+    const bool shortened = SIM_DrawChance(&loader->random, faults.shorten);
+    const bool lengthened = SIM_DrawChance(&loader->random, faults.lengthen);
     const size_t place = loader->random();
     const unsigned bit = loader->random() % 8;
     if (answer->empty())
@@ -132,8 +132,9 @@ void ApplyFaults(SIM_Loader *loader, std::vector<uint8_t> *answer)
 
 uint8_t ReceiveByte(SIM_Loader *loader, uint8_t byte)
 {
+    // Drawn when a command begins: where it ends is not known yet.
     if (loader->command.empty()) {
-        const bool damaged = DrawChance(loader, loader->faults.corruptRequest);
+        const bool damaged = SIM_DrawChance(&loader->random, loader->faults.corruptRequest);
         const size_t place = 1 + loader->random() % CORRUPT_WITHIN;
         loader->corruptAt = damaged ? place : 0;
     }

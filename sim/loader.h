@@ -14,6 +14,8 @@ constexpr uint32_t SIM_FLASH_SIZE = 0x80000;
 // Memory and registers on the chip lie over this part of it and cannot be programmed.
 constexpr uint32_t SIM_CHIP_FIRST = 0xE000, SIM_CHIP_LAST = 0xFFFF;
 
+constexpr uint8_t SIM_LOADER_ERASE = 0x5E; // the command
+
 // Shares are 0 to 1 of all commands, decided by the seed alone.
 struct SIM_LoaderFaults {
     double drop = 0;           // the answer is not sent

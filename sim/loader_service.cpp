@@ -25,7 +25,7 @@ void LogCommand(SIM_Target *target, bool answered)
     const std::vector<uint8_t> &c = target->loader.last;
     if (!target->log || c.size() < 4)
         return;
-    if (c[0] == 0x5E)
+    if (c[0] == SIM_LOADER_ERASE)
         fprintf(target->log, "%12.6f loader erase", SIM_Elapsed(target));
     else
         fprintf(target->log, "%12.6f loader command %02X length %u address %02X%02X%02X",

@@ -16,7 +16,7 @@ size_t PassBytes(SIM_LoaderWire *wire, size_t count)
 
 } // namespace
 
-int SIM_WriteWire(SIM_LoaderWire *wire, const void *bytes, size_t count)
+int SIM_WriteCable(SIM_LoaderWire *wire, const void *bytes, size_t count)
 {
     const auto *byte = static_cast<const uint8_t *>(bytes);
     const size_t passed = PassBytes(wire, count);
@@ -26,31 +26,32 @@ int SIM_WriteWire(SIM_LoaderWire *wire, const void *bytes, size_t count)
     return passed == 0 && count > 0 ? -1 : static_cast<int>(passed);
 }
 
-int SIM_ReadWire(SIM_LoaderWire *wire, void *buffer, size_t count)
+int SIM_ReadCable(SIM_LoaderWire *wire, void *buffer, size_t count)
 {
     std::vector<uint8_t> &from = wire->incoming;
     const size_t passed = PassBytes(wire, std::min(count, from.size()));
     std::copy_n(from.begin(), passed, static_cast<uint8_t *>(buffer));
     from.erase(from.begin(), from.begin() + static_cast<long>(passed));
+    // The reader would wait for a time-out now, longer than a loader keeps half a command.
     if (passed < count)
         SIM_LoaderQuiet(&wire->loader);
     return wire->bytesLeft == 0 && passed == 0 ? -1 : static_cast<int>(passed);
 }
 
-void SIM_DropWire(SIM_LoaderWire *wire)
+void SIM_DropCable(SIM_LoaderWire *wire)
 {
     if (!wire->isScripted)
         wire->incoming.clear();
 }
 
-void SIM_ReplugWire(SIM_LoaderWire *wire)
+void SIM_ReplugCable(SIM_LoaderWire *wire)
 {
     wire->bytesLeft = -1;
     wire->incoming.clear();
     SIM_LoaderQuiet(&wire->loader);
 }
 
-void SIM_ScriptWire(SIM_LoaderWire *wire, const std::vector<uint8_t> &answers)
+void SIM_ScriptCable(SIM_LoaderWire *wire, const std::vector<uint8_t> &answers)
 {
     wire->isScripted = true;
     wire->incoming = answers;

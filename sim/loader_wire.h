@@ -15,12 +15,12 @@ struct SIM_LoaderWire {
 };
 
 // Bytes moved, or -1 when the cable is pulled.
-int SIM_WriteWire(SIM_LoaderWire *wire, const void *bytes, size_t count);
-int SIM_ReadWire(SIM_LoaderWire *wire, void *buffer, size_t count);
-void SIM_DropWire(SIM_LoaderWire *wire); // what was not read
+int SIM_WriteCable(SIM_LoaderWire *wire, const void *bytes, size_t count);
+int SIM_ReadCable(SIM_LoaderWire *wire, void *buffer, size_t count);
+void SIM_DropCable(SIM_LoaderWire *wire); // what was not read
 // Plugged in again: what the loader had of a command is forgotten by then.
-void SIM_ReplugWire(SIM_LoaderWire *wire);
+void SIM_ReplugCable(SIM_LoaderWire *wire);
 // Answers as given, whatever is asked from now on.
-void SIM_ScriptWire(SIM_LoaderWire *wire, const std::vector<uint8_t> &answers);
+void SIM_ScriptCable(SIM_LoaderWire *wire, const std::vector<uint8_t> &answers);
 
 #endif

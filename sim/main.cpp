@@ -159,7 +159,7 @@ bool ApplySeed(const char *text, SIM_Options *options)
 bool ApplyScope(const char *text, SIM_Options *options)
 {
     const std::string list = text;
-    options->scopes = 0;
+    options->scopes = 0; // "none" says so; an empty list is a mistake
     for (size_t begin = 0; begin <= list.size();) {
         const size_t comma = std::min(list.find(',', begin), list.size());
         const std::string name = list.substr(begin, comma - begin);
@@ -261,6 +261,7 @@ void ParseArguments(int argc, char **argv, SIM_Options *options)
         table[i] = rows[i].getopt;
     int index = 0;
     int got;
+    // 0 is one of ours: no option has a letter.
     while ((got = getopt_long(argc, argv, "", table, &index)) == 0) {
         const OptionRow &row = rows[index];
         if (!row.apply) {
@@ -295,6 +296,7 @@ void ObeyLine(const std::string &line)
     const std::string value = blank == std::string::npos ? "" : line.substr(blank + 1);
     const std::lock_guard<std::mutex> guard(controlLock);
     for (const OptionRow &row : rows) {
+        // Of a refused value nothing stays: a parser may have written half of it.
         SIM_Options fresh = controlOptions;
         if (!row.isLive || name != row.getopt.name || !row.apply(value.c_str(), &fresh))
             continue;
@@ -313,6 +315,7 @@ void ObeyInput()
     char bytes[256];
     std::string line;
     while (const size_t count = SIM_ReadInput(bytes, sizeof bytes))
+        // A read may bring half a line or several; what exceeds the bound is cut and refused.
         for (size_t i = 0; i < count; i++) {
             if (bytes[i] == '\n') {
                 ObeyLine(line);
@@ -345,6 +348,7 @@ int main(int argc, char **argv)
         fprintf(stderr, "vireo2-target: %s\n", error.c_str());
         return EXIT_FAILURE;
     }
+    // Scripts wait for this line and open what it names.
     printf("%s\n", SIM_DevicePath(target));
     fflush(stdout);
     controlOptions = options;
@@ -352,6 +356,7 @@ int main(int argc, char **argv)
     if (isControlled)
         std::thread(ObeyInput).detach();
     SIM_WaitForEnding();
+    // A line that comes from here on must not reach a target that is freed.
     SetControlled(nullptr);
     if (!SIM_Stop(target, &error)) {
         fprintf(stderr, "vireo2-target: %s\n", error.c_str());

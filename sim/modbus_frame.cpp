@@ -6,6 +6,8 @@ namespace {
 
 constexpr size_t CRC_SIZE = 2;
 
+// RTU marks the end of a frame by a pause, which a pseudo terminal does not keep: here the
+// function tells how long a request is.
 // Length without the CRC of the request that begins here; 0 = not known yet, and
 // SIM_RTU_MAX + 1 = no request that a frame could hold.
 size_t RequestLength(const uint8_t *bytes, size_t count)
@@ -16,6 +18,7 @@ size_t RequestLength(const uint8_t *bytes, size_t count)
         return 0;
     // Functions 5, 7, 15 and the like are not served, but their frames are recognised, so that
     // they can be refused.
+    // Fixed is 6: slave, function and two words. The others say their count of bytes themselves.
     switch (bytes[1]) {
     case 1:
     case 2:
@@ -35,12 +38,6 @@ size_t RequestLength(const uint8_t *bytes, size_t count)
     default:
         return NONE;
     }
-}
-
-void DropFirst(SIM_RtuReceiver *receiver, size_t count)
-{
-    receiver->length -= count;
-    memmove(receiver->bytes, receiver->bytes + count, receiver->length);
 }
 
 } // namespace
@@ -79,7 +76,9 @@ size_t SIM_ReceiveRtu(SIM_RtuReceiver *receiver, uint8_t byte, uint64_t *malform
                 return whole;
             ++*malformed;
         }
-        DropFirst(receiver, 1);
+        // No request begins here; one may begin at the next byte.
+        receiver->length--;
+        memmove(receiver->bytes, receiver->bytes + 1, receiver->length);
         if (receiver->length == 0)
             return 0;
     }

@@ -22,9 +22,8 @@ struct Answer {
 // ones stay where they are when the share changes.
 int DrawRefusal(SIM_Target *target)
 {
-    constexpr double RANGE = 4294967296.0;
     constexpr int FAILURE = 4, BUSY = 6;
-    const bool refused = static_cast<double>(target->random()) / RANGE < target->options.refuse;
+    const bool refused = SIM_DrawChance(&target->random, target->options.refuse);
     const int code = target->random() % 2 ? FAILURE : BUSY;
     return refused ? code : 0;
 }
@@ -44,18 +43,17 @@ void LogRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exce
     fflush(target->log);
 }
 
-bool IsPresent(const SIM_Target *target, int slave)
-{
-    return slave >= 1 && slave < SIM_STATIONS && (target->options.stations >> slave & 1);
-}
-
 // `count` is the frame's length without its CRC.
 Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
 {
     Answer answer;
     const std::lock_guard<std::mutex> guard(target->lock);
     answer.delayNs = target->options.delayMs * NS_PER_MS;
-    if (!IsPresent(target, frame[0])) {
+    // Slave 0 is a broadcast, which nobody answers.
+    const int slave = frame[0];
+    const bool isPresent =
+        slave >= 1 && slave < SIM_STATIONS && (target->options.stations >> slave & 1) != 0;
+    if (!isPresent) {
         LogRequest(target, frame, count, 0, "absent");
         return answer;
     }
@@ -70,12 +68,6 @@ Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
     return answer;
 }
 
-bool IsEchoing(SIM_Target *target)
-{
-    const std::lock_guard<std::mutex> guard(target->lock);
-    return target->options.echo;
-}
-
 bool SendAnswer(SIM_Target *target, const Answer &answer)
 {
     if (answer.count == 0)
@@ -84,14 +76,11 @@ bool SendAnswer(SIM_Target *target, const Answer &answer)
     return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
 }
 
-// Handles what one read brought. On an echoing line the bytes come back first, as they pass
-// the wire. Returns false when the target is to end.
+// Handles what one read brought. Returns false when the target is to end.
 bool ServeBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *bytes, size_t count)
 {
     constexpr size_t CRC_SIZE = 2;
-    const bool echo = IsEchoing(target);
-    size_t echoed = 0;
-    int64_t echoNs = target->line.receiveNs;
+    SIM_Echo echo = SIM_BeginEcho(target);
     for (size_t i = 0; i < count; i++) {
         uint64_t malformed = 0;
         SIM_PassReceived(&target->line);
@@ -100,12 +89,9 @@ bool ServeBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *by
             const std::lock_guard<std::mutex> guard(target->lock);
             target->counters.malformed += malformed;
         }
-        if (echo && (whole > 0 || i + 1 == count)) {
-            if (!SIM_SendLine(&target->line, bytes + echoed, i + 1 - echoed, echoNs))
-                return false;
-            echoed = i + 1;
-            echoNs = target->line.receiveNs;
-        }
+        const bool isEchoDue = whole > 0 || i + 1 == count;
+        if (isEchoDue && !SIM_EchoUpTo(target, &echo, bytes, i + 1))
+            return false;
         if (whole == 0)
             continue;
         receiver->length = 0;

@@ -11,6 +11,9 @@ enum { BAD_FUNCTION = 1, BAD_ADDRESS = 2, BAD_VALUE = 3 };
 constexpr unsigned TUNNEL_ODD = 0xFFFB, TUNNEL_EVEN = 0xFFFD, TUNNEL_DATA = 0xFF00;
 constexpr unsigned REGISTERS = 0xFF00; // plain ones
 constexpr unsigned BITS = 0x10000;
+// The most that one request may ask for: what fits into a frame of 256 bytes.
+constexpr unsigned READ_BITS_MAX = 2000, READ_WORDS_MAX = 125;
+constexpr unsigned WRITE_WORDS_MAX = 123, READ_WRITE_WORDS_MAX = 121;
 constexpr uint32_t HOLDING_BASE = 0, INPUT_BASE = 0x20000;
 constexpr uint32_t COIL_BASE = 0x40000, DISCRETE_BASE = 0x42000;
 
@@ -33,7 +36,7 @@ int StationOf(const Service &service)
     return service.frame[0];
 }
 
-void PutWord(Service *service, unsigned value)
+void PutByte(Service *service, unsigned value)
 {
     service->answer[service->length++] = static_cast<uint8_t>(value & 0xFF);
 }
@@ -50,15 +53,16 @@ bool IsTunnel(unsigned start)
     return start == TUNNEL_ODD || start == TUNNEL_EVEN;
 }
 
+// The lowest bit is the first; the last byte is filled up with zeros.
 int ReadBits(Service *service, uint32_t base)
 {
     const unsigned start = WordAt(*service, 2), quantity = WordAt(*service, 4);
-    if (quantity < 1 || quantity > 2000)
+    if (quantity < 1 || quantity > READ_BITS_MAX)
         return BAD_VALUE;
     if (start + quantity > BITS)
         return BAD_ADDRESS;
     const unsigned count = (quantity + 7) / 8;
-    PutWord(service, count);
+    PutByte(service, count);
     for (unsigned i = 0; i < count; i++) {
         unsigned packed = 0;
         for (unsigned bit = 0; bit < 8 && 8 * i + bit < quantity; bit++) {
@@ -67,7 +71,7 @@ int ReadBits(Service *service, uint32_t base)
             SIM_ReadTarget(service->target, StationOf(*service), base + number / 8, &byte, 1);
             packed |= (byte >> number % 8 & 1U) << bit;
         }
-        PutWord(service, packed);
+        PutByte(service, packed);
     }
     return 0;
 }
@@ -75,17 +79,17 @@ int ReadBits(Service *service, uint32_t base)
 // Words of memory travel high byte first; each byte of the target's order is the other one.
 int ReadWords(Service *service, uint32_t base, unsigned start, unsigned quantity)
 {
-    if (quantity < 1 || quantity > 125)
+    if (quantity < 1 || quantity > READ_WORDS_MAX)
         return BAD_VALUE;
     if (start + quantity > REGISTERS)
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes(2 * quantity);
     SIM_ReadTarget(service->target, StationOf(*service), base + 2 * start, bytes.data(),
                    bytes.size());
-    PutWord(service, 2 * quantity);
+    PutByte(service, 2 * quantity);
     for (unsigned i = 0; i < quantity; i++) {
-        PutWord(service, bytes[2 * i + 1]);
-        PutWord(service, bytes[2 * i]);
+        PutByte(service, bytes[2 * i + 1]);
+        PutByte(service, bytes[2 * i]);
     }
     return 0;
 }
@@ -108,7 +112,7 @@ int WriteWords(Service *service, unsigned start, unsigned quantity, size_t at)
 int WriteMemory(Service *service, unsigned start, unsigned quantity)
 {
     constexpr size_t ADDRESS = 7, DATA = 11;
-    if (quantity < 3)
+    if (quantity < 3) // the address fills two, and something is to be written
         return BAD_VALUE;
     const size_t count = 2 * (quantity - 2) - (start == TUNNEL_ODD ? 1 : 0);
     uint32_t address;
@@ -116,7 +120,7 @@ int WriteMemory(Service *service, unsigned start, unsigned quantity)
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes;
     for (size_t i = 0; i < count; i++)
-        bytes.push_back(service->frame[DATA + (i ^ 1)]);
+        bytes.push_back(service->frame[DATA + (i ^ 1)]); // a register has its high byte first
     SIM_WriteTarget(service->target, StationOf(*service), address, bytes.data(), count);
     return 0;
 }
@@ -125,20 +129,21 @@ int WriteRegisters(Service *service)
 {
     constexpr size_t DATA = 7;
     const unsigned start = WordAt(*service, 2), quantity = WordAt(*service, 4);
-    if (quantity < 1 || quantity > 123 || service->frame[6] != 2 * quantity)
+    if (quantity < 1 || quantity > WRITE_WORDS_MAX || service->frame[6] != 2 * quantity)
         return BAD_VALUE;
     const int exception = IsTunnel(start) ? WriteMemory(service, start, quantity)
                                           : WriteWords(service, start, quantity, DATA);
     for (size_t i = 2; exception == 0 && i < 6; i++)
-        PutWord(service, service->frame[i]);
+        PutByte(service, service->frame[i]);
     return exception;
 }
 
+// Function 6 answers what it was asked: place and value.
 int WriteOne(Service *service)
 {
     const int exception = WriteWords(service, WordAt(*service, 2), 1, 4);
     for (size_t i = 2; exception == 0 && i < 6; i++)
-        PutWord(service, service->frame[i]);
+        PutByte(service, service->frame[i]);
     return exception;
 }
 
@@ -152,9 +157,9 @@ int ReadMemory(Service *service, unsigned tunnel, unsigned quantity)
         return BAD_ADDRESS;
     std::vector<uint8_t> bytes(2 * quantity, 0);
     SIM_ReadTarget(service->target, StationOf(*service), address, bytes.data(), count);
-    PutWord(service, 2 * quantity);
+    PutByte(service, 2 * quantity);
     for (size_t i = 0; i < bytes.size(); i++)
-        PutWord(service, bytes[i ^ 1]);
+        PutByte(service, bytes[i ^ 1]);
     return 0;
 }
 
@@ -163,8 +168,8 @@ int ReadWrite(Service *service)
     constexpr size_t DATA = 11;
     const unsigned from = WordAt(*service, 2), quantity = WordAt(*service, 4);
     const unsigned to = WordAt(*service, 6), written = WordAt(*service, 8);
-    if (quantity < 1 || quantity > 125 || written < 1 || written > 121 ||
-        service->frame[10] != 2 * written)
+    if (quantity < 1 || quantity > READ_WORDS_MAX || written < 1 ||
+        written > READ_WRITE_WORDS_MAX || service->frame[10] != 2 * written)
         return BAD_VALUE;
     if (IsTunnel(to))
         return written != 2          ? BAD_VALUE
@@ -179,6 +184,7 @@ int ReadWrite(Service *service)
 
 int ServeFunction(Service *service)
 {
+    // Coils can be read but not written (functions 5 and 15): the program never writes one.
     switch (service->frame[1]) {
     case 1:
         return ReadBits(service, COIL_BASE);

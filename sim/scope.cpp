@@ -32,16 +32,6 @@ const Layout layouts[SIM_SCOPES] = {
      VT + 0x20, VT + 0x22},
 };
 
-uint16_t GetWord(const SIM_Station &station, uint32_t address)
-{
-    return static_cast<uint16_t>(SIM_GetValue(station, address, 2));
-}
-
-void SetWord(SIM_Station *station, uint32_t address, unsigned value)
-{
-    SIM_SetValue(station, address, 2, value & 0xFFFF);
-}
-
 // The page format of a C166 keeps a 14-bit offset and, from bit 16 on, the page.
 uint32_t ToPages(uint32_t address)
 {
@@ -51,8 +41,8 @@ uint32_t ToPages(uint32_t address)
 uint32_t SourceOf(const SIM_Station &station, const Layout &scope, uint32_t channel)
 {
     if (scope.mask == SIM_SCOPE_2)
-        return static_cast<uint32_t>(GetWord(station, V2_PAGES + 2 * channel)) << 14 |
-               (GetWord(station, V2_SOURCES + 2 * channel) & 0x3FFF);
+        return static_cast<uint32_t>(SIM_GetWord(station, V2_PAGES + 2 * channel)) << 14 |
+               (SIM_GetWord(station, V2_SOURCES + 2 * channel) & 0x3FFF);
     const auto stored =
         static_cast<uint32_t>(SIM_GetValue(station, scope.begin + V3_SOURCES + 4 * channel, 4));
     return scope.mask == SIM_SCOPE_3 ? 2 * stored : (stored & 0x3FFF) | (stored >> 16) << 14;
@@ -64,14 +54,14 @@ uint16_t SampleOf(SIM_Station *station, int number, const Layout &scope, uint32_
     const uint32_t source = SourceOf(*station, scope, channel) % SIM_MEMORY_SIZE;
     SIM_UpdateDemo(station, number, t, source, 2);
     if (scope.mask == SIM_SCOPE_2) {
-        const uint16_t load = GetWord(*station, V2_LOADS + 2 * channel);
+        const uint16_t load = SIM_GetWord(*station, V2_LOADS + 2 * channel);
         const auto byte = static_cast<uint8_t>(SIM_GetValue(*station, source, 1));
         if (load == 0xF2D2)
             return static_cast<uint16_t>(static_cast<int16_t>(static_cast<int8_t>(byte)));
         if (load == 0xF2C2)
             return byte;
     }
-    return GetWord(*station, source);
+    return SIM_GetWord(*station, source);
 }
 
 // --- the trigger ------------------------------------------------------------------------
@@ -92,7 +82,7 @@ Trigger TriggerOf(const SIM_Station &station, const Layout &scope)
         trigger.compare = first == 0xCD || first == 0xAD ? Compare::WORD : Compare::UNSIGNED_WORD;
         return trigger;
     }
-    const uint16_t code = GetWord(station, scope.mode);
+    const uint16_t code = SIM_GetWord(station, scope.mode);
     trigger.isFree = code == 0x10;
     struct {
         uint16_t base;
@@ -164,7 +154,7 @@ void StoreSample(SIM_Station *station, const Layout &scope, const uint16_t *word
 {
     const uint32_t total = uint32_t{scope.channels} * scope.values;
     const bool isDown = scope.mask == SIM_SCOPE_2;
-    uint32_t at = GetWord(*station, scope.index) / (isDown ? 2U : 1U) % total;
+    uint32_t at = SIM_GetWord(*station, scope.index) / (isDown ? 2U : 1U) % total;
     for (uint32_t channel = 0; channel < scope.channels; channel++) {
         if (isDown)
             at = (at + total - 1) % total;
@@ -172,7 +162,7 @@ void StoreSample(SIM_Station *station, const Layout &scope, const uint16_t *word
         if (!isDown)
             at = (at + 1) % total;
     }
-    SetWord(station, scope.index, isDown ? 2 * at : at);
+    SIM_SetWord(station, scope.index, isDown ? 2 * at : at);
 }
 
 void TakeSample(SIM_Station *station, int number, const Layout &scope, double *previous, double t)
@@ -181,22 +171,22 @@ void TakeSample(SIM_Station *station, int number, const Layout &scope, double *p
     for (uint32_t channel = 0; channel < scope.channels; channel++)
         words[channel] = SampleOf(station, number, scope, channel, t);
     StoreSample(station, scope, words);
-    auto control = static_cast<int16_t>(GetWord(*station, scope.control));
+    auto control = static_cast<int16_t>(SIM_GetWord(*station, scope.control));
     if (control > 0) {
         control--;
     } else if (control < -1) {
         control++; // the record in front of the trigger is still filling
         *previous = NAN;
     } else if (IsTriggered(*station, scope, previous, words[0], words[1])) {
-        control = static_cast<int16_t>(GetWord(*station, scope.post));
+        control = static_cast<int16_t>(SIM_GetWord(*station, scope.post));
     }
-    SetWord(station, scope.control, static_cast<unsigned>(control));
+    SIM_SetWord(station, scope.control, static_cast<unsigned>(control));
 }
 
 // Every how manieth tick is a sample: generation 3 keeps one less.
 uint16_t SubPeriod(const SIM_Station &station, const Layout &scope)
 {
-    const uint16_t stored = GetWord(station, scope.subPeriod);
+    const uint16_t stored = SIM_GetWord(station, scope.subPeriod);
     if (scope.mask == SIM_SCOPE_2)
         return stored == 0 ? 1 : stored;
     return static_cast<uint16_t>(stored + 1);
@@ -209,44 +199,40 @@ void SampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_Scop
     if (seconds - t > CATCH_UP_S)
         t = seconds - CATCH_UP_S;
     for (; t + 1 / RATE_HZ <= seconds; t += 1 / RATE_HZ) {
-        if (GetWord(*station, scope.control) == 0) { // complete: nothing moves until the next run
+        if (SIM_GetWord(*station, scope.control) ==
+            0) { // complete: nothing moves until the next run
             t = seconds;
             break;
         }
-        uint16_t left = GetWord(*station, scope.subCounter);
+        uint16_t left = SIM_GetWord(*station, scope.subCounter);
         if (left > 1) {
-            SetWord(station, scope.subCounter, --left);
+            SIM_SetWord(station, scope.subCounter, --left);
             continue;
         }
-        SetWord(station, scope.subCounter, SubPeriod(*station, scope));
+        SIM_SetWord(station, scope.subCounter, SubPeriod(*station, scope));
         TakeSample(station, number, scope, &state->previous, t);
     }
     state->sampled = t;
 }
 
-bool TouchesScope(uint32_t address, size_t count, uint32_t begin, uint32_t end)
-{
-    return address < end && address + count > begin;
-}
-
 void InitV2(SIM_Station *station, const Layout &scope)
 {
-    SetWord(station, V2 + 0x0A, scope.values);
-    SetWord(station, V2 + 0x0C, scope.channels);
+    SIM_SetWord(station, V2 + 0x0A, scope.values);
+    SIM_SetWord(station, V2 + 0x0C, scope.channels);
     SIM_SetValue(station, V2 + 0x0E, 2, 0xBDCD); // rising, signed
     SIM_SetFloat(station, V2 + 0x10, static_cast<float>(RATE_HZ));
-    SetWord(station, V2 + 0x14, 1);
+    SIM_SetWord(station, V2 + 0x14, 1);
     for (uint32_t channel = 0; channel < scope.channels; channel++)
-        SetWord(station, V2_LOADS + 2 * channel, 0xF2F2);
+        SIM_SetWord(station, V2_LOADS + 2 * channel, 0xF2F2);
 }
 
 void InitV3(SIM_Station *station, const Layout &scope)
 {
     const bool isTms = scope.mask == SIM_SCOPE_3;
-    SetWord(station, scope.begin, isTms ? 0x20D3 : 0x20D2);
-    SetWord(station, scope.begin + 0x10, scope.values);
-    SetWord(station, scope.begin + 0x12, scope.channels);
-    SetWord(station, scope.mode, 2);
+    SIM_SetWord(station, scope.begin, isTms ? 0x20D3 : 0x20D2);
+    SIM_SetWord(station, scope.begin + 0x10, scope.values);
+    SIM_SetWord(station, scope.begin + 0x12, scope.channels);
+    SIM_SetWord(station, scope.mode, 2);
     SIM_SetValue(station, scope.begin + 0x18, 4, static_cast<uint64_t>(RATE_HZ * 1000));
     SIM_SetValue(station, scope.begin + 0x28, 4, isTms ? scope.ring / 2 : ToPages(scope.ring));
 }
@@ -261,7 +247,7 @@ void SIM_InitScopes(SIM_Station *station, unsigned mask)
         if (!station->scopes[i].isPresent)
             continue;
         (scope.mask == SIM_SCOPE_2 ? InitV2 : InitV3)(station, scope);
-        SetWord(station, scope.post, scope.values / 2U);
+        SIM_SetWord(station, scope.post, scope.values / 2U);
     }
 }
 
@@ -271,8 +257,8 @@ void SIM_UpdateScopes(SIM_Station *station, int number, double seconds, uint32_t
     for (size_t i = 0; i < SIM_SCOPES; i++) {
         const Layout &scope = layouts[i];
         const uint32_t ringEnd = scope.ring + 2U * scope.channels * scope.values;
-        if (station->scopes[i].isPresent && (TouchesScope(address, count, scope.begin, scope.end) ||
-                                             TouchesScope(address, count, scope.ring, ringEnd)))
+        if (station->scopes[i].isPresent && (SIM_Touches(address, count, scope.begin, scope.end) ||
+                                             SIM_Touches(address, count, scope.ring, ringEnd)))
             SampleUntil(station, number, scope, &station->scopes[i], seconds);
     }
 }

@@ -78,29 +78,18 @@ Answer PrepareAnswer(SIM_Target *target, const SIM_Request &request)
                                    static_cast<size_t>(std::max(result, 0)), answer.frame);
     const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
     // Drawn only when asked for: the other faults stay where they are by their seed.
-    answer.isRepeated =
-        fate == SIM_SENT && target->options.repeat > 0 &&
-        static_cast<double>(target->random()) / 4294967296.0 < target->options.repeat;
+    answer.isRepeated = fate == SIM_SENT && target->options.repeat > 0 &&
+                        SIM_DrawChance(&target->random, target->options.repeat);
     LogRequest(target, request, result, SIM_FateText(fate));
     return answer;
-}
-
-bool IsEchoing(SIM_Target *target)
-{
-    const std::lock_guard<std::mutex> guard(target->lock);
-    return target->options.echo;
-}
-
-void CountMalformed(SIM_Target *target)
-{
-    const std::lock_guard<std::mutex> guard(target->lock);
-    target->counters.malformed++;
 }
 
 bool SendAnswer(SIM_Target *target, const Answer &answer)
 {
     if (answer.count == 0)
         return true;
+    // On a paced line the answer follows the request's last character, however late this thread
+    // woke.
     const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
     for (int copy = 0; copy < (answer.isRepeated ? 2 : 1); copy++)
         if (!SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs))
@@ -108,26 +97,22 @@ bool SendAnswer(SIM_Target *target, const Answer &answer)
     return true;
 }
 
-// Handles what one read brought. On an echoing line the characters come back first, as
-// they pass the wire. Returns false when the target is to end.
+// Handles what one read brought, which may be several requests or a part of one. Returns false
+// when the target is to end.
 bool ServeBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes, size_t count)
 {
-    const bool echo = IsEchoing(target);
-    size_t echoed = 0;
-    int64_t echoNs = target->line.receiveNs;
+    SIM_Echo echo = SIM_BeginEcho(target);
     for (size_t i = 0; i < count; i++) {
         SIM_Request request;
         SIM_PassReceived(&target->line);
         const SIM_Received got = SIM_ReceiveByte(receiver, bytes[i], &request);
-        if (got == SIM_RX_MALFORMED)
-            CountMalformed(target);
-        const bool last = i + 1 == count;
-        if (echo && (got == SIM_RX_REQUEST || last)) {
-            if (!SIM_SendLine(&target->line, bytes + echoed, i + 1 - echoed, echoNs))
-                return false;
-            echoed = i + 1;
-            echoNs = target->line.receiveNs;
+        if (got == SIM_RX_MALFORMED) {
+            const std::lock_guard<std::mutex> guard(target->lock);
+            target->counters.malformed++;
         }
+        const bool isEchoDue = got == SIM_RX_REQUEST || i + 1 == count;
+        if (isEchoDue && !SIM_EchoUpTo(target, &echo, bytes, i + 1))
+            return false;
         if (got == SIM_RX_REQUEST && !SendAnswer(target, PrepareAnswer(target, request)))
             return false;
     }
@@ -135,6 +120,23 @@ bool ServeBytes(SIM_Target *target, SIM_Receiver *receiver, const uint8_t *bytes
 }
 
 } // namespace
+
+SIM_Echo SIM_BeginEcho(SIM_Target *target)
+{
+    const std::lock_guard<std::mutex> guard(target->lock);
+    return {target->options.echo, 0, target->line.receiveNs};
+}
+
+bool SIM_EchoUpTo(SIM_Target *target, SIM_Echo *echo, const uint8_t *bytes, size_t end)
+{
+    if (!echo->isOn)
+        return true;
+    if (!SIM_SendLine(&target->line, bytes + echo->done, end - echo->done, echo->fromNs))
+        return false;
+    echo->done = end;
+    echo->fromNs = target->line.receiveNs;
+    return true;
+}
 
 SIM_Fate SIM_DecideFate(SIM_Target *target, uint8_t *frame, size_t *count)
 {

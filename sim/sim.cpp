@@ -22,6 +22,7 @@ bool OpenLog(SIM_Target *target, std::string *error)
     return target->log != nullptr;
 }
 
+// Standard output is not the target's to close.
 void CloseLog(SIM_Target *target)
 {
     if (target->log && target->log != stdout)
@@ -67,6 +68,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
     target->answersLeft = options.silentAfter;
     target->random.seed(options.seed);
     target->startNs = SIM_NowNs();
+    // The demo first: a file for the flash lies over it.
     for (int i = 0; options.demo && i < SIM_STATIONS; i++) {
         SIM_InitDemo(&target->stations[i], i);
         SIM_InitScopes(&target->stations[i], options.scopes);
@@ -76,7 +78,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
         target->loader.faults.eraseZeros = options.eraseSeconds; // a sign of life each second
         SetLoaderFaults(target, options);
     }
-    error = error ? error : &ignored;
+    error = error ? error : &ignored; // every step below has a place for its message
     error->clear();
     if (!LoadFlash(target, error) || !OpenLog(target, error) ||
         !SIM_OpenLine(&target->line, options.baud, options.tcp, options.link, error)) {
@@ -84,6 +86,7 @@ SIM_Target *SIM_Start(const SIM_Options &options, std::string *error)
         delete target;
         return nullptr;
     }
+    // Last: from here on the line is the thread's alone, and the rest stands behind the lock.
     target->thread = std::thread(options.loader   ? SIM_ServeLoader
                                  : options.modbus ? SIM_ServeModbus
                                                   : SIM_Serve,
@@ -95,6 +98,7 @@ bool SIM_Stop(SIM_Target *target, std::string *error)
 {
     if (!target)
         return true;
+    // The image is written when no thread can change it any more.
     SIM_WakeLine(&target->line);
     target->thread.join();
     SIM_CloseLine(&target->line);
@@ -123,6 +127,7 @@ void SIM_Peek(SIM_Target *target, int station, uint32_t address, void *bytes, si
     memset(bytes, 0, count);
     const std::lock_guard<std::mutex> guard(target->lock);
     SIM_Station *found = FindStation(target, station);
+    // As a request would find it: live values are of this moment.
     if (found && target->options.demo)
         SIM_UpdateDemo(found, station, SIM_Elapsed(target), address, count);
     if (found)
@@ -144,6 +149,7 @@ uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
         return 0;
     if (target->options.demo)
         SIM_UpdateDemoTms(found, station, SIM_Elapsed(target));
+    // Looking makes no word: those that nobody wrote stay absent.
     const auto word = found->tms.find(wordAddress);
     return word == found->tms.end() ? 0 : word->second;
 }

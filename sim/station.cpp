@@ -25,6 +25,11 @@ size_t PageRun(uint32_t address, size_t count)
 
 } // namespace
 
+bool SIM_Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
+{
+    return address < end && address + count > begin;
+}
+
 void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, size_t count)
 {
     auto *out = static_cast<uint8_t *>(bytes);
@@ -32,6 +37,7 @@ void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, s
         address %= SIM_MEMORY_SIZE;
         const size_t run = PageRun(address, count);
         const uint8_t *page = station.pages[address / SIM_PAGE_SIZE].get();
+        // Most of the 16 MiB is never written: such a page takes no room.
         if (page)
             memcpy(out, page + address % SIM_PAGE_SIZE, run);
         else
@@ -60,7 +66,7 @@ void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, 
 
 uint64_t SIM_GetValue(const SIM_Station &station, uint32_t address, size_t size)
 {
-    uint8_t bytes[8] = {0};
+    uint8_t bytes[8] = {0}; // beyond the size they stay zero, so a value is never extended
     SIM_ReadMemory(station, address, bytes, std::min(size, sizeof bytes));
     uint64_t value = 0;
     for (size_t i = sizeof bytes; i-- > 0;)
@@ -74,6 +80,16 @@ void SIM_SetValue(SIM_Station *station, uint32_t address, size_t size, uint64_t 
     for (size_t i = 0; i < sizeof bytes; i++, value >>= 8)
         bytes[i] = static_cast<uint8_t>(value & 0xFF);
     SIM_WriteMemory(station, address, bytes, std::min(size, sizeof bytes));
+}
+
+uint16_t SIM_GetWord(const SIM_Station &station, uint32_t address)
+{
+    return static_cast<uint16_t>(SIM_GetValue(station, address, 2));
+}
+
+void SIM_SetWord(SIM_Station *station, uint32_t address, unsigned value)
+{
+    SIM_SetValue(station, address, 2, value & 0xFFFF);
 }
 
 float SIM_GetFloat(const SIM_Station &station, uint32_t address)
@@ -108,6 +124,7 @@ void SIM_ServeMailbox(SIM_Station *station)
         station->tms[address] =
             static_cast<uint32_t>(SIM_GetValue(*station, MAILBOX_DATA, WORD_SIZE));
     }
+    // The program waits for the zero: it says that the command is done.
     SIM_SetValue(station, MAILBOX_COMMAND, WORD_SIZE, 0);
 }
 
@@ -120,6 +137,7 @@ uint32_t SIM_TmsFloat(double value)
     int exponent;
     double mantissa = 2 * std::frexp(value, &exponent); // 1 <= |mantissa| < 2
     exponent--;
+    // A negative mantissa reaches from -2 up to, but not to, -1.
     if (mantissa == -1) {
         mantissa = -2;
         exponent--;
@@ -137,7 +155,7 @@ uint32_t SIM_TmsFloat(double value)
 double SIM_FromTmsFloat(uint32_t bits)
 {
     const int exponent = static_cast<int8_t>(bits >> 24);
-    if (exponent == -128)
+    if (exponent == -128) // kept for zero, whatever the mantissa
         return 0;
     const double fraction = (bits & 0x7FFFFFU) / FRACTION_ONE;
     return std::ldexp(bits & 0x800000U ? fraction - 2 : fraction + 1, exponent);

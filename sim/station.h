@@ -47,6 +47,9 @@ struct SIM_Station {
     SIM_Terminal terminal;
 };
 
+// Whether `count` bytes from `address` on reach into begin..end - 1.
+bool SIM_Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end);
+
 // Addresses wrap at the end of the memory. Pages never written read as zeros.
 void SIM_ReadMemory(const SIM_Station &station, uint32_t address, void *bytes, size_t count);
 void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, size_t count);
@@ -54,6 +57,8 @@ void SIM_WriteMemory(SIM_Station *station, uint32_t address, const void *bytes, 
 // Little-endian values of 1..8 bytes.
 uint64_t SIM_GetValue(const SIM_Station &station, uint32_t address, size_t size);
 void SIM_SetValue(SIM_Station *station, uint32_t address, size_t size, uint64_t value);
+uint16_t SIM_GetWord(const SIM_Station &station, uint32_t address);
+void SIM_SetWord(SIM_Station *station, uint32_t address, unsigned value); // its lower 16 bits
 float SIM_GetFloat(const SIM_Station &station, uint32_t address);
 void SIM_SetFloat(SIM_Station *station, uint32_t address, float value);
 

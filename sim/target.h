@@ -41,6 +41,17 @@ void SIM_ServeLoader(SIM_Target *target); // of a target that runs its boot-stra
 // Writes the loader's flash to its file. Only when the thread has ended.
 bool SIM_SaveFlash(SIM_Target *target, std::string *error);
 
+// A two-wire line gives back what is sent on it. What one read brought is echoed up to the end of
+// a request before that is answered, and the rest when all is read.
+struct SIM_Echo {
+    bool isOn = false;
+    size_t done = 0;    // bytes of this read
+    int64_t fromNs = 0; // when the next one passes the wire
+};
+SIM_Echo SIM_BeginEcho(SIM_Target *target);
+// Echoes what `bytes` has up to `end`. False when the target is to end.
+bool SIM_EchoUpTo(SIM_Target *target, SIM_Echo *echo, const uint8_t *bytes, size_t end);
+
 // What happens to an answer of either protocol, counted; a dropped one has no characters left.
 SIM_Fate SIM_DecideFate(SIM_Target *target, uint8_t *frame, size_t *count);
 const char *SIM_FateText(SIM_Fate fate); // as the log has it

@@ -11,6 +11,7 @@ namespace {
 
 // --- layout of the blocks -------------------------------------------------------------------
 constexpr uint32_t BLOCK = 0x8400;
+constexpr uint16_t SERVICE_MARK = 0x7166, DISPLAY_MARK = 0x71CD, VERSION = 0x0100;
 constexpr uint32_t OUT_SIZE = 256, IN_SIZE = 64, HEAD = 24;
 constexpr uint32_t SESSION = 4, LOST = 6;
 constexpr uint32_t OUT_WRITE = BLOCK + 10, IN_READ = BLOCK + 14;
@@ -34,21 +35,16 @@ constexpr int GAIN_MAX = 999;
 enum Key { KEY_UP = 12, KEY_DOWN = 13, KEY_F1 = 20, KEY_F2 = 21, RELEASED = 0x80 };
 enum State { MENU, ENTRY, LIVE };
 
-uint32_t GetWord(const SIM_Station &station, uint32_t address)
-{
-    return static_cast<uint32_t>(SIM_GetValue(station, address, 2));
-}
-
 // An index of the program, which counts with this start's session only.
 uint32_t GetIndex(const SIM_Station &station, uint32_t block, uint32_t address)
 {
-    const bool isMeant = GetWord(station, address + 2) == GetWord(station, block + SESSION);
-    return isMeant ? GetWord(station, address) : 0;
+    const bool isMeant = SIM_GetWord(station, address + 2) == SIM_GetWord(station, block + SESSION);
+    return isMeant ? SIM_GetWord(station, address) : 0;
 }
 
 int16_t GetSine(const SIM_Station &station)
 {
-    return static_cast<int16_t>(GetWord(station, SINE));
+    return static_cast<int16_t>(SIM_GetWord(station, SINE));
 }
 
 // --- service terminal -----------------------------------------------------------------------
@@ -60,7 +56,8 @@ void Print(SIM_Station *station, const std::string &text)
     std::string &waiting = station->terminal.waiting;
     const size_t fits = std::min(text.size(), WAITING_MAX - std::min(waiting.size(), WAITING_MAX));
     waiting += text.substr(0, fits);
-    SIM_SetValue(station, BLOCK + LOST, 2, GetWord(*station, BLOCK + LOST) + text.size() - fits);
+    SIM_SetValue(station, BLOCK + LOST, 2,
+                 SIM_GetWord(*station, BLOCK + LOST) + text.size() - fits);
 }
 
 void PrintMenu(SIM_Station *station, int number)
@@ -77,7 +74,7 @@ void PrintLive(SIM_Station *station)
     char text[80];
     std::snprintf(text, sizeof text, "\rnSine %6d  fTemp %6.2f  wGain %3u ", GetSine(*station),
                   static_cast<double>(SIM_GetFloat(*station, TEMPERATURE)),
-                  GetWord(*station, GAIN));
+                  SIM_GetWord(*station, GAIN));
     Print(station, text);
 }
 
@@ -116,6 +113,7 @@ void Choose(SIM_Station *station, int number, char c)
     }
 }
 
+// Digits of the gain; what else is typed is passed over without an echo.
 void Enter(SIM_Station *station, char c)
 {
     SIM_Terminal &terminal = station->terminal;
@@ -150,7 +148,7 @@ void Receive(SIM_Station *station, int number, char c)
 void UpdateService(SIM_Station *station, int number, double seconds)
 {
     SIM_Terminal &terminal = station->terminal;
-    uint32_t in = GetWord(*station, IN_READ);
+    uint32_t in = SIM_GetWord(*station, IN_READ);
     const uint32_t inEnd = GetIndex(*station, BLOCK, IN_WRITE);
     while (in < IN_SIZE && inEnd < IN_SIZE && in != inEnd) {
         const char c = static_cast<char>(SIM_GetValue(*station, IN_RING + in, 1));
@@ -158,13 +156,15 @@ void UpdateService(SIM_Station *station, int number, double seconds)
         SIM_SetValue(station, IN_READ, 2, in);
         Receive(station, number, c);
     }
+    // Live values are printed once a second, when somebody asks: there is no other clock here.
     const auto second = static_cast<int64_t>(seconds);
     if (terminal.state == LIVE && second != terminal.second)
         PrintLive(station);
     terminal.second = second;
-    uint32_t out = GetWord(*station, OUT_WRITE);
+    uint32_t out = SIM_GetWord(*station, OUT_WRITE);
     const uint32_t read = GetIndex(*station, BLOCK, OUT_READ);
     size_t put = 0;
+    // One place stays free: a full ring would look like an empty one.
     while (put < terminal.waiting.size() && read < OUT_SIZE && (out + 1) % OUT_SIZE != read) {
         SIM_SetValue(station, OUT_RING + out, 1, static_cast<uint8_t>(terminal.waiting[put++]));
         out = (out + 1) % OUT_SIZE;
@@ -177,7 +177,7 @@ void UpdateService(SIM_Station *station, int number, double seconds)
 
 void Press(SIM_Station *station, int key)
 {
-    const auto gain = static_cast<int>(GetWord(*station, GAIN));
+    const auto gain = static_cast<int>(SIM_GetWord(*station, GAIN));
     if (key == KEY_UP || key == KEY_DOWN)
         SIM_SetValue(
             station, GAIN, 2,
@@ -192,7 +192,7 @@ void Press(SIM_Station *station, int key)
 void UpdateDisplay(SIM_Station *station, int number, double seconds)
 {
     SIM_Terminal &terminal = station->terminal;
-    uint32_t in = GetWord(*station, KEY_READ);
+    uint32_t in = SIM_GetWord(*station, KEY_READ);
     const uint32_t inEnd = GetIndex(*station, DISPLAY, KEY_WRITE);
     const auto tick = static_cast<int64_t>(seconds * 2);
     if (in >= KEY_SIZE || inEnd >= KEY_SIZE || (in == inEnd && tick == terminal.tick))
@@ -210,7 +210,7 @@ void UpdateDisplay(SIM_Station *station, int number, double seconds)
                   SIM_GetValue(*station, MODE, 1) != 0 ? '\xFF' : '-');
     std::snprintf(text[1], sizeof text[1], "Temp %7.1f\001C %-5s",
                   static_cast<double>(SIM_GetFloat(*station, TEMPERATURE)), isPressed ? "key" : "");
-    std::snprintf(text[2], sizeof text[2], "Gain %5u %% \x7E %3d s", GetWord(*station, GAIN),
+    std::snprintf(text[2], sizeof text[2], "Gain %5u %% \x7E %3d s", SIM_GetWord(*station, GAIN),
                   static_cast<int>(seconds) % 1000);
     const int bar = (GetSine(*station) + 1000) * static_cast<int>(COLUMNS) * 5 / 2000;
     for (uint32_t i = 0; i < COLUMNS; i++) {
@@ -218,18 +218,13 @@ void UpdateDisplay(SIM_Station *station, int number, double seconds)
         text[3][i] = static_cast<char>(dots == 0 ? ' ' : 1 + dots);
     }
     text[3][COLUMNS] = 0;
-    SIM_SetValue(station, CHANGES, 2, GetWord(*station, CHANGES) + 1);
+    SIM_SetValue(station, CHANGES, 2, SIM_GetWord(*station, CHANGES) + 1);
     for (uint32_t i = 0; i < ROWS; i++) {
         std::string row = text[i];
         row.resize(COLUMNS, ' ');
         SIM_WriteMemory(station, SCREEN + i * COLUMNS, row.data(), COLUMNS);
     }
-    SIM_SetValue(station, CHANGES, 2, GetWord(*station, CHANGES) + 1);
-}
-
-bool Touches(uint32_t address, size_t count, uint32_t begin, uint32_t end)
-{
-    return address < end && address + count > begin;
+    SIM_SetValue(station, CHANGES, 2, SIM_GetWord(*station, CHANGES) + 1);
 }
 
 void InitDisplay(SIM_Station *station, uint16_t session)
@@ -238,7 +233,7 @@ void InitDisplay(SIM_Station *station, uint16_t session)
     constexpr uint8_t DEGREE[] = {0x0C, 0x12, 0x12, 0x0C};
     constexpr uint32_t CURSOR = 2 | 9 << 8;        // row, column: the last digit of the gain
     constexpr uint32_t FLAGS_AT_FIRST = 1 | 2 | 8; // on, with cursor and light; its own characters
-    const uint32_t head[] = {0x71CD,         0x0100,   session, 0, ROWS | COLUMNS << 8, CURSOR,
+    const uint32_t head[] = {DISPLAY_MARK,   VERSION,  session, 0, ROWS | COLUMNS << 8, CURSOR,
                              FLAGS_AT_FIRST, KEY_SIZE, 0,       0, KEYS & 0xFFFF,       KEYS >> 16};
     for (uint32_t i = 0; i < sizeof head / sizeof *head; i++)
         SIM_SetValue(station, DISPLAY + 2 * i, 2, head[i]);
@@ -253,8 +248,9 @@ void InitDisplay(SIM_Station *station, uint16_t session)
 void SIM_InitTerminals(SIM_Station *station, int number)
 {
     station->terminal = SIM_Terminal();
-    const auto session = static_cast<uint16_t>(GetWord(*station, BLOCK + SESSION) + 1);
-    const uint16_t head[] = {0x7166, 0x0100, session, 0, OUT_SIZE, 0, IN_SIZE, 0};
+    // Another session: indices that the program wrote before this start count no more.
+    const auto session = static_cast<uint16_t>(SIM_GetWord(*station, BLOCK + SESSION) + 1);
+    const uint16_t head[] = {SERVICE_MARK, VERSION, session, 0, OUT_SIZE, 0, IN_SIZE, 0};
     for (uint32_t i = 0; i < sizeof head / sizeof *head; i++)
         SIM_SetValue(station, BLOCK + 2 * i, 2, head[i]);
     InitDisplay(station, session);
@@ -264,11 +260,11 @@ void SIM_InitTerminals(SIM_Station *station, int number)
 void SIM_UpdateTerminals(SIM_Station *station, int number, double seconds, uint32_t address,
                          size_t count)
 {
-    if (!Touches(address, count, BLOCK, DISPLAY_END))
+    if (!SIM_Touches(address, count, BLOCK, DISPLAY_END))
         return;
     SIM_UpdateDemo(station, number, seconds, LIVE_VARIABLES, LIVE_BYTES); // what the menus show
-    if (Touches(address, count, BLOCK, BLOCK_END))
+    if (SIM_Touches(address, count, BLOCK, BLOCK_END))
         UpdateService(station, number, seconds);
-    if (Touches(address, count, DISPLAY, DISPLAY_END))
+    if (SIM_Touches(address, count, DISPLAY, DISPLAY_END))
         UpdateDisplay(station, number, seconds);
 }

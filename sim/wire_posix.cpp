@@ -52,6 +52,7 @@ bool MakeRaw(int fd)
 
 bool OpenTerminal(SIM_Wire *wire, std::string *error)
 {
+    // Not to wait: what a program does not read must not hold the target up.
     wire->io = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (wire->io < 0 || grantpt(wire->io) != 0 || unlockpt(wire->io) != 0)
         return Fail(error, "Cannot get a pseudo terminal");
@@ -101,16 +102,6 @@ bool OpenPipe(SIM_Wire *wire, std::string *error)
     return pipe2(wire->wake, O_CLOEXEC | O_NONBLOCK) == 0 || Fail(error, "Cannot make a pipe");
 }
 
-// The port is the last part, so that the host may be an address with colons.
-void SplitAddress(const std::string &address, std::string *host, std::string *port)
-{
-    const size_t colon = address.rfind(':');
-    *host = colon == std::string::npos ? LOOPBACK : address.substr(0, colon);
-    *port = colon == std::string::npos ? address : address.substr(colon + 1);
-    if (host->size() > 2 && host->front() == '[' && host->back() == ']')
-        *host = host->substr(1, host->size() - 2);
-}
-
 bool ListenAt(SIM_Wire *wire, const addrinfo &place)
 {
     const int on = 1;
@@ -139,8 +130,13 @@ std::string BoundPort(int socketFd)
 
 bool OpenSocket(SIM_Wire *wire, const std::string &address, std::string *error)
 {
-    std::string host, port;
-    SplitAddress(address, &host, &port);
+    // The port is the last part, so that the host may be an address with colons.
+    const size_t colon = address.rfind(':');
+    std::string host = colon == std::string::npos ? LOOPBACK : address.substr(0, colon);
+    const std::string port = colon == std::string::npos ? address : address.substr(colon + 1);
+    if (host.size() > 2 && host.front() == '[' && host.back() == ']')
+        host = host.substr(1, host.size() - 2);
+    // A name may have several addresses; the first that can be listened at is taken.
     addrinfo hints;
     memset(&hints, 0, sizeof hints);
     hints.ai_socktype = SOCK_STREAM;
@@ -271,6 +267,7 @@ void SIM_WriteWire(SIM_Wire *wire, const uint8_t *bytes, size_t count)
                                                  : send(wire->io, bytes, count, MSG_NOSIGNAL);
         if (done < 0 && errno == EINTR)
             continue;
+        // A network may pause; a full terminal has nobody who reads, and loses the rest.
         if (done < 0 && errno == EAGAIN && wire->listening >= 0) {
             pollfd fds[2] = {{wire->io, POLLOUT, 0}, {wire->wake[0], POLLIN, 0}};
             if (poll(fds, 2, SEND_WAIT_MS) > 0 && fds[1].revents == 0)
@@ -315,6 +312,7 @@ void SIM_WaitForEnding()
     sigwait(&set, &received);
 }
 
+// As if the system had asked for it: the first thread waits for just that.
 void SIM_EndProgram()
 {
     kill(getpid(), SIGTERM);

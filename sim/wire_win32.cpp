@@ -77,6 +77,7 @@ std::string BoundPort(SOCKET handle)
 
 bool OpenSocket(SIM_Wire *wire, const std::string &address, std::string *device, std::string *error)
 {
+    // The port is the last part, so that the host may be an address with colons.
     const size_t colon = address.rfind(':');
     std::string host = colon == std::string::npos ? LOOPBACK : address.substr(0, colon);
     const std::string port = colon == std::string::npos ? address : address.substr(colon + 1);
@@ -100,6 +101,7 @@ bool OpenSocket(SIM_Wire *wire, const std::string &address, std::string *device,
     return true;
 }
 
+// One program at a time, as a port has one: who comes while another is there is turned away.
 void AcceptProgram(SIM_Wire *wire)
 {
     SOCKET fresh = accept(wire->listening, nullptr, nullptr);
@@ -115,6 +117,7 @@ void AcceptProgram(SIM_Wire *wire)
     wire->io = fresh;
 }
 
+// Of the system's own thread: Ctrl-C, a closed window, the end of the session.
 BOOL WINAPI HandleEnding(DWORD)
 {
     SetEvent(endingEvent);
@@ -168,6 +171,7 @@ void SIM_WakeWire(SIM_Wire *wire)
 
 int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting)
 {
+    // A select cannot be woken by a flag: it ends after a slice, and the caller comes again.
     if (wire->isWoken)
         return -1;
     fd_set set;
@@ -193,6 +197,7 @@ int SIM_ReadWire(SIM_Wire *wire, uint8_t *bytes, size_t capacity, bool isWaiting
 
 void SIM_WriteWire(SIM_Wire *wire, const uint8_t *bytes, size_t count)
 {
+    // What the program does not take within a second is lost, as on a wire.
     for (int slices = 0; count > 0 && wire->io != INVALID_SOCKET && slices < SEND_SLICES_MAX;) {
         const int done =
             send(wire->io, reinterpret_cast<const char *>(bytes), static_cast<int>(count), 0);

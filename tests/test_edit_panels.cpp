@@ -56,29 +56,6 @@ protected:
         HL_Key(PANEL_VALUE, VALUE_NEW, KEY_ENTER);
         return UiText(PANEL_VALUE, VALUE_RESULT);
     }
-
-    static std::string readMemory(const std::string &address, int count)
-    {
-        HL_SetUserVal(PANEL_MEMORY, MEMORY_COUNT, count);
-        HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, address);
-        HL_Key(PANEL_MEMORY, MEMORY_ADDRESS, KEY_ENTER);
-        return UiText(PANEL_MEMORY, MEMORY_RESULT);
-    }
-
-    static std::string writeLine(const std::string &bytes)
-    {
-        HL_SetUserVal(PANEL_MEMORY, MEMORY_LINE, bytes);
-        HL_Key(PANEL_MEMORY, MEMORY_LINE, KEY_ENTER);
-        return UiText(PANEL_MEMORY, MEMORY_RESULT);
-    }
-
-    static Texts memoryLines()
-    {
-        Texts lines;
-        for (const std::string &label : HL_GetLabels(PANEL_MEMORY, MEMORY_LIST))
-            lines.push_back(UIC_JoinColumns(label, "|"));
-        return lines;
-    }
 };
 
 TEST_F(EditPanels, MenuOffersWhatHasSomethingToActOn)
@@ -383,117 +360,6 @@ TEST_F(EditPanels, ValueIsWrittenReadBackAndFollowsItsItem)
     EXPECT_FALSE(UiPanelAttribute(PANEL_VALUE, ATTR_VISIBLE));
 }
 
-TEST_F(EditPanels, MemoryIsReadInLines)
-{
-    ASSERT_TRUE(connect());
-    poke(0x300, {'H', 'i', 0x00, 0xFF});
-    HL_ClickMenu(ITEM_MEMORY);
-    EXPECT_EQ(readMemory("wSpeed", 18), "Read 18 bytes from station 1.");
-    EXPECT_EQ(memoryLines(),
-              (Texts{"000300|48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00|Hi..............",
-                     "000310|00 00|.."}));
-    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_LINE), "48 69 00 FF 00 00 00 00 00 00 00 00 00 00 00 00");
-    HL_CommitControl(PANEL_MEMORY, MEMORY_COPY);
-    EXPECT_EQ(HL_GetClipboard().substr(0, 13), "000300\t48 69 ");
-
-    Procesor = CPU_F283XX;
-    EXPECT_EQ(readMemory("3:$301", 2), "Read 2 bytes from station 3.");
-    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_PLACE),
-              "Byte address 0x000301, word address 0x000180.hi, station 3: wSpeed+1");
-    EXPECT_EQ(memoryLines(), (Texts{"000180.hi|00 00|.."}));
-
-    const struct {
-        const char *address;
-        int count;
-        const char *says;
-    } refused[] = {{"nobody", 4, "'nobody' is no address, and no loaded map knows such a name."},
-                   {"16:$300", 4, "Stations are 0 to 15."},
-                   {"$FFFFF0", 17, "The range ends beyond the target's memory."},
-                   {"&fCurrent", 4,
-                    "The memory of a TMS320 behind a station is not bytes: use a watch item "
-                    "or the memory box."}};
-    for (const auto &row : refused)
-        EXPECT_EQ(readMemory(row.address, row.count), row.says);
-    EXPECT_EQ(memoryLines().size(), 1u) << "what was read stays";
-    silenceOthers(1u << 1);
-    EXPECT_EQ(readMemory("4:$300", 4), "Not read: no answer.");
-    EXPECT_TRUE(memoryLines().empty());
-    EXPECT_TRUE(UiAttribute(PANEL_MEMORY, MEMORY_WRITE, ATTR_DIMMED));
-}
-
-TEST_F(EditPanels, MemoryIsGreyOnceItIsOld)
-{
-    ASSERT_TRUE(connect());
-    const auto looks = [](int line) {
-        std::vector<UI_Cell> cells;
-        GetListCells(PANEL_MEMORY, MEMORY_LIST, line, &cells);
-        return cells.empty()               ? "none"
-               : cells[1].style != UIS_DIM ? "fresh"
-                                           : cells[1].tip.substr(0, 13);
-    };
-    HL_ClickMenu(ITEM_MEMORY);
-    readMemory("3:wSpeed", 20);
-    EXPECT_EQ(looks(1), "fresh");
-    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpee");
-    EXPECT_EQ(looks(1), "Old: read at ") << "not the place that the field names";
-    HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "3:wSpeed");
-    EXPECT_EQ(looks(0), "fresh");
-    VIR2_StopPeriodicASC();
-    EXPECT_EQ(looks(0), "Old: read at ");
-    ASSERT_TRUE(connect());
-    EXPECT_EQ(looks(0), "Old: read at ") << "nobody has read it since";
-    readMemory("3:wSpeed", 20);
-    EXPECT_EQ(looks(0), "fresh");
-}
-
-TEST_F(EditPanels, MemoryWritesOnlyWhatWasChanged)
-{
-    ASSERT_TRUE(connect());
-    poke(0x400, {1, 2, 3, 4, 5, 6});
-    HL_ClickMenu(ITEM_MEMORY);
-    readMemory("$400", 6);
-    poke(0x401, {0x22}); // the target goes on running
-    EXPECT_EQ(writeLine("0A 02 03 04 0E 0F"), "OK: Written and read back: 3 bytes.");
-    EXPECT_EQ(peek(0x400, 6), (std::vector<uint8_t>{0x0A, 0x22, 3, 4, 0x0E, 0x0F}));
-    EXPECT_EQ(memoryLines(), (Texts{"000400|0A 22 03 04 0E 0F|.\"...."}));
-    EXPECT_EQ(writeLine("0a22030 40e0f"), "REFUSED: '0 ' is no byte: two hexadecimal digits each.");
-    EXPECT_EQ(writeLine("0A 22 03"), "REFUSED: The line has 6 bytes, not 3.");
-    EXPECT_EQ(writeLine("0a2203040e0f"), "Nothing to write: the bytes are as they were read.");
-    failWith(8, 66);
-    EXPECT_EQ(writeLine("00 22 03 04 0E 0F").rfind("FAILED: Not written, or only in part: ", 0),
-              0u);
-    EXPECT_EQ(UiText(PANEL_MEMORY, MEMORY_LINE), "00 22 03 04 0E 0F") << "kept for another try";
-}
-
-TEST_F(EditPanels, MemoryIsWrittenToTheStationAndPlaceThatAreShown)
-{
-    ASSERT_TRUE(connect());
-    for (const int chip : {CPU_C166, CPU_F283XX, CPU_F2803X}) {
-        Procesor = chip;
-        STATION = 1;
-        for (const int station : {1, 3, 5})
-            poke(0x300, {static_cast<uint8_t>(station), 9}, station);
-        HL_ClickMenu(ITEM_MEMORY);
-        EXPECT_EQ(readMemory("3:wSpeed", 2), "Read 2 bytes from station 3.");
-        EXPECT_EQ(writeLine("33 09"), "OK: Written and read back: 1 byte.");
-        EXPECT_EQ(peek(0x300, 1, 3), (std::vector<uint8_t>{0x33}));
-        EXPECT_EQ(peek(0x300, 1, 1), (std::vector<uint8_t>{1}));
-
-        // Neither another place in the field nor another selected station moves the write.
-        const std::string place = chip == CPU_C166 ? "byte address 0x000300"
-                                                   : "byte address 0x000300, word address 0x000180";
-        HL_SetUserVal(PANEL_MEMORY, MEMORY_ADDRESS, "5:wSpeed");
-        EXPECT_EQ(writeLine("44 09"), "REFUSED: The bytes are those of " + place +
-                                          ", station 3: press Read for the place above.");
-        readMemory("wSpeed", 2);
-        STATION = 5;
-        EXPECT_EQ(writeLine("55 09"), "REFUSED: The bytes are those of " + place +
-                                          ", station 1: press Read for the place above.");
-        for (const int station : {1, 5})
-            EXPECT_EQ(peek(0x300, 1, station)[0], station);
-    }
-}
-
 TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
 {
     const struct {
@@ -514,37 +380,6 @@ TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
         HL_CommitControl(PANEL_ITEM, WITEM_OK);
         EXPECT_EQ(items(), c.after) << c.position;
     }
-}
-
-TEST_F(EditPanels, TheMemoryBoxIsCopiedAsATable)
-{
-    load("wSpeed, u2\n");
-    ResetLItemsDisplay();
-    HL_PushAnswer(1, path("no/such/list.csv"));
-    HL_ClickMenu(ITEM_SNAPSHOT);
-    EXPECT_EQ(HL_GetPopups().back(),
-              "Error: Could not write the file " + path("no/such/list.csv") + ".");
-
-    ASSERT_TRUE(connect());
-    poke(0x300, {'A', ' ', ' ', 'B'});
-    const struct {
-        int isTyped;
-        const char *tabbed;
-    } boxes[] = {{0,
-                  "00000300( +0):\t41\t20\t20\t42\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
-                  "A  B............\n"},
-                 {1, "uns:\t2B\n000300 ( +0):\t8257\t000308 ( +8):\t0\n"}};
-    for (const auto &row : boxes) {
-        SetCtrlVal(PANEL_MAIN, MAIN_MEM_TYPED, row.isTyped);
-        ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
-        ReadMemory(0x300, 0);
-        EXPECT_EQ(MBX_TabbedText().rfind(row.tabbed, 0), 0u) << MBX_TabbedText();
-    }
-    ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
-    aLItems[0].name = "&fCurrent";
-    readTMSMemory(0x700);
-    const std::string table = MBX_TabbedText();
-    EXPECT_EQ(table.substr(0, table.find('\n')), "ADDR:\thex:\tlong:\tunsign. long:\tTMS float:");
 }
 
 TEST_F(EditPanels, TurningToTheWindowAsksOnceAboutAChangedFile)

@@ -243,6 +243,8 @@ TEST_F(FlashInfo, DirectoryIsWalked)
     image = whole;
     EXPECT_EQ(MFS_FindFile("b", BASE, BASE + 100000, &length) > 0, true);
     EXPECT_EQ(MFS_FindFile("c", BASE - 1, BASE + 100000, &length), MFS_ERR_COMMUNICATION);
+    image.assign(200, '\xFF');
+    EXPECT_EQ(MFS_FindDirectory(BASE, BASE + 100), -1) << "an erased flash has none";
 }
 
 int reads;

@@ -1,5 +1,4 @@
-// Graphs: what is drawn and measured of long histories against every sample looked at, settings,
-// and the window by clicks against the simulated target.
+// Graphs: their settings, and the window by clicks against the simulated target.
 #include "graphs/export.h"
 #include "graphs/window.h"
 #include "support/watch_fixture.h"
@@ -12,171 +11,6 @@
 #include <random>
 
 namespace {
-
-constexpr double GAP = std::numeric_limits<double>::quiet_NaN();
-constexpr int64_t ORIGIN_US = 5000000;
-
-// --- histories --------------------------------------------------------------------------------
-
-struct History {
-    SMP_Store store;
-    GRH_Index index;
-    std::vector<double> times, values; // what is to come out
-    std::mt19937 random{7};
-
-    explicit History(size_t samplesMax)
-    {
-        SMP_Item item;
-        item.name = "nSine";
-        item.address = 0x8000;
-        SST_SetItems(&store, {item}, samplesMax);
-    }
-    // Ten milliseconds apart; one of 40 fails.
-    void add(size_t count)
-    {
-        const uint8_t failed = SST_StateOf(&store, "no answer");
-        for (size_t i = 0; i < count; ++i) {
-            const auto number = static_cast<int64_t>(times.size());
-            const auto value = static_cast<int16_t>(random() % 20000 - 10000);
-            SMP_Sample sample;
-            sample.timeUs = ORIGIN_US + 10000 * number;
-            sample.bits = static_cast<uint16_t>(value);
-            sample.state = random() % 40 == 0 ? failed : SMP_GOOD;
-            SST_Add(&store, 0, sample);
-            times.push_back(static_cast<double>(number) / 100);
-            values.push_back(sample.state == SMP_GOOD ? 0.5 * value - 3 : GAP);
-        }
-        GRH_Update(store, 0, &index);
-    }
-};
-
-constexpr GRH_Scale SCALE = {0.5, -3};
-
-TEST(GraphHistory, EveryColumnHasItsExtremesAndGaps)
-{
-    History history(3000);
-    for (const size_t more : {70u, 2000u, 1500u, 4000u}) { // the ring turns over
-        history.add(more);
-        const double first = history.times[static_cast<size_t>(history.store.rings[0].first)];
-        const double last = history.times.back();
-        for (const auto &[from, to] : {std::pair(first, last), {last - 9.13, last - 2.7}}) {
-            constexpr int COLUMNS = 23;
-            GRH_Points points;
-            GRH_Draw(history.store, 0, history.index, ORIGIN_US, from, to,
-                     GRH_ColumnS(history.store, 0, ORIGIN_US, from, to, COLUMNS), 1, SCALE,
-                     &points);
-            const std::vector<double> &times = points.times, &values = points.values;
-            ASSERT_TRUE(std::is_sorted(times.begin(), times.end()));
-            ASSERT_LE(times.size(), 3 * (COLUMNS + 3u) + 46u);
-            const double width = (to - from) / COLUMNS;
-            for (double left = std::ceil(from / width) * width; left + width < to; left += width) {
-                const auto extremes = [&](const std::vector<double> &x,
-                                          const std::vector<double> &y) {
-                    std::pair<double, double> both(INFINITY, -INFINITY);
-                    bool hasGap = false;
-                    for (size_t i = 0; i < x.size(); ++i) {
-                        if (x[i] < first || std::floor(x[i] / width) != std::round(left / width))
-                            continue;
-                        hasGap = hasGap || std::isnan(y[i]);
-                        both.first = y[i] < both.first ? y[i] : both.first;
-                        both.second = y[i] > both.second ? y[i] : both.second;
-                    }
-                    return std::pair(both, hasGap);
-                };
-                ASSERT_EQ(extremes(times, values), extremes(history.times, history.values))
-                    << more << " " << left;
-            }
-        }
-    }
-}
-
-TEST(GraphHistory, MeasuresWhatEverySampleSays)
-{
-    History history(60000);
-    history.add(50000);
-    for (const auto &[from, to] : {std::pair(0.0, 499.99), {3.005, 480.0}, {10.0, 12.0}}) {
-        double count = 0, sum = 0, squares = 0, low = INFINITY, high = -INFINITY, failed = 0;
-        for (size_t i = 0; i < history.times.size(); ++i) {
-            if (history.times[i] < from || history.times[i] > to)
-                continue;
-            if (std::isnan(history.values[i])) {
-                failed++;
-                continue;
-            }
-            count++;
-            sum += history.values[i];
-            squares += history.values[i] * history.values[i];
-            low = std::min(low, history.values[i]);
-            high = std::max(high, history.values[i]);
-        }
-        const GRH_Measures m =
-            GRH_Measure(history.store, 0, history.index, ORIGIN_US, from, to, SCALE);
-        EXPECT_EQ(static_cast<double>(m.count), count);
-        EXPECT_EQ(static_cast<double>(m.failed), failed);
-        EXPECT_EQ(m.min, low);
-        EXPECT_EQ(m.max, high);
-        EXPECT_NEAR(m.mean, sum / count, 1e-6);
-        EXPECT_NEAR(m.rms, std::sqrt(squares / count), 1e-6);
-        EXPECT_NEAR(m.deviation, std::sqrt(squares / count - sum / count * sum / count), 1e-6);
-        EXPECT_EQ(m.hasShape, to - from < 100);
-    }
-    const std::vector<double> times = {0, 1, 2, 3, 4}, line = {5, GAP, 1, -1, -3};
-    EXPECT_NEAR(GRH_MeasureCurve(times, line, 0, 4).slope, -2, 1e-12);
-    // Another item in its place begins anew.
-    SMP_Item other = history.store.items[0];
-    other.address = 0x9000;
-    SST_SetItems(&history.store, {other}, 60000);
-    GRH_Update(history.store, 0, &history.index);
-    EXPECT_TRUE(history.index.blocks.empty());
-}
-
-// What was drawn before is kept; the picture is the one that would be drawn from nothing.
-TEST(GraphSource, ALivePictureIsTheSameAsOneDrawnAnew)
-{
-    for (const double width : {1.0, 37.0}) { // every sample, and columns
-        GRA_Setup setup;
-        setup.curves.resize(2);
-        setup.curves[1].scale = SCALE;
-        GRS_Source source;
-        std::vector<SMP_Item> items(2);
-        items[1].address = 2;
-        SST_SetItems(&source.sampler.store, items, 45000); // the ring turns over
-        source.indexes.resize(2);
-        source.originUs = ORIGIN_US;
-        std::mt19937 random(3);
-        int64_t timeUs = ORIGIN_US;
-        for (int picture = 0; picture < 300; ++picture) {
-            timeUs += picture % 50 == 0 ? 5000000 : 0; // nothing was sampled
-            for (int row = 0; row < 171; ++row, timeUs += 1000)
-                for (size_t i = 0; i < 2; ++i)
-                    SST_Add(&source.sampler.store, i,
-                            {timeUs, random() % 1000, static_cast<uint8_t>(random() % 50 == 0)});
-            for (size_t i = 0; i < 2; ++i)
-                GRH_Update(source.sampler.store, i, &source.indexes[i]);
-            const double last = static_cast<double>(timeUs - 1000 - ORIGIN_US) / 1e6;
-            std::vector<GRH_Points> grown, anew;
-            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &grown), 0);
-            if (picture % 20 != 19)
-                continue;
-            const GRS_Live kept = source.live;
-            source.live = GRS_Live();
-            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &anew), 0);
-            source.live = kept;
-            for (size_t i = 0; i < 2; ++i) {
-                const auto inView = [&](const GRH_Points &points) {
-                    std::vector<std::pair<double, std::string>> seen;
-                    for (size_t k = 0; k < points.times.size(); ++k)
-                        if (points.times[k] >= last - width)
-                            seen.emplace_back(points.times[k], std::to_string(points.values[k]));
-                    return seen;
-                };
-                ASSERT_EQ(inView(grown[i]), inView(anew[i])) << picture;
-                ASSERT_TRUE(std::is_sorted(grown[i].times.begin(), grown[i].times.end()));
-                ASSERT_LT(grown[i].times.size(), 15000u) << "a picture's, not a history's";
-            }
-        }
-    }
-}
 
 // --- settings -----------------------------------------------------------------------------------
 
@@ -457,38 +291,52 @@ TEST_F(GraphWindow, TriggersMarkStartAndStop)
 
 // Without any recording of the user's. Curves come and go, and files that are full are followed
 // by others.
-TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
-{
-    ASSERT_TRUE(connect());
+// A source with little memory, whose past goes to files of 2,000 bytes.
+class GraphPast : public GraphWindow {
+protected:
     GRA_Setup setup;
-    setup.periodMs = 2; // more rows than are drawn one by one would say nothing
-    setup.curves.resize(1);
-    setup.curves[0].item = SMP_FromWatch(aLItems[1]);
-    setup.curves[0].scale = {2, 0};
-    const std::string cacheFolder = path("cache");
-    const auto countFiles = [&] {
-        std::error_code none;
-        const std::filesystem::directory_iterator files(cacheFolder, none);
-        return std::distance(begin(files), end(files));
-    };
     GRS_Source source;
-    source.past.folder = cacheFolder;
-    source.past.partBytes = 2000;
-    const auto sampleUntil = [&](uint64_t rows) {
+    double from = 0, last = 0; // of what is there
+    std::vector<GRH_Points> curves;
+
+    void SetUp() override
+    {
+        GraphWindow::SetUp();
+        ASSERT_TRUE(connect());
+        setup.periodMs = 2; // more rows than are drawn one by one would say nothing
+        setup.curves.resize(1);
+        setup.curves[0].item = SMP_FromWatch(aLItems[1]);
+        setup.curves[0].scale = {2, 0};
+        source.past.folder = path("cache");
+        source.past.partBytes = 2000;
+        source.samplesMax = 100;
+    }
+    void TearDown() override
+    {
+        GRS_Stop(&source);
+        GraphWindow::TearDown();
+    }
+    long countFiles()
+    {
+        std::error_code none;
+        const std::filesystem::directory_iterator files(path("cache"), none);
+        return std::distance(begin(files), end(files));
+    }
+    void sampleUntil(uint64_t rows)
+    {
         while (source.sampler.totals.rows < rows)
             ASSERT_GE(GRS_Step(&source), 0);
-    };
+        ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    }
+};
+
+TEST_F(GraphPast, WhatHasLeftMemoryIsReadFromDisk)
+{
     ASSERT_EQ(GRS_Start(&source, setup), 0);
     sampleUntil(20);
     EXPECT_EQ(countFiles(), 0) << "a short session writes nothing";
-    GRS_Stop(&source);
-    source.samplesMax = 100;
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
     sampleUntil(400);
     EXPECT_GT(countFiles(), 1);
-    double from = 0, last = 0;
-    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
-    std::vector<GRH_Points> curves;
     ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
     ASSERT_EQ(curves[0].times.size(), source.sampler.totals.rows) << "none twice, none missing";
     // Where a file ends and memory begins, too.
@@ -498,7 +346,6 @@ TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
     EXPECT_TRUE(std::none_of(curves[0].values.begin(), curves[0].values.end(), isOdd)) << "times 2";
     // Drawn while it grows, and once more from nothing.
     sampleUntil(450);
-    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
     std::vector<GRH_Points> grown, anew;
     GRS_Draw(&source, setup, last - 0.15, last, &grown);
     source.live = GRS_Live();
@@ -513,25 +360,36 @@ TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
     std::vector<GRH_Measures> measures;
     EXPECT_EQ(GRS_Measure(&source, setup, from, last, &measures), -1) << "not all is in memory";
     EXPECT_EQ(GRS_Measure(&source, setup, last - 0.001, last, &measures), 0);
-    // Another curve has no past; the first one keeps its own.
+}
+
+TEST_F(GraphPast, AnotherCurveHasNoneAndTheFirstKeepsItsOwn)
+{
+    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    sampleUntil(300);
     setup.curves.resize(2);
     setup.curves[1].item = SMP_FromWatch(aLItems[2]);
     ASSERT_EQ(GRS_Start(&source, setup), 0);
-    sampleUntil(700);
-    ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+    sampleUntil(600);
     ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
     EXPECT_EQ(curves[0].times.size(), source.sampler.totals.rows);
     EXPECT_LT(curves[1].times.size(), curves[0].times.size());
-    // Disk is bounded: the oldest files go, with the beginning.
-    sampleUntil(2000);
+}
+
+TEST_F(GraphPast, TheOldestFilesGoWithTheBeginning)
+{
+    source.past.partBytes = 500;
+    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    sampleUntil(150);
+    const double first = from;
+    sampleUntil(900);
     EXPECT_LE(countFiles(), static_cast<long>(GPA_PARTS_MAX));
-    double later = 0;
-    ASSERT_TRUE(GRS_GetExtent(source, &later, &last));
-    EXPECT_GT(later, from);
+    EXPECT_GT(from, first);
     GRS_Clear(&source);
     EXPECT_EQ(countFiles(), 0);
-    // No disk: said once, and sampling goes on.
-    source.samplesMax = 100;
+}
+
+TEST_F(GraphPast, WithoutADiskItIsSaidOnceAndSamplingGoesOn)
+{
     source.past.folder = write("file", "") + "/none";
     ASSERT_EQ(GRS_Start(&source, setup), 0);
     sampleUntil(150);
@@ -539,7 +397,6 @@ TEST_F(GraphWindow, WhatHasLeftMemoryIsReadFromDisk)
     source.message.clear();
     sampleUntil(200);
     EXPECT_EQ(source.message, "");
-    GRS_Stop(&source);
 }
 
 } // namespace

@@ -87,6 +87,21 @@ TEST_F(Headless, KeysGoToTheControlThenToThePanelThenToTheMenu)
     EXPECT_EQ(HL_DIMMED, HL_SetUserVal(PANEL_STRUCT_SELECTOR, STRSEL_PATH, "x"));
 }
 
+TEST_F(Headless, AWindowHasOneFocusWhateverStandsInIt)
+{
+    HL_Reset();
+    ASSERT_EQ(PANEL_MAIN, LoadPanel(0, PANEL_MAIN));
+    ASSERT_EQ(PANEL_CONSOLE, LoadPanel(PANEL_MAIN, PANEL_CONSOLE));
+    ASSERT_EQ(PANEL_VALUE, LoadPanel(0, PANEL_VALUE));
+    SetActiveCtrl(PANEL_VALUE, VALUE_NEW);
+    SetActiveCtrl(PANEL_MAIN, MAIN_LIST);
+    SetActiveCtrl(PANEL_CONSOLE, CONSOLE_INPUT);
+    EXPECT_EQ(0, GetActiveCtrl(PANEL_MAIN));
+    SetActiveCtrl(PANEL_MAIN, MAIN_LIST);
+    EXPECT_EQ(0, GetActiveCtrl(PANEL_CONSOLE));
+    EXPECT_EQ(VALUE_NEW, GetActiveCtrl(PANEL_VALUE)) << "another window has its own";
+}
+
 bool TypeLine(std::string *line)
 {
     static const std::vector<std::string> LINES = {"perhaps", "n", "7", "", "."};

@@ -61,10 +61,10 @@ struct Inspectors : ConsoleRig {
     }
 };
 
-TEST(ArrayPlace, IsNamedOrTyped)
+struct ArrayPlace : ProgramTest {};
+
+TEST_F(ArrayPlace, IsNamedOrTyped)
 {
-    FreeNodes(aVarNode, &nNodes);
-    openStruct = OPEN_NONE;
     const struct {
         const char *text;
         uint32_t rows, columns; // 0: refused

@@ -364,11 +364,6 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     ASSERT_EQ(load(start), 0);
     HIS_Forget();
     std::string what;
-    EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
-    EXPECT_EQ(EDT_Move(0, 4), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_RemoveLines({0, 4}), EDT_ERR_INDEX);
-    EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
-    EXPECT_EQ(list(), start) << "what is refused changes nothing";
     for (const auto &row : edits) {
         ASSERT_EQ(row.edit(), 0) << row.what;
         EXPECT_EQ(list(), row.after) << row.what;
@@ -388,9 +383,39 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EDT_Undo(&what);
     EDT_Remove(0);
     EXPECT_FALSE(HIS_CanRedo()) << "after another edit there is nothing to go forward to";
+}
 
-    // What was away while another map came has the address that this one gives it.
+TEST_F(LItems, ANewNameTakesNoAddressOrStationFromTheOldOne)
+{
+    addSymbol("A", 0x300);
+    ASSERT_EQ(load("15:Far, [100], u2\n"), 0);
+    EXPECT_EQ(LIT_Station(aLItems[0]), 15);
+    EXPECT_EQ(aLItems[0].address, 0x100u);
+    ASSERT_EQ(EDT_Rename(0, "A"), 0);
+    EXPECT_EQ(LIT_Station(aLItems[0]), STATION);
+    EXPECT_EQ(aLItems[0].address, 0x300u);
+    EXPECT_EQ(LIT_FileLine(aLItems[0]), "A, u2");
+}
+
+TEST_F(LItems, ARefusedEditChangesNothing)
+{
+    ASSERT_EQ(load("A, u1\nB, u1\nC, u1\n"), 0);
+    HIS_Forget();
+    std::string what;
+    EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
+    EXPECT_EQ(EDT_Move(0, 3), EDT_ERR_INDEX);
+    EXPECT_EQ(EDT_RemoveLines({0, 3}), EDT_ERR_INDEX);
+    EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
+    ASSERT_EQ(nLItems, 3);
+    EXPECT_EQ(aLItems[0].name + aLItems[1].name + aLItems[2].name, "ABC");
+    EXPECT_FALSE(HIS_CanUndo());
+}
+
+TEST_F(LItems, WhatComesBackHasTheAddressOfTheMapThatIsThereNow)
+{
+    addSymbol("A", 0x100);
     ASSERT_EQ(load("A, u1\n"), 0);
+    std::string what;
     EDT_Remove(0);
     aVarNode[0].addr = 0x222;
     EXPECT_EQ(EDT_Undo(&what), 0);

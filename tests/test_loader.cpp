@@ -35,7 +35,7 @@ TEST(LoaderProtocol, AnswersAreCheckedBySumAndLength)
                  {false, {}, -1, L3_FAULT_SILENT}};
     LoaderRig rig;
     for (const auto &c : cases) {
-        SIM_ScriptWire(&rig, c.answer);
+        SIM_ScriptCable(&rig, c.answer);
         IHEX167_Block block = {0x123456, 2, {0x50, 0x51}};
         EXPECT_EQ(c.result,
                   c.isRead ? LD167U_L3CmdReadBlock(&block) : LD167U_L3CmdWriteBlock(&block));
@@ -73,10 +73,6 @@ TEST(LoaderProtocol, LinkTestAndEraseKnowTheirAnswers)
     EXPECT_EQ(0, LD167U_L3Test());
     EXPECT_EQ(Bytes({4, 4, 0x1C, 0xFF, 0}), rig.sent) << "and old bytes are dropped";
     EXPECT_EQ(1000u, rig.readMs);
-    SIM_ScriptWire(&rig,
-                   {0, 0, 0xFE, 0xFF, static_cast<uint8_t>(4 + 4 + 0x1C + 0xFF + 0xFE + 0xFF)});
-    EXPECT_EQ(-1, LD167U_L3Test());
-    EXPECT_EQ("wrong answer", LD167U_GetFaultText());
     Bytes late(20, 0), tooLate(21, 0);
     late.push_back(0xE5);
     tooLate.push_back(0xE5);
@@ -88,11 +84,17 @@ TEST(LoaderProtocol, LinkTestAndEraseKnowTheirAnswers)
                  {{}, -3, "no answer"}, {{0, 0, 1}, -2, "wrong answer 0x01"},
                  {late, 0, "done"},     {tooLate, -3, "no answer"}};
     for (const auto &c : cases) {
-        SIM_ScriptWire(&rig, c.answer);
+        SIM_ScriptCable(&rig, c.answer);
         EXPECT_EQ(c.result, LD167U_L3CmdEraseFlash());
         EXPECT_EQ(c.text, LD167U_GetFaultText());
         EXPECT_EQ(Bytes({0x5E, 0xAA, 0x55, 0xAA}), rig.sent);
     }
+    SIM_ScriptCable(&rig, {0xE4});
+    EXPECT_EQ(-2, LD167U_L3CmdEraseFlash());
+    SIM_ScriptCable(&rig,
+                    {0, 0, 0xFE, 0xFF, static_cast<uint8_t>(4 + 4 + 0x1C + 0xFF + 0xFE + 0xFF)});
+    EXPECT_EQ(-1, LD167U_L3Test());
+    EXPECT_EQ("wrong answer", LD167U_GetFaultText()) << "without the byte of another command";
     rig.bytesLeft = 3;
     EXPECT_EQ(-1, LD167U_L3CmdEraseFlash());
 }
@@ -356,7 +358,7 @@ TEST_F(Programming, TwoHundredInterruptionsEndWithTheRightImage)
         int result = -1;
         for (int attempt = 0; result != 0 && attempt < 20; attempt++) {
             const bool isFaulty = attempt < FAULTY_ATTEMPTS;
-            SIM_ReplugWire(&rig);
+            SIM_ReplugCable(&rig);
             stopAt = way == CANCEL && isFaulty ? 1 + static_cast<int>(Random(60)) : 0;
             rig.bytesLeft = way == UNPLUG && isFaulty ? 1 + static_cast<long>(Random(4000)) : -1;
             double *const shares[WAYS] = {

@@ -141,7 +141,7 @@ TEST_F(LogWindow, FiltersWhileTypingSortsAndJumps)
     Type(LOG_FILTER, "");
     EXPECT_EQ(UiSelected(PANEL, LOG_LIST), 2) << "the message stays selected";
     Type(LOG_FROM, "2015-07");
-    Type(LOG_TO, "2015-07-01 13");
+    Type(LOG_TO, "2015-07-01"); // and all of that day
     EXPECT_EQ(Lines(), BETA);
     Type(LOG_FROM, "2015-13");
     Type(LOG_TO, "x");

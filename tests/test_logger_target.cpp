@@ -1,6 +1,7 @@
 // The log of a target, from the console: what is read, what is written, and every way in
 // which it fails.
 #include "logger/dlld.h"
+#include "settings/limits.h"
 
 #include "comm/communication.h"
 #include "logger/dlld_record.h"
@@ -251,7 +252,19 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
             << c.what;
         EXPECT_EQ(log.size(), c.error.empty() ? 2000u : 3u);
     }
-    // A damaged header is asked for once more: two requests a try, and the line's proofs.
+}
+
+TEST_F(LogTarget, ReadsUpToTheLastByteOfTheMemoryAndNoFurther)
+{
+    UseOwnHost();
+    uint8_t bytes[65];
+    EXPECT_EQ(DLLD_ReadData(ADDR_LIMIT - 64, 64, bytes), 0);
+    EXPECT_EQ(DLLD_ReadData(ADDR_LIMIT - 64, 65, bytes), -1);
+}
+
+// Two requests a try, and the line's proofs.
+TEST_F(LogTarget, ADamagedHeaderIsAskedForOnceMore)
+{
     PutLog(Sample());
     UseOwnHost();
     Poke(LOG_BUFFER_AT + 9, {'x'});
@@ -262,8 +275,13 @@ TEST_F(LogTarget, ReadsALogThatChangesOnceMore)
     EXPECT_GE(SIM_GetCounters(target).requests - before, 4u);
     Poke(LOG_BUFFER_AT + 9, {'O'});
     EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), 0);
-    // Cancelling is no error, and ends with the reading that was cancelled.
-    errors.clear();
+}
+
+TEST_F(LogTarget, CancellingIsNoErrorAndEndsWithItsReading)
+{
+    PutLog(Sample());
+    UseOwnHost();
+    DLLD_Log log;
     isCancelWished = true;
     EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), -1);
     EXPECT_TRUE(DLLD_IsCancelled());

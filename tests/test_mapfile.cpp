@@ -61,6 +61,7 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
         {Columns({{0, "0FA00H"}, {9, "ZERO"}, {40, "bit"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "counter"}, {40, "word"}}, 45), nullptr},
         {Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "float"}, {31, "ratio"}}), "ratio"},
+        {Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "float"}, {31, "x"}}, 32), "x"},
         {Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "label"}, {31, "ratio"}}), nullptr},
         {Columns({{0, "0FA00H"}, {9, "SYMBOL"}, {18, "long"}, {31, ""}}), nullptr},
         {Columns({{0, "0FA0H"}, {9, "counter"}, {46, "NDATA"}}), nullptr},

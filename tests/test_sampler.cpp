@@ -4,9 +4,7 @@
 #include "sampler/record_job.h"
 #include "sampler/recording.h"
 #include "sampler/sampler.h"
-#include "settings/settings.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
+#include "support/program_state.h"
 #include "text/bytes.h"
 
 #include <cmath>
@@ -84,14 +82,13 @@ SMP_Item Word(uint32_t address, int station = 1)
     return item;
 }
 
-struct Sampler : testing::Test {
+struct Sampler : ProgramTest {
     SMP_Sampler sampler;
     Told told;
     SMP_Listener listener;
     Sampler()
     {
         wire = FakeLine();
-        VR_nProtocol = PROTOCOL_MR166;
         Procesor = CPU_C167;
         bRate = 115200;
         listener.context = &told;

@@ -299,6 +299,13 @@ TEST_F(ScopeWindow, RecordsBetweenRunAndCurve)
     EXPECT_EQ((*plots[0].x)[trigger], 0);
     EXPECT_GE((*plots[0].y)[trigger], 200) << "half of the level";
     EXPECT_LT((*plots[0].y)[trigger - 1], 200);
+    std::vector<UI_Cell> cells;
+    ASSERT_EQ(GetListCells(PANEL_SCOPE, SCOPE_MEASURES, 0, &cells), 0);
+    ASSERT_EQ(cells.size(), 9u);
+    const double least = std::stod(cells[1].text), greatest = std::stod(cells[2].text);
+    EXPECT_NEAR(std::stod(cells[3].text), greatest - least, 1);
+    EXPECT_NEAR(std::stod(cells[6].text), 0.02, 0.001);
+    EXPECT_NEAR(std::stod(cells[7].text), 50, 1) << "Hz";
     UI_GraphView view = ViewOf();
     EXPECT_EQ(view.level.value, 200);
     // Dragged, the level is told in the target's counts, the position in percent.

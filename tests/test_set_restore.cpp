@@ -219,6 +219,15 @@ TEST_F(SetWindow, ValuesAreReadTypedAndWrittenWithTheirMirrors)
     EXPECT_EQ(Peek(0x8104, 4), (std::vector<uint8_t>{0, 0, 0, 0x40}));
 }
 
+TEST_F(SetWindow, EachGroupHasItsHeadings)
+{
+    WriteFileText("g.ulh", "group \"A\"\nLimits:\nwGain\ngroup \"B\"\nLimits:\nfLimit\n");
+    CFW_SetHeader("g.ulh");
+    HL_ClickMenu(ITEM_CONFIG);
+    EXPECT_EQ(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST),
+              (std::vector<std::string>{"A", "  Limits", "wGain", "B", "  Limits", "fLimit"}));
+}
+
 TEST_F(SetWindow, FilesAreLoadedComparedSavedAndPrinted)
 {
     HL_CommitControl(PANEL_CONFIG, CONFIG_READ);
@@ -240,9 +249,11 @@ TEST_F(SetWindow, FilesAreLoadedComparedSavedAndPrinted)
     HL_PushAnswer(0);
     HL_CommitControl(PANEL_CONFIG, CONFIG_PRINT);
     EXPECT_TRUE(Has(ReadFileText("page.html"), "wGain"));
+    const std::string loaded = UiText(PANEL_CONFIG, CONFIG_FILE);
     WriteFileText("bad.ldx", "nothing");
     HL_PushAnswer(1, "bad.ldx");
     HL_CommitControl(PANEL_CONFIG, CONFIG_LOAD);
+    EXPECT_EQ(UiText(PANEL_CONFIG, CONFIG_FILE), loaded);
     EXPECT_EQ(Row("wGain"), "wGain|* 7||1|≠ 7| … 500|||"); // as it was
 }
 

@@ -21,6 +21,7 @@ TEST_F(Sets, HeaderNamesEverySingleValue)
         {"area 8108h, length 24", "008108h 008110h "},
         {"area st, length 4", "008130h "},
         {"Limits :\nfLimit", "(float)fLimit "},
+        {"aw\nwCopy+16743930 = aw", "(u2)aw[0] (u2)aw[1] (u2)aw[2] "}, // up to the last byte
     };
     for (const auto &c : cases) {
         EXPECT_EQ(Header(c.header), "") << c.header;

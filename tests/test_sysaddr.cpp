@@ -131,6 +131,8 @@ TEST_F(SysAddr, ReadsThroughPagePointers)
     EXPECT_EQ(UpdateQuickDPP(), -1);
     EXPECT_EQ(awQRDPP[3], 0x40); // as it was
     EXPECT_EQ(QuickRefNearPtrVar("pTable"), ADDR_NONE);
+    EXPECT_EQ(WriteQuickSysNRef("pTable", &written, 2), -1) << "nothing written is no success";
+    EXPECT_EQ(ReadQuickSysNRef("pTable", &read, 2), -1);
 }
 
 TEST_F(SysAddr, BusyMailboxEndsAfterItsPolls)

@@ -1,5 +1,6 @@
 #include "platform/plain_file.h"
 #include "support/scratch.h"
+#include "text/csv_row.h"
 #include "text/txfr.h"
 #include "text/txfrw.h"
 
@@ -256,6 +257,24 @@ TEST_F(TextFiles, SavingSeparatesLinesAndComesBackTheSame)
     TXFRW_SetFileName(handle, "no/such/folder/file");
     EXPECT_EQ(TXFRW_Save(handle), -1);
     TXFRW_Close(handle);
+}
+
+TEST(CsvRow, SplitsAsItIsQuoted)
+{
+    std::vector<std::string> cells;
+    const struct {
+        const char *row;
+        std::vector<std::string> cells;
+    } good[] = {{"", {""}},           {"a,b", {"a", "b"}},
+                {",", {"", ""}},      {"\"a,b\",c", {"a,b", "c"}},
+                {"\"\"\"\"", {"\""}}, {"\"\",x,", {"", "x", ""}},
+                {"a\"b", {"a\"b"}}};
+    for (const auto &c : good) {
+        EXPECT_TRUE(CSV_SplitRow(c.row, &cells)) << c.row;
+        EXPECT_EQ(cells, c.cells) << c.row;
+    }
+    for (const char *bad : {"\"a", "\"a\"b", "x,\"", "\"\"\""})
+        EXPECT_FALSE(CSV_SplitRow(bad, &cells)) << bad;
 }
 
 } // namespace

@@ -11,7 +11,6 @@
 #include "watch/list/read_item.h"
 #include "watch/main_window.h"
 #include "watch/value/write_value.h"
-#include "watch/windows/mem_box.h"
 #include "watch/windows/outcome_colors.h"
 
 namespace {
@@ -61,12 +60,6 @@ protected:
     static unsigned style(int index)
     {
         return value(index).style & ~UIS_CHANGED;
-    }
-
-    static std::string boxLine(size_t line)
-    {
-        const Texts lines = HL_GetLines(PANEL_MAIN, MAIN_MEM_BOX);
-        return lines.size() > line ? lines[line] : "";
     }
 };
 
@@ -337,62 +330,13 @@ TEST_F(WatchTruth, CopiesAndSnapshotsReadEveryItem)
     EXPECT_TRUE(Has(HL_GetClipboard(), "u2\t502\tOld: read at "));
 }
 
-TEST_F(WatchTruth, MemoryBoxShowsThePlaceThatIsNamed)
+TEST_F(WatchTruth, ASnapshotThatCannotBeWrittenSaysSo)
 {
-    ASSERT_TRUE(connect());
-    addSymbol("wSpeed", 0x300);
-    addSymbol("ADC", 0x400);
-    addTmsSymbol("fCurrent", 0x700);
-    loadItems(1, "&fCurrent, f\n");
-    poke(0x300, 0x11, 1);
-    poke(0x400, 0x22, 1);
-    poke(0xADD, 0x33, 1);
-    poke(0x300, 0x44, 1, 3);
-    SIM_PokeTMS(target, STATION, 0x700, 0x55);
-    SIM_PokeTMS(target, STATION, 0x300, 0x66);
-    SIM_PokeTMS(target, 3, 0x700, 0x77);
-    SIM_PokeTMS(target, 3, 0x300, 0x88);
-    SetCtrlVal(PANEL_MAIN, MAIN_MEM_SWITCH, 1);
-    const struct {
-        int selected;
-        const char *typed;
-        size_t line;
-        const char *shows; // the line begins with
-    } cases[] = {
-        {0, "wSpeed", 1, "00000300( +0):  11"},
-        {0, " 300 ", 1, "00000300( +0):  11"},
-        {0, "3:300", 1, "00000300( +0):  44"},
-        {0, "3:wSpeed", 1, "00000300( +0):  44"},
-        {0, "$300", 1, "00000300( +0):  11"},
-        {0, "ADC", 1, "00000400( +0):  22"}, // a name before a number
-        {0, "ADD", 1, "00000add( +0):  33"},
-        {0, "&fCurrent", 2, " 00000700 ( +0):|  00000055"}, // whatever is selected
-        {1, "wSpeed", 1, "00000300( +0):  11"},
-        {1, "300", 2, " 00000300 ( +0):|  00000066"}, // a bare number goes with the item
-        {0, "FACEmask", 1, " 'FACEmask' is no address, and no loaded map knows such a name."},
-        {0, "16:300", 1, " Stations are 0 to 15."},
-        {0, "3:", 1, " An address or a name is missing behind the station."},
-        {0, "1000000", 1, " The address is outside the target's memory."},
-        {0, "123456789123456789", 1, " The address is outside the target's memory."},
-        {1, "3:&fCurrent", 2, " 00000700 ( +0):|  00000077"},
-        {1, "3:300", 2, " 00000300 ( +0):|  00000088"},
-    };
-    for (const auto &c : cases) {
-        HL_SelectLine(PANEL_MAIN, MAIN_LIST, c.selected);
-        SetCtrlVal(PANEL_MAIN, MAIN_MEM_ADDR, c.typed);
-        tick(2);
-        EXPECT_EQ(boxLine(c.line).rfind(c.shows, 0), 0u) << c.typed << ": " << boxLine(c.line);
-    }
-
-    const auto color = [] { return UiAttribute(PANEL_MAIN, MAIN_MEM_BOX, ATTR_TEXT_COLOR); };
-    HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
-    HL_SetUserVal(PANEL_MAIN, MAIN_MEM_ADDR, "300");
-    EXPECT_EQ(color(), COLOR_OLD) << "the bytes are still those of the last place";
-    HL_CommitControl(PANEL_MAIN, MAIN_MEM_ADDR);
-    EXPECT_EQ(boxLine(1).rfind("00000300( +0):  11", 0), 0u) << "Enter reads at once";
-    EXPECT_EQ(color(), COLOR_PLAIN);
-    VIR2_StopPeriodicASC();
-    EXPECT_EQ(color(), COLOR_OLD);
+    loadItems(1);
+    HL_PushAnswer(1, path("no/such/list.csv"));
+    HL_ClickMenu(ITEM_SNAPSHOT);
+    EXPECT_EQ(HL_GetPopups().back(),
+              "Error: Could not write the file " + path("no/such/list.csv") + ".");
 }
 
 TEST_F(WatchTruth, FrequencyMeterNeverMixesTwoVariables)
@@ -416,7 +360,10 @@ TEST_F(WatchTruth, FrequencyMeterNeverMixesTwoVariables)
         HL_SelectLine(PANEL_MAIN, MAIN_LIST, 0);
         tick(3);
     }
-    EDT_Change(0, "$8002", "u2"); // another variable in the same line
+    EDT_Remove(0); // the next line's variable comes into this one
+    tick(3);
+    EXPECT_EQ(FM_dwDelta, 0u);
+    EDT_Change(0, "$8000", "u2"); // and another one is named
     tick(3);
     EXPECT_EQ(FM_dwDelta, 0u);
     HL_ClickMenu(ITEM_STATION_FIRST + 2); // and another station's

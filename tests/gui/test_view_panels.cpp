@@ -173,7 +173,7 @@ TEST_F(ViewTest, TheConsoleCoversTheWatchViewAndKeepsItsInputInTheWindow)
     }
 }
 
-TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
+TEST_F(ViewTest, WindowsAskBeforeTheyCloseAndEscapeNeverEndsTheProgram)
 {
     GuiShow(PANEL_MAIN);
     GuiWindow(PANEL_MAIN)->close();
@@ -188,7 +188,13 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     EXPECT_EQ(scope->windowHandle()->transientParent(), GuiWindow(PANEL_MAIN)->windowHandle());
     QTest::keyClick(scope->focusWidget(), Qt::Key_Escape);
     EXPECT_EQ(GuiEventsOf(PANEL_SCOPE, 0, EVENT_CLOSE).size(), 1u);
+}
 
+TEST_F(ViewTest, WindowsRememberTheirPlaceAndStayOnTheScreen)
+{
+    GuiShow(PANEL_MAIN);
+    PanelWindow *scope = GuiWindow(PANEL_SCOPE);
+    GuiShow(PANEL_SCOPE);
     static std::vector<VIEW_Event> placed;
     placed.clear();
     QTV_postTo = [](const VIEW_Event &event) {
@@ -219,13 +225,23 @@ TEST_F(ViewTest, WindowsStayInFrontRememberTheirPlaceAndAskBeforeTheyClose)
     scope->setShown(true);
     EXPECT_LT(scope->width(), 5000) << "no wider than the screen";
     EXPECT_TRUE(scope->screen()->availableGeometry().contains(scope->frameGeometry()));
+}
 
+TEST_F(ViewTest, AMaximisedWindowKeepsThePlaceItHad)
+{
+    GuiShow(PANEL_MAIN);
+    PanelWindow *scope = GuiWindow(PANEL_SCOPE);
+    GuiShow(PANEL_SCOPE);
+    static std::vector<VIEW_Event> placed;
     placed.clear();
     QTV_postTo = [](const VIEW_Event &event) {
         if (event.kind == VIEW_EVENT_PLACED || event.kind == VIEW_EVENT_LAYOUT)
             placed.push_back(event);
         return true;
     };
+    scope->move(40, 50);
+    EXPECT_TRUE(QTest::qWaitFor([] { return !placed.empty(); }));
+    placed.clear();
     scope->setWindowState(Qt::WindowMaximized);
     EXPECT_TRUE(QTest::qWaitFor([] { return !placed.empty(); }));
     QTest::qWait(100); // longer than a report of its place would take

@@ -3,12 +3,9 @@
 #include "comm/mr166_link.h"
 #include "comm/ucm.h"
 #include "console/monitor/monitor.h"
-#include "runtime/headless/headless.h"
 #include "runtime/model/door.h"
 #include "runtime/userint.h"
-#include "settings/settings.h"
-#include "support/scratch.h"
-#include "support/text_checks.h"
+#include "support/program_state.h"
 #include "ui/resource.h"
 #include "virtual_line.h"
 
@@ -20,15 +17,12 @@ namespace {
 constexpr uint32_t EXCHANGES_OF_PROOF = 1;
 int triesLeft = 0; // until the interrupt
 
-struct Truth : testing::Test {
+struct Truth : ProgramTest {
     const ScratchFolder folder{true};
 
     void SetUp() override
     {
-        HL_Reset();
         ASSERT_EQ(HL_LoadAllPanels(), 0);
-        mainPanel = PANEL_MAIN;
-        consolePanel = PANEL_CONSOLE;
         VR_isFullCommandSet = true;
         STATION = 1;
         Procesor = CPU_C167;
@@ -37,9 +31,6 @@ struct Truth : testing::Test {
     ~Truth() override
     {
         UCM_SetListener(UCM_Listener());
-        UCM_Close();
-        isTimer = 0;
-        command = CMD_C166;
     }
     // A line that was just opened, and stays open from command to command.
     void start(const VL_Schedule &schedule, uint32_t seed)

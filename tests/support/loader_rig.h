@@ -13,9 +13,9 @@ struct LoaderRig : SIM_LoaderWire {
     explicit LoaderRig(uint32_t seed = 1)
     {
         static const LD167U_Port PORT = {
-            [](const void *bytes, size_t count) { return SIM_WriteWire(rig, bytes, count); },
-            [](void *buffer, size_t count) { return SIM_ReadWire(rig, buffer, count); },
-            [] { return SIM_DropWire(rig), 0; },
+            [](const void *bytes, size_t count) { return SIM_WriteCable(rig, bytes, count); },
+            [](void *buffer, size_t count) { return SIM_ReadCable(rig, buffer, count); },
+            [] { return SIM_DropCable(rig), 0; },
             [](unsigned ms, unsigned) { return rig->readMs = ms, 0; }};
         SIM_InitLoader(&loader, seed);
         rig = this;
