@@ -391,7 +391,7 @@ TEST_F(LItems, ANewNameTakesNoAddressOrStationFromTheOldOne)
     ASSERT_EQ(load("15:Far, [100], u2\n"), 0);
     EXPECT_EQ(LIT_Station(aLItems[0]), 15);
     EXPECT_EQ(aLItems[0].address, 0x100u);
-    ASSERT_EQ(EDT_Rename(0, "A"), 0);
+    ASSERT_EQ(EDT_Change(0, "A", "u2"), 0);
     EXPECT_EQ(LIT_Station(aLItems[0]), STATION);
     EXPECT_EQ(aLItems[0].address, 0x300u);
     EXPECT_EQ(LIT_FileLine(aLItems[0]), "A, u2");

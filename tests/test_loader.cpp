@@ -326,7 +326,7 @@ TEST_F(Programming, AStrayBlockTakesBackWhatWasVerified)
         std::memcpy(request.data(), bytes, count);
         if (request[0] == 3 && request[3] == 0x08)
             request[3] = 0x01; // the high byte of 0x800
-        return SIM_WriteWire(LoaderRig::rig, request.data(), count);
+        return SIM_WriteCable(LoaderRig::rig, request.data(), count);
     };
     LD167U_pPort = &line;
     size_t verified = 0;
