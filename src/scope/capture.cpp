@@ -53,6 +53,7 @@ std::string Head(const SCP_Capture &capture)
 
 bool WriteAll(std::FILE *file, const SCP_Capture &capture)
 {
+    // All traces are of the same upload and therefore as long.
     const size_t rows = capture.traces.empty() ? 0 : capture.traces[0].samples.size();
     std::fputs(Head(capture).c_str(), file);
     for (size_t i = 0; i < rows; ++i) {
@@ -228,6 +229,7 @@ int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture)
     SafeFile safe;
     if (SAF_Open(&safe, path, "wb") != 0)
         return -1;
+    // Half a recording does not replace a whole one.
     if (WriteAll(safe.file, capture))
         return SAF_Commit(&safe);
     SAF_Cancel(&safe);

@@ -74,6 +74,7 @@ void FillRecords()
     for (int channel = 0; channel < SX_nCh; ++channel) {
         SX_Record &record = SX_aRecords[static_cast<size_t>(channel)];
         const int type = SX_anChTyp[static_cast<size_t>(channel)];
+        // Sample after sample, the channels of one behind each other.
         for (int i = 0; i < record.cnSamples; ++i) {
             const uint16_t word = SX_awData[static_cast<size_t>(SX_nCh * i + channel)];
             // One word a channel is all there is: wider types have no value here.
@@ -145,7 +146,7 @@ int S2_RdCtl(int16_t *value)
 {
     uint16_t word = 0;
     const int result = ReadWord("wTg", &word);
-    *value = static_cast<int16_t>(word);
+    *value = static_cast<int16_t>(word); // 0 when it was not read: the result says so
     return result;
 }
 

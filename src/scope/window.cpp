@@ -52,6 +52,7 @@ void ShowChannels()
                       {channel.place.empty() ? "" : SX_TypeName(channel.type), style, ""},
                       {channel.unit, style, ""}});
     }
+    // The list was filled anew and has lost which line was chosen.
     SetCtrlIndex(PANEL_SCOPE, SCOPE_CHANNELS, static_cast<int>(chosen));
 }
 
@@ -94,6 +95,7 @@ void SCW_ShowState(const std::string &text)
 
 void SCW_ShowButtons()
 {
+    // What asks the target waits for the init; files and fields do not.
     for (const int control : {SCOPE_RUN, SCOPE_SNAP, SCOPE_UPLOAD})
         SetCtrlAttribute(PANEL_SCOPE, control, ATTR_DIMMED, SX_isInitDone ? 0 : 1);
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_LABEL_TEXT,
@@ -145,6 +147,7 @@ void DTSC_OnQuit()
 
 int DTSC_PanelCB(int panel, int event, int)
 {
+    // A window that nobody sees follows no recording; setup and curves stay for the next time.
     if (event == EVENT_CLOSE) {
         DTSC_OnQuit();
         HidePanel(panel);
@@ -236,7 +239,7 @@ int DTSC_OnTriggerMode(int, int control, int event, int)
 int DTSC_OnSubPd(int, int, int event, int)
 {
     setup.subPd = IntOf(SCOPE_SUB);
-    ShowRate();
+    ShowRate(); // with every step of the arrows
     if (event == EVENT_COMMIT)
         SCW_TellTarget(SCP_SetSubPeriod);
     return 0;

@@ -47,6 +47,7 @@ void AddCurves(const SCP_Capture &from, bool isReference, std::vector<UI_Plot> *
         UI_Plot plot;
         plot.x = times;
         plot.y = Share(trace.samples);
+        // Told from each other by the name as well: dashes are lost in a dense curve.
         plot.name = trace.name + (isReference ? " (reference)" : "");
         plot.unit = trace.unit;
         plot.isDashed = isReference;
@@ -59,6 +60,7 @@ void AddCurves(const SCP_Capture &from, bool isReference, std::vector<UI_Plot> *
 void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReference,
                 std::vector<UI_Plot> *plots)
 {
+    // Too short, or with samples that were not read, it has none: no curve then.
     for (const SCP_Trace &trace : from.traces) {
         SPC_Spectrum spectrum;
         if (trace.name != name || SPC_Make(trace.samples, from.rate, &spectrum) < 0)

@@ -18,7 +18,6 @@
 #include "sets/window.h"
 #include "simulator/window.h"
 #include "terminal/entry.h"
-#include "terminal/lcd_window.h"
 #include "terminal/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"
