@@ -4,9 +4,9 @@
 #include "bench.h"
 #include "comm/sysaddr.h"
 #include "scope/capture.h"
+#include "scope/measure.h"
 #include "scope/scope_v3.h"
 #include "scope/session.h"
-#include "scope/spectrum.h"
 #include "symbols/addr_name.h"
 #include "symbols/varnode.h"
 

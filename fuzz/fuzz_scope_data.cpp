@@ -2,7 +2,6 @@
 // comes back sample by sample, and can be measured.
 #include "scope/capture.h"
 #include "scope/measure.h"
-#include "scope/spectrum.h"
 #include "scratch_folder.h"
 
 #include <cmath>

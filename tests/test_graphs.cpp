@@ -1,5 +1,4 @@
 // Graphs: their settings, and the window by clicks against the simulated target.
-#include "graphs/export.h"
 #include "graphs/window.h"
 #include "support/watch_fixture.h"
 #include "watch/list/list_view.h"
@@ -242,6 +241,14 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     HL_PushAnswer(1, write("bad.csv", "hello\r\n"));
     press(STRIP_OPEN_DATA);
     EXPECT_EQ(GRW_GetSource().recording.path, path("run.csv")) << "the last one stays";
+    // Curves of the watch list need communication: without it the recording keeps its names.
+    VIR2_StopPeriodicASC();
+    HL_PushAnswer(0);
+    open({1});
+    ASSERT_TRUE(GRW_GetSource().isFile);
+    ASSERT_EQ(GRW_GetSetup().curves.size(), 2u);
+    EXPECT_EQ(plots()[0].name, "nSine");
+    VIR2_StartPeriodicASC();
     // A recorded name is sampled again at a press of Start.
     press(STRIP_START);
     sample(3);

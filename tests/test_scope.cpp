@@ -61,15 +61,17 @@ protected:
         pokeLong(BLOCK + 0x28, id == 0x20D2 ? 0x90000 : RING / 2);
     }
     // A generation 2 scope from 0x6000 on, samples at 0x7000.
-    void putVariables(unsigned channels, unsigned values)
+    void putVariables(unsigned channels, unsigned values, bool isExtended = true)
     {
         const char *const names[] = {"cn",  "wTg",   "wTgL",  "wTgM",  "wTgTm",  "aData",   "nVz",
                                      "nCh", "CTgC1", "CTgC2", "fFreq", "wSubPd", "cnSubSmp"};
         SX_szPrefix = "SCP2_";
         uint32_t address = 0x6000;
         for (const char *name : names) {
-            addSymbol((SX_szPrefix + name).c_str(),
-                      std::string(name) == "aData" ? 0x7000 : address);
+            const bool isExtension = address >= 0x6000 + 4 * 10;
+            if (isExtended || !isExtension)
+                addSymbol((SX_szPrefix + name).c_str(),
+                          std::string(name) == "aData" ? 0x7000 : address);
             address += 4;
         }
         for (unsigned channel = 1; channel <= channels; ++channel)
@@ -342,6 +344,68 @@ TEST_F(Scope, SecondGenerationReadsItsChannelsRing)
     EXPECT_EQ(SX_aRecords[2].samples[19], 2019);
     pokeWord(GetSysAddr("SCP2_cn"), 120);
     EXPECT_EQ(S2_ReadData(nullptr), -4);
+}
+
+TEST_F(Scope, SessionRefusesWhatGenerationTwoCannotHold)
+{
+    ASSERT_TRUE(connect());
+    putVariables(2, 20, false);
+    SCP_Setup setup;
+    setup.id = "SCP2_";
+    setup.channels[0] = {true, "[8002]", SX_I2, "", 1, 0}; // no instruction to patch: words are
+    ASSERT_EQ(SCP_Init(&setup, VIEW), 0) << said.back();   // sampled all the same
+    const struct {
+        double level;
+        int slope, result;
+        unsigned word;
+    } levels[] = {{32767, 1, 0, 0x7FFF}, {32768, 1, -1, 0},    {-32768, 1, 0, 0x8000},
+                  {-32769, 1, -1, 0},    {-0.5, 1, 0, 0xFFFF}, {65535, 0, 0, 0xFFFF},
+                  {65536, 0, -1, 0},     {-1, 0, -1, 0}};
+    for (const auto &c : levels) {
+        setup.level = c.level;
+        setup.slope = c.slope;
+        EXPECT_EQ(SCP_SetTrigger(setup, VIEW), c.result) << c.level;
+        if (c.result == 0)
+            EXPECT_EQ(peekWord(GetSysAddr("SCP2_wTgL")), c.word) << c.level;
+        else
+            EXPECT_EQ(said.back(), "Error (trigger level not set/2).") << c.level;
+    }
+    EXPECT_EQ(SCP_SetSubPeriod(setup, VIEW), 0) << "every sample is what it keeps";
+    setup.subPd = 2;
+    EXPECT_EQ(SCP_SetSubPeriod(setup, VIEW), -1);
+    setup.channels[1] = {true, "[8004]", SX_U1, "", 1, 0};
+    EXPECT_EQ(SCP_SetChannels(setup, VIEW), -1) << "a byte would be sampled as a word";
+}
+
+TEST_F(Scope, ARecordingIsOfWhatTheTargetWasToldUntilItsEnd)
+{
+    ASSERT_TRUE(connect());
+    putVariables(1, 20);
+    SCP_Setup setup;
+    const auto tell = [&](int period) {
+        setup.subPd = period;
+        EXPECT_EQ(SCP_SetSubPeriod(setup, VIEW), 0) << said.back();
+        return SCP_GetRunSetup().subPd;
+    };
+    setup.id = "none"; // another scope: what an earlier one was run with is forgotten
+    (void)SCP_Init(&setup, VIEW);
+    setup.id = "SCP2_";
+    ASSERT_EQ(SCP_Init(&setup, VIEW), 0) << said.back();
+    EXPECT_EQ(tell(2), 2) << "nothing was run: what was told last";
+    ASSERT_EQ(SCP_Run(VIEW), 0);
+    EXPECT_EQ(SCP_GetState(), SCP_ARMED);
+    EXPECT_EQ(tell(3), 3) << "it samples by this now";
+    pokeWord(GetSysAddr("SCP2_wTg"), 0);
+    ASSERT_EQ(SCP_GetState(), SCP_COMPLETE);
+    EXPECT_EQ(tell(5), 3);
+    ASSERT_EQ(SCP_Init(&setup, VIEW), 0);
+    EXPECT_EQ(SCP_GetRunSetup().subPd, 3) << "the same scope holds the same recording";
+    ASSERT_EQ(SCP_Snap(VIEW), 0); // runs with what it was told
+    EXPECT_EQ(SCP_GetRunSetup().subPd, 5);
+    STATION = 2; // of its scope nothing is known
+    setup.subPd = 7;
+    (void)SCP_Init(&setup, VIEW);
+    EXPECT_EQ(SCP_GetRunSetup().subPd, 7);
 }
 
 // --- the whole way -------------------------------------------------------------------------

@@ -3,7 +3,6 @@
 #include "runtime/plot_thin.h"
 #include "scope/measure.h"
 #include "scope/session.h"
-#include "scope/spectrum.h"
 #include "scope/window.h"
 #include "support/watch_fixture.h"
 

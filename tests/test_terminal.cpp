@@ -298,6 +298,17 @@ TEST_F(Terminals, ServiceTerminalTalksWithTheTargetsMenu)
                       i);
         EXPECT_NE(std::string::npos, log.find(line)) << line;
     }
+    // Lines that were sent come back, and behind them what was being typed.
+    HL_SetUserVal(PANEL_TERMINAL, TERM_LINE, "draft");
+    const struct {
+        int key;
+        const char *line;
+    } keys[] = {{KEY_DOWN, "draft"}, {KEY_UP, "4"},   {KEY_UP, "77"},
+                {KEY_UP, "77"},      {KEY_DOWN, "4"}, {KEY_DOWN, "draft"}};
+    for (const auto &row : keys) {
+        HL_Key(PANEL_TERMINAL, TERM_LINE, row.key);
+        EXPECT_EQ(row.line, UiText(PANEL_TERMINAL, TERM_LINE));
+    }
     VIR2_StopPeriodicASC();
     EXPECT_NE(std::string::npos, UiText(PANEL_TERMINAL, TERM_STATE).find("Closed"));
     HL_Key(PANEL_TERMINAL, TERM_SCREEN, '3');

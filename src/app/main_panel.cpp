@@ -21,7 +21,6 @@
 #include "symbols/mapfile.h"
 #include "symbols/typemap.h"
 #include "symbols/varnode.h"
-#include "terminal/lcd_window.h"
 #include "terminal/window.h"
 #include "text/words.h"
 #include "ui/resource.h"

@@ -13,7 +13,6 @@
 #include "symbols/addr_name.h"
 #include "symbols/listener.h"
 #include "symbols/varnode.h"
-#include "terminal/lcd_window.h"
 #include "terminal/window.h"
 #include "text/words.h"
 #include "ui/resource.h"

@@ -47,7 +47,8 @@ int DtTm2TmStamp(const DateTime *dateTime, std::string *text); // "MAR 01 10:20:
 int DtTm2Tm19(const DateTime *dateTime, std::string *text);    // "2015m03d01-10_20_30"
 // The local time now, as "Mar  1 10:20:30 2015".
 int MakeTmStamp(std::string *text);
-std::string IsoDateText(const PLT_Date &date); // "2015-03-01 10:20:30"
+// "2015-03-01 10:20:30"; some forms want a T in the middle.
+std::string IsoDateText(const PLT_Date &date, char between = ' ');
 // The readers accept either case, blanks around the text and, in a time stamp, several
 // blanks between its parts and a day or hour of one digit: what MakeTmStamp writes, too.
 int TmStamp2DtTm(const char *text, DateTime *dateTime);

@@ -101,11 +101,11 @@ int MakeTmStamp(std::string *text)
     return 0;
 }
 
-std::string IsoDateText(const PLT_Date &date)
+std::string IsoDateText(const PLT_Date &date, char between)
 {
     char text[96];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d:%02d", date.year, date.month,
-                  date.day, date.hour, date.minute, date.second);
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d%c%02d:%02d:%02d", date.year, date.month,
+                  date.day, between, date.hour, date.minute, date.second);
     return text;
 }
 

@@ -1,3 +1,5 @@
+// One key a line, numbers of curves as people count. A curve's own line comes before the lines
+// that say more of it; what a later version may add is kept.
 #include "graphs/graph_setup.h"
 
 #include "platform/safe_file.h"
@@ -38,6 +40,7 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
     item.type = cells[3][0];
     item.isTMS = item.name[0] == '&';
     item.address = address;
+    // Letter and size may each be good and not go together: asked of the table of types.
     LItem typed;
     typed.type = item.type;
     typed.size = item.size;
@@ -51,6 +54,7 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
 int ParseTriggers(const std::string &line, GRA_Setup *setup)
 {
     const std::string text = WRD_Trim(line.substr(std::min(line.find(','), line.size() - 1) + 1));
+    // Together, so that their number is bounded over all lines.
     const std::string both = setup->triggers.empty() ? text : setup->triggers + "; " + text;
     std::vector<TRG_Trigger> parsed;
     std::string problem;
@@ -85,6 +89,8 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
         return ParseTriggers(line, setup);
     if (key != "curve" && key != "unit" && key != "scale" && key != "pane")
         return 0;
+    // A new curve is the next one; all else is about one that is there. Changed as a copy, so that
+    // half a line leaves nothing behind.
     size_t number = 0;
     const bool isNew = key == "curve";
     const size_t last = setup->curves.size() + (isNew ? 1 : 0);
@@ -119,6 +125,7 @@ std::string CurveLines(const GRA_Curve &curve, size_t number)
     const SMP_Item &item = curve.item;
     std::string text = "curve" + at + WRD_QuoteCsv(item.name) + ", " + item.type + ", " +
                        std::to_string(item.size) + ", " + std::to_string(item.station);
+    // A name is looked up at loading, in the map of that day; only an address is written as one.
     if (item.address != SMP_NO_ADDRESS && item.name[0] == '[') {
         char digits[16];
         const auto end = std::to_chars(digits, digits + sizeof digits, item.address, 16).ptr;
@@ -141,6 +148,7 @@ bool GRA_Resolve(SMP_Item *item)
 {
     if (item->name.empty() || item->name[0] == '[') // an address: there is nothing to look up
         return item->address != SMP_NO_ADDRESS;
+    // As a watch item is resolved: members, registers and the TMS320's names, too.
     LItem watched;
     watched.name = item->name;
     watched.type = item->type;
@@ -165,6 +173,7 @@ int GRA_LoadSetup(const std::string &path, GRA_Setup *setup, std::vector<std::st
         else if (result == 0 && line != FIRST_LINE && loaded.foreign.size() < LINES_MAX)
             loaded.foreign.push_back(line);
     }
+    // A name that no map knows stays: the map may be loaded later.
     for (GRA_Curve &curve : loaded.curves)
         GRA_Resolve(&curve.item);
     *setup = loaded;
@@ -180,6 +189,7 @@ int GRA_SaveSetup(const std::string &path, const GRA_Setup &setup)
         text += CurveLines(setup.curves[i], i + 1);
     if (!setup.triggers.empty())
         text += "trigger, " + setup.triggers + "\r\n";
+    // Behind all of ours, whatever they stood between.
     for (const std::string &line : setup.foreign)
         text += line + "\r\n";
     SafeFile safe;

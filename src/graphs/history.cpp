@@ -1,3 +1,5 @@
+// Whole blocks stand for their samples wherever a column of the picture, or the stretch that is
+// measured, holds all of a block; samples are looked at one by one only at the edges.
 #include "graphs/history.h"
 
 #include "scope/measure.h"
@@ -59,7 +61,8 @@ struct Point {
     bool isThere = false;
 };
 
-// What one column of the picture has collected so far.
+// What one column of the picture has collected so far: three points at most, however many
+// samples it has.
 struct Column {
     Point low, high, gap;
 
@@ -74,6 +77,7 @@ struct Column {
         if (!high.isThere || point.value > high.value)
             high = point;
     }
+    // At their own times, so that the curve goes up and down as the samples did.
     void flush(GRH_Points *points)
     {
         Point all[] = {low, high, gap};
@@ -97,7 +101,8 @@ struct Span {
     uint64_t begin, end;
 };
 
-// The samples between two times.
+// The samples between two times. A view may lie anywhere: bounded, for the product of a great
+// time would not fit.
 Span FindSpan(const SMP_Store &store, size_t item, int64_t originUs, double from, double to)
 {
     const auto us = [&](double seconds) {
@@ -109,6 +114,7 @@ Span FindSpan(const SMP_Store &store, size_t item, int64_t originUs, double from
 
 // --- measures -----------------------------------------------------------------------------
 
+// Mean and sum of squares around it, so that two stretches can be joined without loss.
 struct Sums {
     uint64_t count = 0;
     double mean = 0, deviation = 0;
@@ -131,6 +137,7 @@ void Finish(const Sums &sums, GRH_Measures *m)
     m->count = sums.count;
     if (sums.count == 0)
         return;
+    // From mean and deviation, not from squares: those of large numbers would lose what differs.
     const double variance = sums.deviation / static_cast<double>(sums.count);
     m->mean = sums.mean;
     m->deviation = std::sqrt(variance);
@@ -160,6 +167,7 @@ double FindSlope(const std::vector<double> &times, const std::vector<double> &va
 void GRH_Update(const SMP_Store &store, size_t item, GRH_Index *index)
 {
     const SMP_Ring &ring = store.rings[item];
+    // Blocks begin at multiples of their length: which samples one holds never changes.
     const uint64_t firstWhole = (ring.first + GRH_BLOCK_SAMPLES - 1) / GRH_BLOCK_SAMPLES;
     const uint64_t endWhole = ring.end / GRH_BLOCK_SAMPLES;
     // Numbers begin anew with another item; a store that ran ahead has lost the blocks between.
@@ -181,6 +189,7 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
               GRH_Points *points)
 {
     const SMP_Ring &ring = store.rings[item];
+    // One more on either side: the stroke that leaves the picture is in it.
     Span span = FindSpan(store, item, originUs, from, to);
     span.begin -= span.begin > ring.first ? 1 : 0;
     span.end += span.end < ring.end ? 1 : 0;
@@ -193,10 +202,11 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
     };
     const bool isEach = columnS <= 0;
     Column column;
-    double before = INFINITY;     // time of the sample in front
+    double before = INFINITY;     // time of the sample in front; none: no pause
     double columnEnd = -INFINITY; // of the column that is being filled
     for (uint64_t number = span.begin; number < span.end;) {
         const double time = secondsOf(number);
+        // What was collected in front of a pause is drawn there, and the gap in its middle.
         if (time - before > pauseS) {
             column.flush(points);
             points->times.push_back(before + (time - before) / 2);
@@ -243,6 +253,7 @@ GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &i
                          int64_t originUs, double from, double to, const GRH_Scale &scale)
 {
     const Span span = FindSpan(store, item, originUs, from, to);
+    // Few enough to look for a period and a slope, which no block can tell.
     if (span.end - span.begin <= GRH_SHAPE_SAMPLES_MAX) {
         std::vector<double> times, values;
         SST_Copy(store, item, span.begin, span.end, originUs, &times, &values);
@@ -270,6 +281,7 @@ GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &i
         addExtremes(value, value);
         sums.add(1, value, 0);
     }
+    // Scaled in the end, once; a negative factor turns least and greatest round.
     m.failed = span.end - span.begin - sums.count;
     sums.mean = sums.mean * scale.factor + scale.offset;
     sums.deviation *= scale.factor * scale.factor;
@@ -289,6 +301,7 @@ GRH_Measures GRH_MeasureCurve(const std::vector<double> &times, const std::vecto
     const auto end = std::upper_bound(times.begin(), times.end(), to) - times.begin();
     if (begin >= end)
         return m;
+    // Extremes and period as the scope finds them; mean and spread as blocks give them.
     const SCP_Measures measured = SCP_Measure(times, values, from, to);
     Sums sums;
     for (auto i = begin; i < end; ++i)

@@ -1,3 +1,5 @@
+// A part is a recording that is read on while it is written. Rows go into it one by one, shortly
+// before the store drops them: a batch could be longer than the room that is left.
 #include "graphs/past.h"
 
 #include "platform/safe_file.h"
@@ -12,7 +14,6 @@ namespace {
 
 constexpr uint64_t EARLY_SHARE = 8;     // rows are written when an eighth of memory is left
 constexpr double RENEWED_SHARE = 0.004; // of a reading: by so much its end may be old
-constexpr uint8_t NOT_SAMPLED = UINT8_MAX;
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 
 bool AreSame(const std::vector<SMP_Item> &a, const std::vector<SMP_Item> &b)
@@ -20,6 +21,7 @@ bool AreSame(const std::vector<SMP_Item> &a, const std::vector<SMP_Item> &b)
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), SMP_IsSame);
 }
 
+// What was read last may have come from this file: it is read again.
 void RemoveOldest(GPA_Past *past)
 {
     (void)PLT_RemoveFile(past->parts.front().recording.path);
@@ -33,8 +35,9 @@ int Fail(GPA_Past *past, const std::string &cause)
     return -1;
 }
 
-// The temporary name of a file that is never committed: it is locked while it is written, and
-// what a killed program has left is found by it.
+// Other items begin another file, for a recording has one head. The temporary name of a file that
+// is never committed: it is locked while it is written, and what a killed program has left is found
+// by it.
 int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
 {
     if (GPA_Flush(past) < 0)
@@ -55,7 +58,7 @@ int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
     REC_Options options;
     options.path = file.tempPath;
     options.file = file.file;
-    options.hasDates = false;
+    options.hasDates = false; // times are enough: nobody but the graph reads it
     std::vector<SMP_Item> columns = store.items;
     for (size_t i = 0; i < columns.size(); ++i) // by place: names may repeat
         columns[i].name = "c" + std::to_string(i + 1);
@@ -71,22 +74,6 @@ int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
     return 0;
 }
 
-// Counted from the newest, samples of one row have one number, also of an item that came later.
-int WriteRow(GPA_Past *past, const SMP_Store &store, uint64_t back)
-{
-    std::vector<SMP_Sample> samples(store.items.size(), {0, 0, NOT_SAMPLED});
-    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
-    for (size_t i = 0; i < samples.size(); ++i) {
-        const SMP_Ring &ring = store.rings[i];
-        if (back > ring.end - ring.first)
-            continue;
-        samples[i] = SST_Get(store, i, ring.end - back);
-        firstUs = std::min(firstUs, samples[i].timeUs);
-        lastUs = std::max(lastUs, samples[i].timeUs);
-    }
-    return REC_PutRow(&past->recorder, firstUs + (lastUs - firstUs) / 2, samples.data(), store);
-}
-
 // A stretch of all parts, a curve an item; points are shared out by how long each part is.
 bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
           size_t pointsMax, std::vector<GRH_Points> *curves)
@@ -98,6 +85,7 @@ bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from,
         const double high = std::min(to, recording.timeMax);
         if (recording.rows == 0 || low > high)
             continue;
+        // A part may have been sampled with other curves: by item, not by place.
         std::vector<size_t> columns, wanted;
         for (size_t i = 0; i < items.size(); ++i)
             for (size_t k = 0; k < part.items.size(); ++k)
@@ -125,6 +113,7 @@ const std::vector<GRH_Points> *ReadAnew(const GPA_Past &past, const std::vector<
                                         double from, double to, size_t pointsMax,
                                         GPA_Reading *reading)
 {
+    // The past grows at every row: reading it anew each time would cost more than drawing.
     const double trifle = RENEWED_SHARE * (to - from);
     if (reading->isValid && std::fabs(reading->from - from) <= trifle &&
         std::fabs(reading->to - to) <= trifle && AreSame(reading->items, items))
@@ -143,6 +132,7 @@ int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t orig
     const uint64_t kept = store.samplesMax - store.samplesMax / EARLY_SHARE;
     if (!past->problem.empty() || rows <= kept)
         return 0;
+    // Rows that fell out unwritten, while nothing could be kept, are given up.
     uint64_t inMemory = 0;
     for (const SMP_Ring &ring : store.rings)
         inMemory = std::max(inMemory, ring.end - ring.first);
@@ -155,7 +145,9 @@ int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t orig
         if ((isOther || past->recorder.bytes >= past->partBytes) &&
             BeginPart(past, store, originUs) < 0)
             return -1;
-        if (WriteRow(past, store, rows - past->written) < 0)
+        std::vector<SMP_Sample> samples;
+        const int64_t middleUs = SST_GetRound(store, rows - past->written, &samples);
+        if (REC_PutRow(&past->recorder, middleUs, samples.data(), store) < 0)
             return Fail(past, past->recorder.problem);
         ++past->written;
     }
@@ -166,6 +158,7 @@ int GPA_Flush(GPA_Past *past)
 {
     if (!past->recorder.isOpen)
         return 0;
+    // First to the file, then read on: what is only in the recorder's memory nobody can read.
     if (REC_Flush(&past->recorder, 0) < 0)
         return Fail(past, past->recorder.problem);
     return RDR_Follow(&past->parts.back().recording) < 0
@@ -216,6 +209,7 @@ bool GPA_ReadRows(const GPA_Past &past, const std::vector<SMP_Item> &items, doub
         RDR_Curves read;
         if (RDR_Read(part.recording, from, to, all, rowsMax, &read) < 0 || read.isDecimated)
             return false;
+        // An item that this part has not is empty in its rows, so that all columns are as long.
         rows->times.insert(rows->times.end(), read.times.begin(), read.times.end());
         for (size_t i = 0; i < items.size(); ++i) {
             const auto found =

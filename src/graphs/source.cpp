@@ -1,3 +1,5 @@
+// Rows come from the sampler through a listener, within GRS_Step, and go to the recorder and to
+// the past; what those have to say waits in the source for the window. Drawing: source_draw.cpp.
 #include "graphs/source.h"
 
 #include "platform/system.h"
@@ -8,9 +10,10 @@
 
 namespace {
 
-constexpr double US_PER_S = 1e6, ROUNDING_US = 2;
+constexpr double US_PER_S = 1e6;
+constexpr double ROUNDING_US = 2; // the middle of a round, and its six digits in a file
 constexpr size_t STORE_BYTES = size_t{400} << 20; // all curves together
-constexpr size_t MEASURED_ROWS_MAX = 200000;
+constexpr size_t MEASURED_ROWS_MAX = 200000;      // of a recording: read from disk twice a second
 
 int64_t NowUs()
 {
@@ -32,7 +35,7 @@ void NoteBeep(void *context)
 void AddMarker(GRS_Source *source, double time, const std::string &text)
 {
     if (source->markers.size() == GRS_MARKERS_MAX)
-        source->markers.erase(source->markers.begin());
+        source->markers.erase(source->markers.begin()); // the recording keeps all
     source->markers.push_back({time, text});
     ++source->markerCount;
 }
@@ -79,6 +82,8 @@ int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
 {
     const std::vector<SMP_Item> items = ItemsOf(setup);
     source->isFile = false;
+    // The same period goes on: curves that stay keep their samples. Blocks of the index belong to
+    // places, which may hold other curves now; they are made again from the samples.
     if (source->sampler.isRunning && source->sampler.periodMs == setup.periodMs) {
         const int result = SMP_Change(&source->sampler, items);
         source->indexes.assign(items.size(), GRH_Index());
@@ -89,6 +94,7 @@ int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
         }
         return result;
     }
+    // Many curves share what memory there is.
     const SMP_Listener listener = {source, PutRow, Flush, PutMessage};
     const size_t samples = std::min(source->samplesMax, STORE_BYTES / (SST_BYTES_PER_SAMPLE + 1) /
                                                             std::max<size_t>(1, items.size()));
@@ -132,6 +138,7 @@ void GRS_UseTriggers(GRS_Source *source, const GRA_Setup &setup)
 int64_t GRS_Step(GRS_Source *source)
 {
     const int64_t waitUs = SMP_Step(&source->sampler);
+    // Only behind rows: the index takes in what has come, and most steps bring nothing.
     for (size_t i = 0; source->isFresh && i < source->indexes.size(); ++i)
         GRH_Update(source->sampler.store, i, &source->indexes[i]);
     return waitUs;
@@ -157,16 +164,9 @@ bool GRS_FindOldest(const GRS_Source &source, double *seconds)
         back = std::max(back, ring.first > 0 ? ring.end - ring.first : 0);
     if (back == 0)
         return false;
-    int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
-    for (size_t i = 0; i < store.rings.size(); ++i) {
-        const SMP_Ring &ring = store.rings[i];
-        if (ring.end - ring.first < back)
-            continue;
-        const int64_t timeUs = SST_Get(store, i, ring.end - back).timeUs;
-        firstUs = std::min(firstUs, timeUs);
-        lastUs = std::max(lastUs, timeUs);
-    }
-    const int64_t middleUs = firstUs + (lastUs - firstUs) / 2;
+    // As its row in the past is timed, so that the past ends where memory begins.
+    std::vector<SMP_Sample> samples;
+    const int64_t middleUs = SST_GetRound(store, back, &samples);
     *seconds = (static_cast<double>(middleUs - source.originUs) - ROUNDING_US) / US_PER_S;
     return true;
 }
@@ -193,6 +193,7 @@ bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
         *to = isThere ? std::max(*to, last) : last;
         isThere = true;
     }
+    // The past overlaps what is in memory, so it can only begin earlier.
     double oldest = 0, pastEnd = 0;
     if (GPA_GetExtent(source.past, &oldest, &pastEnd))
         *from = std::min(*from, oldest);
@@ -204,6 +205,7 @@ int GRS_Measure(GRS_Source *source, const GRA_Setup &setup, double from, double 
 {
     measures->assign(setup.curves.size(), GRH_Measures());
     double oldest = 0;
+    // Of the past there are curves for the eye, thinned: a mean of those would be a wrong one.
     if (!source->isFile) {
         if (GRS_FindOldest(*source, &oldest) && from < oldest)
             return -1;

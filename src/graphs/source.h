@@ -81,4 +81,10 @@ int GRS_Draw(GRS_Source *source, const GRA_Setup &setup, double from, double to,
 int GRS_Measure(GRS_Source *source, const GRA_Setup &setup, double from, double to,
                 std::vector<GRH_Measures> *measures);
 
+constexpr size_t GRX_ROWS_MAX = 1000000;
+// Every sample between two times as it is shown, scaled and in its unit, as a CSV file that opens
+// as a recording again. 0, or -1 with the reason in *problem: the old file is as it was.
+int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup &setup, double from,
+             double to, std::string *problem);
+
 #endif

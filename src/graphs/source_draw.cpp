@@ -1,5 +1,6 @@
 // The points of a graph's picture: from the sampler's memory, from what has left it, or from a
-// recording.
+// recording. A live picture costs what has come since the last one, one that stands what can be
+// seen of it; neither looks at every sample of a day.
 #include "graphs/source.h"
 
 #include <algorithm>
@@ -15,6 +16,7 @@ constexpr double LIVE_MARGIN = 0.5;     // of the width in view: fine points to 
 constexpr double FILE_MARGIN = 0.5;     // likewise of a recording, on either side
 constexpr double RENEWED_SHARE = 0.004; // of a history: so much of its end may be fine, still
 constexpr double PAUSE_ROUNDS = 3;      // without a sample: nothing was sampled there
+constexpr double PAUSE_MIN_S = 1;
 constexpr double US_PER_S = 1e6;
 
 // Of a recording, behind what is there already, from <= time < to: its times need not rise.
@@ -72,22 +74,21 @@ void DrawPast(GRS_Source *source, const GRA_Setup &setup, double from, double to
 
 // --- the sampler's memory -------------------------------------------------------------------
 
-// Where nothing was sampled for so long the curve breaks.
-double PauseS(const GRS_Source &source, const GRA_Setup &setup)
+void DrawStretch(const GRS_Source &source, const GRA_Setup &setup, size_t curve, double from,
+                 double to, double columnS, GRH_Points *points)
 {
+    if (from >= to)
+        return;
+    // Where nothing was sampled for some rounds, and a second at least, the curve breaks. As fast
+    // as the line allows there is no period: then by what a round has taken on the average.
     const SMP_Totals &totals = source.sampler.totals;
     const double roundS = totals.rows > 0 ? static_cast<double>(totals.elapsedUs) / US_PER_S /
                                                 static_cast<double>(totals.rows)
                                           : 0;
-    return std::max({1.0, PAUSE_ROUNDS * roundS, PAUSE_ROUNDS * setup.periodMs / 1e3});
-}
-
-void DrawStretch(const GRS_Source &source, const GRA_Setup &setup, size_t curve, double from,
-                 double to, double columnS, GRH_Points *points)
-{
-    if (from < to)
-        GRH_Draw(source.sampler.store, curve, source.indexes[curve], source.originUs, from, to,
-                 columnS, PauseS(source, setup), setup.curves[curve].scale, points);
+    const double pauseS =
+        std::max({PAUSE_MIN_S, PAUSE_ROUNDS * roundS, PAUSE_ROUNDS * setup.periodMs / 1e3});
+    GRH_Draw(source.sampler.store, curve, source.indexes[curve], source.originUs, from, to, columnS,
+             pauseS, setup.curves[curve].scale, points);
 }
 
 // Of a picture that stands: finely as wide again on either side.

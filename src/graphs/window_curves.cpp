@@ -1,4 +1,6 @@
-#include "graphs/window_curves.h"
+// A picture is handed over as it is in view; which curves there are, and what the table's columns
+// are called, is told only when it has changed, for the view keeps what the user did to them.
+#include "graphs/window_parts.h"
 
 #include "runtime/userint.h"
 #include "scope/measure.h"
@@ -41,11 +43,6 @@ UI_Plot MakePlot(const GRA_Curve &curve, GRH_Points *points)
     return plot;
 }
 
-bool IsSameCurve(const UI_Plot &one, const UI_Plot &other)
-{
-    return one.name == other.name && one.unit == other.unit && one.pane == other.pane;
-}
-
 void ShowMarkers(const GRS_Source &source)
 {
     UI_GraphAxes axes;
@@ -54,6 +51,7 @@ void ShowMarkers(const GRS_Source &source)
     axes.isLive = !source.isFile;
     for (const GRS_Marker &marker : source.markers)
         axes.notes.push_back({marker.time, marker.text});
+    // The axes are drawn anew by this: not twenty times a second for nothing.
     static uint64_t shown = 0;
     static bool wasFile = false, isShown = false;
     const uint64_t count = source.markerCount + axes.notes.size(); // a new start has none
@@ -75,6 +73,7 @@ UI_Cell LastCell(const GRS_Source &source, const GRA_Setup &setup, size_t index)
     const SMP_Sample last = SST_Get(store, index, store.rings[index].end - 1);
     if (last.state != SMP_GOOD)
         return {"failed", UIS_WARNING, SST_ReasonText(store, last.state)};
+    // Scaled as the curve is: what the line has given stands in the watch list.
     const GRH_Scale &scale = setup.curves[index].scale;
     return {NumberText(SMP_Number(store.items[index], last.bits) * scale.factor + scale.offset),
             UIS_NORMAL, ""};
@@ -109,6 +108,7 @@ std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup,
         return UI_Cell{isMeasured && m.count > 0 && isKnown ? NumberText(value) : "-", UIS_NORMAL,
                        isMeasured ? "" : "too many samples to measure, or not all in memory"};
     };
+    // A recording's columns need no place; a name without one is sampled as failed.
     const bool isKnownPlace = source.isFile || curve.item.address != SMP_NO_ADDRESS;
     return {
         {curve.item.name, isKnownPlace ? UIS_NORMAL : UIS_WARNING,
@@ -135,6 +135,8 @@ std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup,
 int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
 {
     const UI_GraphView view = GetView();
+    // A view that fits or follows is moved by the graph once the points are there; they are to be
+    // those of where it will be.
     double from = view.x.min, to = view.x.max, first = 0, last = 0;
     if (GRS_GetExtent(*source, &first, &last)) {
         if (view.isXFitted) {
@@ -153,7 +155,11 @@ int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
     for (size_t i = 0; i < points.size(); ++i)
         plots.push_back(MakePlot(setup.curves[i], &points[i]));
     GetGraphPlots(PANEL_GRAPH, STRIP_GRAPH, &old);
-    const bool isSame = std::equal(old.begin(), old.end(), plots.begin(), plots.end(), IsSameCurve);
+    // A curve that stays keeps its handle, and with it its cursors and whether it is hidden.
+    const bool isSame = std::equal(
+        old.begin(), old.end(), plots.begin(), plots.end(), [](const UI_Plot &a, const UI_Plot &b) {
+            return a.name == b.name && a.unit == b.unit && a.pane == b.pane;
+        });
     if (!isSame)
         DeleteGraphPlot(PANEL_GRAPH, STRIP_GRAPH, 0);
     for (size_t i = 0; i < plots.size(); ++i) {
@@ -175,6 +181,7 @@ void GRV_ShowTable(GRS_Source *source, const GRA_Setup &setup)
     const bool isMeasured =
         GRS_Measure(source, setup, isBetween ? std::min(one, two) : view.x.min,
                     isBetween ? std::max(one, two) : view.x.max, &measures) == 0;
+    // Only when the first one is called something else, or at the beginning.
     static int columnsFor = -1;
     int count = 0;
     GetNumListItems(PANEL_GRAPH, STRIP_CURVES, &count);
@@ -183,6 +190,7 @@ void GRV_ShowTable(GRS_Source *source, const GRA_Setup &setup)
     if (columnsFor != (isBetween ? 1 : 0) || columns.empty())
         ShowColumns(isBetween);
     columnsFor = isBetween ? 1 : 0;
+    // Lines are kept, and only their cells set: the choice of the user stays.
     const int wanted = static_cast<int>(setup.curves.size());
     for (; count < wanted; ++count)
         InsertListItem(PANEL_GRAPH, STRIP_CURVES, -1, "", count);
@@ -206,6 +214,7 @@ void GRV_SetView(double from, double to, bool isFollowing)
 
 void GRV_FitAll()
 {
+    // Cursors too: they would stand at times of other curves.
     UI_GraphView view = GetView();
     view.isXFitted = view.isYFitted = true;
     view.isFollowing = false;
@@ -218,6 +227,7 @@ uint32_t GRV_PictureMs()
     const UI_GraphView view = GetView();
     if (!view.isFollowing && !view.isXFitted)
         return STILL_MS; // what comes is not in view, or hardly
+    // A column of the screen is so much time: sooner nothing could be seen to have moved.
     const double columnMs = (view.x.max - view.x.min) * 1000 / SCREEN_COLUMNS;
     return static_cast<uint32_t>(std::clamp<double>(columnMs, LIVE_MS, STILL_MS));
 }
@@ -236,6 +246,7 @@ void GRV_GetTimes(double *from, double *to)
 
 std::vector<size_t> GRV_GetChosen(size_t count)
 {
+    // The table may still have lines of curves that are gone.
     std::vector<int> lines;
     GetListSelection(PANEL_GRAPH, STRIP_CURVES, &lines);
     std::vector<size_t> chosen;
@@ -247,6 +258,7 @@ std::vector<size_t> GRV_GetChosen(size_t count)
 
 bool GRV_EditCell(GRA_Setup *setup)
 {
+    // A line that is gone meanwhile is no mistake of the user's.
     int index = 0, column = 0;
     std::string text;
     if (GetEditedCell(PANEL_GRAPH, STRIP_CURVES, &index, &column, &text) < 0 || index < 0 ||
@@ -256,7 +268,7 @@ bool GRV_EditCell(GRA_Setup *setup)
     double number = 0;
     const bool isNumber = NUM_Parse(text, &number);
     if (column == GRV_UNIT)
-        curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS));
+        curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS)); // any text is a unit
     else if (column == GRV_FACTOR && isNumber && number != 0)
         curve.scale.factor = number;
     else if (column == GRV_OFFSET && isNumber)

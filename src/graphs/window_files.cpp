@@ -1,7 +1,6 @@
-#include "graphs/window_files.h"
+// A file is read whole before anything that is shown is given up for it.
+#include "graphs/window_parts.h"
 
-#include "graphs/export.h"
-#include "graphs/window_curves.h"
 #include "platform/plain_file.h"
 #include "platform/safe_file.h"
 #include "runtime/userint.h"
@@ -33,7 +32,8 @@ SMP_Item ItemOf(const RDR_Column &column)
     return item;
 }
 
-bool GoOn(void *box, int percent)
+// False ends the reading.
+bool UpdateReadingBox(void *box, int percent)
 {
     return UpdateProgressDialog(*static_cast<int *>(box), percent, "Reading ...") == 0 &&
            !IsBreakWished();
@@ -50,7 +50,7 @@ bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
     RDR_Recording opened;
     SetBusyText("reading " + path);
     int box = CreateProgressDialog("Graph", "Reading ...");
-    const int result = RDR_Open(path, &opened, &problem, GoOn, &box);
+    const int result = RDR_Open(path, &opened, &problem, UpdateReadingBox, &box);
     DiscardProgressDialog(box);
     if (result == RDR_ERR_CANCELLED) {
         *message = "Cancelled.";
@@ -60,6 +60,7 @@ bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
         MessagePopup("Error", problem);
         return false;
     }
+    // Only now: an unreadable file leaves what is sampled running.
     GRS_Stop(source);
     GPA_Clear(&source->past);
     source->isFile = true;
@@ -70,6 +71,7 @@ bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
         if (note.kind == "marker" && source->markers.size() < GRS_MARKERS_MAX)
             source->markers.push_back({note.time, note.text});
     source->markerCount += source->markers.size() + 1; // others than before
+    // Curves are the columns, by place. Each has a pane: they may be of any size.
     setup->curves.clear();
     for (const RDR_Column &column : recording.columns) {
         if (setup->curves.size() == GRA_CURVES_MAX)
@@ -112,6 +114,7 @@ bool GRF_OpenSetup(GRA_Setup *setup, GRS_Source *source)
         MessagePopup("Error", PLF_FailureText(path));
         return false;
     }
+    // What was sampled belonged to other curves.
     GRS_Clear(source);
     UI_GraphView view;
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
@@ -135,7 +138,7 @@ void GRF_SaveSetup(GRA_Setup *setup)
         return;
     UI_GraphView view;
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
-    setup->layout = view.layout;
+    setup->layout = view.layout; // chosen in the graph itself
     if (GRA_SaveSetup(path, *setup) != 0)
         MessagePopup("Error", SAF_FailureText(path));
 }

@@ -1,3 +1,5 @@
+// Rows go through the triggers first, then to the file. Between two files of one recording rows go
+// by and are not kept, but triggers see them all.
 #include "sampler/armed_recorder.h"
 
 #include <algorithm>
@@ -25,12 +27,12 @@ void NoticeFault(ARC_Recorder *recorder)
     Tell(*recorder, recorder->file.problem);
 }
 
-// A second file must not overwrite the first.
 void StartByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger,
                     const std::vector<SMP_Item> &items, int64_t timeUs)
 {
     if (!recorder->isOn || recorder->file.isOpen)
         return;
+    // A second file must not overwrite the first.
     recorder->options.isStamped = recorder->options.isStamped || recorder->hasBegun;
     recorder->hasBegun = true;
     (void)REC_Open(&recorder->file, recorder->options, items, timeUs);
@@ -46,6 +48,7 @@ void StopByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger, int64_t t
         return;
     REC_PutNote(&recorder->file, timeUs, "trigger", trigger.text);
     Tell(*recorder, "Recorded " + recorder->file.path + " (" + trigger.text + ").");
+    // Where no trigger starts a recording, nothing would ever go on.
     if (REC_Close(&recorder->file) != 0)
         NoticeFault(recorder);
     else if (!IsStartedByTrigger(*recorder))
@@ -78,6 +81,7 @@ int ARC_Begin(ARC_Recorder *recorder, const REC_Options &options,
     recorder->options = options;
     recorder->rows = recorder->markers = 0;
     recorder->file = REC_Recorder();
+    // One that waits has no file yet; it is made when there is something to write.
     recorder->hasBegun = !IsStartedByTrigger(*recorder);
     const int result = recorder->hasBegun ? REC_Open(&recorder->file, options, items, nowUs) : 0;
     recorder->isOn = result == 0;

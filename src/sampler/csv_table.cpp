@@ -1,3 +1,6 @@
+// A file says nothing of its form: the separator comes from the first line, the column of the times
+// from the names, what a time looks like from the first row. Rows are read in place, without a
+// copy of their cells, for there may be millions.
 #include "sampler/csv_table.h"
 
 #include "text/words.h"
@@ -11,7 +14,8 @@
 namespace {
 
 constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
-constexpr size_t NUMBER_CHARS_MAX = 60;
+constexpr size_t NUMBER_CHARS_MAX = 60; // of one with a decimal comma
+constexpr double DAY_S = 86400, HOUR_S = 3600, MINUTE_S = 60;
 
 // Names of a column of times, the likeliest first; small letters, without a unit.
 const char *const TIME_NAMES[] = {"time",  "t",       "timestamp", "datetime", "date time", "zeit",
@@ -23,25 +27,12 @@ struct UnitRow {
 const UnitRow UNITS[] = {{"s", 1},     {"sec", 1},   {"seconds", 1}, {"ms", 1e-3}, {"msec", 1e-3},
                          {"us", 1e-6}, {"ns", 1e-9}, {"min", 60},    {"h", 3600}};
 
-std::string Lower(std::string text)
-{
-    for (char &c : text)
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-    return text;
-}
-
-std::string NameOf(CVT_Piece cell)
-{
-    std::string name(cell.begin, cell.end);
-    for (size_t at = 0; (at = name.find("\"\"", at)) != std::string::npos; ++at)
-        name.erase(at, 1);
-    return name;
-}
-
 // "Time [ms]", "time(ms)", "t_ms" and "t/ms" are a name and a unit.
 void SplitUnit(const std::string &column, std::string *name, std::string *unit)
 {
-    const std::string text = Lower(WRD_Trim(column));
+    std::string text = WRD_Trim(column);
+    for (char &c : text) // not the locale's idea of small letters
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
     const size_t at = text.find_first_of("[(_/");
     *name = WRD_Trim(text.substr(0, at));
     *unit = "";
@@ -78,7 +69,7 @@ bool ReadClock(const char **cursor, const char *end, double *seconds)
     ++*cursor;
     if (*cursor == end || !ReadDigits(cursor, end, &minute) || hour > 23 || minute > 59)
         return false;
-    *seconds = hour * 3600.0 + minute * 60.0;
+    *seconds = hour * HOUR_S + minute * MINUTE_S;
     if (*cursor == end || **cursor != ':')
         return true;
     const char *begin = ++*cursor;
@@ -87,11 +78,11 @@ bool ReadClock(const char **cursor, const char *end, double *seconds)
         ++*cursor;
     const double second = CVT_Number({begin, *cursor});
     *seconds += second;
-    return second >= 0 && second < 61;
+    return second >= 0 && second < MINUTE_S + 1; // a leap second is written as 60
 }
 
 // Days since 1970 of a date of the Gregorian calendar: years counted from March, so that the
-// day that comes and goes is the last of one.
+// day that comes and goes is the last of one. (The program's own calendar begins in 2000.)
 int DaysSince1970(int year, int month, int day)
 {
     const int shifted = month > 2 ? year : year - 1;
@@ -114,6 +105,7 @@ bool ReadDate(const char **cursor, const char *end, int *days)
             return false;
         mark = *(*cursor)++;
     }
+    // The mark says the order; month, day, year with slashes cannot be told from it and fails.
     if (mark == '.')
         std::swap(parts[0], parts[2]);
     else if (mark != '-' && mark != '/')
@@ -153,7 +145,7 @@ double DateTimeSeconds(CVT_Piece cell)
         if (!ReadClock(&cursor, cell.end, &clock) || !ReadZone(cursor, cell.end, &zone))
             return NOT_A_NUMBER;
     }
-    return days * 86400.0 + clock - zone;
+    return days * DAY_S + clock - zone;
 }
 
 double ClockSeconds(CVT_Piece cell)
@@ -163,6 +155,7 @@ double ClockSeconds(CVT_Piece cell)
     return ReadClock(&cursor, cell.end, &seconds) && cursor == cell.end ? seconds : NOT_A_NUMBER;
 }
 
+// The likeliest name wins wherever it stands. A unit nobody knows leaves the scale.
 int FindTimeCell(const CVT_Table &table, double *scale)
 {
     for (const char *wanted : TIME_NAMES)
@@ -201,7 +194,7 @@ bool CVT_SplitRow(const char *begin, const char *end, char separator, std::vecto
             at = found != nullptr ? static_cast<const char *>(found) : end;
             cell.end = at;
         }
-        if (cells->size() == CVT_CELLS_MAX)
+        if (cells->size() == CVT_CELLS_MAX) // no table of values: give up before memory does
             return false;
         cells->push_back(cell);
         if (at == end)
@@ -219,6 +212,7 @@ double CVT_Number(CVT_Piece cell)
     const auto result = std::from_chars(cell.begin, cell.end, number);
     if (result.ec == std::errc() && result.ptr == cell.end && size > 0)
         return std::isfinite(number) ? number : NOT_A_NUMBER;
+    // Once more with a point, for a decimal comma; on the stack, because rows are many.
     const void *comma = size > 0 ? std::memchr(cell.begin, ',', size) : nullptr;
     if (comma == nullptr || size >= NUMBER_CHARS_MAX)
         return NOT_A_NUMBER;
@@ -241,6 +235,7 @@ double CVT_Time(const CVT_Table &table, CVT_Piece cell)
 
 int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std::string *problem)
 {
+    // A comma last: it may be the decimal one in a file with another separator.
     for (const char separator : {'\t', ';', ','})
         if (!isOurs && line.find(separator) != std::string::npos) {
             table->separator = separator;
@@ -255,7 +250,10 @@ int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std:
     bool isRow = true; // nothing but numbers and times: there are no names
     for (const CVT_Piece &cell : cells) {
         const CVT_Piece bare = Trimmed(cell);
-        table->names.push_back(NameOf(bare));
+        std::string name(bare.begin, bare.end); // a quote within quotes stands twice
+        for (size_t at = 0; (at = name.find("\"\"", at)) != std::string::npos; ++at)
+            name.erase(at, 1);
+        table->names.push_back(name);
         isRow = isRow && (!std::isnan(CVT_Number(bare)) || !std::isnan(ClockSeconds(bare)) ||
                           !std::isnan(DateTimeSeconds(bare)));
     }
@@ -280,6 +278,7 @@ bool CVT_ReadForm(const std::string &row, CVT_Table *table)
     if (!CVT_SplitRow(row.data(), row.data() + row.size(), table->separator, &cells) ||
         cells.size() <= table->timeCell)
         return false;
+    // None of the three reads what another one writes.
     for (const CVT_TimeForm form : {CVT_NUMBER, CVT_CLOCK, CVT_DATE}) {
         table->form = form;
         if (!std::isnan(CVT_Time(*table, cells[table->timeCell])))

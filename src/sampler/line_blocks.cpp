@@ -1,3 +1,4 @@
+// A block holds at least one line of the longest that is allowed; a line is never copied.
 #include "sampler/line_blocks.h"
 
 #include "platform/system.h"
@@ -48,6 +49,7 @@ bool LBK_Next(LBK_Reader *reader, size_t lengthMax, LBK_Line *line)
             reader->isSkipping = reader->isSkipping && !IsLineEnd(block[reader->at]);
             ++reader->at;
         }
+        // A line that reaches the end of the block may go on in the file: read on, then look again.
         const char *begin = block + reader->at;
         const char *most = block + std::min(reader->filled, reader->at + lengthMax);
         const char *end = std::find_if(begin, most, IsLineEnd);

@@ -1,3 +1,5 @@
+// The job stands between sampler and recorder as the listener of both; whatever ends one of them
+// ends the job.
 #include "sampler/record_job.h"
 
 #include <algorithm>
@@ -63,6 +65,7 @@ void Flush(void *context)
     CheckRecorder(job);
 }
 
+// What befalls the line explains the gaps in the file.
 void NoteMessage(void *context, const std::string &text)
 {
     RCJ_Job *job = static_cast<RCJ_Job *>(context);
@@ -90,6 +93,7 @@ int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
     }
     REC_Options timed = options;
     timed.periodMs = periodMs;
+    // Behind the sampler, whose clock counts the file's times; nothing was asked yet.
     const int result = ARC_Begin(&job->recorder, timed, items, NowUs(*job));
     if (result != 0) {
         *problem = job->recorder.file.problem;
@@ -105,6 +109,7 @@ int64_t RCJ_Step(RCJ_Job *job)
     if (!job->isRunning)
         return SMP_IDLE;
     const int64_t waitUs = SMP_Step(&job->sampler);
+    // Rows of a slow period come seldom, but the clock of the file is to be looked at.
     if (NowUs(*job) - job->flushedUs >= FLUSH_US)
         Flush(job);
     return job->isRunning ? waitUs : SMP_IDLE;
@@ -140,6 +145,7 @@ void RCJ_Interrupt(RCJ_Job *job, const std::string &reason)
 {
     if (!job->isRunning)
         return;
+    // Rows first, failed for this reason, then the line that says when it was.
     SMP_DropHeld(&job->sampler, reason);
     RCJ_Note(job, "gap", reason);
     Flush(job);
@@ -158,7 +164,7 @@ int RCJ_Stop(RCJ_Job *job)
 std::string RCJ_Summary(const RCJ_Job &job, int baud)
 {
     const SMP_Totals &totals = job.sampler.totals;
-    const double seconds = std::max(static_cast<double>(totals.elapsedUs) / 1e6, 1e-6);
+    const double seconds = static_cast<double>(std::max<uint64_t>(totals.elapsedUs, 1)) / 1e6;
     char text[200];
     std::snprintf(
         text, sizeof text,

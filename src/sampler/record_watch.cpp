@@ -1,9 +1,10 @@
+// The job is driven by the main panel's timer, a part of the second's row in each tick, so that
+// recording goes on beside whatever the user does.
 #include "sampler/record_watch.h"
 
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "sampler/record_job.h"
-#include "sampler/trigger_entry.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -13,9 +14,9 @@
 namespace {
 
 constexpr int PERIOD_MS = 1000;
-constexpr uint64_t TICK_US = 15000;   // of reading in one tick: one exchange at least
-constexpr uint64_t BUSY_US = 3000000; // without a tick: the gap gets a line
-constexpr size_t TEXT_MAX = 200;
+constexpr uint64_t TICK_US = 15000;    // of reading in one tick: one exchange at least
+constexpr uint64_t BUSY_US = 3000000;  // without a tick: the gap gets a line
+constexpr size_t TEXT_MAX = 200;       // characters of a marker
 const char RECORDING[] = "Recording "; // how every message about its state begins
 
 RCJ_Job job;
@@ -71,6 +72,7 @@ void Begin(const std::string &path)
     }
     ShowState();
     ShowProgress();
+    // It may be begun first: rows come with communication.
     if (isTimer == 0)
         VR_ShowMessage("Recording begins when communication is on.");
 }
@@ -86,6 +88,7 @@ void RCW_Record()
 {
     if (!job.isRunning)
         return;
+    // The list may have been edited, or another map loaded: its lines are compared every second.
     RCJ_Follow(&job, ItemsOfList());
     if (job.isRunning)
         ShowProgress();
@@ -107,6 +110,7 @@ void RCW_Tick()
 
 void RCW_ShowCommunication()
 {
+    // Only from on to off and back is a gap; the state may be told twice.
     ShowState();
     static bool wasOn = false;
     const bool isOn = isTimer != 0;
@@ -122,7 +126,7 @@ void RCW_Stop()
 {
     if (!job.isRunning)
         return;
-    const std::string path = job.recorder.file.path;
+    const std::string path = job.recorder.file.path; // the last one, of several
     const bool isKept = RCJ_Stop(&job) == 0;
     ShowState();
     if (isKept)

@@ -71,4 +71,19 @@ int REC_Flush(REC_Recorder *recorder, int64_t nowUs);
 // 0, or REC_ERR_WRITE when not everything reached the disk.
 int REC_Close(REC_Recorder *recorder);
 
+// The texts of a recording (recorder_text.cpp): what stands in its rows, above them, and in the
+// name of its file. Only the recorder calls them.
+// Local time against UTC from now on, by the system's two clocks.
+void REC_SetZone(REC_Recorder *recorder);
+// A moment of the steady clock by the system's clock, as it was set when last looked at.
+int64_t REC_UtcMsAt(const REC_Recorder &recorder, int64_t timeUs);
+// "2026-11-21T17:01:14.123+01:00", to the recorder's buffer.
+void REC_AppendLocalDate(REC_Recorder *recorder, int64_t utcMs);
+// "12.000345", six digits behind the point.
+void REC_AppendSeconds(std::string *text, int64_t us);
+// What stands above the rows: with it the file can be understood alone.
+std::string REC_Head(const REC_Recorder &recorder);
+// "run.csv" becomes "run-20261121-170114.csv", and "...-2.csv" when that is there already.
+std::string REC_StampedPath(const REC_Recorder &recorder, int64_t nowUs);
+
 #endif

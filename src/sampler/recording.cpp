@@ -1,8 +1,10 @@
+// Once through the file, line by line: comments and head say what the columns are, rows go into the
+// picture. Nothing of a row is kept but where its stretch begins.
 #include "sampler/recording.h"
 
 #include "platform/plain_file.h"
 #include "platform/system.h"
-#include "sampler/recording_picture.h"
+#include "sampler/recording_rows.h"
 #include "text/words.h"
 
 #include <algorithm>
@@ -11,7 +13,7 @@
 namespace {
 
 constexpr const char *OUR_FIRST_LINES[] = {"; Vireo2 recording", "; Vireo2 scope"};
-constexpr int64_t PROGRESS_BYTES = 4 << 20;
+constexpr int64_t PROGRESS_BYTES = 4 << 20; // between two looks whether somebody cancels
 
 void AddLine(const LBK_Line &line, RRW_Pass *pass, RDR_Recording *recording)
 {
@@ -24,6 +26,8 @@ void AddLine(const LBK_Line &line, RRW_Pass *pass, RDR_Recording *recording)
         recording->badLines += !isCut;
         return;
     }
+    // Dates and clocks are shown from the first row on: a picture of seconds since 1970 helps
+    // nobody.
     if (recording->rows == 0 && recording->table.form != CVT_NUMBER) {
         const CVT_Piece cell = pass->cells[recording->table.timeCell];
         recording->origin = time;
@@ -110,6 +114,7 @@ int RDR_Open(const std::string &path, RDR_Recording *recording, std::string *pro
         *problem = path + ": " + PLF_ErrorText(result) + ".";
         return RDR_ERR_OPEN;
     }
+    // Into one of its own: a file that is refused leaves what is shown.
     RDR_Recording opened;
     opened.path = path;
     const int read =
@@ -132,7 +137,7 @@ int RDR_Follow(RDR_Recording *recording)
     std::string problem;
     if (PLT_OpenPlainFile(recording->path, &file, &size) != 0)
         return RDR_ERR_OPEN;
-    recording->isCut = false;
+    recording->isCut = false; // what was cut then may be whole now
     const int result =
         GoThrough(file, std::max<int64_t>(size, 1), recording, &problem, nullptr, nullptr);
     std::fclose(file);

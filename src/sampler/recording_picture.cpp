@@ -1,4 +1,5 @@
-#include "sampler/recording_picture.h"
+// Least and greatest in single floats: a pixel shows no more, and they take half the memory.
+#include "sampler/recording_rows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,7 +17,7 @@ void Widen(float *least, float *greatest, float low, float high)
         *greatest = high;
 }
 
-// Two stretches become one.
+// Two stretches become one, in place: what is written lies in front of what is still to be read.
 void HalvePicture(RDR_Recording *recording)
 {
     const size_t columns = recording->columns.size();
@@ -50,11 +51,6 @@ void HalvePicture(RDR_Recording *recording)
     recording->rowsPerStretch *= 2;
 }
 
-size_t StretchesMax(size_t columns)
-{
-    return std::clamp<size_t>(PICTURE_NUMBERS_MAX / (2 * columns), 2, RDR_STRETCHES_MAX);
-}
-
 } // namespace
 
 void RPC_AddRow(RDR_Recording *recording, int64_t offset, double time,
@@ -63,7 +59,10 @@ void RPC_AddRow(RDR_Recording *recording, int64_t offset, double time,
     const size_t columns = recording->columns.size();
     std::vector<RDR_Stretch> &stretches = recording->stretches;
     if (stretches.empty() || stretches.back().rows >= recording->rowsPerStretch) {
-        if (stretches.size() >= StretchesMax(columns))
+        // Halving makes room in the last stretch, or it does not: asked again behind it.
+        const size_t stretchesMax =
+            std::clamp<size_t>(PICTURE_NUMBERS_MAX / (2 * columns), 2, RDR_STRETCHES_MAX);
+        if (stretches.size() >= stretchesMax)
             HalvePicture(recording);
         if (stretches.empty() || stretches.back().rows >= recording->rowsPerStretch) {
             stretches.push_back({offset, 0, time, time, before.dayOffset, before.last});

@@ -1,5 +1,6 @@
 // Reading a part of a recording back: from its picture where that is fine enough, else from
-// the file.
+// the file. Points come in pairs, least and greatest of so many rows, with the times of the first
+// and the last of them: drawn, the stroke covers what the rows covered.
 #include "platform/plain_file.h"
 #include "platform/system.h"
 #include "sampler/recording.h"
@@ -57,22 +58,20 @@ void AddToPair(Curves *curves, double timeMin, double timeMax, uint64_t rows,
         EndPair(curves);
 }
 
-bool IsWithin(const RDR_Stretch &stretch, double from, double to)
-{
-    return stretch.timeMax >= from && stretch.timeMin <= to;
-}
-
 // The stretches between two times, and how many rows they have.
 uint64_t FindStretches(const RDR_Recording &recording, double from, double to, size_t *first,
                        size_t *last)
 {
     *first = recording.stretches.size();
     *last = 0;
-    for (size_t s = 0; s < recording.stretches.size(); ++s)
-        if (IsWithin(recording.stretches[s], from, to)) {
-            *first = std::min(*first, s);
-            *last = s;
-        }
+    // All are looked at: times of a foreign file may go back.
+    for (size_t s = 0; s < recording.stretches.size(); ++s) {
+        const RDR_Stretch &stretch = recording.stretches[s];
+        if (stretch.timeMax < from || stretch.timeMin > to)
+            continue;
+        *first = std::min(*first, s);
+        *last = s;
+    }
     uint64_t rows = 0;
     for (size_t s = *first; s <= *last && s < recording.stretches.size(); ++s)
         rows += recording.stretches[s].rows;
@@ -104,6 +103,7 @@ int CopyRows(std::FILE *file, const RDR_Recording &recording, size_t first, size
     RRW_Pass pass;
     if (!LBK_Start(&reader, file, begin))
         return RDR_ERR_OPEN;
+    // The clock as it stood in front of this stretch: midnights before it are not seen here.
     pass.clock = {recording.stretches[first].clockBefore, recording.stretches[first].dayOffset};
     std::vector<double> values(curves->columns->size());
     int64_t told = begin;
@@ -150,6 +150,7 @@ int RDR_Read(const RDR_Recording &recording, double from, double to,
     Curves work;
     work.out = curves;
     work.columns = &columns;
+    // Rounded up, so that there are never more points than were asked for.
     work.rowsPerPair = rows <= pointsMax ? 0 : (rows + pairs - 1) / pairs;
     curves->isDecimated = work.rowsPerPair != 0;
     int result = 0;

@@ -1,3 +1,5 @@
+// Lines as they come: nothing here knows more of the file than its head and the clock of the row
+// before.
 #include "sampler/recording_rows.h"
 
 #include "text/words.h"
@@ -47,6 +49,7 @@ void RRW_ReadComment(const LBK_Line &line, RDR_Recording *recording, RRW_Pass *p
         note.text = text;
         recording->notes.push_back(note);
     }
+    // Of the two starts the local one is what people know.
     if (key == "local" || key == "taken" || (key == "start" && recording->start.empty()))
         recording->start = text;
     if (key != "type" && key != "unit")
@@ -93,6 +96,7 @@ bool RRW_IsCut(const LBK_Line &line, const RDR_Recording &recording)
 
 bool RRW_ReadRow(const LBK_Line &line, const RDR_Recording &recording, RRW_Pass *pass, double *time)
 {
+    // Others' rows may lack cells at the end; ours that do were damaged.
     const CVT_Table &table = recording.table;
     if (!CVT_SplitRow(line.begin, line.end, table.separator, &pass->cells) ||
         pass->cells.size() > table.names.size() || pass->cells.size() <= table.timeCell ||
@@ -112,6 +116,7 @@ bool RRW_ReadRow(const LBK_Line &line, const RDR_Recording &recording, RRW_Pass 
 double RRW_ShownTime(const RDR_Recording &recording, double time, RRW_Clock *clock)
 {
     if (recording.table.form == CVT_CLOCK) {
+        // A little back is a disorder of the file; NaN, before the first row, compares as no.
         if (time + clock->dayOffset < clock->last - NIGHT_S)
             clock->dayOffset += DAY_S;
         time += clock->dayOffset;

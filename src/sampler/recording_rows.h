@@ -39,4 +39,10 @@ bool RRW_ReadRow(const LBK_Line &line, const RDR_Recording &recording, RRW_Pass 
 // Seconds as they are shown.
 double RRW_ShownTime(const RDR_Recording &recording, double time, RRW_Clock *clock);
 
+// The decimated picture while the rows go by (recording_picture.cpp): least and greatest of every
+// column for each stretch of rows, halved whenever it is full. One row that begins at `offset`;
+// `before` is the clock in front of it.
+void RPC_AddRow(RDR_Recording *recording, int64_t offset, double time,
+                const std::vector<double> &values, const RRW_Clock &before);
+
 #endif

@@ -35,7 +35,8 @@ double SMP_Number(const SMP_Item &item, uint64_t bits);
 // back the same.
 std::string SMP_NumberText(const SMP_Item &item, uint64_t bits);
 
-constexpr uint8_t SMP_GOOD = 0; // any other state: failed, a key of SST_ReasonText
+constexpr uint8_t SMP_GOOD = 0;                // any other state: failed, a key of SST_ReasonText
+constexpr uint8_t SMP_NOT_SAMPLED = UINT8_MAX; // the item was not there yet
 struct SMP_Sample {
     int64_t timeUs = 0; // of the steady clock, the middle of its exchange
     uint64_t bits = 0;
@@ -69,6 +70,10 @@ inline size_t SST_PlaceOf(const SMP_Ring &ring, uint64_t number)
                                                   : number + ring.timesUs.size() - ring.lap);
 }
 SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number); // first <= number < end
+// The samples of one round, one an item, and the middle of their times. Rounds are counted from
+// the newest, 1, for items that were added later have fewer: those without get SMP_NOT_SAMPLED.
+// At least one item has a sample of it.
+int64_t SST_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Sample> *samples);
 // The first sample kept that is not before this time; `end` when there is none.
 uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs);
 // Samples from <= number < to as a curve: seconds since `originUs`, and NaN where one failed.

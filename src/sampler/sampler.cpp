@@ -1,9 +1,8 @@
+// Row by row: a row is read block by block, held until the line is proven, then given out. A block
+// a step, so that all of this is in the sampler between two steps and nowhere else.
 #include "sampler/sampler.h"
 
 #include "comm/failures.h"
-#include "comm/tms_mailbox.h"
-#include "comm/ucm.h"
-#include "platform/system.h"
 #include "settings/settings.h"
 #include "text/bytes.h"
 #include "watch/list/read_item.h"
@@ -13,9 +12,8 @@
 
 namespace {
 
-constexpr uint32_t ADDRESS_END = 0x1000000; // of target addresses
-constexpr double BITS_PER_CHAR = 11;        // of both protocols
 constexpr uint64_t SECOND_US = 1000000;
+constexpr double US_PER_S = 1e6;
 
 // A proof costs about so many characters (mr166, whose bytes are dearer; Modbus 63); of the
 // line's time it may take a hundredth, within these bounds: later than that nobody wants to see
@@ -29,112 +27,8 @@ constexpr uint64_t SILENCE_MIN_US = 2 * SECOND_US; // before a silent station is
 constexpr uint64_t SILENCE_FACTOR = 4;             // of what asking it has cost
 constexpr uint64_t NO_LINE_US = 500000;            // before the port is tried again
 constexpr uint64_t NOTHING_READ_US = 250000;       // between rows for which nobody was asked
-constexpr uint64_t TOGETHER_MIN_US = 10 * SECOND_US, TOGETHER_MAX_US = 600 * SECOND_US;
 
 const char FIRST_OF_RATE[] = "a rate needs two values";
-
-// --- the line as it is --------------------------------------------------------------------
-std::string lastFailure;
-UCM_Cause lastCause = UCM_CAUSE_OTHER;
-
-template <typename Read> int ReadNoting(Read read, std::string (*reason)(int result))
-{
-    UCM_Statistics before;
-    UCM_GetStatistics(&before);
-    const int result = read();
-    if (result < 0) {
-        lastFailure = reason(result);
-        lastCause = UCM_CauseSince(before);
-    }
-    return result;
-}
-
-int ReadLine(int station, uint32_t address, uint32_t count, void *buffer)
-{
-    return ReadNoting([&] { return UCM_Read(station, address, count, buffer); },
-                      [](int) { return UCM_LastErrorText(); });
-}
-
-int ReadLineProving(int station, uint32_t address, uint32_t count, void *buffer)
-{
-    return ReadNoting([&] { return UCM_ReadProving(station, address, count, buffer); },
-                      [](int) { return UCM_LastErrorText(); });
-}
-
-int ReadLineTMS(int station, uint32_t address, uint32_t *value)
-{
-    return ReadNoting([&] { return TMS_ReadWord(station, address, TMS_POLLS_ITEM, value); },
-                      [](int result) { return TMS_ErrorText(result); });
-}
-
-int ProveLine()
-{
-    const int result = UCM_Prove();
-    if (result == UCM_NOT_PROVEN)
-        lastFailure = UCM_LastErrorText();
-    return result;
-}
-
-// --- the plan ------------------------------------------------------------------------------
-bool IsReadable(const SMP_Item &item)
-{
-    return item.address < ADDRESS_END && item.size >= 1 && item.size <= 8;
-}
-
-uint64_t CharsOf(const SMP_Sampler &sampler, const GRP_Block &block)
-{
-    const GRP_Wire read = GRP_ReadWire(sampler.protocol);
-    if (!sampler.store.items[block.items[0]].isTMS)
-        return GRP_CountChars(read, block.size);
-    // Address and command go in, the busy flag is polled, the word comes out.
-    return 2 * GRP_CountChars(GRP_WriteWire(sampler.protocol), 4) + GRP_CountChars(read, 2) +
-           GRP_CountChars(read, 4);
-}
-
-void MakePlan(SMP_Sampler *sampler)
-{
-    sampler->protocol = VR_nProtocol;
-    sampler->processor = Procesor;
-    sampler->next = 0;
-    sampler->plan.clear();
-    std::vector<GRP_Item> together;
-    std::vector<size_t> indices;
-    const std::vector<SMP_Item> &items = sampler->store.items;
-    for (size_t i = 0; i < items.size(); ++i) {
-        if (!IsReadable(items[i]))
-            continue;
-        const uint32_t size = static_cast<uint32_t>(items[i].size);
-        if (items[i].isTMS || sampler->isAlone[i]) {
-            sampler->plan.push_back({items[i].station, items[i].address, size, {i}});
-            continue;
-        }
-        together.push_back({items[i].station, items[i].address, size});
-        indices.push_back(i);
-    }
-    for (GRP_Block &block :
-         GRP_Plan(together, GRP_ReadWire(VR_nProtocol), GRP_ReadRules(Procesor))) {
-        for (size_t &item : block.items)
-            item = indices[item];
-        sampler->plan.push_back(std::move(block));
-    }
-}
-
-// A block that was refused may hold a byte that cannot be read: its items go on one by one,
-// and for a while they stay so.
-void PartBlock(SMP_Sampler *sampler, uint64_t nowUs)
-{
-    const GRP_Block block = sampler->plan[sampler->next];
-    std::vector<GRP_Block> singles;
-    for (const size_t i : block.items) {
-        const SMP_Item &item = sampler->store.items[i];
-        singles.push_back({item.station, item.address, static_cast<uint32_t>(item.size), {i}});
-        sampler->isAlone[i] = 1;
-    }
-    const auto at = sampler->plan.begin() + static_cast<std::ptrdiff_t>(sampler->next);
-    sampler->plan.insert(sampler->plan.erase(at), singles.begin(), singles.end());
-    sampler->apartUs = std::min(std::max(2 * sampler->apartUs, TOGETHER_MIN_US), TOGETHER_MAX_US);
-    sampler->togetherUs = nowUs + sampler->apartUs;
-}
 
 // --- stations that are silent --------------------------------------------------------------
 SMP_Station *StationOf(SMP_Sampler *sampler, int number)
@@ -152,13 +46,6 @@ void Tell(const SMP_Sampler &sampler, const std::string &text)
         sampler.listener.message(sampler.listener.context, text);
 }
 
-void NoteAnswer(SMP_Sampler *sampler, SMP_Station *station)
-{
-    if (station->isSilent)
-        Tell(*sampler, "Station " + std::to_string(station->number) + " answers again.");
-    station->isSilent = false;
-}
-
 void NoteSilence(SMP_Sampler *sampler, SMP_Station *station, uint64_t nowUs, uint64_t costUs)
 {
     station->reason = sampler->line.failure();
@@ -171,13 +58,6 @@ void NoteSilence(SMP_Sampler *sampler, SMP_Station *station, uint64_t nowUs, uin
 }
 
 // --- giving out ----------------------------------------------------------------------------
-uint64_t BitsOf(double number)
-{
-    uint64_t bits;
-    std::memcpy(&bits, &number, sizeof bits);
-    return bits;
-}
-
 // A count becomes its change a second since the good one before.
 void MakeRate(SMP_Sampler *sampler, size_t i, SMP_Sample *sample)
 {
@@ -185,16 +65,19 @@ void MakeRate(SMP_Sampler *sampler, size_t i, SMP_Sample *sample)
     const SMP_Sample count = *sample;
     const uint64_t mask = UINT64_MAX >> (64 - 8 * sampler->store.items[i].size);
     const int64_t elapsedUs = count.timeUs - before.timeUs;
-    if (count.state == SMP_GOOD && before.state == SMP_GOOD && elapsedUs > 0)
-        sample->bits = BitsOf(static_cast<double>((count.bits - before.bits) & mask) * 1e6 /
-                              static_cast<double>(elapsedUs));
-    else if (count.state == SMP_GOOD)
+    if (count.state == SMP_GOOD && before.state == SMP_GOOD && elapsedUs > 0) {
+        // Modulo its size: a counter that has wrapped once goes on.
+        const double rate = static_cast<double>((count.bits - before.bits) & mask) * US_PER_S /
+                            static_cast<double>(elapsedUs);
+        std::memcpy(&sample->bits, &rate, sizeof rate);
+    } else if (count.state == SMP_GOOD) {
         sample->state = SST_StateOf(&sampler->store, FIRST_OF_RATE);
+    }
     before = count;
 }
 
 // By its samples' own times: from these the store finds the row of a recording again.
-int64_t MiddleOf(const SMP_Sample *samples, size_t count)
+int64_t MiddleTimeUs(const SMP_Sample *samples, size_t count)
 {
     const auto isEarlier = [](const SMP_Sample &a, const SMP_Sample &b) {
         return a.timeUs < b.timeUs;
@@ -205,6 +88,7 @@ int64_t MiddleOf(const SMP_Sample *samples, size_t count)
 
 void GiveOut(SMP_Sampler *sampler)
 {
+    // Taken out first, so that nothing is given out twice.
     const size_t count = sampler->store.items.size();
     std::vector<SMP_Sample> held = std::move(sampler->held);
     sampler->held.clear();
@@ -220,7 +104,7 @@ void GiveOut(SMP_Sampler *sampler)
         sampler->totals.samples += count;
         if (sampler->listener.row != nullptr)
             sampler->listener.row(sampler->listener.context, *sampler,
-                                  {MiddleOf(samples, count), samples, count});
+                                  {MiddleTimeUs(samples, count), samples, count});
     }
     if (!held.empty() && sampler->listener.published != nullptr)
         sampler->listener.published(sampler->listener.context);
@@ -264,7 +148,8 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
         sampler->togetherUs = 0;
     }
     if (isOtherLine || isTogether)
-        MakePlan(sampler);
+        SMP_MakePlan(sampler);
+    // What the plan leaves out keeps this: it has no place.
     SMP_Sample unread;
     unread.timeUs = static_cast<int64_t>(nowUs);
     unread.state = SST_StateOf(&sampler->store, RDI_NOT_RESOLVED);
@@ -286,6 +171,7 @@ void EndRow(SMP_Sampler *sampler, uint64_t nowUs)
             std::max<uint64_t>((nowUs - std::min(nowUs, sampler->dueUs) + periodUs - 1) / periodUs,
                                1) *
             periodUs;
+    // Rows of silent stations alone cost no exchange: without a pause they would fill the store.
     if (!sampler->isAnyAsked)
         sampler->dueUs = std::max(sampler->dueUs, nowUs + NOTHING_READ_US);
 }
@@ -306,11 +192,13 @@ void SetBlock(SMP_Sampler *sampler, const GRP_Block &block, const uint8_t *bytes
     }
 }
 
+// A proof for each station, at the price above. At 115,200 baud and one station: 0.73 s.
 uint64_t ProofPeriodUs(const SMP_Sampler &sampler)
 {
     const double stations = static_cast<double>(std::max<size_t>(sampler.stations.size(), 1));
-    const double wanted = stations * PROOF_CHARS * BITS_PER_CHAR / std::max(bRate, 1) / PROOF_SHARE;
-    return std::clamp(static_cast<uint64_t>(wanted * 1e6), PROOF_MIN_US, PROOF_MAX_US);
+    const double wanted =
+        stations * PROOF_CHARS * SMP_BITS_PER_CHAR / std::max(bRate, 1) / PROOF_SHARE;
+    return std::clamp(static_cast<uint64_t>(wanted * US_PER_S), PROOF_MIN_US, PROOF_MAX_US);
 }
 
 int Ask(SMP_Sampler *sampler, const GRP_Block &block, uint8_t *bytes)
@@ -338,6 +226,7 @@ void ReadBlock(SMP_Sampler *sampler)
 {
     const GRP_Block block = sampler->plan[sampler->next];
     SMP_Station *station = StationOf(sampler, block.station);
+    // A silent station's items fail at once, for the time it was given to recover.
     const uint64_t beginUs = sampler->line.nowUs();
     if (station->isSilent && beginUs < station->askAgainUs) {
         SetBlock(sampler, block, nullptr, static_cast<int64_t>(beginUs),
@@ -345,6 +234,7 @@ void ReadBlock(SMP_Sampler *sampler)
         ++sampler->next;
         return;
     }
+    // Doubts are counted from the first exchange of what will be proven together.
     std::vector<uint8_t> bytes(std::max<size_t>(block.size, 8));
     if (sampler->held.empty() && !sampler->isAnyAsked)
         sampler->doubts = sampler->line.doubts();
@@ -353,16 +243,20 @@ void ReadBlock(SMP_Sampler *sampler)
     const uint64_t endUs = sampler->line.nowUs();
     const int64_t middleUs = static_cast<int64_t>((beginUs + endUs) / 2);
     const bool isRefused = result < 0 && sampler->line.cause() == UCM_CAUSE_REFUSED;
-    if (result < 0 && !isRefused)
+    // A refusal is an answer: the station is there, and what it refuses is the block's affair.
+    if (result < 0 && !isRefused) {
         NoteSilence(sampler, station, endUs, endUs - beginUs);
-    else
-        NoteAnswer(sampler, station);
+    } else {
+        if (station->isSilent)
+            Tell(*sampler, "Station " + std::to_string(station->number) + " answers again.");
+        station->isSilent = false;
+    }
     if (isRefused && block.items.size() > 1) {
-        PartBlock(sampler, endUs);
+        SMP_PartBlock(sampler, endUs);
         return;
     }
     if (result >= 0)
-        sampler->totals.chars += CharsOf(*sampler, block);
+        sampler->totals.chars += SMP_CountChars(*sampler, block);
     SetBlock(sampler, block, bytes.data(), middleUs,
              result >= 0 ? SMP_GOOD : SST_StateOf(&sampler->store, sampler->line.failure()));
     ++sampler->next;
@@ -374,15 +268,6 @@ int CheckItems(const std::vector<SMP_Item> &items)
 }
 
 } // namespace
-
-const SMP_Line SMP_LINE = {ReadLine,
-                           ReadLineTMS,
-                           ProveLine,
-                           UCM_CountDoubts,
-                           [] { return lastFailure; },
-                           [] { return lastCause; },
-                           PLT_TickUs,
-                           ReadLineProving};
 
 int SMP_Start(SMP_Sampler *sampler, const std::vector<SMP_Item> &items, int periodMs,
               const SMP_Listener &listener, size_t samplesMax, const SMP_Line *line)
@@ -402,7 +287,7 @@ int SMP_Start(SMP_Sampler *sampler, const std::vector<SMP_Item> &items, int peri
     SST_SetItems(&sampler->store, items, samplesMax);
     sampler->isAlone.assign(items.size(), 0);
     sampler->previous.assign(items.size(), {0, 0, UINT8_MAX});
-    MakePlan(sampler);
+    SMP_MakePlan(sampler);
     return 0;
 }
 
@@ -410,6 +295,7 @@ int SMP_Change(SMP_Sampler *sampler, const std::vector<SMP_Item> &items)
 {
     if (CheckItems(items) != 0)
         return SMP_ERR_ITEMS;
+    // Proven first, under the items they were read for.
     sampler->row.clear();
     sampler->isInRow = false;
     if (!sampler->held.empty())
@@ -417,7 +303,7 @@ int SMP_Change(SMP_Sampler *sampler, const std::vector<SMP_Item> &items)
     SST_SetItems(&sampler->store, items, sampler->store.samplesMax);
     sampler->isAlone.assign(items.size(), 0);
     sampler->previous.assign(items.size(), {0, 0, UINT8_MAX});
-    MakePlan(sampler);
+    SMP_MakePlan(sampler);
     return 0;
 }
 
@@ -438,6 +324,8 @@ int64_t SMP_Step(SMP_Sampler *sampler)
         return SMP_IDLE;
     const uint64_t nowUs = sampler->line.nowUs();
     sampler->totals.elapsedUs = nowUs - sampler->startUs;
+    // A proof goes first: it is due when the last block has brought it, when the line is idle, or
+    // when a hundredth of the line's time is there for one.
     const bool isWaiting = !sampler->held.empty();
     const uint64_t sinceProofUs = nowUs - sampler->provenUs;
     const bool isIdle = !sampler->isInRow && nowUs < sampler->dueUs;
@@ -464,20 +352,4 @@ void SMP_DropHeld(SMP_Sampler *sampler, const std::string &reason)
 {
     FailHeld(sampler, reason);
     GiveOut(sampler);
-}
-
-double SMP_RowsPerSecondMax(const SMP_Sampler &sampler, int baud)
-{
-    uint64_t chars = 0;
-    for (const GRP_Block &block : sampler.plan)
-        chars += CharsOf(sampler, block);
-    return chars == 0 ? 0 : baud / BITS_PER_CHAR / static_cast<double>(chars);
-}
-
-double SMP_WireShare(const SMP_Sampler &sampler, int baud)
-{
-    if (sampler.totals.elapsedUs == 0)
-        return 0;
-    return static_cast<double>(sampler.totals.chars) * BITS_PER_CHAR / baud * 1e6 /
-           static_cast<double>(sampler.totals.elapsedUs);
 }

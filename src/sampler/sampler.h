@@ -118,4 +118,14 @@ double SMP_RowsPerSecondMax(const SMP_Sampler &sampler, int baud);
 // What part of the line's time the blocks have used, 0 to 1.
 double SMP_WireShare(const SMP_Sampler &sampler, int baud);
 
+// What is asked of the line (sampler_wire.cpp). Only the sampler calls it.
+constexpr double SMP_BITS_PER_CHAR = 11; // of both protocols
+// The plan for the protocol and processor of now; the row begins anew.
+void SMP_MakePlan(SMP_Sampler *sampler);
+// The block that is next was refused, and may hold a byte that cannot be read: its items go on one
+// by one, and for a while they stay so.
+void SMP_PartBlock(SMP_Sampler *sampler, uint64_t nowUs);
+// Characters of the exchanges a block takes.
+uint64_t SMP_CountChars(const SMP_Sampler &sampler, const GRP_Block &block);
+
 #endif

@@ -1,3 +1,4 @@
+// A trigger is a row of the table of conditions and what it remembers of the sample before.
 #include "sampler/trigger.h"
 
 #include "text/numbers.h"
@@ -60,14 +61,6 @@ std::vector<std::string> SplitWords(const std::string &line)
     return words;
 }
 
-int FindCondition(const std::string &word)
-{
-    for (int i = 0; i < CONDITION_COUNT; ++i)
-        if (word == CONDITIONS[i].word)
-            return i;
-    return -1;
-}
-
 } // namespace
 
 int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem)
@@ -85,8 +78,10 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
     }
     parsed.action = action->action;
     parsed.item = words[2];
-    parsed.condition = FindCondition(words[3]);
-    if (parsed.condition < 0) {
+    parsed.condition = 0;
+    while (parsed.condition < CONDITION_COUNT && words[3] != CONDITIONS[parsed.condition].word)
+        ++parsed.condition;
+    if (parsed.condition == CONDITION_COUNT) {
         *problem = "no condition '" + words[3] +
                    "': > >= < <= = <> NUMBER, rises NUMBER, falls NUMBER, changes or fails";
         return -1;
@@ -125,6 +120,7 @@ int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers, s
 
 bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples)
 {
+    // Looked up each time: items may change while it goes on.
     size_t i = 0;
     while (i < items.size() && items[i].name != trigger->item)
         ++i;

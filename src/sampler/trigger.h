@@ -6,7 +6,7 @@
 //
 // A comparison fires when it begins to hold, not again while it goes on to; "rises 900" asks for
 // a sample below and then one that is not. Failed samples are no values: nothing fires by them
-// but "fails". Pure state, fed with rows.
+// but "fails". Pure state, fed with rows; only the question at the end uses the view.
 #ifndef SAMPLER_TRIGGER_H
 #define SAMPLER_TRIGGER_H
 
@@ -37,5 +37,10 @@ int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers,
                   std::string *problem);
 // True when it fires by this row. An item that is not among `items` never does.
 bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples);
+
+// The question in which a user enters triggers, for every window that has some (trigger_entry.cpp).
+// `whose` says in a word or two what they are for: "of the next recording". The text as it was
+// entered, and parsed. False when the user gave up: both are as they were.
+bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers);
 
 #endif

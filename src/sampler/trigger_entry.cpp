@@ -1,4 +1,4 @@
-#include "sampler/trigger_entry.h"
+#include "sampler/trigger.h"
 
 #include "runtime/userint.h"
 
@@ -14,6 +14,7 @@ const char HELP[] = ", parted by ';', such as\n"
 
 bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers)
 {
+    // What was refused is asked again as it was typed, with what is wrong above it.
     std::string entered = *text, problem;
     for (int round = 0; round < QUESTIONS_MAX; ++round) {
         const std::string question =

@@ -1,3 +1,5 @@
+// A file is comment lines with what the recording was taken by, a line of names and a row a
+// sample; a spreadsheet reads it as it is.
 #include "scope/capture.h"
 
 #include "calendar/datetime.h"
@@ -17,20 +19,6 @@ namespace {
 
 constexpr const char *FIRST_LINE = "; Vireo2 scope 1";
 constexpr size_t TRACES_MAX = SX_RECORDS;
-
-// An empty cell is a sample that was not read.
-bool ParseCell(const std::string &cell, double *value)
-{
-    *value = std::numeric_limits<double>::quiet_NaN();
-    return cell.empty() || NUM_Parse(cell, value);
-}
-
-std::string Now()
-{
-    PLT_Date now;
-    PLT_LocalTime(&now);
-    return IsoDateText(now);
-}
 
 // What stands above the columns: with it the file is read again as it was taken.
 std::string Head(const SCP_Capture &capture)
@@ -63,21 +51,18 @@ std::string Head(const SCP_Capture &capture)
     return head + "\r\n";
 }
 
-std::string Row(const SCP_Capture &capture, size_t index)
-{
-    std::string row = std::to_string(index) + "," + SCP_NumberText(SCP_TimeOf(capture, index));
-    for (const SCP_Trace &trace : capture.traces)
-        row += "," + SCP_NumberText(trace.samples[index]);
-    return row + "\r\n";
-}
-
 bool WriteAll(std::FILE *file, const SCP_Capture &capture)
 {
+    // All traces are of the same upload and therefore as long.
     const size_t rows = capture.traces.empty() ? 0 : capture.traces[0].samples.size();
     std::fputs(Head(capture).c_str(), file);
-    for (size_t i = 0; i < rows; ++i)
-        std::fputs(Row(capture, i).c_str(), file);
-    return std::ferror(file) == 0;
+    for (size_t i = 0; i < rows; ++i) {
+        std::string row = std::to_string(i) + "," + SCP_NumberText(SCP_TimeOf(capture, i));
+        for (const SCP_Trace &trace : capture.traces)
+            row += "," + SCP_NumberText(trace.samples[i]);
+        std::fputs((row + "\r\n").c_str(), file);
+    }
+    return std::ferror(file) == 0; // a full disk is noticed here, once for all rows
 }
 
 // "; key, value": the value behind the first comma, blanks left out.
@@ -140,6 +125,7 @@ bool ParseHeadLine(const std::string &key, const std::string &value, SCP_Capture
     return note.type >= 0;
 }
 
+// The names, which end the head: from here on the notes of each column are known.
 bool ParseColumns(const std::string &line, const std::vector<TraceNotes> &notes,
                   SCP_Capture *capture)
 {
@@ -160,6 +146,7 @@ bool ParseColumns(const std::string &line, const std::vector<TraceNotes> &notes,
     return true;
 }
 
+// Rows are numbered: one that is lost or doubled would shift all that follow in time.
 bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
 {
     std::vector<std::string> cells;
@@ -168,8 +155,9 @@ bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
         !NUM_Parse(cells[0], &number) || number != index)
         return false;
     for (size_t i = 0; i < capture->traces.size(); ++i) {
-        double value = 0;
-        if (!ParseCell(cells[i + 2], &value))
+        // An empty cell is a sample that was not read.
+        double value = std::numeric_limits<double>::quiet_NaN();
+        if (!cells[i + 2].empty() && !NUM_Parse(cells[i + 2], &value))
             return false;
         capture->traces[i].samples.push_back(value);
     }
@@ -193,20 +181,23 @@ SCP_Capture SCP_MakeCapture(const SCP_Setup &setup)
 {
     SCP_Capture capture;
     capture.id = SX_szPrefix;
-    capture.taken = Now();
+    PLT_Date now;
+    PLT_LocalTime(&now);
+    capture.taken = IsoDateText(now);
     capture.rate = SX_ffFscpUpload / setup.subPd;
     capture.subPd = setup.subPd;
     capture.mode = setup.mode;
     capture.slope = setup.slope;
     capture.level = setup.level;
     capture.position = setup.position;
-    const double behind = std::floor(0.5 + SX_nVz * (100 - setup.position) * 0.01);
-    // So many samples follow the one at which it triggered.
-    capture.triggerAt = SX_isSnapped ? 0 : SX_nVz - 1 - static_cast<int>(behind);
+    // So many samples follow the one at which it triggered; forced, it has no such moment.
+    const int behind = static_cast<int>(SX_CountBehind(setup.position));
+    capture.triggerAt = SX_isSnapped ? 0 : SX_nVz - 1 - behind;
     const size_t rows = SX_nCh > 0 ? static_cast<size_t>(SX_cnData / SX_nCh) : 0;
     bool isSecondSlot = false; // of the channel before: not by the types set since
     for (int number = 1; number <= SX_nCh; ++number) {
         const SCP_ChannelSetup &channel = setup.channels[static_cast<size_t>(number - 1)];
+        // Only generation 3 has a second word for an X4 channel, and its last channel has none.
         const bool isX4 = SX_IsX4(channel.type);
         const bool hasValues = !isX4 || (SX_nVer == 3 && number < SX_nCh);
         const bool isBlocked = isSecondSlot && SX_nVer == 3;
@@ -238,6 +229,7 @@ int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture)
     SafeFile safe;
     if (SAF_Open(&safe, path, "wb") != 0)
         return -1;
+    // Half a recording does not replace a whole one.
     if (WriteAll(safe.file, capture))
         return SAF_Commit(&safe);
     SAF_Cancel(&safe);
@@ -246,6 +238,7 @@ int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture)
 
 int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *problem)
 {
+    // One line is read ahead, for only then is it known which one is the last.
     const bool isWhole = EndsWithLine(path);
     const int file = TXFR_Open(path.c_str());
     if (file < 0) {
@@ -264,7 +257,7 @@ int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *
         ++number;
         if (number == 1)
             isGood = line == FIRST_LINE;
-        else if (!loaded.traces.empty())
+        else if (!loaded.traces.empty()) // behind the names
             isGood = rows < CAPTURE_SAMPLES_MAX && ParseRow(line, rows++, &loaded);
         else if (line.empty() || line[0] != ';')
             isGood = ParseColumns(line, notes, &loaded);
@@ -272,7 +265,7 @@ int SCP_LoadCapture(const std::string &path, SCP_Capture *capture, std::string *
             isGood = ParseHeadLine(key, value, &loaded, &notes);
         line.swap(next);
     }
-    if (hasLine)
+    if (hasLine) // at the end the reader has closed the file itself
         TXFR_Close(file);
     if (!isGood || rows == 0) {
         *problem = path + ": line " + std::to_string(number) + " is not of a scope recording";

@@ -1,5 +1,5 @@
 // What a bench instrument reads off a curve: extremes, mean and RMS of a stretch of samples,
-// and period, frequency and duty where it repeats.
+// period, frequency and duty where it repeats, and the frequencies it is made of.
 #ifndef SCOPE_MEASURE_H
 #define SCOPE_MEASURE_H
 
@@ -20,5 +20,17 @@ struct SCP_Measures {
 // Of the samples with from <= x <= to; x rises, NaN in y is skipped.
 SCP_Measures SCP_Measure(const std::vector<double> &x, const std::vector<double> &y, double from,
                          double to);
+
+constexpr size_t SPC_SAMPLES_MIN = 16;
+
+struct SPC_Spectrum {
+    std::vector<double> frequencies; // Hz, from 0 to half the rate
+    std::vector<double> amplitudes;  // of a sine of that frequency: half its peak to peak
+    double peakHz = 0, peak = 0;     // the strongest line; 0 of a curve that does not move
+};
+
+// Of the samples, `rate` a second, without their mean. 0, or -1: fewer than SPC_SAMPLES_MIN or
+// one that has no value.
+int SPC_Make(const std::vector<double> &samples, double rate, SPC_Spectrum *spectrum);
 
 #endif

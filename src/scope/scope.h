@@ -75,10 +75,18 @@ double SCP_CvtF2C_F4(uint16_t word);
 // A word, or two of an X4 type with `high` the second, as the type's value.
 double SX_Value(int type, uint16_t word, uint16_t high);
 
+// Samples behind the trigger when `percent` of the record lie before it: rounded, and what the
+// target counts down. Outside of 0 to SX_nVz for a percentage outside of 0 to 100.
+double SX_CountBehind(double percent);
+// Control word that arms a scope with so many samples behind the trigger.
+int16_t SX_ArmingWord(uint16_t behind);
+
 // Clears the records and gives each of `channels` its sample count, name and flags.
 void SX_PrepareRecords(int channels);
 // Reads `count` words at a byte address in blocks, little-endian and proven, asking for a
 // cancel between them. 0, -2 on a failed read, SX_CANCELLED; `words` are then as they were.
 int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progress);
+// An upload is complete: what was in force is kept for the samples it has brought.
+void SX_NoteUpload();
 
 #endif

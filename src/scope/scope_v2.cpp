@@ -1,3 +1,4 @@
+// Every access looks its variable up by name: a map that is loaded later counts at once.
 #include "scope/scope_v2.h"
 
 #include "comm/sysaddr.h"
@@ -6,7 +7,6 @@
 #include "text/bytes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <vector>
@@ -16,6 +16,7 @@ int S2_nErr = -1;
 
 namespace {
 
+// All have to exist, wTgM too, although nothing here uses it.
 constexpr const char *NEEDED[] = {"cn",    "wTg", "wTgL", "wTgM",  "wTgTm",
                                   "aData", "nVz", "nCh",  "CTgC1", "CTgC2"};
 constexpr const char *EXTENDED[] = {"fFreq", "wSubPd", "cnSubSmp"};
@@ -28,7 +29,12 @@ struct TriggerCode {
 constexpr TriggerCode TRIGGER_CODES[] = {
     {0, 1, 0xCD, 0xBD}, {0, 0, 0x8D, 0xFD}, {1, 1, 0xAD, 0xDD}, {1, 0, 0xED, 0x9D}};
 
-// Loads of the sampling routine: a byte with its sign, a byte with zeros, a word.
+// Source addresses of a target with pages of 16 KiB: offset, and number of the page.
+constexpr uint32_t PAGE_OFFSET_MASK = 0x3FFF, PAGE_MASK = 0x3FFFC000;
+constexpr int PAGE_SHIFT = 14;
+
+// Loads of the sampling routine, as the C166 codes them: a byte with its sign, a byte with zeros, a
+// word.
 constexpr uint16_t LOAD_SIGNED_BYTE = 0xF2D2, LOAD_BYTE = 0xF2C2, LOAD_WORD = 0xF2F2;
 
 uint32_t AddressOf(const std::string &suffix)
@@ -62,24 +68,13 @@ std::string OfChannel(const char *name, int channel)
     return name + std::to_string(channel);
 }
 
-int ReadFrequency()
-{
-    uint8_t bytes[4];
-    if (S2_RdOscVar("fFreq", sizeof bytes, bytes) < 0)
-        return -1;
-    const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
-    float frequency = 0;
-    std::memcpy(&frequency, &bits, sizeof frequency);
-    SX_ffFscp = static_cast<double>(frequency);
-    return 0;
-}
-
 void FillRecords()
 {
     SX_PrepareRecords(SX_nCh);
     for (int channel = 0; channel < SX_nCh; ++channel) {
         SX_Record &record = SX_aRecords[static_cast<size_t>(channel)];
         const int type = SX_anChTyp[static_cast<size_t>(channel)];
+        // Sample after sample, the channels of one behind each other.
         for (int i = 0; i < record.cnSamples; ++i) {
             const uint16_t word = SX_awData[static_cast<size_t>(SX_nCh * i + channel)];
             // One word a channel is all there is: wider types have no value here.
@@ -97,6 +92,7 @@ int S2_Init()
     SX_isUploadDone = 0;
     S2_nErr = -1;
     uint16_t values = 0, channels = 0;
+    // Only this tells that the other generation may be there; all later failures are of this one.
     if (ReadWord("nVz", &values) < 0)
         return SX_NO_GENERATION;
     if (ReadWord("nCh", &channels) < 0)
@@ -109,12 +105,20 @@ int S2_Init()
         return -2;
     S2_IsXt = std::all_of(std::begin(EXTENDED), std::end(EXTENDED), IsKnown);
     SX_ffFscp = 1.0;
-    if (S2_IsXt && ReadFrequency() < 0)
-        return -1;
+    if (S2_IsXt) {
+        uint8_t bytes[4];
+        float frequency = 0; // Hz
+        if (S2_RdOscVar("fFreq", sizeof bytes, bytes) < 0)
+            return -1;
+        const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
+        std::memcpy(&frequency, &bits, sizeof frequency);
+        SX_ffFscp = static_cast<double>(frequency);
+    }
     for (int channel = 1; channel <= channels; ++channel) {
         if (!IsKnown(OfChannel("pSrc", channel)))
             return -1;
     }
+    // A refused scope leaves the counts of the last one, which its upload still has.
     SX_nVz = values;
     SX_nCh = channels;
     S2_nErr = 0;
@@ -142,7 +146,7 @@ int S2_RdCtl(int16_t *value)
 {
     uint16_t word = 0;
     const int result = ReadWord("wTg", &word);
-    *value = static_cast<int16_t>(word);
+    *value = static_cast<int16_t>(word); // 0 when it was not read: the result says so
     return result;
 }
 
@@ -155,20 +159,19 @@ int S2_Run()
 {
     uint16_t post = 0;
     const int result = S2_GetCnPostTgr(&post);
-    if (result < 0)
-        return result;
-    return S2_WriteCtl(static_cast<int16_t>(std::min(post - 1 - SX_nVz, -2)));
+    return result < 0 ? result : S2_WriteCtl(SX_ArmingWord(post));
 }
 
 int S2_ManTgr()
 {
+    // As if it had triggered just now, with a whole record to come behind it.
     return S2_WriteCtl(static_cast<int16_t>(SX_nVz));
 }
 
 int S2_SetTgrPos(double percent)
 {
-    const double post = std::floor(0.5 + SX_nVz * (100 - percent) * 0.01);
-    if (!(post >= 0 && post <= SX_nVz))
+    const double post = SX_CountBehind(percent);
+    if (!(post >= 0 && post <= SX_nVz)) // NaN as well
         return -1;
     return WriteWord("wTgTm", static_cast<uint16_t>(post));
 }
@@ -184,6 +187,7 @@ int S2_SetSubPd(uint16_t period)
         return -1;
     // The period itself here, where the other generation's block holds one less.
     const int result = WriteWord("wSubPd", period);
+    // The counter starts anew, or a shorter period would begin after a longer one's rest.
     return result < 0 ? result : WriteWord("cnSubSmp", 1);
 }
 
@@ -208,6 +212,7 @@ int S2_GetTgrCond()
     uint8_t first = 0, second = 0;
     if (S2_RdOscVar("CTgC1", 1, &first) < 0 || S2_RdOscVar("CTgC2", 1, &second) < 0)
         return -1;
+    // The first bytes differ in all rows; the second must go with it.
     for (const TriggerCode &row : TRIGGER_CODES) {
         if (row.first == first)
             return row.second == second ? 2 * row.mode + (1 - row.slope) : -1;
@@ -223,11 +228,14 @@ int S2_SetChAddr(int channel, uint32_t address)
                       load = OfChannel("pSrcInst", channel);
     if (!IsKnown(source))
         return -2;
+    // A firmware without pages samples near memory only and holds the lower 16 bits.
     const bool isPaged = IsKnown(page);
-    if (WriteWord(source, static_cast<uint16_t>(isPaged ? address & 0x3FFF : address)) < 0)
+    const uint32_t offset = isPaged ? address & PAGE_OFFSET_MASK : address;
+    if (WriteWord(source, static_cast<uint16_t>(offset)) < 0)
         return -3;
-    if (isPaged && WriteWord(page, static_cast<uint16_t>((address & 0x3FFFC000) >> 14)) < 0)
+    if (isPaged && WriteWord(page, static_cast<uint16_t>((address & PAGE_MASK) >> PAGE_SHIFT)) < 0)
         return -3;
+    // The address is written all the same: whoever samples words may take this for good.
     if (!IsKnown(load))
         return -1;
     const int type = SX_anChTyp[static_cast<size_t>(channel - 1)];
@@ -247,7 +255,7 @@ int S2_GetChAddr(int channel, uint32_t *address)
     if (result == 0 && IsKnown(pages))
         result = ReadWord(pages.c_str(), &page);
     if (result == 0)
-        *address = static_cast<uint32_t>(page) << 14 | offset;
+        *address = static_cast<uint32_t>(page) << PAGE_SHIFT | offset;
     return result;
 }
 
@@ -261,6 +269,7 @@ int S2_ReadData(SX_Progress progress)
         return -2;
     if (control != 0)
         return control < 0 ? SX_NOT_TRIGGERED : SX_SAMPLING;
+    // Into a ring of its own: an upload that breaks off leaves the last one whole.
     const uint32_t buffer = AddressOf("aData");
     std::vector<uint16_t> ring(static_cast<size_t>(total));
     const int result =
@@ -279,8 +288,6 @@ int S2_ReadData(SX_Progress progress)
         SX_awData[static_cast<size_t>(k)] =
             ring[static_cast<size_t>((index - 1 - k + 2 * total) % total)];
     FillRecords();
-    SX_isUploadDone = 1;
-    SX_wSubPdUpload = SX_wSubPd;
-    SX_ffFscpUpload = SX_ffFscp;
+    SX_NoteUpload();
     return 0;
 }

@@ -1,3 +1,4 @@
+// The block's base is found once, by the init; every access is an offset from there.
 #include "scope/scope_v3.h"
 
 #include "comm/sysaddr.h"
@@ -6,7 +7,6 @@
 #include "text/bytes.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <vector>
@@ -37,6 +37,8 @@ enum Field : uint32_t {
 constexpr uint16_t ID_TMS = 0x20D3, ID_166 = 0x20D2;
 constexpr uint32_t MHZ_MIN = 1001, MHZ_MAX = 999999999; // outside: the target tells none
 constexpr uint16_t MODE_FREE_RUN = 0x10;
+constexpr uint32_t PAGE_OFFSET_MASK = 0x3FFF; // of a C166 page of 16 KiB
+constexpr int PAGE_GAP_BITS = 2;              // stored, the page begins at bit 16 and not at 14
 
 int ReadWord(uint32_t offset, uint16_t *value)
 {
@@ -73,25 +75,20 @@ int WriteLong(uint32_t offset, uint32_t value)
 // The block counts words on a TMS320 and keeps page and offset apart on a C166.
 uint32_t FromBlockFormat(uint32_t stored)
 {
-    return S3_isVer166 ? (stored & 0x3FFF) | (stored & 0xFFFF0000u) >> 2 : stored * 2;
+    return S3_isVer166 ? (stored & PAGE_OFFSET_MASK) | (stored & 0xFFFF0000u) >> PAGE_GAP_BITS
+                       : stored * 2;
 }
 
 uint32_t ToBlockFormat(uint32_t address)
 {
-    return S3_isVer166 ? (address & 0x3FFF) | (address & 0xFFFFC000u) << 2 : address / 2;
+    return S3_isVer166
+               ? (address & PAGE_OFFSET_MASK) | (address & ~PAGE_OFFSET_MASK) << PAGE_GAP_BITS
+               : address / 2;
 }
 
 uint32_t SourceOffset(int channel)
 {
     return SOURCES + 4 * static_cast<uint32_t>(channel - 1);
-}
-
-// The buffer lies as a ring: the word at the write index is the oldest.
-void SortRing(const std::vector<uint16_t> &ring, size_t index)
-{
-    SX_cnData = static_cast<int>(ring.size());
-    for (size_t i = 0; i < ring.size(); ++i)
-        SX_awData[i] = ring[(i + index) % ring.size()];
 }
 
 void FillRecords()
@@ -101,7 +98,7 @@ void FillRecords()
     for (int channel = 1; channel <= channels; ++channel) {
         SX_Record &record = SX_aRecords[static_cast<size_t>(channel - 1)];
         if (S3_IsChannelBlocked(channel)) {
-            record.isEnabled = 0;
+            record.isEnabled = 0; // its zeros are no samples: the words belong to its neighbour
             continue;
         }
         const int type = SX_anChTyp[static_cast<size_t>(channel - 1)];
@@ -129,6 +126,8 @@ int S3_Init()
     S3_dwBaseAddr = GetSysAddr(SX_szPrefix.c_str());
     if (S3_dwBaseAddr == ADDR_NONE)
         return -1;
+    // Any variable may have been named: the identification tells a scope from other data, and
+    // which kind of processor counts its addresses.
     uint16_t id = 0, values = 0, channels = 0;
     uint32_t buffer = 0, milliHertz = 0;
     if (ReadWord(IDENTIFICATION, &id) < 0 || (id != ID_TMS && id != ID_166))
@@ -143,6 +142,7 @@ int S3_Init()
         return -3;
     if (ReadLong(FREQUENCY, &milliHertz) < 0)
         return -1;
+    // Only now: beside a scope that is refused, the counts of the last upload stay.
     S3_dwBuffAddr = FromBlockFormat(buffer);
     SX_nVz = values;
     SX_nCh = channels;
@@ -190,21 +190,19 @@ int S3_Run()
 {
     uint16_t post = 0;
     const int result = S3_GetCnPostTgr(&post);
-    if (result < 0)
-        return result;
-    // The count up to the trigger: the samples in front of it are to be fresh.
-    return S3_WriteCtl(static_cast<int16_t>(std::min(post - 1 - SX_nVz, -2)));
+    return result < 0 ? result : S3_WriteCtl(SX_ArmingWord(post));
 }
 
 int S3_ManTgr()
 {
+    // As if it had triggered just now, with a whole record to come behind it.
     return S3_WriteCtl(static_cast<int16_t>(SX_nVz));
 }
 
 int S3_SetTgrPos(double percent)
 {
-    const double post = std::floor(0.5 + SX_nVz * (100 - percent) * 0.01);
-    if (!(post >= 0 && post <= SX_nVz))
+    const double post = SX_CountBehind(percent);
+    if (!(post >= 0 && post <= SX_nVz)) // NaN as well
         return -1;
     return WriteWord(POST_TRIGGER, static_cast<uint16_t>(post));
 }
@@ -225,6 +223,7 @@ int S3_SetSubPd(uint16_t period)
 int S3_SetTgrLevel(double level, int type)
 {
     uint32_t bits = 0;
+    // A packed float is the upper half of a single, so its level is a single as well.
     if (type == SX_F4 || type == SX_F2) {
         const float single = static_cast<float>(level);
         std::memcpy(&bits, &single, sizeof bits);
@@ -233,6 +232,7 @@ int S3_SetTgrLevel(double level, int type)
             return -3;
         bits = static_cast<uint32_t>(level);
     } else {
+        // Truncated towards 0 as the conversion does, so that a bit more than the limits fits.
         if (!(level > -2147483649.0 && level < 2147483648.0))
             return -3;
         bits = static_cast<uint32_t>(static_cast<int32_t>(level));
@@ -249,7 +249,8 @@ int S3_SetTriggerMode(int mode, int slope)
 {
     if (mode < 0 || mode > 2)
         return -1;
-    // By the type of the comparison: 16-bit signed where no other is listed.
+    // By the type of the comparison. The target extends bytes to signed words, zeros or not, so
+    // both are compared as such, and so is a type that nobody knows.
     constexpr uint16_t BASES[SX_TYPES] = {2, 2, 7, 2, 5, 10, 12, 14};
     const uint16_t base = slope >= 0 && slope < SX_TYPES ? BASES[slope] : BASES[SX_I2];
     return WriteWord(TRIGGER_MODE, mode == 2 ? MODE_FREE_RUN : static_cast<uint16_t>(base + mode));
@@ -260,6 +261,8 @@ int S3_GetTgrCond()
     uint16_t code = 0;
     if (ReadWord(TRIGGER_MODE, &code) < 0)
         return -1;
+    // Not the way back of the bases: free run has no condition, and of the type only the sign
+    // comes back.
     struct {
         uint16_t code;
         int mode, isSigned;
@@ -296,6 +299,8 @@ int S3_SetChAddr(int channel, uint32_t address)
     if (WriteLong(SourceOffset(channel), stored) < 0)
         return -3;
     const int type = SX_anChTyp[static_cast<size_t>(channel - 1)];
+    // The target samples words: the upper half goes through the next channel's slot, from the
+    // next word. Added before the conversion on a C166, for it may lie in the next page.
     if (SX_IsX4(type) && channel < SX_nCh) {
         const uint32_t second = S3_isVer166 ? ToBlockFormat(address + 2) : stored + 1;
         return WriteLong(SourceOffset(channel + 1), second) < 0 ? -3 : 2;
@@ -325,6 +330,7 @@ int S3_ReadData(SX_Progress progress)
     if (control != 0)
         return control < 0 ? SX_NOT_TRIGGERED : SX_SAMPLING;
     uint16_t index = 0;
+    // The ring stands still since the control word is 0: the order of the reads is free.
     if (ReadWord(WRITE_INDEX, &index) < 0)
         return -3;
     // Into a buffer of its own: an upload that breaks off leaves the last one whole.
@@ -334,10 +340,11 @@ int S3_ReadData(SX_Progress progress)
         return result;
     if (index > total)
         return -4;
-    SortRing(ring, index);
+    // The word at the write index is the oldest; an index behind the end is that of the first.
+    SX_cnData = total;
+    for (size_t i = 0; i < ring.size(); ++i)
+        SX_awData[i] = ring[(i + index) % ring.size()];
     FillRecords();
-    SX_isUploadDone = 1;
-    SX_wSubPdUpload = SX_wSubPd;
-    SX_ffFscpUpload = SX_ffFscp;
+    SX_NoteUpload();
     return 0;
 }

@@ -1,3 +1,5 @@
+// The steps go through a table of the two drivers, and keep a copy of what the target was told:
+// the fields of a window change while a recording made with older ones is still in the target.
 #include "scope/session.h"
 
 #include "comm/sysaddr.h"
@@ -26,7 +28,7 @@ struct Driver {
 
 int SetLevelV2(double level, const SCP_Setup &setup)
 {
-    // 16 bits: signed or unsigned as the comparison is.
+    // 16 bits: signed or unsigned as the comparison is, whatever channel 1 holds.
     const bool isSigned = setup.slope != 0;
     const double low = isSigned ? -32768 : 0, high = isSigned ? 32767 : 65535;
     if (!(level >= low && level <= high))
@@ -50,7 +52,7 @@ SCP_Setup told;          // to the target, part by part
 SCP_Setup ran;           // what the recording there was, or is being, made with
 bool hasRun = false;     // `ran` means something
 bool isUnderWay = false; // what is told now changes the recording
-int runStation = -1;
+int runStation = -1;     // -1: none
 
 const Driver &Current()
 {
@@ -64,6 +66,7 @@ int ShowStatus(const SCP_View &view, const std::string &text, int result)
     return result;
 }
 
+// While the target samples, what it is told reaches the recording; behind its end it does not.
 void NoteTold()
 {
     if (isUnderWay)
@@ -75,18 +78,6 @@ void NoteRun()
     ran = told;
     hasRun = isUnderWay = true;
     runStation = STATION;
-}
-
-int FindGeneration()
-{
-    SX_nVer = 2;
-    const int second = S2_Init();
-    if (second != SX_NO_GENERATION)
-        return second;
-    const int third = S3_Init();
-    if (third == 0)
-        SX_nVer = 3;
-    return third;
 }
 
 } // namespace
@@ -111,11 +102,19 @@ int SCP_Init(SCP_Setup *setup, const SCP_View &view)
     isUnderWay = false;
     told = *setup;
     ShowStatus(view, "Init in progress ...", 0);
-    const int result = FindGeneration();
+    // Generation 3 only where nothing of 2 is there: the same text is its block's name then.
+    SX_nVer = 2;
+    int result = S2_Init();
+    if (result == SX_NO_GENERATION) {
+        result = S3_Init();
+        SX_nVer = result == 0 ? 3 : 2;
+    }
     if (result < 0)
         return ShowStatus(view, "Init error (1).", result);
     if (SCP_SetChannels(*setup, view) < 0)
         return -1;
+    // Found all the same: the next trigger that is set writes a known condition. Free run has
+    // none to read.
     if (Current().getCondition() < 0 && setup->mode != 2)
         ShowStatus(view, "Init error 4: Map of memory?", 0);
     char text[200];
@@ -126,6 +125,7 @@ int SCP_Init(SCP_Setup *setup, const SCP_View &view)
 
 int SCP_SetChannels(const SCP_Setup &setup, const SCP_View &view)
 {
+    // The drivers go by the types: which slots an X4 channel blocks, what a word is worth.
     char text[80];
     for (size_t i = 0; i < SX_CHANNELS_MAX; ++i) {
         const SCP_ChannelSetup &channel = setup.channels[i];
@@ -159,6 +159,7 @@ int SCP_SetTrigger(const SCP_Setup &setup, const SCP_View &view)
 {
     if (!SX_isInitDone || Current().setMode(setup.mode, setup.slope) < 0)
         return ShowStatus(view, "Error (trigger level not set/1).", -1);
+    // The numbers tell where it broke off: mode (1), level out of range (2), level (3).
     const int result = Current().setLevel(setup.level, setup);
     if (result == -3)
         return ShowStatus(view, "Error (trigger level not set/2).", -1);
@@ -208,6 +209,7 @@ int SCP_Snap(const SCP_View &view)
     if (!SX_isInitDone || Current().force() < 0)
         return ShowStatus(view, "Snap error.", -1);
     SX_isSnapped = 1;
+    // Without a run the target starts afresh with what it was told last.
     if (!isUnderWay)
         NoteRun();
     return ShowStatus(view, "Snapped.", 0);
@@ -236,6 +238,8 @@ SCP_State SCP_GetState()
     int16_t control = 0;
     if (!SX_isInitDone || Current().readControl(&control) < 0)
         return SCP_UNKNOWN;
+    // The only place where the end of a recording is noticed: what is told from now on is for
+    // the next one.
     isUnderWay = isUnderWay && control != 0;
     return control < 0 ? SCP_ARMED : control > 0 ? SCP_TRIGGERED : SCP_COMPLETE;
 }

@@ -1,3 +1,5 @@
+// A table has a row for each key of the file, with the way in and the way out; loading, saving
+// and the check of a line know no key by name but "off".
 #include "scope/setup.h"
 
 #include "comm/sysaddr.h"
@@ -13,12 +15,13 @@
 
 namespace {
 
-constexpr int SUB_PERIOD_MAX = 65535;
+constexpr int SUB_PERIOD_MAX = 65535;  // a word of the target
 constexpr size_t TEXT_MAX_CHARS = 120; // place, id, unit
 
 std::vector<std::string> SplitFields(const std::string &line)
 {
     std::vector<std::string> fields;
+    // No quoting: neither a name of the target nor a unit holds a comma or a semicolon.
     const std::string text = line.substr(0, line.find(';'));
     for (size_t begin = 0; begin <= text.size();) {
         const size_t comma = std::min(text.find(',', begin), text.size());
@@ -41,7 +44,7 @@ struct Key {
     std::string (*format)(const SCP_Setup &setup, size_t index); // "" = no line
 };
 
-constexpr double ANY = 1e300;
+constexpr double ANY = 1e300; // numbers without a limit of their own, but no infinity
 
 const Key KEYS[] = {
     {"id", false, 1,
@@ -149,7 +152,7 @@ std::string FormatLine(const Key &key, size_t index, const SCP_Setup &setup)
     std::string line = key.name;
     if (key.isOfChannel)
         line += ", " + std::to_string(index + 1);
-    return value == " " ? line : line + ", " + value;
+    return value == " " ? line : line + ", " + value; // a key without a value
 }
 
 } // namespace
@@ -158,7 +161,8 @@ std::string SCP_NumberText(double value)
 {
     if (std::isnan(value))
         return "";
-    char text[32];
+    // Not printf: its decimal point is the locale's.
+    char text[32]; // 24 characters are the longest
     const auto end = std::to_chars(text, text + sizeof text, value, std::chars_format::general);
     return std::string(text, end.ptr);
 }
@@ -174,6 +178,7 @@ int SCP_ParseSetupLine(const std::string &line, SCP_Setup *setup)
     if (index >= SX_CHANNELS_MAX || fields.size() != skipped + key->fields)
         return -1;
     fields.erase(fields.begin(), fields.begin() + static_cast<long>(skipped));
+    // What is too long is refused, not cut: half a name may be another variable's.
     const bool isLong = std::any_of(fields.begin(), fields.end(), [](const std::string &field) {
         return field.size() > TEXT_MAX_CHARS;
     });
@@ -185,6 +190,7 @@ int SCP_LoadSetup(const std::string &path, SCP_Setup *setup, std::vector<std::st
     const int file = TXFR_Open(path.c_str());
     if (file < 0)
         return -1;
+    // Lines are kept as they are, so that saving loses no comment and no later version's key.
     SCP_Setup loaded;
     std::string line;
     while (TXFR_RdNewLine(file, &line, -1) >= 0) {
@@ -224,6 +230,7 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup)
             comment = old.find_last_not_of(" \t", comment - 1) + 1; // with the blanks before it
         lines.push_back(comment == std::string::npos ? text : text + old.substr(comment));
     }
+    // What the old file did not have, channel by channel; keys of no channel once.
     for (size_t index = 0; index < SX_CHANNELS_MAX; ++index) {
         for (const Key &key : KEYS) {
             const std::string text =
@@ -242,6 +249,7 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup)
 
 uint32_t SCP_ResolvePlace(const std::string &place)
 {
+    // Hexadecimal without a mark in brackets only: "ADC" may be a variable's name.
     if (place.empty() || place[0] != '[')
         return place.empty() ? ADDR_NONE : GetSysAddr(place.c_str());
     const char *begin = place.data() + 1;

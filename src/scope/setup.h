@@ -40,7 +40,8 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup);
 // One line into the setup: 1 taken, 0 no line of ours, -1 a bad value.
 int SCP_ParseSetupLine(const std::string &line, SCP_Setup *setup);
 
-// The shortest text that reads back to the same number; "" when it is none.
+// The shortest text that reads back to the same number; "" when it is none. With a point
+// everywhere.
 std::string SCP_NumberText(double value);
 
 // Byte address of a channel's place, or 0xFFFFFFFF.

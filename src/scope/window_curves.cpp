@@ -1,8 +1,8 @@
-#include "scope/window_curves.h"
-
+// Curves go to the graph as shared samples, which the view does not copy; zoom and cursors are
+// the graph's own. Here is only what belongs to them: names, panes, marks, measures.
 #include "runtime/userint.h"
 #include "scope/measure.h"
-#include "scope/spectrum.h"
+#include "scope/window_parts.h"
 #include "ui/resource.h"
 
 #include <algorithm>
@@ -12,9 +12,10 @@
 namespace {
 
 SCP_ChannelSetup triggerChannel;          // as it was scaled when the marks were drawn
-double shownLevel = 0, shownPosition = 0; // as the graph has them
+double shownLevel = 0, shownPosition = 0; // as the graph has them, scaled; seconds
 int spectrumOf = -1;                      // trace; -1: the curves are shown
 
+// Seconds, one a sample: all traces of a recording share them.
 std::vector<double> TimesOf(const SCP_Capture &capture)
 {
     std::vector<double> times(capture.traces.empty() ? 0 : capture.traces[0].samples.size());
@@ -29,16 +30,16 @@ UI_Samples Share(std::vector<double> values)
 }
 
 // A curve to compare with has the pane of the one it is compared with.
-int PaneOf(const SCP_Capture &capture, const std::string &name, size_t index)
+int PaneOf(const std::string &name, size_t index)
 {
-    for (size_t i = 0; i < capture.traces.size(); ++i)
-        if (capture.traces[i].name == name)
+    const std::vector<SCP_Trace> &traces = SCW_state.capture.traces;
+    for (size_t i = 0; i < traces.size(); ++i)
+        if (traces[i].name == name)
             index = i;
     return static_cast<int>(std::min<size_t>(index, GRAPH_PANES_MAX - 1));
 }
 
-void AddCurves(const SCP_Capture &from, const SCP_Capture &capture, bool isReference,
-               std::vector<UI_Plot> *plots)
+void AddCurves(const SCP_Capture &from, bool isReference, std::vector<UI_Plot> *plots)
 {
     const UI_Samples times = Share(TimesOf(from));
     for (size_t i = 0; i < from.traces.size(); ++i) {
@@ -46,10 +47,11 @@ void AddCurves(const SCP_Capture &from, const SCP_Capture &capture, bool isRefer
         UI_Plot plot;
         plot.x = times;
         plot.y = Share(trace.samples);
+        // Told from each other by the name as well: dashes are lost in a dense curve.
         plot.name = trace.name + (isReference ? " (reference)" : "");
         plot.unit = trace.unit;
         plot.isDashed = isReference;
-        plot.pane = PaneOf(capture, trace.name, i);
+        plot.pane = PaneOf(trace.name, i);
         plots->push_back(plot);
     }
 }
@@ -58,6 +60,7 @@ void AddCurves(const SCP_Capture &from, const SCP_Capture &capture, bool isRefer
 void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReference,
                 std::vector<UI_Plot> *plots)
 {
+    // Too short, or with samples that were not read, it has none: no curve then.
     for (const SCP_Trace &trace : from.traces) {
         SPC_Spectrum spectrum;
         if (trace.name != name || SPC_Make(trace.samples, from.rate, &spectrum) < 0)
@@ -75,8 +78,9 @@ void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReferen
 }
 
 // The entries are the traces there are; the choice stays while its trace does.
-void ShowChoices(const SCP_Capture &capture)
+void ShowChoices()
 {
+    const SCP_Capture &capture = SCW_state.capture;
     if (spectrumOf >= static_cast<int>(capture.traces.size()))
         spectrumOf = -1;
     ClearListCtrl(PANEL_SCOPE, SCOPE_SHOWN);
@@ -138,58 +142,66 @@ void SCW_ChooseSpectrum(int trace)
     SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view);
 }
 
-void SCW_ShowCurves(const SCP_Setup &setup, const SCP_Capture &capture,
-                    const SCP_Capture &reference)
+void SCW_ShowCurves()
 {
-    ShowChoices(capture);
+    // First the choices: a trace that is gone takes its spectrum with it.
+    ShowChoices();
+    const SCP_Capture &capture = SCW_state.capture;
     std::vector<UI_Plot> plots;
     if (spectrumOf >= 0) {
         const std::string &name = capture.traces[static_cast<size_t>(spectrumOf)].name;
         AddSpectra(capture, name, false, &plots);
-        AddSpectra(reference, name, true, &plots);
+        AddSpectra(SCW_state.reference, name, true, &plots);
     } else {
-        AddCurves(capture, capture, false, &plots);
-        AddCurves(reference, capture, true, &plots);
+        AddCurves(capture, false, &plots);
+        AddCurves(SCW_state.reference, true, &plots);
     }
     SetGraphAxes(PANEL_SCOPE, SCOPE_GRAPH,
                  {spectrumOf >= 0 ? "frequency [Hz]" : "time [s], 0 = trigger",
                   spectrumOf >= 0 ? "amplitude" : ""});
     Draw(plots);
-    SCW_ShowMarks(setup, capture);
-    SCW_ShowMeasures(capture);
+    SCW_ShowMarks();
+    SCW_ShowMeasures();
 }
 
-void SCW_ShowMarks(const SCP_Setup &setup, const SCP_Capture &capture)
+void SCW_ShowMarks()
 {
+    const SCP_Setup &setup = SCW_state.setup;
+    const SCP_Capture &capture = SCW_state.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     triggerChannel = setup.channels[0];
+    // Free run (2) has neither level nor a moment at which it triggers.
     const bool isShown = !capture.traces.empty() && setup.mode != 2 && spectrumOf < 0;
     view.level = {isShown, setup.level * triggerChannel.factor + triggerChannel.offset,
-                  PaneOf(capture, triggerChannel.place, 0)};
+                  PaneOf(triggerChannel.place, 0)};
     view.position = {isShown, SCP_TimeOf(capture, 0) + LengthOf(capture) * setup.position / 100};
     shownLevel = view.level.value;
     shownPosition = view.position.value;
     SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view);
 }
 
-void SCW_ReadMarks(const SCP_Capture &capture, SCP_Setup *setup)
+void SCW_ReadMarks()
 {
+    SCP_Setup &setup = SCW_state.setup;
+    const SCP_Capture &capture = SCW_state.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     // Only what was dragged: the way there and back would round what was typed.
     if (view.level.isShown && view.level.value != shownLevel)
-        setup->level = (view.level.value - triggerChannel.offset) / triggerChannel.factor;
+        // Scaled back as it was scaled, whatever the fields of the channel say by now.
+        setup.level = (view.level.value - triggerChannel.offset) / triggerChannel.factor;
     const double length = LengthOf(capture);
     if (view.position.isShown && view.position.value != shownPosition && length > 0)
-        setup->position = std::clamp(
+        setup.position = std::clamp(
             std::round((view.position.value - SCP_TimeOf(capture, 0)) / length * 100), 0.0, 100.0);
     shownLevel = view.level.value;
     shownPosition = view.position.value;
 }
 
-void SCW_ShowMeasures(const SCP_Capture &capture)
+void SCW_ShowMeasures()
 {
+    const SCP_Capture &capture = SCW_state.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     const std::vector<double> times = TimesOf(capture);
@@ -201,6 +213,7 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
         from = SCP_TimeOf(capture, 0);
         to = from + LengthOf(capture);
     }
+    // The head of the first column says what the measures are of.
     SetListColumns(PANEL_SCOPE, SCOPE_MEASURES,
                    {{isBetween ? SCP_BETWEEN_TEXT
                      : isWhole ? "Whole recording"
@@ -217,6 +230,7 @@ void SCW_ShowMeasures(const SCP_Capture &capture)
     ClearListCtrl(PANEL_SCOPE, SCOPE_MEASURES);
     for (size_t i = 0; i < capture.traces.size(); ++i) {
         const SCP_Trace &trace = capture.traces[i];
+        // No dash stands for 0: what is not known looks different from a measured zero.
         const SCP_Measures m = SCP_Measure(times, trace.samples, from, to);
         const bool isKnown = m.count > 0, isPeriodic = m.period > 0;
         const std::string unit = trace.unit.empty() ? "" : " [" + trace.unit + "]";

@@ -1,3 +1,5 @@
+// Everything that a damaged or foreign block could say is checked here, once: whoever holds a
+// parsed block may divide by its sizes and read between its indices.
 #include "terminal/block.h"
 
 #include "comm/sysaddr.h"
@@ -7,7 +9,7 @@
 
 namespace {
 
-constexpr uint32_t VERSION_AT = 2, SESSION_AT = 4;
+constexpr uint32_t VERSION_AT = 2, SESSION_AT = 4;               // offsets in both blocks
 constexpr uint32_t OUT_READ = 16, IN_WRITE = 20, KEY_WRITE = 24; // what the program writes
 
 uint32_t GetWord(const uint8_t *head, uint32_t offset)
@@ -45,11 +47,13 @@ void TBK_PutIndex(uint8_t bytes[TBK_INDEX_BYTES], uint32_t index, uint16_t sessi
 
 uint32_t TBK_Count(const TBK_Ring &ring)
 {
+    // Added before it is taken off: the numbers have no sign.
     return (ring.write + ring.size - ring.read) % ring.size;
 }
 
 uint32_t TBK_Room(const TBK_Ring &ring)
 {
+    // A full ring would look like an empty one.
     return ring.size - 1 - TBK_Count(ring);
 }
 
@@ -96,6 +100,7 @@ int TBK_ParseLcd(uint32_t address, const uint8_t *head, TBK_Lcd *block)
     result = CheckRing(found.keys);
     if (result != 0)
         return result;
+    // A cursor outside is allowed: it is not seen.
     if (found.rows == 0 || found.rows > TBK_ROWS_MAX || found.columns == 0 ||
         found.columns > TBK_COLUMNS_MAX)
         return TBK_ERR_SIZE;
@@ -125,12 +130,14 @@ std::string TBK_ErrorText(int result)
 
 int TBK_FindPlace(const std::string &text, int station, TBK_Place *place, std::string *cause)
 {
+    // Their memory has words: the bytes of a block could not be written one by one.
     if (IsWordAddressing(Procesor)) {
         *cause = "Only stations with a C166 or C167 have terminals.";
         return -1;
     }
     int prefix = -1;
     const uint32_t address = GetSysAddrM(text.c_str(), &prefix);
+    // A TMS320 behind the station, which "&" names, is reached by a mailbox of words.
     if (address == ADDR_NONE || WRD_Trim(text).find('&') != std::string::npos) {
         *cause = ADR_UnknownText(text);
         return -1;

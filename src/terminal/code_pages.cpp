@@ -1,8 +1,10 @@
+// A table of 256 code points a page; the way back looks through it, for texts to a target are
+// short.
 #include "terminal/code_pages.h"
 
-#include <array>
-
 #include "platform/code_page.h"
+
+#include <array>
 
 namespace {
 
@@ -35,8 +37,8 @@ Table MakeDisplayTable()
         table[i] = CPT_GLYPH + i % 8;
     for (unsigned i = ' '; i < 0x7E; ++i)
         table[i] = i;
-    table['\\'] = 0xA5;
-    table[0x7E] = 0x2192;
+    table['\\'] = 0xA5;   // yen
+    table[0x7E] = 0x2192; // arrows
     table[0x7F] = 0x2190;
     table[0xA0] = ' ';
     for (unsigned i = KATAKANA_FIRST; i <= KATAKANA_LAST; ++i)
@@ -78,6 +80,7 @@ char32_t NextCode(const std::string &text, size_t at, size_t *length)
     *length = 1;
     if (first < 0x80)
         return first;
+    // 0xC0 and 0xC1 could only begin a longer form of ASCII.
     const size_t count = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
     if (first < 0xC2 || at + count > text.size())
         return CPT_UNKNOWN;

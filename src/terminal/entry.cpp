@@ -1,12 +1,14 @@
+// The panel shows a text before it goes and how much of it has gone; the conversation behind it is
+// the host's, which also sends what is typed meanwhile.
 #include "terminal/entry.h"
-
-#include <algorithm>
 
 #include "platform/plain_file.h"
 #include "runtime/userint.h"
 #include "terminal/sender.h"
 #include "ui/resource.h"
 #include "watch/windows/outcome_colors.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -33,12 +35,14 @@ void ShowBar(double share)
 
 void EnableButtons()
 {
+    // One text at a time: another one would have no progress of its own.
     SetCtrlAttribute(PANEL, ENTRY_SEND, ATTR_DIMMED, entry.empty() || total > 0);
     SetCtrlAttribute(PANEL, ENTRY_STOP, ATTR_DIMMED, total == 0);
     SetCtrlAttribute(PANEL, ENTRY_PASTE, ATTR_DIMMED, total > 0);
     SetCtrlAttribute(PANEL, ENTRY_FILE, ATTR_DIMMED, total > 0);
 }
 
+// From any system, and from a clipboard of one: CR LF and CR become LF.
 std::string WithLineFeeds(const std::string &text)
 {
     std::string lines;
@@ -55,6 +59,7 @@ void ShowEntry(const std::string &text)
     entry = WithLineFeeds(text);
     const auto lines = std::count(entry.begin(), entry.end(), '\n') +
                        (!entry.empty() && entry.back() != '\n' ? 1 : 0);
+    // Refused, not cut: half a text may be a command.
     if (text.size() > TSN_WAITING_MAX) {
         ShowState("Too long to send: " + std::to_string(text.size()) + " bytes, at most " +
                       std::to_string(TSN_WAITING_MAX) + ".",
@@ -82,6 +87,7 @@ void OpenFile()
     if (FileSelectPopup("", "*.txt", "*.txt", "Send text file", FILE_LOAD, &path) ==
         VAL_NO_FILE_SELECTED)
         return;
+    // No more is read than could be sent.
     const int result = PLF_ReadAll(path, TSN_WAITING_MAX, &text);
     if (result == PLF_OK)
         ShowEntry(text);
@@ -91,6 +97,7 @@ void OpenFile()
 
 void Send()
 {
+    // What waited before counts as well: the bar is full when nothing waits any more.
     const std::string problem = host.send(entry);
     total = problem.empty() ? host.waiting() : 0;
     if (!problem.empty())
@@ -109,7 +116,7 @@ void TRE_OpenWithClipboard()
 {
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
-    if (total == 0)
+    if (total == 0) // else the text that is under way stays in view
         Paste();
     SetActiveCtrl(PANEL, ENTRY_SEND);
 }
@@ -118,6 +125,7 @@ void TRE_ShowProgress()
 {
     if (total == 0)
         return;
+    // What is typed meanwhile waits as well.
     const size_t left = std::min(host.waiting(), total);
     ShowBar(1 - static_cast<double>(left) / static_cast<double>(total));
     if (left > 0) {

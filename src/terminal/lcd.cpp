@@ -1,3 +1,5 @@
+// A glance at the head first: as long as nothing has changed it is all that is read. A picture is
+// read between two heads and proven.
 #include "terminal/lcd.h"
 
 #include "comm/ucm.h"
@@ -64,12 +66,14 @@ int LookForPicture(const TBK_Place &place, Look *look)
     return result;
 }
 
+// Nothing new and no key to be sent: not worth a proof.
 bool IsQuiet(const LCS_Session &session, int result, const TBK_Lcd &block)
 {
     return session.isOpen && result == 0 && session.unsteady == 0 && session.keys.waiting.empty() &&
            IsSamePicture(session.picture.block, block) && block.keys.write == session.keys.index;
 }
 
+// Not a target that has started anew: keys that wait are meant for this one.
 bool IsSameRun(const LCS_Session &session, const TBK_Lcd &block)
 {
     const TBK_Lcd &known = session.picture.block;
@@ -124,6 +128,7 @@ void LCS_Step(LCS_Session *session, LCS_News *news)
         news->message = TSV_LineText();
         return;
     }
+    // Said once: when it is gone, or at the first look that finds none.
     if (look.result != 0) {
         if (session->isOpen || !session->wasOpen)
             news->message = TSV_NoBlockText(session->place, look.result);

@@ -1,6 +1,6 @@
-#include "terminal/lcd_window.h"
-
-#include <algorithm>
+// The window keeps no picture of its own: it shows the session's, and lets go of keys that nobody
+// presses any more, for a keyboard does not say so.
+#include "terminal/window.h"
 
 #include "comm/communication.h"
 #include "platform/system.h"
@@ -9,18 +9,20 @@
 #include "settings/settings.h"
 #include "terminal/code_pages.h"
 #include "terminal/lcd.h"
-#include "terminal/place_rings.h"
+#include "terminal/window_parts.h"
 #include "ui/resource.h"
 #include "watch/windows/name_completion.h"
 #include "watch/windows/outcome_colors.h"
+
+#include <algorithm>
 
 namespace {
 
 constexpr int PANEL = PANEL_LCD;
 constexpr char PLACE_AT_FIRST[] = "LcdTerm";
-constexpr double PERIOD_S = 0.05;
-constexpr uint32_t LOOK_PERIOD_MS = 150;
-constexpr uint32_t PAUSE_MS = 2000;  // after a look that nobody answered
+constexpr double PERIOD_S = 0.05;        // of the timer: how late a key is released at most
+constexpr uint32_t LOOK_PERIOD_MS = 150; // a display of the target is hardly faster
+constexpr uint32_t PAUSE_MS = 2000;      // after a look that nobody answered
 constexpr uint32_t RELEASE_MS = 250; // after the last press of a key; its repetitions come faster
 constexpr int PAGE_OF_TARGET = -1;
 
@@ -61,6 +63,7 @@ LCT_Picture MakePicture()
     const bool isShown = session.isOpen && (block.flags & TBK_DISPLAY_ON) != 0;
     picture.rows.assign(block.rows, std::u32string(block.columns, ' '));
     for (uint32_t i = 0; isShown && i < session.picture.characters.size(); ++i) {
+        // What a code page has for control characters is no picture.
         const char32_t code = CPT_ToCode(GetPage(), session.picture.characters[i]);
         picture.rows[i / block.columns][i % block.columns] = code < ' ' ? CPT_UNKNOWN : code;
     }
@@ -105,12 +108,14 @@ void FindPlace()
     TBK_Place place;
     GetCtrlVal(PANEL, LCD_PLACE, &text);
     problem.clear();
+    // The same place may have moved with another map, or have none any more.
     const int result = TBK_FindPlace(text, TRI_GetStation(PANEL, LCD_STATION), &place, &problem);
     if (result != 0)
         ShowMessage(problem, COLOR_BAD);
     if (result == 0 && place.address == session.place.address &&
         place.station == session.place.station)
         return;
+    // Keys that were pressed on the other display are not released on this one.
     std::fill(std::begin(isPressed), std::end(isPressed), false);
     LCS_Begin(&session, result == 0 ? place : TBK_Place());
     failedMs = 0;
@@ -133,6 +138,7 @@ void ReleaseKeys()
     for (int key = 0; key < static_cast<int>(TBK_KEYS); ++key) {
         if (!isPressed[key] || PLT_TickMs() - pressedMs[key] < RELEASE_MS)
             continue;
+        // Sent even when too many keys wait: no key stays pressed in the target.
         LCS_AddKey(&session, key, true);
         isPressed[key] = false;
     }
@@ -144,7 +150,7 @@ void Look()
     const bool wasOpen = session.isOpen;
     LCS_Step(&session, &news);
     lookedMs = PLT_TickMs();
-    failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0;
+    failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0; // 0 stands for none
     const bool isBad = news.isLineBad || !session.isOpen || session.unsteady > 0;
     if (!news.message.empty())
         ShowMessage(news.message, isBad ? COLOR_BAD : COLOR_WARN);
@@ -156,18 +162,11 @@ void Look()
     ShowState();
 }
 
-bool IsShown()
-{
-    int isVisible = 0;
-    GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible);
-    return isVisible != 0;
-}
-
 } // namespace
 
 void LCW_SetPanelAttributes()
 {
-    if (!IsShown())
+    if (!TRI_IsShown(PANEL))
         return;
     if (isTimer == 0 && session.isOpen) { // what stands there now is not known any more
         LCS_Begin(&session, session.place);
@@ -200,8 +199,8 @@ int LCW_PanelCB(int panel, int event, int)
 {
     if (event != EVENT_CLOSE)
         return 0;
-    for (bool &is : isPressed)
-        is = false;
+    // Nothing is known of a display that nobody looks at; the next look begins anew.
+    std::fill(std::begin(isPressed), std::end(isPressed), false);
     LCS_Begin(&session, session.place);
     HidePanel(panel);
     return 1;
@@ -226,6 +225,7 @@ int LCW_KeyCB(int, int control, int event, int)
 
 int LCW_CopyCB(int, int, int event, int)
 {
+    // As it is seen: in the chosen code page, the target's own characters as private ones.
     std::string text;
     if (event != EVENT_COMMIT)
         return 0;
@@ -250,7 +250,7 @@ int LCW_PlaceCB(int, int, int event, int)
 
 int LCW_TimerCB(int, int, int event, int)
 {
-    if (event != EVENT_TIMER_TICK || isTimer == 0 || !IsShown() || !problem.empty())
+    if (event != EVENT_TIMER_TICK || isTimer == 0 || !TRI_IsShown(PANEL) || !problem.empty())
         return 0;
     const uint32_t pauseMs = failedMs != 0 ? PAUSE_MS : LOOK_PERIOD_MS;
     ReleaseKeys();

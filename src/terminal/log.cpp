@@ -1,11 +1,11 @@
 #include "terminal/log.h"
 
-#include <cerrno>
-#include <cstring>
-
 #include "calendar/datetime.h"
 #include "platform/safe_file.h"
 #include "platform/system.h"
+
+#include <cerrno>
+#include <cstring>
 
 int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
 {
@@ -16,6 +16,7 @@ int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
         *problem = "Not a file to write to: " + path + ".";
         return -1;
     }
+    // Not through safe saving: what is logged is to be there when the program is killed.
     log->file = PLT_OpenFile(real, "wb");
     log->path = path;
     log->bytes = 0;
@@ -37,6 +38,7 @@ int TLG_PutLine(TLG_Log *log, const std::string &line, std::string *problem)
         TLG_Close(log);
         return -1;
     }
+    // A line at once: without the flush the last ones would be lost, and they are wanted most.
     SAF_PutText(log->file, text);
     if (std::fflush(log->file) == 0 && std::ferror(log->file) == 0)
         return 0;

@@ -1,6 +1,5 @@
-#include "terminal/place_rings.h"
-
-#include <string>
+// Filled once: a ring that is opened again keeps what the user has chosen.
+#include "terminal/window_parts.h"
 
 #include "runtime/userint.h"
 #include "settings/limits.h"
@@ -18,6 +17,13 @@ bool IsFilled(int panel, int control)
 
 } // namespace
 
+bool TRI_IsShown(int panel)
+{
+    int isVisible = 0;
+    GetPanelAttribute(panel, ATTR_VISIBLE, &isVisible);
+    return isVisible != 0;
+}
+
 void TRI_FillStations(int panel, int control)
 {
     if (IsFilled(panel, control))
@@ -32,6 +38,7 @@ int TRI_GetStation(int panel, int control)
 {
     int station = -1;
     GetCtrlVal(panel, control, &station);
+    // Asked each time: the program's station may change while the window is open.
     return station < 0 ? STATION : station;
 }
 

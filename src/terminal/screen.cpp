@@ -1,3 +1,4 @@
+// Character by character, so that a control sequence may be cut between two readings.
 #include "terminal/screen.h"
 
 #include "terminal/code_pages.h"
@@ -19,17 +20,10 @@ void PutCharacter(TSC_Screen *screen, char32_t code)
 {
     if (screen->column >= TSC_COLUMNS_MAX)
         EndLine(screen);
+    // Behind a carriage return characters replace those that stand there.
     if (screen->column >= screen->line.size())
         screen->line.resize(screen->column + 1, ' ');
     screen->line[screen->column++] = code;
-}
-
-void Clear(TSC_Screen *screen)
-{
-    screen->line.clear();
-    screen->column = 0;
-    screen->done.clear();
-    screen->isCleared = true;
 }
 
 void PutControl(TSC_Screen *screen, char control)
@@ -39,7 +33,7 @@ void PutControl(TSC_Screen *screen, char control)
         screen->isBell = true;
         break;
     case '\b':
-        screen->column -= screen->column > 0;
+        screen->column -= screen->column > 0; // what stands there stays until it is replaced
         break;
     case '\t':
         do
@@ -50,7 +44,11 @@ void PutControl(TSC_Screen *screen, char control)
         EndLine(screen);
         break;
     case '\f':
-        Clear(screen);
+        // Lines that nobody has fetched yet are gone, too: a log has them only if fetched before.
+        screen->line.clear();
+        screen->column = 0;
+        screen->done.clear();
+        screen->isCleared = true;
         break;
     case '\r':
         screen->column = 0;

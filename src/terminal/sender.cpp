@@ -1,8 +1,9 @@
+// Characters first, the index last: until it is written the target sees none of them.
 #include "terminal/sender.h"
 
-#include <algorithm>
-
 #include "comm/ucm.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -61,6 +62,7 @@ bool TSN_Add(TSN_Sender *sender, const std::string &bytes)
 
 size_t TSN_Cancel(TSN_Sender *sender)
 {
+    // What is on the way stays: should it have arrived, it is not to go once more.
     const size_t forgotten = sender->waiting.size() - sender->onTheWay;
     sender->waiting.resize(sender->onTheWay);
     return forgotten;

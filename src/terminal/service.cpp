@@ -1,10 +1,12 @@
+// A step is a glance at the head; only when something is to be done the block is read between two
+// heads and proven, what came is taken over, the places are freed and characters are sent.
 #include "terminal/service.h"
-
-#include <algorithm>
-#include <vector>
 
 #include "comm/ucm.h"
 #include "text/words.h"
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -40,6 +42,7 @@ bool IsOwnReadIndex(const TSV_Session &session, uint32_t read)
     return read == session.readIndex || (session.isReadInDoubt && read == session.readBefore);
 }
 
+// In two parts where it passes the end.
 int ReadRing(int station, const TBK_Ring &ring, uint32_t from, uint32_t count, std::string *bytes)
 {
     std::vector<char> buffer(count);
@@ -67,6 +70,7 @@ int LookOnce(const TSV_Session &session, Look *look)
     if (look->result != 0)
         return 0;
     const bool isOwn = IsSameRun(session, before) && IsOwnReadIndex(session, before.output.read);
+    // After a restart, or where somebody else has read on, from where the target's index says.
     const uint32_t from = isOwn ? session.readIndex : before.output.read;
     TBK_Ring ring = before.output;
     ring.read = from;
@@ -102,6 +106,7 @@ void Adopt(TSV_Session *session, const TBK_Service &block, TSV_News *news)
         session->readIndex = block.output.read;
         session->isReadInDoubt = false;
     } else if (block.lost != session->block.lost) {
+        // Counted in 16 bits, so that the count may wrap.
         const auto lost = static_cast<uint16_t>(block.lost - session->block.lost);
         AddMessage(news,
                    "The target's ring was full: " + std::to_string(lost) + " characters are lost.");
@@ -164,6 +169,7 @@ void TSV_Begin(TSV_Session *session, const TBK_Place &place)
 size_t TSV_Interrupt(TSV_Session *session)
 {
     const size_t forgotten = session->sender.waiting.size();
+    // The index that counts is read again: until then the sender has none.
     session->sender = TSN_Sender();
     session->isInterrupted = session->wasOpen;
     session->isOpen = false;

@@ -1,16 +1,17 @@
-#include "terminal/talk.h"
+// A conversation from its beginning to its end, within one call.
+#include "terminal/service.h"
 
 #include "platform/system.h"
 #include "runtime/userint.h"
 #include "settings/settings.h"
 #include "terminal/code_pages.h"
 #include "terminal/screen.h"
-#include "terminal/service.h"
 
 bool TLK_isWithoutWindow = false;
 
 int TLK_Talk(const std::string &text, void (*print)(const std::string &line), std::string *trouble)
 {
+    // So long the target may think about its answer; and so long somebody waits at most.
     constexpr uint32_t QUIET_MS = 1000, WHOLE_MS = 10000, STEP_MS = 20;
     TBK_Place place;
     trouble->clear();

@@ -1,6 +1,6 @@
+// The conversation: where it is held, when the target is looked at, what is typed for it. The text
+// and its log stand in window_text.cpp.
 #include "terminal/window.h"
-
-#include <algorithm>
 
 #include "comm/communication.h"
 #include "comm/ucm.h"
@@ -9,31 +9,33 @@
 #include "settings/settings.h"
 #include "terminal/code_pages.h"
 #include "terminal/entry.h"
-#include "terminal/log.h"
-#include "terminal/place_rings.h"
-#include "terminal/screen.h"
 #include "terminal/service.h"
+#include "terminal/window_parts.h"
 #include "ui/resource.h"
 #include "watch/windows/name_completion.h"
 #include "watch/windows/outcome_colors.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace {
 
 constexpr int PANEL = PANEL_TERMINAL;
-constexpr uint32_t LOOK_PERIOD_MS = 40;
-constexpr uint32_t PAUSE_MS = 2000; // after a look that nobody answered
-const char *const ENDINGS[] = {"\r", "\n", "\r\n", ""};
+constexpr uint32_t LOOK_PERIOD_MS = 40; // while nothing comes: an echo is seen at once
+constexpr uint32_t PAUSE_MS = 2000;     // after a look that nobody answered
+const char *const ENDINGS[] = {"\r", "\n", "\r\n", ""}; // what Enter sends
+constexpr int ENDING_COUNT = sizeof ENDINGS / sizeof ENDINGS[0];
+constexpr size_t HISTORY_LINES = 50;
 
 TSV_Session session;
-TSC_Screen screen;
-TLG_Log logFile;
 bool isOn = false;
-bool isWrong = false;  // what the message says, until the next good look
-std::string problem;   // why there is no place to look at
-std::string shownTail; // of the box's last line, which may still change
-char lastEcho = 0;     // of what was sent
-uint32_t lookedMs = 0; // last look
-uint32_t failedMs = 0; // 0: the last look was answered
+bool isWrong = false;               // what the message says, until the next good look
+std::vector<std::string> sentLines; // of the field, the newest last
+size_t shownLine = 0;               // of these; their number: none, the field is being typed
+std::string draft;                  // what was typed there before an older line was shown
+std::string problem;                // why there is no place to look at
+uint32_t lookedMs = 0;              // last look
+uint32_t failedMs = 0;              // 0: the last look was answered
 
 void ShowMessage(const std::string &text, int color = COLOR_PLAIN)
 {
@@ -41,11 +43,10 @@ void ShowMessage(const std::string &text, int color = COLOR_PLAIN)
     SetCtrlVal(PANEL, TERM_MESSAGE, text);
 }
 
-int GetPage()
+void Report(const std::string &trouble)
 {
-    int page = CPT_LATIN_1;
-    GetCtrlVal(PANEL, TERM_PAGE, &page);
-    return page;
+    if (!trouble.empty())
+        ShowMessage(trouble, COLOR_BAD);
 }
 
 std::string GetEnding()
@@ -69,71 +70,30 @@ void ShowState()
     SetCtrlVal(PANEL, TERM_STATE, text + ".");
 }
 
-void ShowLog()
+// Up to the older line, Down to the newer one and, behind the newest, to what was being typed.
+void BrowseLines(int key)
 {
-    SetCtrlVal(PANEL, TERM_LOG, logFile.file != nullptr ? 1 : 0);
+    const size_t before = shownLine;
+    if (key == KEY_UP && shownLine > 0)
+        --shownLine;
+    if (key == KEY_DOWN && shownLine < sentLines.size())
+        ++shownLine;
+    if (shownLine == before)
+        return;
+    if (before == sentLines.size())
+        GetCtrlVal(PANEL, TERM_LINE, &draft);
+    SetCtrlVal(PANEL, TERM_LINE, shownLine < sentLines.size() ? sentLines[shownLine] : draft);
 }
 
-// --- the text ---------------------------------------------------------------------------
-
-void LogLines(const std::vector<std::string> &lines)
+void KeepLine(const std::string &line)
 {
-    std::string trouble;
-    for (const std::string &line : lines)
-        if (TLG_PutLine(&logFile, line, &trouble) != 0) {
-            ShowMessage(trouble, COLOR_BAD);
-            isWrong = false; // stays until there is something newer
-            ShowLog();
-        }
+    // The same line once, however often it is sent; an empty one is quicker typed than found.
+    if (!line.empty() && (sentLines.empty() || sentLines.back() != line))
+        sentLines.push_back(line);
+    if (sentLines.size() > HISTORY_LINES)
+        sentLines.erase(sentLines.begin());
+    shownLine = sentLines.size();
 }
-
-// Only what is new goes to the box, unless the line that was shown last has changed.
-void ShowScreen()
-{
-    std::string text;
-    LogLines(screen.done);
-    if (screen.isCleared) {
-        ResetTextBox(PANEL, TERM_SCREEN, "");
-        shownTail.clear();
-    }
-    for (const std::string &line : screen.done)
-        text += line + "\n";
-    const std::string tail = TSC_GetLine(screen);
-    text += tail;
-    if (text.compare(0, shownTail.size(), shownTail) != 0) {
-        int lines = 0;
-        GetNumTextBoxLines(PANEL, TERM_SCREEN, &lines);
-        DeleteTextBoxLines(PANEL, TERM_SCREEN, lines - 1, 1);
-        shownTail.clear();
-    }
-    SetCtrlVal(PANEL, TERM_SCREEN, text.substr(shownTail.size()));
-    shownTail = tail;
-    if (screen.isBell)
-        Beep();
-    screen.done.clear();
-    screen.isCleared = screen.isBell = false;
-}
-
-void Echo(const std::string &taken)
-{
-    int isWanted = 0;
-    GetCtrlVal(PANEL, TERM_ECHO, &isWanted);
-    for (const char c : taken) {
-        const bool isSecond = c == '\n' && lastEcho == '\r';
-        if (isWanted != 0 && !isSecond)
-            TSC_Put(&screen, GetPage(), std::string(1, c == '\r' ? '\n' : c));
-        lastEcho = c;
-    }
-}
-
-void ClearText()
-{
-    screen = TSC_Screen();
-    screen.isCleared = true;
-    ShowScreen();
-}
-
-// --- the conversation -------------------------------------------------------------------
 
 // Where the fields say. What was heard elsewhere has nothing to do with it.
 void FindPlace()
@@ -158,9 +118,11 @@ void FindPlace()
 
 void ShowNews(const TSV_News &news, size_t forgotten)
 {
-    Echo(news.taken);
-    TSC_Put(&screen, GetPage(), news.received);
-    ShowScreen();
+    const std::string trouble = T166_ShowText(news.taken, news.received);
+    if (!trouble.empty()) {
+        ShowMessage(trouble, COLOR_BAD);
+        isWrong = false; // stays until there is something newer
+    }
     const bool isBad = news.isLineBad || !session.isOpen;
     if (!news.message.empty())
         ShowMessage(news.message, isBad ? COLOR_BAD : COLOR_WARN);
@@ -199,40 +161,28 @@ std::string SendBytes(const std::string &bytes)
 std::string SendText(const std::string &text)
 {
     std::string bytes, whole;
-    const size_t absent = CPT_FromUtf8(GetPage(), text, &bytes);
+    const size_t absent = CPT_FromUtf8(T166_GetPage(), text, &bytes);
     if (absent > 0)
-        return "Not sent: characters that " + std::string(CPT_Name(GetPage())) +
+        return "Not sent: characters that " + std::string(CPT_Name(T166_GetPage())) +
                " does not have: " + std::to_string(absent) + ".";
+    // A text's lines end as the user has chosen: that is what the target takes for Enter.
     for (const char c : bytes)
         whole += c == '\n' ? GetEnding() : std::string(1, c);
     return SendBytes(whole);
 }
 
-size_t CountWaiting()
-{
-    return session.sender.waiting.size();
-}
+} // namespace
 
-size_t CancelWaiting()
+void T166_Init()
 {
-    return TSN_Cancel(&session.sender);
-}
-
-void Report(const std::string &trouble)
-{
-    if (!trouble.empty())
-        ShowMessage(trouble, COLOR_BAD);
-}
-
-void Prepare()
-{
+    // What an earlier opening has filled in, or the user typed, stays.
     static const char *const NAMES[] = {"CR", "LF", "CR LF", "none"};
     int count = 0;
     std::string place;
     TRI_FillStations(PANEL, TERM_STATION);
     TRI_FillPages(PANEL, TERM_PAGE, nullptr, CPT_LATIN_1);
     GetNumListItems(PANEL, TERM_ENDING, &count);
-    for (int i = count; i < 4; ++i)
+    for (int i = count; i < ENDING_COUNT; ++i)
         InsertListItem(PANEL, TERM_ENDING, -1, NAMES[i], i);
     GetCtrlVal(PANEL, TERM_PLACE, &place);
     if (place.empty())
@@ -240,23 +190,9 @@ void Prepare()
     SetCtrlCompletion(PANEL, TERM_PLACE, NCM_CompleteCB);
     TRE_Host host;
     host.send = SendText;
-    host.waiting = CountWaiting;
-    host.cancel = CancelWaiting;
+    host.waiting = [] { return session.sender.waiting.size(); };
+    host.cancel = [] { return TSN_Cancel(&session.sender); };
     TRE_SetHost(host);
-}
-
-bool IsShown()
-{
-    int isVisible = 0;
-    GetPanelAttribute(PANEL, ATTR_VISIBLE, &isVisible);
-    return isVisible != 0;
-}
-
-} // namespace
-
-void T166_Init()
-{
-    Prepare();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     VR_ComRequest();
@@ -269,6 +205,8 @@ bool T166_Read()
     const uint32_t nowMs = PLT_TickMs();
     if (!isOn)
         return false;
+    // At once while there is something to do; seldom where nobody answers, for each look costs a
+    // time-out in which everything else waits.
     const uint32_t pauseMs = failedMs != 0 ? PAUSE_MS : TSV_IsBusy(session) ? 0 : LOOK_PERIOD_MS;
     if (!problem.empty() || nowMs - lookedMs < pauseMs)
         return true;
@@ -276,7 +214,8 @@ bool T166_Read()
     const size_t waiting = session.sender.waiting.size();
     TSV_Step(&session, &news);
     lookedMs = PLT_TickMs();
-    failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0;
+    failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0; // 0 stands for none
+    // What neither waits nor was taken has been forgotten: nobody can say where it went.
     ShowNews(news, waiting - news.taken.size() - session.sender.waiting.size());
     ShowState();
     return true;
@@ -286,6 +225,7 @@ void T166_Close()
 {
     if (!isOn)
         return;
+    // It may be another target that answers next: what waits is not meant for it.
     isOn = false;
     const size_t forgotten = TSV_Interrupt(&session);
     TRE_Break(forgotten);
@@ -295,7 +235,7 @@ void T166_Close()
 
 void T166_SetPanelAttributes()
 {
-    if (!IsShown())
+    if (!TRI_IsShown(PANEL))
         return;
     FindPlace();
     ShowState();
@@ -305,7 +245,7 @@ void T166_ShowCommunication()
 {
     if (isTimer == 0)
         T166_Close();
-    else if (!isOn && IsShown())
+    else if (!isOn && TRI_IsShown(PANEL))
         Start();
 }
 
@@ -321,13 +261,12 @@ void T166_OpenCB(int, int)
 
 int T166_PanelCB(int panel, int event, int)
 {
-    std::string trouble;
     if (event != EVENT_CLOSE)
         return 0;
     T166_Close();
-    if (TLG_PutLine(&logFile, shownTail, &trouble) != 0 || TLG_Close(&logFile) != 0)
+    if (T166_EndLog() != 0)
         MessagePopup("Error", "The log of the terminal is not complete.");
-    ShowLog();
+    T166_ShowLog();
     HidePanel(PANEL_TERMINAL_ENTRY);
     HidePanel(panel);
     return 1;
@@ -341,6 +280,7 @@ int T166_ScreenCB(int, int, int event, int key)
     } KEYS[] = {{KEY_BACKSPACE, "\b"}, {KEY_ESC, "\x1B"}};
     if (event != EVENT_KEYPRESS)
         return 0;
+    // Each key at once, as a terminal does; keys without a character are none of the target's.
     std::string bytes = key == KEY_ENTER ? GetEnding() : "";
     for (const auto &row : KEYS)
         if (row.key == key)
@@ -351,15 +291,21 @@ int T166_ScreenCB(int, int, int event, int key)
     return 1;
 }
 
-int T166_LineCB(int, int, int event, int)
+int T166_LineCB(int, int, int event, int key)
 {
     std::string text;
+    if (event == EVENT_KEYPRESS && (key == KEY_UP || key == KEY_DOWN)) {
+        BrowseLines(key);
+        return 1;
+    }
     if (event != EVENT_COMMIT)
         return 0;
     GetCtrlVal(PANEL, TERM_LINE, &text);
     const std::string trouble = SendText(text + "\n");
-    if (trouble.empty())
+    if (trouble.empty()) { // what was not sent stays to be sent again
+        KeepLine(text);
         SetCtrlVal(PANEL, TERM_LINE, "");
+    }
     Report(trouble);
     return 0;
 }
@@ -370,7 +316,7 @@ int T166_ButtonCB(int, int control, int event, int)
     if (event != EVENT_COMMIT)
         return 0;
     if (control == TERM_CLEAR) {
-        ClearText();
+        T166_ClearText();
     } else if (control == TERM_COPY) {
         GetCtrlVal(PANEL, TERM_SCREEN, &text);
         ClipboardPutText(text);
@@ -389,19 +335,18 @@ int T166_PlaceCB(int, int, int event, int)
 
 int T166_LogCB(int, int, int event, int)
 {
-    std::string path, trouble;
+    std::string path;
     if (event != EVENT_COMMIT)
         return 0;
     int isWanted = 0;
     GetCtrlVal(PANEL, TERM_LOG, &isWanted);
     if (isWanted == 0) {
-        if (TLG_PutLine(&logFile, shownTail, &trouble) != 0 || TLG_Close(&logFile) != 0)
-            ShowMessage("The log has not reached the disk: " + logFile.path + ".", COLOR_BAD);
+        if (T166_EndLog() != 0)
+            ShowMessage("The log has not reached the disk: " + T166_GetLogPath() + ".", COLOR_BAD);
     } else if (FileSelectPopup("", "terminal.txt", "*.txt", "Log of the terminal", FILE_SAVE,
-                               &path) != VAL_NO_FILE_SELECTED &&
-               TLG_Open(&logFile, path, &trouble) != 0) {
-        ShowMessage(trouble, COLOR_BAD);
+                               &path) != VAL_NO_FILE_SELECTED) {
+        Report(T166_BeginLog(path));
     }
-    ShowLog();
+    T166_ShowLog(); // off again where there is no file
     return 0;
 }

@@ -1,5 +1,7 @@
-// The service terminal: what a target's program writes, and what is typed for it. Read from the
-// main panel's timer while communication is on. One conversation at a time.
+// The two terminals of a target's program. The service terminal shows what the program writes and
+// sends what is typed for it, read from the main panel's timer while communication is on; the LCD
+// and keyboard terminal shows its display and presses its keys, by a timer of its own. Each has one
+// conversation at a time.
 #ifndef TERMINAL_WINDOW_H
 #define TERMINAL_WINDOW_H
 
@@ -19,5 +21,16 @@ int T166_LineCB(int panel, int control, int event, int data);
 int T166_ButtonCB(int panel, int control, int event, int data);
 int T166_PlaceCB(int panel, int control, int event, int data); // place and station
 int T166_LogCB(int panel, int control, int event, int data);
+
+// The LCD and keyboard terminal (lcd_window.cpp).
+void LCW_SetPanelAttributes(); // port, station, names or communication may have changed
+
+void LCW_OpenCB(int menuBar, int item);
+int LCW_PanelCB(int panel, int event, int data);
+int LCW_ScreenCB(int panel, int control, int event, int data);
+int LCW_KeyCB(int panel, int control, int event, int data);
+int LCW_CopyCB(int panel, int control, int event, int data);
+int LCW_PlaceCB(int panel, int control, int event, int data); // place, station and code page
+int LCW_TimerCB(int panel, int control, int event, int data);
 
 #endif

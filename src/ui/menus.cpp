@@ -11,7 +11,6 @@
 #include "inspect/record_inspector.h"
 #include "logger/log_window.h"
 #include "sampler/record_watch.h"
-#include "terminal/lcd_window.h"
 #include "terminal/window.h"
 #include "ui/resource.h"
 #include "watch/list/debug_file.h"

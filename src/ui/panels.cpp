@@ -19,7 +19,6 @@
 #include "sets/window.h"
 #include "simulator/window.h"
 #include "terminal/entry.h"
-#include "terminal/lcd_window.h"
 #include "terminal/window.h"
 #include "ui/inspector_windows.h"
 #include "ui/resource.h"

@@ -17,7 +17,7 @@
 #include "runtime/view.h"
 #include "settings/settings.h"
 #include "symbols/flash_info.h"
-#include "terminal/talk.h"
+#include "terminal/service.h"
 
 namespace {
 

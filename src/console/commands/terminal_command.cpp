@@ -4,7 +4,7 @@
 #include "console/monitor/monitor.h"
 #include "console/monitor/text_box.h"
 #include "console/script/script_command.h"
-#include "terminal/talk.h"
+#include "terminal/service.h"
 #include "terminal/window.h"
 #include "text/tokens.h"
 

@@ -1,4 +1,6 @@
-#include "graphs/export.h"
+// What is in view as rows of a file: from the recording that is shown, or from what has left the
+// sampler's memory and what is in it. All rows are there before the file is begun.
+#include "graphs/source.h"
 
 #include "platform/safe_file.h"
 #include "scope/setup.h"
@@ -20,7 +22,7 @@ struct Table {
 
 // A round of the sampler is one sample of each curve: counted from the newest, samples of one
 // round have one number, also where a curve was added later.
-void TakeSamples(const GRS_Source &source, double from, double to, Table *table)
+void CollectSamples(const GRS_Source &source, double from, double to, Table *table)
 {
     const SMP_Store &store = source.sampler.store;
     uint64_t rounds = 0;
@@ -34,6 +36,7 @@ void TakeSamples(const GRS_Source &source, double from, double to, Table *table)
             if (back > ring.end - ring.first)
                 continue;
             const SMP_Sample sample = SST_Get(store, i, ring.end - back);
+            // The mean of the round's moments so far.
             time +=
                 (static_cast<double>(sample.timeUs - source.originUs) / US_PER_S - time) / ++count;
             if (sample.state == SMP_GOOD)
@@ -48,7 +51,7 @@ void TakeSamples(const GRS_Source &source, double from, double to, Table *table)
 }
 
 // What has left memory stands in front of it. False when it is too much.
-bool TakePast(const GRS_Source &source, double from, double to, Table *table)
+bool CollectPast(const GRS_Source &source, double from, double to, Table *table)
 {
     double oldest = 0;
     RDR_Curves rows;
@@ -67,7 +70,8 @@ bool TakePast(const GRS_Source &source, double from, double to, Table *table)
     return true;
 }
 
-bool TakeFile(const GRS_Source &source, double from, double to, Table *table)
+// Thinned rows are refused: a file of least and greatest would look like all samples.
+bool CollectFile(const GRS_Source &source, double from, double to, Table *table)
 {
     std::vector<size_t> columns(table->values.size());
     std::iota(columns.begin(), columns.end(), size_t{0});
@@ -80,6 +84,8 @@ bool TakeFile(const GRS_Source &source, double from, double to, Table *table)
     return true;
 }
 
+// A recording's head, so that the file opens as one; the numbers below are scaled already, and
+// the scale is a note for people.
 std::string Head(const GRA_Setup &setup)
 {
     std::string head = "; Vireo2 graph, values as shown\r\n", names = "time";
@@ -103,15 +109,17 @@ int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup 
 {
     Table table;
     table.values.resize(setup.curves.size());
-    const bool isTaken =
-        source.isFile ? TakeFile(source, from, to, &table) : TakePast(source, from, to, &table);
-    if (!source.isFile && isTaken)
-        TakeSamples(source, from, to, &table);
-    if (!isTaken) {
+    const bool isCollected = source.isFile ? CollectFile(source, from, to, &table)
+                                           : CollectPast(source, from, to, &table);
+    if (!source.isFile && isCollected)
+        CollectSamples(source, from, to, &table);
+    if (!isCollected) {
         *problem = "There are more than " + std::to_string(GRX_ROWS_MAX) +
                    " rows in view: zoom in to save them.";
         return -1;
     }
+    // Text for text as it was drawn; what failed is an empty cell, and so is a curve that came
+    // later.
     SafeFile safe;
     *problem = SAF_FailureText(path);
     if (SAF_Open(&safe, path, "wb") != 0)

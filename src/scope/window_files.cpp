@@ -1,0 +1,131 @@
+// The files of the window: the settings beside the program, which come and go with it, and what
+// the user opens and saves by name. What cannot be read leaves the window as it was.
+#include "scope/window.h"
+
+#include "platform/plain_file.h"
+#include "platform/safe_file.h"
+#include "platform/settings_place.h"
+#include "runtime/userint.h"
+#include "scope/measure.h"
+#include "scope/window_parts.h"
+#include "ui/resource.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr const char *SETTINGS_FILE = "DtaScope.ini";
+
+std::string settingsPath = SETTINGS_FILE;
+bool isSettingsRead = false; // or there were none: they may be written
+
+void OpenSetup()
+{
+    std::string path;
+    std::vector<std::string> problems;
+    if (FileSelectPopup("", "*.ini", "*.ini", "Open scope settings", FILE_LOAD, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    if (SCP_LoadSetup(path, &SCW_state.setup, &problems) != 0) {
+        MessagePopup("Error", PLF_FailureText(path));
+        return;
+    }
+    SX_isInitDone = 0; // it may name another scope
+    SCW_Stop();
+    SCW_ShowSetup();
+    // Told last, with the rest on the screen: saving would write the default in their place.
+    std::string text;
+    for (const std::string &problem : problems)
+        text += problem + "\n";
+    if (!text.empty())
+        MessagePopup("Scope settings", text);
+}
+
+void SaveSetup()
+{
+    std::string path;
+    if (FileSelectPopup("", "scope.ini", "*.ini", "Save scope settings", FILE_SAVE, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    if (SCP_SaveSetup(path, SCW_state.setup) != 0)
+        MessagePopup("Error", SAF_FailureText(path));
+}
+
+void OpenData(SCP_Capture *into)
+{
+    std::string path, problem;
+    if (FileSelectPopup("", "*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    if (SCP_LoadCapture(path, into, &problem) != 0) {
+        MessagePopup("Error", problem);
+        return;
+    }
+    SCW_ShowCurves();
+    SCW_ShowButtons();
+}
+
+void SaveData()
+{
+    std::string path;
+    if (FileSelectPopup("", "scope.csv", "*.csv", "Save recording", FILE_SAVE, &path) ==
+        VAL_NO_FILE_SELECTED)
+        return;
+    if (SCP_SaveCapture(path, SCW_state.capture) != 0)
+        MessagePopup("Error", SAF_FailureText(path));
+}
+
+} // namespace
+
+int DTSC_LoadSettings()
+{
+    // Read where they are; written where this user may write, which can be another folder.
+    const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
+    settingsPath = place.write;
+    SCW_state.setup = SCP_Setup();
+    const bool isThere = PLF_Exists(place.read);
+    std::vector<std::string> problems;
+    const int result = isThere ? SCP_LoadSetup(place.read, &SCW_state.setup, &problems) : 0;
+    isSettingsRead = result == 0;
+    if (result != 0)
+        SCW_ShowStatus("DtaScope.ini cannot be read: it will not be written.");
+    else if (!problems.empty())
+        SCW_ShowStatus("DtaScope.ini, " + problems[0]);
+    return result;
+}
+
+int DTSC_SaveSettings()
+{
+    // Whoever never used the scope gets no file of it.
+    const SCP_Setup &setup = SCW_state.setup;
+    const bool isUsed = !setup.lines.empty() || !setup.id.empty() ||
+                        std::any_of(setup.channels.begin(), setup.channels.end(),
+                                    [](const SCP_ChannelSetup &c) { return !c.place.empty(); });
+    if (!isSettingsRead || !isUsed)
+        return 0;
+    return SCP_SaveSetup(settingsPath, setup);
+}
+
+int DTSC_FileCB(int, int control, int event, int)
+{
+    if (event != EVENT_COMMIT)
+        return 0;
+    switch (control) {
+    case SCOPE_OPEN_SETUP:
+        OpenSetup();
+        break;
+    case SCOPE_SAVE_SETUP:
+        SaveSetup();
+        break;
+    case SCOPE_OPEN_DATA:
+        OpenData(&SCW_state.capture);
+        break;
+    case SCOPE_SAVE_DATA:
+        SaveData();
+        break;
+    default: // SCOPE_REFERENCE
+        OpenData(&SCW_state.reference);
+        break;
+    }
+    return 0;
+}
