@@ -9,6 +9,9 @@
 #include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 
+#include <algorithm>
+#include <filesystem>
+
 namespace {
 
 using Monitor = ConsoleRig;
@@ -17,7 +20,7 @@ using Monitor = ConsoleRig;
 
 // A transcript holds typed lines ("> "), orders to the rig ("# "), and between them the
 // text the box must show.
-struct Transcript : ConsoleRig, testing::WithParamInterface<const char *> {
+struct Transcript : ConsoleRig, testing::WithParamInterface<std::string> {
     void Obey(const std::string &order)
     {
         std::istringstream words(order);
@@ -70,10 +73,18 @@ TEST_P(Transcript, BoxShowsIt)
     EXPECT_EQ(shown, expected);
 }
 
-INSTANTIATE_TEST_SUITE_P(Files, Transcript,
-                         testing::Values("c166", "tms", "gate", "write", "arrays", "binary",
-                                         "settings", "modbus"),
-                         [](const auto &name) { return std::string(name.param); });
+// Every file of the folder.
+std::vector<std::string> FindTranscripts()
+{
+    std::vector<std::string> names;
+    for (const auto &entry : std::filesystem::directory_iterator(TRANSCRIPTS_DIR))
+        names.push_back(entry.path().stem().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, Transcript, testing::ValuesIn(FindTranscripts()),
+                         [](const auto &name) { return name.param; });
 
 // --- line entry ----------------------------------------------------------------------------
 

@@ -16,7 +16,7 @@ constexpr uint32_t TEXT = PAR_TEXT;
 
 } // namespace
 
-const ScrRow SCR_aTable[] = {
+constexpr ScrRow SCR_aTable[] = {
     // These need the link.
     {SCR_Write, "write", {BYTE, PAR_LONG, PLACE}}, // size, value, where
     {SCR_WriteNA, "writeNA", {BYTE, PAR_LONG, PLACE}},
@@ -43,7 +43,7 @@ const ScrRow SCR_aTable[] = {
     {SCR_MbRead, "mbread", {PAR_EXTERN}},   // [slave:]function, start, quantity
     {SCR_MbWrite, "mbwrite", {PAR_EXTERN}}, // [slave:]start, values
     {SCR_Set, "set", {PAR_EXTERN}},         // [(type)] [station:]name [= value]
-    // These do not.
+    // These do not, from the help on.
     {SCR_Help, "h", {}},
     {SCR_Help, "help", {}},
     {SCR_Term166, "term166", {PAR_EXTERN}}, // [text]
@@ -61,4 +61,18 @@ const ScrRow SCR_aTable[] = {
     {SCR_Msg, "msg", {TEXT}},
     {SCR_Qst, "qst", {TEXT, TEXT, TEXT}}, // question, second button, label
 };
-static_assert(sizeof SCR_aTable / sizeof SCR_aTable[0] == SCR_cnTable, "rows of the table");
+
+namespace {
+
+constexpr int CountTargetRows()
+{
+    int rows = 0;
+    while (SCR_aTable[rows].run != SCR_Help)
+        ++rows;
+    return rows;
+}
+
+} // namespace
+
+const int SCR_cnTarget = CountTargetRows();
+const int SCR_cnTable = sizeof SCR_aTable / sizeof SCR_aTable[0];

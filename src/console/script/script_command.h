@@ -30,10 +30,11 @@ struct ScrRow {
     uint32_t codes[PARAMS_MAX]; // PAR_... sums; 0 ends the list
 };
 
-// The one table. The first SCR_cnTarget rows need the link, the rest does not.
+// The one table. The first SCR_cnTarget rows need the link, the rest does not; both counts are
+// taken from the table.
 extern const ScrRow SCR_aTable[];
-constexpr int SCR_cnTarget = 25;
-constexpr int SCR_cnTable = 41;
+extern const int SCR_cnTarget;
+extern const int SCR_cnTable;
 
 // The command's result, or an SCR_ code. Error texts go to szScrFnErrMsg.
 int ExecScrCmd(const char *line, const ScrRow *table, int count);
