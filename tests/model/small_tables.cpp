@@ -12,10 +12,10 @@ int OnControl(int, int control, int event, int data)
     return program.onControl ? program.onControl(control, event, data) : 0;
 }
 
-int OnTick(int, int, int, int)
+int OnTick(int, int timer, int, int)
 {
     if (program.onTick)
-        program.onTick();
+        program.onTick(timer);
     return 0;
 }
 
@@ -37,6 +37,7 @@ const UI_Control UI_aControls[] = {
     {WINDOW, BUTTON, UIK_BUTTON, "button", OnControl},
     {WINDOW, TIMER, UIK_TIMER, "timer", OnTick},
     {WINDOW, COUNT, UIK_NUMBER, "count", OnControl},
+    {WINDOW, OTHER_TIMER, UIK_TIMER, "other", OnTick},
 };
 const int UI_cnControls = sizeof UI_aControls / sizeof UI_aControls[0];
 const UI_Menu UI_aMenus[] = {{MENU, 0, "Menu"}};
