@@ -1,5 +1,5 @@
-// Panel numbers to the code that uic makes of their Designer files. A new panel is a row here;
-// inspectors share a layout, and each number has a window of its own.
+// Panel numbers to the code that uic makes of their Designer files. A new panel is a row here; the
+// inspectors, ten of each kind, share a layout.
 #include "runtime/qt/qt_view.h"
 
 #include "ui/resource.h"
@@ -36,9 +36,12 @@ template <class Form> void Setup(QWidget *window)
     form.setupUi(window);
 }
 
+constexpr int MORE_INSPECTORS = PANEL_RECORD_MORE - PANEL_ARRAY_MORE; // of each kind
+
 struct SetupRow {
-    int panel;
+    int first; // number of the panel, or of the first of several
     void (*setup)(QWidget *window);
+    int count = 1;
 };
 
 const SetupRow SETUP_ROWS[] = {
@@ -62,24 +65,8 @@ const SetupRow SETUP_ROWS[] = {
     {PANEL_VAR_SELECTOR, Setup<Ui::VarSelectorPanel>},
     {PANEL_ARRAY, Setup<Ui::ArrayPanel>},
     {PANEL_RECORD, Setup<Ui::RecordPanel>},
-    {PANEL_ARRAY_MORE, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 1, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 2, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 3, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 4, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 5, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 6, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 7, Setup<Ui::ArrayPanel>},
-    {PANEL_ARRAY_MORE + 8, Setup<Ui::ArrayPanel>},
-    {PANEL_RECORD_MORE, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 1, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 2, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 3, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 4, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 5, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 6, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 7, Setup<Ui::RecordPanel>},
-    {PANEL_RECORD_MORE + 8, Setup<Ui::RecordPanel>},
+    {PANEL_ARRAY_MORE, Setup<Ui::ArrayPanel>, MORE_INSPECTORS},
+    {PANEL_RECORD_MORE, Setup<Ui::RecordPanel>, MORE_INSPECTORS},
     {PANEL_SIMULATOR, Setup<Ui::SimulatorPanel>},
     {PANEL_TERMINAL, Setup<Ui::TerminalPanel>},
     {PANEL_LCD, Setup<Ui::LcdPanel>},
@@ -90,7 +77,7 @@ const SetupRow SETUP_ROWS[] = {
 bool QTV_SetupPanel(int panel, QWidget *window)
 {
     for (const SetupRow &row : SETUP_ROWS) {
-        if (row.panel != panel)
+        if (panel < row.first || panel >= row.first + row.count)
             continue;
         row.setup(window);
         return true;
