@@ -12,8 +12,8 @@
 //   values. Many changes of one thing are one change; what the program did not touch is
 //   not mentioned, so texts, bounds and looks that stand in a layout stay as they are.
 //   Fetch and draw in one go, on one thread, and at the rate the eye needs (60 a second).
-// - Draw the parts of a batch in the order of its members: panels, menu items, controls,
-//   lists, text boxes, then focus, questions and the rest.
+// - Draw the parts of a batch in this order: panels, menu items, lists, controls (a ring's value
+//   after its entries), text boxes, graphs, then focus, questions and the rest.
 // - A widget does at once what the user does to it and posts what became of it. An event
 //   carries the value of the control as the user left it. The door stamps it with the last
 //   batch that was fetched. When the program has set the control meanwhile, the program's

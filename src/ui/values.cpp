@@ -122,7 +122,7 @@ constexpr UI_KeyRow KEYS[] = {
 
     {PANEL_TERMINAL_ENTRY, 0, KEY_ESC, KEY_ESC, true},
     {PANEL_TERMINAL, TERM_LINE, KEY_UP, KEY_DOWN, true}, // earlier lines
-    {PANEL_TERMINAL, TERM_SCREEN, ' ', '~', true}, // keys are the target's
+    {PANEL_TERMINAL, TERM_SCREEN, ' ', '~', true},       // keys are the target's
     {PANEL_TERMINAL, TERM_SCREEN, KEY_ENTER, KEY_ESC, true},
     {PANEL_TERMINAL, TERM_SCREEN, KEY_BACKSPACE, KEY_BACKSPACE, true},
 

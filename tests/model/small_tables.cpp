@@ -12,10 +12,10 @@ int OnControl(int, int control, int event, int data)
     return program.onControl ? program.onControl(control, event, data) : 0;
 }
 
-int OnTick(int, int, int, int)
+int OnTick(int, int timer, int, int)
 {
     if (program.onTick)
-        program.onTick();
+        program.onTick(timer);
     return 0;
 }
 
@@ -38,6 +38,7 @@ constexpr UI_Control CONTROLS[] = {
     {WINDOW, BUTTON, UIK_BUTTON, "button", OnControl},
     {WINDOW, TIMER, UIK_TIMER, "timer", OnTick},
     {WINDOW, COUNT, UIK_NUMBER, "count", OnControl},
+    {WINDOW, OTHER_TIMER, UIK_TIMER, "other", OnTick},
 };
 const UI_Control *const UI_aControls = CONTROLS;
 const int UI_cnControls = sizeof CONTROLS / sizeof CONTROLS[0];

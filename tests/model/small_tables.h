@@ -4,14 +4,14 @@
 #define TESTS_MODEL_SMALL_TABLES_H
 
 enum { WINDOW = 1 };
-enum { FIELD = 1, LIST, BOX, SWITCH, BUTTON, TIMER, COUNT };
+enum { FIELD = 1, LIST, BOX, SWITCH, BUTTON, TIMER, COUNT, OTHER_TIMER };
 enum { MENU = 1, ITEM_STOP = 10, ITEM_END };
 
 // What the callbacks of the tables do; each test sets what it needs, null = nothing.
 struct Program {
     int (*onControl)(int control, int event, int data) = nullptr;
     void (*onItem)(int item) = nullptr;
-    void (*onTick)() = nullptr;
+    void (*onTick)(int timer) = nullptr;
     void (*onWake)() = nullptr; // the view's
 };
 extern Program program;

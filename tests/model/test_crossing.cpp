@@ -128,6 +128,10 @@ TEST_F(Crossing, ClicksFollowTheirLineOrAreDropped)
         row.change();
         HandleAll();
         EXPECT_EQ(row.heard, heard) << row.what;
+        const VIEW_Batch batch = Fetch();
+        const bool isShownAgain =
+            !batch.lists.empty() && (batch.lists[0].mask & VIEW_LIST_SELECTION);
+        EXPECT_EQ(row.heard.empty(), isShownAgain) << row.what;
     }
 }
 
@@ -267,6 +271,8 @@ TEST_F(Crossing, ManyChangesAreOneAndABoxStaysBounded)
         SetCtrlVal(WINDOW, COUNT, i);
         MDL_Flush();
     }
+    SetCtrlVal(WINDOW, BOX, "one that leaves before the text is too long\nanother\n");
+    DeleteTextBoxLines(WINDOW, BOX, 0, 1);
     for (int i = 0; i < 60000; i++)
         InsertTextBoxLine(WINDOW, BOX, -1, std::string(100, '-') + std::to_string(i));
     DeleteTextBoxLines(WINDOW, BOX, 0, 10);

@@ -9,7 +9,7 @@ struct Turns : Crossing {};
 
 TEST_F(Turns, EventsHaveTheirTurnBetweenTwoLateTicks)
 {
-    program.onTick = [] {
+    program.onTick = [](int) {
         heard.push_back("tick");
         if (heard.size() == 1) {
             PLT_SleepMs(10); // several intervals: those ticks are left out
@@ -26,15 +26,29 @@ TEST_F(Turns, EventsHaveTheirTurnBetweenTwoLateTicks)
     program.onItem = [](int) { QuitUserInterface(0); };
     EXPECT_EQ(UIE_BAD_TYPE, SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.0));
     SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.001);
+    SetCtrlAttribute(WINDOW, OTHER_TIMER, ATTR_INTERVAL, 86400.0); // not before the last part
     ResumeTimerCallbacks();
     EXPECT_EQ(0, RunUserInterface());
     EXPECT_EQ((Texts{"tick", "event", "tick"}), heard);
-    uint64_t &dueUs = MDL_GetState().panels[0].controls[TIMER - 1].dueUs;
+    std::vector<MDL_Control> &controls = MDL_GetState().panels[0].controls;
+    uint64_t &dueUs = controls[TIMER - 1].dueUs;
     dueUs = 5;
     SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.001);
     EXPECT_EQ(5u, dueUs) << "the interval it has already puts no tick off";
     SetCtrlAttribute(WINDOW, TIMER, ATTR_INTERVAL, 0.002);
     EXPECT_EQ(0u, dueUs) << "another one counts anew";
+
+    heard.clear();
+    program.onTick = [](int timer) {
+        heard.push_back(timer == TIMER ? "this" : "other");
+        QuitUserInterface(0);
+    };
+    ResumeTimerCallbacks();
+    dueUs = 2;
+    controls[OTHER_TIMER - 1].dueUs = 1;
+    MDL_GetState().isQuit = false;
+    RunUserInterface();
+    EXPECT_EQ((Texts{"other"}), heard) << "the one that has waited longest";
 }
 
 TEST_F(Turns, AFullQueueRefusesClicksButNoValues)

@@ -132,7 +132,7 @@ void FillFrom(int first)
         InsertListItem(WINDOW, LIST, -1, "line " + std::to_string(i), i);
 }
 
-void OnTick()
+void OnTick(int)
 {
     ticks++;
     FillFrom(ticks / 4);

@@ -64,6 +64,7 @@ void DiffLines(MDL_Control *list, VIEW_List *change)
         else
             list->shown.push_back(line);
     }
+    // Lines at the end that are gone are in no `changed`: the count says so.
     const bool isShorter = list->shown.size() > list->lines.size();
     list->shown.resize(list->lines.size());
     if (change->changed.empty() && !isShorter)
@@ -104,6 +105,7 @@ void CollectControl(MDL_Control *control, bool hasLists, VIEW_Batch *batch)
         batch->controls.push_back(control->state);
         control->state.mask = 0;
     }
+    // Selecting marks nothing: the lists are few, and comparing costs less than a mark forgotten.
     if (hasLists && (control->listMask != 0 || control->isLoose || IsSelectionNew(*control)))
         CollectList(control, batch);
     if (control->isBoxChanged) {

@@ -126,6 +126,7 @@ void ConnectList(QTV_Control *control, LineList *list)
         event.extra = list->linesInView();
         QTV_Post(event);
     });
+    // A width the user has dragged is a setting of his.
     QObject::connect(list, &LineList::columnsDragged, [control, list] {
         VIEW_Event event = MakeEvent(*control, VIEW_EVENT_COLUMNS, 0);
         event.widths = list->columnWidths();
@@ -161,6 +162,7 @@ void Connect(QTV_Control *control)
         ConnectNumber(control);
         break;
     case UIK_RING:
+        // Not currentIndexChanged: a ring that is filled changes its entry too.
         QObject::connect(static_cast<QComboBox *>(widget), &QComboBox::activated,
                          Reporter(control, EVENT_COMMIT));
         break;
