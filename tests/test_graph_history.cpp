@@ -1,5 +1,4 @@
 // Histories of curves: what is drawn and measured of long ones against every sample looked at.
-#include "graphs/export.h"
 #include "graphs/window.h"
 
 #include <algorithm>
