@@ -10,7 +10,7 @@
 
 namespace {
 
-const char NO_VALUE[] = "–"; // an empty cell would look forgotten
+const char NO_VALUE[] = "–";           // an empty cell would look forgotten
 const char MARK_CHANGED[] = "changed"; // class of a value that is not its default
 const char MARK_DIFFERS[] = "differs"; // ... that is not the first file's
 
