@@ -224,6 +224,7 @@ TEST_F(Programming, TellsEveryStepAndLeavesTheFileInTheFlash)
             states += "-orDF"[step];
         seen += states == last ? "" : states;
         last = states;
+        rig.incoming.push_back(9); // what comes unasked is no answer
     };
     EXPECT_EQ(0, RunJob(false));
     EXPECT_EQ(" DDD-- DDDrr", seen);

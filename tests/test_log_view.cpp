@@ -143,6 +143,9 @@ TEST_F(LogView, LeavesAsTextAndDetails)
                                      "2015-07-01 13:00:00,\"text\",\"Beta, \"\"x\"\"\"\r\n"
                                      "2015-10-25 02:30:00,\"text\",\"alpha beta\"\r\n");
     EXPECT_EQ(LOGV_SaveCsv(view, "none/a.csv"), -1);
+    log.texts.replace(log.texts.find("alpha beta"), 1, "="); // a spreadsheet's formula
+    ASSERT_EQ(LOGV_SaveCsv(view, "a.csv"), 0);
+    EXPECT_NE(ReadFileText("a.csv").find(",\"'=lpha beta\"\r\n"), std::string::npos);
     const auto details = [](const LOGV_Log &of, size_t row) {
         std::string text;
         for (const LOGV_Detail &detail : LOGV_GetDetails(of, of.rows[row]))

@@ -211,6 +211,15 @@ TEST_F(LogWindow, ComparesWithAFile)
                            "only other,2015-08-01 02:00:00,text,c\nonly this," + ALPHA);
     EXPECT_TRUE(StateSays("4 messages, 3 of them in one only."));
     EXPECT_EQ(UiAttribute(PANEL, LOG_EXPORT, ATTR_DIMMED), 1);
+    const struct {
+        const char *typed;
+        int line;
+    } jumps[] = {{"2015-08", 2}, {"2014", 0}, {"2016", 3}}; // behind the last one: the last one
+    for (const auto &jump : jumps) {
+        Type(LOG_JUMP, jump.typed);
+        HL_CommitControl(PANEL, LOG_JUMP);
+        EXPECT_EQ(UiSelected(PANEL, LOG_LIST), jump.line) << jump.typed;
+    }
     HL_CommitControl(PANEL, LOG_COMPARE); // ends it
     EXPECT_EQ(Lines(), BETA + HEX + ALPHA);
 }

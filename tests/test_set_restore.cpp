@@ -283,6 +283,20 @@ TEST_F(SetWindow, AnotherStationOrMapEndsWhatWasRead)
     EXPECT_TRUE(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST).empty());
 }
 
+// A group that another one's name begins with is not inside of it.
+TEST_F(SetWindow, GroupsStandBelowTheOnesTheyLieIn)
+{
+    WriteFileText("g.ulh", "group \"Motor\"\nwGain\ngroup \"Motors\"\nnLow\n"
+                           "group \"Motor/Limits\"\nfLimit\n");
+    CFW_SetHeader("g.ulh");
+    CFW_Opened();
+    EXPECT_EQ(HL_GetLabels(PANEL_CONFIG, CONFIG_GROUPS),
+              (std::vector<std::string>{"All", "Motor", "   Limits", "Motors"}));
+    HL_SelectLine(PANEL_CONFIG, CONFIG_GROUPS, 1);
+    EXPECT_EQ(HL_GetLabels(PANEL_CONFIG, CONFIG_LIST),
+              (std::vector<std::string>{"wGain", "Motor/Limits", "fLimit"}));
+}
+
 TEST_F(SetWindow, EditorShowsOneParameterAndTakesItsValue)
 {
     HL_CommitControl(PANEL_CONFIG, CONFIG_READ);

@@ -16,6 +16,7 @@ std::string FormatDifference(const LDR_Difference &difference)
                       static_cast<unsigned>(difference.found));
 }
 
+// How much of the file an interrupted run has left in the flash, and what can be done now.
 std::string FormatPart(const LDR_Job &job)
 {
     if (job.isStrayPossible)
@@ -79,6 +80,7 @@ std::string LDR_GetFlashText(const LDR_Job &job)
     case LDR_FLASH_UNTOUCHED:
         return "The flash was not changed.";
     case LDR_FLASH_ERASING:
+        // Nobody knows: the target may have gone on after the line broke.
         return "The flash may be erased in part: erase it again.";
     case LDR_FLASH_ERASED:
         return "The flash is erased and empty. Programming can go on.";

@@ -23,16 +23,13 @@ std::string FormatTime(uint32_t stamp, bool isLocal)
     return text;
 }
 
-// Always in quotes: a column of texts looks the same from its first line to its last.
+// Always in quotes: a column of texts looks the same from its first line to its last. What a
+// spreadsheet would run as a formula, a target may have logged as well.
 void AppendQuoted(const std::string &text, std::string *out)
 {
-    *out += '"';
-    for (const char c : text) {
-        if (c == '"')
-            *out += '"';
-        *out += c;
-    }
-    *out += '"';
+    const std::string cell = WRD_QuoteCsv(text);
+    const bool isQuoted = !cell.empty() && cell.front() == '"';
+    *out += isQuoted ? cell : '"' + cell + '"';
 }
 
 void AddStampFields(const DLLD_Msg &msg, std::vector<LOGV_Detail> *details)

@@ -87,7 +87,7 @@ void LGW_ApplyFilter()
     // Both sides by the same one: a comparison lists what is left of both.
     LOGV_Filter filter = LOGV_MakeFilter();
     const int type = GetChoice(LOG_TYPE, LGW_ALL_BUT_JUNK);
-    // One type, or all of them, junk as well.
+    // The filter begins without junk. One type, or all of them, junk as well.
     if (type != LGW_ALL_BUT_JUNK)
         filter.hidden.reset();
     if (type >= 0) {
@@ -150,7 +150,7 @@ int LGW_LocalCB(int, int, int event, int)
         return 0;
     for (LGW_Side &side : LGW_sides)
         side.view.isLocalTime = side.cells.isLocalTime = LGW_IsLocalTime();
-    LGW_ApplyFilter(); // its times mean something else now
+    LGW_ApplyFilter(); // what stands in From and To means other times now
     return 0;
 }
 

@@ -8,13 +8,6 @@
 
 namespace {
 
-// "Motor/Limits" lies in "Motor", "Motors" does not.
-bool IsInGroup(const std::string &name, const std::string &group)
-{
-    return group.empty() || name == group ||
-           (name.compare(0, group.size(), group) == 0 && name[group.size()] == '/');
-}
-
 // Read-only, or outside of the limits.
 std::string WhyNot(const PST_Set &set, uint32_t entry, const PST_Bytes &bytes)
 {
@@ -133,13 +126,19 @@ int PST_LoadIntoForm(PST_Form *form, const std::string &path, bool isEdit, PST_P
     return 0;
 }
 
+bool PST_IsInGroup(const std::string &name, const std::string &group)
+{
+    return group.empty() || name == group ||
+           (name.compare(0, group.size(), group) == 0 && name[group.size()] == '/');
+}
+
 std::vector<uint32_t> PST_ListEntries(const PST_Form &form, const std::string &group,
                                       bool isOnlyMarked)
 {
     std::vector<uint32_t> entries;
     for (uint32_t i = 0; i < form.set.entries.size(); ++i) {
         const PST_Item &item = form.set.items[form.set.entries[i].item];
-        if (IsInGroup(form.set.groups[item.group], group) &&
+        if (PST_IsInGroup(form.set.groups[item.group], group) &&
             (!isOnlyMarked || PST_IsChanged(form, i) || PST_IsOther(form, i)))
             entries.push_back(i);
     }

@@ -41,6 +41,8 @@ std::string PST_EditDefault(PST_Form *form, uint32_t entry);
 // except read-only ones. 0, or -1 with the reasons: nothing has changed.
 int PST_LoadIntoForm(PST_Form *form, const std::string &path, bool isEdit, PST_Problems *problems);
 
+// Whether a group is `group` or lies in it: "Motor/Limits" lies in "Motor", "Motors" does not.
+bool PST_IsInGroup(const std::string &name, const std::string &group);
 // Entries of a group and the groups inside of it, in the header's order; "" = all of them.
 // With isOnlyMarked those that are changed or differ from the file.
 std::vector<uint32_t> PST_ListEntries(const PST_Form &form, const std::string &group,

@@ -10,7 +10,7 @@
 
 namespace {
 
-const char NO_VALUE[] = "–";
+const char NO_VALUE[] = "–";           // an empty cell would look forgotten
 const char MARK_CHANGED[] = "changed"; // class of a value that is not its default
 const char MARK_DIFFERS[] = "differs"; // ... that is not the first file's
 
@@ -72,6 +72,7 @@ std::string ShownValue(const PST_Spot &spot)
     double number = 0;
     if (record == nullptr)
         return NO_VALUE;
+    // Plain bytes are no number that a factor could be put to.
     const bool isBytes = record->cast.empty() && record->value.find(' ') != std::string::npos;
     if (isBytes || record->attributes.factor == 1 || !PST_GetNumber(*record, &number))
         return record->value;
@@ -146,6 +147,7 @@ const PlaceRow PLACES[] = {
     {"heading", [](const PST_Spot &s) { return s.row != nullptr ? s.row->heading : ""; }},
     {"name", [](const PST_Spot &s) { return s.isInRow ? s.row->name : ""; }},
     {"value", ShownValue},
+    // as it stands in the file, without the factor
     {"raw", [](const PST_Spot &s) { return ValueAt(s) != nullptr ? ValueAt(s)->value : NO_VALUE; }},
     {"mark", MarkText},
     {"sign",
@@ -153,6 +155,7 @@ const PlaceRow PLACES[] = {
          const std::string mark = MarkText(s);
          return std::string(mark == MARK_DIFFERS ? "≠" : mark == MARK_CHANGED ? "*" : "");
      }},
+    // of the whole row, where "mark" is of one file in it
     {"rowmark",
      [](const PST_Spot &s) {
          return std::string(s.isInRow && s.row->differs ? MARK_DIFFERS : "");

@@ -219,6 +219,8 @@ bool CFW_FollowChanges()
 {
     if (!CFW_form.isOpen)
         return false;
+    // A station has the same places, but its values are others: what was read is gone in both
+    // cases.
     const bool areNamesNew = symbols != PST_SymbolsStamp();
     if (!areNamesNew && station == STATION)
         return true;
@@ -256,6 +258,7 @@ void CFW_SetHeader(const std::string &path)
 void CFW_Opened()
 {
     CFT_Prepare();
+    // The button opens the port where there is no main window to do it.
     SetCtrlAttribute(PANEL_CONFIG, CONFIG_TERMINAL, ATTR_VISIBLE,
                      VR_enAppMode == MODE_CONFIGURATION ? 1 : 0);
     if (CFW_form.isOpen)
@@ -307,6 +310,7 @@ int CFW_ListCB(int panel, int control, int event, int)
             return 0;
         // The star marks what is typed; it is no part of it.
         const size_t begin = text.find_first_not_of("* ");
+        // An empty text takes the typed value back.
         const std::string why = PST_EditForm(&CFW_form, static_cast<uint32_t>(entry),
                                              begin == std::string::npos ? "" : text.substr(begin));
         CFW_ShowResult(why, true);

@@ -15,25 +15,25 @@ constexpr int INDENT_BLANKS = 3; // of a group inside of another
 
 std::vector<std::string> groupNames; // of the lines of the list; the first is "", all of them
 
-// Every group with the groups above it, also those that hold no value themselves.
+// Every group with the groups above it, also those that hold no value themselves, each behind the
+// others of the group that it lies in, wherever the header names it.
 std::vector<std::string> AllGroups(const PST_Form &form)
 {
     std::vector<std::string> names = {""};
     std::set<std::string> seen = {""};
     for (const std::string &group : form.set.groups) {
-        for (size_t slash = group.find('/'); !group.empty(); slash = group.find('/', slash + 1)) {
-            const std::string name = group.substr(0, slash);
-            if (seen.insert(name).second) {
-                // Behind the others of the group that it lies in, wherever the header names it.
-                const std::string parent = name.substr(0, name.rfind('/'));
-                auto at = names.end();
-                if (name.find('/') != std::string::npos)
-                    while (at != names.begin() && (at - 1)->compare(0, parent.size(), parent) != 0)
-                        --at;
-                names.insert(at, name);
-            }
-            if (slash == std::string::npos)
-                break;
+        // "A/B/C" names A, A/B and itself.
+        for (size_t end = 0; end < group.size();) {
+            end = std::min(group.find('/', end + 1), group.size());
+            const std::string name = group.substr(0, end);
+            if (!seen.insert(name).second)
+                continue;
+            auto at = names.end();
+            const size_t slash = name.rfind('/');
+            while (slash != std::string::npos && at != names.begin() &&
+                   !PST_IsInGroup(*(at - 1), name.substr(0, slash)))
+                --at;
+            names.insert(at, name);
         }
     }
     return names;
@@ -48,6 +48,7 @@ void AddHeading(const std::string &text)
     SetListCells(PANEL_CONFIG, CONFIG_LIST, lines - 1, {{text, UIS_BOLD, ""}});
 }
 
+// By CFT_Column. The form's units everywhere, so that columns can be compared by eye.
 std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
 {
     const PST_Entry &entry = form.set.entries[index];
