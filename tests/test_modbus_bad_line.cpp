@@ -29,6 +29,7 @@ struct ModbusBadLine : ModbusTest {
         UCM_recS.protocol = 2;
         UCM_recS.opened = 1;
         UCM_ResetStatistics();
+        (void)UCM_Prove(); // settles what was counted on the line of another test
         // Every byte tells its address and its station: a neighbour's value is seen as such.
         for (int slave = 1; slave <= 3; slave++)
             for (uint32_t a = 0; a < MEMORY_BYTES; a++) {
@@ -201,6 +202,20 @@ TEST_F(ModbusBadLine, ExceptionsOfAnEarlierTimeProveNothing)
         virtualLine->Queue(30.0 * (i + 1), answer, sizeof answer);
     virtualLine->Queue(120, value, sizeof value);
     uint8_t bytes[2];
+    ASSERT_GE(UCM_Read(1, 0x300, sizeof bytes, bytes), 0);
+    EXPECT_EQ(memcmp(bytes, shadow[1] + 0x300, sizeof bytes), 0);
+}
+
+// The second request of the same bytes is no repetition: a late probe has its length.
+TEST_F(ModbusBadLine, AnAnsweredRequestIsAskedAnew)
+{
+    Start(VirtualFaults(), 1);
+    uint8_t bytes[40];
+    ASSERT_GE(UCM_Read(1, 0x300, sizeof bytes, bytes), 0);
+    ASSERT_EQ(UCM_Prove(), UCM_PROVEN);
+    virtualLine->faults.delayMs = 450;
+    ASSERT_NE(MBMSTEP_ReadProving(1, 0x500, sizeof bytes, bytes), 0);
+    virtualLine->faults.delayMs = 1;
     ASSERT_GE(UCM_Read(1, 0x300, sizeof bytes, bytes), 0);
     EXPECT_EQ(memcmp(bytes, shadow[1] + 0x300, sizeof bytes), 0);
 }

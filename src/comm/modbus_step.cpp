@@ -65,36 +65,36 @@ int Exchange(const Bytes &frame, STEP_Shape shape,
     return fault;
 }
 
-// One proof, as the book asks for it. A slave that refuses address 0 is asked where it answered
+// One probe, as the book asks for it. A slave that refuses address 0 is asked where it answered
 // before; one that refuses that as well is left to silence, which proves as much and costs a
 // time-out.
 int Probe(int slave, STEP_Shape shape)
 {
-    Slave &known = slaves[slave];
-    for (;;) {
-        const bool isBreak = STEP_IsBreak();
-        if (isBreak || probesLeft-- <= 0) {
-            probeFault = isBreak ? MBM_FAULT_CANCELLED : MBM_FAULT_STEP;
-            return -1;
-        }
-        const bool isElsewhere = known.isZeroRefused && known.hasGood;
-        const Bytes frame = MBF_BuildProbe(slave, shape, isElsewhere ? known.goodAddress : 0);
-        // Any probe's answer will do: an earlier one may be proof enough. An exception that
-        // crossed this probe out is no proof, but no other answer is to be waited for.
-        probeFault = Exchange(frame, shape, [slave, shape](const uint8_t *answer) {
-            const bool isProof = MBMSTEP_BookOther(answer);
-            return answer[0] == slave && (isProof || !IsOpen(slave, shape, true));
-        });
-        if (probeFault == 0)
-            return 1;
-        if (probeFault < MBM_FAULT_EXCEPTION)
-            return probeFault == MBM_FAULT_GONE || probeFault == MBM_FAULT_ECHO ? -1 : 0;
-        known.isZeroRefused = true;
-        if (isElsewhere || !known.hasGood) {
-            probeFault = MBMSTEP_ProveBySilence(slave);
-            return probeFault == 0 ? 1 : -1;
-        }
+    const bool isBreak = STEP_IsBreak();
+    if (isBreak || probesLeft-- <= 0) {
+        probeFault = isBreak ? MBM_FAULT_CANCELLED : MBM_FAULT_STEP;
+        return -1;
     }
+    Slave &known = slaves[slave];
+    const bool isElsewhere = known.isZeroRefused && known.hasGood;
+    const Bytes frame = MBF_BuildProbe(slave, shape, isElsewhere ? known.goodAddress : 0);
+    // Any probe's answer will do: an earlier one may be proof enough. An exception that crossed
+    // this probe out is no proof, but no other answer is to be waited for.
+    probeFault = Exchange(frame, shape, [slave, shape](const uint8_t *answer) {
+        const bool isProof = MBMSTEP_BookOther(answer);
+        return answer[0] == slave && (isProof || !IsOpen(slave, shape, true));
+    });
+    if (probeFault == 0)
+        return 1;
+    if (probeFault < MBM_FAULT_EXCEPTION)
+        return probeFault == MBM_FAULT_GONE || probeFault == MBM_FAULT_ECHO ? -1 : 0;
+    // The exception may have been an older request's, and this probe's answer still to come: the
+    // next one has another length, by which the two are told apart.
+    known.isZeroRefused = true;
+    if (!isElsewhere && known.hasGood)
+        return 1;
+    probeFault = MBMSTEP_ProveBySilence(slave);
+    return probeFault == 0 ? 1 : -1;
 }
 
 const STEP_Prober PROBER = {MBF_aProbeShapes, MBF_cnProbeShapes, Probe};
@@ -126,12 +126,12 @@ int MBMSTEP_Ready()
     if (STEP_IsSafe(MBMSTEP_book, slave, shape))
         return 0;
     // A repetition: an answer to either sending answers the request, and the line was in step
-    // when it went out first. A probe of its shape that has gone out since is another matter.
+    // when it went out first. While it is open no probe gets its shape; once it is not, an open
+    // probe may have that, and the answer could be either's.
     const Bytes &last = slaves[slave].lastFrame;
     const bool isLast = last.size() == static_cast<size_t>(MBM_cnLastSend) &&
                         std::equal(last.begin(), last.end(), MBM_abySnd);
-    if (isLast && PartnerOf(slave).unknown == 0 && IsOpen(slave, shape, false) &&
-        !IsOpen(slave, shape, true))
+    if (isLast && PartnerOf(slave).unknown == 0 && IsOpen(slave, shape, false))
         return 0;
     // A device that is no target of ours has no memory that could be probed.
     if (!MBF_IsTunnel(MBM_abySnd))

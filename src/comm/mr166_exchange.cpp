@@ -57,42 +57,42 @@ int SendProbe(int station, STEP_Shape shape)
         return -1;
     }
     const Mr166_Driver &driver = MrASC_Driver();
-    for (;;) {
-        uint32_t address = 0;
-        const bool hasGood = MrTRY_GoodAddress(station, &address);
-        if (!isZeroRefused[station] || !hasGood)
-            address = 0;
-        const Mr166_Request probe = {station, MR166_CMD_READ, address, static_cast<uint16_t>(shape),
-                                     nullptr};
-        if (!MrTRY_Send(driver, probe, true)) {
-            // A port that is gone answers no further probe; any other failure may pass.
-            ++failedProbes;
-            return Mr166_nFault == MR166_FAULT_GONE ? -1 : 0;
-        }
-        const MrTRY_Reading reading = MrTRY_ReadSorted(driver, probe, MrTRY_Kind::PROBE);
-        const bool isProof =
-            reading.kind == MrANS_Judgement::ACCEPTED || reading.kind == MrANS_Judgement::PROOF;
-        if (isProof || reading.kind == MrANS_Judgement::REFUSED) {
-            Mr166_nFault = isProof ? 0 : reading.code;
-            if (TRC_isOn)
-                MrTRC_End(true, reading.isEchoSeen);
-            Mr166_nFault = 0;
-            if (isProof) {
-                Mr166_isEchoing = Mr166_isEchoing && reading.kind == MrANS_Judgement::PROOF;
-                return 1;
-            }
-            const bool isSecondRefusal = isZeroRefused[station];
-            isZeroRefused[station] = true;
-            // Refused at both places, or nowhere else to ask: silence is all that is left.
-            if (isSecondRefusal || !hasGood)
-                return WaitForSilence(driver, station);
-            continue;
-        }
+    uint32_t address = 0;
+    const bool hasGood = MrTRY_GoodAddress(station, &address);
+    if (!isZeroRefused[station] || !hasGood)
+        address = 0;
+    const Mr166_Request probe = {station, MR166_CMD_READ, address, static_cast<uint16_t>(shape),
+                                 nullptr};
+    if (!MrTRY_Send(driver, probe, true)) {
+        // A port that is gone answers no further probe; any other failure may pass.
+        ++failedProbes;
+        return Mr166_nFault == MR166_FAULT_GONE ? -1 : 0;
+    }
+    const MrTRY_Reading reading = MrTRY_ReadSorted(driver, probe, MrTRY_Kind::PROBE);
+    const bool isProof =
+        reading.kind == MrANS_Judgement::ACCEPTED || reading.kind == MrANS_Judgement::PROOF;
+    if (!isProof && reading.kind != MrANS_Judgement::REFUSED) {
         ++failedProbes;
         // For its counters and its reason only: the probe has failed either way.
         (void)MrTRY_FinishSorted(probe, reading);
         return reading.isGone ? -1 : 0;
     }
+    Mr166_nFault = isProof ? 0 : reading.code;
+    if (TRC_isOn)
+        MrTRC_End(true, reading.isEchoSeen);
+    Mr166_nFault = 0;
+    if (isProof) {
+        Mr166_isEchoing = Mr166_isEchoing && reading.kind == MrANS_Judgement::PROOF;
+        return 1;
+    }
+    // The refusal may have been an older request's, and this probe's answer still to come: the
+    // next one has another length, by which the two are told apart.
+    const bool isSecondRefusal = isZeroRefused[station];
+    isZeroRefused[station] = true;
+    if (!isSecondRefusal && hasGood)
+        return 1;
+    // Refused at both places, or nowhere else to ask: silence is all that is left.
+    return WaitForSilence(driver, station);
 }
 
 constexpr STEP_Prober PROBER = {PROBES, sizeof PROBES / sizeof PROBES[0], SendProbe};
