@@ -16,7 +16,7 @@ namespace {
 constexpr double LOOK_PERIOD_S = 0.05; // at the control word while the scope waits
 
 SCP_Setup &setup = SCW_state.setup;
-size_t chosen = 0; // channel whose fields are shown
+size_t &chosen = SCW_state.chosen;
 
 std::string TextOf(int control)
 {

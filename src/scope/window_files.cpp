@@ -82,7 +82,7 @@ int DTSC_LoadSettings()
     // Read where they are; written where this user may write, which can be another folder.
     const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
     settingsPath = place.write;
-    SCW_state.setup = SCP_Setup();
+    SCW_state = SCW_State(); // a window that was never opened
     const bool isThere = PLF_Exists(place.read);
     std::vector<std::string> problems;
     const int result = isThere ? SCP_LoadSetup(place.read, &SCW_state.setup, &problems) : 0;

@@ -11,6 +11,7 @@
 struct SCW_State {
     SCP_Setup setup;                // as the fields have it; the target may have been told another
     SCP_Capture capture, reference; // the last recording, and one to compare it with
+    size_t chosen = 0;              // channel whose fields are shown
     bool isRunning = false;         // the timer follows what the target does
 };
 extern SCW_State SCW_state;
