@@ -229,13 +229,13 @@ TEST_F(Memory, TheMemoryBoxIsCopiedAsATable)
     load("wSpeed, u2\n");
     ResetLItemsDisplay();
     ASSERT_TRUE(connect());
-    poke(0x300, {'A', ' ', ' ', 'B'});
+    poke(0x300, {'A', ' ', ' ', 'B', '-', '-', '-'}); // no rule under a heading
     const struct {
         int isTyped;
         const char *tabbed;
     } boxes[] = {{0,
-                  "00000300( +0):\t41\t20\t20\t42\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
-                  "A  B............\n"},
+                  "00000300( +0):\t41\t20\t20\t42\t2D\t2D\t2D\t00\t00\t00\t00\t00\t00\t00\t00\t00\t"
+                  "A  B---.........\n"},
                  {1, "uns:\t2B\n000300 ( +0):\t8257\t000308 ( +8):\t0\n"}};
     for (const auto &row : boxes) {
         SetCtrlVal(PANEL_MAIN, MAIN_MEM_TYPED, row.isTyped);

@@ -125,13 +125,16 @@ TEST_F(Simulator, IsReachedMadeFaultyAndLeft)
     })) << GetLogCell(0, 1);
     EXPECT_EQ("nFast", GetLogCell(0, 2));
     EXPECT_EQ("answered", GetLogCell(0, 3));
+    EXPECT_TRUE(Has(UiText(PANEL_SIMULATOR, SIMUL_STATE), "not answered as they should be: 0. "));
 
     HL_SetUserVal(PANEL_SIMULATOR, SIMUL_DROP, 100);
     EXPECT_EQ("100 %", UiText(PANEL_SIMULATOR, SIMUL_DROP_TEXT));
     Mr166_nTimeoutMs = HASTY_MS;
     EXPECT_TRUE(WaitFor([] { return !CanRead(0x8000); }));
-    HL_FireTimer(PANEL_SIMULATOR, SIMUL_TIMER);
-    EXPECT_TRUE(Has(UiText(PANEL_SIMULATOR, SIMUL_STATE), "not answered as they should be: "));
+    EXPECT_TRUE(WaitFor([] {
+        HL_FireTimer(PANEL_SIMULATOR, SIMUL_TIMER);
+        return !Has(UiText(PANEL_SIMULATOR, SIMUL_STATE), "should be: 0. ");
+    }));
     Press(SIMUL_NO_FAULTS);
     EXPECT_EQ("0 %", UiText(PANEL_SIMULATOR, SIMUL_DROP_TEXT));
     Mr166_nTimeoutMs = PATIENT_MS;

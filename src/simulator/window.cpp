@@ -320,15 +320,6 @@ void TGW_Opened()
     SetActiveCtrl(PANEL, SIMUL_START);
 }
 
-// The target goes on running: the main window says that it is there.
-int TGW_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int TGW_ButtonCB(int, int control, int event, int)
 {
     constexpr struct {

@@ -26,6 +26,7 @@
 #include "watch/list/list_events.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/main_window.h"
 #include "watch/windows/item_panel.h"
 #include "watch/windows/map_loading.h"
 #include "watch/windows/mem_box.h"
@@ -37,23 +38,23 @@ namespace {
 
 constexpr UI_Panel PANELS[] = {
     {PANEL_MAIN, "main", "Vireo2", PanelCB},
-    {PANEL_VALUE, "value", "Write value", VLP_PanelCB},
-    {PANEL_MEMORY, "memory", "Memory", MMP_PanelCB},
-    {PANEL_ITEM, "item", "Watch item", ITP_PanelCB},
+    {PANEL_VALUE, "value", "Write value", MWN_CloseCB},
+    {PANEL_MEMORY, "memory", "Memory", MWN_CloseCB},
+    {PANEL_ITEM, "item", "Watch item", MWN_CloseCB},
     {PANEL_CONSOLE, "console", "Console", nullptr},
     {PANEL_STATISTICS, "statistics", "Communication statistics", STP_PanelCB},
     {PANEL_TRACE, "trace", "Wire trace", TRP_PanelCB},
     {PANEL_LOADER, "loader", "Flash loader", LDW_PanelCB},
     {PANEL_DATA_LOG, "data_log", "Data log", LGW_PanelCB},
-    {PANEL_VAR_SELECTOR, "var_selector", "Variables", VSL_PanelCB},
-    {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", SSL_PanelCB},
+    {PANEL_VAR_SELECTOR, "var_selector", "Variables", MWN_CloseCB},
+    {PANEL_STRUCT_SELECTOR, "struct_selector", "Structures", MWN_CloseCB},
     {PANEL_SCOPE, "scope", "Data scope", DTSC_PanelCB},
     {PANEL_GRAPH, "graph", "Graph", GRW_PanelCB},
     {PANEL_TERMINAL_ENTRY, "terminal_entry", "Send text", TRE_PanelCB},
     {PANEL_CONFIG, "config", "Device configuration", ConfigPanelCB},
     {PANEL_CONFIG_EDIT, "config_edit", "Parameter", CFE_PanelCB},
     {PANEL_DEBUGGER, "debugger", "Debugger", DBW_PanelCB},
-    {PANEL_SIMULATOR, "simulator", "Simulated target", TGW_PanelCB},
+    {PANEL_SIMULATOR, "simulator", "Simulated target", MWN_CloseCB},
     {PANEL_TERMINAL, "terminal", "Service terminal", T166_PanelCB},
     {PANEL_LCD, "lcd", "LCD and keyboard", LCW_PanelCB},
     {PANEL_CONNECT, "connect", "Connect", CNP_PanelCB},

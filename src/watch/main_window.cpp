@@ -68,3 +68,11 @@ void MWN_Outdate(MWN_Topic changed)
     GetCtrlVal(mainPanel, MAIN_MESSAGE, &shown);
     ShowText(isOutdated ? "" : shown, !isOutdated && !shown.empty());
 }
+
+int MWN_CloseCB(int panel, int event, int data)
+{
+    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
+        return 0;
+    HidePanel(panel);
+    return 1;
+}

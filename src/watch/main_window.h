@@ -1,5 +1,6 @@
 // What the rooms below app/ ask of the main window: its message area and title, and, from
-// the host that the start-up names, what it shows of the settings and which view.
+// the host that the start-up names, what it shows of the settings and which view. And how the
+// windows beside it are closed.
 #ifndef WATCH_MAIN_WINDOW_H
 #define WATCH_MAIN_WINDOW_H
 
@@ -32,5 +33,9 @@ enum MWN_Topic {
 void VR_ShowMessage(const std::string &text, MWN_Topic topic = MWN_NEWS); // message area
 // Before anything is shown about the change itself.
 void MWN_Outdate(MWN_Topic changed);
+
+// Callback of windows that are only hidden, by their close button or Esc, and keep what is in
+// them. 1 when that was the event.
+int MWN_CloseCB(int panel, int event, int data);
 
 #endif

@@ -47,7 +47,8 @@ bool MayEmptyList(const std::string &path)
                         UI_DEFAULT_NO) == 1;
 }
 
-// Loads a file as the current one. 0, or -2 with a message and nothing changed.
+// Loads a file as the current one. 0, or -2 with nothing changed, and said unless the user chose
+// it.
 int LoadAsCurrent(const std::string &path)
 {
     MWN_Outdate(MWN_LIST);

@@ -58,30 +58,16 @@ int LineCount()
     return count;
 }
 
-// The table's columns, once: widths that the user has given stay.
+// The table's columns in the order of LSV_Column, once: widths that the user has given stay.
 void EnsureColumns()
 {
     std::vector<UI_Column> columns;
     if (GetListColumns(mainPanel, MAIN_LIST, &columns) < 0 || !columns.empty())
         return;
-    // Pixels. The spare ones go first when the window is narrow.
-    columns.resize(LSV_COLUMNS);
-    columns[LSV_NAME].title = "Name";
-    columns[LSV_NAME].width = 240;
-    columns[LSV_ADDRESS].title = "Address";
-    columns[LSV_ADDRESS].width = 76;
-    columns[LSV_TYPE].title = "Type";
-    columns[LSV_TYPE].width = 44;
-    columns[LSV_VALUE].title = "Value";
-    columns[LSV_VALUE].width = 200;
-    columns[LSV_VALUE].align = UIA_POINT;
-    columns[LSV_VALUE].isEditable = true;
-    columns[LSV_AGE].title = "Age";
-    columns[LSV_AGE].width = 64;
-    columns[LSV_AGE].isSpare = true;
-    columns[LSV_COMMENT].title = "Comment";
-    columns[LSV_COMMENT].isSpare = true;
-    columns[LSV_COMMENT].isEditable = true;
+    // Title, width in pixels, alignment, editable, and spare: not in a narrow window.
+    columns = {{"Name", 240, UIA_LEFT, false, false}, {"Address", 76, UIA_LEFT, false, false},
+               {"Type", 44, UIA_LEFT, false, false},  {"Value", 200, UIA_POINT, true, false},
+               {"Age", 64, UIA_LEFT, false, true},    {"Comment", 0, UIA_LEFT, true, true}};
     SetListColumns(mainPanel, MAIN_LIST, columns);
 }
 
@@ -136,7 +122,8 @@ void PutLine(int index, const std::string &label, bool isNew)
     line.comment = WRD_Visible(item.comment);
     line.goodReads = item.goodReads;
     ShownLine &before = shownLines[index];
-    // Marked for a moment: another value than before of a line that had one.
+    // Marked for a moment: another value than before of a line that had one. Counted in good
+    // reads, for a line may be drawn several times between two of them.
     if (line.style == UIS_NORMAL && before.goodReads != 0 && before.goodReads < item.goodReads &&
         before.value != line.value)
         line.style |= UIS_CHANGED;

@@ -66,7 +66,7 @@ void NoteFailure(int index, int result)
     else if (eTMS != -1)
         eTMS = -2;
     ++nErrors;
-    ShowStatus(eTMS);
+    ShowStatus(eTMS); // in the middle of the sweep, too
     if (result != -4)
         lastFailure = LIT_Label(aLItems[index]) + ": " + aLItems[index].reason;
 }
@@ -111,6 +111,7 @@ void ReadBlock(size_t block)
 
 void ReadItem(int index)
 {
+    // A block is read with its first item; at the others the tick has nothing to ask.
     const size_t block = BlockOf(index);
     if (block < blocks.size() && blocks[block].size() > 1) {
         if (!isBlockRead[block])

@@ -183,14 +183,6 @@ void ITP_OpenEdit(int index)
     Open(edited.label, "Edit watch item", "C__hange");
 }
 
-int ITP_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int ITP_NameCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED)

@@ -9,7 +9,6 @@ enum ITP_Position { ITP_AFTER = 0, ITP_BEFORE = 1, ITP_AT_END = 2 };
 void ITP_OpenAdd();
 void ITP_OpenEdit(int index);
 
-int ITP_PanelCB(int panel, int event, int data);
 int ITP_NameCB(int panel, int control, int event, int data);
 int ITP_TypeCB(int panel, int control, int event, int data);
 int ITP_RingCB(int panel, int control, int event, int data);

@@ -3,8 +3,6 @@
 #include "watch/windows/mem_box.h"
 
 #include <cctype>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -32,7 +30,6 @@ constexpr int ROWS = 4;
 constexpr int ROW_BYTES = 16;
 constexpr int TYPED_ITEMS = 8; // two beside one another
 constexpr int TMS_WORDS = 4;
-constexpr int LINE_CHARS = 160;
 // A raw line: "00001f00( +0):  01 02 ... 10  characters", the characters at a fixed place
 // because they may be blanks themselves.
 constexpr size_t RAW_BYTES_AT = 15;
@@ -40,18 +37,6 @@ constexpr size_t RAW_BYTES_CHARS = ROW_BYTES * 3;
 constexpr size_t RAW_TEXT_AT = RAW_BYTES_AT + RAW_BYTES_CHARS + 2;
 constexpr size_t RAW_CHARS = RAW_TEXT_AT + ROW_BYTES;
 const char OUT_OF_RANGE[] = "The address is outside the target's memory.";
-
-void AppendFormat(std::string *text, const char *format, ...) __attribute__((format(printf, 2, 3)));
-
-void AppendFormat(std::string *text, const char *format, ...)
-{
-    char line[LINE_CHARS];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    *text += line;
-}
 
 void Print(const std::string &text)
 {
@@ -112,8 +97,7 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
     std::string text;
     for (int row = 0; row < ROWS; ++row, bytes += ROW_BYTES) {
         const int offset = row * ROW_BYTES;
-        AppendFormat(&text, "\n%08lx(%+3i): ",
-                     static_cast<unsigned long>(address + static_cast<uint32_t>(offset)), offset);
+        text += WRD_Format("\n%08x(%+3i): ", address + static_cast<uint32_t>(offset), offset);
         text += " " + BYT_Hex(bytes, ROW_BYTES) + "  " + BYT_Plain(bytes, ROW_BYTES);
     }
     return text;
@@ -124,27 +108,21 @@ std::string TypedValue(const uint8_t *bytes)
 {
     const uint64_t value = BYT_GetLittle(bytes, static_cast<size_t>(nMemBoxItmSz));
     const int unusedBits = 64 - 8 * nMemBoxItmSz;
-    std::string text;
     float number;
     const VTY_Row *row = VTY_Find(cMemBoxType);
     switch (row != nullptr ? row->plainForm : 'x') {
     case 'i':
-        AppendFormat(
-            &text, "%10lld",
-            static_cast<long long>(static_cast<int64_t>(value << unusedBits) >> unusedBits));
-        break;
+        return WRD_Format("%10lld", static_cast<long long>(
+                                        static_cast<int64_t>(value << unusedBits) >> unusedBits));
     case 'u':
-        AppendFormat(&text, "%15llu", static_cast<unsigned long long>(value));
-        break;
-    case 'f':
+        return WRD_Format("%15llu", static_cast<unsigned long long>(value));
+    case 'f': // the IEEE one, for the TMS320's is shown by words
         std::memcpy(&number, bytes, sizeof number);
-        AppendFormat(&text, "%+10g (%8Xh)", static_cast<double>(number),
-                     static_cast<unsigned>(value));
-        break;
+        return WRD_Format("%+10g (%8Xh)", static_cast<double>(number),
+                          static_cast<unsigned>(value));
     default:
-        AppendFormat(&text, "%8llXh", static_cast<unsigned long long>(value));
+        return WRD_Format("%8llXh", static_cast<unsigned long long>(value));
     }
-    return text;
 }
 
 std::string TypedText(uint32_t address, const uint8_t *bytes)
@@ -160,9 +138,9 @@ std::string TypedText(uint32_t address, const uint8_t *bytes)
             // Items count down the left side first.
             const int offset = (item + side * TYPED_ITEMS / 2) * nMemBoxItmSz;
             text += side == 0 ? "\n " : isFloat ? "   " : "       ";
-            AppendFormat(&text, isFloat ? "%06lx(%+3i): " : "%06lx (%+3i):   ",
-                         static_cast<unsigned long>(address + static_cast<uint32_t>(offset)),
-                         offset);
+            const uint32_t place = address + static_cast<uint32_t>(offset);
+            text += isFloat ? WRD_Format("%06x(%+3i): ", place, offset)
+                            : WRD_Format("%06x (%+3i):   ", place, offset);
             text += TypedValue(bytes + offset);
         }
     }
@@ -175,9 +153,9 @@ std::string WordsText(uint32_t address, const uint32_t *words)
         "  ADDR:         |     hex:          long:      unsign. long:     TMS float:\n "
         "------------------------------------------------------------------------";
     for (int i = 0; i < TMS_WORDS; ++i)
-        AppendFormat(&text, "\n %08x (%+3i):|  %08X   %12d    %12u    %12g",
-                     address + static_cast<uint32_t>(i), i, words[i],
-                     static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
+        text += WRD_Format("\n %08x (%+3i):|  %08X   %12d    %12u    %12g",
+                           address + static_cast<uint32_t>(i), i, words[i],
+                           static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
     return text;
 }
 
@@ -302,16 +280,16 @@ std::string MBX_TabbedText()
     GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &count);
     std::string text, line;
     for (int i = 0; i < count; ++i) {
-        if (GetTextBoxLine(mainPanel, MAIN_MEM_BOX, i, &line) < 0 ||
-            line.find("---") != std::string::npos) // the rule under a heading
+        if (GetTextBoxLine(mainPanel, MAIN_MEM_BOX, i, &line) < 0)
             continue;
         std::string row;
+        // Raw lines first: their characters may look like the rule under a heading.
         if (line.size() == RAW_CHARS && line[8] == '(') {
             row = line.substr(0, RAW_BYTES_AT - 1);
             for (size_t at = RAW_BYTES_AT; at < RAW_TEXT_AT - 2; at += 3)
                 row += '\t' + line.substr(at + 1, 2);
             row += '\t' + line.substr(RAW_TEXT_AT);
-        } else {
+        } else if (line.find("---") == std::string::npos) {
             row = ColumnRow(line);
         }
         text += row.empty() ? "" : row + '\n';

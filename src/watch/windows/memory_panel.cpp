@@ -251,14 +251,6 @@ void MMP_ShowOld()
     ShowAge();
 }
 
-int MMP_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED) { // at every key: where it would read, and what is below

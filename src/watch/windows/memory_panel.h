@@ -12,7 +12,6 @@ void MMP_Open(int index);
 // What was read is of another time or place now: communication was switched, or the station.
 void MMP_ShowOld();
 
-int MMP_PanelCB(int panel, int event, int data);
 int MMP_AddressCB(int panel, int control, int event, int data);
 int MMP_CountCB(int panel, int control, int event, int data);
 int MMP_ButtonCB(int panel, int control, int event, int data);

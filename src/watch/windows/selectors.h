@@ -26,13 +26,11 @@ void TMF_CreateStructSelector();
 
 // Menu, panel and control callbacks.
 void VSL_OpenCB(int menuBar, int item);
-int VSL_PanelCB(int panel, int event, int data);
 int VSL_FilterCB(int panel, int control, int event, int data);
 int VSL_ListCB(int panel, int control, int event, int data);
 int VSL_SourceCB(int panel, int control, int event, int data);
 int VSL_ButtonCB(int panel, int control, int event, int data);
 void SSL_OpenCB(int menuBar, int item);
-int SSL_PanelCB(int panel, int event, int data);
 int SSL_PathCB(int panel, int control, int event, int data);
 int SSL_ListCB(int panel, int control, int event, int data);
 int SSL_ButtonCB(int panel, int control, int event, int data);

@@ -260,14 +260,6 @@ void SSL_OpenCB(int, int)
     TMF_DisplayStructSelector("");
 }
 
-int SSL_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int SSL_PathCB(int, int, int event, int data)
 {
     if (event == EVENT_COMMIT) {

@@ -221,14 +221,6 @@ void VLP_Refresh()
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
 
-int VLP_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)

@@ -9,7 +9,6 @@ constexpr double VALUE_PERIOD_S = 0.25;
 void VLP_Open(int index);
 void VLP_Refresh(); // shows the item as it is now; nothing when the window is not open
 
-int VLP_PanelCB(int panel, int event, int data);
 int VLP_NewCB(int panel, int control, int event, int data);
 int VLP_ButtonCB(int panel, int control, int event, int data);
 int VLP_TimerCB(int panel, int control, int event, int data);

@@ -284,14 +284,6 @@ void VSL_OpenCB(int, int)
     SetActiveCtrl(PANEL, VARSEL_FILTER);
 }
 
-int VSL_PanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    HidePanel(panel);
-    return 1;
-}
-
 int VSL_FilterCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
