@@ -10,6 +10,7 @@
 #include "platform/system.h"
 #include "sim/sim.h"
 #include "support/scratch.h"
+#include "support/sim_fixture.h"
 #include "support/text_checks.h"
 
 namespace {
@@ -33,10 +34,8 @@ protected:
     }
     void StartTarget(const SIM_Options &options = {})
     {
-        std::string error;
-        target = SIM_Start(options, &error);
-        ASSERT_TRUE(target) << error;
-        setenv("VIREO2_COM1", SIM_DevicePath(target), 1);
+        target = SIMT_Start(1, options);
+        ASSERT_TRUE(target);
     }
     void Write(const std::string &name, const std::string &text)
     {

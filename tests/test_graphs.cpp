@@ -1,4 +1,5 @@
 // Graphs: their settings, and the window by clicks against the simulated target.
+#include "comm/mr166_link.h"
 #include "graphs/window.h"
 #include "support/watch_fixture.h"
 #include "watch/list/list_view.h"
@@ -309,6 +310,7 @@ protected:
     void SetUp() override
     {
         GraphWindow::SetUp();
+        Mr166_nTimeoutMs = PATIENT_MS; // a failed row would be a gap
         ASSERT_TRUE(connect());
         setup.periodMs = 2; // more rows than are drawn one by one would say nothing
         setup.curves.resize(1);
