@@ -213,6 +213,13 @@ TEST_F(Inspectors, RecordsOpenLevelByLevel)
     Open(0);
     EXPECT_EQ("*pwTable", GetCell(PANEL_RECORD, RECORD_LIST, 1, 0).substr(5));
     EXPECT_EQ("9", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+    // In another station a pointer that was followed leads elsewhere, and pages are its own.
+    const uint8_t page[] = {5, 0};
+    SIM_Poke(target, STATION + 1, 0xFE04, page, sizeof page); // DPP2
+    STATION++;
+    HL_FireTimer(PANEL_RECORD, RECORD_TIMER);
+    EXPECT_EQ(1, Count(PANEL_RECORD, RECORD_LIST)) << "built anew";
+    EXPECT_EQ(std::string::npos, GetCell(PANEL_RECORD, RECORD_LIST, 0, 1).find("awTable"));
 }
 
 TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
