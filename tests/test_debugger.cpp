@@ -150,6 +150,23 @@ TEST_F(Debugger, ShowsRegistersStackAndMemory)
     EXPECT_EQ(unsigned{UIS_NORMAL}, GetStyle(DEBUG_REGISTERS, dpp0, 1));
 }
 
+// Of a byte one byte, of a bit the bit; what was typed as odd is the instruction it lies in.
+TEST_F(Debugger, ShowsWhatOperandsHold)
+{
+    const uint8_t program[] = {0xF3, 0xF0, 0x00, 0x9F, 0x3F, 0x00}; // movb rl0, 9F00h; bset fd00h.3
+    const uint8_t word[] = {0x34, 0x12}, bits[] = {0x08, 0x00};
+    SIM_Poke(target, STATION, 0x22000, program, sizeof program);
+    SIM_Poke(target, STATION, 0x9F00, word, sizeof word);
+    SIM_Poke(target, STATION, 0xFD00, bits, sizeof bits);
+    SwitchOn();
+    GoTo("$22001");
+    HL_FireTimer(PANEL, DEBUG_TIMER);
+    const std::string byteLine = GetLine(DEBUG_CODE, 0), bitLine = GetLine(DEBUG_CODE, 1);
+    EXPECT_EQ(0u, byteLine.find("022000|"));
+    EXPECT_EQ(", 34", byteLine.substr(byteLine.size() - 4)) << byteLine;
+    EXPECT_EQ("|1", bitLine.substr(bitLine.size() - 2)) << bitLine;
+}
+
 TEST_F(Debugger, SaysWhatCannotBeRead)
 {
     SwitchOn();
@@ -181,14 +198,18 @@ TEST_F(Debugger, GroupsAndPlansItsReads)
         std::multiset<std::string> names;
         LVR_Set all;
         std::set<uint32_t> touchy;
-        for (const CODE_RegisterGroup &group : CODE_GetRegisterGroups())
+        for (const CODE_RegisterGroup &group : CODE_GetRegisterGroups()) {
+            uint32_t last = 0;
             for (const CODE_Register &row : group.registers) {
+                EXPECT_LE(last, row.address) << row.name;
+                last = row.address;
                 names.insert(row.name);
                 if (row.isTouchy)
                     touchy.insert(row.address);
                 else
                     LVR_Want(&all, row.address, 2);
             }
+        }
         EXPECT_EQ(static_cast<size_t>(nNodes166), names.size());
         EXPECT_EQ(names.size(), std::set<std::string>(names.begin(), names.end()).size());
         EXPECT_GE(touchy.size(), 3u) << processor;

@@ -13,6 +13,7 @@
 #include "text/words.h"
 #include "watch/list/litem.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace {
@@ -213,6 +214,13 @@ TEST_F(Inspectors, RecordsOpenLevelByLevel)
     Open(0);
     EXPECT_EQ("*pwTable", GetCell(PANEL_RECORD, RECORD_LIST, 1, 0).substr(5));
     EXPECT_EQ("9", GetCell(PANEL_RECORD, RECORD_LIST, 1, 1));
+    // In another station a pointer that was followed leads elsewhere, and pages are its own.
+    const uint8_t page[] = {5, 0};
+    SIM_Poke(target, STATION + 1, 0xFE04, page, sizeof page); // DPP2
+    STATION++;
+    HL_FireTimer(PANEL_RECORD, RECORD_TIMER);
+    EXPECT_EQ(1, Count(PANEL_RECORD, RECORD_LIST)) << "built anew";
+    EXPECT_EQ(std::string::npos, GetCell(PANEL_RECORD, RECORD_LIST, 0, 1).find("awTable"));
 }
 
 TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
@@ -237,6 +245,10 @@ TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
     HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 1, 2, "7");
     EXPECT_EQ((std::vector<uint8_t>{7, 0}), Peek(0x8166, 2));
 
+    Name(PANEL_ARRAY, "$8008, u8, 1"); // counts on by itself
+    HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 0, 1, "1");
+    EXPECT_EQ("DIFFERENT: Written, but element 0 holds another value now.",
+              UiText(PANEL_ARRAY, ARRAY_MESSAGE));
     Name(PANEL_ARRAY, "$9F00, i8, 2");
     HL_EditCell(PANEL_ARRAY, ARRAY_LIST, 0, 1, "-2 9223372036854775807");
     EXPECT_EQ("OK: Elements written and read back: 2.", UiText(PANEL_ARRAY, ARRAY_MESSAGE));
@@ -288,6 +300,7 @@ TEST_F(Inspectors, TenWindowsEachWithItsOwn)
     // A closed one makes room, and its window comes back empty.
     HL_Key(PANEL_ARRAY_MORE, ARRAY_PLACE, KEY_ESC);
     EXPECT_EQ(nullptr, INS_Find(PANEL_ARRAY_MORE));
+    EXPECT_EQ(0, std::count(std::begin(INS_anPanels), std::end(INS_anPanels), PANEL_ARRAY_MORE));
     ARI_Open("");
     EXPECT_EQ(0, Count(PANEL_ARRAY_MORE, ARRAY_LIST));
     Name(PANEL_ARRAY_MORE, "afCurve");

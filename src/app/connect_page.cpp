@@ -67,7 +67,7 @@ void FillPorts()
     SetCtrlIndex(PANEL_CONNECT, CONNECT_PORT, usedIndex);
 }
 
-// Those of the menu, and the one in use when it is another.
+// Rates of the menu, and the one in use when it is another.
 void FillBauds()
 {
     ClearListCtrl(PANEL_CONNECT, CONNECT_BAUD);

@@ -112,6 +112,7 @@ void EnableItem(int item, bool isOn)
     SetMenuBarAttribute(GetPanelMenuBar(mainPanel), item, ATTR_DIMMED, isOn ? 0 : 1);
 }
 
+// Where symbols come from. A value that openStruct should not have is shown rather than hidden.
 std::string MapText()
 {
     switch (openStruct) {
@@ -182,6 +183,7 @@ void SetMainPanelStateLine()
 
 void VR_DimControls()
 {
+    // A list that was opened and is empty can be saved, too.
     const bool hasItems = openLItems != 0 || nLItems > 0;
     const bool hasFile = !szDebugFileName.empty();
     const bool hasMap = !szMapFileName.empty() || !TMF_szFileName.empty();

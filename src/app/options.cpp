@@ -25,6 +25,7 @@ namespace {
 constexpr int PROCESSORS[] = {CPU_C166, CPU_C167, CPU_F283XX, CPU_F2803X};
 const char PORT_QUESTION[] = "Enter COM number, the path of a device or tcp:host:port";
 
+// Said whenever the run-time library's driver is chosen, not only the first time.
 const char NI_WARNING[] = "Use of NI COM services is supported for full backward compatibility\n"
                           "as it makes possible RS485 echo cancellation.\n\n"
                           "Win32 services should always be used with USB/COM adapters,\n"
@@ -102,6 +103,7 @@ void PortCB(int, int item)
         VR_Reopen();
     } else if (item == ITEM_PORT_OTHER) {
         std::string text = std::to_string(ncom);
+        // A number, a path or tcp:...: a path may be as long as paths are.
         if (PromptPopup("Prompt", PORT_QUESTION, &text, PATH_MAX_CHARS - 1) >= 0)
             OPT_UsePort(text);
     }
@@ -185,6 +187,7 @@ void ConnectCB(int, int)
         VIR2_StartPeriodicASC();
 }
 
+// The switch shows the wish; whether it came true, VR_ShowComState shows.
 int CommSwitchCB(int panel, int control, int event, int)
 {
     if (event != EVENT_COMMIT)

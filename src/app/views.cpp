@@ -100,6 +100,7 @@ int OnKey(int key)
     }
 }
 
+// The console stands inside the main panel and has no layout of its own that would follow it.
 void OnResize()
 {
     int height = oldHeight;
@@ -112,6 +113,7 @@ void OnResize()
     VR_SizeConsole(height);
 }
 
+// Windows that are shown and then told so; others have callbacks of their own in the menu's rows.
 struct WindowItem {
     int item;
     int panel;

@@ -16,6 +16,7 @@
 #include "symbols/addr_name.h"
 #include "text/bytes.h"
 #include "ui/resource.h"
+#include "watch/windows/selector_row.h"
 
 namespace {
 
@@ -44,15 +45,6 @@ int GetLine()
     return line < static_cast<int>(code.size()) ? line : -1;
 }
 
-std::string FormatHexAddress(uint32_t address)
-{
-    static const char DIGITS[] = "0123456789ABCDEF";
-    std::string text;
-    for (int shift = 20; shift >= 0; shift -= 4)
-        text += DIGITS[address >> shift & 0xF];
-    return text;
-}
-
 // The line of a named address carries the name in front of those that its operands use.
 std::vector<UI_Cell> MakeCells(const CODE_Instruction &instruction)
 {
@@ -62,7 +54,7 @@ std::vector<UI_Cell> MakeCells(const CODE_Instruction &instruction)
     if (isStart)
         names = here + ":" + (names.empty() ? "" : "  ") + names;
     const unsigned style = !instruction.isValid ? UIS_DIM : isStart ? UIS_BOLD : UIS_NORMAL;
-    return {{FormatHexAddress(instruction.address), style, here},
+    return {{SEL_AddressText(instruction.address), style, here},
             {BYT_Hex(instruction.bytes, instruction.length), UIS_DIM, ""},
             {CODE_FormatInstruction(instruction), style, names},
             {names, UIS_NORMAL, names},
@@ -73,13 +65,13 @@ std::vector<UI_Cell> MakeCells(const CODE_Instruction &instruction)
 void AppendLines(size_t first)
 {
     for (size_t i = first; i < code.size(); ++i) {
-        InsertListItem(PANEL, DEBUG_CODE, -1, FormatHexAddress(code[i].address), 0);
+        InsertListItem(PANEL, DEBUG_CODE, -1, SEL_AddressText(code[i].address), 0);
         SetListCells(PANEL, DEBUG_CODE, static_cast<int>(i), MakeCells(code[i]));
     }
     DBW_EnableButtons();
 }
 
-// The values in view; the rest keeps what it had, which no longer counts.
+// The values in view. A line out of view loses its own: no refresh has read it again.
 void ShowValues(int first, int lines)
 {
     for (size_t i = 0; i < code.size(); ++i) {
@@ -120,7 +112,7 @@ bool ShowCodeAt(uint32_t address, int line)
     AppendLines(0);
     SetCtrlIndex(PANEL, DEBUG_CODE, std::min(line, static_cast<int>(code.size()) - 1));
     const std::string name = SYM_AddressToName(address);
-    SetCtrlVal(PANEL, DEBUG_PLACE, name.empty() ? "$" + FormatHexAddress(address) : name);
+    SetCtrlVal(PANEL, DEBUG_PLACE, name.empty() ? "$" + SEL_AddressText(address) : name);
     DBW_EnableButtons();
     return true;
 }
@@ -139,7 +131,7 @@ void DBW_ShowWhere()
     const uint32_t address = line >= 0 ? code[static_cast<size_t>(line)].address : 0;
     const std::string name = line >= 0 ? SYM_AddressToName(address) : "";
     DBW_ShowOutcome((CODE_CanDecode() ? LIVE_VIEW : DBW_ONLY_C166) +
-                    (name.empty() ? "" : "  " + FormatHexAddress(address) + ": " + name));
+                    (name.empty() ? "" : "  " + SEL_AddressText(address) + ": " + name));
 }
 
 void DBW_EnableButtons()

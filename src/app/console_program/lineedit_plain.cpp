@@ -17,7 +17,7 @@ bool LNE_IsErrorTerminal()
 int LNE_ReadLine(const std::string &prompt, std::string *line)
 {
     std::fputs(prompt.c_str(), stdout);
-    std::fflush(stdout);
+    std::fflush(stdout); // no line end, so nothing else would bring it out
     line->clear();
     int c = std::getchar();
     if (c == EOF)
