@@ -20,19 +20,6 @@ std::string Steady(const std::string &all)
     return std::regex_replace(std::regex_replace(text, stamp, "#N T"), duration, "(D)");
 }
 
-TEST_F(LinkTest, TheRingIsInOrderAfterItHasTurnedAndAfterItWasCleared)
-{
-    TRC_Enable(3);
-    for (const size_t added : {5u, 2u, 4u}) {
-        TRC_Clear();
-        for (size_t i = 0; i < added; ++i)
-            TRC_Add(TRC_Record());
-        ASSERT_EQ(TRC_Count(), std::min<size_t>(added, 3));
-        for (size_t i = 1; i < TRC_Count(); ++i)
-            EXPECT_EQ(TRC_Get(i)->number, TRC_Get(i - 1)->number + 1) << added;
-    }
-}
-
 TEST_F(LinkTest, TheSinkTellsEveryExchange)
 {
     std::string all;
