@@ -40,6 +40,7 @@ TEST_F(TextFiles, EveryLineEndEndsALine)
                  {"\xEF\xBB\xBF"
                   "a\n",
                   {"a"}},
+                 {"\xEF\xBB\xBF", {}},
                  {"a\n\xEF\xBB\xBF", {"a", "\xEF\xBB\xBF"}}, // only at the start
                  {std::string("\0\0\0", 3), {}}};
     for (const auto &c : cases) {
