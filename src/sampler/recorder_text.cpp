@@ -41,15 +41,15 @@ std::string HeadLine(const std::string &key, const std::string &value)
 
 void REC_SetZone(REC_Recorder *recorder)
 {
-    // Local time against UTC, from what the two clocks say now: rounded, for they are not asked
-    // at the same moment.
+    // Local time against UTC, from what the system's two clocks say now: rounded, for they are not
+    // asked at the same moment. The recorder's own clock may be set to another day.
     PLT_Date local;
     PLT_LocalTime(&local);
+    const int64_t utcS = PLT_UtcMs() / 1000;
     const DateTime date = {local.year,   local.month,  local.day,   local.hour,
                            local.minute, local.second, DTTM_DECODED};
-    const double minutes = (static_cast<double>(WrkCET2000(&date)) -
-                            static_cast<double>(recorder->startUtcMs / 1000 - UTC_2000_S)) /
-                           60;
+    const double minutes =
+        (static_cast<double>(WrkCET2000(&date)) - static_cast<double>(utcS - UTC_2000_S)) / 60;
     const double steps = minutes / ZONE_STEP_MINUTES;
     const int rounded = static_cast<int>(steps < 0 ? steps - 0.5 : steps + 0.5);
     recorder->offsetMinutes = std::abs(rounded) <= ZONE_STEPS_MAX ? rounded * ZONE_STEP_MINUTES : 0;
