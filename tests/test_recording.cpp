@@ -11,8 +11,8 @@
 
 namespace {
 
-// 21 November 2025, 16:01:14.123. Long past: a clock a few hours off would be taken for a zone.
-int64_t utcMs = 1763740874123;
+// 21 November 2025, 10:01:14.123: the 21st in every zone but the easternmost.
+int64_t utcMs = 1763719274123;
 
 SMP_Item Item(const std::string &name, char type = 'i', int size = 2)
 {
@@ -33,7 +33,7 @@ struct Recording : testing::Test {
 
     Recording()
     {
-        utcMs = 1763740874123;
+        utcMs = 1763719274123;
         options.path = "run.csv";
         options.utcMs = [] { return utcMs; };
     }
@@ -84,7 +84,7 @@ TEST_F(Recording, holdsHeadRowsFailuresAndNotes)
     utcMs += 2600;
     EXPECT_EQ(REC_Flush(&recorder, 9600000), 0);
     const std::string text = ReadFileText("run.csv"); // while it is open: a kill leaves this
-    for (const char *line : {"; Vireo2 recording 1\r\n", "; start, 2025-11-21T16:01:14.123Z\r\n",
+    for (const char *line : {"; Vireo2 recording 1\r\n", "; start, 2025-11-21T10:01:14.123Z\r\n",
                              "; item, 1, nSine\r\n", "; type, 2, f\r\n",
                              "; address, 1, 0x008002\r\n", "; station, 1, 1\r\n"})
         EXPECT_TRUE(Has(text, line)) << line;
