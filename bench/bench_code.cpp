@@ -38,7 +38,7 @@ size_t ListWords(const std::vector<uint8_t> &bytes)
 {
     size_t characters = 0;
     for (size_t at = 0; at + 1 < bytes.size(); at += 2)
-        characters += BYT_Hex(&bytes[at], 2).size();
+        characters += TXT_FormatHexBytes(&bytes[at], 2).size();
     return characters;
 }
 

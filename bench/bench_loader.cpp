@@ -56,7 +56,7 @@ void MeasureWriting()
     const double limit = BEN_WireSeconds(BYTES / RECORD_BYTES * WRITE_CHARS);
     const double writing = BEN_BestSeconds(ROUNDS, [] {
         if (LD167U_L3CmdWriteHexFile(FILE_NAME) != 0)
-            BEN_Fail(HEXS_GetCause());
+            BEN_Fail(HEX_GetLoadCause());
     });
     const double verified = BEN_BestSeconds(ROUNDS, [] {
         LDR_Job job;

@@ -32,7 +32,7 @@ void FillList()
         LItem &item = aLItems[nLItems];
         item.name = "Module_Variable" + std::to_string(nLItems);
         item.address = item.givenAddress = LIVE_ADDRESS + static_cast<uint32_t>(nLItems % 8) * 4;
-        VTY_SetFromField(&item, types[nLItems % 8]);
+        VAL_SetFromField(&item, types[nLItems % 8]);
     }
 }
 

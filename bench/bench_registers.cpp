@@ -14,24 +14,24 @@ constexpr int REFRESHES = 10, ROUNDS = 4;
 void Measure(const char *name, int protocol)
 {
     SIM_Target *target = BEN_StartLine(protocol, BEN_BAUD);
-    LVR_Set wanted;
+    CODE_LiveReads wanted;
     for (const CODE_RegisterGroup &group : CODE_GetRegisterGroups())
         for (const CODE_Register &row : group.registers)
             if (!row.isTouchy && wanted.wanted.size() < REGISTERS)
-                LVR_Want(&wanted, row.address, 2);
+                CODE_WantLive(&wanted, row.address, 2);
     if (wanted.wanted.size() != REGISTERS)
         BEN_Fail("the processor has fewer registers");
-    std::vector<GRP_Item> items;
-    for (const LVR_Piece &piece : wanted.wanted)
+    std::vector<UCM_BlockItem> items;
+    for (const CODE_LivePiece &piece : wanted.wanted)
         items.push_back({STATION, piece.address, piece.size});
-    const GRP_Wire wire = GRP_ReadWire(protocol);
-    const auto chars =
-        static_cast<double>(GRP_CountPlan(GRP_Plan(items, wire, GRP_ReadRules(Procesor)), wire));
+    const UCM_WireCosts wire = UCM_ReadWire(protocol);
+    const auto chars = static_cast<double>(
+        UCM_CountPlanChars(UCM_PlanBlocks(items, wire, UCM_ReadRules(Procesor)), wire));
     const double seconds = BEN_BestSeconds(ROUNDS, [&] {
         for (int i = 0; i < REFRESHES; ++i) {
-            LVR_Set set = wanted;
+            CODE_LiveReads set = wanted;
             std::string cause;
-            if (LVR_Read(&set, STATION, &cause) != 0)
+            if (CODE_ReadLive(&set, STATION, &cause) != 0)
                 BEN_Fail(cause);
         }
     });

@@ -62,7 +62,7 @@ double BareRowsPerSecond(const std::vector<SMP_Item> &items)
     const uint64_t start = PLT_TickUs();
     uint64_t rows = 0, elapsedUs = 0;
     for (; static_cast<double>(elapsedUs) < SECONDS * 1e6; elapsedUs = PLT_TickUs() - start) {
-        for (const GRP_Block &block : sampler.plan) {
+        for (const UCM_Block &block : sampler.plan) {
             uint8_t bytes[256];
             uint32_t word = 0;
             if (items[block.items[0]].isTMS)

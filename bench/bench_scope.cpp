@@ -74,9 +74,9 @@ void MeasureDemux()
         for (size_t i = 0; i < copy.size(); i++)
             copy[i] = SX_awData[i];
     });
-    SPC_Spectrum spectrum;
+    SCP_Spectrum spectrum;
     const double transform = BEN_BestSeconds(
-        ROUNDS, [&] { SPC_Make(capture.traces[0].samples, capture.rate, &spectrum); });
+        ROUNDS, [&] { SCP_MakeSpectrum(capture.traces[0].samples, capture.rate, &spectrum); });
     if (copy[7] != SX_awData[7] || capture.traces.size() != CHANNELS)
         BEN_Fail("the words are not shared out");
     std::printf("8,000 words as 8 curves        %8.3f ms   %5.1f x a plain copy\n", demux * 1e3,
@@ -91,8 +91,8 @@ void MeasureDemux()
 int main()
 {
     STATION = 1;
-    ADR_SetResolver(SYM_ResolveName);
-    VRN_AddNode(aVarNode, &nNodes, BLOCK, "scope", nullptr);
+    COM_SetNameResolver(SYM_ResolveName);
+    SYM_AddNode(aVarNode, &nNodes, BLOCK, "scope", nullptr);
     openStruct = OPEN_MAP_FILE;
     // A byte is two characters of hexadecimal; a Modbus request carries the address.
     BEN_PrintWireHead("upload of 8,000 words");

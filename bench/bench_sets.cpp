@@ -34,7 +34,7 @@ template <typename Work> double BestCpuSeconds(Work work)
 
 PST_Set MakeSet()
 {
-    std::vector<VRN_Symbol> symbols;
+    std::vector<SYM_Symbol> symbols;
     std::ofstream header("bench_sets.ulh");
     for (uint32_t i = 0; i < PARAMETERS; ++i) {
         const uint32_t each = PARAMETERS / NEIGHBOURHOODS;
@@ -44,7 +44,7 @@ PST_Set MakeSet()
     }
     header.close();
     int refused = 0;
-    VRN_ReplaceNodes(aVarNode, &nNodes, symbols, &refused);
+    SYM_ReplaceNodes(aVarNode, &nNodes, symbols, &refused);
     openStruct = OPEN_MAP_FILE;
     PST_Set set;
     PST_Problems problems;
@@ -61,11 +61,12 @@ PST_Image ReadOverTheWire(const PST_Set &set)
         if (PST_ReadDevice(set, &image, {}, &why) != PST_OK)
             BEN_Fail(why);
     });
-    std::vector<GRP_Item> items;
+    std::vector<UCM_BlockItem> items;
     for (const PST_Place &place : set.places)
         items.push_back({STATION, place.address, set.entries[place.entry].size});
-    const GRP_Wire wire = GRP_ReadWire(VR_nProtocol);
-    const auto chars = static_cast<double>(GRP_CountPlan(GRP_Plan(items, wire, {}), wire));
+    const UCM_WireCosts wire = UCM_ReadWire(VR_nProtocol);
+    const auto chars =
+        static_cast<double>(UCM_CountPlanChars(UCM_PlanBlocks(items, wire, {}), wire));
     BEN_PrintWireHead("variable sets at 115200 baud");
     BEN_PrintWire("2,000 parameters", BEN_WireSeconds(chars), seconds);
     return image;

@@ -47,11 +47,11 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     FUZ_Check(dat2litems(path.c_str()) == 0 && nLItems >= 0 && nLItems <= LITEMS_MAX);
     for (size_t i = 0; i < EDITS; ++i)
         Edit(data[i]);
-    const std::string list = ListText(), saved = LAY_Compose(LIT_FileLine);
+    const std::string list = ListText(), saved = LIT_ComposeFile(LIT_FileLine);
     const bool isExact = nLItems <= LITEMS_MAX - static_cast<int>(EDITS);
     FUZ_WriteFile("list.dbg", saved);
     FUZ_Check(dat2litems(path.c_str()) == 0);
     FUZ_Check(!isExact || ListText() == list);
-    FUZ_Check(!isExact || LAY_Compose(LIT_FileLine) == saved);
+    FUZ_Check(!isExact || LIT_ComposeFile(LIT_FileLine) == saved);
     return 0;
 }

@@ -22,9 +22,9 @@ void Prepare()
     FUZ_Check(HL_LoadAllPanels() == 0);
     mainPanel = PANEL_MAIN;
     for (const char *name : {"nCount", "fLimit", "stMotor", "awTable", "abyText"})
-        VRN_AddNode(aVarNode, &nNodes, static_cast<uint32_t>(0x8000 + 0x100 * nNodes), name,
+        SYM_AddNode(aVarNode, &nNodes, static_cast<uint32_t>(0x8000 + 0x100 * nNodes), name,
                     nullptr);
-    VRN_SortByName(aVarNode, nNodes);
+    SYM_SortByName(aVarNode, nNodes);
     openStruct = OPEN_MAP_FILE;
     FUZ_WriteFile("t.tmf", "## 2 VARS\n1: 'awTable' _@0x20000002_@0x20000008_@0x142\n"
                            "2: 'stMotor' _@0x38000001\n## 0 TYPES\n## 1 STRUCTS\n# 1 / 2:\n"
@@ -37,9 +37,9 @@ void CheckValue(LItem item, const std::string &text)
 {
     uint64_t bits = 0x5EED;
     std::string message;
-    const int result = WRV_Parse(item, text, &bits, &message);
-    FUZ_Check((result == WRV_OK) == message.empty());
-    if (result != WRV_OK) {
+    const int result = VAL_ParseFor(item, text, &bits, &message);
+    FUZ_Check((result == VAL_WRITE_OK) == message.empty());
+    if (result != VAL_WRITE_OK) {
         FUZ_Check(bits == 0x5EED);
         return;
     }
@@ -48,7 +48,7 @@ void CheckValue(LItem item, const std::string &text)
     item.value = static_cast<uint32_t>(bits);
     item.valueHigh = static_cast<uint32_t>(bits >> 32);
     uint64_t again = 0;
-    FUZ_Check(WRV_Parse(item, WRV_ValueText(item), &again, &message) == WRV_OK);
+    FUZ_Check(VAL_ParseFor(item, VAL_GetValueText(item), &again, &message) == VAL_WRITE_OK);
     FUZ_Check(item.type == 'f' || again == bits); // a float is shown with six digits
 }
 
@@ -59,15 +59,15 @@ void CheckAddress(const std::string &text)
     FUZ_Check(station >= -1 && (address == ADDR_NONE || address < ADDR_LIMIT));
     LItem item;
     const int edited = EDT_Parse(text, "", &item);
-    FUZ_Check(edited != 0 || VTY_IsField(VTY_Field(item)));
-    SET_Request request;
+    FUZ_Check(edited != 0 || VAL_IsTypeField(VAL_TypeField(item)));
+    SCR_SetRequest request;
     std::string problem;
-    if (SET_Parse(text, &request, &problem) < 0) {
+    if (SCR_ParseSet(text, &request, &problem) < 0) {
         FUZ_Check(!problem.empty());
         return;
     }
     FUZ_Check(problem.empty() && request.item.address < ADDR_LIMIT);
-    FUZ_Check(VTY_IsField(VTY_Field(request.item)) && request.item.station <= STATION_MAX);
+    FUZ_Check(VAL_IsTypeField(VAL_TypeField(request.item)) && request.item.station <= STATION_MAX);
     FUZ_Check(request.isWrite != request.value.empty());
 }
 
@@ -82,7 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     constexpr int CPUS[] = {CPU_C166, CPU_F2803X};
     Procesor = CPUS[data[0] / 128];
     LItem item;
-    const VTY_Row &row = VTY_aRows[data[0] % VTY_cnRows];
+    const VAL_TypeRow &row = VAL_aTypeRows[data[0] % VAL_cnTypeRows];
     item.type = row.letter;
     item.size = row.onlySize != 0 ? row.onlySize : 1 << data[1] % 4;
     item.name = row.isForTMS && item.size == 4 && data[1] >= 128 ? "&" : "";

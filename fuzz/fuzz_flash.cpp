@@ -35,7 +35,7 @@ void WalkDirectory(const uint8_t *data, size_t size)
     MFS_reader = ReadMemory;
     const uint32_t end = BASE + static_cast<uint32_t>(size);
     int32_t length;
-    for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_DECLS, "x"}) {
+    for (const char *name : {MFS_VAR_MAP, MFS_TYPE_DECLS, "x"}) {
         const int32_t found = MFS_FindFile(name, BASE, end, &length);
         FUZ_Check(found < 0 || (length >= 0 && static_cast<uint32_t>(found) + MFS_HEADER_SIZE +
                                                        static_cast<uint32_t>(length) <=
@@ -48,10 +48,10 @@ void WalkDirectory(const uint8_t *data, size_t size)
 
 void ReadVarMap(const std::string &content)
 {
-    const int handle = FLASH_OpenVarMap("map", content);
-    std::vector<VRN_Symbol> variables;
-    if (handle >= 0 && FLASH_ParseVarMap(handle, &variables) == 0) {
-        for (const VRN_Symbol &variable : variables)
+    const int handle = MFS_OpenVarMap("map", content);
+    std::vector<SYM_Symbol> variables;
+    if (handle >= 0 && MFS_ParseVarMap(handle, &variables) == 0) {
+        for (const SYM_Symbol &variable : variables)
             FUZ_Check(variable.address < 0x1000000 && !variable.name.empty());
     }
     TXFRW_Close(handle);

@@ -20,7 +20,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         uint32_t address = aVarNode[i].addr;
         std::string name;
         FUZ_Check(MapAddrToId(&name, &address) == 0 && address == aVarNode[i].addr);
-        FUZ_Check(VRN_FindName(aVarNode, nNodes, aVarNode[i].name) <= i);
+        FUZ_Check(SYM_FindName(aVarNode, nNodes, aVarNode[i].name) <= i);
     }
     const std::string expression(reinterpret_cast<const char *>(data + 1), size - 1);
     inStruct(expression.c_str(), aVarNode, nNodes);

@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     UCM_recS.protocol = 2;
     input = data + 2;
     left = size - 2;
-    MBMSTEP_Opened();
+    MBM_NoteOpened();
     uint16_t registers[MBM_READ_MAX] = {}, values[MBM_READ_MAX] = {0, 0x100};
     const auto quantity = static_cast<uint16_t>(1 + data[1] % 120);
     const MBM_Part from = {0xFF00, quantity, registers};

@@ -32,8 +32,8 @@ void Measure(const SCP_Capture &capture)
     for (const SCP_Trace &trace : capture.traces) {
         const SCP_Measures m = SCP_Measure(times, trace.samples, times.front(), times.back());
         FUZ_Check(m.count <= trace.samples.size() && (m.count == 0 || m.min <= m.max));
-        SPC_Spectrum spectrum;
-        SPC_Make(trace.samples, capture.rate, &spectrum);
+        SCP_Spectrum spectrum;
+        SCP_MakeSpectrum(trace.samples, capture.rate, &spectrum);
     }
 }
 

@@ -36,7 +36,8 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
             FUZ_Check(!row.differs && row.records[0] != nullptr && !row.name.empty());
         FUZ_Check(PST_WriteListing(folder + "t", files, LANGUAGE_EN, folder + "o", &problems) == 0);
         std::string page;
-        FUZ_Check(PLF_ReadAll(folder + "o", PLF_SIZE_MAX, &page) == PLF_OK && IsCleanPage(page));
+        FUZ_Check(PLT_ReadFile(folder + "o", PLT_FILE_SIZE_MAX, &page) == PLT_FILE_OK &&
+                  IsCleanPage(page));
     }
     PST_Problems refused;
     files[0].records.resize(files[0].records.size() > 3 ? 3 : files[0].records.size());

@@ -32,7 +32,7 @@ void Forget()
     FreeNodes(aVarNode, &nNodes);
     FreeNodes(aVarTMSNode, &nTMSNodes);
     openStruct = openTMSStruct = OPEN_NONE;
-    LAY_Set({});
+    LIT_SetLayout({});
     CFW_SetHeader("");
 }
 
@@ -41,10 +41,10 @@ std::string ReadAndSave()
     Forget();
     FUZ_Check(OpenIniFile(mainPanel) == 0);
     FUZ_Check(nDebugFileNames >= 0 && nDebugFileNames <= RECENT_MAX);
-    INI_GetRangeProblem();
+    APP_GetRangeProblem();
     FUZ_Check(SaveIniFile() == 0);
     std::string text;
-    FUZ_Check(PLF_ReadAll("Vireo2.ini", PLF_SIZE_MAX, &text) == PLF_OK);
+    FUZ_Check(PLT_ReadFile("Vireo2.ini", PLT_FILE_SIZE_MAX, &text) == PLT_FILE_OK);
     return text;
 }
 

@@ -17,11 +17,11 @@ uint32_t GetSysAddrM(const char *, int *)
 {
     return ADDR_NONE;
 }
-std::string ADR_UnknownText(const std::string &what)
+std::string COM_UnknownNameText(const std::string &what)
 {
     return what;
 }
-std::string ADR_StationText()
+std::string COM_UnknownStationText()
 {
     return "";
 }
@@ -143,33 +143,33 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
     isRestarted = false;
     const int kind = Next() % 3;
     isHonest = kind == 0;
-    const uint16_t heads[3][10] = {{TBK_SERVICE_ID, 0x100, 1, 0, OUT_SIZE, 0, IN_SIZE, 0},
-                                   {TBK_SERVICE_ID, 0x100, 1, 0, OUT_SIZE, 0, IN_SIZE, 0},
-                                   {TBK_LCD_ID, 0x100, 1, 0, 0x0402, 0, 0, IN_SIZE, 0, 0}};
+    const uint16_t heads[3][10] = {{TRM_SERVICE_ID, 0x100, 1, 0, OUT_SIZE, 0, IN_SIZE, 0},
+                                   {TRM_SERVICE_ID, 0x100, 1, 0, OUT_SIZE, 0, IN_SIZE, 0},
+                                   {TRM_LCD_ID, 0x100, 1, 0, 0x0402, 0, 0, IN_SIZE, 0, 0}};
     for (uint32_t i = 0; i < 10; ++i)
         PutWord(2 * i, heads[kind][i]);
     if (kind == 2) {
-        LCS_Session session;
-        LCS_News news;
-        LCS_Begin(&session, {PLACE, STATION});
+        TRM_LcdSession session;
+        TRM_LcdNews news;
+        TRM_BeginLcd(&session, {PLACE, STATION});
         while (left > 0) {
-            LCS_AddKey(&session, Next() % 40 - 4, Next() % 2 != 0);
-            LCS_Step(&session, &news);
-            const TBK_Lcd &block = session.picture.block;
+            TRM_AddLcdKey(&session, Next() % 40 - 4, Next() % 2 != 0);
+            TRM_StepLcd(&session, &news);
+            const TRM_LcdBlock &block = session.picture.block;
             FUZ_Check(session.picture.characters.size() == block.rows * block.columns);
             FUZ_Check(!session.isOpen || block.rows * block.columns > 0);
         }
         return 0;
     }
-    TSV_Session session;
-    TSV_News news;
+    TRM_ServiceSession session;
+    TRM_ServiceNews news;
     std::string sent, taken;
-    TSV_Begin(&session, {PLACE, STATION});
+    TRM_BeginService(&session, {PLACE, STATION});
     while (left > 0) {
         const std::string text(static_cast<size_t>(Next() % 8), static_cast<char>(Next()));
-        if (session.isOpen && TSN_Add(&session.sender, text))
+        if (session.isOpen && TRM_AddToSender(&session.sender, text))
             sent += text;
-        TSV_Step(&session, &news);
+        TRM_StepService(&session, &news);
         taken += news.taken;
         if (!isHonest)
             continue;
@@ -189,7 +189,7 @@ extern "C" int LLVMFuzzerTestOneInput(const unsigned char *data, size_t size)
             typed += static_cast<char>(memory[24 + OUT_SIZE + Get(14)]);
             PutWord(14, (Get(14) + 1) % IN_SIZE);
         }
-        TSV_Step(&session, &news);
+        TRM_StepService(&session, &news);
         heard[session.block.session] += news.received;
         if (isRestarted && i > 100)
             break;

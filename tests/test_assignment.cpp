@@ -63,28 +63,28 @@ TEST(Assignment, Lines)
         const char *name;
         uint32_t type; // of the target
         uint32_t value;
-    } cases[] = {{"wStatus = 5", ASSN_VALUE, "wStatus", 0x0A, 5},
-                 {"nnCounter = -1", ASSN_VALUE, "nnCounter", 0x11, 0xFFFFFFFF},
-                 {"dwMask = 0FFH", ASSN_VALUE, "dwMask", 0x12, 0xFF},
-                 {" pos=32767 ", ASSN_VALUE, "pos", 0x09, 32767},
-                 {"pos = 32768", ASSN_NONE, "", 0, 0}, // the default type is i2
-                 {"(word) x = 300", ASSN_NONE, "", 0, 0},
-                 {"(word) x = 255", ASSN_VALUE, "x", 0x06, 255},
-                 {"(u1) x = -1", ASSN_NONE, "", 0, 0},
-                 {"(bogus) x = 7", ASSN_VALUE, "x", 0x09, 7},
-                 {"(u1 x = 7", ASSN_NONE, "", 0, 0},
-                 {"Start :", ASSN_LABEL, "Start", 0, 0},
-                 {"Start : now", ASSN_NONE, "", 0, 0},
-                 {"(u2) Start :", ASSN_NONE, "", 0, 0},
-                 {"wStatus 5", ASSN_NONE, "", 0, 0},
-                 {"wStatus =", ASSN_NONE, "", 0, 0},
-                 {"wStatus = 5 6", ASSN_NONE, "", 0, 0},
-                 {"", ASSN_NONE, "", 0, 0},
-                 {"= 5", ASSN_NONE, "", 0, 0}};
+    } cases[] = {{"wStatus = 5", SYM_ASSIGN_VALUE, "wStatus", 0x0A, 5},
+                 {"nnCounter = -1", SYM_ASSIGN_VALUE, "nnCounter", 0x11, 0xFFFFFFFF},
+                 {"dwMask = 0FFH", SYM_ASSIGN_VALUE, "dwMask", 0x12, 0xFF},
+                 {" pos=32767 ", SYM_ASSIGN_VALUE, "pos", 0x09, 32767},
+                 {"pos = 32768", SYM_ASSIGN_NONE, "", 0, 0}, // the default type is i2
+                 {"(word) x = 300", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"(word) x = 255", SYM_ASSIGN_VALUE, "x", 0x06, 255},
+                 {"(u1) x = -1", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"(bogus) x = 7", SYM_ASSIGN_VALUE, "x", 0x09, 7},
+                 {"(u1 x = 7", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"Start :", SYM_ASSIGN_LABEL, "Start", 0, 0},
+                 {"Start : now", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"(u2) Start :", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"wStatus 5", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"wStatus =", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"wStatus = 5 6", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"", SYM_ASSIGN_NONE, "", 0, 0},
+                 {"= 5", SYM_ASSIGN_NONE, "", 0, 0}};
     for (const auto &c : cases) {
-        ScrPar records[ASSN_RECORDS];
+        ScrPar records[SYM_ASSIGN_RECORDS];
         ASSERT_EQ(ParseAssn2(c.line, records, i2), c.kind) << c.line;
-        if (c.kind == ASSN_NONE)
+        if (c.kind == SYM_ASSIGN_NONE)
             continue;
         EXPECT_STREQ(records[0].text, c.name) << c.line;
         EXPECT_EQ(records[0].flags, c.type | PAR_NAME) << c.line;
@@ -94,15 +94,15 @@ TEST(Assignment, Lines)
 
 TEST(Assignment, PlacesAndNamedValues)
 {
-    ScrPar records[ASSN_RECORDS];
-    ASSERT_EQ(ParseAssn2("&rec.wItem[3] - 10H = other + 2", records, 0), ASSN_VALUE);
+    ScrPar records[SYM_ASSIGN_RECORDS];
+    ASSERT_EQ(ParseAssn2("&rec.wItem[3] - 10H = other + 2", records, 0), SYM_ASSIGN_VALUE);
     EXPECT_STREQ(records[0].text, "&rec.wItem");
     EXPECT_EQ(records[0].index, 3);
     EXPECT_EQ(records[0].offset, -16);
     EXPECT_EQ(records[1].flags, PAR_NAME);
     EXPECT_STREQ(records[1].text, "other");
     EXPECT_EQ(records[1].offset, 2);
-    ASSERT_EQ(ParseAssn2("fGain = -2.5e-1", records, 0), ASSN_VALUE);
+    ASSERT_EQ(ParseAssn2("fGain = -2.5e-1", records, 0), SYM_ASSIGN_VALUE);
     EXPECT_EQ(records[1].fvalue, -0.25);
 }
 

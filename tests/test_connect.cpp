@@ -46,32 +46,32 @@ TEST_F(Connect, TheLineTestSaysWhatAnswered)
     const struct {
         SIM_Options options;
         int errorCode;
-        LNT_Result result;
+        DIA_LineResult result;
         const char *text;
     } cases[] = {
-        {good, 0, LNT_ANSWERS, "Station 1 answers."},
-        {good, 66, LNT_ANSWERS, "Station 1 answers: target error code 66."},
-        {echo, 0, LNT_ECHO, "The line echoes what is sent: switch Win32 services off."},
-        {absent, 0, LNT_SILENT, "Nothing answers"},
-        {noise, 0, LNT_NO_FRAMES, "Bytes arrive but no frames: wrong baud rate?"},
+        {good, 0, DIA_LINE_ANSWERS, "Station 1 answers."},
+        {good, 66, DIA_LINE_ANSWERS, "Station 1 answers: target error code 66."},
+        {echo, 0, DIA_LINE_ECHO, "The line echoes what is sent: switch Win32 services off."},
+        {absent, 0, DIA_LINE_SILENT, "Nothing answers"},
+        {noise, 0, DIA_LINE_NO_FRAMES, "Bytes arrive but no frames: wrong baud rate?"},
     };
     for (const auto &item : cases) {
         options = item.options;
         plug();
         SIM_SetErrorCode(target, 0, item.errorCode);
         // Damaged answers are waited out to their end, silence is waited for whole.
-        const bool isHeard = item.result == LNT_ANSWERS || item.result == LNT_ECHO;
+        const bool isHeard = item.result == DIA_LINE_ANSWERS || item.result == DIA_LINE_ECHO;
         Mr166_nTimeoutMs = isHeard ? PATIENT_MS : 5 * HASTY_MS;
         UCM_recS.tries = isHeard ? 3 : 0;
         std::string text;
-        EXPECT_EQ(item.result, LNT_Test(&text)) << text;
+        EXPECT_EQ(item.result, DIA_TestLine(&text)) << text;
         EXPECT_EQ(0u, text.find(item.text)) << text;
         EXPECT_EQ(0, UCM_IsOpened());
         unplug();
     }
     setenv("VIREO2_COM61", (folder / "nothing").c_str(), 1);
     std::string text;
-    EXPECT_EQ(LNT_NO_PORT, LNT_Test(&text));
+    EXPECT_EQ(DIA_LINE_NO_PORT, DIA_TestLine(&text));
     EXPECT_EQ("COM61 (" + (folder / "nothing").string() +
                   "): port is not available: no such device.",
               text);
@@ -79,7 +79,7 @@ TEST_F(Connect, TheLineTestSaysWhatAnswered)
     options = good;
     plug();
     STATION = 99;
-    EXPECT_EQ(LNT_BAD_STATION, LNT_Test(&text));
+    EXPECT_EQ(DIA_LINE_BAD_STATION, DIA_TestLine(&text));
     unplug();
 }
 
@@ -87,7 +87,7 @@ TEST_F(Connect, ThePageSetsTestsAndStarts)
 {
     plug();
     start();
-    CNP_Open();
+    APP_OpenConnectPage();
     EXPECT_EQ(1, UiPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE));
     EXPECT_EQ(0, UiPanelAttribute(PANEL_CONSOLE, ATTR_VISIBLE));
     const std::vector<std::string> listed = HL_GetLabels(PANEL_CONNECT, CONNECT_PORT);
@@ -131,12 +131,12 @@ TEST_F(Connect, ThePageSetsTestsAndStarts)
 
 TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
 {
-    WPL_Forget();
+    APP_ForgetPlaces();
     WriteFileText("Vireo2.ini", "window, 13 30 40 900 600\r\nwindow, 6 1 2 300 -5\r\n"
                                 "columns, 13 1 70 0 210\r\nwindow, 15 5 6 400 300\r\n"
                                 "layout, 13.split 200 -1\r\nlayout, bad x\r\nlayout, 7\r\n");
     start();
-    EXPECT_FALSE(INI_IsMissing());
+    EXPECT_FALSE(APP_IsSettingsMissing());
     EXPECT_EQ(900, UiPanelAttribute(PANEL_MAIN, ATTR_WIDTH));
     EXPECT_EQ(40, UiPanelAttribute(PANEL_MAIN, ATTR_TOP));
     EXPECT_EQ(600, oldHeight);
@@ -152,7 +152,7 @@ TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
     };
     SetListColumns(PANEL_MAIN, MAIN_LIST, columns());
     SetListColumns(PANEL_TRACE, TRACE_LIST, columns());
-    WPL_ApplyColumns();
+    APP_ApplyColumns();
     std::vector<UI_Column> now;
     GetListColumns(PANEL_MAIN, MAIN_LIST, &now);
     ASSERT_EQ(3u, now.size());
@@ -164,10 +164,10 @@ TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
     VIEW_Post(layout);
     EXPECT_EQ("w, 13 31 41 901 601\nw, 15 5 6 400 300\nc, 13 1 70 0 210\n"
               "l, 13.split 200 -1\nl, help 1 2\n",
-              WPL_Lines({"w", "c", "l"}, "\n"))
+              APP_PlaceLines({"w", "c", "l"}, "\n"))
         << "a bad line goes, one without a window in this run stays, untouched widths have none";
-    WPL_ReadColumns("13 1 70 x");
-    WPL_ReadWindow("13 1 2 900 99999");
+    APP_ReadColumns("13 1 70 x");
+    APP_ReadWindow("13 1 2 900 99999");
     EXPECT_EQ(901, UiPanelAttribute(PANEL_MAIN, ATTR_WIDTH));
 }
 

@@ -28,13 +28,13 @@ struct Debugger : ConsoleRig {
         SortMapNdxByAddr();
         openStruct = OPEN_MAP_FILE;
         HL_ClickMenu(ITEM_DEBUGGER);
-        DBW_Opened();
+        CODE_DebuggerOpened();
     }
     void TearDown() override
     {
         HL_ClosePanel(PANEL);
         STATION = 7; // what is shown goes with the station
-        DBW_Changed();
+        CODE_DebuggerChanged();
     }
     void SwitchOn()
     {
@@ -184,7 +184,7 @@ TEST_F(Debugger, SaysWhatCannotBeRead)
     EXPECT_EQ(requests, SIM_GetCounters(target).requests) << "a silent target gets a pause";
     Procesor = CPU_F283XX;
     initRgMap(Procesor);
-    DBW_Changed();
+    CODE_DebuggerChanged();
     EXPECT_EQ(0, Count(DEBUG_CODE));
     EXPECT_TRUE(Has(UiText(PANEL, DEBUG_MESSAGE), "cannot be shown"));
 }
@@ -196,7 +196,7 @@ TEST_F(Debugger, GroupsAndPlansItsReads)
         Procesor = processor;
         initRgMap(processor);
         std::multiset<std::string> names;
-        LVR_Set all;
+        CODE_LiveReads all;
         std::set<uint32_t> touchy;
         for (const CODE_RegisterGroup &group : CODE_GetRegisterGroups()) {
             uint32_t last = 0;
@@ -207,24 +207,24 @@ TEST_F(Debugger, GroupsAndPlansItsReads)
                 if (row.isTouchy)
                     touchy.insert(row.address);
                 else
-                    LVR_Want(&all, row.address, 2);
+                    CODE_WantLive(&all, row.address, 2);
             }
         }
         EXPECT_EQ(static_cast<size_t>(nNodes166), names.size());
         EXPECT_EQ(names.size(), std::set<std::string>(names.begin(), names.end()).size());
         EXPECT_GE(touchy.size(), 3u) << processor;
-        for (const LVR_Piece &piece : LVR_Plan(all)) {
-            EXPECT_LE(piece.size, GRP_ReadWire(VR_nProtocol).blockMax);
+        for (const CODE_LivePiece &piece : CODE_PlanLive(all)) {
+            EXPECT_LE(piece.size, UCM_ReadWire(VR_nProtocol).blockMax);
             for (const uint32_t address : touchy)
                 EXPECT_FALSE(address + 1 >= piece.address && address < piece.address + piece.size)
                     << std::hex << address;
         }
     }
     Procesor = CPU_C167;
-    LVR_Set set;
+    CODE_LiveReads set;
     for (const uint32_t address : {0x8000u, 0x8008u, 0x8040u, 0xFFFFFEu, 0xFFFFFFu})
-        LVR_Want(&set, address, 2); // the last one reaches beyond
-    const std::vector<LVR_Piece> plan = LVR_Plan(set);
+        CODE_WantLive(&set, address, 2); // the last one reaches beyond
+    const std::vector<CODE_LivePiece> plan = CODE_PlanLive(set);
     ASSERT_EQ(3u, plan.size());
     EXPECT_EQ(10u, plan[0].size) << "neighbours together";
 }

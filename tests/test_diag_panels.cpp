@@ -51,7 +51,7 @@ struct DiagPanels : TargetTest {
     {
         std::vector<std::string> lines;
         for (const std::string &label : HL_GetLabels(panel, control))
-            lines.push_back(UIC_JoinColumns(label, "|"));
+            lines.push_back(UI_JoinColumns(label, "|"));
         return lines;
     }
     static void Record(int count, bool isGood = true)
@@ -99,8 +99,8 @@ TEST_F(DiagPanels, StatisticsShowFiguresAtOnceAndReset)
 
     HL_ClosePanel(PANEL_STATISTICS);
     Exchange(1);
-    STP_Refresh();
-    TRP_Refresh();
+    DIA_RefreshStatistics();
+    DIA_RefreshTrace();
     EXPECT_EQ("0", Figure(STATISTICS_ANSWERED)) << "nothing is done for a closed window";
 }
 
@@ -184,20 +184,20 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
     const int capacity = static_cast<int>(TRACE_CAPACITY);
     HL_ClickMenu(ITEM_TRACE);
     Record(capacity - 1);
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(capacity - 2, UiSelected(PANEL_TRACE, TRACE_LIST));
 
     HL_SelectLine(PANEL_TRACE, TRACE_LIST, 100);
     const std::string detail = UiText(PANEL_TRACE, TRACE_DETAIL);
     SetCtrlAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE, 95);
     Record(41, false);
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(capacity, static_cast<int>(Lines(PANEL_TRACE, TRACE_LIST).size()));
     EXPECT_EQ(60, UiSelected(PANEL_TRACE, TRACE_LIST));
     EXPECT_EQ(55, UiAttribute(PANEL_TRACE, TRACE_LIST, ATTR_FIRST_VISIBLE_LINE));
     EXPECT_EQ(detail, UiText(PANEL_TRACE, TRACE_DETAIL));
     Record(61);
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(0, UiSelected(PANEL_TRACE, TRACE_LIST))
         << "the selected exchange is gone: the oldest takes its place";
     EXPECT_NE(detail, UiText(PANEL_TRACE, TRACE_DETAIL));
@@ -207,7 +207,7 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
     HL_SelectLine(PANEL_TRACE, TRACE_LIST, 40); // the newest: follows again
     Record(1);
     Record(1, false);
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(41, UiSelected(PANEL_TRACE, TRACE_LIST));
     HL_Toggle(PANEL_TRACE, TRACE_FAILURES);
     EXPECT_EQ(capacity - 1, UiSelected(PANEL_TRACE, TRACE_LIST));
@@ -216,7 +216,7 @@ TEST_F(DiagPanels, ListIsBoundedFollowsTheEndAndKeepsAnOlderSelection)
     EXPECT_TRUE(Lines(PANEL_TRACE, TRACE_LIST).empty());
     Record(1, false);
     Record(1);
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(1, UiSelected(PANEL_TRACE, TRACE_LIST));
     EXPECT_TRUE(Has(Lines(PANEL_TRACE, TRACE_LIST)[0], "(!)")) << "in their order again";
 }
@@ -231,14 +231,14 @@ TEST_F(DiagPanels, PauseCopyAndSave)
     EXPECT_EQ("Resu__me", label);
     EXPECT_FALSE(TRC_isOn);
     Read();
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(5u, Lines(PANEL_TRACE, TRACE_LIST).size());
     EXPECT_EQ(0u, UiText(PANEL_TRACE, TRACE_COUNT).find("Paused: 5 of at most 2000"));
 
     HL_CommitControl(PANEL_TRACE, TRACE_COPY);
     EXPECT_EQ(UiText(PANEL_TRACE, TRACE_DETAIL) + "\n", HL_GetClipboard());
     HL_CommitControl(PANEL_TRACE, TRACE_COPY_ALL);
-    EXPECT_EQ(TRP_Text(), HL_GetClipboard());
+    EXPECT_EQ(DIA_GetTraceText(), HL_GetClipboard());
 
     const ScratchFolder folder;
     HL_PushAnswer(1, (folder / "t.txt").string());
@@ -253,7 +253,7 @@ TEST_F(DiagPanels, PauseCopyAndSave)
 
     HL_CommitControl(PANEL_TRACE, TRACE_PAUSE);
     Read();
-    TRP_Refresh();
+    DIA_RefreshTrace();
     EXPECT_EQ(6u, Lines(PANEL_TRACE, TRACE_LIST).size());
 }
 

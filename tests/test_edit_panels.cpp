@@ -154,7 +154,7 @@ TEST_F(EditPanels, AMessageFadesOnceItIsNoLongerTrue)
     EDT_Move(0, 1);
     EXPECT_EQ(shown(), "");
     SetMainPanelAttributes();
-    VR_ShowMessage("about the link", MWN_LINK);
+    VR_ShowMessage("about the link", WIN_TOPIC_LINK);
     EDT_Move(0, 1);
     EXPECT_EQ(shown(), "about the link");
     ncom = 7;
@@ -169,7 +169,7 @@ TEST_F(EditPanels, TheSelectionIsHandedToOtherWindows)
     load("wSpeed, u2\nnnCount, i4\nabyRing, u1\n");
     ResetLItemsDisplay();
     HL_SelectLines(PANEL_MAIN, MAIN_LIST, {0, 2});
-    const std::vector<EDT_Reference> kept = WSL_GetSelection();
+    const std::vector<EDT_Reference> kept = SEL_GetWatchSelection();
     ASSERT_EQ(kept.size(), 2u);
     EXPECT_EQ(kept[0].label, "wSpeed");
     EXPECT_EQ(kept[1].label, "abyRing");
@@ -177,7 +177,7 @@ TEST_F(EditPanels, TheSelectionIsHandedToOtherWindows)
     HL_Key(PANEL_MAIN, MAIN_LIST, KEY_DELETE);
     EXPECT_EQ(EDT_Find(kept[1]), 1) << "it has moved up";
     VR_isWatchView = false;
-    EXPECT_TRUE(WSL_GetSelection().empty()) << "out of sight";
+    EXPECT_TRUE(SEL_GetWatchSelection().empty()) << "out of sight";
 }
 
 TEST_F(EditPanels, AddingSuggestsATypeUntilOneIsChosen)
@@ -286,7 +286,7 @@ TEST_F(EditPanels, NamesAreCompleted)
     }
     for (int i = 0; i < 300; ++i)
         addSymbol(("many" + std::to_string(i)).c_str(), 0x1000);
-    EXPECT_EQ(NCM_Complete("many").size(), COMPLETIONS_MAX);
+    EXPECT_EQ(WIN_CompleteName("many").size(), COMPLETIONS_MAX);
 }
 
 TEST_F(EditPanels, ValueEditorShowsEveryForm)
@@ -306,15 +306,15 @@ TEST_F(EditPanels, ValueEditorShowsEveryForm)
          "1000 0000 0000 0000 0000 0000 0000 0000\n0000 0000 0000 0000 0000 0000 0000 0001", "-"}};
     for (const auto &row : cases) {
         LItem item;
-        VTY_SetFromField(&item, row.type);
-        EXPECT_EQ(VFM_Decimal(item), "-") << "not read yet";
+        VAL_SetFromField(&item, row.type);
+        EXPECT_EQ(VAL_DecimalForm(item), "-") << "not read yet";
         item.value = row.low;
         item.valueHigh = row.high;
         item.isValueGood = true;
-        EXPECT_EQ(VFM_Decimal(item), row.decimal) << row.type;
-        EXPECT_EQ(VFM_Hex(item), row.hex) << row.type;
-        EXPECT_EQ(VFM_Binary(item), row.binary) << row.type;
-        EXPECT_EQ(VFM_Float(item), row.single) << row.type;
+        EXPECT_EQ(VAL_DecimalForm(item), row.decimal) << row.type;
+        EXPECT_EQ(VAL_HexForm(item), row.hex) << row.type;
+        EXPECT_EQ(VAL_BinaryForm(item), row.binary) << row.type;
+        EXPECT_EQ(VAL_FloatForm(item), row.single) << row.type;
     }
 }
 
@@ -365,9 +365,9 @@ TEST_F(EditPanels, AnItemIsAddedWhereItIsAskedFor)
     const struct {
         int position;
         Texts after;
-    } cases[] = {{ITP_BEFORE, {"A, u1", "new, u1", "B, u1", "C, u1"}},
-                 {ITP_AFTER, {"A, u1", "B, u1", "new, u1", "C, u1"}},
-                 {ITP_AT_END, {"A, u1", "B, u1", "C, u1", "new, u1"}}};
+    } cases[] = {{WIN_ITEM_BEFORE, {"A, u1", "new, u1", "B, u1", "C, u1"}},
+                 {WIN_ITEM_AFTER, {"A, u1", "B, u1", "new, u1", "C, u1"}},
+                 {WIN_ITEM_AT_END, {"A, u1", "B, u1", "C, u1", "new, u1"}}};
     for (const auto &c : cases) {
         load("A, u1\nB, u1\nC, u1\n");
         ResetLItemsDisplay();

@@ -282,8 +282,8 @@ TEST_F(FlashInfo, WalksAreBoundedAndCanBeCancelled)
         }
     }
     HL_CancelProgressAt(0);
-    EXPECT_EQ(LoadFMap283xx(BASE, end), FLASH_ERR_TOO_MANY);
-    EXPECT_STRNE(FLASH_GetErrorText(FLASH_ERR_TOO_MANY), "");
+    EXPECT_EQ(LoadFMap283xx(BASE, end), MFS_VAR_MAP_ERR_TOO_MANY);
+    EXPECT_STRNE(MFS_GetErrorText(MFS_VAR_MAP_ERR_TOO_MANY), "");
     // Not one file fewer is found than the bound allows.
     image = image.substr(0, empty.size() * (MFS_FILES_MAX - 1)) + FLB_File("x", "text") +
             std::string(64, '\xFF');
@@ -333,15 +333,15 @@ TEST_F(FlashInfo, TargetsFlashAndSavedArchiveBringTheMaps)
         STATION = chip.station;
         ASSERT_EQ(UCM_Open(PROTOCOL_MR166, 7, 115200), 0);
         clear();
-        EXPECT_EQ(fl2node(FLASH_AT_1C000), FLASH_ERR_NO_MAP);
+        EXPECT_EQ(fl2node(MFS_AT_1C000), MFS_ERR_NO_MAP);
         EXPECT_EQ(openStruct, OPEN_NONE);
         STATION = chip.station == 0 ? 3 : 0;
-        EXPECT_EQ(fl2node(FLASH_AT_END), FLASH_ERR_NO_MAP);
+        EXPECT_EQ(fl2node(MFS_AT_END), MFS_ERR_NO_MAP);
         STATION = chip.station;
-        EXPECT_EQ(fl2node(FLASH_AT_END), 0) << chip.processor;
+        EXPECT_EQ(fl2node(MFS_AT_END), 0) << chip.processor;
         EXPECT_EQ(openStruct, OPEN_FROM_MEMORY);
         UCM_Close();
-        EXPECT_EQ(fl2node(FLASH_AT_END), FLASH_ERR_COMMUNICATION);
+        EXPECT_EQ(fl2node(MFS_AT_END), MFS_VAR_MAP_ERR_COMMUNICATION);
         expectNodes(aVarNode, nNodes); // still those
         EXPECT_EQ(describe(), typesBefore);
     }
@@ -361,7 +361,7 @@ TEST_F(FlashInfo, TargetsFlashAndSavedArchiveBringTheMaps)
     EXPECT_EQ(nNodes, 0);
     EXPECT_EQ(openTMSStruct, OPEN_MAP_FILE);
     expectNodes(aVarTMSNode, nTMSNodes, 1); // as the mailbox counts
-    std::ofstream(path, std::ios::binary) << "QAR1/1;5;0x00000000;\"" FLASH_VAR_MAP "\"\n12345";
+    std::ofstream(path, std::ios::binary) << "QAR1/1;5;0x00000000;\"" MFS_VAR_MAP "\"\n12345";
     Procesor = CPU_F283XX;
     EXPECT_LT(TMSmap2node(path.c_str()), 0);
     std::remove(path.c_str());
@@ -369,27 +369,26 @@ TEST_F(FlashInfo, TargetsFlashAndSavedArchiveBringTheMaps)
 
 TEST_F(FlashInfo, DamageLeavesTheTablesAsTheyWere)
 {
-    const std::string map = FLB_File(FLASH_VAR_MAP, FLB_PackVarMap(VARS, 0));
-    const std::string decls = FLB_File(FLASH_TYPE_DECLS, FLB_PackDecls(VARS));
-    const std::string structs = FLB_File(FLASH_TYPE_STRUCTS, FLB_PackStructs());
-    const auto mapOf = [](const std::string &text) { return FLB_File(FLASH_VAR_MAP, text); };
+    const std::string map = FLB_File(MFS_VAR_MAP, FLB_PackVarMap(VARS, 0));
+    const std::string decls = FLB_File(MFS_TYPE_DECLS, FLB_PackDecls(VARS));
+    const std::string structs = FLB_File(MFS_TYPE_STRUCTS, FLB_PackStructs());
+    const auto mapOf = [](const std::string &text) { return FLB_File(MFS_VAR_MAP, text); };
     const struct {
         std::string directory;
         int result;
-    } cases[] = {
-        {map + decls + structs, static_cast<int>(VARS.size())},
-        {map, static_cast<int>(VARS.size())}, // names without types
-        {decls + structs, FLASH_ERR_NO_MAP},
-        {mapOf("no address\n"), FLASH_ERR_NO_MAP},
-        {mapOf("#2\nabcd\x90zz"), FLASH_ERR_NO_MAP},
-        {mapOf("#1\n00C000 " + std::string(65, 'n') + "\n"), FLASH_ERR_NO_MAP},
-        {mapOf("7FFFFF ok\n800000 far\n"), FLASH_ERR_ADDRESS},
-        {map + decls, FLASH_ERR_TYPES},
-        {map + FLB_File(FLASH_TYPE_DECLS, "v\x80\n") + structs, FLASH_ERR_TYPES},
-        {map + FLB_File(FLASH_TYPE_DECLS, std::string(8, '\n')) + structs, FLASH_ERR_TYPES},
-        {map + decls + FLB_File(FLASH_TYPE_STRUCTS, "#2\nv\201A\n"), FLASH_ERR_TYPES},
-        {map + FLB_File(FLASH_TYPE_MAP, "## 1 VARS\n"), FLASH_ERR_TYPES},
-        {map + FLB_File(FLASH_TYPE_MAP, TYPES), static_cast<int>(VARS.size())}};
+    } cases[] = {{map + decls + structs, static_cast<int>(VARS.size())},
+                 {map, static_cast<int>(VARS.size())}, // names without types
+                 {decls + structs, MFS_ERR_NO_MAP},
+                 {mapOf("no address\n"), MFS_ERR_NO_MAP},
+                 {mapOf("#2\nabcd\x90zz"), MFS_ERR_NO_MAP},
+                 {mapOf("#1\n00C000 " + std::string(65, 'n') + "\n"), MFS_ERR_NO_MAP},
+                 {mapOf("7FFFFF ok\n800000 far\n"), MFS_ERR_ADDRESS},
+                 {map + decls, MFS_ERR_TYPES},
+                 {map + FLB_File(MFS_TYPE_DECLS, "v\x80\n") + structs, MFS_ERR_TYPES},
+                 {map + FLB_File(MFS_TYPE_DECLS, std::string(8, '\n')) + structs, MFS_ERR_TYPES},
+                 {map + decls + FLB_File(MFS_TYPE_STRUCTS, "#2\nv\201A\n"), MFS_ERR_TYPES},
+                 {map + FLB_File(MFS_TYPE_MAP, "## 1 VARS\n"), MFS_ERR_TYPES},
+                 {map + FLB_File(MFS_TYPE_MAP, TYPES), static_cast<int>(VARS.size())}};
     for (const auto &c : cases) {
         FreeNodes(aVarNode, &nNodes);
         AddMapVar(0x100, "before");

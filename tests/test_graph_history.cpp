@@ -14,7 +14,7 @@ constexpr int64_t ORIGIN_US = 5000000;
 
 struct History {
     SMP_Store store;
-    GRH_Index index;
+    GRA_HistoryIndex index;
     std::vector<double> times, values; // what is to come out
     std::mt19937 random{7};
 
@@ -23,12 +23,12 @@ struct History {
         SMP_Item item;
         item.name = "nSine";
         item.address = 0x8000;
-        SST_SetItems(&store, {item}, samplesMax);
+        SMP_SetStoreItems(&store, {item}, samplesMax);
     }
     // Ten milliseconds apart; one of 40 fails.
     void add(size_t count)
     {
-        const uint8_t failed = SST_StateOf(&store, "no answer");
+        const uint8_t failed = SMP_StateOf(&store, "no answer");
         for (size_t i = 0; i < count; ++i) {
             const auto number = static_cast<int64_t>(times.size());
             const auto value = static_cast<int16_t>(random() % 20000 - 10000);
@@ -36,15 +36,15 @@ struct History {
             sample.timeUs = ORIGIN_US + 10000 * number;
             sample.bits = static_cast<uint16_t>(value);
             sample.state = random() % 40 == 0 ? failed : SMP_GOOD;
-            SST_Add(&store, 0, sample);
+            SMP_AddRow(&store, 0, sample);
             times.push_back(static_cast<double>(number) / 100);
             values.push_back(sample.state == SMP_GOOD ? 0.5 * value - 3 : GAP);
         }
-        GRH_Update(store, 0, &index);
+        GRA_UpdateHistory(store, 0, &index);
     }
 };
 
-constexpr GRH_Scale SCALE = {0.5, -3};
+constexpr GRA_Scale SCALE = {0.5, -3};
 
 TEST(GraphHistory, EveryColumnHasItsExtremesAndGaps)
 {
@@ -55,10 +55,10 @@ TEST(GraphHistory, EveryColumnHasItsExtremesAndGaps)
         const double last = history.times.back();
         for (const auto &[from, to] : {std::pair(first, last), {last - 9.13, last - 2.7}}) {
             constexpr int COLUMNS = 23;
-            GRH_Points points;
-            GRH_Draw(history.store, 0, history.index, ORIGIN_US, from, to,
-                     GRH_ColumnS(history.store, 0, ORIGIN_US, from, to, COLUMNS), 1, SCALE,
-                     &points);
+            GRA_Points points;
+            GRA_DrawHistory(history.store, 0, history.index, ORIGIN_US, from, to,
+                            GRA_ColumnS(history.store, 0, ORIGIN_US, from, to, COLUMNS), 1, SCALE,
+                            &points);
             const std::vector<double> &times = points.times, &values = points.values;
             ASSERT_TRUE(std::is_sorted(times.begin(), times.end()));
             ASSERT_LE(times.size(), 3 * (COLUMNS + 3u) + 46u);
@@ -103,8 +103,8 @@ TEST(GraphHistory, MeasuresWhatEverySampleSays)
             low = std::min(low, history.values[i]);
             high = std::max(high, history.values[i]);
         }
-        const GRH_Measures m =
-            GRH_Measure(history.store, 0, history.index, ORIGIN_US, from, to, SCALE);
+        const GRA_Measures m =
+            GRA_MeasureHistory(history.store, 0, history.index, ORIGIN_US, from, to, SCALE);
         EXPECT_EQ(static_cast<double>(m.count), count);
         EXPECT_EQ(static_cast<double>(m.failed), failed);
         EXPECT_EQ(m.min, low);
@@ -115,12 +115,12 @@ TEST(GraphHistory, MeasuresWhatEverySampleSays)
         EXPECT_EQ(m.hasShape, to - from < 100);
     }
     const std::vector<double> times = {0, 1, 2, 3, 4}, line = {5, GAP, 1, -1, -3};
-    EXPECT_NEAR(GRH_MeasureCurve(times, line, 0, 4).slope, -2, 1e-12);
+    EXPECT_NEAR(GRA_MeasureCurve(times, line, 0, 4).slope, -2, 1e-12);
     // Another item in its place begins anew.
     SMP_Item other = history.store.items[0];
     other.address = 0x9000;
-    SST_SetItems(&history.store, {other}, 60000);
-    GRH_Update(history.store, 0, &history.index);
+    SMP_SetStoreItems(&history.store, {other}, 60000);
+    GRA_UpdateHistory(history.store, 0, &history.index);
     EXPECT_TRUE(history.index.blocks.empty());
 }
 
@@ -131,10 +131,10 @@ TEST(GraphSource, ALivePictureIsTheSameAsOneDrawnAnew)
         GRA_Setup setup;
         setup.curves.resize(2);
         setup.curves[1].scale = SCALE;
-        GRS_Source source;
+        GRA_Source source;
         std::vector<SMP_Item> items(2);
         items[1].address = 2;
-        SST_SetItems(&source.sampler.store, items, 45000); // the ring turns over
+        SMP_SetStoreItems(&source.sampler.store, items, 45000); // the ring turns over
         source.indexes.resize(2);
         source.originUs = ORIGIN_US;
         std::mt19937 random(3);
@@ -143,21 +143,21 @@ TEST(GraphSource, ALivePictureIsTheSameAsOneDrawnAnew)
             timeUs += picture % 50 == 0 ? 5000000 : 0; // nothing was sampled
             for (int row = 0; row < 171; ++row, timeUs += 1000)
                 for (size_t i = 0; i < 2; ++i)
-                    SST_Add(&source.sampler.store, i,
-                            {timeUs, random() % 1000, static_cast<uint8_t>(random() % 50 == 0)});
+                    SMP_AddRow(&source.sampler.store, i,
+                               {timeUs, random() % 1000, static_cast<uint8_t>(random() % 50 == 0)});
             for (size_t i = 0; i < 2; ++i)
-                GRH_Update(source.sampler.store, i, &source.indexes[i]);
+                GRA_UpdateHistory(source.sampler.store, i, &source.indexes[i]);
             const double last = static_cast<double>(timeUs - 1000 - ORIGIN_US) / 1e6;
-            std::vector<GRH_Points> grown, anew;
-            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &grown), 0);
+            std::vector<GRA_Points> grown, anew;
+            ASSERT_EQ(GRA_DrawSource(&source, setup, last - width, last, &grown), 0);
             if (picture % 20 != 19)
                 continue;
-            const GRS_Live kept = source.live;
-            source.live = GRS_Live();
-            ASSERT_EQ(GRS_Draw(&source, setup, last - width, last, &anew), 0);
+            const GRA_Live kept = source.live;
+            source.live = GRA_Live();
+            ASSERT_EQ(GRA_DrawSource(&source, setup, last - width, last, &anew), 0);
             source.live = kept;
             for (size_t i = 0; i < 2; ++i) {
-                const auto inView = [&](const GRH_Points &points) {
+                const auto inView = [&](const GRA_Points &points) {
                     std::vector<std::pair<double, std::string>> seen;
                     for (size_t k = 0; k < points.times.size(); ++k)
                         if (points.times[k] >= last - width)

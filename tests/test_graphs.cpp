@@ -21,7 +21,7 @@ protected:
         WatchTest::SetUp();
         options.demo = true;
         HL_PushAnswer(1, write("empty.graph", ""));
-        GRW_FileCB(PANEL_GRAPH, STRIP_OPEN_SETUP, EVENT_COMMIT, 0);
+        GRA_FileCB(PANEL_GRAPH, STRIP_OPEN_SETUP, EVENT_COMMIT, 0);
         addSymbol("nSine", 0x8010);
         addSymbol("wRamp", 0x8012);
         addItem("nSine,i2");
@@ -30,7 +30,7 @@ protected:
     }
     void TearDown() override
     {
-        GRW_OnQuit();
+        GRA_OnQuit();
     }
     void open(const std::vector<int> &lines)
     {
@@ -46,7 +46,7 @@ protected:
     }
     static uint64_t samplesOf(size_t curve)
     {
-        const SMP_Store &store = GRW_GetSource().sampler.store;
+        const SMP_Store &store = GRA_GetSource().sampler.store;
         return curve < store.rings.size() ? store.rings[curve].end : 0;
     }
     // Ticks until the first curve has so many more samples.
@@ -54,12 +54,12 @@ protected:
     {
         const uint64_t wanted = samplesOf(0) + count;
         for (int ticks = 0; ticks < 100000 && samplesOf(0) < wanted; ++ticks)
-            GRW_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
+            GRA_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
         ASSERT_GE(samplesOf(0), wanted);
     }
     static std::vector<UI_Plot> plots()
     {
-        GRW_GraphCB(PANEL_GRAPH, STRIP_GRAPH, EVENT_VAL_CHANGED, 0);
+        GRA_GraphCB(PANEL_GRAPH, STRIP_GRAPH, EVENT_VAL_CHANGED, 0);
         std::vector<UI_Plot> all;
         GetGraphPlots(PANEL_GRAPH, STRIP_GRAPH, &all);
         return all;
@@ -139,7 +139,7 @@ TEST_F(GraphWindow, SelectedLinesBecomeCurves)
 {
     ASSERT_TRUE(connect());
     open({0, 1});
-    ASSERT_EQ(GRW_GetSetup().curves.size(), 2u);
+    ASSERT_EQ(GRA_GetSetup().curves.size(), 2u);
     sample(30);
     std::vector<UI_Plot> shown = plots();
     ASSERT_EQ(shown.size(), 2u);
@@ -151,7 +151,7 @@ TEST_F(GraphWindow, SelectedLinesBecomeCurves)
     // One more, and those that are there go on.
     const uint64_t before = samplesOf(0);
     open({1, 2});
-    ASSERT_EQ(GRW_GetSetup().curves.size(), 3u);
+    ASSERT_EQ(GRA_GetSetup().curves.size(), 3u);
     EXPECT_GE(samplesOf(0), before);
     sample(5);
     EXPECT_GT(samplesOf(2), 0u);
@@ -169,12 +169,12 @@ TEST_F(GraphWindow, SelectedLinesBecomeCurves)
     ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 1, 2, "0.001"), 0);
     ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 1, 2, "0"), 0);
     ASSERT_EQ(HL_EditCell(PANEL_GRAPH, STRIP_CURVES, 0, 4, "33"), 0);
-    EXPECT_EQ(GRW_GetSetup().curves[1].scale.factor, 0.001);
+    EXPECT_EQ(GRA_GetSetup().curves[1].scale.factor, 0.001);
     EXPECT_LT(plots()[1].high, 66);
     HL_SelectLines(PANEL_GRAPH, STRIP_CURVES, {0, 2});
     HL_Key(PANEL_GRAPH, STRIP_CURVES, KEY_DELETE);
-    ASSERT_EQ(GRW_GetSetup().curves.size(), 1u);
-    EXPECT_EQ(GRW_GetSetup().curves[0].item.name, "wRamp");
+    ASSERT_EQ(GRA_GetSetup().curves.size(), 1u);
+    EXPECT_EQ(GRA_GetSetup().curves[0].item.name, "wRamp");
     sample(3);
 }
 
@@ -192,14 +192,14 @@ TEST_F(GraphWindow, FailedSamplesAreGapsWithAReason)
                                     [](double y) { return std::isnan(y); });
     EXPECT_GE(gaps, 5);
     EXPECT_GE(static_cast<long>(shown[0].y->size()), gaps + 20);
-    EXPECT_EQ(GRW_GetSource().sampler.totals.failed, static_cast<uint64_t>(gaps));
+    EXPECT_EQ(GRA_GetSource().sampler.totals.failed, static_cast<uint64_t>(gaps));
     // A name that no map knows any more is sampled as failed, and comes back.
-    VRN_SortByName(aVarNode, nNodes);
+    SYM_SortByName(aVarNode, nNodes);
     const int known = nNodes;
     nNodes = 0;
-    const uint64_t failed = GRW_GetSource().sampler.totals.failed;
-    for (int ticks = 0; ticks < 100000 && GRW_GetSource().sampler.totals.failed == failed; ++ticks)
-        GRW_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
+    const uint64_t failed = GRA_GetSource().sampler.totals.failed;
+    for (int ticks = 0; ticks < 100000 && GRA_GetSource().sampler.totals.failed == failed; ++ticks)
+        GRA_TimerCB(PANEL_GRAPH, STRIP_TIMER, EVENT_TIMER_TICK, 0);
     nNodes = known;
     EXPECT_TRUE(Has(UiText(PANEL_GRAPH, STRIP_MESSAGE), "No map knows 'nSine'"));
 }
@@ -215,7 +215,7 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     press(STRIP_MARKER);
     sample(20);
     press(STRIP_START); // stops, and ends the recording behind what was still to be proven
-    EXPECT_FALSE(GRW_GetSource().recorder.isOn);
+    EXPECT_FALSE(GRA_GetSource().recorder.isOn);
     const std::vector<UI_Plot> live = plots();
     UI_GraphView all = view();
     all.isXFitted = true;
@@ -226,7 +226,7 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     for (const char *name : {"run.csv", "view.csv"}) {
         HL_PushAnswer(1, path(name));
         press(STRIP_OPEN_DATA);
-        ASSERT_TRUE(GRW_GetSource().isFile) << name;
+        ASSERT_TRUE(GRA_GetSource().isFile) << name;
         const std::vector<UI_Plot> read = plots();
         ASSERT_EQ(read.size(), 2u);
         EXPECT_EQ(read[0].name, "nSine");
@@ -237,23 +237,23 @@ TEST_F(GraphWindow, WhatIsRecordedAndExportedOpensAgain)
     }
     HL_PushAnswer(1, path("run.csv"));
     press(STRIP_OPEN_DATA);
-    ASSERT_EQ(GRW_GetSource().markers.size(), 1u);
-    EXPECT_EQ(GRW_GetSource().markers[0].text, "here");
+    ASSERT_EQ(GRA_GetSource().markers.size(), 1u);
+    EXPECT_EQ(GRA_GetSource().markers[0].text, "here");
     HL_PushAnswer(1, write("bad.csv", "hello\r\n"));
     press(STRIP_OPEN_DATA);
-    EXPECT_EQ(GRW_GetSource().recording.path, path("run.csv")) << "the last one stays";
+    EXPECT_EQ(GRA_GetSource().recording.path, path("run.csv")) << "the last one stays";
     // Curves of the watch list need communication: without it the recording keeps its names.
     VIR2_StopPeriodicASC();
     HL_PushAnswer(0);
     open({1});
-    ASSERT_TRUE(GRW_GetSource().isFile);
-    ASSERT_EQ(GRW_GetSetup().curves.size(), 2u);
+    ASSERT_TRUE(GRA_GetSource().isFile);
+    ASSERT_EQ(GRA_GetSetup().curves.size(), 2u);
     EXPECT_EQ(plots()[0].name, "nSine");
     VIR2_StartPeriodicASC();
     // A recorded name is sampled again at a press of Start.
     press(STRIP_START);
     sample(3);
-    EXPECT_FALSE(GRW_GetSource().isFile);
+    EXPECT_FALSE(GRA_GetSource().isFile);
 }
 
 TEST_F(GraphWindow, TriggersMarkStartAndStop)
@@ -266,28 +266,28 @@ TEST_F(GraphWindow, TriggersMarkStartAndStop)
     press(STRIP_WHEN);
     HL_PushAnswer(1, path("t.csv"));
     press(STRIP_RECORD);
-    EXPECT_FALSE(GRW_GetSource().recorder.file.isOpen) << "waits";
+    EXPECT_FALSE(GRA_GetSource().recorder.file.isOpen) << "waits";
     sample(20);
-    EXPECT_TRUE(GRW_GetSource().recorder.file.isOpen);
-    const size_t markers = GRW_GetSource().markers.size();
+    EXPECT_TRUE(GRA_GetSource().recorder.file.isOpen);
+    const size_t markers = GRA_GetSource().markers.size();
     EXPECT_GT(markers, 0u);
-    EXPECT_NEAR(GRW_GetSource().markers.back().time, view().x.max, 1);
+    EXPECT_NEAR(GRA_GetSource().markers.back().time, view().x.max, 1);
     failWith(0, 70);
     sample(5);
     SIM_SetErrorCode(target, 0, 0);
-    EXPECT_FALSE(GRW_GetSource().recorder.file.isOpen);
-    EXPECT_TRUE(GRW_GetSource().recorder.isOn) << "waits for the next start";
-    RDR_Recording recorded;
+    EXPECT_FALSE(GRA_GetSource().recorder.file.isOpen);
+    EXPECT_TRUE(GRA_GetSource().recorder.isOn) << "waits for the next start";
+    REC_Recording recorded;
     std::string problem;
-    ASSERT_EQ(RDR_Open(path("t.csv"), &recorded, &problem), 0) << problem;
+    ASSERT_EQ(REC_OpenRecording(path("t.csv"), &recorded, &problem), 0) << problem;
     EXPECT_GT(recorded.rows, 5u);
     ASSERT_GT(recorded.notes.size(), 2u);
     EXPECT_EQ(recorded.notes.front().text, "start when wRamp >= 0");
     EXPECT_EQ(recorded.notes.back().text, "stop when wRamp fails");
     press(STRIP_RECORD);
-    EXPECT_FALSE(GRW_GetSource().recorder.isOn);
+    EXPECT_FALSE(GRA_GetSource().recorder.isOn);
     // Kept with the settings; a bad line is named.
-    const std::string text = GRW_GetSetup().triggers;
+    const std::string text = GRA_GetSetup().triggers;
     HL_PushAnswer(1, path("t.graph"));
     press(STRIP_SAVE_SETUP);
     GRA_Setup loaded;
@@ -303,9 +303,9 @@ TEST_F(GraphWindow, TriggersMarkStartAndStop)
 class GraphPast : public GraphWindow {
 protected:
     GRA_Setup setup;
-    GRS_Source source;
+    GRA_Source source;
     double from = 0, last = 0; // of what is there
-    std::vector<GRH_Points> curves;
+    std::vector<GRA_Points> curves;
 
     void SetUp() override
     {
@@ -322,7 +322,7 @@ protected:
     }
     void TearDown() override
     {
-        GRS_Stop(&source);
+        GRA_StopSource(&source);
         GraphWindow::TearDown();
     }
     long countFiles()
@@ -334,19 +334,19 @@ protected:
     void sampleUntil(uint64_t rows)
     {
         while (source.sampler.totals.rows < rows)
-            ASSERT_GE(GRS_Step(&source), 0);
-        ASSERT_TRUE(GRS_GetExtent(source, &from, &last));
+            ASSERT_GE(GRA_StepSource(&source), 0);
+        ASSERT_TRUE(GRA_GetSourceExtent(source, &from, &last));
     }
 };
 
 TEST_F(GraphPast, WhatHasLeftMemoryIsReadFromDisk)
 {
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    ASSERT_EQ(GRA_StartSource(&source, setup), 0);
     sampleUntil(20);
     EXPECT_EQ(countFiles(), 0) << "a short session writes nothing";
     sampleUntil(400);
     EXPECT_GT(countFiles(), 1);
-    ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
+    ASSERT_EQ(GRA_DrawSource(&source, setup, from, last, &curves), 0);
     ASSERT_EQ(curves[0].times.size(), source.sampler.totals.rows) << "none twice, none missing";
     // Where a file ends and memory begins, too.
     for (size_t i = 1; i < curves[0].times.size(); ++i)
@@ -355,31 +355,32 @@ TEST_F(GraphPast, WhatHasLeftMemoryIsReadFromDisk)
     EXPECT_TRUE(std::none_of(curves[0].values.begin(), curves[0].values.end(), isOdd)) << "times 2";
     // Drawn while it grows, and once more from nothing.
     sampleUntil(450);
-    std::vector<GRH_Points> grown, anew;
-    GRS_Draw(&source, setup, last - 0.15, last, &grown);
-    source.live = GRS_Live();
-    GRS_Draw(&source, setup, last - 0.15, last, &anew);
+    std::vector<GRA_Points> grown, anew;
+    GRA_DrawSource(&source, setup, last - 0.15, last, &grown);
+    source.live = GRA_Live();
+    GRA_DrawSource(&source, setup, last - 0.15, last, &anew);
     EXPECT_EQ(grown[0].times, anew[0].times);
     // What is saved holds every row, wherever it is.
     std::string problem;
-    ASSERT_EQ(GRX_Save(path("all.csv"), source, setup, from, last, &problem), 0) << problem;
-    RDR_Recording saved;
-    ASSERT_EQ(RDR_Open(path("all.csv"), &saved, &problem), 0);
+    ASSERT_EQ(GRA_SaveCsv(path("all.csv"), source, setup, from, last, &problem), 0) << problem;
+    REC_Recording saved;
+    ASSERT_EQ(REC_OpenRecording(path("all.csv"), &saved, &problem), 0);
     EXPECT_EQ(saved.rows, source.sampler.totals.rows);
-    std::vector<GRH_Measures> measures;
-    EXPECT_EQ(GRS_Measure(&source, setup, from, last, &measures), -1) << "not all is in memory";
-    EXPECT_EQ(GRS_Measure(&source, setup, last - 0.001, last, &measures), 0);
+    std::vector<GRA_Measures> measures;
+    EXPECT_EQ(GRA_MeasureSource(&source, setup, from, last, &measures), -1)
+        << "not all is in memory";
+    EXPECT_EQ(GRA_MeasureSource(&source, setup, last - 0.001, last, &measures), 0);
 }
 
 TEST_F(GraphPast, AnotherCurveHasNoneAndTheFirstKeepsItsOwn)
 {
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    ASSERT_EQ(GRA_StartSource(&source, setup), 0);
     sampleUntil(300);
     setup.curves.resize(2);
     setup.curves[1].item = SMP_FromWatch(aLItems[2]);
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    ASSERT_EQ(GRA_StartSource(&source, setup), 0);
     sampleUntil(600);
-    ASSERT_EQ(GRS_Draw(&source, setup, from, last, &curves), 0);
+    ASSERT_EQ(GRA_DrawSource(&source, setup, from, last, &curves), 0);
     EXPECT_EQ(curves[0].times.size(), source.sampler.totals.rows);
     EXPECT_LT(curves[1].times.size(), curves[0].times.size());
 }
@@ -387,20 +388,20 @@ TEST_F(GraphPast, AnotherCurveHasNoneAndTheFirstKeepsItsOwn)
 TEST_F(GraphPast, TheOldestFilesGoWithTheBeginning)
 {
     source.past.partBytes = 500;
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    ASSERT_EQ(GRA_StartSource(&source, setup), 0);
     sampleUntil(150);
     const double first = from;
     sampleUntil(900);
-    EXPECT_LE(countFiles(), static_cast<long>(GPA_PARTS_MAX));
+    EXPECT_LE(countFiles(), static_cast<long>(GRA_PAST_PARTS_MAX));
     EXPECT_GT(from, first);
-    GRS_Clear(&source);
+    GRA_ClearSource(&source);
     EXPECT_EQ(countFiles(), 0);
 }
 
 TEST_F(GraphPast, WithoutADiskItIsSaidOnceAndSamplingGoesOn)
 {
     source.past.folder = write("file", "") + "/none";
-    ASSERT_EQ(GRS_Start(&source, setup), 0);
+    ASSERT_EQ(GRA_StartSource(&source, setup), 0);
     sampleUntil(150);
     EXPECT_NE(source.message.find("not kept any more"), std::string::npos) << source.message;
     source.message.clear();

@@ -9,8 +9,8 @@
 
 namespace {
 
-uint64_t CostOfSets(const std::vector<GRP_Item> &items, const std::vector<size_t> &setOf,
-                    size_t sets, const GRP_Wire &wire, const GRP_Rules &rules)
+uint64_t CostOfSets(const std::vector<UCM_BlockItem> &items, const std::vector<size_t> &setOf,
+                    size_t sets, const UCM_WireCosts &wire, const UCM_BlockRules &rules)
 {
     uint64_t cost = 0;
     for (size_t set = 0; set < sets; ++set) {
@@ -41,20 +41,20 @@ uint64_t CostOfSets(const std::vector<GRP_Item> &items, const std::vector<size_t
             bool isItem = false;
             for (size_t i = 0; i < items.size(); ++i)
                 isItem = isItem || covers(i);
-            for (const GRP_Range &range : rules.noGaps)
+            for (const UCM_Range &range : rules.noGaps)
                 if (!isItem && range.first <= byte && byte <= range.last)
                     return UINT64_MAX;
             if (!isItem && !rules.areGapsAllowed)
                 return UINT64_MAX;
         }
-        cost += GRP_CountChars(wire, end - begin);
+        cost += UCM_CountBlockChars(wire, end - begin);
     }
     return cost;
 }
 
 // Every partition of the items into sets.
-uint64_t CheapestOfAll(const std::vector<GRP_Item> &items, std::vector<size_t> *setOf, size_t sets,
-                       const GRP_Wire &wire, const GRP_Rules &rules)
+uint64_t CheapestOfAll(const std::vector<UCM_BlockItem> &items, std::vector<size_t> *setOf,
+                       size_t sets, const UCM_WireCosts &wire, const UCM_BlockRules &rules)
 {
     if (setOf->size() == items.size())
         return CostOfSets(items, *setOf, sets, wire, rules);
@@ -67,10 +67,10 @@ uint64_t CheapestOfAll(const std::vector<GRP_Item> &items, std::vector<size_t> *
     return least;
 }
 
-bool IsCovered(const std::vector<GRP_Item> &items, const std::vector<GRP_Block> &plan)
+bool IsCovered(const std::vector<UCM_BlockItem> &items, const std::vector<UCM_Block> &plan)
 {
     std::vector<int> seen(items.size(), 0);
-    for (const GRP_Block &block : plan)
+    for (const UCM_Block &block : plan)
         for (const size_t i : block.items) {
             ++seen[i];
             if (items[i].station != block.station || items[i].address < block.address ||
@@ -85,26 +85,27 @@ bool IsCovered(const std::vector<GRP_Item> &items, const std::vector<GRP_Block> 
 TEST(grouping, noOtherGroupingIsCheaper)
 {
     std::mt19937 random(11);
-    const GRP_Wire wires[] = {GRP_ReadWire(PROTOCOL_MR166), GRP_ReadWire(PROTOCOL_MODBUS),
-                              GRP_WriteWire(PROTOCOL_MR166)};
+    const UCM_WireCosts wires[] = {UCM_ReadWire(PROTOCOL_MR166), UCM_ReadWire(PROTOCOL_MODBUS),
+                                   UCM_WriteWire(PROTOCOL_MR166)};
     for (int round = 0; round < 600; ++round) {
-        const GRP_Wire &wire = wires[round % 3];
-        GRP_Rules rules;
+        const UCM_WireCosts &wire = wires[round % 3];
+        UCM_BlockRules rules;
         rules.areGapsAllowed = round % 3 != 2;
         rules.align = round % 5 == 0 ? 2 : 1;
         if (!rules.areGapsAllowed)
             rules.align = 1;
         if (round % 4 == 0)
             rules.noGaps = {{110, 118}};
-        std::vector<GRP_Item> items(1 + random() % 7);
+        std::vector<UCM_BlockItem> items(1 + random() % 7);
         const uint32_t reach = round / 12 % 2 != 0 ? 60 : 400;
-        for (GRP_Item &item : items)
+        for (UCM_BlockItem &item : items)
             item = {random() % 8 == 0 ? 1 : 0, static_cast<uint32_t>(100 + random() % reach),
                     1u << random() % (round % 7 == 0 ? 6 : 4)};
-        const std::vector<GRP_Block> plan = GRP_Plan(items, wire, rules);
+        const std::vector<UCM_Block> plan = UCM_PlanBlocks(items, wire, rules);
         std::vector<size_t> setOf;
         ASSERT_TRUE(IsCovered(items, plan)) << round;
-        ASSERT_EQ(GRP_CountPlan(plan, wire), CheapestOfAll(items, &setOf, 0, wire, rules)) << round;
+        ASSERT_EQ(UCM_CountPlanChars(plan, wire), CheapestOfAll(items, &setOf, 0, wire, rules))
+            << round;
     }
 }
 
@@ -113,7 +114,7 @@ TEST(grouping, theGapThatPays)
     struct Case {
         const char *what;
         int protocol;
-        std::vector<GRP_Item> items;
+        std::vector<UCM_BlockItem> items;
         std::vector<uint32_t> sizes; // of the blocks
     };
     const Case cases[] = {
@@ -131,14 +132,15 @@ TEST(grouping, theGapThatPays)
     };
     for (const Case &row : cases) {
         std::vector<uint32_t> sizes;
-        for (const GRP_Block &block : GRP_Plan(row.items, GRP_ReadWire(row.protocol), GRP_Rules()))
+        for (const UCM_Block &block :
+             UCM_PlanBlocks(row.items, UCM_ReadWire(row.protocol), UCM_BlockRules()))
             sizes.push_back(block.size);
         EXPECT_EQ(sizes, row.sizes) << row.what;
     }
-    EXPECT_TRUE(GRP_Plan({}, GRP_ReadWire(PROTOCOL_MR166), GRP_Rules()).empty());
+    EXPECT_TRUE(UCM_PlanBlocks({}, UCM_ReadWire(PROTOCOL_MR166), UCM_BlockRules()).empty());
     // Characters of whole transfers: requests, answers, data.
-    EXPECT_EQ(GRP_CountChars(GRP_ReadWire(PROTOCOL_MR166), 65), 18u + 10 + 128 + 18 + 10 + 2);
-    EXPECT_EQ(GRP_CountChars(GRP_WriteWire(PROTOCOL_MR166), 17), 2u * (48 + 10));
-    EXPECT_EQ(GRP_CountChars(GRP_ReadWire(PROTOCOL_MODBUS), 217), 17u + 5 + 216 + 17 + 5 + 2);
-    EXPECT_EQ(GRP_CountChars(GRP_WriteWire(PROTOCOL_MODBUS), 3), 13u + 8 + 4);
+    EXPECT_EQ(UCM_CountBlockChars(UCM_ReadWire(PROTOCOL_MR166), 65), 18u + 10 + 128 + 18 + 10 + 2);
+    EXPECT_EQ(UCM_CountBlockChars(UCM_WriteWire(PROTOCOL_MR166), 17), 2u * (48 + 10));
+    EXPECT_EQ(UCM_CountBlockChars(UCM_ReadWire(PROTOCOL_MODBUS), 217), 17u + 5 + 216 + 17 + 5 + 2);
+    EXPECT_EQ(UCM_CountBlockChars(UCM_WriteWire(PROTOCOL_MODBUS), 3), 13u + 8 + 4);
 }

@@ -186,7 +186,7 @@ TEST_F(Headless, QuestionsTakeQueueThenStandingAnswer)
     EXPECT_LT(PromptPopup("T", "text?", &text, 5), 0);
     EXPECT_EQ("proposal", text);
     EXPECT_EQ(0, GenericMessagePopup("T", "which?", {"__Yes", "__No"}, nullptr, 0));
-    EXPECT_EQ(VAL_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_SAVE, &text));
+    EXPECT_EQ(CON_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_SAVE, &text));
 
     HL_PushAnswer(1);
     HL_PushAnswer(1, "123456");
@@ -194,7 +194,7 @@ TEST_F(Headless, QuestionsTakeQueueThenStandingAnswer)
     EXPECT_EQ(0, PromptPopup("T", "text?", &text, 5));
     EXPECT_EQ("12345", text);
     HL_PushAnswer(1, "/nonexistent/file");
-    EXPECT_EQ(VAL_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_LOAD, &text));
+    EXPECT_EQ(CON_NO_FILE_SELECTED, FileSelectPopup("", "*", "*", "T", FILE_LOAD, &text));
     EXPECT_EQ(0, HL_CountAnswers());
 
     HL_SetDefaultAnswer(HL_ANSWER_YES);
@@ -235,8 +235,8 @@ TEST(ListColumns, EscapesStartColumnsAndAnythingElseIsText)
                  {"a\033pl", "a\033pl"},
                  {"a\033p123456lb", "a\033p123456lb"}};
     for (const auto &c : cases)
-        EXPECT_EQ(c.joined, UIC_JoinColumns(c.label, "|"));
-    EXPECT_EQ(300, UIC_SplitColumns("name\033p300lFA00")[1].left);
+        EXPECT_EQ(c.joined, UI_JoinColumns(c.label, "|"));
+    EXPECT_EQ(300, UI_SplitColumns("name\033p300lFA00")[1].left);
 }
 
 } // namespace

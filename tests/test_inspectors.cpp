@@ -88,9 +88,9 @@ TEST_F(ArrayPlace, IsNamedOrTyped)
                  {"&x, u2, 3", 0, 0},
                  {"", 0, 0}};
     for (const auto &row : cases) {
-        ARI_Array array;
+        INS_Array array;
         std::string cause;
-        ASSERT_EQ(row.rows == 0, ARI_Parse(row.text, "", &array, &cause) != 0) << row.text;
+        ASSERT_EQ(row.rows == 0, INS_ParsePlace(row.text, "", &array, &cause) != 0) << row.text;
         EXPECT_EQ(row.rows == 0, !cause.empty());
         if (row.rows != 0) {
             EXPECT_EQ(row.rows, array.rows) << row.text;
@@ -186,7 +186,7 @@ TEST_F(Inspectors, RecordsOpenLevelByLevel)
     Open(1); // 250 = 1111 1010b
     EXPECT_EQ("0", GetCell(PANEL_RECORD, RECORD_LIST, 2, 1));
     EXPECT_EQ("1", GetCell(PANEL_RECORD, RECORD_LIST, 3, 1));
-    EXPECT_EQ("bit 15", WRD_Trim(GetCell(PANEL_RECORD, RECORD_LIST, 17, 0)));
+    EXPECT_EQ("bit 15", TXT_Trim(GetCell(PANEL_RECORD, RECORD_LIST, 17, 0)));
     HL_EditCell(PANEL_RECORD, RECORD_LIST, 3, 1, "0");
     EXPECT_EQ("Only a single value can be written.", UiText(PANEL_RECORD, RECORD_MESSAGE));
     HL_SelectLine(PANEL_RECORD, RECORD_LIST, 1);
@@ -270,14 +270,14 @@ TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
                  {"u8", "-1", ARRAY_NO_VALUE, 0},
                  {"u8", "0x1", ARRAY_NO_VALUE, 0}};
     for (const auto &row : cases) {
-        const ArrayType &type = *AEL_Find(row.type);
+        const ArrayType &type = *INS_FindElement(row.type);
         uint64_t bits = 0;
-        uint8_t bytes[AEL_BYTES_MAX] = {};
-        EXPECT_EQ(row.result, AEL_Parse(type, row.text, bytes)) << row.text;
+        uint8_t bytes[INS_ELEMENT_BYTES_MAX] = {};
+        EXPECT_EQ(row.result, INS_ParseElement(type, row.text, bytes)) << row.text;
         std::memcpy(&bits, bytes, sizeof bits);
         EXPECT_EQ(row.bits, bits) << row.text;
         if (row.result == ARRAY_OK) {
-            EXPECT_EQ(row.text, AEL_Format(type, bytes));
+            EXPECT_EQ(row.text, INS_FormatElement(type, bytes));
         }
     }
 }
@@ -285,10 +285,10 @@ TEST_F(Inspectors, SlicesOfMoreDimensionsAndWideElements)
 TEST_F(Inspectors, TenWindowsEachWithItsOwn)
 {
     for (int i = 0; i < 6; i++)
-        ARI_Open("$8140, u2, " + std::to_string(i + 2));
-    ARI_Open("$8140, u2, 4"); // is open
+        INS_OpenArray("$8140, u2, " + std::to_string(i + 2));
+    INS_OpenArray("$8140, u2, 4"); // is open
     for (const char *name : {"DRV_stParams", "pwTable", "awTable", "afCurve"})
-        RCI_Open(name);
+        INS_OpenRecord(name);
     EXPECT_EQ(2, Count(PANEL_ARRAY, ARRAY_LIST));
     EXPECT_EQ(7, Count(PANEL_ARRAY_MORE + 4, ARRAY_LIST));
     EXPECT_EQ(7, Count(PANEL_RECORD, RECORD_LIST));
@@ -301,7 +301,7 @@ TEST_F(Inspectors, TenWindowsEachWithItsOwn)
     HL_Key(PANEL_ARRAY_MORE, ARRAY_PLACE, KEY_ESC);
     EXPECT_EQ(nullptr, INS_Find(PANEL_ARRAY_MORE));
     EXPECT_EQ(0, std::count(std::begin(INS_anPanels), std::end(INS_anPanels), PANEL_ARRAY_MORE));
-    ARI_Open("");
+    INS_OpenArray("");
     EXPECT_EQ(0, Count(PANEL_ARRAY_MORE, ARRAY_LIST));
     Name(PANEL_ARRAY_MORE, "afCurve");
     EXPECT_EQ("0.75", GetCell(PANEL_ARRAY_MORE, ARRAY_LIST, 3, 1));
@@ -320,7 +320,7 @@ TEST_F(Inspectors, PointersInACircleEnd)
                                 "  'pNext' _@0x28000000_@0x38000001\r\n");
     ASSERT_EQ(0, TMF_OpenMap("circle.tmf"));
     const uint32_t place = 0x9F00;
-    const VarNode *node = VRN_MapNodeAtOrAfter(0x8002);
+    const VarNode *node = SYM_MapNodeAtOrAfter(0x8002);
     ASSERT_STREQ("wCount", node->name);
     aVarNode[node - aVarNode].addr = place;
     SortMapNdxByAddr();
@@ -347,7 +347,7 @@ TEST_F(Inspectors, PointersInACircleEnd)
     EXPECT_EQ("The pointer leads nowhere.", UiText(PANEL_RECORD, RECORD_MESSAGE));
     TMF_CleanTables();
     HL_FireTimer(PANEL_RECORD, RECORD_TIMER);
-    RCI_NamesChanged();
+    INS_RecordNamesChanged();
     EXPECT_EQ(0, Count(PANEL_RECORD, RECORD_LIST)) << "nothing of the old types is shown";
 }
 

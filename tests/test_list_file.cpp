@@ -16,7 +16,7 @@ protected:
     // What a save makes of the list now.
     std::string saved()
     {
-        EXPECT_EQ(DBG_WriteFile(path("saved.dbg")), 0);
+        EXPECT_EQ(LIT_WriteFile(path("saved.dbg")), 0);
         return ReadFileText(path("saved.dbg"));
     }
     std::string names()
@@ -174,15 +174,15 @@ TEST_F(ListFiles, OddLinesAreNamedOnce)
 TEST_F(ListFiles, AnEmptyFileAsksBeforeItReplacesAList)
 {
     const std::string full = write("full.dbg", "A, u1\n"), empty = write("empty.dbg", "; none\n");
-    ASSERT_EQ(DBG_Open(empty), 0); // nothing to lose
-    ASSERT_EQ(DBG_Open(full), 0);
+    ASSERT_EQ(LIT_OpenFile(empty), 0); // nothing to lose
+    ASSERT_EQ(LIT_OpenFile(full), 0);
     EXPECT_TRUE(HL_GetPopups().empty());
     HL_PushAnswer(0);
-    EXPECT_EQ(DBG_Open(empty), -2);
+    EXPECT_EQ(LIT_OpenFile(empty), -2);
     EXPECT_EQ(names() + szDebugFileName, "A" + full);
     EXPECT_EQ(saved(), "A, u1\n");
     HL_PushAnswer(1);
-    EXPECT_EQ(DBG_Open(empty), 0);
+    EXPECT_EQ(LIT_OpenFile(empty), 0);
     EXPECT_EQ(nLItems, 0);
     EXPECT_EQ(szDebugFileName, empty);
     EXPECT_EQ(HL_GetPopups().size(), 2u);
@@ -227,7 +227,7 @@ TEST_F(ListFiles, WhatIsNoFileIsRefusedWithOneMessage)
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     ASSERT_EQ(load("A, u1\n"), 0);
     for (const std::string &name : {pipe, folder.path, std::string("/dev/zero")}) {
-        EXPECT_EQ(DBG_Open(name), -2);
+        EXPECT_EQ(LIT_OpenFile(name), -2);
         EXPECT_EQ(message(), "Cannot open file '" + name + "'. It is a folder, device or pipe.");
     }
     EXPECT_EQ(names(), "A");
@@ -247,13 +247,13 @@ TEST_F(ListFiles, NamesAreShownWithoutControlCharacters)
     VR_ShowMessage("a\033b\nc");
     EXPECT_EQ(message(), "a.b\nc");
     for (const char *cell : {"=cmd|x!A1", "+1+1", "-2+3", "@SUM(A1)", "\t=1", "-2 +3", "-1x"})
-        EXPECT_EQ(WRD_QuoteCsv(cell)[0] == '"' ? WRD_QuoteCsv(cell).substr(1, 1)
-                                               : WRD_QuoteCsv(cell).substr(0, 1),
+        EXPECT_EQ(TXT_QuoteCsv(cell)[0] == '"' ? TXT_QuoteCsv(cell).substr(1, 1)
+                                               : TXT_QuoteCsv(cell).substr(0, 1),
                   "'")
             << cell;
     for (const char *cell : {"-12.5", "+3", "-999.000 Hz", "", "a=b", "-1e-7"})
-        EXPECT_EQ(WRD_QuoteCsv(cell), cell);
-    EXPECT_EQ(WRD_QuoteCsv("=a,\"b\""), "\"'=a,\"\"b\"\"\"");
+        EXPECT_EQ(TXT_QuoteCsv(cell), cell);
+    EXPECT_EQ(TXT_QuoteCsv("=a,\"b\""), "\"'=a,\"\"b\"\"\"");
 }
 
 } // namespace

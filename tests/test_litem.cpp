@@ -271,13 +271,13 @@ TEST_F(LItems, FileChangedOnDisk)
     };
     touch(7);
     HL_PushAnswer(0);
-    EXPECT_EQ(DBG_CheckReload(mainPanel), 0);
+    EXPECT_EQ(LIT_CheckReload(mainPanel), 0);
     EXPECT_EQ(aLItems[0].name, "A");
-    EXPECT_EQ(DBG_CheckReload(mainPanel), 0); // asked once a change
+    EXPECT_EQ(LIT_CheckReload(mainPanel), 0); // asked once a change
     EXPECT_EQ(HL_GetPopups().size(), 1u);
     touch(19);
     HL_PushAnswer(1);
-    EXPECT_EQ(DBG_CheckReload(mainPanel), 1);
+    EXPECT_EQ(LIT_CheckReload(mainPanel), 1);
     EXPECT_EQ(aLItems[0].name, "B");
     ASSERT_EQ(SaveDbg(mainPanel), 1); // our own saving is no change
     EXPECT_EQ(IsDbgFileChanged(), 0);
@@ -362,7 +362,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
          "move 2 items", "3:A, u2\nF, i2\nG, u1\n"},
     };
     ASSERT_EQ(load(start), 0);
-    HIS_Forget();
+    EDT_ForgetEdits();
     std::string what;
     for (const auto &row : edits) {
         ASSERT_EQ(row.edit(), 0) << row.what;
@@ -382,7 +382,7 @@ TEST_F(LItems, EveryEditIsUndoneAndRedone)
     EXPECT_EQ(EDT_Redo(&what), EDT_ERR_NOTHING);
     EDT_Undo(&what);
     EDT_Remove(0);
-    EXPECT_FALSE(HIS_CanRedo()) << "after another edit there is nothing to go forward to";
+    EXPECT_FALSE(EDT_CanRedo()) << "after another edit there is nothing to go forward to";
 }
 
 TEST_F(LItems, ANewNameTakesNoAddressOrStationFromTheOldOne)
@@ -400,7 +400,7 @@ TEST_F(LItems, ANewNameTakesNoAddressOrStationFromTheOldOne)
 TEST_F(LItems, ARefusedEditChangesNothing)
 {
     ASSERT_EQ(load("A, u1\nB, u1\nC, u1\n"), 0);
-    HIS_Forget();
+    EDT_ForgetEdits();
     std::string what;
     EXPECT_EQ(EDT_Undo(&what), EDT_ERR_NOTHING);
     EXPECT_EQ(EDT_Move(0, 3), EDT_ERR_INDEX);
@@ -408,7 +408,7 @@ TEST_F(LItems, ARefusedEditChangesNothing)
     EXPECT_EQ(EDT_MoveLines({0, 1}, -1), EDT_ERR_INDEX);
     ASSERT_EQ(nLItems, 3);
     EXPECT_EQ(aLItems[0].name + aLItems[1].name + aLItems[2].name, "ABC");
-    EXPECT_FALSE(HIS_CanUndo());
+    EXPECT_FALSE(EDT_CanUndo());
 }
 
 TEST_F(LItems, WhatComesBackHasTheAddressOfTheMapThatIsThereNow)
@@ -437,23 +437,23 @@ TEST_F(LItems, Snapshot)
 {
     ASSERT_EQ(load("A, [10], u1\n&B\"q, x\nRate, [20], p4\nWide, [30], i8\n"), 0);
     for (const int index : {0, 2, 3})
-        AGE_Stamp(&aLItems[index], STATION);
+        RFR_StampAge(&aLItems[index], STATION);
     aLItems[0].value = 7;
     aLItems[0].isValueGood = aLItems[2].isValueGood = aLItems[3].isValueGood = true;
     aLItems[1].reason = "no, answer";
     aLItems[2].value = 9; // read once: no rate yet
     aLItems[3].value = 5;
     aLItems[3].valueHigh = 0x80000000;
-    EXPECT_EQ(SNP_Text({0, 1}), "Name\tAddress\tType\tValue\tState\n"
-                                "A\t0x000010\tu1\t7\tok\n&B\"q\t\tx4\t\tno, answer\n");
-    ASSERT_EQ(SNP_SaveCsv(path("list.csv")), 0);
+    EXPECT_EQ(LSV_SnapshotText({0, 1}), "Name\tAddress\tType\tValue\tState\n"
+                                        "A\t0x000010\tu1\t7\tok\n&B\"q\t\tx4\t\tno, answer\n");
+    ASSERT_EQ(LSV_SaveSnapshotCsv(path("list.csv")), 0);
     EXPECT_EQ(ReadFileText(path("list.csv")),
               "name,address,type,size,value,raw,state\r\n"
               "A,0x000010,u,1,7,7,ok\r\n"
               "\"&B\"\"q\",,x,4,,,\"no, answer\"\r\n"
               "Rate,0x000020,p,4,,9,ok\r\n"
               "Wide,0x000030,i,8,-9223372036854775803,9223372036854775813,ok\r\n");
-    EXPECT_EQ(SNP_SaveCsv(path("no/such/list.csv")), -1);
+    EXPECT_EQ(LSV_SaveSnapshotCsv(path("no/such/list.csv")), -1);
 }
 
 } // namespace

@@ -62,7 +62,7 @@ TEST(LoaderProtocol, BlocksThatCannotBeCarriedAreNotSent)
     EXPECT_EQ(-1, LD167U_L3CmdWriteBlock(&chip)) << "the target refuses what is no flash";
     wMrOpenFlag = 0;
     EXPECT_EQ(-1, LD167U_L3CmdReadBlock(&longest));
-    EXPECT_EQ(HEXS_ERR_CLOSED, LD167U_L3CmdWriteHexFile("none.hex"));
+    EXPECT_EQ(HEX_LOAD_ERR_CLOSED, LD167U_L3CmdWriteHexFile("none.hex"));
     EXPECT_EQ(-1, LD167U_L3CmdEraseFlash());
 }
 
@@ -123,7 +123,7 @@ TEST(LoaderProtocol, HexFilesStreamRecordByRecord)
         EXPECT_EQ(c.flash, std::string(&rig.loader.flash[0x10010], &rig.loader.flash[0x10014]))
             << c.text;
     }
-    EXPECT_EQ("block at 0x00E000: wrong check sum", HEXS_GetCause());
+    EXPECT_EQ("block at 0x00E000: wrong check sum", HEX_GetLoadCause());
     EXPECT_EQ(-1, LD167U_L3CmdWriteHexFile("none.hex"));
 }
 

@@ -34,14 +34,14 @@ struct LoaderWindow : ConsoleRig {
     {
         ConsoleRig::SetUp();
         PlugLoader();
-        LDW_Reset();
+        LDR_ResetWindow();
         WriteFileText("a.hex", MakeHex(RECORDS));
         ASSERT_EQ(0, HL_ClickMenu(ITEM_LOADER));
         EXPECT_EQ(HL_DIMMED, Click(LOADER_PROGRAM)) << "nothing to program yet";
     }
     void TearDown() override
     {
-        LDW_Reset();
+        LDR_ResetWindow();
     }
     static int Click(int control)
     {
@@ -260,8 +260,8 @@ TEST_F(LoaderWindow, FailuresAreSaidAndKnownWhenTheWindowComesBack)
 TEST(LoaderBar, ShowsManyRangesWithinItsBounds)
 {
     LDR_Job job;
-    EXPECT_EQ(0x10000u, LDB_GetSpan(job));
-    EXPECT_TRUE(LDB_MakeSegments(job).empty());
+    EXPECT_EQ(0x10000u, LDR_GetBarSpan(job));
+    EXPECT_TRUE(LDR_MakeBarSegments(job).empty());
     HEX_Record record;
     record.length = 16;
     for (uint32_t gap = 1; record.address < 0xFFF000; record.address += 16 + gap, gap += 3)
@@ -270,8 +270,8 @@ TEST(LoaderBar, ShowsManyRangesWithinItsBounds)
     job.plan.push_back(record);
     job.result = LDR_ERR_DIFFERENT;
     job.difference.address = 0xFFFFFF;
-    EXPECT_EQ(0x1000000u, LDB_GetSpan(job));
-    std::vector<UI_Segment> segments = LDB_MakeSegments(job);
+    EXPECT_EQ(0x1000000u, LDR_GetBarSpan(job));
+    std::vector<UI_Segment> segments = LDR_MakeBarSegments(job);
     EXPECT_LE(segments.size(), 1030u);
     EXPECT_EQ(1.0, segments.back().last);
     HL_Reset();

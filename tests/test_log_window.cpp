@@ -30,7 +30,7 @@ struct LogWindow : LogRig {
         if (IsComparing())
             HL_CommitControl(PANEL, LOG_COMPARE);
         WriteLog("empty.bin", LogBuilder().Finish(20));
-        LGW_ShowFile("empty.bin");
+        LOGV_ShowFile("empty.bin");
     }
     static bool IsComparing()
     {
@@ -59,7 +59,7 @@ struct LogWindow : LogRig {
     {
         std::string text;
         for (const std::string &label : HL_GetLabels(PANEL, list))
-            text += UIC_JoinColumns(label, ",") + "\n";
+            text += UI_JoinColumns(label, ",") + "\n";
         return text;
     }
     static bool StateSays(const std::string &text)
@@ -123,7 +123,7 @@ TEST_F(LogWindow, OpensFilesAndSaysWhatIsMissing)
     DLLD_Log bad = Sample().Finish(100);
     bad[4] = 'x';
     Open("bad.bin", bad);
-    LGW_ShowFile("none.bin");
+    LOGV_ShowFile("none.bin");
     ASSERT_EQ(HL_GetPopups().size(), popups + 3) << "each question and each message once";
     EXPECT_TRUE(Has(HL_GetPopups()[popups + 1], "bad.bin holds no log"));
     EXPECT_TRUE(Has(HL_GetPopups()[popups + 2], "Could not open the file none.bin"));
@@ -175,12 +175,12 @@ TEST_F(LogWindow, FiltersWhileTypingSortsAndJumps)
 
 TEST_F(LogWindow, ShowsALongLogInPages)
 {
-    constexpr uint32_t COUNT_OF_ALL = 2 * LGW_PAGE_LINES + 1;
+    constexpr uint32_t COUNT_OF_ALL = 2 * LOGV_PAGE_LINES + 1;
     LogBuilder log;
     for (uint32_t i = 0; i < COUNT_OF_ALL; i++)
         log.Add(0x20, {static_cast<uint16_t>(i + 1)}, STAMP_2015 + i);
     Open("long.bin", log.Finish());
-    EXPECT_EQ(HL_GetLabels(PANEL, LOG_LIST).size(), size_t(LGW_PAGE_LINES));
+    EXPECT_EQ(HL_GetLabels(PANEL, LOG_LIST).size(), size_t(LOGV_PAGE_LINES));
     EXPECT_TRUE(StateSays("10,001 of 10,001 messages. Listed: 1 to 5,000."));
     EXPECT_EQ(UiAttribute(PANEL, LOG_PREVIOUS, ATTR_DIMMED), 1);
     HL_CommitControl(PANEL, LOG_NEXT);

@@ -73,13 +73,13 @@ TEST_F(MapFiles, TakesC166LinesByTheirColumns)
     for (const auto &row : cases) {
         uint32_t address = 0;
         const char *name = nullptr;
-        const int expected = row.name != nullptr ? 0 : MAP_ERR_NO_SYMBOL;
+        const int expected = row.name != nullptr ? 0 : SYM_MAP_ERR_NO_SYMBOL;
         ASSERT_EQ(expected, ReadMap(Write(row.line + "\r\n"))) << row.line;
         if (row.name == nullptr)
             continue;
         ASSERT_EQ(1, nNodes) << row.line;
         EXPECT_STREQ(row.name, aVarNode[0].name) << row.line;
-        ASSERT_EQ(MAP_SYMBOL, MAP_ParseC166Line(row.line.c_str(), &address, &name));
+        ASSERT_EQ(SYM_MAP_SYMBOL, SYM_ParseC166MapLine(row.line.c_str(), &address, &name));
         EXPECT_EQ(aVarNode[0].addr, address);
     }
     EXPECT_TRUE(isID166(name64.c_str()));
@@ -158,15 +158,15 @@ TEST_F(MapFiles, AFileThatCannotBeReadChangesNothing)
         int processor, result;
         std::string file; // a name without blanks, or a text
     } cases[] = {
-        {CPU_C167, MAP_ERR_OPEN, "no/such/file"},
-        {CPU_C167, MAP_ERR_OPEN, testing::TempDir()}, // a folder
-        {CPU_C167, MAP_ERR_OPEN, "/dev/zero"},
-        {CPU_F283XX, MAP_ERR_OPEN, "/dev/zero"},
-        {CPU_C167, MAP_ERR_NO_SYMBOL, " "},
-        {CPU_C167, MAP_ERR_NO_SYMBOL, "speed, u2 ; a list\n[0FA00H], u2\n"},
-        {CPU_C167, MAP_ERR_NO_SYMBOL, "0000C002   _other_processors\n"},
-        {CPU_F2803X, MAP_ERR_NO_SYMBOL, Columns({{0, "0FA00H"}, {9, "c"}, {46, "NDATA"}})},
-        {CPU_C167, MAP_ERR_NO_SYMBOL, std::string(3000, '\0') + " " + std::string(9000, 'H')}};
+        {CPU_C167, SYM_MAP_ERR_OPEN, "no/such/file"},
+        {CPU_C167, SYM_MAP_ERR_OPEN, testing::TempDir()}, // a folder
+        {CPU_C167, SYM_MAP_ERR_OPEN, "/dev/zero"},
+        {CPU_F283XX, SYM_MAP_ERR_OPEN, "/dev/zero"},
+        {CPU_C167, SYM_MAP_ERR_NO_SYMBOL, " "},
+        {CPU_C167, SYM_MAP_ERR_NO_SYMBOL, "speed, u2 ; a list\n[0FA00H], u2\n"},
+        {CPU_C167, SYM_MAP_ERR_NO_SYMBOL, "0000C002   _other_processors\n"},
+        {CPU_F2803X, SYM_MAP_ERR_NO_SYMBOL, Columns({{0, "0FA00H"}, {9, "c"}, {46, "NDATA"}})},
+        {CPU_C167, SYM_MAP_ERR_NO_SYMBOL, std::string(3000, '\0') + " " + std::string(9000, 'H')}};
     for (const auto &c : cases) {
         const bool isText = c.file.find(' ') != std::string::npos;
         Procesor = c.processor;
@@ -182,7 +182,7 @@ TEST_F(MapFiles, AFileThatCannotBeReadChangesNothing)
     Procesor = CPU_C167;
     ASSERT_EQ(0, TMSmap2node(Write("0000C002   _far\n")));
     for (int i = 0; i < 250; ++i)
-        ASSERT_EQ(MAP_ERR_NO_SYMBOL, TMSmap2node(Write("no map")));
+        ASSERT_EQ(SYM_MAP_ERR_NO_SYMBOL, TMSmap2node(Write("no map")));
     ASSERT_EQ(0, map2node(Write(Columns({{0, "0FA02H"}, {9, "own"}, {46, "NDATA"}}))));
     EXPECT_EQ(0xC002u, inStruct("&_far", aVarTMSNode, nTMSNodes));
 }

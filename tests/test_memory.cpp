@@ -44,7 +44,7 @@ protected:
     {
         Texts lines;
         for (const std::string &label : HL_GetLabels(PANEL_MEMORY, MEMORY_LIST))
-            lines.push_back(UIC_JoinColumns(label, "|"));
+            lines.push_back(UI_JoinColumns(label, "|"));
         return lines;
     }
 
@@ -241,12 +241,12 @@ TEST_F(Memory, TheMemoryBoxIsCopiedAsATable)
         SetCtrlVal(PANEL_MAIN, MAIN_MEM_TYPED, row.isTyped);
         ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
         ReadMemory(0x300, 0);
-        EXPECT_EQ(MBX_TabbedText().rfind(row.tabbed, 0), 0u) << MBX_TabbedText();
+        EXPECT_EQ(WIN_MemoryBoxText().rfind(row.tabbed, 0), 0u) << WIN_MemoryBoxText();
     }
     ResetTextBox(PANEL_MAIN, MAIN_MEM_BOX, "");
     aLItems[0].name = "&fCurrent";
     readTMSMemory(0x700);
-    const std::string table = MBX_TabbedText();
+    const std::string table = WIN_MemoryBoxText();
     EXPECT_EQ(table.substr(0, table.find('\n')), "ADDR:\thex:\tlong:\tunsign. long:\tTMS float:");
 }
 

@@ -12,7 +12,7 @@ struct ModbusLineTest : ModbusTest {
     {
         scripted = ScriptedLine();
         MBM_line = &SCRIPTED_LINE;
-        MBMSTEP_Opened();
+        MBM_NoteOpened();
         MBM_isOpen = 1;
         UCM_recS.protocol = 2;
         UCM_recS.opened = 1;
@@ -130,7 +130,7 @@ TEST_F(ModbusLineTest, EachAnswerGetsItsResultAndReason)
     const uint16_t values[] = {9, 9, 9};
     for (const auto &item : cases) {
         scripted = ScriptedLine();
-        MBMSTEP_Opened();
+        MBM_NoteOpened();
         scripted.answers = {FromHex(item.answer)};
         MBM_byExCode = 0;
         std::fill_n(registersOut, 4, uint16_t{0xAAAA});
@@ -174,7 +174,7 @@ TEST_F(ModbusLineTest, AnEchoIsReadBeforeTheAnswerAndOnlyThen)
     };
     for (const auto &item : cases) {
         scripted = ScriptedLine();
-        MBMSTEP_Opened();
+        MBM_NoteOpened();
         scripted.answers = {item.line};
         EXPECT_EQ(Ask(MBM_FN_HOLDING, 1, 0x10, 3), item.result);
         EXPECT_EQ(MBM_nFault, item.fault);

@@ -25,7 +25,7 @@ struct ModbusBadLine : ModbusTest {
         MBM_nTimeoutMs = 400;
         MBM_isEcho = faults.isEcho;
         MBM_isOpen = 1;
-        MBMSTEP_Opened();
+        MBM_NoteOpened();
         UCM_recS.protocol = 2;
         UCM_recS.opened = 1;
         UCM_ResetStatistics();
@@ -214,7 +214,7 @@ TEST_F(ModbusBadLine, AnAnsweredRequestIsAskedAnew)
     ASSERT_GE(UCM_Read(1, 0x300, sizeof bytes, bytes), 0);
     ASSERT_EQ(UCM_Prove(), UCM_PROVEN);
     virtualLine->faults.delayMs = 450;
-    ASSERT_NE(MBMSTEP_ReadProving(1, 0x500, sizeof bytes, bytes), 0);
+    ASSERT_NE(MBM_ReadProving(1, 0x500, sizeof bytes, bytes), 0);
     virtualLine->faults.delayMs = 1;
     ASSERT_GE(UCM_Read(1, 0x300, sizeof bytes, bytes), 0);
     EXPECT_EQ(memcmp(bytes, shadow[1] + 0x300, sizeof bytes), 0);

@@ -173,12 +173,12 @@ TEST(DevicePath, EnvironmentThenLinkThenSystem)
 int Save(const std::string &path, const std::string &text, bool isKept)
 {
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
     std::fwrite(text.data(), 1, text.size(), safe.file);
     if (isKept)
-        return SAF_Commit(&safe);
-    SAF_Cancel(&safe);
+        return PLT_CommitSave(&safe);
+    PLT_CancelSave(&safe);
     return 0;
 }
 
@@ -203,11 +203,11 @@ TEST(SafeFile, OldOrNewButNeverHalf)
     EXPECT_EQ(Save(dir.path + "/none/list", "x", true), -1);
     // A disk that fills up while writing: the stream is bad by the time of the commit.
     SafeFile safe;
-    ASSERT_EQ(SAF_Open(&safe, path, "wb"), 0);
+    ASSERT_EQ(PLT_BeginSave(&safe, path, "wb"), 0);
     const std::string temp = safe.tempPath;
     ASSERT_NE(std::freopen("/dev/full", "wb", safe.file), nullptr);
     std::fputs("three", safe.file);
-    EXPECT_EQ(SAF_Commit(&safe), -1);
+    EXPECT_EQ(PLT_CommitSave(&safe), -1);
     EXPECT_EQ(ReadFileText(path), "two");
     EXPECT_NE(access(temp.c_str(), F_OK), 0);
 }
@@ -245,7 +245,7 @@ TEST(SafeFile, TemporaryFilesAreMadeAnewAndCleanedUp)
     for (const std::string &name : others)
         WriteFileText(name, "mine");
     SafeFile open;
-    ASSERT_EQ(SAF_Open(&open, path, "wb"), 0);
+    ASSERT_EQ(PLT_BeginSave(&open, path, "wb"), 0);
     const std::string held = open.tempPath;
     ASSERT_EQ(Save(path, "two", true), 0);
     EXPECT_EQ(ReadFileText(path), "two");
@@ -254,7 +254,7 @@ TEST(SafeFile, TemporaryFilesAreMadeAnewAndCleanedUp)
     for (const std::string &name : others)
         EXPECT_EQ(ReadFileText(name), "mine") << name;
     std::fputs("three", open.file);
-    EXPECT_EQ(SAF_Commit(&open), 0);
+    EXPECT_EQ(PLT_CommitSave(&open), 0);
     EXPECT_EQ(ReadFileText(path), "three");
     EXPECT_FALSE(exists(held));
 }
@@ -265,12 +265,12 @@ TEST(SafeFile, LongNamesAreSavedAndCleanedUpToo)
     const std::string first = dir.path + "/" + std::string(254, 'n') + "1";
     const std::string second = dir.path + "/" + std::string(254, 'n') + "2";
     SafeFile one, two;
-    ASSERT_EQ(SAF_Open(&one, first, "wb"), 0);
-    ASSERT_EQ(SAF_Open(&two, second, "wb"), 0);
+    ASSERT_EQ(PLT_BeginSave(&one, first, "wb"), 0);
+    ASSERT_EQ(PLT_BeginSave(&two, second, "wb"), 0);
     EXPECT_NE(one.tempPath, two.tempPath);
     std::fputs("1", one.file);
     std::fputs("2", two.file);
-    EXPECT_EQ(SAF_Commit(&one) + SAF_Commit(&two), 0);
+    EXPECT_EQ(PLT_CommitSave(&one) + PLT_CommitSave(&two), 0);
     EXPECT_EQ(ReadFileText(first) + ReadFileText(second), "12");
     EXPECT_EQ(Save(dir.path + "/" + std::string(256, 'n'), "x", true), -1); // the system's limit
 }
@@ -284,7 +284,7 @@ TEST(SafeFile, WriteProtectedFilesAreReplacedOnlyOnDemand)
     WriteFileText(path, "kept");
     ASSERT_EQ(chmod(path.c_str(), 0444), 0);
     EXPECT_EQ(Save(path, "new", true), -1); // nobody to ask
-    SAF_SetQuestion([](const std::string &name) {
+    PLT_SetSaveQuestion([](const std::string &name) {
         asked += name.find("list.dbg") != std::string::npos;
         return answer;
     });
@@ -293,7 +293,7 @@ TEST(SafeFile, WriteProtectedFilesAreReplacedOnlyOnDemand)
         EXPECT_EQ(Save(path, "new", true), yes ? 0 : -1);
         EXPECT_EQ(ReadFileText(path), yes ? "new" : "kept");
     }
-    SAF_SetQuestion(nullptr);
+    PLT_SetSaveQuestion(nullptr);
     EXPECT_EQ(asked, 2);
     struct stat status;
     ASSERT_EQ(stat(path.c_str(), &status), 0);

@@ -31,18 +31,18 @@ protected:
     void TearDown() override
     {
         HL_PushAnswer(1);
-        RCW_Stop();
+        REC_StopWatch();
     }
     static void tick(int count)
     {
         for (int i = 0; i < count; ++i)
             timerCB(PANEL_MAIN, MAIN_TIMER, EVENT_TIMER_TICK, 0);
     }
-    RDR_Recording open(const std::string &name)
+    REC_Recording open(const std::string &name)
     {
-        RDR_Recording recording;
+        REC_Recording recording;
         std::string problem;
-        EXPECT_EQ(RDR_Open(name, &recording, &problem), 0) << problem;
+        EXPECT_EQ(REC_OpenRecording(name, &recording, &problem), 0) << problem;
         return recording;
     }
 };
@@ -55,7 +55,7 @@ TEST_F(RecordWatch, TheMenuRecordsMarksAndFollowsTheList)
     ResetLItemsDisplay();
     ASSERT_TRUE(connect());
     poke(0x8002, 0xFFFF, 2);
-    RCW_ShowCommunication();
+    REC_ShowCommunication();
     EXPECT_EQ(UiItemAttribute(ITEM_RECORD_MARK, ATTR_DIMMED), 1);
     HL_PushAnswer(1, "mark when [0x8000] jumps");
     HL_PushAnswer(1, "mark when [0x8000] > 5");
@@ -63,29 +63,29 @@ TEST_F(RecordWatch, TheMenuRecordsMarksAndFollowsTheList)
     EXPECT_EQ(HL_CountAnswers(), 0) << "the wrong one was asked for again";
     HL_PushAnswer(1, path("r.csv"));
     HL_ClickMenu(ITEM_RECORD);
-    ASSERT_TRUE(RCW_IsRunning());
+    ASSERT_TRUE(REC_IsWatchRecorded());
     EXPECT_EQ(UiItemAttribute(ITEM_RECORD, ATTR_CHECKED), 1);
     EXPECT_EQ(UiItemAttribute(ITEM_RECORD_MARK, ATTR_DIMMED), 0);
     tick(6);
     HL_PushAnswer(1, "door opened");
     HL_ClickMenu(ITEM_RECORD_MARK);
     ASSERT_EQ(load("[0x8000], u2\n"), 0); // another list: its columns go into another file
-    RCW_Record();
+    REC_RecordWatch();
     const std::string message = UiText(PANEL_MAIN, MAIN_MESSAGE);
     EXPECT_TRUE(Has(message, "goes on in " + path("r-")));
     VIR2_StopPeriodicASC();
     HL_ClickMenu(ITEM_RECORD);
-    EXPECT_FALSE(RCW_IsRunning());
+    EXPECT_FALSE(REC_IsWatchRecorded());
     EXPECT_EQ(UiItemAttribute(ITEM_RECORD, ATTR_CHECKED), 0);
-    const RDR_Recording first = open(path("r.csv"));
+    const REC_Recording first = open(path("r.csv"));
     ASSERT_EQ(first.columns.size(), 3u);
     ASSERT_GE(first.rows, 1u);
-    RDR_Curves curves;
-    RDR_Read(first, 0, 1e9, {1}, 1000, &curves);
+    REC_Curves curves;
+    REC_ReadCurves(first, 0, 1e9, {1}, 1000, &curves);
     EXPECT_EQ(curves.values[0][0], -1);
     ASSERT_EQ(first.notes.size(), 2u);
     EXPECT_EQ(first.notes[0].kind + first.notes[0].text, "markerdoor opened");
-    const RDR_Recording second =
+    const REC_Recording second =
         open(message.substr(message.find(path("r-")), path("r-20260101-000000.csv").size()));
     EXPECT_EQ(second.columns.size(), 1u);
     EXPECT_EQ(second.notes.back().text, "communication was switched off");
@@ -199,11 +199,11 @@ struct RecordProgram : testing::Test {
                 return true;
         return false;
     }
-    RDR_Recording Read()
+    REC_Recording Read()
     {
-        RDR_Recording recording;
+        REC_Recording recording;
         std::string problem;
-        EXPECT_EQ(RDR_Open(folder / "r.csv", &recording, &problem), 0) << problem;
+        EXPECT_EQ(REC_OpenRecording(folder / "r.csv", &recording, &problem), 0) << problem;
         return recording;
     }
 };
@@ -221,15 +221,16 @@ TEST_F(RecordProgram, AKillLeavesAFileThatOpens)
         usleep(static_cast<useconds_t>(random() % 700000));
         const int64_t killedMs = PLT_UtcMs();
         End(SIGKILL);
-        const RDR_Recording recording = Read();
+        const REC_Recording recording = Read();
         ASSERT_GT(recording.rows, 0u) << round;
         ASSERT_EQ(recording.badLines + recording.backward, 0u) << round;
         if (wished != nullptr) { // by hand, on a machine that has the time
             const std::string head = ReadFileText(folder / "r.csv").substr(0, 200);
             const std::string start = head.substr(head.find("start, ") + 7, 24);
-            CVT_Table table;
-            table.form = CVT_DATE;
-            const double begun = CVT_Time(table, {start.data(), start.data() + start.size()});
+            REC_Table table;
+            table.form = REC_TIME_DATE;
+            const double begun =
+                REC_ParseCellTime(table, {start.data(), start.data() + start.size()});
             const double missing = static_cast<double>(killedMs) / 1000 - begun - recording.timeMax;
             RecordProperty("missing" + std::to_string(round), std::to_string(missing));
             EXPECT_LT(missing, 1.0) << round;

@@ -43,7 +43,7 @@ struct Recording : testing::Test {
     }
     int Put(int64_t timeUs, uint64_t value, bool isSecondGood = true)
     {
-        const uint8_t failed = SST_StateOf(&store, "no answer");
+        const uint8_t failed = SMP_StateOf(&store, "no answer");
         const SMP_Sample row[] = {{timeUs, value, SMP_GOOD},
                                   {timeUs, 0x3DCCCCCD, isSecondGood ? SMP_GOOD : failed}};
         return REC_PutRow(&recorder, timeUs, row, store);
@@ -53,21 +53,21 @@ struct Recording : testing::Test {
         const std::string text = ReadFileText(path);
         return text.substr(text.find("time,iso"));
     }
-    static RDR_Recording Open(const std::string &text)
+    static REC_Recording Open(const std::string &text)
     {
         WriteFileText("open.csv", text);
-        RDR_Recording recording;
+        REC_Recording recording;
         std::string problem;
-        EXPECT_EQ(RDR_Open("open.csv", &recording, &problem), 0) << problem;
+        EXPECT_EQ(REC_OpenRecording("open.csv", &recording, &problem), 0) << problem;
         return recording;
     }
-    static RDR_Curves All(const RDR_Recording &recording, size_t pointsMax = 100000)
+    static REC_Curves All(const REC_Recording &recording, size_t pointsMax = 100000)
     {
         std::vector<size_t> columns;
         for (size_t i = 0; i < recording.columns.size(); ++i)
             columns.push_back(i);
-        RDR_Curves curves;
-        EXPECT_EQ(RDR_Read(recording, -1e300, 1e300, columns, pointsMax, &curves), 0);
+        REC_Curves curves;
+        EXPECT_EQ(REC_ReadCurves(recording, -1e300, 1e300, columns, pointsMax, &curves), 0);
         return curves;
     }
 };
@@ -95,13 +95,13 @@ TEST_F(Recording, holdsHeadRowsFailuresAndNotes)
     EXPECT_TRUE(Has(rows, "; 1.500000, failed, a, \"b\": no answer\r\n1.500000,"));
     EXPECT_TRUE(Has(rows, ",5,\r\n2.500000,")) << "told once";
     EXPECT_TRUE(Has(rows, "; 2.600000, marker, door.open\r\n"));
-    const RDR_Recording read = Open(text);
+    const REC_Recording read = Open(text);
     ASSERT_EQ(read.columns.size(), 2u);
     EXPECT_EQ(read.columns[1].name, "a, \"b\"");
     EXPECT_EQ(read.columns[0].type, "i2");
     EXPECT_EQ(read.notes.back().text, "door.open");
     EXPECT_DOUBLE_EQ(read.notes.back().time, 2.6);
-    const RDR_Curves curves = All(read);
+    const REC_Curves curves = All(read);
     EXPECT_EQ(curves.values[0], (std::vector<double>{-2, 5, 6}));
     EXPECT_TRUE(std::isnan(curves.values[1][1]));
     EXPECT_EQ(REC_Open(&recorder, options, items, 0), REC_ERR_EXISTS);
@@ -118,7 +118,7 @@ TEST_F(Recording, aClockThatIsSetBackLeavesTheTimesInOrder)
     REC_Close(&recorder);
     const std::string rows = Rows();
     EXPECT_TRUE(Has(rows, "clock, the system's clock is -3600.0 s off"));
-    const RDR_Recording read = Open(ReadFileText("run.csv"));
+    const REC_Recording read = Open(ReadFileText("run.csv"));
     EXPECT_EQ(read.rows, 9u);
     EXPECT_EQ(read.backward, 0u);
     EXPECT_EQ(read.notes.size(), 1u);
@@ -143,7 +143,7 @@ TEST_F(Recording, filesFollowEachOtherBySizeTimeAndItems)
     EXPECT_GT(paths.size(), 4u);
     double last = -1;
     for (const std::string &path : paths) { // one second: the names differ all the same
-        const RDR_Recording read = Open(ReadFileText(path));
+        const REC_Recording read = Open(ReadFileText(path));
         EXPECT_EQ(read.columns.size(), path == paths.back() ? 1u : 2u);
         EXPECT_GT(read.timeMin, last);
         last = read.timeMax;
@@ -181,7 +181,7 @@ TEST_F(Recording, aFullDiskEndsItAndKeepsWhatIsThere)
     EXPECT_FALSE(recorder.isOpen);
     EXPECT_TRUE(Has(recorder.problem, "run.csv"));
     EXPECT_EQ(Put(0, 1), 0); // and nothing more happens
-    const RDR_Recording read = Open(ReadFileText("run.csv"));
+    const REC_Recording read = Open(ReadFileText("run.csv"));
     EXPECT_GE(read.rows + 2, static_cast<uint64_t>(rows));
 }
 
@@ -193,8 +193,8 @@ TEST_F(Recording, opensUpToAnyCutAndInventsNoValue)
     REC_Close(&recorder);
     const std::string text = ReadFileText("run.csv");
     for (size_t size = text.find("time,iso") + 30; size < text.size(); ++size) {
-        const RDR_Recording read = Open(text.substr(0, size));
-        const RDR_Curves curves = All(read);
+        const REC_Recording read = Open(text.substr(0, size));
+        const REC_Curves curves = All(read);
         ASSERT_EQ(read.badLines, 0u) << size;
         ASSERT_EQ(curves.times.size(), read.rows) << size;
         for (size_t row = 0; row < curves.times.size(); ++row)
@@ -243,8 +243,8 @@ TEST_F(Recording, filesOfOtherToolsOpen)
          {7, 8}},
     };
     for (const Case &row : cases) {
-        const RDR_Recording read = Open(row.text);
-        const RDR_Curves curves = All(read);
+        const REC_Recording read = Open(row.text);
+        const REC_Curves curves = All(read);
         EXPECT_EQ(curves.times, row.times) << row.what;
         ASSERT_EQ(curves.values[0].size(), row.first.size()) << row.what;
         for (size_t i = 0; i < row.first.size(); ++i)
@@ -252,15 +252,15 @@ TEST_F(Recording, filesOfOtherToolsOpen)
                                                  : curves.values[0][i] == row.first[i])
                 << row.what;
     }
-    RDR_Recording kept = Open("time,x\n1,2\n");
+    REC_Recording kept = Open("time,x\n1,2\n");
     std::string problem;
     for (const char *text :
          {"", "hello\n", "a,b\nc,d\n", "time\n1\n", "time,x\n", "; only\n", "\0\0\0\0,\0\n"}) {
         WriteFileText("open.csv", text);
-        EXPECT_EQ(RDR_Open("open.csv", &kept, &problem), RDR_ERR_NO_TABLE) << text;
+        EXPECT_EQ(REC_OpenRecording("open.csv", &kept, &problem), REC_READ_ERR_NO_TABLE) << text;
         EXPECT_EQ(kept.rows, 1u) << "as it was";
     }
-    EXPECT_EQ(RDR_Open("nowhere.csv", &kept, &problem), RDR_ERR_OPEN);
+    EXPECT_EQ(REC_OpenRecording("nowhere.csv", &kept, &problem), REC_READ_ERR_OPEN);
 }
 
 TEST_F(Recording, aLargeFileIsSeenWholeAndInDetailInBoundedMemory)
@@ -269,39 +269,39 @@ TEST_F(Recording, aLargeFileIsSeenWholeAndInDetailInBoundedMemory)
     constexpr int ROWS = 300000;
     for (int i = 0; i < ROWS; ++i)
         text += std::to_string(i) + "," + (i == 123457 ? "1e6" : i % 2 != 0 ? "-1" : "1") + ",5\n";
-    const RDR_Recording read = Open(text);
+    const REC_Recording read = Open(text);
     EXPECT_EQ(read.rows, static_cast<uint64_t>(ROWS));
-    EXPECT_LE(read.stretches.size(), RDR_STRETCHES_MAX);
+    EXPECT_LE(read.stretches.size(), REC_STRETCHES_MAX);
     uint64_t inPicture = 0;
-    for (const RDR_Stretch &stretch : read.stretches)
+    for (const REC_Stretch &stretch : read.stretches)
         inPicture += stretch.rows;
     EXPECT_EQ(inPicture, read.rows);
-    RDR_Curves curves;
+    REC_Curves curves;
     // A single sample in 300,000 is seen in 1,000 points, from the picture and from the file.
     for (const size_t points : {size_t{1000}, size_t{200000}}) {
-        ASSERT_EQ(RDR_Read(read, 0, ROWS, {0}, points, &curves), 0);
+        ASSERT_EQ(REC_ReadCurves(read, 0, ROWS, {0}, points, &curves), 0);
         EXPECT_TRUE(curves.isDecimated);
         EXPECT_LE(curves.times.size(), points + 2);
         EXPECT_EQ(*std::max_element(curves.values[0].begin(), curves.values[0].end()), 1e6);
         EXPECT_EQ(*std::min_element(curves.values[0].begin(), curves.values[0].end()), -1);
         EXPECT_TRUE(std::is_sorted(curves.times.begin(), curves.times.end()));
     }
-    ASSERT_EQ(RDR_Read(read, 123456, 123458, {0, 1}, 1000, &curves), 0);
+    ASSERT_EQ(REC_ReadCurves(read, 123456, 123458, {0, 1}, 1000, &curves), 0);
     EXPECT_FALSE(curves.isDecimated);
     const auto at = std::find(curves.times.begin(), curves.times.end(), 123457.0);
     ASSERT_NE(at, curves.times.end());
     EXPECT_EQ(curves.values[0][static_cast<size_t>(at - curves.times.begin())], 1e6);
     EXPECT_LT(curves.times.size(), 40u);
-    RDR_Recording other;
+    REC_Recording other;
     std::string problem;
     WriteFileText("large.csv", text + text.substr(12) + text.substr(12));
-    EXPECT_EQ(RDR_Open("large.csv", &other, &problem, [](void *, int) { return false; }),
-              RDR_ERR_CANCELLED);
+    EXPECT_EQ(REC_OpenRecording("large.csv", &other, &problem, [](void *, int) { return false; }),
+              REC_READ_ERR_CANCELLED);
     EXPECT_TRUE(other.columns.empty());
-    ASSERT_EQ(RDR_Open("large.csv", &other, &problem), 0);
+    ASSERT_EQ(REC_OpenRecording("large.csv", &other, &problem), 0);
     EXPECT_GT(other.backward, 0u);
-    WriteFileText("long.csv", "time,x\n1,2\n" + std::string(5 * RDR_LINE_MAX, '7') + ",9\n3,4\n");
-    ASSERT_EQ(RDR_Open("long.csv", &other, &problem), 0);
+    WriteFileText("long.csv", "time,x\n1,2\n" + std::string(5 * REC_LINE_MAX, '7') + ",9\n3,4\n");
+    ASSERT_EQ(REC_OpenRecording("long.csv", &other, &problem), 0);
     EXPECT_EQ(other.rows, 2u);
     EXPECT_EQ(other.badLines, 1u);
 }
@@ -328,21 +328,21 @@ TEST(Trigger, firesWhenItsConditionBegins)
         {"mark when y > 0", {5, 5}, ".."},
     };
     for (const Case &row : cases) {
-        TRG_Trigger trigger;
+        SMP_Trigger trigger;
         std::string problem, fires;
-        ASSERT_EQ(TRG_Parse(row.line, &trigger, &problem), 0) << row.line << problem;
+        ASSERT_EQ(SMP_ParseTrigger(row.line, &trigger, &problem), 0) << row.line << problem;
         for (const double value : row.values) {
             const int whole = std::isnan(value) ? 0 : static_cast<int>(value);
             const SMP_Sample sample = {0, static_cast<uint64_t>(whole),
                                        static_cast<uint8_t>(std::isnan(value))};
-            fires += TRG_Feed(&trigger, {Item("x")}, &sample) ? '!' : '.';
+            fires += SMP_FeedTrigger(&trigger, {Item("x")}, &sample) ? '!' : '.';
         }
         EXPECT_EQ(fires, row.fires) << row.line;
     }
-    TRG_Trigger trigger;
+    SMP_Trigger trigger;
     std::string problem;
     for (const char *line :
          {"", "mark", "jump when x > 1", "mark if x > 1", "mark when x > ", "mark when x > 1 2",
           "mark when x fails 3", "mark when x >> 1", "mark when x > nan"})
-        EXPECT_EQ(TRG_Parse(line, &trigger, &problem), -1) << line;
+        EXPECT_EQ(SMP_ParseTrigger(line, &trigger, &problem), -1) << line;
 }

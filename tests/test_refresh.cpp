@@ -336,38 +336,39 @@ TEST_F(Refresh, TypedValues)
                  {"t", "2h", 120}};
     for (const auto &c : cases) {
         LItem item;
-        VTY_SetFromField(&item, c.type);
-        EXPECT_EQ(WRV_Parse(item, c.text, &bits, &message), WRV_OK) << c.type << ' ' << c.text;
+        VAL_SetFromField(&item, c.type);
+        EXPECT_EQ(VAL_ParseFor(item, c.text, &bits, &message), VAL_WRITE_OK)
+            << c.type << ' ' << c.text;
         EXPECT_EQ(bits, c.bits) << c.type << ' ' << c.text;
     }
     const struct {
         int result;
         const char *type;
         std::vector<const char *> texts;
-    } refused[] = {{WRV_ERR_RANGE, "i2", {"-32769", "32768", "0x10000"}},
-                   {WRV_ERR_RANGE, "i8", {"9223372036854775808"}},
-                   {WRV_ERR_RANGE, "u1", {"256", "-1"}},
-                   {WRV_ERR_RANGE, "u8", {"18446744073709551616"}},
-                   {WRV_ERR_RANGE, "x2", {"10000"}},
-                   {WRV_ERR_RANGE, "b", {"1 0000 0000"}},
-                   {WRV_ERR_RANGE, "f", {"4e38", "1e999"}},
-                   {WRV_ERR_RANGE, "t", {"16777216", "20000d"}},
-                   {WRV_ERR_TEXT, "u1", {"1e2", "", "0x", "12 3"}},
-                   {WRV_ERR_TEXT, "u8", {"18446744073709551616z"}},
-                   {WRV_ERR_TEXT, "b", {"12", "b"}},
-                   {WRV_ERR_TEXT, "f", {"1,5", "nan"}},
-                   {WRV_ERR_TEXT, "t", {"1h 5", "5m 1h"}}};
+    } refused[] = {{VAL_WRITE_ERR_RANGE, "i2", {"-32769", "32768", "0x10000"}},
+                   {VAL_WRITE_ERR_RANGE, "i8", {"9223372036854775808"}},
+                   {VAL_WRITE_ERR_RANGE, "u1", {"256", "-1"}},
+                   {VAL_WRITE_ERR_RANGE, "u8", {"18446744073709551616"}},
+                   {VAL_WRITE_ERR_RANGE, "x2", {"10000"}},
+                   {VAL_WRITE_ERR_RANGE, "b", {"1 0000 0000"}},
+                   {VAL_WRITE_ERR_RANGE, "f", {"4e38", "1e999"}},
+                   {VAL_WRITE_ERR_RANGE, "t", {"16777216", "20000d"}},
+                   {VAL_WRITE_ERR_TEXT, "u1", {"1e2", "", "0x", "12 3"}},
+                   {VAL_WRITE_ERR_TEXT, "u8", {"18446744073709551616z"}},
+                   {VAL_WRITE_ERR_TEXT, "b", {"12", "b"}},
+                   {VAL_WRITE_ERR_TEXT, "f", {"1,5", "nan"}},
+                   {VAL_WRITE_ERR_TEXT, "t", {"1h 5", "5m 1h"}}};
     for (const auto &c : refused)
         for (const char *text : c.texts) {
             LItem item;
-            VTY_SetFromField(&item, c.type);
+            VAL_SetFromField(&item, c.type);
             message.clear();
-            EXPECT_EQ(WRV_Parse(item, text, &bits, &message), c.result) << c.type << ' ' << text;
+            EXPECT_EQ(VAL_ParseFor(item, text, &bits, &message), c.result) << c.type << ' ' << text;
             EXPECT_NE(message, "") << text;
         }
-    WRV_Parse(itemOf('i', 2, 0), "70000", &bits, &message);
+    VAL_ParseFor(itemOf('i', 2, 0), "70000", &bits, &message);
     EXPECT_TRUE(Has(message, "-32768 to 32767"));
-    EXPECT_EQ(WRV_Parse(itemOf('f', 4, 0, "&A"), "-1", &bits, &message), 0);
+    EXPECT_EQ(VAL_ParseFor(itemOf('f', 4, 0, "&A"), "-1", &bits, &message), 0);
     EXPECT_EQ(bits, 0xFF800000);
 }
 
@@ -380,10 +381,10 @@ TEST_F(Refresh, TheMailboxOfAnotherStationIsThatStations)
     SIM_PokeTMS(target, STATION + 1, 0x400, 222);
     ASSERT_EQ(load("&Torque, u4\n"), 0);
     aLItems[0].station = STATION + 1;
-    ASSERT_EQ(RDI_ReadNow(0), 0);
+    ASSERT_EQ(RFR_ReadItemNow(0), 0);
     EXPECT_EQ(aLItems[0].value, 222u);
     std::string message;
-    EXPECT_EQ(WRV_Write(0, "333", &message), WRV_OK) << message;
+    EXPECT_EQ(VAL_Write(0, "333", &message), VAL_WRITE_OK) << message;
     EXPECT_EQ(SIM_PeekTMS(target, STATION + 1, 0x400), 333u);
     EXPECT_EQ(SIM_PeekTMS(target, STATION, 0x400), 111u);
     EXPECT_EQ(STATION, 1);
@@ -406,31 +407,31 @@ TEST_F(Refresh, WritingValues)
     for (const auto &c : cases) {
         ASSERT_EQ(load(std::string(c.line) + "\n"), 0);
         std::string message;
-        EXPECT_EQ(WRV_Write(0, c.text, &message), WRV_OK) << message;
+        EXPECT_EQ(VAL_Write(0, c.text, &message), VAL_WRITE_OK) << message;
         uint64_t memory = 0;
         SIM_Peek(target, STATION, 0x8000, &memory, sizeof memory);
         EXPECT_EQ(memory, c.memory) << c.line;
     }
     std::string message;
     ASSERT_EQ(load("&[400], t\n5:Far, [8000], u2\nNobody, u2\n"), 0);
-    EXPECT_EQ(WRV_Write(0, "2m", &message), WRV_OK) << message;
+    EXPECT_EQ(VAL_Write(0, "2m", &message), VAL_WRITE_OK) << message;
     EXPECT_EQ(SIM_PeekTMS(target, STATION, 0x400), 0x99000002u);
-    EXPECT_EQ(WRV_Write(1, "258", &message), WRV_OK);
+    EXPECT_EQ(VAL_Write(1, "258", &message), VAL_WRITE_OK);
     EXPECT_EQ(message, "Written. The target holds 258.");
     uint8_t byte = 0;
     SIM_Peek(target, 5, 0x8001, &byte, 1);
     EXPECT_EQ(byte, 1);
-    EXPECT_EQ(WRV_Write(2, "1", &message), WRV_ERR_ADDRESS);
+    EXPECT_EQ(VAL_Write(2, "1", &message), VAL_WRITE_ERR_ADDRESS);
     const int last = EDT_AddText("$FFFFFD", "u4", EDT_AT_END);
     const uint64_t before = SIM_GetCounters(target).requests;
-    EXPECT_EQ(WRV_Write(last, "1", &message), WRV_ERR_ADDRESS) << "it would end beyond";
+    EXPECT_EQ(VAL_Write(last, "1", &message), VAL_WRITE_ERR_ADDRESS) << "it would end beyond";
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
     EDT_Remove(last);
-    EXPECT_EQ(WRV_Write(3, "1", &message), WRV_ERR_INDEX);
+    EXPECT_EQ(VAL_Write(3, "1", &message), VAL_WRITE_ERR_INDEX);
     failWith(0, 70);
-    EXPECT_EQ(WRV_Write(1, "2", &message), WRV_ERR_READ_BACK);
+    EXPECT_EQ(VAL_Write(1, "2", &message), VAL_WRITE_ERR_READ_BACK);
     failWith(8, 70);
-    EXPECT_EQ(WRV_Write(1, "2", &message), WRV_ERR_WRITE);
+    EXPECT_EQ(VAL_Write(1, "2", &message), VAL_WRITE_ERR_WRITE);
     EXPECT_TRUE(Has(message, "not written"));
 }
 

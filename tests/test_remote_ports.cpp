@@ -194,21 +194,21 @@ TEST(RemotePorts, GetTheFirstFreeNumberAndKeepIt)
     setenv("VIREO2_COM1", "/dev/null", 1);
     const std::string address = "tcp:server:4001";
     int number = 0, again = 0;
-    ASSERT_EQ(0, PTL_Use(address, &number));
+    ASSERT_EQ(0, SER_PortUse(address, &number));
     EXPECT_GT(number, 1);
-    ASSERT_EQ(0, PTL_Use(address, &again));
+    ASSERT_EQ(0, SER_PortUse(address, &again));
     EXPECT_EQ(number, again);
-    ASSERT_EQ(0, PTL_Use("tcp:server:4002", &again));
+    ASSERT_EQ(0, SER_PortUse("tcp:server:4002", &again));
     EXPECT_EQ(number + 1, again);
     EXPECT_EQ(address, SER_DevicePath(number));
     bool isListed = false;
-    for (const PTL_Port &port : PTL_List())
+    for (const SER_PortEntry &port : SER_ListPorts())
         isListed = isListed || (port.number == number && port.device == address);
     EXPECT_TRUE(isListed);
-    EXPECT_EQ(0, RMP_SetAddress(number, ""));
+    EXPECT_EQ(0, TCP_SetPortAddress(number, ""));
     EXPECT_NE(address, SER_DevicePath(number));
     setenv("XDG_CONFIG_HOME", "/dev/null", 1);
-    EXPECT_EQ(PTL_ERR_WRITE, PTL_Use(address, &number));
+    EXPECT_EQ(SER_PORT_ERR_WRITE, SER_PortUse(address, &number));
     unsetenv("XDG_CONFIG_HOME");
     unsetenv("VIREO2_COM1");
 }

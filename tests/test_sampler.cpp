@@ -19,7 +19,7 @@ struct FakeLine {
     std::map<uint32_t, uint64_t> moreUs; // of addresses
     std::vector<uint32_t> asked;         // addresses
     std::set<int> silent;                // stations
-    GRP_Range refused = {1, 0};          // nobody may read here
+    UCM_Range refused = {1, 0};          // nobody may read here
     int proof = UCM_PROVEN;
     uint32_t doubts = 0;
     int proofs = 0;
@@ -114,7 +114,7 @@ struct Sampler : ProgramTest {
     }
     std::string ReasonOf(size_t row, size_t item)
     {
-        return SST_ReasonText(sampler.store, told.rows[row][item].state);
+        return SMP_ReasonText(sampler.store, told.rows[row][item].state);
     }
 };
 
@@ -191,25 +191,25 @@ TEST_F(Sampler, whatIsOnTheDiskIsNeverASecondOld)
 {
     const ScratchFolder folder{true};
     for (const int periodMs : {0, 50, 700}) {
-        RCJ_Job job;
+        REC_Job job;
         REC_Options options;
         options.path = "r.csv";
         options.mayReplace = true;
         options.utcMs = [] { return static_cast<int64_t>(wire.nowUs / 1000); };
         std::string problem;
-        ASSERT_EQ(RCJ_Start(&job, {Word(0x100), Word(0x900)}, periodMs, options, {}, RCJ_Listener(),
-                            &problem, &LINE),
+        ASSERT_EQ(REC_StartJob(&job, {Word(0x100), Word(0x900)}, periodMs, options, {},
+                               REC_JobListener(), &problem, &LINE),
                   0);
         const uint64_t begin = wire.nowUs;
         for (int i = 0; i < 400; ++i) {
-            wire.nowUs += static_cast<uint64_t>(std::min<int64_t>(RCJ_Step(&job), 100000));
-            RDR_Recording onDisk;
-            ASSERT_EQ(RDR_Open("r.csv", &onDisk, &problem), 0) << problem;
+            wire.nowUs += static_cast<uint64_t>(std::min<int64_t>(REC_StepJob(&job), 100000));
+            REC_Recording onDisk;
+            ASSERT_EQ(REC_OpenRecording("r.csv", &onDisk, &problem), 0) << problem;
             const double now = static_cast<double>(wire.nowUs - begin) / 1e6;
             const double allowed = std::max(periodMs / 1000.0, 0.2) + 0.8;
             ASSERT_LT(now - onDisk.timeMax, allowed) << periodMs;
         }
-        EXPECT_EQ(RCJ_Stop(&job), 0);
+        EXPECT_EQ(REC_StopJob(&job), 0);
     }
 }
 
@@ -350,26 +350,26 @@ TEST_F(Sampler, aRateIsTheChangeASecondAndWrapsWithItsSize)
 TEST(SampleStore, keepsTheNewestAndFindsTimes)
 {
     SMP_Store store;
-    SST_SetItems(&store, {Word(0)}, 100);
+    SMP_SetStoreItems(&store, {Word(0)}, 100);
     for (int i = 0; i < 250; ++i)
-        SST_Add(&store, 0,
-                {i * 1000, static_cast<uint64_t>(i),
-                 i % 10 == 3 ? SST_StateOf(&store, "no answer") : SMP_GOOD});
+        SMP_AddRow(&store, 0,
+                   {i * 1000, static_cast<uint64_t>(i),
+                    i % 10 == 3 ? SMP_StateOf(&store, "no answer") : SMP_GOOD});
     EXPECT_EQ(store.rings[0].first, 150u);
     EXPECT_EQ(store.rings[0].end, 250u);
     for (uint64_t number = 150; number < 250; ++number)
-        ASSERT_EQ(SST_Get(store, 0, number).timeUs, static_cast<int64_t>(number) * 1000);
-    EXPECT_EQ(SST_FindTime(store, 0, 0), 150u);
-    EXPECT_EQ(SST_FindTime(store, 0, 200001), 201u);
-    EXPECT_EQ(SST_FindTime(store, 0, 250000), 250u);
+        ASSERT_EQ(SMP_GetSample(store, 0, number).timeUs, static_cast<int64_t>(number) * 1000);
+    EXPECT_EQ(SMP_FindTime(store, 0, 0), 150u);
+    EXPECT_EQ(SMP_FindTime(store, 0, 200001), 201u);
+    EXPECT_EQ(SMP_FindTime(store, 0, 250000), 250u);
     std::vector<double> seconds, values;
-    SST_Copy(store, 0, 0, 999, 100000, &seconds, &values);
+    SMP_CopySamples(store, 0, 0, 999, 100000, &seconds, &values);
     ASSERT_EQ(values.size(), 100u);
     EXPECT_DOUBLE_EQ(seconds[0], 0.05);
     EXPECT_TRUE(std::isnan(values[3]));
     EXPECT_DOUBLE_EQ(values[99], 249);
     for (int i = 0; i < 400; ++i)
-        SST_StateOf(&store, "reason " + std::to_string(i));
-    EXPECT_EQ(SST_ReasonText(store, SST_StateOf(&store, "one more")), "failed for another reason");
-    EXPECT_EQ(SST_ReasonText(store, SST_StateOf(&store, "no answer")), "no answer");
+        SMP_StateOf(&store, "reason " + std::to_string(i));
+    EXPECT_EQ(SMP_ReasonText(store, SMP_StateOf(&store, "one more")), "failed for another reason");
+    EXPECT_EQ(SMP_ReasonText(store, SMP_StateOf(&store, "no answer")), "no answer");
 }

@@ -139,16 +139,16 @@ TEST(PlotThin, ColumnsHoldEveryExtreme)
         x[i] = static_cast<double>(i);
         y[i] = random() % 50 == 0 ? GAP : static_cast<double>(random() % 100000);
     }
-    const PTH_Curve curve = PTH_Make(Share(x), Share(y));
+    const PLOT_ThinCurve curve = PLOT_MakeThinCurve(Share(x), Share(y));
     for (const auto &[from, to] : {std::pair(0.0, 4999.0),
                                    {130.5, 4711.0},
                                    {-500.0, 900.0},
                                    {4990.0, 9000.0},
                                    {6000.0, 7000.0}}) {
-        std::vector<PTH_Column> columns;
-        PTH_Thin(curve, from, to, PIXELS, &columns);
+        std::vector<PLOT_Column> columns;
+        PLOT_ThinOut(curve, from, to, PIXELS, &columns);
         size_t seen = 0;
-        for (const PTH_Column &column : columns) {
+        for (const PLOT_Column &column : columns) {
             double low = INFINITY, high = -INFINITY;
             const double left = from + (to - from) * column.pixel / PIXELS;
             const double right = from + (to - from) * (column.pixel + 1) / PIXELS;
@@ -207,17 +207,17 @@ TEST(ScopeSpectrum, FindsLinesBetweenTheBins)
             std::vector<double> samples(count);
             for (size_t i = 0; i < count; ++i)
                 samples[i] = 100 + 7 * std::sin(2 * M_PI * wanted * static_cast<double>(i) / RATE);
-            SPC_Spectrum spectrum;
-            ASSERT_EQ(SPC_Make(samples, RATE, &spectrum), 0);
+            SCP_Spectrum spectrum;
+            ASSERT_EQ(SCP_MakeSpectrum(samples, RATE, &spectrum), 0);
             EXPECT_NEAR(spectrum.peakHz, wanted, 0.6) << count;
             EXPECT_NEAR(spectrum.peak, 7, 0.3) << count << " " << wanted;
             EXPECT_EQ(spectrum.frequencies.size(), spectrum.amplitudes.size());
             samples[3] = GAP;
-            EXPECT_EQ(SPC_Make(samples, RATE, &spectrum), -1);
+            EXPECT_EQ(SCP_MakeSpectrum(samples, RATE, &spectrum), -1);
         }
     }
-    SPC_Spectrum still;
-    ASSERT_EQ(SPC_Make(std::vector<double>(100, 3.0), RATE, &still), 0);
+    SCP_Spectrum still;
+    ASSERT_EQ(SCP_MakeSpectrum(std::vector<double>(100, 3.0), RATE, &still), 0);
     EXPECT_NEAR(still.peak, 0, 1e-12);
 }
 

@@ -20,7 +20,7 @@ protected:
         ASSERT_EQ(ReadMap((EXAMPLES + "demo.m66").c_str()), 0);
         openStruct = OPEN_MAP_FILE;
         ASSERT_EQ(TMF_OpenMap((EXAMPLES + "demo.tmf").c_str()), 0);
-        VSL_SymbolsChanged();
+        SEL_SymbolsChanged();
     }
 
     static std::string names(int panel, int list)
@@ -61,7 +61,7 @@ TEST(VariableFilter, PartsAndWildcards)
                  {"a*b", "ab", true},
                  {"**x", "y", false}};
     for (const auto &c : cases)
-        EXPECT_EQ(VSL_IsMatch(c.filter, c.name), c.isMatch) << c.filter << " " << c.name;
+        EXPECT_EQ(SEL_IsMatch(c.filter, c.name), c.isMatch) << c.filter << " " << c.name;
 }
 
 TEST_F(Selectors, VariablesAreFoundAndAddedFromTheKeyboard)
@@ -112,12 +112,12 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     HL_ClickMenu(ITEM_VARIABLES);
     addRegister("T3CON", 0xFF42);
     addTmsSymbol("_wSpeed", 0x400);
-    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_REGISTERS);
+    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, SEL_SOURCE_REGISTERS);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_SOURCE);
     EXPECT_EQ(names(PANEL_VAR_SELECTOR, VARSEL_LIST), "T3CON ");
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_ADD);
     EXPECT_EQ(aLItems[0].address, 0xFF42u);
-    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_TMS);
+    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, SEL_SOURCE_TMS);
     HL_CommitControl(PANEL_VAR_SELECTOR, VARSEL_SOURCE);
     EXPECT_TRUE(UiAttribute(PANEL_VAR_SELECTOR, VARSEL_MEMBERS, ATTR_DIMMED));
     EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL), "&_wSpeed  (adds as u4)");
@@ -133,7 +133,7 @@ TEST_F(Selectors, OtherSourcesAndChangedMaps)
     EXPECT_EQ(UiText(PANEL_VAR_SELECTOR, VARSEL_DETAIL), EDT_ErrorText(EDT_ERR_FULL));
 
     // Another map shows at once in the open window, and its absence, too.
-    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, VSL_MAP);
+    HL_SetUserVal(PANEL_VAR_SELECTOR, VARSEL_SOURCE, SEL_SOURCE_MAP);
     FreeNodes(aVarNode, &nNodes);
     addSymbol("wNew", 0x9000);
     SetMainPanelAttributes();
@@ -200,7 +200,7 @@ TEST_F(Selectors, PlacesInStructuresAreWordsOnATms320)
         const char *const places[] = {"+0x0|004111", "+0x1|004112", "+0x2|004113",
                                       "+0x4|004115", "+0x8|004119", "+0xA|00411B"};
         for (size_t i = 0; i < labels.size(); ++i) {
-            const std::string row = UIC_JoinColumns(labels[i], "|");
+            const std::string row = UI_JoinColumns(labels[i], "|");
             EXPECT_TRUE(Has(row, places[i]));
         }
     }

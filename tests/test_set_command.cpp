@@ -230,7 +230,7 @@ TEST(AssignmentLine, IsSplit)
                  {"()a", "", "a", "a", -1, ""}};
     for (const auto &c : cases) {
         AssnLine parts;
-        ASSERT_EQ(ASSN_Split(c.line, &parts), 0) << c.line;
+        ASSERT_EQ(SYM_SplitAssignment(c.line, &parts), 0) << c.line;
         EXPECT_EQ(parts.cast + "|" + parts.target + "|" + parts.path + "|" + parts.value,
                   std::string(c.cast) + "|" + c.target + "|" + c.path + "|" + c.value);
         EXPECT_EQ(parts.station, c.station) << c.line;
@@ -238,7 +238,7 @@ TEST(AssignmentLine, IsSplit)
     for (const char *line : {"", "(u2", "(u2)", "a b", "a[", "a[]", "a[2", "a[2} = 1", "a.", "a+",
                              "a =", "$ 1", "a, b", "3:", "-a"}) {
         AssnLine parts;
-        EXPECT_EQ(ASSN_Split(line, &parts), -1) << line;
+        EXPECT_EQ(SYM_SplitAssignment(line, &parts), -1) << line;
     }
 }
 

@@ -231,17 +231,17 @@ TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
     for (const auto &c : cases) {
         Round(c.text);
         EXPECT_EQ(c.says, Message()) << c.text;
-        EXPECT_EQ(c.says, INI_GetRangeProblem());
+        EXPECT_EQ(c.says, APP_GetRangeProblem());
     }
     STATION = 3; // changed by the user since
     ncom = 4;
-    EXPECT_EQ("Vireo2.ini, line 3: baud rate 0 is outside 110 to 4000000.", INI_GetRangeProblem());
+    EXPECT_EQ("Vireo2.ini, line 3: baud rate 0 is outside 110 to 4000000.", APP_GetRangeProblem());
     // Said again when communication is switched on.
     SetCtrlVal(mainPanel, MAIN_MESSAGE, std::string());
     VR_ConnectRooms();
     VIR2_StartPeriodicASC();
     VIR2_StopPeriodicASC();
-    EXPECT_EQ(INI_GetRangeProblem(), Message());
+    EXPECT_EQ(APP_GetRangeProblem(), Message());
 }
 
 // What could not be read is not written over, and what says the same already is not written.

@@ -25,41 +25,41 @@ template <class Condition> bool WaitFor(Condition isTrue)
 
 TEST(ChildProgram, TalksInLinesAndEnds)
 {
-    EXPECT_EQ(nullptr, CHD_Start({"/nowhere/at-all"}, nullptr));
+    EXPECT_EQ(nullptr, PLT_StartChild({"/nowhere/at-all"}, nullptr));
     const char SCRIPT[] = "read line; echo got $line >&2; i=0; while [ $i -lt 2500 ]; do echo $i; "
                           "i=$((i+1)); done; printf last; read line && exec sleep 1000";
-    CHD_Child *child =
-        CHD_Start({"/bin/sh", "-c", "read line; echo got $line >&2; read line"}, nullptr);
+    PLT_Child *child =
+        PLT_StartChild({"/bin/sh", "-c", "read line; echo got $line >&2; read line"}, nullptr);
     ASSERT_NE(nullptr, child);
     std::deque<std::string> lines;
-    EXPECT_EQ(0, CHD_SendLine(child, "a line"));
+    EXPECT_EQ(0, PLT_SendLineToChild(child, "a line"));
     ASSERT_TRUE(WaitFor([&] {
-        CHD_TakeLines(child, &lines);
+        PLT_FetchChildLines(child, &lines);
         return !lines.empty();
     }));
     EXPECT_EQ("got a line", lines[0]);
-    EXPECT_TRUE(CHD_IsRunning(child));
-    CHD_Stop(child); // the end of its input
+    EXPECT_TRUE(PLT_IsChildRunning(child));
+    PLT_StopChild(child); // the end of its input
 
-    child = CHD_Start({"/bin/sh", "-c", SCRIPT}, nullptr);
-    CHD_SendLine(child, "x\ny"); // and it goes on to sleep
+    child = PLT_StartChild({"/bin/sh", "-c", SCRIPT}, nullptr);
+    PLT_SendLineToChild(child, "x\ny"); // and it goes on to sleep
     lines.clear();
     size_t lost = 0;
     PLT_SleepMs(50);
     ASSERT_TRUE(WaitFor([&] {
-        lost += CHD_TakeLines(child, &lines);
+        lost += PLT_FetchChildLines(child, &lines);
         return lost + lines.size() >= 2501;
     }));
     EXPECT_EQ("2499", lines.back());
-    CHD_Stop(child); // the hard way
+    PLT_StopChild(child); // the hard way
 
-    child = CHD_Start({"/bin/sh", "-c", "printf 'no end'"}, nullptr);
-    ASSERT_TRUE(WaitFor([&] { return !CHD_IsRunning(child); }));
-    EXPECT_EQ(-1, CHD_SendLine(child, "nobody listens"));
+    child = PLT_StartChild({"/bin/sh", "-c", "printf 'no end'"}, nullptr);
+    ASSERT_TRUE(WaitFor([&] { return !PLT_IsChildRunning(child); }));
+    EXPECT_EQ(-1, PLT_SendLineToChild(child, "nobody listens"));
     lines.clear();
-    CHD_TakeLines(child, &lines);
+    PLT_FetchChildLines(child, &lines);
     EXPECT_EQ(1u, lines.size());
-    CHD_Stop(child);
+    PLT_StopChild(child);
 }
 
 struct Simulator : ConsoleRig {

@@ -182,12 +182,12 @@ TEST_F(SysAddr, ItemsReadTheirStationAndSize)
                  {"3:Far, u8", 0x44332211, 0x88776655}};
     for (int i = 0; i < 4; ++i) {
         addItem(cases[i].line);
-        ASSERT_EQ(RDI_ReadNow(i), 0) << cases[i].line;
+        ASSERT_EQ(RFR_ReadItemNow(i), 0) << cases[i].line;
         EXPECT_EQ(aLItems[i].value, cases[i].low);
         EXPECT_EQ(aLItems[i].valueHigh, cases[i].high);
     }
-    EXPECT_EQ(RDI_ReadNow(4), -4);
-    EXPECT_EQ(RDI_ReadNow(-1), -4);
+    EXPECT_EQ(RFR_ReadItemNow(4), -4);
+    EXPECT_EQ(RFR_ReadItemNow(-1), -4);
 }
 
 TEST_F(SysAddr, FailedItemSaysWhy)
@@ -195,28 +195,28 @@ TEST_F(SysAddr, FailedItemSaysWhy)
     ASSERT_TRUE(connect());
     addItem("[8000], u2");
     addItem("Nobody, u2");
-    ASSERT_EQ(RDI_ReadNow(0), 0);
+    ASSERT_EQ(RFR_ReadItemNow(0), 0);
     const uint64_t before = SIM_GetCounters(target).requests;
-    EXPECT_EQ(RDI_ReadNow(1), -1);
+    EXPECT_EQ(RFR_ReadItemNow(1), -1);
     EXPECT_EQ(SIM_GetCounters(target).requests, before);
     EXPECT_TRUE(Has(aLItems[1].reason, "not resolved"));
 
     aLItems[0].valueHigh = 5;
     failWith(0, 70);
-    EXPECT_EQ(RDI_ReadNow(0), -1);
+    EXPECT_EQ(RFR_ReadItemNow(0), -1);
     EXPECT_EQ(aLItems[0].value, 0xFFFFFFFFu);
     EXPECT_EQ(aLItems[0].valueHigh, 0u);
     EXPECT_EQ(aLItems[0].readError, 1);
     EXPECT_TRUE(Has(aLItems[0].reason, "70"));
     failWith(0, 0);
-    ASSERT_EQ(RDI_ReadNow(0), 0);
+    ASSERT_EQ(RFR_ReadItemNow(0), 0);
     EXPECT_EQ(aLItems[0].readError, 0);
     EXPECT_EQ(aLItems[0].reason, "");
     // No rate from a value that was never read, or so long ago that the tick came round.
     EXPECT_EQ(aLItems[0].readTick, aLItems[0].previousReadTick);
     aLItems[0].readTick = static_cast<uint16_t>(aLItems[0].readTick - 1000);
     aLItems[0].lastReadMs -= 66536;
-    ASSERT_EQ(RDI_ReadNow(0), 0);
+    ASSERT_EQ(RFR_ReadItemNow(0), 0);
     EXPECT_EQ(aLItems[0].readTick, aLItems[0].previousReadTick);
 }
 

@@ -26,7 +26,7 @@ std::vector<uint8_t> MakeHead(std::vector<uint16_t> words)
 {
     std::vector<uint8_t> head(28);
     for (size_t i = 0; i < words.size(); ++i)
-        BYT_PutLittle(head.data() + 2 * i, 2, words[i]);
+        TXT_PutLittle(head.data() + 2 * i, 2, words[i]);
     return head;
 }
 
@@ -37,21 +37,23 @@ TEST(TerminalBlock, IsCheckedBeforeItIsBelieved)
         std::vector<uint16_t> words; // id, version, session, lost, out: size, w, in: size, r, out
                                      // r, its session, in w, its session
         int result;
-    } services[] = {{PLACE, {0x7166, 0x0100, 1, 0, 20, 19, 2, 1, 0, 1, 1, 1}, 0},
-                    {PLACE, {0x7166, 0x01FF, 1, 0, 4096, 4095, 4096, 0, 4095, 1, 0, 1}, 0},
-                    {PLACE, {0x7165, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TBK_ERR_ID},
-                    {PLACE, {0x7166, 0x0200, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TBK_ERR_VERSION},
-                    {PLACE, {0x7166, 0x0100, 1, 0, 1, 0, 7, 0, 0, 1, 0, 1}, TBK_ERR_SIZE},
-                    {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 4097, 0, 0, 1, 0, 1}, TBK_ERR_SIZE},
-                    {PLACE, {0x7166, 0x0100, 1, 0, 20, 20, 7, 0, 0, 1, 0, 1}, TBK_ERR_INDEX},
-                    {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 7, 1}, TBK_ERR_INDEX},
-                    {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 20, 9, 7, 9}, 0}, // of another run
-                    {0xFFFFCD, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, 0},
-                    {0xFFFFCE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TBK_ERR_PLACE}};
+    } services[] = {
+        {PLACE, {0x7166, 0x0100, 1, 0, 20, 19, 2, 1, 0, 1, 1, 1}, 0},
+        {PLACE, {0x7166, 0x01FF, 1, 0, 4096, 4095, 4096, 0, 4095, 1, 0, 1}, 0},
+        {PLACE, {0x7165, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_ID},
+        {PLACE, {0x7166, 0x0200, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_VERSION},
+        {PLACE, {0x7166, 0x0100, 1, 0, 1, 0, 7, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_SIZE},
+        {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 4097, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_SIZE},
+        {PLACE, {0x7166, 0x0100, 1, 0, 20, 20, 7, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_INDEX},
+        {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 7, 1}, TRM_BLOCK_ERR_INDEX},
+        {PLACE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 20, 9, 7, 9}, 0}, // of another run
+        {0xFFFFCD, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, 0},
+        {0xFFFFCE, {0x7166, 0x0100, 1, 0, 20, 0, 7, 0, 0, 1, 0, 1}, TRM_BLOCK_ERR_PLACE}};
     for (const auto &row : services) {
-        TBK_Service block;
-        EXPECT_EQ(row.result, TBK_ParseService(row.address, MakeHead(row.words).data(), &block));
-        EXPECT_EQ(row.result == 0, TBK_ErrorText(row.result).empty());
+        TRM_ServiceBlock block;
+        EXPECT_EQ(row.result,
+                  TRM_ParseServiceBlock(row.address, MakeHead(row.words).data(), &block));
+        EXPECT_EQ(row.result == 0, TRM_BlockErrorText(row.result).empty());
         EXPECT_EQ(row.result == 0, block.session == 1);
     }
     const struct {
@@ -59,27 +61,27 @@ TEST(TerminalBlock, IsCheckedBeforeItIsBelieved)
         int result;
     } displays[] = {{0x1404, 16, 15, 0},
                     {0x5010, 2, 0, 0},
-                    {0x1400, 16, 0, TBK_ERR_SIZE},
-                    {0x0004, 16, 0, TBK_ERR_SIZE},
-                    {0x1411, 16, 0, TBK_ERR_SIZE},
-                    {0x5104, 16, 0, TBK_ERR_SIZE},
-                    {0x1404, 16, 16, TBK_ERR_INDEX},
-                    {0x1404, 0, 0, TBK_ERR_SIZE}};
+                    {0x1400, 16, 0, TRM_BLOCK_ERR_SIZE},
+                    {0x0004, 16, 0, TRM_BLOCK_ERR_SIZE},
+                    {0x1411, 16, 0, TRM_BLOCK_ERR_SIZE},
+                    {0x5104, 16, 0, TRM_BLOCK_ERR_SIZE},
+                    {0x1404, 16, 16, TRM_BLOCK_ERR_INDEX},
+                    {0x1404, 0, 0, TRM_BLOCK_ERR_SIZE}};
     for (const auto &row : displays) {
-        TBK_Lcd block;
+        TRM_LcdBlock block;
         const std::vector<uint8_t> head = MakeHead(
             {0x71CD, 0x0100, 1, 0, row.shape, 0, 0, row.keySize, 0, 0, 0, 0, row.keyWrite, 1});
-        EXPECT_EQ(row.result, TBK_ParseLcd(PLACE, head.data(), &block));
+        EXPECT_EQ(row.result, TRM_ParseLcdBlock(PLACE, head.data(), &block));
     }
-    const TBK_Ring wrapped = {0, 0, 20, 3, 17};
-    EXPECT_EQ(6u, TBK_Count(wrapped));
-    EXPECT_EQ(13u, TBK_Room(wrapped));
+    const TRM_Ring wrapped = {0, 0, 20, 3, 17};
+    EXPECT_EQ(6u, TRM_CountPending(wrapped));
+    EXPECT_EQ(13u, TRM_CountRoom(wrapped));
 }
 
 // A target whose firmware is the test itself.
 struct Conversation : TargetTest {
-    TSV_Session session;
-    TSV_News news;
+    TRM_ServiceSession session;
+    TRM_ServiceNews news;
     std::string received, typed; // by the program, by the target
     std::string messages;
 
@@ -95,7 +97,7 @@ struct Conversation : TargetTest {
         StartFirmware(1);
         VIR2_StartPeriodicASC();
         ASSERT_EQ(1, isTimer);
-        TSV_Begin(&session, {PLACE, STATION});
+        TRM_BeginService(&session, {PLACE, STATION});
     }
     void StartFirmware(uint16_t number)
     {
@@ -105,7 +107,7 @@ struct Conversation : TargetTest {
     }
     uint32_t Word(uint32_t offset)
     {
-        return static_cast<uint32_t>(BYT_GetLittle(peek(PLACE + offset, 2).data(), 2));
+        return static_cast<uint32_t>(TXT_GetLittle(peek(PLACE + offset, 2).data(), 2));
     }
     uint32_t Index(uint32_t offset)
     {
@@ -128,7 +130,7 @@ struct Conversation : TargetTest {
     }
     void Step()
     {
-        TSV_Step(&session, &news);
+        TRM_StepService(&session, &news);
         received += news.received;
         messages += news.message;
     }
@@ -143,7 +145,7 @@ TEST_F(Conversation, LosesAndDoublesNothingOnABadLine)
     const std::string all = output;
     Step();
     ASSERT_TRUE(session.isOpen) << messages;
-    ASSERT_TRUE(TSN_Add(&session.sender, sent));
+    ASSERT_TRUE(TRM_AddToSender(&session.sender, sent));
     Mr166_nTimeoutMs = HASTY_MS;
     UCM_recS.tries = 0; // nothing is repeated below: every lost answer is the terminal's affair
     options.drop = 0.1;
@@ -163,7 +165,7 @@ TEST_F(Conversation, SaysWhatHappenedToTheTarget)
     RunFirmware(&output);
     Step();
     EXPECT_EQ("before", received);
-    TSN_Add(&session.sender, "0123456789"); // more than the ring has room for
+    TRM_AddToSender(&session.sender, "0123456789"); // more than the ring has room for
     Step();
     EXPECT_EQ("012345", news.taken);
     StartFirmware(2);
@@ -180,7 +182,7 @@ TEST_F(Conversation, SaysWhatHappenedToTheTarget)
     Step();
     EXPECT_EQ("The target's ring was full: 300 characters are lost.", news.message);
     poke(PLACE + 20, 2 << 16 | 3, 4); // somebody else's text
-    TSN_Add(&session.sender, "mine");
+    TRM_AddToSender(&session.sender, "mine");
     Step();
     EXPECT_EQ("Somebody else writes to this terminal too. Not sent any more: 4 characters.",
               news.message);
@@ -207,8 +209,8 @@ TEST_F(Conversation, SaysWhatHappenedToTheTarget)
 TEST_F(Conversation, IsInterruptedWithoutSendingToStrangers)
 {
     Step();
-    TSN_Add(&session.sender, "0123456789");
-    EXPECT_EQ(10u, TSV_Interrupt(&session));
+    TRM_AddToSender(&session.sender, "0123456789");
+    EXPECT_EQ(10u, TRM_InterruptService(&session));
     poke(PLACE + 20, 1 << 16 | 5, 4);
     poke(PLACE + 14, 5, 2);
     Step();
@@ -261,7 +263,7 @@ struct Terminals : ConsoleRig {
     }
     uint32_t Get(uint32_t address, size_t size)
     {
-        return static_cast<uint32_t>(BYT_GetLittle(Peek(address, size).data(), size));
+        return static_cast<uint32_t>(TXT_GetLittle(Peek(address, size).data(), size));
     }
 };
 
@@ -373,7 +375,7 @@ TEST_F(Terminals, DisplayShowsThePictureAndTakesEachKeyOnce)
     EXPECT_TRUE(shows("\xEE\x80\x81"
                       "C"))
         << "its own degree sign";
-    const LCT_Picture picture = LCT_Parse(UiText(PANEL_LCD, LCD_SCREEN));
+    const UI_LcdPicture picture = UI_ParseLcd(UiText(PANEL_LCD, LCD_SCREEN));
     EXPECT_EQ(4u, picture.rows.size());
     EXPECT_EQ(20u, picture.rows[3].size());
     EXPECT_EQ(2, picture.cursorRow);
@@ -388,11 +390,11 @@ TEST_F(Terminals, DisplayShowsThePictureAndTakesEachKeyOnce)
     EXPECT_TRUE(shows("Gain   104 %"));
     EXPECT_TRUE(shows("C      ")) << "released";
     EXPECT_EQ(104u, Get(0x8100, 2));
-    EXPECT_FALSE(LCT_Parse(UiText(PANEL_LCD, LCD_SCREEN)).isLit);
+    EXPECT_FALSE(UI_ParseLcd(UiText(PANEL_LCD, LCD_SCREEN)).isLit);
     HL_CommitControl(PANEL_LCD, LCD_COPY);
     EXPECT_NE(std::string::npos, HL_GetClipboard().find("VIREO2 DEMO 01"));
     VIR2_StopPeriodicASC();
-    EXPECT_FALSE(LCT_Parse(UiText(PANEL_LCD, LCD_SCREEN)).isLit);
+    EXPECT_FALSE(UI_ParseLcd(UiText(PANEL_LCD, LCD_SCREEN)).isLit);
     EXPECT_EQ(std::string::npos, UiText(PANEL_LCD, LCD_SCREEN).find("VIREO2"))
         << "what stands there now is not known";
 }

@@ -24,19 +24,19 @@ TEST(TerminalScreen, MakesLinesOfWhatATargetWrites)
                  {"\x05\x7F\x85", "\xC2\xB7\xC2\xB7\xC2\xB7"},
                  {"old\r\n\fnew", "new"}};
     for (const auto &row : cases) {
-        TSC_Screen whole, split;
-        TSC_Put(&whole, CPT_LATIN_1, row.bytes);
+        TRM_Screen whole, split;
+        TRM_PutOnScreen(&whole, TRM_PAGE_LATIN_1, row.bytes);
         for (const char *c = row.bytes; *c != '\0'; ++c)
-            TSC_Put(&split, CPT_LATIN_1, std::string(1, *c));
-        for (const TSC_Screen &screen : {whole, split}) {
+            TRM_PutOnScreen(&split, TRM_PAGE_LATIN_1, std::string(1, *c));
+        for (const TRM_Screen &screen : {whole, split}) {
             std::string text;
             for (const std::string &line : screen.done)
                 text += line + "\n";
-            EXPECT_EQ(row.lines, text + TSC_GetLine(screen));
+            EXPECT_EQ(row.lines, text + TRM_GetScreenLine(screen));
         }
     }
-    TSC_Screen longer;
-    TSC_Put(&longer, CPT_LATIN_1, std::string(2 * TSC_COLUMNS_MAX + 1, 'x'));
+    TRM_Screen longer;
+    TRM_PutOnScreen(&longer, TRM_PAGE_LATIN_1, std::string(2 * TRM_SCREEN_COLUMNS_MAX + 1, 'x'));
     EXPECT_EQ(2u, longer.done.size());
 }
 
@@ -46,41 +46,43 @@ TEST(TerminalCodePages, KnowTheirCharactersAndBack)
         int page;
         uint8_t byte;
         char32_t code;
-    } cases[] = {{CPT_CP852, 0x9F, 0x10D},  {CPT_CP1250, 0xE8, 0x10D}, {CPT_CP1250, 0x81, 0xFFFD},
-                 {CPT_KOI8_R, 0xC1, 0x430}, {CPT_LATIN_1, 0xE9, 0xE9}, {CPT_LCD, 0xB1, 0xFF71},
-                 {CPT_LCD, 0xDF, 0xFF9F},   {CPT_LCD, 0x7E, 0x2192},   {CPT_LCD, 0x5C, 0xA5},
-                 {CPT_LCD, 0xFF, 0x2588},   {CPT_LCD, 0x0A, 0xE002},   {CPT_LCD, 0x90, 0xFFFD}};
+    } cases[] = {{TRM_PAGE_CP852, 0x9F, 0x10D},   {TRM_PAGE_CP1250, 0xE8, 0x10D},
+                 {TRM_PAGE_CP1250, 0x81, 0xFFFD}, {TRM_PAGE_KOI8_R, 0xC1, 0x430},
+                 {TRM_PAGE_LATIN_1, 0xE9, 0xE9},  {TRM_PAGE_LCD, 0xB1, 0xFF71},
+                 {TRM_PAGE_LCD, 0xDF, 0xFF9F},    {TRM_PAGE_LCD, 0x7E, 0x2192},
+                 {TRM_PAGE_LCD, 0x5C, 0xA5},      {TRM_PAGE_LCD, 0xFF, 0x2588},
+                 {TRM_PAGE_LCD, 0x0A, 0xE002},    {TRM_PAGE_LCD, 0x90, 0xFFFD}};
     for (const auto &row : cases)
-        EXPECT_EQ(row.code, CPT_ToCode(row.page, row.byte)) << row.page << " " << int{row.byte};
-    for (int page = 0; page < CPT_COUNT; ++page)
+        EXPECT_EQ(row.code, TRM_ToCode(row.page, row.byte)) << row.page << " " << int{row.byte};
+    for (int page = 0; page < TRM_PAGE_COUNT; ++page)
         for (unsigned byte = 0x20; byte < 0x100; ++byte) {
-            const char32_t code = CPT_ToCode(page, static_cast<uint8_t>(byte));
+            const char32_t code = TRM_ToCode(page, static_cast<uint8_t>(byte));
             std::string back;
-            const size_t absent = CPT_FromUtf8(page, CPT_ToUtf8(code), &back);
-            EXPECT_EQ(code == CPT_UNKNOWN ? 1u : 0u, absent) << page << " " << byte;
-            EXPECT_TRUE(absent > 0 || code == CPT_ToCode(page, static_cast<uint8_t>(back[0])));
+            const size_t absent = TRM_FromUtf8(page, TRM_ToUtf8(code), &back);
+            EXPECT_EQ(code == TRM_PAGE_UNKNOWN ? 1u : 0u, absent) << page << " " << byte;
+            EXPECT_TRUE(absent > 0 || code == TRM_ToCode(page, static_cast<uint8_t>(back[0])));
         }
     std::string bytes;
-    EXPECT_EQ(3u, CPT_FromUtf8(CPT_LATIN_1, "a\xD0\x96\xF0\x9F\x98\x80\xFF\n", &bytes));
+    EXPECT_EQ(3u, TRM_FromUtf8(TRM_PAGE_LATIN_1, "a\xD0\x96\xF0\x9F\x98\x80\xFF\n", &bytes));
     EXPECT_EQ("a???\n", bytes);
 }
 
 TEST(LcdText, ComesBackAsItWent)
 {
-    LCT_Picture picture;
+    UI_LcdPicture picture;
     picture.rows = {U"a\xE007\xFF71", U"\xB5  "};
     picture.cursorRow = 1;
     picture.cursorColumn = 2;
-    picture.cursor = LCT_BLINKING;
+    picture.cursor = UI_LCD_CURSOR_BLINKING;
     picture.isLit = true;
     picture.glyphs[63] = 0x1F;
-    const LCT_Picture back = LCT_Parse(LCT_Format(picture));
+    const UI_LcdPicture back = UI_ParseLcd(UI_FormatLcd(picture));
     EXPECT_EQ(picture.rows, back.rows);
     EXPECT_EQ(2, back.cursorColumn);
-    EXPECT_EQ(LCT_BLINKING, back.cursor);
+    EXPECT_EQ(UI_LCD_CURSOR_BLINKING, back.cursor);
     EXPECT_TRUE(back.isLit);
     EXPECT_EQ(picture.glyphs, back.glyphs);
-    EXPECT_TRUE(LCT_Parse("\x1E 1").rows.empty());
+    EXPECT_TRUE(UI_ParseLcd("\x1E 1").rows.empty());
 }
 
 } // namespace

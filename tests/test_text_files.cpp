@@ -117,26 +117,26 @@ TEST_F(TextFiles, OnlyPlainFilesAreOpened)
     const struct {
         std::string name;
         int result;
-    } cases[] = {{pipe, PLF_ERR_SPECIAL},        {folder.path, PLF_ERR_SPECIAL},
-                 {"/dev/zero", PLF_ERR_SPECIAL}, {large, PLF_ERR_LARGE},
-                 {"no/such", PLF_ERR_OPEN},      {"", PLF_ERR_OPEN}};
-    std::filesystem::resize_file(large, PLF_SIZE_MAX + 1); // full of nothing
+    } cases[] = {{pipe, PLT_FILE_ERR_SPECIAL},        {folder.path, PLT_FILE_ERR_SPECIAL},
+                 {"/dev/zero", PLT_FILE_ERR_SPECIAL}, {large, PLT_FILE_ERR_LARGE},
+                 {"no/such", PLT_FILE_ERR_OPEN},      {"", PLT_FILE_ERR_OPEN}};
+    std::filesystem::resize_file(large, PLT_FILE_SIZE_MAX + 1); // full of nothing
     for (const auto &c : cases) {
         std::string text = "old";
-        EXPECT_EQ(PLF_ReadAll(c.name, PLF_SIZE_MAX, &text), c.result) << c.name;
+        EXPECT_EQ(PLT_ReadFile(c.name, PLT_FILE_SIZE_MAX, &text), c.result) << c.name;
         EXPECT_EQ(text, "");
-        EXPECT_STREQ(PLF_WhyUnreadable(c.name), PLF_ErrorText(c.result));
+        EXPECT_STREQ(PLT_WhyUnreadable(c.name), PLT_FileErrorText(c.result));
         EXPECT_EQ(TXFR_Open(c.name.c_str()), -1) << c.name;
         EXPECT_EQ(TXFRW_Open(c.name.c_str(), "r"), -1) << c.name;
     }
-    std::filesystem::resize_file(large, PLF_SIZE_MAX);
+    std::filesystem::resize_file(large, PLT_FILE_SIZE_MAX);
     const int handle = TXFR_Open(large.c_str());
     EXPECT_EQ(handle, 0); // no slot was lost on the way
     EXPECT_EQ(TXFR_Close(handle), 0);
     std::string some;
-    EXPECT_EQ(PLF_ReadAll(path, 3, &some), PLF_ERR_OPEN);
+    EXPECT_EQ(PLT_ReadFile(path, 3, &some), PLT_FILE_ERR_OPEN);
     WriteFileText(path, "abc");
-    EXPECT_EQ(PLF_ReadAll(path, 3, &some), PLF_OK);
+    EXPECT_EQ(PLT_ReadFile(path, 3, &some), PLT_FILE_OK);
     EXPECT_EQ(some, "abc");
 }
 
@@ -271,11 +271,11 @@ TEST(CsvRow, SplitsAsItIsQuoted)
                 {"\"\"\"\"", {"\""}}, {"\"\",x,", {"", "x", ""}},
                 {"a\"b", {"a\"b"}}};
     for (const auto &c : good) {
-        EXPECT_TRUE(CSV_SplitRow(c.row, &cells)) << c.row;
+        EXPECT_TRUE(TXT_SplitCsvRow(c.row, &cells)) << c.row;
         EXPECT_EQ(cells, c.cells) << c.row;
     }
     for (const char *bad : {"\"a", "\"a\"b", "x,\"", "\"\"\""})
-        EXPECT_FALSE(CSV_SplitRow(bad, &cells)) << bad;
+        EXPECT_FALSE(TXT_SplitCsvRow(bad, &cells)) << bad;
 }
 
 } // namespace

@@ -65,7 +65,7 @@ TEST_F(VarNodes, SortsLikeASwappingSelectionSort)
 TEST_F(VarNodes, KeepsEqualNamesOfDifferentAddressesOnly)
 {
     Fill({{"b", 2}, {"a", 1}, {"a", 1}, {"b", 3}, {"a", 1}});
-    VRN_RemoveDuplicates(aVarNode, &nNodes);
+    SYM_RemoveDuplicates(aVarNode, &nNodes);
     EXPECT_EQ((std::vector<std::pair<std::string, uint32_t>>{{"a", 1}, {"b", 3}, {"b", 2}}),
               Snapshot(aVarNode, nNodes));
 }
@@ -106,8 +106,8 @@ TEST_F(VarNodes, ResolvesExpressions)
 TEST_F(VarNodes, NamesTheNodeAtOrAfterAnAddress)
 {
     Fill({{"low", 0x100}, {"high", 0x200}, {"twin", 0x200}});
-    VRN_AddNode(aVarNode166, &nNodes166, 0x180, "REG", nullptr);
-    VRN_AddNode(aVarNode166, &nNodes166, 0x200, "HIDDEN", nullptr);
+    SYM_AddNode(aVarNode166, &nNodes166, 0x180, "REG", nullptr);
+    SYM_AddNode(aVarNode166, &nNodes166, 0x200, "HIDDEN", nullptr);
     SortMapNdxByAddr();
     const struct {
         uint32_t address;

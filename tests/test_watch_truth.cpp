@@ -98,7 +98,7 @@ TEST_F(WatchTruth, OldValuesAreGreyAndSayHowOld)
     loadItems(15, "3:Far, [8000], u2\n");
     tick(13);
     SetCtrlAttribute(PANEL_MAIN, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, 3);
-    for (int sweep = 1; sweep <= AGE_SWEEPS_MAX; ++sweep)
+    for (int sweep = 1; sweep <= RFR_AGE_SWEEPS_MAX; ++sweep)
         tick(13);
     EXPECT_EQ(style(0), UIS_NORMAL) << "three sweeps are not too many";
     tick(13);

@@ -54,7 +54,7 @@ void AddItems(int begin)
         char name[20];
         std::snprintf(name, sizeof name, "[0x%04X]", static_cast<unsigned>(item.address));
         item.name = name;
-        VTY_SetFromField(&item, "u2");
+        VAL_SetFromField(&item, "u2");
     }
     nLItems = begin + CURVES;
 }

@@ -52,7 +52,7 @@ std::vector<UI_Plot> MakePlots(int count, size_t samples)
         plots[k].name = "curve " + std::to_string(k + 1);
         plots[k].x = times;
         plots[k].y = std::make_shared<const std::vector<double>>(std::move(y));
-        PLV_MeasurePlot(&plots[k]);
+        PLOT_MeasurePlot(&plots[k]);
     }
     return plots;
 }
@@ -98,7 +98,7 @@ void MeasureZoom(PlotWidget *plot, int curves, size_t samples, const char *what)
     for (int round = 0; round < ROUNDS; round++) {
         view = plot->view();
         view.isXFitted = false;
-        PLV_Zoom(&view.x, 0.8, static_cast<double>(samples) * 0.37);
+        PLOT_Zoom(&view.x, 0.8, static_cast<double>(samples) * 0.37);
         QElapsedTimer timer;
         timer.start();
         plot->setView(view);
@@ -114,26 +114,26 @@ void MeasureLive(PlotWidget *plot)
     constexpr size_t CURVES = 16, SAMPLES = 1000000;
     GRA_Setup setup;
     setup.curves.resize(CURVES);
-    GRS_Source source;
+    GRA_Source source;
     std::vector<SMP_Item> items(CURVES);
     for (size_t i = 0; i < CURVES; i++)
         items[i].name = setup.curves[i].item.name = "curve " + std::to_string(i + 1);
-    SST_SetItems(&source.sampler.store, items, SAMPLES);
+    SMP_SetStoreItems(&source.sampler.store, items, SAMPLES);
     source.indexes.resize(CURVES);
     int64_t timeUs = 0;
     std::mt19937 random(2);
     const auto addRow = [&] {
         for (size_t i = 0; i < CURVES; i++)
-            SST_Add(&source.sampler.store, i,
-                    {timeUs,
-                     (static_cast<uint64_t>(timeUs / 1000) + 77 * i) % 5000 + random() % 500,
-                     SMP_GOOD});
+            SMP_AddRow(&source.sampler.store, i,
+                       {timeUs,
+                        (static_cast<uint64_t>(timeUs / 1000) + 77 * i) % 5000 + random() % 500,
+                        SMP_GOOD});
         timeUs += 1000;
     };
     for (size_t row = 0; row < SAMPLES; row++)
         addRow();
     for (size_t i = 0; i < CURVES; i++)
-        GRH_Update(source.sampler.store, i, &source.indexes[i]);
+        GRA_UpdateHistory(source.sampler.store, i, &source.indexes[i]);
     for (const double width : {10.0, 900.0}) {
         UI_GraphView view;
         view.isXFitted = false;
@@ -146,10 +146,10 @@ void MeasureLive(PlotWidget *plot)
                 addRow();
             const double begin = WorkedMs();
             for (size_t i = 0; i < CURVES; i++)
-                GRH_Update(source.sampler.store, i, &source.indexes[i]);
+                GRA_UpdateHistory(source.sampler.store, i, &source.indexes[i]);
             const double now = static_cast<double>(timeUs) / 1e6;
-            std::vector<GRH_Points> points;
-            GRS_Draw(&source, setup, now - width, now, &points);
+            std::vector<GRA_Points> points;
+            GRA_DrawSource(&source, setup, now - width, now, &points);
             std::vector<UI_Plot> plots(CURVES);
             for (size_t i = 0; i < CURVES; i++) {
                 plots[i].handle = static_cast<int>(i) + 1;
@@ -158,7 +158,7 @@ void MeasureLive(PlotWidget *plot)
                     std::make_shared<const std::vector<double>>(std::move(points[i].times));
                 plots[i].y =
                     std::make_shared<const std::vector<double>>(std::move(points[i].values));
-                PLV_MeasurePlot(&plots[i]);
+                PLOT_MeasurePlot(&plots[i]);
             }
             taken.Add(WorkedMs() - begin);
             plot->setPlots(plots);
@@ -174,9 +174,9 @@ void MeasureLive(PlotWidget *plot)
                     pictures);
     }
     size_t bytes = 0;
-    for (const GRH_Index &index : source.indexes)
-        bytes += index.blocks.size() * sizeof(GRH_Block);
-    std::printf("bytes a sample: %zu and %.2f of the index\n", SST_BYTES_PER_SAMPLE,
+    for (const GRA_HistoryIndex &index : source.indexes)
+        bytes += index.blocks.size() * sizeof(GRA_HistoryBlock);
+    std::printf("bytes a sample: %zu and %.2f of the index\n", SMP_BYTES_PER_SAMPLE,
                 static_cast<double>(bytes) / static_cast<double>(CURVES * SAMPLES));
 }
 

@@ -77,7 +77,7 @@ int RunMeasuredProgram(int argc, char **argv)
         LItem &item = aLItems[nLItems];
         item.name = "Module_Variable" + std::to_string(nLItems);
         item.address = item.givenAddress = 0x8000;
-        VTY_SetFromField(&item, "u2");
+        VAL_SetFromField(&item, "u2");
     }
     openLItems = 1;
     ncom = PORT;

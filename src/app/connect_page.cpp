@@ -1,5 +1,5 @@
 // Every field shows a setting and changes it at once, as the menu would: there is nothing to
-// confirm, and whatever else changes a setting is followed by CNP_Refresh.
+// confirm, and whatever else changes a setting is followed by APP_RefreshConnectPage.
 #include "app/connect_page.h"
 
 #include <algorithm>
@@ -35,19 +35,19 @@ constexpr Choice CHOICES[] = {
     {CONNECT_PROCESSOR, "F283xx", CPU_F283XX},   {CONNECT_PROCESSOR, "F2803x", CPU_F2803X},
 };
 
-std::vector<PTL_Port> ports; // as listed when the page was opened
+std::vector<SER_PortEntry> ports; // as listed when the page was opened
 
 // The ports of this machine. An entry's value is its place in `ports`, below zero, because a
 // device may not have a number yet.
 void FillPorts()
 {
-    ports = PTL_List();
+    ports = SER_ListPorts();
     const auto used = std::find_if(ports.begin(), ports.end(),
-                                   [](const PTL_Port &port) { return port.number == ncom; });
+                                   [](const SER_PortEntry &port) { return port.number == ncom; });
     const int usedIndex = static_cast<int>(used - ports.begin());
     if (used == ports.end()) {
         // The port in use stands in the list even when nothing is plugged in there.
-        PTL_Port absent;
+        SER_PortEntry absent;
         absent.number = ncom;
         absent.device = SER_DevicePath(ncom);
         absent.description = "not there";
@@ -55,12 +55,12 @@ void FillPorts()
     }
     ClearListCtrl(PANEL_CONNECT, CONNECT_PORT);
     for (size_t i = 0; i < ports.size(); i++) {
-        const PTL_Port &port = ports[i];
+        const SER_PortEntry &port = ports[i];
         std::string label = port.number > 0 ? "COM" + std::to_string(port.number) : "-";
         label += ": " + port.device;
         if (!port.description.empty())
             label += ", " + port.description;
-        InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, WRD_Visible(label),
+        InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, TXT_Visible(label),
                        -1 - static_cast<int>(i));
     }
     InsertListItem(PANEL_CONNECT, CONNECT_PORT, -1, "Other...", OTHER_PORT);
@@ -72,7 +72,7 @@ void FillBauds()
 {
     ClearListCtrl(PANEL_CONNECT, CONNECT_BAUD);
     bool isKnown = false;
-    for (const int32_t baud : OPT_BAUD_RATES) {
+    for (const int32_t baud : APP_BAUD_RATES) {
         InsertListItem(PANEL_CONNECT, CONNECT_BAUD, -1, std::to_string(baud), baud);
         isKnown = isKnown || baud == bRate;
     }
@@ -83,13 +83,13 @@ void FillBauds()
 
 std::string NameOr(const std::string &path, const char *none)
 {
-    return path.empty() ? none : WRD_Visible(path);
+    return path.empty() ? none : TXT_Visible(path);
 }
 
 // Back to the view that the page has covered.
 void Close()
 {
-    MWN_ShowView(VR_isWatchView ? ITEM_WATCH_VIEW : ITEM_CONSOLE_VIEW);
+    WIN_ShowMainView(VR_isWatchView ? ITEM_WATCH_VIEW : ITEM_CONSOLE_VIEW);
 }
 
 void Test()
@@ -101,15 +101,15 @@ void Test()
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "Asking...");
     SetBusyText(COM_WaitingText(STATION));
     std::string text;
-    LNT_Test(&text);
-    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, WRD_Visible(text));
+    DIA_TestLine(&text);
+    SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, TXT_Visible(text));
     if (wasOn)
         VIR2_StartPeriodicASC();
 }
 
 } // namespace
 
-void CNP_Refresh()
+void APP_RefreshConnectPage()
 {
     // Looking for ports takes time, and this is called with every change of a setting.
     int isVisible = 0;
@@ -124,7 +124,7 @@ void CNP_Refresh()
     SetCtrlVal(PANEL_CONNECT, CONNECT_LIST_NAME, NameOr(szDebugFileName, "none: an empty list"));
 }
 
-void CNP_Open()
+void APP_OpenConnectPage()
 {
     HidePanel(consolePanel);
     DisplayPanel(PANEL_CONNECT);
@@ -133,16 +133,16 @@ void CNP_Open()
     for (const Choice &choice : CHOICES)
         InsertListItem(PANEL_CONNECT, choice.control, -1, choice.label, choice.value);
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "");
-    CNP_Refresh();
+    APP_RefreshConnectPage();
     SetActiveCtrl(PANEL_CONNECT, CONNECT_PORT);
 }
 
 void ConnectPageCB(int, int)
 {
-    CNP_Open();
+    APP_OpenConnectPage();
 }
 
-int CNP_PortCB(int, int, int event, int)
+int APP_ConnectPortCB(int, int, int event, int)
 {
     int value = OTHER_PORT;
     if (event != EVENT_COMMIT || GetCtrlVal(PANEL_CONNECT, CONNECT_PORT, &value) < 0)
@@ -152,12 +152,12 @@ int CNP_PortCB(int, int, int event, int)
     if (value == OTHER_PORT)
         PortCB(0, ITEM_PORT_OTHER);
     else if (index < ports.size())
-        OPT_UsePort(ports[index].number == ncom ? std::to_string(ncom) : ports[index].device);
+        APP_UsePort(ports[index].number == ncom ? std::to_string(ncom) : ports[index].device);
     SetMainPanelAttributes();
     return 0;
 }
 
-int CNP_SettingCB(int, int control, int event, int)
+int APP_ConnectSettingCB(int, int control, int event, int)
 {
     int value = 0;
     const bool isMeant = event == EVENT_COMMIT || control == CONNECT_STATION;
@@ -170,7 +170,7 @@ int CNP_SettingCB(int, int control, int event, int)
     } else if (control == CONNECT_PROTOCOL) {
         ProtocolCB(0, value == PROTOCOL_MODBUS ? ITEM_MODBUS : ITEM_MR166);
     } else if (control == CONNECT_PROCESSOR) {
-        OPT_UseProcessor(value);
+        APP_UseProcessor(value);
     } else if (control == CONNECT_STATION) {
         VIR2_SetStation(value);
     }
@@ -178,7 +178,7 @@ int CNP_SettingCB(int, int control, int event, int)
     return 0;
 }
 
-int CNP_ButtonCB(int, int control, int event, int)
+int APP_ConnectButtonCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
@@ -193,7 +193,8 @@ int CNP_ButtonCB(int, int control, int event, int)
         OpenDatCB(0, ITEM_OPEN);
         break;
     case CONNECT_START:
-        MWN_ShowView(ITEM_WATCH_VIEW); // values first: there is no use in a list that stands still
+        WIN_ShowMainView(
+            ITEM_WATCH_VIEW); // values first: there is no use in a list that stands still
         if (isTimer == 0)
             VIR2_StartPeriodicASC();
         break;
@@ -204,7 +205,7 @@ int CNP_ButtonCB(int, int control, int event, int)
     return 0;
 }
 
-int CNP_PanelCB(int, int event, int data)
+int APP_ConnectPanelCB(int, int event, int data)
 {
     if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC))
         Close();

@@ -4,14 +4,15 @@
 #ifndef APP_CONNECT_PAGE_H
 #define APP_CONNECT_PAGE_H
 
-void CNP_Open();
-void CNP_Refresh(); // after a setting or a loaded file has changed; nothing when it is not shown
+void APP_OpenConnectPage();
+void APP_RefreshConnectPage(); // after a setting or a loaded file has changed; nothing when it is
+                               // not shown
 
 // Callbacks.
 void ConnectPageCB(int menuBar, int item);
-int CNP_PortCB(int panel, int control, int event, int data);
-int CNP_SettingCB(int panel, int control, int event, int data); // rings and the station
-int CNP_ButtonCB(int panel, int control, int event, int data);
-int CNP_PanelCB(int panel, int event, int data); // closed: back to the view behind it
+int APP_ConnectPortCB(int panel, int control, int event, int data);
+int APP_ConnectSettingCB(int panel, int control, int event, int data); // rings and the station
+int APP_ConnectButtonCB(int panel, int control, int event, int data);
+int APP_ConnectPanelCB(int panel, int event, int data); // closed: back to the view behind it
 
 #endif

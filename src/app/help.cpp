@@ -24,7 +24,7 @@ std::string VR_FindHelpFile()
 {
     for (const char *place : HELP_PLACES) {
         const std::string path = PLT_ProgramDir() + place;
-        if (PLF_Exists(path))
+        if (PLT_FileExists(path))
             return path;
     }
     return "";

@@ -34,13 +34,13 @@ constexpr int64_t FILE_SIZE_MAX = 1 << 20;
 constexpr int PORT_MAX = 256;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
-SPL_Place place;   // of the file: read at start, written at shutdown
-bool isUnreadable; // there is a file, and it is not ours to write over
-bool isMissing;    // at start
+PLT_SettingsPlace place; // of the file: read at start, written at shutdown
+bool isUnreadable;       // there is a file, and it is not ours to write over
+bool isMissing;          // at start
 
 bool IsFile(const std::string &path)
 {
-    return !path.empty() && PLF_Exists(path);
+    return !path.empty() && PLT_FileExists(path);
 }
 
 std::string LineText(int line)
@@ -58,32 +58,34 @@ std::string ReadPath(const std::string &line)
     if (comma == std::string::npos)
         return "";
     const std::string rest = line.substr(comma + 1);
-    const std::string whole = WRD_Trim(rest);
-    const std::string noComment = WRD_Trim(rest.substr(0, rest.find(';')));
-    const std::string field = WRD_Trim(rest.substr(0, rest.find_first_of(",;")));
+    const std::string whole = TXT_Trim(rest);
+    const std::string noComment = TXT_Trim(rest.substr(0, rest.find(';')));
+    const std::string field = TXT_Trim(rest.substr(0, rest.find_first_of(",;")));
     const std::string path = IsFile(whole)                         ? whole
                              : !IsFile(noComment) && IsFile(field) ? field
                                                                    : noComment;
     if (path.size() < PATH_MAX_CHARS)
         return path;
-    INI_reading.problems.push_back(LineText(INI_reading.lineNumber) + "the path has more than " +
-                                   std::to_string(PATH_MAX_CHARS - 1) + " characters.");
+    APP_settingReading.problems.push_back(LineText(APP_settingReading.lineNumber) +
+                                          "the path has more than " +
+                                          std::to_string(PATH_MAX_CHARS - 1) + " characters.");
     return "";
 }
 
 void ApplyLine(const std::string &line)
 {
     const size_t comma = line.find(',');
-    INI_reading.lineValue = comma == std::string::npos ? "" : WRD_Trim(line.substr(comma + 1));
+    APP_settingReading.lineValue =
+        comma == std::string::npos ? "" : TXT_Trim(line.substr(comma + 1));
     const std::string text = line.substr(0, line.find(';'));
     std::string fields[FIELDS_MAX];
     int count = 0;
     const bool isSplit = parseLine(text.c_str(), FIELDS_MAX, &count, fields) == 1;
-    const INI_Key *key = INI_FindKey(WRD_Trim(text.substr(0, text.find(','))));
+    const APP_SettingKey *key = APP_FindKey(TXT_Trim(text.substr(0, text.find(','))));
     if (!key)
         return;
     if (key->isPath)
-        key->read(WRD_Trim(text.substr(0, text.find(','))), ReadPath(line));
+        key->read(TXT_Trim(text.substr(0, text.find(','))), ReadPath(line));
     else if (isSplit && count > 0)
         key->read(fields[0], count > 1 ? fields[1] : "");
 }
@@ -105,7 +107,7 @@ bool ReadLine(std::FILE *file, std::string *line)
 
 // "LINE: what value is outside a to b." when a number of the file is still in force and
 // cannot be meant.
-std::string RangeText(const INI_NumberLine &number, int32_t now, const char *what, int least,
+std::string RangeText(const APP_NumberLine &number, int32_t now, const char *what, int least,
                       int most)
 {
     if (number.line == 0 || number.value != now || (now >= least && now <= most))
@@ -118,9 +120,10 @@ void ReadLines(std::FILE *file)
 {
     std::string line;
     // Editors put a mark in front of UTF-8, which would hide the first key.
-    for (INI_reading.lineNumber = 1; ReadLine(file, &line); ++INI_reading.lineNumber) {
+    for (APP_settingReading.lineNumber = 1; ReadLine(file, &line);
+         ++APP_settingReading.lineNumber) {
         const bool isMarked =
-            INI_reading.lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
+            APP_settingReading.lineNumber == 1 && line.compare(0, 3, "\xEF\xBB\xBF") == 0;
         ApplyLine(isMarked ? line.substr(3) : line);
     }
 }
@@ -128,11 +131,11 @@ void ReadLines(std::FILE *file)
 // Behind what the loaded files had to say themselves.
 void ShowProblems()
 {
-    const std::string range = INI_GetRangeProblem();
+    const std::string range = APP_GetRangeProblem();
     if (!range.empty())
-        INI_reading.problems.push_back(range);
+        APP_settingReading.problems.push_back(range);
     std::string text;
-    for (const std::string &problem : INI_reading.problems)
+    for (const std::string &problem : APP_settingReading.problems)
         text += (text.empty() ? "" : " ") + problem;
     if (text.empty())
         return;
@@ -168,17 +171,17 @@ std::string SettingsText()
 {
     std::string text;
     // The processor first: it decides with which reader a map is read.
-    if (const char *word = INI_ProcessorWord(Procesor))
+    if (const char *word = APP_ProcessorWord(Procesor))
         AddLine(&text, "r", word);
-    if (const char *word = INI_ProtocolWord(VR_nProtocol))
+    if (const char *word = APP_ProtocolWord(VR_nProtocol))
         AddLine(&text, "t", word);
     text += std::string(Option_AutoOff != 0 ? "o+" : "o-") + END_OF_LINE;
     const std::string map = openStruct == OPEN_MAP_FILE ? szMapFileName
-                            : openStruct == OPEN_NONE   ? INI_reading.kept.map
+                            : openStruct == OPEN_NONE   ? APP_settingReading.kept.map
                                                         : ""; // from the target's memory
     AddPath(&text, "m", map, "m");
-    AddPath(&text, "d0", szDebugFileName.empty() ? INI_reading.kept.debugFile : szDebugFileName,
-            "d");
+    AddPath(&text, "d0",
+            szDebugFileName.empty() ? APP_settingReading.kept.debugFile : szDebugFileName, "d");
     for (int i = 0; i < nDebugFileNames; i++)
         AddPath(&text, ("d" + std::to_string(i + 1)).c_str(),
                 szaDebugFileNames[static_cast<size_t>(i)], nullptr);
@@ -190,16 +193,17 @@ std::string SettingsText()
         text += std::string("full") + END_OF_LINE;
     if (VR_isWatchView)
         AddLine(&text, "view", "watch");
-    AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : INI_reading.kept.tmsMap,
+    AddPath(&text, "m2", openTMSStruct != OPEN_NONE ? TMS_mapFile : APP_settingReading.kept.tmsMap,
             nullptr);
-    AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : INI_reading.kept.types, nullptr);
+    AddPath(&text, "tm", TMF_cnDefVars > 0 ? TMF_szFileName : APP_settingReading.kept.types,
+            nullptr);
     AddPath(&text, "set", CFW_GetHeader(), nullptr);
     if (Option_nSweepRate != 1)
         AddLine(&text, "rate",
-                Option_nSweepRate == 0 ? INI_RATE_FAST : std::to_string(Option_nSweepRate));
+                Option_nSweepRate == 0 ? APP_RATE_FAST : std::to_string(Option_nSweepRate));
     if (Option_Echo != 0 && !VR_isEchoOnce)
         text += std::string("echo") + END_OF_LINE;
-    return text + WPL_Lines({"window", "columns", "layout"}, END_OF_LINE);
+    return text + APP_PlaceLines({"window", "columns", "layout"}, END_OF_LINE);
 }
 
 } // namespace
@@ -208,45 +212,46 @@ int OpenIniFile(int)
 {
     DTSC_LoadSettings();
     const char *name = VR_enAppMode == MODE_CONFIGURATION ? "Vireo2Config.ini" : "Vireo2.ini";
-    place = SPL_FindPlace(name);
-    INI_reading = INI_Reading();
-    WPL_Forget();
+    place = PLT_FindSettingsPlace(name);
+    APP_settingReading = APP_SettingReading();
+    APP_ForgetPlaces();
     std::FILE *file = nullptr;
-    const int result = PLF_Open(place.read, FILE_SIZE_MAX, &file);
-    isUnreadable = result != PLF_OK && PLF_Exists(place.read);
-    isMissing = result != PLF_OK && !isUnreadable;
+    const int result = PLT_OpenForReading(place.read, FILE_SIZE_MAX, &file);
+    isUnreadable = result != PLT_FILE_OK && PLT_FileExists(place.read);
+    isMissing = result != PLT_FILE_OK && !isUnreadable;
     if (file != nullptr) {
         ReadLines(file);
         std::fclose(file);
     } else if (isUnreadable) {
-        INI_reading.problems.push_back("Settings file '" + place.read + "' " +
-                                       PLF_ErrorText(result) + ": the settings will not be saved.");
+        APP_settingReading.problems.push_back("Settings file '" + place.read + "' " +
+                                              PLT_FileErrorText(result) +
+                                              ": the settings will not be saved.");
     }
     if (place.isUsersFolder)
-        INI_reading.problems.push_back("Settings are kept in '" + place.write +
-                                       "': this folder cannot be written.");
+        APP_settingReading.problems.push_back("Settings are kept in '" + place.write +
+                                              "': this folder cannot be written.");
     if (Option_ComWin32 != 0)
         UCM_UseWin32(1);
     // The list may stand in the file in front of the maps that its names come from.
     initRgMap(Procesor);
     VR_ResolveWatchList();
     ShowProblems();
-    return result == PLF_OK ? 0 : -2;
+    return result == PLT_FILE_OK ? 0 : -2;
 }
 
-bool INI_IsMissing()
+bool APP_IsSettingsMissing()
 {
     return isMissing;
 }
 
-std::string INI_GetRangeProblem()
+std::string APP_GetRangeProblem()
 {
     const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : STATION_MAX;
     std::string text;
     for (const std::string &problem :
-         {RangeText(INI_reading.baud, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
-          RangeText(INI_reading.port, ncom, "port", 1, PORT_MAX),
-          RangeText(INI_reading.station, STATION, "station", 0, stations)})
+         {RangeText(APP_settingReading.baud, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
+          RangeText(APP_settingReading.port, ncom, "port", 1, PORT_MAX),
+          RangeText(APP_settingReading.station, STATION, "station", 0, stations)})
         text += (text.empty() || problem.empty() ? "" : " ") + problem;
     return text;
 }
@@ -257,15 +262,15 @@ int SaveIniFile()
     // Where the file already says the same there is nothing to save, and a write-protected file is
     // no failure.
     std::string content;
-    if (!isUnreadable && PLF_ReadAll(place.write, FILE_SIZE_MAX, &content) == PLF_OK &&
+    if (!isUnreadable && PLT_ReadFile(place.write, FILE_SIZE_MAX, &content) == PLT_FILE_OK &&
         content == text)
         return 0;
     SafeFile safe;
-    if (!isUnreadable && SAF_Open(&safe, place.write, "wb") == 0) {
+    if (!isUnreadable && PLT_BeginSave(&safe, place.write, "wb") == 0) {
         const bool isWritten = std::fwrite(text.data(), 1, text.size(), safe.file) == text.size();
         if (!isWritten)
-            SAF_Cancel(&safe);
-        else if (SAF_Commit(&safe) == 0)
+            PLT_CancelSave(&safe);
+        else if (PLT_CommitSave(&safe) == 0)
             return 0;
     }
     VR_ShowMessage("Error open Ini file");

@@ -9,9 +9,9 @@
 int OpenIniFile(int panel);
 // 0, also when the file says all that already; or -1: it is untouched, and a message says so.
 int SaveIniFile();
-bool INI_IsMissing(); // there was no settings file at start
+bool APP_IsSettingsMissing(); // there was no settings file at start
 // Baud rate, port or station that the file gave, that are still in force and that cannot be
 // meant, with their lines; "" when all is well.
-std::string INI_GetRangeProblem();
+std::string APP_GetRangeProblem();
 
 #endif

@@ -19,7 +19,7 @@
 #include "watch/main_window.h"
 #include "watch/windows/map_loading.h"
 
-INI_Reading INI_reading;
+APP_SettingReading APP_settingReading;
 
 namespace {
 
@@ -62,10 +62,10 @@ bool IsLoaded(const char *what, const std::string &path, int result, std::string
     if (result >= 0)
         return true;
     const char *reason =
-        result == MAP_ERR_NO_SYMBOL ? MAP_ErrorText(result) : PLF_WhyUnreadable(path);
-    INI_reading.problems.push_back(std::string(what) + " '" + WRD_Visible(path) + "' " + reason +
-                                   ".");
-    *keptLine = INI_reading.lineValue;
+        result == SYM_MAP_ERR_NO_SYMBOL ? SYM_MapErrorText(result) : PLT_WhyUnreadable(path);
+    APP_settingReading.problems.push_back(std::string(what) + " '" + TXT_Visible(path) + "' " +
+                                          reason + ".");
+    *keptLine = APP_settingReading.lineValue;
     return false;
 }
 
@@ -94,7 +94,7 @@ void ReadMapFile(const std::string &, const std::string &path)
         return;
     const bool isTms = IsWordAddressing(Procesor);
     const int result = isTms ? TMSmap2node(path.c_str()) : map2node(path.c_str());
-    if (!IsLoaded("Map file", path, result, &INI_reading.kept.map))
+    if (!IsLoaded("Map file", path, result, &APP_settingReading.kept.map))
         return;
     szMapFileName = path;
     GetFileStamp(&szMapFileStamp, path.c_str()); // a reload looks whether it has changed
@@ -104,7 +104,7 @@ void ReadMapFile(const std::string &, const std::string &path)
 void ReadTmsMapFile(const std::string &, const std::string &path)
 {
     if (path.empty() ||
-        !IsLoaded("Map file", path, TMSmap2node(path.c_str()), &INI_reading.kept.map))
+        !IsLoaded("Map file", path, TMSmap2node(path.c_str()), &APP_settingReading.kept.map))
         return;
     GetFileStamp(&szMapFileStamp, szMapFileName.c_str());
     szMapFileName = path;
@@ -114,7 +114,7 @@ void ReadTmsMapFile(const std::string &, const std::string &path)
 void ReadDebugFile(const std::string &, const std::string &path)
 {
     if (path.empty() ||
-        !IsLoaded("Watch list", path, dat2litems(path.c_str()), &INI_reading.kept.debugFile))
+        !IsLoaded("Watch list", path, dat2litems(path.c_str()), &APP_settingReading.kept.debugFile))
         return;
     szDebugFileName = path;
     SetMainPanelTitle();
@@ -126,15 +126,17 @@ void ReadDebugFile(const std::string &, const std::string &path)
 void ReadSecondMap(const std::string &, const std::string &path)
 {
     if (IsWordAddressing(Procesor))
-        INI_reading.kept.tmsMap = INI_reading.lineValue;
+        APP_settingReading.kept.tmsMap = APP_settingReading.lineValue;
     else if (!path.empty())
-        (void)IsLoaded("Map file", path, TMSmap2node(path.c_str()), &INI_reading.kept.tmsMap);
+        (void)IsLoaded("Map file", path, TMSmap2node(path.c_str()),
+                       &APP_settingReading.kept.tmsMap);
 }
 
 void ReadTypes(const std::string &, const std::string &path)
 {
     if (!path.empty())
-        (void)IsLoaded("Type map file", path, TMF_OpenMap(path.c_str()), &INI_reading.kept.types);
+        (void)IsLoaded("Type map file", path, TMF_OpenMap(path.c_str()),
+                       &APP_settingReading.kept.types);
 }
 
 void ReadRecent(const std::string &, const std::string &path)
@@ -150,19 +152,19 @@ void ReadRecent(const std::string &, const std::string &path)
 void ReadBaud(const std::string &, const std::string &value)
 {
     bRate = ToNumber(value);
-    INI_reading.baud = {INI_reading.lineNumber, bRate};
+    APP_settingReading.baud = {APP_settingReading.lineNumber, bRate};
 }
 
 void ReadPort(const std::string &, const std::string &value)
 {
     ncom = ToNumber(value);
-    INI_reading.port = {INI_reading.lineNumber, ncom};
+    APP_settingReading.port = {APP_settingReading.lineNumber, ncom};
 }
 
 void ReadStation(const std::string &, const std::string &value)
 {
     STATION = ToNumber(value);
-    INI_reading.station = {INI_reading.lineNumber, STATION};
+    APP_settingReading.station = {APP_settingReading.lineNumber, STATION};
 }
 
 // Exactly "WIN32": any other word chooses the run-time library's driver.
@@ -181,7 +183,7 @@ void ReadFullCommands(const std::string &, const std::string &)
 void ReadSweepRate(const std::string &, const std::string &value)
 {
     const int32_t rate = ToNumber(value);
-    if (value == INI_RATE_FAST)
+    if (value == APP_RATE_FAST)
         Option_nSweepRate = 0;
     else if (rate > 0 && RFR_IsRate(rate))
         Option_nSweepRate = rate;
@@ -201,12 +203,12 @@ void ReadView(const std::string &, const std::string &value)
 
 void ReadWindow(const std::string &, const std::string &)
 {
-    WPL_ReadWindow(INI_reading.lineValue);
+    APP_ReadWindow(APP_settingReading.lineValue);
 }
 
 void ReadColumns(const std::string &, const std::string &)
 {
-    WPL_ReadColumns(INI_reading.lineValue);
+    APP_ReadColumns(APP_settingReading.lineValue);
 }
 
 // Opened with the window that shows it: maps may follow in the file.
@@ -217,10 +219,10 @@ void ReadSetHeader(const std::string &, const std::string &path)
 
 void ReadLayout(const std::string &, const std::string &)
 {
-    WPL_ReadLayout(INI_reading.lineValue);
+    APP_ReadLayout(APP_settingReading.lineValue);
 }
 
-constexpr INI_Key KEYS[] = {
+constexpr APP_SettingKey KEYS[] = {
     {"r", false, ReadProcessor},     {"t", false, ReadProtocol},
     {"o+", false, ReadAutoOff},      {"o-", false, ReadAutoOff},
     {"m", true, ReadMapFile},        {"mt", true, ReadTmsMapFile},
@@ -237,21 +239,21 @@ constexpr INI_Key KEYS[] = {
 
 } // namespace
 
-const INI_Key *INI_FindKey(const std::string &text)
+const APP_SettingKey *APP_FindKey(const std::string &text)
 {
     const bool isRecent = text.size() == 2 && text[0] == 'd' && text[1] >= '1' && text[1] <= '9';
-    for (const INI_Key &key : KEYS)
+    for (const APP_SettingKey &key : KEYS)
         if (text == key.key || (isRecent && std::string("d#") == key.key))
             return &key;
     return nullptr;
 }
 
-const char *INI_ProcessorWord(int processor)
+const char *APP_ProcessorWord(int processor)
 {
     return WordOf(PROCESSORS, processor);
 }
 
-const char *INI_ProtocolWord(int protocol)
+const char *APP_ProtocolWord(int protocol)
 {
     return WordOf(PROTOCOLS, protocol);
 }

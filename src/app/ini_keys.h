@@ -8,38 +8,38 @@
 #include <string>
 #include <vector>
 
-constexpr char INI_RATE_FAST[] = "fast"; // sweeps a second: as the line allows
+constexpr char APP_RATE_FAST[] = "fast"; // sweeps a second: as the line allows
 
 // Files that could not be opened, as their lines had them: written again unless another
 // file has taken the place.
-struct INI_KeptFiles {
+struct APP_KeptFiles {
     std::string map, tmsMap, types, debugFile;
 };
 
 // A number and the line that gave it; the menus may have changed it since.
-struct INI_NumberLine {
+struct APP_NumberLine {
     int line = 0; // 0: no line
     int32_t value = 0;
 };
 
-struct INI_Reading {
+struct APP_SettingReading {
     int lineNumber = 0;
     std::string lineValue; // all that stands behind the key, as it stands
     std::vector<std::string> problems;
-    INI_KeptFiles kept;
-    INI_NumberLine baud, port, station;
+    APP_KeptFiles kept;
+    APP_NumberLine baud, port, station;
 };
-extern INI_Reading INI_reading;
+extern APP_SettingReading APP_settingReading;
 
-struct INI_Key {
+struct APP_SettingKey {
     const char *key; // '#' stands for a digit from 1
     bool isPath;
     void (*read)(const std::string &key, const std::string &value);
 };
-const INI_Key *INI_FindKey(const std::string &text); // null: no such key
+const APP_SettingKey *APP_FindKey(const std::string &text); // null: no such key
 
 // The words of the file for a setting; null when it has none.
-const char *INI_ProcessorWord(int processor);
-const char *INI_ProtocolWord(int protocol);
+const char *APP_ProcessorWord(int processor);
+const char *APP_ProtocolWord(int protocol);
 
 #endif

@@ -65,14 +65,14 @@ void Check(int item, bool isOn)
 void CheckOptions()
 {
     for (int item = ITEM_BAUD_FIRST; item <= ITEM_BAUD_LAST; item++)
-        Check(item, OPT_BAUD_RATES[item - ITEM_BAUD_FIRST] == bRate);
+        Check(item, APP_BAUD_RATES[item - ITEM_BAUD_FIRST] == bRate);
     for (const Choice &row : PROTOCOLS)
         Check(row.item, row.value == VR_nProtocol);
     for (const Choice &row : PROCESSORS)
         Check(row.item, row.value == Procesor);
-    for (int port = 1; port <= OPT_MENU_PORTS; port++)
+    for (int port = 1; port <= APP_MENU_PORTS; port++)
         Check(ITEM_PORT_FIRST + port - 1, port == ncom);
-    Check(ITEM_PORT_OTHER, ncom > OPT_MENU_PORTS);
+    Check(ITEM_PORT_OTHER, ncom > APP_MENU_PORTS);
     for (int item = ITEM_STATION_FIRST; item <= ITEM_STATION_LAST; item++)
         Check(item, item - ITEM_STATION_FIRST == STATION);
     for (int item = ITEM_RATE_FIRST; item <= ITEM_RATE_LAST; item++)
@@ -94,7 +94,7 @@ void RefreshRecentItems()
     }
     for (int i = 0; i < nDebugFileNames; i++) {
         const std::string &path = szaDebugFileNames[static_cast<size_t>(i)];
-        const std::string text = "__" + std::to_string(i + 1) + " " + WRD_Visible(path);
+        const std::string text = "__" + std::to_string(i + 1) + " " + TXT_Visible(path);
         const int item = NewMenuItem(menuBar, MENU_FILE, text, ITEM_RECENT_END,
                                      KEY_CTRL | ('1' + i), MenuReopenFileCB);
         anRecentItems[i] = std::max(item, 0);
@@ -119,7 +119,7 @@ std::string MapText()
     case OPEN_NONE:
         return "Map not opened.";
     case OPEN_MAP_FILE:
-        return "Map file: " + WRD_Visible(szMapFileName);
+        return "Map file: " + TXT_Visible(szMapFileName);
     case OPEN_FROM_MEMORY:
         return "Map loaded from memory.";
     default:
@@ -141,7 +141,7 @@ std::string StateTip()
     text += processor != nullptr ? processor->meaning : "unknown";
     text += "\n";
     text += PROTOCOLS[VR_nProtocol == PROTOCOL_MODBUS ? 1 : 0].meaning;
-    text += std::to_string(STATION) + "\nPort " + WRD_Visible(UCM_PortName(ncom)) + " at " +
+    text += std::to_string(STATION) + "\nPort " + TXT_Visible(UCM_PortName(ncom)) + " at " +
             std::to_string(bRate) + " baud";
     text += Option_ComWin32 != 0 ? "\nEchoes of a two-wire line are not skipped (Win32 services)"
                                  : "\nEchoes of a two-wire line are skipped (run-time services)";
@@ -197,7 +197,7 @@ void VR_DimControls()
         EnableItem(item, hasFile);
     EnableCtrl(MAIN_BTN_MAP, hasMap);
     EnableItem(ITEM_RELOAD_MAP, hasMap);
-    LEV_Enable();
+    LSV_Enable();
     if (UCM_IsEchoing() != isEchoShown) // called at the end of each sweep
         SetMainPanelStateLine();
 }
@@ -208,7 +208,7 @@ void VR_ShowSettings()
     static std::vector<int> before;
     const std::vector<int> now = {ncom, bRate, STATION, VR_nProtocol, Option_ComWin32, Option_Echo};
     if (!before.empty() && before != now)
-        MWN_Outdate(MWN_LINK);
+        WIN_Outdate(WIN_TOPIC_LINK);
     before = now;
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
@@ -219,27 +219,27 @@ void VR_ShowSettings()
     VR_DimControls();
     VR_ShowComState();
     // Windows find out by themselves whether what they show depends on what has changed.
-    VSL_SymbolsChanged();
-    DBW_Changed();
-    ARI_NamesChanged();
-    RCI_NamesChanged();
+    SEL_SymbolsChanged();
+    CODE_DebuggerChanged();
+    INS_ArrayNamesChanged();
+    INS_RecordNamesChanged();
     T166_SetPanelAttributes();
-    LCW_SetPanelAttributes();
-    WPL_ApplyColumns();
-    CNP_Refresh();
+    TRM_SetLcdPanelAttributes();
+    APP_ApplyColumns();
+    APP_RefreshConnectPage();
 }
 
 void VR_ShowComState()
 {
     static bool wasOn = false;
     if (wasOn && isTimer == 0)
-        MWN_Outdate(MWN_LINK);
+        WIN_Outdate(WIN_TOPIC_LINK);
     wasOn = isTimer != 0;
     const int menuBar = GetPanelMenuBar(mainPanel);
     SetCtrlVal(mainPanel, MAIN_COMM, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_CHECKED, isTimer != 0);
     SetMenuBarAttribute(menuBar, ITEM_CLOSE_PORT, ATTR_DIMMED, UCM_IsOpened() == 0);
     RFR_ShowCommunication();
-    STP_Refresh();
-    TRP_Refresh();
+    DIA_RefreshStatistics();
+    DIA_RefreshTrace();
 }

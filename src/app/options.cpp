@@ -50,16 +50,16 @@ bool IsDeviceName(const std::string &text)
 
 } // namespace
 
-int OPT_UsePort(const std::string &text)
+int APP_UsePort(const std::string &text)
 {
-    const std::string name = WRD_Trim(text);
+    const std::string name = TXT_Trim(text);
     int number = 0;
     if (IsDeviceName(name)) {
-        const int result = PTL_Use(name, &number);
+        const int result = SER_PortUse(name, &number);
         if (result != 0) {
-            const std::string device = "device '" + WRD_Visible(name) + "'";
+            const std::string device = "device '" + TXT_Visible(name) + "'";
             MessagePopup("Error",
-                         result == PTL_ERR_MISSING
+                         result == SER_PORT_ERR_MISSING
                              ? "There is no " + device + "."
                              : "The " + device +
                                    " cannot be given a number: the folder of the links cannot be "
@@ -69,14 +69,14 @@ int OPT_UsePort(const std::string &text)
     } else {
         // What is no number is port 1, as it always was.
         const long typed = std::strtol(name.c_str(), nullptr, 10);
-        number = static_cast<int>(std::clamp(typed, 1L, static_cast<long>(PTL_NUMBER_MAX)));
+        number = static_cast<int>(std::clamp(typed, 1L, static_cast<long>(SER_NUMBER_MAX)));
     }
     ncom = number;
     VR_Reopen();
     return 0;
 }
 
-void OPT_UseProcessor(int processor)
+void APP_UseProcessor(int processor)
 {
     if (Procesor == processor)
         return;
@@ -90,7 +90,7 @@ void OPT_UseProcessor(int processor)
 void BRateCB(int, int item)
 {
     if (item >= ITEM_BAUD_FIRST && item <= ITEM_BAUD_LAST) {
-        bRate = OPT_BAUD_RATES[item - ITEM_BAUD_FIRST];
+        bRate = APP_BAUD_RATES[item - ITEM_BAUD_FIRST];
         VR_Reopen();
     }
     SetMainPanelAttributes();
@@ -98,14 +98,14 @@ void BRateCB(int, int item)
 
 void PortCB(int, int item)
 {
-    if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + OPT_MENU_PORTS) {
+    if (item >= ITEM_PORT_FIRST && item < ITEM_PORT_FIRST + APP_MENU_PORTS) {
         ncom = item - ITEM_PORT_FIRST + 1;
         VR_Reopen();
     } else if (item == ITEM_PORT_OTHER) {
         std::string text = std::to_string(ncom);
         // A number, a path or tcp:...: a path may be as long as paths are.
         if (PromptPopup("Prompt", PORT_QUESTION, &text, PATH_MAX_CHARS - 1) >= 0)
-            OPT_UsePort(text);
+            APP_UsePort(text);
     }
     SetMainPanelAttributes();
 }
@@ -121,7 +121,7 @@ void ProcesorCB(int, int item)
 {
     const bool isKnown = item >= ITEM_CPU_C166 && item <= ITEM_CPU_F2803X;
     if (isKnown)
-        OPT_UseProcessor(PROCESSORS[item - ITEM_CPU_C166]);
+        APP_UseProcessor(PROCESSORS[item - ITEM_CPU_C166]);
     SetMainPanelAttributes();
 }
 

@@ -7,13 +7,13 @@
 #include <string>
 
 // What the menus of baud rate and processor offer, in the order of their items.
-constexpr int32_t OPT_BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
-constexpr int OPT_MENU_PORTS = 9; // COM1 to COM9; others by number or device
+constexpr int32_t APP_BAUD_RATES[] = {9600, 19200, 38400, 57600, 115200};
+constexpr int APP_MENU_PORTS = 9; // COM1 to COM9; others by number or device
 
 // A port by number ("12") or by the path of its device, which gets a number when it has
 // none. 0, or -1 with a message and nothing changed.
-int OPT_UsePort(const std::string &text);
-void OPT_UseProcessor(int processor); // names and watch list follow
+int APP_UsePort(const std::string &text);
+void APP_UseProcessor(int processor); // names and watch list follow
 
 int CommSwitchCB(int panel, int control, int event, int data);
 void ConnectCB(int menuBar, int item);

@@ -27,33 +27,33 @@ int progressDialog = -1; // of the one map that is being loaded
 
 void ShowLinkMessage(const std::string &text)
 {
-    VR_ShowMessage(text, MWN_LINK);
+    VR_ShowMessage(text, WIN_TOPIC_LINK);
 }
 
 void ShowMapMessage(const std::string &text)
 {
-    VR_ShowMessage(text, MWN_MAP);
+    VR_ShowMessage(text, WIN_TOPIC_MAP);
 }
 
 // A new link starts with a clean count at the first visible line, and with a word about
 // settings that cannot work.
 void BeginRun()
 {
-    MWN_Outdate(MWN_LINK);
-    const std::string problem = INI_GetRangeProblem();
+    WIN_Outdate(WIN_TOPIC_LINK);
+    const std::string problem = APP_GetRangeProblem();
     if (!problem.empty())
         ShowLinkMessage(problem);
     RFR_BeginSweep();
-    AGE_EndRun(); // perhaps another port, and another target on it
+    RFR_EndAgeRun(); // perhaps another port, and another target on it
     nErrors = 0;
 }
 
 void ShowComState()
 {
     VR_ShowComState();
-    RCW_ShowCommunication();
+    REC_ShowCommunication();
     T166_ShowCommunication();
-    LCW_SetPanelAttributes();
+    TRM_SetLcdPanelAttributes();
 }
 
 // Takes a message away unless another one has replaced it since.
@@ -79,7 +79,7 @@ void ShowWaiting(int station)
 bool MayReplace(const std::string &path)
 {
     return ConfirmPopup("Vireo2",
-                        "The file '" + WRD_Visible(path) +
+                        "The file '" + TXT_Visible(path) +
                             "' is write-protected. Replace it all the same?",
                         UI_DEFAULT_NO) == 1;
 }
@@ -118,16 +118,16 @@ void VR_ConnectRooms()
     UCM_SetListener(exchange);
 
     RFR_Recorder recorder;
-    recorder.record = RCW_Record;
-    recorder.tick = RCW_Tick;
+    recorder.record = REC_RecordWatch;
+    recorder.tick = REC_StepWatch;
     recorder.terminal = T166_Read;
     RFR_SetRecorder(recorder);
 
-    ADR_SetResolver(SYM_ResolveName);
+    COM_SetNameResolver(SYM_ResolveName);
 
     SYM_Listener names = {};
     // Watch list, windows and completion hold addresses that came from names.
-    names.namesChanged = NCH_NamesChanged;
+    names.namesChanged = LIT_NamesChanged;
     names.showMessage = ShowMapMessage;
     names.warn = Warn;
     names.beginProgress = BeginProgress;
@@ -135,11 +135,11 @@ void VR_ConnectRooms()
     names.endProgress = EndProgress;
     SYM_SetListener(names);
 
-    SAF_SetQuestion(MayReplace);
+    PLT_SetSaveQuestion(MayReplace);
 
-    MWN_Host window = {};
+    WIN_MainHost window = {};
     window.showSettings = VR_ShowSettings;
     window.enableControls = VR_DimControls;
     window.showView = VR_ShowView;
-    MWN_SetHost(window);
+    WIN_SetMainHost(window);
 }

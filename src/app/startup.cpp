@@ -80,7 +80,7 @@ void EndAtOnce()
 {
     VIR2_StopPeriodicASC();
     TGT_Stop(); // what is saved are the settings of before
-    GRW_OnQuit();
+    GRA_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const bool isSaved = SaveIniFile() == 0 && isScopeSaved && IsDBGChange == 0;
     QuitUserInterface(isSaved ? 0 : EXIT_UNSAVED);
@@ -117,9 +117,9 @@ int VR_StartUp(int argc, char **argv)
     for (const std::string &remark : VR_GetCmdLineRemarks(argc, argv))
         remarks += (remarks.empty() ? "" : " ") + remark;
     if (!remarks.empty())
-        std::fprintf(stderr, "%s\n", WRD_Visible(remarks).c_str());
+        std::fprintf(stderr, "%s\n", TXT_Visible(remarks).c_str());
     std::string message;
-    VR_isTypesFailed = !VR_szTypesOption.empty() && MLD_OpenTypes(VR_szTypesOption, &message) < 0;
+    VR_isTypesFailed = !VR_szTypesOption.empty() && WIN_OpenTypeMap(VR_szTypesOption, &message) < 0;
     if (VR_isTypesFailed)
         VR_ShowMessage("Error: " + message);
     SetMainPanelAttributes();
@@ -149,11 +149,11 @@ int ExitApplication(int)
 {
     if (DbgChngSafety() < 0)
         return -1;
-    RCW_Stop(); // its last rounds are proven over the line
+    REC_StopWatch(); // its last rounds are proven over the line
     VIR2_StopPeriodicASC();
     TGT_Stop();
     QuitUserInterface(0);
-    GRW_OnQuit();
+    GRA_OnQuit();
     const bool isScopeSaved = DTSC_SaveSettings() == 0;
     const int code = SaveIniFile() < 0 || !isScopeSaved ? EXIT_UNSAVED : 0;
     // Asked for twice: a pop-up that a save opened may have taken the first request.

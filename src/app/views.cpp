@@ -120,10 +120,13 @@ struct WindowItem {
     void (*opened)(); // may be null
 };
 constexpr WindowItem WINDOW_ITEMS[] = {
-    {ITEM_STATISTICS, PANEL_STATISTICS, STP_Opened}, {ITEM_TRACE, PANEL_TRACE, TRP_Opened},
-    {ITEM_LOADER, PANEL_LOADER, LDW_Opened},         {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
-    {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},         {ITEM_DEBUGGER, PANEL_DEBUGGER, DBW_Opened},
-    {ITEM_SIMULATOR, PANEL_SIMULATOR, TGW_Opened},
+    {ITEM_STATISTICS, PANEL_STATISTICS, DIA_StatisticsOpened},
+    {ITEM_TRACE, PANEL_TRACE, DIA_TraceOpened},
+    {ITEM_LOADER, PANEL_LOADER, LDR_WindowOpened},
+    {ITEM_SCOPE, PANEL_SCOPE, DTSC_Opened},
+    {ITEM_CONFIG, PANEL_CONFIG, CFW_Opened},
+    {ITEM_DEBUGGER, PANEL_DEBUGGER, CODE_DebuggerOpened},
+    {ITEM_SIMULATOR, PANEL_SIMULATOR, TGT_WindowOpened},
 };
 
 } // namespace
@@ -155,7 +158,7 @@ int PanelCB(int panel, int event, int data)
         OnResize();
         return 0;
     case EVENT_ACTIVATED: // an editor may have been in front
-        DBG_CheckReload(panel);
+        LIT_CheckReload(panel);
         return 0;
     default:
         return 0;

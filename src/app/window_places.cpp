@@ -108,7 +108,7 @@ void UsePlace(int panel)
 
 } // namespace
 
-void WPL_Forget()
+void APP_ForgetPlaces()
 {
     laterPlaces.clear();
     readPlaces.clear();
@@ -116,7 +116,7 @@ void WPL_Forget()
     firstWidths.clear();
 }
 
-void WPL_ReadWindow(const std::string &value)
+void APP_ReadWindow(const std::string &value)
 {
     const Numbers numbers = ToNumbers(value);
     if (numbers.size() != 5 || !IsWithin(numbers[0], 1, PANELS_MAX - 1) ||
@@ -132,7 +132,7 @@ void WPL_ReadWindow(const std::string &value)
         laterPlaces.insert(numbers[0]);
 }
 
-void WPL_ReadColumns(const std::string &value)
+void APP_ReadColumns(const std::string &value)
 {
     const Numbers numbers = ToNumbers(value);
     if (numbers.size() < 3 || numbers.size() > COLUMNS_MAX + 2)
@@ -143,7 +143,7 @@ void WPL_ReadColumns(const std::string &value)
     readWidths[{numbers[0], numbers[1]}] = Numbers(numbers.begin() + 2, numbers.end());
 }
 
-void WPL_ReadLayout(const std::string &value)
+void APP_ReadLayout(const std::string &value)
 {
     UI_Layout layout;
     std::istringstream stream(value);
@@ -155,7 +155,7 @@ void WPL_ReadLayout(const std::string &value)
         SetViewLayout(layout);
 }
 
-void WPL_ApplyColumns()
+void APP_ApplyColumns()
 {
     for (auto panel = laterPlaces.begin(); panel != laterPlaces.end();) {
         const bool isLoaded = IsLoaded(*panel);
@@ -175,7 +175,7 @@ void WPL_ApplyColumns()
         }
 }
 
-std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine)
+std::string APP_PlaceLines(const APP_PlaceKeys &keys, const char *endOfLine)
 {
     std::map<int, Numbers> places = readPlaces;
     std::map<std::pair<int, int>, Numbers> widths = readWidths;

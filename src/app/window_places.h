@@ -6,17 +6,17 @@
 
 #include <string>
 
-void WPL_Forget(); // before a settings file is read
+void APP_ForgetPlaces(); // before a settings file is read
 // The values of the keys, as they stand in the file; what makes no sense is ignored.
-void WPL_ReadWindow(const std::string &value);  // "PANEL LEFT TOP WIDTH HEIGHT", pixels
-void WPL_ReadColumns(const std::string &value); // "PANEL CONTROL WIDTH WIDTH ...", pixels
-void WPL_ReadLayout(const std::string &value);  // "NAME NUMBER NUMBER ...", the view's own
+void APP_ReadWindow(const std::string &value);  // "PANEL LEFT TOP WIDTH HEIGHT", pixels
+void APP_ReadColumns(const std::string &value); // "PANEL CONTROL WIDTH WIDTH ...", pixels
+void APP_ReadLayout(const std::string &value);  // "NAME NUMBER NUMBER ...", the view's own
 // Gives lists that have got their columns since the last call the widths read for them.
-void WPL_ApplyColumns();
+void APP_ApplyColumns();
 // The lines to be written, each behind its key and ended by `endOfLine`.
-struct WPL_Keys {
+struct APP_PlaceKeys {
     const char *window, *columns, *layout;
 };
-std::string WPL_Lines(const WPL_Keys &keys, const char *endOfLine);
+std::string APP_PlaceLines(const APP_PlaceKeys &keys, const char *endOfLine);
 
 #endif

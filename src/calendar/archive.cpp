@@ -25,7 +25,7 @@ struct OpenFile {
     std::FILE *file = nullptr;
     explicit OpenFile(const char *name)
     {
-        (void)PLF_Open(name, PLF_ANY_SIZE, &file);
+        (void)PLT_OpenForReading(name, PLT_FILE_ANY_SIZE, &file);
     }
     ~OpenFile()
     {
@@ -177,17 +177,17 @@ int QAR_CheckMembers(const std::vector<std::string> &fileNames, std::string *mes
         const std::string &name = fileNames[i];
         const size_t path = name.find_last_of("/\\:");
         std::FILE *file = nullptr;
-        const int result = PLF_Open(name, QAR_FILE_MAX, &file);
+        const int result = PLT_OpenForReading(name, QAR_FILE_MAX, &file);
         if (file != nullptr)
             std::fclose(file);
         if (path != std::string::npos)
             *message = "member '" + name + "' has a path, but a reader looks for '" +
                        name.substr(path + 1) + "': name it so, in its own folder";
-        else if (result == PLF_ERR_LARGE)
+        else if (result == PLT_FILE_ERR_LARGE)
             *message = "member '" + name + "' has more than 128 MiB";
-        else if (result != PLF_OK)
-            *message = "member '" + name + "' " + PLF_ErrorText(result);
-        else if (WRD_Visible(name) != name || name.size() > QAR_NAME_MAX) // control characters
+        else if (result != PLT_FILE_OK)
+            *message = "member '" + name + "' " + PLT_FileErrorText(result);
+        else if (TXT_Visible(name) != name || name.size() > QAR_NAME_MAX) // control characters
             *message = "the name of member " + std::to_string(i + 1) + " does not fit a header";
         else if (std::find(fileNames.begin(), fileNames.begin() + static_cast<long>(i), name) !=
                  fileNames.begin() + static_cast<long>(i))
@@ -202,16 +202,16 @@ int QAR_CheckMembers(const std::vector<std::string> &fileNames, std::string *mes
 int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames)
 {
     SafeFile safe;
-    if (fileNames.empty() || SAF_Open(&safe, archiveName, "wb") != 0)
+    if (fileNames.empty() || PLT_BeginSave(&safe, archiveName, "wb") != 0)
         return -1;
     const long count = static_cast<long>(fileNames.size());
     for (long i = 0; i < count; i++) { // the header says how many follow: all or none
         if (QAR_Add_file(safe.file, fileNames[static_cast<size_t>(i)].c_str(), i + 1, count) != 0) {
-            SAF_Cancel(&safe);
+            PLT_CancelSave(&safe);
             return -1;
         }
     }
-    return SAF_Commit(&safe);
+    return PLT_CommitSave(&safe);
 }
 
 int QAR_Create_archiv(int argumentCount, const char *const *arguments)

@@ -36,7 +36,7 @@ bool ReadTypedAddress(int control, uint32_t *address)
     *address = GetSysAddr(text.c_str());
     if (*address != ADDR_NONE && text.find('&') == std::string::npos)
         return true;
-    DBW_ShowOutcome(ADR_UnknownText(text), COLOR_BAD);
+    CODE_ShowDebuggerOutcome(COM_UnknownNameText(text), COLOR_BAD);
     return false;
 }
 
@@ -44,9 +44,9 @@ void ShowTypedCode()
 {
     uint32_t address = 0;
     if (!CODE_CanDecode())
-        DBW_ShowOutcome(DBW_ONLY_C166);
+        CODE_ShowDebuggerOutcome(CODE_ONLY_C166);
     else if (ReadTypedAddress(DEBUG_PLACE, &address))
-        DBW_ShowCode(address & ~1u); // instructions stand at even addresses
+        CODE_ShowCode(address & ~1u); // instructions stand at even addresses
 }
 
 // Only once: after that the columns have the widths the user gave them.
@@ -77,26 +77,26 @@ void Prepare()
     if (!isPrepared)
         SetColumns();
     isPrepared = true;
-    DBV_FillGroups();
+    CODE_FillGroups();
     for (const int control : {DEBUG_PLACE, DEBUG_MEM_PLACE})
-        SetCtrlCompletion(PANEL, control, NCM_CompleteCB);
+        SetCtrlCompletion(PANEL, control, WIN_CompleteNameCB);
     SetCtrlAttribute(PANEL, DEBUG_TIMER, ATTR_INTERVAL, PERIOD_S);
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
 }
 
 } // namespace
 
-void DBW_Opened()
+void CODE_DebuggerOpened()
 {
     Prepare();
     SetCtrlVal(PANEL, DEBUG_LIVE, 1);
     SetActiveCtrl(PANEL, DEBUG_PLACE);
-    DBW_ShowWhere();
+    CODE_ShowWhere();
     if (isTimer != 0)
-        DBW_Refresh();
+        CODE_RefreshDebugger();
 }
 
-void DBW_Changed()
+void CODE_DebuggerChanged()
 {
     const std::string source =
         std::to_string(Procesor) + " " + std::to_string(STATION) + " " + szMapFileName;
@@ -105,14 +105,14 @@ void DBW_Changed()
     if (!isPrepared || isSame)
         return;
     // Decoded and named by what is not true any more.
-    DBW_ForgetCode();
+    CODE_ForgetCode();
     ClearListCtrl(PANEL, DEBUG_MEMORY);
     Prepare();
     if (IsShown())
-        DBW_ShowWhere();
+        CODE_ShowWhere();
 }
 
-int DBW_PanelCB(int panel, int event, int data)
+int CODE_DebuggerPanelCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
         return 0;
@@ -120,63 +120,63 @@ int DBW_PanelCB(int panel, int event, int data)
     return 1;
 }
 
-int DBW_PlaceCB(int, int, int event, int)
+int CODE_PlaceCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
         ShowTypedCode();
     return 0;
 }
 
-int DBW_ButtonCB(int, int control, int event, int)
+int CODE_DebuggerButtonCB(int, int control, int event, int)
 {
     constexpr struct {
         int control;
         void (*act)();
     } ACTIONS[] = {{DEBUG_GO, ShowTypedCode},
-                   {DEBUG_BACK, DBW_GoBack},
-                   {DEBUG_FOLLOW, DBW_FollowJump},
-                   {DEBUG_MORE, DBW_ReadMore},
-                   {DEBUG_COPY, DBW_CopyCode}};
+                   {DEBUG_BACK, CODE_GoBack},
+                   {DEBUG_FOLLOW, CODE_FollowJump},
+                   {DEBUG_MORE, CODE_ReadMoreCode},
+                   {DEBUG_COPY, CODE_CopyCode}};
     for (const auto &row : ACTIONS)
         if (event == EVENT_COMMIT && row.control == control)
             row.act();
     return 0;
 }
 
-int DBW_LiveCB(int, int, int event, int)
+int CODE_LiveCB(int, int, int event, int)
 {
     int isOn = 0;
     if (event != EVENT_COMMIT || GetCtrlVal(PANEL, DEBUG_LIVE, &isOn) < 0)
         return 0;
     if (isOn == 0)
-        DBV_MarkOld(); // what stays on the screen looks like what it is
+        CODE_MarkOld(); // what stays on the screen looks like what it is
     else if (VR_EnsureCom())
-        DBW_Refresh();
+        CODE_RefreshDebugger();
     return 0;
 }
 
-int DBW_CodeCB(int, int, int event, int data)
+int CODE_CodeCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED) {
-        DBW_EnableButtons();
-        if (!DBW_HasFailed()) // else its reason stays to be read
-            DBW_ShowWhere();
+        CODE_EnableDebuggerButtons();
+        if (!CODE_HasFailed()) // else its reason stays to be read
+            CODE_ShowWhere();
     } else if (event == EVENT_COMMIT || event == EVENT_LEFT_DOUBLE_CLICK ||
                (event == EVENT_KEYPRESS && data == KEY_RIGHT))
-        DBW_FollowJump();
+        CODE_FollowJump();
     else if (event == EVENT_KEYPRESS && (data == KEY_LEFT || data == KEY_BACKSPACE))
-        DBW_GoBack();
+        CODE_GoBack();
     return event == EVENT_KEYPRESS ? 1 : 0;
 }
 
-int DBW_GroupCB(int, int, int event, int)
+int CODE_GroupCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && VR_EnsureCom())
-        DBW_Refresh();
+        CODE_RefreshDebugger();
     return 0;
 }
 
-int DBW_RegistersCB(int, int, int event, int)
+int CODE_RegistersCB(int, int, int event, int)
 {
     int line = -1;
     std::string cause;
@@ -184,27 +184,27 @@ int DBW_RegistersCB(int, int, int event, int)
         return 0;
     // The others are read with every refresh; this one only now, since reading it has an effect.
     GetCtrlIndex(PANEL, DEBUG_REGISTERS, &line);
-    if (VR_EnsureCom() && DBV_ReadTouchy(line, &cause) < 0)
-        DBW_ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
+    if (VR_EnsureCom() && CODE_ReadTouchy(line, &cause) < 0)
+        CODE_ShowDebuggerOutcome("Not read: " + cause + ".", COLOR_BAD);
     return 0;
 }
 
-int DBW_MemPlaceCB(int, int, int event, int)
+int CODE_MemPlaceCB(int, int, int event, int)
 {
     uint32_t address = 0;
     if (event != EVENT_COMMIT || !ReadTypedAddress(DEBUG_MEM_PLACE, &address))
         return 0;
-    DBV_SetMemory(address);
+    CODE_SetMemory(address);
     if (VR_EnsureCom())
-        DBW_Refresh();
+        CODE_RefreshDebugger();
     return 0;
 }
 
-int DBW_TimerCB(int, int, int, int)
+int CODE_DebuggerTimerCB(int, int, int, int)
 {
     int isOn = 0;
     GetCtrlVal(PANEL, DEBUG_LIVE, &isOn);
-    if (isTimer != 0 && isOn != 0 && IsShown() && !DBW_IsPausing())
-        DBW_Refresh();
+    if (isTimer != 0 && isOn != 0 && IsShown() && !CODE_IsPausing())
+        CODE_RefreshDebugger();
     return 0;
 }

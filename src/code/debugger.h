@@ -7,19 +7,20 @@
 
 #include <cstdint>
 
-void DBW_Opened(); // the window was shown
+void CODE_DebuggerOpened(); // the window was shown
 // The settings may have changed. Another processor, map or station: what is shown belongs to
 // the one before and goes.
-void DBW_Changed();
+void CODE_DebuggerChanged();
 
-int DBW_PanelCB(int panel, int event, int data);
-int DBW_PlaceCB(int panel, int control, int event, int data);
-int DBW_ButtonCB(int panel, int control, int event, int data); // go, back, follow, more, copy
-int DBW_LiveCB(int panel, int control, int event, int data);
-int DBW_CodeCB(int panel, int control, int event, int data);
-int DBW_GroupCB(int panel, int control, int event, int data);
-int DBW_RegistersCB(int panel, int control, int event, int data);
-int DBW_MemPlaceCB(int panel, int control, int event, int data);
-int DBW_TimerCB(int panel, int control, int event, int data);
+int CODE_DebuggerPanelCB(int panel, int event, int data);
+int CODE_PlaceCB(int panel, int control, int event, int data);
+int CODE_DebuggerButtonCB(int panel, int control, int event,
+                          int data); // go, back, follow, more, copy
+int CODE_LiveCB(int panel, int control, int event, int data);
+int CODE_CodeCB(int panel, int control, int event, int data);
+int CODE_GroupCB(int panel, int control, int event, int data);
+int CODE_RegistersCB(int panel, int control, int event, int data);
+int CODE_MemPlaceCB(int panel, int control, int event, int data);
+int CODE_DebuggerTimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -55,10 +55,10 @@ std::vector<UI_Cell> MakeCells(const CODE_Instruction &instruction)
         names = here + ":" + (names.empty() ? "" : "  ") + names;
     const unsigned style = !instruction.isValid ? UIS_DIM : isStart ? UIS_BOLD : UIS_NORMAL;
     return {{SEL_AddressText(instruction.address), style, here},
-            {BYT_Hex(instruction.bytes, instruction.length), UIS_DIM, ""},
+            {TXT_FormatHexBytes(instruction.bytes, instruction.length), UIS_DIM, ""},
             {CODE_FormatInstruction(instruction), style, names},
             {names, UIS_NORMAL, names},
-            {DBV_FormatOperands(instruction), UIS_NORMAL, "as last read"}};
+            {CODE_FormatOperands(instruction), UIS_NORMAL, "as last read"}};
 }
 
 // Of lines in front of `first` nothing is drawn again.
@@ -68,7 +68,7 @@ void AppendLines(size_t first)
         InsertListItem(PANEL, DEBUG_CODE, -1, SEL_AddressText(code[i].address), 0);
         SetListCells(PANEL, DEBUG_CODE, static_cast<int>(i), MakeCells(code[i]));
     }
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
 }
 
 // The values in view. A line out of view loses its own: no refresh has read it again.
@@ -80,7 +80,7 @@ void ShowValues(int first, int lines)
         if (GetListCells(PANEL, DEBUG_CODE, line, &cells) < 0 || cells.size() <= COLUMN_VALUES)
             continue;
         const bool isInView = line >= first && line < first + lines;
-        const std::string text = isInView ? DBV_FormatOperands(code[i]) : "";
+        const std::string text = isInView ? CODE_FormatOperands(code[i]) : "";
         if (cells[COLUMN_VALUES].text == text)
             continue;
         cells[COLUMN_VALUES].text = text;
@@ -91,9 +91,9 @@ void ShowValues(int first, int lines)
 bool ReadCode(uint32_t address, std::vector<CODE_Instruction> *fresh)
 {
     std::string cause;
-    if (CODE_Read(STATION, address, PAGE_LINES, DBV_GetPages(), fresh, &cause) == 0)
+    if (CODE_Read(STATION, address, PAGE_LINES, CODE_GetPages(), fresh, &cause) == 0)
         return true;
-    DBW_ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
+    CODE_ShowDebuggerOutcome("Not read: " + cause + ".", COLOR_BAD);
     return false;
 }
 
@@ -102,10 +102,10 @@ bool ShowCodeAt(uint32_t address, int line)
 {
     std::vector<CODE_Instruction> fresh;
     if (!VR_EnsureCom()) {
-        DBW_ShowOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
+        CODE_ShowDebuggerOutcome(std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
         return false;
     }
-    if (!DBW_Refresh() || !ReadCode(address, &fresh))
+    if (!CODE_RefreshDebugger() || !ReadCode(address, &fresh))
         return false;
     code = fresh; // only now: what was shown stays when this cannot be read
     ClearListCtrl(PANEL, DEBUG_CODE);
@@ -113,28 +113,28 @@ bool ShowCodeAt(uint32_t address, int line)
     SetCtrlIndex(PANEL, DEBUG_CODE, std::min(line, static_cast<int>(code.size()) - 1));
     const std::string name = SYM_AddressToName(address);
     SetCtrlVal(PANEL, DEBUG_PLACE, name.empty() ? "$" + SEL_AddressText(address) : name);
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
     return true;
 }
 
 } // namespace
 
-void DBW_ShowOutcome(const std::string &text, int color)
+void CODE_ShowDebuggerOutcome(const std::string &text, int color)
 {
     SetCtrlAttribute(PANEL, DEBUG_MESSAGE, ATTR_TEXT_COLOR, color);
     SetCtrlVal(PANEL, DEBUG_MESSAGE, text);
 }
 
-void DBW_ShowWhere()
+void CODE_ShowWhere()
 {
     const int line = GetLine();
     const uint32_t address = line >= 0 ? code[static_cast<size_t>(line)].address : 0;
     const std::string name = line >= 0 ? SYM_AddressToName(address) : "";
-    DBW_ShowOutcome((CODE_CanDecode() ? LIVE_VIEW : DBW_ONLY_C166) +
-                    (name.empty() ? "" : "  " + SEL_AddressText(address) + ": " + name));
+    CODE_ShowDebuggerOutcome((CODE_CanDecode() ? LIVE_VIEW : CODE_ONLY_C166) +
+                             (name.empty() ? "" : "  " + SEL_AddressText(address) + ": " + name));
 }
 
-void DBW_EnableButtons()
+void CODE_EnableDebuggerButtons()
 {
     const int line = GetLine();
     const bool canFollow = line >= 0 && code[static_cast<size_t>(line)].target != CODE_NO_ADDRESS;
@@ -145,7 +145,7 @@ void DBW_EnableButtons()
     SetCtrlAttribute(PANEL, DEBUG_GO, ATTR_DIMMED, !CODE_CanDecode());
 }
 
-bool DBW_Refresh()
+bool CODE_RefreshDebugger()
 {
     std::string cause;
     int first = 0, lines = 0;
@@ -153,27 +153,27 @@ bool DBW_Refresh()
     GetCtrlAttribute(PANEL, DEBUG_CODE, ATTR_LINES_IN_VIEW, &lines);
     if (lines <= 0) // no view has said how many it shows
         lines = PAGE_LINES;
-    const int result = DBV_Refresh(CODE_CanDecode() ? &code : nullptr, first, lines, &cause);
+    const int result = CODE_RefreshValues(CODE_CanDecode() ? &code : nullptr, first, lines, &cause);
     failedMs = result == 0 ? 0 : std::max(PLT_TickMs(), 1u); // the clock may stand at 0
     ShowValues(first, result == 0 ? lines : 0);
     if (result != 0)
-        DBW_ShowOutcome("Not read: " + cause + ".", COLOR_BAD);
+        CODE_ShowDebuggerOutcome("Not read: " + cause + ".", COLOR_BAD);
     else
-        DBW_ShowWhere();
+        CODE_ShowWhere();
     return result == 0;
 }
 
-bool DBW_HasFailed()
+bool CODE_HasFailed()
 {
     return failedMs != 0;
 }
 
-bool DBW_IsPausing()
+bool CODE_IsPausing()
 {
     return failedMs != 0 && PLT_TickMs() - failedMs < PAUSE_MS;
 }
 
-void DBW_ShowCode(uint32_t address)
+void CODE_ShowCode(uint32_t address)
 {
     Place from;
     if (!code.empty())
@@ -184,22 +184,22 @@ void DBW_ShowCode(uint32_t address)
     places.push_back(from);
     if (places.size() > PLACES_MAX)
         places.erase(places.begin());
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
 }
 
-void DBW_FollowJump()
+void CODE_FollowJump()
 {
     const int line = GetLine();
     if (line < 0)
         return;
     const uint32_t target = code[static_cast<size_t>(line)].target;
     if (target == CODE_NO_ADDRESS)
-        DBW_ShowOutcome("This instruction jumps nowhere that is known before it runs.");
+        CODE_ShowDebuggerOutcome("This instruction jumps nowhere that is known before it runs.");
     else
-        DBW_ShowCode(target);
+        CODE_ShowCode(target);
 }
 
-void DBW_GoBack()
+void CODE_GoBack()
 {
     if (places.empty())
         return;
@@ -207,10 +207,10 @@ void DBW_GoBack()
     const Place place = places.back();
     if (ShowCodeAt(place.address, place.line))
         places.pop_back();
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
 }
 
-void DBW_ReadMore()
+void CODE_ReadMoreCode()
 {
     if (code.empty() || code.size() >= LINES_MAX)
         return;
@@ -223,19 +223,19 @@ void DBW_ReadMore()
     code.insert(code.end(), fresh.begin(), fresh.end());
     AppendLines(before);
     SetCtrlIndex(PANEL, DEBUG_CODE, static_cast<int>(before));
-    DBW_EnableButtons();
+    CODE_EnableDebuggerButtons();
 }
 
-void DBW_CopyCode()
+void CODE_CopyCode()
 {
     std::string text;
     for (const CODE_Instruction &instruction : code)
         text += CODE_FormatLine(instruction) + "\n";
     if (ClipboardPutText(text) == 0)
-        DBW_ShowOutcome("Copied: " + std::to_string(code.size()) + " instructions.");
+        CODE_ShowDebuggerOutcome("Copied: " + std::to_string(code.size()) + " instructions.");
 }
 
-void DBW_ForgetCode()
+void CODE_ForgetCode()
 {
     code.clear();
     places.clear();

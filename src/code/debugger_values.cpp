@@ -38,7 +38,7 @@ struct Line {
 std::vector<CODE_RegisterGroup> groups;
 std::vector<Line> registerLines; // as shown
 uint32_t memoryAddress = CODE_NO_ADDRESS;
-LVR_Set live; // of the last refresh
+CODE_LiveReads live; // of the last refresh
 uint32_t contextPointer = CODE_NO_ADDRESS, stackPointer = CODE_NO_ADDRESS;
 std::vector<std::pair<uint32_t, uint32_t>> lastValues; // of the registers shown, by address
 
@@ -124,7 +124,7 @@ void FillRegisterList()
     for (size_t i = 0; i < registerLines.size(); ++i) {
         uint32_t value = 0;
         const bool isRead = !registerLines[i].isTouchy &&
-                            LVR_Get(live, registerLines[i].address, WORD_BYTES, &value);
+                            CODE_GetLive(live, registerLines[i].address, WORD_BYTES, &value);
         const uint32_t address = registerLines[i].address;
         // By address, not by line: the context pointer moves the general registers.
         unsigned style = UIS_NORMAL;
@@ -144,7 +144,7 @@ void ShowStack()
 {
     uint32_t bottom = 0;
     ClearListCtrl(PANEL, DEBUG_STACK);
-    if (!LVR_Get(live, ADDR_STKUN, WORD_BYTES, &bottom))
+    if (!CODE_GetLive(live, ADDR_STKUN, WORD_BYTES, &bottom))
         return;
     // The words in use: from the stack pointer up to where the stack begins. Before a start-up has
     // set them the two are anything, and nothing is shown.
@@ -155,7 +155,7 @@ void ShowStack()
     for (uint32_t i = 0; i < words; ++i) {
         uint32_t value = 0;
         const uint32_t address = stackPointer + i * WORD_BYTES;
-        if (!LVR_Get(live, address, WORD_BYTES, &value))
+        if (!CODE_GetLive(live, address, WORD_BYTES, &value))
             return;
         const std::string text = FormatHex(address, 4) + (i == 0 ? "  SP" : "");
         InsertListItem(PANEL, DEBUG_STACK, -1, text, 0);
@@ -176,7 +176,7 @@ void ShowMemory()
         uint8_t bytes[MEMORY_LINE_BYTES];
         uint32_t count = 0, value = 0;
         while (count < MEMORY_LINE_BYTES && memoryAddress != CODE_NO_ADDRESS &&
-               LVR_Get(live, memoryAddress + at + count, 1, &value))
+               CODE_GetLive(live, memoryAddress + at + count, 1, &value))
             bytes[count++] = static_cast<uint8_t>(value);
         if (count == 0)
             return;
@@ -186,8 +186,8 @@ void ShowMemory()
         InsertListItem(PANEL, DEBUG_MEMORY, -1, FormatHex(address, 6), 0);
         SetListCells(PANEL, DEBUG_MEMORY, line,
                      {{FormatHex(address, 6), UIS_NORMAL, name},
-                      {BYT_Hex(bytes, count), UIS_NORMAL, name},
-                      MakeCell(BYT_Plain(bytes, count)),
+                      {TXT_FormatHexBytes(bytes, count), UIS_NORMAL, name},
+                      MakeCell(TXT_PlainBytes(bytes, count)),
                       MakeCell(name)});
     }
 }
@@ -235,11 +235,11 @@ std::string FormatOperand(const CODE_Operand &operand)
     uint32_t value = 0;
     const int number = GetRegister(operand);
     if (number >= 0 && contextPointer != CODE_NO_ADDRESS &&
-        LVR_Get(live, contextPointer + static_cast<uint32_t>(number) * WORD_BYTES, WORD_BYTES,
-                &value))
+        CODE_GetLive(live, contextPointer + static_cast<uint32_t>(number) * WORD_BYTES, WORD_BYTES,
+                     &value))
         return "r" + std::to_string(number) + "=" + FormatHex(value, 4);
     const uint32_t size = operand.isByte ? 1 : WORD_BYTES;
-    if (!IsInMemory(operand) || !LVR_Get(live, operand.address, size, &value))
+    if (!IsInMemory(operand) || !CODE_GetLive(live, operand.address, size, &value))
         return "";
     if (operand.kind == CODE_WORD_BIT)
         return std::to_string(value >> operand.extra & 1);
@@ -255,40 +255,41 @@ void WantAll(const std::vector<CODE_Instruction> *code, int firstLine, int lines
     CollectRegisterLines();
     for (const Line &line : registerLines)
         if (!line.isTouchy)
-            LVR_Want(&live, line.address, WORD_BYTES);
+            CODE_WantLive(&live, line.address, WORD_BYTES);
     if (memoryAddress != CODE_NO_ADDRESS)
-        LVR_Want(&live, memoryAddress, std::min(MEMORY_BYTES, ADDR_LIMIT - memoryAddress));
+        CODE_WantLive(&live, memoryAddress, std::min(MEMORY_BYTES, ADDR_LIMIT - memoryAddress));
     if (!CODE_CanDecode())
         return;
-    LVR_Want(&live, ADDR_PSW, WORD_BYTES);
-    LVR_Want(&live, ADDR_DPP0, PAGE_POINTERS * WORD_BYTES);
-    LVR_Want(&live, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
+    CODE_WantLive(&live, ADDR_PSW, WORD_BYTES);
+    CODE_WantLive(&live, ADDR_DPP0, PAGE_POINTERS * WORD_BYTES);
+    CODE_WantLive(&live, ADDR_CP, ADDR_STKUN + WORD_BYTES - ADDR_CP);
     if (code == nullptr)
         return;
     const int end = std::min(firstLine + lines, static_cast<int>(code->size()));
     for (int i = std::max(firstLine, 0); i < end; ++i)
         for (const CODE_Operand &operand : (*code)[static_cast<size_t>(i)].operands)
             if (IsInMemory(operand) && !IsTouchyAddress(operand.address))
-                LVR_Want(&live, operand.address & ~1u, WORD_BYTES);
+                CODE_WantLive(&live, operand.address & ~1u, WORD_BYTES);
 }
 
 // Where registers and stack are, is itself in registers.
-void WantWhatIsPointedAt(LVR_Set *set)
+void WantWhatIsPointedAt(CODE_LiveReads *set)
 {
     contextPointer = stackPointer = CODE_NO_ADDRESS;
     if (!CODE_CanDecode())
         return;
-    LVR_Get(*set, ADDR_CP, WORD_BYTES, &contextPointer);
-    LVR_Get(*set, ADDR_SP, WORD_BYTES, &stackPointer);
-    LVR_Want(set, contextPointer, GENERAL_REGISTERS * WORD_BYTES);
+    CODE_GetLive(*set, ADDR_CP, WORD_BYTES, &contextPointer);
+    CODE_GetLive(*set, ADDR_SP, WORD_BYTES, &stackPointer);
+    CODE_WantLive(set, contextPointer, GENERAL_REGISTERS * WORD_BYTES);
     if (stackPointer >= STACK_FIRST && stackPointer <= STACK_LAST)
-        LVR_Want(set, stackPointer,
-                 std::min(STACK_WORDS_MAX * WORD_BYTES, STACK_LAST + WORD_BYTES - stackPointer));
+        CODE_WantLive(
+            set, stackPointer,
+            std::min(STACK_WORDS_MAX * WORD_BYTES, STACK_LAST + WORD_BYTES - stackPointer));
 }
 
 } // namespace
 
-void DBV_FillGroups()
+void CODE_FillGroups()
 {
     groups = CODE_GetRegisterGroups();
     ClearListCtrl(PANEL, DEBUG_GROUP);
@@ -299,23 +300,23 @@ void DBV_FillGroups()
     SetCtrlIndex(PANEL, DEBUG_GROUP, 0);
     ClearListCtrl(PANEL, DEBUG_REGISTERS);
     ClearListCtrl(PANEL, DEBUG_STACK);
-    live = LVR_Set();
+    live = CODE_LiveReads();
     lastValues.clear();
 }
 
-void DBV_SetMemory(uint32_t address)
+void CODE_SetMemory(uint32_t address)
 {
     memoryAddress = address;
 }
 
-int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
-                std::string *cause)
+int CODE_RefreshValues(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
+                       std::string *cause)
 {
-    live = LVR_Set();
+    live = CODE_LiveReads();
     contextPointer = stackPointer = CODE_NO_ADDRESS;
     WantAll(code, firstLine, lines);
-    if (LVR_Read(&live, STATION, cause, WantWhatIsPointedAt) != 0) {
-        DBV_MarkOld();
+    if (CODE_ReadLive(&live, STATION, cause, WantWhatIsPointedAt) != 0) {
+        CODE_MarkOld();
         return -1;
     }
     CollectRegisterLines(); // again: the general ones lie where the context pointer says
@@ -325,9 +326,9 @@ int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int li
     return 0;
 }
 
-void DBV_MarkOld()
+void CODE_MarkOld()
 {
-    live = LVR_Set();
+    live = CODE_LiveReads();
     for (const int list : {DEBUG_REGISTERS, DEBUG_STACK, DEBUG_MEMORY}) {
         int count = 0;
         GetNumListItems(PANEL, list, &count);
@@ -341,7 +342,7 @@ void DBV_MarkOld()
     }
 }
 
-std::string DBV_FormatOperands(const CODE_Instruction &instruction)
+std::string CODE_FormatOperands(const CODE_Instruction &instruction)
 {
     std::string text;
     for (const CODE_Operand &operand : instruction.operands) {
@@ -352,28 +353,28 @@ std::string DBV_FormatOperands(const CODE_Instruction &instruction)
     return text;
 }
 
-CODE_Pages DBV_GetPages()
+CODE_Pages CODE_GetPages()
 {
     CODE_Pages pages;
     pages.isKnown = CODE_CanDecode();
     for (uint32_t i = 0; i < PAGE_POINTERS; ++i) {
         uint32_t value = 0;
         pages.isKnown =
-            pages.isKnown && LVR_Get(live, ADDR_DPP0 + i * WORD_BYTES, WORD_BYTES, &value);
+            pages.isKnown && CODE_GetLive(live, ADDR_DPP0 + i * WORD_BYTES, WORD_BYTES, &value);
         pages.pages[i] = static_cast<uint16_t>(value);
     }
     return pages;
 }
 
-int DBV_ReadTouchy(int line, std::string *cause)
+int CODE_ReadTouchy(int line, std::string *cause)
 {
     if (line < 0 || line >= static_cast<int>(registerLines.size()) ||
         !registerLines[static_cast<size_t>(line)].isTouchy)
         return 0;
     uint8_t bytes[WORD_BYTES];
     const uint32_t address = registerLines[static_cast<size_t>(line)].address;
-    if (RDI_ReadBytes(STATION, address, WORD_BYTES, bytes, cause) != 0)
+    if (RFR_ReadItemBytes(STATION, address, WORD_BYTES, bytes, cause) != 0)
         return -1;
-    ShowRegister(line, static_cast<uint32_t>(BYT_GetLittle(bytes, WORD_BYTES)), true, UIS_NORMAL);
+    ShowRegister(line, static_cast<uint32_t>(TXT_GetLittle(bytes, WORD_BYTES)), true, UIS_NORMAL);
     return 1;
 }

@@ -8,19 +8,19 @@
 
 #include "code/c166.h"
 
-void DBV_FillGroups(); // of the selected processor, into the ring; the first one is chosen
-void DBV_SetMemory(uint32_t address);
+void CODE_FillGroups(); // of the selected processor, into the ring; the first one is chosen
+void CODE_SetMemory(uint32_t address);
 // Reads everything in view, with the operands of `code` (null: none), and shows it. 0, or -1
 // with the reason in *cause: the lists are then marked as old.
-int DBV_Refresh(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
-                std::string *cause);
-void DBV_MarkOld(); // what is shown was read some time ago
+int CODE_RefreshValues(const std::vector<CODE_Instruction> *code, int firstLine, int lines,
+                       std::string *cause);
+void CODE_MarkOld(); // what is shown was read some time ago
 // What an instruction's operands held at the last refresh: "r4=0010h 008142=1234h"; "" when
 // that is not known.
-std::string DBV_FormatOperands(const CODE_Instruction &instruction);
+std::string CODE_FormatOperands(const CODE_Instruction &instruction);
 // The data page pointers of the last refresh.
-CODE_Pages DBV_GetPages();
+CODE_Pages CODE_GetPages();
 // Reads one register that is not read by itself, and shows it in its line.
-int DBV_ReadTouchy(int line, std::string *cause);
+int CODE_ReadTouchy(int line, std::string *cause);
 
 #endif

@@ -30,7 +30,7 @@ std::string FormatAddress(uint32_t address)
 // The register whose address it is exactly; null on a processor of another family.
 const char *FindRegister(uint32_t address)
 {
-    const VarNode *node = openStruct166 ? VRN_RegisterAtOrAfter(address) : nullptr;
+    const VarNode *node = openStruct166 ? SYM_RegisterAtOrAfter(address) : nullptr;
     return node != nullptr && node->addr == address ? node->name : nullptr;
 }
 
@@ -98,7 +98,7 @@ int CODE_Read(int station, uint32_t address, int count, const CODE_Pages &pages,
     const auto wanted = static_cast<uint32_t>(count * static_cast<int>(CODE_LENGTH_MAX));
     std::vector<uint8_t> bytes(std::min(wanted, ADDR_LIMIT - address));
     const auto size = static_cast<uint32_t>(bytes.size());
-    if (RDI_ReadBytes(station, address, size, bytes.data(), cause) != 0)
+    if (RFR_ReadItemBytes(station, address, size, bytes.data(), cause) != 0)
         return -1;
     CODE_Scope scope;
     for (uint32_t at = 0; at < size && static_cast<int>(code->size()) < count;) {
@@ -129,7 +129,7 @@ std::string CODE_FormatNames(const CODE_Instruction &instruction)
 std::string CODE_FormatLine(const CODE_Instruction &instruction)
 {
     std::string line = FormatAddress(instruction.address) + "  ";
-    std::string bytes = BYT_Hex(instruction.bytes, instruction.length);
+    std::string bytes = TXT_FormatHexBytes(instruction.bytes, instruction.length);
     bytes.resize(std::max<size_t>(bytes.size(), BYTES_COLUMN), ' ');
     line += bytes + "  ";
     std::string text = CODE_FormatInstruction(instruction);

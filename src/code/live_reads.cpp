@@ -17,7 +17,7 @@ constexpr uint32_t NUMBER_BYTES_MAX = 4;
 constexpr uint32_t SHARE_BYTES = 16; // larger pieces are planned in such, for any block to hold
 
 // Blocks of the second reading may span those of the first, so more than one is looked into.
-bool FindByte(const LVR_Set &set, uint32_t address, uint8_t *byte)
+bool FindByte(const CODE_LiveReads &set, uint32_t address, uint8_t *byte)
 {
     for (auto block = set.blocks.upper_bound(address); block != set.blocks.begin();) {
         --block;
@@ -32,14 +32,14 @@ bool FindByte(const LVR_Set &set, uint32_t address, uint8_t *byte)
 
 // The last message is the proof of all, where it can be. The longest is the best for that: it has
 // the most lengths to choose from, and with one that follows it at once no message more is needed.
-void PutProvingLast(std::vector<LVR_Piece> *plan)
+void PutProvingLast(std::vector<CODE_LivePiece> *plan)
 {
-    const auto longest =
-        std::max_element(plan->begin(), plan->end(),
-                         [](const LVR_Piece &a, const LVR_Piece &b) { return a.size < b.size; });
+    const auto longest = std::max_element(
+        plan->begin(), plan->end(),
+        [](const CODE_LivePiece &a, const CODE_LivePiece &b) { return a.size < b.size; });
     if (longest == plan->end())
         return;
-    LVR_Piece last = *longest;
+    CODE_LivePiece last = *longest;
     auto next = plan->erase(longest);
     if (next != plan->end() && next->address == last.address + last.size) {
         last.size += next->size;
@@ -48,13 +48,13 @@ void PutProvingLast(std::vector<LVR_Piece> *plan)
     plan->push_back(last);
 }
 
-bool ReadBlocks(LVR_Set *set, int station, bool isLast)
+bool ReadBlocks(CODE_LiveReads *set, int station, bool isLast)
 {
-    std::vector<LVR_Piece> plan = LVR_Plan(*set);
+    std::vector<CODE_LivePiece> plan = CODE_PlanLive(*set);
     if (isLast)
         PutProvingLast(&plan);
     for (size_t i = 0; i < plan.size(); ++i) {
-        const LVR_Piece &piece = plan[i];
+        const CODE_LivePiece &piece = plan[i];
         std::vector<uint8_t> bytes(piece.size);
         const auto read = isLast && i + 1 == plan.size() ? UCM_ReadProving : UCM_Read;
         if (read(station, piece.address, piece.size, bytes.data()) < 0)
@@ -66,16 +66,16 @@ bool ReadBlocks(LVR_Set *set, int station, bool isLast)
 
 } // namespace
 
-void LVR_Want(LVR_Set *set, uint32_t address, uint32_t size)
+void CODE_WantLive(CODE_LiveReads *set, uint32_t address, uint32_t size)
 {
     if (address < ADDR_LIMIT && size <= ADDR_LIMIT - address)
         set->wanted.push_back({address, size});
 }
 
-std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set)
+std::vector<CODE_LivePiece> CODE_PlanLive(const CODE_LiveReads &set)
 {
-    std::vector<GRP_Item> items;
-    for (const LVR_Piece &piece : set.wanted)
+    std::vector<UCM_BlockItem> items;
+    for (const CODE_LivePiece &piece : set.wanted)
         for (uint32_t at = 0; at < piece.size; at += SHARE_BYTES) {
             const uint32_t size = std::min(SHARE_BYTES, piece.size - at);
             // Of what the first step has read already, nothing is read again.
@@ -86,15 +86,15 @@ std::vector<LVR_Piece> LVR_Plan(const LVR_Set &set)
             if (known < size)
                 items.push_back({0, piece.address + at, size});
         }
-    std::vector<LVR_Piece> plan;
-    for (const GRP_Block &block :
-         GRP_Plan(items, GRP_ReadWire(VR_nProtocol), GRP_ReadRules(Procesor)))
+    std::vector<CODE_LivePiece> plan;
+    for (const UCM_Block &block :
+         UCM_PlanBlocks(items, UCM_ReadWire(VR_nProtocol), UCM_ReadRules(Procesor)))
         plan.push_back({block.address, block.size});
     return plan;
 }
 
-int LVR_Read(LVR_Set *set, int station, std::string *cause,
-             const std::function<void(LVR_Set *set)> &wantMore)
+int CODE_ReadLive(CODE_LiveReads *set, int station, std::string *cause,
+                  const std::function<void(CODE_LiveReads *set)> &wantMore)
 {
     // In doubt all of it is read again, pointers first: they may have been the doubtful part.
     int proof = UCM_READ_AGAIN;
@@ -119,7 +119,7 @@ int LVR_Read(LVR_Set *set, int station, std::string *cause,
     return -1;
 }
 
-bool LVR_Get(const LVR_Set &set, uint32_t address, uint32_t size, uint32_t *value)
+bool CODE_GetLive(const CODE_LiveReads &set, uint32_t address, uint32_t size, uint32_t *value)
 {
     uint8_t bytes[NUMBER_BYTES_MAX];
     if (size < 1 || size > NUMBER_BYTES_MAX)
@@ -127,6 +127,6 @@ bool LVR_Get(const LVR_Set &set, uint32_t address, uint32_t size, uint32_t *valu
     for (uint32_t i = 0; i < size; ++i) // a number may lie across two blocks
         if (!FindByte(set, address + i, &bytes[i]))
             return false;
-    *value = static_cast<uint32_t>(BYT_GetLittle(bytes, size));
+    *value = static_cast<uint32_t>(TXT_GetLittle(bytes, size));
     return true;
 }

@@ -16,7 +16,7 @@ constexpr uint64_t BLOCK_WEIGHT = 1 << 20; // of a character against a block
 // Modbus: a register is two bytes and two characters.
 struct ProtocolRow {
     int protocol;
-    GRP_Wire read, write;
+    UCM_WireCosts read, write;
 };
 constexpr ProtocolRow PROTOCOL_ROWS[] = {
     {PROTOCOL_MR166, {18 + 10, 1, 2, 64}, {48 + 10, 1, 0, 16}}, // a request and its answer
@@ -32,7 +32,7 @@ const ProtocolRow &RowOf(int protocol)
 // when they are asked for and never because they lie between others. Byte addresses.
 struct RegisterRow {
     bool isWordAddressing;
-    GRP_Range range;
+    UCM_Range range;
 };
 constexpr RegisterRow REGISTER_ROWS[] = {
     {false, {0xEF00, 0xF1FF}}, // CAN, extended registers
@@ -42,25 +42,25 @@ constexpr RegisterRow REGISTER_ROWS[] = {
 };
 
 // Data is counted in whole units: half a register costs a whole one.
-uint64_t ExchangeChars(const GRP_Wire &wire, uint32_t count)
+uint64_t ExchangeChars(const UCM_WireCosts &wire, uint32_t count)
 {
     return wire.exchange + uint64_t{(count + wire.unit - 1) / wire.unit} * wire.unitChars;
 }
 
 // 64 bits wide, because an item may end at the very end of the numbers.
-uint64_t EndOf(const GRP_Item &item)
+uint64_t EndOf(const UCM_BlockItem &item)
 {
     return uint64_t{item.address} + item.size;
 }
 
 // Whether one block may reach over the bytes from here to there.
-bool MayBridge(uint64_t from, uint64_t to, const GRP_Rules &rules)
+bool MayBridge(uint64_t from, uint64_t to, const UCM_BlockRules &rules)
 {
     if (from >= to)
         return true;
     if (!rules.areGapsAllowed)
         return false;
-    return std::none_of(rules.noGaps.begin(), rules.noGaps.end(), [&](const GRP_Range &range) {
+    return std::none_of(rules.noGaps.begin(), rules.noGaps.end(), [&](const UCM_Range &range) {
         return from <= range.last && to > range.first;
     });
 }
@@ -70,7 +70,7 @@ struct Span {
 };
 
 // One item, with whatever lies within it, is asked for exactly as it is.
-Span SpanOf(const GRP_Item &first, uint64_t end, uint32_t largest, uint32_t align)
+Span SpanOf(const UCM_BlockItem &first, uint64_t end, uint32_t largest, uint32_t align)
 {
     if (end - first.address == largest || align < 2)
         return {first.address, end - first.address};
@@ -86,8 +86,8 @@ struct Cover {
     size_t lastFrom = 0;
 };
 
-std::vector<Cover> FindCovers(const std::vector<GRP_Item> &sorted, const GRP_Wire &wire,
-                              const GRP_Rules &rules)
+std::vector<Cover> FindCovers(const std::vector<UCM_BlockItem> &sorted, const UCM_WireCosts &wire,
+                              const UCM_BlockRules &rules)
 {
     const uint32_t spanMax = rules.spanMax != 0 ? rules.spanMax : wire.blockMax;
     std::vector<Cover> covers(sorted.size() + 1);
@@ -96,7 +96,7 @@ std::vector<Cover> FindCovers(const std::vector<GRP_Item> &sorted, const GRP_Wir
         uint64_t end = sorted[from].address;
         uint32_t largest = 0;
         for (size_t last = from; last < sorted.size(); ++last) {
-            const GRP_Item &item = sorted[last];
+            const UCM_BlockItem &item = sorted[last];
             if (item.station != sorted[from].station || !MayBridge(end, item.address, rules))
                 break;
             end = std::max(end, EndOf(item));
@@ -105,7 +105,7 @@ std::vector<Cover> FindCovers(const std::vector<GRP_Item> &sorted, const GRP_Wir
             if (span.size > std::max(spanMax, largest))
                 break;
             // Of equal characters the fewer blocks win: each has its turn-around as well.
-            const uint64_t chars = GRP_CountChars(wire, static_cast<uint32_t>(span.size));
+            const uint64_t chars = UCM_CountBlockChars(wire, static_cast<uint32_t>(span.size));
             const uint64_t cost = covers[from].cost + chars * BLOCK_WEIGHT + 1;
             if (cost < covers[last + 1].cost)
                 covers[last + 1] = {cost, from};
@@ -116,19 +116,19 @@ std::vector<Cover> FindCovers(const std::vector<GRP_Item> &sorted, const GRP_Wir
 
 } // namespace
 
-GRP_Wire GRP_ReadWire(int protocol)
+UCM_WireCosts UCM_ReadWire(int protocol)
 {
     return RowOf(protocol).read;
 }
 
-GRP_Wire GRP_WriteWire(int protocol)
+UCM_WireCosts UCM_WriteWire(int protocol)
 {
     return RowOf(protocol).write;
 }
 
-GRP_Rules GRP_ReadRules(int processor)
+UCM_BlockRules UCM_ReadRules(int processor)
 {
-    GRP_Rules rules;
+    UCM_BlockRules rules;
     const bool isWordAddressing = IsWordAddressing(processor);
     rules.align = isWordAddressing ? 2 : 1;
     for (const RegisterRow &row : REGISTER_ROWS)
@@ -137,32 +137,32 @@ GRP_Rules GRP_ReadRules(int processor)
     return rules;
 }
 
-uint64_t GRP_CountChars(const GRP_Wire &wire, uint32_t count)
+uint64_t UCM_CountBlockChars(const UCM_WireCosts &wire, uint32_t count)
 {
     const uint32_t rest = count % wire.blockMax; // no exchange for nothing
     return count / wire.blockMax * ExchangeChars(wire, wire.blockMax) +
            (rest != 0 ? ExchangeChars(wire, rest) : 0);
 }
 
-std::vector<GRP_Block> GRP_Plan(const std::vector<GRP_Item> &items, const GRP_Wire &wire,
-                                const GRP_Rules &rules)
+std::vector<UCM_Block> UCM_PlanBlocks(const std::vector<UCM_BlockItem> &items,
+                                      const UCM_WireCosts &wire, const UCM_BlockRules &rules)
 {
     std::vector<size_t> order(items.size());
     for (size_t i = 0; i < order.size(); ++i)
         order[i] = i;
     std::stable_sort(order.begin(), order.end(), [&](size_t a, size_t b) {
-        const GRP_Item &left = items[a], &right = items[b];
+        const UCM_BlockItem &left = items[a], &right = items[b];
         return std::tie(left.station, left.address, left.size) <
                std::tie(right.station, right.address, right.size);
     });
-    std::vector<GRP_Item> sorted;
+    std::vector<UCM_BlockItem> sorted;
     for (const size_t index : order)
         sorted.push_back(items[index]);
     const std::vector<Cover> covers = FindCovers(sorted, wire, rules);
     // The covers know where their last block begins: the plan is read off from its end.
-    std::vector<GRP_Block> plan;
+    std::vector<UCM_Block> plan;
     for (size_t end = sorted.size(); end > 0; end = covers[end].lastFrom) {
-        GRP_Block block;
+        UCM_Block block;
         const size_t from = covers[end].lastFrom;
         uint64_t spanEnd = 0;
         uint32_t largest = 0;
@@ -181,10 +181,10 @@ std::vector<GRP_Block> GRP_Plan(const std::vector<GRP_Item> &items, const GRP_Wi
     return plan;
 }
 
-uint64_t GRP_CountPlan(const std::vector<GRP_Block> &plan, const GRP_Wire &wire)
+uint64_t UCM_CountPlanChars(const std::vector<UCM_Block> &plan, const UCM_WireCosts &wire)
 {
     uint64_t chars = 0;
-    for (const GRP_Block &block : plan)
-        chars += GRP_CountChars(wire, block.size);
+    for (const UCM_Block &block : plan)
+        chars += UCM_CountBlockChars(wire, block.size);
     return chars;
 }

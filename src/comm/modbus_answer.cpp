@@ -29,9 +29,9 @@ int Succeed(int result)
     MBM_nFault = 0;
     if (MBM_cnOk != UINT32_MAX)
         ++MBM_cnOk;
-    MBMSTEP_Answered();
+    MBM_NoteAnswered();
     if (TRC_isOn)
-        MBMTRC_End(isEchoSkipped, 0);
+        MBM_EndTrace(isEchoSkipped, 0);
     return result;
 }
 
@@ -40,12 +40,12 @@ int Succeed(int result)
 int Fail(int fault, int code)
 {
     if (fault >= MBM_FAULT_EXCEPTION)
-        MBMSTEP_Refused();
+        MBM_NoteRefused();
     // What was read strictly may hold the beginning of an answer to something older.
     else if (cnReceived > 0 && cnFound == 0)
-        MBMSTEP_Odd(MBM_abyRcv, static_cast<size_t>(cnReceived));
+        MBM_NoteOddBytes(MBM_abyRcv, static_cast<size_t>(cnReceived));
     if (TRC_isOn)
-        MBMTRC_End(isEchoSkipped, fault);
+        MBM_EndTrace(isEchoSkipped, fault);
     return MBM_Fail(fault, code);
 }
 
@@ -107,7 +107,7 @@ int SkipEcho()
 int FindAnswer()
 {
     int fault = 0;
-    const int found = MBMSTEP_Find(MBM_abyRcv, MBM_FRAME_ROOM, &fault);
+    const int found = MBM_FindAnswer(MBM_abyRcv, MBM_FRAME_ROOM, &fault);
     isEchoSkipped = MBM_isEcho != 0;
     if (found > 0) {
         cnFound = found;
@@ -146,7 +146,7 @@ int ReceiveRegisters()
     if (!ReadRest(2 * quantity))
         return Fail(MBM_EX_PART);
     for (int i = 0; i < quantity; ++i)
-        MBM_awRcvData[i] = static_cast<uint16_t>(MBF_WordAt(MBM_abyRcv + 3 + 2 * i));
+        MBM_awRcvData[i] = static_cast<uint16_t>(MBM_WordAt(MBM_abyRcv + 3 + 2 * i));
     return Succeed(quantity);
 }
 
@@ -156,8 +156,8 @@ int ReceiveConfirmation()
     // Function 6 repeats the value: a device may confirm the one it has limited it to.
     const bool isSound = ReadRest(3);
     const bool isSame =
-        MBM_nFnCode == MBM_FN_WRITE_ONE || (MBF_WordAt(MBM_abyRcv + 2) == MBM_expected.start &&
-                                            MBF_WordAt(MBM_abyRcv + 4) == MBM_expected.quantity);
+        MBM_nFnCode == MBM_FN_WRITE_ONE || (MBM_WordAt(MBM_abyRcv + 2) == MBM_expected.start &&
+                                            MBM_WordAt(MBM_abyRcv + 4) == MBM_expected.quantity);
     if (isSound && isSame)
         return Succeed(0);
     return Fail(IsEcho(HEAD_BYTES + 3) ? MBM_FAULT_ECHO : MBM_EX_PART, MBM_EX_PART);
@@ -222,7 +222,7 @@ int MBM_ReceiveFN()
     if (!MBM_isOpen)
         return MBM_Refuse(MBM_FAULT_CLOSED);
     cnFound = cnReceived = 0;
-    if ((MBMSTEP_IsCalm() ? SkipEcho() : FindAnswer()) != 0)
+    if ((MBM_IsCalm() ? SkipEcho() : FindAnswer()) != 0)
         return MBM_FAILED;
     const Receiver *receiver = FindReceiver(MBM_nFnCode);
     // A function that was sent by other means has no answer that could be checked.
@@ -237,9 +237,9 @@ int MBM_ReceiveFN()
                                 : MBM_FAULT_CUT,
                     MBM_EX_SILENT);
     if (MBM_abyRcv[0] != MBM_expected.slave ||
-        (MBM_abyRcv[1] & ~MBF_EXCEPTION_BIT) != static_cast<unsigned>(MBM_nFnCode))
+        (MBM_abyRcv[1] & ~MBM_EXCEPTION_BIT) != static_cast<unsigned>(MBM_nFnCode))
         return DrainAndFail(MBM_EX_FOREIGN);
-    if ((MBM_abyRcv[1] & MBF_EXCEPTION_BIT) == 0)
+    if ((MBM_abyRcv[1] & MBM_EXCEPTION_BIT) == 0)
         return receiver->receive();
     if (!MBM_IsRcvCRC_Ok(HEAD_BYTES))
         return DrainAndFail(MBM_EX_CRC);
@@ -268,7 +268,7 @@ int MBM_MasterFN(int function, int slave, const MBM_Part *readPart, const MBM_Pa
     const uint16_t kept = *last; // before the copy overwrites it
     std::copy_n(MBM_awRcvData, std::min<size_t>(count, MBM_READ_MAX), readPart->registers);
     // An odd number of bytes was asked for: the last register's other half is not the target's.
-    if (function == MBM_FN_READ_WRITE && writePart->start == MBF_TUNNEL_ODD)
+    if (function == MBM_FN_READ_WRITE && writePart->start == MBM_TUNNEL_ODD)
         *last = static_cast<uint16_t>((kept & 0xFF00) | (*last & 0xFF));
     return result;
 }

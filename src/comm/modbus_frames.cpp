@@ -15,57 +15,57 @@ bool IsConfirmed(int function)
 // The answer to a read names neither place nor station memory: function and length are all.
 STEP_Shape ReadShape(int function, size_t dataBytes)
 {
-    return static_cast<STEP_Shape>(function) << MBF_FUNCTION_SHIFT |
+    return static_cast<STEP_Shape>(function) << MBM_FUNCTION_SHIFT |
            static_cast<STEP_Shape>(dataBytes);
 }
 
 // Place and low byte of the quantity or value, which the answer repeats.
 STEP_Shape WriteShape(const uint8_t *frame)
 {
-    return static_cast<STEP_Shape>(frame[1]) << MBF_FUNCTION_SHIFT | MBF_WordAt(frame + 2) << 8 |
+    return static_cast<STEP_Shape>(frame[1]) << MBM_FUNCTION_SHIFT | MBM_WordAt(frame + 2) << 8 |
            frame[5];
 }
 
 } // namespace
 
-unsigned MBF_WordAt(const uint8_t *bytes)
+unsigned MBM_WordAt(const uint8_t *bytes)
 {
     return static_cast<unsigned>(bytes[0]) << 8 | bytes[1];
 }
 
 // Bytes of registers, 3 to 36 of them but none that variables have: neither 4, 8, 16 nor another
 // power of two.
-const STEP_Shape MBF_aProbeShapes[] = {
-    MBF_ProbeShape(6),  MBF_ProbeShape(10), MBF_ProbeShape(12), MBF_ProbeShape(14),
-    MBF_ProbeShape(18), MBF_ProbeShape(20), MBF_ProbeShape(22), MBF_ProbeShape(24),
-    MBF_ProbeShape(26), MBF_ProbeShape(28), MBF_ProbeShape(30), MBF_ProbeShape(34),
-    MBF_ProbeShape(36), MBF_ProbeShape(38), MBF_ProbeShape(40), MBF_ProbeShape(42),
-    MBF_ProbeShape(44), MBF_ProbeShape(46), MBF_ProbeShape(48), MBF_ProbeShape(50),
-    MBF_ProbeShape(52), MBF_ProbeShape(54), MBF_ProbeShape(56), MBF_ProbeShape(58),
-    MBF_ProbeShape(60), MBF_ProbeShape(62), MBF_ProbeShape(66), MBF_ProbeShape(68),
-    MBF_ProbeShape(70), MBF_ProbeShape(72)};
-const size_t MBF_cnProbeShapes = sizeof MBF_aProbeShapes / sizeof *MBF_aProbeShapes;
+const STEP_Shape MBM_aProbeShapes[] = {
+    MBM_ProbeShape(6),  MBM_ProbeShape(10), MBM_ProbeShape(12), MBM_ProbeShape(14),
+    MBM_ProbeShape(18), MBM_ProbeShape(20), MBM_ProbeShape(22), MBM_ProbeShape(24),
+    MBM_ProbeShape(26), MBM_ProbeShape(28), MBM_ProbeShape(30), MBM_ProbeShape(34),
+    MBM_ProbeShape(36), MBM_ProbeShape(38), MBM_ProbeShape(40), MBM_ProbeShape(42),
+    MBM_ProbeShape(44), MBM_ProbeShape(46), MBM_ProbeShape(48), MBM_ProbeShape(50),
+    MBM_ProbeShape(52), MBM_ProbeShape(54), MBM_ProbeShape(56), MBM_ProbeShape(58),
+    MBM_ProbeShape(60), MBM_ProbeShape(62), MBM_ProbeShape(66), MBM_ProbeShape(68),
+    MBM_ProbeShape(70), MBM_ProbeShape(72)};
+const size_t MBM_cnProbeShapes = sizeof MBM_aProbeShapes / sizeof *MBM_aProbeShapes;
 
-STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame)
+STEP_Shape MBM_ShapeOfRequest(const uint8_t *frame)
 {
     const int function = frame[1];
-    const size_t quantity = MBF_WordAt(frame + 4); // of what is read; unused for writes
+    const size_t quantity = MBM_WordAt(frame + 4); // of what is read; unused for writes
     if (IsConfirmed(function))
         return WriteShape(frame);
     const bool isBits = function == MBM_FN_COILS || function == MBM_FN_INPUTS;
     return ReadShape(function, isBits ? (quantity + 7) / 8 : 2 * quantity);
 }
 
-STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame)
+STEP_Shape MBM_ShapeOfAnswer(const uint8_t *frame)
 {
     return IsConfirmed(frame[1]) ? WriteShape(frame) : ReadShape(frame[1], frame[2]);
 }
 
-size_t MBF_AnswerLength(const uint8_t *bytes, size_t count)
+size_t MBM_AnswerLength(const uint8_t *bytes, size_t count)
 {
     if (count < 2)
         return SIZE_MAX;
-    if ((bytes[1] & MBF_EXCEPTION_BIT) != 0)
+    if ((bytes[1] & MBM_EXCEPTION_BIT) != 0)
         return EXCEPTION_BYTES;
     if (IsConfirmed(bytes[1]))
         return CONFIRMATION_BYTES;
@@ -73,41 +73,41 @@ size_t MBF_AnswerLength(const uint8_t *bytes, size_t count)
                         bytes[1] == MBM_FN_READ_WRITE;
     if (!isRead)
         return 0;
-    return count < 3 ? SIZE_MAX : 3u + bytes[2] + MBF_CRC_BYTES;
+    return count < 3 ? SIZE_MAX : 3u + bytes[2] + MBM_CRC_BYTES;
 }
 
-bool MBF_IsSound(const uint8_t *frame, size_t length)
+bool MBM_IsSoundFrame(const uint8_t *frame, size_t length)
 {
-    const uint8_t *crc = frame + length - MBF_CRC_BYTES;
-    return MBM_GetCRC(frame, length - MBF_CRC_BYTES) ==
+    const uint8_t *crc = frame + length - MBM_CRC_BYTES;
+    return MBM_GetCRC(frame, length - MBM_CRC_BYTES) ==
            (crc[0] | static_cast<unsigned>(crc[1]) << 8);
 }
 
-bool MBF_IsTunnel(const uint8_t *frame)
+bool MBM_IsTunnel(const uint8_t *frame)
 {
-    const unsigned start = MBF_WordAt(frame + (frame[1] == MBM_FN_READ_WRITE ? 6 : 2));
+    const unsigned start = MBM_WordAt(frame + (frame[1] == MBM_FN_READ_WRITE ? 6 : 2));
     return (frame[1] == MBM_FN_WRITE || frame[1] == MBM_FN_READ_WRITE) &&
-           (start == MBF_TUNNEL_EVEN || start == MBF_TUNNEL_ODD);
+           (start == MBM_TUNNEL_EVEN || start == MBM_TUNNEL_ODD);
 }
 
-uint32_t MBF_TunnelAddress(const uint8_t *frame)
+uint32_t MBM_TunnelAddress(const uint8_t *frame)
 {
     constexpr size_t ADDRESS_AT = 11; // the two registers that function 23 writes
-    return static_cast<uint32_t>(MBF_WordAt(frame + ADDRESS_AT)) << 16 |
-           MBF_WordAt(frame + ADDRESS_AT + 2);
+    return static_cast<uint32_t>(MBM_WordAt(frame + ADDRESS_AT)) << 16 |
+           MBM_WordAt(frame + ADDRESS_AT + 2);
 }
 
-std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address)
+std::vector<uint8_t> MBM_BuildProbe(int slave, STEP_Shape shape, uint32_t address)
 {
     std::vector<uint8_t> frame = {static_cast<uint8_t>(slave), MBM_FN_READ_WRITE};
     const auto addWord = [&frame](uint32_t word) {
         frame.push_back(static_cast<uint8_t>(word >> 8));
         frame.push_back(static_cast<uint8_t>(word));
     };
-    addWord(MBF_TUNNEL_DATA);
-    addWord(MBF_DataBytes(shape) / 2);
+    addWord(MBM_TUNNEL_DATA);
+    addWord(MBM_DataBytes(shape) / 2);
     // What is written is the address only: memory stays as it is.
-    addWord(MBF_TUNNEL_EVEN);
+    addWord(MBM_TUNNEL_EVEN);
     addWord(2);
     frame.push_back(4);
     addWord(address >> 16);

@@ -10,39 +10,39 @@
 #include <cstdint>
 #include <vector>
 
-constexpr size_t MBF_CRC_BYTES = 2;
-constexpr uint8_t MBF_EXCEPTION_BIT = 0x80;
+constexpr size_t MBM_CRC_BYTES = 2;
+constexpr uint8_t MBM_EXCEPTION_BIT = 0x80;
 // The registers that carry target memory: with an even and an odd number of bytes.
-constexpr uint16_t MBF_TUNNEL_EVEN = 0xFFFD, MBF_TUNNEL_ODD = 0xFFFB;
-constexpr uint16_t MBF_TUNNEL_DATA = 0xFF00; // where the data of a read begin
-constexpr int MBF_FUNCTION_SHIFT = 24;       // of a shape: the function stands above the rest
+constexpr uint16_t MBM_TUNNEL_EVEN = 0xFFFD, MBM_TUNNEL_ODD = 0xFFFB;
+constexpr uint16_t MBM_TUNNEL_DATA = 0xFF00; // where the data of a read begin
+constexpr int MBM_FUNCTION_SHIFT = 24;       // of a shape: the function stands above the rest
 
-unsigned MBF_WordAt(const uint8_t *bytes); // the high byte comes first
+unsigned MBM_WordAt(const uint8_t *bytes); // the high byte comes first
 
 // A read is known by function and data bytes, a write by function, place and the low byte of
 // the quantity or value, which its answer repeats. No exceptions here.
-STEP_Shape MBF_ShapeOfRequest(const uint8_t *frame);
-STEP_Shape MBF_ShapeOfAnswer(const uint8_t *frame);
+STEP_Shape MBM_ShapeOfRequest(const uint8_t *frame);
+STEP_Shape MBM_ShapeOfAnswer(const uint8_t *frame);
 // Length of the answer that begins like this; 0 when none does, SIZE_MAX when that cannot be
 // told yet.
-size_t MBF_AnswerLength(const uint8_t *bytes, size_t count);
-bool MBF_IsSound(const uint8_t *frame, size_t length); // its CRC is good
-bool MBF_IsTunnel(const uint8_t *frame);               // a request that carries target memory
-uint32_t MBF_TunnelAddress(const uint8_t *frame);      // of the memory that such a read asks for
+size_t MBM_AnswerLength(const uint8_t *bytes, size_t count);
+bool MBM_IsSoundFrame(const uint8_t *frame, size_t length); // its CRC is good
+bool MBM_IsTunnel(const uint8_t *frame);                    // a request that carries target memory
+uint32_t MBM_TunnelAddress(const uint8_t *frame); // of the memory that such a read asks for
 
 // Short reads that are not among the usual sizes of variables.
-extern const STEP_Shape MBF_aProbeShapes[];
-extern const size_t MBF_cnProbeShapes;
+extern const STEP_Shape MBM_aProbeShapes[];
+extern const size_t MBM_cnProbeShapes;
 // The shape of a read of so many bytes of memory, and the other way round.
-constexpr STEP_Shape MBF_ProbeShape(uint32_t bytes)
+constexpr STEP_Shape MBM_ProbeShape(uint32_t bytes)
 {
-    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << MBF_FUNCTION_SHIFT | bytes;
+    return static_cast<STEP_Shape>(MBM_FN_READ_WRITE) << MBM_FUNCTION_SHIFT | bytes;
 }
-constexpr uint32_t MBF_DataBytes(STEP_Shape shape)
+constexpr uint32_t MBM_DataBytes(STEP_Shape shape)
 {
     return shape & 0xFFFF;
 }
 // Such a read. Probes that only prove read from address 0, where that does no harm.
-std::vector<uint8_t> MBF_BuildProbe(int slave, STEP_Shape shape, uint32_t address = 0);
+std::vector<uint8_t> MBM_BuildProbe(int slave, STEP_Shape shape, uint32_t address = 0);
 
 #endif

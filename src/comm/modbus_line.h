@@ -32,9 +32,9 @@ int MBM_Refuse(int fault);
 int MBM_Fail(int fault, int code);
 
 // Called only while TRC_isOn. A record begins with a request and ends with its answer.
-void MBMTRC_Begin(const uint8_t *frame, size_t count, bool isProbe);
-void MBMTRC_Received(const void *bytes, size_t count);
-void MBMTRC_End(bool isEchoSkipped, int fault);
-void MBMTRC_Link(bool isOpening, int port, int result);
+void MBM_BeginTrace(const uint8_t *frame, size_t count, bool isProbe);
+void MBM_TraceReceived(const void *bytes, size_t count);
+void MBM_EndTrace(bool isEchoSkipped, int fault);
+void MBM_TraceLink(bool isOpening, int port, int result);
 
 #endif

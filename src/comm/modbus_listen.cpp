@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-STEP_Line MBMSTEP_book;
+STEP_Line MBM_book;
 
 namespace {
 
@@ -21,7 +21,7 @@ std::vector<uint8_t> heard; // bytes not yet sorted into frames
 
 bool IsException(const uint8_t *answer)
 {
-    return (answer[1] & MBF_EXCEPTION_BIT) != 0;
+    return (answer[1] & MBM_EXCEPTION_BIT) != 0;
 }
 
 // Cuts so many bytes off the beginning of `heard`.
@@ -37,10 +37,10 @@ size_t NextAnswer(bool isAll, size_t *noise)
 {
     for (size_t at = 0; at < heard.size(); ++at) {
         const size_t rest = heard.size() - at;
-        const size_t length = MBF_AnswerLength(heard.data() + at, rest);
+        const size_t length = MBM_AnswerLength(heard.data() + at, rest);
         const bool isWhole = length > 0 && length <= rest;
         const bool isUnfinished = length > rest && !isAll;
-        if (!isUnfinished && !(isWhole && MBF_IsSound(heard.data() + at, length)))
+        if (!isUnfinished && !(isWhole && MBM_IsSoundFrame(heard.data() + at, length)))
             continue;
         *noise += at;
         CutHeard(at);
@@ -54,7 +54,7 @@ size_t NextAnswer(bool isAll, size_t *noise)
 void BookNoise(int slave, size_t noise)
 {
     if (noise > 0)
-        STEP_Junk(&MBMSTEP_book, slave, noise > NOISE_MAX ? 1 : 0);
+        STEP_Junk(&MBM_book, slave, noise > NOISE_MAX ? 1 : 0);
 }
 
 // Books everything in `heard` as nobody's answer.
@@ -62,7 +62,7 @@ void BookHeard(int slave)
 {
     size_t noise = 0;
     while (const size_t length = NextAnswer(true, &noise)) {
-        MBMSTEP_BookOther(heard.data());
+        MBM_BookOther(heard.data());
         CutHeard(length);
     }
     BookNoise(slave, noise);
@@ -76,48 +76,48 @@ int Hear(uint32_t waitMs)
     if (got > 0)
         heard.insert(heard.end(), bytes, bytes + got);
     if (got > 0 && TRC_isOn)
-        MBMTRC_Received(bytes, static_cast<size_t>(got));
+        MBM_TraceReceived(bytes, static_cast<size_t>(got));
     return got;
 }
 
 } // namespace
 
-void MBMSTEP_ForgetHeard()
+void MBM_ForgetHeard()
 {
     heard.clear();
 }
 
-STEP_Shape MBMSTEP_ShapeOf(const uint8_t *answer)
+STEP_Shape MBM_ShapeOf(const uint8_t *answer)
 {
     if (!IsException(answer))
-        return MBF_ShapeOfAnswer(answer);
+        return MBM_ShapeOfAnswer(answer);
     // An exception tells its function only: it answers the oldest open request of that.
-    const unsigned function = answer[1] & ~static_cast<unsigned>(MBF_EXCEPTION_BIT);
-    for (const STEP_Open &open : MBMSTEP_book.partners[answer[0]].open) {
-        if (open.shape >> MBF_FUNCTION_SHIFT == function)
+    const unsigned function = answer[1] & ~static_cast<unsigned>(MBM_EXCEPTION_BIT);
+    for (const STEP_Open &open : MBM_book.partners[answer[0]].open) {
+        if (open.shape >> MBM_FUNCTION_SHIFT == function)
             return open.shape;
     }
     return 0;
 }
 
-bool MBMSTEP_BookOther(const uint8_t *answer)
+bool MBM_BookOther(const uint8_t *answer)
 {
-    const STEP_Shape shape = MBMSTEP_ShapeOf(answer);
+    const STEP_Shape shape = MBM_ShapeOf(answer);
     if (!IsException(answer) || shape == 0)
-        return STEP_Passed(&MBMSTEP_book, answer[0], shape, MBM_line->nowMs());
+        return STEP_Passed(&MBM_book, answer[0], shape, MBM_line->nowMs());
     // It crosses out a request, but has no length to know it by: one that was repeated, or of
     // a time before the book began, looks the same. So it is never a probe's answer.
-    STEP_Refused(&MBMSTEP_book, answer[0], shape);
+    STEP_Refused(&MBM_book, answer[0], shape);
     return false;
 }
 
-void MBMSTEP_BookBytes(int slave, const uint8_t *bytes, size_t count)
+void MBM_BookBytes(int slave, const uint8_t *bytes, size_t count)
 {
     heard.assign(bytes, bytes + count);
     BookHeard(slave);
 }
 
-int MBMSTEP_BookWaiting(int slave)
+int MBM_BookWaiting(int slave)
 {
     // Bytes that wait are the line's way of saying that it is out of step.
     int waiting = MBM_line->waiting();
@@ -129,9 +129,9 @@ int MBMSTEP_BookWaiting(int slave)
     return waiting < 0 ? static_cast<int>(MBM_FAULT_GONE) : 0;
 }
 
-int MBMSTEP_Listen(const uint8_t *sent, size_t count,
-                   const std::function<bool(const uint8_t *answer)> &isWanted,
-                   std::vector<uint8_t> *answer)
+int MBM_Listen(const uint8_t *sent, size_t count,
+               const std::function<bool(const uint8_t *answer)> &isWanted,
+               std::vector<uint8_t> *answer)
 {
     const uint32_t start = MBM_line->nowMs();
     const int slave = sent[0];
@@ -169,7 +169,7 @@ int MBMSTEP_Listen(const uint8_t *sent, size_t count,
     return noise > 0 ? MBM_EX_PART : isOther ? MBM_EX_FOREIGN : MBM_EX_SILENT;
 }
 
-int MBMSTEP_ProveBySilence(int slave)
+int MBM_ProveBySilence(int slave)
 {
     for (int i = 0; i < SILENCE_WAITS_MAX; ++i) {
         const int got = Hear(MBM_nTimeoutMs);
@@ -180,7 +180,7 @@ int MBMSTEP_ProveBySilence(int slave)
         // Booked only now that frames are whole. An answer too many casts doubt on what was
         // read before, which the silence behind it would hide.
         BookHeard(slave);
-        STEP_WasSilent(&MBMSTEP_book, slave, MBM_line->nowMs());
+        STEP_WasSilent(&MBM_book, slave, MBM_line->nowMs());
         return 0;
     }
     heard.clear();

@@ -102,16 +102,16 @@ int MBM_Open(int port, int baud, int parity)
     if (result == 0)
         MBM_isOpen = 1;
     // Also after a failure: whatever was in the book belonged to the port before.
-    MBMSTEP_Opened();
+    MBM_NoteOpened();
     if (TRC_isOn)
-        MBMTRC_Link(true, port, result);
+        MBM_TraceLink(true, port, result);
     return result;
 }
 
 void MBM_Close()
 {
     if (MBM_isOpen && TRC_isOn)
-        MBMTRC_Link(false, portNumber, 0);
+        MBM_TraceLink(false, portNumber, 0);
     CloseDevice();
 }
 
@@ -154,20 +154,20 @@ int MBM_SendFrame(int length)
     MBM_abySnd[count + 1] = static_cast<uint8_t>(crc >> 8);
     MBM_cnLastSend = length + CRC_BYTES;
     // The frame stands in the buffer while the line is proven: probes have one of their own.
-    const int unready = MBMSTEP_Ready();
+    const int unready = MBM_MakeReady();
     if (unready != 0) {
         MBM_cnLastSend = 0;
         return MBM_Fail(unready, MBM_EX_SILENT);
     }
     if (TRC_isOn)
-        MBMTRC_Begin(MBM_abySnd, count + CRC_BYTES, false);
-    MBMSTEP_Sent(); // also when only a part goes out: it may be answered
+        MBM_BeginTrace(MBM_abySnd, count + CRC_BYTES, false);
+    MBM_NoteSent(); // also when only a part goes out: it may be answered
     if (MBM_line->write(MBM_abySnd, count + CRC_BYTES) == MBM_cnLastSend)
         return 0;
     MBM_cnLastSend = 0;
     MBM_Refuse(MBM_IsGone() ? MBM_FAULT_GONE : MBM_FAULT_SEND);
     if (TRC_isOn)
-        MBMTRC_End(false, MBM_nFault);
+        MBM_EndTrace(false, MBM_nFault);
     return MBM_FAILED;
 }
 
@@ -179,6 +179,6 @@ int MBM_Read(int offset, int count)
         return MBM_FAILED;
     const int got = MBM_line->read(MBM_abyRcv + offset, static_cast<size_t>(count));
     if (got > 0 && TRC_isOn)
-        MBMTRC_Received(MBM_abyRcv + offset, static_cast<size_t>(got));
+        MBM_TraceReceived(MBM_abyRcv + offset, static_cast<size_t>(got));
     return got < 0 ? MBM_FAILED : got;
 }

@@ -35,7 +35,7 @@ int probeFault = 0; // why the prober gave up
 
 STEP_Partner &PartnerOf(int slave)
 {
-    return MBMSTEP_book.partners[static_cast<size_t>(slave)];
+    return MBM_book.partners[static_cast<size_t>(slave)];
 }
 
 bool IsOpen(int slave, STEP_Shape shape, bool isProbe)
@@ -52,16 +52,16 @@ int Exchange(const Bytes &frame, STEP_Shape shape,
              const std::function<bool(const uint8_t *answer)> &isWanted)
 {
     if (TRC_isOn)
-        MBMTRC_Begin(frame.data(), frame.size(), true);
-    STEP_Sent(&MBMSTEP_book, frame[0], shape, true);
+        MBM_BeginTrace(frame.data(), frame.size(), true);
+    STEP_Sent(&MBM_book, frame[0], shape, true);
     int fault = MBM_FAULT_GONE;
     Bytes answer;
     if (MBM_line->write(frame.data(), frame.size()) == static_cast<int>(frame.size()))
-        fault = MBMSTEP_Listen(frame.data(), frame.size(), isWanted, &answer);
-    if (fault == 0 && (answer[1] & MBF_EXCEPTION_BIT) != 0)
+        fault = MBM_Listen(frame.data(), frame.size(), isWanted, &answer);
+    if (fault == 0 && (answer[1] & MBM_EXCEPTION_BIT) != 0)
         fault = MBM_FAULT_EXCEPTION + answer[2];
     if (TRC_isOn)
-        MBMTRC_End(MBM_isEcho != 0, fault);
+        MBM_EndTrace(MBM_isEcho != 0, fault);
     return fault;
 }
 
@@ -77,11 +77,11 @@ int Probe(int slave, STEP_Shape shape)
     }
     Slave &known = slaves[slave];
     const bool isElsewhere = known.isZeroRefused && known.hasGood;
-    const Bytes frame = MBF_BuildProbe(slave, shape, isElsewhere ? known.goodAddress : 0);
+    const Bytes frame = MBM_BuildProbe(slave, shape, isElsewhere ? known.goodAddress : 0);
     // Any probe's answer will do: an earlier one may be proof enough. An exception that crossed
     // this probe out is no proof, but no other answer is to be waited for.
     probeFault = Exchange(frame, shape, [slave, shape](const uint8_t *answer) {
-        const bool isProof = MBMSTEP_BookOther(answer);
+        const bool isProof = MBM_BookOther(answer);
         return answer[0] == slave && (isProof || !IsOpen(slave, shape, true));
     });
     if (probeFault == 0)
@@ -93,11 +93,11 @@ int Probe(int slave, STEP_Shape shape)
     known.isZeroRefused = true;
     if (!isElsewhere && known.hasGood)
         return 1;
-    probeFault = MBMSTEP_ProveBySilence(slave);
+    probeFault = MBM_ProveBySilence(slave);
     return probeFault == 0 ? 1 : -1;
 }
 
-const STEP_Prober PROBER = {MBF_aProbeShapes, MBF_cnProbeShapes, Probe};
+const STEP_Prober PROBER = {MBM_aProbeShapes, MBM_cnProbeShapes, Probe};
 
 int FaultOfProof(int slave, int result)
 {
@@ -109,21 +109,21 @@ int FaultOfProof(int slave, int result)
 
 } // namespace
 
-void MBMSTEP_Opened()
+void MBM_NoteOpened()
 {
-    STEP_Reset(&MBMSTEP_book, MBM_line->nowMs());
+    STEP_Reset(&MBM_book, MBM_line->nowMs());
     std::fill(std::begin(slaves), std::end(slaves), Slave());
-    MBMSTEP_ForgetHeard();
+    MBM_ForgetHeard();
 }
 
-int MBMSTEP_Ready()
+int MBM_MakeReady()
 {
     const int slave = MBM_abySnd[0];
-    const int gone = MBMSTEP_BookWaiting(slave);
+    const int gone = MBM_BookWaiting(slave);
     if (gone != 0)
         return gone;
-    const STEP_Shape shape = MBF_ShapeOfRequest(MBM_abySnd);
-    if (STEP_IsSafe(MBMSTEP_book, slave, shape))
+    const STEP_Shape shape = MBM_ShapeOfRequest(MBM_abySnd);
+    if (STEP_IsSafe(MBM_book, slave, shape))
         return 0;
     // A repetition: an answer to either sending answers the request, and the line was in step
     // when it went out first. While it is open no probe gets its shape; once it is not, an open
@@ -134,35 +134,35 @@ int MBMSTEP_Ready()
     if (isLast && PartnerOf(slave).unknown == 0 && IsOpen(slave, shape, false))
         return 0;
     // A device that is no target of ours has no memory that could be probed.
-    if (!MBF_IsTunnel(MBM_abySnd))
-        return MBMSTEP_ProveBySilence(slave);
+    if (!MBM_IsTunnel(MBM_abySnd))
+        return MBM_ProveBySilence(slave);
     const int attempts = slaves[slave].isSlow ? SLOW_ATTEMPTS : 1;
     probesLeft = PROBES_MAX;
-    return FaultOfProof(slave, STEP_MakeSafe(&MBMSTEP_book, slave, shape, attempts, PROBER));
+    return FaultOfProof(slave, STEP_MakeSafe(&MBM_book, slave, shape, attempts, PROBER));
 }
 
-void MBMSTEP_Sent()
+void MBM_NoteSent()
 {
-    STEP_Sent(&MBMSTEP_book, MBM_abySnd[0], MBF_ShapeOfRequest(MBM_abySnd), false);
+    STEP_Sent(&MBM_book, MBM_abySnd[0], MBM_ShapeOfRequest(MBM_abySnd), false);
     slaves[MBM_abySnd[0]].lastFrame.assign(MBM_abySnd, MBM_abySnd + MBM_cnLastSend);
 }
 
-bool MBMSTEP_IsCalm()
+bool MBM_IsCalm()
 {
-    return STEP_IsCalm(MBMSTEP_book, MBM_abySnd[0], 1);
+    return STEP_IsCalm(MBM_book, MBM_abySnd[0], 1);
 }
 
-int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault)
+int MBM_FindAnswer(uint8_t *frame, size_t room, int *fault)
 {
-    const STEP_Shape shape = MBF_ShapeOfRequest(MBM_abySnd);
+    const STEP_Shape shape = MBM_ShapeOfRequest(MBM_abySnd);
     Bytes found;
     const auto isWanted = [shape](const uint8_t *answer) {
-        const bool isAnswer = answer[0] == MBM_abySnd[0] && MBMSTEP_ShapeOf(answer) == shape;
+        const bool isAnswer = answer[0] == MBM_abySnd[0] && MBM_ShapeOf(answer) == shape;
         if (!isAnswer)
-            MBMSTEP_BookOther(answer);
+            MBM_BookOther(answer);
         return isAnswer;
     };
-    *fault = MBMSTEP_Listen(MBM_abySnd, static_cast<size_t>(MBM_cnLastSend), isWanted, &found);
+    *fault = MBM_Listen(MBM_abySnd, static_cast<size_t>(MBM_cnLastSend), isWanted, &found);
     if (*fault != 0)
         return 0;
     const size_t length = std::min(found.size(), room);
@@ -170,90 +170,90 @@ int MBMSTEP_Find(uint8_t *frame, size_t room, int *fault)
     return static_cast<int>(length);
 }
 
-void MBMSTEP_Answered()
+void MBM_NoteAnswered()
 {
     const int slave = MBM_abySnd[0];
-    const bool isTunnel = MBF_IsTunnel(MBM_abySnd);
+    const bool isTunnel = MBM_IsTunnel(MBM_abySnd);
     // An older request was still open when this answer came: its own had been late.
     slaves[slave].isSlow = PartnerOf(slave).open.size() > 1;
     const bool wasDue = PartnerOf(slave).isProofDue;
-    STEP_Accepted(&MBMSTEP_book, slave, MBF_ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
+    STEP_Accepted(&MBM_book, slave, MBM_ShapeOfRequest(MBM_abySnd), MBM_line->nowMs());
     // A device without memory to probe has no proof but its being in step.
     if (!isTunnel)
         PartnerOf(slave).isProofDue = wasDue;
     if (isTunnel && MBM_abySnd[1] == MBM_FN_READ_WRITE) {
         slaves[slave].hasGood = true;
-        slaves[slave].goodAddress = MBF_TunnelAddress(MBM_abySnd);
+        slaves[slave].goodAddress = MBM_TunnelAddress(MBM_abySnd);
     }
 }
 
-void MBMSTEP_Refused()
+void MBM_NoteRefused()
 {
-    STEP_Refused(&MBMSTEP_book, MBM_abySnd[0], MBF_ShapeOfRequest(MBM_abySnd));
+    STEP_Refused(&MBM_book, MBM_abySnd[0], MBM_ShapeOfRequest(MBM_abySnd));
 }
 
-void MBMSTEP_Odd(const uint8_t *bytes, size_t count)
+void MBM_NoteOddBytes(const uint8_t *bytes, size_t count)
 {
-    MBMSTEP_BookBytes(MBM_abySnd[0], bytes, count);
+    MBM_BookBytes(MBM_abySnd[0], bytes, count);
 }
 
-bool MBMSTEP_IsProofDue(int slave)
+bool MBM_IsProofDue(int slave)
 {
-    return slave >= 0 && slave < STEP_PARTNERS && !MBMSTEP_book.partners.empty() &&
+    return slave >= 0 && slave < STEP_PARTNERS && !MBM_book.partners.empty() &&
            PartnerOf(slave).isProofDue;
 }
 
-bool MBMSTEP_IsSuspicious(int slave)
+bool MBM_IsSuspicious(int slave)
 {
-    return STEP_IsSuspicious(&MBMSTEP_book, slave, MBM_line->nowMs());
+    return STEP_IsSuspicious(&MBM_book, slave, MBM_line->nowMs());
 }
 
-int MBMSTEP_ProveBehind(int slave, int attempts)
+int MBM_ProveBehind(int slave, int attempts)
 {
     if (!MBM_isOpen)
         return MBM_FAULT_CLOSED;
-    const int fault = MBMSTEP_BookWaiting(slave);
+    const int fault = MBM_BookWaiting(slave);
     if (fault != 0)
         return fault;
     // Each proof has its own bound: a line that never comes to rest ends with a fault.
     probesLeft = PROBES_MAX;
-    return FaultOfProof(slave, STEP_ProveBehind(&MBMSTEP_book, slave, attempts, PROBER));
+    return FaultOfProof(slave, STEP_ProveBehind(&MBM_book, slave, attempts, PROBER));
 }
 
-void MBMSTEP_GiveUpProof(int slave)
+void MBM_GiveUpProof(int slave)
 {
     PartnerOf(slave).isProofDue = false;
 }
 
-uint32_t MBMSTEP_PickProving(int slave, uint32_t least, uint32_t most)
+uint32_t MBM_PickProving(int slave, uint32_t least, uint32_t most)
 {
     // Only where nothing else can come: a line in doubt gets probes that read nothing of value.
-    if (MBMSTEP_book.partners.empty() || !STEP_IsCalm(MBMSTEP_book, slave, 0))
+    if (MBM_book.partners.empty() || !STEP_IsCalm(MBM_book, slave, 0))
         return 0;
     std::vector<STEP_Shape> shapes;
     for (const uint32_t bytes : STEP_ListProbeLengths(2, least, most))
-        shapes.push_back(MBF_ProbeShape(bytes));
+        shapes.push_back(MBM_ProbeShape(bytes));
     STEP_Shape shape = 0;
-    const bool isPicked = STEP_PickUnusedProbe(&MBMSTEP_book, slave, shapes, &shape);
-    return isPicked ? MBF_DataBytes(shape) : 0;
+    const bool isPicked = STEP_PickUnusedProbe(&MBM_book, slave, shapes, &shape);
+    return isPicked ? MBM_DataBytes(shape) : 0;
 }
 
-int MBMSTEP_ReadProving(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
+int MBM_ReadProving(int slave, uint32_t address, uint32_t count, uint8_t *bytes)
 {
     if (!MBM_isOpen)
         return MBM_FAULT_CLOSED;
-    const int gone = MBMSTEP_BookWaiting(slave);
+    const int gone = MBM_BookWaiting(slave);
     if (gone != 0)
         return gone;
     // What came just now leaves the line in doubt.
-    if (!STEP_IsCalm(MBMSTEP_book, slave, 0))
+    if (!STEP_IsCalm(MBM_book, slave, 0))
         return MBM_FAULT_STEP;
-    const STEP_Shape shape = MBF_ProbeShape(count);
-    const Bytes frame = MBF_BuildProbe(slave, shape, address);
+    const STEP_Shape shape = MBM_ProbeShape(count);
+    const Bytes frame = MBM_BuildProbe(slave, shape, address);
     const int fault = Exchange(frame, shape, [&](const uint8_t *answer) {
-        const bool isOurs = answer[0] == slave && MBMSTEP_ShapeOf(answer) == shape;
-        const bool isProof = MBMSTEP_BookOther(answer);
-        if (!isOurs || (answer[1] & MBF_EXCEPTION_BIT) != 0)
+        const bool isOurs = answer[0] == slave && MBM_ShapeOf(answer) == shape;
+        const bool isProof = MBM_BookOther(answer);
+        if (!isOurs || (answer[1] & MBM_EXCEPTION_BIT) != 0)
             return isOurs; // refused, or somebody else's
         // Registers come high byte first; the target's low byte stands in front.
         for (uint32_t i = 0; i < count; ++i)
@@ -265,7 +265,7 @@ int MBMSTEP_ReadProving(int slave, uint32_t address, uint32_t count, uint8_t *by
     return fault;
 }
 
-uint32_t MBMSTEP_Surplus()
+uint32_t MBM_CountSurplus()
 {
-    return MBMSTEP_book.surplus;
+    return MBM_book.surplus;
 }

@@ -83,7 +83,7 @@ std::string PlaceText(unsigned quantity, const char *link, unsigned start)
 // Said of every frame, good or not: a damaged answer is what one looks for in a trace.
 std::string CrcText(const uint8_t *frame, size_t count)
 {
-    return count > MBF_CRC_BYTES && MBF_IsSound(frame, count) ? "CRC good" : "CRC bad";
+    return count > MBM_CRC_BYTES && MBM_IsSoundFrame(frame, count) ? "CRC good" : "CRC bad";
 }
 
 // Time in characters of the line; negative times, which a fast line's clock can show, are none.
@@ -100,12 +100,12 @@ std::string GapText(int64_t us)
 // `tunnel` points at the write part: start, quantity, byte count, registers.
 std::string TunnelText(int function, const uint8_t *tunnel, unsigned readQuantity)
 {
-    const unsigned start = MBF_WordAt(tunnel), quantity = MBF_WordAt(tunnel + 2);
-    if ((start != MBF_TUNNEL_EVEN && start != MBF_TUNNEL_ODD) || quantity < 2)
+    const unsigned start = MBM_WordAt(tunnel), quantity = MBM_WordAt(tunnel + 2);
+    if ((start != MBM_TUNNEL_EVEN && start != MBM_TUNNEL_ODD) || quantity < 2)
         return "";
-    const unsigned address = MBF_WordAt(tunnel + 5) << 16 | MBF_WordAt(tunnel + 7);
+    const unsigned address = MBM_WordAt(tunnel + 5) << 16 | MBM_WordAt(tunnel + 7);
     const unsigned registers = function == MBM_FN_WRITE ? quantity - 2 : readQuantity;
-    const unsigned bytes = 2 * registers - (start == MBF_TUNNEL_ODD && registers > 0 ? 1 : 0);
+    const unsigned bytes = 2 * registers - (start == MBM_TUNNEL_ODD && registers > 0 ? 1 : 0);
     char digits[16];
     std::snprintf(digits, sizeof digits, "0x%06X", address);
     return (function == MBM_FN_WRITE ? ", memory write of " : ", memory read of ") +
@@ -118,7 +118,7 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
     if (count < 6)
         return "frame of " + std::to_string(count) + " bytes";
     const int function = frame[1];
-    const unsigned start = MBF_WordAt(frame + 2), quantity = MBF_WordAt(frame + 4);
+    const unsigned start = MBM_WordAt(frame + 2), quantity = MBM_WordAt(frame + 4);
     const char *name = "unknown function"; // of a frame built by other means
     for (const FunctionName &row : FUNCTION_NAMES) {
         if (row.function == function)
@@ -134,7 +134,7 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
     if (function == MBM_FN_READ_WRITE && count >= 15) {
         const std::string tunnel = TunnelText(function, frame + 6, quantity);
         text += tunnel.empty()
-                    ? ", writes " + PlaceText(MBF_WordAt(frame + 8), "at", MBF_WordAt(frame + 6))
+                    ? ", writes " + PlaceText(MBM_WordAt(frame + 8), "at", MBM_WordAt(frame + 6))
                     : tunnel;
     }
     return text;
@@ -144,8 +144,8 @@ std::string DescribeRequest(const uint8_t *frame, size_t count)
 std::string DescribeAnswer(const uint8_t *frame, size_t count)
 {
     std::string text = "slave " + std::to_string(frame[0]);
-    const int function = frame[1] & ~MBF_EXCEPTION_BIT;
-    if ((frame[1] & MBF_EXCEPTION_BIT) != 0)
+    const int function = frame[1] & ~MBM_EXCEPTION_BIT;
+    if ((frame[1] & MBM_EXCEPTION_BIT) != 0)
         text += ", exception " + std::to_string(frame[2]);
     else if (function == MBM_FN_WRITE_ONE || function == MBM_FN_WRITE)
         text += ", confirmed";
@@ -173,7 +173,7 @@ std::string MBM_ErrorText(int fault)
     return text;
 }
 
-void MBMTRC_Begin(const uint8_t *frame, size_t count, bool isProbe)
+void MBM_BeginTrace(const uint8_t *frame, size_t count, bool isProbe)
 {
     current = TRC_Record();
     PLT_LocalTime(&current.when);
@@ -186,7 +186,7 @@ void MBMTRC_Begin(const uint8_t *frame, size_t count, bool isProbe)
     firstByteUs = 0;
 }
 
-void MBMTRC_Received(const void *bytes, size_t count)
+void MBM_TraceReceived(const void *bytes, size_t count)
 {
     TRC_Append(&current.received, bytes, count);
     if (firstByteUs == 0 && current.received.count > (MBM_isEcho ? current.sent.count : 0)) {
@@ -195,7 +195,7 @@ void MBMTRC_Received(const void *bytes, size_t count)
     }
 }
 
-void MBMTRC_End(bool isEchoSkipped, int fault)
+void MBM_EndTrace(bool isEchoSkipped, int fault)
 {
     lastEndUs = PLT_TickUs();
     current.durationUs = static_cast<uint32_t>(lastEndUs - current.startUs);
@@ -218,7 +218,7 @@ void MBMTRC_End(bool isEchoSkipped, int fault)
     TRC_Add(current);
 }
 
-void MBMTRC_Link(bool isOpening, int port, int result)
+void MBM_TraceLink(bool isOpening, int port, int result)
 {
     TRC_Record record;
     PLT_LocalTime(&record.when);

@@ -8,7 +8,7 @@
 #include <algorithm>
 #include <cstring>
 
-STEP_Line MrANS_line;
+STEP_Line Mr166_line;
 
 namespace {
 
@@ -62,7 +62,7 @@ Event SortByte(char byte)
 // belongs to: the oldest. `none` when there is none.
 STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 {
-    for (const STEP_Open &open : MrANS_line.partners[static_cast<size_t>(station)].open) {
+    for (const STEP_Open &open : Mr166_line.partners[static_cast<size_t>(station)].open) {
         if (open.shape >> 8 == static_cast<unsigned>(command))
             return open.shape;
     }
@@ -70,100 +70,100 @@ STEP_Shape OldestOfCommand(int station, int command, STEP_Shape none)
 }
 
 // Books a sound answer that is not the one waited for.
-MrANS_Judgement BookOther(int code)
+Mr166_Judgement BookOther(int code)
 {
     const int echoed = hexToByte(sorter.frame + 1);
     const int station = echoed >> 4, command = echoed & 15;
     const unsigned count = hexToByte(sorter.frame + 3);
-    const STEP_Shape shape = MrANS_ShapeOf(command, count);
+    const STEP_Shape shape = Mr166_ShapeOf(command, count);
     const bool isError = count >= MR166_TARGET_ERROR_MIN;
     // An error answer carries its code where others carry their count of bytes.
     const STEP_Shape refused = OldestOfCommand(station, command, shape);
-    const uint32_t before = MrANS_line.disturbed;
+    const uint32_t before = Mr166_line.disturbed;
     bool isProof = false;
     if (isError && refused != shape)
-        STEP_Refused(&MrANS_line, station, refused);
+        STEP_Refused(&Mr166_line, station, refused);
     else
-        isProof = STEP_Passed(&MrANS_line, station, shape, PLT_TickMs());
-    MrANS_Judgement judgement;
-    judgement.kind = isProof ? MrANS_Judgement::PROOF : MrANS_Judgement::WAIT;
-    judgement.isOlder = MrANS_line.disturbed == before;
+        isProof = STEP_Passed(&Mr166_line, station, shape, PLT_TickMs());
+    Mr166_Judgement judgement;
+    judgement.kind = isProof ? Mr166_Judgement::PROOF : Mr166_Judgement::WAIT;
+    judgement.isOlder = Mr166_line.disturbed == before;
     judgement.code = isError || !judgement.isOlder ? code : 0;
     return judgement;
 }
 
 // Looks at the complete answer in the sorter. `request` is null while nobody waits.
-MrANS_Judgement JudgeAnswer(const Mr166_Request *request, int station)
+Mr166_Judgement JudgeAnswer(const Mr166_Request *request, int station)
 {
     const int command = request != nullptr ? request->command : MR166_CMD_READ;
     const int code = mr166CheckAnswer(sorter.frame, sorter.count, station, command);
     if ((code < 0 && code > MR166_ERR_STATION) || code == MR166_ERR_LENGTH) {
         // Damaged on its way it may have been ours: when no other answer can come, waiting on
         // would only cost the rest of the time-out.
-        STEP_Junk(&MrANS_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
-        const bool isLast = STEP_HaveAllCome(MrANS_line, station);
-        return {isLast ? MrANS_Judgement::UNSOUND : MrANS_Judgement::WAIT, code};
+        STEP_Junk(&Mr166_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
+        const bool isLast = STEP_HaveAllCome(Mr166_line, station);
+        return {isLast ? Mr166_Judgement::UNSOUND : Mr166_Judgement::WAIT, code};
     }
     if (request == nullptr || code == MR166_ERR_STATION || code == MR166_ERR_COMMAND)
         return BookOther(code);
-    const STEP_Shape shape = MrANS_ShapeOfAnswerTo(*request);
+    const STEP_Shape shape = Mr166_ShapeOfAnswerTo(*request);
     const bool isError = code <= -MR166_TARGET_ERROR_MIN;
     if (isError && OldestOfCommand(station, command, shape) == shape) {
-        STEP_Refused(&MrANS_line, station, shape);
-        return {MrANS_Judgement::REFUSED, code};
+        STEP_Refused(&Mr166_line, station, shape);
+        return {Mr166_Judgement::REFUSED, code};
     }
-    if (isError || MrANS_ShapeOf(command, static_cast<unsigned>(code)) != shape)
+    if (isError || Mr166_ShapeOf(command, static_cast<unsigned>(code)) != shape)
         return BookOther(isError ? code : MR166_FAULT_COUNT);
-    STEP_Accepted(&MrANS_line, station, shape, PLT_TickMs());
+    STEP_Accepted(&Mr166_line, station, shape, PLT_TickMs());
     // From here on as if a driver had read it: the answer check leaves its data where all
     // callers look for them.
     std::memcpy(Mr166_abyRcv, sorter.frame, sorter.count);
     cbRcv = static_cast<uint16_t>(sorter.count);
     cnRcvData = static_cast<uint16_t>(chkAnsFrm(station, command));
-    return {MrANS_Judgement::ACCEPTED, 0};
+    return {Mr166_Judgement::ACCEPTED, 0};
 }
 
 } // namespace
 
-STEP_Shape MrANS_ShapeOf(int command, unsigned dataBytes)
+STEP_Shape Mr166_ShapeOf(int command, unsigned dataBytes)
 {
     return static_cast<unsigned>(command) << 8 | dataBytes;
 }
 
 // Commands 1 to 4 are answered with two bytes of data, a read with what was asked for.
-unsigned MrANS_ExpectedData(const Mr166_Request &request)
+unsigned Mr166_ExpectedData(const Mr166_Request &request)
 {
     if (request.command >= 1 && request.command <= 4)
         return 2;
     return request.command == MR166_CMD_READ ? std::min<unsigned>(request.word, 0xFF) : 0;
 }
 
-STEP_Shape MrANS_ShapeOfAnswerTo(const Mr166_Request &request)
+STEP_Shape Mr166_ShapeOfAnswerTo(const Mr166_Request &request)
 {
-    return MrANS_ShapeOf(request.command, MrANS_ExpectedData(request));
+    return Mr166_ShapeOf(request.command, Mr166_ExpectedData(request));
 }
 
-void MrANS_Reset()
+void Mr166_ResetAnswers()
 {
     sorter = Sorter();
 }
 
-size_t MrANS_CountBegun()
+size_t Mr166_CountBegunAnswer()
 {
     return sorter.count;
 }
 
-int MrANS_CheckBegun(int station, int command)
+int Mr166_CheckBegunAnswer(int station, int command)
 {
     return mr166CheckAnswer(sorter.frame, sorter.count, station, command);
 }
 
-MrANS_Judgement MrANS_JudgeByte(char byte, const Mr166_Request *request, int station)
+Mr166_Judgement Mr166_JudgeByte(char byte, const Mr166_Request *request, int station)
 {
     const bool wasNoise = sorter.count == 0;
     switch (SortByte(byte)) {
     case Event::ANSWER: {
-        const MrANS_Judgement judgement = JudgeAnswer(request, station);
+        const Mr166_Judgement judgement = JudgeAnswer(request, station);
         sorter.count = sorter.noiseChars = 0;
         return judgement;
     }
@@ -171,36 +171,36 @@ MrANS_Judgement MrANS_JudgeByte(char byte, const Mr166_Request *request, int sta
         const bool isOwn =
             sorter.count == cbSnd && std::memcmp(sorter.frame, Mr166_abySnd, cbSnd) == 0;
         if (!isOwn) // an answer whose first character was damaged looks like this
-            STEP_Junk(&MrANS_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
+            STEP_Junk(&Mr166_line, station, sorter.count >= JUNK_ANSWER_CHARS ? 1 : 0);
         sorter.count = 0;
-        return {isOwn ? MrANS_Judgement::ECHO : MrANS_Judgement::WAIT, isOwn ? 0 : MR166_ERR_START};
+        return {isOwn ? Mr166_Judgement::ECHO : Mr166_Judgement::WAIT, isOwn ? 0 : MR166_ERR_START};
     }
     case Event::DAMAGED:
-        STEP_Junk(&MrANS_line, station, sorter.damagedChars >= JUNK_ANSWER_CHARS ? 1 : 0);
-        return {MrANS_Judgement::WAIT, wasNoise ? MR166_ERR_START : MR166_ERR_END};
+        STEP_Junk(&Mr166_line, station, sorter.damagedChars >= JUNK_ANSWER_CHARS ? 1 : 0);
+        return {Mr166_Judgement::WAIT, wasNoise ? MR166_ERR_START : MR166_ERR_END};
     case Event::NONE:
         break;
     }
-    return {MrANS_Judgement::WAIT, 0};
+    return {Mr166_Judgement::WAIT, 0};
 }
 
-void MrANS_SortLeftOver(const char *bytes, size_t count, int station)
+void Mr166_SortLeftOver(const char *bytes, size_t count, int station)
 {
     for (size_t i = 0; i < count; ++i)
-        (void)MrANS_JudgeByte(bytes[i], nullptr, station);
+        (void)Mr166_JudgeByte(bytes[i], nullptr, station);
 }
 
 // A byte that waits before a request goes out, or the beginning of a frame left over from
 // before, says that the line is out of step.
-void MrANS_ClearInput(const Mr166_Driver &driver, int station)
+void Mr166_ClearInput(const Mr166_Driver &driver, int station)
 {
     char bytes[CHUNK];
     while (driver.waiting() > 0) {
         const int got = driver.readSome(bytes, sizeof bytes, 0);
         if (got <= 0)
             return;
-        MrANS_SortLeftOver(bytes, static_cast<size_t>(got), station);
+        Mr166_SortLeftOver(bytes, static_cast<size_t>(got), station);
     }
     if (sorter.count + sorter.noiseChars > 0)
-        STEP_Junk(&MrANS_line, station, 0);
+        STEP_Junk(&Mr166_line, station, 0);
 }

@@ -7,29 +7,29 @@
 #include "comm/in_step.h"
 #include "comm/mr166_driver.h"
 
-extern STEP_Line MrANS_line; // which answers may still come, by station
+extern STEP_Line Mr166_line; // which answers may still come, by station
 
 // How the waiting for an answer goes on after a character.
-struct MrANS_Judgement {
+struct Mr166_Judgement {
     enum Kind { WAIT, ACCEPTED, REFUSED, PROOF, ECHO, UNSOUND } kind = WAIT;
     int code = 0;         // of the answer check, of a frame that was none's answer
     bool isOlder = false; // an answer to an older request: the partner works them off
 };
 
 // Command and data bytes are all that tells the answers of one station apart.
-STEP_Shape MrANS_ShapeOf(int command, unsigned dataBytes);
-unsigned MrANS_ExpectedData(const Mr166_Request &request); // bytes of the answer
-STEP_Shape MrANS_ShapeOfAnswerTo(const Mr166_Request &request);
+STEP_Shape Mr166_ShapeOf(int command, unsigned dataBytes);
+unsigned Mr166_ExpectedData(const Mr166_Request &request); // bytes of the answer
+STEP_Shape Mr166_ShapeOfAnswerTo(const Mr166_Request &request);
 
-void MrANS_Reset();                             // drops the frame that has begun
-size_t MrANS_CountBegun();                      // its characters
-int MrANS_CheckBegun(int station, int command); // the answer check's code for it
+void Mr166_ResetAnswers();                            // drops the frame that has begun
+size_t Mr166_CountBegunAnswer();                      // its characters
+int Mr166_CheckBegunAnswer(int station, int command); // the answer check's code for it
 // Sorts one character. `request` is the one waited for, null while nobody waits. An accepted
 // answer is put where the answer check puts it: Mr166_abyRcv, Mr166_abyRcvData, cnRcvData.
-MrANS_Judgement MrANS_JudgeByte(char byte, const Mr166_Request *request, int station);
+Mr166_Judgement Mr166_JudgeByte(char byte, const Mr166_Request *request, int station);
 // Characters nobody waits for: what was left over, or what a strict reading refused.
-void MrANS_SortLeftOver(const char *bytes, size_t count, int station);
+void Mr166_SortLeftOver(const char *bytes, size_t count, int station);
 // Before a request: what waits then says that the line is out of step.
-void MrANS_ClearInput(const Mr166_Driver &driver, int station);
+void Mr166_ClearInput(const Mr166_Driver &driver, int station);
 
 #endif

@@ -38,31 +38,31 @@ struct Mr166_Request {
     uint16_t word; // count of commands 0 and 8, else the value sent
     const void *data;
 };
-void MrEXC_Opened(); // whatever comes now answers nothing of ours
+void Mr166_NoteOpened(); // whatever comes now answers nothing of ours
 // One try. The first one of a request proves the line to be in step where it must; up to
 // `probes` of them may stay unanswered. 1 answered, 0 failed, or the driver's badArgument.
-int MrEXC_FirstTry(const Mr166_Driver &driver, const Mr166_Request &request, int probes);
+int Mr166_TryFirst(const Mr166_Driver &driver, const Mr166_Request &request, int probes);
 // The same request again: an answer to any of its tries will do.
-int MrEXC_Repeat(const Mr166_Driver &driver, const Mr166_Request &request);
-bool MrEXC_WasSent();                 // whether the last first try came to sending its request
-uint32_t MrEXC_FailedProbes();        // since the program started
-uint32_t MrEXC_Surplus();             // changes when what was read lately must be read again
-bool MrEXC_IsProofDue(int station);   // something was read there and not proven since
-bool MrEXC_IsSuspicious(int station); // ... and it should be before it is used
+int Mr166_TryAgain(const Mr166_Driver &driver, const Mr166_Request &request);
+bool Mr166_WasSent();                 // whether the last first try came to sending its request
+uint32_t Mr166_FailedProbes();        // since the program started
+uint32_t Mr166_CountSurplus();        // changes when what was read lately must be read again
+bool Mr166_IsProofDue(int station);   // something was read there and not proven since
+bool Mr166_IsSuspicious(int station); // ... and it should be before it is used
 // Puts a proof behind everything read from the station. 0, negative: it was not answered.
-int MrEXC_ProveBehind(int station, int probes);
-void MrEXC_GiveUpProof(int station); // what was read there is not used
+int Mr166_ProveBehind(int station, int probes);
+void Mr166_GiveUpProof(int station); // what was read there is not used
 // How long a read must be, in units of so many bytes, for its answer to be a proof; 0 when no
 // length will do, or the line is in doubt.
-uint32_t MrEXC_PickProving(int station, uint32_t unit, uint32_t least, uint32_t most);
+uint32_t Mr166_PickProving(int station, uint32_t unit, uint32_t least, uint32_t most);
 // One try of such a read. 1 and the bytes, proven like all that was read before; 0.
-int MrEXC_ReadProving(int station, uint32_t address, uint16_t count, void *buffer);
+int Mr166_ReadProving(int station, uint32_t address, uint16_t count, void *buffer);
 
 // --- called only while TRC_isOn (mr166_trace.cpp) --------------------------------------
 // An exchange is recorded when it is over; its frame is in the send buffer.
-void MrTRC_Begin(const Mr166_Request &request, bool isProbe);
-void MrTRC_Received(const void *bytes, size_t count);
-void MrTRC_End(bool isAnswerChecked, bool isEchoSeen);
-void MrTRC_Link(bool isOpening, int port, int baud, int result);
+void Mr166_BeginTrace(const Mr166_Request &request, bool isProbe);
+void Mr166_TraceReceived(const void *bytes, size_t count);
+void Mr166_EndTrace(bool isAnswerChecked, bool isEchoSeen);
+void Mr166_TraceLink(bool isOpening, int port, int baud, int result);
 
 #endif

@@ -48,11 +48,11 @@ int OpenFault(int result)
 bool ExchangeBlock(const Mr166_Request &request)
 {
     const Mr166_Driver &driver = MrASC_Driver();
-    const uint32_t probesBefore = MrEXC_FailedProbes();
-    int result = MrEXC_FirstTry(driver, request, Mr166_CnBlkRpt + 1);
-    EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+    const uint32_t probesBefore = Mr166_FailedProbes();
+    int result = Mr166_TryFirst(driver, request, Mr166_CnBlkRpt + 1);
+    EC_dwBlkRpt += Mr166_FailedProbes() - probesBefore;
     // The request itself never went out: its tries were spent on the proof.
-    const bool isUnproven = !MrEXC_WasSent() && MrEXC_FailedProbes() != probesBefore;
+    const bool isUnproven = !Mr166_WasSent() && Mr166_FailedProbes() != probesBefore;
     for (int left = Mr166_CnBlkRpt; !isUnproven; --left) {
         // Fewer bytes than asked for must not be filled up with those of an older answer.
         if (result == 1 && (request.command != MR166_CMD_READ || cnRcvData == request.word))
@@ -66,7 +66,7 @@ bool ExchangeBlock(const Mr166_Request &request)
         ++EC_dwBlkRpt;
         if (left <= 0)
             break;
-        result = MrEXC_Repeat(driver, request);
+        result = Mr166_TryAgain(driver, request);
     }
     return false;
 }
@@ -93,27 +93,27 @@ int TransferProven(int station, uint32_t count, uint32_t blockMax, Transfer tran
     // Whether nothing that was accepted before, of any station, still waits for its proof.
     bool isAllProven = true;
     for (int i = 0; i < STATIONS; ++i)
-        isAllProven = isAllProven && !MrEXC_IsProofDue(i);
-    const uint32_t surplusBefore = MrEXC_Surplus();
+        isAllProven = isAllProven && !Mr166_IsProofDue(i);
+    const uint32_t surplusBefore = Mr166_CountSurplus();
     for (int round = 0; round < ROUNDS_MAX; ++round) {
-        const uint32_t surplus = MrEXC_Surplus();
+        const uint32_t surplus = Mr166_CountSurplus();
         if (!transfer())
             return -1;
-        if (count == 0 || !MrEXC_IsProofDue(station))
+        if (count == 0 || !Mr166_IsProofDue(station))
             return 0;
         // A single block on a calm line is proven by the caller, with others, once a sweep.
-        if (count <= blockMax && !MrEXC_IsSuspicious(station))
+        if (count <= blockMax && !Mr166_IsSuspicious(station))
             return 0;
-        const uint32_t probesBefore = MrEXC_FailedProbes();
-        const int proven = MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1);
-        EC_dwBlkRpt += MrEXC_FailedProbes() - probesBefore;
+        const uint32_t probesBefore = Mr166_FailedProbes();
+        const int proven = Mr166_ProveBehind(station, Mr166_CnBlkRpt + 1);
+        EC_dwBlkRpt += Mr166_FailedProbes() - probesBefore;
         if (proven < 0)
             return -1;
-        if (MrEXC_Surplus() != surplus)
+        if (Mr166_CountSurplus() != surplus)
             continue;
         // What was repeated on the way here can have touched nothing that was proven before.
         if (isAllProven)
-            surplusAtProof += MrEXC_Surplus() - surplusBefore;
+            surplusAtProof += Mr166_CountSurplus() - surplusBefore;
         return 0;
     }
     // Each round brought more answers than were asked for: no byte of it can be believed.
@@ -159,14 +159,14 @@ int MrASC_Open(int port, int baud)
     if (result == 0) {
         MrASC_nCom = port;
         MrASC_nBaudRate = baud;
-        MrEXC_Opened();
+        Mr166_NoteOpened();
         surplusAtProof = 0;
     }
     Mr166_nFault = result == 0 ? 0 : OpenFault(result);
     if (result != 0)
         FAIL_Note(MrASC_ErrorText(Mr166_nFault));
     if (TRC_isOn)
-        MrTRC_Link(true, port, baud, Mr166_nFault);
+        Mr166_TraceLink(true, port, baud, Mr166_nFault);
     return result;
 }
 
@@ -174,7 +174,7 @@ void MrASC_Close()
 {
     // Closing what is closed is no event of the trace.
     if (wMrOpenFlag && TRC_isOn)
-        MrTRC_Link(false, MrASC_nCom, MrASC_nBaudRate, 0);
+        Mr166_TraceLink(false, MrASC_nCom, MrASC_nBaudRate, 0);
     MrASC_Driver().close();
 }
 
@@ -226,14 +226,14 @@ int Mr166_Prove()
 {
     bool isProven = true;
     for (int station = 0; station < STATIONS; ++station) {
-        if (!MrEXC_IsProofDue(station))
+        if (!Mr166_IsProofDue(station))
             continue;
-        isProven = isProven && MrEXC_ProveBehind(station, Mr166_CnBlkRpt + 1) >= 0;
+        isProven = isProven && Mr166_ProveBehind(station, Mr166_CnBlkRpt + 1) >= 0;
         // Proven or not, the caller reads again: the same proof is not tried twice.
-        MrEXC_GiveUpProof(station);
+        Mr166_GiveUpProof(station);
     }
-    const bool isSurplus = MrEXC_Surplus() != surplusAtProof;
-    surplusAtProof = MrEXC_Surplus();
+    const bool isSurplus = Mr166_CountSurplus() != surplusAtProof;
+    surplusAtProof = Mr166_CountSurplus();
     if (!isProven)
         return -1;
     return isSurplus ? MR166_READ_AGAIN : 0;

@@ -45,7 +45,7 @@ State Collect(State state, int waiting, bool *isEchoSeen)
             break;
         if (TRC_isOn) {
             const auto received = static_cast<uint8_t>(byte);
-            MrTRC_Received(&received, 1);
+            Mr166_TraceReceived(&received, 1);
         }
         state = Advance(state, static_cast<char>(byte));
         *isEchoSeen = *isEchoSeen || state == State::SKIPPING_ECHO;

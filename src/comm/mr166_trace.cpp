@@ -53,7 +53,7 @@ bool isAnswerShown = true; // a probe's bytes are of no interest
 std::string HexList(const uint8_t *bytes, size_t count)
 {
     const std::string text = std::to_string(count) + (count == 1 ? " byte:" : " bytes:");
-    return count > 0 ? text + " " + BYT_Hex(bytes, count) : text;
+    return count > 0 ? text + " " + TXT_FormatHexBytes(bytes, count) : text;
 }
 
 // The request in words. Its frame stands in the send buffer.
@@ -100,7 +100,7 @@ std::string MrASC_ErrorText(int code)
     return "error " + std::to_string(code);
 }
 
-void MrTRC_Begin(const Mr166_Request &request, bool isProbe)
+void Mr166_BeginTrace(const Mr166_Request &request, bool isProbe)
 {
     current = TRC_Record();
     PLT_LocalTime(&current.when);
@@ -111,12 +111,12 @@ void MrTRC_Begin(const Mr166_Request &request, bool isProbe)
     current.startUs = PLT_TickUs();
 }
 
-void MrTRC_Received(const void *bytes, size_t count)
+void Mr166_TraceReceived(const void *bytes, size_t count)
 {
     TRC_Append(&current.received, bytes, count);
 }
 
-void MrTRC_End(bool isAnswerChecked, bool isEchoSeen)
+void Mr166_EndTrace(bool isAnswerChecked, bool isEchoSeen)
 {
     current.durationUs = static_cast<uint32_t>(PLT_TickUs() - current.startUs);
     current.isGood = !isAnswerChecked || Mr166_nFault == 0;
@@ -128,7 +128,7 @@ void MrTRC_End(bool isAnswerChecked, bool isEchoSeen)
     TRC_Add(current);
 }
 
-void MrTRC_Link(bool isOpening, int port, int baud, int result)
+void Mr166_TraceLink(bool isOpening, int port, int baud, int result)
 {
     TRC_Record record;
     PLT_LocalTime(&record.when);

@@ -37,7 +37,7 @@ GoodRead goodReads[MRTRY_STATIONS]; // the last of each station
 int FailTry(bool isEchoSeen)
 {
     if (TRC_isOn)
-        MrTRC_End(true, isEchoSeen);
+        Mr166_EndTrace(true, isEchoSeen);
     FAIL_Note(MrASC_ErrorText(Mr166_nFault));
     return 0;
 }
@@ -57,7 +57,7 @@ int FailCheck(int code, int fault, bool isEchoSeen)
     // The counters of the first protocol version: this one stops, the time-outs wrap.
     if (EC_wFrameErr != UINT16_MAX)
         ++EC_wFrameErr;
-    MrTRY_Refuse(code);
+    Mr166_RefuseTry(code);
     Mr166_nFault = fault;
     Mr166_isEchoing = Mr166_isEchoing || fault == MR166_FAULT_ECHO;
     return FailTry(isEchoSeen);
@@ -77,26 +77,26 @@ int Succeed(const Mr166_Request &request, bool isEchoSeen)
         goodReads[request.station].isKnown = true;
     }
     if (TRC_isOn)
-        MrTRC_End(true, isEchoSeen);
+        Mr166_EndTrace(true, isEchoSeen);
     return 1;
 }
 
 } // namespace
 
-MrTRY_Examined MrTRY_Examine(const Mr166_Driver &driver, const Mr166_Request &request,
-                             uint16_t closedState)
+Mr166_Examined Mr166_ExamineAnswer(const Mr166_Driver &driver, const Mr166_Request &request,
+                                   uint16_t closedState)
 {
     if (!wMrOpenFlag) {
-        MrTRY_Refuse(MR166_ERR_CLOSED);
+        Mr166_RefuseTry(MR166_ERR_CLOSED);
         wMr166State = closedState;
-        return MrTRY_Examined::REFUSED;
+        return Mr166_Examined::REFUSED;
     }
     // An address beyond 24 bits would be cut by the frame and hit another place. Unlike the other
     // arguments it leaves the state as it was.
     if (request.address > ADDRESS_MAX) {
         nMr166Err = MR166_ERR_ARGUMENT;
         Mr166_nFault = MR166_ERR_ARGUMENT;
-        return MrTRY_Examined::REFUSED;
+        return Mr166_Examined::REFUSED;
     }
     // What an exchange that failed has left in the output would delay this one.
     driver.clearOutput();
@@ -109,12 +109,12 @@ MrTRY_Examined MrTRY_Examine(const Mr166_Driver &driver, const Mr166_Request &re
         (request.word < 1 || request.word > MR166_WRITE_MAX || request.data == nullptr);
     if (request.station >= 0 && request.station < MRTRY_STATIONS && request.command >= 0 &&
         request.command <= COMMAND_MAX && !isBadWrite)
-        return MrTRY_Examined::GOOD;
-    MrTRY_Refuse(MR166_ERR_ARGUMENT);
-    return MrTRY_Examined::BAD_ARGUMENT;
+        return Mr166_Examined::GOOD;
+    Mr166_RefuseTry(MR166_ERR_ARGUMENT);
+    return Mr166_Examined::BAD_ARGUMENT;
 }
 
-bool MrTRY_Send(const Mr166_Driver &driver, const Mr166_Request &request, bool isProbe)
+bool Mr166_SendTry(const Mr166_Driver &driver, const Mr166_Request &request, bool isProbe)
 {
     if (request.command == MR166_CMD_WRITE)
         makeLFrm(request.station, request.command, request.address, request.word, request.data);
@@ -122,9 +122,9 @@ bool MrTRY_Send(const Mr166_Driver &driver, const Mr166_Request &request, bool i
         makeSFrm(request.station, request.command, request.address, request.word);
     STEP_TellWaiting(request.station, Mr166_nFault != 0);
     if (TRC_isOn)
-        MrTRC_Begin(request, isProbe);
+        Mr166_BeginTrace(request, isProbe);
     // Also a request that went out in part may be answered, by what was in the line before.
-    STEP_Sent(&MrANS_line, request.station, MrANS_ShapeOfAnswerTo(request), isProbe);
+    STEP_Sent(&Mr166_line, request.station, Mr166_ShapeOfAnswerTo(request), isProbe);
     if (driver.frameOut() >= 0)
         return true;
     Mr166_nFault = driver.waiting() < 0 ? MR166_FAULT_GONE : MR166_FAULT_SEND;
@@ -134,14 +134,14 @@ bool MrTRY_Send(const Mr166_Driver &driver, const Mr166_Request &request, bool i
 
 // --- reading ----------------------------------------------------------------------------
 
-MrTRY_Reading MrTRY_ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request,
-                               MrTRY_Kind sending)
+Mr166_Reading Mr166_ReadSorted(const Mr166_Driver &driver, const Mr166_Request &request,
+                               Mr166_ReadingKind sending)
 {
     uint32_t start = PLT_TickMs(), limitMs = Mr166_nTimeoutMs;
-    MrTRY_Reading reading;
+    Mr166_Reading reading;
     bool isAnythingRead = false;
     char bytes[CHUNK];
-    while (reading.kind == MrANS_Judgement::WAIT) {
+    while (reading.kind == Mr166_Judgement::WAIT) {
         const uint32_t passed = PLT_TickMs() - start;
         // A target stopped in its debugger: only the driver that skips echoes waits for it.
         const bool isEndless = Mr166_wComDbg && driver.isEchoSkipped;
@@ -155,47 +155,48 @@ MrTRY_Reading MrTRY_ReadSorted(const Mr166_Driver &driver, const Mr166_Request &
             break;
         }
         if (TRC_isOn)
-            MrTRC_Received(bytes, static_cast<size_t>(got));
+            Mr166_TraceReceived(bytes, static_cast<size_t>(got));
         isAnythingRead = isAnythingRead || got > 0;
         for (int i = 0; i < got; ++i) {
-            const bool isWaiting = reading.kind == MrANS_Judgement::WAIT;
-            const MrANS_Judgement judgement =
-                MrANS_JudgeByte(bytes[i], isWaiting ? &request : nullptr, request.station);
+            const bool isWaiting = reading.kind == Mr166_Judgement::WAIT;
+            const Mr166_Judgement judgement =
+                Mr166_JudgeByte(bytes[i], isWaiting ? &request : nullptr, request.station);
             if (!isWaiting)
                 continue;
             if (judgement.isOlder) { // it is slow, and ours is in the queue behind
                 start = PLT_TickMs();
                 limitMs = Mr166_nTimeoutMs * (static_cast<uint32_t>(Mr166_CnBlkRpt) + 1);
             }
-            if (reading.code == 0 || judgement.kind == MrANS_Judgement::REFUSED)
+            if (reading.code == 0 || judgement.kind == Mr166_Judgement::REFUSED)
                 reading.code = judgement.code;
-            if (judgement.kind == MrANS_Judgement::ECHO)
+            if (judgement.kind == Mr166_Judgement::ECHO)
                 reading.isEchoSeen = true;
-            else if (judgement.kind != MrANS_Judgement::PROOF || sending == MrTRY_Kind::PROBE)
+            else if (judgement.kind != Mr166_Judgement::PROOF ||
+                     sending == Mr166_ReadingKind::PROBE)
                 reading.kind = judgement.kind;
         }
     }
     // The driver that reads by length calls half an answer damaged, the other one none.
-    if (reading.kind == MrANS_Judgement::WAIT && reading.code == 0 && !driver.isEchoSkipped &&
-        isAnythingRead && MrANS_CountBegun() > 0)
-        reading.code = MrANS_CheckBegun(request.station, request.command);
+    if (reading.kind == Mr166_Judgement::WAIT && reading.code == 0 && !driver.isEchoSkipped &&
+        isAnythingRead && Mr166_CountBegunAnswer() > 0)
+        reading.code = Mr166_CheckBegunAnswer(request.station, request.command);
     // A driver that cannot skip echoes gives no value on a line that has them. The answer
     // behind an echo is awaited all the same, or it would be taken for the next try's. Of
     // repetitions, an earlier one's answer may come before the echo.
-    const bool isEarlier = Mr166_isEchoing && sending == MrTRY_Kind::REPETITION;
-    const bool isAnswered = reading.kind == MrANS_Judgement::ACCEPTED;
+    const bool isEarlier = Mr166_isEchoing && sending == Mr166_ReadingKind::REPETITION;
+    const bool isAnswered = reading.kind == Mr166_Judgement::ACCEPTED;
     if (!driver.isEchoSkipped && (reading.isEchoSeen || (isEarlier && isAnswered)))
-        reading.kind = MrANS_Judgement::ECHO;
+        reading.kind = Mr166_Judgement::ECHO;
     return reading;
 }
 
-int MrTRY_FinishSorted(const Mr166_Request &request, const MrTRY_Reading &reading)
+int Mr166_FinishSorted(const Mr166_Request &request, const Mr166_Reading &reading)
 {
     if (reading.isGone)
         return FailSilent(MR166_FAULT_GONE, reading.isEchoSeen);
-    if (reading.kind == MrANS_Judgement::ACCEPTED)
+    if (reading.kind == Mr166_Judgement::ACCEPTED)
         return Succeed(request, reading.isEchoSeen);
-    if (reading.kind == MrANS_Judgement::ECHO)
+    if (reading.kind == Mr166_Judgement::ECHO)
         return FailCheck(MR166_ERR_START, MR166_FAULT_ECHO, false);
     if (reading.code == 0)
         return FailSilent(MR166_ERR_TIMEOUT, reading.isEchoSeen);
@@ -205,38 +206,38 @@ int MrTRY_FinishSorted(const Mr166_Request &request, const MrTRY_Reading &readin
 
 // What fails the check goes through the sorter, so that the rest of it finds its beginning
 // there.
-int MrTRY_ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
+int Mr166_ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
 {
     bool isEchoSeen = false;
     const size_t expected = std::min<size_t>(
-        MR166_ANSWER_MIN_CHARS + 2u * MrANS_ExpectedData(request), MR166_ANSWER_ROOM);
+        MR166_ANSWER_MIN_CHARS + 2u * Mr166_ExpectedData(request), MR166_ANSWER_ROOM);
     const Mr166_Ending ending = driver.readAnswer(expected, &isEchoSeen);
     if (ending == Mr166_Ending::GONE)
         return FailSilent(MR166_FAULT_GONE, isEchoSeen);
     // A wrong start character is known before the whole has come; the driver says so itself.
-    const STEP_Shape shape = MrANS_ShapeOfAnswerTo(request);
+    const STEP_Shape shape = Mr166_ShapeOfAnswerTo(request);
     const int count = ending == Mr166_Ending::COMPLETE ? chkAnsFrm(request.station, request.command)
                                                        : MR166_ERR_START;
     if (count >= 0) {
         cnRcvData = static_cast<uint16_t>(count);
-        const STEP_Shape came = MrANS_ShapeOf(request.command, static_cast<unsigned>(count));
+        const STEP_Shape came = Mr166_ShapeOf(request.command, static_cast<unsigned>(count));
         if (came == shape)
-            STEP_Accepted(&MrANS_line, request.station, shape, PLT_TickMs());
+            STEP_Accepted(&Mr166_line, request.station, shape, PLT_TickMs());
         else // somebody else's, perhaps: the caller sees the count
-            STEP_Passed(&MrANS_line, request.station, came, PLT_TickMs());
+            STEP_Passed(&Mr166_line, request.station, came, PLT_TickMs());
         return Succeed(request, isEchoSeen);
     }
     if (ending == Mr166_Ending::COMPLETE && count <= -MR166_TARGET_ERROR_MIN) {
-        STEP_Refused(&MrANS_line, request.station, shape);
+        STEP_Refused(&Mr166_line, request.station, shape);
         return FailCheck(count, count, isEchoSeen);
     }
     // The driver that reads by length takes the echo for the beginning of the answer.
     const bool isEcho = ending == Mr166_Ending::COMPLETE && cbRcv > 0 &&
                         std::memcmp(Mr166_abyRcv, Mr166_abySnd, std::min(cbRcv, cbSnd)) == 0;
-    MrANS_SortLeftOver(Mr166_abyRcv, cbRcv, request.station);
+    Mr166_SortLeftOver(Mr166_abyRcv, cbRcv, request.station);
     // The answer behind the echo is waited for, or it would meet the next request.
     if (isEcho)
-        (void)MrTRY_ReadSorted(driver, request, MrTRY_Kind::REQUEST);
+        (void)Mr166_ReadSorted(driver, request, Mr166_ReadingKind::REQUEST);
     if (ending == Mr166_Ending::TIME_OUT)
         return FailSilent(MR166_ERR_TIMEOUT, isEchoSeen);
     if (ending == Mr166_Ending::WRONG_START) {
@@ -249,7 +250,7 @@ int MrTRY_ReadInStep(const Mr166_Driver &driver, const Mr166_Request &request)
 
 // --- outcomes ---------------------------------------------------------------------------
 
-int MrTRY_Refuse(int code)
+int Mr166_RefuseTry(int code)
 {
     nMr166Err = code;
     Mr166_nFault = code;
@@ -257,23 +258,23 @@ int MrTRY_Refuse(int code)
     return code;
 }
 
-int MrTRY_Cancel()
+int Mr166_CancelTry()
 {
-    MrTRY_Refuse(MR166_FAULT_CANCELLED);
+    Mr166_RefuseTry(MR166_FAULT_CANCELLED);
     FAIL_Note(MrASC_ErrorText(MR166_FAULT_CANCELLED));
     return 0;
 }
 
-bool MrTRY_GoodAddress(int station, uint32_t *address)
+bool Mr166_GoodAddress(int station, uint32_t *address)
 {
     *address = goodReads[station].address;
     return goodReads[station].isKnown;
 }
 
-void MrTRY_Opened()
+void Mr166_NoteOpenedDriver()
 {
     Mr166_isEchoing = false;
     for (GoodRead &read : goodReads)
         read = GoodRead();
-    MrANS_Reset();
+    Mr166_ResetAnswers();
 }

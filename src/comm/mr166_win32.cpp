@@ -20,7 +20,7 @@ Mr166_Ending ReadAnswer(size_t expected, bool * /*isEchoSeen*/)
     if (got <= 0)
         return got < 0 ? Mr166_Ending::GONE : Mr166_Ending::TIME_OUT;
     if (TRC_isOn)
-        MrTRC_Received(Mr166_abyRcv, cbRcv);
+        Mr166_TraceReceived(Mr166_abyRcv, cbRcv);
     return Mr166_Ending::COMPLETE;
 }
 

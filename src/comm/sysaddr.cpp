@@ -35,7 +35,7 @@ const char *SkipSpace(const char *text)
 }
 
 // Symbols are a room below: they come in through this call.
-ADR_Resolver nameResolver = nullptr;
+COM_NameResolver nameResolver = nullptr;
 
 // A map may name what lies outside of the target's 24 bits.
 uint32_t Limited(uint32_t address)
@@ -82,7 +82,7 @@ template <typename Resolve> uint32_t FirstAlternative(const char *list, Resolve 
 
 } // namespace
 
-void ADR_SetResolver(ADR_Resolver resolver)
+void COM_SetNameResolver(COM_NameResolver resolver)
 {
     nameResolver = resolver;
 }
@@ -152,7 +152,7 @@ int UpdateQuickDPP()
     if (ReadSysVar("DPP0", bytes, sizeof bytes) < 0)
         return -1;
     for (int i = 0; i < 4; ++i)
-        awQRDPP[i] = static_cast<uint16_t>(BYT_GetLittle(bytes + 2 * i, 2));
+        awQRDPP[i] = static_cast<uint16_t>(TXT_GetLittle(bytes + 2 * i, 2));
     return 0;
 }
 
@@ -167,7 +167,7 @@ uint32_t QuickRefNearPtr(uint32_t address)
     uint8_t bytes[2];
     if (address >= ADDR_LIMIT || UCM_Read(STATION, address, sizeof bytes, bytes) < 0)
         return ADDR_NONE;
-    return Limited(QuickNearToHuge(static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes))));
+    return Limited(QuickNearToHuge(static_cast<uint16_t>(TXT_GetLittle(bytes, sizeof bytes))));
 }
 
 uint32_t QuickRefNearPtrVar(const char *name)
@@ -200,12 +200,12 @@ int WriteQuickSysNRef(const char *name, const void *data, uint32_t size)
     return address == ADDR_NONE ? -1 : UCM_Write(STATION, address, size, data);
 }
 
-std::string ADR_UnknownText(const std::string &what)
+std::string COM_UnknownNameText(const std::string &what)
 {
     return "'" + what + "' is no address, and no loaded map knows such a name.";
 }
 
-std::string ADR_StationText()
+std::string COM_UnknownStationText()
 {
     return "Stations are 0 to " + std::to_string(STATION_MAX) + ".";
 }

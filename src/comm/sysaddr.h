@@ -18,17 +18,17 @@ constexpr uint32_t ADDR_NONE = 0xFFFFFFFFu;
 
 // Where names come from: the address of a name, or ADDR_NONE. With isTMS the name is one of
 // the TMS320 behind the station. Without a resolver no name has an address.
-typedef uint32_t (*ADR_Resolver)(const char *name, bool isTMS);
-void ADR_SetResolver(ADR_Resolver resolver);
+typedef uint32_t (*COM_NameResolver)(const char *name, bool isTMS);
+void COM_SetNameResolver(COM_NameResolver resolver);
 
 // Station number, the cursor moved past the colon; -1, cursor unchanged, without a prefix.
 // A colon without digits is station 0; the number is not checked against STATION_MAX.
 int GetStationModifier(const char **cursor);
 // What to tell a user about a text that is no place: "'x' is no address, ..." and "Stations
 // are 0 to 15."; and what a field for one wants.
-std::string ADR_UnknownText(const std::string &what);
-std::string ADR_StationText();
-constexpr char ADR_HINT[] =
+std::string COM_UnknownNameText(const std::string &what);
+std::string COM_UnknownStationText();
+constexpr char COM_ADDRESS_HINT[] =
     "A name from the map, or an address such as $1F00; 3: in front for station 3.";
 uint32_t GetSysAddrWk(const char *text);              // without station prefix; ADDR_NONE
 uint32_t GetSysAddr(const char *text);                // a station prefix is discarded

@@ -19,7 +19,7 @@ struct BoxWord {
 int SendWord(int station, const BoxWord &entry)
 {
     uint8_t bytes[4];
-    BYT_PutLittle(bytes, sizeof bytes, entry.word);
+    TXT_PutLittle(bytes, sizeof bytes, entry.word);
     const int result = UCM_EmuCom166Msg(station, TARGET_WRITE, entry.address, sizeof bytes, bytes);
     return result > 0 ? TMS_OK : TMS_ERR_SEND; // a refused argument is no success either
 }
@@ -51,7 +51,7 @@ int TMS_ReadWord(int station, uint32_t address, int maxPolls, uint32_t *value)
     uint8_t bytes[4];
     if (UCM_Read(station, TMS_BOX_DATA, sizeof bytes, bytes) < 0)
         return TMS_ERR_DATA;
-    *value = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
+    *value = static_cast<uint32_t>(TXT_GetLittle(bytes, sizeof bytes));
     return TMS_OK;
 }
 

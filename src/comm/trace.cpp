@@ -82,8 +82,8 @@ void TRC_SetSink(TRC_Sink sink, void *context)
 
 std::string TRC_FormatBytes(const TRC_Bytes &bytes)
 {
-    std::string text = BYT_Hex(bytes.bytes, bytes.count);
-    text += (text.empty() ? " |" : "  |") + BYT_Plain(bytes.bytes, bytes.count) + "|";
+    std::string text = TXT_FormatHexBytes(bytes.bytes, bytes.count);
+    text += (text.empty() ? " |" : "  |") + TXT_PlainBytes(bytes.bytes, bytes.count) + "|";
     if (bytes.lost > 0)
         text += " and " + std::to_string(bytes.lost) + " more";
     return text;

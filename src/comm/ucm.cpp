@@ -278,7 +278,7 @@ int UCM_ReadProving(int station, uint32_t address, uint32_t count, void *buffer)
     const UCM_Protocol *protocol = ForStation(station, &refusal);
     if (protocol == nullptr)
         return refusal;
-    const uint32_t blockMax = GRP_ReadWire(protocol->number).blockMax;
+    const uint32_t blockMax = UCM_ReadWire(protocol->number).blockMax;
     // The last block has to have a length that proves; in as many blocks as without a proof, if
     // one can be had for that, else in one more.
     const uint32_t blocks = (count + blockMax - 1) / blockMax;

@@ -28,7 +28,7 @@ uint32_t surplusAtProof = 0;
 // The place says whether the last register carries one byte or two.
 uint16_t TunnelOf(uint32_t count)
 {
-    return count % 2 != 0 ? MBF_TUNNEL_ODD : MBF_TUNNEL_EVEN;
+    return count % 2 != 0 ? MBM_TUNNEL_ODD : MBM_TUNNEL_EVEN;
 }
 
 // High half first, as registers of 32 bits are usually laid out.
@@ -56,14 +56,14 @@ int Prove()
 {
     int fault = 0;
     for (int slave = MODBUS_STATION_MIN; slave <= MODBUS_STATION_MAX; ++slave) {
-        if (!MBMSTEP_IsProofDue(slave))
+        if (!MBM_IsProofDue(slave))
             continue;
         if (fault == 0)
-            fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
-        MBMSTEP_GiveUpProof(slave);
+            fault = MBM_ProveBehind(slave, UCM_recS.tries);
+        MBM_GiveUpProof(slave);
     }
-    const bool isSurplus = MBMSTEP_Surplus() != surplusAtProof;
-    surplusAtProof = MBMSTEP_Surplus();
+    const bool isSurplus = MBM_CountSurplus() != surplusAtProof;
+    surplusAtProof = MBM_CountSurplus();
     if (fault != 0) {
         MBM_Refuse(fault);
         return UCM_NOT_PROVEN;
@@ -109,7 +109,7 @@ int UCM_ReadBlkMBM(int slave, uint32_t address, uint32_t count, void *buffer)
     PutAddress(address, target);
     const uint32_t quantity = (count + 1) / 2;
     const MBM_Part to = {TunnelOf(count), ADDRESS_REGISTERS, target};
-    const MBM_Part from = {MBF_TUNNEL_DATA, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
+    const MBM_Part from = {MBM_TUNNEL_DATA, static_cast<uint16_t>(std::min(quantity, 0xFFFFu)),
                            registers};
     const int result = UCM_ExchangeMBM(MBM_FN_READ_WRITE, slave, &from, &to);
     uint8_t *bytes = static_cast<uint8_t *>(buffer);
@@ -145,14 +145,14 @@ int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
 {
     // Of several blocks, one's confirmation may have come twice in place of the next one's.
     for (int round = 0; round < ROUNDS_MAX; ++round) {
-        const uint32_t surplus = MBMSTEP_Surplus();
+        const uint32_t surplus = MBM_CountSurplus();
         const uint8_t *bytes = static_cast<const uint8_t *>(data);
         uint32_t place = address, left = count;
         int result = 0;
         // In address order, up to the first block that fails.
         while (left > 0 && result >= 0)
             result = std::min(UCM_WriteBlkBgMBM(slave, &place, &left, &bytes), 0);
-        if (result < 0 || count <= BLOCK_BYTES || MBMSTEP_Surplus() == surplus)
+        if (result < 0 || count <= BLOCK_BYTES || MBM_CountSurplus() == surplus)
             return result;
     }
     return MBM_Refuse(MBM_FAULT_STEP);
@@ -161,20 +161,20 @@ int UCM_WriteMBM(int slave, uint32_t address, uint32_t count, const void *data)
 int UCM_ReadMBM(int slave, uint32_t address, uint32_t count, void *buffer)
 {
     for (int round = 0; round < ROUNDS_MAX; ++round) {
-        const uint32_t surplus = MBMSTEP_Surplus();
+        const uint32_t surplus = MBM_CountSurplus();
         uint8_t *bytes = static_cast<uint8_t *>(buffer);
         int result = 0;
         for (uint32_t done = 0; done < count && result >= 0; done += BLOCK_BYTES)
             result = UCM_ReadBlkMBM(slave, address + done, std::min(count - done, BLOCK_BYTES),
                                     bytes + done);
         // A single block on a calm line is proven by the caller, with others, once a sweep.
-        if (result < 0 || !MBMSTEP_IsProofDue(slave) ||
-            (count <= BLOCK_BYTES && !MBMSTEP_IsSuspicious(slave)))
+        if (result < 0 || !MBM_IsProofDue(slave) ||
+            (count <= BLOCK_BYTES && !MBM_IsSuspicious(slave)))
             return result;
-        const int fault = MBMSTEP_ProveBehind(slave, UCM_recS.tries);
+        const int fault = MBM_ProveBehind(slave, UCM_recS.tries);
         if (fault != 0)
             return UCM_CountErr(MBM_Refuse(fault));
-        if (MBMSTEP_Surplus() == surplus)
+        if (MBM_CountSurplus() == surplus)
             return result;
     }
     return MBM_Refuse(MBM_FAULT_STEP);
@@ -212,12 +212,11 @@ const UCM_Protocol UCM_PROTOCOL_MODBUS = {
     UCM_ReadMBM,
     // pickProving
     [](int slave, uint32_t least, uint32_t most) {
-        return MBMSTEP_PickProving(slave, least, std::min(most, BLOCK_BYTES));
+        return MBM_PickProving(slave, least, std::min(most, BLOCK_BYTES));
     },
     // readProving: the caller reads again, with all tries, what fails here
     [](int slave, uint32_t address, uint32_t count, void *buffer) {
-        const int fault =
-            MBMSTEP_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
+        const int fault = MBM_ReadProving(slave, address, count, static_cast<uint8_t *>(buffer));
         return fault == 0 ? 0 : MBM_Fail(fault, MBM_EX_SILENT);
     },
     UCM_WriteMBM,

@@ -81,11 +81,11 @@ const UCM_Protocol UCM_PROTOCOL_MR166 = {
     Read,
     // pickProving: a word-addressing target has no odd number of bytes to give
     [](int station, uint32_t least, uint32_t most) {
-        return MrEXC_PickProving(station, IsWordAddressing(Procesor) ? 2 : 1, least, most);
+        return Mr166_PickProving(station, IsWordAddressing(Procesor) ? 2 : 1, least, most);
     },
     // readProving: not counted, because a block that fails here is read again with all its tries
     [](int station, uint32_t address, uint32_t count, void *buffer) {
-        return MrEXC_ReadProving(station, address, static_cast<uint16_t>(count), buffer) == 1 ? 0
+        return Mr166_ReadProving(station, address, static_cast<uint16_t>(count), buffer) == 1 ? 0
                                                                                               : -1;
     },
     Write,

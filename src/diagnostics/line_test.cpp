@@ -27,52 +27,52 @@ uint32_t CountBytesCame()
     return sum;
 }
 
-LNT_Result Ask(std::string *text)
+DIA_LineResult Ask(std::string *text)
 {
     const uint32_t before = CountBytesCame();
     uint8_t byte = 0;
     const int result = UCM_Read(STATION, 0, 1, &byte);
     if (result >= 0 && UCM_Prove() == UCM_PROVEN) {
         *text = Who() + " answers.";
-        return LNT_ANSWERS;
+        return DIA_LINE_ANSWERS;
     }
     const std::string cause = UCM_LastErrorText();
     if (result == UCM_ERR_ARGUMENT) {
         *text = Who() + ": " + cause + ".";
-        return LNT_BAD_STATION;
+        return DIA_LINE_BAD_STATION;
     }
     for (const char *refusal : REFUSALS)
         if (cause.compare(0, std::string(refusal).size(), refusal) == 0) {
             *text = Who() + " answers: " + cause + ".";
-            return LNT_ANSWERS;
+            return DIA_LINE_ANSWERS;
         }
     // An echo is also bytes that came, so it is told apart before they are counted.
     if (UCM_IsEchoing()) {
         *text = VR_nProtocol == PROTOCOL_MODBUS ? "The line echoes what is sent." : FAIL_ECHO;
-        return LNT_ECHO;
+        return DIA_LINE_ECHO;
     }
     if (cause == "cancelled") {
         *text = "Cancelled.";
-        return LNT_CANCELLED;
+        return DIA_LINE_CANCELLED;
     }
     if (CountBytesCame() != before) {
         *text = "Bytes arrive but no frames: wrong baud rate? (" + cause + ")";
-        return LNT_NO_FRAMES;
+        return DIA_LINE_NO_FRAMES;
     }
     *text = "Nothing answers: check cable and supply, then station and baud rate.";
-    return LNT_SILENT;
+    return DIA_LINE_SILENT;
 }
 
 } // namespace
 
-LNT_Result LNT_Test(std::string *text)
+DIA_LineResult DIA_TestLine(std::string *text)
 {
     if (VR_OpenLink() < 0) {
         *text = UCM_PortName(ncom) + ": " + UCM_LastErrorText() + ".";
         UCM_Close();
-        return LNT_NO_PORT;
+        return DIA_LINE_NO_PORT;
     }
-    const LNT_Result result = Ask(text);
+    const DIA_LineResult result = Ask(text);
     UCM_Close();
     return result;
 }

@@ -6,16 +6,16 @@
 
 #include <string>
 
-enum LNT_Result {
-    LNT_ANSWERS,
-    LNT_ECHO,      // what is sent comes back in place of an answer
-    LNT_NO_FRAMES, // something comes, but nothing that is an answer
-    LNT_SILENT,
-    LNT_BAD_STATION, // not in this protocol
-    LNT_NO_PORT,     // it cannot be opened
-    LNT_CANCELLED,   // by the user
+enum DIA_LineResult {
+    DIA_LINE_ANSWERS,
+    DIA_LINE_ECHO,      // what is sent comes back in place of an answer
+    DIA_LINE_NO_FRAMES, // something comes, but nothing that is an answer
+    DIA_LINE_SILENT,
+    DIA_LINE_BAD_STATION, // not in this protocol
+    DIA_LINE_NO_PORT,     // it cannot be opened
+    DIA_LINE_CANCELLED,   // by the user
 };
 // `text` gets a sentence or two for the user.
-LNT_Result LNT_Test(std::string *text);
+DIA_LineResult DIA_TestLine(std::string *text);
 
 #endif

@@ -133,7 +133,7 @@ std::string AdviceText(const Figures &figures)
 
 // --- tables ----------------------------------------------------------------------------
 
-// "\033p76l" begins a column at 76 pixels; UIC_JoinColumns knows it, too.
+// "\033p76l" begins a column at 76 pixels; UI_JoinColumns knows it, too.
 std::string MakeLabel(const std::string &first, const std::string &second, const std::string &third)
 {
     return first + "\033p76l" + second + "\033p160l" + third;
@@ -180,18 +180,18 @@ void AppendTable(std::string *text, const char *heading, const std::vector<std::
 {
     *text += std::string("\n") + heading + "\n";
     for (const std::string &line : lines)
-        *text += UIC_JoinColumns(line, "\t") + "\n";
+        *text += UI_JoinColumns(line, "\t") + "\n";
 }
 
 } // namespace
 
-void STP_Opened()
+void DIA_StatisticsOpened()
 {
     SetCtrlAttribute(PANEL_STATISTICS, STATISTICS_TIMER, ATTR_INTERVAL, STATISTICS_PERIOD_S);
-    STP_Refresh();
+    DIA_RefreshStatistics();
 }
 
-void STP_Refresh()
+void DIA_RefreshStatistics()
 {
     int isVisible = 0;
     if (GetPanelAttribute(PANEL_STATISTICS, ATTR_VISIBLE, &isVisible) < 0 || isVisible == 0)
@@ -204,7 +204,7 @@ void STP_Refresh()
     FillList(STATISTICS_COUNTERS, CounterLines(figures.counts));
 }
 
-std::string STP_Text()
+std::string DIA_GetStatisticsText()
 {
     const Figures figures = Measure();
     std::string text;
@@ -216,7 +216,7 @@ std::string STP_Text()
     return text + "\n" + AdviceText(figures) + "\n";
 }
 
-int STP_PanelCB(int panel, int event, int)
+int DIA_StatisticsPanelCB(int panel, int event, int)
 {
     if (event == EVENT_CLOSE || event == EVENT_KEYPRESS) // Esc is the only key it has
         HidePanel(panel);
@@ -224,25 +224,25 @@ int STP_PanelCB(int panel, int event, int)
 }
 
 // The layers below count on; what has been counted so far is taken off from now on.
-int STP_ResetCB(int, int, int event, int)
+int DIA_StatisticsResetCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT) {
         UCM_ResetStatistics();
-        STP_Refresh();
+        DIA_RefreshStatistics();
     }
     return 0;
 }
 
-int STP_CopyCB(int, int, int event, int)
+int DIA_StatisticsCopyCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
-        ClipboardPutText(STP_Text());
+        ClipboardPutText(DIA_GetStatisticsText());
     return 0;
 }
 
-int STP_TimerCB(int, int, int event, int)
+int DIA_StatisticsTimerCB(int, int, int event, int)
 {
     if (event == EVENT_TIMER_TICK)
-        STP_Refresh();
+        DIA_RefreshStatistics();
     return 0;
 }

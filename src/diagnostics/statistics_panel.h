@@ -8,13 +8,14 @@
 
 constexpr double STATISTICS_PERIOD_S = 1.0;
 
-void STP_Opened();      // the window has been put on the screen: shows the figures at once
-void STP_Refresh();     // nothing when the window is not open
-std::string STP_Text(); // everything the window shows, a figure a line, tabs between columns
+void DIA_StatisticsOpened();  // the window has been put on the screen: shows the figures at once
+void DIA_RefreshStatistics(); // nothing when the window is not open
+std::string
+DIA_GetStatisticsText(); // everything the window shows, a figure a line, tabs between columns
 
-int STP_PanelCB(int panel, int event, int data);
-int STP_ResetCB(int panel, int control, int event, int data);
-int STP_CopyCB(int panel, int control, int event, int data);
-int STP_TimerCB(int panel, int control, int event, int data);
+int DIA_StatisticsPanelCB(int panel, int event, int data);
+int DIA_StatisticsResetCB(int panel, int control, int event, int data);
+int DIA_StatisticsCopyCB(int panel, int control, int event, int data);
+int DIA_StatisticsTimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -139,7 +139,7 @@ void Pause(bool isPaused)
 
 } // namespace
 
-void TRP_Opened()
+void DIA_TraceOpened()
 {
     if (!isOpen) {
         isOpen = true;
@@ -148,10 +148,10 @@ void TRP_Opened()
         Pause(false);
         SetCtrlAttribute(PANEL_TRACE, TRACE_TIMER, ATTR_INTERVAL, TRACE_PERIOD_S);
     }
-    TRP_Refresh();
+    DIA_RefreshTrace();
 }
 
-void TRP_Refresh()
+void DIA_RefreshTrace()
 {
     if (!isOpen)
         return;
@@ -168,7 +168,7 @@ void TRP_Refresh()
     ShowCount();
 }
 
-std::string TRP_Text()
+std::string DIA_GetTraceText()
 {
     std::string text;
     for (const uint64_t number : numbers) {
@@ -178,7 +178,7 @@ std::string TRP_Text()
     return text;
 }
 
-int TRP_PanelCB(int, int event, int)
+int DIA_TracePanelCB(int, int event, int)
 {
     if (event != EVENT_CLOSE && event != EVENT_KEYPRESS) // Esc is the only key it has
         return 0;
@@ -191,7 +191,7 @@ int TRP_PanelCB(int, int event, int)
     return 0;
 }
 
-int TRP_ListCB(int panel, int control, int event, int)
+int DIA_TraceListCB(int panel, int control, int event, int)
 {
     if (event != EVENT_VAL_CHANGED)
         return 0;
@@ -206,26 +206,26 @@ int TRP_ListCB(int panel, int control, int event, int)
     return 0;
 }
 
-int TRP_PauseCB(int, int, int event, int)
+int DIA_TracePauseCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
     Pause(!TRC_IsPaused());
-    TRP_Refresh();
+    DIA_RefreshTrace();
     return 0;
 }
 
-int TRP_ClearCB(int, int, int event, int)
+int DIA_TraceClearCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
     TRC_Clear();
     EmptyList();
-    TRP_Refresh();
+    DIA_RefreshTrace();
     return 0;
 }
 
-int TRP_CopyCB(int, int, int event, int)
+int DIA_TraceCopyCB(int, int, int event, int)
 {
     const TRC_Record *record = event == EVENT_COMMIT ? FindRecord(selected) : nullptr;
     if (record == nullptr)
@@ -236,32 +236,32 @@ int TRP_CopyCB(int, int, int event, int)
     return 0;
 }
 
-int TRP_CopyAllCB(int, int, int event, int)
+int DIA_TraceCopyAllCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
-        ClipboardPutText(TRP_Text());
+        ClipboardPutText(DIA_GetTraceText());
     return 0;
 }
 
-int TRP_SaveCB(int, int, int event, int)
+int DIA_TraceSaveCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
-    const std::string text = TRP_Text(); // what the user saw when the button was pressed
+    const std::string text = DIA_GetTraceText(); // what the user saw when the button was pressed
     std::string path;
     if (FileSelectPopup("", "trace.txt", "*.txt", "Save wire trace", FILE_SAVE, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return 0;
     SafeFile file;
-    const bool isFileOpen = SAF_Open(&file, path, "wb") == 0;
+    const bool isFileOpen = PLT_BeginSave(&file, path, "wb") == 0;
     if (isFileOpen)
-        SAF_PutText(file.file, text); // with the line ends of this program's other files
-    if (!isFileOpen || SAF_Commit(&file) < 0)
-        MessagePopup("Error", SAF_FailureText(path));
+        PLT_SaveText(file.file, text); // with the line ends of this program's other files
+    if (!isFileOpen || PLT_CommitSave(&file) < 0)
+        MessagePopup("Error", PLT_SaveFailureText(path));
     return 0;
 }
 
-int TRP_FilterCB(int panel, int control, int event, int)
+int DIA_TraceFilterCB(int panel, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
@@ -269,7 +269,7 @@ int TRP_FilterCB(int panel, int control, int event, int)
     GetCtrlVal(panel, control, &isOn);
     isFailuresOnly = isOn != 0;
     EmptyList();
-    TRP_Refresh();
+    DIA_RefreshTrace();
     // The selected exchange stands at quite another place now.
     constexpr int LINES_ABOVE = 5; // kept in view
     int index = 0;
@@ -279,9 +279,9 @@ int TRP_FilterCB(int panel, int control, int event, int)
     return 0;
 }
 
-int TRP_TimerCB(int, int, int event, int)
+int DIA_TraceTimerCB(int, int, int event, int)
 {
     if (event == EVENT_TIMER_TICK)
-        TRP_Refresh();
+        DIA_RefreshTrace();
     return 0;
 }

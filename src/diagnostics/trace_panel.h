@@ -11,19 +11,19 @@
 constexpr size_t TRACE_CAPACITY = 2000; // exchanges kept
 constexpr double TRACE_PERIOD_S = 0.25;
 
-void TRP_Opened();  // the window has been put on the screen: starts recording
-void TRP_Refresh(); // takes new exchanges into the list; nothing when the window is not open
+void DIA_TraceOpened();  // the window has been put on the screen: starts recording
+void DIA_RefreshTrace(); // takes new exchanges into the list; nothing when the window is not open
 // The exchanges in the list (the filter applies) as lines of text.
-std::string TRP_Text();
+std::string DIA_GetTraceText();
 
-int TRP_PanelCB(int panel, int event, int data);
-int TRP_ListCB(int panel, int control, int event, int data);
-int TRP_PauseCB(int panel, int control, int event, int data);
-int TRP_ClearCB(int panel, int control, int event, int data);
-int TRP_CopyCB(int panel, int control, int event, int data); // the selected exchange
-int TRP_CopyAllCB(int panel, int control, int event, int data);
-int TRP_SaveCB(int panel, int control, int event, int data);
-int TRP_FilterCB(int panel, int control, int event, int data);
-int TRP_TimerCB(int panel, int control, int event, int data);
+int DIA_TracePanelCB(int panel, int event, int data);
+int DIA_TraceListCB(int panel, int control, int event, int data);
+int DIA_TracePauseCB(int panel, int control, int event, int data);
+int DIA_TraceClearCB(int panel, int control, int event, int data);
+int DIA_TraceCopyCB(int panel, int control, int event, int data); // the selected exchange
+int DIA_TraceCopyAllCB(int panel, int control, int event, int data);
+int DIA_TraceSaveCB(int panel, int control, int event, int data);
+int DIA_TraceFilterCB(int panel, int control, int event, int data);
+int DIA_TraceTimerCB(int panel, int control, int event, int data);
 
 #endif

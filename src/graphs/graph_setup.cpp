@@ -28,8 +28,8 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
     SMP_Item item;
     uint32_t address = SMP_NO_ADDRESS;
     if (cells.size() < 6 || cells[2].empty() || cells[2].size() > LITEM_FIELD_MAX ||
-        cells[3].size() != 1 || !NUM_Parse(cells[4], 1, 8, &item.size) ||
-        !NUM_Parse(cells[5], 0, 15, &item.station))
+        cells[3].size() != 1 || !TXT_ParseNumber(cells[4], 1, 8, &item.size) ||
+        !TXT_ParseNumber(cells[5], 0, 15, &item.station))
         return false;
     if (cells.size() > 6) {
         const char *end = cells[6].data() + cells[6].size();
@@ -44,7 +44,7 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
     LItem typed;
     typed.type = item.type;
     typed.size = item.size;
-    if (!VTY_IsField(VTY_Field(typed)))
+    if (!VAL_IsTypeField(VAL_TypeField(typed)))
         return false;
     curve->item = item;
     return true;
@@ -53,12 +53,12 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
 // The rest of a line behind "trigger,": one or more, parted by ';'.
 int ParseTriggers(const std::string &line, GRA_Setup *setup)
 {
-    const std::string text = WRD_Trim(line.substr(std::min(line.find(','), line.size() - 1) + 1));
+    const std::string text = TXT_Trim(line.substr(std::min(line.find(','), line.size() - 1) + 1));
     // Together, so that their number is bounded over all lines.
     const std::string both = setup->triggers.empty() ? text : setup->triggers + "; " + text;
-    std::vector<TRG_Trigger> parsed;
+    std::vector<SMP_Trigger> parsed;
     std::string problem;
-    if (text.empty() || TRG_ParseList(both, &parsed, &problem) != 0)
+    if (text.empty() || SMP_ParseTriggers(both, &parsed, &problem) != 0)
         return -1;
     setup->triggers = both;
     return 1;
@@ -68,19 +68,20 @@ int ParseTriggers(const std::string &line, GRA_Setup *setup)
 int ParseLine(const std::string &line, GRA_Setup *setup)
 {
     std::vector<std::string> cells;
-    if (line.empty() || line[0] == ';' || !CSV_SplitRow(line, &cells))
+    if (line.empty() || line[0] == ';' || !TXT_SplitCsvRow(line, &cells))
         return 0;
     for (std::string &cell : cells)
-        cell = WRD_Trim(cell);
+        cell = TXT_Trim(cell);
     const std::string &key = cells[0];
     const std::string second = cells.size() > 1 ? cells[1] : "";
     int layout = 0;
     if (key == "period")
-        return NUM_Parse(second, 0, 24 * 3600 * 1000, &setup->periodMs) ? 1 : -1;
+        return TXT_ParseNumber(second, 0, 24 * 3600 * 1000, &setup->periodMs) ? 1 : -1;
     if (key == "window")
-        return NUM_Parse(second, GRA_WINDOW_MIN_S, GRA_WINDOW_MAX_S, &setup->windowS) ? 1 : -1;
+        return TXT_ParseNumber(second, GRA_WINDOW_MIN_S, GRA_WINDOW_MAX_S, &setup->windowS) ? 1
+                                                                                            : -1;
     if (key == "layout") {
-        if (!NUM_Parse(second, 0, static_cast<int>(GRAPH_STACKED), &layout))
+        if (!TXT_ParseNumber(second, 0, static_cast<int>(GRAPH_STACKED), &layout))
             return -1;
         setup->layout = static_cast<UI_GraphLayout>(layout);
         return 1;
@@ -94,7 +95,7 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     size_t number = 0;
     const bool isNew = key == "curve";
     const size_t last = setup->curves.size() + (isNew ? 1 : 0);
-    if (!NUM_Parse(second, size_t{1}, std::min(last, GRA_CURVES_MAX), &number) ||
+    if (!TXT_ParseNumber(second, size_t{1}, std::min(last, GRA_CURVES_MAX), &number) ||
         (isNew && number != last))
         return -1;
     GRA_Curve curve = isNew ? GRA_Curve() : setup->curves[number - 1];
@@ -104,11 +105,11 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     else if (key == "unit" && isGood)
         curve.unit = cells[2];
     else if (key == "pane" && isGood)
-        isGood = NUM_Parse(cells[2], 0, static_cast<int>(GRA_CURVES_MAX) - 1, &curve.pane);
+        isGood = TXT_ParseNumber(cells[2], 0, static_cast<int>(GRA_CURVES_MAX) - 1, &curve.pane);
     else if (isGood)
         isGood = cells.size() > 3 &&
-                 NUM_Parse(cells[2], -SCALE_MAX, SCALE_MAX, &curve.scale.factor) &&
-                 NUM_Parse(cells[3], -SCALE_MAX, SCALE_MAX, &curve.scale.offset) &&
+                 TXT_ParseNumber(cells[2], -SCALE_MAX, SCALE_MAX, &curve.scale.factor) &&
+                 TXT_ParseNumber(cells[3], -SCALE_MAX, SCALE_MAX, &curve.scale.offset) &&
                  curve.scale.factor != 0;
     if (!isGood)
         return -1;
@@ -123,7 +124,7 @@ std::string CurveLines(const GRA_Curve &curve, size_t number)
 {
     const std::string at = ", " + std::to_string(number) + ","; // a quote must follow at once
     const SMP_Item &item = curve.item;
-    std::string text = "curve" + at + WRD_QuoteCsv(item.name) + ", " + item.type + ", " +
+    std::string text = "curve" + at + TXT_QuoteCsv(item.name) + ", " + item.type + ", " +
                        std::to_string(item.size) + ", " + std::to_string(item.station);
     // A name is looked up at loading, in the map of that day; only an address is written as one.
     if (item.address != SMP_NO_ADDRESS && item.name[0] == '[') {
@@ -133,7 +134,7 @@ std::string CurveLines(const GRA_Curve &curve, size_t number)
     }
     text += "\r\n";
     if (!curve.unit.empty())
-        text += "unit" + at + WRD_QuoteCsv(curve.unit) + "\r\n";
+        text += "unit" + at + TXT_QuoteCsv(curve.unit) + "\r\n";
     if (curve.scale.factor != 1 || curve.scale.offset != 0)
         text += "scale" + at + " " + SCP_NumberText(curve.scale.factor) + ", " +
                 SCP_NumberText(curve.scale.offset) + "\r\n";
@@ -169,7 +170,7 @@ int GRA_LoadSetup(const std::string &path, GRA_Setup *setup, std::vector<std::st
     for (size_t number = 1; TXFR_RdNewLine(file, &line, -1) >= 0; ++number) {
         const int result = ParseLine(line, &loaded);
         if (result < 0)
-            problems->push_back("line " + std::to_string(number) + ": " + WRD_Visible(line));
+            problems->push_back("line " + std::to_string(number) + ": " + TXT_Visible(line));
         else if (result == 0 && line != FIRST_LINE && loaded.foreign.size() < LINES_MAX)
             loaded.foreign.push_back(line);
     }
@@ -193,10 +194,10 @@ int GRA_SaveSetup(const std::string &path, const GRA_Setup &setup)
     for (const std::string &line : setup.foreign)
         text += line + "\r\n";
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
     if (std::fwrite(text.data(), 1, text.size(), safe.file) == text.size())
-        return SAF_Commit(&safe);
-    SAF_Cancel(&safe);
+        return PLT_CommitSave(&safe);
+    PLT_CancelSave(&safe);
     return -1;
 }

@@ -14,7 +14,7 @@ constexpr double GRA_WINDOW_MIN_S = 1, GRA_WINDOW_MAX_S = 24 * 3600;
 
 struct GRA_Curve {
     SMP_Item item;
-    GRH_Scale scale;
+    GRA_Scale scale;
     std::string unit;
     int pane = 0; // from 0 to GRA_CURVES_MAX - 1
 };
@@ -24,7 +24,7 @@ struct GRA_Setup {
     int periodMs = 100;  // 0: as fast as the line allows
     double windowS = 10; // what a live graph shows
     UI_GraphLayout layout = GRAPH_TOGETHER;
-    std::string triggers;             // as TRG_ParseList has them
+    std::string triggers;             // as SMP_ParseTriggers has them
     std::vector<std::string> foreign; // lines of later versions, and comments: they are kept
 };
 

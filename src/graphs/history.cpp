@@ -18,11 +18,11 @@ double NumberOf(const SMP_Store &store, size_t item, const SMP_Sample &sample)
     return sample.state == SMP_GOOD ? SMP_Number(store.items[item], sample.bits) : GAP;
 }
 
-GRH_Block MakeBlock(const SMP_Store &store, size_t item, uint64_t first)
+GRA_HistoryBlock MakeBlock(const SMP_Store &store, size_t item, uint64_t first)
 {
-    GRH_Block block;
-    for (uint64_t i = 0; i < GRH_BLOCK_SAMPLES; ++i) {
-        const double number = NumberOf(store, item, SST_Get(store, item, first + i));
+    GRA_HistoryBlock block;
+    for (uint64_t i = 0; i < GRA_HISTORY_BLOCK_SAMPLES; ++i) {
+        const double number = NumberOf(store, item, SMP_GetSample(store, item, first + i));
         const auto place = static_cast<uint8_t>(i);
         if (!std::isfinite(number)) {
             block.failedAt = place;
@@ -45,10 +45,10 @@ GRH_Block MakeBlock(const SMP_Store &store, size_t item, uint64_t first)
 }
 
 // The block a sample begins, when it lies whole before `end`; null else.
-const GRH_Block *BlockAt(const GRH_Index &index, uint64_t number, uint64_t end)
+const GRA_HistoryBlock *BlockAt(const GRA_HistoryIndex &index, uint64_t number, uint64_t end)
 {
-    const uint64_t block = number / GRH_BLOCK_SAMPLES;
-    if (number % GRH_BLOCK_SAMPLES != 0 || number + GRH_BLOCK_SAMPLES > end ||
+    const uint64_t block = number / GRA_HISTORY_BLOCK_SAMPLES;
+    if (number % GRA_HISTORY_BLOCK_SAMPLES != 0 || number + GRA_HISTORY_BLOCK_SAMPLES > end ||
         block < index.firstBlock || block - index.firstBlock >= index.blocks.size())
         return nullptr;
     return &index.blocks[static_cast<size_t>(block - index.firstBlock)];
@@ -78,7 +78,7 @@ struct Column {
             high = point;
     }
     // At their own times, so that the curve goes up and down as the samples did.
-    void flush(GRH_Points *points)
+    void flush(GRA_Points *points)
     {
         Point all[] = {low, high, gap};
         std::sort(std::begin(all), std::end(all),
@@ -109,7 +109,7 @@ Span FindSpan(const SMP_Store &store, size_t item, int64_t originUs, double from
         return originUs +
                static_cast<int64_t>(std::llround(std::clamp(seconds, -1e12, 1e12) * US_PER_S));
     };
-    return {SST_FindTime(store, item, us(from)), SST_FindTime(store, item, us(to) + 1)};
+    return {SMP_FindTime(store, item, us(from)), SMP_FindTime(store, item, us(to) + 1)};
 }
 
 // --- measures -----------------------------------------------------------------------------
@@ -132,7 +132,7 @@ struct Sums {
 };
 
 // Mean and spread known, in the curve's own numbers.
-void Finish(const Sums &sums, GRH_Measures *m)
+void Finish(const Sums &sums, GRA_Measures *m)
 {
     m->count = sums.count;
     if (sums.count == 0)
@@ -164,12 +164,13 @@ double FindSlope(const std::vector<double> &times, const std::vector<double> &va
 
 } // namespace
 
-void GRH_Update(const SMP_Store &store, size_t item, GRH_Index *index)
+void GRA_UpdateHistory(const SMP_Store &store, size_t item, GRA_HistoryIndex *index)
 {
     const SMP_Ring &ring = store.rings[item];
     // Blocks begin at multiples of their length: which samples one holds never changes.
-    const uint64_t firstWhole = (ring.first + GRH_BLOCK_SAMPLES - 1) / GRH_BLOCK_SAMPLES;
-    const uint64_t endWhole = ring.end / GRH_BLOCK_SAMPLES;
+    const uint64_t firstWhole =
+        (ring.first + GRA_HISTORY_BLOCK_SAMPLES - 1) / GRA_HISTORY_BLOCK_SAMPLES;
+    const uint64_t endWhole = ring.end / GRA_HISTORY_BLOCK_SAMPLES;
     // Numbers begin anew with another item; a store that ran ahead has lost the blocks between.
     const uint64_t done = index->firstBlock + index->blocks.size();
     if (done > endWhole || done < firstWhole) {
@@ -181,12 +182,12 @@ void GRH_Update(const SMP_Store &store, size_t item, GRH_Index *index)
         index->firstBlock++;
     }
     for (uint64_t next = index->firstBlock + index->blocks.size(); next < endWhole; ++next)
-        index->blocks.push_back(MakeBlock(store, item, next * GRH_BLOCK_SAMPLES));
+        index->blocks.push_back(MakeBlock(store, item, next * GRA_HISTORY_BLOCK_SAMPLES));
 }
 
-void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64_t originUs,
-              double from, double to, double columnS, double pauseS, const GRH_Scale &scale,
-              GRH_Points *points)
+void GRA_DrawHistory(const SMP_Store &store, size_t item, const GRA_HistoryIndex &index,
+                     int64_t originUs, double from, double to, double columnS, double pauseS,
+                     const GRA_Scale &scale, GRA_Points *points)
 {
     const SMP_Ring &ring = store.rings[item];
     // One more on either side: the stroke that leaves the picture is in it.
@@ -194,11 +195,11 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
     span.begin -= span.begin > ring.first ? 1 : 0;
     span.end += span.end < ring.end ? 1 : 0;
     const auto secondsOf = [&](uint64_t number) {
-        return static_cast<double>(ring.timesUs[SST_PlaceOf(ring, number)] - originUs) / US_PER_S;
+        return static_cast<double>(ring.timesUs[SMP_PlaceOf(ring, number)] - originUs) / US_PER_S;
     };
     const auto scaled = [&](double number) { return number * scale.factor + scale.offset; };
     const auto valueOf = [&](uint64_t number) {
-        return scaled(NumberOf(store, item, SST_Get(store, item, number)));
+        return scaled(NumberOf(store, item, SMP_GetSample(store, item, number)));
     };
     const bool isEach = columnS <= 0;
     Column column;
@@ -222,15 +223,15 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
             column.flush(points);
             columnEnd = (std::floor(time / columnS) + 1) * columnS;
         }
-        const GRH_Block *block = BlockAt(index, number, span.end);
-        if (block != nullptr && secondsOf(number + GRH_BLOCK_SAMPLES - 1) < columnEnd) {
+        const GRA_HistoryBlock *block = BlockAt(index, number, span.end);
+        if (block != nullptr && secondsOf(number + GRA_HISTORY_BLOCK_SAMPLES - 1) < columnEnd) {
             if (block->good > 0) {
                 column.add({secondsOf(number + block->minAt), scaled(block->min), true});
                 column.add({secondsOf(number + block->maxAt), scaled(block->max), true});
             }
-            if (block->good < GRH_BLOCK_SAMPLES)
+            if (block->good < GRA_HISTORY_BLOCK_SAMPLES)
                 column.add({secondsOf(number + block->failedAt), GAP, true});
-            number += GRH_BLOCK_SAMPLES;
+            number += GRA_HISTORY_BLOCK_SAMPLES;
             before = secondsOf(number - 1);
             continue;
         }
@@ -241,7 +242,7 @@ void GRH_Draw(const SMP_Store &store, size_t item, const GRH_Index &index, int64
     column.flush(points);
 }
 
-double GRH_ColumnS(const SMP_Store &store, size_t item, int64_t originUs, double from, double to,
+double GRA_ColumnS(const SMP_Store &store, size_t item, int64_t originUs, double from, double to,
                    int columns)
 {
     const Span span = FindSpan(store, item, originUs, from, to);
@@ -249,33 +250,33 @@ double GRH_ColumnS(const SMP_Store &store, size_t item, int64_t originUs, double
     return areFew ? 0 : (to - from) / columns;
 }
 
-GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &index,
-                         int64_t originUs, double from, double to, const GRH_Scale &scale)
+GRA_Measures GRA_MeasureHistory(const SMP_Store &store, size_t item, const GRA_HistoryIndex &index,
+                                int64_t originUs, double from, double to, const GRA_Scale &scale)
 {
     const Span span = FindSpan(store, item, originUs, from, to);
     // Few enough to look for a period and a slope, which no block can tell.
-    if (span.end - span.begin <= GRH_SHAPE_SAMPLES_MAX) {
+    if (span.end - span.begin <= GRA_SHAPE_SAMPLES_MAX) {
         std::vector<double> times, values;
-        SST_Copy(store, item, span.begin, span.end, originUs, &times, &values);
+        SMP_CopySamples(store, item, span.begin, span.end, originUs, &times, &values);
         for (double &value : values)
             value = value * scale.factor + scale.offset;
-        return GRH_MeasureCurve(times, values, from, to);
+        return GRA_MeasureCurve(times, values, from, to);
     }
-    GRH_Measures m;
+    GRA_Measures m;
     Sums sums;
     const auto addExtremes = [&](double low, double high) {
         m.min = sums.count == 0 ? low : std::min(m.min, low);
         m.max = sums.count == 0 ? high : std::max(m.max, high);
     };
     for (uint64_t number = span.begin; number < span.end;) {
-        if (const GRH_Block *block = BlockAt(index, number, span.end)) {
+        if (const GRA_HistoryBlock *block = BlockAt(index, number, span.end)) {
             if (block->good > 0)
                 addExtremes(block->min, block->max);
             sums.add(block->good, block->mean, block->deviation);
-            number += GRH_BLOCK_SAMPLES;
+            number += GRA_HISTORY_BLOCK_SAMPLES;
             continue;
         }
-        const double value = NumberOf(store, item, SST_Get(store, item, number++));
+        const double value = NumberOf(store, item, SMP_GetSample(store, item, number++));
         if (!std::isfinite(value))
             continue;
         addExtremes(value, value);
@@ -293,10 +294,10 @@ GRH_Measures GRH_Measure(const SMP_Store &store, size_t item, const GRH_Index &i
     return m;
 }
 
-GRH_Measures GRH_MeasureCurve(const std::vector<double> &times, const std::vector<double> &values,
+GRA_Measures GRA_MeasureCurve(const std::vector<double> &times, const std::vector<double> &values,
                               double from, double to)
 {
-    GRH_Measures m;
+    GRA_Measures m;
     const auto begin = std::lower_bound(times.begin(), times.end(), from) - times.begin();
     const auto end = std::upper_bound(times.begin(), times.end(), to) - times.begin();
     if (begin >= end)

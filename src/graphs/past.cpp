@@ -22,14 +22,14 @@ bool AreSame(const std::vector<SMP_Item> &a, const std::vector<SMP_Item> &b)
 }
 
 // What was read last may have come from this file: it is read again.
-void RemoveOldest(GPA_Past *past)
+void RemoveOldest(GRA_Past *past)
 {
     (void)PLT_RemoveFile(past->parts.front().recording.path);
     past->parts.pop_front();
     past->coarse.isValid = past->fine.isValid = false;
 }
 
-int Fail(GPA_Past *past, const std::string &cause)
+int Fail(GRA_Past *past, const std::string &cause)
 {
     past->problem = "What leaves memory is not kept any more: " + cause;
     return -1;
@@ -38,22 +38,22 @@ int Fail(GPA_Past *past, const std::string &cause)
 // Other items begin another file, for a recording has one head. The temporary name of a file that
 // is never committed: it is locked while it is written, and what a killed program has left is found
 // by it.
-int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
+int BeginPart(GRA_Past *past, const SMP_Store &store, int64_t originUs)
 {
-    if (GPA_Flush(past) < 0)
+    if (GRA_FlushPast(past) < 0)
         return -1;
     if (REC_Close(&past->recorder) < 0)
         return Fail(past, past->recorder.problem);
-    if (past->parts.size() == GPA_PARTS_MAX)
+    if (past->parts.size() == GRA_PAST_PARTS_MAX)
         RemoveOldest(past);
     std::error_code none;
     const std::string folder =
         past->folder.empty() ? std::filesystem::temp_directory_path(none).u8string() : past->folder;
-    const std::string number = std::to_string(past->begun++ % GPA_PARTS_MAX + 1);
+    const std::string number = std::to_string(past->begun++ % GRA_PAST_PARTS_MAX + 1);
     SafeFile file;
     if (PLT_MakeDirs(folder) != 0 ||
-        SAF_Open(&file, folder + PLT_PathSeparator() + "graph-history-" + number + ".csv", "wb") !=
-            0)
+        PLT_BeginSave(&file, folder + PLT_PathSeparator() + "graph-history-" + number + ".csv",
+                      "wb") != 0)
         return Fail(past, "no file can be made in " + folder + ".");
     REC_Options options;
     options.path = file.tempPath;
@@ -62,25 +62,25 @@ int BeginPart(GPA_Past *past, const SMP_Store &store, int64_t originUs)
     std::vector<SMP_Item> columns = store.items;
     for (size_t i = 0; i < columns.size(); ++i) // by place: names may repeat
         columns[i].name = "c" + std::to_string(i + 1);
-    GPA_Part part;
+    GRA_PastPart part;
     part.items = store.items;
     part.recording.path = options.path;
     past->parts.push_back(part);
     std::string problem;
     if (REC_Open(&past->recorder, options, columns, originUs) < 0)
         return Fail(past, past->recorder.problem);
-    if (RDR_Open(options.path, &past->parts.back().recording, &problem) < 0)
+    if (REC_OpenRecording(options.path, &past->parts.back().recording, &problem) < 0)
         return Fail(past, problem);
     return 0;
 }
 
 // A stretch of all parts, a curve an item; points are shared out by how long each part is.
-bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
-          size_t pointsMax, std::vector<GRH_Points> *curves)
+bool Read(const GRA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
+          size_t pointsMax, std::vector<GRA_Points> *curves)
 {
-    curves->assign(items.size(), GRH_Points());
-    for (const GPA_Part &part : past.parts) {
-        const RDR_Recording &recording = part.recording;
+    curves->assign(items.size(), GRA_Points());
+    for (const GRA_PastPart &part : past.parts) {
+        const REC_Recording &recording = part.recording;
         const double low = std::max(from, recording.timeMin);
         const double high = std::min(to, recording.timeMax);
         if (recording.rows == 0 || low > high)
@@ -95,12 +95,13 @@ bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from,
                     break;
                 }
         const double share = to > from ? (high - low) / (to - from) : 1;
-        RDR_Curves read;
-        if (RDR_Read(recording, low, high, columns,
-                     static_cast<size_t>(share * static_cast<double>(pointsMax)) + 2, &read) < 0)
+        REC_Curves read;
+        if (REC_ReadCurves(recording, low, high, columns,
+                           static_cast<size_t>(share * static_cast<double>(pointsMax)) + 2,
+                           &read) < 0)
             return false;
         for (size_t c = 0; c < wanted.size(); ++c) {
-            GRH_Points &points = (*curves)[wanted[c]];
+            GRA_Points &points = (*curves)[wanted[c]];
             points.times.insert(points.times.end(), read.times.begin(), read.times.end());
             points.values.insert(points.values.end(), read.values[c].begin(), read.values[c].end());
         }
@@ -109,9 +110,9 @@ bool Read(const GPA_Past &past, const std::vector<SMP_Item> &items, double from,
 }
 
 // What was read last will do when it begins where it should and ends at most a trifle early.
-const std::vector<GRH_Points> *ReadAnew(const GPA_Past &past, const std::vector<SMP_Item> &items,
+const std::vector<GRA_Points> *ReadAnew(const GRA_Past &past, const std::vector<SMP_Item> &items,
                                         double from, double to, size_t pointsMax,
-                                        GPA_Reading *reading)
+                                        GRA_PastReading *reading)
 {
     // The past grows at every row: reading it anew each time would cost more than drawing.
     const double trifle = RENEWED_SHARE * (to - from);
@@ -127,7 +128,7 @@ const std::vector<GRH_Points> *ReadAnew(const GPA_Past &past, const std::vector<
 
 } // namespace
 
-int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t originUs)
+int GRA_KeepPast(GRA_Past *past, const SMP_Store &store, uint64_t rows, int64_t originUs)
 {
     const uint64_t kept = store.samplesMax - store.samplesMax / EARLY_SHARE;
     if (!past->problem.empty() || rows <= kept)
@@ -146,7 +147,7 @@ int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t orig
             BeginPart(past, store, originUs) < 0)
             return -1;
         std::vector<SMP_Sample> samples;
-        const int64_t middleUs = SST_GetRound(store, rows - past->written, &samples);
+        const int64_t middleUs = SMP_GetRound(store, rows - past->written, &samples);
         if (REC_PutRow(&past->recorder, middleUs, samples.data(), store) < 0)
             return Fail(past, past->recorder.problem);
         ++past->written;
@@ -154,22 +155,22 @@ int GPA_Keep(GPA_Past *past, const SMP_Store &store, uint64_t rows, int64_t orig
     return 0;
 }
 
-int GPA_Flush(GPA_Past *past)
+int GRA_FlushPast(GRA_Past *past)
 {
     if (!past->recorder.isOpen)
         return 0;
     // First to the file, then read on: what is only in the recorder's memory nobody can read.
     if (REC_Flush(&past->recorder, 0) < 0)
         return Fail(past, past->recorder.problem);
-    return RDR_Follow(&past->parts.back().recording) < 0
+    return REC_FollowRecording(&past->parts.back().recording) < 0
                ? Fail(past, past->recorder.path + " cannot be read.")
                : 0;
 }
 
-bool GPA_GetExtent(const GPA_Past &past, double *from, double *to)
+bool GRA_GetPastExtent(const GRA_Past &past, double *from, double *to)
 {
     bool isThere = false;
-    for (const GPA_Part &part : past.parts) {
+    for (const GRA_PastPart &part : past.parts) {
         if (part.recording.rows == 0)
             continue;
         *from = isThere ? *from : part.recording.timeMin;
@@ -179,35 +180,35 @@ bool GPA_GetExtent(const GPA_Past &past, double *from, double *to)
     return isThere;
 }
 
-const std::vector<GRH_Points> *GPA_ReadAll(GPA_Past *past, const std::vector<SMP_Item> &items,
-                                           size_t pointsMax)
+const std::vector<GRA_Points> *GRA_ReadWholePast(GRA_Past *past, const std::vector<SMP_Item> &items,
+                                                 size_t pointsMax)
 {
     double from = 0, to = 0;
-    if (!GPA_GetExtent(*past, &from, &to))
+    if (!GRA_GetPastExtent(*past, &from, &to))
         return nullptr;
     return ReadAnew(*past, items, from, to, pointsMax, &past->coarse);
 }
 
-const std::vector<GRH_Points> *GPA_ReadFine(GPA_Past *past, const std::vector<SMP_Item> &items,
-                                            double from, double to, size_t pointsMax)
+const std::vector<GRA_Points> *GRA_ReadPastFine(GRA_Past *past, const std::vector<SMP_Item> &items,
+                                                double from, double to, size_t pointsMax)
 {
     return ReadAnew(*past, items, from, to, pointsMax, &past->fine);
 }
 
-bool GPA_ReadRows(const GPA_Past &past, const std::vector<SMP_Item> &items, double from, double to,
-                  size_t rowsMax, RDR_Curves *rows)
+bool GRA_ReadPastRows(const GRA_Past &past, const std::vector<SMP_Item> &items, double from,
+                      double to, size_t rowsMax, REC_Curves *rows)
 {
-    *rows = RDR_Curves();
+    *rows = REC_Curves();
     rows->values.resize(items.size());
-    for (const GPA_Part &part : past.parts) {
+    for (const GRA_PastPart &part : past.parts) {
         if (part.recording.rows == 0 || part.recording.timeMax < from ||
             part.recording.timeMin > to)
             continue;
         std::vector<size_t> all(part.items.size());
         for (size_t k = 0; k < all.size(); ++k)
             all[k] = k;
-        RDR_Curves read;
-        if (RDR_Read(part.recording, from, to, all, rowsMax, &read) < 0 || read.isDecimated)
+        REC_Curves read;
+        if (REC_ReadCurves(part.recording, from, to, all, rowsMax, &read) < 0 || read.isDecimated)
             return false;
         // An item that this part has not is empty in its rows, so that all columns are as long.
         rows->times.insert(rows->times.end(), read.times.begin(), read.times.end());
@@ -225,12 +226,12 @@ bool GPA_ReadRows(const GPA_Past &past, const std::vector<SMP_Item> &items, doub
     return rows->times.size() <= rowsMax;
 }
 
-void GPA_Clear(GPA_Past *past)
+void GRA_ClearPast(GRA_Past *past)
 {
     (void)REC_Close(&past->recorder);
     while (!past->parts.empty())
         RemoveOldest(past);
-    GPA_Past fresh;
+    GRA_Past fresh;
     fresh.folder = past->folder;
     fresh.partBytes = past->partBytes;
     *past = fresh;

@@ -1,5 +1,5 @@
-// Rows come from the sampler through a listener, within GRS_Step, and go to the recorder and to
-// the past; what those have to say waits in the source for the window. Drawing: source_draw.cpp.
+// Rows come from the sampler through a listener, within GRA_StepSource, and go to the recorder and
+// to the past; what those have to say waits in the source for the window. Drawing: source_draw.cpp.
 #include "graphs/source.h"
 
 #include "platform/system.h"
@@ -24,17 +24,17 @@ int64_t NowUs()
 
 void PutMessage(void *context, const std::string &text)
 {
-    static_cast<GRS_Source *>(context)->message = text;
+    static_cast<GRA_Source *>(context)->message = text;
 }
 
 void NoteBeep(void *context)
 {
-    static_cast<GRS_Source *>(context)->isBeepDue = true;
+    static_cast<GRA_Source *>(context)->isBeepDue = true;
 }
 
-void AddMarker(GRS_Source *source, double time, const std::string &text)
+void AddMarker(GRA_Source *source, double time, const std::string &text)
 {
-    if (source->markers.size() == GRS_MARKERS_MAX)
+    if (source->markers.size() == GRA_MARKERS_MAX)
         source->markers.erase(source->markers.begin()); // the recording keeps all
     source->markers.push_back({time, text});
     ++source->markerCount;
@@ -42,27 +42,27 @@ void AddMarker(GRS_Source *source, double time, const std::string &text)
 
 void AddTriggered(void *context, int64_t timeUs, const std::string &text)
 {
-    auto *source = static_cast<GRS_Source *>(context);
+    auto *source = static_cast<GRA_Source *>(context);
     AddMarker(source, static_cast<double>(timeUs - source->originUs) / US_PER_S, text);
 }
 
 void PutRow(void *context, const SMP_Sampler &sampler, const SMP_Row &row)
 {
-    auto *source = static_cast<GRS_Source *>(context);
+    auto *source = static_cast<GRA_Source *>(context);
     source->isFresh = true;
-    ARC_PutRow(&source->recorder, sampler.store, row);
-    if (GPA_Keep(&source->past, sampler.store, sampler.totals.rows, source->originUs) < 0)
+    REC_PutArmedRow(&source->recorder, sampler.store, row);
+    if (GRA_KeepPast(&source->past, sampler.store, sampler.totals.rows, source->originUs) < 0)
         source->message = source->past.problem;
 }
 
 void Flush(void *context)
 {
-    auto *source = static_cast<GRS_Source *>(context);
+    auto *source = static_cast<GRA_Source *>(context);
     if (REC_Flush(&source->recorder.file, NowUs()) < 0) {
         source->recorder.isOn = false;
         source->message = source->recorder.file.problem;
     }
-    if (GPA_Flush(&source->past) < 0)
+    if (GRA_FlushPast(&source->past) < 0)
         source->message = source->past.problem;
 }
 
@@ -78,7 +78,7 @@ std::vector<SMP_Item> ItemsOf(const GRA_Setup &setup)
 
 } // namespace
 
-int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
+int GRA_StartSource(GRA_Source *source, const GRA_Setup &setup)
 {
     const std::vector<SMP_Item> items = ItemsOf(setup);
     source->isFile = false;
@@ -86,8 +86,8 @@ int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
     // places, which may hold other curves now; they are made again from the samples.
     if (source->sampler.isRunning && source->sampler.periodMs == setup.periodMs) {
         const int result = SMP_Change(&source->sampler, items);
-        source->indexes.assign(items.size(), GRH_Index());
-        source->live = GRS_Live();
+        source->indexes.assign(items.size(), GRA_HistoryIndex());
+        source->live = GRA_Live();
         if (result == 0 && REC_ChangeItems(&source->recorder.file, items, NowUs()) < 0) {
             source->recorder.isOn = false;
             source->message = source->recorder.file.problem;
@@ -96,67 +96,67 @@ int GRS_Start(GRS_Source *source, const GRA_Setup &setup)
     }
     // Many curves share what memory there is.
     const SMP_Listener listener = {source, PutRow, Flush, PutMessage};
-    const size_t samples = std::min(source->samplesMax, STORE_BYTES / (SST_BYTES_PER_SAMPLE + 1) /
+    const size_t samples = std::min(source->samplesMax, STORE_BYTES / (SMP_BYTES_PER_SAMPLE + 1) /
                                                             std::max<size_t>(1, items.size()));
     source->markers.clear();
-    GRS_UseTriggers(source, setup);
-    GPA_Clear(&source->past);
-    source->indexes.assign(items.size(), GRH_Index());
-    source->live = GRS_Live();
+    GRA_UseTriggers(source, setup);
+    GRA_ClearPast(&source->past);
+    source->indexes.assign(items.size(), GRA_HistoryIndex());
+    source->live = GRA_Live();
     source->originUs = NowUs();
     return SMP_Start(&source->sampler, items, setup.periodMs, listener, samples);
 }
 
-void GRS_Stop(GRS_Source *source)
+void GRA_StopSource(GRA_Source *source)
 {
     if (source->sampler.isRunning)
         SMP_Stop(&source->sampler);
-    if (ARC_End(&source->recorder) < 0)
+    if (REC_EndArmed(&source->recorder) < 0)
         source->message = source->recorder.file.problem;
 }
 
-void GRS_Clear(GRS_Source *source)
+void GRA_ClearSource(GRA_Source *source)
 {
-    GRS_Stop(source);
-    GPA_Clear(&source->past);
-    *source = GRS_Source();
+    GRA_StopSource(source);
+    GRA_ClearPast(&source->past);
+    *source = GRA_Source();
 }
 
-int GRS_Record(GRS_Source *source, const REC_Options &options)
+int GRA_RecordSource(GRA_Source *source, const REC_Options &options)
 {
-    return ARC_Begin(&source->recorder, options, source->sampler.store.items, NowUs());
+    return REC_BeginArmed(&source->recorder, options, source->sampler.store.items, NowUs());
 }
 
-void GRS_UseTriggers(GRS_Source *source, const GRA_Setup &setup)
+void GRA_UseTriggers(GRA_Source *source, const GRA_Setup &setup)
 {
     std::string problem; // the text was parsed when it was entered or loaded
     source->recorder.triggers.clear();
-    (void)TRG_ParseList(setup.triggers, &source->recorder.triggers, &problem);
+    (void)SMP_ParseTriggers(setup.triggers, &source->recorder.triggers, &problem);
     source->recorder.listener = {source, PutMessage, NoteBeep, AddTriggered};
 }
 
-int64_t GRS_Step(GRS_Source *source)
+int64_t GRA_StepSource(GRA_Source *source)
 {
     const int64_t waitUs = SMP_Step(&source->sampler);
     // Only behind rows: the index takes in what has come, and most steps bring nothing.
     for (size_t i = 0; source->isFresh && i < source->indexes.size(); ++i)
-        GRH_Update(source->sampler.store, i, &source->indexes[i]);
+        GRA_UpdateHistory(source->sampler.store, i, &source->indexes[i]);
     return waitUs;
 }
 
-double GRS_Now(const GRS_Source &source)
+double GRA_GetNow(const GRA_Source &source)
 {
     return static_cast<double>(NowUs() - source.originUs) / US_PER_S;
 }
 
-int GRS_Mark(GRS_Source *source, double time, const std::string &text)
+int GRA_MarkSource(GRA_Source *source, double time, const std::string &text)
 {
     AddMarker(source, time, text);
     const int64_t timeUs = source->originUs + std::llround(time * US_PER_S);
     return REC_PutNote(&source->recorder.file, timeUs, "marker", text);
 }
 
-bool GRS_FindOldest(const GRS_Source &source, double *seconds)
+bool GRA_FindOldest(const GRA_Source &source, double *seconds)
 {
     const SMP_Store &store = source.sampler.store;
     uint64_t back = 0; // of the oldest round, counted from the newest
@@ -166,12 +166,12 @@ bool GRS_FindOldest(const GRS_Source &source, double *seconds)
         return false;
     // As its row in the past is timed, so that the past ends where memory begins.
     std::vector<SMP_Sample> samples;
-    const int64_t middleUs = SST_GetRound(store, back, &samples);
+    const int64_t middleUs = SMP_GetRound(store, back, &samples);
     *seconds = (static_cast<double>(middleUs - source.originUs) - ROUNDING_US) / US_PER_S;
     return true;
 }
 
-bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
+bool GRA_GetSourceExtent(const GRA_Source &source, double *from, double *to)
 {
     if (source.isFile) {
         *from = source.recording.timeMin;
@@ -185,7 +185,7 @@ bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
         if (ring.first == ring.end)
             continue;
         const auto seconds = [&](uint64_t number) {
-            return static_cast<double>(SST_Get(store, i, number).timeUs - source.originUs) /
+            return static_cast<double>(SMP_GetSample(store, i, number).timeUs - source.originUs) /
                    US_PER_S;
         };
         const double first = seconds(ring.first), last = seconds(ring.end - 1);
@@ -195,38 +195,39 @@ bool GRS_GetExtent(const GRS_Source &source, double *from, double *to)
     }
     // The past overlaps what is in memory, so it can only begin earlier.
     double oldest = 0, pastEnd = 0;
-    if (GPA_GetExtent(source.past, &oldest, &pastEnd))
+    if (GRA_GetPastExtent(source.past, &oldest, &pastEnd))
         *from = std::min(*from, oldest);
     return isThere;
 }
 
-int GRS_Measure(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-                std::vector<GRH_Measures> *measures)
+int GRA_MeasureSource(GRA_Source *source, const GRA_Setup &setup, double from, double to,
+                      std::vector<GRA_Measures> *measures)
 {
-    measures->assign(setup.curves.size(), GRH_Measures());
+    measures->assign(setup.curves.size(), GRA_Measures());
     double oldest = 0;
     // Of the past there are curves for the eye, thinned: a mean of those would be a wrong one.
     if (!source->isFile) {
-        if (GRS_FindOldest(*source, &oldest) && from < oldest)
+        if (GRA_FindOldest(*source, &oldest) && from < oldest)
             return -1;
         for (size_t i = 0; i < source->indexes.size() && i < measures->size(); ++i)
-            (*measures)[i] = GRH_Measure(source->sampler.store, i, source->indexes[i],
-                                         source->originUs, from, to, setup.curves[i].scale);
+            (*measures)[i] = GRA_MeasureHistory(source->sampler.store, i, source->indexes[i],
+                                                source->originUs, from, to, setup.curves[i].scale);
         return 0;
     }
-    if (RDR_CountRows(source->recording, from, to) > MEASURED_ROWS_MAX)
+    if (REC_CountRows(source->recording, from, to) > MEASURED_ROWS_MAX)
         return -1;
     std::vector<size_t> columns(setup.curves.size());
     std::iota(columns.begin(), columns.end(), size_t{0});
-    RDR_Curves rows;
-    const int result = RDR_Read(source->recording, from, to, columns, MEASURED_ROWS_MAX, &rows);
+    REC_Curves rows;
+    const int result =
+        REC_ReadCurves(source->recording, from, to, columns, MEASURED_ROWS_MAX, &rows);
     // Extremes alone have no mean.
     if (result < 0 || rows.isDecimated)
         return result < 0 ? result : -1;
     for (size_t i = 0; i < columns.size(); ++i) {
         for (double &value : rows.values[i])
             value = value * setup.curves[i].scale.factor + setup.curves[i].scale.offset;
-        (*measures)[i] = GRH_MeasureCurve(rows.times, rows.values[i], from, to);
+        (*measures)[i] = GRA_MeasureCurve(rows.times, rows.values[i], from, to);
     }
     return 0;
 }

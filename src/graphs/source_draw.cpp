@@ -21,7 +21,7 @@ constexpr double US_PER_S = 1e6;
 
 // Of a recording, behind what is there already, from <= time < to: its times need not rise.
 void AppendRead(const std::vector<double> &times, const std::vector<double> &values, double from,
-                double to, const GRH_Scale &scale, GRH_Points *points)
+                double to, const GRA_Scale &scale, GRA_Points *points)
 {
     for (size_t i = 0; i < times.size(); ++i) {
         if (times[i] < from || times[i] >= to ||
@@ -33,7 +33,7 @@ void AppendRead(const std::vector<double> &times, const std::vector<double> &val
 }
 
 // Of memory: its times rise, stretches overlap by a sample.
-void Append(const GRH_Points &more, double from, double to, GRH_Points *points)
+void Append(const GRA_Points &more, double from, double to, GRA_Points *points)
 {
     const std::vector<double> &times = more.times;
     auto begin = std::lower_bound(times.begin(), times.end(), from);
@@ -47,8 +47,8 @@ void Append(const GRH_Points &more, double from, double to, GRH_Points *points)
 
 // --- what has left memory -------------------------------------------------------------------
 
-void AppendPast(const std::vector<GRH_Points> *past, const GRA_Setup &setup, double from, double to,
-                std::vector<GRH_Points> *curves)
+void AppendPast(const std::vector<GRA_Points> *past, const GRA_Setup &setup, double from, double to,
+                std::vector<GRA_Points> *curves)
 {
     for (size_t i = 0; past != nullptr && from < to && i < curves->size(); ++i)
         AppendRead((*past)[i].times, (*past)[i].values, from, to, setup.curves[i].scale,
@@ -56,26 +56,26 @@ void AppendPast(const std::vector<GRH_Points> *past, const GRA_Setup &setup, dou
 }
 
 // Up to the oldest sample in memory.
-void DrawPast(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-              std::vector<GRH_Points> *curves)
+void DrawPast(GRA_Source *source, const GRA_Setup &setup, double from, double to,
+              std::vector<GRA_Points> *curves)
 {
-    GPA_Past *past = &source->past;
+    GRA_Past *past = &source->past;
     double begin = 0, end = 0, oldest = 0;
-    if (!GRS_FindOldest(*source, &oldest) || !GPA_GetExtent(*past, &begin, &end))
+    if (!GRA_FindOldest(*source, &oldest) || !GRA_GetPastExtent(*past, &begin, &end))
         return;
     const std::vector<SMP_Item> &items = source->sampler.store.items;
     const double low = std::clamp(from - (to - from), begin, std::max(begin, oldest));
     const double high = std::clamp(to + (to - from), begin, std::max(begin, oldest));
-    AppendPast(GPA_ReadAll(past, items, 2 * COARSE_COLUMNS), setup, begin, low, curves);
+    AppendPast(GRA_ReadWholePast(past, items, 2 * COARSE_COLUMNS), setup, begin, low, curves);
     if (low < high)
-        AppendPast(GPA_ReadFine(past, items, low, high, 6 * COLUMNS), setup, low, high, curves);
-    AppendPast(GPA_ReadAll(past, items, 2 * COARSE_COLUMNS), setup, high, oldest, curves);
+        AppendPast(GRA_ReadPastFine(past, items, low, high, 6 * COLUMNS), setup, low, high, curves);
+    AppendPast(GRA_ReadWholePast(past, items, 2 * COARSE_COLUMNS), setup, high, oldest, curves);
 }
 
 // --- the sampler's memory -------------------------------------------------------------------
 
-void DrawStretch(const GRS_Source &source, const GRA_Setup &setup, size_t curve, double from,
-                 double to, double columnS, GRH_Points *points)
+void DrawStretch(const GRA_Source &source, const GRA_Setup &setup, size_t curve, double from,
+                 double to, double columnS, GRA_Points *points)
 {
     if (from >= to)
         return;
@@ -87,13 +87,13 @@ void DrawStretch(const GRS_Source &source, const GRA_Setup &setup, size_t curve,
                                           : 0;
     const double pauseS =
         std::max({PAUSE_MIN_S, PAUSE_ROUNDS * roundS, PAUSE_ROUNDS * setup.periodMs / 1e3});
-    GRH_Draw(source.sampler.store, curve, source.indexes[curve], source.originUs, from, to, columnS,
-             pauseS, setup.curves[curve].scale, points);
+    GRA_DrawHistory(source.sampler.store, curve, source.indexes[curve], source.originUs, from, to,
+                    columnS, pauseS, setup.curves[curve].scale, points);
 }
 
 // Of a picture that stands: finely as wide again on either side.
-void DrawStill(const GRS_Source &source, const GRA_Setup &setup, double first, double from,
-               double to, double last, std::vector<GRH_Points> *curves)
+void DrawStill(const GRA_Source &source, const GRA_Setup &setup, double first, double from,
+               double to, double last, std::vector<GRA_Points> *curves)
 {
     const double width = to - from;
     const struct {
@@ -104,8 +104,8 @@ void DrawStill(const GRS_Source &source, const GRA_Setup &setup, double first, d
                      {to + width, last, COARSE_COLUMNS}};
     for (size_t i = 0; i < curves->size(); ++i)
         for (const auto &stretch : stretches) {
-            GRH_Points points;
-            const double columnS = GRH_ColumnS(source.sampler.store, i, source.originUs,
+            GRA_Points points;
+            const double columnS = GRA_ColumnS(source.sampler.store, i, source.originUs,
                                                stretch.from, stretch.to, stretch.columns);
             DrawStretch(source, setup, i, stretch.from, stretch.to, columnS, &points);
             Append(points, -INFINITY, INFINITY, &(*curves)[i]);
@@ -114,11 +114,11 @@ void DrawStill(const GRS_Source &source, const GRA_Setup &setup, double first, d
 
 // Columns of few widths, so that a view that grows with time keeps them for long. 0: every
 // sample.
-double LiveColumnS(const GRS_Source &source, double from, double to, double before)
+double LiveColumnS(const GRA_Source &source, double from, double to, double before)
 {
     double wanted = 0;
     for (size_t i = 0; i < source.indexes.size(); ++i)
-        wanted = std::max(wanted, GRH_ColumnS(source.sampler.store, i, source.originUs, from, to,
+        wanted = std::max(wanted, GRA_ColumnS(source.sampler.store, i, source.originUs, from, to,
                                               before > 0 ? COLUMNS / 2 : COLUMNS));
     if (wanted <= 0)
         return 0;
@@ -127,11 +127,11 @@ double LiveColumnS(const GRS_Source &source, double from, double to, double befo
 }
 
 // What is behind the border anew, coarsely; in front of it everything is to be drawn.
-void RenewLive(const GRS_Source &source, const GRA_Setup &setup, double first, double border,
-               double columnS, GRS_Live *live)
+void RenewLive(const GRA_Source &source, const GRA_Setup &setup, double first, double border,
+               double columnS, GRA_Live *live)
 {
     const size_t count = source.indexes.size();
-    *live = GRS_Live();
+    *live = GRA_Live();
     live->isValid = true;
     live->columnS = columnS;
     live->first = first;
@@ -144,20 +144,20 @@ void RenewLive(const GRS_Source &source, const GRA_Setup &setup, double first, d
     for (size_t i = 0; i < count; ++i)
         DrawStretch(
             source, setup, i, first, border,
-            GRH_ColumnS(source.sampler.store, i, source.originUs, first, border, COARSE_COLUMNS),
+            GRA_ColumnS(source.sampler.store, i, source.originUs, first, border, COARSE_COLUMNS),
             &live->coarse[i]);
 }
 
 // The last column is not whole yet: it is drawn again with what has come.
-void ExtendLive(const GRS_Source &source, const GRA_Setup &setup, size_t curve, double last,
-                GRS_Live *live)
+void ExtendLive(const GRA_Source &source, const GRA_Setup &setup, size_t curve, double last,
+                GRA_Live *live)
 {
-    GRH_Points &fine = live->fine[curve];
+    GRA_Points &fine = live->fine[curve];
     double &openFrom = live->openFrom[curve];
     const auto keep = std::lower_bound(fine.times.begin(), fine.times.end(), openFrom);
     fine.values.resize(static_cast<size_t>(keep - fine.times.begin()));
     fine.times.erase(keep, fine.times.end());
-    GRH_Points fresh;
+    GRA_Points fresh;
     DrawStretch(source, setup, curve, openFrom, last + 1 / US_PER_S, live->columnS, &fresh);
     Append(fresh, openFrom, INFINITY, &fine);
     if (!fine.times.empty())
@@ -167,16 +167,16 @@ void ExtendLive(const GRS_Source &source, const GRA_Setup &setup, size_t curve, 
                 : fine.times.back();
 }
 
-bool IsSameScale(const GRH_Scale &scale, const GRA_Curve &curve)
+bool IsSameScale(const GRA_Scale &scale, const GRA_Curve &curve)
 {
     return scale.factor == curve.scale.factor && scale.offset == curve.scale.offset;
 }
 
 // Of a picture at the newest sample: only what has come is looked at.
-void DrawLive(GRS_Source *source, const GRA_Setup &setup, double first, double from, double to,
-              double last, std::vector<GRH_Points> *curves)
+void DrawLive(GRA_Source *source, const GRA_Setup &setup, double first, double from, double to,
+              double last, std::vector<GRA_Points> *curves)
 {
-    GRS_Live *live = &source->live;
+    GRA_Live *live = &source->live;
     const double width = to - from;
     const double columnS = LiveColumnS(*source, from, to, live->isValid ? live->columnS : 0);
     const double border = std::max(first, from - LIVE_MARGIN * width);
@@ -193,38 +193,38 @@ void DrawLive(GRS_Source *source, const GRA_Setup &setup, double first, double f
     }
 }
 
-void DrawSampled(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-                 std::vector<GRH_Points> *curves)
+void DrawSampled(GRA_Source *source, const GRA_Setup &setup, double from, double to,
+                 std::vector<GRA_Points> *curves)
 {
     double first = 0, last = 0;
-    if (curves->size() != source->indexes.size() || !GRS_GetExtent(*source, &first, &last))
+    if (curves->size() != source->indexes.size() || !GRA_GetSourceExtent(*source, &first, &last))
         return;
-    GRS_FindOldest(*source, &first);
+    GRA_FindOldest(*source, &first);
     if (to >= last && to > from)
         DrawLive(source, setup, first, from, to, last, curves);
     else
         DrawStill(*source, setup, first, from, to, last, curves);
 }
 
-int DrawFile(const GRS_Source &source, const GRA_Setup &setup, double from, double to,
-             std::vector<GRH_Points> *curves)
+int DrawFile(const GRA_Source &source, const GRA_Setup &setup, double from, double to,
+             std::vector<GRA_Points> *curves)
 {
     std::vector<size_t> columns(curves->size());
     std::iota(columns.begin(), columns.end(), size_t{0});
-    const RDR_Recording &recording = source.recording;
-    RDR_Curves whole, fine;
-    int result = RDR_Read(recording, recording.timeMin, recording.timeMax, columns,
-                          2 * COARSE_COLUMNS, &whole);
+    const REC_Recording &recording = source.recording;
+    REC_Curves whole, fine;
+    int result = REC_ReadCurves(recording, recording.timeMin, recording.timeMax, columns,
+                                2 * COARSE_COLUMNS, &whole);
     // Rows are read from the file where its picture is too coarse: no more than needed.
     const double low = from - FILE_MARGIN * (to - from), high = to + FILE_MARGIN * (to - from);
     if (result == 0 && whole.isDecimated)
-        result = RDR_Read(recording, low, high, columns, 2 * COLUMNS, &fine);
+        result = REC_ReadCurves(recording, low, high, columns, 2 * COLUMNS, &fine);
     if (result < 0)
         return result;
     const bool isFine = !fine.times.empty();
     for (size_t i = 0; i < curves->size(); ++i) {
-        GRH_Points &points = (*curves)[i];
-        const GRH_Scale &scale = setup.curves[i].scale;
+        GRA_Points &points = (*curves)[i];
+        const GRA_Scale &scale = setup.curves[i].scale;
         AppendRead(whole.times, whole.values[i], -INFINITY, isFine ? low : INFINITY, scale,
                    &points);
         if (!isFine)
@@ -237,10 +237,10 @@ int DrawFile(const GRS_Source &source, const GRA_Setup &setup, double from, doub
 
 } // namespace
 
-int GRS_Draw(GRS_Source *source, const GRA_Setup &setup, double from, double to,
-             std::vector<GRH_Points> *curves)
+int GRA_DrawSource(GRA_Source *source, const GRA_Setup &setup, double from, double to,
+                   std::vector<GRA_Points> *curves)
 {
-    curves->assign(setup.curves.size(), GRH_Points());
+    curves->assign(setup.curves.size(), GRA_Points());
     if (source->isFile)
         return DrawFile(*source, setup, from, to, curves);
     DrawPast(source, setup, from, to, curves);

@@ -22,7 +22,7 @@ struct Table {
 
 // A round of the sampler is one sample of each curve: counted from the newest, samples of one
 // round have one number, also where a curve was added later.
-void CollectSamples(const GRS_Source &source, double from, double to, Table *table)
+void CollectSamples(const GRA_Source &source, double from, double to, Table *table)
 {
     const SMP_Store &store = source.sampler.store;
     uint64_t rounds = 0;
@@ -35,7 +35,7 @@ void CollectSamples(const GRS_Source &source, double from, double to, Table *tab
             const SMP_Ring &ring = store.rings[i];
             if (back > ring.end - ring.first)
                 continue;
-            const SMP_Sample sample = SST_Get(store, i, ring.end - back);
+            const SMP_Sample sample = SMP_GetSample(store, i, ring.end - back);
             // The mean of the round's moments so far.
             time +=
                 (static_cast<double>(sample.timeUs - source.originUs) / US_PER_S - time) / ++count;
@@ -51,14 +51,14 @@ void CollectSamples(const GRS_Source &source, double from, double to, Table *tab
 }
 
 // What has left memory stands in front of it. False when it is too much.
-bool CollectPast(const GRS_Source &source, double from, double to, Table *table)
+bool CollectPast(const GRA_Source &source, double from, double to, Table *table)
 {
     double oldest = 0;
-    RDR_Curves rows;
-    if (!GRS_FindOldest(source, &oldest) || from >= oldest)
+    REC_Curves rows;
+    if (!GRA_FindOldest(source, &oldest) || from >= oldest)
         return true;
-    if (!GPA_ReadRows(source.past, source.sampler.store.items, from, std::min(to, oldest),
-                      GRX_ROWS_MAX, &rows))
+    if (!GRA_ReadPastRows(source.past, source.sampler.store.items, from, std::min(to, oldest),
+                          GRA_EXPORT_ROWS_MAX, &rows))
         return false;
     for (size_t row = 0; row < rows.times.size(); ++row) {
         if (rows.times[row] < from || rows.times[row] > to || rows.times[row] >= oldest)
@@ -71,12 +71,12 @@ bool CollectPast(const GRS_Source &source, double from, double to, Table *table)
 }
 
 // Thinned rows are refused: a file of least and greatest would look like all samples.
-bool CollectFile(const GRS_Source &source, double from, double to, Table *table)
+bool CollectFile(const GRA_Source &source, double from, double to, Table *table)
 {
     std::vector<size_t> columns(table->values.size());
     std::iota(columns.begin(), columns.end(), size_t{0});
-    RDR_Curves curves;
-    if (RDR_Read(source.recording, from, to, columns, GRX_ROWS_MAX, &curves) < 0 ||
+    REC_Curves curves;
+    if (REC_ReadCurves(source.recording, from, to, columns, GRA_EXPORT_ROWS_MAX, &curves) < 0 ||
         curves.isDecimated)
         return false;
     table->times = curves.times;
@@ -93,19 +93,19 @@ std::string Head(const GRA_Setup &setup)
         const GRA_Curve &curve = setup.curves[i];
         const std::string number = std::to_string(i + 1);
         if (!curve.unit.empty())
-            head += "; unit, " + number + ", " + WRD_Visible(curve.unit) + "\r\n";
+            head += "; unit, " + number + ", " + TXT_Visible(curve.unit) + "\r\n";
         if (curve.scale.factor != 1 || curve.scale.offset != 0)
             head += "; scale, " + number + ", " + SCP_NumberText(curve.scale.factor) + ", " +
                     SCP_NumberText(curve.scale.offset) + "\r\n";
-        names += "," + WRD_QuoteCsv(curve.item.name);
+        names += "," + TXT_QuoteCsv(curve.item.name);
     }
     return head + names + "\r\n";
 }
 
 } // namespace
 
-int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup &setup, double from,
-             double to, std::string *problem)
+int GRA_SaveCsv(const std::string &path, const GRA_Source &source, const GRA_Setup &setup,
+                double from, double to, std::string *problem)
 {
     Table table;
     table.values.resize(setup.curves.size());
@@ -114,21 +114,21 @@ int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup 
     if (!source.isFile && isCollected)
         CollectSamples(source, from, to, &table);
     if (!isCollected) {
-        *problem = "There are more than " + std::to_string(GRX_ROWS_MAX) +
+        *problem = "There are more than " + std::to_string(GRA_EXPORT_ROWS_MAX) +
                    " rows in view: zoom in to save them.";
         return -1;
     }
     // Text for text as it was drawn; what failed is an empty cell, and so is a curve that came
     // later.
     SafeFile safe;
-    *problem = SAF_FailureText(path);
-    if (SAF_Open(&safe, path, "wb") != 0)
+    *problem = PLT_SaveFailureText(path);
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
     std::fputs(Head(setup).c_str(), safe.file);
     for (size_t row = 0; row < table.times.size(); ++row) {
         std::string line = SCP_NumberText(table.times[row]);
         for (size_t i = 0; i < table.values.size(); ++i) {
-            const GRH_Scale &scale = setup.curves[i].scale;
+            const GRA_Scale &scale = setup.curves[i].scale;
             const double value = row < table.values[i].size() ? table.values[i][row] : NAN;
             line += ",";
             if (std::isfinite(value))
@@ -137,7 +137,7 @@ int GRX_Save(const std::string &path, const GRS_Source &source, const GRA_Setup 
         std::fputs((line + "\r\n").c_str(), safe.file);
     }
     if (std::ferror(safe.file) == 0)
-        return SAF_Commit(&safe);
-    SAF_Cancel(&safe);
+        return PLT_CommitSave(&safe);
+    PLT_CancelSave(&safe);
     return -1;
 }

@@ -14,16 +14,16 @@
 
 #include <algorithm>
 
-GRA_Setup GRV_setup;
-GRS_Source GRV_source;
+GRA_Setup GRA_setup;
+GRA_Source GRA_source;
 
 namespace {
 
 constexpr uint32_t MEASURE_PERIOD_MS = 500; // numbers that change faster cannot be read
 constexpr double US_PER_S = 1e6;
 
-GRA_Setup &setup = GRV_setup;
-GRS_Source &source = GRV_source;
+GRA_Setup &setup = GRA_setup;
+GRA_Source &source = GRA_source;
 bool isNewerThanShown = false;        // a picture was drawn and not measured yet
 uint32_t drawnMs = 0, measuredMs = 0; // when it was done last
 
@@ -38,7 +38,7 @@ int IntOf(int control)
 void AddSelection()
 {
     size_t left = 0;
-    for (const EDT_Reference &line : WSL_GetSelection()) {
+    for (const EDT_Reference &line : SEL_GetWatchSelection()) {
         const int index = EDT_Find(line);
         if (index < 0) // deleted meanwhile
             continue;
@@ -56,7 +56,7 @@ void AddSelection()
             ++left;
     }
     if (left > 0)
-        GRV_ShowMessage("A graph has 32 curves at most: " + std::to_string(left) + " left out.");
+        GRA_ShowMessage("A graph has 32 curves at most: " + std::to_string(left) + " left out.");
 }
 
 // A file may hold a value that is no entry yet.
@@ -76,12 +76,12 @@ void ShowRings()
 
 } // namespace
 
-void GRV_ShowMessage(const std::string &text)
+void GRA_ShowMessage(const std::string &text)
 {
     SetCtrlVal(PANEL_GRAPH, STRIP_MESSAGE, text);
 }
 
-void GRV_ShowState()
+void GRA_ShowState()
 {
     std::string text = "stopped";
     if (source.isFile) {
@@ -104,7 +104,7 @@ void GRV_ShowState()
     SetCtrlVal(PANEL_GRAPH, STRIP_STATE, text);
 }
 
-void GRV_ShowButtons()
+void GRA_ShowButtons()
 {
     const auto dim = [](int control, bool isDim) {
         SetCtrlAttribute(PANEL_GRAPH, control, ATTR_DIMMED, isDim ? 1 : 0);
@@ -112,7 +112,7 @@ void GRV_ShowButtons()
     const bool isRunning = source.sampler.isRunning;
     SetCtrlAttribute(PANEL_GRAPH, STRIP_START, ATTR_LABEL_TEXT, isRunning ? "S__top" : "__Start");
     SetCtrlAttribute(PANEL_GRAPH, STRIP_PAUSE, ATTR_LABEL_TEXT,
-                     GRV_IsFollowing() ? "__Pause" : "__Follow");
+                     GRA_IsFollowing() ? "__Pause" : "__Follow");
     SetCtrlAttribute(PANEL_GRAPH, STRIP_RECORD, ATTR_LABEL_TEXT,
                      source.recorder.isOn ? "End __recording" : "__Record...");
     dim(STRIP_START, setup.curves.empty());
@@ -125,31 +125,31 @@ void GRV_ShowButtons()
     dim(STRIP_SAVE_SETUP, setup.curves.empty());
 }
 
-void GRV_ShowAll()
+void GRA_ShowAll()
 {
-    if (GRV_ShowCurves(&source, setup) < 0)
-        GRV_ShowMessage(PLF_FailureText(source.recording.path));
-    GRV_ShowTable(&source, setup);
-    GRV_ShowState();
-    GRV_ShowButtons();
+    if (GRA_ShowCurves(&source, setup) < 0)
+        GRA_ShowMessage(PLT_ReadFailureText(source.recording.path));
+    GRA_ShowTable(&source, setup);
+    GRA_ShowState();
+    GRA_ShowButtons();
     source.isFresh = false;
     drawnMs = measuredMs = PLT_TickMs();
 }
 
-void GRV_ShowFresh()
+void GRA_ShowFresh()
 {
     // The picture by what can be seen of it; table and state no faster than somebody reads.
     const uint32_t now = PLT_TickMs();
-    if (source.isFresh && now - drawnMs >= GRV_PictureMs()) {
-        GRV_ShowCurves(&source, setup);
+    if (source.isFresh && now - drawnMs >= GRA_GetPictureMs()) {
+        GRA_ShowCurves(&source, setup);
         source.isFresh = false;
         isNewerThanShown = true;
         drawnMs = now;
     }
     if (isNewerThanShown && now - measuredMs >= MEASURE_PERIOD_MS) {
-        GRV_ShowTable(&source, setup);
-        GRV_ShowState();
-        GRV_ShowButtons();
+        GRA_ShowTable(&source, setup);
+        GRA_ShowState();
+        GRA_ShowButtons();
         isNewerThanShown = false;
         measuredMs = now;
     }
@@ -158,11 +158,11 @@ void GRV_ShowFresh()
         Beep();
     source.isBeepDue = false;
     if (!source.message.empty())
-        GRV_ShowMessage(source.message);
+        GRA_ShowMessage(source.message);
     source.message.clear();
 }
 
-void GRW_OpenCB(int, int)
+void GRA_OpenCB(int, int)
 {
     DisplayPanel(PANEL_GRAPH);
     SetActivePanel(PANEL_GRAPH);
@@ -177,30 +177,30 @@ void GRW_OpenCB(int, int)
     AddSelection();
     ShowRings();
     if (setup.curves.size() > count)
-        GRV_Start(wasFile);
+        GRA_Start(wasFile);
     if (source.isFile)
         setup = before;
-    GRV_ShowAll();
+    GRA_ShowAll();
 }
 
-void GRW_OnQuit()
+void GRA_OnQuit()
 {
     // Without the past its files would stay until the next program removes them.
-    GRS_Stop(&source);
-    GPA_Clear(&source.past);
+    GRA_StopSource(&source);
+    GRA_ClearPast(&source.past);
 }
 
-const GRA_Setup &GRW_GetSetup()
+const GRA_Setup &GRA_GetSetup()
 {
     return setup;
 }
 
-const GRS_Source &GRW_GetSource()
+const GRA_Source &GRA_GetSource()
 {
     return source;
 }
 
-int GRW_PanelCB(int panel, int event, int data)
+int GRA_PanelCB(int panel, int event, int data)
 {
     // A graph that nobody sees does not load the line: sampling ends with the window.
     const bool isClosed = event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC);
@@ -208,130 +208,131 @@ int GRW_PanelCB(int panel, int event, int data)
         return 0;
     if (source.recorder.isOn && ConfirmPopup("Graph", "End the recording?") != 1)
         return 0;
-    GRV_Stop();
-    GPA_Clear(&source.past);
+    GRA_Stop();
+    GRA_ClearPast(&source.past);
     HidePanel(panel);
     return 0;
 }
 
-int GRW_PauseCB(int, int, int event, int)
+int GRA_PauseCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT || !source.sampler.isRunning)
         return 0;
     // Sampling goes on: only the picture stands, and what comes is there when it follows again.
     double from = 0, to = 0;
-    GRV_GetTimes(&from, &to);
-    GRV_SetView(from, to, !GRV_IsFollowing());
-    GRV_ShowAll();
+    GRA_GetTimes(&from, &to);
+    GRA_SetView(from, to, !GRA_IsFollowing());
+    GRA_ShowAll();
     return 0;
 }
 
 // From now on, and kept with the settings.
-int GRW_WhenCB(int, int, int event, int)
+int GRA_WhenCB(int, int, int event, int)
 {
-    std::vector<TRG_Trigger> parsed;
-    if (event != EVENT_COMMIT || !TRG_Ask("while the curves are sampled", &setup.triggers, &parsed))
+    std::vector<SMP_Trigger> parsed;
+    if (event != EVENT_COMMIT ||
+        !SMP_AskForTrigger("while the curves are sampled", &setup.triggers, &parsed))
         return 0;
-    GRS_UseTriggers(&source, setup);
+    GRA_UseTriggers(&source, setup);
     // Allowed all the same: its curve may be added later.
-    for (const TRG_Trigger &trigger : parsed) {
+    for (const SMP_Trigger &trigger : parsed) {
         const bool isKnown =
             std::any_of(setup.curves.begin(), setup.curves.end(),
                         [&](const GRA_Curve &curve) { return curve.item.name == trigger.item; });
         if (!isKnown)
-            GRV_ShowMessage("No curve is called '" + WRD_Visible(trigger.item) + "'.");
+            GRA_ShowMessage("No curve is called '" + TXT_Visible(trigger.item) + "'.");
     }
     return 0;
 }
 
-int GRW_RemoveCB(int, int, int event, int)
+int GRA_RemoveCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT || source.isFile)
         return 0;
     // From the last one, so that the places of the others hold.
-    std::vector<size_t> chosen = GRV_GetChosen(setup.curves.size());
+    std::vector<size_t> chosen = GRA_GetChosen(setup.curves.size());
     for (auto index = chosen.rbegin(); index != chosen.rend(); ++index)
         setup.curves.erase(setup.curves.begin() + static_cast<std::ptrdiff_t>(*index));
     if (setup.curves.empty())
-        GRS_Stop(&source);
+        GRA_StopSource(&source);
     else if (source.sampler.isRunning)
-        GRS_Start(&source, setup);
-    GRV_ShowAll();
+        GRA_StartSource(&source, setup);
+    GRA_ShowAll();
     return 0;
 }
 
-int GRW_RingCB(int, int control, int event, int)
+int GRA_RingCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
         return 0;
     if (control == STRIP_PERIOD && IntOf(control) != setup.periodMs) {
         setup.periodMs = IntOf(control);
         if (source.sampler.isRunning) // another period begins another recording: all anew
-            GRV_Start(true);
+            GRA_Start(true);
     }
     if (control == STRIP_WINDOW) {
         setup.windowS = IntOf(control); // the right edge stays where it is
         double from = 0, to = 0;
-        GRV_GetTimes(&from, &to);
-        GRV_SetView(to - setup.windowS, to, source.sampler.isRunning);
-        GRV_ShowAll();
+        GRA_GetTimes(&from, &to);
+        GRA_SetView(to - setup.windowS, to, source.sampler.isRunning);
+        GRA_ShowAll();
     }
     return 0;
 }
 
-int GRW_GraphCB(int panel, int control, int event, int data)
+int GRA_GraphCB(int panel, int control, int event, int data)
 {
     if (event == EVENT_KEYPRESS && data == ' ')
-        return GRW_PauseCB(panel, control, EVENT_COMMIT, 0);
+        return GRA_PauseCB(panel, control, EVENT_COMMIT, 0);
     if (event == EVENT_KEYPRESS && (data == 'm' || data == 'M'))
-        return GRW_MarkerCB(panel, control, EVENT_COMMIT, 0);
+        return GRA_MarkerCB(panel, control, EVENT_COMMIT, 0);
     if (event != EVENT_VAL_CHANGED)
         return 0;
     // Zoom and pan come in many events: while it runs, measuring waits for the timer.
     if (!source.sampler.isRunning || PLT_TickMs() - measuredMs >= MEASURE_PERIOD_MS) {
-        GRV_ShowAll();
+        GRA_ShowAll();
         return 0;
     }
-    GRV_ShowCurves(&source, setup);
+    GRA_ShowCurves(&source, setup);
     isNewerThanShown = true;
     return 0;
 }
 
-int GRW_CurvesCB(int panel, int control, int event, int data)
+int GRA_CurvesCB(int panel, int control, int event, int data)
 {
     if (event == EVENT_CELL_EDITED) {
-        if (!GRV_EditCell(&setup))
-            GRV_ShowMessage("Factor and offset are numbers, the factor not 0; a pane is 1 to 32.");
-        GRV_ShowAll(); // a refused cell shows again what holds
+        if (!GRA_EditCell(&setup))
+            GRA_ShowMessage("Factor and offset are numbers, the factor not 0; a pane is 1 to 32.");
+        GRA_ShowAll(); // a refused cell shows again what holds
     }
     if (event == EVENT_KEYPRESS && data == KEY_DELETE)
-        GRW_RemoveCB(panel, control, EVENT_COMMIT, 0);
+        GRA_RemoveCB(panel, control, EVENT_COMMIT, 0);
     return 0;
 }
 
-int GRW_FileCB(int, int control, int event, int)
+int GRA_FileCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
     std::string message;
     switch (control) {
     case STRIP_OPEN_DATA:
-        if (GRF_OpenData(&setup, &source, &message))
-            GRV_ShowAll();
+        if (GRA_OpenData(&setup, &source, &message))
+            GRA_ShowAll();
         if (!message.empty())
-            GRV_ShowMessage(message);
+            GRA_ShowMessage(message);
         break;
     case STRIP_SAVE_DATA:
-        GRF_SaveData(setup, source);
+        GRA_SaveData(setup, source);
         break;
     case STRIP_OPEN_SETUP:
-        if (GRF_OpenSetup(&setup, &source)) {
+        if (GRA_OpenSetup(&setup, &source)) {
             ShowRings();
-            GRV_ShowAll();
+            GRA_ShowAll();
         }
         break;
     default: // STRIP_SAVE_SETUP
-        GRF_SaveSetup(&setup);
+        GRA_AskAndSaveSetup(&setup);
         break;
     }
     return 0;

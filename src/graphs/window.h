@@ -7,23 +7,23 @@
 
 // Menu item: opens the window; the selected lines of the watch list become curves besides those
 // that are there, and are sampled.
-void GRW_OpenCB(int menuBar, int item);
-void GRW_OnQuit(); // ends sampling, and a recording whole
+void GRA_OpenCB(int menuBar, int item);
+void GRA_OnQuit(); // ends sampling, and a recording whole
 
-const GRA_Setup &GRW_GetSetup();
-const GRS_Source &GRW_GetSource();
+const GRA_Setup &GRA_GetSetup();
+const GRA_Source &GRA_GetSource();
 
-int GRW_PanelCB(int panel, int event, int data);
-int GRW_StartCB(int panel, int control, int event, int data); // again: stops
-int GRW_PauseCB(int panel, int control, int event, int data); // again: follows
-int GRW_RecordCB(int panel, int control, int event, int data);
-int GRW_MarkerCB(int panel, int control, int event, int data);
-int GRW_WhenCB(int panel, int control, int event, int data); // triggers
-int GRW_RemoveCB(int panel, int control, int event, int data);
-int GRW_RingCB(int panel, int control, int event, int data); // period, time in view
-int GRW_GraphCB(int panel, int control, int event, int data);
-int GRW_CurvesCB(int panel, int control, int event, int data);
-int GRW_FileCB(int panel, int control, int event, int data);
-int GRW_TimerCB(int panel, int control, int event, int data);
+int GRA_PanelCB(int panel, int event, int data);
+int GRA_StartCB(int panel, int control, int event, int data); // again: stops
+int GRA_PauseCB(int panel, int control, int event, int data); // again: follows
+int GRA_RecordCB(int panel, int control, int event, int data);
+int GRA_MarkerCB(int panel, int control, int event, int data);
+int GRA_WhenCB(int panel, int control, int event, int data); // triggers
+int GRA_RemoveCB(int panel, int control, int event, int data);
+int GRA_RingCB(int panel, int control, int event, int data); // period, time in view
+int GRA_GraphCB(int panel, int control, int event, int data);
+int GRA_CurvesCB(int panel, int control, int event, int data);
+int GRA_FileCB(int panel, int control, int event, int data);
+int GRA_TimerCB(int panel, int control, int event, int data);
 
 #endif

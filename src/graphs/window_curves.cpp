@@ -32,7 +32,7 @@ UI_GraphView GetView()
     return view;
 }
 
-UI_Plot MakePlot(const GRA_Curve &curve, GRH_Points *points)
+UI_Plot MakePlot(const GRA_Curve &curve, GRA_Points *points)
 {
     UI_Plot plot;
     plot.name = curve.item.name;
@@ -43,13 +43,13 @@ UI_Plot MakePlot(const GRA_Curve &curve, GRH_Points *points)
     return plot;
 }
 
-void ShowMarkers(const GRS_Source &source)
+void ShowMarkers(const GRA_Source &source)
 {
     UI_GraphAxes axes;
     axes.xLabel = source.isFile ? "time [h:m:s]" : "time since the start [h:m:s]";
     axes.isTime = true;
     axes.isLive = !source.isFile;
-    for (const GRS_Marker &marker : source.markers)
+    for (const GRA_Marker &marker : source.markers)
         axes.notes.push_back({marker.time, marker.text});
     // The axes are drawn anew by this: not twenty times a second for nothing.
     static uint64_t shown = 0;
@@ -64,17 +64,17 @@ void ShowMarkers(const GRS_Source &source)
 }
 
 // The newest sample of a curve, as the table has it.
-UI_Cell LastCell(const GRS_Source &source, const GRA_Setup &setup, size_t index)
+UI_Cell LastCell(const GRA_Source &source, const GRA_Setup &setup, size_t index)
 {
     const SMP_Store &store = source.sampler.store;
     if (source.isFile || index >= store.rings.size() ||
         store.rings[index].first == store.rings[index].end)
         return {"", UIS_NORMAL, ""};
-    const SMP_Sample last = SST_Get(store, index, store.rings[index].end - 1);
+    const SMP_Sample last = SMP_GetSample(store, index, store.rings[index].end - 1);
     if (last.state != SMP_GOOD)
-        return {"failed", UIS_WARNING, SST_ReasonText(store, last.state)};
+        return {"failed", UIS_WARNING, SMP_ReasonText(store, last.state)};
     // Scaled as the curve is: what the line has given stands in the watch list.
-    const GRH_Scale &scale = setup.curves[index].scale;
+    const GRA_Scale &scale = setup.curves[index].scale;
     return {NumberText(SMP_Number(store.items[index], last.bits) * scale.factor + scale.offset),
             UIS_NORMAL, ""};
 }
@@ -100,8 +100,8 @@ void ShowColumns(bool isBetween)
                     {"Failed", 50, UIA_RIGHT}});
 }
 
-std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup, size_t index,
-                               const GRH_Measures &m, bool isMeasured)
+std::vector<UI_Cell> MakeCells(const GRA_Source &source, const GRA_Setup &setup, size_t index,
+                               const GRA_Measures &m, bool isMeasured)
 {
     const GRA_Curve &curve = setup.curves[index];
     const auto cell = [&](bool isKnown, double value) {
@@ -132,13 +132,13 @@ std::vector<UI_Cell> MakeCells(const GRS_Source &source, const GRA_Setup &setup,
 
 } // namespace
 
-int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
+int GRA_ShowCurves(GRA_Source *source, const GRA_Setup &setup)
 {
     const UI_GraphView view = GetView();
     // A view that fits or follows is moved by the graph once the points are there; they are to be
     // those of where it will be.
     double from = view.x.min, to = view.x.max, first = 0, last = 0;
-    if (GRS_GetExtent(*source, &first, &last)) {
+    if (GRA_GetSourceExtent(*source, &first, &last)) {
         if (view.isXFitted) {
             from = first;
             to = last;
@@ -147,8 +147,8 @@ int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
             to = last;
         }
     }
-    std::vector<GRH_Points> points;
-    const int result = GRS_Draw(source, setup, from, to, &points);
+    std::vector<GRA_Points> points;
+    const int result = GRA_DrawSource(source, setup, from, to, &points);
     if (result < 0)
         return result;
     std::vector<UI_Plot> plots, old;
@@ -172,15 +172,15 @@ int GRV_ShowCurves(GRS_Source *source, const GRA_Setup &setup)
     return 0;
 }
 
-void GRV_ShowTable(GRS_Source *source, const GRA_Setup &setup)
+void GRA_ShowTable(GRA_Source *source, const GRA_Setup &setup)
 {
     const UI_GraphView view = GetView();
     const bool isBetween = view.cursors[0].isShown && view.cursors[1].isShown;
     const double one = view.cursors[0].x, two = view.cursors[1].x;
-    std::vector<GRH_Measures> measures;
+    std::vector<GRA_Measures> measures;
     const bool isMeasured =
-        GRS_Measure(source, setup, isBetween ? std::min(one, two) : view.x.min,
-                    isBetween ? std::max(one, two) : view.x.max, &measures) == 0;
+        GRA_MeasureSource(source, setup, isBetween ? std::min(one, two) : view.x.min,
+                          isBetween ? std::max(one, two) : view.x.max, &measures) == 0;
     // Only when the first one is called something else, or at the beginning.
     static int columnsFor = -1;
     int count = 0;
@@ -203,7 +203,7 @@ void GRV_ShowTable(GRS_Source *source, const GRA_Setup &setup)
     }
 }
 
-void GRV_SetView(double from, double to, bool isFollowing)
+void GRA_SetView(double from, double to, bool isFollowing)
 {
     UI_GraphView view = GetView();
     view.isXFitted = false;
@@ -212,7 +212,7 @@ void GRV_SetView(double from, double to, bool isFollowing)
     SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
 }
 
-void GRV_FitAll()
+void GRA_FitAll()
 {
     // Cursors too: they would stand at times of other curves.
     UI_GraphView view = GetView();
@@ -222,7 +222,7 @@ void GRV_FitAll()
     SetGraphView(PANEL_GRAPH, STRIP_GRAPH, view);
 }
 
-uint32_t GRV_PictureMs()
+uint32_t GRA_GetPictureMs()
 {
     const UI_GraphView view = GetView();
     if (!view.isFollowing && !view.isXFitted)
@@ -232,19 +232,19 @@ uint32_t GRV_PictureMs()
     return static_cast<uint32_t>(std::clamp<double>(columnMs, LIVE_MS, STILL_MS));
 }
 
-bool GRV_IsFollowing()
+bool GRA_IsFollowing()
 {
     return GetView().isFollowing;
 }
 
-void GRV_GetTimes(double *from, double *to)
+void GRA_GetTimes(double *from, double *to)
 {
     const UI_GraphView view = GetView();
     *from = view.x.min;
     *to = view.x.max;
 }
 
-std::vector<size_t> GRV_GetChosen(size_t count)
+std::vector<size_t> GRA_GetChosen(size_t count)
 {
     // The table may still have lines of curves that are gone.
     std::vector<int> lines;
@@ -256,7 +256,7 @@ std::vector<size_t> GRV_GetChosen(size_t count)
     return chosen;
 }
 
-bool GRV_EditCell(GRA_Setup *setup)
+bool GRA_EditCell(GRA_Setup *setup)
 {
     // A line that is gone meanwhile is no mistake of the user's.
     int index = 0, column = 0;
@@ -266,14 +266,14 @@ bool GRV_EditCell(GRA_Setup *setup)
         return true;
     GRA_Curve &curve = setup->curves[static_cast<size_t>(index)];
     double number = 0;
-    const bool isNumber = NUM_Parse(text, &number);
-    if (column == GRV_UNIT)
-        curve.unit = WRD_Visible(text.substr(0, UNIT_MAX_CHARS)); // any text is a unit
-    else if (column == GRV_FACTOR && isNumber && number != 0)
+    const bool isNumber = TXT_ParseNumber(text, &number);
+    if (column == GRA_COLUMN_UNIT)
+        curve.unit = TXT_Visible(text.substr(0, UNIT_MAX_CHARS)); // any text is a unit
+    else if (column == GRA_COLUMN_FACTOR && isNumber && number != 0)
         curve.scale.factor = number;
-    else if (column == GRV_OFFSET && isNumber)
+    else if (column == GRA_COLUMN_OFFSET && isNumber)
         curve.scale.offset = number;
-    else if (column == GRV_PANE && isNumber && number >= 1 && number <= GRA_CURVES_MAX)
+    else if (column == GRA_COLUMN_PANE && isNumber && number >= 1 && number <= GRA_CURVES_MAX)
         curve.pane = static_cast<int>(number) - 1;
     else
         return false;

@@ -15,11 +15,11 @@ namespace {
 
 bool AskFile(const char *name, const char *pattern, const char *title, int mode, std::string *path)
 {
-    return FileSelectPopup("", name, pattern, title, mode, path) != VAL_NO_FILE_SELECTED;
+    return FileSelectPopup("", name, pattern, title, mode, path) != CON_NO_FILE_SELECTED;
 }
 
 // The type of a column as an item's, so that a recorded name can be sampled again.
-SMP_Item ItemOf(const RDR_Column &column)
+SMP_Item ItemOf(const REC_Column &column)
 {
     SMP_Item item;
     item.name = column.name;
@@ -41,18 +41,18 @@ bool UpdateReadingBox(void *box, int percent)
 
 } // namespace
 
-bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
+bool GRA_OpenData(GRA_Setup *setup, GRA_Source *source, std::string *message)
 {
     std::string path, problem;
     message->clear();
     if (!AskFile("*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path))
         return false;
-    RDR_Recording opened;
+    REC_Recording opened;
     SetBusyText("reading " + path);
     int box = CreateProgressDialog("Graph", "Reading ...");
-    const int result = RDR_Open(path, &opened, &problem, UpdateReadingBox, &box);
+    const int result = REC_OpenRecording(path, &opened, &problem, UpdateReadingBox, &box);
     DiscardProgressDialog(box);
-    if (result == RDR_ERR_CANCELLED) {
+    if (result == REC_READ_ERR_CANCELLED) {
         *message = "Cancelled.";
         return false;
     }
@@ -61,19 +61,19 @@ bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
         return false;
     }
     // Only now: an unreadable file leaves what is sampled running.
-    GRS_Stop(source);
-    GPA_Clear(&source->past);
+    GRA_StopSource(source);
+    GRA_ClearPast(&source->past);
     source->isFile = true;
     source->recording = std::move(opened);
-    const RDR_Recording &recording = source->recording;
+    const REC_Recording &recording = source->recording;
     source->markers.clear();
-    for (const RDR_Note &note : recording.notes)
-        if (note.kind == "marker" && source->markers.size() < GRS_MARKERS_MAX)
+    for (const REC_Note &note : recording.notes)
+        if (note.kind == "marker" && source->markers.size() < GRA_MARKERS_MAX)
             source->markers.push_back({note.time, note.text});
     source->markerCount += source->markers.size() + 1; // others than before
     // Curves are the columns, by place. Each has a pane: they may be of any size.
     setup->curves.clear();
-    for (const RDR_Column &column : recording.columns) {
+    for (const REC_Column &column : recording.columns) {
         if (setup->curves.size() == GRA_CURVES_MAX)
             break;
         GRA_Curve curve;
@@ -89,33 +89,33 @@ bool GRF_OpenData(GRA_Setup *setup, GRS_Source *source, std::string *message)
         *message += ", " + std::to_string(recording.badLines) + " lines are no rows";
     if (recording.isCut)
         *message += ", the last line is cut off";
-    GRV_FitAll();
+    GRA_FitAll();
     return true;
 }
 
-void GRF_SaveData(const GRA_Setup &setup, const GRS_Source &source)
+void GRA_SaveData(const GRA_Setup &setup, const GRA_Source &source)
 {
     std::string path, problem;
     if (!AskFile("graph.csv", "*.csv", "Save view", FILE_SAVE, &path))
         return;
     double from = 0, to = 0;
-    GRV_GetTimes(&from, &to);
-    if (GRX_Save(path, source, setup, from, to, &problem) != 0)
+    GRA_GetTimes(&from, &to);
+    if (GRA_SaveCsv(path, source, setup, from, to, &problem) != 0)
         MessagePopup("Error", problem);
 }
 
-bool GRF_OpenSetup(GRA_Setup *setup, GRS_Source *source)
+bool GRA_OpenSetup(GRA_Setup *setup, GRA_Source *source)
 {
     std::string path, text;
     std::vector<std::string> problems;
     if (!AskFile("*.graph", "*.graph", "Open graph settings", FILE_LOAD, &path))
         return false;
     if (GRA_LoadSetup(path, setup, &problems) != 0) {
-        MessagePopup("Error", PLF_FailureText(path));
+        MessagePopup("Error", PLT_ReadFailureText(path));
         return false;
     }
     // What was sampled belonged to other curves.
-    GRS_Clear(source);
+    GRA_ClearSource(source);
     UI_GraphView view;
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
     view.layout = setup->layout;
@@ -127,7 +127,7 @@ bool GRF_OpenSetup(GRA_Setup *setup, GRS_Source *source)
     return true;
 }
 
-void GRF_SaveSetup(GRA_Setup *setup)
+void GRA_AskAndSaveSetup(GRA_Setup *setup)
 {
     // Beside the watch list, with its name.
     std::string name = szDebugFileName.empty() ? "graph" : szDebugFileName, path;
@@ -140,19 +140,19 @@ void GRF_SaveSetup(GRA_Setup *setup)
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
     setup->layout = view.layout; // chosen in the graph itself
     if (GRA_SaveSetup(path, *setup) != 0)
-        MessagePopup("Error", SAF_FailureText(path));
+        MessagePopup("Error", PLT_SaveFailureText(path));
 }
 
-std::string GRF_BeginRecording(const GRA_Setup &setup, GRS_Source *source)
+std::string GRA_BeginRecording(const GRA_Setup &setup, GRA_Source *source)
 {
     REC_Options options;
     const int chosen =
         FileSelectPopup("", "recording.csv", "*.csv", "Record into", FILE_SAVE, &options.path);
-    if (chosen == VAL_NO_FILE_SELECTED)
+    if (chosen == CON_NO_FILE_SELECTED)
         return "";
-    options.mayReplace = chosen == VAL_EXISTING_FILE_SELECTED;
+    options.mayReplace = chosen == CON_EXISTING_FILE_SELECTED;
     options.periodMs = setup.periodMs;
-    if (GRS_Record(source, options) < 0) {
+    if (GRA_RecordSource(source, options) < 0) {
         MessagePopup("Error", source->recorder.file.problem);
         return "";
     }

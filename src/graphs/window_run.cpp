@@ -18,8 +18,8 @@ constexpr int64_t SILENCE_US = 1500000;    // without a tick: timers were off
 constexpr double STEP_MIN_S = 0.001, STEP_MAX_S = 0.05;
 constexpr double US_PER_S = 1e6;
 
-GRA_Setup &setup = GRV_setup;
-GRS_Source &source = GRV_source;
+GRA_Setup &setup = GRA_setup;
+GRA_Source &source = GRA_source;
 uint32_t namesMs = 0; // when the names were looked up last
 int64_t tickUs = 0;   // the end of the last tick; 0: none since the start
 
@@ -38,59 +38,59 @@ void FollowNames()
         curve.item.address = item.address;
         isOther = true;
         if (item.address == SMP_NO_ADDRESS)
-            GRV_ShowMessage("No map knows '" + WRD_Visible(item.name) + "' any more.");
+            GRA_ShowMessage("No map knows '" + TXT_Visible(item.name) + "' any more.");
     }
     // The sampler runs on: a curve at another address begins anew, the others keep theirs.
     if (isOther)
-        GRS_Start(&source, setup);
+        GRA_StartSource(&source, setup);
 }
 
 } // namespace
 
-void GRV_Start(bool isFromNothing)
+void GRA_Start(bool isFromNothing)
 {
     if (setup.curves.empty() || !VR_EnsureCom())
         return;
     for (GRA_Curve &curve : setup.curves)
         GRA_Resolve(&curve.item);
     if (isFromNothing)
-        GRS_Stop(&source);
+        GRA_StopSource(&source);
     if (source.isFile)
-        GRV_FitAll(); // heights that were chosen for a recording are not these curves'
+        GRA_FitAll(); // heights that were chosen for a recording are not these curves'
     const bool isNew = !source.sampler.isRunning;
-    const int result = GRS_Start(&source, setup);
+    const int result = GRA_StartSource(&source, setup);
     if (result < 0) {
-        GRV_ShowMessage(result == SMP_ERR_ITEMS ? "There is nothing to sample."
+        GRA_ShowMessage(result == SMP_ERR_ITEMS ? "There is nothing to sample."
                                                 : "This period cannot be had.");
         return;
     }
     // A view that the user has moved stays while sampling goes on with another curve.
     if (isNew)
-        GRV_SetView(-setup.windowS, 0, true);
+        GRA_SetView(-setup.windowS, 0, true);
     tickUs = 0;
-    GRV_ShowMessage("");
-    GRV_ShowAll();
+    GRA_ShowMessage("");
+    GRA_ShowAll();
 }
 
-void GRV_Stop()
+void GRA_Stop()
 {
-    GRS_Stop(&source);
-    GRV_ShowAll();
-    GRV_ShowFresh(); // what the recorder says in the end
+    GRA_StopSource(&source);
+    GRA_ShowAll();
+    GRA_ShowFresh(); // what the recorder says in the end
 }
 
-int GRW_StartCB(int, int, int event, int)
+int GRA_StartCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
     if (source.sampler.isRunning)
-        GRV_Stop();
+        GRA_Stop();
     else
-        GRV_Start(true);
+        GRA_Start(true);
     return 0;
 }
 
-int GRW_RecordCB(int, int, int event, int)
+int GRA_RecordCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
@@ -98,43 +98,43 @@ int GRW_RecordCB(int, int, int event, int)
         // Looked at before the end. One that waited for its trigger until then has no file.
         const bool hasFile = source.recorder.rows > 0 || source.recorder.file.isOpen;
         const std::string path = source.recorder.file.path;
-        if (ARC_End(&source.recorder) < 0)
-            GRV_ShowMessage(source.recorder.file.problem);
+        if (REC_EndArmed(&source.recorder) < 0)
+            GRA_ShowMessage(source.recorder.file.problem);
         else
-            GRV_ShowMessage(hasFile ? "Recorded into " + path : "Nothing was recorded.");
+            GRA_ShowMessage(hasFile ? "Recorded into " + path : "Nothing was recorded.");
     } else if (source.sampler.isRunning) {
-        const std::string begun = GRF_BeginRecording(setup, &source);
+        const std::string begun = GRA_BeginRecording(setup, &source);
         if (!begun.empty())
-            GRV_ShowMessage(begun);
+            GRA_ShowMessage(begun);
     }
-    GRV_ShowState();
-    GRV_ShowButtons();
+    GRA_ShowState();
+    GRA_ShowButtons();
     return 0;
 }
 
 // The text stands in a field and is not asked for: sampling goes on.
-int GRW_MarkerCB(int, int, int event, int)
+int GRA_MarkerCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT || setup.curves.empty())
         return 0;
     UI_GraphView view;
     GetGraphView(PANEL_GRAPH, STRIP_GRAPH, &view);
     // Where the first cursor stands; else now, or where the picture ends when nothing runs.
-    double time = source.sampler.isRunning ? GRS_Now(source) : view.x.max;
+    double time = source.sampler.isRunning ? GRA_GetNow(source) : view.x.max;
     if (view.cursors[0].isShown)
         time = view.cursors[0].x;
     std::string text;
     GetCtrlVal(PANEL_GRAPH, STRIP_TEXT, &text);
     if (text.empty())
         text = "marker " + std::to_string(source.markers.size() + 1);
-    if (GRS_Mark(&source, time, WRD_Visible(text)) < 0)
-        GRV_ShowMessage(source.recorder.file.problem);
-    GRV_ShowAll();
+    if (GRA_MarkSource(&source, time, TXT_Visible(text)) < 0)
+        GRA_ShowMessage(source.recorder.file.problem);
+    GRA_ShowAll();
     return 0;
 }
 
 // One exchange a tick: whatever else wants the line has its turn between two.
-int GRW_TimerCB(int panel, int control, int event, int)
+int GRA_TimerCB(int panel, int control, int event, int)
 {
     if (event != EVENT_TIMER_TICK || !source.sampler.isRunning)
         return 0;
@@ -143,12 +143,12 @@ int GRW_TimerCB(int panel, int control, int event, int)
     if (tickUs != 0 && now - tickUs > SILENCE_US)
         SMP_DropHeld(&source.sampler, "communication was off");
     FollowNames();
-    const int64_t waitUs = GRS_Step(&source);
+    const int64_t waitUs = GRA_StepSource(&source);
     tickUs = static_cast<int64_t>(PLT_TickUs());
     // The next tick comes when the sampler wants it, within bounds: not at once, so that the
     // window is drawn, and not too late for what the user does.
     SetCtrlAttribute(panel, control, ATTR_INTERVAL,
                      std::clamp(static_cast<double>(waitUs) / US_PER_S, STEP_MIN_S, STEP_MAX_S));
-    GRV_ShowFresh();
+    GRA_ShowFresh();
     return 0;
 }

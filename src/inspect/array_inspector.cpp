@@ -26,18 +26,18 @@ constexpr uint32_t PAGE_ROWS = 1000; // lines of the list
 // A single column has the room for 20 digits; of several, the numbers are short as a rule.
 constexpr int WIDTH_ALONE = 140, WIDTH_BESIDE_OTHERS = 80;
 
-ARI_View *FindView(int panel)
+INS_ArrayView *FindView(int panel)
 {
     const INS_Inspector *inspector = INS_Find(panel);
     return inspector != nullptr ? inspector->array.get() : nullptr;
 }
 
-uint32_t RowBytes(const ARI_View &view)
+uint32_t RowBytes(const INS_ArrayView &view)
 {
     return view.array.columns * view.array.type->size;
 }
 
-uint32_t PageRows(const ARI_View &view)
+uint32_t PageRows(const INS_ArrayView &view)
 {
     return std::min(PAGE_ROWS, view.array.rows - view.firstRow);
 }
@@ -45,20 +45,20 @@ uint32_t PageRows(const ARI_View &view)
 // --- table ------------------------------------------------------------------------------
 
 // In parts, because live reads give numbers of at most 4 bytes.
-bool GetElement(const ARI_View &view, uint32_t address, uint8_t *bytes)
+bool GetElement(const INS_ArrayView &view, uint32_t address, uint8_t *bytes)
 {
     constexpr uint32_t PART = 4;
     for (uint32_t at = 0; at < view.array.type->size; at += PART) {
         const uint32_t size = std::min(PART, view.array.type->size - at);
         uint32_t bits = 0;
-        if (!LVR_Get(view.live, address + at, size, &bits))
+        if (!CODE_GetLive(view.live, address + at, size, &bits))
             return false;
-        BYT_PutLittle(bytes + at, size, bits);
+        TXT_PutLittle(bytes + at, size, bits);
     }
     return true;
 }
 
-std::vector<UI_Cell> MakeCells(const ARI_View *view, uint32_t row)
+std::vector<UI_Cell> MakeCells(const INS_ArrayView *view, uint32_t row)
 {
     const uint32_t start = view->array.address + row * RowBytes(*view);
     std::vector<UI_Cell> cells(1);
@@ -66,16 +66,16 @@ std::vector<UI_Cell> MakeCells(const ARI_View *view, uint32_t row)
     const std::string name = SYM_AddressToName(start);
     cells[0].tip = "0x" + SEL_AddressText(start) + (name.empty() ? "" : "  " + name);
     for (uint32_t i = 0; i < view->array.columns; ++i) {
-        uint8_t bytes[AEL_BYTES_MAX] = {};
+        uint8_t bytes[INS_ELEMENT_BYTES_MAX] = {};
         UI_Cell cell;
         if (GetElement(*view, start + i * view->array.type->size, bytes))
-            cell.text = AEL_Format(*view->array.type, bytes);
+            cell.text = INS_FormatElement(*view->array.type, bytes);
         cells.push_back(cell);
     }
     return cells; // an element that was not read has an empty cell
 }
 
-void SetColumns(const ARI_View *view)
+void SetColumns(const INS_ArrayView *view)
 {
     UI_Column value;
     value.width = view->array.columns == 1 ? WIDTH_ALONE : WIDTH_BESIDE_OTHERS;
@@ -89,7 +89,7 @@ void SetColumns(const ARI_View *view)
     SetListColumns(view->panel, ARRAY_LIST, columns);
 }
 
-void ShowState(const ARI_View *view)
+void ShowState(const INS_ArrayView *view)
 {
     std::string text = "Name an array: awTable, or with type and count: $8140, u2, 32.";
     if (view->array.type != nullptr) {
@@ -118,9 +118,9 @@ void ShowState(const ARI_View *view)
         SetCtrlAttribute(view->panel, control, ATTR_DIMMED, !isShown);
 }
 
-void ShowPage(ARI_View *view)
+void ShowPage(INS_ArrayView *view)
 {
-    view->live = LVR_Set();
+    view->live = CODE_LiveReads();
     ClearListCtrl(view->panel, ARRAY_LIST);
     for (uint32_t i = 0; i < PageRows(*view); ++i) {
         InsertListItem(view->panel, ARRAY_LIST, -1, std::to_string(view->firstRow + i), 0);
@@ -130,29 +130,29 @@ void ShowPage(ARI_View *view)
     ShowState(view);
 }
 
-void Inspect(ARI_View *view, const std::string &text, const std::string &slice)
+void Inspect(INS_ArrayView *view, const std::string &text, const std::string &slice)
 {
-    ARI_Array fresh;
+    INS_Array fresh;
     std::string cause;
-    if (ARI_Parse(text, slice, &fresh, &cause) != 0) { // what is shown stays
-        ARI_ShowOutcome(*view, "Not shown: " + cause + ".", COLOR_BAD);
+    if (INS_ParsePlace(text, slice, &fresh, &cause) != 0) { // what is shown stays
+        INS_ShowArrayOutcome(*view, "Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
     view->array = fresh;
-    SetPanelAttribute(view->panel, ATTR_TITLE, "Array " + WRD_Visible(fresh.place));
-    SetCtrlVal(view->panel, ARRAY_SLICE, ARI_FormatSlice(fresh));
+    SetPanelAttribute(view->panel, ATTR_TITLE, "Array " + TXT_Visible(fresh.place));
+    SetCtrlVal(view->panel, ARRAY_SLICE, INS_FormatSlice(fresh));
     SetCtrlAttribute(view->panel, ARRAY_SLICE, ATTR_VISIBLE, fresh.outer.empty() ? 0 : 1);
     view->firstRow = 0;
     DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0); // a curve of another array would deceive
     SetColumns(view);
     ShowPage(view);
-    ARI_ShowOutcome(*view, "");
+    INS_ShowArrayOutcome(*view, "");
     if (isTimer != 0)
-        ARI_Refresh(view);
+        INS_RefreshArray(view);
 }
 
 // The curve is of the whole array and stays.
-void TurnPage(ARI_View *view, bool isForward)
+void TurnPage(INS_ArrayView *view, bool isForward)
 {
     if (view->array.type == nullptr)
         return;
@@ -162,14 +162,14 @@ void TurnPage(ARI_View *view, bool isForward)
         view->firstRow -= PAGE_ROWS;
     ShowPage(view);
     if (isTimer != 0)
-        ARI_Refresh(view);
+        INS_RefreshArray(view);
 }
 
 // The next slice or the one before, through all outer dimensions: the last index runs fastest and
 // carries into the one in front of it, and the last slice is followed by the first.
-void StepSlice(ARI_View *view, int step)
+void StepSlice(INS_ArrayView *view, int step)
 {
-    ARI_Array next = view->array;
+    INS_Array next = view->array;
     std::vector<uint32_t> &slice = next.slice;
     const std::vector<uint32_t> &outer = next.outer;
     for (size_t i = slice.size(); i-- > 0;) {
@@ -179,47 +179,47 @@ void StepSlice(ARI_View *view, int step)
         if (!isCarried)
             break;
     }
-    Inspect(view, next.place, ARI_FormatSlice(next));
+    Inspect(view, next.place, INS_FormatSlice(next));
 }
 
 // What a new window shows, and a window of an array that is gone.
-void ShowNothing(ARI_View *view)
+void ShowNothing(INS_ArrayView *view)
 {
-    view->array = ARI_Array();
+    view->array = INS_Array();
     view->firstRow = 0;
     ClearListCtrl(view->panel, ARRAY_LIST);
     DeleteGraphPlot(view->panel, ARRAY_GRAPH, 0);
     SetPanelAttribute(view->panel, ATTR_TITLE, "Array");
     SetCtrlAttribute(view->panel, ARRAY_SLICE, ATTR_VISIBLE, 0);
-    ARI_ShowOutcome(*view, "");
+    INS_ShowArrayOutcome(*view, "");
     ShowState(view);
 }
 
 } // namespace
 
-void ARI_ShowOutcome(const ARI_View &view, const std::string &text, int color)
+void INS_ShowArrayOutcome(const INS_ArrayView &view, const std::string &text, int color)
 {
     SetCtrlAttribute(view.panel, ARRAY_MESSAGE, ATTR_TEXT_COLOR, color);
     SetCtrlVal(view.panel, ARRAY_MESSAGE, text);
 }
 
-uint32_t ARI_CountElements(const ARI_View &view)
+uint32_t INS_CountElements(const INS_ArrayView &view)
 {
     return view.array.rows * view.array.columns;
 }
 
-bool ARI_Refresh(ARI_View *view)
+bool INS_RefreshArray(INS_ArrayView *view)
 {
     int first = 0, end = 0;
     std::string cause;
     INS_GetLinesInView(view->panel, ARRAY_LIST, static_cast<int>(PageRows(*view)), &first, &end);
-    view->live = LVR_Set();
+    view->live = CODE_LiveReads();
     if (first < end)
-        LVR_Want(&view->live,
-                 view->array.address +
-                     (view->firstRow + static_cast<uint32_t>(first)) * RowBytes(*view),
-                 static_cast<uint32_t>(end - first) * RowBytes(*view));
-    const bool isGood = LVR_Read(&view->live, STATION, &cause) == 0;
+        CODE_WantLive(&view->live,
+                      view->array.address +
+                          (view->firstRow + static_cast<uint32_t>(first)) * RowBytes(*view),
+                      static_cast<uint32_t>(end - first) * RowBytes(*view));
+    const bool isGood = CODE_ReadLive(&view->live, STATION, &cause) == 0;
     const bool wasFailing = view->failedMs != 0;
     view->failedMs = isGood ? 0 : std::max(PLT_TickMs(), 1u); // the clock may stand at 0
     for (int i = first; i < end; ++i)
@@ -227,13 +227,13 @@ bool ARI_Refresh(ARI_View *view)
                      MakeCells(view, view->firstRow + static_cast<uint32_t>(i)));
     // A good refresh takes its own failure away and leaves every other message standing.
     if (!isGood)
-        ARI_ShowOutcome(*view, "Not read: " + cause + ".", COLOR_BAD);
+        INS_ShowArrayOutcome(*view, "Not read: " + cause + ".", COLOR_BAD);
     else if (wasFailing)
-        ARI_ShowOutcome(*view, "");
+        INS_ShowArrayOutcome(*view, "");
     return isGood;
 }
 
-void ARI_Open(const std::string &text)
+void INS_OpenArray(const std::string &text)
 {
     INS_Inspector *inspector =
         INS_Open(PANEL_ARRAY, PANEL_ARRAY_MORE, ARRAY_PLACE, [&](const INS_Inspector &open) {
@@ -243,9 +243,9 @@ void ARI_Open(const std::string &text)
     if (inspector == nullptr)
         return;
     if (inspector->array == nullptr) {
-        inspector->array = std::make_shared<ARI_View>();
+        inspector->array = std::make_shared<INS_ArrayView>();
         inspector->array->panel = inspector->panel;
-        SetCtrlCompletion(inspector->panel, ARRAY_PLACE, NCM_CompleteCB);
+        SetCtrlCompletion(inspector->panel, ARRAY_PLACE, WIN_CompleteNameCB);
         SetCtrlAttribute(inspector->panel, ARRAY_TIMER, ATTR_INTERVAL, PERIOD_S);
         SetCtrlVal(inspector->panel, ARRAY_PLACE, "");
         ShowNothing(inspector->array.get());
@@ -253,20 +253,20 @@ void ARI_Open(const std::string &text)
     if (text.empty())
         return;
     SetCtrlVal(inspector->panel, ARRAY_PLACE, text);
-    Inspect(inspector->array.get(), text, ARI_FormatSlice(inspector->array->array));
+    Inspect(inspector->array.get(), text, INS_FormatSlice(inspector->array->array));
 }
 
-void ARI_NamesChanged()
+void INS_ArrayNamesChanged()
 {
     for (INS_Inspector *inspector : Inspectors) {
-        ARI_View *view = inspector != nullptr ? inspector->array.get() : nullptr;
+        INS_ArrayView *view = inspector != nullptr ? inspector->array.get() : nullptr;
         if (view == nullptr || view->array.type == nullptr)
             continue;
-        ARI_Array now;
+        INS_Array now;
         std::string cause;
-        const std::string place = view->array.place, slice = ARI_FormatSlice(view->array);
+        const std::string place = view->array.place, slice = INS_FormatSlice(view->array);
         // One that is the same as before keeps its page and its curve.
-        if (ARI_Parse(place, slice, &now, &cause) == 0 && now.address == view->array.address &&
+        if (INS_ParsePlace(place, slice, &now, &cause) == 0 && now.address == view->array.address &&
             now.type == view->array.type && now.rows == view->array.rows &&
             now.columns == view->array.columns)
             continue;
@@ -275,32 +275,32 @@ void ARI_NamesChanged()
     }
 }
 
-void ARI_OpenCB(int, int)
+void INS_ArrayOpenCB(int, int)
 {
     int line = -1;
     GetCtrlIndex(mainPanel, MAIN_LIST, &line);
     const bool isItem = line >= 0 && line < nLItems && !LIT_IsTMS(aLItems[line]);
     const std::string name = isItem ? aLItems[line].name : "";
-    ARI_Array found;
+    INS_Array found;
     std::string cause;
     // Of an element, the whole array; of anything else nothing.
     const std::string whole = name.substr(0, name.find_first_of("[+ "));
-    ARI_Open(ARI_Parse(whole, "", &found, &cause) == 0 ? whole : "");
+    INS_OpenArray(INS_ParsePlace(whole, "", &found, &cause) == 0 ? whole : "");
 }
 
-int ARI_PlaceCB(int panel, int control, int event, int)
+int INS_ArrayPlaceCB(int panel, int control, int event, int)
 {
     std::string text;
-    ARI_View *view = FindView(panel);
+    INS_ArrayView *view = FindView(panel);
     if (view != nullptr && event == EVENT_COMMIT && GetCtrlVal(panel, control, &text) >= 0)
         Inspect(view, text, "");
     return 0;
 }
 
-int ARI_SliceCB(int panel, int control, int event, int data)
+int INS_ArraySliceCB(int panel, int control, int event, int data)
 {
     std::string text;
-    ARI_View *view = FindView(panel);
+    INS_ArrayView *view = FindView(panel);
     if (view == nullptr || view->array.outer.empty() || GetCtrlVal(panel, control, &text) < 0)
         return 0;
     if (event == EVENT_COMMIT)
@@ -310,39 +310,39 @@ int ARI_SliceCB(int panel, int control, int event, int data)
     return event == EVENT_KEYPRESS ? 1 : 0;
 }
 
-int ARI_ListCB(int panel, int, int event, int)
+int INS_ArrayListCB(int panel, int, int event, int)
 {
-    ARI_View *view = FindView(panel);
+    INS_ArrayView *view = FindView(panel);
     if (view != nullptr && event == EVENT_CELL_EDITED)
-        ARI_EditCell(view);
+        INS_EditCell(view);
     return 0;
 }
 
-int ARI_ButtonCB(int panel, int control, int event, int)
+int INS_ArrayButtonCB(int panel, int control, int event, int)
 {
     constexpr struct {
         int control;
-        void (*act)(ARI_View *view);
-    } ACTIONS[] = {{ARRAY_CURVE, ARI_ShowCurve},
-                   {ARRAY_COPY, ARI_CopyAll},
-                   {ARRAY_SAVE, ARI_SaveCsv},
-                   {ARRAY_LOAD, ARI_LoadCsv},
-                   {ARRAY_PREVIOUS, [](ARI_View *view) { TurnPage(view, false); }},
-                   {ARRAY_NEXT, [](ARI_View *view) { TurnPage(view, true); }}};
-    ARI_View *view = FindView(panel);
+        void (*act)(INS_ArrayView *view);
+    } ACTIONS[] = {{ARRAY_CURVE, INS_ShowCurve},
+                   {ARRAY_COPY, INS_CopyAll},
+                   {ARRAY_SAVE, INS_SaveCsv},
+                   {ARRAY_LOAD, INS_LoadCsv},
+                   {ARRAY_PREVIOUS, [](INS_ArrayView *view) { TurnPage(view, false); }},
+                   {ARRAY_NEXT, [](INS_ArrayView *view) { TurnPage(view, true); }}};
+    INS_ArrayView *view = FindView(panel);
     for (const auto &row : ACTIONS)
         if (view != nullptr && event == EVENT_COMMIT && row.control == control)
             row.act(view);
     return 0;
 }
 
-int ARI_TimerCB(int panel, int, int, int)
+int INS_ArrayTimerCB(int panel, int, int, int)
 {
-    ARI_View *view = FindView(panel);
+    INS_ArrayView *view = FindView(panel);
     if (view == nullptr || isTimer == 0 || view->array.type == nullptr)
         return 0;
     const bool isPausing = view->failedMs != 0 && PLT_TickMs() - view->failedMs < PAUSE_MS;
     if (!isPausing)
-        ARI_Refresh(view);
+        INS_RefreshArray(view);
     return 0;
 }

@@ -8,14 +8,14 @@
 #include <string>
 
 // In a window that shows it or nothing yet, else in a new one. "" = just a window.
-void ARI_Open(const std::string &text);
+void INS_OpenArray(const std::string &text);
 // Maps or types may have changed: an array that moved or changed with them is shown anew.
-void ARI_NamesChanged();
-void ARI_OpenCB(int menuBar, int item); // on the selected watch item
-int ARI_PlaceCB(int panel, int control, int event, int data);
-int ARI_SliceCB(int panel, int control, int event, int data);
-int ARI_ListCB(int panel, int control, int event, int data);
-int ARI_ButtonCB(int panel, int control, int event, int data);
-int ARI_TimerCB(int panel, int control, int event, int data);
+void INS_ArrayNamesChanged();
+void INS_ArrayOpenCB(int menuBar, int item); // on the selected watch item
+int INS_ArrayPlaceCB(int panel, int control, int event, int data);
+int INS_ArraySliceCB(int panel, int control, int event, int data);
+int INS_ArrayListCB(int panel, int control, int event, int data);
+int INS_ArrayButtonCB(int panel, int control, int event, int data);
+int INS_ArrayTimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -23,14 +23,14 @@ std::vector<std::string> SplitParts(const std::string &text)
     std::vector<std::string> parts;
     for (size_t begin = 0; begin <= text.size();) {
         const size_t comma = std::min(text.find(',', begin), text.size());
-        parts.push_back(WRD_Trim(text.substr(begin, comma - begin)));
+        parts.push_back(TXT_Trim(text.substr(begin, comma - begin)));
         begin = comma + 1;
     }
     return parts;
 }
 
 // "2, 1" or "[2][1]" to one index for each outer dimension; those that are missing are 0.
-bool ParseSlice(const std::string &text, ARI_Array *array, std::string *cause)
+bool ParseSlice(const std::string &text, INS_Array *array, std::string *cause)
 {
     array->slice.assign(array->outer.size(), 0);
     size_t at = 0;
@@ -58,7 +58,7 @@ bool ParseSlice(const std::string &text, ARI_Array *array, std::string *cause)
 }
 
 // All dimensions of a declaration, the outermost first.
-int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_Array *array,
+int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, INS_Array *array,
                     std::string *cause)
 {
     uint32_t chain[TMF_CHAIN_SIZE], offset = 0, size = 0, stride = 0;
@@ -79,7 +79,7 @@ int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_A
         const char letter = (*element & TMF_KIND) == TMF_FLOAT ? 'f'
                             : (*element & TMF_SIGNED) != 0     ? 'i'
                                                                : 'u';
-        array->type = AEL_Find(letter + std::to_string(TMF_GetElemSize(*element)));
+        array->type = INS_FindElement(letter + std::to_string(TMF_GetElemSize(*element)));
     }
     if (array->type != nullptr)
         return 0;
@@ -88,11 +88,11 @@ int ReadDeclaration(const std::string &name, std::vector<uint32_t> *sizes, ARI_A
 }
 
 // "awTable, u2, 4, 32": the parts behind the place.
-int ReadParts(const std::vector<std::string> &parts, std::vector<uint32_t> *sizes, ARI_Array *array,
+int ReadParts(const std::vector<std::string> &parts, std::vector<uint32_t> *sizes, INS_Array *array,
               std::string *cause)
 {
     bool isGood = parts.size() >= PARTS_MIN && parts.size() <= PARTS_MAX;
-    array->type = isGood ? AEL_Find(parts[1]) : nullptr;
+    array->type = isGood ? INS_FindElement(parts[1]) : nullptr;
     for (size_t i = PARTS_MIN - 1; i < parts.size() && isGood; ++i) {
         // strtoul turns a negative number into a large positive one.
         char *end = nullptr;
@@ -104,13 +104,13 @@ int ReadParts(const std::vector<std::string> &parts, std::vector<uint32_t> *size
     if (isGood && array->type != nullptr)
         return 0;
     *cause = std::string("an array is typed as name, type, count: awTable, u2, 32; types are ") +
-             AEL_NAMES;
+             INS_ELEMENT_NAMES;
     return -1;
 }
 
 // The last two dimensions are the table's, those in front of them choose it. Bytes of a table
 // of one slice, or -1: it all would not fit into the memory.
-int64_t UseSizes(const std::vector<uint32_t> &sizes, ARI_Array *array)
+int64_t UseSizes(const std::vector<uint32_t> &sizes, INS_Array *array)
 {
     uint64_t bytes = array->type->size, table = 0;
     for (size_t i = sizes.size(); i-- > 0;) {
@@ -133,16 +133,16 @@ int64_t UseSizes(const std::vector<uint32_t> &sizes, ARI_Array *array)
 
 } // namespace
 
-int ARI_Parse(const std::string &text, const std::string &slice, ARI_Array *array,
-              std::string *cause)
+int INS_ParsePlace(const std::string &text, const std::string &slice, INS_Array *array,
+                   std::string *cause)
 {
     const std::vector<std::string> parts = SplitParts(text);
     std::vector<uint32_t> sizes;
-    array->place = WRD_Trim(text);
+    array->place = TXT_Trim(text);
     array->address = GetSysAddr(parts[0].c_str());
     // The memory behind "&" is reached through a mailbox, which the transfers do not know.
     if (array->address == ADDR_NONE || parts[0].find('&') != std::string::npos) {
-        *cause = ADR_UnknownText(parts[0]);
+        *cause = COM_UnknownNameText(parts[0]);
         cause->pop_back(); // its full stop
         return -1;
     }
@@ -163,7 +163,7 @@ int ARI_Parse(const std::string &text, const std::string &slice, ARI_Array *arra
     return 0;
 }
 
-std::string ARI_FormatSlice(const ARI_Array &array)
+std::string INS_FormatSlice(const INS_Array &array)
 {
     std::string text;
     for (const uint32_t index : array.slice)

@@ -8,7 +8,7 @@
 
 struct ArrayType;
 
-struct ARI_Array {
+struct INS_Array {
     std::string place;               // as typed
     uint32_t address = 0;            // of the slice
     const ArrayType *type = nullptr; // null: nothing is shown
@@ -20,8 +20,8 @@ struct ARI_Array {
 // "awTable" with the type map's dimensions, or "place, type, size[, size...]" with a type of
 // element.h. `slice` holds the indices of the outer dimensions, "2, 1" or "[2][1]"; those that
 // are not named are 0. 0, or -1 with the reason.
-int ARI_Parse(const std::string &text, const std::string &slice, ARI_Array *array,
-              std::string *cause);
-std::string ARI_FormatSlice(const ARI_Array &array); // "2, 1"; "" with two dimensions or one
+int INS_ParsePlace(const std::string &text, const std::string &slice, INS_Array *array,
+                   std::string *cause);
+std::string INS_FormatSlice(const INS_Array &array); // "2, 1"; "" with two dimensions or one
 
 #endif

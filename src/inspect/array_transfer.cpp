@@ -26,62 +26,64 @@ constexpr size_t SHOWN_MAX = 40;     // characters of a bad value that a message
 
 typedef std::vector<uint8_t> Bytes;
 
-bool MayTransfer(const ARI_View *view)
+bool MayTransfer(const INS_ArrayView *view)
 {
     if (view->array.type == nullptr)
         return false;
-    if (ARI_CountElements(*view) > ALL_ELEMENTS_MAX)
-        ARI_ShowOutcome(*view,
-                        "More than " + std::to_string(ALL_ELEMENTS_MAX) +
-                            " elements: name a part of the array.",
-                        COLOR_BAD);
+    if (INS_CountElements(*view) > ALL_ELEMENTS_MAX)
+        INS_ShowArrayOutcome(*view,
+                             "More than " + std::to_string(ALL_ELEMENTS_MAX) +
+                                 " elements: name a part of the array.",
+                             COLOR_BAD);
     else if (!VR_EnsureCom())
-        ARI_ShowOutcome(*view, std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
+        INS_ShowArrayOutcome(*view, std::string("Not read: ") + COM_OFF_TEXT, COLOR_BAD);
     else
         return true;
     return false;
 }
 
 // False after a message. What was read of a transfer that failed is not for use.
-bool ReadAll(const ARI_View *view, Bytes *bytes)
+bool ReadAll(const INS_ArrayView *view, Bytes *bytes)
 {
     if (!MayTransfer(view))
         return false;
     const TransferPlan plan = {view->array.address,
-                               ARI_CountElements(*view) * view->array.type->size, BLOCK_BYTES,
-                               TRF_METER_ARRAY};
-    const TransferReport report = TRF_Read(plan, [&](uint32_t, const uint8_t *block, uint32_t n) {
-        bytes->insert(bytes->end(), block, block + n);
-        return true;
-    });
+                               INS_CountElements(*view) * view->array.type->size, BLOCK_BYTES,
+                               SCR_METER_ARRAY};
+    const TransferReport report =
+        SCR_ReadTransfer(plan, [&](uint32_t, const uint8_t *block, uint32_t n) {
+            bytes->insert(bytes->end(), block, block + n);
+            return true;
+        });
     if (report.result == TRANSFER_DONE)
         return true;
-    ARI_ShowOutcome(*view,
-                    report.result == TRANSFER_CANCELLED ? "Cancelled."
-                                                        : "Not read: " + report.cause + ".",
-                    COLOR_BAD);
+    INS_ShowArrayOutcome(*view,
+                         report.result == TRANSFER_CANCELLED ? "Cancelled."
+                                                             : "Not read: " + report.cause + ".",
+                         COLOR_BAD);
     return false;
 }
 
-std::string FormatRows(const ARI_View *view, const Bytes &bytes, const char *separator)
+std::string FormatRows(const INS_ArrayView *view, const Bytes &bytes, const char *separator)
 {
     std::string text;
-    for (uint32_t i = 0; i < ARI_CountElements(*view); ++i) {
-        text += AEL_Format(*view->array.type, &bytes[i * view->array.type->size]);
+    for (uint32_t i = 0; i < INS_CountElements(*view); ++i) {
+        text += INS_FormatElement(*view->array.type, &bytes[i * view->array.type->size]);
         text += (i + 1) % view->array.columns == 0 ? "\n" : separator;
     }
     return text;
 }
 
 // Each text to the bytes of an element. "" or what is wrong with which.
-std::string ParseElements(const ARI_View *view, const std::vector<std::string> &texts, Bytes *bytes)
+std::string ParseElements(const INS_ArrayView *view, const std::vector<std::string> &texts,
+                          Bytes *bytes)
 {
     for (size_t i = 0; i < texts.size(); ++i) {
-        uint8_t element[AEL_BYTES_MAX] = {};
-        const ArrayParse result = AEL_Parse(*view->array.type, texts[i], element);
+        uint8_t element[INS_ELEMENT_BYTES_MAX] = {};
+        const ArrayParse result = INS_ParseElement(*view->array.type, texts[i], element);
         if (result != ARRAY_OK)
             return "value " + std::to_string(i + 1) + ", '" +
-                   WRD_Visible(texts[i].substr(0, SHOWN_MAX)) +
+                   TXT_Visible(texts[i].substr(0, SHOWN_MAX)) +
                    (result == ARRAY_NO_VALUE ? "', is no number" : "', is out of range for ") +
                    (result == ARRAY_NO_VALUE ? "" : view->array.type->name);
         bytes->insert(bytes->end(), element, element + view->array.type->size);
@@ -91,45 +93,46 @@ std::string ParseElements(const ARI_View *view, const std::vector<std::string> &
 
 // Written, read back and compared. Each of the four ends has a word of its own in front, because
 // after three of them the target holds something else than what was asked for.
-void WriteElements(ARI_View *view, uint32_t first, const Bytes &bytes)
+void WriteElements(INS_ArrayView *view, uint32_t first, const Bytes &bytes)
 {
     const auto count = static_cast<uint32_t>(bytes.size());
     const uint32_t address = view->array.address + first * view->array.type->size;
-    const TransferPlan plan = {address, count, BLOCK_BYTES, TRF_METER_ARRAY};
+    const TransferPlan plan = {address, count, BLOCK_BYTES, SCR_METER_ARRAY};
     std::string cause;
     Bytes held(bytes.size());
     if (!VR_EnsureCom()) {
-        ARI_ShowOutcome(*view, std::string("Not written: ") + COM_OFF_TEXT, COLOR_BAD);
+        INS_ShowArrayOutcome(*view, std::string("Not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
     // The elements that were written before a failure stay written; the text counts them.
-    const TransferReport report = TRF_Write(plan, bytes.data());
+    const TransferReport report = SCR_WriteTransfer(plan, bytes.data());
     if (report.result != TRANSFER_DONE) {
         cause = report.result == TRANSFER_CANCELLED ? "cancelled" : report.cause;
-        ARI_ShowOutcome(*view, "FAILED: " + TRF_WrittenText(report, count, 1) + ": " + cause + ".",
-                        COLOR_BAD);
-    } else if (RDI_ReadBytes(STATION, address, count, held.data(), &cause) != 0) {
-        ARI_ShowOutcome(*view, "NOT VERIFIED: Written, but not read back: " + cause + ".",
-                        COLOR_WARN);
+        INS_ShowArrayOutcome(
+            *view, "FAILED: " + SCR_WrittenText(report, count, 1) + ": " + cause + ".", COLOR_BAD);
+    } else if (RFR_ReadItemBytes(STATION, address, count, held.data(), &cause) != 0) {
+        INS_ShowArrayOutcome(*view, "NOT VERIFIED: Written, but not read back: " + cause + ".",
+                             COLOR_WARN);
     } else if (held != bytes) {
         const auto at = std::mismatch(held.begin(), held.end(), bytes.begin()).first;
         const auto element =
             first + static_cast<uint32_t>(at - held.begin()) / view->array.type->size;
-        ARI_ShowOutcome(*view,
-                        "DIFFERENT: Written, but element " + std::to_string(element) +
-                            " holds another value now.",
-                        COLOR_WARN);
+        INS_ShowArrayOutcome(*view,
+                             "DIFFERENT: Written, but element " + std::to_string(element) +
+                                 " holds another value now.",
+                             COLOR_WARN);
     } else {
-        ARI_ShowOutcome(*view,
-                        "OK: Elements written and read back: " +
-                            std::to_string(count / view->array.type->size) + ".",
-                        COLOR_GOOD);
+        INS_ShowArrayOutcome(*view,
+                             "OK: Elements written and read back: " +
+                                 std::to_string(count / view->array.type->size) + ".",
+                             COLOR_GOOD);
     }
-    ARI_Refresh(view);
+    INS_RefreshArray(view);
 }
 
 // "" or the reason; lines that begin with ";" are comments.
-std::string ReadCsv(const ARI_View *view, const std::string &path, std::vector<std::string> *texts)
+std::string ReadCsv(const INS_ArrayView *view, const std::string &path,
+                    std::vector<std::string> *texts)
 {
     const int handle = TXFR_Open(path.c_str());
     std::string error;
@@ -137,27 +140,27 @@ std::string ReadCsv(const ARI_View *view, const std::string &path, std::vector<s
         return "the file cannot be read";
     char line[LINE_SIZE];
     // One value too many is enough to know that the file is not for this array.
-    while (error.empty() && texts->size() <= ARI_CountElements(*view) &&
+    while (error.empty() && texts->size() <= INS_CountElements(*view) &&
            TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
         std::vector<std::string> cells;
-        const std::string row = WRD_Trim(line);
+        const std::string row = TXT_Trim(line);
         if (TXFR_IsBrokenLine(handle) == 1)
             error = "a line is too long";
-        else if (!row.empty() && row[0] != ';' && !CSV_SplitRow(row, &cells))
+        else if (!row.empty() && row[0] != ';' && !TXT_SplitCsvRow(row, &cells))
             error = "a quote is not closed";
         texts->insert(texts->end(), cells.begin(), cells.end());
     }
     TXFR_Close(handle);
-    if (error.empty() && texts->size() != ARI_CountElements(*view))
+    if (error.empty() && texts->size() != INS_CountElements(*view))
         error = "the file holds another number of values than " +
-                std::to_string(ARI_CountElements(*view));
+                std::to_string(INS_CountElements(*view));
     return error;
 }
 
 } // namespace
 
 // One curve a column.
-void ARI_ShowCurve(ARI_View *view)
+void INS_ShowCurve(INS_ArrayView *view)
 {
     Bytes bytes;
     if (!ReadAll(view, &bytes))
@@ -171,7 +174,7 @@ void ARI_ShowCurve(ARI_View *view)
     for (uint32_t column = 0; column < view->array.columns; ++column) {
         std::vector<double> y(view->array.rows);
         for (uint32_t row = 0; row < view->array.rows; ++row)
-            y[row] = AEL_GetNumber(
+            y[row] = INS_GetElementNumber(
                 *view->array.type,
                 &bytes[(row * view->array.columns + column) * view->array.type->size]);
         UI_Plot plot;
@@ -181,41 +184,41 @@ void ARI_ShowCurve(ARI_View *view)
             view->array.columns == 1 ? view->array.place : "[" + std::to_string(column) + "]";
         PlotXY(view->panel, ARRAY_GRAPH, plot);
     }
-    ARI_ShowOutcome(*view, "Read: " + std::to_string(ARI_CountElements(*view)) + " elements.");
+    INS_ShowArrayOutcome(*view, "Read: " + std::to_string(INS_CountElements(*view)) + " elements.");
 }
 
-void ARI_CopyAll(ARI_View *view)
+void INS_CopyAll(INS_ArrayView *view)
 {
     Bytes bytes;
     if (ReadAll(view, &bytes) && ClipboardPutText(FormatRows(view, bytes, "\t")) == 0)
-        ARI_ShowOutcome(*view,
-                        "Copied: " + std::to_string(ARI_CountElements(*view)) + " elements.");
+        INS_ShowArrayOutcome(*view,
+                             "Copied: " + std::to_string(INS_CountElements(*view)) + " elements.");
 }
 
-void ARI_SaveCsv(ARI_View *view)
+void INS_SaveCsv(INS_ArrayView *view)
 {
     Bytes bytes;
     std::string path;
     SafeFile file;
     // Read first: a name is not asked for in vain.
     if (!ReadAll(view, &bytes) || FileSelectPopup("", "array.csv", "*.csv", "Save the array",
-                                                  FILE_SAVE, &path) == VAL_NO_FILE_SELECTED)
+                                                  FILE_SAVE, &path) == CON_NO_FILE_SELECTED)
         return;
     // The first line says what it was; the reader takes it as a comment.
-    const std::string slice = ARI_FormatSlice(view->array);
+    const std::string slice = INS_FormatSlice(view->array);
     const std::string sliced = slice.empty() ? "" : ", slice " + slice;
-    const bool isOpen = SAF_Open(&file, path, "wb") == 0;
+    const bool isOpen = PLT_BeginSave(&file, path, "wb") == 0;
     if (isOpen)
-        SAF_PutText(file.file, "; " + view->array.place + sliced + ", " + view->array.type->name +
-                                   "\n" + FormatRows(view, bytes, ","));
-    if (isOpen && SAF_Commit(&file) == 0)
-        ARI_ShowOutcome(*view, "Saved: " + WRD_Visible(path));
+        PLT_SaveText(file.file, "; " + view->array.place + sliced + ", " + view->array.type->name +
+                                    "\n" + FormatRows(view, bytes, ","));
+    if (isOpen && PLT_CommitSave(&file) == 0)
+        INS_ShowArrayOutcome(*view, "Saved: " + TXT_Visible(path));
     else
-        ARI_ShowOutcome(*view, "'" + WRD_Visible(path) + "' cannot be written.", COLOR_BAD);
+        INS_ShowArrayOutcome(*view, "'" + TXT_Visible(path) + "' cannot be written.", COLOR_BAD);
 }
 
 // One value, or several as a spreadsheet gives them: they go on with the elements behind.
-void ARI_EditCell(ARI_View *view)
+void INS_EditCell(INS_ArrayView *view)
 {
     int line = -1, column = -1;
     std::string text;
@@ -236,26 +239,26 @@ void ARI_EditCell(ARI_View *view)
     Bytes bytes;
     const std::string error = ParseElements(view, texts, &bytes);
     if (!error.empty() || texts.empty())
-        ARI_ShowOutcome(
+        INS_ShowArrayOutcome(
             *view,
             "REFUSED: Nothing was written: " + (error.empty() ? "there is no value" : error) + ".",
             COLOR_BAD);
-    else if (texts.size() > ARI_CountElements(*view) - first)
-        ARI_ShowOutcome(*view,
-                        "REFUSED: Nothing was written: " + std::to_string(texts.size()) +
-                            " values do not fit behind this element.",
-                        COLOR_BAD);
+    else if (texts.size() > INS_CountElements(*view) - first)
+        INS_ShowArrayOutcome(*view,
+                             "REFUSED: Nothing was written: " + std::to_string(texts.size()) +
+                                 " values do not fit behind this element.",
+                             COLOR_BAD);
     else
         WriteElements(view, first, bytes);
 }
 
-void ARI_LoadCsv(ARI_View *view)
+void INS_LoadCsv(INS_ArrayView *view)
 {
     std::string path;
     std::vector<std::string> texts;
     Bytes bytes;
     if (!MayTransfer(view) || FileSelectPopup("", "*.csv", "*.csv", "Load values into the array",
-                                              FILE_LOAD, &path) == VAL_NO_FILE_SELECTED)
+                                              FILE_LOAD, &path) == CON_NO_FILE_SELECTED)
         return;
     std::string error = ReadCsv(view, path, &texts);
     if (error.empty())
@@ -263,5 +266,5 @@ void ARI_LoadCsv(ARI_View *view)
     if (error.empty())
         WriteElements(view, 0, bytes);
     else
-        ARI_ShowOutcome(*view, "REFUSED: Nothing was written: " + error + ".", COLOR_BAD);
+        INS_ShowArrayOutcome(*view, "REFUSED: Nothing was written: " + error + ".", COLOR_BAD);
 }

@@ -11,7 +11,7 @@
 #include "text/tokens.h"
 #include "text/words.h"
 
-const char AEL_NAMES[] = "i1, u1, i2, u2, i4, u4, i8, u8, f4, f8";
+const char INS_ELEMENT_NAMES[] = "i1, u1, i2, u2, i4, u4, i8, u8, f4, f8";
 
 namespace {
 
@@ -20,8 +20,8 @@ constexpr ArrayType WIDE_TYPES[] = {
 
 template <class Value> Value GetWide(const uint8_t *bytes)
 {
-    static_assert(sizeof(Value) == AEL_BYTES_MAX);
-    const uint64_t bits = BYT_GetLittle(bytes, AEL_BYTES_MAX);
+    static_assert(sizeof(Value) == INS_ELEMENT_BYTES_MAX);
+    const uint64_t bits = TXT_GetLittle(bytes, INS_ELEMENT_BYTES_MAX);
     Value value;
     std::memcpy(&value, &bits, sizeof value);
     return value;
@@ -29,18 +29,18 @@ template <class Value> Value GetWide(const uint8_t *bytes)
 
 } // namespace
 
-const ArrayType *AEL_Find(const std::string &name)
+const ArrayType *INS_FindElement(const std::string &name)
 {
     for (const ArrayType &type : WIDE_TYPES)
-        if (CON_IsSameWord(name, type.name))
+        if (TXT_IsSameWord(name, type.name))
             return &type;
-    return ARR_FindType(name);
+    return SCR_FindArrayType(name);
 }
 
-std::string AEL_Format(const ArrayType &type, const uint8_t *bytes)
+std::string INS_FormatElement(const ArrayType &type, const uint8_t *bytes)
 {
-    if (type.size < AEL_BYTES_MAX)
-        return WRD_Trim(ARR_FormatElement(type, bytes));
+    if (type.size < INS_ELEMENT_BYTES_MAX)
+        return TXT_Trim(SCR_FormatElement(type, bytes));
     if (!type.isFloat)
         return type.isSigned ? std::to_string(GetWide<int64_t>(bytes))
                              : std::to_string(GetWide<uint64_t>(bytes));
@@ -50,11 +50,11 @@ std::string AEL_Format(const ArrayType &type, const uint8_t *bytes)
     return std::string(text, end.ptr);
 }
 
-ArrayParse AEL_Parse(const ArrayType &type, const std::string &text, uint8_t *bytes)
+ArrayParse INS_ParseElement(const ArrayType &type, const std::string &text, uint8_t *bytes)
 {
-    if (type.size < AEL_BYTES_MAX)
-        return ARR_ParseElement(type, text.c_str(), bytes);
-    const std::string number = WRD_Trim(text);
+    if (type.size < INS_ELEMENT_BYTES_MAX)
+        return SCR_ParseElement(type, text.c_str(), bytes);
+    const std::string number = TXT_Trim(text);
     // The C library takes more than a number: hexadecimal, infinities, a sign where none may be.
     const char *allowed = type.isFloat ? "0123456789+-.eE" : "0123456789+-";
     if (number.empty() || number.find_first_not_of(allowed) != std::string::npos ||
@@ -79,19 +79,19 @@ ArrayParse AEL_Parse(const ArrayType &type, const std::string &text, uint8_t *by
         return ARRAY_NO_VALUE;
     if (!isInRange)
         return ARRAY_OUT_OF_RANGE;
-    BYT_PutLittle(bytes, AEL_BYTES_MAX, bits);
+    TXT_PutLittle(bytes, INS_ELEMENT_BYTES_MAX, bits);
     return ARRAY_OK;
 }
 
-double AEL_GetNumber(const ArrayType &type, const uint8_t *bytes)
+double INS_GetElementNumber(const ArrayType &type, const uint8_t *bytes)
 {
     double number = 0;
-    if (type.size == AEL_BYTES_MAX) {
+    if (type.size == INS_ELEMENT_BYTES_MAX) {
         number = type.isFloat    ? GetWide<double>(bytes)
                  : type.isSigned ? static_cast<double>(GetWide<int64_t>(bytes))
                                  : static_cast<double>(GetWide<uint64_t>(bytes));
     } else {
-        const uint32_t bits = ARR_GetElement(type, bytes);
+        const uint32_t bits = SCR_GetElement(type, bytes);
         float single = 0;
         std::memcpy(&single, &bits, sizeof single);
         number = type.isFloat    ? static_cast<double>(single)

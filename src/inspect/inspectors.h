@@ -8,13 +8,13 @@
 #include <memory>
 #include <string>
 
-struct ARI_View;
-struct RCI_View;
+struct INS_ArrayView;
+struct INS_RecordView;
 
 struct INS_Inspector {
     int panel = -1;
-    std::shared_ptr<ARI_View> array; // one of the two
-    std::shared_ptr<RCI_View> record;
+    std::shared_ptr<INS_ArrayView> array; // one of the two
+    std::shared_ptr<INS_RecordView> record;
 };
 
 constexpr int INSPECTORS_MAX = 10;

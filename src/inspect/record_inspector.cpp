@@ -23,7 +23,7 @@ constexpr double PERIOD_S = 0.5;
 constexpr uint32_t PAUSE_MS = 3000; // after a refresh that failed
 constexpr int COLUMN_VALUE = 1;
 
-RCI_View *FindView(int panel)
+INS_RecordView *FindView(int panel)
 {
     const INS_Inspector *inspector = INS_Find(panel);
     return inspector != nullptr ? inspector->record.get() : nullptr;
@@ -39,82 +39,82 @@ std::string DescribeTypes()
 }
 
 // What is shown stays when the expression is not good. (By value: it may be view->shown itself.)
-void Inspect(RCI_View *view, std::string expression)
+void Inspect(INS_RecordView *view, std::string expression)
 {
-    RCT_Tree fresh;
+    INS_Tree fresh;
     std::string cause;
-    if (RCT_Build(expression, &fresh, &cause) != 0) {
-        RCI_ShowOutcome(*view, "Not shown: " + cause + ".", COLOR_BAD);
+    if (INS_BuildTree(expression, &fresh, &cause) != 0) {
+        INS_ShowRecordOutcome(*view, "Not shown: " + cause + ".", COLOR_BAD);
         return;
     }
     view->tree = fresh;
     view->shown = expression;
-    SetPanelAttribute(view->panel, ATTR_TITLE, "Record " + WRD_Visible(expression));
+    SetPanelAttribute(view->panel, ATTR_TITLE, "Record " + TXT_Visible(expression));
     view->shownStation = STATION;
     view->shownTypes = DescribeTypes();
-    view->live = LVR_Set();
-    RCI_ShowOutcome(*view, "");
-    RCI_ShowTree(view, 0);
+    view->live = CODE_LiveReads();
+    INS_ShowRecordOutcome(*view, "");
+    INS_ShowTree(view, 0);
     if (isTimer != 0)
-        RCI_Refresh(view);
+        INS_RefreshRecord(view);
 }
 
-void ShowNothing(RCI_View *view)
+void ShowNothing(INS_RecordView *view)
 {
     view->tree.nodes.clear(); // nothing of old types may be looked up any more
     SetPanelAttribute(view->panel, ATTR_TITLE, "Record");
-    RCI_ShowTree(view, -1);
+    INS_ShowTree(view, -1);
 }
 
 // Opens or closes the selected line. Of a pointer it is asked in the target where it leads.
-void Toggle(RCI_View *view)
+void Toggle(INS_RecordView *view)
 {
-    const int line = RCI_GetSelected(*view);
+    const int line = INS_GetSelectedNode(*view);
     if (line < 0)
         return;
     const auto index = static_cast<size_t>(line);
-    const RCT_Node node = view->tree.nodes[index];
+    const INS_Node node = view->tree.nodes[index];
     uint32_t target = ADDR_NONE;
     std::string cause;
-    if (!RCT_CanOpen(node))
+    if (!INS_CanOpenNode(node))
         return;
     // Closing drops what lies below; opened again, it is made and read anew.
     if (node.isOpen)
-        RCT_Close(&view->tree, index);
-    else if (node.kind == RCT_POINTER && !RCI_FollowPointer(view, node, &target))
+        INS_CloseNode(&view->tree, index);
+    else if (node.kind == INS_NODE_POINTER && !INS_FollowPointer(view, node, &target))
         return;
-    else if (RCT_Open(&view->tree, index, target, &cause) != 0) {
-        RCI_ShowOutcome(*view, "Not opened: " + cause + ".", COLOR_BAD);
+    else if (INS_OpenNode(&view->tree, index, target, &cause) != 0) {
+        INS_ShowRecordOutcome(*view, "Not opened: " + cause + ".", COLOR_BAD);
         return;
     }
-    RCI_ShowOutcome(*view, "");
-    RCI_ShowTree(view, line);
+    INS_ShowRecordOutcome(*view, "");
+    INS_ShowTree(view, line);
     if (isTimer != 0)
-        RCI_Refresh(view);
+        INS_RefreshRecord(view);
 }
 
-void EditValue(RCI_View *view)
+void EditValue(INS_RecordView *view)
 {
     int line = -1, column = -1;
     std::string text, message;
     if (GetEditedCell(view->panel, RECORD_LIST, &line, &column, &text) < 0 ||
         column != COLUMN_VALUE || line < 0 || line >= static_cast<int>(view->tree.nodes.size()))
         return;
-    const RCT_Node &node = view->tree.nodes[static_cast<size_t>(line)];
-    if (node.kind != RCT_VALUE) {
-        RCI_ShowOutcome(*view, "Only a single value can be written.", COLOR_BAD);
+    const INS_Node &node = view->tree.nodes[static_cast<size_t>(line)];
+    if (node.kind != INS_NODE_VALUE) {
+        INS_ShowRecordOutcome(*view, "Only a single value can be written.", COLOR_BAD);
         return;
     }
     if (!VR_EnsureCom()) {
-        RCI_ShowOutcome(*view, std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
+        INS_ShowRecordOutcome(*view, std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
-    LItem item = RCT_MakeItem(node);
-    const int result = WRV_WriteUnlisted(&item, text, &message);
+    LItem item = INS_MakeNodeItem(node);
+    const int result = VAL_WriteUnlisted(&item, text, &message);
     // Refreshed before the outcome is told, or a failure to refresh would be all that is seen.
-    RCI_Refresh(view);
-    const int color = result == WRV_OK ? COLOR_GOOD : result > 0 ? COLOR_WARN : COLOR_BAD;
-    RCI_ShowOutcome(*view, message, color);
+    INS_RefreshRecord(view);
+    const int color = result == VAL_WRITE_OK ? COLOR_GOOD : result > 0 ? COLOR_WARN : COLOR_BAD;
+    INS_ShowRecordOutcome(*view, message, color);
 }
 
 // A window is given its list's columns once: after that they have the widths the user gave them.
@@ -130,14 +130,14 @@ void PrepareWindow(int panel)
             panel, RECORD_LIST,
             {{"Name", 240, UIA_LEFT}, value, {"Type", 160, UIA_LEFT}, {"Address", 80, UIA_LEFT}});
     }
-    SetCtrlCompletion(panel, RECORD_PLACE, NCM_CompleteCB);
+    SetCtrlCompletion(panel, RECORD_PLACE, WIN_CompleteNameCB);
     SetCtrlAttribute(panel, RECORD_TIMER, ATTR_INTERVAL, PERIOD_S);
     SetCtrlVal(panel, RECORD_PLACE, "");
 }
 
 } // namespace
 
-void RCI_Open(const std::string &expression)
+void INS_OpenRecord(const std::string &expression)
 {
     INS_Inspector *inspector =
         INS_Open(PANEL_RECORD, PANEL_RECORD_MORE, RECORD_PLACE, [&](const INS_Inspector &open) {
@@ -147,10 +147,10 @@ void RCI_Open(const std::string &expression)
     if (inspector == nullptr)
         return;
     if (inspector->record == nullptr) {
-        inspector->record = std::make_shared<RCI_View>();
+        inspector->record = std::make_shared<INS_RecordView>();
         inspector->record->panel = inspector->panel;
         PrepareWindow(inspector->panel);
-        RCI_ShowOutcome(*inspector->record, "");
+        INS_ShowRecordOutcome(*inspector->record, "");
         ShowNothing(inspector->record.get());
     }
     if (expression.empty()) // just a window; what it shows stays
@@ -159,10 +159,10 @@ void RCI_Open(const std::string &expression)
     Inspect(inspector->record.get(), expression);
 }
 
-void RCI_NamesChanged()
+void INS_RecordNamesChanged()
 {
     for (INS_Inspector *inspector : Inspectors) {
-        RCI_View *view = inspector != nullptr ? inspector->record.get() : nullptr;
+        INS_RecordView *view = inspector != nullptr ? inspector->record.get() : nullptr;
         if (view == nullptr || view->tree.nodes.empty() || view->shownTypes == DescribeTypes())
             continue;
         ShowNothing(view);
@@ -170,7 +170,7 @@ void RCI_NamesChanged()
     }
 }
 
-void RCI_OpenCB(int, int)
+void INS_RecordOpenCB(int, int)
 {
     int line = -1;
     GetCtrlIndex(mainPanel, MAIN_LIST, &line);
@@ -178,36 +178,36 @@ void RCI_OpenCB(int, int)
     std::string name = isItem ? aLItems[line].name : "";
     // Of a member, the whole record; of a single value nothing.
     const std::string whole = name.substr(0, name.find_first_of(".[+ "));
-    RCT_Tree found;
+    INS_Tree found;
     std::string cause;
-    const bool hasParts = RCT_Build(whole, &found, &cause) == 0 && !found.nodes.empty() &&
-                          found.nodes[0].kind != RCT_VALUE;
-    RCI_Open(hasParts ? whole : "");
+    const bool hasParts = INS_BuildTree(whole, &found, &cause) == 0 && !found.nodes.empty() &&
+                          found.nodes[0].kind != INS_NODE_VALUE;
+    INS_OpenRecord(hasParts ? whole : "");
 }
 
-int RCI_PlaceCB(int panel, int control, int event, int)
+int INS_RecordPlaceCB(int panel, int control, int event, int)
 {
     std::string text;
-    RCI_View *view = FindView(panel);
+    INS_RecordView *view = FindView(panel);
     if (view != nullptr && event == EVENT_COMMIT && GetCtrlVal(panel, control, &text) >= 0)
         Inspect(view, text);
     return 0;
 }
 
-int RCI_ListCB(int panel, int, int event, int data)
+int INS_RecordListCB(int panel, int, int event, int data)
 {
-    RCI_View *view = FindView(panel);
+    INS_RecordView *view = FindView(panel);
     if (view == nullptr)
         return 0;
-    const int line = RCI_GetSelected(*view);
-    const RCT_Node *node = line >= 0 ? &view->tree.nodes[static_cast<size_t>(line)] : nullptr;
+    const int line = INS_GetSelectedNode(*view);
+    const INS_Node *node = line >= 0 ? &view->tree.nodes[static_cast<size_t>(line)] : nullptr;
     if (event == EVENT_VAL_CHANGED) {
-        RCI_EnableButtons(*view);
+        INS_EnableRecordButtons(*view);
         // What lies at the line, unless there is a failure to be read.
         if (node != nullptr && view->failedMs == 0) {
             const std::string name = SYM_AddressToName(node->address);
-            RCI_ShowOutcome(*view, "0x" + SEL_AddressText(node->address) +
-                                       (name.empty() ? "" : " " + name));
+            INS_ShowRecordOutcome(*view, "0x" + SEL_AddressText(node->address) +
+                                             (name.empty() ? "" : " " + name));
         }
     } else if (event == EVENT_CELL_EDITED) {
         EditValue(view);
@@ -216,18 +216,18 @@ int RCI_ListCB(int panel, int, int event, int data)
             Toggle(view);
     } else if (event == EVENT_LEFT_DOUBLE_CLICK || event == EVENT_COMMIT) {
         // Of a value this begins to edit it; its bits open by key and button only.
-        if (node != nullptr && node->kind != RCT_VALUE)
+        if (node != nullptr && node->kind != INS_NODE_VALUE)
             Toggle(view);
     }
     return event == EVENT_KEYPRESS ? 1 : 0;
 }
 
-int RCI_ButtonCB(int panel, int control, int event, int)
+int INS_RecordButtonCB(int panel, int control, int event, int)
 {
-    RCI_View *view = FindView(panel);
+    INS_RecordView *view = FindView(panel);
     if (view == nullptr || event != EVENT_COMMIT)
         return 0;
-    const int line = RCI_GetSelected(*view);
+    const int line = INS_GetSelectedNode(*view);
     if (control == RECORD_OPEN)
         Toggle(view);
     else if (control == RECORD_ADD && line >= 0 &&
@@ -237,9 +237,9 @@ int RCI_ButtonCB(int panel, int control, int event, int)
     return 0;
 }
 
-int RCI_TimerCB(int panel, int, int, int)
+int INS_RecordTimerCB(int panel, int, int, int)
 {
-    RCI_View *view = FindView(panel);
+    INS_RecordView *view = FindView(panel);
     if (view == nullptr || isTimer == 0 || view->tree.nodes.empty())
         return 0;
     const bool isPausing = view->failedMs != 0 && PLT_TickMs() - view->failedMs < PAUSE_MS;
@@ -249,6 +249,6 @@ int RCI_TimerCB(int panel, int, int, int)
     if (view->shownStation != STATION)
         Inspect(view, view->shown);
     else
-        RCI_Refresh(view);
+        INS_RefreshRecord(view);
     return 0;
 }

@@ -8,13 +8,13 @@
 #include <string>
 
 // In a window that shows it or nothing yet, else in a new one. "" = just a window.
-void RCI_Open(const std::string &expression);
+void INS_OpenRecord(const std::string &expression);
 // Maps or types may have changed: a tree of the old ones is built anew.
-void RCI_NamesChanged();
-void RCI_OpenCB(int menuBar, int item); // on the selected watch item
-int RCI_PlaceCB(int panel, int control, int event, int data);
-int RCI_ListCB(int panel, int control, int event, int data);
-int RCI_ButtonCB(int panel, int control, int event, int data);
-int RCI_TimerCB(int panel, int control, int event, int data);
+void INS_RecordNamesChanged();
+void INS_RecordOpenCB(int menuBar, int item); // on the selected watch item
+int INS_RecordPlaceCB(int panel, int control, int event, int data);
+int INS_RecordListCB(int panel, int control, int event, int data);
+int INS_RecordButtonCB(int panel, int control, int event, int data);
+int INS_RecordTimerCB(int panel, int control, int event, int data);
 
 #endif

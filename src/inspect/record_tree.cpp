@@ -14,10 +14,10 @@
 
 namespace {
 
-RCT_Node MakeNode(const std::string &name, const std::string &expression, const uint32_t *chain,
+INS_Node MakeNode(const std::string &name, const std::string &expression, const uint32_t *chain,
                   uint32_t address, int depth)
 {
-    RCT_Node node;
+    INS_Node node;
     node.name = name;
     node.expression = expression;
     // A copy: the type map may be read anew while the tree is shown. The closing 0 belongs to it.
@@ -30,18 +30,18 @@ RCT_Node MakeNode(const std::string &name, const std::string &expression, const 
     switch (code & TMF_DERIVATION) {
     case TMF_STRUCT:
     case TMF_UNION:
-        node.kind = RCT_RECORD;
+        node.kind = INS_NODE_RECORD;
         break;
     case TMF_ARRAY:
-        node.kind = RCT_ARRAY;
+        node.kind = INS_NODE_ARRAY;
         break;
     case TMF_POINTER:
-        node.kind = RCT_POINTER;
+        node.kind = INS_NODE_POINTER;
         node.size = static_cast<uint32_t>(TMF_GetPtrSize(Procesor, false));
         break;
     case 0: // no derivation: a number, or void with the size 0
         node.size = static_cast<uint32_t>(std::max(TMF_GetElemSize(code), 0));
-        node.kind = node.size > 0 ? RCT_VALUE : RCT_OTHER;
+        node.kind = node.size > 0 ? INS_NODE_VALUE : INS_NODE_OTHER;
         break;
     default:
         break;
@@ -49,9 +49,9 @@ RCT_Node MakeNode(const std::string &name, const std::string &expression, const 
     return node;
 }
 
-std::vector<RCT_Node> ListMembers(const RCT_Node &parent)
+std::vector<INS_Node> ListMembers(const INS_Node &parent)
 {
-    std::vector<RCT_Node> parts;
+    std::vector<INS_Node> parts;
     std::vector<uint32_t> offsets;
     const uint32_t code = parent.chain[0];
     // False for a structure the map refers to but does not have.
@@ -66,13 +66,13 @@ std::vector<RCT_Node> ListMembers(const RCT_Node &parent)
     return parts;
 }
 
-std::vector<RCT_Node> ListElements(const RCT_Node &parent)
+std::vector<INS_Node> ListElements(const INS_Node &parent)
 {
-    std::vector<RCT_Node> parts;
+    std::vector<INS_Node> parts;
     uint32_t count = 0, stride = 0;
     if (TMF_GetArrayInfo(parent.chain.data(), &count, &stride) != 0)
         return parts;
-    for (uint32_t i = 0; i < std::min(count, RCT_ELEMENTS_MAX); ++i) {
+    for (uint32_t i = 0; i < std::min(count, INS_ELEMENTS_MAX); ++i) {
         const std::string index = "[" + std::to_string(i) + "]";
         parts.push_back(MakeNode(index, parent.expression.empty() ? "" : parent.expression + index,
                                  parent.chain.data() + 1, parent.address + i * stride,
@@ -82,11 +82,11 @@ std::vector<RCT_Node> ListElements(const RCT_Node &parent)
 }
 
 // The bits of an integer, which may be flags or fields.
-std::vector<RCT_Node> ListBits(const RCT_Node &parent)
+std::vector<INS_Node> ListBits(const INS_Node &parent)
 {
-    std::vector<RCT_Node> parts;
-    RCT_Node part = parent;
-    part.kind = RCT_BIT;
+    std::vector<INS_Node> parts;
+    INS_Node part = parent;
+    part.kind = INS_NODE_BIT;
     part.expression.clear();
     part.isOpen = false;
     part.depth++;
@@ -99,14 +99,14 @@ std::vector<RCT_Node> ListBits(const RCT_Node &parent)
 
 } // namespace
 
-bool RCT_CanOpen(const RCT_Node &node)
+bool INS_CanOpenNode(const INS_Node &node)
 {
-    const bool isInteger = node.kind == RCT_VALUE && (node.chain[0] & TMF_KIND) == TMF_INTEGER;
-    return isInteger || node.kind == RCT_RECORD || node.kind == RCT_ARRAY ||
-           node.kind == RCT_POINTER;
+    const bool isInteger = node.kind == INS_NODE_VALUE && (node.chain[0] & TMF_KIND) == TMF_INTEGER;
+    return isInteger || node.kind == INS_NODE_RECORD || node.kind == INS_NODE_ARRAY ||
+           node.kind == INS_NODE_POINTER;
 }
 
-int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause)
+int INS_BuildTree(const std::string &expression, INS_Tree *tree, std::string *cause)
 {
     uint32_t chain[TMF_CHAIN_SIZE], offset = 0;
     const uint32_t address = inStruct(expression.c_str(), aVarNode, nNodes);
@@ -119,29 +119,31 @@ int RCT_Build(const std::string &expression, RCT_Tree *tree, std::string *cause)
         return -1;
     }
     tree->nodes = {MakeNode(expression, expression, chain, address, 0)};
-    const RCT_Kind kind = tree->nodes[0].kind;
-    return kind == RCT_RECORD || kind == RCT_ARRAY ? RCT_Open(tree, 0, ADDR_NONE, cause) : 0;
+    const INS_NodeKind kind = tree->nodes[0].kind;
+    return kind == INS_NODE_RECORD || kind == INS_NODE_ARRAY
+               ? INS_OpenNode(tree, 0, ADDR_NONE, cause)
+               : 0;
 }
 
-int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause)
+int INS_OpenNode(INS_Tree *tree, size_t index, uint32_t target, std::string *cause)
 {
-    const RCT_Node node = tree->nodes[index]; // a copy: inserting moves the nodes
-    std::vector<RCT_Node> parts;
+    const INS_Node node = tree->nodes[index]; // a copy: inserting moves the nodes
+    std::vector<INS_Node> parts;
     if (node.isOpen)
         return 0;
-    if (node.depth >= RCT_DEPTH_MAX) {
-        *cause = "more than " + std::to_string(RCT_DEPTH_MAX) + " levels are not shown";
+    if (node.depth >= INS_DEPTH_MAX) {
+        *cause = "more than " + std::to_string(INS_DEPTH_MAX) + " levels are not shown";
         return -1;
     }
-    if (node.kind == RCT_RECORD)
+    if (node.kind == INS_NODE_RECORD)
         parts = ListMembers(node);
-    else if (node.kind == RCT_ARRAY)
+    else if (node.kind == INS_NODE_ARRAY)
         parts = ListElements(node);
-    else if (node.kind == RCT_VALUE && RCT_CanOpen(node))
+    else if (node.kind == INS_NODE_VALUE && INS_CanOpenNode(node))
         parts = ListBits(node);
-    else if (node.kind == RCT_POINTER && target < ADDR_LIMIT && node.chain.size() > 2)
+    else if (node.kind == INS_NODE_POINTER && target < ADDR_LIMIT && node.chain.size() > 2)
         parts = {MakeNode("*" + node.name, "", node.chain.data() + 1, target, node.depth + 1)};
-    if (parts.empty() || tree->nodes.size() + parts.size() > RCT_NODES_MAX) {
+    if (parts.empty() || tree->nodes.size() + parts.size() > INS_NODES_MAX) {
         *cause = parts.empty() ? "there is nothing inside" : "more lines than can be shown";
         return -1;
     }
@@ -151,7 +153,7 @@ int RCT_Open(RCT_Tree *tree, size_t index, uint32_t target, std::string *cause)
     return 0;
 }
 
-void RCT_Close(RCT_Tree *tree, size_t index)
+void INS_CloseNode(INS_Tree *tree, size_t index)
 {
     size_t end = index + 1;
     while (end < tree->nodes.size() && tree->nodes[end].depth > tree->nodes[index].depth)
@@ -161,7 +163,7 @@ void RCT_Close(RCT_Tree *tree, size_t index)
     tree->nodes[index].isOpen = false;
 }
 
-uint32_t RCT_GetTarget(uint32_t value)
+uint32_t INS_GetPointerTarget(uint32_t value)
 {
     if (value == 0)
         return ADDR_NONE;
@@ -172,20 +174,20 @@ uint32_t RCT_GetTarget(uint32_t value)
     return address < ADDR_LIMIT ? address : ADDR_NONE;
 }
 
-std::string RCT_FormatType(const RCT_Node &node)
+std::string INS_FormatType(const INS_Node &node)
 {
-    return node.kind == RCT_BIT ? "" : TMF_FormatDecl("", node.chain.data());
+    return node.kind == INS_NODE_BIT ? "" : TMF_FormatDecl("", node.chain.data());
 }
 
-std::string RCT_FormatParts(const RCT_Node &node)
+std::string INS_FormatParts(const INS_Node &node)
 {
     uint32_t count = 0, stride = 0;
-    if (node.kind == RCT_ARRAY && TMF_GetArrayInfo(node.chain.data(), &count, &stride) == 0)
+    if (node.kind == INS_NODE_ARRAY && TMF_GetArrayInfo(node.chain.data(), &count, &stride) == 0)
         return "[" + std::to_string(count) + "]" +
-               (node.isOpen && count > RCT_ELEMENTS_MAX
-                    ? " the first " + std::to_string(RCT_ELEMENTS_MAX)
+               (node.isOpen && count > INS_ELEMENTS_MAX
+                    ? " the first " + std::to_string(INS_ELEMENTS_MAX)
                     : "");
-    if (node.kind != RCT_RECORD)
+    if (node.kind != INS_NODE_RECORD)
         return "";
     if ((node.chain[0] & TMF_VALUE) > static_cast<uint32_t>(TMF_cnDefStructCts))
         return "";
@@ -194,14 +196,14 @@ std::string RCT_FormatParts(const RCT_Node &node)
     return (isUnion ? "union of " : "{ ") + std::to_string(members) + (isUnion ? "" : " members }");
 }
 
-LItem RCT_MakeItem(const RCT_Node &node)
+LItem INS_MakeNodeItem(const INS_Node &node)
 {
     LItem item;
     const uint32_t code = node.chain[0];
     item.address = node.address;
     item.size = static_cast<int32_t>(node.size);
     item.type = (code & TMF_KIND) == TMF_FLOAT ? 'f' : (code & TMF_SIGNED) != 0 ? 'i' : 'u';
-    if (node.kind == RCT_POINTER)
+    if (node.kind == INS_NODE_POINTER)
         item.type = 'x';
     return item;
 }

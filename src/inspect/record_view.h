@@ -10,24 +10,25 @@
 #include "inspect/record_tree.h"
 #include "watch/windows/outcome_colors.h"
 
-struct RCI_View {
+struct INS_RecordView {
     int panel = 0;
-    RCT_Tree tree;
+    INS_Tree tree;
     std::string shown; // expression
     int shownStation = -1;
     std::string shownTypes; // maps that the tree was built from
-    LVR_Set live;
+    CODE_LiveReads live;
     uint32_t failedMs = 0; // when the last refresh failed; 0 = it did not
 };
 
-void RCI_ShowOutcome(const RCI_View &view, const std::string &text, int color = COLOR_PLAIN);
-int RCI_GetSelected(const RCI_View &view); // line of the tree, or -1
-void RCI_EnableButtons(const RCI_View &view);
+void INS_ShowRecordOutcome(const INS_RecordView &view, const std::string &text,
+                           int color = COLOR_PLAIN);
+int INS_GetSelectedNode(const INS_RecordView &view); // line of the tree, or -1
+void INS_EnableRecordButtons(const INS_RecordView &view);
 // All lines anew, with the values read last; `selected` may be -1.
-void RCI_ShowTree(RCI_View *view, int selected);
-bool RCI_Refresh(RCI_View *view); // reads the lines in view and no other
+void INS_ShowTree(INS_RecordView *view, int selected);
+bool INS_RefreshRecord(INS_RecordView *view); // reads the lines in view and no other
 // Where a pointer of the tree leads, read from the target now. False after a message: it cannot
 // be read, or it leads nowhere.
-bool RCI_FollowPointer(RCI_View *view, const RCT_Node &node, uint32_t *target);
+bool INS_FollowPointer(INS_RecordView *view, const INS_Node &node, uint32_t *target);
 
 #endif

@@ -36,7 +36,7 @@ std::string Describe(int result, const char *line, size_t length)
         return "no record: the line does not begin with \":\"";
     case IHEX_ERR_LENGTH:
         IHEX167_GetUHEXN(line + 1, 2, &count);
-        return WRD_Format("%u characters, but a record of %u bytes has %u",
+        return TXT_Format("%u characters, but a record of %u bytes has %u",
                           static_cast<unsigned>(length), count, 11 + 2 * count);
     case IHEX_ERR_SUM: {
         // The digits are good, or the line would have been refused for them.
@@ -50,12 +50,12 @@ std::string Describe(int result, const char *line, size_t length)
         // The parser has one code for both.
         if (wanted == byte)
             return "a base address record must hold 2 bytes";
-        return WRD_Format("wrong check sum %02X, should be %02X", byte, wanted);
+        return TXT_Format("wrong check sum %02X, should be %02X", byte, wanted);
     }
     case IHEX_ERR_END:
         return "end record with data";
     case IHEX_ERR_UNKNOWN:
-        return WRD_Format("unknown record type %.2s", line + 7);
+        return TXT_Format("unknown record type %.2s", line + 7);
     default:
         break;
     }
@@ -90,7 +90,7 @@ bool AddLine(HEX_File *file, const std::string &text, int line, uint32_t *base)
     }
     if (block.address + block.length > IHEX167_ADDRESS_END || block.address >= IHEX167_ADDRESS_END)
         AddProblem(file, line, true,
-                   WRD_Format("address 0x%X is outside of the target", block.address));
+                   TXT_Format("address 0x%X is outside of the target", block.address));
     file->records.push_back(
         {block.address, static_cast<uint32_t>(file->data.size()), block.length, line});
     file->data.insert(file->data.end(), block.data, block.data + block.length);
@@ -145,7 +145,7 @@ void Arrange(HEX_File *file)
         HEX_Range &range = file->ranges.back();
         if (record.address <= range.last)
             AddProblem(file, std::max(record.line, highest->line), true,
-                       WRD_Format("0x%06X is also in line %d", record.address,
+                       TXT_Format("0x%06X is also in line %d", record.address,
                                   std::min(record.line, highest->line)));
         if (last > range.last) {
             range.last = last;
@@ -198,19 +198,19 @@ void HEX_GetBlock(const HEX_File &file, const HEX_Record &record, IHEX167_Block 
 
 std::string HEX_FormatProblem(const HEX_Problem &problem)
 {
-    return problem.line > 0 ? WRD_Format("line %d: ", problem.line) + problem.text : problem.text;
+    return problem.line > 0 ? TXT_Format("line %d: ", problem.line) + problem.text : problem.text;
 }
 
 std::string HEX_FormatRange(const HEX_Range &range)
 {
-    return WRD_Format("0x%06X-0x%06X, %u bytes", range.first, range.last,
+    return TXT_Format("0x%06X-0x%06X, %u bytes", range.first, range.last,
                       range.last - range.first + 1);
 }
 
 int HEX_Save(const std::string &path, uint32_t address, const uint8_t *bytes, size_t count)
 {
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") < 0)
+    if (PLT_BeginSave(&safe, path, "wb") < 0)
         return -1;
     const auto writeRecord = [&safe](uint32_t offset, uint32_t type, const uint8_t *data,
                                      uint32_t length) {
@@ -236,5 +236,5 @@ int HEX_Save(const std::string &path, uint32_t address, const uint8_t *bytes, si
         at += length;
     }
     writeRecord(0, 1, nullptr, 0);
-    return SAF_Commit(&safe);
+    return PLT_CommitSave(&safe);
 }

@@ -67,7 +67,7 @@ int WriteKept(const IHEX167_Block &kept)
 {
     if (kept.length == 0 || LD167U_L3CmdWriteBlock(&kept) == 0)
         return 0;
-    return Stop(HEXS_ERR_WRITE, 0, LD167U_GetFaultText().c_str(), &kept);
+    return Stop(HEX_LOAD_ERR_WRITE, 0, LD167U_GetFaultText().c_str(), &kept);
 }
 
 // Until the end of the file. The data of a record waits until the next line has been read.
@@ -77,20 +77,20 @@ int WriteLines(int textFile, Meter *meter)
     uint32_t base = 0;
     for (int line = 1;; ++line) {
         if (AdvanceMeter(meter, textFile))
-            return Stop(HEXS_ERR_CANCELLED, line, "cancelled by the user", nullptr);
+            return Stop(HEX_LOAD_ERR_CANCELLED, line, "cancelled by the user", nullptr);
         const int result = IHEX167_Parse_line(&block, textFile, &base);
         if (result == IHEX_FILE_END || result == IHEX_END)
             return WriteKept(kept);
         if (result == IHEX_BASE)
             continue;
         if (result != IHEX_DATA)
-            return Stop(HEXS_ERR_RECORD, line, "not a record of data or base address", nullptr);
+            return Stop(HEX_LOAD_ERR_RECORD, line, "not a record of data or base address", nullptr);
         if (!IHEX167_Is_block_ok(&block) || block.address >= IHEX167_ADDRESS_END)
-            return Stop(HEXS_ERR_BLOCK, line, "no data, or an address outside of the target",
+            return Stop(HEX_LOAD_ERR_BLOCK, line, "no data, or an address outside of the target",
                         nullptr);
         // Only now: what stands in front of a bad line has been written, the bad line's data not.
         if (WriteKept(kept) < 0)
-            return HEXS_ERR_WRITE;
+            return HEX_LOAD_ERR_WRITE;
         kept = block;
     }
 }
@@ -102,14 +102,14 @@ int LoadLines(int textFile, int station, Meter *meter)
     uint32_t base = 0;
     for (int line = 1;; ++line) {
         if (AdvanceMeter(meter, textFile))
-            return Stop(HEXS_ERR_CANCELLED, line, "cancelled by the user", nullptr);
+            return Stop(HEX_LOAD_ERR_CANCELLED, line, "cancelled by the user", nullptr);
         const int result = IHEX167_Parse_line(&block, textFile, &base);
         if (result == IHEX_FILE_END || result == IHEX_END)
             return 0;
         if (result < 0)
-            return Stop(HEXS_ERR_LINE, line, "not a record of data or base address", nullptr);
+            return Stop(HEX_LOAD_ERR_LINE, line, "not a record of data or base address", nullptr);
         if (result == IHEX_DATA && UCM_Write(station, block.address, block.length, block.data) < 0)
-            return Stop(HEXS_ERR_WRITE, line, UCM_LastErrorText().c_str(), &block);
+            return Stop(HEX_LOAD_ERR_WRITE, line, UCM_LastErrorText().c_str(), &block);
     }
 }
 
@@ -119,10 +119,10 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
 {
     cause.clear();
     if (!wMrOpenFlag)
-        return Stop(HEXS_ERR_CLOSED, 0, FAIL_NOT_OPEN, nullptr);
+        return Stop(HEX_LOAD_ERR_CLOSED, 0, FAIL_NOT_OPEN, nullptr);
     const int textFile = TXFR_Open(path.c_str());
     if (textFile < 0)
-        return Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
+        return Stop(HEX_LOAD_ERR_OPEN, 0, "the file cannot be opened", nullptr);
     // Also where the port is the link's, which waits for less.
     LD167U_SetTimeouts();
     Meter meter = OpenMeter(path, progress);
@@ -131,7 +131,7 @@ int LD167U_L3CmdWriteHexFile(const std::string &path, const LDR_Progress &progre
     return result;
 }
 
-int HEXS_Load(const std::string &path, int station, const LDR_Progress &progress)
+int HEX_LoadByLines(const std::string &path, int station, const LDR_Progress &progress)
 {
     cause.clear();
     int result = 0;
@@ -140,18 +140,18 @@ int HEXS_Load(const std::string &path, int station, const LDR_Progress &progress
     const int proven = UCM_MakeProven([&] {
         const int textFile = TXFR_Open(path.c_str());
         if (textFile < 0)
-            return result = Stop(HEXS_ERR_OPEN, 0, "the file cannot be opened", nullptr);
+            return result = Stop(HEX_LOAD_ERR_OPEN, 0, "the file cannot be opened", nullptr);
         Meter meter = OpenMeter(path, progress);
         result = LoadLines(textFile, station, &meter);
         TXFR_Close(textFile);
         return result;
     });
     if (result == 0 && proven < 0)
-        return Stop(HEXS_ERR_WRITE, 0, UCM_LastErrorText().c_str(), nullptr);
+        return Stop(HEX_LOAD_ERR_WRITE, 0, UCM_LastErrorText().c_str(), nullptr);
     return result;
 }
 
-const std::string &HEXS_GetCause()
+const std::string &HEX_GetLoadCause()
 {
     return cause;
 }

@@ -62,7 +62,7 @@ void BeginExchange(const char *verb, uint32_t count, uint32_t address)
     exchange = TRC_Record();
     exchange.request = std::string("loader: ") + verb;
     if (count > 0)
-        exchange.request += WRD_Format(" %u bytes at 0x%06X", count, address);
+        exchange.request += TXT_Format(" %u bytes at 0x%06X", count, address);
     exchange.startUs = PLT_TickUs();
     PLT_LocalTime(&exchange.when);
 }
@@ -261,7 +261,7 @@ int LD167U_L3CmdEraseFlash(const LDR_Progress &progress)
             return EndExchange(answer == ERASE_DONE ? 0 : -2);
         }
         LDR_Step(progress, 0, 0,
-                 WRD_Format("Erasing, %d of at most %d s", i + 1, ERASE_READS_MAX).c_str());
+                 TXT_Format("Erasing, %d of at most %d s", i + 1, ERASE_READS_MAX).c_str());
     }
     // A port that has vanished says more than that nobody answered.
     if (LD167U_enFault != L3_FAULT_GONE)
@@ -273,6 +273,6 @@ std::string LD167U_GetFaultText()
 {
     std::string text = FAULT_TEXTS[LD167U_enFault];
     if (LD167U_enFault == L3_FAULT_ANSWER && wrongAnswer >= 0)
-        text += WRD_Format(" 0x%02X", static_cast<unsigned>(wrongAnswer));
+        text += TXT_Format(" 0x%02X", static_cast<unsigned>(wrongAnswer));
     return text;
 }

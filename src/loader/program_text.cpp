@@ -11,7 +11,7 @@ constexpr const char *STEP_TEXTS[LDR_STEPS] = {"File", "Target", "Erase", "Progr
 
 std::string FormatDifference(const LDR_Difference &difference)
 {
-    return WRD_Format("0x%06X should hold %02X and holds %02X", difference.address,
+    return TXT_Format("0x%06X should hold %02X and holds %02X", difference.address,
                       static_cast<unsigned>(difference.wanted),
                       static_cast<unsigned>(difference.found));
 }
@@ -28,7 +28,7 @@ std::string FormatPart(const LDR_Job &job)
     if (count == 0)
         return "Nothing of the file is complete in the flash yet. Programming can go on.";
     const HEX_Record &block = job.plan[count - 1];
-    return WRD_Format(
+    return TXT_Format(
         "The flash holds the file up to 0x%06X, %s. What lies behind may be there in part."
         " Programming can go on from there.",
         block.address + block.length - 1u, job.verified > 0 ? LDR_EQUAL : "not read back");
@@ -42,14 +42,14 @@ std::string LDR_GetResultText(const LDR_Job &job)
     switch (job.result) {
     case LDR_OK:
         // Who did without reading back is told so each time: written is not yet programmed.
-        return WRD_Format(job.isReadBack
+        return TXT_Format(job.isReadBack
                               ? "Done: %u bytes in the flash, read back and equal to the file."
                               : "Done: %u bytes written, not read back.",
                           static_cast<unsigned>(job.file.data.size()));
     case LDR_ERR_OPEN:
         return "The file cannot be read.";
     case LDR_ERR_PROBLEMS:
-        return WRD_Format("The file cannot be programmed: problems found: %u.",
+        return TXT_Format("The file cannot be programmed: problems found: %u.",
                           static_cast<unsigned>(job.file.fatal));
     case LDR_ERR_PORT:
         return "The port cannot be used: " + job.cause + ".";
@@ -58,9 +58,9 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_ERASE:
         return "Erasing failed: " + job.cause + ".";
     case LDR_ERR_WRITE:
-        return WRD_Format("The block at 0x%06X was not written: ", at) + job.cause + ".";
+        return TXT_Format("The block at 0x%06X was not written: ", at) + job.cause + ".";
     case LDR_ERR_READ:
-        return WRD_Format("The flash could not be read at 0x%06X: ", at) + job.cause + ".";
+        return TXT_Format("The flash could not be read at 0x%06X: ", at) + job.cause + ".";
     case LDR_ERR_DIFFERENT:
         return "The flash differs from the file: " + FormatDifference(job.difference) + ".";
     case LDR_ERR_NEEDS_ERASE:
@@ -70,7 +70,7 @@ std::string LDR_GetResultText(const LDR_Job &job)
     case LDR_ERR_CHANGED:
         return "The file has changed, or is gone, since it was checked.";
     default:
-        return WRD_Format("Error %d.", job.result);
+        return TXT_Format("Error %d.", job.result);
     }
 }
 
@@ -101,11 +101,11 @@ std::string LDR_GetQuestion(const LDR_Job &job, int port)
 {
     // The loader erases everything there is, whatever little of it the file fills.
     std::string text =
-        WRD_Format("Erase the whole flash of the target on COM%d and program\n", port);
+        TXT_Format("Erase the whole flash of the target on COM%d and program\n", port);
     text += job.file.path + "\n";
     if (!job.file.ranges.empty()) {
         const HEX_Range all = {job.file.ranges.front().first, job.file.ranges.back().last};
-        text += WRD_Format("to 0x%06X-0x%06X (%u bytes)?", all.first, all.last,
+        text += TXT_Format("to 0x%06X-0x%06X (%u bytes)?", all.first, all.last,
                            static_cast<unsigned>(job.file.data.size()));
     }
     return text;

@@ -70,9 +70,9 @@ void ShowContents()
 
 void ShowBar()
 {
-    SetBarSegments(PANEL, LOADER_BAR, LDB_MakeSegments(job));
+    SetBarSegments(PANEL, LOADER_BAR, LDR_MakeBarSegments(job));
     SetCtrlVal(PANEL, LOADER_BAR_FIRST, "0x000000");
-    SetCtrlVal(PANEL, LOADER_BAR_LAST, WRD_Format("0x%06X", LDB_GetSpan(job) - 1));
+    SetCtrlVal(PANEL, LOADER_BAR_LAST, TXT_Format("0x%06X", LDR_GetBarSpan(job) - 1));
 }
 
 // --- the run ----------------------------------------------------------------------------
@@ -105,7 +105,7 @@ void ShowAll()
     // The port that a run would use, which is the link's as long as that has it open.
     int port = ncom, baud = bRate;
     LDR_FindPort(&port, &baud);
-    SetCtrlVal(PANEL, LOADER_PORT, WRD_Format("COM%d, %d baud", port, baud));
+    SetCtrlVal(PANEL, LOADER_PORT, TXT_Format("COM%d, %d baud", port, baud));
     const int isUnfit = job.plan.empty();
     SetCtrlAttribute(PANEL, LOADER_PROGRAM, ATTR_DIMMED, isUnfit);
     SetCtrlAttribute(PANEL, LOADER_COMPARE, ATTR_DIMMED, isUnfit);
@@ -127,7 +127,7 @@ bool OnStep(void *context, uint32_t done, uint32_t total, const char *text)
         // An erase has no total, and the first moments of a step no speed.
         std::string line = text;
         if (total > 0)
-            line += WRD_Format(": %d %%", percent);
+            line += TXT_Format(": %d %%", percent);
         if (total > 0 && job.bytesPerSecond > 0)
             line += ", " + std::to_string(job.bytesPerSecond) + " bytes/s, " +
                     std::to_string(job.secondsLeft) + " s left";
@@ -147,7 +147,7 @@ void RunJob(const char *what, int (*work)(int port, int baud, const LDR_Progress
 {
     int port = ncom, baud = bRate;
     LDR_FindPort(&port, &baud);
-    OnLog(nullptr, WRD_Format("%s on COM%d, %d baud", what, port, baud).c_str());
+    OnLog(nullptr, TXT_Format("%s on COM%d, %d baud", what, port, baud).c_str());
     Screen screen;
     screen.dialog = CreateProgressDialog(TITLE, what);
     // What the last run has left behind is not so any more from its first byte on.
@@ -188,7 +188,7 @@ Wish AskHow()
 
 } // namespace
 
-void LDW_Opened()
+void LDR_WindowOpened()
 {
     std::vector<UI_Column> columns;
     GetListColumns(PANEL, LOADER_STEPS, &columns);
@@ -209,25 +209,25 @@ void LDW_Opened()
     ShowAll();
 }
 
-void LDW_Reset()
+void LDR_ResetWindow()
 {
     job = LDR_Job();
     isRunEnded = false;
 }
 
-int LDW_PanelCB(int panel, int event, int)
+int LDR_PanelCB(int panel, int event, int)
 {
     if (event == EVENT_CLOSE)
         HidePanel(panel);
     return 0;
 }
 
-int LDW_ChooseCB(int, int, int event, int)
+int LDR_ChooseCB(int, int, int event, int)
 {
     std::string path = job.file.path;
     if (event != EVENT_COMMIT ||
         FileSelectPopup("", path.empty() ? "*.hex" : path, "*.hex;*.h86", "Choose a HEX file",
-                        FILE_LOAD, &path) == VAL_NO_FILE_SELECTED)
+                        FILE_LOAD, &path) == CON_NO_FILE_SELECTED)
         return 0;
     // Also a file with faults is taken over: the window lists them.
     LDR_Prepare(&job, path);
@@ -236,7 +236,7 @@ int LDW_ChooseCB(int, int, int event, int)
     return 0;
 }
 
-int LDW_ProgramCB(int, int, int event, int)
+int LDR_ProgramCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT || job.plan.empty())
         return 0;
@@ -263,7 +263,7 @@ int LDW_ProgramCB(int, int, int event, int)
     return 0;
 }
 
-int LDW_CompareCB(int, int, int event, int)
+int LDR_CompareCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && !job.plan.empty())
         RunJob("Comparing", [](int port, int baud, const LDR_Progress &progress) {

@@ -9,18 +9,18 @@
 
 #include <vector>
 
-void LDW_Opened(); // the panel has been shown
-void LDW_Reset();  // forgets file and flash; for tests
+void LDR_WindowOpened(); // the panel has been shown
+void LDR_ResetWindow();  // forgets file and flash; for tests
 
-int LDW_PanelCB(int panel, int event, int data);
-int LDW_ChooseCB(int panel, int control, int event, int data);
-int LDW_ProgramCB(int panel, int control, int event, int data);
-int LDW_CompareCB(int panel, int control, int event, int data);
+int LDR_PanelCB(int panel, int event, int data);
+int LDR_ChooseCB(int panel, int control, int event, int data);
+int LDR_ProgramCB(int panel, int control, int event, int data);
+int LDR_CompareCB(int panel, int control, int event, int data);
 
 // --- its bar: the file's ranges in the target's address space, and how far each has come ----
 // Bytes from address 0 on that the bar stands for: a power of two that holds the file.
-uint32_t LDB_GetSpan(const LDR_Job &job);
+uint32_t LDR_GetBarSpan(const LDR_Job &job);
 // Ranges too close to be told apart on a screen are one segment. At most UI_SEGMENTS_MAX.
-std::vector<UI_Segment> LDB_MakeSegments(const LDR_Job &job);
+std::vector<UI_Segment> LDR_MakeBarSegments(const LDR_Job &job);
 
 #endif

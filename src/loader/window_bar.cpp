@@ -49,7 +49,7 @@ UI_Segment MakeSegment(uint32_t first, uint32_t end, uint32_t span, unsigned sty
 
 } // namespace
 
-uint32_t LDB_GetSpan(const LDR_Job &job)
+uint32_t LDR_GetBarSpan(const LDR_Job &job)
 {
     // A power of two, so that a file which grows a little does not move the picture.
     uint32_t span = SPAN_MIN_BYTES;
@@ -58,9 +58,9 @@ uint32_t LDB_GetSpan(const LDR_Job &job)
     return span;
 }
 
-std::vector<UI_Segment> LDB_MakeSegments(const LDR_Job &job)
+std::vector<UI_Segment> LDR_MakeBarSegments(const LDR_Job &job)
 {
-    const uint32_t span = LDB_GetSpan(job);
+    const uint32_t span = LDR_GetBarSpan(job);
     const uint32_t gapMin = span / PARTS;
     std::vector<Stretch> stretches;
     for (size_t i = 0; i < job.plan.size(); ++i) {
@@ -79,12 +79,12 @@ std::vector<UI_Segment> LDB_MakeSegments(const LDR_Job &job)
     for (const Stretch &stretch : stretches)
         segments.push_back(MakeSegment(
             stretch.first, stretch.end, span, stretch.state.style,
-            WRD_Format("0x%06X-0x%06X: %s", stretch.first, stretch.end - 1, stretch.state.text)));
+            TXT_Format("0x%06X-0x%06X: %s", stretch.first, stretch.end - 1, stretch.state.text)));
     // The last one lies on top: a single byte of a large file can still be pointed at.
     const LDR_Difference &at = job.difference;
     if (job.result == LDR_ERR_DIFFERENT || job.result == LDR_ERR_NEEDS_ERASE)
         segments.push_back(MakeSegment(at.address, at.address + 1, span, UIS_WARNING,
-                                       WRD_Format("0x%06X: %02X wanted, %02X found", at.address,
+                                       TXT_Format("0x%06X: %02X wanted, %02X found", at.address,
                                                   static_cast<unsigned>(at.wanted),
                                                   static_cast<unsigned>(at.found))));
     return segments;

@@ -82,8 +82,8 @@ int DLLD_SaveOldLogFe(const std::string &path, const DLLD_Log &log);
 // The host with everything a download asks of the program: target and processor as the settings
 // say, errors in pop-ups, progress in a box with Cancel. Before every download, because the
 // settings may have changed since the last one.
-void LGT_UseTarget();
+void LOGV_UseTarget();
 // Variables of the map that describe a log.
-std::vector<std::string> LGT_FindLogs();
+std::vector<std::string> LOGV_FindTargetLogs();
 
 #endif

@@ -23,13 +23,13 @@ int TestLog(const DLLD_Log &log)
 int SaveBytes(const std::string &path, const char *bytes, size_t count)
 {
     SafeFile file;
-    if (SAF_Open(&file, path, "wb") < 0)
+    if (PLT_BeginSave(&file, path, "wb") < 0)
         return DLLD_ERR_OPEN;
     if (std::fwrite(bytes, 1, count, file.file) != count) {
-        SAF_Cancel(&file);
+        PLT_CancelSave(&file);
         return DLLD_ERR_FILE;
     }
-    return SAF_Commit(&file) < 0 ? DLLD_ERR_FILE : 0;
+    return PLT_CommitSave(&file) < 0 ? DLLD_ERR_FILE : 0;
 }
 
 // Everything but junk, each message through `print`.

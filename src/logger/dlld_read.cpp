@@ -132,11 +132,11 @@ int ReadLog(const std::string &name, const std::function<int(LogPlace *)> &find,
 // One entry with its text. 0, 1 at the negative id that ends the table, or -1.
 int ReadRecId(const uint8_t *bytes, DLLD_RecId *entry)
 {
-    entry->id = static_cast<int16_t>(BYT_GetLittle(bytes, 2));
+    entry->id = static_cast<int16_t>(TXT_GetLittle(bytes, 2));
     entry->text.clear();
     if (entry->id < 0)
         return 1;
-    const auto stored = static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4));
+    const auto stored = static_cast<uint32_t>(TXT_GetLittle(bytes + 4, 4));
     if (stored == 0) // the type has no description
         return 0;
     uint8_t text[DLLD_DESCRIPTION_BYTES];
@@ -176,7 +176,7 @@ int ReadTable()
         return DLLD_Fail("Error", "Unsupported CPU.");
     if (DLLD_ReadVar("DL_nDimARecId", sizeof bytes, bytes) < 0)
         return -1;
-    const int count = static_cast<int16_t>(BYT_GetLittle(bytes, 2));
+    const int count = static_cast<int16_t>(TXT_GetLittle(bytes, 2));
     // Of a target that runs another program the variable may be anything.
     if (count < 0 || count > DLLD_RECIDS_MAX)
         return DLLD_Fail("Error", "Data integrity.");
@@ -206,9 +206,9 @@ int DLLD_FindLog(const std::string &name, uint32_t *address, int32_t *words)
         DLLD_ReadVar(name + ".dwLogAddr", sizeof place, place) < 0 ||
         DLLD_ReadVar(name + ".nnLogWSize", sizeof size, size) < 0)
         return -1;
-    *address = DLLD_ToByteAddress(static_cast<uint32_t>(BYT_GetLittle(place, 4)));
+    *address = DLLD_ToByteAddress(static_cast<uint32_t>(TXT_GetLittle(place, 4)));
     // Signed there: a damaged size is refused with the header, and never allocated.
-    *words = static_cast<int32_t>(BYT_GetLittle(size, 4));
+    *words = static_cast<int32_t>(TXT_GetLittle(size, 4));
     return 0;
 }
 
@@ -237,7 +237,7 @@ int DLLD_ReadLogAt(uint32_t address, DLLD_Log *log)
         place->words = static_cast<int32_t>(uint32_t(header[3]) << 16 | header[2]);
         return 0;
     };
-    const std::string name = WRD_Format("%06lXh", static_cast<unsigned long>(address));
+    const std::string name = TXT_Format("%06lXh", static_cast<unsigned long>(address));
     return DLLD_ReadProven([&] { return ReadLog(name, find, log); });
 }
 

@@ -137,7 +137,7 @@ int DLLD_ReadData(uint32_t address, uint32_t length, void *buffer)
     if (isCancelled)
         return -1;
     return DLLD_Fail("Read error",
-                     WRD_Format("Data read error (%ld bytes at address %6lXh).",
+                     TXT_Format("Data read error (%ld bytes at address %6lXh).",
                                 static_cast<long>(length), static_cast<unsigned long>(address)));
 }
 
@@ -156,6 +156,6 @@ int DLLD_ReadWords(uint32_t address, uint16_t *words, int32_t count)
     if (DLLD_ReadData(address, static_cast<uint32_t>(bytes.size()), bytes.data()) < 0)
         return -1;
     for (size_t i = 0; i < bytes.size(); i += 2)
-        words[i / 2] = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
+        words[i / 2] = static_cast<uint16_t>(TXT_GetLittle(&bytes[i], 2));
     return 0;
 }

@@ -27,7 +27,7 @@ std::string FormatTime(uint32_t stamp, bool isLocal)
 // spreadsheet would run as a formula, a target may have logged as well.
 void AppendQuoted(const std::string &text, std::string *out)
 {
-    const std::string cell = WRD_QuoteCsv(text);
+    const std::string cell = TXT_QuoteCsv(text);
     const bool isQuoted = !cell.empty() && cell.front() == '"';
     *out += isQuoted ? cell : '"' + cell + '"';
 }
@@ -45,7 +45,7 @@ void AddStampFields(const DLLD_Msg &msg, std::vector<LOGV_Detail> *details)
     } masks[] = {{"Err", stamp.errors}, {"IErr", stamp.internalErrors}, {"Warn", stamp.warnings}};
     for (const auto &mask : masks)
         details->push_back(
-            {mask.name, WRD_Format("%08lXh", static_cast<unsigned long>(mask.value))});
+            {mask.name, TXT_Format("%08lXh", static_cast<unsigned long>(mask.value))});
 }
 
 } // namespace
@@ -89,13 +89,13 @@ int LOGV_SaveCsv(const LOGV_View &view, const std::string &path)
         text += "\r\n";
     }
     SafeFile file;
-    if (SAF_Open(&file, path, "wb") < 0)
+    if (PLT_BeginSave(&file, path, "wb") < 0)
         return -1;
     if (std::fwrite(text.data(), 1, text.size(), file.file) != text.size()) {
-        SAF_Cancel(&file);
+        PLT_CancelSave(&file);
         return -1;
     }
-    return SAF_Commit(&file);
+    return PLT_CommitSave(&file);
 }
 
 std::vector<LOGV_Detail> LOGV_GetDetails(const LOGV_Log &log, const LOGV_Row &row)
@@ -106,8 +106,8 @@ std::vector<LOGV_Detail> LOGV_GetDetails(const LOGV_Log &log, const LOGV_Row &ro
     details.push_back({"Local time", FormatTime(row.stamp, true)});
     details.push_back({"Time as logged", FormatTime(row.stamp, false)});
     const unsigned type = row.type;
-    details.push_back({"Type", log.typeNames[type] + WRD_Format(" (%02Xh)", type)});
-    details.push_back({"Place", WRD_Format("word %d, %d words", row.start, row.length)});
+    details.push_back({"Type", log.typeNames[type] + TXT_Format(" (%02Xh)", type)});
+    details.push_back({"Place", TXT_Format("word %d, %d words", row.start, row.length)});
     if (row.type == DLLD_BSTAMP) {
         AddStampFields(msg, &details);
     } else if (row.type == DLLD_TEXT) {

@@ -30,7 +30,7 @@ bool ShowProgress(uint32_t done, uint32_t total, const char *text)
 
 } // namespace
 
-void LGT_UseTarget()
+void LOGV_UseTarget()
 {
     DLLD_Host host;
     host.station = STATION;
@@ -42,7 +42,7 @@ void LGT_UseTarget()
     DLLD_SetHost(host);
 }
 
-std::vector<std::string> LGT_FindLogs()
+std::vector<std::string> LOGV_FindTargetLogs()
 {
     // A log is known by its two members, whatever its type is called.
     std::vector<std::string> names;

@@ -32,7 +32,7 @@ int SplitTime(const char *text, int *parts)
 
 } // namespace
 
-int LGM_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, uint32_t *stamp)
+int LOGV_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, uint32_t *stamp)
 {
     const int earliest[PARTS] = {0, 1, 1, 0, 0, 0}, latest[PARTS] = {0, 12, 31, 23, 59, 59};
     int parts[PARTS];

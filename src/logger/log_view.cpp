@@ -33,7 +33,7 @@ std::string GetTypeName(uint8_t type)
         return "status";
     if (record != nullptr && !record->name.empty())
         return record->name;
-    return WRD_Format("%02Xh", static_cast<unsigned>(type));
+    return TXT_Format("%02Xh", static_cast<unsigned>(type));
 }
 
 void AppendWords(const DLLD_Msg &msg, int32_t first, std::string *out)

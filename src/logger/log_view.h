@@ -68,7 +68,7 @@ int64_t LOGV_FindTime(const LOGV_View &view, uint32_t stamp);
 uint32_t LOGV_ToStamp(const LOGV_View &view, DateTime shownTime, bool isEnd);
 // The same from text: "2015-03-01 10:20:30", or its beginning, whose missing parts are the
 // earliest there are, or with `isEnd` the latest. 0, or -1: no time, or one outside 2000 to 2135.
-int LGM_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, uint32_t *stamp);
+int LOGV_ParseTime(const LOGV_View &view, const std::string &text, bool isEnd, uint32_t *stamp);
 
 // Cells. `line` counts in view.shown.
 std::string LOGV_GetCell(const LOGV_View &view, size_t line, LOGV_Column column);

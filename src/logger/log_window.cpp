@@ -24,17 +24,17 @@ constexpr int PANEL = PANEL_DATA_LOG;
 // Takes over the log as one of the two sides. The views point into it and are made anew.
 void Attach(int index, LOGV_Log *log)
 {
-    LGW_Side &side = LGW_sides[index];
+    LOGV_Side &side = LOGV_sides[index];
     side.log = std::move(*log);
     LOGV_Attach(&side.view, &side.log);
     side.cells = side.view;
     side.cells.shown.resize(side.log.rows.size());
     std::iota(side.cells.shown.begin(), side.cells.shown.end(), 0u);
-    side.view.isLocalTime = side.cells.isLocalTime = LGW_IsLocalTime();
-    LGW_lines.clear(); // they name rows of the log that was there
-    LGW_FillTypes();
-    LGW_SortLines();
-    LGW_ApplyFilter();
+    side.view.isLocalTime = side.cells.isLocalTime = LOGV_IsLocalTime();
+    LOGV_lines.clear(); // they name rows of the log that was there
+    LOGV_FillTypes();
+    LOGV_SortLines();
+    LOGV_ApplyFilter();
 }
 
 // A saved log, or one message that says which of the ways to fail it was.
@@ -44,7 +44,7 @@ int OpenLog(const std::string &path, LOGV_Log *log)
     if (result == DLLD_ERR_OPEN)
         MessagePopup("Error", "Could not open the file " + path + ".");
     else if (result == DLLD_ERR_FILE)
-        MessagePopup("Error", PLF_FailureText(path));
+        MessagePopup("Error", PLT_ReadFailureText(path));
     else if (result < 0)
         MessagePopup("Error", "The file " + path +
                                   " holds no log: its header is not one, or names another length.");
@@ -53,20 +53,20 @@ int OpenLog(const std::string &path, LOGV_Log *log)
 
 bool SelectFile(const char *title, std::string *path)
 {
-    return FileSelectPopup("", "*.bin", "*.bin", title, FILE_LOAD, path) != VAL_NO_FILE_SELECTED;
+    return FileSelectPopup("", "*.bin", "*.bin", title, FILE_LOAD, path) != CON_NO_FILE_SELECTED;
 }
 
 void ShowComparison()
 {
     SetCtrlAttribute(PANEL, LOG_COMPARE, ATTR_LABEL_TEXT,
-                     LGW_isComparing ? "End co__mparison" : "Co__mpare...");
-    LGW_SetColumns();
+                     LOGV_isComparing ? "End co__mparison" : "Co__mpare...");
+    LOGV_SetColumns();
 }
 
 // The logs that the map knows now; the chosen one stays chosen.
 void FillVariables()
 {
-    const std::vector<std::string> names = LGT_FindLogs();
+    const std::vector<std::string> names = LOGV_FindTargetLogs();
     std::string chosen;
     int index = -1, choice = 0;
     GetCtrlIndex(PANEL, LOG_VARIABLE, &index);
@@ -87,7 +87,7 @@ void FillVariables()
 // The descriptions first: with them the log is decoded.
 int ReadFromTarget(const std::string &name, LOGV_Log *log)
 {
-    LGT_UseTarget();
+    LOGV_UseTarget();
     // Those of another target would put wrong names to the numbers.
     if (!DLLD_GetHost().hasRecIds)
         DLLD_ClearRecIds();
@@ -106,10 +106,10 @@ void CopySelected()
     // Indices count in the page that is listed.
     std::string text;
     for (const int index : indices) {
-        const LGW_Line &line = LGW_lines[LGW_firstLine + static_cast<size_t>(index)];
-        if (LGW_isComparing)
-            text += std::string(LGW_GetPresence(line)) + "\t";
-        text += LOGV_CopyLines(LGW_sides[line.side].cells, {line.row});
+        const LOGV_Line &line = LOGV_lines[LOGV_firstLine + static_cast<size_t>(index)];
+        if (LOGV_isComparing)
+            text += std::string(LOGV_GetPresence(line)) + "\t";
+        text += LOGV_CopyLines(LOGV_sides[line.side].cells, {line.row});
     }
     if (!text.empty())
         ClipboardPutText(text);
@@ -117,7 +117,7 @@ void CopySelected()
 
 } // namespace
 
-int LGW_ShowFile(const std::string &path)
+int LOGV_ShowFile(const std::string &path)
 {
     LOGV_Log log;
     const int result = OpenLog(path, &log);
@@ -126,7 +126,7 @@ int LGW_ShowFile(const std::string &path)
     return result;
 }
 
-void LGW_OpenCB(int, int)
+void LOGV_OpenCB(int, int)
 {
     int columns = 0;
     std::vector<UI_Column> shown;
@@ -136,33 +136,33 @@ void LGW_OpenCB(int, int)
     if (columns == 0) {
         SetCtrlVal(PANEL, LOG_LOCAL, 1);
         ShowComparison();
-        LGW_FillTypes();
+        LOGV_FillTypes();
     }
     FillVariables();
-    LGW_ShowDetails();
-    LGW_ShowState();
+    LOGV_ShowDetails();
+    LOGV_ShowState();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
 }
 
-int LGW_PanelCB(int, int event, int data)
+int LOGV_PanelCB(int, int event, int data)
 {
     if (event == EVENT_ACTIVATED) { // another map may have been loaded
         FillVariables();
-        LGW_ShowState();
+        LOGV_ShowState();
     }
     if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
         HidePanel(PANEL);
         return 1;
     }
     if (event == EVENT_KEYPRESS && data >= (KEY_CTRL | '1') && data <= (KEY_CTRL | '4')) {
-        LGW_SortByKey(data - (KEY_CTRL | '1'));
+        LOGV_SortByKey(data - (KEY_CTRL | '1'));
         return 1;
     }
     return 0;
 }
 
-int LGW_ReadCB(int, int, int event, int)
+int LOGV_ReadCB(int, int, int event, int)
 {
     int index = -1;
     std::string name;
@@ -175,81 +175,81 @@ int LGW_ReadCB(int, int, int event, int)
         return 0;
     }
     // The log that is shown stays: half of another one would say less.
-    LGW_notice = DLLD_IsCancelled() ? "Reading was cancelled." : "The log could not be read.";
-    LGW_ShowState();
+    LOGV_notice = DLLD_IsCancelled() ? "Reading was cancelled." : "The log could not be read.";
+    LOGV_ShowState();
     return 0;
 }
 
-int LGW_OpenFileCB(int, int, int event, int)
+int LOGV_OpenFileCB(int, int, int event, int)
 {
     std::string path;
     if (event == EVENT_COMMIT && SelectFile("Open a saved log", &path))
-        LGW_ShowFile(path);
+        LOGV_ShowFile(path);
     return 0;
 }
 
-int LGW_CompareCB(int, int, int event, int)
+int LOGV_CompareCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
     std::string path;
     LOGV_Log log;
-    if (LGW_isComparing) {
-        LGW_isComparing = false;
-        LGW_sides[1] = LGW_Side();
-        LGW_lines.clear(); // they name rows of the other log as well
+    if (LOGV_isComparing) {
+        LOGV_isComparing = false;
+        LOGV_sides[1] = LOGV_Side();
+        LOGV_lines.clear(); // they name rows of the other log as well
         ShowComparison();
-        LGW_FillTypes();
-        LGW_ApplyFilter();
+        LOGV_FillTypes();
+        LOGV_ApplyFilter();
     } else if (SelectFile("Compare with a saved log", &path) && OpenLog(path, &log) == 0) {
         // Before the log is attached: that fills the list, which has a column more now.
-        LGW_isComparing = true;
+        LOGV_isComparing = true;
         ShowComparison();
         Attach(1, &log);
     }
     return 0;
 }
 
-int LGW_ListCB(int, int, int event, int data)
+int LOGV_ListCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
-        LGW_ShowDetails();
+        LOGV_ShowDetails();
     if (event != EVENT_KEYPRESS || data != (KEY_CTRL | 'C'))
         return 0;
     CopySelected();
     return 1;
 }
 
-int LGW_PageCB(int, int control, int event, int)
+int LOGV_PageCB(int, int control, int event, int)
 {
     const bool isNext = control == LOG_NEXT;
     if (event != EVENT_COMMIT ||
-        (isNext ? LGW_firstLine + LGW_PAGE_LINES >= LGW_lines.size() : LGW_firstLine == 0))
+        (isNext ? LOGV_firstLine + LOGV_PAGE_LINES >= LOGV_lines.size() : LOGV_firstLine == 0))
         return 0;
-    LGW_ShowLine(isNext ? LGW_firstLine + LGW_PAGE_LINES : LGW_firstLine - LGW_PAGE_LINES);
+    LOGV_ShowLine(isNext ? LOGV_firstLine + LOGV_PAGE_LINES : LOGV_firstLine - LOGV_PAGE_LINES);
     return 0;
 }
 
-int LGW_CopyCB(int, int, int event, int)
+int LOGV_CopyCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
         CopySelected();
     return 0;
 }
 
-int LGW_ExportCB(int, int, int event, int)
+int LOGV_ExportCB(int, int, int event, int)
 {
     // The button is dimmed then, but a click may have been on its way already.
     std::string path;
-    if (event != EVENT_COMMIT || !LGW_HasLog() || LGW_isComparing ||
+    if (event != EVENT_COMMIT || !LOGV_HasLog() || LOGV_isComparing ||
         FileSelectPopup("", "log.csv", "*.csv", "Export the filtered messages", FILE_SAVE, &path) ==
-            VAL_NO_FILE_SELECTED)
+            CON_NO_FILE_SELECTED)
         return 0;
-    if (LOGV_SaveCsv(LGW_sides[0].view, path) < 0) {
-        MessagePopup("Error", SAF_FailureText(path));
+    if (LOGV_SaveCsv(LOGV_sides[0].view, path) < 0) {
+        MessagePopup("Error", PLT_SaveFailureText(path));
         return 0;
     }
-    LGW_notice = LGW_FormatCount(LGW_lines.size()) + " messages were written to " + path + ".";
-    LGW_ShowState();
+    LOGV_notice = LOGV_FormatCount(LOGV_lines.size()) + " messages were written to " + path + ".";
+    LOGV_ShowState();
     return 0;
 }

@@ -46,30 +46,30 @@ uint32_t GetBound(int control, bool isEnd, uint32_t open)
     uint32_t stamp = open;
     if (text.find_first_not_of(' ') == std::string::npos)
         return open;
-    if (LGM_ParseTime(LGW_sides[0].view, text, isEnd, &stamp) < 0)
-        LGW_notice = "'" + text + "' is no time such as 2015-03-01 10:20, and limits nothing.";
+    if (LOGV_ParseTime(LOGV_sides[0].view, text, isEnd, &stamp) < 0)
+        LOGV_notice = "'" + text + "' is no time such as 2015-03-01 10:20, and limits nothing.";
     return stamp;
 }
 
 } // namespace
 
-void LGW_FillTypes()
+void LOGV_FillTypes()
 {
     // Those that occur in the shown logs: of 256 there are seldom ten.
-    const int chosen = GetChoice(LOG_TYPE, LGW_ALL_BUT_JUNK);
+    const int chosen = GetChoice(LOG_TYPE, LOGV_ALL_BUT_JUNK);
     std::bitset<256> present;
-    for (const LGW_Side &side : LGW_sides)
+    for (const LOGV_Side &side : LOGV_sides)
         for (const LOGV_Row &row : side.log.rows)
             present[row.type] = true;
     ClearListCtrl(PANEL, LOG_TYPE);
-    InsertListItem(PANEL, LOG_TYPE, -1, "all types but junk", LGW_ALL_BUT_JUNK);
-    InsertListItem(PANEL, LOG_TYPE, -1, "all types", LGW_ALL);
-    int index = chosen == LGW_ALL ? 1 : 0, count = 2;
-    for (int type = 0; LGW_HasLog() && type < 256; type++) {
+    InsertListItem(PANEL, LOG_TYPE, -1, "all types but junk", LOGV_ALL_BUT_JUNK);
+    InsertListItem(PANEL, LOG_TYPE, -1, "all types", LOGV_ALL);
+    int index = chosen == LOGV_ALL ? 1 : 0, count = 2;
+    for (int type = 0; LOGV_HasLog() && type < 256; type++) {
         const auto at = static_cast<size_t>(type);
         if (!present[at])
             continue;
-        InsertListItem(PANEL, LOG_TYPE, -1, LGW_sides[0].log.typeNames[at], type);
+        InsertListItem(PANEL, LOG_TYPE, -1, LOGV_sides[0].log.typeNames[at], type);
         if (type == chosen)
             index = count;
         count++;
@@ -77,18 +77,18 @@ void LGW_FillTypes()
     SetCtrlIndex(PANEL, LOG_TYPE, index);
 }
 
-void LGW_ApplyFilter()
+void LOGV_ApplyFilter()
 {
-    LGW_notice.clear();
-    if (!LGW_HasLog()) {
-        LGW_ShowState();
+    LOGV_notice.clear();
+    if (!LOGV_HasLog()) {
+        LOGV_ShowState();
         return;
     }
     // Both sides by the same one: a comparison lists what is left of both.
     LOGV_Filter filter = LOGV_MakeFilter();
-    const int type = GetChoice(LOG_TYPE, LGW_ALL_BUT_JUNK);
+    const int type = GetChoice(LOG_TYPE, LOGV_ALL_BUT_JUNK);
     // The filter begins without junk. One type, or all of them, junk as well.
-    if (type != LGW_ALL_BUT_JUNK)
+    if (type != LOGV_ALL_BUT_JUNK)
         filter.hidden.reset();
     if (type >= 0) {
         filter.hidden.set();
@@ -97,88 +97,88 @@ void LGW_ApplyFilter()
     filter.text = GetText(LOG_FILTER);
     filter.from = GetBound(LOG_FROM, false, 0);
     filter.to = GetBound(LOG_TO, true, UINT32_MAX);
-    for (LGW_Side &side : LGW_sides)
+    for (LOGV_Side &side : LOGV_sides)
         if (side.view.log != nullptr)
             LOGV_SetFilter(&side.view, filter);
-    LGW_Refill();
+    LOGV_Refill();
 }
 
-void LGW_SortLines()
+void LOGV_SortLines()
 {
     // The first log only: two of them are listed in the order of time.
-    if (LGW_HasLog())
-        LOGV_Sort(&LGW_sides[0].view, static_cast<LOGV_Column>(GetChoice(LOG_SORT, LOGV_PLACE)),
+    if (LOGV_HasLog())
+        LOGV_Sort(&LOGV_sides[0].view, static_cast<LOGV_Column>(GetChoice(LOG_SORT, LOGV_PLACE)),
                   GetValue(LOG_DESCENDING) != 0);
 }
 
-void LGW_SortByKey(int column)
+void LOGV_SortByKey(int column)
 {
-    if (LGW_isComparing)
+    if (LOGV_isComparing)
         return;
     // Again the column that is sorted by: the other way round.
     const bool isAgain = GetChoice(LOG_SORT, LOGV_PLACE) == column;
     SetCtrlVal(PANEL, LOG_DESCENDING, isAgain && GetValue(LOG_DESCENDING) == 0 ? 1 : 0);
     SetCtrlIndex(PANEL, LOG_SORT, column);
-    LGW_SortLines();
-    LGW_Refill();
+    LOGV_SortLines();
+    LOGV_Refill();
 }
 
-bool LGW_IsLocalTime()
+bool LOGV_IsLocalTime()
 {
     return GetValue(LOG_LOCAL) != 0;
 }
 
-int LGW_FilterCB(int, int, int event, int)
+int LOGV_FilterCB(int, int, int event, int)
 {
     if (event == EVENT_VAL_CHANGED || event == EVENT_COMMIT)
-        LGW_ApplyFilter();
+        LOGV_ApplyFilter();
     return 0;
 }
 
-int LGW_SortCB(int, int, int event, int)
+int LOGV_SortCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
         return 0;
-    LGW_SortLines();
-    LGW_Refill();
+    LOGV_SortLines();
+    LOGV_Refill();
     return 0;
 }
 
-int LGW_LocalCB(int, int, int event, int)
+int LOGV_LocalCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
-    for (LGW_Side &side : LGW_sides)
-        side.view.isLocalTime = side.cells.isLocalTime = LGW_IsLocalTime();
-    LGW_ApplyFilter(); // what stands in From and To means other times now
+    for (LOGV_Side &side : LOGV_sides)
+        side.view.isLocalTime = side.cells.isLocalTime = LOGV_IsLocalTime();
+    LOGV_ApplyFilter(); // what stands in From and To means other times now
     return 0;
 }
 
-int LGW_JumpCB(int, int, int event, int)
+int LOGV_JumpCB(int, int, int event, int)
 {
     uint32_t stamp = 0;
-    if (event != EVENT_COMMIT || LGW_lines.empty())
+    if (event != EVENT_COMMIT || LOGV_lines.empty())
         return 0;
     const std::string text = GetText(LOG_JUMP);
-    LGW_notice.clear();
-    if (LGM_ParseTime(LGW_sides[0].view, text, false, &stamp) < 0) {
-        LGW_notice = "'" + text + "' is no time such as 2015-03-01 10:20.";
-        LGW_ShowState();
+    LOGV_notice.clear();
+    if (LOGV_ParseTime(LOGV_sides[0].view, text, false, &stamp) < 0) {
+        LOGV_notice = "'" + text + "' is no time such as 2015-03-01 10:20.";
+        LOGV_ShowState();
         return 0;
     }
     // The line with the earliest time not before the stamp; later than all: the nearest is the
     // last one. A comparison is in the order of time, a single log in any.
     size_t line = 0;
-    if (LGW_isComparing) {
-        const auto found = std::find_if(LGW_lines.begin(), LGW_lines.end(), [&](const LGW_Line &l) {
-            return LGW_GetRow(l).stamp >= stamp;
-        });
-        line = static_cast<size_t>(found - LGW_lines.begin());
-        line = std::min(line, LGW_lines.size() - 1);
+    if (LOGV_isComparing) {
+        const auto found =
+            std::find_if(LOGV_lines.begin(), LOGV_lines.end(),
+                         [&](const LOGV_Line &l) { return LOGV_GetSideRow(l).stamp >= stamp; });
+        line = static_cast<size_t>(found - LOGV_lines.begin());
+        line = std::min(line, LOGV_lines.size() - 1);
     } else {
-        line = static_cast<size_t>(std::max<int64_t>(LOGV_FindTime(LGW_sides[0].view, stamp), 0));
+        line = static_cast<size_t>(std::max<int64_t>(LOGV_FindTime(LOGV_sides[0].view, stamp), 0));
     }
-    LGW_ShowLine(line);
+    LOGV_ShowLine(line);
     SetActiveCtrl(PANEL, LOG_LIST);
     return 0;
 }

@@ -10,8 +10,8 @@
 #include "platform/child_process.h"
 #include "platform/system.h"
 
-struct CHD_Child {
-    CHP_Process *process = nullptr;
+struct PLT_Child {
+    PLT_Process *process = nullptr;
     void (*notify)() = nullptr;
     std::thread reader;
     std::mutex mutex; // guards what follows
@@ -24,12 +24,12 @@ struct CHD_Child {
 namespace {
 
 // True when lines wait where there were none: only then has anybody to be told.
-bool KeepLine(CHD_Child *child, const std::string &line)
+bool KeepLine(PLT_Child *child, const std::string &line)
 {
     const std::lock_guard<std::mutex> lock(child->mutex);
     child->lines.push_back(line);
     // A child that prints without end must not fill the memory.
-    if (child->lines.size() > CHD_LINES_MAX) {
+    if (child->lines.size() > PLT_CHILD_LINES_MAX) {
         child->lines.pop_front();
         child->lost++;
     }
@@ -37,14 +37,14 @@ bool KeepLine(CHD_Child *child, const std::string &line)
 }
 
 // The child's own thread: a child whose output nobody reads would stand still.
-void ReadLines(CHD_Child *child)
+void ReadLines(PLT_Child *child)
 {
     char bytes[4096];
     std::string line;
-    while (const size_t count = CHP_Read(child->process, bytes, sizeof bytes)) {
+    while (const size_t count = PLT_ReadProcess(child->process, bytes, sizeof bytes)) {
         for (size_t i = 0; i < count; i++) {
             const char c = bytes[i];
-            if (c != '\n' && c != '\r' && line.size() < CHD_LINE_LENGTH_MAX)
+            if (c != '\n' && c != '\r' && line.size() < PLT_CHILD_LINE_LENGTH_MAX)
                 line += c;
             if (c != '\n')
                 continue;
@@ -58,7 +58,7 @@ void ReadLines(CHD_Child *child)
     if (!line.empty())
         KeepLine(child, line);
     // It may have closed its output and work on: it has ended when the system says so.
-    CHP_WaitForEnd(child->process);
+    PLT_WaitForProcess(child->process);
     {
         const std::lock_guard<std::mutex> lock(child->mutex);
         child->hasEnded = true;
@@ -70,24 +70,24 @@ void ReadLines(CHD_Child *child)
 
 } // namespace
 
-std::string CHD_ProgramPath(const std::string &name)
+std::string PLT_FindOwnProgram(const std::string &name)
 {
-    return PLT_ProgramDir() + PLT_PathSeparator() + name + CHP_PROGRAM_ENDING;
+    return PLT_ProgramDir() + PLT_PathSeparator() + name + PLT_PROGRAM_ENDING;
 }
 
-CHD_Child *CHD_Start(const std::vector<std::string> &words, void (*notify)())
+PLT_Child *PLT_StartChild(const std::vector<std::string> &words, void (*notify)())
 {
-    CHP_Process *process = words.empty() ? nullptr : CHP_Spawn(words);
+    PLT_Process *process = words.empty() ? nullptr : PLT_SpawnProcess(words);
     if (process == nullptr)
         return nullptr;
-    auto *child = new CHD_Child;
+    auto *child = new PLT_Child;
     child->process = process;
     child->notify = notify;
     child->reader = std::thread(ReadLines, child);
     return child;
 }
 
-size_t CHD_TakeLines(CHD_Child *child, std::deque<std::string> *lines)
+size_t PLT_FetchChildLines(PLT_Child *child, std::deque<std::string> *lines)
 {
     const std::lock_guard<std::mutex> lock(child->mutex);
     lines->insert(lines->end(), child->lines.begin(), child->lines.end());
@@ -98,32 +98,32 @@ size_t CHD_TakeLines(CHD_Child *child, std::deque<std::string> *lines)
     return lost;
 }
 
-bool CHD_IsRunning(CHD_Child *child)
+bool PLT_IsChildRunning(PLT_Child *child)
 {
     const std::lock_guard<std::mutex> lock(child->mutex);
     return !child->hasEnded;
 }
 
-int CHD_SendLine(CHD_Child *child, const std::string &line)
+int PLT_SendLineToChild(PLT_Child *child, const std::string &line)
 {
     const std::string text = line + "\n";
-    return CHP_Write(child->process, text.data(), text.size());
+    return PLT_WriteProcess(child->process, text.data(), text.size());
 }
 
-void CHD_Stop(CHD_Child *child)
+void PLT_StopChild(PLT_Child *child)
 {
     // The end of its input asks it to end; one that does not listen is made to.
-    CHP_CloseInput(child->process);
+    PLT_CloseProcessInput(child->process);
     bool hasEnded = false;
     {
         std::unique_lock<std::mutex> lock(child->mutex);
-        hasEnded = child->ended.wait_for(lock, std::chrono::milliseconds(CHD_END_WAIT_MS),
+        hasEnded = child->ended.wait_for(lock, std::chrono::milliseconds(PLT_CHILD_END_WAIT_MS),
                                          [child] { return child->hasEnded; });
     }
     if (!hasEnded)
-        CHP_Kill(child->process);
+        PLT_KillProcess(child->process);
     // Only then is the process freed: the reader names it to the last.
     child->reader.join();
-    CHP_Free(child->process);
+    PLT_FreeProcess(child->process);
     delete child;
 }

@@ -8,25 +8,25 @@
 #include <string>
 #include <vector>
 
-struct CHD_Child;
+struct PLT_Child;
 
-constexpr size_t CHD_LINES_MAX = 2000;       // kept until they are taken; older ones are lost
-constexpr size_t CHD_LINE_LENGTH_MAX = 1000; // characters; the rest of a line is cut off
+constexpr size_t PLT_CHILD_LINES_MAX = 2000;       // kept until they are taken; older ones are lost
+constexpr size_t PLT_CHILD_LINE_LENGTH_MAX = 1000; // characters; the rest of a line is cut off
 
 // The path of a program that lies beside this one, by its name without an ending.
-std::string CHD_ProgramPath(const std::string &name);
+std::string PLT_FindOwnProgram(const std::string &name);
 // Starts a program with its arguments. `notify` is called on a thread of the child's own when
-// lines wait where there were none, and once when it has ended; never after CHD_Stop. Null
+// lines wait where there were none, and once when it has ended; never after PLT_StopChild. Null
 // when it cannot be started.
-CHD_Child *CHD_Start(const std::vector<std::string> &words, void (*notify)());
+PLT_Child *PLT_StartChild(const std::vector<std::string> &words, void (*notify)());
 // Moves the lines that wait to the end of *lines. How many were lost before them.
-size_t CHD_TakeLines(CHD_Child *child, std::deque<std::string> *lines);
-bool CHD_IsRunning(CHD_Child *child);
+size_t PLT_FetchChildLines(PLT_Child *child, std::deque<std::string> *lines);
+bool PLT_IsChildRunning(PLT_Child *child);
 // 0, or -1: it does not listen any more.
-int CHD_SendLine(CHD_Child *child, const std::string &line);
-// Ends its input, waits a bounded time for it to end (CHD_END_WAIT_MS), then makes it end.
+int PLT_SendLineToChild(PLT_Child *child, const std::string &line);
+// Ends its input, waits a bounded time for it to end (PLT_CHILD_END_WAIT_MS), then makes it end.
 // Frees the child.
-constexpr unsigned CHD_END_WAIT_MS = 3000;
-void CHD_Stop(CHD_Child *child);
+constexpr unsigned PLT_CHILD_END_WAIT_MS = 3000;
+void PLT_StopChild(PLT_Child *child);
 
 #endif

@@ -10,13 +10,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-struct CHP_Process {
+struct PLT_Process {
     pid_t id = -1;
     int input = -1; // a socket: writing to a program that has ended raises no signal
     int output = -1;
 };
 
-const char CHP_PROGRAM_ENDING[] = "";
+const char PLT_PROGRAM_ENDING[] = "";
 
 namespace {
 
@@ -62,7 +62,7 @@ int SpawnWith(const std::vector<std::string> &words, int input, int output, pid_
 
 } // namespace
 
-CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
+PLT_Process *PLT_SpawnProcess(const std::vector<std::string> &words)
 {
     int input[2] = {-1, -1}, output[2] = {-1, -1}; // ours first, as sockets have no direction
     pid_t id = -1;
@@ -76,14 +76,14 @@ CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
         CloseEnd(&output[0]);
         return nullptr;
     }
-    auto *process = new CHP_Process;
+    auto *process = new PLT_Process;
     process->id = id;
     process->input = input[0];
     process->output = output[0];
     return process;
 }
 
-size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity)
+size_t PLT_ReadProcess(PLT_Process *process, char *bytes, size_t capacity)
 {
     ssize_t count = 0;
     do
@@ -92,20 +92,20 @@ size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity)
     return count > 0 ? static_cast<size_t>(count) : 0;
 }
 
-int CHP_Write(CHP_Process *process, const char *bytes, size_t count)
+int PLT_WriteProcess(PLT_Process *process, const char *bytes, size_t count)
 {
     // A child that does not read its input has no claim on our time: half a line is a failure.
     const ssize_t done = send(process->input, bytes, count, MSG_NOSIGNAL | MSG_DONTWAIT);
     return done == static_cast<ssize_t>(count) ? 0 : -1;
 }
 
-void CHP_CloseInput(CHP_Process *process)
+void PLT_CloseProcessInput(PLT_Process *process)
 {
     CloseEnd(&process->input);
 }
 
-// It stays a zombie, and its number its own, until CHP_Free.
-void CHP_WaitForEnd(CHP_Process *process)
+// It stays a zombie, and its number its own, until PLT_FreeProcess.
+void PLT_WaitForProcess(PLT_Process *process)
 {
     siginfo_t info;
     while (waitid(P_PID, static_cast<id_t>(process->id), &info, WEXITED | WNOWAIT) < 0 &&
@@ -113,13 +113,13 @@ void CHP_WaitForEnd(CHP_Process *process)
     }
 }
 
-void CHP_Kill(CHP_Process *process)
+void PLT_KillProcess(PLT_Process *process)
 {
-    // Its number cannot have gone to another process: it stays its own until CHP_Free.
+    // Its number cannot have gone to another process: it stays its own until PLT_FreeProcess.
     kill(process->id, SIGKILL);
 }
 
-void CHP_Free(CHP_Process *process)
+void PLT_FreeProcess(PLT_Process *process)
 {
     while (waitpid(process->id, nullptr, 0) < 0 && errno == EINTR) {
     }

@@ -6,15 +6,19 @@
 #include <string>
 #include <vector>
 
-struct CHP_Process; // owns the process and this end of its pipes
+struct PLT_Process; // owns the process and this end of its pipes
 
-extern const char CHP_PROGRAM_ENDING[];                        // of a program's file name
-CHP_Process *CHP_Spawn(const std::vector<std::string> &words); // null when it cannot be started
-size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity);  // waits; 0 = it has closed
-int CHP_Write(CHP_Process *process, const char *bytes, size_t count); // never waits. 0, or -1
-void CHP_CloseInput(CHP_Process *process);
-void CHP_WaitForEnd(CHP_Process *process); // the process can still be named until CHP_Free
-void CHP_Kill(CHP_Process *process);       // one that has ended already: nothing
-void CHP_Free(CHP_Process *process);       // after CHP_WaitForEnd
+extern const char PLT_PROGRAM_ENDING[]; // of a program's file name
+PLT_Process *
+PLT_SpawnProcess(const std::vector<std::string> &words); // null when it cannot be started
+size_t PLT_ReadProcess(PLT_Process *process, char *bytes,
+                       size_t capacity); // waits; 0 = it has closed
+int PLT_WriteProcess(PLT_Process *process, const char *bytes,
+                     size_t count); // never waits. 0, or -1
+void PLT_CloseProcessInput(PLT_Process *process);
+void PLT_WaitForProcess(
+    PLT_Process *process);                  // the process can still be named until PLT_FreeProcess
+void PLT_KillProcess(PLT_Process *process); // one that has ended already: nothing
+void PLT_FreeProcess(PLT_Process *process); // after PLT_WaitForProcess
 
 #endif

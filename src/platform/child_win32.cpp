@@ -8,12 +8,12 @@
 
 #include "platform/utf8_win32.h"
 
-struct CHP_Process {
+struct PLT_Process {
     HANDLE process = nullptr;
     HANDLE input = nullptr, output = nullptr;
 };
 
-const char CHP_PROGRAM_ENDING[] = ".exe";
+const char PLT_PROGRAM_ENDING[] = ".exe";
 
 namespace {
 
@@ -36,10 +36,10 @@ bool OpenPipe(HANDLE *readEnd, HANDLE *writeEnd, HANDLE *const ours)
 
 } // namespace
 
-CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
+PLT_Process *PLT_SpawnProcess(const std::vector<std::string> &words)
 {
     HANDLE theirInput = nullptr, theirOutput = nullptr;
-    auto *made = new CHP_Process;
+    auto *made = new PLT_Process;
     PROCESS_INFORMATION process;
     bool isStarted = OpenPipe(&theirInput, &made->input, &made->input) &&
                      OpenPipe(&made->output, &theirOutput, &made->output);
@@ -61,7 +61,7 @@ CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
     CloseEnd(&theirInput);
     CloseEnd(&theirOutput);
     if (!isStarted) {
-        CHP_Free(made);
+        PLT_FreeProcess(made);
         return nullptr;
     }
     CloseHandle(process.hThread);
@@ -69,7 +69,7 @@ CHP_Process *CHP_Spawn(const std::vector<std::string> &words)
     return made;
 }
 
-size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity)
+size_t PLT_ReadProcess(PLT_Process *process, char *bytes, size_t capacity)
 {
     DWORD count = 0;
     return ReadFile(process->output, bytes, static_cast<DWORD>(capacity), &count, nullptr) ? count
@@ -77,7 +77,7 @@ size_t CHP_Read(CHP_Process *process, char *bytes, size_t capacity)
 }
 
 // The pipe holds more than all lines that are ever sent between two looks of the child.
-int CHP_Write(CHP_Process *process, const char *bytes, size_t count)
+int PLT_WriteProcess(PLT_Process *process, const char *bytes, size_t count)
 {
     DWORD done = 0;
     return process->input != nullptr &&
@@ -87,22 +87,22 @@ int CHP_Write(CHP_Process *process, const char *bytes, size_t count)
                : -1;
 }
 
-void CHP_CloseInput(CHP_Process *process)
+void PLT_CloseProcessInput(PLT_Process *process)
 {
     CloseEnd(&process->input);
 }
 
-void CHP_WaitForEnd(CHP_Process *process)
+void PLT_WaitForProcess(PLT_Process *process)
 {
     WaitForSingleObject(process->process, INFINITE);
 }
 
-void CHP_Kill(CHP_Process *process)
+void PLT_KillProcess(PLT_Process *process)
 {
     TerminateProcess(process->process, 1);
 }
 
-void CHP_Free(CHP_Process *process)
+void PLT_FreeProcess(PLT_Process *process)
 {
     for (HANDLE *handle : {&process->process, &process->input, &process->output})
         CloseEnd(handle);

@@ -12,30 +12,30 @@ constexpr size_t BLOCK_SIZE = 65536;
 
 } // namespace
 
-bool PLF_Exists(const std::string &path)
+bool PLT_FileExists(const std::string &path)
 {
     PLT_FileStamp stamp;
     return PLT_GetFileStamp(path, &stamp) == 0;
 }
 
-int PLF_Open(const std::string &path, int64_t sizeMax, std::FILE **file)
+int PLT_OpenForReading(const std::string &path, int64_t sizeMax, std::FILE **file)
 {
     int64_t size = 0;
-    const int result = path.empty() ? PLF_ERR_OPEN : PLT_OpenPlainFile(path, file, &size);
-    if (result == PLF_OK && size <= sizeMax)
-        return PLF_OK;
-    if (result == PLF_OK)
+    const int result = path.empty() ? PLT_FILE_ERR_OPEN : PLT_OpenPlainFile(path, file, &size);
+    if (result == PLT_FILE_OK && size <= sizeMax)
+        return PLT_FILE_OK;
+    if (result == PLT_FILE_OK)
         std::fclose(*file);
     *file = nullptr;
-    return result == PLF_OK ? PLF_ERR_LARGE : result;
+    return result == PLT_FILE_OK ? PLT_FILE_ERR_LARGE : result;
 }
 
-int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content)
+int PLT_ReadFile(const std::string &path, int64_t sizeMax, std::string *content)
 {
     content->clear();
     std::FILE *file = nullptr;
-    const int result = PLF_Open(path, sizeMax, &file);
-    if (result != PLF_OK)
+    const int result = PLT_OpenForReading(path, sizeMax, &file);
+    if (result != PLT_FILE_OK)
         return result;
     char block[BLOCK_SIZE];
     // By the bytes that come, not by the size of before: a file may grow under its reader.
@@ -49,27 +49,27 @@ int PLF_ReadAll(const std::string &path, int64_t sizeMax, std::string *content)
     // Half a file looks like a shorter one: nobody gets it.
     if (!isGood)
         content->clear();
-    return isGood ? PLF_OK : PLF_ERR_OPEN;
+    return isGood ? PLT_FILE_OK : PLT_FILE_ERR_OPEN;
 }
 
-const char *PLF_ErrorText(int result)
+const char *PLT_FileErrorText(int result)
 {
-    if (result == PLF_ERR_SPECIAL)
+    if (result == PLT_FILE_ERR_SPECIAL)
         return "is a folder, device or pipe";
-    return result == PLF_ERR_LARGE ? "is too large" : "cannot be opened";
+    return result == PLT_FILE_ERR_LARGE ? "is too large" : "cannot be opened";
 }
 
-const char *PLF_WhyUnreadable(const std::string &path)
+const char *PLT_WhyUnreadable(const std::string &path)
 {
     std::FILE *file = nullptr;
-    const int result = PLF_Open(path, PLF_SIZE_MAX, &file);
+    const int result = PLT_OpenForReading(path, PLT_FILE_SIZE_MAX, &file);
     if (file != nullptr)
         std::fclose(file);
     // It opens, and its reader has failed all the same.
-    return result == PLF_OK ? "cannot be read" : PLF_ErrorText(result);
+    return result == PLT_FILE_OK ? "cannot be read" : PLT_FileErrorText(result);
 }
 
-std::string PLF_FailureText(const std::string &path)
+std::string PLT_ReadFailureText(const std::string &path)
 {
     return "Could not read the file " + path + ".";
 }

@@ -7,27 +7,27 @@
 #include <string>
 #include <vector>
 
-constexpr int PTL_NUMBER_MAX = 256;
+constexpr int SER_NUMBER_MAX = 256;
 
-struct PTL_Port {
-    int number = 0;          // it has, or would get from PTL_Use; 0 = no number is left
+struct SER_PortEntry {
+    int number = 0;          // it has, or would get from SER_PortUse; 0 = no number is left
     std::string device;      // "/dev/ttyUSB0"
     std::string description; // "FT232R USB UART"; "" = unknown
 };
 
 // By number. A number that was given to a device that is not plugged in is not among them.
-std::vector<PTL_Port> PTL_List();
+std::vector<SER_PortEntry> SER_ListPorts();
 
 // The number that leads to a device, which is given one when it has none. 0, or:
 enum {
-    PTL_ERR_MISSING = -1, // there is no such device
-    PTL_ERR_WRITE = -2,   // the link cannot be written, or no number is left
+    SER_PORT_ERR_MISSING = -1, // there is no such device
+    SER_PORT_ERR_WRITE = -2,   // the link cannot be written, or no number is left
 };
-int PTL_Use(const std::string &device, int *number);
+int SER_PortUse(const std::string &device, int *number);
 
-// Gives the device this very number, whoever had it. 0 or PTL_ERR_WRITE; nothing is changed
-// then. Only where PTL_CanAssign: elsewhere the system numbers its ports.
-int PTL_Assign(const std::string &device, int number);
-bool PTL_CanAssign();
+// Gives the device this very number, whoever had it. 0 or SER_PORT_ERR_WRITE; nothing is changed
+// then. Only where SER_CanAssignPort: elsewhere the system numbers its ports.
+int SER_AssignPort(const std::string &device, int number);
+bool SER_CanAssignPort();
 
 #endif

@@ -50,7 +50,7 @@ bool IsHardware(const std::string &terminal)
 std::string Describe(const std::string &device)
 {
     if (TCP_IsAddress(device))
-        return RMP_DESCRIPTION;
+        return TCP_PORT_DESCRIPTION;
     const std::string name = device.substr(device.find_last_of('/') + 1);
     for (const char *place : {"/device/../product", "/device/../../product"}) {
         const std::string text = ReadLine(TERMINALS + name + place);
@@ -84,14 +84,14 @@ bool IsGiven(int number)
 {
     struct stat status;
     const char *device = std::getenv(("VIREO2_COM" + std::to_string(number)).c_str());
-    return (device != nullptr && *device != '\0') || !RMP_GetAddress(number).empty() ||
+    return (device != nullptr && *device != '\0') || !TCP_GetPortAddress(number).empty() ||
            lstat(LinkPath(number).c_str(), &status) == 0;
 }
 
 // The number that leads to a device (a real path); 0 when none does.
 int FindNumber(const std::string &real)
 {
-    for (int number = 1; number <= PTL_NUMBER_MAX; number++)
+    for (int number = 1; number <= SER_NUMBER_MAX; number++)
         if (RealPath(SER_DevicePath(number)) == real)
             return number;
     return 0;
@@ -108,15 +108,15 @@ bool IsFree(int number)
 // The first one from `first` on; 0 when all are used.
 int FindFree(int first)
 {
-    for (int number = first; number <= PTL_NUMBER_MAX; number++)
+    for (int number = first; number <= SER_NUMBER_MAX; number++)
         if (IsFree(number))
             return number;
     return 0;
 }
 
-PTL_Port MakePort(int number, const std::string &device)
+SER_PortEntry MakePort(int number, const std::string &device)
 {
-    PTL_Port port;
+    SER_PortEntry port;
     port.number = number;
     port.device = device;
     port.description = Describe(device);
@@ -136,12 +136,12 @@ bool WriteLink(int number, const std::string &device)
 
 } // namespace
 
-std::vector<PTL_Port> PTL_List()
+std::vector<SER_PortEntry> SER_ListPorts()
 {
-    std::vector<PTL_Port> ports;
+    std::vector<SER_PortEntry> ports;
     std::vector<std::string> known;
     // What the user has given a number comes first, under that number.
-    for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
+    for (int number = 1; number <= SER_NUMBER_MAX; number++) {
         const std::string path = IsGiven(number) ? SER_DevicePath(number) : "";
         const std::string real = TCP_IsAddress(path) ? path : RealPath(path);
         if (real.empty())
@@ -162,34 +162,34 @@ std::vector<PTL_Port> PTL_List()
             nextFree = FindFree(nextFree + 1);
     }
     std::sort(ports.begin(), ports.end(),
-              [](const PTL_Port &a, const PTL_Port &b) { return a.number < b.number; });
+              [](const SER_PortEntry &a, const SER_PortEntry &b) { return a.number < b.number; });
     return ports;
 }
 
-int PTL_Use(const std::string &device, int *number)
+int SER_PortUse(const std::string &device, int *number)
 {
     if (TCP_IsAddress(device))
-        return RMP_Use(device, IsFree, number);
+        return TCP_UsePort(device, IsFree, number);
     const std::string real = RealPath(device);
     if (real.empty())
-        return PTL_ERR_MISSING;
+        return SER_PORT_ERR_MISSING;
     *number = FindNumber(real);
     if (*number != 0)
         return 0;
     const int wanted = FindFree(1);
     // The path as given may be a name that stays with the adapter (by-id); keep it.
     if (wanted == 0 || !WriteLink(wanted, device[0] == '/' ? device : real))
-        return PTL_ERR_WRITE;
+        return SER_PORT_ERR_WRITE;
     *number = wanted;
     return 0;
 }
 
-int PTL_Assign(const std::string &device, int number)
+int SER_AssignPort(const std::string &device, int number)
 {
-    return WriteLink(number, device) ? 0 : PTL_ERR_WRITE;
+    return WriteLink(number, device) ? 0 : SER_PORT_ERR_WRITE;
 }
 
-bool PTL_CanAssign()
+bool SER_CanAssignPort()
 {
     return !PLT_ConfigDir().empty();
 }

@@ -54,25 +54,25 @@ bool IsFree(int number)
 
 } // namespace
 
-std::vector<PTL_Port> PTL_List()
+std::vector<SER_PortEntry> SER_ListPorts()
 {
     const std::map<std::string, std::string> names = ReadFriendlyNames();
-    std::vector<PTL_Port> ports;
-    for (int number = 1; number <= PTL_NUMBER_MAX; number++) {
+    std::vector<SER_PortEntry> ports;
+    for (int number = 1; number <= SER_NUMBER_MAX; number++) {
         char target[TEXT_MAX];
         const std::string name = "COM" + std::to_string(number);
         const std::string path = SER_DevicePath(number);
         if (TCP_IsAddress(path)) {
-            PTL_Port port;
+            SER_PortEntry port;
             port.number = number;
             port.device = path;
-            port.description = RMP_DESCRIPTION;
+            port.description = TCP_PORT_DESCRIPTION;
             ports.push_back(port);
             continue;
         }
         if (QueryDosDeviceA(name.c_str(), target, TEXT_MAX) == 0)
             continue;
-        PTL_Port port;
+        SER_PortEntry port;
         port.number = number;
         port.device = name;
         const auto friendly = names.find(name);
@@ -84,28 +84,28 @@ std::vector<PTL_Port> PTL_List()
 }
 
 // "COM7" or "\\.\COM7", or an address.
-int PTL_Use(const std::string &device, int *number)
+int SER_PortUse(const std::string &device, int *number)
 {
     if (TCP_IsAddress(device))
-        return RMP_Use(device, IsFree, number);
+        return TCP_UsePort(device, IsFree, number);
     const size_t name = device.find_first_not_of("\\.");
     const std::string text = name == std::string::npos ? "" : device.substr(name);
     if (text.size() < 4 || _strnicmp(text.c_str(), "COM", 3) != 0)
-        return PTL_ERR_MISSING;
+        return SER_PORT_ERR_MISSING;
     const int wanted = std::atoi(text.c_str() + 3);
-    if (wanted < 1 || wanted > PTL_NUMBER_MAX)
-        return PTL_ERR_MISSING;
+    if (wanted < 1 || wanted > SER_NUMBER_MAX)
+        return SER_PORT_ERR_MISSING;
     *number = wanted;
     return 0;
 }
 
 // The system's numbers are the program's.
-int PTL_Assign(const std::string &, int)
+int SER_AssignPort(const std::string &, int)
 {
-    return PTL_ERR_WRITE;
+    return SER_PORT_ERR_WRITE;
 }
 
-bool PTL_CanAssign()
+bool SER_CanAssignPort()
 {
     return false;
 }

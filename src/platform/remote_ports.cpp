@@ -31,7 +31,7 @@ std::string FilePath(int port)
 
 } // namespace
 
-std::string RMP_GetAddress(int port)
+std::string TCP_GetPortAddress(int port)
 {
     const auto found = lent.find(port);
     if (found != lent.end())
@@ -48,44 +48,44 @@ std::string RMP_GetAddress(int port)
     return TCP_IsAddress(address) ? address : "";
 }
 
-int RMP_SetAddress(int port, const std::string &address)
+int TCP_SetPortAddress(int port, const std::string &address)
 {
     // Taken away, or there was none; a number lent is no file and stays as it is.
     if (address.empty()) {
         (void)std::remove(FilePath(port).c_str());
-        return RMP_GetAddress(port).empty() ? 0 : -1;
+        return TCP_GetPortAddress(port).empty() ? 0 : -1;
     }
     SafeFile file;
     if (PLT_ConfigDir().empty() || PLT_MakeDirs(Folder()) != 0 ||
-        SAF_Open(&file, FilePath(port), "wb") != 0)
+        PLT_BeginSave(&file, FilePath(port), "wb") != 0)
         return -1;
-    SAF_PutText(file.file, address + "\n");
-    return SAF_Commit(&file);
+    PLT_SaveText(file.file, address + "\n");
+    return PLT_CommitSave(&file);
 }
 
-int RMP_Use(const std::string &address, bool (*isFree)(int port), int *number)
+int TCP_UsePort(const std::string &address, bool (*isFree)(int port), int *number)
 {
     int firstFree = 0;
-    for (int port = 1; port <= PTL_NUMBER_MAX; ++port) {
+    for (int port = 1; port <= SER_NUMBER_MAX; ++port) {
         if (SER_DevicePath(port) == address) {
             *number = port;
             return 0;
         }
-        if (firstFree == 0 && RMP_GetAddress(port).empty() && isFree(port))
+        if (firstFree == 0 && TCP_GetPortAddress(port).empty() && isFree(port))
             firstFree = port;
     }
-    if (firstFree == 0 || RMP_SetAddress(firstFree, address) != 0)
-        return PTL_ERR_WRITE;
+    if (firstFree == 0 || TCP_SetPortAddress(firstFree, address) != 0)
+        return SER_PORT_ERR_WRITE;
     *number = firstFree;
     return 0;
 }
 
-int RMP_Lend(const std::string &address)
+int TCP_LendPort(const std::string &address)
 {
     // From above, away from the numbers that systems give to their own ports.
     for (int port = LENT_MAX; port >= 1; --port) {
         const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
-        if ((given != nullptr && *given != '\0') || !RMP_GetAddress(port).empty())
+        if ((given != nullptr && *given != '\0') || !TCP_GetPortAddress(port).empty())
             continue;
         lent[port] = address;
         return port;
@@ -93,7 +93,7 @@ int RMP_Lend(const std::string &address)
     return 0;
 }
 
-void RMP_TakeBack(int port)
+void TCP_TakePortBack(int port)
 {
     lent.erase(port);
 }

@@ -19,7 +19,7 @@ constexpr size_t STEM_BYTES = 200;     // what stays of a name that is too long 
 constexpr int TRIES = 10;              // names that something else may have taken
 const char SUFFIX[] = ".tmp";
 
-SAF_Question mayReplace = nullptr;
+PLT_SaveQuestion mayReplace = nullptr;
 
 // Beginning of the temporary files' names for a file: its own name, or for a long one its
 // beginning and a check sum (FNV-1a) that keeps files apart which begin alike.
@@ -62,24 +62,24 @@ void RemoveStale(const fs::path &folder, const std::string &stem)
 
 } // namespace
 
-std::string SAF_FailureText(const std::string &path)
+std::string PLT_SaveFailureText(const std::string &path)
 {
     return "Could not write the file " + path + ".";
 }
 
-void SAF_SetQuestion(SAF_Question question)
+void PLT_SetSaveQuestion(PLT_SaveQuestion question)
 {
     mayReplace = question;
 }
 
-int SAF_Open(SafeFile *safe, const std::string &path, const char *mode)
+int PLT_BeginSave(SafeFile *safe, const std::string &path, const char *mode)
 {
     *safe = SafeFile();
     std::string real;
     if (path.empty() || PLT_ResolveFile(path, &real) != 0)
-        return SAF_ERR_OPEN;
+        return PLT_SAVE_ERR_OPEN;
     if (PLT_IsReadOnly(real) && (mayReplace == nullptr || !mayReplace(path)))
-        return SAF_ERR_READ_ONLY;
+        return PLT_SAVE_ERR_READ_ONLY;
     const fs::path target = fs::u8path(real);
     const std::string stem = StemOf(target.filename().u8string());
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
@@ -94,10 +94,10 @@ int SAF_Open(SafeFile *safe, const std::string &path, const char *mode)
         safe->tempPath = temp;
         return 0;
     }
-    return SAF_ERR_OPEN;
+    return PLT_SAVE_ERR_OPEN;
 }
 
-void SAF_PutText(std::FILE *file, const std::string &text)
+void PLT_SaveText(std::FILE *file, const std::string &text)
 {
     for (const char c : text) {
         if (c == '\n')
@@ -106,7 +106,7 @@ void SAF_PutText(std::FILE *file, const std::string &text)
     }
 }
 
-int SAF_Commit(SafeFile *safe)
+int PLT_CommitSave(SafeFile *safe)
 {
     if (safe->file == nullptr)
         return -1;
@@ -123,7 +123,7 @@ int SAF_Commit(SafeFile *safe)
     return isReplaced ? 0 : -1;
 }
 
-void SAF_Cancel(SafeFile *safe)
+void PLT_CancelSave(SafeFile *safe)
 {
     if (safe->file != nullptr) {
         std::fclose(safe->file);

@@ -13,24 +13,24 @@ struct SafeFile {
     std::string tempPath;      // name while being written
 };
 
-enum { SAF_ERR_OPEN = -1, SAF_ERR_READ_ONLY = -2 };
+enum { PLT_SAVE_ERR_OPEN = -1, PLT_SAVE_ERR_READ_ONLY = -2 };
 
-// Opens a new file beside `path` for binary writing ("wb"). 0, or SAF_ERR_OPEN, or
-// SAF_ERR_READ_ONLY: the file is write-protected and is to stay. Nothing is created then.
-int SAF_Open(SafeFile *safe, const std::string &path, const char *mode);
+// Opens a new file beside `path` for binary writing ("wb"). 0, or PLT_SAVE_ERR_OPEN, or
+// PLT_SAVE_ERR_READ_ONLY: the file is write-protected and is to stay. Nothing is created then.
+int PLT_BeginSave(SafeFile *safe, const std::string &path, const char *mode);
 // Writes text whose line feeds become CR LF, as text files have them on every system. A write
 // that fails shows at the commit.
-void SAF_PutText(std::FILE *file, const std::string &text);
+void PLT_SaveText(std::FILE *file, const std::string &text);
 // Flushes, closes and renames. 0, or -1: the old file is untouched and the new one removed.
-int SAF_Commit(SafeFile *safe);
+int PLT_CommitSave(SafeFile *safe);
 // "Could not write the file NAME.", for whoever tells the user that one of these failed.
-std::string SAF_FailureText(const std::string &path);
+std::string PLT_SaveFailureText(const std::string &path);
 // Gives up: the old file stays as it was.
-void SAF_Cancel(SafeFile *safe);
+void PLT_CancelSave(SafeFile *safe);
 
 // Who asks the user whether a write-protected file may be replaced; without one (null) it
 // never is. Set at start-up by whoever can show a question.
-typedef bool (*SAF_Question)(const std::string &path);
-void SAF_SetQuestion(SAF_Question question);
+typedef bool (*PLT_SaveQuestion)(const std::string &path);
+void PLT_SetSaveQuestion(PLT_SaveQuestion question);
 
 #endif

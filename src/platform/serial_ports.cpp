@@ -25,7 +25,7 @@ std::string SER_DevicePath(int port)
     const char *given = std::getenv(("VIREO2_COM" + std::to_string(port)).c_str());
     if (given != nullptr && *given != '\0')
         return given;
-    const std::string remote = RMP_GetAddress(port);
+    const std::string remote = TCP_GetPortAddress(port);
     return remote.empty() ? DEV_DevicePath(port) : remote;
 }
 

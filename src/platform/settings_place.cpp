@@ -19,7 +19,7 @@ bool CanWrite(const std::string &folder)
 
 } // namespace
 
-SPL_Place SPL_FindPlace(const std::string &name)
+PLT_SettingsPlace PLT_FindSettingsPlace(const std::string &name)
 {
     const std::string current = PLT_CurrentDir(); // "" when it was removed under the program
     const std::string beside = current.empty() ? name : current + PLT_PathSeparator() + name;
@@ -30,5 +30,5 @@ SPL_Place SPL_FindPlace(const std::string &name)
         return {beside, beside, false};
     // Until the user has settings of his own, those beside the program are where he begins.
     const std::string users = folder + PLT_PathSeparator() + name;
-    return {users, PLF_Exists(users) || !PLF_Exists(beside) ? users : beside, true};
+    return {users, PLT_FileExists(users) || !PLT_FileExists(beside) ? users : beside, true};
 }

@@ -6,7 +6,7 @@
 
 #include <string>
 
-struct SPL_Place {
+struct PLT_SettingsPlace {
     std::string write;  // path of the file at the program's end
     std::string read;   // the same, or the started-in folder's while the user has none of his own
     bool isUsersFolder; // then what the file names must be named by whole paths
@@ -14,6 +14,6 @@ struct SPL_Place {
 
 // The place of a settings file by its bare name. Tries to write, for permissions alone do not
 // tell; leaves nothing behind. With neither folder to be written, the first one is answered.
-SPL_Place SPL_FindPlace(const std::string &name);
+PLT_SettingsPlace PLT_FindSettingsPlace(const std::string &name);
 
 #endif

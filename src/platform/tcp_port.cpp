@@ -19,7 +19,7 @@ constexpr long NUMBER_MAX = 65535; // of a TCP port
 const char SCHEME[] = "tcp:";
 
 struct Port {
-    SCK_Handle socket = SCK_INVALID;
+    TCP_Socket socket = TCP_NO_SOCKET;
     unsigned readTotalMs = 0, writeTotalMs = 0;
 };
 Port ports[PORTS_MAX];
@@ -29,7 +29,7 @@ SER_Why lastReason = SER_WHY_OTHER;
 Port *FindPort(SER_Handle handle)
 {
     const SER_Handle slot = SER_INVALID - 1 - handle;
-    if (slot < 0 || slot >= PORTS_MAX || ports[slot].socket == SCK_INVALID)
+    if (slot < 0 || slot >= PORTS_MAX || ports[slot].socket == TCP_NO_SOCKET)
         return nullptr;
     return &ports[slot];
 }
@@ -40,14 +40,14 @@ struct Resolving {
     std::mutex lock;
     std::condition_variable done;
     bool isDone = false;
-    std::vector<SCK_Address> addresses;
+    std::vector<TCP_SocketAddress> addresses;
 };
 
-std::vector<SCK_Address> Resolve(const std::string &host, const std::string &port)
+std::vector<TCP_SocketAddress> Resolve(const std::string &host, const std::string &port)
 {
     const auto state = std::make_shared<Resolving>();
     std::thread([state, host, port] {
-        std::vector<SCK_Address> found = SCK_Resolve(host, port);
+        std::vector<TCP_SocketAddress> found = TCP_ResolveHost(host, port);
         const std::lock_guard<std::mutex> guard(state->lock);
         state->addresses = std::move(found);
         state->isDone = true;
@@ -60,23 +60,23 @@ std::vector<SCK_Address> Resolve(const std::string &host, const std::string &por
 }
 
 // A host has several addresses; all of them together get the time of one.
-SCK_Handle Connect(const std::vector<SCK_Address> &addresses)
+TCP_Socket Connect(const std::vector<TCP_SocketAddress> &addresses)
 {
     const uint64_t deadline = PLT_DeadlineUs(TCP_CONNECT_MS);
     lastReason = addresses.empty() ? SER_WHY_HOST : SER_WHY_SILENT;
-    for (const SCK_Address &address : addresses) {
-        const SCK_Handle socket = SCK_Connect(address);
-        if (socket == SCK_INVALID)
+    for (const TCP_SocketAddress &address : addresses) {
+        const TCP_Socket socket = TCP_ConnectSocket(address);
+        if (socket == TCP_NO_SOCKET)
             continue;
-        if (SCK_Wait(socket, true, static_cast<unsigned>(PLT_LeftMs(deadline))) == 1) {
-            const SER_Why why = SCK_GetConnectResult(socket);
+        if (TCP_WaitForSocket(socket, true, static_cast<unsigned>(PLT_LeftMs(deadline))) == 1) {
+            const SER_Why why = TCP_GetConnectResult(socket);
             if (why == SER_WHY_NONE)
                 return socket;
             lastReason = why; // of several addresses the last one's is told
         }
-        SCK_Close(socket);
+        TCP_CloseSocket(socket);
     }
-    return SCK_INVALID;
+    return TCP_NO_SOCKET;
 }
 
 } // namespace
@@ -113,14 +113,14 @@ int TCP_Open(const std::string &address, SER_Handle *handle)
     *handle = SER_INVALID;
     lastReason = SER_WHY_OTHER;
     int slot = 0;
-    while (slot < PORTS_MAX && ports[slot].socket != SCK_INVALID)
+    while (slot < PORTS_MAX && ports[slot].socket != TCP_NO_SOCKET)
         ++slot;
     std::string host, port;
     if (slot == PORTS_MAX || !TCP_ParseAddress(address, &host, &port))
         return SER_ERR_OPEN;
     // At most twice TCP_CONNECT_MS: once for the name, once for the host.
-    const SCK_Handle socket = Connect(Resolve(host, port));
-    if (socket == SCK_INVALID)
+    const TCP_Socket socket = Connect(Resolve(host, port));
+    if (socket == TCP_NO_SOCKET)
         return SER_ERR_OPEN;
     ports[slot] = Port();
     ports[slot].socket = socket;
@@ -158,12 +158,12 @@ int TCP_Write(SER_Handle handle, const void *bytes, size_t count)
     const char *data = static_cast<const char *>(bytes);
     size_t done = 0;
     while (done < count) {
-        const int sent = SCK_Send(port->socket, data + done, count - done);
+        const int sent = TCP_Send(port->socket, data + done, count - done);
         if (sent < 0)
             return SER_ERR_IO;
         done += static_cast<size_t>(sent);
         const auto left = static_cast<unsigned>(PLT_LeftMs(deadline));
-        if (sent == 0 && (left == 0 || SCK_Wait(port->socket, true, left) < 0))
+        if (sent == 0 && (left == 0 || TCP_WaitForSocket(port->socket, true, left) < 0))
             break;
     }
     return static_cast<int>(done);
@@ -178,13 +178,13 @@ int TCP_Read(SER_Handle handle, void *buffer, size_t count)
     char *data = static_cast<char *>(buffer);
     size_t done = 0;
     while (done < count) {
-        const int got = SCK_Receive(port->socket, data + done, count - done);
+        const int got = TCP_Receive(port->socket, data + done, count - done);
         // What came before the end is delivered first; the next call finds the end again.
         if (got < 0)
             return done > 0 ? static_cast<int>(done) : SER_ERR_IO;
         done += static_cast<size_t>(got);
         const auto left = static_cast<unsigned>(PLT_LeftMs(deadline));
-        if (got == 0 && (left == 0 || SCK_Wait(port->socket, false, left) <= 0))
+        if (got == 0 && (left == 0 || TCP_WaitForSocket(port->socket, false, left) <= 0))
             break;
     }
     return static_cast<int>(done);
@@ -198,16 +198,16 @@ int TCP_ReadSome(SER_Handle handle, void *buffer, size_t capacity, unsigned wait
     if (capacity == 0)
         return 0;
     // What has come already costs one call.
-    int got = SCK_Receive(port->socket, buffer, capacity);
-    if (got == 0 && waitMs > 0 && SCK_Wait(port->socket, false, waitMs) > 0)
-        got = SCK_Receive(port->socket, buffer, capacity);
+    int got = TCP_Receive(port->socket, buffer, capacity);
+    if (got == 0 && waitMs > 0 && TCP_WaitForSocket(port->socket, false, waitMs) > 0)
+        got = TCP_Receive(port->socket, buffer, capacity);
     return got < 0 ? SER_ERR_IO : got;
 }
 
 int TCP_BytesWaiting(SER_Handle handle)
 {
     const Port *port = FindPort(handle);
-    const int waiting = port != nullptr ? SCK_Waiting(port->socket) : -1;
+    const int waiting = port != nullptr ? TCP_CountWaiting(port->socket) : -1;
     return waiting < 0 ? SER_ERR_IO : waiting;
 }
 
@@ -220,7 +220,7 @@ int TCP_DropInput(SER_Handle handle)
     char chunk[DROP_CHUNK];
     int got = 1;
     for (size_t dropped = 0; got > 0 && dropped < DROP_BYTES_MAX; dropped += sizeof chunk)
-        got = SCK_Receive(port->socket, chunk, sizeof chunk);
+        got = TCP_Receive(port->socket, chunk, sizeof chunk);
     return got < 0 ? SER_ERR_IO : SER_OK;
 }
 
@@ -229,6 +229,6 @@ void TCP_Close(SER_Handle handle)
     Port *port = FindPort(handle);
     if (port == nullptr)
         return;
-    SCK_Close(port->socket);
+    TCP_CloseSocket(port->socket);
     *port = Port();
 }

@@ -1,4 +1,5 @@
-// Sockets that never block: a call that would wait answers 0 here, and the waiting is SCK_Wait's.
+// Sockets that never block: a call that would wait answers 0 here, and the waiting is
+// TCP_WaitForSocket's.
 #include "platform/tcp_socket.h"
 
 #include "platform/deadline.h"
@@ -45,9 +46,9 @@ bool IsPassing(int error)
 
 } // namespace
 
-std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string &port)
+std::vector<TCP_SocketAddress> TCP_ResolveHost(const std::string &host, const std::string &port)
 {
-    std::vector<SCK_Address> addresses;
+    std::vector<TCP_SocketAddress> addresses;
     addrinfo hints;
     std::memset(&hints, 0, sizeof hints);
     hints.ai_socktype = SOCK_STREAM;
@@ -63,27 +64,27 @@ std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string 
     return addresses;
 }
 
-SCK_Handle SCK_Connect(const SCK_Address &address)
+TCP_Socket TCP_ConnectSocket(const TCP_SocketAddress &address)
 {
     const int fd = socket(address.family, SOCK_STREAM | SOCK_NONBLOCK | SOCK_CLOEXEC, 0);
     if (fd < 0)
-        return SCK_INVALID;
+        return TCP_NO_SOCKET;
     // Requests are short and wait for their answer: none is held back to be sent with the next.
     // Keeping alive shows a dead network after a while.
     const int on = 1;
     (void)setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     (void)setsockopt(fd, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
-    // A refusal that comes at once is told by SCK_GetConnectResult, like one that comes later.
+    // A refusal that comes at once is told by TCP_GetConnectResult, like one that comes later.
     const auto *name = reinterpret_cast<const sockaddr *>(address.bytes.data());
     if (connect(fd, name, static_cast<socklen_t>(address.bytes.size())) != 0 &&
         errno != EINPROGRESS && errno != ECONNREFUSED) {
         close(fd);
-        return SCK_INVALID;
+        return TCP_NO_SOCKET;
     }
     return fd;
 }
 
-SER_Why SCK_GetConnectResult(SCK_Handle handle)
+SER_Why TCP_GetConnectResult(TCP_Socket handle)
 {
     int error = 0;
     socklen_t size = sizeof error;
@@ -93,7 +94,7 @@ SER_Why SCK_GetConnectResult(SCK_Handle handle)
     return WhyNotConnected(error);
 }
 
-int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
+int TCP_WaitForSocket(TCP_Socket handle, bool isToWrite, unsigned waitMs)
 {
     const uint64_t deadline = PLT_DeadlineUs(waitMs);
     pollfd item = {static_cast<int>(handle), static_cast<short>(isToWrite ? POLLOUT : POLLIN), 0};
@@ -107,7 +108,7 @@ int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
     return result;
 }
 
-int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
+int TCP_Receive(TCP_Socket handle, void *buffer, size_t capacity)
 {
     const ssize_t got = recv(static_cast<int>(handle), buffer, capacity, 0);
     if (got > 0)
@@ -116,7 +117,7 @@ int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
     return got < 0 && IsPassing(errno) ? 0 : -1;
 }
 
-int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
+int TCP_Send(TCP_Socket handle, const void *bytes, size_t count)
 {
     // Without the flag a connection that has gone would end the program by a signal.
     const ssize_t sent = send(static_cast<int>(handle), bytes, count, MSG_NOSIGNAL);
@@ -125,7 +126,7 @@ int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
     return IsPassing(errno) ? 0 : -1;
 }
 
-int SCK_Waiting(SCK_Handle handle)
+int TCP_CountWaiting(TCP_Socket handle)
 {
     int waiting = 0;
     if (ioctl(static_cast<int>(handle), FIONREAD, &waiting) != 0)
@@ -140,7 +141,7 @@ int SCK_Waiting(SCK_Handle handle)
     return got < 0 && IsPassing(errno) ? 0 : -1;
 }
 
-void SCK_Close(SCK_Handle handle)
+void TCP_CloseSocket(TCP_Socket handle)
 {
     close(static_cast<int>(handle));
 }

@@ -1,4 +1,5 @@
-// Sockets that never block: a call that would wait answers 0 here, and the waiting is SCK_Wait's.
+// Sockets that never block: a call that would wait answers 0 here, and the waiting is
+// TCP_WaitForSocket's.
 #include "platform/tcp_socket.h"
 
 #include <winsock2.h>
@@ -20,7 +21,7 @@ bool StartLibrary()
     return isStarted;
 }
 
-SOCKET ToSocket(SCK_Handle handle)
+SOCKET ToSocket(TCP_Socket handle)
 {
     return static_cast<SOCKET>(handle);
 }
@@ -52,9 +53,9 @@ int Limited(size_t count)
 
 } // namespace
 
-std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string &port)
+std::vector<TCP_SocketAddress> TCP_ResolveHost(const std::string &host, const std::string &port)
 {
-    std::vector<SCK_Address> addresses;
+    std::vector<TCP_SocketAddress> addresses;
     addrinfo hints;
     std::memset(&hints, 0, sizeof hints);
     hints.ai_socktype = SOCK_STREAM;
@@ -70,13 +71,13 @@ std::vector<SCK_Address> SCK_Resolve(const std::string &host, const std::string 
     return addresses;
 }
 
-SCK_Handle SCK_Connect(const SCK_Address &address)
+TCP_Socket TCP_ConnectSocket(const TCP_SocketAddress &address)
 {
     if (!StartLibrary())
-        return SCK_INVALID;
+        return TCP_NO_SOCKET;
     const SOCKET handle = socket(address.family, SOCK_STREAM, IPPROTO_TCP);
     if (handle == INVALID_SOCKET)
-        return SCK_INVALID;
+        return TCP_NO_SOCKET;
     u_long isNonBlocking = 1; // before connecting, which would wait otherwise
     // Requests are short and wait for their answer: none is held back to be sent with the next.
     // Keeping alive shows a dead network after a while.
@@ -89,12 +90,12 @@ SCK_Handle SCK_Connect(const SCK_Address &address)
         (connect(handle, name, static_cast<int>(address.bytes.size())) != 0 &&
          WSAGetLastError() != WSAEWOULDBLOCK)) {
         closesocket(handle);
-        return SCK_INVALID;
+        return TCP_NO_SOCKET;
     }
-    return static_cast<SCK_Handle>(handle);
+    return static_cast<TCP_Socket>(handle);
 }
 
-SER_Why SCK_GetConnectResult(SCK_Handle handle)
+SER_Why TCP_GetConnectResult(TCP_Socket handle)
 {
     int error = 0, size = sizeof error;
     // Asking clears it: the reason is told once.
@@ -104,7 +105,7 @@ SER_Why SCK_GetConnectResult(SCK_Handle handle)
     return WhyNotConnected(error);
 }
 
-int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
+int TCP_WaitForSocket(TCP_Socket handle, bool isToWrite, unsigned waitMs)
 {
     // A connection that fails is told apart as an exception here, and nowhere else.
     fd_set wanted, failed;
@@ -120,7 +121,7 @@ int SCK_Wait(SCK_Handle handle, bool isToWrite, unsigned waitMs)
     return result > 0 ? 1 : result;
 }
 
-int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
+int TCP_Receive(TCP_Socket handle, void *buffer, size_t capacity)
 {
     const int got = recv(ToSocket(handle), static_cast<char *>(buffer), Limited(capacity), 0);
     if (got > 0)
@@ -129,7 +130,7 @@ int SCK_Receive(SCK_Handle handle, void *buffer, size_t capacity)
     return got < 0 && WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
 }
 
-int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
+int TCP_Send(TCP_Socket handle, const void *bytes, size_t count)
 {
     const int sent = send(ToSocket(handle), static_cast<const char *>(bytes), Limited(count), 0);
     if (sent >= 0)
@@ -137,7 +138,7 @@ int SCK_Send(SCK_Handle handle, const void *bytes, size_t count)
     return WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
 }
 
-int SCK_Waiting(SCK_Handle handle)
+int TCP_CountWaiting(TCP_Socket handle)
 {
     u_long waiting = 0;
     if (ioctlsocket(ToSocket(handle), FIONREAD, &waiting) != 0)
@@ -152,7 +153,7 @@ int SCK_Waiting(SCK_Handle handle)
     return got < 0 && WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
 }
 
-void SCK_Close(SCK_Handle handle)
+void TCP_CloseSocket(TCP_Socket handle)
 {
     closesocket(ToSocket(handle));
 }

@@ -22,7 +22,7 @@ void AddUtf8(std::string *text, char32_t code)
     *text += static_cast<char>(0x80 | (code & 0x3F));
 }
 
-// Of texts made by LCT_Format: characters of at most three bytes.
+// Of texts made by UI_FormatLcd: characters of at most three bytes.
 char32_t NextCode(const std::string &text, size_t *at)
 {
     const auto first = static_cast<uint8_t>(text[(*at)++]);
@@ -33,7 +33,7 @@ char32_t NextCode(const std::string &text, size_t *at)
     return code;
 }
 
-void ParseRest(const std::string &text, LCT_Picture *picture)
+void ParseRest(const std::string &text, UI_LcdPicture *picture)
 {
     int light = 0, length = 0;
     if (std::sscanf(text.c_str(), "%d %d %d %d %n", &picture->cursorRow, &picture->cursorColumn,
@@ -51,7 +51,7 @@ void ParseRest(const std::string &text, LCT_Picture *picture)
 
 } // namespace
 
-std::string LCT_Format(const LCT_Picture &picture)
+std::string UI_FormatLcd(const UI_LcdPicture &picture)
 {
     std::string text;
     for (const std::u32string &row : picture.rows) {
@@ -69,9 +69,9 @@ std::string LCT_Format(const LCT_Picture &picture)
     return text;
 }
 
-LCT_Picture LCT_Parse(const std::string &text)
+UI_LcdPicture UI_ParseLcd(const std::string &text)
 {
-    LCT_Picture picture;
+    UI_LcdPicture picture;
     std::u32string row;
     size_t at = 0;
     while (at < text.size() && text[at] != MARK) {

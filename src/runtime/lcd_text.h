@@ -9,22 +9,22 @@
 #include <string>
 #include <vector>
 
-enum LCT_Cursor { LCT_NO_CURSOR, LCT_UNDERLINE, LCT_BLINKING };
+enum UI_LcdCursor { UI_LCD_NO_CURSOR, UI_LCD_CURSOR_UNDERLINE, UI_LCD_CURSOR_BLINKING };
 
-constexpr int LCT_GLYPH_LINES = 8, LCT_GLYPH_COLUMNS = 5;
-constexpr char32_t LCT_GLYPH = 0xE000; // and seven more: the display's own characters
+constexpr int UI_LCD_GLYPH_LINES = 8, UI_LCD_GLYPH_COLUMNS = 5;
+constexpr char32_t UI_LCD_GLYPH = 0xE000; // and seven more: the display's own characters
 
-struct LCT_Picture {
+struct UI_LcdPicture {
     std::vector<std::u32string> rows; // of one length
     int cursorRow = 0, cursorColumn = 0;
-    int cursor = LCT_NO_CURSOR;
+    int cursor = UI_LCD_NO_CURSOR;
     bool isLit = false;
     // Eight characters of eight lines, the lowest five bits of each from right to left.
     std::array<uint8_t, 64> glyphs = {};
 };
 
-std::string LCT_Format(const LCT_Picture &picture);
-// The way back. What the text does not say is as in a new LCT_Picture.
-LCT_Picture LCT_Parse(const std::string &text);
+std::string UI_FormatLcd(const UI_LcdPicture &picture);
+// The way back. What the text does not say is as in a new UI_LcdPicture.
+UI_LcdPicture UI_ParseLcd(const std::string &text);
 
 #endif

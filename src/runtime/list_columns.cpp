@@ -23,9 +23,9 @@ bool ParseEscape(const std::string &label, size_t at, int *pixels, size_t *lengt
 
 } // namespace
 
-std::vector<UIC_Column> UIC_SplitColumns(const std::string &label)
+std::vector<UI_LabelColumn> UI_SplitColumns(const std::string &label)
 {
-    std::vector<UIC_Column> columns(1);
+    std::vector<UI_LabelColumn> columns(1);
     size_t at = 0;
     while (at < label.size()) {
         int pixels = 0;
@@ -40,9 +40,9 @@ std::vector<UIC_Column> UIC_SplitColumns(const std::string &label)
     return columns;
 }
 
-std::string UIC_JoinColumns(const std::string &label, const char *separator)
+std::string UI_JoinColumns(const std::string &label, const char *separator)
 {
-    const std::vector<UIC_Column> columns = UIC_SplitColumns(label);
+    const std::vector<UI_LabelColumn> columns = UI_SplitColumns(label);
     std::string text = columns.front().text;
     for (size_t i = 1; i < columns.size(); i++)
         text += separator + columns[i].text;

@@ -6,15 +6,15 @@
 #include <string>
 #include <vector>
 
-struct UIC_Column {
+struct UI_LabelColumn {
     int left = 0; // pixels from the left edge of the list
     std::string text;
 };
 
 // At least one column; the first starts at pixel 0. An escape that is not of this
 // form stays in the text.
-std::vector<UIC_Column> UIC_SplitColumns(const std::string &label);
+std::vector<UI_LabelColumn> UI_SplitColumns(const std::string &label);
 // The columns joined with `separator`.
-std::string UIC_JoinColumns(const std::string &label, const char *separator);
+std::string UI_JoinColumns(const std::string &label, const char *separator);
 
 #endif

@@ -14,18 +14,18 @@ void Widen(const std::vector<double> &values, size_t begin, size_t end, double *
 }
 
 // Whole blocks from the table, the rest sample by sample.
-void FindExtremes(const PTH_Curve &curve, size_t begin, size_t end, double *low, double *high)
+void FindExtremes(const PLOT_ThinCurve &curve, size_t begin, size_t end, double *low, double *high)
 {
     *low = INFINITY;
     *high = -INFINITY;
-    const size_t firstBlock = (begin + PTH_BLOCK_SAMPLES - 1) / PTH_BLOCK_SAMPLES;
-    const size_t endBlock = end / PTH_BLOCK_SAMPLES;
+    const size_t firstBlock = (begin + PLOT_BLOCK_SAMPLES - 1) / PLOT_BLOCK_SAMPLES;
+    const size_t endBlock = end / PLOT_BLOCK_SAMPLES;
     if (firstBlock >= endBlock) {
         Widen(*curve.y, begin, end, low, high);
         return;
     }
-    Widen(*curve.y, begin, firstBlock * PTH_BLOCK_SAMPLES, low, high);
-    Widen(*curve.y, endBlock * PTH_BLOCK_SAMPLES, end, low, high);
+    Widen(*curve.y, begin, firstBlock * PLOT_BLOCK_SAMPLES, low, high);
+    Widen(*curve.y, endBlock * PLOT_BLOCK_SAMPLES, end, low, high);
     for (size_t block = firstBlock; block < endBlock; block++) {
         *low = std::min(*low, curve.low[block]);
         *high = std::max(*high, curve.high[block]);
@@ -34,23 +34,24 @@ void FindExtremes(const PTH_Curve &curve, size_t begin, size_t end, double *low,
 
 } // namespace
 
-PTH_Curve PTH_Make(const UI_Samples &x, const UI_Samples &y)
+PLOT_ThinCurve PLOT_MakeThinCurve(const UI_Samples &x, const UI_Samples &y)
 {
-    PTH_Curve curve;
+    PLOT_ThinCurve curve;
     curve.x = x;
     curve.y = y;
-    const size_t blocks = (y->size() + PTH_BLOCK_SAMPLES - 1) / PTH_BLOCK_SAMPLES;
+    const size_t blocks = (y->size() + PLOT_BLOCK_SAMPLES - 1) / PLOT_BLOCK_SAMPLES;
     curve.low.assign(blocks, INFINITY);
     curve.high.assign(blocks, -INFINITY);
     for (size_t block = 0; block < blocks; block++) {
-        const size_t begin = block * PTH_BLOCK_SAMPLES;
-        Widen(*y, begin, std::min(y->size(), begin + PTH_BLOCK_SAMPLES), &curve.low[block],
+        const size_t begin = block * PLOT_BLOCK_SAMPLES;
+        Widen(*y, begin, std::min(y->size(), begin + PLOT_BLOCK_SAMPLES), &curve.low[block],
               &curve.high[block]);
     }
     return curve;
 }
 
-void PTH_Find(const PTH_Curve &curve, double xMin, double xMax, size_t *first, size_t *end)
+void PLOT_FindSample(const PLOT_ThinCurve &curve, double xMin, double xMax, size_t *first,
+                     size_t *end)
 {
     const std::vector<double> &x = *curve.x;
     const auto begin = std::lower_bound(x.begin(), x.end(), xMin);
@@ -59,8 +60,8 @@ void PTH_Find(const PTH_Curve &curve, double xMin, double xMax, size_t *first, s
     *end = static_cast<size_t>(behind - x.begin()) + (behind == x.end() ? 0 : 1);
 }
 
-void PTH_Thin(const PTH_Curve &curve, double xMin, double xMax, int pixels,
-              std::vector<PTH_Column> *columns)
+void PLOT_ThinOut(const PLOT_ThinCurve &curve, double xMin, double xMax, int pixels,
+                  std::vector<PLOT_Column> *columns)
 {
     columns->clear();
     const std::vector<double> &x = *curve.x;
@@ -74,7 +75,7 @@ void PTH_Thin(const PTH_Curve &curve, double xMin, double xMax, int pixels,
             continue;
         const auto from = static_cast<size_t>(begin - x.begin());
         const auto to = static_cast<size_t>(end - x.begin());
-        PTH_Column column;
+        PLOT_Column column;
         column.pixel = pixel;
         column.first = (*curve.y)[from];
         column.last = (*curve.y)[to - 1];

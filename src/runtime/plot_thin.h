@@ -6,26 +6,27 @@
 
 #include "runtime/userint.h"
 
-constexpr size_t PTH_BLOCK_SAMPLES = 32;
+constexpr size_t PLOT_BLOCK_SAMPLES = 32;
 
-struct PTH_Curve {
+struct PLOT_ThinCurve {
     UI_Samples x, y;
     std::vector<double> low, high; // of each block; low > high where all are gaps
 };
 
 // What one column of pixels shows; a column without samples is left out.
-struct PTH_Column {
+struct PLOT_Column {
     int pixel = 0;
     double low = 0, high = 0;   // of the samples in it
     double first = 0, last = 0; // NaN at a gap: the line breaks there
 };
 
-PTH_Curve PTH_Make(const UI_Samples &x, const UI_Samples &y);
+PLOT_ThinCurve PLOT_MakeThinCurve(const UI_Samples &x, const UI_Samples &y);
 // Samples with xMin <= x <= xMax as first and end, and one more on each side where there is
 // one: the line to it is in view.
-void PTH_Find(const PTH_Curve &curve, double xMin, double xMax, size_t *first, size_t *end);
+void PLOT_FindSample(const PLOT_ThinCurve &curve, double xMin, double xMax, size_t *first,
+                     size_t *end);
 // By rising pixel from 0 to pixels - 1; a column of gaps alone has low > high.
-void PTH_Thin(const PTH_Curve &curve, double xMin, double xMax, int pixels,
-              std::vector<PTH_Column> *columns);
+void PLOT_ThinOut(const PLOT_ThinCurve &curve, double xMin, double xMax, int pixels,
+                  std::vector<PLOT_Column> *columns);
 
 #endif

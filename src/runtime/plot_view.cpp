@@ -79,22 +79,22 @@ Extent HeightsBetween(const UI_Plot &plot, const UI_Limits &x)
 
 bool IsSeen(const UI_Plot &plot, const UI_GraphView &view)
 {
-    return !plot.x->empty() && !PLV_IsHidden(view, plot.handle);
+    return !plot.x->empty() && !PLOT_IsHidden(view, plot.handle);
 }
 
 } // namespace
 
-int PLV_PaneOf(const UI_GraphView &view, int pane)
+int PLOT_PaneOf(const UI_GraphView &view, int pane)
 {
     return view.layout == GRAPH_TOGETHER ? 0 : std::clamp(pane, 0, GRAPH_PANES_MAX - 1);
 }
 
-bool PLV_IsHidden(const UI_GraphView &view, int handle)
+bool PLOT_IsHidden(const UI_GraphView &view, int handle)
 {
     return std::find(view.hidden.begin(), view.hidden.end(), handle) != view.hidden.end();
 }
 
-bool PLV_IsGood(const UI_GraphView &view)
+bool PLOT_IsGoodSample(const UI_GraphView &view)
 {
     const auto isGood = [](const UI_Limits &limits) {
         return std::isfinite(limits.min) && std::isfinite(limits.max) && limits.min < limits.max;
@@ -103,13 +103,13 @@ bool PLV_IsGood(const UI_GraphView &view)
            (view.isYFitted || std::all_of(std::begin(view.y), std::end(view.y), isGood));
 }
 
-bool PLV_HasSamples(const std::vector<UI_Plot> &plots, const UI_GraphView &view)
+bool PLOT_HasSamples(const std::vector<UI_Plot> &plots, const UI_GraphView &view)
 {
     return std::any_of(plots.begin(), plots.end(),
                        [&](const UI_Plot &plot) { return IsSeen(plot, view); });
 }
 
-void PLV_MeasurePlot(UI_Plot *plot)
+void PLOT_MeasurePlot(UI_Plot *plot)
 {
     Extent extent;
     for (const double value : *plot->y)
@@ -118,7 +118,7 @@ void PLV_MeasurePlot(UI_Plot *plot)
     plot->high = extent.high;
 }
 
-void PLV_Settle(const std::vector<UI_Plot> &plots, UI_GraphView *view)
+void PLOT_SettleView(const std::vector<UI_Plot> &plots, UI_GraphView *view)
 {
     // First across: which heights are in view depends on it. x rises, so its ends say all.
     Extent x, y[GRAPH_PANES_MAX];
@@ -137,7 +137,7 @@ void PLV_Settle(const std::vector<UI_Plot> &plots, UI_GraphView *view)
             continue;
         const Extent heights = HeightsBetween(plot, view->x);
         // Curves of one pane share their axis.
-        Extent &own = y[PLV_PaneOf(*view, plot.pane)];
+        Extent &own = y[PLOT_PaneOf(*view, plot.pane)];
         own.add(heights.low);
         own.add(heights.high);
     }
@@ -148,7 +148,7 @@ void PLV_Settle(const std::vector<UI_Plot> &plots, UI_GraphView *view)
             Snap(plots, &cursor);
 }
 
-void PLV_Zoom(UI_Limits *limits, double share, double center)
+void PLOT_Zoom(UI_Limits *limits, double share, double center)
 {
     const UI_Limits wished = {center - (center - limits->min) * share,
                               center + (limits->max - center) * share};

@@ -304,7 +304,7 @@ int DiscardMenuItem(int menuBar, int item);
 int RunPopupMenu(int menuBar, int menu);
 
 // --- pop-ups: each blocks until it is answered -------------------------------------
-enum { VAL_NO_FILE_SELECTED = 0, VAL_EXISTING_FILE_SELECTED = 1, VAL_NEW_FILE_SELECTED = 2 };
+enum { CON_NO_FILE_SELECTED = 0, CON_EXISTING_FILE_SELECTED = 1, CON_NEW_FILE_SELECTED = 2 };
 enum { FILE_LOAD = 0, FILE_SAVE = 1 };
 
 int MessagePopup(const std::string &title, const std::string &message);

@@ -6,20 +6,21 @@
 
 namespace {
 
-bool IsStartedByTrigger(const ARC_Recorder &recorder)
+bool IsStartedByTrigger(const REC_ArmedRecorder &recorder)
 {
-    return std::any_of(recorder.triggers.begin(), recorder.triggers.end(),
-                       [](const TRG_Trigger &trigger) { return trigger.action == TRG_START; });
+    return std::any_of(
+        recorder.triggers.begin(), recorder.triggers.end(),
+        [](const SMP_Trigger &trigger) { return trigger.action == SMP_TRIGGER_START; });
 }
 
-void Tell(const ARC_Recorder &recorder, const std::string &text)
+void Tell(const REC_ArmedRecorder &recorder, const std::string &text)
 {
     if (recorder.listener.message != nullptr)
         recorder.listener.message(recorder.listener.context, text);
 }
 
 // A recording that cannot go on has ended.
-void NoticeFault(ARC_Recorder *recorder)
+void NoticeFault(REC_ArmedRecorder *recorder)
 {
     if (!recorder->isOn || recorder->file.isOpen || recorder->file.problem.empty())
         return;
@@ -27,7 +28,7 @@ void NoticeFault(ARC_Recorder *recorder)
     Tell(*recorder, recorder->file.problem);
 }
 
-void StartByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger,
+void StartByTrigger(REC_ArmedRecorder *recorder, const SMP_Trigger &trigger,
                     const std::vector<SMP_Item> &items, int64_t timeUs)
 {
     if (!recorder->isOn || recorder->file.isOpen)
@@ -42,7 +43,7 @@ void StartByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger,
     REC_PutNote(&recorder->file, timeUs, "trigger", trigger.text);
 }
 
-void StopByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger, int64_t timeUs)
+void StopByTrigger(REC_ArmedRecorder *recorder, const SMP_Trigger &trigger, int64_t timeUs)
 {
     if (!recorder->file.isOpen)
         return;
@@ -55,17 +56,17 @@ void StopByTrigger(ARC_Recorder *recorder, const TRG_Trigger &trigger, int64_t t
         recorder->isOn = false;
 }
 
-void Fire(ARC_Recorder *recorder, const TRG_Trigger &trigger, const std::vector<SMP_Item> &items,
-          int64_t timeUs)
+void Fire(REC_ArmedRecorder *recorder, const SMP_Trigger &trigger,
+          const std::vector<SMP_Item> &items, int64_t timeUs)
 {
-    const ARC_Listener &listener = recorder->listener;
-    if (trigger.action == TRG_START)
+    const REC_ArmedListener &listener = recorder->listener;
+    if (trigger.action == SMP_TRIGGER_START)
         StartByTrigger(recorder, trigger, items, timeUs);
-    if (trigger.action == TRG_STOP)
+    if (trigger.action == SMP_TRIGGER_STOP)
         StopByTrigger(recorder, trigger, timeUs);
-    if (trigger.action == TRG_BEEP && listener.beep != nullptr)
+    if (trigger.action == SMP_TRIGGER_BEEP && listener.beep != nullptr)
         listener.beep(listener.context);
-    if (trigger.action != TRG_MARK)
+    if (trigger.action != SMP_TRIGGER_MARK)
         return;
     ++recorder->markers;
     REC_PutNote(&recorder->file, timeUs, "marker", trigger.text);
@@ -75,8 +76,8 @@ void Fire(ARC_Recorder *recorder, const TRG_Trigger &trigger, const std::vector<
 
 } // namespace
 
-int ARC_Begin(ARC_Recorder *recorder, const REC_Options &options,
-              const std::vector<SMP_Item> &items, int64_t nowUs)
+int REC_BeginArmed(REC_ArmedRecorder *recorder, const REC_Options &options,
+                   const std::vector<SMP_Item> &items, int64_t nowUs)
 {
     recorder->options = options;
     recorder->rows = recorder->markers = 0;
@@ -88,15 +89,15 @@ int ARC_Begin(ARC_Recorder *recorder, const REC_Options &options,
     return result;
 }
 
-void ARC_PutRow(ARC_Recorder *recorder, const SMP_Store &store, const SMP_Row &row)
+void REC_PutArmedRow(REC_ArmedRecorder *recorder, const SMP_Store &store, const SMP_Row &row)
 {
     // What starts a recording comes before its row, what stops it behind.
     std::vector<size_t> behind;
     for (size_t i = 0; i < recorder->triggers.size(); ++i) {
-        TRG_Trigger &trigger = recorder->triggers[i];
-        if (!TRG_Feed(&trigger, store.items, row.samples))
+        SMP_Trigger &trigger = recorder->triggers[i];
+        if (!SMP_FeedTrigger(&trigger, store.items, row.samples))
             continue;
-        if (trigger.action == TRG_STOP)
+        if (trigger.action == SMP_TRIGGER_STOP)
             behind.push_back(i);
         else
             Fire(recorder, trigger, store.items, row.timeUs);
@@ -108,7 +109,7 @@ void ARC_PutRow(ARC_Recorder *recorder, const SMP_Store &store, const SMP_Row &r
         Fire(recorder, recorder->triggers[i], store.items, row.timeUs);
 }
 
-int ARC_End(ARC_Recorder *recorder)
+int REC_EndArmed(REC_ArmedRecorder *recorder)
 {
     recorder->isOn = false;
     return REC_Close(&recorder->file);

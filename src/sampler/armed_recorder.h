@@ -10,20 +10,20 @@
 #include <string>
 #include <vector>
 
-// Who is told, within ARC_PutRow. Entries may be null.
-struct ARC_Listener {
+// Who is told, within REC_PutArmedRow. Entries may be null.
+struct REC_ArmedListener {
     void *context = nullptr;
     void (*message)(void *context, const std::string &text) = nullptr; // one line for the user
     void (*beep)(void *context) = nullptr;
     void (*marker)(void *context, int64_t timeUs, const std::string &text) = nullptr;
 };
 
-struct ARC_Recorder {
+struct REC_ArmedRecorder {
     REC_Recorder file;
     bool isOn = false; // it records, or waits for the trigger that starts it
-    std::vector<TRG_Trigger> triggers;
-    ARC_Listener listener;
-    uint64_t rows = 0, markers = 0; // of all files since ARC_Begin
+    std::vector<SMP_Trigger> triggers;
+    REC_ArmedListener listener;
+    uint64_t rows = 0, markers = 0; // of all files since REC_BeginArmed
 
     // The rest is its own.
     REC_Options options;
@@ -32,11 +32,11 @@ struct ARC_Recorder {
 
 // Records from now on, or from the moment a trigger says so, when there is one that starts. 0,
 // or a code of REC_Open: file.problem.
-int ARC_Begin(ARC_Recorder *recorder, const REC_Options &options,
-              const std::vector<SMP_Item> &items, int64_t nowUs);
+int REC_BeginArmed(REC_ArmedRecorder *recorder, const REC_Options &options,
+                   const std::vector<SMP_Item> &items, int64_t nowUs);
 // A row, whether it records or not. A disk that is full ends it: file.problem.
-void ARC_PutRow(ARC_Recorder *recorder, const SMP_Store &store, const SMP_Row &row);
+void REC_PutArmedRow(REC_ArmedRecorder *recorder, const SMP_Store &store, const SMP_Row &row);
 // 0, or REC_ERR_WRITE.
-int ARC_End(ARC_Recorder *recorder);
+int REC_EndArmed(REC_ArmedRecorder *recorder);
 
 #endif

@@ -30,19 +30,19 @@ const UnitRow UNITS[] = {{"s", 1},     {"sec", 1},   {"seconds", 1}, {"ms", 1e-3
 // "Time [ms]", "time(ms)", "t_ms" and "t/ms" are a name and a unit.
 void SplitUnit(const std::string &column, std::string *name, std::string *unit)
 {
-    std::string text = WRD_Trim(column);
+    std::string text = TXT_Trim(column);
     for (char &c : text) // not the locale's idea of small letters
         c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
     const size_t at = text.find_first_of("[(_/");
-    *name = WRD_Trim(text.substr(0, at));
+    *name = TXT_Trim(text.substr(0, at));
     *unit = "";
     if (at == std::string::npos)
         return;
     const size_t end = text.find_first_of(")]", at);
-    *unit = WRD_Trim(text.substr(at + 1, end == std::string::npos ? end : end - at - 1));
+    *unit = TXT_Trim(text.substr(at + 1, end == std::string::npos ? end : end - at - 1));
 }
 
-CVT_Piece Trimmed(CVT_Piece cell)
+REC_CellPiece Trimmed(REC_CellPiece cell)
 {
     while (cell.begin < cell.end && (*cell.begin == ' ' || *cell.begin == '\t'))
         ++cell.begin;
@@ -76,7 +76,7 @@ bool ReadClock(const char **cursor, const char *end, double *seconds)
     while (*cursor < end &&
            ((**cursor >= '0' && **cursor <= '9') || **cursor == '.' || **cursor == ','))
         ++*cursor;
-    const double second = CVT_Number({begin, *cursor});
+    const double second = REC_ParseCellNumber({begin, *cursor});
     *seconds += second;
     return second >= 0 && second < MINUTE_S + 1; // a leap second is written as 60
 }
@@ -131,7 +131,7 @@ bool ReadZone(const char *cursor, const char *end, double *seconds)
     return isGood;
 }
 
-double DateTimeSeconds(CVT_Piece cell)
+double DateTimeSeconds(REC_CellPiece cell)
 {
     const char *cursor = cell.begin;
     int days = 0;
@@ -148,7 +148,7 @@ double DateTimeSeconds(CVT_Piece cell)
     return days * DAY_S + clock - zone;
 }
 
-double ClockSeconds(CVT_Piece cell)
+double ClockSeconds(REC_CellPiece cell)
 {
     double seconds = 0;
     const char *cursor = cell.begin;
@@ -156,7 +156,7 @@ double ClockSeconds(CVT_Piece cell)
 }
 
 // The likeliest name wins wherever it stands. A unit nobody knows leaves the scale.
-int FindTimeCell(const CVT_Table &table, double *scale)
+int FindTimeCell(const REC_Table &table, double *scale)
 {
     for (const char *wanted : TIME_NAMES)
         for (size_t i = 0; i < table.names.size(); ++i) {
@@ -174,11 +174,12 @@ int FindTimeCell(const CVT_Table &table, double *scale)
 
 } // namespace
 
-bool CVT_SplitRow(const char *begin, const char *end, char separator, std::vector<CVT_Piece> *cells)
+bool REC_SplitTableRow(const char *begin, const char *end, char separator,
+                       std::vector<REC_CellPiece> *cells)
 {
     cells->clear();
     for (const char *at = begin;; ++at) {
-        CVT_Piece cell = {at, end};
+        REC_CellPiece cell = {at, end};
         if (at < end && *at == '"') {
             const char *cellEnd = at + 1;
             cell.begin = cellEnd;
@@ -194,7 +195,7 @@ bool CVT_SplitRow(const char *begin, const char *end, char separator, std::vecto
             at = found != nullptr ? static_cast<const char *>(found) : end;
             cell.end = at;
         }
-        if (cells->size() == CVT_CELLS_MAX) // no table of values: give up before memory does
+        if (cells->size() == REC_CELLS_MAX) // no table of values: give up before memory does
             return false;
         cells->push_back(cell);
         if (at == end)
@@ -202,7 +203,7 @@ bool CVT_SplitRow(const char *begin, const char *end, char separator, std::vecto
     }
 }
 
-double CVT_Number(CVT_Piece cell)
+double REC_ParseCellNumber(REC_CellPiece cell)
 {
     cell = Trimmed(cell);
     if (cell.begin < cell.end && *cell.begin == '+')
@@ -225,15 +226,17 @@ double CVT_Number(CVT_Piece cell)
     return isGood ? number : NOT_A_NUMBER;
 }
 
-double CVT_Time(const CVT_Table &table, CVT_Piece cell)
+double REC_ParseCellTime(const REC_Table &table, REC_CellPiece cell)
 {
     cell = Trimmed(cell);
-    if (table.form == CVT_DATE)
+    if (table.form == REC_TIME_DATE)
         return DateTimeSeconds(cell);
-    return table.form == CVT_CLOCK ? ClockSeconds(cell) : CVT_Number(cell) * table.scale;
+    return table.form == REC_TIME_CLOCK ? ClockSeconds(cell)
+                                        : REC_ParseCellNumber(cell) * table.scale;
 }
 
-int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std::string *problem)
+int REC_ReadTableColumns(const std::string &line, bool isOurs, REC_Table *table,
+                         std::string *problem)
 {
     // A comma last: it may be the decimal one in a file with another separator.
     for (const char separator : {'\t', ';', ','})
@@ -241,21 +244,21 @@ int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std:
             table->separator = separator;
             break;
         }
-    std::vector<CVT_Piece> cells;
-    if (!CVT_SplitRow(line.data(), line.data() + line.size(), table->separator, &cells) ||
+    std::vector<REC_CellPiece> cells;
+    if (!REC_SplitTableRow(line.data(), line.data() + line.size(), table->separator, &cells) ||
         cells.size() < 2) {
         *problem = "it is no table: its first line has no columns";
         return -1;
     }
     bool isRow = true; // nothing but numbers and times: there are no names
-    for (const CVT_Piece &cell : cells) {
-        const CVT_Piece bare = Trimmed(cell);
+    for (const REC_CellPiece &cell : cells) {
+        const REC_CellPiece bare = Trimmed(cell);
         std::string name(bare.begin, bare.end); // a quote within quotes stands twice
         for (size_t at = 0; (at = name.find("\"\"", at)) != std::string::npos; ++at)
             name.erase(at, 1);
         table->names.push_back(name);
-        isRow = isRow && (!std::isnan(CVT_Number(bare)) || !std::isnan(ClockSeconds(bare)) ||
-                          !std::isnan(DateTimeSeconds(bare)));
+        isRow = isRow && (!std::isnan(REC_ParseCellNumber(bare)) ||
+                          !std::isnan(ClockSeconds(bare)) || !std::isnan(DateTimeSeconds(bare)));
     }
     table->hasNames = !isRow;
     if (isRow) {
@@ -272,16 +275,16 @@ int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std:
     return 0;
 }
 
-bool CVT_ReadForm(const std::string &row, CVT_Table *table)
+bool REC_ReadTableForm(const std::string &row, REC_Table *table)
 {
-    std::vector<CVT_Piece> cells;
-    if (!CVT_SplitRow(row.data(), row.data() + row.size(), table->separator, &cells) ||
+    std::vector<REC_CellPiece> cells;
+    if (!REC_SplitTableRow(row.data(), row.data() + row.size(), table->separator, &cells) ||
         cells.size() <= table->timeCell)
         return false;
     // None of the three reads what another one writes.
-    for (const CVT_TimeForm form : {CVT_NUMBER, CVT_CLOCK, CVT_DATE}) {
+    for (const REC_TimeForm form : {REC_TIME_NUMBER, REC_TIME_CLOCK, REC_TIME_DATE}) {
         table->form = form;
-        if (!std::isnan(CVT_Time(*table, cells[table->timeCell])))
+        if (!std::isnan(REC_ParseCellTime(*table, cells[table->timeCell])))
             return true;
     }
     return false;

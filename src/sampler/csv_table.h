@@ -7,36 +7,37 @@
 #include <string>
 #include <vector>
 
-enum CVT_TimeForm {
-    CVT_NUMBER, // in some unit
-    CVT_CLOCK,  // 13:05:07.5
-    CVT_DATE    // 2026-11-21T13:05:07.5+01:00, 2026-11-21 13:05, 21.11.2026 13:05:07
+enum REC_TimeForm {
+    REC_TIME_NUMBER, // in some unit
+    REC_TIME_CLOCK,  // 13:05:07.5
+    REC_TIME_DATE    // 2026-11-21T13:05:07.5+01:00, 2026-11-21 13:05, 21.11.2026 13:05:07
 };
 
-struct CVT_Table {
+struct REC_Table {
     char separator = ',';
     std::vector<std::string> names; // of all cells
     bool hasNames = false;          // false: the first line was a row already
     size_t timeCell = 0;
-    CVT_TimeForm form = CVT_NUMBER;
+    REC_TimeForm form = REC_TIME_NUMBER;
     double scale = 1; // of a number to seconds
 };
-constexpr size_t CVT_CELLS_MAX = 520;
+constexpr size_t REC_CELLS_MAX = 520;
 
 // From the first line that is no comment. 0, or -1 with the reason in *problem.
-int CVT_ReadColumns(const std::string &line, bool isOurs, CVT_Table *table, std::string *problem);
+int REC_ReadTableColumns(const std::string &line, bool isOurs, REC_Table *table,
+                         std::string *problem);
 // The form of the times, from the first row. False when it has none.
-bool CVT_ReadForm(const std::string &row, CVT_Table *table);
+bool REC_ReadTableForm(const std::string &row, REC_Table *table);
 
-struct CVT_Piece {
+struct REC_CellPiece {
     const char *begin, *end;
 };
 // The cells of a row where they stand, quotes left out; false when a quote is not closed.
-bool CVT_SplitRow(const char *begin, const char *end, char separator,
-                  std::vector<CVT_Piece> *cells);
+bool REC_SplitTableRow(const char *begin, const char *end, char separator,
+                       std::vector<REC_CellPiece> *cells);
 // A number as people and tools write it, with a decimal point or comma. NaN when it is none.
-double CVT_Number(CVT_Piece cell);
+double REC_ParseCellNumber(REC_CellPiece cell);
 // Seconds; since midnight or since 1970 by the form. NaN when it is no time.
-double CVT_Time(const CVT_Table &table, CVT_Piece cell);
+double REC_ParseCellTime(const REC_Table &table, REC_CellPiece cell);
 
 #endif

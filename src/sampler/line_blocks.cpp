@@ -16,7 +16,7 @@ bool IsLineEnd(char c)
 }
 
 // Moves what is left to the front and reads on behind it.
-void Refill(LBK_Reader *reader)
+void Refill(REC_LineReader *reader)
 {
     const size_t left = reader->filled - reader->at;
     std::memmove(reader->block.data(), reader->block.data() + reader->at, left);
@@ -30,16 +30,16 @@ void Refill(LBK_Reader *reader)
 
 } // namespace
 
-bool LBK_Start(LBK_Reader *reader, std::FILE *file, int64_t offset)
+bool REC_StartLines(REC_LineReader *reader, std::FILE *file, int64_t offset)
 {
-    *reader = LBK_Reader();
+    *reader = REC_LineReader();
     reader->file = file;
     reader->blockOffset = offset;
     reader->block.resize(BLOCK_BYTES);
     return PLT_Seek(file, offset) == 0;
 }
 
-bool LBK_Next(LBK_Reader *reader, size_t lengthMax, LBK_Line *line)
+bool REC_NextLine(REC_LineReader *reader, size_t lengthMax, REC_FileLine *line)
 {
     lengthMax = std::min(lengthMax, BLOCK_BYTES / 2);
     for (;;) {

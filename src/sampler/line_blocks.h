@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <vector>
 
-struct LBK_Reader {
+struct REC_LineReader {
     std::FILE *file = nullptr; // the caller's
     std::vector<char> block;
     size_t at = 0, filled = 0;
@@ -15,7 +15,7 @@ struct LBK_Reader {
     bool isEnd = false;
     bool isSkipping = false; // the rest of a line that was too long
 };
-struct LBK_Line {
+struct REC_FileLine {
     const char *begin = nullptr, *end = nullptr; // valid until the next one is read
     int64_t offset = 0;                          // of its first character
     bool isWhole = true;                         // a line end follows it
@@ -23,8 +23,8 @@ struct LBK_Line {
 };
 
 // False when there is no such place.
-bool LBK_Start(LBK_Reader *reader, std::FILE *file, int64_t offset);
+bool REC_StartLines(REC_LineReader *reader, std::FILE *file, int64_t offset);
 // False at the end. Of a line longer than `lengthMax` comes the beginning.
-bool LBK_Next(LBK_Reader *reader, size_t lengthMax, LBK_Line *line);
+bool REC_NextLine(REC_LineReader *reader, size_t lengthMax, REC_FileLine *line);
 
 #endif

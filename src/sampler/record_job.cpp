@@ -9,12 +9,12 @@ namespace {
 
 constexpr int64_t FLUSH_US = 500000; // at most between two, however slowly rows come
 
-int64_t NowUs(const RCJ_Job &job)
+int64_t NowUs(const REC_Job &job)
 {
     return static_cast<int64_t>(job.sampler.line.nowUs());
 }
 
-void Tell(const RCJ_Job &job, const std::string &text)
+void Tell(const REC_Job &job, const std::string &text)
 {
     if (job.listener.message != nullptr)
         job.listener.message(text);
@@ -22,19 +22,19 @@ void Tell(const RCJ_Job &job, const std::string &text)
 
 void TellOfRecorder(void *context, const std::string &text)
 {
-    Tell(*static_cast<RCJ_Job *>(context), text);
+    Tell(*static_cast<REC_Job *>(context), text);
 }
 
 void BeepOfRecorder(void *context)
 {
-    const RCJ_Job *job = static_cast<RCJ_Job *>(context);
+    const REC_Job *job = static_cast<REC_Job *>(context);
     if (job->listener.beep != nullptr)
         job->listener.beep();
 }
 
 // A recording that has ended, by a trigger or a full disk, ends the job: nobody waits for rows
 // that are not kept.
-void CheckRecorder(RCJ_Job *job)
+void CheckRecorder(REC_Job *job)
 {
     REC_Recorder *file = &job->recorder.file;
     const bool isFault = !file->isOpen && !file->problem.empty() && job->problem.empty();
@@ -52,14 +52,14 @@ void CheckRecorder(RCJ_Job *job)
 
 void PutRow(void *context, const SMP_Sampler &sampler, const SMP_Row &row)
 {
-    RCJ_Job *job = static_cast<RCJ_Job *>(context);
-    ARC_PutRow(&job->recorder, sampler.store, row);
+    REC_Job *job = static_cast<REC_Job *>(context);
+    REC_PutArmedRow(&job->recorder, sampler.store, row);
     CheckRecorder(job);
 }
 
 void Flush(void *context)
 {
-    RCJ_Job *job = static_cast<RCJ_Job *>(context);
+    REC_Job *job = static_cast<REC_Job *>(context);
     job->flushedUs = NowUs(*job);
     REC_Flush(&job->recorder.file, job->flushedUs);
     CheckRecorder(job);
@@ -68,18 +68,18 @@ void Flush(void *context)
 // What befalls the line explains the gaps in the file.
 void NoteMessage(void *context, const std::string &text)
 {
-    RCJ_Job *job = static_cast<RCJ_Job *>(context);
+    REC_Job *job = static_cast<REC_Job *>(context);
     REC_PutNote(&job->recorder.file, NowUs(*job), "line", text);
     Tell(*job, text);
 }
 
 } // namespace
 
-int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
-              const REC_Options &options, const std::vector<TRG_Trigger> &triggers,
-              const RCJ_Listener &listener, std::string *problem, const SMP_Line *line)
+int REC_StartJob(REC_Job *job, const std::vector<SMP_Item> &items, int periodMs,
+                 const REC_Options &options, const std::vector<SMP_Trigger> &triggers,
+                 const REC_JobListener &listener, std::string *problem, const SMP_Line *line)
 {
-    *job = RCJ_Job();
+    *job = REC_Job();
     job->listener = listener;
     job->recorder.triggers = triggers;
     job->recorder.listener = {job, TellOfRecorder, BeepOfRecorder, nullptr};
@@ -94,7 +94,7 @@ int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
     REC_Options timed = options;
     timed.periodMs = periodMs;
     // Behind the sampler, whose clock counts the file's times; nothing was asked yet.
-    const int result = ARC_Begin(&job->recorder, timed, items, NowUs(*job));
+    const int result = REC_BeginArmed(&job->recorder, timed, items, NowUs(*job));
     if (result != 0) {
         *problem = job->recorder.file.problem;
         job->sampler.isRunning = false;
@@ -104,7 +104,7 @@ int RCJ_Start(RCJ_Job *job, const std::vector<SMP_Item> &items, int periodMs,
     return 0;
 }
 
-int64_t RCJ_Step(RCJ_Job *job)
+int64_t REC_StepJob(REC_Job *job)
 {
     if (!job->isRunning)
         return SMP_IDLE;
@@ -115,16 +115,16 @@ int64_t RCJ_Step(RCJ_Job *job)
     return job->isRunning ? waitUs : SMP_IDLE;
 }
 
-void RCJ_Follow(RCJ_Job *job, const std::vector<SMP_Item> &items)
+void REC_FollowJob(REC_Job *job, const std::vector<SMP_Item> &items)
 {
     const std::vector<SMP_Item> &had = job->sampler.store.items;
     if (!job->isRunning || (items.size() == had.size() &&
                             std::equal(items.begin(), items.end(), had.begin(), SMP_IsSame)))
         return;
     if (SMP_Change(&job->sampler, items) != 0) {
-        RCJ_Note(job, "items", "there is nothing to record any more");
+        REC_NoteInJob(job, "items", "there is nothing to record any more");
         Tell(*job, "The recording has ended: there is nothing to record any more.");
-        RCJ_Stop(job);
+        REC_StopJob(job);
         return;
     }
     REC_Recorder *file = &job->recorder.file;
@@ -134,34 +134,34 @@ void RCJ_Follow(RCJ_Job *job, const std::vector<SMP_Item> &items)
     CheckRecorder(job);
 }
 
-void RCJ_Note(RCJ_Job *job, const std::string &kind, const std::string &text)
+void REC_NoteInJob(REC_Job *job, const std::string &kind, const std::string &text)
 {
     REC_PutNote(&job->recorder.file, NowUs(*job), kind, text);
     job->recorder.markers += kind == "marker";
     CheckRecorder(job);
 }
 
-void RCJ_Interrupt(RCJ_Job *job, const std::string &reason)
+void REC_InterruptJob(REC_Job *job, const std::string &reason)
 {
     if (!job->isRunning)
         return;
     // Rows first, failed for this reason, then the line that says when it was.
     SMP_DropHeld(&job->sampler, reason);
-    RCJ_Note(job, "gap", reason);
+    REC_NoteInJob(job, "gap", reason);
     Flush(job);
 }
 
-int RCJ_Stop(RCJ_Job *job)
+int REC_StopJob(REC_Job *job)
 {
     SMP_Stop(&job->sampler);
     job->isRunning = false;
-    const int result = ARC_End(&job->recorder);
+    const int result = REC_EndArmed(&job->recorder);
     if (job->problem.empty())
         job->problem = job->recorder.file.problem;
     return job->problem.empty() ? result : REC_ERR_WRITE;
 }
 
-std::string RCJ_Summary(const RCJ_Job &job, int baud)
+std::string REC_JobSummary(const REC_Job &job, int baud)
 {
     const SMP_Totals &totals = job.sampler.totals;
     const double seconds = static_cast<double>(std::max<uint64_t>(totals.elapsedUs, 1)) / 1e6;

@@ -19,8 +19,8 @@ constexpr uint64_t BUSY_US = 3000000;  // without a tick: the gap gets a line
 constexpr size_t TEXT_MAX = 200;       // characters of a marker
 const char RECORDING[] = "Recording "; // how every message about its state begins
 
-RCJ_Job job;
-std::vector<TRG_Trigger> triggers;
+REC_Job job;
+std::vector<SMP_Trigger> triggers;
 std::string triggerText;
 uint64_t tickedUs = 0; // 0: communication was off
 
@@ -47,7 +47,7 @@ void ShowProgress()
     if (!shown.empty() && shown.compare(0, sizeof RECORDING - 1, RECORDING) != 0)
         return;
     const std::string where =
-        job.recorder.file.isOpen ? WRD_Visible(job.recorder.file.path) : "waits for its trigger";
+        job.recorder.file.isOpen ? TXT_Visible(job.recorder.file.path) : "waits for its trigger";
     VR_ShowMessage(RECORDING + where + ": " + std::to_string(job.recorder.rows) + " rows.");
 }
 
@@ -63,10 +63,10 @@ void Begin(const std::string &path)
     REC_Options options;
     options.path = path;
     options.mayReplace = true; // the dialog has asked
-    const RCJ_Listener listener = {[](const std::string &text) { VR_ShowMessage(text); },
-                                   [] { Beep(); }};
+    const REC_JobListener listener = {[](const std::string &text) { VR_ShowMessage(text); },
+                                      [] { Beep(); }};
     std::string problem;
-    if (RCJ_Start(&job, ItemsOfList(), PERIOD_MS, options, triggers, listener, &problem) != 0) {
+    if (REC_StartJob(&job, ItemsOfList(), PERIOD_MS, options, triggers, listener, &problem) != 0) {
         MessagePopup("Error", problem);
         return;
     }
@@ -79,36 +79,36 @@ void Begin(const std::string &path)
 
 } // namespace
 
-bool RCW_IsRunning()
+bool REC_IsWatchRecorded()
 {
     return job.isRunning;
 }
 
-void RCW_Record()
+void REC_RecordWatch()
 {
     if (!job.isRunning)
         return;
     // The list may have been edited, or another map loaded: its lines are compared every second.
-    RCJ_Follow(&job, ItemsOfList());
+    REC_FollowJob(&job, ItemsOfList());
     if (job.isRunning)
         ShowProgress();
     NoticeEnd();
 }
 
-void RCW_Tick()
+void REC_StepWatch()
 {
     if (!job.isRunning)
         return;
     const uint64_t begin = PLT_TickUs();
     if (tickedUs != 0 && begin - tickedUs > BUSY_US)
-        RCJ_Note(&job, "gap", "the program was busy");
+        REC_NoteInJob(&job, "gap", "the program was busy");
     tickedUs = begin;
-    while (RCJ_Step(&job) == 0 && PLT_TickUs() - begin < TICK_US) {
+    while (REC_StepJob(&job) == 0 && PLT_TickUs() - begin < TICK_US) {
     }
     NoticeEnd();
 }
 
-void RCW_ShowCommunication()
+void REC_ShowCommunication()
 {
     // Only from on to off and back is a gap; the state may be told twice.
     ShowState();
@@ -116,52 +116,52 @@ void RCW_ShowCommunication()
     const bool isOn = isTimer != 0;
     tickedUs = 0;
     if (job.isRunning && wasOn && !isOn)
-        RCJ_Interrupt(&job, "communication was switched off");
+        REC_InterruptJob(&job, "communication was switched off");
     if (job.isRunning && !wasOn && isOn)
-        RCJ_Note(&job, "gap", "communication is on");
+        REC_NoteInJob(&job, "gap", "communication is on");
     wasOn = isOn;
 }
 
-void RCW_Stop()
+void REC_StopWatch()
 {
     if (!job.isRunning)
         return;
     const std::string path = job.recorder.file.path; // the last one, of several
-    const bool isKept = RCJ_Stop(&job) == 0;
+    const bool isKept = REC_StopJob(&job) == 0;
     ShowState();
     if (isKept)
-        VR_ShowMessage("Recorded " + WRD_Visible(path) + ": " + std::to_string(job.recorder.rows) +
+        VR_ShowMessage("Recorded " + TXT_Visible(path) + ": " + std::to_string(job.recorder.rows) +
                        " rows.");
     else
         MessagePopup("Error", job.problem);
 }
 
-void RCW_Mark(const std::string &text)
+void REC_MarkWatch(const std::string &text)
 {
     if (job.isRunning)
-        RCJ_Note(&job, "marker", text);
+        REC_NoteInJob(&job, "marker", text);
 }
 
-void RCW_ToggleCB(int /*menuBar*/, int /*item*/)
+void REC_ToggleCB(int /*menuBar*/, int /*item*/)
 {
     if (job.isRunning) {
-        RCW_Stop();
+        REC_StopWatch();
         return;
     }
     std::string path;
     if (FileSelectPopup(PLT_CurrentDir(), "recording.csv", "*.csv", "Record watch list", FILE_SAVE,
-                        &path) > VAL_NO_FILE_SELECTED)
+                        &path) > CON_NO_FILE_SELECTED)
         Begin(path);
 }
 
-void RCW_MarkCB(int /*menuBar*/, int /*item*/)
+void REC_MarkCB(int /*menuBar*/, int /*item*/)
 {
     std::string text;
     if (PromptPopup("Marker", "Text of the marker in the recording", &text, TEXT_MAX) >= 0)
-        RCW_Mark(text);
+        REC_MarkWatch(text);
 }
 
-void RCW_TriggersCB(int /*menuBar*/, int /*item*/)
+void REC_TriggersCB(int /*menuBar*/, int /*item*/)
 {
-    TRG_Ask("of the next recording", &triggerText, &triggers);
+    SMP_AskForTrigger("of the next recording", &triggerText, &triggers);
 }

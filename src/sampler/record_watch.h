@@ -5,18 +5,18 @@
 
 #include <string>
 
-bool RCW_IsRunning();
+bool REC_IsWatchRecorded();
 // Called by the timer while communication is on: once a second the list is followed and the
 // state shown; each tick reads a part of the second's row.
-void RCW_Record();
-void RCW_Tick();
-void RCW_ShowCommunication(); // it was switched on or off: off is a gap
-void RCW_Stop();              // says what was recorded; nothing when none runs
+void REC_RecordWatch();
+void REC_StepWatch();
+void REC_ShowCommunication(); // it was switched on or off: off is a gap
+void REC_StopWatch();         // says what was recorded; nothing when none runs
 // The marker's text goes into the file, too.
-void RCW_Mark(const std::string &text);
+void REC_MarkWatch(const std::string &text);
 
-void RCW_ToggleCB(int menuBar, int item);
-void RCW_MarkCB(int menuBar, int item);
-void RCW_TriggersCB(int menuBar, int item);
+void REC_ToggleCB(int menuBar, int item);
+void REC_MarkCB(int menuBar, int item);
+void REC_TriggersCB(int menuBar, int item);
 
 #endif

@@ -58,7 +58,7 @@ int OpenForWriting(REC_Recorder *recorder, bool mayReplace)
         recorder->problem = path + " is a folder, device or pipe.";
         return REC_ERR_OPEN;
     }
-    if (!mayReplace && PLF_Exists(path)) {
+    if (!mayReplace && PLT_FileExists(path)) {
         recorder->problem = path + " exists.";
         return REC_ERR_EXISTS;
     }
@@ -137,7 +137,7 @@ int NoteFailures(REC_Recorder *recorder, int64_t timeUs, const SMP_Sample *sampl
         }
         if (count > NAMES_SHOWN)
             names += " and " + std::to_string(count - NAMES_SHOWN) + " more";
-        if (REC_PutNote(recorder, timeUs, "failed", names + ": " + SST_ReasonText(store, state)) !=
+        if (REC_PutNote(recorder, timeUs, "failed", names + ": " + SMP_ReasonText(store, state)) !=
             0)
             return REC_ERR_WRITE;
     }
@@ -230,7 +230,7 @@ int REC_PutNote(REC_Recorder *recorder, int64_t timeUs, const std::string &kind,
     const size_t before = recorder->buffer.size();
     recorder->buffer += "; ";
     REC_AppendSeconds(&recorder->buffer, timeUs - recorder->originUs);
-    recorder->buffer += ", " + kind + ", " + WRD_Visible(text) + "\r\n";
+    recorder->buffer += ", " + kind + ", " + TXT_Visible(text) + "\r\n";
     return AddText(recorder, before);
 }
 

@@ -34,7 +34,7 @@ void AppendMilliseconds(std::string *text, int64_t ms)
 
 std::string HeadLine(const std::string &key, const std::string &value)
 {
-    return "; " + key + ", " + WRD_Visible(value) + "\r\n";
+    return "; " + key + ", " + TXT_Visible(value) + "\r\n";
 }
 
 } // namespace
@@ -117,7 +117,7 @@ std::string REC_Head(const REC_Recorder &recorder)
         head += HeadLine("station", number + std::to_string(item.station));
         if (!item.unit.empty())
             head += HeadLine("unit", number + item.unit);
-        columns += "," + WRD_QuoteCsv(WRD_Visible(item.name));
+        columns += "," + TXT_QuoteCsv(TXT_Visible(item.name));
     }
     return head + columns + "\r\n";
 }
@@ -138,7 +138,7 @@ std::string REC_StampedPath(const REC_Recorder &recorder, int64_t nowUs)
                   date.day, date.hour, date.minute, date.second);
     // Parts can be begun within a second of each other.
     std::string stamped = base + stamp + end;
-    for (int number = 2; PLF_Exists(stamped) && number < SAME_NAMES_MAX; ++number)
+    for (int number = 2; PLT_FileExists(stamped) && number < SAME_NAMES_MAX; ++number)
         stamped = base + stamp + "-" + std::to_string(number) + end;
     return stamped;
 }

@@ -15,79 +15,79 @@ namespace {
 constexpr const char *OUR_FIRST_LINES[] = {"; Vireo2 recording", "; Vireo2 scope"};
 constexpr int64_t PROGRESS_BYTES = 4 << 20; // between two looks whether somebody cancels
 
-void AddLine(const LBK_Line &line, RRW_Pass *pass, RDR_Recording *recording)
+void AddLine(const REC_FileLine &line, REC_RowPass *pass, REC_Recording *recording)
 {
     double time = 0;
-    const bool isCut = RRW_IsCut(line, *recording);
+    const bool isCut = REC_IsCutRow(line, *recording);
     recording->isCut = recording->isCut || isCut;
     if (!pass->hasForm && !line.isTooLong)
-        pass->hasForm = CVT_ReadForm(RRW_TextOf(line), &recording->table);
-    if (isCut || line.isTooLong || !pass->hasForm || !RRW_ReadRow(line, *recording, pass, &time)) {
+        pass->hasForm = REC_ReadTableForm(REC_TextOf(line), &recording->table);
+    if (isCut || line.isTooLong || !pass->hasForm || !REC_ReadRow(line, *recording, pass, &time)) {
         recording->badLines += !isCut;
         return;
     }
     // Dates and clocks are shown from the first row on: a picture of seconds since 1970 helps
     // nobody.
-    if (recording->rows == 0 && recording->table.form != CVT_NUMBER) {
-        const CVT_Piece cell = pass->cells[recording->table.timeCell];
+    if (recording->rows == 0 && recording->table.form != REC_TIME_NUMBER) {
+        const REC_CellPiece cell = pass->cells[recording->table.timeCell];
         recording->origin = time;
         if (recording->start.empty())
-            recording->start = WRD_Visible(std::string(cell.begin, cell.end));
+            recording->start = TXT_Visible(std::string(cell.begin, cell.end));
     }
-    const RRW_Clock before = pass->clock;
-    RPC_AddRow(recording, line.offset, RRW_ShownTime(*recording, time, &pass->clock), pass->values,
-               before);
+    const REC_RowClock before = pass->clock;
+    REC_AddRowToPicture(recording, line.offset, REC_ShownTime(*recording, time, &pass->clock),
+                        pass->values, before);
 }
 
 // The first line may carry the mark of UTF-8 and says whether the recording is one of ours.
-void ReadFirstLine(LBK_Line *line, RDR_Recording *recording)
+void ReadFirstLine(REC_FileLine *line, REC_Recording *recording)
 {
     if (line->end - line->begin >= 3 && std::memcmp(line->begin, "\xEF\xBB\xBF", 3) == 0)
         line->begin += 3;
     for (const char *ours : OUR_FIRST_LINES)
-        if (RRW_TextOf(*line).compare(0, std::strlen(ours), ours) == 0)
+        if (REC_TextOf(*line).compare(0, std::strlen(ours), ours) == 0)
             recording->isOurs = true;
 }
 
 // From recording->end to the end of the file, which has `size` bytes.
-int GoThrough(std::FILE *file, int64_t size, RDR_Recording *recording, std::string *problem,
-              RDR_Progress progress, void *context)
+int GoThrough(std::FILE *file, int64_t size, REC_Recording *recording, std::string *problem,
+              REC_ReadProgress progress, void *context)
 {
-    LBK_Reader reader;
-    LBK_Line line;
-    RRW_Pass pass;
+    REC_LineReader reader;
+    REC_FileLine line;
+    REC_RowPass pass;
     pass.hasTable = !recording->columns.empty();
     pass.hasForm = recording->rows > 0;
     bool isFirst = recording->end == 0;
     int64_t told = recording->end;
-    if (!LBK_Start(&reader, file, recording->end)) {
+    if (!REC_StartLines(&reader, file, recording->end)) {
         *problem = "it cannot be read";
-        return RDR_ERR_OPEN;
+        return REC_READ_ERR_OPEN;
     }
-    while (LBK_Next(&reader, RDR_LINE_MAX, &line)) {
+    while (REC_NextLine(&reader, REC_LINE_MAX, &line)) {
         if (isFirst)
             ReadFirstLine(&line, recording);
         isFirst = false;
         // A row of ours that is still being written is read when it is whole.
-        recording->end = RRW_IsCut(line, *recording)
+        recording->end = REC_IsCutRow(line, *recording)
                              ? line.offset
                              : line.offset + static_cast<int64_t>(line.end - line.begin);
         if (progress != nullptr && recording->end - told >= PROGRESS_BYTES) {
             told = recording->end;
             if (!progress(context, static_cast<int>(std::min<int64_t>(100 * told / size, 100)))) {
                 *problem = "cancelled";
-                return RDR_ERR_CANCELLED;
+                return REC_READ_ERR_CANCELLED;
             }
         }
         if (line.begin == line.end)
             continue;
-        if (RRW_IsComment(line)) {
-            RRW_ReadComment(line, recording, &pass);
+        if (REC_IsComment(line)) {
+            REC_ReadComment(line, recording, &pass);
             continue;
         }
         if (!pass.hasTable) {
             pass.hasTable = true;
-            const int result = RRW_ReadHead(line, pass, recording, problem);
+            const int result = REC_ReadHead(line, pass, recording, problem);
             if (result != 0)
                 return result;
             if (recording->table.hasNames) // else this line is a row already
@@ -99,23 +99,23 @@ int GoThrough(std::FILE *file, int64_t size, RDR_Recording *recording, std::stri
     if (recording->rows > 0 || (recording->isOurs && pass.hasTable))
         return 0;
     *problem = pass.hasTable ? "it has no rows" : "it is no table";
-    return RDR_ERR_NO_TABLE;
+    return REC_READ_ERR_NO_TABLE;
 }
 
 } // namespace
 
-int RDR_Open(const std::string &path, RDR_Recording *recording, std::string *problem,
-             RDR_Progress progress, void *context)
+int REC_OpenRecording(const std::string &path, REC_Recording *recording, std::string *problem,
+                      REC_ReadProgress progress, void *context)
 {
     std::FILE *file = nullptr;
     int64_t size = 0;
     const int result = PLT_OpenPlainFile(path, &file, &size);
     if (result != 0) {
-        *problem = path + ": " + PLF_ErrorText(result) + ".";
-        return RDR_ERR_OPEN;
+        *problem = path + ": " + PLT_FileErrorText(result) + ".";
+        return REC_READ_ERR_OPEN;
     }
     // Into one of its own: a file that is refused leaves what is shown.
-    RDR_Recording opened;
+    REC_Recording opened;
     opened.path = path;
     const int read =
         GoThrough(file, std::max<int64_t>(size, 1), &opened, problem, progress, context);
@@ -128,15 +128,15 @@ int RDR_Open(const std::string &path, RDR_Recording *recording, std::string *pro
     return 0;
 }
 
-int RDR_Follow(RDR_Recording *recording)
+int REC_FollowRecording(REC_Recording *recording)
 {
-    if (!recording->isOurs || recording->table.form != CVT_NUMBER)
-        return RDR_ERR_NO_TABLE;
+    if (!recording->isOurs || recording->table.form != REC_TIME_NUMBER)
+        return REC_READ_ERR_NO_TABLE;
     std::FILE *file = nullptr;
     int64_t size = 0;
     std::string problem;
     if (PLT_OpenPlainFile(recording->path, &file, &size) != 0)
-        return RDR_ERR_OPEN;
+        return REC_READ_ERR_OPEN;
     recording->isCut = false; // what was cut then may be whole now
     const int result =
         GoThrough(file, std::max<int64_t>(size, 1), recording, &problem, nullptr, nullptr);

@@ -8,30 +8,30 @@
 #include "sampler/recording_data.h"
 
 // Told while a file is gone through; false ends it. May be null.
-typedef bool (*RDR_Progress)(void *context, int percent);
+typedef bool (*REC_ReadProgress)(void *context, int percent);
 
 // 0, or a code with the reason in *problem and *recording as it was.
-int RDR_Open(const std::string &path, RDR_Recording *recording, std::string *problem,
-             RDR_Progress progress = nullptr, void *context = nullptr);
+int REC_OpenRecording(const std::string &path, REC_Recording *recording, std::string *problem,
+                      REC_ReadProgress progress = nullptr, void *context = nullptr);
 
 // Goes on with what a recorder has written since. For recordings of ours by a recorder, whose
 // times do not go back. 0, or a code: what was known stays.
-int RDR_Follow(RDR_Recording *recording);
+int REC_FollowRecording(REC_Recording *recording);
 
 // How many rows a reading of this time would go through; a little more than there are.
-uint64_t RDR_CountRows(const RDR_Recording &recording, double from, double to);
+uint64_t REC_CountRows(const REC_Recording &recording, double from, double to);
 
 // Curves of the columns over a time: row by row when that is not more than `pointsMax` points,
 // else least and greatest by turns. NaN where there is no value. All columns have the same
 // times; rows close to the time asked for may be with them.
-struct RDR_Curves {
+struct REC_Curves {
     std::vector<double> times;
     std::vector<std::vector<double>> values; // one a wanted column
     bool isDecimated = false;
 };
-// 0 or RDR_ERR_OPEN: the file is gone, or RDR_ERR_CANCELLED.
-int RDR_Read(const RDR_Recording &recording, double from, double to,
-             const std::vector<size_t> &columns, size_t pointsMax, RDR_Curves *curves,
-             RDR_Progress progress = nullptr, void *context = nullptr);
+// 0 or REC_READ_ERR_OPEN: the file is gone, or REC_READ_ERR_CANCELLED.
+int REC_ReadCurves(const REC_Recording &recording, double from, double to,
+                   const std::vector<size_t> &columns, size_t pointsMax, REC_Curves *curves,
+                   REC_ReadProgress progress = nullptr, void *context = nullptr);
 
 #endif

@@ -10,31 +10,31 @@
 #include <string>
 #include <vector>
 
-constexpr size_t RDR_COLUMNS_MAX = 512;
-constexpr size_t RDR_LINE_MAX = 65536; // characters
+constexpr size_t REC_COLUMNS_MAX = 512;
+constexpr size_t REC_LINE_MAX = 65536; // characters
 
-struct RDR_Column {
+struct REC_Column {
     std::string name, unit, type; // type as in the head, "" when there is none
 };
-struct RDR_Note { // a line between the rows
+struct REC_Note { // a line between the rows
     double time = 0;
     std::string kind, text; // "marker", "gap", "failed", ...
 };
-constexpr size_t RDR_NOTES_MAX = 10000; // more are not kept
+constexpr size_t REC_NOTES_MAX = 10000; // more are not kept
 
 // Rows that lie together in the file.
-struct RDR_Stretch {
+struct REC_Stretch {
     int64_t offset = 0; // of its first row, in bytes
     uint64_t rows = 0;
     double timeMin = 0, timeMax = 0;
     double dayOffset = 0, clockBefore = 0; // of a clock without a date, in front of it
 };
-constexpr size_t RDR_STRETCHES_MAX = 65536;
+constexpr size_t REC_STRETCHES_MAX = 65536;
 
-struct RDR_Recording {
+struct REC_Recording {
     std::string path;
-    std::vector<RDR_Column> columns; // without the times
-    std::vector<RDR_Note> notes;
+    std::vector<REC_Column> columns; // without the times
+    std::vector<REC_Note> notes;
     std::string start; // as the head says, "" when it does not
     uint64_t rows = 0;
     double timeMin = 0, timeMax = 0;     // seconds
@@ -43,19 +43,19 @@ struct RDR_Recording {
 
     // The rest is the reader's own.
     bool isOurs = false;
-    std::vector<RDR_Stretch> stretches;
+    std::vector<REC_Stretch> stretches;
     uint64_t rowsPerStretch = 1;
     std::vector<float> least, greatest; // stretch after stretch, a number a column; NaN: none
-    CVT_Table table;
+    REC_Table table;
     std::vector<size_t> cellOf; // column -> cell
     double origin = 0;          // time in the file that is shown as 0
     int64_t end = 0;            // of what was gone through, in bytes
 };
 
 enum {
-    RDR_ERR_OPEN = -1,     // or no plain file
-    RDR_ERR_NO_TABLE = -2, // no columns with a time among them
-    RDR_ERR_CANCELLED = -3
+    REC_READ_ERR_OPEN = -1,     // or no plain file
+    REC_READ_ERR_NO_TABLE = -2, // no columns with a time among them
+    REC_READ_ERR_CANCELLED = -3
 };
 
 #endif

@@ -18,20 +18,20 @@ void Widen(float *least, float *greatest, float low, float high)
 }
 
 // Two stretches become one, in place: what is written lies in front of what is still to be read.
-void HalvePicture(RDR_Recording *recording)
+void HalvePicture(REC_Recording *recording)
 {
     const size_t columns = recording->columns.size();
-    std::vector<RDR_Stretch> &stretches = recording->stretches;
+    std::vector<REC_Stretch> &stretches = recording->stretches;
     const size_t halved = (stretches.size() + 1) / 2;
     for (size_t to = 0; to < halved; ++to) {
         const size_t from = 2 * to;
-        RDR_Stretch joined = stretches[from];
+        REC_Stretch joined = stretches[from];
         for (size_t c = 0; c < columns; ++c) {
             recording->least[to * columns + c] = recording->least[from * columns + c];
             recording->greatest[to * columns + c] = recording->greatest[from * columns + c];
         }
         if (from + 1 < stretches.size()) {
-            const RDR_Stretch &second = stretches[from + 1];
+            const REC_Stretch &second = stretches[from + 1];
             joined.rows += second.rows;
             joined.timeMin = std::min(joined.timeMin, second.timeMin);
             joined.timeMax = std::max(joined.timeMax, second.timeMax);
@@ -53,15 +53,15 @@ void HalvePicture(RDR_Recording *recording)
 
 } // namespace
 
-void RPC_AddRow(RDR_Recording *recording, int64_t offset, double time,
-                const std::vector<double> &values, const RRW_Clock &before)
+void REC_AddRowToPicture(REC_Recording *recording, int64_t offset, double time,
+                         const std::vector<double> &values, const REC_RowClock &before)
 {
     const size_t columns = recording->columns.size();
-    std::vector<RDR_Stretch> &stretches = recording->stretches;
+    std::vector<REC_Stretch> &stretches = recording->stretches;
     if (stretches.empty() || stretches.back().rows >= recording->rowsPerStretch) {
         // Halving makes room in the last stretch, or it does not: asked again behind it.
         const size_t stretchesMax =
-            std::clamp<size_t>(PICTURE_NUMBERS_MAX / (2 * columns), 2, RDR_STRETCHES_MAX);
+            std::clamp<size_t>(PICTURE_NUMBERS_MAX / (2 * columns), 2, REC_STRETCHES_MAX);
         if (stretches.size() >= stretchesMax)
             HalvePicture(recording);
         if (stretches.empty() || stretches.back().rows >= recording->rowsPerStretch) {
@@ -70,7 +70,7 @@ void RPC_AddRow(RDR_Recording *recording, int64_t offset, double time,
             recording->greatest.insert(recording->greatest.end(), columns, NO_FLOAT);
         }
     }
-    RDR_Stretch &stretch = stretches.back();
+    REC_Stretch &stretch = stretches.back();
     ++stretch.rows;
     stretch.timeMin = std::min(stretch.timeMin, time);
     stretch.timeMax = std::max(stretch.timeMax, time);

@@ -14,7 +14,7 @@ namespace {
 constexpr int64_t PROGRESS_BYTES = 4 << 20;
 
 struct Curves {
-    RDR_Curves *out;
+    REC_Curves *out;
     const std::vector<size_t> *columns;
     uint64_t rowsPerPair = 0; // of points; 0: every row is a point
     uint64_t rowsInPair = 0;
@@ -22,7 +22,7 @@ struct Curves {
     std::vector<double> low, high;
 };
 
-void AddPoint(RDR_Curves *curves, double time, const std::vector<double> &values)
+void AddPoint(REC_Curves *curves, double time, const std::vector<double> &values)
 {
     curves->times.push_back(time);
     for (size_t i = 0; i < values.size(); ++i)
@@ -59,14 +59,14 @@ void AddToPair(Curves *curves, double timeMin, double timeMax, uint64_t rows,
 }
 
 // The stretches between two times, and how many rows they have.
-uint64_t FindStretches(const RDR_Recording &recording, double from, double to, size_t *first,
+uint64_t FindStretches(const REC_Recording &recording, double from, double to, size_t *first,
                        size_t *last)
 {
     *first = recording.stretches.size();
     *last = 0;
     // All are looked at: times of a foreign file may go back.
     for (size_t s = 0; s < recording.stretches.size(); ++s) {
-        const RDR_Stretch &stretch = recording.stretches[s];
+        const REC_Stretch &stretch = recording.stretches[s];
         if (stretch.timeMax < from || stretch.timeMin > to)
             continue;
         *first = std::min(*first, s);
@@ -78,7 +78,7 @@ uint64_t FindStretches(const RDR_Recording &recording, double from, double to, s
     return rows;
 }
 
-void CopyPicture(const RDR_Recording &recording, size_t first, size_t last, Curves *curves)
+void CopyPicture(const REC_Recording &recording, size_t first, size_t last, Curves *curves)
 {
     const size_t columns = recording.columns.size();
     std::vector<double> low(curves->columns->size()), high(low.size());
@@ -87,37 +87,37 @@ void CopyPicture(const RDR_Recording &recording, size_t first, size_t last, Curv
             low[i] = static_cast<double>(recording.least[s * columns + (*curves->columns)[i]]);
             high[i] = static_cast<double>(recording.greatest[s * columns + (*curves->columns)[i]]);
         }
-        const RDR_Stretch &stretch = recording.stretches[s];
+        const REC_Stretch &stretch = recording.stretches[s];
         AddToPair(curves, stretch.timeMin, stretch.timeMax, stretch.rows, low, high);
     }
 }
 
-int CopyRows(std::FILE *file, const RDR_Recording &recording, size_t first, size_t last,
-             Curves *curves, RDR_Progress progress, void *context)
+int CopyRows(std::FILE *file, const REC_Recording &recording, size_t first, size_t last,
+             Curves *curves, REC_ReadProgress progress, void *context)
 {
     const bool isLast = last + 1 == recording.stretches.size();
     const int64_t begin = recording.stretches[first].offset;
     const int64_t end = isLast ? recording.end : recording.stretches[last + 1].offset;
-    LBK_Reader reader;
-    LBK_Line line;
-    RRW_Pass pass;
-    if (!LBK_Start(&reader, file, begin))
-        return RDR_ERR_OPEN;
+    REC_LineReader reader;
+    REC_FileLine line;
+    REC_RowPass pass;
+    if (!REC_StartLines(&reader, file, begin))
+        return REC_READ_ERR_OPEN;
     // The clock as it stood in front of this stretch: midnights before it are not seen here.
     pass.clock = {recording.stretches[first].clockBefore, recording.stretches[first].dayOffset};
     std::vector<double> values(curves->columns->size());
     int64_t told = begin;
-    while (LBK_Next(&reader, RDR_LINE_MAX, &line) && line.offset < end) {
+    while (REC_NextLine(&reader, REC_LINE_MAX, &line) && line.offset < end) {
         if (progress != nullptr && line.offset - told >= PROGRESS_BYTES) {
             told = line.offset;
             if (!progress(context, static_cast<int>(100 * (told - begin) / (end - begin))))
-                return RDR_ERR_CANCELLED;
+                return REC_READ_ERR_CANCELLED;
         }
         double time = 0;
-        if (RRW_IsComment(line) || line.isTooLong || RRW_IsCut(line, recording) ||
-            !RRW_ReadRow(line, recording, &pass, &time))
+        if (REC_IsComment(line) || line.isTooLong || REC_IsCutRow(line, recording) ||
+            !REC_ReadRow(line, recording, &pass, &time))
             continue;
-        time = RRW_ShownTime(recording, time, &pass.clock);
+        time = REC_ShownTime(recording, time, &pass.clock);
         for (size_t i = 0; i < values.size(); ++i)
             values[i] = pass.values[(*curves->columns)[i]];
         if (curves->rowsPerPair == 0)
@@ -130,17 +130,17 @@ int CopyRows(std::FILE *file, const RDR_Recording &recording, size_t first, size
 
 } // namespace
 
-uint64_t RDR_CountRows(const RDR_Recording &recording, double from, double to)
+uint64_t REC_CountRows(const REC_Recording &recording, double from, double to)
 {
     size_t first = 0, last = 0;
     return FindStretches(recording, from, to, &first, &last);
 }
 
-int RDR_Read(const RDR_Recording &recording, double from, double to,
-             const std::vector<size_t> &columns, size_t pointsMax, RDR_Curves *curves,
-             RDR_Progress progress, void *context)
+int REC_ReadCurves(const REC_Recording &recording, double from, double to,
+                   const std::vector<size_t> &columns, size_t pointsMax, REC_Curves *curves,
+                   REC_ReadProgress progress, void *context)
 {
-    *curves = RDR_Curves();
+    *curves = REC_Curves();
     curves->values.resize(columns.size());
     size_t first = 0, last = 0;
     const uint64_t rows = FindStretches(recording, from, to, &first, &last);
@@ -161,7 +161,7 @@ int RDR_Read(const RDR_Recording &recording, double from, double to,
         std::FILE *file = nullptr;
         int64_t size = 0;
         if (PLT_OpenPlainFile(recording.path, &file, &size) != 0)
-            return RDR_ERR_OPEN;
+            return REC_READ_ERR_OPEN;
         result = CopyRows(file, recording, first, last, &work, progress, context);
         std::fclose(file);
     }

@@ -20,30 +20,30 @@ constexpr double TIME_MAX_S = 1e15;   // beyond that a double has no seconds
 std::string CutPart(std::string *text)
 {
     const size_t comma = text->find(',');
-    const std::string part = WRD_Trim(text->substr(0, comma));
-    *text = comma == std::string::npos ? "" : WRD_Trim(text->substr(comma + 1));
+    const std::string part = TXT_Trim(text->substr(0, comma));
+    *text = comma == std::string::npos ? "" : TXT_Trim(text->substr(comma + 1));
     return part;
 }
 
 } // namespace
 
-std::string RRW_TextOf(const LBK_Line &line)
+std::string REC_TextOf(const REC_FileLine &line)
 {
     return std::string(line.begin, line.end);
 }
 
-bool RRW_IsComment(const LBK_Line &line)
+bool REC_IsComment(const REC_FileLine &line)
 {
     return *line.begin == ';' || *line.begin == '#';
 }
 
-void RRW_ReadComment(const LBK_Line &line, RDR_Recording *recording, RRW_Pass *pass)
+void REC_ReadComment(const REC_FileLine &line, REC_Recording *recording, REC_RowPass *pass)
 {
     std::string text(line.begin + 1, line.end);
     const std::string key = CutPart(&text);
-    const double time = CVT_Number({key.data(), key.data() + key.size()});
-    if (!std::isnan(time) && recording->notes.size() < RDR_NOTES_MAX) {
-        RDR_Note note;
+    const double time = REC_ParseCellNumber({key.data(), key.data() + key.size()});
+    if (!std::isnan(time) && recording->notes.size() < REC_NOTES_MAX) {
+        REC_Note note;
         note.time = time;
         note.kind = CutPart(&text);
         note.text = text;
@@ -57,65 +57,67 @@ void RRW_ReadComment(const LBK_Line &line, RDR_Recording *recording, RRW_Pass *p
     const std::string numberText = CutPart(&text);
     size_t number = 0;
     std::from_chars(numberText.data(), numberText.data() + numberText.size(), number);
-    if (number < 1 || number > RDR_COLUMNS_MAX)
+    if (number < 1 || number > REC_COLUMNS_MAX)
         return;
     pass->head.resize(std::max(pass->head.size(), number));
     (key == "type" ? pass->head[number - 1].type : pass->head[number - 1].unit) = text;
 }
 
-int RRW_ReadHead(const LBK_Line &line, const RRW_Pass &pass, RDR_Recording *recording,
+int REC_ReadHead(const REC_FileLine &line, const REC_RowPass &pass, REC_Recording *recording,
                  std::string *problem)
 {
-    CVT_Table &table = recording->table;
+    REC_Table &table = recording->table;
     const bool isOurs = recording->isOurs;
-    if (CVT_ReadColumns(RRW_TextOf(line), isOurs, &table, problem) != 0)
-        return RDR_ERR_NO_TABLE;
+    if (REC_ReadTableColumns(REC_TextOf(line), isOurs, &table, problem) != 0)
+        return REC_READ_ERR_NO_TABLE;
     for (size_t cell = 0; cell < table.names.size(); ++cell) {
         const std::string &name = table.names[cell];
         const bool isNoValue = isOurs && (name == NO_VALUES[0] || name == NO_VALUES[1]);
-        if (cell == table.timeCell || isNoValue || recording->columns.size() == RDR_COLUMNS_MAX)
+        if (cell == table.timeCell || isNoValue || recording->columns.size() == REC_COLUMNS_MAX)
             continue;
         const size_t number = recording->columns.size();
-        RDR_Column column;
+        REC_Column column;
         if (number < pass.head.size())
             column = pass.head[number];
-        column.name = WRD_Visible(name);
+        column.name = TXT_Visible(name);
         recording->columns.push_back(column);
         recording->cellOf.push_back(cell);
     }
     if (!recording->columns.empty())
         return 0;
     *problem = "it has no column beside the times";
-    return RDR_ERR_NO_TABLE;
+    return REC_READ_ERR_NO_TABLE;
 }
 
-bool RRW_IsCut(const LBK_Line &line, const RDR_Recording &recording)
+bool REC_IsCutRow(const REC_FileLine &line, const REC_Recording &recording)
 {
     return !line.isWhole && recording.isOurs;
 }
 
-bool RRW_ReadRow(const LBK_Line &line, const RDR_Recording &recording, RRW_Pass *pass, double *time)
+bool REC_ReadRow(const REC_FileLine &line, const REC_Recording &recording, REC_RowPass *pass,
+                 double *time)
 {
     // Others' rows may lack cells at the end; ours that do were damaged.
-    const CVT_Table &table = recording.table;
-    if (!CVT_SplitRow(line.begin, line.end, table.separator, &pass->cells) ||
+    const REC_Table &table = recording.table;
+    if (!REC_SplitTableRow(line.begin, line.end, table.separator, &pass->cells) ||
         pass->cells.size() > table.names.size() || pass->cells.size() <= table.timeCell ||
         (recording.isOurs && pass->cells.size() != table.names.size()))
         return false;
-    *time = CVT_Time(table, pass->cells[table.timeCell]);
+    *time = REC_ParseCellTime(table, pass->cells[table.timeCell]);
     if (std::isnan(*time) || std::fabs(*time) > TIME_MAX_S)
         return false;
     pass->values.resize(recording.columns.size());
     for (size_t i = 0; i < recording.columns.size(); ++i) {
         const size_t cell = recording.cellOf[i];
-        pass->values[i] = cell < pass->cells.size() ? CVT_Number(pass->cells[cell]) : NOT_A_NUMBER;
+        pass->values[i] =
+            cell < pass->cells.size() ? REC_ParseCellNumber(pass->cells[cell]) : NOT_A_NUMBER;
     }
     return true;
 }
 
-double RRW_ShownTime(const RDR_Recording &recording, double time, RRW_Clock *clock)
+double REC_ShownTime(const REC_Recording &recording, double time, REC_RowClock *clock)
 {
-    if (recording.table.form == CVT_CLOCK) {
+    if (recording.table.form == REC_TIME_CLOCK) {
         // A little back is a disorder of the file; NaN, before the first row, compares as no.
         if (time + clock->dayOffset < clock->last - NIGHT_S)
             clock->dayOffset += DAY_S;

@@ -32,7 +32,7 @@ void Grow(SMP_Ring *ring, size_t samplesMax)
     bigger.bits.resize(has);
     bigger.states.resize(has);
     for (uint64_t number = ring->first; number < ring->end; ++number) {
-        const size_t from = SST_PlaceOf(*ring, number), to = SST_PlaceOf(bigger, number);
+        const size_t from = SMP_PlaceOf(*ring, number), to = SMP_PlaceOf(bigger, number);
         bigger.timesUs[to] = ring->timesUs[from];
         bigger.bits[to] = ring->bits[from];
         bigger.states[to] = ring->states[from];
@@ -43,7 +43,7 @@ void Grow(SMP_Ring *ring, size_t samplesMax)
 // 'f', 'i' or 'u'; hexadecimal, binary and characters are numbers without a sign here.
 char PlainForm(const SMP_Item &item)
 {
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     return row != nullptr ? row->plainForm : 'u';
 }
 
@@ -107,7 +107,7 @@ std::string SMP_TypeText(const SMP_Item &item)
     LItem typed;
     typed.type = item.type;
     typed.size = item.size;
-    return VTY_Field(typed);
+    return VAL_TypeField(typed);
 }
 
 bool SMP_IsRate(const SMP_Item &item)
@@ -135,7 +135,7 @@ std::string SMP_NumberText(const SMP_Item &item, uint64_t bits)
     return form == 'i' ? std::to_string(SignedOf(item, bits)) : std::to_string(bits);
 }
 
-void SST_SetItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax)
+void SMP_SetStoreItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax)
 {
     std::vector<SMP_Ring> rings(items.size());
     // Each old ring serves once, though the list may hold a variable twice.
@@ -152,7 +152,7 @@ void SST_SetItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t s
     store->samplesMax = std::max<size_t>(samplesMax, 1); // the newest is always there
 }
 
-void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample)
+void SMP_AddRow(SMP_Store *store, size_t item, const SMP_Sample &sample)
 {
     SMP_Ring &ring = store->rings[item];
     if (ring.end - ring.first == ring.timesUs.size()) {
@@ -163,21 +163,21 @@ void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample)
     }
     if (ring.end - ring.lap == ring.timesUs.size()) // at the end of the vectors: a new lap
         ring.lap = ring.end;
-    const size_t place = SST_PlaceOf(ring, ring.end);
+    const size_t place = SMP_PlaceOf(ring, ring.end);
     ring.timesUs[place] = sample.timeUs;
     ring.bits[place] = sample.bits;
     ring.states[place] = sample.state;
     ++ring.end;
 }
 
-SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number)
+SMP_Sample SMP_GetSample(const SMP_Store &store, size_t item, uint64_t number)
 {
     const SMP_Ring &ring = store.rings[item];
-    const size_t place = SST_PlaceOf(ring, number);
+    const size_t place = SMP_PlaceOf(ring, number);
     return {ring.timesUs[place], ring.bits[place], ring.states[place]};
 }
 
-int64_t SST_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Sample> *samples)
+int64_t SMP_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Sample> *samples)
 {
     samples->assign(store.items.size(), {0, 0, SMP_NOT_SAMPLED});
     int64_t firstUs = INT64_MAX, lastUs = INT64_MIN;
@@ -185,21 +185,21 @@ int64_t SST_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Samp
         const SMP_Ring &ring = store.rings[i];
         if (back > ring.end - ring.first)
             continue;
-        (*samples)[i] = SST_Get(store, i, ring.end - back);
+        (*samples)[i] = SMP_GetSample(store, i, ring.end - back);
         firstUs = std::min(firstUs, (*samples)[i].timeUs);
         lastUs = std::max(lastUs, (*samples)[i].timeUs);
     }
     return firstUs + (lastUs - firstUs) / 2;
 }
 
-uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs)
+uint64_t SMP_FindTime(const SMP_Store &store, size_t item, int64_t timeUs)
 {
     // By halves: the times of one item rise, whatever the system's clock does.
     const SMP_Ring &ring = store.rings[item];
     uint64_t from = ring.first, to = ring.end;
     while (from < to) {
         const uint64_t middle = from + (to - from) / 2;
-        if (ring.timesUs[SST_PlaceOf(ring, middle)] < timeUs)
+        if (ring.timesUs[SMP_PlaceOf(ring, middle)] < timeUs)
             from = middle + 1;
         else
             to = middle;
@@ -207,8 +207,8 @@ uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs)
     return from;
 }
 
-void SST_Copy(const SMP_Store &store, size_t item, uint64_t from, uint64_t to, int64_t originUs,
-              std::vector<double> *seconds, std::vector<double> *values)
+void SMP_CopySamples(const SMP_Store &store, size_t item, uint64_t from, uint64_t to,
+                     int64_t originUs, std::vector<double> *seconds, std::vector<double> *values)
 {
     seconds->clear();
     values->clear();
@@ -217,14 +217,14 @@ void SST_Copy(const SMP_Store &store, size_t item, uint64_t from, uint64_t to, i
     from = std::max(from, ring.first);
     to = std::min(to, ring.end);
     for (uint64_t number = from; number < to; ++number) {
-        const SMP_Sample sample = SST_Get(store, item, number);
+        const SMP_Sample sample = SMP_GetSample(store, item, number);
         seconds->push_back(static_cast<double>(sample.timeUs - originUs) / 1e6);
         values->push_back(sample.state == SMP_GOOD ? SMP_Number(store.items[item], sample.bits)
                                                    : std::numeric_limits<double>::quiet_NaN());
     }
 }
 
-uint8_t SST_StateOf(SMP_Store *store, const std::string &reason)
+uint8_t SMP_StateOf(SMP_Store *store, const std::string &reason)
 {
     // A state is a byte in every sample: its text stands here once.
     const auto known = std::find(store->reasons.begin(), store->reasons.end(), reason);
@@ -237,7 +237,7 @@ uint8_t SST_StateOf(SMP_Store *store, const std::string &reason)
     return static_cast<uint8_t>(known - store->reasons.begin() + 1);
 }
 
-std::string SST_ReasonText(const SMP_Store &store, uint8_t state)
+std::string SMP_ReasonText(const SMP_Store &store, uint8_t state)
 {
     return state == SMP_GOOD || state > store.reasons.size() ? "" : store.reasons[state - 1u];
 }

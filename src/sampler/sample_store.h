@@ -35,7 +35,7 @@ double SMP_Number(const SMP_Item &item, uint64_t bits);
 // back the same.
 std::string SMP_NumberText(const SMP_Item &item, uint64_t bits);
 
-constexpr uint8_t SMP_GOOD = 0;                // any other state: failed, a key of SST_ReasonText
+constexpr uint8_t SMP_GOOD = 0;                // any other state: failed, a key of SMP_ReasonText
 constexpr uint8_t SMP_NOT_SAMPLED = UINT8_MAX; // the item was not there yet
 struct SMP_Sample {
     int64_t timeUs = 0; // of the steady clock, the middle of its exchange
@@ -57,31 +57,32 @@ struct SMP_Store {
     size_t samplesMax = 0;            // of each item
     std::vector<std::string> reasons; // of failed samples
 };
-constexpr size_t SST_BYTES_PER_SAMPLE = 17;
-constexpr size_t SST_DEFAULT_SAMPLES = 200000; // of each item
+constexpr size_t SMP_BYTES_PER_SAMPLE = 17;
+constexpr size_t SMP_DEFAULT_SAMPLES = 200000; // of each item
 
 // Other items from now on. Those that stay the same keep their samples and numbers.
-void SST_SetItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax);
-void SST_Add(SMP_Store *store, size_t item, const SMP_Sample &sample);
+void SMP_SetStoreItems(SMP_Store *store, const std::vector<SMP_Item> &items, size_t samplesMax);
+void SMP_AddRow(SMP_Store *store, size_t item, const SMP_Sample &sample);
 // Where a number stands, first <= number < end: graphs ask millions of times.
-inline size_t SST_PlaceOf(const SMP_Ring &ring, uint64_t number)
+inline size_t SMP_PlaceOf(const SMP_Ring &ring, uint64_t number)
 {
     return static_cast<size_t>(number >= ring.lap ? number - ring.lap
                                                   : number + ring.timesUs.size() - ring.lap);
 }
-SMP_Sample SST_Get(const SMP_Store &store, size_t item, uint64_t number); // first <= number < end
+SMP_Sample SMP_GetSample(const SMP_Store &store, size_t item,
+                         uint64_t number); // first <= number < end
 // The samples of one round, one an item, and the middle of their times. Rounds are counted from
 // the newest, 1, for items that were added later have fewer: those without get SMP_NOT_SAMPLED.
 // At least one item has a sample of it.
-int64_t SST_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Sample> *samples);
+int64_t SMP_GetRound(const SMP_Store &store, uint64_t back, std::vector<SMP_Sample> *samples);
 // The first sample kept that is not before this time; `end` when there is none.
-uint64_t SST_FindTime(const SMP_Store &store, size_t item, int64_t timeUs);
+uint64_t SMP_FindTime(const SMP_Store &store, size_t item, int64_t timeUs);
 // Samples from <= number < to as a curve: seconds since `originUs`, and NaN where one failed.
 // Numbers that are not kept are left out.
-void SST_Copy(const SMP_Store &store, size_t item, uint64_t from, uint64_t to, int64_t originUs,
-              std::vector<double> *seconds, std::vector<double> *values);
+void SMP_CopySamples(const SMP_Store &store, size_t item, uint64_t from, uint64_t to,
+                     int64_t originUs, std::vector<double> *seconds, std::vector<double> *values);
 // The state of a sample that failed for this reason. After 254 reasons all others are one.
-uint8_t SST_StateOf(SMP_Store *store, const std::string &reason);
-std::string SST_ReasonText(const SMP_Store &store, uint8_t state); // "" for a good one
+uint8_t SMP_StateOf(SMP_Store *store, const std::string &reason);
+std::string SMP_ReasonText(const SMP_Store &store, uint8_t state); // "" for a good one
 
 #endif

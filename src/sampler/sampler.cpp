@@ -71,7 +71,7 @@ void MakeRate(SMP_Sampler *sampler, size_t i, SMP_Sample *sample)
                             static_cast<double>(elapsedUs);
         std::memcpy(&sample->bits, &rate, sizeof rate);
     } else if (count.state == SMP_GOOD) {
-        sample->state = SST_StateOf(&sampler->store, FIRST_OF_RATE);
+        sample->state = SMP_StateOf(&sampler->store, FIRST_OF_RATE);
     }
     before = count;
 }
@@ -97,7 +97,7 @@ void GiveOut(SMP_Sampler *sampler)
         for (size_t i = 0; i < count; ++i) {
             if (SMP_IsRate(sampler->store.items[i]))
                 MakeRate(sampler, i, &samples[i]);
-            SST_Add(&sampler->store, i, samples[i]);
+            SMP_AddRow(&sampler->store, i, samples[i]);
             sampler->totals.failed += samples[i].state != SMP_GOOD;
         }
         ++sampler->totals.rows;
@@ -113,7 +113,7 @@ void GiveOut(SMP_Sampler *sampler)
 // The row that is being read counts among what waits.
 void FailHeld(SMP_Sampler *sampler, const std::string &reason)
 {
-    const uint8_t state = SST_StateOf(&sampler->store, reason);
+    const uint8_t state = SMP_StateOf(&sampler->store, reason);
     for (std::vector<SMP_Sample> *samples : {&sampler->held, &sampler->row})
         for (SMP_Sample &sample : *samples)
             if (sample.state == SMP_GOOD)
@@ -152,7 +152,7 @@ void BeginRow(SMP_Sampler *sampler, uint64_t nowUs)
     // What the plan leaves out keeps this: it has no place.
     SMP_Sample unread;
     unread.timeUs = static_cast<int64_t>(nowUs);
-    unread.state = SST_StateOf(&sampler->store, RDI_NOT_RESOLVED);
+    unread.state = SMP_StateOf(&sampler->store, RFR_NOT_RESOLVED);
     sampler->row.assign(sampler->store.items.size(), unread);
     sampler->isAnyAsked = false;
     sampler->isInRow = true;
@@ -176,7 +176,7 @@ void EndRow(SMP_Sampler *sampler, uint64_t nowUs)
         sampler->dueUs = std::max(sampler->dueUs, nowUs + NOTHING_READ_US);
 }
 
-void SetBlock(SMP_Sampler *sampler, const GRP_Block &block, const uint8_t *bytes, int64_t timeUs,
+void SetBlock(SMP_Sampler *sampler, const UCM_Block &block, const uint8_t *bytes, int64_t timeUs,
               uint8_t state)
 {
     for (const size_t i : block.items) {
@@ -187,7 +187,7 @@ void SetBlock(SMP_Sampler *sampler, const GRP_Block &block, const uint8_t *bytes
         const size_t size = static_cast<size_t>(item.size);
         sample.bits =
             state == SMP_GOOD
-                ? BYT_GetLittle(bytes + (item.isTMS ? 0 : item.address - block.address), size)
+                ? TXT_GetLittle(bytes + (item.isTMS ? 0 : item.address - block.address), size)
                 : 0;
     }
 }
@@ -201,7 +201,7 @@ uint64_t ProofPeriodUs(const SMP_Sampler &sampler)
     return std::clamp(static_cast<uint64_t>(wanted * US_PER_S), PROOF_MIN_US, PROOF_MAX_US);
 }
 
-int Ask(SMP_Sampler *sampler, const GRP_Block &block, uint8_t *bytes)
+int Ask(SMP_Sampler *sampler, const UCM_Block &block, uint8_t *bytes)
 {
     if (!sampler->store.items[block.items[0]].isTMS) {
         const SMP_Line &line = sampler->line;
@@ -217,20 +217,20 @@ int Ask(SMP_Sampler *sampler, const GRP_Block &block, uint8_t *bytes)
     }
     uint32_t word = 0;
     const int result = sampler->line.readTMS(block.station, block.address, &word);
-    BYT_PutLittle(bytes, 8, word);
+    TXT_PutLittle(bytes, 8, word);
     return result;
 }
 
 // One block of the plan, or its failure.
 void ReadBlock(SMP_Sampler *sampler)
 {
-    const GRP_Block block = sampler->plan[sampler->next];
+    const UCM_Block block = sampler->plan[sampler->next];
     SMP_Station *station = StationOf(sampler, block.station);
     // A silent station's items fail at once, for the time it was given to recover.
     const uint64_t beginUs = sampler->line.nowUs();
     if (station->isSilent && beginUs < station->askAgainUs) {
         SetBlock(sampler, block, nullptr, static_cast<int64_t>(beginUs),
-                 SST_StateOf(&sampler->store, station->reason));
+                 SMP_StateOf(&sampler->store, station->reason));
         ++sampler->next;
         return;
     }
@@ -258,7 +258,7 @@ void ReadBlock(SMP_Sampler *sampler)
     if (result >= 0)
         sampler->totals.chars += SMP_CountChars(*sampler, block);
     SetBlock(sampler, block, bytes.data(), middleUs,
-             result >= 0 ? SMP_GOOD : SST_StateOf(&sampler->store, sampler->line.failure()));
+             result >= 0 ? SMP_GOOD : SMP_StateOf(&sampler->store, sampler->line.failure()));
     ++sampler->next;
 }
 
@@ -284,7 +284,7 @@ int SMP_Start(SMP_Sampler *sampler, const std::vector<SMP_Item> &items, int peri
     sampler->isRunning = true;
     sampler->startUs = sampler->dueUs = sampler->provenUs = sampler->line.nowUs();
     sampler->doubts = sampler->line.doubts();
-    SST_SetItems(&sampler->store, items, samplesMax);
+    SMP_SetStoreItems(&sampler->store, items, samplesMax);
     sampler->isAlone.assign(items.size(), 0);
     sampler->previous.assign(items.size(), {0, 0, UINT8_MAX});
     SMP_MakePlan(sampler);
@@ -300,7 +300,7 @@ int SMP_Change(SMP_Sampler *sampler, const std::vector<SMP_Item> &items)
     sampler->isInRow = false;
     if (!sampler->held.empty())
         ProveAndGiveOut(sampler);
-    SST_SetItems(&sampler->store, items, sampler->store.samplesMax);
+    SMP_SetStoreItems(&sampler->store, items, sampler->store.samplesMax);
     sampler->isAlone.assign(items.size(), 0);
     sampler->previous.assign(items.size(), {0, 0, UINT8_MAX});
     SMP_MakePlan(sampler);

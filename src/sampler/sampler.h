@@ -6,7 +6,7 @@
 //     SMP_Sampler sampler;
 //     SMP_Start(&sampler, items, 100, listener);         // ten times a second
 //     for (...) waitUs = SMP_Step(&sampler);             // from a timer
-//     SST_Copy(sampler.store, 0, first, end, ...);       // curves
+//     SMP_CopySamples(sampler.store, 0, first, end, ...);       // curves
 //     SMP_Stop(&sampler);
 #ifndef SAMPLER_SAMPLER_H
 #define SAMPLER_SAMPLER_H
@@ -80,7 +80,7 @@ struct SMP_Sampler {
     SMP_Listener listener;
     int periodMs = SMP_FAST;
     int protocol = 0, processor = 0; // that the plan was made for
-    std::vector<GRP_Block> plan;
+    std::vector<UCM_Block> plan;
     std::vector<uint8_t> isAlone; // items that must not share a block for a while
     uint64_t togetherUs = 0;      // when they may again, 0: none is alone
     uint64_t apartUs = 0;         // how long that lasted the last time
@@ -100,7 +100,7 @@ enum { SMP_ERR_ITEMS = -1, SMP_ERR_PERIOD = -2 };
 // Starts with an empty store. 0, SMP_ERR_ITEMS: none or too many, SMP_ERR_PERIOD. Communication
 // need not be on yet. `line` may be null: SMP_LINE.
 int SMP_Start(SMP_Sampler *sampler, const std::vector<SMP_Item> &items, int periodMs,
-              const SMP_Listener &listener, size_t samplesMax = SST_DEFAULT_SAMPLES,
+              const SMP_Listener &listener, size_t samplesMax = SMP_DEFAULT_SAMPLES,
               const SMP_Line *line = nullptr);
 // Other items, another station, an address that no longer resolves: what stays the same keeps
 // its samples. The row that is being read is given up. Results of SMP_Start.
@@ -126,6 +126,6 @@ void SMP_MakePlan(SMP_Sampler *sampler);
 // by one, and for a while they stay so.
 void SMP_PartBlock(SMP_Sampler *sampler, uint64_t nowUs);
 // Characters of the exchanges a block takes.
-uint64_t SMP_CountChars(const SMP_Sampler &sampler, const GRP_Block &block);
+uint64_t SMP_CountChars(const SMP_Sampler &sampler, const UCM_Block &block);
 
 #endif

@@ -71,14 +71,14 @@ const SMP_Line SMP_LINE = {ReadLine,
                            PLT_TickUs,
                            ReadLineProving};
 
-uint64_t SMP_CountChars(const SMP_Sampler &sampler, const GRP_Block &block)
+uint64_t SMP_CountChars(const SMP_Sampler &sampler, const UCM_Block &block)
 {
-    const GRP_Wire read = GRP_ReadWire(sampler.protocol);
+    const UCM_WireCosts read = UCM_ReadWire(sampler.protocol);
     if (!sampler.store.items[block.items[0]].isTMS)
-        return GRP_CountChars(read, block.size);
+        return UCM_CountBlockChars(read, block.size);
     // Address and command go in, the busy flag is polled, the word comes out.
-    return 2 * GRP_CountChars(GRP_WriteWire(sampler.protocol), 4) + GRP_CountChars(read, 2) +
-           GRP_CountChars(read, 4);
+    return 2 * UCM_CountBlockChars(UCM_WriteWire(sampler.protocol), 4) +
+           UCM_CountBlockChars(read, 2) + UCM_CountBlockChars(read, 4);
 }
 
 void SMP_MakePlan(SMP_Sampler *sampler)
@@ -88,7 +88,7 @@ void SMP_MakePlan(SMP_Sampler *sampler)
     sampler->next = 0;
     sampler->plan.clear();
     // By itself goes what travels through a mailbox, a word each, and what was refused in a block.
-    std::vector<GRP_Item> together;
+    std::vector<UCM_BlockItem> together;
     std::vector<size_t> indices;
     const std::vector<SMP_Item> &items = sampler->store.items;
     for (size_t i = 0; i < items.size(); ++i) {
@@ -104,8 +104,8 @@ void SMP_MakePlan(SMP_Sampler *sampler)
         indices.push_back(i);
     }
     // The plan counts the items it was given; the sampler all of them.
-    for (GRP_Block &block :
-         GRP_Plan(together, GRP_ReadWire(VR_nProtocol), GRP_ReadRules(Procesor))) {
+    for (UCM_Block &block :
+         UCM_PlanBlocks(together, UCM_ReadWire(VR_nProtocol), UCM_ReadRules(Procesor))) {
         for (size_t &item : block.items)
             item = indices[item];
         sampler->plan.push_back(std::move(block));
@@ -115,8 +115,8 @@ void SMP_MakePlan(SMP_Sampler *sampler)
 void SMP_PartBlock(SMP_Sampler *sampler, uint64_t nowUs)
 {
     // A copy: its place in the plan is given to the single ones.
-    const GRP_Block block = sampler->plan[sampler->next];
-    std::vector<GRP_Block> singles;
+    const UCM_Block block = sampler->plan[sampler->next];
+    std::vector<UCM_Block> singles;
     for (const size_t i : block.items) {
         const SMP_Item &item = sampler->store.items[i];
         singles.push_back({item.station, item.address, static_cast<uint32_t>(item.size), {i}});
@@ -132,7 +132,7 @@ void SMP_PartBlock(SMP_Sampler *sampler, uint64_t nowUs)
 double SMP_RowsPerSecondMax(const SMP_Sampler &sampler, int baud)
 {
     uint64_t chars = 0;
-    for (const GRP_Block &block : sampler.plan)
+    for (const UCM_Block &block : sampler.plan)
         chars += SMP_CountChars(sampler, block);
     return chars == 0 ? 0 : baud / SMP_BITS_PER_CHAR / static_cast<double>(chars);
 }

@@ -38,10 +38,12 @@ constexpr int CONDITION_COUNT = sizeof CONDITIONS / sizeof CONDITIONS[0];
 
 struct ActionRow {
     const char *word;
-    TRG_Action action;
+    SMP_TriggerAction action;
 };
-const ActionRow ACTIONS[] = {
-    {"start", TRG_START}, {"stop", TRG_STOP}, {"beep", TRG_BEEP}, {"mark", TRG_MARK}};
+const ActionRow ACTIONS[] = {{"start", SMP_TRIGGER_START},
+                             {"stop", SMP_TRIGGER_STOP},
+                             {"beep", SMP_TRIGGER_BEEP},
+                             {"mark", SMP_TRIGGER_MARK}};
 
 // Words parted by blanks; a comparison may stand without blanks around it.
 std::vector<std::string> SplitWords(const std::string &line)
@@ -63,11 +65,11 @@ std::vector<std::string> SplitWords(const std::string &line)
 
 } // namespace
 
-int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem)
+int SMP_ParseTrigger(const std::string &line, SMP_Trigger *trigger, std::string *problem)
 {
     const std::vector<std::string> words = SplitWords(line);
-    TRG_Trigger parsed;
-    parsed.text = WRD_Trim(line);
+    SMP_Trigger parsed;
+    parsed.text = TXT_Trim(line);
     const ActionRow *action = nullptr;
     for (const ActionRow &row : ACTIONS)
         if (!words.empty() && words[0] == row.word)
@@ -87,7 +89,8 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
         return -1;
     }
     const bool hasLevel = CONDITIONS[parsed.condition].hasLevel;
-    if (words.size() != (hasLevel ? 5u : 4u) || (hasLevel && !NUM_Parse(words[4], &parsed.level))) {
+    if (words.size() != (hasLevel ? 5u : 4u) ||
+        (hasLevel && !TXT_ParseNumber(words[4], &parsed.level))) {
         *problem = hasLevel ? "a number is to follow '" + words[3] + "'"
                             : "nothing is to follow '" + words[3] + "'";
         return -1;
@@ -96,21 +99,22 @@ int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *proble
     return 0;
 }
 
-int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers, std::string *problem)
+int SMP_ParseTriggers(const std::string &text, std::vector<SMP_Trigger> *triggers,
+                      std::string *problem)
 {
-    std::vector<TRG_Trigger> parsed;
+    std::vector<SMP_Trigger> parsed;
     std::istringstream stream(text);
     for (std::string line; std::getline(stream, line, ';');) {
-        TRG_Trigger trigger;
-        if (WRD_Trim(line).empty())
+        SMP_Trigger trigger;
+        if (TXT_Trim(line).empty())
             continue;
-        if (TRG_Parse(line, &trigger, problem) != 0) {
-            *problem = "'" + WRD_Trim(line) + "': " + *problem + ".";
+        if (SMP_ParseTrigger(line, &trigger, problem) != 0) {
+            *problem = "'" + TXT_Trim(line) + "': " + *problem + ".";
             return -1;
         }
         parsed.push_back(trigger);
     }
-    if (parsed.size() > TRG_LINES_MAX) {
+    if (parsed.size() > SMP_TRIGGER_LINES_MAX) {
         *problem = "There are too many actions.";
         return -1;
     }
@@ -118,7 +122,8 @@ int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers, s
     return 0;
 }
 
-bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples)
+bool SMP_FeedTrigger(SMP_Trigger *trigger, const std::vector<SMP_Item> &items,
+                     const SMP_Sample *samples)
 {
     // Looked up each time: items may change while it goes on.
     size_t i = 0;

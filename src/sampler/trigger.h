@@ -15,10 +15,10 @@
 #include <string>
 #include <vector>
 
-enum TRG_Action { TRG_START, TRG_STOP, TRG_BEEP, TRG_MARK };
+enum SMP_TriggerAction { SMP_TRIGGER_START, SMP_TRIGGER_STOP, SMP_TRIGGER_BEEP, SMP_TRIGGER_MARK };
 
-struct TRG_Trigger {
-    TRG_Action action = TRG_MARK;
+struct SMP_Trigger {
+    SMP_TriggerAction action = SMP_TRIGGER_MARK;
     std::string item;  // by name: it is looked up in each row's items
     int condition = 0; // row of the table in trigger.cpp
     double level = 0;
@@ -28,19 +28,21 @@ struct TRG_Trigger {
     bool heldBefore = false;
     double before = 0;
 };
-constexpr size_t TRG_LINES_MAX = 16;
+constexpr size_t SMP_TRIGGER_LINES_MAX = 16;
 
 // 0, or -1 with what is wrong in *problem.
-int TRG_Parse(const std::string &line, TRG_Trigger *trigger, std::string *problem);
+int SMP_ParseTrigger(const std::string &line, SMP_Trigger *trigger, std::string *problem);
 // Several, parted by ';'. 0, or -1 with what is wrong in *problem, for a person.
-int TRG_ParseList(const std::string &text, std::vector<TRG_Trigger> *triggers,
-                  std::string *problem);
+int SMP_ParseTriggers(const std::string &text, std::vector<SMP_Trigger> *triggers,
+                      std::string *problem);
 // True when it fires by this row. An item that is not among `items` never does.
-bool TRG_Feed(TRG_Trigger *trigger, const std::vector<SMP_Item> &items, const SMP_Sample *samples);
+bool SMP_FeedTrigger(SMP_Trigger *trigger, const std::vector<SMP_Item> &items,
+                     const SMP_Sample *samples);
 
 // The question in which a user enters triggers, for every window that has some (trigger_entry.cpp).
 // `whose` says in a word or two what they are for: "of the next recording". The text as it was
 // entered, and parsed. False when the user gave up: both are as they were.
-bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers);
+bool SMP_AskForTrigger(const std::string &whose, std::string *text,
+                       std::vector<SMP_Trigger> *triggers);
 
 #endif

@@ -12,7 +12,8 @@ const char HELP[] = ", parted by ';', such as\n"
 
 } // namespace
 
-bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigger> *triggers)
+bool SMP_AskForTrigger(const std::string &whose, std::string *text,
+                       std::vector<SMP_Trigger> *triggers)
 {
     // What was refused is asked again as it was typed, with what is wrong above it.
     std::string entered = *text, problem;
@@ -21,7 +22,7 @@ bool TRG_Ask(const std::string &whose, std::string *text, std::vector<TRG_Trigge
             (problem.empty() ? "" : problem + "\n\n") + "Actions " + whose + HELP;
         if (PromptPopup("Record when", question, &entered, TEXT_MAX) < 0)
             return false;
-        if (TRG_ParseList(entered, triggers, &problem) != 0)
+        if (SMP_ParseTriggers(entered, triggers, &problem) != 0)
             continue;
         *text = entered;
         return true;

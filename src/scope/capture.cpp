@@ -47,7 +47,7 @@ std::string Head(const SCP_Capture &capture)
     }
     head += "sample,time";
     for (const SCP_Trace &trace : capture.traces)
-        head += "," + WRD_QuoteCsv(trace.name);
+        head += "," + TXT_QuoteCsv(trace.name);
     return head + "\r\n";
 }
 
@@ -96,20 +96,20 @@ bool ParseHeadLine(const std::string &key, const std::string &value, SCP_Capture
         return true;
     }
     if (key == "rate")
-        return NUM_Parse(value, &capture->rate) && capture->rate > 0 &&
+        return TXT_ParseNumber(value, &capture->rate) && capture->rate > 0 &&
                std::isfinite(capture->rate);
     if (key == "sub")
-        return NUM_Parse(value, &capture->subPd) && capture->subPd > 0;
+        return TXT_ParseNumber(value, &capture->subPd) && capture->subPd > 0;
     if (key == "trigger")
-        return NUM_Parse(first, &capture->mode) && NUM_Parse(rest, &capture->slope);
+        return TXT_ParseNumber(first, &capture->mode) && TXT_ParseNumber(rest, &capture->slope);
     if (key == "level" || key == "position")
-        return NUM_Parse(value, key == "level" ? &capture->level : &capture->position);
+        return TXT_ParseNumber(value, key == "level" ? &capture->level : &capture->position);
     if (key == "trigger at")
-        return NUM_Parse(value, &capture->triggerAt);
+        return TXT_ParseNumber(value, &capture->triggerAt);
     if (key != "type" && key != "unit" && key != "scale")
         return true;
     size_t number = 0;
-    if (!NUM_Parse(first, &number) || number < 1 || number > TRACES_MAX)
+    if (!TXT_ParseNumber(first, &number) || number < 1 || number > TRACES_MAX)
         return false;
     notes->resize(std::max(notes->size(), number));
     TraceNotes &note = (*notes)[number - 1];
@@ -119,8 +119,8 @@ bool ParseHeadLine(const std::string &key, const std::string &value, SCP_Capture
         note.type = SX_FindType(rest);
     const size_t second = rest.find(", ");
     if (key == "scale" &&
-        (second == std::string::npos || !NUM_Parse(rest.substr(0, second), &note.factor) ||
-         !NUM_Parse(rest.substr(second + 2), &note.offset)))
+        (second == std::string::npos || !TXT_ParseNumber(rest.substr(0, second), &note.factor) ||
+         !TXT_ParseNumber(rest.substr(second + 2), &note.offset)))
         return false;
     return note.type >= 0;
 }
@@ -130,13 +130,13 @@ bool ParseColumns(const std::string &line, const std::vector<TraceNotes> &notes,
                   SCP_Capture *capture)
 {
     std::vector<std::string> cells;
-    if (!CSV_SplitRow(line, &cells) || cells.size() < 3 || cells.size() > TRACES_MAX + 2 ||
+    if (!TXT_SplitCsvRow(line, &cells) || cells.size() < 3 || cells.size() > TRACES_MAX + 2 ||
         cells[0] != "sample" || cells[1] != "time")
         return false;
     for (size_t i = 2; i < cells.size(); ++i) {
         const TraceNotes note = i - 2 < notes.size() ? notes[i - 2] : TraceNotes();
         SCP_Trace trace;
-        trace.name = WRD_WithoutCsvMark(cells[i]);
+        trace.name = TXT_WithoutCsvMark(cells[i]);
         trace.unit = note.unit;
         trace.type = note.type;
         trace.factor = note.factor;
@@ -151,13 +151,13 @@ bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
 {
     std::vector<std::string> cells;
     size_t number = 0;
-    if (!CSV_SplitRow(line, &cells) || cells.size() != capture->traces.size() + 2 ||
-        !NUM_Parse(cells[0], &number) || number != index)
+    if (!TXT_SplitCsvRow(line, &cells) || cells.size() != capture->traces.size() + 2 ||
+        !TXT_ParseNumber(cells[0], &number) || number != index)
         return false;
     for (size_t i = 0; i < capture->traces.size(); ++i) {
         // An empty cell is a sample that was not read.
         double value = std::numeric_limits<double>::quiet_NaN();
-        if (!cells[i + 2].empty() && !NUM_Parse(cells[i + 2], &value))
+        if (!cells[i + 2].empty() && !TXT_ParseNumber(cells[i + 2], &value))
             return false;
         capture->traces[i].samples.push_back(value);
     }
@@ -168,7 +168,7 @@ bool ParseRow(const std::string &line, size_t index, SCP_Capture *capture)
 bool EndsWithLine(const std::string &path)
 {
     std::FILE *file = nullptr;
-    if (PLF_Open(path, PLF_ANY_SIZE, &file) != PLF_OK)
+    if (PLT_OpenForReading(path, PLT_FILE_ANY_SIZE, &file) != PLT_FILE_OK)
         return false;
     const int last = std::fseek(file, -1, SEEK_END) == 0 ? std::fgetc(file) : EOF;
     std::fclose(file);
@@ -227,12 +227,12 @@ int SCP_SaveCapture(const std::string &path, const SCP_Capture &capture)
     if (path == "-")
         return WriteAll(stdout, capture) && std::fflush(stdout) == 0 ? 0 : -1;
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
     // Half a recording does not replace a whole one.
     if (WriteAll(safe.file, capture))
-        return SAF_Commit(&safe);
-    SAF_Cancel(&safe);
+        return PLT_CommitSave(&safe);
+    PLT_CancelSave(&safe);
     return -1;
 }
 

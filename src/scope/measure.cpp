@@ -74,7 +74,7 @@ size_t FastLength(size_t count)
 
 // The line lies between the bins; a parabola through the logarithms of the three highest finds
 // it, and for this window's shape the height with it.
-void FindPeak(SPC_Spectrum *spectrum)
+void FindPeak(SCP_Spectrum *spectrum)
 {
     const std::vector<double> &a = spectrum->amplitudes;
     const auto top = std::max_element(a.begin(), a.end());
@@ -128,10 +128,10 @@ SCP_Measures SCP_Measure(const std::vector<double> &x, const std::vector<double>
     return m;
 }
 
-int SPC_Make(const std::vector<double> &samples, double rate, SPC_Spectrum *spectrum)
+int SCP_MakeSpectrum(const std::vector<double> &samples, double rate, SCP_Spectrum *spectrum)
 {
     const size_t count = samples.size();
-    if (count < SPC_SAMPLES_MIN ||
+    if (count < SCP_SPECTRUM_SAMPLES_MIN ||
         !std::all_of(samples.begin(), samples.end(), [](double v) { return std::isfinite(v); }))
         return -1;
     // Divided before it is added: the sum of great samples could be infinite.
@@ -149,7 +149,7 @@ int SPC_Make(const std::vector<double> &samples, double rate, SPC_Spectrum *spec
         weights += weight;
     }
     kissfft<double>(length, false).transform(in.data(), out.data());
-    SPC_Spectrum made;
+    SCP_Spectrum made;
     for (size_t i = 0; i <= length / 2; i++) {
         made.frequencies.push_back(static_cast<double>(i) * rate / static_cast<double>(length));
         made.amplitudes.push_back(2 * std::abs(out[i]) / weights);

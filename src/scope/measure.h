@@ -21,16 +21,16 @@ struct SCP_Measures {
 SCP_Measures SCP_Measure(const std::vector<double> &x, const std::vector<double> &y, double from,
                          double to);
 
-constexpr size_t SPC_SAMPLES_MIN = 16;
+constexpr size_t SCP_SPECTRUM_SAMPLES_MIN = 16;
 
-struct SPC_Spectrum {
+struct SCP_Spectrum {
     std::vector<double> frequencies; // Hz, from 0 to half the rate
     std::vector<double> amplitudes;  // of a sine of that frequency: half its peak to peak
     double peakHz = 0, peak = 0;     // the strongest line; 0 of a curve that does not move
 };
 
-// Of the samples, `rate` a second, without their mean. 0, or -1: fewer than SPC_SAMPLES_MIN or
-// one that has no value.
-int SPC_Make(const std::vector<double> &samples, double rate, SPC_Spectrum *spectrum);
+// Of the samples, `rate` a second, without their mean. 0, or -1: fewer than
+// SCP_SPECTRUM_SAMPLES_MIN or one that has no value.
+int SCP_MakeSpectrum(const std::vector<double> &samples, double rate, SCP_Spectrum *spectrum);
 
 #endif

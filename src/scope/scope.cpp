@@ -123,7 +123,7 @@ int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progr
 {
     const uint32_t total = 2 * static_cast<uint32_t>(count);
     // As much as one exchange of this protocol brings, so that a cancel waits for no more.
-    const uint32_t blockMax = GRP_ReadWire(UCM_recS.protocol).blockMax;
+    const uint32_t blockMax = UCM_ReadWire(UCM_recS.protocol).blockMax;
     std::vector<uint8_t> bytes(total);
     bool isCancelled = false;
     // Block by block: a read of several has a proof of its own behind it each time.
@@ -142,7 +142,7 @@ int SX_ReadWords(uint32_t address, int count, uint16_t *words, SX_Progress progr
             return isCancelled ? static_cast<int>(SX_CANCELLED) : -2;
     }
     for (uint32_t i = 0; i < total; i += 2)
-        *words++ = static_cast<uint16_t>(BYT_GetLittle(&bytes[i], 2));
+        *words++ = static_cast<uint16_t>(TXT_GetLittle(&bytes[i], 2));
     return 0;
 }
 

@@ -52,14 +52,14 @@ int ReadWord(const char *suffix, uint16_t *value)
     uint8_t bytes[2];
     const int result = S2_RdOscVar(suffix, sizeof bytes, bytes);
     if (result == 0)
-        *value = static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes));
+        *value = static_cast<uint16_t>(TXT_GetLittle(bytes, sizeof bytes));
     return result;
 }
 
 int WriteWord(const std::string &suffix, uint16_t value)
 {
     uint8_t bytes[2];
-    BYT_PutLittle(bytes, sizeof bytes, value);
+    TXT_PutLittle(bytes, sizeof bytes, value);
     return S2_WrOscVar(suffix.c_str(), sizeof bytes, bytes);
 }
 
@@ -110,7 +110,7 @@ int S2_Init()
         float frequency = 0; // Hz
         if (S2_RdOscVar("fFreq", sizeof bytes, bytes) < 0)
             return -1;
-        const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
+        const auto bits = static_cast<uint32_t>(TXT_GetLittle(bytes, sizeof bytes));
         std::memcpy(&frequency, &bits, sizeof frequency);
         SX_ffFscp = static_cast<double>(frequency);
     }

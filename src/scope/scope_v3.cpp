@@ -45,7 +45,7 @@ int ReadWord(uint32_t offset, uint16_t *value)
     uint8_t bytes[2];
     const int result = S3_RdOscVar(offset, sizeof bytes, bytes);
     if (result == 0)
-        *value = static_cast<uint16_t>(BYT_GetLittle(bytes, sizeof bytes));
+        *value = static_cast<uint16_t>(TXT_GetLittle(bytes, sizeof bytes));
     return result;
 }
 
@@ -54,21 +54,21 @@ int ReadLong(uint32_t offset, uint32_t *value)
     uint8_t bytes[4];
     const int result = S3_RdOscVar(offset, sizeof bytes, bytes);
     if (result == 0)
-        *value = static_cast<uint32_t>(BYT_GetLittle(bytes, sizeof bytes));
+        *value = static_cast<uint32_t>(TXT_GetLittle(bytes, sizeof bytes));
     return result;
 }
 
 int WriteWord(uint32_t offset, uint16_t value)
 {
     uint8_t bytes[2];
-    BYT_PutLittle(bytes, sizeof bytes, value);
+    TXT_PutLittle(bytes, sizeof bytes, value);
     return S3_WrOscVar(offset, sizeof bytes, bytes);
 }
 
 int WriteLong(uint32_t offset, uint32_t value)
 {
     uint8_t bytes[4];
-    BYT_PutLittle(bytes, sizeof bytes, value);
+    TXT_PutLittle(bytes, sizeof bytes, value);
     return S3_WrOscVar(offset, sizeof bytes, bytes);
 }
 

@@ -25,7 +25,7 @@ std::vector<std::string> SplitFields(const std::string &line)
     const std::string text = line.substr(0, line.find(';'));
     for (size_t begin = 0; begin <= text.size();) {
         const size_t comma = std::min(text.find(',', begin), text.size());
-        fields.push_back(WRD_Trim(text.substr(begin, comma - begin)));
+        fields.push_back(TXT_Trim(text.substr(begin, comma - begin)));
         begin = comma + 1;
     }
     return fields;
@@ -55,13 +55,13 @@ const Key KEYS[] = {
      [](const SCP_Setup &s, size_t) { return s.id; }},
     {"sub", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) {
-         return NUM_Parse(f[0], 1, SUB_PERIOD_MAX, &s->subPd);
+         return TXT_ParseNumber(f[0], 1, SUB_PERIOD_MAX, &s->subPd);
      },
      [](const SCP_Setup &s, size_t) { return std::to_string(s.subPd); }},
     {"trigger", false, 2,
      [](const Fields &f, SCP_Setup *s, size_t) {
          int mode = 0, slope = 0;
-         if (!NUM_Parse(f[0], 0, 2, &mode) || !NUM_Parse(f[1], 0, SX_TYPES - 1, &slope))
+         if (!TXT_ParseNumber(f[0], 0, 2, &mode) || !TXT_ParseNumber(f[1], 0, SX_TYPES - 1, &slope))
              return false;
          s->mode = mode;
          s->slope = slope;
@@ -71,11 +71,13 @@ const Key KEYS[] = {
          return std::to_string(s.mode) + ", " + std::to_string(s.slope);
      }},
     {"level", false, 1,
-     [](const Fields &f, SCP_Setup *s, size_t) { return NUM_Parse(f[0], -ANY, ANY, &s->level); },
+     [](const Fields &f, SCP_Setup *s, size_t) {
+         return TXT_ParseNumber(f[0], -ANY, ANY, &s->level);
+     },
      [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.level); }},
     {"position", false, 1,
      [](const Fields &f, SCP_Setup *s, size_t) {
-         return NUM_Parse(f[0], 0.0, 100.0, &s->position);
+         return TXT_ParseNumber(f[0], 0.0, 100.0, &s->position);
      },
      [](const SCP_Setup &s, size_t) { return SCP_NumberText(s.position); }},
     {"ch", true, 2,
@@ -111,8 +113,8 @@ const Key KEYS[] = {
     {"scale", true, 2,
      [](const Fields &f, SCP_Setup *s, size_t index) {
          double factor = 0, offset = 0;
-         if (!NUM_Parse(f[0], -ANY, ANY, &factor) || !NUM_Parse(f[1], -ANY, ANY, &offset) ||
-             factor == 0)
+         if (!TXT_ParseNumber(f[0], -ANY, ANY, &factor) ||
+             !TXT_ParseNumber(f[1], -ANY, ANY, &offset) || factor == 0)
              return false;
          s->channels[index].factor = factor;
          s->channels[index].offset = offset;
@@ -137,7 +139,7 @@ const Key *FindKey(const Fields &fields, size_t *index)
         return nullptr;
     int number = 0;
     if (key->isOfChannel)
-        *index = fields.size() > 1 && NUM_Parse(fields[1], 1, SX_CHANNELS_MAX, &number)
+        *index = fields.size() > 1 && TXT_ParseNumber(fields[1], 1, SX_CHANNELS_MAX, &number)
                      ? static_cast<size_t>(number - 1)
                      : SX_CHANNELS_MAX;
     return key;
@@ -240,11 +242,11 @@ int SCP_SaveSetup(const std::string &path, const SCP_Setup &setup)
         }
     }
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
     for (const std::string &line : lines)
         std::fprintf(safe.file, "%s\r\n", line.c_str());
-    return SAF_Commit(&safe);
+    return PLT_CommitSave(&safe);
 }
 
 uint32_t SCP_ResolvePlace(const std::string &place)

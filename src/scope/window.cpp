@@ -9,14 +9,14 @@
 #include "ui/resource.h"
 #include "watch/windows/name_completion.h"
 
-SCW_State SCW_state;
+SCP_WindowState SCP_windowState;
 
 namespace {
 
 constexpr double LOOK_PERIOD_S = 0.05; // at the control word while the scope waits
 
-SCP_Setup &setup = SCW_state.setup;
-size_t &chosen = SCW_state.chosen;
+SCP_Setup &setup = SCP_windowState.setup;
+size_t &chosen = SCP_windowState.chosen;
 
 std::string TextOf(int control)
 {
@@ -78,33 +78,33 @@ void ShowRate()
     }
     const double rate = SX_ffFscp / setup.subPd;
     SetCtrlVal(PANEL_SCOPE, SCOPE_RATE,
-               SCW_NumberText(rate) + " Hz, " + SCW_NumberText(SX_nVz / rate) + " s");
+               SCP_CurveNumberText(rate) + " Hz, " + SCP_CurveNumberText(SX_nVz / rate) + " s");
 }
 
 } // namespace
 
-void SCW_ShowStatus(const std::string &text)
+void SCP_ShowStatus(const std::string &text)
 {
     SetCtrlVal(PANEL_SCOPE, SCOPE_MESSAGE, text);
 }
 
-void SCW_ShowState(const std::string &text)
+void SCP_ShowWindowState(const std::string &text)
 {
     SetCtrlVal(PANEL_SCOPE, SCOPE_STATE, text);
 }
 
-void SCW_ShowButtons()
+void SCP_ShowButtons()
 {
     // What asks the target waits for the init; files and fields do not.
     for (const int control : {SCOPE_RUN, SCOPE_SNAP, SCOPE_UPLOAD})
         SetCtrlAttribute(PANEL_SCOPE, control, ATTR_DIMMED, SX_isInitDone ? 0 : 1);
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_RUN, ATTR_LABEL_TEXT,
-                     SCW_state.isRunning ? "__Stop" : "__Run");
+                     SCP_windowState.isRunning ? "__Stop" : "__Run");
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_SAVE_DATA, ATTR_DIMMED,
-                     SCW_state.capture.traces.empty() ? 1 : 0);
+                     SCP_windowState.capture.traces.empty() ? 1 : 0);
 }
 
-void SCW_ShowSetup()
+void SCP_ShowSetup()
 {
     SetCtrlVal(PANEL_SCOPE, SCOPE_ID, setup.id.empty() ? SX_DefaultPrefix(Procesor) : setup.id);
     ShowChannels();
@@ -114,7 +114,7 @@ void SCW_ShowSetup()
     SetCtrlVal(PANEL_SCOPE, SCOPE_POSITION, setup.position);
     SetCtrlVal(PANEL_SCOPE, SCOPE_SUB, setup.subPd);
     ShowRate();
-    SCW_ShowButtons();
+    SCP_ShowButtons();
 }
 
 const SCP_Setup &DTSC_GetSetup()
@@ -124,25 +124,25 @@ const SCP_Setup &DTSC_GetSetup()
 
 const SCP_Capture &DTSC_GetCapture()
 {
-    return SCW_state.capture;
+    return SCP_windowState.capture;
 }
 
 void DTSC_Opened()
 {
-    SetCtrlCompletion(PANEL_SCOPE, SCOPE_PLACE, NCM_CompleteCB);
+    SetCtrlCompletion(PANEL_SCOPE, SCOPE_PLACE, WIN_CompleteNameCB);
     SetCtrlAttribute(PANEL_SCOPE, SCOPE_TIMER, ATTR_INTERVAL, LOOK_PERIOD_S);
     // Before anything is shown: the station may have changed while the window was closed.
-    SCW_IsFound();
-    SCW_ShowSetup();
-    SCW_ShowCurves();
+    SCP_IsFound();
+    SCP_ShowSetup();
+    SCP_ShowCurves();
     if (!SX_isInitDone)
-        SCW_ShowState(SCW_NOT_FOUND_TEXT);
+        SCP_ShowWindowState(SCP_NOT_FOUND_TEXT);
 }
 
 void DTSC_OnQuit()
 {
-    if (SCW_state.isRunning)
-        SCW_Stop();
+    if (SCP_windowState.isRunning)
+        SCP_Stop();
 }
 
 int DTSC_PanelCB(int panel, int event, int)
@@ -181,7 +181,7 @@ int DTSC_ChannelCB(int, int control, int event, int)
     const std::string text = control == SCOPE_ON || control == SCOPE_TYPE ? "" : TextOf(control);
     // Comma and semicolon part and end the fields of the settings file.
     if (text.find_first_of(",;") != std::string::npos) {
-        SCW_ShowStatus("Neither comma nor semicolon can stand here.");
+        SCP_ShowStatus("Neither comma nor semicolon can stand here.");
         return 0;
     }
     double number = 0;
@@ -202,8 +202,8 @@ int DTSC_ChannelCB(int, int control, int event, int)
         channel.unit = text;
         break;
     default:
-        if (!NUM_Parse(text, &number) || (control == SCOPE_FACTOR && number == 0)) {
-            SCW_ShowStatus("Factor and offset are numbers, the factor not 0.");
+        if (!TXT_ParseNumber(text, &number) || (control == SCOPE_FACTOR && number == 0)) {
+            SCP_ShowStatus("Factor and offset are numbers, the factor not 0.");
             return 0;
         }
         (control == SCOPE_FACTOR ? channel.factor : channel.offset) = number;
@@ -222,17 +222,17 @@ int DTSC_OnTriggerMode(int, int control, int event, int)
     double level = 0;
     if (event != EVENT_COMMIT && !(event == EVENT_VAL_CHANGED && control == SCOPE_POSITION))
         return 0;
-    if (control == SCOPE_LEVEL && !NUM_Parse(TextOf(SCOPE_LEVEL), &level)) {
-        SCW_ShowStatus("The level is a number.");
+    if (control == SCOPE_LEVEL && !TXT_ParseNumber(TextOf(SCOPE_LEVEL), &level)) {
+        SCP_ShowStatus("The level is a number.");
         return 0;
     }
     if (control == SCOPE_LEVEL)
         setup.level = level;
     setup.mode = IntOf(SCOPE_EDGE);
     GetCtrlVal(PANEL_SCOPE, SCOPE_POSITION, &setup.position);
-    SCW_ShowMarks();
+    SCP_ShowMarks();
     if (event == EVENT_COMMIT)
-        SCW_TellTarget(SCP_SetTrigger);
+        SCP_TellTarget(SCP_SetTrigger);
     return 0;
 }
 
@@ -241,7 +241,7 @@ int DTSC_OnSubPd(int, int, int event, int)
     setup.subPd = IntOf(SCOPE_SUB);
     ShowRate(); // with every step of the arrows
     if (event == EVENT_COMMIT)
-        SCW_TellTarget(SCP_SetSubPeriod);
+        SCP_TellTarget(SCP_SetSubPeriod);
     return 0;
 }
 
@@ -250,10 +250,10 @@ int DTSC_GraphCB(int, int, int event, int)
 {
     if (event != EVENT_VAL_CHANGED)
         return 0;
-    SCW_ReadMarks();
+    SCP_ReadMarks();
     SetCtrlVal(PANEL_SCOPE, SCOPE_LEVEL, SCP_NumberText(setup.level));
     SetCtrlVal(PANEL_SCOPE, SCOPE_POSITION, setup.position);
-    SCW_ShowMeasures(); // they are those of what is in view
+    SCP_ShowMeasures(); // they are those of what is in view
     return 0;
 }
 
@@ -261,7 +261,7 @@ int DTSC_ShownCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
         return 0;
-    SCW_ChooseSpectrum(IntOf(control));
-    SCW_ShowCurves();
+    SCP_ChooseSpectrum(IntOf(control));
+    SCP_ShowCurves();
     return 0;
 }

@@ -32,7 +32,7 @@ UI_Samples Share(std::vector<double> values)
 // A curve to compare with has the pane of the one it is compared with.
 int PaneOf(const std::string &name, size_t index)
 {
-    const std::vector<SCP_Trace> &traces = SCW_state.capture.traces;
+    const std::vector<SCP_Trace> &traces = SCP_windowState.capture.traces;
     for (size_t i = 0; i < traces.size(); ++i)
         if (traces[i].name == name)
             index = i;
@@ -62,15 +62,15 @@ void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReferen
 {
     // Too short, or with samples that were not read, it has none: no curve then.
     for (const SCP_Trace &trace : from.traces) {
-        SPC_Spectrum spectrum;
-        if (trace.name != name || SPC_Make(trace.samples, from.rate, &spectrum) < 0)
+        SCP_Spectrum spectrum;
+        if (trace.name != name || SCP_MakeSpectrum(trace.samples, from.rate, &spectrum) < 0)
             continue;
         UI_Plot plot;
         plot.x = Share(spectrum.frequencies);
         plot.y = Share(spectrum.amplitudes);
         plot.name = name + " (" + (isReference ? "reference, " : "") + "peak " +
-                    SCW_NumberText(spectrum.peak) + " at " + SCW_NumberText(spectrum.peakHz) +
-                    " Hz)";
+                    SCP_CurveNumberText(spectrum.peak) + " at " +
+                    SCP_CurveNumberText(spectrum.peakHz) + " Hz)";
         plot.unit = trace.unit;
         plot.isDashed = isReference;
         plots->push_back(plot);
@@ -80,7 +80,7 @@ void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReferen
 // The entries are the traces there are; the choice stays while its trace does.
 void ShowChoices()
 {
-    const SCP_Capture &capture = SCW_state.capture;
+    const SCP_Capture &capture = SCP_windowState.capture;
     if (spectrumOf >= static_cast<int>(capture.traces.size()))
         spectrumOf = -1;
     ClearListCtrl(PANEL_SCOPE, SCOPE_SHOWN);
@@ -119,19 +119,19 @@ double LengthOf(const SCP_Capture &capture)
 
 std::string Cell(bool isKnown, double value)
 {
-    return isKnown ? SCW_NumberText(value) : "-";
+    return isKnown ? SCP_CurveNumberText(value) : "-";
 }
 
 } // namespace
 
-std::string SCW_NumberText(double value)
+std::string SCP_CurveNumberText(double value)
 {
     char text[32];
     std::snprintf(text, sizeof text, "%.6g", value);
     return text;
 }
 
-void SCW_ChooseSpectrum(int trace)
+void SCP_ChooseSpectrum(int trace)
 {
     spectrumOf = trace;
     // Seconds and hertz have no limits in common.
@@ -142,32 +142,32 @@ void SCW_ChooseSpectrum(int trace)
     SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view);
 }
 
-void SCW_ShowCurves()
+void SCP_ShowCurves()
 {
     // First the choices: a trace that is gone takes its spectrum with it.
     ShowChoices();
-    const SCP_Capture &capture = SCW_state.capture;
+    const SCP_Capture &capture = SCP_windowState.capture;
     std::vector<UI_Plot> plots;
     if (spectrumOf >= 0) {
         const std::string &name = capture.traces[static_cast<size_t>(spectrumOf)].name;
         AddSpectra(capture, name, false, &plots);
-        AddSpectra(SCW_state.reference, name, true, &plots);
+        AddSpectra(SCP_windowState.reference, name, true, &plots);
     } else {
         AddCurves(capture, false, &plots);
-        AddCurves(SCW_state.reference, true, &plots);
+        AddCurves(SCP_windowState.reference, true, &plots);
     }
     SetGraphAxes(PANEL_SCOPE, SCOPE_GRAPH,
                  {spectrumOf >= 0 ? "frequency [Hz]" : "time [s], 0 = trigger",
                   spectrumOf >= 0 ? "amplitude" : ""});
     Draw(plots);
-    SCW_ShowMarks();
-    SCW_ShowMeasures();
+    SCP_ShowMarks();
+    SCP_ShowMeasures();
 }
 
-void SCW_ShowMarks()
+void SCP_ShowMarks()
 {
-    const SCP_Setup &setup = SCW_state.setup;
-    const SCP_Capture &capture = SCW_state.capture;
+    const SCP_Setup &setup = SCP_windowState.setup;
+    const SCP_Capture &capture = SCP_windowState.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     triggerChannel = setup.channels[0];
@@ -181,10 +181,10 @@ void SCW_ShowMarks()
     SetGraphView(PANEL_SCOPE, SCOPE_GRAPH, view);
 }
 
-void SCW_ReadMarks()
+void SCP_ReadMarks()
 {
-    SCP_Setup &setup = SCW_state.setup;
-    const SCP_Capture &capture = SCW_state.capture;
+    SCP_Setup &setup = SCP_windowState.setup;
+    const SCP_Capture &capture = SCP_windowState.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     // Only what was dragged: the way there and back would round what was typed.
@@ -199,9 +199,9 @@ void SCW_ReadMarks()
     shownPosition = view.position.value;
 }
 
-void SCW_ShowMeasures()
+void SCP_ShowMeasures()
 {
-    const SCP_Capture &capture = SCW_state.capture;
+    const SCP_Capture &capture = SCP_windowState.capture;
     UI_GraphView view;
     GetGraphView(PANEL_SCOPE, SCOPE_GRAPH, &view);
     const std::vector<double> times = TimesOf(capture);

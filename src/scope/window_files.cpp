@@ -24,15 +24,15 @@ void OpenSetup()
     std::string path;
     std::vector<std::string> problems;
     if (FileSelectPopup("", "*.ini", "*.ini", "Open scope settings", FILE_LOAD, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
-    if (SCP_LoadSetup(path, &SCW_state.setup, &problems) != 0) {
-        MessagePopup("Error", PLF_FailureText(path));
+    if (SCP_LoadSetup(path, &SCP_windowState.setup, &problems) != 0) {
+        MessagePopup("Error", PLT_ReadFailureText(path));
         return;
     }
     SX_isInitDone = 0; // it may name another scope
-    SCW_Stop();
-    SCW_ShowSetup();
+    SCP_Stop();
+    SCP_ShowSetup();
     // Told last, with the rest on the screen: saving would write the default in their place.
     std::string text;
     for (const std::string &problem : problems)
@@ -45,34 +45,34 @@ void SaveSetup()
 {
     std::string path;
     if (FileSelectPopup("", "scope.ini", "*.ini", "Save scope settings", FILE_SAVE, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
-    if (SCP_SaveSetup(path, SCW_state.setup) != 0)
-        MessagePopup("Error", SAF_FailureText(path));
+    if (SCP_SaveSetup(path, SCP_windowState.setup) != 0)
+        MessagePopup("Error", PLT_SaveFailureText(path));
 }
 
 void OpenData(SCP_Capture *into)
 {
     std::string path, problem;
     if (FileSelectPopup("", "*.csv", "*.csv", SCP_OPEN_TEXT, FILE_LOAD, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
     if (SCP_LoadCapture(path, into, &problem) != 0) {
         MessagePopup("Error", problem);
         return;
     }
-    SCW_ShowCurves();
-    SCW_ShowButtons();
+    SCP_ShowCurves();
+    SCP_ShowButtons();
 }
 
 void SaveData()
 {
     std::string path;
     if (FileSelectPopup("", "scope.csv", "*.csv", "Save recording", FILE_SAVE, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
-    if (SCP_SaveCapture(path, SCW_state.capture) != 0)
-        MessagePopup("Error", SAF_FailureText(path));
+    if (SCP_SaveCapture(path, SCP_windowState.capture) != 0)
+        MessagePopup("Error", PLT_SaveFailureText(path));
 }
 
 } // namespace
@@ -80,24 +80,24 @@ void SaveData()
 int DTSC_LoadSettings()
 {
     // Read where they are; written where this user may write, which can be another folder.
-    const SPL_Place place = SPL_FindPlace(SETTINGS_FILE);
+    const PLT_SettingsPlace place = PLT_FindSettingsPlace(SETTINGS_FILE);
     settingsPath = place.write;
-    SCW_state = SCW_State(); // a window that was never opened
-    const bool isThere = PLF_Exists(place.read);
+    SCP_windowState = SCP_WindowState(); // a window that was never opened
+    const bool isThere = PLT_FileExists(place.read);
     std::vector<std::string> problems;
-    const int result = isThere ? SCP_LoadSetup(place.read, &SCW_state.setup, &problems) : 0;
+    const int result = isThere ? SCP_LoadSetup(place.read, &SCP_windowState.setup, &problems) : 0;
     isSettingsRead = result == 0;
     if (result != 0)
-        SCW_ShowStatus("DtaScope.ini cannot be read: it will not be written.");
+        SCP_ShowStatus("DtaScope.ini cannot be read: it will not be written.");
     else if (!problems.empty())
-        SCW_ShowStatus("DtaScope.ini, " + problems[0]);
+        SCP_ShowStatus("DtaScope.ini, " + problems[0]);
     return result;
 }
 
 int DTSC_SaveSettings()
 {
     // Whoever never used the scope gets no file of it.
-    const SCP_Setup &setup = SCW_state.setup;
+    const SCP_Setup &setup = SCP_windowState.setup;
     const bool isUsed = !setup.lines.empty() || !setup.id.empty() ||
                         std::any_of(setup.channels.begin(), setup.channels.end(),
                                     [](const SCP_ChannelSetup &c) { return !c.place.empty(); });
@@ -118,13 +118,13 @@ int DTSC_FileCB(int, int control, int event, int)
         SaveSetup();
         break;
     case SCOPE_OPEN_DATA:
-        OpenData(&SCW_state.capture);
+        OpenData(&SCP_windowState.capture);
         break;
     case SCOPE_SAVE_DATA:
         SaveData();
         break;
     default: // SCOPE_REFERENCE
-        OpenData(&SCW_state.reference);
+        OpenData(&SCP_windowState.reference);
         break;
     }
     return 0;

@@ -46,7 +46,7 @@ bool ShowProgress(uint32_t done, uint32_t total)
     return isCancelled || IsBreakWished();
 }
 
-const SCP_View VIEW = {SCW_ShowStatus, AskId, ShowProgress};
+const SCP_View VIEW = {SCP_ShowStatus, AskId, ShowProgress};
 
 // The recording on the screen is replaced only by one that has curves.
 bool Upload()
@@ -61,20 +61,20 @@ bool Upload()
         return false;
     const SCP_Capture fresh = SCP_MakeCapture(SCP_GetRunSetup());
     if (fresh.traces.empty()) {
-        SCW_ShowStatus(SCP_NO_CHANNEL);
+        SCP_ShowStatus(SCP_NO_CHANNEL);
         return false;
     }
-    SCW_state.capture = fresh;
-    SCW_ShowCurves();
-    SCW_ShowButtons();
+    SCP_windowState.capture = fresh;
+    SCP_ShowCurves();
+    SCP_ShowButtons();
     return true;
 }
 
 bool Arm()
 {
     // All of the setup each time: it may have been typed while communication was off.
-    if (SCP_SetAll(SCW_state.setup, VIEW) < 0 || SCP_Run(VIEW) < 0) {
-        SCW_Stop();
+    if (SCP_SetAll(SCP_windowState.setup, VIEW) < 0 || SCP_Run(VIEW) < 0) {
+        SCP_Stop();
         return false;
     }
     armedSinceMs = PLT_TickMs();
@@ -83,46 +83,46 @@ bool Arm()
 
 } // namespace
 
-void SCW_Stop()
+void SCP_Stop()
 {
-    SCW_state.isRunning = false;
-    SCW_ShowButtons();
+    SCP_windowState.isRunning = false;
+    SCP_ShowButtons();
 }
 
-bool SCW_IsFound()
+bool SCP_IsFound()
 {
     // Another station has another scope, or none.
     if (SX_isInitDone && foundStation != STATION) {
         SX_isInitDone = 0;
-        SCW_Stop();
-        SCW_ShowState(SCW_NOT_FOUND_TEXT);
+        SCP_Stop();
+        SCP_ShowWindowState(SCP_NOT_FOUND_TEXT);
     }
     return SX_isInitDone != 0;
 }
 
-void SCW_TellTarget(int (*step)(const SCP_Setup &setup, const SCP_View &view))
+void SCP_TellTarget(int (*step)(const SCP_Setup &setup, const SCP_View &view))
 {
-    if (isTimer != 0 && SCW_IsFound())
-        step(SCW_state.setup, VIEW);
+    if (isTimer != 0 && SCP_IsFound())
+        step(SCP_windowState.setup, VIEW);
 }
 
 int DTSC_OnInit(int, int, int event, int)
 {
-    SCP_Setup &setup = SCW_state.setup;
+    SCP_Setup &setup = SCP_windowState.setup;
     if (event != EVENT_COMMIT || !VR_EnsureCom())
         return 0;
-    SCW_Stop();
+    SCP_Stop();
     GetCtrlVal(PANEL_SCOPE, SCOPE_ID, &setup.id);
     SetBusyText("looking for the scope");
     const bool isGood = SCP_Init(&setup, VIEW) == 0;
     foundStation = STATION;
     // Found, and yet not good, is one whose channels were refused: they can be mended and run.
-    SCW_ShowState(SX_isInitDone ? "ready" : "not found");
+    SCP_ShowWindowState(SX_isInitDone ? "ready" : "not found");
     // How the trigger compares depends on the generation, which is known only now. A file that
     // asks for another comparison than the default keeps it.
     if (isGood && setup.channels[0].isOn && setup.slope == SCP_Setup().slope)
         setup.slope = SCP_SlopeOf(setup.channels[0].type);
-    SCW_ShowSetup();
+    SCP_ShowSetup();
     return 0;
 }
 
@@ -130,28 +130,28 @@ int DTSC_OnRun(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
-    if (SCW_state.isRunning) {
-        SCW_Stop();
-        SCW_ShowState("stopped");
+    if (SCP_windowState.isRunning) {
+        SCP_Stop();
+        SCP_ShowWindowState("stopped");
         return 0;
     }
-    if (!VR_EnsureCom() || !SCW_IsFound())
+    if (!VR_EnsureCom() || !SCP_IsFound())
         return 0;
-    SCW_state.isRunning = Arm();
-    SCW_ShowButtons();
+    SCP_windowState.isRunning = Arm();
+    SCP_ShowButtons();
     return 0;
 }
 
 int DTSC_OnSnap(int, int, int event, int)
 {
-    if (event == EVENT_COMMIT && VR_EnsureCom() && SCW_IsFound())
+    if (event == EVENT_COMMIT && VR_EnsureCom() && SCP_IsFound())
         SCP_Snap(VIEW);
     return 0;
 }
 
 int DTSC_OnUpload(int, int, int event, int)
 {
-    if (event == EVENT_COMMIT && VR_EnsureCom() && SCW_IsFound())
+    if (event == EVENT_COMMIT && VR_EnsureCom() && SCP_IsFound())
         Upload();
     return 0;
 }
@@ -161,13 +161,13 @@ int DTSC_TimerCB(int, int, int event, int)
 {
     static const char *const WORDS[] = {"no answer", "complete", "armed, waits for the trigger",
                                         "triggered, sampling"};
-    if (event != EVENT_TIMER_TICK || !SCW_state.isRunning || !SCW_IsFound())
+    if (event != EVENT_TIMER_TICK || !SCP_windowState.isRunning || !SCP_IsFound())
         return 0;
     const SCP_State state = SCP_GetState();
-    SCW_ShowState(WORDS[state - SCP_UNKNOWN]);
+    SCP_ShowWindowState(WORDS[state - SCP_UNKNOWN]);
     if (state == SCP_UNKNOWN) {
-        SCW_ShowStatus("Error (run).");
-        SCW_Stop();
+        SCP_ShowStatus("Error (run).");
+        SCP_Stop();
         return 0;
     }
     int mode = MODE_SINGLE;
@@ -180,7 +180,7 @@ int DTSC_TimerCB(int, int, int event, int)
         return 0;
     // A failed upload ends the sweep, or it would run away over the recording that is wanted.
     if (!Upload() || mode == MODE_SINGLE)
-        SCW_Stop();
+        SCP_Stop();
     else
         Arm();
     return 0;

@@ -60,7 +60,7 @@ bool ParseDateLine(const char *cursor, PST_File *file)
     const std::string date(cursor - 10, cursor);
     if (xscan("* /,* time* /=* #0-9.#0-9./:#0-9.#0-9./:#0-9.#0-9.* #", &cursor) < 0)
         return false;
-    const std::string rest = WRD_Trim(begin);
+    const std::string rest = TXT_Trim(begin);
     const std::string time = rest.substr(rest.size() - 8);
     // The pattern has let only digits through; what they say must be a day that can be.
     const int day = std::atoi(date.c_str()), month = std::atoi(date.c_str() + 3);
@@ -76,15 +76,15 @@ void ParseRemark(Reader *reader, const std::string &text)
 {
     const size_t equals = text.find('=');
     // The end tells a file that was cut, by a full disk or a mail program, from a whole one.
-    if (WRD_Trim(text) == "end") {
+    if (TXT_Trim(text) == "end") {
         reader->isEnded = true;
         return;
     }
     if (equals == std::string::npos)
         return;
-    const std::string key = WRD_Trim(text.substr(0, equals));
+    const std::string key = TXT_Trim(text.substr(0, equals));
     // Shown later in messages and pages: control characters must not get there.
-    const std::string value = WRD_Visible(WRD_Trim(text.substr(equals + 1)));
+    const std::string value = TXT_Visible(TXT_Trim(text.substr(equals + 1)));
     PST_File *file = reader->file;
     if (key == "group") {
         reader->group = value;
@@ -151,9 +151,9 @@ void ReadLine(Reader *reader, const std::string &line)
     } else if (reader->line == 2) {
         if (!ParseDateLine(line.c_str(), reader->file))
             reader->Refuse("Here stands '// date = 31-12-2015, time = 23:59:59'.");
-    } else if (WRD_Trim(line).compare(0, 2, "//") == 0) {
+    } else if (TXT_Trim(line).compare(0, 2, "//") == 0) {
         // Also behind the end: a remark there hurts nobody.
-        ParseRemark(reader, WRD_Trim(line).substr(2));
+        ParseRemark(reader, TXT_Trim(line).substr(2));
     } else {
         PST_CutComment(line, &text, &comment);
         if (text.empty())
@@ -169,7 +169,7 @@ void ReadLine(Reader *reader, const std::string &line)
 
 std::string FileNameOf(const std::string &path)
 {
-    return WRD_Visible(std::filesystem::u8path(path).filename().u8string());
+    return TXT_Visible(std::filesystem::u8path(path).filename().u8string());
 }
 
 // Everything a restore may have to warn of: of whom and of which program the values are.
@@ -182,7 +182,7 @@ std::string HeadText(const PST_File &file)
     text += "// processor = " + file.processor + "\n// station = " + file.station + "\n";
     if (!file.map.empty())
         text += "// map = " + file.map + "\n";
-    return text + WRD_Format("// map stamp = %08X\n", static_cast<unsigned>(file.stamp)) +
+    return text + TXT_Format("// map stamp = %08X\n", static_cast<unsigned>(file.stamp)) +
            "// header = " + file.header + "\n\n";
 }
 
@@ -206,7 +206,7 @@ int PST_ReadData(const std::string &path, PST_File *file, PST_Problems *problems
     const size_t before = problems->count;
     const int handle = TXFR_Open(path.c_str());
     if (handle < 0) {
-        reader.Refuse(std::string("The data file ") + PLF_WhyUnreadable(path) + ".");
+        reader.Refuse(std::string("The data file ") + PLT_WhyUnreadable(path) + ".");
         return -1;
     }
     std::string line;
@@ -269,8 +269,8 @@ PST_File PST_MakeFile(const PST_Set &set, const PST_Image &values)
     PLT_LocalTime(&now);
     PST_File file;
     file.path = set.path;
-    file.date = WRD_Format("%02d-%02d-%04d", now.day, now.month, now.year);
-    file.time = WRD_Format("%02d:%02d:%02d", now.hour, now.minute, now.second);
+    file.date = TXT_Format("%02d-%02d-%04d", now.day, now.month, now.year);
+    file.time = TXT_Format("%02d:%02d:%02d", now.hour, now.minute, now.second);
     // Names without their folders, which mean nothing on another machine.
     file.device = set.device;
     file.processor = PST_ProcessorName();
@@ -301,18 +301,18 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
                   const std::vector<std::string> &remarks)
 {
     SafeFile safe;
-    const int result = SAF_Open(&safe, path, "wb");
+    const int result = PLT_BeginSave(&safe, path, "wb");
     if (result != 0)
         return result;
     const PST_File made = PST_MakeFile(set, values);
-    SAF_PutText(safe.file, HeadText(made));
+    PLT_SaveText(safe.file, HeadText(made));
     std::string group, heading;
     // A line for a group or heading where it changes, as a person would write it.
     for (const PST_Record &record : made.records) {
         const bool isFirst = &record == &made.records.front();
         if (record.group != group) {
-            SAF_PutText(safe.file,
-                        (isFirst ? "" : "\n") + std::string("// group = ") + record.group + "\n");
+            PLT_SaveText(safe.file,
+                         (isFirst ? "" : "\n") + std::string("// group = ") + record.group + "\n");
             heading.clear();
         }
         group = record.group;
@@ -320,7 +320,7 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
             // Labels are words of the header's grammar: blanks travel as underscores.
             std::string label = record.heading;
             std::replace(label.begin(), label.end(), ' ', '_');
-            SAF_PutText(safe.file, label + ":\n");
+            PLT_SaveText(safe.file, label + ":\n");
         }
         heading = record.heading;
         const size_t entry = set.byName.at(record.name);
@@ -330,17 +330,17 @@ int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &
             line +=
                 std::string(line.size() < COMMENT_COLUMN ? COMMENT_COLUMN - line.size() : 1, ' ') +
                 "; " + comment;
-        SAF_PutText(safe.file, line + "\n");
+        PLT_SaveText(safe.file, line + "\n");
     }
-    SAF_PutText(safe.file, "\n");
+    PLT_SaveText(safe.file, "\n");
     // In front of the end, which stays the last line whatever is remarked.
     for (const std::string &remark : remarks)
-        SAF_PutText(safe.file, "// " + remark + "\n");
-    SAF_PutText(safe.file, std::string(END_LINE) + "\n");
-    return SAF_Commit(&safe);
+        PLT_SaveText(safe.file, "// " + remark + "\n");
+    PLT_SaveText(safe.file, std::string(END_LINE) + "\n");
+    return PLT_CommitSave(&safe);
 }
 
 const char *PST_WriteErrorText(int result)
 {
-    return result == SAF_ERR_READ_ONLY ? "is write-protected" : "could not be written";
+    return result == PLT_SAVE_ERR_READ_ONLY ? "is write-protected" : "could not be written";
 }

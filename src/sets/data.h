@@ -38,7 +38,7 @@ int PST_Bind(const PST_Set &set, const PST_File &file, PST_Image *values, std::v
 PST_File PST_MakeFile(const PST_Set &set, const PST_Image &values);
 
 // Writes the values of all entries as of now, with the settings and map as they are. Lines
-// of `remarks` stand above the end. 0, SAF_ERR_..., or -1 when the disk did not take it.
+// of `remarks` stand above the end. 0, PLT_SAVE_ERR_..., or -1 when the disk did not take it.
 int PST_WriteData(const std::string &path, const PST_Set &set, const PST_Image &values,
                   const std::vector<std::string> &remarks);
 // Why writing failed, to stand behind a name.

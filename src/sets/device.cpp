@@ -18,18 +18,18 @@ constexpr size_t WRITES_PER_CHECK = 8;
 constexpr int ROUNDS_MAX = 3; // reads of the same blocks before giving up
 
 // The places in the cheapest blocks, whose items are indices into `places`.
-std::vector<GRP_Block> MakeBlocks(const PST_Set &set, const std::vector<uint32_t> &places,
-                                  const GRP_Wire &wire, bool areGapsAllowed)
+std::vector<UCM_Block> MakeBlocks(const PST_Set &set, const std::vector<uint32_t> &places,
+                                  const UCM_WireCosts &wire, bool areGapsAllowed)
 {
-    std::vector<GRP_Item> items;
+    std::vector<UCM_BlockItem> items;
     for (const uint32_t index : places) {
         const PST_Place &place = set.places[index];
         items.push_back({STATION, place.address, set.entries[place.entry].size});
     }
-    GRP_Rules rules;
+    UCM_BlockRules rules;
     // Reading may take along what lies between; writing must never touch it.
     rules.areGapsAllowed = areGapsAllowed;
-    return GRP_Plan(items, wire, rules);
+    return UCM_PlanBlocks(items, wire, rules);
 }
 
 std::string LinkText(const std::string &what)
@@ -46,7 +46,7 @@ bool IsCancelled(const PST_Progress &progress, size_t done, size_t total, const 
 
 // Reads blocks [first, end) and proves them; what the line may have mixed up is read again.
 int ReadProven(const PST_Set &set, const std::vector<uint32_t> &places,
-               const std::vector<GRP_Block> &blocks, size_t first, size_t end, PST_Image *image,
+               const std::vector<UCM_Block> &blocks, size_t first, size_t end, PST_Image *image,
                std::string *why)
 {
     for (int round = 0; round < ROUNDS_MAX; ++round) {
@@ -86,10 +86,10 @@ struct Writer {
     PST_Image *held;
     std::vector<PST_State> *states;
     std::vector<uint32_t> places;
-    std::vector<GRP_Block> blocks;
+    std::vector<UCM_Block> blocks;
 };
 
-int WriteBlock(Writer *writer, const GRP_Block &block, std::string *why)
+int WriteBlock(Writer *writer, const UCM_Block &block, std::string *why)
 {
     std::vector<uint8_t> bytes(block.size);
     for (const size_t i : block.items) {
@@ -130,7 +130,7 @@ int CheckBlocks(Writer *writer, size_t first, size_t end, std::string *why)
 int PST_ReadPlaces(const PST_Set &set, const std::vector<uint32_t> &places, PST_Image *image,
                    const PST_Progress &progress, std::string *why)
 {
-    const std::vector<GRP_Block> blocks = MakeBlocks(set, places, GRP_ReadWire(VR_nProtocol), true);
+    const std::vector<UCM_Block> blocks = MakeBlocks(set, places, UCM_ReadWire(VR_nProtocol), true);
     // The caller's image stays as it was unless all could be read.
     PST_Image fresh = *image;
     fresh.resize(set.places.size());
@@ -164,7 +164,7 @@ int PST_WritePlaces(const PST_Set &set, const std::vector<uint32_t> &places,
     states->assign(set.places.size(), PST_UNTOUCHED);
     held->resize(set.places.size());
     Writer writer = {&set, &wanted, held, states, places, {}};
-    writer.blocks = MakeBlocks(set, places, GRP_WriteWire(VR_nProtocol), false);
+    writer.blocks = MakeBlocks(set, places, UCM_WriteWire(VR_nProtocol), false);
     const size_t total = writer.blocks.size();
     int result = PST_OK;
     for (size_t i = 0; i < total && result == PST_OK; i += WRITES_PER_CHECK) {

@@ -10,13 +10,13 @@
 
 namespace {
 
-CFE_Host host;
+CFW_EditorHost host;
 int shown = -1; // entry
 
 // Texts come from the header and the files beside it.
 void Show(int control, const std::string &text)
 {
-    SetCtrlVal(PANEL_CONFIG_EDIT, control, WRD_Visible(text));
+    SetCtrlVal(PANEL_CONFIG_EDIT, control, TXT_Visible(text));
 }
 
 // "2.5 1/s (250)": in the form's units, and as it is stored where that is another number.
@@ -26,7 +26,7 @@ std::string LongText(const PST_Form &form, uint32_t index, const PST_Held &held)
         return "not known";
     const PST_Entry &entry = form.set.entries[index];
     const PST_Attributes &a = PST_AttributesOf(form.set, entry);
-    std::string text = CFT_HeldText(form, index, held);
+    std::string text = CFW_HeldText(form, index, held);
     if (!a.unit.empty())
         text += " " + a.unit;
     if (a.factor != 1 && entry.type != 0)
@@ -49,7 +49,7 @@ bool AcceptTyped()
 
 } // namespace
 
-void CFE_Open(const CFE_Host &newHost, int entry)
+void CFW_OpenEditor(const CFW_EditorHost &newHost, int entry)
 {
     if (entry < 0)
         return;
@@ -58,11 +58,11 @@ void CFE_Open(const CFE_Host &newHost, int entry)
     Show(CFGEDIT_HINT, "");
     DisplayPanel(PANEL_CONFIG_EDIT);
     SetActivePanel(PANEL_CONFIG_EDIT);
-    CFE_Refresh();
+    CFW_RefreshEditor();
     SetActiveCtrl(PANEL_CONFIG_EDIT, CFGEDIT_NEW);
 }
 
-void CFE_Refresh()
+void CFW_RefreshEditor()
 {
     int isVisible = 0, line = -1;
     GetPanelAttribute(PANEL_CONFIG_EDIT, ATTR_VISIBLE, &isVisible);
@@ -71,8 +71,8 @@ void CFE_Refresh()
     const PST_Form &form = *host.form;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
     // On a heading it stays with the parameter before.
-    if (CFT_GetEntry(line) >= 0)
-        shown = CFT_GetEntry(line);
+    if (CFW_GetEntry(line) >= 0)
+        shown = CFW_GetEntry(line);
     // The form may have been made anew with fewer entries, or closed.
     if (!form.isOpen || shown < 0 || static_cast<size_t>(shown) >= form.set.entries.size()) {
         HidePanel(PANEL_CONFIG_EDIT);
@@ -88,12 +88,12 @@ void CFE_Refresh()
          std::string(PST_TypeName(entry.type)) + (a.isReadOnly  ? ", read-only"
                                                   : a.needsStop ? ", only while the machine stands"
                                                                 : ""));
-    Show(CFGEDIT_LIMITS, CFT_LimitsText(a) + (a.unit.empty() ? "" : " " + a.unit));
-    Show(CFGEDIT_DEFAULT, CFT_DefaultText(a));
+    Show(CFGEDIT_LIMITS, CFW_LimitsText(a) + (a.unit.empty() ? "" : " " + a.unit));
+    Show(CFGEDIT_DEFAULT, CFW_DefaultText(a));
     Show(CFGEDIT_DEVICE, LongText(form, index, form.device[index]));
     Show(CFGEDIT_FILE, LongText(form, index, form.file[index]));
     SetCtrlVal(PANEL_CONFIG_EDIT, CFGEDIT_NEW,
-               CFT_HeldText(form, index, PST_FormValue(form, index)));
+               CFW_HeldText(form, index, PST_FormValue(form, index)));
     // A read-only value can be looked at and copied.
     SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_NEW, ATTR_CTRL_MODE, a.isReadOnly ? 0 : 1);
     SetCtrlAttribute(PANEL_CONFIG_EDIT, CFGEDIT_FROM_DEFAULT, ATTR_DIMMED,
@@ -104,7 +104,7 @@ void CFE_Refresh()
         SetCtrlAttribute(PANEL_CONFIG_EDIT, control, ATTR_DIMMED, a.isReadOnly ? 1 : 0);
 }
 
-int CFE_PanelCB(int panel, int event, int data)
+int CFW_EditorPanelCB(int panel, int event, int data)
 {
     if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
         HidePanel(panel);
@@ -113,14 +113,14 @@ int CFE_PanelCB(int panel, int event, int data)
     return 0;
 }
 
-int CFE_NewCB(int, int, int event, int)
+int CFW_EditorNewCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && shown >= 0)
         AcceptTyped();
     return 0;
 }
 
-int CFE_ButtonCB(int panel, int control, int event, int)
+int CFW_EditorButtonCB(int panel, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;

@@ -8,17 +8,17 @@
 struct PST_Form;
 
 // Whose form it edits, and what it asks of the window that shows the form.
-struct CFE_Host {
+struct CFW_EditorHost {
     PST_Form *form = nullptr;
     void (*refresh)() = nullptr;             // a value has been typed here
     bool (*write)(uint32_t entry) = nullptr; // one value, with its question; whether it went well
 };
 
-void CFE_Open(const CFE_Host &host, int entry); // nothing for -1
-void CFE_Refresh(); // what it shows has changed; follows the table's selection
+void CFW_OpenEditor(const CFW_EditorHost &host, int entry); // nothing for -1
+void CFW_RefreshEditor(); // what it shows has changed; follows the table's selection
 
-int CFE_PanelCB(int panel, int event, int data);
-int CFE_NewCB(int panel, int control, int event, int data);
-int CFE_ButtonCB(int panel, int control, int event, int data);
+int CFW_EditorPanelCB(int panel, int event, int data);
+int CFW_EditorNewCB(int panel, int control, int event, int data);
+int CFW_EditorButtonCB(int panel, int control, int event, int data);
 
 #endif

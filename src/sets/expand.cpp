@@ -22,7 +22,7 @@ struct Spread {
 // An address as these files write it. A digit must come first, or it would be a name.
 std::string PieceName(uint32_t address)
 {
-    return WRD_Format(address < 0xA00000 ? "%06Xh" : "0%06Xh", address);
+    return TXT_Format(address < 0xA00000 ? "%06Xh" : "0%06Xh", address);
 }
 
 // Every value goes through here: the bounds of the set and of the memory hold for all of them.

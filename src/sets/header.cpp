@@ -74,9 +74,9 @@ void Include(Reader *reader, const std::string &name)
     const size_t group = reader->group;
     // Opened for a look first: the message belongs to the line that includes, not to the file.
     std::FILE *probe = nullptr;
-    const int result = PLF_Open(path, PLF_SIZE_MAX, &probe);
-    if (result != PLF_OK) {
-        reader->Refuse("'" + name + "' " + PLF_ErrorText(result) + ".");
+    const int result = PLT_OpenForReading(path, PLT_FILE_SIZE_MAX, &probe);
+    if (result != PLT_FILE_OK) {
+        reader->Refuse("'" + name + "' " + PLT_FileErrorText(result) + ".");
         return;
     }
     std::fclose(probe);
@@ -179,7 +179,7 @@ void ReadLine(Reader *reader, const std::string &text)
         reader->heading = name;
     } else if (text.compare(0, 5, "area ") == 0 && text.find_first_not_of(" \t", 4) != text.npos &&
                text[text.find_first_not_of(" \t", 4)] != '=') {
-        AddArea(reader, WRD_Trim(text.substr(5)));
+        AddArea(reader, TXT_Trim(text.substr(5)));
     } else {
         PST_Line line;
         const std::string why = PST_SplitLine(text, &line);
@@ -200,7 +200,7 @@ void ReadFile(Reader *reader, const std::string &path)
     reader->line = 0;
     const int handle = TXFR_Open(path.c_str());
     if (handle < 0) {
-        reader->Refuse(std::string("The header ") + PLF_WhyUnreadable(path) + ".");
+        reader->Refuse(std::string("The header ") + PLT_WhyUnreadable(path) + ".");
         return;
     }
     // Real paths, compared when another header is included.

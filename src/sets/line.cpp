@@ -58,7 +58,7 @@ bool Unquote(const std::string &quoted, std::string *text)
 {
     if (quoted.size() < 2 || quoted.front() != '"' || quoted.find('"', 1) != quoted.size() - 1)
         return false;
-    *text = WRD_Visible(quoted.substr(1, quoted.size() - 2));
+    *text = TXT_Visible(quoted.substr(1, quoted.size() - 2));
     return text->size() <= PST_WORDS_MAX;
 }
 
@@ -165,8 +165,8 @@ void PST_CutComment(const std::string &line, std::string *text, std::string *com
         slash += found + 1;
     }
     if (end != std::string::npos)
-        *comment = WRD_Trim(line.substr(end + (line[end] == '/' ? 2 : 1)));
-    *text = WRD_Trim(line.substr(0, end));
+        *comment = TXT_Trim(line.substr(end + (line[end] == '/' ? 2 : 1)));
+    *text = TXT_Trim(line.substr(0, end));
 }
 
 std::string PST_SplitLine(const std::string &text, PST_Line *line)
@@ -180,19 +180,19 @@ std::string PST_SplitLine(const std::string &text, PST_Line *line)
         if (StrToATP(line->cast.c_str()) < 0)
             return "'" + (line->cast.empty() ? left : line->cast) +
                    "' is no type: u1, u2, u4, i1, i2, i4, float.";
-        left = WRD_Trim(left.substr(close + 1));
+        left = TXT_Trim(left.substr(close + 1));
     }
     const size_t comma = FindOutside(left, ",");
     if (comma != std::string::npos) {
-        line->rest = WRD_Trim(left.substr(comma + 1));
-        left = WRD_Trim(left.substr(0, comma));
+        line->rest = TXT_Trim(left.substr(comma + 1));
+        left = TXT_Trim(left.substr(0, comma));
         if (line->rest.empty())
             return "Something is missing behind the comma.";
     }
     const size_t equals = FindOutside(left, "=");
     if (equals != std::string::npos) {
-        line->value = WRD_Trim(left.substr(equals + 1));
-        left = WRD_Trim(left.substr(0, equals));
+        line->value = TXT_Trim(left.substr(equals + 1));
+        left = TXT_Trim(left.substr(0, equals));
         if (line->value.empty())
             return "The value behind '=' is missing.";
     }
@@ -211,12 +211,12 @@ std::string PST_ParseAttributes(const std::string &text, PST_Attributes *attribu
 {
     for (std::string rest = text; !rest.empty();) {
         const size_t comma = FindOutside(rest, ",");
-        const std::string part = WRD_Trim(rest.substr(0, comma));
-        rest = comma == std::string::npos ? "" : WRD_Trim(rest.substr(comma + 1));
+        const std::string part = TXT_Trim(rest.substr(0, comma));
+        rest = comma == std::string::npos ? "" : TXT_Trim(rest.substr(comma + 1));
         if (part.empty() || (comma != std::string::npos && rest.empty()))
             return "Something is missing beside a comma.";
         const size_t blank = std::min(part.find_first_of(" \t\""), part.size());
-        const std::string why = ReadAttribute(part.substr(0, blank), WRD_Trim(part.substr(blank)),
+        const std::string why = ReadAttribute(part.substr(0, blank), TXT_Trim(part.substr(blank)),
                                               attributes, count, length);
         if (!why.empty())
             return why;
@@ -259,13 +259,13 @@ bool PST_ParseKeyword(const std::string &text, const char *keyword, std::string 
     const size_t length = std::strlen(keyword);
     return text.compare(0, length, keyword) == 0 && text.size() > length &&
            std::strchr(" \t\"", text[length]) != nullptr &&
-           Unquote(WRD_Trim(text.substr(length)), quoted);
+           Unquote(TXT_Trim(text.substr(length)), quoted);
 }
 
 bool PST_ParseLabel(const std::string &text, std::string *name)
 {
-    ScrPar records[ASSN_RECORDS];
-    if (ParseAssn2(text.c_str(), records, ATP_I2) != ASSN_LABEL)
+    ScrPar records[SYM_ASSIGN_RECORDS];
+    if (ParseAssn2(text.c_str(), records, ATP_I2) != SYM_ASSIGN_LABEL)
         return false;
     // A label is one word of the grammar: underscores stand for the blanks of a heading.
     *name = records[0].text;

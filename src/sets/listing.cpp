@@ -152,17 +152,17 @@ int PST_WriteListing(const std::string &templatePath, const std::vector<PST_File
     PLT_Date now;
     PLT_LocalTime(&now);
     writer.spot.now =
-        WRD_Format("%02d-%02d-%04d %02d:%02d", now.day, now.month, now.year, now.hour, now.minute);
+        TXT_Format("%02d-%02d-%04d %02d:%02d", now.day, now.month, now.year, now.hour, now.minute);
     Fill(&writer, root.children, {});
     if (writer.out.size() > OUTPUT_BYTES_MAX) {
         problems->Add(output, 0, "The listing would be larger than 128 MiB.");
         return -1;
     }
     SafeFile safe;
-    int result = SAF_Open(&safe, output, "wb");
+    int result = PLT_BeginSave(&safe, output, "wb");
     if (result == 0) {
         std::fwrite(writer.out.data(), 1, writer.out.size(), safe.file);
-        result = SAF_Commit(&safe);
+        result = PLT_CommitSave(&safe);
     }
     if (result != 0)
         problems->Add(output, 0, std::string("The file ") + PST_WriteErrorText(result) + ".");

@@ -73,7 +73,7 @@ std::string FreeUndoPath(const std::string &data)
     const std::string stem = (path.parent_path() / path.stem()).u8string() + ".undo";
     for (int i = 1; i <= UNDO_FILES_MAX; ++i) {
         const std::string name = stem + (i == 1 ? "" : "-" + std::to_string(i)) + ".ldx";
-        if (!PLF_Exists(name))
+        if (!PLT_FileExists(name))
             return name;
     }
     return "";
@@ -147,7 +147,7 @@ int PST_Backup(const std::string &header, const std::string &data, const PST_Pro
     }
     const int written = PST_WriteData(data, set, image, {});
     if (written != 0) {
-        lines->push_back("'" + WRD_Visible(data) + "' " + PST_WriteErrorText(written) + ".");
+        lines->push_back("'" + TXT_Visible(data) + "' " + PST_WriteErrorText(written) + ".");
         return PST_ERR_FILE;
     }
     // Mirrors that differ are no failure: the file holds the values that count.
@@ -186,7 +186,7 @@ std::vector<std::string> PST_MapRemarks(const PST_Restore &job)
     std::vector<std::string> remarks;
     const PST_File &file = job.file;
     const uint32_t loaded = PST_MapStamp();
-    const std::string text = WRD_Format("%08X", static_cast<unsigned>(loaded));
+    const std::string text = TXT_Format("%08X", static_cast<unsigned>(loaded));
     // By the symbols and not by the name: a map that was built again may have moved nothing.
     if (file.stamp != loaded)
         remarks.push_back(

@@ -15,10 +15,10 @@ std::string PST_FormatProblems(const PST_Problems &problems)
     std::string text;
     // Names and texts come from files: control characters must not steer a terminal.
     for (const PST_Problem &problem : problems.list) {
-        text += WRD_Visible(problem.file);
+        text += TXT_Visible(problem.file);
         if (problem.line > 0)
             text += ", line " + std::to_string(problem.line);
-        text += ": " + WRD_Visible(problem.text) + "\n";
+        text += ": " + TXT_Visible(problem.text) + "\n";
     }
     if (problems.count > problems.list.size())
         text += std::to_string(problems.count - problems.list.size()) + " more\n";

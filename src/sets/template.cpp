@@ -53,9 +53,9 @@ size_t MatchTag(const std::string &text, size_t at, const BlockName **block, boo
     const size_t close = text.find("-->", at);
     if (text.compare(at, 4, "<!--") != 0 || close == std::string::npos || close - at > PLACE_MAX)
         return 0;
-    std::string word = WRD_Trim(text.substr(at + 4, close - at - 4));
+    std::string word = TXT_Trim(text.substr(at + 4, close - at - 4));
     *isEnd = !word.empty() && word[0] == '/';
-    word = WRD_Trim(word.substr(*isEnd ? 1 : 0));
+    word = TXT_Trim(word.substr(*isEnd ? 1 : 0));
     for (const BlockName &row : BLOCKS) {
         if (word == row.name) {
             *block = &row;
@@ -88,7 +88,7 @@ void ParsePlace(Parser *parser, PST_Node *parent)
     // Kept also when it is unknown: the parsing goes on, and the template is refused in the end.
     PST_Node node;
     node.kind = PST_Node::PLACE;
-    node.text = WRD_Trim(text.substr(parser->at + 2, close - parser->at - 2));
+    node.text = TXT_Trim(text.substr(parser->at + 2, close - parser->at - 2));
     if (parser->isPlace(node.text))
         ++parser->places;
     else
@@ -149,9 +149,9 @@ int PST_ReadTemplate(const std::string &path, bool (*isPlace)(const std::string 
 {
     const size_t before = problems->count;
     std::string text;
-    const int result = PLF_ReadAll(path, PST_TEMPLATE_BYTES_MAX, &text);
-    if (result != PLF_OK) {
-        problems->Add(path, 0, std::string("The template ") + PLF_ErrorText(result) + ".");
+    const int result = PLT_ReadFile(path, PST_TEMPLATE_BYTES_MAX, &text);
+    if (result != PLT_FILE_OK) {
+        problems->Add(path, 0, std::string("The template ") + PLT_FileErrorText(result) + ".");
         return -1;
     }
     Parser parser;

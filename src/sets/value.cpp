@@ -39,7 +39,7 @@ const TypeRow &RowOf(int32_t type)
 
 float FloatOf(const PST_Bytes &bytes)
 {
-    const auto bits = static_cast<uint32_t>(BYT_GetLittle(bytes.data(), 4));
+    const auto bits = static_cast<uint32_t>(TXT_GetLittle(bytes.data(), 4));
     float value = 0;
     std::memcpy(&value, &bits, sizeof value);
     return value;
@@ -49,7 +49,7 @@ void PutFloat(float value, PST_Bytes *bytes)
 {
     uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
-    BYT_PutLittle(bytes->data(), 4, bits);
+    TXT_PutLittle(bytes->data(), 4, bits);
 }
 
 // The shortest text that gives the same float when it is read as a double first, which is
@@ -93,7 +93,7 @@ double PST_Number(int32_t type, const PST_Bytes &bytes)
     if (type == ATP_F4)
         return static_cast<double>(FloatOf(bytes));
     const int size = ATP_SizeOf(static_cast<uint32_t>(type));
-    const uint64_t bits = BYT_GetLittle(bytes.data(), static_cast<size_t>(size));
+    const uint64_t bits = TXT_GetLittle(bytes.data(), static_cast<size_t>(size));
     // Two's complement by hand: sizes differ, and a cast would hide which one is meant.
     const uint64_t sign = uint64_t{1} << (8 * size - 1);
     const double value = static_cast<double>(bits);
@@ -104,7 +104,7 @@ double PST_Number(int32_t type, const PST_Bytes &bytes)
 std::string PST_ValueText(const PST_Entry &entry, const PST_Bytes &bytes)
 {
     if (entry.type == 0)
-        return BYT_Hex(bytes.data(), entry.size);
+        return TXT_FormatHexBytes(bytes.data(), entry.size);
     if (entry.type == ATP_F4)
         return FloatText(FloatOf(bytes));
     char text[32];
@@ -118,7 +118,7 @@ std::string PST_AssignmentText(const PST_Entry &entry, const PST_Bytes &bytes)
     if (entry.type == ATP_F4 && !std::isfinite(FloatOf(bytes))) {
         char text[16];
         std::snprintf(text, sizeof text, "0%08Xh",
-                      static_cast<unsigned>(BYT_GetLittle(bytes.data(), 4)));
+                      static_cast<unsigned>(TXT_GetLittle(bytes.data(), 4)));
         return "(u4) " + entry.name + " = " + text;
     }
     const std::string cast = PST_CastOf(entry.type);
@@ -131,7 +131,7 @@ int PST_ParseValue(const PST_Entry &entry, const std::string &cast, const std::s
     const TypeRow &row = RowOf(entry.type);
     if (entry.type == 0) {
         std::vector<uint8_t> parsed;
-        *why = cast.empty() ? BYT_Parse(text, entry.size, &parsed) : "Bytes have no type.";
+        *why = cast.empty() ? TXT_ParseHexBytes(text, entry.size, &parsed) : "Bytes have no type.";
         if (!why->empty())
             return -1;
         std::copy(parsed.begin(), parsed.end(), bytes->begin());
@@ -144,18 +144,18 @@ int PST_ParseValue(const PST_Entry &entry, const std::string &cast, const std::s
         *why = cast + " does not fit: the header says (" + row.name + ").";
         return -1;
     }
-    ScrPar records[ASSN_RECORDS];
+    ScrPar records[SYM_ASSIGN_RECORDS];
     const std::string line = std::string(isBits ? "(u4)" : row.cast) + " x = " + text;
     const int kind = ParseAssn2(line.c_str(), records, said);
     const ScrPar &value = records[1];
     PST_Bytes result = {};
-    bool isGood = kind == ASSN_VALUE && (value.flags & PAR_NAME) == 0;
+    bool isGood = kind == SYM_ASSIGN_VALUE && (value.flags & PAR_NAME) == 0;
     if (isGood && entry.type == ATP_F4 && !isBits) {
         const auto number = static_cast<float>(value.fvalue);
         isGood = std::isfinite(number);
         PutFloat(number, &result);
     } else if (isGood) {
-        BYT_PutLittle(result.data(), entry.size, value.value);
+        TXT_PutLittle(result.data(), entry.size, value.value);
         isGood = !isBits || !std::isfinite(FloatOf(result));
     }
     if (!isGood) {
@@ -186,7 +186,7 @@ std::string PST_ShownText(const PST_Entry &entry, double factor, const PST_Bytes
 int PST_ParseShown(const PST_Entry &entry, double factor, const std::string &text, PST_Bytes *bytes,
                    std::string *why)
 {
-    const std::string trimmed = WRD_Trim(text);
+    const std::string trimmed = TXT_Trim(text);
     if (entry.type == 0 || factor == 1)
         return PST_ParseValue(entry, "", trimmed, bytes, why);
     double number = 0;
@@ -223,7 +223,7 @@ int PST_PutNumber(int32_t type, double number, PST_Bytes *bytes)
         if (type == 0 || !(number >= row.min && number <= row.max) || std::floor(number) != number)
             return -1;
         const auto bits = static_cast<uint64_t>(static_cast<int64_t>(number));
-        BYT_PutLittle(result.data(), static_cast<size_t>(ATP_SizeOf(static_cast<uint32_t>(type))),
+        TXT_PutLittle(result.data(), static_cast<size_t>(ATP_SizeOf(static_cast<uint32_t>(type))),
                       bits);
     }
     *bytes = result;

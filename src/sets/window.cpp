@@ -68,9 +68,9 @@ void ShowTable()
 {
     int isOnlyMarked = 0;
     GetCtrlVal(PANEL_CONFIG, CONFIG_ONLY_MARKED, &isOnlyMarked);
-    const size_t count = CFT_ShowEntries(CFW_form, isOnlyMarked != 0);
-    if (count > CFT_ROWS_MAX)
-        CFW_ShowResult("The first " + std::to_string(CFT_ROWS_MAX) + " of " +
+    const size_t count = CFW_ShowEntries(CFW_form, isOnlyMarked != 0);
+    if (count > CFW_ROWS_MAX)
+        CFW_ShowResult("The first " + std::to_string(CFW_ROWS_MAX) + " of " +
                            std::to_string(count) + " values are shown: choose a group.",
                        false);
     ShowButtons();
@@ -107,7 +107,7 @@ void OpenEditor()
         const auto found = CFW_form.set.byName.find(name);
         return found != CFW_form.set.byName.end() && CFW_WriteEntries({found->second});
     };
-    CFE_Open({&CFW_form, CFW_Refresh, write}, CFW_GetSelected());
+    CFW_OpenEditor({&CFW_form, CFW_Refresh, write}, CFW_GetSelected());
 }
 
 void LoadFile(bool isEdit)
@@ -116,7 +116,7 @@ void LoadFile(bool isEdit)
     std::string path;
     if (!CFW_FollowChanges() ||
         FileSelectPopup("", "*.ldx", "*.ldx", isEdit ? "Load data file" : "Compare with data file",
-                        FILE_LOAD, &path) == VAL_NO_FILE_SELECTED)
+                        FILE_LOAD, &path) == CON_NO_FILE_SELECTED)
         return;
     PST_Problems problems;
     if (PST_LoadIntoForm(&CFW_form, path, isEdit, &problems) != 0) {
@@ -144,7 +144,7 @@ void SaveFile()
 {
     std::string path;
     if (FileSelectPopup("", "parameters.ldx", "*.ldx", "Save data file", FILE_SAVE, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
     const int result = PST_WriteData(path, CFW_form.set, ShownValues(), {});
     CFW_ShowResult("'" + path + "' " + (result == 0 ? "is saved." : PST_WriteErrorText(result)),
@@ -155,9 +155,9 @@ void Print()
 {
     std::string pattern, path;
     if (FileSelectPopup("", "*.tldx", "*.tldx", "Template of the page", FILE_LOAD, &pattern) ==
-            VAL_NO_FILE_SELECTED ||
+            CON_NO_FILE_SELECTED ||
         FileSelectPopup("", "parameters.html", "*.html", "Save page", FILE_SAVE, &path) ==
-            VAL_NO_FILE_SELECTED)
+            CON_NO_FILE_SELECTED)
         return;
     // As a file that stands on no disk: what is typed and not written yet is printed, too.
     PST_Problems problems;
@@ -176,7 +176,7 @@ void Print()
 
 void CFW_ShowResult(const std::string &text, bool isBad)
 {
-    SetCtrlVal(PANEL_CONFIG, CONFIG_RESULT, WRD_Visible(text));
+    SetCtrlVal(PANEL_CONFIG, CONFIG_RESULT, TXT_Visible(text));
     SetCtrlAttribute(PANEL_CONFIG, CONFIG_RESULT, ATTR_TEXT_COLOR, isBad ? BAD_COLOR : 0);
 }
 
@@ -193,7 +193,7 @@ int CFW_GetSelected()
 {
     int line = -1;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &line);
-    return CFT_GetEntry(line);
+    return CFW_GetEntry(line);
 }
 
 std::string CFW_FirstLines(const std::vector<std::string> &lines)
@@ -209,10 +209,10 @@ std::string CFW_FirstLines(const std::vector<std::string> &lines)
 void CFW_Refresh()
 {
     // Groups first: the table shows the one that is chosen in them.
-    CFT_ShowGroups(CFW_form);
+    CFW_ShowGroups(CFW_form);
     ShowTable();
     CFW_ShowState();
-    CFE_Refresh();
+    CFW_RefreshEditor();
 }
 
 bool CFW_FollowChanges()
@@ -257,7 +257,7 @@ void CFW_SetHeader(const std::string &path)
 
 void CFW_Opened()
 {
-    CFT_Prepare();
+    CFW_PrepareTable();
     // The button opens the port where there is no main window to do it.
     SetCtrlAttribute(PANEL_CONFIG, CONFIG_TERMINAL, ATTR_VISIBLE,
                      VR_enAppMode == MODE_CONFIGURATION ? 1 : 0);
@@ -281,7 +281,7 @@ int CFW_OpenCB(int, int, int event, int)
 {
     std::string path;
     if (event == EVENT_COMMIT && FileSelectPopup("", "*.ulh", "*.ulh", "Open header", FILE_LOAD,
-                                                 &path) != VAL_NO_FILE_SELECTED)
+                                                 &path) != CON_NO_FILE_SELECTED)
         OpenHeader(path);
     return 0;
 }
@@ -300,13 +300,13 @@ int CFW_ListCB(int panel, int control, int event, int)
     // Another line: "Write this" is about another value, and the editor follows.
     if (event == EVENT_VAL_CHANGED) {
         ShowButtons();
-        CFE_Refresh();
+        CFW_RefreshEditor();
     } else if (event == EVENT_LEFT_DOUBLE_CLICK) {
         OpenEditor();
     } else if (event == EVENT_CELL_EDITED &&
                GetEditedCell(panel, control, &line, &column, &text) == 0) {
-        const int entry = CFT_GetEntry(line);
-        if (entry < 0 || column != CFT_VALUE)
+        const int entry = CFW_GetEntry(line);
+        if (entry < 0 || column != CFW_COLUMN_VALUE)
             return 0;
         // The star marks what is typed; it is no part of it.
         const size_t begin = text.find_first_not_of("* ");

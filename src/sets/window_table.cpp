@@ -48,7 +48,7 @@ void AddHeading(const std::string &text)
     SetListCells(PANEL_CONFIG, CONFIG_LIST, lines - 1, {{text, UIS_BOLD, ""}});
 }
 
-// By CFT_Column. The form's units everywhere, so that columns can be compared by eye.
+// By CFW_Column. The form's units everywhere, so that columns can be compared by eye.
 std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
 {
     const PST_Entry &entry = form.set.entries[index];
@@ -67,14 +67,14 @@ std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
     if (a.needsStop)
         tip += (tip.empty() ? "" : "; ") + std::string("only while the machine stands");
     return {{entry.name, UIS_NORMAL, tip},
-            {(isChanged ? "* " : "") + CFT_HeldText(form, index, value), valueStyle,
+            {(isChanged ? "* " : "") + CFW_HeldText(form, index, value), valueStyle,
              isChanged ? "typed, not written yet" : ""},
             {a.unit, UIS_NORMAL, ""},
-            {CFT_HeldText(form, index, form.device[index]), UIS_NORMAL, ""},
-            {(PST_IsOther(form, index) ? "≠ " : "") + CFT_HeldText(form, index, form.file[index]),
+            {CFW_HeldText(form, index, form.device[index]), UIS_NORMAL, ""},
+            {(PST_IsOther(form, index) ? "≠ " : "") + CFW_HeldText(form, index, form.file[index]),
              fileStyle, ""},
-            {CFT_LimitsText(a), UIS_DIM, ""},
-            {CFT_DefaultText(a), UIS_DIM, ""},
+            {CFW_LimitsText(a), UIS_DIM, ""},
+            {CFW_DefaultText(a), UIS_DIM, ""},
             {(index == form.set.items[entry.item].firstEntry ? a.text : "") +
                  (a.needsStop    ? " (stop)"
                   : a.isReadOnly ? " (read-only)"
@@ -84,7 +84,7 @@ std::vector<UI_Cell> MakeCells(const PST_Form &form, uint32_t index)
 
 } // namespace
 
-void CFT_Prepare()
+void CFW_PrepareTable()
 {
     SetListColumns(PANEL_CONFIG, CONFIG_LIST,
                    {{"Name", 220},
@@ -98,10 +98,10 @@ void CFT_Prepare()
     SetListColumns(PANEL_CONFIG, CONFIG_GROUPS, {{"Group", 120}, {"Differ", 50, UIA_RIGHT}});
 }
 
-void CFT_ShowGroups(const PST_Form &form)
+void CFW_ShowGroups(const PST_Form &form)
 {
     // The list is filled anew after every edit: the group stays selected by its name.
-    const std::string chosen = CFT_GetGroup();
+    const std::string chosen = CFW_GetGroup();
     groupNames = form.isOpen ? AllGroups(form) : std::vector<std::string>();
     ClearListCtrl(PANEL_CONFIG, CONFIG_GROUPS);
     int selected = 0;
@@ -126,7 +126,7 @@ void CFT_ShowGroups(const PST_Form &form)
         SetCtrlIndex(PANEL_CONFIG, CONFIG_GROUPS, selected);
 }
 
-std::string CFT_GetGroup()
+std::string CFW_GetGroup()
 {
     int line = -1;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_GROUPS, &line);
@@ -135,21 +135,21 @@ std::string CFT_GetGroup()
                : "";
 }
 
-size_t CFT_ShowEntries(const PST_Form &form, bool isOnlyMarked)
+size_t CFW_ShowEntries(const PST_Form &form, bool isOnlyMarked)
 {
     int selected = -1;
     GetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, &selected);
     ClearListCtrl(PANEL_CONFIG, CONFIG_LIST);
     if (!form.isOpen)
         return 0;
-    const std::string chosen = CFT_GetGroup();
+    const std::string chosen = CFW_GetGroup();
     const std::vector<uint32_t> entries = PST_ListEntries(form, chosen, isOnlyMarked);
     std::string group = chosen, heading;
     int line = 0;
     for (const uint32_t index : entries) {
         const PST_Item &item = form.set.items[form.set.entries[index].item];
         // A table of more lines would be filled for a second; groups are quicker to look at.
-        if (static_cast<size_t>(line) >= CFT_ROWS_MAX)
+        if (static_cast<size_t>(line) >= CFW_ROWS_MAX)
             break;
         if (form.set.groups[item.group] != group) {
             group = form.set.groups[item.group];
@@ -168,14 +168,14 @@ size_t CFT_ShowEntries(const PST_Form &form, bool isOnlyMarked)
     }
     // Headings are no values: the first time the selection begins below them.
     selected = std::clamp(selected, 0, std::max(line - 1, 0));
-    while (selected + 1 < line && CFT_GetEntry(selected) < 0)
+    while (selected + 1 < line && CFW_GetEntry(selected) < 0)
         ++selected;
     if (line > 0)
         SetCtrlIndex(PANEL_CONFIG, CONFIG_LIST, selected);
     return entries.size();
 }
 
-int CFT_GetEntry(int line)
+int CFW_GetEntry(int line)
 {
     int entry = -1;
     if (line < 0 || GetValueFromIndex(PANEL_CONFIG, CONFIG_LIST, line, &entry) < 0)
@@ -183,7 +183,7 @@ int CFT_GetEntry(int line)
     return entry;
 }
 
-std::string CFT_LimitsText(const PST_Attributes &a)
+std::string CFW_LimitsText(const PST_Attributes &a)
 {
     if (!a.hasMin && !a.hasMax)
         return "";
@@ -197,12 +197,12 @@ std::string CFT_LimitsText(const PST_Attributes &a)
     return (hasLow ? PST_ShownNumber(low) : "") + " … " + (hasHigh ? PST_ShownNumber(high) : "");
 }
 
-std::string CFT_DefaultText(const PST_Attributes &a)
+std::string CFW_DefaultText(const PST_Attributes &a)
 {
     return a.hasDefault ? PST_ShownNumber(a.defaultValue * a.factor) : "";
 }
 
-std::string CFT_HeldText(const PST_Form &form, uint32_t entry, const PST_Held &held)
+std::string CFW_HeldText(const PST_Form &form, uint32_t entry, const PST_Held &held)
 {
     const PST_Entry &at = form.set.entries[entry];
     return held.isThere ? PST_ShownText(at, PST_AttributesOf(form.set, at).factor, held.bytes) : "";

@@ -27,7 +27,7 @@ struct Link {
     int16_t protocol = 0;
 };
 
-CHD_Child *child = nullptr;
+PLT_Child *child = nullptr;
 TGT_Options running;
 std::string address; // "" until it has said so
 int lentPort = 0;    // leads to it while it is connected; 0 = it is not
@@ -37,7 +37,7 @@ std::vector<std::string> MakeCommand(const TGT_Options &options)
 {
     // Port 0: whichever is free. The log comes on standard output, behind the address.
     std::vector<std::string> words = {
-        CHD_ProgramPath("vireo2-target"), "--tcp", "0", "--control", "--log", "-"};
+        PLT_FindOwnProgram("vireo2-target"), "--tcp", "0", "--control", "--log", "-"};
     if (options.program == TGT_LOADER)
         words.push_back("--loader");
     else if (options.isModbus)
@@ -59,8 +59,8 @@ bool WaitForAddress(std::string *cause)
     const uint32_t start = PLT_TickMs();
     for (bool isRunning = true; isRunning && lines.empty();) {
         // One that has ended may have left its reason: once more is looked, whatever this says.
-        isRunning = CHD_IsRunning(child) && PLT_TickMs() - start < START_WAIT_MS;
-        CHD_TakeLines(child, &lines);
+        isRunning = PLT_IsChildRunning(child) && PLT_TickMs() - start < START_WAIT_MS;
+        PLT_FetchChildLines(child, &lines);
         if (lines.empty())
             PLT_SleepMs(LOOK_MS);
     }
@@ -69,7 +69,7 @@ bool WaitForAddress(std::string *cause)
         address = first;
         return true;
     }
-    *cause = WRD_Visible(first);
+    *cause = TXT_Visible(first);
     return false;
 }
 
@@ -115,9 +115,9 @@ int TGT_Start(const TGT_Options &options, void (*notify)(), std::string *cause)
     TGT_Stop(); // first: it gives back the settings of before
     running = options;
     const std::vector<std::string> command = MakeCommand(options);
-    child = CHD_Start(command, notify);
+    child = PLT_StartChild(command, notify);
     if (child == nullptr) {
-        *cause = "'" + WRD_Visible(command[0]) + "' cannot be started";
+        *cause = "'" + TXT_Visible(command[0]) + "' cannot be started";
         return -1;
     }
     if (WaitForAddress(cause))
@@ -130,7 +130,7 @@ void TGT_Stop()
 {
     TGT_Disconnect();
     if (child != nullptr)
-        CHD_Stop(child);
+        PLT_StopChild(child);
     child = nullptr;
     address.clear();
 }
@@ -142,7 +142,7 @@ bool TGT_IsStarted()
 
 bool TGT_HasEnded()
 {
-    return child != nullptr && !CHD_IsRunning(child);
+    return child != nullptr && !PLT_IsChildRunning(child);
 }
 
 std::string TGT_GetAddress()
@@ -152,12 +152,13 @@ std::string TGT_GetAddress()
 
 int TGT_SetFault(const std::string &name, const std::string &value)
 {
-    return child != nullptr ? CHD_SendLine(child, name + " " + value) : -1;
+    return child != nullptr ? PLT_SendLineToChild(child, name + " " + value) : -1;
 }
 
 void TGT_TakeLog(std::deque<std::string> *lines)
 {
-    if (child != nullptr && CHD_TakeLines(child, lines) > 0) // lines that nobody came for in time
+    if (child != nullptr &&
+        PLT_FetchChildLines(child, lines) > 0) // lines that nobody came for in time
         lines->push_front("...");
 }
 
@@ -165,7 +166,7 @@ int TGT_Connect(std::string *cause)
 {
     if (child == nullptr || TGT_IsConnected())
         return 0;
-    const int port = RMP_Lend(address);
+    const int port = TCP_LendPort(address);
     if (port == 0) {
         *cause = "all port numbers are in use";
         return -1;
@@ -193,7 +194,7 @@ void TGT_Disconnect()
     lentPort = 0;
     if (wasConnected)
         UseLink(before);
-    RMP_TakeBack(port);
+    TCP_TakePortBack(port);
     SetMainPanelAttributes();
 }
 

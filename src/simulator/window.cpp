@@ -104,7 +104,7 @@ std::vector<UI_Cell> MakeCells(const std::string &line)
 {
     LogLine parts;
     if (!SplitLogLine(line, &parts))
-        return {{"", UIS_NORMAL, ""}, {WRD_Visible(line), UIS_WARNING, ""}, {}, {}};
+        return {{"", UIS_NORMAL, ""}, {TXT_Visible(line), UIS_WARNING, ""}, {}, {}};
     const bool isGood = parts.outcome == "answered";
     const std::string name = parts.hasAddress ? SYM_AddressToName(parts.address) : "";
     return {{parts.time, UIS_DIM, "seconds since the target's start"},
@@ -199,7 +199,7 @@ void SendFault(const Fault &fault)
 {
     const int value = GetNumber(fault.slider);
     SetCtrlVal(PANEL, fault.text, std::to_string(value) + " " + fault.unit);
-    TGT_SetFault(fault.name, WRD_Format("%g", value * fault.factor));
+    TGT_SetFault(fault.name, TXT_Format("%g", value * fault.factor));
 }
 
 void SendSwitch(const Switch &row)
@@ -230,7 +230,7 @@ void HandleEnd()
     Refresh(); // its last words may still wait
     LogLine request;
     const bool hasComplained = !logged.empty() && !SplitLogLine(logged.back(), &request);
-    const std::string last = hasComplained ? " It said: " + WRD_Visible(logged.back()) : "";
+    const std::string last = hasComplained ? " It said: " + TXT_Visible(logged.back()) : "";
     TGT_Stop(); // which gives back the settings of before
     const std::string text =
         "The simulated target has ended by itself; communication is off." + last;
@@ -262,7 +262,7 @@ bool Start()
     options.baud = GetNumber(SIMUL_BAUD);
     options.scopes = SCOPES[GetNumber(SIMUL_SCOPES)];
     GetCtrlVal(PANEL, SIMUL_STATIONS, &options.stations);
-    options.stations = WRD_Trim(options.stations);
+    options.stations = TXT_Trim(options.stations);
     ClearLog(); // times begin anew with each target
     if (TGT_Start(options, Announce, &cause) != 0) {
         ShowOutcome("Not started: " + cause + ".", COLOR_BAD);
@@ -304,7 +304,7 @@ void ConnectOrNot()
 
 } // namespace
 
-void TGW_Opened()
+void TGT_WindowOpened()
 {
     std::vector<UI_Column> columns;
     if (GetListColumns(PANEL, SIMUL_LOG, &columns) < 0 || columns.empty())
@@ -320,7 +320,7 @@ void TGW_Opened()
     SetActiveCtrl(PANEL, SIMUL_START);
 }
 
-int TGW_ButtonCB(int, int control, int event, int)
+int TGT_ButtonCB(int, int control, int event, int)
 {
     constexpr struct {
         int control;
@@ -336,14 +336,14 @@ int TGW_ButtonCB(int, int control, int event, int)
     return 0;
 }
 
-int TGW_OptionCB(int, int, int event, int)
+int TGT_OptionCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)
         EnableControls();
     return 0;
 }
 
-int TGW_FaultCB(int, int control, int event, int)
+int TGT_FaultCB(int, int control, int event, int)
 {
     if (event != EVENT_COMMIT && event != EVENT_VAL_CHANGED)
         return 0;
@@ -356,7 +356,7 @@ int TGW_FaultCB(int, int control, int event, int)
     return 0;
 }
 
-int TGW_TimerCB(int, int, int, int)
+int TGT_TimerCB(int, int, int, int)
 {
     if (IsShown() && TGT_IsStarted())
         Refresh();

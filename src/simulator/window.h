@@ -4,10 +4,10 @@
 #ifndef SIMULATOR_WINDOW_H
 #define SIMULATOR_WINDOW_H
 
-void TGW_Opened();
-int TGW_ButtonCB(int panel, int control, int event, int data);
-int TGW_OptionCB(int panel, int control, int event, int data); // what is to be started
-int TGW_FaultCB(int panel, int control, int event, int data);
-int TGW_TimerCB(int panel, int control, int event, int data);
+void TGT_WindowOpened();
+int TGT_ButtonCB(int panel, int control, int event, int data);
+int TGT_OptionCB(int panel, int control, int event, int data); // what is to be started
+int TGT_FaultCB(int panel, int control, int event, int data);
+int TGT_TimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -33,7 +33,7 @@ uint32_t SYM_ResolveName(const char *name, bool isTMS)
 int RegAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct166 ? VRN_RegisterAtOrBelow(address) : nullptr;
+    const VarNode *node = openStruct166 ? SYM_RegisterAtOrBelow(address) : nullptr;
     if (!node)
         return -1;
     const uint32_t offset = address - node->addr;
@@ -49,7 +49,7 @@ int RegAddrToName(uint32_t address, std::string *text)
 int VarAddrToName(uint32_t address, std::string *text)
 {
     text->clear();
-    const VarNode *node = openStruct ? VRN_MapNodeAtOrBelow(address) : nullptr;
+    const VarNode *node = openStruct ? SYM_MapNodeAtOrBelow(address) : nullptr;
     if (!node)
         return -1;
     const unsigned long offset = address - node->addr;
@@ -70,7 +70,7 @@ std::string SYM_AddressToName(uint32_t address)
     std::string name;
     if (RegAddrToName(address, &name) == 0)
         return name;
-    const VarNode *node = openStruct ? VRN_MapNodeAtOrBelow(address) : nullptr;
+    const VarNode *node = openStruct ? SYM_MapNodeAtOrBelow(address) : nullptr;
     // A member of a structure says more than the structure and an offset.
     const VarNode *member = openStruct ? TMF_SVNodeAtOrBelow(address) : nullptr;
     if (member != nullptr && (node == nullptr || member->addr >= node->addr))
@@ -86,8 +86,8 @@ std::string SYM_AddressToName(uint32_t address)
 int MapAddrToId(std::string *name, uint32_t *address)
 {
     const VarNode *node =
-        TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address) : VRN_MapNodeAtOrAfter(*address);
-    const VarNode *reg = VRN_RegisterAtOrAfter(*address);
+        TMF_cnSVNode > 0 ? TMF_SVNodeAtOrAfter(*address) : SYM_MapNodeAtOrAfter(*address);
+    const VarNode *reg = SYM_RegisterAtOrAfter(*address);
     if (reg != nullptr && (node == nullptr || reg->addr < node->addr))
         node = reg;
     *name = node != nullptr ? node->name : "";

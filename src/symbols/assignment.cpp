@@ -66,7 +66,7 @@ bool SkipCast(const char **cursor)
     for (const char *c = *cursor; *c != '\0'; c++) {
         depth += *c == '(' ? 1 : *c == ')' ? -1 : 0;
         if (depth == 0) {
-            *cursor = CON_SkipBlanks(c + 1);
+            *cursor = TXT_SkipBlanks(c + 1);
             return true;
         }
     }
@@ -77,14 +77,14 @@ bool SkipCast(const char **cursor)
 // try: what a failed one left in it would be taken for parsed.
 bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
 {
-    ClrScrPar(records, ASSN_RECORDS);
+    ClrScrPar(records, SYM_ASSIGN_RECORDS);
     if (ScrGetPar(&cursor, &records[0], PAR_NAME | PAR_INDEX | PAR_OFFSET) < 0)
         return false;
     records[0].flags |= static_cast<uint32_t>(type);
-    cursor = CON_SkipBlanks(cursor);
+    cursor = TXT_SkipBlanks(cursor);
     if (*cursor != '=')
         return false;
-    cursor = CON_SkipBlanks(cursor + 1);
+    cursor = TXT_SkipBlanks(cursor + 1);
     // A name first; what is none must be a number of the line's type.
     const char *value = cursor;
     if (ScrGetPar(&cursor, &records[1], PAR_NAME | PAR_OFFSET) < 0) {
@@ -93,15 +93,15 @@ bool ParseTargetAndValue(const char *cursor, ScrPar *records, int32_t type)
         if (ScrGetPar(&cursor, &records[1], static_cast<uint32_t>(type)) < 0)
             return false;
     }
-    return *CON_SkipBlanks(cursor) == '\0';
+    return *TXT_SkipBlanks(cursor) == '\0';
 }
 
 // A run of letters and digits, as a number or a register's name is one.
 bool SkipRun(const char **cursor)
 {
-    const char *begin = CON_SkipBlanks(*cursor);
+    const char *begin = TXT_SkipBlanks(*cursor);
     const char *end = begin;
-    while (VRN_IsNameChar(*end))
+    while (SYM_IsNameChar(*end))
         end++;
     *cursor = end;
     return end != begin;
@@ -113,7 +113,7 @@ bool SkipSelection(const char **cursor)
     ++*cursor;
     if (!SkipRun(cursor))
         return false;
-    *cursor = CON_SkipBlanks(*cursor);
+    *cursor = TXT_SkipBlanks(*cursor);
     if (!isIndex)
         return true;
     return *(*cursor)++ == ']';
@@ -123,16 +123,16 @@ bool SkipSelection(const char **cursor)
 bool SkipPath(const char **cursor)
 {
     const char *c = *cursor + (**cursor == '&' ? 1 : 0);
-    c = CON_SkipBlanks(c);
+    c = TXT_SkipBlanks(c);
     c += *c == '$' ? 1 : 0;
-    if (CON_IsBlank(*c) || !SkipRun(&c))
+    if (TXT_IsBlank(*c) || !SkipRun(&c))
         return false;
-    for (const char *next = CON_SkipBlanks(c); *next == '.' || *next == '['; next = c) {
+    for (const char *next = TXT_SkipBlanks(c); *next == '.' || *next == '['; next = c) {
         if (!SkipSelection(&next))
             return false;
-        c = CON_SkipBlanks(next);
+        c = TXT_SkipBlanks(next);
     }
-    const char *sign = CON_SkipBlanks(c);
+    const char *sign = TXT_SkipBlanks(c);
     if (*sign == '+' || *sign == '-') {
         c = sign + 1;
         if (!SkipRun(&c))
@@ -148,10 +148,10 @@ int32_t StrToATP(const char *text)
 {
     if (*text != '(')
         return -1;
-    text = CON_SkipBlanks(text + 1);
+    text = TXT_SkipBlanks(text + 1);
     for (const TypeWord &row : CASTS) {
         const size_t length = std::strlen(row.word);
-        if (std::strncmp(text, row.word, length) == 0 && *CON_SkipBlanks(text + length) == ')')
+        if (std::strncmp(text, row.word, length) == 0 && *TXT_SkipBlanks(text + length) == ')')
             return row.code;
     }
     return -1;
@@ -165,7 +165,7 @@ int32_t GetPfxType(const char *name)
     // "f" is both: a letter in front of a capital, and a prefix of its own, so that a name such
     // as "flags" counts as a float.
     const bool isLetterPrefix =
-        (second >= 'A' && second <= 'Z') || second == '_' || !CON_IsNameChar(second);
+        (second >= 'A' && second <= 'Z') || second == '_' || !TXT_IsNameChar(second);
     return isLetterPrefix ? FindPrefix(LETTER_PREFIXES, name) : FindPrefix(PREFIXES, name);
 }
 
@@ -177,7 +177,7 @@ int32_t GetPfx2Type(const char *text)
         text++;
     const char *component = text;
     // Of a path the last member decides: "stMotor.nSpeed" is a word with a sign.
-    for (; CON_IsNameChar(*text) || *text == '.'; text++)
+    for (; TXT_IsNameChar(*text) || *text == '.'; text++)
         if (*text == '.')
             component = text + 1;
     return GetPfxType(component);
@@ -201,22 +201,22 @@ void ATP_toStr(uint32_t code, std::string *text)
 
 int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType)
 {
-    ClrScrPar(records, ASSN_RECORDS);
-    const char *cursor = CON_SkipBlanks(line);
+    ClrScrPar(records, SYM_ASSIGN_RECORDS);
+    const char *cursor = TXT_SkipBlanks(line);
     int32_t type = GetPfx2Type(cursor);
     if (type < 1)
         type = defaultType;
     const bool isCast = *cursor == '(';
     if (isCast && !SkipCast(&cursor))
-        return ASSN_NONE;
+        return SYM_ASSIGN_NONE;
     const char *name = cursor;
     if (ScrGetPar(&cursor, &records[0], PAR_NAME) < 0)
-        return ASSN_NONE;
+        return SYM_ASSIGN_NONE;
     // A cast in front of a label would mean nothing: such a line is none.
-    cursor = CON_SkipBlanks(cursor);
-    if (!isCast && *cursor == ':' && *CON_SkipBlanks(cursor + 1) == '\0')
-        return ASSN_LABEL;
-    return ParseTargetAndValue(name, records, type) ? ASSN_VALUE : ASSN_NONE;
+    cursor = TXT_SkipBlanks(cursor);
+    if (!isCast && *cursor == ':' && *TXT_SkipBlanks(cursor + 1) == '\0')
+        return SYM_ASSIGN_LABEL;
+    return ParseTargetAndValue(name, records, type) ? SYM_ASSIGN_VALUE : SYM_ASSIGN_NONE;
 }
 
 int ParseAssn(const char *line, ScrPar *records, int32_t defaultType)
@@ -224,31 +224,31 @@ int ParseAssn(const char *line, ScrPar *records, int32_t defaultType)
     return ParseAssn2(line, records, defaultType);
 }
 
-int ASSN_Split(const char *line, AssnLine *parts)
+int SYM_SplitAssignment(const char *line, AssnLine *parts)
 {
     *parts = AssnLine();
-    const char *cursor = CON_SkipBlanks(line);
+    const char *cursor = TXT_SkipBlanks(line);
     if (*cursor == '(') {
         const char *begin = cursor + 1;
         if (!SkipCast(&cursor))
             return -1;
-        parts->cast = WRD_Trim(std::string(begin, std::strcspn(begin, ")")));
+        parts->cast = TXT_Trim(std::string(begin, std::strcspn(begin, ")")));
     }
     const char *target = cursor;
     parts->station = GetStationModifier(&cursor);
-    cursor = CON_SkipBlanks(cursor);
+    cursor = TXT_SkipBlanks(cursor);
     const char *path = cursor;
     if (!SkipPath(&cursor))
         return -1;
-    parts->target = WRD_Trim(std::string(target, cursor));
+    parts->target = TXT_Trim(std::string(target, cursor));
     // Without its blanks: look-ups take them for the end of a name.
     for (const char *c = path; c != cursor; c++)
-        if (!CON_IsBlank(*c))
+        if (!TXT_IsBlank(*c))
             parts->path += *c;
-    cursor = CON_SkipBlanks(cursor);
+    cursor = TXT_SkipBlanks(cursor);
     parts->hasValue = *cursor == '=';
     if (!parts->hasValue)
         return *cursor == '\0' ? 0 : -1;
-    parts->value = WRD_Trim(cursor + 1);
+    parts->value = TXT_Trim(cursor + 1);
     return parts->value.empty() ? -1 : 0;
 }

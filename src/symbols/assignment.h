@@ -21,8 +21,8 @@ constexpr int32_t ATP_SZ = 0x800;
 constexpr int32_t ATP_RS = 0x8800;
 constexpr uint32_t ATP_MASK = 0x121F; // bits that make out a named type
 
-enum { ASSN_NONE = -1, ASSN_VALUE = 1, ASSN_LABEL = 2 };
-constexpr int ASSN_RECORDS = 2; // the target, then the value
+enum { SYM_ASSIGN_NONE = -1, SYM_ASSIGN_VALUE = 1, SYM_ASSIGN_LABEL = 2 };
+constexpr int SYM_ASSIGN_RECORDS = 2; // the target, then the value
 
 int32_t StrToATP(const char *text);    // code of the cast "(type)" the text starts with, or -1
 int32_t GetPfxType(const char *name);  // type that the name's prefix implies, 0 when none
@@ -30,8 +30,8 @@ int32_t GetPfx2Type(const char *text); // the cast, or the prefix type of the la
 int ATP_SizeOf(uint32_t code);         // bytes, 0 for texts
 void ATP_toStr(uint32_t code, std::string *text); // "(u2 ID)"
 
-// Parses one line into two records. ASSN_VALUE, ASSN_LABEL (the name is in the first
-// record) or ASSN_NONE. The default type counts when the line shows none.
+// Parses one line into two records. SYM_ASSIGN_VALUE, SYM_ASSIGN_LABEL (the name is in the first
+// record) or SYM_ASSIGN_NONE. The default type counts when the line shows none.
 int ParseAssn2(const char *line, ScrPar *records, int32_t defaultType);
 int ParseAssn(const char *line, ScrPar *records, int32_t defaultType);
 
@@ -46,6 +46,6 @@ struct AssnLine {
     std::string value; // behind "=", as typed
 };
 // 0; -1 another shape, or an "=" without a value. Whether names and types exist is not asked.
-int ASSN_Split(const char *line, AssnLine *parts);
+int SYM_SplitAssignment(const char *line, AssnLine *parts);
 
 #endif

@@ -38,12 +38,12 @@ struct ErrorText {
     const char *text;
 };
 constexpr ErrorText ERROR_TEXTS[] = {
-    {FLASH_ERR_NO_MAP, "Error: Map of variables not found in memory."},
-    {FLASH_ERR_COMMUNICATION, "Communication error."},
-    {FLASH_ERR_CANCELLED, "Reading the flash was cancelled."},
-    {FLASH_ERR_ADDRESS, "The memory map contains invalid addresses (>24bits)."},
-    {FLASH_ERR_TYPES, "Error: The type map in memory is damaged."},
-    {FLASH_ERR_TOO_MANY, "Error: The flash directory has more than 1000 files."},
+    {MFS_ERR_NO_MAP, "Error: Map of variables not found in memory."},
+    {MFS_VAR_MAP_ERR_COMMUNICATION, "Communication error."},
+    {MFS_VAR_MAP_ERR_CANCELLED, "Reading the flash was cancelled."},
+    {MFS_ERR_ADDRESS, "The memory map contains invalid addresses (>24bits)."},
+    {MFS_ERR_TYPES, "Error: The type map in memory is damaged."},
+    {MFS_VAR_MAP_ERR_TOO_MANY, "Error: The flash directory has more than 1000 files."},
 };
 
 // What was last read from flash, as texts, for saving.
@@ -75,13 +75,13 @@ std::string ContentOf(int handle)
 // Both maps or none: the types first, because after them nothing can fail any more.
 int ReplaceMaps(int varMap, int typeMap)
 {
-    std::vector<VRN_Symbol> variables;
-    const int result = FLASH_ParseVarMap(varMap, &variables);
+    std::vector<SYM_Symbol> variables;
+    const int result = MFS_ParseVarMap(varMap, &variables);
     if (result != 0)
         return result;
     if (typeMap >= 0 && TMF_ReplaceMapFrw(typeMap) != 0)
-        return FLASH_ERR_TYPES;
-    const int count = FLASH_ReplaceVariables(variables, aVarNode, &nNodes);
+        return MFS_ERR_TYPES;
+    const int count = MFS_ReplaceVariables(variables, aVarNode, &nNodes);
     // Members have their addresses from both maps.
     TMF_Rebuild();
     return count;
@@ -90,52 +90,52 @@ int ReplaceMaps(int varMap, int typeMap)
 // The map of a TMS320 behind a C166 station; the type map stays that of the station.
 int ReplaceTMSNodes(int varMap)
 {
-    std::vector<VRN_Symbol> variables;
-    const int result = FLASH_ParseVarMap(varMap, &variables);
+    std::vector<SYM_Symbol> variables;
+    const int result = MFS_ParseVarMap(varMap, &variables);
     if (result != 0)
         return result;
     openTMSStruct = OPEN_MAP_FILE;
-    const int taken = FLASH_ReplaceVariables(variables, aVarTMSNode, &nTMSNodes);
+    const int taken = MFS_ReplaceVariables(variables, aVarTMSNode, &nTMSNodes);
     // Behind a station it is reached through the mailbox, which takes word addresses.
-    VRN_BytesToWords(aVarTMSNode, nTMSNodes);
+    SYM_BytesToWords(aVarTMSNode, nTMSNodes);
     return taken;
 }
 
 int LoadFlashText(const char *name, uint32_t start, uint32_t end)
 {
     const int handle = MFS_LoadFrw(name, start, end);
-    return handle == -1 ? FLASH_ERR_TYPES : handle;
+    return handle == -1 ? MFS_ERR_TYPES : handle;
 }
 
-// The type map as a text handle; FLASH_ERR_NO_MAP when the directory holds none.
+// The type map as a text handle; MFS_ERR_NO_MAP when the directory holds none.
 int OpenTypeMap(uint32_t start, uint32_t end, int varMap)
 {
     int32_t length;
-    const int32_t whole = MFS_FindFile(FLASH_TYPE_MAP, start, end, &length);
+    const int32_t whole = MFS_FindFile(MFS_TYPE_MAP, start, end, &length);
     // -1 is "no such file"; everything else ends the search.
     if (whole >= 0 || whole != -1)
-        return whole >= 0 ? LoadFlashText(FLASH_TYPE_MAP, start, end) : whole;
-    if (MFS_FindFile(FLASH_TYPE_DECLS, start, end, &length) == -1)
-        return FLASH_ERR_NO_MAP;
-    const Text declarations(LoadFlashText(FLASH_TYPE_DECLS, start, end));
+        return whole >= 0 ? LoadFlashText(MFS_TYPE_MAP, start, end) : whole;
+    if (MFS_FindFile(MFS_TYPE_DECLS, start, end, &length) == -1)
+        return MFS_ERR_NO_MAP;
+    const Text declarations(LoadFlashText(MFS_TYPE_DECLS, start, end));
     if (declarations.handle < 0)
         return declarations.handle;
-    const Text structures(LoadFlashText(FLASH_TYPE_STRUCTS, start, end));
+    const Text structures(LoadFlashText(MFS_TYPE_STRUCTS, start, end));
     if (structures.handle < 0)
         return structures.handle;
     // The types come in two compressed parts, whose lines belong to those of the map.
-    const int output = TXFRW_Create(FLASH_TYPE_MAP, "rw", "", 0);
+    const int output = TXFRW_Create(MFS_TYPE_MAP, "rw", "", 0);
     if (UnzipTMF(output, structures.handle, declarations.handle, varMap) == 0)
         return output;
     TXFRW_Close(output);
-    return FLASH_ERR_TYPES;
+    return MFS_ERR_TYPES;
 }
 
 int OpenFlashVarMap(uint32_t start, uint32_t end)
 {
     std::string content;
-    const int result = MFS_Load(FLASH_VAR_MAP, start, end, &content);
-    return result < 0 ? result : FLASH_OpenVarMap(FLASH_VAR_MAP, content);
+    const int result = MFS_Load(MFS_VAR_MAP, start, end, &content);
+    return result < 0 ? result : MFS_OpenVarMap(MFS_VAR_MAP, content);
 }
 
 // Byte range of the directory to read; 0, or a negative code when there is none.
@@ -143,7 +143,7 @@ int FindRange(int place, uint32_t *start, uint32_t *end)
 {
     *start = OLD_DIRECTORY;
     *end = ADDR_LIMIT;
-    if (place == FLASH_AT_1C000)
+    if (place == MFS_AT_1C000)
         return 0;
     for (const FlashRange &range : FLASH_RANGES) {
         if (range.processor != Procesor)
@@ -153,7 +153,7 @@ int FindRange(int place, uint32_t *start, uint32_t *end)
         *start = static_cast<uint32_t>(found);
         return found < 0 ? found : 0;
     }
-    return FLASH_ERR_NO_MAP;
+    return MFS_ERR_NO_MAP;
 }
 
 // The members are in memory already: an archive of files would want them on the disk.
@@ -171,7 +171,7 @@ bool PutMember(std::FILE *file, long index, const char *name, const std::string 
 
 } // namespace
 
-const char *FLASH_GetErrorText(int result)
+const char *MFS_GetErrorText(int result)
 {
     for (const ErrorText &error : ERROR_TEXTS) {
         if (error.result == result)
@@ -197,7 +197,7 @@ int LoadFMap283xx(uint32_t start, uint32_t end)
     if (varMap.handle < 0)
         return varMap.handle;
     const Text typeMap(OpenTypeMap(start, end, varMap.handle));
-    if (typeMap.handle < 0 && typeMap.handle != FLASH_ERR_NO_MAP)
+    if (typeMap.handle < 0 && typeMap.handle != MFS_ERR_NO_MAP)
         return typeMap.handle;
     const int count = ReplaceMaps(varMap.handle, typeMap.handle);
     if (count >= 0) { // what cannot be used is not saved either; the texts before stay
@@ -210,14 +210,14 @@ int LoadFMap283xx(uint32_t start, uint32_t end)
 int ReadMaps283xx(const char *archiveName)
 {
     std::string content;
-    if (QAR_Extract_file(&content, archiveName, FLASH_VAR_MAP) != 0)
-        return FLASH_ERR_NO_MAP;
-    const Text varMap(FLASH_OpenVarMap(FLASH_VAR_MAP, content));
-    const Text typeMap(QAR_Extract_txfrw(archiveName, FLASH_TYPE_MAP));
+    if (QAR_Extract_file(&content, archiveName, MFS_VAR_MAP) != 0)
+        return MFS_ERR_NO_MAP;
+    const Text varMap(MFS_OpenVarMap(MFS_VAR_MAP, content));
+    const Text typeMap(QAR_Extract_txfrw(archiveName, MFS_TYPE_MAP));
     if (varMap.handle < 0)
-        return FLASH_ERR_NO_MAP;
+        return MFS_ERR_NO_MAP;
     if (typeMap.handle < 0)
-        return FLASH_ERR_TYPES;
+        return MFS_ERR_TYPES;
     const int count = IsWordAddressing(Procesor) ? ReplaceMaps(varMap.handle, typeMap.handle)
                                                  : ReplaceTMSNodes(varMap.handle);
     return count < 0 ? count : 0;
@@ -236,7 +236,7 @@ int fl2node(int place)
     if (result == 0)
         result = LoadFMap283xx(start, end);
     if (result < 0) {
-        SYM_ShowMessage(FLASH_GetErrorText(result));
+        SYM_ShowMessage(MFS_GetErrorText(result));
         return result;
     }
     // There is no file that could be loaded again.
@@ -250,11 +250,11 @@ int fl2node(int place)
 int SaveFlash(const char *fileName)
 {
     SafeFile safe;
-    if (flashVarMap.empty() || flashTypeMap.empty() || SAF_Open(&safe, fileName, "wb") != 0)
+    if (flashVarMap.empty() || flashTypeMap.empty() || PLT_BeginSave(&safe, fileName, "wb") != 0)
         return -1;
-    if (PutMember(safe.file, 1, FLASH_VAR_MAP, flashVarMap) &&
-        PutMember(safe.file, 2, FLASH_TYPE_MAP, flashTypeMap))
-        return SAF_Commit(&safe);
-    SAF_Cancel(&safe);
+    if (PutMember(safe.file, 1, MFS_VAR_MAP, flashVarMap) &&
+        PutMember(safe.file, 2, MFS_TYPE_MAP, flashTypeMap))
+        return PLT_CommitSave(&safe);
+    PLT_CancelSave(&safe);
     return -1;
 }

@@ -11,12 +11,12 @@
 #include "symbols/flash_varmap.h"
 
 // Names of the files, in the flash directory and in an archive.
-#define FLASH_VAR_MAP "prjinfo.map28x"
-#define FLASH_TYPE_MAP "prjinfo.tmf"      // as text, or else rebuilt from the two following
-#define FLASH_TYPE_DECLS "prjinfo.tmf1"   // compressed declarations of the map's variables
-#define FLASH_TYPE_STRUCTS "prjinfo.tmf3" // compressed structures
+#define MFS_VAR_MAP "prjinfo.map28x"
+#define MFS_TYPE_MAP "prjinfo.tmf"      // as text, or else rebuilt from the two following
+#define MFS_TYPE_DECLS "prjinfo.tmf1"   // compressed declarations of the map's variables
+#define MFS_TYPE_STRUCTS "prjinfo.tmf3" // compressed structures
 
-const char *FLASH_GetErrorText(int result); // one sentence, "" for a good result
+const char *MFS_GetErrorText(int result); // one sentence, "" for a good result
 
 // Fills aVarNode from a text of lines "HHHHHH name" (16-bit word addresses). The number of
 // variables read, or a negative code.
@@ -32,7 +32,7 @@ int LoadFMap283xx(uint32_t start, uint32_t end);
 int ReadMaps283xx(const char *archiveName);
 int Read_TMS_CombiMap(const char *archiveName);
 
-enum { FLASH_AT_END = 0, FLASH_AT_1C000 = 1 };
+enum { MFS_AT_END = 0, MFS_AT_1C000 = 1 };
 // Reads the target's flash and makes its map the loaded one (OPEN_FROM_MEMORY); says in
 // the message area what was read or why not. 0 or a negative code.
 int fl2node(int place);

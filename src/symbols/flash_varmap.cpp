@@ -55,7 +55,7 @@ bool UnpackRecords(const uint8_t *at, size_t size, std::string *text)
 {
     std::string name;
     for (int lines = 0; size > RECORD_ADDRESS_SIZE && lines < TXFRW_LINES_MAX; lines++) {
-        const uint32_t address = static_cast<uint32_t>(BYT_GetLittle(at, RECORD_ADDRESS_SIZE));
+        const uint32_t address = static_cast<uint32_t>(TXT_GetLittle(at, RECORD_ADDRESS_SIZE));
         const int used = UnpackVarName(&name, at + RECORD_ADDRESS_SIZE, size - RECORD_ADDRESS_SIZE,
                                        NAME_SHARED_6BIT);
         if (used < 0 || name.size() > NODE_NAME_MAX)
@@ -71,7 +71,7 @@ bool UnpackRecords(const uint8_t *at, size_t size, std::string *text)
 
 } // namespace
 
-int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
+int MFS_ParseVarMap(int handle, std::vector<SYM_Symbol> *variables)
 {
     for (int i = 0; i < TXFRW_GetCnLines(handle); i++) {
         const char *line = TXFRW_GetLinePtr(handle, i);
@@ -79,24 +79,24 @@ int FLASH_ParseVarMap(int handle, std::vector<VRN_Symbol> *variables)
         if (xscan("* #", &cursor) >= 0) // an empty line
             continue;
         if (xscan("@#0-9a-fA-F. ", &cursor) < 0 || *cursor == '\0')
-            return FLASH_ERR_NO_MAP;
+            return MFS_ERR_NO_MAP;
         const unsigned long long words = std::strtoull(line, nullptr, 16);
         if (words >= ADDR_LIMIT / BYTES_PER_ADDRESS)
-            return FLASH_ERR_ADDRESS;
+            return MFS_ERR_ADDRESS;
         variables->push_back({static_cast<uint32_t>(words) * BYTES_PER_ADDRESS, cursor});
     }
-    return variables->empty() ? FLASH_ERR_NO_MAP : 0;
+    return variables->empty() ? MFS_ERR_NO_MAP : 0;
 }
 
-int FLASH_ReplaceVariables(const std::vector<VRN_Symbol> &variables, VarNode *table, int *count)
+int MFS_ReplaceVariables(const std::vector<SYM_Symbol> &variables, VarNode *table, int *count)
 {
     int refused = 0;
-    const int taken = VRN_ReplaceNodes(table, count, variables, &refused);
-    VRN_WarnRefused(refused, 0);
+    const int taken = SYM_ReplaceNodes(table, count, variables, &refused);
+    SYM_WarnRefused(refused, 0);
     return taken;
 }
 
-int FLASH_OpenVarMap(const char *name, const std::string &content)
+int MFS_OpenVarMap(const char *name, const std::string &content)
 {
     const std::string form = content.substr(0, FORM_LINE_SIZE);
     if (form != "#1\n" && form != "#2\n")
@@ -106,5 +106,5 @@ int FLASH_OpenVarMap(const char *name, const std::string &content)
     const bool isGood = form == "#1\n" ? UnpackLines(packed, &text)
                                        : UnpackRecords(reinterpret_cast<const uint8_t *>(packed),
                                                        content.size() - FORM_LINE_SIZE, &text);
-    return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : FLASH_ERR_NO_MAP;
+    return isGood ? TXFRW_Create(name, "r", text.data(), text.size()) : MFS_ERR_NO_MAP;
 }

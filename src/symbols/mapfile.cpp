@@ -66,10 +66,10 @@ bool EndsWord(char c)
 // A name like those of isID166, but of more characters than a node holds.
 bool IsLongName(const char *text)
 {
-    if (!VRN_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
+    if (!SYM_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
         return false;
     const char *end = text;
-    while (VRN_IsNameChar(*end))
+    while (SYM_IsNameChar(*end))
         ++end;
     return end - text > NODE_NAME_MAX && EndsWord(*end);
 }
@@ -81,34 +81,34 @@ int ReadNodes(const char *fileName, LineParser parse, VarNode *table, int *count
 {
     const int handle = TXFR_Open(fileName);
     if (handle < 0)
-        return MAP_ERR_OPEN;
-    std::vector<VRN_Symbol> symbols;
+        return SYM_MAP_ERR_OPEN;
+    std::vector<SYM_Symbol> symbols;
     std::set<std::string> longNames; // a map may list a symbol twice
     char line[LINE_SIZE];
     while (TXFR_RdLine(handle, line, LINE_SIZE) >= 0) {
         uint32_t address = 0;
         const char *name = nullptr;
         const int kind = parse(line, &address, &name);
-        if (kind == MAP_SYMBOL)
+        if (kind == SYM_MAP_SYMBOL)
             symbols.push_back({address, name});
-        else if (kind == MAP_LONG_NAME && longNames.size() < NODES_MAX)
+        else if (kind == SYM_MAP_LONG_NAME && longNames.size() < NODES_MAX)
             longNames.insert(std::string(name, std::strcspn(name, " \t")));
     }
     if (symbols.empty()) // a watch list, a script, the map of the other processor
-        return MAP_ERR_NO_SYMBOL;
+        return SYM_MAP_ERR_NO_SYMBOL;
     int refused = 0;
-    VRN_ReplaceNodes(table, count, symbols, &refused);
-    VRN_WarnRefused(refused, static_cast<int>(longNames.size()));
+    SYM_ReplaceNodes(table, count, symbols, &refused);
+    SYM_WarnRefused(refused, static_cast<int>(longNames.size()));
     return 0;
 }
 
 } // namespace
 
-const char *MAP_ErrorText(int result)
+const char *SYM_MapErrorText(int result)
 {
-    if (result == MAP_ERR_NO_SYMBOL)
+    if (result == SYM_MAP_ERR_NO_SYMBOL)
         return "holds no symbol for the selected processor";
-    return result == MAP_ERR_OPEN ? PLF_ErrorText(PLF_ERR_OPEN) : "is damaged";
+    return result == SYM_MAP_ERR_OPEN ? PLT_FileErrorText(PLT_FILE_ERR_OPEN) : "is damaged";
 }
 
 bool IsHexAddr(const char *text)
@@ -124,10 +124,10 @@ bool IsTMSHexAddr(const char *text)
 
 bool isID166(const char *text)
 {
-    if (!VRN_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
+    if (!SYM_IsNameChar(*text) || std::isdigit(static_cast<unsigned char>(*text)))
         return false;
     int length = 1;
-    while (length <= NODE_NAME_MAX && VRN_IsNameChar(text[length]))
+    while (length <= NODE_NAME_MAX && SYM_IsNameChar(text[length]))
         ++length;
     return length <= NODE_NAME_MAX && EndsWord(text[length]);
 }
@@ -158,17 +158,17 @@ bool cmp_sz2aszKwdStart(const char *text, const char *const *table, int count)
     return false;
 }
 
-int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name)
+int SYM_ParseC166MapLine(const char *line, uint32_t *address, const char **name)
 {
     const size_t length = std::strlen(line);
     if (length < C166_LINE_MIN || !IsHexAddr(line) || !isID166(line + C166_NAME))
-        return MAP_NO_SYMBOL;
+        return SYM_MAP_NO_SYMBOL;
     *address = static_cast<uint32_t>(std::strtoul(line, nullptr, 16));
     if (cmp_sz2szID(line + C166_NAME, "SYMBOL")) {
         *name = line + C166_SYMBOL_NAME;
         if (!IsWordOf(line + C166_SYMBOL_TYPE, aszMClass2))
-            return MAP_NO_SYMBOL;
-        return IsLongName(*name) ? MAP_LONG_NAME : MAP_SYMBOL;
+            return SYM_MAP_NO_SYMBOL;
+        return IsLongName(*name) ? SYM_MAP_LONG_NAME : SYM_MAP_SYMBOL;
     }
     // The name of a plain line counts when its type or class says that it is data.
     *name = line + C166_NAME;
@@ -179,10 +179,10 @@ int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name)
         isData = true;
     else
         isData = length > C166_SECTION && cmp_sz2aszKwdStart(line + C166_SECTION, aszMClass4, 2);
-    return isData ? MAP_SYMBOL : MAP_NO_SYMBOL;
+    return isData ? SYM_MAP_SYMBOL : SYM_MAP_NO_SYMBOL;
 }
 
-int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
+int SYM_ParseTMSMapLine(const char *line, uint32_t *address, const char **name)
 {
     // Newer linkers write the page of a symbol ("0", "1", "abs") in front of its address.
     size_t page = std::strspn(line, "0123456789");
@@ -192,28 +192,28 @@ int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name)
     const bool isPaged = page >= 1 && page <= PAGE_MAX && blanks > 0;
     const char *at = isPaged ? line + page + blanks : line;
     if (!IsTMSHexAddr(at) || at[0] != '0' || std::strlen(at) <= TMS_NAME_PAGED)
-        return MAP_NO_SYMBOL;
+        return SYM_MAP_NO_SYMBOL;
     const char *start = at + TMS_NAME_PAGED + std::strspn(at + TMS_NAME_PAGED, " ");
     if (!isPaged) { // without pages the name has its column
         start = std::strlen(at) > TMS_NAME ? at + TMS_NAME : "";
-        if (*start == '\0' || VRN_IsNameChar(start[-1])) // begins earlier: not to be cut in two
-            return MAP_NO_SYMBOL;
-        if (!VRN_IsNameChar(*start))
+        if (*start == '\0' || SYM_IsNameChar(start[-1])) // begins earlier: not to be cut in two
+            return SYM_MAP_NO_SYMBOL;
+        if (!SYM_IsNameChar(*start))
             ++start;
     }
     const unsigned long words = std::strtoul(at, nullptr, 16);
     if (words >= TMS_ADDRESS_LIMIT)
-        return MAP_NO_SYMBOL;
+        return SYM_MAP_NO_SYMBOL;
     *address = static_cast<uint32_t>(words) * TMS_BYTES_PER_ADDRESS;
     *name = start;
     if (IsLongName(start))
-        return MAP_LONG_NAME;
-    return isID166(start) ? MAP_SYMBOL : MAP_NO_SYMBOL;
+        return SYM_MAP_LONG_NAME;
+    return isID166(start) ? SYM_MAP_SYMBOL : SYM_MAP_NO_SYMBOL;
 }
 
 int ReadMap(const char *fileName)
 {
-    return ReadNodes(fileName, MAP_ParseC166Line, aVarNode, &nNodes);
+    return ReadNodes(fileName, SYM_ParseC166MapLine, aVarNode, &nNodes);
 }
 
 int Read_TMS_Map(const char *fileName)
@@ -222,7 +222,7 @@ int Read_TMS_Map(const char *fileName)
     // is told of by the reader of lines.
     std::FILE *file = nullptr;
     bool isArchive = false;
-    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) == PLF_OK) {
+    if (PLT_OpenForReading(fileName, PLT_FILE_ANY_SIZE, &file) == PLT_FILE_OK) {
         char magic[sizeof QAR_MAGIC - 1];
         isArchive = std::fread(magic, 1, sizeof magic, file) == sizeof magic &&
                     std::memcmp(magic, QAR_MAGIC, sizeof magic) == 0;
@@ -231,11 +231,11 @@ int Read_TMS_Map(const char *fileName)
     if (isArchive)
         return Read_TMS_CombiMap(fileName);
     if (IsWordAddressing(Procesor))
-        return ReadNodes(fileName, MAP_ParseTMSLine, aVarNode, &nNodes);
+        return ReadNodes(fileName, SYM_ParseTMSMapLine, aVarNode, &nNodes);
     // The map of a TMS320 behind a C166: the mailbox takes its addresses as words.
-    const int result = ReadNodes(fileName, MAP_ParseTMSLine, aVarTMSNode, &nTMSNodes);
+    const int result = ReadNodes(fileName, SYM_ParseTMSMapLine, aVarTMSNode, &nTMSNodes);
     if (result == 0) {
-        VRN_BytesToWords(aVarTMSNode, nTMSNodes);
+        SYM_BytesToWords(aVarTMSNode, nTMSNodes);
         openTMSStruct = OPEN_MAP_FILE;
     }
     return result;

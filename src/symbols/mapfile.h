@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-enum { MAP_ERR_OPEN = -2, MAP_ERR_NO_SYMBOL = -3 };
+enum { SYM_MAP_ERR_OPEN = -2, SYM_MAP_ERR_NO_SYMBOL = -3 };
 // Replaces aVarNode. 0, or a code with the loaded map as it was: the file cannot be read, or
 // it holds no symbol at all (another file, or the map of the other processor). Different
 // symbols beyond NODES_MAX and names beyond NODE_NAME_MAX are left out and counted in one
@@ -20,13 +20,13 @@ int map2node(const char *fileName);
 int TMSmap2node(const char *fileName);
 
 // Why a map was not taken, to stand behind its name: "cannot be opened".
-const char *MAP_ErrorText(int result);
+const char *SYM_MapErrorText(int result);
 
 // One line of a map: whether it declares a symbol; the name begins at *name, the address
 // counts bytes.
-enum { MAP_NO_SYMBOL = 0, MAP_SYMBOL = 1, MAP_LONG_NAME = 2 };
-int MAP_ParseC166Line(const char *line, uint32_t *address, const char **name);
-int MAP_ParseTMSLine(const char *line, uint32_t *address, const char **name);
+enum { SYM_MAP_NO_SYMBOL = 0, SYM_MAP_SYMBOL = 1, SYM_MAP_LONG_NAME = 2 };
+int SYM_ParseC166MapLine(const char *line, uint32_t *address, const char **name);
+int SYM_ParseTMSMapLine(const char *line, uint32_t *address, const char **name);
 
 bool IsHexAddr(const char *text);
 bool IsTMSHexAddr(const char *text);

@@ -23,7 +23,7 @@ const ProcessorRegisters processors[] = {{CPU_C166, initRg166},
 
 void AddRegister(const std::string &name, uint32_t address)
 {
-    VRN_AddNode(aVarNode166, &nNodes166, address, name.c_str(), nullptr);
+    SYM_AddNode(aVarNode166, &nNodes166, address, name.c_str(), nullptr);
 }
 
 void AddTable(const RegisterTable &table)
@@ -47,7 +47,7 @@ void AddBlocks(const RegisterBlocks &blocks)
 // Sorted by name like every table of nodes: look-ups rely on it.
 void Finish()
 {
-    VRN_SortByName(aVarNode166, nNodes166);
+    SYM_SortByName(aVarNode166, nNodes166);
     openStruct166 = nNodes166 > 0 ? 1 : 0;
     SortMapNdxByAddr();
 }

@@ -114,7 +114,7 @@ uint32_t inStruct(const char *expression, const VarNode *table, int count)
             return NOT_FOUND;
         *sign = '\0';
     }
-    const int node = VRN_FindName(table, count, name);
+    const int node = SYM_FindName(table, count, name);
     if (node < 0)
         return NOT_FOUND;
     char *follows = path + nameLength;

@@ -151,16 +151,16 @@ void ForgetAddressIndex(const VarNode *table)
 
 } // namespace
 
-bool VRN_IsNameChar(char c)
+bool SYM_IsNameChar(char c)
 {
-    return CON_IsNameChar(c) || c == '?';
+    return TXT_IsNameChar(c) || c == '?';
 }
 
-int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused)
+int SYM_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused)
 {
     size_t length = 0;
     // One more than allowed, to tell a name that is too long from one that just fits.
-    while (length <= NODE_NAME_MAX && VRN_IsNameChar(text[length]))
+    while (length <= NODE_NAME_MAX && SYM_IsNameChar(text[length]))
         ++length;
     if (length == 0 || length > NODE_NAME_MAX)
         return -1;
@@ -184,18 +184,18 @@ int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, 
 
 // Doubles are of no account until the table is full: which of two nodes of a name comes first
 // then hangs on all nodes as they stood in the map.
-int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+int SYM_ReplaceNodes(VarNode *table, int *count, const std::vector<SYM_Symbol> &symbols,
                      int *refused)
 {
     FreeNodes(table, count);
     const bool isTight = symbols.size() > NODES_MAX;
     std::set<std::pair<std::string, uint32_t>> known;
-    for (const VRN_Symbol &symbol : symbols)
+    for (const SYM_Symbol &symbol : symbols)
         if (!isTight || known.insert({symbol.name, symbol.address}).second)
-            VRN_AddNode(table, count, symbol.address, symbol.name.c_str(), refused);
+            SYM_AddNode(table, count, symbol.address, symbol.name.c_str(), refused);
     const int taken = *count; // doubles among them: they were in the map
-    VRN_SortByName(table, *count);
-    VRN_RemoveDuplicates(table, count);
+    SYM_SortByName(table, *count);
+    SYM_RemoveDuplicates(table, count);
     if (table == aVarNode)
         SortMapNdxByAddr();
     return taken;
@@ -203,7 +203,7 @@ int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &
 
 int AddMapVar(uint32_t address, const char *text)
 {
-    return VRN_AddNode(aVarNode, &nNodes, address, text, nullptr);
+    return SYM_AddNode(aVarNode, &nNodes, address, text, nullptr);
 }
 
 int AddMapVarS(const char *mapLine, const char *text)
@@ -223,7 +223,7 @@ void FreeNodes(VarNode *table, int *count)
     ForgetAddressIndex(table);
 }
 
-void VRN_SortByName(VarNode *table, int count)
+void SYM_SortByName(VarNode *table, int count)
 {
     const size_t n = static_cast<size_t>(count > 0 ? count : 0);
     std::vector<int> order(n);
@@ -253,10 +253,10 @@ void VRN_SortByName(VarNode *table, int count)
 
 void SortMapByName()
 {
-    VRN_SortByName(aVarNode, nNodes);
+    SYM_SortByName(aVarNode, nNodes);
 }
 
-void VRN_RemoveDuplicates(VarNode *table, int *count)
+void SYM_RemoveDuplicates(VarNode *table, int *count)
 {
     const bool wasSorted = IsMarkedSorted(table, *count);
     int kept = 0;
@@ -276,7 +276,7 @@ void VRN_RemoveDuplicates(VarNode *table, int *count)
 }
 
 // The mailbox of a TMS320 counts words where maps of this program count bytes.
-void VRN_BytesToWords(VarNode *table, int count)
+void SYM_BytesToWords(VarNode *table, int count)
 {
     for (int i = 0; i < count; ++i)
         table[i].addr /= 2;
@@ -289,7 +289,7 @@ void SortMapNdxByAddr()
     BuildAddressIndex(&registerIndex, aVarNode166, nNodes166);
 }
 
-int VRN_FindName(const VarNode *table, int count, const char *name)
+int SYM_FindName(const VarNode *table, int count, const char *name)
 {
     if (IsMarkedSorted(table, count)) {
         const VarNode *end = table + count;
@@ -307,27 +307,27 @@ int VRN_FindName(const VarNode *table, int count, const char *name)
     return -1;
 }
 
-const VarNode *VRN_MapNodeAtOrAfter(uint32_t address)
+const VarNode *SYM_MapNodeAtOrAfter(uint32_t address)
 {
     return NodeAtOrAfter(&mapIndex, aVarNode, nNodes, address);
 }
 
-const VarNode *VRN_RegisterAtOrAfter(uint32_t address)
+const VarNode *SYM_RegisterAtOrAfter(uint32_t address)
 {
     return NodeAtOrAfter(&registerIndex, aVarNode166, nNodes166, address);
 }
 
-const VarNode *VRN_MapNodeAtOrBelow(uint32_t address)
+const VarNode *SYM_MapNodeAtOrBelow(uint32_t address)
 {
     return NodeAtOrBelow(&mapIndex, aVarNode, nNodes, address);
 }
 
-const VarNode *VRN_RegisterAtOrBelow(uint32_t address)
+const VarNode *SYM_RegisterAtOrBelow(uint32_t address)
 {
     return NodeAtOrBelow(&registerIndex, aVarNode166, nNodes166, address);
 }
 
-void VRN_WarnRefused(int refused, int longNames)
+void SYM_WarnRefused(int refused, int longNames)
 {
     std::string text;
     if (refused > 0)
@@ -343,7 +343,7 @@ void VRN_WarnRefused(int refused, int longNames)
         SYM_Warn("Map file", text);
 }
 
-bool VRN_IsWildcardMatch(const char *wildcard, const char *name)
+bool SYM_IsWildcardMatch(const char *wildcard, const char *name)
 {
     while (*wildcard != '*') {
         if (*wildcard != *name)
@@ -362,7 +362,7 @@ int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, 
     if (*position < 0) // the end was told before
         return -1;
     for (int i = *position; i < count; ++i) {
-        if (!VRN_IsWildcardMatch(wildcard, table[i].name))
+        if (!SYM_IsWildcardMatch(wildcard, table[i].name))
             continue;
         *name = table[i].name;
         *position = i + 1;

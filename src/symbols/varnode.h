@@ -29,7 +29,7 @@ extern int openTMSStruct;
 extern std::string mapFile;     // name of the loaded map file
 extern std::string TMS_mapFile; // the same of the TMS320 behind the station
 
-bool VRN_IsNameChar(char c); // a letter, a digit, "_", or "?" of static variables
+bool SYM_IsNameChar(char c); // a letter, a digit, "_", or "?" of static variables
 // Appends a node to aVarNode. The name is the run of letters, digits, "_" and "?" at the
 // start of `text`. 0, or -1: table full (counted), no name, or a name of more than 64.
 int AddMapVar(uint32_t address, const char *text);
@@ -41,37 +41,37 @@ void SortMapNdxByAddr();
 void FreeNodes(VarNode *table, int *count);
 
 // The same for any of the three tables; `refused` (may be null) counts nodes beyond NODES_MAX.
-int VRN_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused);
+int SYM_AddNode(VarNode *table, int *count, uint32_t address, const char *text, int *refused);
 // Fills a table anew: sorted, without the doubles that maps list; names as for AddMapVar.
 // The number taken, doubles among them; *refused counts the different symbols for which the
 // table has no room.
-struct VRN_Symbol {
+struct SYM_Symbol {
     uint32_t address; // in bytes
     std::string name;
 };
-int VRN_ReplaceNodes(VarNode *table, int *count, const std::vector<VRN_Symbol> &symbols,
+int SYM_ReplaceNodes(VarNode *table, int *count, const std::vector<SYM_Symbol> &symbols,
                      int *refused);
 // Order of a selection sort that swaps the first smallest remaining name into place: equal
 // names may end up in another order than a stable sort gives them. O(n log n).
-void VRN_SortByName(VarNode *table, int count);
+void SYM_SortByName(VarNode *table, int count);
 // Turns byte into 16-bit word addresses: what aVarTMSNode holds.
-void VRN_BytesToWords(VarNode *table, int count);
+void SYM_BytesToWords(VarNode *table, int count);
 // Of neighbours with equal name and address the later one stays.
-void VRN_RemoveDuplicates(VarNode *table, int *count);
+void SYM_RemoveDuplicates(VarNode *table, int *count);
 // Index of the first node of that name in table order, or -1. A table sorted by
-// VRN_SortByName and changed only through the calls above is searched by halving.
-int VRN_FindName(const VarNode *table, int count, const char *name);
+// SYM_SortByName and changed only through the calls above is searched by halving.
+int SYM_FindName(const VarNode *table, int count, const char *name);
 // The node at or after an address: of the loaded map, or of the registers; null when none.
-const VarNode *VRN_MapNodeAtOrAfter(uint32_t address);
-const VarNode *VRN_RegisterAtOrAfter(uint32_t address);
+const VarNode *SYM_MapNodeAtOrAfter(uint32_t address);
+const VarNode *SYM_RegisterAtOrAfter(uint32_t address);
 // The node with the highest address at or below the given one; of several, the first.
-const VarNode *VRN_MapNodeAtOrBelow(uint32_t address);
-const VarNode *VRN_RegisterAtOrBelow(uint32_t address);
+const VarNode *SYM_MapNodeAtOrBelow(uint32_t address);
+const VarNode *SYM_RegisterAtOrBelow(uint32_t address);
 // Tells the user how many symbols a full table did not take and how many names were too
 // long; nothing for 0.
-void VRN_WarnRefused(int refused, int longNames);
+void SYM_WarnRefused(int refused, int longNames);
 // Whether a name matches: characters agree up to a "*" (any rest) or the end of both.
-bool VRN_IsWildcardMatch(const char *wildcard, const char *name);
+bool SYM_IsWildcardMatch(const char *wildcard, const char *name);
 
 // Next name matching "abc*" from *position on; 0, or -1 at the end.
 int RdTblVarName(const char *wildcard, const char **name, const VarNode *table, int count,

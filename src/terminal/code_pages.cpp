@@ -14,11 +14,11 @@ struct Page {
     const char *name;
     unsigned number; // the system's; 0: the table is ours
 };
-const Page PAGES[CPT_COUNT] = {{"LCD controller", 0},
-                               {"ISO-8859-1", 28591},
-                               {"CP852", 852},
-                               {"CP1250", 1250},
-                               {"KOI8-R", 20866}};
+const Page PAGES[TRM_PAGE_COUNT] = {{"LCD controller", 0},
+                                    {"ISO-8859-1", 28591},
+                                    {"CP852", 852},
+                                    {"CP1250", 1250},
+                                    {"KOI8-R", 20866}};
 
 // The widespread ROM of character displays where it differs from ASCII: half-width katakana in
 // the order of their standard, then Greek and signs.
@@ -32,9 +32,9 @@ const char32_t SIGNS[] = {0x3B1,  0xE4,   0x3B2,  0x3B5,  0x3BC,  0x3C3, 0x3C1, 
 Table MakeDisplayTable()
 {
     Table table;
-    table.fill(CPT_UNKNOWN);
+    table.fill(TRM_PAGE_UNKNOWN);
     for (unsigned i = 0; i < 16; ++i)
-        table[i] = CPT_GLYPH + i % 8;
+        table[i] = TRM_PAGE_GLYPH + i % 8;
     for (unsigned i = ' '; i < 0x7E; ++i)
         table[i] = i;
     table['\\'] = 0xA5;   // yen
@@ -55,7 +55,7 @@ Table MakeTable(unsigned number)
     if (number == 0)
         return MakeDisplayTable();
     if (PLT_GetCodePage(number, table.data()) != 0) {
-        table.fill(CPT_UNKNOWN);
+        table.fill(TRM_PAGE_UNKNOWN);
         for (unsigned i = 0; i < 0x80; ++i)
             table[i] = i;
     }
@@ -64,16 +64,16 @@ Table MakeTable(unsigned number)
 
 const Table &GetTable(int page)
 {
-    static const std::array<Table, CPT_COUNT> TABLES = [] {
-        std::array<Table, CPT_COUNT> made;
+    static const std::array<Table, TRM_PAGE_COUNT> TABLES = [] {
+        std::array<Table, TRM_PAGE_COUNT> made;
         for (size_t i = 0; i < made.size(); ++i)
             made[i] = MakeTable(PAGES[i].number);
         return made;
     }();
-    return TABLES[page >= 0 && page < CPT_COUNT ? static_cast<size_t>(page) : 0];
+    return TABLES[page >= 0 && page < TRM_PAGE_COUNT ? static_cast<size_t>(page) : 0];
 }
 
-// The next code point of UTF-8, and the bytes it takes: one and CPT_UNKNOWN where it is none.
+// The next code point of UTF-8, and the bytes it takes: one and TRM_PAGE_UNKNOWN where it is none.
 char32_t NextCode(const std::string &text, size_t at, size_t *length)
 {
     const auto first = static_cast<uint8_t>(text[at]);
@@ -83,12 +83,12 @@ char32_t NextCode(const std::string &text, size_t at, size_t *length)
     // 0xC0 and 0xC1 could only begin a longer form of ASCII.
     const size_t count = first >= 0xF0 ? 4 : first >= 0xE0 ? 3 : 2;
     if (first < 0xC2 || at + count > text.size())
-        return CPT_UNKNOWN;
+        return TRM_PAGE_UNKNOWN;
     char32_t code = first & (0x7Fu >> count);
     for (size_t i = 1; i < count; ++i) {
         const auto byte = static_cast<uint8_t>(text[at + i]);
         if ((byte & 0xC0) != 0x80)
-            return CPT_UNKNOWN;
+            return TRM_PAGE_UNKNOWN;
         code = code << 6 | (byte & 0x3Fu);
     }
     *length = count;
@@ -97,17 +97,17 @@ char32_t NextCode(const std::string &text, size_t at, size_t *length)
 
 } // namespace
 
-const char *CPT_Name(int page)
+const char *TRM_PageName(int page)
 {
-    return page >= 0 && page < CPT_COUNT ? PAGES[page].name : "";
+    return page >= 0 && page < TRM_PAGE_COUNT ? PAGES[page].name : "";
 }
 
-char32_t CPT_ToCode(int page, uint8_t byte)
+char32_t TRM_ToCode(int page, uint8_t byte)
 {
     return GetTable(page)[byte];
 }
 
-std::string CPT_ToUtf8(char32_t code)
+std::string TRM_ToUtf8(char32_t code)
 {
     std::string text;
     if (code < 0x80)
@@ -120,15 +120,15 @@ std::string CPT_ToUtf8(char32_t code)
     return text;
 }
 
-std::string CPT_ToUtf8(int page, const std::string &bytes)
+std::string TRM_ToUtf8(int page, const std::string &bytes)
 {
     std::string text;
     for (const char byte : bytes)
-        text += CPT_ToUtf8(CPT_ToCode(page, static_cast<uint8_t>(byte)));
+        text += TRM_ToUtf8(TRM_ToCode(page, static_cast<uint8_t>(byte)));
     return text;
 }
 
-size_t CPT_FromUtf8(int page, const std::string &text, std::string *bytes)
+size_t TRM_FromUtf8(int page, const std::string &text, std::string *bytes)
 {
     const Table &table = GetTable(page);
     size_t absent = 0, length = 0;
@@ -141,7 +141,7 @@ size_t CPT_FromUtf8(int page, const std::string &text, std::string *bytes)
             continue;
         }
         size_t byte = ' ';
-        while (byte < table.size() && (table[byte] != code || code == CPT_UNKNOWN))
+        while (byte < table.size() && (table[byte] != code || code == TRM_PAGE_UNKNOWN))
             ++byte;
         absent += byte == table.size();
         *bytes += byte < table.size() ? static_cast<char>(byte) : '?';

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int PANEL = PANEL_TERMINAL_ENTRY;
 
-TRE_Host host;
+TRM_EntryHost host;
 std::string entry; // what is shown, lines ended by line feeds
 size_t total = 0;  // bytes under way since Send; 0: none
 
@@ -60,9 +60,9 @@ void ShowEntry(const std::string &text)
     const auto lines = std::count(entry.begin(), entry.end(), '\n') +
                        (!entry.empty() && entry.back() != '\n' ? 1 : 0);
     // Refused, not cut: half a text may be a command.
-    if (text.size() > TSN_WAITING_MAX) {
+    if (text.size() > TRM_WAITING_MAX) {
         ShowState("Too long to send: " + std::to_string(text.size()) + " bytes, at most " +
-                      std::to_string(TSN_WAITING_MAX) + ".",
+                      std::to_string(TRM_WAITING_MAX) + ".",
                   COLOR_BAD);
         entry.clear();
     } else {
@@ -85,14 +85,14 @@ void OpenFile()
 {
     std::string path, text;
     if (FileSelectPopup("", "*.txt", "*.txt", "Send text file", FILE_LOAD, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
     // No more is read than could be sent.
-    const int result = PLF_ReadAll(path, TSN_WAITING_MAX, &text);
-    if (result == PLF_OK)
+    const int result = PLT_ReadFile(path, TRM_WAITING_MAX, &text);
+    if (result == PLT_FILE_OK)
         ShowEntry(text);
     else
-        ShowState(path + " " + PLF_ErrorText(result) + ".", COLOR_BAD);
+        ShowState(path + " " + PLT_FileErrorText(result) + ".", COLOR_BAD);
 }
 
 void Send()
@@ -107,12 +107,12 @@ void Send()
 
 } // namespace
 
-void TRE_SetHost(const TRE_Host &newHost)
+void TRM_SetEntryHost(const TRM_EntryHost &newHost)
 {
     host = newHost;
 }
 
-void TRE_OpenWithClipboard()
+void TRM_OpenEntryWithClipboard()
 {
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
@@ -121,7 +121,7 @@ void TRE_OpenWithClipboard()
     SetActiveCtrl(PANEL, ENTRY_SEND);
 }
 
-void TRE_ShowProgress()
+void TRM_ShowEntryProgress()
 {
     if (total == 0)
         return;
@@ -138,7 +138,7 @@ void TRE_ShowProgress()
     EnableButtons();
 }
 
-void TRE_Break(size_t forgotten)
+void TRM_BreakEntry(size_t forgotten)
 {
     if (total == 0)
         return;
@@ -149,7 +149,7 @@ void TRE_Break(size_t forgotten)
     EnableButtons();
 }
 
-int TRE_PanelCB(int panel, int event, int)
+int TRM_EntryPanelCB(int panel, int event, int)
 {
     if (event != EVENT_CLOSE && event != EVENT_KEYPRESS) // Esc is the only key it has
         return 0;
@@ -157,7 +157,7 @@ int TRE_PanelCB(int panel, int event, int)
     return 1;
 }
 
-int TRE_ButtonCB(int panel, int control, int event, int)
+int TRM_EntryButtonCB(int panel, int control, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
@@ -172,7 +172,7 @@ int TRE_ButtonCB(int panel, int control, int event, int)
         Send();
         break;
     case ENTRY_STOP:
-        TRE_Break(host.cancel());
+        TRM_BreakEntry(host.cancel());
         break;
     default:
         HidePanel(panel);

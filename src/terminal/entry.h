@@ -7,17 +7,17 @@
 #include <string>
 
 // Who sends. `send` takes UTF-8 with line feeds and answers "" or why nothing was sent.
-struct TRE_Host {
+struct TRM_EntryHost {
     std::string (*send)(const std::string &text) = nullptr;
     size_t (*waiting)() = nullptr; // bytes not sent yet
     size_t (*cancel)() = nullptr;  // forgets them: how many
 };
-void TRE_SetHost(const TRE_Host &host);
-void TRE_OpenWithClipboard();
-void TRE_ShowProgress();          // something has been sent
-void TRE_Break(size_t forgotten); // the rest cannot be sent any more
+void TRM_SetEntryHost(const TRM_EntryHost &host);
+void TRM_OpenEntryWithClipboard();
+void TRM_ShowEntryProgress();          // something has been sent
+void TRM_BreakEntry(size_t forgotten); // the rest cannot be sent any more
 
-int TRE_PanelCB(int panel, int event, int data);
-int TRE_ButtonCB(int panel, int control, int event, int data);
+int TRM_EntryPanelCB(int panel, int event, int data);
+int TRM_EntryButtonCB(int panel, int control, int event, int data);
 
 #endif

@@ -10,30 +10,30 @@
 #include <string>
 #include <vector>
 
-struct LCS_Picture {
-    TBK_Lcd block;
-    std::array<uint8_t, TBK_GLYPHS *TBK_GLYPH_LINES> glyphs = {};
+struct TRM_MakeLcdPicture {
+    TRM_LcdBlock block;
+    std::array<uint8_t, TRM_LCD_GLYPHS *TRM_LCD_GLYPH_LINES> glyphs = {};
     std::vector<uint8_t> characters; // rows times columns; empty: never read
 };
 
-struct LCS_Session {
-    TBK_Place place;
-    bool isOpen = false, wasOpen = false; // as of TSV_Session
-    LCS_Picture picture;                  // the last whole one
+struct TRM_LcdSession {
+    TRM_BlockPlace place;
+    bool isOpen = false, wasOpen = false; // as of TRM_ServiceSession
+    TRM_MakeLcdPicture picture;           // the last whole one
     int unsteady = 0;                     // looks in a row that found it changing
-    TSN_Sender keys;
+    TRM_Sender keys;
 };
 
-struct LCS_News {
+struct TRM_LcdNews {
     bool isNew = false;  // another picture
     std::string message; // what went wrong, "" when nothing
     bool isLineBad = false;
 };
 
-void LCS_Begin(LCS_Session *session, const TBK_Place &place);
-void LCS_Step(LCS_Session *session, LCS_News *news);
+void TRM_BeginLcd(TRM_LcdSession *session, const TRM_BlockPlace &place);
+void TRM_StepLcd(TRM_LcdSession *session, TRM_LcdNews *news);
 // Puts a key into what waits to be sent: pressed (again: repeated) or released. false when
 // there is no such key or too many wait.
-bool LCS_AddKey(LCS_Session *session, int key, bool isRelease);
+bool TRM_AddLcdKey(TRM_LcdSession *session, int key, bool isRelease);
 
 #endif

@@ -35,12 +35,12 @@ constexpr struct {
                 {'.', '.', 18},          {KEY_BACKSPACE, KEY_BACKSPACE, 19},
                 {KEY_F1, KEY_F1 + 3, 20}};
 
-LCS_Session session;
+TRM_LcdSession session;
 std::string problem;  // why there is no place to look at
 bool isWrong = false; // what the message says, until the next good look
 uint32_t lookedMs = 0, failedMs = 0;
-uint32_t pressedMs[TBK_KEYS] = {};
-bool isPressed[TBK_KEYS] = {};
+uint32_t pressedMs[TRM_LCD_KEY_COUNT] = {};
+bool isPressed[TRM_LCD_KEY_COUNT] = {};
 
 void ShowMessage(const std::string &text, int color = COLOR_PLAIN)
 {
@@ -56,31 +56,31 @@ int GetPage()
 }
 
 // A cursor that lies outside is not seen; a display that is off shows nothing.
-LCT_Picture MakePicture()
+UI_LcdPicture MakePicture()
 {
-    const TBK_Lcd &block = session.picture.block;
-    LCT_Picture picture;
-    const bool isShown = session.isOpen && (block.flags & TBK_DISPLAY_ON) != 0;
+    const TRM_LcdBlock &block = session.picture.block;
+    UI_LcdPicture picture;
+    const bool isShown = session.isOpen && (block.flags & TRM_DISPLAY_ON) != 0;
     picture.rows.assign(block.rows, std::u32string(block.columns, ' '));
     for (uint32_t i = 0; isShown && i < session.picture.characters.size(); ++i) {
         // What a code page has for control characters is no picture.
-        const char32_t code = CPT_ToCode(GetPage(), session.picture.characters[i]);
-        picture.rows[i / block.columns][i % block.columns] = code < ' ' ? CPT_UNKNOWN : code;
+        const char32_t code = TRM_ToCode(GetPage(), session.picture.characters[i]);
+        picture.rows[i / block.columns][i % block.columns] = code < ' ' ? TRM_PAGE_UNKNOWN : code;
     }
     picture.cursorRow = static_cast<int>(block.cursorRow);
     picture.cursorColumn = static_cast<int>(block.cursorColumn);
-    picture.cursor = !isShown || (block.flags & (TBK_CURSOR_ON | TBK_CURSOR_BLINKS)) == 0
-                         ? LCT_NO_CURSOR
-                     : (block.flags & TBK_CURSOR_BLINKS) != 0 ? LCT_BLINKING
-                                                              : LCT_UNDERLINE;
-    picture.isLit = session.isOpen && (block.flags & TBK_LIGHT_ON) != 0;
+    picture.cursor = !isShown || (block.flags & (TRM_CURSOR_ON | TRM_CURSOR_BLINKS)) == 0
+                         ? UI_LCD_NO_CURSOR
+                     : (block.flags & TRM_CURSOR_BLINKS) != 0 ? UI_LCD_CURSOR_BLINKING
+                                                              : UI_LCD_CURSOR_UNDERLINE;
+    picture.isLit = session.isOpen && (block.flags & TRM_LIGHT_ON) != 0;
     picture.glyphs = session.picture.glyphs;
     return picture;
 }
 
 void ShowPicture()
 {
-    SetCtrlVal(PANEL, LCD_SCREEN, LCT_Format(MakePicture()));
+    SetCtrlVal(PANEL, LCD_SCREEN, UI_FormatLcd(MakePicture()));
     for (int key = 0; key <= LCD_KEY_LAST - LCD_KEY_FIRST; ++key)
         SetCtrlAttribute(PANEL, LCD_KEY_FIRST + key, ATTR_DIMMED,
                          !session.isOpen || (session.picture.block.keyMask >> key & 1) == 0);
@@ -88,7 +88,7 @@ void ShowPicture()
 
 void ShowState()
 {
-    const TBK_Lcd &block = session.picture.block;
+    const TRM_LcdBlock &block = session.picture.block;
     std::string text =
         "COM" + std::to_string(ncom) + ", station " + std::to_string(session.place.station) + ". ";
     if (isTimer == 0)
@@ -97,7 +97,7 @@ void ShowState()
         text += "Looking for the display.";
     else
         text += std::to_string(block.rows) + " rows, " + std::to_string(block.columns) +
-                " columns, " + CPT_Name(GetPage()) + ".";
+                " columns, " + TRM_PageName(GetPage()) + ".";
     SetCtrlVal(PANEL, LCD_STATE, text);
 }
 
@@ -105,11 +105,12 @@ void ShowState()
 void FindPlace()
 {
     std::string text;
-    TBK_Place place;
+    TRM_BlockPlace place;
     GetCtrlVal(PANEL, LCD_PLACE, &text);
     problem.clear();
     // The same place may have moved with another map, or have none any more.
-    const int result = TBK_FindPlace(text, TRI_GetStation(PANEL, LCD_STATION), &place, &problem);
+    const int result =
+        TRM_FindBlockPlace(text, TRM_GetStation(PANEL, LCD_STATION), &place, &problem);
     if (result != 0)
         ShowMessage(problem, COLOR_BAD);
     if (result == 0 && place.address == session.place.address &&
@@ -117,7 +118,7 @@ void FindPlace()
         return;
     // Keys that were pressed on the other display are not released on this one.
     std::fill(std::begin(isPressed), std::end(isPressed), false);
-    LCS_Begin(&session, result == 0 ? place : TBK_Place());
+    TRM_BeginLcd(&session, result == 0 ? place : TRM_BlockPlace());
     failedMs = 0;
     if (result == 0)
         ShowMessage("");
@@ -126,7 +127,7 @@ void FindPlace()
 
 void Press(int key)
 {
-    if (!LCS_AddKey(&session, key, false))
+    if (!TRM_AddLcdKey(&session, key, false))
         return;
     isPressed[key] = true;
     pressedMs[key] = PLT_TickMs();
@@ -135,20 +136,20 @@ void Press(int key)
 
 void ReleaseKeys()
 {
-    for (int key = 0; key < static_cast<int>(TBK_KEYS); ++key) {
+    for (int key = 0; key < static_cast<int>(TRM_LCD_KEY_COUNT); ++key) {
         if (!isPressed[key] || PLT_TickMs() - pressedMs[key] < RELEASE_MS)
             continue;
         // Sent even when too many keys wait: no key stays pressed in the target.
-        LCS_AddKey(&session, key, true);
+        TRM_AddLcdKey(&session, key, true);
         isPressed[key] = false;
     }
 }
 
 void Look()
 {
-    LCS_News news;
+    TRM_LcdNews news;
     const bool wasOpen = session.isOpen;
-    LCS_Step(&session, &news);
+    TRM_StepLcd(&session, &news);
     lookedMs = PLT_TickMs();
     failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0; // 0 stands for none
     const bool isBad = news.isLineBad || !session.isOpen || session.unsteady > 0;
@@ -164,27 +165,27 @@ void Look()
 
 } // namespace
 
-void LCW_SetPanelAttributes()
+void TRM_SetLcdPanelAttributes()
 {
-    if (!TRI_IsShown(PANEL))
+    if (!TRM_IsShown(PANEL))
         return;
     if (isTimer == 0 && session.isOpen) { // what stands there now is not known any more
-        LCS_Begin(&session, session.place);
+        TRM_BeginLcd(&session, session.place);
         ShowPicture();
     }
     FindPlace();
     ShowState();
 }
 
-void LCW_OpenCB(int, int)
+void TRM_LcdOpenCB(int, int)
 {
     std::string place;
-    TRI_FillStations(PANEL, LCD_STATION);
-    TRI_FillPages(PANEL, LCD_PAGE, "of the target", PAGE_OF_TARGET);
+    TRM_FillStations(PANEL, LCD_STATION);
+    TRM_FillPages(PANEL, LCD_PAGE, "of the target", PAGE_OF_TARGET);
     GetCtrlVal(PANEL, LCD_PLACE, &place);
     if (place.empty())
         SetCtrlVal(PANEL, LCD_PLACE, PLACE_AT_FIRST);
-    SetCtrlCompletion(PANEL, LCD_PLACE, NCM_CompleteCB);
+    SetCtrlCompletion(PANEL, LCD_PLACE, WIN_CompleteNameCB);
     SetCtrlAttribute(PANEL, LCD_TIMER, ATTR_INTERVAL, PERIOD_S);
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
@@ -195,18 +196,18 @@ void LCW_OpenCB(int, int)
     SetActiveCtrl(PANEL, LCD_SCREEN);
 }
 
-int LCW_PanelCB(int panel, int event, int)
+int TRM_LcdPanelCB(int panel, int event, int)
 {
     if (event != EVENT_CLOSE)
         return 0;
     // Nothing is known of a display that nobody looks at; the next look begins anew.
     std::fill(std::begin(isPressed), std::end(isPressed), false);
-    LCS_Begin(&session, session.place);
+    TRM_BeginLcd(&session, session.place);
     HidePanel(panel);
     return 1;
 }
 
-int LCW_ScreenCB(int, int, int event, int key)
+int TRM_LcdScreenCB(int, int, int event, int key)
 {
     if (event != EVENT_KEYPRESS)
         return 0;
@@ -216,14 +217,14 @@ int LCW_ScreenCB(int, int, int event, int key)
     return 1;
 }
 
-int LCW_KeyCB(int, int control, int event, int)
+int TRM_LcdKeyCB(int, int control, int event, int)
 {
     if (event == EVENT_COMMIT)
         Press(control - LCD_KEY_FIRST);
     return 0;
 }
 
-int LCW_CopyCB(int, int, int event, int)
+int TRM_LcdCopyCB(int, int, int event, int)
 {
     // As it is seen: in the chosen code page, the target's own characters as private ones.
     std::string text;
@@ -231,14 +232,14 @@ int LCW_CopyCB(int, int, int event, int)
         return 0;
     for (const std::u32string &row : MakePicture().rows) {
         for (const char32_t code : row)
-            text += CPT_ToUtf8(code);
+            text += TRM_ToUtf8(code);
         text += "\n";
     }
     ClipboardPutText(text);
     return 0;
 }
 
-int LCW_PlaceCB(int, int, int event, int)
+int TRM_LcdPlaceCB(int, int, int event, int)
 {
     if (event != EVENT_COMMIT)
         return 0;
@@ -248,9 +249,9 @@ int LCW_PlaceCB(int, int, int event, int)
     return 0;
 }
 
-int LCW_TimerCB(int, int, int event, int)
+int TRM_LcdTimerCB(int, int, int event, int)
 {
-    if (event != EVENT_TIMER_TICK || isTimer == 0 || !TRI_IsShown(PANEL) || !problem.empty())
+    if (event != EVENT_TIMER_TICK || isTimer == 0 || !TRM_IsShown(PANEL) || !problem.empty())
         return 0;
     const uint32_t pauseMs = failedMs != 0 ? PAUSE_MS : LOOK_PERIOD_MS;
     ReleaseKeys();

@@ -7,10 +7,10 @@
 #include <cerrno>
 #include <cstring>
 
-int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
+int TRM_OpenLog(TRM_Log *log, const std::string &path, std::string *problem)
 {
     std::string real;
-    TLG_Close(log);
+    TRM_CloseLog(log);
     errno = 0;
     if (PLT_ResolveFile(path, &real) != 0) {
         *problem = "Not a file to write to: " + path + ".";
@@ -25,7 +25,7 @@ int TLG_Open(TLG_Log *log, const std::string &path, std::string *problem)
     return log->file == nullptr ? -1 : 0;
 }
 
-int TLG_PutLine(TLG_Log *log, const std::string &line, std::string *problem)
+int TRM_PutLogLine(TRM_Log *log, const std::string &line, std::string *problem)
 {
     if (log->file == nullptr)
         return 0;
@@ -33,21 +33,21 @@ int TLG_PutLine(TLG_Log *log, const std::string &line, std::string *problem)
     PLT_LocalTime(&now);
     const std::string text = IsoDateText(now) + "  " + line + "\n";
     log->bytes += text.size() + 1; // CR LF
-    if (log->bytes > TLG_BYTES_MAX) {
+    if (log->bytes > TRM_LOG_BYTES_MAX) {
         *problem = "The log is full: " + log->path + ".";
-        TLG_Close(log);
+        TRM_CloseLog(log);
         return -1;
     }
     // A line at once: without the flush the last ones would be lost, and they are wanted most.
-    SAF_PutText(log->file, text);
+    PLT_SaveText(log->file, text);
     if (std::fflush(log->file) == 0 && std::ferror(log->file) == 0)
         return 0;
-    *problem = "The log has ended: " + SAF_FailureText(log->path);
-    TLG_Close(log);
+    *problem = "The log has ended: " + PLT_SaveFailureText(log->path);
+    TRM_CloseLog(log);
     return -1;
 }
 
-int TLG_Close(TLG_Log *log)
+int TRM_CloseLog(TRM_Log *log)
 {
     if (log->file == nullptr)
         return 0;

@@ -17,14 +17,14 @@ bool IsFilled(int panel, int control)
 
 } // namespace
 
-bool TRI_IsShown(int panel)
+bool TRM_IsShown(int panel)
 {
     int isVisible = 0;
     GetPanelAttribute(panel, ATTR_VISIBLE, &isVisible);
     return isVisible != 0;
 }
 
-void TRI_FillStations(int panel, int control)
+void TRM_FillStations(int panel, int control)
 {
     if (IsFilled(panel, control))
         return;
@@ -34,7 +34,7 @@ void TRI_FillStations(int panel, int control)
     SetCtrlVal(panel, control, -1);
 }
 
-int TRI_GetStation(int panel, int control)
+int TRM_GetStation(int panel, int control)
 {
     int station = -1;
     GetCtrlVal(panel, control, &station);
@@ -42,13 +42,13 @@ int TRI_GetStation(int panel, int control)
     return station < 0 ? STATION : station;
 }
 
-void TRI_FillPages(int panel, int control, const char *first, int chosen)
+void TRM_FillPages(int panel, int control, const char *first, int chosen)
 {
     if (IsFilled(panel, control))
         return;
     if (first != nullptr)
         InsertListItem(panel, control, -1, first, -1);
-    for (int i = 0; i < CPT_COUNT; ++i)
-        InsertListItem(panel, control, -1, CPT_Name(i), i);
+    for (int i = 0; i < TRM_PAGE_COUNT; ++i)
+        InsertListItem(panel, control, -1, TRM_PageName(i), i);
     SetCtrlVal(panel, control, chosen);
 }

@@ -9,16 +9,16 @@ constexpr size_t TAB = 8;
 constexpr char32_t BEYOND_ASCII = 0xB7; // a point in the middle: a character that is none here
 enum { NO_ESCAPE, ESCAPE_BEGUN, ESCAPE_PARAMETERS };
 
-void EndLine(TSC_Screen *screen)
+void EndLine(TRM_Screen *screen)
 {
-    screen->done.push_back(TSC_GetLine(*screen));
+    screen->done.push_back(TRM_GetScreenLine(*screen));
     screen->line.clear();
     screen->column = 0;
 }
 
-void PutCharacter(TSC_Screen *screen, char32_t code)
+void PutCharacter(TRM_Screen *screen, char32_t code)
 {
-    if (screen->column >= TSC_COLUMNS_MAX)
+    if (screen->column >= TRM_SCREEN_COLUMNS_MAX)
         EndLine(screen);
     // Behind a carriage return characters replace those that stand there.
     if (screen->column >= screen->line.size())
@@ -26,7 +26,7 @@ void PutCharacter(TSC_Screen *screen, char32_t code)
     screen->line[screen->column++] = code;
 }
 
-void PutControl(TSC_Screen *screen, char control)
+void PutControl(TRM_Screen *screen, char control)
 {
     switch (control) {
     case '\a':
@@ -65,7 +65,7 @@ void PutControl(TSC_Screen *screen, char control)
 
 // Sequences of terminals (colours, cursor moves) are left out, not carried out. A control
 // character ends one.
-bool IsInEscape(TSC_Screen *screen, char c)
+bool IsInEscape(TRM_Screen *screen, char c)
 {
     if (screen->escape == NO_ESCAPE)
         return false;
@@ -79,7 +79,7 @@ bool IsInEscape(TSC_Screen *screen, char c)
 
 } // namespace
 
-void TSC_Put(TSC_Screen *screen, int codePage, const std::string &bytes)
+void TRM_PutOnScreen(TRM_Screen *screen, int codePage, const std::string &bytes)
 {
     for (const char c : bytes) {
         const auto byte = static_cast<uint8_t>(c);
@@ -89,17 +89,17 @@ void TSC_Put(TSC_Screen *screen, int codePage, const std::string &bytes)
             PutControl(screen, c);
             continue;
         }
-        const char32_t code = CPT_ToCode(codePage, byte);
+        const char32_t code = TRM_ToCode(codePage, byte);
         // The upper control characters must not steer whatever shows the text.
         const bool isShown = code >= ' ' && (code < 0x7F || code >= 0xA0);
         PutCharacter(screen, isShown ? code : BEYOND_ASCII);
     }
 }
 
-std::string TSC_GetLine(const TSC_Screen &screen)
+std::string TRM_GetScreenLine(const TRM_Screen &screen)
 {
     std::string text;
     for (const char32_t code : screen.line)
-        text += CPT_ToUtf8(code);
+        text += TRM_ToUtf8(code);
     return text;
 }

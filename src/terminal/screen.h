@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-constexpr size_t TSC_COLUMNS_MAX = 500; // longer lines go on in the next one
+constexpr size_t TRM_SCREEN_COLUMNS_MAX = 500; // longer lines go on in the next one
 
-struct TSC_Screen {
+struct TRM_Screen {
     std::u32string line;           // the last one, which may still change
     size_t column = 0;             // where the next character goes
     std::vector<std::string> done; // whole lines since they were last fetched, UTF-8
@@ -20,7 +20,7 @@ struct TSC_Screen {
     int escape = 0;                // inside of a control sequence
 };
 
-void TSC_Put(TSC_Screen *screen, int codePage, const std::string &bytes);
-std::string TSC_GetLine(const TSC_Screen &screen); // the last line, UTF-8
+void TRM_PutOnScreen(TRM_Screen *screen, int codePage, const std::string &bytes);
+std::string TRM_GetScreenLine(const TRM_Screen &screen); // the last line, UTF-8
 
 #endif

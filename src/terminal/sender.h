@@ -10,28 +10,28 @@
 #include <cstdint>
 #include <string>
 
-constexpr size_t TSN_WAITING_MAX = 0x10000; // bytes that may wait for room
+constexpr size_t TRM_WAITING_MAX = 0x10000; // bytes that may wait for room
 
-struct TSN_Sender {
+struct TRM_Sender {
     std::string waiting;   // bytes the target has not got, the first of them perhaps on their way
     uint32_t index = 0;    // the write index as the target last had it
     uint32_t onTheWay = 0; // bytes whose index was written without an answer
 };
 
 // Nothing waits; the ring's write index is the one to go on from.
-void TSN_Begin(TSN_Sender *sender, const TBK_Ring &ring);
+void TRM_BeginSender(TRM_Sender *sender, const TRM_Ring &ring);
 // Adds bytes to what waits. false: they are too many, and none was added.
-bool TSN_Add(TSN_Sender *sender, const std::string &bytes);
+bool TRM_AddToSender(TRM_Sender *sender, const std::string &bytes);
 // Forgets what waits, but for what may be in the target already. How many bytes were forgotten.
-size_t TSN_Cancel(TSN_Sender *sender);
+size_t TRM_CancelSender(TRM_Sender *sender);
 
 enum {
-    TSN_ERR_LINE = -1,    // a message failed; go on with the ring as it is read next
-    TSN_ERR_FOREIGN = -2, // somebody else has moved the index: the sender has begun anew
+    TRM_SEND_ERR_LINE = -1,    // a message failed; go on with the ring as it is read next
+    TRM_SEND_ERR_FOREIGN = -2, // somebody else has moved the index: the sender has begun anew
 };
 // Sends what fits, by a ring as it was just read and proven. *taken, what the target has got by
 // now that waited before. 0 or a code.
-int TSN_Send(TSN_Sender *sender, int station, uint16_t session, const TBK_Ring &ring,
-             std::string *taken);
+int TRM_SendCharacters(TRM_Sender *sender, int station, uint16_t session, const TRM_Ring &ring,
+                       std::string *taken);
 
 #endif

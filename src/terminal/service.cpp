@@ -15,21 +15,21 @@ constexpr int UNSTEADY_MAX = 3; // readings that do not fit together, before it 
 struct Look {
     int result = 0;       // of the block's head
     bool isSteady = true; // nothing moved in a way it must not while it was read
-    TBK_Service block;
+    TRM_ServiceBlock block;
     std::string bytes; // from the session's read index on
 };
 
-int ReadHead(const TSV_Session &session, int *result, TBK_Service *block)
+int ReadHead(const TRM_ServiceSession &session, int *result, TRM_ServiceBlock *block)
 {
-    uint8_t head[TBK_SERVICE_HEAD];
-    const TBK_Place &place = session.place;
+    uint8_t head[TRM_SERVICE_HEAD];
+    const TRM_BlockPlace &place = session.place;
     if (UCM_Read(place.station, place.address, sizeof head, head) < 0)
         return UCM_ERR_FAILED;
-    *result = TBK_ParseService(place.address, head, block);
+    *result = TRM_ParseServiceBlock(place.address, head, block);
     return 0;
 }
 
-bool IsSameRun(const TSV_Session &session, const TBK_Service &block)
+bool IsSameRun(const TRM_ServiceSession &session, const TRM_ServiceBlock &block)
 {
     return session.wasOpen && block.session == session.block.session &&
            block.output.size == session.block.output.size &&
@@ -37,13 +37,13 @@ bool IsSameRun(const TSV_Session &session, const TBK_Service &block)
 }
 
 // Where reading goes on: what the target says is older where its index was not answered.
-bool IsOwnReadIndex(const TSV_Session &session, uint32_t read)
+bool IsOwnReadIndex(const TRM_ServiceSession &session, uint32_t read)
 {
     return read == session.readIndex || (session.isReadInDoubt && read == session.readBefore);
 }
 
 // In two parts where it passes the end.
-int ReadRing(int station, const TBK_Ring &ring, uint32_t from, uint32_t count, std::string *bytes)
+int ReadRing(int station, const TRM_Ring &ring, uint32_t from, uint32_t count, std::string *bytes)
 {
     std::vector<char> buffer(count);
     uint32_t done = 0;
@@ -60,10 +60,10 @@ int ReadRing(int station, const TBK_Ring &ring, uint32_t from, uint32_t count, s
 
 // Head, characters, head again: what lies between the indices stands still unless the target
 // starts anew meanwhile, which the second head tells.
-int LookOnce(const TSV_Session &session, Look *look)
+int LookOnce(const TRM_ServiceSession &session, Look *look)
 {
     *look = Look();
-    TBK_Service before;
+    TRM_ServiceBlock before;
     if (ReadHead(session, &look->result, &before) < 0)
         return UCM_ERR_FAILED;
     look->block = before;
@@ -72,33 +72,33 @@ int LookOnce(const TSV_Session &session, Look *look)
     const bool isOwn = IsSameRun(session, before) && IsOwnReadIndex(session, before.output.read);
     // After a restart, or where somebody else has read on, from where the target's index says.
     const uint32_t from = isOwn ? session.readIndex : before.output.read;
-    TBK_Ring ring = before.output;
+    TRM_Ring ring = before.output;
     ring.read = from;
-    const uint32_t count = std::min(TBK_Count(ring), TSV_STEP_BYTES);
+    const uint32_t count = std::min(TRM_CountPending(ring), TRM_STEP_BYTES);
     if (ReadRing(session.place.station, ring, from, count, &look->bytes) < 0 ||
         ReadHead(session, &look->result, &look->block) < 0)
         return UCM_ERR_FAILED;
-    TBK_Ring later = look->block.output;
+    TRM_Ring later = look->block.output;
     later.read = from;
     look->isSteady = look->result == 0 && look->block.session == before.session &&
                      later.size == ring.size && look->block.input.size == before.input.size &&
                      look->block.output.read == before.output.read &&
-                     TBK_Count(later) >= TBK_Count(ring);
+                     TRM_CountPending(later) >= TRM_CountPending(ring);
     return 0;
 }
 
-void AddMessage(TSV_News *news, const std::string &text)
+void AddMessage(TRM_ServiceNews *news, const std::string &text)
 {
     news->message += (news->message.empty() ? "" : " ") + text;
 }
 
 // The block of this look is what goes on from here.
-void Adopt(TSV_Session *session, const TBK_Service &block, TSV_News *news)
+void Adopt(TRM_ServiceSession *session, const TRM_ServiceBlock &block, TRM_ServiceNews *news)
 {
     if (!IsSameRun(*session, block)) {
         if (session->wasOpen)
-            AddMessage(news, TSV_RestartText(session->sender.waiting.size()));
-        TSN_Begin(&session->sender, block.input);
+            AddMessage(news, TRM_RestartText(session->sender.waiting.size()));
+        TRM_BeginSender(&session->sender, block.input);
         session->readIndex = block.output.read;
         session->isReadInDoubt = false;
     } else if (!IsOwnReadIndex(*session, block.output.read)) {
@@ -112,79 +112,81 @@ void Adopt(TSV_Session *session, const TBK_Service &block, TSV_News *news)
                    "The target's ring was full: " + std::to_string(lost) + " characters are lost.");
     }
     if (session->isInterrupted)
-        TSN_Begin(&session->sender, block.input);
+        TRM_BeginSender(&session->sender, block.input);
     session->isInterrupted = false;
     session->block = block;
     session->isOpen = session->wasOpen = true;
 }
 
 // The target may use the places again. Whether the index arrived, the next look tells.
-void FreePlaces(TSV_Session *session, uint32_t before, TSV_News *news)
+void FreePlaces(TRM_ServiceSession *session, uint32_t before, TRM_ServiceNews *news)
 {
-    uint8_t bytes[TBK_INDEX_BYTES];
-    TBK_PutIndex(bytes, session->readIndex, session->block.session);
+    uint8_t bytes[TRM_INDEX_BYTES];
+    TRM_PutIndex(bytes, session->readIndex, session->block.session);
     session->isReadInDoubt = true;
     session->readBefore = before;
-    if (UCM_WriteProven(session->place.station, session->block.output.indexAddress, TBK_INDEX_BYTES,
+    if (UCM_WriteProven(session->place.station, session->block.output.indexAddress, TRM_INDEX_BYTES,
                         bytes) >= 0)
         session->isReadInDoubt = false;
     else
         news->isLineBad = true;
 }
 
-void Send(TSV_Session *session, TSV_News *news)
+void Send(TRM_ServiceSession *session, TRM_ServiceNews *news)
 {
     const size_t waiting = session->sender.waiting.size();
-    const int result = TSN_Send(&session->sender, session->place.station, session->block.session,
-                                session->block.input, &news->taken);
+    const int result =
+        TRM_SendCharacters(&session->sender, session->place.station, session->block.session,
+                           session->block.input, &news->taken);
     session->sent += news->taken.size();
-    if (result == TSN_ERR_FOREIGN)
-        AddMessage(news, TSV_ForeignText(waiting));
-    if (result == TSN_ERR_LINE)
+    if (result == TRM_SEND_ERR_FOREIGN)
+        AddMessage(news, TRM_ForeignText(waiting));
+    if (result == TRM_SEND_ERR_LINE)
         news->isLineBad = true;
 }
 
 // Nothing to receive and nothing to send: not worth a proof.
-bool IsQuiet(const TSV_Session &session, int result, const TBK_Service &block)
+bool IsQuiet(const TRM_ServiceSession &session, int result, const TRM_ServiceBlock &block)
 {
-    return session.isOpen && result == 0 && IsSameRun(session, block) && !TSV_IsBusy(session) &&
-           block.output.read == session.readIndex && block.output.write == session.readIndex &&
-           block.input.write == session.sender.index && block.lost == session.block.lost;
+    return session.isOpen && result == 0 && IsSameRun(session, block) &&
+           !TRM_IsServiceBusy(session) && block.output.read == session.readIndex &&
+           block.output.write == session.readIndex && block.input.write == session.sender.index &&
+           block.lost == session.block.lost;
 }
 
-void FailLine(TSV_News *news)
+void FailLine(TRM_ServiceNews *news)
 {
     news->isLineBad = true;
-    AddMessage(news, TSV_LineText());
+    AddMessage(news, TRM_LineText());
 }
 
 } // namespace
 
-void TSV_Begin(TSV_Session *session, const TBK_Place &place)
+void TRM_BeginService(TRM_ServiceSession *session, const TRM_BlockPlace &place)
 {
-    *session = TSV_Session();
+    *session = TRM_ServiceSession();
     session->place = place;
 }
 
-size_t TSV_Interrupt(TSV_Session *session)
+size_t TRM_InterruptService(TRM_ServiceSession *session)
 {
     const size_t forgotten = session->sender.waiting.size();
     // The index that counts is read again: until then the sender has none.
-    session->sender = TSN_Sender();
+    session->sender = TRM_Sender();
     session->isInterrupted = session->wasOpen;
     session->isOpen = false;
     session->unsteady = 0;
     return forgotten;
 }
 
-bool TSV_IsBusy(const TSV_Session &session)
+bool TRM_IsServiceBusy(const TRM_ServiceSession &session)
 {
     return !session.sender.waiting.empty() || session.isReadInDoubt || session.unsteady > 0;
 }
 
-void TSV_Step(TSV_Session *session, TSV_News *news)
+void TRM_StepService(TRM_ServiceSession *session, TRM_ServiceNews *news)
 {
-    *news = TSV_News();
+    *news = TRM_ServiceNews();
     Look look;
     if (ReadHead(*session, &look.result, &look.block) < 0)
         return FailLine(news);
@@ -194,7 +196,7 @@ void TSV_Step(TSV_Session *session, TSV_News *news)
         return FailLine(news);
     if (look.result != 0) {
         if (session->isOpen || !session->wasOpen)
-            AddMessage(news, TSV_NoBlockText(session->place, look.result));
+            AddMessage(news, TRM_NoBlockText(session->place, look.result));
         session->isOpen = false;
         return;
     }
@@ -217,17 +219,17 @@ void TSV_Step(TSV_Session *session, TSV_News *news)
     if (!news->isLineBad)
         Send(session, news);
     if (news->isLineBad)
-        AddMessage(news, TSV_LineText());
+        AddMessage(news, TRM_LineText());
 }
 
-std::string TSV_NoBlockText(const TBK_Place &place, int result)
+std::string TRM_NoBlockText(const TRM_BlockPlace &place, int result)
 {
-    return WRD_Format("There is no terminal at 0x%06X of station %d: ", place.address,
+    return TXT_Format("There is no terminal at 0x%06X of station %d: ", place.address,
                       place.station) +
-           TBK_ErrorText(result) + ".";
+           TRM_BlockErrorText(result) + ".";
 }
 
-std::string TSV_RestartText(size_t forgotten)
+std::string TRM_RestartText(size_t forgotten)
 {
     std::string text = "The target's program has started anew.";
     if (forgotten > 0)
@@ -235,13 +237,13 @@ std::string TSV_RestartText(size_t forgotten)
     return text;
 }
 
-std::string TSV_ForeignText(size_t forgotten)
+std::string TRM_ForeignText(size_t forgotten)
 {
     return "Somebody else writes to this terminal too. Not sent any more: " +
            std::to_string(forgotten) + " characters.";
 }
 
-std::string TSV_LineText()
+std::string TRM_LineText()
 {
     const std::string cause = UCM_LastErrorText();
     return "No connection to the terminal: " +

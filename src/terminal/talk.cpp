@@ -7,31 +7,31 @@
 #include "terminal/code_pages.h"
 #include "terminal/screen.h"
 
-bool TLK_isWithoutWindow = false;
+bool TRM_isWithoutWindow = false;
 
-int TLK_Talk(const std::string &text, void (*print)(const std::string &line), std::string *trouble)
+int TRM_Talk(const std::string &text, void (*print)(const std::string &line), std::string *trouble)
 {
     // So long the target may think about its answer; and so long somebody waits at most.
     constexpr uint32_t QUIET_MS = 1000, WHOLE_MS = 10000, STEP_MS = 20;
-    TBK_Place place;
+    TRM_BlockPlace place;
     trouble->clear();
-    if (TBK_FindPlace(TSV_NAME, STATION, &place, trouble) != 0)
+    if (TRM_FindBlockPlace(TRM_SERVICE_NAME, STATION, &place, trouble) != 0)
         return -1;
     std::string bytes;
-    if (CPT_FromUtf8(CPT_LATIN_1, text, &bytes) > 0) {
+    if (TRM_FromUtf8(TRM_PAGE_LATIN_1, text, &bytes) > 0) {
         *trouble = "The text has characters that cannot be sent.";
         return -1;
     }
-    TSV_Session talk;
-    TSV_News news;
-    TSC_Screen screen;
-    TSV_Begin(&talk, place);
+    TRM_ServiceSession talk;
+    TRM_ServiceNews news;
+    TRM_Screen screen;
+    TRM_BeginService(&talk, place);
     const uint32_t startMs = PLT_TickMs();
     uint32_t heardMs = startMs;
     bool isSent = text.empty();
     do {
-        TSV_Step(&talk, &news);
-        TSC_Put(&screen, CPT_LATIN_1, news.received);
+        TRM_StepService(&talk, &news);
+        TRM_PutOnScreen(&screen, TRM_PAGE_LATIN_1, news.received);
         for (const std::string &line : screen.done)
             print(line);
         screen.done.clear();
@@ -40,15 +40,15 @@ int TLK_Talk(const std::string &text, void (*print)(const std::string &line), st
         if (!news.message.empty())
             print("(" + news.message + ")");
         if (!isSent && talk.isOpen) // what was written before is not the answer, but comes first
-            isSent = TSN_Add(&talk.sender, bytes);
-        if (!news.received.empty() || TSV_IsBusy(talk))
+            isSent = TRM_AddToSender(&talk.sender, bytes);
+        if (!news.received.empty() || TRM_IsServiceBusy(talk))
             heardMs = PLT_TickMs();
         else
             PLT_SleepMs(STEP_MS);
     } while (PLT_TickMs() - heardMs < QUIET_MS && PLT_TickMs() - startMs < WHOLE_MS &&
              !IsBreakWished());
     if (!screen.line.empty())
-        print(TSC_GetLine(screen));
+        print(TRM_GetScreenLine(screen));
     if (news.isLineBad || !talk.isOpen)
         *trouble = news.message.empty() ? "The terminal's block never stood still." : news.message;
     else if (!isSent || !talk.sender.waiting.empty())

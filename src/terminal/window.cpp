@@ -27,7 +27,7 @@ const char *const ENDINGS[] = {"\r", "\n", "\r\n", ""}; // what Enter sends
 constexpr int ENDING_COUNT = sizeof ENDINGS / sizeof ENDINGS[0];
 constexpr size_t HISTORY_LINES = 50;
 
-TSV_Session session;
+TRM_ServiceSession session;
 bool isOn = false;
 bool isWrong = false;               // what the message says, until the next good look
 std::vector<std::string> sentLines; // of the field, the newest last
@@ -99,24 +99,24 @@ void KeepLine(const std::string &line)
 void FindPlace()
 {
     std::string text;
-    TBK_Place place;
+    TRM_BlockPlace place;
     GetCtrlVal(PANEL, TERM_PLACE, &text);
     problem.clear();
-    if (TBK_FindPlace(text, TRI_GetStation(PANEL, TERM_STATION), &place, &problem) != 0) {
+    if (TRM_FindBlockPlace(text, TRM_GetStation(PANEL, TERM_STATION), &place, &problem) != 0) {
         if (isOn)
             ShowMessage(problem, COLOR_BAD);
-        TRE_Break(TSV_Interrupt(&session));
+        TRM_BreakEntry(TRM_InterruptService(&session));
         return;
     }
     failedMs = 0;
     if (place.address == session.place.address && place.station == session.place.station)
         return;
-    TRE_Break(TSV_Interrupt(&session));
-    TSV_Begin(&session, place);
+    TRM_BreakEntry(TRM_InterruptService(&session));
+    TRM_BeginService(&session, place);
     ShowMessage("");
 }
 
-void ShowNews(const TSV_News &news, size_t forgotten)
+void ShowNews(const TRM_ServiceNews &news, size_t forgotten)
 {
     const std::string trouble = T166_ShowText(news.taken, news.received);
     if (!trouble.empty()) {
@@ -130,9 +130,9 @@ void ShowNews(const TSV_News &news, size_t forgotten)
         ShowMessage("");
     isWrong = isBad;
     if (forgotten > 0)
-        TRE_Break(forgotten);
+        TRM_BreakEntry(forgotten);
     else
-        TRE_ShowProgress();
+        TRM_ShowEntryProgress();
 }
 
 void Start()
@@ -152,7 +152,7 @@ std::string SendBytes(const std::string &bytes)
         return std::string("Not sent: ") + COM_OFF_TEXT;
     if (!session.isOpen)
         return "Not sent: there is no terminal yet.";
-    if (!TSN_Add(&session.sender, bytes))
+    if (!TRM_AddToSender(&session.sender, bytes))
         return "Not sent: too many characters wait for room.";
     ShowState();
     return "";
@@ -161,9 +161,9 @@ std::string SendBytes(const std::string &bytes)
 std::string SendText(const std::string &text)
 {
     std::string bytes, whole;
-    const size_t absent = CPT_FromUtf8(T166_GetPage(), text, &bytes);
+    const size_t absent = TRM_FromUtf8(T166_GetPage(), text, &bytes);
     if (absent > 0)
-        return "Not sent: characters that " + std::string(CPT_Name(T166_GetPage())) +
+        return "Not sent: characters that " + std::string(TRM_PageName(T166_GetPage())) +
                " does not have: " + std::to_string(absent) + ".";
     // A text's lines end as the user has chosen: that is what the target takes for Enter.
     for (const char c : bytes)
@@ -179,20 +179,20 @@ void T166_Init()
     static const char *const NAMES[] = {"CR", "LF", "CR LF", "none"};
     int count = 0;
     std::string place;
-    TRI_FillStations(PANEL, TERM_STATION);
-    TRI_FillPages(PANEL, TERM_PAGE, nullptr, CPT_LATIN_1);
+    TRM_FillStations(PANEL, TERM_STATION);
+    TRM_FillPages(PANEL, TERM_PAGE, nullptr, TRM_PAGE_LATIN_1);
     GetNumListItems(PANEL, TERM_ENDING, &count);
     for (int i = count; i < ENDING_COUNT; ++i)
         InsertListItem(PANEL, TERM_ENDING, -1, NAMES[i], i);
     GetCtrlVal(PANEL, TERM_PLACE, &place);
     if (place.empty())
-        SetCtrlVal(PANEL, TERM_PLACE, TSV_NAME);
-    SetCtrlCompletion(PANEL, TERM_PLACE, NCM_CompleteCB);
-    TRE_Host host;
+        SetCtrlVal(PANEL, TERM_PLACE, TRM_SERVICE_NAME);
+    SetCtrlCompletion(PANEL, TERM_PLACE, WIN_CompleteNameCB);
+    TRM_EntryHost host;
     host.send = SendText;
     host.waiting = [] { return session.sender.waiting.size(); };
-    host.cancel = [] { return TSN_Cancel(&session.sender); };
-    TRE_SetHost(host);
+    host.cancel = [] { return TRM_CancelSender(&session.sender); };
+    TRM_SetEntryHost(host);
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
     VR_ComRequest();
@@ -207,12 +207,14 @@ bool T166_Read()
         return false;
     // At once while there is something to do; seldom where nobody answers, for each look costs a
     // time-out in which everything else waits.
-    const uint32_t pauseMs = failedMs != 0 ? PAUSE_MS : TSV_IsBusy(session) ? 0 : LOOK_PERIOD_MS;
+    const uint32_t pauseMs = failedMs != 0                ? PAUSE_MS
+                             : TRM_IsServiceBusy(session) ? 0
+                                                          : LOOK_PERIOD_MS;
     if (!problem.empty() || nowMs - lookedMs < pauseMs)
         return true;
-    TSV_News news;
+    TRM_ServiceNews news;
     const size_t waiting = session.sender.waiting.size();
-    TSV_Step(&session, &news);
+    TRM_StepService(&session, &news);
     lookedMs = PLT_TickMs();
     failedMs = news.isLineBad ? std::max(lookedMs, 1u) : 0; // 0 stands for none
     // What neither waits nor was taken has been forgotten: nobody can say where it went.
@@ -227,15 +229,15 @@ void T166_Close()
         return;
     // It may be another target that answers next: what waits is not meant for it.
     isOn = false;
-    const size_t forgotten = TSV_Interrupt(&session);
-    TRE_Break(forgotten);
+    const size_t forgotten = TRM_InterruptService(&session);
+    TRM_BreakEntry(forgotten);
     ShowMessage(forgotten > 0 ? "Not sent any more: " + std::to_string(forgotten) + "." : "");
     ShowState();
 }
 
 void T166_SetPanelAttributes()
 {
-    if (!TRI_IsShown(PANEL))
+    if (!TRM_IsShown(PANEL))
         return;
     FindPlace();
     ShowState();
@@ -245,7 +247,7 @@ void T166_ShowCommunication()
 {
     if (isTimer == 0)
         T166_Close();
-    else if (!isOn && TRI_IsShown(PANEL))
+    else if (!isOn && TRM_IsShown(PANEL))
         Start();
 }
 
@@ -321,7 +323,7 @@ int T166_ButtonCB(int, int control, int event, int)
         GetCtrlVal(PANEL, TERM_SCREEN, &text);
         ClipboardPutText(text);
     } else {
-        TRE_OpenWithClipboard();
+        TRM_OpenEntryWithClipboard();
     }
     return 0;
 }
@@ -344,7 +346,7 @@ int T166_LogCB(int, int, int event, int)
         if (T166_EndLog() != 0)
             ShowMessage("The log has not reached the disk: " + T166_GetLogPath() + ".", COLOR_BAD);
     } else if (FileSelectPopup("", "terminal.txt", "*.txt", "Log of the terminal", FILE_SAVE,
-                               &path) != VAL_NO_FILE_SELECTED) {
+                               &path) != CON_NO_FILE_SELECTED) {
         Report(T166_BeginLog(path));
     }
     T166_ShowLog(); // off again where there is no file

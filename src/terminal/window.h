@@ -23,14 +23,14 @@ int T166_PlaceCB(int panel, int control, int event, int data); // place and stat
 int T166_LogCB(int panel, int control, int event, int data);
 
 // The LCD and keyboard terminal (lcd_window.cpp).
-void LCW_SetPanelAttributes(); // port, station, names or communication may have changed
+void TRM_SetLcdPanelAttributes(); // port, station, names or communication may have changed
 
-void LCW_OpenCB(int menuBar, int item);
-int LCW_PanelCB(int panel, int event, int data);
-int LCW_ScreenCB(int panel, int control, int event, int data);
-int LCW_KeyCB(int panel, int control, int event, int data);
-int LCW_CopyCB(int panel, int control, int event, int data);
-int LCW_PlaceCB(int panel, int control, int event, int data); // place, station and code page
-int LCW_TimerCB(int panel, int control, int event, int data);
+void TRM_LcdOpenCB(int menuBar, int item);
+int TRM_LcdPanelCB(int panel, int event, int data);
+int TRM_LcdScreenCB(int panel, int control, int event, int data);
+int TRM_LcdKeyCB(int panel, int control, int event, int data);
+int TRM_LcdCopyCB(int panel, int control, int event, int data);
+int TRM_LcdPlaceCB(int panel, int control, int event, int data); // place, station and code page
+int TRM_LcdTimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -5,14 +5,14 @@
 
 #include <string>
 
-bool TRI_IsShown(int panel); // on the screen
+bool TRM_IsShown(int panel); // on the screen
 
 // The rings that say which station is meant and what its characters mean (place_rings.cpp).
 // The station of the program, or another one: values -1 and 0 to 15.
-void TRI_FillStations(int panel, int control);
-int TRI_GetStation(int panel, int control); // the one that is meant now
+void TRM_FillStations(int panel, int control);
+int TRM_GetStation(int panel, int control); // the one that is meant now
 // The code pages by name, values CPT_...; with `first`, which has the value -1, in front of them.
-void TRI_FillPages(int panel, int control, const char *first, int chosen);
+void TRM_FillPages(int panel, int control, const char *first, int chosen);
 
 // The text of the service terminal, and its log (window_text.cpp).
 int T166_GetPage(); // of the characters, both ways

@@ -12,8 +12,8 @@ namespace {
 
 constexpr int PANEL = PANEL_TERMINAL;
 
-TSC_Screen screen;
-TLG_Log logFile;
+TRM_Screen screen;
+TRM_Log logFile;
 std::string shownTail; // of the box's last line, which may still change
 char lastEcho = 0;     // of what was sent
 
@@ -22,7 +22,7 @@ std::string LogLines()
 {
     std::string trouble, told;
     for (const std::string &line : screen.done)
-        if (TLG_PutLine(&logFile, line, &trouble) != 0) {
+        if (TRM_PutLogLine(&logFile, line, &trouble) != 0) {
             told = trouble;
             T166_ShowLog();
         }
@@ -38,7 +38,7 @@ void ShowScreen()
     }
     for (const std::string &line : screen.done)
         text += line + "\n";
-    const std::string tail = TSC_GetLine(screen);
+    const std::string tail = TRM_GetScreenLine(screen);
     text += tail;
     // A carriage return or backspace has changed what was shown: that line is written again.
     if (text.compare(0, shownTail.size(), shownTail) != 0) {
@@ -59,7 +59,7 @@ void ShowScreen()
 
 int T166_GetPage()
 {
-    int page = CPT_LATIN_1;
+    int page = TRM_PAGE_LATIN_1;
     GetCtrlVal(PANEL, TERM_PAGE, &page);
     return page;
 }
@@ -73,10 +73,10 @@ std::string T166_ShowText(const std::string &taken, const std::string &received)
     for (const char c : taken) {
         const bool isSecond = c == '\n' && lastEcho == '\r';
         if (isEchoWanted != 0 && !isSecond)
-            TSC_Put(&screen, T166_GetPage(), std::string(1, c == '\r' ? '\n' : c));
+            TRM_PutOnScreen(&screen, T166_GetPage(), std::string(1, c == '\r' ? '\n' : c));
         lastEcho = c;
     }
-    TSC_Put(&screen, T166_GetPage(), received);
+    TRM_PutOnScreen(&screen, T166_GetPage(), received);
     const std::string trouble = LogLines();
     ShowScreen();
     return trouble;
@@ -85,7 +85,7 @@ std::string T166_ShowText(const std::string &taken, const std::string &received)
 void T166_ClearText()
 {
     // The line that is still open goes, too; a log that runs goes on.
-    screen = TSC_Screen();
+    screen = TRM_Screen();
     screen.isCleared = true;
     ShowScreen();
 }
@@ -93,7 +93,8 @@ void T166_ClearText()
 int T166_EndLog()
 {
     std::string trouble;
-    return TLG_PutLine(&logFile, shownTail, &trouble) != 0 || TLG_Close(&logFile) != 0 ? -1 : 0;
+    return TRM_PutLogLine(&logFile, shownTail, &trouble) != 0 || TRM_CloseLog(&logFile) != 0 ? -1
+                                                                                             : 0;
 }
 
 std::string T166_GetLogPath()
@@ -104,7 +105,7 @@ std::string T166_GetLogPath()
 std::string T166_BeginLog(const std::string &path)
 {
     std::string trouble;
-    return TLG_Open(&logFile, path, &trouble) != 0 ? trouble : "";
+    return TRM_OpenLog(&logFile, path, &trouble) != 0 ? trouble : "";
 }
 
 void T166_ShowLog()

@@ -4,7 +4,7 @@
 
 #include <cstdio>
 
-std::string BYT_Hex(const uint8_t *bytes, size_t count)
+std::string TXT_FormatHexBytes(const uint8_t *bytes, size_t count)
 {
     std::string text;
     char digits[4];
@@ -15,7 +15,7 @@ std::string BYT_Hex(const uint8_t *bytes, size_t count)
     return text;
 }
 
-std::string BYT_Plain(const uint8_t *bytes, size_t count)
+std::string TXT_PlainBytes(const uint8_t *bytes, size_t count)
 {
     std::string text;
     for (size_t i = 0; i < count; ++i)
@@ -23,14 +23,14 @@ std::string BYT_Plain(const uint8_t *bytes, size_t count)
     return text;
 }
 
-std::string BYT_Parse(const std::string &text, size_t count, std::vector<uint8_t> *bytes)
+std::string TXT_ParseHexBytes(const std::string &text, size_t count, std::vector<uint8_t> *bytes)
 {
     bytes->clear();
     for (size_t i = 0; i < text.size(); ++i) {
         if (text[i] == ' ')
             continue;
         // Two digits stand together: "1 2" may be meant as 12 or as 01 02.
-        if (i + 1 == text.size() || !CON_IsHexDigit(text[i]) || !CON_IsHexDigit(text[i + 1]))
+        if (i + 1 == text.size() || !TXT_IsHexDigit(text[i]) || !TXT_IsHexDigit(text[i + 1]))
             return "'" + text.substr(i, 2) + "' is no byte: two hexadecimal digits each.";
         const uint32_t byte = CON_DigitValue(text[i]) << 4 | CON_DigitValue(text[i + 1]);
         bytes->push_back(static_cast<uint8_t>(byte));

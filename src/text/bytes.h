@@ -8,7 +8,7 @@
 #include <vector>
 
 // The number in `count` (at most 8) bytes, the least significant first, as targets store it.
-inline uint64_t BYT_GetLittle(const uint8_t *bytes, size_t count)
+inline uint64_t TXT_GetLittle(const uint8_t *bytes, size_t count)
 {
     uint64_t value = 0;
     for (size_t i = 0; i < count; ++i)
@@ -17,16 +17,16 @@ inline uint64_t BYT_GetLittle(const uint8_t *bytes, size_t count)
 }
 
 // The way back; bits beyond `count` bytes are left out.
-inline void BYT_PutLittle(uint8_t *bytes, size_t count, uint64_t value)
+inline void TXT_PutLittle(uint8_t *bytes, size_t count, uint64_t value)
 {
     for (size_t i = 0; i < count; ++i)
         bytes[i] = static_cast<uint8_t>(value >> 8 * i);
 }
 
-std::string BYT_Hex(const uint8_t *bytes, size_t count);   // "01 AB"
-std::string BYT_Plain(const uint8_t *bytes, size_t count); // printable ASCII, else "."
+std::string TXT_FormatHexBytes(const uint8_t *bytes, size_t count); // "01 AB"
+std::string TXT_PlainBytes(const uint8_t *bytes, size_t count);     // printable ASCII, else "."
 // `count` bytes of two hexadecimal digits each, blanks between them as one likes. "" and the
 // bytes, or what is wrong with the text.
-std::string BYT_Parse(const std::string &text, size_t count, std::vector<uint8_t> *bytes);
+std::string TXT_ParseHexBytes(const std::string &text, size_t count, std::vector<uint8_t> *bytes);
 
 #endif

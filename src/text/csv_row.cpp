@@ -2,7 +2,7 @@
 // comma or the end may stand.
 #include "text/csv_row.h"
 
-bool CSV_SplitRow(const std::string &row, std::vector<std::string> *cells)
+bool TXT_SplitCsvRow(const std::string &row, std::vector<std::string> *cells)
 {
     cells->clear();
     size_t at = 0;

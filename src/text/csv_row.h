@@ -8,6 +8,6 @@
 
 // The cells without their quotes. False, *cells undefined, when a quote is not closed or
 // text follows a closing one.
-bool CSV_SplitRow(const std::string &row, std::vector<std::string> *cells);
+bool TXT_SplitCsvRow(const std::string &row, std::vector<std::string> *cells);
 
 #endif

@@ -9,7 +9,7 @@
 
 // Within the bounds, both included, so that an infinite number and none at all are refused.
 template <typename Number>
-bool NUM_Parse(const std::string &text, Number low, Number high, Number *value)
+bool TXT_ParseNumber(const std::string &text, Number low, Number high, Number *value)
 {
     Number parsed = 0;
     const char *end = text.data() + text.size();
@@ -21,10 +21,10 @@ bool NUM_Parse(const std::string &text, Number low, Number high, Number *value)
 }
 
 // Any number of the type that is one.
-template <typename Number> bool NUM_Parse(const std::string &text, Number *value)
+template <typename Number> bool TXT_ParseNumber(const std::string &text, Number *value)
 {
     typedef std::numeric_limits<Number> Limits;
-    return NUM_Parse(text, Limits::lowest(), Limits::max(), value);
+    return TXT_ParseNumber(text, Limits::lowest(), Limits::max(), value);
 }
 
 #endif

@@ -37,20 +37,20 @@ bool ParseMagnitude(const char **cursor, uint32_t *value)
 {
     // "0x" that no digit follows is a 0, and the caller refuses what stands behind it.
     const char *digits = *cursor;
-    if (xscan("0#xX.", &digits) > 0 && CON_IsHexDigit(*digits)) {
-        if (!CON_ParseHex(&digits, value))
+    if (xscan("0#xX.", &digits) > 0 && TXT_IsHexDigit(*digits)) {
+        if (!TXT_ParseHex(&digits, value))
             return false;
         *cursor = digits;
         return true;
     }
     const char *end = *cursor;
     if (xscan("#0-9.*#0-9a-fA-F.#hH.", &end) > 0) {
-        if (!CON_ParseHex(cursor, value))
+        if (!TXT_ParseHex(cursor, value))
             return false;
         *cursor = end;
         return true;
     }
-    return CON_ParseDecimal(cursor, value);
+    return TXT_ParseDecimal(cursor, value);
 }
 
 bool ParseInteger(const char **cursor, ScrPar *par, uint32_t code)
@@ -108,7 +108,7 @@ bool ParseRaw(const char **cursor, ScrPar *par)
     const char *begin = *cursor;
     const char *end = begin + std::strcspn(begin, ",");
     *cursor = end;
-    while (end > begin && CON_IsBlank(end[-1]))
+    while (end > begin && TXT_IsBlank(end[-1]))
         end--;
     return SetText(par, begin, static_cast<size_t>(end - begin));
 }
@@ -123,14 +123,14 @@ bool ToSigned(uint32_t magnitude, bool isNegative, int32_t *value)
 
 bool ParseIndex(const char **cursor, ScrPar *par)
 {
-    const char *c = CON_SkipBlanks(*cursor);
+    const char *c = TXT_SkipBlanks(*cursor);
     if (*c != '[')
         return true;
-    c = CON_SkipBlanks(c + 1);
+    c = TXT_SkipBlanks(c + 1);
     uint32_t number = 0;
     if (!ParseMagnitude(&c, &number) || !ToSigned(number, false, &par->index))
         return false;
-    c = CON_SkipBlanks(c);
+    c = TXT_SkipBlanks(c);
     if (*c != ']')
         return false;
     *cursor = c + 1;
@@ -139,11 +139,11 @@ bool ParseIndex(const char **cursor, ScrPar *par)
 
 bool ParseOffset(const char **cursor, ScrPar *par)
 {
-    const char *c = CON_SkipBlanks(*cursor);
+    const char *c = TXT_SkipBlanks(*cursor);
     if (*c != '+' && *c != '-')
         return true;
     const bool isNegative = *c == '-';
-    c = CON_SkipBlanks(c + 1);
+    c = TXT_SkipBlanks(c + 1);
     uint32_t number = 0;
     if (!ParseMagnitude(&c, &number) || !ToSigned(number, isNegative, &par->offset))
         return false;
@@ -155,9 +155,9 @@ bool ParseName(const char **cursor, ScrPar *par, uint32_t code)
 {
     const char *begin = *cursor;
     const char *c = begin + (*begin == '&' || *begin == '@' ? 1 : 0);
-    if (CON_NameLength(c) == 0)
+    if (TXT_NameLength(c) == 0)
         return false;
-    while (CON_IsNameChar(*c) || *c == '.')
+    while (TXT_IsNameChar(*c) || *c == '.')
         c++;
     if (!SetText(par, begin, static_cast<size_t>(c - begin)))
         return false;
@@ -193,12 +193,12 @@ bool ParseByCode(const char **cursor, ScrPar *par, uint32_t code)
 
 int ScrGetPar(const char **cursor, ScrPar *par, uint32_t code)
 {
-    const char *c = CON_SkipBlanks(*cursor);
+    const char *c = TXT_SkipBlanks(*cursor);
     par->flags |= code & (PAR_ADDRESS | PAR_TYPE);
     if (!ParseByCode(&c, par, code))
         return -1;
     *cursor = c;
-    return *CON_SkipBlanks(c) == '\0' ? 1 : 0;
+    return *TXT_SkipBlanks(c) == '\0' ? 1 : 0;
 }
 
 void ClrScrPar(ScrPar *par, int count)

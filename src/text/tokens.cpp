@@ -2,67 +2,67 @@
 // these do neither.
 #include "text/tokens.h"
 
-bool CON_IsBlank(char c)
+bool TXT_IsBlank(char c)
 {
     return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
-bool CON_IsLetter(char c)
+bool TXT_IsLetter(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_';
 }
 
-bool CON_IsNameChar(char c)
+bool TXT_IsNameChar(char c)
 {
-    return CON_IsLetter(c) || (c >= '0' && c <= '9');
+    return TXT_IsLetter(c) || (c >= '0' && c <= '9');
 }
 
-bool CON_IsHexDigit(char c)
+bool TXT_IsHexDigit(char c)
 {
     return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
 
-char CON_ToLower(char c)
+char TXT_ToLower(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-const char *CON_SkipBlanks(const char *text)
+const char *TXT_SkipBlanks(const char *text)
 {
-    while (CON_IsBlank(*text))
+    while (TXT_IsBlank(*text))
         text++;
     return text;
 }
 
-size_t CON_WordLength(const char *text)
+size_t TXT_WordLength(const char *text)
 {
     size_t length = 0;
-    while (text[length] != '\0' && !CON_IsBlank(text[length]))
+    while (text[length] != '\0' && !TXT_IsBlank(text[length]))
         length++;
     return length;
 }
 
-size_t CON_NameLength(const char *text)
+size_t TXT_NameLength(const char *text)
 {
-    if (!CON_IsLetter(*text))
+    if (!TXT_IsLetter(*text))
         return 0;
     size_t length = 1;
-    while (CON_IsNameChar(text[length]))
+    while (TXT_IsNameChar(text[length]))
         length++;
     return length;
 }
 
-bool CON_IsSameWord(const std::string &a, const char *b)
+bool TXT_IsSameWord(const std::string &a, const char *b)
 {
     size_t i = 0;
-    while (i < a.size() && CON_ToLower(a[i]) == CON_ToLower(b[i]))
+    while (i < a.size() && TXT_ToLower(a[i]) == TXT_ToLower(b[i]))
         i++;
     return i == a.size() && b[i] == '\0';
 }
 
 uint32_t CON_DigitValue(char c)
 {
-    return static_cast<uint32_t>(c <= '9' ? c - '0' : CON_ToLower(c) - 'a' + 10);
+    return static_cast<uint32_t>(c <= '9' ? c - '0' : TXT_ToLower(c) - 'a' + 10);
 }
 
 namespace {
@@ -73,7 +73,7 @@ bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
 {
     const char *c = *cursor;
     uint64_t number = 0;
-    for (; CON_IsHexDigit(*c) && CON_DigitValue(*c) < base; c++) {
+    for (; TXT_IsHexDigit(*c) && CON_DigitValue(*c) < base; c++) {
         number = number * base + CON_DigitValue(*c);
         if (number > UINT32_MAX)
             return false;
@@ -87,34 +87,34 @@ bool ParseDigits(const char **cursor, uint32_t base, uint32_t *value)
 
 } // namespace
 
-bool CON_ParseHex(const char **cursor, uint32_t *value)
+bool TXT_ParseHex(const char **cursor, uint32_t *value)
 {
     return ParseDigits(cursor, 16, value);
 }
 
-bool CON_ParseAddress(const char **cursor, uint32_t *address)
+bool TXT_ParseAddress(const char **cursor, uint32_t *address)
 {
     const char *c = *cursor;
     if (*c == '$')
         c++;
     else if (*c == '0' && (c[1] == 'x' || c[1] == 'X'))
         c += 2;
-    if (!CON_ParseHex(&c, address)) // "0x" alone: the cursor stays in front of it
+    if (!TXT_ParseHex(&c, address)) // "0x" alone: the cursor stays in front of it
         return false;
     *cursor = c;
     return true;
 }
 
-bool CON_ParseDecimal(const char **cursor, uint32_t *value)
+bool TXT_ParseDecimal(const char **cursor, uint32_t *value)
 {
     return ParseDigits(cursor, 10, value);
 }
 
-bool CON_SkipComma(const char **cursor)
+bool TXT_SkipComma(const char **cursor)
 {
-    const char *c = CON_SkipBlanks(*cursor);
+    const char *c = TXT_SkipBlanks(*cursor);
     if (*c != ',')
         return false;
-    *cursor = CON_SkipBlanks(c + 1);
+    *cursor = TXT_SkipBlanks(c + 1);
     return true;
 }

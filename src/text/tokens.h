@@ -7,24 +7,24 @@
 #include <cstdint>
 #include <string>
 
-bool CON_IsBlank(char c);
-bool CON_IsLetter(char c);   // a letter or "_"
-bool CON_IsNameChar(char c); // a letter, "_" or a digit
-bool CON_IsHexDigit(char c);
+bool TXT_IsBlank(char c);
+bool TXT_IsLetter(char c);   // a letter or "_"
+bool TXT_IsNameChar(char c); // a letter, "_" or a digit
+bool TXT_IsHexDigit(char c);
 uint32_t CON_DigitValue(char c); // of a hexadecimal digit: 0 to 15
-char CON_ToLower(char c);
-const char *CON_SkipBlanks(const char *text);
-size_t CON_WordLength(const char *text); // up to a blank or the end
-size_t CON_NameLength(const char *text); // of the name that starts here, 0 when none does
-bool CON_IsSameWord(const std::string &a, const char *b); // ignoring case
+char TXT_ToLower(char c);
+const char *TXT_SkipBlanks(const char *text);
+size_t TXT_WordLength(const char *text); // up to a blank or the end
+size_t TXT_NameLength(const char *text); // of the name that starts here, 0 when none does
+bool TXT_IsSameWord(const std::string &a, const char *b); // ignoring case
 
 // Hexadecimal digits at *cursor, which is moved past them; at most 32 bits.
-bool CON_ParseHex(const char **cursor, uint32_t *value);
+bool TXT_ParseHex(const char **cursor, uint32_t *value);
 // The same behind the "$" or "0x" that addresses have elsewhere, or without.
-bool CON_ParseAddress(const char **cursor, uint32_t *address);
+bool TXT_ParseAddress(const char **cursor, uint32_t *address);
 // Decimal digits likewise.
-bool CON_ParseDecimal(const char **cursor, uint32_t *value);
+bool TXT_ParseDecimal(const char **cursor, uint32_t *value);
 // Past a "," and the blanks around it; false when there is none.
-bool CON_SkipComma(const char **cursor);
+bool TXT_SkipComma(const char **cursor);
 
 #endif

@@ -41,7 +41,7 @@ Slot *SlotOf(int handle)
 bool FillBlock(Slot *slot)
 {
     // A file that grows while it is read ends where it would not have been opened.
-    if (slot->file == nullptr || slot->consumed >= PLF_SIZE_MAX)
+    if (slot->file == nullptr || slot->consumed >= PLT_FILE_SIZE_MAX)
         return false;
     slot->blockPosition = 0;
     slot->blockLength = std::fread(slot->block.get(), 1, BLOCK_SIZE, slot->file);
@@ -123,7 +123,7 @@ int TXFR_Open(const char *fileName)
     if (handle < 0 || fileName == nullptr)
         return -1;
     Slot *slot = &slots[handle];
-    if (PLF_Open(fileName, PLF_SIZE_MAX, &slot->file) != PLF_OK)
+    if (PLT_OpenForReading(fileName, PLT_FILE_SIZE_MAX, &slot->file) != PLT_FILE_OK)
         return -1;
     slot->isOpen = true;
     slot->block = std::make_unique<unsigned char[]>(BLOCK_SIZE);
@@ -138,7 +138,7 @@ int TXFR_Open(const char *fileName)
 int TXFR_OpenMemory(const char *text, size_t length)
 {
     const int handle = FreeSlot();
-    if (handle < 0 || length > PLF_SIZE_MAX) // as much as a file may hold
+    if (handle < 0 || length > PLT_FILE_SIZE_MAX) // as much as a file may hold
         return -1;
     Slot *slot = &slots[handle];
     slot->isOpen = true;

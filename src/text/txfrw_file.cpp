@@ -132,7 +132,7 @@ int TXFRW_Save(int handle)
     const TxfrwSlot *slot = TXFRW_SlotOf(handle);
     SafeFile safe;
     if (slot == nullptr || (slot->mode & TXFRW_MODE_WRITE) == 0 ||
-        SAF_Open(&safe, slot->fileName, "wb") != 0)
+        PLT_BeginSave(&safe, slot->fileName, "wb") != 0)
         return -1;
     const char *separator = "";
     for (const TxfrwLine &line : slot->lines) {
@@ -140,5 +140,5 @@ int TXFRW_Save(int handle)
         std::fputs(line.get(), safe.file);
         separator = "\r\n";
     }
-    return SAF_Commit(&safe);
+    return PLT_CommitSave(&safe);
 }

@@ -45,7 +45,7 @@ bool IsFormulaBehindMarks(const std::string &cell)
 
 } // namespace
 
-std::string WRD_FormatList(const char *format, va_list arguments)
+std::string TXT_FormatList(const char *format, va_list arguments)
 {
     va_list copy; // the first look only measures, and uses its list up
     va_copy(copy, arguments);
@@ -59,16 +59,16 @@ std::string WRD_FormatList(const char *format, va_list arguments)
     return text;
 }
 
-std::string WRD_Format(const char *format, ...)
+std::string TXT_Format(const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    std::string text = WRD_FormatList(format, arguments);
+    std::string text = TXT_FormatList(format, arguments);
     va_end(arguments);
     return text;
 }
 
-std::string WRD_Trim(const std::string &text)
+std::string TXT_Trim(const std::string &text)
 {
     const size_t begin = text.find_first_not_of(WHITE);
     if (begin == std::string::npos)
@@ -76,7 +76,7 @@ std::string WRD_Trim(const std::string &text)
     return text.substr(begin, text.find_last_not_of(WHITE) - begin + 1);
 }
 
-std::string WRD_QuoteCsv(const std::string &text)
+std::string TXT_QuoteCsv(const std::string &text)
 {
     const std::string cell = (IsFormulaBehindMarks(text) ? "'" : "") + text;
     if (cell.find_first_of(",\"\r\n") == std::string::npos)
@@ -87,19 +87,19 @@ std::string WRD_QuoteCsv(const std::string &text)
     return quoted + '"';
 }
 
-std::string WRD_WithoutCsvMark(const std::string &cell)
+std::string TXT_WithoutCsvMark(const std::string &cell)
 {
     const bool isMarked = !cell.empty() && cell[0] == '\'' && IsFormulaBehindMarks(cell);
     return isMarked ? cell.substr(1) : cell;
 }
 
-std::string WRD_Visible(std::string text)
+std::string TXT_Visible(std::string text)
 {
     std::replace_if(text.begin(), text.end(), IsControl, '.');
     return text;
 }
 
-std::string WRD_VisibleLines(std::string text)
+std::string TXT_VisibleLines(std::string text)
 {
     const auto isHidden = [](char c) { return IsControl(c) && c != '\n'; };
     std::replace_if(text.begin(), text.end(), isHidden, '.');

@@ -193,7 +193,7 @@ enum {
     LOG_OPEN = 3,
     LOG_COMPARE = 4, // with another file, or ends that
     LOG_FILTER = 5,
-    LOG_TYPE = 6, // LGW_Types, or the type
+    LOG_TYPE = 6, // LOGV_TypeChoice, or the type
     LOG_FROM = 7, // times
     LOG_TO = 8,
     LOG_SORT = 9, // value = LOGV_Column
@@ -438,7 +438,7 @@ enum {
 
 // LCD and keyboard terminal.
 enum {
-    LCD_SCREEN = 1, // LCT_Format's text
+    LCD_SCREEN = 1, // UI_FormatLcd's text
     LCD_PLACE = 2,
     LCD_STATION = 3, // -1 = the program's
     LCD_PAGE = 4,    // code page; -1 = the target's

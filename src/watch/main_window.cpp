@@ -10,8 +10,8 @@ namespace {
 
 constexpr int PLAIN = 0x000000, QUIET = 0x808080; // 0xRRGGBB
 
-MWN_Host host = {};
-MWN_Topic shownTopic = MWN_NEWS;
+WIN_MainHost host = {};
+WIN_Topic shownTopic = WIN_TOPIC_NEWS;
 bool isOutdated = false;
 
 void ShowText(const std::string &text, bool isQuiet)
@@ -23,7 +23,7 @@ void ShowText(const std::string &text, bool isQuiet)
 
 } // namespace
 
-void MWN_SetHost(const MWN_Host &newHost)
+void WIN_SetMainHost(const WIN_MainHost &newHost)
 {
     host = newHost;
 }
@@ -40,7 +40,7 @@ void VR_EnableControls()
         host.enableControls();
 }
 
-void MWN_ShowView(int item)
+void WIN_ShowMainView(int item)
 {
     if (host.showView != nullptr)
         host.showView(item);
@@ -48,20 +48,20 @@ void MWN_ShowView(int item)
 
 void SetMainPanelTitle()
 {
-    const std::string name = WRD_Visible(szDebugFileName); // a star: unsaved changes
+    const std::string name = TXT_Visible(szDebugFileName); // a star: unsaved changes
     const std::string title = IsDBGChange == 0 ? "Vireo2  " + name : "Vireo2 * " + name + " ";
     SetPanelAttribute(mainPanel, ATTR_TITLE, title);
 }
 
-void VR_ShowMessage(const std::string &text, MWN_Topic topic)
+void VR_ShowMessage(const std::string &text, WIN_Topic topic)
 {
     shownTopic = topic;
-    ShowText(WRD_VisibleLines(text), false);
+    ShowText(TXT_VisibleLines(text), false);
 }
 
-void MWN_Outdate(MWN_Topic changed)
+void WIN_Outdate(WIN_Topic changed)
 {
-    if (shownTopic != MWN_NEWS && shownTopic != changed)
+    if (shownTopic != WIN_TOPIC_NEWS && shownTopic != changed)
         return;
     // Grey at the first change, gone at the second.
     std::string shown;
@@ -69,7 +69,7 @@ void MWN_Outdate(MWN_Topic changed)
     ShowText(isOutdated ? "" : shown, !isOutdated && !shown.empty());
 }
 
-int MWN_CloseCB(int panel, int event, int data)
+int WIN_CloseWindowCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
         return 0;

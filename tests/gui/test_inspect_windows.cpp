@@ -63,7 +63,7 @@ TEST_F(InspectWindows, TwoArraysEachInItsWindow)
     switchOn();
     onProgram([] {
         std::string message;
-        EXPECT_EQ(MLD_OpenTypes("demo.tmf", &message), 0) << message;
+        EXPECT_EQ(WIN_OpenTypeMap("demo.tmf", &message), 0) << message;
         SetCtrlIndex(PANEL_MAIN, MAIN_LIST, -1);
     });
     open(Qt::Key_A, PANEL_ARRAY);
@@ -93,7 +93,7 @@ TEST_F(InspectWindows, RecordIsOpenedAndEdited)
     switchOn();
     onProgram([] {
         std::string message;
-        EXPECT_EQ(MLD_OpenTypes("demo.tmf", &message), 0) << message;
+        EXPECT_EQ(WIN_OpenTypeMap("demo.tmf", &message), 0) << message;
         SetCtrlIndex(PANEL_MAIN, MAIN_LIST, -1);
     });
     open(Qt::Key_T, PANEL_RECORD);
@@ -164,7 +164,7 @@ TEST_F(InspectWindows, DeviceConfigurationWritesWhatWasTypedIntoItsTable)
     switchOn();
     onProgram([] {
         std::string message;
-        EXPECT_EQ(MLD_OpenTypes("demo.tmf", &message), 0) << message;
+        EXPECT_EQ(WIN_OpenTypeMap("demo.tmf", &message), 0) << message;
         CFW_SetHeader("demo.ulh");
     });
     open(Qt::Key_P, PANEL_CONFIG);

@@ -37,7 +37,7 @@ TEST_F(ViewTest, BarSegmentsCanBeSeenAndToldApart)
         const QColor ground = bar->palette().color(QPalette::Base);
         EXPECT_EQ(palette.color(QPalette::Base), ground);
         for (const unsigned style : styles) {
-            EXPECT_GE(LOOK_Contrast(bar->colorOf(style), ground), 2.0) << style;
+            EXPECT_GE(QTV_GetContrast(bar->colorOf(style), ground), 2.0) << style;
             for (const unsigned other : styles)
                 EXPECT_TRUE(style == other || bar->colorOf(style) != bar->colorOf(other));
         }

@@ -319,8 +319,8 @@ QPalette DarkPalette()
 
 TEST_F(ViewTest, EverythingCanBeReadOnLightAndDark)
 {
-    EXPECT_NEAR(LOOK_Contrast(Qt::white, Qt::black), 21.0, 0.01);
-    EXPECT_NEAR(LOOK_Contrast(QColor(0x77, 0x77, 0x77), Qt::white), 4.48, 0.01);
+    EXPECT_NEAR(QTV_GetContrast(Qt::white, Qt::black), 21.0, 0.01);
+    EXPECT_NEAR(QTV_GetContrast(QColor(0x77, 0x77, 0x77), Qt::white), 4.48, 0.01);
     GuiShow(PANEL_MAIN);
     const QPalette usual = QApplication::palette();
     // RUN, Error, Error TMS; written, not held, plain.
@@ -335,17 +335,17 @@ TEST_F(ViewTest, EverythingCanBeReadOnLightAndDark)
             GuiDraw(PANEL_MAIN, MAIN_STATUS, VIEW_CTRL_COLOR,
                     [color](VIEW_Control &c) { c.color = color; });
             const QColor pen = status->palette().color(QPalette::WindowText);
-            EXPECT_GE(LOOK_Contrast(pen, ground), 4.5) << std::hex << color;
+            EXPECT_GE(QTV_GetContrast(pen, ground), 4.5) << std::hex << color;
         }
         const QList<QLabel *> labels = GuiWindow(PANEL_MAIN)->findChildren<QLabel *>();
         for (const QLabel *label : labels) {
             const QColor pen = label->palette().color(QPalette::Active, QPalette::WindowText);
-            EXPECT_GE(LOOK_Contrast(pen, ground), 4.5) << label->objectName().toStdString();
+            EXPECT_GE(QTV_GetContrast(pen, ground), 4.5) << label->objectName().toStdString();
         }
-        const LOOK_Lines lines = LOOK_MakeLines(palette);
+        const QTV_LineColors lines = QTV_MakeLineColors(palette);
         for (int i = 0; i < LG_COUNT; i++)
             for (int tone = 0; tone < LT_COUNT; tone++)
-                EXPECT_GE(LOOK_Contrast(lines.text[i][tone], lines.ground[i]), 4.5)
+                EXPECT_GE(QTV_GetContrast(lines.text[i][tone], lines.ground[i]), 4.5)
                     << i << " " << tone;
     }
     // A colour the program gave while it was light follows when the desktop turns dark.
@@ -355,8 +355,8 @@ TEST_F(ViewTest, EverythingCanBeReadOnLightAndDark)
     QApplication::setPalette(DarkPalette());
     GuiSettle();
     const QWidget *status = GuiWidget(PANEL_MAIN, MAIN_STATUS);
-    EXPECT_GE(LOOK_Contrast(status->palette().color(QPalette::WindowText),
-                            DarkPalette().color(QPalette::Window)),
+    EXPECT_GE(QTV_GetContrast(status->palette().color(QPalette::WindowText),
+                              DarkPalette().color(QPalette::Window)),
               4.5);
     QApplication::setPalette(usual);
     GuiSettle();

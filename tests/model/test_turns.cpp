@@ -132,7 +132,7 @@ TEST_F(Turns, UrgentWishesAreSeenAtOnce)
         SetBusyText("waiting for station 9");
         VIEW_GetBusy(&busy);
         heard.push_back(busy.isBusy ? busy.text : "");
-        DOOR_OnSignal(true);
+        MDL_OnSignal(true);
         heard.push_back(IsBreakWished() ? "interrupt breaks" : "");
         program.onControl = nullptr;
         return 0;
@@ -145,7 +145,7 @@ TEST_F(Turns, UrgentWishesAreSeenAtOnce)
     EXPECT_FALSE(IsBreakWished()) << "what it was to break has ended";
     EXPECT_FALSE(MDL_GetState().isQuit);
     program.onControl = [](int, int, int) {
-        DOOR_OnSignal(true);
+        MDL_OnSignal(true);
         return 0;
     };
     VIEW_Post(Event(BUTTON, EVENT_COMMIT));

@@ -221,7 +221,7 @@ TEST_F(Truth, AnInterruptEndsACommandBetweenTwoExchanges)
     UCM_Listener listener;
     listener.isBreak = [] {
         if (--triesLeft == 0)
-            DOOR_OnSignal(true);
+            MDL_OnSignal(true);
         return IsBreakWished();
     };
     UCM_SetListener(listener);

@@ -42,7 +42,7 @@ void ResetProgram()
     consolePanel = PANEL_CONSOLE;
     for (int &item : anRecentItems)
         item = 0;
-    WPL_Forget();
+    APP_ForgetPlaces();
 
     Procesor = CPU_C166;
     VR_nProtocol = PROTOCOL_MR166;
@@ -67,8 +67,8 @@ void ResetProgram()
     UpdItem = eTMS = nErrors = 0;
     szDebugFileName.clear();
     szaDebugFileNames = {};
-    HIS_Forget();
-    LAY_Set({});
+    EDT_ForgetEdits();
+    LIT_SetLayout({});
     CFW_SetHeader("");
     Option_nLanguage = LANGUAGE_CZ;
 

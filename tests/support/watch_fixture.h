@@ -55,22 +55,22 @@ protected:
 
     void addSymbol(const char *name, uint32_t address)
     {
-        ASSERT_EQ(VRN_AddNode(aVarNode, &nNodes, address, name, nullptr), 0);
-        VRN_SortByName(aVarNode, nNodes);
+        ASSERT_EQ(SYM_AddNode(aVarNode, &nNodes, address, name, nullptr), 0);
+        SYM_SortByName(aVarNode, nNodes);
         openStruct = OPEN_MAP_FILE;
     }
 
     void addRegister(const char *name, uint32_t address)
     {
-        ASSERT_EQ(VRN_AddNode(aVarNode166, &nNodes166, address, name, nullptr), 0);
-        VRN_SortByName(aVarNode166, nNodes166);
+        ASSERT_EQ(SYM_AddNode(aVarNode166, &nNodes166, address, name, nullptr), 0);
+        SYM_SortByName(aVarNode166, nNodes166);
         openStruct166 = 1;
     }
 
     // By its word address, as the mailbox takes it.
     void addTmsSymbol(const char *name, uint32_t words)
     {
-        ASSERT_EQ(VRN_AddNode(aVarTMSNode, &nTMSNodes, words, name, nullptr), 0);
+        ASSERT_EQ(SYM_AddNode(aVarTMSNode, &nTMSNodes, words, name, nullptr), 0);
         openTMSStruct = 1;
     }
 

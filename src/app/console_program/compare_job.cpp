@@ -21,16 +21,16 @@ int Compare(PST_Restore *job)
         {nullptr, [](void *, size_t, size_t, const char *) { return IsBreakWished(); }});
     if (result != PST_OK) {
         std::fprintf(stderr, "%s%s", PST_FormatProblems(job->problems).c_str(),
-                     WRD_Visible(job->why).c_str());
+                     TXT_Visible(job->why).c_str());
         std::fputs(job->why.empty() ? "" : "\n", stderr);
         return EXIT_NOT_COMPARED;
     }
     // Another map than the one the file was made with does not make it unequal.
     for (const std::string &line : PST_MapRemarks(*job))
-        std::fprintf(stderr, "%s\n", WRD_Visible(line).c_str());
+        std::fprintf(stderr, "%s\n", TXT_Visible(line).c_str());
     const std::vector<std::string> differences = PST_Differences(*job);
     for (const std::string &line : differences)
-        std::printf("%s\n", WRD_Visible(line).c_str());
+        std::printf("%s\n", TXT_Visible(line).c_str());
     return differences.empty() ? 0 : EXIT_DIFFERENT;
 }
 

@@ -170,7 +170,7 @@ const LongOption LONG_OPTIONS[] = {
     {"trigger", true,
      [](CPG_Options *o, const char *v) {
          o->triggers.push_back(v);
-         return o->triggers.size() <= TRG_LINES_MAX;
+         return o->triggers.size() <= SMP_TRIGGER_LINES_MAX;
      }},
     {"trace", true, [](CPG_Options *o, const char *v) { return !(o->traceFile = v).empty(); }},
     {"make-archive", true, [](CPG_Options *o, const char *v) { return !(o->archive = v).empty(); }},

@@ -38,13 +38,13 @@ int ReadPiped(std::string *line)
 
 int CPG_RunSession()
 {
-    const bool isTyped = LNE_IsTerminal();
+    const bool isTyped = CPG_IsTerminal();
     std::string line;
     while (!HL_IsQuit() && !CON_isExit) {
         ProcessSystemEvents();
         std::string prompt;
         GetCtrlVal(consolePanel, CONSOLE_PROMPT, &prompt); // a command may have changed it
-        const int result = isTyped ? LNE_ReadLine(prompt + " ", &line) : ReadPiped(&line);
+        const int result = isTyped ? CPG_ReadLine(prompt + " ", &line) : ReadPiped(&line);
         if (result == 0)
             break;
         if (result < 0) {

@@ -5,9 +5,9 @@
 
 #include <string>
 
-bool LNE_IsTerminal();      // standard input and output are a terminal
-bool LNE_IsErrorTerminal(); // standard error is one
+bool CPG_IsTerminal();      // standard input and output are a terminal
+bool CPG_IsErrorTerminal(); // standard error is one
 // 1 and the line without its end, 0 at the end of input.
-int LNE_ReadLine(const std::string &prompt, std::string *line);
+int CPG_ReadLine(const std::string &prompt, std::string *line);
 
 #endif

@@ -30,17 +30,17 @@ char **Complete(const char *, int, int end)
 
 } // namespace
 
-bool LNE_IsTerminal()
+bool CPG_IsTerminal()
 {
     return isatty(STDIN_FILENO) == 1 && isatty(STDOUT_FILENO) == 1;
 }
 
-bool LNE_IsErrorTerminal()
+bool CPG_IsErrorTerminal()
 {
     return isatty(STDERR_FILENO) == 1;
 }
 
-int LNE_ReadLine(const std::string &prompt, std::string *line)
+int CPG_ReadLine(const std::string &prompt, std::string *line)
 {
     constexpr size_t ROW_CHARS = 80;
     rl_attempted_completion_function = Complete;

@@ -4,17 +4,17 @@
 #include <cstdio>
 #include <io.h>
 
-bool LNE_IsTerminal()
+bool CPG_IsTerminal()
 {
     return _isatty(_fileno(stdin)) != 0 && _isatty(_fileno(stdout)) != 0;
 }
 
-bool LNE_IsErrorTerminal()
+bool CPG_IsErrorTerminal()
 {
     return _isatty(_fileno(stderr)) != 0;
 }
 
-int LNE_ReadLine(const std::string &prompt, std::string *line)
+int CPG_ReadLine(const std::string &prompt, std::string *line)
 {
     std::fputs(prompt.c_str(), stdout);
     std::fflush(stdout); // no line end, so nothing else would bring it out

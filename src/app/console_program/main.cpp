@@ -71,7 +71,7 @@ bool ReadAnswer(std::string *line)
 void WriteTrace(const std::string &text, void *context)
 {
     std::FILE *file = static_cast<std::FILE *>(context);
-    SAF_PutText(file, text);
+    PLT_SaveText(file, text);
     std::fflush(file);
 }
 
@@ -79,10 +79,10 @@ int Run(const CPG_Options &options, int argc, char **argv)
 {
     // A progress line or a question only where a person reads the terminal.
     HL_SetDefaultAnswer(options.answer);
-    HL_ShowProgress(LNE_IsErrorTerminal());
-    HL_SetAsker(LNE_IsTerminal() && LNE_IsErrorTerminal() ? ReadAnswer : nullptr);
+    HL_ShowProgress(CPG_IsErrorTerminal());
+    HL_SetAsker(CPG_IsTerminal() && CPG_IsErrorTerminal() ? ReadAnswer : nullptr);
     VR_isFullCommandSet = VR_isFullOnce = options.isFull;
-    TLK_isWithoutWindow = true;
+    TRM_isWithoutWindow = true;
     Option_Echo = options.isEcho ? 1 : 0;
     VR_isEchoOnce = options.isEcho;
     CPG_options = options;
@@ -95,7 +95,7 @@ int Run(const CPG_Options &options, int argc, char **argv)
         code = CPG_RunScript(); // "exit" in a script ends the loop before its driver
     // A person has seen what failed; a program behind a pipe sees the exit code only. The
     // session ends like a window, whose code knows nothing of lines.
-    else if (code == 0 && !LNE_IsTerminal() && CON_nFailed > 0)
+    else if (code == 0 && !CPG_IsTerminal() && CON_nFailed > 0)
         code = 1;
     CPG_RepeatMessage();
     return code < 0 ? 1 : code;
@@ -127,7 +127,7 @@ int MakeArchive(const CPG_Options &options)
                      problem.c_str());
         return 1;
     }
-    for (const char *name : {FLASH_VAR_MAP, FLASH_TYPE_MAP})
+    for (const char *name : {MFS_VAR_MAP, MFS_TYPE_MAP})
         if (std::find(members.begin(), members.end(), name) == members.end())
             std::fprintf(stderr, "Note: to open as a map, the archive needs a member '%s'.\n",
                          name);

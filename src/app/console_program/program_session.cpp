@@ -73,7 +73,7 @@ int Program(LDR_Job *job)
 {
     Screen screen;
     screen.job = job;
-    screen.isTerminal = LNE_IsErrorTerminal();
+    screen.isTerminal = CPG_IsErrorTerminal();
     const LDR_Progress progress = {&screen, ShowStep, ShowLog};
     int idle = 0;
     for (bool isResume = false;; isResume = true) {

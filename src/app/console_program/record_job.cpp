@@ -24,12 +24,12 @@ void PrintForPerson(const std::string &text)
 }
 
 // Before anything is opened. False after a message.
-bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
+bool ParseTriggers(std::vector<SMP_Trigger> *triggers)
 {
     for (const std::string &line : CPG_options.triggers) {
-        TRG_Trigger trigger;
+        SMP_Trigger trigger;
         std::string problem;
-        if (TRG_Parse(line, &trigger, &problem) != 0) {
+        if (SMP_ParseTrigger(line, &trigger, &problem) != 0) {
             PrintForPerson("Trigger '" + line + "': " + problem + ".");
             return false;
         }
@@ -47,7 +47,7 @@ bool ParseTriggers(std::vector<TRG_Trigger> *triggers)
 }
 
 // An unplugged port is a gap; the recording goes on when it is back.
-void FollowPort(RCJ_Job *job)
+void FollowPort(REC_Job *job)
 {
     static bool wasGone = false;
     static uint32_t lookedMs = 0;
@@ -55,10 +55,10 @@ void FollowPort(RCJ_Job *job)
     if (!isGone && !wasGone)
         return;
     if (isGone && !wasGone)
-        RCJ_Interrupt(job, "the port is gone");
+        REC_InterruptJob(job, "the port is gone");
     wasGone = isGone;
     if (!isGone)
-        RCJ_Note(job, "gap", "the port is back");
+        REC_NoteInJob(job, "gap", "the port is back");
     else if (PLT_TickMs() - lookedMs >= PORT_PERIOD_MS) {
         lookedMs = PLT_TickMs();
         VR_FollowPort();
@@ -67,7 +67,7 @@ void FollowPort(RCJ_Job *job)
 }
 
 // Until the time is over, somebody interrupts or the job ends by itself.
-void Follow(RCJ_Job *job)
+void Follow(REC_Job *job)
 {
     const uint64_t startUs = PLT_TickUs();
     const double limitUs = CPG_options.recordSeconds * 1e6;
@@ -75,7 +75,7 @@ void Follow(RCJ_Job *job)
         const double elapsedUs = static_cast<double>(PLT_TickUs() - startUs);
         if (limitUs > 0 && elapsedUs >= limitUs)
             return;
-        const int64_t waitUs = RCJ_Step(job);
+        const int64_t waitUs = REC_StepJob(job);
         if (waitUs == SMP_IDLE)
             return;
         FollowPort(job);
@@ -88,42 +88,42 @@ void Follow(RCJ_Job *job)
     }
 }
 
-int Begin(RCJ_Job *job, const std::vector<TRG_Trigger> &triggers)
+int Begin(REC_Job *job, const std::vector<SMP_Trigger> &triggers)
 {
     REC_Options file;
     file.path = CPG_options.recordFile;
     file.rotateBytes = CPG_options.rotateBytes;
     file.rotateMinutes = CPG_options.rotateMinutes;
-    const RCJ_Listener listener = {PrintForPerson, [] { std::fputs("\a", stderr); }};
+    const REC_JobListener listener = {PrintForPerson, [] { std::fputs("\a", stderr); }};
     std::vector<SMP_Item> items;
     for (int i = 0; i < nLItems; ++i)
         items.push_back(SMP_FromWatch(aLItems[i]));
     std::string problem;
     int result =
-        RCJ_Start(job, items, CPG_options.recordPeriodMs, file, triggers, listener, &problem);
+        REC_StartJob(job, items, CPG_options.recordPeriodMs, file, triggers, listener, &problem);
     // A recording cannot be made again, so none is replaced without being asked for.
     if (result == REC_ERR_EXISTS) {
         file.mayReplace =
             ConfirmPopup("Record", "The file '" + file.path + "' exists. Replace it?") == 1;
         if (file.mayReplace)
-            result = RCJ_Start(job, items, CPG_options.recordPeriodMs, file, triggers, listener,
-                               &problem);
+            result = REC_StartJob(job, items, CPG_options.recordPeriodMs, file, triggers, listener,
+                                  &problem);
     }
     if (result != 0)
         PrintForPerson(problem);
     return result;
 }
 
-int Record(const std::vector<TRG_Trigger> &triggers)
+int Record(const std::vector<SMP_Trigger> &triggers)
 {
-    RCJ_Job job;
+    REC_Job job;
     if (Begin(&job, triggers) != 0)
         return 1;
     Follow(&job);
     // A recording that ended before its time, or in which nothing was ever read, is no success.
     const bool isEarly = HL_IsEndWished() && CPG_options.recordSeconds > 0;
-    const bool isKept = RCJ_Stop(&job) == 0;
-    PrintForPerson(RCJ_Summary(job, bRate));
+    const bool isKept = REC_StopJob(&job) == 0;
+    PrintForPerson(REC_JobSummary(job, bRate));
     if (isEarly)
         PrintForPerson("Interrupted.");
     const SMP_Totals &totals = job.sampler.totals;
@@ -135,7 +135,7 @@ int Record(const std::vector<TRG_Trigger> &triggers)
 
 int CPG_RunRecord()
 {
-    std::vector<TRG_Trigger> triggers;
+    std::vector<SMP_Trigger> triggers;
     if (!CPG_LoadWatchList() || !ParseTriggers(&triggers))
         return 1;
     VIR2_StartPeriodicASC();

@@ -27,7 +27,7 @@ Queue *queue = nullptr;
 void QueueLine(Line line)
 {
     std::unique_lock<std::mutex> lock(queue->mutex);
-    queue->hasRoom.wait(lock, [] { return queue->lines.size() < SRI_QUEUE_MAX; });
+    queue->hasRoom.wait(lock, [] { return queue->lines.size() < CPG_SERVE_QUEUE_MAX; });
     queue->lines.push_back(std::move(line));
     queue->hasLine.notify_one();
 }
@@ -38,36 +38,36 @@ void ReadAll()
     bool isTooLong = false;
     for (int c = std::getchar(); c != EOF; c = std::getchar()) {
         if (c != '\n') {
-            isTooLong = isTooLong || text.size() == SRI_LINE_MAX;
+            isTooLong = isTooLong || text.size() == CPG_SERVE_LINE_MAX;
             if (!isTooLong)
                 text.push_back(static_cast<char>(c));
             continue;
         }
-        QueueLine({isTooLong ? SRI_TOO_LONG : SRI_LINE, isTooLong ? "" : text});
+        QueueLine({isTooLong ? CPG_SERVE_TOO_LONG : CPG_SERVE_LINE, isTooLong ? "" : text});
         text.clear();
         isTooLong = false;
     }
     // A request that was cut off by the end is no request.
-    QueueLine({SRI_END, ""});
+    QueueLine({CPG_SERVE_END, ""});
 }
 
 } // namespace
 
-void SRI_Start()
+void CPG_StartServeInput()
 {
     queue = new Queue;
     std::thread(ReadAll).detach();
 }
 
-int SRI_Next(unsigned waitMs, std::string *line)
+int CPG_GetServeLine(unsigned waitMs, std::string *line)
 {
     std::unique_lock<std::mutex> lock(queue->mutex);
     const auto isReady = [] { return !queue->lines.empty(); };
     if (!queue->hasLine.wait_for(lock, std::chrono::milliseconds(waitMs), isReady))
-        return SRI_NONE;
+        return CPG_SERVE_NONE;
     const int kind = queue->lines.front().kind;
     *line = std::move(queue->lines.front().text);
-    if (kind != SRI_END) // the end stays the end
+    if (kind != CPG_SERVE_END) // the end stays the end
         queue->lines.pop_front();
     queue->hasRoom.notify_one();
     return kind;

@@ -7,12 +7,13 @@
 #include <cstddef>
 #include <string>
 
-constexpr size_t SRI_LINE_MAX = 65536; // bytes of one line
-constexpr size_t SRI_QUEUE_MAX = 256;  // lines read ahead
+constexpr size_t CPG_SERVE_LINE_MAX = 65536; // bytes of one line
+constexpr size_t CPG_SERVE_QUEUE_MAX = 256;  // lines read ahead
 
-void SRI_Start(); // once
-enum { SRI_LINE = 1, SRI_NONE = 0, SRI_END = -1, SRI_TOO_LONG = -2 };
-// Waits at most so long. SRI_TOO_LONG: a line was longer than SRI_LINE_MAX and is skipped.
-int SRI_Next(unsigned waitMs, std::string *line);
+void CPG_StartServeInput(); // once
+enum { CPG_SERVE_LINE = 1, CPG_SERVE_NONE = 0, CPG_SERVE_END = -1, CPG_SERVE_TOO_LONG = -2 };
+// Waits at most so long. CPG_SERVE_TOO_LONG: a line was longer than CPG_SERVE_LINE_MAX and is
+// skipped.
+int CPG_GetServeLine(unsigned waitMs, std::string *line);
 
 #endif

@@ -17,12 +17,12 @@ namespace {
 
 std::map<std::string, int> places; // by text and type
 
-int AddItem(const std::string &name, const std::string &type, SRV_Json *error)
+int AddItem(const std::string &name, const std::string &type, CPG_Json *error)
 {
     LItem item;
     const int result = EDT_Parse(name, type, &item);
     if (result < 0) {
-        *error = SRV_Error("bad-item", EDT_ErrorText(result));
+        *error = CPG_MakeServeError("bad-item", EDT_ErrorText(result));
         return -1;
     }
     aLItems[nLItems] = item;
@@ -30,16 +30,16 @@ int AddItem(const std::string &name, const std::string &type, SRV_Json *error)
 }
 
 // The number itself; a float that is none (infinite, not a number) has no JSON form.
-SRV_Json Number(const LItem &item)
+CPG_Json Number(const LItem &item)
 {
     const uint64_t bits = LIT_Bits(item);
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     if (row->plainForm == 'f') {
         float number = 0;
         const uint32_t low = static_cast<uint32_t>(bits);
         std::memcpy(&number, &low, sizeof number);
         const double value = LIT_IsTMS(item) ? TMS_IEEE(low) : static_cast<double>(number);
-        return std::isfinite(value) ? SRV_Json(value) : SRV_Json(nullptr);
+        return std::isfinite(value) ? CPG_Json(value) : CPG_Json(nullptr);
     }
     if (row->plainForm != 'i')
         return bits;
@@ -49,24 +49,25 @@ SRV_Json Number(const LItem &item)
 
 } // namespace
 
-SRV_Json SRV_Error(const std::string &code, const std::string &message)
+CPG_Json CPG_MakeServeError(const std::string &code, const std::string &message)
 {
     return {{"code", code}, {"message", message}};
 }
 
-void SRV_ForgetItems()
+void CPG_ForgetServeItems()
 {
     places.clear();
     nLItems = 0;
 }
 
-int SRV_FindItem(const SRV_Json &wanted, bool isKept, SRV_Json *error)
+int CPG_FindServeItem(const CPG_Json &wanted, bool isKept, CPG_Json *error)
 {
-    const SRV_Json fields = wanted.is_string() ? SRV_Json{{"name", wanted}} : wanted;
-    const SRV_Json name = fields.is_object() ? fields.value("name", SRV_Json()) : SRV_Json();
-    const SRV_Json type = fields.is_object() ? fields.value("type", SRV_Json("")) : SRV_Json();
+    const CPG_Json fields = wanted.is_string() ? CPG_Json{{"name", wanted}} : wanted;
+    const CPG_Json name = fields.is_object() ? fields.value("name", CPG_Json()) : CPG_Json();
+    const CPG_Json type = fields.is_object() ? fields.value("type", CPG_Json("")) : CPG_Json();
     if (!name.is_string() || !type.is_string()) {
-        *error = SRV_Error("bad-request", "an item is a text, or an object with name and type");
+        *error =
+            CPG_MakeServeError("bad-request", "an item is a text, or an object with name and type");
         return -1;
     }
     const std::string key = name.get<std::string>() + "\n" + type.get<std::string>();
@@ -74,9 +75,9 @@ int SRV_FindItem(const SRV_Json &wanted, bool isKept, SRV_Json *error)
     if (known != places.end())
         return known->second;
     if (nLItems == LITEMS_MAX && !isKept)
-        SRV_ForgetItems();
+        CPG_ForgetServeItems();
     if (nLItems == LITEMS_MAX) {
-        *error = SRV_Error("too-many", "more items than can be held: end a watch");
+        *error = CPG_MakeServeError("too-many", "more items than can be held: end a watch");
         return -1;
     }
     const int place = AddItem(name.get<std::string>(), type.get<std::string>(), error);
@@ -85,34 +86,34 @@ int SRV_FindItem(const SRV_Json &wanted, bool isKept, SRV_Json *error)
     return place;
 }
 
-SRV_Json SRV_DescribePlace(int index)
+CPG_Json CPG_DescribePlace(int index)
 {
     const LItem &item = aLItems[index];
-    SRV_Json place = {{"name", LIT_Label(item)}};
+    CPG_Json place = {{"name", LIT_Label(item)}};
     if (!LIT_HasAddress(item)) {
-        place["error"] = SRV_Error("not-resolved", "no such name in the loaded maps");
+        place["error"] = CPG_MakeServeError("not-resolved", "no such name in the loaded maps");
         return place;
     }
     place["address"] = item.address;
-    place["type"] = VTY_Field(item);
+    place["type"] = VAL_TypeField(item);
     place["size"] = item.size;
     place["station"] = LIT_Station(item);
     return place;
 }
 
-SRV_Json SRV_DescribeValue(int index)
+CPG_Json CPG_DescribeValue(int index)
 {
     const LItem &item = aLItems[index];
-    SRV_Json value = {{"name", LIT_Label(item)}};
+    CPG_Json value = {{"name", LIT_Label(item)}};
     if (item.readError != 0 || !item.isValueGood) {
-        value["error"] = SRV_Error(LIT_HasAddress(item) ? "read-failed" : "not-resolved",
-                                   item.reason.empty() ? "not read" : item.reason);
+        value["error"] = CPG_MakeServeError(LIT_HasAddress(item) ? "read-failed" : "not-resolved",
+                                            item.reason.empty() ? "not read" : item.reason);
         return value;
     }
     std::string text;
     FormatLItemVal(&text, item);
-    value["value"] = LIT_HasNumber(item) ? Number(item) : SRV_Json(nullptr);
-    value["text"] = WRD_Trim(text);
+    value["value"] = LIT_HasNumber(item) ? Number(item) : CPG_Json(nullptr);
+    value["text"] = TXT_Trim(text);
     value["raw"] = LIT_Bits(item);
     return value;
 }

@@ -8,16 +8,16 @@
 #include <string>
 #include <vector>
 
-typedef nlohmann::ordered_json SRV_Json;
+typedef nlohmann::ordered_json CPG_Json;
 
-SRV_Json SRV_Error(const std::string &code, const std::string &message);
+CPG_Json CPG_MakeServeError(const std::string &code, const std::string &message);
 
 // The place of an item, "nSpeed" or {"name": "[8010]", "type": "u2"}; -1 with *error. Places are
 // given up when all are used, unless `isKept` (somebody watches some of them).
-int SRV_FindItem(const SRV_Json &item, bool isKept, SRV_Json *error);
-void SRV_ForgetItems();
+int CPG_FindServeItem(const CPG_Json &item, bool isKept, CPG_Json *error);
+void CPG_ForgetServeItems();
 
-SRV_Json SRV_DescribePlace(int index); // name, address, type, size, station
-SRV_Json SRV_DescribeValue(int index); // name, value, text, raw; or name and error
+CPG_Json CPG_DescribePlace(int index); // name, address, type, size, station
+CPG_Json CPG_DescribeValue(int index); // name, value, text, raw; or name and error
 
 #endif

@@ -31,7 +31,7 @@ constexpr size_t READS_HELD_MAX = 32; // requests with one proof behind them,
 constexpr uint32_t HELD_MAX_MS = 20;  // and how long the first of them waits for the others
 
 struct Watch {
-    SRV_Json id;
+    CPG_Json id;
     std::vector<int> items;
     uint32_t periodMs = 0;
     uint32_t dueMs = 0; // tick of the next reading
@@ -40,7 +40,7 @@ std::vector<Watch> watches;
 
 // A request to read that waits for its proof: clients that send several at once share one.
 struct HeldRead {
-    SRV_Json id;
+    CPG_Json id;
     std::vector<int> items;
 };
 std::vector<HeldRead> heldReads;
@@ -49,11 +49,11 @@ uint32_t startMs = 0;
 bool isOutputLost = false;
 bool isEnded = false;
 
-void WriteLine(const SRV_Json &message)
+void WriteLine(const CPG_Json &message)
 {
     // Names and texts of a target need not be UTF-8.
     const std::string line =
-        message.dump(-1, ' ', false, SRV_Json::error_handler_t::replace) + "\n";
+        message.dump(-1, ' ', false, CPG_Json::error_handler_t::replace) + "\n";
     std::fwrite(line.data(), 1, line.size(), stdout);
 }
 
@@ -63,28 +63,29 @@ void Flush()
         isOutputLost = true;
 }
 
-void Send(const SRV_Json &message)
+void Send(const CPG_Json &message)
 {
     WriteLine(message);
     Flush();
 }
 
 // The link, open while a request or a watch reads.
-bool HoldLink(SRV_Json *error)
+bool HoldLink(CPG_Json *error)
 {
     if (UCM_IsOpened() && UCM_IsGone())
         CON_DropLink(); // plugged in again, it is opened anew
     if (CON_HoldLink(LINK_NO_QUESTION) == 0)
         return true;
-    *error = SRV_Error("port", UCM_PortName(ncom) + " cannot be opened: " + UCM_LastErrorText());
+    *error = CPG_MakeServeError("port",
+                                UCM_PortName(ncom) + " cannot be opened: " + UCM_LastErrorText());
     return false;
 }
 
-SRV_Json DescribeValues(const std::vector<int> &items)
+CPG_Json DescribeValues(const std::vector<int> &items)
 {
-    SRV_Json values = SRV_Json::array();
+    CPG_Json values = CPG_Json::array();
     for (const int index : items)
-        values.push_back(SRV_DescribeValue(index));
+        values.push_back(CPG_DescribeValue(index));
     return values;
 }
 
@@ -93,7 +94,7 @@ void AnswerHeldReads()
 {
     if (heldReads.empty())
         return;
-    RDI_Prove();
+    RFR_ProveSweep();
     CON_ReleaseLink();
     for (const HeldRead &held : heldReads)
         WriteLine({{"id", held.id}, {"ok", true}, {"values", DescribeValues(held.items)}});
@@ -105,30 +106,31 @@ void AnswerHeldReads()
 void ReadUnproven(const std::vector<int> &items)
 {
     for (const int index : items)
-        if (readValues(index) == RDI_BROKEN_OFF) {
+        if (readValues(index) == RFR_BROKEN_OFF) {
             aLItems[index].isValueGood = false;
-            aLItems[index].reason = RDI_CANCELLED;
+            aLItems[index].reason = RFR_CANCELLED;
         }
 }
 
 // Places of "item" or of "items"; false with *error.
-bool FindItems(const SRV_Json &request, std::vector<int> *items, SRV_Json *error)
+bool FindItems(const CPG_Json &request, std::vector<int> *items, CPG_Json *error)
 {
-    SRV_Json wanted = request.value("items", SRV_Json());
+    CPG_Json wanted = request.value("items", CPG_Json());
     if (!wanted.is_array())
-        wanted = request.contains("item") ? SRV_Json::array({request["item"]}) : SRV_Json::array();
+        wanted = request.contains("item") ? CPG_Json::array({request["item"]}) : CPG_Json::array();
     if (wanted.empty() || wanted.size() > static_cast<size_t>(LITEMS_MAX)) {
-        *error = SRV_Error("bad-request", "item or items is missing, or there are too many");
+        *error =
+            CPG_MakeServeError("bad-request", "item or items is missing, or there are too many");
         return false;
     }
     // All before any: giving up places would move those that were found already.
     const bool isRoomShort = nLItems + static_cast<int>(wanted.size()) > LITEMS_MAX;
     if (isRoomShort && watches.empty()) {
         AnswerHeldReads();
-        SRV_ForgetItems();
+        CPG_ForgetServeItems();
     }
-    for (const SRV_Json &item : wanted) {
-        items->push_back(SRV_FindItem(item, true, error));
+    for (const CPG_Json &item : wanted) {
+        items->push_back(CPG_FindServeItem(item, true, error));
         if (items->back() < 0)
             return false;
     }
@@ -137,24 +139,24 @@ bool FindItems(const SRV_Json &request, std::vector<int> *items, SRV_Json *error
 
 // --- requests: false with *error, else the answer's own members in *answer ----------------
 
-bool Resolve(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
+bool Resolve(const CPG_Json &request, CPG_Json *answer, CPG_Json *error)
 {
     std::vector<int> items;
     if (!FindItems(request, &items, error))
         return false;
     for (const int index : items)
-        (*answer)["items"].push_back(SRV_DescribePlace(index));
+        (*answer)["items"].push_back(CPG_DescribePlace(index));
     return true;
 }
 
-bool Read(const SRV_Json &request, SRV_Json *, SRV_Json *error)
+bool Read(const CPG_Json &request, CPG_Json *, CPG_Json *error)
 {
     HeldRead held;
     if (!FindItems(request, &held.items, error) || (heldReads.empty() && !HoldLink(error)))
         return false;
     ReadUnproven(held.items);
     heldSinceMs = heldReads.empty() ? PLT_TickMs() : heldSinceMs;
-    held.id = request.value("id", SRV_Json());
+    held.id = request.value("id", CPG_Json());
     heldReads.push_back(held);
     if (heldReads.size() == READS_HELD_MAX || PLT_TickMs() - heldSinceMs >= HELD_MAX_MS)
         AnswerHeldReads();
@@ -164,26 +166,26 @@ bool Read(const SRV_Json &request, SRV_Json *, SRV_Json *error)
 const char *WriteErrorCode(int result)
 {
     switch (result) {
-    case WRV_DIFFERENT:
+    case VAL_WRITE_DIFFERENT:
         return "differs";
-    case WRV_ERR_TEXT:
+    case VAL_WRITE_ERR_TEXT:
         return "bad-value";
-    case WRV_ERR_RANGE:
+    case VAL_WRITE_ERR_RANGE:
         return "out-of-range";
-    case WRV_ERR_ADDRESS:
+    case VAL_WRITE_ERR_ADDRESS:
         return "not-resolved";
-    case WRV_ERR_READ_BACK:
+    case VAL_WRITE_ERR_READ_BACK:
         return "not-read-back";
     default:
         return "write-failed";
     }
 }
 
-bool Write(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
+bool Write(const CPG_Json &request, CPG_Json *answer, CPG_Json *error)
 {
-    const SRV_Json value = request.value("value", SRV_Json());
+    const CPG_Json value = request.value("value", CPG_Json());
     if (!value.is_number() && !value.is_string()) {
-        *error = SRV_Error("bad-request", "value is a number or a text");
+        *error = CPG_MakeServeError("bad-request", "value is a number or a text");
         return false;
     }
     std::vector<int> items;
@@ -191,54 +193,54 @@ bool Write(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
         return false;
     std::string message;
     const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
-    const int result = WRV_Write(items[0], text, &message);
+    const int result = VAL_Write(items[0], text, &message);
     CON_ReleaseLink();
-    if (result == WRV_OK)
-        (*answer)["values"] = SRV_Json::array({SRV_DescribeValue(items[0])});
+    if (result == VAL_WRITE_OK)
+        (*answer)["values"] = CPG_Json::array({CPG_DescribeValue(items[0])});
     else
-        *error = SRV_Error(WriteErrorCode(result), message);
-    return result == WRV_OK;
+        *error = CPG_MakeServeError(WriteErrorCode(result), message);
+    return result == VAL_WRITE_OK;
 }
 
-bool StartWatch(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
+bool StartWatch(const CPG_Json &request, CPG_Json *answer, CPG_Json *error)
 {
-    const SRV_Json period = request.value("period", SRV_Json(1000));
+    const CPG_Json period = request.value("period", CPG_Json(1000));
     Watch watch;
     if (!period.is_number_integer() || period < PERIOD_MIN_MS || period > PERIOD_MAX_MS)
-        *error = SRV_Error("bad-request", "period is 10 to 3600000 milliseconds");
+        *error = CPG_MakeServeError("bad-request", "period is 10 to 3600000 milliseconds");
     else if (watches.size() == WATCHES_MAX)
-        *error = SRV_Error("too-many", "8 watches run already");
+        *error = CPG_MakeServeError("too-many", "8 watches run already");
     else if (FindItems(request, &watch.items, error)) {
-        watch.id = request.value("id", SRV_Json());
+        watch.id = request.value("id", CPG_Json());
         watch.periodMs = period.get<uint32_t>();
         watch.dueMs = PLT_TickMs();
         watches.push_back(watch);
-        (*answer)["items"] = SRV_Json::array();
+        (*answer)["items"] = CPG_Json::array();
         for (const int index : watch.items)
-            (*answer)["items"].push_back(SRV_DescribePlace(index));
+            (*answer)["items"].push_back(CPG_DescribePlace(index));
         return true;
     }
     return false;
 }
 
-bool EndWatch(const SRV_Json &request, SRV_Json *, SRV_Json *error)
+bool EndWatch(const CPG_Json &request, CPG_Json *, CPG_Json *error)
 {
-    const SRV_Json id = request.value("watch", SRV_Json());
+    const CPG_Json id = request.value("watch", CPG_Json());
     for (size_t i = 0; i < watches.size(); i++)
         if (watches[i].id == id) {
             watches.erase(watches.begin() + static_cast<std::ptrdiff_t>(i));
             return true;
         }
-    *error = SRV_Error("bad-request", "no watch has this id");
+    *error = CPG_MakeServeError("bad-request", "no watch has this id");
     return false;
 }
 
 // One console line, with what the console would print.
-bool RunLine(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
+bool RunLine(const CPG_Json &request, CPG_Json *answer, CPG_Json *error)
 {
-    const SRV_Json line = request.value("line", SRV_Json());
+    const CPG_Json line = request.value("line", CPG_Json());
     if (!line.is_string() || line.get<std::string>().find('\n') != std::string::npos) {
-        *error = SRV_Error("bad-request", "line is one line of text");
+        *error = CPG_MakeServeError("bad-request", "line is one line of text");
         return false;
     }
     CON_ClearTextCB(0, 0);
@@ -248,17 +250,17 @@ bool RunLine(const SRV_Json &request, SRV_Json *answer, SRV_Json *error)
     (*answer)["output"] = CON_GetText();
     if (CON_nFailed == failedBefore)
         return true;
-    *error = SRV_Error("line-failed", "the line was refused or failed: see output");
+    *error = CPG_MakeServeError("line-failed", "the line was refused or failed: see output");
     return false;
 }
 
 struct Operation {
     const char *name;
-    bool (*run)(const SRV_Json &request, SRV_Json *answer, SRV_Json *error);
+    bool (*run)(const CPG_Json &request, CPG_Json *answer, CPG_Json *error);
 };
 const Operation OPERATIONS[] = {
     {"hello",
-     [](const SRV_Json &, SRV_Json *answer, SRV_Json *) {
+     [](const CPG_Json &, CPG_Json *answer, CPG_Json *) {
          *answer = {{"protocol", PROTOCOL_VERSION}, {"version", VR_GetBuildVersion()}};
          return true;
      }},
@@ -268,22 +270,22 @@ const Operation OPERATIONS[] = {
     {"watch", StartWatch},
     {"unwatch", EndWatch},
     {"run", RunLine},
-    {"end", [](const SRV_Json &, SRV_Json *, SRV_Json *) { return isEnded = true; }},
+    {"end", [](const CPG_Json &, CPG_Json *, CPG_Json *) { return isEnded = true; }},
 };
 
 // --- the loop -------------------------------------------------------------------------------
 
 void Answer(const std::string &line)
 {
-    const SRV_Json request = SRV_Json::parse(line, nullptr, false);
-    SRV_Json error, members = SRV_Json::object();
+    const CPG_Json request = CPG_Json::parse(line, nullptr, false);
+    CPG_Json error, members = CPG_Json::object();
     bool isGood = false;
     if (request.is_discarded() || !request.is_object())
-        error = SRV_Error("bad-json", "the line is no JSON object");
+        error = CPG_MakeServeError("bad-json", "the line is no JSON object");
     else {
         // Reads that came in front of anything else are proven and answered in front of it.
-        const SRV_Json wanted = request.value("op", SRV_Json());
-        error = SRV_Error("unknown-op", "no such op");
+        const CPG_Json wanted = request.value("op", CPG_Json());
+        error = CPG_MakeServeError("unknown-op", "no such op");
         if (wanted != "read")
             AnswerHeldReads();
         for (const Operation &operation : OPERATIONS)
@@ -293,7 +295,7 @@ void Answer(const std::string &line)
             return; // answered with its proof
     }
     AnswerHeldReads(); // in the order of the requests
-    SRV_Json answer = {{"id", request.is_object() ? request.value("id", SRV_Json()) : SRV_Json()},
+    CPG_Json answer = {{"id", request.is_object() ? request.value("id", CPG_Json()) : CPG_Json()},
                        {"ok", isGood}};
     answer.update(members);
     if (!isGood)
@@ -304,11 +306,11 @@ void Answer(const std::string &line)
 void RunWatch(Watch *watch)
 {
     AnswerHeldReads();
-    SRV_Json event = {{"event", "values"}, {"watch", watch->id}};
-    SRV_Json error;
+    CPG_Json event = {{"event", "values"}, {"watch", watch->id}};
+    CPG_Json error;
     if (HoldLink(&error)) {
         ReadUnproven(watch->items);
-        RDI_Prove();
+        RFR_ProveSweep();
         event["values"] = DescribeValues(watch->items);
         CON_ReleaseLink();
     } else {
@@ -340,28 +342,28 @@ unsigned RunDueWatches()
 
 int CPG_RunServe()
 {
-    SRV_ForgetItems(); // the list of the settings is not the client's
+    CPG_ForgetServeItems(); // the list of the settings is not the client's
     startMs = PLT_TickMs();
-    SRI_Start();
+    CPG_StartServeInput();
     CON_BeginScript(); // the link stays open from request to request
     std::string line;
-    int kind = SRI_NONE;
-    while (!HL_IsQuit() && !isEnded && !isOutputLost && kind != SRI_END) {
+    int kind = CPG_SERVE_NONE;
+    while (!HL_IsQuit() && !isEnded && !isOutputLost && kind != CPG_SERVE_END) {
         ProcessSystemEvents();
         const unsigned wait = RunDueWatches();
-        kind = SRI_Next(heldReads.empty() ? wait : 0, &line);
-        if (kind != SRI_LINE)
+        kind = CPG_GetServeLine(heldReads.empty() ? wait : 0, &line);
+        if (kind != CPG_SERVE_LINE)
             AnswerHeldReads();
-        if (kind == SRI_LINE)
+        if (kind == CPG_SERVE_LINE)
             Answer(line);
-        else if (kind == SRI_TOO_LONG)
+        else if (kind == CPG_SERVE_TOO_LONG)
             Send({{"id", nullptr},
                   {"ok", false},
-                  {"error", SRV_Error("too-long", "a request has at most 65536 bytes")}});
+                  {"error", CPG_MakeServeError("too-long", "a request has at most 65536 bytes")}});
     }
     AnswerHeldReads();
     CON_EndScript();
-    SRV_ForgetItems();
+    CPG_ForgetServeItems();
     CON_nFailed = 0; // each has been answered for
     if (!HL_IsQuit())
         ExitApplication(mainPanel);

@@ -39,7 +39,7 @@ Row MakeRow(const LItem &item)
     }
     if (LIT_HasNumber(item)) {
         FormatLItemVal(&row.value, item);
-        row.value = WRD_Trim(row.value);
+        row.value = TXT_Trim(row.value);
     }
     if (item.isValueGood)
         row.raw = std::to_string(LIT_Bits(item));
@@ -48,8 +48,8 @@ Row MakeRow(const LItem &item)
 
 std::string CsvLine(const Row &row, long sweep)
 {
-    return std::to_string(sweep) + ',' + WRD_QuoteCsv(row.name) + ',' + row.address + ',' +
-           row.type + ',' + std::to_string(row.size) + ',' + WRD_QuoteCsv(row.value) + ',' +
+    return std::to_string(sweep) + ',' + TXT_QuoteCsv(row.name) + ',' + row.address + ',' +
+           row.type + ',' + std::to_string(row.size) + ',' + TXT_QuoteCsv(row.value) + ',' +
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
@@ -74,7 +74,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
         value = "Address?";
     else if (row.isError)
         value = row.reason.empty() ? "(!)" : "(!) " + row.reason;
-    return WRD_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
+    return TXT_Visible(row.name) + std::string(pad, ' ') + columns + value + '\n';
 }
 
 // Strict, because readers of JSON are: no overlong forms, no halves of pairs, nothing above

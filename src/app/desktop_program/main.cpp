@@ -34,8 +34,8 @@ int RunDesktop(int argc, char **argv)
     if (VR_StartUp(argc, argv) < 0)
         return -1;
     // Without settings nothing could be reached yet.
-    if (INI_IsMissing() && VR_enAppMode == MODE_NORMAL && !VR_isScriptRun)
-        CNP_Open();
+    if (APP_IsSettingsMissing() && VR_enAppMode == MODE_NORMAL && !VR_isScriptRun)
+        APP_OpenConnectPage();
     return RunUserInterface();
 }
 

@@ -47,7 +47,7 @@ LineFault ReadValue(DataFile *file, const ArrayType &type, uint8_t *bytes)
 {
     if (!ReadLine(file))
         return LINE_MISSING;
-    switch (ARR_ParseElement(type, file->text, bytes)) {
+    switch (SCR_ParseElement(type, file->text, bytes)) {
     case ARRAY_OK:
         return LINE_GOOD;
     case ARRAY_NO_VALUE:
@@ -72,15 +72,15 @@ LineFault ReadValues(DataFile *file, const ArrayType &type, uint32_t count,
 int WriteValues(const char *label, uint32_t address, const std::vector<uint8_t> &bytes)
 {
     const TransferPlan plan = {address, static_cast<uint32_t>(bytes.size()), WRITE_BLOCK_BYTES,
-                               TRF_METER_ARRAY};
-    const TransferReport report = TRF_Write(plan, bytes.data());
+                               SCR_METER_ARRAY};
+    const TransferReport report = SCR_WriteTransfer(plan, bytes.data());
     if (report.result == TRANSFER_DONE)
         return 0;
     // The array is partly new: the user must learn how far.
-    const std::string written = TRF_WrittenText(report, plan.count, 1);
+    const std::string written = SCR_WrittenText(report, plan.count, 1);
     if (report.result == TRANSFER_CANCELLED)
-        return SCR_Fail(WRD_Format("%s: preruseno uzivatelem. %s.", label, written.c_str()));
-    return SCR_Fail(WRD_Format("%s: chyba pri zapisu dat do systemu. %s. (%s)", label,
+        return SCR_Fail(TXT_Format("%s: preruseno uzivatelem. %s.", label, written.c_str()));
+    return SCR_Fail(TXT_Format("%s: chyba pri zapisu dat do systemu. %s. (%s)", label,
                                written.c_str(), report.cause.c_str()));
 }
 
@@ -117,14 +117,14 @@ HeaderFault ParseHeader(const char *line, Header *header)
         return HEADER_BAD;
     if (line - digits > COUNT_DIGITS_MAX)
         return HEADER_TOO_MANY;
-    CON_ParseDecimal(&digits, &header->count);
+    TXT_ParseDecimal(&digits, &header->count);
     if (xscan("/]?'* /,* typ* /:* ", &line) < 0)
         return HEADER_BAD;
     char name[TYPE_NAME_SIZE] = "";
     char *out = name;
     if (xscanil("#uif.#124.", &line, &out) < 0 || xscan("/.* ?\r?\n#", &line) < 0)
         return HEADER_BAD;
-    header->type = ARR_FindType(name);
+    header->type = SCR_FindArrayType(name);
     return HEADER_GOOD;
 }
 
@@ -134,12 +134,12 @@ int CheckHeader(DataFile *file, const char *fileName, const ArrayRequest &reques
     Header header;
     const HeaderFault fault = ReadLine(file) ? ParseHeader(file->text, &header) : HEADER_BAD;
     if (fault == HEADER_TOO_MANY)
-        return SCR_Fail(WRD_Format("Load: Soubor '%s' deklaruje prilis mnoho prvku.", fileName));
+        return SCR_Fail(TXT_Format("Load: Soubor '%s' deklaruje prilis mnoho prvku.", fileName));
     if (fault != HEADER_GOOD)
-        return SCR_Fail(WRD_Format("Load: Soubor '%s' ma neplatnou hlavicku.", fileName));
+        return SCR_Fail(TXT_Format("Load: Soubor '%s' ma neplatnou hlavicku.", fileName));
     // More elements than asked for are fine: the first of them are taken.
     if (header.count < request.count)
-        return SCR_Fail(WRD_Format("Load: Soubor '%s' deklaruje malo prvku.", fileName));
+        return SCR_Fail(TXT_Format("Load: Soubor '%s' deklaruje malo prvku.", fileName));
     if (header.type != request.type)
         return SCR_Fail("Load: typ ulozenych dat neodpovida parametrum prikazu.");
     return 0;
@@ -149,15 +149,15 @@ int LoadFile(DataFile *file, const char *fileName, const ArrayRequest &request)
 {
     if (CheckHeader(file, fileName, request) < 0)
         return -1;
-    CON_Print("Zapis do pole: %s\n", ARR_FormatPlace(request, "0x").c_str());
+    CON_Print("Zapis do pole: %s\n", SCR_FormatPlace(request, "0x").c_str());
     std::vector<uint8_t> bytes;
     const LineFault fault = ReadValues(file, *request.type, request.count, &bytes);
     if (fault == LINE_MISSING)
         return SCR_Fail(
-            WRD_Format("Load: Chyba pri cteni souboru '%s', (radek %d).", fileName, file->line));
+            TXT_Format("Load: Chyba pri cteni souboru '%s', (radek %d).", fileName, file->line));
     if (fault != LINE_GOOD)
         return SCR_Fail(
-            WRD_Format("Load: chyba v souboru '%s', na radku %d.", fileName, file->line));
+            TXT_Format("Load: chyba v souboru '%s', na radku %d.", fileName, file->line));
     return WriteValues("Load", request.address, bytes);
 }
 
@@ -165,7 +165,7 @@ int LoadFile(DataFile *file, const char *fileName, const ArrayRequest &request)
 
 int FailCsvRead(const char *label, const char *fileName, int line)
 {
-    return SCR_Fail(WRD_Format("%s: chyba pri cteni '%s' (radek %d).", label, fileName, line));
+    return SCR_Fail(TXT_Format("%s: chyba pri cteni '%s' (radek %d).", label, fileName, line));
 }
 
 // Values from the file's present line on.
@@ -177,7 +177,7 @@ int LoadList(DataFile *file, const char *label, const char *fileName, const Arra
     // What a file holds beyond the array must be values, too; empty lines may end it.
     const bool isRestChecked = fault == LINE_GOOD && isWholeFile;
     while (isRestChecked && (fault == LINE_GOOD ||
-                             (fault == LINE_NO_VALUE && *CON_SkipBlanks(file->text) == '\0'))) {
+                             (fault == LINE_NO_VALUE && *TXT_SkipBlanks(file->text) == '\0'))) {
         uint8_t unused[ELEMENT_BYTES_MAX];
         fault = ReadValue(file, *request.type, unused);
     }
@@ -185,7 +185,7 @@ int LoadList(DataFile *file, const char *label, const char *fileName, const Arra
         fault = LINE_GOOD;
     if (fault == LINE_OUT_OF_RANGE)
         return SCR_Fail(
-            WRD_Format("%s: chyba v souboru '%s', na radku %d.", label, fileName, file->line));
+            TXT_Format("%s: chyba v souboru '%s', na radku %d.", label, fileName, file->line));
     if (fault != LINE_GOOD)
         return FailCsvRead(label, fileName, file->line);
     return WriteValues(label, request.address, bytes);
@@ -198,10 +198,10 @@ int LoadCountedList(DataFile *file, const char *fileName, uint32_t minimum, Arra
     const char *end = file->text;
     if (!ReadLine(file) || xscan(pattern, &end) < 0)
         return FailCsvRead("LoadCSVN", fileName, file->line);
-    const char *digits = CON_SkipBlanks(file->text);
+    const char *digits = TXT_SkipBlanks(file->text);
     uint32_t count = 0;
-    if (!CON_ParseDecimal(&digits, &count) || count < minimum || count > request->count)
-        return SCR_Fail(WRD_Format(
+    if (!TXT_ParseDecimal(&digits, &count) || count < minimum || count > request->count)
+        return SCR_Fail(TXT_Format(
             "LoadCSVN: chybny pocet polozek specifikovany 1. radkem souboru '%s'.", fileName));
     request->count = count;
     return LoadList(file, "LoadCSVN", fileName, *request, false);
@@ -213,13 +213,13 @@ using LoadStep = int (*)(DataFile *file, const ScrPar *par, ArrayRequest *reques
 int LoadArray(ScrPar *par, const char *command, int fileAt, LoadStep load)
 {
     ArrayRequest request;
-    if (ARR_Resolve(par, command, WRD_Format("%s:", command).c_str(), &request) < 0)
+    if (SCR_ResolveArray(par, command, TXT_Format("%s:", command).c_str(), &request) < 0)
         return -1;
     DataFile file;
     file.handle = TXFR_Open(par[fileAt].text);
     if (file.handle < 0)
         return SCR_Fail(
-            WRD_Format("%s: Nelze otevrit soubor %s pro cteni.", command, par[fileAt].text));
+            TXT_Format("%s: Nelze otevrit soubor %s pro cteni.", command, par[fileAt].text));
     const int result = load(&file, par, &request);
     TXFR_Close(file.handle);
     return result;

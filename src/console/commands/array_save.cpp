@@ -17,7 +17,7 @@ constexpr uint32_t ROW_FLOATS = 4;
 int FailTransfer(const TransferReport &report, const char *label)
 {
     if (report.result == TRANSFER_CANCELLED)
-        return SCR_Fail(WRD_Format("%s: preruseno uzivatelem.", label));
+        return SCR_Fail(TXT_Format("%s: preruseno uzivatelem.", label));
     // `dump` says "Save", too: procedures look for this one text.
     return SCR_Fail("Save: chyba v komunikaci (" + report.cause + ")");
 }
@@ -26,16 +26,16 @@ int FailTransfer(const TransferReport &report, const char *label)
 std::string FormatForDump(const ArrayType &type, const uint8_t *bytes)
 {
     if (type.isFloat) {
-        std::string text = ARR_FormatElement(type, bytes);
+        std::string text = SCR_FormatElement(type, bytes);
         text.pop_back(); // its line feed
-        return WRD_Format("%*s", type.dumpWidth, text.c_str());
+        return TXT_Format("%*s", type.dumpWidth, text.c_str());
     }
-    const uint32_t bits = ARR_GetElement(type, bytes);
+    const uint32_t bits = SCR_GetElement(type, bytes);
     const int digits = static_cast<int>(2 * type.size);
     const uint32_t shown = bits & (UINT32_MAX >> (32 - 8 * type.size));
     return type.isSigned
-               ? WRD_Format("%*d %0*xh", type.dumpWidth, static_cast<int32_t>(bits), digits, shown)
-               : WRD_Format("%*u %0*xh", type.dumpWidth, bits, digits, shown);
+               ? TXT_Format("%*d %0*xh", type.dumpWidth, static_cast<int32_t>(bits), digits, shown)
+               : TXT_Format("%*u %0*xh", type.dumpWidth, bits, digits, shown);
 }
 
 } // namespace
@@ -43,49 +43,49 @@ std::string FormatForDump(const ArrayType &type, const uint8_t *bytes)
 int SCR_Save(ScrPar *par)
 {
     ArrayRequest request;
-    if (ARR_Resolve(par, "Save", "Save.", &request) < 0)
+    if (SCR_ResolveArray(par, "Save", "Save.", &request) < 0)
         return -1;
     SafeFile file;
-    if (SAF_Open(&file, par[3].text, "wb") < 0)
-        return SCR_Fail(WRD_Format("Save: Nelze otevrit soubor %s pro zapis.", par[3].text));
-    SAF_PutText(file.file,
-                WRD_Format("Ulozeni pole: %s, typ: %s.\n", ARR_FormatPlace(request, "").c_str(),
-                           request.type->upperName));
+    if (PLT_BeginSave(&file, par[3].text, "wb") < 0)
+        return SCR_Fail(TXT_Format("Save: Nelze otevrit soubor %s pro zapis.", par[3].text));
+    PLT_SaveText(file.file,
+                 TXT_Format("Ulozeni pole: %s, typ: %s.\n", SCR_FormatPlace(request, "").c_str(),
+                            request.type->upperName));
     // The bytes are counted in 16 bits: an array of 64 KiB and more wraps.
     const ArrayType &type = *request.type;
     const auto byteCount = static_cast<uint16_t>(request.count * type.size);
-    const TransferPlan plan = {request.address, byteCount, SAVE_BLOCK_BYTES, TRF_METER_ARRAY};
+    const TransferPlan plan = {request.address, byteCount, SAVE_BLOCK_BYTES, SCR_METER_ARRAY};
     const TransferReport report =
-        TRF_Read(plan, [&](uint32_t, const uint8_t *bytes, uint32_t count) {
+        SCR_ReadTransfer(plan, [&](uint32_t, const uint8_t *bytes, uint32_t count) {
             for (uint32_t i = 0; i + type.size <= count; i += type.size)
-                SAF_PutText(file.file, ARR_FormatElement(type, bytes + i));
+                PLT_SaveText(file.file, SCR_FormatElement(type, bytes + i));
             return true;
         });
     if (report.result != TRANSFER_DONE) {
-        SAF_Cancel(&file);
+        PLT_CancelSave(&file);
         return FailTransfer(report, "Save");
     }
-    if (SAF_Commit(&file) < 0)
-        return SCR_Fail(WRD_Format("Save: chyba pri zapisu do souboru %s.", par[3].text));
+    if (PLT_CommitSave(&file) < 0)
+        return SCR_Fail(TXT_Format("Save: chyba pri zapisu do souboru %s.", par[3].text));
     return 0;
 }
 
 int SCR_Dump(ScrPar *par)
 {
     ArrayRequest request;
-    if (ARR_Resolve(par, "Dump", "Dump.", &request) < 0)
+    if (SCR_ResolveArray(par, "Dump", "Dump.", &request) < 0)
         return -1;
-    CON_Print("Pole: %s, typ: %s.", ARR_FormatPlace(request, "").c_str(), request.type->upperName);
+    CON_Print("Pole: %s, typ: %s.", SCR_FormatPlace(request, "").c_str(), request.type->upperName);
     const ArrayType &type = *request.type;
     const uint32_t perRow = type.isFloat ? ROW_FLOATS : ROW_BYTES / type.size;
     const TransferPlan plan = {request.address, request.count * type.size, SAVE_BLOCK_BYTES,
-                               TRF_METER_ARRAY};
+                               SCR_METER_ARRAY};
     uint32_t index = 0;
     std::string row;
     const auto addElements = [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
         for (uint32_t i = 0; i + type.size <= count; i += type.size) {
             if (index % perRow == 0)
-                row = WRD_Format("%06x[%4u]", address + i, index);
+                row = TXT_Format("%06x[%4u]", address + i, index);
             row += "  " + FormatForDump(type, bytes + i);
             if (++index % perRow == 0) {
                 PrintMonStr(row);
@@ -94,7 +94,7 @@ int SCR_Dump(ScrPar *par)
         }
         return true;
     };
-    const TransferReport report = TRF_Read(plan, addElements);
+    const TransferReport report = SCR_ReadTransfer(plan, addElements);
     if (!row.empty()) // the last row; after a failure what stands in front of it
         PrintMonStr(row);
     return report.result == TRANSFER_DONE ? 0 : FailTransfer(report, "Dump");

@@ -16,7 +16,7 @@
 #include "text/words.h"
 #include "text/xscan.h"
 
-const ArrayType ARR_aTypes[ARRAY_TYPES] = {
+const ArrayType SCR_aArrayTypes[ARRAY_TYPES] = {
     {"i1", "I1", 1, true, false, 4},  {"i2", "I2", 2, true, false, 7},
     {"i4", "I4", 4, true, false, 14}, {"u1", "U1", 1, false, false, 3},
     {"u2", "U2", 2, false, false, 6}, {"u4", "U4", 4, false, false, 12},
@@ -45,7 +45,7 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
         return ARRAY_OUT_OF_RANGE;
     uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
-    BYT_PutLittle(bytes, sizeof bits, bits);
+    TXT_PutLittle(bytes, sizeof bits, bits);
     return ARRAY_OK;
 }
 
@@ -54,7 +54,7 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
 uint32_t FindPlace(const char *name)
 {
     const int station = GetStationModifier(&name);
-    name = CON_SkipBlanks(name);
+    name = TXT_SkipBlanks(name);
     const bool isOfStation = station < 0 || station == STATION;
     const bool isTms = *name == '&' && !IsWordAddressing(Procesor);
     return isOfStation && !isTms ? GetSysAddrWk(name) : ADDR_NONE;
@@ -62,10 +62,10 @@ uint32_t FindPlace(const char *name)
 
 } // namespace
 
-const ArrayType *ARR_FindType(const std::string &name)
+const ArrayType *SCR_FindArrayType(const std::string &name)
 {
-    for (const ArrayType &type : ARR_aTypes)
-        if (CON_IsSameWord(name, type.name))
+    for (const ArrayType &type : SCR_aArrayTypes)
+        if (TXT_IsSameWord(name, type.name))
             return &type;
     return nullptr;
 }
@@ -84,50 +84,50 @@ bool ExecPar(ScrPar *par, int count)
     return true;
 }
 
-int ARR_Resolve(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request)
+int SCR_ResolveArray(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request)
 {
     if (!ExecPar(par, 3))
-        return SCR_Fail(WRD_Format("%s: Neplatne parametry skriptu.", label));
-    request->type = ARR_FindType(par[1].text);
+        return SCR_Fail(TXT_Format("%s: Neplatne parametry skriptu.", label));
+    request->type = SCR_FindArrayType(par[1].text);
     if (!request->type)
         return SCR_Fail(
-            WRD_Format("%s Podporovane typy jsou: i1, u1, i2, u2, i4, u4, f4.", typeLabel));
+            TXT_Format("%s Podporovane typy jsou: i1, u1, i2, u2, i4, u4, f4.", typeLabel));
     request->place = (par[0].flags & PAR_NAME) ? par[0].text : "";
     request->address = par[0].value;
     request->count = par[2].value;
     // A count has 16 bits and an element four bytes at most: the product fits.
     if (request->count * request->type->size > ADDR_LIMIT - request->address)
-        return SCR_Fail(WRD_Format("%s: Neplatne parametry skriptu.", label));
+        return SCR_Fail(TXT_Format("%s: Neplatne parametry skriptu.", label));
     return 0;
 }
 
-std::string ARR_FormatPlace(const ArrayRequest &request, const char *addressPrefix)
+std::string SCR_FormatPlace(const ArrayRequest &request, const char *addressPrefix)
 {
     if (!request.place.empty())
-        return WRD_Format("'%s[%u]'", request.place.c_str(), request.count);
-    return WRD_Format("'%s%x[%u]'", addressPrefix, request.address, request.count);
+        return TXT_Format("'%s[%u]'", request.place.c_str(), request.count);
+    return TXT_Format("'%s%x[%u]'", addressPrefix, request.address, request.count);
 }
 
-uint32_t ARR_GetElement(const ArrayType &type, const uint8_t *bytes)
+uint32_t SCR_GetElement(const ArrayType &type, const uint8_t *bytes)
 {
-    const uint32_t bits = static_cast<uint32_t>(BYT_GetLittle(bytes, type.size));
+    const uint32_t bits = static_cast<uint32_t>(TXT_GetLittle(bytes, type.size));
     const uint32_t sign = 1u << (8 * type.size - 1);
     return type.isSigned && (bits & sign) ? bits | ~(2 * sign - 1) : bits;
 }
 
-std::string ARR_FormatElement(const ArrayType &type, const uint8_t *bytes)
+std::string SCR_FormatElement(const ArrayType &type, const uint8_t *bytes)
 {
-    const uint32_t bits = ARR_GetElement(type, bytes);
+    const uint32_t bits = SCR_GetElement(type, bytes);
     if (type.isFloat) {
         float value = 0;
         std::memcpy(&value, &bits, sizeof value);
-        return WRD_Format("%g\n", static_cast<double>(value));
+        return TXT_Format("%g\n", static_cast<double>(value));
     }
-    return type.isSigned ? WRD_Format("%d\n", static_cast<int32_t>(bits))
-                         : WRD_Format("%u\n", bits);
+    return type.isSigned ? TXT_Format("%d\n", static_cast<int32_t>(bits))
+                         : TXT_Format("%u\n", bits);
 }
 
-ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes)
+ArrayParse SCR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes)
 {
     if (type.isFloat)
         return ParseFloat(line, bytes);
@@ -140,6 +140,6 @@ ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *by
     const long long low = type.isSigned ? -span / 2 : 0;
     if (errno != 0 || value < low || value >= low + span)
         return ARRAY_OUT_OF_RANGE;
-    BYT_PutLittle(bytes, type.size, static_cast<uint32_t>(value));
+    TXT_PutLittle(bytes, type.size, static_cast<uint32_t>(value));
     return ARRAY_OK;
 }

@@ -19,9 +19,9 @@ struct ArrayType {
 
 constexpr int ARRAY_TYPES = 7;
 constexpr size_t ELEMENT_BYTES_MAX = 4;
-extern const ArrayType ARR_aTypes[ARRAY_TYPES];
+extern const ArrayType SCR_aArrayTypes[ARRAY_TYPES];
 
-const ArrayType *ARR_FindType(const std::string &name); // ignoring case, or null
+const ArrayType *SCR_FindArrayType(const std::string &name); // ignoring case, or null
 
 // What a command asks for, resolved.
 struct ArrayRequest {
@@ -37,18 +37,18 @@ bool ExecPar(ScrPar *par, int count);
 
 // An array's place, type and count from the first three parameters. `label` opens the
 // messages ("Save"), `typeLabel` that about the type ("Save."). 0, or -1 after SCR_Fail.
-int ARR_Resolve(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request);
+int SCR_ResolveArray(ScrPar *par, const char *label, const char *typeLabel, ArrayRequest *request);
 
 // "'name[count]'", or "'address[count]'" with the prefix in front of a bare address.
-std::string ARR_FormatPlace(const ArrayRequest &request, const char *addressPrefix);
+std::string SCR_FormatPlace(const ArrayRequest &request, const char *addressPrefix);
 
 // The value of an element in the target's byte order as a line of an array file.
-std::string ARR_FormatElement(const ArrayType &type, const uint8_t *bytes);
+std::string SCR_FormatElement(const ArrayType &type, const uint8_t *bytes);
 // The element's bits, sign extended for signed types.
-uint32_t ARR_GetElement(const ArrayType &type, const uint8_t *bytes);
+uint32_t SCR_GetElement(const ArrayType &type, const uint8_t *bytes);
 
 enum ArrayParse { ARRAY_OK = 0, ARRAY_NO_VALUE = -1, ARRAY_OUT_OF_RANGE = -2 };
 // One data line to an element's bytes: the value alone, blanks around it.
-ArrayParse ARR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes);
+ArrayParse SCR_ParseElement(const ArrayType &type, const char *line, uint8_t *bytes);
 
 #endif

@@ -37,7 +37,7 @@ int FailTransfer(const TransferReport &report, const char *label)
         text = "file write failure.";
     else if (report.result == TRANSFER_CANCELLED)
         text = "cancelled by the user.";
-    return SCR_Fail(WRD_Format("%s: %s", label, text.c_str()));
+    return SCR_Fail(TXT_Format("%s: %s", label, text.c_str()));
 }
 
 // Lines end where the address is a multiple of 16, so that only the first and the last
@@ -66,16 +66,16 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
                BlockWriter write)
 {
     SafeFile file;
-    if (SAF_Open(&file, fileName, "wb") < 0)
-        return SCR_Fail(WRD_Format("%s: Can't open file '%s' for write.", label, fileName));
-    const TransferPlan plan = {request.address, request.count, BLOCK_BYTES, TRF_METER_BINARY};
+    if (PLT_BeginSave(&file, fileName, "wb") < 0)
+        return SCR_Fail(TXT_Format("%s: Can't open file '%s' for write.", label, fileName));
+    const TransferPlan plan = {request.address, request.count, BLOCK_BYTES, SCR_METER_BINARY};
     TransferReport report =
-        TRF_Read(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
+        SCR_ReadTransfer(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
             return write(file.file, request.address, address, bytes, count);
         });
     if (report.result != TRANSFER_DONE)
-        SAF_Cancel(&file);
-    else if (SAF_Commit(&file) < 0)
+        PLT_CancelSave(&file);
+    else if (PLT_CommitSave(&file) < 0)
         report.result = TRANSFER_TAKER;
     return report.result != TRANSFER_DONE ? FailTransfer(report, label) : 0;
 }
@@ -84,7 +84,7 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
 bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes, bool *isLonger)
 {
     std::FILE *file = nullptr;
-    if (PLF_Open(fileName, PLF_ANY_SIZE, &file) != PLF_OK)
+    if (PLT_OpenForReading(fileName, PLT_FILE_ANY_SIZE, &file) != PLT_FILE_OK)
         return false;
     uint8_t block[BLOCK_BYTES];
     for (;;) {
@@ -126,16 +126,16 @@ int SCR_BinLoad(ScrPar *par)
     std::vector<uint8_t> bytes;
     bool isLonger = false;
     if (!ReadFile(par[2].text, request.count, &bytes, &isLonger))
-        return SCR_Fail(WRD_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
+        return SCR_Fail(TXT_Format("BinLoad: Can't open file '%s' for reading.", par[2].text));
     // The length is a bound: what there is gets written, and the user is told.
     if (isLonger || bytes.size() < request.count)
         CON_Print("Warning: the file is %s than %u bytes.", isLonger ? "longer" : "shorter",
                   request.count);
     const TransferPlan plan = {request.address, static_cast<uint32_t>(bytes.size()), BLOCK_BYTES,
-                               TRF_METER_BINARY};
-    const TransferReport report = TRF_Write(plan, bytes.data());
+                               SCR_METER_BINARY};
+    const TransferReport report = SCR_WriteTransfer(plan, bytes.data());
     if (report.result != TRANSFER_DONE) {
-        CON_Print("%s.", TRF_WrittenText(report, plan.count, 1).c_str());
+        CON_Print("%s.", SCR_WrittenText(report, plan.count, 1).c_str());
         return FailTransfer(report, "BinLoad");
     }
     CON_Print("%u bytes written.", report.moved);

@@ -56,12 +56,12 @@ template <typename Work> int WithPort(const char *label, Work work)
     LDR_Loan loan;
     const int opened = LDR_BorrowPort(ncom, bRate, &loan);
     if (opened < 0)
-        return SCR_Fail(WRD_Format("%s: %s.", label, MrASC_ErrorText(opened).c_str()));
+        return SCR_Fail(TXT_Format("%s: %s.", label, MrASC_ErrorText(opened).c_str()));
     const int result = work();
     // The port goes back whatever came of it; a failure of the work is the one to tell.
     const int returned = LDR_ReturnPort(loan);
     if (result >= 0 && returned < 0)
-        return SCR_Fail(WRD_Format("%s: the link could not be opened again.", label));
+        return SCR_Fail(TXT_Format("%s: the link could not be opened again.", label));
     return result;
 }
 
@@ -75,17 +75,17 @@ int FailAs(int result, const std::string &text)
 int SaveBytes(const char *path, const std::vector<uint8_t> &bytes)
 {
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") < 0)
+    if (PLT_BeginSave(&safe, path, "wb") < 0)
         return -1;
     // What is missing shows as the stream's error when the file is closed.
     std::fwrite(bytes.data(), 1, bytes.size(), safe.file);
-    return SAF_Commit(&safe);
+    return PLT_CommitSave(&safe);
 }
 
 bool HasHexSuffix(const std::string &path)
 {
     const size_t dot = path.rfind('.');
-    return dot != std::string::npos && CON_IsSameWord(path.substr(dot), ".hex");
+    return dot != std::string::npos && TXT_IsSameWord(path.substr(dot), ".hex");
 }
 
 } // namespace
@@ -94,9 +94,9 @@ int SCR_HexLoad(ScrPar *par)
 {
     Meter meter;
     StartMeter(&meter, par[0].text);
-    const int result = HEXS_Load(par[0].text, STATION, meter.progress);
+    const int result = HEX_LoadByLines(par[0].text, STATION, meter.progress);
     StopMeter(meter);
-    return result < 0 ? FailAs(result, "hexload: " + HEXS_GetCause() + ".") : result;
+    return result < 0 ? FailAs(result, "hexload: " + HEX_GetLoadCause() + ".") : result;
 }
 
 int SCR_L3Test(ScrPar *)
@@ -111,7 +111,7 @@ int SCR_L3Erase(ScrPar *)
 {
     // The loader answers only when it is done, so that the text must stand on the screen before.
     CON_Print("Erasing Flash! This can take up to 15s, wait please ...");
-    MWN_ShowView(ITEM_CONSOLE_VIEW);
+    WIN_ShowMainView(ITEM_CONSOLE_VIEW);
     ProcessSystemEvents();
     return WithPort("l3erase", [] {
         const int result = LD167U_L3CmdEraseFlash();
@@ -131,7 +131,7 @@ int SCR_L3Write(ScrPar *par)
         StopMeter(meter);
         if (result < 0) {
             CON_Print(" Error, exit code: %d", result);
-            return FailAs(result, "l3write: " + HEXS_GetCause() + ".");
+            return FailAs(result, "l3write: " + HEX_GetLoadCause() + ".");
         }
         CON_Print(" OK, programming done.");
         return result;
@@ -178,12 +178,12 @@ int SCR_L3Read(ScrPar *par)
             return SCR_Fail("l3read: cancelled by the user.");
         // What had been read until then is not saved.
         if (result < 0)
-            return SCR_Fail(WRD_Format("l3read: 0x%06X: %s.",
+            return SCR_Fail(TXT_Format("l3read: 0x%06X: %s.",
                                        par[0].value + static_cast<uint32_t>(bytes.size()),
                                        LD167U_GetFaultText().c_str()));
         const int saved = HasHexSuffix(path)
                               ? HEX_Save(path, par[0].value, bytes.data(), bytes.size())
                               : SaveBytes(path, bytes);
-        return saved == 0 ? 0 : SCR_Fail(WRD_Format("l3read: Can't write file '%s'.", path));
+        return saved == 0 ? 0 : SCR_Fail(TXT_Format("l3read: Can't write file '%s'.", path));
     });
 }

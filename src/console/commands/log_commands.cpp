@@ -16,7 +16,7 @@ namespace {
 int Fail(const char *command, const std::string &text)
 {
     if (DLLD_IsCancelled())
-        return SCR_Fail(WRD_Format("%s: cancelled by the user.", command));
+        return SCR_Fail(TXT_Format("%s: cancelled by the user.", command));
     return SCR_Fail(std::string(command) + ": " + text);
 }
 
@@ -65,7 +65,7 @@ int ShowSurvey(const std::string &name)
         return FailRead("dlldtst", "Could not read the log (" + name + ").");
     std::string header;
     for (const uint16_t word : survey.header)
-        header += WRD_Format(" %04X", word);
+        header += TXT_Format(" %04X", word);
     CON_Print("Log:      %s, %d words at %06Xh", name.c_str(), survey.words, survey.address);
     CON_Print("Header:  %s (%s)", header.c_str(), survey.isGood ? "good" : "bad");
     if (!survey.isGood)
@@ -87,7 +87,7 @@ int ShowRecIds()
         return FailRead("dlldtst", "Could not read log type list (DL_arecId).");
     CON_Print("Records:  %d", DLLD_nDimARecId);
     for (const DLLD_RecId &entry : DLLD_paRecId) {
-        const std::string id = WRD_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
+        const std::string id = TXT_Format("  %02Xh  ", static_cast<unsigned>(entry.id));
         if (entry.text.empty())
             CON_Print("%sno description", id.c_str());
         else if (entry.errorAt > 0)
@@ -106,7 +106,7 @@ int ScrFnGetLog(ScrPar *par)
     const std::string name = par[0].text, base = par[1].text;
     if (name.empty() || base.empty())
         return SCR_Fail("getlog: Invalid parameters.");
-    LGT_UseTarget(); // the settings may have changed since the last download
+    LOGV_UseTarget(); // the settings may have changed since the last download
     if (DLLD_ReadARecId() < 0)
         return FailRead("getlog", "Could not read log type list (DL_arecId).");
     CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
@@ -121,7 +121,7 @@ int ScrFnSaveLog(ScrPar *par)
     const std::string path = par[1].text, name = par[0].text;
     const bool isName = (par[0].flags & PAR_LONG) == 0;
     uint32_t address = par[0].value;
-    LGT_UseTarget();
+    LOGV_UseTarget();
     if (path.empty() || (isName ? DLLD_GetWrkAddr(&address, name) < 0 : address >= ADDR_LIMIT))
         return SCR_Fail("SaveLog: Neplatne parametry skriptu.");
     DLLD_Log log;
@@ -137,13 +137,13 @@ int ScrFnSaveLog(ScrPar *par)
 
 int SCR_DlldTst(ScrPar *par)
 {
-    LGT_UseTarget();
-    const std::vector<std::string> names = LGT_FindLogs();
+    LOGV_UseTarget();
+    const std::vector<std::string> names = LOGV_FindTargetLogs();
     const auto number = static_cast<int32_t>(par[0].value);
     if (names.empty())
         return SCR_Fail("dlldtst: no variable of the map and type map describes a log.");
     if (number < 0 || number > static_cast<int32_t>(names.size()))
-        return SCR_Fail(WRD_Format("dlldtst: logs are numbered 1 to %d; 0 lists them.",
+        return SCR_Fail(TXT_Format("dlldtst: logs are numbered 1 to %d; 0 lists them.",
                                    static_cast<int>(names.size())));
     if (number == 0) {
         for (size_t i = 0; i < names.size(); i++)

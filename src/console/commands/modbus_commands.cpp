@@ -36,7 +36,7 @@ struct Request {
 bool ParseRequest(const char *line, size_t unsignedCount, size_t least, size_t most,
                   Request *request)
 {
-    const char *cursor = CON_SkipBlanks(line + CON_NameLength(line));
+    const char *cursor = TXT_SkipBlanks(line + TXT_NameLength(line));
     const int slave = GetStationModifier(&cursor);
     request->slave = slave >= 0 ? slave : STATION;
     do {
@@ -45,13 +45,13 @@ bool ParseRequest(const char *line, size_t unsignedCount, size_t least, size_t m
         if (ScrGetPar(&cursor, &par, isUnsigned ? NUMBER : VALUE) < 0)
             return false;
         request->numbers.push_back(par.value & 0xFFFF);
-    } while (request->numbers.size() < most && CON_SkipComma(&cursor));
-    return request->numbers.size() >= least && *CON_SkipBlanks(cursor) == '\0';
+    } while (request->numbers.size() < most && TXT_SkipComma(&cursor));
+    return request->numbers.size() >= least && *TXT_SkipBlanks(cursor) == '\0';
 }
 
 int FailExchange(const char *command)
 {
-    return SCR_Fail(WRD_Format("%s: %s", command, UCM_LastErrorText().c_str()));
+    return SCR_Fail(TXT_Format("%s: %s", command, UCM_LastErrorText().c_str()));
 }
 
 void PrintRegisters(uint32_t start, const uint16_t *registers, size_t count)
@@ -70,7 +70,7 @@ void PrintBits(uint32_t start, const uint16_t *packed, size_t count)
 {
     for (size_t row = 0; row < count; row += BITS_A_ROW) {
         const auto address = static_cast<unsigned>(start + row);
-        std::string text = WRD_Format("%5u  %04Xh  ", address, address);
+        std::string text = TXT_Format("%5u  %04Xh  ", address, address);
         for (size_t i = row; i < std::min<size_t>(row + BITS_A_ROW, count); ++i) {
             const unsigned byte = i / 8 % 2 == 0 ? packed[i / 16] >> 8 : packed[i / 16] & 0xFFu;
             text += (byte >> i % 8 & 1u) != 0 ? " 1" : " 0";
@@ -144,9 +144,9 @@ void PrintReadBack(int slave, const MBM_Part &written)
 int CheckSlave(const char *command, int slave)
 {
     if (VR_nProtocol != PROTOCOL_MODBUS)
-        return SCR_Fail(WRD_Format("%s: the protocol is not Modbus.", command));
+        return SCR_Fail(TXT_Format("%s: the protocol is not Modbus.", command));
     if (slave < MODBUS_STATION_MIN || slave > MODBUS_STATION_MAX)
-        return SCR_Fail(WRD_Format("%s: slave %d is not from %d to %d.", command, slave,
+        return SCR_Fail(TXT_Format("%s: slave %d is not from %d to %d.", command, slave,
                                    MODBUS_STATION_MIN, MODBUS_STATION_MAX));
     return 0;
 }
@@ -166,7 +166,7 @@ int SCR_MbRead(ScrPar *par)
     if (CheckSlave("mbread", request.slave) < 0)
         return -1;
     if (quantity < 1 || quantity > static_cast<uint32_t>(most) || start + quantity > ADDRESSES)
-        return SCR_Fail(WRD_Format("mbread: 1 to %d from addresses up to 65535.", most));
+        return SCR_Fail(TXT_Format("mbread: 1 to %d from addresses up to 65535.", most));
     return isBits ? ReadBits(request.slave, function, start, quantity)
                   : ReadRegisters(request.slave, function, start, quantity);
 }

@@ -46,7 +46,7 @@ void EndMeter(Meter *meter)
 void PrintLines(const std::vector<std::string> &lines, size_t max = SIZE_MAX)
 {
     for (size_t i = 0; i < lines.size() && i < max; ++i)
-        PrintMonStr(WRD_Visible(lines[i])); // names and texts in it come from files
+        PrintMonStr(TXT_Visible(lines[i])); // names and texts in it come from files
     if (lines.size() > max)
         PrintMonStr("... and " + std::to_string(lines.size() - max) + " more");
 }
@@ -62,7 +62,7 @@ bool IsUsageWished(const ScrPar *par, const char *usage)
 
 int FailWith(const std::string &command, const std::string &why)
 {
-    return SCR_Fail(command + ": " + WRD_Visible(why));
+    return SCR_Fail(command + ": " + TXT_Visible(why));
 }
 
 void PrintProblems(const PST_Problems &problems)

@@ -48,7 +48,7 @@ Name Dissect(const std::string &path)
     name.component.resize(std::min(name.component.find_first_of(" +-["), name.component.size()));
     const size_t open = bare.find('['), close = bare.find(']');
     if (open != std::string::npos && close + 1 == bare.size())
-        name.index = WRD_Trim(bare.substr(open + 1, close - open - 1));
+        name.index = TXT_Trim(bare.substr(open + 1, close - open - 1));
     return name;
 }
 
@@ -65,8 +65,8 @@ bool TypeByCast(const std::string &cast, LItem *item, std::string *problem)
     const int32_t code = StrToATP(("(" + cast + ")").c_str());
     if (code > 0)
         SetType(item, code);
-    else if (VTY_IsField(cast))
-        VTY_SetFromField(item, cast.c_str());
+    else if (VAL_IsTypeField(cast))
+        VAL_SetFromField(item, cast.c_str());
     else
         *problem = "'" + cast + "' is no type: i1, u1, i2, u2, i4, u4, float, or a type of the " +
                    "watch list.";
@@ -99,8 +99,8 @@ bool TypeByMap(const Name &name, LItem *item, std::string *problem)
 // The map may list registers, too.
 bool IsRegister(const Name &name)
 {
-    const int known = VRN_FindName(aVarNode166, nNodes166, name.path.c_str());
-    const int mapped = VRN_FindName(aVarNode, nNodes, name.path.c_str());
+    const int known = SYM_FindName(aVarNode166, nNodes166, name.path.c_str());
+    const int mapped = SYM_FindName(aVarNode, nNodes, name.path.c_str());
     return known >= 0 && (mapped < 0 || aVarNode[mapped].addr == aVarNode166[known].addr);
 }
 
@@ -110,7 +110,7 @@ bool IsOneWord(const Name &name)
     if (!IsWordAddressing(Procesor))
         return true;
     const uint32_t address = GetSysAddrWk(name.path.c_str());
-    const VarNode *next = VRN_RegisterAtOrAfter(address + 1);
+    const VarNode *next = SYM_RegisterAtOrAfter(address + 1);
     return next && next->addr < address + 4;
 }
 
@@ -136,7 +136,7 @@ uint32_t ElementAddress(const Name &name, const LItem &item)
     const char *digits = name.index.c_str();
     const bool isHex = name.index.compare(0, 2, "0x") == 0;
     if (name.isTms || name.index.empty() || TMF_FindVarDecl(name.variable.c_str()) != nullptr ||
-        !(isHex ? CON_ParseAddress(&digits, &index) : CON_ParseDecimal(&digits, &index)) ||
+        !(isHex ? TXT_ParseAddress(&digits, &index) : TXT_ParseDecimal(&digits, &index)) ||
         *digits != '\0' || index >= ADDR_LIMIT)
         return ADDR_NONE;
     const uint32_t start = GetSysAddrWk(name.variable.c_str());
@@ -199,24 +199,24 @@ bool FindPlace(const Name &name, bool isGuess, LItem *item, std::string *problem
     if (!isGuess || name.isTms || openStruct == OPEN_NONE)
         return true;
     // A guessed type must not reach into the map's next symbol.
-    const VarNode *next = VRN_MapNodeAtOrAfter(start + 1);
+    const VarNode *next = SYM_MapNodeAtOrAfter(start + 1);
     if (!next || next->addr >= item->address + static_cast<uint32_t>(item->size))
         return true;
-    *problem = "as " + VTY_Field(*item) + " it would run into " + next->name +
+    *problem = "as " + VAL_TypeField(*item) + " it would run into " + next->name +
                ": say the type, as (u1) " + name.path + ".";
     return false;
 }
 
 } // namespace
 
-int SET_Parse(const std::string &text, SET_Request *request, std::string *problem)
+int SCR_ParseSet(const std::string &text, SCR_SetRequest *request, std::string *problem)
 {
     AssnLine line;
-    if (ASSN_Split(text.c_str(), &line) < 0) {
+    if (SYM_SplitAssignment(text.c_str(), &line) < 0) {
         *problem = "write a name, or name = value.";
         return -1;
     }
-    *request = SET_Request();
+    *request = SCR_SetRequest();
     request->target = line.target;
     request->isWrite = line.hasValue;
     request->value = line.value;
@@ -232,7 +232,7 @@ int SET_Parse(const std::string &text, SET_Request *request, std::string *proble
     if (!FindVariable(&name))
         reason = "no loaded map knows this name.";
     else if (FindType(name, line.cast, item, &isGuess, &reason) && name.isTms &&
-             !VTY_Find(item->type)->isForTMS)
+             !VAL_FindType(item->type)->isForTMS)
         reason = "a TMS320 value has four bytes.";
     if (name.isTms)
         item->size = TMS_BYTES;
@@ -242,42 +242,42 @@ int SET_Parse(const std::string &text, SET_Request *request, std::string *proble
     return -1;
 }
 
-int SET_Execute(SET_Request *request, std::string *result)
+int SCR_ExecuteSet(SCR_SetRequest *request, std::string *result)
 {
     LItem *item = &request->item;
     std::string message;
-    int code = WRV_OK;
+    int code = VAL_WRITE_OK;
     if (request->isWrite) {
-        code = WRV_WriteUnlisted(item, request->value, &message);
+        code = VAL_WriteUnlisted(item, request->value, &message);
     } else {
-        code = WRV_ReadUnlisted(item, &message);
+        code = VAL_ReadUnlisted(item, &message);
         message = "it could not be read: " + message + ".";
     }
-    *result = code == WRV_OK ? WRV_ValueText(*item) : request->target + ": " + message;
-    return code == WRV_OK ? 0 : -1;
+    *result = code == VAL_WRITE_OK ? VAL_GetValueText(*item) : request->target + ": " + message;
+    return code == VAL_WRITE_OK ? 0 : -1;
 }
 
-std::string SET_TypeAndPlace(const SET_Request &request)
+std::string SCR_TypeAndPlace(const SCR_SetRequest &request)
 {
     const LItem &item = request.item;
     const bool isWords = IsWordAddressing(Procesor) && !LIT_IsTMS(item);
     const char *kind = LIT_IsTMS(item) ? "TMS320 word " : isWords ? "word " : "";
-    std::string text = WRD_Format("%s at %s0x%06X", VTY_Field(item).c_str(), kind,
+    std::string text = TXT_Format("%s at %s0x%06X", VAL_TypeField(item).c_str(), kind,
                                   isWords ? item.address / 2 : item.address);
     if (isWords && item.address % 2 != 0)
         text += ", upper half";
-    return item.station < 0 ? text : text + WRD_Format(", station %d", item.station);
+    return item.station < 0 ? text : text + TXT_Format(", station %d", item.station);
 }
 
 // The parameter is the whole line, the command's word in front.
 int SCR_Set(ScrPar *par)
 {
-    SET_Request request;
+    SCR_SetRequest request;
     std::string problem;
-    const char *assignment = par[0].text + CON_NameLength(par[0].text);
-    if (SET_Parse(assignment, &request, &problem) < 0 || SET_Execute(&request, &problem) < 0)
-        return SCR_Fail("set: " + WRD_Visible(problem));
+    const char *assignment = par[0].text + TXT_NameLength(par[0].text);
+    if (SCR_ParseSet(assignment, &request, &problem) < 0 || SCR_ExecuteSet(&request, &problem) < 0)
+        return SCR_Fail("set: " + TXT_Visible(problem));
     CON_Print("%s = %s (%s)", request.target.c_str(), problem.c_str(),
-              SET_TypeAndPlace(request).c_str());
+              SCR_TypeAndPlace(request).c_str());
     return 0;
 }

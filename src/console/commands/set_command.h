@@ -1,6 +1,6 @@
 // One variable by name: "stMotor.nSpeed = 5" writes, reads back and compares, a name alone
 // reads. The command `set` prints what comes of it; whoever serves another program calls
-// SET_Parse and SET_Execute and words it himself. The link must be open for the latter.
+// SCR_ParseSet and SCR_ExecuteSet and words it himself. The link must be open for the latter.
 #ifndef CONSOLE_COMMANDS_SET_COMMAND_H
 #define CONSOLE_COMMANDS_SET_COMMAND_H
 
@@ -8,7 +8,7 @@
 
 #include "watch/list/litem.h"
 
-struct SET_Request {
+struct SCR_SetRequest {
     std::string target; // as typed: "2:stMotor.nSpeed"
     LItem item;         // place, station (-1: the selected one), type and size
     bool isWrite = false;
@@ -19,10 +19,10 @@ struct SET_Request {
 // cast, of the type map or of the name's prefix, in this order; a register is u2. An address
 // ("$8100"), and a TMS320 register that may have two words, need the cast. 0, or -1 with one
 // sentence in *problem.
-int SET_Parse(const std::string &text, SET_Request *request, std::string *problem);
+int SCR_ParseSet(const std::string &text, SCR_SetRequest *request, std::string *problem);
 // Writes or reads. 0 with the value that the target holds in *result and in the item; -1
 // with one sentence in *result.
-int SET_Execute(SET_Request *request, std::string *result);
-std::string SET_TypeAndPlace(const SET_Request &request); // "u2 at 0x008100"
+int SCR_ExecuteSet(SCR_SetRequest *request, std::string *result);
+std::string SCR_TypeAndPlace(const SCR_SetRequest &request); // "u2 at 0x008100"
 
 #endif

@@ -115,9 +115,9 @@ int SCR_ListVars(ScrPar *par)
 // The parameter is the whole line. Without a file it says which type map is loaded.
 int SCR_TypeMap(ScrPar *par)
 {
-    const std::string path = WRD_Trim(par[0].text + CON_NameLength(par[0].text));
+    const std::string path = TXT_Trim(par[0].text + TXT_NameLength(par[0].text));
     std::string message;
-    if (!path.empty() && MLD_OpenTypes(path, &message) < 0)
+    if (!path.empty() && WIN_OpenTypeMap(path, &message) < 0)
         return SCR_Fail("tm: " + message);
     if (!path.empty())
         SetMainPanelAttributes();
@@ -125,7 +125,7 @@ int SCR_TypeMap(ScrPar *par)
         PrintMonStr("No type map is loaded. Try \"tm filename\".");
     else
         CON_Print("Type map: %s, %s.",
-                  TMF_szFileName.empty() ? "from the target" : WRD_Visible(TMF_szFileName).c_str(),
+                  TMF_szFileName.empty() ? "from the target" : TXT_Visible(TMF_szFileName).c_str(),
                   TMF_GetCountsText().c_str());
     return 0;
 }
@@ -133,7 +133,7 @@ int SCR_TypeMap(ScrPar *par)
 int SCR_Language(ScrPar *par)
 {
     for (const Choice &language : LANGUAGES) { // of listings; the program itself has one
-        if (CON_IsSameWord(par[0].text, language.name)) {
+        if (TXT_IsSameWord(par[0].text, language.name)) {
             Option_nLanguage = language.value;
             return 0;
         }

@@ -22,9 +22,9 @@ void PrintLine(const std::string &line)
 // term166 [text]. Quotation marks around the text keep its blanks; "" is an empty line.
 int SCR_Term166(ScrPar *par)
 {
-    const char *cursor = CON_SkipBlanks(par->text);
-    std::string text = CON_SkipBlanks(cursor + CON_NameLength(cursor));
-    if (text.empty() && !TLK_isWithoutWindow) {
+    const char *cursor = TXT_SkipBlanks(par->text);
+    std::string text = TXT_SkipBlanks(cursor + TXT_NameLength(cursor));
+    if (text.empty() && !TRM_isWithoutWindow) {
         T166_Init();
         return 0;
     }
@@ -36,7 +36,7 @@ int SCR_Term166(ScrPar *par)
     if (CON_HoldLink(LINK_NO_QUESTION) < 0)
         return -1;
     std::string problem;
-    const int result = TLK_Talk(isLine ? text + LINE_END : "", PrintLine, &problem);
+    const int result = TRM_Talk(isLine ? text + LINE_END : "", PrintLine, &problem);
     CON_ReleaseLink();
     return result == 0 ? 0 : SCR_Fail("term166: " + problem);
 }

@@ -10,8 +10,8 @@
 #include "settings/settings.h"
 #include "text/words.h"
 
-const char TRF_METER_ARRAY[] = "Probiha komunikace ";
-const char TRF_METER_BINARY[] = "Communication. Block ";
+const char SCR_METER_ARRAY[] = "Probiha komunikace ";
+const char SCR_METER_BINARY[] = "Communication. Block ";
 
 namespace {
 
@@ -39,7 +39,7 @@ bool IsStopped(Meter *meter, uint32_t at)
     if (meter->dialog > 0 && done != meter->shown) {
         meter->shown = done;
         const int percent = static_cast<int>(uint64_t(100) * done / meter->blocks);
-        const std::string text = WRD_Format("%s%u/%u", meter->text, done, meter->blocks);
+        const std::string text = TXT_Format("%s%u/%u", meter->text, done, meter->blocks);
         if (UpdateProgressDialog(meter->dialog, percent, text) == 1)
             return true;
     }
@@ -72,7 +72,7 @@ void MoveStretch(const TransferSteps &steps, Meter *meter, uint32_t at, uint32_t
 
 } // namespace
 
-TransferReport TRF_Run(const TransferSteps &steps)
+TransferReport SCR_RunTransfer(const TransferSteps &steps)
 {
     TransferReport report;
     Meter meter;
@@ -89,7 +89,7 @@ TransferReport TRF_Run(const TransferSteps &steps)
     return report;
 }
 
-TransferReport TRF_Read(const TransferPlan &plan, const TransferTaker &take)
+TransferReport SCR_ReadTransfer(const TransferPlan &plan, const TransferTaker &take)
 {
     TransferSteps steps;
     steps.count = plan.count;
@@ -104,10 +104,10 @@ TransferReport TRF_Read(const TransferPlan &plan, const TransferTaker &take)
     steps.settle = [&](uint32_t at, uint32_t count) {
         return take(plan.address + at, stretch.data(), count);
     };
-    return TRF_Run(steps);
+    return SCR_RunTransfer(steps);
 }
 
-TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes)
+TransferReport SCR_WriteTransfer(const TransferPlan &plan, const uint8_t *bytes)
 {
     TransferSteps steps;
     steps.count = plan.count;
@@ -119,11 +119,11 @@ TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes)
     steps.exchange = [&](uint32_t at, uint32_t count) {
         return UCM_Write(STATION, plan.address + at, count, bytes + at);
     };
-    return TRF_Run(steps);
+    return SCR_RunTransfer(steps);
 }
 
-std::string TRF_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes)
+std::string SCR_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes)
 {
-    return WRD_Format("%s%u of %u bytes written", report.isProven ? "" : "at most ",
+    return TXT_Format("%s%u of %u bytes written", report.isProven ? "" : "at most ",
                       report.moved * unitBytes, count * unitBytes);
 }

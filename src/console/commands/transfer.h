@@ -31,14 +31,14 @@ struct TransferReport {
 };
 
 // Texts of the meter in front of the block's number.
-extern const char TRF_METER_ARRAY[];
-extern const char TRF_METER_BINARY[];
+extern const char SCR_METER_ARRAY[];
+extern const char SCR_METER_BINARY[];
 
 // Takes what was read; false ends the transfer.
 typedef std::function<bool(uint32_t address, const uint8_t *bytes, uint32_t count)> TransferTaker;
 
-TransferReport TRF_Read(const TransferPlan &plan, const TransferTaker &take);
-TransferReport TRF_Write(const TransferPlan &plan, const uint8_t *bytes);
+TransferReport SCR_ReadTransfer(const TransferPlan &plan, const TransferTaker &take);
+TransferReport SCR_WriteTransfer(const TransferPlan &plan, const uint8_t *bytes);
 
 // The engine of both, for other units than bytes. Each exchange moves `perExchange` units,
 // one proof stands behind `perStretch` of them; a stretch is moved again while the line repeats
@@ -52,9 +52,9 @@ struct TransferSteps {
     // Units that are proven now; false ends the transfer. May be empty.
     std::function<bool(uint32_t at, uint32_t count)> settle;
 };
-TransferReport TRF_Run(const TransferSteps &steps);
+TransferReport SCR_RunTransfer(const TransferSteps &steps);
 
 // "12 of 40 bytes written", or "at most 12 of ..."; `unitBytes` is the size of a unit.
-std::string TRF_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes);
+std::string SCR_WrittenText(const TransferReport &report, uint32_t count, uint32_t unitBytes);
 
 #endif

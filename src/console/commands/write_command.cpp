@@ -27,18 +27,18 @@ int WriteValue(ScrPar *par, const char *label)
 {
     const uint32_t size = par[0].value;
     if (size != 1 && size != 2 && size != 4)
-        return SCR_Fail(WRD_Format("%s: Lze zapisovat pouze 1, 2 nebo 4 bytove promenne.", label));
+        return SCR_Fail(TXT_Format("%s: Lze zapisovat pouze 1, 2 nebo 4 bytove promenne.", label));
     if (!IsInRange(par[1], size)) {
         const int span = 1 << (8 * size);
-        return SCR_Fail(WRD_Format("%s: hodnota ma byt od %d do %d.", label, -span / 2, span - 1));
+        return SCR_Fail(TXT_Format("%s: hodnota ma byt od %d do %d.", label, -span / 2, span - 1));
     }
     if (par[2].value > ADDR_LIMIT - size)
         return SCR_Fail(
-            WRD_Format("%s: posledni byte lezi za adresou %06X.", label, ADDR_LIMIT - 1));
+            TXT_Format("%s: posledni byte lezi za adresou %06X.", label, ADDR_LIMIT - 1));
     uint8_t bytes[4];
-    BYT_PutLittle(bytes, sizeof bytes, par[1].value);
+    TXT_PutLittle(bytes, sizeof bytes, par[1].value);
     if (UCM_WriteProven(STATION, par[2].value, static_cast<uint16_t>(size), bytes) < 0)
-        return SCR_FailLink(WRD_Format("%s: Selhani komunikace.", label));
+        return SCR_FailLink(TXT_Format("%s: Selhani komunikace.", label));
     return 0;
 }
 

@@ -39,17 +39,17 @@ int SayTryHelp()
 int DumpLetter(int panel, const char *argument)
 {
     if (*argument == 'n')
-        return dump_node(panel, WRD_Trim(argument + 1));
+        return dump_node(panel, TXT_Trim(argument + 1));
     const bool isRaw = *argument == 'x';
-    const char *cursor = CON_SkipBlanks(argument + (isRaw ? 1 : 0));
-    if (!CON_ParseAddress(&cursor, &dwAddr) || *CON_SkipBlanks(cursor) != '\0')
+    const char *cursor = TXT_SkipBlanks(argument + (isRaw ? 1 : 0));
+    if (!TXT_ParseAddress(&cursor, &dwAddr) || *TXT_SkipBlanks(cursor) != '\0')
         return SayTryHelp();
     return isRaw ? dump(panel, dwAddr) : dump_compl(panel, dwAddr);
 }
 
 int ScriptLetter(int panel, const char *argument)
 {
-    return SCR_RunAndReport(WRD_Trim(argument), panel);
+    return SCR_RunAndReport(TXT_Trim(argument), panel);
 }
 
 int TmsLetter(int, const char *)
@@ -61,7 +61,7 @@ int TmsLetter(int, const char *)
 
 int WriteLetter(int panel, const char *argument)
 {
-    if (!VAL_ParseStart(argument, &dwAddr))
+    if (!CON_ParseStart(argument, &dwAddr))
         return SayTryHelp();
     return write_DPM(panel, dwAddr, *argument);
 }
@@ -98,14 +98,14 @@ int RunLetter(int panel, const char *line)
         PrintMonStr("Unknown command. Try 'h' for help.");
         return -1;
     }
-    return letter->run(panel, letter->areBlanksKept ? line + 1 : CON_SkipBlanks(line + 1));
+    return letter->run(panel, letter->areBlanksKept ? line + 1 : TXT_SkipBlanks(line + 1));
 }
 
 // --- the gate ---------------------------------------------------------------------------------
 
 bool IsCommandStart(char c)
 {
-    return CON_IsLetter(c) || c == '!';
+    return TXT_IsLetter(c) || c == '!';
 }
 
 // Whether anything behind the gate knows the word.
@@ -113,7 +113,7 @@ bool IsKnown(const char *line)
 {
     if (!IsCommandStart(*line) || FindLetter(*line))
         return true;
-    return SCR_Find(std::string(line, CON_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
+    return SCR_Find(std::string(line, TXT_NameLength(line)), SCR_aTable, SCR_cnTable) != nullptr;
 }
 
 // --- the steps of a line ------------------------------------------------------------------------
@@ -158,7 +158,7 @@ int InterpretLine(int panel, const char *line)
     // A letter without the link, unless the word belongs to the table's other half. "mf" and
     // "mfo" read the map out of the target.
     const Letter *letter = FindLetter(*line);
-    const std::string word(line, CON_NameLength(line));
+    const std::string word(line, TXT_NameLength(line));
     if (letter && letter->isOffline && word.compare(0, 2, "mf") != 0 &&
         !SCR_Find(word, SCR_aTable, SCR_cnTarget))
         return RunLetter(panel, line);
@@ -177,7 +177,7 @@ int InterpretLine(int panel, const char *line)
 // The case of a word counts: "HELP" is refused although the table would know it.
 bool CON_IsGateWord(const char *line)
 {
-    const size_t length = CON_WordLength(line);
+    const size_t length = TXT_WordLength(line);
     for (const char *word : GATE_WORDS)
         if (std::strlen(word) == length && std::strncmp(word, line, length) == 0)
             return true;
@@ -186,7 +186,7 @@ bool CON_IsGateWord(const char *line)
 
 int RunMonitor(int panel, const char *line)
 {
-    line = CON_SkipBlanks(line);
+    line = TXT_SkipBlanks(line);
     if (*line == '\0')
         return 0;
     const int result = InterpretLine(panel, line);

@@ -48,7 +48,7 @@ int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string
     if (start < before.size() && before[start] == '!')
         ++start;
     const std::string word = before.substr(start);
-    const std::string ahead = WRD_Trim(before.substr(0, start));
+    const std::string ahead = TXT_Trim(before.substr(0, start));
     if (ahead == "!") {
         AddScripts(word, candidates);
     } else if (ahead.empty() && command == CMD_C166) {
@@ -56,8 +56,8 @@ int CON_Complete(const std::string &line, size_t cursor, std::vector<std::string
             if (StartsWith(SCR_aTable[i].name, word) &&
                 (VR_isFullCommandSet || CON_IsGateWord(SCR_aTable[i].name)))
                 candidates->push_back(SCR_aTable[i].name);
-    } else if (CON_IsSameWord(ahead.substr(0, CON_WordLength(ahead.c_str())), "set")) {
-        *candidates = NCM_Complete(word);
+    } else if (TXT_IsSameWord(ahead.substr(0, TXT_WordLength(ahead.c_str())), "set")) {
+        *candidates = WIN_CompleteName(word);
     } else if (!word.empty()) { // without a letter all 5,000 names of a map would match
         for (int i = 0; i < nNodes; i++)
             if (StartsWith(aVarNode[i].name, word))

@@ -36,50 +36,50 @@ constexpr size_t NODE_RULE = 40;
 
 std::string FormatByte(uint8_t byte)
 {
-    return WRD_Format("   %02X     %6d     %6u", byte, static_cast<int8_t>(byte), byte);
+    return TXT_Format("   %02X     %6d     %6u", byte, static_cast<int8_t>(byte), byte);
 }
 
 // The station in front of a name ("3:name"), else the present one; -1 when there is none such.
 int32_t GetNameStation(const std::string &name)
 {
-    const char *cursor = CON_SkipBlanks(name.c_str());
+    const char *cursor = TXT_SkipBlanks(name.c_str());
     if (*cursor == '&')
-        cursor = CON_SkipBlanks(cursor + 1);
+        cursor = TXT_SkipBlanks(cursor + 1);
     uint32_t station = 0;
-    if (!CON_ParseDecimal(&cursor, &station) || *CON_SkipBlanks(cursor) != ':')
+    if (!TXT_ParseDecimal(&cursor, &station) || *TXT_SkipBlanks(cursor) != ':')
         return STATION;
     return station <= STATION_MAX ? static_cast<int32_t>(station) : -1;
 }
 
 } // namespace
 
-int MEM_Fail(const std::string &message)
+int CON_FailMemory(const std::string &message)
 {
     PrintMonStr(message);
     CON_ShowModePrompt();
     return -1;
 }
 
-int MEM_FailLink(const std::string &message, const std::string &cause)
+int CON_FailLink(const std::string &message, const std::string &cause)
 {
     // A read that was broken off fails like one without an answer; the user knows better.
     if (IsBreakWished())
-        return MEM_Fail("\nCancelled.");
+        return CON_FailMemory("\nCancelled.");
     PrintMonStr(message);
-    return MEM_Fail("Cause: " + cause + ".");
+    return CON_FailMemory("Cause: " + cause + ".");
 }
 
-bool MEM_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses)
+bool CON_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses)
 {
     if (address + count * unitAddresses <= ADDR_LIMIT)
         return true;
-    MEM_Fail(WRD_Format("The last address lies beyond %06X.", ADDR_LIMIT - 1));
+    CON_FailMemory(TXT_Format("The last address lies beyond %06X.", ADDR_LIMIT - 1));
     return false;
 }
 
 int dump(int, uint32_t address)
 {
-    if (!MEM_IsInside(address, 1, 1))
+    if (!CON_IsInside(address, 1, 1))
         return -1;
     PrintMonStr("Dump ...\n");
     uint8_t bytes[RAW_ROWS * RAW_ROW_BYTES];
@@ -92,17 +92,17 @@ int dump(int, uint32_t address)
         });
     for (uint32_t row = 0; row < series.good; row++) {
         const uint32_t at = row * RAW_ROW_BYTES;
-        std::string line = WRD_Format(" %08x:  ", address + at);
+        std::string line = TXT_Format(" %08x:  ", address + at);
         for (uint32_t i = at; i < rowEnd(at); i++)
-            line += WRD_Format(" %02X", bytes[i]);
+            line += TXT_Format(" %02X", bytes[i]);
         PrintMonStr(line);
     }
-    return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;
+    return series.result < 0 ? CON_FailLink(CON_NO_ANSWER, series.cause) : 0;
 }
 
 int dump_compl(int, uint32_t address)
 {
-    if (!MEM_IsInside(address, 1, 1))
+    if (!CON_IsInside(address, 1, 1))
         return -1;
     PrintMonStr("Dump ...\n");
     PrintMonStr(" ADDR:   |   hex:     long:     ulong:      float:");
@@ -112,13 +112,13 @@ int dump_compl(int, uint32_t address)
         UCM_MakeSeries(std::min(COMPLETE_BYTES, ADDR_LIMIT - address),
                        [&](uint32_t i) { return UCM_Read(STATION, address + i, 1, &bytes[i]); });
     for (uint32_t i = 0; i < series.good; i++) {
-        std::string row = WRD_Format(" %06x: |", address + i) + FormatByte(bytes[i]);
+        std::string row = TXT_Format(" %06x: |", address + i) + FormatByte(bytes[i]);
         if (i % FLOAT_BYTES == FLOAT_BYTES - 1) { // the row that completes four bytes shows them
             const uint8_t *first = bytes + i + 1 - FLOAT_BYTES;
-            const auto bits = static_cast<uint32_t>(BYT_GetLittle(first, FLOAT_BYTES));
+            const auto bits = static_cast<uint32_t>(TXT_GetLittle(first, FLOAT_BYTES));
             float value = 0;
             std::memcpy(&value, &bits, sizeof value);
-            row += WRD_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
+            row += TXT_Format("      %6g (0x%08X)", static_cast<double>(value), bits);
         }
         PrintMonStr(row);
     }
@@ -126,12 +126,12 @@ int dump_compl(int, uint32_t address)
         return 0;
     // The row whose byte did not come stays empty: it shows where the target fell silent.
     CON_Print(" %06x: |", address + series.good);
-    return MEM_FailLink(MEM_NO_ANSWER, series.cause);
+    return CON_FailLink(CON_NO_ANSWER, series.cause);
 }
 
 int dump_Naddr(int, uint32_t address, uint32_t count)
 {
-    if (!MEM_IsInside(address, count, 1))
+    if (!CON_IsInside(address, count, 1))
         return -1;
     PrintMonStr("Read memory...\n");
     PrintMonStr(" ADDR:    |      hex:            long:       unsign. long:      TMS float:");
@@ -140,7 +140,7 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
     TransferSteps steps;
     steps.count = count;
     steps.perStretch = steps.perBlock = WORDS_STRETCH;
-    steps.meterText = TRF_METER_BINARY;
+    steps.meterText = SCR_METER_BINARY;
     steps.exchange = [&](uint32_t at, uint32_t) {
         return TMS_ReadWord(STATION, address + at, TMS_POLLS_ITEM, &words[at]);
     };
@@ -151,42 +151,42 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
         ProcessSystemEvents(); // up to 65536 rows: they come while the rest is being read
         return true;
     };
-    const TransferReport report = TRF_Run(steps);
-    // Cancel in the meter's box is not what MEM_FailLink looks for.
+    const TransferReport report = SCR_RunTransfer(steps);
+    // Cancel in the meter's box is not what CON_FailLink looks for.
     if (report.result == TRANSFER_CANCELLED)
-        return MEM_Fail("\nCancelled.");
+        return CON_FailMemory("\nCancelled.");
     if (report.result == TRANSFER_LINK)
-        return MEM_FailTms(report.code, report.cause);
+        return CON_FailTms(report.code, report.cause);
     return 0;
 }
 
-int MEM_FailAt(uint32_t address, const std::string &cause)
+int CON_FailMemoryAt(uint32_t address, const std::string &cause)
 {
-    return MEM_FailLink(WRD_Format("Message not succesful (Address %06x).", address), cause);
+    return CON_FailLink(TXT_Format("Message not succesful (Address %06x).", address), cause);
 }
 
-int MEM_FailTms(int result, const std::string &cause)
+int CON_FailTms(int result, const std::string &cause)
 {
     if (result == TMS_OK) // all was answered: it is the proof that failed
         result = TMS_ERR_PROOF;
     if (result == TMS_ERR_BUSY) // says its cause
-        return MEM_Fail("\nHardware not responding.");
-    return MEM_FailLink(MEM_NO_ANSWER, TMS_ErrorText(result, cause));
+        return CON_FailMemory("\nHardware not responding.");
+    return CON_FailLink(CON_NO_ANSWER, TMS_ErrorText(result, cause));
 }
 
 int dump_node(int, const std::string &name)
 {
     if (!openStruct) {
         PrintMonStr("  MapFile is not open!");
-        return MEM_Fail("  Use command 'm' to open MapFile.\n");
+        return CON_FailMemory("  Use command 'm' to open MapFile.\n");
     }
     const uint32_t address = inStruct(name.c_str(), aVarNode, nNodes);
     if (name.empty() || address >= ADDR_LIMIT)
-        return MEM_Fail(WRD_Format(" Variable %s doesn't exist in MapFile (%s)\n", name.c_str(),
-                                   mapFile.c_str()));
+        return CON_FailMemory(TXT_Format(" Variable %s doesn't exist in MapFile (%s)\n",
+                                         name.c_str(), mapFile.c_str()));
     const int32_t station = GetNameStation(name);
     if (station < 0)
-        return MEM_Fail(WRD_Format("Stations are 0 to %d.", STATION_MAX));
+        return CON_FailMemory(TXT_Format("Stations are 0 to %d.", STATION_MAX));
     // A map knows no sizes: a variable ends at the latest where the next symbol begins.
     uint32_t size = std::min(NODE_BYTES_MAX, ADDR_LIMIT - address);
     for (int i = 0; i < nNodes; i++)
@@ -201,5 +201,5 @@ int dump_node(int, const std::string &name)
         size, [&](uint32_t i) { return UCM_Read(station, address + i, 1, &bytes[i]); });
     for (uint32_t i = 0; i < series.good; i++)
         CON_Print("\n %06x: |%s\n", address + i, FormatByte(bytes[i]).c_str());
-    return series.result < 0 ? MEM_FailLink(MEM_NO_ANSWER, series.cause) : 0;
+    return series.result < 0 ? CON_FailLink(CON_NO_ANSWER, series.cause) : 0;
 }

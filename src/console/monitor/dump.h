@@ -13,17 +13,17 @@ int dump_Naddr(int panel, uint32_t address, uint32_t count); // TMS words
 int dump_node(int panel, const std::string &name);           // the bytes of a variable of the map
 
 // Shared with the other memory commands: the message and the prompt after it. Always -1.
-int MEM_Fail(const std::string &message);
+int CON_FailMemory(const std::string &message);
 // What the line refused: the cause follows on a line of its own. After Ctrl-C or Cancel only
 // that is said.
-int MEM_FailLink(const std::string &message, const std::string &cause);
+int CON_FailLink(const std::string &message, const std::string &cause);
 // The same for one message that failed at a byte or word address.
-int MEM_FailAt(uint32_t address, const std::string &cause);
-constexpr char MEM_NO_ANSWER[] = "\nMessage not succesful."; // begins a new line
+int CON_FailMemoryAt(uint32_t address, const std::string &cause);
+constexpr char CON_NO_ANSWER[] = "\nMessage not succesful."; // begins a new line
 // The same for a TMS_ result of the mailbox, TMS_OK meaning that only its proof failed.
-int MEM_FailTms(int result, const std::string &cause);
+int CON_FailTms(int result, const std::string &cause);
 // Whether `count` units from the address on, `unitAddresses` each, lie in the target's
 // memory; false after a message.
-bool MEM_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses);
+bool CON_IsInside(uint32_t address, uint64_t count, uint32_t unitAddresses);
 
 #endif

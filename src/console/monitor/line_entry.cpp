@@ -92,7 +92,7 @@ int EnterLine(int panel, int control)
     if (SCR_isExit) { // "exit" closes this view in the window, and the console program
         SCR_isExit = false;
         CON_isExit = true;
-        MWN_ShowView(ITEM_WATCH_VIEW);
+        WIN_ShowMainView(ITEM_WATCH_VIEW);
     }
     return 0;
 }

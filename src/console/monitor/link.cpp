@@ -43,7 +43,7 @@ bool AskForPort()
 {
     std::string text = std::to_string(ncom);
     const std::string message =
-        WRD_Format("Error opening serial port: COM%i.\nEnter alternative COM number, please.",
+        TXT_Format("Error opening serial port: COM%i.\nEnter alternative COM number, please.",
                    ncom) +
         (WhyNotOpen().empty() ? "" : "\n" + WhyNotOpen());
     if (GenericMessagePopup("Error", message, {"Retry", "Cancel"}, &text, PORT_CHARS_MAX) != 1)
@@ -65,8 +65,8 @@ bool IsLinkKept()
 // The diagnostics' own timers do not run while communication is off.
 void ShowDiagnostics()
 {
-    STP_Refresh();
-    TRP_Refresh();
+    DIA_RefreshStatistics();
+    DIA_RefreshTrace();
 }
 
 } // namespace

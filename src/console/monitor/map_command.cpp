@@ -56,15 +56,15 @@ int LoadOrReport(const MapKind &kind, const std::string &fileName)
     if (fileName.empty())
         return kind.report();
     const int result = kind.load(fileName.c_str());
-    if (result == MAP_ERR_NO_SYMBOL) {
-        CON_Print(" Error: the MAP file %s.\n", MAP_ErrorText(result));
+    if (result == SYM_MAP_ERR_NO_SYMBOL) {
+        CON_Print(" Error: the MAP file %s.\n", SYM_MapErrorText(result));
         return -1;
     }
     if (result < 0) {
         PrintMonStr(" Error: the MAP file doesn't exist.\n");
         return -1;
     }
-    MLD_Remember(fileName, kind.isTms);
+    WIN_RememberMap(fileName, kind.isTms);
     SetMainPanelAttributes();
     return kind.report();
 }
@@ -73,11 +73,11 @@ int LoadFromFlash(bool isOldPlace)
 {
     PrintMonStr(isOldPlace ? "Reading FLASH from 1C000H, wait for a while please ..."
                            : "Reading FLASH from end, wait for a while please ...");
-    const int result = fl2node(isOldPlace ? FLASH_AT_1C000 : FLASH_AT_END);
+    const int result = fl2node(isOldPlace ? MFS_AT_1C000 : MFS_AT_END);
     if (result != 0) {
         PrintMonStr("Error during flash read.");
         // Only a line that failed has left a text; another cause has been told by the reader.
-        if (result == FLASH_ERR_COMMUNICATION)
+        if (result == MFS_VAR_MAP_ERR_COMMUNICATION)
             CON_Print("Cause: %s.", UCM_LastErrorText().c_str());
         return -1;
     }
@@ -94,7 +94,7 @@ int LoadMapFile(int, const char *name)
         PrintMonStr("Error in open MAP file (don't exist)\n");
         return -1;
     }
-    MLD_Remember(name, false);
+    WIN_RememberMap(name, false);
     CON_Print("MapFile: %s", mapFile.c_str());
     CON_Print("Nodes:     %d", nNodes);
     SetMainPanelAttributes();
@@ -103,11 +103,11 @@ int LoadMapFile(int, const char *name)
 
 int RdMapFile(int, const char *text)
 {
-    const std::string form(text, CON_WordLength(text));
+    const std::string form(text, TXT_WordLength(text));
     if (form.empty()) // a blank or nothing behind the letter: what follows is a file
-        return LoadOrReport(C166_MAP, WRD_Trim(text));
+        return LoadOrReport(C166_MAP, TXT_Trim(text));
     if (form == "t")
-        return LoadOrReport(TMS_MAP, WRD_Trim(text + 1));
+        return LoadOrReport(TMS_MAP, TXT_Trim(text + 1));
     if (form == "f" || form == "fn" || form == "fo")
         return LoadFromFlash(form == "fo");
     PrintMonStr(" Error: the syntax is \"m [file]\", \"mt [file]\", \"mf\", \"mfn\" or \"mfo\".\n");

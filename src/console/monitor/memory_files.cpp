@@ -50,18 +50,18 @@ bool ParseRequest(const char *text, bool isStore, Request *request)
             return false;
         request->isFloat = *cursor++ == 'f';
     }
-    cursor = CON_SkipBlanks(cursor);
-    if (!CON_ParseAddress(&cursor, &request->address) || !CON_SkipComma(&cursor))
+    cursor = TXT_SkipBlanks(cursor);
+    if (!TXT_ParseAddress(&cursor, &request->address) || !TXT_SkipComma(&cursor))
         return false;
     // A name may hold blanks, but no comma.
     const size_t length = std::strcspn(cursor, ",");
-    request->fileName = WRD_Trim(std::string(cursor, length));
+    request->fileName = TXT_Trim(std::string(cursor, length));
     cursor += length;
     if (request->fileName.empty())
         return false;
-    if (isStore && (!CON_SkipComma(&cursor) || !CON_ParseDecimal(&cursor, &request->count)))
+    if (isStore && (!TXT_SkipComma(&cursor) || !TXT_ParseDecimal(&cursor, &request->count)))
         return false;
-    return *CON_SkipBlanks(cursor) == '\0';
+    return *TXT_SkipBlanks(cursor) == '\0';
 }
 
 // --- reading the target: one item, 0 or negative -----------------------------------------------
@@ -74,7 +74,7 @@ int ReadC166(uint32_t address, bool isFloat, uint32_t *value)
     for (uint32_t i = 0; i < ITEM_BYTES; i += step)
         if (UCM_Read(STATION, address + i, step, bytes + i) < 0)
             return -1;
-    *value = static_cast<uint32_t>(BYT_GetLittle(bytes, 4));
+    *value = static_cast<uint32_t>(TXT_GetLittle(bytes, 4));
     return 0;
 }
 
@@ -118,22 +118,22 @@ TransferSteps PlanItems(uint32_t count)
     steps.count = count;
     steps.perStretch = ITEMS_STRETCH;
     steps.perBlock = ITEMS_BLOCK;
-    steps.meterText = TRF_METER_BINARY;
+    steps.meterText = SCR_METER_BINARY;
     return steps;
 }
 
 int FailOpen(const std::string &fileName)
 {
-    MEM_Fail(WRD_Format("Could not open %s", fileName.c_str()));
-    return MFL_ERR_OPEN;
+    CON_FailMemory(TXT_Format("Could not open %s", fileName.c_str()));
+    return CON_FILE_ERR_OPEN;
 }
 
 // Nothing is asked for or sent of a file that cannot be moved as a whole.
 bool AreItemsAllowed(uint32_t address, uint64_t count, uint32_t step)
 {
     if (count <= ITEMS_MAX)
-        return MEM_IsInside(address, count, step);
-    MEM_Fail(WRD_Format("At most %u values a file.", ITEMS_MAX));
+        return CON_IsInside(address, count, step);
+    CON_FailMemory(TXT_Format("At most %u values a file.", ITEMS_MAX));
     return false;
 }
 
@@ -142,16 +142,16 @@ int StoreFile(int panel, const char *text, const Source &source)
     Request request;
     if (!ParseRequest(text, true, &request)) {
         PrintTmsCmdHelp(panel); // on the C166 as well: its own help lacks the letters
-        return MFL_ERR_ARGUMENTS;
+        return CON_ERR_ARGUMENTS;
     }
     dwAddr = request.address;
     PrintMonStr(source.heading);
     if (!AreItemsAllowed(request.address, request.count, source.step))
-        return MFL_ERR_LINK;
+        return CON_FILE_ERR_LINK;
     SafeFile file;
-    if (SAF_Open(&file, request.fileName, "wb") < 0)
+    if (PLT_BeginSave(&file, request.fileName, "wb") < 0)
         return FailOpen(request.fileName);
-    SAF_PutText(file.file, request.isFloat ? "float\n" : "int\n");
+    PLT_SaveText(file.file, request.isFloat ? "float\n" : "int\n");
     // A store ends at the last address it reaches, however many items were asked for.
     uint32_t count = 0;
     if (request.address <= source.lastAddress)
@@ -163,21 +163,21 @@ int StoreFile(int panel, const char *text, const Source &source)
     };
     steps.settle = [&](uint32_t at, uint32_t good) {
         for (uint32_t i = at; i < at + good; i++)
-            SAF_PutText(file.file, request.isFloat
-                                       ? WRD_Format("%g\n", source.toDouble(values[i]))
-                                       : WRD_Format("%d\n", static_cast<int32_t>(values[i])));
+            PLT_SaveText(file.file, request.isFloat
+                                        ? TXT_Format("%g\n", source.toDouble(values[i]))
+                                        : TXT_Format("%d\n", static_cast<int32_t>(values[i])));
         return true;
     };
-    const TransferReport report = TRF_Run(steps);
+    const TransferReport report = SCR_RunTransfer(steps);
     if (report.result != TRANSFER_DONE) {
-        SAF_Cancel(&file); // a part of the values would pass for all of them
+        PLT_CancelSave(&file); // a part of the values would pass for all of them
         return report.result == TRANSFER_CANCELLED
-                   ? MEM_Fail("\nCancelled.")
-                   : MEM_FailLink(MEM_NO_ANSWER + 1, source.cause(report));
+                   ? CON_FailMemory("\nCancelled.")
+                   : CON_FailLink(CON_NO_ANSWER + 1, source.cause(report));
     }
-    if (SAF_Commit(&file) < 0) {
-        MEM_Fail(WRD_Format("Could not write %s", request.fileName.c_str()));
-        return MFL_ERR_OPEN;
+    if (PLT_CommitSave(&file) < 0) {
+        CON_FailMemory(TXT_Format("Could not write %s", request.fileName.c_str()));
+        return CON_FILE_ERR_OPEN;
     }
     return 0;
 }
@@ -243,7 +243,7 @@ int ReadItems(int file, bool isFloat, std::vector<uint32_t> *values)
         if (form == NUMBER_NONE && !isFloat)
             return 0;
         if (form != NUMBER_GOOD)
-            return MEM_Fail(WRD_Format("Line %d of the file is not a value.", lineNo));
+            return CON_FailMemory(TXT_Format("Line %d of the file is not a value.", lineNo));
         values->push_back(value);
         if (values->size() > ITEMS_MAX)
             break; // refused with the rest
@@ -255,21 +255,21 @@ int LoadItems(uint32_t address, const Sink &sink, bool isFloat, const std::vecto
 {
     const uint32_t step = isFloat ? sink.floatStep : sink.integerStep;
     if (!AreItemsAllowed(address, values.size(), step))
-        return MFL_ERR_LINK;
+        return CON_FILE_ERR_LINK;
     TransferSteps steps = PlanItems(static_cast<uint32_t>(values.size()));
     steps.exchange = [&](uint32_t at, uint32_t) {
         return sink.send(address + at * step, isFloat, values[at]);
     };
-    const TransferReport report = TRF_Run(steps);
+    const TransferReport report = SCR_RunTransfer(steps);
     if (report.result == TRANSFER_DONE)
         return 0;
     const uint32_t itemBytes = isFloat ? sink.floatBytes : sink.integerBytes;
-    CON_Print("%s.", TRF_WrittenText(report, steps.count, itemBytes).c_str());
+    CON_Print("%s.", SCR_WrittenText(report, steps.count, itemBytes).c_str());
     if (report.result == TRANSFER_CANCELLED)
-        return MEM_Fail("\nCancelled.");
+        return CON_FailMemory("\nCancelled.");
     if (report.moved == steps.count) // each was acknowledged, but by answers that may be others'
-        return MEM_FailLink(MEM_NO_ANSWER, sink.cause(report));
-    return MEM_FailAt(address + report.moved * step, sink.cause(report));
+        return CON_FailLink(CON_NO_ANSWER, sink.cause(report));
+    return CON_FailMemoryAt(address + report.moved * step, sink.cause(report));
 }
 
 int LoadFile(int panel, const char *text, const Sink &sink)
@@ -277,7 +277,7 @@ int LoadFile(int panel, const char *text, const Sink &sink)
     Request request;
     if (!ParseRequest(text, false, &request)) {
         PrintTmsCmdHelp(panel);
-        return MFL_ERR_ARGUMENTS;
+        return CON_ERR_ARGUMENTS;
     }
     dwAddr = request.address;
     PrintMonStr("\nLoad ...");
@@ -286,14 +286,14 @@ int LoadFile(int panel, const char *text, const Sink &sink)
         return FailOpen(request.fileName);
     char line[LINE_SIZE] = "";
     TXFR_RdLine(file, line, LINE_SIZE);
-    const std::string form(line, CON_WordLength(line));
+    const std::string form(line, TXT_WordLength(line));
     const bool isFloat = form == "float";
     const bool isKnown = isFloat || form == "int";
     std::vector<uint32_t> values;
-    const int result = isKnown ? ReadItems(file, isFloat, &values) : MFL_ERR_FORMAT;
+    const int result = isKnown ? ReadItems(file, isFloat, &values) : CON_FILE_ERR_FORMAT;
     TXFR_Close(file);
     if (!isKnown)
-        MEM_Fail("File format error");
+        CON_FailMemory("File format error");
     return result < 0 ? result : LoadItems(request.address, sink, isFloat, values);
 }
 

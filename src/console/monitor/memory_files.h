@@ -3,11 +3,11 @@
 #ifndef CONSOLE_MONITOR_MEMORY_FILES_H
 #define CONSOLE_MONITOR_MEMORY_FILES_H
 
-enum MFL_Result {
-    MFL_ERR_LINK = -1,
-    MFL_ERR_OPEN = -2,
-    MFL_ERR_ARGUMENTS = -2, // by the same number: the help was printed
-    MFL_ERR_FORMAT = -4
+enum CON_FileResult {
+    CON_FILE_ERR_LINK = -1,
+    CON_FILE_ERR_OPEN = -2,
+    CON_ERR_ARGUMENTS = -2, // by the same number: the help was printed
+    CON_FILE_ERR_FORMAT = -4
 };
 
 // `text` is what follows the command's letter: "i3C000, file, 10" of a store (kind, address,

@@ -28,7 +28,7 @@ void CON_Print(const char *format, ...)
 {
     va_list arguments;
     va_start(arguments, format);
-    PrintMonStr(WRD_FormatList(format, arguments));
+    PrintMonStr(TXT_FormatList(format, arguments));
     va_end(arguments);
 }
 
@@ -92,10 +92,10 @@ std::string CON_GetText()
 int CON_SaveText(const std::string &path)
 {
     SafeFile file;
-    if (SAF_Open(&file, path, "wb") < 0)
+    if (PLT_BeginSave(&file, path, "wb") < 0)
         return -1;
-    SAF_PutText(file.file, CON_GetText() + "\n");
-    return SAF_Commit(&file);
+    PLT_SaveText(file.file, CON_GetText() + "\n");
+    return PLT_CommitSave(&file);
 }
 
 void CON_CopyTextCB(int, int)
@@ -112,20 +112,20 @@ void CON_SaveTextCB(int, int)
 {
     std::string path;
     if (FileSelectPopup("", "*.txt", "*.txt", "Save console text", FILE_SAVE, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
     if (CON_SaveText(path) < 0)
-        MessagePopup("Error", SAF_FailureText(path));
+        MessagePopup("Error", PLT_SaveFailureText(path));
 }
 
 void CON_RunScriptCB(int, int)
 {
     std::string path;
     if (FileSelectPopup("", "*.scr", "*.scr", "Run script", FILE_LOAD, &path) ==
-        VAL_NO_FILE_SELECTED)
+        CON_NO_FILE_SELECTED)
         return;
     // As if it had been typed, so that a saved text shows what was run.
-    MWN_ShowView(ITEM_CONSOLE_VIEW);
+    WIN_ShowMainView(ITEM_CONSOLE_VIEW);
     CON_Print(" %s > !%s", VR1_GetCpuPrompt(), path.c_str());
     SCR_RunAndReport(path, consolePanel);
     CON_ScrollToEnd();

@@ -25,13 +25,13 @@ int RefuseArguments(int panel)
 int DumpLetter(int panel, const char *argument)
 {
     const char *cursor = argument;
-    if (!CON_ParseAddress(&cursor, &dwAddr))
+    if (!TXT_ParseAddress(&cursor, &dwAddr))
         return RefuseArguments(panel);
     uint32_t count = DUMP_WORDS;
-    if (!CON_SkipComma(&cursor)) {
-        if (*CON_SkipBlanks(cursor) != '\0')
+    if (!TXT_SkipComma(&cursor)) {
+        if (*TXT_SkipBlanks(cursor) != '\0')
             return RefuseArguments(panel);
-    } else if (!CON_ParseDecimal(&cursor, &count)) {
+    } else if (!TXT_ParseDecimal(&cursor, &count)) {
         count = DUMP_WORDS; // a count that is no number asks for the usual four
     }
     return count > DUMP_WORDS_MAX ? RefuseArguments(panel) : dump_Naddr(panel, dwAddr, count);
@@ -39,7 +39,7 @@ int DumpLetter(int panel, const char *argument)
 
 int WriteLetter(int panel, const char *argument)
 {
-    if (!VAL_ParseStart(argument, &dwAddr))
+    if (!CON_ParseStart(argument, &dwAddr))
         return RefuseArguments(panel);
     return write_addr(panel, dwAddr, *argument);
 }
@@ -55,13 +55,13 @@ const Letter LETTERS[] = {
 
 int RunTMSMonitor(int panel, const char *line)
 {
-    line = CON_SkipBlanks(line);
+    line = TXT_SkipBlanks(line);
     if (*line == '\0') {
         PrintTmsCmdHelp(panel);
         return 0;
     }
     // Leaving needs no link: a user whose port is gone can still go back.
-    if (*line == 'x' && *CON_SkipBlanks(line + 1) == '\0') {
+    if (*line == 'x' && *TXT_SkipBlanks(line + 1) == '\0') {
         PrintMonStr("\nExit Monitor ...\n");
         command = CMD_C166;
         CON_ShowModePrompt();
@@ -74,7 +74,7 @@ int RunTMSMonitor(int panel, const char *line)
     if (letter == std::end(LETTERS)) {
         RefuseArguments(panel);
     } else if (CON_HoldLink(LINK_NO_QUESTION) == 0) {
-        result = letter->run(panel, CON_SkipBlanks(line + 1));
+        result = letter->run(panel, TXT_SkipBlanks(line + 1));
         CON_ReleaseLink();
     }
     CON_ScrollToEnd();

@@ -50,7 +50,7 @@ const Kind *FindKind(char kind)
 
 bool IsWholeText(const char *text, const char *end)
 {
-    return end != text && *CON_SkipBlanks(end) == '\0';
+    return end != text && *TXT_SkipBlanks(end) == '\0';
 }
 
 // `bits` is the width of a number on the target; what does not fit is no number.
@@ -75,12 +75,12 @@ bool ParseValue(const char *text, const Kind &kind, int bits, uint32_t *value)
 
 void ShowC166Prompt()
 {
-    CON_SetPrompt(WRD_Format(" %06x:  ", dwAddr));
+    CON_SetPrompt(TXT_Format(" %06x:  ", dwAddr));
 }
 
 void ShowTmsPrompt()
 {
-    CON_SetPrompt(WRD_Format(" %08x:  ", dwAddr));
+    CON_SetPrompt(TXT_Format(" %08x:  ", dwAddr));
 }
 
 void EndEntry(int32_t mode)
@@ -101,12 +101,12 @@ int EnterValue(int panel, const char *text, int (*write)(int panel, const char *
 
 } // namespace
 
-bool VAL_ParseStart(const char *text, uint32_t *address)
+bool CON_ParseStart(const char *text, uint32_t *address)
 {
     if (FindKind(*text) == nullptr)
         return false;
-    const char *cursor = CON_SkipBlanks(text + 1);
-    return CON_ParseAddress(&cursor, address) && *CON_SkipBlanks(cursor) == '\0';
+    const char *cursor = TXT_SkipBlanks(text + 1);
+    return TXT_ParseAddress(&cursor, address) && *TXT_SkipBlanks(cursor) == '\0';
 }
 
 int write_DPM(int, uint32_t address, char kind)
@@ -139,13 +139,13 @@ int write_DPM2(int, const char *text)
     if (!ParseValue(text, kind, 8 * kind.bytes, &value)) {
         CON_Print("'%s' is not a value of this kind.", text);
         result = -1;
-    } else if (!MEM_IsInside(dwAddr, kind.bytes, 1)) {
+    } else if (!CON_IsInside(dwAddr, kind.bytes, 1)) {
         result = -1;
     } else {
         uint8_t bytes[FLOAT_BYTES];
-        BYT_PutLittle(bytes, sizeof bytes, value);
+        TXT_PutLittle(bytes, sizeof bytes, value);
         if (UCM_WriteProven(STATION, dwAddr, kind.bytes, bytes) != 0)
-            result = MEM_FailAt(dwAddr, UCM_LastErrorText());
+            result = CON_FailMemoryAt(dwAddr, UCM_LastErrorText());
     }
     if (result < 0) {
         EndEntry(CMD_C166);
@@ -158,7 +158,7 @@ int write_DPM2(int, const char *text)
 
 int write_addrTMS(int, uint32_t address, uint32_t value)
 {
-    if (!MEM_IsInside(address, 1, 1))
+    if (!CON_IsInside(address, 1, 1))
         return -1;
     uint32_t failedAt = 0;
     const int result = TMS_WriteProven(STATION, address, value, &failedAt);
@@ -166,8 +166,8 @@ int write_addrTMS(int, uint32_t address, uint32_t value)
         return 0;
     // Only of a message that could not be sent the address is known.
     if (result != TMS_ERR_SEND)
-        return MEM_FailTms(result, UCM_LastErrorText());
-    return MEM_FailAt(failedAt, TMS_ErrorText(result));
+        return CON_FailTms(result, UCM_LastErrorText());
+    return CON_FailMemoryAt(failedAt, TMS_ErrorText(result));
 }
 
 // Whatever ends this entry leads to the C166 monitor, not back to the TMS monitor.
@@ -194,7 +194,7 @@ int write_addr2(int panel, const char *text)
 int WriteD(int panel, const char *text)
 {
     CON_Print(" %06x:  %s", dwAddr, text);
-    if (*CON_SkipBlanks(text) != '\0')
+    if (*TXT_SkipBlanks(text) != '\0')
         return EnterValue(panel, text, write_DPM2);
     EndEntry(CMD_C166);
     return 0;
@@ -203,7 +203,7 @@ int WriteD(int panel, const char *text)
 int WriteT(int panel, const char *text)
 {
     CON_Print(" %08x:  %s", dwAddr, text);
-    if (*CON_SkipBlanks(text) != '\0')
+    if (*TXT_SkipBlanks(text) != '\0')
         return EnterValue(panel, text, write_addr2);
     EndEntry(CMD_TMS);
     return 0;

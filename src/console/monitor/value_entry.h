@@ -8,7 +8,7 @@
 // "i 8100", what stands behind the letter of the write command: a kind ('i' signed, 'u'
 // unsigned, 'x' hexadecimal, 'f' float) and an address. False, *address perhaps set, for
 // anything else.
-bool VAL_ParseStart(const char *text, uint32_t *address);
+bool CON_ParseStart(const char *text, uint32_t *address);
 
 // Enter the mode. Always 0.
 int write_DPM(int panel, uint32_t address, char kind);  // C166

@@ -33,12 +33,12 @@ int CallCommand(const ScrRow &row, ScrPar *par)
 int ParseParameters(const char *cursor, const ScrRow &row, ScrPar *par)
 {
     for (int i = 0; i < PARAMS_MAX && row.codes[i] != 0; i++) {
-        if (i > 0 && !CON_SkipComma(&cursor))
+        if (i > 0 && !TXT_SkipComma(&cursor))
             return FailLine(SCR_ERR_SPLITTER, "Error in ExecScrCmd: syntax - bad splitter.");
         if (ScrGetPar(&cursor, &par[i], row.codes[i]) < 0)
             return FailLine(SCR_ERR_PARAMETER, "Error in ExecScrCmd: bad parameter type.");
     }
-    if (*CON_SkipBlanks(cursor) != '\0')
+    if (*TXT_SkipBlanks(cursor) != '\0')
         return FailLine(SCR_ERR_TOO_MANY, "Error in ExecScrCmd: too many parameters.");
     return 0;
 }
@@ -48,17 +48,17 @@ int ParseParameters(const char *cursor, const ScrRow &row, ScrPar *par)
 const ScrRow *SCR_Find(const std::string &name, const ScrRow *table, int count)
 {
     for (int i = 0; i < count; i++)
-        if (CON_IsSameWord(name, table[i].name))
+        if (TXT_IsSameWord(name, table[i].name))
             return &table[i];
     return nullptr;
 }
 
 int ExecScrCmd(const char *line, const ScrRow *table, int count)
 {
-    line = CON_SkipBlanks(line);
+    line = TXT_SkipBlanks(line);
     if (*line == ';') // a comment, also at the prompt
         return 0;
-    const size_t length = CON_NameLength(line);
+    const size_t length = TXT_NameLength(line);
     if (length == 0)
         return SCR_UNKNOWN;
     if (length > COMMAND_NAME_CHARS)

@@ -38,7 +38,7 @@ bool ReadLine(Script *script)
     char buffer[BUFFER_CHARS];
     if (TXFR_RdLine(script->file, buffer, BUFFER_CHARS) < 0)
         return false;
-    script->line = CON_SkipBlanks(buffer);
+    script->line = TXT_SkipBlanks(buffer);
     script->isTooLong = std::char_traits<char>::length(buffer) > LINE_CHARS_MAX;
     while (TXFR_IsBrokenLine(script->file) == 1) {
         if (TXFR_RdLine(script->file, buffer, BUFFER_CHARS) < 0)
@@ -51,8 +51,8 @@ bool ReadLine(Script *script)
 std::string GetLabel(const std::string &line)
 {
     const char *cursor = line.c_str();
-    const size_t length = CON_NameLength(cursor);
-    if (length == 0 || *CON_SkipBlanks(cursor + length) != ':')
+    const size_t length = TXT_NameLength(cursor);
+    if (length == 0 || *TXT_SkipBlanks(cursor + length) != ':')
         return "";
     return line.substr(0, length);
 }
@@ -77,9 +77,9 @@ bool ExecuteLine(Script *script, int panel)
     const std::string &text = script->line;
     if (text.empty() || text[0] == ';')
         return true;
-    if (text.size() > 4 && text.compare(0, 4, "goto") == 0 && CON_IsBlank(text[4])) {
-        const char *cursor = CON_SkipBlanks(text.c_str() + 4);
-        const std::string label(cursor, CON_NameLength(cursor));
+    if (text.size() > 4 && text.compare(0, 4, "goto") == 0 && TXT_IsBlank(text[4])) {
+        const char *cursor = TXT_SkipBlanks(text.c_str() + 4);
+        const std::string label(cursor, TXT_NameLength(cursor));
         return !label.empty() && SkipToLabel(script, label);
     }
     if (!GetLabel(text).empty())
@@ -169,8 +169,8 @@ int SCR_RunAndReport(const std::string &fileName, int panel)
 void SCR_ReportResult(const std::string &fileName, int result)
 {
     if (result < SCRIPT_NOT_OPENED)
-        CON_Print("%s, line %d: %s", WRD_Visible(fileName).c_str(), COUNTER_START - result,
-                  WRD_Visible(failedLine).c_str());
+        CON_Print("%s, line %d: %s", TXT_Visible(fileName).c_str(), COUNTER_START - result,
+                  TXT_Visible(failedLine).c_str());
     if (result < 0)
         PrintMonStr(SCR_GetResultText(result));
     if (nDepth == 0 && CON_nRefused > CON_nUnknown)
@@ -187,5 +187,5 @@ std::string SCR_GetResultText(int result)
     if (result == SCRIPT_NOT_OPENED)
         return "Could not open the script file.";
     // One more than the failing line's number: users and service notes know it so.
-    return WRD_Format("Error in the script file on line %d.", -1 - result);
+    return TXT_Format("Error in the script file on line %d.", -1 - result);
 }

@@ -329,8 +329,8 @@ bool HL_IsQuit()
 
 bool HL_IsEndWished()
 {
-    if (DOOR_TakeInterrupt()) // nobody will press Ctrl-C a second time at a prompt
-        DOOR_OnSignal(false);
+    if (MDL_FetchInterrupt()) // nobody will press Ctrl-C a second time at a prompt
+        MDL_OnSignal(false);
     ProcessSystemEvents();
     return HL_IsQuit();
 }

@@ -100,10 +100,10 @@ int MDL_ApplyValue(MDL_Control *control, const VIEW_Event &event)
                                     : event.number;
         return 0;
     case UIK_GRAPH:
-        if (!event.view || !PLV_IsGood(*event.view))
+        if (!event.view || !PLOT_IsGoodSample(*event.view))
             return MDL_STALE;
         control->graph = *event.view;
-        PLV_Settle(control->plots, &control->graph); // curves may have grown since
+        PLOT_SettleView(control->plots, &control->graph); // curves may have grown since
         return 0;
     default:
         control->state.value = event.value != 0;

@@ -187,7 +187,7 @@ void MDL_Flush(bool hasLists)
     // The stamp counts up to here: a list in the middle of being filled stays marked, and gets
     // its own stamp when it goes.
     if (!IsEmpty(batch))
-        DOOR_Put(std::move(batch), state.stamp);
+        MDL_HandOver(std::move(batch), state.stamp);
 }
 
 void MDL_FlushNowAndThen()

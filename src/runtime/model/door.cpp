@@ -93,7 +93,7 @@ bool Enqueue(const VIEW_Event &event)
     const bool isRepeatedWish =
         isUrgent && !door.events.empty() && IsSame(door.events.back(), event) &&
         door.events.back().item == event.item && door.events.back().value == event.value;
-    if (DOOR_Coalesce(&door.events, stamped) || isRepeatedWish) {
+    if (MDL_CoalesceEvents(&door.events, stamped) || isRepeatedWish) {
         door.counters.handled++;
         return true;
     }
@@ -157,7 +157,7 @@ void VIEW_GetCounters(VIEW_Counters *counters)
 // --- the program's side -------------------------------------------------------------------
 
 // Only with the last one: an event in between may have been meant for the earlier state.
-bool DOOR_Coalesce(std::deque<VIEW_Event> *queue, const VIEW_Event &event)
+bool MDL_CoalesceEvents(std::deque<VIEW_Event> *queue, const VIEW_Event &event)
 {
     if (!IsState(event) || queue->empty() || !IsSame(queue->back(), event))
         return false;
@@ -165,7 +165,7 @@ bool DOOR_Coalesce(std::deque<VIEW_Event> *queue, const VIEW_Event &event)
     return true;
 }
 
-void DOOR_Reset()
+void MDL_ResetDoor()
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     door.changes = VIEW_Batch();
@@ -179,13 +179,13 @@ void DOOR_Reset()
     urgentWaiting = 0;
 }
 
-void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp)
+void MDL_HandOver(VIEW_Batch &&changes, uint32_t stamp)
 {
     bool wasEmpty = false;
     {
         const std::lock_guard<std::mutex> lock(door.mutex);
         wasEmpty = !door.hasChanges;
-        DOOR_Merge(&door.changes, changes);
+        MDL_Merge(&door.changes, changes);
         door.hasChanges = true;
         door.stamp = stamp;
     }
@@ -194,14 +194,14 @@ void DOOR_Put(VIEW_Batch &&changes, uint32_t stamp)
         VIEW_Wake();
 }
 
-bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue)
+bool MDL_FetchEvents(std::deque<VIEW_Event> *queue)
 {
     if (!hasEvents)
         return false;
     const std::lock_guard<std::mutex> lock(door.mutex);
     // A value typed while the program held an earlier one of the same field counts as one.
     for (VIEW_Event &event : door.events) {
-        if (DOOR_Coalesce(queue, event))
+        if (MDL_CoalesceEvents(queue, event))
             door.counters.handled++;
         else
             queue->push_back(std::move(event));
@@ -211,7 +211,7 @@ bool DOOR_FetchEvents(std::deque<VIEW_Event> *queue)
     return true;
 }
 
-void DOOR_WaitEvent(uint64_t untilUs)
+void MDL_WaitEvent(uint64_t untilUs)
 {
     const uint64_t now = PLT_TickUs();
     std::unique_lock<std::mutex> lock(door.mutex);
@@ -220,26 +220,26 @@ void DOOR_WaitEvent(uint64_t untilUs)
                            [] { return !door.events.empty(); });
 }
 
-void DOOR_CountHandled()
+void MDL_CountHandledEvents()
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     door.counters.handled++;
 }
 
-void DOOR_SetBusy(bool isBusy)
+void MDL_SetDoorBusy(bool isBusy)
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     door.busy = {isBusy, PLT_TickMs(), ""};
     door.counters.callbacks += isBusy ? 1 : 0;
 }
 
-void DOOR_SetBusyText(const std::string &text)
+void MDL_SetDoorBusyText(const std::string &text)
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     door.busy.text = text;
 }
 
-bool DOOR_IsCancelled(int progress)
+bool MDL_IsProgressCancelled(int progress)
 {
     if (!hasCancelled)
         return false;
@@ -247,7 +247,7 @@ bool DOOR_IsCancelled(int progress)
     return std::count(door.cancelled.begin(), door.cancelled.end(), progress) > 0;
 }
 
-void DOOR_ForgetCancel(int progress)
+void MDL_ForgetCancel(int progress)
 {
     const std::lock_guard<std::mutex> lock(door.mutex);
     std::vector<int> &all = door.cancelled;
@@ -255,20 +255,20 @@ void DOOR_ForgetCancel(int progress)
     hasCancelled = !all.empty();
 }
 
-bool DOOR_IsBreakWished()
+bool MDL_IsBreakPosted()
 {
     if (isInterrupted)
         isInterruptSeen = true; // whoever asks ends what is running: it has done its work
     return urgentWaiting > 0 || hasCancelled || isInterrupted;
 }
 
-void DOOR_EndUrgent(const VIEW_Event &event)
+void MDL_EndUrgent(const VIEW_Event &event)
 {
     if (IsUrgent(event))
         urgentWaiting--;
 }
 
-void DOOR_EndInterrupt()
+void MDL_EndInterrupt()
 {
     if (!isInterrupted.exchange(false))
         return;
@@ -276,15 +276,15 @@ void DOOR_EndInterrupt()
     if (isInterruptSeen.exchange(false))
         PLT_SignalHeard();
     else
-        DOOR_OnSignal(false);
+        MDL_OnSignal(false);
 }
 
-bool DOOR_TakeInterrupt()
+bool MDL_FetchInterrupt()
 {
     return wasInterrupted.exchange(false);
 }
 
-void DOOR_OnSignal(bool isInterrupt)
+void MDL_OnSignal(bool isInterrupt)
 {
     VIEW_Busy busy;
     VIEW_GetBusy(&busy);

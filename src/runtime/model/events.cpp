@@ -139,7 +139,7 @@ int HandleEvent(const VIEW_Event &event)
 void FetchEvents(MDL_State *state)
 {
     // A newer value may take the place of an event that is in the model already.
-    if (DOOR_FetchEvents(&state->queue) && !state->isCaught.empty())
+    if (MDL_FetchEvents(&state->queue) && !state->isCaught.empty())
         state->isCaught.back() = false;
     state->isCaught.resize(state->queue.size(), false);
 }
@@ -181,9 +181,9 @@ bool MDL_HandleNext()
         if (state.queue[i].panel == event.panel && state.queue[i].control == event.control)
             state.isCaught[i] = false;
     // Before the callback: a wish that is being met breaks off nothing any more.
-    DOOR_EndUrgent(event);
+    MDL_EndUrgent(event);
     state.result = HandleEvent(event);
-    DOOR_CountHandled();
+    MDL_CountHandledEvents();
     if (state.depth == 0) // one that was dropped has called nobody who would show it again
         MDL_Flush();
     return true;
@@ -192,14 +192,14 @@ bool MDL_HandleNext()
 void MDL_BeginCall()
 {
     if (MDL_GetState().depth++ == 0)
-        DOOR_SetBusy(true);
+        MDL_SetDoorBusy(true);
 }
 
 void MDL_EndCall()
 {
     if (--MDL_GetState().depth > 0)
         return;
-    DOOR_SetBusy(false);
-    DOOR_EndInterrupt(); // it was meant for this callback, not for the next
+    MDL_SetDoorBusy(false);
+    MDL_EndInterrupt(); // it was meant for this callback, not for the next
     MDL_Flush();
 }

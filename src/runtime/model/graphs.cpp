@@ -23,7 +23,7 @@ bool IsPlotGood(const UI_Plot &plot)
 // sides settle it by the same rules.
 void MarkPlots(MDL_Control *c, bool isNew)
 {
-    PLV_Settle(c->plots, &c->graph);
+    PLOT_SettleView(c->plots, &c->graph);
     c->graphMask |= VIEW_GRAPH_PLOTS;
     if (isNew) {
         c->graphMask |= VIEW_GRAPH_VIEW;
@@ -47,7 +47,7 @@ int PlotXY(int panel, int control, const UI_Plot &plot)
             return UIE_BAD_INDEX;
         c->plots.push_back(plot); // shares the numbers, copies none
         c->plots.back().handle = ++c->lastPlot;
-        PLV_MeasurePlot(&c->plots.back());
+        PLOT_MeasurePlot(&c->plots.back());
         MarkPlots(c, true);
         return c->lastPlot;
     });
@@ -61,7 +61,7 @@ int ReplacePlot(int panel, int control, int handle, const UI_Plot &plot)
             return UIE_BAD_INDEX;
         *found = plot;
         found->handle = handle; // cursors and hidden curves know it by that
-        PLV_MeasurePlot(&*found);
+        PLOT_MeasurePlot(&*found);
         MarkPlots(c, false);
         return 0;
     });
@@ -88,7 +88,7 @@ int GetGraphPlots(int panel, int control, std::vector<UI_Plot> *plots)
         *plots = c->plots;
         // What the user has hidden in the legend is a matter of the view.
         for (UI_Plot &plot : *plots)
-            plot.isVisible = !PLV_IsHidden(c->graph, plot.handle);
+            plot.isVisible = !PLOT_IsHidden(c->graph, plot.handle);
     });
 }
 
@@ -104,10 +104,10 @@ int SetGraphAxes(int panel, int control, const UI_GraphAxes &axes)
 int SetGraphView(int panel, int control, const UI_GraphView &view)
 {
     return OnGraph(panel, control, [&](MDL_Control *c) -> int {
-        if (!PLV_IsGood(view))
+        if (!PLOT_IsGoodSample(view))
             return UIE_BAD_INDEX;
         c->graph = view;
-        PLV_Settle(c->plots, &c->graph);
+        PLOT_SettleView(c->plots, &c->graph);
         c->graphMask |= VIEW_GRAPH_VIEW;
         MDL_Outdate(c);
         MDL_FlushNowAndThen();

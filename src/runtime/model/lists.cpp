@@ -215,7 +215,7 @@ int GetListCells(int panel, int control, int index, std::vector<UI_Cell> *cells)
         *cells = line->cells;
         if (!cells->empty())
             return;
-        for (const UIC_Column &column : UIC_SplitColumns(line->label))
+        for (const UI_LabelColumn &column : UI_SplitColumns(line->label))
             cells->push_back({column.text, UIS_NORMAL, ""});
     });
 }

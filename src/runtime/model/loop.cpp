@@ -43,7 +43,7 @@ int RunLoop()
         if (!state.isSuspended)
             ForEachTimer(look);
         if (!first || first->dueUs > now) {
-            DOOR_WaitEvent(first ? std::min(first->dueUs, now + WAIT_MAX_US) : now + WAIT_MAX_US);
+            MDL_WaitEvent(first ? std::min(first->dueUs, now + WAIT_MAX_US) : now + WAIT_MAX_US);
             continue;
         }
         // One tick, so that an event that came meanwhile has its turn between two. Ticks that were
@@ -112,7 +112,7 @@ int ResumeTimerCallbacks()
 
 int SetBusyText(const std::string &text)
 {
-    DOOR_SetBusyText(text);
+    MDL_SetDoorBusyText(text);
     MDL_FlushNowAndThen();
     return 0;
 }
@@ -122,7 +122,7 @@ int SetBusyText(const std::string &text)
 bool IsBreakWished()
 {
     MDL_FlushNowAndThen();
-    return DOOR_IsBreakWished();
+    return MDL_IsBreakPosted();
 }
 
 int SetEndCallback(void (*callback)())
@@ -154,7 +154,7 @@ int MDL_FireTimer(MDL_Control *timer)
 int VIEW_RunProgram(int argc, char **argv, int (*program)(int argc, char **argv))
 {
     MDL_State &state = MDL_GetState();
-    PLT_WatchSignals(DOOR_OnSignal); // before the program opens a port or a file
+    PLT_WatchSignals(MDL_OnSignal); // before the program opens a port or a file
     // Until the loop runs everything is one callback: the first window comes up whole.
     state.isStarting = true;
     MDL_BeginCall();

@@ -110,7 +110,7 @@ void MergeItems(std::vector<VIEW_MenuItem> *old, std::vector<VIEW_MenuItem> &fre
 
 } // namespace
 
-void DOOR_Merge(VIEW_Batch *old, VIEW_Batch &fresh)
+void MDL_Merge(VIEW_Batch *old, VIEW_Batch &fresh)
 {
     const auto replace = [](auto *was, auto &now) { *was = std::move(now); };
     MergePanels(&old->panels, fresh.panels);

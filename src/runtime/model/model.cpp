@@ -93,7 +93,7 @@ MDL_State &MDL_GetState()
 
 void MDL_Reset()
 {
-    DOOR_Reset();
+    MDL_ResetDoor();
     MDL_GetState() = MakeState();
 }
 

@@ -25,7 +25,7 @@ int FindAnswer(MDL_State *state, int id, VIEW_Event *answer)
         *answer = state->queue[i]; // out of turn: it is what the program waits for
         state->queue.erase(state->queue.begin() + static_cast<std::ptrdiff_t>(i));
         state->isCaught.erase(state->isCaught.begin() + static_cast<std::ptrdiff_t>(i));
-        DOOR_CountHandled();
+        MDL_CountHandledEvents();
         return 1;
     }
     return 0;
@@ -42,15 +42,15 @@ int Ask(VIEW_Question question, std::string *text)
     state.extra.question = question;
     VIEW_Busy busy;
     VIEW_GetBusy(&busy); // a question may be asked outside a callback too
-    DOOR_SetBusy(false);
+    MDL_SetDoorBusy(false);
     state.depth++; // no callback and no timer starts
     MDL_Flush();
     VIEW_Event answer;
     int found = 0;
     while ((found = FindAnswer(&state, question.id, &answer)) == 0)
-        DOOR_WaitEvent(PLT_TickUs() + WAIT_US);
+        MDL_WaitEvent(PLT_TickUs() + WAIT_US);
     state.depth--;
-    DOOR_SetBusy(busy.isBusy);
+    MDL_SetDoorBusy(busy.isBusy);
     // The end of the session takes the question away and all that may follow it.
     if (found < 0) {
         state.isEndWished = true;
@@ -145,13 +145,13 @@ int FileSelectPopup(const std::string &directory, const std::string &spec, const
     question.mode = mode;
     std::string chosen;
     if (Ask(question, &chosen) != 1 || chosen.empty())
-        return VAL_NO_FILE_SELECTED;
+        return CON_NO_FILE_SELECTED;
     // A terminal and the tests answer with any name; a window's dialog has looked already.
-    const bool exists = PLF_Exists(chosen);
+    const bool exists = PLT_FileExists(chosen);
     if (!exists && mode == FILE_LOAD)
-        return VAL_NO_FILE_SELECTED;
+        return CON_NO_FILE_SELECTED;
     *path = chosen;
-    return exists ? VAL_EXISTING_FILE_SELECTED : VAL_NEW_FILE_SELECTED;
+    return exists ? CON_EXISTING_FILE_SELECTED : CON_NEW_FILE_SELECTED;
 }
 
 int CreateProgressDialog(const std::string &title, const std::string &text)
@@ -174,7 +174,7 @@ int UpdateProgressDialog(int dialog, int percent, const std::string &text)
     box->percent = std::clamp(percent, 0, 100);
     box->text = text;
     Show(*box);
-    return DOOR_IsCancelled(dialog) ? 1 : 0;
+    return MDL_IsProgressCancelled(dialog) ? 1 : 0;
 }
 
 int DiscardProgressDialog(int dialog)
@@ -186,7 +186,7 @@ int DiscardProgressDialog(int dialog)
     Show(*box);
     MDL_State &state = MDL_GetState();
     state.progress.erase(state.progress.begin() + (box - state.progress.data()));
-    DOOR_ForgetCancel(dialog); // else whatever runs next would be broken off
+    MDL_ForgetCancel(dialog); // else whatever runs next would be broken off
     return 0;
 }
 

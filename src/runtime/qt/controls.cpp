@@ -86,8 +86,9 @@ void DrawColor(QWidget *widget, int color)
     const QColor ground = around.color(QPalette::Window);
     const QColor meant = QColor::fromRgb(static_cast<QRgb>(color) | 0xFF000000u);
     // Black is no colour the program chose: on a dark desktop it means the desktop's own pen.
-    const bool isPlain = LOOK_Contrast(meant, Qt::white) > PLAIN_CONTRAST;
-    const QColor pen = isPlain ? around.color(QPalette::WindowText) : LOOK_Readable(meant, ground);
+    const bool isPlain = QTV_GetContrast(meant, Qt::white) > PLAIN_CONTRAST;
+    const QColor pen =
+        isPlain ? around.color(QPalette::WindowText) : QTV_ReadableColor(meant, ground);
     QPalette palette = widget->palette();
     // Not the disabled group: what is dimmed must look so.
     for (QPalette::ColorRole role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
@@ -151,7 +152,7 @@ void QTV_UsePalette(QTV_Panel *panel)
     if (!panel->window)
         return;
     const QPalette around = panel->window->palette();
-    const QColor quiet = LOOK_Quiet(around, around.color(QPalette::Window));
+    const QColor quiet = QTV_QuietColor(around, around.color(QPalette::Window));
     // Captions over parts of a window are quieter than what stands in them.
     const QList<QLabel *> labels = panel->window->findChildren<QLabel *>();
     for (QLabel *label : labels) {
@@ -162,7 +163,7 @@ void QTV_UsePalette(QTV_Panel *panel)
         label->setPalette(palette);
     }
     // Some desktops leave the hints in empty fields dark on a dark ground.
-    const QColor hint = LOOK_Quiet(around, around.color(QPalette::Base));
+    const QColor hint = QTV_QuietColor(around, around.color(QPalette::Base));
     const QList<QLineEdit *> fields = panel->window->findChildren<QLineEdit *>();
     for (QLineEdit *field : fields) {
         QPalette palette = field->palette();

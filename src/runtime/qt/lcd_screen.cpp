@@ -27,7 +27,7 @@ const Colors UNLIT = {QColor(0x8E, 0x9A, 0x7C), QColor(0x14, 0x1A, 0x10)};
 
 QSize SizeOf(const QString &text, int cellWidth)
 {
-    const LCT_Picture picture = LCT_Parse(text.toStdString());
+    const UI_LcdPicture picture = UI_ParseLcd(text.toStdString());
     const int rows = picture.rows.empty() ? ROWS_AT_FIRST : static_cast<int>(picture.rows.size());
     const int columns =
         picture.rows.empty() ? COLUMNS_AT_FIRST : static_cast<int>(picture.rows[0].size());
@@ -58,44 +58,45 @@ QSize LcdScreen::minimumSizeHint() const
     return SizeOf("", CELL_WIDTH_MIN);
 }
 
-void LcdScreen::drawCell(QPainter *painter, const LCT_Picture &picture, const QRectF &cell,
+void LcdScreen::drawCell(QPainter *painter, const UI_LcdPicture &picture, const QRectF &cell,
                          char32_t code) const
 {
     // A letter of the font, or eight lines of five dots the target has drawn itself.
-    if (code < LCT_GLYPH || code >= LCT_GLYPH + picture.glyphs.size() / LCT_GLYPH_LINES) {
+    if (code < UI_LCD_GLYPH || code >= UI_LCD_GLYPH + picture.glyphs.size() / UI_LCD_GLYPH_LINES) {
         painter->drawText(cell, Qt::AlignCenter, QString::fromUcs4(&code, 1));
         return;
     }
-    const size_t first = (code - LCT_GLYPH) * LCT_GLYPH_LINES;
-    const double width = cell.width() * DOTS_SHARE / LCT_GLYPH_COLUMNS;
-    const double height = cell.height() * DOTS_SHARE / LCT_GLYPH_LINES;
+    const size_t first = (code - UI_LCD_GLYPH) * UI_LCD_GLYPH_LINES;
+    const double width = cell.width() * DOTS_SHARE / UI_LCD_GLYPH_COLUMNS;
+    const double height = cell.height() * DOTS_SHARE / UI_LCD_GLYPH_LINES;
     const QPointF corner(cell.left() + cell.width() * (1 - DOTS_SHARE) / 2,
                          cell.top() + cell.height() * (1 - DOTS_SHARE) / 2);
-    for (int line = 0; line < LCT_GLYPH_LINES; ++line)
-        for (int column = 0; column < LCT_GLYPH_COLUMNS; ++column)
+    for (int line = 0; line < UI_LCD_GLYPH_LINES; ++line)
+        for (int column = 0; column < UI_LCD_GLYPH_COLUMNS; ++column)
             if (picture.glyphs[first + static_cast<size_t>(line)] >>
-                    (LCT_GLYPH_COLUMNS - 1 - column) &
+                    (UI_LCD_GLYPH_COLUMNS - 1 - column) &
                 1)
                 painter->fillRect(QRectF(corner.x() + column * width, corner.y() + line * height,
                                          width * 0.9, height * 0.9), // dots do not touch
                                   painter->pen().color());
 }
 
-void LcdScreen::drawCursor(QPainter *painter, const LCT_Picture &picture, const QRectF &cell) const
+void LcdScreen::drawCursor(QPainter *painter, const UI_LcdPicture &picture,
+                           const QRectF &cell) const
 {
     const QRectF line(cell.left() + 1, cell.bottom() - cell.height() * 0.12, cell.width() - 2,
                       cell.height() * 0.08);
-    if (picture.cursor == LCT_UNDERLINE)
+    if (picture.cursor == UI_LCD_CURSOR_UNDERLINE)
         painter->fillRect(line, painter->pen().color());
-    else if (picture.cursor == LCT_BLINKING && m_isDark)
+    else if (picture.cursor == UI_LCD_CURSOR_BLINKING && m_isDark)
         painter->fillRect(cell.adjusted(1, 1, -1, -1), painter->pen().color());
 }
 
 void LcdScreen::paintEvent(QPaintEvent *)
 {
-    const LCT_Picture picture = LCT_Parse(text().toStdString());
+    const UI_LcdPicture picture = UI_ParseLcd(text().toStdString());
     // The timer runs only where it is needed: nobody wants a repaint twice a second for nothing.
-    const bool isBlinking = picture.cursor == LCT_BLINKING;
+    const bool isBlinking = picture.cursor == UI_LCD_CURSOR_BLINKING;
     if (isBlinking != m_blinking.isActive())
         isBlinking ? m_blinking.start() : m_blinking.stop();
     const Colors &colors = picture.isLit ? LIT : UNLIT;
@@ -113,7 +114,7 @@ void LcdScreen::paintEvent(QPaintEvent *)
     panel.moveCenter(QRectF(rect()).center());
     // Keys go to the target only while the display has the keyboard: that must be seen.
     const QColor rim = hasFocus() ? palette().color(QPalette::Highlight)
-                                  : LOOK_Blend(colors.ink, colors.ground, 0.4);
+                                  : QTV_BlendColors(colors.ink, colors.ground, 0.4);
     painter.setPen(QPen(rim, 2));
     painter.setBrush(colors.ground);
     painter.drawRoundedRect(panel.adjusted(-RIM, -RIM, RIM, RIM), 4, 4);
@@ -128,7 +129,7 @@ void LcdScreen::paintEvent(QPaintEvent *)
                               cellHeight);
             // Each cell a shade darker, as the dots of a real one that are off can be seen.
             painter.fillRect(cell.adjusted(0.5, 0.5, -0.5, -0.5),
-                             LOOK_Blend(colors.ink, colors.ground, 0.04));
+                             QTV_BlendColors(colors.ink, colors.ground, 0.04));
             drawCell(&painter, picture, cell, picture.rows[row][column]);
             if (static_cast<int>(row) == picture.cursorRow &&
                 static_cast<int>(column) == picture.cursorColumn)

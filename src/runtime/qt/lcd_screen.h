@@ -1,4 +1,4 @@
-// A character display: draws LCT_Format's text, which it is given as a label's, as cells of a
+// A character display: draws UI_FormatLcd's text, which it is given as a label's, as cells of a
 // panel with its own characters dot by dot, and blinks the cursor.
 #ifndef RUNTIME_QT_LCD_SCREEN_H
 #define RUNTIME_QT_LCD_SCREEN_H
@@ -6,7 +6,7 @@
 #include <QLabel>
 #include <QTimer>
 
-struct LCT_Picture;
+struct UI_LcdPicture;
 
 class LcdScreen : public QLabel {
     Q_OBJECT
@@ -23,9 +23,9 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
-    void drawCell(QPainter *painter, const LCT_Picture &picture, const QRectF &cell,
+    void drawCell(QPainter *painter, const UI_LcdPicture &picture, const QRectF &cell,
                   char32_t code) const;
-    void drawCursor(QPainter *painter, const LCT_Picture &picture, const QRectF &cell) const;
+    void drawCursor(QPainter *painter, const UI_LcdPicture &picture, const QRectF &cell) const;
 
     QTimer m_blinking;
     bool m_isDark = false; // the half of the time in which a blinking cell is filled

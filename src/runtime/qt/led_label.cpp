@@ -40,11 +40,11 @@ void LedLabel::paintEvent(QPaintEvent *event)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QColor ground = palette().color(QPalette::Window);
-    const QColor rim = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.5);
+    const QColor rim = QTV_BlendColors(palette().color(QPalette::WindowText), ground, 0.5);
     // A dimmed one is dark: what it shows may not hold any more.
     const bool isLit = m_isOn && isEnabled();
-    painter.setPen(QPen(isLit ? LOOK_Readable(m_lamp, ground) : rim, 1));
-    painter.setBrush(isLit ? LOOK_Readable(m_lamp, ground) : LOOK_Blend(rim, ground, 0.2));
+    painter.setPen(QPen(isLit ? QTV_ReadableColor(m_lamp, ground) : rim, 1));
+    painter.setBrush(isLit ? QTV_ReadableColor(m_lamp, ground) : QTV_BlendColors(rim, ground, 0.2));
     painter.drawEllipse(
         QRectF(LAMP_LEFT + 0.5, (height() - LAMP_SIZE) / 2.0 + 0.5, LAMP_SIZE - 1, LAMP_SIZE - 1));
 }

@@ -29,7 +29,7 @@ qsizetype PointIndex(const QString &text)
 // How the watch list marks a value that could not be read: not to be overlooked.
 const QLatin1String FAILED_SUFFIX(" (!)");
 
-LOOK_Tone ToneOf(const ListCell &cell)
+QTV_Tone ToneOf(const ListCell &cell)
 {
     // A failure before anything else; a value that is no longer true is quiet, not coloured.
     if ((cell.style & UIS_WARNING) || cell.text.endsWith(FAILED_SUFFIX))
@@ -79,7 +79,7 @@ QFont LineDelegate::fontOf(const ListCell &cell, int column) const
 
 void LineDelegate::usePalette(const QPalette &palette)
 {
-    m_colors = LOOK_MakeLines(palette);
+    m_colors = QTV_MakeLineColors(palette);
 }
 
 // Once for a cell: its text's end and its decimal point.
@@ -146,10 +146,10 @@ void LineDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
     const int column = index.column();
     const ListCell &cell = m_model->cell(index.row(), column);
     const bool isSelected = option.state & QStyle::State_Selected;
-    const LOOK_Ground ground = isSelected ? (m_list->hasFocus() ? LG_ACTIVE : LG_SELECTED)
-                               : m_model->isFresh(cell) ? LG_FRESH
-                               : index.row() % 2        ? LG_STRIPED
-                                                        : LG_BASE;
+    const QTV_Ground ground = isSelected ? (m_list->hasFocus() ? LG_ACTIVE : LG_SELECTED)
+                              : m_model->isFresh(cell) ? LG_FRESH
+                              : index.row() % 2        ? LG_STRIPED
+                                                       : LG_BASE;
     painter->fillRect(option.rect, m_colors.ground[ground]);
     if (cell.text.isEmpty())
         return;

@@ -61,7 +61,7 @@ private:
     mutable QHash<size_t, double> m_points; // by group; for one painting
     QHash<size_t, double> m_paintedPoints;  // where they were painted last
     Face m_plain, m_fixed;
-    LOOK_Lines m_colors;
+    QTV_LineColors m_colors;
 };
 
 #endif

@@ -19,7 +19,7 @@ ListLine ToListLine(const VIEW_Line &line)
         shown.cells.push_back({QTV_ToQt(cell.text), cell.style, QTV_ToQt(cell.tip)});
     if (!line.cells.empty())
         return shown;
-    for (const UIC_Column &column : UIC_SplitColumns(line.label))
+    for (const UI_LabelColumn &column : UI_SplitColumns(line.label))
         shown.cells.push_back({QTV_ToQt(column.text), UIS_NORMAL, QString()});
     return shown;
 }
@@ -27,7 +27,7 @@ ListLine ToListLine(const VIEW_Line &line)
 // A list without columns of its own gets as many as its labels have, at their pixels.
 void FollowLabel(LineList *list, const VIEW_Line &line)
 {
-    const std::vector<UIC_Column> parts = UIC_SplitColumns(line.label);
+    const std::vector<UI_LabelColumn> parts = UI_SplitColumns(line.label);
     if (static_cast<int>(parts.size()) <= list->lines()->columnCount())
         return; // never fewer: a shorter line leaves its last cells empty
     std::vector<UI_Column> columns = list->lines()->columns();

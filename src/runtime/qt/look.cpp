@@ -49,34 +49,36 @@ QIcon MakeIcon()
 
 } // namespace
 
-double LOOK_Contrast(const QColor &one, const QColor &other)
+double QTV_GetContrast(const QColor &one, const QColor &other)
 {
     const double a = Luminance(one), b = Luminance(other);
     return (qMax(a, b) + 0.05) / (qMin(a, b) + 0.05);
 }
 
-QColor LOOK_Readable(const QColor &wanted, const QColor &ground)
+QColor QTV_ReadableColor(const QColor &wanted, const QColor &ground)
 {
-    if (LOOK_Contrast(wanted, ground) >= LOOK_CONTRAST_MIN)
+    if (QTV_GetContrast(wanted, ground) >= QTV_CONTRAST_MIN)
         return wanted;
     // Away from the ground, towards whichever end gives more contrast in the end.
-    const QColor end = LOOK_Contrast(Qt::white, ground) > LOOK_Contrast(Qt::black, ground)
+    const QColor end = QTV_GetContrast(Qt::white, ground) > QTV_GetContrast(Qt::black, ground)
                            ? QColor(Qt::white)
                            : QColor(Qt::black);
     for (int step = 1; step < LIGHTNESS_STEPS; step++) {
-        const QColor tried = LOOK_Blend(end, wanted, static_cast<double>(step) / LIGHTNESS_STEPS);
-        if (LOOK_Contrast(tried, ground) >= LOOK_CONTRAST_MIN)
+        const QColor tried =
+            QTV_BlendColors(end, wanted, static_cast<double>(step) / LIGHTNESS_STEPS);
+        if (QTV_GetContrast(tried, ground) >= QTV_CONTRAST_MIN)
             return tried;
     }
     return end;
 }
 
-QColor LOOK_Quiet(const QPalette &palette, const QColor &ground)
+QColor QTV_QuietColor(const QPalette &palette, const QColor &ground)
 {
-    return LOOK_Readable(LOOK_Blend(palette.color(QPalette::Text), ground, QUIET_SHARE), ground);
+    return QTV_ReadableColor(QTV_BlendColors(palette.color(QPalette::Text), ground, QUIET_SHARE),
+                             ground);
 }
 
-QColor LOOK_Blend(const QColor &over, const QColor &ground, double share)
+QColor QTV_BlendColors(const QColor &over, const QColor &ground, double share)
 {
     const auto mix = [share](int a, int b) {
         return static_cast<int>(std::lround(a * share + b * (1.0 - share)));
@@ -85,35 +87,36 @@ QColor LOOK_Blend(const QColor &over, const QColor &ground, double share)
                   mix(over.blue(), ground.blue()));
 }
 
-LOOK_Lines LOOK_MakeLines(const QPalette &palette)
+QTV_LineColors QTV_MakeLineColors(const QPalette &palette)
 {
     const QColor base = palette.color(QPalette::Base), text = palette.color(QPalette::Text);
     const QColor marked = palette.color(QPalette::Highlight);
     // Grounds differ a little from the desktop's own, so that a mark is still told from a stripe.
-    LOOK_Lines lines;
+    QTV_LineColors lines;
     lines.ground[LG_BASE] = base;
-    lines.ground[LG_STRIPED] = LOOK_Blend(text, base, 0.035);
-    lines.ground[LG_FRESH] = LOOK_Blend(QColor(0xF5, 0xB0, 0x00), base, 0.28);
-    lines.ground[LG_SELECTED] = LOOK_Blend(marked, base, 0.22);
+    lines.ground[LG_STRIPED] = QTV_BlendColors(text, base, 0.035);
+    lines.ground[LG_FRESH] = QTV_BlendColors(QColor(0xF5, 0xB0, 0x00), base, 0.28);
+    lines.ground[LG_SELECTED] = QTV_BlendColors(marked, base, 0.22);
     // Rather a deeper mark than another pen: many desktops' own pair is too pale to read.
-    lines.ground[LG_ACTIVE] = LOOK_Readable(marked, palette.color(QPalette::HighlightedText));
+    lines.ground[LG_ACTIVE] = QTV_ReadableColor(marked, palette.color(QPalette::HighlightedText));
     for (int i = 0; i < LG_COUNT; i++) {
         const QColor &ground = lines.ground[i];
         const QColor plain = i == LG_ACTIVE ? palette.color(QPalette::HighlightedText) : text;
-        lines.text[i][LT_PLAIN] = LOOK_Readable(plain, ground);
+        lines.text[i][LT_PLAIN] = QTV_ReadableColor(plain, ground);
         if (i == LG_ACTIVE) { // on so strong a ground colours say nothing
             for (QColor &pen : lines.text[i])
                 pen = lines.text[i][LT_PLAIN];
             continue;
         }
-        lines.text[i][LT_QUIET] = LOOK_Readable(LOOK_Blend(plain, ground, QUIET_SHARE), ground);
-        lines.text[i][LT_GOOD] = LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
-        lines.text[i][LT_BAD] = LOOK_Readable(QColor(0xC0, 0x1C, 0x28), ground);
+        lines.text[i][LT_QUIET] =
+            QTV_ReadableColor(QTV_BlendColors(plain, ground, QUIET_SHARE), ground);
+        lines.text[i][LT_GOOD] = QTV_ReadableColor(QColor(0x1F, 0x8A, 0x4C), ground);
+        lines.text[i][LT_BAD] = QTV_ReadableColor(QColor(0xC0, 0x1C, 0x28), ground);
     }
     return lines;
 }
 
-void LOOK_Apply()
+void QTV_ApplyLook()
 {
     QApplication::setStyle(QStyleFactory::create("Fusion"));
     QFont font = QApplication::font();

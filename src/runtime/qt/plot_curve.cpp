@@ -21,14 +21,15 @@ double Near(double pixel)
 } // namespace
 
 PlotCurve::PlotCurve(QCPAxis *keyAxis, QCPAxis *valueAxis, const UI_Plot &plot)
-    : QCPAbstractPlottable(keyAxis, valueAxis), m_plot(plot), m_curve(PTH_Make(plot.x, plot.y))
+    : QCPAbstractPlottable(keyAxis, valueAxis), m_plot(plot),
+      m_curve(PLOT_MakeThinCurve(plot.x, plot.y))
 {
 }
 
 void PlotCurve::setPlot(const UI_Plot &plot)
 {
     if (plot.x != m_plot.x || plot.y != m_plot.y) // the same vectors hold the same samples
-        m_curve = PTH_Make(plot.x, plot.y);
+        m_curve = PLOT_MakeThinCurve(plot.x, plot.y);
     m_plot = plot;
 }
 
@@ -101,11 +102,11 @@ void PlotCurve::drawColumns(QCPPainter *painter) const
 {
     const QCPRange range = mKeyAxis->range();
     const int left = mKeyAxis->axisRect()->left();
-    std::vector<PTH_Column> columns;
-    PTH_Thin(m_curve, range.lower, range.upper, mKeyAxis->axisRect()->width(), &columns);
+    std::vector<PLOT_Column> columns;
+    PLOT_ThinOut(m_curve, range.lower, range.upper, mKeyAxis->axisRect()->width(), &columns);
     QVector<QLineF> strokes;
     double last = NAN; // of the column before: the strokes join
-    for (const PTH_Column &column : columns) {
+    for (const PLOT_Column &column : columns) {
         double low = column.low, high = column.high;
         if (std::isfinite(last) && std::isfinite(column.first)) {
             low = std::min(low, last);
@@ -133,7 +134,7 @@ void PlotCurve::draw(QCPPainter *painter)
     // With one more on each side: lines leave the picture rather than end in it.
     size_t first = 0, end = 0;
     const QCPRange range = mKeyAxis->range();
-    PTH_Find(m_curve, range.lower, range.upper, &first, &end);
+    PLOT_FindSample(m_curve, range.lower, range.upper, &first, &end);
     painter->setPen(mPen);
     painter->setBrush(Qt::NoBrush);
     const auto pixels = static_cast<size_t>(std::max(1, mKeyAxis->axisRect()->width()));

@@ -33,7 +33,7 @@ private:
     QPointF pointAt(size_t index) const;
 
     UI_Plot m_plot;
-    PTH_Curve m_curve;
+    PLOT_ThinCurve m_curve;
 };
 
 #endif

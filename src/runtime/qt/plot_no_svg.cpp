@@ -1,12 +1,12 @@
 // Without Qt's SVG module: the menu does not offer the ending.
 #include "runtime/qt/plot_svg.h"
 
-bool PSV_CanSave()
+bool PLOT_CanSaveSvg()
 {
     return false;
 }
 
-bool PSV_Save(QCustomPlot *, const QString &)
+bool PLOT_SaveSvg(QCustomPlot *, const QString &)
 {
     return false;
 }

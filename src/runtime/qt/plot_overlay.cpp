@@ -32,8 +32,8 @@ void PlotOverlay::draw(QCPPainter *painter)
     painter->setAntialiasing(false);
     painter->setFont(mParentPlot->font());
     painter->setPen(
-        QPen(LOOK_Quiet(mParentPlot->palette(), mParentPlot->palette().color(QPalette::Base)), 1,
-             Qt::DotLine));
+        QPen(QTV_QuietColor(mParentPlot->palette(), mParentPlot->palette().color(QPalette::Base)),
+             1, Qt::DotLine));
     // From the quietest to what was put there last: what comes later lies on top.
     for (const UI_Note &note : m_axes->notes)
         drawUpright(painter, note.x, QTV_ToQt(note.text), 1);

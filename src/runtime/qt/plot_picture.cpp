@@ -14,14 +14,14 @@ bool PlotWidget::saveTo(const QString &path)
     if (path.endsWith(".pdf", Qt::CaseInsensitive))
         return savePdf(path);
     if (path.endsWith(".svg", Qt::CaseInsensitive))
-        return PSV_Save(this, path);
+        return PLOT_SaveSvg(this, path);
     return savePng(path);
 }
 
 void PlotWidget::savePicture()
 {
     QStringList filters = {"PNG (*.png)", "PDF (*.pdf)"};
-    if (PSV_CanSave())
+    if (PLOT_CanSaveSvg())
         filters << "SVG (*.svg)";
     // Not exec: curves go on growing behind it, and the program goes on drawing.
     auto *dialog = new QFileDialog(this, "Save picture", QString(), filters.join(";;"));
@@ -35,7 +35,7 @@ void PlotWidget::savePicture()
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString &path) {
         if (!saveTo(path))
             QMessageBox::warning(this, "Error",
-                                 QString::fromStdString(SAF_FailureText(path.toStdString())));
+                                 QString::fromStdString(PLT_SaveFailureText(path.toStdString())));
     });
     dialog->open();
 }

@@ -5,12 +5,12 @@
 #include <QSvgGenerator>
 #include <qcustomplot.h>
 
-bool PSV_CanSave()
+bool PLOT_CanSaveSvg()
 {
     return true;
 }
 
-bool PSV_Save(QCustomPlot *plot, const QString &path)
+bool PLOT_SaveSvg(QCustomPlot *plot, const QString &path)
 {
     QSaveFile file(path); // the old picture stays until the new one is whole
     if (!file.open(QIODevice::WriteOnly))

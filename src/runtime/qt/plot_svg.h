@@ -7,7 +7,7 @@
 
 class QCustomPlot;
 
-bool PSV_CanSave();
-bool PSV_Save(QCustomPlot *plot, const QString &path); // false when it could not be written
+bool PLOT_CanSaveSvg();
+bool PLOT_SaveSvg(QCustomPlot *plot, const QString &path); // false when it could not be written
 
 #endif

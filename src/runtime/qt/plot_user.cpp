@@ -50,7 +50,7 @@ void PlotWidget::fit(bool isX, bool isY)
         m_view.isFollowing = false;
     }
     m_view.isYFitted = m_view.isYFitted || (isY && !m_isYLocked);
-    PLV_Settle(plots(), &m_view);
+    PLOT_SettleView(plots(), &m_view);
     tell();
 }
 
@@ -60,7 +60,7 @@ void PlotWidget::follow()
         return;
     m_view.isXFitted = false;
     m_view.isFollowing = true;
-    PLV_Settle(plots(), &m_view);
+    PLOT_SettleView(plots(), &m_view);
     tell();
 }
 
@@ -71,11 +71,11 @@ void PlotWidget::zoom(double share, const Pane &pane, double xCenter, double yCe
         return;
     if (isX && !m_isXLocked) {
         // Following goes on with another width: the newest sample stays at the edge.
-        PLV_Zoom(&m_view.x, share, m_view.isFollowing ? m_view.x.max : xCenter);
+        PLOT_Zoom(&m_view.x, share, m_view.isFollowing ? m_view.x.max : xCenter);
         m_view.isXFitted = false;
     }
     if (isY && !m_isYLocked) {
-        PLV_Zoom(&m_view.y[pane.number], share, yCenter);
+        PLOT_Zoom(&m_view.y[pane.number], share, yCenter);
         m_view.isYFitted = false;
     }
     tell();
@@ -135,7 +135,7 @@ void PlotWidget::setLayout(UI_GraphLayout layout)
     m_view.isYFitted = !m_isYLocked; // other curves share an axis now
     buildPanes();
     usePalette(); // new axes have Qt's colours
-    PLV_Settle(plots(), &m_view);
+    PLOT_SettleView(plots(), &m_view);
     tell();
 }
 
@@ -156,8 +156,8 @@ void PlotWidget::toggleCurve(PlotCurve *curve)
         hidden.push_back(curve->plot().handle);
     else
         hidden.erase(found);
-    usePalette();                 // hidden curves are dim in the legend
-    PLV_Settle(plots(), &m_view); // what is fitted, is fitted to what can be seen
+    usePalette();                      // hidden curves are dim in the legend
+    PLOT_SettleView(plots(), &m_view); // what is fitted, is fitted to what can be seen
     tell();
 }
 

@@ -19,7 +19,7 @@ constexpr size_t AXES_SIDE_BY_SIDE = 3; // of more panes over each other only on
 constexpr double FINE_CLOCK_S = 8;      // a narrower view has milliseconds at its foot
 constexpr int DIGITS = 6;               // of numbers in the corner: a float's, and no noise
 // Curves without a colour of their own, by place. Each can be told from its neighbours; what is too
-// pale or too dark for the ground is mended by LOOK_Readable.
+// pale or too dark for the ground is mended by QTV_ReadableColor.
 const QRgb COLORS[] = {0x1f77b4, 0xd95f02, 0x2ca02c, 0xc0392b, 0x7d4fb3, 0x8c564b,
                        0xd04a9b, 0x5f6a72, 0x8a8a00, 0x0f8f9f, 0x34495e, 0xb8860b,
                        0x006d5b, 0x9b2d5e, 0x3c6e00, 0x4b5fd0};
@@ -84,7 +84,7 @@ void PlotWidget::setPlots(const std::vector<UI_Plot> &plots)
         buildPanes();
         usePalette();
     }
-    PLV_Settle(plots, &m_view);
+    PLOT_SettleView(plots, &m_view);
     showView();
 }
 
@@ -117,7 +117,7 @@ void PlotWidget::buildPanes()
 {
     std::set<int> numbers;
     for (const PlotCurve *curve : m_curves)
-        numbers.insert(PLV_PaneOf(m_view, curve->plot().pane));
+        numbers.insert(PLOT_PaneOf(m_view, curve->plot().pane));
     if (numbers.empty())
         numbers.insert(0);
     for (PlotCurve *curve : m_curves) { // away from axes that go
@@ -158,7 +158,7 @@ void PlotWidget::buildPanes()
         pane.x->setTicker(m_axes.isTime ? m_clock : QSharedPointer<QCPAxisTicker>::create());
     }
     for (PlotCurve *curve : m_curves) {
-        const int number = PLV_PaneOf(m_view, curve->plot().pane);
+        const int number = PLOT_PaneOf(m_view, curve->plot().pane);
         for (const Pane &pane : m_panes) {
             if (pane.number != number)
                 continue;
@@ -171,7 +171,7 @@ void PlotWidget::buildPanes()
 QCPAxis *PlotWidget::valueAxis(int pane) const
 {
     for (const Pane &one : m_panes)
-        if (one.number == PLV_PaneOf(m_view, pane))
+        if (one.number == PLOT_PaneOf(m_view, pane))
             return one.y;
     return nullptr;
 }
@@ -191,7 +191,7 @@ void PlotWidget::usePalette()
 {
     const QColor ground = palette().color(QPalette::Base);
     const QColor text = palette().color(QPalette::Text);
-    const QColor quiet = LOOK_Quiet(palette(), ground);
+    const QColor quiet = QTV_QuietColor(palette(), ground);
     setBackground(ground);
     legend->setBrush(ground);
     legend->setTextColor(text);
@@ -200,10 +200,10 @@ void PlotWidget::usePalette()
     for (size_t i = 0; i < m_curves.size(); i++) {
         PlotCurve *curve = m_curves[i];
         const UI_Plot &plot = curve->plot();
-        const bool isHidden = PLV_IsHidden(m_view, plot.handle);
+        const bool isHidden = PLOT_IsHidden(m_view, plot.handle);
         const QRgb wanted =
             plot.color >= 0 ? static_cast<QRgb>(plot.color) : COLORS[i % COLOR_COUNT];
-        QPen pen(LOOK_Readable(QColor(wanted), ground));
+        QPen pen(QTV_ReadableColor(QColor(wanted), ground));
         pen.setStyle(plot.isDashed ? Qt::DashLine : Qt::SolidLine);
         curve->setPen(pen);
         curve->setVisible(!isHidden);
@@ -222,22 +222,22 @@ void PlotWidget::colorAxes()
 {
     const QColor ground = palette().color(QPalette::Base);
     const QColor text = palette().color(QPalette::Text);
-    const QColor grid = LOOK_Blend(text, ground, 1.0 / GROUND_STEPS);
+    const QColor grid = QTV_BlendColors(text, ground, 1.0 / GROUND_STEPS);
     const auto color = [&](QCPAxis *axis, const QColor &of) {
         axis->setBasePen(of);
         axis->setTickPen(of);
-        axis->setSubTickPen(LOOK_Quiet(palette(), ground));
+        axis->setSubTickPen(QTV_QuietColor(palette(), ground));
         axis->setTickLabelColor(of);
         axis->setLabelColor(of);
         axis->setTickLabelFont(font());
         axis->setLabelFont(font());
         axis->grid()->setPen(grid);
-        axis->grid()->setZeroLinePen(LOOK_Blend(text, ground, 3.0 / GROUND_STEPS));
+        axis->grid()->setZeroLinePen(QTV_BlendColors(text, ground, 3.0 / GROUND_STEPS));
     };
     for (size_t i = 0; i < m_panes.size(); i++) {
         QColor own = text;
         for (size_t k = m_curves.size(); m_panes.size() > 1 && k-- > 0;) // the first one wins
-            if (PLV_PaneOf(m_view, m_curves[k]->plot().pane) == m_panes[i].number)
+            if (PLOT_PaneOf(m_view, m_curves[k]->plot().pane) == m_panes[i].number)
                 own = m_curves[k]->pen().color();
         color(m_panes[i].x, text);
         color(m_panes[i].y, own);
@@ -342,7 +342,7 @@ std::vector<UI_Plot> PlotWidget::plots() const
 
 bool PlotWidget::hasSamples() const
 {
-    return PLV_HasSamples(plots(), m_view);
+    return PLOT_HasSamples(plots(), m_view);
 }
 
 void PlotWidget::changeEvent(QEvent *event)

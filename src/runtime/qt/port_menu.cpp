@@ -16,21 +16,21 @@ namespace {
 
 constexpr int PORTS_SHOWN = 9; // COM1 to COM9 have an item of their own
 
-QString NameAndDescription(const PTL_Port &port)
+QString NameAndDescription(const SER_PortEntry &port)
 {
     const QString name = QFileInfo(QTV_ToQt(port.device)).fileName();
     return port.description.empty() ? name : name + ", " + QTV_ToQt(port.description);
 }
 
 // What the menu shows behind "COM<n>": "" when there is no such device.
-QString Describe(int port, const std::vector<PTL_Port> &ports)
+QString Describe(int port, const std::vector<SER_PortEntry> &ports)
 {
-    for (const PTL_Port &found : ports) {
+    for (const SER_PortEntry &found : ports) {
         if (found.number != port)
             continue;
         // A device without a number is listed with the one it would get: it has none yet.
         const QFileInfo used(QTV_ToQt(SER_DevicePath(port))), device(QTV_ToQt(found.device));
-        if (PTL_CanAssign() && used.canonicalFilePath() != device.canonicalFilePath())
+        if (SER_CanAssignPort() && used.canonicalFilePath() != device.canonicalFilePath())
             return QString();
         return found.description.empty() ? QTV_ToQt(found.device) : NameAndDescription(found);
     }
@@ -39,7 +39,7 @@ QString Describe(int port, const std::vector<PTL_Port> &ports)
 
 void RefreshMenu(QMenu *assign)
 {
-    const std::vector<PTL_Port> ports = PTL_List();
+    const std::vector<SER_PortEntry> ports = SER_ListPorts();
     for (int port = 1; port <= PORTS_SHOWN; port++) {
         QAction *action = QTV_MenuAction(ITEM_PORT_FIRST + port - 1);
         if (!action)
@@ -52,14 +52,14 @@ void RefreshMenu(QMenu *assign)
     }
     // Each device with the numbers it can get; on systems that number their ports, nothing.
     assign->clear();
-    for (const PTL_Port &found : ports) {
+    for (const SER_PortEntry &found : ports) {
         QMenu *device = assign->addMenu(QTV_AccessText(NameAndDescription(found).toStdString()));
         const QString location = QTV_ToQt(found.device);
         for (int port = 1; port <= PORTS_SHOWN; port++)
             device->addAction(QString("COM&%1").arg(port), device,
                               [port, location] { QTV_AssignPort(port, location); });
     }
-    assign->menuAction()->setVisible(PTL_CanAssign() && !assign->isEmpty());
+    assign->menuAction()->setVisible(SER_CanAssignPort() && !assign->isEmpty());
 }
 
 // Of the window alone: the program has no part in it and waits for nothing.
@@ -75,12 +75,12 @@ void Tell(QMessageBox::Icon icon, const QString &title, const QString &message)
 
 QString QTV_DescribePort(int port)
 {
-    return Describe(port, PTL_List());
+    return Describe(port, SER_ListPorts());
 }
 
 int QTV_AssignPort(int port, const QString &device)
 {
-    if (PTL_Assign(device.toStdString(), port) < 0) {
+    if (SER_AssignPort(device.toStdString(), port) < 0) {
         Tell(QMessageBox::Warning, "Error", QString("Cannot write the link of COM%1.").arg(port));
         return -1;
     }

@@ -39,12 +39,12 @@ QColor SegmentBar::colorOf(unsigned style) const
     const QColor ground = palette().color(QPalette::Base);
     // What went wrong shows through whatever else is said of the segment.
     if (style & UIS_WARNING)
-        return LOOK_Readable(QColor(0xC0, 0x1C, 0x28), ground);
+        return QTV_ReadableColor(QColor(0xC0, 0x1C, 0x28), ground);
     if (style & UIS_GOOD)
-        return LOOK_Readable(QColor(0x1F, 0x8A, 0x4C), ground);
+        return QTV_ReadableColor(QColor(0x1F, 0x8A, 0x4C), ground);
     if (style & UIS_DIM)
-        return LOOK_Blend(palette().color(QPalette::Text), ground, 0.45);
-    return LOOK_Readable(QColor(0x1D, 0x6F, 0xB8), ground);
+        return QTV_BlendColors(palette().color(QPalette::Text), ground, 0.45);
+    return QTV_ReadableColor(QColor(0x1D, 0x6F, 0xB8), ground);
 }
 
 QRectF SegmentBar::rectOf(const UI_Segment &segment) const
@@ -61,7 +61,7 @@ void SegmentBar::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     const QColor ground = palette().color(QPalette::Base);
-    painter.setPen(LOOK_Blend(palette().color(QPalette::Text), ground, 0.5));
+    painter.setPen(QTV_BlendColors(palette().color(QPalette::Text), ground, 0.5));
     painter.setBrush(ground);
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
     for (const UI_Segment &segment : m_segments)

@@ -52,15 +52,15 @@ void ToggleSwitch::paintEvent(QPaintEvent *)
     // Off is grey, dimmed is paler still; on is the one colour.
     painter.setPen(Qt::NoPen);
     const QColor ground = palette().color(QPalette::Window);
-    const QColor off = LOOK_Blend(palette().color(QPalette::WindowText), ground, 0.45);
-    painter.setBrush(!isEnabled()  ? LOOK_Blend(off, ground, 0.4)
-                     : isChecked() ? LOOK_Readable(COLOR_ON, ground)
+    const QColor off = QTV_BlendColors(palette().color(QPalette::WindowText), ground, 0.45);
+    painter.setBrush(!isEnabled()  ? QTV_BlendColors(off, ground, 0.4)
+                     : isChecked() ? QTV_ReadableColor(COLOR_ON, ground)
                                    : off);
     painter.drawRoundedRect(track, radius, radius);
 
     const double knob = TRACK_HEIGHT - 2.0 * KNOB_INSET;
     const double left = isChecked() ? track.right() - KNOB_INSET - knob : track.left() + KNOB_INSET;
-    painter.setBrush(isDown() ? LOOK_Blend(off, ground, 0.3) : ground);
+    painter.setBrush(isDown() ? QTV_BlendColors(off, ground, 0.3) : ground);
     painter.drawEllipse(QRectF(left, track.top() + KNOB_INSET, knob, knob));
 
     painter.setPen(

@@ -195,7 +195,7 @@ int QTV_StartApplication(int *argc, char **argv)
     QObject::connect(application, &QApplication::focusChanged, ReportFocus);
     QObject::connect(application, &QGuiApplication::commitDataRequest, application, PostEnd,
                      Qt::DirectConnection);
-    LOOK_Apply();
+    QTV_ApplyLook();
     QTV_InstallKeyRouting();
     drawer = new Drawer(application);
     auto *busyTimer = new QTimer(application);

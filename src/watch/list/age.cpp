@@ -19,17 +19,17 @@ uint32_t run = 0;
 
 } // namespace
 
-void AGE_EndSweep()
+void RFR_EndAgeSweep()
 {
     ++sweep;
 }
 
-void AGE_EndRun()
+void RFR_EndAgeRun()
 {
     ++run;
 }
 
-void AGE_Stamp(LItem *item, int station)
+void RFR_StampAge(LItem *item, int station)
 {
     item->sweepRead = sweep;
     item->runRead = run;
@@ -37,16 +37,16 @@ void AGE_Stamp(LItem *item, int station)
     PLT_LocalTime(&item->readAt);
 }
 
-bool AGE_IsOld(const LItem &item)
+bool RFR_IsOld(const LItem &item)
 {
     if (!item.isValueGood)
         return false;
     // The station: an item without one of its own now means the selected one's memory.
     return item.runRead != run || item.stationRead != LIT_Station(item) ||
-           sweep - item.sweepRead > AGE_SWEEPS_MAX;
+           sweep - item.sweepRead > RFR_AGE_SWEEPS_MAX;
 }
 
-std::string AGE_Text(const LItem &item)
+std::string RFR_AgeText(const LItem &item)
 {
     const uint32_t seconds = (PLT_TickMs() - item.lastReadMs) / SECOND_MS;
     if (seconds < STEP_S)
@@ -59,9 +59,9 @@ std::string AGE_Text(const LItem &item)
 }
 
 // Without communication nothing brings the tip up to date: it then names the time only.
-std::string AGE_Tip(const LItem &item)
+std::string RFR_AgeTip(const LItem &item)
 {
-    if (!AGE_IsOld(item))
+    if (!RFR_IsOld(item))
         return "";
     char time[40];
     std::snprintf(time, sizeof time, "%02d:%02d:%02d", item.readAt.hour, item.readAt.minute,
@@ -71,5 +71,5 @@ std::string AGE_Tip(const LItem &item)
         tip += " from station " + std::to_string(item.stationRead);
     if (!isTimer)
         return tip + ", before communication was switched off.";
-    return tip + ", " + AGE_Text(item) + " ago.";
+    return tip + ", " + RFR_AgeText(item) + " ago.";
 }

@@ -41,7 +41,7 @@ std::string CannotOpen(const std::string &path)
 bool MayEmptyList(const std::string &path)
 {
     return ConfirmPopup("Vireo2",
-                        "The file '" + WRD_Visible(path) +
+                        "The file '" + TXT_Visible(path) +
                             "' holds no watch item. Replace the list of " +
                             std::to_string(nLItems) + " items all the same?",
                         UI_DEFAULT_NO) == 1;
@@ -51,19 +51,19 @@ bool MayEmptyList(const std::string &path)
 // it.
 int LoadAsCurrent(const std::string &path)
 {
-    MWN_Outdate(MWN_LIST);
-    const int result = DBG_LoadFile(path, MayEmptyList);
-    if (result == DBG_ERR_OPEN) {
+    WIN_Outdate(WIN_TOPIC_LIST);
+    const int result = LIT_LoadFile(path, MayEmptyList);
+    if (result == LIT_FILE_ERR_OPEN) {
         // " It is a folder, device or pipe."; nothing for a file that is simply not there.
-        const std::string why = PLF_WhyUnreadable(path);
-        const bool isMissing = why == PLF_ErrorText(PLF_ERR_OPEN);
-        VR_ShowMessage(CannotOpen(path) + (isMissing ? "" : " It " + why + "."), MWN_LIST);
+        const std::string why = PLT_WhyUnreadable(path);
+        const bool isMissing = why == PLT_FileErrorText(PLT_FILE_ERR_OPEN);
+        VR_ShowMessage(CannotOpen(path) + (isMissing ? "" : " It " + why + "."), WIN_TOPIC_LIST);
     }
     if (result != 0)
         return -2;
     szDebugFileName = path;
     IsDBGChange = 0;
-    HIS_Forget(); // they were made on another list
+    EDT_ForgetEdits(); // they were made on another list
     SetMainPanelTitle();
     return 0;
 }
@@ -90,13 +90,13 @@ int SaveDbg(int panel)
         return -1;
     if (szDebugFileName.empty())
         return SaveDbgAs(panel);
-    const int result = DBG_WriteFile(szDebugFileName);
+    const int result = LIT_WriteFile(szDebugFileName);
     if (result != 0) {
         Error(result == -1 ? CannotOpen(szDebugFileName)
                            : "Cannot write file '" + szDebugFileName + "'.");
         return -1;
     }
-    DBG_RememberStamp(szDebugFileName); // our own write is no change on disk
+    LIT_RememberFileStamp(szDebugFileName); // our own write is no change on disk
     openLItems = 1;
     IsDBGChange = 0;
     SetMainPanelTitle();
@@ -110,7 +110,7 @@ int SaveDbgAs(int panel)
     std::string path;
     const std::string proposal = szDebugFileName.empty() ? FILE_PATTERN : szDebugFileName;
     if (FileSelectPopup(PLT_CurrentDir(), proposal, FILE_TYPES, "Save Debug file", FILE_SAVE,
-                        &path) <= VAL_NO_FILE_SELECTED)
+                        &path) <= CON_NO_FILE_SELECTED)
         return 0;
     // Under a name that cannot be written nothing would be saved later, either.
     const std::string previousName = szDebugFileName;
@@ -127,7 +127,7 @@ int LoadDbgFile(int /*panel*/)
     const int answer =
         FileSelectPopup(isNamed ? "" : PLT_CurrentDir(), isNamed ? szDebugFileName : FILE_PATTERN,
                         isNamed ? FILE_PATTERN : FILE_TYPES, "Open Icon", FILE_LOAD, &path);
-    return answer == VAL_EXISTING_FILE_SELECTED ? LoadAsCurrent(path) : -1;
+    return answer == CON_EXISTING_FILE_SELECTED ? LoadAsCurrent(path) : -1;
 }
 
 int DbgChngSafety()
@@ -152,7 +152,7 @@ int DbgChngSafety()
     return -1;
 }
 
-int DBG_CheckReload(int /*panel*/)
+int LIT_CheckReload(int /*panel*/)
 {
     static bool isAsking = false; // the question itself activates the window again
     if (isAsking || !IsDbgFileChanged())
@@ -172,7 +172,7 @@ int DBG_CheckReload(int /*panel*/)
     return 1;
 }
 
-int DBG_Open(const std::string &path)
+int LIT_OpenFile(const std::string &path)
 {
     if (DbgChngSafety() != 0)
         return -1;
@@ -200,7 +200,7 @@ void SaveDbgAsCB(int /*menuBar*/, int /*item*/)
 
 void ReloadNowCB(int /*menuBar*/, int /*item*/)
 {
-    if (!szDebugFileName.empty() && DBG_Open(std::string(szDebugFileName)) == 0)
+    if (!szDebugFileName.empty() && LIT_OpenFile(std::string(szDebugFileName)) == 0)
         ShowLoaded();
 }
 
@@ -218,7 +218,7 @@ void MenuReopenFileCB(int /*menuBar*/, int item)
         if (anRecentItems[i] == 0 || anRecentItems[i] != item)
             continue;
         const std::string path = szaDebugFileNames[static_cast<size_t>(i)]; // opening sorts them
-        if (DBG_Open(path) == 0)
+        if (LIT_OpenFile(path) == 0)
             ShowLoaded();
         return;
     }

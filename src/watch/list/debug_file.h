@@ -12,7 +12,7 @@ void AddDebugFileName(const std::string &path);
 
 // Asks about unsaved changes, then loads a file as the current one. 0, -1 the user
 // cancelled, -2 cannot be opened (message area; list and name unchanged).
-int DBG_Open(const std::string &path);
+int LIT_OpenFile(const std::string &path);
 
 int LoadDbgFile(int panel); // 0 loaded, -1 cancelled, -2 cannot be opened
 int SaveDbg(int panel);     // 1 saved, 0 cancelled, -1 not saved (reported)
@@ -21,7 +21,7 @@ int DbgChngSafety();        // 0 go on, -1 stop
 
 // For the main panel when its window is activated: asks whether to load the debug file
 // again when it has changed on disk. 1 loaded, 0 not changed or not wanted, -2 failed.
-int DBG_CheckReload(int panel);
+int LIT_CheckReload(int panel);
 
 // Menu and button callbacks.
 void OpenDatCB(int menuBar, int item);

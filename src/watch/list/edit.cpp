@@ -24,7 +24,7 @@ bool IsIndex(int index)
 void ShowChanged(int line)
 {
     IsDBGChange = 1;
-    MWN_Outdate(MWN_LIST); // before a caller says what was done
+    WIN_Outdate(WIN_TOPIC_LIST); // before a caller says what was done
     SetMainPanelTitle();
     // A list that was never read has no values to show yet.
     if (readLItems && nLItems > 0)
@@ -36,27 +36,27 @@ void ShowChanged(int line)
 }
 
 // Does the steps of one edit, which undo takes back as a whole.
-void MakeEdit(const HIS_Edit &edit, int line)
+void MakeEdit(const EDT_Edit &edit, int line)
 {
-    for (const HIS_Step &step : edit.steps)
-        HIS_Apply(step);
-    HIS_Record(edit);
+    for (const EDT_Step &step : edit.steps)
+        EDT_ApplyStep(step);
+    EDT_RecordStep(edit);
     ShowChanged(line);
 }
 
-HIS_Step StepOf(HIS_Kind kind, int index)
+EDT_Step StepOf(EDT_EditKind kind, int index)
 {
-    HIS_Step step;
+    EDT_Step step;
     step.kind = kind;
     step.index = index;
-    if (kind == HIS_REMOVE || kind == HIS_REPLACE) // what undo puts back
+    if (kind == EDT_REMOVE || kind == EDT_REPLACE) // what undo puts back
         step.before = aLItems[index];
     return step;
 }
 
 void Replace(int index, const LItem &item)
 {
-    HIS_Step step = StepOf(HIS_REPLACE, index);
+    EDT_Step step = StepOf(EDT_REPLACE, index);
     step.after = item;
     MakeEdit({"change " + LIT_Label(step.before), {step}}, index);
 }
@@ -70,7 +70,7 @@ bool NormalLines(std::vector<int> *lines)
 }
 
 // After an edit was taken back or done again: the line that it was about.
-int ShowAgain(const HIS_Edit &edit, std::string *what)
+int ShowAgain(const EDT_Edit &edit, std::string *what)
 {
     *what = edit.what;
     // It may have been the last line, and be gone now.
@@ -93,7 +93,7 @@ int InsertItem(const LItem &item, int position)
         position = nLItems;
     if (position < 0 || position > nLItems)
         return EDT_ERR_INDEX;
-    HIS_Step step = StepOf(HIS_INSERT, position);
+    EDT_Step step = StepOf(EDT_INSERT, position);
     step.after = item;
     MakeEdit({"add " + LIT_Label(item), {step}}, position);
     return position;
@@ -120,7 +120,7 @@ int EDT_Change(int index, const std::string &text, const std::string &typeField)
     if (!IsIndex(index))
         return EDT_ERR_INDEX;
     // Parsed anew, a name would lose the address that was given with it.
-    if (WRD_Trim(text) == LIT_Label(aLItems[index]))
+    if (TXT_Trim(text) == LIT_Label(aLItems[index]))
         return typeField == EDT_TypeField(aLItems[index]) ? 0 : EDT_SetType(index, typeField);
     LItem item;
     const int result = EDT_Parse(text, typeField, &item);
@@ -151,7 +151,7 @@ int EDT_Find(const EDT_Reference &reference)
     return -1;
 }
 
-std::vector<EDT_Reference> WSL_GetSelection()
+std::vector<EDT_Reference> SEL_GetWatchSelection()
 {
     std::vector<EDT_Reference> lines;
     if (!VR_isWatchView)
@@ -170,10 +170,10 @@ int EDT_RemoveLines(std::vector<int> lines)
 {
     if (!NormalLines(&lines))
         return EDT_ERR_INDEX;
-    HIS_Edit edit;
+    EDT_Edit edit;
     edit.what = "remove " + CountOrLabel(lines);
     for (auto line = lines.rbegin(); line != lines.rend(); ++line) // the last first: indices hold
-        edit.steps.push_back(StepOf(HIS_REMOVE, *line));
+        edit.steps.push_back(StepOf(EDT_REMOVE, *line));
     MakeEdit(edit, lines.front());
     return 0;
 }
@@ -184,7 +184,7 @@ int EDT_Move(int from, int to)
         return EDT_ERR_INDEX;
     if (from == to)
         return 0;
-    HIS_Step step = StepOf(HIS_MOVE, from);
+    EDT_Step step = StepOf(EDT_MOVE, from);
     step.to = to;
     MakeEdit({"move " + LIT_Label(aLItems[from]), {step}}, to);
     return 0;
@@ -195,13 +195,13 @@ int EDT_MoveLines(std::vector<int> lines, int by)
     if ((by != 1 && by != -1) || !NormalLines(&lines) || !IsIndex(lines.front() + by) ||
         !IsIndex(lines.back() + by))
         return EDT_ERR_INDEX;
-    HIS_Edit edit;
+    EDT_Edit edit;
     edit.what = "move " + CountOrLabel(lines);
     // The one in front goes first, so that no line jumps over another selected one.
     if (by > 0)
         std::reverse(lines.begin(), lines.end());
     for (const int line : lines) {
-        HIS_Step step = StepOf(HIS_MOVE, line);
+        EDT_Step step = StepOf(EDT_MOVE, line);
         step.to = line + by;
         edit.steps.push_back(step);
     }
@@ -217,10 +217,10 @@ int EDT_GatherLines(std::vector<int> lines, int gap)
 {
     if (!NormalLines(&lines) || gap < 0 || gap > nLItems)
         return EDT_ERR_INDEX;
-    HIS_Edit edit;
+    EDT_Edit edit;
     edit.what = "move " + CountOrLabel(lines);
     const auto addMove = [&edit](int from, int to) {
-        HIS_Step step = StepOf(HIS_MOVE, from);
+        EDT_Step step = StepOf(EDT_MOVE, from);
         step.to = to;
         if (from != to)
             edit.steps.push_back(step);
@@ -246,13 +246,13 @@ int EDT_GatherLines(std::vector<int> lines, int gap)
 
 int EDT_Undo(std::string *what)
 {
-    const HIS_Edit *edit = HIS_Undo();
+    const EDT_Edit *edit = EDT_UndoStep();
     return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
 }
 
 int EDT_Redo(std::string *what)
 {
-    const HIS_Edit *edit = HIS_Redo();
+    const EDT_Edit *edit = EDT_RedoStep();
     return edit != nullptr ? ShowAgain(*edit, what) : EDT_ERR_NOTHING;
 }
 
@@ -283,7 +283,7 @@ int EDT_SetComment(int index, const std::string &comment)
     for (char &c : item.comment)
         if (std::iscntrl(static_cast<unsigned char>(c)))
             c = ' ';
-    item.comment = WRD_Trim(item.comment);
+    item.comment = TXT_Trim(item.comment);
     // Longer, and the rest would come back as the next line.
     constexpr size_t AROUND_MAX = 16; // semicolon and blanks
     if (LIT_FileLine(item).size() + AROUND_MAX + item.comment.size() > LITEM_LINE_MAX)

@@ -29,7 +29,7 @@ EDT_Reference EDT_Refer(int index);
 int EDT_Find(const EDT_Reference &reference); // the item's index now, -1 = it is gone
 // The selected lines by rising index, for windows of other rooms: at least the one with the
 // keyboard; none for an empty list or in the console view, where the list is out of sight.
-std::vector<EDT_Reference> WSL_GetSelection();
+std::vector<EDT_Reference> SEL_GetWatchSelection();
 
 int EDT_Remove(int index);                   // 0 or EDT_ERR_
 int EDT_RemoveLines(std::vector<int> lines); // several as one edit; 0 or EDT_ERR_

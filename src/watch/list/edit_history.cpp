@@ -9,7 +9,7 @@
 
 namespace {
 
-std::vector<HIS_Edit> done, undone;
+std::vector<EDT_Edit> done, undone;
 
 // An item that comes back may have been away while another map was loaded, and what was
 // held for it belongs to a read of then.
@@ -20,14 +20,14 @@ void SetItem(int index, const LItem &item)
     LIT_ResolveAnew(&aLItems[index]);
 }
 
-HIS_Step Inverse(const HIS_Step &step)
+EDT_Step Inverse(const EDT_Step &step)
 {
-    HIS_Step inverse = step;
-    if (step.kind == HIS_INSERT)
-        inverse.kind = HIS_REMOVE;
-    else if (step.kind == HIS_REMOVE)
-        inverse.kind = HIS_INSERT;
-    else if (step.kind == HIS_MOVE)
+    EDT_Step inverse = step;
+    if (step.kind == EDT_INSERT)
+        inverse.kind = EDT_REMOVE;
+    else if (step.kind == EDT_REMOVE)
+        inverse.kind = EDT_INSERT;
+    else if (step.kind == EDT_MOVE)
         std::swap(inverse.index, inverse.to);
     std::swap(inverse.before, inverse.after);
     return inverse;
@@ -35,24 +35,24 @@ HIS_Step Inverse(const HIS_Step &step)
 
 } // namespace
 
-void HIS_Apply(const HIS_Step &step)
+void EDT_ApplyStep(const EDT_Step &step)
 {
     LItem *const place = aLItems + step.index, *const end = aLItems + nLItems;
     switch (step.kind) {
-    case HIS_INSERT:
+    case EDT_INSERT:
         std::move_backward(place, end,
                            end + 1); // whoever made the step has seen that there is room
         ++nLItems;
         SetItem(step.index, step.after);
         break;
-    case HIS_REMOVE:
+    case EDT_REMOVE:
         std::move(place + 1, end, place);
         aLItems[--nLItems] = LItem();
         break;
-    case HIS_REPLACE:
+    case EDT_REPLACE:
         SetItem(step.index, step.after);
         break;
-    case HIS_MOVE: // those between make room by one place
+    case EDT_MOVE: // those between make room by one place
         if (step.index < step.to)
             std::rotate(place, place + 1, aLItems + step.to + 1);
         else
@@ -61,50 +61,50 @@ void HIS_Apply(const HIS_Step &step)
     }
 }
 
-void HIS_Record(const HIS_Edit &edit)
+void EDT_RecordStep(const EDT_Edit &edit)
 {
     undone.clear();
     done.push_back(edit);
-    if (done.size() > HIS_EDITS_MAX)
+    if (done.size() > EDT_EDITS_MAX)
         done.erase(done.begin());
 }
 
-const HIS_Edit *HIS_Undo()
+const EDT_Edit *EDT_UndoStep()
 {
     if (done.empty())
         return nullptr;
     undone.push_back(std::move(done.back()));
     done.pop_back();
-    const HIS_Edit &edit = undone.back();
+    const EDT_Edit &edit = undone.back();
     // Backwards: the index of a step holds only in the list that the steps before it left.
     for (auto step = edit.steps.rbegin(); step != edit.steps.rend(); ++step)
-        HIS_Apply(Inverse(*step));
+        EDT_ApplyStep(Inverse(*step));
     return &edit;
 }
 
-const HIS_Edit *HIS_Redo()
+const EDT_Edit *EDT_RedoStep()
 {
     if (undone.empty())
         return nullptr;
     done.push_back(std::move(undone.back()));
     undone.pop_back();
-    const HIS_Edit &edit = done.back();
-    for (const HIS_Step &step : edit.steps)
-        HIS_Apply(step);
+    const EDT_Edit &edit = done.back();
+    for (const EDT_Step &step : edit.steps)
+        EDT_ApplyStep(step);
     return &edit;
 }
 
-bool HIS_CanUndo()
+bool EDT_CanUndo()
 {
     return !done.empty();
 }
 
-bool HIS_CanRedo()
+bool EDT_CanRedo()
 {
     return !undone.empty();
 }
 
-void HIS_Forget()
+void EDT_ForgetEdits()
 {
     done.clear();
     undone.clear();

@@ -10,30 +10,30 @@
 
 #include "watch/list/litem.h"
 
-constexpr size_t HIS_EDITS_MAX = 100; // the oldest edit goes first
+constexpr size_t EDT_EDITS_MAX = 100; // the oldest edit goes first
 
-enum HIS_Kind { HIS_INSERT, HIS_REMOVE, HIS_REPLACE, HIS_MOVE };
-struct HIS_Step {
-    HIS_Kind kind = HIS_INSERT;
+enum EDT_EditKind { EDT_INSERT, EDT_REMOVE, EDT_REPLACE, EDT_MOVE };
+struct EDT_Step {
+    EDT_EditKind kind = EDT_INSERT;
     int index = 0;
     int to = 0;   // of a move: index afterwards
     LItem before; // removed or replaced
     LItem after;  // inserted or in its place
 };
-struct HIS_Edit {
+struct EDT_Edit {
     std::string what; // "remove nnCount"
-    std::vector<HIS_Step> steps;
+    std::vector<EDT_Step> steps;
 };
 
-void HIS_Apply(const HIS_Step &step); // to the list
+void EDT_ApplyStep(const EDT_Step &step); // to the list
 // A finished edit, whose steps have been applied: nothing can be redone any more.
-void HIS_Record(const HIS_Edit &edit);
+void EDT_RecordStep(const EDT_Edit &edit);
 // Takes the last edit back, or does again what was taken back last. Null when there is none;
 // else the edit, valid until the next call.
-const HIS_Edit *HIS_Undo();
-const HIS_Edit *HIS_Redo();
-bool HIS_CanUndo();
-bool HIS_CanRedo();
-void HIS_Forget(); // another list was loaded
+const EDT_Edit *EDT_UndoStep();
+const EDT_Edit *EDT_RedoStep();
+bool EDT_CanUndo();
+bool EDT_CanRedo();
+void EDT_ForgetEdits(); // another list was loaded
 
 #endif

@@ -100,7 +100,7 @@ void FM_Update(int selected)
         metered = {selected,        item.address,   item.size, LIT_Station(item),
                    LIT_IsTMS(item), item.goodReads, false};
     // The first sample is the value that is there, unless it is old.
-    if (isOther ? AGE_IsOld(item) : metered.goodReads == item.goodReads)
+    if (isOther ? RFR_IsOld(item) : metered.goodReads == item.goodReads)
         return;
     metered.goodReads = item.goodReads;
     if (metered.isStarted)

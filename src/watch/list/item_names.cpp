@@ -80,7 +80,7 @@ void LIT_ResolveAnew(LItem *item)
     item->isHeld &= isSamePlace;
 }
 
-void NCH_NamesChanged(SYM_Change change)
+void LIT_NamesChanged(SYM_Change change)
 {
     if (change == SYM_MAP_LOADED) {
         // Another map forgets every address and resolves again what it can; the TMS320 items

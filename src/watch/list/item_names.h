@@ -19,7 +19,7 @@ void LIT_Resolve(LItem *item);
 void LIT_ResolveAnew(LItem *item);
 
 // The symbols' listener: looks up the items concerned again and shows their addresses.
-void NCH_NamesChanged(SYM_Change change);
+void LIT_NamesChanged(SYM_Change change);
 // After another processor was selected: looks up the C166 items' names again and places
 // the members of structures as that processor does. A register that it does not have is
 // not resolved any more. The list is not drawn.

@@ -48,11 +48,11 @@ void EditCell()
     // The checks, the write and the reading back of the value window. What cannot be a value
     // is refused before anybody is asked about communication.
     uint64_t bits = 0;
-    const int parsed = WRV_Parse(aLItems[index], text, &bits, &message);
-    if (parsed == WRV_OK && !VR_EnsureCom())
+    const int parsed = VAL_ParseFor(aLItems[index], text, &bits, &message);
+    if (parsed == VAL_WRITE_OK && !VR_EnsureCom())
         message = "The value was not written: communication is off.";
-    else if (parsed == WRV_OK)
-        WRV_Write(index, text, &message);
+    else if (parsed == VAL_WRITE_OK)
+        VAL_Write(index, text, &message);
     VR_ShowMessage(LIT_Label(aLItems[index]) + ": " + message);
 }
 
@@ -79,7 +79,7 @@ void ShowAgain(const char *how, int (*again)(std::string *what))
 
 } // namespace
 
-void LEV_Enable()
+void LSV_Enable()
 {
     int memoryLines = 0;
     const bool hasMemory =
@@ -93,8 +93,8 @@ void LEV_Enable()
         {ITEM_ADD, isInView},
         {ITEM_EDIT, hasLine},
         {ITEM_REMOVE, hasLine},
-        {ITEM_UNDO, isInView && HIS_CanUndo()},
-        {ITEM_REDO, isInView && HIS_CanRedo()},
+        {ITEM_UNDO, isInView && EDT_CanUndo()},
+        {ITEM_REDO, isInView && EDT_CanRedo()},
         {ITEM_MOVE_UP, hasTwoLines},
         {ITEM_MOVE_DOWN, hasTwoLines},
         {ITEM_WRITE_VALUE, hasLine},
@@ -109,18 +109,18 @@ void LEV_Enable()
     const int menuBar = GetPanelMenuBar(mainPanel);
     for (const auto &row : rows)
         SetMenuBarAttribute(menuBar, row.item, ATTR_DIMMED, !row.isOn);
-    VLP_Refresh(); // which shows one of these lines
+    WIN_RefreshValue(); // which shows one of these lines
 }
 
-int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
+int LSV_ListCB(int /*panel*/, int /*control*/, int event, int data)
 {
     switch (event) {
     case EVENT_COMMIT: // Enter
     case EVENT_LEFT_DOUBLE_CLICK:
-        LEV_WriteCB(0, ITEM_WRITE_VALUE);
+        LSV_WriteCB(0, ITEM_WRITE_VALUE);
         break;
     case EVENT_RIGHT_CLICK:
-        LEV_Enable(); // the click may have selected another line
+        LSV_Enable(); // the click may have selected another line
         RunPopupMenu(GetPanelMenuBar(mainPanel), MENU_EDIT);
         break;
     case EVENT_CELL_EDITED:
@@ -135,28 +135,28 @@ int LEV_ListCB(int /*panel*/, int /*control*/, int event, int data)
     return 0;
 }
 
-void LEV_AddCB(int /*menuBar*/, int /*item*/)
+void LSV_AddCB(int /*menuBar*/, int /*item*/)
 {
-    ITP_OpenAdd();
+    WIN_OpenAddItem();
 }
 
-void LEV_EditCB(int /*menuBar*/, int /*item*/)
+void LSV_EditCB(int /*menuBar*/, int /*item*/)
 {
     if (ActedOn() >= 0)
-        ITP_OpenEdit(ActedOn());
+        WIN_OpenEditItem(ActedOn());
 }
 
-void LEV_UndoCB(int /*menuBar*/, int /*item*/)
+void LSV_UndoCB(int /*menuBar*/, int /*item*/)
 {
     ShowAgain("Undone: ", EDT_Undo);
 }
 
-void LEV_RedoCB(int /*menuBar*/, int /*item*/)
+void LSV_RedoCB(int /*menuBar*/, int /*item*/)
 {
     ShowAgain("Done again: ", EDT_Redo);
 }
 
-void LEV_OtherBaseCB(int /*menuBar*/, int /*item*/)
+void LSV_OtherBaseCB(int /*menuBar*/, int /*item*/)
 {
     for (const int line : LSV_SelectedLines()) {
         LItem &item = aLItems[line];
@@ -167,7 +167,7 @@ void LEV_OtherBaseCB(int /*menuBar*/, int /*item*/)
         LSV_ShowValues();
 }
 
-void LEV_RemoveCB(int /*menuBar*/, int /*item*/)
+void LSV_RemoveCB(int /*menuBar*/, int /*item*/)
 {
     const std::vector<int> lines = LSV_SelectedLines();
     if (lines.empty())
@@ -181,7 +181,7 @@ void LEV_RemoveCB(int /*menuBar*/, int /*item*/)
         VR_ShowMessage("Removed: " + what + ". Ctrl+Z puts " + (isOne ? "it" : "them") + " back.");
 }
 
-void LEV_MoveCB(int /*menuBar*/, int item)
+void LSV_MoveCB(int /*menuBar*/, int item)
 {
     const std::vector<int> lines = LSV_SelectedLines();
     const int by = item == ITEM_MOVE_UP ? -1 : 1;
@@ -190,7 +190,7 @@ void LEV_MoveCB(int /*menuBar*/, int item)
         Report(EDT_MoveLines(lines, by));
 }
 
-void LEV_CommentCB(int /*menuBar*/, int /*item*/)
+void LSV_CommentCB(int /*menuBar*/, int /*item*/)
 {
     const int line = ActedOn();
     if (line < 0)
@@ -198,18 +198,18 @@ void LEV_CommentCB(int /*menuBar*/, int /*item*/)
     // While the question is open the list may be loaded or edited from elsewhere.
     const EDT_Reference reference = EDT_Refer(line);
     std::string comment = aLItems[line].comment;
-    if (PromptPopup("Comment", "Comment on " + WRD_Visible(reference.label), &comment,
+    if (PromptPopup("Comment", "Comment on " + TXT_Visible(reference.label), &comment,
                     LITEM_LINE_MAX) >= 0)
         Report(EDT_SetComment(EDT_Find(reference), comment));
 }
 
-void LEV_WriteCB(int /*menuBar*/, int /*item*/)
+void LSV_WriteCB(int /*menuBar*/, int /*item*/)
 {
     if (ActedOn() >= 0)
-        VLP_Open(ActedOn());
+        WIN_OpenValue(ActedOn());
 }
 
-void LEV_MemoryCB(int /*menuBar*/, int /*item*/)
+void LSV_MemoryCB(int /*menuBar*/, int /*item*/)
 {
-    MMP_Open(ActedOn());
+    WIN_OpenMemory(ActedOn());
 }

@@ -91,15 +91,15 @@ bool BuildItem(const LineFields &line, LItem *item, bool *isGood)
     }
     const bool isAnonymous = line.field[0][0] == '[';
     const std::string &type = line.field[isAnonymous && line.count < 3 ? 1 : line.count - 1];
-    VTY_SetFromField(item, type.c_str());
+    VAL_SetFromField(item, type.c_str());
     item->address = item->givenAddress;
     // Only the first two characters of a type count, and "b4" says what it gives all the same.
     // "u3" and "q" do not.
-    const VTY_Row *row = VTY_Find(type[0]);
-    const bool isSizeOpen = WRD_Trim(type.substr(std::min<size_t>(1, type.size()), 1)).empty();
+    const VAL_TypeRow *row = VAL_FindType(type[0]);
+    const bool isSizeOpen = TXT_Trim(type.substr(std::min<size_t>(1, type.size()), 1)).empty();
     const bool isTypeMeant =
-        type.empty() ||
-        (row != nullptr && (row->onlySize != 0 || isSizeOpen || VTY_IsField(type.substr(0, 2))));
+        type.empty() || (row != nullptr &&
+                         (row->onlySize != 0 || isSizeOpen || VAL_IsTypeField(type.substr(0, 2))));
     *isGood = *isGood && isTypeMeant;
     return line.count >= 2;
 }
@@ -107,19 +107,19 @@ bool BuildItem(const LineFields &line, LItem *item, bool *isGood)
 // A debug file as it was read, before it takes the list's place.
 struct ReadFile {
     std::vector<LItem> items;
-    LAY_File layout;
+    LIT_FileLayout layout;
     std::vector<int> badLines; // their numbers, from 1
     bool isFull = false;       // more items than the list holds
 };
 
 // One line of the text: its item, if it gives one, and what kind of line it is.
-LAY_Kind ReadItemLine(const char *text, int number, ReadFile *file)
+LIT_FileLineKind ReadItemLine(const char *text, int number, ReadFile *file)
 {
     LineFields line;
     LItem item;
     const int split = SplitLine(text, &line);
     if (split == 0)
-        return LAY_OTHER;
+        return LIT_FILE_OTHER;
     bool isGood = true;
     const bool isItem = split > 0 && BuildItem(line, &item, &isGood);
     if (isItem) {
@@ -132,18 +132,18 @@ LAY_Kind ReadItemLine(const char *text, int number, ReadFile *file)
     // lists written with that in mind must keep their sizes.
     if (line.isTMS && !file->items.empty())
         file->items.back().size = 4;
-    return isItem ? LAY_ITEM : line.isTMS ? LAY_WIDENER : LAY_OTHER;
+    return isItem ? LIT_FILE_ITEM : line.isTMS ? LIT_FILE_WIDENER : LIT_FILE_OTHER;
 }
 
 // Reads every line, those behind the last item that the list can hold for the layout only.
 int ReadDebugFile(const std::string &path, ReadFile *file)
 {
-    if (PLF_ReadAll(path, FILE_SIZE_MAX, &file->layout.content) != PLF_OK)
-        return DBG_ERR_OPEN;
+    if (PLT_ReadFile(path, FILE_SIZE_MAX, &file->layout.content) != PLT_FILE_OK)
+        return LIT_FILE_ERR_OPEN;
     const std::string &content = file->layout.content;
     const int reader = TXFR_OpenMemory(content.data(), content.size());
     if (reader < 0)
-        return DBG_ERR_OPEN;
+        return LIT_FILE_ERR_OPEN;
     char text[LITEM_LINE_MAX + 1];
     int number = 1;
     for (;;) {
@@ -154,11 +154,12 @@ int ReadDebugFile(const std::string &path, ReadFile *file)
             if (isRest && begin < content.size()) // dropped bytes at the end
                 file->layout.lines.back().end = content.size();
             else if (begin < content.size())
-                file->layout.lines.push_back({begin, content.size(), LAY_OTHER});
+                file->layout.lines.push_back({begin, content.size(), LIT_FILE_OTHER});
             break;
         }
         file->isFull = file->isFull || file->items.size() >= LITEMS_MAX;
-        const LAY_Kind kind = file->isFull ? LAY_OTHER : ReadItemLine(text, number, file);
+        const LIT_FileLineKind kind =
+            file->isFull ? LIT_FILE_OTHER : ReadItemLine(text, number, file);
         const long position = TXFR_GetFilePos(reader); // negative: the file ends here
         const size_t end = position < 0 ? content.size() : static_cast<size_t>(position);
         const bool isBroken = TXFR_IsBrokenLine(reader) == 1;
@@ -215,7 +216,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
         if (found == maxFields)
             return 0;
         // Once more behind the cut: what is saved must be read as the same field.
-        fields[found++] = WRD_Trim(WRD_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
+        fields[found++] = TXT_Trim(TXT_Trim(std::string(begin, end)).substr(0, LITEM_FIELD_MAX));
         if (*end == '\0')
             break;
         begin = end + 1;
@@ -226,7 +227,7 @@ int parseLine(const char *line, int maxFields, int *count, std::string *fields)
 
 void getTypeLItem(int /*count*/, const char *typeField)
 {
-    VTY_SetFromField(&aLItems[nLItems], typeField);
+    VAL_SetFromField(&aLItems[nLItems], typeField);
 }
 
 int parseStationModifier(char *text)
@@ -239,20 +240,20 @@ int parseStationModifier(char *text)
     return station;
 }
 
-int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &path))
+int LIT_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &path))
 {
     ReadFile file;
     const int result = ReadDebugFile(path, &file);
     if (result != 0)
         return result;
     if (file.items.empty() && nLItems > 0 && mayEmpty != nullptr && !mayEmpty(path))
-        return DBG_ERR_KEPT;
-    DBG_RememberStamp(path);
+        return LIT_FILE_ERR_KEPT;
+    LIT_RememberFileStamp(path);
     nLItems = static_cast<int>(file.items.size());
     std::move(file.items.begin(), file.items.end(), aLItems);
-    LAY_Set(std::move(file.layout));
+    LIT_SetLayout(std::move(file.layout));
     for (int i = 0; i < nLItems; ++i)
-        aLItems[i].comment = LAY_Comment(aLItems[i].fileLine);
+        aLItems[i].comment = LIT_FileComment(aLItems[i].fileLine);
     // The items that fit stay as they are in the file, and the box says why they are not all.
     if (file.isFull) {
         MessagePopup("Error", LIT_FULL);
@@ -267,16 +268,16 @@ int DBG_LoadFile(const std::string &path, bool (*mayEmpty)(const std::string &pa
         completeTMSLItems(aVarTMSNode, nTMSNodes);
     readLItems = 0;
     if (!file.badLines.empty())
-        VR_ShowMessage(BadLinesText(path, file.badLines), MWN_LIST);
+        VR_ShowMessage(BadLinesText(path, file.badLines), WIN_TOPIC_LIST);
     return 0;
 }
 
 int dat2litems(const char *path)
 {
-    return DBG_LoadFile(path, nullptr);
+    return LIT_LoadFile(path, nullptr);
 }
 
-void DBG_RememberStamp(const std::string &path)
+void LIT_RememberFileStamp(const std::string &path)
 {
     ReadTime(path, &lastSeen);
 }
@@ -293,20 +294,20 @@ int IsDbgFileChanged()
     return isSame ? 0 : 1;
 }
 
-int DBG_WriteFile(const std::string &path)
+int LIT_WriteFile(const std::string &path)
 {
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
-    const std::string text = LAY_Compose(LIT_FileLine);
+    const std::string text = LIT_ComposeFile(LIT_FileLine);
     if (std::fwrite(text.data(), 1, text.size(), safe.file) != text.size()) {
-        SAF_Cancel(&safe);
+        PLT_CancelSave(&safe);
         return -2;
     }
-    return SAF_Commit(&safe) == 0 ? 0 : -2;
+    return PLT_CommitSave(&safe) == 0 ? 0 : -2;
 }
 
 std::string LIT_FileLine(const LItem &item)
 {
-    return LIT_LabelAndPlace(item) + ", " + VTY_Field(item);
+    return LIT_LabelAndPlace(item) + ", " + VAL_TypeField(item);
 }

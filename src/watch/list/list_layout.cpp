@@ -10,12 +10,12 @@
 
 namespace {
 
-LAY_File layout;
+LIT_FileLayout layout;
 
 const char LINE_ENDS[] = "\r\n";
 const char BLANKS[] = " \t";
 
-std::string LineText(const LAY_File::Line &line)
+std::string LineText(const LIT_FileLayout::Line &line)
 {
     std::string text = layout.content.substr(line.begin, line.end - line.begin);
     text.resize(text.find_last_not_of(LINE_ENDS) + 1);
@@ -55,7 +55,7 @@ std::vector<int> LinesOfItems()
     for (size_t i = 0; i < lines.size(); ++i) {
         const int line = aLItems[i].fileLine;
         const size_t at = static_cast<size_t>(line);
-        if (line < 0 || at >= layout.lines.size() || layout.lines[at].kind != LAY_ITEM ||
+        if (line < 0 || at >= layout.lines.size() || layout.lines[at].kind != LIT_FILE_ITEM ||
             isTaken[at])
             continue;
         isTaken[at] = true;
@@ -92,7 +92,7 @@ std::vector<bool> ItemsInPlace(const std::vector<int> &lines)
 // The text being composed.
 struct Output {
     std::string text, usualEnd;
-    LAY_ItemText itemText;
+    LIT_FileItemText itemText;
     const LItem *lastItem = nullptr;
     bool isTorn = false; // the next line is the rest of a comment
 };
@@ -103,13 +103,13 @@ void PutItem(Output *out, const LItem &item, int line, bool mayGoOn)
     const std::string words = out->itemText(item), before = CommentOf(line);
     // What stands behind the item's words: as the file has it, unless the user has changed it.
     std::string comment = before;
-    if (item.comment != LAY_Comment(line)) {
+    if (item.comment != LIT_FileComment(line)) {
         const std::string blanks = before.empty() ? " " : before.substr(0, before.find(';'));
         comment = item.comment.empty() ? "" : blanks + "; " + item.comment;
     }
     std::string end;
     if (line >= 0) {
-        const LAY_File::Line &own = layout.lines[static_cast<size_t>(line)];
+        const LIT_FileLayout::Line &own = layout.lines[static_cast<size_t>(line)];
         end = layout.content.substr(own.begin, own.end - own.begin);
         end.erase(0, end.find_last_not_of(LINE_ENDS) + 1);
     }
@@ -129,11 +129,11 @@ void PutItem(Output *out, const LItem &item, int line, bool mayGoOn)
 
 // A line that is no item's, as it stands. The rest of a torn comment, and a line that would
 // widen another item than it did, become comments.
-void PutOther(Output *out, const LAY_File::Line &line)
+void PutOther(Output *out, const LIT_FileLayout::Line &line)
 {
     std::string text = layout.content.substr(line.begin, line.end - line.begin);
     const bool isHarmful =
-        line.kind == LAY_WIDENER && out->lastItem != nullptr && out->lastItem->size != 4;
+        line.kind == LIT_FILE_WIDENER && out->lastItem != nullptr && out->lastItem->size != 4;
     if ((isHarmful || out->isTorn) && LineText(line).size() + 2 <= LITEM_LINE_MAX)
         text = "; " + text;
     else if (isHarmful) // as long as a line may be
@@ -144,19 +144,19 @@ void PutOther(Output *out, const LAY_File::Line &line)
 
 } // namespace
 
-void LAY_Set(LAY_File &&file)
+void LIT_SetLayout(LIT_FileLayout &&file)
 {
     layout = std::move(file);
 }
 
-std::string LAY_Comment(int line)
+std::string LIT_FileComment(int line)
 {
     const std::string comment = CommentOf(line);
     const size_t start = comment.find(';');
-    return start == std::string::npos ? "" : WRD_Trim(comment.substr(start + 1));
+    return start == std::string::npos ? "" : TXT_Trim(comment.substr(start + 1));
 }
 
-std::string LAY_Compose(LAY_ItemText itemText)
+std::string LIT_ComposeFile(LIT_FileItemText itemText)
 {
     const std::vector<int> lines = LinesOfItems();
     const std::vector<bool> isInPlace = ItemsInPlace(lines);
@@ -175,8 +175,8 @@ std::string LAY_Compose(LAY_ItemText itemText)
             PutItem(&out, aLItems[next], lines[next], false);
     };
     for (size_t i = 0; i < layout.lines.size(); ++i) {
-        const LAY_File::Line &line = layout.lines[i];
-        if (line.kind != LAY_ITEM) {
+        const LIT_FileLayout::Line &line = layout.lines[i];
+        if (line.kind != LIT_FILE_ITEM) {
             PutOther(&out, line);
             continue;
         }
@@ -186,7 +186,8 @@ std::string LAY_Compose(LAY_ItemText itemText)
             continue; // removed, or standing elsewhere now
         putUpTo(false);
         const bool isNextInPlace = next + 1 >= lines.size() || isInPlace[next + 1];
-        const bool isRestNext = i + 1 < layout.lines.size() && layout.lines[i + 1].kind != LAY_ITEM;
+        const bool isRestNext =
+            i + 1 < layout.lines.size() && layout.lines[i + 1].kind != LIT_FILE_ITEM;
         PutItem(&out, aLItems[next], lines[next], isNextInPlace && isRestNext);
         ++next;
         putUpTo(false);

@@ -10,28 +10,28 @@
 
 struct LItem;
 
-enum LAY_Kind {
-    LAY_OTHER,   // a comment, a blank line, a line that gave nothing
-    LAY_ITEM,    // gave an item
-    LAY_WIDENER, // gave none, but makes the item before it four bytes wide
+enum LIT_FileLineKind {
+    LIT_FILE_OTHER,   // a comment, a blank line, a line that gave nothing
+    LIT_FILE_ITEM,    // gave an item
+    LIT_FILE_WIDENER, // gave none, but makes the item before it four bytes wide
 };
 
-struct LAY_File {
+struct LIT_FileLayout {
     struct Line {
         size_t begin, end; // in the content, the line end included
-        LAY_Kind kind;
+        LIT_FileLineKind kind;
     };
     std::string content;
     std::vector<Line> lines; // an item's fileLine counts these, from 0
 };
 
-void LAY_Set(LAY_File &&file); // an empty one when the list comes from no file
+void LIT_SetLayout(LIT_FileLayout &&file); // an empty one when the list comes from no file
 // The comment behind an item's line, without semicolon and the blanks around it; "" for none.
-std::string LAY_Comment(int line);
+std::string LIT_FileComment(int line);
 // The whole file for the list as it is now. Items that changed places follow the item before
 // them and take the comment of their line along; new ones do, too. A comment that was changed
 // since the file was read takes the place of the line's.
-typedef std::string (*LAY_ItemText)(const LItem &item); // an item's line without its end
-std::string LAY_Compose(LAY_ItemText itemText);
+typedef std::string (*LIT_FileItemText)(const LItem &item); // an item's line without its end
+std::string LIT_ComposeFile(LIT_FileItemText itemText);
 
 #endif

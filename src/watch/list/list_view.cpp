@@ -33,8 +33,8 @@ ShownLine shownLines[LITEMS_MAX];
 std::string AddressText(uint32_t address, int processor)
 {
     if (!IsWordAddressing(processor))
-        return WRD_Format("%06X  ", address);
-    return WRD_Format("%06X%s ", address / 2, address % 2 ? ".hi" : " ");
+        return TXT_Format("%06X  ", address);
+    return TXT_Format("%06X%s ", address / 2, address % 2 ? ".hi" : " ");
 }
 
 // In the base that the user has chosen for this line.
@@ -75,9 +75,9 @@ std::vector<UI_Cell> CellsOf(const LItem &item, const ShownLine &line)
 {
     std::vector<UI_Cell> cells(LSV_COLUMNS);
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    cells[LSV_NAME] = {WRD_Visible(item.name), UIS_NORMAL, line.comment}; // for narrow windows
+    cells[LSV_NAME] = {TXT_Visible(item.name), UIS_NORMAL, line.comment}; // for narrow windows
     cells[LSV_ADDRESS].text =
-        isResolved ? WRD_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
+        isResolved ? TXT_Trim(AddressText(item.address, Procesor)) : UNRESOLVED_ADDRESS;
     // An item by address shows what lies there, one by name where in it.
     if (isResolved && !LIT_IsTMS(item))
         cells[LSV_ADDRESS].tip = SYM_AddressToName(item.address);
@@ -95,9 +95,9 @@ void FillNames()
     ClearListCtrl(mainPanel, MAIN_LIST);
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
-        const std::string name = WRD_Visible(item.name), comment = WRD_Visible(item.comment);
+        const std::string name = TXT_Visible(item.name), comment = TXT_Visible(item.comment);
         const std::string address =
-            item.address == LITEM_NO_ADDRESS ? "Error" : WRD_Format("%02X", item.address);
+            item.address == LITEM_NO_ADDRESS ? "Error" : TXT_Format("%02X", item.address);
         InsertListItem(mainPanel, MAIN_LIST, -1, name + ADDRESS_COLUMN + address, i);
         std::vector<UI_Cell> cells(LSV_COLUMNS);
         cells[LSV_NAME] = {name, UIS_NORMAL, comment};
@@ -115,11 +115,11 @@ void PutLine(int index, const std::string &label, bool isNew)
     const LItem &item = aLItems[index];
     ShownLine line;
     line.style = LSV_ValueStyle(item);
-    line.tip = item.reason.empty() ? AGE_Tip(item) : item.reason;
-    line.age = AGE_IsOld(item) ? AGE_Text(item) : "";
-    line.value = (item.address == LITEM_NO_ADDRESS ? "Address?" : "") + WRD_Trim(ValueText(item)) +
+    line.tip = item.reason.empty() ? RFR_AgeTip(item) : item.reason;
+    line.age = RFR_IsOld(item) ? RFR_AgeText(item) : "";
+    line.value = (item.address == LITEM_NO_ADDRESS ? "Address?" : "") + TXT_Trim(ValueText(item)) +
                  (item.readError ? " (!)" : "");
-    line.comment = WRD_Visible(item.comment);
+    line.comment = TXT_Visible(item.comment);
     line.goodReads = item.goodReads;
     ShownLine &before = shownLines[index];
     // Marked for a moment: another value than before of a line that had one. Counted in good
@@ -141,7 +141,7 @@ void PutLine(int index, const std::string &label, bool isNew)
 std::string LSV_ValueLine(const LItem &item, int processor)
 {
     const bool isResolved = item.address != LITEM_NO_ADDRESS;
-    std::string line = WRD_Visible(item.name) + ADDRESS_COLUMN;
+    std::string line = TXT_Visible(item.name) + ADDRESS_COLUMN;
     line +=
         isResolved ? AddressText(item.address, processor) : std::string(UNRESOLVED_ADDRESS) + "  ";
     line += item.type;
@@ -159,7 +159,7 @@ unsigned LSV_ValueStyle(const LItem &item)
         return UIS_WARNING | UIS_STRUCK;
     if (!LIT_HasNumber(item))
         return UIS_DIM | UIS_STRUCK;
-    return AGE_IsOld(item) ? UIS_DIM : UIS_NORMAL;
+    return RFR_IsOld(item) ? UIS_DIM : UIS_NORMAL;
 }
 
 void LSV_ShowValues()

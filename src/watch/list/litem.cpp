@@ -15,7 +15,7 @@ std::string Bracketed(const LItem &item)
 {
     // An item whose address is forgotten for now keeps the one it was given.
     const uint32_t kept = item.address != LITEM_NO_ADDRESS ? item.address : item.givenAddress;
-    return WRD_Format("[0x%X]", kept);
+    return TXT_Format("[0x%X]", kept);
 }
 
 } // namespace
@@ -63,7 +63,7 @@ int64_t LIT_SignedBits(const LItem &item)
 std::string LIT_Label(const LItem &item)
 {
     // Names come from files: on the screen no character of theirs may steer anything.
-    return LIT_IsAnonymous(item) ? item.name + Bracketed(item) : WRD_Visible(item.name);
+    return LIT_IsAnonymous(item) ? item.name + Bracketed(item) : TXT_Visible(item.name);
 }
 
 std::string LIT_LabelAndPlace(const LItem &item)

@@ -1,4 +1,4 @@
-// A good read stays in the item's `held` until the line is proven (RDI_Prove publishes it); a
+// A good read stays in the item's `held` until the line is proven (RFR_ProveSweep publishes it); a
 // failed one is shown at once, with the reason of the layer that failed.
 #include "watch/list/read_item.h"
 
@@ -44,8 +44,8 @@ int ReadMailbox(const LItem &item, uint32_t *value)
 void SplitValue(const uint8_t *bytes, int size, uint32_t *low, uint32_t *high)
 {
     const size_t lowBytes = size < 4 ? static_cast<size_t>(size) : 4;
-    *low = static_cast<uint32_t>(BYT_GetLittle(bytes, lowBytes));
-    *high = size == 8 ? static_cast<uint32_t>(BYT_GetLittle(bytes + 4, 4)) : 0;
+    *low = static_cast<uint32_t>(TXT_GetLittle(bytes, lowBytes));
+    *high = size == 8 ? static_cast<uint32_t>(TXT_GetLittle(bytes + 4, 4)) : 0;
 }
 
 // 0, or -1 or -2 by processor with the reason, from the layer that failed.
@@ -54,7 +54,7 @@ int ReadInto(LItemReading *reading, int index, std::string *reason)
     const LItem &item = aLItems[index];
     const bool isTMS = LIT_IsTMS(item);
     if (!LIT_HasAddress(item)) {
-        *reason = item.address == LITEM_NO_ADDRESS ? RDI_NOT_RESOLVED : OUT_OF_RANGE;
+        *reason = item.address == LITEM_NO_ADDRESS ? RFR_NOT_RESOLVED : OUT_OF_RANGE;
         return isTMS ? -2 : -1;
     }
     if (isTMS) {
@@ -92,7 +92,7 @@ void Publish(LItem *item)
     item->isHeld = false;
     item->reason.clear();
     ++item->goodReads;
-    AGE_Stamp(item, item->held.station);
+    RFR_StampAge(item, item->held.station);
 }
 
 void Fail(LItem *item, uint32_t nowMs, const std::string &reason)
@@ -157,7 +157,7 @@ int readValues(int index)
     // Without an address nothing was asked, so nothing was broken off either.
     if (result != 0 && LIT_HasAddress(*item) && IsBreakWished()) {
         item->isHeld = false;
-        return RDI_BROKEN_OFF;
+        return RFR_BROKEN_OFF;
     }
     if (result != 0) {
         Fail(item, reading.tickMs, reason);
@@ -168,11 +168,11 @@ int readValues(int index)
     return 0;
 }
 
-std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end)
+std::vector<std::vector<int>> RFR_PlanItemBlocks(int from, int end)
 {
     isApart = isApart && PLT_TickMs() - apartSinceMs < APART_MS;
     std::vector<std::vector<int>> blocks;
-    std::vector<GRP_Item> together;
+    std::vector<UCM_BlockItem> together;
     std::vector<int> indices;
     for (int i = from; i < end; ++i) {
         const LItem &item = aLItems[i];
@@ -183,8 +183,8 @@ std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end)
         together.push_back({LIT_Station(item), item.address, static_cast<uint32_t>(item.size)});
         indices.push_back(i);
     }
-    const GRP_Wire wire = GRP_ReadWire(VR_nProtocol);
-    for (const GRP_Block &block : GRP_Plan(together, wire, GRP_ReadRules(Procesor))) {
+    const UCM_WireCosts wire = UCM_ReadWire(VR_nProtocol);
+    for (const UCM_Block &block : UCM_PlanBlocks(together, wire, UCM_ReadRules(Procesor))) {
         blocks.emplace_back();
         for (const size_t i : block.items)
             blocks.back().push_back(indices[i]);
@@ -195,7 +195,7 @@ std::vector<std::vector<int>> RDI_PlanBlocks(int from, int end)
     return blocks;
 }
 
-int RDI_ReadBlock(const std::vector<int> &indices)
+int RFR_ReadItemBlock(const std::vector<int> &indices)
 {
     if (indices.size() == 1)
         return readValues(indices[0]);
@@ -242,7 +242,7 @@ int RDI_ReadBlock(const std::vector<int> &indices)
     return result < 0 ? -1 : 0;
 }
 
-std::vector<int> RDI_Prove()
+std::vector<int> RFR_ProveSweep()
 {
     std::vector<int> failed;
     int result = UCM_PROVEN;
@@ -262,13 +262,13 @@ std::vector<int> RDI_Prove()
             return failed;
         }
         if (result == UCM_NOT_PROVEN && IsBreakWished()) {
-            RDI_DropHeld(); // broken off is not failed: the items stay as they were
+            RFR_DropHeld(); // broken off is not failed: the items stay as they were
             return failed;
         }
         if (result == UCM_NOT_PROVEN)
             break;
         for (const int index : held)
-            if (const int read = readValues(index); read != 0 && read != RDI_BROKEN_OFF)
+            if (const int read = readValues(index); read != 0 && read != RFR_BROKEN_OFF)
                 failed.push_back(index);
     }
     // A line that mixes up answers time and again, or one that gave no proof at all.
@@ -280,23 +280,24 @@ std::vector<int> RDI_Prove()
     return failed;
 }
 
-int RDI_ReadNow(int index)
+int RFR_ReadItemNow(int index)
 {
     const int result = readValues(index);
-    if (result != 0 && result != RDI_BROKEN_OFF)
+    if (result != 0 && result != RFR_BROKEN_OFF)
         return result;
     // The proof is one for all that is held, and may fail this item among others.
     LItem *item = &aLItems[index];
     const uint32_t goodBefore = item->goodReads;
-    RDI_Prove();
+    RFR_ProveSweep();
     if (!item->readError && item->goodReads != goodBefore)
         return 0;
     if (item->goodReads == goodBefore && IsBreakWished()) // who asks for one item is told
-        Fail(item, PLT_TickMs(), RDI_CANCELLED);
+        Fail(item, PLT_TickMs(), RFR_CANCELLED);
     return LIT_IsTMS(aLItems[index]) ? -2 : -1;
 }
 
-int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, std::string *cause)
+int RFR_ReadItemBytes(int station, uint32_t address, uint32_t count, void *buffer,
+                      std::string *cause)
 {
     const int result = UCM_ReadProven(station, address, count, buffer);
     // At once: the next exchange of anybody has a text of its own.
@@ -304,29 +305,29 @@ int RDI_ReadBytes(int station, uint32_t address, uint32_t count, void *buffer, s
     return result < 0 ? -1 : 0;
 }
 
-int RDI_ReadTmsWords(int station, uint32_t address, uint32_t count, uint32_t *words,
+int RFR_ReadTmsWords(int station, uint32_t address, uint32_t count, uint32_t *words,
                      std::string *cause)
 {
     return TMS_ReadWords(station, address, count, TMS_POLLS_MEMORY, words, nullptr, cause);
 }
 
-void RDI_DropHeld()
+void RFR_DropHeld()
 {
     for (LItem &item : aLItems)
         item.isHeld = false;
 }
 
-int RDI_ReadAll(bool (*advance)(int index))
+int RFR_ReadAllItems(bool (*advance)(int index))
 {
     for (int i = 0; i < nLItems; ++i) {
         const bool isEnded = advance != nullptr && !advance(i);
-        if (isEnded || readValues(i) == RDI_BROKEN_OFF) {
-            RDI_Prove(); // of those before it
+        if (isEnded || readValues(i) == RFR_BROKEN_OFF) {
+            RFR_ProveSweep(); // of those before it
             return -1;
         }
         if (i % ITEMS_PER_PROOF == ITEMS_PER_PROOF - 1)
-            RDI_Prove();
+            RFR_ProveSweep();
     }
-    RDI_Prove();
+    RFR_ProveSweep();
     return 0;
 }

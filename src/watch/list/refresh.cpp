@@ -97,7 +97,7 @@ void ReadBlock(size_t block)
 {
     isBlockRead[block] = true;
     bool isNoted = false;
-    RDI_ReadBlock(blocks[block]);
+    RFR_ReadItemBlock(blocks[block]);
     for (const int index : blocks[block]) {
         isAnyGood = isAnyGood || aLItems[index].isHeld;
         if (aLItems[index].isHeld)
@@ -123,7 +123,7 @@ void ReadItem(int index)
         isAnyGood = true;
         return;
     }
-    if (result == RDI_BROKEN_OFF)
+    if (result == RFR_BROKEN_OFF)
         return;
     if (result != -4)
         LSV_ShowLine(index);
@@ -139,8 +139,8 @@ int ResultOf(int index)
 
 void EndSweep()
 {
-    AGE_EndSweep(); // what is proven now is of this moment
-    for (const int index : RDI_Prove())
+    RFR_EndAgeSweep(); // what is proven now is of this moment
+    for (const int index : RFR_ProveSweep())
         NoteFailure(index, ResultOf(index));
     // A line in view may have failed for another reader (the value window) since it was read
     // here. No "RUN" stands beside it.
@@ -181,11 +181,11 @@ void NoticePause()
 {
     const uint32_t sweepMs = static_cast<uint32_t>(1000 * RFR_Period() * LSV_LinesInView());
     const uint32_t pauseMs = PLT_TickMs() - lastTickMs;
-    if (pauseMs <= std::max(AGE_SWEEPS_MAX * sweepMs, PAUSE_MIN_MS) || !readLItems)
+    if (pauseMs <= std::max(RFR_AGE_SWEEPS_MAX * sweepMs, PAUSE_MIN_MS) || !readLItems)
         return;
-    AGE_EndRun();
+    RFR_EndAgeRun();
     LSV_ShowValues();
-    MBX_ShowOld();
+    WIN_ShowMemoryBoxOld();
 }
 
 } // namespace
@@ -212,7 +212,7 @@ void RFR_BeginSweep()
     UpdItem = 0;
     eTMS = 0;
     isAnyGood = false;
-    RDI_DropHeld();
+    RFR_DropHeld();
 }
 
 void RFR_ShowCommunication()
@@ -222,15 +222,15 @@ void RFR_ShowCommunication()
     SetCtrlAttribute(mainPanel, MAIN_STATUS, ATTR_VISIBLE, isTimer != 0);
     if (isTimer == 0) { // whatever switched it off, nothing runs and nothing fails now
         SetCtrlVal(mainPanel, MAIN_STATUS, "");
-        RDI_DropHeld();
-        AGE_EndRun();
+        RFR_DropHeld();
+        RFR_EndAgeRun();
     }
     // Also for another station, from which nothing has been read yet.
     if (readLItems)
         LSV_ShowValues();
-    MBX_ShowOld();
-    MMP_ShowOld();
-    VLP_Refresh();
+    WIN_ShowMemoryBoxOld();
+    WIN_ShowMemoryOld();
+    WIN_RefreshValue();
 }
 
 int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
@@ -260,7 +260,7 @@ int timerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
         if (index == first) { // once a second an item a tick is fast enough
             blocks.clear();
             if (Option_nSweepRate != 1)
-                blocks = RDI_PlanBlocks(first, std::min(first + LSV_LinesInView(), nLItems));
+                blocks = RFR_PlanItemBlocks(first, std::min(first + LSV_LinesInView(), nLItems));
             isBlockRead.assign(blocks.size(), false);
         }
         // As fast as the line allows, no tick goes by without a request.
@@ -291,7 +291,7 @@ int updateListTextBox(int index)
         EndSweep();
     readLItems = 1;
     if (isSweepEnd && isTimer) // the sweep's end may have switched communication off
-        MBX_Update(selected);
+        WIN_UpdateMemoryBox(selected);
     FM_Update(selected);
     // Reads that fail in the middle of a sweep count as well: a dead line of 13 items would
     // otherwise keep the user waiting for 13 time-outs.

@@ -20,7 +20,7 @@ namespace {
 
 std::string AddressOf(const LItem &item)
 {
-    return item.address == LITEM_NO_ADDRESS ? "" : WRD_Format("0x%06X", item.address);
+    return item.address == LITEM_NO_ADDRESS ? "" : TXT_Format("0x%06X", item.address);
 }
 
 // A value that was never read, or not the last time, is no value.
@@ -29,14 +29,14 @@ std::string ValueOf(const LItem &item)
     std::string text;
     if (LIT_HasNumber(item))
         FormatLItemVal(&text, item);
-    return WRD_Trim(text);
+    return TXT_Trim(text);
 }
 
 // Of good values whether they are of now; of the others why there is none.
 std::string StateOf(const LItem &item)
 {
     if (item.isValueGood)
-        return AGE_IsOld(item) ? AGE_Tip(item) : "ok";
+        return RFR_IsOld(item) ? RFR_AgeTip(item) : "ok";
     return item.reason.empty() ? "not read" : item.reason;
 }
 
@@ -54,7 +54,7 @@ bool ReadForExport(const std::string &title)
     if (!VR_EnsureCom())
         return true;
     progress = CreateProgressDialog(title, "");
-    const int result = RDI_ReadAll(AdvanceProgress);
+    const int result = RFR_ReadAllItems(AdvanceProgress);
     DiscardProgressDialog(progress);
     LSV_ShowValues(); // also of a read that was cancelled: some lines are new
     readLItems = 1;
@@ -65,46 +65,46 @@ bool ReadForExport(const std::string &title)
 
 } // namespace
 
-std::string SNP_Text(const std::vector<int> &lines)
+std::string LSV_SnapshotText(const std::vector<int> &lines)
 {
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (const int index : lines) {
         const LItem &item = aLItems[index];
-        text += WRD_Visible(item.name) + '\t' + AddressOf(item) + '\t' + item.type +
+        text += TXT_Visible(item.name) + '\t' + AddressOf(item) + '\t' + item.type +
                 std::to_string(item.size) + '\t' + ValueOf(item) + '\t' +
-                WRD_Visible(StateOf(item)) + '\n';
+                TXT_Visible(StateOf(item)) + '\n';
     }
     return text;
 }
 
-std::string SNP_Csv()
+std::string LSV_SnapshotCsv()
 {
     std::string text = "name,address,type,size,value,raw,state\r\n";
     for (int i = 0; i < nLItems; ++i) {
         const LItem &item = aLItems[i];
         // A rate has bits before it has a value.
         const std::string raw = item.isValueGood ? std::to_string(LIT_Bits(item)) : "";
-        text += WRD_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
-                std::to_string(item.size) + ',' + WRD_QuoteCsv(ValueOf(item)) + ',' + raw + ',' +
-                WRD_QuoteCsv(StateOf(item)) + "\r\n";
+        text += TXT_QuoteCsv(item.name) + ',' + AddressOf(item) + ',' + item.type + ',' +
+                std::to_string(item.size) + ',' + TXT_QuoteCsv(ValueOf(item)) + ',' + raw + ',' +
+                TXT_QuoteCsv(StateOf(item)) + "\r\n";
     }
     return text;
 }
 
-int SNP_SaveCsv(const std::string &path)
+int LSV_SaveSnapshotCsv(const std::string &path)
 {
     SafeFile safe;
-    if (SAF_Open(&safe, path, "wb") != 0)
+    if (PLT_BeginSave(&safe, path, "wb") != 0)
         return -1;
-    const std::string text = SNP_Csv();
+    const std::string text = LSV_SnapshotCsv();
     if (std::fwrite(text.data(), 1, text.size(), safe.file) != text.size()) {
-        SAF_Cancel(&safe);
+        PLT_CancelSave(&safe);
         return -2;
     }
-    return SAF_Commit(&safe) == 0 ? 0 : -2;
+    return PLT_CommitSave(&safe) == 0 ? 0 : -2;
 }
 
-void LEV_CopyListCB(int /*menuBar*/, int /*item*/)
+void LSV_CopyListCB(int /*menuBar*/, int /*item*/)
 {
     std::vector<int> lines = LSV_SelectedLines();
     // One line is selected at any time: it is no wish for that line alone.
@@ -112,26 +112,26 @@ void LEV_CopyListCB(int /*menuBar*/, int /*item*/)
         lines.resize(static_cast<size_t>(nLItems));
         std::iota(lines.begin(), lines.end(), 0);
     }
-    if (ReadForExport("Copy the list") && ClipboardPutText(SNP_Text(lines)) == 0)
+    if (ReadForExport("Copy the list") && ClipboardPutText(LSV_SnapshotText(lines)) == 0)
         VR_ShowMessage("Copied: " + std::to_string(lines.size()) + " items.");
 }
 
-void LEV_CopyMemoryCB(int /*menuBar*/, int /*item*/)
+void LSV_CopyMemoryCB(int /*menuBar*/, int /*item*/)
 {
-    if (ClipboardPutText(MBX_TabbedText()) == 0)
+    if (ClipboardPutText(WIN_MemoryBoxText()) == 0)
         VR_ShowMessage("Copied: the memory box.");
 }
 
-void LEV_SnapshotCB(int /*menuBar*/, int /*item*/)
+void LSV_SnapshotCB(int /*menuBar*/, int /*item*/)
 {
     std::string path;
     if (FileSelectPopup(PLT_CurrentDir(), "snapshot.csv", "*.csv", "Save snapshot", FILE_SAVE,
-                        &path) <= VAL_NO_FILE_SELECTED)
+                        &path) <= CON_NO_FILE_SELECTED)
         return;
     if (!ReadForExport("Save a snapshot"))
         return;
-    if (SNP_SaveCsv(path) == 0)
+    if (LSV_SaveSnapshotCsv(path) == 0)
         VR_ShowMessage("Saved: " + path);
     else
-        MessagePopup("Error", SAF_FailureText(path));
+        MessagePopup("Error", PLT_SaveFailureText(path));
 }

@@ -8,16 +8,16 @@
 #include <vector>
 
 // One heading and one line for each of the items: name, address, type, value, state; LF ends.
-std::string SNP_Text(const std::vector<int> &lines);
+std::string LSV_SnapshotText(const std::vector<int> &lines);
 // All items, with the raw value, comma-separated and quoted where needed; CR LF line ends.
-std::string SNP_Csv();
+std::string LSV_SnapshotCsv();
 // 0, -1 cannot be opened, -2 cannot be written; an older file is kept on failure.
-int SNP_SaveCsv(const std::string &path);
+int LSV_SaveSnapshotCsv(const std::string &path);
 
 // The first and the last read every item once, with a progress box, so that what leaves the
 // program is fresh. The selected lines are copied when there are several, else the whole list.
-void LEV_CopyListCB(int menuBar, int item);
-void LEV_CopyMemoryCB(int menuBar, int item); // the memory box
-void LEV_SnapshotCB(int menuBar, int item);
+void LSV_CopyListCB(int menuBar, int item);
+void LSV_CopyMemoryCB(int menuBar, int item); // the memory box
+void LSV_SnapshotCB(int menuBar, int item);
 
 #endif

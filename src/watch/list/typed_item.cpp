@@ -112,7 +112,7 @@ const char *EDT_ErrorText(int result)
 
 int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item)
 {
-    const std::string what = WRD_Trim(text);
+    const std::string what = TXT_Trim(text);
     const bool isTMS = !what.empty() && what[0] == '&';
     uint32_t address;
     if (!IsAddressText(what.substr(isTMS), &address))
@@ -131,7 +131,7 @@ int EDT_Parse(const std::string &text, const std::string &typeField, LItem *item
 int EDT_ParseName(const std::string &text, const std::string &typeField, LItem *item)
 {
     LItem built;
-    built.name = WRD_Trim(text);
+    built.name = TXT_Trim(text);
     if (!IsName(built.name))
         return EDT_ERR_NAME;
     std::string prefix = built.name; // which stays a part of the name, as in a debug file
@@ -147,9 +147,9 @@ int EDT_ApplyType(LItem *item, const std::string &typeField)
 {
     const std::string field = typeField.empty() ? EDT_SuggestType(item->name) : typeField;
     const bool isTMS = LIT_IsTMS(*item);
-    if (!VTY_IsField(field) || (isTMS && !VTY_Find(field[0])->isForTMS))
+    if (!VAL_IsTypeField(field) || (isTMS && !VAL_FindType(field[0])->isForTMS))
         return EDT_ERR_TYPE;
-    VTY_SetFromField(item, field.c_str());
+    VAL_SetFromField(item, field.c_str());
     if (isTMS) // its mailbox moves whole words of 32 bits
         item->size = 4;
     return 0;
@@ -157,7 +157,7 @@ int EDT_ApplyType(LItem *item, const std::string &typeField)
 
 std::string EDT_TypeField(const LItem &item)
 {
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     const bool isOneSize = row != nullptr && row->onlySize != 0;
     return isOneSize ? std::string(1, item.type) : item.type + std::to_string(item.size);
 }

@@ -26,36 +26,36 @@ int WidthFor(int size, int one, int two, int four)
 
 } // namespace
 
-void FMT_Hex(char *text, const LItem &item)
+void VAL_FormatHex(char *text, const LItem &item)
 {
     const auto bits = static_cast<unsigned long long>(LIT_Bits(item));
     if (item.size == 8) // the only size without leading zeros
-        std::snprintf(text, FMT_TEXT_MAX, "%llXh", bits);
+        std::snprintf(text, VAL_TEXT_MAX, "%llXh", bits);
     else if (IsWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%0*llXh", 2 * item.size, bits);
+        std::snprintf(text, VAL_TEXT_MAX, "%0*llXh", 2 * item.size, bits);
 }
 
-void FMT_Unsigned(char *text, const LItem &item)
+void VAL_FormatUnsigned(char *text, const LItem &item)
 {
     const auto bits = static_cast<unsigned long long>(LIT_Bits(item));
     if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%20llu", bits);
+        std::snprintf(text, VAL_TEXT_MAX, "%20llu", bits);
     else if (IsWordSize(item.size))
-        std::snprintf(text, FMT_TEXT_MAX, "%*llu", WidthFor(item.size, 3, 5, 10), bits);
+        std::snprintf(text, VAL_TEXT_MAX, "%*llu", WidthFor(item.size, 3, 5, 10), bits);
 }
 
-void FMT_Signed(char *text, const LItem &item)
+void VAL_FormatSigned(char *text, const LItem &item)
 {
     if (item.size != 8 && !IsWordSize(item.size))
         return;
     const auto number = static_cast<long long>(LIT_SignedBits(item));
     if (item.size == 8)
-        std::snprintf(text, FMT_TEXT_MAX, "%21lld", number);
+        std::snprintf(text, VAL_TEXT_MAX, "%21lld", number);
     else
-        std::snprintf(text, FMT_TEXT_MAX, "%*lld", WidthFor(item.size, 4, 6, 11), number);
+        std::snprintf(text, VAL_TEXT_MAX, "%*lld", WidthFor(item.size, 4, 6, 11), number);
 }
 
-double FMT_FloatOf(const LItem &item)
+double VAL_FloatOf(const LItem &item)
 {
     if (LIT_IsTMS(item))
         return TMS_IEEE(item.value);
@@ -64,13 +64,13 @@ double FMT_FloatOf(const LItem &item)
     return static_cast<double>(number);
 }
 
-void FMT_Float(char *text, const LItem &item)
+void VAL_FormatFloat(char *text, const LItem &item)
 {
     if (item.size == 4)
-        std::snprintf(text, FMT_TEXT_MAX, "%g", FMT_FloatOf(item));
+        std::snprintf(text, VAL_TEXT_MAX, "%g", VAL_FloatOf(item));
 }
 
-void FMT_Bits(char *text, const LItem &item)
+void VAL_FormatBits(char *text, const LItem &item)
 {
     if (item.size != 1)
         return;
@@ -82,16 +82,16 @@ void FMT_Bits(char *text, const LItem &item)
     std::strcpy(text, " b");
 }
 
-void FMT_Duration(char *text, const LItem &item)
+void VAL_FormatDuration(char *text, const LItem &item)
 {
     if (item.size != 4)
         return;
     const unsigned minutes = item.value & MINUTES_MASK; // the top byte is no part of it
-    std::snprintf(text, FMT_TEXT_MAX, "%02ud %02uh %02um", minutes / DAY_MINUTES,
+    std::snprintf(text, VAL_TEXT_MAX, "%02ud %02uh %02um", minutes / DAY_MINUTES,
                   minutes / HOUR_MINUTES % 24, minutes % HOUR_MINUTES);
 }
 
-void FMT_Rate(char *text, const LItem &item)
+void VAL_FormatRate(char *text, const LItem &item)
 {
     if (item.size != 8 && !IsWordSize(item.size))
         return;
@@ -103,5 +103,5 @@ void FMT_Rate(char *text, const LItem &item)
     const uint32_t change = item.size == 8 ? 0 : item.value - item.previousValue;
     const uint32_t delta = (change << unusedBits) >> unusedBits;
     const double rate = elapsedMs == 0 ? NO_RATE : delta * 1000.0 / elapsedMs;
-    std::snprintf(text, FMT_TEXT_MAX, "%10.3f Hz", rate);
+    std::snprintf(text, VAL_TEXT_MAX, "%10.3f Hz", rate);
 }

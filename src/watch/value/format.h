@@ -7,17 +7,17 @@
 
 struct LItem;
 
-constexpr size_t FMT_TEXT_MAX = 48; // characters with the NUL
+constexpr size_t VAL_TEXT_MAX = 48; // characters with the NUL
 
-void FMT_Hex(char *text, const LItem &item);
-void FMT_Unsigned(char *text, const LItem &item);
-void FMT_Signed(char *text, const LItem &item);
-void FMT_Float(char *text, const LItem &item);
-void FMT_Bits(char *text, const LItem &item);
-void FMT_Duration(char *text, const LItem &item); // minutes in the low three bytes
-void FMT_Rate(char *text, const LItem &item);     // change a second since the read before
+void VAL_FormatHex(char *text, const LItem &item);
+void VAL_FormatUnsigned(char *text, const LItem &item);
+void VAL_FormatSigned(char *text, const LItem &item);
+void VAL_FormatFloat(char *text, const LItem &item);
+void VAL_FormatBits(char *text, const LItem &item);
+void VAL_FormatDuration(char *text, const LItem &item); // minutes in the low three bytes
+void VAL_FormatRate(char *text, const LItem &item);     // change a second since the read before
 
 // The number of an item with four bytes, by the float format of the processor it lives in.
-double FMT_FloatOf(const LItem &item);
+double VAL_FloatOf(const LItem &item);
 
 #endif

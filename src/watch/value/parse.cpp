@@ -33,8 +33,8 @@ int DigitsToAmount(const std::string &digits, int base, uint64_t *amount)
     const auto [stop, error] = std::from_chars(digits.data(), end, *amount, base);
     if (error == std::errc::result_out_of_range &&
         std::all_of(stop, end, [](unsigned char c) { return std::isxdigit(c) != 0; }))
-        return PRS_ERR_RANGE;
-    return error == std::errc() && stop == end ? PRS_OK : PRS_ERR_TEXT;
+        return VAL_PARSE_ERR_RANGE;
+    return error == std::errc() && stop == end ? VAL_PARSE_OK : VAL_PARSE_ERR_TEXT;
 }
 
 // A sign, then digits with the mark of their base; without a mark they are of `plainBase`.
@@ -67,26 +67,26 @@ uint64_t Largest(int size)
 int ToUnsigned(const Number &number, int size, uint64_t *bits)
 {
     if ((number.isNegative && number.amount != 0) || number.amount > Largest(size))
-        return PRS_ERR_RANGE;
+        return VAL_PARSE_ERR_RANGE;
     *bits = number.amount;
-    return PRS_OK;
+    return VAL_PARSE_OK;
 }
 
 } // namespace
 
-std::string PRS_Normal(const std::string &text)
+std::string VAL_NormalText(const std::string &text)
 {
     std::string result;
     for (const char c : text)
         result += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return WRD_Trim(result);
+    return TXT_Trim(result);
 }
 
-int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)
+int VAL_ParseInteger(const LItem &item, const std::string &text, uint64_t *bits)
 {
     Number number;
     const int result = ParseNumber(text, item.type == 'x' ? 16 : 10, &number);
-    if (result != PRS_OK)
+    if (result != VAL_PARSE_OK)
         return result;
     if (item.type != 'i')
         return ToUnsigned(number, item.size, bits);
@@ -94,12 +94,12 @@ int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits)
     const uint64_t all = Largest(item.size), half = all / 2;
     const uint64_t limit = number.isNegative ? half + 1 : number.isPattern ? all : half;
     if (number.amount > limit)
-        return PRS_ERR_RANGE;
+        return VAL_PARSE_ERR_RANGE;
     *bits = (number.isNegative ? 0 - number.amount : number.amount) & all;
-    return PRS_OK;
+    return VAL_PARSE_OK;
 }
 
-int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
+int VAL_ParseBits(const LItem &item, const std::string &typed, uint64_t *bits)
 {
     std::string text = typed;
     // As the list shows them, "0101 1100 b"; in hexadecimal the last "b" is a digit.
@@ -109,10 +109,10 @@ int PRS_Bits(const LItem &item, const std::string &typed, uint64_t *bits)
     text.erase(std::remove(text.begin(), text.end(), ' '), text.end());
     Number number;
     const int result = ParseNumber(text, 2, &number);
-    return result == PRS_OK ? ToUnsigned(number, item.size, bits) : result;
+    return result == VAL_PARSE_OK ? ToUnsigned(number, item.size, bits) : result;
 }
 
-int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
+int VAL_ParseFloat(const LItem &item, const std::string &text, uint64_t *bits)
 {
     // from_chars takes no "+", and a point in every system language.
     const char *begin = text.data() + (text[0] == '+' ? 1 : 0);
@@ -120,12 +120,12 @@ int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
     double number = 0;
     const auto [stop, error] = std::from_chars(begin, end, number);
     if (error == std::errc::result_out_of_range && stop == end)
-        return PRS_ERR_RANGE;
+        return VAL_PARSE_ERR_RANGE;
     if (error != std::errc() || stop != end || !std::isfinite(number))
-        return PRS_ERR_TEXT;
+        return VAL_PARSE_ERR_TEXT;
     // Before the conversion, which has no result beyond the largest single.
     if (std::fabs(number) > static_cast<double>(FLT_MAX))
-        return PRS_ERR_RANGE;
+        return VAL_PARSE_ERR_RANGE;
     const float single = static_cast<float>(number);
     uint32_t pattern;
     std::memcpy(&pattern, &single, sizeof pattern);
@@ -133,11 +133,11 @@ int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits)
     if (LIT_IsTMS(item))
         pattern = IEEE_TMS(std::fabs(single) < FLT_MIN ? 0 : pattern);
     *bits = pattern;
-    return PRS_OK;
+    return VAL_PARSE_OK;
 }
 
 // "1d 2h 3m" with any part left out, or a number of minutes.
-int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits)
+int VAL_ParseDuration(const LItem & /*item*/, const std::string &text, uint64_t *bits)
 {
     static const struct {
         char unit;
@@ -150,33 +150,33 @@ int PRS_Duration(const LItem & /*item*/, const std::string &text, uint64_t *bits
         if (end == std::string::npos)
             continue;
         uint64_t amount;
-        const int result = DigitsToAmount(PRS_Normal(text.substr(at, end - at)), 10, &amount);
-        if (result != PRS_OK)
+        const int result = DigitsToAmount(VAL_NormalText(text.substr(at, end - at)), 10, &amount);
+        if (result != VAL_PARSE_OK)
             return result;
         if (amount > MINUTES_MAX) // early, so that no sum runs over
-            return PRS_ERR_RANGE;
+            return VAL_PARSE_ERR_RANGE;
         total += amount * row.minutes;
         at = end + 1;
     }
     if (at == 0) { // no unit at all
         const int result = DigitsToAmount(text, 10, &total);
-        if (result != PRS_OK)
+        if (result != VAL_PARSE_OK)
             return result;
     } else if (at != text.size()) {
-        return PRS_ERR_TEXT;
+        return VAL_PARSE_ERR_TEXT;
     }
     if (total > MINUTES_MAX)
-        return PRS_ERR_RANGE;
+        return VAL_PARSE_ERR_RANGE;
     *bits = total;
-    return PRS_OK;
+    return VAL_PARSE_OK;
 }
 
-std::string PRS_IntegerRange(const LItem &item)
+std::string VAL_GetIntegerRange(const LItem &item)
 {
     const uint64_t all = Largest(item.size), half = all / 2;
     if (item.type == 'i')
         return "-" + std::to_string(half + 1) + " to " + std::to_string(half);
     if (item.type == 'x')
-        return WRD_Format("0h to %llXh", static_cast<unsigned long long>(all));
+        return TXT_Format("0h to %llXh", static_cast<unsigned long long>(all));
     return "0 to " + std::to_string(all);
 }

@@ -8,18 +8,18 @@
 
 struct LItem;
 
-// The values of WRV_Result that parsing gives.
-enum { PRS_OK = 0, PRS_ERR_TEXT = -2, PRS_ERR_RANGE = -3 };
+// The values of VAL_WriteResult that parsing gives.
+enum { VAL_PARSE_OK = 0, VAL_PARSE_ERR_TEXT = -2, VAL_PARSE_ERR_RANGE = -3 };
 
-std::string PRS_Normal(const std::string &text); // trimmed, in small letters
+std::string VAL_NormalText(const std::string &text); // trimmed, in small letters
 
-// From a normal text that is not empty: PRS_OK and the bits, or a code and *bits untouched.
-int PRS_Integer(const LItem &item, const std::string &text, uint64_t *bits);
-int PRS_Bits(const LItem &item, const std::string &text, uint64_t *bits);
-int PRS_Float(const LItem &item, const std::string &text, uint64_t *bits);
-int PRS_Duration(const LItem &item, const std::string &text, uint64_t *bits);
+// From a normal text that is not empty: VAL_PARSE_OK and the bits, or a code and *bits untouched.
+int VAL_ParseInteger(const LItem &item, const std::string &text, uint64_t *bits);
+int VAL_ParseBits(const LItem &item, const std::string &text, uint64_t *bits);
+int VAL_ParseFloat(const LItem &item, const std::string &text, uint64_t *bits);
+int VAL_ParseDuration(const LItem &item, const std::string &text, uint64_t *bits);
 
 // "0 to 255", by the size of an integer item and in the form that the list shows its type in.
-std::string PRS_IntegerRange(const LItem &item);
+std::string VAL_GetIntegerRange(const LItem &item);
 
 #endif

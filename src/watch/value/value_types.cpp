@@ -22,37 +22,37 @@ constexpr int BITS_PER_LINE = 32; // of a binary text
 // By row: letter, name, its only size, what a debug file writes and a TMS320 can have, the
 // plain form, then how it is shown, typed, ranged and written.
 // clang-format off
-const VTY_Row VTY_aRows[] = {
+const VAL_TypeRow VAL_aTypeRows[] = {
     {'i', "signed", 0, true, true, 'i', "int:  ",
-     FMT_Signed, PRS_Integer, INTEGER_FORM, nullptr, 0, 'i'},
+     VAL_FormatSigned, VAL_ParseInteger, INTEGER_FORM, nullptr, 0, 'i'},
     {'u', "unsigned", 0, true, true, 'u', "uns:  ",
-     FMT_Unsigned, PRS_Integer, INTEGER_FORM, nullptr, 0, 'u'},
+     VAL_FormatUnsigned, VAL_ParseInteger, INTEGER_FORM, nullptr, 0, 'u'},
     {'x', "hexadecimal", 0, true, true, 'x', "hex:  ",
-     FMT_Hex, PRS_Integer, "a hexadecimal number", nullptr, 0, 'x'},
+     VAL_FormatHex, VAL_ParseInteger, "a hexadecimal number", nullptr, 0, 'x'},
     {'b', "bits", 1, true, false, 'x', "hex:  ",
-     FMT_Bits, PRS_Bits, "eight binary digits, or hexadecimal as 0x5C or 5Ch", "0000 0000 to 1111 1111", 0, 'b'},
+     VAL_FormatBits, VAL_ParseBits, "eight binary digits, or hexadecimal as 0x5C or 5Ch", "0000 0000 to 1111 1111", 0, 'b'},
     {'f', "float", 4, false, true, 'f', "float:",
-     FMT_Float, PRS_Float, "a decimal number", "-3.40282e+38 to 3.40282e+38", 0, 'f'},
+     VAL_FormatFloat, VAL_ParseFloat, "a decimal number", "-3.40282e+38 to 3.40282e+38", 0, 'f'},
     {'p', "rate", 0, true, true, 'u', "uns p:",
-     FMT_Rate, PRS_Integer, INTEGER_FORM, nullptr, 0, 'u'},
+     VAL_FormatRate, VAL_ParseInteger, INTEGER_FORM, nullptr, 0, 'u'},
     {'t', "days, hours, min", 4, false, true, 'u', "uns t:",
-     FMT_Duration, PRS_Duration, "minutes, or days, hours and minutes as 1d 2h 3m",
+     VAL_FormatDuration, VAL_ParseDuration, "minutes, or days, hours and minutes as 1d 2h 3m",
      "0 to 16777215 minutes (11650d 20h 15m)", DURATION_BYTES, 't'},
 };
 // clang-format on
-const int VTY_cnRows = sizeof VTY_aRows / sizeof VTY_aRows[0];
+const int VAL_cnTypeRows = sizeof VAL_aTypeRows / sizeof VAL_aTypeRows[0];
 
-const VTY_Row *VTY_Find(char letter)
+const VAL_TypeRow *VAL_FindType(char letter)
 {
-    for (const VTY_Row &row : VTY_aRows)
+    for (const VAL_TypeRow &row : VAL_aTypeRows)
         if (row.letter == letter)
             return &row;
     return nullptr;
 }
 
-bool VTY_IsField(const std::string &field)
+bool VAL_IsTypeField(const std::string &field)
 {
-    const VTY_Row *row = field.empty() ? nullptr : VTY_Find(field[0]);
+    const VAL_TypeRow *row = field.empty() ? nullptr : VAL_FindType(field[0]);
     if (row == nullptr)
         return false;
     if (row->onlySize != 0) // may stand there, but need not: "f" and "f4"
@@ -61,10 +61,10 @@ bool VTY_IsField(const std::string &field)
     return field.size() == 2 && field[1] != '\0' && std::strchr(SIZES, field[1]) != nullptr;
 }
 
-void VTY_SetFromField(LItem *item, const char *field)
+void VAL_SetFromField(LItem *item, const char *field)
 {
     // Lists written by hand have stray letters and sizes: these lines keep a value to look at.
-    const VTY_Row *row = VTY_Find(*field);
+    const VAL_TypeRow *row = VAL_FindType(*field);
     item->type = row != nullptr ? row->letter : 'i';
     item->size = SIZE_DEFAULT;
     if (row != nullptr && row->onlySize != 0)
@@ -73,45 +73,45 @@ void VTY_SetFromField(LItem *item, const char *field)
         item->size = field[1] - '0';
 }
 
-std::string VTY_Field(const LItem &item)
+std::string VAL_TypeField(const LItem &item)
 {
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     const bool isSizeSaved = row == nullptr || row->isSizeSaved;
     return item.type + (isSizeSaved ? std::to_string(item.size) : "");
 }
 
 int FormatLItemVal(std::string *text, const LItem &item)
 {
-    char buffer[FMT_TEXT_MAX] = "";
-    const VTY_Row *row = VTY_Find(item.type);
+    char buffer[VAL_TEXT_MAX] = "";
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     if (row != nullptr)
         row->format(buffer, item);
     *text += buffer;
     return static_cast<int>(std::strlen(buffer));
 }
 
-std::string VFM_Decimal(const LItem &item)
+std::string VAL_DecimalForm(const LItem &item)
 {
     if (!item.isValueGood)
         return NO_VALUE;
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     const char form = row != nullptr ? row->plainForm : 'u';
     if (form == 'f')
-        return VFM_Float(item);
+        return VAL_FloatForm(item);
     return form == 'i' ? std::to_string(LIT_SignedBits(item)) : std::to_string(LIT_Bits(item));
 }
 
-std::string VFM_Float(const LItem &item)
+std::string VAL_FloatForm(const LItem &item)
 {
     if (!item.isValueGood || item.size != 4)
         return NO_VALUE;
     char text[40];
     // Nine digits: every single has a text of its own, and what is typed back is the same bits.
-    std::snprintf(text, sizeof text, "%.9g", FMT_FloatOf(item));
+    std::snprintf(text, sizeof text, "%.9g", VAL_FloatOf(item));
     return text;
 }
 
-std::string VFM_Hex(const LItem &item)
+std::string VAL_HexForm(const LItem &item)
 {
     if (!item.isValueGood)
         return NO_VALUE;
@@ -120,7 +120,7 @@ std::string VFM_Hex(const LItem &item)
     return text;
 }
 
-std::string VFM_Binary(const LItem &item)
+std::string VAL_BinaryForm(const LItem &item)
 {
     if (!item.isValueGood)
         return NO_VALUE;

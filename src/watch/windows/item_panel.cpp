@@ -23,13 +23,13 @@ bool isAdding = true;      // else `edited` is changed
 EDT_Reference edited;
 
 struct PositionRow {
-    ITP_Position position;
+    WIN_ItemPosition position;
     const char *text;
 };
 const PositionRow positionRows[] = {
-    {ITP_AFTER, "after the selected line"},
-    {ITP_BEFORE, "before the selected line"},
-    {ITP_AT_END, "at the end"},
+    {WIN_ITEM_AFTER, "after the selected line"},
+    {WIN_ITEM_BEFORE, "before the selected line"},
+    {WIN_ITEM_AT_END, "at the end"},
 };
 
 std::string TypedName()
@@ -50,7 +50,7 @@ int RingValue(int control)
 std::string TypeField()
 {
     const char type = static_cast<char>(RingValue(WITEM_TYPE));
-    const VTY_Row *row = VTY_Find(type);
+    const VAL_TypeRow *row = VAL_FindType(type);
     const bool hasSize = row != nullptr && row->onlySize == 0;
     return hasSize ? type + std::to_string(RingValue(WITEM_SIZE)) : std::string(1, type);
 }
@@ -62,10 +62,10 @@ void FillRings()
     GetNumListItems(PANEL, WITEM_TYPE, &count);
     if (count > 0)
         return;
-    for (int i = 0; i < VTY_cnRows; ++i)
+    for (int i = 0; i < VAL_cnTypeRows; ++i)
         InsertListItem(PANEL, WITEM_TYPE, -1,
-                       std::string(1, VTY_aRows[i].letter) + "   " + VTY_aRows[i].name,
-                       VTY_aRows[i].letter);
+                       std::string(1, VAL_aTypeRows[i].letter) + "   " + VAL_aTypeRows[i].name,
+                       VAL_aTypeRows[i].letter);
     for (const int size : {1, 2, 4, 8})
         InsertListItem(PANEL, WITEM_SIZE, -1,
                        std::to_string(size) + (size == 1 ? " byte" : " bytes"), size);
@@ -76,7 +76,7 @@ void FillRings()
 // Sizes that the type, or a TMS320 item, does not leave open.
 void LimitSize()
 {
-    const VTY_Row *row = VTY_Find(static_cast<char>(RingValue(WITEM_TYPE)));
+    const VAL_TypeRow *row = VAL_FindType(static_cast<char>(RingValue(WITEM_TYPE)));
     LItem item;
     const bool isTMS = EDT_Parse(TypedName(), ANY_TYPE, &item) == 0 && LIT_IsTMS(item);
     const int onlySize = isTMS ? 4 : row != nullptr ? row->onlySize : 0;
@@ -96,17 +96,17 @@ std::string PlaceText()
 {
     LItem item;
     if (TypedName().find_first_not_of(' ') == std::string::npos)
-        return ADR_HINT; // nothing typed is no error yet
+        return COM_ADDRESS_HINT; // nothing typed is no error yet
     const int result = EDT_Parse(TypedName(), ANY_TYPE, &item);
     if (result != 0)
         return EDT_ErrorText(result);
     if (item.address == LITEM_NO_ADDRESS)
         return "No loaded map knows this name. The item stays without an address until one does.";
-    std::string text = WRD_Format("Address 0x%06X", item.address);
+    std::string text = TXT_Format("Address 0x%06X", item.address);
     if (LIT_IsTMS(item))
-        text = WRD_Format("TMS320 word address 0x%X", item.address);
+        text = TXT_Format("TMS320 word address 0x%X", item.address);
     else if (IsWordAddressing(Procesor))
-        text = WRD_Format("Word address 0x%06X%s (byte address 0x%06X)", item.address / 2,
+        text = TXT_Format("Word address 0x%06X%s (byte address 0x%06X)", item.address / 2,
                           item.address % 2 ? ", upper half" : "", item.address);
     if (!LIT_HasAddress(item))
         return text + " is outside the target's memory.";
@@ -119,7 +119,7 @@ void NameChanged()
     SetCtrlVal(PANEL, WITEM_ERROR, ""); // it was about another text
     if (!isTypeChosen) {
         LItem item;
-        VTY_SetFromField(&item, EDT_SuggestType(TypedName()).c_str());
+        VAL_SetFromField(&item, EDT_SuggestType(TypedName()).c_str());
         ShowType(item.type, item.size);
     }
     LimitSize();
@@ -132,7 +132,7 @@ void Open(const std::string &name, const char *title, const char *button)
     SetCtrlAttribute(PANEL, WITEM_OK, ATTR_LABEL_TEXT, button);
     SetCtrlAttribute(PANEL, WITEM_POSITION, ATTR_DIMMED, !isAdding);
     SetCtrlVal(PANEL, WITEM_NAME, name);
-    SetCtrlCompletion(PANEL, WITEM_NAME, NCM_CompleteCB);
+    SetCtrlCompletion(PANEL, WITEM_NAME, WIN_CompleteNameCB);
     NameChanged();
     DisplayPanel(PANEL);
     SetActivePanel(PANEL);
@@ -144,8 +144,8 @@ void Accept()
     int result;
     if (isAdding) {
         const int position = RingValue(WITEM_POSITION);
-        const bool isAtEnd = nLItems == 0 || position == ITP_AT_END;
-        const int selected = LSV_Selected() + (position == ITP_AFTER ? 1 : 0);
+        const bool isAtEnd = nLItems == 0 || position == WIN_ITEM_AT_END;
+        const int selected = LSV_Selected() + (position == WIN_ITEM_AFTER ? 1 : 0);
         result = EDT_AddText(TypedName(), TypeField(), isAtEnd ? EDT_AT_END : selected);
     } else { // wherever it stands by now; an item that is gone is a line that does not exist
         result = EDT_Change(EDT_Find(edited), TypedName(), TypeField());
@@ -161,16 +161,16 @@ void Accept()
 
 } // namespace
 
-void ITP_OpenAdd()
+void WIN_OpenAddItem()
 {
     FillRings();
     isAdding = true;
     isTypeChosen = false;
-    SetCtrlVal(PANEL, WITEM_POSITION, nLItems > 0 ? ITP_AFTER : ITP_AT_END);
+    SetCtrlVal(PANEL, WITEM_POSITION, nLItems > 0 ? WIN_ITEM_AFTER : WIN_ITEM_AT_END);
     Open("", "Add watch item", "__Add");
 }
 
-void ITP_OpenEdit(int index)
+void WIN_OpenEditItem(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
@@ -183,7 +183,7 @@ void ITP_OpenEdit(int index)
     Open(edited.label, "Edit watch item", "C__hange");
 }
 
-int ITP_NameCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_ItemNameCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED)
         NameChanged();
@@ -192,17 +192,17 @@ int ITP_NameCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int ITP_TypeCB(int panel, int control, int event, int data)
+int WIN_ItemTypeCB(int panel, int control, int event, int data)
 {
     if (event == EVENT_COMMIT || event == EVENT_VAL_CHANGED) {
         isTypeChosen = true;
         SetCtrlVal(PANEL, WITEM_ERROR, "");
         LimitSize();
     }
-    return ITP_RingCB(panel, control, event, data); // Enter accepts, here as there
+    return WIN_ItemRingCB(panel, control, event, data); // Enter accepts, here as there
 }
 
-int ITP_RingCB(int /*panel*/, int /*control*/, int event, int data)
+int WIN_ItemRingCB(int /*panel*/, int /*control*/, int event, int data)
 {
     if (event != EVENT_KEYPRESS || data != KEY_ENTER)
         return 0;
@@ -210,7 +210,7 @@ int ITP_RingCB(int /*panel*/, int /*control*/, int event, int data)
     return 1;
 }
 
-int ITP_ButtonCB(int panel, int control, int event, int data)
+int WIN_ItemButtonCB(int panel, int control, int event, int data)
 {
     // A click, or Enter while the button has the keyboard.
     if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))

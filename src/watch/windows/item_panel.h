@@ -4,14 +4,14 @@
 #define WATCH_WINDOWS_ITEM_PANEL_H
 
 // Values of the position ring.
-enum ITP_Position { ITP_AFTER = 0, ITP_BEFORE = 1, ITP_AT_END = 2 };
+enum WIN_ItemPosition { WIN_ITEM_AFTER = 0, WIN_ITEM_BEFORE = 1, WIN_ITEM_AT_END = 2 };
 
-void ITP_OpenAdd();
-void ITP_OpenEdit(int index);
+void WIN_OpenAddItem();
+void WIN_OpenEditItem(int index);
 
-int ITP_NameCB(int panel, int control, int event, int data);
-int ITP_TypeCB(int panel, int control, int event, int data);
-int ITP_RingCB(int panel, int control, int event, int data);
-int ITP_ButtonCB(int panel, int control, int event, int data);
+int WIN_ItemNameCB(int panel, int control, int event, int data);
+int WIN_ItemTypeCB(int panel, int control, int event, int data);
+int WIN_ItemRingCB(int panel, int control, int event, int data);
+int WIN_ItemButtonCB(int panel, int control, int event, int data);
 
 #endif

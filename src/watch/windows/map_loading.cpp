@@ -27,7 +27,7 @@ struct MapKind {
 const MapKind mapKinds[] = {{"*.m66", "Open C166 map-file", map2node},
                             {"*.m28xt", "Open C28x map-file", TMSmap2node}};
 // An archive carries a map among other files of a project.
-const char MAP_TYPES[] = "*.m66;*.map;*.m28xt;*.qar";
+const char SYM_TYPES[] = "*.m66;*.map;*.m28xt;*.qar";
 
 int ModeOfProcessor()
 {
@@ -46,18 +46,18 @@ bool AskForMap(const MapKind &kind, std::string *path)
         if (cut != std::string::npos)
             folder = szMapFileName.substr(0, cut + 1);
     }
-    return FileSelectPopup(folder, spec, MAP_TYPES, kind.title, FILE_LOAD, path) !=
-           VAL_NO_FILE_SELECTED;
+    return FileSelectPopup(folder, spec, SYM_TYPES, kind.title, FILE_LOAD, path) !=
+           CON_NO_FILE_SELECTED;
 }
 
 void OpenTypes(const std::string &path)
 {
-    MWN_Outdate(MWN_MAP);
+    WIN_Outdate(WIN_TOPIC_MAP);
     std::string message;
-    const bool isOpen = MLD_OpenTypes(path, &message) == 0;
+    const bool isOpen = WIN_OpenTypeMap(path, &message) == 0;
     if (isOpen)
         SetMainPanelAttributes();
-    VR_ShowMessage(isOpen ? message : "Error: " + message, MWN_MAP);
+    VR_ShowMessage(isOpen ? message : "Error: " + message, WIN_TOPIC_MAP);
 }
 
 } // namespace
@@ -67,12 +67,12 @@ int GetFileStamp(std::string *text, const char *fileName)
     PLT_FileStamp stamp;
     if (PLT_GetFileStamp(fileName, &stamp) != 0)
         return -1;
-    *text = WRD_Format("%4d-%02d-%02d/%02d:%02d:%02d", stamp.year, stamp.month, stamp.day,
+    *text = TXT_Format("%4d-%02d-%02d/%02d:%02d:%02d", stamp.year, stamp.month, stamp.day,
                        stamp.hour, stamp.minute, stamp.second);
     return 0;
 }
 
-void MLD_Remember(const std::string &path, bool isTMS)
+void WIN_RememberMap(const std::string &path, bool isTMS)
 {
     if (isTMS && !IsWordAddressing(Procesor))
         return;
@@ -81,9 +81,9 @@ void MLD_Remember(const std::string &path, bool isTMS)
         szMapFileStamp.clear();
 }
 
-int MLD_OpenTypes(const std::string &path, std::string *message)
+int WIN_OpenTypeMap(const std::string &path, std::string *message)
 {
-    const std::string name = WRD_Visible(path);
+    const std::string name = TXT_Visible(path);
     if (TMF_OpenMap(path.c_str()) == 0) {
         *message = "Type map: " + name + ", " + TMF_GetCountsText() + ".";
         return 0;
@@ -101,22 +101,22 @@ int LoadMap(int mode)
     std::string path = szMapFileName;
     // A file that is not there any more is asked for, as if none had been remembered.
     std::FILE *file = nullptr;
-    const bool isReload =
-        (mode & LOADMAP_RELOAD) != 0 && PLF_Open(path, PLF_ANY_SIZE, &file) == PLF_OK;
+    const bool isReload = (mode & LOADMAP_RELOAD) != 0 &&
+                          PLT_OpenForReading(path, PLT_FILE_ANY_SIZE, &file) == PLT_FILE_OK;
     if (file != nullptr)
         std::fclose(file);
     if (!isReload && !AskForMap(kind, &path))
         return -1;
-    MWN_Outdate(MWN_MAP);
+    WIN_Outdate(WIN_TOPIC_MAP);
     const int result = kind.load(path.c_str());
     if (result < 0) {
-        VR_ShowMessage(result == MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + WRD_Visible(path) +
-                                                         "' " + MAP_ErrorText(result) + "."
-                                                   : "Error: Could not open MAP file.",
-                       MWN_MAP);
+        VR_ShowMessage(result == SYM_MAP_ERR_NO_SYMBOL ? "Error: MAP file '" + TXT_Visible(path) +
+                                                             "' " + SYM_MapErrorText(result) + "."
+                                                       : "Error: Could not open MAP file.",
+                       WIN_TOPIC_MAP);
         return result;
     }
-    MLD_Remember(path, isTMS);
+    WIN_RememberMap(path, isTMS);
     SetMainPanelAttributes();
     return 0;
 }
@@ -124,8 +124,8 @@ int LoadMap(int mode)
 int LoadFlash()
 {
     VR_ComRequest(); // whatever the answer: without communication the read says why it fails
-    MWN_Outdate(MWN_MAP);
-    const int result = fl2node(FLASH_AT_END);
+    WIN_Outdate(WIN_TOPIC_MAP);
+    const int result = fl2node(MFS_AT_END);
     SetMainPanelAttributes();
     return result;
 }
@@ -150,7 +150,7 @@ void OpenTypeMapCB(int, int)
 {
     std::string path;
     if (FileSelectPopup(PLT_CurrentDir(), "*.tmf", "*.tmf", "Open type map-file", FILE_LOAD,
-                        &path) != VAL_NO_FILE_SELECTED)
+                        &path) != CON_NO_FILE_SELECTED)
         OpenTypes(path);
 }
 

@@ -14,9 +14,9 @@ extern std::string szMapFileStamp; // of the last map file loaded
 
 // After a map was loaded from a file: the settings save its name and the reload key reads it
 // again. A TMS320 map beside a C166 map is not that one, and changes nothing.
-void MLD_Remember(const std::string &path, bool isTMS);
+void WIN_RememberMap(const std::string &path, bool isTMS);
 // Loads a type map. 0, or -1 with the loaded one as it was; *message says what happened.
-int MLD_OpenTypes(const std::string &path, std::string *message);
+int WIN_OpenTypeMap(const std::string &path, std::string *message);
 
 // Offers to switch communication on, then reads the map from the end of the target's flash.
 int LoadFlash();

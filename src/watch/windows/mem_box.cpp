@@ -69,8 +69,8 @@ std::string FindPlace(const std::string &text, Place *place)
     const char *cursor = text.c_str();
     place->station = GetStationModifier(&cursor);
     if (place->station > STATION_MAX)
-        return ADR_StationText();
-    const std::string what = WRD_Trim(cursor);
+        return COM_UnknownStationText();
+    const std::string what = TXT_Trim(cursor);
     if (what.empty())
         return "An address or a name is missing behind the station.";
     // A name of the map that could be a number is the name: nobody writes "ADC" for 0xADC then.
@@ -84,7 +84,7 @@ std::string FindPlace(const std::string &text, Place *place)
     }
     place->memory = what[0] == '&' ? OF_TMS : OF_C166;
     place->address = GetSysAddrWk(what.c_str());
-    return place->address == ADDR_NONE ? ADR_UnknownText(what) : "";
+    return place->address == ADDR_NONE ? COM_UnknownNameText(what) : "";
 }
 
 int StationToRead()
@@ -97,8 +97,9 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
     std::string text;
     for (int row = 0; row < ROWS; ++row, bytes += ROW_BYTES) {
         const int offset = row * ROW_BYTES;
-        text += WRD_Format("\n%08x(%+3i): ", address + static_cast<uint32_t>(offset), offset);
-        text += " " + BYT_Hex(bytes, ROW_BYTES) + "  " + BYT_Plain(bytes, ROW_BYTES);
+        text += TXT_Format("\n%08x(%+3i): ", address + static_cast<uint32_t>(offset), offset);
+        text +=
+            " " + TXT_FormatHexBytes(bytes, ROW_BYTES) + "  " + TXT_PlainBytes(bytes, ROW_BYTES);
     }
     return text;
 }
@@ -106,29 +107,29 @@ std::string RawText(uint32_t address, const uint8_t *bytes)
 // One item of a typed row: its value only; place and spacing are the caller's.
 std::string TypedValue(const uint8_t *bytes)
 {
-    const uint64_t value = BYT_GetLittle(bytes, static_cast<size_t>(nMemBoxItmSz));
+    const uint64_t value = TXT_GetLittle(bytes, static_cast<size_t>(nMemBoxItmSz));
     const int unusedBits = 64 - 8 * nMemBoxItmSz;
     float number;
-    const VTY_Row *row = VTY_Find(cMemBoxType);
+    const VAL_TypeRow *row = VAL_FindType(cMemBoxType);
     switch (row != nullptr ? row->plainForm : 'x') {
     case 'i':
-        return WRD_Format("%10lld", static_cast<long long>(
+        return TXT_Format("%10lld", static_cast<long long>(
                                         static_cast<int64_t>(value << unusedBits) >> unusedBits));
     case 'u':
-        return WRD_Format("%15llu", static_cast<unsigned long long>(value));
+        return TXT_Format("%15llu", static_cast<unsigned long long>(value));
     case 'f': // the IEEE one, for the TMS320's is shown by words
         std::memcpy(&number, bytes, sizeof number);
-        return WRD_Format("%+10g (%8Xh)", static_cast<double>(number),
+        return TXT_Format("%+10g (%8Xh)", static_cast<double>(number),
                           static_cast<unsigned>(value));
     default:
-        return WRD_Format("%8llXh", static_cast<unsigned long long>(value));
+        return TXT_Format("%8llXh", static_cast<unsigned long long>(value));
     }
 }
 
 std::string TypedText(uint32_t address, const uint8_t *bytes)
 {
     const bool isFloat = cMemBoxType == 'f';
-    const VTY_Row *row = VTY_Find(cMemBoxType);
+    const VAL_TypeRow *row = VAL_FindType(cMemBoxType);
     std::string text = " float:\n ------------"; // a float's size is no news
     if (row != nullptr && row->plainForm != 'f')
         text = std::string(" ") + row->memoryLabel + " " + std::to_string(nMemBoxItmSz) +
@@ -139,8 +140,8 @@ std::string TypedText(uint32_t address, const uint8_t *bytes)
             const int offset = (item + side * TYPED_ITEMS / 2) * nMemBoxItmSz;
             text += side == 0 ? "\n " : isFloat ? "   " : "       ";
             const uint32_t place = address + static_cast<uint32_t>(offset);
-            text += isFloat ? WRD_Format("%06x(%+3i): ", place, offset)
-                            : WRD_Format("%06x (%+3i):   ", place, offset);
+            text += isFloat ? TXT_Format("%06x(%+3i): ", place, offset)
+                            : TXT_Format("%06x (%+3i):   ", place, offset);
             text += TypedValue(bytes + offset);
         }
     }
@@ -153,7 +154,7 @@ std::string WordsText(uint32_t address, const uint32_t *words)
         "  ADDR:         |     hex:          long:      unsign. long:     TMS float:\n "
         "------------------------------------------------------------------------";
     for (int i = 0; i < TMS_WORDS; ++i)
-        text += WRD_Format("\n %08x (%+3i):|  %08X   %12d    %12u    %12g",
+        text += TXT_Format("\n %08x (%+3i):|  %08X   %12d    %12u    %12g",
                            address + static_cast<uint32_t>(i), i, words[i],
                            static_cast<int32_t>(words[i]), words[i], TMS_IEEE(words[i]));
     return text;
@@ -210,7 +211,7 @@ int read166Memory(uint32_t address)
     if (address > ADDR_LIMIT - count)
         return Failed(-1, OUT_OF_RANGE);
     std::string cause;
-    if (RDI_ReadBytes(StationToRead(), address, count, bytes, &cause) < 0)
+    if (RFR_ReadItemBytes(StationToRead(), address, count, bytes, &cause) < 0)
         return Failed(-1, cause);
     Print(isTyped ? TypedText(address, bytes) : RawText(address, bytes));
     return 0;
@@ -222,21 +223,21 @@ int readTMSMemory(uint32_t address)
         return Failed(TMS_ERR_SEND, OUT_OF_RANGE);
     uint32_t words[TMS_WORDS];
     std::string cause;
-    const int result = RDI_ReadTmsWords(StationToRead(), address, TMS_WORDS, words, &cause);
+    const int result = RFR_ReadTmsWords(StationToRead(), address, TMS_WORDS, words, &cause);
     if (result != TMS_OK)
         return Failed(result, cause);
     Print(WordsText(address, words));
     return 0;
 }
 
-void MBX_Update(int selected)
+void WIN_UpdateMemoryBox(int selected)
 {
     int isOn = 0;
     if (GetCtrlVal(mainPanel, MAIN_MEM_SWITCH, &isOn) < 0 || !isOn)
         return;
     std::string text;
     GetCtrlVal(mainPanel, MAIN_MEM_ADDR, &text);
-    text = WRD_Trim(text);
+    text = TXT_Trim(text);
     if (text.empty()) // switched on, but nothing to show yet: no error
         return;
     ResetTextBox(mainPanel, MAIN_MEM_BOX, "");
@@ -259,22 +260,22 @@ void MBX_Update(int selected)
     typedStation = -1;
 }
 
-void MBX_ShowOld()
+void WIN_ShowMemoryBoxOld()
 {
     SetCtrlAttribute(mainPanel, MAIN_MEM_BOX, ATTR_TEXT_COLOR, COLOR_OLD);
 }
 
-int MBX_PlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_MemoryBoxPlaceCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     // What stands there is of another place, or in another form, until the read below.
     if (event == EVENT_VAL_CHANGED || event == EVENT_COMMIT)
-        MBX_ShowOld();
+        WIN_ShowMemoryBoxOld();
     if (event == EVENT_COMMIT && isTimer && nLItems > 0)
-        MBX_Update(LSV_Selected());
+        WIN_UpdateMemoryBox(LSV_Selected());
     return 0;
 }
 
-std::string MBX_TabbedText()
+std::string WIN_MemoryBoxText()
 {
     int count = 0;
     GetNumTextBoxLines(mainPanel, MAIN_MEM_BOX, &count);

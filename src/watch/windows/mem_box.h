@@ -17,13 +17,13 @@ extern int nMemBoxItmSz;             // bytes
 // Reads what the address field names, when the box is switched on: a bare hexadecimal number
 // in the memory of the selected item, or a place as it is typed everywhere else ("wSpeed",
 // "3:$1F00", "&fCurrent"). Says in the box what is no place.
-void MBX_Update(int selected);
-void MBX_ShowOld(); // what the box shows was read some time ago: drawn in grey
+void WIN_UpdateMemoryBox(int selected);
+void WIN_ShowMemoryBoxOld(); // what the box shows was read some time ago: drawn in grey
 // Address field and switches of the box: old until it was read again.
-int MBX_PlaceCB(int panel, int control, int event, int data);
+int WIN_MemoryBoxPlaceCB(int panel, int control, int event, int data);
 
 // What the box shows, a line a row, its cells separated by tabs: of raw memory every byte
 // and the characters, of typed or TMS320 memory every column.
-std::string MBX_TabbedText();
+std::string WIN_MemoryBoxText();
 
 #endif

@@ -26,7 +26,7 @@ constexpr int DEFAULT_COUNT = 64; // bytes
 constexpr int HEX_COLUMN = 80;
 constexpr int TEXT_COLUMN = 436;
 
-MMP_Range range; // as last read; empty before, and after a read that failed
+WIN_MemoryRange range; // as last read; empty before, and after a read that failed
 
 void ShowOutcome(const std::string &text, int color)
 {
@@ -44,8 +44,9 @@ std::string LineLabel(size_t first)
 {
     const uint8_t *bytes = range.bytes.data() + first;
     const uint32_t address = range.start + static_cast<uint32_t>(first);
-    return SEL_AddressText(address) + SEL_Column(HEX_COLUMN, BYT_Hex(bytes, LineBytes(first))) +
-           SEL_Column(TEXT_COLUMN, BYT_Plain(bytes, LineBytes(first)));
+    return SEL_AddressText(address) +
+           SEL_Column(HEX_COLUMN, TXT_FormatHexBytes(bytes, LineBytes(first))) +
+           SEL_Column(TEXT_COLUMN, TXT_PlainBytes(bytes, LineBytes(first)));
 }
 
 // Index of the selected line's first byte, or -1.
@@ -62,7 +63,7 @@ void ShowSelected()
     const int first = SelectedByte();
     const size_t at = static_cast<size_t>(std::max(first, 0));
     SetCtrlVal(PANEL, MEMORY_LINE,
-               first < 0 ? "" : BYT_Hex(range.bytes.data() + at, LineBytes(at)));
+               first < 0 ? "" : TXT_FormatHexBytes(range.bytes.data() + at, LineBytes(at)));
     for (const int control : {MEMORY_LINE, MEMORY_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, first < 0);
     SetCtrlAttribute(PANEL, MEMORY_COPY, ATTR_DIMMED, range.bytes.empty());
@@ -80,8 +81,8 @@ void ShowPlace()
     uint32_t address = 0;
     int station = -1;
     std::string text;
-    if (MMP_FindPlace(TypedAddress(), &address, &station, &text)) {
-        text = MMP_PlaceText(address, station);
+    if (WIN_FindMemoryPlace(TypedAddress(), &address, &station, &text)) {
+        text = WIN_MemoryPlaceText(address, station);
         text[0] = 'B'; // it begins a sentence here
         // A name is said where it says more than what was typed.
         const std::string name = SYM_AddressToName(address);
@@ -102,8 +103,8 @@ bool IsPlaceShown()
     uint32_t address = 0;
     int station = -1;
     std::string message;
-    return MMP_FindPlace(TypedAddress(), &address, &station, &message) && address == range.start &&
-           station == range.station;
+    return WIN_FindMemoryPlace(TypedAddress(), &address, &station, &message) &&
+           address == range.start && station == range.station;
 }
 
 // Bytes that are old, or not those of the place in the address field, are grey, with the time
@@ -113,14 +114,14 @@ void ShowAge()
     const bool isOld = range.isOld || !IsPlaceShown();
     std::string label, tip;
     if (isOld)
-        tip = WRD_Format("Old: read at %02d:%02d:%02d from station %d.", range.readAt.hour,
+        tip = TXT_Format("Old: read at %02d:%02d:%02d from station %d.", range.readAt.hour,
                          range.readAt.minute, range.readAt.second, range.station);
     const size_t lines = (range.bytes.size() + MEMORY_LINE_BYTES - 1) / MEMORY_LINE_BYTES;
     for (int line = 0; line < static_cast<int>(lines); ++line) {
         if (GetLabelFromIndex(PANEL, MEMORY_LIST, line, &label) < 0)
             continue;
         std::vector<UI_Cell> cells;
-        for (const UIC_Column &column : UIC_SplitColumns(label))
+        for (const UI_LabelColumn &column : UI_SplitColumns(label))
             cells.push_back({column.text, isOld ? UIS_DIM : UIS_NORMAL, tip});
         SetListCells(PANEL, MEMORY_LIST, line, cells);
     }
@@ -128,10 +129,10 @@ void ShowAge()
 
 void ReadAndShow()
 {
-    MMP_Range wanted;
+    WIN_MemoryRange wanted;
     int count = 0;
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
-    const std::string refusal = MMP_FindRange(TypedAddress(), count, &wanted);
+    const std::string refusal = WIN_FindMemoryRange(TypedAddress(), count, &wanted);
     if (!refusal.empty()) {
         ShowOutcome(refusal, COLOR_BAD);
         return;
@@ -142,7 +143,7 @@ void ReadAndShow()
     }
     // What could not be read is not left on the screen as if it had been: the list is empty then.
     std::string cause;
-    const bool isRead = MMP_ReadRange(&wanted, &cause) == 0;
+    const bool isRead = WIN_ReadMemoryRange(&wanted, &cause) == 0;
     range = wanted;
     int selected = 0, lines = 0;
     GetCtrlIndex(PANEL, MEMORY_LIST, &selected);
@@ -166,11 +167,12 @@ std::string CheckLine(size_t first, std::vector<uint8_t> *wanted)
 {
     // A place was typed since the bytes were read: to which of the two would they go?
     if (!IsPlaceShown())
-        return "REFUSED: The bytes are those of " + MMP_PlaceText(range.start, range.station) +
+        return "REFUSED: The bytes are those of " +
+               WIN_MemoryPlaceText(range.start, range.station) +
                ": press Read for the place above.";
     std::string text;
     GetCtrlVal(PANEL, MEMORY_LINE, &text);
-    const std::string error = BYT_Parse(text, LineBytes(first), wanted);
+    const std::string error = TXT_ParseHexBytes(text, LineBytes(first), wanted);
     return error.empty() ? "" : "REFUSED: " + error;
 }
 
@@ -196,17 +198,17 @@ void WriteAndShow()
     }
     std::string message;
     bool isRead = false;
-    const MMP_Outcome outcome = MMP_Write(&range, first, wanted, &message, &isRead);
+    const WIN_MemoryOutcome outcome = WIN_WriteMemory(&range, first, wanted, &message, &isRead);
     if (isRead) {
         ReplaceListItem(PANEL, MEMORY_LIST, selected / MEMORY_LINE_BYTES, LineLabel(first), 0);
         ShowAge();
     }
     // After a failure what was typed stays in the field, to be written again.
-    if (outcome == MMP_OK || outcome == MMP_DIFFERENT)
+    if (outcome == WIN_MEMORY_OK || outcome == WIN_MEMORY_DIFFERENT)
         ShowSelected();
-    ShowOutcome(message, outcome == MMP_OK            ? COLOR_GOOD
-                         : outcome == MMP_NOT_WRITTEN ? COLOR_BAD
-                                                      : COLOR_WARN);
+    ShowOutcome(message, outcome == WIN_MEMORY_OK            ? COLOR_GOOD
+                         : outcome == WIN_MEMORY_NOT_WRITTEN ? COLOR_BAD
+                                                             : COLOR_WARN);
 }
 
 void CopyLines()
@@ -216,14 +218,14 @@ void CopyLines()
     std::string text, label;
     for (int i = 0; i < count; ++i)
         if (GetLabelFromIndex(PANEL, MEMORY_LIST, i, &label) >= 0)
-            text += UIC_JoinColumns(label, "\t") + "\n";
+            text += UI_JoinColumns(label, "\t") + "\n";
     if (ClipboardPutText(text) == 0)
         ShowOutcome("Copied: " + std::to_string(range.bytes.size()) + " bytes.", COLOR_PLAIN);
 }
 
 } // namespace
 
-void MMP_Open(int index)
+void WIN_OpenMemory(int index)
 {
     int count = 0;
     GetCtrlVal(PANEL, MEMORY_COUNT, &count);
@@ -233,8 +235,8 @@ void MMP_Open(int index)
     const bool hasPlace = index >= 0 && index < nLItems && LIT_HasAddress(aLItems[index]) &&
                           !LIT_IsTMS(aLItems[index]);
     if (hasPlace)
-        SetCtrlVal(PANEL, MEMORY_ADDRESS, MMP_PlaceOf(aLItems[index]));
-    SetCtrlCompletion(PANEL, MEMORY_ADDRESS, NCM_CompleteCB);
+        SetCtrlVal(PANEL, MEMORY_ADDRESS, WIN_MemoryPlaceOf(aLItems[index]));
+    SetCtrlCompletion(PANEL, MEMORY_ADDRESS, WIN_CompleteNameCB);
     ShowPlace();
     ShowSelected();
     DisplayPanel(PANEL);
@@ -245,13 +247,13 @@ void MMP_Open(int index)
         ReadAndShow();
 }
 
-void MMP_ShowOld()
+void WIN_ShowMemoryOld()
 {
     range.isOld = true;
     ShowAge();
 }
 
-int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_MemoryAddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED) { // at every key: where it would read, and what is below
         ShowPlace();
@@ -261,14 +263,14 @@ int MMP_AddressCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int MMP_CountCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_MemoryCountCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
         ReadAndShow();
     return 0;
 }
 
-int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_MemoryListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_VAL_CHANGED) {
         ShowSelected();
@@ -278,14 +280,14 @@ int MMP_ListCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     return 0;
 }
 
-int MMP_LineCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_MemoryLineCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
         WriteAndShow();
     return 0;
 }
 
-int MMP_ButtonCB(int panel, int control, int event, int data)
+int WIN_MemoryButtonCB(int panel, int control, int event, int data)
 {
     // A click, or Enter while the button has the keyboard.
     if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))

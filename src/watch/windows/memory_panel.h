@@ -7,15 +7,15 @@ constexpr int MEMORY_LINE_BYTES = 16;
 
 // Opens the window at the address of a watch item (-1 = at what was shown before), and
 // reads at once when communication is on.
-void MMP_Open(int index);
+void WIN_OpenMemory(int index);
 
 // What was read is of another time or place now: communication was switched, or the station.
-void MMP_ShowOld();
+void WIN_ShowMemoryOld();
 
-int MMP_AddressCB(int panel, int control, int event, int data);
-int MMP_CountCB(int panel, int control, int event, int data);
-int MMP_ButtonCB(int panel, int control, int event, int data);
-int MMP_ListCB(int panel, int control, int event, int data);
-int MMP_LineCB(int panel, int control, int event, int data);
+int WIN_MemoryAddressCB(int panel, int control, int event, int data);
+int WIN_MemoryCountCB(int panel, int control, int event, int data);
+int WIN_MemoryButtonCB(int panel, int control, int event, int data);
+int WIN_MemoryListCB(int panel, int control, int event, int data);
+int WIN_MemoryLineCB(int panel, int control, int event, int data);
 
 #endif

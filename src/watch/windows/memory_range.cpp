@@ -15,31 +15,32 @@ namespace {
 typedef std::vector<uint8_t> Bytes;
 
 // What the target holds now against what was wanted, of the bytes that were written.
-MMP_Outcome Compare(uint32_t address, const Bytes &before, const Bytes &wanted, const Bytes &held,
-                    std::string *message)
+WIN_MemoryOutcome Compare(uint32_t address, const Bytes &before, const Bytes &wanted,
+                          const Bytes &held, std::string *message)
 {
     size_t changed = 0;
     for (size_t i = 0; i < wanted.size(); ++i) {
         if (wanted[i] == before[i]) // not written: the target's own business
             continue;
         if (wanted[i] != held[i]) {
-            *message = WRD_Format("DIFFERENT at byte address 0x%06X: wrote %02X, the target holds "
+            *message = TXT_Format("DIFFERENT at byte address 0x%06X: wrote %02X, the target holds "
                                   "%02X.",
                                   address + static_cast<uint32_t>(i), wanted[i], held[i]);
-            return MMP_DIFFERENT;
+            return WIN_MEMORY_DIFFERENT;
         }
         ++changed;
     }
     *message = "OK: Written and read back: " + std::to_string(changed) +
                (changed == 1 ? " byte." : " bytes.");
-    return MMP_OK;
+    return WIN_MEMORY_OK;
 }
 
 } // namespace
 
-bool MMP_FindPlace(const std::string &text, uint32_t *address, int *station, std::string *message)
+bool WIN_FindMemoryPlace(const std::string &text, uint32_t *address, int *station,
+                         std::string *message)
 {
-    *message = ADR_HINT;
+    *message = COM_ADDRESS_HINT;
     if (text.find_first_not_of(' ') == std::string::npos)
         return false;
     *address = GetSysAddrM(text.c_str(), station);
@@ -52,10 +53,10 @@ bool MMP_FindPlace(const std::string &text, uint32_t *address, int *station, std
                    "memory box.";
         return false;
     }
-    *message = ADR_UnknownText(text);
+    *message = COM_UnknownNameText(text);
     if (*address == ADDR_NONE)
         return false;
-    *message = ADR_StationText();
+    *message = COM_UnknownStationText();
     if (*station > STATION_MAX)
         return false;
     if (*station < 0) // none was typed
@@ -63,10 +64,10 @@ bool MMP_FindPlace(const std::string &text, uint32_t *address, int *station, std
     return true;
 }
 
-std::string MMP_FindRange(const std::string &text, int count, MMP_Range *range)
+std::string WIN_FindMemoryRange(const std::string &text, int count, WIN_MemoryRange *range)
 {
     std::string message;
-    if (!MMP_FindPlace(text, &range->start, &range->station, &message))
+    if (!WIN_FindMemoryPlace(text, &range->start, &range->station, &message))
         return message;
     if (count < 1 || count > MEMORY_BYTES_MAX)
         return "The count must be 1 to " + std::to_string(MEMORY_BYTES_MAX) + " bytes.";
@@ -76,36 +77,36 @@ std::string MMP_FindRange(const std::string &text, int count, MMP_Range *range)
     return "";
 }
 
-std::string MMP_PlaceText(uint32_t address, int station)
+std::string WIN_MemoryPlaceText(uint32_t address, int station)
 {
-    std::string text = WRD_Format("byte address 0x%06X", address);
+    std::string text = TXT_Format("byte address 0x%06X", address);
     if (IsWordAddressing(Procesor))
         text += ", word address 0x" + SEL_AddressText(address);
     return text + ", station " + std::to_string(station);
 }
 
-std::string MMP_PlaceOf(const LItem &item)
+std::string WIN_MemoryPlaceOf(const LItem &item)
 {
     if (GetSysAddr(item.name.c_str()) == item.address)
         return item.name;
     // A line may give its name another address than the map does.
     const std::string station = item.station < 0 ? "" : std::to_string(item.station) + ":";
-    return station + WRD_Format("$%X", item.address);
+    return station + TXT_Format("$%X", item.address);
 }
 
-int MMP_ReadRange(MMP_Range *range, std::string *cause)
+int WIN_ReadMemoryRange(WIN_MemoryRange *range, std::string *cause)
 {
     const int result =
-        RDI_ReadBytes(range->station, range->start, static_cast<uint32_t>(range->bytes.size()),
-                      range->bytes.data(), cause);
+        RFR_ReadItemBytes(range->station, range->start, static_cast<uint32_t>(range->bytes.size()),
+                          range->bytes.data(), cause);
     if (result != 0) // bytes that were not read shall not look as if they had been
         range->bytes.clear();
     PLT_LocalTime(&range->readAt);
     return result == 0 ? 0 : -1;
 }
 
-MMP_Outcome MMP_Write(MMP_Range *range, size_t first, const Bytes &wanted, std::string *message,
-                      bool *isRead)
+WIN_MemoryOutcome WIN_WriteMemory(WIN_MemoryRange *range, size_t first, const Bytes &wanted,
+                                  std::string *message, bool *isRead)
 {
     const uint32_t address = range->start + static_cast<uint32_t>(first);
     const auto begin = range->bytes.begin() + static_cast<long>(first);
@@ -127,14 +128,14 @@ MMP_Outcome MMP_Write(MMP_Range *range, size_t first, const Bytes &wanted, std::
         *message = "FAILED: Not written, or only in part: " + cause + ".";
     // After a failure, too: what of it has arrived is there to see.
     Bytes held(before.size());
-    *isRead = RDI_ReadBytes(range->station, address, static_cast<uint32_t>(held.size()),
-                            held.data(), &cause) == 0;
+    *isRead = RFR_ReadItemBytes(range->station, address, static_cast<uint32_t>(held.size()),
+                                held.data(), &cause) == 0;
     if (*isRead)
         std::copy(held.begin(), held.end(), begin);
     if (!isWritten)
-        return MMP_NOT_WRITTEN;
+        return WIN_MEMORY_NOT_WRITTEN;
     if (*isRead)
         return Compare(address, before, wanted, held, message);
     *message = "NOT VERIFIED: Written, but the line could not be read: " + cause + ".";
-    return MMP_NOT_READ;
+    return WIN_MEMORY_NOT_READ;
 }

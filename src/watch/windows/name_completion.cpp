@@ -34,7 +34,7 @@ void AddNames(const VarNode *table, int count, const std::string &start,
 
 } // namespace
 
-std::vector<std::string> NCM_Complete(const std::string &typed)
+std::vector<std::string> WIN_CompleteName(const std::string &typed)
 {
     // Station and "&" say where to look and stay as they were typed.
     const char *rest = typed.c_str();
@@ -67,7 +67,8 @@ std::vector<std::string> NCM_Complete(const std::string &typed)
     return names;
 }
 
-std::vector<std::string> NCM_CompleteCB(int /*panel*/, int /*control*/, const std::string &typed)
+std::vector<std::string> WIN_CompleteNameCB(int /*panel*/, int /*control*/,
+                                            const std::string &typed)
 {
-    return NCM_Complete(typed);
+    return WIN_CompleteName(typed);
 }

@@ -11,8 +11,8 @@ constexpr size_t COMPLETIONS_MAX = 200;
 // loaded map and registers, behind "&" names of the TMS320; once a "." or "[" was typed,
 // members and elements that the type map knows. A station prefix is kept. Nothing for an
 // empty name, and nothing when the typed text is the only one.
-std::vector<std::string> NCM_Complete(const std::string &typed);
+std::vector<std::string> WIN_CompleteName(const std::string &typed);
 // The same as the callback of a field.
-std::vector<std::string> NCM_CompleteCB(int panel, int control, const std::string &typed);
+std::vector<std::string> WIN_CompleteNameCB(int panel, int control, const std::string &typed);
 
 #endif

@@ -10,13 +10,13 @@
 std::string SEL_AddressText(uint32_t address)
 {
     if (!IsWordAddressing(Procesor))
-        return WRD_Format("%06X", address);
-    return WRD_Format("%06X%s", address / 2, address % 2 != 0 ? ".hi" : ""); // half of a word
+        return TXT_Format("%06X", address);
+    return TXT_Format("%06X%s", address / 2, address % 2 != 0 ? ".hi" : ""); // half of a word
 }
 
 std::string SEL_SizeText(int size)
 {
-    return size > 0 ? WRD_Format("%6d", size) : "";
+    return size > 0 ? TXT_Format("%6d", size) : "";
 }
 
 std::string SEL_Column(int pixel, const std::string &text)

@@ -8,14 +8,14 @@
 #include <string>
 
 // Values of the variable selector's source ring.
-enum VSL_Source { VSL_MAP = 0, VSL_REGISTERS = 1, VSL_TMS = 2 };
+enum SEL_VariableSource { SEL_SOURCE_MAP = 0, SEL_SOURCE_REGISTERS = 1, SEL_SOURCE_TMS = 2 };
 
 // Whether a filter lets a name through, in either case of letters: the filter is part of
 // the name, or, with a "*" (any run of characters) in it, matches all of it.
-bool VSL_IsMatch(const std::string &filter, const std::string &name);
+bool SEL_IsMatch(const std::string &filter, const std::string &name);
 
 // Maps, types or the processor have changed: windows that are open show it at once.
-void VSL_SymbolsChanged();
+void SEL_SymbolsChanged();
 
 // Opens the structure selector on an expression; "" lists every variable with parts. 0, or
 // -1: the expression names nothing that has parts (said in the window, which then shows
@@ -25,14 +25,14 @@ int TMF_DisplayStructSelector(const std::string &expression);
 void TMF_CreateStructSelector();
 
 // Menu, panel and control callbacks.
-void VSL_OpenCB(int menuBar, int item);
-int VSL_FilterCB(int panel, int control, int event, int data);
-int VSL_ListCB(int panel, int control, int event, int data);
-int VSL_SourceCB(int panel, int control, int event, int data);
-int VSL_ButtonCB(int panel, int control, int event, int data);
-void SSL_OpenCB(int menuBar, int item);
-int SSL_PathCB(int panel, int control, int event, int data);
-int SSL_ListCB(int panel, int control, int event, int data);
-int SSL_ButtonCB(int panel, int control, int event, int data);
+void SEL_VariableOpenCB(int menuBar, int item);
+int SEL_VariableFilterCB(int panel, int control, int event, int data);
+int SEL_VariableListCB(int panel, int control, int event, int data);
+int SEL_VariableSourceCB(int panel, int control, int event, int data);
+int SEL_VariableButtonCB(int panel, int control, int event, int data);
+void SEL_StructureOpenCB(int menuBar, int item);
+int SEL_StructurePathCB(int panel, int control, int event, int data);
+int SEL_StructureListCB(int panel, int control, int event, int data);
+int SEL_StructureButtonCB(int panel, int control, int event, int data);
 
 #endif

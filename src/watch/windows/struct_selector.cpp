@@ -76,7 +76,7 @@ std::string RowLabel(const TMF_ListRow &row, uint32_t start)
     const size_t begin = at == std::string::npos ? 0 : row.expression[at] == '.' ? at + 1 : at;
     const uint32_t unit = IsWordAddressing(Procesor) ? 2 : 1; // as addresses are shown
     const std::string offset =
-        level.path.empty() ? "" : WRD_Format("+0x%X", (row.address - start) / unit);
+        level.path.empty() ? "" : TXT_Format("+0x%X", (row.address - start) / unit);
     return row.expression.substr(begin) + SEL_Column(OFFSET_COLUMN, offset) +
            SEL_Column(ADDRESS_COLUMN, SEL_AddressText(row.address)) +
            SEL_Column(SIZE_COLUMN, SEL_SizeText(row.size)) +
@@ -174,7 +174,7 @@ void GoUp()
 // What a user typed: a level, or a plain member, which is then selected on its level.
 bool GoTo(const std::string &text)
 {
-    const std::string path = WRD_Trim(text);
+    const std::string path = TXT_Trim(text);
     if (ShowPath(path, 0, ""))
         return true;
     uint32_t offset = 0;
@@ -255,12 +255,12 @@ int TMF_DisplayStructSelector(const std::string &expression)
     return isFound ? 0 : -1;
 }
 
-void SSL_OpenCB(int, int)
+void SEL_StructureOpenCB(int, int)
 {
     TMF_DisplayStructSelector("");
 }
 
-int SSL_PathCB(int, int, int event, int data)
+int SEL_StructurePathCB(int, int, int event, int data)
 {
     if (event == EVENT_COMMIT) {
         std::string text;
@@ -274,7 +274,7 @@ int SSL_PathCB(int, int, int event, int data)
     return 0;
 }
 
-int SSL_ListCB(int, int, int event, int data)
+int SEL_StructureListCB(int, int, int event, int data)
 {
     if (event == EVENT_KEYPRESS)
         return ActOn(LIST_KEYS, data);
@@ -291,7 +291,7 @@ int SSL_ListCB(int, int, int event, int data)
     return 0;
 }
 
-int SSL_ButtonCB(int, int control, int event, int)
+int SEL_StructureButtonCB(int, int control, int event, int)
 {
     if (event == EVENT_COMMIT)
         ActOn(BUTTONS, control);

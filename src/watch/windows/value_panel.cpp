@@ -25,18 +25,18 @@ const char ITEM_GONE[] = "The item is no longer in the watch list.";
 EDT_Reference shown; // the item that the window is about
 
 struct OutcomeRow {
-    int result; // of WRV_Write
+    int result; // of VAL_Write
     const char *word;
     int color;
 };
 const OutcomeRow outcomeRows[] = {
-    {WRV_OK, "OK: ", COLOR_GOOD},
-    {WRV_DIFFERENT, "DIFFERENT: ", COLOR_WARN},
-    {WRV_ERR_READ_BACK, "NOT VERIFIED: ", COLOR_WARN},
-    {WRV_ERR_WRITE, "FAILED: ", COLOR_BAD},
+    {VAL_WRITE_OK, "OK: ", COLOR_GOOD},
+    {VAL_WRITE_DIFFERENT, "DIFFERENT: ", COLOR_WARN},
+    {VAL_WRITE_ERR_READ_BACK, "NOT VERIFIED: ", COLOR_WARN},
+    {VAL_WRITE_ERR_WRITE, "FAILED: ", COLOR_BAD},
 };
 // Everything else was refused before anything was sent.
-const OutcomeRow refusedRow = {WRV_ERR_TEXT, "REFUSED: ", COLOR_BAD};
+const OutcomeRow refusedRow = {VAL_WRITE_ERR_TEXT, "REFUSED: ", COLOR_BAD};
 
 const OutcomeRow &OutcomeOf(int result)
 {
@@ -78,12 +78,12 @@ int CurrentIndex()
 std::string AddressText(const LItem &item)
 {
     if (item.address == LITEM_NO_ADDRESS)
-        return RDI_NOT_RESOLVED;
+        return RFR_NOT_RESOLVED;
     if (LIT_IsTMS(item))
-        return WRD_Format("0x%X, a word address of the TMS320", item.address);
+        return TXT_Format("0x%X, a word address of the TMS320", item.address);
     if (!IsWordAddressing(Procesor))
-        return WRD_Format("0x%06X", item.address);
-    return WRD_Format("word 0x%06X%s (byte address 0x%06X)", item.address / 2,
+        return TXT_Format("0x%06X", item.address);
+    return TXT_Format("word 0x%06X%s (byte address 0x%06X)", item.address / 2,
                       item.address % 2 ? ", upper half" : "", item.address);
 }
 
@@ -97,7 +97,7 @@ std::string ListText(const LItem &item)
         return "a rate takes two reads";
     std::string text;
     FormatLItemVal(&text, item);
-    return WRD_Trim(text);
+    return TXT_Trim(text);
 }
 
 // Goes over the screen four times a second: what is the same stays untouched.
@@ -110,7 +110,7 @@ void SetText(int control, const std::string &text)
 
 void ShowItem(const LItem &item)
 {
-    const VTY_Row *row = VTY_Find(item.type);
+    const VAL_TypeRow *row = VAL_FindType(item.type);
     const bool hasStation = item.station >= 0 && item.station <= STATION_MAX;
     SetText(VALUE_NAME, LIT_Label(item));
     SetText(VALUE_ADDRESS, AddressText(item));
@@ -119,19 +119,19 @@ void ShowItem(const LItem &item)
     SetText(VALUE_TYPE, std::string(row ? row->name : "?") + ", " + std::to_string(item.size) +
                             (item.size == 1 ? " byte" : " bytes"));
     SetText(VALUE_SHOWN, ListText(item));
-    SetText(VALUE_DECIMAL, VFM_Decimal(item));
-    SetText(VALUE_HEX, VFM_Hex(item));
-    SetText(VALUE_BINARY, VFM_Binary(item));
-    SetText(VALUE_FLOAT, VFM_Float(item));
-    SetText(VALUE_HINT, "Type " + WRV_Hint(item) + ".");
+    SetText(VALUE_DECIMAL, VAL_DecimalForm(item));
+    SetText(VALUE_HEX, VAL_HexForm(item));
+    SetText(VALUE_BINARY, VAL_BinaryForm(item));
+    SetText(VALUE_FLOAT, VAL_FloatForm(item));
+    SetText(VALUE_HINT, "Type " + VAL_GetHint(item) + ".");
     // Red has failed, grey was not read yet or is no value of now.
     int color = COLOR_PLAIN;
     if (!item.isValueGood)
         color = item.reason.empty() ? COLOR_OLD : COLOR_BAD;
-    else if (AGE_IsOld(item) || !LIT_HasNumber(item))
+    else if (RFR_IsOld(item) || !LIT_HasNumber(item))
         color = COLOR_OLD;
     SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TEXT_COLOR, color);
-    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TOOLTIP_TEXT, AGE_Tip(item));
+    SetCtrlAttribute(PANEL, VALUE_SHOWN, ATTR_TOOLTIP_TEXT, RFR_AgeTip(item));
     for (const int control : {VALUE_READ, VALUE_WRITE})
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, !LIT_HasAddress(item));
 }
@@ -139,10 +139,10 @@ void ShowItem(const LItem &item)
 // Reads the item and shows it; false when it could not be read.
 bool ReadItem(int index)
 {
-    const bool isGood = RDI_ReadNow(index) == 0;
+    const bool isGood = RFR_ReadItemNow(index) == 0;
     if (readLItems) // else the list shows names only so far
         LSV_ShowValues();
-    VLP_Refresh();
+    WIN_RefreshValue();
     return isGood;
 }
 
@@ -170,24 +170,24 @@ void WriteAndShow()
     std::string text, message;
     GetCtrlVal(PANEL, VALUE_NEW, &text);
     uint64_t bits = 0;
-    int result = WRV_Parse(aLItems[index], text, &bits, &message);
+    int result = VAL_ParseFor(aLItems[index], text, &bits, &message);
     // Without an address the write itself refuses, and needs nobody's permission.
-    if (result == WRV_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
+    if (result == VAL_WRITE_OK && LIT_HasAddress(aLItems[index]) && !VR_EnsureCom()) {
         ShowOutcome(std::string("REFUSED: The value was not written: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
-    if (result == WRV_OK)
-        result = WRV_Write(index, text, &message);
-    VLP_Refresh();
+    if (result == VAL_WRITE_OK)
+        result = VAL_Write(index, text, &message);
+    WIN_RefreshValue();
     ShowOutcome(OutcomeOf(result).word + message, OutcomeOf(result).color);
-    if (result == WRV_OK)
+    if (result == VAL_WRITE_OK)
         SetCtrlVal(PANEL, VALUE_NEW, ""); // for the next one
     SetActiveCtrl(PANEL, VALUE_NEW);
 }
 
 } // namespace
 
-void VLP_Open(int index)
+void WIN_OpenValue(int index)
 {
     if (index < 0 || index >= nLItems)
         return;
@@ -204,7 +204,7 @@ void VLP_Open(int index)
         ReadItem(index);
 }
 
-void VLP_Refresh()
+void WIN_RefreshValue()
 {
     if (!IsOpen())
         return;
@@ -221,14 +221,14 @@ void VLP_Refresh()
         SetCtrlAttribute(PANEL, control, ATTR_DIMMED, 1);
 }
 
-int VLP_NewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_ValueNewCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event == EVENT_COMMIT)
         WriteAndShow();
     return 0;
 }
 
-int VLP_ButtonCB(int panel, int control, int event, int data)
+int WIN_ValueButtonCB(int panel, int control, int event, int data)
 {
     // A click, or Enter while the button has the keyboard.
     if (event != EVENT_COMMIT && !(event == EVENT_KEYPRESS && data == KEY_ENTER))
@@ -242,7 +242,7 @@ int VLP_ButtonCB(int panel, int control, int event, int data)
     return 1;
 }
 
-int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
+int WIN_ValueTimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 {
     if (event != EVENT_TIMER_TICK || !IsOpen() || !isTimer)
         return 0;
@@ -251,7 +251,7 @@ int VLP_TimerCB(int /*panel*/, int /*control*/, int event, int /*data*/)
     const int first = LSV_FirstVisible();
     const bool isSwept = index >= first && index < first + LSV_LinesInView();
     if (index >= 0 && !isSwept && LIT_HasAddress(aLItems[index]))
-        RDI_ReadNow(index);
-    VLP_Refresh();
+        RFR_ReadItemNow(index);
+    WIN_RefreshValue();
     return 0;
 }

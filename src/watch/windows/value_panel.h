@@ -6,11 +6,11 @@
 
 constexpr double VALUE_PERIOD_S = 0.25;
 
-void VLP_Open(int index);
-void VLP_Refresh(); // shows the item as it is now; nothing when the window is not open
+void WIN_OpenValue(int index);
+void WIN_RefreshValue(); // shows the item as it is now; nothing when the window is not open
 
-int VLP_NewCB(int panel, int control, int event, int data);
-int VLP_ButtonCB(int panel, int control, int event, int data);
-int VLP_TimerCB(int panel, int control, int event, int data);
+int WIN_ValueNewCB(int panel, int control, int event, int data);
+int WIN_ValueButtonCB(int panel, int control, int event, int data);
+int WIN_ValueTimerCB(int panel, int control, int event, int data);
 
 #endif

@@ -22,15 +22,15 @@ constexpr int SIZE_COLUMN = 316;
 constexpr int DECLARATION_COLUMN = 376;
 
 struct SourceRow {
-    VSL_Source source;
+    SEL_VariableSource source;
     const char *label;
     const char *noun; // of what is counted
     const char *none; // shown when there is nothing
 };
 const SourceRow SOURCES[] = {
-    {VSL_MAP, "Map variables", "variables", "No map is loaded: File, Open map file."},
-    {VSL_REGISTERS, "Processor registers", "registers", "No registers for this processor."},
-    {VSL_TMS, "TMS320 variables", "variables",
+    {SEL_SOURCE_MAP, "Map variables", "variables", "No map is loaded: File, Open map file."},
+    {SEL_SOURCE_REGISTERS, "Processor registers", "registers", "No registers for this processor."},
+    {SEL_SOURCE_TMS, "TMS320 variables", "variables",
      "No TMS320 map is loaded beside the map: console command \"mt file\"."},
 };
 
@@ -79,7 +79,7 @@ bool IsFoldedMatch(const std::string &filter, const std::string &text)
 
 const SourceRow &ChosenSource()
 {
-    int value = VSL_MAP;
+    int value = SEL_SOURCE_MAP;
     GetCtrlVal(PANEL, VARSEL_SOURCE, &value);
     for (const SourceRow &row : SOURCES)
         if (row.source == value)
@@ -102,13 +102,13 @@ void CollectRows()
 {
     selector.rows.clear();
     switch (ChosenSource().source) {
-    case VSL_MAP:
+    case SEL_SOURCE_MAP:
         selector.rows = TMF_ListVariables("");
         break;
-    case VSL_REGISTERS: // no type map knows these two
+    case SEL_SOURCE_REGISTERS: // no type map knows these two
         AppendNodes(aVarNode166, nNodes166, "", &selector.rows);
         break;
-    case VSL_TMS:
+    case SEL_SOURCE_TMS:
         AppendNodes(aVarTMSNode, nTMSNodes, "&", &selector.rows);
         break;
     }
@@ -257,12 +257,12 @@ bool IsVisible(int panel)
 
 } // namespace
 
-bool VSL_IsMatch(const std::string &filter, const std::string &name)
+bool SEL_IsMatch(const std::string &filter, const std::string &name)
 {
     return IsFoldedMatch(LowerCase(filter), LowerCase(name));
 }
 
-void VSL_SymbolsChanged()
+void SEL_SymbolsChanged()
 {
     selector.isStale = true; // a window that is hidden collects them when it is opened
     if (IsVisible(PANEL))
@@ -271,7 +271,7 @@ void VSL_SymbolsChanged()
         TMF_CreateStructSelector();
 }
 
-void VSL_OpenCB(int, int)
+void SEL_VariableOpenCB(int, int)
 {
     int count = 0;
     GetNumListItems(PANEL, VARSEL_SOURCE, &count);
@@ -284,7 +284,7 @@ void VSL_OpenCB(int, int)
     SetActiveCtrl(PANEL, VARSEL_FILTER);
 }
 
-int VSL_FilterCB(int, int, int event, int data)
+int SEL_VariableFilterCB(int, int, int event, int data)
 {
     if (event == EVENT_VAL_CHANGED)
         FillList();
@@ -299,7 +299,7 @@ int VSL_FilterCB(int, int, int event, int data)
     return 1;
 }
 
-int VSL_ListCB(int, int, int event, int data)
+int SEL_VariableListCB(int, int, int event, int data)
 {
     if (event == EVENT_KEYPRESS)
         return OnListKey(data);
@@ -310,7 +310,7 @@ int VSL_ListCB(int, int, int event, int data)
     return 0;
 }
 
-int VSL_SourceCB(int, int, int event, int)
+int SEL_VariableSourceCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT) {
         selector.isStale = true;
@@ -319,7 +319,7 @@ int VSL_SourceCB(int, int, int event, int)
     return 0;
 }
 
-int VSL_ButtonCB(int, int control, int event, int)
+int SEL_VariableButtonCB(int, int control, int event, int)
 {
     for (const ButtonRow &row : BUTTONS)
         if (event == EVENT_COMMIT && row.control == control)
