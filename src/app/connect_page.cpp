@@ -13,6 +13,7 @@
 #include "platform/port_list.h"
 #include "platform/serial.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -84,6 +85,21 @@ void FillBauds()
 std::string NameOr(const std::string &path, const char *none)
 {
     return path.empty() ? none : TXT_Visible(path);
+}
+
+// Why the protocol cannot reach the station, "" when it can. mr166 has four bits for it in a frame,
+// a Modbus slave 0 would be a broadcast that nobody answers. The number is never moved into the
+// range: the nearest station is another machine.
+std::string StationProblem(int station)
+{
+    const bool isModbus = VR_nProtocol == PROTOCOL_MODBUS;
+    const int least = isModbus ? MODBUS_STATION_MIN : 0;
+    const int most = isModbus ? MODBUS_STATION_MAX : STATION_MAX;
+    if (station >= least && station <= most)
+        return "";
+    return "There is no station " + std::to_string(station) + " with " +
+           (isModbus ? "Modbus" : "mr166") + ": its stations are " + std::to_string(least) +
+           " to " + std::to_string(most) + ".";
 }
 
 // Back to the view that the page has covered.
@@ -169,12 +185,17 @@ int APP_ConnectSettingCB(int, int control, int event, int)
         VR_Reopen();
     } else if (control == CONNECT_PROTOCOL) {
         ProtocolCB(0, value == PROTOCOL_MODBUS ? ITEM_MODBUS : ITEM_MR166);
+        // Kept all the same: who has met the wrong line of the ring gets the number back.
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, StationProblem(STATION));
     } else if (control == CONNECT_PROCESSOR) {
         APP_UseProcessor(value);
     } else if (control == CONNECT_STATION) {
-        VIR2_SetStation(value);
+        const std::string problem = StationProblem(value);
+        if (problem.empty())
+            VIR2_SetStation(value);
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, problem);
     }
-    SetMainPanelAttributes();
+    SetMainPanelAttributes(); // also puts a field back whose number was refused
     return 0;
 }
 
@@ -192,12 +213,18 @@ int APP_ConnectButtonCB(int, int control, int event, int)
     case CONNECT_LIST:
         OpenDatCB(0, ITEM_OPEN);
         break;
-    case CONNECT_START:
-        WIN_ShowMainView(
-            ITEM_WATCH_VIEW); // values first: there is no use in a list that stands still
+    case CONNECT_START: {
+        // Behind the watch view nothing would say why every line fails.
+        const std::string problem = StationProblem(STATION);
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, problem);
+        if (!problem.empty())
+            break;
+        // Values first: there is no use in a list that stands still.
+        WIN_ShowMainView(ITEM_WATCH_VIEW);
         if (isTimer == 0)
             VIR2_StartPeriodicASC();
         break;
+    }
     default:
         Close();
         break;
