@@ -114,6 +114,7 @@ void Test()
     const bool wasOn = isTimer != 0;
     if (wasOn)
         VIR2_StopPeriodicASC();
+    // A silent station is waited for through all tries, which takes seconds.
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "Asking...");
     SetBusyText(COM_WaitingText(STATION));
     std::string text;
@@ -144,6 +145,7 @@ void APP_OpenConnectPage()
 {
     HidePanel(consolePanel);
     DisplayPanel(PANEL_CONNECT);
+    // The panel stays loaded and keeps what its rings had at the last opening.
     for (const int control : {CONNECT_PROTOCOL, CONNECT_PROCESSOR})
         ClearListCtrl(PANEL_CONNECT, control);
     for (const Choice &choice : CHOICES)
@@ -167,6 +169,7 @@ int APP_ConnectPortCB(int, int, int event, int)
     const size_t index = static_cast<size_t>(-1 - value);
     if (value == OTHER_PORT)
         PortCB(0, ITEM_PORT_OTHER);
+    // By its device where it is another port: that may have no number before it is used.
     else if (index < ports.size())
         APP_UsePort(ports[index].number == ncom ? std::to_string(ncom) : ports[index].device);
     SetMainPanelAttributes();
@@ -176,6 +179,7 @@ int APP_ConnectPortCB(int, int, int event, int)
 int APP_ConnectSettingCB(int, int control, int event, int)
 {
     int value = 0;
+    // Rings report browsing, too, and mean it at the end; the number has no Enter to wait for.
     const bool isMeant = event == EVENT_COMMIT || control == CONNECT_STATION;
     if (!isMeant || GetCtrlVal(PANEL_CONNECT, control, &value) < 0)
         return 0;
