@@ -171,4 +171,37 @@ TEST_F(Connect, WindowsAndColumnsAreRememberedWhenTheUserSetThem)
     EXPECT_EQ(901, UiPanelAttribute(PANEL_MAIN, ATTR_WIDTH));
 }
 
+TEST_F(Connect, ThePageRefusesStationsThatTheProtocolHasNot)
+{
+    start();
+    APP_OpenConnectPage();
+    const struct {
+        int protocol, typed, station;
+        const char *problem;
+    } rows[] = {
+        {PROTOCOL_MR166, 15, 15, ""},
+        {PROTOCOL_MR166, 16, 15, "There is no station 16 with mr166: its stations are 0 to 15."},
+        {PROTOCOL_MODBUS, 0, 15, "There is no station 0 with Modbus: its stations are 1 to 250."},
+        {PROTOCOL_MODBUS, 250, 250, ""},
+    };
+    for (const auto &row : rows) {
+        HL_SetUserVal(PANEL_CONNECT, CONNECT_PROTOCOL, row.protocol);
+        HL_CommitControl(PANEL_CONNECT, CONNECT_PROTOCOL);
+        HL_SetUserVal(PANEL_CONNECT, CONNECT_STATION, row.typed);
+        EXPECT_EQ(row.station, STATION);
+        EXPECT_EQ(row.station, UiValue(PANEL_CONNECT, CONNECT_STATION));
+        EXPECT_EQ(row.problem, UiText(PANEL_CONNECT, CONNECT_RESULT));
+    }
+    // The protocol changed behind the number: said at once and again instead of a start.
+    HL_SetUserVal(PANEL_CONNECT, CONNECT_PROTOCOL, PROTOCOL_MR166);
+    HL_CommitControl(PANEL_CONNECT, CONNECT_PROTOCOL);
+    const std::string problem = "There is no station 250 with mr166: its stations are 0 to 15.";
+    EXPECT_EQ(problem, UiText(PANEL_CONNECT, CONNECT_RESULT));
+    HL_CommitControl(PANEL_CONNECT, CONNECT_START);
+    EXPECT_EQ(problem, UiText(PANEL_CONNECT, CONNECT_RESULT));
+    EXPECT_EQ(0, isTimer);
+    EXPECT_EQ(1, UiPanelAttribute(PANEL_CONNECT, ATTR_VISIBLE));
+    EXPECT_EQ(250, STATION) << "not moved to another machine";
+}
+
 } // namespace

@@ -13,6 +13,7 @@
 #include "platform/port_list.h"
 #include "platform/serial.h"
 #include "runtime/userint.h"
+#include "settings/limits.h"
 #include "settings/settings.h"
 #include "text/words.h"
 #include "ui/resource.h"
@@ -86,6 +87,21 @@ std::string NameOr(const std::string &path, const char *none)
     return path.empty() ? none : TXT_Visible(path);
 }
 
+// Why the protocol cannot reach the station, "" when it can. mr166 has four bits for it in a frame,
+// a Modbus slave 0 would be a broadcast that nobody answers. The number is never moved into the
+// range: the nearest station is another machine.
+std::string StationProblem(int station)
+{
+    const bool isModbus = VR_nProtocol == PROTOCOL_MODBUS;
+    const int least = isModbus ? MODBUS_STATION_MIN : 0;
+    const int most = isModbus ? MODBUS_STATION_MAX : STATION_MAX;
+    if (station >= least && station <= most)
+        return "";
+    return "There is no station " + std::to_string(station) + " with " +
+           (isModbus ? "Modbus" : "mr166") + ": its stations are " + std::to_string(least) +
+           " to " + std::to_string(most) + ".";
+}
+
 // Back to the view that the page has covered.
 void Close()
 {
@@ -98,6 +114,7 @@ void Test()
     const bool wasOn = isTimer != 0;
     if (wasOn)
         VIR2_StopPeriodicASC();
+    // A silent station is waited for through all tries, which takes seconds.
     SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, "Asking...");
     SetBusyText(COM_WaitingText(STATION));
     std::string text;
@@ -128,6 +145,7 @@ void APP_OpenConnectPage()
 {
     HidePanel(consolePanel);
     DisplayPanel(PANEL_CONNECT);
+    // The panel stays loaded and keeps what its rings had at the last opening.
     for (const int control : {CONNECT_PROTOCOL, CONNECT_PROCESSOR})
         ClearListCtrl(PANEL_CONNECT, control);
     for (const Choice &choice : CHOICES)
@@ -151,6 +169,7 @@ int APP_ConnectPortCB(int, int, int event, int)
     const size_t index = static_cast<size_t>(-1 - value);
     if (value == OTHER_PORT)
         PortCB(0, ITEM_PORT_OTHER);
+    // By its device where it is another port: that may have no number before it is used.
     else if (index < ports.size())
         APP_UsePort(ports[index].number == ncom ? std::to_string(ncom) : ports[index].device);
     SetMainPanelAttributes();
@@ -160,6 +179,7 @@ int APP_ConnectPortCB(int, int, int event, int)
 int APP_ConnectSettingCB(int, int control, int event, int)
 {
     int value = 0;
+    // Rings report browsing, too, and mean it at the end; the number has no Enter to wait for.
     const bool isMeant = event == EVENT_COMMIT || control == CONNECT_STATION;
     if (!isMeant || GetCtrlVal(PANEL_CONNECT, control, &value) < 0)
         return 0;
@@ -169,12 +189,17 @@ int APP_ConnectSettingCB(int, int control, int event, int)
         VR_Reopen();
     } else if (control == CONNECT_PROTOCOL) {
         ProtocolCB(0, value == PROTOCOL_MODBUS ? ITEM_MODBUS : ITEM_MR166);
+        // Kept all the same: who has met the wrong line of the ring gets the number back.
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, StationProblem(STATION));
     } else if (control == CONNECT_PROCESSOR) {
         APP_UseProcessor(value);
     } else if (control == CONNECT_STATION) {
-        VIR2_SetStation(value);
+        const std::string problem = StationProblem(value);
+        if (problem.empty())
+            VIR2_SetStation(value);
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, problem);
     }
-    SetMainPanelAttributes();
+    SetMainPanelAttributes(); // also puts a field back whose number was refused
     return 0;
 }
 
@@ -192,12 +217,18 @@ int APP_ConnectButtonCB(int, int control, int event, int)
     case CONNECT_LIST:
         OpenDatCB(0, ITEM_OPEN);
         break;
-    case CONNECT_START:
-        WIN_ShowMainView(
-            ITEM_WATCH_VIEW); // values first: there is no use in a list that stands still
+    case CONNECT_START: {
+        // Behind the watch view nothing would say why every line fails.
+        const std::string problem = StationProblem(STATION);
+        SetCtrlVal(PANEL_CONNECT, CONNECT_RESULT, problem);
+        if (!problem.empty())
+            break;
+        // Values first: there is no use in a list that stands still.
+        WIN_ShowMainView(ITEM_WATCH_VIEW);
         if (isTimer == 0)
             VIR2_StartPeriodicASC();
         break;
+    }
     default:
         Close();
         break;

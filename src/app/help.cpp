@@ -46,6 +46,7 @@ void HelpCB(int, int)
 
 void AboutCB(int, int)
 {
+    // Two versions where the installed configuration tool has another one than the program.
     std::string text = std::string("Vireo2 ") + VR_GetBuildVersion();
     if (!VR_szVersion.empty() && VR_szVersion != VR_GetBuildVersion())
         text += "\n" + VR_szVersion;

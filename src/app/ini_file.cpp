@@ -30,7 +30,7 @@ namespace {
 
 constexpr size_t LINE_MAX_CHARS = 511;
 constexpr int FIELDS_MAX = 3;
-constexpr int64_t FILE_SIZE_MAX = 1 << 20;
+constexpr int64_t FILE_SIZE_MAX = 1 << 20; // bytes; what is larger is no file of ours
 constexpr int PORT_MAX = 256;
 constexpr int BAUD_MIN = 110, BAUD_MAX = 4000000;
 
@@ -189,6 +189,7 @@ std::string SettingsText()
     AddLine(&text, "p", std::to_string(ncom));
     AddLine(&text, "s", std::to_string(STATION));
     AddLine(&text, "COM", Option_ComWin32 != 0 ? "WIN32" : "NI");
+    // What an option of the command line has switched on is for one run and not written.
     if (VR_isFullCommandSet && !VR_isFullOnce)
         text += std::string("full") + END_OF_LINE;
     if (VR_isWatchView)

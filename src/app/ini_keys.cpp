@@ -79,10 +79,12 @@ void ReadProcessor(const std::string &, const std::string &value)
 
 void ReadProtocol(const std::string &, const std::string &value)
 {
+    // Another word leaves the protocol of the program's start.
     if (const Word *word = FindWord(PROTOCOLS, value))
         VR_nProtocol = static_cast<int16_t>(word->value);
 }
 
+// The sign is part of the key; there is no value behind it.
 void ReadAutoOff(const std::string &key, const std::string &)
 {
     Option_AutoOff = key == "o+";
@@ -143,12 +145,15 @@ void ReadRecent(const std::string &, const std::string &path)
 {
     if (path.empty()) // a bare key, or a path that is no path
         return;
+    // In the order of the file, whatever digits the keys have.
     if (nDebugFileNames < RECENT_READ_MAX)
         szaDebugFileNames[static_cast<size_t>(nDebugFileNames++)] = path;
     else
         szaDebugFileNames[RECENT_READ_MAX] = path;
 }
 
+// These three numbers are taken as they are. One out of its range is told with its line, at the
+// start and whenever communication begins; until then the menus may have changed it.
 void ReadBaud(const std::string &, const std::string &value)
 {
     bRate = ToNumber(value);
@@ -201,6 +206,7 @@ void ReadView(const std::string &, const std::string &value)
     VR_isWatchView = value == "watch";
 }
 
+// Windows, columns and layouts: all that stands behind the key, whose numbers blanks part.
 void ReadWindow(const std::string &, const std::string &)
 {
     APP_ReadWindow(APP_settingReading.lineValue);

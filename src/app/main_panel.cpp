@@ -97,6 +97,7 @@ void RefreshRecentItems()
         const std::string text = "__" + std::to_string(i + 1) + " " + TXT_Visible(path);
         const int item = NewMenuItem(menuBar, MENU_FILE, text, ITEM_RECENT_END,
                                      KEY_CTRL | ('1' + i), MenuReopenFileCB);
+        // An item that could not be made is 0, so that nobody discards it the next time.
         anRecentItems[i] = std::max(item, 0);
         Check(item, path == szDebugFileName);
     }
@@ -140,6 +141,7 @@ std::string StateTip()
     std::string text = "Processor: ";
     text += processor != nullptr ? processor->meaning : "unknown";
     text += "\n";
+    // An unknown protocol reads as mr166 here; the line itself shows "???".
     text += PROTOCOLS[VR_nProtocol == PROTOCOL_MODBUS ? 1 : 0].meaning;
     text += std::to_string(STATION) + "\nPort " + TXT_Visible(UCM_PortName(ncom)) + " at " +
             std::to_string(bRate) + " baud";
@@ -174,6 +176,7 @@ void SetMainPanelStateLine()
     const std::string simulated = TGT_IsConnected() ? SIMULATED_TEXT : "";
     const std::string types = TMF_cnDefVars > 0 ? "; types: " + TMF_GetCountsText() : "";
     SetCtrlVal(mainPanel, MAIN_STATE, text + "\n" + simulated + echo + MapText() + types);
+    // Nobody may take values of a simulated target for those of a machine.
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TEXT_COLOR,
                      TGT_IsConnected() ? COLOR_WARN : COLOR_PLAIN);
     SetCtrlAttribute(mainPanel, MAIN_STATE, ATTR_TOOLTIP_TEXT, StateTip());
@@ -183,6 +186,7 @@ void SetMainPanelStateLine()
 
 void VR_DimControls()
 {
+    // A button and a menu item that do the same are dimmed together.
     // A list that was opened and is empty can be saved, too.
     const bool hasItems = openLItems != 0 || nLItems > 0;
     const bool hasFile = !szDebugFileName.empty();
@@ -210,6 +214,7 @@ void VR_ShowSettings()
     if (!before.empty() && before != now)
         WIN_Outdate(WIN_TOPIC_LINK);
     before = now;
+    // The list in use stands among the recent ones before the menu is made of them.
     if (!szDebugFileName.empty())
         AddDebugFileName(szDebugFileName);
     RefreshRecentItems();
@@ -225,6 +230,7 @@ void VR_ShowSettings()
     INS_RecordNamesChanged();
     T166_SetPanelAttributes();
     TRM_SetLcdPanelAttributes();
+    // Windows that were loaded since the last call have their columns only now.
     APP_ApplyColumns();
     APP_RefreshConnectPage();
 }
@@ -232,6 +238,7 @@ void VR_ShowSettings()
 void VR_ShowComState()
 {
     static bool wasOn = false;
+    // Turned grey and not taken away: the message may be the reason why communication ended.
     if (wasOn && isTimer == 0)
         WIN_Outdate(WIN_TOPIC_LINK);
     wasOn = isTimer != 0;

@@ -40,7 +40,8 @@ void CloseLink()
     COM_TellState();
 }
 
-// "/dev/ttyUSB0", "COM3", "tcp:10.0.0.7:4001": what a device is called, and no number.
+// "/dev/ttyUSB0", "COM3", "tcp:10.0.0.7:4001": what a device is called, and no number. A path is
+// told by its slash, Windows' names by the M.
 bool IsDeviceName(const std::string &text)
 {
     return text.compare(0, 4, "tcp:") == 0 ||
@@ -71,6 +72,7 @@ int APP_UsePort(const std::string &text)
         const long typed = std::strtol(name.c_str(), nullptr, 10);
         number = static_cast<int>(std::clamp(typed, 1L, static_cast<long>(SER_NUMBER_MAX)));
     }
+    // Kept also when it cannot be opened: the adapter may be plugged in later.
     ncom = number;
     VR_Reopen();
     return 0;
@@ -110,6 +112,7 @@ void PortCB(int, int item)
     SetMainPanelAttributes();
 }
 
+// An item that stands for no station chooses 1, as a new installation has it.
 void StationCB(int, int item)
 {
     const bool isKnown = item >= ITEM_STATION_FIRST && item <= ITEM_STATION_LAST;
@@ -129,6 +132,7 @@ void ProtocolCB(int, int item)
 {
     const int16_t protocol = item == ITEM_MODBUS ? PROTOCOL_MODBUS : PROTOCOL_MR166;
     if (VR_nProtocol != protocol) {
+        // Left closed: the user says when the other protocol may speak to what is connected.
         VR_nProtocol = protocol;
         CloseLink();
     }
@@ -153,6 +157,7 @@ void AutoOffCB(int, int)
 
 void RateCB(int, int item)
 {
+    // Only rates with an item of their own, which is also all the settings file admits.
     if (item >= ITEM_RATE_FIRST && item <= ITEM_RATE_LAST)
         Option_nSweepRate = RFR_RATES[item - ITEM_RATE_FIRST];
     SetMainPanelAttributes();
@@ -179,6 +184,7 @@ void FullCommandsCB(int, int)
     SetMainPanelAttributes();
 }
 
+// The menu item toggles what is, not what its check mark shows.
 void ConnectCB(int, int)
 {
     if (isTimer != 0)

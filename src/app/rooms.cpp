@@ -48,6 +48,7 @@ void BeginRun()
     nErrors = 0;
 }
 
+// Every window that says whether the target is asked.
 void ShowComState()
 {
     VR_ShowComState();
@@ -117,12 +118,14 @@ void VR_ConnectRooms()
     exchange.waiting = ShowWaiting;
     UCM_SetListener(exchange);
 
+    // Recording and terminal have no timer of their own: they go with the ticks of the list.
     RFR_Recorder recorder;
     recorder.record = REC_RecordWatch;
     recorder.tick = REC_StepWatch;
     recorder.terminal = T166_Read;
     RFR_SetRecorder(recorder);
 
+    // The link knows addresses only; what is typed as a name is looked up above it.
     COM_SetNameResolver(SYM_ResolveName);
 
     SYM_Listener names = {};
@@ -137,6 +140,7 @@ void VR_ConnectRooms()
 
     PLT_SetSaveQuestion(MayReplace);
 
+    // The watch room shows the main window's parts without knowing who fills them.
     WIN_MainHost window = {};
     window.showSettings = VR_ShowSettings;
     window.enableControls = VR_DimControls;

@@ -94,6 +94,7 @@ int VR_StartUp(int argc, char **argv)
     GetVRVersion(argc > 0 ? argv[0] : "");
     UCM_Init();
     INS_Clear();
+    // Until the settings file or an option says another.
     bRate = 19200;
     if (InitCVIRTE(&argc, argv) < 0 || LoadPanels() < 0)
         return -1;
@@ -106,6 +107,7 @@ int VR_StartUp(int argc, char **argv)
     SetMenuBarAttribute(menuBar, ITEM_CONNECT, ATTR_DIMMED, 0);
     WindowCB(0, ITEM_CONSOLE_VIEW);
     SetPanelAttribute(mainPanel, ATTR_SIZABLE, 1);
+    // No tick before somebody has switched communication on.
     SuspendTimerCallbacks();
     isTimer = 0;
     // Options choose the settings file, and win over what it says.
@@ -124,8 +126,10 @@ int VR_StartUp(int argc, char **argv)
         VR_ShowMessage("Error: " + message);
     SetMainPanelAttributes();
     DisplayPanel(VR_enAppMode == MODE_CONFIGURATION ? static_cast<int>(PANEL_CONFIG) : mainPanel);
+    // The device configuration is the only window then.
     if (VR_enAppMode == MODE_CONFIGURATION)
         CFW_Opened();
+    // Only now: the settings that ask for this view, and the list it shows, have been read.
     if (VR_isWatchView && VR_enAppMode == MODE_NORMAL)
         WindowCB(0, ITEM_WATCH_VIEW);
     // Nothing is done with types that are not the ones asked for.
@@ -147,6 +151,7 @@ int VR_Main(int argc, char **argv)
 
 int ExitApplication(int)
 {
+    // The one question comes first: who cancels it goes on with everything as it was.
     if (DbgChngSafety() < 0)
         return -1;
     REC_StopWatch(); // its last rounds are proven over the line

@@ -13,7 +13,7 @@
 namespace {
 
 constexpr const char *CONFIG_TOOL_PATH = "C:\\Program Files\\Vireo2\\Vireo2Config.exe";
-constexpr uint32_t VERSION_BLOCK_MAX = 1u << 20;
+constexpr uint32_t VERSION_BLOCK_MAX = 1u << 20; // bytes; more is no version block
 
 typedef uint32_t (*SizeFn)(const char *path, uint32_t *unused);
 typedef int32_t (*InfoFn)(const char *path, uint32_t unused, uint32_t size, void *block);
@@ -28,7 +28,7 @@ struct VersionApi {
 // The description in the first language the block offers.
 std::string ReadDescription(const VersionApi &api)
 {
-    uint32_t unused = 0;
+    uint32_t unused = 0; // the system sets it to 0 and wants nothing from it
     const uint32_t size = api.size(CONFIG_TOOL_PATH, &unused);
     if (size == 0 || size > VERSION_BLOCK_MAX)
         return "";
@@ -37,6 +37,7 @@ std::string ReadDescription(const VersionApi &api)
         return "";
     void *value = nullptr;
     uint32_t length = 0;
+    // Language and code page: in hexadecimal they name the block that holds the texts.
     uint16_t language[2] = {0, 0};
     if (api.query(block.data(), "\\VarFileInfo\\Translation", &value, &length) == 0 ||
         length < sizeof language)
@@ -47,6 +48,7 @@ std::string ReadDescription(const VersionApi &api)
                   language[1]);
     if (api.query(block.data(), name, &value, &length) == 0 || length == 0)
         return "";
+    // The length counts the closing zero, where there is one.
     const char *text = static_cast<const char *>(value);
     return std::string(text, strnlen(text, length));
 }
@@ -60,6 +62,7 @@ const char *VR_GetBuildVersion()
 
 int VR_LoadDllFnTable(const char *dllName, int count, VR_DllFn *table)
 {
+    // Never unloaded: the table's functions may be called as long as the program runs.
     void *library = PLT_LoadLibrary(dllName);
     if (!library)
         return -1;
@@ -87,6 +90,7 @@ void GetVRVersion(const char *)
     constexpr int COUNT = sizeof table / sizeof table[0];
     VR_szVersion.clear();
     const int result = VR_LoadDllFnTable("version.dll", COUNT, table);
+    // Only Windows has the library. Where a function of it is missing the text stays empty.
     if (result == -1)
         VR_szVersion = VIREO2_VERSION;
     if (result != 0)

@@ -44,6 +44,7 @@ void ShowConsoleView()
     VR_isWatchView = false;
     CheckView(ITEM_CONSOLE_VIEW, ITEM_WATCH_VIEW);
     VR_EnableControls();
+    // The window may have changed its size while the console was hidden.
     VR_SizeConsole(oldHeight);
     SetActiveCtrl(consolePanel, CONSOLE_INPUT);
 }
@@ -105,6 +106,7 @@ void OnResize()
 {
     int height = oldHeight;
     GetPanelAttribute(mainPanel, ATTR_HEIGHT, &height);
+    // A window without any height would hide what it could be enlarged by.
     if (height < MAIN_HEIGHT_MIN) {
         SetPanelAttribute(mainPanel, ATTR_HEIGHT, oldHeight);
         return;
@@ -171,6 +173,7 @@ int ConfigPanelCB(int panel, int event, int)
         CFW_Activated();
     if (event != EVENT_CLOSE)
         return 0;
+    // There it is the main window; otherwise one of many, and stays loaded.
     if (VR_enAppMode == MODE_CONFIGURATION)
         ExitApplication(panel);
     else
@@ -178,6 +181,7 @@ int ConfigPanelCB(int panel, int event, int)
     return 0;
 }
 
+// Of the Window menu's other items neither is a view.
 void VR_ShowView(int item)
 {
     if (item == ITEM_CONSOLE_VIEW)

@@ -102,6 +102,7 @@ void UsePlace(int panel)
     SetPanelPos(panel, place[1], place[0]);
     SetPanelAttribute(panel, ATTR_WIDTH, place[2]);
     SetPanelAttribute(panel, ATTR_HEIGHT, place[3]);
+    // The console view is sized by this height.
     if (panel == mainPanel)
         oldHeight = place[3];
 }
@@ -116,6 +117,8 @@ void APP_ForgetPlaces()
     firstWidths.clear();
 }
 
+// Lines may be written by hand or come from another screen: a window without size, or far away,
+// could not be taken hold of any more.
 void APP_ReadWindow(const std::string &value)
 {
     const Numbers numbers = ToNumbers(value);
@@ -150,6 +153,7 @@ void APP_ReadLayout(const std::string &value)
     stream >> layout.name;
     std::string rest;
     std::getline(stream, rest, '\0');
+    // A layout with anything but numbers in it is none, rather than half of one.
     layout.numbers = ToNumbers(rest);
     if (!layout.numbers.empty())
         SetViewLayout(layout);
@@ -167,6 +171,7 @@ void APP_ApplyColumns()
         for (int control = 1; control < CONTROLS_MAX; control++) {
             const std::pair<int, int> place = {panel, control};
             const Numbers widths = WidthsNow(panel, control);
+            // What is no list has no widths. A list is looked at once: later widths are the user's.
             if (widths.empty() || firstWidths.count(place) != 0)
                 continue;
             firstWidths[place] = widths;

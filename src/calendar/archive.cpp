@@ -17,10 +17,11 @@
 
 namespace {
 
-constexpr size_t FIRST_BLOCK = 4096;
-constexpr size_t HEADER_MAX = QAR_NAME_MAX + 100;
+constexpr size_t FIRST_BLOCK = 4096;              // bytes that are got before anything is known
+constexpr size_t HEADER_MAX = QAR_NAME_MAX + 100; // characters: the name, four numbers, the mark
 constexpr int ERR_BAD_MEMBER = -2;
 
+// Closed on every way out.
 struct OpenFile {
     std::FILE *file = nullptr;
     explicit OpenFile(const char *name)
@@ -122,6 +123,7 @@ int QAR_Put_file_header(std::FILE *file, const QarHeader &header)
     if (file == nullptr || header.index < 1 || header.index > header.count || header.size < 0 ||
         header.name.size() > QAR_NAME_MAX || header.name.find('\n') != std::string::npos)
         return -1;
+    // A name with a line's end in it would have ended the header.
     const int written =
         std::fprintf(file, QAR_MAGIC "%ld/%ld;%ld;0x%08lx;\"%s\"\n", header.index, header.count,
                      header.size, static_cast<unsigned long>(header.check), header.name.c_str());
@@ -133,6 +135,7 @@ int QAR_Read_content(std::FILE *file, size_t size, std::string *content, uint32_
     content->clear();
     *check = 0;
     try {
+        // A quarter more each time: few copies, and never much more than the file has.
         size_t room = FIRST_BLOCK;
         for (size_t got = 1; got > 0 && content->size() < size; room += room / 4 + FIRST_BLOCK) {
             const size_t before = content->size();
@@ -142,6 +145,7 @@ int QAR_Read_content(std::FILE *file, size_t size, std::string *content, uint32_
             *check = Crc32_LSBNext(*check, content->data() + before, got, CRC32_POLYNOMIAL);
         }
     } catch (const std::bad_alloc &) {
+        // The file may be larger than this machine's memory.
         content->clear();
         return -1;
     }
@@ -214,6 +218,7 @@ int QAR_Make(const char *archiveName, const std::vector<std::string> &fileNames)
     return PLT_CommitSave(&safe);
 }
 
+// The arguments of a packing program: its name, "-a", the archive, the members.
 int QAR_Create_archiv(int argumentCount, const char *const *arguments)
 {
     if (argumentCount < 4 || std::strcmp(arguments[1], "-a") != 0)
@@ -250,5 +255,6 @@ int QAR_Extract(std::string *content, std::string *name, std::FILE *archive)
     *name = header.name;
     if (ReadMember(archive, header, content) != 0)
         return std::ferror(archive) != 0 ? ERR_BAD_MEMBER : -1;
+    // How many follow: 0 ends the caller's loop.
     return static_cast<int>(header.count - header.index);
 }

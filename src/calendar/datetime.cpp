@@ -9,6 +9,7 @@ constexpr int32_t SECONDS_YEAR_LAST = 2135; // the last whole year that 32 bits 
 constexpr uint32_t DAY_S = 86400, HOUR_S = 3600, MINUTE_S = 60;
 constexpr int32_t MARCH = 3, OCTOBER = 10, DECEMBER = 12;
 
+// By the month's number; February as in a leap year.
 const int32_t MONTH_DAYS[] = {0, 31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
 int32_t CountMonthDays(int32_t year, int32_t month)
@@ -30,6 +31,7 @@ bool IsWithin(int32_t value, int32_t low, int32_t high)
 DateTime GetLastSunday(int32_t year, int32_t month, int32_t hour)
 {
     DateTime sunday = {year, month, 31, hour, 0, 0, DTTM_DECODED};
+    // Monday is 1 and Sunday 7: the 31st goes back by as many days as it stands behind a Sunday.
     sunday.day -= DayOfWeek2000(&sunday) % 7;
     return sunday;
 }
@@ -92,6 +94,7 @@ int32_t DayOfWeek2000(const DateTime *dateTime)
     return days < 0 ? -1 : (days + 5) % 7 + 1; // 1 January 2000 was a Saturday
 }
 
+// Midnight of 1 January 2000 is second 0 and cannot be told from a record that is no time.
 uint32_t WrkCET2000(const DateTime *dateTime)
 {
     const int32_t days = CntDays2000(dateTime);
@@ -107,6 +110,7 @@ int InvWrkCET2000(uint32_t seconds, DateTime *dateTime)
     if (seconds == 0) // what WrkCET2000 answers to a record that is none
         return -1;
     DateTime found = {EPOCH_YEAR, 1, 1, 0, 0, 0, DTTM_DECODED};
+    // At most 136 rounds: 32 bits of seconds end in 2136.
     for (; seconds >= DAY_S * CountYearDays(found.year); found.year++)
         seconds -= DAY_S * CountYearDays(found.year);
     for (; found.month < DECEMBER; found.month++) {
@@ -127,6 +131,7 @@ int InvWrkCET2000(uint32_t seconds, DateTime *dateTime)
 
 int DtTmCmp(const DateTime *a, const DateTime *b)
 {
+    // The kind is not looked at: both passes of the hour in which summer time ends are equal.
     const int32_t pairs[][2] = {{a->year, b->year}, {a->month, b->month},   {a->day, b->day},
                                 {a->hour, b->hour}, {a->minute, b->minute}, {a->second, b->second}};
     for (const auto &pair : pairs)
@@ -139,6 +144,7 @@ int StdTm2SezTm(DateTime *dateTime)
 {
     if (!IsDtTmOk(dateTime))
         return -1;
+    // On the clock of standard time, which shows 2 when that of summer time shows 3.
     const bool isSummer = IsSummerTime(*dateTime, 2);
     if (isSummer && MoveSeconds(dateTime, HOUR_S) < 0)
         return -1;

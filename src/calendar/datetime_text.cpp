@@ -78,6 +78,7 @@ int DtTm2TmStamp(const DateTime *dateTime, std::string *text)
     return 0;
 }
 
+// 19 characters that sort by time and may stand in a file name.
 int DtTm2Tm19(const DateTime *dateTime, std::string *text)
 {
     text->clear();
@@ -95,6 +96,7 @@ int MakeTmStamp(std::string *text)
 {
     const std::time_t now = std::time(nullptr);
     const char *whole = std::ctime(&now); // "Sun Mar  1 10:20:30 2015\n", in English everywhere
+    // A year of five digits has another length, and no stamp.
     if (whole == nullptr || std::strlen(whole) != CTIME_CHARS)
         return -1;
     text->assign(whole + CTIME_STAMP_AT, CTIME_STAMP_CHARS);
@@ -113,6 +115,7 @@ int TmStamp2DtTm(const char *text, DateTime *dateTime)
 {
     char name[4];
     char *output = name;
+    // Blanks in front and the case of the month are free.
     xscan("* ", &text);
     if (xscaniu("@@3#A-Z.", &text, &output) < 0)
         return -1;

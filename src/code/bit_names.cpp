@@ -53,6 +53,7 @@ const Row ROWS[] = {
 };
 // clang-format on
 
+// Three bits of mode, one that chooses the timer.
 constexpr int CAPTURES_PER_REGISTER = 4, BITS_PER_CAPTURE = 4;
 
 } // namespace
@@ -78,6 +79,7 @@ std::vector<CODE_BitField> CODE_GetBitFields(const std::string &registerName)
         }
         return fields;
     }
+    // Rows with an empty name belong to the register named above them.
     const char *current = "";
     for (const Row &row : ROWS) {
         if (*row.registerName != '\0')

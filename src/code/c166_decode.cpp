@@ -13,6 +13,7 @@ constexpr uint32_t PAGE_OFFSET_MASK = 0x3FFF;
 constexpr int PAGE_LAST = 1023, SEGMENT_LAST = 255;
 // Short addresses: those from 0xF0 on are the general registers.
 constexpr uint8_t SHORT_GENERAL = 0xF0, BITOFF_SPECIAL = 0x80;
+// A short address counts words from one of these; "extr" exchanges the bases for the extended ones.
 constexpr uint32_t SPECIAL_BASE = 0xFE00, EXTENDED_BASE = 0xF000, BIT_MEMORY_BASE = 0xFD00;
 constexpr uint32_t BIT_SPECIAL_BASE = 0xFF00, BIT_EXTENDED_BASE = 0xF100;
 constexpr uint32_t BYTES_PER_TRAP = 4;
@@ -56,6 +57,7 @@ CODE_Operand MakeNumber(unsigned value, uint16_t digits)
     return operand;
 }
 
+// The general registers are reached whichever base holds: they are not touched by "extr".
 CODE_Operand MakeShort(uint8_t number, bool isByte, bool isExtended)
 {
     if (number >= SHORT_GENERAL)
@@ -93,6 +95,7 @@ CODE_Operand MakeMemory(uint16_t offset, bool isByte, const CODE_Scope &scope,
     operand.isByte = isByte;
     operand.value = offset;
     const uint32_t number = scope.number;
+    // A page of the scope replaces the pointer and leaves 14 bits of offset, a segment all 16.
     if (scope.memory == CODE_Scope::PAGE)
         operand.address = number << PAGE_SHIFT | (offset & PAGE_OFFSET_MASK);
     else if (scope.memory == CODE_Scope::SEGMENT)
@@ -177,6 +180,8 @@ CODE_Operand MakeOperand(CODE_Place place, const CODE_Instruction &instruction,
     return CODE_Operand();
 }
 
+// Bits that an instruction does not use must be as the assembler leaves them: data between the
+// functions is then seldom taken for code.
 bool IsRestRight(const CODE_Row &row, const uint8_t *b)
 {
     // clang-format off
@@ -227,6 +232,7 @@ void Extend(CODE_Instruction *instruction, CODE_Scope *scope)
     }
 }
 
+// A trap's number is a place in the vector table, which begins at 0.
 void SetFlow(const CODE_Row &row, CODE_Instruction *instruction)
 {
     instruction->flow = row.flow;
@@ -237,6 +243,7 @@ void SetFlow(const CODE_Row &row, CODE_Instruction *instruction)
         instruction->target = BYTES_PER_TRAP * instruction->operands[0].value;
 }
 
+// With its last instruction a scope is gone, whatever it held.
 void PassScope(CODE_Scope *scope)
 {
     if (scope->left > 0 && --scope->left == 0)
@@ -251,6 +258,7 @@ void CODE_Decode(const uint8_t *bytes, size_t count, uint32_t address, const COD
     *instruction = CODE_Instruction();
     instruction->address = address;
     const CODE_Row &row = CODE_GetRow(bytes[0]);
+    // At the end of what was read an instruction may lack bytes: shown as they are, without a name.
     instruction->length = static_cast<uint8_t>(std::min<size_t>(row.length, count));
     std::memcpy(instruction->bytes, bytes, instruction->length);
     instruction->isValid = row.mnemonic != nullptr && instruction->length == row.length &&

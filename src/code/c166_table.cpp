@@ -22,6 +22,7 @@ const Operation OPERATIONS[] = {
     {0x30, "subc", "subcb", true}, {0x40, "cmp", "cmpb", false},  {0x50, "xor", "xorb", true},
     {0x60, "and", "andb", true},   {0x70, "or", "orb", true},
 };
+// The columns that all of them share: which operands, and how many bytes they take.
 struct Combination {
     uint8_t column;
     uint8_t length;
@@ -37,8 +38,10 @@ const Combination COMBINATIONS[] = {
 
 // clang-format off
 const Single SINGLES[] = {
+    // The high byte's instruction has mask and data the other way round.
     {0x0A, {"bfldl", 4, {BITOFF, FIELD_2, FIELD_3}}},
     {0x1A, {"bfldh", 4, {BITOFF, FIELD_3, FIELD_2}}},
+    // What is written or compared stands behind its source in these.
     {0x2A, {"bcmp", 4, {BIT_2_LOW, BIT_1_HIGH}}},
     {0x3A, {"bmovn", 4, {BIT_2_LOW, BIT_1_HIGH}}},
     {0x4A, {"bmov", 4, {BIT_2_LOW, BIT_1_HIGH}}},
@@ -170,11 +173,13 @@ std::array<CODE_Row, OPCODES> BuildTable()
         for (const Combination &form : COMBINATIONS) {
             if (form.isStored && !operation.isStored)
                 continue;
+            // Word and byte forms take turns.
             const bool isByte = form.column % 2 != 0;
             table[operation.opcode + form.column] = {isByte ? operation.byte : operation.word,
                                                      form.length,
                                                      {form.places[0], form.places[1]}};
         }
+    // Three columns run through all sixteen rows, which give the condition or the bit.
     for (int row = 0; row < ROW_OF_OPCODES; ++row) {
         CODE_Row *column = &table[static_cast<size_t>(row * ROW_OF_OPCODES)];
         column[COLUMN_JMPR] = {"jmpr", 2, {CC_0, REL_1}, REST_FREE, 0, CODE_FLOW_JUMP};
@@ -190,6 +195,7 @@ std::array<CODE_Row, OPCODES> BuildTable()
 
 const CODE_Row &CODE_GetRow(uint8_t firstByte)
 {
+    // Built at the first use: most runs of the program never list code.
     static const std::array<CODE_Row, OPCODES> table = BuildTable();
     return table[firstByte];
 }

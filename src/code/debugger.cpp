@@ -90,8 +90,10 @@ void CODE_DebuggerOpened()
 {
     Prepare();
     SetCtrlVal(PANEL, DEBUG_LIVE, 1);
+    // What one comes for is typed first: a name or an address.
     SetActiveCtrl(PANEL, DEBUG_PLACE);
     CODE_ShowWhere();
+    // Opening the window alone never opens the port.
     if (isTimer != 0)
         CODE_RefreshDebugger();
 }
@@ -101,6 +103,7 @@ void CODE_DebuggerChanged()
     const std::string source =
         std::to_string(Procesor) + " " + std::to_string(STATION) + " " + szMapFileName;
     const bool isSame = source == shownSource;
+    // Kept also before the window was ever opened, when there is nothing to forget.
     shownSource = source;
     if (!isPrepared || isSame)
         return;
@@ -116,6 +119,7 @@ int CODE_DebuggerPanelCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
         return 0;
+    // Hidden it keeps its code and places, but its timer no longer reads.
     HidePanel(panel);
     return 1;
 }
@@ -194,6 +198,7 @@ int CODE_MemPlaceCB(int, int, int event, int)
     uint32_t address = 0;
     if (event != EVENT_COMMIT || !ReadTypedAddress(DEBUG_MEM_PLACE, &address))
         return 0;
+    // Read with the next refresh, together with all the rest and proven with it.
     CODE_SetMemory(address);
     if (VR_EnsureCom())
         CODE_RefreshDebugger();
@@ -204,6 +209,7 @@ int CODE_DebuggerTimerCB(int, int, int, int)
 {
     int isOn = 0;
     GetCtrlVal(PANEL, DEBUG_LIVE, &isOn);
+    // After a failure it waits a while, or a silent target would hold the window at each tick.
     if (isTimer != 0 && isOn != 0 && IsShown() && !CODE_IsPausing())
         CODE_RefreshDebugger();
     return 0;

@@ -22,6 +22,7 @@ namespace {
 
 constexpr int PANEL = PANEL_DEBUGGER;
 constexpr int PAGE_LINES = 100; // instructions read at once
+// Bounds of the list and of the way back, so that neither grows for a whole day.
 constexpr size_t LINES_MAX = 1000, PLACES_MAX = 100;
 constexpr uint32_t PAUSE_MS = 3000; // after a failed refresh
 enum Column { COLUMN_ADDRESS, COLUMN_BYTES, COLUMN_TEXT, COLUMN_NAMES, COLUMN_VALUES };
@@ -193,6 +194,7 @@ void CODE_FollowJump()
     if (line < 0)
         return;
     const uint32_t target = code[static_cast<size_t>(line)].target;
+    // A jump through a register, a return, or no jump at all.
     if (target == CODE_NO_ADDRESS)
         CODE_ShowDebuggerOutcome("This instruction jumps nowhere that is known before it runs.");
     else
@@ -229,6 +231,7 @@ void CODE_ReadMoreCode()
 void CODE_CopyCode()
 {
     std::string text;
+    // All that was read, not the lines in view; without values, which are of one moment.
     for (const CODE_Instruction &instruction : code)
         text += CODE_FormatLine(instruction) + "\n";
     if (ClipboardPutText(text) == 0)
@@ -238,6 +241,7 @@ void CODE_CopyCode()
 void CODE_ForgetCode()
 {
     code.clear();
+    // Places of another station or program lead nowhere here.
     places.clear();
     ClearListCtrl(PANEL, DEBUG_CODE);
 }

@@ -20,12 +20,13 @@
 namespace {
 
 constexpr int PANEL = PANEL_DEBUGGER;
-constexpr int GENERAL_GROUP = -1;
+constexpr int GENERAL_GROUP = -1; // in the ring, beside places in `groups`
 constexpr uint32_t GENERAL_REGISTERS = 16, WORD_BYTES = 2;
 // Special function registers that the core itself uses, the same on every C166 and C167.
 constexpr uint32_t ADDR_DPP0 = 0xFE00, ADDR_CP = 0xFE10, ADDR_SP = 0xFE12, ADDR_STKUN = 0xFE16;
 constexpr uint32_t ADDR_PSW = 0xFF10;
 constexpr int PAGE_POINTERS = 4;
+// The system stack lies in the internal RAM; how much of it is used, only STKUN and SP tell.
 constexpr uint32_t STACK_WORDS_MAX = 32, STACK_FIRST = 0xF600, STACK_LAST = 0xFDFE;
 constexpr uint32_t MEMORY_BYTES = 128, MEMORY_LINE_BYTES = 16;
 
@@ -67,6 +68,7 @@ void CollectRegisterLines()
     if (group == GENERAL_GROUP && CODE_CanDecode() && contextPointer != CODE_NO_ADDRESS) {
         for (uint32_t i = 0; i < GENERAL_REGISTERS; ++i)
             registerLines.push_back({"R" + std::to_string(i), contextPointer + i * WORD_BYTES});
+        // The flags belong to the registers they were computed from.
         registerLines.push_back({"PSW", ADDR_PSW});
     }
     if (group >= 0 && group < static_cast<int>(groups.size()))
@@ -234,6 +236,7 @@ std::string FormatOperand(const CODE_Operand &operand)
 {
     uint32_t value = 0;
     const int number = GetRegister(operand);
+    // A general register is memory at the context pointer, which may be another task's next time.
     if (number >= 0 && contextPointer != CODE_NO_ADDRESS &&
         CODE_GetLive(live, contextPointer + static_cast<uint32_t>(number) * WORD_BYTES, WORD_BYTES,
                      &value))
@@ -241,6 +244,7 @@ std::string FormatOperand(const CODE_Operand &operand)
     const uint32_t size = operand.isByte ? 1 : WORD_BYTES;
     if (!IsInMemory(operand) || !CODE_GetLive(live, operand.address, size, &value))
         return "";
+    // Of a bit the word was read; the bit alone is what the instruction uses.
     if (operand.kind == CODE_WORD_BIT)
         return std::to_string(value >> operand.extra & 1);
     return FormatHex(value, operand.isByte ? 2 : 4);
@@ -297,6 +301,7 @@ void CODE_FillGroups()
         InsertListItem(PANEL, DEBUG_GROUP, -1, "General registers", GENERAL_GROUP);
     for (size_t i = 0; i < groups.size(); ++i)
         InsertListItem(PANEL, DEBUG_GROUP, -1, groups[i].name, static_cast<int>(i));
+    // Groups of another processor: none of what was selected or shown need exist.
     SetCtrlIndex(PANEL, DEBUG_GROUP, 0);
     ClearListCtrl(PANEL, DEBUG_REGISTERS);
     ClearListCtrl(PANEL, DEBUG_STACK);
@@ -315,6 +320,7 @@ int CODE_RefreshValues(const std::vector<CODE_Instruction> *code, int firstLine,
     live = CODE_LiveReads();
     contextPointer = stackPointer = CODE_NO_ADDRESS;
     WantAll(code, firstLine, lines);
+    // Nothing of a failed refresh is shown; what stands on the screen is marked as of before.
     if (CODE_ReadLive(&live, STATION, cause, WantWhatIsPointedAt) != 0) {
         CODE_MarkOld();
         return -1;
@@ -356,6 +362,7 @@ std::string CODE_FormatOperands(const CODE_Instruction &instruction)
 CODE_Pages CODE_GetPages()
 {
     CODE_Pages pages;
+    // All four or none: a wrong page would name another variable.
     pages.isKnown = CODE_CanDecode();
     for (uint32_t i = 0; i < PAGE_POINTERS; ++i) {
         uint32_t value = 0;
@@ -375,6 +382,7 @@ int CODE_ReadTouchy(int line, std::string *cause)
     const uint32_t address = registerLines[static_cast<size_t>(line)].address;
     if (RFR_ReadItemBytes(STATION, address, WORD_BYTES, bytes, cause) != 0)
         return -1;
+    // Until the next refresh puts the dash back: the peripheral has given the value away.
     ShowRegister(line, static_cast<uint32_t>(TXT_GetLittle(bytes, WORD_BYTES)), true, UIS_NORMAL);
     return 1;
 }

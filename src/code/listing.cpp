@@ -89,6 +89,7 @@ int CODE_Read(int station, uint32_t address, int count, const CODE_Pages &pages,
               std::vector<CODE_Instruction> *code, std::string *cause)
 {
     code->clear();
+    // An odd address would decode, too, and every line of it would be wrong.
     if (address >= ADDR_LIMIT || address % 2 != 0 || count < 1 || count > CODE_LINES_MAX) {
         *cause = address % 2 != 0 ? "code stands at even addresses" : "no such address";
         return -1;
@@ -134,6 +135,7 @@ std::string CODE_FormatLine(const CODE_Instruction &instruction)
     line += bytes + "  ";
     std::string text = CODE_FormatInstruction(instruction);
     const std::string names = CODE_FormatNames(instruction);
+    // Without names a line has no blanks at its end.
     if (names.empty())
         return line + text;
     text.resize(std::max<size_t>(text.size(), INSTRUCTION_COLUMN), ' ');

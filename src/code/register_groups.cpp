@@ -40,6 +40,7 @@ const Rule C166_RULES[] = {
     {"C1*", "CAN"},
     {"*", "System"},
 };
+// As the ring offers them: what concerns the core first.
 const char *const C166_GROUPS[] = {
     "System", "Ports",  "Interrupts", "Timers", "Capture and compare",
     "Serial", "Analog", "PWM",        "CAN"};
@@ -92,6 +93,7 @@ std::vector<CODE_RegisterGroup> CODE_GetRegisterGroups()
             groups.push_back({name, {}});
     for (int i = 0; openStruct166 && i < nNodes166; ++i) {
         const VarNode &node = aVarNode166[i];
+        // By name, as the register map knows no effects of a read.
         const bool isTouchy =
             std::any_of(std::begin(TOUCHY), std::end(TOUCHY),
                         [&node](const char *pattern) { return Fits(pattern, node.name); });
@@ -106,6 +108,7 @@ std::vector<CODE_RegisterGroup> CODE_GetRegisterGroups()
         std::sort(
             group.registers.begin(), group.registers.end(),
             [](const CODE_Register &a, const CODE_Register &b) { return a.address < b.address; });
+    // A C166 lacks what a C167 has: no group without a register is offered.
     groups.erase(std::remove_if(groups.begin(), groups.end(),
                                 [](const CODE_RegisterGroup &g) { return g.registers.empty(); }),
                  groups.end());

@@ -37,6 +37,7 @@ uint32_t RowBytes(const INS_ArrayView &view)
     return view.array.columns * view.array.type->size;
 }
 
+// The last page may be shorter.
 uint32_t PageRows(const INS_ArrayView &view)
 {
     return std::min(PAGE_ROWS, view.array.rows - view.firstRow);
@@ -81,6 +82,7 @@ void SetColumns(const INS_ArrayView *view)
     value.width = view->array.columns == 1 ? WIDTH_ALONE : WIDTH_BESIDE_OTHERS;
     value.align = UIA_RIGHT;
     value.isEditable = true;
+    // Set anew for each array: the number of columns is its own.
     std::vector<UI_Column> columns = {{"Index", 80, UIA_LEFT}};
     for (uint32_t i = 0; i < view->array.columns; ++i) {
         value.title = view->array.columns == 1 ? "Value" : "[" + std::to_string(i) + "]";
@@ -110,6 +112,7 @@ void ShowState(const INS_ArrayView *view)
                     std::to_string(view->firstRow + PageRows(*view) - 1);
     }
     SetCtrlVal(view->panel, ARRAY_STATE, text);
+    // Without an array there is nothing to turn, draw, copy or fill.
     const bool isShown = view->array.type != nullptr;
     SetCtrlAttribute(view->panel, ARRAY_PREVIOUS, ATTR_DIMMED, !isShown || view->firstRow == 0);
     SetCtrlAttribute(view->panel, ARRAY_NEXT, ATTR_DIMMED,
@@ -120,6 +123,7 @@ void ShowState(const INS_ArrayView *view)
 
 void ShowPage(INS_ArrayView *view)
 {
+    // The values in hand are another page's: the cells stay empty until these are read.
     view->live = CODE_LiveReads();
     ClearListCtrl(view->panel, ARRAY_LIST);
     for (uint32_t i = 0; i < PageRows(*view); ++i) {
@@ -213,6 +217,7 @@ bool INS_RefreshArray(INS_ArrayView *view)
     int first = 0, end = 0;
     std::string cause;
     INS_GetLinesInView(view->panel, ARRAY_LIST, static_cast<int>(PageRows(*view)), &first, &end);
+    // Rows lie one behind the other: what is in view is one stretch.
     view->live = CODE_LiveReads();
     if (first < end)
         CODE_WantLive(&view->live,
@@ -235,6 +240,7 @@ bool INS_RefreshArray(INS_ArrayView *view)
 
 void INS_OpenArray(const std::string &text)
 {
+    // A window of the same array, or one that shows none yet.
     INS_Inspector *inspector =
         INS_Open(PANEL_ARRAY, PANEL_ARRAY_MORE, ARRAY_PLACE, [&](const INS_Inspector &open) {
             return open.array != nullptr &&
@@ -242,6 +248,7 @@ void INS_OpenArray(const std::string &text)
         });
     if (inspector == nullptr)
         return;
+    // A new inspector, perhaps in a window that an earlier one has left as it was.
     if (inspector->array == nullptr) {
         inspector->array = std::make_shared<INS_ArrayView>();
         inspector->array->panel = inspector->panel;
@@ -279,6 +286,7 @@ void INS_ArrayOpenCB(int, int)
 {
     int line = -1;
     GetCtrlIndex(mainPanel, MAIN_LIST, &line);
+    // A name of the TMS320 behind the station lies in a memory that live reads do not reach.
     const bool isItem = line >= 0 && line < nLItems && !LIT_IsTMS(aLItems[line]);
     const std::string name = isItem ? aLItems[line].name : "";
     INS_Array found;
@@ -293,6 +301,7 @@ int INS_ArrayPlaceCB(int panel, int control, int event, int)
     std::string text;
     INS_ArrayView *view = FindView(panel);
     if (view != nullptr && event == EVENT_COMMIT && GetCtrlVal(panel, control, &text) >= 0)
+        // Another array begins with its first slice.
         Inspect(view, text, "");
     return 0;
 }
@@ -304,7 +313,7 @@ int INS_ArraySliceCB(int panel, int control, int event, int data)
     if (view == nullptr || view->array.outer.empty() || GetCtrlVal(panel, control, &text) < 0)
         return 0;
     if (event == EVENT_COMMIT)
-        Inspect(view, std::string(view->array.place), text);
+        Inspect(view, std::string(view->array.place), text); // a copy: the array is replaced
     else if (event == EVENT_KEYPRESS)
         StepSlice(view, data == KEY_UP ? 1 : -1);
     return event == EVENT_KEYPRESS ? 1 : 0;
@@ -339,6 +348,7 @@ int INS_ArrayButtonCB(int panel, int control, int event, int)
 int INS_ArrayTimerCB(int panel, int, int, int)
 {
     INS_ArrayView *view = FindView(panel);
+    // The timer runs in every loaded window, also while communication is off.
     if (view == nullptr || isTimer == 0 || view->array.type == nullptr)
         return 0;
     const bool isPausing = view->failedMs != 0 && PLT_TickMs() - view->failedMs < PAUSE_MS;

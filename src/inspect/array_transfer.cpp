@@ -64,6 +64,7 @@ bool ReadAll(const INS_ArrayView *view, Bytes *bytes)
     return false;
 }
 
+// A line for each row, as a spreadsheet wants it, also in the clipboard.
 std::string FormatRows(const INS_ArrayView *view, const Bytes &bytes, const char *separator)
 {
     std::string text;
@@ -260,6 +261,7 @@ void INS_LoadCsv(INS_ArrayView *view)
     if (!MayTransfer(view) || FileSelectPopup("", "*.csv", "*.csv", "Load values into the array",
                                               FILE_LOAD, &path) == CON_NO_FILE_SELECTED)
         return;
+    // File and values are checked whole; a fault in the last one leaves the target as it was.
     std::string error = ReadCsv(view, path, &texts);
     if (error.empty())
         error = ParseElements(view, texts, &bytes);

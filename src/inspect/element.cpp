@@ -18,6 +18,7 @@ namespace {
 constexpr ArrayType WIDE_TYPES[] = {
     {"i8", "I8", 8, true, false}, {"u8", "U8", 8, false, false}, {"f8", "F8", 8, true, true}};
 
+// Target bytes are least significant first, whatever this machine's order is.
 template <class Value> Value GetWide(const uint8_t *bytes)
 {
     static_assert(sizeof(Value) == INS_ELEMENT_BYTES_MAX);
@@ -85,6 +86,7 @@ ArrayParse INS_ParseElement(const ArrayType &type, const std::string &text, uint
 
 double INS_GetElementNumber(const ArrayType &type, const uint8_t *bytes)
 {
+    // A curve has the precision of a double: of 8 bytes of integer it shows 53 bits.
     double number = 0;
     if (type.size == INS_ELEMENT_BYTES_MAX) {
         number = type.isFloat    ? GetWide<double>(bytes)

@@ -12,7 +12,7 @@ namespace {
 
 const char ALL_OPEN[] = "Ten inspectors are open. Close the window of one first.";
 
-constexpr int LINES_WITHOUT_VIEW = 60;
+constexpr int LINES_WITHOUT_VIEW = 60; // read where no view has said how many it shows
 
 void FreeSlot(int slot)
 {
@@ -47,6 +47,7 @@ INS_Inspector *MakeInspector(int first, int more)
 
 } // namespace
 
+// At the start of a run: nothing is freed, for nothing is owned yet.
 void INS_Clear()
 {
     for (int slot = 0; slot < INSPECTORS_MAX; ++slot) {

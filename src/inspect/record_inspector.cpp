@@ -50,6 +50,7 @@ void Inspect(INS_RecordView *view, std::string expression)
     view->tree = fresh;
     view->shown = expression;
     SetPanelAttribute(view->panel, ATTR_TITLE, "Record " + TXT_Visible(expression));
+    // What the tree holds for: with another station or other types it is built anew.
     view->shownStation = STATION;
     view->shownTypes = DescribeTypes();
     view->live = CODE_LiveReads();
@@ -73,6 +74,7 @@ void Toggle(INS_RecordView *view)
     if (line < 0)
         return;
     const auto index = static_cast<size_t>(line);
+    // A copy, since opening moves the nodes.
     const INS_Node node = view->tree.nodes[index];
     uint32_t target = ADDR_NONE;
     std::string cause;
@@ -109,6 +111,7 @@ void EditValue(INS_RecordView *view)
         INS_ShowRecordOutcome(*view, std::string("Not changed: ") + COM_OFF_TEXT, COLOR_BAD);
         return;
     }
+    // Written like a value of the watch list, with its range check and its read-back.
     LItem item = INS_MakeNodeItem(node);
     const int result = VAL_WriteUnlisted(&item, text, &message);
     // Refreshed before the outcome is told, or a failure to refresh would be all that is seen.
@@ -139,6 +142,7 @@ void PrepareWindow(int panel)
 
 void INS_OpenRecord(const std::string &expression)
 {
+    // A window of the same record, or one that shows none yet.
     INS_Inspector *inspector =
         INS_Open(PANEL_RECORD, PANEL_RECORD_MORE, RECORD_PLACE, [&](const INS_Inspector &open) {
             return open.record != nullptr &&
@@ -165,6 +169,7 @@ void INS_RecordNamesChanged()
         INS_RecordView *view = inspector != nullptr ? inspector->record.get() : nullptr;
         if (view == nullptr || view->tree.nodes.empty() || view->shownTypes == DescribeTypes())
             continue;
+        // An expression that the new types do not know leaves the window empty, with the reason.
         ShowNothing(view);
         Inspect(view, view->shown);
     }
@@ -180,6 +185,7 @@ void INS_RecordOpenCB(int, int)
     const std::string whole = name.substr(0, name.find_first_of(".[+ "));
     INS_Tree found;
     std::string cause;
+    // Tried out first: a window that opens with an error is of no use.
     const bool hasParts = INS_BuildTree(whole, &found, &cause) == 0 && !found.nodes.empty() &&
                           found.nodes[0].kind != INS_NODE_VALUE;
     INS_OpenRecord(hasParts ? whole : "");
@@ -212,6 +218,7 @@ int INS_RecordListCB(int panel, int, int event, int data)
     } else if (event == EVENT_CELL_EDITED) {
         EditValue(view);
     } else if (event == EVENT_KEYPRESS && (data == KEY_RIGHT || data == KEY_LEFT)) {
+        // Right opens and Left closes; on a line that is so already they do nothing.
         if (node != nullptr && node->isOpen == (data == KEY_LEFT))
             Toggle(view);
     } else if (event == EVENT_LEFT_DOUBLE_CLICK || event == EVENT_COMMIT) {
@@ -228,6 +235,7 @@ int INS_RecordButtonCB(int panel, int control, int event, int)
     if (view == nullptr || event != EVENT_COMMIT)
         return 0;
     const int line = INS_GetSelectedNode(*view);
+    // Only what has an expression can be named in the list; bits and targets of pointers have none.
     if (control == RECORD_OPEN)
         Toggle(view);
     else if (control == RECORD_ADD && line >= 0 &&

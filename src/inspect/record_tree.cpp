@@ -57,6 +57,7 @@ std::vector<INS_Node> ListMembers(const INS_Node &parent)
     // False for a structure the map refers to but does not have.
     if (!TMF_MemberOffsets(code, &offsets))
         return parts;
+    // Type codes count structures from 1.
     const TMF_Decl *members = TMF_paDefStructCts[(code & TMF_VALUE) - 1].paMembers;
     for (size_t i = 0; i < offsets.size(); ++i)
         parts.push_back(
@@ -72,6 +73,7 @@ std::vector<INS_Node> ListElements(const INS_Node &parent)
     uint32_t count = 0, stride = 0;
     if (TMF_GetArrayInfo(parent.chain.data(), &count, &stride) != 0)
         return parts;
+    // Larger arrays have an inspector of their own; here their first elements do.
     for (uint32_t i = 0; i < std::min(count, INS_ELEMENTS_MAX); ++i) {
         const std::string index = "[" + std::to_string(i) + "]";
         parts.push_back(MakeNode(index, parent.expression.empty() ? "" : parent.expression + index,
@@ -109,6 +111,7 @@ bool INS_CanOpenNode(const INS_Node &node)
 int INS_BuildTree(const std::string &expression, INS_Tree *tree, std::string *cause)
 {
     uint32_t chain[TMF_CHAIN_SIZE], offset = 0;
+    // Both must know it: the map has the address, the type map the parts.
     const uint32_t address = inStruct(expression.c_str(), aVarNode, nNodes);
     if (openStruct == OPEN_NONE || address >= ADDR_LIMIT) {
         *cause = "no loaded map knows '" + expression + "'";
@@ -119,6 +122,7 @@ int INS_BuildTree(const std::string &expression, INS_Tree *tree, std::string *ca
         return -1;
     }
     tree->nodes = {MakeNode(expression, expression, chain, address, 0)};
+    // Who asks for a record wants its members; a pointer is not followed unasked.
     const INS_NodeKind kind = tree->nodes[0].kind;
     return kind == INS_NODE_RECORD || kind == INS_NODE_ARRAY
                ? INS_OpenNode(tree, 0, ADDR_NONE, cause)
@@ -131,6 +135,7 @@ int INS_OpenNode(INS_Tree *tree, size_t index, uint32_t target, std::string *cau
     std::vector<INS_Node> parts;
     if (node.isOpen)
         return 0;
+    // A list that points at itself would open without end.
     if (node.depth >= INS_DEPTH_MAX) {
         *cause = "more than " + std::to_string(INS_DEPTH_MAX) + " levels are not shown";
         return -1;
@@ -156,6 +161,7 @@ int INS_OpenNode(INS_Tree *tree, size_t index, uint32_t target, std::string *cau
 void INS_CloseNode(INS_Tree *tree, size_t index)
 {
     size_t end = index + 1;
+    // All that lies deeper behind it came from it.
     while (end < tree->nodes.size() && tree->nodes[end].depth > tree->nodes[index].depth)
         ++end;
     tree->nodes.erase(tree->nodes.begin() + static_cast<long>(index) + 1,
@@ -189,6 +195,7 @@ std::string INS_FormatParts(const INS_Node &node)
                     : "");
     if (node.kind != INS_NODE_RECORD)
         return "";
+    // A structure that the map refers to but does not have.
     if ((node.chain[0] & TMF_VALUE) > static_cast<uint32_t>(TMF_cnDefStructCts))
         return "";
     const int32_t members = TMF_paDefStructCts[(node.chain[0] & TMF_VALUE) - 1].members;

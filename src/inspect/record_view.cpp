@@ -50,6 +50,7 @@ std::string FormatValue(const INS_RecordView &view, const INS_Node &node, bool *
     std::string text = VAL_GetValueText(item);
     if (node.kind != INS_NODE_POINTER)
         return text;
+    // By the page pointers that were read with it.
     const uint32_t target = INS_GetPointerTarget(item.value);
     const std::string name = target == ADDR_NONE ? "nothing" : SYM_AddressToName(target);
     return text + (name.empty() ? "" : " -> " + name);
@@ -57,6 +58,7 @@ std::string FormatValue(const INS_RecordView &view, const INS_Node &node, bool *
 
 std::vector<UI_Cell> MakeCells(const INS_RecordView &view, const INS_Node &node)
 {
+    // The list is no tree control: marks and indents show the levels.
     const char *mark = !INS_CanOpenNode(node) ? "  " : node.isOpen ? "- " : "+ ";
     std::string name;
     for (int i = 0; i < node.depth; ++i)
@@ -118,6 +120,7 @@ void INS_EnableRecordButtons(const INS_RecordView &view)
 
 void INS_ShowTree(INS_RecordView *view, int selected)
 {
+    // All anew: opening and closing move every line behind.
     ClearListCtrl(view->panel, RECORD_LIST);
     for (size_t i = 0; i < view->tree.nodes.size(); ++i) {
         InsertListItem(view->panel, RECORD_LIST, -1, view->tree.nodes[i].name, 0);
@@ -133,6 +136,7 @@ bool INS_RefreshRecord(INS_RecordView *view)
 {
     int first = 0, end = 0;
     std::string cause;
+    // Only what is in view costs messages; an opened array may have hundreds of lines.
     INS_GetLinesInView(view->panel, RECORD_LIST, static_cast<int>(view->tree.nodes.size()), &first,
                        &end);
     view->live = CODE_LiveReads();

@@ -180,6 +180,7 @@ const LongOption LONG_OPTIONS[] = {
 int ReadOption(int argc, char **argv, int *index, CPG_Options *options, std::string *message)
 {
     const char *text = argv[*index];
+    // "--option=value" and "--option value" are the same.
     const char *equals = std::strchr(text, '=');
     const std::string name = equals ? std::string(text + 2, equals) : text + 2;
     const LongOption *option =

@@ -55,6 +55,7 @@ int CPG_ReadLine(const std::string &prompt, std::string *line)
     if (!line->empty())
         add_history(line->c_str());
     // The console echoes the line with its own prompt: let that take the typed one's place.
+    // A longer line has wrapped, and how many rows it took is not known.
     if (prompt.size() + line->size() < ROW_CHARS)
         std::fputs("\033[A\033[2K", stdout);
     return 1;

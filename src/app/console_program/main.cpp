@@ -134,19 +134,6 @@ int MakeArchive(const CPG_Options &options)
     return 0;
 }
 
-int Dispatch(const CPG_Options &options, int argc, char **argv)
-{
-    if (options.isHelp)
-        std::fputs(CPG_szUsage, stdout);
-    else if (options.isVersion)
-        std::printf("vireo2-console %s\n", VR_GetBuildVersion());
-    else if (!options.archive.empty())
-        return MakeArchive(options);
-    else
-        return RunTraced(options, argc, argv);
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -159,7 +146,16 @@ int main(int argc, char **argv)
         std::fprintf(stderr, "vireo2-console: %s\nTry --help.\n", message.c_str());
         return EXIT_WRONG_OPTION;
     }
-    const int code = Dispatch(options, argc, argv);
+    // Help, version and archive need neither settings nor a port.
+    int code = 0;
+    if (options.isHelp)
+        std::fputs(CPG_szUsage, stdout);
+    else if (options.isVersion)
+        std::printf("vireo2-console %s\n", VR_GetBuildVersion());
+    else if (!options.archive.empty())
+        code = MakeArchive(options);
+    else
+        code = RunTraced(options, argc, argv);
     // Results that did not arrive are no success. An earlier failure has left the buffer
     // empty, so that the last flush alone would not notice it.
     const bool isBad = std::ferror(stdout) != 0;

@@ -69,30 +69,6 @@ void ShowFile(const HEX_File &file)
         std::fprintf(stderr, "%s: %zu more\n", file.path.c_str(), all - file.problems.size());
 }
 
-int Program(LDR_Job *job)
-{
-    Screen screen;
-    screen.job = job;
-    screen.isTerminal = CPG_IsErrorTerminal();
-    const LDR_Progress progress = {&screen, ShowStep, ShowLog};
-    int idle = 0;
-    for (bool isResume = false;; isResume = true) {
-        const size_t before = isResume ? job->verified + job->written : 0;
-        const int result = LDR_Run(job, isResume, ncom, bRate, progress);
-        EndLine(&screen);
-        if (result == LDR_ERR_PORT)
-            std::fprintf(stderr, "%s\n", LDR_GetResultText(*job).c_str());
-        std::fprintf(stderr, "%s\n", LDR_GetFlashText(*job).c_str());
-        if (result == 0)
-            return 0;
-        // Asked only as long as it gets on: a target that is off must not keep a script busy.
-        idle = job->verified + job->written > before ? 0 : idle + 1;
-        if (IsBreakWished() || !LDR_CanResume(*job) || idle > IDLE_RESUMES_MAX ||
-            ConfirmPopup("Program", "Go on behind the last verified block?") != 1)
-            return 1;
-    }
-}
-
 } // namespace
 
 int CPG_RunProgram()
@@ -100,11 +76,32 @@ int CPG_RunProgram()
     LDR_Job job;
     job.isErase = !CPG_options.isNoErase;
     job.isVerify = !CPG_options.isNoVerify;
-    const int result = LDR_Prepare(&job, CPG_options.programFile);
+    // A file with a fault is told whole and never sent: not even the link is opened.
+    const int prepared = LDR_Prepare(&job, CPG_options.programFile);
     ShowFile(job.file);
-    if (result < 0) {
+    if (prepared < 0) {
         std::fprintf(stderr, "%s\n", LDR_GetResultText(job).c_str());
         return 1;
     }
-    return Program(&job);
+    Screen screen;
+    screen.job = &job;
+    screen.isTerminal = CPG_IsErrorTerminal();
+    const LDR_Progress progress = {&screen, ShowStep, ShowLog};
+    int idle = 0;
+    for (bool isResume = false;; isResume = true) {
+        const size_t before = isResume ? job.verified + job.written : 0;
+        const int ended = LDR_Run(&job, isResume, ncom, bRate, progress);
+        // A port that fails says nothing of the flash; what that holds is told in any case.
+        EndLine(&screen);
+        if (ended == LDR_ERR_PORT)
+            std::fprintf(stderr, "%s\n", LDR_GetResultText(job).c_str());
+        std::fprintf(stderr, "%s\n", LDR_GetFlashText(job).c_str());
+        if (ended == 0)
+            return 0;
+        // Asked only as long as it gets on: a target that is off must not keep a script busy.
+        idle = job.verified + job.written > before ? 0 : idle + 1;
+        if (IsBreakWished() || !LDR_CanResume(job) || idle > IDLE_RESUMES_MAX ||
+            ConfirmPopup("Program", "Go on behind the last verified block?") != 1)
+            return 1;
+    }
 }

@@ -49,6 +49,7 @@ bool ParseTriggers(std::vector<SMP_Trigger> *triggers)
 // An unplugged port is a gap; the recording goes on when it is back.
 void FollowPort(REC_Job *job)
 {
+    // Static, because a run of the program makes one recording.
     static bool wasGone = false;
     static uint32_t lookedMs = 0;
     const bool isGone = UCM_IsOpened() == 0 || UCM_IsGone();
@@ -114,34 +115,32 @@ int Begin(REC_Job *job, const std::vector<SMP_Trigger> &triggers)
     return result;
 }
 
-int Record(const std::vector<SMP_Trigger> &triggers)
-{
-    REC_Job job;
-    if (Begin(&job, triggers) != 0)
-        return 1;
-    Follow(&job);
-    // A recording that ended before its time, or in which nothing was ever read, is no success.
-    const bool isEarly = HL_IsEndWished() && CPG_options.recordSeconds > 0;
-    const bool isKept = REC_StopJob(&job) == 0;
-    PrintForPerson(REC_JobSummary(job, bRate));
-    if (isEarly)
-        PrintForPerson("Interrupted.");
-    const SMP_Totals &totals = job.sampler.totals;
-    const bool isAnyGood = totals.samples == 0 || totals.failed < totals.samples;
-    return isKept && !isEarly && isAnyGood ? 0 : 1;
-}
-
 } // namespace
 
 int CPG_RunRecord()
 {
+    // A trigger that cannot work is told before the port is opened and a file begun.
     std::vector<SMP_Trigger> triggers;
     if (!CPG_LoadWatchList() || !ParseTriggers(&triggers))
         return 1;
     VIR2_StartPeriodicASC();
     if (isTimer == 0)
         return 1;
-    const int result = Record(triggers);
+    REC_Job job;
+    if (Begin(&job, triggers) != 0) {
+        VIR2_StopPeriodicASC();
+        return 1;
+    }
+    Follow(&job);
+    // Stopped while the line is open: the last rounds are proven over it.
+    const bool isEarly = HL_IsEndWished() && CPG_options.recordSeconds > 0;
+    const bool isKept = REC_StopJob(&job) == 0;
+    PrintForPerson(REC_JobSummary(job, bRate));
+    if (isEarly)
+        PrintForPerson("Interrupted.");
     VIR2_StopPeriodicASC();
-    return result;
+    // A recording that ended before its time, or in which nothing was ever read, is no success.
+    const SMP_Totals &totals = job.sampler.totals;
+    const bool isAnyGood = totals.samples == 0 || totals.failed < totals.samples;
+    return isKept && !isEarly && isAnyGood ? 0 : 1;
 }

@@ -17,18 +17,6 @@ namespace {
 
 std::map<std::string, int> places; // by text and type
 
-int AddItem(const std::string &name, const std::string &type, CPG_Json *error)
-{
-    LItem item;
-    const int result = EDT_Parse(name, type, &item);
-    if (result < 0) {
-        *error = CPG_MakeServeError("bad-item", EDT_ErrorText(result));
-        return -1;
-    }
-    aLItems[nLItems] = item;
-    return nLItems++;
-}
-
 // The number itself; a float that is none (infinite, not a number) has no JSON form.
 CPG_Json Number(const LItem &item)
 {
@@ -71,19 +59,27 @@ int CPG_FindServeItem(const CPG_Json &wanted, bool isKept, CPG_Json *error)
         return -1;
     }
     const std::string key = name.get<std::string>() + "\n" + type.get<std::string>();
+    // A client asks for the same few items again and again: no name is looked up twice.
     const auto known = places.find(key);
     if (known != places.end())
         return known->second;
+    // A watch counts on its places. Without one all are given up at once and filled anew.
     if (nLItems == LITEMS_MAX && !isKept)
         CPG_ForgetServeItems();
     if (nLItems == LITEMS_MAX) {
         *error = CPG_MakeServeError("too-many", "more items than can be held: end a watch");
         return -1;
     }
-    const int place = AddItem(name.get<std::string>(), type.get<std::string>(), error);
-    if (place >= 0)
-        places[key] = place;
-    return place;
+    // What is refused takes no place.
+    LItem item;
+    const int result = EDT_Parse(name.get<std::string>(), type.get<std::string>(), &item);
+    if (result < 0) {
+        *error = CPG_MakeServeError("bad-item", EDT_ErrorText(result));
+        return -1;
+    }
+    aLItems[nLItems] = item;
+    places[key] = nLItems;
+    return nLItems++;
 }
 
 CPG_Json CPG_DescribePlace(int index)

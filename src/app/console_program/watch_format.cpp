@@ -46,6 +46,7 @@ Row MakeRow(const LItem &item)
     return row;
 }
 
+// Addresses, types and numbers hold no comma and need no quotes.
 std::string CsvLine(const Row &row, long sweep)
 {
     return std::to_string(sweep) + ',' + TXT_QuoteCsv(row.name) + ',' + row.address + ',' +
@@ -53,6 +54,7 @@ std::string CsvLine(const Row &row, long sweep)
            row.raw + ',' + (row.isError ? "1" : "0") + '\n';
 }
 
+// An object a line, so that a reader need not wait for the end of the list.
 std::string JsonLine(const Row &row, long sweep)
 {
     return "{\"sweep\":" + std::to_string(sweep) + ",\"name\":" + CPG_QuoteJson(row.name) +
@@ -69,6 +71,7 @@ std::string TextLine(const Row &row, size_t nameWidth)
     char columns[40];
     std::snprintf(columns, sizeof columns, "  %-8s  %c%d  ",
                   row.address.empty() ? "??????" : row.address.c_str(), row.type, row.size);
+    // What is wrong stands where the value would be looked for.
     std::string value = row.value;
     if (row.address.empty())
         value = "Address?";
@@ -133,6 +136,7 @@ std::string CPG_FormatSweep(CPG_Format format, long sweep)
     std::string text;
     if (format == CPG_TEXT)
         text = (sweep > 1 ? "\nSweep " : "Sweep ") + std::to_string(sweep) + '\n';
+    // The longest name that still fits gives all lines the place of their second column.
     size_t width = 0;
     for (int i = 0; i < nLItems; i++)
         width = std::max(width, aLItems[i].name.size());

@@ -42,6 +42,7 @@ bool ReadAll()
 {
     for (int first = 0; first < nLItems; first += SWEEP_LINES) {
         SetCtrlAttribute(mainPanel, MAIN_LIST, ATTR_FIRST_VISIBLE_LINE, first);
+        // The next tick reads the first line of this page, not the one behind the last page.
         UpdItem = 0;
         for (int line = first; line < nLItems && line < first + SWEEP_LINES; line++)
             if (!Tick())
@@ -86,6 +87,7 @@ bool CPG_LoadWatchList()
         std::fprintf(stderr, "No items in '%s'.\n", CPG_options.watchFile.c_str());
         return false;
     }
+    // As if it had been opened in the window: names, title and ticks go by it.
     szDebugFileName = CPG_options.watchFile;
     VR_FillDebugItems();
     SetMainPanelAttributes();

@@ -45,12 +45,14 @@ int main(int argc, char **argv)
 {
     PLT_GuardStandardStreams();
     PLT_GetArguments(&argc, &argv);
+    // Answered before any window opens: packaging and scripts ask without a display.
     for (int i = 1; i < argc; i++) {
         if (std::strcmp(argv[i], "--help") == 0)
             return std::fputs(USAGE, stdout) < 0 ? 1 : 0;
         if (std::strcmp(argv[i], "--version") == 0)
             return std::printf("vireo2 %s\n", VR_GetBuildVersion()) < 0 ? 1 : 0;
     }
+    // The other options have one dash; this one would not be known among them.
     if (VR_RemoveTypesOption(&argc, argv) < 0) {
         std::fprintf(stderr, "vireo2: --types needs a file\nTry --help.\n");
         return EXIT_WRONG_OPTION;

@@ -25,6 +25,7 @@ const ArrayType SCR_aArrayTypes[ARRAY_TYPES] = {
 
 namespace {
 
+// Patterns of a whole line: what stands behind the number makes it none.
 const char SIGNED_LINE[] = "* ?#+/-.@#0-9.* #";
 const char UNSIGNED_LINE[] = "* @#0-9.* #";
 const char FLOAT_LINE_HEAD[] = "* ?#+/-.@#0-9.?/.*#0-9.";
@@ -41,6 +42,7 @@ ArrayParse ParseFloat(const char *line, uint8_t *bytes)
     if (xscan(LINE_END, &cursor) < 0)
         return ARRAY_NO_VALUE;
     const float value = std::strtof(line, nullptr);
+    // The exponent may have any number of digits.
     if (!std::isfinite(value))
         return ARRAY_OUT_OF_RANGE;
     uint32_t bits = 0;
@@ -112,6 +114,7 @@ uint32_t SCR_GetElement(const ArrayType &type, const uint8_t *bytes)
 {
     const uint32_t bits = static_cast<uint32_t>(TXT_GetLittle(bytes, type.size));
     const uint32_t sign = 1u << (8 * type.size - 1);
+    // The upper bits repeat the sign, so that every integer type prints as 32 bits.
     return type.isSigned && (bits & sign) ? bits | ~(2 * sign - 1) : bits;
 }
 
@@ -136,6 +139,7 @@ ArrayParse SCR_ParseElement(const ArrayType &type, const char *line, uint8_t *by
         return ARRAY_NO_VALUE;
     errno = 0; // the pattern bounds no number of digits
     const long long value = std::strtoll(line, nullptr, 10);
+    // Counted in 64 bits, which hold both bounds of every type.
     const long long span = 1LL << (8 * type.size);
     const long long low = type.isSigned ? -span / 2 : 0;
     if (errno != 0 || value < low || value >= low + span)

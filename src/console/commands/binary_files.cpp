@@ -73,6 +73,7 @@ int SaveMemory(const ArrayRequest &request, const char *fileName, const char *la
         SCR_ReadTransfer(plan, [&](uint32_t address, const uint8_t *bytes, uint32_t count) {
             return write(file.file, request.address, address, bytes, count);
         });
+    // A part of the memory would pass for all of it: the file that was there stays.
     if (report.result != TRANSFER_DONE)
         PLT_CancelSave(&file);
     else if (PLT_CommitSave(&file) < 0)
@@ -88,6 +89,7 @@ bool ReadFile(const char *fileName, uint32_t limit, std::vector<uint8_t> *bytes,
         return false;
     uint8_t block[BLOCK_BYTES];
     for (;;) {
+        // Never more than asked for: the file may be of any size.
         const size_t room = std::min(sizeof block, limit - bytes->size());
         const size_t count = std::fread(block, 1, room, file);
         bytes->insert(bytes->end(), block, block + count);
@@ -133,6 +135,7 @@ int SCR_BinLoad(ScrPar *par)
                   request.count);
     const TransferPlan plan = {request.address, static_cast<uint32_t>(bytes.size()), BLOCK_BYTES,
                                SCR_METER_BINARY};
+    // Blocks in front of a failure stay written; the text says how far it came.
     const TransferReport report = SCR_WriteTransfer(plan, bytes.data());
     if (report.result != TRANSFER_DONE) {
         CON_Print("%s.", SCR_WrittenText(report, plan.count, 1).c_str());

@@ -33,6 +33,7 @@ bool StepMeter(void *context, uint32_t done, uint32_t total, const char *what)
 {
     const Meter *meter = static_cast<const Meter *>(context);
     const int percent = total > 0 ? static_cast<int>(uint64_t{100} * done / total) : 0;
+    // A step that says nothing of its own leaves the job's text standing.
     const std::string text = *what != '\0' ? what : meter->text;
     return UpdateProgressDialog(meter->dialog, percent, text) == 1;
 }
@@ -90,6 +91,7 @@ bool HasHexSuffix(const std::string &path)
 
 } // namespace
 
+// Into memory over the ordinary link, line by line; the flash commands below need the loader.
 int SCR_HexLoad(ScrPar *par)
 {
     Meter meter;
@@ -141,6 +143,7 @@ int SCR_L3Write(ScrPar *par)
 int SCR_L3Verify(ScrPar *par)
 {
     LDR_Job job;
+    // Before the port is borrowed: a bad file must not interrupt the communication.
     if (LDR_Prepare(&job, par[0].text) < 0) {
         // The file keeps a bounded number of problems, and counts them all.
         const HEX_File &file = job.file;
@@ -165,6 +168,7 @@ int SCR_L3Verify(ScrPar *par)
 
 int SCR_L3Read(ScrPar *par)
 {
+    // Below the limit the difference does not wrap.
     if (!ExecPar(par, 1) || par[1].value > ADDR_LIMIT - par[0].value)
         return SCR_Fail("l3read: invalid script parameters.");
     const char *path = par[2].text;
@@ -181,6 +185,7 @@ int SCR_L3Read(ScrPar *par)
             return SCR_Fail(TXT_Format("l3read: 0x%06X: %s.",
                                        par[0].value + static_cast<uint32_t>(bytes.size()),
                                        LD167U_GetFaultText().c_str()));
+        // The name decides: HEX keeps the addresses, a binary file has none.
         const int saved = HasHexSuffix(path)
                               ? HEX_Save(path, par[0].value, bytes.data(), bytes.size())
                               : SaveBytes(path, bytes);

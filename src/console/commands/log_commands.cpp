@@ -15,6 +15,7 @@ namespace {
 
 int Fail(const char *command, const std::string &text)
 {
+    // Whatever failed then failed because the user wanted it.
     if (DLLD_IsCancelled())
         return SCR_Fail(TXT_Format("%s: cancelled by the user.", command));
     return SCR_Fail(std::string(command) + ": " + text);
@@ -107,6 +108,7 @@ int ScrFnGetLog(ScrPar *par)
     if (name.empty() || base.empty())
         return SCR_Fail("getlog: Invalid parameters.");
     LOGV_UseTarget(); // the settings may have changed since the last download
+    // Descriptions first: without them a download of minutes could not be listed.
     if (DLLD_ReadARecId() < 0)
         return FailRead("getlog", "Could not read log type list (DL_arecId).");
     CON_Print("Reading log %s! This can take up to few minutes, wait please ...", name.c_str());
@@ -120,6 +122,7 @@ int ScrFnSaveLog(ScrPar *par)
 {
     const std::string path = par[1].text, name = par[0].text;
     const bool isName = (par[0].flags & PAR_LONG) == 0;
+    // A number stands for the log's address, anything else for its name.
     uint32_t address = par[0].value;
     LOGV_UseTarget();
     if (path.empty() || (isName ? DLLD_GetWrkAddr(&address, name) < 0 : address >= ADDR_LIMIT))
@@ -139,6 +142,7 @@ int SCR_DlldTst(ScrPar *par)
 {
     LOGV_UseTarget();
     const std::vector<std::string> names = LOGV_FindTargetLogs();
+    // Numbers are those of the list that 0 shows; another map has others.
     const auto number = static_cast<int32_t>(par[0].value);
     if (names.empty())
         return SCR_Fail("dlldtst: no variable of the map and type map describes a log.");

@@ -121,6 +121,7 @@ int WriteRegisters(int slave, const MBM_Part &to)
 {
     if (to.quantity > 1)
         return UCM_CountErr(MBM_MasterFN(MBM_FN_WRITE, slave, nullptr, &to));
+    // "Illegal function": any other refusal concerns the value or the place, and stands.
     constexpr int NOT_SUPPORTED = MBM_FAULT_EXCEPTION + 1;
     const int result = UCM_CountErr(MBM_MasterFN(MBM_FN_WRITE_ONE, slave, nullptr, &to));
     return result < 0 && MBM_nFault == NOT_SUPPORTED
@@ -143,6 +144,7 @@ void PrintReadBack(int slave, const MBM_Part &written)
 // 0, or -1: another protocol is in use, or there can be no such slave.
 int CheckSlave(const char *command, int slave)
 {
+    // Over mr166 a register number would be sent to nobody who knows one.
     if (VR_nProtocol != PROTOCOL_MODBUS)
         return SCR_Fail(TXT_Format("%s: the protocol is not Modbus.", command));
     if (slave < MODBUS_STATION_MIN || slave > MODBUS_STATION_MAX)
@@ -186,6 +188,7 @@ int SCR_MbWrite(ScrPar *par)
     if (start + count > ADDRESSES)
         return SCR_Fail("mbwrite: there is no register above 65535.");
     const MBM_Part to = {static_cast<uint16_t>(start), static_cast<uint16_t>(count), values};
+    // Asked first, so that a write to nobody is not reported as done.
     if (!IsSomebodyThere(request.slave, to.start) || WriteRegisters(request.slave, to) < 0)
         return FailExchange("mbwrite");
     PrintReadBack(request.slave, to);

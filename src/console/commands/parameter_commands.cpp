@@ -67,6 +67,7 @@ int FailWith(const std::string &command, const std::string &why)
 
 void PrintProblems(const PST_Problems &problems)
 {
+    // All of them at once, so that a file is mended in one go.
     std::string text = PST_FormatProblems(problems);
     if (!text.empty())
         text.pop_back(); // the last line's end
@@ -97,6 +98,7 @@ int Download(const std::string &header, const std::string &data, bool isAll, PST
         return FailWith("download", job->why + " " + PST_NOTHING_WRITTEN);
     PrintLines(PST_RestoreWarnings(*job));
     PrintLines(PST_RestoreChanges(*job), CHANGES_SHOWN_MAX);
+    // The list stands on the console before the question that is about it.
     if (!job->writes.empty()) {
         const std::string count = std::to_string(job->writes.size());
         const std::string question =
@@ -131,6 +133,7 @@ int SCR_Download(ScrPar *par)
 {
     if (IsUsageWished(par, "use: download header.ulh, data.ldx, 0"))
         return 0;
+    // Any other number would be a guess whether all values are to be written.
     if (par[2].value > 1)
         return FailWith("download", "the last parameter is 0 (differences) or 1 (all values).");
     PST_Restore job;
@@ -156,6 +159,7 @@ int SCR_LdCmpLdx(ScrPar *par)
 {
     if (IsUsageWished(par, "use: ldcmpldx file.ldx"))
         return 0;
+    // Those that were named before stay.
     if (compared.size() >= PST_COMPARE_MAX)
         return SCR_Fail("Too many ldx files to load.");
     PST_File file;

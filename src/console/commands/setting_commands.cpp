@@ -38,6 +38,7 @@ struct CpuNumber {
 };
 const CpuNumber CPUS[] = {{166, CPU_C166}, {167, CPU_C167}, {28335, CPU_F283XX}};
 
+// The command's own list: the menu offers 115200 as well.
 const uint32_t BAUD_RATES[] = {9600, 19200, 38400, 57600};
 
 // No command selects a C269; its number has a prompt all the same.
@@ -143,6 +144,7 @@ int SCR_Language(ScrPar *par)
 
 int SCR_Exit(ScrPar *)
 {
+    // The line is finished first: the view closes, or the program ends, behind it.
     SCR_isExit = true;
     return 0;
 }
@@ -151,6 +153,7 @@ int SCR_ComPar(ScrPar *par)
 {
     const uint32_t port = par[0].value;
     const uint32_t rate = par[1].value;
+    // "compar 0,0" is how the help calls for the usage.
     if (port == 0 && rate == 0) {
         PrintMonStr("use: compar com, baudrate");
         PrintMonStr("     com ... number of the serial port (1 to 255)");

@@ -12,11 +12,6 @@ namespace {
 
 constexpr char LINE_END = '\r';
 
-void PrintLine(const std::string &line)
-{
-    CON_Print(" %s", line.c_str());
-}
-
 } // namespace
 
 // term166 [text]. Quotation marks around the text keep its blanks; "" is an empty line.
@@ -31,12 +26,15 @@ int SCR_Term166(ScrPar *par)
     const bool isLine = !text.empty();
     if (text.size() >= 2 && text.front() == '"' && text.back() == '"')
         text = text.substr(1, text.size() - 2);
+    // Two readers of one answer would each get a part of it.
     if (T166_IsOn())
         return SCR_Fail("term166: The terminal's window is open.");
     if (CON_HoldLink(LINK_NO_QUESTION) < 0)
         return -1;
     std::string problem;
-    const int result = TRM_Talk(isLine ? text + LINE_END : "", PrintLine, &problem);
+    // Without a text only what the target says by itself is shown.
+    const auto print = [](const std::string &line) { CON_Print(" %s", line.c_str()); };
+    const int result = TRM_Talk(isLine ? text + LINE_END : "", print, &problem);
     CON_ReleaseLink();
     return result == 0 ? 0 : SCR_Fail("term166: " + problem);
 }

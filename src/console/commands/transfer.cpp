@@ -36,6 +36,7 @@ uint32_t CountBlocks(uint32_t count, uint32_t perBlock)
 bool IsStopped(Meter *meter, uint32_t at)
 {
     const uint32_t done = at / meter->perBlock;
+    // A box that could not be made is no reason not to transfer.
     if (meter->dialog > 0 && done != meter->shown) {
         meter->shown = done;
         const int percent = static_cast<int>(uint64_t(100) * done / meter->blocks);
@@ -65,6 +66,7 @@ void MoveStretch(const TransferSteps &steps, Meter *meter, uint32_t at, uint32_t
     } else if (series.result < 0) {
         const bool isStopped = series.result == STOPPED_BY_USER || IsBreakWished();
         report->result = isStopped ? TRANSFER_CANCELLED : TRANSFER_LINK;
+        // All made and yet a failure: then it is the proof that failed, which has no code.
         report->code = series.made < exchanges ? series.result : 0;
         report->cause = series.cause;
     }
@@ -94,6 +96,7 @@ TransferReport SCR_ReadTransfer(const TransferPlan &plan, const TransferTaker &t
     TransferSteps steps;
     steps.count = plan.count;
     steps.perExchange = steps.perBlock = plan.blockBytes;
+    // Whole blocks, so that a block is proven, or read again, in one piece.
     steps.perStretch = STRETCH_BYTES / plan.blockBytes * plan.blockBytes;
     steps.meterText = plan.meterText;
     // One stretch is kept, until its proof; a stretch that is made again overwrites itself.

@@ -25,6 +25,7 @@ void AddScripts(const std::string &start, std::vector<std::string> *candidates)
 {
     const size_t cut = start.find_last_of("/\\");
     const std::string folder = cut == std::string::npos ? "" : start.substr(0, cut + 1);
+    // A folder that is not there, or not to be read, has no scripts; no message while typing.
     std::error_code error;
     std::filesystem::directory_iterator entry(
         std::filesystem::u8path(folder.empty() ? "." : folder), error);

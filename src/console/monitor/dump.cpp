@@ -43,6 +43,7 @@ std::string FormatByte(uint8_t byte)
 int32_t GetNameStation(const std::string &name)
 {
     const char *cursor = TXT_SkipBlanks(name.c_str());
+    // The mark of the TMS320 may stand in front of the station.
     if (*cursor == '&')
         cursor = TXT_SkipBlanks(cursor + 1);
     uint32_t station = 0;
@@ -84,6 +85,7 @@ int dump(int, uint32_t address)
     PrintMonStr("Dump ...\n");
     uint8_t bytes[RAW_ROWS * RAW_ROW_BYTES];
     const uint32_t count = std::min<uint32_t>(sizeof bytes, ADDR_LIMIT - address);
+    // The last row is short at the end of the address space.
     const auto rowEnd = [count](uint32_t at) { return std::min(at + RAW_ROW_BYTES, count); };
     const UCM_Series series =
         UCM_MakeSeries((count + RAW_ROW_BYTES - 1) / RAW_ROW_BYTES, [&](uint32_t row) {
@@ -141,6 +143,7 @@ int dump_Naddr(int, uint32_t address, uint32_t count)
     steps.count = count;
     steps.perStretch = steps.perBlock = WORDS_STRETCH;
     steps.meterText = SCR_METER_BINARY;
+    // A word at a time: the mailbox holds no more.
     steps.exchange = [&](uint32_t at, uint32_t) {
         return TMS_ReadWord(STATION, address + at, TMS_POLLS_ITEM, &words[at]);
     };

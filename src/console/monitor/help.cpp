@@ -31,6 +31,7 @@ const char *const FULL_HELP[] = {
     "   mbwrite [slave:]start, value [, value ...] ... write registers over Modbus",
 };
 
+// The TMS monitor has no command table and no second set: every letter is always admitted.
 const char *const TMS_HELP[] = {
     " Monitor commands:",
     "  d addr[,n]        ... read memory (n addr., default value n=4)",

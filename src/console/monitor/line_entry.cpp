@@ -53,6 +53,7 @@ int RunTmsLine(int panel, const char *line)
 
 int RunMapName(int panel, const char *line)
 {
+    // A name that was asked for; good or bad, the next line is a command again.
     const int result = LoadMapFile(panel, line);
     command = CMD_C166;
     CON_ShowModePrompt();
@@ -141,24 +142,19 @@ void HandleTab(int panel, int control, int)
 const KeyAction KEY_ACTIONS[] = {
     {KEY_ESC, HandleEscape}, {KEY_UP, HandleArrow}, {KEY_DOWN, HandleArrow}, {KEY_TAB, HandleTab}};
 
-int HandleKey(int panel, int control, int key)
-{
-    for (const KeyAction &row : KEY_ACTIONS) {
-        if (row.key != key)
-            continue;
-        row.run(panel, control, key);
-        return 1;
-    }
-    return 0;
-}
-
 } // namespace
 
 int StrinCB(int panel, int control, int event, int data)
 {
     if (event == EVENT_COMMIT)
         return EnterLine(panel, control);
-    if (event == EVENT_KEYPRESS)
-        return HandleKey(panel, control, data);
+    if (event != EVENT_KEYPRESS)
+        return 0;
+    for (const KeyAction &row : KEY_ACTIONS) {
+        if (row.key != data)
+            continue;
+        row.run(panel, control, data);
+        return 1; // the key means nothing else here: Tab does not leave the field
+    }
     return 0;
 }

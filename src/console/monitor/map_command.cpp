@@ -55,6 +55,7 @@ int LoadOrReport(const MapKind &kind, const std::string &fileName)
 {
     if (fileName.empty())
         return kind.report();
+    // What is wrong with the file is told here; the map in use is still the old one then.
     const int result = kind.load(fileName.c_str());
     if (result == SYM_MAP_ERR_NO_SYMBOL) {
         CON_Print(" Error: the MAP file %s.\n", SYM_MapErrorText(result));
@@ -64,6 +65,7 @@ int LoadOrReport(const MapKind &kind, const std::string &fileName)
         PrintMonStr(" Error: the MAP file doesn't exist.\n");
         return -1;
     }
+    // For the reload, and for the settings file of the next run.
     WIN_RememberMap(fileName, kind.isTms);
     SetMainPanelAttributes();
     return kind.report();

@@ -36,6 +36,7 @@ void PrintMonStr(const std::string &text)
 {
     size_t begin = 0;
     for (;;) {
+        // A text of several lines is several lines of the box, which counts and trims them so.
         const size_t end = text.find('\n', begin);
         InsertTextBoxLine(consolePanel, CONSOLE_BOX, -1, text.substr(begin, end - begin));
         // The oldest lines go in batches, not one for each line that is printed.
@@ -67,6 +68,7 @@ void CON_SetPrompt(const std::string &prompt)
 
 void CON_ShowModePrompt()
 {
+    // The other modes are entries with a prompt of their own, which shows the address.
     CON_SetPrompt(command == CMD_TMS ? "S166\\TMS >" : "S166 >");
 }
 
@@ -114,6 +116,7 @@ void CON_SaveTextCB(int, int)
     if (FileSelectPopup("", "*.txt", "*.txt", "Save console text", FILE_SAVE, &path) ==
         CON_NO_FILE_SELECTED)
         return;
+    // Nothing of a failed save is left: the file that was there stays.
     if (CON_SaveText(path) < 0)
         MessagePopup("Error", PLT_SaveFailureText(path));
 }

@@ -58,6 +58,7 @@ bool ParseValue(const char *text, const Kind &kind, int bits, uint32_t *value)
 {
     char *end = nullptr;
     if (kind.kind == 'f') {
+        // What is too large for the type becomes infinite, and is refused with the rest.
         const float number = std::strtof(text, &end);
         std::memcpy(value, &number, sizeof *value);
         return IsWholeText(text, end) && std::isfinite(number);
@@ -180,12 +181,14 @@ int write_addr2(int panel, const char *text)
         EndEntry(CMD_C166);
         return -1;
     }
+    // The TMS320 behind a station has a float format of its own.
     if (kind.kind == 'f')
         value = IEEE_TMS(value);
     if (write_addrTMS(panel, dwAddr, value) < 0) {
         EndEntry(CMD_C166);
         return -1;
     }
+    // An address of the TMS320 is a word.
     dwAddr++;
     ShowTmsPrompt();
     return 0;
