@@ -54,11 +54,6 @@ void SetWord(SIM_Station *station, const LogPlace &place, uint32_t index, uint16
     SIM_SetValue(station, place.buffer + 2 * index, 2, value);
 }
 
-uint16_t GetWord(const SIM_Station &station, const LogPlace &place, uint32_t index)
-{
-    return static_cast<uint16_t>(SIM_GetValue(station, place.buffer + 2 * index, 2));
-}
-
 // Two-second units of a year whose months all have 31 days, below the year.
 uint32_t PackTime(time_t when)
 {
@@ -132,20 +127,11 @@ uint8_t FillContent(uint32_t k, int number, std::vector<uint16_t> *content)
     }
 }
 
-// The least value that no word of the content has: it stands for the zeros.
-uint8_t ChooseZ(const std::vector<uint16_t> &content)
-{
-    uint8_t z = 1;
-    while (z < 255 && std::find(content.begin(), content.end(), z) != content.end())
-        z++;
-    return z;
-}
-
 // Zeros from `from` to `to`, and on through the message that reaches beyond it.
 void ClearWords(SIM_Station *station, const LogPlace &place, uint32_t from, uint32_t to)
 {
     for (uint32_t i = from; i < place.words; i++) {
-        if (i >= to && GetWord(*station, place, i) == 0)
+        if (i >= to && SIM_GetValue(*station, place.buffer + 2 * i, 2) == 0)
             return;
         SetWord(station, place, i, 0);
     }
@@ -173,7 +159,10 @@ void WriteMessage(SIM_Station *station, int number, const LogPlace &place, SIM_D
     // The log begins with a past: messages ten minutes apart, then one a second.
     const uint32_t k = log->written++;
     const uint8_t type = FillContent(k, number, &content);
-    const uint8_t z = ChooseZ(content);
+    // A zero ends a message: within one the least value that no word has stands for it.
+    uint8_t z = 1;
+    while (z < 255 && std::find(content.begin(), content.end(), z) != content.end())
+        z++;
     const time_t history = k < HISTORY ? static_cast<time_t>(HISTORY - k) * HISTORY_STEP_S : 0;
     const time_t after = k < HISTORY ? 0 : static_cast<time_t>(k - HISTORY);
     message.push_back(static_cast<uint16_t>(type | z << 8));
@@ -181,16 +170,6 @@ void WriteMessage(SIM_Station *station, int number, const LogPlace &place, SIM_D
     for (const uint16_t word : content)
         message.push_back(word == 0 ? uint16_t(z) : word);
     AppendMessage(station, place, log, message);
-}
-
-void WriteHeader(SIM_Station *station, const LogPlace &place)
-{
-    const uint32_t address = place.buffer / place.divisor;
-    for (const uint32_t at : {place.variable, place.buffer}) {
-        SIM_SetValue(station, at, 4, address);
-        SIM_SetValue(station, at + 4, 4, place.words);
-    }
-    SIM_WriteMemory(station, place.buffer + 8, "LOGOS:", 6);
 }
 
 void WriteRecIds(SIM_Station *station)
@@ -226,9 +205,15 @@ void SIM_InitDataLogs(SIM_Station *station, int number)
     station->logStart = time(nullptr) + STANDARD_TIME_S;
     WriteRecIds(station);
     for (size_t i = 0; i < SIM_DATA_LOGS; i++) {
+        const LogPlace &place = PLACES[i];
         station->logs[i].next = HEADER_WORDS;
-        WriteHeader(station, PLACES[i]);
-        CatchUp(station, number, PLACES[i], &station->logs[i], HISTORY);
+        // Address and size stand in the variable and again at the buffer's own beginning.
+        for (const uint32_t at : {place.variable, place.buffer}) {
+            SIM_SetValue(station, at, 4, place.buffer / place.divisor);
+            SIM_SetValue(station, at + 4, 4, place.words);
+        }
+        SIM_WriteMemory(station, place.buffer + 8, "LOGOS:", 6);
+        CatchUp(station, number, place, &station->logs[i], HISTORY);
     }
 }
 

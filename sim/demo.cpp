@@ -158,14 +158,6 @@ void SetIntegers(SIM_Station *station, const LiveInteger (&integers)[N], double 
         SIM_SetValue(station, live.address, live.size, live.value(t));
 }
 
-void SetWave(SIM_Station *station, double t)
-{
-    for (uint32_t i = 0; i < WAVE_POINTS; i++) {
-        const double shifted = t + i * SINE_PERIOD_S / WAVE_POINTS;
-        SIM_SetValue(station, WAVE + 2 * i, 2, Whole(500 + 500 * Sine(shifted)));
-    }
-}
-
 // The integers, and in DRV_stParams two points of a ramp that run round a circle; the peak
 // is the highest of each axis.
 void SetDrive(SIM_Station *station, double t)
@@ -276,15 +268,6 @@ void InitStructures(SIM_Station *station)
     }
 }
 
-void SetSavedDiffer(SIM_Station *station)
-{
-    uint64_t differ = 0;
-    for (const Saved &saved : savedValues)
-        differ += SIM_GetValue(*station, saved.source, saved.size) !=
-                  SIM_GetValue(*station, saved.copy, saved.size);
-    SIM_SetValue(station, SAVED_DIFFER, 2, differ);
-}
-
 } // namespace
 
 void SIM_InitDemo(SIM_Station *station, int number)
@@ -316,8 +299,13 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
 {
     const double t = seconds + STATION_PHASE_S * number;
     SIM_UpdateDataLogs(station, number, seconds, address, count);
-    if (SIM_Touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2))
-        SetSavedDiffer(station);
+    if (SIM_Touches(address, count, SAVED_DIFFER, SAVED_DIFFER + 2)) {
+        uint64_t differ = 0;
+        for (const Saved &saved : savedValues)
+            differ += SIM_GetValue(*station, saved.source, saved.size) !=
+                      SIM_GetValue(*station, saved.copy, saved.size);
+        SIM_SetValue(station, SAVED_DIFFER, 2, differ);
+    }
     if (SIM_Touches(address, count, F28_BEGIN, F28_END))
         SetF28(station, t);
     if (SIM_Touches(address, count, DRIVE_BEGIN, DRIVE_END))
@@ -327,7 +315,11 @@ void SIM_UpdateDemo(SIM_Station *station, int number, double seconds, uint32_t a
     if (!SIM_Touches(address, count, LIVE_BEGIN, LIVE_END))
         return;
     SetIntegers(station, liveIntegers, t);
-    SetWave(station, t);
+    // One period of the sine, which travels through the array.
+    for (uint32_t i = 0; i < WAVE_POINTS; i++) {
+        const double shifted = t + i * SINE_PERIOD_S / WAVE_POINTS;
+        SIM_SetValue(station, WAVE + 2 * i, 2, Whole(500 + 500 * Sine(shifted)));
+    }
     SIM_SetFloat(station, 0x8018, static_cast<float>(Sine(t)));            // fSine
     SIM_SetFloat(station, 0x803C, static_cast<float>(Mains(t, 0) / 1000)); // fFast
     SetFlags(station, t, SetOutput(station, t));

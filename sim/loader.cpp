@@ -31,23 +31,18 @@ bool IsFlash(uint32_t address)
     return address < SIM_FLASH_SIZE && (address < SIM_CHIP_FIRST || address > SIM_CHIP_LAST);
 }
 
-// On the chip only one register matters: the one that always reads as zeros, in front of one
-// that always reads as ones.
-uint8_t ReadByte(const SIM_Loader &loader, uint32_t address)
-{
-    constexpr uint32_t ZEROS = 0xFF1C;
-    if (IsFlash(address))
-        return loader.flash[address];
-    return (address & ~1U) == ZEROS ? 0x00 : 0xFF;
-}
-
 void ReadBlock(SIM_Loader *loader, std::vector<uint8_t> *answer)
 {
-    const uint32_t address = AddressOf(*loader);
+    // On the chip only one register matters: the one that always reads as zeros, in front of one
+    // that always reads as ones.
+    constexpr uint32_t ZEROS = 0xFF1C;
+    const uint32_t begin = AddressOf(*loader);
     // The sum goes over command and data: a reader sees that another block was read.
     unsigned sum = SumOf(loader->command);
     for (uint32_t i = 0; i < loader->command[1]; i++) {
-        answer->push_back(ReadByte(*loader, address + i));
+        const uint32_t address = begin + i;
+        const uint8_t ofChip = (address & ~1U) == ZEROS ? 0x00 : 0xFF;
+        answer->push_back(IsFlash(address) ? loader->flash[address] : ofChip);
         sum += answer->back();
     }
     answer->push_back(static_cast<uint8_t>(sum));

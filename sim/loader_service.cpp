@@ -52,6 +52,7 @@ Served ServeByte(SIM_Target *target, uint8_t byte, bool quiet)
     return served;
 }
 
+// Without the lock: erasing lasts seconds, and others look into the target meanwhile.
 bool SendAnswer(SIM_Target *target, const Served &served)
 {
     SIM_Line *line = &target->line;
@@ -94,7 +95,7 @@ bool SIM_SaveFlash(SIM_Target *target, std::string *error)
     FILE *file = fopen(path.c_str(), "wb");
     const std::vector<uint8_t> &flash = target->loader.flash;
     bool good = file && fwrite(flash.data(), 1, flash.size(), file) == flash.size();
-    if (file)
+    if (file) // a disk may turn out to be full only now
         good = fclose(file) == 0 && good;
     if (!good)
         *error = "Cannot write " + path + ": " + strerror(errno);

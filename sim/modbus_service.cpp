@@ -18,16 +18,6 @@ struct Answer {
     int64_t delayNs = 0;
 };
 
-// An exception drawn by the seed, or 0. The draws are made for every request, so that later
-// ones stay where they are when the share changes.
-int DrawRefusal(SIM_Target *target)
-{
-    constexpr int FAILURE = 4, BUSY = 6;
-    const bool refused = SIM_DrawChance(&target->random, target->options.refuse);
-    const int code = target->random() % 2 ? FAILURE : BUSY;
-    return refused ? code : 0;
-}
-
 void LogRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exception,
                 const char *fate)
 {
@@ -46,6 +36,7 @@ void LogRequest(SIM_Target *target, const uint8_t *frame, size_t count, int exce
 // `count` is the frame's length without its CRC.
 Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
 {
+    constexpr int FAILURE = 4, BUSY = 6;
     Answer answer;
     const std::lock_guard<std::mutex> guard(target->lock);
     answer.delayNs = target->options.delayMs * NS_PER_MS;
@@ -57,8 +48,12 @@ Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
         LogRequest(target, frame, count, 0, "absent");
         return answer;
     }
-    int exception = DrawRefusal(target);
-    if (exception != 0)
+    // Both draws are made for every request, so that later ones stay where they are when the
+    // share of refusals changes.
+    const bool isRefused = SIM_DrawChance(&target->random, target->options.refuse);
+    const int refusal = target->random() % 2 ? FAILURE : BUSY;
+    int exception = isRefused ? refusal : 0;
+    if (isRefused)
         answer.count = SIM_RefuseRtu(frame, exception, answer.frame);
     else
         answer.count = SIM_ServeRtu(target, frame, count, answer.frame, &exception);
@@ -66,14 +61,6 @@ Answer PrepareAnswer(SIM_Target *target, const uint8_t *frame, size_t count)
     const SIM_Fate fate = SIM_DecideFate(target, answer.frame, &answer.count);
     LogRequest(target, frame, count, exception, SIM_FateText(fate));
     return answer;
-}
-
-bool SendAnswer(SIM_Target *target, const Answer &answer)
-{
-    if (answer.count == 0)
-        return true;
-    const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
-    return SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs);
 }
 
 // Handles what one read brought. Returns false when the target is to end.
@@ -95,7 +82,12 @@ bool ServeBytes(SIM_Target *target, SIM_RtuReceiver *receiver, const uint8_t *by
         if (whole == 0)
             continue;
         receiver->length = 0;
-        if (!SendAnswer(target, PrepareAnswer(target, receiver->bytes, whole - CRC_SIZE)))
+        const Answer answer = PrepareAnswer(target, receiver->bytes, whole - CRC_SIZE);
+        if (answer.count == 0)
+            continue;
+        // A line with a speed answers behind the request's last bit, not when it was read.
+        const int64_t base = target->line.charNs > 0 ? target->line.receiveNs : SIM_NowNs();
+        if (!SIM_SendLine(&target->line, answer.frame, answer.count, base + answer.delayNs))
             return false;
     }
     return true;

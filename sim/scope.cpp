@@ -2,6 +2,7 @@
 
 #include "demo.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -183,15 +184,6 @@ void TakeSample(SIM_Station *station, int number, const Layout &scope, double *p
     SIM_SetWord(station, scope.control, static_cast<unsigned>(control));
 }
 
-// Every how manieth tick is a sample: generation 3 keeps one less.
-uint16_t SubPeriod(const SIM_Station &station, const Layout &scope)
-{
-    const uint16_t stored = SIM_GetWord(station, scope.subPeriod);
-    if (scope.mask == SIM_SCOPE_2)
-        return stored == 0 ? 1 : stored;
-    return static_cast<uint16_t>(stored + 1);
-}
-
 void SampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_ScopeState *state,
                  double seconds)
 {
@@ -199,8 +191,8 @@ void SampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_Scop
     if (seconds - t > CATCH_UP_S)
         t = seconds - CATCH_UP_S;
     for (; t + 1 / RATE_HZ <= seconds; t += 1 / RATE_HZ) {
-        if (SIM_GetWord(*station, scope.control) ==
-            0) { // complete: nothing moves until the next run
+        // Complete: nothing moves until the next run.
+        if (SIM_GetWord(*station, scope.control) == 0) {
             t = seconds;
             break;
         }
@@ -209,7 +201,10 @@ void SampleUntil(SIM_Station *station, int number, const Layout &scope, SIM_Scop
             SIM_SetWord(station, scope.subCounter, --left);
             continue;
         }
-        SIM_SetWord(station, scope.subCounter, SubPeriod(*station, scope));
+        // Every how manieth tick is a sample: generation 3 keeps one less.
+        const unsigned stored = SIM_GetWord(*station, scope.subPeriod);
+        SIM_SetWord(station, scope.subCounter,
+                    scope.mask == SIM_SCOPE_2 ? std::max(stored, 1U) : stored + 1);
         TakeSample(station, number, scope, &state->previous, t);
     }
     state->sampled = t;

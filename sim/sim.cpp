@@ -40,7 +40,7 @@ bool LoadFlash(SIM_Target *target, std::string *error)
         *error = "Cannot read " + options.flash;
     else if (options.flashAddress + bytes.size() > SIM_MEMORY_SIZE)
         *error = options.flash + " reaches beyond the memory";
-    else
+    else // whichever station is asked has it
         for (SIM_Station &station : target->stations)
             SIM_WriteMemory(&station, options.flashAddress, bytes.data(), bytes.size());
     return error->empty();
@@ -157,6 +157,7 @@ uint32_t SIM_PeekTMS(SIM_Target *target, int station, uint32_t wordAddress)
 void SIM_SetFaults(SIM_Target *target, const SIM_Options &options)
 {
     const std::lock_guard<std::mutex> guard(target->lock);
+    // Not what the line was opened with: that is the thread's since then.
     target->options.refuse = options.refuse;
     target->options.drop = options.drop;
     target->options.corrupt = options.corrupt;

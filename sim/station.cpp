@@ -1,3 +1,5 @@
+// Pages exist once they are written. Addresses wrap at the end of the memory: no request, however
+// wrong, reaches beyond it.
 #include "station.h"
 
 #include <algorithm>

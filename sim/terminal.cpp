@@ -78,6 +78,7 @@ void PrintLive(SIM_Station *station)
     Print(station, text);
 }
 
+// Several times what the ring holds: it waits and is put out as a reader empties the ring.
 void PrintLong(SIM_Station *station)
 {
     char line[80];

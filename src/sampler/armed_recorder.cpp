@@ -47,6 +47,7 @@ void StopByTrigger(REC_ArmedRecorder *recorder, const SMP_Trigger &trigger, int6
 {
     if (!recorder->file.isOpen)
         return;
+    // Before the file is closed: a closed one takes no note.
     REC_PutNote(&recorder->file, timeUs, "trigger", trigger.text);
     Tell(*recorder, "Recorded " + recorder->file.path + " (" + trigger.text + ").");
     // Where no trigger starts a recording, nothing would ever go on.

@@ -44,6 +44,7 @@ bool REC_NextLine(REC_LineReader *reader, size_t lengthMax, REC_FileLine *line)
     lengthMax = std::min(lengthMax, BLOCK_BYTES / 2);
     for (;;) {
         const char *block = reader->block.data();
+        // Line ends in front of the line, and the rest of one that was too long.
         while (reader->at < reader->filled &&
                (IsLineEnd(block[reader->at]) || reader->isSkipping)) {
             reader->isSkipping = reader->isSkipping && !IsLineEnd(block[reader->at]);

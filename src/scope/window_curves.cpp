@@ -77,20 +77,6 @@ void AddSpectra(const SCP_Capture &from, const std::string &name, bool isReferen
     }
 }
 
-// The entries are the traces there are; the choice stays while its trace does.
-void ShowChoices()
-{
-    const SCP_Capture &capture = SCP_windowState.capture;
-    if (spectrumOf >= static_cast<int>(capture.traces.size()))
-        spectrumOf = -1;
-    ClearListCtrl(PANEL_SCOPE, SCOPE_SHOWN);
-    InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Curves", -1);
-    for (size_t i = 0; i < capture.traces.size(); ++i)
-        InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Spectrum of " + capture.traces[i].name,
-                       static_cast<int>(i));
-    SetCtrlVal(PANEL_SCOPE, SCOPE_SHOWN, spectrumOf);
-}
-
 // A curve that is there again keeps its handle, and with it its cursors and whether it is
 // hidden.
 void Draw(const std::vector<UI_Plot> &plots)
@@ -144,9 +130,17 @@ void SCP_ChooseSpectrum(int trace)
 
 void SCP_ShowCurves()
 {
-    // First the choices: a trace that is gone takes its spectrum with it.
-    ShowChoices();
     const SCP_Capture &capture = SCP_windowState.capture;
+    // First the choices, which are the traces there are: one that is gone takes its spectrum
+    // with it.
+    if (spectrumOf >= static_cast<int>(capture.traces.size()))
+        spectrumOf = -1;
+    ClearListCtrl(PANEL_SCOPE, SCOPE_SHOWN);
+    InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Curves", -1);
+    for (size_t i = 0; i < capture.traces.size(); ++i)
+        InsertListItem(PANEL_SCOPE, SCOPE_SHOWN, -1, "Spectrum of " + capture.traces[i].name,
+                       static_cast<int>(i));
+    SetCtrlVal(PANEL_SCOPE, SCOPE_SHOWN, spectrumOf);
     std::vector<UI_Plot> plots;
     if (spectrumOf >= 0) {
         const std::string &name = capture.traces[static_cast<size_t>(spectrumOf)].name;

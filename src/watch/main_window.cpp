@@ -73,6 +73,6 @@ int WIN_CloseWindowCB(int panel, int event, int data)
 {
     if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
         return 0;
-    HidePanel(panel);
+    HidePanel(panel); // not discarded: it comes back with what stood in it
     return 1;
 }

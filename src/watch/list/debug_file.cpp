@@ -215,6 +215,7 @@ void EditDbgCB(int /*menuBar*/, int /*item*/)
 void MenuReopenFileCB(int /*menuBar*/, int item)
 {
     for (int i = 0; i < RECENT_MAX && i < nDebugFileNames; ++i) {
+        // 0: the menu has no entry for it.
         if (anRecentItems[i] == 0 || anRecentItems[i] != item)
             continue;
         const std::string path = szaDebugFileNames[static_cast<size_t>(i)]; // opening sorts them
@@ -247,7 +248,7 @@ int SaveDbgBtnCB(int /*panel*/, int /*control*/, int event, int /*data*/)
 
 void AddDebugFileName(const std::string &path)
 {
-    if (path.size() >= PATH_MAX_CHARS)
+    if (path.size() >= PATH_MAX_CHARS) // the settings would not be read back with it
         return;
     const auto begin = szaDebugFileNames.begin();
     auto place = std::find(begin, begin + nDebugFileNames, path);

@@ -206,6 +206,7 @@ int EDT_MoveLines(std::vector<int> lines, int by)
         edit.steps.push_back(step);
     }
     MakeEdit(edit, lines.front() + by);
+    // An edit selects one line; here all that were moved stay selected, for the next step.
     for (int &line : lines)
         line += by;
     LSV_SelectLines(lines);

@@ -40,8 +40,8 @@ void EDT_ApplyStep(const EDT_Step &step)
     LItem *const place = aLItems + step.index, *const end = aLItems + nLItems;
     switch (step.kind) {
     case EDT_INSERT:
-        std::move_backward(place, end,
-                           end + 1); // whoever made the step has seen that there is room
+        // Whoever made the step has seen that there is room.
+        std::move_backward(place, end, end + 1);
         ++nLItems;
         SetItem(step.index, step.after);
         break;

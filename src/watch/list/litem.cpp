@@ -51,6 +51,7 @@ bool LIT_HasNumber(const LItem &item)
 uint64_t LIT_Bits(const LItem &item)
 {
     const uint64_t whole = static_cast<uint64_t>(item.valueHigh) << 32 | item.value;
+    // Eight bytes apart: to shift 64 bits by 64 means nothing.
     return item.size >= 8 ? whole : whole & ((uint64_t{1} << 8 * item.size) - 1);
 }
 

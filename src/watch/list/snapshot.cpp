@@ -70,6 +70,7 @@ std::string LSV_SnapshotText(const std::vector<int> &lines)
     std::string text = "Name\tAddress\tType\tValue\tState\n";
     for (const int index : lines) {
         const LItem &item = aLItems[index];
+        // A tab or line feed in a name would shift what follows it in a spreadsheet.
         text += TXT_Visible(item.name) + '\t' + AddressOf(item) + '\t' + item.type +
                 std::to_string(item.size) + '\t' + ValueOf(item) + '\t' +
                 TXT_Visible(StateOf(item)) + '\n';

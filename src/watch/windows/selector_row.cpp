@@ -47,7 +47,7 @@ std::string SEL_Describe(const TMF_ListRow &row)
         return text + "  (Enter shows its members)";
     std::string field = SEL_TypeField(row.expression);
     if (field.empty())
-        field = EDT_SuggestType(row.expression);
+        field = EDT_SuggestType(row.expression); // as adding it will
     if (row.expression[0] == '&' && field.size() > 1)
         field[1] = '4'; // whatever the name says
     return text + "  (adds as " + field + ")";

@@ -219,7 +219,8 @@ void CopySelected()
         SetCtrlVal(PANEL, VARSEL_DETAIL, "Copied: " + row->expression);
 }
 
-// 1 when the key was for the filter.
+// Who types while the list has the focus means the filter, and goes on there. 1 when the key was
+// for it.
 int OnListKey(int key)
 {
     std::string filter = selector.filter;
