@@ -18,19 +18,8 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-class EditPanels : public WatchTest {
+class EditPanels : public WatchViewTest {
 protected:
-    void SetUp() override
-    {
-        WatchTest::SetUp();
-        VR_isWatchView = true;
-        VR_EnableControls();
-        addSymbol("wSpeed", 0x300);
-        addSymbol("nnCount", 0x304);
-        addSymbol("abyRing", 0x308);
-        addTmsSymbol("fCurrent", 0x700);
-    }
-
     static Texts items()
     {
         Texts lines;

@@ -256,6 +256,7 @@ TEST_F(LItems, OpenReopenAndReload)
     HL_ClickMenu(anRecentItems[1]);
     EXPECT_EQ(szDebugFileName, first);
     EXPECT_EQ(UiText(PANEL_MAIN, MAIN_MESSAGE), "Cannot open file '" + second + "'.");
+    EXPECT_EQ(szaDebugFileNames[0] + szaDebugFileNames[1], first + second) << "and stay in order";
 }
 
 TEST_F(LItems, FileChangedOnDisk)

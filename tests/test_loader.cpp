@@ -313,6 +313,22 @@ TEST_F(Programming, FailuresLeaveTheTruthAndNoOtherStep)
     EXPECT_TRUE(untouched.sent.empty()) << "nothing is asked of the target for such a file";
 }
 
+// The block whose write nobody confirmed may hold anything: it is looked at before more is written.
+TEST_F(Programming, GoingOnLooksAtTheBlockInDoubt)
+{
+    MakeFile(3, 1000);
+    ASSERT_EQ(0, LDR_Prepare(&job, path));
+    LoaderRig rig;
+    rig.loader.faults.silentAfter = 31;
+    ASSERT_EQ(LDR_ERR_WRITE, RunJob(false));
+    rig.loader.faults = SIM_LoaderFaults();
+    const uint32_t doubt = job.plan[std::max(job.written, job.verified)].address;
+    rig.loader.flash[doubt] = static_cast<uint8_t>(~Image()[doubt]);
+    rig.loader.writes = 0;
+    EXPECT_EQ(LDR_ERR_NEEDS_ERASE, RunJob(true));
+    EXPECT_EQ(0u, rig.loader.writes);
+}
+
 // A write whose address was damaged on its way lands in a block that had been read back: what
 // is told of the flash must not count on that block any more.
 TEST_F(Programming, AStrayBlockTakesBackWhatWasVerified)

@@ -277,20 +277,6 @@ TEST_F(LogTarget, ADamagedHeaderIsAskedForOnceMore)
     EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), 0);
 }
 
-TEST_F(LogTarget, CancellingIsNoErrorAndEndsWithItsReading)
-{
-    PutLog(Sample());
-    UseOwnHost();
-    DLLD_Log log;
-    isCancelWished = true;
-    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), -1);
-    EXPECT_TRUE(DLLD_IsCancelled());
-    EXPECT_TRUE(errors.empty());
-    isCancelWished = false;
-    EXPECT_EQ(DLLD_ReadLogAt(LOG_BUFFER_AT, &log), 0);
-    EXPECT_FALSE(DLLD_IsCancelled());
-}
-
 TEST_F(LogTarget, SaveLogTakesANameOrAnAddress)
 {
     const std::vector<uint16_t> state = {0x5180, 1, 1, 0, 2, 0, 3, 0, 0x0105}; // a day and 256 s

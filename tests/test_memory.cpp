@@ -12,19 +12,8 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-class Memory : public WatchTest {
+class Memory : public WatchViewTest {
 protected:
-    void SetUp() override
-    {
-        WatchTest::SetUp();
-        VR_isWatchView = true;
-        VR_EnableControls();
-        addSymbol("wSpeed", 0x300);
-        addSymbol("nnCount", 0x304);
-        addSymbol("abyRing", 0x308);
-        addTmsSymbol("fCurrent", 0x700);
-    }
-
     static std::string readMemory(const std::string &address, int count)
     {
         HL_SetUserVal(PANEL_MEMORY, MEMORY_COUNT, count);

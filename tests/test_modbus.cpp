@@ -1,5 +1,6 @@
 // The Modbus master: bytes of each request, the check of each answer, memory through the
 // reserved registers, reasons in words and the trace.
+#include "comm/modbus_listen.h"
 #include "support/modbus_fixture.h"
 #include "support/modbus_line.h"
 
@@ -57,6 +58,36 @@ TEST_F(ModbusLineTest, BytesOfEachRequest)
     EXPECT_EQ(MBM_SendFN16(1, 0, MBM_WRITE_MAX, many.data()), 0);
     EXPECT_EQ(scripted.sent.size(), 7u + 246 + 2);
     EXPECT_EQ(MBM_cnLastSend, 255);
+}
+
+TEST_F(ModbusLineTest, ARequestThatGoesOutInPartIsNotSent)
+{
+    ASSERT_EQ(MBM_SendFN3(1, 0, 1), 0); // the line is proven by it
+    MBM_Line choked = SCRIPTED_LINE;
+    choked.write = [](const void *, size_t count) { return static_cast<int>(count) - 1; };
+    MBM_line = &choked;
+    EXPECT_EQ(MBM_SendFN3(1, 0, 1), -1);
+    EXPECT_EQ(MBM_nFault, MBM_FAULT_SEND);
+    EXPECT_EQ(MBM_cnLastSend, 0);
+}
+
+// A line that never falls silent proves nothing, and what it said is nobody's answer later.
+TEST_F(ModbusLineTest, ChatterIsForgotten)
+{
+    static const std::string sound = FromHex("01 03 02 1234*"),
+                             request = FromHex("01 03 0010 0001*");
+    MBM_Line chatter = SCRIPTED_LINE;
+    chatter.readSome = [](void *buffer, size_t, unsigned) {
+        return static_cast<int>(sound.copy(static_cast<char *>(buffer), sound.size()));
+    };
+    MBM_line = &chatter;
+    EXPECT_EQ(MBM_ProveBySilence(1), MBM_FAULT_STEP);
+    MBM_line = &SCRIPTED_LINE;
+    std::vector<uint8_t> answer;
+    EXPECT_EQ(MBM_Listen(
+                  reinterpret_cast<const uint8_t *>(request.data()), request.size(),
+                  [](const uint8_t *) { return true; }, &answer),
+              MBM_EX_SILENT);
 }
 
 TEST_F(ModbusLineTest, NothingIsSentForAQuantityOutOfRange)

@@ -242,17 +242,10 @@ TEST_F(Monitor, ProcessorAndPortChangeWithAllThatHangsOnThem)
         EXPECT_EQ(isTimer + UCM_IsOpened(), 2) << line;
     }
     EXPECT_EQ(Run("write 1, 7, 8100H"), "write 1, 7, 8100H -> OK!\n") << "on the new link";
+    EXPECT_TRUE(UCM_IsOpened()) << "what was switched on stays on";
     unsetenv("VIREO2_COM8");
     Run("compar 8, 19200");
     EXPECT_EQ(isTimer + UCM_IsOpened(), 0) << "nothing is there";
-}
-
-TEST_F(Monitor, CommunicationSwitchedOnStaysOn)
-{
-    VIR2_StartPeriodicASC();
-    ASSERT_EQ(isTimer, 1);
-    EXPECT_EQ(Run("write 1, 7, 8100H"), "write 1, 7, 8100H -> OK!\n");
-    EXPECT_TRUE(UCM_IsOpened());
 }
 
 TEST_F(Monitor, ValueEntryEndsOnFailure)

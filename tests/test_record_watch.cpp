@@ -9,7 +9,6 @@
 
 #include "app/rooms.h"
 #include "comm/mr166_link.h"
-#include "platform/system.h"
 #include "sampler/record_job.h"
 #include "sampler/record_watch.h"
 #include "sampler/recording.h"
@@ -212,29 +211,16 @@ struct RecordProgram : testing::Test {
 
 TEST_F(RecordProgram, AKillLeavesAFileThatOpens)
 {
-    const char *wished = std::getenv("VIREO2_KILLS");
     std::mt19937 random(5);
-    for (int round = 0; round < (wished != nullptr ? std::atoi(wished) : 20); ++round) {
+    for (int round = 0; round < 20; ++round) {
         std::filesystem::remove(folder / "r.csv");
         Begin({"--record", "r.csv", "--watch", "list.dbg", "--fast"});
         ASSERT_TRUE(WaitFor("\r\n0."));
         usleep(static_cast<useconds_t>(random() % 700000));
-        const int64_t killedMs = PLT_UtcMs();
         End(SIGKILL);
         const REC_Recording recording = Read();
         ASSERT_GT(recording.rows, 0u) << round;
         ASSERT_EQ(recording.badLines + recording.backward, 0u) << round;
-        if (wished != nullptr) { // by hand, on a machine that has the time
-            const std::string head = ReadFileText(folder / "r.csv").substr(0, 200);
-            const std::string start = head.substr(head.find("start, ") + 7, 24);
-            REC_Table table;
-            table.form = REC_TIME_DATE;
-            const double begun =
-                REC_ParseCellTime(table, {start.data(), start.data() + start.size()});
-            const double missing = static_cast<double>(killedMs) / 1000 - begun - recording.timeMax;
-            RecordProperty("missing" + std::to_string(round), std::to_string(missing));
-            EXPECT_LT(missing, 1.0) << round;
-        }
     }
 }
 

@@ -1,8 +1,7 @@
 // `set` as a user types it: which bytes arrive where, and what is refused before anything is
-// sent. Also the type map's command, and the grammar of the typed line.
+// sent. Also the type map's command.
 #include "support/console_rig.h"
 
-#include "symbols/assignment.h"
 #include "symbols/typemap.h"
 
 namespace {
@@ -212,34 +211,6 @@ TEST_F(SetCommand, CompletesMembersRegistersAndStations)
     EXPECT_EQ(complete("set p"), "set p") << "PSW and pwm: nothing typed is lost";
     LoadMap("08002H   nOther"); // the members of the old map go with it
     EXPECT_EQ(complete("set stMotor.f"), "set stMotor.f");
-}
-
-// The typed line's shape, whatever its names mean.
-TEST(AssignmentLine, IsSplit)
-{
-    const struct {
-        const char *line, *cast, *target, *path;
-        int station;
-        const char *value;
-    } cases[] = {{"a", "", "a", "a", -1, ""},
-                 {" ( u2 ) 3 : a . b [ 2 ] [0x3] + 4 = 5 6 ", "u2", "3 : a . b [ 2 ] [0x3] + 4",
-                  "a.b[2][0x3]+4", 3, "5 6"},
-                 {"&a=-1", "", "&a", "&a", -1, "-1"},
-                 {"$8100 = 1", "", "$8100", "$8100", -1, "1"},
-                 {":a = 1", "", ":a", "a", 0, "1"},
-                 {"()a", "", "a", "a", -1, ""}};
-    for (const auto &c : cases) {
-        AssnLine parts;
-        ASSERT_EQ(SYM_SplitAssignment(c.line, &parts), 0) << c.line;
-        EXPECT_EQ(parts.cast + "|" + parts.target + "|" + parts.path + "|" + parts.value,
-                  std::string(c.cast) + "|" + c.target + "|" + c.path + "|" + c.value);
-        EXPECT_EQ(parts.station, c.station) << c.line;
-    }
-    for (const char *line : {"", "(u2", "(u2)", "a b", "a[", "a[]", "a[2", "a[2} = 1", "a.", "a+",
-                             "a =", "$ 1", "a, b", "3:", "-a"}) {
-        AssnLine parts;
-        EXPECT_EQ(SYM_SplitAssignment(line, &parts), -1) << line;
-    }
 }
 
 } // namespace

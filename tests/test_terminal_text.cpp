@@ -22,7 +22,7 @@ TEST(TerminalScreen, MakesLinesOfWhatATargetWrites)
                   "red!"},
                  {"cut\x1B[1;\r\nnext", "cut\nnext"},
                  {"\x05\x7F\x85", "\xC2\xB7\xC2\xB7\xC2\xB7"},
-                 {"old\r\n\fnew", "new"}};
+                 {"old\r\nlonger\fnew", "new"}};
     for (const auto &row : cases) {
         TRM_Screen whole, split;
         TRM_PutOnScreen(&whole, TRM_PAGE_LATIN_1, row.bytes);

@@ -10,14 +10,10 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 
-#include "comm/mr166_link.h"
 #include "gui/gui_support.h"
 #include "runtime/qt/led_label.h"
 #include "runtime/qt/toggle_switch.h"
 #include "settings/settings.h"
-#include "support/text_checks.h"
-#include "watch/list/edit.h"
-#include "watch/list/litem.h"
 
 namespace {
 
@@ -57,7 +53,7 @@ protected:
     LineList *list = nullptr;
 };
 
-TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
+TEST_F(ProgramTest, ShowsLiveValues)
 {
     ASSERT_GT(list->lines()->rowCount(), 2);
     EXPECT_TRUE(isOn(MAIN_STOPPED));
@@ -69,17 +65,6 @@ TEST_F(ProgramTest, ShowsLiveValuesAndSurvivesAnUnpluggedTarget)
     EXPECT_TRUE(before.startsWith("wRamp|")) << before.toStdString();
     EXPECT_TRUE(QTest::qWaitFor([&] { return line(0) != before; }, PATIENCE_MS));
     EXPECT_FALSE(before.contains("(!)"));
-
-    onProgram([] { Option_AutoOff = 1; });
-    unplug();
-    EXPECT_TRUE(QTest::qWaitFor([] { return isOn(MAIN_STOPPED); }, PATIENCE_MS));
-    EXPECT_FALSE(GuiWidget<ToggleSwitch>(PANEL_MAIN, MAIN_COMM)->isChecked());
-    if (QDialog *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget()))
-        dialog->reject();
-    ASSERT_TRUE(settle());
-    plug();
-    clickCommunication();
-    EXPECT_TRUE(waitForText(MAIN_STATUS, "RUN"));
 }
 
 // The program is held in a callback for as long as the test wants: whatever the window
@@ -223,52 +208,6 @@ TEST_F(ProgramTest, ArrowsMoveTheSelectionFromAnywhereByOne)
         press(GuiWidget(PANEL_MAIN, step.focus), step.key);
         EXPECT_EQ(list->currentRow(), step.selected) << step.focus;
     }
-}
-
-TEST_F(ProgramTest, ScrolledLinesAreReadAndTheListIsSavedAndReopened)
-{
-    clickCommunication();
-    ASSERT_TRUE(waitForText(MAIN_STATUS, "RUN"));
-    const int last = list->lines()->rowCount() - 1;
-    ASSERT_GT(last, list->linesInView());
-    const QString unread = line(last);
-    list->verticalScrollBar()->setValue(list->verticalScrollBar()->maximum());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return line(last) != unread; }, PATIENCE_MS));
-    EXPECT_FALSE(line(last).contains("(!)"));
-
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_S, Qt::ControlModifier | Qt::ShiftModifier);
-    QDialog *dialog = GuiDialog();
-    ASSERT_TRUE(dialog);
-    dialog->findChild<QLineEdit *>("fileNameEdit")->setText("copy.dbg");
-    dialog->accept();
-    ASSERT_TRUE(settle());
-    EXPECT_TRUE(QFile::exists("copy.dbg"));
-    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->windowTitle().contains("copy.dbg"));
-    GuiShow(PANEL_MAIN);
-    press(GuiWindow(PANEL_MAIN), Qt::Key_2, Qt::ControlModifier);
-    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->windowTitle().contains("demo.dbg"));
-    EXPECT_EQ(list->lines()->rowCount(), last + 1);
-}
-
-TEST_F(ProgramTest, AsksBeforeItEnds)
-{
-    onProgram([] { EDT_Remove(0); });
-    GuiWindow(PANEL_MAIN)->close();
-    QDialog *dialog = GuiDialog();
-    ASSERT_TRUE(dialog);
-    GuiClickButton(dialog, "Cancel");
-    ASSERT_TRUE(settle());
-    EXPECT_TRUE(GuiWindow(PANEL_MAIN)->isVisible());
-    GuiShow(PANEL_MAIN);
-    const std::string removed = "\nwRamp, ";
-    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), removed));
-    QTest::keyClick(GuiWindow(PANEL_MAIN), Qt::Key_Q, Qt::ControlModifier);
-    dialog = GuiDialog();
-    ASSERT_TRUE(dialog);
-    GuiClickButton(dialog, "Yes");
-    EXPECT_TRUE(QTest::qWaitFor(
-        [&] { return ReadFileText("demo.dbg").find(removed) == std::string::npos; }, PATIENCE_MS));
-    EXPECT_TRUE(Has(ReadFileText("demo.dbg"), "; ")) << "comments are the user's";
 }
 
 } // namespace

@@ -336,6 +336,19 @@ TEST_P(BothDrivers, AnAnswerHalfThereBeforeTheRequestIsNotItsAnswer)
     EXPECT_TRUE(isRead(0x1000, 2));
 }
 
+TEST_F(InStep, ARequestThatGoesOutInPartIsNotWaitedFor)
+{
+    VL_Schedule choked;
+    VL_Start(choked, 7);
+    Open(1);
+    ASSERT_EQ(mr166Message(1, 0, 0x1000, 2, nullptr), 1);
+    choked.isChoked = true;
+    VL_Change(choked);
+    const uint64_t before = VL_NowUs();
+    EXPECT_EQ(mr166Message(1, 0, 0x1000, 2, nullptr), 0);
+    EXPECT_LT(VL_NowUs() - before, VL_TIMEOUT_MS * 1000u);
+}
+
 TEST_P(BothDrivers, ALateAcknowledgementIsOfNoOtherWrite)
 {
     VL_Schedule late;

@@ -336,6 +336,8 @@ int SER_SetTimeouts(SER_Handle, unsigned readMs, unsigned)
 int SER_Write(SER_Handle, const void *bytes, size_t count)
 {
     const char *text = static_cast<const char *>(bytes);
+    if (schedule.isChoked)
+        return static_cast<int>(count) - 1;
     const bool isLost = VL_Happens(schedule.loss / 2);
     // A damaged request is a lost one, and a repeated answer in its place looks like its own.
     const bool isDamaged = schedule.duplicate == 0 && VL_Happens(schedule.damage);

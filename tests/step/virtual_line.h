@@ -25,6 +25,7 @@ struct VL_Schedule {
     double refuse = 0;          // the partner answers with an error code
     bool isSerial = false;      // the delay begins when the answer before has gone
     bool isEcho = false;
+    bool isChoked = false;      // requests go out in part
     bool isZeroRefused = false; // reads of address 0 are refused
     uint32_t stations = 0xFFFF; // bit n: station n answers
 };

@@ -20,6 +20,7 @@
 #include "watch/list/list_file.h"
 #include "watch/list/litem.h"
 #include "watch/list/refresh.h"
+#include "watch/main_window.h"
 
 class WatchTest : public TargetTest {
 protected:
@@ -99,6 +100,20 @@ protected:
 
     const ScratchFolder folder;
     std::string content;
+};
+
+// The watch view in front, and a name of each kind.
+class WatchViewTest : public WatchTest {
+protected:
+    void SetUp() override
+    {
+        VR_isWatchView = true;
+        VR_EnableControls();
+        addSymbol("wSpeed", 0x300);
+        addSymbol("nnCount", 0x304);
+        addSymbol("abyRing", 0x308);
+        addTmsSymbol("fCurrent", 0x700);
+    }
 };
 
 #endif
