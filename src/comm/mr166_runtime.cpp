@@ -89,7 +89,7 @@ const Mr166_Driver MR166_DRIVER_RUNTIME = {
     MrASC_CloseNI,
     [] { FlushOutQ(openPort); },
     [] { return GetInQLen(openPort); },
-    [] { return wMrOpenFlag ? ComWrt(openPort, Mr166_abySnd, cbSnd) : -1; },
+    [] { return wMrOpenFlag && ComWrt(openPort, Mr166_abySnd, cbSnd) == cbSnd ? 0 : -1; },
     // readSome: the library hands out single bytes
     [](char *buffer, size_t capacity, unsigned waitMs) {
         const int waiting = WaitInQ(openPort, waitMs);

@@ -1,9 +1,11 @@
-// The Modbus master and the memory tunnel against a foreign slave, on pymodbus.
+// The Modbus master and the memory tunnel against foreign slaves: one on libmodbus, one on
+// pymodbus. Both hold the same tables and the same memory.
 #include "peers/pty_pair.h"
 #include "support/modbus_fixture.h"
 
 #include <csignal>
 #include <cstring>
+#include <modbus/modbus.h>
 #include <numeric>
 #include <sys/wait.h>
 
@@ -16,6 +18,88 @@ uint8_t MemoryAt(uint32_t address)
 {
     return static_cast<uint8_t>(address * 7 + (address >> 8));
 }
+
+// --- libmodbus
+// ------------------------------------------------------------------------------------
+
+constexpr int TUNNEL_EVEN = 0xFFFD, TUNNEL_ODD = 0xFFFB, TUNNEL_DATA = 0xFF00;
+
+// Serves until it is told to end. The reserved registers are registers like others to the
+// library, whose table is long enough; memory is moved before and after its reply.
+class LibmodbusSlave {
+public:
+    explicit LibmodbusSlave(const std::string &path)
+        : context(modbus_new_rtu(path.c_str(), MODBUS_BAUD, 'N', 8, 1)),
+          map(modbus_mapping_new(0x2000, 0x2000, 0x10200, 0x1000)), memory(MEMORY_BYTES)
+    {
+        for (uint32_t a = 0; a < MEMORY_BYTES; a++)
+            memory[a] = MemoryAt(a);
+        for (int n = 0; n < 0x2000; n++) {
+            map->tab_bits[n] = n % 3 == 0;
+            map->tab_input_bits[n] = n % 5 == 0;
+        }
+        for (int n = 0; n < 0x1000; n++) {
+            map->tab_registers[n] = static_cast<uint16_t>(n * 3);
+            map->tab_input_registers[n] = static_cast<uint16_t>(n * 5);
+        }
+        modbus_set_slave(context, SLAVE);
+        isConnected = modbus_connect(context) == 0;
+        modbus_set_indication_timeout(context, 0, 100000);
+        server = std::thread([this] { Serve(); });
+    }
+    ~LibmodbusSlave()
+    {
+        isEnding = true;
+        server.join();
+        modbus_close(context);
+        modbus_free(context);
+        modbus_mapping_free(map);
+    }
+    bool isConnected = false;
+
+private:
+    static int Word(const uint8_t *bytes)
+    {
+        return bytes[0] << 8 | bytes[1];
+    }
+    void Serve()
+    {
+        uint8_t query[MODBUS_RTU_MAX_ADU_LENGTH];
+        while (!isEnding) {
+            const int length = modbus_receive(context, query);
+            if (length <= 0)
+                continue;
+            const int function = query[1], to = function == 23 ? Word(query + 6) : Word(query + 2);
+            const bool isTunnel = to == TUNNEL_EVEN || to == TUNNEL_ODD;
+            if (isTunnel && function == 23)
+                FillData(static_cast<uint32_t>(Word(query + 11) << 16 | Word(query + 13)),
+                         2 * Word(query + 4) - (to == TUNNEL_ODD));
+            modbus_reply(context, query, length, map);
+            if (isTunnel && function == 16)
+                StoreData(to, 2 * (Word(query + 4) - 2) - (to == TUNNEL_ODD));
+        }
+    }
+    void FillData(uint32_t address, int count)
+    {
+        std::fill_n(map->tab_registers + TUNNEL_DATA, MODBUS_MAX_READ_REGISTERS, uint16_t{0});
+        for (int i = 0; i < count; i++)
+            map->tab_registers[TUNNEL_DATA + i / 2] |= static_cast<uint16_t>(
+                memory[address + static_cast<uint32_t>(i)] << (i % 2 ? 8 : 0));
+    }
+    void StoreData(int tunnel, int count)
+    {
+        const uint16_t *registers = map->tab_registers + tunnel;
+        const auto address = static_cast<uint32_t>(registers[0] << 16 | registers[1]);
+        for (int i = 0; i < count; i++)
+            memory[address + static_cast<uint32_t>(i)] =
+                static_cast<uint8_t>(registers[2 + i / 2] >> (i % 2 ? 8 : 0));
+    }
+    modbus_t *context;
+    modbus_mapping_t *map;
+    std::vector<uint8_t> memory;
+    std::atomic<bool> isEnding{false};
+    std::thread server;
+};
 
 // --- pymodbus
 // -------------------------------------------------------------------------------------
@@ -126,14 +210,24 @@ void CheckFunctions()
     EXPECT_EQ(MBM_byExCode, 2);
 }
 
-TEST_F(ModbusPeers, Pymodbus)
+template <typename Slave> void CheckPeer(ModbusPeers *test)
 {
     const PtyPair cable;
-    const PymodbusSlave slave(cable.Path(1));
+    const Slave slave(cable.Path(1));
     ASSERT_TRUE(slave.isConnected);
-    connect(cable.Path(0));
+    test->connect(cable.Path(0));
     CheckMemory();
     CheckFunctions();
+}
+
+TEST_F(ModbusPeers, Libmodbus)
+{
+    CheckPeer<LibmodbusSlave>(this);
+}
+
+TEST_F(ModbusPeers, Pymodbus)
+{
+    CheckPeer<PymodbusSlave>(this);
 }
 
 } // namespace

@@ -336,11 +336,10 @@ TEST_P(BothDrivers, AnAnswerHalfThereBeforeTheRequestIsNotItsAnswer)
     EXPECT_TRUE(isRead(0x1000, 2));
 }
 
-TEST_F(InStep, ARequestThatGoesOutInPartIsNotWaitedFor)
+TEST_P(BothDrivers, ARequestThatGoesOutInPartIsNotWaitedFor)
 {
     VL_Schedule choked;
-    VL_Start(choked, 7);
-    Open(1);
+    start(choked);
     ASSERT_EQ(mr166Message(1, 0, 0x1000, 2, nullptr), 1);
     choked.isChoked = true;
     VL_Change(choked);
