@@ -223,7 +223,8 @@ TEST_F(Settings, NumbersThatCannotBeMeantAreSaidWithTheirLine)
                  {"s, 16\n", "Vireo2.ini, line 1: station 16 is outside 0 to 15."},
                  {"\ns, -1\n", "Vireo2.ini, line 2: station -1 is outside 0 to 15."},
                  {"s, 250\nt, MODBUS\n", ""},
-                 {"t, MODBUS\ns, 251\n", "Vireo2.ini, line 2: station 251 is outside 0 to 250."},
+                 {"t, MODBUS\ns, 251\n", "Vireo2.ini, line 2: station 251 is outside 1 to 250."},
+                 {"s, 0\nt, MODBUS\n", "Vireo2.ini, line 1: station 0 is outside 1 to 250."},
                  {"s, 99\ns, 3\n", ""},
                  {";\n\nb, fast\np, 0\n",
                   "Vireo2.ini, line 3: baud rate 0 is outside 110 to 4000000. "

@@ -247,12 +247,14 @@ bool APP_IsSettingsMissing()
 
 std::string APP_GetRangeProblem()
 {
-    const int stations = VR_nProtocol == PROTOCOL_MODBUS ? MODBUS_STATION_MAX : STATION_MAX;
+    const bool isModbus = VR_nProtocol == PROTOCOL_MODBUS;
+    const int least = isModbus ? MODBUS_STATION_MIN : 0;
+    const int most = isModbus ? MODBUS_STATION_MAX : STATION_MAX;
     std::string text;
     for (const std::string &problem :
          {RangeText(APP_settingReading.baud, bRate, "baud rate", BAUD_MIN, BAUD_MAX),
           RangeText(APP_settingReading.port, ncom, "port", 1, PORT_MAX),
-          RangeText(APP_settingReading.station, STATION, "station", 0, stations)})
+          RangeText(APP_settingReading.station, STATION, "station", least, most)})
         text += (text.empty() || problem.empty() ? "" : " ") + problem;
     return text;
 }
