@@ -236,6 +236,11 @@ TEST_F(Recording, filesOfOtherToolsOpen)
          {1, 2, 5},
          {no, no, 7}},
         {"mark of UTF-8, no last line end", "\xEF\xBB\xBFtime,x\n1,2\n3,4", {1, 3}, {2, 4}},
+        {"mark of UTF-8, no names",
+         "\xEF\xBB\xBF"
+         "1,2\n3,4\n",
+         {1, 3},
+         {2, 4}},
         {"a scope's",
          "; Vireo2 scope 1\r\n; taken, now\r\n; unit, 1, "
          "A\r\nsample,time,i\r\n0,-0.5,7\r\n1,0,8\r\n",

@@ -42,8 +42,13 @@ void AddLine(const REC_FileLine &line, REC_RowPass *pass, REC_Recording *recordi
 // The first line may carry the mark of UTF-8 and says whether the recording is one of ours.
 void ReadFirstLine(REC_FileLine *line, REC_Recording *recording)
 {
-    if (line->end - line->begin >= 3 && std::memcmp(line->begin, "\xEF\xBB\xBF", 3) == 0)
-        line->begin += 3;
+    constexpr char UTF8_MARK[] = "\xEF\xBB\xBF";
+    constexpr int MARK_BYTES = 3;
+    if (line->end - line->begin >= MARK_BYTES &&
+        std::memcmp(line->begin, UTF8_MARK, MARK_BYTES) == 0) {
+        line->begin += MARK_BYTES;
+        line->offset += MARK_BYTES; // a row is read again from here, where nobody looks for a mark
+    }
     for (const char *ours : OUR_FIRST_LINES)
         if (REC_TextOf(*line).compare(0, std::strlen(ours), ours) == 0)
             recording->isOurs = true;
