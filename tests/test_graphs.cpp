@@ -86,7 +86,7 @@ TEST_F(GraphWindow, SettingsComeBackAndBadLinesAreNamed)
         curve.item.type = 'u';
         curve.item.station = 3;
         curve.scale = {-0.1, 7};
-        curve.unit = "m,s";
+        curve.unit = "-m,s"; // a spreadsheet would run it: it comes back without its mark
         curve.pane = 2;
         setup.curves.push_back(curve);
     }
@@ -103,7 +103,7 @@ TEST_F(GraphWindow, SettingsComeBackAndBadLinesAreNamed)
     EXPECT_EQ(loaded.curves[0].item.address, 0x8010u) << "found in the map";
     EXPECT_EQ(loaded.curves[1].item.address, SMP_NO_ADDRESS);
     EXPECT_EQ(loaded.curves[2].item.address, 0x8002u);
-    EXPECT_EQ(loaded.curves[1].unit, "m,s");
+    EXPECT_EQ(loaded.curves[1].unit, "-m,s");
     EXPECT_EQ(loaded.curves[1].scale.factor, -0.1);
     const char *const bad[] = {"period, -1",
                                "window, 0.5",

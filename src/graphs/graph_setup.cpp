@@ -27,8 +27,9 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
 {
     SMP_Item item;
     uint32_t address = SMP_NO_ADDRESS;
-    if (cells.size() < 6 || cells[2].empty() || cells[2].size() > LITEM_FIELD_MAX ||
-        cells[3].size() != 1 || !TXT_ParseNumber(cells[4], 1, 8, &item.size) ||
+    const std::string name = cells.size() > 2 ? TXT_WithoutCsvMark(cells[2]) : "";
+    if (cells.size() < 6 || name.empty() || name.size() > LITEM_FIELD_MAX || cells[3].size() != 1 ||
+        !TXT_ParseNumber(cells[4], 1, 8, &item.size) ||
         !TXT_ParseNumber(cells[5], 0, 15, &item.station))
         return false;
     if (cells.size() > 6) {
@@ -36,7 +37,7 @@ bool ParseCurve(const std::vector<std::string> &cells, GRA_Curve *curve)
         if (std::from_chars(cells[6].data(), end, address, 16).ptr != end)
             return false;
     }
-    item.name = cells[2];
+    item.name = name;
     item.type = cells[3][0];
     item.isTMS = item.name[0] == '&';
     item.address = address;
@@ -103,7 +104,7 @@ int ParseLine(const std::string &line, GRA_Setup *setup)
     if (isNew)
         isGood = ParseCurve(cells, &curve);
     else if (key == "unit" && isGood)
-        curve.unit = cells[2];
+        curve.unit = TXT_WithoutCsvMark(cells[2]);
     else if (key == "pane" && isGood)
         isGood = TXT_ParseNumber(cells[2], 0, static_cast<int>(GRA_CURVES_MAX) - 1, &curve.pane);
     else if (isGood)
