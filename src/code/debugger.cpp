@@ -115,15 +115,6 @@ void CODE_DebuggerChanged()
         CODE_ShowWhere();
 }
 
-int CODE_DebuggerPanelCB(int panel, int event, int data)
-{
-    if (event != EVENT_CLOSE && !(event == EVENT_KEYPRESS && data == KEY_ESC))
-        return 0;
-    // Hidden it keeps its code and places, but its timer no longer reads.
-    HidePanel(panel);
-    return 1;
-}
-
 int CODE_PlaceCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT)

@@ -12,7 +12,6 @@ void CODE_DebuggerOpened(); // the window was shown
 // the one before and goes.
 void CODE_DebuggerChanged();
 
-int CODE_DebuggerPanelCB(int panel, int event, int data);
 int CODE_PlaceCB(int panel, int control, int event, int data);
 int CODE_DebuggerButtonCB(int panel, int control, int event,
                           int data); // go, back, follow, more, copy

@@ -104,15 +104,6 @@ void CFW_RefreshEditor()
         SetCtrlAttribute(PANEL_CONFIG_EDIT, control, ATTR_DIMMED, a.isReadOnly ? 1 : 0);
 }
 
-int CFW_EditorPanelCB(int panel, int event, int data)
-{
-    if (event == EVENT_CLOSE || (event == EVENT_KEYPRESS && data == KEY_ESC)) {
-        HidePanel(panel);
-        return 1;
-    }
-    return 0;
-}
-
 int CFW_EditorNewCB(int, int, int event, int)
 {
     if (event == EVENT_COMMIT && shown >= 0)

@@ -17,7 +17,6 @@ struct CFW_EditorHost {
 void CFW_OpenEditor(const CFW_EditorHost &host, int entry); // nothing for -1
 void CFW_RefreshEditor(); // what it shows has changed; follows the table's selection
 
-int CFW_EditorPanelCB(int panel, int event, int data);
 int CFW_EditorNewCB(int panel, int control, int event, int data);
 int CFW_EditorButtonCB(int panel, int control, int event, int data);
 
